@@ -1,0 +1,1 @@
+#include "zelvar/base/Export.h"

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "zelvar/base/DString.h"
+
+namespace zelvar {
+
+/// Where the installation lies. ZELVAR_INSTALL_DIR wins; else it is found from where this library was loaded.
+[[nodiscard]] ZELVAR_API DString GetInstallDir();
+/// Directory of the connection definitions; may be empty for none. ZELVAR_DEFINITIONS_DIR wins (an empty value means
+/// none), else "zelvar/definitions" below the user's configuration directory.
+[[nodiscard]] ZELVAR_API DString GetDataSourceDefinitionsDir();
+/// Directory of templates, icons and option pages. ZELVAR_TEMPLATES_DIR wins (an empty value means none), else
+/// "templates" below the installed shared data.
+[[nodiscard]] ZELVAR_API DString GetDataSourceTemplatesDir();
+/// The settings store's file. ZELVAR_SETTINGS wins, else "zelvar/settings.db" below the user's configuration directory.
+[[nodiscard]] ZELVAR_API DString GetSettingsFile();
+
+} // namespace zelvar

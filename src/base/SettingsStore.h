@@ -1,0 +1,54 @@
+#pragma once
+
+#include "zelvar/base/DString.h"
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <variant>
+#include <vector>
+
+namespace zelvar {
+
+/// The one store of settings: keys in a tree, typed values under each key, in an SQLite file.
+///
+/// Keys are paths with "\" between their elements, compared with case; the empty key is the root. Every write is one
+/// transaction: after a kill at any moment it is there whole or not at all. Several processes may use one file at the
+/// same time. A damaged file is set aside as "<name>.damaged-<n>" with a message and a new one is begun. Reads and
+/// writes on a file that cannot be opened or written answer with "nothing" and false. Any thread.
+class ZELVAR_API SettingsStore {
+public:
+    using Bytes = std::vector<std::uint8_t>;
+    using Value = std::variant<std::int64_t, double, DString, std::vector<DString>, Bytes>;
+
+    /// The store named by `GetSettingsFile()`. Made at the first call, opened at the first read or write; kept per file
+    /// name.
+    static SettingsStore &Instance();
+
+    explicit SettingsStore(DString file);
+    ~SettingsStore();
+    SettingsStore(SettingsStore const &) = delete;
+    SettingsStore &operator=(SettingsStore const &) = delete;
+
+    [[nodiscard]] std::optional<Value> Read(DString const &key, DString const &name) const;
+    bool Write(DString const &key, DString const &name, Value const &value);
+    /// True if the value existed.
+    bool Remove(DString const &key, DString const &name);
+    /// Removes the key with all that lies below it.
+    bool RemoveTree(DString const &key);
+    [[nodiscard]] std::vector<DString> Names(DString const &key) const;    ///< of the values under the key, by bytes
+    [[nodiscard]] std::vector<DString> Children(DString const &key) const; ///< last elements of the keys below
+    /// Runs `body` in one transaction: all of it or, if it returns false or throws, nothing.
+    bool Transact(std::function<bool()> const &body);
+
+    // The typed forms answer `fallback` when the value is missing or of another type.
+    [[nodiscard]] DString ReadString(DString const &key, DString const &name, DString const &fallback = {}) const;
+    [[nodiscard]] std::int64_t ReadInt(DString const &key, DString const &name, std::int64_t fallback) const;
+
+private:
+    struct Impl;
+    std::unique_ptr<Impl> m_impl;
+};
+
+} // namespace zelvar

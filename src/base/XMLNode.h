@@ -1,0 +1,87 @@
+#pragma once
+
+#include "zelvar/base/DString.h"
+
+#include <memory>
+
+namespace zelvar {
+
+class DFile;
+
+/// Element of an XML tree in memory: name, attributes, text, children; knows its parent, next sibling, first child.
+///
+/// A node without a parent is a root and owns its whole tree; whoever made it deletes it. A child is owned by its
+/// parent. One thread at a time per tree.
+class ZELVAR_API XMLNode {
+public:
+    /// An element of that name without a parent. The empty name serves for a node that is about to `Load`.
+    explicit XMLNode(DString const &name = {});
+    ~XMLNode();
+    XMLNode(XMLNode const &) = delete;
+    XMLNode &operator=(XMLNode const &) = delete;
+
+    /// Replaces this root by the file's tree. False, and this node unchanged, if the file cannot be read or does not
+    /// parse to its end: never half a tree. External entities are never fetched, document types with entity
+    /// declarations and trees deeper than 256 levels or files above 64 MB are refused.
+    bool Load(DFile const &file, DString *error = nullptr);
+    bool LoadText(std::string_view text, DString *error = nullptr);
+    /// Writes the tree as UTF-8, atomically: the former file stays until the new one is complete on disk. With
+    /// `backup` the former file is kept beside it as "<name>.bak". False leaves the former file as it was.
+    bool Save(DFile const *file, bool backup) const;
+    [[nodiscard]] DString SaveText() const;
+
+    [[nodiscard]] DString const &GetName() const;
+    void SetName(DString const &name);
+
+    [[nodiscard]] bool HasAttr(char const *name) const;
+    /// The attribute's value, or `fallback` if there is none.
+    [[nodiscard]] DString GetAttrStr(char const *name, DString const &fallback = {}) const;
+    /// "1", "true", "yes", "on" are true, "0", "false", "no", "off" false, in any case; anything else is `fallback`.
+    [[nodiscard]] bool GetAttrBool(char const *name, bool fallback) const;
+    [[nodiscard]] long long GetAttrInt(char const *name, long long fallback = 0) const;
+    [[nodiscard]] double GetAttrDouble(char const *name, double fallback = 0) const;
+    void SetAttr(char const *name, DString const &value);
+    void SetAttrBool(char const *name, bool value);
+    void SetAttrInt(char const *name, long long value);
+
+    /// The text directly inside the element, all pieces joined.
+    [[nodiscard]] DString GetText() const;
+    void SetText(DString const &text);
+
+    [[nodiscard]] XMLNode *GetParent() const;
+    [[nodiscard]] XMLNode *GetNext() const;       ///< next sibling, or null
+    [[nodiscard]] XMLNode *GetFirstChild() const; ///< or null
+    /// The first child of that name, or null.
+    [[nodiscard]] XMLNode *GetChldNode(char const *name) const;
+    [[nodiscard]] int GetChldCount() const;
+
+    /// Appends `child`, a root until now, and takes it over. Null when `child` is null or has a parent.
+    XMLNode *AddChld(XMLNode *child);
+    XMLNode *AddChld(DString const &name);
+    /// Removes and deletes a child of this node. False if it is none.
+    bool DelChld(XMLNode *child);
+
+    /// A deep copy without a parent, owned by the caller.
+    [[nodiscard]] std::unique_ptr<XMLNode> Copy() const;
+
+    /// Walk over the children that allows removal of the current one.
+    class ZELVAR_API ChldItr {
+    public:
+        explicit ChldItr(XMLNode &parent) : m_parent(parent), m_current(parent.GetFirstChild()) {}
+        [[nodiscard]] bool IsValid() const { return m_current != nullptr; }
+        [[nodiscard]] XMLNode *Get() const { return m_current; }
+        void Next() { m_current = m_current->GetNext(); }
+        /// Deletes the current child and stands on the next one.
+        void Rmv();
+
+    private:
+        XMLNode &m_parent;
+        XMLNode *m_current;
+    };
+
+private:
+    struct Impl;
+    std::unique_ptr<Impl> m_impl;
+};
+
+} // namespace zelvar

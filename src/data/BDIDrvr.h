@@ -1,0 +1,40 @@
+#pragma once
+
+#include "zelvar/data/BDINode.h"
+#include "zelvar/data/DIOPlugin.h"
+
+namespace zelvar {
+
+/// Block data interface driver: shows a file, address or connection as a tree of nodes.
+///
+/// One tree is used by one thread at a time; different trees by different threads. Handles are opaque.
+class ZELVAR_API BDIDrvr : public DIOPlugin {
+public:
+    /// "BDI_Multiple_Images": 1 if a file can hold several images. "BDI_Filtering": 1 if `OpenRepository` takes a
+    /// filter. 0 for what the driver does not know.
+    [[nodiscard]] virtual int GetAttrInt(char const *name) const = 0;
+    /// True if the plain file at `path` is a tree of more than one image or table for this driver. Cheap: extension and
+    /// first bytes before anything else, and only ever regular files.
+    [[nodiscard]] virtual bool CanReadPath(DString const &path) const = 0;
+
+    /// Opens with this driver; sets `*root` to a node that the caller closes. Null if it does not open. `filter` may be
+    /// null.
+    virtual void *OpenRepository(char const *url, BDINode **root, char const *filter) = 0;
+    virtual void CloseRepository(void *repository) = 0;
+
+    /// A node by its path, or null. The caller closes it.
+    virtual BDINode *OpenNode(void *repository, char const *path) = 0;
+    virtual BDINode *CloneNode(BDINode const *node) = 0;
+    virtual void CloseNode(BDINode *node) = 0;
+
+    /// Bit 0 of the mask of the find calls asks for children below children too, where a driver can give them at once.
+    static constexpr int kFindRecursive = 1;
+    /// Starts a walk over the children that have a bit of `mask`; null if there is nothing to walk. The children are
+    /// fetched in one batch.
+    virtual void *FindFirstChildNode(void *repository, BDINode const *node, int mask) = 0;
+    /// The next child, valid until the next call, or null at the end.
+    virtual BDINode const *FindNextChildNode(void *find) = 0;
+    virtual void FindClose(void *find) = 0;
+};
+
+} // namespace zelvar

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "zelvar/base/DString.h"
+
+#include <cstdint>
+
+namespace zelvar {
+
+/// Bits of `BDINode::type`.
+enum BDINodeType : std::uint32_t {
+    BDINode_Container = 0x01, ///< holds other nodes
+    BDINode_Raster = 0x02,
+    BDINode_Thematic = 0x04, ///< vector layer
+    BDINode_Table = 0x08,    ///< table or metadata
+    BDINode_Folder = 0x10,
+};
+
+/// A driver's record of one node of a tree. Made by the driver's `OpenNode`, `CloneNode` and find calls, released by
+/// its `CloseNode`.
+class ZELVAR_API BDINode {
+public:
+    BDINode() = default;
+    BDINode(BDINode const &) = default;
+    BDINode(BDINode &&) = default;
+    BDINode &operator=(BDINode const &) = default;
+    BDINode &operator=(BDINode &&) = default;
+    virtual ~BDINode() = default;
+
+    std::uint32_t type = 0; ///< `BDINodeType` bits
+    DString path;           ///< opens the node again; for a data item also its moniker
+    DString name;           ///< what the user sees
+    DString value;          ///< filter nodes: one filter's configuration
+};
+
+} // namespace zelvar

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "zelvar/base/DString.h"
+
+namespace zelvar {
+
+/// Data plug-in: what every driver tells about itself.
+class ZELVAR_API DIOPlugin {
+public:
+    virtual ~DIOPlugin() = default;
+    [[nodiscard]] virtual DString GetId() const = 0;
+    /// One line for the log and the property "Driver".
+    [[nodiscard]] virtual DString GetInfo() const = 0;
+    /// Masks of the files it reads, as "*.tif;*.tiff"; may be empty.
+    [[nodiscard]] virtual DString GetExtensions() const { return {}; }
+
+protected:
+    DIOPlugin() = default;
+    DIOPlugin(DIOPlugin const &) = default;
+    DIOPlugin(DIOPlugin &&) = default;
+    DIOPlugin &operator=(DIOPlugin const &) = default;
+    DIOPlugin &operator=(DIOPlugin &&) = default;
+};
+
+} // namespace zelvar

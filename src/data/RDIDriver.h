@@ -1,0 +1,84 @@
+#pragma once
+
+#include "zelvar/base/Report.h"
+#include "zelvar/data/BDIMoniker.h"
+#include "zelvar/data/DIOPlugin.h"
+
+#include <atomic>
+#include <cstdint>
+#include <optional>
+
+namespace zelvar {
+
+/// Raster data interface, geo code: slices lie one under the other and time frames side by side in the channel.
+struct RDIGeoCoo {
+    int numSlices = 1;
+    int numTimeFrames = 1;
+};
+
+/// Sample types of channels.
+enum RDIDataType {
+    RDI_None = 0,
+    RDI_UInt8 = 1,
+    RDI_UInt16 = 2,
+    RDI_Int16 = 4,
+    RDI_UInt32 = 8,
+    RDI_Int32 = 16,
+    RDI_Float32 = 32,
+};
+/// "8 bit unsigned" and so on; empty for another number.
+[[nodiscard]] ZELVAR_API DString RDIGetDTName(int type);
+/// Bytes of a sample; 0 for another number.
+[[nodiscard]] constexpr int RDIGetDTSize(int type) {
+    return type == RDI_UInt8                                                ? 1
+           : type == RDI_UInt16 || type == RDI_Int16                        ? 2
+           : type == RDI_UInt32 || type == RDI_Int32 || type == RDI_Float32 ? 4
+                                                                            : 0;
+}
+
+/// Asks a long read to stop: set from any thread, polled by the driver.
+using StopSignal = std::atomic<bool>;
+
+/// Raster data interface driver: reads channels of images.
+///
+/// A handle belongs to the thread that opened it.
+class ZELVAR_API RDIDriver : public DIOPlugin {
+public:
+    /// 1 if this driver reads the file; cheap, as `BDIDrvr::CanReadPath`.
+    [[nodiscard]] virtual int IsMyFile(char const *path) const = 0;
+    /// Null if it does not open. `stop` may be null and must outlive the handle.
+    virtual void *OpenFile(BDIMoniker const &moniker, StopSignal const *stop, DError *error) = 0;
+    virtual void CloseFile(void *handle, bool discardChanges) = 0;
+
+    [[nodiscard]] virtual int GetNumChnl(void *handle) const = 0;
+    [[nodiscard]] virtual int GetChnlSizeX(void *handle, int channel) const = 0;
+    [[nodiscard]] virtual int GetChnlSizeY(void *handle, int channel) const = 0;
+    [[nodiscard]] virtual int GetChnlDataType(void *handle, int channel) const = 0;
+    [[nodiscard]] virtual RDIGeoCoo GetChnlGeoCode(void *handle, int channel) const = 0;
+
+    /// "RDI_Drvr_Info": the driver's description of the file; may be empty.
+    [[nodiscard]] virtual DString GetAttrString(char const *name, void *handle, int channel) const = 0;
+    /// "RDI_Drvr_Sppt_Intrnl_RslPrmd": 1 if the file holds a resolution pyramid.
+    /// "RDI_Drvr_Palette": 1 if the one channel is shown through a palette, see `ReadPaletteRsmpl`.
+    [[nodiscard]] virtual int GetAttrInt(char const *name, void *handle, int channel) const = 0;
+
+    /// Resampling methods.
+    enum Resampling { Nearest = 0, Average = 1, Bilinear = 2, Cubic = 3 };
+    /// Reads the window (`x`, `y`, `width`, `height`, pixels of the channel) into `outWidth` * `outHeight` samples of
+    /// the channel's type, rows packed. NaN, infinities and nodata arrive as zeros. With `usePyramid` overviews are
+    /// read where they serve; with `clip` a window that leaves the channel is filled with zeros there. False if it
+    /// fails or was stopped.
+    virtual bool ReadBlockRsmpl(void *handle, int channel, double x, double y, double width, double height,
+                                void *buffer, int outWidth, int outHeight, int resampling, bool usePyramid,
+                                bool clip) = 0;
+    /// The same for a channel with a palette: `outWidth` * `outHeight` * 3 bytes red, green, blue. False without a
+    /// palette.
+    virtual bool ReadPaletteRsmpl(void *handle, double x, double y, double width, double height, void *rgb,
+                                  int outWidth, int outHeight) {
+        static_cast<void>(handle), static_cast<void>(x), static_cast<void>(y), static_cast<void>(width);
+        static_cast<void>(height), static_cast<void>(rgb), static_cast<void>(outWidth), static_cast<void>(outHeight);
+        return false;
+    }
+};
+
+} // namespace zelvar

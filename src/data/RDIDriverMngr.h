@@ -1,0 +1,36 @@
+#pragma once
+
+#include "zelvar/base/Report.h"
+#include "zelvar/data/RDIDriver.h"
+
+#include <memory>
+#include <vector>
+
+namespace zelvar {
+
+/// Raster data interface driver manager. The drivers come from the same provider as `BDIDrvrMngr`'s.
+class ZELVAR_API RDIDriverMngr {
+public:
+    static RDIDriverMngr *Instance();
+
+    /// Driver by id (case not regarded), or null.
+    RDIDriver *GetDriver(char const *id);
+    /// Opens the data: with `driverId` not empty that driver, else, or if it is unknown, the first that does. Sets
+    /// `*driver` and `*handle`; false, with the reason in `*error` (may be null), if nothing opens. A file opens with
+    /// drivers that do not reach out; only a moniker that is an address may use the network. `options` is added to the
+    /// moniker's own.
+    bool OpenFile(BDIMoniker const &moniker, RDIDriver **driver, void **handle, char const *options, DError *error,
+                  char const *driverId, StopSignal const *stop = nullptr);
+    std::vector<RDIDriver *> const &Drivers();
+
+    void Add(std::unique_ptr<RDIDriver> driver);
+    void Reset();
+
+private:
+    RDIDriverMngr();
+    ~RDIDriverMngr();
+    struct Impl;
+    std::unique_ptr<Impl> m_impl;
+};
+
+} // namespace zelvar

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "zelvar/base/ImageList.h"
+#include "zelvar/platform/os/ShellId.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace zelvar::platform {
+
+/// Nanoseconds since 1970 UTC; a time that is not known is 0.
+struct FileTimes {
+    std::int64_t modified = 0;
+    std::int64_t created = 0;
+    std::int64_t accessed = 0;
+    std::int64_t size = -1; ///< bytes
+};
+
+/// One child as an enumeration yields it.
+struct ShellChild {
+    ShellId id;
+    DString name; ///< display name; for files and folders the name with its extension
+    ShellKind kind = ShellKind::Unknown;
+    bool link = false;         ///< reached through a symbolic link
+    std::int64_t size = -1;    ///< bytes, plain files only
+    std::int64_t modified = 0; ///< nanoseconds since 1970 UTC, 0 if unknown
+};
+
+enum class ShellFolderOf { Desktop, Documents, CommonDocuments, Pictures };
+
+/// Shell namespace: places of the machine and the network as one tree that browsing walks.
+///
+/// The desktop is the root; below it lie the drives place and the network place. Reading may block as long as the
+/// medium does; nothing here touches a place that was not asked for. Any thread.
+class ZELVAR_API ShellNamespace {
+public:
+    /// Yields false to stop.
+    using Visitor = std::function<bool(ShellChild &&)>;
+    enum class Purpose {
+        Browse,  ///< folders and files that are not hidden
+        Network, ///< servers and shares only
+    };
+
+    virtual ~ShellNamespace() = default;
+
+    [[nodiscard]] virtual ShellId Drives() const = 0;
+    [[nodiscard]] virtual ShellId Network() const = 0;
+    /// The identifier of a path or `smb://` address; null if nothing is there.
+    [[nodiscard]] virtual ShellId Parse(DString const &path) const = 0;
+    /// Visits the children in the source's order; false if the folder cannot be read at all.
+    virtual bool Enumerate(ShellId const &folder, Purpose purpose, Visitor const &visit) const = 0;
+    /// What the thing is now; nothing if it is gone or cannot be told.
+    [[nodiscard]] virtual std::optional<ShellKind> KindOf(ShellId const &id) const = 0;
+    [[nodiscard]] virtual DString DisplayName(ShellId const &id) const = 0;
+    /// The path in the file system, or the `smb://` address where there is none; empty for the virtual places.
+    [[nodiscard]] virtual DString Path(ShellId const &id) const = 0;
+    [[nodiscard]] virtual std::optional<FileTimes> Times(ShellId const &id) const = 0;
+    /// The picture, told by kind and name alone: the medium is not touched.
+    [[nodiscard]] virtual ImageDescription Icon(ShellId const &id, bool link) const = 0;
+    /// Path of a folder of the user, without separator at its end; nothing if the system names none.
+    [[nodiscard]] virtual std::optional<DString> SpecialFolder(ShellFolderOf which) const = 0;
+
+    /// The namespace of the process: the machine's own until a test sets another. The setter returns the former one.
+    static ShellNamespace &Current();
+    static std::shared_ptr<ShellNamespace> SetCurrent(std::shared_ptr<ShellNamespace> shell);
+};
+
+} // namespace zelvar::platform

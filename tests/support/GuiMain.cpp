@@ -1,0 +1,25 @@
+#include "support/TestFiles.h"
+
+#include <QtCore/QStandardPaths>
+#include <QtGui/QFont>
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QStyleFactory>
+
+#include <gtest/gtest.h>
+
+int main(int argc, char **argv) {
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    testing::InitGoogleTest(&argc, argv);
+    zelvar::test::SandboxEnvironment const sandbox;
+    QStandardPaths::setTestModeEnabled(true);
+    QApplication const application(argc, argv);
+    QApplication::setStyle(QStyleFactory::create("Fusion"));
+    QFont::insertSubstitutions("MS Shell Dlg", {"Liberation Sans", "Arial"});
+    QFont font("Liberation Sans");
+    font.setPixelSize(12);
+    QApplication::setFont(font);
+    for (Qt::UIEffect const effect : {Qt::UI_AnimateMenu, Qt::UI_AnimateCombo, Qt::UI_AnimateTooltip})
+        QApplication::setEffectEnabled(effect, false);
+    return RUN_ALL_TESTS();
+}

@@ -1,0 +1,54 @@
+#include "support/TestFiles.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+
+namespace zelvar::test {
+
+TempFolder::TempFolder() {
+    std::string pattern = (std::filesystem::temp_directory_path() / "zelvar-test-XXXXXX").string();
+    if (mkdtemp(pattern.data()) == nullptr)
+        throw std::runtime_error("no temporary folder");
+    m_path = pattern;
+}
+
+TempFolder::~TempFolder() {
+    std::error_code ignored; // a test may have removed it itself
+    std::filesystem::remove_all(m_path, ignored);
+}
+
+std::string TempFolder::Write(std::string_view name, std::string_view bytes) const {
+    std::string path = *this / name;
+    std::filesystem::create_directories(std::filesystem::path(path).parent_path());
+    std::ofstream(path, std::ios::binary).write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    return path;
+}
+
+std::string TempFolder::Folder(std::string_view name) const {
+    std::string path = *this / name;
+    std::filesystem::create_directories(path);
+    return path;
+}
+
+SandboxEnvironment::SandboxEnvironment() {
+    for (char const *place : {"definitions", "templates", "home", "run"})
+        std::ignore = m_folder.Folder(place);
+    std::filesystem::permissions(m_folder / "run", std::filesystem::perms::owner_all);
+    setenv("ZELVAR_SETTINGS", (m_folder / "settings.db").c_str(), 1);
+    setenv("ZELVAR_DEFINITIONS_DIR", (m_folder / "definitions").c_str(), 1);
+    setenv("ZELVAR_TEMPLATES_DIR", (m_folder / "templates").c_str(), 1);
+    setenv("HOME", (m_folder / "home").c_str(), 1);
+    setenv("XDG_RUNTIME_DIR", (m_folder / "run").c_str(), 1);
+    for (char const *name : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME"})
+        unsetenv(name);
+}
+
+std::string ReadFile(std::string const &path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+} // namespace zelvar::test

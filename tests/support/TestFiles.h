@@ -1,0 +1,45 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace zelvar::test {
+
+/// A folder of its own for one test, removed with all in it at the end. Its path is absolute, without separator at its
+/// end.
+class TempFolder {
+public:
+    TempFolder();
+    ~TempFolder();
+    TempFolder(TempFolder const &) = delete;
+    TempFolder &operator=(TempFolder const &) = delete;
+
+    [[nodiscard]] std::string const &Path() const { return m_path; }
+    /// "<folder>/<name>"; `name` is bytes and need not be UTF-8.
+    [[nodiscard]] std::string operator/(std::string_view name) const { return m_path + "/" + std::string(name); }
+    /// Writes a file with these bytes, making folders on the way, and yields its path.
+    std::string Write(std::string_view name, std::string_view bytes = {}) const;
+    /// Makes a folder below this one and yields its path.
+    std::string Folder(std::string_view name) const;
+
+private:
+    std::string m_path;
+};
+
+/// Points every place that the library would read or write of the user's (settings, definitions, templates, home) to a
+/// temporary folder, for the life of a test program. Made by the test mains.
+class SandboxEnvironment {
+public:
+    SandboxEnvironment();
+    ~SandboxEnvironment() = default;
+    SandboxEnvironment(SandboxEnvironment const &) = delete;
+    SandboxEnvironment &operator=(SandboxEnvironment const &) = delete;
+
+private:
+    TempFolder m_folder;
+};
+
+/// All bytes of a file; empty if it cannot be read.
+[[nodiscard]] std::string ReadFile(std::string const &path);
+
+} // namespace zelvar::test
