@@ -1,0 +1,73 @@
+#include "zelvar/drawing/core/ScaleDataBuf.h"
+
+#include "zelvar/drawing/core/ScaleKernels.h"
+
+#include <cmath>
+
+namespace zelvar {
+
+namespace {
+
+/// The told byte of each sample other than zero where no range is left: 255. Bytes of zeros are passed over.
+template <class Sample>
+void MarkNonZero(Sample const *samples, unsigned char *bytes, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i)
+        if (samples[i] != Sample{0})
+            bytes[i] = 255;
+}
+
+template <class Sample>
+void ScaleSamples(unsigned char *buffer, std::size_t n) {
+    auto const *samples = reinterpret_cast<Sample const *>(buffer);
+    scale::Kernel<Sample> const kernel = scale::KernelFor<Sample>();
+
+    // 1. Statistics. Zeros are no data, but only where nothing lies below them.
+    scale::Statistics const found = kernel.gather(samples, n);
+    double const count = static_cast<double>(n) - (found.min == 0 ? found.zeros : 0);
+    if (count == 0)
+        return;
+    double const mean = found.sum / count;
+    double const spread = 3 * std::sqrt((found.sumSq - found.sum * found.sum / count) / count);
+
+    // 2. The range, cut at three standard deviations. A rounding below zero gives NaN, which cuts nothing.
+    double const min = mean - spread > found.min ? mean - spread : found.min;
+    double const max = found.max > mean + spread ? mean + spread : found.max;
+
+    // 3. The bytes.
+    if (!(max - min > 0.000001))
+        MarkNonZero(samples, buffer, n);
+    else
+        kernel.map(samples, buffer, n, {min, max, 255.0 / (max - min)});
+}
+
+} // namespace
+
+void ScaleDataBuf(int dataType, unsigned char *buffer, int width, int height) {
+    if (buffer == nullptr || width < 1 || height < 1)
+        return;
+    std::size_t const n = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
+    switch (dataType) {
+    case 1:
+        ScaleSamples<std::uint8_t>(buffer, n);
+        break;
+    case 2:
+        ScaleSamples<std::uint16_t>(buffer, n);
+        break;
+    case 4:
+        ScaleSamples<std::int16_t>(buffer, n);
+        break;
+    case 8:
+        ScaleSamples<std::uint32_t>(buffer, n);
+        break;
+    case 16:
+        ScaleSamples<std::int32_t>(buffer, n);
+        break;
+    case 32:
+        ScaleSamples<float>(buffer, n);
+        break;
+    default:
+        break;
+    }
+}
+
+} // namespace zelvar
