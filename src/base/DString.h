@@ -2,6 +2,7 @@
 
 #include "zelvar/base/Export.h"
 
+#include <cstdarg>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -13,6 +14,9 @@ using DString = std::string;
 
 /// printf-style formatting.
 [[nodiscard]] ZELVAR_API DString Format(char const *format, ...) __attribute__((format(printf, 1, 2)));
+/// The same with the arguments of the caller's own "...".
+[[nodiscard]] ZELVAR_API DString FormatV(char const *format, std::va_list arguments)
+    __attribute__((format(printf, 1, 0)));
 
 /// Equal when letter case is not regarded. ASCII letters and the simple case pairs of Latin, Greek and Cyrillic.
 [[nodiscard]] ZELVAR_API bool EqualNoCase(std::string_view a, std::string_view b);

@@ -14,8 +14,8 @@ struct ImageDescription {
         Strip,     ///< picture `index` of the resource strip `name`
     };
     Kind kind = Kind::ThemeIcon;
-    DString name;
-    DString fallback;
+    DString name{};
+    DString fallback{};
     int index = 0;
     bool linkOverlay = false; ///< the mark of a symbolic link is drawn over the lower left corner
 

@@ -1,1 +1,0 @@
-#include "zelvar/base/Export.h"

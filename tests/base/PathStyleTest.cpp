@@ -1,0 +1,96 @@
+#include "zelvar/base/PathStyle.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+
+namespace zelvar {
+namespace {
+
+constexpr PathStyle kWindows = PathStyle::Windows();
+
+TEST(PathMatchSpec, MatchesMasks) {
+    struct Case {
+        char const *name;
+        char const *masks;
+        bool expected;
+    };
+    Case const cases[] = {
+        {"a.tif", "*.tif", true},
+        {"a.TIF", "*.tif", true},
+        {"a.tiff", "*.tif", false},
+        {"a.tiff", "*.tif; *.tiff", true},
+        {"a.tiff", "*.tif;*.tiff ", false},
+        {"plain", "*.*", true},
+        {"plain", "*.", false},
+        {"plain", "", false},
+        {"plain", ";;", false},
+        {"", "*", true},
+        {"", "?", false},
+        {"ab", "?", false},
+        {"\xC3\xA4", "?", true},
+        {"\xC3\x84.tif", "\xC3\xA4*", true},
+        {"\xFFx", "?x", true},
+        {"aXbXc", "a*x*c", true},
+        {"aXbXcd", "a*x*c", false},
+        {"abc", "a**?c*", true},
+    };
+    for (Case const &c : cases)
+        EXPECT_EQ(PathMatchSpec(c.name, c.masks), c.expected) << c.name << " by " << c.masks;
+}
+
+TEST(PathMatchSpec, ManyStarsDoNotMultiplyTheTime) {
+    DString const name(250, 'a');
+    DString mask;
+    for (int i = 0; i < 60; ++i)
+        mask += "*a";
+    auto const start = std::chrono::steady_clock::now();
+    EXPECT_FALSE(PathMatchSpec(name, mask + "b"));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1)); // else longer than anybody waits
+}
+
+TEST(PathStyle, PartsOfAPathInBothStyles) {
+    struct Case {
+        char const *path;
+        PathStyle style;
+        char const *parent;
+        char const *name;
+        char const *extension;
+    };
+    Case const cases[] = {
+        {"/a/b.c/d.tif", {}, "/a/b.c", "d.tif", "tif"},
+        {"/a", {}, "/", "a", ""},
+        {"/", {}, "/", "", ""},
+        {"a.b", {}, "", "a.b", "b"},
+        {"/a/.hidden", {}, "/a", ".hidden", ""},
+        {"/a\\b.c", {}, "/", "a\\b.c", "c"},
+        {"C:\\a\\b.c", kWindows, "C:\\a", "b.c", "c"},
+        {"C:\\a", kWindows, "C:\\", "a", ""},
+        {"C:/a/b", kWindows, "C:/a", "b", ""},
+    };
+    for (Case const &c : cases) {
+        SCOPED_TRACE(c.path);
+        EXPECT_EQ(ParentPathOf(c.path, c.style), c.parent);
+        EXPECT_EQ(FileNameOf(c.path, c.style), c.name);
+        EXPECT_EQ(ExtensionOf(c.path, c.style), c.extension);
+    }
+}
+
+TEST(PathStyle, JoinsWithOneSeparator) {
+    EXPECT_EQ(AppendPath("/a/", "/b"), "/a/b");
+    EXPECT_EQ(AppendPath("/", "b"), "/b");
+    EXPECT_EQ(AppendPath("", "b"), "b");
+    EXPECT_EQ(AppendPath("/a/", ""), "/a/");
+    EXPECT_EQ(AppendPath("C:", "b", kWindows), "C:\\b");
+}
+
+TEST(PathStyle, KnowsUrls) {
+    EXPECT_TRUE(IsUrl("smb://host/share"));
+    EXPECT_TRUE(IsUrl("s3+http://x"));
+    EXPECT_FALSE(IsUrl("C://x"));
+    EXPECT_FALSE(IsUrl("/a/x://b"));
+    EXPECT_FALSE(IsUrl("://"));
+}
+
+} // namespace
+} // namespace zelvar
