@@ -1,0 +1,49 @@
+#include "zelvar/platform/ui/EllipsisLabel.h"
+
+#include <QtGui/QHelpEvent>
+#include <QtGui/QPainter>
+#include <QtWidgets/QToolTip>
+
+namespace zelvar::platform {
+
+namespace {
+constexpr int kLeastWidth = 12; // characters
+}
+
+EllipsisLabel::EllipsisLabel(QWidget *parent) : QFrame(parent) {}
+
+void EllipsisLabel::SetText(QString const &text) {
+    if (text == m_text)
+        return;
+    m_text = text;
+    setAccessibleName(text);
+    updateGeometry();
+    update();
+}
+
+QString EllipsisLabel::ShownText() const {
+    return fontMetrics().elidedText(QString(m_text).replace(u'\n', u' '), Qt::ElideRight, contentsRect().width());
+}
+
+QSize EllipsisLabel::sizeHint() const { return {fontMetrics().horizontalAdvance(m_text), fontMetrics().height()}; }
+
+QSize EllipsisLabel::minimumSizeHint() const {
+    return {fontMetrics().averageCharWidth() * kLeastWidth, fontMetrics().height()};
+}
+
+void EllipsisLabel::paintEvent(QPaintEvent *event) {
+    QFrame::paintEvent(event);
+    QPainter painter(this);
+    painter.setPen(palette().color(foregroundRole()));
+    painter.drawText(contentsRect(), Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, ShownText());
+}
+
+bool EllipsisLabel::event(QEvent *event) {
+    if (event->type() == QEvent::ToolTip && toolTip().isEmpty() && ShownText() != m_text) {
+        QToolTip::showText(static_cast<QHelpEvent const *>(event)->globalPos(), m_text.toHtmlEscaped(), this);
+        return true;
+    }
+    return QFrame::event(event);
+}
+
+} // namespace zelvar::platform

@@ -1,0 +1,24 @@
+#pragma once
+
+class QAction;
+class QDialog;
+class QEventLoop;
+class QMenu;
+class QPoint;
+
+namespace zelvar::platform {
+
+// Every nested event loop of the library runs here.
+//
+// A loop that is entered from the handler of a posted message would not see the messages already queued behind it until
+// something else wakes the dispatcher; and not every window system gives the focus back to where it was. Both are seen
+// to: the dispatcher is woken first, the window and the widget that had the focus get it again.
+
+/// `QDialog::exec`. The dialog is not deleted. A dialog that dies while it runs yields `QDialog::Rejected`.
+int RunModal(QDialog &dialog);
+/// `QMenu::exec` at a screen point; null if nothing was picked.
+QAction *RunMenu(QMenu &menu, QPoint const &screenPoint);
+/// `QEventLoop::exec`, for waits that stay stoppable.
+int RunLoop(QEventLoop &loop);
+
+} // namespace zelvar::platform

@@ -1,0 +1,173 @@
+#include "zelvar/platform/ui/Pictures.h"
+
+#include "zelvar/platform/ui/Text.h"
+
+#include <QtCore/QFile>
+#include <QtGui/QIconEngine>
+#include <QtGui/QPainter>
+#include <QtSvg/QSvgRenderer>
+
+#include <cmath>
+#include <fstream>
+#include <map>
+#include <tuple>
+
+// A static library's resources are linked only if something names them; the macro must stand outside a namespace.
+static void InitPictureResources() { Q_INIT_RESOURCE(pictures); }
+
+namespace zelvar::platform {
+
+namespace {
+
+constexpr std::streamsize kLargestFile = 4 << 20; // bytes; a bigger file is no icon
+constexpr int kKeptPictures = 4096;
+
+using PictureKey = std::tuple<unsigned, int, int, int>; // list, index, side, pixel ratio in hundredths
+
+std::map<PictureKey, QPixmap> &KeptPictures() {
+    static std::map<PictureKey, QPixmap> pictures;
+    return pictures;
+}
+
+QString ResourcePath(QString const &name) {
+    static bool const initialised = (InitPictureResources(), true);
+    static_cast<void>(initialised);
+    return name.startsWith(u':') ? name : QStringLiteral(":/zelvar/pictures/%1.svg").arg(name);
+}
+
+QPixmap EmptyPixmap(int side, qreal devicePixelRatio) {
+    int const pixels = static_cast<int>(std::lround(side * devicePixelRatio));
+    QPixmap pixmap(pixels, pixels);
+    pixmap.setDevicePixelRatio(devicePixelRatio);
+    pixmap.fill(Qt::transparent);
+    return pixmap;
+}
+
+/// The picture scaled to fit a square, centred in it.
+QPixmap Fitted(QImage const &image, qreal devicePixelRatio, int side) {
+    QPixmap pixmap = EmptyPixmap(side, devicePixelRatio);
+    if (image.isNull())
+        return pixmap;
+    QSize const pixels = pixmap.size();
+    QImage const scaled =
+        image.size() == pixels ? image : image.scaled(pixels, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+    QPainter painter(&pixmap);
+    painter.scale(1 / devicePixelRatio, 1 / devicePixelRatio);
+    painter.drawImage((pixels.width() - scaled.width()) / 2, (pixels.height() - scaled.height()) / 2, scaled);
+    return pixmap;
+}
+
+QPixmap FilePicture(DString const &path, qreal devicePixelRatio, int side) {
+    // By the bytes of its name, which need not be text.
+    std::ifstream file(path, std::ios::binary | std::ios::ate);
+    std::streamsize const size = file ? static_cast<std::streamsize>(file.tellg()) : 0;
+    if (size <= 0 || size > kLargestFile)
+        return {};
+    QByteArray bytes(size, Qt::Uninitialized);
+    file.seekg(0);
+    if (!file.read(bytes.data(), size))
+        return {};
+    QImage const image = QImage::fromData(bytes);
+    return image.isNull() ? QPixmap() : Fitted(image, devicePixelRatio, side);
+}
+
+QPixmap StripPicture(QString const &name, int index, qreal devicePixelRatio, int side) {
+    QImage const strip(ResourcePath(name));
+    int const cell = strip.height();
+    if (strip.isNull() || index < 0 || index >= strip.width() / cell)
+        return {};
+    return Fitted(strip.copy(index * cell, 0, cell, cell), devicePixelRatio, side);
+}
+
+QPixmap ThemePicture(ImageDescription const &description, qreal devicePixelRatio, int side) {
+    QIcon const icon = QIcon::fromTheme(ToQString(description.name));
+    if (!icon.isNull())
+        return Fitted(icon.pixmap(QSize(side, side), devicePixelRatio).toImage(), devicePixelRatio, side);
+    return ResourcePicture(ToQString(description.fallback), devicePixelRatio, side);
+}
+
+/// Draws our SVG resources at whatever size is asked for.
+class ResourceIconEngine final : public QIconEngine {
+public:
+    explicit ResourceIconEngine(QString name) : m_name(std::move(name)) {}
+
+    void paint(QPainter *painter, QRect const &rect, QIcon::Mode mode, QIcon::State state) override {
+        qreal const ratio = painter->device()->devicePixelRatio();
+        painter->drawPixmap(rect, scaledPixmap(rect.size() * ratio, mode, state, ratio));
+    }
+    QPixmap pixmap(QSize const &size, QIcon::Mode mode, QIcon::State state) override {
+        return scaledPixmap(size, mode, state, 1);
+    }
+    QPixmap scaledPixmap(QSize const &size, QIcon::Mode mode, QIcon::State, qreal scale) override {
+        // `size` is in device pixels.
+        int const side = std::max(1, std::min(size.width(), size.height()));
+        QPixmap pixmap = ResourcePicture(m_name, 1, side);
+        if (mode == QIcon::Disabled) {
+            QPixmap faded = EmptyPixmap(side, 1);
+            QPainter painter(&faded);
+            painter.setOpacity(0.35);
+            painter.drawPixmap(0, 0, pixmap);
+            painter.end();
+            pixmap = faded;
+        }
+        pixmap.setDevicePixelRatio(scale);
+        return pixmap;
+    }
+    [[nodiscard]] QIconEngine *clone() const override { return new ResourceIconEngine(m_name); }
+
+private:
+    QString m_name;
+};
+
+} // namespace
+
+QPixmap ResourcePicture(QString const &name, qreal devicePixelRatio, int side) {
+    QString path = ResourcePath(name);
+    if (name.isEmpty() || !QFile::exists(path))
+        path = ResourcePath(QStringLiteral("file"));
+    QPixmap pixmap = EmptyPixmap(side, devicePixelRatio);
+    if (!path.endsWith(QStringLiteral(".svg")))
+        return Fitted(QImage(path), devicePixelRatio, side);
+    QSvgRenderer renderer(path);
+    QPainter painter(&pixmap);
+    renderer.render(&painter, QRectF(0, 0, side, side));
+    return pixmap;
+}
+
+QPixmap Picture(ImageDescription const &description, qreal devicePixelRatio, int side) {
+    QPixmap pixmap;
+    switch (description.kind) {
+    case ImageDescription::Kind::File:
+        pixmap = FilePicture(description.name, devicePixelRatio, side);
+        break;
+    case ImageDescription::Kind::Strip:
+        pixmap = StripPicture(ToQString(description.name), description.index, devicePixelRatio, side);
+        break;
+    case ImageDescription::Kind::ThemeIcon:
+        pixmap = ThemePicture(description, devicePixelRatio, side);
+        break;
+    }
+    if (pixmap.isNull())
+        pixmap = ResourcePicture(ToQString(description.fallback), devicePixelRatio, side);
+    if (description.linkOverlay) {
+        QPainter painter(&pixmap);
+        painter.drawPixmap(0, 0, ResourcePicture(QStringLiteral("link-overlay"), devicePixelRatio, side));
+    }
+    return pixmap;
+}
+
+QPixmap ListPicture(HIMAGELIST list, int index, qreal devicePixelRatio, int side) {
+    if (list == nullptr || index < 0 || index >= list->GetCount())
+        return {};
+    PictureKey const key{list->Id(), index, side, static_cast<int>(std::lround(devicePixelRatio * 100))};
+    auto &kept = KeptPictures();
+    if (auto const found = kept.find(key); found != kept.end())
+        return found->second;
+    if (kept.size() >= kKeptPictures)
+        kept.clear();
+    return kept[key] = Picture(list->Get(index), devicePixelRatio, side);
+}
+
+QIcon ResourceIcon(QString const &name) { return QIcon(new ResourceIconEngine(name)); }
+
+} // namespace zelvar::platform

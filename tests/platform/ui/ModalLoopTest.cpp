@@ -1,0 +1,122 @@
+#include "zelvar/platform/ui/ModalLoop.h"
+
+#include "support/GuiTest.h"
+#include "zelvar/platform/ui/UserMessages.h"
+#include "zelvar/platform/ui/WindowMessage.h"
+
+#include <QtTest/QTest>
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QDialog>
+#include <QtWidgets/QLineEdit>
+#include <QtWidgets/QMessageBox>
+#include <QtWidgets/QPushButton>
+#include <QtWidgets/QVBoxLayout>
+
+#include <gtest/gtest.h>
+
+#include <thread>
+
+namespace zelvar::platform {
+namespace {
+
+/// Two fields, so that "the focus is back" cannot be the first field by chance.
+struct TwoFields {
+    TwoFields() {
+        auto *const layout = new QVBoxLayout(&window);
+        layout->addWidget(&first);
+        layout->addWidget(&second);
+        window.show();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
+        second.setFocus();
+    }
+    QWidget window;
+    QLineEdit first;
+    QLineEdit second;
+};
+
+TEST(ModalLoop, TheFocusIsBackWhereItWasWhenTheDialogCloses) {
+    TwoFields fields;
+    ASSERT_TRUE(fields.second.hasFocus());
+    auto const seen = test::OnNextDialog([](QWidget &dialog) { static_cast<QDialog &>(dialog).accept(); });
+    QDialog dialog(&fields.window);
+    EXPECT_EQ(RunModal(dialog), QDialog::Accepted);
+    EXPECT_TRUE(*seen);
+    EXPECT_TRUE(test::Eventually([&] { return fields.second.hasFocus(); }));
+    EXPECT_EQ(QApplication::activeWindow(), &fields.window);
+}
+
+TEST(ModalLoop, AFocusWidgetThatDiedMeanwhileIsForgotten) {
+    QWidget window;
+    auto *const doomed = new QLineEdit(&window);
+    window.show();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
+    doomed->setFocus();
+    auto const seen = test::OnNextDialog([doomed](QWidget &) { delete doomed; });
+    QDialog dialog(&window);
+    EXPECT_EQ(RunModal(dialog), QDialog::Rejected);
+    EXPECT_TRUE(*seen);
+}
+
+class Poster : public QObject {
+public:
+    Poster() {
+        m_map.On(opens, this, &Poster::OpenDialog);
+        m_map.On(closes, this, &Poster::CloseDialog);
+    }
+    bool event(QEvent *event) override { return m_map.Dispatch(*event) || QObject::event(event); }
+
+    MessageId const opens = RegisterMessage();
+    MessageId const closes = RegisterMessage();
+    bool finished = false;
+
+private:
+    void OpenDialog(MessageParam, MessageParam) {
+        QDialog dialog;
+        m_dialog = &dialog;
+        RunModal(dialog);
+        finished = true;
+    }
+    void CloseDialog(MessageParam, MessageParam) { m_dialog->close(); }
+
+    MessageMap m_map;
+    QDialog *m_dialog = nullptr;
+};
+
+TEST(ModalLoop, AMessageQueuedBehindTheOneThatOpensADialogIsDeliveredInIt) {
+    Poster poster;
+    PostMessage(&poster, poster.opens);
+    PostMessage(&poster, poster.closes);
+    // Nothing else wakes the loop: without the wake-up the dialog would stay open for good.
+    EXPECT_TRUE(test::Eventually([&] { return poster.finished; }));
+}
+
+TEST(UserMessages, AWarningFromAnyThreadBecomesABox) {
+    InstallUserMessages();
+    QString text;
+    auto const seen = test::OnNextDialog([&text](QWidget &dialog) {
+        auto *const box = qobject_cast<QMessageBox *>(&dialog);
+        ASSERT_NE(box, nullptr);
+        text = box->text();
+        box->accept();
+    });
+    std::thread([] { Report::UserWarning("<b>%d</b> files", 3); }).join();
+    EXPECT_TRUE(test::Eventually([&] { return *seen && QApplication::activeModalWidget() == nullptr; }));
+    EXPECT_EQ(text, QStringLiteral("<b>3</b> files")); // plain text: names are not markup
+    RemoveUserMessages();
+}
+
+TEST(UserMessages, AHookMayTakeTheBoxesPlace) {
+    InstallUserMessages();
+    std::vector<DString> texts;
+    SetUserMessageHook([&texts](Report::Severity, DString const &text) {
+        texts.push_back(text);
+        return true;
+    });
+    Report::UserNotificationEnforced("hello");
+    EXPECT_EQ(texts, std::vector<DString>{"hello"});
+    SetUserMessageHook({});
+    RemoveUserMessages();
+}
+
+} // namespace
+} // namespace zelvar::platform

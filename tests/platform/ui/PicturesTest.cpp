@@ -1,0 +1,103 @@
+#include "zelvar/platform/ui/Pictures.h"
+
+#include "support/GuiTest.h"
+#include "support/TestFiles.h"
+#include "zelvar/platform/ui/SystemColor.h"
+#include "zelvar/platform/ui/Text.h"
+
+#include <QtCore/QBuffer>
+#include <QtGui/QPainter>
+#include <QtWidgets/QLabel>
+
+#include <gtest/gtest.h>
+
+namespace zelvar::platform {
+namespace {
+
+char const *const kNames[] = {
+    "folder",          "folder-up",     "file",      "image", "table",    "container",  "drive", "drive-optical",
+    "drive-removable", "drive-network", "server",    "share", "database", "star",       "panel", "restore-layout",
+    "recursive",       "link-overlay",  "size-grip", "stop",  "warning",  "information"};
+
+bool HasInk(QPixmap const &pixmap) {
+    QImage const image = pixmap.toImage().convertToFormat(QImage::Format_ARGB32);
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            if (qAlpha(image.pixel(x, y)) > 128)
+                return true;
+    return false;
+}
+
+TEST(Pictures, EachOfOursIsADifferentPicture) {
+    QPixmap sheet(22 * 28, 60);
+    sheet.fill(Qt::white);
+    QPainter painter(&sheet);
+    std::vector<QImage> images;
+    for (char const *name : kNames) {
+        SCOPED_TRACE(name);
+        QPixmap const picture = ResourcePicture(QString::fromLatin1(name), 1);
+        EXPECT_TRUE(HasInk(picture));
+        for (QImage const &other : images)
+            EXPECT_NE(picture.toImage(), other);
+        int const x = static_cast<int>(images.size()) * 28;
+        painter.drawPixmap(x + 2, 4, picture);
+        painter.drawPixmap(x + 2, 28, ResourcePicture(QString::fromLatin1(name), 1, 24));
+        images.push_back(picture.toImage());
+    }
+    painter.end();
+    QLabel label;
+    label.setPixmap(sheet);
+    test::Shot(label, QStringLiteral("pictures"));
+}
+
+TEST(Pictures, AListsPictureHasThePixelsOfTheDeviceAndIsMadeOnce) {
+    ImageList list;
+    int const index = list.Add({.name = "no-such-icon-anywhere", .fallback = "folder"});
+    QPixmap const picture = ListPicture(&list, index, 2);
+    EXPECT_EQ(picture.size(), QSize(32, 32));
+    EXPECT_EQ(picture.deviceIndependentSize(), QSizeF(16, 16));
+    EXPECT_EQ(ListPicture(&list, index, 2).cacheKey(), picture.cacheKey());
+    EXPECT_NE(ListPicture(&list, index, 1).cacheKey(), picture.cacheKey());
+    EXPECT_EQ(picture.toImage(), ResourcePicture(QStringLiteral("folder"), 2).toImage());
+}
+
+TEST(Pictures, OutsideAListThereIsNone) {
+    ImageList const list;
+    EXPECT_TRUE(ListPicture(&list, 0, 1).isNull());
+    EXPECT_TRUE(ListPicture(&list, -1, 1).isNull());
+    EXPECT_TRUE(ListPicture(nullptr, 0, 1).isNull());
+}
+
+TEST(Pictures, AFileIsReadByTheBytesOfItsNameAndANameOfNothingShowsAPlainFile) {
+    QImage red(16, 16, QImage::Format_RGB32);
+    red.fill(Qt::red);
+    QByteArray png;
+    QBuffer buffer(&png);
+    ASSERT_TRUE(red.save(&buffer, "PNG"));
+    test::TempFolder const folder;
+    std::string const path = folder.Write("\xff.png", {png.constData(), static_cast<std::size_t>(png.size())});
+    QPixmap const picture = Picture({.kind = ImageDescription::Kind::File, .name = path}, 1);
+    EXPECT_EQ(picture.toImage().pixelColor(8, 8), QColor(Qt::red));
+
+    QImage const plain = ResourcePicture(QStringLiteral("file"), 1).toImage();
+    EXPECT_EQ(Picture({.kind = ImageDescription::Kind::File, .name = path + ".gone"}, 1).toImage(), plain);
+    EXPECT_EQ(Picture({.name = "no-such-icon-anywhere", .fallback = "unheard-of"}, 1).toImage(), plain);
+}
+
+TEST(Text, BytesThatAreNotTextShowAsReplacementCharacters) {
+    EXPECT_EQ(ToQString("caf\xc3\xa9"), QStringLiteral("caf\u00e9"));
+    EXPECT_EQ(ToQString("a\xff"
+                        "b"),
+              QStringLiteral("a\ufffdb"));
+    EXPECT_EQ(ToDString(QStringLiteral("\u00e9")), "\xc3\xa9");
+}
+
+TEST(SystemColor, ColoursKeepRedInTheLowestByte) {
+    EXPECT_EQ(ToColorRef(QColor(1, 2, 3)), 0x030201U);
+    EXPECT_EQ(ToQColor(0x030201U), QColor(1, 2, 3));
+    EXPECT_EQ(SystemColor(COLOR_HIGHLIGHT), ToColorRef(QGuiApplication::palette().color(QPalette::Highlight)));
+    EXPECT_EQ(SystemColor(999), 0U);
+}
+
+} // namespace
+} // namespace zelvar::platform
