@@ -115,6 +115,11 @@ bool IsLabel(ControlKind kind) {
     return kind == ControlKind::Label || kind == ControlKind::CenteredLabel || kind == ControlKind::RightLabel;
 }
 
+/// Controls that are only as wide as their text, with free room behind it.
+bool EndsInCaption(ControlKind kind) {
+    return kind == ControlKind::CheckBox || kind == ControlKind::RadioButton || kind == ControlKind::Label;
+}
+
 /// Controls that show no caption of their own.
 bool IsField(ControlKind kind) {
     return kind == ControlKind::Edit || kind == ControlKind::ReadOnlyEdit || kind == ControlKind::MultiLineEdit ||
@@ -165,6 +170,9 @@ void BuildDialog(QWidget &dialog, DialogTemplate const &dialogTemplate, ControlF
         Rect place = MapDialogRect(dialog, {item.x, item.y, item.x + item.w, item.y + item.h});
         if (auto *const combo = qobject_cast<QComboBox *>(control))
             PlaceCombo(dialog, item, *combo, place);
+        // The style's marks and margins may need a few pixels more than the template's author had.
+        if (EndsInCaption(item.kind))
+            place.right = std::max(place.right, place.left + control->sizeHint().width());
         control->setGeometry(place.left, place.top, place.Width(), place.Height());
         control->setVisible(item.visible && item.kind != ControlKind::Place);
         if (DialogItem const *const label = IsField(item.kind) ? LabelOf(item, dialogTemplate.items) : nullptr)

@@ -54,8 +54,9 @@ TEST_P(BuiltDialog, EveryControlIsFoundByItsIdAndHoldsItsText) {
         EXPECT_EQ(control->isVisible(), item.visible && item.kind != ControlKind::Place);
         EXPECT_TRUE(dialog.rect().contains(control->geometry()));
         bool const textMatters = item.kind != ControlKind::Edit && item.kind != ControlKind::Combo;
-        if (textMatters && control->isVisible())
+        if (textMatters && control->isVisible()) {
             EXPECT_LE(control->minimumSizeHint().width(), control->width()) << "the text is clipped";
+        }
     }
     EXPECT_NE(GetDlgItem<QPushButton>(dialog, 1), nullptr);
     EXPECT_EQ(GetDlgItem<QLineEdit>(dialog, 1), nullptr);
