@@ -7,9 +7,11 @@
 namespace zelvar {
 
 class DFile;
+struct XMLPiece;
 
 /// Element of an XML tree in memory: name, attributes, text, children; knows its parent, next sibling, first child.
 ///
+/// Comments and whatever else stands between elements are not shown, but a load and a save keep them.
 /// A node without a parent is a root and owns its whole tree; whoever made it deletes it. A child is owned by its
 /// parent. One thread at a time per tree.
 class ZELVAR_API XMLNode {
@@ -21,12 +23,14 @@ public:
     XMLNode &operator=(XMLNode const &) = delete;
 
     /// Replaces this root by the file's tree. False, and this node unchanged, if the file cannot be read or does not
-    /// parse to its end: never half a tree. External entities are never fetched, document types with entity
-    /// declarations and trees deeper than 256 levels or files above 64 MB are refused.
+    /// parse to its end: never half a tree. `error` then tells file, line and reason. External entities are never
+    /// fetched; document types with entity declarations, trees deeper than 256 levels, files above 64 MB or with more
+    /// than four million elements and attributes are refused. Fails on a node that has a parent.
     bool Load(DFile const &file, DString *error = nullptr);
     bool LoadText(std::string_view text, DString *error = nullptr);
     /// Writes the tree as UTF-8, atomically: the former file stays until the new one is complete on disk. With
-    /// `backup` the former file is kept beside it as "<name>.bak". False leaves the former file as it was.
+    /// `backup` the former file is kept beside it as "<name>.bak". False leaves the former file as it was; so does a
+    /// tree with a name that cannot stand in XML, whose `SaveText` is empty.
     bool Save(DFile const *file, bool backup) const;
     [[nodiscard]] DString SaveText() const;
 
@@ -80,8 +84,8 @@ public:
     };
 
 private:
-    struct Impl;
-    std::unique_ptr<Impl> m_impl;
+    friend struct XMLPiece;
+    std::unique_ptr<XMLPiece> m_piece;
 };
 
 } // namespace zelvar

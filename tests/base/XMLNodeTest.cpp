@@ -1,0 +1,180 @@
+#include "zelvar/base/XMLNode.h"
+
+#include "support/TestFiles.h"
+#include "zelvar/base/DFile.h"
+
+#include <gtest/gtest.h>
+
+namespace zelvar {
+namespace {
+
+constexpr char const *kHead = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
+
+DString Nested(int levels) {
+    DString text;
+    for (int i = 0; i < levels; ++i)
+        text += "<a>";
+    for (int i = 0; i < levels; ++i)
+        text += "</a>";
+    return text;
+}
+
+TEST(XMLNode, RefusesWhatIsNotAWholeDocumentAndStaysAsItWas) {
+    struct Case {
+        char const *name;
+        DString text;
+        char const *error;
+    };
+    Case const cases[] = {
+        {"nothing", "", "no root element"},
+        {"cut off", "<a>\n<b/>\n", "line 2: "},
+        {"crossed", "<a><b></a></b>", "line 1: "},
+        {"two roots", "<a/><b/>", "outside"},
+        {"text behind", "<a/>rest", "outside"},
+        {"hidden end", DString("<a/>\0<b>", 8), "NUL"},
+        {"entities", "<!DOCTYPE a [<!ENTITY x \"xx\"><!ENTITY y \"&x;&x;\">]><a>&y;</a>", "entity"},
+        {"open document type", "<!DOCTYPE a [<a/>", "line 1: "},
+        {"257 levels", Nested(257), "256"},
+        {"100,000 levels", Nested(100'000), "256"},
+        {"100,000 open tags", Nested(100'000).substr(0, 300'000), "line 1: "},
+        {"binary", DString("\x89PNG\r\n\x1A\n", 8), ""},
+    };
+    for (Case const &c : cases) {
+        SCOPED_TRACE(c.name);
+        XMLNode root("kept");
+        XMLNode *const child = root.AddChld("child");
+        DString error;
+        EXPECT_FALSE(root.LoadText(c.text, &error));
+        EXPECT_NE(error.find(c.error), DString::npos) << error;
+        EXPECT_FALSE(error.empty());
+        EXPECT_EQ(root.GetName(), "kept");
+        EXPECT_EQ(root.GetFirstChild(), child);
+    }
+    EXPECT_TRUE(XMLNode().LoadText(Nested(256)));
+}
+
+TEST(XMLNode, AnExternalEntityIsNotFetched) {
+    test::TempFolder const folder;
+    DString const secret = folder.Write("secret", "SECRET");
+    XMLNode root;
+    DString error;
+    EXPECT_FALSE(root.LoadText("<!DOCTYPE a [<!ENTITY s SYSTEM \"" + secret + "\">]><a>&s;</a>", &error));
+    ASSERT_TRUE(root.LoadText("<!DOCTYPE a SYSTEM \"" + secret + "\"><a>&s;</a>"));
+    EXPECT_EQ(root.GetText(), "&s;");
+}
+
+TEST(XMLNode, LoadAndSaveKeepWhatIsNotShown) {
+    DString const text = DString(kHead) +
+                         "<!DOCTYPE a>\n<!--before-->\n<a x=\"1 &lt; 2&#10;&quot;\">\n  <!--in-->\n  <?do it?>\n"
+                         "  <b>text <i>mixed</i><![CDATA[<&>]]></b>\n  <c> </c>\n</a>\n<!--behind-->\n";
+    XMLNode root;
+    ASSERT_TRUE(root.LoadText(text));
+    EXPECT_EQ(root.SaveText(), text);
+    EXPECT_EQ(root.GetAttrStr("x"), "1 < 2\n\"");
+    EXPECT_EQ(root.GetChldCount(), 2);
+    EXPECT_EQ(root.GetFirstChild()->GetText(), "text <&>");
+    EXPECT_EQ(root.GetFirstChild()->GetNext()->GetText(), " ");
+    EXPECT_EQ(root.GetFirstChild()->GetNext()->GetNext(), nullptr);
+}
+
+TEST(XMLNode, TextsSurviveASaveByteByByte) {
+    for (DString const &text : {DString("a&b<c>\"'"), DString(" \n\t "), DString("\x01\x1F\r\n"), DString("\xFF\xC3("),
+                                DString("]]>"), DString()}) {
+        XMLNode root("r");
+        root.SetText(text);
+        root.SetAttr("a", text);
+        XMLNode again;
+        ASSERT_TRUE(again.LoadText(root.SaveText()));
+        EXPECT_EQ(again.GetText(), text);
+        EXPECT_EQ(again.GetAttrStr("a"), text);
+    }
+}
+
+TEST(XMLNode, OtherEncodingsBecomeUtf8) {
+    XMLNode root;
+    ASSERT_TRUE(root.LoadText("<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><a>\xE4</a>"));
+    EXPECT_EQ(root.GetText(), "\xC3\xA4");
+    ASSERT_TRUE(root.LoadText(std::string_view("\xFF\xFE<\0a\0/\0>\0", 10)));
+    EXPECT_EQ(root.GetName(), "a");
+}
+
+TEST(XMLNode, ChildrenKeepTheirPlaceWhileOthersComeAndGo) {
+    XMLNode root("root");
+    std::vector<XMLNode *> children;
+    for (int i = 0; i < 1000; ++i)
+        children.push_back(root.AddChld(std::to_string(i)));
+    int position = 0;
+    for (XMLNode::ChldItr child(root); child.IsValid(); ++position) {
+        if (position % 2 == 0)
+            child.Rmv();
+        else
+            child.Next();
+    }
+    EXPECT_EQ(root.GetChldCount(), 500);
+    EXPECT_EQ(root.GetFirstChild(), children[1]);
+    EXPECT_EQ(children[1]->GetNext(), children[3]);
+    EXPECT_TRUE(root.DelChld(children[999]));
+    EXPECT_EQ(children[997]->GetNext(), nullptr);
+    EXPECT_FALSE(root.DelChld(&root));
+    EXPECT_EQ(root.GetChldNode("3"), children[3]);
+    EXPECT_EQ(root.GetChldNode("2"), nullptr);
+}
+
+TEST(XMLNode, ATreeCannotHangBelowItselfOrTwice) {
+    XMLNode root("root");
+    XMLNode *const child = root.AddChld("child");
+    EXPECT_EQ(child->AddChld(&root), nullptr);
+    EXPECT_EQ(root.AddChld(&root), nullptr);
+    EXPECT_EQ(root.AddChld(child), nullptr);
+    EXPECT_FALSE(child->LoadText("<x/>"));
+    auto branch = std::make_unique<XMLNode>("branch");
+    EXPECT_EQ(child->AddChld(branch.get()), branch.get());
+    EXPECT_EQ(branch.release()->GetParent(), child);
+    EXPECT_EQ(root.Copy()->SaveText(), root.SaveText());
+}
+
+TEST(XMLNode, ATreeDeeperThanItLoadsIsCopiedAndDeletedButNotSaved) {
+    XMLNode root("a");
+    XMLNode *at = &root;
+    for (int i = 0; i < 255; ++i)
+        at = at->AddChld("a");
+    EXPECT_TRUE(XMLNode().LoadText(root.SaveText()));
+    for (int i = 0; i < 200'000; ++i)
+        at = at->AddChld("a");
+    EXPECT_EQ(root.Copy()->SaveText(), "");
+}
+
+TEST(XMLNode, ReadsAttributesByType) {
+    XMLNode root;
+    ASSERT_TRUE(root.LoadText("<a t=\"Yes\" f=\"OFF\" x=\"maybe\" i=\" +12 \" h=\"12b\" d=\"-1.5e3\"/>"));
+    EXPECT_TRUE(root.GetAttrBool("t", false));
+    EXPECT_FALSE(root.GetAttrBool("f", true));
+    EXPECT_TRUE(root.GetAttrBool("x", true));
+    EXPECT_EQ(root.GetAttrInt("i"), 12);
+    EXPECT_EQ(root.GetAttrInt("h", 7), 7);
+    EXPECT_EQ(root.GetAttrDouble("d"), -1500.0);
+    EXPECT_FALSE(root.HasAttr(nullptr));
+}
+
+TEST(XMLNode, SavesAtomicallyAndKeepsABackupWhenAsked) {
+    test::TempFolder const folder;
+    DFile const file(folder / "x.xml");
+    XMLNode root("a");
+    EXPECT_TRUE(root.Save(&file, true));
+    root.SetName("b");
+    EXPECT_TRUE(root.Save(&file, true));
+    EXPECT_EQ(test::ReadFile(folder / "x.xml.bak"), DString(kHead) + "<a/>\n");
+    root.AddChld("no name");
+    EXPECT_FALSE(root.Save(&file, false));
+    EXPECT_FALSE(root.Save(nullptr, false));
+    EXPECT_EQ(test::ReadFile(folder / "x.xml"), DString(kHead) + "<b/>\n");
+    DString error;
+    EXPECT_FALSE(root.Load(DFile(folder / "none"), &error));
+    EXPECT_EQ(error, folder / "none: cannot be read");
+    folder.Write("bad.xml", "<a>\n<a");
+    EXPECT_FALSE(root.Load(DFile(folder / "bad.xml"), &error));
+    EXPECT_TRUE(error.starts_with(folder / "bad.xml: line 2: ")) << error;
+}
+
+} // namespace
+} // namespace zelvar
