@@ -21,16 +21,22 @@ public:
     /// null.
     virtual void *OpenRepository(char const *url, BDINode **root, char const *filter) = 0;
     virtual void CloseRepository(void *repository) = 0;
+    /// The same for a whole family (`GetFamily`): whichever of its drivers reads `url` opens, and is set in `*opener`.
+    virtual void *OpenRepositoryInFamily(char const *url, BDIDrvr **opener, BDINode **root, char const *filter) {
+        *opener = this;
+        return OpenRepository(url, root, filter);
+    }
 
     /// A node by its path, or null. The caller closes it.
     virtual BDINode *OpenNode(void *repository, char const *path) = 0;
     virtual BDINode *CloneNode(BDINode const *node) = 0;
     virtual void CloseNode(BDINode *node) = 0;
 
-    /// Bit 0 of the mask of the find calls asks for children below children too, where a driver can give them at once.
+    /// Bit 0 of the mask of the find calls, which is also the bit of containers: a walk that goes below them sets it.
     static constexpr int kFindRecursive = 1;
-    /// Starts a walk over the children that have a bit of `mask`; null if there is nothing to walk. The children are
-    /// fetched in one batch.
+    /// Starts a walk over the direct children that have a bit of `mask`; null if there is nothing to walk. The children
+    /// are fetched in one batch. Filter nodes ("Filters", "Filter") are given only where `mask` asks for tables alone,
+    /// so that they are never listed among data.
     virtual void *FindFirstChildNode(void *repository, BDINode const *node, int mask) = 0;
     /// The next child, valid until the next call, or null at the end.
     virtual BDINode const *FindNextChildNode(void *find) = 0;

@@ -2,8 +2,8 @@
 
 #include "zelvar/base/Report.h"
 #include "zelvar/data/BDIDrvr.h"
+#include "zelvar/data/DriverProvider.h"
 
-#include <functional>
 #include <memory>
 #include <vector>
 
@@ -24,9 +24,12 @@ public:
     /// All drivers in order; the manager owns them.
     std::vector<BDIDrvr *> const &Drivers();
     /// Drivers with "BDI_Multiple_Images" that may claim a file of that name: the others need not be asked. In order.
+    /// One look into a table by the name's extension, so that a listing of 100,000 files costs next to nothing. A name
+    /// without an extension, or with one that no driver knows, gives none: to look into each such file would cost an
+    /// open and a read. `BDIDrvr::CanReadPath` itself goes by content and finds them all.
     std::vector<BDIDrvr *> const &CandidatesFor(std::string_view fileName);
 
-    /// Adds a driver behind the others; the manager owns it.
+    /// Adds a driver behind the others; the manager owns it. Not while another thread asks: the lists given out change.
     void Add(std::unique_ptr<BDIDrvr> driver);
     /// Removes all drivers and forgets that the provider was asked. For tests; no repository may be open.
     void Reset();
@@ -37,12 +40,5 @@ private:
     struct Impl;
     std::unique_ptr<Impl> m_impl;
 };
-
-/// Where drivers come from: called once, at the first question to either manager. `library/` sets the one that loads
-/// the GDAL module; a program may set its own before the first use.
-using DriverProvider = std::function<void()>;
-ZELVAR_API void SetDriverProvider(DriverProvider provider);
-/// Runs the provider unless it has run. Any thread.
-ZELVAR_API void EnsureDrivers();
 
 } // namespace zelvar

@@ -13,6 +13,9 @@ public:
     [[nodiscard]] virtual DString GetInfo() const = 0;
     /// Masks of the files it reads, as "*.tif;*.tiff"; may be empty.
     [[nodiscard]] virtual DString GetExtensions() const { return {}; }
+    /// The name shared by drivers of one library that find out by one look which of them reads a file: a manager then
+    /// asks the first of them for all. Empty for a driver that stands alone.
+    [[nodiscard]] virtual DString GetFamily() const { return {}; }
 
 protected:
     DIOPlugin() = default;

@@ -49,6 +49,13 @@ public:
     /// Null if it does not open. `stop` may be null and must outlive the handle.
     virtual void *OpenFile(BDIMoniker const &moniker, StopSignal const *stop, DError *error) = 0;
     virtual void CloseFile(void *handle, bool discardChanges) = 0;
+    /// The same for a whole family (`GetFamily`): whichever of its drivers reads the data opens, and is set in
+    /// `*opener`.
+    virtual void *OpenFileInFamily(BDIMoniker const &moniker, RDIDriver **opener, StopSignal const *stop,
+                                   DError *error) {
+        *opener = this;
+        return OpenFile(moniker, stop, error);
+    }
 
     [[nodiscard]] virtual int GetNumChnl(void *handle) const = 0;
     [[nodiscard]] virtual int GetChnlSizeX(void *handle, int channel) const = 0;

@@ -1,0 +1,64 @@
+#include "zelvar/data/BDIDrvrMngr.h"
+
+#include "zelvar/data/DriverTable.h"
+
+#include <utility>
+
+namespace zelvar {
+
+struct BDIDrvrMngr::Impl {
+    DriverTable<BDIDrvr> table;
+};
+
+BDIDrvrMngr::BDIDrvrMngr() : m_impl(std::make_unique<Impl>()) {}
+BDIDrvrMngr::~BDIDrvrMngr() = default;
+
+BDIDrvrMngr *BDIDrvrMngr::Instance() {
+    static auto &manager = *new BDIDrvrMngr; // never destroyed: workers may still ask while the process ends
+    return &manager;
+}
+
+BDIDrvr *BDIDrvrMngr::GetDrvr(char const *id) {
+    EnsureDrivers();
+    return m_impl->table.Find(id);
+}
+
+void *BDIDrvrMngr::OpenFile(char const *url, BDIDrvr **driver, BDINode **root, char const *filter, DError *error) {
+    EnsureDrivers();
+    BDIDrvr *opener = nullptr;
+    BDINode *node = nullptr;
+    void *repository = nullptr;
+    if (url != nullptr && *url != '\0')
+        repository = m_impl->table.OpenFirst(
+            [&](BDIDrvr &candidate) { return candidate.OpenRepositoryInFamily(url, &opener, &node, filter); });
+    if (repository == nullptr) {
+        if (error != nullptr)
+            error->Set("no driver opens \"" + DString(url == nullptr ? "" : url) + "\" as a tree");
+        return nullptr;
+    }
+    *driver = opener;
+    *root = node;
+    return repository;
+}
+
+std::vector<BDIDrvr *> const &BDIDrvrMngr::Drivers() {
+    EnsureDrivers();
+    return m_impl->table.Drivers();
+}
+
+std::vector<BDIDrvr *> const &BDIDrvrMngr::CandidatesFor(std::string_view fileName) {
+    EnsureDrivers();
+    return m_impl->table.ByExtensionOf(fileName);
+}
+
+void BDIDrvrMngr::Add(std::unique_ptr<BDIDrvr> driver) {
+    bool const multiple = driver->GetAttrInt("BDI_Multiple_Images") == 1;
+    m_impl->table.Add(std::move(driver), multiple);
+}
+
+void BDIDrvrMngr::Reset() {
+    m_impl->table.Clear();
+    ForgetDrivers();
+}
+
+} // namespace zelvar

@@ -1,0 +1,176 @@
+#include "zelvar/data/BDIMoniker.h"
+
+#include "zelvar/base/PathStyle.h"
+
+#include <algorithm>
+#include <optional>
+
+#include <sys/stat.h>
+
+namespace zelvar {
+
+namespace {
+
+constexpr std::size_t kNone = DString::npos;
+
+enum class Found { Nothing, File, Other };
+
+Found LookAt(DString const &path) {
+    struct stat info {};
+    if (path.empty() || stat(path.c_str(), &info) != 0)
+        return Found::Nothing;
+    return S_ISREG(info.st_mode) ? Found::File : Found::Other;
+}
+
+/// The text itself if it exists, else the longest beginning that is a plain file and ends where an element ends: what
+/// follows names something inside that file.
+DString LongestExisting(DString text) {
+    if (LookAt(text) != Found::Nothing)
+        return text;
+    for (std::size_t cut = text.find_last_of("/:}"); cut != kNone && cut > 0; cut = text.find_last_of("/:}", cut - 1)) {
+        text.resize(cut);
+        if (LookAt(text) == Found::File)
+            return text;
+    }
+    return {};
+}
+
+/// "/vsizip//a/x.zip/in.tif" and "/vsizip/{/a/x.zip}/in.tif" without what stands before the archive's path.
+std::optional<DString> WithoutArchivePrefix(DString const &text) {
+    for (std::string_view const prefix : {"/vsizip/", "/vsitar/", "/vsigzip/"}) {
+        if (!text.starts_with(prefix))
+            continue;
+        DString rest = text.substr(prefix.size());
+        if (!rest.starts_with('{'))
+            return rest;
+        return rest.substr(1, rest.find('}') == kNone ? kNone : rest.find('}') - 1);
+    }
+    return std::nullopt;
+}
+
+/// The file of a local source, a text without options. Drivers name what lies inside a file as `NAME:"/path":inside` or
+/// `NAME:/path:inside`.
+DString DiskPathOf(DString const &source) {
+    if (StartsWithNoCase(source, "file://")) {
+        std::string_view rest = std::string_view(source).substr(7);
+        if (StartsWithNoCase(rest, "localhost/"))
+            rest.remove_prefix(9);
+        return LongestExisting(PercentDecoded(rest));
+    }
+    if (DString path = LongestExisting(source); !path.empty())
+        return path;
+    if (auto const inner = WithoutArchivePrefix(source))
+        return LongestExisting(*inner);
+    if (std::size_t const quote = source.find('"'); quote != kNone) {
+        std::size_t const end = std::min(source.find('"', quote + 1), source.size());
+        return DiskPathOf(source.substr(quote + 1, end - quote - 1));
+    }
+    for (std::size_t colon = source.find(':'); colon != kNone && colon < 64; colon = source.find(':', colon + 1)) {
+        DString const rest = source.substr(colon + 1);
+        auto const inner = WithoutArchivePrefix(rest);
+        if (DString path = LongestExisting(inner ? *inner : rest); !path.empty())
+            return path;
+    }
+    return {};
+}
+
+int HexValue(char c) {
+    if (c >= '0' && c <= '9')
+        return c - '0';
+    char const lower = static_cast<char>(c | 0x20);
+    return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
+}
+
+} // namespace
+
+DString PercentDecoded(std::string_view text) {
+    DString out;
+    out.reserve(text.size());
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        int const high = text[i] == '%' && i + 2 < text.size() ? HexValue(text[i + 1]) : -1;
+        int const low = high >= 0 ? HexValue(text[i + 2]) : -1;
+        if (low < 0) {
+            out += text[i];
+            continue;
+        }
+        out += static_cast<char>(high * 16 + low);
+        i += 2;
+    }
+    return out;
+}
+
+DString PercentEncoded(std::string_view text, bool keepSlashes) {
+    static constexpr std::string_view kHex = "0123456789ABCDEF";
+    DString out;
+    for (char const c : text) {
+        auto const byte = static_cast<unsigned char>(c);
+        bool const plain = (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') ||
+                           std::string_view("-._~").find(c) != kNone || (keepSlashes && c == '/');
+        if (plain) {
+            out += c;
+        } else {
+            out += '%';
+            out += kHex[byte >> 4U];
+            out += kHex[byte & 15U];
+        }
+    }
+    return out;
+}
+
+std::size_t BDIMoniker::SourceLength() const {
+    std::size_t const first = m_text.find('?');
+    if (first == kNone)
+        return m_text.size();
+    if (IsUrl())
+        return first;
+    for (std::size_t end = m_text.size(); end != kNone && end >= first;
+         end = end == 0 ? kNone : m_text.rfind('?', end - 1)) {
+        DString const path = DiskPathOf(m_text.substr(0, end));
+        if (path.empty())
+            continue;
+        // What stands between the file and the next "?" names something inside the file.
+        std::size_t const at = m_text.find(path);
+        return at == kNone ? end : std::min(m_text.find('?', at + path.size()), end);
+    }
+    return first;
+}
+
+DString BDIMoniker::GetSource() const { return m_text.substr(0, SourceLength()); }
+
+std::vector<std::pair<DString, DString>> BDIMoniker::GetOptions() const {
+    std::vector<std::pair<DString, DString>> options;
+    std::size_t const length = SourceLength();
+    if (length >= m_text.size())
+        return options;
+    for (DString const &piece : Split(std::string_view(m_text).substr(length + 1), '&')) {
+        if (piece.empty())
+            continue;
+        std::size_t const equals = std::min(piece.find('='), piece.size());
+        options.emplace_back(piece.substr(0, equals), piece.substr(std::min(equals + 1, piece.size())));
+    }
+    return options;
+}
+
+BDIMoniker BDIMoniker::WithOptions(DString const &options) const {
+    if (options.empty())
+        return *this;
+    std::size_t const length = SourceLength();
+    char const *const separator = length == m_text.size() ? "?" : length + 1 == m_text.size() ? "" : "&";
+    return {m_text + separator + options, m_driver};
+}
+
+DString BDIMoniker::GetPathOnDisk() const { return IsUrl() ? DString() : DiskPathOf(GetSource()); }
+
+bool BDIMoniker::IsUrl() const {
+    if (zelvar::IsUrl(m_text))
+        return !StartsWithNoCase(m_text, "file://");
+    // Nodes inside a thing on the network are named through these file systems, maybe through an archive there.
+    static constexpr std::string_view kNetwork[] = {"/vsicurl/", "/vsis3/", "/vsigs/", "/vsiaz/", "/vsismb/"};
+    return std::any_of(std::begin(kNetwork), std::end(kNetwork), [this](std::string_view network) {
+        std::size_t const at = m_text.find(network);
+        return at == 0 || (at != kNone && (std::string_view(":\"{").find(m_text[at - 1]) != kNone ||
+                                           m_text.rfind("/vsi", at - 1) != kNone));
+    });
+}
+
+} // namespace zelvar

@@ -1,0 +1,51 @@
+#include "zelvar/data/DriverProvider.h"
+
+#include <atomic>
+#include <mutex>
+#include <utility>
+
+namespace zelvar {
+
+namespace {
+
+struct State {
+    std::recursive_mutex mutex; // the provider itself asks the managers
+    DriverProvider provider;
+    std::atomic<bool> done{false};
+    bool running = false;
+};
+
+State &TheState() {
+    static auto &state = *new State; // never destroyed: managers outlive static destruction
+    return state;
+}
+
+} // namespace
+
+void SetDriverProvider(DriverProvider provider) {
+    State &state = TheState();
+    std::lock_guard const lock(state.mutex);
+    state.provider = std::move(provider);
+}
+
+void EnsureDrivers() {
+    State &state = TheState();
+    if (state.done.load(std::memory_order_acquire))
+        return;
+    std::lock_guard const lock(state.mutex);
+    if (state.done.load(std::memory_order_relaxed) || state.running)
+        return;
+    state.running = true;
+    if (state.provider)
+        state.provider();
+    state.running = false;
+    state.done.store(true, std::memory_order_release);
+}
+
+void ForgetDrivers() {
+    State &state = TheState();
+    std::lock_guard const lock(state.mutex);
+    state.done.store(false, std::memory_order_release);
+}
+
+} // namespace zelvar

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "zelvar/base/Export.h"
+
+#include <functional>
+
+namespace zelvar {
+
+/// Where drivers come from: called once, at the first question to either manager, and adds to both. `library/` sets the
+/// one that loads the GDAL module; a program may set its own before the first use.
+using DriverProvider = std::function<void()>;
+ZELVAR_API void SetDriverProvider(DriverProvider provider);
+/// Runs the provider unless it has run; others wait until it is through. Any thread.
+ZELVAR_API void EnsureDrivers();
+/// Lets the provider run again at the next question. For tests.
+ZELVAR_API void ForgetDrivers();
+
+} // namespace zelvar

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "zelvar/base/DCanvas.h"
+#include "zelvar/data/RDIDriver.h"
+
+namespace zelvar {
+
+/// What the properties of an image tell.
+struct ImageInfo {
+    int width = 0;  ///< of one slice at one time, pixels
+    int height = 0; ///< of one slice at one time, pixels
+    int channels = 0;
+    int slices = 0;
+    int timeFrames = 0;
+    int dataType = RDI_None;
+    DString driver; ///< the driver's description of the file, or its id
+};
+
+/// Reads the properties of the image behind a moniker. False, and `info` unchanged, if it is no image. `driverId` may
+/// be empty; `stop` may be null. Any thread.
+[[nodiscard]] ZELVAR_API bool ReadImageInfo(BDIMoniker const &moniker, DString const &driverId, StopSignal const *stop,
+                                            ImageInfo &info);
+
+/// Reads the picture of the image's first slice, its longer side 1024 pixels: three channels as red, green and blue,
+/// fewer as grey from the first, one with a palette in the palette's colours. Samples wider than 8 bits are reduced by
+/// `ScaleDataBuf`.
+///
+/// False, and `picture` empty, if it is no image, was stopped, or has 33,587,208 pixels or more without a pyramid: that
+/// would take too long. Any thread.
+[[nodiscard]] ZELVAR_API bool ReadPreview(BDIMoniker const &moniker, DString const &driverId, StopSignal const *stop,
+                                          DCanvas &picture);
+
+} // namespace zelvar

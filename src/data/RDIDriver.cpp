@@ -1,0 +1,24 @@
+#include "zelvar/data/RDIDriver.h"
+
+namespace zelvar {
+
+DString RDIGetDTName(int type) {
+    switch (type) {
+    case RDI_UInt8:
+        return "8 bit unsigned";
+    case RDI_UInt16:
+        return "16 bit unsigned";
+    case RDI_Int16:
+        return "16 bit signed";
+    case RDI_UInt32:
+        return "32 bit unsigned";
+    case RDI_Int32:
+        return "32 bit signed";
+    case RDI_Float32:
+        return "32 bit float";
+    default:
+        return {};
+    }
+}
+
+} // namespace zelvar
