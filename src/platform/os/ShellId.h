@@ -25,19 +25,21 @@ enum class ShellKind : std::int32_t {
 };
 
 /// Absolute identifier of a thing in the shell namespace: a chain of elements from the desktop down. A value; copies
-/// share the chain, so a listing of 100,000 children costs one element each. Any thread.
+/// share the chain, so a listing of 100,000 children costs one small element each. Any thread.
 class ZELVAR_API ShellId {
 public:
     ShellId() = default; ///< null
     [[nodiscard]] static ShellId Desktop();
     /// The identifier of a child of this one. `element` is the bytes that the namespace knows the child by.
-    [[nodiscard]] ShellId Child(DString element, ShellKind kind) const;
+    [[nodiscard]] ShellId Child(std::string_view element, ShellKind kind) const;
 
     [[nodiscard]] bool IsNull() const { return m_node == nullptr; }
     [[nodiscard]] bool IsDesktop() const;
     /// Without its last element; null for the desktop and for null.
     [[nodiscard]] ShellId Parent() const;
-    [[nodiscard]] DString const &Element() const;
+    /// Lives as long as any identifier that holds the element.
+    [[nodiscard]] std::string_view Element() const;
+    /// What the thing was when the identifier was made.
     [[nodiscard]] ShellKind Kind() const;
     [[nodiscard]] int Depth() const; ///< 0 for the desktop
 
@@ -47,6 +49,8 @@ public:
 private:
     class Node;
     explicit ShellId(Node *node);
+    [[nodiscard]] Node const *Get() const;
+
     RefItemPtr<RefItem> m_node;
 };
 

@@ -17,6 +17,14 @@ struct FileTimes {
     std::int64_t size = -1; ///< bytes
 };
 
+/// Tells folders apart that are reached by different names.
+struct FolderIdentity {
+    std::uint64_t device = 0;
+    std::uint64_t inode = 0;
+
+    friend auto operator<=>(FolderIdentity const &, FolderIdentity const &) = default;
+};
+
 /// One child as an enumeration yields it.
 struct ShellChild {
     ShellId id;
@@ -24,7 +32,7 @@ struct ShellChild {
     ShellKind kind = ShellKind::Unknown;
     bool link = false;         ///< reached through a symbolic link
     std::int64_t size = -1;    ///< bytes, plain files only
-    std::int64_t modified = 0; ///< nanoseconds since 1970 UTC, 0 if unknown
+    std::int64_t modified = 0; ///< nanoseconds since 1970 UTC, 0 if unknown; plain files only
 };
 
 enum class ShellFolderOf { Desktop, Documents, CommonDocuments, Pictures };
@@ -33,10 +41,15 @@ enum class ShellFolderOf { Desktop, Documents, CommonDocuments, Pictures };
 ///
 /// The desktop is the root; below it lie the drives place and the network place. Reading may block as long as the
 /// medium does; nothing here touches a place that was not asked for. Any thread.
+///
+/// What is neither a plain file nor a folder (devices, FIFOs, sockets, links that lead nowhere or in a circle) is no
+/// thing of the namespace: it is not listed, has no identifier and is never opened.
 class ZELVAR_API ShellNamespace {
 public:
     /// Yields false to stop.
     using Visitor = std::function<bool(ShellChild &&)>;
+    /// Yields false for plain files that the caller leaves out anyway: their size and time are then not read.
+    using FileTest = std::function<bool(std::string_view name)>;
     enum class Purpose {
         Browse,  ///< folders and files that are not hidden
         Network, ///< servers and shares only
@@ -48,22 +61,32 @@ public:
     [[nodiscard]] virtual ShellId Network() const = 0;
     /// The identifier of a path or `smb://` address; null if nothing is there.
     [[nodiscard]] virtual ShellId Parse(DString const &path) const = 0;
-    /// Visits the children in the source's order; false if the folder cannot be read at all.
-    virtual bool Enumerate(ShellId const &folder, Purpose purpose, Visitor const &visit) const = 0;
+    /// Visits the children in the source's order; false if the folder cannot be read at all. Plain files that
+    /// `wanted` refuses are not visited.
+    virtual bool Enumerate(ShellId const &folder, Purpose purpose, Visitor const &visit,
+                           FileTest const &wanted = nullptr) const = 0;
     /// What the thing is now; nothing if it is gone or cannot be told.
     [[nodiscard]] virtual std::optional<ShellKind> KindOf(ShellId const &id) const = 0;
     [[nodiscard]] virtual DString DisplayName(ShellId const &id) const = 0;
     /// The path in the file system, or the `smb://` address where there is none; empty for the virtual places.
     [[nodiscard]] virtual DString Path(ShellId const &id) const = 0;
     [[nodiscard]] virtual std::optional<FileTimes> Times(ShellId const &id) const = 0;
-    /// The picture, told by kind and name alone: the medium is not touched.
+    /// Nothing where the source has no such thing.
+    [[nodiscard]] virtual std::optional<FolderIdentity> IdentityOf(ShellId const &folder) const = 0;
+    /// The picture, told by kind, the suffix of the name and `link` alone: the medium is not touched.
     [[nodiscard]] virtual ImageDescription Icon(ShellId const &id, bool link) const = 0;
     /// Path of a folder of the user, without separator at its end; nothing if the system names none.
     [[nodiscard]] virtual std::optional<DString> SpecialFolder(ShellFolderOf which) const = 0;
 
-    /// The namespace of the process: the machine's own until a test sets another. The setter returns the former one.
+    /// The namespace of the process: the machine's own until a test sets another. The setter returns the former one;
+    /// null sets the machine's own. Not while another thread uses the former one.
     static ShellNamespace &Current();
     static std::shared_ptr<ShellNamespace> SetCurrent(std::shared_ptr<ShellNamespace> shell);
+
+protected:
+    ShellNamespace() = default;
+    ShellNamespace(ShellNamespace const &) = default;
+    ShellNamespace &operator=(ShellNamespace const &) = default;
 };
 
 } // namespace zelvar::platform

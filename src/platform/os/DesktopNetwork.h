@@ -1,0 +1,21 @@
+#pragma once
+
+#include "zelvar/base/DString.h"
+
+#include <vector>
+
+namespace zelvar::platform {
+
+/// A file server that the desktop knows.
+struct NetworkPlace {
+    DString name;      ///< what the desktop calls it
+    DString authority; ///< as in "smb://authority/"
+
+    friend bool operator==(NetworkPlace const &, NetworkPlace const &) = default;
+};
+
+/// The file servers that the desktop's own service has found. Empty outside a desktop session, without GIO, and when
+/// the service does not answer within a few seconds. Asks the desktop only; nothing is sent into the network from here.
+[[nodiscard]] std::vector<NetworkPlace> ListDesktopNetwork();
+
+} // namespace zelvar::platform

@@ -1,0 +1,157 @@
+#include "zelvar/platform/os/MountTable.h"
+
+#include "zelvar/base/PathStyle.h"
+
+#include <algorithm>
+#include <array>
+#include <fstream>
+#include <sstream>
+
+#include <limits.h>
+#include <unistd.h>
+
+namespace zelvar::platform {
+
+namespace {
+
+constexpr std::array<std::string_view, 16> kNetworkTypes{
+    "cifs",      "smb3",       "smbfs",       "nfs",         "nfs4",      "ncpfs",           "afs",
+    "9p",        "fuse.sshfs", "fuse.davfs2", "fuse.rclone", "fuse.s3fs", "fuse.gvfsd-fuse", "ceph",
+    "glusterfs", "lustre"};
+constexpr std::array<std::string_view, 2> kDiscTypes{"iso9660", "udf"};
+constexpr std::array<std::string_view, 6> kFuseDiscTypes{"fuseblk",    "fuse.exfat", "fuse.ntfs",
+                                                         "fuse.ntfs3", "zfs",        "btrfs"};
+/// Folders of the system: a disc mounted there is not a place where users keep data.
+constexpr std::array<std::string_view, 13> kSystemFolders{"/boot", "/dev",  "/efi", "/etc",  "/lib", "/nix", "/opt",
+                                                          "/proc", "/root", "/run", "/snap", "/sys", "/usr"};
+
+template <std::size_t n>
+bool IsOneOf(std::string_view text, std::array<std::string_view, n> const &list) {
+    return std::find(list.begin(), list.end(), text) != list.end();
+}
+
+bool LiesBelow(std::string_view path, std::string_view folder) {
+    return path.starts_with(folder) && (path.size() == folder.size() || path[folder.size()] == '/');
+}
+
+bool IsSystemPlace(std::string_view mountPoint) {
+    if (LiesBelow(mountPoint, "/run/media"))
+        return false;
+    return LiesBelow(mountPoint, "/var") || std::any_of(kSystemFolders.begin(), kSystemFolders.end(),
+                                                        [&](auto folder) { return LiesBelow(mountPoint, folder); });
+}
+
+bool IsOctal(char c) { return c >= '0' && c <= '7'; }
+
+/// "\040" stands for a blank, and so on.
+DString Unescaped(std::string_view text) {
+    DString plain;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '\\' && i + 3 < text.size() && IsOctal(text[i + 1]) && IsOctal(text[i + 2]) &&
+            IsOctal(text[i + 3])) {
+            plain += static_cast<char>((text[i + 1] - '0') * 64 + (text[i + 2] - '0') * 8 + (text[i + 3] - '0'));
+            i += 3;
+        } else {
+            plain += text[i];
+        }
+    }
+    return plain;
+}
+
+bool ReadsOne(DString const &file) {
+    std::ifstream in(file);
+    char digit = '0';
+    return in.get(digit) && digit == '1';
+}
+
+/// The kernel marks a medium as removable on the disc, not on its partitions; a disc in an USB case is not marked, but
+/// its place among the devices tells.
+bool IsRemovable(DString const &sysRoot, DString const &device) {
+    DString const entry = sysRoot + "/dev/block/" + device;
+    if (ReadsOne(entry + "/removable") || ReadsOne(entry + "/../removable"))
+        return true;
+    std::array<char, PATH_MAX> target{};
+    ssize_t const length = readlink(entry.c_str(), target.data(), target.size());
+    return length > 0 &&
+           std::string_view(target.data(), static_cast<std::size_t>(length)).find("/usb") != std::string_view::npos;
+}
+
+bool IsBlockDevice(MountEntry const &mount) {
+    return mount.source.starts_with("/dev/") || IsOneOf(mount.type, kFuseDiscTypes);
+}
+
+std::optional<ShellKind> KindOf(MountEntry const &mount, DString const &sysRoot) {
+    if (mount.mountPoint == "/")
+        return ShellKind::Fixed;
+    if (IsOneOf(mount.type, kNetworkTypes))
+        return ShellKind::NetDrive;
+    if (!IsBlockDevice(mount) || mount.root != "/")
+        return std::nullopt;
+    if (IsOneOf(mount.type, kDiscTypes) || mount.source.starts_with("/dev/sr"))
+        return ShellKind::CdRom;
+    if (IsSystemPlace(mount.mountPoint))
+        return std::nullopt;
+    return IsRemovable(sysRoot, mount.device) ? ShellKind::Removable : ShellKind::Fixed;
+}
+
+/// "share on server" for "//server/share" and "server:/export"; else the last element of the mount point.
+DString LabelOf(MountEntry const &mount, ShellKind kind) {
+    if (mount.mountPoint == "/")
+        return "File System";
+    if (kind == ShellKind::NetDrive) {
+        std::string_view source = mount.source;
+        std::string_view server, share;
+        if (source.starts_with("//")) {
+            source.remove_prefix(2);
+            std::size_t const slash = source.find('/');
+            server = source.substr(0, slash);
+            share = slash == std::string_view::npos ? std::string_view() : source.substr(slash + 1);
+        } else if (std::size_t const colon = source.find(":/"); colon != std::string_view::npos) {
+            server = source.substr(0, colon);
+            share = source.substr(colon + 2);
+        }
+        if (!server.empty() && !share.empty())
+            return DString(share) + " on " + DString(server);
+    }
+    return DString(FileNameOf(mount.mountPoint));
+}
+
+} // namespace
+
+std::optional<MountEntry> ParseMountLine(std::string_view line) {
+    // "36 35 98:0 /root /mount/point options tag:1 - type source superoptions"
+    std::istringstream in{DString(line)};
+    DString id, parent, device, root, mountPoint, options, tag, type, source;
+    if (!(in >> id >> parent >> device >> root >> mountPoint >> options))
+        return std::nullopt;
+    while (in >> tag && tag != "-") {
+    }
+    if (tag != "-" || !(in >> type))
+        return std::nullopt;
+    in >> source; // may be missing
+    return MountEntry{.device = device,
+                      .root = Unescaped(root),
+                      .mountPoint = Unescaped(mountPoint),
+                      .type = type,
+                      .source = Unescaped(source)};
+}
+
+std::vector<Drive> ListDrives(DString const &procRoot, DString const &sysRoot) {
+    std::vector<MountEntry> mounts;
+    std::ifstream table(procRoot + "/self/mountinfo");
+    for (DString line; std::getline(table, line);) {
+        std::optional<MountEntry> mount = ParseMountLine(line);
+        if (!mount)
+            continue;
+        std::erase_if(mounts, [&](MountEntry const &former) { return former.mountPoint == mount->mountPoint; });
+        mounts.push_back(*std::move(mount));
+    }
+
+    std::vector<Drive> drives{{.mountPoint = "/", .label = "File System", .kind = ShellKind::Fixed}};
+    for (MountEntry const &mount : mounts)
+        if (std::optional<ShellKind> const kind = KindOf(mount, sysRoot); kind && mount.mountPoint != "/")
+            drives.push_back({.mountPoint = mount.mountPoint, .label = LabelOf(mount, *kind), .kind = *kind});
+    return drives;
+}
+
+} // namespace zelvar::platform

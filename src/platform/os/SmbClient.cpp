@@ -1,0 +1,215 @@
+#include "zelvar/platform/os/SmbClient.h"
+
+#include "zelvar/base/Report.h"
+#include "zelvar/platform/os/TcpProbe.h"
+
+#include <algorithm>
+#include <map>
+#include <mutex>
+#include <vector>
+
+#include <dlfcn.h>
+#include <libsmbclient.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace zelvar::platform {
+
+namespace {
+
+/// The functions of libsmbclient that are used.
+struct Library {
+    decltype(&smbc_new_context) newContext = nullptr;
+    decltype(&smbc_init_context) initContext = nullptr;
+    decltype(&smbc_free_context) freeContext = nullptr;
+    decltype(&smbc_setTimeout) setTimeout = nullptr;
+    decltype(&smbc_setConfiguration) setConfiguration = nullptr;
+    decltype(&smbc_setFunctionAuthData) setFunctionAuthData = nullptr;
+    decltype(&smbc_getFunctionOpendir) openDir = nullptr;
+    decltype(&smbc_getFunctionReaddir) readDir = nullptr;
+    decltype(&smbc_getFunctionReaddirPlus) readDirPlus = nullptr;
+    decltype(&smbc_getFunctionClosedir) closeDir = nullptr;
+    decltype(&smbc_getFunctionStat) stat = nullptr;
+
+    /// False if the library or one of the functions is missing.
+    bool Load() {
+        void *const handle = dlopen("libsmbclient.so.0", RTLD_NOW | RTLD_LOCAL); // stays loaded
+        if (handle == nullptr)
+            return false;
+        auto const find = [handle](char const *name, auto &function) {
+            function = reinterpret_cast<std::remove_reference_t<decltype(function)>>(dlsym(handle, name));
+            return function != nullptr;
+        };
+        return find("smbc_new_context", newContext) && find("smbc_init_context", initContext) &&
+               find("smbc_free_context", freeContext) && find("smbc_setTimeout", setTimeout) &&
+               find("smbc_setConfiguration", setConfiguration) &&
+               find("smbc_setFunctionAuthData", setFunctionAuthData) && find("smbc_getFunctionOpendir", openDir) &&
+               find("smbc_getFunctionReaddir", readDir) && find("smbc_getFunctionReaddirPlus", readDirPlus) &&
+               find("smbc_getFunctionClosedir", closeDir) && find("smbc_getFunctionStat", stat);
+    }
+};
+
+/// User and password of the address stand as they are; without them the login is anonymous. Nobody is asked.
+void KeepCredentials(char const *, char const *, char *, int, char *, int, char *, int) {}
+
+std::int64_t Nanoseconds(timespec const &time) {
+    constexpr std::int64_t kLimit = 9'000'000'000;
+    if (time.tv_sec <= 0 || time.tv_sec > kLimit)
+        return 0;
+    return time.tv_sec * 1'000'000'000 + time.tv_nsec;
+}
+
+bool IsHidden(std::string_view name, unsigned attributes) {
+    return name.empty() || name.front() == '.' || (attributes & SMBC_DOS_MODE_HIDDEN) != 0;
+}
+
+} // namespace
+
+struct SmbClient::Impl {
+    std::mutex mutex; ///< guards all below and every call into the library
+    Library library;
+    bool tried = false;
+    bool loaded = false;
+    std::map<DString, SMBCCTX *> contexts; ///< by authority; they live as long as the process
+
+    /// Null if there is no library or it gives no context.
+    SMBCCTX *ContextFor(DString const &authority) {
+        if (!tried) {
+            tried = true;
+            loaded = library.Load();
+            Report::TraceMessage(Report::kTraceDriver, "libsmbclient was loaded? %s", loaded ? "YES" : "NO");
+        }
+        if (!loaded)
+            return nullptr;
+        SMBCCTX *&context = contexts[authority];
+        if (context == nullptr)
+            context = MakeContext();
+        return context;
+    }
+
+    SMBCCTX *MakeContext() {
+        SMBCCTX *const context = library.newContext();
+        if (context == nullptr)
+            return nullptr;
+        library.setFunctionAuthData(context, &KeepCredentials);
+        library.setTimeout(context, kAnswerMs);
+        if (library.initContext(context) == nullptr) {
+            library.freeContext(context, 0);
+            return nullptr;
+        }
+        ForbidBroadcasts(context);
+        return context;
+    }
+
+    /// Lays settings of ours over the machine's: no NetBIOS names, so no broadcast looks for them.
+    void ForbidBroadcasts(SMBCCTX *context) const {
+        constexpr std::string_view kSettings = "[global]\nname resolve order = host\ndisable netbios = yes\n";
+        int const file = memfd_create("zelvar-smb", MFD_CLOEXEC);
+        if (file < 0)
+            return;
+        if (write(file, kSettings.data(), kSettings.size()) == static_cast<ssize_t>(kSettings.size()))
+            library.setConfiguration(context, ("/proc/self/fd/" + std::to_string(file)).c_str());
+        close(file);
+    }
+
+    /// Reads up to `limit` shares; false at the end.
+    bool ReadShares(SMBCCTX *context, SMBCFILE *folder, std::size_t limit, std::vector<SmbEntry> &out) const {
+        while (out.size() < limit) {
+            smbc_dirent const *const entry = library.readDir(context)(context, folder);
+            if (entry == nullptr)
+                return false;
+            DString name(entry->name);
+            if (entry->smbc_type == SMBC_FILE_SHARE && !name.empty() && name.back() != '$')
+                out.push_back({.name = std::move(name), .kind = ShellKind::NetShare, .times = {}});
+        }
+        return true;
+    }
+
+    bool ReadEntries(SMBCCTX *context, SMBCFILE *folder, std::size_t limit, std::vector<SmbEntry> &out) const {
+        while (out.size() < limit) {
+            libsmb_file_info const *const info = library.readDirPlus(context)(context, folder);
+            if (info == nullptr)
+                return false;
+            if (info->name == nullptr || IsHidden(info->name, info->attrs))
+                continue;
+            SmbEntry entry{.name = info->name, .kind = ShellKind::Directory, .times = {}};
+            if ((info->attrs & SMBC_DOS_MODE_DIRECTORY) == 0) {
+                entry.kind = ShellKind::File;
+                entry.times = {.modified = Nanoseconds(info->mtime_ts),
+                               .created = Nanoseconds(info->btime_ts),
+                               .accessed = Nanoseconds(info->atime_ts),
+                               .size = static_cast<std::int64_t>(info->size)};
+            }
+            out.push_back(std::move(entry));
+        }
+        return true;
+    }
+};
+
+SmbClient::SmbClient() : m_impl(std::make_unique<Impl>()) {}
+SmbClient::~SmbClient() = default;
+
+SmbClient &SmbClient::Instance() {
+    static SmbClient &client = *new SmbClient; // a worker may still be inside a call when the process ends
+    return client;
+}
+
+bool SmbClient::List(SmbAddress const &address, std::function<bool(SmbEntry &&)> const &visit) {
+    if (!AcceptsConnections(address.authority, kConnectMs))
+        return false;
+    DString const url = ToText(address);
+    std::unique_lock lock(m_impl->mutex);
+    SMBCCTX *const context = m_impl->ContextFor(address.authority);
+    if (context == nullptr)
+        return false;
+    SMBCFILE *const folder = m_impl->library.openDir(context)(context, url.c_str());
+    if (folder == nullptr)
+        return false;
+    // Read in batches: the visitor runs without the lock, and a listing that is stopped early stops reading.
+    constexpr std::size_t kBatch = 512;
+    std::vector<SmbEntry> batch;
+    for (bool more = true, wanted = true; more && wanted;) {
+        batch.clear();
+        more = address.parts.empty() ? m_impl->ReadShares(context, folder, kBatch, batch)
+                                     : m_impl->ReadEntries(context, folder, kBatch, batch);
+        lock.unlock();
+        for (auto entry = batch.begin(); wanted && entry != batch.end(); ++entry)
+            wanted = visit(std::move(*entry));
+        lock.lock();
+    }
+    m_impl->library.closeDir(context)(context, folder);
+    return true;
+}
+
+std::optional<SmbEntry> SmbClient::Stat(SmbAddress const &address) {
+    if (address.parts.empty() || !AcceptsConnections(address.authority, kConnectMs))
+        return std::nullopt;
+    std::lock_guard const lock(m_impl->mutex);
+    SMBCCTX *const context = m_impl->ContextFor(address.authority);
+    if (context == nullptr)
+        return std::nullopt;
+    struct stat status {};
+    if (m_impl->library.stat(context)(context, ToText(address).c_str(), &status) != 0)
+        return std::nullopt;
+    SmbEntry entry{.name = address.parts.back(), .kind = ShellKind::Directory, .times = {}};
+    if (S_ISREG(status.st_mode)) {
+        entry.kind = ShellKind::File;
+        entry.times = {.modified = Nanoseconds(status.st_mtim),
+                       .created = 0,
+                       .accessed = Nanoseconds(status.st_atim),
+                       .size = static_cast<std::int64_t>(status.st_size)};
+    } else if (!S_ISDIR(status.st_mode)) {
+        return std::nullopt;
+    }
+    return entry;
+}
+
+DString ToText(SmbAddress const &address) {
+    DString text = "smb://" + address.authority;
+    for (DString const &part : address.parts)
+        text += "/" + EscapedSmbPart(part);
+    return text;
+}
+
+} // namespace zelvar::platform

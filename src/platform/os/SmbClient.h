@@ -1,0 +1,48 @@
+#pragma once
+
+#include "zelvar/platform/os/ShellNamespace.h"
+#include "zelvar/platform/os/SmbAddress.h"
+
+#include <functional>
+
+namespace zelvar::platform {
+
+/// What a server tells about one entry of a listing.
+struct SmbEntry {
+    DString name;
+    ShellKind kind = ShellKind::Unknown;
+    FileTimes times; ///< only below shares
+};
+
+/// Talks to file servers through libsmbclient, which is loaded at the first need.
+///
+/// The library is not made for threads, so one lock guards every call; a server that does not take a connection within
+/// `kConnectMs` is given up before the lock is asked for, so a dead one keeps nobody waiting. Connections are pooled by
+/// address, user and port. Names are resolved by the system's resolver alone: nothing is broadcast.
+class SmbClient {
+public:
+    static constexpr int kConnectMs = 3000;
+    static constexpr int kAnswerMs = 5000;
+
+    static SmbClient &Instance();
+
+    /// Visits the shares of a server, or the entries of a folder, hidden ones left out, until `visit` yields false.
+    /// False if it cannot be read.
+    bool List(SmbAddress const &address, std::function<bool(SmbEntry &&)> const &visit);
+    /// What lies behind an address with a share in it; nothing if it is gone or the server does not answer.
+    std::optional<SmbEntry> Stat(SmbAddress const &address);
+
+    SmbClient(SmbClient const &) = delete;
+    SmbClient &operator=(SmbClient const &) = delete;
+
+private:
+    SmbClient();
+    ~SmbClient();
+    struct Impl;
+    std::unique_ptr<Impl> m_impl;
+};
+
+/// The address as text, escaped.
+[[nodiscard]] DString ToText(SmbAddress const &address);
+
+} // namespace zelvar::platform

@@ -1,0 +1,66 @@
+#include "zelvar/platform/os/TcpProbe.h"
+
+#include <cerrno>
+#include <memory>
+
+#include <netdb.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace zelvar::platform {
+
+namespace {
+
+struct HostAndPort {
+    DString host;
+    DString port = "445";
+};
+
+HostAndPort TakeApart(std::string_view authority) {
+    if (std::size_t const at = authority.rfind('@'); at != std::string_view::npos)
+        authority.remove_prefix(at + 1);
+    HostAndPort parts;
+    std::size_t const bracket = authority.find(']'); // "[::1]:445"
+    std::size_t const colon = authority.find(':', bracket == std::string_view::npos ? 0 : bracket);
+    parts.host = authority.substr(0, colon);
+    if (colon != std::string_view::npos)
+        parts.port = authority.substr(colon + 1);
+    if (parts.host.size() > 2 && parts.host.front() == '[' && parts.host.back() == ']')
+        parts.host = parts.host.substr(1, parts.host.size() - 2);
+    return parts;
+}
+
+bool Connects(addrinfo const &address, int timeoutMs) {
+    int const socket = ::socket(address.ai_family, address.ai_socktype | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
+    if (socket < 0)
+        return false;
+    bool connected = connect(socket, address.ai_addr, address.ai_addrlen) == 0;
+    if (!connected && errno == EINPROGRESS) {
+        pollfd wait{.fd = socket, .events = POLLOUT, .revents = 0};
+        int failure = 0;
+        socklen_t size = sizeof failure;
+        connected = poll(&wait, 1, timeoutMs) == 1 && getsockopt(socket, SOL_SOCKET, SO_ERROR, &failure, &size) == 0 &&
+                    failure == 0;
+    }
+    close(socket);
+    return connected;
+}
+
+} // namespace
+
+bool AcceptsConnections(DString const &authority, int timeoutMs) {
+    HostAndPort const target = TakeApart(authority);
+    addrinfo hints{};
+    hints.ai_socktype = SOCK_STREAM;
+    addrinfo *found = nullptr;
+    if (getaddrinfo(target.host.c_str(), target.port.c_str(), &hints, &found) != 0)
+        return false;
+    std::unique_ptr<addrinfo, decltype(&freeaddrinfo)> const owner(found, &freeaddrinfo);
+    for (addrinfo const *address = found; address != nullptr; address = address->ai_next)
+        if (Connects(*address, timeoutMs))
+            return true;
+    return false;
+}
+
+} // namespace zelvar::platform

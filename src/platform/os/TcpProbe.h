@@ -1,0 +1,11 @@
+#pragma once
+
+#include "zelvar/base/DString.h"
+
+namespace zelvar::platform {
+
+/// True if the file server of "[user@]host[:port]" takes a connection within `timeoutMs`; port 445 unless told. The
+/// name goes through the system's resolver.
+[[nodiscard]] bool AcceptsConnections(DString const &authority, int timeoutMs);
+
+} // namespace zelvar::platform
