@@ -73,7 +73,7 @@ LinuxShellNamespace::LinuxShellNamespace(DString procRoot, DString sysRoot)
       m_network(ShellId::Desktop().Child(kNetworkElement, ShellKind::Virtual)) {}
 
 ShellId LinuxShellNamespace::Parse(DString const &path) const {
-    if (path.empty())
+    if (path.empty() || path.find('\0') != DString::npos)
         return {};
     if (IsSmbAddress(path)) {
         std::optional<SmbAddress> const address = ParseSmbAddress(path);

@@ -1,5 +1,7 @@
 #include "zelvar/platform/os/LocalFolder.h"
 
+#include "zelvar/base/FileDescriptor.h"
+
 #include <cstring>
 #include <memory>
 
@@ -12,22 +14,6 @@
 namespace zelvar::platform {
 
 namespace {
-
-/// Owns a file descriptor.
-class Descriptor {
-public:
-    explicit Descriptor(int descriptor) : m_descriptor(descriptor) {}
-    ~Descriptor() {
-        if (m_descriptor >= 0)
-            close(m_descriptor);
-    }
-    Descriptor(Descriptor const &) = delete;
-    Descriptor &operator=(Descriptor const &) = delete;
-    [[nodiscard]] int Get() const { return m_descriptor; }
-
-private:
-    int m_descriptor;
-};
 
 /// Zero nanoseconds mean unknown, so a file stamped at the very start of 1970 is told as a nanosecond later.
 std::int64_t Nanoseconds(statx_timestamp const &stamp) {
@@ -125,8 +111,8 @@ std::optional<FolderIdentity> LocalIdentityOf(DString const &path) {
 
 bool EnumerateLocalFolder(DString const &path, ShellId const &folder, ShellNamespace::Visitor const &visit,
                           ShellNamespace::FileTest const &wanted) {
-    Descriptor const directory(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NONBLOCK | O_CLOEXEC));
-    if (directory.Get() < 0)
+    FileDescriptor const directory(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NONBLOCK | O_CLOEXEC));
+    if (!directory.IsOpen())
         return false;
     constexpr std::size_t kBufferSize = std::size_t{128} << 10U;
     std::unique_ptr<char[]> const buffer(new char[kBufferSize]);

@@ -1,5 +1,6 @@
 #include "zelvar/platform/os/SmbClient.h"
 
+#include "zelvar/base/FileDescriptor.h"
 #include "zelvar/base/Report.h"
 #include "zelvar/platform/os/TcpProbe.h"
 
@@ -105,12 +106,10 @@ struct SmbClient::Impl {
     /// Lays settings of ours over the machine's: no NetBIOS names, so no broadcast looks for them.
     void ForbidBroadcasts(SMBCCTX *context) const {
         constexpr std::string_view kSettings = "[global]\nname resolve order = host\ndisable netbios = yes\n";
-        int const file = memfd_create("zelvar-smb", MFD_CLOEXEC);
-        if (file < 0)
-            return;
-        if (write(file, kSettings.data(), kSettings.size()) == static_cast<ssize_t>(kSettings.size()))
-            library.setConfiguration(context, ("/proc/self/fd/" + std::to_string(file)).c_str());
-        close(file);
+        FileDescriptor const file(memfd_create("zelvar-smb", MFD_CLOEXEC));
+        if (file.IsOpen() &&
+            write(file.Get(), kSettings.data(), kSettings.size()) == static_cast<ssize_t>(kSettings.size()))
+            library.setConfiguration(context, ("/proc/self/fd/" + std::to_string(file.Get())).c_str());
     }
 
     /// Reads up to `limit` shares; false at the end.

@@ -1,5 +1,7 @@
 #include "zelvar/platform/os/TcpProbe.h"
 
+#include "zelvar/base/FileDescriptor.h"
+
 #include <cerrno>
 #include <memory>
 
@@ -32,18 +34,17 @@ HostAndPort TakeApart(std::string_view authority) {
 }
 
 bool Connects(addrinfo const &address, int timeoutMs) {
-    int const socket = ::socket(address.ai_family, address.ai_socktype | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
-    if (socket < 0)
+    FileDescriptor const socket(::socket(address.ai_family, address.ai_socktype | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
+    if (!socket.IsOpen())
         return false;
-    bool connected = connect(socket, address.ai_addr, address.ai_addrlen) == 0;
+    bool connected = connect(socket.Get(), address.ai_addr, address.ai_addrlen) == 0;
     if (!connected && errno == EINPROGRESS) {
-        pollfd wait{.fd = socket, .events = POLLOUT, .revents = 0};
+        pollfd wait{.fd = socket.Get(), .events = POLLOUT, .revents = 0};
         int failure = 0;
         socklen_t size = sizeof failure;
-        connected = poll(&wait, 1, timeoutMs) == 1 && getsockopt(socket, SOL_SOCKET, SO_ERROR, &failure, &size) == 0 &&
-                    failure == 0;
+        connected = poll(&wait, 1, timeoutMs) == 1 &&
+                    getsockopt(socket.Get(), SOL_SOCKET, SO_ERROR, &failure, &size) == 0 && failure == 0;
     }
-    close(socket);
     return connected;
 }
 

@@ -1,0 +1,93 @@
+#pragma once
+
+#include "zelvar/model/DataSourceItem.h"
+#include "zelvar/platform/os/ShellNamespace.h"
+
+#include <atomic>
+
+namespace zelvar {
+
+/// Network data source item: a drive, share, folder or file of the shell namespace; a file that a driver reads as
+/// several images is a folder whose children are the driver's.
+class ZELVAR_API NtwDataSourceItem : public DataSourceItemBase {
+public:
+    enum Type {
+        TYPE_UNKNOWN = 0,         ///< the placeholder without an identifier
+        TYPE_FOLDER = 1,          ///< anything that is not a plain file
+        TYPE_REPOSITORY_FILE = 2, ///< a plain file that a driver reads as a tree
+        TYPE_FILE = 3,            ///< a plain file
+    };
+
+    /// The shared list of small pictures, null until `Initialize`.
+    static HIMAGELIST hImageList;
+    /// Fills `hImageList` once; user-interface thread, before workers start. Always true.
+    static bool Initialize();
+
+    /// A placeholder without an identifier.
+    static NtwDataSourceItem *CreateDSItem();
+    /// Null if the identifier names nothing. `driverId`, which may be null or empty, limits the probing for containers
+    /// to one driver.
+    static NtwDataSourceItem *CreateItem(platform::ShellId const &id, RefItemPtr<DataSourceItem> parent,
+                                         char const *driverId);
+    /// The same for a path or `smb://` address; null if nothing is there.
+    static NtwDataSourceItem *CreateItem(char const *path, RefItemPtr<DataSourceItem> parent, char const *driverId);
+
+    NtwDataSourceItem(NtwDataSourceItem const &) = delete;
+    NtwDataSourceItem &operator=(NtwDataSourceItem const &) = delete;
+    ~NtwDataSourceItem() override;
+
+    void SetName(DString const &name) override;
+    [[nodiscard]] DString GetName() const override;
+    [[nodiscard]] DString GetPath() const override;
+    DataSourceItemItr *CreateIterator(ICancel *cancel, char const *filter, char const *driverId, int nodeMask,
+                                      DLGTemplate dlgTemplate) override;
+    void DeleteIterator(DataSourceItemItr *itr) override;
+    RefItemPtr<DataSourceItem> Clone() override;
+    [[nodiscard]] bool IsFolder() const override;
+    [[nodiscard]] int GetIconIndex() const override;
+    [[nodiscard]] HIMAGELIST GetImageList() const override;
+    [[nodiscard]] DataSourceType GetDataSourceType() const override;
+    [[nodiscard]] std::int64_t GetFileSize() const override { return m_fileSize; }
+    bool GetModificationTime(SystemTime &time) const override;
+    [[nodiscard]] bool CheckItemAccess() const override;
+    void BuildParents() override;
+    /// Always null: a picture goes through `GetIconIndex`.
+    [[nodiscard]] virtual void *GetIcon() const { return nullptr; }
+
+    /// Looks up the picture and, for a plain file, size and time. An enumeration knows them already: its children need
+    /// no call.
+    void InitProps();
+    void Clear();
+    [[nodiscard]] Type GetType() const { return m_type; }
+    [[nodiscard]] platform::ShellId const &GetId() const { return m_id; }
+    /// Reached through a symbolic link, as far as the enumeration that made the item told.
+    [[nodiscard]] bool IsLink() const { return m_link; }
+
+protected:
+    NtwDataSourceItem() = default;
+    /// Classifies the item unless it is; false if it has no identifier that names a thing.
+    bool InitItem(char const *driverId);
+
+private:
+    friend class NtwDataSourceItemItr;
+    /// A child as an enumeration tells it: nothing is asked a second time.
+    static NtwDataSourceItem *CreateChild(platform::ShellChild const &child, RefItemPtr<DataSourceItem> const &parent,
+                                          char const *driverId, int icon);
+    RefItemPtr<DataSourceItem> OpenRepositoryItem(char const *driverId);
+
+    DString m_name; ///< set from outside; empty where it equals the identifier's last element
+    bool m_nameIsElement = false;
+    bool m_link = false;
+    Type m_type = TYPE_UNKNOWN;
+    RefItemPtr<DataSourceItem> m_repositoryItem; ///< the tree opened from this file; null until the first iteration
+    platform::ShellId m_id;
+    mutable std::atomic<std::int32_t> m_sysIcon{-1}; ///< the same value whoever looks it up
+    std::int64_t m_fileSize = -1;
+    std::int64_t m_modified = 0; ///< nanoseconds since 1970 UTC; 0 if unknown
+};
+
+/// True if a driver reads the plain file at `path` as a tree of several images: the driver with that id, if there is
+/// one, else any.
+[[nodiscard]] ZELVAR_API bool CanOpenAsRepository(DString const &path, char const *driverId);
+
+} // namespace zelvar

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "zelvar/model/DataSourceItem.h"
+#include "zelvar/platform/os/ShellId.h"
+
+namespace zelvar {
+
+/// Network data source item iterator: the children of a folder of the shell namespace.
+class NtwDataSourceItemItr : public DataSourceItemItr {
+public:
+    /// Lists the folder once. Shortcuts, files that do not match `filter` and the product's own cache folders are left
+    /// out. `cancel` is asked before each child; a listing that was stopped is shorter and valid.
+    void Fill(platform::ShellId const &folder, DataSourceItem::ICancel *cancel,
+              RefItemPtr<DataSourceItem> const &parent, char const *filter, char const *driverId);
+};
+
+} // namespace zelvar

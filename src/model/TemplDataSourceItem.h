@@ -1,0 +1,106 @@
+#pragma once
+
+#include "zelvar/base/DThread.h"
+#include "zelvar/data/BDIDrvr.h"
+#include "zelvar/model/DataSourceItem.h"
+
+#include <boost/shared_ptr.hpp>
+#include <vector>
+
+namespace zelvar {
+
+class XMLNode;
+
+/// Template data source item: a node of a tree that a driver serves, of a configured connection or a container file.
+/// All items of one tree share one open repository. A connection opens late, at `Prepare`.
+class ZELVAR_API TemplDataSourceItem : public DataSourceItem {
+public:
+    /// Root of the connection that a definition describes; nothing is opened. Null if it has no URL.
+    static TemplDataSourceItem *CreateItem(XMLNode const *definition);
+    /// Root of an opened file or address, with `driver` or, if it is null or does not open, the first that does. Null
+    /// if nothing opens.
+    static TemplDataSourceItem *CreateItem(BDIDrvr *driver, char const *path, RefItemPtr<DataSourceItem> parent);
+    /// The node at `path` in the tree of `root`, an item of ours; null if there is none.
+    static TemplDataSourceItem *CreateNodeItem(RefItemPtr<TemplDataSourceItem> const &root, char const *path);
+
+    TemplDataSourceItem(TemplDataSourceItem const &) = delete;
+    TemplDataSourceItem &operator=(TemplDataSourceItem const &) = delete;
+    ~TemplDataSourceItem() override;
+
+    void SetName(DString const &name) override { m_name = name; }
+    [[nodiscard]] DString GetName() const override;
+    /// The node's path in its tree; empty while there is no node.
+    [[nodiscard]] DString GetPath() const override;
+    [[nodiscard]] DString GetRDIDriverId() const override;
+    [[nodiscard]] DString GetBDIDriverId() const override;
+    /// Null before a connection was prepared, or when it could not be opened.
+    DataSourceItemItr *CreateIterator(ICancel *cancel, char const *filter, char const *driverId, int nodeMask,
+                                      DLGTemplate dlgTemplate) override;
+    void DeleteIterator(DataSourceItemItr *itr) override { delete itr; }
+    RefItemPtr<DataSourceItem> GetParent() override { return m_parent; }
+    /// Shares the open tree; without parent and picture of its own.
+    RefItemPtr<DataSourceItem> Clone() override;
+    [[nodiscard]] bool IsFolder() const override;
+    [[nodiscard]] bool IsFile(int mask) const override;
+    [[nodiscard]] int GetIconIndex() const override;
+    [[nodiscard]] HIMAGELIST GetImageList() const override;
+    void Prepare() override;
+    bool ResetFilter(char const *filter) override;
+    bool IsFilterSupported() override;
+    DString GetFilterConf() override;
+    [[nodiscard]] DataSourceType GetDataSourceType() const override { return DST_REPOSITORY; }
+    void BuildParents() override;
+
+    /// A picture in place of those of the definition; children inherit it.
+    void SetIcon(HIMAGELIST list, int index) { m_iconList = list, m_iconIdx = index; }
+    [[nodiscard]] BDINode *GetNode() const { return m_node; }
+    /// Takes the node over and closes the former one.
+    void SetNode(BDINode *node);
+
+protected:
+    struct CRep;
+    enum Kind : std::int32_t { KindRoot = 0, KindFolder = 1, KindLeaf = 2 };
+
+    TemplDataSourceItem() = default;
+    void CloseNode();
+    /// Opens the connection unless it is open; tells whether it is.
+    bool CreateRepository();
+
+private:
+    friend class TemplDataSourceItemItr;
+    [[nodiscard]] BDIDrvr *Driver() const;
+    /// A copy with a node of its own that children hold as their parent.
+    [[nodiscard]] RefItemPtr<TemplDataSourceItem> Snapshot() const;
+    void ReadIcons(XMLNode const &icons, DString const &directory);
+    [[nodiscard]] bool HasInheritedIcon() const { return m_iconList != nullptr && m_iconIdx >= 0; }
+
+    boost::shared_ptr<CRep> m_rep;
+    DString m_name;
+    RefItemPtr<DataSourceItem> m_parent;
+    std::int32_t m_kind = KindLeaf;
+    HIMAGELIST m_iconList = nullptr; ///< not owned
+    std::int32_t m_iconIdx = -1;
+    BDINode *m_node = nullptr; ///< owned, closed through the driver
+};
+
+/// What all items of one tree share; closes the repository with the last of them.
+struct TemplDataSourceItem::CRep {
+    CRep() = default;
+    CRep(CRep const &) = delete;
+    CRep &operator=(CRep const &) = delete;
+    ~CRep();
+
+    /// Guards every call into the tree: it is used by one thread at a time. Copying and closing a node is not one.
+    DMutex m_lock;
+    void *m_repository = nullptr;
+    std::vector<void *> m_formerRepositories; ///< replaced by a filter while nodes of theirs live
+    BDIDrvr *m_drvr = nullptr;                ///< the manager's; null until one is chosen at the opening
+    DString m_rdiDriverId;
+    std::int32_t m_iconDataSource = -1; ///< indexes in `m_imageList`
+    std::int32_t m_iconFolder = -1;
+    std::int32_t m_iconImage = -1;
+    std::unique_ptr<ImageList> m_imageList; ///< null for a definition without icons
+    DString m_url;
+};
+
+} // namespace zelvar

@@ -1,0 +1,129 @@
+#include "support/TestFiles.h"
+#include "zelvar/platform/os/LinuxShellNamespace.h"
+#include "zelvar/platform/os/MountTable.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <tuple>
+
+namespace zelvar::platform {
+namespace {
+
+using testing::ElementsAre;
+using Row = std::tuple<DString, DString, ShellKind>;
+
+/// The kernel's tables as a test writes them.
+class FakeKernel {
+public:
+    explicit FakeKernel(DString const &mounts) { m_folder.Write("proc/self/mountinfo", mounts); }
+    void AddDisc(DString const &device, DString const &place, bool removable) {
+        m_folder.Write("sys/devices/" + place + "/removable", removable ? "1\n" : "0\n");
+        std::filesystem::create_directories(m_folder / "sys/dev/block");
+        std::filesystem::create_symlink("../../devices/" + place, m_folder / ("sys/dev/block/" + device));
+    }
+    [[nodiscard]] std::vector<Drive> Drives() const { return ListDrives(m_folder / "proc", m_folder / "sys"); }
+    [[nodiscard]] std::vector<Row> Rows() const {
+        std::vector<Row> rows;
+        for (Drive const &drive : Drives())
+            rows.emplace_back(drive.mountPoint, drive.label, drive.kind);
+        return rows;
+    }
+    [[nodiscard]] LinuxShellNamespace Shell() const { return LinuxShellNamespace(m_folder / "proc", m_folder / "sys"); }
+
+private:
+    test::TempFolder m_folder;
+};
+
+TEST(MountTable, ReadsALineOfTheKernel) {
+    EXPECT_EQ(
+        ParseMountLine("36 35 98:0 /mnt1 /mnt\\0402/x\\134y rw,noatime master:1 shared:7 - ext3 /dev/root rw"),
+        (MountEntry{
+            .device = "98:0", .root = "/mnt1", .mountPoint = "/mnt 2/x\\y", .type = "ext3", .source = "/dev/root"}));
+    EXPECT_EQ(ParseMountLine("36 35 98:0 / /p rw - tmpfs")->source, "");
+    for (char const *broken : {"", "36 35 98:0 /", "36 35 98:0 / /mnt rw no separator", "36 35 98:0 / /mnt rw -"})
+        EXPECT_FALSE(ParseMountLine(broken).has_value()) << broken;
+}
+
+TEST(Drives, AreToldByTheKernelsTablesAlone) {
+    // None of these mount points exists: a drive that had to be touched would be lost here.
+    FakeKernel kernel("22 27 0:21 / /proc rw - proc proc rw\n"
+                      "23 27 8:2 / / rw - ext4 /dev/sda2 rw\n"
+                      "24 27 8:1 / /boot/efi rw - vfat /dev/sda1 rw\n"
+                      "25 27 8:17 / /media/me/My\\040Stick rw - vfat /dev/sdb1 rw\n"
+                      "26 27 11:0 / /media/me/DISC ro - iso9660 /dev/sr0 ro\n"
+                      "27 27 8:33 / /no/such/data rw - xfs /dev/sdc1 rw\n"
+                      "28 27 0:50 / /no/such/share rw - cifs //server/images rw\n"
+                      "29 27 0:51 / /no/such/nfs rw - nfs4 server:/export/maps rw\n"
+                      "30 27 0:52 / /no/such/ssh rw - fuse.sshfs me@host: rw\n"
+                      "31 27 8:2 /var/lib/hosts /etc/hosts rw - ext4 /dev/sda2 rw\n"
+                      "32 27 0:60 / /tmp/overlay rw - overlay overlay rw\n"
+                      "33 27 0:61 / /automatic rw - autofs systemd-1 rw\n"
+                      "a broken line\n");
+    kernel.AddDisc("8:17", "pci0/usb1/block/sdb/sdb1", false);
+    kernel.AddDisc("8:33", "pci0/block/sdc/sdc1", false);
+    EXPECT_THAT(kernel.Rows(), ElementsAre(Row{"/", "File System", ShellKind::Fixed},
+                                           Row{"/media/me/My Stick", "My Stick", ShellKind::Removable},
+                                           Row{"/media/me/DISC", "DISC", ShellKind::CdRom},
+                                           Row{"/no/such/data", "data", ShellKind::Fixed},
+                                           Row{"/no/such/share", "images on server", ShellKind::NetDrive},
+                                           Row{"/no/such/nfs", "export/maps on server", ShellKind::NetDrive},
+                                           Row{"/no/such/ssh", "ssh", ShellKind::NetDrive}));
+}
+
+TEST(Drives, APartitionOfARemovableDiscIsRemovable) {
+    FakeKernel kernel("25 27 179:1 / /mnt/card rw - ext4 /dev/mmcblk0p1 rw\n");
+    kernel.AddDisc("179:1", "mmc/block/mmcblk0/mmcblk0p1", false);
+    EXPECT_EQ(kernel.Drives().at(1).kind, ShellKind::Fixed);
+    FakeKernel removable("25 27 179:1 / /mnt/card rw - ext4 /dev/mmcblk0p1 rw\n");
+    removable.AddDisc("179:1", "mmc/block/mmcblk0/mmcblk0p1", false);
+    removable.AddDisc("179:0", "mmc/block/mmcblk0", true);
+    EXPECT_EQ(removable.Drives().at(1).kind, ShellKind::Removable);
+}
+
+TEST(Drives, ALaterMountHidesTheOneBelowIt) {
+    FakeKernel const kernel("25 27 0:50 / /mnt/x rw - cifs //old/share rw\n26 27 0:51 / /mnt/x rw - tmpfs tmpfs rw\n");
+    EXPECT_EQ(kernel.Drives().size(), 1U);
+}
+
+TEST(Drives, AMissingTableLeavesTheRoot) {
+    EXPECT_THAT(ListDrives("/no/such/proc", "/no/such/sys"), testing::SizeIs(1));
+}
+
+TEST(Drives, ThePlaceListsRootHomeAndMediaByName) {
+    FakeKernel const kernel("28 27 0:50 / /mnt/share rw - cifs //server/images rw\n");
+    LinuxShellNamespace const shell = kernel.Shell();
+    std::vector<std::pair<DString, ShellKind>> rows;
+    shell.Enumerate(shell.Drives(), ShellNamespace::Purpose::Browse, [&](ShellChild &&child) {
+        EXPECT_EQ(shell.DisplayName(child.id), child.name);
+        rows.emplace_back(child.name, child.kind);
+        return true;
+    });
+    DString const home = std::getenv("HOME");
+    EXPECT_THAT(rows, ElementsAre(std::pair<DString, ShellKind>("File System (/)", ShellKind::Fixed),
+                                  std::pair<DString, ShellKind>("Home (" + home + ")", ShellKind::Directory),
+                                  std::pair<DString, ShellKind>("images on server (/mnt/share)", ShellKind::NetDrive)));
+}
+
+TEST(Icons, FollowKindAndSuffixAlone) {
+    LinuxShellNamespace const shell;
+    auto const iconOf = [&](ShellId const &id) { return shell.Icon(id, false).name; };
+    ShellId const folder = shell.Drives().Child("/", ShellKind::Fixed).Child("no such folder", ShellKind::Directory);
+    EXPECT_EQ(iconOf(folder), "folder");
+    EXPECT_EQ(iconOf(folder.Parent()), "drive-harddisk");
+    EXPECT_EQ(iconOf(shell.Drives().Child("/mnt/dvd", ShellKind::CdRom)), "drive-optical");
+    EXPECT_EQ(iconOf(shell.Drives().Child("/mnt/stick", ShellKind::Removable)), "drive-removable-media");
+    EXPECT_EQ(iconOf(shell.Drives().Child("/mnt/share", ShellKind::NetDrive)), "folder-remote");
+    EXPECT_EQ(iconOf(shell.Network().Child("host", ShellKind::NetServer)), "network-server");
+    EXPECT_EQ(iconOf(folder.Child("A.TIF", ShellKind::File)), "image-x-generic");
+    EXPECT_EQ(iconOf(folder.Child("a.txt", ShellKind::File)), "text-x-generic");
+    EXPECT_EQ(iconOf(folder.Child("a.zip", ShellKind::File)), "package-x-generic");
+    EXPECT_EQ(iconOf(folder.Child("tif", ShellKind::File)), "application-octet-stream");
+    EXPECT_EQ(iconOf(folder.Child("a.ti", ShellKind::File)), "application-octet-stream");
+    EXPECT_TRUE(shell.Icon(folder, true).linkOverlay);
+}
+
+} // namespace
+} // namespace zelvar::platform

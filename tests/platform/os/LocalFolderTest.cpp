@@ -1,0 +1,200 @@
+#include "support/TestFiles.h"
+#include "zelvar/platform/os/LinuxShellNamespace.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <map>
+
+#include <fcntl.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace zelvar::platform {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Pair;
+using testing::UnorderedElementsAre;
+
+/// Name and kind of the children; nothing if the folder cannot be read.
+std::optional<std::map<DString, ShellKind>> Listed(DString const &path, ShellNamespace::FileTest const &wanted = {}) {
+    LinuxShellNamespace const shell;
+    std::map<DString, ShellKind> children;
+    ShellId const folder = shell.Parse(path);
+    bool const readable = shell.Enumerate(
+        folder, ShellNamespace::Purpose::Browse,
+        [&](ShellChild &&child) {
+            children[child.name] = child.kind;
+            EXPECT_EQ(shell.Path(child.id), path + "/" + child.name);
+            return true;
+        },
+        wanted);
+    return readable ? std::optional(children) : std::nullopt;
+}
+
+void SetModified(DString const &path, timespec time) {
+    timespec const times[] = {time, time};
+    ASSERT_EQ(utimensat(AT_FDCWD, path.c_str(), times, 0), 0);
+}
+
+TEST(LocalFolder, ListsFilesWithSizeAndTimeAndFoldersWithout) {
+    test::TempFolder const temp;
+    SetModified(temp.Write("a.tif", "12345"), {1'700'000'000, 250'000'000});
+    temp.Folder("b");
+    LinuxShellNamespace const shell;
+    std::map<DString, ShellChild> children;
+    EXPECT_TRUE(shell.Enumerate(shell.Parse(temp.Path()), ShellNamespace::Purpose::Browse, [&](ShellChild &&child) {
+        children[child.name] = child;
+        return true;
+    }));
+    ASSERT_THAT(children, ElementsAre(Pair("a.tif", testing::_), Pair("b", testing::_)));
+    EXPECT_EQ(children["a.tif"].size, 5);
+    EXPECT_EQ(children["a.tif"].modified, 1'700'000'000'250'000'000);
+    EXPECT_EQ(children["b"].size, -1);
+    EXPECT_EQ(children["b"].modified, 0);
+}
+
+TEST(LocalFolder, AFileOfTheFirstMomentOf1970HasATime) {
+    test::TempFolder const temp;
+    DString const path = temp.Write("old");
+    SetModified(path, {0, 0});
+    LinuxShellNamespace const shell;
+    EXPECT_NE(shell.Times(shell.Parse(path))->modified, 0);
+}
+
+TEST(LocalFolder, LeavesHiddenFilesOutAndKeepsAnyOtherName) {
+    test::TempFolder const temp;
+    for (char const *name : {".hidden", "line\nfeed", "invalid \xFF\xFE utf-8", " blank ", "back\\slash"})
+        temp.Write(name);
+    EXPECT_THAT(Listed(temp.Path()).value(),
+                ElementsAre(Pair(" blank ", ShellKind::File), Pair("back\\slash", ShellKind::File),
+                            Pair("invalid \xFF\xFE utf-8", ShellKind::File), Pair("line\nfeed", ShellKind::File)));
+}
+
+TEST(LocalFolder, FollowsLinksAndLeavesOutThoseThatLeadNowhereOrInACircle) {
+    test::TempFolder const temp;
+    temp.Write("file");
+    temp.Folder("folder");
+    std::filesystem::create_symlink("file", temp / "to file");
+    std::filesystem::create_symlink("folder", temp / "to folder");
+    std::filesystem::create_symlink("missing", temp / "broken");
+    std::filesystem::create_symlink("circle b", temp / "circle a");
+    std::filesystem::create_symlink("circle a", temp / "circle b");
+    EXPECT_THAT(Listed(temp.Path()).value(),
+                ElementsAre(Pair("file", ShellKind::File), Pair("folder", ShellKind::Directory),
+                            Pair("to file", ShellKind::File), Pair("to folder", ShellKind::Directory)));
+    LinuxShellNamespace const shell;
+    EXPECT_TRUE(shell.Parse(temp / "broken").IsNull());
+    EXPECT_TRUE(shell.Parse(temp / "circle a").IsNull());
+    EXPECT_EQ(shell.IdentityOf(shell.Parse(temp / "to folder")), shell.IdentityOf(shell.Parse(temp / "folder")));
+}
+
+TEST(LocalFolder, DevicesPipesAndSocketsAreNoThingsAndAreNeverOpened) {
+    test::TempFolder const temp;
+    ASSERT_EQ(mkfifo((temp / "pipe").c_str(), 0600), 0); // opening it would wait for a writer for ever
+    sockaddr_un address{.sun_family = AF_UNIX, .sun_path = {}};
+    (temp / "socket").copy(address.sun_path, sizeof address.sun_path - 1);
+    int const socket = ::socket(AF_UNIX, SOCK_STREAM, 0);
+    ASSERT_EQ(bind(socket, reinterpret_cast<sockaddr *>(&address), sizeof address), 0);
+    close(socket);
+    std::filesystem::create_symlink("/dev/null", temp / "device");
+    EXPECT_THAT(Listed(temp.Path()).value(), IsEmpty());
+    LinuxShellNamespace const shell;
+    for (DString const &path : {temp / "pipe", temp / "socket", temp / "device", DString("/dev/zero")})
+        EXPECT_TRUE(shell.Parse(path).IsNull()) << path;
+}
+
+TEST(LocalFolder, RefusedFilesAreNotVisitedAndFoldersAlwaysAre) {
+    test::TempFolder const temp;
+    temp.Write("a.tif");
+    temp.Write("b.txt");
+    temp.Folder("c.txt");
+    std::filesystem::create_symlink("b.txt", temp / "link.txt");
+    EXPECT_THAT(Listed(temp.Path(), [](std::string_view name) { return name.ends_with(".tif"); }).value(),
+                ElementsAre(Pair("a.tif", ShellKind::File), Pair("c.txt", ShellKind::Directory)));
+}
+
+TEST(LocalFolder, AFolderThatIsGoneOrIsNoneCannotBeRead) {
+    test::TempFolder const temp;
+    DString const file = temp.Write("file");
+    LinuxShellNamespace const shell;
+    ShellId const folder = shell.Parse(temp.Folder("folder"));
+    std::filesystem::remove(temp / "folder");
+    auto const visit = [](ShellChild &&) { return true; };
+    EXPECT_FALSE(shell.Enumerate(folder, ShellNamespace::Purpose::Browse, visit));
+    EXPECT_FALSE(shell.Enumerate(shell.Parse(file), ShellNamespace::Purpose::Browse, visit));
+    EXPECT_TRUE(shell.Parse(temp / "folder").IsNull());
+    EXPECT_FALSE(shell.KindOf(folder).has_value());
+}
+
+TEST(LocalFolder, AFolderDeletedWhileItIsListedEndsTheListing) {
+    test::TempFolder const temp;
+    for (int i = 0; i < 1000; ++i) // more than one read of the folder
+        temp.Write("folder/" + DString(200, 'x') + std::to_string(i));
+    LinuxShellNamespace const shell;
+    int visited = 0;
+    EXPECT_TRUE(shell.Enumerate(shell.Parse(temp / "folder"), ShellNamespace::Purpose::Browse, [&](ShellChild &&) {
+        if (++visited == 1)
+            std::filesystem::remove_all(temp / "folder");
+        return true;
+    }));
+    EXPECT_EQ(visited, 1); // the files of the rest have no size and time any more
+}
+
+TEST(LocalFolder, AVisitorThatHasEnoughIsNotAskedAgain) {
+    test::TempFolder const temp;
+    for (int i = 0; i < 10; ++i)
+        temp.Write(std::to_string(i));
+    LinuxShellNamespace const shell;
+    int visited = 0;
+    EXPECT_TRUE(shell.Enumerate(shell.Parse(temp.Path()), ShellNamespace::Purpose::Browse,
+                                [&](ShellChild &&) { return ++visited < 3; }));
+    EXPECT_EQ(visited, 3);
+}
+
+/// The result of `body` as an ordinary user; root may read everything.
+bool AsOrdinaryUser(std::function<bool()> const &body) {
+    constexpr uid_t kNobody = 65534;
+    pid_t const child = fork();
+    if (child == 0) {
+        bool const dropped = setgid(kNobody) == 0 && setuid(kNobody) == 0;
+        _exit(getuid() != 0 && (dropped || geteuid() != 0) && body() ? 0 : 1);
+    }
+    int status = -1;
+    return waitpid(child, &status, 0) == child && WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+TEST(LocalFolder, AFolderWithoutPermissionCannotBeRead) {
+    test::TempFolder const temp;
+    std::filesystem::permissions(temp.Path(), std::filesystem::perms(0755));
+    DString const locked = temp.Folder("locked");
+    std::filesystem::permissions(locked, std::filesystem::perms(0700));
+    ASSERT_EQ(chown(locked.c_str(), 0, 0) == 0 || geteuid() != 0, true);
+    if (geteuid() != 0)
+        std::filesystem::permissions(locked, std::filesystem::perms::none);
+    EXPECT_TRUE(AsOrdinaryUser([&] { return !Listed(locked).has_value() && Listed(temp.Path())->size() == 1; }));
+    std::filesystem::permissions(locked, std::filesystem::perms(0700));
+}
+
+TEST(LocalFolder, AChainLeadsFromTheRootDriveDown) {
+    LinuxShellNamespace const shell;
+    ShellId const id = shell.Parse("/usr//share/../share/");
+    EXPECT_EQ(shell.Path(id), "/usr/share");
+    EXPECT_EQ(id.Parent().Kind(), ShellKind::Directory);
+    EXPECT_EQ(id.Parent().Parent().Kind(), ShellKind::Fixed);
+    EXPECT_EQ(shell.DisplayName(id.Parent().Parent()), "File System (/)");
+    EXPECT_TRUE(id.Parent().Parent().Parent() == shell.Drives());
+    EXPECT_TRUE(shell.Parse("").IsNull());
+    EXPECT_TRUE(shell.Parse(DString("/usr\0/share", 11)).IsNull());
+    EXPECT_TRUE(shell.Parse("http://localhost/x").IsNull());
+}
+
+} // namespace
+} // namespace zelvar::platform

@@ -1,0 +1,152 @@
+#include "support/TestFiles.h"
+#include "zelvar/platform/os/LinuxShellNamespace.h"
+#include "zelvar/platform/os/SmbAddress.h"
+#include "zelvar/platform/os/TcpProbe.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <map>
+#include <thread>
+
+#include <arpa/inet.h>
+#include <signal.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace zelvar::platform {
+namespace {
+
+using testing::ElementsAre;
+using testing::Pair;
+
+TEST(SmbAddress, IsTakenApartAndPutTogether) {
+    SmbAddress const address = ParseSmbAddress("SMB://me@host:1445//share/a%20b%25/%C3%A9.tif/").value();
+    EXPECT_EQ(address.authority, "me@host:1445");
+    EXPECT_THAT(address.parts, ElementsAre("share", "a b%", "\xC3\xA9.tif"));
+    EXPECT_EQ(EscapedSmbPart("a b%?#\n\xC3\xA9"), "a%20b%25%3F%23%0A\xC3\xA9");
+}
+
+TEST(SmbAddress, RefusesTheWholeNetworkAndWhatLeavesAShare) {
+    for (char const *text :
+         {"smb://", "smb:///", "smb:///share", "smb://host/a/../b", "smb://host/%2e%2E/b", "smb://host/%",
+          "smb://host/%4", "smb://host/%zz", "smb://host/%00", "smb://host/a%2Fb", "http://host/", "smb:/host", ""})
+        EXPECT_FALSE(ParseSmbAddress(text).has_value()) << text;
+}
+
+/// A port of the loopback interface on which nobody listens.
+DString RefusingAuthority() {
+    int const socket = ::socket(AF_INET, SOCK_STREAM, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t size = sizeof address;
+    EXPECT_EQ(bind(socket, reinterpret_cast<sockaddr *>(&address), size), 0);
+    EXPECT_EQ(getsockname(socket, reinterpret_cast<sockaddr *>(&address), &size), 0);
+    close(socket);
+    return "127.0.0.1:" + std::to_string(ntohs(address.sin_port));
+}
+
+TEST(SmbFolder, AServerThatIsNotThereIsToldAtOnce) {
+    LinuxShellNamespace const shell;
+    DString const authority = RefusingAuthority();
+    auto const start = std::chrono::steady_clock::now();
+    ShellId const share = shell.Parse("smb://" + authority + "/share");
+    EXPECT_EQ(share.Kind(), ShellKind::NetShare);
+    EXPECT_FALSE(shell.Enumerate(share, ShellNamespace::Purpose::Browse, [](ShellChild &&) { return true; }));
+    EXPECT_TRUE(shell.Parse("smb://" + authority + "/share/folder").IsNull());
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
+    EXPECT_FALSE(AcceptsConnections("no.such.host.invalid", 100));
+}
+
+/// A file server of our own on the loopback interface; it ends with the object.
+class LoopbackSamba {
+public:
+    /// False if the program is not installed.
+    bool Start() {
+        if (access(kServer, X_OK) != 0)
+            return false;
+        for (char const *place : {"share", "lock", "private", "state", "cache", "pid", "ncalrpc", "log"})
+            m_folder.Folder(place);
+        DString settings = "[global]\n interfaces = lo\n bind interfaces only = yes\n hosts allow = 127.0.0.0/8\n"
+                           " smb ports = 445\n map to guest = Bad User\n disable netbios = yes\n load printers = no\n"
+                           " disable spoolss = yes\n log file = " +
+                           (m_folder / "log/smbd") + "\n ncalrpc dir = " + (m_folder / "ncalrpc") + "\n";
+        for (char const *place : {"lock", "private", "state", "cache", "pid"})
+            settings += DString(" ") + (DString(place) == "private" ? "private dir" : place + DString(" directory")) +
+                        " = " + (m_folder / place) + "\n";
+        settings += "[pub]\n path = " + (m_folder / "share") +
+                    "\n guest ok = yes\n force user = root\n"
+                    "[secret$]\n path = " +
+                    (m_folder / "share") + "\n guest ok = yes\n";
+        DString const file = m_folder.Write("smb.conf", settings);
+        m_process = fork();
+        if (m_process == 0) {
+            setpgid(0, 0); // when it ends, it ends its whole process group
+            execl(kServer, kServer, "-F", "--no-process-group", "-s", file.c_str(), static_cast<char *>(nullptr));
+            _exit(127);
+        }
+        return true;
+    }
+    ~LoopbackSamba() {
+        if (m_process > 0) {
+            kill(m_process, SIGTERM);
+            waitpid(m_process, nullptr, 0);
+        }
+    }
+    /// Waits until it takes connections; false if it ends first.
+    [[nodiscard]] bool IsReady() const {
+        for (int status = 0; waitpid(m_process, &status, WNOHANG) == 0; std::this_thread::yield())
+            if (AcceptsConnections("127.0.0.1", 100))
+                return true;
+        return false;
+    }
+    [[nodiscard]] test::TempFolder const &Folder() const { return m_folder; }
+
+private:
+    static constexpr char const *kServer = "/usr/sbin/smbd";
+    test::TempFolder m_folder;
+    pid_t m_process = -1;
+};
+
+std::map<DString, std::int64_t> SizesIn(LinuxShellNamespace const &shell, DString const &address) {
+    std::map<DString, std::int64_t> sizes;
+    EXPECT_TRUE(shell.Enumerate(shell.Parse(address), ShellNamespace::Purpose::Browse, [&](ShellChild &&child) {
+        sizes[child.name] = child.size;
+        return true;
+    })) << address;
+    return sizes;
+}
+
+TEST(SmbFolder, SharesAndFilesOfARealServerAreListed) {
+    LoopbackSamba samba;
+    if (geteuid() != 0 || !samba.Start())
+        GTEST_SKIP() << "no file server can be started here";
+    samba.Folder().Write("share/folder/a b%\xC3\xA9.tif", "123");
+    samba.Folder().Write("share/folder/.hidden", "1");
+    samba.Folder().Folder("share/folder/inner");
+    ASSERT_TRUE(samba.IsReady());
+
+    LinuxShellNamespace const shell;
+    EXPECT_THAT(SizesIn(shell, "smb://127.0.0.1"), ElementsAre(Pair("pub", -1)));
+    EXPECT_THAT(SizesIn(shell, "smb://127.0.0.1/pub"), ElementsAre(Pair("folder", -1)));
+    EXPECT_THAT(SizesIn(shell, "smb://127.0.0.1/pub/folder"),
+                ElementsAre(Pair("a b%\xC3\xA9.tif", 3), Pair("inner", -1)));
+
+    ShellId const file = shell.Parse("smb://127.0.0.1/pub/folder/a%20b%25\xC3\xA9.tif");
+    EXPECT_EQ(file.Kind(), ShellKind::File);
+    EXPECT_EQ(shell.Path(file), "smb://127.0.0.1/pub/folder/a%20b%25\xC3\xA9.tif");
+    EXPECT_EQ(shell.Times(file)->size, 3);
+    EXPECT_GT(shell.Times(file)->modified, 0);
+    EXPECT_TRUE(shell.Parse("smb://127.0.0.1/pub/nothing").IsNull());
+    EXPECT_FALSE(shell.Enumerate(shell.Parse("smb://127.0.0.1/nothing"), ShellNamespace::Purpose::Browse,
+                                 [](ShellChild &&) { return true; }));
+    // A connection to the one server does not answer for a port on which none listens.
+    EXPECT_FALSE(shell.Enumerate(shell.Parse("smb://" + RefusingAuthority() + "/pub"), ShellNamespace::Purpose::Browse,
+                                 [](ShellChild &&) { return true; }));
+}
+
+} // namespace
+} // namespace zelvar::platform

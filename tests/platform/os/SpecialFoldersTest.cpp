@@ -1,0 +1,57 @@
+#include "zelvar/platform/os/SpecialFolders.h"
+
+#include "support/TestFiles.h"
+#include "zelvar/platform/os/LinuxShellNamespace.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+namespace zelvar::platform {
+namespace {
+
+/// Another home folder for one test.
+class OtherHome {
+public:
+    OtherHome() : m_former(std::getenv("HOME")) { setenv("HOME", m_folder.Path().c_str(), 1); }
+    ~OtherHome() { setenv("HOME", m_former.c_str(), 1); }
+    OtherHome(OtherHome const &) = delete;
+    OtherHome &operator=(OtherHome const &) = delete;
+    [[nodiscard]] test::TempFolder const &Folder() const { return m_folder; }
+
+private:
+    test::TempFolder m_folder;
+    std::string m_former;
+};
+
+TEST(SpecialFolders, TheUsersFileWinsOverTheCustomaryNames) {
+    OtherHome const home;
+    home.Folder().Folder("Documents");
+    home.Folder().Folder("Papers and \"more\"");
+    home.Folder().Write(".config/user-dirs.dirs", "# comment\n"
+                                                  "XDG_DOCUMENTS_DIR_X=\"$HOME/Documents\"\n"
+                                                  "XDG_DOCUMENTS_DIR=\"$HOME/Papers and \\\"more\\\"/\"\n"
+                                                  "XDG_PICTURES_DIR=\"$HOME/no such folder\"\n"
+                                                  "XDG_DESKTOP_DIR=relative\n");
+    LinuxShellNamespace const shell;
+    EXPECT_EQ(shell.SpecialFolder(ShellFolderOf::Documents), home.Folder() / "Papers and \"more\"");
+    EXPECT_EQ(shell.SpecialFolder(ShellFolderOf::Pictures), home.Folder().Path());
+    EXPECT_EQ(shell.SpecialFolder(ShellFolderOf::Desktop), home.Folder().Path());
+}
+
+TEST(SpecialFolders, WithoutAFileTheCustomaryNamesServe) {
+    OtherHome const home;
+    home.Folder().Folder("Pictures");
+    LinuxShellNamespace const shell;
+    EXPECT_EQ(shell.SpecialFolder(ShellFolderOf::Pictures), home.Folder() / "Pictures");
+    EXPECT_EQ(shell.SpecialFolder(ShellFolderOf::CommonDocuments), home.Folder().Path());
+}
+
+TEST(SpecialFolders, ADamagedLineIsPassedOver) {
+    for (char const *text : {"XDG_DOCUMENTS_DIR=", "XDG_DOCUMENTS_DIR=\"", "XDG_DOCUMENTS_DIR=\"$HOM", "=\"/x\"",
+                             "XDG_DOCUMENTS_DIR=\"\"", "XDG_DOCUMENTS_DIR"})
+        EXPECT_EQ(FindUserDirectory(text, "XDG_DOCUMENTS_DIR", "/home/me"), "") << text;
+}
+
+} // namespace
+} // namespace zelvar::platform
