@@ -5,7 +5,7 @@
 
 namespace zelvar {
 
-/// Settings of one section: texts and vectors of texts by key.
+/// Settings of one section: texts and vectors of texts by key. Read and written per call, nothing is held.
 class ZELVAR_API DCnfg {
 public:
     /// Kinds of settings; only the value 1, settings of the user, is kept here.
@@ -21,23 +21,28 @@ public:
     bool RemoveKey(DString const &key);
 
 protected:
-    explicit DCnfg(DString section) : m_section(std::move(section)) {}
+    /// `path` names the section in the store. Without `create` writing into a section that does not exist fails.
+    explicit DCnfg(DString path, bool create) : m_path(std::move(path)), m_create(create) {}
     DCnfg(DCnfg const &) = default;
     DCnfg(DCnfg &&) = default;
     DCnfg &operator=(DCnfg const &) = default;
     DCnfg &operator=(DCnfg &&) = default;
 
 private:
-    DString m_section;
+    [[nodiscard]] bool MayWrite() const;
+
+    DString m_path;
+    bool m_create = true;
 };
 
-/// The user's settings under a section of the store.
+/// The user's settings under a section of the store: keys below "User".
 class ZELVAR_API DUserCnfg : public DCnfg {
 public:
     explicit DUserCnfg(DString const &section, bool create = true, ESttngType type = SttngType_User);
 };
 
-/// The application's profile: sections with entries, the same store under "Profile". Writing needs an application key.
+/// The application's profile: sections with entries, the same store under "Profile" and the application's key, so that
+/// applications do not meet. Without that key reading gives the fallback and writing fails. Any thread.
 class ZELVAR_API Profile {
 public:
     /// The key of the application, default "Zelvar". Empty: positions are neither stored nor restored.

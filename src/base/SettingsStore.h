@@ -13,10 +13,12 @@ namespace zelvar {
 
 /// The one store of settings: keys in a tree, typed values under each key, in an SQLite file.
 ///
-/// Keys are paths with "\" between their elements, compared with case; the empty key is the root. Every write is one
+/// Keys are paths with "\" between their elements, compared with case; the empty key is the root, and separators at
+/// the ends or doubled count for nothing. Texts, names and keys are bytes. Every write is one
 /// transaction: after a kill at any moment it is there whole or not at all. Several processes may use one file at the
 /// same time. A damaged file is set aside as "<name>.damaged-<n>" with a message and a new one is begun. Reads and
-/// writes on a file that cannot be opened or written answer with "nothing" and false. Any thread.
+/// writes on a file that cannot be opened or written answer with "nothing" and false. Any thread; a child made by fork
+/// may go on using it.
 class ZELVAR_API SettingsStore {
 public:
     using Bytes = std::vector<std::uint8_t>;
@@ -35,6 +37,9 @@ public:
     bool Write(DString const &key, DString const &name, Value const &value);
     /// True if the value existed.
     bool Remove(DString const &key, DString const &name);
+    /// Makes a key, which stays until it is removed even with no value under it. Writing makes keys by itself.
+    bool CreateKey(DString const &key);
+    [[nodiscard]] bool HasKey(DString const &key) const;
     /// Removes the key with all that lies below it.
     bool RemoveTree(DString const &key);
     [[nodiscard]] std::vector<DString> Names(DString const &key) const;    ///< of the values under the key, by bytes

@@ -1,0 +1,319 @@
+#include "zelvar/base/SettingsStore.h"
+
+#include "support/TestFiles.h"
+#include "zelvar/base/DCnfg.h"
+#include "zelvar/base/DFile.h"
+#include "zelvar/base/DFileFind.h"
+#include "zelvar/base/Report.h"
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <filesystem>
+#include <functional>
+#include <limits>
+#include <random>
+#include <thread>
+
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace zelvar {
+namespace {
+
+/// Runs `body` in a process of its own; its result is the exit status.
+pid_t InChild(std::function<int()> const &body) {
+    pid_t const child = fork();
+    if (child == 0)
+        _exit(body());
+    return child;
+}
+
+int StatusOf(pid_t child) {
+    int status = -1;
+    waitpid(child, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+/// Collects what the user is told.
+class ToldUser {
+public:
+    ToldUser()
+        : m_former(Report::SetUserHandler([this](Report::Severity, DString const &text) { texts.push_back(text); })) {}
+    ~ToldUser() { Report::SetUserHandler(m_former); }
+    ToldUser(ToldUser const &) = delete;
+    ToldUser &operator=(ToldUser const &) = delete;
+    std::vector<DString> texts;
+
+private:
+    Report::UserHandler m_former;
+};
+
+class SettingsStoreTest : public testing::Test {
+protected:
+    [[nodiscard]] std::size_t FilesNamed(char const *mask) const {
+        return DFileFind(m_folder.Path(), mask, true, false, false, true, 0).GetFiles().size();
+    }
+    /// Overwrites the middle of the file, past its header, so that it still looks like a database.
+    void Damage() const {
+        DString bytes = test::ReadFile(m_file);
+        ASSERT_GT(bytes.size(), 4096U);
+        std::fill(bytes.begin() + 4000, bytes.end(), '\xA5');
+        m_folder.Write("settings.db", bytes);
+    }
+    test::TempFolder m_folder;
+    DString m_file = m_folder / "settings.db";
+};
+
+TEST_F(SettingsStoreTest, ValuesComeBackInTheirType) {
+    SettingsStore::Value const values[] = {
+        std::int64_t{std::numeric_limits<std::int64_t>::min()},
+        -0.5,
+        DString("text \xFF\0 behind", 14),
+        DString(),
+        std::vector<DString>{"", "b", DString(70'000, 'x')},
+        std::vector<DString>{},
+        SettingsStore::Bytes{0, 255},
+        SettingsStore::Bytes{},
+    };
+    SettingsStore store(m_file);
+    for (auto const &value : values) {
+        ASSERT_TRUE(store.Write("a\\b", "n\xC3", value));
+        EXPECT_EQ(store.Read("\\a\\\\b\\", "n\xC3"), value);
+        EXPECT_EQ(SettingsStore(m_file).Read("a\\b", "n\xC3"), value);
+    }
+    EXPECT_EQ(store.ReadInt("a\\b", "n\xC3", 7), 7); // bytes are no number
+    EXPECT_EQ(store.Read("A\\b", "n\xC3"), std::nullopt);
+}
+
+TEST_F(SettingsStoreTest, KeysFormATree) {
+    SettingsStore store(m_file);
+    for (char const *key : {"p", "p\\a", "p\\a b", "p\\a\\x", "p\\a]", "p\\\xFF\xFF\xFF\xFF\xFF", "q\\r\\s", ""})
+        ASSERT_TRUE(store.Write(key, "v", std::int64_t{1}));
+    EXPECT_EQ(store.Children(""), (std::vector<DString>{"p", "q"}));
+    EXPECT_EQ(store.Children("p"), (std::vector<DString>{"a", "a b", "a]", "\xFF\xFF\xFF\xFF\xFF"}));
+    EXPECT_EQ(store.Children("q"), std::vector<DString>{"r"});
+    EXPECT_TRUE(store.RemoveTree("p\\a"));
+    EXPECT_EQ(store.Children("p"), (std::vector<DString>{"a b", "a]", "\xFF\xFF\xFF\xFF\xFF"}));
+    EXPECT_FALSE(store.Read("p\\a\\x", "v"));
+    EXPECT_TRUE(store.Remove("p", "v"));
+    EXPECT_FALSE(store.Remove("p", "v"));
+    EXPECT_TRUE(store.HasKey("p"));
+    EXPECT_TRUE(store.CreateKey("new\\empty"));
+    EXPECT_EQ(store.Children("new"), std::vector<DString>{"empty"});
+    EXPECT_TRUE(store.RemoveTree(""));
+    EXPECT_TRUE(store.Children("").empty());
+    EXPECT_TRUE(store.Names("").empty());
+}
+
+TEST_F(SettingsStoreTest, ReadingMakesNoFile) {
+    SettingsStore store(m_folder / "deep/settings.db");
+    EXPECT_FALSE(store.Read("a", "b"));
+    EXPECT_FALSE(store.Remove("a", "b"));
+    EXPECT_FALSE(std::filesystem::exists(m_folder / "deep"));
+    EXPECT_TRUE(store.Write("a", "b", DString("c")));
+    EXPECT_EQ(store.Names("a"), std::vector<DString>{"b"});
+    std::filesystem::remove_all(m_folder / "deep"); // the next write finds its way again
+    EXPECT_FALSE(store.Read("a", "b"));
+    EXPECT_TRUE(store.Write("a", "b", DString("d")));
+    EXPECT_EQ(SettingsStore(m_folder / "deep/settings.db").ReadString("a", "b"), "d");
+}
+
+TEST_F(SettingsStoreTest, ATransactionIsWholeOrNothing) {
+    SettingsStore store(m_file);
+    auto const put = [&](char const *name) { return store.Write("k", name, std::int64_t{1}); };
+    EXPECT_FALSE(store.Transact([&] { return put("refused") && false; }));
+    EXPECT_THROW(store.Transact([&]() -> bool { throw std::runtime_error(put("thrown") ? "x" : "y"); }),
+                 std::runtime_error);
+    EXPECT_TRUE(store.Transact([&] {
+        put("outer");
+        EXPECT_FALSE(store.Transact([&] { return put("inner") && false; }));
+        EXPECT_TRUE(store.Transact([&] { return put("second"); }));
+        EXPECT_TRUE(store.Read("k", "outer"));
+        return true;
+    }));
+    EXPECT_EQ(store.Names("k"), (std::vector<DString>{"outer", "second"}));
+}
+
+TEST_F(SettingsStoreTest, ProcessesThatIncrementTogetherLoseNothing) {
+    constexpr int processes = 4;
+    constexpr int increments = 200;
+    SettingsStore store(m_file);
+    auto const increment = [](SettingsStore &mine) {
+        for (int i = 0; i < increments; ++i) {
+            if (!mine.Transact([&] { return mine.Write("k", "n", mine.ReadInt("k", "n", 0) + 1); }))
+                return 1;
+        }
+        return 0;
+    };
+    std::vector<pid_t> children;
+    children.reserve(processes);
+    for (int i = 0; i < processes; ++i) // each makes the file if it is the first; the last two share the parent's store
+        children.push_back(InChild([&] {
+            SettingsStore own(m_file);
+            return increment(i < 2 ? own : store);
+        }));
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 2; ++i)
+        threads.emplace_back([&] { EXPECT_EQ(increment(store), 0); });
+    for (std::thread &thread : threads)
+        thread.join();
+    for (pid_t const child : children)
+        EXPECT_EQ(StatusOf(child), 0);
+    EXPECT_EQ(store.ReadInt("k", "n", 0), (processes + 2) * increments);
+}
+
+TEST_F(SettingsStoreTest, AWriterKilledAtAnyMomentLeavesEachTransactionWholeOrAbsent) {
+    std::mt19937 random(11); // NOLINT(cert-msc51-cpp)
+    ToldUser const told;
+    std::int64_t former = 0;
+    for (int round = 0; round < 30; ++round) {
+        int channel[2] = {};
+        ASSERT_EQ(pipe(channel), 0);
+        pid_t const child = InChild([&] {
+            SettingsStore mine(m_file);
+            for (std::int64_t i = former + 1;; ++i) {
+                mine.Transact([&] { return mine.Write("k", "a", i) && mine.Write("k\\sub", "b", i); });
+                if (write(channel[1], &i, sizeof i) != sizeof i)
+                    return 1;
+            }
+        });
+        close(channel[1]);
+        std::int64_t confirmed = 0;
+        for (auto count = 1 + random() % 60; count > 0; --count)
+            ASSERT_EQ(read(channel[0], &confirmed, sizeof confirmed), static_cast<ssize_t>(sizeof confirmed));
+        kill(child, SIGKILL);
+        waitpid(child, nullptr, 0);
+        close(channel[0]);
+        SettingsStore store(m_file);
+        former = store.ReadInt("k", "a", 0);
+        EXPECT_GE(former, confirmed);
+        EXPECT_EQ(store.ReadInt("k\\sub", "b", 0), former);
+    }
+    EXPECT_TRUE(told.texts.empty());
+}
+
+TEST_F(SettingsStoreTest, ADamagedFileIsKeptBesideAndANewOneBegun) {
+    struct Case {
+        char const *name;
+        DString bytes;
+    };
+    Case const cases[] = {
+        {"a text", "this is no database, but somebody's text, longer than the hundred bytes of a header that a "
+                   "database would begin with at the very least"},
+        {"a few bytes", "short"},
+        {"a header alone", DString("SQLite format 3\0", 16) + DString(2000, '\x7F')},
+    };
+    std::size_t aside = 0;
+    for (Case const &c : cases) {
+        SCOPED_TRACE(c.name);
+        ToldUser const told;
+        m_folder.Write("settings.db", c.bytes);
+        SettingsStore store(m_file);
+        EXPECT_FALSE(store.Read("k", "n"));
+        EXPECT_TRUE(store.Write("k", "n", DString("new")));
+        EXPECT_EQ(store.ReadString("k", "n"), "new");
+        EXPECT_EQ(test::ReadFile(m_file + ".damaged-" + std::to_string(++aside)), c.bytes);
+        EXPECT_EQ(told.texts.size(), 1U);
+        EXPECT_EQ(FilesNamed("settings.db.damaged-*"), aside);
+    }
+}
+
+TEST_F(SettingsStoreTest, DamageFoundLaterIsKeptBesideToo) {
+    ToldUser const told;
+    {
+        SettingsStore store(m_file);
+        store.Transact([&] {
+            for (int i = 0; i < 500; ++i)
+                store.Write("k" + std::to_string(i), "n", DString(200, 'x'));
+            return true;
+        });
+    }
+    Damage();
+    SettingsStore store(m_file);
+    SettingsStore other(m_file);
+    EXPECT_TRUE(store.Write("k300", "n", DString("after")));
+    EXPECT_EQ(other.ReadString("k300", "n"), "after"); // finds the new file, and does not set that aside
+    EXPECT_EQ(FilesNamed("settings.db.damaged-1"), 1U);
+    EXPECT_EQ(FilesNamed("settings.db.damaged-2"), 0U);
+    EXPECT_EQ(told.texts.size(), 1U);
+}
+
+TEST_F(SettingsStoreTest, AFullDiskRefusesTheWriteAndLosesNothing) {
+    EXPECT_TRUE(SettingsStore(m_file).Write("k", "n", DString("kept")));
+    pid_t const child = InChild([&] {
+        std::ignore = std::signal(SIGXFSZ, SIG_IGN);
+        rlimit const small{.rlim_cur = 40'000, .rlim_max = 40'000};
+        setrlimit(RLIMIT_FSIZE, &small);
+        SettingsStore store(m_file);
+        bool const refused = !store.Write("k", "big", DString(100'000, 'x'));
+        return refused && store.ReadString("k", "n") == "kept" && store.Write("k", "n", DString("after")) ? 0 : 1;
+    });
+    EXPECT_EQ(StatusOf(child), 0);
+    SettingsStore store(m_file);
+    EXPECT_EQ(store.ReadString("k", "n"), "after");
+    EXPECT_FALSE(store.Read("k", "big"));
+}
+
+TEST_F(SettingsStoreTest, WithoutTheRightToWriteReadingWorks) {
+    EXPECT_TRUE(SettingsStore(m_file).Write("k", "n", DString("kept")));
+    auto const withoutRights = [&](mode_t file, mode_t folder) {
+        chmod(m_file.c_str(), file);
+        chmod(m_folder.Path().c_str(), folder);
+        pid_t const child = InChild([&] {
+            constexpr uid_t nobody = 65534;
+            if (geteuid() == 0 && setuid(nobody) != 0)
+                return 2;
+            SettingsStore store(m_file);
+            bool const read = store.ReadString("k", "n") == "kept";
+            bool const refused = !store.Write("k", "n", DString("x")) && !store.RemoveTree("k") &&
+                                 !store.Transact([&] { return store.Write("k", "n", DString("x")); });
+            return read && refused && store.ReadString("k", "n") == "kept" ? 0 : 1;
+        });
+        return StatusOf(child);
+    };
+    EXPECT_EQ(withoutRights(0444, 0777), 0) << "a file that cannot be written";
+    EXPECT_EQ(withoutRights(0444, 0555), 0) << "a directory that cannot be written";
+    EXPECT_EQ(withoutRights(0666, 0555), 0) << "only the directory cannot be written";
+    chmod(m_folder.Path().c_str(), 0755);
+    EXPECT_FALSE(SettingsStore("").Write("k", "n", DString("x")));
+    EXPECT_FALSE(SettingsStore(m_folder.Path()).Write("k", "n", DString("x"))); // a directory
+    EXPECT_FALSE(SettingsStore("/proc/none/settings.db").Write("k", "n", DString("x")));
+}
+
+TEST_F(SettingsStoreTest, TheInstanceFollowsTheFileNamedInTheEnvironment) {
+    DString const former = std::getenv("ZELVAR_SETTINGS");
+    SettingsStore *const first = &SettingsStore::Instance();
+    setenv("ZELVAR_SETTINGS", m_file.c_str(), 1);
+    EXPECT_NE(&SettingsStore::Instance(), first);
+    EXPECT_TRUE(DUserCnfg("Section").WriteString("key", " text "));
+    EXPECT_EQ(DUserCnfg("Section").ReadString("key", "", true), "text");
+    EXPECT_FALSE(DUserCnfg("Other", false).WriteString("key", "text"));
+    DVectorSafe<DString> texts{"old"};
+    EXPECT_FALSE(DUserCnfg("Section").ReadStringVec("key", texts));
+    EXPECT_TRUE(texts.empty());
+    EXPECT_TRUE(DUserCnfg("Section").WriteStringVec("list", {"a", ""}));
+    EXPECT_TRUE(DUserCnfg("Section").ReadStringVec("list", texts));
+    EXPECT_EQ(texts.size(), 2U);
+    EXPECT_TRUE(DUserCnfg("Section").RemoveKey("key"));
+    setenv("ZELVAR_SETTINGS", former.c_str(), 1);
+    EXPECT_EQ(&SettingsStore::Instance(), first);
+    EXPECT_FALSE(DUserCnfg("Section").HasKey("list"));
+}
+
+TEST(Profile, IsKeptPerApplicationAndNeedsItsKey) {
+    EXPECT_TRUE(Profile::WriteInt("S\\T", "n", -5));
+    Profile::SetRegistryKey("Other");
+    EXPECT_EQ(Profile::GetInt("S\\T", "n", 1), 1);
+    Profile::SetRegistryKey("");
+    EXPECT_FALSE(Profile::HasRegistryKey());
+    EXPECT_FALSE(Profile::WriteString("S", "t", "x"));
+    EXPECT_EQ(Profile::GetString("S", "t", "fallback"), "fallback");
+    Profile::SetRegistryKey("Zelvar");
+    EXPECT_EQ(Profile::GetInt("S\\T", "n", 1), -5);
+}
+
+} // namespace
+} // namespace zelvar
