@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <future>
+#include <memory>
 #include <stdexcept>
+#include <vector>
 
 namespace zelvar {
 namespace {
@@ -67,21 +69,20 @@ TEST(DThread, AnExceptionEndsTheWorkerAndNothingElse) {
 }
 
 TEST(DThread, AnAbandonedWorkerGoesOnByItself) {
-    static std::promise<void> ended; // outlives the thread, as what an abandoned worker uses must
-    class Left : public DThread {
+    struct Left : DThread {
         void Run() override {
-            m_go.get_future().wait();
+            go.get_future().wait();
             ended.set_value_at_thread_exit();
         }
-
-    public:
-        std::promise<void> m_go;
+        std::promise<void> go;
+        std::promise<void> ended;
     };
-    static Left worker;
+    static std::vector<std::unique_ptr<Left>> left; // an abandoned worker must outlive its thread
+    Left &worker = *left.emplace_back(std::make_unique<Left>());
     ASSERT_TRUE(worker.Start());
     worker.Abandon();
-    worker.m_go.set_value();
-    EXPECT_EQ(ended.get_future().wait_for(10s), std::future_status::ready);
+    worker.go.set_value();
+    EXPECT_EQ(worker.ended.get_future().wait_for(10s), std::future_status::ready);
 }
 
 TEST(DMutex, MayBeLockedAgainByItsThread) {

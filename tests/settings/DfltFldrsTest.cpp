@@ -1,0 +1,160 @@
+#include "zelvar/settings/DfltFldrs.h"
+
+#include "support/TestFiles.h"
+#include "zelvar/base/DCnfg.h"
+#include "zelvar/base/SettingsStore.h"
+#include "zelvar/platform/os/ScriptedShellNamespace.h"
+#include "zelvar/settings/CnfgLdr.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+namespace zelvar {
+namespace {
+
+using platform::ShellFolderOf;
+
+/// Everything in both styles: the told results in the one, the same with the native separator in the other.
+class DfltFldrsTest : public testing::TestWithParam<PathStyle> {
+protected:
+    DfltFldrsTest() {
+        m_shell = std::make_shared<platform::ScriptedShellNamespace>();
+        m_shell->SetSpecialFolder(ShellFolderOf::Desktop, Told("C:\\u\\Desktop"));
+        m_shell->SetSpecialFolder(ShellFolderOf::Documents, Told("C:\\u\\Docs"));
+        m_former = platform::ShellNamespace::SetCurrent(m_shell);
+        setenv("ZELVAR_INSTALL_DIR", Told("C:\\inst\\").c_str(), 1);
+        SettingsStore::Instance().RemoveTree("User\\DefaultFolders");
+    }
+    ~DfltFldrsTest() override {
+        platform::ShellNamespace::SetCurrent(m_former);
+        unsetenv("ZELVAR_INSTALL_DIR");
+    }
+
+    /// A told text in the style under test.
+    [[nodiscard]] static DString Told(DString text) {
+        std::replace(text.begin(), text.end(), '\\', GetParam().separator);
+        return text;
+    }
+    [[nodiscard]] static DString Translated(char const *path) {
+        return DfltFldrs::TranslateSpecialPath(Told(path), GetParam());
+    }
+    [[nodiscard]] static std::vector<DString> Offered(DfltFldrs const &folders, char const *key, bool defaults = true,
+                                                      bool history = true) {
+        DVectorSafe<DString> out{"left over"};
+        folders.GetDirHist(key, out, defaults, history);
+        return {out.begin(), out.end()};
+    }
+    static void SetHistory(char const *key, DString const &folders) {
+        DUserCnfg("DefaultFolders").WriteString(key, folders);
+    }
+    [[nodiscard]] static std::vector<DString> List(std::vector<DString> texts) {
+        for (DString &text : texts)
+            text = Told(text);
+        return texts;
+    }
+
+    std::shared_ptr<platform::ScriptedShellNamespace> m_shell;
+    std::shared_ptr<platform::ShellNamespace> m_former;
+};
+INSTANTIATE_TEST_SUITE_P(Styles, DfltFldrsTest, testing::Values(PathStyle::Native(), PathStyle::Windows()));
+
+TEST_P(DfltFldrsTest, WordsStandForFolders) {
+    EXPECT_EQ(Translated("desktop"), Told("C:\\u\\Desktop\\"));
+    EXPECT_EQ(Translated("My documents"), Told("C:\\u\\Docs\\"));
+    EXPECT_EQ(Translated("Desktop\\x"), Told("Desktop\\x"));
+    EXPECT_EQ(Translated("installdir\\Examples"), Told("C:\\inst\\Examples"));
+    EXPECT_EQ(Translated("InstallDirs"), Told("C:\\insts"));
+    EXPECT_EQ(Translated("InstallDi"), "InstallDi");
+    EXPECT_EQ(Translated(""), "");
+}
+
+TEST_P(DfltFldrsTest, AFolderThatTheSystemDoesNotNameLeavesTheWord) {
+    auto const bare = std::make_shared<platform::ScriptedShellNamespace>();
+    platform::ShellNamespace::SetCurrent(bare);
+    EXPECT_EQ(Translated("Desktop"), "Desktop");
+    EXPECT_EQ(Translated("My Documents"), "My Documents");
+    bare->SetSpecialFolder(ShellFolderOf::CommonDocuments, Told("C:\\all\\"));
+    EXPECT_EQ(Translated("My Documents"), Told("C:\\all\\")); // one separator at its end stays one
+    DString path = "kept";
+    EXPECT_FALSE(DfltFldrs::GetSpecialFolder(1, path, GetParam()));
+    EXPECT_EQ(path, "kept");
+}
+
+TEST_P(DfltFldrsTest, DefaultsFollowTheHistoryWithoutWhatItHolds) {
+    DfltFldrs folders(GetParam());
+    folders.SetDfltFldrs("Own", Told("c:\\A;Desktop;;c:\\b;C:\\B").c_str());
+    EXPECT_EQ(Offered(folders, "Own"), List({"c:\\A", "C:\\u\\Desktop\\", "c:\\b"}));
+    SetHistory("Own", Told("C:\\a;;desktop;C:\\a"));
+    EXPECT_EQ(Offered(folders, "Own"), List({"C:\\a", "C:\\u\\Desktop\\", "C:\\a", "c:\\b"}));
+    EXPECT_EQ(Offered(folders, "Own", false, true), List({"C:\\a", "C:\\u\\Desktop\\", "C:\\a"}));
+    EXPECT_TRUE(Offered(folders, "Own", false, false).empty());
+    EXPECT_TRUE(Offered(folders, "").empty());
+    EXPECT_TRUE(Offered(folders, nullptr).empty());
+    EXPECT_TRUE(Offered(folders, "Unknown").empty());
+    EXPECT_EQ(Offered(folders, "ThematicFolders"), List({"C:\\u\\Docs\\", "C:\\u\\Desktop\\", "C:\\inst\\Examples"}));
+}
+
+TEST_P(DfltFldrsTest, AChosenFolderMovesToTheHeadInItsNewForm) {
+    DfltFldrs folders(GetParam());
+    SetHistory("Own", Told("C:\\x;c:\\a;C:\\A"));
+    folders.SaveDirHist("Own", Told("C:\\A"));
+    EXPECT_EQ(DUserCnfg("DefaultFolders").ReadString("Own", ""), Told("C:\\A;C:\\x;C:\\A")); // one match is removed
+    folders.SaveDirHist("Own", "");
+    folders.SaveDirHist("", "x");
+    EXPECT_EQ(DUserCnfg("DefaultFolders").ReadString("Own", ""), Told("C:\\A;C:\\x;C:\\A"));
+}
+
+TEST_P(DfltFldrsTest, AtTenEntriesOfHistoryAndDefaultsTheOldestGoes) {
+    DfltFldrs folders(GetParam());
+    folders.SetDfltFldrs("Own", "d1;d2");
+    SetHistory("Own", "1;2;3;4;5;6;7");
+    folders.SaveDirHist("Own", "new");
+    EXPECT_EQ(DUserCnfg("DefaultFolders").ReadString("Own", ""), "new;1;2;3;4;5;6;7"); // nine were there
+    folders.SaveDirHist("Own", "new");
+    EXPECT_EQ(DUserCnfg("DefaultFolders").ReadString("Own", ""), "new;1;2;3;4;5;6"); // ten: though it adds none
+    folders.SetDfltFldrs("Own", "d1;d2;d3;d4;d5;d6;d7;d8;d9;d10");
+    SetHistory("Own", "");
+    folders.SaveDirHist("Own", "first");
+    EXPECT_EQ(DUserCnfg("DefaultFolders").ReadString("Own", ""), "first");
+}
+
+TEST_P(DfltFldrsTest, AFileReplacesTheKeysThatItNames) {
+    test::TempFolder const folder;
+    DString const file = folder.Write("folders.xml", "<any><ImageFolders path='D:/old'/><ImageFolders path='D:/img'/>"
+                                                     "<Own/><text>x</text></any>");
+    DfltFldrs folders(GetParam());
+    EXPECT_TRUE(folders.Load(DFile(file)));
+    EXPECT_EQ(Offered(folders, "ImageFolders"), List({"D:\\img"}));
+    EXPECT_TRUE(Offered(folders, "Own").empty());
+    EXPECT_EQ(Offered(folders, "ProjectFolders").size(), 2U);
+    DfltFldrs const copy(folders);
+    EXPECT_FALSE(folders.Load(DFile("")));
+    EXPECT_FALSE(folders.Load(DFile(folder.Write("cut.xml", "<any><ImageFolders path='E:/'/>"))));
+    EXPECT_EQ(Offered(folders, "ImageFolders"), Offered(copy, "ImageFolders"));
+}
+
+TEST_P(DfltFldrsTest, TheProductsConfigurationComesBeforeTheDefaults) {
+    test::TempFolder const folder;
+    folder.Write("share/zelvar/product.xml",
+                 "<p><DefaultFolders><ImageFolders path='configured'/></DefaultFolders></p>");
+    setenv("ZELVAR_INSTALL_DIR", folder.Path().c_str(), 1);
+    DfltFldrs const folders(GetParam());
+    EXPECT_EQ(Offered(folders, "ImageFolders"), std::vector<DString>{"configured"});
+    EXPECT_EQ(Offered(folders, "ProjectFolders").size(), 2U);
+    EXPECT_EQ(CnfgLdr::Instance()->GetDfltFldr("Unknown", nullptr), "");
+}
+
+TEST(DfltFldrsInstance, StartsAfreshAfterItsDeletion) {
+    DfltFldrs::DeleteInstance();
+    EXPECT_FALSE(DfltFldrs::HasInstance());
+    DfltFldrs::Instance()->SetDfltFldrs("Own", "x");
+    EXPECT_TRUE(DfltFldrs::HasInstance());
+    DfltFldrs::DeleteInstance();
+    DVectorSafe<DString> out;
+    DfltFldrs::Instance()->GetDirHist("Own", out, true, false);
+    EXPECT_TRUE(out.empty());
+}
+
+} // namespace
+} // namespace zelvar
