@@ -1,1 +1,47 @@
+# Installation, the CMake package, pkg-config files and Debian packages.
 include(CMakePackageConfigHelpers)
+
+set(ZELVAR_DATA_DIR "${CMAKE_INSTALL_DATADIR}/zelvar")
+install(TARGETS zelvar-core zelvar EXPORT ZelvarTargets
+  LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT runtime NAMELINK_COMPONENT dev)
+install(TARGETS zelvar-gdal LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}/zelvar" COMPONENT runtime)
+install(TARGETS zelvar-tool RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT runtime)
+install(DIRECTORY "${CMAKE_SOURCE_DIR}/share/" DESTINATION "${ZELVAR_DATA_DIR}" COMPONENT runtime)
+
+configure_package_config_file(cmake/ZelvarConfig.cmake.in "${CMAKE_BINARY_DIR}/ZelvarConfig.cmake"
+  INSTALL_DESTINATION "${CMAKE_INSTALL_LIBDIR}/cmake/Zelvar")
+write_basic_package_version_file("${CMAKE_BINARY_DIR}/ZelvarConfigVersion.cmake" COMPATIBILITY SameMinorVersion)
+install(FILES "${CMAKE_BINARY_DIR}/ZelvarConfig.cmake" "${CMAKE_BINARY_DIR}/ZelvarConfigVersion.cmake"
+  DESTINATION "${CMAKE_INSTALL_LIBDIR}/cmake/Zelvar" COMPONENT dev)
+install(EXPORT ZelvarTargets NAMESPACE Zelvar:: DESTINATION "${CMAKE_INSTALL_LIBDIR}/cmake/Zelvar" COMPONENT dev)
+
+foreach(library zelvar-core zelvar)
+  if(library STREQUAL zelvar)
+    set(ZELVAR_PC_DESCRIPTION "Graphical components of an image-analysis product family")
+    set(ZELVAR_PC_REQUIRES "zelvar-core Qt6Widgets")
+  else()
+    set(ZELVAR_PC_DESCRIPTION "Browsing, probing and reading of image data without a screen")
+    set(ZELVAR_PC_REQUIRES "")
+  endif()
+  set(ZELVAR_PC_NAME ${library})
+  configure_file(cmake/zelvar.pc.in "${CMAKE_BINARY_DIR}/${library}.pc" @ONLY)
+  install(FILES "${CMAKE_BINARY_DIR}/${library}.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT dev)
+endforeach()
+
+set(CPACK_PACKAGE_NAME zelvar)
+set(CPACK_PACKAGE_CONTACT "Zelvar developers <zelvar@example.org>")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "Graphical components for picking and viewing image data")
+set(CPACK_COMPONENTS_ALL runtime dev)
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_DEBIAN_ENABLE_COMPONENT_DEPENDS ON)
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME zelvar)
+set(CPACK_DEBIAN_DEV_PACKAGE_NAME zelvar-dev)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${CMAKE_BINARY_DIR}/lib")
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_DEPENDS "libqt6widgets6 (>= 6.4)")
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_RECOMMENDS "fonts-liberation, libsmbclient, gvfs-backends")
+set(CPACK_DEBIAN_DEV_PACKAGE_DEPENDS "zelvar (= ${PROJECT_VERSION}), qt6-base-dev, libboost-dev")
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+include(CPack)
+cpack_add_component(runtime)
+cpack_add_component(dev DEPENDS runtime)

@@ -1,0 +1,70 @@
+# One command each; every one installs what is missing first and is quick when nothing is.
+#   make run      build, make the sample data, run the dialog on it (a screenshot in out/ where there is no screen)
+#   make test     build everything with warnings as errors, lint, run all tests
+#   make bench    print the figures, one line each, beside its limit or alternative
+#   make asan | tsan | fuzz | lint | tidy | format | shots | install
+SHELL := /bin/bash
+JOBS ?= $(shell nproc)
+PREFIX ?= /usr/local
+export LC_ALL := C.UTF-8
+
+.PHONY: all run test bench asan tsan fuzz lint tidy format shots install package setup release sample-data clean
+all: release
+
+setup:
+	@tools/setup.sh
+
+release: setup
+	@[ -f build/release/build.ninja ] || cmake --preset release
+	@cmake --build --preset release -j $(JOBS)
+	@ln -sf bin/zelvar build/release/zelvar
+
+sample-data: release
+	@tools/sample-data.sh out/sample
+
+run: sample-data
+	@tools/run.sh
+
+test: setup
+	@[ -f build/dev/build.ninja ] || cmake --preset dev
+	@cmake --build --preset dev -j $(JOBS)
+	@ctest --preset dev -j $(JOBS)
+
+bench: setup
+	@[ -f build/release/build.ninja ] || cmake --preset release
+	@cmake --build --preset release -j $(JOBS) --target all benches
+	@tools/bench.sh
+
+asan tsan: setup
+	@[ -f build/$@/build.ninja ] || cmake --preset $@
+	@cmake --build --preset $@ -j $(JOBS)
+	@ctest --preset $@ -j $(JOBS)
+
+# FUZZ_SECONDS a target; the engine needs clang.
+fuzz: setup
+	@tools/fuzz.sh $(or $(FUZZ_SECONDS),60)
+
+lint: setup
+	@tools/lint.sh
+
+# What clang-tidy says of the sources that differ from main (TIDY_ALL=1: of all).
+tidy: setup
+	@[ -f build/dev/build.ninja ] || cmake --preset dev
+	@tools/tidy.sh
+
+format:
+	@git ls-files -co --exclude-standard '*.h' '*.cpp' | xargs clang-format -i
+
+shots: setup
+	@[ -f build/dev/build.ninja ] || cmake --preset dev
+	@cmake --build --preset dev -j $(JOBS)
+	@tools/shots.sh out/shots
+
+install: release
+	@cmake --install build/release --prefix $(PREFIX)
+
+package: release
+	@cd build/release && cpack -G DEB
+
+clean:
+	rm -rf build out

@@ -1,0 +1,197 @@
+#include "zelvar/opends/FormPage.h"
+
+#include "zelvar/platform/ui/Text.h"
+
+#include <QtWidgets/QButtonGroup>
+#include <QtWidgets/QCheckBox>
+#include <QtWidgets/QComboBox>
+#include <QtWidgets/QGridLayout>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QLineEdit>
+#include <QtWidgets/QPlainTextEdit>
+#include <QtWidgets/QPushButton>
+#include <QtWidgets/QRadioButton>
+
+#include <algorithm>
+
+namespace zelvar {
+
+namespace {
+
+constexpr int kSpacing = 6;       // pixels between lines and between controls
+constexpr int kDefaultColumns = 16; // of a text field whose page gives no size
+constexpr int kMaxColumns = 40;
+
+using Kind = FormNode::Kind;
+
+bool BreaksLine(Kind kind) {
+    return kind == Kind::Block || kind == Kind::Table || kind == Kind::LineBreak || kind == Kind::Rule;
+}
+
+QLabel *MakeText(FormNode const &node) {
+    DString const text(Trimmed(node.text));
+    if (text.empty())
+        return nullptr;
+    auto *label = new QLabel(platform::ToQString(text));
+    label->setTextFormat(Qt::PlainText);
+    if (node.bold) {
+        QFont font = label->font();
+        font.setBold(true);
+        label->setFont(font);
+    }
+    return label;
+}
+
+} // namespace
+
+FormPage::FormPage(FormNode const &page, QWidget *parent) : QWidget(parent) {
+    auto *lines = new QVBoxLayout(this);
+    lines->setSpacing(kSpacing);
+    AddFlow(page.children, *lines);
+    lines->addStretch(1);
+}
+
+std::vector<OptionField> FormPage::Fields() const {
+    std::vector<OptionField> fields;
+    fields.reserve(m_readers.size());
+    for (Reader const &reader : m_readers)
+        fields.push_back({reader.name, reader.value(), reader.isSelect});
+    return fields;
+}
+
+void FormPage::AddFlow(std::vector<FormNode> const &nodes, QBoxLayout &lines) {
+    std::vector<QWidget *> line;
+    for (FormNode const &node : nodes) {
+        if (BreaksLine(node.kind))
+            AddLine(line, lines);
+        if (node.kind == Kind::Block) {
+            AddFlow(node.children, lines);
+        } else if (node.kind == Kind::Table) {
+            AddTable(node, lines);
+        } else if (node.kind == Kind::Rule) {
+            auto *rule = new QFrame;
+            rule->setFrameShape(QFrame::HLine);
+            lines.addWidget(rule);
+        } else if (QWidget *widget = node.kind == Kind::Text ? MakeText(node) : MakeControl(node); widget != nullptr) {
+            line.push_back(widget);
+        }
+    }
+    AddLine(line, lines);
+}
+
+void FormPage::AddLine(std::vector<QWidget *> &line, QBoxLayout &lines) {
+    if (line.empty())
+        return;
+    // Text on a line of its own wraps; beside a control it names it.
+    if (line.size() == 1) {
+        if (auto *label = qobject_cast<QLabel *>(line.front()))
+            label->setWordWrap(true);
+        lines.addWidget(line.front(), 0, qobject_cast<QLabel *>(line.front()) ? Qt::Alignment() : Qt::AlignLeft);
+    } else {
+        auto *row = new QHBoxLayout;
+        row->setSpacing(kSpacing);
+        for (std::size_t i = 0; i < line.size(); ++i) {
+            auto *label = qobject_cast<QLabel *>(line[i]);
+            if (label != nullptr && i + 1 < line.size())
+                label->setBuddy(line[i + 1]);
+            row->addWidget(line[i]);
+        }
+        row->addStretch(1);
+        lines.addLayout(row);
+    }
+    line.clear();
+}
+
+void FormPage::AddTable(FormNode const &table, QBoxLayout &lines) {
+    auto *grid = new QGridLayout;
+    grid->setHorizontalSpacing(2 * kSpacing);
+    grid->setVerticalSpacing(kSpacing);
+    int rowIndex = 0;
+    for (FormNode const &row : table.children) {
+        int column = 0;
+        for (FormNode const &cell : row.children) {
+            auto *content = new QVBoxLayout;
+            content->setContentsMargins(0, 0, 0, 0);
+            AddFlow(cell.children, *content);
+            grid->addLayout(content, rowIndex, column, 1, cell.span, Qt::AlignVCenter);
+            column += cell.span;
+        }
+        ++rowIndex;
+    }
+    auto *indented = new QHBoxLayout;
+    indented->addLayout(grid);
+    indented->addStretch(1);
+    lines.addLayout(indented);
+}
+
+QWidget *FormPage::MakeControl(FormNode const &node) {
+    QString const name = platform::ToQString(node.name);
+    QString const value = platform::ToQString(node.value);
+    QWidget *control = nullptr;
+    switch (node.kind) {
+    case Kind::TextField: {
+        auto *edit = new QLineEdit(value);
+        int const columns = std::min(node.size > 0 ? node.size : kDefaultColumns, kMaxColumns);
+        edit->setFixedWidth(edit->fontMetrics().averageCharWidth() * columns + 2 * kSpacing + 4);
+        if (node.inputType == "password")
+            edit->setEchoMode(QLineEdit::Password);
+        if (node.inputType == "text")
+            m_readers.push_back({node.name, false, [edit] { return platform::ToDString(edit->text()); }});
+        control = edit;
+        break;
+    }
+    case Kind::TextArea: {
+        auto *edit = new QPlainTextEdit(value);
+        edit->setTabChangesFocus(true);
+        edit->setFixedHeight(edit->fontMetrics().lineSpacing() * std::max(node.size, 2) + 2 * kSpacing);
+        control = edit;
+        break;
+    }
+    case Kind::CheckBox: {
+        auto *box = new QCheckBox;
+        box->setChecked(node.checked);
+        control = box;
+        break;
+    }
+    case Kind::RadioButton: {
+        auto *radio = new QRadioButton;
+        QButtonGroup *&group = m_radioGroups[node.name];
+        if (group == nullptr)
+            group = new QButtonGroup(this);
+        group->addButton(radio);
+        radio->setChecked(node.checked);
+        control = radio;
+        break;
+    }
+    case Kind::Select:
+        control = MakeSelect(node);
+        break;
+    case Kind::Button: {
+        auto *button = new QPushButton(platform::ToQString(node.text));
+        button->setAutoDefault(false);
+        QString const id = platform::ToQString(node.id.empty() ? node.name : node.id);
+        connect(button, &QPushButton::clicked, this, [this, id] { Q_EMIT Pressed(id); });
+        control = button;
+        break;
+    }
+    default:
+        return nullptr; // hidden fields take no part in the option text
+    }
+    control->setObjectName(name);
+    control->setAccessibleName(name);
+    control->setEnabled(!node.disabled);
+    return control;
+}
+
+QWidget *FormPage::MakeSelect(FormNode const &node) {
+    auto *box = new QComboBox;
+    for (FormChoice const &choice : node.choices) {
+        box->addItem(platform::ToQString(choice.text), platform::ToQString(choice.value));
+        if (choice.selected)
+            box->setCurrentIndex(box->count() - 1);
+    }
+    m_readers.push_back({node.name, true, [box] { return platform::ToDString(box->currentData().toString()); }});
+    return box;
+}
+
+} // namespace zelvar

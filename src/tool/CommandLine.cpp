@@ -1,0 +1,68 @@
+#include "tool/CommandLine.h"
+
+#include <charconv>
+
+namespace zelvar::tool {
+
+DString Arguments::Value(DString const &option, DString const &fallback) const {
+    auto const at = values.find(option);
+    return at == values.end() ? fallback : at->second.back();
+}
+
+std::vector<DString> Arguments::All(DString const &option) const {
+    auto const at = values.find(option);
+    return at == values.end() ? std::vector<DString>{} : at->second;
+}
+
+std::optional<Arguments> ParseArguments(CommandSpec const &spec, std::vector<DString> const &words, DString &error) {
+    Arguments result;
+    bool optionsEnded = false;
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        DString const &word = words[i];
+        if (optionsEnded || !word.starts_with("--")) {
+            result.words.push_back(word);
+            continue;
+        }
+        if (word == "--") {
+            optionsEnded = true;
+            continue;
+        }
+        std::size_t const equals = word.find('=');
+        DString const name = word.substr(0, equals);
+        if (spec.flags.contains(name) && equals == DString::npos) {
+            result.flags.insert(name);
+        } else if (!spec.values.contains(name)) {
+            error = "unknown option " + name;
+            return std::nullopt;
+        } else if (equals != DString::npos) {
+            result.values[name].push_back(word.substr(equals + 1));
+        } else if (i + 1 < words.size()) {
+            result.values[name].push_back(words[++i]);
+        } else {
+            error = "option " + name + " needs a value";
+            return std::nullopt;
+        }
+    }
+    if (result.words.size() < spec.minArguments || result.words.size() > spec.maxArguments) {
+        error = result.words.size() < spec.minArguments ? "an argument is missing" : "too many arguments";
+        return std::nullopt;
+    }
+    return result;
+}
+
+std::optional<WindowSize> ParseSize(DString const &text) {
+    constexpr int kMaxSide = 16384;
+    WindowSize size;
+    char const *const end = text.data() + text.size();
+    auto const [behindWidth, widthError] = std::from_chars(text.data(), end, size.width);
+    if (widthError != std::errc{} || behindWidth == end || *behindWidth != 'x')
+        return std::nullopt;
+    auto const [behindHeight, heightError] = std::from_chars(behindWidth + 1, end, size.height);
+    if (heightError != std::errc{} || behindHeight != end)
+        return std::nullopt;
+    if (size.width < 1 || size.height < 1 || size.width > kMaxSide || size.height > kMaxSide)
+        return std::nullopt;
+    return size;
+}
+
+} // namespace zelvar::tool

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "tool/CommandLine.h"
+
+namespace zelvar::tool {
+
+// One function a subcommand; each gets the words behind its name and answers with the exit code. Lines for scripts go
+// to stdout, one clear line of what went wrong to stderr.
+int RunLs(std::vector<DString> const &words);
+int RunInfo(std::vector<DString> const &words);
+int RunSources(std::vector<DString> const &words);
+int RunOpen(std::vector<DString> const &words, int &argc, char **argv);
+
+/// "zelvar <what>: <why>" and the subcommand's usage on stderr; `kUsage`.
+int UsageError(CommandSpec const &spec, DString const &why);
+/// "zelvar: <why>" on stderr; `kFailed`.
+int Failure(DString const &why);
+
+} // namespace zelvar::tool

@@ -1,0 +1,64 @@
+#include "tool/Commands.h"
+
+#include <cstdio>
+#include <exception>
+
+namespace {
+
+constexpr char kUsageText[] =
+    "usage: zelvar COMMAND ...\n"
+    "  open [PLACE] [--for KIND] [--multiple] [--filter MASK] [--recursive] [--select NAME]... [--accept]\n"
+    "       [--title T] [--shot FILE.png] [--size WxH]      pick data in the dialog, print monikers\n"
+    "  ls PLACE [--folders] [--recursive] [--filter MASK] [--sort name|size|date] [--descending] [--json]\n"
+    "  info MONIKER [--preview FILE.png]                     properties and preview of one item\n"
+    "  sources                                               the rows of the data source list\n"
+    "PLACE and MONIKER: a path, an address, a node inside a container as printed by ls, or source:NAME.\n"
+    "Exit codes: 0 done, 1 cancelled or nothing found, 2 usage, 3 failed.\n";
+
+int Run(int argc, char **argv) {
+    using namespace zelvar::tool;
+    zelvar::DString const command = argc > 1 ? argv[1] : "";
+    std::vector<zelvar::DString> const words(argv + (argc > 1 ? 2 : 1), argv + argc);
+    if (command == "ls")
+        return RunLs(words);
+    if (command == "info")
+        return RunInfo(words);
+    if (command == "sources")
+        return RunSources(words);
+    if (command == "open")
+        return RunOpen(words, argc, argv);
+    if (command == "--help" || command == "help") {
+        std::fputs(kUsageText, stdout);
+        return kDone;
+    }
+    if (command == "--version") {
+        std::puts("zelvar " ZELVAR_VERSION);
+        return kDone;
+    }
+    std::fputs(kUsageText, stderr);
+    return kUsage;
+}
+
+} // namespace
+
+namespace zelvar::tool {
+
+int UsageError(CommandSpec const &spec, DString const &why) {
+    std::fprintf(stderr, "zelvar: %s\nusage: zelvar %s\n", why.c_str(), spec.usage.c_str());
+    return kUsage;
+}
+
+int Failure(DString const &why) {
+    std::fprintf(stderr, "zelvar: %s\n", why.c_str());
+    return kFailed;
+}
+
+} // namespace zelvar::tool
+
+int main(int argc, char **argv) {
+    try {
+        return Run(argc, argv);
+    } catch (std::exception const &error) {
+        return zelvar::tool::Failure(error.what());
+    }
+}

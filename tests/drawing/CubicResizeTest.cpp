@@ -1,0 +1,56 @@
+#include "zelvar/drawing/core/CubicResize.h"
+
+#include <gtest/gtest.h>
+
+namespace zelvar {
+namespace {
+
+DCanvas Ramp(int width, int height) {
+    DCanvas canvas;
+    canvas.SetSize(width, height);
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x)
+            canvas.SetPixel(x, y, Rgb(static_cast<unsigned>(x), static_cast<unsigned>(y), 77));
+    return canvas;
+}
+
+TEST(CubicResize, ARampStaysARampWhenShrunkAndWhenEnlarged) {
+    DCanvas const source = Ramp(200, 100);
+    for (int const width : {50, 133, 400}) {
+        DCanvas target;
+        ResizeCubic(source, width, width / 2, target);
+        ASSERT_EQ(target.GetWidth(), width);
+        ASSERT_EQ(target.GetHeight(), width / 2);
+        for (int x = width / 10; x < width * 9 / 10; ++x) {
+            double const expected = (x + 0.5) * 200.0 / width - 0.5;
+            EXPECT_NEAR(RedOf(target.GetPixel(x, width / 4)), expected, 1.0) << width << ' ' << x;
+        }
+        EXPECT_EQ(BlueOf(target.GetPixel(width / 2, width / 4)), 77U);
+    }
+}
+
+TEST(CubicResize, NoSourcePixelIsPassedOverWhenShrinking) {
+    DCanvas source;
+    source.SetSize(100, 100);
+    for (int y = 0; y < 100; ++y)
+        for (int x = 0; x < 100; ++x)
+            source.SetPixel(x, y, (x + y) % 2 == 0 ? 0xFFFFFF : 0);
+    DCanvas target;
+    ResizeCubic(source, 10, 10, target);
+    EXPECT_NEAR(RedOf(target.GetPixel(5, 5)), 127.0, 3.0) << "the mean of a chequerboard";
+}
+
+TEST(CubicResize, OnePixelAndNothingAreNoSpecialCases) {
+    DCanvas source = Ramp(1, 1);
+    DCanvas target;
+    ResizeCubic(source, 7, 3, target);
+    EXPECT_EQ(target.GetPixel(6, 2), source.GetPixel(0, 0));
+    ResizeCubic(source, 0, 3, target);
+    EXPECT_FALSE(target.HasData());
+    source.Clear();
+    ResizeCubic(source, 5, 5, target);
+    EXPECT_FALSE(target.HasData());
+}
+
+} // namespace
+} // namespace zelvar
