@@ -59,7 +59,7 @@ int DSplitterWnd::CreateStaticEx(QWidget *parent, int rows, int cols, int maxRow
     m_columns.assign(static_cast<std::size_t>(cols), {});
     if (parent != nullptr)
         setParent(parent);
-    platform::SetDlgCtrlID(this, static_cast<int>(id));
+    platform::SetDlgCtrlID(*this, static_cast<int>(id));
     return 1;
 }
 
@@ -81,7 +81,7 @@ int DSplitterWnd::CreateView(int row, int col, PaneClass const *paneClass, Size 
         pane->setGeometry(ToQRect(rect));
         pane->show();
     }
-    platform::SetDlgCtrlID(pane, static_cast<int>(id));
+    platform::SetDlgCtrlID(*pane, static_cast<int>(id));
     m_panes[{row, col}] = pane;
     return 1;
 }
@@ -198,7 +198,7 @@ void DSplitterWnd::DeleteTrack(Axis axis, int index) {
         int &position = axis == Axis::Rows ? to.first : to.second;
         position -= position > index ? 1 : 0;
         if (!pane.isNull())
-            platform::SetDlgCtrlID(pane, static_cast<int>(IdFromRowCol(to.first, to.second)));
+            platform::SetDlgCtrlID(*pane, static_cast<int>(IdFromRowCol(to.first, to.second)));
         moved[to] = pane;
     }
     m_panes = std::move(moved);

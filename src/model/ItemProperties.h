@@ -1,0 +1,36 @@
+#pragma once
+
+#include "zelvar/base/DCanvas.h"
+#include "zelvar/base/DString.h"
+#include "zelvar/data/RDIDriver.h"
+#include "zelvar/model/DLGTemplate.h"
+
+#include <map>
+#include <span>
+
+namespace zelvar {
+
+/// Property texts by the number of their row.
+using PropertyMap = std::map<int, DString>;
+
+/// A row of the property pane.
+struct PropertyRow {
+    int id = 0;
+    char const *group = ""; ///< "File" or "Image"
+    char const *name = "";
+};
+/// All rows, in the order in which they are shown.
+[[nodiscard]] ZELVAR_API std::span<PropertyRow const> PropertyRows();
+
+/// Reads what is known of an item: of the file behind it, and, unless a document is picked, of the image in it. `options`
+/// is what stands behind "?". True if the item could be opened as an image, or if a document is picked; a file that cannot be asked leaves its
+/// rows out and is no failure. Any thread; `stop` may be null.
+ZELVAR_API bool ReadItemProperties(DString const &path, DString const &driverId, DString const &options,
+                                   DLGTemplate dlgTemplate, StopSignal const *stop, PropertyMap &props);
+
+/// Reads a picture of the item, its longer side 1024 pixels. False, and `canvas` cleared, if there is none: no image, too large without a pyramid,
+/// damaged, or stopped.
+ZELVAR_API bool ReadItemPreview(DString const &path, DString const &driverId, DString const &options,
+                                StopSignal const *stop, DCanvas &canvas);
+
+} // namespace zelvar

@@ -1,0 +1,182 @@
+#include "zelvar/opends/DSPropertyWnd.h"
+
+#include "zelvar/controls/CZelPropList.h"
+#include "zelvar/opends/DSMessages.h"
+#include "zelvar/opends/ImageExtraWnd.h"
+#include "zelvar/opends/ImagePreviewWnd.h"
+#include "zelvar/platform/ui/ControlId.h"
+#include "zelvar/platform/ui/Text.h"
+
+#include <QtGui/QResizeEvent>
+
+namespace zelvar {
+
+namespace {
+
+/// A tab's page that keeps the preview over its whole area while the preview is in its place.
+class PreviewPage final : public QWidget {
+public:
+    explicit PreviewPage(QWidget *parent) : QWidget(parent), m_preview(new ImagePreviewWnd(this)) {}
+    [[nodiscard]] ImagePreviewWnd *Preview() const { return m_preview; }
+
+protected:
+    void resizeEvent(QResizeEvent *event) override {
+        QWidget::resizeEvent(event);
+        if (!m_preview->IsLifted())
+            m_preview->setGeometry(rect());
+    }
+
+private:
+    ImagePreviewWnd *m_preview; ///< a child, but for the time that it is lifted
+};
+
+} // namespace
+
+DSPropertyWnd::DSPropertyWnd(QWidget *parent) : CZelTabCtrl(parent), m_target(this) {
+    m_messages.On(WM_ITEM_CANVAS_READY, this, &DSPropertyWnd::OnCanvasReady);
+    m_messages.On(WM_ITEM_PROPPERTY_MAP_READY, this, &DSPropertyWnd::OnPropsReady);
+    m_messages.On(WM_DS_APPLY_OPTIONS, this, &DSPropertyWnd::OnApplyOptions);
+    m_messages.On(WM_DS_APPLY_FILTER, this, &DSPropertyWnd::OnApplyFilter);
+}
+
+DSPropertyWnd::~DSPropertyWnd() { m_target.Detach(); }
+
+bool DSPropertyWnd::event(QEvent *event) { return m_messages.Dispatch(*event) || CZelTabCtrl::event(event); }
+
+int DSPropertyWnd::Create(Rect const &rect, DLGTemplate dlgTemplate, QWidget *parent, unsigned id) {
+    m_dlgTemplate = dlgTemplate;
+    setParent(parent);
+    setGeometry(rect.left, rect.top, rect.Width(), rect.Height());
+    platform::SetDlgCtrlID(*this, static_cast<int>(id));
+
+    if (!PicksDocument(m_dlgTemplate)) {
+        auto *page = new PreviewPage(this);
+        m_previewWnd = page->Preview();
+        AddTab(page, tr("Preview"));
+    }
+    m_propList = new CZelPropList(this);
+    AddProps();
+    AddTab(m_propList, tr("Properties"));
+    if (!PicksDocument(m_dlgTemplate)) {
+        m_optionsTab = GetTabsNum();
+        m_extraWnd = new ImageExtraWnd(this);
+        m_extraWnd->SetOptionsName("{Options}");
+        m_extraWnd->SetOwner(this);
+        m_extraWnd->SetApplyMsg(WM_DS_APPLY_OPTIONS);
+        AddTab(m_extraWnd, tr("Options"));
+        ShowTab(m_optionsTab, false, true, false);
+    }
+    SetActiveTab(0);
+    m_worker.SetOwner(m_target, m_dlgTemplate);
+    return 0;
+}
+
+void DSPropertyWnd::AddProps() {
+    m_propList->EnableHeaderCtrl(true, tr("Property"), tr("Value"));
+    m_propList->SetVSDotNetLook(true);
+    m_propList->EnableDescriptionArea(true);
+    CZelProp *group = nullptr;
+    for (PropertyRow const &row : PropertyRows()) {
+        if (PicksDocument(m_dlgTemplate) && DString("Image") == row.group)
+            continue;
+        if (group == nullptr || group->GetName() != QString::fromUtf8(row.group)) {
+            group = new CZelProp(QString::fromUtf8(row.group));
+            m_propList->AddProperty(group);
+        }
+        auto *prop = new CZelProp(QString::fromUtf8(row.name), QString(), static_cast<std::uint64_t>(row.id));
+        prop->AllowEdit(false);
+        group->AddSubItem(prop);
+    }
+    m_propList->EnableDescriptionArea(false);
+}
+
+bool DSPropertyWnd::AreOptionsShown() const { return m_optionsTab >= 0 && IsTabVisible(m_optionsTab); }
+
+void DSPropertyWnd::ShowProps(RefItemPtr<DataSourceItem> item, char const *format) {
+    if (item == nullptr)
+        return;
+    DString const path = item->GetPath();
+    DString const options = AreOptionsShown() ? m_extraWnd->GetOptionText() : DString();
+    DString const formatText = format == nullptr ? "" : format;
+    // An empty format never causes a new job by itself.
+    if (path == m_shownPath && options == m_shownOptions && (formatText.empty() || formatText == m_shownFormat))
+        return;
+    m_closing = false;
+    m_shownPath = path;
+    m_shownOptions = options;
+    m_shownFormat = formatText;
+    ClearWnd(ImagePreviewWnd::ModeWaiting);
+    m_worker.Restart(std::move(item), formatText, options);
+}
+
+void DSPropertyWnd::ClearWnd(int mode) {
+    m_props.clear();
+    UpdateProperties();
+    if (m_previewWnd != nullptr)
+        m_previewWnd->Clear(static_cast<ImagePreviewWnd::Mode>(mode));
+}
+
+void DSPropertyWnd::Clear() {
+    m_closing = true;
+    m_worker.Cancel();
+    ClearWnd(ImagePreviewWnd::ModeNothing);
+}
+
+void DSPropertyWnd::OnCanvasReady(platform::MessageParam first, platform::MessageParam) {
+    if (m_closing || m_previewWnd == nullptr)
+        return;
+    if (m_worker.TakeCanvas(m_previewWnd->GetCanvas()) && first == 1)
+        m_previewWnd->ShowCanvas();
+    else
+        m_previewWnd->Clear(ImagePreviewWnd::ModeNothing);
+}
+
+void DSPropertyWnd::OnPropsReady(platform::MessageParam, platform::MessageParam) {
+    if (m_closing)
+        return;
+    m_props = m_worker.TakeProps();
+    UpdateProperties();
+}
+
+void DSPropertyWnd::UpdateProperties() {
+    for (int i = 0; i < m_propList->GetPropertyCount(); ++i) {
+        CZelProp *const group = m_propList->GetProperty(i);
+        for (int j = 0; j < group->GetSubItemsCount(); ++j) {
+            CZelProp *const prop = group->GetSubItem(j);
+            auto const text = m_props.find(static_cast<int>(prop->GetData()));
+            prop->SetValue(text == m_props.end() ? QString() : platform::ToQString(text->second));
+        }
+    }
+}
+
+void DSPropertyWnd::UpdateExtras(RefItemPtr<DataSourceItem>, DataSourceExtras::Item *extras) {
+    if (m_optionsTab < 0)
+        return;
+    if (extras == nullptr) {
+        ShowTab(m_optionsTab, false, true, false);
+        return;
+    }
+    m_extraWnd->Navigate(extras->ItemTemplatePath);
+    if (!IsTabVisible(m_optionsTab))
+        ShowTab(m_optionsTab, true, true, false);
+    SetActiveTab(m_optionsTab);
+}
+
+void DSPropertyWnd::ApplyOptions() {
+    if (AreOptionsShown())
+        m_extraWnd->ApplyOptions();
+}
+
+DString DSPropertyWnd::GetOptionString() const {
+    return AreOptionsShown() ? m_extraWnd->GetOptionText() : DString();
+}
+
+void DSPropertyWnd::Tell(platform::MessageId message) {
+    if (message != 0)
+        platform::PostMessage(m_coordinator.isNull() ? parent() : m_coordinator.data(), message);
+}
+
+void DSPropertyWnd::OnApplyOptions(platform::MessageParam, platform::MessageParam) { Tell(m_optChangedMsg); }
+void DSPropertyWnd::OnApplyFilter(platform::MessageParam, platform::MessageParam) { Tell(m_fltrChangedMsg); }
+
+} // namespace zelvar

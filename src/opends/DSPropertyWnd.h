@@ -1,0 +1,86 @@
+#pragma once
+
+#include "zelvar/base/Export.h"
+#include "zelvar/base/Geometry.h"
+#include "zelvar/controls/CZelTabCtrl.h"
+#include "zelvar/model/DataSourceExtras.h"
+#include "zelvar/model/DataSourceItem.h"
+#include "zelvar/model/ItemProperties.h"
+#include "zelvar/opends/PropertyWorker.h"
+#include "zelvar/platform/ui/WindowMessage.h"
+
+namespace zelvar {
+
+class CZelPropList;
+class ImageExtraWnd;
+class ImagePreviewWnd;
+
+/// Property pane: tabs with a preview, the properties and the import options of the item picked last.
+///
+/// All reading happens on a worker thread. The pane knows its coordinator only as its parent and two message numbers. User-interface thread.
+class ZELVAR_API DSPropertyWnd : public CZelTabCtrl {
+    Q_OBJECT
+
+public:
+    using Worker = PropertyWorker;
+
+    explicit DSPropertyWnd(QWidget *parent = nullptr);
+    ~DSPropertyWnd() override;
+
+    /// Makes the tabs for the purpose of the dialog. Once; 0 on success.
+    int Create(Rect const &rect, DLGTemplate dlgTemplate, QWidget *parent, unsigned id);
+    /// Numbers of the messages that are posted to the coordinator; 0 tells nobody.
+    void SetOptChangedMsg(platform::MessageId message) { m_optChangedMsg = message; }
+    void SetFltrChangedMsg(platform::MessageId message) { m_fltrChangedMsg = message; }
+    void SetCoordinator(QObject *coordinator) { m_coordinator = coordinator; }
+
+    /// Starts reading the item; returns at once. What is shown already is not read again. `format` may be null.
+    void ShowProps(RefItemPtr<DataSourceItem> item, char const *format);
+    /// Shows the option page of `extras`, or hides the tab when it is null.
+    void UpdateExtras(RefItemPtr<DataSourceItem> item, DataSourceExtras::Item *extras);
+    /// Reads the option values from the page, if it is shown.
+    void ApplyOptions();
+    /// The option text last read.
+    [[nodiscard]] DString GetOptionString() const;
+    /// Ends what is under way, without waiting, and empties the pane.
+    void Clear();
+
+    [[nodiscard]] ImagePreviewWnd *Preview() const { return m_previewWnd; }
+    [[nodiscard]] ImageExtraWnd *Extra() const { return m_extraWnd; }
+    [[nodiscard]] CZelPropList *Properties() const { return m_propList; }
+    /// True while the worker reads.
+    [[nodiscard]] bool IsReading() const { return m_worker.IsBusy(); }
+
+protected:
+    bool event(QEvent *event) override;
+
+private:
+    void OnCanvasReady(platform::MessageParam first, platform::MessageParam second);
+    void OnPropsReady(platform::MessageParam first, platform::MessageParam second);
+    void OnApplyOptions(platform::MessageParam first, platform::MessageParam second);
+    void OnApplyFilter(platform::MessageParam first, platform::MessageParam second);
+    void AddProps();
+    void ClearWnd(int mode);
+    void UpdateProperties();
+    [[nodiscard]] bool AreOptionsShown() const;
+    void Tell(platform::MessageId message);
+
+    platform::MessageMap m_messages;
+    platform::MessageTarget m_target;
+    ImagePreviewWnd *m_previewWnd = nullptr; ///< a child; null where documents are picked
+    ImageExtraWnd *m_extraWnd = nullptr;     ///< likewise
+    CZelPropList *m_propList = nullptr;      ///< a child
+    PropertyMap m_props;
+    bool m_closing = false; ///< set by `Clear`: results that come until the next job are dropped
+    DLGTemplate m_dlgTemplate = DT_DATA;
+    int m_optionsTab = -1; ///< below 0 for none
+    platform::MessageId m_optChangedMsg = 0;
+    platform::MessageId m_fltrChangedMsg = 0;
+    QPointer<QObject> m_coordinator; ///< the parent without one
+    DString m_shownPath;             ///< the key of the last job, with the two below
+    DString m_shownOptions;
+    DString m_shownFormat;
+    Worker m_worker;
+};
+
+} // namespace zelvar

@@ -1,0 +1,65 @@
+#pragma once
+
+#include "zelvar/base/DCanvas.h"
+#include "zelvar/base/DThread.h"
+#include "zelvar/data/RDIDriver.h"
+#include "zelvar/model/DataSourceItem.h"
+#include "zelvar/model/ItemProperties.h"
+#include "zelvar/platform/ui/MessageTarget.h"
+
+namespace zelvar {
+
+/// Reads properties and a preview of one item after the other on a thread of its own.
+///
+/// `Restart` and the takers belong to the user-interface thread, `Run` to the worker's. What crosses goes through the members under their locks; the
+/// messages only tell that it is there. At most one job waits; a newer one replaces it, and the one under way is told to stop.
+class PropertyWorker final : public DThread {
+public:
+    PropertyWorker() = default;
+    /// Tells the body to stop and waits for its end.
+    ~PropertyWorker() override;
+    PropertyWorker(PropertyWorker const &) = delete;
+    PropertyWorker &operator=(PropertyWorker const &) = delete;
+
+    /// Once, before the first job. The window that `target` stands for gets the messages.
+    void SetOwner(platform::MessageTarget target, DLGTemplate dlgTemplate);
+
+    /// Hands over a job and starts a thread if none is at work. Never waits for a read.
+    void Restart(RefItemPtr<DataSourceItem> item, DString format, DString options);
+    /// Stops what is under way and forgets the job that waits. Does not wait.
+    void Cancel();
+    [[nodiscard]] bool IsBusy() const;
+
+    /// Moves the finished properties out.
+    [[nodiscard]] PropertyMap TakeProps();
+    /// Moves the finished picture into `canvas` if there is one with data; false, and `canvas` cleared, without.
+    bool TakeCanvas(DCanvas &canvas);
+
+    void Run() override;
+
+private:
+    struct Job {
+        RefItemPtr<DataSourceItem> item;
+        DString format;
+        DString options;
+    };
+    /// The next job, or false: then `m_running` is false too, in one step, so that no job is ever left behind.
+    bool TakeJob(Job &job);
+    void Work(Job const &job);
+
+    mutable DMutex m_stateLock; ///< guards the job and `m_running`
+    bool m_running = false;
+    Job m_pending;
+    StopSignal m_cancel{false};
+
+    DMutex m_canvasLock;
+    DCanvas m_canvas;
+
+    DMutex m_propsLock;
+    PropertyMap m_props;
+
+    platform::MessageTarget m_target;
+    DLGTemplate m_dlgTemplate = DT_DATA;
+};
+
+} // namespace zelvar
