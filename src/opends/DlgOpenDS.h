@@ -1,0 +1,188 @@
+#pragma once
+
+#include "zelvar/base/Containers.h"
+#include "zelvar/base/DFileFrmt.h"
+#include "zelvar/base/Export.h"
+#include "zelvar/data/BDIMoniker.h"
+#include "zelvar/layout/cdxCDynamicDialog.h"
+#include "zelvar/model/DataSourceExtras.h"
+#include "zelvar/model/DataSourceItem.h"
+#include "zelvar/opends/DSplitterWnd.h"
+#include "zelvar/opends/PathButtonRow.h"
+#include "zelvar/platform/ui/WindowMessage.h"
+
+#include <list>
+#include <memory>
+
+class QCheckBox;
+class QLineEdit;
+class QPushButton;
+
+namespace zelvar {
+
+class CZelComboBox;
+class DSDataSourceWnd;
+class DSListCtrl;
+class DSPropertyWnd;
+class DataSourceList;
+class HierarchyList;
+
+/// Open data source dialog: the modal dialog in which the user picks data items and gets monikers back.
+///
+/// It owns its panes and coordinates them: they post or send it messages, and it tells the others what to show. Made by
+/// `CreateDialogObject`, shown by `DoModal`, given back by `DeleteDialogObject`; the results stay valid until then. User-interface thread.
+class ZELVAR_API DlgOpenDS : public cdxCDynamicDialog, public DSplitterWnd::PaneOwner {
+    Q_OBJECT
+
+public:
+    /// `formats` are offered in the file type box, `format` is the present one; they must outlive the dialog. `historyKey` names the folder history, and may be null.
+    [[nodiscard]] static DlgOpenDS *CreateDialogObject(DVector<DFileFrmt *> const &formats, DFileFrmt *format,
+                                                       DLGTemplate dlgTemplate, char const *historyKey,
+                                                       QWidget *parent);
+    /// Null is ignored.
+    static void DeleteDialogObject(DlgOpenDS *dialog);
+
+    // Before showing.
+    void SetTitle(char const *title);
+    void SetInitDir(char const *path); ///< where to start
+    void SetInitItem(RefItemPtr<DataSourceItem> item); ///< where to start when it is no plain folder; wins over the path
+    void SetRootItem(RefItemPtr<DataSourceItem> item); ///< the data source list shows this item alone
+    void SetBDIFilter(int mask);   ///< node types that can be picked, 0 for all
+    void SetMultiSelect(bool multi); ///< several rows of the main list can be picked; documents never
+
+    // Results.
+    [[nodiscard]] DVectorSafe<BDIMoniker> const &GetSelectedNodePaths() const { return m_monikers; }
+    [[nodiscard]] DFileFrmt *GetFormat() const { return m_format; }
+    [[nodiscard]] bool GetReadOnly() const { return m_readOnly; }
+    [[nodiscard]] bool GetEditOnly() const { return m_editOnly; }
+    [[nodiscard]] DataSourceItem::DataSourceType GetDataSourceType() const { return m_dataSourceType; }
+
+    /// A typed path made ready for the system.
+    [[nodiscard]] static DString FixPath(char const *path);
+
+    /// Lists the folder at `path` in all panes. With `report` a path that is not there is told to the user.
+    void GoToDir(DString const &path, bool report);
+    /// Lists the item's children in all panes.
+    void ShowItem(RefItemPtr<DataSourceItem> item);
+    /// Applies the mask to all lists and lists them again; `formatId` may be null for the present one.
+    void ApplyFileFilter(char const *mask, char const *formatId);
+    /// Lists subfolders too, as the button does.
+    void SetRecursive(bool recursive);
+
+    [[nodiscard]] DSListCtrl *MainList() const { return m_mainList; }
+    [[nodiscard]] DSListCtrl *FolderList() const { return m_folderList; }
+    [[nodiscard]] DataSourceList *SourceList() const { return m_dataSourceList; }
+    [[nodiscard]] DSDataSourceWnd *DataSourceWnd() const { return m_dataSourceWnd; }
+    [[nodiscard]] HierarchyList *Hierarchy() const { return m_hierarchyList; }
+    [[nodiscard]] DSPropertyWnd *PropertyWnd() const { return m_propertyWnd; }
+    [[nodiscard]] PathButtonRow const &PathRow() const { return *m_pathButtons; }
+
+    QWidget *CreateViewObj(DSplitterWnd *splitter, int row, int col, PaneClass const *paneClass, Size size) override;
+    int CreateViewWnd(DSplitterWnd *splitter, QWidget *pane, int row, int col, Rect const &rect, QWidget *parent,
+                      unsigned id) override;
+    void DeleteView(DSplitterWnd *splitter, int row, int col) override;
+    bool RecalcLayout(DSplitterWnd *splitter) override;
+
+protected:
+    DlgOpenDS(DVector<DFileFrmt *> const &formats, DFileFrmt *format, DLGTemplate dlgTemplate, char const *historyKey,
+              QWidget *parent);
+    ~DlgOpenDS() override;
+
+    bool OnInitDialog() override;
+    void OnOK() override;
+    bool event(QEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void timerEvent(QTimerEvent *event) override;
+
+private:
+    using ItemList = std::list<RefItemPtr<DataSourceItem>>;
+
+    // Set-up, in the order of OnInitDialog.
+    void WireMessages();
+    void CreateControls();
+    void CreateChildren();
+    void AssignWndVars();
+    void RegisterControls();
+    void InitializeLayout();
+    void FillHistory();
+    void FillFileTypes();
+    void SetUpToolButton(CZelButton *&button, int id, char const *icon, char const *tip);
+    void RestoreRecursion();
+    void RestoreSorting();
+    void RestoreFilter();
+
+    // What the panes tell.
+    void OnDataSourceSelected(platform::MessageParam first, platform::MessageParam second);
+    void OnDataItemSelected(platform::MessageParam pane, platform::MessageParam second);
+    void OnFirstPaneDataItemSelected(platform::MessageParam first, platform::MessageParam second);
+    void OnImageSelected(platform::MessageParam windowId, platform::MessageParam second);
+    void OnImageDblClick(platform::MessageParam windowId, platform::MessageParam row);
+    void OnDSOptionsChanged(platform::MessageParam first, platform::MessageParam second);
+    void OnRootChanged(platform::MessageParam first, platform::MessageParam second);
+    void OnFirstPaneRootChanged(platform::MessageParam first, platform::MessageParam second);
+    void OnResetPathButtons(platform::MessageParam first, platform::MessageParam second);
+
+    // What the user does.
+    void OnButtonClck(int id);
+    void OnAddToFavorites();
+    void OnHome();
+    void OnListRecursively();
+    void OnSelendokHist();
+    void OnSelendokFileType();
+    void OnUpdateState();
+    bool ProcessKey(int key, QWidget *focus);
+    bool ProcessReturnKey(QWidget *focus);
+    bool ProcessTabKey(QWidget *focus);
+    void ProcessRefreshKey(QWidget *focus);
+
+    void ResetPathButtons();
+    void UpdateFormat(DFileFrmt *format);
+    void UpdateExtras(ItemList const &items);
+    void WriteSettings();
+    [[nodiscard]] ItemList SelectedImages() const;
+    [[nodiscard]] DString TemplateKey() const;
+
+    platform::MessageMap m_messages;
+    CZelComboBox *m_histCombo = nullptr; ///< children, all owned by the window tree
+    CZelComboBox *m_fileTypeCombo = nullptr;
+    QLineEdit *m_fileFilterEdit = nullptr;
+    QPushButton *m_okButton = nullptr;
+    QPushButton *m_cancelButton = nullptr;
+    DSplitterWnd *m_splitter = nullptr;
+    DSplitterWnd *m_leftSplitter = nullptr;
+    DataSourceList *m_dataSourceList = nullptr;
+    DSDataSourceWnd *m_dataSourceWnd = nullptr;
+    DSListCtrl *m_folderList = nullptr;
+    DSListCtrl *m_mainList = nullptr;
+    HierarchyList *m_hierarchyList = nullptr;
+    DSPropertyWnd *m_propertyWnd = nullptr;
+    CZelButton *m_favoritesButton = nullptr;
+    CZelButton *m_layoutButton = nullptr;
+    CZelButton *m_recursiveButton = nullptr;
+    CZelButton *m_measureButton = nullptr;
+    CZelButton *m_homeButton = nullptr;
+    QCheckBox *m_readOnlyCheck = nullptr;
+    QCheckBox *m_editOnlyCheck = nullptr;
+    std::unique_ptr<PathButtonRow> m_pathButtons;
+
+    bool m_layoutDone = false;
+    DVectorSafe<BDIMoniker> m_monikers;
+    RefItemPtr<DataSourceItem> m_rootItem;
+    RefItemPtr<DataSourceItem> m_initItem;
+    DString m_title;
+    DString m_initDir;
+    DVector<DFileFrmt *> m_formats; ///< not owned
+    DFileFrmt *m_format = nullptr;  ///< not owned
+    DLGTemplate m_dlgTemplate;
+    bool m_readOnly = false;
+    bool m_editOnly = false;
+    bool m_multiSelect = true;
+    int m_bdiFilter = 0;
+    int m_stateTimer = 0;
+    DataSourceExtras m_extras;
+    DataSourceItem::DataSourceType m_dataSourceType = DataSourceItem::DST_UNKNOWN;
+    DString m_historyKey;
+};
+
+} // namespace zelvar
