@@ -107,7 +107,7 @@ private:
     void InitializeLayout();
     void FillHistory();
     void FillFileTypes();
-    void SetUpToolButton(CZelButton *&button, int id, char const *icon, char const *tip);
+    [[nodiscard]] CZelButton *SetUpToolButton(int id, char const *picture, QString const &tip);
     void RestoreRecursion();
     void RestoreSorting();
     void RestoreFilter();

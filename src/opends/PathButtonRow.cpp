@@ -20,7 +20,7 @@ PathButtonRow::PathButtonRow(QWidget *parent, CZelButton *measure, int firstId)
 void PathButtonRow::SetUp(CZelButton &button, DataSourceItem &item, bool cutBefore, bool cutBehind) {
     QPixmap picture;
     if (item.GetImageList() != nullptr && item.GetIconIndex() >= 0)
-        picture = platform::Picture(item.GetImageList(), item.GetIconIndex(), button.devicePixelRatioF());
+        picture = platform::ListPicture(item.GetImageList(), item.GetIconIndex(), button.devicePixelRatioF());
     button.setIcon(picture);
     button.setText(platform::ToQString(PathButtonText(item.GetName(), cutBefore, cutBehind)).replace("&", "&&"));
     button.SizeToContent();

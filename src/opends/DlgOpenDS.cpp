@@ -1,0 +1,384 @@
+#include "zelvar/opends/DlgOpenDS.h"
+
+#include "zelvar/base/DCnfg.h"
+#include "zelvar/base/DFile.h"
+#include "zelvar/controls/CZelComboBox.h"
+#include "zelvar/data/BDIDrvrMngr.h"
+#include "zelvar/opends/DSDataSourceWnd.h"
+#include "zelvar/opends/DSListCtrl.h"
+#include "zelvar/opends/DSMessages.h"
+#include "zelvar/opends/DSPropertyWnd.h"
+#include "zelvar/opends/DataSourceList.h"
+#include "zelvar/opends/HierarchyList.h"
+#include "zelvar/opends/OpenDialogTemplate.h"
+#include "zelvar/opends/core/DialogState.h"
+#include "zelvar/platform/ui/ControlId.h"
+#include "zelvar/platform/ui/Pictures.h"
+#include "zelvar/platform/ui/Text.h"
+#include "zelvar/settings/DfltFldrs.h"
+
+#include <QtGui/QScreen>
+#include <QtWidgets/QCheckBox>
+#include <QtWidgets/QLineEdit>
+#include <QtWidgets/QPushButton>
+
+#include <algorithm>
+
+namespace zelvar {
+
+using platform::GetDlgItem;
+using platform::ToDString;
+using platform::ToQString;
+
+namespace {
+
+constexpr int kStateInterval = 200; // ms
+constexpr int kInch = 96;           // pixels before scaling
+constexpr int kMinTrack = 10;       // pixels of a row or column
+constexpr Size kMeasureButton{10, 10};
+
+constexpr char kSection[] = "DlgOpenDS";
+constexpr char kSortingSection[] = "DlgOpenDSSorting";
+constexpr char kFilterSection[] = "FileFilter";
+constexpr char kRecursiveKey[] = "recursive";
+
+template <class Pane>
+QWidget *NewPane() {
+    return new Pane;
+}
+constexpr PaneClass kSplitterClass{"DSplitterWnd", &NewPane<DSplitterWnd>};
+constexpr PaneClass kHierarchyClass{"HierarchyList", &NewPane<HierarchyList>};
+constexpr PaneClass kListClass{"DSListCtrl", &NewPane<DSListCtrl>};
+constexpr PaneClass kDataSourceClass{"DSDataSourceWnd", &NewPane<DSDataSourceWnd>};
+constexpr PaneClass kPropertyClass{"DSPropertyWnd", &NewPane<DSPropertyWnd>};
+
+} // namespace
+
+DlgOpenDS *DlgOpenDS::CreateDialogObject(DVector<DFileFrmt *> const &formats, DFileFrmt *format,
+                                         DLGTemplate dlgTemplate, char const *historyKey, QWidget *parent) {
+    return new DlgOpenDS(formats, format, dlgTemplate, historyKey, parent);
+}
+
+void DlgOpenDS::DeleteDialogObject(DlgOpenDS *dialog) { delete dialog; }
+
+DlgOpenDS::DlgOpenDS(DVector<DFileFrmt *> const &formats, DFileFrmt *format, DLGTemplate dlgTemplate,
+                     char const *historyKey, QWidget *parent)
+    : cdxCDynamicDialog(kOpenDialog, parent, FreedomAll, FlagSizeIcon | FlagAntiFlicker), m_formats(formats),
+      m_format(format), m_dlgTemplate(dlgTemplate), m_historyKey(historyKey == nullptr ? "" : historyKey) {
+    WireMessages();
+}
+
+DlgOpenDS::~DlgOpenDS() { qApp->removeEventFilter(this); }
+
+void DlgOpenDS::SetTitle(char const *title) { m_title = title == nullptr ? "" : title; }
+void DlgOpenDS::SetInitDir(char const *path) { m_initDir = path == nullptr ? "" : path; }
+void DlgOpenDS::SetInitItem(RefItemPtr<DataSourceItem> item) { m_initItem = std::move(item); }
+void DlgOpenDS::SetRootItem(RefItemPtr<DataSourceItem> item) { m_rootItem = std::move(item); }
+void DlgOpenDS::SetBDIFilter(int mask) { m_bdiFilter = mask; }
+void DlgOpenDS::SetMultiSelect(bool multi) { m_multiSelect = multi; }
+
+DString DlgOpenDS::FixPath(char const *path) { return path == nullptr ? DString() : FixTypedPath(path); }
+
+DString DlgOpenDS::TemplateKey() const { return Format("%d", static_cast<int>(m_dlgTemplate)); }
+
+// ---------------------------------------------------------------------------------------------------- the panes
+
+QWidget *DlgOpenDS::CreateViewObj(DSplitterWnd *, int, int, PaneClass const *, Size) { return nullptr; }
+
+// Which pane talks to whom by which number is decided here and nowhere else.
+int DlgOpenDS::CreateViewWnd(DSplitterWnd *, QWidget *pane, int, int, Rect const &rect, QWidget *parent, unsigned id) {
+    QRect const place(rect.left, rect.top, rect.Width(), rect.Height());
+    if (auto *hierarchy = qobject_cast<HierarchyList *>(pane)) {
+        hierarchy->setParent(parent);
+        hierarchy->setGeometry(place);
+        hierarchy->SetCoordinator(this);
+        hierarchy->SetRootChangeMessage(WM_DS_ROOT_ITEM_CHANGED);
+        hierarchy->show();
+        return 1;
+    }
+    if (auto *nested = qobject_cast<DSplitterWnd *>(pane)) {
+        nested->SetPaneOwner(this);
+        nested->CreateStaticEx(parent, 2, 1, 2, 1, nullptr, id);
+        nested->setGeometry(place);
+        Size const half{rect.Width(), rect.Height() / 2};
+        nested->CreateView(0, 0, &kDataSourceClass, half);
+        nested->CreateView(1, 0, &kPropertyClass, half);
+        nested->show();
+        return 1;
+    }
+    if (auto *properties = qobject_cast<DSPropertyWnd *>(pane)) {
+        properties->Create(rect, m_dlgTemplate, parent, id);
+        properties->SetOptChangedMsg(WM_DS_OPTIONS_CHANGED);
+        properties->SetFltrChangedMsg(WM_DS_FILTER_CHANGED);
+        properties->SetCoordinator(this);
+        properties->show();
+        return 1;
+    }
+    if (auto *sources = qobject_cast<DSDataSourceWnd *>(pane)) {
+        sources->setParent(parent);
+        sources->setGeometry(place);
+        sources->SetCoordinator(this);
+        sources->SetRootChangeMessage(WM_DS_FIRST_PANE_ROOT_ITEM_CHANGED);
+        sources->show();
+        return 1;
+    }
+    if (auto *list = qobject_cast<DSListCtrl *>(pane)) {
+        list->SetMode(DSListCtrl::ModeRecursive);
+        list->SetSelChangeMessage(WM_DS_IMAGE_SELECTED);
+        list->SetDblClckMessage(WM_DS_IMAGE_DBLCLICK);
+        list->Create(0, rect, m_dlgTemplate, parent, id);
+        list->SetCoordinator(this);
+        if (PicksDocument(m_dlgTemplate) || !m_multiSelect)
+            list->SetMultiSlct(false);
+        return 1;
+    }
+    return 0;
+}
+
+void DlgOpenDS::DeleteView(DSplitterWnd *splitter, int row, int col) { delete splitter->GetPane(row, col); }
+
+bool DlgOpenDS::RecalcLayout(DSplitterWnd *) { return false; }
+
+void DlgOpenDS::CreateChildren() {
+    QRect const place = GetDlgItem(*this, kSplitterPlaceId)->geometry();
+    m_splitter = new DSplitterWnd(this);
+    m_splitter->SetPaneOwner(this);
+    m_splitter->CreateStaticEx(this, 1, 3, 1, 3, nullptr, kSplitterId);
+    m_splitter->setGeometry(place);
+    PaneClass const *const classes[] = {&kSplitterClass, &kHierarchyClass, &kListClass};
+    for (int column = 0; column < 3; ++column)
+        m_splitter->CreateView(0, column, classes[column], {kInch, place.height()});
+    AssignWndVars();
+    m_splitter->show();
+}
+
+void DlgOpenDS::AssignWndVars() {
+    m_leftSplitter = qobject_cast<DSplitterWnd *>(m_splitter->GetPane(0, 0));
+    m_hierarchyList = qobject_cast<HierarchyList *>(m_splitter->GetPane(0, 1));
+    m_mainList = qobject_cast<DSListCtrl *>(m_splitter->GetPane(0, 2));
+    m_dataSourceWnd = qobject_cast<DSDataSourceWnd *>(m_leftSplitter->GetPane(0, 0));
+    m_propertyWnd = qobject_cast<DSPropertyWnd *>(m_leftSplitter->GetPane(1, 0));
+    m_dataSourceList = m_dataSourceWnd->GetDataSourceList();
+    m_folderList = m_dataSourceWnd->GetFolderList();
+    m_mainList->setObjectName("mainList");
+    m_folderList->setObjectName("folderList");
+    m_dataSourceList->setObjectName("dataSourceList");
+    m_mainList->setAccessibleName(tr("Items"));
+    m_folderList->setAccessibleName(tr("Folders"));
+    m_hierarchyList->GetPane(0)->setAccessibleName(tr("Hierarchy"));
+}
+
+void DlgOpenDS::InitializeLayout() {
+    int const fifth = std::max(m_splitter->width() / 5, kMinTrack);
+    m_splitter->SetColumnInfo(0, fifth, kMinTrack);
+    m_splitter->SetColumnInfo(1, fifth, kMinTrack);
+    m_splitter->RecalcLayout();
+    m_leftSplitter->SetRowInfo(0, std::max(m_leftSplitter->height() / 2, kMinTrack), kMinTrack);
+    m_leftSplitter->RecalcLayout();
+    m_hierarchyList->InitializeLayout();
+}
+
+// ------------------------------------------------------------------------------------------------ the first time
+
+bool DlgOpenDS::OnInitDialog() {
+    CreateControls();
+    cdxCDynamicDialog::OnInitDialog();
+    if (QRect const available = screen()->availableGeometry();
+        width() >= available.width() || height() >= available.height())
+        setGeometry(geometry().intersected(available));
+    setWindowTitle(ToQString(m_title));
+    CreateChildren();
+    RegisterControls();
+    InitializeLayout();
+
+    m_extras.Load();
+    m_mainList->SetBDIFilter(m_bdiFilter);
+    if (m_rootItem != nullptr)
+        m_dataSourceList->Fill(m_rootItem);
+    else
+        m_dataSourceList->Fill(m_dlgTemplate);
+    m_dataSourceWnd->SetSelChangeMessage(WM_DS_FIRST_PANE_DATA_ITEM_SELECTED);
+
+    FillHistory();
+    FillFileTypes();
+    m_homeButton = SetUpToolButton(kHomeId, "panel", tr("Show Data Source panel"));
+    m_favoritesButton = SetUpToolButton(kFavoritesId, "star", tr("Add to favorites"));
+    m_layoutButton = SetUpToolButton(kRestoreLayoutId, "restore-layout", tr("Restore layouts"));
+    m_recursiveButton = SetUpToolButton(kRecursiveId, "recursive", tr("Search subfolders"));
+    connect(m_homeButton, &QAbstractButton::clicked, this, &DlgOpenDS::OnHome);
+    connect(m_favoritesButton, &QAbstractButton::clicked, this, &DlgOpenDS::OnAddToFavorites);
+    connect(m_layoutButton, &QAbstractButton::clicked, this, &DlgOpenDS::InitializeLayout);
+    connect(m_recursiveButton, &QAbstractButton::clicked, this, &DlgOpenDS::OnListRecursively);
+    if (m_dlgTemplate == DT_WORKSPACE) {
+        m_readOnlyCheck->show();
+        m_editOnlyCheck->show();
+    }
+    RestoreRecursion();
+    RestoreSorting();
+    RestoreFilter();
+
+    m_measureButton = new CZelButton(this);
+    m_measureButton->SetFlat(true);
+    m_measureButton->hide();
+    m_measureButton->resize(kMeasureButton.cx, kMeasureButton.cy);
+    platform::SetDlgCtrlID(*m_measureButton, kMeasureButtonId);
+    m_pathButtons = std::make_unique<PathButtonRow>(this, m_measureButton, kFirstPathButtonId);
+
+    m_stateTimer = startTimer(kStateInterval);
+    qApp->installEventFilter(this);
+    if (m_initItem != nullptr)
+        ShowItem(m_initItem);
+    else
+        GoToDir(m_initDir, false);
+    m_layoutDone = true;
+    m_cancelButton->setFocus();
+    return false; // the focus is set
+}
+
+void DlgOpenDS::CreateControls() {
+    platform::BuildDialog(*this, kOpenDialogTemplate, [](QWidget &dialog, platform::DialogItem const &item) -> QWidget * {
+        switch (item.kind) {
+        case platform::ControlKind::Combo:
+        case platform::ControlKind::DropDownList: {
+            auto *combo = new CZelComboBox(&dialog);
+            combo->setEditable(item.kind == platform::ControlKind::Combo);
+            return combo;
+        }
+        case platform::ControlKind::Button:
+        case platform::ControlKind::CheckButton: {
+            if (item.id == kCancelId)
+                return nullptr;
+            auto *button = new CZelButton(&dialog);
+            button->setCheckable(item.kind == platform::ControlKind::CheckButton);
+            return button;
+        }
+        default:
+            return nullptr;
+        }
+    });
+    m_histCombo = GetDlgItem<CZelComboBox>(*this, kHistoryId);
+    m_fileTypeCombo = GetDlgItem<CZelComboBox>(*this, kFileTypeId);
+    m_fileFilterEdit = GetDlgItem<QLineEdit>(*this, kFileFilterId);
+    m_okButton = GetDlgItem<QPushButton>(*this, kOkId);
+    m_cancelButton = GetDlgItem<QPushButton>(*this, kCancelId);
+    m_readOnlyCheck = GetDlgItem<QCheckBox>(*this, kReadOnlyId);
+    m_editOnlyCheck = GetDlgItem<QCheckBox>(*this, kEditOnlyId);
+    m_histCombo->setInsertPolicy(QComboBox::NoInsert);
+    m_histCombo->setAccessibleName(tr("Go to folder"));
+    m_fileTypeCombo->setAccessibleName(tr("File Type"));
+    m_fileFilterEdit->setAccessibleName(tr("File Name Filter"));
+
+    connect(m_okButton, &QPushButton::clicked, this, &DlgOpenDS::OnOK);
+    connect(m_cancelButton, &QPushButton::clicked, this, &DlgOpenDS::OnCancel);
+    connect(m_histCombo, &QComboBox::activated, this, &DlgOpenDS::OnSelendokHist);
+    connect(m_fileTypeCombo, &QComboBox::activated, this, &DlgOpenDS::OnSelendokFileType);
+    // Checking one unchecks the other; both may be off.
+    connect(m_readOnlyCheck, &QCheckBox::clicked, this, [this] { m_editOnlyCheck->setChecked(false); });
+    connect(m_editOnlyCheck, &QCheckBox::clicked, this, [this] { m_readOnlyCheck->setChecked(false); });
+}
+
+void DlgOpenDS::RegisterControls() {
+    for (platform::DialogItem const &item : kOpenDialogTemplate.items) {
+        QWidget *const child = item.id == kSplitterPlaceId ? m_splitter : GetDlgItem(*this, item.id);
+        signed char const bytes[4] = {item.move.x1, item.move.y1, item.move.x2, item.move.y2};
+        AddSzControl(child, bytes, Size{}, false);
+    }
+}
+
+CZelButton *DlgOpenDS::SetUpToolButton(int id, char const *picture, QString const &tip) {
+    auto *button = GetDlgItem<CZelButton>(*this, id);
+    button->SetFlat(true);
+    button->setIcon(platform::ResourceIcon(picture));
+    button->setToolTip(tip);
+    button->setAccessibleName(tip);
+    return button;
+}
+
+void DlgOpenDS::FillHistory() {
+    DVectorSafe<DString> folders;
+    DfltFldrs::Instance()->GetDirHist(m_historyKey.c_str(), folders, true, true);
+    m_histCombo->clear();
+    for (DString const &folder : folders)
+        m_histCombo->addItem(ToQString(folder));
+    m_histCombo->setCurrentIndex(-1);
+    m_histCombo->clearEditText();
+}
+
+void DlgOpenDS::FillFileTypes() {
+    for (std::size_t i = 0; i < m_formats.size(); ++i) {
+        if (m_formats[i] == nullptr || !m_formats[i]->IsSingleFile())
+            continue;
+        m_fileTypeCombo->addItem(ToQString(m_formats[i]->GetName()), static_cast<qulonglong>(i));
+    }
+    // Without a matching format the box stays without a selection.
+    m_fileTypeCombo->setCurrentIndex(-1);
+    for (int entry = 0; entry < m_fileTypeCombo->count(); ++entry)
+        if (m_formats[m_fileTypeCombo->itemData(entry).toULongLong()] == m_format)
+            m_fileTypeCombo->setCurrentIndex(entry);
+}
+
+void DlgOpenDS::RestoreRecursion() {
+    bool const recursive = DUserCnfg(kSection).ReadString(kRecursiveKey, "false") != "false";
+    m_recursiveButton->setChecked(recursive);
+    if (!recursive)
+        m_mainList->SetMode(DSListCtrl::ModeFiles);
+}
+
+void DlgOpenDS::RestoreSorting() {
+    // What OnOK writes to the section of sortings is not what is read here: the order starts afresh every time. Users
+    // know it so.
+    DialogSorting const sorting =
+        SortingFromText(DUserCnfg(kSection).ReadString(kRecursiveKey, "")).value_or(DialogSorting{});
+    m_hierarchyList->SortPane(0, 0, sorting.hierarchyAscending);
+    m_mainList->Sort(sorting.column, sorting.mainAscending);
+    m_folderList->Sort(0, sorting.foldersAscending);
+}
+
+void DlgOpenDS::RestoreFilter() {
+    if (m_format == nullptr)
+        return;
+    DString mask = DUserCnfg(kFilterSection).ReadString(TemplateKey(), "");
+    if (mask.empty())
+        mask = m_format->GetExtn();
+    ApplyFileFilter(mask.c_str(), m_format->GetId().c_str());
+    m_fileFilterEdit->setText(ToQString(mask));
+}
+
+// ------------------------------------------------------------------------------------------------------ the end
+
+void DlgOpenDS::OnOK() {
+    m_monikers.clear();
+    for (RefItemPtr<DataSourceItem> const &item : SelectedImages()) {
+        DString const path = item->GetPath();
+        DfltFldrs::Instance()->SaveDirHist(m_historyKey.c_str(), path);
+        DString const driverId = item->GetBDIDriverId();
+        BDIDrvr *const driver = driverId.empty() ? nullptr : BDIDrvrMngr::Instance()->GetDrvr(driverId.c_str());
+        m_propertyWnd->ApplyOptions();
+        DString const options = m_propertyWnd->GetOptionString();
+        m_monikers.push_back(BDIMoniker(options.empty() ? path : path + "?" + options, driver));
+    }
+    WriteSettings();
+    if (m_monikers.empty())
+        return;
+    if (m_dlgTemplate == DT_WORKSPACE) {
+        m_readOnly = m_readOnlyCheck->isChecked();
+        m_editOnly = m_editOnlyCheck->isChecked();
+    }
+    cdxCDynamicDialog::OnOK();
+}
+
+void DlgOpenDS::WriteSettings() {
+    DUserCnfg(kSection).WriteString(kRecursiveKey, m_recursiveButton->isChecked() ? "true" : "false");
+
+    DialogSorting sorting;
+    int column = 0;
+    m_hierarchyList->GetPaneSorting(0, column, sorting.hierarchyAscending);
+    sorting.foldersAscending = m_folderList->GetLastSort().IsSortedAscnd();
+    sorting.column = std::clamp(m_mainList->GetLastSort().GetCol(), 0, 2);
+    sorting.mainAscending = m_mainList->GetLastSort().IsSortedAscnd();
+    DUserCnfg(kSortingSection).WriteString(TemplateKey(), SortingToText(sorting));
+
+    DUserCnfg(kFilterSection).WriteString(TemplateKey(), ToDString(m_fileFilterEdit->text()));
+}
+
+} // namespace zelvar

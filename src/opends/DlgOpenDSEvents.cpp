@@ -1,0 +1,339 @@
+// What the panes tell the open data source dialog and what the user does in it; how it is built and ends stands in
+// DlgOpenDS.cpp.
+#include "zelvar/base/DFile.h"
+#include "zelvar/base/Report.h"
+#include "zelvar/controls/CZelComboBox.h"
+#include "zelvar/model/NtwDataSourceItem.h"
+#include "zelvar/opends/DSDataSourceWnd.h"
+#include "zelvar/opends/DSListCtrl.h"
+#include "zelvar/opends/DSMessages.h"
+#include "zelvar/opends/DSPropertyWnd.h"
+#include "zelvar/opends/DataSourceList.h"
+#include "zelvar/opends/DlgOpenDS.h"
+#include "zelvar/opends/HierarchyList.h"
+#include "zelvar/opends/OpenDialogTemplate.h"
+#include "zelvar/platform/os/ShellNamespace.h"
+#include "zelvar/platform/ui/ControlId.h"
+#include "zelvar/platform/ui/Text.h"
+
+#include <QtGui/QKeyEvent>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QLineEdit>
+#include <QtWidgets/QPushButton>
+
+namespace zelvar {
+
+using platform::MessageParam;
+using platform::ToDString;
+using platform::ToQString;
+
+namespace {
+
+bool IsWithin(QWidget const *ancestor, QWidget const *widget) {
+    return widget != nullptr && (ancestor == widget || ancestor->isAncestorOf(widget));
+}
+
+/// One folder whose access is refused is told to the user.
+bool CanShow(std::list<RefItemPtr<DataSourceItem>> const &items) {
+    if (items.size() != 1 || items.front()->CheckItemAccess())
+        return true;
+    Report::UserNotification("Cannot access %s", items.front()->GetPath().c_str());
+    return false;
+}
+
+} // namespace
+
+void DlgOpenDS::WireMessages() {
+    m_messages.On(WM_DS_DATA_SOURCE_SELECTED, this, &DlgOpenDS::OnDataSourceSelected);
+    m_messages.On(WM_DS_DATA_ITEM_SELECTED, this, &DlgOpenDS::OnDataItemSelected);
+    m_messages.On(WM_DS_FIRST_PANE_DATA_ITEM_SELECTED, this, &DlgOpenDS::OnFirstPaneDataItemSelected);
+    m_messages.On(WM_DS_IMAGE_SELECTED, this, &DlgOpenDS::OnImageSelected);
+    m_messages.On(WM_DS_IMAGE_DBLCLICK, this, &DlgOpenDS::OnImageDblClick);
+    m_messages.On(WM_DS_OPTIONS_CHANGED, this, &DlgOpenDS::OnDSOptionsChanged);
+    m_messages.On(WM_DS_ROOT_ITEM_CHANGED, this, &DlgOpenDS::OnRootChanged);
+    m_messages.On(WM_DS_FIRST_PANE_ROOT_ITEM_CHANGED, this, &DlgOpenDS::OnFirstPaneRootChanged);
+    m_messages.On(WM_DS_RESET_PATH_BUTTONS, this, &DlgOpenDS::OnResetPathButtons);
+}
+
+bool DlgOpenDS::event(QEvent *event) { return m_messages.Dispatch(*event) || cdxCDynamicDialog::event(event); }
+
+void DlgOpenDS::resizeEvent(QResizeEvent *event) {
+    cdxCDynamicDialog::resizeEvent(event);
+    if (m_layoutDone)
+        ResetPathButtons();
+}
+
+void DlgOpenDS::timerEvent(QTimerEvent *event) {
+    if (event->timerId() == m_stateTimer)
+        OnUpdateState();
+    else
+        cdxCDynamicDialog::timerEvent(event);
+}
+
+void DlgOpenDS::OnUpdateState() { m_okButton->setEnabled(m_mainList->GetNumSlct() > 0); }
+
+// ------------------------------------------------------------------------------------------------- path buttons
+
+void DlgOpenDS::ResetPathButtons() { platform::PostMessage(this, WM_DS_RESET_PATH_BUTTONS); }
+
+void DlgOpenDS::OnResetPathButtons(MessageParam, MessageParam) {
+    if (m_pathButtons == nullptr)
+        return;
+    ItemList roots;
+    if (m_dataSourceWnd->IsDataSourceView())
+        m_hierarchyList->GetRootItems(roots);
+    else
+        m_dataSourceWnd->GetRootItems(roots);
+    QRect const place = platform::GetDlgItem(*this, kPathPlaceId)->geometry();
+    m_pathButtons->Show(roots.empty() ? nullptr : roots.front(), place, [this](int id) { OnButtonClck(id); });
+}
+
+void DlgOpenDS::OnButtonClck(int id) {
+    if (RefItemPtr<DataSourceItem> const item = m_pathButtons->ItemOf(id); item != nullptr)
+        ShowItem(item);
+}
+
+void DlgOpenDS::OnAddToFavorites() {
+    if (RefItemPtr<DataSourceItem> const item = m_pathButtons->LastShown(); item != nullptr)
+        m_dataSourceList->AddFavorite(item);
+}
+
+void DlgOpenDS::OnHome() {
+    m_dataSourceWnd->SwitchToDataSourceView();
+    ResetPathButtons();
+}
+
+// -------------------------------------------------------------------------------------------------- what is shown
+
+void DlgOpenDS::ShowItem(RefItemPtr<DataSourceItem> item) {
+    ItemList const items{item};
+    m_dataSourceWnd->SwitchToFolderView();
+    m_folderList->ResetItems(items);
+    m_mainList->ResetItems(items);
+    m_hierarchyList->ShowDir(nullptr);
+    ResetPathButtons();
+}
+
+void DlgOpenDS::GoToDir(DString const &path, bool report) {
+    if (path.empty())
+        return;
+    RefItemPtr<NtwDataSourceItem> item(NtwDataSourceItem::CreateItem(path.c_str(), nullptr, nullptr));
+    if (item == nullptr) {
+        if (report)
+            Report::UserNotification("Cannot access '%s' path", path.c_str());
+        return;
+    }
+    item->BuildParents();
+    RefItemPtr<DataSourceItem> const parent = item->GetParent();
+    ShowItem(item->GetType() == NtwDataSourceItem::TYPE_FILE && parent != nullptr ? parent
+                                                                                  : RefItemPtr<DataSourceItem>(item));
+}
+
+void DlgOpenDS::SetRecursive(bool recursive) {
+    m_recursiveButton->setChecked(recursive);
+    OnListRecursively();
+}
+
+void DlgOpenDS::OnListRecursively() {
+    m_mainList->SetMode(m_recursiveButton->isChecked() ? DSListCtrl::ModeRecursive : DSListCtrl::ModeFiles);
+    m_mainList->Refresh();
+}
+
+void DlgOpenDS::ApplyFileFilter(char const *mask, char const *formatId) {
+    m_folderList->ApplyFileFilter(mask, formatId);
+    m_folderList->Refresh();
+    m_hierarchyList->ApplyFileFilter(mask, formatId);
+    m_hierarchyList->Refresh();
+    m_mainList->ApplyFileFilter(mask, formatId);
+    m_mainList->Refresh();
+}
+
+void DlgOpenDS::UpdateFormat(DFileFrmt *format) {
+    m_format = format;
+    if (m_format == nullptr)
+        return;
+    ApplyFileFilter(m_format->GetExtn().c_str(), m_format->GetId().c_str());
+    m_fileFilterEdit->setText(ToQString(m_format->GetExtn()));
+}
+
+void DlgOpenDS::OnSelendokFileType() {
+    if (m_fileTypeCombo->currentIndex() >= 0)
+        UpdateFormat(m_formats[m_fileTypeCombo->currentData().toULongLong()]);
+}
+
+void DlgOpenDS::OnSelendokHist() { GoToDir(ToDString(m_histCombo->currentText()), true); }
+
+// ------------------------------------------------------------------------------------------- what the panes tell
+
+void DlgOpenDS::OnDataSourceSelected(MessageParam, MessageParam) {
+    ItemList items;
+    m_dataSourceList->GetSelectedItems(items);
+    m_hierarchyList->ResetDataSources(items);
+    m_mainList->ResetItems(items);
+    if (!items.empty())
+        m_dataSourceType = items.front()->GetDataSourceType();
+}
+
+void DlgOpenDS::OnDataItemSelected(MessageParam pane, MessageParam) {
+    ItemList items;
+    if (m_hierarchyList != nullptr)
+        m_hierarchyList->GetSelectedItems(static_cast<unsigned>(pane), items);
+    else
+        m_folderList->GetSelectedItems(items);
+    if (!CanShow(items))
+        return;
+    m_mainList->ResetItems(items);
+    m_propertyWnd->Clear();
+}
+
+void DlgOpenDS::OnFirstPaneDataItemSelected(MessageParam, MessageParam) {
+    ItemList items;
+    m_folderList->GetSelectedItems(items);
+    if (!CanShow(items))
+        return;
+    m_hierarchyList->ResetDataSources(items);
+    m_mainList->ResetItems(items);
+    m_propertyWnd->Clear();
+}
+
+DlgOpenDS::ItemList DlgOpenDS::SelectedImages() const {
+    ItemList items;
+    if (m_mainList != nullptr)
+        m_mainList->GetSelectedItems(items);
+    return items;
+}
+
+void DlgOpenDS::OnImageSelected(MessageParam, MessageParam) {
+    ItemList const items = SelectedImages();
+    UpdateExtras(items);
+    if (items.empty())
+        return;
+    QString const path = ToQString(items.back()->GetPath());
+    auto *status = platform::GetDlgItem<QLabel>(*this, kStatusId);
+    status->setText(path);
+    status->setToolTip(path);
+    m_propertyWnd->ShowProps(items.back(), m_format == nullptr ? "" : m_format->GetDriverText().c_str());
+}
+
+void DlgOpenDS::UpdateExtras(ItemList const &items) {
+    DataSourceExtras::Item *options = nullptr;
+    for (RefItemPtr<DataSourceItem> const &item : items) {
+        options = m_extras.GetDSOptions(item);
+        if (options != nullptr)
+            break;
+    }
+    m_propertyWnd->UpdateExtras(items.empty() ? nullptr : items.front(), options);
+}
+
+void DlgOpenDS::OnDSOptionsChanged(MessageParam first, MessageParam second) {
+    if (m_mainList != nullptr && m_propertyWnd != nullptr)
+        OnImageSelected(first, second);
+}
+
+void DlgOpenDS::OnImageDblClick(MessageParam, MessageParam) { OnOK(); }
+
+void DlgOpenDS::OnRootChanged(MessageParam, MessageParam) {
+    ItemList roots;
+    m_hierarchyList->GetRootItems(roots);
+    if (roots.empty()) {
+        m_dataSourceWnd->SwitchToDataSourceView();
+    } else {
+        RefItemPtr<DataSourceItem> root = roots.back();
+        RefItemPtr<DataSourceItem> parent = root->GetParent();
+        if (parent != nullptr) {
+            m_dataSourceWnd->SwitchToFolderView();
+            m_folderList->ShowDir(parent, root);
+        } else {
+            m_dataSourceWnd->SwitchToDataSourceView();
+        }
+    }
+    ResetPathButtons();
+}
+
+void DlgOpenDS::OnFirstPaneRootChanged(MessageParam, MessageParam) {
+    ItemList roots;
+    m_dataSourceWnd->GetRootItems(roots);
+    m_hierarchyList->ResetDataSources(roots);
+    ResetPathButtons();
+}
+
+// ----------------------------------------------------------------------------------------------------------- keys
+
+bool DlgOpenDS::eventFilter(QObject *watched, QEvent *event) {
+    if (event->type() == QEvent::KeyPress && isVisible()) {
+        auto *focus = qobject_cast<QWidget *>(watched);
+        if (focus != nullptr && focus->window() == this && focus == focusWidget() &&
+            ProcessKey(static_cast<QKeyEvent *>(event)->key(), focus))
+            return true;
+    }
+    return cdxCDynamicDialog::eventFilter(watched, event);
+}
+
+bool DlgOpenDS::ProcessKey(int key, QWidget *focus) {
+    switch (key) {
+    case Qt::Key_F5:
+        ProcessRefreshKey(focus);
+        return true;
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        return ProcessReturnKey(focus);
+    case Qt::Key_Tab:
+        return ProcessTabKey(focus);
+    default:
+        return false;
+    }
+}
+
+void DlgOpenDS::ProcessRefreshKey(QWidget *focus) {
+    if (IsWithin(m_dataSourceList, focus)) {
+        m_dataSourceList->ResetSelectedItems();
+    } else if (IsWithin(m_hierarchyList, focus)) {
+        m_hierarchyList->Refresh();
+        m_mainList->Refresh();
+    } else if (IsWithin(m_folderList, focus)) {
+        m_folderList->Refresh();
+    } else if (IsWithin(m_mainList, focus)) {
+        m_mainList->Refresh();
+    }
+}
+
+bool DlgOpenDS::ProcessReturnKey(QWidget *focus) {
+    if (IsWithin(m_histCombo, focus)) {
+        DString const path = FixPath(ToDString(m_histCombo->currentText()).c_str());
+        if (!path.empty())
+            GoToDir(path, true);
+        return true;
+    }
+    if (focus == m_fileFilterEdit) {
+        ApplyFileFilter(ToDString(m_fileFilterEdit->text()).c_str(), nullptr);
+        return true;
+    }
+    if (qobject_cast<QAbstractButton *>(focus) != nullptr)
+        return false; // the button that has the focus is the one that is pressed
+    OnOK();
+    return true;
+}
+
+bool DlgOpenDS::ProcessTabKey(QWidget *focus) {
+    struct Step {
+        QWidget *from;
+        QWidget *to;
+    };
+    QWidget *const hierarchy = m_hierarchyList->GetPane(0);
+    QWidget *const sources =
+        m_dataSourceWnd->IsDataSourceView() ? static_cast<QWidget *>(m_dataSourceList) : m_folderList;
+    Step const steps[] = {
+        {m_dataSourceList, hierarchy},   {m_folderList, hierarchy},           {m_hierarchyList, m_mainList},
+        {m_mainList, m_histCombo},       {m_histCombo, m_fileFilterEdit},     {m_fileFilterEdit, m_fileTypeCombo},
+        {m_fileTypeCombo, sources},
+    };
+    for (Step const &step : steps) {
+        if (!IsWithin(step.from, focus))
+            continue;
+        step.to->setFocus(Qt::TabFocusReason);
+        return true;
+    }
+    return false;
+}
+
+} // namespace zelvar
