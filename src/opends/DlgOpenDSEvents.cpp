@@ -1,6 +1,5 @@
 // What the panes tell the open data source dialog and what the user does in it; how it is built and ends stands in
 // DlgOpenDS.cpp.
-#include "zelvar/base/DFile.h"
 #include "zelvar/base/Report.h"
 #include "zelvar/controls/CZelComboBox.h"
 #include "zelvar/model/NtwDataSourceItem.h"
@@ -12,12 +11,11 @@
 #include "zelvar/opends/DlgOpenDS.h"
 #include "zelvar/opends/HierarchyList.h"
 #include "zelvar/opends/OpenDialogTemplate.h"
-#include "zelvar/platform/os/ShellNamespace.h"
 #include "zelvar/platform/ui/ControlId.h"
+#include "zelvar/platform/ui/EllipsisLabel.h"
 #include "zelvar/platform/ui/Text.h"
 
 #include <QtGui/QKeyEvent>
-#include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QPushButton>
 
@@ -208,10 +206,7 @@ void DlgOpenDS::OnImageSelected(MessageParam, MessageParam) {
     UpdateExtras(items);
     if (items.empty())
         return;
-    QString const path = ToQString(items.back()->GetPath());
-    auto *status = platform::GetDlgItem<QLabel>(*this, kStatusId);
-    status->setText(path);
-    status->setToolTip(path);
+    platform::GetDlgItem<platform::EllipsisLabel>(*this, kStatusId)->SetText(ToQString(items.back()->GetPath()));
     m_propertyWnd->ShowProps(items.back(), m_format == nullptr ? "" : m_format->GetDriverText().c_str());
 }
 
@@ -230,7 +225,9 @@ void DlgOpenDS::OnDSOptionsChanged(MessageParam first, MessageParam second) {
         OnImageSelected(first, second);
 }
 
-void DlgOpenDS::OnImageDblClick(MessageParam, MessageParam) { OnOK(); }
+void DlgOpenDS::OnImageDblClick(MessageParam, MessageParam) {
+    QMetaObject::invokeMethod(this, [this] { OnOK(); }, Qt::QueuedConnection);
+}
 
 void DlgOpenDS::OnRootChanged(MessageParam, MessageParam) {
     ItemList roots;

@@ -1,0 +1,117 @@
+#include "zelvar/model/ItemProperties.h"
+
+#include "zelvar/base/DFile.h"
+#include "zelvar/base/SystemTime.h"
+#include "zelvar/data/ImageReader.h"
+#include "zelvar/platform/os/ShellNamespace.h"
+
+#include <array>
+#include <ctime>
+#include <locale.h>
+
+namespace zelvar {
+
+namespace {
+
+enum PropertyId {
+    kImageHeight = 5106,
+    kImageWidth = 5107,
+    kSlices = 5108,
+    kTimeFrames = 5109,
+    kDataType = 5110,
+    kChannels = 5111,
+    kPath = 5204,
+    kDriver = 5205,
+    kModified = 5206,
+    kCreated = 5207,
+    kAccessed = 5208,
+};
+
+constexpr std::array<PropertyRow, 11> kRows{{
+    {kPath, "File", "Path"},
+    {kModified, "File", "Modified"},
+    {kCreated, "File", "Created"},
+    {kAccessed, "File", "Accessed"},
+    {kImageWidth, "Image", "Image Width"},
+    {kImageHeight, "Image", "Image Height"},
+    {kDataType, "Image", "Data Type"},
+    {kChannels, "Image", "Number of Channels"},
+    {kSlices, "Image", "Number of slices"},
+    {kTimeFrames, "Image", "Number of time frames"},
+    {kDriver, "Image", "Driver"},
+}};
+
+/// The date in words, as the user's language writes it.
+DString LongDate(std::int64_t nanoseconds) {
+    if (nanoseconds == 0)
+        return {};
+    SystemTime const local = ToLocalTime(nanoseconds);
+    std::tm fields{};
+    fields.tm_year = local.wYear - 1900;
+    fields.tm_mon = local.wMonth - 1;
+    fields.tm_mday = local.wDay;
+    fields.tm_wday = local.wDayOfWeek;
+    static locale_t const user = newlocale(LC_TIME_MASK, "", nullptr); // lives as long as the process
+    constexpr char kFormat[] = "%A, %d %B %Y";
+    std::array<char, 100> text{};
+    std::size_t const length = user == nullptr ? std::strftime(text.data(), text.size(), kFormat, &fields)
+                                               : strftime_l(text.data(), text.size(), kFormat, &fields, user);
+    return {text.data(), length};
+}
+
+BDIMoniker MakeMoniker(DString const &path, DString const &options) {
+    return {options.empty() ? path : path + "?" + options, nullptr};
+}
+
+DString PhysicalFile(BDIMoniker const &moniker) {
+    DString const &text = moniker.GetText();
+    if (DFile(text).Exist())
+        return text;
+    DString onDisk = moniker.GetPathOnDisk();
+    return onDisk.empty() ? text.substr(0, text.find('?')) : onDisk;
+}
+
+void ReadFileRows(DString const &path, BDIMoniker const &moniker, PropertyMap &props) {
+    platform::ShellNamespace const &shell = platform::ShellNamespace::Current();
+    platform::ShellId const file = shell.Parse(PhysicalFile(moniker));
+    std::optional<platform::FileTimes> const times = file.IsNull() ? std::nullopt : shell.Times(file);
+    if (!times)
+        return;
+    props[kPath] = path;
+    props[kModified] = LongDate(times->modified);
+    props[kCreated] = LongDate(times->created);
+    props[kAccessed] = LongDate(times->accessed);
+}
+
+} // namespace
+
+std::span<PropertyRow const> PropertyRows() { return kRows; }
+
+bool ReadItemProperties(DString const &path, DString const &driverId, DString const &options, DLGTemplate dlgTemplate,
+                        StopSignal const *stop, PropertyMap &props) {
+    props.clear();
+    if (path.empty())
+        return false;
+    BDIMoniker const moniker = MakeMoniker(path, options);
+    ReadFileRows(path, moniker, props);
+    if (PicksDocument(dlgTemplate))
+        return true;
+    ImageInfo info;
+    if (!ReadImageInfo(moniker, driverId, stop, info))
+        return false;
+    props[kChannels] = Format("%d", info.channels);
+    props[kImageHeight] = Format("%d", info.height);
+    props[kImageWidth] = Format("%d", info.width);
+    props[kSlices] = Format("%d", info.slices);
+    props[kTimeFrames] = Format("%d", info.timeFrames);
+    props[kDriver] = info.driver;
+    props[kDataType] = RDIGetDTName(info.dataType);
+    return true;
+}
+
+bool ReadItemPreview(DString const &path, DString const &driverId, DString const &options, StopSignal const *stop,
+                     DCanvas &canvas) {
+    return ReadPreview(MakeMoniker(path, options), driverId, stop, canvas);
+}
+
+} // namespace zelvar
