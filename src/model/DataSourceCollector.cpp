@@ -1,0 +1,118 @@
+#include "zelvar/model/DataSourceCollector.h"
+
+#include "zelvar/base/DCnfg.h"
+#include "zelvar/base/XMLNode.h"
+#include "zelvar/model/DataSourceDefinitions.h"
+#include "zelvar/model/NtwDataSourceItem.h"
+#include "zelvar/model/TemplDataSourceItem.h"
+#include "zelvar/platform/os/ShellNamespace.h"
+
+#include <algorithm>
+
+namespace zelvar {
+
+using platform::ShellKind;
+using platform::ShellNamespace;
+
+namespace {
+
+constexpr char kSection[] = "OpenFileDialog";
+constexpr char kKey[] = "Favorites";
+
+DVectorSafe<DString> ReadFavorites() {
+    DVectorSafe<DString> paths;
+    DUserCnfg(kSection).ReadStringVec(kKey, paths);
+    return paths;
+}
+
+} // namespace
+
+char const *DataSourceGroupName(int group) {
+    switch (group) {
+    case kGroupDrives:
+        return "Drives";
+    case kGroupNetworkDrives:
+        return "Network Drives";
+    case kGroupDataSources:
+        return "Data Sources";
+    case kGroupFavorites:
+        return "Favorites";
+    case kGroupRecent:
+        return "Recent";
+    case kGroupNetwork:
+        return "Network";
+    default:
+        return "";
+    }
+}
+
+std::set<ShellKind> const &LocalDriveKinds() {
+    static std::set<ShellKind> const kinds{ShellKind::Directory, ShellKind::Removable, ShellKind::Fixed,
+                                           ShellKind::CdRom};
+    return kinds;
+}
+
+std::set<ShellKind> const &NetworkDriveKinds() {
+    static std::set<ShellKind> const kinds{ShellKind::NetDrive, ShellKind::NetServer, ShellKind::NetShare};
+    return kinds;
+}
+
+void CollectDrives(std::set<ShellKind> const &kinds, DataSourceRows &rows) {
+    ShellNamespace const &shell = ShellNamespace::Current();
+    shell.Enumerate(shell.Drives(), ShellNamespace::Purpose::Browse, [&](platform::ShellChild &&child) {
+        if (!kinds.contains(child.kind))
+            return true;
+        RefItemPtr<NtwDataSourceItem> item(NtwDataSourceItem::CreateItem(child.id, nullptr, nullptr));
+        if (item != nullptr) {
+            item->SetName(child.name);
+            rows.emplace_back(std::move(item));
+        }
+        return true;
+    });
+}
+
+void CollectFavorites(DataSourceRows &rows) {
+    for (DString const &path : ReadFavorites()) {
+        RefItemPtr<NtwDataSourceItem> item(NtwDataSourceItem::CreateItem(path.c_str(), nullptr, nullptr));
+        if (item == nullptr)
+            continue;
+        item->BuildParents();
+        rows.emplace_back(std::move(item));
+    }
+}
+
+void CollectDefinitions(DataSourceRows &rows) {
+    DataSourceDefinitions definitions;
+    definitions.Load();
+    definitions.Save(); // a new main file reaches the disk
+    for (auto const &[name, node] : definitions) {
+        if (node->GetName() != "DataSource" || !node->GetAttrBool("visible", true))
+            continue;
+        RefItemPtr<DataSourceItem> item(TemplDataSourceItem::CreateItem(node));
+        if (item != nullptr)
+            rows.push_back(std::move(item));
+    }
+}
+
+bool Favorites::Contains(DString const &path) {
+    DVectorSafe<DString> const paths = ReadFavorites();
+    return std::any_of(paths.begin(), paths.end(), [&](DString const &entry) { return EqualNoCase(entry, path); });
+}
+
+void Favorites::Add(DString const &path) {
+    DVectorSafe<DString> paths = ReadFavorites();
+    paths.push_back(path);
+    DUserCnfg(kSection).WriteStringVec(kKey, paths);
+}
+
+void Favorites::Remove(DString const &path) {
+    DVectorSafe<DString> paths = ReadFavorites();
+    auto const at =
+        std::find_if(paths.begin(), paths.end(), [&](DString const &entry) { return EqualNoCase(entry, path); });
+    if (at == paths.end())
+        return;
+    paths.erase(at);
+    DUserCnfg(kSection).WriteStringVec(kKey, paths);
+}
+
+} // namespace zelvar

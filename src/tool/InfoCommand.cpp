@@ -1,0 +1,68 @@
+#include "tool/Commands.h"
+
+#include "zelvar/data/BDIMoniker.h"
+#include "zelvar/data/DriverModule.h"
+#include "zelvar/model/ItemProperties.h"
+#include "zelvar/model/PlaceResolver.h"
+
+#include <QtGui/QImage>
+
+#include <cstdio>
+
+namespace zelvar::tool {
+
+namespace {
+
+CommandSpec const kSpec{.usage = "info MONIKER [--preview FILE.png]",
+                        .flags = {},
+                        .values = {"--preview"},
+                        .minArguments = 1,
+                        .maxArguments = 1};
+
+bool SavePicture(DCanvas const &canvas, DString const &file) {
+    QImage const image(canvas.Row(0), canvas.GetWidth(), canvas.GetHeight(), canvas.GetWidth() * 3,
+                       QImage::Format_RGB888);
+    return image.save(QString::fromLocal8Bit(file.c_str()), "PNG");
+}
+
+} // namespace
+
+int RunInfo(std::vector<DString> const &words) {
+    DString error;
+    std::optional<Arguments> const arguments = ParseArguments(kSpec, words, error);
+    if (!arguments)
+        return UsageError(kSpec, error);
+    UseInstalledDrivers();
+
+    // The moniker's own options stay with it; a place such as source:NAME is first turned into what it stands for.
+    DString const &moniker = arguments->words.front();
+    DString path = moniker;
+    DString driverId;
+    if (moniker.starts_with("source:")) {
+        RefItemPtr<DataSourceItem> const item = ItemFromPlace(moniker);
+        if (item == nullptr)
+            return Failure("cannot access '" + moniker + "'");
+        path = item->GetPath();
+        driverId = item->GetRDIDriverId();
+    }
+    PropertyMap props;
+    bool const isImage = ReadItemProperties(path, driverId, {}, DT_DATA, nullptr, props);
+    if (props.empty())
+        return Failure("cannot open '" + moniker + "'");
+    for (PropertyRow const &row : PropertyRows())
+        if (auto const text = props.find(row.id); text != props.end() && !text->second.empty())
+            std::printf("%s\t%s\n", row.name, EscapeControlBytes(text->second).c_str());
+
+    if (!arguments->values.contains("--preview"))
+        return kDone;
+    DCanvas canvas;
+    if (!isImage || !ReadItemPreview(path, driverId, {}, nullptr, canvas) || !canvas.HasData()) {
+        std::puts("Preview is not available");
+        return kDone;
+    }
+    if (!SavePicture(canvas, arguments->Value("--preview")))
+        return Failure("cannot write '" + arguments->Value("--preview") + "'");
+    return kDone;
+}
+
+} // namespace zelvar::tool

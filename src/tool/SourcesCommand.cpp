@@ -1,0 +1,42 @@
+#include "tool/Commands.h"
+
+#include "zelvar/data/DriverModule.h"
+#include "zelvar/model/DataSourceCollector.h"
+
+#include <cstdio>
+
+namespace zelvar::tool {
+
+namespace {
+
+CommandSpec const kSpec{.usage = "sources", .flags = {}, .values = {}, .minArguments = 0, .maxArguments = 0};
+
+void Print(int group, DataSourceRows const &rows) {
+    for (RefItemPtr<DataSourceItem> const &row : rows)
+        std::printf("%s\t%s\t%s\n", DataSourceGroupName(group), EscapeControlBytes(row->GetName()).c_str(),
+                    EscapeControlBytes(row->GetPath()).c_str());
+}
+
+} // namespace
+
+int RunSources(std::vector<DString> const &words) {
+    DString error;
+    if (!ParseArguments(kSpec, words, error))
+        return UsageError(kSpec, error);
+    UseInstalledDrivers();
+    DataSourceRows drives;
+    CollectDrives(LocalDriveKinds(), drives);
+    Print(kGroupDrives, drives);
+    DataSourceRows networkDrives;
+    CollectDrives(NetworkDriveKinds(), networkDrives);
+    Print(kGroupNetworkDrives, networkDrives);
+    DataSourceRows definitions;
+    CollectDefinitions(definitions);
+    Print(kGroupDataSources, definitions);
+    DataSourceRows favorites;
+    CollectFavorites(favorites);
+    Print(kGroupFavorites, favorites);
+    return kDone;
+}
+
+} // namespace zelvar::tool
