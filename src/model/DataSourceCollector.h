@@ -8,7 +8,8 @@
 
 namespace zelvar {
 
-/// Groups of the data source list; the numbers are those of `DataSourceItem::GetGroup`, the order is that on the screen.
+/// Groups of the data source list; the numbers are those of `DataSourceItem::GetGroup`, the order is that on the
+/// screen.
 enum DataSourceGroup {
     kGroupDrives = 1,
     kGroupNetworkDrives = 2,
@@ -24,8 +25,8 @@ enum DataSourceGroup {
 [[nodiscard]] ZELVAR_API std::set<platform::ShellKind> const &LocalDriveKinds();
 [[nodiscard]] ZELVAR_API std::set<platform::ShellKind> const &NetworkDriveKinds();
 
-// What the data source list is filled from. Each appends items in the source's order and leaves out, silently, what cannot be made.
-// User-interface thread, or the only thread of a script.
+// What the data source list is filled from. Each appends items in the source's order and leaves out, silently, what
+// cannot be made. User-interface thread, or the only thread of a script.
 using DataSourceRows = std::vector<RefItemPtr<DataSourceItem>>;
 
 /// The children of the computer's drives place whose kind is in `kinds`.

@@ -7,6 +7,7 @@
 
 #include <array>
 #include <ctime>
+
 #include <locale.h>
 
 namespace zelvar {

@@ -22,14 +22,14 @@ struct PropertyRow {
 /// All rows, in the order in which they are shown.
 [[nodiscard]] ZELVAR_API std::span<PropertyRow const> PropertyRows();
 
-/// Reads what is known of an item: of the file behind it, and, unless a document is picked, of the image in it. `options`
-/// is what stands behind "?". True if the item could be opened as an image, or if a document is picked; a file that cannot be asked leaves its
-/// rows out and is no failure. Any thread; `stop` may be null.
+/// Reads what is known of an item: of the file behind it, and, unless a document is picked, of the image in it.
+/// `options` is what stands behind "?". True if the item could be opened as an image, or if a document is picked; a
+/// file that cannot be asked leaves its rows out and is no failure. Any thread; `stop` may be null.
 ZELVAR_API bool ReadItemProperties(DString const &path, DString const &driverId, DString const &options,
                                    DLGTemplate dlgTemplate, StopSignal const *stop, PropertyMap &props);
 
-/// Reads a picture of the item, its longer side 1024 pixels. False, and `canvas` cleared, if there is none: no image, too large without a pyramid,
-/// damaged, or stopped.
+/// Reads a picture of the item, its longer side 1024 pixels. False, and `canvas` cleared, if there is none: no image,
+/// too large without a pyramid, damaged, or stopped.
 ZELVAR_API bool ReadItemPreview(DString const &path, DString const &driverId, DString const &options,
                                 StopSignal const *stop, DCanvas &canvas);
 

@@ -29,7 +29,7 @@ public:
     /// Not owned; without one nothing is told.
     void SetCoordinator(QObject *coordinator) { m_coordinator = coordinator; }
     void SetSelChangeMessage(platform::MessageId message) { m_selChangeMessage = message; }
-    void SetDblClckMessage(platform::MessageId message) { m_dblClckMessage = message; } ///< kept; nobody reads it
+    void SetDblClckMessage(platform::MessageId message) { m_dblClckMessage = message; }       ///< kept; nobody reads it
     void SetRootChangeMessage(platform::MessageId message) { m_rootChangeMessage = message; } ///< 0 for none
 
     [[nodiscard]] DataSourceList *GetDataSourceList() const { return m_dataSourceList; }

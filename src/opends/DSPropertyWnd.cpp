@@ -167,9 +167,7 @@ void DSPropertyWnd::ApplyOptions() {
         m_extraWnd->ApplyOptions();
 }
 
-DString DSPropertyWnd::GetOptionString() const {
-    return AreOptionsShown() ? m_extraWnd->GetOptionText() : DString();
-}
+DString DSPropertyWnd::GetOptionString() const { return AreOptionsShown() ? m_extraWnd->GetOptionText() : DString(); }
 
 void DSPropertyWnd::Tell(platform::MessageId message) {
     if (message != 0)

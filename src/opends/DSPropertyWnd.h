@@ -17,7 +17,8 @@ class ImagePreviewWnd;
 
 /// Property pane: tabs with a preview, the properties and the import options of the item picked last.
 ///
-/// All reading happens on a worker thread. The pane knows its coordinator only as its parent and two message numbers. User-interface thread.
+/// All reading happens on a worker thread. The pane knows its coordinator only as its parent and two message numbers.
+/// User-interface thread.
 class ZELVAR_API DSPropertyWnd : public CZelTabCtrl {
     Q_OBJECT
 

@@ -15,11 +15,12 @@ namespace zelvar {
 
 /// Class of panes: what a splitter is told so that it, or its owner, can make one.
 struct PaneClass {
-    char const *name;          ///< tells classes apart
+    char const *name;           ///< tells classes apart
     QWidget *(*createObject)(); ///< a pane without a parent
 };
 
-/// Splitter: a grid of panes with thin bars that the user drags. An optional owner decides how panes are made, placed and removed.
+/// Splitter: a grid of panes with thin bars that the user drags. An optional owner decides how panes are made, placed
+/// and removed.
 ///
 /// Rows and columns are fixed when it is created and change by its own operations only. User-interface thread.
 class ZELVAR_API DSplitterWnd : public QWidget {
@@ -31,7 +32,8 @@ public:
     public:
         virtual ~PaneOwner() = default;
         /// The pane object; null lets the splitter make it from the class.
-        virtual QWidget *CreateViewObj(DSplitterWnd *splitter, int row, int col, PaneClass const *paneClass, Size size) = 0;
+        virtual QWidget *CreateViewObj(DSplitterWnd *splitter, int row, int col, PaneClass const *paneClass,
+                                       Size size) = 0;
         /// Makes the pane a window of the splitter; 0 lets the splitter do so.
         virtual int CreateViewWnd(DSplitterWnd *splitter, QWidget *pane, int row, int col, Rect const &rect,
                                   QWidget *parent, unsigned id) = 0;
@@ -48,10 +50,12 @@ public:
 
     void SetPaneOwner(PaneOwner *owner) { m_paneOwner = owner; }
 
-    /// Creates a grid of 1 to 16 rows and columns that may grow to the maxima. Panes come by `CreateView`. 0 on failure.
+    /// Creates a grid of 1 to 16 rows and columns that may grow to the maxima. Panes come by `CreateView`. 0 on
+    /// failure.
     int CreateStaticEx(QWidget *parent, int rows, int cols, int maxRows, int maxCols, PaneClass const *paneClass,
                        unsigned id);
-    /// Makes the pane for a cell and gives its row and column this ideal size. 0 if the cell is taken or outside, or no pane can be made.
+    /// Makes the pane for a cell and gives its row and column this ideal size. 0 if the cell is taken or outside, or no
+    /// pane can be made.
     int CreateView(int row, int col, PaneClass const *paneClass, Size size);
     void DeleteView(int row, int col);
     void RecalcLayout();
@@ -67,8 +71,9 @@ public:
     /// Control id of the pane of a cell.
     [[nodiscard]] static unsigned IdFromRowCol(int row, int col);
 
-    /// Splits the last row or column `at` pixels from its beginning and fills the new one with panes of the class, or of that given at creation. 0, and nothing
-    /// changed, if it does not fit, the maximum is reached or a pane cannot be made.
+    /// Splits the last row or column `at` pixels from its beginning and fills the new one with panes of the class, or
+    /// of that given at creation. 0, and nothing changed, if it does not fit, the maximum is reached or a pane cannot
+    /// be made.
     int StaticSplitRow(int at, PaneClass const *paneClass);
     int StaticSplitColumn(int at, PaneClass const *paneClass);
     void StaticDeleteRow(int row);
@@ -101,7 +106,7 @@ private:
     void DeleteTrack(Axis axis, int index);
     void ShowBarCursor(BarHit const &hit);
 
-    PaneOwner *m_paneOwner = nullptr; ///< not owned
+    PaneOwner *m_paneOwner = nullptr;       ///< not owned
     PaneClass const *m_paneClass = nullptr; ///< not owned
     int m_maxRows = 1;
     int m_maxCols = 1;

@@ -236,26 +236,27 @@ bool DlgOpenDS::OnInitDialog() {
 }
 
 void DlgOpenDS::CreateControls() {
-    platform::BuildDialog(*this, kOpenDialogTemplate, [](QWidget &dialog, platform::DialogItem const &item) -> QWidget * {
-        switch (item.kind) {
-        case platform::ControlKind::Combo:
-        case platform::ControlKind::DropDownList: {
-            auto *combo = new CZelComboBox(&dialog);
-            combo->setEditable(item.kind == platform::ControlKind::Combo);
-            return combo;
-        }
-        case platform::ControlKind::Button:
-        case platform::ControlKind::CheckButton: {
-            if (item.id == kCancelId)
-                return nullptr;
-            auto *button = new CZelButton(&dialog);
-            button->setCheckable(item.kind == platform::ControlKind::CheckButton);
-            return button;
-        }
-        default:
-            return nullptr;
-        }
-    });
+    platform::BuildDialog(*this, kOpenDialogTemplate,
+                          [](QWidget &dialog, platform::DialogItem const &item) -> QWidget * {
+                              switch (item.kind) {
+                              case platform::ControlKind::Combo:
+                              case platform::ControlKind::DropDownList: {
+                                  auto *combo = new CZelComboBox(&dialog);
+                                  combo->setEditable(item.kind == platform::ControlKind::Combo);
+                                  return combo;
+                              }
+                              case platform::ControlKind::Button:
+                              case platform::ControlKind::CheckButton: {
+                                  if (item.id == kCancelId)
+                                      return nullptr;
+                                  auto *button = new CZelButton(&dialog);
+                                  button->setCheckable(item.kind == platform::ControlKind::CheckButton);
+                                  return button;
+                              }
+                              default:
+                                  return nullptr;
+                              }
+                          });
     m_histCombo = GetDlgItem<CZelComboBox>(*this, kHistoryId);
     m_fileTypeCombo = GetDlgItem<CZelComboBox>(*this, kFileTypeId);
     m_fileFilterEdit = GetDlgItem<QLineEdit>(*this, kFileFilterId);

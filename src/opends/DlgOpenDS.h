@@ -30,12 +30,14 @@ class HierarchyList;
 /// Open data source dialog: the modal dialog in which the user picks data items and gets monikers back.
 ///
 /// It owns its panes and coordinates them: they post or send it messages, and it tells the others what to show. Made by
-/// `CreateDialogObject`, shown by `DoModal`, given back by `DeleteDialogObject`; the results stay valid until then. User-interface thread.
+/// `CreateDialogObject`, shown by `DoModal`, given back by `DeleteDialogObject`; the results stay valid until then.
+/// User-interface thread.
 class ZELVAR_API DlgOpenDS : public cdxCDynamicDialog, public DSplitterWnd::PaneOwner {
     Q_OBJECT
 
 public:
-    /// `formats` are offered in the file type box, `format` is the present one; they must outlive the dialog. `historyKey` names the folder history, and may be null.
+    /// `formats` are offered in the file type box, `format` is the present one; they must outlive the dialog.
+    /// `historyKey` names the folder history, and may be null.
     [[nodiscard]] static DlgOpenDS *CreateDialogObject(DVector<DFileFrmt *> const &formats, DFileFrmt *format,
                                                        DLGTemplate dlgTemplate, char const *historyKey,
                                                        QWidget *parent);
@@ -45,10 +47,11 @@ public:
     // Before showing.
     void SetTitle(char const *title);
     void SetInitDir(char const *path); ///< where to start
-    void SetInitItem(RefItemPtr<DataSourceItem> item); ///< where to start when it is no plain folder; wins over the path
+    void
+    SetInitItem(RefItemPtr<DataSourceItem> item); ///< where to start when it is no plain folder; wins over the path
     void SetRootItem(RefItemPtr<DataSourceItem> item); ///< the data source list shows this item alone
-    void SetBDIFilter(int mask);   ///< node types that can be picked, 0 for all
-    void SetMultiSelect(bool multi); ///< several rows of the main list can be picked; documents never
+    void SetBDIFilter(int mask);                       ///< node types that can be picked, 0 for all
+    void SetMultiSelect(bool multi);                   ///< several rows of the main list can be picked; documents never
 
     // Results.
     [[nodiscard]] DVectorSafe<BDIMoniker> const &GetSelectedNodePaths() const { return m_monikers; }

@@ -226,7 +226,8 @@ void DlgOpenDS::OnDSOptionsChanged(MessageParam first, MessageParam second) {
 }
 
 void DlgOpenDS::OnImageDblClick(MessageParam, MessageParam) {
-    QMetaObject::invokeMethod(this, [this] { OnOK(); }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(
+        this, [this] { OnOK(); }, Qt::QueuedConnection);
 }
 
 void DlgOpenDS::OnRootChanged(MessageParam, MessageParam) {
@@ -320,8 +321,8 @@ bool DlgOpenDS::ProcessTabKey(QWidget *focus) {
     QWidget *const sources =
         m_dataSourceWnd->IsDataSourceView() ? static_cast<QWidget *>(m_dataSourceList) : m_folderList;
     Step const steps[] = {
-        {m_dataSourceList, hierarchy},   {m_folderList, hierarchy},           {m_hierarchyList, m_mainList},
-        {m_mainList, m_histCombo},       {m_histCombo, m_fileFilterEdit},     {m_fileFilterEdit, m_fileTypeCombo},
+        {m_dataSourceList, hierarchy}, {m_folderList, hierarchy},       {m_hierarchyList, m_mainList},
+        {m_mainList, m_histCombo},     {m_histCombo, m_fileFilterEdit}, {m_fileFilterEdit, m_fileTypeCombo},
         {m_fileTypeCombo, sources},
     };
     for (Step const &step : steps) {

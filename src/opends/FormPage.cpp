@@ -18,7 +18,7 @@ namespace zelvar {
 
 namespace {
 
-constexpr int kSpacing = 6;       // pixels between lines and between controls
+constexpr int kSpacing = 6;         // pixels between lines and between controls
 constexpr int kDefaultColumns = 16; // of a text field whose page gives no size
 constexpr int kMaxColumns = 40;
 

@@ -11,7 +11,8 @@ namespace zelvar {
 
 class DSListCtrl;
 
-/// Hierarchy list: panes of folder lists side by side, in which the selection of one pane supplies the content of the next.
+/// Hierarchy list: panes of folder lists side by side, in which the selection of one pane supplies the content of the
+/// next.
 ///
 /// It starts with one pane; everything is written for up to five. User-interface thread.
 class ZELVAR_API HierarchyList : public QWidget, public DSplitterWnd::PaneOwner {

@@ -13,14 +13,16 @@ class FormPage;
 
 /// Image extras: hosts a page of import options and turns its filled-in fields into one option text.
 ///
-/// A page is an HTML file; its form is shown as native controls, no script runs, nothing is fetched. User-interface thread.
+/// A page is an HTML file; its form is shown as native controls, no script runs, nothing is fetched. User-interface
+/// thread.
 class ZELVAR_API ImageExtraWnd : public QScrollArea {
     Q_OBJECT
 
 public:
     explicit ImageExtraWnd(QWidget *parent = nullptr);
 
-    /// Shows the page. The same path again does nothing, so what was typed survives a change of selection within one format.
+    /// Shows the page. The same path again does nothing, so what was typed survives a change of selection within one
+    /// format.
     void Navigate(DString const &path);
     /// Reads the option text from the page; `GetOptionText` gives it.
     void ApplyOptions();

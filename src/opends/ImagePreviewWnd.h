@@ -11,8 +11,8 @@ namespace zelvar {
 
 /// Image preview: shows a canvas fitted into its area, or one line of text while there is none.
 ///
-/// A click lifts the picture over the whole dialog; another one, or any change of focus or application, puts it back. The picture as drawn is
-/// kept, so painting is one copy. User-interface thread.
+/// A click lifts the picture over the whole dialog; another one, or any change of focus or application, puts it back.
+/// The picture as drawn is kept, so painting is one copy. User-interface thread.
 class ZELVAR_API ImagePreviewWnd : public QWidget {
     Q_OBJECT
 

@@ -12,8 +12,8 @@ namespace zelvar {
 
 /// Looks for servers and shares in the network place on a thread of its own.
 ///
-/// `TakeItems` belongs to the user-interface thread. The thread ends after 30 passes that find nothing new, or soon after `RequestStop`; it
-/// touches no window, so a window that goes away first leaves it to end by itself.
+/// `TakeItems` belongs to the user-interface thread. The thread ends after 30 passes that find nothing new, or soon
+/// after `RequestStop`; it touches no window, so a window that goes away first leaves it to end by itself.
 class ZELVAR_API NetworkScanner final : public DThread {
 public:
     NetworkScanner() = default;

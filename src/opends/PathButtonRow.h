@@ -21,11 +21,12 @@ public:
 /// The row of buttons that shows the way to the present folder: makes, measures, places and reuses them.
 class PathButtonRow {
 public:
-    /// Buttons become children of `parent`, with control ids from `firstId` on. `measure` is a hidden button with which widths are taken. Neither is
-    /// owned.
+    /// Buttons become children of `parent`, with control ids from `firstId` on. `measure` is a hidden button with which
+    /// widths are taken. Neither is owned.
     PathButtonRow(QWidget *parent, CZelButton *measure, int firstId);
 
-    /// Shows the chain of parents of `item` in `place`, outermost first; null hides all. `clicked` gets the id of a button.
+    /// Shows the chain of parents of `item` in `place`, outermost first; null hides all. `clicked` gets the id of a
+    /// button.
     void Show(RefItemPtr<DataSourceItem> const &item, QRect const &place, std::function<void(int id)> const &clicked);
     /// The item of the button with that id; null outside.
     [[nodiscard]] RefItemPtr<DataSourceItem> ItemOf(int id) const;

@@ -11,8 +11,9 @@ namespace zelvar {
 
 /// Reads properties and a preview of one item after the other on a thread of its own.
 ///
-/// `Restart` and the takers belong to the user-interface thread, `Run` to the worker's. What crosses goes through the members under their locks; the
-/// messages only tell that it is there. At most one job waits; a newer one replaces it, and the one under way is told to stop.
+/// `Restart` and the takers belong to the user-interface thread, `Run` to the worker's. What crosses goes through the
+/// members under their locks; the messages only tell that it is there. At most one job waits; a newer one replaces it,
+/// and the one under way is told to stop.
 class PropertyWorker final : public DThread {
 public:
     PropertyWorker() = default;

@@ -15,9 +15,9 @@ namespace zelvar::tool {
 
 namespace {
 
-constexpr int kLookEvery = 20;    // ms
-constexpr int kPatience = 30000;  // ms for rows to come
-constexpr int kSettling = 700;    // ms: the lists merge new rows every 300 ms
+constexpr int kLookEvery = 20;   // ms
+constexpr int kPatience = 30000; // ms for rows to come
+constexpr int kSettling = 700;   // ms: the lists merge new rows every 300 ms
 constexpr int kOkId = 1;
 
 } // namespace

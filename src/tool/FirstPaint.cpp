@@ -9,6 +9,7 @@
 #include <fstream>
 #include <sstream>
 #include <string>
+
 #include <unistd.h>
 
 namespace zelvar::tool {
@@ -40,8 +41,9 @@ protected:
         if (event->type() == QEvent::Paint) {
             watched->removeEventFilter(this);
             // Behind the paint events of the children, which come in the same pass.
-            QTimer::singleShot(
-                0, this, [] { std::fprintf(stderr, "first paint %.1f ms after the start\n", MillisecondsSinceStart()); });
+            QTimer::singleShot(0, this, [] {
+                std::fprintf(stderr, "first paint %.1f ms after the start\n", MillisecondsSinceStart());
+            });
         }
         return false;
     }

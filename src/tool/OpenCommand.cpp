@@ -1,7 +1,6 @@
 #include "tool/Commands.h"
 #include "tool/DialogDriver.h"
 #include "tool/FirstPaint.h"
-
 #include "zelvar/library/ZelvarInit.h"
 #include "zelvar/model/NtwDataSourceItem.h"
 #include "zelvar/model/PlaceResolver.h"

@@ -1,5 +1,4 @@
 #include "tool/Commands.h"
-
 #include "zelvar/data/DriverModule.h"
 #include "zelvar/model/DataSourceCollector.h"
 

@@ -1,11 +1,11 @@
 #include "zelvar/opends/form/HtmlForm.h"
 
-#include <libxml/HTMLparser.h>
-
 #include <algorithm>
 #include <charconv>
 #include <memory>
 #include <string_view>
+
+#include <libxml/HTMLparser.h>
 
 namespace zelvar {
 
@@ -115,8 +115,8 @@ private:
             out.push_back(Plain(name == "br" ? FormNode::Kind::LineBreak : FormNode::Kind::Rule));
         else if (name == "table")
             AddTable(element, out, bold, depth);
-        else if (OneOf(name, {"p", "div", "li", "ul", "ol", "form", "fieldset", "legend", "body", "html", "h1", "h2",
-                              "h3", "h4", "h5", "h6", "dl", "dt", "dd", "section", "pre", "center"}))
+        else if (OneOf(name, {"p",  "div", "li", "ul", "ol", "form", "fieldset", "legend",  "body", "html",  "h1", "h2",
+                              "h3", "h4",  "h5", "h6", "dl", "dt",   "dd",       "section", "pre",  "center"}))
             AddBlock(element, out, bold || OneOf(name, {"h1", "h2", "h3", "h4", "h5", "h6", "legend"}), depth);
         else
             Collect(element->children, out, bold || OneOf(name, {"b", "strong", "th"}), depth + 1);

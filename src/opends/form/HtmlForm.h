@@ -17,7 +17,7 @@ struct FormChoice {
 /// What stands in the flow of a page: a piece of text, a control, or something that holds such pieces.
 struct FormNode {
     enum class Kind {
-        Text,      ///< `text`; `bold` for headings and strong text
+        Text, ///< `text`; `bold` for headings and strong text
         LineBreak,
         Rule,
         TextField, ///< an input of type text, or of a type that is not known here
@@ -25,11 +25,11 @@ struct FormNode {
         CheckBox,
         RadioButton,
         Select,
-        Button,    ///< `text` is its caption
+        Button, ///< `text` is its caption
         Hidden,
-        Block,     ///< a paragraph, list item or the like: `children` on lines of their own
-        Table,     ///< `children` are Rows
-        Row,       ///< `children` are Cells
+        Block, ///< a paragraph, list item or the like: `children` on lines of their own
+        Table, ///< `children` are Rows
+        Row,   ///< `children` are Cells
         Cell,
     };
     Kind kind = Kind::Text;
@@ -47,9 +47,10 @@ struct FormNode {
     std::vector<FormNode> children;
 };
 
-/// The page as a tree of what a user sees and fills in, in the page's order. Broken markup is repaired as a browser would; scripts and styles are
-/// dropped, unknown elements become their children. Nothing is run and nothing fetched. A page above 1 MB, or one that is no HTML at all, gives an empty block.
-/// Elements nested deeper than 256 levels are left out.
+/// The page as a tree of what a user sees and fills in, in the page's order. Broken markup is repaired as a browser
+/// would; scripts and styles are dropped, unknown elements become their children. Nothing is run and nothing fetched. A
+/// page above 1 MB, or one that is no HTML at all, gives an empty block. Elements nested deeper than 256 levels are
+/// left out.
 [[nodiscard]] FormNode ParseHtmlForm(DString const &html);
 
 inline constexpr std::size_t kMaxPageBytes = std::size_t{1} << 20U;

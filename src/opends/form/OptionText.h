@@ -13,8 +13,9 @@ struct OptionField {
     bool isSelect = false;
 };
 
-/// The fields as one text, "a=1&b>2", by name as bytes. Where a select element is named as a field with ".op" behind it, its value stands for
-/// the "="; such a select is an entry of its own as well. Of fields of one name the last one counts, selects after text fields.
+/// The fields as one text, "a=1&b>2", by name as bytes. Where a select element is named as a field with ".op" behind
+/// it, its value stands for the "="; such a select is an entry of its own as well. Of fields of one name the last one
+/// counts, selects after text fields.
 [[nodiscard]] DString MakeOptionText(std::vector<OptionField> const &fields);
 
 } // namespace zelvar
