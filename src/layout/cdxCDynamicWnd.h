@@ -5,7 +5,6 @@
 #include "zelvar/layout/core/LayoutRule.h"
 
 #include <QtCore/QRect>
-#include <QtCore/QtClassHelperMacros>
 
 #include <cstdint>
 #include <memory>
