@@ -57,7 +57,7 @@ DString PathButtonText(DString const &name, bool cutBefore, bool cutBehind) {
         std::size_t characters = 0;
         std::size_t end = 0;
         while (end < name.size() && (characters < kCutNameTo || !BeginsCharacter(name[end])))
-            characters += BeginsCharacter(name[end++]) ? 1 : 0;
+            characters += BeginsCharacter(name[end++]) ? 1U : 0U;
         text = name.substr(0, end) + "...";
     }
     return (cutBefore ? "../" : "") + text + (cutBehind ? "/.." : "");

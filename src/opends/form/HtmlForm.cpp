@@ -139,7 +139,9 @@ private:
     }
 
     static void AddInput(xmlNode const *element, std::vector<FormNode> &out) {
-        DString const type = FoldCase(Attribute(element, "type"));
+        DString type = Attribute(element, "type");
+        std::transform(type.begin(), type.end(), type.begin(),
+                       [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
         if (OneOf(type, {"submit", "button", "reset", "image"})) {
             DString const value = Attribute(element, "value");
             AddButton(element, value.empty() && type == "submit" ? "Submit" : value, out);
@@ -215,25 +217,38 @@ private:
             if (child->type != XML_ELEMENT_NODE)
                 continue;
             if (View(child->name) == "tr")
-                AddRow(child, rows, bold, depth);
+                AddRow(child->children, rows, bold, depth);
+            else if (IsCell(child))
+                AddStrayCell(child, rows, bold, depth);
             else
                 AddRows(child, rows, bold, depth + 1);
         }
     }
 
-    static void AddRow(xmlNode const *element, std::vector<FormNode> &rows, bool bold, int depth) {
+    static bool IsCell(xmlNode const *node) {
+        return node->type == XML_ELEMENT_NODE && OneOf(View(node->name), {"td", "th"});
+    }
+
+    static void AddRow(xmlNode const *first, std::vector<FormNode> &rows, bool bold, int depth) {
         FormNode row = Plain(FormNode::Kind::Row);
-        for (xmlNode const *child = element->children; child != nullptr; child = child->next) {
-            bool const isCell =
-                child->type == XML_ELEMENT_NODE && (View(child->name) == "td" || View(child->name) == "th");
-            if (!isCell)
-                continue;
-            FormNode cell = Plain(FormNode::Kind::Cell);
-            cell.span = std::clamp(IntAttribute(child, "colspan", 1), 1, kMaxSpan);
-            Collect(child->children, cell.children, bold || View(child->name) == "th", depth + 1);
-            row.children.push_back(std::move(cell));
-        }
+        for (xmlNode const *child = first; child != nullptr; child = child->next)
+            if (IsCell(child))
+                row.children.push_back(MakeCell(child, bold, depth));
         rows.push_back(std::move(row));
+    }
+
+    /// A cell outside any row: it stands in the last one, as in a browser.
+    static void AddStrayCell(xmlNode const *cell, std::vector<FormNode> &rows, bool bold, int depth) {
+        if (rows.empty())
+            rows.push_back(Plain(FormNode::Kind::Row));
+        rows.back().children.push_back(MakeCell(cell, bold, depth));
+    }
+
+    static FormNode MakeCell(xmlNode const *element, bool bold, int depth) {
+        FormNode cell = Plain(FormNode::Kind::Cell);
+        cell.span = std::clamp(IntAttribute(element, "colspan", 1), 1, kMaxSpan);
+        Collect(element->children, cell.children, bold || View(element->name) == "th", depth + 1);
+        return cell;
     }
 };
 
