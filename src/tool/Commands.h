@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tool/CommandLine.h"
+#include "zelvar/tool/CommandLine.h"
 
 namespace zelvar::tool {
 

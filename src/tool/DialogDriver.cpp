@@ -1,4 +1,4 @@
-#include "tool/DialogDriver.h"
+#include "zelvar/tool/DialogDriver.h"
 
 #include "zelvar/opends/DSListCtrl.h"
 #include "zelvar/opends/DSPropertyWnd.h"

@@ -1,4 +1,4 @@
-#include "tool/FirstPaint.h"
+#include "zelvar/tool/FirstPaint.h"
 
 #include <QtCore/QEvent>
 #include <QtCore/QTimer>

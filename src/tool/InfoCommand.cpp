@@ -1,8 +1,8 @@
-#include "tool/Commands.h"
 #include "zelvar/data/BDIMoniker.h"
 #include "zelvar/data/DriverModule.h"
 #include "zelvar/model/ItemProperties.h"
 #include "zelvar/model/PlaceResolver.h"
+#include "zelvar/tool/Commands.h"
 
 #include <QtGui/QImage>
 

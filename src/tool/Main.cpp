@@ -1,4 +1,4 @@
-#include "tool/Commands.h"
+#include "zelvar/tool/Commands.h"
 
 #include <cstdio>
 #include <exception>

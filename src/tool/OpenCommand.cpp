@@ -1,12 +1,12 @@
-#include "tool/Commands.h"
-#include "tool/DialogDriver.h"
-#include "tool/FirstPaint.h"
 #include "zelvar/library/ZelvarInit.h"
 #include "zelvar/model/NtwDataSourceItem.h"
 #include "zelvar/model/PlaceResolver.h"
 #include "zelvar/opends/DlgOpenDS.h"
 #include "zelvar/platform/ui/Text.h"
 #include "zelvar/platform/ui/UserMessages.h"
+#include "zelvar/tool/Commands.h"
+#include "zelvar/tool/DialogDriver.h"
+#include "zelvar/tool/FirstPaint.h"
 
 #include <QtCore/QTimer>
 #include <QtWidgets/QApplication>

@@ -1,6 +1,6 @@
-#include "tool/Commands.h"
 #include "zelvar/data/DriverModule.h"
 #include "zelvar/model/DataSourceCollector.h"
+#include "zelvar/tool/Commands.h"
 
 #include <cstdio>
 

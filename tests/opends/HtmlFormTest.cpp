@@ -1,4 +1,5 @@
 #include "zelvar/opends/form/HtmlForm.h"
+
 #include "zelvar/opends/form/OptionText.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "tool/CommandLine.h"
+#include "zelvar/tool/CommandLine.h"
 
 #include <gtest/gtest.h>
 
