@@ -38,7 +38,7 @@ struct PlacedItem {
 /// Items are numbered as they arrive. Keys are made once an item; a batch of arrivals is sorted by itself and merged in
 /// one pass, so a listing costs one sort, whatever its size. Among equals a later arrival comes behind the earlier
 /// ones; descending is the same order counted from its end. One thread at a time.
-class ListingOrder {
+class ZELVAR_API ListingOrder {
 public:
     /// Forgets all items.
     void Reset(ListingSort sort, bool ascending);

@@ -20,10 +20,10 @@ struct PaneState {
 
 /// True if a listing of `wanted` would not give what `saved` gave. A changed mask alone counts in a recursive list
 /// only: the others take it up when they are listed again. The order of roots does not matter.
-[[nodiscard]] bool StateChanged(PaneState const &saved, PaneState const &wanted, bool isRecursive);
+[[nodiscard]] ZELVAR_API bool StateChanged(PaneState const &saved, PaneState const &wanted, bool isRecursive);
 
 /// True if a listing of `roots` may keep what one of `saved` found: all those roots are there again, others may be.
-[[nodiscard]] bool CoversRoots(std::vector<DString> const &saved, std::vector<DString> const &roots);
+[[nodiscard]] ZELVAR_API bool CoversRoots(std::vector<DString> const &saved, std::vector<DString> const &roots);
 
 /// Paths to look up: of rows that are to be selected when they turn up, or of items that are known.
 class PathSet {

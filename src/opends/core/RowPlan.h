@@ -1,5 +1,7 @@
 #pragma once
 
+#include "zelvar/base/Export.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <utility>
@@ -18,7 +20,7 @@ struct PendingRow {
 ///
 /// Gives the result of the single insertions without their cost: rows move once, not once an item. A row beyond the end
 /// means the end.
-class RowPlan {
+class ZELVAR_API RowPlan {
 public:
     /// `insertRows`: the row of each record at its moment, in the order of insertion.
     RowPlan(std::size_t oldCount, std::vector<std::int32_t> const &insertRows);

@@ -1,0 +1,1 @@
+// Keeps the room's target alive until its first source lands.

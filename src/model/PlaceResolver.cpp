@@ -1,0 +1,56 @@
+#include "zelvar/model/PlaceResolver.h"
+
+#include "zelvar/data/BDIMoniker.h"
+#include "zelvar/model/DataSourceDefinitions.h"
+#include "zelvar/model/NtwDataSourceItem.h"
+#include "zelvar/model/TemplDataSourceItem.h"
+#include "zelvar/platform/os/SmbAddress.h"
+
+namespace zelvar {
+
+namespace {
+
+constexpr std::string_view kSource = "source:";
+constexpr std::string_view kFileScheme = "file://";
+
+RefItemPtr<DataSourceItem> FromDefinition(DString const &name) {
+    DataSourceDefinitions definitions;
+    definitions.Load();
+    RefItemPtr<DataSourceItem> item(TemplDataSourceItem::CreateItem(definitions.Get(name)));
+    if (item)
+        item->Prepare();
+    return item;
+}
+
+RefItemPtr<DataSourceItem> FromPath(DString const &path) {
+    RefItemPtr<DataSourceItem> item(NtwDataSourceItem::CreateItem(path.c_str(), nullptr, nullptr));
+    if (item)
+        item->BuildParents();
+    return item;
+}
+
+RefItemPtr<DataSourceItem> FromContainer(DString const &container, DString const &node) {
+    RefItemPtr<DataSourceItem> const file = FromPath(container);
+    if (!file)
+        return nullptr;
+    RefItemPtr<TemplDataSourceItem> const tree(TemplDataSourceItem::CreateItem(nullptr, container.c_str(), file));
+    return TemplDataSourceItem::CreateNodeItem(tree, node.c_str());
+}
+
+} // namespace
+
+RefItemPtr<DataSourceItem> ItemFromPlace(DString const &place) {
+    if (place.starts_with(kSource))
+        return FromDefinition(place.substr(kSource.size()));
+    if (StartsWithNoCase(place, kFileScheme))
+        return FromPath(BDIMoniker(place, nullptr).GetPathOnDisk());
+    if (RefItemPtr<DataSourceItem> item = FromPath(place); item || platform::IsSmbAddress(place))
+        return item;
+    BDIMoniker const moniker(place, nullptr);
+    if (moniker.IsUrl())
+        return TemplDataSourceItem::CreateItem(nullptr, place.c_str(), nullptr);
+    DString const container = moniker.GetPathOnDisk();
+    return container.empty() || container == place ? nullptr : FromContainer(container, place);
+}
+
+} // namespace zelvar

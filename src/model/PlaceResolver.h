@@ -1,0 +1,11 @@
+#pragma once
+
+#include "zelvar/model/DataSourceItem.h"
+
+namespace zelvar {
+
+/// The item that a text names: a path, an address, a node inside a container as listings print it, or "source:NAME" for
+/// a connection definition, which is opened. Null if nothing is there. May block as the medium does.
+[[nodiscard]] ZELVAR_API RefItemPtr<DataSourceItem> ItemFromPlace(DString const &place);
+
+} // namespace zelvar

@@ -1,0 +1,286 @@
+#include "zelvar/model/NtwDataSourceItem.h"
+
+#include "support/FakeBDIDrvr.h"
+#include "support/TestFiles.h"
+#include "zelvar/platform/os/ScriptedShellNamespace.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace zelvar {
+namespace {
+
+using platform::ScriptedShellNamespace;
+using platform::ShellId;
+using platform::ShellKind;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::UnorderedElementsAre;
+
+class CountingCancel : public DataSourceItem::ICancel {
+public:
+    explicit CountingCancel(int allowed) : m_allowed(allowed) {}
+    bool IsCanceled() override { return m_allowed-- <= 0; }
+
+private:
+    int m_allowed;
+};
+
+class NtwDataSourceItemTest : public testing::Test {
+protected:
+    NtwDataSourceItemTest() : m_former(platform::ShellNamespace::SetCurrent(m_shell)) {}
+    ~NtwDataSourceItemTest() override { platform::ShellNamespace::SetCurrent(m_former); }
+
+    static RefItemPtr<NtwDataSourceItem> Item(char const *path, char const *driverId = nullptr) {
+        return NtwDataSourceItem::CreateItem(path, nullptr, driverId);
+    }
+    static std::vector<RefItemPtr<NtwDataSourceItem>> Children(NtwDataSourceItem &folder, char const *filter = nullptr,
+                                                               DataSourceItem::ICancel *cancel = nullptr,
+                                                               DLGTemplate purpose = DT_DATA) {
+        std::vector<RefItemPtr<NtwDataSourceItem>> children;
+        ForEachChild(folder, cancel, filter, nullptr, 0, purpose, [&](RefItemPtr<DataSourceItem> const &child) {
+            children.emplace_back(dynamic_cast<NtwDataSourceItem *>(child.get()));
+            return true;
+        });
+        return children;
+    }
+    static std::vector<DString> Names(char const *path, char const *filter = nullptr,
+                                      DataSourceItem::ICancel *cancel = nullptr) {
+        std::vector<DString> names;
+        for (auto const &child : Children(*Item(path), filter, cancel))
+            names.push_back(child->GetName());
+        return names;
+    }
+
+    test::FakeDrivers m_drivers;
+    std::shared_ptr<ScriptedShellNamespace> m_shell = std::make_shared<ScriptedShellNamespace>();
+    std::shared_ptr<platform::ShellNamespace> m_former;
+};
+
+TEST_F(NtwDataSourceItemTest, ClassifiesWhatAPathNames) {
+    m_shell->AddFile("/data/a.txt");
+    m_shell->AddServer("host");
+    EXPECT_EQ(Item("/data")->GetType(), NtwDataSourceItem::TYPE_FOLDER);
+    EXPECT_EQ(Item("/data/a.txt")->GetType(), NtwDataSourceItem::TYPE_FILE);
+    EXPECT_FALSE(Item("/data/a.txt")->IsFolder());
+    EXPECT_EQ(Item("smb://host")->GetType(), NtwDataSourceItem::TYPE_FOLDER);
+    EXPECT_EQ(Item("/data")->GetDataSourceType(), DataSourceItem::DST_FILE_SYSTEM);
+    EXPECT_EQ(Item("/missing"), nullptr);
+    EXPECT_EQ(Item(nullptr), nullptr);
+    EXPECT_EQ(RefItemPtr<NtwDataSourceItem>(NtwDataSourceItem::CreateItem(ShellId(), nullptr, nullptr)), nullptr);
+}
+
+TEST_F(NtwDataSourceItemTest, AnIdentifierWhoseKindCannotBeToldIsAFolderThatComesOutEmpty) {
+    ShellId const gone = m_shell->Drives().Child("/gone", ShellKind::Unknown);
+    RefItemPtr<NtwDataSourceItem> const item(NtwDataSourceItem::CreateItem(gone, nullptr, nullptr));
+    ASSERT_NE(item, nullptr);
+    EXPECT_EQ(item->GetType(), NtwDataSourceItem::TYPE_FOLDER);
+    EXPECT_THAT(Children(*item), IsEmpty());
+}
+
+TEST_F(NtwDataSourceItemTest, ThePlaceholderHasNothing) {
+    RefItemPtr<DataSourceItem> const item(NtwDataSourceItem::CreateDSItem());
+    EXPECT_EQ(item->GetDataSourceType(), DataSourceItem::DST_NONE);
+    EXPECT_EQ(item->GetPath(), "");
+    EXPECT_EQ(item->GetName(), "");
+    EXPECT_FALSE(item->IsFolder());
+    EXPECT_EQ(item->GetIconIndex(), -1);
+    EXPECT_EQ(item->CreateIterator(nullptr, nullptr, nullptr, 0, DT_DATA), nullptr);
+    item->BuildParents();
+    EXPECT_EQ(item->GetParent(), nullptr);
+}
+
+TEST_F(NtwDataSourceItemTest, LeavesOutShortcutsAndTheProductsCaches) {
+    for (char const *file : {"/d/a.lnk", "/d/B.LNK", "/d/.lnk", "/d/lnk", "/d/_image_cache_", "/d/x.lnk.txt"})
+        m_shell->AddFile(file);
+    for (char const *folder : {"/d/_image_cache", "/d/_zoom_cache", "/d/_Image_cache", "/d/folder.lnk"})
+        m_shell->AddFolder(folder);
+    EXPECT_THAT(Names("/d"), ElementsAre("lnk", "_image_cache_", "x.lnk.txt", "_Image_cache", "folder.lnk"));
+}
+
+TEST_F(NtwDataSourceItemTest, AMaskNamesFilesAndNeverFolders) {
+    for (char const *file : {"/d/a.tif", "/d/b.IMG", "/d/no dot"})
+        m_shell->AddFile(file);
+    m_shell->AddFolder("/d/folder.txt");
+    std::vector<DString> const all = Names("/d");
+    EXPECT_EQ(all.size(), 4U);
+    for (char const *everything : {"", "*", "*.*"})
+        EXPECT_EQ(Names("/d", everything), all) << everything;
+    EXPECT_THAT(Names("/d", "*.tif"), ElementsAre("a.tif", "folder.txt"));
+    EXPECT_THAT(Names("/d", "*.tif;*.img"), ElementsAre("a.tif", "b.IMG", "folder.txt"));
+}
+
+TEST_F(NtwDataSourceItemTest, AChildKnowsSizeTimeAndPictureWithoutASecondLook) {
+    m_shell->AddFile("/d/a.tif", {.size = 12, .modified = 1'709'450'000'123'000'000});
+    m_shell->AddFolder("/d/sub");
+    RefItemPtr<NtwDataSourceItem> const folder = Item("/d");
+    auto const children = Children(*folder);
+    ASSERT_EQ(children.size(), 2U);
+    EXPECT_EQ(children[0]->GetFileSize(), 12);
+    SystemTime time;
+    ASSERT_TRUE(children[0]->GetModificationTime(time));
+    EXPECT_EQ(time, ToLocalTime(1'709'450'000'123'000'000));
+    EXPECT_EQ(children[0]->GetPath(), "/d/a.tif");
+    EXPECT_EQ(children[0]->GetParent(), RefItemPtr<DataSourceItem>(folder));
+    NtwDataSourceItem::Initialize();
+    EXPECT_EQ(children[0]->GetImageList()->Get(children[0]->GetIconIndex()).name, "image-x-generic");
+    EXPECT_EQ(children[1]->GetImageList()->Get(children[1]->GetIconIndex()).name, "folder");
+    EXPECT_EQ(children[1]->GetFileSize(), -1);
+    EXPECT_FALSE(children[1]->GetModificationTime(time));
+    EXPECT_EQ(m_shell->TimesCalls(), 0);
+}
+
+TEST_F(NtwDataSourceItemTest, AnItemMadeFromAPathLooksWhenItIsTold) {
+    m_shell->AddFile("/d/a.tif", {.size = 12});
+    RefItemPtr<NtwDataSourceItem> const item = Item("/d/a.tif");
+    EXPECT_EQ(item->GetFileSize(), -1);
+    item->InitProps();
+    EXPECT_EQ(item->GetFileSize(), 12);
+    SystemTime time;
+    EXPECT_TRUE(item->GetModificationTime(time));
+    m_shell->Remove("/d/a.tif");
+    item->InitProps(); // gone meanwhile: what was known stays
+    EXPECT_EQ(item->GetFileSize(), 12);
+}
+
+TEST_F(NtwDataSourceItemTest, AStoppedListingIsShorterAndValid) {
+    for (char const *file : {"/d/1", "/d/2.txt", "/d/3", "/d/4"})
+        m_shell->AddFile(file);
+    CountingCancel atOnce(0);
+    RefItemPtr<NtwDataSourceItem> const folder = Item("/d");
+    DataSourceItemItr *const empty = folder->CreateIterator(&atOnce, nullptr, nullptr, 0, DT_DATA);
+    ASSERT_NE(empty, nullptr);
+    empty->First();
+    EXPECT_FALSE(empty->IsValid());
+    folder->DeleteIterator(empty);
+    CountingCancel afterTwo(2);
+    EXPECT_THAT(Names("/d", nullptr, &afterTwo), ElementsAre("1", "2.txt"));
+    CountingCancel alsoForFilesLeftOut(2);
+    EXPECT_THAT(Names("/d", "?", &alsoForFilesLeftOut), ElementsAre("1"));
+}
+
+TEST_F(NtwDataSourceItemTest, AFolderThatCannotBeReadIsEmptyWithoutAWord) {
+    m_shell->AddFile("/d/a");
+    m_shell->SetUnreadable("/d");
+    EXPECT_THAT(Names("/d"), IsEmpty());
+}
+
+TEST_F(NtwDataSourceItemTest, NamesAreSetFromOutsideOrComeFromTheShell) {
+    m_shell->AddDrive("/mnt/stick", "Stick", ShellKind::Removable);
+    RefItemPtr<NtwDataSourceItem> const drive = Item("/mnt/stick");
+    EXPECT_EQ(drive->GetName(), "Stick");
+    drive->SetName("..");
+    EXPECT_EQ(drive->GetName(), "..");
+    drive->SetName("");
+    EXPECT_EQ(drive->GetName(), "Stick");
+}
+
+TEST_F(NtwDataSourceItemTest, ACloneKeepsIdentityNameAndParentButNoPictureOfItsOwn) {
+    m_shell->AddFile("/d/a.tif", {.size = 3});
+    RefItemPtr<NtwDataSourceItem> const item = Children(*Item("/d")).at(0);
+    ImageList const pictures;
+    item->SetOwnIcon(&pictures, 0);
+    item->SetGroup(4);
+    RefItemPtr<DataSourceItem> const copy = item->Clone();
+    EXPECT_EQ(copy->GetPath(), "/d/a.tif");
+    EXPECT_EQ(copy->GetName(), "a.tif");
+    EXPECT_EQ(copy->GetFileSize(), 3);
+    EXPECT_EQ(copy->GetParent(), item->GetParent());
+    EXPECT_FALSE(copy->HasOwnIcon());
+    EXPECT_EQ(copy->GetGroup(), 0);
+    EXPECT_EQ(item->GetIconIndex(), 0);
+    EXPECT_EQ(item->GetImageList(), &pictures);
+}
+
+TEST_F(NtwDataSourceItemTest, ParentsAreBuiltUpToTheDriveAndUpToTheServer) {
+    m_shell->AddDrive("/mnt/stick", "Stick", ShellKind::Removable);
+    m_shell->AddFile("/mnt/stick/a/b/c.tif");
+    m_shell->AddFile("smb://host/share/x.tif");
+    auto const chain = [](RefItemPtr<DataSourceItem> item) {
+        std::vector<DString> names;
+        for (item->BuildParents(); item; item = item->GetParent())
+            names.push_back(item->GetName());
+        return names;
+    };
+    EXPECT_THAT(chain(Item("/mnt/stick/a/b/c.tif")), ElementsAre("c.tif", "b", "a", "Stick"));
+    EXPECT_THAT(chain(Item("smb://host/share/x.tif")), ElementsAre("x.tif", "share", "host"));
+    EXPECT_THAT(chain(Children(*Item("/mnt/stick/a")).at(0)), ElementsAre("b", "a", "Stick"));
+}
+
+TEST_F(NtwDataSourceItemTest, OnlyDriversThatMayClaimANameAreAsked) {
+    m_shell->AddFile("/d/a.tif");
+    m_shell->AddFile("/d/b.txt");
+    m_shell->AddFile("/d/c.TIF");
+    test::FakeBDIDrvr const &single =
+        m_drivers.Add("single", "*.tif", [](auto &driver) { driver.SetAttribute("BDI_Multiple_Images", 0); });
+    test::FakeBDIDrvr const &refusing =
+        m_drivers.Add("refusing", "*.tif", [](auto &driver) { driver.SetReads(false); });
+    test::FakeBDIDrvr const &multiple = m_drivers.Add("multiple", "*.tif");
+    std::vector<NtwDataSourceItem::Type> types;
+    for (auto const &child : Children(*Item("/d")))
+        types.push_back(child->GetType());
+    EXPECT_THAT(types, ElementsAre(NtwDataSourceItem::TYPE_REPOSITORY_FILE, NtwDataSourceItem::TYPE_FILE,
+                                   NtwDataSourceItem::TYPE_REPOSITORY_FILE));
+    EXPECT_EQ(single.Counted().canRead, 0);
+    EXPECT_EQ(refusing.Counted().canRead, 2);
+    EXPECT_EQ(multiple.Counted().canRead, 2); // once a file
+    EXPECT_EQ(multiple.Counted().opened, 0);
+}
+
+TEST_F(NtwDataSourceItemTest, ANamedDriverAloneDecides) {
+    m_shell->AddFile("/d/a.tif");
+    m_drivers.Add("any", "*.tif");
+    m_drivers.Add("single", "*.tif", [](auto &driver) { driver.SetAttribute("BDI_Multiple_Images", 0); });
+    m_drivers.Add("blind", "*.tif", [](auto &driver) { driver.SetReads(false); });
+    EXPECT_TRUE(CanOpenAsRepository("/d/a.tif", nullptr));
+    EXPECT_TRUE(CanOpenAsRepository("/d/a.tif", "unknown id"));
+    EXPECT_TRUE(CanOpenAsRepository("/d/a.tif", "any"));
+    EXPECT_FALSE(CanOpenAsRepository("/d/a.tif", "single"));
+    EXPECT_FALSE(CanOpenAsRepository("/d/a.tif", "blind"));
+    EXPECT_FALSE(Item("/d/a.tif", "blind")->IsFolder());
+}
+
+TEST_F(NtwDataSourceItemTest, AContainerIsAFolderThatOpensOnce) {
+    m_shell->AddFile("/d/a.tif", {.size = 10});
+    test::FakeBDIDrvr const &driver = m_drivers.Add("pages", "*.tif", [](auto &pages) {
+        pages.Add("root", "page 1", BDINode_Raster, "Page 1");
+        pages.Add("root", "page 2", BDINode_Raster, "Page 2");
+    });
+    {
+        NtwDataSourceItem::Initialize();
+        RefItemPtr<NtwDataSourceItem> const file = Children(*Item("/d")).at(0);
+        EXPECT_TRUE(file->IsFolder());
+        EXPECT_EQ(file->GetFileSize(), -1);
+        std::vector<RefItemPtr<DataSourceItem>> pages;
+        for (int round = 0; round < 2; ++round) {
+            pages.clear();
+            ForEachChild(*file, nullptr, "*.nothing", nullptr, BDINode_Raster, DT_DATA,
+                         [&](RefItemPtr<DataSourceItem> const &page) {
+                             pages.push_back(page);
+                             return true;
+                         });
+            ASSERT_EQ(pages.size(), 2U);
+        }
+        EXPECT_EQ(driver.Counted().opened, 1);
+        EXPECT_EQ(pages[1]->GetName(), "Page 2");
+        EXPECT_EQ(pages[1]->GetDataSourceType(), DataSourceItem::DST_REPOSITORY);
+        EXPECT_EQ(pages[1]->GetParent()->GetParent()->GetPath(), "/d/a.tif");
+        EXPECT_EQ(pages[1]->GetIconIndex(), file->GetIconIndex());
+        EXPECT_EQ(pages[1]->GetImageList(), NtwDataSourceItem::hImageList);
+    }
+    // File and tree know each other; neither may keep the other alive.
+    EXPECT_EQ(driver.Counted().openRepositories, 0);
+    EXPECT_EQ(driver.Counted().openNodes, 0);
+}
+
+TEST_F(NtwDataSourceItemTest, AContainerThatDoesNotOpenHasNoIterator) {
+    m_shell->AddFile("/d/a.tif");
+    m_drivers.Add("broken", "*.tif", [](auto &driver) { driver.SetOpens([](DString const &) { return false; }); });
+    RefItemPtr<NtwDataSourceItem> const file = Item("/d/a.tif");
+    EXPECT_TRUE(file->IsFolder());
+    EXPECT_EQ(file->CreateIterator(nullptr, nullptr, nullptr, 0, DT_DATA), nullptr);
+    file->DeleteIterator(nullptr);
+}
+
+} // namespace
+} // namespace zelvar
