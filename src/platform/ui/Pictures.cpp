@@ -26,6 +26,9 @@ using PictureKey = std::tuple<unsigned, int, int, int>; // list, index, side, pi
 
 std::map<PictureKey, QPixmap> &KeptPictures() {
     static std::map<PictureKey, QPixmap> pictures;
+    // Pixmaps must not outlive the application.
+    static bool const cleared = (qAddPostRoutine([] { pictures.clear(); }), true);
+    static_cast<void>(cleared);
     return pictures;
 }
 

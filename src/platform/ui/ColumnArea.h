@@ -1,0 +1,70 @@
+#pragma once
+
+#include "zelvar/platform/ui/ReportTypes.h"
+
+#include <QtWidgets/QAbstractScrollArea>
+
+#include <memory>
+#include <vector>
+
+class QHeaderView;
+
+namespace zelvar::platform {
+
+/// Scroll area below a row of column headings: the columns of a report view, their widths and their order.
+///
+/// Columns are numbered as they were inserted; where a user has dragged them to is told by the order alone.
+class ColumnArea : public QAbstractScrollArea {
+    Q_OBJECT
+
+public:
+    explicit ColumnArea(QWidget *parent = nullptr);
+    ~ColumnArea() override;
+
+    /// The new column's number; beyond the end means at the end. `subItem` below 0 is the number itself.
+    int InsertColumn(int col, DString const &caption, int format = LVCFMT_LEFT, int width = 0, int subItem = -1);
+    /// 1, or 0 if there is no such column.
+    int DeleteColumn(int col);
+    [[nodiscard]] int GetColumnCount() const;
+    /// False if there is no such column.
+    bool GetColumn(int col, ReportColumn &column) const;
+    bool SetColumnCaption(int col, DString const &caption);
+    bool SetColumnFormat(int col, int format);
+    [[nodiscard]] int GetColumnWidth(int col) const; ///< 0 for no such column
+    bool SetColumnWidth(int col, int width);         ///< pixels, or one of `LVSCW_...`
+    /// Column numbers from left to right.
+    [[nodiscard]] std::vector<int> GetColumnOrderArray() const;
+    bool SetColumnOrderArray(std::vector<int> const &order);
+    [[nodiscard]] QHeaderView *GetHeaderCtrl() const { return m_header; }
+    void ShowHeader(bool show);
+    /// The arrow in a heading; none for a column below 0.
+    void SetSortMark(int col, bool ascending);
+
+    [[nodiscard]] int ColumnsWidth() const;      ///< of all columns
+    [[nodiscard]] int ColumnLeft(int col) const; ///< in viewport pixels, scrolled
+    [[nodiscard]] int ColumnAt(int x) const;     ///< at viewport pixel `x`, -1 for none
+
+protected:
+    /// What fits a column, for `LVSCW_AUTOSIZE`.
+    [[nodiscard]] virtual int ContentWidth(int col) const = 0;
+    virtual void ColumnInserted(int col) = 0;
+    virtual void ColumnDeleted(int col) = 0;
+    virtual void HeadingClicked(int col) = 0;
+    /// Columns have moved or changed their widths, or the area was scrolled sideways.
+    virtual void ColumnsChanged();
+
+    void UpdateHorizontalBar();
+    void resizeEvent(QResizeEvent *event) override;
+    void scrollContentsBy(int dx, int dy) override;
+    void changeEvent(QEvent *event) override;
+
+private:
+    class Model;
+
+    void PlaceHeader();
+
+    std::unique_ptr<Model> m_model;
+    QHeaderView *m_header; ///< a child
+};
+
+} // namespace zelvar::platform

@@ -1,0 +1,295 @@
+#include "zelvar/platform/ui/ReportAccessible.h"
+
+#include "zelvar/platform/ui/ReportPainter.h"
+#include "zelvar/platform/ui/ReportView.h"
+#include "zelvar/platform/ui/Text.h"
+
+#include <algorithm>
+#include <limits>
+#include <unordered_map>
+
+namespace zelvar::platform {
+
+namespace {
+
+constexpr std::size_t kMostParts = 4096;
+constexpr int kMostListed = 10'000; // selected rows that are listed one by one
+
+using Known = std::unordered_map<ReportView const *, ReportAccessible *>;
+
+Known &KnownViews() {
+    static Known views;
+    return views;
+}
+
+/// One row of a report view, or one cell of it.
+class PartAccessible final : public QAccessibleInterface, public QAccessibleTableCellInterface {
+public:
+    PartAccessible(ReportAccessible const &table, int row, int col) : m_table(table), m_row(row), m_col(col) {}
+
+    [[nodiscard]] int Row() const { return m_row; }
+    [[nodiscard]] bool IsCell() const { return m_col >= 0; }
+
+    [[nodiscard]] bool isValid() const override {
+        return m_table.View() != nullptr && m_row < m_table.rowCount() && m_col < m_table.columnCount();
+    }
+    [[nodiscard]] QObject *object() const override { return nullptr; }
+    [[nodiscard]] QWindow *window() const override { return m_table.window(); }
+    [[nodiscard]] QAccessibleInterface *parent() const override {
+        return IsCell() ? m_table.Part(m_row, -1) : const_cast<ReportAccessible *>(&m_table);
+    }
+    [[nodiscard]] int childCount() const override { return IsCell() || m_table.IsList() ? 0 : m_table.columnCount(); }
+    [[nodiscard]] QAccessibleInterface *child(int index) const override {
+        return index >= 0 && index < childCount() ? m_table.Part(m_row, index) : nullptr;
+    }
+    [[nodiscard]] int indexOfChild(QAccessibleInterface const *child) const override {
+        auto const *const part = dynamic_cast<PartAccessible const *>(child);
+        return part != nullptr && part->m_row == m_row && part->IsCell() ? part->m_col : -1;
+    }
+    [[nodiscard]] QAccessibleInterface *childAt(int x, int y) const override {
+        for (int index = 0; index < childCount(); ++index)
+            if (child(index)->rect().contains(x, y))
+                return child(index);
+        return nullptr;
+    }
+    [[nodiscard]] QString text(QAccessible::Text kind) const override {
+        if (kind != QAccessible::Name || !isValid())
+            return {};
+        if (IsCell())
+            return m_table.View()->ShownText(m_row, m_col);
+        QStringList words;
+        for (int const col : m_table.View()->GetColumnOrderArray())
+            words.append(m_table.View()->ShownText(m_row, col));
+        words.removeAll(QString());
+        return words.join(QStringLiteral(", "));
+    }
+    void setText(QAccessible::Text, QString const &) override {}
+    [[nodiscard]] QRect rect() const override {
+        if (!isValid())
+            return {};
+        ReportView const &view = *m_table.View();
+        Rect const place = IsCell() ? view.GetSubItemRect(m_row, m_col, LVIR_LABEL) : view.GetItemRect(m_row);
+        return ToQRect(place).translated(view.viewport()->mapToGlobal(QPoint()));
+    }
+    [[nodiscard]] QAccessible::Role role() const override {
+        return IsCell() ? QAccessible::Cell : m_table.IsList() ? QAccessible::ListItem : QAccessible::Row;
+    }
+    [[nodiscard]] QAccessible::State state() const override {
+        QAccessible::State state;
+        if (!isValid()) {
+            state.invalid = true;
+            return state;
+        }
+        ReportView const &view = *m_table.View();
+        state.disabled = !view.isEnabled();
+        state.selectable = true;
+        state.multiSelectable = state.extSelectable = (view.GetStyle() & LVS_SINGLESEL) == 0;
+        state.selected = isSelected();
+        state.focusable = !IsCell();
+        state.focused = !IsCell() && view.hasFocus() && view.GetFocusRow() == m_row;
+        state.active = view.GetFocusRow() == m_row;
+        bool const seen = !view.GetItemRect(m_row).Intersected(view.GetClientRect()).IsEmpty();
+        state.offscreen = !seen;
+        state.invisible = !seen || !view.isVisible();
+        return state;
+    }
+    void *interface_cast(QAccessible::InterfaceType type) override {
+        return type == QAccessible::TableCellInterface && IsCell() ? static_cast<QAccessibleTableCellInterface *>(this)
+                                                                   : nullptr;
+    }
+
+    [[nodiscard]] bool isSelected() const override { return m_table.isRowSelected(m_row); }
+    [[nodiscard]] QList<QAccessibleInterface *> columnHeaderCells() const override { return {}; }
+    [[nodiscard]] QList<QAccessibleInterface *> rowHeaderCells() const override { return {}; }
+    [[nodiscard]] int columnIndex() const override { return m_col; }
+    [[nodiscard]] int rowIndex() const override { return m_row; }
+    [[nodiscard]] int columnExtent() const override { return 1; }
+    [[nodiscard]] int rowExtent() const override { return 1; }
+    [[nodiscard]] QAccessibleInterface *table() const override { return const_cast<ReportAccessible *>(&m_table); }
+
+private:
+    ReportAccessible const &m_table; ///< not owned; outlives its parts
+    int m_row;
+    int m_col; ///< -1 for the row itself
+};
+
+QAccessibleInterface *MakeInterface(QString const &className, QObject *object) {
+    auto *const view = className == QLatin1String(ReportView::staticMetaObject.className())
+                           ? qobject_cast<ReportView *>(object)
+                           : nullptr;
+    return view == nullptr ? nullptr : new ReportAccessible(*view);
+}
+
+/// Someone has looked at the view: only then it is worth telling what happens there.
+bool IsWatched(ReportView const &view) { return KnownViews().contains(&view); }
+
+void (*announce)(QAccessibleEvent *) = &QAccessible::updateAccessibility;
+
+void Notify(ReportView &view, QAccessible::Event what, int row) {
+    QAccessibleEvent event(&view, what);
+    event.setChild(row);
+    announce(&event);
+}
+
+} // namespace
+
+void InstallReportAccessibility() {
+    static bool const installed = (QAccessible::installFactory(MakeInterface), true);
+    static_cast<void>(installed);
+}
+
+ReportAccessible::ReportAccessible(ReportView &view) : QAccessibleWidget(&view, QAccessible::Table), m_view(&view) {
+    KnownViews()[&view] = this;
+}
+
+ReportAccessible::~ReportAccessible() {
+    for (auto const &[place, id] : m_parts)
+        QAccessible::deleteAccessibleInterface(id);
+    if (m_view != nullptr)
+        KnownViews().erase(m_view);
+}
+
+void ReportAccessible::Forget(ReportView const &view) {
+    auto const known = KnownViews().find(&view);
+    if (known == KnownViews().end())
+        return;
+    known->second->m_view = nullptr;
+    KnownViews().erase(known);
+}
+
+void ReportAccessible::AnnounceThrough(void (*sink)(QAccessibleEvent *)) {
+    announce = sink == nullptr ? &QAccessible::updateAccessibility : sink;
+}
+
+void ReportAccessible::RowsReset(ReportView &view) {
+    if (!IsWatched(view))
+        return;
+    QAccessibleTableModelChangeEvent event(&view, QAccessibleTableModelChangeEvent::ModelReset);
+    announce(&event);
+}
+
+void ReportAccessible::StateChanged(ReportView &view, int first, int last, unsigned oldState, unsigned newState) {
+    if (!IsWatched(view))
+        return;
+    if ((newState & ~oldState & LVIS_FOCUSED) != 0 && view.hasFocus())
+        Notify(view, QAccessible::Focus, first);
+    if (((oldState ^ newState) & LVIS_SELECTED) == 0)
+        return;
+    bool const selected = (newState & LVIS_SELECTED) != 0;
+    Notify(view,
+           first != last ? QAccessible::SelectionWithin
+           : selected    ? QAccessible::SelectionAdd
+                         : QAccessible::SelectionRemove,
+           first);
+}
+
+void ReportAccessible::FocusEntered(ReportView &view) {
+    if (IsWatched(view) && view.GetFocusRow() >= 0)
+        Notify(view, QAccessible::Focus, view.GetFocusRow());
+}
+
+bool ReportAccessible::IsList() const { return columnCount() <= 1; }
+
+QAccessibleInterface *ReportAccessible::Part(int row, int col) const {
+    if (row < 0 || row >= rowCount() || col < -1 || col >= columnCount())
+        return nullptr;
+    std::pair<int, int> const place{row, col};
+    if (auto const made = m_parts.find(place); made != m_parts.end())
+        return QAccessible::accessibleInterface(made->second);
+    if (m_parts.size() >= kMostParts) {
+        auto const oldest = m_parts.find(m_madeInOrder.front());
+        QAccessible::deleteAccessibleInterface(oldest->second);
+        m_parts.erase(oldest);
+        m_madeInOrder.pop_front();
+    }
+    auto *const part = new PartAccessible(*this, row, col);
+    m_parts[place] = QAccessible::registerAccessibleInterface(part);
+    m_madeInOrder.push_back(place);
+    return part;
+}
+
+QAccessible::Role ReportAccessible::role() const { return IsList() ? QAccessible::List : QAccessible::Table; }
+
+int ReportAccessible::childCount() const { return rowCount(); }
+
+QAccessibleInterface *ReportAccessible::child(int index) const { return Part(index, -1); }
+
+int ReportAccessible::indexOfChild(QAccessibleInterface const *child) const {
+    auto const *const part = dynamic_cast<PartAccessible const *>(child);
+    return part != nullptr && !part->IsCell() ? part->Row() : -1;
+}
+
+QAccessibleInterface *ReportAccessible::childAt(int x, int y) const {
+    if (m_view == nullptr)
+        return nullptr;
+    QPoint const at = m_view->viewport()->mapFromGlobal(QPoint(x, y));
+    return child(m_view->SubItemHitTest({at.x(), at.y()}).row);
+}
+
+QAccessibleInterface *ReportAccessible::focusChild() const {
+    if (m_view != nullptr && m_view->hasFocus() && m_view->GetFocusRow() >= 0)
+        return child(m_view->GetFocusRow());
+    return QAccessibleWidget::focusChild();
+}
+
+QAccessible::State ReportAccessible::state() const {
+    QAccessible::State state = QAccessibleWidget::state();
+    if (m_view != nullptr)
+        state.multiSelectable = (m_view->GetStyle() & LVS_SINGLESEL) == 0;
+    return state;
+}
+
+void *ReportAccessible::interface_cast(QAccessible::InterfaceType type) {
+    if (type == QAccessible::TableInterface)
+        return static_cast<QAccessibleTableInterface *>(this);
+    return QAccessibleWidget::interface_cast(type);
+}
+
+QAccessibleInterface *ReportAccessible::cellAt(int row, int column) const {
+    return IsList() ? Part(row, -1) : Part(row, column);
+}
+
+int ReportAccessible::selectedCellCount() const { return selectedRowCount() * std::max(columnCount(), 1); }
+
+QList<QAccessibleInterface *> ReportAccessible::selectedCells() const {
+    QList<QAccessibleInterface *> cells;
+    for (int const row : selectedRows())
+        for (int col = 0; col < columnCount() && cells.size() < static_cast<qsizetype>(kMostParts) / 2; ++col)
+            cells.append(cellAt(row, col));
+    return cells;
+}
+
+QString ReportAccessible::columnDescription(int column) const {
+    ReportColumn found;
+    return m_view != nullptr && m_view->GetColumn(column, found) ? ToQString(found.caption) : QString();
+}
+
+int ReportAccessible::selectedRowCount() const { return m_view == nullptr ? 0 : m_view->GetSelectedCount(); }
+
+int ReportAccessible::columnCount() const { return m_view == nullptr ? 0 : m_view->GetColumnCount(); }
+
+int ReportAccessible::rowCount() const { return m_view == nullptr ? 0 : m_view->GetItemCount(); }
+
+QList<int> ReportAccessible::selectedRows() const {
+    QList<int> rows;
+    if (m_view == nullptr)
+        return rows;
+    for (int row = m_view->GetNextItem(-1, LVNI_SELECTED); row >= 0 && rows.size() < kMostListed;
+         row = m_view->GetNextItem(row, LVNI_SELECTED))
+        rows.append(row);
+    return rows;
+}
+
+bool ReportAccessible::isRowSelected(int row) const {
+    return m_view != nullptr && m_view->GetItemState(row, LVIS_SELECTED) != 0;
+}
+
+bool ReportAccessible::selectRow(int row) {
+    return m_view != nullptr && row >= 0 && m_view->SetItemState(row, LVIS_SELECTED, LVIS_SELECTED);
+}
+
+bool ReportAccessible::unselectRow(int row) {
+    return m_view != nullptr && row >= 0 && m_view->SetItemState(row, 0, LVIS_SELECTED);
+}
+
+} // namespace zelvar::platform

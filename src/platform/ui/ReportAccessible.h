@@ -1,0 +1,78 @@
+#pragma once
+
+#include <QtWidgets/QAccessibleWidget>
+
+#include <deque>
+#include <map>
+
+namespace zelvar::platform {
+
+class ReportView;
+
+/// A report view as screen readers see it: a list of one column or a table; below it the rows, below them their cells.
+///
+/// Rows and cells are made when they are asked for and stand for a place, not for what is in it; of a list of millions
+/// only the last few thousand that were asked for exist.
+class ReportAccessible final : public QAccessibleWidget, public QAccessibleTableInterface {
+public:
+    explicit ReportAccessible(ReportView &view);
+    ReportAccessible(ReportAccessible const &) = delete;
+    ReportAccessible &operator=(ReportAccessible const &) = delete;
+
+    // What the view tells; next to nothing while no one listens.
+    static void Forget(ReportView const &view); ///< the view begins to die
+    static void RowsReset(ReportView &view);
+    static void StateChanged(ReportView &view, int first, int last, unsigned oldState, unsigned newState);
+    static void FocusEntered(ReportView &view);
+
+    /// Where events go; null for the toolkit, which drops them on a platform without screen readers.
+    static void AnnounceThrough(void (*sink)(QAccessibleEvent *));
+
+    /// The interface of a row, or of a cell for `col` of 0 or more; null outside the view.
+    [[nodiscard]] QAccessibleInterface *Part(int row, int col) const;
+    [[nodiscard]] ReportView *View() const { return m_view; } ///< null once the view begins to die
+    [[nodiscard]] bool IsList() const;
+
+    [[nodiscard]] bool isValid() const override { return m_view != nullptr && QAccessibleWidget::isValid(); }
+    [[nodiscard]] QAccessible::Role role() const override;
+    [[nodiscard]] int childCount() const override;
+    [[nodiscard]] QAccessibleInterface *child(int index) const override;
+    [[nodiscard]] int indexOfChild(QAccessibleInterface const *child) const override;
+    [[nodiscard]] QAccessibleInterface *childAt(int x, int y) const override;
+    [[nodiscard]] QAccessibleInterface *focusChild() const override;
+    [[nodiscard]] QAccessible::State state() const override;
+    void *interface_cast(QAccessible::InterfaceType type) override;
+
+    [[nodiscard]] QAccessibleInterface *caption() const override { return nullptr; }
+    [[nodiscard]] QAccessibleInterface *summary() const override { return nullptr; }
+    [[nodiscard]] QAccessibleInterface *cellAt(int row, int column) const override;
+    [[nodiscard]] int selectedCellCount() const override;
+    [[nodiscard]] QList<QAccessibleInterface *> selectedCells() const override;
+    [[nodiscard]] QString columnDescription(int column) const override;
+    [[nodiscard]] QString rowDescription(int) const override { return {}; }
+    [[nodiscard]] int selectedColumnCount() const override { return 0; }
+    [[nodiscard]] int selectedRowCount() const override;
+    [[nodiscard]] int columnCount() const override;
+    [[nodiscard]] int rowCount() const override;
+    [[nodiscard]] QList<int> selectedColumns() const override { return {}; }
+    [[nodiscard]] QList<int> selectedRows() const override;
+    [[nodiscard]] bool isColumnSelected(int) const override { return false; }
+    [[nodiscard]] bool isRowSelected(int row) const override;
+    bool selectRow(int row) override;
+    bool selectColumn(int) override { return false; }
+    bool unselectRow(int row) override;
+    bool unselectColumn(int) override { return false; }
+    void modelChange(QAccessibleTableModelChangeEvent *) override {}
+
+private:
+    ~ReportAccessible() override;
+
+    ReportView *m_view; ///< not owned
+    mutable std::map<std::pair<int, int>, QAccessible::Id> m_parts;
+    mutable std::deque<std::pair<int, int>> m_madeInOrder;
+};
+
+/// From now on every report view is seen through this class. May be called again.
+void InstallReportAccessibility();
+
+} // namespace zelvar::platform

@@ -1,0 +1,79 @@
+#include "zelvar/platform/ui/ReportPainter.h"
+
+#include "zelvar/platform/ui/Pictures.h"
+#include "zelvar/platform/ui/ReportTypes.h"
+#include "zelvar/platform/ui/SystemColor.h"
+#include "zelvar/platform/ui/Text.h"
+
+#include <QtGui/QPainter>
+
+#include <algorithm>
+
+namespace zelvar::platform {
+
+namespace {
+
+/// What can be seen of a text in `width` pixels: its first line, and no more bytes than could stand there. A text of
+/// megabytes must not be laid out for a cell.
+std::string_view Seen(std::string_view text, int width) {
+    text = text.substr(0, text.find_first_of("\r\n"));
+    std::size_t const most = 64 + static_cast<std::size_t>(std::max(width, 0)) * 4;
+    return text.substr(0, most);
+}
+
+} // namespace
+
+void DrawCellText(QPainter &painter, Rect const &cell, std::string_view text, int format, CellPlace place) {
+    if (cell.IsEmpty() || text.empty())
+        return;
+    QString const shown = ToQString(Seen(text, cell.Width()));
+    Qt::Alignment const side = (format & LVCFMT_CENTER) != 0  ? Qt::AlignHCenter
+                               : (format & LVCFMT_RIGHT) != 0 ? Qt::AlignRight
+                                                              : Qt::AlignLeft;
+    Qt::Alignment const upDown = place == CellPlace::Top ? Qt::AlignTop : Qt::AlignVCenter;
+    QString const fitting = painter.fontMetrics().elidedText(shown, Qt::ElideRight, cell.Width());
+    painter.drawText(ToQRect(cell), static_cast<int>(side | upDown) | Qt::TextSingleLine, fitting);
+}
+
+void DrawListPicture(QPainter &painter, Point corner, HIMAGELIST list, int index, bool selected) {
+    QPixmap pixmap = ListPicture(list, index, painter.device()->devicePixelRatio());
+    if (pixmap.isNull())
+        return;
+    if (selected) {
+        QPainter blend(&pixmap);
+        blend.setCompositionMode(QPainter::CompositionMode_SourceAtop);
+        QColor highlight = ToQColor(SystemColor(COLOR_HIGHLIGHT));
+        highlight.setAlphaF(0.4F);
+        blend.fillRect(pixmap.rect(), highlight);
+    }
+    painter.drawPixmap(corner.x, corner.y, pixmap);
+}
+
+void DrawFocusRect(QPainter &painter, Rect const &rect, ColorRef color) {
+    QPen pen(ToQColor(color), 1, Qt::CustomDashLine);
+    pen.setDashPattern({1, 1});
+    painter.save();
+    painter.setPen(pen);
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRect(ToQRect(rect).adjusted(0, 0, -1, -1));
+    painter.restore();
+}
+
+TextMeasure::TextMeasure(QFontMetrics const &metrics) : m_metrics(metrics) {
+    for (std::size_t i = 0; i < m_advances.size(); ++i)
+        m_advances[i] = m_metrics.horizontalAdvance(QChar(static_cast<char16_t>(i)));
+}
+
+int TextMeasure::Width(std::string_view text, int widest) const {
+    // Letters one by one make nearly the width of the whole; kerning moves it by far less than an eighth.
+    int sum = 0;
+    for (char const c : text) {
+        auto const byte = static_cast<unsigned char>(c);
+        if (byte >= m_advances.size())
+            return m_metrics.horizontalAdvance(ToQString(text));
+        sum += m_advances[byte];
+    }
+    return sum + sum / 8 <= widest ? widest : m_metrics.horizontalAdvance(ToQString(text));
+}
+
+} // namespace zelvar::platform

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "zelvar/base/Color.h"
+#include "zelvar/base/Geometry.h"
+#include "zelvar/base/ImageList.h"
+
+#include <QtCore/QRect>
+#include <QtGui/QFontMetrics>
+
+#include <array>
+#include <string_view>
+
+class QPainter;
+
+namespace zelvar::platform {
+
+[[nodiscard]] inline QRect ToQRect(Rect const &rect) {
+    return {rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top};
+}
+
+/// How `DrawCellText` places a text from top to bottom.
+enum class CellPlace { Top, Centered };
+
+/// One line of text in a cell, cut with an ellipsis where it does not fit; what follows a line end is not drawn.
+/// `format` is one of `LVCFMT_...`. Uses the painter's pen and font.
+void DrawCellText(QPainter &painter, Rect const &cell, std::string_view text, int format, CellPlace place);
+
+/// A picture of a list at the top left corner of `cell`, at the painter's pixel ratio; `selected` mixes it with the
+/// highlight colour. Nothing for a null list or an index outside it.
+void DrawListPicture(QPainter &painter, Point corner, HIMAGELIST list, int index, bool selected);
+
+/// The dotted frame of the row that has the focus.
+void DrawFocusRect(QPainter &painter, Rect const &rect, ColorRef color);
+
+/// Widest of many texts, without measuring those that cannot be it.
+class TextMeasure {
+public:
+    explicit TextMeasure(QFontMetrics const &metrics);
+
+    /// The text's width, or anything not above `widest` for a text that is surely no wider than that.
+    [[nodiscard]] int Width(std::string_view text, int widest) const;
+
+private:
+    QFontMetrics m_metrics;
+    std::array<int, 128> m_advances{}; ///< of the ASCII characters
+};
+
+} // namespace zelvar::platform

@@ -1,0 +1,114 @@
+#include "zelvar/platform/ui/ReportAccessible.h"
+
+#include "support/GuiTest.h"
+#include "support/ReportStage.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace zelvar::platform {
+namespace {
+
+using test::FillStored;
+using test::Stage;
+using test::TellingView;
+
+struct Heard {
+    QAccessible::Event event;
+    int child;
+    friend bool operator==(Heard const &, Heard const &) = default;
+};
+std::vector<Heard> heardEvents;
+
+void Hear(QAccessibleEvent *event) { heardEvents.push_back({event->type(), event->child()}); }
+
+class Accessible : public testing::Test {
+protected:
+    Accessible() { FillStored(view, 50); }
+    QAccessibleInterface &Table() {
+        QAccessibleInterface *const table = QAccessible::queryAccessibleInterface(&view);
+        EXPECT_NE(dynamic_cast<ReportAccessible *>(table), nullptr);
+        return *table;
+    }
+    TellingView view;
+};
+
+TEST_F(Accessible, ATableHasRowsOfCellsWithNamesAndPlaces) {
+    Stage const stage(view);
+    QAccessibleInterface &table = Table();
+    EXPECT_EQ(table.role(), QAccessible::Table);
+    EXPECT_EQ(table.childCount(), 50);
+    QAccessibleInterface *const row = table.child(7);
+    ASSERT_NE(row, nullptr);
+    EXPECT_EQ(row->role(), QAccessible::Row);
+    EXPECT_EQ(row->text(QAccessible::Name), QStringLiteral("row 7, 700 KB, table"));
+    EXPECT_EQ(row->parent(), &table);
+    EXPECT_EQ(table.indexOfChild(row), 7);
+    QAccessibleInterface *const cell = table.tableInterface()->cellAt(7, 1);
+    ASSERT_NE(cell, nullptr);
+    EXPECT_EQ(cell->text(QAccessible::Name), QStringLiteral("700 KB"));
+    EXPECT_EQ(cell->parent(), row);
+    EXPECT_EQ(row->child(1), cell);
+    EXPECT_EQ(cell->tableCellInterface()->rowIndex(), 7);
+    EXPECT_EQ(table.tableInterface()->columnDescription(1), QStringLiteral("Size"));
+    QPoint const at = view.viewport()->mapToGlobal(stage.Middle(7, 1));
+    EXPECT_TRUE(cell->rect().contains(at));
+    EXPECT_EQ(table.childAt(at.x(), at.y()), row);
+    EXPECT_EQ(table.child(50), nullptr);
+    EXPECT_TRUE(table.child(49)->state().offscreen);
+    EXPECT_FALSE(row->state().offscreen);
+}
+
+TEST_F(Accessible, OneColumnIsAList) {
+    view.DeleteColumn(2);
+    view.DeleteColumn(1);
+    EXPECT_EQ(Table().role(), QAccessible::List);
+    EXPECT_EQ(Table().child(0)->role(), QAccessible::ListItem);
+    EXPECT_EQ(Table().child(0)->childCount(), 0);
+}
+
+TEST_F(Accessible, StatesFollowTheSelectionAndRowsCanBeSelectedFromOutside) {
+    Stage stage(view);
+    stage.Click(2);
+    stage.Click(4, Qt::ControlModifier);
+    QAccessibleTableInterface &table = *Table().tableInterface();
+    EXPECT_EQ(table.selectedRows(), (QList<int>{2, 4}));
+    EXPECT_TRUE(Table().child(2)->state().selected);
+    EXPECT_FALSE(Table().child(2)->state().focused);
+    EXPECT_TRUE(Table().child(4)->state().focused);
+    EXPECT_EQ(Table().focusChild(), Table().child(4));
+    EXPECT_TRUE(table.selectRow(6));
+    EXPECT_TRUE(table.unselectRow(2));
+    EXPECT_EQ(stage.Selected(), "4 6");
+    EXPECT_FALSE(table.selectRow(50));
+}
+
+TEST_F(Accessible, TheFocusIsToldAsItMoves) {
+    Stage stage(view);
+    stage.Click(2);
+    std::ignore = Table(); // someone looks
+    heardEvents.clear();
+    ReportAccessible::AnnounceThrough(Hear);
+    stage.Key(Qt::Key_Down);
+    ReportAccessible::AnnounceThrough(nullptr);
+    for (Heard const expected :
+         {Heard{QAccessible::SelectionRemove, 2}, Heard{QAccessible::Focus, 3}, Heard{QAccessible::SelectionAdd, 3}})
+        EXPECT_THAT(heardEvents, testing::Contains(expected));
+}
+
+TEST(ReportAccessible, MillionsOfRowsCostNothingUntilAskedForAndThenOnlyTheLast) {
+    TellingView view;
+    view.ModifyStyle(0, LVS_OWNERDATA);
+    view.InsertColumn(0, "Name");
+    view.SetItemCountEx(10'000'000);
+    QAccessibleInterface *const table = QAccessible::queryAccessibleInterface(&view);
+    EXPECT_EQ(table->childCount(), 10'000'000);
+    QAccessible::Id const first = QAccessible::uniqueId(table->child(0));
+    for (int row = 1; row < 5000; ++row)
+        ASSERT_TRUE(table->child(row)->isValid());
+    EXPECT_EQ(QAccessible::accessibleInterface(first), nullptr) << "the oldest made room";
+    EXPECT_NE(table->child(4999), nullptr);
+}
+
+} // namespace
+} // namespace zelvar::platform
