@@ -1,0 +1,70 @@
+#include "zelvar/controls/CZelComboBox.h"
+
+#include "zelvar/platform/ui/Text.h"
+
+namespace zelvar {
+
+namespace {
+
+constexpr int kDataRole = Qt::UserRole;
+constexpr int kBytesRole = Qt::UserRole + 1;
+
+} // namespace
+
+CZelComboBox::CZelComboBox(QWidget *parent) : QComboBox(parent) {
+    setInsertPolicy(NoInsert);
+    setSizeAdjustPolicy(AdjustToMinimumContentsLengthWithIcon);
+}
+
+int CZelComboBox::InsertString(int index, DString const &text) {
+    int const at = index < 0 || index > count() ? count() : index;
+    // The first entry is not chosen by itself.
+    int const chosen = currentIndex();
+    insertItem(at, platform::ToQString(text));
+    setItemData(at, QByteArray(text.data(), static_cast<qsizetype>(text.size())), kBytesRole);
+    if (chosen < 0 && currentIndex() >= 0)
+        setCurrentIndex(-1);
+    return at;
+}
+
+void CZelComboBox::SetCurSel(int index) {
+    setCurrentIndex(index >= 0 && index < count() ? index : -1);
+    if (index < 0 && isEditable())
+        clearEditText();
+}
+
+DString CZelComboBox::GetLBText(int index) const {
+    QByteArray const bytes = itemData(index, kBytesRole).toByteArray();
+    return bytes.isEmpty() ? platform::ToDString(itemText(index)) : bytes.toStdString();
+}
+
+int CZelComboBox::FindStringExact(DString const &text) const {
+    for (int index = 0; index < count(); ++index)
+        if (GetLBText(index) == text)
+            return index;
+    return -1;
+}
+
+bool CZelComboBox::SetItemData(int index, std::uint64_t word) {
+    if (index < 0 || index >= count())
+        return false;
+    setItemData(index, QVariant::fromValue<qulonglong>(word), kDataRole);
+    return true;
+}
+
+std::uint64_t CZelComboBox::GetItemData(int index) const { return itemData(index, kDataRole).toULongLong(); }
+
+DString CZelComboBox::GetWindowText() const {
+    int const index = currentIndex();
+    return index >= 0 && itemText(index) == currentText() ? GetLBText(index) : platform::ToDString(currentText());
+}
+
+void CZelComboBox::SetWindowText(DString const &text) {
+    int const index = FindStringExact(text);
+    if (index >= 0 || !isEditable())
+        SetCurSel(index);
+    else
+        setEditText(platform::ToQString(text));
+}
+
+} // namespace zelvar
