@@ -43,7 +43,14 @@ std::optional<DString> WithoutArchivePrefix(DString const &text) {
         DString rest = text.substr(prefix.size());
         if (!rest.starts_with('{'))
             return rest;
-        return rest.substr(1, rest.find('}') == kNone ? kNone : rest.find('}') - 1);
+        // Braces of the archive's own name come in pairs.
+        int depth = 0;
+        for (std::size_t i = 0; i < rest.size(); ++i) {
+            depth += rest[i] == '{' ? 1 : rest[i] == '}' ? -1 : 0;
+            if (depth == 0)
+                return rest.substr(1, i - 1);
+        }
+        return std::nullopt;
     }
     return std::nullopt;
 }
@@ -65,7 +72,7 @@ DString DiskPathOf(DString const &source) {
         std::size_t const end = std::min(source.find('"', quote + 1), source.size());
         return DiskPathOf(source.substr(quote + 1, end - quote - 1));
     }
-    for (std::size_t colon = source.find(':'); colon != kNone && colon < 64; colon = source.find(':', colon + 1)) {
+    for (std::size_t colon = source.find(':'); colon < 64; colon = source.find(':', colon + 1)) {
         DString const rest = source.substr(colon + 1);
         auto const inner = WithoutArchivePrefix(rest);
         if (DString path = LongestExisting(inner ? *inner : rest); !path.empty())

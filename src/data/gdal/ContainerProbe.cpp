@@ -1,0 +1,215 @@
+#include "zelvar/data/gdal/ContainerProbe.h"
+
+#include "zelvar/base/FileDescriptor.h"
+#include "zelvar/data/gdal/ContainerTree.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <mutex>
+#include <unordered_map>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace zelvar::gdal {
+
+namespace {
+
+struct Magic {
+    std::string_view format;
+    std::string_view bytes;
+};
+constexpr Magic kMagics[] = {
+    {"GTiff", {"II*\0", 4}},     {"GTiff", {"MM\0*", 4}},       {"GTiff", {"II+\0", 4}}, {"GTiff", {"MM\0+", 4}},
+    {"netCDF", "CDF"},           {"netCDF", "\x89HDF"},         {"HDF5", "\x89HDF"},     {"HDF4", "\x0e\x03\x13\x01"},
+    {"GPKG", "SQLite format 3"}, {"SQLite", "SQLite format 3"}, {"NITF", "NITF"},        {"NITF", "NSIF"},
+    {"FITS", "SIMPLE  ="},
+};
+
+// Opening must not wait either, should the file have become a pipe meanwhile.
+constexpr int kHowToOpen = O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+
+bool HasMagic(int file, Format const &format) {
+    std::array<char, 16> head{};
+    ssize_t const length = pread(file, head.data(), head.size(), 0);
+    std::string_view const bytes(head.data(), length < 0 ? 0 : static_cast<std::size_t>(length));
+    return std::any_of(std::begin(kMagics), std::end(kMagics),
+                       [&](Magic const &magic) { return magic.format == format.id && bytes.starts_with(magic.bytes); });
+}
+
+/// Answers by the identity of the file asked about. All of it goes when it is full: an answer is cheap to find anew.
+class Answers {
+public:
+    struct Key {
+        dev_t device = 0;
+        ino_t inode = 0;
+        std::size_t kind = 0;
+        friend bool operator==(Key const &, Key const &) = default;
+    };
+    struct State {
+        off_t size = 0;
+        std::int64_t modified = 0; ///< nanoseconds
+        std::int64_t changed = 0;  ///< nanoseconds
+        friend bool operator==(State const &, State const &) = default;
+    };
+
+    /// -1 if it is not known.
+    int Find(Key const &key, State const &state) {
+        std::lock_guard const lock(m_mutex);
+        auto const at = m_answers.find(key);
+        return at == m_answers.end() || at->second.first != state ? -1 : at->second.second ? 1 : 0;
+    }
+    void Keep(Key const &key, State const &state, bool answer) {
+        std::lock_guard const lock(m_mutex);
+        if (m_answers.size() >= kMost)
+            m_answers.clear();
+        m_answers[key] = {state, answer};
+    }
+    static Answers &Instance() {
+        static auto &answers = *new Answers;
+        return answers;
+    }
+
+private:
+    static constexpr std::size_t kMost = 200'000; // about 20 MB
+    struct Hash {
+        std::size_t operator()(Key const &key) const {
+            return (key.inode * 0x9E3779B97F4A7C15U) ^ (key.device << 7U) ^ key.kind;
+        }
+    };
+    std::mutex m_mutex;
+    std::unordered_map<Key, std::pair<State, bool>, Hash> m_answers;
+};
+
+std::int64_t Nanoseconds(timespec const &time) { return std::int64_t{time.tv_sec} * 1'000'000'000 + time.tv_nsec; }
+
+template <class Ask>
+bool Remembered(DString const &path, std::string_view kind, Ask const &ask) {
+    struct stat info {};
+    if (stat(path.c_str(), &info) != 0 || !S_ISREG(info.st_mode) || info.st_size < 8)
+        return false;
+    Answers::Key const key{info.st_dev, info.st_ino, std::hash<std::string_view>()(kind)};
+    Answers::State const state{info.st_size, Nanoseconds(info.st_mtim), Nanoseconds(info.st_ctim)};
+    if (int const known = Answers::Instance().Find(key, state); known >= 0)
+        return known == 1;
+    bool const answer = ask();
+    Answers::Instance().Keep(key, state, answer);
+    return answer;
+}
+
+/// Numbers of a TIFF, in its byte order.
+class TiffBytes {
+public:
+    TiffBytes(int file, bool swapped) : m_file(file), m_swapped(swapped) {}
+    /// False beyond the end of the file.
+    [[nodiscard]] bool Read(std::uint64_t at, unsigned char *to, std::size_t size) const {
+        return at < kFarthest && pread(m_file, to, size, static_cast<off_t>(at)) == static_cast<ssize_t>(size);
+    }
+    [[nodiscard]] std::uint64_t Number(unsigned char const *bytes, std::size_t size) const {
+        std::uint64_t value = 0;
+        for (std::size_t i = 0; i < size; ++i)
+            value |= std::uint64_t{bytes[m_swapped ? size - 1 - i : i]} << (8 * i);
+        return value;
+    }
+    [[nodiscard]] bool ReadNumber(std::uint64_t at, std::size_t size, std::uint64_t &value) const {
+        std::array<unsigned char, 8> bytes{};
+        if (!Read(at, bytes.data(), size))
+            return false;
+        value = Number(bytes.data(), size);
+        return true;
+    }
+
+private:
+    static constexpr std::uint64_t kFarthest = std::uint64_t{1} << 62U;
+    int m_file;
+    bool m_swapped;
+};
+
+constexpr int kMostDirectories = 128;      // followed; pyramids have about ten
+constexpr std::uint64_t kTagsLookedAt = 8; // tags are in rising order, and the kind of a page is the lowest
+constexpr std::uint64_t kKindTag = 254;
+constexpr std::uint64_t kSmallerOrMask = 1U | 4U;
+
+/// Where the parts of a directory lie.
+struct TiffLayout {
+    std::size_t countSize;
+    std::size_t entrySize;
+    std::size_t offsetSize;
+    std::size_t valueAt; ///< in an entry
+};
+constexpr TiffLayout kClassic{2, 12, 4, 8};
+constexpr TiffLayout kBig{8, 20, 8, 12};
+
+struct TiffDirectory {
+    bool page = true;
+    std::uint64_t next = 0;
+};
+
+bool ReadDirectory(TiffBytes const &bytes, TiffLayout const &layout, std::uint64_t at, TiffDirectory &directory) {
+    std::uint64_t count = 0;
+    if (!bytes.ReadNumber(at, layout.countSize, count) || count == 0 || count > 65535)
+        return false;
+    std::array<unsigned char, kTagsLookedAt * kBig.entrySize> entries{};
+    std::uint64_t const looked = std::min(count, kTagsLookedAt);
+    if (!bytes.Read(at + layout.countSize, entries.data(), looked * layout.entrySize))
+        return false;
+    for (std::uint64_t i = 0; i < looked; ++i) {
+        unsigned char const *const entry = entries.data() + i * layout.entrySize;
+        if (bytes.Number(entry, 2) == kKindTag)
+            directory.page = (bytes.Number(entry + layout.valueAt, 4) & kSmallerOrMask) == 0;
+    }
+    if (!bytes.ReadNumber(at + layout.countSize + count * layout.entrySize, layout.offsetSize, directory.next))
+        directory.next = 0;
+    return true;
+}
+
+} // namespace
+
+bool HasSecondTiffPage(int file) {
+    std::array<unsigned char, 16> head{};
+    if (pread(file, head.data(), head.size(), 0) != static_cast<ssize_t>(head.size()))
+        return false;
+    TiffBytes const bytes(file, head[0] == 'M');
+    bool const big = bytes.Number(head.data() + 2, 2) == 43;
+    TiffLayout const &layout = big ? kBig : kClassic;
+    std::uint64_t at = big ? bytes.Number(head.data() + 8, 8) : bytes.Number(head.data() + 4, 4);
+    std::vector<std::uint64_t> seen;
+    int pages = 0;
+    for (int i = 0; i < kMostDirectories && at != 0 && std::find(seen.begin(), seen.end(), at) == seen.end(); ++i) {
+        TiffDirectory directory;
+        if (!ReadDirectory(bytes, layout, at, directory))
+            break;
+        pages += directory.page ? 1 : 0;
+        if (pages > 1)
+            return true;
+        seen.push_back(at);
+        at = directory.next;
+    }
+    return false;
+}
+
+bool IsContainerFormat(Format const &format) {
+    return std::any_of(std::begin(kMagics), std::end(kMagics),
+                       [&](Magic const &magic) { return magic.format == format.id; });
+}
+
+bool HoldsSeveral(DString const &path, Format const &format) {
+    return Remembered(path, format.id, [&] {
+        FileDescriptor const file(open(path.c_str(), kHowToOpen));
+        if (!file.IsOpen() || !HasMagic(file.Get(), format))
+            return false;
+        if (format.id == "GTiff")
+            return HasSecondTiffPage(file.Get());
+        auto const source = Resolve({path, nullptr}, nullptr);
+        auto const members = source ? ListMembers(*source, &format) : std::nullopt;
+        return members && members->nodes.size() > 1;
+    });
+}
+
+bool AskOnce(DString const &path, std::string_view kind, bool (*ask)(DString const &path)) {
+    return Remembered(path, kind, [&] { return ask(path); });
+}
+
+} // namespace zelvar::gdal

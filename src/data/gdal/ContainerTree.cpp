@@ -1,0 +1,128 @@
+#include "zelvar/data/gdal/ContainerTree.h"
+
+#include "zelvar/base/PathStyle.h"
+#include "zelvar/data/BDIDrvrMngr.h"
+#include "zelvar/data/gdal/ContainerProbe.h"
+
+#include <cpl_string.h>
+#include <gdal.h>
+#include <ogr_api.h>
+
+#include <utility>
+
+namespace zelvar::gdal {
+
+namespace {
+
+constexpr int kMostMembers = 1'000'000;
+
+/// A node named by GDAL, unless the name leads out of the source: a file's content must not name a server.
+void AddSubdataset(Source const &source, DString const &name, DString const &description, Members &members) {
+    if (name.empty() || (source.reach == Reach::Local && BDIMoniker(name, nullptr).IsUrl()))
+        return;
+    members.nodes.push_back(
+        MakeNode(BDINode_Raster, NodePath(source.text, name), description.empty() ? name : description));
+}
+
+void AddSubdatasets(GDALDatasetH dataset, Source const &source, Members &members) {
+    char **const list = GDALGetMetadata(dataset, "SUBDATASETS");
+    for (int i = 1; i <= kMostMembers; ++i) {
+        DString const key = "SUBDATASET_" + std::to_string(i);
+        char const *name = CSLFetchNameValue(list, (key + "_NAME").c_str());
+        char const *description = CSLFetchNameValue(list, (key + "_DESC").c_str());
+        if (name == nullptr)
+            break;
+        AddSubdataset(source, name, description == nullptr ? "" : description, members);
+    }
+}
+
+void AddLayers(GDALDatasetH dataset, Source const &source, Members &members) {
+    int const count = std::min(GDALDatasetGetLayerCount(dataset), kMostMembers);
+    if (count > 0 && members.nodes.empty() && members.hasPicture)
+        members.nodes.push_back(
+            MakeNode(BDINode_Raster, source.text + "?" + kRasterOption + "=1", DString(FileNameOf(source.text))));
+    for (int i = 0; i < count; ++i) {
+        OGRLayerH const layer = GDALDatasetGetLayer(dataset, i);
+        if (layer == nullptr)
+            continue;
+        DString const name = OGR_L_GetName(layer);
+        bool const table = OGR_L_GetGeomType(layer) == wkbNone;
+        members.nodes.push_back(MakeNode(table ? BDINode_Table : BDINode_Thematic,
+                                         source.text + "?" + kLayerOption + "=" + PercentEncoded(name), name));
+    }
+}
+
+} // namespace
+
+DString NodePath(DString const &source, DString const &name) {
+    if (BDIMoniker(name, nullptr).GetSource() == name)
+        return name;
+    return source + "?" + kNodeOption + "=" + PercentEncoded(name);
+}
+
+std::vector<BDINode> InnerMembers::Of(BDINode const &container) {
+    auto const source = Resolve({container.path, nullptr}, nullptr);
+    auto members = source ? ListMembers(*source, nullptr) : std::nullopt;
+    if (!members)
+        return {};
+    for (BDINode const &node : members->nodes)
+        m_found.insert_or_assign(node.path, node);
+    return std::move(members->nodes);
+}
+
+std::optional<BDINode> InnerMembers::Find(DString const &path) const {
+    auto const at = m_found.find(path);
+    return at == m_found.end() ? std::nullopt : std::optional(at->second);
+}
+
+std::optional<Members> ListMembers(Source const &source, Format const *only) {
+    OpenedSource const opened = Open(source, GDAL_OF_RASTER | GDAL_OF_VECTOR, only, nullptr);
+    if (!opened)
+        return std::nullopt;
+    GdalScope const scope(source.reach);
+    Members members;
+    members.format = opened.format;
+    members.hasPicture = GDALGetRasterCount(Raw(opened.dataset)) > 0;
+    AddSubdatasets(Raw(opened.dataset), source, members);
+    AddLayers(Raw(opened.dataset), source, members);
+    return members;
+}
+
+ContainerTree::ContainerTree(Source const &source, Members members) : m_nodes(std::move(members.nodes)) {
+    std::uint32_t const type = (m_nodes.empty() ? 0U : BDINode_Container) | (members.hasPicture ? BDINode_Raster : 0U);
+    m_root = MakeNode(type == 0 ? BDINode_Container : type, source.text, DString(FileNameOf(source.text)));
+    m_byPath.reserve(m_nodes.size());
+    for (std::size_t i = 0; i < m_nodes.size(); ++i)
+        m_byPath.emplace(m_nodes[i].path, i);
+}
+
+std::optional<BDINode> ContainerTree::Find(DString const &path) const {
+    auto const at = m_byPath.find(path);
+    return at == m_byPath.end() ? std::nullopt : std::optional(m_nodes[at->second]);
+}
+
+std::vector<BDINode> ContainerTree::Children(BDINode const &parent) const {
+    return parent.path == m_root.path ? m_nodes : std::vector<BDINode>();
+}
+
+bool ContainerDriver::HoldsMultipleImages() const { return IsContainerFormat(m_format); }
+
+bool ContainerDriver::CanReadPath(DString const &path) const { return HoldsSeveral(path, m_format); }
+
+std::unique_ptr<Tree> ContainerDriver::OpenTree(DString const &url, DString const &) const {
+    auto const source = Resolve({url, nullptr}, nullptr);
+    std::optional<Members> members = source ? ListMembers(*source, &m_format) : std::nullopt;
+    return members ? std::make_unique<ContainerTree>(*source, std::move(*members)) : nullptr;
+}
+
+void *ContainerDriver::OpenRepositoryInFamily(char const *url, BDIDrvr **opener, BDINode **root, char const *) {
+    auto const source = Resolve({url, nullptr}, nullptr);
+    std::optional<Members> members = source ? ListMembers(*source, nullptr) : std::nullopt;
+    if (!members)
+        return nullptr;
+    BDIDrvr *const named = BDIDrvrMngr::Instance()->GetDrvr(members->format->id.c_str());
+    *opener = named != nullptr && named->GetFamily() == GetFamily() ? named : this;
+    return Hand(std::make_unique<ContainerTree>(*source, std::move(*members)), url, root);
+}
+
+} // namespace zelvar::gdal

@@ -1,0 +1,65 @@
+#pragma once
+
+#include "zelvar/data/gdal/Source.h"
+#include "zelvar/data/gdal/Tree.h"
+
+#include <unordered_map>
+
+namespace zelvar::gdal {
+
+/// What lies inside a source: its images, layers and tables, by the names that GDAL gives them. None of them is opened.
+struct Members {
+    bool hasPicture = false; ///< the source itself opens as an image
+    std::vector<BDINode> nodes;
+    Format const *format = nullptr; ///< that read it
+};
+/// Nothing if no allowed format, or not `only`, reads the source.
+[[nodiscard]] std::optional<Members> ListMembers(Source const &source, Format const *only);
+
+/// The text of a moniker for what GDAL names `name` inside `source`.
+[[nodiscard]] DString NodePath(DString const &source, DString const &name);
+
+/// Members of the containers that a larger tree holds: found when their parent is listed, remembered for `Find`.
+class InnerMembers {
+public:
+    [[nodiscard]] std::vector<BDINode> Of(BDINode const &container);
+    [[nodiscard]] std::optional<BDINode> Find(DString const &path) const;
+
+private:
+    std::unordered_map<DString, BDINode> m_found;
+};
+
+/// The tree of a file with members. It is read once, when the tree opens.
+class ContainerTree : public Tree {
+public:
+    ContainerTree(Source const &source, Members members);
+    [[nodiscard]] BDINode Root() const override { return m_root; }
+    [[nodiscard]] std::optional<BDINode> Find(DString const &path) const override;
+    [[nodiscard]] std::vector<BDINode> Children(BDINode const &parent) const override;
+
+private:
+    BDINode m_root;
+    std::vector<BDINode> m_nodes;
+    std::unordered_map<DString, std::size_t> m_byPath;
+};
+
+/// Tree driver over one of GDAL's formats. All of them are one family.
+class ContainerDriver : public TreeDriver {
+public:
+    explicit ContainerDriver(Format const &format) : m_format(format) {}
+    [[nodiscard]] DString GetId() const override { return m_format.id; }
+    [[nodiscard]] DString GetInfo() const override { return m_format.name; }
+    [[nodiscard]] DString GetExtensions() const override { return m_format.extensions; }
+    [[nodiscard]] DString GetFamily() const override { return "GDAL"; }
+    [[nodiscard]] bool CanReadPath(DString const &path) const override;
+    void *OpenRepositoryInFamily(char const *url, BDIDrvr **opener, BDINode **root, char const *filter) override;
+
+protected:
+    [[nodiscard]] std::unique_ptr<Tree> OpenTree(DString const &url, DString const &filter) const override;
+    [[nodiscard]] bool HoldsMultipleImages() const override;
+
+private:
+    Format const &m_format; ///< the catalogue's
+};
+
+} // namespace zelvar::gdal

@@ -1,0 +1,142 @@
+#include "zelvar/data/gdal/FolderPlaces.h"
+
+#include "zelvar/base/PathStyle.h"
+#include "zelvar/data/gdal/ContainerProbe.h"
+#include "zelvar/data/gdal/ZipTree.h"
+#include "zelvar/platform/os/SmbClient.h"
+
+#include <cpl_string.h>
+#include <cpl_vsi.h>
+
+#include <algorithm>
+#include <memory>
+
+#include <dirent.h>
+#include <sys/stat.h>
+
+namespace zelvar::gdal {
+
+namespace {
+
+class Disk : public FolderPlace {
+public:
+    [[nodiscard]] bool List(DString const &folder, std::vector<FolderEntry> &entries) const override {
+        std::unique_ptr<DIR, int (*)(DIR *)> const directory(opendir(folder.c_str()), &closedir);
+        if (directory == nullptr)
+            return false;
+        while (dirent const *entry = readdir(directory.get())) {
+            if (entry->d_name[0] == '.')
+                continue;
+            unsigned char type = entry->d_type;
+            struct stat info {};
+            if ((type == DT_LNK || type == DT_UNKNOWN) && fstatat(dirfd(directory.get()), entry->d_name, &info, 0) == 0)
+                type = IFTODT(info.st_mode);
+            if (type == DT_DIR || type == DT_REG)
+                entries.push_back({entry->d_name, type == DT_DIR});
+        }
+        return true;
+    }
+    [[nodiscard]] DString PathOf(DString const &folder, FolderEntry const &entry) const override {
+        return AppendPath(folder, entry.name);
+    }
+    /// Several pages make a picture a container. Other containers are told by their names alone.
+    [[nodiscard]] std::uint32_t TypeOf(DString const &path, FolderEntry const &entry) const override {
+        std::uint32_t const type = FolderPlace::TypeOf(path, entry);
+        if (type != BDINode_Raster)
+            return type;
+        static Format const *const tiff = Formats::Instance().Find("GTiff");
+        std::string_view const extension = ExtensionOf(entry.name);
+        bool const mayHavePages = tiff != nullptr && PathMatchSpec(entry.name, tiff->extensions);
+        return mayHavePages && !extension.empty() && HoldsSeveral(path, *tiff) ? type | BDINode_Container : type;
+    }
+};
+
+class Web : public FolderPlace {
+public:
+    [[nodiscard]] bool List(DString const &folder, std::vector<FolderEntry> &entries) const override {
+        DString const name = VirtualNameOf(folder);
+        if (name.empty())
+            return false;
+        GdalScope const scope(Reach::Network);
+        std::unique_ptr<char *, void (*)(char **)> const names(VSIReadDir(name.c_str()), &CSLDestroy);
+        if (names == nullptr)
+            return false;
+        for (int i = 0; i < CSLCount(names.get()); ++i) {
+            DString entry(names.get()[i]);
+            bool isFolder = entry.ends_with('/');
+            if (isFolder)
+                entry.pop_back();
+            if (entry.empty() || entry.front() == '.' || entry.find('/') != DString::npos)
+                continue;
+            // What the listing told is known without a further request; a name without an extension is a folder.
+            VSIStatBufL info{};
+            DString const child = name + "/" + PercentEncoded(entry);
+            if (!isFolder && VSIStatExL(child.c_str(), &info, VSI_STAT_NATURE_FLAG | VSI_STAT_CACHE_ONLY) == 0)
+                isFolder = VSI_ISDIR(info.st_mode) != 0;
+            else if (!isFolder)
+                isFolder = ExtensionOf(entry).empty();
+            entries.push_back({std::move(entry), isFolder});
+        }
+        return true;
+    }
+    [[nodiscard]] DString PathOf(DString const &folder, FolderEntry const &entry) const override {
+        return folder + "/" + PercentEncoded(entry.name);
+    }
+};
+
+class Smb : public FolderPlace {
+public:
+    [[nodiscard]] bool List(DString const &folder, std::vector<FolderEntry> &entries) const override {
+        auto const address = platform::ParseSmbAddress(folder);
+        return address && platform::SmbClient::Instance().List(*address, [&](platform::SmbEntry &&entry) {
+            entries.push_back({std::move(entry.name), entry.kind != platform::ShellKind::File});
+            return true;
+        });
+    }
+    [[nodiscard]] DString PathOf(DString const &folder, FolderEntry const &entry) const override {
+        return folder + "/" + platform::EscapedSmbPart(entry.name);
+    }
+};
+
+bool StartsWithAny(DString const &url, std::initializer_list<std::string_view> starts) {
+    return std::any_of(starts.begin(), starts.end(),
+                       [&](std::string_view start) { return StartsWithNoCase(url, start); });
+}
+
+} // namespace
+
+FolderPlace const &DiskPlace() {
+    static auto const &place = *new Disk;
+    return place;
+}
+
+FolderPlace const &WebPlace() {
+    static auto const &place = *new Web;
+    return place;
+}
+
+FolderPlace const &SmbPlace() {
+    static auto const &place = *new Smb;
+    return place;
+}
+
+DString RootOf(FolderKind kind, DString const &url) {
+    switch (kind) {
+    case FolderKind::Smb:
+        return StartsWithNoCase(url, "smb://") ? url : DString();
+    case FolderKind::Web: {
+        // Files have an extension; what has none, or ends in a separator, may be listed.
+        bool const folder = url.ends_with('/') || ExtensionOf(url).empty();
+        bool const listable = StartsWithAny(url, {"http://", "https://", "ftp://", "s3://", "gs://", "az://"});
+        return folder && listable && url.find('?') == DString::npos ? url : DString();
+    }
+    case FolderKind::Directory:
+        break;
+    }
+    DString const path =
+        IsUrl(url) && StartsWithNoCase(url, "file://") ? BDIMoniker(url, nullptr).GetPathOnDisk() : url;
+    struct stat info {};
+    return !path.empty() && stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode) ? path : DString();
+}
+
+} // namespace zelvar::gdal

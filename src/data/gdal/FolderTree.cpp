@@ -1,0 +1,132 @@
+#include "zelvar/data/gdal/FolderTree.h"
+
+#include "zelvar/base/NaturalOrder.h"
+#include "zelvar/base/PathStyle.h"
+#include "zelvar/data/gdal/FolderPlaces.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace zelvar::gdal {
+
+namespace {
+
+DString WithoutEndSlash(DString text) {
+    while (text.size() > 1 && text.ends_with('/'))
+        text.pop_back();
+    return text;
+}
+
+FolderPlace const &PlaceOf(FolderKind kind) {
+    switch (kind) {
+    case FolderKind::Web:
+        return WebPlace();
+    case FolderKind::Smb:
+        return SmbPlace();
+    case FolderKind::Directory:
+        break;
+    }
+    return DiskPlace();
+}
+
+} // namespace
+
+std::uint32_t FolderPlace::TypeOf(DString const &, FolderEntry const &entry) const {
+    return entry.isFolder ? static_cast<std::uint32_t>(BDINode_Folder) : Formats::Instance().TypeOf(entry.name);
+}
+
+FolderTree::FolderTree(FolderPlace const &place, DString root, DString filter)
+    : m_place(place), m_filter(std::move(filter)) {
+    root = WithoutEndSlash(std::move(root));
+    DString name(FileNameOf(root));
+    m_root = MakeNode(BDINode_Folder, root, name.empty() ? root : std::move(name));
+}
+
+bool FolderTree::CanList() {
+    std::vector<FolderEntry> entries;
+    if (!m_place.List(m_root.path, entries))
+        return false;
+    m_listedRoot = MakeNodes(m_root.path, std::move(entries));
+    return true;
+}
+
+std::vector<BDINode> FolderTree::MakeNodes(DString const &folder, std::vector<FolderEntry> entries) const {
+    std::vector<std::pair<DString, FolderEntry>> ordered;
+    ordered.reserve(entries.size());
+    for (FolderEntry &entry : entries)
+        if (entry.isFolder || m_filter.empty() || PathMatchSpec(entry.name, m_filter))
+            ordered.emplace_back(MakeFileNameKey(entry.name), std::move(entry));
+    std::sort(ordered.begin(), ordered.end(), [](auto const &a, auto const &b) { return a.first < b.first; });
+    std::vector<BDINode> nodes;
+    for (auto &[key, entry] : ordered) {
+        DString path = m_place.PathOf(folder, entry);
+        if (std::uint32_t const type = m_place.TypeOf(path, entry); type != 0)
+            nodes.push_back(MakeNode(type, std::move(path), std::move(entry.name)));
+    }
+    return nodes;
+}
+
+std::vector<BDINode> FolderTree::Children(BDINode const &parent) const {
+    std::vector<BDINode> nodes;
+    if (parent.path == m_root.path && m_listedRoot) {
+        nodes = std::move(*m_listedRoot);
+        m_listedRoot.reset();
+    } else if ((parent.type & BDINode_Folder) != 0) {
+        std::vector<FolderEntry> entries;
+        if (m_place.List(parent.path, entries))
+            nodes = MakeNodes(parent.path, std::move(entries));
+    } else if ((parent.type & BDINode_Container) != 0) {
+        return m_inner.Of(parent);
+    }
+    for (BDINode const &node : nodes)
+        m_listed.insert_or_assign(node.path, node);
+    return nodes;
+}
+
+std::optional<BDINode> FolderTree::Find(DString const &path) const {
+    auto const at = m_listed.find(path);
+    return at == m_listed.end() ? m_inner.Find(path) : std::optional(at->second);
+}
+
+std::vector<DString> FolderTree::Filters() const {
+    std::vector<DString> masks;
+    for (Format const &format : Formats::Instance().All())
+        if (format.raster && !format.extensions.empty() &&
+            std::find(masks.begin(), masks.end(), format.extensions) == masks.end())
+            masks.push_back(format.extensions);
+    return masks;
+}
+
+DString FolderDriver::GetId() const {
+    switch (m_kind) {
+    case FolderKind::Web:
+        return "WebDirectory";
+    case FolderKind::Smb:
+        return "SMB";
+    case FolderKind::Directory:
+        break;
+    }
+    return "Directory";
+}
+
+DString FolderDriver::GetInfo() const {
+    switch (m_kind) {
+    case FolderKind::Web:
+        return "Folder of a web server or an object store";
+    case FolderKind::Smb:
+        return "Folder of a file server";
+    case FolderKind::Directory:
+        break;
+    }
+    return "Folder of images";
+}
+
+std::unique_ptr<Tree> FolderDriver::OpenTree(DString const &url, DString const &filter) const {
+    DString const root = RootOf(m_kind, url);
+    if (root.empty())
+        return nullptr;
+    auto tree = std::make_unique<FolderTree>(PlaceOf(m_kind), root, filter);
+    return tree->CanList() ? std::move(tree) : nullptr;
+}
+
+} // namespace zelvar::gdal

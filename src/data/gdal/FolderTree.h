@@ -1,0 +1,77 @@
+#pragma once
+
+#include "zelvar/data/gdal/ContainerTree.h"
+
+namespace zelvar::gdal {
+
+/// One name in a folder.
+struct FolderEntry {
+    DString name; ///< plain bytes
+    bool isFolder = false;
+};
+
+/// A kind of place that holds folders: what a folder tree asks of it.
+class FolderPlace {
+public:
+    virtual ~FolderPlace() = default;
+    FolderPlace(FolderPlace const &) = delete;
+    FolderPlace &operator=(FolderPlace const &) = delete;
+
+    /// False if the folder cannot be listed.
+    [[nodiscard]] virtual bool List(DString const &folder, std::vector<FolderEntry> &entries) const = 0;
+    /// The path or address of a child.
+    [[nodiscard]] virtual DString PathOf(DString const &folder, FolderEntry const &entry) const = 0;
+    /// Its `BDINodeType` bits; 0 for what is no data.
+    [[nodiscard]] virtual std::uint32_t TypeOf(DString const &path, FolderEntry const &entry) const;
+
+protected:
+    FolderPlace() = default;
+};
+
+/// Folders and the data in them, in natural order of their names. Each folder is listed when it is asked for.
+class FolderTree : public Tree {
+public:
+    /// `filter` is a mask of file names, empty for all.
+    FolderTree(FolderPlace const &place, DString root, DString filter);
+    [[nodiscard]] BDINode Root() const override { return m_root; }
+    [[nodiscard]] std::optional<BDINode> Find(DString const &path) const override;
+    [[nodiscard]] std::vector<BDINode> Children(BDINode const &parent) const override;
+    /// The masks of the formats that read pictures.
+    [[nodiscard]] std::vector<DString> Filters() const override;
+
+    /// False if the root cannot be listed. What it lists is kept for the first question.
+    [[nodiscard]] bool CanList();
+
+private:
+    [[nodiscard]] std::vector<BDINode> MakeNodes(DString const &folder, std::vector<FolderEntry> entries) const;
+
+    FolderPlace const &m_place; ///< lives as long as the process
+    BDINode m_root;
+    DString m_filter;
+    // One thread at a time uses a tree.
+    mutable std::optional<std::vector<BDINode>> m_listedRoot;
+    mutable std::unordered_map<DString, BDINode> m_listed;
+    mutable InnerMembers m_inner;
+};
+
+/// Tree drivers over folders: "Directory" for a path or "file://", "WebDirectory" for the listing of a web server or an
+/// object store, "SMB" for a share on a file server, "smb://host/share".
+enum class FolderKind { Directory, Web, Smb };
+class FolderDriver : public TreeDriver {
+public:
+    explicit FolderDriver(FolderKind kind) : m_kind(kind) {}
+    [[nodiscard]] DString GetId() const override;
+    [[nodiscard]] DString GetInfo() const override;
+    /// A folder is no file.
+    [[nodiscard]] bool CanReadPath(DString const &) const override { return false; }
+
+protected:
+    [[nodiscard]] std::unique_ptr<Tree> OpenTree(DString const &url, DString const &filter) const override;
+    [[nodiscard]] bool HoldsMultipleImages() const override { return false; }
+    [[nodiscard]] bool TakesFilter() const override { return true; }
+
+private:
+    FolderKind m_kind;
+};
+
+} // namespace zelvar::gdal

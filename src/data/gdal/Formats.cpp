@@ -1,0 +1,195 @@
+#include "zelvar/data/gdal/Formats.h"
+
+#include "zelvar/base/PathStyle.h"
+#include "zelvar/data/BDINode.h"
+#include "zelvar/data/gdal/GdalScope.h"
+
+#include <cpl_string.h>
+#include <gdal.h>
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace zelvar::gdal {
+
+namespace {
+
+/// Formats that are never opened, in byte order.
+constexpr auto kBarred = std::to_array<std::string_view>({
+    "AmigoCloud",      // service
+    "CSW",             // service
+    "Carto",           // service
+    "DAAS",            // service
+    "DERIVED",         // virtual
+    "EEDA",            // service
+    "EEDAI",           // service
+    "Elasticsearch",   // service
+    "GMLAS",           // fetches schemas
+    "GNMDatabase",     // database
+    "GNMFile",         // opens what it names
+    "GPSBabel",        // runs a program
+    "HTTP",            // fetches
+    "KMLSUPEROVERLAY", // follows links
+    "MEM",             // an address in memory
+    "MRF",             // fetches what it names and keeps it beside the file
+    "MSSQLSpatial",    // database
+    "Memory",          // not on disk
+    "MySQL",           // database
+    "NAS",             // writes .gfs
+    "NGW",             // service
+    "OAPIF",           // service
+    "ODBC",            // database
+    "OGCAPI",          // service
+    "OGR_OGDI",        // service
+    "OGR_VRT",         // virtual
+    "PGeo",            // database driver
+    "PLMOSAIC",        // service
+    "PLSCENES",        // service
+    "PostGISRaster",   // database
+    "PostgreSQL",      // database
+    "RDA",             // service
+    "Rasterlite",      // opens tiles with any format
+    "STACIT",          // opens what it names
+    "STACTA",          // opens what it names
+    "VFK",             // writes .db
+    "VRT",             // virtual
+    "WCS",             // service
+    "WFS",             // service
+    "WMS",             // service
+    "WMTS",            // service
+});
+static_assert(std::is_sorted(kBarred.begin(), kBarred.end()));
+
+/// Extensions in use that GDAL does not tell.
+constexpr std::pair<std::string_view, std::string_view> kMoreExtensions[] = {
+    {"GTiff", "gtiff btf tf8 lsm svs"},
+    {"netCDF", "nc4 cdf"},
+    {"HDF5", "he5"},
+    {"HDF4", "hdf4 he4"},
+    {"JPEG", "jpe jfif"},
+    {"JP2OpenJPEG", "jpx jpf j2c jpc"},
+    {"FITS", "fit fts"},
+    {"HEIF", "heif"},
+    {"ENVI", "bsq bip"},
+    {"NITF", "nitf nsf"},
+};
+/// Extensions that many other programs use too: a file is not taken for data by them.
+constexpr std::string_view kAmbiguous[] = {"txt", "dat", "bin", "xml", "hdr", "db",  "sql",
+                                           "mid", "ili", "000", "n1",  "toc", "err", "ter"};
+/// Extensions of tables.
+constexpr std::string_view kTables[] = {"csv", "dbf", "xls", "xlsx", "xlsm", "ods"};
+/// Formats whose files are entered like folders.
+constexpr std::string_view kContainers[] = {"netCDF", "HDF5", "HDF4", "GPKG", "SQLite"};
+/// The nodes of a file of the first format open with the second.
+constexpr std::pair<std::string_view, std::string_view> kNodeFormats[] = {{"HDF5", "HDF5Image"}, {"HDF4", "HDF4Image"}};
+
+template <class Range, class Value>
+bool Contains(Range const &range, Value const &value) {
+    return std::find(std::begin(range), std::end(range), value) != std::end(range);
+}
+
+DString Metadata(GDALDriverH driver, char const *key) {
+    char const *value = GDALGetMetadataItem(driver, key, nullptr);
+    return value == nullptr ? DString() : DString(value);
+}
+
+/// The key of an extension in our tables, which hold them in lower case.
+DString LowerCase(std::string_view text) {
+    DString lower(text);
+    std::transform(lower.begin(), lower.end(), lower.begin(),
+                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
+    return lower;
+}
+
+/// The names in `<Option name='...' .../>`.
+std::set<DString> OptionNames(DString const &xml) {
+    std::set<DString> names;
+    for (std::size_t at = xml.find("<Option name="); at != DString::npos; at = xml.find("<Option name=", at + 1)) {
+        std::size_t const begin = at + 14;
+        std::size_t const end = xml.find_first_of("'\"", begin);
+        if (end == DString::npos)
+            break;
+        DString name = xml.substr(begin, end - begin);
+        std::transform(name.begin(), name.end(), name.begin(),
+                       [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c; });
+        names.insert(std::move(name));
+    }
+    // They run statements, or open what a table names.
+    for (char const *name : {"PRELUDE_STATEMENTS", "LIST_VIRTUAL_OGR"})
+        names.erase(name);
+    return names;
+}
+
+DString Masks(DString const &id, DString extensions) {
+    for (auto const &[format, more] : kMoreExtensions)
+        if (format == id)
+            extensions += " " + DString(more);
+    DString masks;
+    for (DString const &extension : Split(extensions, ' '))
+        if (!extension.empty())
+            masks += (masks.empty() ? "*." : ";*.") + extension;
+    return masks;
+}
+
+} // namespace
+
+Formats const &Formats::Instance() {
+    static Formats const formats;
+    return formats;
+}
+
+Formats::Formats() {
+    StartGdal();
+    for (int i = 0; i < GDALGetDriverCount(); ++i) {
+        GDALDriverH const driver = GDALGetDriver(i);
+        Format format;
+        format.id = GDALGetDriverShortName(driver);
+        format.name = GDALGetDriverLongName(driver);
+        format.raster = Metadata(driver, GDAL_DCAP_RASTER) == "YES";
+        format.vector = Metadata(driver, GDAL_DCAP_VECTOR) == "YES";
+        format.subdatasets = Metadata(driver, GDAL_DMD_SUBDATASETS) == "YES";
+        if (Metadata(driver, GDAL_DCAP_OPEN) != "YES" || (!format.raster && !format.vector) ||
+            std::binary_search(kBarred.begin(), kBarred.end(), format.id))
+            continue;
+        format.extensions = Masks(format.id, Metadata(driver, GDAL_DMD_EXTENSIONS));
+        format.openOptions = OptionNames(Metadata(driver, GDAL_DMD_OPENOPTIONLIST));
+        for (DString const &mask : Split(format.extensions, ';')) {
+            DString const extension = LowerCase(ExtensionOf(mask));
+            if (extension.empty() || Contains(kAmbiguous, extension))
+                continue;
+            std::uint32_t &type = m_types[extension];
+            // A format that also draws vectors (a portable document) is taken for a picture.
+            type |= Contains(kTables, extension) ? BDINode_Table : format.raster ? BDINode_Raster : BDINode_Thematic;
+            type |= Contains(kContainers, format.id) ? BDINode_Container : 0U;
+        }
+        m_formats.push_back(std::move(format));
+    }
+    m_types["zip"] = BDINode_Container;
+}
+
+Format const *Formats::Find(std::string_view id) const {
+    auto const at = std::find_if(m_formats.begin(), m_formats.end(),
+                                 [&](Format const &format) { return EqualNoCase(format.id, id); });
+    return at == m_formats.end() ? nullptr : &*at;
+}
+
+std::uint32_t Formats::TypeOf(std::string_view fileName) const {
+    auto const at = m_types.find(LowerCase(ExtensionOf(fileName)));
+    return at == m_types.end() ? 0 : at->second;
+}
+
+std::vector<char const *> Formats::AllowedNames(Format const *only) const {
+    std::vector<char const *> names;
+    names.reserve(m_formats.size() + 1);
+    for (Format const &format : m_formats) {
+        bool const wanted = only == nullptr || &format == only ||
+                            Contains(kNodeFormats, std::pair<std::string_view, std::string_view>(only->id, format.id));
+        if (wanted)
+            names.push_back(format.id.c_str());
+    }
+    names.push_back(nullptr);
+    return names;
+}
+
+} // namespace zelvar::gdal

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "zelvar/base/DString.h"
+
+#include <memory>
+#include <set>
+#include <unordered_map>
+#include <vector>
+
+namespace zelvar::gdal {
+
+/// What we know of one of GDAL's formats.
+struct Format {
+    DString id;         ///< GDAL's short name
+    DString name;       ///< GDAL's long name
+    DString extensions; ///< "*.tif;*.tiff"
+    bool raster = false;
+    bool vector = false;
+    bool subdatasets = false;      ///< a file may hold several
+    std::set<DString> openOptions; ///< upper case
+};
+
+/// The formats that data may be opened with: all of GDAL's but those that reach out by what a file or name says
+/// (services, databases, virtual files over other sources), run programs, or write beside the user's files.
+class Formats {
+public:
+    static Formats const &Instance();
+
+    [[nodiscard]] std::vector<Format> const &All() const { return m_formats; }
+    [[nodiscard]] Format const *Find(std::string_view id) const;
+    /// `BDINodeType` bits of a file of that name, told by its extension alone; 0 for what is no data.
+    [[nodiscard]] std::uint32_t TypeOf(std::string_view fileName) const;
+    /// Names of the allowed formats in GDAL's order, ended by null, as GDAL takes them. With a format only its own, and
+    /// those of the formats that its nodes open with.
+    [[nodiscard]] std::vector<char const *> AllowedNames(Format const *only) const;
+
+    Formats(Formats const &) = delete;
+    Formats &operator=(Formats const &) = delete;
+
+private:
+    Formats();
+    std::vector<Format> m_formats;
+    std::unordered_map<DString, std::uint32_t> m_types; ///< by extension, lower case
+};
+
+} // namespace zelvar::gdal

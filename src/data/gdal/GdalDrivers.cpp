@@ -1,0 +1,26 @@
+#include "zelvar/data/gdal/GdalDrivers.h"
+
+#include "zelvar/data/BDIDrvrMngr.h"
+#include "zelvar/data/RDIDriverMngr.h"
+#include "zelvar/data/gdal/ContainerTree.h"
+#include "zelvar/data/gdal/FolderTree.h"
+#include "zelvar/data/gdal/RasterDriver.h"
+#include "zelvar/data/gdal/ZipTree.h"
+
+namespace zelvar {
+
+void RegisterGdalDrivers() {
+    BDIDrvrMngr &trees = *BDIDrvrMngr::Instance();
+    RDIDriverMngr &rasters = *RDIDriverMngr::Instance();
+    // Places and archives come first: no format reads them as they are.
+    for (gdal::FolderKind const kind : {gdal::FolderKind::Directory, gdal::FolderKind::Smb, gdal::FolderKind::Web})
+        trees.Add(std::make_unique<gdal::FolderDriver>(kind));
+    trees.Add(std::make_unique<gdal::ZipDriver>());
+    for (gdal::Format const &format : gdal::Formats::Instance().All()) {
+        trees.Add(std::make_unique<gdal::ContainerDriver>(format));
+        if (format.raster)
+            rasters.Add(std::make_unique<gdal::RasterDriver>(format));
+    }
+}
+
+} // namespace zelvar

@@ -1,0 +1,9 @@
+#pragma once
+
+namespace zelvar {
+
+/// Adds a driver for each of GDAL's formats to both managers, and "ZIP", "Directory", "WebDirectory" and "SMB" to the
+/// tree manager. To be called once, by the driver provider.
+void RegisterGdalDrivers();
+
+} // namespace zelvar

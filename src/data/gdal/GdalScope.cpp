@@ -1,0 +1,108 @@
+#include "zelvar/data/gdal/GdalScope.h"
+
+#include "zelvar/base/Report.h"
+
+#include <cpl_conv.h>
+#include <cpl_error.h>
+#include <cpl_http.h>
+#include <cpl_string.h>
+#include <gdal.h>
+
+#include <algorithm>
+#include <mutex>
+#include <string_view>
+#include <utility>
+
+namespace zelvar::gdal {
+
+namespace {
+
+constexpr GIntBig kMostCacheBytes = GIntBig{64} << 20U;
+
+using Setting = std::pair<char const *, char const *>;
+
+/// What holds in every scope, whatever the environment says.
+constexpr Setting kAlways[] = {
+    {"GDAL_PAM_ENABLED", "NO"},                    // no .aux.xml
+    {"GDAL_DISABLE_READDIR_ON_OPEN", "EMPTY_DIR"}, // siblings are handed in
+    {"GML_SKIP_RESOLVE_ELEMS", "ALL"},             // no .resolved.gml, no look at what links name
+    {"SHAPE_RESTORE_SHX", "NO"},
+    {"GDAL_MAX_DATASET_POOL_SIZE", "16"},
+    {"CPL_VSIL_CURL_CACHE_SIZE", "16000000"},
+    {"GTIFF_IGNORE_READ_ERRORS", "NO"},
+};
+/// What the environment may say otherwise; seconds.
+constexpr Setting kUnlessSet[] = {
+    {"GDAL_HTTP_TIMEOUT", "30"},        {"GDAL_HTTP_CONNECTTIMEOUT", "5"},
+    {"GDAL_HTTP_LOW_SPEED_TIME", "10"}, {"GDAL_HTTP_LOW_SPEED_LIMIT", "1"},
+    {"GDAL_HTTP_MAX_RETRY", "0"},       {"CPL_AWS_AUTODETECT_EC2", "NO"}, // would ask a server that nobody named
+    {"CPL_MACHINE_IS_GCE", "NO"},
+};
+/// Nobody listens on that port: whoever passes the two bars before this one ends here.
+constexpr Setting kBarred[] = {
+    {"CPL_VSIL_CURL_ALLOWED_FILENAME", "none"},
+    {"GDAL_HTTP_PROXY", "http://127.0.0.1:1"},
+    {"GDAL_HTTPS_PROXY", "http://127.0.0.1:1"},
+};
+
+CPLHTTPResult *RefuseFetch(char const *url, CSLConstList, GDALProgressFunc, void *, CPLHTTPFetchWriteFunc, void *,
+                           void *) {
+    Report::TraceMessage(Report::kTraceDriver, "barred a request to %s", url == nullptr ? "" : url);
+    auto *result = static_cast<CPLHTTPResult *>(CPLCalloc(1, sizeof(CPLHTTPResult)));
+    result->nStatus = 1;
+    result->pszErrBuf = CPLStrdup("the network is barred");
+    return result;
+}
+
+} // namespace
+
+void StartGdal() {
+    static std::once_flag once;
+    std::call_once(once, [] {
+        if (GDALGetDriverCount() == 0)
+            GDALAllRegister();
+        GDALSetCacheMax64(std::min(GDALGetCacheMax64(), kMostCacheBytes));
+    });
+}
+
+GdalScope::GdalScope(Reach reach) : m_reach(reach) {
+    StartGdal();
+    m_formerOptions = CPLGetThreadLocalConfigOptions();
+    auto const set = [](Setting const &setting) { CPLSetThreadLocalConfigOption(setting.first, setting.second); };
+    std::for_each(std::begin(kAlways), std::end(kAlways), set);
+    for (Setting const &setting : kUnlessSet)
+        if (CPLGetConfigOption(setting.first, nullptr) == nullptr)
+            set(setting);
+    if (reach == Reach::Local) {
+        std::for_each(std::begin(kBarred), std::end(kBarred), set);
+        CPLHTTPPushFetchCallback(&RefuseFetch, nullptr);
+    }
+    CPLErrorReset();
+    CPLPushErrorHandlerEx([](CPLErr level, CPLErrorNum number, char const *text) { OnError(level, number, text); },
+                          this);
+}
+
+GdalScope::~GdalScope() {
+    CPLPopErrorHandler();
+    if (m_reach == Reach::Local)
+        CPLHTTPPopFetchCallback();
+    CPLSetThreadLocalConfigOptions(m_formerOptions);
+    CSLDestroy(m_formerOptions);
+}
+
+void GdalScope::OnError(int level, int number, char const *text) {
+    auto *scope = static_cast<GdalScope *>(CPLGetErrorHandlerUserData());
+    if (level == CE_Debug)
+        return;
+    Report::TraceMessage(Report::kTraceDriver, "GDAL %s %d: %s", level == CE_Warning ? "warning" : "error", number,
+                         text);
+    if (level >= CE_Failure && scope != nullptr && scope->m_firstError.empty())
+        scope->m_firstError = text;
+}
+
+void CloseDataset::operator()(GDALDatasetHS *dataset) const {
+    GdalScope const scope(Reach::Local);
+    GDALClose(dataset);
+}
+
+} // namespace zelvar::gdal

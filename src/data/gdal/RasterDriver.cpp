@@ -1,0 +1,181 @@
+#include "zelvar/data/gdal/RasterDriver.h"
+
+#include "zelvar/data/RDIDriverMngr.h"
+#include "zelvar/data/gdal/RasterReading.h"
+#include "zelvar/data/gdal/Source.h"
+
+#include <gdal.h>
+
+#include <cstring>
+#include <memory>
+#include <new>
+
+namespace zelvar::gdal {
+
+namespace {
+
+constexpr int kMostChannels = 65536;
+
+/// What a handle of this family points to. It stays on the thread that opened it.
+struct Image {
+    DatasetPtr dataset;
+    Format const *format = nullptr;
+    Reach reach = Reach::Local;
+    StopSignal const *stop = nullptr; ///< not owned, may be null
+
+    /// Null for a channel that is not there.
+    [[nodiscard]] GDALRasterBandH Band(int channel) const {
+        if (channel < 0 || channel >= GDALGetRasterCount(Raw(dataset)))
+            return nullptr;
+        return GDALGetRasterBand(Raw(dataset), channel + 1);
+    }
+};
+
+Image &Of(void *handle) { return *static_cast<Image *>(handle); }
+
+std::unique_ptr<Image> OpenImage(BDIMoniker const &moniker, Format const *only, StopSignal const *stop, DError *error) {
+    auto const source = Resolve(moniker, error);
+    if (!source)
+        return nullptr;
+    if (!source->layer.empty()) {
+        if (error != nullptr)
+            error->Set("\"" + moniker.GetText() + "\" is a layer, no image");
+        return nullptr;
+    }
+    OpenedSource opened = Open(*source, GDAL_OF_RASTER, only, error);
+    if (!opened)
+        return nullptr;
+    GdalScope const scope(source->reach);
+    int const channels = GDALGetRasterCount(Raw(opened.dataset));
+    if (channels < 1 || channels > kMostChannels) {
+        if (error != nullptr)
+            error->Set(zelvar::Format("\"%s\" has %d channels", moniker.GetText().c_str(), channels));
+        return nullptr;
+    }
+    auto image = std::make_unique<Image>();
+    image->dataset = std::move(opened.dataset);
+    image->format = opened.format;
+    image->reach = source->reach;
+    image->stop = stop;
+    return image;
+}
+
+} // namespace
+
+DString RasterDriver::GetFamily() const { return "GDAL"; }
+
+int RasterDriver::IsMyFile(char const *path) const {
+    auto const source = Resolve({path == nullptr ? "" : path, nullptr}, nullptr);
+    // An address would cost a request each.
+    if (!source || source->reach == Reach::Network || !source->layer.empty())
+        return 0;
+    return Identify(*source, GDAL_OF_RASTER, &m_format) != nullptr ? 1 : 0;
+}
+
+void *RasterDriver::OpenFile(BDIMoniker const &moniker, StopSignal const *stop, DError *error) {
+    return OpenImage(moniker, &m_format, stop, error).release();
+}
+
+void *RasterDriver::OpenFileInFamily(BDIMoniker const &moniker, RDIDriver **opener, StopSignal const *stop,
+                                     DError *error) {
+    std::unique_ptr<Image> image = OpenImage(moniker, nullptr, stop, error);
+    if (image == nullptr)
+        return nullptr;
+    RDIDriver *named = RDIDriverMngr::Instance()->GetDriver(image->format->id.c_str());
+    *opener = named != nullptr && named->GetFamily() == GetFamily() ? named : this;
+    return image.release();
+}
+
+void RasterDriver::CloseFile(void *handle, bool) { delete static_cast<Image *>(handle); }
+
+int RasterDriver::GetNumChnl(void *handle) const { return GDALGetRasterCount(Raw(Of(handle).dataset)); }
+
+int RasterDriver::GetChnlSizeX(void *handle, int channel) const {
+    GDALRasterBandH const band = Of(handle).Band(channel);
+    return band == nullptr ? 0 : GDALGetRasterBandXSize(band);
+}
+
+int RasterDriver::GetChnlSizeY(void *handle, int channel) const {
+    GDALRasterBandH const band = Of(handle).Band(channel);
+    return band == nullptr ? 0 : GDALGetRasterBandYSize(band);
+}
+
+int RasterDriver::GetChnlDataType(void *handle, int channel) const {
+    GdalScope const scope(Of(handle).reach);
+    GDALRasterBandH const band = Of(handle).Band(channel);
+    return band == nullptr ? RDI_None : DeliveredType(band);
+}
+
+RDIGeoCoo RasterDriver::GetChnlGeoCode(void *, int) const { return {}; }
+
+DString RasterDriver::GetAttrString(char const *name, void *handle, int) const {
+    if (std::strcmp(name, "RDI_Drvr_Info") != 0)
+        return {};
+    Image const &image = Of(handle);
+    GdalScope const scope(image.reach);
+    char const *compression = GDALGetMetadataItem(Raw(image.dataset), "COMPRESSION", "IMAGE_STRUCTURE");
+    return image.format->name + (compression == nullptr ? "" : DString(", ") + compression);
+}
+
+int RasterDriver::GetAttrInt(char const *name, void *handle, int channel) const {
+    Image const &image = Of(handle);
+    GdalScope const scope(image.reach);
+    GDALRasterBandH const band = image.Band(channel);
+    if (band == nullptr)
+        return 0;
+    if (std::strcmp(name, "RDI_Drvr_Sppt_Intrnl_RslPrmd") == 0)
+        return GDALGetOverviewCount(band) > 0 ? 1 : 0;
+    if (std::strcmp(name, "RDI_Drvr_Palette") == 0)
+        return GetNumChnl(handle) == 1 && HasPalette(band) ? 1 : 0;
+    return 0;
+}
+
+bool RasterDriver::ReadBlockRsmpl(void *handle, int channel, double x, double y, double width, double height,
+                                  void *buffer, int outWidth, int outHeight, int resampling, bool usePyramid,
+                                  bool clip) {
+    Image const &image = Of(handle);
+    GdalScope const scope(image.reach);
+    GDALRasterBandH const band = image.Band(channel);
+    if (band == nullptr || buffer == nullptr || resampling < Nearest || resampling > Cubic)
+        return false;
+    ReadRequest const request{.x = x,
+                              .y = y,
+                              .width = width,
+                              .height = height,
+                              .outWidth = outWidth,
+                              .outHeight = outHeight,
+                              .resampling = static_cast<Resampling>(resampling),
+                              .usePyramid = usePyramid,
+                              .clip = clip,
+                              .stop = image.stop};
+    try {
+        return ReadWindow(band, DeliveredType(band), request, buffer);
+    } catch (std::bad_alloc const &) {
+        Report::TraceMessage(Report::kTraceDriver, "no memory to read %d * %d samples", outWidth, outHeight);
+        return false;
+    }
+}
+
+bool RasterDriver::ReadPaletteRsmpl(void *handle, double x, double y, double width, double height, void *rgb,
+                                    int outWidth, int outHeight) {
+    Image const &image = Of(handle);
+    GdalScope const scope(image.reach);
+    GDALRasterBandH const band = image.Band(0);
+    if (band == nullptr || rgb == nullptr)
+        return false;
+    try {
+        return ReadPaletteWindow(band,
+                                 {.x = x,
+                                  .y = y,
+                                  .width = width,
+                                  .height = height,
+                                  .outWidth = outWidth,
+                                  .outHeight = outHeight,
+                                  .stop = image.stop},
+                                 static_cast<unsigned char *>(rgb));
+    } catch (std::bad_alloc const &) {
+        return false;
+    }
+}
+
+} // namespace zelvar::gdal

@@ -1,0 +1,222 @@
+#include "zelvar/data/gdal/Source.h"
+
+#include "zelvar/base/FileDescriptor.h"
+#include "zelvar/base/PathStyle.h"
+#include "zelvar/data/gdal/Siblings.h"
+#include "zelvar/data/gdal/SmbFiles.h"
+
+#include <cpl_string.h>
+#include <cpl_vsi.h>
+#include <gdal.h>
+
+#include <algorithm>
+#include <array>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace zelvar::gdal {
+
+namespace {
+
+constexpr std::string_view kArchives[] = {"/vsizip/", "/vsitar/", "/vsigzip/"};
+
+bool IsIn(std::string_view text, std::string_view part) { return text.find(part) != std::string_view::npos; }
+
+/// The strings as GDAL takes them: pointers ended by null, into `texts`.
+std::vector<char const *> Pointers(std::vector<DString> const &texts) {
+    std::vector<char const *> pointers;
+    pointers.reserve(texts.size() + 1);
+    for (DString const &text : texts)
+        pointers.push_back(text.c_str());
+    pointers.push_back(nullptr);
+    return pointers;
+}
+
+/// What must not be written into an address as it stands.
+DString EscapedUrl(std::string_view url) {
+    DString out;
+    for (char const c : url) {
+        auto const byte = static_cast<unsigned char>(c);
+        if (byte <= 0x20 || byte >= 0x7F)
+            out += PercentEncoded(std::string_view(&c, 1));
+        else
+            out += c;
+    }
+    return out;
+}
+
+/// True if the text leads through a virtual file system that a name on disk must not use: standard input would never
+/// end, others read what a file's content names.
+bool UsesForeignFileSystem(std::string_view name) {
+    for (std::size_t at = name.find("/vsi"); at != std::string_view::npos; at = name.find("/vsi", at + 1)) {
+        bool const starts = at == 0 || std::string_view(":\"{").find(name[at - 1]) != std::string_view::npos ||
+                            name.substr(0, at).rfind("/vsi") == 0;
+        bool const archive = std::any_of(std::begin(kArchives), std::end(kArchives),
+                                         [&](std::string_view prefix) { return name.substr(at).starts_with(prefix); });
+        if (starts && !archive)
+            return true;
+    }
+    return false;
+}
+
+std::optional<Source> Refuse(DError *error, DString reason) {
+    if (error != nullptr)
+        error->Set(std::move(reason));
+    return std::nullopt;
+}
+
+/// A database that keeps a log beside itself: opening it, even to read, makes files.
+bool KeepsWriteAheadLog(DString const &path) {
+    FileDescriptor const file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    std::array<char, 20> head{};
+    return file.IsOpen() && pread(file.Get(), head.data(), head.size(), 0) == static_cast<ssize_t>(head.size()) &&
+           std::string_view(head.data(), 15) == "SQLite format 3" && (head[18] == 2 || head[19] == 2);
+}
+
+/// The formats to try for this very file.
+std::vector<char const *> AllowedFor(Source const &source, Format const *only) {
+    std::vector<char const *> names = Formats::Instance().AllowedNames(only);
+    auto const drop = [&](std::string_view id) {
+        std::erase_if(names, [&](char const *name) { return name != nullptr && id == name; });
+    };
+    // This format's library takes such names apart: what stands in parentheses would be written.
+    if (source.name.find_first_of("([|") != DString::npos)
+        drop("FITS");
+    if (!source.diskPath.empty() && KeepsWriteAheadLog(source.diskPath)) {
+        drop("SQLite");
+        drop("MBTiles");
+    }
+    return names;
+}
+
+bool IsKnownOption(Format const &format, DString const &name) {
+    // GDAL itself takes this one for every format.
+    return EqualNoCase(name, "OVERVIEW_LEVEL") ||
+           std::any_of(format.openOptions.begin(), format.openOptions.end(),
+                       [&](DString const &known) { return EqualNoCase(known, name); });
+}
+
+std::vector<DString> OpenOptionsFor(Source const &source, Format const &format) {
+    std::vector<DString> options;
+    for (auto const &[name, value] : source.options) {
+        if (IsKnownOption(format, name)) {
+            if (!value.empty())
+                options.push_back(name + "=" + value);
+        } else {
+            Report::TraceMessage(Report::kTraceDriver, "%s knows no option \"%s\"", format.id.c_str(), name.c_str());
+        }
+    }
+    if (format.id == "GPKG")
+        options.emplace_back("IMMUTABLE=YES"); // no -wal, no -shm
+    if (format.id == "GML") {
+        options.emplace_back("WRITE_GFS=NO");
+        options.emplace_back("DOWNLOAD_SCHEMA=NO");
+    }
+    return options;
+}
+
+/// Names of the files beside a local file; nothing if one of them is a trap. Empty where GDAL is to look for none.
+std::optional<std::vector<DString>> SiblingsFor(Source const &source) {
+    if (source.reach == Reach::Network || source.name != source.diskPath)
+        return std::vector<DString>();
+    return SiblingsOf(source.diskPath);
+}
+
+} // namespace
+
+DString VirtualNameOf(DString const &url) {
+    for (std::string_view const scheme : {"http://", "https://", "ftp://"})
+        if (StartsWithNoCase(url, scheme))
+            return "/vsicurl/" + EscapedUrl(url);
+    struct Store {
+        std::string_view scheme;
+        std::string_view fileSystem;
+    };
+    for (Store const &store : {Store{"s3://", "/vsis3/"}, Store{"gs://", "/vsigs/"}, Store{"az://", "/vsiaz/"}})
+        if (StartsWithNoCase(url, store.scheme))
+            return DString(store.fileSystem) + url.substr(store.scheme.size());
+    if (StartsWithNoCase(url, "smb://"))
+        return SmbVirtualName(url);
+    return {};
+}
+
+std::optional<Source> Resolve(BDIMoniker const &moniker, DError *error) {
+    Source source;
+    source.text = moniker.GetSource();
+    source.name = source.text;
+    for (auto const &[name, value] : moniker.GetOptions()) {
+        if (name == kLayerOption)
+            source.layer = PercentDecoded(value);
+        else if (name == kNodeOption)
+            source.name = PercentDecoded(value);
+        else if (name != kRasterOption)
+            source.options.emplace_back(name, value);
+    }
+    if (source.name.find('\0') != DString::npos)
+        return Refuse(error, "a name with a zero byte");
+    if (moniker.IsUrl()) {
+        source.reach = Reach::Network;
+        if (zelvar::IsUrl(source.name))
+            source.name = VirtualNameOf(source.name);
+        if (source.name.empty() || IsIn(source.name, "/vsistdin"))
+            return Refuse(error, "the address \"" + source.text + "\" is of no known kind");
+        return source;
+    }
+    source.diskPath = BDIMoniker(source.name, nullptr).GetPathOnDisk();
+    if (StartsWithNoCase(source.name, "file://"))
+        source.name = source.diskPath;
+    struct stat info {};
+    if (source.diskPath.empty() || stat(source.diskPath.c_str(), &info) != 0 || UsesForeignFileSystem(source.name))
+        return Refuse(error, "\"" + source.text + "\" is not there");
+    if (!S_ISREG(info.st_mode))
+        return Refuse(error, "\"" + source.text + "\" is no plain file");
+    return source;
+}
+
+Format const *Identify(Source const &source, unsigned flags, Format const *only) {
+    GdalScope const scope(source.reach);
+    std::vector<char const *> const allowed = AllowedFor(source, only);
+    auto const siblings = SiblingsFor(source);
+    if (!siblings)
+        return nullptr;
+    GDALDriverH const driver = GDALIdentifyDriverEx(source.name.c_str(), flags, allowed.data(),
+                                                    siblings->empty() ? nullptr : Pointers(*siblings).data());
+    return driver == nullptr ? nullptr : Formats::Instance().Find(GDALGetDriverShortName(driver));
+}
+
+OpenedSource Open(Source const &source, unsigned flags, Format const *only, DError *error) {
+    GdalScope const scope(source.reach);
+    std::vector<char const *> allowed = AllowedFor(source, only);
+    auto const siblings = SiblingsFor(source);
+    OpenedSource opened;
+    if (!siblings) {
+        std::ignore = Refuse(error, "a side file of \"" + source.text + "\" is no plain file");
+        return opened;
+    }
+    std::vector<char const *> const siblingNames = Pointers(*siblings);
+    char const *const *const siblingList = siblings->empty() ? nullptr : siblingNames.data();
+    // Each format has options of its own, so the one that will read is found first. Its first bytes may promise more
+    // than the rest holds: then the next one is tried.
+    while (!opened && allowed.size() > 1) {
+        GDALDriverH const driver = GDALIdentifyDriverEx(source.name.c_str(), flags, allowed.data(), siblingList);
+        if (driver == nullptr)
+            break;
+        char const *id = GDALGetDriverShortName(driver);
+        Format const *format = Formats::Instance().Find(id);
+        if (format != nullptr) {
+            std::vector<DString> const options = OpenOptionsFor(source, *format);
+            char const *const chosen[] = {format->id.c_str(), nullptr};
+            opened.dataset = Own(GDALOpenEx(source.name.c_str(), flags | GDAL_OF_READONLY | GDAL_OF_VERBOSE_ERROR,
+                                            chosen, Pointers(options).data(), siblingList));
+            opened.format = format;
+        }
+        std::erase_if(allowed, [&](char const *name) { return name != nullptr && EqualNoCase(name, id); });
+    }
+    if (!opened && error != nullptr)
+        error->Set(scope.FirstError().empty() ? "no driver reads \"" + source.text + "\"" : scope.FirstError());
+    return opened;
+}
+
+} // namespace zelvar::gdal

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "zelvar/base/Report.h"
+#include "zelvar/data/BDIMoniker.h"
+#include "zelvar/data/gdal/Formats.h"
+#include "zelvar/data/gdal/GdalScope.h"
+
+#include <optional>
+
+namespace zelvar::gdal {
+
+/// Names of options that choose a part of a source and are not the driver's. Their values are percent-encoded.
+///
+/// Monikers of things that GDAL has no name for are "<source>?LAYER=<name>" (one layer of vectors or a table) and
+/// "<source>?RASTER=1" (the picture of a source that holds layers as well); a thing whose name would not come through
+/// as the text of a moniker is "<source>?NODE=<GDAL's name>".
+inline constexpr char const *kLayerOption = "LAYER";
+inline constexpr char const *kRasterOption = "RASTER";
+inline constexpr char const *kNodeOption = "NODE";
+
+/// What a moniker asks to open, in GDAL's terms.
+struct Source {
+    DString text;     ///< the moniker without options
+    DString name;     ///< what GDAL is given
+    DString diskPath; ///< the file that it lies in; empty on the network
+    Reach reach = Reach::Local;
+    DString layer; ///< the one layer meant; empty for all
+    std::vector<std::pair<DString, DString>> options;
+};
+
+/// Nothing, with the reason in `*error` (may be null), unless the moniker names a plain file that is there, something
+/// inside one, or an address on the network.
+[[nodiscard]] std::optional<Source> Resolve(BDIMoniker const &moniker, DError *error);
+
+/// An open data set and the format that read it.
+struct OpenedSource {
+    DatasetPtr dataset;
+    Format const *format = nullptr;
+    explicit operator bool() const { return dataset != nullptr && format != nullptr; }
+};
+/// Opens read-only, with `only` or, if it is null, with whichever allowed format reads it. `flags` are GDAL_OF_RASTER
+/// and GDAL_OF_VECTOR. Options that the format does not know are left out with a line in the log.
+[[nodiscard]] OpenedSource Open(Source const &source, unsigned flags, Format const *only, DError *error);
+/// The format that GDAL would read it with, told by its first bytes; null if none.
+[[nodiscard]] Format const *Identify(Source const &source, unsigned flags, Format const *only);
+
+/// GDAL's name of an address ("http://...", "s3://...", "smb://..."): its virtual file system's. Empty for a scheme
+/// that is not supported.
+[[nodiscard]] DString VirtualNameOf(DString const &url);
+
+} // namespace zelvar::gdal

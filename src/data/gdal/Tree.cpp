@@ -1,0 +1,135 @@
+#include "zelvar/data/gdal/Tree.h"
+
+#include "zelvar/base/Report.h"
+
+#include <cstring>
+#include <exception>
+#include <utility>
+
+namespace zelvar::gdal {
+
+namespace {
+
+struct Repository {
+    std::unique_ptr<Tree> tree;
+    DString url; ///< as it was asked for: the root is opened by it too
+};
+
+struct Walk {
+    std::vector<BDINode> children;
+    std::size_t next = 0;
+};
+
+// Nodes that tell how the tree may be filtered. A "?" never occurs in the path of a folder's child as it stands.
+constexpr char const *kFilters = "?Filters";
+constexpr char const *kFilter = "?Filters=";
+
+Repository &Of(void *repository) { return *static_cast<Repository *>(repository); }
+
+/// What a tree over damaged data throws (no memory, a broken name) ends here.
+template <class Result, class Body>
+Result Guarded(char const *what, Body const &body) {
+    try {
+        return body();
+    } catch (std::exception const &failure) {
+        Report::TraceMessage(Report::kTraceDriver, "%s failed: %s", what, failure.what());
+        return Result{};
+    }
+}
+
+std::vector<BDINode> FilterNodes(Tree const &tree, DString const &rootPath) {
+    std::vector<BDINode> nodes;
+    for (DString const &mask : tree.Filters()) {
+        nodes.push_back(MakeNode(BDINode_Table, rootPath + kFilter + std::to_string(nodes.size()), "Filter"));
+        nodes.back().value = mask;
+    }
+    return nodes;
+}
+
+std::vector<BDINode> ChildrenOf(Tree const &tree, BDINode const &parent, std::uint32_t mask) {
+    DString const rootPath = tree.Root().path;
+    if (parent.path == rootPath + kFilters)
+        return FilterNodes(tree, rootPath);
+    std::vector<BDINode> nodes = tree.Children(parent);
+    if (parent.path == rootPath && mask == BDINode_Table && !tree.Filters().empty())
+        nodes.insert(nodes.begin(), MakeNode(BDINode_Table, rootPath + kFilters, "Filters"));
+    return nodes;
+}
+
+} // namespace
+
+BDINode MakeNode(std::uint32_t type, DString path, DString name) {
+    BDINode node;
+    node.type = type;
+    node.path = std::move(path);
+    node.name = std::move(name);
+    return node;
+}
+
+int TreeDriver::GetAttrInt(char const *name) const {
+    if (std::strcmp(name, "BDI_Multiple_Images") == 0)
+        return HoldsMultipleImages() ? 1 : 0;
+    return std::strcmp(name, "BDI_Filtering") == 0 && TakesFilter() ? 1 : 0;
+}
+
+void *TreeDriver::Hand(std::unique_ptr<Tree> tree, DString const &url, BDINode **root) {
+    if (tree == nullptr)
+        return nullptr;
+    *root = new BDINode(tree->Root());
+    return new Repository{std::move(tree), url};
+}
+
+void *TreeDriver::OpenRepository(char const *url, BDINode **root, char const *filter) {
+    if (url == nullptr || *url == '\0')
+        return nullptr;
+    return Guarded<void *>("opening a tree",
+                           [&] { return Hand(OpenTree(url, filter == nullptr ? "" : filter), url, root); });
+}
+
+void TreeDriver::CloseRepository(void *repository) { delete static_cast<Repository *>(repository); }
+
+BDINode *TreeDriver::OpenNode(void *repository, char const *path) {
+    if (repository == nullptr || path == nullptr)
+        return nullptr;
+    return Guarded<BDINode *>("opening a node", [&]() -> BDINode * {
+        Tree const &tree = *Of(repository).tree;
+        BDINode root = tree.Root();
+        if (Of(repository).url == path || root.path == path)
+            return new BDINode(std::move(root));
+        if (root.path + kFilters == path)
+            return new BDINode(MakeNode(BDINode_Table, path, "Filters"));
+        if (std::string_view(path).starts_with(root.path + kFilter)) {
+            for (BDINode &node : FilterNodes(tree, root.path))
+                if (node.path == path)
+                    return new BDINode(std::move(node));
+            return nullptr;
+        }
+        std::optional<BDINode> found = tree.Find(path);
+        return found ? new BDINode(std::move(*found)) : nullptr;
+    });
+}
+
+BDINode *TreeDriver::CloneNode(BDINode const *node) { return node == nullptr ? nullptr : new BDINode(*node); }
+
+void TreeDriver::CloseNode(BDINode *node) { delete node; }
+
+void *TreeDriver::FindFirstChildNode(void *repository, BDINode const *node, int mask) {
+    if (repository == nullptr || node == nullptr)
+        return nullptr;
+    return Guarded<void *>("listing a node", [&]() -> void * {
+        auto const wanted = static_cast<std::uint32_t>(mask);
+        auto walk = std::make_unique<Walk>();
+        walk->children = ChildrenOf(*Of(repository).tree, *node, wanted);
+        std::erase_if(walk->children, [&](BDINode const &child) { return (child.type & wanted) == 0; });
+        return walk->children.empty() ? nullptr : walk.release();
+    });
+}
+
+BDINode const *TreeDriver::FindNextChildNode(void *find) {
+    auto *walk = static_cast<Walk *>(find);
+    return walk != nullptr && walk->next < walk->children.size() ? &walk->children[walk->next++] : nullptr;
+}
+
+void TreeDriver::FindClose(void *find) { delete static_cast<Walk *>(find); }
+
+} // namespace zelvar::gdal

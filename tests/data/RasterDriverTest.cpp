@@ -1,0 +1,266 @@
+#include "support/ImageFiles.h"
+#include "support/TestFiles.h"
+#include "zelvar/data/DriverProvider.h"
+#include "zelvar/data/ImageReader.h"
+#include "zelvar/data/RDIDriverMngr.h"
+#include "zelvar/data/gdal/GdalDrivers.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <thread>
+
+namespace zelvar {
+namespace {
+
+using test::ImageSpec;
+
+/// Opens one image with the real drivers.
+class Opened {
+public:
+    explicit Opened(DString const &moniker, DString const &driverId = {}, StopSignal const *stop = nullptr) {
+        SetDriverProvider(&RegisterGdalDrivers);
+        RDIDriverMngr::Instance()->OpenFile({moniker, nullptr}, &driver, &handle, "", &error, driverId.c_str(), stop);
+    }
+    ~Opened() {
+        if (handle != nullptr)
+            driver->CloseFile(handle, true);
+    }
+    Opened(Opened const &) = delete;
+    Opened &operator=(Opened const &) = delete;
+    explicit operator bool() const { return handle != nullptr; }
+
+    template <class Sample>
+    std::vector<Sample> Read(double x, double y, double width, double height, int outWidth, int outHeight,
+                             int resampling, int channel = 0) const {
+        std::vector<Sample> samples(static_cast<std::size_t>(outWidth) * static_cast<std::size_t>(outHeight));
+        if (!driver->ReadBlockRsmpl(handle, channel, x, y, width, height, samples.data(), outWidth, outHeight,
+                                    resampling, true, true))
+            samples.clear();
+        return samples;
+    }
+
+    RDIDriver *driver = nullptr;
+    void *handle = nullptr;
+    DError error;
+};
+
+class RasterDriver : public testing::Test {
+protected:
+    test::TempFolder m_folder;
+};
+
+TEST_F(RasterDriver, TellsWhatTheFileHolds) {
+    DString const path = m_folder / "a b \xC3\xA4.tif";
+    test::WriteImage(path, {.width = 60, .height = 40, .channels = 3, .type = GDT_UInt16, .options = {"COMPRESS=LZW"}});
+    Opened const image(path);
+    ASSERT_TRUE(image) << image.error.Text();
+    EXPECT_EQ(image.driver->GetId(), "GTiff");
+    EXPECT_EQ(image.driver->GetNumChnl(image.handle), 3);
+    EXPECT_EQ(image.driver->GetChnlSizeX(image.handle, 0), 60);
+    EXPECT_EQ(image.driver->GetChnlSizeY(image.handle, 2), 40);
+    EXPECT_EQ(image.driver->GetChnlSizeY(image.handle, 3), 0);
+    EXPECT_EQ(image.driver->GetChnlSizeX(image.handle, -1), 0);
+    EXPECT_EQ(image.driver->GetChnlDataType(image.handle, 1), RDI_UInt16);
+    EXPECT_EQ(image.driver->GetAttrString("RDI_Drvr_Info", image.handle, 0), "GeoTIFF, LZW");
+    EXPECT_EQ(image.driver->GetAttrInt("RDI_Drvr_Sppt_Intrnl_RslPrmd", image.handle, 0), 0);
+    EXPECT_EQ(image.driver->GetAttrInt("RDI_Drvr_Palette", image.handle, 0), 0);
+}
+
+TEST_F(RasterDriver, EveryTypeArrivesAsOneOfOurs) {
+    struct Case {
+        GDALDataType type;
+        int delivered;
+        double value;
+        double arrives;
+    };
+    Case const cases[] = {
+        {GDT_Byte, RDI_UInt8, 200, 200},
+        {GDT_UInt16, RDI_UInt16, 60000, 60000},
+        {GDT_Int16, RDI_Int16, -300, -300},
+        {GDT_UInt32, RDI_UInt32, 4e9, 4e9},
+        {GDT_Int32, RDI_Int32, -2e9, -2e9},
+        {GDT_Float32, RDI_Float32, 0.5, 0.5},
+        {GDT_Float64, RDI_Float32, -2.25, -2.25},
+        {GDT_CFloat32, RDI_Float32, -3, 3},
+        {GDT_CInt16, RDI_Float32, -4, 4},
+        {GDT_Float32, RDI_Float32, std::nan(""), 0},
+        {GDT_Float64, RDI_Float32, std::numeric_limits<double>::infinity(), 0},
+    };
+    for (Case const &c : cases) {
+        SCOPED_TRACE(GDALGetDataTypeName(c.type));
+        DString const path = m_folder / "type.tif";
+        test::WriteImage(path,
+                         {.width = 4, .height = 4, .type = c.type, .sample = [&](int, int, int) { return c.value; }});
+        Opened const image(path);
+        ASSERT_TRUE(image);
+        ASSERT_EQ(image.driver->GetChnlDataType(image.handle, 0), c.delivered);
+        auto const check = [&](auto sample) {
+            for (int const resampling : {RDIDriver::Nearest, RDIDriver::Cubic}) {
+                auto const samples = image.Read<decltype(sample)>(0, 0, 4, 4, 4, 4, resampling);
+                ASSERT_FALSE(samples.empty());
+                EXPECT_EQ(static_cast<double>(samples[5]), c.arrives);
+            }
+        };
+        switch (c.delivered) {
+        case RDI_UInt8:
+            check(std::uint8_t{});
+            break;
+        case RDI_UInt16:
+            check(std::uint16_t{});
+            break;
+        case RDI_Int16:
+            check(std::int16_t{});
+            break;
+        case RDI_UInt32:
+            check(std::uint32_t{});
+            break;
+        case RDI_Int32:
+            check(std::int32_t{});
+            break;
+        default:
+            check(float{});
+            break;
+        }
+    }
+}
+
+TEST_F(RasterDriver, SignedBytesKeepTheirSign) {
+    DString const path = m_folder / "s.tif";
+    test::WriteImage(path,
+                     {.options = {"PIXELTYPE=SIGNEDBYTE"}, .sample = [](int, int x, int) { return x < 2 ? 251 : 5; }});
+    Opened const image(path);
+    ASSERT_EQ(image.driver->GetChnlDataType(image.handle, 0), RDI_Float32);
+    auto const samples = image.Read<float>(0, 0, 4, 1, 4, 1, RDIDriver::Nearest);
+    EXPECT_EQ(samples, (std::vector<float>{-5, -5, 5, 5}));
+}
+
+TEST_F(RasterDriver, NodataBecomesZero) {
+    DString const path = m_folder / "n.tif";
+    test::WriteImage(path, {.type = GDT_Float32, .sample = [](int, int x, int) { return x < 32 ? -9999 : 7; }});
+    GDALDatasetH const dataset = GDALOpen(path.c_str(), GA_Update);
+    GDALSetRasterNoDataValue(GDALGetRasterBand(dataset, 1), -9999);
+    GDALClose(dataset);
+    Opened const image(path);
+    for (int const resampling : {RDIDriver::Nearest, RDIDriver::Average, RDIDriver::Cubic}) {
+        auto const samples = image.Read<float>(0, 0, 64, 48, 16, 12, resampling);
+        ASSERT_EQ(samples.size(), 192U);
+        EXPECT_EQ(samples[0], 0);
+        EXPECT_NEAR(samples[15], 7, 1e-4);
+    }
+}
+
+TEST_F(RasterDriver, AWindowThatLeavesTheImageIsFilledWithZerosIfClipped) {
+    DString const path = m_folder / "w.tif";
+    test::WriteImage(path, {.width = 10, .height = 10, .sample = [](int, int, int) { return 9; }});
+    Opened const image(path);
+    auto const samples = image.Read<std::uint8_t>(-5, -5, 10, 10, 10, 10, RDIDriver::Nearest);
+    ASSERT_EQ(samples.size(), 100U);
+    for (std::size_t i = 0; i < 100; ++i)
+        EXPECT_EQ(samples[i], i % 10 >= 5 && i / 10 >= 5 ? 9 : 0) << i;
+    EXPECT_EQ(image.Read<std::uint8_t>(50, 50, 5, 5, 2, 2, RDIDriver::Cubic), (std::vector<std::uint8_t>(4, 0)));
+    std::uint8_t byte = 0;
+    EXPECT_FALSE(image.driver->ReadBlockRsmpl(image.handle, 0, -5, 0, 10, 10, &byte, 1, 1, 0, true, false));
+    EXPECT_FALSE(image.driver->ReadBlockRsmpl(image.handle, 0, 0, 0, 10, 10, &byte, 0, 1, 0, true, true));
+    EXPECT_FALSE(image.driver->ReadBlockRsmpl(image.handle, 0, 0, 0, std::nan(""), 10, &byte, 1, 1, 0, true, true));
+    EXPECT_FALSE(image.driver->ReadBlockRsmpl(image.handle, 1, 0, 0, 10, 10, &byte, 1, 1, 0, true, true));
+}
+
+TEST_F(RasterDriver, ReductionAgreesWithAndWithoutAPyramid) {
+    auto const smooth = [](int, int x, int y) { return 100 + 80 * std::sin(x / 60.0) * std::cos(y / 70.0); };
+    DString const with = m_folder / "with.tif";
+    DString const without = m_folder / "without.tif";
+    test::WriteImage(with, {.width = 1000, .height = 800, .type = GDT_UInt16, .sample = smooth}, {2, 4, 8});
+    test::WriteImage(without, {.width = 1000, .height = 800, .type = GDT_UInt16, .sample = smooth});
+    Opened const a(with);
+    Opened const b(without);
+    EXPECT_EQ(a.driver->GetAttrInt("RDI_Drvr_Sppt_Intrnl_RslPrmd", a.handle, 0), 1);
+    for (auto const &[width, height] :
+         {std::pair(90, 72), std::pair(333, 266), std::pair(999, 799), std::pair(1500, 1200)}) {
+        auto const first = a.Read<std::uint16_t>(0, 0, 1000, 800, width, height, RDIDriver::Cubic);
+        auto const second = b.Read<std::uint16_t>(0, 0, 1000, 800, width, height, RDIDriver::Cubic);
+        ASSERT_EQ(first.size(), second.size());
+        ASSERT_FALSE(first.empty());
+        for (int y = 1; y < height - 1; ++y)
+            for (int x = 1; x < width - 1; ++x) {
+                auto const at = static_cast<std::size_t>(y * width + x);
+                double const told =
+                    smooth(0, static_cast<int>((x + 0.5) * 1000 / width), static_cast<int>((y + 0.5) * 800 / height));
+                ASSERT_NEAR(first[at], told, 6) << width << ": " << x << ", " << y;
+                ASSERT_NEAR(second[at], told, 6) << width << ": " << x << ", " << y;
+            }
+    }
+}
+
+TEST_F(RasterDriver, OverviewsBesideTheFileAreFound) {
+    DString const path = m_folder / "a.png";
+    test::WriteImage(path, {.width = 200, .height = 200, .format = "PNG"});
+    test::WriteImage(m_folder / "a.png.ovr", {.width = 100, .height = 100});
+    Opened const image(path);
+    ASSERT_TRUE(image);
+    EXPECT_EQ(image.driver->GetId(), "PNG");
+    EXPECT_EQ(image.driver->GetAttrInt("RDI_Drvr_Sppt_Intrnl_RslPrmd", image.handle, 0), 1);
+}
+
+TEST_F(RasterDriver, APaletteIsReadInItsColours) {
+    DString const path = m_folder / "p.tif";
+    test::WriteImage(path, {.width = 2, .height = 1, .options = {"PHOTOMETRIC=PALETTE"}, .sample = [](int, int x, int) {
+                                return x;
+                            }});
+    GDALDatasetH const dataset = GDALOpen(path.c_str(), GA_Update);
+    GDALColorTableH const table = GDALCreateColorTable(GPI_RGB);
+    GDALColorEntry const red{200, 10, 20, 255};
+    GDALColorEntry const green{30, 180, 40, 255};
+    GDALSetColorEntry(table, 0, &red);
+    GDALSetColorEntry(table, 1, &green);
+    GDALSetRasterColorTable(GDALGetRasterBand(dataset, 1), table);
+    GDALDestroyColorTable(table);
+    GDALClose(dataset);
+    DCanvas picture;
+    SetDriverProvider(&RegisterGdalDrivers);
+    ASSERT_TRUE(ReadPreview({path, nullptr}, "", nullptr, picture));
+    EXPECT_EQ(picture.GetPixel(0, 0), Rgb(200, 10, 20));
+    EXPECT_EQ(picture.GetPixel(1023, 511), Rgb(30, 180, 40));
+    ImageInfo info;
+    ASSERT_TRUE(ReadImageInfo({path, nullptr}, "GTiff", nullptr, info));
+    EXPECT_EQ(info.channels, 1);
+}
+
+TEST_F(RasterDriver, OptionsReachTheFormatAndUnknownOnesAreLeftOut) {
+    DString const path = m_folder / "o.tif";
+    test::WriteImage(path, {.width = 200, .height = 100}, {2, 4});
+    Opened const image(path + "?OVERVIEW_LEVEL=0&NO_SUCH_OPTION=1&NUM_THREADS=");
+    ASSERT_TRUE(image) << image.error.Text();
+    EXPECT_EQ(image.driver->GetChnlSizeX(image.handle, 0), 100);
+}
+
+TEST_F(RasterDriver, OnlyTheNamedDriverIsTried) {
+    DString const path = m_folder / "x.tif";
+    test::WriteImage(path);
+    EXPECT_FALSE(Opened(path, "PNG"));
+    EXPECT_TRUE(Opened(path, "gtiff"));
+    EXPECT_TRUE(Opened(path, "no such driver"));
+    RDIDriver const *tiff = RDIDriverMngr::Instance()->GetDriver("GTiff");
+    RDIDriver const *png = RDIDriverMngr::Instance()->GetDriver("PNG");
+    EXPECT_EQ(tiff->IsMyFile(path.c_str()), 1);
+    EXPECT_EQ(png->IsMyFile(path.c_str()), 0);
+    EXPECT_EQ(tiff->IsMyFile(""), 0);
+    EXPECT_EQ(tiff->IsMyFile(nullptr), 0);
+    EXPECT_EQ(tiff->IsMyFile(m_folder.Path().c_str()), 0);
+}
+
+TEST_F(RasterDriver, AStopEndsALongRead) {
+    DString const path = m_folder / "long.tif";
+    test::WriteImage(path, {.width = 6000, .height = 5000, .sample = [](int, int x, int y) { return (x * y) & 255; }});
+    StopSignal stop{false};
+    Opened const image(path, "", &stop);
+    ASSERT_TRUE(image);
+    std::thread stopper([&] { stop = true; });
+    stopper.join();
+    EXPECT_TRUE(image.Read<std::uint8_t>(0, 0, 6000, 5000, 1000, 800, RDIDriver::Cubic).empty());
+    EXPECT_TRUE(image.Read<std::uint8_t>(0, 0, 6000, 5000, 6000, 5000, RDIDriver::Nearest).empty());
+}
+
+} // namespace
+} // namespace zelvar

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "zelvar/base/DString.h"
+
+#include <gdal.h>
+#include <ogr_api.h>
+
+#include <functional>
+#include <vector>
+
+namespace zelvar::test {
+
+/// An image as a test writes it down for a real file.
+struct ImageSpec {
+    int width = 64;
+    int height = 48;
+    int channels = 1;
+    GDALDataType type = GDT_Byte;
+    char const *format = "GTiff";
+    std::vector<char const *> options = {}; ///< of the format, as "TILED=YES"
+    std::function<double(int channel, int x, int y)> sample = [](int channel, int x, int y) {
+        return (x + 2 * y + 50 * channel) % 251;
+    };
+};
+
+/// Writes the image at `path`, with overviews of these reductions inside the file. Fails the test if GDAL cannot.
+void WriteImage(DString const &path, ImageSpec const &spec = {}, std::vector<int> const &overviews = {});
+/// A TIFF of that many pages; page `i` has the constant value 10 * (i + 1).
+void WritePages(DString const &path, int pages);
+/// A database with that many layers of points and tables without geometry, named "layer 1" ... and "table 1" ...; with
+/// `pictures` raster tables "picture 1" ... beside them.
+void WriteGeoPackage(DString const &path, int layers, int tables, int pictures);
+/// A netCDF file with that many variables "var1" ... of 20 * 10 samples.
+void WriteNetCdf(DString const &path, int variables);
+/// An archive of files: names inside and the files on disk that they are copied from.
+void WriteZip(DString const &path, std::vector<std::pair<DString, DString>> const &files);
+
+} // namespace zelvar::test
