@@ -1,69 +1,76 @@
 #include "zelvar/layout/cdxCDynamicDialog.h"
 
-#include "zelvar/layout/DynamicHost.h"
 #include "zelvar/platform/ui/ModalLoop.h"
 
-#include <QtGui/QResizeEvent>
+#include <QtWidgets/QAbstractButton>
 
 namespace zelvar {
 
+namespace {
+constexpr int kOkId = 1;
+constexpr int kCancelId = 2;
+} // namespace
+
 cdxCDynamicDialog::cdxCDynamicDialog(unsigned templateId, QWidget *parent, Freedom freedom, unsigned flags)
-    : QDialog(parent), cdxCDynamicWndEx(freedom, flags) {
+    : DynamicHost(freedom, flags, parent) {
     if (templateId != 0)
         ActivateAutoPos(templateId);
 }
 
 cdxCDynamicDialog::cdxCDynamicDialog(char const *templateName, QWidget *parent, Freedom freedom, unsigned flags)
-    : QDialog(parent), cdxCDynamicWndEx(freedom, flags) {
+    : DynamicHost(freedom, flags, parent) {
     if (templateName != nullptr)
         ActivateAutoPos(DString(templateName));
+}
+
+cdxCDynamicDialog::cdxCDynamicDialog(platform::DialogTemplate const &dialogTemplate, QWidget *parent, Freedom freedom,
+                                     unsigned flags)
+    : cdxCDynamicDialog(static_cast<unsigned>(dialogTemplate.id), parent, freedom, flags) {
+    SetTemplate(dialogTemplate);
 }
 
 cdxCDynamicDialog::~cdxCDynamicDialog() { DoOnDestroy(); }
 
 int cdxCDynamicDialog::DoModal() {
-    int const answer = platform::RunModal(*this);
-    DoOnDestroy();
-    return answer;
-}
-
-void cdxCDynamicDialog::setVisible(bool visible) {
-    if (visible && !m_initialized) {
-        m_initialized = true;
-        if (OnInitDialog() && focusWidget() == nullptr)
-            focusNextChild();
-    }
-    QDialog::setVisible(visible);
+    QPointer<cdxCDynamicDialog> const self(this);
+    int const result = platform::RunModal(*this);
+    if (!self.isNull())
+        DestroyWindow();
+    return result;
 }
 
 bool cdxCDynamicDialog::OnInitDialog() {
-    DoInitWindow(*this);
-    ApplyTrackSizes(*this, *this);
-    return true;
-}
-
-void cdxCDynamicDialog::DoShowWindow(bool) {} // it is on its way to be shown, modal or not
-
-bool cdxCDynamicDialog::event(QEvent *event) {
-    if (event->type() == QEvent::Resize)
-        m_bNewDlg = false;
-    bool const handled = QDialog::event(event);
-    ForwardToEngine(*this, *this, *event);
-    return handled;
+    // A derived class that makes its controls itself connects them, too.
+    auto const connectButton = [this](int id, void (cdxCDynamicDialog::*pressed)()) {
+        if (auto *const button = HasTemplate() ? platform::GetDlgItem<QAbstractButton>(*this, id) : nullptr)
+            QObject::connect(button, &QAbstractButton::clicked, this, pressed);
+    };
+    connectButton(kOkId, &cdxCDynamicDialog::OnOK);
+    connectButton(kCancelId, &cdxCDynamicDialog::OnCancel);
+    return DynamicHost::OnInitDialog();
 }
 
 cdxCDynamicChildDlg::cdxCDynamicChildDlg(unsigned templateId, QWidget *parent, Freedom freedom, unsigned flags)
     : cdxCDynamicDialog(templateId, parent, freedom, flags) {
-    setWindowFlags(Qt::Widget);
-    NoAutoPos();
-    SetUseScrollPos(true);
+    BecomeChild();
 }
 
 cdxCDynamicChildDlg::cdxCDynamicChildDlg(char const *templateName, QWidget *parent, Freedom freedom, unsigned flags)
     : cdxCDynamicDialog(templateName, parent, freedom, flags) {
-    setWindowFlags(Qt::Widget);
+    BecomeChild();
+}
+
+cdxCDynamicChildDlg::cdxCDynamicChildDlg(platform::DialogTemplate const &dialogTemplate, QWidget *parent,
+                                         Freedom freedom, unsigned flags)
+    : cdxCDynamicDialog(dialogTemplate, parent, freedom, flags) {
+    BecomeChild();
+}
+
+void cdxCDynamicChildDlg::BecomeChild() {
     NoAutoPos();
-    SetUseScrollPos(true);
+    m_bUseScrollPos = true;
+    if (parentWidget() != nullptr)
+        setWindowFlags(Qt::Widget); // a part of its parent, no window of its own
 }
 
 } // namespace zelvar

@@ -1,57 +1,53 @@
 #pragma once
 
-#include "zelvar/layout/cdxCDynamicWndEx.h"
+#include "zelvar/layout/DynamicHost.h"
 
 #include <QtWidgets/QDialog>
 
 namespace zelvar {
 
-/// Dynamic dialog: a dialog whose children follow its size and that remembers its position under its template's id or
-/// name.
+/// Dynamic dialog: its controls follow its size, and it remembers where it stood.
 ///
-/// A derived class makes its controls in `OnInitDialog` before it calls the base, which binds the engine, and registers
-/// them behind that. The position is stored when the modal loop ends or the object goes. A dialog object is shown once.
-/// User-interface thread.
-class ZELVAR_API cdxCDynamicDialog : public QDialog, public cdxCDynamicWndEx {
+/// The position is kept under a key made of the template's id or name; `ActivateAutoPos` gives another key and
+/// `NoAutoPos` none, before `OnInitDialog`. Without a key the dialog opens where the toolkit puts it, in its own size.
+class ZELVAR_API cdxCDynamicDialog : public DynamicHost<QDialog> {
     Q_OBJECT
-
 public:
-    /// Id 0 and an empty name: the position is not remembered.
-    cdxCDynamicDialog(unsigned templateId, QWidget *parent, Freedom freedom, unsigned flags);
-    cdxCDynamicDialog(char const *templateName, QWidget *parent, Freedom freedom, unsigned flags);
+    /// 0 is no template and no key.
+    explicit cdxCDynamicDialog(unsigned templateId, QWidget *parent = nullptr, Freedom freedom = FreedomAll,
+                               unsigned flags = kDefaultFlags);
+    /// Null or empty is no template and no key.
+    explicit cdxCDynamicDialog(char const *templateName, QWidget *parent = nullptr, Freedom freedom = FreedomAll,
+                               unsigned flags = kDefaultFlags);
+    /// The controls come from the table; the key from its id.
+    explicit cdxCDynamicDialog(platform::DialogTemplate const &dialogTemplate, QWidget *parent = nullptr,
+                               Freedom freedom = FreedomAll, unsigned flags = kDefaultFlags);
     ~cdxCDynamicDialog() override;
 
-    /// Runs the dialog until it is closed: `QDialog::Accepted` or `QDialog::Rejected`.
-    int DoModal();
-
-    void setVisible(bool visible) override;
+    /// Runs the dialog and takes its window down again. What `done` was given: 1 for OK, 0 for cancel.
+    virtual int DoModal();
     void accept() override { OnOK(); }
     void reject() override { OnCancel(); }
 
 protected:
-    /// Once, before the window is shown for the first time. True lets the first control take the focus.
-    virtual bool OnInitDialog();
-    /// Closes the dialog with that answer.
-    virtual void OnOK() { QDialog::accept(); }
-    virtual void OnCancel() { QDialog::reject(); }
-
-    void DoShowWindow(bool show) override;
-    bool event(QEvent *event) override;
-
-    bool m_bNewDlg = true; ///< until the first size event
-
-private:
-    bool m_initialized = false;
+    bool OnInitDialog() override;
+    virtual void OnOK() { QDialog::accept(); }     ///< the template's control with id 1 was pressed
+    virtual void OnCancel() { QDialog::reject(); } ///< that with id 2, Escape, or the frame's close button
 };
 
-/// Dynamic child dialog: a dialog inside another window. Its children scroll with its scroll bars; it never remembers a
-/// position.
+/// Dynamic child dialog: stands inside another window, scrolls its children, and never stores its position.
 class ZELVAR_API cdxCDynamicChildDlg : public cdxCDynamicDialog {
     Q_OBJECT
-
 public:
-    cdxCDynamicChildDlg(unsigned templateId, QWidget *parent, Freedom freedom, unsigned flags);
-    cdxCDynamicChildDlg(char const *templateName, QWidget *parent, Freedom freedom, unsigned flags);
+    explicit cdxCDynamicChildDlg(unsigned templateId, QWidget *parent = nullptr, Freedom freedom = FreedomAll,
+                                 unsigned flags = kDefaultFlags);
+    explicit cdxCDynamicChildDlg(char const *templateName, QWidget *parent = nullptr, Freedom freedom = FreedomAll,
+                                 unsigned flags = kDefaultFlags);
+    explicit cdxCDynamicChildDlg(platform::DialogTemplate const &dialogTemplate, QWidget *parent = nullptr,
+                                 Freedom freedom = FreedomAll, unsigned flags = kDefaultFlags);
+
+private:
+    void BecomeChild();
 };
 
 } // namespace zelvar

@@ -1,32 +1,31 @@
 #pragma once
 
 #include "zelvar/base/Export.h"
-#include "zelvar/base/Geometry.h"
 #include "zelvar/layout/core/LayoutRule.h"
 
 namespace zelvar {
 
 class cdxCDynamicWnd;
 
-/// Dynamic layout info: the snapshot of a window that one layout pass works with.
+/// Dynamic layout information: what one layout pass knows of the window.
 class ZELVAR_API cdxCDynamicLayoutInfo {
 public:
     cdxCDynamicLayoutInfo() = default;
-    virtual ~cdxCDynamicLayoutInfo() = default;
     cdxCDynamicLayoutInfo(cdxCDynamicLayoutInfo const &) = default;
-    cdxCDynamicLayoutInfo(cdxCDynamicLayoutInfo &&) = default;
     cdxCDynamicLayoutInfo &operator=(cdxCDynamicLayoutInfo const &) = default;
-    cdxCDynamicLayoutInfo &operator=(cdxCDynamicLayoutInfo &&) = default;
+    virtual ~cdxCDynamicLayoutInfo() = default;
 
-    /// False for null, without a window, and for a minimised one.
-    bool operator=(cdxCDynamicWnd const *wnd); // NOLINT(misc-unconventional-assign-operator): a given operation
-    /// The window is as it was at the start: no child has to move.
-    [[nodiscard]] bool IsInitial() const;
+    /// Takes the state of the window that `wnd` serves. False, and nothing taken, if there is none or it is minimised.
+    bool operator=(cdxCDynamicWnd const *wnd); // NOLINT(misc-unconventional-assign-operator): it tells whether it did
+
+    /// Every child stands where it was registered.
+    [[nodiscard]] bool IsInitial() const { return Growth().IsInitial(); }
+    /// The same for the rule.
     [[nodiscard]] LayoutGrowth Growth() const { return {m_szDelta, m_pntScrollPos, m_bUseScrollPos}; }
 
     Size m_szCurrent;
     Size m_szInitial;
-    Size m_szDelta;
+    Size m_szDelta; ///< current less initial
     unsigned m_nCtrlCnt = 0;
     Point m_pntScrollPos;
     bool m_bUseScrollPos = false;

@@ -1,33 +1,21 @@
 #pragma once
 
-#include "zelvar/base/DString.h"
-#include "zelvar/layout/cdxCDynamicWndEx.h"
-
-#include <QtWidgets/QWidget>
+#include "zelvar/layout/DynamicHost.h"
 
 namespace zelvar {
 
-/// Dynamic property page: a page of a tabbed window whose children follow its size and scroll with its scroll bars. It
-/// never remembers a position.
-class ZELVAR_API cdxCDynamicPropertyPage : public QWidget, public cdxCDynamicWndEx {
+/// Dynamic property page: a page of a tabbed window whose controls follow its size. It scrolls its children and never
+/// stores its position.
+class ZELVAR_API cdxCDynamicPropertyPage : public DynamicHost<QWidget> {
     Q_OBJECT
-
 public:
-    cdxCDynamicPropertyPage(unsigned templateId, Freedom freedom, unsigned flags);
-    cdxCDynamicPropertyPage(char const *templateName, Freedom freedom, unsigned flags);
+    explicit cdxCDynamicPropertyPage(unsigned templateId, Freedom freedom = FreedomAll, unsigned flags = kDefaultFlags);
+    explicit cdxCDynamicPropertyPage(char const *templateName, Freedom freedom = FreedomAll,
+                                     unsigned flags = kDefaultFlags);
+    /// The controls come from the table.
+    explicit cdxCDynamicPropertyPage(platform::DialogTemplate const &dialogTemplate, Freedom freedom = FreedomAll,
+                                     unsigned flags = kDefaultFlags);
     ~cdxCDynamicPropertyPage() override;
-
-    void setVisible(bool visible) override;
-
-protected:
-    /// Once, before the page is shown for the first time.
-    virtual bool OnInitDialog();
-    bool event(QEvent *event) override;
-
-    bool m_bNewDlg = true; ///< until the first size event
-
-private:
-    bool m_initialized = false;
 };
 
 } // namespace zelvar

@@ -1,17 +1,14 @@
 #pragma once
 
-#include "zelvar/base/Export.h"
 #include "zelvar/layout/cdxCDynamicLayoutInfo.h"
-#include "zelvar/layout/core/LayoutRule.h"
+#include "zelvar/layout/core/WindowRule.h"
 
-#include <QtCore/QRect>
+#include <QtCore/QPointer>
+#include <QtWidgets/QWidget>
 
 #include <cstdint>
 #include <memory>
 #include <unordered_map>
-
-class QTimer;
-class QWidget;
 
 namespace zelvar {
 
@@ -19,161 +16,163 @@ class cdxCSizeIconCtrl;
 
 /// Dynamic window: makes the children of a window follow its resizing, each by four percentages and a minimum size.
 ///
-/// It is a second base class of a dialog or page, not a window itself, and is driven by that window's events.
-/// Rectangles are always computed from those at registration, so there is no drift. Failure is told by the result.
-/// User-interface thread only.
+/// It is no window itself but a second base class of a dialog or page, whose events drive it. Rectangles are always
+/// computed from the one that a child had when it was registered, so nothing drifts. All operations tell failure by
+/// false. User interface thread.
 class ZELVAR_API cdxCDynamicWnd {
 public:
+    /// What the user may resize.
     enum Freedom { FreedomNone = 0, FreedomHoriz = 1, FreedomVert = 2, FreedomAll = 3 };
-    /// How the two edges of one axis follow; any other value counts as `ModeFixed`.
-    enum Mode {
-        ModeFixed = 0, ///< 0, 0 percent
-        ModeGrow = 1,  ///< 0, 100
-        ModeMove = 2,  ///< 100, 100
-        ModeHalf = 3,  ///< 50, 50
-    };
+    /// What the two edges of an axis do when the window grows.
+    enum Mode { ModeFixed = 0, ModeGrow = 1, ModeMove = 2, ModeHalf = 3 };
     enum Flags : unsigned {
-        FlagSizeIcon = 1,    ///< create the resize grip
-        FlagAntiFlicker = 2, ///< while sizing, redraw only what changes
-        FlagCopyBits = 4,    ///< children keep their pixels when they move
+        FlagSizeIcon = 1,    ///< a grip in the bottom right corner
+        FlagAntiFlicker = 2, ///< the redraw bits of the class style are changed while the user sizes the window
+        FlagCopyBits = 4,    ///< moved children keep their pixels; without it a pass draws the window anew, once
     };
     using Position = LayoutPosition;
-    using Bytes = signed char[4]; ///< percentages of the left, top, right and bottom edge
+    using Bytes = signed char[4]; ///< left, top, right, bottom
 
-    static constexpr Bytes TopLeft = {0, 0, 0, 0};
-    static constexpr Bytes TopRight = {100, 0, 100, 0};
-    static constexpr Bytes BotLeft = {0, 100, 0, 100};
-    static constexpr Bytes BotRight = {100, 100, 100, 100};
+    static Bytes const TopLeft;
+    static Bytes const TopRight;
+    static Bytes const BotLeft;
+    static Bytes const BotRight;
+    static constexpr unsigned kDefaultFlags = FlagSizeIcon | FlagAntiFlicker;
 
-    /// Entry of a class's static layout table, which ends at type 0. Type 1: `bytes` are percentages; type 2: its first
-    /// two are a `Mode` for each axis. Id 0 stands for all children.
-    struct __dynEntry { // NOLINT(bugprone-reserved-identifier): a given name
-        std::uint32_t type;
-        std::uint32_t id;
-        Bytes bytes;
-    };
-    /// What a window may be dragged to, pixels with its border; 0 leaves the system's value.
+    /// Limits of a window under its user's hand, borders included; 0 is no limit.
     struct MinMaxInfo {
-        Size minTrack;
-        Size maxTrack;
+        Point ptMinTrackSize{};
+        Point ptMaxTrackSize{};
     };
 
-    cdxCDynamicWnd(Freedom freedom, unsigned flags);
+    explicit cdxCDynamicWnd(Freedom freedom = FreedomAll, unsigned flags = kDefaultFlags);
     cdxCDynamicWnd(cdxCDynamicWnd const &) = delete;
     cdxCDynamicWnd &operator=(cdxCDynamicWnd const &) = delete;
     virtual ~cdxCDynamicWnd();
 
-    [[nodiscard]] bool IsWindow() const { return m_pWnd != nullptr; }
+    [[nodiscard]] bool IsWindow() const { return !m_pWnd.isNull(); }
     [[nodiscard]] bool IsValid() const { return IsWindow(); }
-    [[nodiscard]] bool IsUp() const; ///< exists and is not minimised
+    /// The window exists and is not minimised.
+    [[nodiscard]] bool IsUp() const { return IsWindow() && !m_pWnd->isMinimized(); }
+    [[nodiscard]] bool IsDisabled() const { return m_iDisabled > 0; }
+    void Disable() { ++m_iDisabled; }
+    /// True if the engine is enabled now. Calls need not pair: one too many counts.
+    bool Enable() { return --m_iDisabled < 1; }
     [[nodiscard]] QWidget *Window() const { return m_pWnd; }
-    [[nodiscard]] QWidget *GetSafeChildHWND(int id) const; ///< null if there is no such child
-    [[nodiscard]] Freedom GetFreedom() const { return m_freedom; }
+    /// The child with that id, or null.
+    [[nodiscard]] QWidget *GetSafeChildHWND(int id) const;
     [[nodiscard]] unsigned GetFlags() const { return m_flags; }
     void ModifyFlags(unsigned add, unsigned remove) { m_flags = (m_flags & ~remove) | add; }
-    [[nodiscard]] bool UsesScrollPos() const { return m_bUseScrollPos; }
-    [[nodiscard]] Size InitialSize() const { return m_szInitial; }
-    void SetMaxSize(Size size) { m_szMax = size; } ///< of the client area; 0 for no limit
 
-    // Nested: a window that was disabled twice must be enabled twice.
-    void Disable() { ++m_iDisabled; }
-    bool Enable() { return --m_iDisabled < 1; } ///< true if it is enabled now
-    [[nodiscard]] bool IsDisabled() const { return m_iDisabled > 0; }
-
-    [[nodiscard]] virtual unsigned GetCtrlCount() const;
+    [[nodiscard]] virtual unsigned GetCtrlCount() const { return static_cast<unsigned>(m_map.size()); }
+    bool GetControlPosition(QWidget *child, Position &position) const;
+    /// Pixels; 0, 0 without a window. The viewport's size of a window that scrolls.
     [[nodiscard]] virtual Size GetCurrentClientSize() const;
-    [[nodiscard]] Size GetBorderSize() const; ///< window size less client size; 0 when minimised
-    [[nodiscard]] bool GetControlPosition(QWidget *child, Position &position) const;
+    /// What frame and title take; 0, 0 without a window or while it is minimised.
+    [[nodiscard]] Size GetBorderSize() const;
 
     /// Registers `child`, replacing an earlier entry; with `repos` it moves at once to where the rule puts it now.
-    /// False, and nothing registered, if the child or the window does not exist. The forms without a `Position` take
-    /// the child's present rectangle.
     virtual bool AddSzControl(QWidget *child, Position const &position, bool repos);
-    bool AddSzControl(QWidget *child, Bytes const &bytes, Size const &min, bool repos);
-    bool AddSzControl(int id, Bytes const &bytes, Size const &min, bool repos);
-    bool AddSzControl(QWidget *child, signed char x1, signed char y1, signed char x2, signed char y2, Size const &min,
-                      bool repos);
-    bool AddSzControl(int id, signed char x1, signed char y1, signed char x2, signed char y2, Size const &min,
-                      bool repos);
-    bool AddSzControl(QWidget *child, Mode x, Mode y, Size const &min, bool repos);
-    bool AddSzControl(int id, Mode x, Mode y, Size const &min, bool repos);
-    /// Copies the whole entry of `likeThis`, its rectangle included. False if that is not registered. The child moves
-    /// at once, whatever the last argument says.
+    /// The forms that take the child's present rectangle. `min` in pixels.
+    bool AddSzControl(QWidget *child, Bytes const &bytes, Size min = {}, bool repos = true);
+    bool AddSzControl(QWidget *child, signed char x1, signed char y1, signed char x2, signed char y2, Size min = {},
+                      bool repos = true);
+    bool AddSzControl(QWidget *child, Mode x, Mode y, Size min = {}, bool repos = true);
+    bool AddSzControl(int id, Position const &position, bool repos);
+    bool AddSzControl(int id, Bytes const &bytes, Size min = {}, bool repos = true);
+    bool AddSzControl(int id, signed char x1, signed char y1, signed char x2, signed char y2, Size min = {},
+                      bool repos = true);
+    bool AddSzControl(int id, Mode x, Mode y, Size min = {}, bool repos = true);
+    /// Gives `child` all of what is registered for `likeThis`, its rectangle included. It moves at once whatever the
+    /// last argument says.
     bool AddSzControl(QWidget *child, QWidget *likeThis, bool repos);
     bool AddSzControl(int id, QWidget *likeThis, bool repos);
-    bool AddSzXControl(QWidget *child, signed char x1, signed char x2, Size const &min, bool repos);
-    bool AddSzXControl(QWidget *child, Mode x, Size const &min, bool repos);
-    bool AddSzYControl(QWidget *child, signed char y1, signed char y2, Size const &min, bool repos);
-    bool AddSzYControl(QWidget *child, Mode y, Size const &min, bool repos);
-    /// Registers all direct children, those that are registered already only with `overwrite`. With `repos` and at
-    /// least one added, a layout pass follows.
-    void AllControls(Bytes const &bytes, bool overwrite, bool repos);
-    void AllControls(Mode x, Mode y, bool overwrite, bool repos);
-    /// True if an entry was removed. With `moveToInitial` the child goes back to its rectangle at registration.
-    bool RemSzControl(QWidget *child, bool moveToInitial);
-    bool UpdateControlPosition(QWidget *child);
+    /// One axis follows, the other stays.
+    bool AddSzXControl(QWidget *child, signed char x1, signed char x2, Size min = {}, bool repos = true);
+    bool AddSzXControl(QWidget *child, Mode x, Size min = {}, bool repos = true);
+    bool AddSzXControl(int id, signed char x1, signed char x2, Size min = {}, bool repos = true);
+    bool AddSzXControl(int id, Mode x, Size min = {}, bool repos = true);
+    bool AddSzYControl(QWidget *child, signed char y1, signed char y2, Size min = {}, bool repos = true);
+    bool AddSzYControl(QWidget *child, Mode y, Size min = {}, bool repos = true);
+    bool AddSzYControl(int id, signed char y1, signed char y2, Size min = {}, bool repos = true);
+    bool AddSzYControl(int id, Mode y, Size min = {}, bool repos = true);
+    /// Registers all direct children, those that are registered already only with `overwrite`.
+    void AllControls(Bytes const &bytes, bool overwrite = false, bool repos = true);
+    void AllControls(signed char x1, signed char y1, signed char x2, signed char y2, bool overwrite = false,
+                     bool repos = true);
+    void AllControls(Mode x, Mode y, bool overwrite = false, bool repos = true);
+    /// With `moveToInitial` the child goes back to the rectangle that it was registered with. False if unregistered.
+    bool RemSzControl(QWidget *child, bool moveToInitial = false);
 
-    /// Moves every registered child to where the rule puts it now; an unchanged child costs no window call. Nothing
-    /// while the window is minimised.
+    /// Moves one child to where the rule puts it now.
+    bool UpdateControlPosition(QWidget *child);
+    /// Moves every registered child to where the rule puts it now; one that stands there already is not touched.
     virtual void Layout();
 
-    /// Binds the engine to `window`, whose client size, or `size`, becomes the one that rectangles refer to. Not owned.
+    /// Binds the engine to `window`; its client size, or `initial`, is what the rectangles of children refer to.
     void DoInitWindow(QWidget &window);
-    void DoInitWindow(QWidget &window, Size const &size);
+    void DoInitWindow(QWidget &window, Size initial);
 
-    // Hooks of the hosting window.
-    enum SizeType { SizeRestored = 0, SizeMinimized = 1, SizeMaximized = 2 };
-    void DoOnSize(SizeType type);
-    /// `edge` counts from 1: left, right, top, top left, top right, bottom, bottom left, bottom right.
-    void DoOnSizing(int edge);
+    // What the hosting window hands on.
+    void DoOnSize(int type, int cx, int cy); ///< type 1: minimised
+    void DoOnSizing(int edge, Rect const &rect);
     void DoOnGetMinMaxInfo(MinMaxInfo &info) const;
-    void DoOnTimer(std::int64_t id);
-    void DoOnParentNotify(unsigned message, QWidget *child);
-    void DoOnDestroy();
-
-    static constexpr int kSizeIconId = 59936;
-    static constexpr std::int64_t kAntiFlickerTimer = 29028;
-    static constexpr unsigned kChildDestroyed = 2; ///< message of `DoOnParentNotify`
+    void DoOnTimer(std::intptr_t id);
+    void DoOnParentNotify(unsigned message, QWidget *child); ///< message 2: the child is being destroyed
+    void DoOnDestroy();                                      ///< ends the engine; repeated calls find nothing to do
 
 protected:
-    /// The rectangle of a registered child in this pass; false leaves the child alone. Subclasses treat single children
-    /// differently here.
+    friend class cdxCDynamicLayoutInfo;
+
+    /// Entry of a class's static layout table.
+    struct __dynEntry {         // NOLINT(bugprone-reserved-identifier,readability-identifier-naming): the given name
+        std::uint32_t type = 0; ///< 0 ends the table, 1: `b` is percentages, 2: `b` begins with the modes of x and y
+        std::uint32_t id = 0;   ///< 0 for all children that are not named
+        std::int8_t b[4]{};
+    };
+
+    /// Where `child` shall stand; false leaves it alone. Derived classes treat single children differently.
     virtual bool DoMoveCtrl(QWidget *child, int id, Rect &rect, cdxCDynamicLayoutInfo const &info);
+    /// Forgets a child that is being destroyed.
     virtual void DoDestroyCtrl(QWidget *child);
     virtual void OnInitialized() {}
     virtual void OnDestroying() {}
-    /// Null without a window or while it is minimised.
-    [[nodiscard]] virtual std::unique_ptr<cdxCDynamicLayoutInfo> DoCreateLayoutInfo();
+    /// Null if the window cannot be laid out now.
+    virtual std::unique_ptr<cdxCDynamicLayoutInfo> DoCreateLayoutInfo();
+    /// `isBotRight`: the top left corner of the window stays.
     virtual void StartAntiFlickering(bool isBotRight);
-    // NOLINTNEXTLINE(bugprone-reserved-identifier): a given name
-    [[nodiscard]] virtual __dynEntry const *__getDynMap(__dynEntry const *base) const { return base; }
+    /// The class's layout table, asked for with null; null for none.
+    // NOLINTNEXTLINE(bugprone-reserved-identifier,readability-identifier-naming): the given name
+    virtual __dynEntry const *__getDynMap(__dynEntry const *last) const;
 
-    void SetUseScrollPos(bool use) { m_bUseScrollPos = use; }
-    [[nodiscard]] cdxCSizeIconCtrl *SizeIcon() const { return m_pSizeIcon; }
+    [[nodiscard]] static EdgePercents _translate(Mode mode) { return TranslateMode(mode); }
 
-private:
-    struct AxisPercent {
-        signed char near = 0;
-        signed char far = 0;
-    };
-    [[nodiscard]] static AxisPercent _translate(Mode mode); // NOLINT(bugprone-reserved-identifier): a given name
-    void ApplyDynMap();
-
-    QWidget *m_pWnd = nullptr;               ///< the window served, not owned
-    cdxCSizeIconCtrl *m_pSizeIcon = nullptr; ///< the grip, owned
-    bool m_bIsAntiFlickering = false;
-    int m_iDisabled = 0;
-    unsigned m_classStyle = 0; ///< the redraw bits at the start
+    // Windows of hosts and derived classes read and set these by name.
+    QPointer<QWidget> m_pWnd;               ///< the window served, not owned
+    QPointer<cdxCSizeIconCtrl> m_pSizeIcon; ///< the grip, owned
+    bool m_bIsAntiFlickering = false;       ///< the class style is changed
+    std::int32_t m_iDisabled = 0;           ///< above 0: disabled
+    std::uint32_t m_classStyle = 0;         ///< the redraw bits as they were at the start
     std::unordered_map<QWidget *, Position> m_map;
     Freedom m_freedom;
     unsigned m_flags;
-    Size m_szInitial; ///< client size that rectangles refer to
-    Size m_szMin;     ///< of the client area
-    Size m_szMax;     ///< 0 for none
-    int m_idSizeIcon = kSizeIconId;
-    std::int64_t m_timerId = 0; ///< 0 until the window is initialised
-    bool m_bUseScrollPos = false;
-    std::unique_ptr<QTimer> m_timer;
+    Size m_szInitial;
+    Size m_szMin; ///< of the client area; the initial size unless changed
+    Size m_szMax; ///< 0 for none
+    unsigned m_idSizeIcon = 59936;
+    std::intptr_t m_timerId = 0;  ///< 0 until the window is initialised
+    bool m_bUseScrollPos = false; ///< children scroll with the window's scroll bars
+
+private:
+    class Watch;
+    /// The widget whose children are laid out: the viewport of a window that scrolls.
+    [[nodiscard]] QWidget *Client() const;
+    void ApplyDynMap();
+    void CreateSizeIcon();
+    bool AddAt(QWidget *child, EdgePercents x, EdgePercents y, Size min, bool repos);
+    bool AddAllControls(EdgePercents x, EdgePercents y, bool overwrite);
+
+    std::unique_ptr<Watch> m_watch; ///< hears of children that die and of the timer
 };
 
 } // namespace zelvar

@@ -2,83 +2,77 @@
 
 #include "zelvar/base/DCnfg.h"
 
-#include <QtGui/QGuiApplication>
 #include <QtGui/QScreen>
-#include <QtWidgets/QWidget>
-
-#include <utility>
+#include <QtWidgets/QApplication>
 
 namespace zelvar {
 
 namespace {
 
-constexpr int kScreenMargin = 5;  // pixels of the virtual screen that do not count
-constexpr int kFirstStretch = 10; // percent
-constexpr int kNotStored = -1;
-constexpr int kMinimized = 0;
-constexpr int kMaximized = 1;
+constexpr char const *kValid = "(valid)";
+enum State { kOther = -1, kMinimized = 0, kMaximized = 1 };
 
-/// Where the window stands when it is neither minimised nor maximised: the frame's corner, the client area's size.
-QRect NormalRect(QWidget const &window) {
-    if ((window.windowState() & (Qt::WindowMinimized | Qt::WindowMaximized | Qt::WindowFullScreen)) == 0)
-        return {window.pos(), window.size()};
-    QPoint const frame = window.geometry().topLeft() - window.frameGeometry().topLeft();
-    return window.normalGeometry().isValid() ? window.normalGeometry().translated(-frame)
-                                             : QRect(window.pos(), window.size());
+Rect ToRect(QRect const &rect) { return {rect.x(), rect.y(), rect.x() + rect.width(), rect.y() + rect.height()}; }
+
+Rect VirtualScreen() {
+    QScreen const *const screen = QGuiApplication::primaryScreen();
+    return screen == nullptr ? Rect{} : ToRect(screen->virtualGeometry());
 }
 
-void MoveWindow(QWidget &window, QRect const &rect) {
-    window.resize(rect.size());
-    window.move(rect.topLeft());
+void MoveWindow(QWidget &window, Rect const &rect) {
+    window.setGeometry(rect.left, rect.top, rect.Width(), rect.Height());
 }
 
 } // namespace
 
 char const *const cdxCDynamicWndEx::M_lpszAutoPosProfileSection = "WindowPositions";
 
+cdxCDynamicWndEx::~cdxCDynamicWndEx() { DoOnDestroy(); }
+
 void cdxCDynamicWndEx::ActivateAutoPos(unsigned id) {
     m_autoPosKey = Format("ID=0x%08lx", static_cast<unsigned long>(id));
 }
 
-DString cdxCDynamicWndEx::ProfileSection() const {
+DString cdxCDynamicWndEx::Section() const {
     DString section = M_lpszAutoPosProfileSection;
     if (!section.ends_with('\\'))
         section += '\\';
     return section + m_autoPosKey;
 }
 
+Rect cdxCDynamicWndEx::NormalRect() const {
+    // A window that was never shown knows no other rectangle than its present one.
+    QRect const normal = m_pWnd->isWindow() ? m_pWnd->normalGeometry() : QRect();
+    return ToRect(normal.isValid() && (m_pWnd->isMaximized() || m_pWnd->isMinimized()) ? normal : m_pWnd->geometry());
+}
+
 void cdxCDynamicWndEx::OnInitialized() {
-    if (m_autoPosKey.empty() || RestoreWindowPosition(ProfileSection().c_str(), RestoreState | RestoreVisibility))
+    if (m_autoPosKey.empty() || RestoreWindowPosition(Section().c_str(), RestoreState | RestoreVisibility))
         return;
+    constexpr int percent = 10; // a window opens bigger than it was designed
     CenterWindow();
-    StretchWindow(kFirstStretch);
+    StretchWindow(percent);
 }
 
 void cdxCDynamicWndEx::OnDestroying() {
     if (!m_autoPosKey.empty() && IsWindow())
-        StoreWindowPosition(ProfileSection().c_str());
+        StoreWindowPosition(Section().c_str());
 }
-
-void cdxCDynamicWndEx::DoShowWindow(bool show) { Window()->setVisible(show); }
 
 void cdxCDynamicWndEx::CenterWindow() {
-    QWidget const *const parent = Window()->parentWidget();
-    QRect const area = parent != nullptr ? parent->window()->frameGeometry() : Window()->screen()->availableGeometry();
-    QRect place(QPoint(), Window()->size());
-    place.moveCenter(area.center());
-    Window()->move(place.topLeft());
+    QWidget const *const parent = m_pWnd->parentWidget();
+    bool const overParent = parent != nullptr && parent->window()->isVisible();
+    QRect const over = overParent ? parent->window()->geometry() : m_pWnd->screen()->availableGeometry();
+    m_pWnd->move(over.center() - QPoint(m_pWnd->width() / 2, m_pWnd->height() / 2));
 }
 
-bool cdxCDynamicWndEx::StretchWindow(Size const &by) {
+bool cdxCDynamicWndEx::StretchWindow(Size growth) {
     if (!IsWindow())
         return false;
-    QRect const normal = NormalRect(*Window());
-    Rect const stretched{normal.left() - by.cx / 2, normal.top() - by.cy / 2,
-                         normal.left() + normal.width() + (by.cx + 1) / 2,
-                         normal.top() + normal.height() + (by.cy + 1) / 2};
+    Rect const stretched = StretchedRect(NormalRect(), growth);
     if (stretched.IsEmpty())
         return false;
-    MoveWindow(*Window(), {stretched.left, stretched.top, stretched.Width(), stretched.Height()});
+    MoveWindow(*m_pWnd, stretched);
     return true;
 }
 
@@ -91,52 +85,36 @@ bool cdxCDynamicWndEx::StretchWindow(int percent) {
 bool cdxCDynamicWndEx::StoreWindowPosition(char const *section) const {
     if (!IsWindow() || section == nullptr || !Profile::HasRegistryKey())
         return false;
-    QRect const rect = NormalRect(*Window());
-    int const state = Window()->isMinimized() ? kMinimized : Window()->isMaximized() ? kMaximized : kNotStored;
-    std::pair<char const *, int> const values[] = {
-        {"(valid)", 0}, // until all the others are there
-        {"Left", rect.left()},
-        {"Right", rect.left() + rect.width()},
-        {"Top", rect.top()},
-        {"Bottom", rect.top() + rect.height()},
-        {"Visibility", Window()->isVisible() ? 1 : 0},
-        {"State", state},
-        {"(valid)", 1},
-    };
-    for (auto const &[name, value] : values)
-        if (!Profile::WriteInt(section, name, value))
-            return false;
-    return true;
+    Rect const rect = NormalRect();
+    int const state = m_pWnd->isMinimized() ? kMinimized : m_pWnd->isMaximized() ? kMaximized : kOther;
+    // Invalid until all is written.
+    return Profile::WriteInt(section, kValid, 0) && Profile::WriteInt(section, "Left", rect.left) &&
+           Profile::WriteInt(section, "Right", rect.right) && Profile::WriteInt(section, "Top", rect.top) &&
+           Profile::WriteInt(section, "Bottom", rect.bottom) &&
+           Profile::WriteInt(section, "Visibility", m_pWnd->isVisible() ? 1 : 0) &&
+           Profile::WriteInt(section, "State", state) && Profile::WriteInt(section, kValid, 1);
 }
 
 bool cdxCDynamicWndEx::RestoreWindowPosition(char const *section, unsigned flags) {
-    if (!IsWindow() || section == nullptr || !Profile::HasRegistryKey() || Profile::GetInt(section, "(valid)", 0) != 1)
+    if (!IsWindow() || section == nullptr || !Profile::HasRegistryKey() || Profile::GetInt(section, kValid, 0) != 1)
         return false;
-    QRect const now = NormalRect(*Window());
-    int const state = Profile::GetInt(section, "State", kNotStored);
-    int left = Profile::GetInt(section, "Left", now.left());
-    int right = Profile::GetInt(section, "Right", now.left() + now.width());
-    int top = Profile::GetInt(section, "Top", now.top());
-    int bottom = Profile::GetInt(section, "Bottom", now.top() + now.height());
-    if (left > right)
-        std::swap(left, right);
-    if (top > bottom)
-        std::swap(top, bottom);
-    QRect const stored(left, top, right - left, bottom - top);
-
-    QRect screens = QGuiApplication::primaryScreen()->virtualGeometry();
-    if (!screens.isEmpty())
-        screens.adjust(kScreenMargin, kScreenMargin, -kScreenMargin, -kScreenMargin);
-    if (!screens.intersects(stored))
+    Rect const now = NormalRect();
+    int const state = Profile::GetInt(section, "State", kOther);
+    Rect const stored =
+        NormalizedRect({Profile::GetInt(section, "Left", now.left), Profile::GetInt(section, "Top", now.top),
+                        Profile::GetInt(section, "Right", now.right), Profile::GetInt(section, "Bottom", now.bottom)});
+    if (!IsReachable(stored, VirtualScreen()))
         return false;
-    MoveWindow(*Window(), stored);
-    if ((flags & RestoreState) != 0 && (state == kMaximized || state == kMinimized))
-        Window()->setWindowState(state == kMaximized ? Qt::WindowMaximized : Qt::WindowMinimized);
-    if ((flags & RestoreVisibility) != 0) {
-        int const visibility = Profile::GetInt(section, "Visibility", kNotStored);
-        if (visibility == 0 || visibility == 1)
-            DoShowWindow(visibility == 1);
-    }
+    MoveWindow(*m_pWnd, stored);
+    if ((flags & RestoreState) != 0 && state == kMaximized)
+        m_pWnd->showMaximized();
+    else if ((flags & RestoreState) != 0 && state == kMinimized)
+        m_pWnd->showMinimized();
+    if ((flags & RestoreVisibility) == 0)
+        return true;
+    int const visibility = Profile::GetInt(section, "Visibility", -1);
+    if (visibility == 0 || visibility == 1)
+        m_pWnd->setVisible(visibility == 1);
     return true;
 }
 

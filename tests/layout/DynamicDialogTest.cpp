@@ -1,0 +1,226 @@
+#include "support/GuiTest.h"
+#include "zelvar/base/DCnfg.h"
+#include "zelvar/base/SettingsStore.h"
+#include "zelvar/layout/cdxCDynamicDialog.h"
+#include "zelvar/layout/cdxCDynamicPropertyPage.h"
+#include "zelvar/layout/cdxCSizeIconCtrl.h"
+
+#include <QtGui/QScreen>
+#include <QtTest/QTest>
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QPushButton>
+
+#include <gtest/gtest.h>
+
+namespace zelvar {
+namespace {
+
+using platform::ControlKind;
+
+constexpr platform::DialogItem kItems[] = {
+    {.id = 1,
+     .kind = ControlKind::DefaultButton,
+     .text = "OK",
+     .x = 10,
+     .y = 60,
+     .w = 50,
+     .h = 14,
+     .move = {100, 100, 100, 100}},
+    {.id = 2, .kind = ControlKind::Button, .text = "Cancel", .x = 70, .y = 60, .w = 50, .h = 14},
+    {.id = 3, .kind = ControlKind::List, .text = "", .x = 10, .y = 10, .w = 110, .h = 40, .move = {0, 0, 100, 100}},
+};
+constexpr platform::DialogTemplate kTemplate{
+    .id = 6104, .caption = "Test", .width = 130, .height = 80, .items = kItems};
+constexpr char const *kSection = "WindowPositions\\ID=0x000017d8";
+
+std::vector<DString> StoredSections() { return SettingsStore::Instance().Children("Profile\\Zelvar\\WindowPositions"); }
+
+void Store(Rect const &rect, int visibility = 0, int state = -1, int valid = 1) {
+    Profile::WriteInt(kSection, "Left", rect.left);
+    Profile::WriteInt(kSection, "Top", rect.top);
+    Profile::WriteInt(kSection, "Right", rect.right);
+    Profile::WriteInt(kSection, "Bottom", rect.bottom);
+    Profile::WriteInt(kSection, "Visibility", visibility);
+    Profile::WriteInt(kSection, "State", state);
+    Profile::WriteInt(kSection, "(valid)", valid);
+}
+
+class DynamicDialogTest : public testing::Test {
+protected:
+    DynamicDialogTest() { SettingsStore::Instance().RemoveTree("Profile"); }
+};
+
+class TestDialog : public cdxCDynamicDialog {
+public:
+    using cdxCDynamicDialog::cdxCDynamicDialog;
+    using cdxCDynamicDialog::m_bNewDlg;
+    using cdxCDynamicDialog::m_szInitial;
+    bool OnInitDialog() override {
+        EXPECT_FALSE(isVisible());
+        bool const result = cdxCDynamicDialog::OnInitDialog();
+        // Made after the base has restored the position; its rectangle is that of the designed size.
+        auto *const own = new QPushButton(this);
+        own->setGeometry(5, 5, 20, 20);
+        platform::SetDlgCtrlID(*own, 50);
+        AddSzControl(50, TopRight);
+        ++initialised;
+        return result;
+    }
+    int initialised = 0;
+};
+
+TEST_F(DynamicDialogTest, OpensCentredAndTenPercentBiggerTheFirstTime) {
+    TestDialog dialog(kTemplate);
+    dialog.show();
+    QSize const initial(dialog.m_szInitial.cx, dialog.m_szInitial.cy);
+    EXPECT_EQ(dialog.size(),
+              QSize(initial.width() + initial.width() * 10 / 100, initial.height() + initial.height() * 10 / 100));
+    QPoint const off = dialog.geometry().center() - dialog.screen()->availableGeometry().center();
+    EXPECT_LE(off.manhattanLength(), 4);
+    EXPECT_EQ(dialog.minimumSize(), initial);
+    auto *const own = platform::GetDlgItem(dialog, 50);
+    ASSERT_NE(own, nullptr);
+    EXPECT_TRUE(own->isVisible());
+    EXPECT_EQ(own->x(), 5 + dialog.width() - initial.width());
+    EXPECT_FALSE(dialog.m_bNewDlg);
+}
+
+TEST_F(DynamicDialogTest, ComesBackWhereItStoodAndControlsFollow) {
+    Rect placed;
+    {
+        TestDialog dialog(kTemplate);
+        dialog.show();
+        dialog.setGeometry(60, 70, 500, 400);
+        auto const *const list = platform::GetDlgItem(dialog, 3);
+        QRect const wanted = list->geometry();
+        EXPECT_GT(wanted.width(), 300);
+        placed = {60, 70, 560, 470};
+    }
+    EXPECT_EQ(Profile::GetInt(kSection, "Right", 0), placed.right);
+    EXPECT_EQ(Profile::GetInt(kSection, "Visibility", -1), 1);
+    EXPECT_EQ(Profile::GetInt(kSection, "State", 5), -1);
+    EXPECT_EQ(Profile::GetInt(kSection, "(valid)", 0), 1);
+    TestDialog again(kTemplate);
+    again.Create();
+    EXPECT_EQ(again.geometry(), QRect(60, 70, 500, 400));
+    EXPECT_TRUE(again.isVisible()); // as it was stored, though only after its controls were there
+    EXPECT_TRUE(platform::GetDlgItem(again, 50)->isVisible());
+}
+
+TEST_F(DynamicDialogTest, WhatCannotBeRestoredOpensCentred) {
+    Rect const screen{0, 0, 800, 800};
+    struct Case {
+        char const *name;
+        Rect rect;
+        int valid;
+        bool restored;
+    };
+    Case const cases[] = {
+        {"whole", {100, 100, 500, 500}, 1, true},
+        {"edges swapped", {500, 500, 100, 100}, 1, true},
+        {"interrupted while it was stored", {100, 100, 500, 500}, 0, false},
+        {"off every screen", {5000, 5000, 5400, 5400}, 1, false},
+        {"within the margin of the screen", {screen.right - 3, 100, screen.right + 400, 500}, 1, false},
+    };
+    for (Case const &c : cases) {
+        SCOPED_TRACE(c.name);
+        Store(c.rect, 0, -1, c.valid);
+        TestDialog dialog(kTemplate);
+        dialog.show();
+        EXPECT_EQ(dialog.geometry() == QRect(100, 100, 400, 400), c.restored);
+        EXPECT_TRUE(dialog.isVisible());
+    }
+}
+
+TEST_F(DynamicDialogTest, AMaximisedDialogComesBackMaximisedWithItsNormalPlace) {
+    Store({50, 60, 450, 460}, 0, 1);
+    {
+        TestDialog dialog(kTemplate);
+        dialog.show();
+        EXPECT_TRUE(dialog.isMaximized());
+        EXPECT_TRUE(test::Eventually([&] { return dialog.width() > 700; }));
+    }
+    EXPECT_EQ(Profile::GetInt(kSection, "State", 0), 1);
+    EXPECT_EQ(Profile::GetInt(kSection, "Right", 0), 450);
+}
+
+TEST_F(DynamicDialogTest, StoresNothingWithoutKeyOrApplicationKey) {
+    {
+        TestDialog nameless("");
+        nameless.resize(200, 100);
+        nameless.show();
+        EXPECT_EQ(nameless.size(), QSize(200, 100)); // not stretched
+    }
+    {
+        TestDialog none(kTemplate);
+        none.NoAutoPos();
+        none.show();
+    }
+    {
+        cdxCDynamicChildDlg const child(kTemplate);
+        cdxCDynamicPropertyPage page(kTemplate);
+        page.show();
+        EXPECT_NE(platform::GetDlgItem(page, 3), nullptr);
+    }
+    Profile::SetRegistryKey("");
+    {
+        TestDialog dialog(kTemplate);
+        dialog.show();
+        EXPECT_FALSE(dialog.StoreWindowPosition(kSection));
+        EXPECT_FALSE(dialog.RestoreWindowPosition(kSection, 3));
+    }
+    Profile::SetRegistryKey("Zelvar");
+    EXPECT_TRUE(StoredSections().empty());
+    {
+        TestDialog named("Name");
+        named.show();
+    }
+    EXPECT_EQ(StoredSections(), std::vector<DString>{"Name"});
+}
+
+TEST_F(DynamicDialogTest, RunsModallyEndsByItsButtonsAndCanRunAgain) {
+    TestDialog dialog(kTemplate);
+    auto const run = [&](int button) {
+        auto const seen = test::OnNextDialog([button](QWidget &shown) {
+            EXPECT_TRUE(shown.isModal());
+            test::Click(platform::GetDlgItem(shown, button));
+        });
+        int const result = dialog.DoModal();
+        EXPECT_TRUE(*seen);
+        return result;
+    };
+    EXPECT_EQ(run(1), 1);
+    EXPECT_EQ(Profile::GetInt(kSection, "(valid)", 0), 1);
+    delete platform::GetDlgItem(dialog, 50); // made by the derived class, which makes it anew
+    EXPECT_EQ(run(2), 0);
+    EXPECT_EQ(dialog.initialised, 2);
+}
+
+TEST_F(DynamicDialogTest, WithoutFreedomTheSizeStays) {
+    TestDialog dialog(kTemplate, nullptr, cdxCDynamicWnd::FreedomNone, 0);
+    dialog.show();
+    EXPECT_EQ(dialog.minimumSize(), dialog.maximumSize());
+    EXPECT_EQ(dialog.width(), dialog.m_szInitial.cx);
+    Store({0, 0, 700, 700});
+    TestDialog again(kTemplate, nullptr, cdxCDynamicWnd::FreedomHoriz, 0);
+    again.show();
+    EXPECT_EQ(again.width(), 700);
+    EXPECT_EQ(again.height(), again.m_szInitial.cy);
+}
+
+TEST_F(DynamicDialogTest, AChildDialogFillsItsPlaceInTheParent) {
+    QWidget parent;
+    parent.resize(300, 300);
+    cdxCDynamicChildDlg child(kTemplate, &parent);
+    parent.show();
+    child.show();
+    EXPECT_FALSE(child.isWindow());
+    QRect const list = platform::GetDlgItem(child, 3)->geometry();
+    child.resize(child.width() + 40, child.height() + 30);
+    EXPECT_EQ(platform::GetDlgItem(child, 3)->geometry(), list.adjusted(0, 0, 40, 30));
+    child.resize(child.width() - 100, child.height() - 30);
+    EXPECT_EQ(platform::GetDlgItem(child, 3)->geometry(), list); // below its first width it would scroll
+}
+
+} // namespace
+} // namespace zelvar

@@ -1,0 +1,31 @@
+#include "zelvar/layout/core/WindowRule.h"
+
+#include <gtest/gtest.h>
+
+namespace zelvar {
+namespace {
+
+TEST(WindowRule, AnAxisWithoutFreedomKeepsItsMinimum) {
+    EXPECT_EQ(ComputeTrackSizes({100, 80}, {}, {8, 30}, true, true), (TrackSizes{{108, 110}, {0, 0}}));
+    EXPECT_EQ(ComputeTrackSizes({100, 80}, {200, 0}, {8, 30}, true, false), (TrackSizes{{108, 110}, {208, 110}}));
+    EXPECT_EQ(ComputeTrackSizes({100, 80}, {200, 90}, {8, 30}, false, true), (TrackSizes{{108, 110}, {108, 120}}));
+}
+
+TEST(WindowRule, StretchingGivesTheOddPixelToTheFarEdge) {
+    EXPECT_EQ(StretchedRect({10, 10, 20, 20}, {5, 4}), (Rect{8, 8, 23, 22}));
+    EXPECT_EQ(StretchedRect({10, 10, 20, 20}, {-5, 0}), (Rect{12, 10, 18, 20}));
+    EXPECT_TRUE(StretchedRect({10, 10, 20, 20}, {-20, 0}).IsEmpty());
+}
+
+TEST(WindowRule, AWindowWithinFivePixelsOfTheScreensEdgeIsOutOfReach) {
+    Rect const screen{0, 0, 800, 600};
+    EXPECT_FALSE(IsReachable({-200, 100, 3, 200}, screen));
+    EXPECT_FALSE(IsReachable({-200, 100, 5, 200}, screen));
+    EXPECT_TRUE(IsReachable({-200, 100, 6, 200}, screen));
+    EXPECT_FALSE(IsReachable({100, 595, 200, 700}, screen));
+    EXPECT_TRUE(IsReachable({100, 594, 200, 700}, screen));
+    EXPECT_EQ(NormalizedRect({20, 40, 10, 30}), (Rect{10, 30, 20, 40}));
+}
+
+} // namespace
+} // namespace zelvar
