@@ -29,7 +29,7 @@ enum : unsigned {
 /// Flags of `SetItemCountEx`.
 enum : unsigned {
     LVSICF_NOINVALIDATEALL = 1, ///< only rows that come or go are painted anew
-    LVSICF_NOSCROLL = 2,        ///< the scroll position stays
+    LVSICF_NOSCROLL = 2,        ///< the scroll position stays; it does anyway as long as its row exists
 };
 /// Formats of a column.
 enum : int { LVCFMT_LEFT = 0, LVCFMT_RIGHT = 1, LVCFMT_CENTER = 2 };

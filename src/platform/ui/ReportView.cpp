@@ -105,8 +105,6 @@ void ReportView::SetItemCountEx(int count, unsigned flags) {
     m_layoutDue = true;
     UpdateVerticalBar();
     ReportAccessible::RowsReset(*this);
-    if ((flags & LVSICF_NOSCROLL) == 0 && GetFocusRow() >= 0)
-        EnsureVisible(GetFocusRow());
     if ((flags & LVSICF_NOINVALIDATEALL) == 0)
         viewport()->update();
     else if (count != before)

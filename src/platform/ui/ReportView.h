@@ -100,6 +100,8 @@ protected:
     /// is surely narrower need not be measured.
     [[nodiscard]] virtual int MeasureCell(int row, int col, int widest) const;
 
+    [[nodiscard]] int CellMargins(int row, int col) const; ///< what `MeasureCell` leaves beside the text
+
     // True keeps it from the parent.
     virtual bool OnItemChanged(int row, unsigned oldState, unsigned newState);
     virtual bool OnRangeChanged(int first, int last, unsigned oldState, unsigned newState);

@@ -167,12 +167,14 @@ int ReportView::ContentWidth(int col) const {
     return widest;
 }
 
+int ReportView::CellMargins(int row, int col) const { return LabelLeft(row, col) + kCellMargins; }
+
 int ReportView::MeasureCell(int row, int col, int widest) const {
     if (!m_measure)
         m_measure.emplace(fontMetrics());
     ReportColumn column;
     std::ignore = GetColumn(col, column);
-    int const around = LabelLeft(row, col) + kCellMargins;
+    int const around = CellMargins(row, col);
     return m_measure->Width(GetItemText(row, column.subItem), widest - around) + around;
 }
 

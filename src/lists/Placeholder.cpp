@@ -1,1 +1,0 @@
-// Keeps the room's target alive until its first source lands.

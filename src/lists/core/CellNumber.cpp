@@ -1,0 +1,45 @@
+#include "zelvar/lists/core/CellNumber.h"
+
+#include <algorithm>
+#include <charconv>
+#include <limits>
+
+namespace zelvar {
+
+namespace {
+
+bool TakePrefix(std::string_view &text, std::string_view prefix) {
+    bool const found = text.starts_with(prefix);
+    if (found)
+        text.remove_prefix(prefix.size());
+    return found;
+}
+
+} // namespace
+
+std::optional<double> ParseCellNumber(std::string_view text) {
+    text.remove_prefix(std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size()));
+    bool const negative = TakePrefix(text, "-");
+    if (!negative)
+        TakePrefix(text, "+");
+    if (text.starts_with('-') || text.starts_with('+'))
+        return std::nullopt;
+    std::string_view digits = text;
+    bool const hexadecimal = TakePrefix(digits, "0x") || TakePrefix(digits, "0X");
+    double value = 0;
+    auto read = hexadecimal
+                    ? std::from_chars(digits.data(), digits.data() + digits.size(), value, std::chars_format::hex)
+                    : std::from_chars(text.data(), text.data() + text.size(), value);
+    if (hexadecimal && read.ec == std::errc::invalid_argument)
+        value = 0; // "0x" and no more: the 0
+    else if (read.ec == std::errc::invalid_argument)
+        return std::nullopt;
+    if (read.ec == std::errc::result_out_of_range) {
+        std::string_view const used(text.data(), static_cast<std::size_t>(read.ptr - text.data()));
+        bool const tiny = used.find("e-") != std::string_view::npos || used.find("E-") != std::string_view::npos;
+        value = tiny ? 0 : std::numeric_limits<double>::infinity();
+    }
+    return negative ? -value : value;
+}
+
+} // namespace zelvar

@@ -1,0 +1,224 @@
+#include "zelvar/lists/CEditCell.h"
+
+#include "support/GuiTest.h"
+#include "support/ReportStage.h"
+#include "zelvar/lists/CListCtrlFlex.h"
+#include "zelvar/platform/ui/ControlId.h"
+
+#include <QtWidgets/QLineEdit>
+#include <QtWidgets/QVBoxLayout>
+
+#include <gtest/gtest.h>
+
+namespace zelvar {
+namespace {
+
+using test::Stage;
+
+/// Four columns, the first read-only, the others editable; a parent with id 7 that writes down what it is told.
+class Editing : public testing::Test {
+protected:
+    Editing() {
+        platform::SetDlgCtrlID(parent, 7);
+        platform::SetDlgCtrlID(*list, 8);
+        auto *const layout = new QVBoxLayout(&parent);
+        layout->addWidget(list);
+        layout->addWidget(other);
+        for (int col = 0; col < 4; ++col)
+            list->InsertColumn(col, ADICol_String, "C" + std::to_string(col), col != 0, LVCFMT_LEFT, 90, col);
+        for (int row = 0; row < kRows; ++row) {
+            list->InsertItem(row, "r" + std::to_string(row), 0, nullptr, 0, 0xFFFFFF, 0);
+            for (int col = 1; col < 4; ++col)
+                list->SetItemText(row, col, std::to_string(row) + "," + std::to_string(col));
+        }
+        QObject::connect(list, &CListCtrlFlex::BeginLabelEdit, [this](LabelEditNotify *notify) {
+            Tell("begin", *notify);
+            notify->veto = veto;
+        });
+        QObject::connect(list, &CListCtrlFlex::EndLabelEdit, [this](LabelEditNotify *notify) { Tell("end", *notify); });
+        parent.resize(420, 300);
+        parent.show();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&parent));
+    }
+    void Tell(std::string const &what, LabelEditNotify const &notify) {
+        told += (told.empty() ? "" : " | ") + what + " " + std::to_string(notify.iItem) + "," +
+                std::to_string(notify.iSubItem) + " from " + std::to_string(notify.idFrom) + " to " +
+                std::to_string(notify.wParam);
+        if (what == "end")
+            told += notify.pszText == nullptr ? " null" : " '" + *notify.pszText + "'";
+    }
+    [[nodiscard]] CEditCell *Cell() const { return platform::GetDlgItem<CEditCell>(*list, CEditCell::kControlId); }
+    /// "row,col" of the open edit, "none" without one.
+    [[nodiscard]] std::string Where() const {
+        CEditCell const *const cell = Cell();
+        return cell == nullptr ? "none" : std::to_string(cell->Item()) + "," + std::to_string(cell->SubItem());
+    }
+    void Open(int row, int col) {
+        list->OnEdit(row, col, false);
+        ASSERT_NE(Cell(), nullptr);
+        EXPECT_TRUE(Cell()->hasFocus());
+        told.clear();
+    }
+    void DoubleClick(int row, int col) {
+        Rect const cell = list->GetSubItemRect(row, col, LVIR_LABEL);
+        QPoint const at((cell.left + cell.right) / 2, (cell.top + cell.bottom) / 2);
+        QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, at);
+        QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, at);
+    }
+    static constexpr int kRows = 40;
+    std::string told; // before the window: closing it ends an edit
+    bool veto = false;
+    QWidget parent;
+    CListCtrlFlex *list = new CListCtrlFlex(&parent);
+    QLineEdit *other = new QLineEdit(&parent);
+};
+
+TEST_F(Editing, EveryKeyMovesAsTold) {
+    int const page = list->GetCountPerPage();
+    auto const at = [](int row, int col) { return std::to_string(row) + "," + std::to_string(col); };
+    struct Case {
+        char const *name;
+        int row, col;
+        Qt::Key key;
+        Qt::KeyboardModifiers modifiers;
+        std::string expected;
+    };
+    Case const cases[] = {
+        {"Up", 5, 1, Qt::Key_Up, {}, "4,1"},
+        {"Up on the first row", 0, 1, Qt::Key_Up, {}, "0,1"},
+        {"Down", 5, 1, Qt::Key_Down, {}, "6,1"},
+        {"Down on the last row ends", kRows - 1, 1, Qt::Key_Down, {}, "none"},
+        {"Ctrl+Home", 5, 2, Qt::Key_Home, Qt::ControlModifier, "0,2"},
+        {"Ctrl+End", 5, 2, Qt::Key_End, Qt::ControlModifier, at(kRows - 1, 2)},
+        {"Home stays", 5, 2, Qt::Key_Home, {}, "5,2"},
+        {"End stays", 5, 2, Qt::Key_End, {}, "5,2"},
+        {"Page Up", 30, 1, Qt::Key_PageUp, {}, at(30 - page, 1)},
+        {"Page Up at the top", 2, 1, Qt::Key_PageUp, {}, "0,1"},
+        {"Page Down", 2, 1, Qt::Key_PageDown, {}, at(2 + page, 1)},
+        {"Page Down at the end", kRows - 2, 1, Qt::Key_PageDown, {}, at(kRows - 1, 1)},
+        {"Tab", 5, 1, Qt::Key_Tab, {}, "5,2"},
+        {"Tab goes round after the third column, over the read-only one", 5, 2, Qt::Key_Tab, {}, "6,1"},
+        {"Tab from the fourth column too", 5, 3, Qt::Key_Tab, {}, "6,1"},
+        {"Tab on the last row ends", kRows - 1, 2, Qt::Key_Tab, {}, "none"},
+        {"Shift+Tab", 5, 2, Qt::Key_Tab, Qt::ShiftModifier, "5,1"},
+        {"Shift+Tab into the read-only column comes back", 5, 1, Qt::Key_Tab, Qt::ShiftModifier, "5,1"},
+        {"Shift+Tab from the first column, third of the row before", 5, 0, Qt::Key_Backtab, Qt::ShiftModifier, "4,2"},
+        {"Shift+Tab at the very start", 0, 0, Qt::Key_Tab, Qt::ShiftModifier, "0,0"},
+        {"Return ends", 5, 1, Qt::Key_Return, {}, "none"},
+        {"Escape ends", 5, 1, Qt::Key_Escape, {}, "none"},
+    };
+    for (Case const &c : cases) {
+        SCOPED_TRACE(c.name);
+        Open(c.row, c.col);
+        QTest::keyClick(Cell(), c.key, c.modifiers);
+        EXPECT_EQ(Where(), c.expected);
+        if (CEditCell *const cell = Cell()) {
+            EXPECT_TRUE(cell->hasFocus());
+            EXPECT_TRUE(list->viewport()->rect().contains(cell->geometry().center())) << "a cell that nobody sees";
+        } else {
+            EXPECT_TRUE(list->hasFocus());
+        }
+        list->setFocus();
+        EXPECT_EQ(Where(), "none");
+    }
+}
+
+TEST_F(Editing, ReturnCommitsTwiceWithTheSameText) {
+    Open(2, 1);
+    QTest::keyClicks(Cell(), QStringLiteral("new")); // all was selected
+    QTest::keyClick(Cell(), Qt::Key_Return);
+    EXPECT_EQ(list->GetItemText(2, 1), "new");
+    EXPECT_EQ(told, "end 2,1 from 1001 to 8 'new' | end 2,1 from 1001 to 8 'new'");
+    EXPECT_FALSE(list->IsInEditing());
+}
+
+TEST_F(Editing, EscapeTellsNoTextAndChangesNothing) {
+    Open(2, 1);
+    QTest::keyClicks(Cell(), QStringLiteral("new"));
+    QTest::keyClick(Cell(), Qt::Key_Escape);
+    EXPECT_EQ(list->GetItemText(2, 1), "2,1");
+    EXPECT_EQ(told, "end 2,1 from 1001 to 8 null");
+    EXPECT_TRUE(parent.isVisible());
+}
+
+TEST_F(Editing, TheLossOfTheFocusCommits) {
+    Open(2, 1);
+    QTest::keyClicks(Cell(), QStringLiteral("new"));
+    other->setFocus();
+    EXPECT_EQ(list->GetItemText(2, 1), "new");
+    EXPECT_EQ(Where(), "none");
+    EXPECT_TRUE(other->hasFocus());
+}
+
+TEST_F(Editing, MovingCommitsTheCellThatIsLeftAndTheOldOneSaysThatEditingIsOver) {
+    Open(2, 1);
+    QTest::keyClicks(Cell(), QStringLiteral("new"));
+    QTest::keyClick(Cell(), Qt::Key_Down);
+    EXPECT_EQ(told, "begin 3,1 from 8 to 7 | end 2,1 from 1001 to 8 'new'");
+    EXPECT_EQ(list->GetItemText(2, 1), "new");
+    EXPECT_FALSE(list->IsInEditing()) << "the new cell says yes before the old one says no";
+}
+
+TEST_F(Editing, ADoubleClickOpensAnEditableCellAndSelectsTheRowOfAnother) {
+    DoubleClick(3, 2);
+    EXPECT_EQ(Where(), "3,2");
+    EXPECT_EQ(list->GetItemState(3, LVIS_SELECTED | LVIS_FOCUSED), 0U);
+    EXPECT_EQ(told, "begin 3,2 from 8 to 7");
+    DoubleClick(4, 0);
+    EXPECT_EQ(Where(), "none");
+    EXPECT_NE(list->GetItemState(4, LVIS_SELECTED), 0U);
+}
+
+TEST_F(Editing, AVetoKeepsTheCellShut) {
+    veto = true;
+    list->OnEdit(1, 1, false);
+    EXPECT_EQ(Where(), "none");
+    EXPECT_EQ(told, "begin 1,1 from 8 to 7");
+}
+
+TEST_F(Editing, ReadOnlyColumnsAreSkippedOnlyWhereWanted) {
+    list->OnEdit(1, 0, true);
+    EXPECT_EQ(Where(), "1,1");
+    list->OnEdit(1, 0, false);
+    EXPECT_EQ(Where(), "1,0");
+    list->OnEdit(kRows, 1, true);
+    EXPECT_EQ(Where(), "1,0");
+}
+
+TEST_F(Editing, TheEditGrowsWithItsTextToTheEdgeOfTheListAndNeverShrinks) {
+    Open(1, 3);
+    int const before = Cell()->width();
+    QTest::keyClicks(Cell(), QStringLiteral("wwwwwwwwwwwwwww"));
+    int const grown = Cell()->width();
+    EXPECT_GT(grown, before);
+    EXPECT_NEAR(grown, list->fontMetrics().horizontalAdvance(Cell()->text()) + 5, 45);
+    for (int i = 0; i < 12; ++i)
+        QTest::keyClick(Cell(), Qt::Key_Backspace);
+    EXPECT_EQ(Cell()->width(), grown);
+    QTest::keyClicks(Cell(), QString(100, u'w'));
+    EXPECT_EQ(Cell()->geometry().right() + 1, list->GetClientRect().right);
+}
+
+TEST_F(Editing, TheEditScrollsWithItsCellAndThePointerTellsOfIt) {
+    Open(5, 1);
+    int const y = Cell()->y();
+    list->verticalScrollBar()->setValue(2);
+    EXPECT_EQ(Cell()->y(), y - 2 * list->RowHeight());
+    auto const shapeAt = [&](QPoint at) {
+        QTest::mouseMove(list->viewport(), at + QPoint(1, 1));
+        QTest::mouseMove(list->viewport(), at);
+        return list->viewport()->cursor().shape();
+    };
+    EXPECT_EQ(shapeAt(QPoint(20, 100)), Qt::IBeamCursor);
+    list->setFocus();
+    EXPECT_EQ(shapeAt(QPoint(20, 100)), Qt::ArrowCursor);
+}
+
+TEST_F(Editing, AListMayDieWithAnOpenEdit) {
+    Open(1, 1);
+    delete list;
+    EXPECT_EQ(told, "");
+}
+
+} // namespace
+} // namespace zelvar

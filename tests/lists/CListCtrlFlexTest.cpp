@@ -1,0 +1,235 @@
+#include "zelvar/lists/CListCtrlFlex.h"
+
+#include "support/GuiTest.h"
+#include "support/ReportStage.h"
+#include "zelvar/platform/ui/SystemColor.h"
+
+#include <QtGui/QFont>
+
+#include <gtest/gtest.h>
+
+namespace zelvar {
+namespace {
+
+using platform::SystemColor;
+using platform::ToQColor;
+using test::Stage;
+
+/// The texts of a column from the top, separated by blanks.
+std::string Column(CListCtrlFlex const &list, int col = 0) {
+    std::string text;
+    for (int row = 0; row < list.GetItemCount(); ++row)
+        text += (row == 0 ? "" : " ") + list.GetItemText(row, col);
+    return text;
+}
+
+void AddPlain(CListCtrlFlex &list, std::vector<char const *> const &texts) {
+    for (char const *text : texts)
+        list.InsertItem(list.GetItemCount(), text, 0, nullptr, 0, 0xFFFFFF, 0);
+}
+
+QColor PixelAt(CListCtrlFlex &list, int row, int x) {
+    Rect const place = list.GetItemRect(row);
+    return list.viewport()->grab().toImage().pixelColor(x, place.bottom - 2);
+}
+
+TEST(CListCtrlFlex, ABackgroundOfZeroIsTextColouredWithoutAnImageAndBlackWithOne) {
+    QPalette palette = QApplication::palette();
+    QPalette changed = palette;
+    changed.setColor(QPalette::Text, QColor(10, 90, 10));
+    changed.setColor(QPalette::Base, QColor(250, 250, 200));
+    QApplication::setPalette(changed);
+    CListCtrlFlex list;
+    list.InsertColumn(0, ADICol_String, "Name", false, LVCFMT_LEFT, 200, 0);
+    list.InsertItem(0, "a", 0, nullptr, 0, 0, 0);
+    list.InsertItem(1, "b", -1, 0, nullptr, 0, 0, 0);
+    list.InsertItem(2, "c", 0, nullptr, 0, 0xFFFFFF, 0);
+    list.InsertItem(3, "d", -1, 0, nullptr, 0, 0xFFFFFF, 0);
+    list.InsertItem(4, "e", 0, nullptr, 0, 0x0000FF, 0);
+    Stage const stage(list);
+    EXPECT_EQ(PixelAt(list, 0, 150), QColor(10, 90, 10));
+    EXPECT_EQ(PixelAt(list, 1, 150), QColor(Qt::black));
+    EXPECT_EQ(PixelAt(list, 2, 150), QColor(250, 250, 200));
+    EXPECT_EQ(PixelAt(list, 3, 150), QColor(250, 250, 200));
+    EXPECT_EQ(PixelAt(list, 4, 150), QColor(Qt::red));
+    QApplication::setPalette(palette);
+}
+
+TEST(CListCtrlFlex, AListsOwnBackgroundServesRowsWithoutARecordAndTheRest) {
+    CListCtrlFlex list;
+    list.InsertColumn(0, ADICol_String, "Name", false, LVCFMT_LEFT, 200, 0);
+    static_cast<platform::ReportView &>(list).InsertItem({.row = 0, .text = "plain"});
+    Stage const stage(list);
+    EXPECT_FALSE(list.IsBkColorSet());
+    EXPECT_NE(list.SetBkColor(Rgb(1, 200, 3)), 0);
+    EXPECT_TRUE(list.IsBkColorSet());
+    EXPECT_EQ(PixelAt(list, 0, 150), QColor(1, 200, 3));
+    EXPECT_EQ(PixelAt(list, 0, 390), QColor(1, 200, 3)); // beside the columns
+    list.SetBkColor(0);
+    EXPECT_EQ(PixelAt(list, 0, 150), ToQColor(SystemColor(COLOR_WINDOW)));
+}
+
+TEST(CListCtrlFlex, DataLivesInRecords) {
+    CListCtrlFlex list;
+    AddPlain(list, {"a"});
+    static_cast<platform::ReportView &>(list).InsertItem({.row = 1, .text = "no record"});
+    EXPECT_EQ(list.SetItemData(0, 0xFEDCBA9876543210), 0);
+    EXPECT_EQ(list.GetItemData(0), 0xFEDCBA9876543210);
+    EXPECT_EQ(list.GetItemData(1), 0U);
+    EXPECT_EQ(list.SetItemData(1, 5), -1);
+    EXPECT_EQ(list.GetItemData(2), static_cast<std::uint64_t>(-1));
+    EXPECT_EQ(list.SetItemData(2, 5), -1);
+    list.InsertColumn(0, ADICol_String, "Name", false, LVCFMT_LEFT, 200, 0);
+    list.Sort(0, true); // must leave rows without records alone
+    EXPECT_EQ(Column(list), "a no record");
+}
+
+TEST(CListCtrlFlex, AHeadingSortsAscendingThenDescending) {
+    struct Case {
+        char const *name;
+        ADIColType type;
+        std::vector<char const *> texts;
+        char const *ascending;
+        char const *descending;
+    };
+    Case const cases[] = {
+        {"numbers, and what is none as the largest", ADICol_Double, {"12", "abc", "3"}, "3 12 abc", "abc 12 3"},
+        {"whole numbers likewise", ADICol_Int, {"10", "9", "-1"}, "-1 9 10", "10 9 -1"},
+        {"texts by bytes", ADICol_String, {"a9", "a10", "B"}, "B a10 a9", "a9 a10 B"},
+        {"a type never told is text", ADICol_None, {"9", "10"}, "10 9", "9 10"},
+        {"bytes are unsigned", ADICol_String, {"\xc3\xa9", "z"}, "z \xc3\xa9", "\xc3\xa9 z"},
+    };
+    for (Case const &c : cases) {
+        SCOPED_TRACE(c.name);
+        CListCtrlFlex list;
+        list.InsertColumn(0, c.type, "Name", false, LVCFMT_LEFT, 200, 0);
+        AddPlain(list, c.texts);
+        Stage stage(list);
+        stage.ClickHeading(0);
+        EXPECT_EQ(Column(list), c.ascending);
+        EXPECT_TRUE(list.GetLastSort().IsSortedAscnd());
+        stage.ClickHeading(0);
+        EXPECT_EQ(Column(list), c.descending);
+        EXPECT_FALSE(list.GetLastSort().IsSortedAscnd());
+        EXPECT_EQ(list.GetLastSort().GetCol(), 0);
+    }
+}
+
+TEST(CListCtrlFlex, EqualKeysTurnRoundWhenAscendingAndStayWhenDescending) {
+    CListCtrlFlex list;
+    list.InsertColumn(0, ADICol_String, "Name", false, LVCFMT_LEFT, 100, 0);
+    list.InsertColumn(1, ADICol_Int, "Size", false, LVCFMT_RIGHT, 100, 1);
+    AddPlain(list, {"a", "b", "c", "d"});
+    for (int row = 0; row < 4; ++row)
+        list.SetItemText(row, 1, row == 2 ? "1" : "7");
+    list.Sort(1, true);
+    EXPECT_EQ(Column(list), "c d b a");
+    list.Sort(1, false);
+    EXPECT_EQ(Column(list), "d b a c");
+}
+
+TEST(CListCtrlFlex, OnlyTheStartOfACellCounts) {
+    CListCtrlFlex list;
+    list.InsertColumn(0, ADICol_Double, "Value", false, LVCFMT_LEFT, 100, 0);
+    // The 25th character would make the first one the larger number.
+    AddPlain(list, {"0000000000000000000000019", "0000000000000000000000002"});
+    list.Sort(0, true);
+    EXPECT_EQ(Column(list), "0000000000000000000000002 0000000000000000000000019");
+    std::string const same(255, 'x');
+    CListCtrlFlex texts;
+    texts.InsertColumn(0, ADICol_String, "Value", false, LVCFMT_LEFT, 100, 0);
+    AddPlain(texts, {(same + "b").c_str(), (same + "a").c_str()});
+    texts.Sort(0, false); // equal for the sort: they stay
+    EXPECT_EQ(texts.GetItemText(0, 0).back(), 'b');
+}
+
+TEST(CListCtrlFlex, ASwitchedOffSortIsRememberedAllTheSame) {
+    CListCtrlFlex list;
+    list.InsertColumn(0, ADICol_String, "Name", false, LVCFMT_LEFT, 200, 0);
+    AddPlain(list, {"b", "a"});
+    list.EnblSort(false);
+    Stage stage(list);
+    stage.ClickHeading(0);
+    EXPECT_EQ(Column(list), "b a");
+    EXPECT_EQ(list.GetLastSort().GetCol(), 0);
+}
+
+TEST(CListCtrlFlex, AnEmptyListSortsQuietly) {
+    CListCtrlFlex list;
+    list.InsertColumn(0, ADICol_String, "Name", false, LVCFMT_LEFT, 200, 0);
+    list.Sort(0, true);
+    list.Sort(-1, true);
+    EXPECT_EQ(list.GetItemCount(), 0);
+}
+
+TEST(CListCtrlFlex, ColumnsGoOneByOne) {
+    CListCtrlFlex list;
+    list.InsertColumn(0, ADICol_Int, "A", false, LVCFMT_LEFT, 50, 0);
+    list.InsertColumn(1, ADICol_Double, "B", true, LVCFMT_LEFT, 50, 1);
+    EXPECT_EQ(list.MoveColumn(7, 0), 1);
+    EXPECT_EQ(list.DeleteColumn(0), 1);
+    EXPECT_EQ(list.GetColType(0), ADICol_Double);
+    list.RmvAllCol();
+    EXPECT_EQ(list.GetColumnCount(), 0);
+    EXPECT_EQ(list.GetColType(0), ADICol_String);
+}
+
+TEST(CListCtrlFlex, TheIndentAndTheImageMoveTheFirstTextOnly) {
+    ImageList images;
+    images.Add({.name = "no-such-icon", .fallback = "folder"});
+    CListCtrlFlex list;
+    list.SetImageList(&images);
+    list.InsertColumn(0, ADICol_String, "Name", false, LVCFMT_LEFT, 150, 0);
+    list.InsertColumn(1, ADICol_String, "Note", false, LVCFMT_LEFT, 100, 1);
+    list.InsertItem(0, "|||||||||||||||||||||||||", 0, 0, nullptr, 0, 0xFFFFFF, 30);
+    list.SetItemText(0, 1, "|||||||");
+    Stage const stage(list);
+    QImage const image = list.viewport()->grab().toImage();
+    auto const inkIn = [&](int from, int to) {
+        for (int x = from; x < to; ++x)
+            for (int y = 0; y < list.RowHeight(); ++y)
+                if (image.pixelColor(x, y).lightness() < 100)
+                    return true;
+        return false;
+    };
+    EXPECT_FALSE(inkIn(16, 46)) << "the image stands at the edge, the text behind the indent";
+    EXPECT_TRUE(inkIn(46, 52));
+    EXPECT_TRUE(inkIn(150, 156));
+}
+
+TEST(CListCtrlFlex, LooksRightInItsStates) {
+    for (int const pixels : {12, 18}) {
+        ImageList images;
+        for (char const *name : {"folder", "image", "table"})
+            images.Add({.name = "no-such-icon", .fallback = name});
+        QFont font = QApplication::font();
+        font.setPixelSize(pixels);
+        QFont bold = font;
+        bold.setBold(true);
+        CListCtrlFlex list;
+        list.setFont(font);
+        list.SetImageList(&images);
+        list.InsertColumn(0, ADICol_String, "Name", true, LVCFMT_LEFT, 12 * pixels, 0);
+        list.InsertColumn(1, ADICol_Double, "Size", false, LVCFMT_RIGHT, 7 * pixels, 1);
+        list.InsertColumn(2, ADICol_String, "Kind", false, LVCFMT_CENTER, 8 * pixels, 2);
+        for (int row = 0; row < 12; ++row) {
+            QFont const *const own = row == 3 ? &bold : nullptr;
+            ColorRef const back = row == 5 ? Rgb(230, 230, 215) : 0xFFFFFF;
+            list.InsertItem(row, "Landsat scene " + std::to_string(row), row % 3, 0, own, 0, back, row == 6 ? 16 : 0);
+            list.SetItemText(row, 1, std::to_string(row * 1234) + " KB");
+            list.SetItemText(row, 2, row % 2 == 0 ? "image" : "a kind of table with a long name");
+        }
+        Stage stage(list, 30 * pixels, 18 * pixels);
+        stage.ClickHeading(1);
+        stage.Click(1);
+        stage.Click(3, Qt::ShiftModifier);
+        test::Shot(list, QStringLiteral("flex-%1-focus").arg(pixels));
+        list.OnEdit(6, 0, false);
+        test::Shot(list, QStringLiteral("flex-%1-edit").arg(pixels));
+        list.setEnabled(false);
+        test::Shot(list, QStringLiteral("flex-%1-disabled").arg(pixels));
+    }
+}
+
+} // namespace
+} // namespace zelvar

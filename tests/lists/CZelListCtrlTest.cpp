@@ -1,0 +1,262 @@
+#include "zelvar/lists/CZelListCtrl.h"
+
+#include "support/GuiTest.h"
+#include "support/ReportStage.h"
+#include "zelvar/lists/CZelListCtrlVirtual.h"
+#include "zelvar/platform/ui/SystemColor.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+
+namespace zelvar {
+namespace {
+
+using platform::SystemColor;
+using test::Stage;
+
+void AddColumns(CZelListCtrl &list, int count) {
+    for (int col = 0; col < count; ++col)
+        list.AddCol("Col " + std::to_string(col), ADICol_String, false, 80, LVCFMT_LEFT);
+}
+
+TEST(CZelListCtrl, ATextMakesARowOfItsPieces) {
+    struct Case {
+        char const *text;
+        std::array<char const *, 2> cells;
+    };
+    Case const cases[] = {
+        {"a|b|c", {"a", "b"}}, {"a|", {"a", ""}}, {"a||c", {"a", ""}}, {"", {"", ""}}, {"|b", {"", "b"}}};
+    CZelListCtrl list;
+    AddColumns(list, 2);
+    for (Case const &c : cases) {
+        int const row = list.AddRow(c.text, nullptr);
+        EXPECT_EQ(list.GetItemText(row, 0), c.cells[0]) << c.text;
+        EXPECT_EQ(list.GetItemText(row, 1), c.cells[1]) << c.text;
+        EXPECT_EQ(list.GetCrntRow(), row);
+    }
+    EXPECT_EQ(list.GetNumRow(), 5);
+    CZelListCtrl bare;
+    EXPECT_EQ(bare.AddRow("a|b", nullptr), 0);
+    EXPECT_EQ(bare.GetItemText(0, 0), "a");
+    EXPECT_EQ(list.AddRowV("%d|%s", 7, "x"), 5);
+    EXPECT_EQ(list.GetItemText(5, 1), "x");
+}
+
+TEST(CZelListCtrl, RowsOfARowInfoCarryItsData) {
+    CZelListCtrl list;
+    AddColumns(list, 1);
+    CZelListCtrl::RowInfo const info{.data = 99};
+    list.AddRow();
+    list.AddRowV(&info, "%s", "b");
+    EXPECT_EQ(list.GetData(), 99U);
+    EXPECT_EQ(list.GetRowIndex(99), 1);
+    EXPECT_EQ(list.GetRowIndex(98), -1);
+    list.InsertRow(0);
+    EXPECT_EQ(list.GetRowIndex(99), 2);
+    list.SetCrntRow(2);
+    list.RmvRow(1);
+    EXPECT_EQ(list.GetCrntRow(), 0);
+    EXPECT_EQ(list.GetNumRow(), 2);
+    list.RmvRow(17);
+    EXPECT_EQ(list.GetNumRow(), 2);
+}
+
+TEST(CZelListCtrl, StylesMakeColoursAndFont) {
+    CZelListCtrl list;
+    AddColumns(list, 1);
+    ColorRef const window = SystemColor(COLOR_WINDOW), shaded = Rgb(230, 230, 215), accent = Rgb(215, 200, 170),
+                   greyShaded = Rgb(235, 235, 225);
+    struct Case {
+        unsigned style;
+        ColorRef back;
+        bool grey;
+        bool bold;
+    };
+    Case const cases[] = {{0, window, false, false},    {1, shaded, false, false}, {2, accent, false, false},
+                          {3, accent, false, false},    {4, window, false, true},  {8, window, true, false},
+                          {9, greyShaded, true, false}, {10, accent, true, false}, {11, greyShaded, true, false}};
+    for (Case const &c : cases) {
+        CZelListCtrl::RowInfo info{.image = 5, .data = 6, .indent = 7};
+        list.SetStyle(&info, c.style);
+        EXPECT_EQ(info.bkColor, c.back) << c.style;
+        EXPECT_EQ(info.textColor, c.grey ? Rgb(128, 128, 128) : SystemColor(COLOR_WINDOWTEXT)) << c.style;
+        EXPECT_EQ(info.font != nullptr && info.font->bold(), c.bold) << c.style;
+        EXPECT_EQ(info.image + static_cast<int>(info.data) + info.indent, 18);
+    }
+}
+
+TEST(CZelListCtrl, CellsAreFormatted) {
+    CZelListCtrl list;
+    AddColumns(list, 2);
+    list.AddRow();
+    struct Case {
+        int kilobytes;
+        char const *text;
+    };
+    for (Case const &c : {Case{0, "0 KB"}, {1023, "1023 KB"}, {1024, "1.00 MB"}, {1536, "1.50 MB"}}) {
+        list.SetColKByte(1, c.kilobytes);
+        EXPECT_EQ(list.GetItemText(0, 1), c.text);
+    }
+    list.SetColText(1, 2.345, 2, "m");
+    EXPECT_EQ(list.GetItemText(0, 1), FormatDouble(2.345, 2) + " m");
+    list.SetText("first");
+    EXPECT_EQ(list.GetItemText(0, 0), "first");
+}
+
+TEST(CZelListCtrl, EnlargedColumnsTakeTheRestAgainAfterEachResize) {
+    CZelListCtrl list;
+    AddColumns(list, 3);
+    list.AddRow("a|b|c", nullptr);
+    Stage const stage(list, 500, 200);
+    list.EnlargeCol(1, true);
+    EXPECT_EQ(list.ColumnsWidth(), list.GetClientRect().Width());
+    list.resize(700, 200);
+    EXPECT_TRUE(test::Eventually([&] { return list.ColumnsWidth() == list.GetClientRect().Width(); }));
+    EXPECT_EQ(list.GetColumnWidth(0), 80);
+    list.resize(120, 200); // no room left: its content counts
+    EXPECT_TRUE(test::Eventually([&] { return list.GetColumnWidth(1) < 80; }));
+    list.ResizeColToFit(1);
+    int const fitted = list.GetColumnWidth(1);
+    list.resize(800, 200);
+    EXPECT_FALSE(QTest::qWaitFor([&] { return list.GetColumnWidth(1) != fitted; }, 250)) << "no longer enlarged";
+}
+
+TEST(CZelListCtrl, AHiddenListDoesNotRefit) {
+    CZelListCtrl list;
+    AddColumns(list, 2);
+    list.resize(400, 200);
+    list.EnlargeCol(1, false);
+    int const width = list.GetColumnWidth(1);
+    list.resize(800, 200);
+    EXPECT_FALSE(QTest::qWaitFor([&] { return list.GetColumnWidth(1) != width; }, 250));
+}
+
+TEST(CZelListCtrl, WidthsAreKeptByCaptionOrNumber) {
+    CZelListCtrl list;
+    EXPECT_FALSE(list.HasSavedColWidth());
+    list.SaveColWidth();
+    EXPECT_FALSE(list.HasSavedColWidth());
+    for (char const *caption : {"A", "", "A"})
+        list.AddCol(caption, ADICol_String, false, 50, LVCFMT_LEFT);
+    for (int col = 0; col < 3; ++col)
+        list.SetColWidth(col, 100 + col);
+    list.SaveColWidth();
+    list.Reset();
+    EXPECT_EQ(list.GetNumCol(), 0);
+    for (char const *caption : {"New", "", "A"})
+        list.AddCol(caption, ADICol_String, false, 50, LVCFMT_LEFT);
+    list.RestoreColWidth();
+    EXPECT_EQ(list.GetColumnWidth(0), 50);
+    EXPECT_EQ(list.GetColumnWidth(1), 101);
+    EXPECT_EQ(list.GetColumnWidth(2), 102) << "equal captions share one width, the later one";
+}
+
+TEST(CZelListCtrl, AClickSelectsUnlessSeveralRowsAreSelected) {
+    CZelListCtrl list;
+    AddColumns(list, 2);
+    for (int row = 0; row < 6; ++row)
+        list.AddRow("x|y", nullptr);
+    Stage stage(list);
+    stage.Click(1, {}, Qt::LeftButton, 1);
+    EXPECT_EQ(stage.Selected(), "1");
+    EXPECT_EQ(list.GetCrntRow(), 1);
+    stage.Click(3, {}, Qt::RightButton);
+    EXPECT_EQ(stage.Selected(), "3");
+    stage.Click(5, Qt::ControlModifier);
+    EXPECT_EQ(stage.Selected(), "3 5");
+    // Down to one row the click selects again what Ctrl has just let go.
+    stage.Click(5, Qt::ControlModifier);
+    EXPECT_EQ(stage.Selected(), "3 5");
+    list.ClearSlct();
+    EXPECT_EQ(stage.Selected(), "");
+}
+
+TEST(CZelListCtrl, TheSelectionIsReadAndWritten) {
+    CZelListCtrl list;
+    AddColumns(list, 1);
+    for (std::uint64_t row = 0; row < 5; ++row) {
+        list.AddRow();
+        list.SetData(row * 10);
+    }
+    list.SetSlct(3, true);
+    list.SetSlct(1, true);
+    list.SetSlct(5, true);
+    list.SetSlct(-1, true);
+    EXPECT_EQ(list.GetFrstSlct(), 1);
+    EXPECT_EQ(list.GetCrntSlct(), 1);
+    EXPECT_EQ(list.SetSlctByItemData(40, true), 4);
+    EXPECT_EQ(list.SetSlctByItemData(41, true), -1);
+    DVector<int> rows;
+    list.GetSlct(rows);
+    EXPECT_EQ(rows, (DVector<int>{1, 3, 4}));
+    list.SetSlct(3, false);
+    list.GetSlct(rows);
+    EXPECT_EQ(rows, (DVector<int>{1, 4, 4})) << "the vector is not shrunk";
+    list.SetMultiSlct(false);
+    EXPECT_FALSE(list.IsMultiSlct());
+    list.SetSlct(0, true);
+    EXPECT_EQ(list.GetNumSlct(), 1);
+}
+
+TEST(CZelListCtrl, ResetGoesBackToTheStart) {
+    CZelListCtrl list;
+    list.CreateImages();
+    CZelImageList::RegisterIcon(12, "no-such-icon", "star");
+    AddColumns(list, 2);
+    list.AddRow("a|b", nullptr);
+    list.SetIcon(12);
+    EXPECT_EQ(list.GetItemImage(0), 0);
+    Stage stage(list);
+    stage.ClickHeading(1);
+    EXPECT_EQ(list.GetLastSort().GetCol(), 1);
+    list.Reset();
+    EXPECT_EQ(list.GetNumRow() + list.GetNumCol() + list.GetItemCount() + list.GetColumnCount(), 0);
+    EXPECT_EQ(list.GetLastSort().GetCol(), -2);
+    EXPECT_EQ(list.GetImageList(), nullptr);
+}
+
+class Squares : public CZelListCtrlVirtual {
+public:
+    DString OnGetItemText(int row, int col) override { return col == 0 ? std::to_string(row * row) : empty; }
+    int OnGetItemImg(int row, int) override { return row; }
+    void Sort(int col, bool ascending) override { sorted = std::to_string(col) + (ascending ? " up" : " down"); }
+    using CZelListCtrlVirtual::OnGetDispInfo;
+    DString empty;
+    std::string sorted;
+};
+
+TEST(CZelListCtrlVirtual, CellsAreAskedFor) {
+    Squares list;
+    AddColumns(list, 2);
+    list.SetNumRow(1000, 0);
+    EXPECT_EQ(list.GetNumRow(), 1000);
+    EXPECT_EQ(list.GetItemText(9, 0), "81");
+    EXPECT_EQ(list.GetItemImage(9), 9);
+    EXPECT_EQ(list.GetItemData(9), 0U);
+    std::array<char, 4> buffer{'x', 'x', 'x', 'x'};
+    platform::DispInfo info{.iItem = 200, .wantsText = true, .pszText = buffer.data(), .cchTextMax = 4};
+    list.OnGetDispInfo(info);
+    EXPECT_STREQ(info.pszText, "400"); // of 40000
+    info.iSubItem = 1;
+    list.OnGetDispInfo(info);
+    EXPECT_EQ(info.pszText, nullptr);
+}
+
+TEST(CZelListCtrlVirtual, AHeadingAsksTheDerivedClassToSort) {
+    Squares list;
+    AddColumns(list, 2);
+    list.SetNumRow(5, 0);
+    Stage stage(list);
+    stage.ClickHeading(1);
+    EXPECT_EQ(list.sorted, "1 up");
+    stage.ClickHeading(1);
+    EXPECT_EQ(list.sorted, "1 down");
+    EXPECT_EQ(list.GetItemText(2, 0), "4");
+    EXPECT_EQ(list.GetLastSort().GetCol(), 1);
+    list.Create(LVS_SINGLESEL, {0, 0, 100, 100}, nullptr, 5);
+    EXPECT_NE(list.GetStyle() & LVS_OWNERDATA, 0U);
+}
+
+} // namespace
+} // namespace zelvar

@@ -1,0 +1,93 @@
+#include "zelvar/lists/core/FlexColumns.h"
+
+#include "zelvar/lists/core/CellNumber.h"
+#include "zelvar/lists/core/LastSort.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+namespace zelvar {
+namespace {
+
+TEST(FlexColumns, ColumnsGrownOverHaveNoTypeAndThoseBeyondAreText) {
+    FlexColumns columns;
+    columns.Set(2, {true, ADICol_Int});
+    EXPECT_EQ(columns.Type(0), ADICol_None);
+    EXPECT_EQ(columns.Type(2), ADICol_Int);
+    EXPECT_EQ(columns.Type(3), ADICol_String);
+    EXPECT_EQ(columns.Type(-1), ADICol_String);
+    columns.Set(-1, {true, ADICol_Int});
+    columns.Grow(-5);
+    EXPECT_EQ(columns.Size(), 3);
+}
+
+TEST(FlexColumns, EntriesMoveAndGo) {
+    FlexColumns columns;
+    columns.Set(0, {false, ADICol_Int});
+    columns.Set(1, {false, ADICol_Double});
+    columns.Set(2, {false, ADICol_String});
+    columns.Move(0, 2);
+    EXPECT_EQ(columns.Type(0), ADICol_Double);
+    EXPECT_EQ(columns.Type(2), ADICol_Int);
+    columns.Move(3, 0); // from outside
+    columns.Move(2, -1);
+    EXPECT_EQ(columns.Type(0), ADICol_Int);
+    columns.Remove(1);
+    columns.Remove(9);
+    EXPECT_EQ(columns.Size(), 2);
+    EXPECT_EQ(columns.Type(1), ADICol_String);
+}
+
+TEST(FlexColumns, TheNextEditableCellMayStandInALaterRow) {
+    FlexColumns columns;
+    columns.Set(1, {true, ADICol_String});
+    columns.Grow(2);
+    struct Case {
+        int item, subItem;
+        bool found;
+        int foundItem, foundSubItem;
+    };
+    Case const cases[] = {{0, 0, true, 0, 1}, {0, 1, true, 0, 1}, {0, 2, true, 1, 1}, {2, 2, false, 3, 0}};
+    for (Case c : cases) {
+        EXPECT_EQ(FindEditableCell(columns, 3, 3, c.item, c.subItem), c.found);
+        EXPECT_EQ(c.item, c.foundItem);
+        EXPECT_TRUE(!c.found || c.subItem == c.foundSubItem);
+    }
+    int item = 0, subItem = 0;
+    EXPECT_FALSE(FindEditableCell(columns, 2'000'000'000, 1, item, subItem)) << "no editable column: no walk";
+}
+
+TEST(LastSort, TheSameColumnTurnsRoundAndAnotherBeginsAscending) {
+    LastSort sort;
+    EXPECT_EQ(sort.GetCol(), -2);
+    EXPECT_TRUE(sort.IsSortedAscnd());
+    EXPECT_TRUE(sort.IsSortAscnd(0));
+    EXPECT_FALSE(sort.IsSortAscnd(-2));
+    sort = LastSort(3, true);
+    EXPECT_FALSE(sort.IsSortAscnd(3));
+    EXPECT_TRUE(sort.IsSortAscnd(4));
+    sort = LastSort(3, false);
+    EXPECT_TRUE(sort.IsSortAscnd(3));
+}
+
+TEST(CellNumber, ATextMayBeginWithANumber) {
+    struct Case {
+        char const *text;
+        std::optional<double> value;
+    };
+    double const infinity = std::numeric_limits<double>::infinity();
+    Case const cases[] = {
+        {"12", 12.0},    {"  -3.5 m", -3.5},    {"+7", 7.0},  {"1e3", 1000.0},   {".5", 0.5},
+        {"0x1F", 31.0},  {"0xz", 0.0},          {"1,5", 1.0}, {"inf", infinity}, {"abc", {}},
+        {"", {}},        {"   ", {}},           {"--1", {}},  {"+-1", {}},       {"1e999", infinity},
+        {"1e-999", 0.0}, {"-1e999", -infinity},
+    };
+    for (Case const &c : cases)
+        EXPECT_EQ(ParseCellNumber(c.text), c.value) << c.text;
+    EXPECT_TRUE(std::isnan(ParseCellNumber("nan").value_or(0)));
+}
+
+} // namespace
+} // namespace zelvar
