@@ -71,7 +71,7 @@ bool cdxCDynamicWnd::GetControlPosition(QWidget *child, Position &position) cons
     auto const at = m_map.find(child);
     if (at == m_map.end())
         return false;
-    position = at->second;
+    position = at->second.position;
     return true;
 }
 
@@ -91,8 +91,13 @@ bool cdxCDynamicWnd::DoMoveCtrl(QWidget *child, int /*id*/, Rect &rect, cdxCDyna
     auto const at = m_map.find(child);
     if (at == m_map.end())
         return false;
-    rect = ComputeChildRect(at->second, info.Growth());
+    rect = ComputeChildRect(at->second.position, info.Growth());
     return true;
+}
+
+int cdxCDynamicWnd::IdOf(QWidget &child) const {
+    auto const at = m_map.find(&child);
+    return at == m_map.end() ? platform::GetDlgCtrlID(child) : at->second.id;
 }
 
 void cdxCDynamicWnd::Layout() {
@@ -111,7 +116,7 @@ void cdxCDynamicWnd::Layout() {
             auto *const child = static_cast<QWidget *>(object);
             Rect rect = GeometryOf(*child);
             Rect const current = rect;
-            if (child->isWindow() || !DoMoveCtrl(child, platform::GetDlgCtrlID(*child), rect, *info) || rect == current)
+            if (child->isWindow() || !DoMoveCtrl(child, IdOf(*child), rect, *info) || rect == current)
                 continue;
             if (pauses)
                 pause.Begin();
@@ -130,7 +135,7 @@ bool cdxCDynamicWnd::UpdateControlPosition(QWidget *child) {
         return true;
     Rect rect = GeometryOf(*child);
     Rect const current = rect;
-    if (!DoMoveCtrl(child, platform::GetDlgCtrlID(*child), rect, *info))
+    if (!DoMoveCtrl(child, IdOf(*child), rect, *info))
         return false;
     if (rect != current)
         MoveTo(*child, rect);

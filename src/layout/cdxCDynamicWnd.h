@@ -131,6 +131,11 @@ protected:
         std::int8_t b[4]{};
     };
 
+    struct Entry {
+        Position position{};
+        int id = 0; ///< control id when it was registered: asking the child costs as much as moving it
+    };
+
     /// Where `child` shall stand; false leaves it alone. Derived classes treat single children differently.
     virtual bool DoMoveCtrl(QWidget *child, int id, Rect &rect, cdxCDynamicLayoutInfo const &info);
     /// Forgets a child that is being destroyed.
@@ -153,7 +158,7 @@ protected:
     bool m_bIsAntiFlickering = false;       ///< the class style is changed
     std::int32_t m_iDisabled = 0;           ///< above 0: disabled
     std::uint32_t m_classStyle = 0;         ///< the redraw bits as they were at the start
-    std::unordered_map<QWidget *, Position> m_map;
+    std::unordered_map<QWidget *, Entry> m_map;
     Freedom m_freedom;
     unsigned m_flags;
     Size m_szInitial;
@@ -167,6 +172,7 @@ private:
     class Watch;
     /// The widget whose children are laid out: the viewport of a window that scrolls.
     [[nodiscard]] QWidget *Client() const;
+    [[nodiscard]] int IdOf(QWidget &child) const;
     void ApplyDynMap();
     void CreateSizeIcon();
     bool AddAt(QWidget *child, EdgePercents x, EdgePercents y, Size min, bool repos);

@@ -1,5 +1,6 @@
 #include "zelvar/layout/DynamicWndWatch.h"
 #include "zelvar/layout/cdxCDynamicWnd.h"
+#include "zelvar/platform/ui/ControlId.h"
 
 // Registration of children: one form does the work, the others find out child, rectangle and percentages.
 
@@ -8,7 +9,7 @@ namespace zelvar {
 bool cdxCDynamicWnd::AddSzControl(QWidget *child, Position const &position, bool repos) {
     if (!IsWindow() || child == nullptr)
         return false;
-    if (m_map.insert_or_assign(child, position).second)
+    if (m_map.insert_or_assign(child, Entry{position, platform::GetDlgCtrlID(*child)}).second)
         m_watch->Over(*child);
     if (repos)
         UpdateControlPosition(child);
