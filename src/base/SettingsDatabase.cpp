@@ -80,8 +80,9 @@ char const *SettingsDatabase::TextOf(Sql sql) {
         "RELEASE nested",
         "ROLLBACK TO nested",
         "SELECT kind, value FROM settings WHERE key = ?1 AND name = ?2",
-        "INSERT INTO settings (key, name, kind, value) VALUES (?1, ?2, ?3, ?4) ON CONFLICT DO UPDATE SET "
-        "kind = excluded.kind, value = excluded.value WHERE kind IS NOT excluded.kind OR value IS NOT excluded.value",
+        R"(INSERT INTO settings (key, name, kind, value) VALUES (?1, ?2, ?3, ?4) ON CONFLICT DO UPDATE
+           SET kind = excluded.kind, value = excluded.value
+           WHERE kind IS NOT excluded.kind OR value IS NOT excluded.value)",
         "DELETE FROM settings WHERE key = ?1 AND name = ?2",
         "DELETE FROM settings WHERE key = ?1 OR (key >= ?2 AND key < ?3)",
         "DELETE FROM keys WHERE key = ?1 OR (key >= ?2 AND key < ?3)",

@@ -30,7 +30,7 @@ public:
     bool LoadText(std::string_view text, DString *error = nullptr);
     /// Writes the tree as UTF-8, atomically: the former file stays until the new one is complete on disk. With
     /// `backup` the former file is kept beside it as "<name>.bak". False leaves the former file as it was; so does a
-    /// tree with a name that cannot stand in XML, whose `SaveText` is empty.
+    /// tree with a name or a character that cannot stand in XML, whose `SaveText` is empty.
     bool Save(DFile const *file, bool backup) const;
     [[nodiscard]] DString SaveText() const;
 

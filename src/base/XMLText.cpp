@@ -142,9 +142,24 @@ private:
 
 } // namespace
 
+bool HoldsNul(std::string_view xml) {
+    if (xml.find('\0') != std::string_view::npos)
+        return true;
+    constexpr std::string_view reference = "&#";
+    for (std::size_t at = xml.find(reference); at != std::string_view::npos; at = xml.find(reference, at + 1)) {
+        std::string_view digits = xml.substr(at + reference.size());
+        if (digits.starts_with('x'))
+            digits.remove_prefix(1);
+        std::size_t const end = digits.find_first_not_of('0');
+        if (end != 0 && end != std::string_view::npos && digits[end] == ';')
+            return true;
+    }
+    return false;
+}
+
 std::unique_ptr<XMLNode> ParseXml(std::string_view text, DString &reason) try {
-    if (!IsUtf16Or32(text) && text.find('\0') != std::string_view::npos) {
-        reason = "holds a NUL byte";
+    if (!IsUtf16Or32(text) && HoldsNul(text)) {
+        reason = "holds a NUL character";
         return nullptr;
     }
     constexpr unsigned flags = pugi::parse_default | pugi::parse_fragment | pugi::parse_comments | pugi::parse_pi |

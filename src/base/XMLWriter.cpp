@@ -19,7 +19,13 @@ bool IsXmlName(std::string_view name) {
            name.front() != '.' && !(name.front() >= '0' && name.front() <= '9');
 }
 
-enum class Place { Text, Attribute };
+enum class Place { Text, Attribute, BetweenElements };
+
+/// Blanks between elements are dropped by the reader unless they are written by their numbers.
+bool NeedsNumbers(XMLPiece const &text) {
+    return (text.previous != nullptr || text.next != nullptr) &&
+           text.text.find_first_not_of(" \t\n\r") == std::string::npos;
+}
 
 /// Characters that the reader would change are written by their number, so that every text comes back as it was.
 void PutEscaped(DString &out, std::string_view text, Place place) {
@@ -38,7 +44,8 @@ void PutEscaped(DString &out, std::string_view text, Place place) {
             out += place == Place::Attribute ? "&quot;" : "\"";
             break;
         default:
-            if (static_cast<unsigned char>(c) >= 0x20 || (place == Place::Text && (c == '\n' || c == '\t')))
+            if (static_cast<unsigned char>(c) > (place == Place::BetweenElements ? 0x20 : 0x1F) ||
+                (place == Place::Text && (c == '\n' || c == '\t')))
                 out += c;
             else
                 out.append("&#").append(std::to_string(c)).append(";");
@@ -68,7 +75,7 @@ void PutCData(DString &out, std::string_view text) {
 void PutOther(DString &out, XMLPiece const &piece) {
     switch (piece.kind) {
     case Kind::Text:
-        PutEscaped(out, piece.text, Place::Text);
+        PutEscaped(out, piece.text, NeedsNumbers(piece) ? Place::BetweenElements : Place::Text);
         break;
     case Kind::CData:
         PutCData(out, piece.text);
@@ -152,7 +159,7 @@ DString WriteXml(XMLNode const &root) {
         PutOther(text, *behind);
         text += '\n';
     }
-    return text;
+    return HoldsNul(text) ? DString() : text;
 }
 
 } // namespace zelvar

@@ -32,6 +32,7 @@ TEST(XMLNode, RefusesWhatIsNotAWholeDocumentAndStaysAsItWas) {
         {"two roots", "<a/><b/>", "outside"},
         {"text behind", "<a/>rest", "outside"},
         {"hidden end", DString("<a/>\0<b>", 8), "NUL"},
+        {"hidden end by its number", "<a>x&#x000;y</a>", "NUL"},
         {"entities", "<!DOCTYPE a [<!ENTITY x \"xx\"><!ENTITY y \"&x;&x;\">]><a>&y;</a>", "entity"},
         {"open document type", "<!DOCTYPE a [<a/>", "line 1: "},
         {"257 levels", Nested(257), "256"},
@@ -88,6 +89,15 @@ TEST(XMLNode, TextsSurviveASaveByteByByte) {
         EXPECT_EQ(again.GetText(), text);
         EXPECT_EQ(again.GetAttrStr("a"), text);
     }
+}
+
+TEST(XMLNode, BlanksThatSomebodyWroteBetweenElementsByTheirNumbersStay) {
+    XMLNode root;
+    ASSERT_TRUE(root.LoadText("<a>&#10; \t<b/></a>"));
+    EXPECT_EQ(root.GetText(), "\n \t");
+    XMLNode again;
+    ASSERT_TRUE(again.LoadText(root.SaveText()));
+    EXPECT_EQ(again.GetText(), "\n \t");
 }
 
 TEST(XMLNode, OtherEncodingsBecomeUtf8) {
@@ -164,6 +174,9 @@ TEST(XMLNode, SavesAtomicallyAndKeepsABackupWhenAsked) {
     root.SetName("b");
     EXPECT_TRUE(root.Save(&file, true));
     EXPECT_EQ(test::ReadFile(folder / "x.xml.bak"), DString(kHead) + "<a/>\n");
+    root.SetText(DString("x\0", 2));
+    EXPECT_FALSE(root.Save(&file, false));
+    root.SetText("");
     root.AddChld("no name");
     EXPECT_FALSE(root.Save(&file, false));
     EXPECT_FALSE(root.Save(nullptr, false));
