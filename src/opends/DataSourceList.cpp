@@ -1,0 +1,271 @@
+#include "zelvar/opends/DataSourceList.h"
+
+#include "zelvar/model/NtwDataSourceItem.h"
+#include "zelvar/opends/DSMessages.h"
+#include "zelvar/opends/ItemColors.h"
+#include "zelvar/opends/NetworkScanner.h"
+#include "zelvar/platform/ui/ModalLoop.h"
+#include "zelvar/platform/ui/Text.h"
+
+#include <QtGui/QKeyEvent>
+#include <QtGui/QPainter>
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QMenu>
+
+#include <algorithm>
+#include <chrono>
+
+namespace zelvar {
+
+namespace {
+
+constexpr int kWorkerTimer = 1000;
+constexpr int kWorkerInterval = 1000; // ms
+constexpr int kColumnMargin = 10;     // pixels
+constexpr std::chrono::milliseconds kPatience{5000};
+
+} // namespace
+
+DataSourceList::DataSourceList(QWidget *parent) : ReportView(parent), m_timers(*this) { OnCreateList(); }
+
+DataSourceList::~DataSourceList() {
+    if (m_worker == nullptr)
+        return;
+    m_worker->RequestStop();
+    if (m_worker->Wait(kPatience))
+        return;
+    // The thread goes on by itself and touches nothing but the worker, which lives as long as it does.
+    m_worker->Abandon();
+    static auto &abandoned = *new std::list<std::shared_ptr<Worker>>;
+    abandoned.push_back(m_worker);
+}
+
+void DataSourceList::OnCreateList() {
+    ModifyStyle(0, LVS_OWNERDRAWFIXED | LVS_SINGLESEL | LVS_NOCOLUMNHEADER | LVS_SHOWSELALWAYS);
+    SetExtendedStyle(GetExtendedStyle() | LVS_EX_FULLROWSELECT | LVS_EX_LABELTIP);
+    EnableGroupView(true);
+    for (int const group : {kGroupDrives, kGroupNetworkDrives, kGroupDataSources, kGroupFavorites, kGroupRecent,
+                            kGroupNetwork})
+        InsertGroup(DataSourceGroupName(group), group);
+    InsertColumn(0, "", LVCFMT_LEFT, std::max(GetClientRect().Width() - kColumnMargin, 0));
+    setAccessibleName(tr("Data sources"));
+}
+
+// ------------------------------------------------------------------------------------------------------ filling
+
+bool DataSourceList::Fill(DLGTemplate dlgTemplate) {
+    NtwDataSourceItem::Initialize();
+    CreateFSDataSources(LocalDriveKinds());
+    UpdateListRows(kGroupDrives);
+    CreateFSDataSources(NetworkDriveKinds());
+    UpdateListRows(kGroupNetworkDrives);
+    CreateFavorites();
+    UpdateListRows(kGroupFavorites);
+    if (PicksImageData(dlgTemplate))
+        CreateDataSourcesFromTemplates();
+    UpdateListRows(kGroupDataSources);
+    StartWorker();
+    return true;
+}
+
+bool DataSourceList::Fill(RefItemPtr<DataSourceItem> root) {
+    m_rows.push_back(std::move(root));
+    return true;
+}
+
+void DataSourceList::CopyData(DataSourceList *other) {
+    NtwDataSourceItem::Initialize();
+    if (other != nullptr)
+        m_rows = other->m_rows;
+    UpdateListRows();
+    StartWorker();
+}
+
+void DataSourceList::StartWorker() {
+    if (m_worker == nullptr) {
+        m_worker = std::make_shared<Worker>();
+        m_worker->StartScanning();
+    }
+    m_timers.Set(kWorkerTimer, kWorkerInterval);
+}
+
+bool DataSourceList::CreateFSDataSources(std::set<platform::ShellKind> const &kinds) {
+    CollectDrives(kinds, m_rows);
+    return true;
+}
+
+void DataSourceList::CreateFavorites() { CollectFavorites(m_rows); }
+
+void DataSourceList::CreateDataSourcesFromTemplates() { CollectDefinitions(m_rows); }
+
+void DataSourceList::AppendListRow(std::size_t index) {
+    DataSourceItem const &item = *m_rows[index];
+    InsertItem({.row = static_cast<int>(index), .text = item.GetName(), .group = item.GetGroup()});
+}
+
+void DataSourceList::UpdateListRows(int group) {
+    for (auto index = static_cast<std::size_t>(GetItemCount()); index < m_rows.size(); ++index) {
+        m_rows[index]->SetGroup(group);
+        AppendListRow(index);
+    }
+}
+
+void DataSourceList::UpdateListRows() {
+    for (auto index = static_cast<std::size_t>(GetItemCount()); index < m_rows.size(); ++index)
+        AppendListRow(index);
+}
+
+void DataSourceList::timerEvent(QTimerEvent *event) {
+    if (!m_timers.Expired(kWorkerTimer, *event)) {
+        ReportView::timerEvent(event);
+        return;
+    }
+    // Asked before the results are taken: what came in between is not left behind.
+    bool const isScanning = m_worker->IsScanning();
+    ItemList found;
+    m_worker->TakeItems(found);
+    m_rows.insert(m_rows.end(), found.begin(), found.end());
+    UpdateListRows(kGroupNetwork);
+    if (!isScanning)
+        m_timers.Kill(kWorkerTimer);
+}
+
+// --------------------------------------------------------------------------------------------------- favourites
+
+bool DataSourceList::AddFavorite(RefItemPtr<DataSourceItem> item) {
+    if (IsFavorite(item))
+        return true;
+    DString const path = item->GetPath();
+    m_rows.push_back(std::move(item));
+    UpdateListRows(kGroupFavorites);
+    if (!path.empty())
+        AddFavoriteDir(path);
+    return true;
+}
+
+bool DataSourceList::IsFavorite(RefItemPtr<DataSourceItem> const &item) const {
+    return item != nullptr && Favorites::Contains(item->GetPath());
+}
+
+void DataSourceList::AddFavoriteDir(DString const &path) { Favorites::Add(path); }
+void DataSourceList::RemoveFavoriteDir(DString const &path) { Favorites::Remove(path); }
+
+bool DataSourceList::OnContextMenu(QPoint screenPoint) {
+    std::vector<int> const rows = SelectedRows();
+    bool const hasFavorite =
+        std::any_of(rows.begin(), rows.end(), [this](int row) { return ItemAt(row)->GetGroup() == kGroupFavorites; });
+    if (!hasFavorite)
+        return false;
+    QMenu menu(this);
+    QAction const *const remove = menu.addAction(tr("Delete Favorite"));
+    if (platform::RunMenu(menu, screenPoint) == remove)
+        OnDeleteFavorite();
+    return true;
+}
+
+void DataSourceList::OnDeleteFavorite() {
+    std::vector<int> const rows = SelectedRows();
+    // From the last on, so that the numbers of the rows before stay valid.
+    for (auto row = rows.rbegin(); row != rows.rend(); ++row) {
+        if (ItemAt(*row)->GetGroup() != kGroupFavorites)
+            continue;
+        RemoveFavoriteDir(ItemAt(*row)->GetPath());
+        m_rows.erase(m_rows.begin() + *row);
+        DeleteItem(*row);
+    }
+}
+
+void DataSourceList::keyPressEvent(QKeyEvent *event) {
+    if (event->key() == Qt::Key_Delete)
+        OnDeleteFavorite();
+    else
+        ReportView::keyPressEvent(event);
+}
+
+// ---------------------------------------------------------------------------------------------------- selection
+
+RefItemPtr<DataSourceItem> DataSourceList::ItemAt(int row) const {
+    return row >= 0 && row < static_cast<int>(m_rows.size()) ? m_rows[static_cast<std::size_t>(row)] : nullptr;
+}
+
+std::vector<int> DataSourceList::SelectedRows() const {
+    std::vector<int> rows;
+    for (int row = GetNextItem(-1, LVNI_SELECTED); row >= 0; row = GetNextItem(row, LVNI_SELECTED))
+        if (ItemAt(row) != nullptr)
+            rows.push_back(row);
+    return rows;
+}
+
+void DataSourceList::GetSelectedItems(ItemList &items) const {
+    for (int const row : SelectedRows())
+        items.push_back(ItemAt(row));
+}
+
+void DataSourceList::ResetSelectedItems() { Tell(WM_DS_DATA_SOURCE_SELECTED); }
+
+void DataSourceList::PrepareSelectedItems() {
+    ItemList items;
+    GetSelectedItems(items);
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+    for (RefItemPtr<DataSourceItem> const &item : items)
+        item->Prepare(); // a connection opens here
+    QApplication::restoreOverrideCursor();
+}
+
+void DataSourceList::Tell(platform::MessageId message) {
+    if (!m_coordinator.isNull())
+        platform::PostMessage(m_coordinator, message);
+}
+
+void DataSourceList::OnSelected(unsigned newState) {
+    if ((newState & LVIS_SELECTED) == 0)
+        return;
+    PrepareSelectedItems();
+    Tell(WM_DS_DATA_SOURCE_SELECTED);
+}
+
+bool DataSourceList::OnItemChanged(int, unsigned, unsigned newState) {
+    OnSelected(newState);
+    return true;
+}
+
+bool DataSourceList::OnRangeChanged(int, int, unsigned, unsigned newState) {
+    OnSelected(newState);
+    return true;
+}
+
+bool DataSourceList::OnDblClick(platform::ReportHit, Point) {
+    Tell(WM_DS_DATA_SOURCE_DBLCLICK);
+    return true;
+}
+
+// ------------------------------------------------------------------------------------------------------ painting
+
+QString DataSourceList::ShownText(int row, int) const {
+    RefItemPtr<DataSourceItem> const item = ItemAt(row);
+    return item == nullptr ? QString() : platform::ToQString(item->GetName());
+}
+
+void DataSourceList::DrawItem(platform::DrawItemStruct const &request) {
+    if (request.action != platform::ODA_DRAWENTIRE) {
+        ReportView::DrawItem(request);
+        return;
+    }
+    RefItemPtr<DataSourceItem> const item = ItemAt(request.itemID);
+    if (item == nullptr)
+        return;
+    DrawItemPicture(request.painter, request.rcItem, *item);
+    Rect rect = request.rcItem;
+    rect.left += kPictureBand;
+    ItemColors const colors = ColorsOf((request.state & LVIS_SELECTED) != 0, hasFocus());
+    request.painter.fillRect(platform::ToQRect(rect), colors.background);
+    request.painter.setPen(colors.text);
+    platform::DrawCellText(request.painter, rect, item->GetName(), LVCFMT_LEFT, platform::CellPlace::Centered);
+}
+
+void DataSourceList::resizeEvent(QResizeEvent *event) {
+    ReportView::resizeEvent(event);
+    SetColumnWidth(0, GetClientRect().Width());
+}
+
+} // namespace zelvar

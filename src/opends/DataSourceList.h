@@ -1,0 +1,89 @@
+#pragma once
+
+#include "zelvar/base/Export.h"
+#include "zelvar/model/DataSourceCollector.h"
+#include "zelvar/model/DataSourceItem.h"
+#include "zelvar/platform/ui/ReportView.h"
+#include "zelvar/platform/ui/WindowMessage.h"
+#include "zelvar/platform/ui/WindowTimers.h"
+
+#include <QtCore/QPointer>
+
+#include <list>
+#include <memory>
+
+namespace zelvar {
+
+class NetworkScanner;
+
+/// Data source list: drives, network drives, configured data sources, favourites and network places in groups. It owns its rows.
+///
+/// A selection is posted to the coordinator. Network places are looked for on a thread of its own and arrive by a timer. User-interface thread.
+class ZELVAR_API DataSourceList : public platform::ReportView {
+    Q_OBJECT
+
+public:
+    using Worker = NetworkScanner;
+    using ItemList = std::list<RefItemPtr<DataSourceItem>>;
+
+    explicit DataSourceList(QWidget *parent = nullptr);
+    /// Waits at most five seconds for the thread; one that outlasts them is left to end by itself.
+    ~DataSourceList() override;
+
+    /// Not owned; without one nothing is told.
+    void SetCoordinator(QObject *coordinator) { m_coordinator = coordinator; }
+
+    /// Fills the groups for the purpose of the dialog and starts looking for network places. Always true.
+    bool Fill(DLGTemplate dlgTemplate);
+    /// Fixes the list to one root, which gets no row on the screen. Always true.
+    bool Fill(RefItemPtr<DataSourceItem> root);
+    /// Shows the rows of another list, which then share the items.
+    void CopyData(DataSourceList *other);
+    /// Adds the item unless its path is a favourite already; one without a path is not remembered. Always true.
+    bool AddFavorite(RefItemPtr<DataSourceItem> item);
+    /// Appends the selected rows from top to bottom.
+    void GetSelectedItems(ItemList &items) const;
+    /// Posts `WM_DS_DATA_SOURCE_SELECTED`, so that the coordinator reads the selection again.
+    void ResetSelectedItems();
+
+    /// The item of row `row`; the position in this list is the row, whatever group shows it.
+    [[nodiscard]] RefItemPtr<DataSourceItem> ItemAt(int row) const;
+    [[nodiscard]] QString ShownText(int row, int col) const override;
+
+protected:
+    bool CreateFSDataSources(std::set<platform::ShellKind> const &kinds);
+    void CreateFavorites();
+    void CreateDataSourcesFromTemplates();
+    /// Makes list rows for the items that have none yet, in that group or in each one's own.
+    void UpdateListRows(int group);
+    void UpdateListRows();
+    [[nodiscard]] bool IsFavorite(RefItemPtr<DataSourceItem> const &item) const;
+    void AddFavoriteDir(DString const &path);
+    void RemoveFavoriteDir(DString const &path);
+    void PrepareSelectedItems();
+
+    void DrawItem(platform::DrawItemStruct const &item) override;
+    bool OnItemChanged(int row, unsigned oldState, unsigned newState) override;
+    bool OnRangeChanged(int first, int last, unsigned oldState, unsigned newState) override;
+    bool OnDblClick(platform::ReportHit hit, Point point) override;
+    bool OnContextMenu(QPoint screenPoint) override;
+    void OnDeleteFavorite();
+    void timerEvent(QTimerEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+
+private:
+    void OnCreateList();
+    void OnSelected(unsigned newState);
+    void AppendListRow(std::size_t index);
+    void StartWorker();
+    [[nodiscard]] std::vector<int> SelectedRows() const;
+    void Tell(platform::MessageId message);
+
+    DataSourceRows m_rows; ///< position i is list row i, always
+    QPointer<QObject> m_coordinator;
+    std::shared_ptr<Worker> m_worker; ///< null until first needed
+    platform::WindowTimers m_timers;
+};
+
+} // namespace zelvar

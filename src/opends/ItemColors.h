@@ -1,0 +1,31 @@
+#pragma once
+
+#include "zelvar/base/Geometry.h"
+
+#include <QtGui/QColor>
+
+class QPainter;
+
+namespace zelvar {
+
+class DataSourceItem;
+
+/// Pixels at the left of a row for the item's picture. The band keeps the list's own background, so that a selected row is
+/// marked to the right of it.
+inline constexpr int kPictureBand = 18;
+
+/// Colours of a row of items. They are fixed and do not follow the desktop's scheme.
+struct ItemColors {
+    QColor background;
+    QColor text;
+};
+[[nodiscard]] inline ItemColors ColorsOf(bool selected, bool listHasFocus) {
+    if (!selected)
+        return {Qt::white, Qt::black};
+    return listHasFocus ? ItemColors{QColor(10, 36, 106), Qt::white} : ItemColors{QColor(212, 208, 200), Qt::black};
+}
+
+/// The item's picture at the top left corner of the row; an item without one draws nothing.
+void DrawItemPicture(QPainter &painter, Rect const &row, DataSourceItem const &item);
+
+} // namespace zelvar
