@@ -1,9 +1,35 @@
 #include "zelvar/library/ZelvarInit.h"
 
+#include "zelvar/data/DriverModule.h"
+#include "zelvar/platform/ui/UserMessages.h"
+
+#include <QtGui/QFont>
+#include <QtWidgets/QApplication>
+
 namespace zelvar {
 
-void ZelvarInit() {}
+namespace {
 
-void ZelvarShutdown() {}
+bool g_started = false; // user-interface thread only
+
+} // namespace
+
+void ZelvarInit() {
+    if (g_started)
+        return;
+    g_started = true;
+    UseInstalledDrivers();
+    platform::InstallUserMessages();
+    // The faces that documents and users' settings name, by those that are there and as wide.
+    for (char const *face : {"MS Shell Dlg", "MS Shell Dlg 2", "MS Sans Serif", "Tahoma"})
+        QFont::insertSubstitutions(face, {"Liberation Sans", "Arial"});
+}
+
+void ZelvarShutdown() {
+    if (!g_started)
+        return;
+    g_started = false;
+    platform::RemoveUserMessages();
+}
 
 } // namespace zelvar

@@ -1,0 +1,90 @@
+#include "zelvar/tool/Commands.h"
+
+#include "zelvar/data/DriverModule.h"
+#include "zelvar/model/ItemListing.h"
+#include "zelvar/model/PlaceResolver.h"
+
+#include <cstdio>
+#include <map>
+
+namespace zelvar::tool {
+
+namespace {
+
+CommandSpec const kSpec{
+    .usage = "ls PLACE [--folders] [--recursive] [--filter MASK] [--sort name|size|date] [--descending] [--json]",
+    .flags = {"--folders", "--recursive", "--descending", "--json"},
+    .values = {"--filter", "--sort"},
+    .minArguments = 1,
+    .maxArguments = 1,
+};
+
+DString TimeText(SystemTime const &time) {
+    return Format("%04d-%02d-%02dT%02d:%02d:%02d", time.wYear, time.wMonth, time.wDay, time.wHour, time.wMinute,
+                  time.wSecond);
+}
+
+/// A JSON string: control bytes escaped, bytes that are not UTF-8 as U+FFFD.
+DString JsonText(DString const &bytes) {
+    DString json = "\"";
+    for (char const c : ToValidUtf8(bytes)) {
+        if (c == '"' || c == '\\')
+            json += DString{'\\', c};
+        else if (static_cast<unsigned char>(c) < 0x20)
+            json += Format("\\u%04x", static_cast<unsigned>(c));
+        else
+            json += c;
+    }
+    return json + "\"";
+}
+
+void PrintLine(ListedItem const &item) {
+    std::printf("%s\t%lld\t%s\t%s\t%s\n", ToText(item.kind), static_cast<long long>(item.size),
+                item.time ? TimeText(*item.time).c_str() : "-", EscapeControlBytes(item.name).c_str(),
+                EscapeControlBytes(item.path).c_str());
+}
+
+void PrintJson(ListedItem const &item, bool first) {
+    std::printf("%s\n  {\"kind\": \"%s\", \"size\": %lld, \"time\": %s, \"name\": %s, \"path\": %s}", first ? "" : ",",
+                ToText(item.kind), static_cast<long long>(item.size),
+                item.time ? JsonText(TimeText(*item.time)).c_str() : "null", JsonText(item.name).c_str(),
+                JsonText(item.path).c_str());
+}
+
+} // namespace
+
+int RunLs(std::vector<DString> const &words) {
+    static std::map<DString, ListingSort> const sorts{{"", ListingSort::None},
+                                                      {"name", ListingSort::Name},
+                                                      {"size", ListingSort::Size},
+                                                      {"date", ListingSort::Date}};
+    DString error;
+    std::optional<Arguments> const arguments = ParseArguments(kSpec, words, error);
+    if (!arguments)
+        return UsageError(kSpec, error);
+    auto const sort = sorts.find(arguments->Value("--sort"));
+    if (sort == sorts.end())
+        return UsageError(kSpec, "sorting is by name, size or date");
+
+    UseInstalledDrivers();
+    RefItemPtr<DataSourceItem> const place = ItemFromPlace(arguments->words.front());
+    if (place == nullptr)
+        return Failure("cannot access '" + arguments->words.front() + "'");
+    std::vector<ListedItem> const items = ListItems(place, {.foldersOnly = arguments->Has("--folders"),
+                                                            .recursive = arguments->Has("--recursive"),
+                                                            .filter = arguments->Value("--filter"),
+                                                            .sort = sort->second,
+                                                            .descending = arguments->Has("--descending")});
+    if (arguments->Has("--json")) {
+        std::fputs("[", stdout);
+        for (std::size_t i = 0; i < items.size(); ++i)
+            PrintJson(items[i], i == 0);
+        std::puts("\n]");
+        return kDone;
+    }
+    for (ListedItem const &item : items)
+        PrintLine(item);
+    return kDone;
+}
+
+} // namespace zelvar::tool
