@@ -1,0 +1,370 @@
+#include "zelvar/opends/DSListCtrl.h"
+
+#include "zelvar/model/NtwDataSourceItem.h"
+#include "zelvar/opends/DSMessages.h"
+#include "zelvar/opends/ItemColors.h"
+#include "zelvar/opends/core/ListingTexts.h"
+#include "zelvar/platform/ui/ControlId.h"
+#include "zelvar/platform/ui/Text.h"
+
+#include <QtGui/QPainter>
+
+#include <algorithm>
+#include <utility>
+
+namespace zelvar {
+
+namespace {
+
+constexpr int kMergeTimer = 1000;
+constexpr int kMergeInterval = 300; // ms
+constexpr int kCharsPerInch = 16;   // of the list's font
+constexpr int kFolderExtra = 100;   // pixels of the folder column beyond the window
+constexpr unsigned kGrow = LVSICF_NOINVALIDATEALL | LVSICF_NOSCROLL;
+
+enum Column { kName = 0, kSize = 1, kDate = 2 };
+
+ListingSort SortOfColumn(int col) {
+    if (col == kSize)
+        return ListingSort::Size;
+    return col == kDate ? ListingSort::Date : ListingSort::Name;
+}
+
+/// Cells are one pixel smaller than their column on every side.
+constexpr int kCellInset = 1;
+
+} // namespace
+
+DSListCtrl::DSListCtrl(QWidget *parent)
+    : CZelListCtrlVirtual(parent), m_selChangeMessage(WM_DS_DATA_ITEM_SELECTED),
+      m_dblClckMessage(WM_DS_DATA_ITEM_DBLCLICK), m_timers(*this) {}
+
+DSListCtrl::~DSListCtrl() { m_worker.Stop(true); }
+
+int DSListCtrl::Create(unsigned style, Rect const &rect, DLGTemplate dlgTemplate, QWidget *parent, unsigned id) {
+    m_dlgTemplate = dlgTemplate;
+    return ReportView::Create(style | LVS_REPORT | LVS_SHOWSELALWAYS, rect, parent, static_cast<int>(id));
+}
+
+void DSListCtrl::PreCreateWindow(unsigned &style, Rect &place) {
+    style |= LVS_OWNERDRAWFIXED;
+    CZelListCtrlVirtual::PreCreateWindow(style, place);
+}
+
+int DSListCtrl::OnCreate() {
+    if (int const refused = CZelListCtrlVirtual::OnCreate(); refused != 0)
+        return refused;
+    SetExtendedStyle(GetExtendedStyle() | LVS_EX_FULLROWSELECT | LVS_EX_LABELTIP);
+    if (m_mode == ModeRecursive) {
+        int const inch = fontMetrics().averageCharWidth() * kCharsPerInch;
+        AddCol("Name", ADICol_String, false, 4 * inch, LVCFMT_LEFT);
+        AddCol("Size", ADICol_String, false, inch, LVCFMT_RIGHT);
+        AddCol("Date Modified", ADICol_String, false, inch, LVCFMT_RIGHT);
+    } else {
+        AddCol("", ADICol_String, false, GetClientRect().Width() + kFolderExtra, LVCFMT_LEFT);
+    }
+    m_timers.Set(kMergeTimer, kMergeInterval);
+    m_parentFolderImages = std::make_unique<ImageList>();
+    m_parentFolderImages->Add({.kind = ImageDescription::Kind::Strip, .name = "folder-up", .fallback = ""});
+    return 0;
+}
+
+void DSListCtrl::resizeEvent(QResizeEvent *event) {
+    CZelListCtrlVirtual::resizeEvent(event);
+    if (height() > 0 && m_mode == ModeFolders)
+        SetColumnWidth(kName, GetClientRect().Width());
+}
+
+void DSListCtrl::SetMode(Mode mode) {
+    m_mode = mode;
+    m_worker.SetMode(static_cast<FolderListMode>(mode));
+}
+
+// ------------------------------------------------------------------------------------------ changing the content
+
+PaneState DSListCtrl::PresentState() const {
+    PaneState state{.bdiFilter = m_bdiFilter, .formatId = m_formatId, .fileFilter = m_fileFilter};
+    for (RefItemPtr<DataSourceItem> const &root : m_rootItems)
+        state.rootPaths.push_back(root == nullptr ? DString() : root->GetPath());
+    return state;
+}
+
+bool DSListCtrl::HasStateChanged() const {
+    return StateChanged(m_savedState, PresentState(), m_mode == ModeRecursive);
+}
+
+void DSListCtrl::ShowDir(RefItemPtr<DataSourceItem> dir, RefItemPtr<DataSourceItem> selected) {
+    m_itemToSelect.reset();
+    m_selectedPaths.Clear();
+    if (selected != nullptr)
+        m_selectedPaths.Add(selected->GetPath());
+    ResetItemsIntrnl({std::move(dir)});
+}
+
+void DSListCtrl::ResetItems(ItemList const &items) {
+    SaveSelection();
+    ResetItemsIntrnl(items);
+}
+
+void DSListCtrl::ResetItemsIntrnl(ItemList const &items) {
+    ItemList const roots = items; // the argument may be our own list, which Reset empties
+    m_rootItems = roots;
+    if (!HasStateChanged())
+        return;
+    Reset();
+    m_rootItems = roots;
+    StartWindowFilling();
+}
+
+void DSListCtrl::Refresh() {
+    ItemList const roots = m_rootItems;
+    Reset();
+    m_rootItems = roots;
+    StartWindowFilling();
+}
+
+void DSListCtrl::Sort(int col, bool ascending) {
+    ItemList const roots = m_rootItems;
+    Reset();
+    m_rootItems = roots;
+    m_worker.SetSort(SortOfColumn(col), ascending);
+    StartWindowFilling();
+    GetLastSort() = LastSort(col, ascending);
+    SetSortMark(m_mode == ModeFolders ? -1 : col, ascending);
+}
+
+void DSListCtrl::ApplyFileFilter(char const *mask, char const *formatId) {
+    m_fileFilter = mask == nullptr ? "" : mask;
+    if (formatId != nullptr)
+        m_formatId = formatId;
+    ResetItems(m_rootItems);
+}
+
+void DSListCtrl::CopyData(DSListCtrl *other) {
+    if (other != nullptr)
+        ResetItemsIntrnl(other->m_rootItems);
+}
+
+void DSListCtrl::Reset() {
+    m_worker.Stop(true);
+    m_worker.ClearPending();
+    m_worker.ClearRoots();
+    SetNumRow(0, 0);
+    m_rootItems.clear();
+    m_rows.clear();
+    if (m_mode == ModeFolders)
+        SetColumnCaption(kName, "");
+    viewport()->update();
+}
+
+void DSListCtrl::SaveSelection() {
+    ItemList selected;
+    GetSelectedItems(selected);
+    if (m_itemToSelect != nullptr)
+        selected.push_back(std::exchange(m_itemToSelect, nullptr));
+    m_selectedPaths.Clear();
+    for (RefItemPtr<DataSourceItem> const &item : selected)
+        if (item != nullptr)
+            m_selectedPaths.Add(item->GetPath());
+}
+
+void DSListCtrl::StartWindowFilling() {
+    if (m_mode == ModeFolders) {
+        bool const single = m_rootItems.size() == 1 && m_rootItems.front() != nullptr;
+        SetColumnCaption(kName, single ? m_rootItems.front()->GetName() : "");
+    }
+    if (m_rootItems.empty())
+        return;
+    AddParentRow();
+    m_worker.SetRequest({m_rootItems, m_fileFilter, m_formatId, m_dlgTemplate, m_bdiFilter});
+    m_worker.Run(); // to its end, on this thread
+    SavePaneState();
+}
+
+void DSListCtrl::AddParentRow() {
+    if (!m_showParentFolderItem || m_rootItems.size() != 1 || m_rootItems.front() == nullptr)
+        return;
+    RefItemPtr<DataSourceItem> parent = m_rootItems.front()->GetParent();
+    if (parent == nullptr)
+        parent = RefItemPtr<DataSourceItem>(NtwDataSourceItem::CreateDSItem());
+    RefItemPtr<DataSourceItem> row = parent->Clone();
+    if (row == nullptr)
+        return;
+    row->SetOwnIcon(m_parentFolderImages.get(), 0);
+    row->SetName("..");
+    m_rows.push_back(std::move(row));
+    SetNumRow(static_cast<int>(m_rows.size()), kGrow);
+}
+
+// ------------------------------------------------------------------------------------------------------ merging
+
+void DSListCtrl::timerEvent(QTimerEvent *event) {
+    if (m_timers.Expired(kMergeTimer, *event))
+        MergePending();
+    else
+        CZelListCtrlVirtual::timerEvent(event);
+}
+
+std::vector<std::uint32_t> DSListCtrl::SelectedRows() const {
+    std::vector<std::uint32_t> rows;
+    for (int row = GetNextItem(-1, LVNI_SELECTED); row >= 0; row = GetNextItem(row, LVNI_SELECTED))
+        rows.push_back(static_cast<std::uint32_t>(row));
+    return rows;
+}
+
+void DSListCtrl::MergePending() {
+    std::vector<Worker::Pending> batch = m_worker.TakePending();
+    if (batch.empty())
+        return;
+    if (m_rows.size() >= kListingRowLimit) {
+        m_worker.Stop(false);
+        return;
+    }
+    std::vector<std::int32_t> places;
+    places.reserve(batch.size());
+    for (Worker::Pending const &record : batch)
+        places.push_back(record.row);
+    RowPlan const plan(m_rows.size(), places);
+
+    std::vector<std::uint32_t> const oldSelected = SelectedRows();
+    std::vector<std::uint32_t> newSelected = plan.MoveOldRows(oldSelected);
+    DString const wantedPath = m_itemToSelect == nullptr ? DString() : m_itemToSelect->GetPath();
+    int focusRow = -1;
+    for (std::size_t i = 0; i < batch.size() && (m_itemToSelect != nullptr || !m_selectedPaths.IsEmpty()); ++i) {
+        DString const path = batch[i].item->GetPath();
+        if (m_itemToSelect != nullptr && path == wantedPath)
+            focusRow = static_cast<int>(plan.InsertedRows()[i]);
+        if (m_selectedPaths.Contains(path))
+            newSelected.push_back(plan.InsertedRows()[i]);
+    }
+    plan.Apply(m_rows, std::move(batch));
+
+    SetNumRow(static_cast<int>(m_rows.size()), kGrow);
+    for (std::uint32_t const row : oldSelected)
+        SetItemState(static_cast<int>(row), 0, LVIS_SELECTED);
+    for (std::uint32_t const row : newSelected)
+        SetItemState(static_cast<int>(row), LVIS_SELECTED, LVIS_SELECTED);
+    if (focusRow >= 0) {
+        m_itemToSelect = m_rows[static_cast<std::size_t>(focusRow)];
+        SetItemState(focusRow, LVIS_SELECTED, LVIS_SELECTED);
+    }
+    viewport()->update();
+}
+
+// ---------------------------------------------------------------------------------------------------- selection
+
+RefItemPtr<DataSourceItem> DSListCtrl::ItemAt(int row) const {
+    return row >= 0 && row < static_cast<int>(m_rows.size()) ? m_rows[static_cast<std::size_t>(row)] : nullptr;
+}
+
+void DSListCtrl::GetSelectedItems(ItemList &items) const {
+    for (std::uint32_t const row : SelectedRows())
+        if (RefItemPtr<DataSourceItem> item = ItemAt(static_cast<int>(row)); item != nullptr)
+            items.push_back(std::move(item));
+}
+
+void DSListCtrl::ClearSelection() {
+    for (std::uint32_t const row : SelectedRows())
+        SetItemState(static_cast<int>(row), 0, LVIS_SELECTED);
+}
+
+void DSListCtrl::Tell(platform::MessageId message, platform::MessageParam second) {
+    if (!m_coordinator.isNull())
+        platform::PostMessage(m_coordinator, message, platform::GetDlgCtrlID(*this), second);
+}
+
+bool DSListCtrl::OnItemChanged(int row, unsigned, unsigned newState) {
+    if ((newState & LVIS_SELECTED) == 0)
+        return true;
+    // A row that comes back from a refill stays quiet, once; a real click on it later is told.
+    if (RefItemPtr<DataSourceItem> const item = ItemAt(row); item != nullptr && !m_selectedPaths.IsEmpty()) {
+        DString const path = item->GetPath();
+        if (m_selectedPaths.Contains(path)) {
+            m_selectedPaths.Remove(path);
+            return true;
+        }
+    }
+    Tell(m_selChangeMessage, 0);
+    return true;
+}
+
+bool DSListCtrl::OnRangeChanged(int, int, unsigned, unsigned newState) {
+    if ((newState & LVIS_SELECTED) != 0)
+        Tell(m_selChangeMessage, 0);
+    return true;
+}
+
+bool DSListCtrl::OnDblClick(platform::ReportHit, Point) {
+    Tell(m_dblClckMessage, GetCrntRow());
+    return true;
+}
+
+void DSListCtrl::OnChar(QChar character) {
+    // Always the first row that begins with it: pressing the key again does not move on.
+    for (std::size_t row = 0; row < m_rows.size(); ++row) {
+        QString const name = m_rows[row] == nullptr ? QString() : platform::ToQString(m_rows[row]->GetName());
+        if (name.isEmpty() || name.front().toLower() != character.toLower())
+            continue;
+        ClearSelection();
+        SetItemState(static_cast<int>(row), LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
+        EnsureVisible(static_cast<int>(row));
+        return;
+    }
+}
+
+// ------------------------------------------------------------------------------------------------------ painting
+
+DString DSListCtrl::OnGetItemText(int, int) { return {}; }
+int DSListCtrl::OnGetItemImg(int, int) { return -1; }
+
+DString DSListCtrl::CellText(DataSourceItem const &item, int col) const {
+    SystemTime time;
+    switch (col) {
+    case kName:
+        return item.GetName();
+    case kSize:
+        return item.GetFileSize() < 0 ? DString() : FormatFileSize(item.GetFileSize());
+    case kDate:
+        return item.GetModificationTime(time) ? FormatTime(time) : DString();
+    default:
+        return {};
+    }
+}
+
+QString DSListCtrl::ShownText(int row, int col) const {
+    RefItemPtr<DataSourceItem> const item = ItemAt(row);
+    return item == nullptr ? QString() : platform::ToQString(CellText(*item, col));
+}
+
+int DSListCtrl::MeasureCell(int row, int col, int) const {
+    int const text = fontMetrics().horizontalAdvance(ShownText(row, col)) + 2 * kCellInset;
+    return col == kName ? text + kPictureBand : text;
+}
+
+void DSListCtrl::DrawItem(platform::DrawItemStruct const &request) {
+    if (request.action != platform::ODA_DRAWENTIRE) {
+        CZelListCtrlVirtual::DrawItem(request);
+        return;
+    }
+    RefItemPtr<DataSourceItem> const item = ItemAt(request.itemID);
+    if (item == nullptr)
+        return;
+    DrawItemPicture(request.painter, request.rcItem, *item);
+    Rect marked = request.rcItem;
+    marked.left += kPictureBand;
+    ItemColors const colors = ColorsOf((request.state & LVIS_SELECTED) != 0, hasFocus());
+    request.painter.fillRect(platform::ToQRect(marked), colors.background);
+    request.painter.setPen(colors.text);
+    for (int const col : GetColumnOrderArray()) {
+        Rect cell = request.rcItem;
+        cell.left = ColumnLeft(col);
+        cell.right = cell.left + GetColumnWidth(col);
+        if (col == kName)
+            cell.left += kPictureBand + kCellInset, cell.top += kCellInset, cell.right -= kCellInset,
+                cell.bottom -= kCellInset;
+        platform::DrawCellText(request.painter, cell, CellText(*item, col), col == kName ? LVCFMT_LEFT : LVCFMT_RIGHT,
+                               platform::CellPlace::Centered);
+    }
+}
+
+} // namespace zelvar

@@ -1,0 +1,124 @@
+#pragma once
+
+#include "zelvar/base/Export.h"
+#include "zelvar/lists/CZelListCtrlVirtual.h"
+#include "zelvar/model/DataSourceItem.h"
+#include "zelvar/opends/FolderListingWorker.h"
+#include "zelvar/platform/ui/WindowMessage.h"
+#include "zelvar/platform/ui/WindowTimers.h"
+
+#include <QtCore/QPointer>
+
+#include <list>
+#include <memory>
+#include <vector>
+
+namespace zelvar {
+
+/// Data source list control: shows the children of one or more items, painted from the items themselves.
+///
+/// A request that changes nothing of what the last listing was made from costs nothing. A listing runs to its end inside the call that asks for it; its
+/// rows appear at the next tick of a timer, the selection kept by path. User-interface thread.
+class ZELVAR_API DSListCtrl : public CZelListCtrlVirtual {
+    Q_OBJECT
+
+public:
+    /// What a listing holds.
+    enum Mode {
+        ModeFolders = 0,   ///< one column: folders
+        ModeRecursive = 1, ///< what can be picked, subfolders included; name, size and date
+        ModeFiles = 2,     ///< what can be picked; the columns are those of the mode at creation
+    };
+    using ItemList = std::list<RefItemPtr<DataSourceItem>>;
+    using Worker = FolderListingWorker;
+
+    explicit DSListCtrl(QWidget *parent = nullptr);
+    ~DSListCtrl() override;
+
+    /// Makes the window of a list created without a parent; the mode decides the columns. 0 on failure.
+    int Create(unsigned style, Rect const &rect, DLGTemplate dlgTemplate, QWidget *parent, unsigned id);
+
+    void SetMode(Mode mode);
+    [[nodiscard]] Mode GetMode() const { return m_mode; }
+    /// Not owned; without one nothing is told.
+    void SetCoordinator(QObject *coordinator) { m_coordinator = coordinator; }
+    void SetSelChangeMessage(platform::MessageId message) { m_selChangeMessage = message; }
+    void SetDblClckMessage(platform::MessageId message) { m_dblClckMessage = message; }
+    void SetBDIFilter(int mask) { m_bdiFilter = mask; }
+    void SetShowParentFolderItem(bool show) { m_showParentFolderItem = show; }
+    [[nodiscard]] bool ShowParentFolderItem() const { return m_showParentFolderItem; }
+
+    /// Lists the children of `dir` and selects `selected`, which may be null, once it turns up.
+    void ShowDir(RefItemPtr<DataSourceItem> dir, RefItemPtr<DataSourceItem> selected);
+    /// Lists the children of the items, unless that is what is shown; the selection is kept by path.
+    void ResetItems(ItemList const &items);
+    /// Lists the same roots again, whether or not anything has changed.
+    void Refresh();
+    /// Stops a listing and empties the list.
+    void Reset() override;
+    /// Takes the filter; lists again if that changes the content. `formatId` may be null for the present one.
+    void ApplyFileFilter(char const *mask, char const *formatId);
+    /// Lists again in that order: by name, size or date for the columns 0, 1 and 2.
+    void Sort(int col, bool ascending) override;
+    using CZelListCtrlVirtual::Sort;
+    /// Lists what the other list lists.
+    void CopyData(DSListCtrl *other);
+
+    /// Replaces the argument by the items whose children are listed.
+    void GetRootItems(ItemList &items) const { items = m_rootItems; }
+    /// Appends the items of the selected rows, from top to bottom.
+    void GetSelectedItems(ItemList &items) const;
+    void ClearSelection();
+    [[nodiscard]] RefItemPtr<DataSourceItem> ItemAt(int row) const; ///< null outside the rows
+
+    DString OnGetItemText(int row, int col) override;
+    int OnGetItemImg(int row, int col) override;
+    [[nodiscard]] QString ShownText(int row, int col) const override;
+
+protected:
+    void PreCreateWindow(unsigned &style, Rect &place) override;
+    int OnCreate() override;
+    void DrawItem(platform::DrawItemStruct const &request) override;
+    bool OnItemChanged(int row, unsigned oldState, unsigned newState) override;
+    bool OnRangeChanged(int first, int last, unsigned oldState, unsigned newState) override;
+    bool OnDblClick(platform::ReportHit hit, Point point) override;
+    void OnChar(QChar character) override;
+    void timerEvent(QTimerEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    [[nodiscard]] int MeasureCell(int row, int col, int widest) const override;
+
+private:
+    using Rows = std::vector<RefItemPtr<DataSourceItem>>;
+
+    void ResetItemsIntrnl(ItemList const &items);
+    void StartWindowFilling();
+    void AddParentRow();
+    void SaveSelection();
+    void SavePaneState() { m_savedState = PresentState(); }
+    [[nodiscard]] PaneState PresentState() const;
+    [[nodiscard]] bool HasStateChanged() const;
+    void MergePending();
+    [[nodiscard]] std::vector<std::uint32_t> SelectedRows() const;
+    [[nodiscard]] DString CellText(DataSourceItem const &item, int col) const;
+    void Tell(platform::MessageId message, platform::MessageParam second);
+
+    ItemList m_rootItems;
+    Rows m_rows; ///< one entry a row
+    Mode m_mode = ModeFolders;
+    Worker m_worker;
+    QPointer<QObject> m_coordinator;
+    platform::MessageId m_selChangeMessage;
+    platform::MessageId m_dblClckMessage;
+    DString m_fileFilter;
+    DString m_formatId; ///< of the selected format; the driver that iterators are limited to
+    RefItemPtr<DataSourceItem> m_itemToSelect; ///< kept track of across a refill
+    DLGTemplate m_dlgTemplate = DT_DATA;
+    int m_bdiFilter = 0;
+    bool m_showParentFolderItem = false;
+    std::unique_ptr<ImageList> m_parentFolderImages; ///< the picture of ".."
+    PathSet m_selectedPaths;                         ///< rows that are to be selected when they turn up
+    PaneState m_savedState;                          ///< what the last listing was made from
+    platform::WindowTimers m_timers;
+};
+
+} // namespace zelvar

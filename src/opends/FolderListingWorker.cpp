@@ -1,0 +1,96 @@
+#include "zelvar/opends/FolderListingWorker.h"
+
+#include "zelvar/base/PathStyle.h"
+#include "zelvar/model/FolderVisits.h"
+
+namespace zelvar {
+
+namespace {
+
+std::vector<DString> PathsOf(FolderListingWorker::ItemList const &items) {
+    std::vector<DString> paths;
+    for (RefItemPtr<DataSourceItem> const &item : items)
+        paths.push_back(item == nullptr ? DString() : item->GetPath());
+    return paths;
+}
+
+} // namespace
+
+void FolderListingWorker::SetMode(FolderListMode mode) {
+    m_lastMode = m_mode;
+    m_mode = mode;
+}
+
+void FolderListingWorker::SetSort(ListingSort sort, bool ascending) {
+    m_sort = sort;
+    m_ascending = ascending;
+}
+
+void FolderListingWorker::Stop(bool wait) {
+    m_cancelled = true;
+    if (wait && m_running)
+        Wait(std::chrono::milliseconds::max());
+}
+
+void FolderListingWorker::Begin(bool same) {
+    if (!same) {
+        // A cold recursive listing appears as it arrives, whatever the header shows.
+        bool const unsorted = m_mode == FolderListMode::Recursive || m_sort == ListingSort::None;
+        m_content.BeginCold(unsorted ? ListingSort::None : m_sort, unsorted || m_ascending);
+        return;
+    }
+    m_content.BeginWarm(m_sort, m_ascending, [this](RefItemPtr<DataSourceItem> const &item) {
+        return item != nullptr && PathMatchSpec(item->GetName(), m_request.fileFilter);
+    });
+}
+
+void FolderListingWorker::Run() {
+    m_running = true;
+    m_cancelled = false;
+    std::vector<DString> rootPaths = PathsOf(m_request.roots);
+    bool const same = m_lastMode == m_mode && !rootPaths.empty() && !m_savedRootPaths.empty() &&
+                      CoversRoots(m_savedRootPaths, rootPaths);
+    Begin(same);
+    m_savedRootPaths = std::move(rootPaths);
+
+    FolderVisits visits;
+    for (RefItemPtr<DataSourceItem> const &root : m_request.roots) {
+        if (m_cancelled)
+            break;
+        if (root != nullptr)
+            ListItem(*root, visits);
+    }
+    m_content.Publish();
+    m_running = false;
+    m_cancelled = false;
+    m_lastMode = m_mode;
+}
+
+bool FolderListingWorker::IsTaken(DataSourceItem const &child) const {
+    return m_mode == FolderListMode::Folders ? child.IsFolder() : child.IsFile(m_request.bdiFilter);
+}
+
+void FolderListingWorker::ListItem(DataSourceItem &item, FolderVisits &visits) {
+    std::vector<RefItemPtr<DataSourceItem>> subfolders;
+    ForEachChild(item, this, m_request.fileFilter.c_str(), m_request.formatId.c_str(), m_request.bdiFilter,
+                 m_request.dlgTemplate, [&](RefItemPtr<DataSourceItem> child) {
+                     if (m_cancelled)
+                         return false;
+                     // A folder can both be entered and be picked, as far as its kind says so.
+                     if (m_mode == FolderListMode::Recursive && child->IsFolder())
+                         subfolders.push_back(child);
+                     if (IsTaken(*child))
+                         m_content.Add(std::move(child));
+                     return true;
+                 });
+    if (m_mode != FolderListMode::Recursive)
+        return;
+    for (RefItemPtr<DataSourceItem> const &folder : subfolders) {
+        if (m_cancelled)
+            return;
+        if (visits.Enter(*folder))
+            ListItem(*folder, visits);
+    }
+}
+
+} // namespace zelvar

@@ -1,0 +1,75 @@
+#pragma once
+
+#include "zelvar/base/DThread.h"
+#include "zelvar/model/DataSourceItem.h"
+#include "zelvar/model/ItemListing.h"
+#include "zelvar/opends/core/ListingContent.h"
+
+#include <atomic>
+#include <list>
+#include <vector>
+
+namespace zelvar {
+
+/// What a folder list lists.
+enum class FolderListMode : std::int32_t {
+    Folders = 0,   ///< folders alone
+    Recursive = 1, ///< what can be picked, in the roots and in every folder below
+    Files = 2,     ///< what can be picked, in the roots alone
+};
+
+/// Lists the children of items into a queue of rows.
+///
+/// It has the equipment of a thread, yet `Run` is called directly and lists to its end on the calling thread: that is settled. What a run has
+/// found is kept for the next one, which then asks the source for new items only.
+class FolderListingWorker final : public DThread, public DataSourceItem::ICancel {
+public:
+    using ItemList = std::list<RefItemPtr<DataSourceItem>>;
+    using Pending = PendingRow<RefItemPtr<DataSourceItem>>;
+
+    /// What a run is made from.
+    struct Request {
+        ItemList roots;
+        DString fileFilter;
+        DString formatId;
+        DLGTemplate dlgTemplate = DT_DATA;
+        int bdiFilter = 0;
+    };
+
+    void SetMode(FolderListMode mode);
+    void SetSort(ListingSort sort, bool ascending);
+    void SetRequest(Request request) { m_request = std::move(request); }
+    void ClearRoots() { m_request.roots.clear(); }
+    /// Tells a run to stop; with `wait` returns when it has.
+    void Stop(bool wait);
+
+    [[nodiscard]] std::vector<Pending> TakePending() { return m_content.TakePending(); }
+    void ClearPending() { m_content.ClearPending(); }
+
+    void Run() override;
+    [[nodiscard]] bool IsCanceled() override { return m_cancelled; }
+
+private:
+    struct ItemTraits {
+        static ListingFacts Facts(RefItemPtr<DataSourceItem> const &item, ListingSort sort) {
+            return FactsOf(*item, sort);
+        }
+        static DString Path(RefItemPtr<DataSourceItem> const &item) { return item->GetPath(); }
+    };
+
+    void Begin(bool same);
+    void ListItem(DataSourceItem &item, class FolderVisits &visits);
+    [[nodiscard]] bool IsTaken(DataSourceItem const &child) const;
+
+    ListingContent<RefItemPtr<DataSourceItem>, ItemTraits> m_content;
+    Request m_request;
+    std::atomic<bool> m_running{false};
+    std::atomic<bool> m_cancelled{false};
+    FolderListMode m_mode = FolderListMode::Folders;
+    FolderListMode m_lastMode = FolderListMode::Folders; ///< of the last finished run, or the one that `SetMode` replaced
+    ListingSort m_sort = ListingSort::None;
+    bool m_ascending = true;
+    std::vector<DString> m_savedRootPaths; ///< of the last run
+};
+
+} // namespace zelvar
