@@ -5,7 +5,6 @@
 #include "zelvar/opends/ImageExtraWnd.h"
 #include "zelvar/opends/ImagePreviewWnd.h"
 #include "zelvar/platform/ui/ControlId.h"
-#include "zelvar/platform/ui/Text.h"
 
 #include <QtGui/QResizeEvent>
 
@@ -52,18 +51,18 @@ int DSPropertyWnd::Create(Rect const &rect, DLGTemplate dlgTemplate, QWidget *pa
     if (!PicksDocument(m_dlgTemplate)) {
         auto *page = new PreviewPage(this);
         m_previewWnd = page->Preview();
-        AddTab(page, tr("Preview"));
+        AddTab(page, "Preview");
     }
     m_propList = new CZelPropList(this);
     AddProps();
-    AddTab(m_propList, tr("Properties"));
+    AddTab(m_propList, "Properties");
     if (!PicksDocument(m_dlgTemplate)) {
         m_optionsTab = GetTabsNum();
         m_extraWnd = new ImageExtraWnd(this);
         m_extraWnd->SetOptionsName("{Options}");
         m_extraWnd->SetOwner(this);
         m_extraWnd->SetApplyMsg(WM_DS_APPLY_OPTIONS);
-        AddTab(m_extraWnd, tr("Options"));
+        AddTab(m_extraWnd, "Options");
         ShowTab(m_optionsTab, false, true, false);
     }
     SetActiveTab(0);
@@ -72,18 +71,18 @@ int DSPropertyWnd::Create(Rect const &rect, DLGTemplate dlgTemplate, QWidget *pa
 }
 
 void DSPropertyWnd::AddProps() {
-    m_propList->EnableHeaderCtrl(true, tr("Property"), tr("Value"));
+    m_propList->EnableHeaderCtrl(true, "Property", "Value");
     m_propList->SetVSDotNetLook(true);
     m_propList->EnableDescriptionArea(true);
     CZelProp *group = nullptr;
     for (PropertyRow const &row : PropertyRows()) {
         if (PicksDocument(m_dlgTemplate) && DString("Image") == row.group)
             continue;
-        if (group == nullptr || group->GetName() != QString::fromUtf8(row.group)) {
-            group = new CZelProp(QString::fromUtf8(row.group));
+        if (group == nullptr || group->GetName() != row.group) {
+            group = new CZelProp(row.group);
             m_propList->AddProperty(group);
         }
-        auto *prop = new CZelProp(QString::fromUtf8(row.name), QString(), static_cast<std::uint64_t>(row.id));
+        auto *prop = new CZelProp(row.name, "", "", static_cast<std::uint64_t>(row.id));
         prop->AllowEdit(false);
         group->AddSubItem(prop);
     }
@@ -144,7 +143,7 @@ void DSPropertyWnd::UpdateProperties() {
         for (int j = 0; j < group->GetSubItemsCount(); ++j) {
             CZelProp *const prop = group->GetSubItem(j);
             auto const text = m_props.find(static_cast<int>(prop->GetData()));
-            prop->SetValue(text == m_props.end() ? QString() : platform::ToQString(text->second));
+            prop->SetValue(text == m_props.end() ? DString() : text->second);
         }
     }
 }

@@ -201,10 +201,10 @@ bool DlgOpenDS::OnInitDialog() {
 
     FillHistory();
     FillFileTypes();
-    m_homeButton = SetUpToolButton(kHomeId, "panel", tr("Show Data Source panel"));
-    m_favoritesButton = SetUpToolButton(kFavoritesId, "star", tr("Add to favorites"));
-    m_layoutButton = SetUpToolButton(kRestoreLayoutId, "restore-layout", tr("Restore layouts"));
-    m_recursiveButton = SetUpToolButton(kRecursiveId, "recursive", tr("Search subfolders"));
+    m_homeButton = SetUpToolButton(kHomeId, "panel", "Show Data Source panel");
+    m_favoritesButton = SetUpToolButton(kFavoritesId, "star", "Add to favorites");
+    m_layoutButton = SetUpToolButton(kRestoreLayoutId, "restore-layout", "Restore layouts");
+    m_recursiveButton = SetUpToolButton(kRecursiveId, "recursive", "Search subfolders");
     connect(m_homeButton, &QAbstractButton::clicked, this, &DlgOpenDS::OnHome);
     connect(m_favoritesButton, &QAbstractButton::clicked, this, &DlgOpenDS::OnAddToFavorites);
     connect(m_layoutButton, &QAbstractButton::clicked, this, &DlgOpenDS::InitializeLayout);
@@ -218,7 +218,7 @@ bool DlgOpenDS::OnInitDialog() {
     RestoreFilter();
 
     m_measureButton = new CZelButton(this);
-    m_measureButton->SetFlat(true);
+    m_measureButton->setFlat(true);
     m_measureButton->hide();
     m_measureButton->resize(kMeasureButton.cx, kMeasureButton.cy);
     platform::SetDlgCtrlID(*m_measureButton, kMeasureButtonId);
@@ -286,36 +286,34 @@ void DlgOpenDS::RegisterControls() {
     }
 }
 
-CZelButton *DlgOpenDS::SetUpToolButton(int id, char const *picture, QString const &tip) {
+CZelButton *DlgOpenDS::SetUpToolButton(int id, char const *picture, char const *tip) {
     auto *button = GetDlgItem<CZelButton>(*this, id);
-    button->SetFlat(true);
-    button->setIcon(platform::ResourceIcon(picture));
-    button->setToolTip(tip);
-    button->setAccessibleName(tip);
+    button->setFlat(true);
+    button->SetImage(picture);
+    button->SetTooltip(tip);
     return button;
 }
 
 void DlgOpenDS::FillHistory() {
     DVectorSafe<DString> folders;
     DfltFldrs::Instance()->GetDirHist(m_historyKey.c_str(), folders, true, true);
-    m_histCombo->clear();
+    m_histCombo->ResetContent();
     for (DString const &folder : folders)
-        m_histCombo->addItem(ToQString(folder));
-    m_histCombo->setCurrentIndex(-1);
-    m_histCombo->clearEditText();
+        m_histCombo->AddString(folder);
+    m_histCombo->SetCurSel(-1);
 }
 
 void DlgOpenDS::FillFileTypes() {
     for (std::size_t i = 0; i < m_formats.size(); ++i) {
         if (m_formats[i] == nullptr || !m_formats[i]->IsSingleFile())
             continue;
-        m_fileTypeCombo->addItem(ToQString(m_formats[i]->GetName()), static_cast<qulonglong>(i));
+        m_fileTypeCombo->SetItemData(m_fileTypeCombo->AddString(m_formats[i]->GetName()), i);
     }
     // Without a matching format the box stays without a selection.
-    m_fileTypeCombo->setCurrentIndex(-1);
-    for (int entry = 0; entry < m_fileTypeCombo->count(); ++entry)
-        if (m_formats[m_fileTypeCombo->itemData(entry).toULongLong()] == m_format)
-            m_fileTypeCombo->setCurrentIndex(entry);
+    m_fileTypeCombo->SetCurSel(-1);
+    for (int entry = 0; entry < m_fileTypeCombo->GetCount(); ++entry)
+        if (m_formats[m_fileTypeCombo->GetItemData(entry)] == m_format)
+            m_fileTypeCombo->SetCurSel(entry);
 }
 
 void DlgOpenDS::RestoreRecursion() {

@@ -110,7 +110,7 @@ private:
     void InitializeLayout();
     void FillHistory();
     void FillFileTypes();
-    [[nodiscard]] CZelButton *SetUpToolButton(int id, char const *picture, QString const &tip);
+    [[nodiscard]] CZelButton *SetUpToolButton(int id, char const *picture, char const *tip);
     void RestoreRecursion();
     void RestoreSorting();
     void RestoreFilter();

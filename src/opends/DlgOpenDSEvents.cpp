@@ -156,10 +156,10 @@ void DlgOpenDS::UpdateFormat(DFileFrmt *format) {
 
 void DlgOpenDS::OnSelendokFileType() {
     if (m_fileTypeCombo->currentIndex() >= 0)
-        UpdateFormat(m_formats[m_fileTypeCombo->currentData().toULongLong()]);
+        UpdateFormat(m_formats[m_fileTypeCombo->GetItemData(m_fileTypeCombo->GetCurSel())]);
 }
 
-void DlgOpenDS::OnSelendokHist() { GoToDir(ToDString(m_histCombo->currentText()), true); }
+void DlgOpenDS::OnSelendokHist() { GoToDir(m_histCombo->GetWindowText(), true); }
 
 // ------------------------------------------------------------------------------------------- what the panes tell
 
@@ -297,7 +297,7 @@ void DlgOpenDS::ProcessRefreshKey(QWidget *focus) {
 
 bool DlgOpenDS::ProcessReturnKey(QWidget *focus) {
     if (IsWithin(m_histCombo, focus)) {
-        DString const path = FixPath(ToDString(m_histCombo->currentText()).c_str());
+        DString const path = FixPath(m_histCombo->GetWindowText().c_str());
         if (!path.empty())
             GoToDir(path, true);
         return true;

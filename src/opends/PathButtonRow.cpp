@@ -11,19 +11,21 @@ namespace zelvar {
 namespace {
 
 constexpr QRect kFirstPlace(0, 0, 100, 100);
+constexpr int kMargin = 6; // pixels beside the text and the picture
 
 } // namespace
 
 PathButtonRow::PathButtonRow(QWidget *parent, CZelButton *measure, int firstId)
     : m_parent(parent), m_measure(measure), m_firstId(firstId) {}
 
-void PathButtonRow::SetUp(CZelButton &button, DataSourceItem &item, bool cutBefore, bool cutBehind) {
+int PathButtonRow::SetUp(CZelButton &button, DataSourceItem &item, bool cutBefore, bool cutBehind) {
     QPixmap picture;
     if (item.GetImageList() != nullptr && item.GetIconIndex() >= 0)
         picture = platform::ListPicture(item.GetImageList(), item.GetIconIndex(), button.devicePixelRatioF());
     button.setIcon(picture);
     button.setText(platform::ToQString(PathButtonText(item.GetName(), cutBefore, cutBehind)).replace("&", "&&"));
-    button.SizeToContent();
+    int const text = button.fontMetrics().size(Qt::TextShowMnemonic, button.text()).width();
+    return text + 2 * kMargin + (picture.isNull() ? 0 : button.iconSize().width() + kMargin);
 }
 
 void PathButtonRow::Show(RefItemPtr<DataSourceItem> const &item, QRect const &place,
@@ -35,14 +37,13 @@ void PathButtonRow::Show(RefItemPtr<DataSourceItem> const &item, QRect const &pl
 
     std::vector<PathButton> const row =
         ArrangePathButtons(chain.size(), place.width(), [&](std::size_t entry, bool cutBefore, bool cutBehind) {
-            SetUp(*m_measure, *chain[entry], cutBefore, cutBehind);
-            return m_measure->width();
+            return SetUp(*m_measure, *chain[entry], cutBefore, cutBehind);
         });
     while (m_buttons.size() < row.size()) {
         auto *button = new DSButton(m_parent);
         button->setGeometry(kFirstPlace);
         button->hide();
-        button->SetFlat(true);
+        button->setFlat(true);
         int const id = m_firstId + static_cast<int>(m_buttons.size());
         platform::SetDlgCtrlID(*button, id);
         QObject::connect(button, &QAbstractButton::clicked, m_parent, [clicked, id] { clicked(id); });

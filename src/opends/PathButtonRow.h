@@ -35,7 +35,8 @@ public:
     [[nodiscard]] std::vector<DSButton *> const &Buttons() const { return m_buttons; }
 
 private:
-    static void SetUp(CZelButton &button, DataSourceItem &item, bool cutBefore, bool cutBehind);
+    /// Gives the button its picture and text and yields the width that they need.
+    static int SetUp(CZelButton &button, DataSourceItem &item, bool cutBefore, bool cutBehind);
 
     QWidget *m_parent;
     CZelButton *m_measure;
