@@ -1,5 +1,5 @@
-#include <zelvar/library/ZelvarInit.h>
-#include <zelvar/opends/DlgOpenDS.h>
+#include "zelvar/library/ZelvarInit.h"
+#include "zelvar/opends/DlgOpenDS.h"
 
 #include <QtWidgets/QApplication>
 

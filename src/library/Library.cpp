@@ -1,6 +1,5 @@
-#include "zelvar/library/ZelvarInit.h"
-
 #include "zelvar/data/DriverModule.h"
+#include "zelvar/library/ZelvarInit.h"
 #include "zelvar/platform/ui/UserMessages.h"
 
 #include <QtGui/QFont>

@@ -89,9 +89,7 @@ PaneState DSListCtrl::PresentState() const {
     return state;
 }
 
-bool DSListCtrl::HasStateChanged() const {
-    return StateChanged(m_savedState, PresentState(), m_mode == ModeRecursive);
-}
+bool DSListCtrl::HasStateChanged() const { return StateChanged(m_savedState, PresentState(), m_mode == ModeRecursive); }
 
 void DSListCtrl::ShowDir(RefItemPtr<DataSourceItem> dir, RefItemPtr<DataSourceItem> selected) {
     m_itemToSelect.reset();

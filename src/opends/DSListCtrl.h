@@ -17,8 +17,9 @@ namespace zelvar {
 
 /// Data source list control: shows the children of one or more items, painted from the items themselves.
 ///
-/// A request that changes nothing of what the last listing was made from costs nothing. A listing runs to its end inside the call that asks for it; its
-/// rows appear at the next tick of a timer, the selection kept by path. User-interface thread.
+/// A request that changes nothing of what the last listing was made from costs nothing. A listing runs to its end
+/// inside the call that asks for it; its rows appear at the next tick of a timer, the selection kept by path.
+/// User-interface thread.
 class ZELVAR_API DSListCtrl : public CZelListCtrlVirtual {
     Q_OBJECT
 
@@ -110,7 +111,7 @@ private:
     platform::MessageId m_selChangeMessage;
     platform::MessageId m_dblClckMessage;
     DString m_fileFilter;
-    DString m_formatId; ///< of the selected format; the driver that iterators are limited to
+    DString m_formatId;                        ///< of the selected format; the driver that iterators are limited to
     RefItemPtr<DataSourceItem> m_itemToSelect; ///< kept track of across a refill
     DLGTemplate m_dlgTemplate = DT_DATA;
     int m_bdiFilter = 0;

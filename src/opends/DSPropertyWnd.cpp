@@ -124,17 +124,22 @@ void DSPropertyWnd::Clear() {
 void DSPropertyWnd::OnCanvasReady(platform::MessageParam first, platform::MessageParam) {
     if (m_closing || m_previewWnd == nullptr)
         return;
-    if (m_worker.TakeCanvas(m_previewWnd->GetCanvas()) && first == 1)
+    std::optional<DCanvas> canvas = m_worker.TakeCanvas();
+    if (first == 1 && canvas && canvas->HasData()) {
+        m_previewWnd->GetCanvas() = std::move(*canvas);
         m_previewWnd->ShowCanvas();
-    else
+    } else if (first != 1 || canvas) {
         m_previewWnd->Clear(ImagePreviewWnd::ModeNothing);
+    }
 }
 
 void DSPropertyWnd::OnPropsReady(platform::MessageParam, platform::MessageParam) {
     if (m_closing)
         return;
-    m_props = m_worker.TakeProps();
-    UpdateProperties();
+    if (std::optional<PropertyMap> props = m_worker.TakeProps()) {
+        m_props = std::move(*props);
+        UpdateProperties();
+    }
 }
 
 void DSPropertyWnd::UpdateProperties() {

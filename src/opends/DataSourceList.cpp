@@ -44,8 +44,8 @@ void DataSourceList::OnCreateList() {
     ModifyStyle(0, LVS_OWNERDRAWFIXED | LVS_SINGLESEL | LVS_NOCOLUMNHEADER | LVS_SHOWSELALWAYS);
     SetExtendedStyle(GetExtendedStyle() | LVS_EX_FULLROWSELECT | LVS_EX_LABELTIP);
     EnableGroupView(true);
-    for (int const group : {kGroupDrives, kGroupNetworkDrives, kGroupDataSources, kGroupFavorites, kGroupRecent,
-                            kGroupNetwork})
+    for (int const group :
+         {kGroupDrives, kGroupNetworkDrives, kGroupDataSources, kGroupFavorites, kGroupRecent, kGroupNetwork})
         InsertGroup(DataSourceGroupName(group), group);
     InsertColumn(0, "", LVCFMT_LEFT, std::max(GetClientRect().Width() - kColumnMargin, 0));
     setAccessibleName(tr("Data sources"));

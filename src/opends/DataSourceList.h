@@ -16,9 +16,11 @@ namespace zelvar {
 
 class NetworkScanner;
 
-/// Data source list: drives, network drives, configured data sources, favourites and network places in groups. It owns its rows.
+/// Data source list: drives, network drives, configured data sources, favourites and network places in groups. It owns
+/// its rows.
 ///
-/// A selection is posted to the coordinator. Network places are looked for on a thread of its own and arrive by a timer. User-interface thread.
+/// A selection is posted to the coordinator. Network places are looked for on a thread of its own and arrive by a
+/// timer. User-interface thread.
 class ZELVAR_API DataSourceList : public platform::ReportView {
     Q_OBJECT
 

@@ -20,8 +20,8 @@ enum class FolderListMode : std::int32_t {
 
 /// Lists the children of items into a queue of rows.
 ///
-/// It has the equipment of a thread, yet `Run` is called directly and lists to its end on the calling thread: that is settled. What a run has
-/// found is kept for the next one, which then asks the source for new items only.
+/// It has the equipment of a thread, yet `Run` is called directly and lists to its end on the calling thread: that is
+/// settled. What a run has found is kept for the next one, which then asks the source for new items only.
 class FolderListingWorker final : public DThread, public DataSourceItem::ICancel {
 public:
     using ItemList = std::list<RefItemPtr<DataSourceItem>>;
@@ -66,7 +66,8 @@ private:
     std::atomic<bool> m_running{false};
     std::atomic<bool> m_cancelled{false};
     FolderListMode m_mode = FolderListMode::Folders;
-    FolderListMode m_lastMode = FolderListMode::Folders; ///< of the last finished run, or the one that `SetMode` replaced
+    FolderListMode m_lastMode =
+        FolderListMode::Folders; ///< of the last finished run, or the one that `SetMode` replaced
     ListingSort m_sort = ListingSort::None;
     bool m_ascending = true;
     std::vector<DString> m_savedRootPaths; ///< of the last run

@@ -10,8 +10,8 @@ namespace zelvar {
 
 class DataSourceItem;
 
-/// Pixels at the left of a row for the item's picture. The band keeps the list's own background, so that a selected row is
-/// marked to the right of it.
+/// Pixels at the left of a row for the item's picture. The band keeps the list's own background, so that a selected row
+/// is marked to the right of it.
 inline constexpr int kPictureBand = 18;
 
 /// Colours of a row of items. They are fixed and do not follow the desktop's scheme.

@@ -43,15 +43,14 @@ bool PropertyWorker::IsBusy() const {
     return m_running;
 }
 
-PropertyMap PropertyWorker::TakeProps() {
+std::optional<PropertyMap> PropertyWorker::TakeProps() {
     DSingleLock const lock(m_propsLock);
-    return std::exchange(m_props, {});
+    return std::exchange(m_props, std::nullopt);
 }
 
-bool PropertyWorker::TakeCanvas(DCanvas &canvas) {
+std::optional<DCanvas> PropertyWorker::TakeCanvas() {
     DSingleLock const lock(m_canvasLock);
-    canvas = std::exchange(m_canvas, {});
-    return canvas.HasData();
+    return std::exchange(m_canvas, std::nullopt);
 }
 
 bool PropertyWorker::TakeJob(Job &job) {

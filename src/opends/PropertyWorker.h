@@ -7,6 +7,8 @@
 #include "zelvar/model/ItemProperties.h"
 #include "zelvar/platform/ui/MessageTarget.h"
 
+#include <optional>
+
 namespace zelvar {
 
 /// Reads properties and a preview of one item after the other on a thread of its own.
@@ -31,10 +33,12 @@ public:
     void Cancel();
     [[nodiscard]] bool IsBusy() const;
 
-    /// Moves the finished properties out.
-    [[nodiscard]] PropertyMap TakeProps();
-    /// Moves the finished picture into `canvas` if there is one with data; false, and `canvas` cleared, without.
-    bool TakeCanvas(DCanvas &canvas);
+    // Two messages can wait when the results of the second job are there already: the first takes them, the second
+    // finds nothing new.
+    /// Moves the finished properties out; nothing if there are none since the last call.
+    [[nodiscard]] std::optional<PropertyMap> TakeProps();
+    /// The same for the picture, which is empty where the read has failed.
+    [[nodiscard]] std::optional<DCanvas> TakeCanvas();
 
     void Run() override;
 
@@ -54,10 +58,10 @@ private:
     StopSignal m_cancel{false};
 
     DMutex m_canvasLock;
-    DCanvas m_canvas;
+    std::optional<DCanvas> m_canvas; ///< nothing once taken
 
     DMutex m_propsLock;
-    PropertyMap m_props;
+    std::optional<PropertyMap> m_props; ///< nothing once taken
 
     platform::MessageTarget m_target;
     DLGTemplate m_dlgTemplate = DT_DATA;

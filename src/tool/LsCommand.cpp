@@ -1,8 +1,7 @@
-#include "zelvar/tool/Commands.h"
-
 #include "zelvar/data/DriverModule.h"
 #include "zelvar/model/ItemListing.h"
 #include "zelvar/model/PlaceResolver.h"
+#include "zelvar/tool/Commands.h"
 
 #include <cstdio>
 #include <map>
@@ -54,10 +53,8 @@ void PrintJson(ListedItem const &item, bool first) {
 } // namespace
 
 int RunLs(std::vector<DString> const &words) {
-    static std::map<DString, ListingSort> const sorts{{"", ListingSort::None},
-                                                      {"name", ListingSort::Name},
-                                                      {"size", ListingSort::Size},
-                                                      {"date", ListingSort::Date}};
+    static std::map<DString, ListingSort> const sorts{
+        {"", ListingSort::None}, {"name", ListingSort::Name}, {"size", ListingSort::Size}, {"date", ListingSort::Date}};
     DString error;
     std::optional<Arguments> const arguments = ParseArguments(kSpec, words, error);
     if (!arguments)

@@ -1,0 +1,225 @@
+#include "support/GuiTest.h"
+#include "support/ScriptedDriver.h"
+#include "support/TestFiles.h"
+#include "zelvar/controls/CZelPropList.h"
+#include "zelvar/data/DriverProvider.h"
+#include "zelvar/data/RDIDriverMngr.h"
+#include "zelvar/opends/DSMessages.h"
+#include "zelvar/opends/DSPropertyWnd.h"
+#include "zelvar/opends/ImageExtraWnd.h"
+#include "zelvar/opends/ImagePreviewWnd.h"
+
+#include <QtWidgets/QLineEdit>
+#include <QtWidgets/QPushButton>
+
+#include <gtest/gtest.h>
+
+namespace zelvar {
+namespace {
+
+/// An item with a path and nothing else.
+class PathItem : public DataSourceItem {
+public:
+    explicit PathItem(DString path) : m_path(std::move(path)) {}
+    void SetName(DString const &) override {}
+    DString GetName() const override { return m_path; }
+    DString GetPath() const override { return m_path; }
+    DataSourceItemItr *CreateIterator(ICancel *, char const *, char const *, int, DLGTemplate) override {
+        return nullptr;
+    }
+    void DeleteIterator(DataSourceItemItr *) override {}
+    RefItemPtr<DataSourceItem> GetParent() override { return nullptr; }
+    RefItemPtr<DataSourceItem> Clone() override { return nullptr; }
+    bool IsFolder() const override { return false; }
+    DataSourceType GetDataSourceType() const override { return DST_FILE_SYSTEM; }
+
+private:
+    DString m_path;
+};
+
+RefItemPtr<DataSourceItem> Item(DString path) { return RefItemPtr<DataSourceItem>(new PathItem(std::move(path))); }
+
+/// Receives what the pane tells its coordinator.
+class Coordinator : public QObject {
+public:
+    int optionsChanged = 0;
+
+protected:
+    bool event(QEvent *event) override {
+        optionsChanged += event->type() == WM_DS_OPTIONS_CHANGED ? 1 : 0;
+        return QObject::event(event);
+    }
+};
+
+class PropertyPane : public testing::Test {
+protected:
+    void SetUp() override {
+        SetDriverProvider([] {});
+        RDIDriverMngr::Instance()->Reset();
+        auto owned = std::make_unique<test::ScriptedRasterDriver>("SCRIPTED");
+        driver = owned.get();
+        RDIDriverMngr::Instance()->Add(std::move(owned));
+    }
+    void TearDown() override {
+        driver->openGate.Open();
+        driver->readGate.Open();
+        pane.reset();
+        RDIDriverMngr::Instance()->Reset();
+    }
+    void Create(DLGTemplate purpose) {
+        pane = std::make_unique<DSPropertyWnd>();
+        pane->Create({0, 0, 300, 300}, purpose, nullptr, 7);
+        pane->SetCoordinator(&coordinator);
+        pane->SetOptChangedMsg(WM_DS_OPTIONS_CHANGED);
+        pane->show();
+    }
+    /// The shown text of a property.
+    DString Shown(char const *name) const {
+        for (int i = 0; i < pane->Properties()->GetPropertyCount(); ++i)
+            for (int j = 0; j < pane->Properties()->GetProperty(i)->GetSubItemsCount(); ++j)
+                if (CZelProp const *prop = pane->Properties()->GetProperty(i)->GetSubItem(j); prop->GetName() == name)
+                    return prop->GetValue();
+        return "no such row";
+    }
+    bool Settles() const {
+        return test::Eventually([&] { return !pane->IsReading() && pane->Preview()->GetMode() != 1; });
+    }
+
+    test::TempFolder folder;
+    Coordinator coordinator;
+    test::ScriptedRasterDriver *driver = nullptr;
+    std::unique_ptr<DSPropertyWnd> pane;
+};
+
+TEST_F(PropertyPane, AnImageShowsItsPropertiesAndAPictureOf1024Pixels) {
+    DString const path = folder.Write("a.img", "x");
+    driver->SetImage(path,
+                     {.width = 1000, .height = 500, .type = RDI_UInt8, .sample = [](int, int, int) { return 9; }});
+    Create(DT_DATA);
+    pane->ShowProps(Item(path), "");
+    ASSERT_TRUE(Settles());
+    EXPECT_EQ(pane->Preview()->GetMode(), ImagePreviewWnd::ModeCanvas);
+    EXPECT_EQ(pane->Preview()->GetCanvas().GetWidth(), 1024);
+    EXPECT_EQ(pane->Preview()->GetCanvas().GetHeight(), 512);
+    EXPECT_EQ(pane->Preview()->GetCanvas().GetPixel(5, 5), Rgb(9, 9, 9)) << "one channel is grey";
+    EXPECT_EQ(Shown("Image Width"), "1000");
+    EXPECT_EQ(Shown("Number of Channels"), "1");
+    EXPECT_EQ(Shown("Driver"), "SCRIPTED") << "the driver's own name where the file says nothing";
+    EXPECT_EQ(Shown("Path"), path);
+    EXPECT_NE(Shown("Modified"), "");
+}
+
+TEST_F(PropertyPane, TheSameItemAgainStartsNoSecondJob) {
+    DString const path = folder.Write("a.img", "x");
+    driver->SetImage(path, {});
+    Create(DT_DATA);
+    pane->ShowProps(Item(path), "F");
+    ASSERT_TRUE(Settles());
+    int const opens = driver->opens;
+    pane->ShowProps(Item(path), "F");
+    pane->ShowProps(Item(path), nullptr);
+    EXPECT_FALSE(pane->IsReading());
+    EXPECT_EQ(driver->opens, opens);
+    pane->ShowProps(Item(path), "G");
+    ASSERT_TRUE(Settles());
+    EXPECT_GT(driver->opens, opens) << "another format is another job";
+}
+
+TEST_F(PropertyPane, ANewerItemReplacesTheOneBeingRead) {
+    DString const slow = folder.Write("slow.img", "x");
+    DString const quick = folder.Write("quick.img", "x");
+    driver->SetImage(slow, {.width = 11});
+    driver->SetImage(quick, {.width = 22});
+    driver->openGate.Close();
+    Create(DT_DATA);
+    pane->ShowProps(Item(slow), "");
+    driver->openGate.AwaitCaller();
+    pane->ShowProps(Item(quick), "");
+    driver->openGate.Open();
+    EXPECT_TRUE(test::Eventually([&] { return Shown("Image Width") == "22"; }));
+    ASSERT_TRUE(Settles());
+    EXPECT_EQ(Shown("Path"), quick);
+}
+
+TEST_F(PropertyPane, WhatArrivesAfterClearIsDropped) {
+    DString const path = folder.Write("a.img", "x");
+    driver->SetImage(path, {});
+    driver->openGate.Close();
+    Create(DT_DATA);
+    pane->ShowProps(Item(path), "");
+    driver->openGate.AwaitCaller();
+    pane->Clear();
+    driver->openGate.Open();
+    ASSERT_TRUE(test::Eventually([&] { return !pane->IsReading(); }));
+    QCoreApplication::processEvents();
+    EXPECT_EQ(Shown("Path"), "");
+    EXPECT_EQ(pane->Preview()->GetMode(), ImagePreviewWnd::ModeNothing);
+}
+
+TEST_F(PropertyPane, WhatNoDriverOpensShowsTheFileAndNoPreview) {
+    DString const path = folder.Write("plain.txt", "x");
+    Create(DT_DATA);
+    pane->ShowProps(Item(path), "");
+    ASSERT_TRUE(test::Eventually([&] { return Shown("Path") == path; }));
+    ASSERT_TRUE(Settles());
+    EXPECT_EQ(pane->Preview()->GetMode(), ImagePreviewWnd::ModeNothing);
+    EXPECT_EQ(Shown("Image Width"), "");
+}
+
+TEST_F(PropertyPane, DocumentsHaveOneTabWithTheFileAloneAndNoOptions) {
+    Create(DT_PROJECT);
+    EXPECT_EQ(pane->GetTabsNum(), 1);
+    EXPECT_EQ(pane->Properties()->GetPropertyCount(), 1);
+    DataSourceExtras::Item extras;
+    pane->UpdateExtras(nullptr, &extras);
+    EXPECT_EQ(pane->GetTabsNum(), 1);
+    EXPECT_EQ(pane->GetOptionString(), "");
+}
+
+TEST_F(PropertyPane, AppliedOptionsReachTheCoordinatorOnceAndTheDriver) {
+    DString const path = folder.Write("a.img", "x");
+    driver->SetImage(path, {});
+    DataSourceExtras::Item extras;
+    extras.ItemTemplatePath = folder.Write("page.html", "<input name=level value=1><select name=level.op>"
+                                                        "<option>=<option>&gt;</select>"
+                                                        "<input type=button id=Apply value=Apply>");
+    Create(DT_DATA);
+    pane->UpdateExtras(nullptr, &extras);
+    ASSERT_EQ(pane->GetActiveTab(), 2);
+    auto *edit = pane->Extra()->findChild<QLineEdit *>("level");
+    auto *apply = pane->Extra()->findChild<QPushButton *>();
+    ASSERT_TRUE(edit != nullptr && apply != nullptr);
+    edit->setText("2");
+    test::Click(apply);
+    test::Click(apply);
+    EXPECT_TRUE(test::Eventually([&] { return coordinator.optionsChanged > 0; }));
+    EXPECT_EQ(coordinator.optionsChanged, 1) << "the second click changed nothing";
+    EXPECT_EQ(pane->GetOptionString(), "level=2&level.op==");
+    pane->ShowProps(Item(path), "");
+    ASSERT_TRUE(Settles());
+    EXPECT_EQ(driver->opened.back(), path + "?level=2&level.op==");
+
+    edit->setText("3");
+    pane->UpdateExtras(nullptr, &extras);
+    EXPECT_EQ(edit->text(), "3") << "what was typed stays while the format does";
+    pane->UpdateExtras(nullptr, nullptr);
+    EXPECT_EQ(pane->GetOptionString(), "") << "no options without the tab";
+}
+
+TEST_F(PropertyPane, ThePictureIsFittedAndCentredInItsWindow) {
+    ImagePreviewWnd preview;
+    preview.resize(300, 300);
+    preview.show();
+    preview.GetCanvas().SetSize(1024, 512);
+    preview.GetCanvas().SetPixel(0, 0, Rgb(255, 0, 0));
+    preview.ShowCanvas();
+    EXPECT_EQ(preview.PictureRect(), QRect(0, 75, 300, 150));
+    QImage const shown = preview.grab().toImage();
+    EXPECT_EQ(shown.pixelColor(150, 74), QColor(Qt::white));
+    EXPECT_EQ(shown.pixelColor(150, 80), QColor(Qt::black));
+    preview.resize(100, 400);
+    EXPECT_EQ(preview.PictureRect(), QRect(0, 175, 100, 50)) << "fitted anew";
+}
+
+} // namespace
+} // namespace zelvar
