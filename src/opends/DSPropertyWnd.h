@@ -9,6 +9,8 @@
 #include "zelvar/opends/PropertyWorker.h"
 #include "zelvar/platform/ui/WindowMessage.h"
 
+#include <QtCore/QPointer>
+
 namespace zelvar {
 
 class CZelPropList;

@@ -63,7 +63,7 @@ void DlgOpenDS::DeleteDialogObject(DlgOpenDS *dialog) { delete dialog; }
 
 DlgOpenDS::DlgOpenDS(DVector<DFileFrmt *> const &formats, DFileFrmt *format, DLGTemplate dlgTemplate,
                      char const *historyKey, QWidget *parent)
-    : cdxCDynamicDialog(kOpenDialog, parent, FreedomAll, FlagSizeIcon | FlagAntiFlicker), m_formats(formats),
+    : cdxCDynamicDialog(kOpenDialogTemplate, parent, FreedomAll, FlagSizeIcon | FlagAntiFlicker), m_formats(formats),
       m_format(format), m_dlgTemplate(dlgTemplate), m_historyKey(historyKey == nullptr ? "" : historyKey) {
     WireMessages();
 }
@@ -181,14 +181,15 @@ void DlgOpenDS::InitializeLayout() {
 // ------------------------------------------------------------------------------------------------ the first time
 
 bool DlgOpenDS::OnInitDialog() {
-    CreateControls();
     cdxCDynamicDialog::OnInitDialog();
+    AssignControls();
     if (QRect const available = screen()->availableGeometry();
         width() >= available.width() || height() >= available.height())
         setGeometry(geometry().intersected(available));
     setWindowTitle(ToQString(m_title));
     CreateChildren();
-    RegisterControls();
+    // In the place of the control that marks it, wherever a stored size has put that by now.
+    AddSzControl(m_splitter, GetDlgItem(*this, kSplitterPlaceId), true);
     InitializeLayout();
 
     m_extras.Load();
@@ -235,28 +236,28 @@ bool DlgOpenDS::OnInitDialog() {
     return false; // the focus is set
 }
 
-void DlgOpenDS::CreateControls() {
-    platform::BuildDialog(*this, kOpenDialogTemplate,
-                          [](QWidget &dialog, platform::DialogItem const &item) -> QWidget * {
-                              switch (item.kind) {
-                              case platform::ControlKind::Combo:
-                              case platform::ControlKind::DropDownList: {
-                                  auto *combo = new CZelComboBox(&dialog);
-                                  combo->setEditable(item.kind == platform::ControlKind::Combo);
-                                  return combo;
-                              }
-                              case platform::ControlKind::Button:
-                              case platform::ControlKind::CheckButton: {
-                                  if (item.id == kCancelId)
-                                      return nullptr;
-                                  auto *button = new CZelButton(&dialog);
-                                  button->setCheckable(item.kind == platform::ControlKind::CheckButton);
-                                  return button;
-                              }
-                              default:
-                                  return nullptr;
-                              }
-                          });
+QWidget *DlgOpenDS::MakeControl(platform::DialogItem const &item) {
+    switch (item.kind) {
+    case platform::ControlKind::Combo:
+    case platform::ControlKind::DropDownList: {
+        auto *combo = new CZelComboBox(this);
+        combo->setEditable(item.kind == platform::ControlKind::Combo);
+        return combo;
+    }
+    case platform::ControlKind::Button:
+    case platform::ControlKind::CheckButton: {
+        if (item.id == kCancelId)
+            return nullptr;
+        auto *button = new CZelButton(this);
+        button->setCheckable(item.kind == platform::ControlKind::CheckButton);
+        return button;
+    }
+    default:
+        return nullptr;
+    }
+}
+
+void DlgOpenDS::AssignControls() {
     m_histCombo = GetDlgItem<CZelComboBox>(*this, kHistoryId);
     m_fileTypeCombo = GetDlgItem<CZelComboBox>(*this, kFileTypeId);
     m_fileFilterEdit = GetDlgItem<QLineEdit>(*this, kFileFilterId);
@@ -269,21 +270,11 @@ void DlgOpenDS::CreateControls() {
     m_fileTypeCombo->setAccessibleName(tr("File Type"));
     m_fileFilterEdit->setAccessibleName(tr("File Name Filter"));
 
-    connect(m_okButton, &QPushButton::clicked, this, &DlgOpenDS::OnOK);
-    connect(m_cancelButton, &QPushButton::clicked, this, &DlgOpenDS::OnCancel);
     connect(m_histCombo, &QComboBox::activated, this, &DlgOpenDS::OnSelendokHist);
     connect(m_fileTypeCombo, &QComboBox::activated, this, &DlgOpenDS::OnSelendokFileType);
     // Checking one unchecks the other; both may be off.
     connect(m_readOnlyCheck, &QCheckBox::clicked, this, [this] { m_editOnlyCheck->setChecked(false); });
     connect(m_editOnlyCheck, &QCheckBox::clicked, this, [this] { m_readOnlyCheck->setChecked(false); });
-}
-
-void DlgOpenDS::RegisterControls() {
-    for (platform::DialogItem const &item : kOpenDialogTemplate.items) {
-        QWidget *const child = item.id == kSplitterPlaceId ? m_splitter : GetDlgItem(*this, item.id);
-        signed char const bytes[4] = {item.move.x1, item.move.y1, item.move.x2, item.move.y2};
-        AddSzControl(child, bytes, Size{}, false);
-    }
 }
 
 CZelButton *DlgOpenDS::SetUpToolButton(int id, char const *picture, char const *tip) {

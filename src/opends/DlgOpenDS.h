@@ -9,6 +9,7 @@
 #include "zelvar/model/DataSourceItem.h"
 #include "zelvar/opends/DSplitterWnd.h"
 #include "zelvar/opends/PathButtonRow.h"
+#include "zelvar/platform/ui/DialogTemplate.h"
 #include "zelvar/platform/ui/WindowMessage.h"
 
 #include <list>
@@ -92,6 +93,7 @@ protected:
     ~DlgOpenDS() override;
 
     bool OnInitDialog() override;
+    QWidget *MakeControl(platform::DialogItem const &item) override;
     void OnOK() override;
     bool event(QEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
@@ -103,10 +105,9 @@ private:
 
     // Set-up, in the order of OnInitDialog.
     void WireMessages();
-    void CreateControls();
+    void AssignControls();
     void CreateChildren();
     void AssignWndVars();
-    void RegisterControls();
     void InitializeLayout();
     void FillHistory();
     void FillFileTypes();
