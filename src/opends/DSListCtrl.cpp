@@ -350,7 +350,7 @@ void DSListCtrl::DrawItem(platform::DrawItemStruct const &request) {
     DrawItemPicture(request.painter, request.rcItem, *item);
     Rect marked = request.rcItem;
     marked.left += kPictureBand;
-    ItemColors const colors = ColorsOf((request.state & LVIS_SELECTED) != 0, hasFocus());
+    ItemColors const colors = ItemColorsOf((request.state & LVIS_SELECTED) != 0, hasFocus());
     request.painter.fillRect(platform::ToQRect(marked), colors.background);
     request.painter.setPen(colors.text);
     for (int const col : GetColumnOrderArray()) {

@@ -257,7 +257,7 @@ void DataSourceList::DrawItem(platform::DrawItemStruct const &request) {
     DrawItemPicture(request.painter, request.rcItem, *item);
     Rect rect = request.rcItem;
     rect.left += kPictureBand;
-    ItemColors const colors = ColorsOf((request.state & LVIS_SELECTED) != 0, hasFocus());
+    ItemColors const colors = ItemColorsOf((request.state & LVIS_SELECTED) != 0, hasFocus());
     request.painter.fillRect(platform::ToQRect(rect), colors.background);
     request.painter.setPen(colors.text);
     platform::DrawCellText(request.painter, rect, item->GetName(), LVCFMT_LEFT, platform::CellPlace::Centered);

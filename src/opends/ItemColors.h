@@ -19,7 +19,7 @@ struct ItemColors {
     QColor background;
     QColor text;
 };
-[[nodiscard]] inline ItemColors ColorsOf(bool selected, bool listHasFocus) {
+[[nodiscard]] inline ItemColors ItemColorsOf(bool selected, bool listHasFocus) {
     if (!selected)
         return {Qt::white, Qt::black};
     return listHasFocus ? ItemColors{QColor(10, 36, 106), Qt::white} : ItemColors{QColor(212, 208, 200), Qt::black};

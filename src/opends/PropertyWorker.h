@@ -16,7 +16,7 @@ namespace zelvar {
 /// `Restart` and the takers belong to the user-interface thread, `Run` to the worker's. What crosses goes through the
 /// members under their locks; the messages only tell that it is there. At most one job waits; a newer one replaces it,
 /// and the one under way is told to stop.
-class PropertyWorker final : public DThread {
+class ZELVAR_API PropertyWorker final : public DThread {
 public:
     PropertyWorker() = default;
     /// Tells the body to stop and waits for its end.

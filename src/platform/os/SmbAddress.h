@@ -15,11 +15,11 @@ struct SmbAddress {
     friend bool operator==(SmbAddress const &, SmbAddress const &) = default;
 };
 
-[[nodiscard]] bool IsSmbAddress(std::string_view text);
+[[nodiscard]] ZELVAR_API bool IsSmbAddress(std::string_view text);
 /// Nothing for another scheme and for "smb://" alone, which would ask the whole network. "." and ".." elements and
 /// broken escapes are refused.
-[[nodiscard]] std::optional<SmbAddress> ParseSmbAddress(std::string_view text);
+[[nodiscard]] ZELVAR_API std::optional<SmbAddress> ParseSmbAddress(std::string_view text);
 /// `part` as an element of an address: what has a meaning there is written as %HH.
-[[nodiscard]] DString EscapedSmbPart(std::string_view part);
+[[nodiscard]] ZELVAR_API DString EscapedSmbPart(std::string_view part);
 
 } // namespace zelvar::platform

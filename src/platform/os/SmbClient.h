@@ -1,5 +1,7 @@
 #pragma once
 
+#include "zelvar/base/Export.h"
+
 #include "zelvar/platform/os/ShellNamespace.h"
 #include "zelvar/platform/os/SmbAddress.h"
 
@@ -19,7 +21,7 @@ struct SmbEntry {
 /// The library is not made for threads, so one lock guards every call; a server that does not take a connection within
 /// `kConnectMs` is given up before the lock is asked for, so a dead one keeps nobody waiting. Connections are pooled by
 /// address, user and port. Names are resolved by the system's resolver alone: nothing is broadcast.
-class SmbClient {
+class ZELVAR_API SmbClient {
 public:
     static constexpr int kConnectMs = 3000;
     static constexpr int kAnswerMs = 5000;
@@ -43,6 +45,6 @@ private:
 };
 
 /// The address as text, escaped.
-[[nodiscard]] DString ToText(SmbAddress const &address);
+[[nodiscard]] ZELVAR_API DString ToText(SmbAddress const &address);
 
 } // namespace zelvar::platform

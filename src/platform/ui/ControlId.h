@@ -1,17 +1,19 @@
 #pragma once
 
+#include "zelvar/base/Export.h"
+
 #include <QtWidgets/QWidget>
 
 namespace zelvar::platform {
 
 /// Control ids: the numbers by which dialogs, layout tables, messages and tests name a window's children.
-void SetDlgCtrlID(QWidget &child, int id);
+ZELVAR_API void SetDlgCtrlID(QWidget &child, int id);
 /// 0 for a widget that was never given one.
-[[nodiscard]] int GetDlgCtrlID(QWidget const &child);
+[[nodiscard]] ZELVAR_API int GetDlgCtrlID(QWidget const &child);
 
 /// The direct child of `parent` with that id; null if there is none. The children of a scroll area's viewport count as
 /// the scroll area's own.
-[[nodiscard]] QWidget *GetDlgItem(QWidget const &parent, int id);
+[[nodiscard]] ZELVAR_API QWidget *GetDlgItem(QWidget const &parent, int id);
 /// The same as a `T`; null also if the child is of another class.
 template <class T>
 [[nodiscard]] T *GetDlgItem(QWidget const &parent, int id) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "zelvar/base/Export.h"
 #include "zelvar/base/Geometry.h"
 
 #include <cstdint>
@@ -69,11 +70,11 @@ using ControlFactory = std::function<QWidget *(QWidget &dialog, DialogItem const
 
 /// Makes the template's controls children of `dialog`, in order, which is the tab order; gives the dialog its caption
 /// and size. Nothing is connected.
-void BuildDialog(QWidget &dialog, DialogTemplate const &dialogTemplate, ControlFactory const &factory = {});
+ZELVAR_API void BuildDialog(QWidget &dialog, DialogTemplate const &dialogTemplate, ControlFactory const &factory = {});
 
 /// Average character width and height of a font, pixels: 4 by 8 dialog units.
-[[nodiscard]] Size DialogBaseUnits(QFont const &font);
+[[nodiscard]] ZELVAR_API Size DialogBaseUnits(QFont const &font);
 /// Dialog units to pixels with the widget's font, edge by edge, rounded to the nearest.
-[[nodiscard]] Rect MapDialogRect(QWidget const &dialog, Rect const &units);
+[[nodiscard]] ZELVAR_API Rect MapDialogRect(QWidget const &dialog, Rect const &units);
 
 } // namespace zelvar::platform

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "zelvar/base/Export.h"
 #include "zelvar/platform/ui/WindowMessage.h"
 
 #include <memory>
@@ -10,7 +11,7 @@ namespace zelvar::platform {
 ///
 /// Copies share one target. The window detaches it in its destructor; from then on every copy drops what it is given.
 /// Any thread may post.
-class MessageTarget {
+class ZELVAR_API MessageTarget {
 public:
     /// Drops everything.
     MessageTarget() = default;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "zelvar/base/Export.h"
+
 class QAction;
 class QDialog;
 class QEventLoop;
@@ -15,10 +17,10 @@ namespace zelvar::platform {
 // to: the dispatcher is woken first, the window and the widget that had the focus get it again.
 
 /// `QDialog::exec`. The dialog is not deleted. A dialog that dies while it runs yields `QDialog::Rejected`.
-int RunModal(QDialog &dialog);
+ZELVAR_API int RunModal(QDialog &dialog);
 /// `QMenu::exec` at a screen point; null if nothing was picked.
-QAction *RunMenu(QMenu &menu, QPoint const &screenPoint);
+ZELVAR_API QAction *RunMenu(QMenu &menu, QPoint const &screenPoint);
 /// `QEventLoop::exec`, for waits that stay stoppable.
-int RunLoop(QEventLoop &loop);
+ZELVAR_API int RunLoop(QEventLoop &loop);
 
 } // namespace zelvar::platform

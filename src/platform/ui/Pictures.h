@@ -1,5 +1,6 @@
 #pragma once
 
+#include "zelvar/base/Export.h"
 #include "zelvar/base/ImageList.h"
 
 #include <QtGui/QIcon>
@@ -15,16 +16,18 @@ inline constexpr int kSmallPicture = 16;
 ///
 /// `ImageDescription::fallback` and the name of a strip are names of the resources below, without folder and ending, or
 /// full resource paths. The pictures of a strip stand side by side, each as wide as the strip is high.
-[[nodiscard]] QPixmap ListPicture(HIMAGELIST list, int index, qreal devicePixelRatio, int side = kSmallPicture);
+[[nodiscard]] ZELVAR_API QPixmap ListPicture(HIMAGELIST list, int index, qreal devicePixelRatio,
+                                             int side = kSmallPicture);
 
 /// The same for one description.
-[[nodiscard]] QPixmap Picture(ImageDescription const &description, qreal devicePixelRatio, int side = kSmallPicture);
+[[nodiscard]] ZELVAR_API QPixmap Picture(ImageDescription const &description, qreal devicePixelRatio,
+                                         int side = kSmallPicture);
 
 /// One of our own pictures by what it shows: "folder", "folder-up", "file", "image", "table", "container", "drive",
 /// "drive-optical", "drive-removable", "drive-network", "server", "share", "database", "star", "panel",
 /// "restore-layout", "recursive", "link-overlay", "size-grip", "stop", "warning", "information".
-[[nodiscard]] QPixmap ResourcePicture(QString const &name, qreal devicePixelRatio, int side = kSmallPicture);
+[[nodiscard]] ZELVAR_API QPixmap ResourcePicture(QString const &name, qreal devicePixelRatio, int side = kSmallPicture);
 /// For buttons and actions: drawn sharp at any size; washed out while disabled.
-[[nodiscard]] QIcon ResourceIcon(QString const &name);
+[[nodiscard]] ZELVAR_API QIcon ResourceIcon(QString const &name);
 
 } // namespace zelvar::platform

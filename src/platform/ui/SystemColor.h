@@ -1,6 +1,7 @@
 #pragma once
 
 #include "zelvar/base/Color.h"
+#include "zelvar/base/Export.h"
 
 #include <QtGui/QColor>
 
@@ -17,6 +18,6 @@ namespace zelvar::platform {
 }
 
 /// The desktop's present colour for one of the numbers of `SystemColorIndex`; black for any other number.
-[[nodiscard]] ColorRef SystemColor(int index);
+[[nodiscard]] ZELVAR_API ColorRef SystemColor(int index);
 
 } // namespace zelvar::platform

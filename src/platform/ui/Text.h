@@ -1,6 +1,7 @@
 #pragma once
 
 #include "zelvar/base/DString.h"
+#include "zelvar/base/Export.h"
 
 #include <QtCore/QString>
 
@@ -8,9 +9,9 @@ namespace zelvar::platform {
 
 /// For showing. Bytes that are not UTF-8 read as U+FFFD, so the result must never be used to open a file again:
 /// rows and widgets keep the `DString` they were made from.
-[[nodiscard]] QString ToQString(std::string_view text);
+[[nodiscard]] ZELVAR_API QString ToQString(std::string_view text);
 
 /// What a user typed or picked, as UTF-8.
-[[nodiscard]] DString ToDString(QString const &text);
+[[nodiscard]] ZELVAR_API DString ToDString(QString const &text);
 
 } // namespace zelvar::platform
