@@ -41,20 +41,6 @@ int Run(int argc, char **argv) {
 
 } // namespace
 
-namespace zelvar::tool {
-
-int UsageError(CommandSpec const &spec, DString const &why) {
-    std::fprintf(stderr, "zelvar: %s\nusage: zelvar %s\n", why.c_str(), spec.usage.c_str());
-    return kUsage;
-}
-
-int Failure(DString const &why) {
-    std::fprintf(stderr, "zelvar: %s\n", why.c_str());
-    return kFailed;
-}
-
-} // namespace zelvar::tool
-
 int main(int argc, char **argv) {
     try {
         return Run(argc, argv);

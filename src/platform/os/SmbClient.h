@@ -1,7 +1,6 @@
 #pragma once
 
 #include "zelvar/base/Export.h"
-
 #include "zelvar/platform/os/ShellNamespace.h"
 #include "zelvar/platform/os/SmbAddress.h"
 

@@ -1,0 +1,17 @@
+#include "zelvar/tool/Commands.h"
+
+#include <cstdio>
+
+namespace zelvar::tool {
+
+int UsageError(CommandSpec const &spec, DString const &why) {
+    std::fprintf(stderr, "zelvar: %s\nusage: zelvar %s\n", why.c_str(), spec.usage.c_str());
+    return kUsage;
+}
+
+int Failure(DString const &why) {
+    std::fprintf(stderr, "zelvar: %s\n", why.c_str());
+    return kFailed;
+}
+
+} // namespace zelvar::tool
