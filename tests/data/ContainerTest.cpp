@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
 
 #include <sys/stat.h>
@@ -63,10 +64,10 @@ public:
 
 bool IsContainer(DString const &path) {
     SetDriverProvider(&RegisterGdalDrivers);
-    for (BDIDrvr const *driver : BDIDrvrMngr::Instance()->CandidatesFor(path))
-        if (driver->GetAttrInt("BDI_Multiple_Images") == 1 && driver->CanReadPath(path))
-            return true;
-    return false;
+    auto const &candidates = BDIDrvrMngr::Instance()->CandidatesFor(path);
+    return std::any_of(candidates.begin(), candidates.end(), [&](BDIDrvr const *driver) {
+        return driver->GetAttrInt("BDI_Multiple_Images") == 1 && driver->CanReadPath(path);
+    });
 }
 
 /// The first sample of what a node's path opens; -1 if it does not open.

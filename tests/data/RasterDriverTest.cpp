@@ -14,8 +14,6 @@
 namespace zelvar {
 namespace {
 
-using test::ImageSpec;
-
 /// Opens one image with the real drivers.
 class Opened {
 public:
@@ -32,8 +30,8 @@ public:
     explicit operator bool() const { return handle != nullptr; }
 
     template <class Sample>
-    std::vector<Sample> Read(double x, double y, double width, double height, int outWidth, int outHeight,
-                             int resampling, int channel = 0) const {
+    [[nodiscard]] std::vector<Sample> Read(double x, double y, double width, double height, int outWidth, int outHeight,
+                                           int resampling, int channel = 0) const {
         std::vector<Sample> samples(static_cast<std::size_t>(outWidth) * static_cast<std::size_t>(outHeight));
         if (!driver->ReadBlockRsmpl(handle, channel, x, y, width, height, samples.data(), outWidth, outHeight,
                                     resampling, true, true))
@@ -139,7 +137,7 @@ TEST_F(RasterDriver, SignedBytesKeepTheirSign) {
 TEST_F(RasterDriver, NodataBecomesZero) {
     DString const path = m_folder / "n.tif";
     test::WriteImage(path, {.type = GDT_Float32, .sample = [](int, int x, int) { return x < 32 ? -9999 : 7; }});
-    GDALDatasetH const dataset = GDALOpen(path.c_str(), GA_Update);
+    GDALDatasetH dataset = GDALOpen(path.c_str(), GA_Update);
     GDALSetRasterNoDataValue(GDALGetRasterBand(dataset, 1), -9999);
     GDALClose(dataset);
     Opened const image(path);
@@ -184,7 +182,8 @@ TEST_F(RasterDriver, ReductionAgreesWithAndWithoutAPyramid) {
         ASSERT_FALSE(first.empty());
         for (int y = 1; y < height - 1; ++y)
             for (int x = 1; x < width - 1; ++x) {
-                auto const at = static_cast<std::size_t>(y * width + x);
+                auto const at =
+                    static_cast<std::size_t>(y) * static_cast<std::size_t>(width) + static_cast<std::size_t>(x);
                 double const told =
                     smooth(0, static_cast<int>((x + 0.5) * 1000 / width), static_cast<int>((y + 0.5) * 800 / height));
                 ASSERT_NEAR(first[at], told, 6) << width << ": " << x << ", " << y;
@@ -208,8 +207,8 @@ TEST_F(RasterDriver, APaletteIsReadInItsColours) {
     test::WriteImage(path, {.width = 2, .height = 1, .options = {"PHOTOMETRIC=PALETTE"}, .sample = [](int, int x, int) {
                                 return x;
                             }});
-    GDALDatasetH const dataset = GDALOpen(path.c_str(), GA_Update);
-    GDALColorTableH const table = GDALCreateColorTable(GPI_RGB);
+    GDALDatasetH dataset = GDALOpen(path.c_str(), GA_Update);
+    GDALColorTableH table = GDALCreateColorTable(GPI_RGB);
     GDALColorEntry const red{200, 10, 20, 255};
     GDALColorEntry const green{30, 180, 40, 255};
     GDALSetColorEntry(table, 0, &red);

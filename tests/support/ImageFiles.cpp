@@ -31,7 +31,7 @@ GDALDriverH Driver(char const *name) {
 Dataset Create(char const *format, DString const &path, int width, int height, int channels, GDALDataType type,
                std::vector<char const *> options = {}) {
     options.push_back(nullptr);
-    GDALDriverH const driver = Driver(format);
+    GDALDriverH driver = Driver(format);
     Dataset dataset(driver == nullptr ? nullptr
                                       : GDALCreate(driver, path.c_str(), width, height, channels, type,
                                                    const_cast<char **>(options.data())));
@@ -54,7 +54,7 @@ void Fill(GDALDatasetH dataset, ImageSpec const &spec) {
 void Georeference(GDALDatasetH dataset) {
     std::array<double, 6> transform{0, 1, 0, 50, 0, -1};
     GDALSetGeoTransform(dataset, transform.data());
-    OGRSpatialReferenceH const system = OSRNewSpatialReference(nullptr);
+    OGRSpatialReferenceH system = OSRNewSpatialReference(nullptr);
     OSRImportFromEPSG(system, 4326);
     char *text = nullptr;
     OSRExportToWkt(system, &text);
@@ -64,12 +64,12 @@ void Georeference(GDALDatasetH dataset) {
 }
 
 void AddLayer(GDALDatasetH dataset, DString const &name, OGRwkbGeometryType geometry) {
-    OGRLayerH const layer = GDALDatasetCreateLayer(dataset, name.c_str(), nullptr, geometry, nullptr);
+    OGRLayerH layer = GDALDatasetCreateLayer(dataset, name.c_str(), nullptr, geometry, nullptr);
     ASSERT_NE(layer, nullptr);
-    OGRFieldDefnH const field = OGR_Fld_Create("value", OFTInteger);
+    OGRFieldDefnH field = OGR_Fld_Create("value", OFTInteger);
     OGR_L_CreateField(layer, field, TRUE);
     OGR_Fld_Destroy(field);
-    OGRFeatureH const feature = OGR_F_Create(OGR_L_GetLayerDefn(layer));
+    OGRFeatureH feature = OGR_F_Create(OGR_L_GetLayerDefn(layer));
     OGR_F_SetFieldInteger(feature, 0, 7);
     EXPECT_EQ(OGR_L_CreateFeature(layer, feature), OGRERR_NONE);
     OGR_F_Destroy(feature);
@@ -126,14 +126,14 @@ void WriteGeoPackage(DString const &path, int layers, int tables, int pictures) 
 void WriteNetCdf(DString const &path, int variables) {
     // GDAL's multidimensional interface names the variables as told.
     Driver("netCDF");
-    GDALDatasetH const dataset = GDALCreateMultiDimensional(Driver("netCDF"), path.c_str(), nullptr, nullptr);
+    GDALDatasetH dataset = GDALCreateMultiDimensional(Driver("netCDF"), path.c_str(), nullptr, nullptr);
     ASSERT_NE(dataset, nullptr);
-    GDALGroupH const root = GDALDatasetGetRootGroup(dataset);
+    GDALGroupH root = GDALDatasetGetRootGroup(dataset);
     std::array<GDALDimensionH, 2> dimensions{GDALGroupCreateDimension(root, "y", nullptr, nullptr, 20, nullptr),
                                              GDALGroupCreateDimension(root, "x", nullptr, nullptr, 10, nullptr)};
-    GDALExtendedDataTypeH const type = GDALExtendedDataTypeCreate(GDT_Float32);
+    GDALExtendedDataTypeH type = GDALExtendedDataTypeCreate(GDT_Float32);
     for (int i = 1; i <= variables; ++i) {
-        GDALMDArrayH const array =
+        GDALMDArrayH array =
             GDALGroupCreateMDArray(root, ("var" + std::to_string(i)).c_str(), 2, dimensions.data(), type, nullptr);
         std::vector<float> samples(200, static_cast<float>(i));
         std::array<GUInt64, 2> const start{0, 0};
@@ -143,7 +143,7 @@ void WriteNetCdf(DString const &path, int variables) {
         GDALMDArrayRelease(array);
     }
     GDALExtendedDataTypeRelease(type);
-    for (GDALDimensionH const dimension : dimensions)
+    for (GDALDimensionH dimension : dimensions)
         GDALDimensionRelease(dimension);
     GDALGroupRelease(root);
     GDALClose(dataset);
@@ -152,7 +152,8 @@ void WriteNetCdf(DString const &path, int variables) {
 void WriteZip(DString const &path, std::vector<std::pair<DString, DString>> const &files) {
     Driver("GTiff");
     for (auto const &[name, from] : files) {
-        VSILFILE *const file = VSIFOpenL(("/vsizip/" + path + "/" + name).c_str(), "wb");
+        DString const inside = DString("/vsizip/").append(path).append("/").append(name);
+        VSILFILE *const file = VSIFOpenL(inside.c_str(), "wb");
         ASSERT_NE(file, nullptr) << name;
         std::string const bytes = ReadFile(from);
         VSIFWriteL(bytes.data(), 1, bytes.size(), file);

@@ -42,7 +42,7 @@ void AddLayers(GDALDatasetH dataset, Source const &source, Members &members) {
         members.nodes.push_back(
             MakeNode(BDINode_Raster, source.text + "?" + kRasterOption + "=1", DString(FileNameOf(source.text))));
     for (int i = 0; i < count; ++i) {
-        OGRLayerH const layer = GDALDatasetGetLayer(dataset, i);
+        OGRLayerH layer = GDALDatasetGetLayer(dataset, i);
         if (layer == nullptr)
             continue;
         DString const name = OGR_L_GetName(layer);

@@ -51,6 +51,13 @@ public:
     }
 };
 
+/// GDAL does not tell folders of a listing from files, and to ask for each would cost a request: a name without an
+/// extension, or with a number for one, is a folder.
+bool LooksLikeFolder(std::string_view name) {
+    std::string_view const extension = ExtensionOf(name);
+    return std::all_of(extension.begin(), extension.end(), [](char c) { return c >= '0' && c <= '9'; });
+}
+
 class Web : public FolderPlace {
 public:
     [[nodiscard]] bool List(DString const &folder, std::vector<FolderEntry> &entries) const override {
@@ -62,19 +69,13 @@ public:
         if (names == nullptr)
             return false;
         for (int i = 0; i < CSLCount(names.get()); ++i) {
-            DString entry(names.get()[i]);
+            DString entry = PercentDecoded(names.get()[i]);
             bool isFolder = entry.ends_with('/');
             if (isFolder)
                 entry.pop_back();
             if (entry.empty() || entry.front() == '.' || entry.find('/') != DString::npos)
                 continue;
-            // What the listing told is known without a further request; a name without an extension is a folder.
-            VSIStatBufL info{};
-            DString const child = name + "/" + PercentEncoded(entry);
-            if (!isFolder && VSIStatExL(child.c_str(), &info, VSI_STAT_NATURE_FLAG | VSI_STAT_CACHE_ONLY) == 0)
-                isFolder = VSI_ISDIR(info.st_mode) != 0;
-            else if (!isFolder)
-                isFolder = ExtensionOf(entry).empty();
+            isFolder = isFolder || LooksLikeFolder(entry);
             entries.push_back({std::move(entry), isFolder});
         }
         return true;

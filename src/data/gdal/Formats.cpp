@@ -142,7 +142,7 @@ Formats const &Formats::Instance() {
 Formats::Formats() {
     StartGdal();
     for (int i = 0; i < GDALGetDriverCount(); ++i) {
-        GDALDriverH const driver = GDALGetDriver(i);
+        GDALDriverH driver = GDALGetDriver(i);
         Format format;
         format.id = GDALGetDriverShortName(driver);
         format.name = GDALGetDriverLongName(driver);

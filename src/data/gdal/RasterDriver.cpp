@@ -91,18 +91,18 @@ void RasterDriver::CloseFile(void *handle, bool) { delete static_cast<Image *>(h
 int RasterDriver::GetNumChnl(void *handle) const { return GDALGetRasterCount(Raw(Of(handle).dataset)); }
 
 int RasterDriver::GetChnlSizeX(void *handle, int channel) const {
-    GDALRasterBandH const band = Of(handle).Band(channel);
+    GDALRasterBandH band = Of(handle).Band(channel);
     return band == nullptr ? 0 : GDALGetRasterBandXSize(band);
 }
 
 int RasterDriver::GetChnlSizeY(void *handle, int channel) const {
-    GDALRasterBandH const band = Of(handle).Band(channel);
+    GDALRasterBandH band = Of(handle).Band(channel);
     return band == nullptr ? 0 : GDALGetRasterBandYSize(band);
 }
 
 int RasterDriver::GetChnlDataType(void *handle, int channel) const {
     GdalScope const scope(Of(handle).reach);
-    GDALRasterBandH const band = Of(handle).Band(channel);
+    GDALRasterBandH band = Of(handle).Band(channel);
     return band == nullptr ? RDI_None : DeliveredType(band);
 }
 
@@ -120,7 +120,7 @@ DString RasterDriver::GetAttrString(char const *name, void *handle, int) const {
 int RasterDriver::GetAttrInt(char const *name, void *handle, int channel) const {
     Image const &image = Of(handle);
     GdalScope const scope(image.reach);
-    GDALRasterBandH const band = image.Band(channel);
+    GDALRasterBandH band = image.Band(channel);
     if (band == nullptr)
         return 0;
     if (std::strcmp(name, "RDI_Drvr_Sppt_Intrnl_RslPrmd") == 0)
@@ -135,7 +135,7 @@ bool RasterDriver::ReadBlockRsmpl(void *handle, int channel, double x, double y,
                                   bool clip) {
     Image const &image = Of(handle);
     GdalScope const scope(image.reach);
-    GDALRasterBandH const band = image.Band(channel);
+    GDALRasterBandH band = image.Band(channel);
     if (band == nullptr || buffer == nullptr || resampling < Nearest || resampling > Cubic)
         return false;
     ReadRequest const request{.x = x,
@@ -160,7 +160,7 @@ bool RasterDriver::ReadPaletteRsmpl(void *handle, double x, double y, double wid
                                     int outWidth, int outHeight) {
     Image const &image = Of(handle);
     GdalScope const scope(image.reach);
-    GDALRasterBandH const band = image.Band(0);
+    GDALRasterBandH band = image.Band(0);
     if (band == nullptr || rgb == nullptr)
         return false;
     try {

@@ -94,7 +94,7 @@ GDALRasterBandH LevelFor(GDALRasterBandH band, double ratio) {
     GDALRasterBandH best = band;
     double bestRatio = 1;
     for (int i = 0; i < GDALGetOverviewCount(band); ++i) {
-        GDALRasterBandH const overview = GDALGetOverview(band, i);
+        GDALRasterBandH overview = GDALGetOverview(band, i);
         if (overview == nullptr || GDALGetRasterBandXSize(overview) < 1 || GDALGetRasterBandYSize(overview) < 1)
             continue;
         double const reduced =
@@ -113,7 +113,7 @@ GDALRasterBandH LevelFor(GDALRasterBandH band, double ratio) {
 class MemoryBand {
 public:
     MemoryBand(int width, int height, GDALDataType type, GDALRasterBandH like) {
-        GDALDriverH const driver = GDALGetDriverByName("MEM");
+        GDALDriverH driver = GDALGetDriverByName("MEM");
         if (driver != nullptr)
             m_dataset.reset(GDALCreate(driver, "", width, height, 1, type, nullptr));
         int hasNodata = FALSE;
@@ -161,7 +161,7 @@ bool TransferResampled(GDALRasterBandH band, Window const &window, ReadRequest c
                        void *buffer) {
     GDALRIOResampleAlg const algorithm = AlgorithmOf(request.resampling);
     double const ratio = std::min(window.width / window.outWidth, window.height / window.outHeight);
-    GDALRasterBandH const level = request.usePyramid ? LevelFor(band, ratio) : band;
+    GDALRasterBandH level = request.usePyramid ? LevelFor(band, ratio) : band;
     Window scaled = window;
     if (level != band) {
         double const factorX = static_cast<double>(GDALGetRasterBandXSize(level)) / GDALGetRasterBandXSize(band);
@@ -352,7 +352,7 @@ bool ReadPaletteWindow(BandHandle band, ReadRequest const &request, unsigned cha
                            {request.x, request.y, request.width, request.height, request.outWidth, request.outHeight},
                            picked, GDT_UInt16, indexes.data()))
         return false;
-    GDALColorTableH const table = GDALGetRasterColorTable(band);
+    GDALColorTableH table = GDALGetRasterColorTable(band);
     std::vector<std::array<unsigned char, 3>> colors(
         static_cast<std::size_t>(std::clamp(GDALGetColorEntryCount(table), 0, 65536)));
     for (std::size_t i = 0; i < colors.size(); ++i) {

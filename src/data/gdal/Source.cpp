@@ -103,7 +103,7 @@ std::vector<DString> OpenOptionsFor(Source const &source, Format const &format) 
     for (auto const &[name, value] : source.options) {
         if (IsKnownOption(format, name)) {
             if (!value.empty())
-                options.push_back(name + "=" + value);
+                options.push_back(DString(name).append("=").append(value));
         } else {
             Report::TraceMessage(Report::kTraceDriver, "%s knows no option \"%s\"", format.id.c_str(), name.c_str());
         }
@@ -181,8 +181,8 @@ Format const *Identify(Source const &source, unsigned flags, Format const *only)
     auto const siblings = SiblingsFor(source);
     if (!siblings)
         return nullptr;
-    GDALDriverH const driver = GDALIdentifyDriverEx(source.name.c_str(), flags, allowed.data(),
-                                                    siblings->empty() ? nullptr : Pointers(*siblings).data());
+    GDALDriverH driver = GDALIdentifyDriverEx(source.name.c_str(), flags, allowed.data(),
+                                              siblings->empty() ? nullptr : Pointers(*siblings).data());
     return driver == nullptr ? nullptr : Formats::Instance().Find(GDALGetDriverShortName(driver));
 }
 
@@ -200,7 +200,7 @@ OpenedSource Open(Source const &source, unsigned flags, Format const *only, DErr
     // Each format has options of its own, so the one that will read is found first. Its first bytes may promise more
     // than the rest holds: then the next one is tried.
     while (!opened && allowed.size() > 1) {
-        GDALDriverH const driver = GDALIdentifyDriverEx(source.name.c_str(), flags, allowed.data(), siblingList);
+        GDALDriverH driver = GDALIdentifyDriverEx(source.name.c_str(), flags, allowed.data(), siblingList);
         if (driver == nullptr)
             break;
         char const *id = GDALGetDriverShortName(driver);

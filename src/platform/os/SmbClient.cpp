@@ -10,6 +10,7 @@
 #include <vector>
 
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <libsmbclient.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
@@ -32,6 +33,10 @@ struct Library {
     decltype(&smbc_getFunctionReaddirPlus) readDirPlus = nullptr;
     decltype(&smbc_getFunctionClosedir) closeDir = nullptr;
     decltype(&smbc_getFunctionStat) stat = nullptr;
+    decltype(&smbc_getFunctionOpen) open = nullptr;
+    decltype(&smbc_getFunctionRead) read = nullptr;
+    decltype(&smbc_getFunctionLseek) seek = nullptr;
+    decltype(&smbc_getFunctionClose) close = nullptr;
 
     /// False if the library or one of the functions is missing.
     bool Load() {
@@ -47,7 +52,9 @@ struct Library {
                find("smbc_setConfiguration", setConfiguration) &&
                find("smbc_setFunctionAuthData", setFunctionAuthData) && find("smbc_getFunctionOpendir", openDir) &&
                find("smbc_getFunctionReaddir", readDir) && find("smbc_getFunctionReaddirPlus", readDirPlus) &&
-               find("smbc_getFunctionClosedir", closeDir) && find("smbc_getFunctionStat", stat);
+               find("smbc_getFunctionClosedir", closeDir) && find("smbc_getFunctionStat", stat) &&
+               find("smbc_getFunctionOpen", open) && find("smbc_getFunctionRead", read) &&
+               find("smbc_getFunctionLseek", seek) && find("smbc_getFunctionClose", close);
     }
 };
 
@@ -89,7 +96,7 @@ struct SmbClient::Impl {
         return context;
     }
 
-    SMBCCTX *MakeContext() {
+    [[nodiscard]] SMBCCTX *MakeContext() const {
         SMBCCTX *const context = library.newContext();
         if (context == nullptr)
             return nullptr;
@@ -203,6 +210,58 @@ std::optional<SmbEntry> SmbClient::Stat(SmbAddress const &address) {
     }
     return entry;
 }
+
+struct SmbFile {
+    SMBCCTX *context = nullptr;
+    SMBCFILE *file = nullptr;
+    std::int64_t size = 0;
+    std::int64_t position = 0; ///< of the handle
+};
+
+SmbFile *SmbClient::OpenFile(SmbAddress const &address) {
+    std::optional<SmbEntry> const entry = Stat(address);
+    if (!entry || entry->kind != ShellKind::File)
+        return nullptr;
+    std::lock_guard const lock(m_impl->mutex);
+    SMBCCTX *const context = m_impl->ContextFor(address.authority);
+    if (context == nullptr)
+        return nullptr;
+    SMBCFILE *const file = m_impl->library.open(context)(context, ToText(address).c_str(), O_RDONLY, 0);
+    return file == nullptr ? nullptr : new SmbFile{context, file, entry->times.size};
+}
+
+std::int64_t SmbClient::ReadFile(SmbFile &file, std::int64_t offset, void *to, std::size_t size) {
+    constexpr std::size_t kPiece = 1U << 20U; // others get the lock in between
+    std::size_t done = 0;
+    while (done < size) {
+        std::lock_guard const lock(m_impl->mutex);
+        std::int64_t const at = offset + static_cast<std::int64_t>(done);
+        if (file.position != at && m_impl->library.seek(file.context)(file.context, file.file, at, SEEK_SET) != at)
+            return -1;
+        file.position = -1; // unknown should the read fail
+        ssize_t const count = m_impl->library.read(file.context)(
+            file.context, file.file, static_cast<char *>(to) + done, std::min(size - done, kPiece));
+        if (count < 0)
+            return -1;
+        file.position = at + count;
+        if (count == 0)
+            break;
+        done += static_cast<std::size_t>(count);
+    }
+    return static_cast<std::int64_t>(done);
+}
+
+void SmbClient::CloseFile(SmbFile *file) {
+    if (file == nullptr)
+        return;
+    {
+        std::lock_guard const lock(m_impl->mutex);
+        m_impl->library.close(file->context)(file->context, file->file);
+    }
+    delete file;
+}
+
+std::int64_t SmbClient::SizeOf(SmbFile const &file) { return file.size; }
 
 DString ToText(SmbAddress const &address) {
     DString text = "smb://" + address.authority;

@@ -15,6 +15,9 @@ struct SmbEntry {
     FileTimes times; ///< only below shares
 };
 
+/// A file open on a server: a handle of `SmbClient`.
+struct SmbFile;
+
 /// Talks to file servers through libsmbclient, which is loaded at the first need.
 ///
 /// The library is not made for threads, so one lock guards every call; a server that does not take a connection within
@@ -32,6 +35,14 @@ public:
     bool List(SmbAddress const &address, std::function<bool(SmbEntry &&)> const &visit);
     /// What lies behind an address with a share in it; nothing if it is gone or the server does not answer.
     std::optional<SmbEntry> Stat(SmbAddress const &address);
+
+    /// Opens a plain file for reading; null if it cannot be. `CloseFile` ends it.
+    SmbFile *OpenFile(SmbAddress const &address);
+    /// Reads from `offset` on. The number of bytes, fewer than asked for only at the end; below 0 if it fails.
+    std::int64_t ReadFile(SmbFile &file, std::int64_t offset, void *to, std::size_t size);
+    void CloseFile(SmbFile *file);
+    /// Bytes when it was opened.
+    [[nodiscard]] static std::int64_t SizeOf(SmbFile const &file);
 
     SmbClient(SmbClient const &) = delete;
     SmbClient &operator=(SmbClient const &) = delete;

@@ -1,4 +1,4 @@
-#include "support/TestFiles.h"
+#include "support/LoopbackSamba.h"
 #include "zelvar/platform/os/LinuxShellNamespace.h"
 #include "zelvar/platform/os/SmbAddress.h"
 #include "zelvar/platform/os/TcpProbe.h"
@@ -8,12 +8,9 @@
 
 #include <chrono>
 #include <map>
-#include <thread>
 
 #include <arpa/inet.h>
-#include <signal.h>
 #include <sys/socket.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace zelvar::platform {
@@ -61,56 +58,6 @@ TEST(SmbFolder, AServerThatIsNotThereIsToldAtOnce) {
     EXPECT_FALSE(AcceptsConnections("no.such.host.invalid", 100));
 }
 
-/// A file server of our own on the loopback interface; it ends with the object.
-class LoopbackSamba {
-public:
-    /// False if the program is not installed.
-    bool Start() {
-        if (access(kServer, X_OK) != 0)
-            return false;
-        for (char const *place : {"share", "lock", "private", "state", "cache", "pid", "ncalrpc", "log"})
-            m_folder.Folder(place);
-        DString settings = "[global]\n interfaces = lo\n bind interfaces only = yes\n hosts allow = 127.0.0.0/8\n"
-                           " smb ports = 445\n map to guest = Bad User\n disable netbios = yes\n load printers = no\n"
-                           " disable spoolss = yes\n log file = " +
-                           (m_folder / "log/smbd") + "\n ncalrpc dir = " + (m_folder / "ncalrpc") + "\n";
-        for (char const *place : {"lock", "private", "state", "cache", "pid"})
-            settings += DString(" ") + (DString(place) == "private" ? "private dir" : place + DString(" directory")) +
-                        " = " + (m_folder / place) + "\n";
-        settings += "[pub]\n path = " + (m_folder / "share") +
-                    "\n guest ok = yes\n force user = root\n"
-                    "[secret$]\n path = " +
-                    (m_folder / "share") + "\n guest ok = yes\n";
-        DString const file = m_folder.Write("smb.conf", settings);
-        m_process = fork();
-        if (m_process == 0) {
-            setpgid(0, 0); // when it ends, it ends its whole process group
-            execl(kServer, kServer, "-F", "--no-process-group", "-s", file.c_str(), static_cast<char *>(nullptr));
-            _exit(127);
-        }
-        return true;
-    }
-    ~LoopbackSamba() {
-        if (m_process > 0) {
-            kill(m_process, SIGTERM);
-            waitpid(m_process, nullptr, 0);
-        }
-    }
-    /// Waits until it takes connections; false if it ends first.
-    [[nodiscard]] bool IsReady() const {
-        for (int status = 0; waitpid(m_process, &status, WNOHANG) == 0; std::this_thread::yield())
-            if (AcceptsConnections("127.0.0.1", 100))
-                return true;
-        return false;
-    }
-    [[nodiscard]] test::TempFolder const &Folder() const { return m_folder; }
-
-private:
-    static constexpr char const *kServer = "/usr/sbin/smbd";
-    test::TempFolder m_folder;
-    pid_t m_process = -1;
-};
-
 std::map<DString, std::int64_t> SizesIn(LinuxShellNamespace const &shell, DString const &address) {
     std::map<DString, std::int64_t> sizes;
     EXPECT_TRUE(shell.Enumerate(shell.Parse(address), ShellNamespace::Purpose::Browse, [&](ShellChild &&child) {
@@ -121,8 +68,8 @@ std::map<DString, std::int64_t> SizesIn(LinuxShellNamespace const &shell, DStrin
 }
 
 TEST(SmbFolder, SharesAndFilesOfARealServerAreListed) {
-    LoopbackSamba samba;
-    if (geteuid() != 0 || !samba.Start())
+    test::LoopbackSamba samba;
+    if (!samba.Start())
         GTEST_SKIP() << "no file server can be started here";
     samba.Folder().Write("share/folder/a b%\xC3\xA9.tif", "123");
     samba.Folder().Write("share/folder/.hidden", "1");

@@ -1,0 +1,215 @@
+#include "support/HttpServer.h"
+#include "support/ImageFiles.h"
+#include "support/LoopbackSamba.h"
+#include "zelvar/data/BDIDrvrMngr.h"
+#include "zelvar/data/ImageReader.h"
+#include "zelvar/data/gdal/GdalDrivers.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <map>
+
+namespace zelvar {
+namespace {
+
+class Network : public testing::Test {
+protected:
+    Network() {
+        SetDriverProvider(&RegisterGdalDrivers);
+        BDIDrvrMngr::Instance()->Drivers();
+    }
+    std::string Bytes(test::ImageSpec const &spec, std::vector<int> const &overviews = {}) {
+        test::WriteImage(m_folder / "source.tif", spec, overviews);
+        return test::ReadFile(m_folder / "source.tif");
+    }
+    /// Names and types of the children, and their paths.
+    struct Child {
+        std::uint32_t type = 0;
+        DString path;
+    };
+    static std::map<DString, Child> ChildrenOf(DString const &url, DString const &inner = {}) {
+        std::map<DString, Child> children;
+        BDIDrvr *driver = nullptr;
+        BDINode *root = nullptr;
+        void *repository = BDIDrvrMngr::Instance()->OpenFile(url.c_str(), &driver, &root, nullptr, nullptr);
+        if (repository == nullptr)
+            return children;
+        for (int level = inner.empty() ? 1 : 0; level < 2; ++level) {
+            children.clear();
+            void *const find = driver->FindFirstChildNode(repository, root, 0xFF);
+            for (BDINode const *child = find == nullptr ? nullptr : driver->FindNextChildNode(find); child != nullptr;
+                 child = driver->FindNextChildNode(find))
+                children[child->name] = {child->type, child->path};
+            if (find != nullptr)
+                driver->FindClose(find);
+            if (level == 0) {
+                driver->CloseNode(root);
+                root = driver->OpenNode(repository, children[inner].path.c_str());
+                if (root == nullptr)
+                    break;
+            }
+        }
+        driver->CloseNode(root);
+        driver->CloseRepository(repository);
+        return children;
+    }
+    test::TempFolder m_folder;
+    test::HttpServer m_server;
+};
+
+TEST_F(Network, APreviewOverTheWebReadsOnlyWhatItNeeds) {
+    std::string const bytes = Bytes({.width = 3000, .height = 3000, .options = {"TILED=YES"}}, {2, 4, 8});
+    m_server.Serve("/a%20b/big.tif", bytes);
+    DCanvas picture;
+    ASSERT_TRUE(ReadPreview({m_server.Url() + "/a b/big.tif", nullptr}, "", nullptr, picture));
+    EXPECT_EQ(picture.GetWidth(), 1024);
+    EXPECT_LT(m_server.BytesSent(), bytes.size() / 2);
+    EXPECT_LE(m_server.Requests().size(), 12U);
+    for (std::string const &request : m_server.Requests())
+        EXPECT_NE(request.find("/a%20b/big.tif"), std::string::npos) << "asked for a side file: " << request;
+    ImageInfo info;
+    EXPECT_FALSE(ReadImageInfo({m_server.Url() + "/missing.tif", nullptr}, "", nullptr, info));
+}
+
+TEST_F(Network, PagesOfATiffOnAServerOpenByTheirNodes) {
+    test::WritePages(m_folder / "pages.tif", 2);
+    m_server.Serve("/pages.tif", test::ReadFile(m_folder / "pages.tif"));
+    auto const pages = ChildrenOf(m_server.Url() + "/pages.tif");
+    ASSERT_EQ(pages.size(), 2U);
+    ImageInfo info;
+    for (auto const &[name, page] : pages)
+        EXPECT_TRUE(ReadImageInfo({page.path, nullptr}, "", nullptr, info)) << page.path;
+}
+
+TEST_F(Network, AListingOfAWebServerIsATree) {
+    std::string const page = "<html><head><title>Index of /data/</title></head><body><h1>Index of /data/</h1><pre>"
+                             "<a href=\"../\">../</a>\n"
+                             "<a href=\"inner/\">inner/</a>  01-Jan-2024 10:00    -\n"
+                             "<a href=\"v1.2/\">v1.2/</a>  01-Jan-2024 10:00    -\n"
+                             "<a href=\"a%20b.tif\">a b.tif</a>  01-Jan-2024 10:00    1234\n"
+                             "<a href=\"text.txt\">text.txt</a>  01-Jan-2024 10:00    1234\n"
+                             "</pre></body></html>";
+    m_server.Serve("/data/", page, "text/html");
+    m_server.Serve("/data/a%20b.tif", Bytes({}));
+    auto const children = ChildrenOf(m_server.Url() + "/data/");
+    ASSERT_EQ(children.size(), 3U);
+    EXPECT_EQ(children.at("v1.2").type, static_cast<std::uint32_t>(BDINode_Folder));
+    EXPECT_EQ(children.at("inner").type, static_cast<std::uint32_t>(BDINode_Folder));
+    EXPECT_EQ(children.at("a b.tif").path, m_server.Url() + "/data/a%20b.tif");
+    ImageInfo info;
+    EXPECT_TRUE(ReadImageInfo({children.at("a b.tif").path, nullptr}, "", nullptr, info));
+}
+
+TEST_F(Network, AnArchiveOnAServerIsATree) {
+    test::WriteImage(m_folder / "a.tif");
+    test::WriteZip(m_folder / "x.zip", {{"in/a.tif", m_folder / "a.tif"}});
+    m_server.Serve("/x.zip", test::ReadFile(m_folder / "x.zip"));
+    auto const children = ChildrenOf(m_server.Url() + "/x.zip", "in");
+    ASSERT_EQ(children.size(), 1U);
+    ImageInfo info;
+    EXPECT_TRUE(ReadImageInfo({children.at("a.tif").path, nullptr}, "", nullptr, info)) << children.at("a.tif").path;
+}
+
+TEST_F(Network, AServerThatHangsIsGivenUp) {
+    setenv("GDAL_HTTP_TIMEOUT", "1", 1);
+    m_server.Hang();
+    ImageInfo info;
+    auto const start = std::chrono::steady_clock::now();
+    EXPECT_FALSE(ReadImageInfo({m_server.Url() + "/a.tif", nullptr}, "", nullptr, info));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(15));
+    unsetenv("GDAL_HTTP_TIMEOUT");
+}
+
+/// A file whose content asks to be fetched from HOST.
+struct Lure {
+    char const *name;
+    char const *content;
+};
+constexpr Lure kLures[] = {
+    {"evil.tif", R"(<GDAL_WMS><Service name="TMS"><ServerUrl>HOST/${z}/${x}/${y}.png</ServerUrl></Service><DataWindow>
+<UpperLeftX>-20037508</UpperLeftX><UpperLeftY>20037508</UpperLeftY><LowerRightX>20037508</LowerRightX>
+<LowerRightY>-20037508</LowerRightY><TileLevel>2</TileLevel><TileCountX>1</TileCountX><TileCountY>1</TileCountY>
+</DataWindow><BlockSizeX>256</BlockSizeX><BlockSizeY>256</BlockSizeY><BandsCount>3</BandsCount></GDAL_WMS>)"},
+    {"evil.xml", "<WMS_Tile_Service>HOST</WMS_Tile_Service>"},
+    {"wcs.tif", "<WCS_GDAL><ServiceURL>HOST/?</ServiceURL><CoverageName>a</CoverageName></WCS_GDAL>"},
+    {"wmts.tif", "<GDAL_WMTS><GetCapabilitiesUrl>HOST/caps</GetCapabilitiesUrl></GDAL_WMTS>"},
+    {"vrt.tif", R"(<VRTDataset rasterXSize="10" rasterYSize="10"><VRTRasterBand dataType="Byte" band="1"><SimpleSource>
+<SourceFilename>/vsicurl/HOST/a.tif</SourceFilename><SourceBand>1</SourceBand></SimpleSource></VRTRasterBand>
+</VRTDataset>)"},
+    {"ovf.json", R"(<OGRVRTDataSource><OGRVRTLayer name="a"><SrcDataSource>HOST/a.json</SrcDataSource></OGRVRTLayer>
+</OGRVRTDataSource>)"},
+    {"wfs.gml", "<OGRWFSDataSource><URL>HOST/wfs?</URL></OGRWFSDataSource>"},
+    {"data.gml", R"(<?xml version="1.0"?><!DOCTYPE a SYSTEM "HOST/a.dtd"><gml:FeatureCollection
+xmlns:gml="http://www.opengis.net/gml" xmlns:xlink="http://www.w3.org/1999/xlink"
+xmlns:xsi="http://www.w3.org/2001/XMLSchema-instance"
+xsi:schemaLocation="x HOST/a.xsd?SERVICE=WFS&amp;VERSION=1.0.0&amp;REQUEST=DescribeFeatureType"><gml:featureMember>
+<a gml:id="a"><gml:pointProperty xlink:href="HOST/point#1"/></a></gml:featureMember></gml:FeatureCollection>)"},
+    {"links.kml", R"(<kml xmlns="http://www.opengis.net/kml/2.2"><Document><NetworkLink><Link><href>HOST/a.kml</href>
+</Link></NetworkLink><GroundOverlay><Icon><href>HOST/a.png</href></Icon></GroundOverlay></Document></kml>)"},
+    {"cache.mrf", R"(<MRF_META><CachedSource><Source>/vsicurl/HOST/a.tif</Source></CachedSource><Raster>
+<Size x="10" y="10"/></Raster></MRF_META>)"},
+    {"stac.json", R"({"type":"FeatureCollection","stac_version":"1.0.0","features":[{"type":"Feature",
+"stac_version":"1.0.0","assets":{"a":{"href":"HOST/a.tif"}}}]})"},
+    // Its data file is the first of this list.
+    {"a.ers", "DatasetHeader Begin\n\tVersion\t= \"5\"\n\tDataFile\t= \"evil.tif\"\n\tDataSetType\t= Translated\n"
+              "RasterInfo Begin\n\tCellType\t= Unsigned8BitInteger\n\tNrOfLines\t= 256\n\tNrOfCellsPerLine\t= 256\n"
+              "\tNrOfBands\t= 3\nRasterInfo End\nDatasetHeader End\n"},
+};
+
+DString WithHost(DString text, DString const &host) {
+    for (std::size_t at = text.find("HOST"); at != DString::npos; at = text.find("HOST", at + host.size()))
+        text.replace(at, 4, host);
+    return text;
+}
+
+TEST_F(Network, AFileThatDescribesAServiceAsksNobody) {
+    for (Lure const &lure : kLures) {
+        DString const path = m_folder.Write(lure.name, WithHost(lure.content, m_server.Url()));
+        ImageInfo info;
+        DCanvas picture;
+        std::ignore = ReadImageInfo({path, nullptr}, "", nullptr, info);
+        std::ignore = ReadPreview({path, nullptr}, "", nullptr, picture);
+        std::ignore = ChildrenOf(path);
+        EXPECT_EQ(m_server.Connections(), 0) << lure.name;
+    }
+}
+
+TEST_F(Network, ATextThatNamesAServiceAsksNobody) {
+    for (char const *text : {"WMS:HOST/wms", "WFS:HOST/wfs", "NETCDF:HOST/a.nc", kLures[0].content,
+                             "PG:host=127.0.0.1 port=PORT", "CSW:HOST/csw"}) {
+        DString moniker = WithHost(text, m_server.Url());
+        if (std::size_t const at = moniker.find("PORT"); at != DString::npos)
+            moniker.replace(at, 4, std::to_string(m_server.Port()));
+        ImageInfo info;
+        EXPECT_FALSE(ReadImageInfo({moniker, nullptr}, "", nullptr, info));
+        EXPECT_TRUE(ChildrenOf(moniker).empty());
+        EXPECT_EQ(m_server.Connections(), 0) << text;
+    }
+}
+
+TEST_F(Network, AShareOnAFileServerIsATree) {
+    test::LoopbackSamba samba;
+    if (!samba.Start()) {
+        // Without a server an address that nobody answers must at least be told at once.
+        EXPECT_TRUE(ChildrenOf("smb://127.0.0.1:1/pub").empty());
+        return;
+    }
+    test::WriteImage(samba.Folder() / "share/a b\xC3\xA4.tif", {.width = 33});
+    samba.Folder().Folder("share/inner");
+    test::WritePages(samba.Folder() / "share/pages.tif", 2);
+    ASSERT_TRUE(samba.IsReady());
+    auto const children = ChildrenOf("smb://127.0.0.1/pub");
+    ASSERT_EQ(children.size(), 3U);
+    EXPECT_EQ(children.at("inner").type, static_cast<std::uint32_t>(BDINode_Folder));
+    ImageInfo info;
+    ASSERT_TRUE(ReadImageInfo({children.at("a b\xC3\xA4.tif").path, nullptr}, "", nullptr, info));
+    EXPECT_EQ(info.width, 33);
+    EXPECT_EQ(ChildrenOf("smb://127.0.0.1/pub/pages.tif").size(), 2U);
+    EXPECT_FALSE(ReadImageInfo({"smb://127.0.0.1/pub/missing.tif", nullptr}, "", nullptr, info));
+    EXPECT_TRUE(ChildrenOf("smb://127.0.0.1").contains("pub"));
+}
+
+} // namespace
+} // namespace zelvar

@@ -1,0 +1,160 @@
+#include "support/HttpServer.h"
+
+#include <algorithm>
+#include <array>
+#include <stdexcept>
+
+#include <arpa/inet.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace zelvar::test {
+
+namespace {
+
+void SendAll(int connection, std::string const &text) {
+    std::size_t done = 0;
+    while (done < text.size()) {
+        ssize_t const count = send(connection, text.data() + done, text.size() - done, MSG_NOSIGNAL);
+        if (count <= 0)
+            return;
+        done += static_cast<std::size_t>(count);
+    }
+}
+
+/// The value of a header line, its name in any case; empty if it is not there.
+std::string HeaderOf(std::string const &request, std::string const &name) {
+    for (std::size_t at = request.find("\r\n"); at != std::string::npos; at = request.find("\r\n", at + 2)) {
+        std::string const line = request.substr(at + 2, request.find("\r\n", at + 2) - at - 2);
+        bool const same =
+            line.size() > name.size() && line[name.size()] == ':' &&
+            std::equal(name.begin(), name.end(), line.begin(), [](char a, char b) { return (a | 0x20) == (b | 0x20); });
+        if (same)
+            return line.substr(line.find_first_not_of(' ', name.size() + 1));
+    }
+    return {};
+}
+
+/// Waits until something can be read; false once the pipe's other end is closed.
+bool AwaitReadable(int descriptor, int wake) {
+    std::array<pollfd, 2> waits{pollfd{descriptor, POLLIN, 0}, pollfd{wake, POLLIN, 0}};
+    while (poll(waits.data(), waits.size(), -1) < 0)
+        continue;
+    return waits[1].revents == 0;
+}
+
+} // namespace
+
+HttpServer::HttpServer() {
+    m_listener = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t size = sizeof address;
+    auto *const raw = reinterpret_cast<sockaddr *>(&address);
+    if (m_listener < 0 || bind(m_listener, raw, size) != 0 || listen(m_listener, 16) != 0 ||
+        getsockname(m_listener, raw, &size) != 0 || pipe(m_wake) != 0)
+        throw std::runtime_error("no server on the loopback interface");
+    m_port = ntohs(address.sin_port);
+    m_thread = std::thread([this] { Run(); });
+}
+
+HttpServer::~HttpServer() {
+    close(m_wake[1]);
+    m_thread.join();
+    close(m_wake[0]);
+    close(m_listener);
+}
+
+std::string HttpServer::Url() const { return "http://127.0.0.1:" + std::to_string(m_port); }
+
+void HttpServer::Serve(std::string const &path, std::string bytes, std::string const &type) {
+    std::lock_guard const lock(m_mutex);
+    m_resources[path] = {std::move(bytes), type};
+}
+
+std::vector<std::string> HttpServer::Requests() const {
+    std::lock_guard const lock(m_mutex);
+    return m_requests;
+}
+
+void HttpServer::Run() {
+    while (AwaitReadable(m_listener, m_wake[0])) {
+        int const connection = accept4(m_listener, nullptr, nullptr, SOCK_CLOEXEC);
+        if (connection < 0)
+            continue;
+        ++m_connections;
+        m_talks.emplace_back([this, connection] {
+            Talk(connection);
+            close(connection);
+        });
+    }
+    for (std::thread &talk : m_talks)
+        talk.join();
+}
+
+void HttpServer::Talk(int connection) {
+    std::string received;
+    while (AwaitReadable(connection, m_wake[0])) {
+        std::array<char, 4096> part{};
+        ssize_t const count = recv(connection, part.data(), part.size(), 0);
+        if (count <= 0)
+            return;
+        received.append(part.data(), static_cast<std::size_t>(count));
+        for (std::size_t end = received.find("\r\n\r\n"); end != std::string::npos; end = received.find("\r\n\r\n")) {
+            std::string const request = received.substr(0, end + 2);
+            received.erase(0, end + 4);
+            if (!Answer(connection, request))
+                return;
+        }
+    }
+}
+
+bool HttpServer::Answer(int connection, std::string const &request) {
+    std::string const line = request.substr(0, request.find(" HTTP"));
+    Resource resource;
+    bool found = false;
+    {
+        std::lock_guard const lock(m_mutex);
+        m_requests.push_back(line);
+        auto const at = m_resources.find(line.substr(line.find(' ') + 1));
+        if (at != m_resources.end()) {
+            resource = at->second;
+            found = true;
+        }
+    }
+    if (m_hangs)
+        return true;
+    if (!found) {
+        SendAll(connection, "HTTP/1.1 404 Not Found\r\nContent-Length: 0\r\n\r\n");
+        return true;
+    }
+    std::size_t first = 0;
+    std::size_t last = resource.bytes.empty() ? 0 : resource.bytes.size() - 1;
+    std::string const range = HeaderOf(request, "Range");
+    if (range.starts_with("bytes=")) {
+        first = std::stoul(range.substr(6));
+        if (std::string const to = range.substr(range.find('-') + 1); !to.empty())
+            last = std::min<std::size_t>(last, std::stoul(to));
+        if (first > last) {
+            SendAll(connection, "HTTP/1.1 416 Range Not Satisfiable\r\nContent-Length: 0\r\n\r\n");
+            return true;
+        }
+    }
+    std::string const body = resource.bytes.substr(first, last - first + 1);
+    std::string head = range.empty() ? "HTTP/1.1 200 OK\r\n" : "HTTP/1.1 206 Partial Content\r\n";
+    if (!range.empty())
+        head += "Content-Range: bytes " + std::to_string(first) + "-" + std::to_string(last) + "/" +
+                std::to_string(resource.bytes.size()) + "\r\n";
+    head += "Accept-Ranges: bytes\r\nContent-Type: " + resource.type +
+            "\r\nContent-Length: " + std::to_string(body.size()) + "\r\n\r\n";
+    SendAll(connection, head);
+    if (!line.starts_with("HEAD")) {
+        SendAll(connection, body);
+        m_bytesSent += body.size();
+    }
+    return true;
+}
+
+} // namespace zelvar::test

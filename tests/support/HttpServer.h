@@ -1,0 +1,59 @@
+#pragma once
+
+#include <atomic>
+#include <functional>
+#include <map>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace zelvar::test {
+
+/// A small web server on the loopback interface that knows ranges. It serves what a test gives it and tells what it was
+/// asked for. It ends with the object.
+class HttpServer {
+public:
+    HttpServer();
+    ~HttpServer();
+    HttpServer(HttpServer const &) = delete;
+    HttpServer &operator=(HttpServer const &) = delete;
+
+    /// "http://127.0.0.1:<port>", without a separator at its end.
+    [[nodiscard]] std::string Url() const;
+    [[nodiscard]] int Port() const { return m_port; }
+    /// `path` as it stands in a request, from "/" on.
+    void Serve(std::string const &path, std::string bytes, std::string const &type = "application/octet-stream");
+    /// Takes connections and requests, and never answers.
+    void Hang() { m_hangs = true; }
+
+    /// Lines such as "GET /a.tif" in the order of their coming.
+    [[nodiscard]] std::vector<std::string> Requests() const;
+    /// Bytes of bodies sent so far.
+    [[nodiscard]] std::size_t BytesSent() const { return m_bytesSent; }
+    /// Connections taken so far, with or without a request.
+    [[nodiscard]] int Connections() const { return m_connections; }
+
+private:
+    struct Resource {
+        std::string bytes;
+        std::string type;
+    };
+    void Run();
+    void Talk(int connection);
+    bool Answer(int connection, std::string const &request);
+
+    int m_listener = -1;
+    int m_port = 0;
+    int m_wake[2] = {-1, -1}; ///< a pipe; its end ends all waits
+    std::atomic<bool> m_hangs{false};
+    std::atomic<std::size_t> m_bytesSent{0};
+    std::atomic<int> m_connections{0};
+    mutable std::mutex m_mutex; ///< guards the two below
+    std::map<std::string, Resource> m_resources;
+    std::vector<std::string> m_requests;
+    std::vector<std::thread> m_talks; ///< of the thread that runs only
+    std::thread m_thread;
+};
+
+} // namespace zelvar::test
