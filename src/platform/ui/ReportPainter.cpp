@@ -50,13 +50,12 @@ void DrawListPicture(QPainter &painter, Point corner, HIMAGELIST list, int index
 }
 
 void DrawFocusRect(QPainter &painter, Rect const &rect, ColorRef color) {
-    QPen pen(ToQColor(color), 1, Qt::CustomDashLine);
-    pen.setDashPattern({1, 1});
-    painter.save();
-    painter.setPen(pen);
-    painter.setBrush(Qt::NoBrush);
-    painter.drawRect(ToQRect(rect).adjusted(0, 0, -1, -1));
-    painter.restore();
+    QBrush const dots(ToQColor(color), Qt::Dense4Pattern);
+    QRect const frame = ToQRect(rect);
+    painter.fillRect(QRect(frame.left(), frame.top(), frame.width(), 1), dots);
+    painter.fillRect(QRect(frame.left(), frame.bottom(), frame.width(), 1), dots);
+    painter.fillRect(QRect(frame.left(), frame.top(), 1, frame.height()), dots);
+    painter.fillRect(QRect(frame.right(), frame.top(), 1, frame.height()), dots);
 }
 
 TextMeasure::TextMeasure(QFontMetrics const &metrics) : m_metrics(metrics) {
