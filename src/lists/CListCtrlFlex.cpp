@@ -258,13 +258,11 @@ void CListCtrlFlex::EraseBackground(QPainter &painter, Rect const &area) const {
     painter.fillRect(ToQRect({area.left, area.top, area.right + 1, area.bottom + 1}), ToQColor(m_bkColor));
 }
 
-int CListCtrlFlex::MeasureCell(int row, int col, int widest) const {
+int CListCtrlFlex::MeasureCell(int row, int col) const {
     FlexRow const *const record = Record(row);
     int const indent = record == nullptr || col != 0 ? 0 : record->indent;
     if (record == nullptr || record->font == nullptr)
-        return ReportView::MeasureCell(row, col, widest - indent) + indent;
-    platform::ReportColumn column;
-    std::ignore = GetColumn(col, column);
+        return ReportView::MeasureCell(row, col) + indent;
     QFontMetrics const metrics(*record->font);
     return metrics.horizontalAdvance(ShownText(row, col)) + CellMargins(row, col) + indent;
 }

@@ -74,7 +74,7 @@ Q_SIGNALS:
 protected:
     void DrawItem(platform::DrawItemStruct const &item) override;
     void EraseBackground(QPainter &painter, Rect const &area) const override;
-    [[nodiscard]] int MeasureCell(int row, int col, int widest) const override;
+    [[nodiscard]] int MeasureCell(int row, int col) const override;
     bool OnColumnClick(int col) override;
     bool OnDblClick(platform::ReportHit hit, Point point) override;
     void OnMouseMove(Point point) override { OnSetCursor(point); }

@@ -116,6 +116,8 @@ bool ColumnArea::GetColumn(int col, ReportColumn &column) const {
     return true;
 }
 
+int ColumnArea::GetColumnSubItem(int col) const { return m_model->Has(col) ? m_model->At(col).subItem : col; }
+
 bool ColumnArea::SetColumnCaption(int col, DString const &caption) {
     if (!m_model->Has(col))
         return false;

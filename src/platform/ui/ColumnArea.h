@@ -28,6 +28,7 @@ public:
     [[nodiscard]] int GetColumnCount() const;
     /// False if there is no such column.
     bool GetColumn(int col, ReportColumn &column) const;
+    [[nodiscard]] int GetColumnSubItem(int col) const; ///< `col` itself for no such column
     bool SetColumnCaption(int col, DString const &caption);
     bool SetColumnFormat(int col, int format);
     [[nodiscard]] int GetColumnWidth(int col) const; ///< 0 for no such column

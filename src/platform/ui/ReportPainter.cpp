@@ -8,6 +8,7 @@
 #include <QtGui/QPainter>
 
 #include <algorithm>
+#include <cmath>
 
 namespace zelvar::platform {
 
@@ -58,21 +59,20 @@ void DrawFocusRect(QPainter &painter, Rect const &rect, ColorRef color) {
     painter.fillRect(QRect(frame.right(), frame.top(), 1, frame.height()), dots);
 }
 
-TextMeasure::TextMeasure(QFontMetrics const &metrics) : m_metrics(metrics) {
+TextMeasure::TextMeasure(QFont const &font) : m_metrics(font) {
     for (std::size_t i = 0; i < m_advances.size(); ++i)
         m_advances[i] = m_metrics.horizontalAdvance(QChar(static_cast<char16_t>(i)));
 }
 
-int TextMeasure::Width(std::string_view text, int widest) const {
-    // Letters one by one make nearly the width of the whole; kerning moves it by far less than an eighth.
-    int sum = 0;
+int TextMeasure::Width(std::string_view text) const {
+    qreal sum = 0;
     for (char const c : text) {
         auto const byte = static_cast<unsigned char>(c);
         if (byte >= m_advances.size())
-            return m_metrics.horizontalAdvance(ToQString(text));
+            return static_cast<int>(std::ceil(m_metrics.horizontalAdvance(ToQString(text))));
         sum += m_advances[byte];
     }
-    return sum + sum / 8 <= widest ? widest : m_metrics.horizontalAdvance(ToQString(text));
+    return static_cast<int>(std::ceil(sum));
 }
 
 } // namespace zelvar::platform

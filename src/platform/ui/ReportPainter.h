@@ -32,17 +32,18 @@ void DrawListPicture(QPainter &painter, Point corner, HIMAGELIST list, int index
 /// The dotted frame of the row that has the focus.
 void DrawFocusRect(QPainter &painter, Rect const &rect, ColorRef color);
 
-/// Widest of many texts, without measuring those that cannot be it.
+/// Widths of very many texts: those of plain ASCII are summed up letter by letter instead of being laid out. Kerning,
+/// which that leaves out, makes texts narrower rather than wider.
 class TextMeasure {
 public:
-    explicit TextMeasure(QFontMetrics const &metrics);
+    explicit TextMeasure(QFont const &font);
 
-    /// The text's width, or anything not above `widest` for a text that is surely no wider than that.
-    [[nodiscard]] int Width(std::string_view text, int widest) const;
+    /// Pixels.
+    [[nodiscard]] int Width(std::string_view text) const;
 
 private:
-    QFontMetrics m_metrics;
-    std::array<int, 128> m_advances{}; ///< of the ASCII characters
+    QFontMetricsF m_metrics;
+    std::array<qreal, 128> m_advances{}; ///< of the ASCII characters
 };
 
 } // namespace zelvar::platform

@@ -279,10 +279,7 @@ void ReportView::SetImageList(HIMAGELIST list) {
     UpdateRowHeight();
 }
 
-QString ReportView::ShownText(int row, int col) const {
-    ReportColumn column;
-    return ToQString(GetItemText(row, GetColumn(col, column) ? column.subItem : col));
-}
+QString ReportView::ShownText(int row, int col) const { return ToQString(GetItemText(row, GetColumnSubItem(col))); }
 
 // --- what happens, unless a derived class sees to it ---
 

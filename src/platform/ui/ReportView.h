@@ -96,9 +96,8 @@ protected:
     virtual void EraseBackground(QPainter &painter, Rect const &area) const;
     virtual void DrawItem(DrawItemStruct const &item);
     virtual void OnGetDispInfo(DispInfo &info) const;
-    /// Pixels that a cell needs, image, indent and margins included. `widest` is the widest cell so far: a cell that
-    /// is surely narrower need not be measured.
-    [[nodiscard]] virtual int MeasureCell(int row, int col, int widest) const;
+    /// Pixels that a cell needs, image, indent and margins included.
+    [[nodiscard]] virtual int MeasureCell(int row, int col) const;
 
     [[nodiscard]] int CellMargins(int row, int col) const; ///< what `MeasureCell` leaves beside the text
 

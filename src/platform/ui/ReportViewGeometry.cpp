@@ -163,19 +163,16 @@ int ReportView::ContentWidth(int col) const {
     int const last = IsVirtual() ? std::min(first + GetCountPerPage() + 1, GetItemCount()) : GetItemCount();
     int widest = 0;
     for (int row = first; row < last; ++row)
-        widest = std::max(widest, MeasureCell(row, col, widest));
+        widest = std::max(widest, MeasureCell(row, col));
     return widest;
 }
 
 int ReportView::CellMargins(int row, int col) const { return LabelLeft(row, col) + kCellMargins; }
 
-int ReportView::MeasureCell(int row, int col, int widest) const {
+int ReportView::MeasureCell(int row, int col) const {
     if (!m_measure)
-        m_measure.emplace(fontMetrics());
-    ReportColumn column;
-    std::ignore = GetColumn(col, column);
-    int const around = CellMargins(row, col);
-    return m_measure->Width(GetItemText(row, column.subItem), widest - around) + around;
+        m_measure.emplace(font());
+    return m_measure->Width(GetItemText(row, GetColumnSubItem(col))) + CellMargins(row, col);
 }
 
 void ReportView::resizeEvent(QResizeEvent *event) {
