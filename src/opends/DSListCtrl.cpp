@@ -334,7 +334,7 @@ QString DSListCtrl::ShownText(int row, int col) const {
     return item == nullptr ? QString() : platform::ToQString(CellText(*item, col));
 }
 
-int DSListCtrl::MeasureCell(int row, int col, int) const {
+int DSListCtrl::MeasureCell(int row, int col) const {
     int const text = fontMetrics().horizontalAdvance(ShownText(row, col)) + 2 * kCellInset;
     return col == kName ? text + kPictureBand : text;
 }

@@ -86,7 +86,7 @@ protected:
     void OnChar(QChar character) override;
     void timerEvent(QTimerEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
-    [[nodiscard]] int MeasureCell(int row, int col, int widest) const override;
+    [[nodiscard]] int MeasureCell(int row, int col) const override;
 
 private:
     using Rows = std::vector<RefItemPtr<DataSourceItem>>;
