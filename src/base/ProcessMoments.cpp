@@ -12,7 +12,7 @@ namespace {
 
 struct Registry {
     Registry() {
-        pthread_atfork([] { Get().BeforeFork(); }, [] { Get().AfterFork(false); }, [] { Get().AfterFork(true); });
+        pthread_atfork([] { Get().BeforeFork(); }, [] { Get().AfterFork(); }, [] { Get().AfterFork(); });
         std::atexit([] { Get().BeforeExit(); });
     }
     static Registry &Get() {
@@ -25,9 +25,9 @@ struct Registry {
         for (ProcessMoments *object : objects)
             object->BeforeFork();
     }
-    void AfterFork(bool inChild) {
+    void AfterFork() {
         for (ProcessMoments *object : objects)
-            object->AfterFork(inChild);
+            object->AfterFork();
         mutex.unlock();
     }
     void BeforeExit() {

@@ -10,7 +10,7 @@ public:
 
     /// On the forking thread; nothing of the object may be under way until `AfterFork`.
     virtual void BeforeFork() = 0;
-    virtual void AfterFork(bool inChild) = 0;
+    virtual void AfterFork() = 0; ///< in the parent and in the child, on the same thread
     /// The process ends. The object may still be used by static objects that end later.
     virtual void BeforeExit() = 0;
 

@@ -5,9 +5,10 @@
 #include "zelvar/base/ProcessMoments.h"
 #include "zelvar/base/SettingsDatabase.h"
 
+#include <atomic>
 #include <map>
 #include <mutex>
-#include <new>
+#include <thread>
 #include <utility>
 
 namespace zelvar {
@@ -19,6 +20,30 @@ using Outcome = SettingsDatabase::Outcome;
 
 /// Without separators at the ends, none doubled.
 DString NormalKey(DString const &key) { return JoinNotEmpty(Split(key, '\\'), '\\'); }
+
+/// A lock that its thread may take again. Unlike the library's it may be released in the child of a fork: there the
+/// thread that forked is another one for the system, but the same for itself.
+class ForkableMutex {
+public:
+    void lock() {
+        if (m_owner.load(std::memory_order_relaxed) != std::this_thread::get_id()) {
+            m_mutex.lock();
+            m_owner.store(std::this_thread::get_id(), std::memory_order_relaxed);
+        }
+        ++m_count;
+    }
+    void unlock() {
+        if (--m_count > 0)
+            return;
+        m_owner.store(std::thread::id(), std::memory_order_relaxed);
+        m_mutex.unlock();
+    }
+
+private:
+    std::mutex m_mutex;
+    std::atomic<std::thread::id> m_owner{}; ///< only its own thread ever finds itself here
+    int m_count = 0;                        ///< guarded by `m_mutex`
+};
 
 } // namespace
 
@@ -34,12 +59,7 @@ struct SettingsStore::Impl final : ProcessMoments {
         if (depth == 0)
             database.CloseQuickly();
     }
-    void AfterFork(bool inChild) override {
-        if (inChild)
-            new (&mutex) std::recursive_mutex; // its owner was a thread of the parent
-        else
-            mutex.unlock();
-    }
+    void AfterFork() override { mutex.unlock(); }
     void BeforeExit() override {
         std::lock_guard const lock(mutex);
         if (depth == 0)
@@ -98,7 +118,7 @@ struct SettingsStore::Impl final : ProcessMoments {
         return outcome;
     }
 
-    std::recursive_mutex mutex;
+    ForkableMutex mutex;
     SettingsDatabase database;
     int depth = 0;       ///< transactions of `Transact`, one inside the other
     bool failed = false; ///< a write of the innermost one failed

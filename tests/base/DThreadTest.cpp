@@ -69,20 +69,13 @@ TEST(DThread, AnExceptionEndsTheWorkerAndNothingElse) {
 }
 
 TEST(DThread, AnAbandonedWorkerGoesOnByItself) {
-    struct Left : DThread {
-        void Run() override {
-            go.get_future().wait();
-            ended.set_value_at_thread_exit();
-        }
-        std::promise<void> go;
-        std::promise<void> ended;
-    };
-    static std::vector<std::unique_ptr<Left>> left; // an abandoned worker must outlive its thread
-    Left &worker = *left.emplace_back(std::make_unique<Left>());
+    static std::vector<std::unique_ptr<Gate>> left; // an abandoned worker must outlive its thread
+    Gate &worker = *left.emplace_back(std::make_unique<Gate>());
     ASSERT_TRUE(worker.Start());
     worker.Abandon();
-    worker.go.set_value();
-    EXPECT_EQ(worker.ended.get_future().wait_for(10s), std::future_status::ready);
+    EXPECT_TRUE(worker.IsRunning());
+    worker.Open();
+    EXPECT_TRUE(worker.Wait(10s));
 }
 
 TEST(DMutex, MayBeLockedAgainByItsThread) {
