@@ -33,10 +33,10 @@ public:
         return index < m_values.size() ? m_values[index] : (Spare() = T{}, Spare());
     }
 
-    auto begin() { return m_values.begin(); }
-    auto end() { return m_values.end(); }
-    auto begin() const { return m_values.begin(); }
-    auto end() const { return m_values.end(); }
+    [[nodiscard]] auto begin() { return m_values.begin(); }
+    [[nodiscard]] auto end() { return m_values.end(); }
+    [[nodiscard]] auto begin() const { return m_values.begin(); }
+    [[nodiscard]] auto end() const { return m_values.end(); }
     template <class Position>
     auto erase(Position at) {
         return m_values.erase(at);
@@ -86,8 +86,8 @@ public:
     void Destroy() { m_map.clear(); }
     Value &operator[](Key const &key) { return m_map[key]; }
 
-    auto begin() const { return m_map.begin(); }
-    auto end() const { return m_map.end(); }
+    [[nodiscard]] auto begin() const { return m_map.begin(); }
+    [[nodiscard]] auto end() const { return m_map.end(); }
 
 private:
     std::map<Key, Value> m_map;

@@ -5,6 +5,7 @@ namespace zelvar {
 /// An object that must let go of something when the process forks or ends. Known from its making to its end.
 class ProcessMoments {
 public:
+    virtual ~ProcessMoments();
     ProcessMoments(ProcessMoments const &) = delete;
     ProcessMoments &operator=(ProcessMoments const &) = delete;
 
@@ -16,7 +17,6 @@ public:
 
 protected:
     ProcessMoments();
-    ~ProcessMoments();
 };
 
 } // namespace zelvar

@@ -43,11 +43,10 @@ bool IsOnNetwork(DString const &file) {
     struct statfs status {};
     if (statfs(DString(ParentPathOf(file)).c_str(), &status) != 0)
         return false;
-    constexpr unsigned nfs = 0x6969, smb = 0x517B, smb2 = 0xFE534D42, cifs = 0xFF534D42, afs = 0x5346414F,
-                       plan9 = 0x01021997;
+    // NFS, the three ages of SMB, AFS, Plan 9.
+    constexpr std::array<unsigned, 6> remote = {0x6969, 0x517B, 0xFE534D42, 0xFF534D42, 0x5346414F, 0x01021997};
     auto const type = static_cast<unsigned>(status.f_type);
-    return std::ranges::any_of(std::initializer_list<unsigned>{nfs, smb, smb2, cifs, afs, plan9},
-                               [type](unsigned remote) { return remote == type; });
+    return std::ranges::find(remote, type) != remote.end();
 }
 
 bool IsThere(DString const &file) {

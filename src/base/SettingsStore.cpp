@@ -209,9 +209,9 @@ bool SettingsStore::Transact(std::function<bool()> const &body) {
 }
 
 DString SettingsStore::ReadString(DString const &key, DString const &name, DString const &fallback) const {
-    std::optional<Value> value = Read(key, name);
-    auto *const text = value ? std::get_if<DString>(&*value) : nullptr;
-    return text == nullptr ? fallback : std::move(*text);
+    std::optional<Value> const value = Read(key, name);
+    auto const *const text = value ? std::get_if<DString>(&*value) : nullptr;
+    return text == nullptr ? fallback : *text;
 }
 
 std::int64_t SettingsStore::ReadInt(DString const &key, DString const &name, std::int64_t fallback) const {

@@ -51,7 +51,7 @@ void XMLPiece::Unlink() {
 
 void XMLPiece::Delete(XMLPiece *piece) {
     piece->Unlink();
-    if (piece->node != nullptr)
+    if (piece->IsElement())
         delete piece->node; // which owns the piece
     else
         delete piece;

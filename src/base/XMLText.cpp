@@ -167,8 +167,10 @@ std::unique_ptr<XMLNode> ParseXml(std::string_view text, DString &reason) try {
     pugi::xml_document document;
     pugi::xml_parse_result const result = document.load_buffer(text.data(), text.size(), flags);
     if (!result) {
-        auto const end = text.begin() + std::clamp<std::ptrdiff_t>(result.offset, 0, std::ssize(text));
-        reason = Format("line %d: %s", static_cast<int>(1 + std::count(text.begin(), end, '\n')), result.description());
+        std::string_view const before =
+            text.substr(0, static_cast<std::size_t>(std::max<std::ptrdiff_t>(result.offset, 0)));
+        reason = Format("line %d: %s", static_cast<int>(1 + std::count(before.begin(), before.end(), '\n')),
+                        result.description());
         return nullptr;
     }
     return TreeBuilder().Build(document, reason);

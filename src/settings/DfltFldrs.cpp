@@ -140,7 +140,7 @@ void DfltFldrs::GetDirHist(char const *key, DVectorSafe<DString> &out, bool with
     }
 }
 
-void DfltFldrs::SaveDirHist(char const *key, DString const &folder) {
+void DfltFldrs::SaveDirHist(char const *key, DString const &folder) const {
     if (key == nullptr || *key == '\0')
         return;
     DVectorSafe<DString> all;

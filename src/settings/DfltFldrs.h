@@ -48,7 +48,7 @@ public:
     /// The folders to offer for `key`: the history, then those defaults that it does not hold.
     void GetDirHist(char const *key, DVectorSafe<DString> &out, bool withDefaults, bool withHistory) const;
     /// Puts `folder` at the head of the history of `key`.
-    void SaveDirHist(char const *key, DString const &folder);
+    void SaveDirHist(char const *key, DString const &folder) const;
 
 private:
     /// Destroys the singleton when the library unloads.

@@ -35,6 +35,7 @@ TEST(ImageList, ThreadsThatAddTheSamePicturesAgreeOnTheirIndexes) {
     ImageList list;
     auto const add = [&list] {
         std::vector<int> indexes;
+        indexes.reserve(500);
         for (int i = 0; i < 500; ++i)
             indexes.push_back(list.Add(Icon(std::to_string(i % 50))));
         return indexes;

@@ -156,6 +156,7 @@ TEST_F(SettingsStoreTest, ProcessesThatIncrementTogetherLoseNothing) {
             return increment(i < 2 ? own : store);
         }));
     std::vector<std::thread> threads;
+    threads.reserve(2);
     for (int i = 0; i < 2; ++i)
         threads.emplace_back([&] { EXPECT_EQ(increment(store), 0); });
     for (std::thread &thread : threads)

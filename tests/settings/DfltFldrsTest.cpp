@@ -17,7 +17,7 @@ using platform::ShellFolderOf;
 
 /// Everything in both styles: the told results in the one, the same with the native separator in the other.
 class DfltFldrsTest : public testing::TestWithParam<PathStyle> {
-protected:
+public:
     DfltFldrsTest() {
         m_shell = std::make_shared<platform::ScriptedShellNamespace>();
         m_shell->SetSpecialFolder(ShellFolderOf::Desktop, Told("C:\\u\\Desktop"));
@@ -30,7 +30,10 @@ protected:
         platform::ShellNamespace::SetCurrent(m_former);
         unsetenv("ZELVAR_INSTALL_DIR");
     }
+    DfltFldrsTest(DfltFldrsTest const &) = delete;
+    DfltFldrsTest &operator=(DfltFldrsTest const &) = delete;
 
+protected:
     /// A told text in the style under test.
     [[nodiscard]] static DString Told(DString text) {
         std::replace(text.begin(), text.end(), '\\', GetParam().separator);
@@ -83,7 +86,7 @@ TEST_P(DfltFldrsTest, AFolderThatTheSystemDoesNotNameLeavesTheWord) {
 
 TEST_P(DfltFldrsTest, DefaultsFollowTheHistoryWithoutWhatItHolds) {
     DfltFldrs folders(GetParam());
-    folders.SetDfltFldrs("Own", Told("c:\\A;Desktop;;c:\\b;C:\\B").c_str());
+    folders.SetDfltFldrs("Own", Told(R"(c:\A;Desktop;;c:\b;C:\B)").c_str());
     EXPECT_EQ(Offered(folders, "Own"), List({"c:\\A", "C:\\u\\Desktop\\", "c:\\b"}));
     SetHistory("Own", Told("C:\\a;;desktop;C:\\a"));
     EXPECT_EQ(Offered(folders, "Own"), List({"C:\\a", "C:\\u\\Desktop\\", "C:\\a", "c:\\b"}));
@@ -97,12 +100,12 @@ TEST_P(DfltFldrsTest, DefaultsFollowTheHistoryWithoutWhatItHolds) {
 
 TEST_P(DfltFldrsTest, AChosenFolderMovesToTheHeadInItsNewForm) {
     DfltFldrs folders(GetParam());
-    SetHistory("Own", Told("C:\\x;c:\\a;C:\\A"));
+    SetHistory("Own", Told(R"(C:\x;c:\a;C:\A)"));
     folders.SaveDirHist("Own", Told("C:\\A"));
-    EXPECT_EQ(DUserCnfg("DefaultFolders").ReadString("Own", ""), Told("C:\\A;C:\\x;C:\\A")); // one match is removed
+    EXPECT_EQ(DUserCnfg("DefaultFolders").ReadString("Own", ""), Told(R"(C:\A;C:\x;C:\A)")); // one match is removed
     folders.SaveDirHist("Own", "");
     folders.SaveDirHist("", "x");
-    EXPECT_EQ(DUserCnfg("DefaultFolders").ReadString("Own", ""), Told("C:\\A;C:\\x;C:\\A"));
+    EXPECT_EQ(DUserCnfg("DefaultFolders").ReadString("Own", ""), Told(R"(C:\A;C:\x;C:\A)"));
 }
 
 TEST_P(DfltFldrsTest, AtTenEntriesOfHistoryAndDefaultsTheOldestGoes) {
