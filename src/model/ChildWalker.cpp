@@ -5,8 +5,8 @@
 namespace zelvar {
 
 ChildWalker::~ChildWalker() {
-    for (auto find = m_finds.rbegin(); find != m_finds.rend(); ++find)
-        m_driver.FindClose(*find);
+    for (; !m_finds.empty(); m_finds.pop_back())
+        m_driver.FindClose(m_finds.back());
 }
 
 void ChildWalker::Start() {

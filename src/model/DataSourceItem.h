@@ -89,6 +89,8 @@ protected:
 /// is false and `First` does nothing.
 class ZELVAR_API DataSourceItemItr {
 public:
+    DataSourceItemItr(DataSourceItemItr const &) = delete;
+    DataSourceItemItr &operator=(DataSourceItemItr const &) = delete;
     virtual ~DataSourceItemItr() = default;
     virtual void First();
     virtual void Next();                          ///< only while `IsValid()`
@@ -97,8 +99,6 @@ public:
 
 protected:
     DataSourceItemItr() = default;
-    DataSourceItemItr(DataSourceItemItr const &) = delete;
-    DataSourceItemItr &operator=(DataSourceItemItr const &) = delete;
     /// Called at the end of the fill; the cursor stands on no child until `First`.
     void CreateCursor();
 

@@ -64,7 +64,7 @@ TemplDataSourceItem *TemplDataSourceItem::CreateItem(XMLNode const *definition) 
     if (url.empty())
         return nullptr;
     DString const name = definition->GetAttrStr("name");
-    Report::TraceMessage(Report::kTraceOpen, "Creating DataSource instance \"%s\" with URL \"%s\"", name.c_str(),
+    Report::TraceMessage(Report::kTraceOpen, R"(Creating DataSource instance "%s" with URL "%s")", name.c_str(),
                          url.c_str());
     auto rep = boost::make_shared<CRep>();
     rep->m_url = url;

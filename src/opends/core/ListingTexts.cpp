@@ -6,7 +6,7 @@
 #include <ctime>
 
 #include <langinfo.h>
-#include <locale.h>
+#include <locale.h> // NOLINT(modernize-deprecated-headers): the system's own functions are in this one
 
 namespace zelvar {
 

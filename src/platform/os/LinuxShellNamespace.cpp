@@ -2,6 +2,7 @@
 
 #include "zelvar/base/DFile.h"
 #include "zelvar/platform/os/DesktopNetwork.h"
+#include "zelvar/platform/os/FileStatus.h"
 #include "zelvar/platform/os/IconRule.h"
 #include "zelvar/platform/os/LocalFolder.h"
 #include "zelvar/platform/os/MountTable.h"
@@ -11,9 +12,16 @@
 #include <algorithm>
 #include <vector>
 
+#include <fcntl.h>
+
 namespace zelvar::platform {
 
 namespace {
+
+std::optional<ShellKind> LocalKindOf(DString const &path) {
+    std::optional<FileStatus> const status = ReadStatus(AT_FDCWD, path.c_str());
+    return status ? std::optional(status->kind) : std::nullopt;
+}
 
 constexpr std::string_view kDrivesElement = "drives";
 constexpr std::string_view kNetworkElement = "network";
@@ -34,10 +42,8 @@ Location Locate(ShellId const &id) {
         return location;
     location.elements.resize(static_cast<std::size_t>(id.Depth() - kPlaceDepth));
     ShellId at = id;
-    for (auto element = location.elements.rbegin(); element != location.elements.rend(); ++element) {
-        *element = at.Element(); // `id` keeps the whole chain alive
-        at = at.Parent();
-    }
+    for (std::size_t i = location.elements.size(); i-- > 0; at = at.Parent())
+        location.elements[i] = at.Element(); // `id` keeps the whole chain alive
     location.realm = at.Element() == kNetworkElement ? Realm::Server : Realm::Local;
     return location;
 }
@@ -216,7 +222,7 @@ DString LinuxShellNamespace::DisplayName(ShellId const &id) const {
         return "Computer";
     if (id == m_network)
         return "Network";
-    DString const element(id.Element());
+    DString element(id.Element());
     if (id.Depth() != m_drives.Depth() + 1 || !(id.Parent() == m_drives))
         return element;
     if (id.Kind() == ShellKind::Directory)
@@ -243,7 +249,7 @@ DString LinuxShellNamespace::Path(ShellId const &id) const {
 std::optional<FileTimes> LinuxShellNamespace::Times(ShellId const &id) const {
     Location const location = Locate(id);
     if (location.realm == Realm::Local)
-        return LocalTimesOf(LocalPath(location.elements));
+        return ReadTimes(LocalPath(location.elements).c_str());
     if (location.realm == Realm::Server)
         if (std::optional<SmbEntry> const entry = SmbClient::Instance().Stat(AddressOf(location.elements)))
             return entry->times;
@@ -254,7 +260,7 @@ std::optional<FolderIdentity> LinuxShellNamespace::IdentityOf(ShellId const &fol
     Location const location = Locate(folder);
     if (location.realm != Realm::Local)
         return std::nullopt;
-    return LocalIdentityOf(LocalPath(location.elements));
+    return ReadIdentity(LocalPath(location.elements).c_str());
 }
 
 ImageDescription LinuxShellNamespace::Icon(ShellId const &id, bool link) const {

@@ -20,6 +20,7 @@ public:
     [[nodiscard]] ShellId Network() const override { return m_network; }
     /// A relative path begins at the working directory. A server or a share is taken at its word: it is not asked.
     [[nodiscard]] ShellId Parse(DString const &path) const override;
+    // NOLINTNEXTLINE(modernize-use-nodiscard): as in the base
     bool Enumerate(ShellId const &folder, Purpose purpose, Visitor const &visit,
                    FileTest const &wanted = nullptr) const override;
     [[nodiscard]] std::optional<ShellKind> KindOf(ShellId const &id) const override;
@@ -33,11 +34,11 @@ public:
 private:
     [[nodiscard]] ShellId ParseLocal(DString const &path) const;
     [[nodiscard]] ShellId ParseSmb(SmbAddress const &address) const;
-    bool EnumerateDesktop(Visitor const &visit) const;
-    bool EnumerateDrives(Visitor const &visit) const;
-    bool EnumerateNetwork(Visitor const &visit) const;
-    static bool EnumerateServer(ShellId const &folder, SmbAddress const &address, Purpose purpose, Visitor const &visit,
-                                FileTest const &wanted);
+    [[nodiscard]] bool EnumerateDesktop(Visitor const &visit) const;
+    [[nodiscard]] bool EnumerateDrives(Visitor const &visit) const;
+    [[nodiscard]] bool EnumerateNetwork(Visitor const &visit) const;
+    [[nodiscard]] static bool EnumerateServer(ShellId const &folder, SmbAddress const &address, Purpose purpose,
+                                              Visitor const &visit, FileTest const &wanted);
 
     DString m_procRoot;
     DString m_sysRoot;

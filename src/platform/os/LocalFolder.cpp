@@ -1,140 +1,98 @@
 #include "zelvar/platform/os/LocalFolder.h"
 
-#include "zelvar/base/FileDescriptor.h"
+#include "zelvar/platform/os/FolderSlice.h"
 
-#include <cstring>
-#include <memory>
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <utility>
 
 #include <dirent.h>
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <sys/syscall.h>
-#include <unistd.h>
 
 namespace zelvar::platform {
 
 namespace {
 
-/// Zero nanoseconds mean unknown, so a file stamped at the very start of 1970 is told as a nanosecond later.
-std::int64_t Nanoseconds(statx_timestamp const &stamp) {
-    constexpr std::int64_t kLimit = 9'000'000'000; // seconds, about the year 2255, as far as nanoseconds reach
-    constexpr std::int64_t kBillion = 1'000'000'000;
-    if (stamp.tv_sec > kLimit || stamp.tv_sec < -kLimit)
-        return 0;
-    std::int64_t const time = stamp.tv_sec * kBillion + static_cast<std::int64_t>(stamp.tv_nsec);
-    return time == 0 ? 1 : time;
-}
-
-std::optional<ShellKind> KindOfMode(unsigned mode) {
-    if (S_ISREG(mode))
-        return ShellKind::File;
-    if (S_ISDIR(mode))
-        return ShellKind::Directory;
-    return std::nullopt;
-}
-
-/// An automount point is not mounted by being looked at.
-constexpr int kFollow = AT_NO_AUTOMOUNT;
-
-bool Stat(int folder, char const *name, unsigned wanted, struct statx &out) {
-    return statx(folder, name, kFollow, wanted, &out) == 0;
-}
-
-/// The kernel's record of a directory entry.
-struct KernelEntry {
-    std::uint64_t inode;
-    std::int64_t next;
-    std::uint16_t length;
-    std::uint8_t type;
-    // the name follows, with a NUL at its end
-};
-constexpr std::size_t kNameOffset = offsetof(KernelEntry, type) + 1;
-
-/// Fills in kind, size and time of the entry. False for what is no thing of the namespace, is gone, or isn't wanted.
-bool Classify(int folder, std::uint8_t type, char const *name, ShellNamespace::FileTest const &wanted,
-              ShellChild &child) {
-    child.link = type == DT_LNK;
-    child.size = -1;
-    child.modified = 0;
-    if (type == DT_DIR) {
-        child.kind = ShellKind::Directory;
-        return true;
+/// How many entries are looked at between two turns of the visitor.
+class SliceSize {
+public:
+    [[nodiscard]] std::size_t Get() const { return m_size; }
+    void Learn(std::chrono::steady_clock::duration taken) {
+        constexpr std::chrono::milliseconds kFast{3};
+        constexpr std::chrono::milliseconds kSlow{20};
+        if (taken < kFast)
+            m_size = std::min(m_size * 2, kLargest);
+        else if (taken > kSlow)
+            m_size = std::max<std::size_t>(m_size / 4, 1);
     }
-    if (type != DT_REG && type != DT_LNK && type != DT_UNKNOWN)
-        return false;
-    if (type == DT_REG && wanted && !wanted(child.name))
-        return false;
-    struct statx status {};
-    if (!Stat(folder, name, STATX_TYPE | STATX_SIZE | STATX_MTIME, status))
-        return false;
-    std::optional<ShellKind> const kind = KindOfMode(status.stx_mode);
-    if (!kind)
-        return false;
-    child.kind = *kind;
-    if (*kind != ShellKind::File)
-        return true;
-    child.size = static_cast<std::int64_t>(status.stx_size);
-    child.modified = Nanoseconds(status.stx_mtime);
-    return type == DT_REG || !wanted || wanted(child.name);
-}
+
+private:
+    static constexpr std::size_t kLargest = 1024;
+    std::size_t m_size = 32;
+};
+
+/// Shows the children of a slice to the visitor; false if it has enough.
+class SliceVisitor {
+public:
+    SliceVisitor(ShellId const &folder, ShellNamespace::Visitor const &visit, ShellNamespace::FileTest const &wanted)
+        : m_folder(folder), m_visit(visit), m_wanted(wanted) {}
+
+    bool Show(FolderSlice const &slice) {
+        return std::all_of(slice.Entries().begin(), slice.Entries().end(), [&](FolderSlice::Entry const &entry) {
+            return !entry.kind || ShowOne(slice.NameOf(entry), entry);
+        });
+    }
+
+private:
+    bool ShowOne(std::string_view name, FolderSlice::Entry const &entry) {
+        // What a link leads to is known only now.
+        if (entry.type != DT_REG && *entry.kind == ShellKind::File && m_wanted && !m_wanted(name))
+            return true;
+        m_child.id = m_folder.Child(name, *entry.kind);
+        m_child.name.assign(name);
+        m_child.kind = *entry.kind;
+        m_child.link = entry.type == DT_LNK;
+        m_child.size = entry.size;
+        m_child.modified = entry.modified;
+        return m_visit(std::move(m_child));
+    }
+
+    ShellId const &m_folder;
+    ShellNamespace::Visitor const &m_visit;
+    ShellNamespace::FileTest const &m_wanted;
+    ShellChild m_child; ///< one for all, so that its text keeps its memory
+};
 
 } // namespace
 
-std::optional<ShellKind> LocalKindOf(DString const &path) {
-    struct statx status {};
-    if (!Stat(AT_FDCWD, path.c_str(), STATX_TYPE, status))
-        return std::nullopt;
-    return KindOfMode(status.stx_mode);
-}
-
-std::optional<FileTimes> LocalTimesOf(DString const &path) {
-    struct statx status {};
-    if (!Stat(AT_FDCWD, path.c_str(), STATX_TYPE | STATX_SIZE | STATX_MTIME | STATX_ATIME | STATX_BTIME, status))
-        return std::nullopt;
-    FileTimes times;
-    times.modified = Nanoseconds(status.stx_mtime);
-    times.accessed = Nanoseconds(status.stx_atime);
-    if ((status.stx_mask & STATX_BTIME) != 0)
-        times.created = Nanoseconds(status.stx_btime);
-    if (S_ISREG(status.stx_mode))
-        times.size = static_cast<std::int64_t>(status.stx_size);
-    return times;
-}
-
-std::optional<FolderIdentity> LocalIdentityOf(DString const &path) {
-    struct statx status {};
-    if (!Stat(AT_FDCWD, path.c_str(), STATX_TYPE | STATX_INO, status) || !S_ISDIR(status.stx_mode))
-        return std::nullopt;
-    return FolderIdentity{.device = std::uint64_t{status.stx_dev_major} << 32U | status.stx_dev_minor,
-                          .inode = status.stx_ino};
-}
-
 bool EnumerateLocalFolder(DString const &path, ShellId const &folder, ShellNamespace::Visitor const &visit,
                           ShellNamespace::FileTest const &wanted) {
-    FileDescriptor const directory(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NONBLOCK | O_CLOEXEC));
-    if (!directory.IsOpen())
+    FolderReader reader(path);
+    if (!reader.IsOpen())
         return false;
-    constexpr std::size_t kBufferSize = std::size_t{128} << 10U;
-    std::unique_ptr<char[]> const buffer(new char[kBufferSize]);
-    ShellChild child; // one for all, so that its text keeps its memory
-    for (;;) {
-        long const filled = syscall(SYS_getdents64, directory.Get(), buffer.get(), kBufferSize);
-        if (filled <= 0) // 0 at the end; an error in the middle, as of a folder deleted meanwhile, ends a shorter list
+    std::array<FolderSlice, 2> slices;
+    FolderSlice *shown = slices.data();     // looked at, on its way to the visitor
+    FolderSlice *asked = slices.data() + 1; // behind it
+    SliceVisitor visitor(folder, visit, wanted);
+    SliceHelper helper(reader.Descriptor());
+    SliceSize size;
+    for (std::size_t total = 0;;) {
+        reader.Read(*asked, size.Get(), wanted);
+        total += asked->Entries().size();
+        auto const start = std::chrono::steady_clock::now();
+        constexpr std::size_t kLargeFolder = 2000; // entries; for fewer a thread costs more than it saves
+        bool const shared = total > kLargeFolder && !asked->IsEmpty();
+        if (shared)
+            helper.Begin(*asked);
+        bool const more = visitor.Show(*shown) && !asked->IsEmpty();
+        if (more)
+            asked->LookAt(reader.Descriptor());
+        if (shared)
+            helper.Wait();
+        if (!more)
             return true;
-        for (char const *at = buffer.get(), *const end = at + filled; at < end;) {
-            KernelEntry entry{};
-            std::memcpy(&entry, at, kNameOffset);
-            char const *const name = at + kNameOffset;
-            at += entry.length;
-            if (name[0] == '.' || name[0] == '\0') // hidden, "." and ".."
-                continue;
-            child.name.assign(name);
-            if (!Classify(directory.Get(), entry.type, name, wanted, child))
-                continue;
-            child.id = folder.Child(child.name, child.kind);
-            if (!visit(std::move(child)))
-                return true;
-        }
+        size.Learn(std::chrono::steady_clock::now() - start);
+        std::swap(shown, asked);
     }
 }
 

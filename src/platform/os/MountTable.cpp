@@ -4,10 +4,10 @@
 
 #include <algorithm>
 #include <array>
+#include <climits>
 #include <fstream>
 #include <sstream>
 
-#include <limits.h>
 #include <unistd.h>
 
 namespace zelvar::platform {
@@ -100,7 +100,8 @@ DString LabelOf(MountEntry const &mount, ShellKind kind) {
         return "File System";
     if (kind == ShellKind::NetDrive) {
         std::string_view source = mount.source;
-        std::string_view server, share;
+        std::string_view server;
+        std::string_view share;
         if (source.starts_with("//")) {
             source.remove_prefix(2);
             std::size_t const slash = source.find('/');
@@ -121,13 +122,18 @@ DString LabelOf(MountEntry const &mount, ShellKind kind) {
 std::optional<MountEntry> ParseMountLine(std::string_view line) {
     // "36 35 98:0 /root /mount/point options tag:1 - type source superoptions"
     std::istringstream in{DString(line)};
-    DString id, parent, device, root, mountPoint, options, tag, type, source;
-    if (!(in >> id >> parent >> device >> root >> mountPoint >> options))
+    DString skipped;
+    DString device;
+    DString root;
+    DString mountPoint;
+    if (!(in >> skipped >> skipped >> device >> root >> mountPoint))
         return std::nullopt;
-    while (in >> tag && tag != "-") {
+    while (in >> skipped && skipped != "-") { // options, their number differs
     }
-    if (tag != "-" || !(in >> type))
+    DString type;
+    if (skipped != "-" || !(in >> type))
         return std::nullopt;
+    DString source;
     in >> source; // may be missing
     return MountEntry{.device = device,
                       .root = Unescaped(root),

@@ -55,6 +55,7 @@ public:
     [[nodiscard]] ShellId Drives() const override { return m_drives; }
     [[nodiscard]] ShellId Network() const override { return m_network; }
     [[nodiscard]] ShellId Parse(DString const &path) const override;
+    // NOLINTNEXTLINE(modernize-use-nodiscard): as in the base
     bool Enumerate(ShellId const &folder, Purpose purpose, Visitor const &visit,
                    FileTest const &wanted = nullptr) const override;
     [[nodiscard]] std::optional<ShellKind> KindOf(ShellId const &id) const override;

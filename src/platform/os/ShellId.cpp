@@ -16,7 +16,7 @@ public:
     ~Node() override = default;
     Node(Node const &) = delete;
     Node &operator=(Node const &) = delete;
-    static void operator delete(void *memory) { ::operator delete(memory); }
+    static void operator delete(void *memory) { ::operator delete(memory); } // NOLINT(misc-new-delete-overloads): below
 
     [[nodiscard]] std::string_view Element() const {
         return {static_cast<char const *>(static_cast<void const *>(this + 1)), m_length};

@@ -22,7 +22,10 @@ struct FolderIdentity {
     std::uint64_t device = 0;
     std::uint64_t inode = 0;
 
-    friend auto operator<=>(FolderIdentity const &, FolderIdentity const &) = default;
+    friend bool operator==(FolderIdentity const &, FolderIdentity const &) = default;
+    friend bool operator<(FolderIdentity const &a, FolderIdentity const &b) {
+        return a.device != b.device ? a.device < b.device : a.inode < b.inode;
+    }
 };
 
 /// One child as an enumeration yields it.
@@ -63,6 +66,7 @@ public:
     [[nodiscard]] virtual ShellId Parse(DString const &path) const = 0;
     /// Visits the children in the source's order; false if the folder cannot be read at all. Plain files that
     /// `wanted` refuses are not visited.
+    // NOLINTNEXTLINE(modernize-use-nodiscard): to most callers a folder that cannot be read is an empty one
     virtual bool Enumerate(ShellId const &folder, Purpose purpose, Visitor const &visit,
                            FileTest const &wanted = nullptr) const = 0;
     /// What the thing is now; nothing if it is gone or cannot be told.
