@@ -1,0 +1,356 @@
+#include "zelvar/opends/DlgOpenDS.h"
+
+#include "support/GuiTest.h"
+#include "support/ImageFiles.h"
+#include "support/TestFiles.h"
+#include "zelvar/base/DCnfg.h"
+#include "zelvar/controls/CZelComboBox.h"
+#include "zelvar/data/BDIDrvrMngr.h"
+#include "zelvar/data/DriverProvider.h"
+#include "zelvar/data/RDIDriverMngr.h"
+#include "zelvar/data/gdal/GdalDrivers.h"
+#include "zelvar/model/DataSourceCollector.h"
+#include "zelvar/model/NtwDataSourceItem.h"
+#include "zelvar/opends/DSDataSourceWnd.h"
+#include "zelvar/opends/DSListCtrl.h"
+#include "zelvar/opends/DSMessages.h"
+#include "zelvar/opends/DSPropertyWnd.h"
+#include "zelvar/opends/DataSourceList.h"
+#include "zelvar/opends/HierarchyList.h"
+#include "zelvar/opends/ImagePreviewWnd.h"
+#include "zelvar/opends/OpenDialogTemplate.h"
+#include "zelvar/platform/ui/ControlId.h"
+#include "zelvar/platform/ui/UserMessages.h"
+#include "zelvar/settings/DfltFldrs.h"
+
+#include <QtCore/QTimer>
+#include <QtTest/QTest>
+#include <QtWidgets/QCheckBox>
+#include <QtWidgets/QLineEdit>
+#include <QtWidgets/QPushButton>
+
+#include <gtest/gtest.h>
+
+#include <regex>
+#include <set>
+
+namespace zelvar {
+namespace {
+
+using platform::GetDlgItem;
+
+class OpenDialog : public testing::Test {
+protected:
+    void SetUp() override {
+        SetDriverProvider(RegisterGdalDrivers);
+        RegisterDriversOnce();
+        platform::SetUserMessageHook([this](Report::Severity, DString const &text) {
+            messages.push_back(text);
+            return true;
+        });
+        platform::InstallUserMessages();
+        test::WriteImage(folder / "grey.tif", {.width = 64, .height = 32});
+        test::WriteImage(folder / "rgb.tif", {.channels = 3});
+        folder.Write("notes.txt", "no image");
+        folder.Folder("sub");
+        test::WriteImage(folder / "sub/inner.tif");
+    }
+    void TearDown() override {
+        platform::RemoveUserMessages();
+        platform::SetUserMessageHook({});
+    }
+    static void RegisterDriversOnce() { EnsureDrivers(); }
+
+    struct Delete {
+        void operator()(DlgOpenDS *dialog) const { DlgOpenDS::DeleteDialogObject(dialog); }
+    };
+    using DialogPtr = std::unique_ptr<DlgOpenDS, Delete>;
+    DialogPtr Make(DLGTemplate purpose = DT_DATA) {
+        DialogPtr dialog(DlgOpenDS::CreateDialogObject({&all, &tiff}, &all, purpose, "ImageFolders", nullptr));
+        dialog->SetTitle("Open images");
+        dialog->SetInitDir(folder.Path().c_str());
+        return dialog;
+    }
+    /// Runs the dialog, does `act` once the main list has rows, and closes it if `act` did not.
+    int Run(DlgOpenDS &dialog, std::function<void()> const &act) {
+        QTimer look;
+        bool done = false;
+        QObject::connect(&look, &QTimer::timeout, &look, [&] {
+            if (done || dialog.MainList() == nullptr || dialog.MainList()->GetNumRow() == 0)
+                return;
+            done = true;
+            look.stop();
+            act();
+            if (dialog.isVisible())
+                dialog.reject();
+        });
+        look.start(5);
+        int const answer = dialog.DoModal();
+        EXPECT_TRUE(done) << "the rows did not come";
+        return answer;
+    }
+    static int RowOf(DSListCtrl const &list, DString const &name) {
+        for (int row = 0; row < list.GetNumRow(); ++row)
+            if (list.ItemAt(row)->GetName() == name)
+                return row;
+        return -1;
+    }
+    static void ClickRow(DSListCtrl &list, DString const &name, Qt::KeyboardModifiers keys = {}) {
+        int const row = RowOf(list, name);
+        ASSERT_GE(row, 0) << name;
+        Rect const rect = list.GetItemRect(row);
+        QTest::mouseClick(list.viewport(), Qt::LeftButton, keys, {rect.left + 40, (rect.top + rect.bottom) / 2});
+    }
+    static QPushButton *Button(DlgOpenDS &dialog, int id) { return GetDlgItem<QPushButton>(dialog, id); }
+
+    test::TempFolder folder;
+    std::vector<DString> messages;
+    DFileFrmt all{"", "All Files (*.*)", "*.*"};
+    DFileFrmt tiff{"GTiff", "TIFF (*.tif)", "*.tif"};
+};
+
+TEST_F(OpenDialog, ImagesPickedWithTheMouseComeBackAsMonikers) {
+    DialogPtr const dialog = Make();
+    int const answer = Run(*dialog, [&] {
+        DSListCtrl &list = *dialog->MainList();
+        ASSERT_EQ(list.GetNumRow(), 3) << "files alone";
+        EXPECT_TRUE(test::Eventually([&] { return !Button(*dialog, kOkId)->isEnabled(); })) << "nothing is selected";
+        ClickRow(list, "grey.tif");
+        ClickRow(list, "rgb.tif", Qt::ControlModifier);
+        EXPECT_TRUE(test::Eventually([&] { return dialog->PropertyWnd()->Preview()->GetMode() == 0; }));
+        ASSERT_TRUE(test::Eventually([&] { return Button(*dialog, kOkId)->isEnabled(); }));
+        test::Shot(*dialog, "DlgOpenDS-selected");
+        test::Click(Button(*dialog, kOkId));
+    });
+    EXPECT_EQ(answer, QDialog::Accepted);
+    auto const &monikers = dialog->GetSelectedNodePaths();
+    ASSERT_EQ(monikers.size(), 2U);
+    EXPECT_EQ(monikers[0].GetText(), folder / "grey.tif");
+    EXPECT_EQ(monikers[1].GetText(), folder / "rgb.tif");
+    DVectorSafe<DString> history;
+    DfltFldrs::Instance()->GetDirHist("ImageFolders", history, false, true);
+    ASSERT_FALSE(history.empty());
+    EXPECT_EQ(history[0], folder / "rgb.tif");
+    EXPECT_TRUE(messages.empty());
+}
+
+TEST_F(OpenDialog, ADoubleClickIsOkAndReturnInTheListTooButNothingPickedKeepsItOpen) {
+    DialogPtr const dialog = Make();
+    EXPECT_EQ(Run(*dialog,
+                  [&] {
+                      platform::SendMessage(dialog.get(), WM_DS_IMAGE_DBLCLICK);
+                      QCoreApplication::processEvents();
+                      EXPECT_TRUE(dialog->isVisible()) << "no moniker, no end";
+                      dialog->MainList()->setFocus();
+                      dialog->MainList()->SetSlct(0, true);
+                      QTest::keyClick(dialog->MainList(), Qt::Key_Return);
+                  }),
+              QDialog::Accepted);
+    EXPECT_EQ(dialog->GetSelectedNodePaths().size(), 1U);
+}
+
+TEST_F(OpenDialog, OkWritesTheStateCancelDoesNotAndTheOrderNeverComesBack) {
+    DUserCnfg("FileFilter").RemoveKey("0");
+    DialogPtr dialog = Make();
+    Run(*dialog, [&] {
+        dialog->ApplyFileFilter("*.tif", nullptr);
+        GetDlgItem<QLineEdit>(*dialog, kFileFilterId)->setText("*.tif");
+    });
+    EXPECT_FALSE(DUserCnfg("FileFilter").HasKey("0"));
+
+    dialog = Make();
+    Run(*dialog, [&] {
+        GetDlgItem<QLineEdit>(*dialog, kFileFilterId)->setText("*.tif");
+        dialog->MainList()->Sort(1, false);
+        ASSERT_TRUE(test::Eventually([&] { return dialog->MainList()->GetNumRow() > 0; }));
+        dialog->MainList()->SetSlct(0, true);
+        ASSERT_TRUE(test::Eventually([&] { return Button(*dialog, kOkId)->isEnabled(); }));
+        test::Click(Button(*dialog, kOkId));
+    });
+    EXPECT_EQ(DUserCnfg("DlgOpenDSSorting").ReadString("0", ""), "ASC:ASC:1:DSC");
+    EXPECT_EQ(DUserCnfg("DlgOpenDS").ReadString("recursive", ""), "false");
+
+    dialog = Make();
+    Run(*dialog, [&] {
+        EXPECT_EQ(GetDlgItem<QLineEdit>(*dialog, kFileFilterId)->text(), "*.tif");
+        EXPECT_EQ(RowOf(*dialog->MainList(), "notes.txt"), -1);
+        EXPECT_EQ(dialog->MainList()->GetLastSort().GetCol(), 0);
+        EXPECT_TRUE(dialog->MainList()->GetLastSort().IsSortedAscnd());
+    });
+    DUserCnfg("FileFilter").RemoveKey("0");
+}
+
+TEST_F(OpenDialog, ATypedPathIsGoneToAndABadOneIsToldOnce) {
+    DialogPtr const dialog = Make();
+    Run(*dialog, [&] {
+        auto *history = GetDlgItem<CZelComboBox>(*dialog, kHistoryId);
+        history->setFocus();
+        history->SetWindowText("  " + folder / "sub" + " ");
+        QTest::keyClick(history->lineEdit(), Qt::Key_Return);
+        EXPECT_TRUE(test::Eventually([&] { return RowOf(*dialog->MainList(), "inner.tif") == 0; }));
+        history->SetWindowText(folder / "nowhere");
+        QTest::keyClick(history->lineEdit(), Qt::Key_Return);
+        ASSERT_EQ(messages.size(), 1U);
+        EXPECT_EQ(messages[0], "Cannot access '" + folder / "nowhere" + "' path");
+        EXPECT_TRUE(dialog->isVisible());
+        // A file stands for its folder.
+        history->SetWindowText(folder / "grey.tif");
+        QTest::keyClick(history->lineEdit(), Qt::Key_Return);
+        EXPECT_TRUE(test::Eventually([&] { return RowOf(*dialog->MainList(), "rgb.tif") >= 0; }));
+    });
+}
+
+TEST_F(OpenDialog, PathButtonsLeadUpAndTheStarRemembersTheInnermost) {
+    DialogPtr const dialog = Make();
+    Run(*dialog, [&] {
+        auto const shown = [&] { return dialog->PathRow().LastShown(); };
+        ASSERT_TRUE(test::Eventually([&] { return shown() != nullptr; }));
+        EXPECT_EQ(shown()->GetPath(), folder.Path());
+        test::Click(Button(*dialog, kFavoritesId));
+        EXPECT_TRUE(Favorites::Contains(folder.Path()));
+        std::vector<DSButton *> const buttons = dialog->PathRow().Buttons();
+        ASSERT_GE(buttons.size(), 2U);
+        EXPECT_EQ(buttons[1]->geometry().left(), buttons[0]->geometry().right() + 2) << "one pixel between them";
+        DSButton *const parent = buttons[buttons.size() - 2];
+        DString const parentPath = parent->item->GetPath();
+        test::Click(parent);
+        EXPECT_TRUE(test::Eventually([&] { return shown()->GetPath() == parentPath; }));
+    });
+    Favorites::Remove(folder.Path());
+}
+
+TEST_F(OpenDialog, SubfoldersAreSearchedOnDemandAndTheFileTypeFilters) {
+    DialogPtr const dialog = Make();
+    Run(*dialog, [&] {
+        DSListCtrl const &list = *dialog->MainList();
+        test::Click(Button(*dialog, kRecursiveId));
+        EXPECT_TRUE(test::Eventually([&] { return RowOf(list, "inner.tif") >= 0 && list.GetNumRow() == 4; }));
+        auto *types = GetDlgItem<CZelComboBox>(*dialog, kFileTypeId);
+        ASSERT_EQ(types->GetCount(), 2);
+        EXPECT_EQ(types->GetCurSel(), 0);
+        types->setFocus();
+        QTest::keyClick(types, Qt::Key_Down);
+        EXPECT_TRUE(test::Eventually([&] { return list.GetNumRow() == 3 && RowOf(list, "notes.txt") < 0; }));
+        EXPECT_EQ(GetDlgItem<QLineEdit>(*dialog, kFileFilterId)->text(), "*.tif");
+        EXPECT_EQ(dialog->GetFormat(), &tiff);
+    });
+}
+
+TEST_F(OpenDialog, TheTabKeyGoesRoundThePanesAndF5ListsAgain) {
+    DialogPtr const dialog = Make();
+    Run(*dialog, [&] {
+        QWidget *const round[] = {dialog->FolderList(),
+                                  dialog->Hierarchy()->GetPane(0),
+                                  dialog->MainList(),
+                                  GetDlgItem(*dialog, kHistoryId),
+                                  GetDlgItem(*dialog, kFileFilterId),
+                                  GetDlgItem(*dialog, kFileTypeId),
+                                  dialog->FolderList()};
+        round[0]->setFocus();
+        for (std::size_t i = 1; i < std::size(round); ++i) {
+            QTest::keyClick(dialog->focusWidget(), Qt::Key_Tab);
+            EXPECT_TRUE(round[i] == dialog->focusWidget() || round[i]->isAncestorOf(dialog->focusWidget())) << i;
+        }
+        folder.Write("new.txt", "x");
+        dialog->MainList()->setFocus();
+        QTest::keyClick(dialog->MainList(), Qt::Key_F5);
+        EXPECT_TRUE(test::Eventually([&] { return RowOf(*dialog->MainList(), "new.txt") >= 0; }));
+    });
+}
+
+TEST_F(OpenDialog, AWorkspaceOffersTwoWaysOfOpeningOfWhichOneExcludesTheOther) {
+    folder.Write("w.wsp", "x");
+    DialogPtr const dialog = Make(DT_WORKSPACE);
+    EXPECT_EQ(Run(*dialog,
+                  [&] {
+                      auto *readOnly = GetDlgItem<QCheckBox>(*dialog, kReadOnlyId);
+                      auto *editOnly = GetDlgItem<QCheckBox>(*dialog, kEditOnlyId);
+                      test::Click(readOnly);
+                      test::Click(editOnly);
+                      EXPECT_FALSE(readOnly->isChecked());
+                      EXPECT_EQ(dialog->PropertyWnd()->GetTabsNum(), 1) << "no preview of documents";
+                      EXPECT_FALSE(dialog->MainList()->IsMultiSlct());
+                      ClickRow(*dialog->MainList(), "w.wsp");
+                      test::Shot(*dialog, "DlgOpenDS-workspace");
+                      ASSERT_TRUE(test::Eventually([&] { return Button(*dialog, kOkId)->isEnabled(); }));
+                      test::Click(Button(*dialog, kOkId));
+                  }),
+              QDialog::Accepted);
+    EXPECT_TRUE(dialog->GetEditOnly());
+    EXPECT_FALSE(dialog->GetReadOnly());
+}
+
+TEST_F(OpenDialog, TheLiftedPreviewCoversTheDialogAndAnotherClickPutsItBack) {
+    DialogPtr const dialog = Make();
+    Run(*dialog, [&] {
+        ClickRow(*dialog->MainList(), "rgb.tif");
+        ImagePreviewWnd &preview = *dialog->PropertyWnd()->Preview();
+        ASSERT_TRUE(test::Eventually([&] { return preview.GetMode() == ImagePreviewWnd::ModeCanvas; }));
+        QRect const home = preview.geometry();
+        test::Click(&preview);
+        EXPECT_TRUE(preview.IsLifted());
+        EXPECT_EQ(preview.size(), dialog->size());
+        test::Shot(preview, "ImagePreviewWnd-lifted");
+        test::Click(&preview);
+        EXPECT_FALSE(preview.IsLifted());
+        EXPECT_EQ(preview.geometry(), home);
+    });
+}
+
+TEST_F(OpenDialog, ControlsFollowTheWindowWithoutOverlapping) {
+    DialogPtr const dialog = Make();
+    Run(*dialog, [&] {
+        for (QSize const size : {dialog->minimumSize(), dialog->minimumSize() + QSize(300, 200)}) {
+            dialog->resize(size);
+            QCoreApplication::processEvents();
+            std::vector<QWidget *> shown;
+            for (platform::DialogItem const &item : kOpenDialogTemplate.items)
+                if (QWidget *child = GetDlgItem(*dialog, item.id); child != nullptr && child->isVisible())
+                    shown.push_back(child);
+            for (std::size_t i = 0; i < shown.size(); ++i) {
+                EXPECT_TRUE(dialog->rect().contains(shown[i]->geometry())) << platform::GetDlgCtrlID(*shown[i]);
+                for (std::size_t j = i + 1; j < shown.size(); ++j)
+                    EXPECT_FALSE(shown[i]->geometry().intersects(shown[j]->geometry()))
+                        << platform::GetDlgCtrlID(*shown[i]) << " and " << platform::GetDlgCtrlID(*shown[j]);
+            }
+            EXPECT_EQ(GetDlgItem(*dialog, kSplitterId)->geometry(), GetDlgItem(*dialog, kSplitterPlaceId)->geometry());
+        }
+    });
+}
+
+TEST_F(OpenDialog, AContainerIsEnteredAndItsImagesAreListed) {
+    test::WritePages(folder / "pages.tif", 3);
+    DialogPtr const dialog = Make();
+    Run(*dialog, [&] {
+        EXPECT_EQ(RowOf(*dialog->MainList(), "pages.tif"), -1) << "it is a folder of images";
+        int const row = RowOf(*dialog->FolderList(), "pages.tif");
+        ASSERT_GE(row, 0);
+        dialog->FolderList()->SetSlct(row, true);
+        ASSERT_TRUE(test::Eventually([&] {
+            return dialog->MainList()->GetNumRow() == 3 &&
+                   dialog->MainList()->ItemAt(0)->GetDataSourceType() == DataSourceItem::DST_REPOSITORY;
+        }));
+        dialog->MainList()->SetSlct(1, true);
+        ASSERT_TRUE(test::Eventually([&] { return Button(*dialog, kOkId)->isEnabled(); }));
+        test::Click(Button(*dialog, kOkId));
+    });
+    ASSERT_EQ(dialog->GetSelectedNodePaths().size(), 1U);
+    EXPECT_NE(dialog->GetSelectedNodePaths()[0].GetDriver(), nullptr);
+}
+
+TEST(Messages, TheTableForReadersNamesEveryMessageAndNoOther) {
+    std::string const root = ZELVAR_SOURCE_DIR;
+    auto const names = [](std::string const &text) {
+        std::set<std::string> found;
+        std::regex const name("WM_[A-Z_]+");
+        for (std::sregex_iterator at(text.begin(), text.end(), name), end; at != end; ++at)
+            found.insert(at->str());
+        return found;
+    };
+    auto const documented = names(test::ReadFile(root + "/docs/messages.md"));
+    EXPECT_EQ(documented.size(), 17U);
+    EXPECT_EQ(documented, names(test::ReadFile(root + "/src/opends/DSMessages.h")));
+}
+
+} // namespace
+} // namespace zelvar

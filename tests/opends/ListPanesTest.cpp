@@ -1,0 +1,311 @@
+#include "support/GuiTest.h"
+#include "zelvar/data/BDIDrvrMngr.h"
+#include "zelvar/data/DriverProvider.h"
+#include "zelvar/model/NtwDataSourceItem.h"
+#include "zelvar/opends/DSDataSourceWnd.h"
+#include "zelvar/opends/DSListCtrl.h"
+#include "zelvar/opends/DSMessages.h"
+#include "zelvar/opends/DataSourceList.h"
+#include "zelvar/opends/HierarchyList.h"
+#include "zelvar/opends/NetworkScanner.h"
+#include "zelvar/platform/os/ScriptedShellNamespace.h"
+#include "zelvar/platform/ui/UserMessages.h"
+
+#include <QtTest/QTest>
+
+#include <gtest/gtest.h>
+
+namespace zelvar {
+namespace {
+
+using platform::ScriptedShellNamespace;
+using ItemList = DSListCtrl::ItemList;
+
+/// Counts what panes tell their coordinator.
+class Coordinator : public QObject {
+public:
+    std::map<int, int> told;
+
+protected:
+    bool event(QEvent *event) override {
+        ++told[event->type()];
+        return QObject::event(event);
+    }
+};
+
+class ListPanes : public testing::Test {
+protected:
+    void SetUp() override {
+        SetDriverProvider([] {});
+        BDIDrvrMngr::Instance()->Reset();
+        shell = std::make_shared<ScriptedShellNamespace>();
+        shell->AddDrive("/data", "Data", platform::ShellKind::Fixed);
+        platform::ShellNamespace::SetCurrent(shell);
+        NtwDataSourceItem::Initialize();
+    }
+    void TearDown() override { platform::ShellNamespace::SetCurrent(nullptr); }
+
+    static RefItemPtr<DataSourceItem> Item(char const *path) {
+        return RefItemPtr<DataSourceItem>(NtwDataSourceItem::CreateItem(path, nullptr, nullptr));
+    }
+    std::unique_ptr<DSListCtrl> List(DSListCtrl::Mode mode) {
+        auto list = std::make_unique<DSListCtrl>();
+        list->SetMode(DSListCtrl::ModeRecursive); // three columns
+        list->Create(0, {0, 0, 500, 300}, DT_DATA, nullptr, 3);
+        list->SetMode(mode);
+        list->ApplyFileFilter("*.*", nullptr);
+        list->SetCoordinator(&coordinator);
+        list->SetSelChangeMessage(WM_DS_IMAGE_SELECTED);
+        list->SetDblClckMessage(WM_DS_IMAGE_DBLCLICK);
+        list->show();
+        return list;
+    }
+    static bool HasRows(DSListCtrl const &list, int rows) {
+        return test::Eventually([&] { return list.GetNumRow() == rows; });
+    }
+    static std::vector<DString> Names(DSListCtrl const &list) {
+        std::vector<DString> names;
+        for (int row = 0; row < list.GetNumRow(); ++row)
+            names.push_back(list.ItemAt(row)->GetName());
+        return names;
+    }
+
+    std::shared_ptr<ScriptedShellNamespace> shell;
+    Coordinator coordinator;
+};
+
+TEST_F(ListPanes, FilesAreListedInNaturalOrderAndNothingTwice) {
+    for (char const *name : {"/data/img10.tif", "/data/a", "/data/img9.tif", "/data/a.tif", "/data/a.img"})
+        shell->AddFile(name);
+    shell->AddFolder("/data/sub");
+    auto const list = List(DSListCtrl::ModeFiles);
+    list->Sort(0, true);
+    list->ResetItems({Item("/data")});
+    ASSERT_TRUE(HasRows(*list, 5));
+    std::vector<DString> const ascending{"a", "a.img", "a.tif", "img9.tif", "img10.tif"};
+    EXPECT_EQ(Names(*list), ascending);
+
+    int const calls = shell->EnumerateCalls("/data");
+    list->ResetItems({Item("/data")});
+    EXPECT_EQ(shell->EnumerateCalls("/data"), calls) << "a request that changes nothing lists nothing";
+
+    list->Sort(0, false);
+    EXPECT_EQ(list->GetNumRow(), 0) << "rows appear at the next tick";
+    ASSERT_TRUE(HasRows(*list, 5));
+    EXPECT_EQ(Names(*list), std::vector<DString>(ascending.rbegin(), ascending.rend()));
+}
+
+TEST_F(ListPanes, AColdRecursiveListingArrivesUnsortedAndALoopOfLinksEnds) {
+    shell->AddFile("/data/z.tif");
+    shell->AddFile("/data/sub/b.tif");
+    shell->AddFile("/data/sub/deep/a.tif");
+    auto const list = List(DSListCtrl::ModeRecursive);
+    list->Sort(0, true);
+    list->ResetItems({Item("/data")});
+    ASSERT_TRUE(HasRows(*list, 3));
+    EXPECT_EQ(Names(*list), (std::vector<DString>{"z.tif", "b.tif", "a.tif"}));
+    list->Sort(0, true);
+    ASSERT_TRUE(HasRows(*list, 3));
+    EXPECT_EQ(Names(*list), (std::vector<DString>{"a.tif", "b.tif", "z.tif"}));
+}
+
+TEST_F(ListPanes, TheSelectionIsKeptByPathAndARestoredRowStaysQuietOnce) {
+    for (char const *name : {"/data/a.tif", "/data/b.tif", "/data/c.tif"})
+        shell->AddFile(name);
+    auto const list = List(DSListCtrl::ModeFiles);
+    list->ShowDir(Item("/data"), Item("/data/b.tif"));
+    ASSERT_TRUE(HasRows(*list, 3));
+    ASSERT_TRUE(test::Eventually([&] { return list->GetSlct(1); }));
+    QCoreApplication::sendPostedEvents();
+    EXPECT_EQ(coordinator.told[WM_DS_IMAGE_SELECTED], 0);
+
+    shell->AddFile("/data/a0.tif");
+    list->ResetItems({Item("/data"), Item("/data")}); // one root more: listed again, the selection saved
+    ASSERT_TRUE(test::Eventually([&] { return list->GetNumRow() >= 4; }));
+    ItemList selected;
+    list->GetSelectedItems(selected);
+    ASSERT_FALSE(selected.empty());
+    EXPECT_EQ(selected.front()->GetName(), "b.tif");
+
+    list->ClearSelection();
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, QPoint(30, list->GetItemRect(0).top + 5));
+    EXPECT_EQ(coordinator.told[WM_DS_IMAGE_SELECTED], 0) << "posted, not sent";
+    EXPECT_TRUE(test::Eventually([&] { return coordinator.told[WM_DS_IMAGE_SELECTED] > 0; }));
+}
+
+TEST_F(ListPanes, ATypedLetterSelectsTheFirstRowThatBeginsWithItEveryTime) {
+    for (char const *name : {"/data/apple.tif", "/data/bear.tif", "/data/boat.tif"})
+        shell->AddFile(name);
+    auto const list = List(DSListCtrl::ModeFiles);
+    list->Sort(0, true);
+    list->ResetItems({Item("/data")});
+    ASSERT_TRUE(HasRows(*list, 3));
+    for (int press = 0; press < 2; ++press) {
+        QTest::keyClicks(list.get(), "B");
+        EXPECT_EQ(list->GetCrntSlct(), 1);
+        EXPECT_EQ(list->GetNumSlct(), 1);
+    }
+    QTest::keyClicks(list.get(), "x");
+    EXPECT_EQ(list->GetCrntSlct(), 1) << "no row begins with it";
+}
+
+TEST_F(ListPanes, ANarrowedMaskDropsRowsAtARefreshWithoutAskingForTheOthers) {
+    for (char const *name : {"/data/a.tif", "/data/b.img"})
+        shell->AddFile(name);
+    auto const list = List(DSListCtrl::ModeFiles);
+    list->ResetItems({Item("/data")});
+    ASSERT_TRUE(HasRows(*list, 2));
+    list->ApplyFileFilter("*.tif", nullptr);
+    EXPECT_EQ(list->GetNumRow(), 2) << "a mask alone is no change here";
+    list->Refresh();
+    ASSERT_TRUE(HasRows(*list, 1));
+    EXPECT_EQ(Names(*list), std::vector<DString>{"a.tif"});
+}
+
+TEST_F(ListPanes, AFolderListShowsTheRootsNameAndAParentRow) {
+    shell->AddFolder("/data/sub/one");
+    shell->AddFile("/data/sub/file.tif");
+    DSListCtrl list;
+    list.SetShowParentFolderItem(true);
+    list.Create(0, {0, 0, 200, 200}, DT_DATA, nullptr, 3);
+    list.ResetItems({Item("/data/sub")});
+    EXPECT_EQ(list.GetColCaption(0), "sub");
+    ASSERT_TRUE(HasRows(list, 2));
+    EXPECT_EQ(Names(list), (std::vector<DString>{"one", ".."})) << "an ascending listing begins in front of it";
+    EXPECT_EQ(list.ItemAt(1)->GetDataSourceType(), DataSourceItem::DST_NONE) << "a root has no parent";
+    list.Reset();
+    EXPECT_EQ(list.GetColCaption(0), "");
+}
+
+TEST_F(ListPanes, ASingleBatchMayTakeRowsBeyondTheLimit) {
+    constexpr int kRows = 32100;
+    for (int i = 0; i < kRows; ++i)
+        shell->AddFile(Format("/data/f%d", i));
+    auto const list = List(DSListCtrl::ModeFiles);
+    list->ResetItems({Item("/data")});
+    EXPECT_TRUE(HasRows(*list, kRows));
+}
+
+// ------------------------------------------------------------------------------------------------- data sources
+
+std::vector<DString> RowsOf(DataSourceList const &list, int group) {
+    std::vector<DString> names;
+    for (int row = 0; row < list.GetItemCount(); ++row)
+        if (list.GetItemGroup(row) == group)
+            names.push_back(list.ItemAt(row)->GetName());
+    return names;
+}
+
+TEST_F(ListPanes, DrivesFavouritesAndNetworkPlacesStandInTheirGroups) {
+    shell->AddDrive("/mnt/net", "Share", platform::ShellKind::NetDrive);
+    shell->AddFolder("/data/fav");
+    shell->AddServer("alpha", "DOMAIN");
+    DataSourceList list;
+    list.Fill(DT_WORKSPACE);
+    EXPECT_EQ(RowsOf(list, kGroupDrives), std::vector<DString>{"Data"});
+    EXPECT_EQ(RowsOf(list, kGroupNetworkDrives), std::vector<DString>{"Share"});
+    EXPECT_TRUE(RowsOf(list, kGroupDataSources).empty()) << "documents are picked from no data source";
+    EXPECT_TRUE(test::Eventually([&] { return RowsOf(list, kGroupNetwork).size() == 1; }));
+
+    list.AddFavorite(Item("/data/fav"));
+    list.AddFavorite(Item("/data/fav"));
+    EXPECT_EQ(RowsOf(list, kGroupFavorites).size(), 1U);
+    EXPECT_TRUE(Favorites::Contains("/DATA/fav"));
+
+    shell->Remove("/data/fav");
+    DataSourceList later;
+    later.Fill(DT_WORKSPACE);
+    EXPECT_TRUE(RowsOf(later, kGroupFavorites).empty()) << "its place is gone";
+    EXPECT_TRUE(Favorites::Contains("/data/fav")) << "it may come back";
+    Favorites::Remove("/data/fav");
+}
+
+TEST_F(ListPanes, OnlySelectedFavouritesAreDeletedWhateverElseIsSelected) {
+    shell->AddFolder("/data/one");
+    shell->AddFolder("/data/two");
+    DataSourceList list;
+    list.resize(200, 300);
+    list.Fill(DT_WORKSPACE);
+    list.ModifyStyle(LVS_SINGLESEL, 0);
+    list.AddFavorite(Item("/data/one"));
+    list.AddFavorite(Item("/data/two"));
+    list.SetItemState(-1, LVIS_SELECTED, LVIS_SELECTED);
+    QTest::keyClick(&list, Qt::Key_Delete);
+    EXPECT_TRUE(RowsOf(list, kGroupFavorites).empty());
+    EXPECT_EQ(RowsOf(list, kGroupDrives).size(), 1U);
+    EXPECT_FALSE(Favorites::Contains("/data/one") || Favorites::Contains("/data/two"));
+}
+
+TEST_F(ListPanes, TheNetworkScanEndsAfterThirtyEmptyPassesAndTakesANameOnce) {
+    shell->AddServer("alpha", "ONE");
+    shell->AddServer("alpha", "TWO");
+    NetworkScanner scanner;
+    ASSERT_TRUE(scanner.StartScanning());
+    ASSERT_TRUE(scanner.Wait(std::chrono::seconds(5)));
+    ItemList found;
+    scanner.TakeItems(found);
+    EXPECT_EQ(found.size(), 1U);
+    EXPECT_EQ(shell->EnumerateCalls("network"), NetworkScanner::kEmptyPasses)
+        << "the pass that found it ended in a domain without news, so it counts as empty";
+}
+
+TEST_F(ListPanes, EnteringAFolderTellsTheRootAndAPlaceholderLeadsBack) {
+    shell->AddFolder("/data/sub");
+    DSDataSourceWnd pane;
+    pane.resize(200, 200);
+    pane.SetCoordinator(&coordinator);
+    pane.SetRootChangeMessage(WM_DS_FIRST_PANE_ROOT_ITEM_CHANGED);
+    pane.SetSelChangeMessage(WM_DS_FIRST_PANE_DATA_ITEM_SELECTED);
+    pane.show();
+    EXPECT_TRUE(pane.IsDataSourceView());
+    pane.GetDataSourceList()->Fill(DT_WORKSPACE);
+    pane.GetDataSourceList()->SetItemState(0, LVIS_SELECTED, LVIS_SELECTED);
+    EXPECT_TRUE(test::Eventually([&] { return coordinator.told[WM_DS_DATA_SOURCE_SELECTED] == 1; }));
+    platform::SendMessage(&pane, WM_DS_DATA_SOURCE_DBLCLICK);
+    EXPECT_TRUE(pane.IsFolderView());
+    EXPECT_EQ(coordinator.told[WM_DS_FIRST_PANE_ROOT_ITEM_CHANGED], 1) << "sent, not posted";
+
+    DSListCtrl &folders = *pane.GetFolderList();
+    ASSERT_TRUE(HasRows(folders, 1));
+    folders.SetSlct(0, true);
+    EXPECT_TRUE(test::Eventually([&] { return coordinator.told[WM_DS_FIRST_PANE_DATA_ITEM_SELECTED] == 1; }));
+    platform::SendMessage(&pane, WM_DS_DATA_ITEM_DBLCLICK);
+    ItemList roots;
+    pane.GetRootItems(roots);
+    ASSERT_EQ(roots.size(), 1U);
+    EXPECT_EQ(roots.front()->GetPath(), "/data/sub");
+    EXPECT_EQ(coordinator.told[WM_DS_FIRST_PANE_ROOT_ITEM_CHANGED], 2);
+}
+
+TEST_F(ListPanes, AHierarchyShowsALevelAPaneAndADoubleClickOnNothingDoesNothing) {
+    shell->AddFolder("/data/sub/deep");
+    HierarchyList hierarchy;
+    hierarchy.resize(300, 200);
+    hierarchy.SetCoordinator(&coordinator);
+    hierarchy.SetRootChangeMessage(WM_DS_ROOT_ITEM_CHANGED);
+    hierarchy.show();
+    ASSERT_EQ(hierarchy.GetPaneCount(), 1);
+    auto const id = static_cast<platform::MessageParam>(DSplitterWnd::IdFromRowCol(0, 0));
+    platform::SendMessage(&hierarchy, WM_DS_DATA_ITEM_DBLCLICK, id, 0);
+    EXPECT_EQ(coordinator.told[WM_DS_DATA_ITEM_DBLCLICK], 1);
+    EXPECT_EQ(coordinator.told[WM_DS_ROOT_ITEM_CHANGED], 0);
+
+    RefItemPtr<DataSourceItem> const deep = Item("/data/sub/deep");
+    deep->BuildParents();
+    hierarchy.ShowDir(deep);
+    ItemList roots;
+    hierarchy.GetRootItems(roots);
+    ASSERT_EQ(roots.size(), 1U);
+    EXPECT_EQ(roots.front()->GetPath(), "/data/sub") << "the level above, with the item selected";
+    ASSERT_TRUE(HasRows(*hierarchy.GetPane(0), 1));
+    EXPECT_TRUE(test::Eventually([&] { return hierarchy.GetPane(0)->GetSlct(0); }));
+    platform::SendMessage(&hierarchy, WM_DS_DATA_ITEM_DBLCLICK, id, 0);
+    EXPECT_EQ(coordinator.told[WM_DS_ROOT_ITEM_CHANGED], 1);
+    hierarchy.ShowDir(Item("/data"));
+    hierarchy.GetRootItems(roots);
+    EXPECT_TRUE(roots.empty()) << "a chain of one resets all panes";
+    EXPECT_FALSE(hierarchy.SortPane(5, 0, true));
+}
+
+} // namespace
+} // namespace zelvar
