@@ -1,3 +1,4 @@
+#include "zelvar/data/BDINode.h"
 #include "zelvar/library/ZelvarInit.h"
 #include "zelvar/opends/DlgOpenDS.h"
 
@@ -12,6 +13,7 @@ int main(int argc, char **argv) {
     zelvar::DlgOpenDS *dialog =
         zelvar::DlgOpenDS::CreateDialogObject({&all}, &all, zelvar::DT_DATA, "ImageFolders", nullptr);
     dialog->SetTitle("Open images");
+    dialog->SetBDIFilter(zelvar::BDINode_Raster);
     dialog->SetInitDir(argc > 1 ? argv[1] : ".");
     if (dialog->DoModal() == QDialog::Accepted)
         for (zelvar::BDIMoniker const &moniker : dialog->GetSelectedNodePaths())

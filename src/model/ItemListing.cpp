@@ -12,6 +12,8 @@ namespace {
 
 using Items = std::vector<RefItemPtr<DataSourceItem>>;
 
+constexpr int kAllData = 0xEE; // every type bit but those of containers and folders
+
 bool IsListed(DataSourceItem const &item, ItemListingOptions const &options) {
     if (options.foldersOnly)
         return item.IsFolder();
@@ -20,8 +22,9 @@ bool IsListed(DataSourceItem const &item, ItemListingOptions const &options) {
 
 /// The children of one folder behind `found`, those to enter next behind `below`.
 void ListOne(DataSourceItem &folder, ItemListingOptions const &options, Items &found, Items &below) {
-    ForEachChild(folder, options.cancel, options.filter.c_str(), options.driverId.c_str(), options.nodeMask,
-                 options.purpose, [&](RefItemPtr<DataSourceItem> child) {
+    int const wanted = options.nodeMask != 0 ? options.nodeMask : kAllData;
+    ForEachChild(folder, options.cancel, options.filter.c_str(), options.driverId.c_str(), wanted, options.purpose,
+                 [&](RefItemPtr<DataSourceItem> child) {
                      if (options.recursive && child->IsFolder())
                          below.push_back(child);
                      if (IsListed(*child, options))

@@ -51,8 +51,10 @@ public:
     void
     SetInitItem(RefItemPtr<DataSourceItem> item); ///< where to start when it is no plain folder; wins over the path
     void SetRootItem(RefItemPtr<DataSourceItem> item); ///< the data source list shows this item alone
-    void SetBDIFilter(int mask);                       ///< node types that can be picked, 0 for all
-    void SetMultiSelect(bool multi);                   ///< several rows of the main list can be picked; documents never
+    /// Types of driver nodes that can be picked, bits of `BDINodeType`. Without one, containers show the folders in
+    /// them alone.
+    void SetBDIFilter(int mask);
+    void SetMultiSelect(bool multi); ///< several rows of the main list can be picked; documents never
 
     // Results.
     [[nodiscard]] DVectorSafe<BDIMoniker> const &GetSelectedNodePaths() const { return m_monikers; }

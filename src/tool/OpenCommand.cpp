@@ -1,3 +1,4 @@
+#include "zelvar/data/BDINode.h"
 #include "zelvar/library/ZelvarInit.h"
 #include "zelvar/model/NtwDataSourceItem.h"
 #include "zelvar/model/PlaceResolver.h"
@@ -120,6 +121,8 @@ int RunOpen(std::vector<DString> const &words, int &argc, char **argv) {
     std::unique_ptr<DlgOpenDS, DeleteDialog> const dialog(DlgOpenDS::CreateDialogObject(
         offered, &formats.all, kind->second.dlgTemplate, kind->second.historyKey, nullptr));
     dialog->SetTitle(arguments->Value("--title", kind->second.title).c_str());
+    if (PicksImageData(kind->second.dlgTemplate))
+        dialog->SetBDIFilter(BDINode_Raster);
     dialog->SetMultiSelect(arguments->Has("--multiple"));
     if (start != nullptr)
         dialog->SetInitItem(FolderOf(start));

@@ -45,6 +45,8 @@ TEST_F(ItemListingTest, TellsFoldersContainersAndFilesApart) {
     EXPECT_THAT(Lines({.foldersOnly = true, .sort = ListingSort::Name}), ElementsAre("container a.tif", "folder c"));
     EXPECT_THAT(Lines({.recursive = true, .nodeMask = BDINode_Raster, .sort = ListingSort::Name}),
                 ElementsAre("file b.txt", "node p1"));
+    EXPECT_THAT(Lines({.recursive = true, .sort = ListingSort::Name}), ElementsAre("file b.txt", "node p1"))
+        << "without a mask all data";
     EXPECT_THAT(Lines({.foldersOnly = true, .recursive = true, .sort = ListingSort::Name}),
                 ElementsAre("container a.tif", "folder c"));
     std::vector<ListedItem> const all = ListItems(Place(), {.sort = ListingSort::Name, .descending = true});

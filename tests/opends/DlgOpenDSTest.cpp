@@ -68,6 +68,7 @@ protected:
     DialogPtr Make(DLGTemplate purpose = DT_DATA) {
         DialogPtr dialog(DlgOpenDS::CreateDialogObject({&all, &tiff}, &all, purpose, "ImageFolders", nullptr));
         dialog->SetTitle("Open images");
+        dialog->SetBDIFilter(BDINode_Raster);
         dialog->SetInitDir(folder.Path().c_str());
         return dialog;
     }
