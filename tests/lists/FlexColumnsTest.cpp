@@ -55,7 +55,8 @@ TEST(FlexColumns, TheNextEditableCellMayStandInALaterRow) {
         EXPECT_EQ(c.item, c.foundItem);
         EXPECT_TRUE(!c.found || c.subItem == c.foundSubItem);
     }
-    int item = 0, subItem = 0;
+    int item = 0;
+    int subItem = 0;
     EXPECT_FALSE(FindEditableCell(columns, 2'000'000'000, 1, item, subItem)) << "no editable column: no walk";
 }
 

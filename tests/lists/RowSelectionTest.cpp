@@ -121,7 +121,9 @@ TEST(MergeSort, EqualsTurnRoundWhenTheQuestionSaysYesToThemAndStayOtherwise) {
             text += value.second;
         return text;
     };
-    auto turned = start, kept = start, contradicted = start;
+    auto turned = start;
+    auto kept = start;
+    auto contradicted = start;
     MergeSort(turned, [](Value const &a, Value const &b) { return a.first >= b.first; });
     MergeSort(kept, [](Value const &a, Value const &b) { return a.first > b.first; });
     EXPECT_EQ(names(turned), "dbeca");

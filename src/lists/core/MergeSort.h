@@ -14,14 +14,17 @@ void MergeSortRange(std::vector<T> &values, std::vector<T> &scratch, std::size_t
     if (count < 2)
         return;
     std::size_t const leftCount = count / 2;
-    std::size_t const middle = first + leftCount, end = first + count;
+    std::size_t const middle = first + leftCount;
+    std::size_t const end = first + count;
     MergeSortRange(values, scratch, first, leftCount, comesAfter);
     MergeSortRange(values, scratch, middle, count - leftCount, comesAfter);
 
     // The left half steps aside; the merged rows cannot overtake what is left of the right half.
     for (std::size_t i = 0; i < leftCount; ++i)
         scratch[i] = std::move(values[first + i]);
-    std::size_t left = 0, right = middle, out = first;
+    std::size_t left = 0;
+    std::size_t right = middle;
+    std::size_t out = first;
     while (left < leftCount && right < end)
         values[out++] =
             comesAfter(scratch[left], values[right]) ? std::move(values[right++]) : std::move(scratch[left++]);

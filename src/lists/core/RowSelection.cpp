@@ -65,7 +65,8 @@ void RowSelection::Select(IntervalSet const &rows, int focus) {
         if (!m_single || wanted.IsEmpty())
             wanted.Insert(first, m_single ? first : last);
     });
-    int const oldFocus = m_focus, newFocus = focus >= 0 && focus < m_rowCount ? focus : m_focus;
+    int const oldFocus = m_focus;
+    int const newFocus = focus >= 0 && focus < m_rowCount ? focus : m_focus;
 
     // A piece breaks where the focus changes, since that row is told with both bits at once.
     std::vector<Change> changes;

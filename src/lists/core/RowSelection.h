@@ -24,6 +24,9 @@ public:
         virtual void RangeStateChanged(int first, int last, unsigned oldState, unsigned newState) = 0;
 
     protected:
+        Listener() = default;
+        Listener(Listener const &) = default;
+        Listener &operator=(Listener const &) = default;
         ~Listener() = default;
     };
 

@@ -32,10 +32,36 @@ std::map<PictureKey, QPixmap> &KeptPictures() {
     return pictures;
 }
 
+/// The desktop's names for things that we draw too.
+std::map<QString, char const *> const &DesktopNames() {
+    static std::map<QString, char const *> const names{
+        {"application-octet-stream", "file"},
+        {"application-x-executable", "file"},
+        {"application-x-sqlite3", "database"},
+        {"drive-harddisk", "drive"},
+        {"drive-removable-media", "drive-removable"},
+        {"folder-remote", "share"},
+        {"go-up", "folder-up"},
+        {"image-x-generic", "image"},
+        {"network-server", "server"},
+        {"network-workgroup", "network"},
+        {"package-x-generic", "container"},
+        {"text-x-generic", "file"},
+        {"user-bookmarks", "star"},
+        {"user-home", "home"},
+        {"x-office-document", "file"},
+        {"x-office-drawing", "vector"},
+        {"x-office-spreadsheet", "table"},
+    };
+    return names;
+}
+
 QString ResourcePath(QString const &name) {
     static bool const initialised = (InitPictureResources(), true);
     static_cast<void>(initialised);
-    return name.startsWith(u':') ? name : QStringLiteral(":/zelvar/pictures/%1.svg").arg(name);
+    auto const known = DesktopNames().find(name);
+    QString const ours = known == DesktopNames().end() ? name : QString::fromLatin1(known->second);
+    return ours.startsWith(u':') ? ours : QStringLiteral(":/zelvar/pictures/%1.svg").arg(ours);
 }
 
 QPixmap EmptyPixmap(int side, qreal devicePixelRatio) {
@@ -74,8 +100,24 @@ QPixmap FilePicture(DString const &path, qreal devicePixelRatio, int side) {
     return image.isNull() ? QPixmap() : Fitted(image, devicePixelRatio, side);
 }
 
+/// An SVG resource, or one square of a strip of them, drawn at the size that is wanted.
+QPixmap SvgPicture(QString const &path, int index, qreal devicePixelRatio, int side) {
+    QSvgRenderer renderer(path);
+    QRectF const whole = renderer.viewBoxF();
+    if (!renderer.isValid() || index < 0 || (index + 1) * whole.height() > whole.width())
+        return {};
+    renderer.setViewBox(QRectF(whole.left() + index * whole.height(), whole.top(), whole.height(), whole.height()));
+    QPixmap pixmap = EmptyPixmap(side, devicePixelRatio);
+    QPainter painter(&pixmap);
+    renderer.render(&painter, QRectF(0, 0, side, side));
+    return pixmap;
+}
+
 QPixmap StripPicture(QString const &name, int index, qreal devicePixelRatio, int side) {
-    QImage const strip(ResourcePath(name));
+    QString const path = ResourcePath(name);
+    if (path.endsWith(QStringLiteral(".svg")))
+        return SvgPicture(path, index, devicePixelRatio, side);
+    QImage const strip(path);
     int const cell = strip.height();
     if (strip.isNull() || index < 0 || index >= strip.width() / cell)
         return {};
@@ -128,13 +170,8 @@ QPixmap ResourcePicture(QString const &name, qreal devicePixelRatio, int side) {
     QString path = ResourcePath(name);
     if (name.isEmpty() || !QFile::exists(path))
         path = ResourcePath(QStringLiteral("file"));
-    QPixmap pixmap = EmptyPixmap(side, devicePixelRatio);
-    if (!path.endsWith(QStringLiteral(".svg")))
-        return Fitted(QImage(path), devicePixelRatio, side);
-    QSvgRenderer renderer(path);
-    QPainter painter(&pixmap);
-    renderer.render(&painter, QRectF(0, 0, side, side));
-    return pixmap;
+    return path.endsWith(QStringLiteral(".svg")) ? SvgPicture(path, 0, devicePixelRatio, side)
+                                                 : Fitted(QImage(path), devicePixelRatio, side);
 }
 
 QPixmap Picture(ImageDescription const &description, qreal devicePixelRatio, int side) {

@@ -5,7 +5,8 @@
 #include "zelvar/platform/ui/Text.h"
 
 #include <algorithm>
-#include <limits>
+#include <iterator>
+#include <tuple>
 #include <unordered_map>
 
 namespace zelvar::platform {
@@ -15,10 +16,10 @@ namespace {
 constexpr std::size_t kMostParts = 4096;
 constexpr int kMostListed = 10'000; // selected rows that are listed one by one
 
-using Known = std::unordered_map<ReportView const *, ReportAccessible *>;
+using WatchedViews = std::unordered_map<ReportView const *, ReportAccessible *>;
 
-Known &KnownViews() {
-    static Known views;
+WatchedViews &KnownViews() {
+    static WatchedViews views;
     return views;
 }
 
@@ -143,8 +144,8 @@ ReportAccessible::ReportAccessible(ReportView &view) : QAccessibleWidget(&view, 
 }
 
 ReportAccessible::~ReportAccessible() {
-    for (auto const &[place, id] : m_parts)
-        QAccessible::deleteAccessibleInterface(id);
+    for (Known const &part : m_byUse)
+        QAccessible::deleteAccessibleInterface(part.id);
     if (m_view != nullptr)
         KnownViews().erase(m_view);
 }
@@ -190,21 +191,29 @@ void ReportAccessible::FocusEntered(ReportView &view) {
 
 bool ReportAccessible::IsList() const { return columnCount() <= 1; }
 
+QAccessibleInterface *ReportAccessible::Find(int row, int col) const {
+    auto const found = m_parts.find({row, col});
+    if (found == m_parts.end())
+        return nullptr;
+    m_byUse.splice(m_byUse.end(), m_byUse, found->second);
+    return QAccessible::accessibleInterface(found->second->id);
+}
+
 QAccessibleInterface *ReportAccessible::Part(int row, int col) const {
     if (row < 0 || row >= rowCount() || col < -1 || col >= columnCount())
         return nullptr;
-    std::pair<int, int> const place{row, col};
-    if (auto const made = m_parts.find(place); made != m_parts.end())
-        return QAccessible::accessibleInterface(made->second);
+    // A cell is asked of its row: the row must not be the one that makes room.
+    std::ignore = Find(row, -1);
+    if (QAccessibleInterface *const found = Find(row, col))
+        return found;
     if (m_parts.size() >= kMostParts) {
-        auto const oldest = m_parts.find(m_madeInOrder.front());
-        QAccessible::deleteAccessibleInterface(oldest->second);
-        m_parts.erase(oldest);
-        m_madeInOrder.pop_front();
+        QAccessible::deleteAccessibleInterface(m_byUse.front().id);
+        m_parts.erase(m_byUse.front().place);
+        m_byUse.pop_front();
     }
     auto *const part = new PartAccessible(*this, row, col);
-    m_parts[place] = QAccessible::registerAccessibleInterface(part);
-    m_madeInOrder.push_back(place);
+    m_byUse.push_back({{row, col}, QAccessible::registerAccessibleInterface(part)});
+    m_parts[{row, col}] = std::prev(m_byUse.end());
     return part;
 }
 

@@ -2,8 +2,9 @@
 
 #include <QtWidgets/QAccessibleWidget>
 
-#include <deque>
+#include <list>
 #include <map>
+#include <utility>
 
 namespace zelvar::platform {
 
@@ -66,10 +67,17 @@ public:
 
 private:
     ~ReportAccessible() override;
+    /// The part if it exists, which counts as a use.
+    [[nodiscard]] QAccessibleInterface *Find(int row, int col) const;
 
-    ReportView *m_view; ///< not owned
-    mutable std::map<std::pair<int, int>, QAccessible::Id> m_parts;
-    mutable std::deque<std::pair<int, int>> m_madeInOrder;
+    ReportView *m_view;                ///< not owned
+    using Place = std::pair<int, int>; ///< row and column
+    struct Known {
+        Place place{};
+        QAccessible::Id id = 0;
+    };
+    mutable std::list<Known> m_byUse; ///< last used at the end
+    mutable std::map<Place, std::list<Known>::iterator> m_parts;
 };
 
 /// From now on every report view is seen through this class. May be called again.

@@ -15,9 +15,10 @@ namespace zelvar::platform {
 namespace {
 
 char const *const kNames[] = {
-    "folder",          "folder-up",     "file",      "image", "table",    "container",  "drive", "drive-optical",
-    "drive-removable", "drive-network", "server",    "share", "database", "star",       "panel", "restore-layout",
-    "recursive",       "link-overlay",  "size-grip", "stop",  "warning",  "information"};
+    "folder",        "folder-up",       "file",          "image",        "table",     "container", "drive",
+    "drive-optical", "drive-removable", "drive-network", "server",       "share",     "database",  "star",
+    "panel",         "restore-layout",  "recursive",     "link-overlay", "size-grip", "stop",      "warning",
+    "information",   "vector",          "computer",      "network",      "home"};
 
 bool HasInk(QPixmap const &pixmap) {
     QImage const image = pixmap.toImage().convertToFormat(QImage::Format_ARGB32);
@@ -29,7 +30,7 @@ bool HasInk(QPixmap const &pixmap) {
 }
 
 TEST(Pictures, EachOfOursIsADifferentPicture) {
-    QPixmap sheet(22 * 28, 60);
+    QPixmap sheet(26 * 28, 60);
     sheet.fill(Qt::white);
     QPainter painter(&sheet);
     std::vector<QImage> images;
@@ -47,6 +48,7 @@ TEST(Pictures, EachOfOursIsADifferentPicture) {
     painter.end();
     QLabel label;
     label.setPixmap(sheet);
+    label.resize(sheet.size());
     test::Shot(label, QStringLiteral("pictures"));
 }
 
@@ -59,6 +61,14 @@ TEST(Pictures, AListsPictureHasThePixelsOfTheDeviceAndIsMadeOnce) {
     EXPECT_EQ(ListPicture(&list, index, 2).cacheKey(), picture.cacheKey());
     EXPECT_NE(ListPicture(&list, index, 1).cacheKey(), picture.cacheKey());
     EXPECT_EQ(picture.toImage(), ResourcePicture(QStringLiteral("folder"), 2).toImage());
+}
+
+TEST(Pictures, TheDesktopsNamesAndStripsLeadToOurPicturesWhereTheThemeHasNone) {
+    QImage const drive = ResourcePicture(QStringLiteral("drive"), 2).toImage();
+    EXPECT_EQ(Picture({.name = "no-such-icon", .fallback = "drive-harddisk"}, 2).toImage(), drive);
+    EXPECT_EQ(Picture({.kind = ImageDescription::Kind::Strip, .name = "drive"}, 2).toImage(), drive);
+    QImage const plain = ResourcePicture(QStringLiteral("file"), 2).toImage();
+    EXPECT_EQ(Picture({.kind = ImageDescription::Kind::Strip, .name = "drive", .index = 1}, 2).toImage(), plain);
 }
 
 TEST(Pictures, OutsideAListThereIsNone) {

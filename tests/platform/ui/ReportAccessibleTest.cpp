@@ -110,5 +110,17 @@ TEST(ReportAccessible, MillionsOfRowsCostNothingUntilAskedForAndThenOnlyTheLast)
     EXPECT_NE(table->child(4999), nullptr);
 }
 
+TEST_F(Accessible, ARowThatMakesItsCellsDoesNotMakeRoomForThem) {
+    view.ModifyStyle(0, LVS_OWNERDATA);
+    view.SetItemCountEx(5000);
+    QAccessibleInterface &table = Table();
+    QAccessibleInterface *const row = table.child(0);
+    for (int other = 1; other < 4096; ++other)
+        std::ignore = table.child(other);
+    QAccessibleInterface *const cell = row->child(0); // the 4,097th part
+    EXPECT_EQ(table.child(0), row);
+    EXPECT_EQ(cell->parent(), row);
+}
+
 } // namespace
 } // namespace zelvar::platform
