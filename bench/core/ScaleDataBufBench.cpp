@@ -27,8 +27,8 @@ void CompareWithPlainPass(char const *name, int type, char const *limit) {
     auto *bytes = reinterpret_cast<unsigned char *>(buffer.data());
     double volatile keep = 0;
     auto const refill = [&] { std::memcpy(buffer.data(), source.data(), count * sizeof(Sample)); };
-    std::vector<double> ratios;
-    double scaleMs = 1e9, plainMs = 1e9;
+    double scaleMs = 1e9;
+    double plainMs = 1e9;
     for (int run = 0; run < 15; ++run) {
         refill();
         double const plain = BestMs(1, [&] {

@@ -149,7 +149,7 @@ TEST_F(BadInput, ClaimedSizesAreNotBelieved) {
     RDIDriver *driver = nullptr;
     void *handle = nullptr;
     if (RDIDriverMngr::Instance()->OpenFile({path, nullptr}, &driver, &handle, "", nullptr, "")) {
-        std::vector<unsigned char> out(100 * 100);
+        std::vector<unsigned char> out(10'000);
         std::ignore = driver->ReadBlockRsmpl(handle, 0, 0, 0, 200'000, 200'000, out.data(), 100, 100, 3, true, true);
         driver->CloseFile(handle, true);
     }
@@ -171,7 +171,7 @@ TEST_F(BadInput, AFileThatShrinksWhileItIsReadFailsTheRead) {
     RDIDriver *driver = nullptr;
     void *handle = nullptr;
     ASSERT_TRUE(RDIDriverMngr::Instance()->OpenFile({path, nullptr}, &driver, &handle, "", nullptr, ""));
-    std::vector<unsigned char> out(500 * 500);
+    std::vector<unsigned char> out(250'000);
     EXPECT_TRUE(driver->ReadBlockRsmpl(handle, 0, 0, 0, 500, 500, out.data(), 500, 500, 0, true, true));
     ASSERT_EQ(truncate(path.c_str(), 100'000), 0);
     EXPECT_FALSE(driver->ReadBlockRsmpl(handle, 0, 0, 1400, 500, 500, out.data(), 500, 500, 0, true, true));

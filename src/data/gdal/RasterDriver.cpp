@@ -138,12 +138,7 @@ bool RasterDriver::ReadBlockRsmpl(void *handle, int channel, double x, double y,
     GDALRasterBandH band = image.Band(channel);
     if (band == nullptr || buffer == nullptr || resampling < Nearest || resampling > Cubic)
         return false;
-    ReadRequest const request{.x = x,
-                              .y = y,
-                              .width = width,
-                              .height = height,
-                              .outWidth = outWidth,
-                              .outHeight = outHeight,
+    ReadRequest const request{.window = {x, y, width, height, outWidth, outHeight},
                               .resampling = static_cast<Resampling>(resampling),
                               .usePyramid = usePyramid,
                               .clip = clip,
@@ -164,15 +159,8 @@ bool RasterDriver::ReadPaletteRsmpl(void *handle, double x, double y, double wid
     if (band == nullptr || rgb == nullptr)
         return false;
     try {
-        return ReadPaletteWindow(band,
-                                 {.x = x,
-                                  .y = y,
-                                  .width = width,
-                                  .height = height,
-                                  .outWidth = outWidth,
-                                  .outHeight = outHeight,
-                                  .stop = image.stop},
-                                 static_cast<unsigned char *>(rgb));
+        ReadRequest const request{.window = {x, y, width, height, outWidth, outHeight}, .stop = image.stop};
+        return ReadPaletteWindow(band, request, static_cast<unsigned char *>(rgb));
     } catch (std::bad_alloc const &) {
         return false;
     }

@@ -1,6 +1,6 @@
 #include "zelvar/data/gdal/RasterReading.h"
 
-#include "zelvar/base/DString.h"
+#include "zelvar/data/gdal/Resample.h"
 
 #include <gdal.h>
 
@@ -9,7 +9,8 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
-#include <memory>
+#include <type_traits>
+#include <vector>
 
 namespace zelvar::gdal {
 
@@ -17,289 +18,187 @@ namespace {
 
 constexpr int kLargestSide = 1 << 20; // of a result, pixels
 
-GDALRIOResampleAlg AlgorithmOf(RDIDriver::Resampling resampling) {
-    switch (resampling) {
-    case RDIDriver::Average:
-        return GRIORA_Average;
-    case RDIDriver::Bilinear:
-        return GRIORA_Bilinear;
-    case RDIDriver::Cubic:
-        return GRIORA_Cubic;
-    case RDIDriver::Nearest:
-        break;
-    }
-    return GRIORA_NearestNeighbour;
-}
-
-GDALDataType GdalTypeOf(RDIDataType type) {
-    switch (type) {
-    case RDI_UInt8:
-        return GDT_Byte;
-    case RDI_UInt16:
-        return GDT_UInt16;
-    case RDI_Int16:
-        return GDT_Int16;
-    case RDI_UInt32:
-        return GDT_UInt32;
-    case RDI_Int32:
-        return GDT_Int32;
-    default:
-        return GDT_Float32;
-    }
-}
-
-bool IsSignedByte(GDALRasterBandH band) {
-    char const *type = GDALGetMetadataItem(band, "PIXELTYPE", "IMAGE_STRUCTURE");
-    return GDALGetRasterDataType(band) == GDT_Byte && type != nullptr && EqualNoCase(type, "SIGNEDBYTE");
-}
-
-int GoOn(double, char const *, void *stop) {
-    auto const *signal = static_cast<StopSignal const *>(stop);
-    return signal == nullptr || !signal->load(std::memory_order_relaxed) ? TRUE : FALSE;
-}
-
-/// Part of a band in its own pixels, brought to a size.
-struct Window {
-    double x = 0;
-    double y = 0;
-    double width = 0;
-    double height = 0;
-    int outWidth = 0;
-    int outHeight = 0;
-};
-
-/// One call of GDAL, polling `stop`. The window must lie inside the band.
-bool Transfer(GDALRasterBandH band, Window const &window, GDALRIOResampleAlg algorithm, GDALDataType type, void *buffer,
-              StopSignal const *stop) {
-    GDALRasterIOExtraArg extra;
-    INIT_RASTERIO_EXTRA_ARG(extra);
-    extra.eResampleAlg = algorithm;
-    extra.pfnProgress = &GoOn;
-    extra.pProgressData = const_cast<StopSignal *>(stop);
-    extra.bFloatingPointWindowValidity = TRUE;
-    extra.dfXOff = window.x;
-    extra.dfYOff = window.y;
-    extra.dfXSize = window.width;
-    extra.dfYSize = window.height;
-    int const left = static_cast<int>(std::floor(window.x));
-    int const top = static_cast<int>(std::floor(window.y));
-    int const right = std::min(static_cast<int>(std::ceil(window.x + window.width)), GDALGetRasterBandXSize(band));
-    int const bottom = std::min(static_cast<int>(std::ceil(window.y + window.height)), GDALGetRasterBandYSize(band));
-    return GDALRasterIOEx(band, GF_Read, left, top, std::max(right - left, 1), std::max(bottom - top, 1), buffer,
-                          window.outWidth, window.outHeight, type, 0, 0, &extra) == CE_None;
-}
-
-/// The band, or the overview of it just fine enough for `ratio` pixels of the band a pixel of the result.
-GDALRasterBandH LevelFor(GDALRasterBandH band, double ratio) {
-    GDALRasterBandH best = band;
-    double bestRatio = 1;
-    for (int i = 0; i < GDALGetOverviewCount(band); ++i) {
-        GDALRasterBandH overview = GDALGetOverview(band, i);
-        if (overview == nullptr || GDALGetRasterBandXSize(overview) < 1 || GDALGetRasterBandYSize(overview) < 1)
-            continue;
-        double const reduced =
-            std::min(static_cast<double>(GDALGetRasterBandXSize(band)) / GDALGetRasterBandXSize(overview),
-                     static_cast<double>(GDALGetRasterBandYSize(band)) / GDALGetRasterBandYSize(overview));
-        // A level a little coarser than the result serves as well: nobody sees the difference.
-        if (reduced > bestRatio && reduced <= ratio * 1.2) {
-            best = overview;
-            bestRatio = reduced;
-        }
-    }
-    return best;
-}
-
-/// A picture in memory as a data set of GDAL's.
-class MemoryBand {
-public:
-    MemoryBand(int width, int height, GDALDataType type, GDALRasterBandH like) {
-        GDALDriverH driver = GDALGetDriverByName("MEM");
-        if (driver != nullptr)
-            m_dataset.reset(GDALCreate(driver, "", width, height, 1, type, nullptr));
-        int hasNodata = FALSE;
-        double const nodata = GDALGetRasterNoDataValue(like, &hasNodata);
-        if (m_dataset != nullptr && hasNodata != FALSE)
-            GDALSetRasterNoDataValue(Band(), nodata);
-    }
-    [[nodiscard]] bool IsValid() const { return m_dataset != nullptr; }
-    [[nodiscard]] GDALRasterBandH Band() const { return GDALGetRasterBand(m_dataset.get(), 1); }
-
-private:
-    struct Close {
-        void operator()(void *dataset) const { GDALClose(dataset); }
-    };
-    std::unique_ptr<void, Close> m_dataset;
-};
-
-/// Averages the window to twice the wanted size, then resamples that.
-bool TransferInTwoSteps(GDALRasterBandH band, Window const &window, GDALRIOResampleAlg algorithm, GDALDataType type,
-                        void *buffer, StopSignal const *stop) {
-    int const width = std::min(2 * window.outWidth, static_cast<int>(window.width));
-    int const height = std::min(2 * window.outHeight, static_cast<int>(window.height));
-    MemoryBand const half(width, height, type, band);
-    if (!half.IsValid())
-        return false;
-    // Strips end between two calls, where a stop is seen at once.
-    constexpr int kStrip = 64;
-    std::vector<unsigned char> rows(static_cast<std::size_t>(width) * kStrip *
-                                    static_cast<std::size_t>(GDALGetDataTypeSizeBytes(type)));
-    double const step = window.height / height;
-    for (int top = 0; top < height; top += kStrip) {
-        int const count = std::min(kStrip, height - top);
-        Window const strip{window.x, window.y + top * step, window.width, count * step, width, count};
-        if (!Transfer(band, strip, GRIORA_Average, type, rows.data(), stop) ||
-            GoOn(0, nullptr, const_cast<StopSignal *>(stop)) == FALSE)
-            return false;
-        if (GDALRasterIO(half.Band(), GF_Write, 0, top, width, count, rows.data(), width, count, type, 0, 0) != CE_None)
-            return false;
-    }
-    Window const all{0, 0, static_cast<double>(width), static_cast<double>(height), window.outWidth, window.outHeight};
-    return Transfer(half.Band(), all, algorithm, type, buffer, stop);
-}
-
-bool TransferResampled(GDALRasterBandH band, Window const &window, ReadRequest const &request, GDALDataType type,
-                       void *buffer) {
-    GDALRIOResampleAlg const algorithm = AlgorithmOf(request.resampling);
-    double const ratio = std::min(window.width / window.outWidth, window.height / window.outHeight);
-    GDALRasterBandH level = request.usePyramid ? LevelFor(band, ratio) : band;
-    Window scaled = window;
-    if (level != band) {
-        double const factorX = static_cast<double>(GDALGetRasterBandXSize(level)) / GDALGetRasterBandXSize(band);
-        double const factorY = static_cast<double>(GDALGetRasterBandYSize(level)) / GDALGetRasterBandYSize(band);
-        scaled.x *= factorX;
-        scaled.width *= factorX;
-        scaled.y *= factorY;
-        scaled.height *= factorY;
-    }
-    bool const mixes = algorithm == GRIORA_Bilinear || algorithm == GRIORA_Cubic;
-    double const left = std::max(scaled.width / scaled.outWidth, scaled.height / scaled.outHeight);
-    if (mixes && left > 2)
-        return TransferInTwoSteps(level, scaled, algorithm, type, buffer, request.stop);
-    return Transfer(level, scaled, algorithm, type, buffer, request.stop);
-}
-
-/// What the samples of a band mean by "no data"; NaN for nothing.
-double NodataOf(GDALRasterBandH band) {
-    int has = FALSE;
-    double const value = GDALGetRasterNoDataValue(band, &has);
-    return has != FALSE ? value : std::numeric_limits<double>::quiet_NaN();
+bool Mixes(RDIDriver::Resampling resampling) {
+    return resampling == RDIDriver::Bilinear || resampling == RDIDriver::Cubic;
 }
 
 template <class Sample>
 void ZeroNodata(Sample *samples, std::size_t count, double nodata) {
     if constexpr (std::is_floating_point_v<Sample>) {
-        auto const none = static_cast<Sample>(nodata);
-        for (std::size_t i = 0; i < count; ++i)
-            if (!std::isfinite(samples[i]) || samples[i] == none)
-                samples[i] = 0;
+        constexpr double kMost = std::numeric_limits<Sample>::max();
+        auto const none = static_cast<Sample>(std::isnan(nodata) ? nodata : std::clamp(nodata, -kMost, kMost));
+        std::replace_if(
+            samples, samples + count, [none](Sample sample) { return !std::isfinite(sample) || sample == none; },
+            Sample{0});
     } else {
-        if (!(nodata >= std::numeric_limits<Sample>::min() && nodata <= std::numeric_limits<Sample>::max()) ||
-            nodata == 0)
-            return;
-        std::replace(samples, samples + count, static_cast<Sample>(nodata), Sample{0});
+        bool const possible = nodata >= static_cast<double>(std::numeric_limits<Sample>::min()) &&
+                              nodata <= static_cast<double>(std::numeric_limits<Sample>::max()) &&
+                              nodata == std::floor(nodata);
+        if (possible && nodata != 0)
+            std::replace(samples, samples + count, static_cast<Sample>(nodata), Sample{0});
     }
 }
 
-void ZeroNodata(void *samples, RDIDataType type, std::size_t count, double nodata) {
-    switch (type) {
-    case RDI_UInt8:
-        ZeroNodata(static_cast<std::uint8_t *>(samples), count, nodata);
-        break;
-    case RDI_UInt16:
-        ZeroNodata(static_cast<std::uint16_t *>(samples), count, nodata);
-        break;
-    case RDI_Int16:
-        ZeroNodata(static_cast<std::int16_t *>(samples), count, nodata);
-        break;
-    case RDI_UInt32:
-        ZeroNodata(static_cast<std::uint32_t *>(samples), count, nodata);
-        break;
-    case RDI_Int32:
-        ZeroNodata(static_cast<std::int32_t *>(samples), count, nodata);
-        break;
-    default:
-        ZeroNodata(static_cast<float *>(samples), count, nodata);
-        break;
+/// The window as it stands, with what lies around it within the kernel's reach.
+template <class Sample>
+bool ReadPlane(BandHandle band, Window const &window, StopSignal const *stop, Plane<Sample> &plane) {
+    double const reach = 2 * std::max({window.width / window.outWidth, window.height / window.outHeight, 1.0}) + 1;
+    auto const low = [&](double position) { return static_cast<int>(std::max(std::floor(position - reach), 0.0)); };
+    auto const high = [&](double position, int size) {
+        return static_cast<int>(std::min(std::ceil(position + reach), static_cast<double>(size)));
+    };
+    int const left = low(window.x);
+    int const top = low(window.y);
+    plane.width = high(window.x + window.width, GDALGetRasterBandXSize(band)) - left;
+    plane.height = high(window.y + window.height, GDALGetRasterBandYSize(band)) - top;
+    plane.windowX = window.x - left;
+    plane.windowY = window.y - top;
+    plane.windowWidth = window.width;
+    plane.windowHeight = window.height;
+    plane.samples.resize(static_cast<std::size_t>(plane.width) * static_cast<std::size_t>(plane.height));
+    Window const all{static_cast<double>(left),
+                     static_cast<double>(top),
+                     static_cast<double>(plane.width),
+                     static_cast<double>(plane.height),
+                     plane.width,
+                     plane.height};
+    return ReadSamples(band, all, Reduction::Pick, plane.samples.data(), stop);
+}
+
+/// The window averaged to about twice the wanted size.
+template <class Sample>
+bool ReadReducedPlane(BandHandle band, Window const &window, StopSignal const *stop, Plane<Sample> &plane) {
+    plane.width = std::min(2 * window.outWidth, static_cast<int>(std::ceil(window.width)));
+    plane.height = std::min(2 * window.outHeight, static_cast<int>(std::ceil(window.height)));
+    plane.windowWidth = plane.width;
+    plane.windowHeight = plane.height;
+    auto const rowSize = static_cast<std::size_t>(plane.width);
+    plane.samples.resize(rowSize * static_cast<std::size_t>(plane.height));
+    constexpr int kStrip = 64; // a stop is seen between two strips, whatever the format
+    double const step = window.height / plane.height;
+    for (int top = 0; top < plane.height && !IsStopped(stop); top += kStrip) {
+        int const count = std::min(kStrip, plane.height - top);
+        Window const strip{window.x, window.y + top * step, window.width, count * step, plane.width, count};
+        if (!ReadSamples(band, strip, Reduction::Average,
+                         plane.samples.data() + static_cast<std::size_t>(top) * rowSize, stop))
+            return false;
     }
+    return !IsStopped(stop);
 }
 
 /// Reads a window that lies inside the band.
-bool ReadInside(GDALRasterBandH band, RDIDataType type, Window const &window, ReadRequest const &request,
-                void *buffer) {
-    std::size_t const count = static_cast<std::size_t>(window.outWidth) * static_cast<std::size_t>(window.outHeight);
+template <class Sample>
+bool ReadInside(BandHandle band, Window const &window, ReadRequest const &request, Sample *out) {
+    double const ratio = std::min(window.width / window.outWidth, window.height / window.outHeight);
+    BandHandle level = request.usePyramid ? LevelFor(band, ratio) : band;
+    Window const scaled = OnLevel(window, band, level);
     double const nodata = NodataOf(band);
-    if (GDALDataTypeIsComplex(GDALGetRasterDataType(band)) != FALSE) {
-        std::vector<float> pairs(2 * count);
-        if (!TransferResampled(band, window, request, GDT_CFloat32, pairs.data()))
+    if (!Mixes(request.resampling)) {
+        Reduction const reduction = request.resampling == RDIDriver::Average ? Reduction::Average : Reduction::Pick;
+        if (!ReadSamples(level, scaled, reduction, out, request.stop))
             return false;
-        auto *samples = static_cast<float *>(buffer);
-        for (std::size_t i = 0; i < count; ++i)
-            samples[i] = std::hypot(pairs[2 * i], pairs[2 * i + 1]);
-    } else if (IsSignedByte(band)) {
-        // GDAL hands such samples out as unsigned, so that mixing would mix the wrong values.
-        ReadRequest nearest = request;
-        nearest.resampling = RDIDriver::Nearest;
-        std::vector<signed char> bytes(count);
-        if (!TransferResampled(band, window, nearest, GDT_Byte, bytes.data()))
-            return false;
-        std::copy(bytes.begin(), bytes.end(), static_cast<float *>(buffer));
-    } else if (!TransferResampled(band, window, request, GdalTypeOf(type), buffer)) {
-        return false;
+        ZeroNodata(out, static_cast<std::size_t>(window.outWidth) * static_cast<std::size_t>(window.outHeight), nodata);
+        return true;
     }
-    ZeroNodata(buffer, type, count, nodata);
+    Plane<Sample> plane;
+    bool const large = std::max(scaled.width / scaled.outWidth, scaled.height / scaled.outHeight) > 2;
+    if (!(large ? ReadReducedPlane(level, scaled, request.stop, plane) : ReadPlane(level, scaled, request.stop, plane)))
+        return false;
+    Resample(plane, request.resampling == RDIDriver::Cubic ? MixingKernel::Cubic : MixingKernel::Bilinear, nodata, out,
+             window.outWidth, window.outHeight);
     return true;
 }
 
-/// How many pixels of the result lie before `position` of the window, and how many in all up to `end`.
+bool ReadInsideAs(BandHandle band, RDIDataType type, Window const &window, ReadRequest const &request, void *out) {
+    switch (type) {
+    case RDI_UInt8:
+        return ReadInside(band, window, request, static_cast<std::uint8_t *>(out));
+    case RDI_UInt16:
+        return ReadInside(band, window, request, static_cast<std::uint16_t *>(out));
+    case RDI_Int16:
+        return ReadInside(band, window, request, static_cast<std::int16_t *>(out));
+    case RDI_UInt32:
+        return ReadInside(band, window, request, static_cast<std::uint32_t *>(out));
+    case RDI_Int32:
+        return ReadInside(band, window, request, static_cast<std::int32_t *>(out));
+    case RDI_Float32:
+        return ReadInside(band, window, request, static_cast<float *>(out));
+    case RDI_None:
+        break;
+    }
+    return false;
+}
+
 struct Span {
     int begin = 0;
     int end = 0;
+    [[nodiscard]] int Length() const { return end - begin; }
 };
 /// The pixels of the result whose centres lie inside the band.
 Span InsideOf(double offset, double size, int outSize, int bandSize) {
     double const step = size / outSize;
-    auto const pixelAt = [&](double position) { return std::ceil((position - offset) / step - 0.5); };
-    return {static_cast<int>(std::clamp(pixelAt(0), 0.0, static_cast<double>(outSize))),
-            static_cast<int>(std::clamp(pixelAt(bandSize), 0.0, static_cast<double>(outSize)))};
+    auto const pixelAt = [&](double position) {
+        return static_cast<int>(
+            std::clamp(std::ceil((position - offset) / step - 0.5), 0.0, static_cast<double>(outSize)));
+    };
+    return {pixelAt(0), pixelAt(bandSize)};
 }
 
-bool IsInside(ReadRequest const &request, GDALRasterBandH band) {
-    return request.x >= 0 && request.y >= 0 && request.x + request.width <= GDALGetRasterBandXSize(band) &&
-           request.y + request.height <= GDALGetRasterBandYSize(band);
+bool IsInside(Window const &window, BandHandle band) {
+    return window.x >= 0 && window.y >= 0 && window.x + window.width <= GDALGetRasterBandXSize(band) &&
+           window.y + window.height <= GDALGetRasterBandYSize(band);
 }
 
 /// Reads what there is of a window that leaves the band, and leaves zeros around it.
-bool ReadClipped(GDALRasterBandH band, RDIDataType type, ReadRequest const &request, unsigned char *buffer) {
+bool ReadClipped(BandHandle band, RDIDataType type, ReadRequest const &request, unsigned char *buffer) {
+    Window const &window = request.window;
     auto const sampleSize = static_cast<std::size_t>(RDIGetDTSize(type));
-    auto const rowSize = static_cast<std::size_t>(request.outWidth) * sampleSize;
-    std::fill_n(buffer, rowSize * static_cast<std::size_t>(request.outHeight), std::uint8_t{0});
-    Span const columns = InsideOf(request.x, request.width, request.outWidth, GDALGetRasterBandXSize(band));
-    Span const rows = InsideOf(request.y, request.height, request.outHeight, GDALGetRasterBandYSize(band));
-    int const width = columns.end - columns.begin;
-    int const height = rows.end - rows.begin;
-    if (width < 1 || height < 1)
+    auto const rowSize = static_cast<std::size_t>(window.outWidth) * sampleSize;
+    std::fill_n(buffer, rowSize * static_cast<std::size_t>(window.outHeight), std::uint8_t{0});
+    Span const columns = InsideOf(window.x, window.width, window.outWidth, GDALGetRasterBandXSize(band));
+    Span const rows = InsideOf(window.y, window.height, window.outHeight, GDALGetRasterBandYSize(band));
+    if (columns.Length() < 1 || rows.Length() < 1)
         return true;
-    double const stepX = request.width / request.outWidth;
-    double const stepY = request.height / request.outHeight;
-    double const left = std::max(request.x + columns.begin * stepX, 0.0);
-    double const top = std::max(request.y + rows.begin * stepY, 0.0);
-    double const right = std::min(request.x + columns.end * stepX, static_cast<double>(GDALGetRasterBandXSize(band)));
-    double const bottom = std::min(request.y + rows.end * stepY, static_cast<double>(GDALGetRasterBandYSize(band)));
-    std::vector<unsigned char> part(static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * sampleSize);
-    if (!ReadInside(band, type, {left, top, right - left, bottom - top, width, height}, request, part.data()))
+    double const stepX = window.width / window.outWidth;
+    double const stepY = window.height / window.outHeight;
+    Window part;
+    part.x = std::max(window.x + columns.begin * stepX, 0.0);
+    part.y = std::max(window.y + rows.begin * stepY, 0.0);
+    part.width = std::min(window.x + columns.end * stepX, static_cast<double>(GDALGetRasterBandXSize(band))) - part.x;
+    part.height = std::min(window.y + rows.end * stepY, static_cast<double>(GDALGetRasterBandYSize(band))) - part.y;
+    part.outWidth = columns.Length();
+    part.outHeight = rows.Length();
+    auto const partRow = static_cast<std::size_t>(part.outWidth) * sampleSize;
+    std::vector<unsigned char> samples(partRow * static_cast<std::size_t>(part.outHeight));
+    if (!ReadInsideAs(band, type, part, request, samples.data()))
         return false;
-    for (int y = 0; y < height; ++y)
+    for (int y = 0; y < part.outHeight; ++y)
         std::memcpy(buffer + static_cast<std::size_t>(rows.begin + y) * rowSize +
                         static_cast<std::size_t>(columns.begin) * sampleSize,
-                    part.data() + static_cast<std::size_t>(y) * static_cast<std::size_t>(width) * sampleSize,
-                    static_cast<std::size_t>(width) * sampleSize);
+                    samples.data() + static_cast<std::size_t>(y) * partRow, partRow);
     return true;
 }
 
-bool IsSensible(ReadRequest const &request) {
-    return request.outWidth >= 1 && request.outHeight >= 1 && request.outWidth <= kLargestSide &&
-           request.outHeight <= kLargestSide && request.width > 0 && request.height > 0 && std::abs(request.x) < 1e10 &&
-           std::abs(request.y) < 1e10 && request.width < 1e10 && request.height < 1e10;
+bool IsSensible(Window const &window) {
+    constexpr double kFarthest = 1e10;
+    return window.outWidth >= 1 && window.outHeight >= 1 && window.outWidth <= kLargestSide &&
+           window.outHeight <= kLargestSide && window.width > 0 && window.height > 0 &&
+           std::abs(window.x) < kFarthest && std::abs(window.y) < kFarthest && window.width < kFarthest &&
+           window.height < kFarthest;
+}
+
+using Rgb24 = std::array<unsigned char, 3>;
+
+std::vector<Rgb24> PaletteOf(BandHandle band) {
+    GDALColorTableH table = GDALGetRasterColorTable(band);
+    std::vector<Rgb24> colors(static_cast<std::size_t>(std::clamp(GDALGetColorEntryCount(table), 0, 65536)));
+    for (std::size_t i = 0; i < colors.size(); ++i) {
+        GDALColorEntry entry{};
+        GDALGetColorEntryAsRGB(table, static_cast<int>(i), &entry);
+        auto const byte = [](short part) { return static_cast<unsigned char>(std::clamp<int>(part, 0, 255)); };
+        colors[i] = {byte(entry.c1), byte(entry.c2), byte(entry.c3)};
+    }
+    return colors;
 }
 
 } // namespace
@@ -326,13 +225,11 @@ RDIDataType DeliveredType(BandHandle band) {
 }
 
 bool ReadWindow(BandHandle band, RDIDataType type, ReadRequest const &request, void *buffer) {
-    if (type == RDI_None || !IsSensible(request))
+    if (!IsSensible(request.window))
         return false;
-    if (IsInside(request, band))
-        return ReadInside(band, type,
-                          {request.x, request.y, request.width, request.height, request.outWidth, request.outHeight},
-                          request, buffer);
-    return request.clip && ReadClipped(band, type, request, static_cast<unsigned char *>(buffer));
+    if (IsInside(request.window, band))
+        return ReadInsideAs(band, type, request.window, request, buffer);
+    return request.clip && type != RDI_None && ReadClipped(band, type, request, static_cast<unsigned char *>(buffer));
 }
 
 bool HasPalette(BandHandle band) {
@@ -342,29 +239,18 @@ bool HasPalette(BandHandle band) {
 }
 
 bool ReadPaletteWindow(BandHandle band, ReadRequest const &request, unsigned char *rgb) {
-    if (!HasPalette(band) || !IsSensible(request) || !IsInside(request, band))
+    Window const &window = request.window;
+    if (!HasPalette(band) || !IsSensible(window) || !IsInside(window, band))
         return false;
-    std::size_t const count = static_cast<std::size_t>(request.outWidth) * static_cast<std::size_t>(request.outHeight);
-    std::vector<std::uint16_t> indexes(count);
-    ReadRequest picked = request;
-    picked.resampling = RDIDriver::Nearest;
-    if (!TransferResampled(band,
-                           {request.x, request.y, request.width, request.height, request.outWidth, request.outHeight},
-                           picked, GDT_UInt16, indexes.data()))
+    std::vector<std::uint16_t> indexes(static_cast<std::size_t>(window.outWidth) *
+                                       static_cast<std::size_t>(window.outHeight));
+    BandHandle level = LevelFor(band, std::min(window.width / window.outWidth, window.height / window.outHeight));
+    if (!ReadSamples(level, OnLevel(window, band, level), Reduction::Pick, indexes.data(), request.stop))
         return false;
-    GDALColorTableH table = GDALGetRasterColorTable(band);
-    std::vector<std::array<unsigned char, 3>> colors(
-        static_cast<std::size_t>(std::clamp(GDALGetColorEntryCount(table), 0, 65536)));
-    for (std::size_t i = 0; i < colors.size(); ++i) {
-        GDALColorEntry entry{};
-        GDALGetColorEntryAsRGB(table, static_cast<int>(i), &entry);
-        auto const byte = [](short part) { return static_cast<unsigned char>(std::clamp<int>(part, 0, 255)); };
-        colors[i] = {byte(entry.c1), byte(entry.c2), byte(entry.c3)};
-    }
-    for (std::size_t i = 0; i < count; ++i) {
-        std::array<unsigned char, 3> const color =
-            indexes[i] < colors.size() ? colors[indexes[i]] : std::array<unsigned char, 3>{};
-        std::copy(color.begin(), color.end(), rgb + 3 * i);
+    std::vector<Rgb24> const colors = PaletteOf(band);
+    for (std::uint16_t const index : indexes) {
+        Rgb24 const color = index < colors.size() ? colors[index] : Rgb24{};
+        rgb = std::copy(color.begin(), color.end(), rgb);
     }
     return true;
 }

@@ -1,24 +1,15 @@
 #pragma once
 
 #include "zelvar/data/RDIDriver.h"
-
-#include <vector>
+#include "zelvar/data/gdal/BandReading.h"
 
 namespace zelvar::gdal {
 
-/// GDAL's handle of a band.
-using BandHandle = void *;
-
-/// A window of a channel, pixels, and the size that it is brought to.
+/// A window of a channel, pixels, and how it is brought to a size.
 struct ReadRequest {
-    double x = 0;
-    double y = 0;
-    double width = 0;
-    double height = 0;
-    int outWidth = 0;
-    int outHeight = 0;
+    Window window{};
     RDIDriver::Resampling resampling = RDIDriver::Nearest;
-    bool usePyramid = true;
+    bool usePyramid = true; ///< GDAL may take a level by itself even without it, where pixels are picked or averaged
     bool clip = true;
     StopSignal const *stop = nullptr; ///< not owned, may be null
 };
@@ -27,8 +18,8 @@ struct ReadRequest {
 /// double and complex numbers (their magnitude) are delivered as 32-bit floats.
 [[nodiscard]] RDIDataType DeliveredType(BandHandle band);
 
-/// Reads as `RDIDriver::ReadBlockRsmpl` tells, into `buffer` of `outWidth` * `outHeight` samples of `DeliveredType`.
-/// NaN, infinities and nodata become zeros.
+/// Reads as `RDIDriver::ReadBlockRsmpl` tells, into `buffer` of `outWidth` * `outHeight` samples of `type`, the band's
+/// `DeliveredType`. NaN, infinities and nodata become zeros.
 ///
 /// Where a pyramid serves, its level just above the wanted size is read and brought there by one step of the resampling
 /// asked for. Without one, bilinear and cubic reading of a window more than twice as large goes by two steps: averages
