@@ -30,7 +30,7 @@ public:
             unsigned char type = entry->d_type;
             struct stat info {};
             if ((type == DT_LNK || type == DT_UNKNOWN) && fstatat(dirfd(directory.get()), entry->d_name, &info, 0) == 0)
-                type = IFTODT(info.st_mode);
+                type = static_cast<unsigned char>(IFTODT(info.st_mode));
             if (type == DT_DIR || type == DT_REG)
                 entries.push_back({entry->d_name, type == DT_DIR});
         }
