@@ -108,7 +108,7 @@ void cdxCDynamicWnd::Layout() {
         // The pixels of a moved child can only be kept while painting goes on.
         PaintingPause pause(*Client());
         bool const pauses = (m_flags & FlagCopyBits) == 0;
-        // By index: a child that moves may make or delete others.
+        // By index: a child that moves may make or delete others. NOLINTNEXTLINE(modernize-loop-convert)
         for (qsizetype i = 0; i < Client()->children().size(); ++i) {
             QObject *const object = Client()->children().at(i);
             if (!object->isWidgetType())
@@ -147,6 +147,7 @@ std::unique_ptr<cdxCDynamicLayoutInfo> cdxCDynamicWnd::DoCreateLayoutInfo() {
     return (*info = this) ? std::move(info) : nullptr;
 }
 
+// NOLINTNEXTLINE(misc-unconventional-assign-operator): it tells whether it did
 bool cdxCDynamicLayoutInfo::operator=(cdxCDynamicWnd const *wnd) {
     if (wnd == nullptr || !wnd->IsUp())
         return false;
@@ -214,7 +215,9 @@ void cdxCDynamicWnd::DoOnSize(int type, int /*cx*/, int /*cy*/) {
 }
 
 void cdxCDynamicWnd::DoOnSizing(int edge, Rect const & /*rect*/) {
-    constexpr int right = 2, bottom = 6, bottomRight = 8;
+    constexpr int right = 2;
+    constexpr int bottom = 6;
+    constexpr int bottomRight = 8;
     if (m_timerId != 0 && !IsDisabled() && IsWindow() && (m_flags & FlagAntiFlicker) != 0)
         StartAntiFlickering(edge == right || edge == bottom || edge == bottomRight);
 }

@@ -70,7 +70,7 @@ bool cdxCSizeIconCtrl::eventFilter(QObject *watched, QEvent *event) {
         UpdateCursor();
         update();
     }
-    return QWidget::eventFilter(watched, event);
+    return false;
 }
 
 } // namespace zelvar

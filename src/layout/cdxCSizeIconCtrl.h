@@ -21,7 +21,7 @@ public:
     /// Makes it a child of `parent` in the corner of its client area, not yet visible. False without a parent.
     virtual bool Create(QWidget *parent, int id);
 
-    QSize sizeHint() const override;
+    [[nodiscard]] QSize sizeHint() const override;
 
 protected:
     void paintEvent(QPaintEvent *event) override;
