@@ -61,7 +61,7 @@ protected:
     std::shared_ptr<platform::ShellNamespace> m_former;
 };
 INSTANTIATE_TEST_SUITE_P(Styles, DfltFldrsTest, testing::Values(PathStyle::Native(), PathStyle::Windows()),
-                         [](auto const &info) { return info.param == PathStyle::Native() ? "Native" : "Windows"; });
+                         [](auto const &style) { return style.param == PathStyle::Native() ? "Native" : "Windows"; });
 
 TEST_P(DfltFldrsTest, WordsStandForFolders) {
     EXPECT_EQ(Translated("desktop"), Told("C:\\u\\Desktop\\"));
