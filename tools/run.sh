@@ -12,7 +12,7 @@ if [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ]; then
   echo "== zelvar open out/sample/images (pick something and press OK)"
   $zelvar open "$sample/images" --multiple || [ $? -eq 1 ]
 else
-  first=$($zelvar ls "$sample/images" | awk -F'\t' '$1 == "file" && $4 ~ /\.tif$/ { print $4; exit }')
+  first=$($zelvar ls "$sample/images" --sort name | awk -F'\t' '$1 == "file" && $4 ~ /\.jpg$/ { print $4; exit }')
   echo "== zelvar open out/sample/images --select '$first' --accept --shot out/open.png"
   $zelvar open "$sample/images" --select "$first" --accept --shot out/open.png
   echo "The dialog's picture: out/open.png"

@@ -19,6 +19,7 @@ namespace {
 constexpr int kMergeTimer = 1000;
 constexpr int kMergeInterval = 300; // ms
 constexpr int kCharsPerInch = 16;   // of the list's font
+constexpr int kDateMargin = 12;     // pixels beside a date
 constexpr int kFolderExtra = 100;   // pixels of the folder column beyond the window
 constexpr unsigned kGrow = LVSICF_NOINVALIDATEALL | LVSICF_NOSCROLL;
 
@@ -59,7 +60,10 @@ int DSListCtrl::OnCreate() {
         int const inch = fontMetrics().averageCharWidth() * kCharsPerInch;
         AddCol("Name", ADICol_String, false, 4 * inch, LVCFMT_LEFT);
         AddCol("Size", ADICol_String, false, inch, LVCFMT_RIGHT);
-        AddCol("Date Modified", ADICol_String, false, inch, LVCFMT_RIGHT);
+        // An inch, or more where the user's language writes longer dates.
+        constexpr SystemTime kLongDate{.wYear = 2028, .wMonth = 12, .wDay = 28, .wHour = 22, .wMinute = 58};
+        int const date = fontMetrics().horizontalAdvance(platform::ToQString(FormatTime(kLongDate))) + kDateMargin;
+        AddCol("Date Modified", ADICol_String, false, std::max(inch, date), LVCFMT_RIGHT);
     } else {
         AddCol("", ADICol_String, false, GetClientRect().Width() + kFolderExtra, LVCFMT_LEFT);
     }

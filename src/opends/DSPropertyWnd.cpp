@@ -7,10 +7,21 @@
 #include "zelvar/platform/ui/ControlId.h"
 
 #include <QtGui/QResizeEvent>
+#include <QtWidgets/QProxyStyle>
+#include <QtWidgets/QTabBar>
 
 namespace zelvar {
 
 namespace {
+
+/// Tabs with little room beside their captions: the pane is narrow.
+class CompactTabs final : public QProxyStyle {
+public:
+    int pixelMetric(PixelMetric metric, QStyleOption const *option, QWidget const *widget) const override {
+        constexpr int kBesideCaption = 10; // pixels, both sides together
+        return metric == PM_TabBarTabHSpace ? kBesideCaption : QProxyStyle::pixelMetric(metric, option, widget);
+    }
+};
 
 /// A tab's page that keeps the preview over its whole area while the preview is in its place.
 class PreviewPage final : public QWidget {
@@ -36,6 +47,9 @@ DSPropertyWnd::DSPropertyWnd(QWidget *parent) : CZelTabCtrl(parent), m_target(th
     m_messages.On(WM_ITEM_PROPPERTY_MAP_READY, this, &DSPropertyWnd::OnPropsReady);
     m_messages.On(WM_DS_APPLY_OPTIONS, this, &DSPropertyWnd::OnApplyOptions);
     m_messages.On(WM_DS_APPLY_FILTER, this, &DSPropertyWnd::OnApplyFilter);
+    auto *compact = new CompactTabs;
+    compact->setParent(this);
+    tabBar()->setStyle(compact);
 }
 
 DSPropertyWnd::~DSPropertyWnd() { m_target.Detach(); }
@@ -161,9 +175,10 @@ void DSPropertyWnd::UpdateExtras(RefItemPtr<DataSourceItem>, DataSourceExtras::I
         return;
     }
     m_extraWnd->Navigate(extras->ItemTemplatePath);
+    // It comes to the front when it comes up; who has gone back to the preview since stays there while files of one
+    // format are looked through.
     if (!IsTabVisible(m_optionsTab))
-        ShowTab(m_optionsTab, true, true, false);
-    SetActiveTab(m_optionsTab);
+        ShowTab(m_optionsTab, true, true, true);
 }
 
 void DSPropertyWnd::ApplyOptions() {

@@ -202,6 +202,9 @@ TEST_F(PropertyPane, AppliedOptionsReachTheCoordinatorOnceAndTheDriver) {
     edit->setText("3");
     pane->UpdateExtras(nullptr, &extras);
     EXPECT_EQ(edit->text(), "3") << "what was typed stays while the format does";
+    pane->SetActiveTab(0);
+    pane->UpdateExtras(nullptr, &extras);
+    EXPECT_EQ(pane->GetActiveTab(), 0) << "who went back to the preview stays there";
     pane->UpdateExtras(nullptr, nullptr);
     EXPECT_EQ(pane->GetOptionString(), "") << "no options without the tab";
 }
