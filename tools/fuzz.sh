@@ -4,8 +4,8 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 command -v clang++-14 >/dev/null || tools/setup.sh clang-14
 [ -f build/fuzz/build.ninja ] || cmake -S . -B build/fuzz -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
-  -DCMAKE_C_COMPILER=clang-14 -DCMAKE_CXX_COMPILER=clang++-14 -DZELVAR_FUZZ=ON >/dev/null
-for source in fuzz/*Fuzz.cpp; do
+  -DCMAKE_C_COMPILER=clang-14 -DCMAKE_CXX_COMPILER=clang++-14 -DZELVAR_FUZZ=ON -DZELVAR_SANITIZE=address,undefined >/dev/null
+for source in fuzz/Fuzz*.cpp; do
   name=$(sed -n "s/^zelvar_fuzz(\([a-z_]*\) $(basename "$source").*/\1/p" fuzz/CMakeLists.txt)
   [ -n "$name" ] || continue
   cmake --build build/fuzz --target "fuzz_$name"
