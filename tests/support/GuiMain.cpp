@@ -17,7 +17,9 @@ int main(int argc, char **argv) {
     QApplication::setStyle(QStyleFactory::create("Fusion"));
     QFont::insertSubstitutions("MS Shell Dlg", {"Liberation Sans", "Arial"});
     QFont font("Liberation Sans");
-    font.setPixelSize(12);
+    bool scaled = false;
+    double const scale = qEnvironmentVariable("ZELVAR_FONT_SCALE").toDouble(&scaled); // for pictures
+    font.setPixelSize(scaled ? qRound(12 * scale) : 12);
     QApplication::setFont(font);
     for (Qt::UIEffect const effect : {Qt::UI_AnimateMenu, Qt::UI_AnimateCombo, Qt::UI_AnimateTooltip})
         QApplication::setEffectEnabled(effect, false);
