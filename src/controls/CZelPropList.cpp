@@ -4,11 +4,14 @@
 
 #include <QtGui/QClipboard>
 #include <QtGui/QKeyEvent>
+#include <QtGui/QPainter>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QHeaderView>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QStyledItemDelegate>
 #include <QtWidgets/QVBoxLayout>
+
+#include <utility>
 
 namespace zelvar {
 
@@ -58,8 +61,8 @@ protected:
 
 CZelProp::CZelProp(DString const &name) : m_isGroup(true) { setText(kNameColumn, platform::ToQString(name)); }
 
-CZelProp::CZelProp(DString const &name, DString const &value, DString const &description, std::uint64_t data)
-    : m_description(description), m_data(data) {
+CZelProp::CZelProp(DString const &name, DString const &value, DString description, std::uint64_t data)
+    : m_description(std::move(description)), m_data(data) {
     setText(kNameColumn, platform::ToQString(name));
     SetValue(value);
 }
@@ -164,7 +167,8 @@ void CZelPropList::resizeEvent(QResizeEvent *event) {
     QWidget::resizeEvent(event);
     // The names keep their share of the width, two fifths until the user drags the heading.
     int const before = event->oldSize().width();
-    int const names = before > 0 ? m_tree->columnWidth(kNameColumn) : 2, all = before > 0 ? before : 5;
+    int const names = before > 0 ? m_tree->columnWidth(kNameColumn) : 2;
+    int const all = before > 0 ? before : 5;
     m_tree->setColumnWidth(kNameColumn, event->size().width() * names / all);
 }
 

@@ -17,7 +17,7 @@ public:
     /// A group.
     explicit CZelProp(DString const &name);
     /// A value; `data` is the owner's.
-    CZelProp(DString const &name, DString const &value, DString const &description = {}, std::uint64_t data = 0);
+    CZelProp(DString const &name, DString const &value, DString description = {}, std::uint64_t data = 0);
 
     [[nodiscard]] bool IsGroup() const { return m_isGroup; }
     void AddSubItem(CZelProp *prop);

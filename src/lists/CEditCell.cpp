@@ -9,6 +9,7 @@
 #include <QtGui/QKeyEvent>
 
 #include <algorithm>
+#include <utility>
 
 namespace zelvar {
 
@@ -37,8 +38,9 @@ bool IsOurKey(QKeyEvent const &event) {
 
 } // namespace
 
-CEditCell::CEditCell(CListCtrlFlex &list, int item, int subItem, DString const &initialText)
-    : QLineEdit(list.viewport()), m_list(&list), m_item(item), m_subItem(subItem), m_initialText(initialText) {
+CEditCell::CEditCell(CListCtrlFlex &list, int item, int subItem, DString initialText)
+    : QLineEdit(list.viewport()), m_list(&list), m_item(item), m_subItem(subItem),
+      m_initialText(std::move(initialText)) {
     platform::SetDlgCtrlID(*this, kControlId);
     setFrame(false);
     setFont(list.font());
@@ -118,7 +120,8 @@ void CEditCell::keyReleaseEvent(QKeyEvent *event) {
     bool const page = event->key() == Qt::Key_PageUp || event->key() == Qt::Key_PageDown;
     if (!page || event->isAutoRepeat() || m_list == nullptr || m_ended)
         return QLineEdit::keyReleaseEvent(event);
-    int const rows = m_list->GetItemCount(), perPage = m_list->GetCountPerPage();
+    int const rows = m_list->GetItemCount();
+    int const perPage = m_list->GetCountPerPage();
     if (event->key() == Qt::Key_PageUp)
         MoveTo(std::max(m_item - perPage, 0), m_subItem);
     else

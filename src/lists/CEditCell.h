@@ -16,7 +16,7 @@ class ZELVAR_API CEditCell : public QLineEdit {
 public:
     static constexpr int kControlId = 1001;
 
-    CEditCell(CListCtrlFlex &list, int item, int subItem, DString const &initialText);
+    CEditCell(CListCtrlFlex &list, int item, int subItem, DString initialText);
 
     /// Stands up at `place`, in the list's pixels, with all text selected and the focus.
     void Open(Rect const &place);

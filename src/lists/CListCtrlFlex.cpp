@@ -7,6 +7,7 @@
 #include "zelvar/platform/ui/ReportPainter.h"
 #include "zelvar/platform/ui/SystemColor.h"
 
+#include <QtCore/QEvent>
 #include <QtGui/QPainter>
 
 #include <algorithm>
@@ -199,7 +200,8 @@ int CListCtrlFlex::CompareStr(long long first, long long second, long long ascen
 }
 
 int CListCtrlFlex::CompareNum(long long first, long long second, long long ascending) {
-    double const a = ToRecord(first)->sortVal.number, b = ToRecord(second)->sortVal.number;
+    double const a = ToRecord(first)->sortVal.number;
+    double const b = ToRecord(second)->sortVal.number;
     return (ascending != 0 ? a >= b : b > a) ? 1 : 0;
 }
 
@@ -244,7 +246,8 @@ void CListCtrlFlex::DrawCells(DrawItemStruct const &item, Rect const &label) con
         platform::ReportColumn column;
         if (!GetColumn(col, column))
             break;
-        int const left = std::max(x, label.left), right = std::min(x + column.width, label.right);
+        int const left = std::max(x, label.left);
+        int const right = std::min(x + column.width, label.right);
         x += column.width;
         if (left < client.right && right > client.left)
             platform::DrawCellText(item.painter, {left + 1, item.rcItem.top, right - 1, item.rcItem.bottom},

@@ -38,12 +38,12 @@ int CZelListCtrl::AddFirstPiece(DString const &text, RowInfo const *info) {
 }
 
 int CZelListCtrl::AddRow(DString const &text, RowInfo const *info) {
-    std::size_t begin = 0, end = text.find('|');
+    std::size_t end = text.find('|');
     int const result = AddFirstPiece(text.substr(0, end), info);
     m_crntRow = m_numRow++;
     // A "|" at the very end begins no piece.
     for (int col = 1; col < m_numCol && end != DString::npos && end + 1 < text.size(); ++col) {
-        begin = end + 1;
+        std::size_t const begin = end + 1;
         end = text.find('|', begin);
         SetText(m_crntRow, col, text.substr(begin, end == DString::npos ? end : end - begin));
     }

@@ -73,7 +73,7 @@ struct Properties {
         list.show();
         EXPECT_TRUE(QTest::qWaitForWindowActive(&list));
     }
-    void DoubleClick(CZelProp const &prop, int column) {
+    void DoubleClick(CZelProp const &prop, int column) const {
         list.Tree().setCurrentItem(list.Tree().topLevelItem(0)); // elsewhere
         QRect const row = list.Tree().visualItemRect(&prop);
         QPoint const at(column == 0 ? row.left() + 5 : list.Tree().columnViewportPosition(1) + 5, row.center().y());

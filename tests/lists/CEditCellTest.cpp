@@ -13,8 +13,6 @@
 namespace zelvar {
 namespace {
 
-using test::Stage;
-
 /// Four columns, the first read-only, the others editable; a parent with id 7 that writes down what it is told.
 class Editing : public testing::Test {
 protected:

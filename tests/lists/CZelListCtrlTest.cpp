@@ -65,8 +65,10 @@ TEST(CZelListCtrl, RowsOfARowInfoCarryItsData) {
 TEST(CZelListCtrl, StylesMakeColoursAndFont) {
     CZelListCtrl list;
     AddColumns(list, 1);
-    ColorRef const window = SystemColor(COLOR_WINDOW), shaded = Rgb(230, 230, 215), accent = Rgb(215, 200, 170),
-                   greyShaded = Rgb(235, 235, 225);
+    ColorRef const window = SystemColor(COLOR_WINDOW);
+    ColorRef const shaded = Rgb(230, 230, 215);
+    ColorRef const accent = Rgb(215, 200, 170);
+    ColorRef const greyShaded = Rgb(235, 235, 225);
     struct Case {
         unsigned style;
         ColorRef back;

@@ -3,6 +3,7 @@
 #include "zelvar/platform/ui/Text.h"
 
 #include <QtCore/QAbstractTableModel>
+#include <QtCore/QEvent>
 #include <QtWidgets/QHeaderView>
 #include <QtWidgets/QScrollBar>
 
@@ -153,6 +154,7 @@ bool ColumnArea::SetColumnWidth(int col, int width) {
 
 std::vector<int> ColumnArea::GetColumnOrderArray() const {
     std::vector<int> order;
+    order.reserve(static_cast<std::size_t>(GetColumnCount()));
     for (int visual = 0; visual < GetColumnCount(); ++visual)
         order.push_back(m_header->logicalIndex(visual));
     return order;

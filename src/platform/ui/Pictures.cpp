@@ -2,6 +2,7 @@
 
 #include "zelvar/platform/ui/Text.h"
 
+#include <QtCore/QCoreApplication>
 #include <QtCore/QFile>
 #include <QtGui/QIconEngine>
 #include <QtGui/QPainter>

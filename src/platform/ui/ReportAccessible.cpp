@@ -48,10 +48,11 @@ public:
         return part != nullptr && part->m_row == m_row && part->IsCell() ? part->m_col : -1;
     }
     [[nodiscard]] QAccessibleInterface *childAt(int x, int y) const override {
-        for (int index = 0; index < childCount(); ++index)
-            if (child(index)->rect().contains(x, y))
-                return child(index);
-        return nullptr;
+        if (!isValid())
+            return nullptr;
+        QPoint const at = m_table.View()->viewport()->mapFromGlobal(QPoint(x, y));
+        ReportHit const hit = m_table.View()->SubItemHitTest({at.x(), at.y()});
+        return hit.row == m_row ? child(hit.col) : nullptr;
     }
     [[nodiscard]] QString text(QAccessible::Text kind) const override {
         if (kind != QAccessible::Name || !isValid())
@@ -211,10 +212,10 @@ QAccessibleInterface *ReportAccessible::Part(int row, int col) const {
         m_parts.erase(m_byUse.front().place);
         m_byUse.pop_front();
     }
-    auto *const part = new PartAccessible(*this, row, col);
-    m_byUse.push_back({{row, col}, QAccessible::registerAccessibleInterface(part)});
+    QAccessible::Id const id = QAccessible::registerAccessibleInterface(new PartAccessible(*this, row, col));
+    m_byUse.push_back({{row, col}, id});
     m_parts[{row, col}] = std::prev(m_byUse.end());
-    return part;
+    return QAccessible::accessibleInterface(id); // NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks): registering owns
 }
 
 QAccessible::Role ReportAccessible::role() const { return IsList() ? QAccessible::List : QAccessible::Table; }

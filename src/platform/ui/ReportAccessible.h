@@ -17,6 +17,7 @@ class ReportView;
 class ReportAccessible final : public QAccessibleWidget, public QAccessibleTableInterface {
 public:
     explicit ReportAccessible(ReportView &view);
+    ~ReportAccessible() override;
     ReportAccessible(ReportAccessible const &) = delete;
     ReportAccessible &operator=(ReportAccessible const &) = delete;
 
@@ -66,7 +67,6 @@ public:
     void modelChange(QAccessibleTableModelChangeEvent *) override {}
 
 private:
-    ~ReportAccessible() override;
     /// The part if it exists, which counts as a use.
     [[nodiscard]] QAccessibleInterface *Find(int row, int col) const;
 

@@ -5,6 +5,8 @@
 #include "zelvar/platform/ui/ReportView.h"
 #include "zelvar/platform/ui/Text.h"
 
+#include <QtCore/QCoreApplication>
+#include <QtCore/QEvent>
 #include <QtWidgets/QHeaderView>
 #include <QtWidgets/QScrollBar>
 
@@ -31,8 +33,7 @@ void ReportView::RowsChanged() {
     if (std::exchange(m_layoutDue, true))
         return;
     // The scroll bar follows once for any number of rows.
-    QMetaObject::invokeMethod(
-        this, [this] { UpdateVerticalBar(); }, Qt::QueuedConnection);
+    QCoreApplication::postEvent(this, new QEvent(QEvent::LayoutRequest));
 }
 
 RowGeometry const &ReportView::Geometry() const {

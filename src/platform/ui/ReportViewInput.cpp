@@ -40,7 +40,8 @@ IntervalSet ReportView::RangeTo(int row) const {
 }
 
 void ReportView::Press(int row, Qt::KeyboardModifiers modifiers, bool left) {
-    bool const ctrl = (modifiers & Qt::ControlModifier) != 0, shift = (modifiers & Qt::ShiftModifier) != 0;
+    bool const ctrl = (modifiers & Qt::ControlModifier) != 0;
+    bool const shift = (modifiers & Qt::ShiftModifier) != 0;
     bool const selected = m_selection.Selected().Contains(row);
     if (!left && selected) {
         // The menu is for the whole selection.
@@ -153,7 +154,10 @@ bool ReportView::event(QEvent *event) {
             return true;
         }
     }
-    return ColumnArea::event(event);
+    bool const handled = ColumnArea::event(event);
+    if (event->type() == QEvent::LayoutRequest)
+        UpdateVerticalBar();
+    return handled;
 }
 
 void ReportView::keyPressEvent(QKeyEvent *event) {

@@ -22,7 +22,8 @@ void ReportView::paintEvent(QPaintEvent *event) {
     EraseBackground(painter, GetClientRect());
 
     std::int64_t const above = ContentTop();
-    std::int64_t const top = above + event->rect().top(), bottom = above + event->rect().bottom() + 1;
+    std::int64_t const top = above + event->rect().top();
+    std::int64_t const bottom = above + event->rect().bottom() + 1;
     DrawGroupHeaders(painter, top, bottom);
     bool const marksSelection = hasFocus() || (m_style & LVS_SHOWSELALWAYS) != 0;
     unsigned const shownStates = (marksSelection ? LVIS_SELECTED : 0U) | (hasFocus() ? LVIS_FOCUSED : 0U);

@@ -6,7 +6,9 @@
 #include "zelvar/platform/ui/Text.h"
 
 #include <QtCore/QBuffer>
+#include <QtGui/QGuiApplication>
 #include <QtGui/QPainter>
+#include <QtGui/QPalette>
 #include <QtWidgets/QLabel>
 
 #include <gtest/gtest.h>

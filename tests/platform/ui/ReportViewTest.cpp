@@ -215,7 +215,8 @@ TEST(ReportView, GroupsStandInTheirOrderAndTheKeyboardFollowsTheEye) {
     for (auto const &[text, group] : {std::pair{"home", 4}, {"C:", 1}, {"work", 4}, {"D:", 1}})
         view.InsertItem({.row = 100, .text = text, .group = group});
     Stage stage(view);
-    int const header = view.Geometry().GroupHeaderHeight(), row = view.RowHeight();
+    int const header = view.Geometry().GroupHeaderHeight();
+    int const row = view.RowHeight();
     EXPECT_EQ(view.GetItemRect(1).top, header);
     EXPECT_EQ(view.GetItemRect(3).top, header + row);
     EXPECT_EQ(view.GetItemRect(0).top, 2 * header + 2 * row);
