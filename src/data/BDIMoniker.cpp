@@ -17,7 +17,7 @@ enum class Found { Nothing, File, Other };
 
 Found LookAt(DString const &path) {
     struct stat info {};
-    if (path.empty() || stat(path.c_str(), &info) != 0)
+    if (path.empty() || path.find('\0') != kNone || stat(path.c_str(), &info) != 0)
         return Found::Nothing;
     return S_ISREG(info.st_mode) ? Found::File : Found::Other;
 }

@@ -71,6 +71,13 @@ TEST(Moniker, TheLongestNameThatExistsIsTheFile) {
     }
 }
 
+TEST(Moniker, AZeroByteHidesNothingOfTheText) {
+    BDIMoniker const moniker(DString("/\0x?A=1", 7), nullptr);
+    EXPECT_EQ(moniker.GetSource(), DString("/\0x", 3));
+    EXPECT_EQ(moniker.GetPathOnDisk(), "");
+    EXPECT_EQ(moniker.GetOptions(), (Options{{"A", "1"}}));
+}
+
 TEST(Moniker, OptionsJoinThoseThatAreThere) {
     EXPECT_EQ(BDIMoniker("/a", nullptr).WithOptions("").GetText(), "/a");
     EXPECT_EQ(BDIMoniker("/a", nullptr).WithOptions("x=1").GetText(), "/a?x=1");

@@ -31,10 +31,37 @@ constexpr Magic kMagics[] = {
 // Opening must not wait either, should the file have become a pipe meanwhile.
 constexpr int kHowToOpen = O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
 
-bool HasMagic(int file, Format const &format) {
-    std::array<char, 16> head{};
-    ssize_t const length = pread(file, head.data(), head.size(), 0);
-    std::string_view const bytes(head.data(), length < 0 ? 0 : static_cast<std::size_t>(length));
+/// Reads a file by windows of a kilobyte: the head of most files is in the first.
+class FileWindow {
+public:
+    explicit FileWindow(int file) : m_file(file) {}
+    /// False beyond the end of the file.
+    [[nodiscard]] bool Read(std::uint64_t at, void *to, std::size_t size) {
+        if (at >= kFarthest || size > m_bytes.size())
+            return false;
+        if (at < m_begin || at + size > m_begin + m_length) {
+            ssize_t const length = pread(m_file, m_bytes.data(), m_bytes.size(), static_cast<off_t>(at));
+            m_begin = at;
+            m_length = length < 0 ? 0 : static_cast<std::size_t>(length);
+            if (size > m_length)
+                return false;
+        }
+        std::memcpy(to, m_bytes.data() + (at - m_begin), size);
+        return true;
+    }
+
+private:
+    static constexpr std::uint64_t kFarthest = std::uint64_t{1} << 62U;
+    int m_file;
+    std::uint64_t m_begin = 0;
+    std::size_t m_length = 0;
+    std::array<unsigned char, 1024> m_bytes{};
+};
+
+constexpr std::size_t kHeadSize = 16;
+
+bool HasMagic(std::array<char, kHeadSize> const &head, Format const &format) {
+    std::string_view const bytes(head.data(), head.size());
     return std::any_of(std::begin(kMagics), std::end(kMagics),
                        [&](Magic const &magic) { return magic.format == format.id && bytes.starts_with(magic.bytes); });
 }
@@ -88,7 +115,7 @@ std::int64_t Nanoseconds(timespec const &time) { return std::int64_t{time.tv_sec
 template <class Ask>
 bool Remembered(DString const &path, std::string_view kind, Ask const &ask) {
     struct stat info {};
-    if (stat(path.c_str(), &info) != 0 || !S_ISREG(info.st_mode) || info.st_size < 8)
+    if (stat(path.c_str(), &info) != 0 || !S_ISREG(info.st_mode) || info.st_size < static_cast<off_t>(kHeadSize))
         return false;
     Answers::Key const key{info.st_dev, info.st_ino, std::hash<std::string_view>()(kind)};
     Answers::State const state{info.st_size, Nanoseconds(info.st_mtim), Nanoseconds(info.st_ctim)};
@@ -102,10 +129,9 @@ bool Remembered(DString const &path, std::string_view kind, Ask const &ask) {
 /// Numbers of a TIFF, in its byte order.
 class TiffBytes {
 public:
-    TiffBytes(int file, bool swapped) : m_file(file), m_swapped(swapped) {}
-    /// False beyond the end of the file.
+    TiffBytes(FileWindow &file, bool swapped) : m_file(file), m_swapped(swapped) {}
     [[nodiscard]] bool Read(std::uint64_t at, unsigned char *to, std::size_t size) const {
-        return at < kFarthest && pread(m_file, to, size, static_cast<off_t>(at)) == static_cast<ssize_t>(size);
+        return m_file.Read(at, to, size);
     }
     [[nodiscard]] std::uint64_t Number(unsigned char const *bytes, std::size_t size) const {
         std::uint64_t value = 0;
@@ -122,8 +148,7 @@ public:
     }
 
 private:
-    static constexpr std::uint64_t kFarthest = std::uint64_t{1} << 62U;
-    int m_file;
+    FileWindow &m_file;
     bool m_swapped;
 };
 
@@ -165,11 +190,9 @@ bool ReadDirectory(TiffBytes const &bytes, TiffLayout const &layout, std::uint64
     return true;
 }
 
-} // namespace
-
-bool HasSecondTiffPage(int file) {
-    std::array<unsigned char, 16> head{};
-    if (pread(file, head.data(), head.size(), 0) != static_cast<ssize_t>(head.size()))
+bool HasSecondPage(FileWindow &file) {
+    std::array<unsigned char, kHeadSize> head{};
+    if (!file.Read(0, head.data(), head.size()))
         return false;
     TiffBytes const bytes(file, head[0] == 'M');
     bool const big = bytes.Number(head.data() + 2, 2) == 43;
@@ -190,6 +213,13 @@ bool HasSecondTiffPage(int file) {
     return false;
 }
 
+} // namespace
+
+bool HasSecondTiffPage(int file) {
+    FileWindow window(file);
+    return HasSecondPage(window);
+}
+
 bool IsContainerFormat(Format const &format) {
     return std::any_of(std::begin(kMagics), std::end(kMagics),
                        [&](Magic const &magic) { return magic.format == format.id; });
@@ -198,10 +228,12 @@ bool IsContainerFormat(Format const &format) {
 bool HoldsSeveral(DString const &path, Format const &format) {
     return Remembered(path, format.id, [&] {
         FileDescriptor const file(open(path.c_str(), kHowToOpen));
-        if (!file.IsOpen() || !HasMagic(file.Get(), format))
+        FileWindow window(file.Get());
+        std::array<char, kHeadSize> head{};
+        if (!file.IsOpen() || !window.Read(0, head.data(), head.size()) || !HasMagic(head, format))
             return false;
         if (format.id == "GTiff")
-            return HasSecondTiffPage(file.Get());
+            return HasSecondPage(window);
         auto const source = Resolve({path, nullptr}, nullptr);
         auto const members = source ? ListMembers(*source, &format) : std::nullopt;
         return members && members->nodes.size() > 1;
