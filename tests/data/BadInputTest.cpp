@@ -7,12 +7,15 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
+#include <atomic>
 #include <chrono>
 #include <cstring>
 #include <fstream>
 #include <map>
 #include <random>
+#include <thread>
 
 #include <dirent.h>
 #include <sys/resource.h>
@@ -92,7 +95,7 @@ TEST_F(BadInput, DamagedFilesNeverHurt) {
         SCOPED_TRACE(name);
         DString const whole = test::ReadFile(m_folder / name);
         auto const place = [&](std::size_t from) { return from + random() % (whole.size() - from); };
-        for (int round = 0; round < 30; ++round) {
+        for (int round = 0; round < 21; ++round) {
             DString bytes = whole;
             switch (round % 3) {
             case 0:
@@ -228,6 +231,24 @@ TEST_F(BadInput, LookingAtAFolderChangesNothingInIt) {
         LookAtAll(m_folder / name);
     LookAtAll(m_folder.Path());
     EXPECT_EQ(TracesIn(m_folder.Path()), before);
+}
+
+TEST_F(BadInput, SeveralThreadsLookAtTheSameFiles) {
+    std::vector<DString> const names = WriteSamples();
+    auto const expected =
+        std::count_if(names.begin(), names.end(), [&](DString const &name) { return LookAtAll(m_folder / name); });
+    EXPECT_GE(expected, 7); // plain images and the first page of one with several
+    std::atomic<int> pictures{0};
+    std::vector<std::thread> threads;
+    threads.reserve(4);
+    for (std::size_t i = 0; i < 4; ++i)
+        threads.emplace_back([&, i] {
+            for (std::size_t k = 0; k < names.size(); ++k)
+                pictures += LookAtAll(m_folder / names[(i * 3 + k) % names.size()]) ? 1 : 0;
+        });
+    for (std::thread &thread : threads)
+        thread.join();
+    EXPECT_EQ(pictures, 4 * expected);
 }
 
 TEST_F(BadInput, ADatabaseInUseKeepsItsFilesToItself) {
