@@ -1,0 +1,102 @@
+#include "Folders.h"
+#include "Harness.h"
+#include "zelvar/data/DriverProvider.h"
+#include "zelvar/data/gdal/GdalDrivers.h"
+#include "zelvar/model/NtwDataSourceItem.h"
+#include "zelvar/opends/DSListCtrl.h"
+
+#include <QtCore/QElapsedTimer>
+#include <QtWidgets/QApplication>
+
+#include <algorithm>
+
+namespace zelvar::bench {
+namespace {
+
+constexpr unsigned kFiles = 100'000;
+
+double Milliseconds(QElapsedTimer const &timer) { return static_cast<double>(timer.nsecsElapsed()) / 1e6; }
+
+/// What filling the list costs the windows' thread: the listing inside the call, and the tick that merges and paints
+/// the rows. The wait for the tick is left out.
+double FillMs(std::string const &path, DSListCtrl::Mode mode, int rows) {
+    DSListCtrl list;
+    list.SetMode(DSListCtrl::ModeRecursive);
+    list.Create(0, {0, 0, 600, 500}, DT_DATA, nullptr, 3);
+    list.SetMode(mode);
+    list.Sort(0, true);
+    list.ApplyFileFilter("*.*", nullptr);
+    list.show();
+    QApplication::processEvents();
+    RefItemPtr<DataSourceItem> const folder(NtwDataSourceItem::CreateItem(path.c_str(), nullptr, nullptr));
+
+    QElapsedTimer timer;
+    timer.start();
+    list.ResetItems({folder});
+    double const listing = Milliseconds(timer);
+    for (;;) {
+        timer.restart();
+        QApplication::processEvents();
+        if (list.GetNumRow() >= rows)
+            return listing + Milliseconds(timer);
+    }
+}
+
+double Median(std::vector<double> values) {
+    std::sort(values.begin(), values.end());
+    return values[values.size() / 2];
+}
+
+/// The folders' bare listing and the filled list in turn: the medians of the ratios and of the list's time.
+struct Compared {
+    double ratio = 0;
+    double fillMs = 0;
+};
+Compared CompareToBare(std::string const &path, std::vector<std::string> const &folders, DSListCtrl::Mode mode) {
+    std::vector<double> ratios, fills;
+    for (int run = 0; run < 5; ++run) {
+        double const bare = BestMs(1, [&] {
+            for (std::string const &folder : folders)
+                ListBare(folder);
+        });
+        fills.push_back(FillMs(path, mode, kFiles));
+        ratios.push_back(fills.back() / bare);
+    }
+    return {Median(ratios), Median(fills)};
+}
+
+Register const reg("folderlist", [] {
+    SetDriverProvider(RegisterGdalDrivers);
+    EnsureDrivers();
+    NtwDataSourceItem::Initialize();
+    {
+        Folder const once;
+        Folder const twice;
+        Fill(once.Path(), kFiles);
+        Fill(twice.Path(), 2 * kFiles);
+        Compared const filled = CompareToBare(once.Path(), {once.Path()}, DSListCtrl::ModeFiles);
+        Figure("folderlist.100k_by_name_filled", filled.fillMs, "ms", "the same below");
+        Figure("folderlist.100k_by_name_to_bare", filled.ratio, "times", "at most 3 of directory entries plus statx");
+        std::vector<double> ratios;
+        for (int run = 0; run < 5; ++run) {
+            double const single = FillMs(once.Path(), DSListCtrl::ModeFiles, kFiles);
+            ratios.push_back(FillMs(twice.Path(), DSListCtrl::ModeFiles, 2 * kFiles) / single);
+        }
+        Figure("folderlist.200k_to_100k", Median(ratios), "times", "at most 2.2");
+    }
+    {
+        Folder const folder;
+        std::vector<std::string> folders;
+        for (unsigned i = 0; i < 200; ++i) {
+            folders.push_back(folder.Path() + "/folder " + std::to_string(i));
+            std::filesystem::create_directory(folders.back());
+            Fill(folders.back(), kFiles / 200);
+        }
+        Figure("folderlist.100k_in_200_folders_to_bare",
+               CompareToBare(folder.Path(), folders, DSListCtrl::ModeRecursive).ratio, "times",
+               "at most 3 of directory entries plus statx");
+    }
+});
+
+} // namespace
+} // namespace zelvar::bench
