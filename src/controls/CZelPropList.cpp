@@ -11,6 +11,7 @@
 #include <QtWidgets/QStyledItemDelegate>
 #include <QtWidgets/QVBoxLayout>
 
+#include <algorithm>
 #include <utility>
 
 namespace zelvar {
@@ -107,7 +108,9 @@ CZelPropList::CZelPropList(QWidget *parent)
     m_tree->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed);
     m_tree->setHeaderHidden(true);
     m_tree->header()->setStretchLastSection(true);
-    m_tree->setIndentation(m_tree->fontMetrics().height());
+    m_tree->setIndentation(m_tree->fontMetrics().averageCharWidth() * 2);
+    connect(m_tree->header(), &QHeaderView::sectionResized, this,
+            [this](int column) { m_namesDragged = m_namesDragged || (column == kNameColumn && !m_fitting); });
     connect(m_tree, &QTreeWidget::currentItemChanged, this, [this](QTreeWidgetItem *item) {
         auto const *const prop = static_cast<CZelProp const *>(item);
         m_description->setText(prop == nullptr ? QString() : platform::ToQString(prop->GetDescription()));
@@ -163,13 +166,23 @@ void CZelPropList::ShadeGroups() const {
     }
 }
 
+void CZelPropList::FitNames() {
+    m_fitting = true;
+    m_tree->resizeColumnToContents(kNameColumn);
+    m_tree->setColumnWidth(kNameColumn, std::min(m_tree->columnWidth(kNameColumn), width() * 3 / 5));
+    m_fitting = false;
+}
+
 void CZelPropList::resizeEvent(QResizeEvent *event) {
     QWidget::resizeEvent(event);
-    // The names keep their share of the width, two fifths until the user drags the heading.
+    // Names are read first: they get what they need, up to three fifths, until the user drags the heading; then they
+    // keep their share.
     int const before = event->oldSize().width();
-    int const names = before > 0 ? m_tree->columnWidth(kNameColumn) : 2;
-    int const all = before > 0 ? before : 5;
-    m_tree->setColumnWidth(kNameColumn, event->size().width() * names / all);
+    int const width = event->size().width();
+    if (before > 0 && m_namesDragged)
+        m_tree->setColumnWidth(kNameColumn, width * m_tree->columnWidth(kNameColumn) / before);
+    else
+        FitNames();
 }
 
 } // namespace zelvar

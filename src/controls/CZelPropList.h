@@ -67,10 +67,13 @@ protected:
 
 private:
     void ShadeGroups() const;
+    void FitNames();
 
     QTreeWidget *m_tree;   ///< a child
     QLabel *m_description; ///< a child
     bool m_dotNetLook = false;
+    bool m_namesDragged = false; ///< the user has set the width of the names
+    bool m_fitting = false;
 };
 
 } // namespace zelvar
