@@ -238,6 +238,7 @@ TEST_F(BadInput, SeveralThreadsLookAtTheSameFiles) {
     auto const expected =
         std::count_if(names.begin(), names.end(), [&](DString const &name) { return LookAtAll(m_folder / name); });
     EXPECT_GE(expected, 7); // plain images and the first page of one with several
+    testing::internal::CaptureStderr();
     std::atomic<int> pictures{0};
     std::vector<std::thread> threads;
     threads.reserve(4);
@@ -249,6 +250,7 @@ TEST_F(BadInput, SeveralThreadsLookAtTheSameFiles) {
     for (std::thread &thread : threads)
         thread.join();
     EXPECT_EQ(pictures, 4 * expected);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
 
 TEST_F(BadInput, ADatabaseInUseKeepsItsFilesToItself) {

@@ -174,6 +174,7 @@ TEST_F(Container, LayersTablesAndPicturesOfADatabaseAreToldApart) {
     EXPECT_EQ(names.at("table 1"), static_cast<std::uint32_t>(BDINode_Table));
     std::vector<BDINode> const pictures = tree.Children(*tree.root, BDINode_Raster);
     ASSERT_EQ(pictures.size(), 1U);
+    EXPECT_EQ(names.count("picture 1 - picture 1"), 0U);
     EXPECT_GE(FirstSample(pictures[0].path), 0) << pictures[0].path;
     std::vector<BDINode> const layers = tree.Children(*tree.root, BDINode_Thematic);
     EXPECT_EQ(layers.at(0).path, path + "?LAYER=layer%201");
@@ -189,6 +190,21 @@ TEST_F(Container, VariablesOfAScientificFileAreImages) {
     ASSERT_EQ(variables.size(), 2U);
     EXPECT_NE(variables[1].name.find("var2"), DString::npos);
     EXPECT_EQ(FirstSample(variables[1].path), 255);
+}
+
+TEST_F(Container, AHierarchicalFileOpensByItsNodesWithTheDriverOfTheFile) {
+    test::WriteNetCdf(m_folder / "two.nc", 2); // the same format under another name
+    DString const path = m_folder / "two.h5";
+    ASSERT_EQ(rename((m_folder / "two.nc").c_str(), path.c_str()), 0);
+    EXPECT_TRUE(IsContainer(path));
+    OpenTree const tree(path, "HDF5");
+    ASSERT_TRUE(tree);
+    std::vector<BDINode> const sets = tree.Children(*tree.root, BDINode_Raster);
+    ASSERT_EQ(sets.size(), 2U);
+    ImageInfo info;
+    EXPECT_TRUE(ReadImageInfo({sets[0].path, nullptr}, "HDF5", nullptr, info)) << sets[0].path;
+    EXPECT_EQ(info.width, 10);
+    EXPECT_TRUE(ReadImageInfo({sets[1].path, nullptr}, "", nullptr, info));
 }
 
 TEST_F(Container, APlainImageOpensAsATreeWithoutChildren) {

@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <thread>
@@ -247,6 +248,25 @@ TEST_F(RasterDriver, OnlyTheNamedDriverIsTried) {
     EXPECT_EQ(tiff->IsMyFile(""), 0);
     EXPECT_EQ(tiff->IsMyFile(nullptr), 0);
     EXPECT_EQ(tiff->IsMyFile(m_folder.Path().c_str()), 0);
+}
+
+TEST_F(RasterDriver, WhatGdalComplainsOfGoesToTheLogAndTheError) {
+    DString const path = m_folder / "broken.tif";
+    test::WriteImage(m_folder / "whole.tif", {.options = {"COMPRESS=LZW"}});
+    m_folder.Write("broken.tif", test::ReadFile(m_folder / "whole.tif").substr(0, 60));
+    std::vector<DString> lines;
+    auto former = Report::SetTraceHandler([&](int level, DString const &text) {
+        if (level == Report::kTraceDriver)
+            lines.push_back(text);
+    });
+    testing::internal::CaptureStderr();
+    Opened const image(path);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    Report::SetTraceHandler(std::move(former));
+    EXPECT_FALSE(image);
+    EXPECT_TRUE(image.error.IsSet());
+    EXPECT_TRUE(
+        std::any_of(lines.begin(), lines.end(), [](DString const &line) { return line.starts_with("GDAL error"); }));
 }
 
 TEST_F(RasterDriver, AStopEndsALongRead) {

@@ -16,12 +16,21 @@ namespace {
 
 constexpr int kMostMembers = 1'000'000;
 
+/// GDAL's description of a node; "a - a", a name with an identifier that says no more, is "a".
+DString ShownName(DString const &name, DString const &description) {
+    if (description.empty())
+        return name;
+    std::size_t const half = description.find(" - ");
+    bool const twice = half != DString::npos && description.size() == 2 * half + 3 &&
+                       description.compare(0, half, description, half + 3, half) == 0;
+    return twice ? description.substr(0, half) : description;
+}
+
 /// A node named by GDAL, unless the name leads out of the source: a file's content must not name a server.
 void AddSubdataset(Source const &source, DString const &name, DString const &description, Members &members) {
     if (name.empty() || (source.reach == Reach::Local && BDIMoniker(name, nullptr).IsUrl()))
         return;
-    members.nodes.push_back(
-        MakeNode(BDINode_Raster, NodePath(source.text, name), description.empty() ? name : description));
+    members.nodes.push_back(MakeNode(BDINode_Raster, NodePath(source.text, name), ShownName(name, description)));
 }
 
 void AddSubdatasets(GDALDatasetH dataset, Source const &source, Members &members) {

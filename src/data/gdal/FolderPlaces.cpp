@@ -13,6 +13,7 @@
 
 #include <dirent.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace zelvar::gdal {
 
@@ -35,6 +36,9 @@ public:
                 entries.push_back({entry->d_name, type == DT_DIR});
         }
         return true;
+    }
+    [[nodiscard]] std::optional<bool> CanList(DString const &folder) const override {
+        return access(folder.c_str(), R_OK | X_OK) == 0;
     }
     [[nodiscard]] DString PathOf(DString const &folder, FolderEntry const &entry) const override {
         return AppendPath(folder, entry.name);

@@ -43,6 +43,8 @@ FolderTree::FolderTree(FolderPlace const &place, DString root, DString filter)
 }
 
 bool FolderTree::CanList() {
+    if (std::optional<bool> const known = m_place.CanList(m_root.path))
+        return *known;
     std::vector<FolderEntry> entries;
     if (!m_place.List(m_root.path, entries))
         return false;

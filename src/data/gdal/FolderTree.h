@@ -19,6 +19,8 @@ public:
 
     /// False if the folder cannot be listed.
     [[nodiscard]] virtual bool List(DString const &folder, std::vector<FolderEntry> &entries) const = 0;
+    /// Whether the folder can be listed, where that can be told without listing it.
+    [[nodiscard]] virtual std::optional<bool> CanList(DString const &) const { return std::nullopt; }
     /// The path or address of a child.
     [[nodiscard]] virtual DString PathOf(DString const &folder, FolderEntry const &entry) const = 0;
     /// Its `BDINodeType` bits; 0 for what is no data.
@@ -39,7 +41,7 @@ public:
     /// The masks of the formats that read pictures.
     [[nodiscard]] std::vector<DString> Filters() const override;
 
-    /// False if the root cannot be listed. What it lists is kept for the first question.
+    /// False if the root cannot be listed. If it has to be listed to find out, that is kept for the first question.
     [[nodiscard]] bool CanList();
 
 private:

@@ -9,9 +9,12 @@
 #include <gdal.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <mutex>
 #include <string_view>
 #include <utility>
+
+#include <dlfcn.h>
 
 namespace zelvar::gdal {
 
@@ -63,6 +66,25 @@ void StartGdal() {
             GDALAllRegister();
         GDALSetCacheMax64(std::min(GDALGetCacheMax64(), kMostCacheBytes));
     });
+}
+
+void SilenceHdf5() {
+    thread_local bool silent = false;
+    if (std::exchange(silent, true))
+        return;
+    // The library comes with GDAL, which may have been built without it; nothing of ours links it.
+    Dl_info gdal{};
+    if (dladdr(reinterpret_cast<void const *>(&GDALAllRegister), &gdal) == 0 || gdal.dli_fname == nullptr)
+        return;
+    void *const library = dlopen(gdal.dli_fname, RTLD_NOW | RTLD_NOLOAD);
+    if (library == nullptr)
+        return;
+    using SetAuto = int (*)(std::int64_t stack, void *function, void *data);
+    auto const setAuto = reinterpret_cast<SetAuto>(dlsym(library, "H5Eset_auto2"));
+    constexpr std::int64_t kThisThread = 0;
+    if (setAuto != nullptr)
+        setAuto(kThisThread, nullptr, nullptr);
+    dlclose(library);
 }
 
 GdalScope::GdalScope(Reach reach) : m_reach(reach) {

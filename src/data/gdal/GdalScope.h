@@ -17,6 +17,10 @@ enum class Reach {
 /// Registers GDAL's formats, once for the process.
 void StartGdal();
 
+/// The library behind some formats prints its errors by itself, for each thread anew: makes it silent for this one.
+/// Cheap to call again.
+void SilenceHdf5();
+
 /// Every call into GDAL stands inside such a scope: errors of this thread go to the log instead of stderr, GDAL writes
 /// nothing beside files and does not scan folders, requests time out, and `Reach::Local` bars the network whatever a
 /// file's content asks for. All of it holds for this thread alone: an application's own use of GDAL is left alone.

@@ -114,7 +114,8 @@ DString RasterDriver::GetAttrString(char const *name, void *handle, int) const {
     Image const &image = Of(handle);
     GdalScope const scope(image.reach);
     char const *compression = GDALGetMetadataItem(Raw(image.dataset), "COMPRESSION", "IMAGE_STRUCTURE");
-    return image.format->name + (compression == nullptr ? "" : DString(", ") + compression);
+    bool const told = compression == nullptr || image.format->name.find(compression) != DString::npos;
+    return told ? image.format->name : image.format->name + ", " + compression;
 }
 
 int RasterDriver::GetAttrInt(char const *name, void *handle, int channel) const {

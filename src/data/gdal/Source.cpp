@@ -206,6 +206,8 @@ OpenedSource Open(Source const &source, unsigned flags, Format const *only, DErr
         char const *id = GDALGetDriverShortName(driver);
         Format const *format = Formats::Instance().Find(id);
         if (format != nullptr) {
+            if (format->id == "netCDF" || format->id.starts_with("HDF5") || format->id == "BAG")
+                SilenceHdf5();
             std::vector<DString> const options = OpenOptionsFor(source, *format);
             char const *const chosen[] = {format->id.c_str(), nullptr};
             opened.dataset = Own(GDALOpenEx(source.name.c_str(), flags | GDAL_OF_READONLY | GDAL_OF_VERBOSE_ERROR,
