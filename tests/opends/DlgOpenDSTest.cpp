@@ -215,6 +215,9 @@ TEST_F(OpenDialog, PathButtonsLeadUpAndTheStarRemembersTheInnermost) {
         DString const parentPath = parent->item->GetPath();
         test::Click(parent);
         EXPECT_TRUE(test::Eventually([&] { return shown()->GetPath() == parentPath; }));
+        test::Click(Button(*dialog, kHomeId));
+        EXPECT_TRUE(dialog->DataSourceWnd()->IsDataSourceView());
+        test::Shot(*dialog, "DlgOpenDS-sources");
     });
     Favorites::Remove(folder.Path());
 }
