@@ -1,0 +1,23 @@
+#!/usr/bin/env bash
+# Installs a build into a folder of its own and builds the README's example against that alone, by CMake and by
+# pkg-config. Usage: tools/check-install.sh BUILD_FOLDER
+set -euo pipefail
+source=$(cd "$(dirname "$0")/.." && pwd)
+scratch=$(mktemp -d); trap 'rm -rf "$scratch"' EXIT
+cmake --install "$1" --prefix "$scratch/usr" >/dev/null
+cp "$source/docs/examples/open-dialog.cpp" "$scratch/main.cpp"
+cat >"$scratch/CMakeLists.txt" <<'CMAKE'
+cmake_minimum_required(VERSION 3.25)
+project(app LANGUAGES CXX)
+set(CMAKE_CXX_STANDARD 20)
+find_package(Zelvar REQUIRED)
+add_executable(app main.cpp)
+target_link_libraries(app PRIVATE Zelvar::zelvar)
+CMAKE
+cmake -S "$scratch" -B "$scratch/build" -DCMAKE_PREFIX_PATH="$scratch/usr" >/dev/null
+cmake --build "$scratch/build" >/dev/null
+flags=$(PKG_CONFIG_PATH=$(dirname "$(find "$scratch/usr" -name zelvar.pc)") pkg-config --define-prefix --cflags --libs zelvar)
+case "$flags" in *-lzelvar*) ;; *) echo "pkg-config says: $flags"; exit 1 ;; esac
+mkdir "$scratch/empty" "$scratch/home"
+ZELVAR_SETTINGS=$scratch/settings.db HOME=$scratch/home "$scratch/usr/bin/zelvar" ls "$scratch/empty"
+echo "installed, found and linked"
