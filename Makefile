@@ -49,7 +49,6 @@ lint: setup
 
 # What clang-tidy says of the sources that differ from main (TIDY_ALL=1: of all).
 tidy: setup
-	@[ -f build/dev/build.ninja ] || cmake --preset dev
 	@tools/tidy.sh
 
 format:

@@ -8,7 +8,7 @@
 #include <array>
 #include <ctime>
 
-#include <locale.h>
+#include <locale.h> // NOLINT(modernize-deprecated-headers): newlocale is declared here alone
 
 namespace zelvar {
 

@@ -38,7 +38,8 @@ std::vector<Taps> MakeTaps(int sourceSize, int targetSize) {
         int const last = static_cast<int>(std::floor(centre + 2 * widening));
         Taps &taps = all[static_cast<std::size_t>(i)];
         taps.first = std::clamp(first, 0, sourceSize - 1);
-        taps.weights.assign(static_cast<std::size_t>(std::clamp(last, 0, sourceSize - 1) - taps.first + 1), 0.0F);
+        int const count = std::clamp(last, 0, sourceSize - 1) - taps.first + 1;
+        taps.weights.assign(static_cast<std::size_t>(count), 0.0F);
         double sum = 0;
         for (int at = first; at <= last; ++at)
             sum += Kernel((at - centre) / widening);

@@ -17,7 +17,10 @@ DString MakeOptionText(std::vector<OptionField> const &fields) {
     DString text;
     for (auto const &[name, value] : values) {
         auto const chosen = selects.find(name + ".op");
-        text += (text.empty() ? "" : "&") + name + (chosen == selects.end() ? "=" : chosen->second) + value;
+        text += text.empty() ? "" : "&";
+        text += name;
+        text += chosen == selects.end() ? "=" : chosen->second;
+        text += value;
     }
     return text;
 }
