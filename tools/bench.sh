@@ -17,6 +17,9 @@ median_ms() {
   done | sort -n | sed -n 8p | awk '{ printf "%.3f", $1 / 1000 }'
 }
 printf '%-44s %12s %-8s (%s)\n' start.ls_empty_folder "$(median_ms build/release/zelvar ls "$scratch/empty")" ms "at most 30"
-first=$(for _ in $(seq 9); do ZELVAR_TRACE_FIRST_PAINT=1 build/release/zelvar open "$scratch/empty" --shot "$scratch/shot.png" 2>&1 >/dev/null |
-  sed -n 's/^first paint \([0-9.]*\) ms.*/\1/p'; done | sort -n | sed -n 5p)
+# Nobody presses anything off screen, so the dialog ends cancelled.
+first_paint_ms() {
+  ZELVAR_TRACE_FIRST_PAINT=1 build/release/zelvar open "$scratch/empty" 2>&1 >/dev/null || true
+}
+first=$(for _ in $(seq 9); do first_paint_ms; done | sed -n 's/^first paint \([0-9.]*\) ms.*/\1/p' | sort -n | sed -n 5p)
 printf '%-44s %12s %-8s (%s)\n' start.dialog_first_paint "${first:-none}" ms "at most 350 after the process began"
