@@ -1,4 +1,5 @@
 #include "support/ImageFiles.h"
+#include "support/OpenedImage.h"
 #include "support/TestFiles.h"
 #include "zelvar/data/DriverProvider.h"
 #include "zelvar/data/ImageReader.h"
@@ -15,35 +16,7 @@
 namespace zelvar {
 namespace {
 
-/// Opens one image with the real drivers.
-class Opened {
-public:
-    explicit Opened(DString const &moniker, DString const &driverId = {}, StopSignal const *stop = nullptr) {
-        SetDriverProvider(&RegisterGdalDrivers);
-        RDIDriverMngr::Instance()->OpenFile({moniker, nullptr}, &driver, &handle, "", &error, driverId.c_str(), stop);
-    }
-    ~Opened() {
-        if (handle != nullptr)
-            driver->CloseFile(handle, true);
-    }
-    Opened(Opened const &) = delete;
-    Opened &operator=(Opened const &) = delete;
-    explicit operator bool() const { return handle != nullptr; }
-
-    template <class Sample>
-    [[nodiscard]] std::vector<Sample> Read(double x, double y, double width, double height, int outWidth, int outHeight,
-                                           int resampling, int channel = 0) const {
-        std::vector<Sample> samples(static_cast<std::size_t>(outWidth) * static_cast<std::size_t>(outHeight));
-        if (!driver->ReadBlockRsmpl(handle, channel, x, y, width, height, samples.data(), outWidth, outHeight,
-                                    resampling, true, true))
-            samples.clear();
-        return samples;
-    }
-
-    RDIDriver *driver = nullptr;
-    void *handle = nullptr;
-    DError error;
-};
+using test::OpenedImage;
 
 class RasterDriver : public testing::Test {
 protected:
@@ -53,7 +26,7 @@ protected:
 TEST_F(RasterDriver, TellsWhatTheFileHolds) {
     DString const path = m_folder / "a b \xC3\xA4.tif";
     test::WriteImage(path, {.width = 60, .height = 40, .channels = 3, .type = GDT_UInt16, .options = {"COMPRESS=LZW"}});
-    Opened const image(path);
+    OpenedImage const image(path);
     ASSERT_TRUE(image) << image.error.Text();
     EXPECT_EQ(image.driver->GetId(), "GTiff");
     EXPECT_EQ(image.driver->GetNumChnl(image.handle), 3);
@@ -92,7 +65,7 @@ TEST_F(RasterDriver, EveryTypeArrivesAsOneOfOurs) {
         DString const path = m_folder / "type.tif";
         test::WriteImage(path,
                          {.width = 4, .height = 4, .type = c.type, .sample = [&](int, int, int) { return c.value; }});
-        Opened const image(path);
+        OpenedImage const image(path);
         ASSERT_TRUE(image);
         ASSERT_EQ(image.driver->GetChnlDataType(image.handle, 0), c.delivered);
         auto const check = [&](auto sample) {
@@ -129,7 +102,7 @@ TEST_F(RasterDriver, SignedBytesKeepTheirSign) {
     DString const path = m_folder / "s.tif";
     test::WriteImage(path,
                      {.options = {"PIXELTYPE=SIGNEDBYTE"}, .sample = [](int, int x, int) { return x < 2 ? 251 : 5; }});
-    Opened const image(path);
+    OpenedImage const image(path);
     ASSERT_EQ(image.driver->GetChnlDataType(image.handle, 0), RDI_Float32);
     auto const samples = image.Read<float>(0, 0, 4, 1, 4, 1, RDIDriver::Nearest);
     EXPECT_EQ(samples, (std::vector<float>{-5, -5, 5, 5}));
@@ -141,7 +114,7 @@ TEST_F(RasterDriver, NodataBecomesZero) {
     GDALDatasetH dataset = GDALOpen(path.c_str(), GA_Update);
     GDALSetRasterNoDataValue(GDALGetRasterBand(dataset, 1), -9999);
     GDALClose(dataset);
-    Opened const image(path);
+    OpenedImage const image(path);
     for (int const resampling : {RDIDriver::Nearest, RDIDriver::Average, RDIDriver::Cubic}) {
         auto const samples = image.Read<float>(0, 0, 64, 48, 16, 12, resampling);
         ASSERT_EQ(samples.size(), 192U);
@@ -153,7 +126,7 @@ TEST_F(RasterDriver, NodataBecomesZero) {
 TEST_F(RasterDriver, AWindowThatLeavesTheImageIsFilledWithZerosIfClipped) {
     DString const path = m_folder / "w.tif";
     test::WriteImage(path, {.width = 10, .height = 10, .sample = [](int, int, int) { return 9; }});
-    Opened const image(path);
+    OpenedImage const image(path);
     auto const samples = image.Read<std::uint8_t>(-5, -5, 10, 10, 10, 10, RDIDriver::Nearest);
     ASSERT_EQ(samples.size(), 100U);
     for (std::size_t i = 0; i < 100; ++i)
@@ -172,8 +145,8 @@ TEST_F(RasterDriver, ReductionAgreesWithAndWithoutAPyramid) {
     DString const without = m_folder / "without.tif";
     test::WriteImage(with, {.width = 1000, .height = 800, .type = GDT_UInt16, .sample = smooth}, {2, 4, 8});
     test::WriteImage(without, {.width = 1000, .height = 800, .type = GDT_UInt16, .sample = smooth});
-    Opened const a(with);
-    Opened const b(without);
+    OpenedImage const a(with);
+    OpenedImage const b(without);
     EXPECT_EQ(a.driver->GetAttrInt("RDI_Drvr_Sppt_Intrnl_RslPrmd", a.handle, 0), 1);
     for (auto const &[width, height] :
          {std::pair(90, 72), std::pair(333, 266), std::pair(999, 799), std::pair(1500, 1200)}) {
@@ -197,7 +170,7 @@ TEST_F(RasterDriver, OverviewsBesideTheFileAreFound) {
     DString const path = m_folder / "a.png";
     test::WriteImage(path, {.width = 200, .height = 200, .format = "PNG"});
     test::WriteImage(m_folder / "a.png.ovr", {.width = 100, .height = 100});
-    Opened const image(path);
+    OpenedImage const image(path);
     ASSERT_TRUE(image);
     EXPECT_EQ(image.driver->GetId(), "PNG");
     EXPECT_EQ(image.driver->GetAttrInt("RDI_Drvr_Sppt_Intrnl_RslPrmd", image.handle, 0), 1);
@@ -230,7 +203,7 @@ TEST_F(RasterDriver, APaletteIsReadInItsColours) {
 TEST_F(RasterDriver, OptionsReachTheFormatAndUnknownOnesAreLeftOut) {
     DString const path = m_folder / "o.tif";
     test::WriteImage(path, {.width = 200, .height = 100}, {2, 4});
-    Opened const image(path + "?OVERVIEW_LEVEL=0&NO_SUCH_OPTION=1&NUM_THREADS=");
+    OpenedImage const image(path + "?OVERVIEW_LEVEL=0&NO_SUCH_OPTION=1&NUM_THREADS=");
     ASSERT_TRUE(image) << image.error.Text();
     EXPECT_EQ(image.driver->GetChnlSizeX(image.handle, 0), 100);
 }
@@ -238,9 +211,9 @@ TEST_F(RasterDriver, OptionsReachTheFormatAndUnknownOnesAreLeftOut) {
 TEST_F(RasterDriver, OnlyTheNamedDriverIsTried) {
     DString const path = m_folder / "x.tif";
     test::WriteImage(path);
-    EXPECT_FALSE(Opened(path, "PNG"));
-    EXPECT_TRUE(Opened(path, "gtiff"));
-    EXPECT_TRUE(Opened(path, "no such driver"));
+    EXPECT_FALSE(OpenedImage(path, "PNG"));
+    EXPECT_TRUE(OpenedImage(path, "gtiff"));
+    EXPECT_TRUE(OpenedImage(path, "no such driver"));
     RDIDriver const *tiff = RDIDriverMngr::Instance()->GetDriver("GTiff");
     RDIDriver const *png = RDIDriverMngr::Instance()->GetDriver("PNG");
     EXPECT_EQ(tiff->IsMyFile(path.c_str()), 1);
@@ -260,7 +233,7 @@ TEST_F(RasterDriver, WhatGdalComplainsOfGoesToTheLogAndTheError) {
             lines.push_back(text);
     });
     testing::internal::CaptureStderr();
-    Opened const image(path);
+    OpenedImage const image(path);
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
     Report::SetTraceHandler(std::move(former));
     EXPECT_FALSE(image);
@@ -273,7 +246,7 @@ TEST_F(RasterDriver, AStopEndsALongRead) {
     DString const path = m_folder / "long.tif";
     test::WriteImage(path, {.width = 6000, .height = 5000, .sample = [](int, int x, int y) { return (x * y) & 255; }});
     StopSignal stop{false};
-    Opened const image(path, "", &stop);
+    OpenedImage const image(path, "", &stop);
     ASSERT_TRUE(image);
     std::thread stopper([&] { stop = true; });
     stopper.join();

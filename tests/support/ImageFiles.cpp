@@ -12,6 +12,7 @@
 #include <cmath>
 #include <memory>
 #include <mutex>
+#include <numeric>
 
 namespace zelvar::test {
 
@@ -73,6 +74,42 @@ void AddLayer(GDALDatasetH dataset, DString const &name, OGRwkbGeometryType geom
     OGR_F_SetFieldInteger(feature, 0, 7);
     EXPECT_EQ(OGR_L_CreateFeature(layer, feature), OGRERR_NONE);
     OGR_F_Destroy(feature);
+}
+
+/// The values 0, 1, 2... of a variable over all of its dimensions.
+void FillInOrder(GDALMDArrayH array, std::vector<std::size_t> const &counts) {
+    std::size_t total = 1;
+    for (std::size_t const count : counts)
+        total *= count;
+    std::vector<std::int32_t> samples(total);
+    std::iota(samples.begin(), samples.end(), 0);
+    std::vector<GUInt64> const start(counts.size(), 0);
+    GDALExtendedDataTypeH type = GDALExtendedDataTypeCreate(GDT_Int32);
+    EXPECT_TRUE(
+        GDALMDArrayWrite(array, start.data(), counts.data(), nullptr, nullptr, type, samples.data(), nullptr, 0));
+    GDALExtendedDataTypeRelease(type);
+}
+
+void AddText(GDALMDArrayH array, char const *name, char const *text) {
+    GDALExtendedDataTypeH type = GDALExtendedDataTypeCreateString(0);
+    GDALAttributeH attribute = GDALMDArrayCreateAttribute(array, name, 0, nullptr, type, nullptr);
+    GDALExtendedDataTypeRelease(type);
+    EXPECT_TRUE(GDALAttributeWriteString(attribute, text));
+    GDALAttributeRelease(attribute);
+}
+
+GDALDimensionH AddDimension(GDALGroupH root, NetCdfDimension const &told, GDALExtendedDataTypeH type) {
+    auto const length = static_cast<std::size_t>(told.length);
+    GDALDimensionH dimension = GDALGroupCreateDimension(root, told.name, nullptr, nullptr, length, nullptr);
+    if (!told.hasValues)
+        return dimension;
+    GDALMDArrayH values = GDALGroupCreateMDArray(root, told.name, 1, &dimension, type, nullptr);
+    FillInOrder(values, {length});
+    for (auto const &[name, text] : {std::pair("units", told.unit), std::pair("axis", told.axis)})
+        if (*text != '\0')
+            AddText(values, name, text);
+    GDALMDArrayRelease(values);
+    return dimension;
 }
 
 } // namespace
@@ -144,6 +181,32 @@ void WriteNetCdf(DString const &path, int variables) {
     }
     GDALExtendedDataTypeRelease(type);
     for (GDALDimensionH dimension : dimensions)
+        GDALDimensionRelease(dimension);
+    GDALGroupRelease(root);
+    GDALClose(dataset);
+}
+
+void WriteNetCdfVariable(DString const &path, std::vector<NetCdfDimension> const &dimensions,
+                         std::optional<double> nodata) {
+    GDALDatasetH dataset = GDALCreateMultiDimensional(Driver("netCDF"), path.c_str(), nullptr, nullptr);
+    ASSERT_NE(dataset, nullptr);
+    GDALGroupH root = GDALDatasetGetRootGroup(dataset);
+    GDALExtendedDataTypeH type = GDALExtendedDataTypeCreate(GDT_Int16);
+    std::vector<GDALDimensionH> made;
+    std::vector<std::size_t> counts;
+    for (NetCdfDimension const &dimension : dimensions) {
+        made.push_back(AddDimension(root, dimension, type));
+        counts.push_back(static_cast<std::size_t>(dimension.length));
+    }
+    GDALMDArrayH array = GDALGroupCreateMDArray(root, "value", made.size(), made.data(), type, nullptr);
+    ASSERT_NE(array, nullptr);
+    if (nodata) {
+        EXPECT_TRUE(GDALMDArraySetNoDataValueAsDouble(array, *nodata));
+    }
+    FillInOrder(array, counts);
+    GDALMDArrayRelease(array);
+    GDALExtendedDataTypeRelease(type);
+    for (GDALDimensionH dimension : made)
         GDALDimensionRelease(dimension);
     GDALGroupRelease(root);
     GDALClose(dataset);

@@ -6,6 +6,7 @@
 #include <ogr_api.h>
 
 #include <functional>
+#include <optional>
 #include <vector>
 
 namespace zelvar::test {
@@ -32,6 +33,18 @@ void WritePages(DString const &path, int pages);
 void WriteGeoPackage(DString const &path, int layers, int tables, int pictures);
 /// A netCDF file with that many variables "var1" ... of 20 * 10 samples.
 void WriteNetCdf(DString const &path, int variables);
+/// A dimension of a netCDF variable.
+struct NetCdfDimension {
+    char const *name = "";
+    int length = 1;
+    char const *unit = ""; ///< an attribute of its values; none if empty
+    char const *axis = ""; ///< the same
+    bool hasValues = true; ///< 0, 1, 2...
+};
+/// A netCDF file with one variable "value" of 16-bit samples over these dimensions, the outermost first: 0, 1, 2... in
+/// the order of the file. With `nodata` that value means "no data".
+void WriteNetCdfVariable(DString const &path, std::vector<NetCdfDimension> const &dimensions,
+                         std::optional<double> nodata = {});
 /// An archive of files: names inside and the files on disk that they are copied from.
 void WriteZip(DString const &path, std::vector<std::pair<DString, DString>> const &files);
 

@@ -2,6 +2,7 @@
 
 #include "zelvar/data/RDIDriverMngr.h"
 #include "zelvar/data/gdal/RasterReading.h"
+#include "zelvar/data/gdal/SliceGrid.h"
 #include "zelvar/data/gdal/Source.h"
 
 #include <gdal.h>
@@ -22,12 +23,16 @@ struct Image {
     Format const *format = nullptr;
     Reach reach = Reach::Local;
     StopSignal const *stop = nullptr; ///< not owned, may be null
+    SliceGrid grid{1};
 
-    /// Null for a channel that is not there.
+    /// The band of a channel's first slice at the first time; null for a channel that is not there.
     [[nodiscard]] GDALRasterBandH Band(int channel) const {
-        if (channel < 0 || channel >= GDALGetRasterCount(Raw(dataset)))
+        if (channel < 0 || channel >= grid.Channels())
             return nullptr;
-        return GDALGetRasterBand(Raw(dataset), channel + 1);
+        return Band(channel, 0, 0);
+    }
+    [[nodiscard]] GDALRasterBandH Band(int channel, int slice, int frame) const {
+        return GDALGetRasterBand(Raw(dataset), grid.BandOf(channel, slice, frame));
     }
 };
 
@@ -46,7 +51,9 @@ std::unique_ptr<Image> OpenImage(BDIMoniker const &moniker, Format const *only, 
     if (!opened)
         return nullptr;
     GdalScope const scope(source->reach);
-    int const channels = GDALGetRasterCount(Raw(opened.dataset));
+    SliceGrid const grid = opened.format->id == "netCDF" ? SliceGrid::OfNetCdf(Raw(opened.dataset))
+                                                         : SliceGrid(GDALGetRasterCount(Raw(opened.dataset)));
+    int const channels = grid.Channels();
     if (channels < 1 || channels > kMostChannels) {
         if (error != nullptr)
             error->Set(zelvar::Format("\"%s\" has %d channels", moniker.GetText().c_str(), channels));
@@ -57,6 +64,7 @@ std::unique_ptr<Image> OpenImage(BDIMoniker const &moniker, Format const *only, 
     image->format = opened.format;
     image->reach = source->reach;
     image->stop = stop;
+    image->grid = grid;
     return image;
 }
 
@@ -88,16 +96,18 @@ void *RasterDriver::OpenFileInFamily(BDIMoniker const &moniker, RDIDriver **open
 
 void RasterDriver::CloseFile(void *handle, bool) { delete static_cast<Image *>(handle); }
 
-int RasterDriver::GetNumChnl(void *handle) const { return GDALGetRasterCount(Raw(Of(handle).dataset)); }
+int RasterDriver::GetNumChnl(void *handle) const { return Of(handle).grid.Channels(); }
 
 int RasterDriver::GetChnlSizeX(void *handle, int channel) const {
-    GDALRasterBandH band = Of(handle).Band(channel);
-    return band == nullptr ? 0 : GDALGetRasterBandXSize(band);
+    Image const &image = Of(handle);
+    GDALRasterBandH band = image.Band(channel);
+    return band == nullptr ? 0 : GDALGetRasterBandXSize(band) * image.grid.Frames();
 }
 
 int RasterDriver::GetChnlSizeY(void *handle, int channel) const {
-    GDALRasterBandH band = Of(handle).Band(channel);
-    return band == nullptr ? 0 : GDALGetRasterBandYSize(band);
+    Image const &image = Of(handle);
+    GDALRasterBandH band = image.Band(channel);
+    return band == nullptr ? 0 : GDALGetRasterBandYSize(band) * image.grid.Slices();
 }
 
 int RasterDriver::GetChnlDataType(void *handle, int channel) const {
@@ -106,7 +116,10 @@ int RasterDriver::GetChnlDataType(void *handle, int channel) const {
     return band == nullptr ? RDI_None : DeliveredType(band);
 }
 
-RDIGeoCoo RasterDriver::GetChnlGeoCode(void *, int) const { return {}; }
+RDIGeoCoo RasterDriver::GetChnlGeoCode(void *handle, int) const {
+    SliceGrid const &grid = Of(handle).grid;
+    return {.numSlices = grid.Slices(), .numTimeFrames = grid.Frames()};
+}
 
 DString RasterDriver::GetAttrString(char const *name, void *handle, int) const {
     if (std::strcmp(name, "RDI_Drvr_Info") != 0)
@@ -127,7 +140,7 @@ int RasterDriver::GetAttrInt(char const *name, void *handle, int channel) const 
     if (std::strcmp(name, "RDI_Drvr_Sppt_Intrnl_RslPrmd") == 0)
         return GDALGetOverviewCount(band) > 0 ? 1 : 0;
     if (std::strcmp(name, "RDI_Drvr_Palette") == 0)
-        return GetNumChnl(handle) == 1 && HasPalette(band) ? 1 : 0;
+        return GDALGetRasterCount(Raw(image.dataset)) == 1 && HasPalette(band) ? 1 : 0;
     return 0;
 }
 
@@ -145,7 +158,10 @@ bool RasterDriver::ReadBlockRsmpl(void *handle, int channel, double x, double y,
                               .clip = clip,
                               .stop = image.stop};
     try {
-        return ReadWindow(band, DeliveredType(band), request, buffer);
+        BandGrid const grid{.columns = image.grid.Frames(),
+                            .rows = image.grid.Slices(),
+                            .at = [&](int frame, int slice) { return image.Band(channel, slice, frame); }};
+        return ReadWindow(grid, DeliveredType(band), request, buffer);
     } catch (std::bad_alloc const &) {
         Report::TraceMessage(Report::kTraceDriver, "no memory to read %d * %d samples", outWidth, outHeight);
         return false;

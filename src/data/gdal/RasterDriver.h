@@ -25,7 +25,8 @@ public:
     [[nodiscard]] int GetChnlSizeX(void *handle, int channel) const override;
     [[nodiscard]] int GetChnlSizeY(void *handle, int channel) const override;
     [[nodiscard]] int GetChnlDataType(void *handle, int channel) const override;
-    /// GDAL's formats give slices and moments as channels or as images of their own: 1 and 1.
+    /// More than 1 and 1 for netCDF variables with dimensions of time or height; other formats give slices and moments
+    /// as channels or as images of their own.
     [[nodiscard]] RDIGeoCoo GetChnlGeoCode(void *handle, int channel) const override;
     /// "RDI_Drvr_Info": the format and its compression, as "GeoTIFF, LZW".
     [[nodiscard]] DString GetAttrString(char const *name, void *handle, int channel) const override;

@@ -149,12 +149,16 @@ bool IsInside(Window const &window, BandHandle band) {
            window.y + window.height <= GDALGetRasterBandYSize(band);
 }
 
-/// Reads what there is of a window that leaves the band, and leaves zeros around it.
-bool ReadClipped(BandHandle band, RDIDataType type, ReadRequest const &request, unsigned char *buffer) {
+/// Bytes of a row of the result.
+std::size_t RowSize(RDIDataType type, Window const &window) {
+    return static_cast<std::size_t>(window.outWidth) * static_cast<std::size_t>(RDIGetDTSize(type));
+}
+
+/// Reads what there is of a window that leaves the band, and leaves the buffer around it as it is.
+bool ReadPart(BandHandle band, RDIDataType type, ReadRequest const &request, unsigned char *buffer) {
     Window const &window = request.window;
     auto const sampleSize = static_cast<std::size_t>(RDIGetDTSize(type));
-    auto const rowSize = static_cast<std::size_t>(window.outWidth) * sampleSize;
-    std::fill_n(buffer, rowSize * static_cast<std::size_t>(window.outHeight), std::uint8_t{0});
+    std::size_t const rowSize = RowSize(type, window);
     Span const columns = InsideOf(window.x, window.width, window.outWidth, GDALGetRasterBandXSize(band));
     Span const rows = InsideOf(window.y, window.height, window.outHeight, GDALGetRasterBandYSize(band));
     if (columns.Length() < 1 || rows.Length() < 1)
@@ -168,7 +172,7 @@ bool ReadClipped(BandHandle band, RDIDataType type, ReadRequest const &request, 
     part.height = std::min(window.y + rows.end * stepY, static_cast<double>(GDALGetRasterBandYSize(band))) - part.y;
     part.outWidth = columns.Length();
     part.outHeight = rows.Length();
-    auto const partRow = static_cast<std::size_t>(part.outWidth) * sampleSize;
+    std::size_t const partRow = RowSize(type, part);
     std::vector<unsigned char> samples(partRow * static_cast<std::size_t>(part.outHeight));
     if (!ReadInsideAs(band, type, part, request, samples.data()))
         return false;
@@ -177,6 +181,18 @@ bool ReadClipped(BandHandle band, RDIDataType type, ReadRequest const &request, 
                         static_cast<std::size_t>(columns.begin) * sampleSize,
                     samples.data() + static_cast<std::size_t>(y) * partRow, partRow);
     return true;
+}
+
+void FillWithZeros(unsigned char *buffer, RDIDataType type, Window const &window) {
+    std::fill_n(buffer, RowSize(type, window) * static_cast<std::size_t>(window.outHeight), std::uint8_t{0});
+}
+
+/// Those of `count` cells of `size` pixels that a stretch of the axis touches.
+Span CellsOf(double offset, double length, int size, int count) {
+    auto const clamped = [count](double cell) {
+        return static_cast<int>(std::clamp(cell, 0.0, static_cast<double>(count)));
+    };
+    return {clamped(std::floor(offset / size)), clamped(std::ceil((offset + length) / size))};
 }
 
 bool IsSensible(Window const &window) {
@@ -229,7 +245,52 @@ bool ReadWindow(BandHandle band, RDIDataType type, ReadRequest const &request, v
         return false;
     if (IsInside(request.window, band))
         return ReadInsideAs(band, type, request.window, request, buffer);
-    return request.clip && type != RDI_None && ReadClipped(band, type, request, static_cast<unsigned char *>(buffer));
+    if (!request.clip || type == RDI_None)
+        return false;
+    FillWithZeros(static_cast<unsigned char *>(buffer), type, request.window);
+    return ReadPart(band, type, request, static_cast<unsigned char *>(buffer));
+}
+
+bool ReadWindow(BandGrid const &grid, RDIDataType type, ReadRequest const &request, void *buffer) {
+    BandHandle first = grid.at(0, 0);
+    if (first == nullptr || type == RDI_None || !IsSensible(request.window))
+        return false;
+    int const width = GDALGetRasterBandXSize(first);
+    int const height = GDALGetRasterBandYSize(first);
+    Window const &window = request.window;
+    Span const columns = CellsOf(window.x, window.width, width, grid.columns);
+    Span const rows = CellsOf(window.y, window.height, height, grid.rows);
+    auto const within = [&](int column, int row) {
+        ReadRequest shifted = request;
+        shifted.window.x -= static_cast<double>(column) * width;
+        shifted.window.y -= static_cast<double>(row) * height;
+        return shifted;
+    };
+    if (columns.Length() <= 1 && rows.Length() <= 1) {
+        // A window outside of all is one outside of the cell in the corner as well.
+        int const column = std::min(columns.begin, grid.columns - 1);
+        int const row = std::min(rows.begin, grid.rows - 1);
+        BandHandle band = grid.at(column, row);
+        return band != nullptr && ReadWindow(band, type, within(column, row), buffer);
+    }
+    double const right = static_cast<double>(width) * grid.columns;
+    double const bottom = static_cast<double>(height) * grid.rows;
+    if (!request.clip &&
+        (window.x < 0 || window.y < 0 || window.x + window.width > right || window.y + window.height > bottom))
+        return false;
+    FillWithZeros(static_cast<unsigned char *>(buffer), type, window);
+    for (int row = rows.begin; row < rows.end; ++row)
+        for (int column = columns.begin; column < columns.end; ++column) {
+            ReadRequest const part = within(column, row);
+            bool const seen = InsideOf(part.window.x, window.width, window.outWidth, width).Length() > 0 &&
+                              InsideOf(part.window.y, window.height, window.outHeight, height).Length() > 0;
+            if (!seen)
+                continue;
+            BandHandle band = IsStopped(request.stop) ? nullptr : grid.at(column, row);
+            if (band == nullptr || !ReadPart(band, type, part, static_cast<unsigned char *>(buffer)))
+                return false;
+        }
+    return true;
 }
 
 bool HasPalette(BandHandle band) {

@@ -3,6 +3,8 @@
 #include "zelvar/data/RDIDriver.h"
 #include "zelvar/data/gdal/BandReading.h"
 
+#include <functional>
+
 namespace zelvar::gdal {
 
 /// A window of a channel, pixels, and how it is brought to a size.
@@ -26,7 +28,17 @@ struct ReadRequest {
 /// to twice the wanted size first, strip by strip, so that memory stays bounded whatever the image's size.
 [[nodiscard]] bool ReadWindow(BandHandle band, RDIDataType type, ReadRequest const &request, void *buffer);
 
-/// The same through the band's palette, to red, green and blue; pixels are picked, never mixed.
+/// Bands of one size and type as one picture: rows of them, one under the other.
+struct BandGrid {
+    int columns = 1;
+    int rows = 1;
+    std::function<BandHandle(int column, int row)> at; ///< asked only for bands that are read; null fails the read
+};
+/// The same over all of the picture. Samples of different bands are never mixed: each sample of the result is made of
+/// the one band that its centre lies in.
+[[nodiscard]] bool ReadWindow(BandGrid const &grid, RDIDataType type, ReadRequest const &request, void *buffer);
+
+/// Reads a band through its palette, to red, green and blue; pixels are picked, never mixed.
 [[nodiscard]] bool ReadPaletteWindow(BandHandle band, ReadRequest const &request, unsigned char *rgb);
 [[nodiscard]] bool HasPalette(BandHandle band);
 

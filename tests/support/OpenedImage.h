@@ -1,0 +1,41 @@
+#pragma once
+
+#include "zelvar/data/DriverProvider.h"
+#include "zelvar/data/RDIDriverMngr.h"
+#include "zelvar/data/gdal/GdalDrivers.h"
+
+#include <vector>
+
+namespace zelvar::test {
+
+/// Opens one image with the real drivers.
+class OpenedImage {
+public:
+    explicit OpenedImage(DString const &moniker, DString const &driverId = {}, StopSignal const *stop = nullptr) {
+        SetDriverProvider(&RegisterGdalDrivers);
+        RDIDriverMngr::Instance()->OpenFile({moniker, nullptr}, &driver, &handle, "", &error, driverId.c_str(), stop);
+    }
+    ~OpenedImage() {
+        if (handle != nullptr)
+            driver->CloseFile(handle, true);
+    }
+    OpenedImage(OpenedImage const &) = delete;
+    OpenedImage &operator=(OpenedImage const &) = delete;
+    explicit operator bool() const { return handle != nullptr; }
+
+    template <class Sample>
+    [[nodiscard]] std::vector<Sample> Read(double x, double y, double width, double height, int outWidth, int outHeight,
+                                           int resampling, int channel = 0) const {
+        std::vector<Sample> samples(static_cast<std::size_t>(outWidth) * static_cast<std::size_t>(outHeight));
+        if (!driver->ReadBlockRsmpl(handle, channel, x, y, width, height, samples.data(), outWidth, outHeight,
+                                    resampling, true, true))
+            samples.clear();
+        return samples;
+    }
+
+    RDIDriver *driver = nullptr;
+    void *handle = nullptr;
+    DError error;
+};
+
+} // namespace zelvar::test
