@@ -138,7 +138,8 @@ TEST_F(DynamicDialogTest, AMaximisedDialogComesBackMaximisedWithItsNormalPlace) 
         TestDialog dialog(kTemplate);
         dialog.show();
         EXPECT_TRUE(dialog.isMaximized());
-        EXPECT_TRUE(test::Eventually([&] { return dialog.width() > 700; }));
+        EXPECT_TRUE(
+            test::Eventually([&] { return dialog.width() > dialog.screen()->availableGeometry().width() * 3 / 4; }));
     }
     EXPECT_EQ(Profile::GetInt(kSection, "State", 0), 1);
     EXPECT_EQ(Profile::GetInt(kSection, "Right", 0), 450);

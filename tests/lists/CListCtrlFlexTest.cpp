@@ -30,7 +30,7 @@ void AddPlain(CListCtrlFlex &list, std::vector<char const *> const &texts) {
 
 QColor PixelAt(CListCtrlFlex &list, int row, int x) {
     Rect const place = list.GetItemRect(row);
-    return list.viewport()->grab().toImage().pixelColor(x, place.bottom - 2);
+    return test::ColorAt(*list.viewport(), {x, place.bottom - 2});
 }
 
 TEST(CListCtrlFlex, ABackgroundOfZeroIsTextColouredWithoutAnImageAndBlackWithOne) {
@@ -185,9 +185,10 @@ TEST(CListCtrlFlex, TheIndentAndTheImageMoveTheFirstTextOnly) {
     list.SetItemText(0, 1, "|||||||");
     Stage const stage(list);
     QImage const image = list.viewport()->grab().toImage();
+    int const ratio = static_cast<int>(image.devicePixelRatio());
     auto const inkIn = [&](int from, int to) {
-        for (int x = from; x < to; ++x)
-            for (int y = 0; y < list.RowHeight(); ++y)
+        for (int x = from * ratio; x < to * ratio; ++x)
+            for (int y = 0; y < list.RowHeight() * ratio; ++y)
                 if (image.pixelColor(x, y).lightness() < 100)
                     return true;
         return false;

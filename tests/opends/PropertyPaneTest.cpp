@@ -217,9 +217,8 @@ TEST_F(PropertyPane, ThePictureIsFittedAndCentredInItsWindow) {
     preview.GetCanvas().SetPixel(0, 0, Rgb(255, 0, 0));
     preview.ShowCanvas();
     EXPECT_EQ(preview.PictureRect(), QRect(0, 75, 300, 150));
-    QImage const shown = preview.grab().toImage();
-    EXPECT_EQ(shown.pixelColor(150, 74), QColor(Qt::white));
-    EXPECT_EQ(shown.pixelColor(150, 80), QColor(Qt::black));
+    EXPECT_EQ(test::ColorAt(preview, {150, 74}), QColor(Qt::white));
+    EXPECT_EQ(test::ColorAt(preview, {150, 80}), QColor(Qt::black));
     preview.resize(100, 400);
     EXPECT_EQ(preview.PictureRect(), QRect(0, 175, 100, 50)) << "fitted anew";
 }

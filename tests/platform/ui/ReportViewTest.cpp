@@ -338,8 +338,7 @@ TEST(ReportView, TheSelectionIsMarkedWithoutTheFocusOnlyWhereWanted) {
     QColor const highlight = view.palette().color(QPalette::Highlight);
     auto const marked = [&] {
         Rect const row = view.GetItemRect(1);
-        QImage const image = view.viewport()->grab().toImage();
-        return image.pixelColor(row.right - 3, row.top + 3) == highlight;
+        return test::ColorAt(*view.viewport(), {row.right - 3, row.top + 3}) == highlight;
     };
     EXPECT_TRUE(marked());
     view.clearFocus();
