@@ -1,5 +1,6 @@
 #include "zelvar/opends/DSplitterWnd.h"
 
+#include "zelvar/opends/SplitterBar.h"
 #include "zelvar/platform/ui/ControlId.h"
 
 #include <QtGui/QMouseEvent>
@@ -116,7 +117,30 @@ void DSplitterWnd::LayOutPanes() {
         QRect const inner = ToQRect(rect).adjusted(kBorder, kBorder, -kBorder, -kBorder);
         pane->setGeometry(inner.isValid() ? inner : QRect(rect.left, rect.top, 0, 0));
     }
+    PlaceBars();
     update();
+}
+
+Rect DSplitterWnd::BarRect(Qt::Orientation bar, int before) const {
+    int const behind = TrackStart(TracksBeside(bar), before + 1);
+    return bar == Qt::Vertical ? Rect{behind - kBar, 0, behind, height()} : Rect{0, behind - kBar, width(), behind};
+}
+
+void DSplitterWnd::PlaceBars() {
+    auto const needed = static_cast<std::size_t>(GetColumnCount() - 1 + GetRowCount() - 1);
+    if (m_bars.size() != needed) {
+        for (SplitterBar *bar : m_bars)
+            delete bar;
+        m_bars.clear();
+        for (int col = 0; col + 1 < GetColumnCount(); ++col)
+            m_bars.push_back(new SplitterBar(*this, Qt::Vertical, col));
+        for (int row = 0; row + 1 < GetRowCount(); ++row)
+            m_bars.push_back(new SplitterBar(*this, Qt::Horizontal, row));
+    }
+    for (SplitterBar *bar : m_bars) {
+        bar->setGeometry(ToQRect(BarRect(bar->Orientation(), bar->Before())));
+        bar->show();
+    }
 }
 
 void DSplitterWnd::GetRowInfo(int row, int &cur, int &ideal, int &min) const { ReadInfo(m_rows, row, cur, ideal, min); }
@@ -231,14 +255,10 @@ void DSplitterWnd::OnDrawSplitter(QPainter *painter, DrawType type, Rect const &
 
 void DSplitterWnd::paintEvent(QPaintEvent *) {
     QPainter painter(this);
-    for (int row = 0; row + 1 < GetRowCount(); ++row) {
-        int const top = TrackStart(m_rows, row + 1) - kBar;
-        OnDrawSplitter(&painter, Bar, {0, top, width(), top + kBar});
-    }
-    for (int col = 0; col + 1 < GetColumnCount(); ++col) {
-        int const left = TrackStart(m_columns, col + 1) - kBar;
-        OnDrawSplitter(&painter, Bar, {left, 0, left + kBar, height()});
-    }
+    for (int row = 0; row + 1 < GetRowCount(); ++row)
+        OnDrawSplitter(&painter, Bar, BarRect(Qt::Horizontal, row));
+    for (int col = 0; col + 1 < GetColumnCount(); ++col)
+        OnDrawSplitter(&painter, Bar, BarRect(Qt::Vertical, col));
     for (auto const &[cell, pane] : m_panes)
         if (!pane.isNull() && pane->isVisible())
             OnDrawSplitter(&painter, Border, CellRect(cell.first, cell.second));
@@ -279,19 +299,38 @@ void DSplitterWnd::mouseMoveEvent(QMouseEvent *event) {
         ShowBarCursor(HitBar({event->pos().x(), event->pos().y()}));
         return;
     }
-    std::vector<SplitterTrack> &tracks = Tracks(m_dragged.axis);
-    int const position = (m_dragged.axis == Axis::Columns ? event->pos().x() : event->pos().y()) - m_dragged.offset;
-    int const total = m_dragged.axis == Axis::Columns ? width() : height();
-    SplitterTrack &track = tracks[static_cast<std::size_t>(m_dragged.before)];
-    int const start = TrackStart(tracks, m_dragged.before);
-    // The tracks behind the bar keep at least the room that their minima ask for.
+    Qt::Orientation const bar = m_dragged.axis == Axis::Columns ? Qt::Vertical : Qt::Horizontal;
+    int const position = (bar == Qt::Vertical ? event->pos().x() : event->pos().y()) - m_dragged.offset;
+    MoveBar(bar, m_dragged.before, position - TrackStart(TracksBeside(bar), m_dragged.before));
+}
+
+int DSplitterWnd::BarPosition(Qt::Orientation bar, int before) const {
+    std::vector<SplitterTrack> const &tracks = TracksBeside(bar);
+    return IsInside(tracks, before) ? tracks[static_cast<std::size_t>(before)].current : 0;
+}
+
+std::pair<int, int> DSplitterWnd::BarLimits(Qt::Orientation bar, int before) const {
+    std::vector<SplitterTrack> const &tracks = TracksBeside(bar);
+    if (!IsInside(tracks, before))
+        return {0, 0};
     int behind = 0;
-    for (std::size_t i = static_cast<std::size_t>(m_dragged.before) + 1; i < tracks.size(); ++i)
+    for (std::size_t i = static_cast<std::size_t>(before) + 1; i < tracks.size(); ++i)
         behind += kBar + tracks[i].minimum;
-    int const most = std::max(total - start - behind, track.minimum);
-    track.ideal = std::clamp(position - start, track.minimum, most);
+    int const total = bar == Qt::Vertical ? width() : height();
+    int const least = tracks[static_cast<std::size_t>(before)].minimum;
+    return {least, std::max(total - TrackStart(tracks, before) - behind, least)};
+}
+
+void DSplitterWnd::MoveBar(Qt::Orientation bar, int before, int position) {
+    std::vector<SplitterTrack> &tracks = Tracks(bar == Qt::Vertical ? Axis::Columns : Axis::Rows);
+    if (before < 0 || before + 1 >= static_cast<int>(tracks.size()))
+        return;
+    auto const [least, most] = BarLimits(bar, before);
+    tracks[static_cast<std::size_t>(before)].ideal = std::clamp(position, least, most);
     RecalcLayout();
 }
+
+bool DSplitterWnd::MoveBarsByKeyboard() { return SplitterBar::Enter(*this); }
 
 void DSplitterWnd::mouseReleaseEvent(QMouseEvent *event) {
     if (event->button() == Qt::LeftButton)

@@ -13,14 +13,16 @@
 
 namespace zelvar {
 
+class SplitterBar;
+
 /// Class of panes: what a splitter is told so that it, or its owner, can make one.
 struct PaneClass {
     char const *name;           ///< tells classes apart
     QWidget *(*createObject)(); ///< a pane without a parent
 };
 
-/// Splitter: a grid of panes with thin bars that the user drags. An optional owner decides how panes are made, placed
-/// and removed.
+/// Splitter: a grid of panes with thin bars that the user moves by mouse or keyboard. An optional owner decides how
+/// panes are made, placed and removed.
 ///
 /// Rows and columns are fixed when it is created and change by its own operations only. User-interface thread.
 class ZELVAR_API DSplitterWnd : public QWidget {
@@ -79,6 +81,15 @@ public:
     void StaticDeleteRow(int row);
     void StaticDeleteColumn(int col);
 
+    // Moving bars. A vertical bar stands behind a column, a horizontal one behind a row; positions are sizes of that
+    // track, pixels.
+    [[nodiscard]] int BarPosition(Qt::Orientation bar, int before) const;
+    /// Least and most, so that the tracks behind the bar keep their minima.
+    [[nodiscard]] std::pair<int, int> BarLimits(Qt::Orientation bar, int before) const;
+    void MoveBar(Qt::Orientation bar, int before, int position);
+    /// Gives the focus to the first bar, which then moves by the arrow keys; see `SplitterBar`. False without a bar.
+    bool MoveBarsByKeyboard();
+
 protected:
     /// With a null painter the rectangle is only marked for repainting, children included.
     virtual void OnDrawSplitter(QPainter *painter, DrawType type, Rect const &rect);
@@ -99,9 +110,14 @@ private:
     };
 
     [[nodiscard]] std::vector<SplitterTrack> &Tracks(Axis axis) { return axis == Axis::Rows ? m_rows : m_columns; }
+    [[nodiscard]] std::vector<SplitterTrack> const &TracksBeside(Qt::Orientation bar) const {
+        return bar == Qt::Vertical ? m_columns : m_rows;
+    }
+    [[nodiscard]] Rect BarRect(Qt::Orientation bar, int before) const;
     [[nodiscard]] Rect CellRect(int row, int col) const;
     [[nodiscard]] BarHit HitBar(Point point) const;
     void LayOutPanes();
+    void PlaceBars();
     int SplitIntrnl(Axis axis, int at);
     void DeleteTrack(Axis axis, int index);
     void ShowBarCursor(BarHit const &hit);
@@ -113,6 +129,7 @@ private:
     std::vector<SplitterTrack> m_rows;
     std::vector<SplitterTrack> m_columns;
     std::map<std::pair<int, int>, QPointer<QWidget>> m_panes; ///< by row and column
+    std::vector<SplitterBar *> m_bars;                        ///< children, one over each bar
     BarHit m_dragged;
 };
 

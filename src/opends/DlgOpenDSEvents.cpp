@@ -11,6 +11,7 @@
 #include "zelvar/opends/DlgOpenDS.h"
 #include "zelvar/opends/HierarchyList.h"
 #include "zelvar/opends/OpenDialogTemplate.h"
+#include "zelvar/opends/SplitterBar.h"
 #include "zelvar/platform/ui/ControlId.h"
 #include "zelvar/platform/ui/EllipsisLabel.h"
 #include "zelvar/platform/ui/Text.h"
@@ -268,7 +269,11 @@ bool DlgOpenDS::eventFilter(QObject *watched, QEvent *event) {
 }
 
 bool DlgOpenDS::ProcessKey(int key, QWidget *focus) {
+    if (qobject_cast<SplitterBar *>(focus) != nullptr)
+        return false; // it has its own keys
     switch (key) {
+    case Qt::Key_F8:
+        return m_splitter->MoveBarsByKeyboard();
     case Qt::Key_F5:
         ProcessRefreshKey(focus);
         return true;

@@ -19,6 +19,7 @@
 #include "zelvar/opends/HierarchyList.h"
 #include "zelvar/opends/ImagePreviewWnd.h"
 #include "zelvar/opends/OpenDialogTemplate.h"
+#include "zelvar/opends/SplitterBar.h"
 #include "zelvar/platform/ui/ControlId.h"
 #include "zelvar/platform/ui/UserMessages.h"
 #include "zelvar/settings/DfltFldrs.h"
@@ -259,6 +260,36 @@ TEST_F(OpenDialog, TheTabKeyGoesRoundThePanesAndF5ListsAgain) {
         QTest::keyClick(dialog->MainList(), Qt::Key_F5);
         EXPECT_TRUE(test::Eventually([&] { return RowOf(*dialog->MainList(), "new.txt") >= 0; }));
     });
+}
+
+TEST_F(OpenDialog, TheBarsBetweenThePanesMoveByKeyboardAndNoKeyOfTheirsEndsTheDialog) {
+    DialogPtr const dialog = Make();
+    Run(*dialog, [&] {
+        DSListCtrl &list = *dialog->MainList();
+        list.SetSlct(0, true);
+        list.setFocus();
+        int const before = list.width();
+        QTest::keyClick(&list, Qt::Key_F8);
+        auto *const bar = qobject_cast<SplitterBar *>(dialog->focusWidget());
+        ASSERT_NE(bar, nullptr);
+        QTest::keyClick(bar, Qt::Key_Left);
+        EXPECT_EQ(list.width(), before + 10);
+        test::Shot(*dialog, "DlgOpenDS-bar");
+        QTest::keyClick(bar, Qt::Key_F5); // nothing of the dialog's
+        QTest::keyClick(bar, Qt::Key_F8);
+        QTest::keyClick(dialog->focusWidget(), Qt::Key_F8);
+        auto *const rows = qobject_cast<SplitterBar *>(dialog->focusWidget());
+        ASSERT_TRUE(rows != nullptr && rows->Orientation() == Qt::Horizontal) << "inside the left column";
+        QTest::keyClick(rows, Qt::Key_Escape);
+        EXPECT_EQ(list.width(), before);
+        EXPECT_TRUE(list.hasFocus());
+        QTest::keyClick(&list, Qt::Key_F8);
+        QTest::keyClick(bar, Qt::Key_Return);
+        QCoreApplication::processEvents();
+        EXPECT_TRUE(list.hasFocus());
+        EXPECT_TRUE(dialog->isVisible()) << "neither picked nor cancelled";
+    });
+    EXPECT_TRUE(dialog->GetSelectedNodePaths().empty());
 }
 
 TEST_F(OpenDialog, AWorkspaceOffersTwoWaysOfOpeningOfWhichOneExcludesTheOther) {

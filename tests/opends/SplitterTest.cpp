@@ -1,8 +1,11 @@
 #include "zelvar/opends/DSplitterWnd.h"
+#include "zelvar/opends/SplitterBar.h"
 #include "zelvar/platform/ui/ControlId.h"
 
+#include <QtGui/QAccessible>
 #include <QtTest/QTest>
 #include <QtWidgets/QLabel>
+#include <QtWidgets/QLineEdit>
 
 #include <gtest/gtest.h>
 
@@ -85,6 +88,93 @@ TEST(Splitter, SplittingFailsWholeWhenItDoesNotFitAndSucceedsWithAPane) {
     ASSERT_EQ(splitter->GetColumnCount(), 1);
     EXPECT_NE(splitter->GetPane(0, 0), nullptr) << "the pane behind has taken its place";
     EXPECT_EQ(Current(*splitter, 0), 303);
+}
+
+SplitterBar *FocusedBar() { return qobject_cast<SplitterBar *>(QApplication::focusWidget()); }
+
+TEST(Splitter, ABarMovesByTheArrowKeysWithinItsLimits) {
+    auto const splitter = Columns(3);
+    splitter->show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(splitter.get()));
+    ASSERT_TRUE(splitter->MoveBarsByKeyboard());
+    SplitterBar *const bar = FocusedBar();
+    ASSERT_NE(bar, nullptr);
+    EXPECT_EQ(bar->geometry(), QRect(100, 0, 3, 100));
+    QTest::keyClick(bar, Qt::Key_Right);
+    EXPECT_EQ(Current(*splitter, 0), 110);
+    EXPECT_EQ(bar->geometry().left(), 110) << "it stays over what is drawn";
+    QTest::keyClick(bar, Qt::Key_Left, Qt::ShiftModifier);
+    EXPECT_EQ(Current(*splitter, 0), 109);
+    QTest::keyClick(bar, Qt::Key_Down);
+    EXPECT_EQ(Current(*splitter, 0), 109) << "a bar between columns moves sideways only";
+    QTest::keyClick(bar, Qt::Key_Home);
+    EXPECT_EQ(Current(*splitter, 0), 10);
+    QTest::keyClick(bar, Qt::Key_End);
+    EXPECT_EQ(Current(*splitter, 0), 303 - 2 * (3 + 10)) << "room for the minima behind";
+}
+
+TEST(Splitter, TheKeysLeadRoundAllBarsAndEscapePutsThemBack) {
+    auto const splitter = Columns(2);
+    auto *const nested = new DSplitterWnd;
+    nested->CreateStaticEx(splitter->GetPane(0, 1), 2, 1, 2, 1, &kLabel, 1001);
+    nested->SetRowInfo(0, 40, 10);
+    nested->CreateView(0, 0, &kLabel, {100, 40});
+    nested->resize(100, 90);
+    auto *const edit = new QLineEdit(splitter->GetPane(0, 0));
+    splitter->show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(splitter.get()));
+    edit->setFocus();
+    ASSERT_TRUE(splitter->MoveBarsByKeyboard());
+    SplitterBar *const column = FocusedBar();
+    QTest::keyClick(column, Qt::Key_Right);
+    QTest::keyClick(column, Qt::Key_F8);
+    SplitterBar *const row = FocusedBar();
+    ASSERT_TRUE(row != nullptr && row != column);
+    EXPECT_EQ(row->Orientation(), Qt::Horizontal);
+    QTest::keyClick(row, Qt::Key_Up);
+    EXPECT_EQ(row->Position(), 30);
+    QTest::keyClick(row, Qt::Key_Tab);
+    EXPECT_EQ(FocusedBar(), column) << "round";
+    QTest::keyClick(column, Qt::Key_Escape);
+    EXPECT_TRUE(edit->hasFocus());
+    EXPECT_EQ(Current(*splitter, 0), 100);
+    EXPECT_EQ(row->Position(), 40);
+
+    splitter->MoveBarsByKeyboard();
+    QTest::keyClick(column, Qt::Key_Right);
+    QTest::keyClick(column, Qt::Key_Return);
+    EXPECT_TRUE(edit->hasFocus());
+    EXPECT_EQ(Current(*splitter, 0), 110) << "kept";
+}
+
+TEST(Splitter, BarsAreNoTabStopsAndAddedAndRemovedWithTheirTracks) {
+    auto const splitter = Columns(1);
+    EXPECT_FALSE(splitter->MoveBarsByKeyboard()) << "there is none";
+    ASSERT_EQ(splitter->StaticSplitColumn(100, nullptr), 1);
+    auto const bars = [&] { return splitter->findChildren<SplitterBar *>(); };
+    ASSERT_EQ(bars().size(), 1);
+    EXPECT_EQ(bars().front()->focusPolicy(), Qt::NoFocus);
+    splitter->StaticDeleteColumn(1);
+    EXPECT_TRUE(bars().isEmpty());
+}
+
+TEST(Splitter, AScreenReaderReadsAndMovesABar) {
+    auto const splitter = Columns(2);
+    splitter->show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(splitter.get()));
+    splitter->MoveBarsByKeyboard();
+    QAccessibleInterface *const bar = QAccessible::queryAccessibleInterface(FocusedBar());
+    ASSERT_NE(bar, nullptr);
+    EXPECT_EQ(bar->role(), QAccessible::Splitter);
+    EXPECT_FALSE(bar->text(QAccessible::Name).isEmpty());
+    EXPECT_TRUE(bar->state().focusable && bar->state().focused);
+    QAccessibleValueInterface *const value = bar->valueInterface();
+    ASSERT_NE(value, nullptr);
+    EXPECT_EQ(value->currentValue().toInt(), 100);
+    EXPECT_EQ(value->minimumValue().toInt(), 10);
+    EXPECT_EQ(value->maximumValue().toInt(), 290);
+    value->setCurrentValue(5000);
+    EXPECT_EQ(Current(*splitter, 0), 290);
 }
 
 /// Counts what it is asked and makes what it is told.
