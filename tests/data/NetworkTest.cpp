@@ -83,6 +83,58 @@ TEST_F(Network, PagesOfATiffOnAServerOpenByTheirNodes) {
         EXPECT_TRUE(ReadImageInfo({page.path, nullptr}, "", nullptr, info)) << page.path;
 }
 
+TEST_F(Network, AnAddressKeepsItsOwnQueryBesideTheOptions) {
+    constexpr char const *kSigned = "/a.tif?X-Sig=a%2Fb%3D&version=2&&flag";
+    m_server.Serve(kSigned, Bytes({.width = 200, .height = 100}, {2}));
+    ImageInfo info;
+    EXPECT_FALSE(ReadImageInfo({m_server.Url() + "/a.tif", nullptr}, "", nullptr, info)) << "served without a query";
+    struct Case {
+        DString text;
+        int width;
+    };
+    Case const cases[] = {
+        {kSigned, 200},
+        {DString(kSigned) + "&OVERVIEW_LEVEL=0", 100},
+        {DString(kSigned) + "?OVERVIEW_LEVEL=0", 100}, // as options typed in a dialog are added
+        {"/a.tif?OVERVIEW_LEVEL=0&X-Sig=a%2Fb%3D&version=2&&flag", 100},
+        {"/a.tif?X-Sig=a%2Fb%3D&RASTER=1&version=2&&NUM_THREADS=&flag", 200},
+    };
+    for (Case const &c : cases) {
+        EXPECT_TRUE(ReadImageInfo({m_server.Url() + c.text, nullptr}, "", nullptr, info)) << c.text;
+        EXPECT_EQ(info.width, c.width) << c.text;
+    }
+    EXPECT_FALSE(ReadImageInfo({m_server.Url() + "/a.tif?X-Sig=other&version=2&&flag", nullptr}, "", nullptr, info));
+}
+
+TEST_F(Network, WhatLiesInsideASignedAddressOpensWithTheSignature) {
+    test::WritePages(m_folder / "pages.tif", 2);
+    test::WriteZip(m_folder / "x.zip", {{"a.tif", m_folder / "pages.tif"}});
+    test::WriteGeoPackage(m_folder / "l.gpkg", 2, 0, 0);
+    for (char const *name : {"pages.tif", "x.zip", "l.gpkg"}) {
+        SCOPED_TRACE(name);
+        DString const place = DString("/") + name + "?X-Sig=a/b";
+        m_server.Serve(place, test::ReadFile(m_folder / name));
+        auto const children = ChildrenOf(m_server.Url() + place);
+        ASSERT_FALSE(children.empty());
+        for (auto const &[shown, child] : children) {
+            ImageInfo info;
+            if ((child.type & BDINode_Raster) != 0) {
+                EXPECT_TRUE(ReadImageInfo({child.path, nullptr}, "", nullptr, info)) << child.path;
+            } else {
+                EXPECT_EQ(child.path, m_server.Url() + place + "&LAYER=layer%20" + shown.back());
+            }
+        }
+    }
+    BDIDrvr *driver = nullptr;
+    BDINode *root = nullptr;
+    void *const repository = BDIDrvrMngr::Instance()->OpenFile((m_server.Url() + "/pages.tif?X-Sig=a/b").c_str(),
+                                                               &driver, &root, nullptr, nullptr);
+    ASSERT_NE(repository, nullptr);
+    EXPECT_EQ(root->name, "pages.tif");
+    driver->CloseNode(root);
+    driver->CloseRepository(repository);
+}
+
 TEST_F(Network, AListingOfAWebServerIsATree) {
     std::string const page = "<html><head><title>Index of /data/</title></head><body><h1>Index of /data/</h1><pre>"
                              "<a href=\"../\">../</a>\n"

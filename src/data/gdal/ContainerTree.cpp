@@ -16,6 +16,10 @@ namespace {
 
 constexpr int kMostMembers = 1'000'000;
 
+DString WithOption(DString const &source, char const *name, DString const &value) {
+    return BDIMoniker(source, nullptr).WithOptions(DString(name).append("=").append(value)).GetText();
+}
+
 /// GDAL's description of a node; "a - a", a name with an identifier that says no more, is "a".
 DString ShownName(DString const &name, DString const &description) {
     if (description.empty())
@@ -49,7 +53,7 @@ void AddLayers(GDALDatasetH dataset, Source const &source, Members &members) {
     int const count = std::min(GDALDatasetGetLayerCount(dataset), kMostMembers);
     if (count > 0 && members.nodes.empty() && members.hasPicture)
         members.nodes.push_back(
-            MakeNode(BDINode_Raster, source.text + "?" + kRasterOption + "=1", DString(FileNameOf(source.text))));
+            MakeNode(BDINode_Raster, WithOption(source.text, kRasterOption, "1"), RootName(source)));
     for (int i = 0; i < count; ++i) {
         OGRLayerH layer = GDALDatasetGetLayer(dataset, i);
         if (layer == nullptr)
@@ -57,7 +61,7 @@ void AddLayers(GDALDatasetH dataset, Source const &source, Members &members) {
         DString const name = OGR_L_GetName(layer);
         bool const table = OGR_L_GetGeomType(layer) == wkbNone;
         members.nodes.push_back(MakeNode(table ? BDINode_Table : BDINode_Thematic,
-                                         source.text + "?" + kLayerOption + "=" + PercentEncoded(name), name));
+                                         WithOption(source.text, kLayerOption, PercentEncoded(name)), name));
     }
 }
 
@@ -66,8 +70,10 @@ void AddLayers(GDALDatasetH dataset, Source const &source, Members &members) {
 DString NodePath(DString const &source, DString const &name) {
     if (BDIMoniker(name, nullptr).GetSource() == name)
         return name;
-    return source + "?" + kNodeOption + "=" + PercentEncoded(name);
+    return WithOption(source, kNodeOption, PercentEncoded(name));
 }
+
+DString RootName(Source const &source) { return DString(FileNameOf(BDIMoniker(source.text, nullptr).GetSource())); }
 
 std::vector<BDINode> InnerMembers::Of(BDINode const &container) {
     auto const source = Resolve({container.path, nullptr}, nullptr);
@@ -99,7 +105,7 @@ std::optional<Members> ListMembers(Source const &source, Format const *only) {
 
 ContainerTree::ContainerTree(Source const &source, Members members) : m_nodes(std::move(members.nodes)) {
     std::uint32_t const type = (m_nodes.empty() ? 0U : BDINode_Container) | (members.hasPicture ? BDINode_Raster : 0U);
-    m_root = MakeNode(type == 0 ? BDINode_Container : type, source.text, DString(FileNameOf(source.text)));
+    m_root = MakeNode(type == 0 ? BDINode_Container : type, source.text, RootName(source));
     m_byPath.reserve(m_nodes.size());
     for (std::size_t i = 0; i < m_nodes.size(); ++i)
         m_byPath.emplace(m_nodes[i].path, i);

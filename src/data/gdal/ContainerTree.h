@@ -19,6 +19,9 @@ struct Members {
 /// The text of a moniker for what GDAL names `name` inside `source`.
 [[nodiscard]] DString NodePath(DString const &source, DString const &name);
 
+/// The name that a source is shown by.
+[[nodiscard]] DString RootName(Source const &source);
+
 /// Members of the containers that a larger tree holds: found when their parent is listed, remembered for `Find`.
 class InnerMembers {
 public:

@@ -61,6 +61,39 @@ bool UsesForeignFileSystem(std::string_view name) {
     return false;
 }
 
+/// True for what an address tells us and not its server: what any of the formats calls an option. The names are
+/// compared as they are told, so that few of those that servers use are among them.
+bool IsAnyFormatsOption(std::string_view name) {
+    std::vector<Format> const &formats = Formats::Instance().All();
+    DString const key(name);
+    return name == "OVERVIEW_LEVEL" || name == kLayerOption || name == kNodeOption || name == kRasterOption ||
+           std::any_of(formats.begin(), formats.end(),
+                       [&](Format const &format) { return format.openOptions.contains(key); });
+}
+
+/// Takes the address's own query, such as a signature, from a moniker's options: "?..." in the order of the moniker, or
+/// nothing.
+DString TakeQuery(BDIMoniker const &moniker, std::vector<std::pair<DString, DString>> &options) {
+    DString const &text = moniker.GetText();
+    if (!StartsWithNoCase(text, "http://") && !StartsWithNoCase(text, "https://"))
+        return {};
+    DString query;
+    options.clear();
+    DString const rest = text.substr(moniker.GetSource().size());
+    // Options may stand behind a "?" of their own.
+    for (std::size_t begin = 1; begin < rest.size();) {
+        std::size_t const end = std::min(rest.find_first_of("&?", begin), rest.size());
+        DString const piece = rest.substr(begin, end - begin);
+        std::size_t const equals = std::min(piece.find('='), piece.size());
+        if (IsAnyFormatsOption(std::string_view(piece).substr(0, equals)))
+            options.emplace_back(piece.substr(0, equals), piece.substr(std::min(equals + 1, piece.size())));
+        else
+            query += (query.empty() ? '?' : rest[begin - 1]) + piece;
+        begin = end + 1;
+    }
+    return query;
+}
+
 std::optional<Source> Refuse(DError *error, DString reason) {
     if (error != nullptr)
         error->Set(std::move(reason));
@@ -144,9 +177,10 @@ DString VirtualNameOf(DString const &url) {
 
 std::optional<Source> Resolve(BDIMoniker const &moniker, DError *error) {
     Source source;
-    source.text = moniker.GetSource();
+    auto options = moniker.GetOptions();
+    source.text = moniker.GetSource() + TakeQuery(moniker, options);
     source.name = source.text;
-    for (auto const &[name, value] : moniker.GetOptions()) {
+    for (auto const &[name, value] : options) {
         if (name == kLayerOption)
             source.layer = PercentDecoded(value);
         else if (name == kNodeOption)

@@ -14,13 +14,16 @@ namespace zelvar::gdal {
 /// Monikers of things that GDAL has no name for are "<source>?LAYER=<name>" (one layer of vectors or a table) and
 /// "<source>?RASTER=1" (the picture of a source that holds layers as well); a thing whose name would not come through
 /// as the text of a moniker is "<source>?NODE=<GDAL's name>".
+///
+/// An address on the web may have a query of its own, such as a signature: "https://host/a.tif?sig=1&LAYER=b". What
+/// stands there behind "?" and is no option of any format, in capital letters, belongs to the address.
 inline constexpr char const *kLayerOption = "LAYER";
 inline constexpr char const *kRasterOption = "RASTER";
 inline constexpr char const *kNodeOption = "NODE";
 
 /// What a moniker asks to open, in GDAL's terms.
 struct Source {
-    DString text;     ///< the moniker without options
+    DString text;     ///< the moniker without options; an address keeps its own query
     DString name;     ///< what GDAL is given
     DString diskPath; ///< the file that it lies in; empty on the network
     Reach reach = Reach::Local;

@@ -57,7 +57,7 @@ std::unique_ptr<ZipTree> ZipTree::Open(Source const &source) {
                                                                 &VSICloseDir);
     if (directory == nullptr)
         return nullptr;
-    tree->m_root = MakeNode(BDINode_Container, source.text, DString(FileNameOf(source.text)));
+    tree->m_root = MakeNode(BDINode_Container, source.text, RootName(source));
     int count = 0;
     while (VSIDIREntry const *entry = VSIGetNextDirEntry(directory.get())) {
         if (++count > kMostEntries)
