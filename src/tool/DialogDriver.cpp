@@ -42,10 +42,14 @@ void DialogDriver::timerEvent(QTimerEvent *) {
     }
     if (!IsSettled())
         return;
-    if (m_script.accept)
+    if (m_script.accept && CanAccept()) {
         End(true);
-    else if (m_script.cancel)
+    } else if (m_script.accept) {
+        m_refused = true;
         End(false);
+    } else if (m_script.cancel) {
+        End(false);
+    }
 }
 
 bool DialogDriver::SelectRows() {
@@ -66,14 +70,13 @@ bool DialogDriver::SelectRows() {
     return true;
 }
 
+bool DialogDriver::CanAccept() const { return platform::GetDlgItem(m_dialog, kOkId)->isEnabled(); }
+
 bool DialogDriver::IsSettled() const {
-    DSPropertyWnd const &properties = *m_dialog.PropertyWnd();
-    if (m_script.select.empty())
-        return m_sinceSelected.hasExpired(kSettling) && !properties.IsReading();
-    bool const canAccept = platform::GetDlgItem(m_dialog, kOkId)->isEnabled();
     bool const previewWanted = !m_script.shot.empty();
-    return (canAccept || !m_script.accept) &&
-           (!previewWanted || (m_sinceSelected.hasExpired(kSettling) && !properties.IsReading()));
+    if (m_script.accept && !m_script.select.empty() && !previewWanted && CanAccept())
+        return true;
+    return m_sinceSelected.hasExpired(kSettling) && !m_dialog.PropertyWnd()->IsReading();
 }
 
 void DialogDriver::End(bool accept) {

@@ -8,7 +8,7 @@
 #include <vector>
 
 namespace zelvar {
-class DlgOpenDS;
+class DlgOpenDS; // NOLINT(cppcoreguidelines-virtual-class-destructor): as where it is defined
 }
 
 namespace zelvar::tool {
@@ -29,6 +29,8 @@ public:
 
     /// The rows did not come in time.
     [[nodiscard]] bool HasTimedOut() const { return m_timedOut; }
+    /// OK stayed disabled for what is picked.
+    [[nodiscard]] bool WasRefused() const { return m_refused; }
     /// The picture could not be written.
     [[nodiscard]] bool HasFailedShot() const { return m_shotFailed; }
 
@@ -38,6 +40,7 @@ protected:
 
 private:
     [[nodiscard]] bool SelectRows();
+    [[nodiscard]] bool CanAccept() const;
     [[nodiscard]] bool IsSettled() const;
     void TakeShot();
     void End(bool accept);
@@ -47,6 +50,7 @@ private:
     QElapsedTimer m_sinceStart;
     QElapsedTimer m_sinceSelected; ///< invalid until the rows are picked
     bool m_timedOut = false;
+    bool m_refused = false;
     bool m_shotTaken = false;
     bool m_shotFailed = false;
 };

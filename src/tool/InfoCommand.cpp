@@ -19,7 +19,7 @@ CommandSpec const kSpec{.usage = "info MONIKER [--preview FILE.png]",
                         .maxArguments = 1};
 
 bool SavePicture(DCanvas const &canvas, DString const &file) {
-    QImage const image(canvas.Row(0), canvas.GetWidth(), canvas.GetHeight(), canvas.GetWidth() * 3,
+    QImage const image(canvas.Row(0), canvas.GetWidth(), canvas.GetHeight(), qsizetype{3} * canvas.GetWidth(),
                        QImage::Format_RGB888);
     return image.save(QString::fromLocal8Bit(file.c_str()), "PNG");
 }

@@ -39,11 +39,17 @@ int Run(int argc, char **argv) {
     return kUsage;
 }
 
+/// A full disk must not look like success to a script.
+int AfterFlush(int exitCode) {
+    bool const written = std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
+    return written ? exitCode : zelvar::tool::Failure("cannot write the output");
+}
+
 } // namespace
 
 int main(int argc, char **argv) {
     try {
-        return Run(argc, argv);
+        return AfterFlush(Run(argc, argv));
     } catch (std::exception const &error) {
         return zelvar::tool::Failure(error.what());
     }

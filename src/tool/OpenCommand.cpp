@@ -83,7 +83,7 @@ struct DeleteDialog {
 };
 
 /// A plain file stands for the folder that it lies in.
-RefItemPtr<DataSourceItem> FolderOf(RefItemPtr<DataSourceItem> item) {
+RefItemPtr<DataSourceItem> FolderOf(RefItemPtr<DataSourceItem> const &item) {
     item->BuildParents();
     RefItemPtr<DataSourceItem> parent = item->GetParent();
     return item->IsFolder() || parent == nullptr ? item : parent;
@@ -143,6 +143,8 @@ int RunOpen(std::vector<DString> const &words, int &argc, char **argv) {
     ZelvarShutdown();
     if (driver.HasTimedOut())
         std::fputs("zelvar: the rows to select did not come within 30 s\n", stderr);
+    if (driver.WasRefused())
+        std::fputs("zelvar: OK cannot be pressed with what is selected\n", stderr);
     if (driver.HasFailedShot())
         return Failure("cannot write '" + arguments->Value("--shot") + "'");
     if (!accepted)

@@ -5,12 +5,17 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <ctime>
+#include <filesystem>
 
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 
 namespace zelvar {
 namespace {
 
+using testing::ElementsAre;
 using testing::HasSubstr;
 
 struct Outcome {
@@ -26,16 +31,27 @@ std::string Quoted(std::string const &word) {
     return quoted + "'";
 }
 
-/// Runs the command as a script does.
-Outcome Zelvar(std::vector<std::string> const &words) {
+/// Runs the command as a script does, with `variables` as "NAME=value" in its environment.
+Outcome Zelvar(std::vector<std::string> const &words, std::string const &variables = {},
+               std::string const &outFile = {}) {
     test::TempFolder const scratch;
-    std::string line = Quoted(ZELVAR_COMMAND);
+    std::string line = variables + " " + Quoted(ZELVAR_COMMAND);
     for (std::string const &word : words)
         line += " " + Quoted(word);
-    line += " >" + Quoted(scratch / "out") + " 2>" + Quoted(scratch / "err") + " </dev/null";
+    line +=
+        " >" + Quoted(outFile.empty() ? scratch / "out" : outFile) + " 2>" + Quoted(scratch / "err") + " </dev/null";
     int const status = std::system(line.c_str()); // NOLINT(cert-env33-c,concurrency-mt-unsafe): a script is played
     return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, test::ReadFile(scratch / "out"),
             test::ReadFile(scratch / "err")};
+}
+
+/// The column of each line, 0 for the first.
+std::vector<std::string> Column(std::string const &lines, std::size_t column) {
+    std::vector<std::string> cells;
+    for (DString const &line : Split(lines, '\n'))
+        if (std::vector<DString> const row = Split(line, '\t'); row.size() > column && !line.empty())
+            cells.push_back(row[column]);
+    return cells;
 }
 
 class Command : public testing::Test {
@@ -58,11 +74,64 @@ TEST_F(Command, LsPrintsARowALineWithKindSizeTimeNameAndPath) {
     EXPECT_EQ(Zelvar({"ls", folder.Path(), "--recursive", "--filter", "*.none"}).out, "");
 }
 
+TEST_F(Command, LsSortsAsAskedWithFoldersFirst) {
+    test::TempFolder const files;
+    auto const write = [&files](char const *name, char const *bytes, std::time_t seconds) {
+        timespec const times[] = {{seconds, 0}, {seconds, 0}};
+        EXPECT_EQ(utimensat(AT_FDCWD, files.Write(name, bytes).c_str(), times, 0), 0);
+    };
+    write("part10.txt", "1", 1'000'000'000);
+    write("Part2.txt", "333", 900'000'000);
+    write("a.txt", "22", 1'100'000'000);
+    struct Case {
+        char const *sort;
+        std::vector<std::string> names;
+    };
+    Case const cases[] = {{"name", {"a.txt", "Part2.txt", "part10.txt"}},
+                          {"size", {"part10.txt", "a.txt", "Part2.txt"}},
+                          {"date", {"Part2.txt", "part10.txt", "a.txt"}}};
+    for (Case const &c : cases) {
+        SCOPED_TRACE(c.sort);
+        EXPECT_EQ(Column(Zelvar({"ls", files.Path(), "--sort", c.sort}).out, 3), c.names);
+        std::vector<std::string> const reversed(c.names.rbegin(), c.names.rend());
+        EXPECT_EQ(Column(Zelvar({"ls", files.Path(), "--sort", c.sort, "--descending"}).out, 3), reversed);
+    }
+    EXPECT_THAT(Column(Zelvar({"ls", files.Path(), "--sort=date"}, "TZ=UTC").out, 2),
+                ElementsAre("1998-07-09T16:00:00", "2001-09-09T01:46:40", "2004-11-09T11:33:20"));
+}
+
+TEST_F(Command, WhatLsPrintsOfAContainerIsAPlaceForTheOthers) {
+    test::WritePages(folder / "pages with blanks.tif", 3);
+    Outcome const ls = Zelvar({"ls", folder / "pages with blanks.tif"});
+    EXPECT_THAT(Column(ls.out, 0), ElementsAre("node", "node", "node")) << ls.out << ls.err;
+    for (std::string const &path : Column(ls.out, 4)) {
+        Outcome const info = Zelvar({"info", path, "--preview", folder / "page.png"});
+        EXPECT_EQ(info.exitCode, 0) << path << info.err;
+        EXPECT_THAT(info.out, HasSubstr("Image Width\t")) << path;
+        EXPECT_EQ(info.out.find("not available"), std::string::npos);
+    }
+}
+
+TEST_F(Command, LsOfAnEmptyFolderIsNoFailureAndItsJsonIsAnEmptyList) {
+    test::TempFolder const empty;
+    Outcome const ls = Zelvar({"ls", empty.Path()});
+    EXPECT_EQ(ls.out + ls.err, "");
+    EXPECT_EQ(ls.exitCode, 0);
+    EXPECT_EQ(Zelvar({"ls", empty.Path(), "--json"}).out, "[\n]\n");
+}
+
 TEST_F(Command, NamesWithAnyBytesStayOnOneLineAndJsonStaysValid) {
     test::TempFolder const odd;
     odd.Write("line\nfeed\xff.txt", "x");
     EXPECT_THAT(Zelvar({"ls", odd.Path()}).out, HasSubstr("\tline\\x0Afeed\xff.txt\t"));
     EXPECT_THAT(Zelvar({"ls", odd.Path(), "--json"}).out, HasSubstr(R"("name": "line\u000afeed�.txt")"));
+}
+
+TEST_F(Command, QuotesAndBackslashesInNamesAreEscapedInJsonOnly) {
+    test::TempFolder const odd;
+    odd.Write(R"(a"b\c.txt)", "x");
+    EXPECT_THAT(Zelvar({"ls", odd.Path()}).out, HasSubstr("\t" + odd / R"(a"b\c.txt)" + "\n"));
+    EXPECT_THAT(Zelvar({"ls", odd.Path(), "--json"}).out, HasSubstr(R"("name": "a\"b\\c.txt")"));
 }
 
 TEST_F(Command, InfoPrintsPropertiesAndWritesThePreview) {
@@ -87,11 +156,23 @@ TEST_F(Command, ExitCodesTellUsageFromFailure) {
         {{"ls"}, 2},
         {{"ls", folder.Path(), "--sort", "colour"}, 2},
         {{"ls", folder / "nowhere"}, 3},
+        {{"ls", ""}, 3},
+        {{"ls", "source:nobody"}, 3},
+        {{"ls", folder.Path(), "--", "--json"}, 2},
+        {{"info"}, 2},
+        {{"info", ""}, 3},
         {{"info", folder / "nowhere.tif"}, 3},
+        {{"info", "source:nobody"}, 3},
+        {{"info", folder / "grey.tif", "--preview"}, 2},
+        {{"info", folder / "grey.tif", "--preview", folder / "no/folder/p.png"}, 3},
+        {{"sources", "more"}, 2},
         {{"open", folder / "nowhere"}, 3},
         {{"open", folder.Path(), "--for", "nothing"}, 2},
         {{"open", folder.Path(), "--size", "big"}, 2},
+        {{"open", folder / "sub", "--accept"}, 1}, // nothing there that OK could take
+        {{"open", folder.Path(), "--select", "grey.tif", "--accept", "--shot", folder / "no/folder/s.png"}, 3},
         {{"--help"}, 0},
+        {{"--version"}, 0},
     };
     for (Case const &c : cases) {
         Outcome const outcome = Zelvar(c.words);
@@ -108,6 +189,32 @@ TEST_F(Command, OpenPicksBySelectionAcceptsAndLeavesAPicture) {
     EXPECT_EQ(test::ReadFile(folder / "shot.png").substr(1, 3), "PNG");
 }
 
+TEST_F(Command, OpenPrintsAMonikerALineAndSeveralOnlyWithMultiple) {
+    test::WriteImage(folder / "b c.tif");
+    std::vector<std::string> words{"open",     folder.Path(), "--select", "grey.tif",
+                                   "--select", "b c.tif",     "--accept", "--multiple"};
+    Outcome const both = Zelvar(words);
+    EXPECT_EQ(both.exitCode, 0) << both.err;
+    EXPECT_THAT(Split(both.out, '\n'), testing::UnorderedElementsAre(folder / "grey.tif", folder / "b c.tif", ""));
+    words.pop_back();
+    EXPECT_EQ(Zelvar(words).exitCode, 2);
+}
+
+TEST_F(Command, OpenStartsInTheFolderOfAFileAndFindsRowsInSubfolders) {
+    EXPECT_EQ(Zelvar({"open", folder / "notes.txt", "--select", "grey.tif", "--accept"}).out, folder / "grey.tif\n");
+    test::WriteImage(folder / "sub/deep.tif");
+    Outcome const deep = Zelvar({"open", folder.Path(), "--recursive", "--select", "deep.tif", "--accept"});
+    EXPECT_EQ(deep.out, folder / "sub/deep.tif\n") << deep.err;
+}
+
+TEST_F(Command, AFullDiskIsNoSuccess) {
+    for (std::vector<std::string> const &words : {std::vector<std::string>{"ls", folder.Path()}, {"--help"}}) {
+        Outcome const full = Zelvar(words, {}, "/dev/full");
+        EXPECT_EQ(full.exitCode, 3) << words.front();
+        EXPECT_EQ(full.err, "zelvar: cannot write the output\n");
+    }
+}
+
 TEST_F(Command, OpenWithoutAHandToPressAnythingIsCancelled) {
     Outcome const open = Zelvar({"open", folder.Path()});
     EXPECT_EQ(open.exitCode, 1) << open.err;
@@ -118,6 +225,47 @@ TEST_F(Command, SourcesListsTheDrivesWithTheirGroup) {
     Outcome const sources = Zelvar({"sources"});
     EXPECT_EQ(sources.exitCode, 0);
     EXPECT_THAT(sources.out, HasSubstr("Drives\t"));
+}
+
+/// The places of a user who has one definition, of an image in `folder`.
+class DefinitionOf {
+public:
+    explicit DefinitionOf(test::TempFolder const &folder) {
+        m_folder.Write("places.xml", "<DataSources><DataSource name='My &amp; maps' url='" + folder / "grey.tif" +
+                                         "'><Parameters/><BDIDriver id='GTiff'/></DataSource></DataSources>");
+    }
+    [[nodiscard]] test::TempFolder const &Folder() const { return m_folder; }
+    [[nodiscard]] std::string Variable() const { return "ZELVAR_DEFINITIONS_DIR=" + Quoted(m_folder.Path()); }
+
+private:
+    test::TempFolder m_folder;
+};
+
+TEST_F(Command, ADefinitionIsARowOfTheSourcesAndAPlace) {
+    DefinitionOf const definition(folder);
+    EXPECT_THAT(Zelvar({"sources"}, definition.Variable()).out, HasSubstr("Data Sources\tMy & maps\t"));
+    Outcome const info = Zelvar({"info", "source:My & maps"}, definition.Variable());
+    EXPECT_THAT(info.out, HasSubstr("Image Width\t60\n")) << info.err;
+    definition.Folder().Write("broken.xml", "<DataSources><DataSource name='x'");
+    EXPECT_EQ(Zelvar({"sources"}, definition.Variable()).exitCode, 0);
+}
+
+TEST_F(Command, TheLogHasALineAMessageUpToTheLevelAskedFor) {
+    DefinitionOf const definition(folder);
+    auto const linesAt = [&](char const *level) {
+        std::filesystem::remove(folder / "log");
+        std::ignore =
+            Zelvar({"info", "source:My & maps"},
+                   definition.Variable() + " ZELVAR_LOG=" + Quoted(folder / "log") + " ZELVAR_LOG_LEVEL=" + level);
+        return Split(test::ReadFile(folder / "log"), '\n');
+    };
+    std::vector<DString> const lines = linesAt("3");
+    ASSERT_GT(lines.size(), 1U);
+    EXPECT_EQ(lines.back(), ""); // the last line is whole
+    for (std::size_t i = 0; i + 1 < lines.size(); ++i)
+        EXPECT_THAT(lines[i], testing::ContainsRegex("^[0-9-]+T[0-9:.]+ [[][0-3][]] "));
+    EXPECT_LT(linesAt("2").size(), lines.size());
+    EXPECT_EQ(linesAt("0"), std::vector<DString>{""});
 }
 
 } // namespace
