@@ -95,7 +95,7 @@ PaneState DSListCtrl::PresentState() const {
 
 bool DSListCtrl::HasStateChanged() const { return StateChanged(m_savedState, PresentState(), m_mode == ModeRecursive); }
 
-void DSListCtrl::ShowDir(RefItemPtr<DataSourceItem> dir, RefItemPtr<DataSourceItem> selected) {
+void DSListCtrl::ShowDir(RefItemPtr<DataSourceItem> dir, RefItemPtr<DataSourceItem> const &selected) {
     m_itemToSelect.reset();
     m_selectedPaths.Clear();
     if (selected != nullptr)
@@ -108,13 +108,12 @@ void DSListCtrl::ResetItems(ItemList const &items) {
     ResetItemsIntrnl(items);
 }
 
-void DSListCtrl::ResetItemsIntrnl(ItemList const &items) {
-    ItemList const roots = items; // the argument may be our own list, which Reset empties
-    m_rootItems = roots;
+void DSListCtrl::ResetItemsIntrnl(ItemList items) {
+    m_rootItems = items;
     if (!HasStateChanged())
         return;
     Reset();
-    m_rootItems = roots;
+    m_rootItems = std::move(items);
     StartWindowFilling();
 }
 
@@ -319,7 +318,7 @@ void DSListCtrl::OnChar(QChar character) {
 DString DSListCtrl::OnGetItemText(int, int) { return {}; }
 int DSListCtrl::OnGetItemImg(int, int) { return -1; }
 
-DString DSListCtrl::CellText(DataSourceItem const &item, int col) const {
+DString DSListCtrl::CellText(DataSourceItem const &item, int col) {
     SystemTime time;
     switch (col) {
     case kName:

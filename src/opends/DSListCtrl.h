@@ -50,7 +50,7 @@ public:
     [[nodiscard]] bool ShowParentFolderItem() const { return m_showParentFolderItem; }
 
     /// Lists the children of `dir` and selects `selected`, which may be null, once it turns up.
-    void ShowDir(RefItemPtr<DataSourceItem> dir, RefItemPtr<DataSourceItem> selected);
+    void ShowDir(RefItemPtr<DataSourceItem> dir, RefItemPtr<DataSourceItem> const &selected);
     /// Lists the children of the items, unless that is what is shown; the selection is kept by path.
     void ResetItems(ItemList const &items);
     /// Lists the same roots again, whether or not anything has changed.
@@ -91,7 +91,7 @@ protected:
 private:
     using Rows = std::vector<RefItemPtr<DataSourceItem>>;
 
-    void ResetItemsIntrnl(ItemList const &items);
+    void ResetItemsIntrnl(ItemList items);
     void StartWindowFilling();
     void AddParentRow();
     void SaveSelection();
@@ -100,7 +100,7 @@ private:
     [[nodiscard]] bool HasStateChanged() const;
     void MergePending();
     [[nodiscard]] std::vector<std::uint32_t> SelectedRows() const;
-    [[nodiscard]] DString CellText(DataSourceItem const &item, int col) const;
+    [[nodiscard]] static DString CellText(DataSourceItem const &item, int col);
     void Tell(platform::MessageId message, platform::MessageParam second);
 
     ItemList m_rootItems;

@@ -167,7 +167,7 @@ void DSPropertyWnd::UpdateProperties() {
     }
 }
 
-void DSPropertyWnd::UpdateExtras(RefItemPtr<DataSourceItem>, DataSourceExtras::Item *extras) {
+void DSPropertyWnd::UpdateExtras(RefItemPtr<DataSourceItem> const &, DataSourceExtras::Item *extras) {
     if (m_optionsTab < 0)
         return;
     if (extras == nullptr) {

@@ -40,7 +40,7 @@ public:
     /// Starts reading the item; returns at once. What is shown already is not read again. `format` may be null.
     void ShowProps(RefItemPtr<DataSourceItem> item, char const *format);
     /// Shows the option page of `extras`, or hides the tab when it is null.
-    void UpdateExtras(RefItemPtr<DataSourceItem> item, DataSourceExtras::Item *extras);
+    void UpdateExtras(RefItemPtr<DataSourceItem> const &item, DataSourceExtras::Item *extras);
     /// Reads the option values from the page, if it is shown.
     void ApplyOptions();
     /// The option text last read.

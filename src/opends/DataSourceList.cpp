@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <ranges>
 
 namespace zelvar {
 
@@ -23,6 +24,12 @@ constexpr int kWorkerTimer = 1000;
 constexpr int kWorkerInterval = 1000; // ms
 constexpr int kColumnMargin = 10;     // pixels
 constexpr std::chrono::milliseconds kPatience{5000};
+
+template <class T>
+void KeepForEver(std::shared_ptr<T> const &object) {
+    static auto &kept = *new std::list<std::shared_ptr<T>>;
+    kept.push_back(object);
+}
 
 } // namespace
 
@@ -36,8 +43,7 @@ DataSourceList::~DataSourceList() {
         return;
     // The thread goes on by itself and touches nothing but the worker, which lives as long as it does.
     m_worker->Abandon();
-    static auto &abandoned = *new std::list<std::shared_ptr<Worker>>;
-    abandoned.push_back(m_worker);
+    KeepForEver(m_worker);
 }
 
 void DataSourceList::OnCreateList() {
@@ -143,7 +149,7 @@ bool DataSourceList::AddFavorite(RefItemPtr<DataSourceItem> item) {
     return true;
 }
 
-bool DataSourceList::IsFavorite(RefItemPtr<DataSourceItem> const &item) const {
+bool DataSourceList::IsFavorite(RefItemPtr<DataSourceItem> const &item) {
     return item != nullptr && Favorites::Contains(item->GetPath());
 }
 
@@ -166,12 +172,12 @@ bool DataSourceList::OnContextMenu(QPoint screenPoint) {
 void DataSourceList::OnDeleteFavorite() {
     std::vector<int> const rows = SelectedRows();
     // From the last on, so that the numbers of the rows before stay valid.
-    for (auto row = rows.rbegin(); row != rows.rend(); ++row) {
-        if (ItemAt(*row)->GetGroup() != kGroupFavorites)
+    for (int const row : rows | std::views::reverse) {
+        if (ItemAt(row)->GetGroup() != kGroupFavorites)
             continue;
-        RemoveFavoriteDir(ItemAt(*row)->GetPath());
-        m_rows.erase(m_rows.begin() + *row);
-        DeleteItem(*row);
+        RemoveFavoriteDir(ItemAt(row)->GetPath());
+        m_rows.erase(m_rows.begin() + row);
+        DeleteItem(row);
     }
 }
 
@@ -203,7 +209,7 @@ void DataSourceList::GetSelectedItems(ItemList &items) const {
 
 void DataSourceList::ResetSelectedItems() { Tell(WM_DS_DATA_SOURCE_SELECTED); }
 
-void DataSourceList::PrepareSelectedItems() {
+void DataSourceList::PrepareSelectedItems() const {
     ItemList items;
     GetSelectedItems(items);
     QApplication::setOverrideCursor(Qt::WaitCursor);

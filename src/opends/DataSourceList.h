@@ -59,12 +59,12 @@ protected:
     /// Makes list rows for the items that have none yet, in that group or in each one's own.
     void UpdateListRows(int group);
     void UpdateListRows();
-    [[nodiscard]] bool IsFavorite(RefItemPtr<DataSourceItem> const &item) const;
-    void AddFavoriteDir(DString const &path);
-    void RemoveFavoriteDir(DString const &path);
-    void PrepareSelectedItems();
+    [[nodiscard]] static bool IsFavorite(RefItemPtr<DataSourceItem> const &item);
+    static void AddFavoriteDir(DString const &path);
+    static void RemoveFavoriteDir(DString const &path);
+    void PrepareSelectedItems() const;
 
-    void DrawItem(platform::DrawItemStruct const &item) override;
+    void DrawItem(platform::DrawItemStruct const &request) override;
     bool OnItemChanged(int row, unsigned oldState, unsigned newState) override;
     bool OnRangeChanged(int first, int last, unsigned oldState, unsigned newState) override;
     bool OnDblClick(platform::ReportHit hit, Point point) override;

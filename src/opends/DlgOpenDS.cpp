@@ -18,6 +18,7 @@
 #include "zelvar/settings/DfltFldrs.h"
 
 #include <QtGui/QScreen>
+#include <QtWidgets/QApplication>
 #include <QtWidgets/QCheckBox>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QPushButton>
@@ -51,6 +52,10 @@ constexpr PaneClass kHierarchyClass{"HierarchyList", &NewPane<HierarchyList>};
 constexpr PaneClass kListClass{"DSListCtrl", &NewPane<DSListCtrl>};
 constexpr PaneClass kDataSourceClass{"DSDataSourceWnd", &NewPane<DSDataSourceWnd>};
 constexpr PaneClass kPropertyClass{"DSPropertyWnd", &NewPane<DSPropertyWnd>};
+
+DString WithOptions(DString const &path, DString const &options) {
+    return options.empty() ? path : path + "?" + options;
+}
 
 } // namespace
 
@@ -345,7 +350,7 @@ void DlgOpenDS::OnOK() {
         BDIDrvr *const driver = driverId.empty() ? nullptr : BDIDrvrMngr::Instance()->GetDrvr(driverId.c_str());
         m_propertyWnd->ApplyOptions();
         DString const options = m_propertyWnd->GetOptionString();
-        m_monikers.push_back(BDIMoniker(options.empty() ? path : path + "?" + options, driver));
+        m_monikers.push_back(BDIMoniker(WithOptions(path, options), driver));
     }
     WriteSettings();
     if (m_monikers.empty())

@@ -33,6 +33,7 @@ class HierarchyList;
 /// It owns its panes and coordinates them: they post or send it messages, and it tells the others what to show. Made by
 /// `CreateDialogObject`, shown by `DoModal`, given back by `DeleteDialogObject`; the results stay valid until then.
 /// User-interface thread.
+// NOLINTNEXTLINE(cppcoreguidelines-virtual-class-destructor): the base has a virtual one
 class ZELVAR_API DlgOpenDS : public cdxCDynamicDialog, public DSplitterWnd::PaneOwner {
     Q_OBJECT
 

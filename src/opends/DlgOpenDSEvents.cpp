@@ -105,7 +105,7 @@ void DlgOpenDS::OnHome() {
 // -------------------------------------------------------------------------------------------------- what is shown
 
 void DlgOpenDS::ShowItem(RefItemPtr<DataSourceItem> item) {
-    ItemList const items{item};
+    ItemList const items{std::move(item)};
     m_dataSourceWnd->SwitchToFolderView();
     m_folderList->ResetItems(items);
     m_mainList->ResetItems(items);

@@ -34,7 +34,7 @@ private:
     void AddTable(FormNode const &table, QBoxLayout &lines);
     [[nodiscard]] QWidget *MakeControl(FormNode const &node);
     [[nodiscard]] QWidget *MakeSelect(FormNode const &node);
-    void AddLine(std::vector<QWidget *> &line, QBoxLayout &lines);
+    static void AddLine(std::vector<QWidget *> &line, QBoxLayout &lines);
 
     struct Reader {
         DString name;

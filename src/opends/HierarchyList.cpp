@@ -62,7 +62,10 @@ bool HierarchyList::eventFilter(QObject *watched, QEvent *event) {
     return QWidget::eventFilter(watched, event);
 }
 
-DSListCtrl *HierarchyList::GetPane(int pane) const { return qobject_cast<DSListCtrl *>(m_splitter->GetPane(0, pane)); }
+DSListCtrl *HierarchyList::GetPane(int pane) { return qobject_cast<DSListCtrl *>(m_splitter->GetPane(0, pane)); }
+DSListCtrl const *HierarchyList::GetPane(int pane) const {
+    return qobject_cast<DSListCtrl const *>(m_splitter->GetPane(0, pane));
+}
 
 void HierarchyList::InitializeLayout() {
     int const each = std::max(width() / std::max(GetPaneCount(), 1), kMinWidth);

@@ -29,7 +29,8 @@ public:
     /// 0 for none.
     void SetRootChangeMessage(platform::MessageId message) { m_rootChangeMessage = message; }
 
-    [[nodiscard]] DSListCtrl *GetPane(int pane) const;
+    [[nodiscard]] DSListCtrl *GetPane(int pane);
+    [[nodiscard]] DSListCtrl const *GetPane(int pane) const;
     [[nodiscard]] int GetPaneCount() const { return m_splitter->GetColumnCount(); }
     [[nodiscard]] DSplitterWnd *GetSplitter() const { return m_splitter; }
     /// Gives every pane the same width.
@@ -46,7 +47,7 @@ public:
     bool GetPaneSorting(int pane, int &col, bool &ascending) const;
     void GetRootItems(ItemList &items) const;
     /// Kept for callers; does nothing and yields true.
-    bool AddNewList(unsigned count);
+    static bool AddNewList(unsigned count);
 
     QWidget *CreateViewObj(DSplitterWnd *splitter, int row, int col, PaneClass const *paneClass, Size size) override;
     int CreateViewWnd(DSplitterWnd *splitter, QWidget *pane, int row, int col, Rect const &rect, QWidget *parent,

@@ -26,7 +26,8 @@ QWidget *HostDialog(QWidget *widget) {
 QImage ToImage(DCanvas const &canvas) {
     if (!canvas.HasData())
         return {};
-    return {canvas.Row(0), canvas.GetWidth(), canvas.GetHeight(), canvas.GetWidth() * 3, QImage::Format_RGB888};
+    return {canvas.Row(0), canvas.GetWidth(), canvas.GetHeight(), qsizetype{3} * canvas.GetWidth(),
+            QImage::Format_RGB888};
 }
 
 } // namespace

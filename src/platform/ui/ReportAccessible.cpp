@@ -212,7 +212,6 @@ QAccessibleInterface *ReportAccessible::Part(int row, int col) const {
         m_parts.erase(m_byUse.front().place);
         m_byUse.pop_front();
     }
-    // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDeleteLeaks): registering takes it over
     QAccessible::Id const id = QAccessible::registerAccessibleInterface(new PartAccessible(*this, row, col));
     m_byUse.push_back({{row, col}, id});
     m_parts[{row, col}] = std::prev(m_byUse.end());
