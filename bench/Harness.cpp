@@ -51,7 +51,9 @@ double BestMs(int runs, std::function<void()> const &body) {
 
 Pair Compare(int runs, std::function<void()> const &first, std::function<void()> const &second) {
     first(), second(); // warm
-    std::vector<double> ratios, firsts, seconds;
+    std::vector<double> ratios;
+    std::vector<double> firsts;
+    std::vector<double> seconds;
     for (int run = 0; run < runs; ++run) {
         firsts.push_back(Ms(first));
         seconds.push_back(Ms(second));
@@ -61,7 +63,8 @@ Pair Compare(int runs, std::function<void()> const &first, std::function<void()>
 }
 
 std::size_t ResidentBytes() {
-    std::size_t total = 0, resident = 0;
+    std::size_t total = 0;
+    std::size_t resident = 0;
     std::ifstream("/proc/self/statm") >> total >> resident;
     return resident * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
 }

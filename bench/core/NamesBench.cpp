@@ -12,6 +12,7 @@ using namespace zelvar;
 bench::Register const names("names", [] {
     std::mt19937 random(3); // NOLINT(cert-msc51-cpp): the same names in every run
     std::vector<DString> all;
+    all.reserve(100'000);
     for (int i = 0; i < 100'000; ++i)
         all.push_back("Scan_" + std::to_string(random() % 1000) + " pos " + std::to_string(random() % 100'000) +
                       ".tif");
@@ -39,6 +40,7 @@ bench::Register const names("names", [] {
     bench::Figure("names.sort_100000_by_keys", byKey, "ms", "by comparison " + std::to_string(byCompare) + " ms");
 
     std::vector<std::int64_t> moments;
+    moments.reserve(100'000);
     for (int i = 0; i < 100'000; ++i)
         moments.push_back(static_cast<std::int64_t>(random() % 315'000'000 + 1'400'000'000) * 1'000'000'000);
     int years = 0;

@@ -10,7 +10,7 @@ bench::Register const xml("xml", [] {
     constexpr std::size_t bytes = std::size_t{20} << 20U;
     DString text = "<DataSources>\n";
     for (int i = 0; text.size() < bytes; ++i)
-        text += "  <DataSource name=\"source " + std::to_string(i) + "\" visible=\"yes\"><URL>/data/" +
+        text += R"(  <DataSource name="source )" + std::to_string(i) + R"(" visible="yes"><URL>/data/)" +
                 std::to_string(i) + "/image.tif</URL></DataSource>\n";
     text += "</DataSources>\n";
     XMLNode root;

@@ -53,7 +53,8 @@ struct Compared {
     double fillMs = 0;
 };
 Compared CompareToBare(std::string const &path, std::vector<std::string> const &folders, DSListCtrl::Mode mode) {
-    std::vector<double> ratios, fills;
+    std::vector<double> ratios;
+    std::vector<double> fills;
     for (int run = 0; run < 5; ++run) {
         double const bare = BestMs(1, [&] {
             for (std::string const &folder : folders)

@@ -18,8 +18,10 @@ public:
     /// "<folder>/<name>"; `name` is bytes and need not be UTF-8.
     [[nodiscard]] std::string operator/(std::string_view name) const { return m_path + "/" + std::string(name); }
     /// Writes a file with these bytes, making folders on the way, and yields its path.
+    // NOLINTNEXTLINE(modernize-use-nodiscard): who writes a file often knows its path
     std::string Write(std::string_view name, std::string_view bytes = {}) const;
     /// Makes a folder below this one and yields its path.
+    // NOLINTNEXTLINE(modernize-use-nodiscard): as above
     std::string Folder(std::string_view name) const;
 
 private:
