@@ -15,7 +15,7 @@ void CZelButton::SetImage(DString const &name) {
 }
 
 void CZelButton::SetTooltip(DString const &text) {
-    setToolTip(platform::ToQString(text));
+    setToolTip(platform::ToToolTip(platform::ToQString(text)));
     if (this->text().isEmpty())
         setAccessibleName(platform::ToQString(text));
 }

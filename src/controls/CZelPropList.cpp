@@ -43,11 +43,14 @@ public:
 protected:
     void keyPressEvent(QKeyEvent *event) override {
         if (event->matches(QKeySequence::Copy) && currentItem() != nullptr)
-            QApplication::clipboard()->setText(currentItem()->text(kValueColumn));
+            QApplication::clipboard()->setText(platform::ToQString(Value(*currentItem())));
         else
             QTreeWidget::keyPressEvent(event);
     }
     void drawRow(QPainter *painter, QStyleOptionViewItem const &option, QModelIndex const &index) const override {
+        // A shaded group is shaded from edge to edge, under its mark of opening as well.
+        if (QVariant const shade = index.data(Qt::BackgroundRole); shade.isValid())
+            painter->fillRect(option.rect, shade.value<QBrush>());
         QTreeWidget::drawRow(painter, option, index);
         painter->setPen(palette().color(QPalette::Window).darker(108));
         painter->drawLine(option.rect.bottomLeft(), option.rect.bottomRight());
@@ -56,6 +59,9 @@ protected:
             painter->drawLine(x, option.rect.top(), x, option.rect.bottom());
         }
     }
+
+private:
+    static DString const &Value(QTreeWidgetItem const &item) { return static_cast<CZelProp const &>(item).GetValue(); }
 };
 
 } // namespace
@@ -81,7 +87,7 @@ void CZelProp::SetValue(DString const &value) {
     m_value = value;
     QString const shown = platform::ToQString(value);
     setText(kValueColumn, shown.simplified());
-    setToolTip(kValueColumn, shown.isEmpty() ? QString() : shown.toHtmlEscaped());
+    setToolTip(kValueColumn, platform::ToToolTip(shown));
 }
 
 void CZelProp::AllowEdit(bool allow) {

@@ -44,6 +44,7 @@ DSListCtrl::~DSListCtrl() { m_worker.Stop(true); }
 
 int DSListCtrl::Create(unsigned style, Rect const &rect, DLGTemplate dlgTemplate, QWidget *parent, unsigned id) {
     m_dlgTemplate = dlgTemplate;
+    setFrameShape(QFrame::NoFrame); // its splitter draws one
     return ReportView::Create(style | LVS_REPORT | LVS_SHOWSELALWAYS, rect, parent, static_cast<int>(id));
 }
 
@@ -338,9 +339,10 @@ QString DSListCtrl::ShownText(int row, int col) const {
 }
 
 int DSListCtrl::MeasureCell(int row, int col) const {
-    int const text = fontMetrics().horizontalAdvance(ShownText(row, col)) + 2 * kCellInset;
-    return col == kName ? text + kPictureBand : text;
+    return LabelLeft(row, col) + fontMetrics().horizontalAdvance(ShownText(row, col)) + 2 * kCellInset;
 }
+
+int DSListCtrl::LabelLeft(int, int col) const { return col == kName ? kPictureBand : 0; }
 
 void DSListCtrl::DrawItem(platform::DrawItemStruct const &request) {
     if (request.action != platform::ODA_DRAWENTIRE) {

@@ -87,6 +87,7 @@ protected:
     void timerEvent(QTimerEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     [[nodiscard]] int MeasureCell(int row, int col) const override;
+    [[nodiscard]] int LabelLeft(int row, int col) const override;
 
 private:
     using Rows = std::vector<RefItemPtr<DataSourceItem>>;

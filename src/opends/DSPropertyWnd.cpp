@@ -111,8 +111,9 @@ void DSPropertyWnd::ShowProps(RefItemPtr<DataSourceItem> item, char const *forma
     DString const path = item->GetPath();
     DString const options = AreOptionsShown() ? m_extraWnd->GetOptionText() : DString();
     DString const formatText = format == nullptr ? "" : format;
-    // An empty format never causes a new job by itself.
-    if (path == m_shownPath && options == m_shownOptions && (formatText.empty() || formatText == m_shownFormat))
+    // An empty format never causes a new job by itself. What Clear has taken away is not shown any more.
+    if (!m_closing && path == m_shownPath && options == m_shownOptions &&
+        (formatText.empty() || formatText == m_shownFormat))
         return;
     m_closing = false;
     m_shownPath = path;

@@ -54,6 +54,7 @@ void DataSourceList::OnCreateList() {
          {kGroupDrives, kGroupNetworkDrives, kGroupDataSources, kGroupFavorites, kGroupRecent, kGroupNetwork})
         InsertGroup(DataSourceGroupName(group), group);
     InsertColumn(0, "", LVCFMT_LEFT, std::max(GetClientRect().Width() - kColumnMargin, 0));
+    setFrameShape(QFrame::NoFrame); // its splitter draws one
     setAccessibleName(tr("Data sources"));
 }
 
@@ -157,10 +158,7 @@ void DataSourceList::AddFavoriteDir(DString const &path) { Favorites::Add(path);
 void DataSourceList::RemoveFavoriteDir(DString const &path) { Favorites::Remove(path); }
 
 bool DataSourceList::OnContextMenu(QPoint screenPoint) {
-    std::vector<int> const rows = SelectedRows();
-    bool const hasFavorite =
-        std::any_of(rows.begin(), rows.end(), [this](int row) { return ItemAt(row)->GetGroup() == kGroupFavorites; });
-    if (!hasFavorite)
+    if (SelectedFavorites().empty())
         return false;
     QMenu menu(this);
     QAction const *const remove = menu.addAction(tr("Delete Favorite"));
@@ -170,11 +168,9 @@ bool DataSourceList::OnContextMenu(QPoint screenPoint) {
 }
 
 void DataSourceList::OnDeleteFavorite() {
-    std::vector<int> const rows = SelectedRows();
+    std::vector<int> const rows = SelectedFavorites();
     // From the last on, so that the numbers of the rows before stay valid.
     for (int const row : rows | std::views::reverse) {
-        if (ItemAt(row)->GetGroup() != kGroupFavorites)
-            continue;
         RemoveFavoriteDir(ItemAt(row)->GetPath());
         m_rows.erase(m_rows.begin() + row);
         DeleteItem(row);
@@ -199,6 +195,13 @@ std::vector<int> DataSourceList::SelectedRows() const {
     for (int row = GetNextItem(-1, LVNI_SELECTED); row >= 0; row = GetNextItem(row, LVNI_SELECTED))
         if (ItemAt(row) != nullptr)
             rows.push_back(row);
+    return rows;
+}
+
+std::vector<int> DataSourceList::SelectedFavorites() const {
+    std::vector<int> rows = SelectedRows();
+    // By the row's group, not the item's: a drive that became a favourite shares its item with the drive's own row.
+    std::erase_if(rows, [this](int row) { return GetItemGroup(row) != kGroupFavorites; });
     return rows;
 }
 
@@ -246,6 +249,8 @@ bool DataSourceList::OnDblClick(platform::ReportHit, Point) {
 }
 
 // ------------------------------------------------------------------------------------------------------ painting
+
+int DataSourceList::LabelLeft(int, int) const { return kPictureBand; }
 
 QString DataSourceList::ShownText(int row, int) const {
     RefItemPtr<DataSourceItem> const item = ItemAt(row);

@@ -69,6 +69,7 @@ protected:
     bool OnRangeChanged(int first, int last, unsigned oldState, unsigned newState) override;
     bool OnDblClick(platform::ReportHit hit, Point point) override;
     bool OnContextMenu(QPoint screenPoint) override;
+    [[nodiscard]] int LabelLeft(int row, int col) const override;
     void OnDeleteFavorite();
     void timerEvent(QTimerEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
@@ -80,6 +81,7 @@ private:
     void AppendListRow(std::size_t index);
     void StartWorker();
     [[nodiscard]] std::vector<int> SelectedRows() const;
+    [[nodiscard]] std::vector<int> SelectedFavorites() const;
     void Tell(platform::MessageId message);
 
     DataSourceRows m_rows; ///< position i is list row i, always

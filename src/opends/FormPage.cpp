@@ -1,5 +1,6 @@
 #include "zelvar/opends/FormPage.h"
 
+#include "zelvar/opends/WrapLayout.h"
 #include "zelvar/platform/ui/Text.h"
 
 #include <QtWidgets/QButtonGroup>
@@ -21,6 +22,8 @@ namespace {
 constexpr int kSpacing = 6;         // pixels between lines and between controls
 constexpr int kDefaultColumns = 16; // of a text field whose page gives no size
 constexpr int kMaxColumns = 40;
+constexpr int kLeastColumns = 6; // that a control shrinks to in a narrow pane
+constexpr int kTextColumns = 60; // of a text that nothing narrows
 
 using Kind = FormNode::Kind;
 
@@ -28,12 +31,48 @@ bool BreaksLine(Kind kind) {
     return kind == Kind::Block || kind == Kind::Table || kind == Kind::LineBreak || kind == Kind::Rule;
 }
 
+/// Text of a page: one line where there is room, up to a readable width; as narrow as its longest word where not.
+class PageText final : public QLabel {
+public:
+    explicit PageText(QString const &text) : QLabel(text) {
+        setTextFormat(Qt::PlainText);
+        setWordWrap(true);
+    }
+    [[nodiscard]] QSize sizeHint() const override {
+        int const widest = fontMetrics().averageCharWidth() * kTextColumns;
+        int const width = std::min(fontMetrics().size(0, text()).width() + 1, std::max(widest, WidestWord()));
+        return {width, heightForWidth(width)};
+    }
+    [[nodiscard]] QSize minimumSizeHint() const override { return {WidestWord(), fontMetrics().lineSpacing()}; }
+
+private:
+    [[nodiscard]] int WidestWord() const {
+        int widest = 0;
+        for (QString const &word : text().split(u' '))
+            widest = std::max(widest, fontMetrics().horizontalAdvance(word) + 1);
+        return widest;
+    }
+};
+
+/// Text field as wide as its page says, narrower where the pane is.
+class PageEdit final : public QLineEdit {
+public:
+    PageEdit(QString const &text, int columns) : QLineEdit(text), m_columns(columns) {
+        setMaximumWidth(Width(m_columns));
+        setMinimumWidth(Width(std::min(m_columns, kLeastColumns)));
+    }
+    [[nodiscard]] QSize sizeHint() const override { return {Width(m_columns), QLineEdit::sizeHint().height()}; }
+
+private:
+    [[nodiscard]] int Width(int columns) const { return fontMetrics().averageCharWidth() * columns + 2 * kSpacing + 4; }
+    int m_columns;
+};
+
 QLabel *MakeText(FormNode const &node) {
     DString const text(Trimmed(node.text));
     if (text.empty())
         return nullptr;
-    auto *label = new QLabel(platform::ToQString(text));
-    label->setTextFormat(Qt::PlainText);
+    auto *label = new PageText(platform::ToQString(text));
     if (node.bold) {
         QFont font = label->font();
         font.setBold(true);
@@ -82,21 +121,16 @@ void FormPage::AddFlow(std::vector<FormNode> const &nodes, QBoxLayout &lines) {
 void FormPage::AddLine(std::vector<QWidget *> &line, QBoxLayout &lines) {
     if (line.empty())
         return;
-    // Text on a line of its own wraps; beside a control it names it.
     if (line.size() == 1) {
-        if (auto *label = qobject_cast<QLabel *>(line.front()))
-            label->setWordWrap(true);
         lines.addWidget(line.front(), 0, qobject_cast<QLabel *>(line.front()) ? Qt::Alignment() : Qt::AlignLeft);
     } else {
-        auto *row = new QHBoxLayout;
-        row->setSpacing(kSpacing);
+        auto *row = new WrapLayout(kSpacing);
         for (std::size_t i = 0; i < line.size(); ++i) {
             auto *label = qobject_cast<QLabel *>(line[i]);
             if (label != nullptr && i + 1 < line.size())
-                label->setBuddy(line[i + 1]);
+                label->setBuddy(line[i + 1]); // beside a control it names it
             row->addWidget(line[i]);
         }
-        row->addStretch(1);
         lines.addLayout(row);
     }
     line.clear();
@@ -130,9 +164,7 @@ QWidget *FormPage::MakeControl(FormNode const &node) {
     QWidget *control = nullptr;
     switch (node.kind) {
     case Kind::TextField: {
-        auto *edit = new QLineEdit(value);
-        int const columns = std::min(node.size > 0 ? node.size : kDefaultColumns, kMaxColumns);
-        edit->setFixedWidth(edit->fontMetrics().averageCharWidth() * columns + 2 * kSpacing + 4);
+        auto *edit = new PageEdit(value, std::min(node.size > 0 ? node.size : kDefaultColumns, kMaxColumns));
         if (node.inputType == "password")
             edit->setEchoMode(QLineEdit::Password);
         if (node.inputType == "text")
@@ -142,6 +174,7 @@ QWidget *FormPage::MakeControl(FormNode const &node) {
     }
     case Kind::TextArea: {
         auto *edit = new QPlainTextEdit(value);
+        edit->setMinimumWidth(edit->fontMetrics().averageCharWidth() * kLeastColumns);
         edit->setTabChangesFocus(true);
         edit->setFixedHeight(edit->fontMetrics().lineSpacing() * std::max(node.size, 2) + 2 * kSpacing);
         control = edit;
@@ -185,6 +218,7 @@ QWidget *FormPage::MakeControl(FormNode const &node) {
 
 QWidget *FormPage::MakeSelect(FormNode const &node) {
     auto *box = new QComboBox;
+    box->setMinimumWidth(box->fontMetrics().averageCharWidth() * (kLeastColumns + 4));
     for (FormChoice const &choice : node.choices) {
         box->addItem(platform::ToQString(choice.text), platform::ToQString(choice.value));
         if (choice.selected)

@@ -3,6 +3,7 @@
 #include "zelvar/drawing/core/CubicResize.h"
 #include "zelvar/layout/cdxCDynamicDialog.h"
 
+#include <QtGui/QCloseEvent>
 #include <QtGui/QKeyEvent>
 #include <QtGui/QMouseEvent>
 #include <QtGui/QPainter>
@@ -126,6 +127,14 @@ void ImagePreviewWnd::keyPressEvent(QKeyEvent *event) {
         HidePreview();
     else
         QWidget::keyPressEvent(event);
+}
+
+void ImagePreviewWnd::closeEvent(QCloseEvent *event) {
+    // The desktop may close a lifted picture like any window; it goes back to its place instead of being gone.
+    if (!IsLifted())
+        return QWidget::closeEvent(event);
+    event->ignore();
+    HidePreview();
 }
 
 void ImagePreviewWnd::focusOutEvent(QFocusEvent *event) {

@@ -53,7 +53,7 @@ void PathButtonRow::Show(RefItemPtr<DataSourceItem> const &item, QRect const &pl
         DSButton &button = *m_buttons[i];
         RefItemPtr<DataSourceItem> const &entry = chain[row[i].entry];
         SetUp(button, *entry, row[i].cutBefore, row[i].cutBehind);
-        button.setToolTip(platform::ToQString(entry->GetName()));
+        button.setToolTip(platform::ToToolTip(platform::ToQString(entry->GetName())));
         button.setAccessibleName(platform::ToQString(entry->GetName()));
         button.setGeometry(place.left() + row[i].left, place.top(), row[i].width, place.height());
         button.item = entry;

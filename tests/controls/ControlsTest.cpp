@@ -6,11 +6,15 @@
 #include "zelvar/controls/CZelTabCtrl.h"
 
 #include <QtGui/QClipboard>
+#include <QtGui/QTextDocument>
 #include <QtTest/QTest>
 #include <QtWidgets/QApplication>
+#include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
 
 #include <gtest/gtest.h>
+
+#include <memory>
 
 namespace zelvar {
 namespace {
@@ -40,6 +44,33 @@ TEST(CZelComboBox, ATypedTextIsTakenAsItIs) {
     QTest::keyClicks(combo.lineEdit(), QStringLiteral("/tmp"));
     EXPECT_EQ(combo.GetWindowText(), "/tmp");
     EXPECT_EQ(combo.GetCount(), 1);
+}
+
+TEST(CZelComboBox, TheChoiceStaysWhenEntriesComeBeforeIt) {
+    CZelComboBox combo;
+    combo.AddString("b");
+    combo.SetCurSel(0);
+    combo.InsertString(0, "a");
+    EXPECT_EQ(combo.GetWindowText(), "b");
+    EXPECT_EQ(combo.InsertString(99, "c"), 2) << "behind the last one";
+    combo.SetWindowText("nothing of these");
+    EXPECT_EQ(combo.GetCurSel(), -1) << "no edit field that could hold it";
+    combo.ResetContent();
+    EXPECT_EQ(combo.GetWindowText(), "");
+}
+
+TEST(CZelTabCtrl, APageOutlivesItsTab) {
+    CZelTabCtrl tabs;
+    auto *const page = new QWidget;
+    std::unique_ptr<QWidget> const kept(page);
+    tabs.AddTab(new QWidget, "First");
+    tabs.AddTab(page, "Second");
+    EXPECT_EQ(tabs.InsertTab(new QWidget, "Between", 1), 1);
+    EXPECT_EQ(tabs.GetTabLabel(2), "Second");
+    EXPECT_TRUE(tabs.RemoveTab(2));
+    EXPECT_FALSE(tabs.RemoveTab(2));
+    EXPECT_EQ(tabs.GetTabsNum(), 2);
+    EXPECT_TRUE(page->isHidden());
 }
 
 TEST(CZelTabCtrl, HidingTheActiveTabBringsAnotherOneToTheFront) {
@@ -119,11 +150,60 @@ TEST(CZelPropList, AValueIsEditedOnlyWhereAllowedAndItsNameNever) {
     EXPECT_EQ(properties.note->GetValue(), "new");
 }
 
-TEST(CZelPropList, CopyTakesTheValue) {
+TEST(CZelPropList, CopyTakesTheValueAsItIsNotAsItIsShown) {
     Properties properties;
+    properties.note->SetValue("/data/two  blanks\n");
     properties.list.Tree().setCurrentItem(properties.note);
     QTest::keyClick(&properties.list.Tree(), Qt::Key_C, Qt::ControlModifier);
-    EXPECT_EQ(QApplication::clipboard()->text(), QStringLiteral("old"));
+    EXPECT_EQ(QApplication::clipboard()->text(), QStringLiteral("/data/two  blanks\n"));
+}
+
+TEST(CZelPropList, ATipShowsAValueLetterForLetter) {
+    Properties properties;
+    properties.note->SetValue("/data/R&D.tif");
+    EXPECT_EQ(properties.note->toolTip(1), QStringLiteral("/data/R&D.tif")) << "no markup, so nothing is escaped";
+    properties.note->SetValue("a <b>bold</b> name");
+    EXPECT_TRUE(properties.note->toolTip(1).contains(QStringLiteral("&lt;b&gt;")));
+    EXPECT_TRUE(Qt::mightBeRichText(properties.note->toolTip(1))) << "or the escapes would show";
+}
+
+TEST(CZelPropList, AGroupIsShadedFromEdgeToEdge) {
+    Properties const properties;
+    QTreeWidget &tree = properties.list.Tree();
+    tree.setCurrentItem(properties.note);
+    QRect const group = tree.visualItemRect(properties.list.GetProperty(0));
+    QColor const shade = properties.list.palette().color(QPalette::Window);
+    EXPECT_EQ(test::ColorAt(*tree.viewport(), {1, group.top() + 3}), shade) << "beside the mark of opening";
+    EXPECT_EQ(test::ColorAt(*tree.viewport(), {tree.viewport()->width() - 3, group.top() + 3}), shade);
+    QRect const row = tree.visualItemRect(properties.name);
+    EXPECT_NE(test::ColorAt(*tree.viewport(), {1, row.top() + 3}), shade);
+}
+
+TEST(CZelPropList, NamesGetTheirRoomUntilTheUserSetsIt) {
+    Properties properties;
+    QTreeWidget &tree = properties.list.Tree();
+    properties.name->setText(0, QString(200, u'n'));
+    properties.list.resize(400, 200);
+    EXPECT_EQ(tree.columnWidth(0), 240) << "no more than three fifths";
+    properties.name->setText(0, QStringLiteral("Name"));
+    properties.list.resize(300, 200);
+    EXPECT_LT(tree.columnWidth(0), 150);
+    tree.setColumnWidth(0, 150); // as a drag of the heading does
+    properties.list.resize(600, 200);
+    EXPECT_EQ(tree.columnWidth(0), 300) << "its share of the new width";
+}
+
+TEST(CZelPropList, TheDescriptionOfTheCurrentPropertyIsShownAsPlainText) {
+    Properties properties;
+    auto const *const area = properties.list.findChild<QLabel *>();
+    ASSERT_NE(area, nullptr);
+    EXPECT_FALSE(area->isVisible());
+    properties.list.EnableDescriptionArea(true);
+    properties.list.Tree().setCurrentItem(properties.name);
+    EXPECT_EQ(area->text(), QStringLiteral("What the file is called"));
+    EXPECT_EQ(area->textFormat(), Qt::PlainText);
+    properties.list.Tree().setCurrentItem(properties.note);
+    EXPECT_EQ(area->text(), QString());
 }
 
 TEST(CZelImageList, IconsComeByRegisteredNumberOrByFile) {

@@ -5,8 +5,10 @@
 #include "support/TestFiles.h"
 #include "zelvar/base/DCnfg.h"
 #include "zelvar/controls/CZelComboBox.h"
+#include "zelvar/data/BDIDrvr.h"
 #include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/data/DriverProvider.h"
+#include "zelvar/data/RDIDriver.h"
 #include "zelvar/data/RDIDriverMngr.h"
 #include "zelvar/data/gdal/GdalDrivers.h"
 #include "zelvar/model/DataSourceCollector.h"
@@ -26,12 +28,14 @@
 
 #include <QtCore/QTimer>
 #include <QtTest/QTest>
+#include <QtWidgets/QAbstractItemView>
 #include <QtWidgets/QCheckBox>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QPushButton>
 
 #include <gtest/gtest.h>
 
+#include <map>
 #include <set>
 
 namespace zelvar {
@@ -370,6 +374,182 @@ TEST_F(OpenDialog, AContainerIsEnteredAndItsImagesAreListed) {
     });
     ASSERT_EQ(dialog->GetSelectedNodePaths().size(), 1U);
     EXPECT_NE(dialog->GetSelectedNodePaths()[0].GetDriver(), nullptr);
+}
+
+/// Variables of the environment for one test.
+class Variables {
+public:
+    Variables(std::initializer_list<std::pair<char const *, DString>> values) {
+        for (auto const &[name, value] : values) {
+            m_former[name] = qgetenv(name);
+            qputenv(name, QByteArray(value.c_str()));
+        }
+    }
+    ~Variables() {
+        for (auto const &[name, value] : m_former)
+            qputenv(name, value);
+    }
+    Variables(Variables const &) = delete;
+    Variables &operator=(Variables const &) = delete;
+
+private:
+    std::map<char const *, QByteArray> m_former;
+};
+
+TEST_F(OpenDialog, ADefinedConnectionIsOpenedFromTheLeftListAndItsImagesArePicked) {
+    test::TempFolder const settings;
+    test::WriteGeoPackage(folder / "survey.gpkg", 2, 1, 2);
+    auto const definition = [](DString const &name, DString const &url, DString const &rest) {
+        return "<DataSource name='" + name + "' url='" + url + "' " + rest + "</DataSource>";
+    };
+    settings.Write("connections.xml",
+                   "<DataSources>" +
+                       definition("Survey", "${place}/survey.gpkg",
+                                  "><Parameters>place=" + folder.Path() + "</Parameters><BDIDriver id='GPKG'/>") +
+                       definition("Scenes", folder.Path(), "><Parameters/>") +
+                       definition("Gone", folder / "gone.gpkg", "><Parameters/>") +
+                       definition("Hidden", folder.Path(), "visible='false'><Parameters/>") + "</DataSources>");
+    Variables const place{{"ZELVAR_DEFINITIONS_DIR", settings.Path()}};
+    DialogPtr const dialog = Make();
+    int const answer = Run(*dialog, [&] {
+        DataSourceList &sources = *dialog->SourceList();
+        auto const rowOf = [&](DString const &name) {
+            for (int row = 0; row < sources.GetItemCount(); ++row)
+                if (sources.ItemAt(row)->GetName() == name && sources.GetItemGroup(row) == kGroupDataSources)
+                    return row;
+            return -1;
+        };
+        auto const click = [&](DString const &name) {
+            ASSERT_GE(rowOf(name), 0) << name;
+            sources.EnsureVisible(rowOf(name));
+            Rect const rect = sources.GetItemRect(rowOf(name));
+            QTest::mouseClick(sources.viewport(), Qt::LeftButton, {}, {rect.left + 40, (rect.top + rect.bottom) / 2});
+        };
+        test::Click(Button(*dialog, kHomeId));
+        EXPECT_EQ(rowOf("Hidden"), -1);
+        DSListCtrl const &list = *dialog->MainList();
+        click("Gone");
+        EXPECT_TRUE(test::Eventually([&] { return list.GetNumRow() == 0; })) << "what does not open is an empty pane";
+        EXPECT_TRUE(messages.empty());
+        click("Scenes");
+        EXPECT_TRUE(test::Eventually([&] { return RowOf(list, "grey.tif") >= 0 && RowOf(list, "rgb.tif") >= 0; }));
+        EXPECT_EQ(RowOf(list, "notes.txt"), -1) << "nothing but images";
+        click("Survey");
+        ASSERT_TRUE(test::Eventually([&] { return RowOf(list, "picture 1") >= 0 && list.GetNumRow() == 2; }));
+        test::Shot(*dialog, "DlgOpenDS-definitions");
+        ClickRow(*dialog->MainList(), "picture 2");
+        EXPECT_TRUE(test::Eventually([&] { return dialog->PropertyWnd()->Preview()->GetMode() == 0; }));
+        ASSERT_TRUE(test::Eventually([&] { return Button(*dialog, kOkId)->isEnabled(); }));
+        test::Click(Button(*dialog, kOkId));
+    });
+    EXPECT_EQ(answer, QDialog::Accepted);
+    EXPECT_EQ(dialog->GetDataSourceType(), DataSourceItem::DST_REPOSITORY);
+    ASSERT_EQ(dialog->GetSelectedNodePaths().size(), 1U);
+    BDIMoniker const &moniker = dialog->GetSelectedNodePaths()[0];
+    ASSERT_NE(moniker.GetDriver(), nullptr);
+    EXPECT_EQ(moniker.GetDriver()->GetId(), "GPKG");
+    EXPECT_EQ(moniker.GetPathOnDisk(), folder / "survey.gpkg");
+    EXPECT_NE(moniker.GetText().find("picture"), DString::npos) << moniker.GetText();
+    // What an application does with it: the raster opens.
+    RDIDriver *driver = nullptr;
+    void *handle = nullptr;
+    EXPECT_TRUE(RDIDriverMngr::Instance()->OpenFile(moniker, &driver, &handle, "", nullptr, ""));
+    ASSERT_TRUE(driver != nullptr && handle != nullptr);
+    EXPECT_GT(driver->GetChnlSizeX(handle, 0), 0);
+    driver->CloseFile(handle, true);
+}
+
+TEST_F(OpenDialog, OptionsOfTheFormatGoIntoTheMoniker) {
+    test::TempFolder const templates;
+    templates.Write("extras.xml",
+                    "<DataSourceExtras><DataSourceOptions driver='GTiff' template='t.html'/></DataSourceExtras>");
+    templates.Write("t.html", "<h3>GeoTIFF</h3><table><tr><td>Geometry from<td><input name=GEOREF_SOURCES value=NONE>"
+                              "<tr><td>Threads<td><select name=NUM_THREADS><option>1<option>ALL_CPUS</select></table>"
+                              "<p><input type=button id=Apply value=Apply>");
+    Variables const place{{"ZELVAR_TEMPLATES_DIR", templates.Path()}};
+    DialogPtr const dialog = Make();
+    Run(*dialog, [&] {
+        ClickRow(*dialog->MainList(), "notes.txt");
+        QCoreApplication::processEvents();
+        EXPECT_FALSE(dialog->PropertyWnd()->IsTabVisible(2)) << "no options of a text";
+        ClickRow(*dialog->MainList(), "grey.tif");
+        ASSERT_TRUE(test::Eventually([&] { return dialog->PropertyWnd()->GetActiveTab() == 2; }));
+        dialog->PropertyWnd()->findChild<QLineEdit *>("GEOREF_SOURCES")->setText("INTERNAL");
+        test::Shot(*dialog, "DlgOpenDS-options");
+        ASSERT_TRUE(test::Eventually([&] { return Button(*dialog, kOkId)->isEnabled(); }));
+        test::Click(Button(*dialog, kOkId)); // without Apply
+    });
+    ASSERT_EQ(dialog->GetSelectedNodePaths().size(), 1U);
+    EXPECT_EQ(dialog->GetSelectedNodePaths()[0].GetText(),
+              folder / "grey.tif" + "?GEOREF_SOURCES=INTERNAL&NUM_THREADS=1");
+}
+
+TEST_F(OpenDialog, ItsStatesLookRight) {
+    folder.Folder("a folder with quite a long name & a mark");
+    DialogPtr const dialog = Make();
+    dialog->SetInitDir((folder / "a folder with quite a long name & a mark").c_str());
+    folder.Write("a folder with quite a long name & a mark/first of many.tif", "x");
+    Run(*dialog, [&] {
+        DSListCtrl &list = *dialog->MainList();
+        std::vector<DSButton *> const buttons = dialog->PathRow().Buttons();
+        ASSERT_TRUE(test::Eventually([&] { return dialog->PathRow().LastShown() != nullptr; }));
+        test::Shot(*dialog, "DlgOpenDS-long-names");
+        dialog->resize(dialog->minimumSize());
+        QCoreApplication::processEvents();
+        ClickRow(list, "first of many.tif");
+        test::Shot(*dialog, "DlgOpenDS-narrow");
+        dialog->PropertyWnd()->SetActiveTab(1);
+        EXPECT_TRUE(test::Eventually([&] { return dialog->PropertyWnd()->Preview()->GetMode() == 2; }));
+        test::Shot(*dialog, "DlgOpenDS-properties");
+        auto *types = GetDlgItem<CZelComboBox>(*dialog, kFileTypeId);
+        types->showPopup();
+        test::Shot(*types->view()->window(), "DlgOpenDS-file-types");
+        types->hidePopup();
+        dialog->setEnabled(false);
+        test::Shot(*dialog, "DlgOpenDS-disabled");
+        dialog->setEnabled(true);
+    });
+}
+
+TEST_F(OpenDialog, ALiftedPreviewThatIsClosedOrOutlivedByNothingIsNoHarm) {
+    DialogPtr const dialog = Make();
+    Run(*dialog, [&] {
+        ClickRow(*dialog->MainList(), "rgb.tif");
+        ImagePreviewWnd &preview = *dialog->PropertyWnd()->Preview();
+        ASSERT_TRUE(test::Eventually([&] { return preview.GetMode() == ImagePreviewWnd::ModeCanvas; }));
+        QRect const home = preview.geometry();
+        test::Click(&preview);
+        ASSERT_TRUE(preview.IsLifted());
+        preview.close(); // by the desktop
+        EXPECT_FALSE(preview.IsLifted());
+        EXPECT_TRUE(preview.isVisible());
+        EXPECT_EQ(preview.geometry(), home);
+        test::Click(&preview);
+        QTest::keyClick(&preview, Qt::Key_Escape);
+        EXPECT_FALSE(preview.IsLifted()) << "Escape is the picture's first";
+        EXPECT_TRUE(dialog->isVisible());
+        test::Click(&preview);
+        ASSERT_TRUE(preview.IsLifted()) << "the dialog ends while it is";
+    });
+}
+
+TEST_F(OpenDialog, AMaskTypedByHandFiltersAtReturnAndKeepsTheFormat) {
+    DialogPtr const dialog = Make();
+    Run(*dialog, [&] {
+        auto *mask = GetDlgItem<QLineEdit>(*dialog, kFileFilterId);
+        mask->setFocus();
+        mask->setText("g*.tif;*.txt");
+        QTest::keyClick(mask, Qt::Key_Return);
+        DSListCtrl const &list = *dialog->MainList();
+        EXPECT_TRUE(test::Eventually([&] { return list.GetNumRow() == 2; }));
+        EXPECT_EQ(RowOf(list, "rgb.tif"), -1);
+        EXPECT_EQ(dialog->GetFormat(), &all);
+        EXPECT_TRUE(dialog->isVisible()) << "Return was the field's";
+        mask->setText("nothing.*");
+        QTest::keyClick(mask, Qt::Key_Return);
+        EXPECT_TRUE(test::Eventually([&] { return list.GetNumRow() == 0; }));
+        EXPECT_TRUE(test::Eventually([&] { return !Button(*dialog, kOkId)->isEnabled(); }));
+    });
 }
 
 TEST(Messages, TheTableForReadersNamesEveryMessageAndNoOther) {

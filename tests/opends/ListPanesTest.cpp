@@ -11,7 +11,12 @@
 #include "zelvar/platform/os/ScriptedShellNamespace.h"
 #include "zelvar/platform/ui/UserMessages.h"
 
+#include <QtCore/QTimer>
+#include <QtGui/QContextMenuEvent>
+#include <QtGui/QHelpEvent>
 #include <QtTest/QTest>
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QToolTip>
 
 #include <gtest/gtest.h>
 
@@ -234,6 +239,97 @@ TEST_F(ListPanes, OnlySelectedFavouritesAreDeletedWhateverElseIsSelected) {
     EXPECT_TRUE(RowsOf(list, kGroupFavorites).empty());
     EXPECT_EQ(RowsOf(list, kGroupDrives).size(), 1U);
     EXPECT_FALSE(Favorites::Contains("/data/one") || Favorites::Contains("/data/two"));
+}
+
+TEST_F(ListPanes, ADriveThatBecameAFavouriteStaysWhenTheFavouriteIsDeleted) {
+    DataSourceList list;
+    list.resize(200, 300);
+    list.Fill(DT_WORKSPACE);
+    ASSERT_EQ(RowsOf(list, kGroupDrives), std::vector<DString>{"Data"});
+    list.AddFavorite(list.ItemAt(0)); // the drive's own item, as the path buttons hand it over
+    ASSERT_EQ(list.GetItemCount(), 2);
+    list.SetItemState(0, LVIS_SELECTED, LVIS_SELECTED);
+    QTest::keyClick(&list, Qt::Key_Delete);
+    EXPECT_EQ(list.GetItemCount(), 2) << "a drive is no favourite";
+    list.SetItemState(1, LVIS_SELECTED, LVIS_SELECTED);
+    QTest::keyClick(&list, Qt::Key_Delete);
+    EXPECT_EQ(list.GetItemCount(), 1);
+    EXPECT_FALSE(Favorites::Contains("/data"));
+}
+
+TEST_F(ListPanes, TheContextMenuComesOverAFavouriteOnlyAndDeletesIt) {
+    shell->AddFolder("/data/one");
+    DataSourceList list;
+    list.resize(200, 300);
+    list.Fill(DT_WORKSPACE);
+    list.AddFavorite(Item("/data/one"));
+    list.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&list));
+    auto const askForMenu = [&](int row) {
+        list.SetItemState(row, LVIS_SELECTED, LVIS_SELECTED);
+        bool came = false;
+        QTimer look;
+        QObject::connect(&look, &QTimer::timeout, [&] {
+            QWidget *const menu = QApplication::activePopupWidget();
+            if (menu == nullptr)
+                return;
+            look.stop();
+            came = true;
+            test::Shot(list, "DataSourceList-favourite");
+            test::Shot(*menu, "DataSourceList-menu");
+            QTest::keyClick(menu, Qt::Key_Down);
+            QTest::keyClick(menu, Qt::Key_Return);
+        });
+        look.start(1);
+        Rect const rect = list.GetItemRect(row);
+        QPoint const at(rect.left + 30, (rect.top + rect.bottom) / 2);
+        QContextMenuEvent event(QContextMenuEvent::Mouse, at, list.viewport()->mapToGlobal(at));
+        QApplication::sendEvent(list.viewport(), &event);
+        return came;
+    };
+    EXPECT_FALSE(askForMenu(0));
+    EXPECT_TRUE(askForMenu(1));
+    EXPECT_TRUE(RowsOf(list, kGroupFavorites).empty());
+    EXPECT_FALSE(Favorites::Contains("/data/one"));
+}
+
+TEST_F(ListPanes, ANameCutByItsPictureIsShownAsATip) {
+    shell->AddFile("/data/a name of some length.tif");
+    auto const list = List(DSListCtrl::ModeFiles);
+    list->ResetItems({Item("/data")});
+    ASSERT_TRUE(HasRows(*list, 1));
+    int const text = list->fontMetrics().horizontalAdvance("a name of some length.tif");
+    auto const tips = [&] {
+        QToolTip::hideText();
+        EXPECT_TRUE(test::Eventually([] { return !QToolTip::isVisible(); }));
+        Rect const row = list->GetItemRect(0);
+        QPoint const at(row.left + 30, (row.top + row.bottom) / 2);
+        QHelpEvent help(QEvent::ToolTip, at, list->viewport()->mapToGlobal(at));
+        QApplication::sendEvent(list->viewport(), &help);
+        return QToolTip::isVisible();
+    };
+    list->SetColumnWidth(0, text + 30);
+    EXPECT_FALSE(tips());
+    list->SetColumnWidth(0, text + 10);
+    EXPECT_TRUE(tips()) << "the picture takes the room of its end";
+    QToolTip::hideText();
+}
+
+TEST_F(ListPanes, RowsHaveFixedColoursThatTellTheFocus) {
+    shell->AddFile("/data/a");
+    shell->AddFile("/data/b");
+    auto const list = List(DSListCtrl::ModeFiles);
+    list->ResetItems({Item("/data")});
+    ASSERT_TRUE(HasRows(*list, 2));
+    ASSERT_TRUE(QTest::qWaitForWindowActive(list.get()));
+    list->setFocus();
+    list->SetSlct(0, true);
+    auto const back = [&](int row, int x) { return test::ColorAt(*list->viewport(), {x, list->GetItemRect(row).top}); };
+    EXPECT_EQ(back(0, 60), QColor(10, 36, 106));
+    EXPECT_EQ(back(0, 17), list->palette().color(QPalette::Base)) << "the picture's band is never marked";
+    EXPECT_EQ(back(1, 60), QColor(Qt::white));
+    list->clearFocus();
+    EXPECT_EQ(back(0, 60), QColor(212, 208, 200));
 }
 
 TEST_F(ListPanes, TheNetworkScanEndsAfterThirtyEmptyPassesAndTakesANameOnce) {

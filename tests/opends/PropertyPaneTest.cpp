@@ -9,8 +9,10 @@
 #include "zelvar/opends/ImageExtraWnd.h"
 #include "zelvar/opends/ImagePreviewWnd.h"
 
+#include <QtWidgets/QComboBox>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QPushButton>
+#include <QtWidgets/QScrollBar>
 
 #include <gtest/gtest.h>
 
@@ -154,6 +156,101 @@ TEST_F(PropertyPane, WhatArrivesAfterClearIsDropped) {
     QCoreApplication::processEvents();
     EXPECT_EQ(Shown("Path"), "");
     EXPECT_EQ(pane->Preview()->GetMode(), ImagePreviewWnd::ModeNothing);
+}
+
+TEST_F(PropertyPane, TheSameItemAfterClearIsShownAgain) {
+    DString const path = folder.Write("a.img", "x");
+    driver->SetImage(path, {.width = 33});
+    Create(DT_DATA);
+    pane->ShowProps(Item(path), "F");
+    ASSERT_TRUE(Settles());
+    pane->Clear();
+    EXPECT_EQ(Shown("Image Width"), "");
+    pane->ShowProps(Item(path), "F");
+    EXPECT_TRUE(test::Eventually([&] { return Shown("Image Width") == "33"; }));
+    ASSERT_TRUE(Settles());
+    EXPECT_EQ(pane->Preview()->GetMode(), ImagePreviewWnd::ModeCanvas);
+}
+
+TEST_F(PropertyPane, ALargeFileShowsItsPictureOnlyWithAPyramid) {
+    // The limit is 8196 * 4098 pixels.
+    struct Case {
+        char const *name;
+        int width;
+        bool hasPyramid;
+        bool shown;
+    };
+    Case const cases[] = {{"just too large", 8196, false, false},
+                          {"one column less", 8195, false, true},
+                          {"with a pyramid", 8196, true, true}};
+    Create(DT_DATA);
+    for (Case const &c : cases) {
+        SCOPED_TRACE(c.name);
+        DString const path = folder.Write(DString(c.name) + ".img", "x");
+        driver->SetImage(path, {.width = c.width, .height = 4098, .pyramid = c.hasPyramid});
+        pane->ShowProps(Item(path), "");
+        EXPECT_TRUE(test::Eventually([&] { return Shown("Image Width") == std::to_string(c.width); }));
+        ASSERT_TRUE(Settles());
+        EXPECT_EQ(pane->Preview()->GetMode() == ImagePreviewWnd::ModeCanvas, c.shown);
+    }
+}
+
+TEST_F(PropertyPane, TheTextBeforeAPictureStaysInTheMiddle) {
+    ImagePreviewWnd preview;
+    preview.Clear(ImagePreviewWnd::ModeWaiting);
+    preview.show();
+    for (QSize const size : {QSize(200, 60), QSize(140, 200)}) {
+        preview.resize(size);
+        QImage const picture = preview.grab().toImage();
+        int left = picture.width(), right = -1, top = picture.height(), bottom = -1;
+        for (int y = 0; y < picture.height(); ++y)
+            for (int x = 0; x < picture.width(); ++x)
+                if (picture.pixelColor(x, y).lightness() < 128) {
+                    left = std::min(left, x), right = std::max(right, x);
+                    top = std::min(top, y), bottom = std::max(bottom, y);
+                }
+        ASSERT_GT(right, left);
+        EXPECT_NEAR(left, picture.width() - 1 - right, 6);
+        EXPECT_NEAR(top, picture.height() - 1 - bottom, 8);
+    }
+    EXPECT_EQ(preview.accessibleDescription(), "Please wait...");
+}
+
+TEST_F(PropertyPane, AnOptionPageNarrowsToItsPaneInsteadOfScrollingSideways) {
+    ImageExtraWnd page;
+    page.Navigate(folder.Write("page.html",
+                               "<h2>Options of the import of very large scenes</h2>"
+                               "<p>Resolution of the levels: <input name=level size=30 value=1> "
+                               "<select name=level.op><option>=<option>greater than or equal to what is given</select>"
+                               "<table><tr><td>Number of the first channel<td><input name=first size=20>"
+                               "<tr><td>Encoding<td><select name=code><option>as the file says it is</select></table>"
+                               "<p><input type=button id=Apply value=Apply>"));
+    page.show();
+    auto const *const level = page.findChild<QLineEdit *>("level");
+    ASSERT_NE(level, nullptr);
+    page.resize(700, 400);
+    QCoreApplication::processEvents();
+    int const wide = level->width();
+    EXPECT_LT(level->mapTo(&page, QPoint()).y(), 80);
+    auto const *const operation = page.findChild<QComboBox *>("level.op");
+    EXPECT_GT(operation->mapTo(&page, QPoint()).x(), level->mapTo(&page, QPoint()).x() + wide) << "in one line";
+    test::Shot(page, "ImageExtraWnd-wide");
+    for (int const width : {260, 190}) {
+        page.resize(width, 400);
+        QCoreApplication::processEvents();
+        test::Shot(page, QString("ImageExtraWnd-%1").arg(width));
+        EXPECT_EQ(page.horizontalScrollBar()->maximum(), 0) << width;
+        QWidget const &content = *page.widget();
+        std::vector<QRect> places;
+        for (QWidget const *part : content.findChildren<QWidget *>(Qt::FindDirectChildrenOnly)) {
+            EXPECT_LE(part->geometry().right(), content.width()) << width;
+            for (QRect const &other : places)
+                EXPECT_FALSE(other.intersects(part->geometry())) << width << ": they overlap";
+            places.push_back(part->geometry());
+        }
+    }
+    EXPECT_GT(operation->y(), level->y()) << "wrapped";
+    EXPECT_LE(level->width(), wide);
 }
 
 TEST_F(PropertyPane, WhatNoDriverOpensShowsTheFileAndNoPreview) {

@@ -1,5 +1,7 @@
 #include "zelvar/platform/ui/EllipsisLabel.h"
 
+#include "zelvar/platform/ui/Text.h"
+
 #include <QtGui/QHelpEvent>
 #include <QtGui/QPainter>
 #include <QtWidgets/QToolTip>
@@ -40,7 +42,7 @@ void EllipsisLabel::paintEvent(QPaintEvent *event) {
 
 bool EllipsisLabel::event(QEvent *event) {
     if (event->type() == QEvent::ToolTip && toolTip().isEmpty() && ShownText() != m_text) {
-        QToolTip::showText(static_cast<QHelpEvent const *>(event)->globalPos(), m_text.toHtmlEscaped(), this);
+        QToolTip::showText(static_cast<QHelpEvent const *>(event)->globalPos(), ToToolTip(m_text), this);
         return true;
     }
     return QFrame::event(event);

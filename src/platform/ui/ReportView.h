@@ -99,6 +99,8 @@ protected:
     /// Pixels that a cell needs, image, indent and margins included.
     [[nodiscard]] virtual int MeasureCell(int row, int col) const;
 
+    /// Pixels of a cell before its text: here the room of the first column's image.
+    [[nodiscard]] virtual int LabelLeft(int row, int col) const;
     [[nodiscard]] int CellMargins(int row, int col) const; ///< what `MeasureCell` leaves beside the text
 
     // True keeps it from the parent.
@@ -152,7 +154,6 @@ private:
 
     [[nodiscard]] bool HasRow(int row) const { return row >= 0 && row < GetItemCount(); }
     [[nodiscard]] Row const *Stored(int row) const;
-    [[nodiscard]] int LabelLeft(int row, int col) const;
     void RowsChanged(); ///< how many there are or where they stand; laid out before the next look
     void UpdateRowHeight();
     void UpdateVerticalBar();

@@ -91,7 +91,7 @@ bool ReportView::ShowLabelTip(Point point, QPoint screenPoint) {
     QString const text = ShownText(hit.row, hit.col);
     bool const clipped = fontMetrics().horizontalAdvance(text) + 2 > cell.Intersected(GetClientRect()).Width();
     if (clipped)
-        QToolTip::showText(screenPoint, text.toHtmlEscaped(), viewport(), ToQRect(cell));
+        QToolTip::showText(screenPoint, ToToolTip(text), viewport(), ToQRect(cell));
     return clipped;
 }
 

@@ -14,4 +14,7 @@ namespace zelvar::platform {
 /// What a user typed or picked, as UTF-8.
 [[nodiscard]] ZELVAR_API DString ToDString(QString const &text);
 
+/// A text for a tool tip: what would be taken for markup shows as it is written.
+[[nodiscard]] ZELVAR_API QString ToToolTip(QString const &text);
+
 } // namespace zelvar::platform

@@ -97,6 +97,7 @@ TEST(UserMessages, AWarningFromAnyThreadBecomesABox) {
         auto *const box = qobject_cast<QMessageBox *>(&dialog);
         ASSERT_NE(box, nullptr);
         text = box->text();
+        test::Shot(*box, QStringLiteral("message-box"));
         box->accept();
     });
     std::thread([] { Report::UserWarning("<b>%d</b> files", 3); }).join();
