@@ -3,6 +3,7 @@
 #include "zelvar/base/SettingsStore.h"
 
 #include <mutex>
+#include <utility>
 
 namespace zelvar {
 
@@ -76,7 +77,8 @@ bool Profile::HasRegistryKey() {
 
 int Profile::GetInt(DString const &section, DString const &entry, int fallback) {
     DString const path = ProfilePath(section);
-    return path.empty() ? fallback : static_cast<int>(SettingsStore::Instance().ReadInt(path, entry, fallback));
+    std::int64_t const value = path.empty() ? fallback : SettingsStore::Instance().ReadInt(path, entry, fallback);
+    return std::in_range<int>(value) ? static_cast<int>(value) : fallback;
 }
 
 bool Profile::WriteInt(DString const &section, DString const &entry, int value) {

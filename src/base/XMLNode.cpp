@@ -5,6 +5,7 @@
 #include "zelvar/base/XMLText.h"
 
 #include <charconv>
+#include <cmath>
 #include <utility>
 
 namespace zelvar {
@@ -22,7 +23,7 @@ XMLNode *NextElement(XMLPiece *piece) {
 template <class Number>
 Number ParseNumber(DString const &text, Number fallback) {
     std::string_view digits = Trimmed(text);
-    if (digits.starts_with('+'))
+    if (digits.starts_with('+') && !digits.starts_with("+-"))
         digits.remove_prefix(1);
     Number value{};
     auto const [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
@@ -109,7 +110,8 @@ long long XMLNode::GetAttrInt(char const *name, long long fallback) const {
     return ParseNumber(GetAttrStr(name), fallback);
 }
 double XMLNode::GetAttrDouble(char const *name, double fallback) const {
-    return ParseNumber(GetAttrStr(name), fallback);
+    double const value = ParseNumber(GetAttrStr(name), fallback);
+    return std::isfinite(value) ? value : fallback; // "nan" and "inf" are words, not numbers
 }
 
 void XMLNode::SetAttr(char const *name, DString const &value) {
@@ -183,6 +185,10 @@ bool XMLNode::DelChld(XMLNode *child) {
 std::unique_ptr<XMLNode> XMLNode::Copy() const {
     auto copy = std::make_unique<XMLNode>(GetName());
     copy->m_piece->attributes = m_piece->attributes;
+    for (auto const &before : m_piece->prolog)
+        copy->m_piece->prolog.push_back(std::make_unique<XMLPiece>(before->kind, before->text));
+    for (auto const &behind : m_piece->epilog)
+        copy->m_piece->epilog.push_back(std::make_unique<XMLPiece>(behind->kind, behind->text));
     XMLPiece *target = copy->m_piece.get();
     XMLPiece const *source = m_piece.get();
     for (;;) {

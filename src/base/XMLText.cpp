@@ -3,6 +3,7 @@
 #include "zelvar/base/XMLPiece.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <new>
 #include <optional>
 #include <pugixml.hpp>
@@ -140,6 +141,25 @@ private:
     DString m_reason;
 };
 
+/// `digits` is what follows "&#". Numbers are counted as the parser does, in 32 bits: one too large for them may be 0.
+bool IsNulReference(std::string_view digits) {
+    bool const hexadecimal = digits.starts_with('x');
+    if (hexadecimal)
+        digits.remove_prefix(1);
+    std::uint32_t code = 0;
+    for (std::size_t i = 0; i < digits.size(); ++i) {
+        char const c = digits[i];
+        char const lower = c >= 'A' && c <= 'F' ? static_cast<char>(c - 'A' + 'a') : c;
+        if (c >= '0' && c <= '9')
+            code = code * (hexadecimal ? 16 : 10) + static_cast<std::uint32_t>(c - '0');
+        else if (hexadecimal && lower >= 'a' && lower <= 'f')
+            code = code * 16 + static_cast<std::uint32_t>(lower - 'a' + 10);
+        else
+            return c == ';' && i > 0 && code == 0;
+    }
+    return false;
+}
+
 } // namespace
 
 bool HoldsNul(std::string_view xml) {
@@ -147,11 +167,7 @@ bool HoldsNul(std::string_view xml) {
         return true;
     constexpr std::string_view reference = "&#";
     for (std::size_t at = xml.find(reference); at != std::string_view::npos; at = xml.find(reference, at + 1)) {
-        std::string_view digits = xml.substr(at + reference.size());
-        if (digits.starts_with('x'))
-            digits.remove_prefix(1);
-        std::size_t const end = digits.find_first_not_of('0');
-        if (end != 0 && end != std::string_view::npos && digits[end] == ';')
+        if (IsNulReference(xml.substr(at + reference.size())))
             return true;
     }
     return false;

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 namespace zelvar {
 namespace {
 
@@ -20,6 +22,80 @@ TEST(DString, FormatsTextsLongerThanItsBuffer) {
     DString const text(5000, 'x');
     EXPECT_EQ(Format("<%s>", text.c_str()), "<" + text + ">");
     EXPECT_EQ(Format("%s", ""), "");
+}
+
+TEST(DString, EachCaseFormFoldsToOneAndFoldingAgainChangesNothing) {
+    struct Case {
+        char const *name;
+        char const *small;
+        char const *capital;
+    };
+    Case const cases[] = {
+        {"y with diaeresis, two blocks apart", "\xC3\xBF", "\xC5\xB8"},
+        {"d with stroke", "\xC4\x91", "\xC4\x90"},
+        {"final sigma", "\xCF\x82", "\xCE\xA3"},
+        {"alpha with tonos", "\xCE\xAC", "\xCE\x86"},
+        {"io", "\xD1\x91", "\xD0\x81"},
+        {"palochka", "\xD3\x8F", "\xD3\x80"},
+        {"o with horn and hook", "\xE1\xBB\x9F", "\xE1\xBB\x9E"},
+    };
+    for (Case const &c : cases) {
+        EXPECT_TRUE(EqualNoCase(c.small, c.capital)) << c.name;
+        EXPECT_EQ(FoldCase(c.small), FoldCase(c.capital)) << c.name;
+    }
+    EXPECT_FALSE(EqualNoCase("\xC4\xB0", "\xC4\xB1")); // the dotted and the dotless i of Turkish are no pair
+    for (unsigned code = 0x80; code < 0x800; ++code) {
+        DString const text{static_cast<char>(0xC0U | code >> 6U), static_cast<char>(0x80U | (code & 0x3FU))};
+        DString const folded = FoldCase(text);
+        ASSERT_EQ(FoldCase(folded), folded) << std::hex << code;
+        ASSERT_EQ(ToValidUtf8(folded), folded) << std::hex << code;
+        ASSERT_TRUE(EqualNoCase(text, folded)) << std::hex << code;
+    }
+}
+
+TEST(DString, FormatsAcrossTheEdgeOfItsBuffer) {
+    for (std::size_t length : {510U, 511U, 512U, 513U}) {
+        DString const text(length, 'x');
+        EXPECT_EQ(Format("%s", text.c_str()), text);
+    }
+}
+
+TEST(DString, NumbersBeyondAllMeasureAreWrittenToo) {
+    EXPECT_EQ(FormatDouble(std::numeric_limits<double>::quiet_NaN(), 2), "nan");
+    EXPECT_EQ(FormatDouble(-std::numeric_limits<double>::infinity(), 2), "-inf");
+    EXPECT_EQ(FormatDouble(1.5, -3), "2");
+    EXPECT_EQ(FormatDouble(0.5, 1000).size(), 102U);
+    EXPECT_EQ(FormatDouble(-std::numeric_limits<double>::max(), 100).size(), 411U);
+}
+
+TEST(DString, ValidUtf8IsKeptAndTheRestReplacedByteByByte) {
+    constexpr char kOne[] = "\xEF\xBF\xBD";
+    struct Case {
+        char const *name;
+        std::string_view bytes;
+        int replaced; ///< -1: kept as it is
+    };
+    Case const cases[] = {
+        {"the last character", "\xF4\x8F\xBF\xBF", -1},
+        {"behind the last character", "\xF4\x90\x80\x80", 4},
+        {"two bytes for an ASCII letter", "\xC1\xA1", 2},
+        {"three bytes where two do", "\xE0\x9F\xBF", 3},
+        {"four bytes where three do", "\xF0\x8F\xBF\xBF", 4},
+        {"the last before the surrogates", "\xED\x9F\xBF", -1},
+        {"cut off after one", "\xE2", 1},
+        {"cut off after two", "\xE2\x82", 2},
+        {"cut off after three", "\xF0\x9F\x98", 3},
+        {"a continuation alone", "\x80", 1},
+        {"never a byte of UTF-8", "\xFE\xFF", 2},
+    };
+    for (Case const &c : cases) {
+        DString expected(c.bytes);
+        if (c.replaced >= 0)
+            expected.clear();
+        for (int i = 0; i < c.replaced; ++i)
+            expected += kOne;
+        EXPECT_EQ(ToValidUtf8(c.bytes), expected) << c.name;
+    }
 }
 
 TEST(DString, FormatsNumbersWithAPoint) {

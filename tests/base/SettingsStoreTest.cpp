@@ -4,6 +4,7 @@
 #include "zelvar/base/DCnfg.h"
 #include "zelvar/base/DFile.h"
 #include "zelvar/base/DFileFind.h"
+#include "zelvar/base/Directories.h"
 #include "zelvar/base/Report.h"
 
 #include <gtest/gtest.h>
@@ -285,7 +286,7 @@ TEST_F(SettingsStoreTest, WithoutTheRightToWriteReadingWorks) {
 }
 
 TEST_F(SettingsStoreTest, TheInstanceFollowsTheFileNamedInTheEnvironment) {
-    DString const former = std::getenv("ZELVAR_SETTINGS");
+    DString const former = GetSettingsFile();
     SettingsStore *const first = &SettingsStore::Instance();
     setenv("ZELVAR_SETTINGS", m_file.c_str(), 1);
     EXPECT_NE(&SettingsStore::Instance(), first);
@@ -314,6 +315,18 @@ TEST(Profile, IsKeptPerApplicationAndNeedsItsKey) {
     EXPECT_EQ(Profile::GetString("S", "t", "fallback"), "fallback");
     Profile::SetRegistryKey("Zelvar");
     EXPECT_EQ(Profile::GetInt("S\\T", "n", 1), -5);
+}
+
+TEST(Profile, ANumberThatIsNoIntGivesTheFallback) {
+    SettingsStore &store = SettingsStore::Instance();
+    for (std::int64_t const value : {std::int64_t{1} << 32U, std::int64_t{INT32_MAX} + 1, INT64_MIN}) {
+        ASSERT_TRUE(store.Write("Profile\\Zelvar\\Sizes", "n", value));
+        EXPECT_EQ(Profile::GetInt("Sizes", "n", 7), 7) << value;
+    }
+    EXPECT_TRUE(Profile::WriteInt("Sizes", "n", INT32_MIN));
+    EXPECT_EQ(Profile::GetInt("Sizes", "n", 7), INT32_MIN);
+    EXPECT_TRUE(Profile::WriteString("Sizes", "n", "text"));
+    EXPECT_EQ(Profile::GetInt("Sizes", "n", 7), 7);
 }
 
 } // namespace

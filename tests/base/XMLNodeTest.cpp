@@ -5,6 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <memory>
+
 namespace zelvar {
 namespace {
 
@@ -33,6 +36,8 @@ TEST(XMLNode, RefusesWhatIsNotAWholeDocumentAndStaysAsItWas) {
         {"text behind", "<a/>rest", "outside"},
         {"hidden end", DString("<a/>\0<b>", 8), "NUL"},
         {"hidden end by its number", "<a>x&#x000;y</a>", "NUL"},
+        {"hidden end by a number of 33 bits", "<a>x&#4294967296;y</a>", "NUL"},
+        {"the same in hexadecimal", "<a>x&#xA00000000;y</a>", "NUL"},
         {"entities", "<!DOCTYPE a [<!ENTITY x 'xx'><!ENTITY y '&x;&x;'>]><a>&y;</a>", "entity"},
         {"open document type", "<!DOCTYPE a [<a/>", "line 1: "},
         {"257 levels", Nested(257), "256"},
@@ -100,6 +105,57 @@ TEST(XMLNode, BlanksThatSomebodyWroteBetweenElementsByTheirNumbersStay) {
     EXPECT_EQ(again.GetText(), "\n \t");
 }
 
+TEST(XMLNode, WhatIsSavedLoadsAgainAsTheSame) {
+    for (char const *text : {
+             "<a><!--x--y---></a>",
+             "<a><!----><!-->--></a>",
+             "<?one?><?two  ? >?><a/><?three x?>",
+             "<!DOCTYPE a [<!ELEMENT a ANY><!-- ]> -->]><a/>",
+             "<a><![CDATA[]]]]><![CDATA[>]]><![CDATA[]]></a>",
+             "<a b='&#9;&#10;&#13;&apos;\"&gt;' c=' '/>",
+             "<a>one<b/> <c/>two&#13;\n</a>",
+             "<a>\n\n<b>\n</b>\t</a>",
+             "<\xC3\xA4:b-c.d _e=''/>",
+             "<a>&unknown; &#; &#xZ; &amp;amp;</a>",
+         }) {
+        SCOPED_TRACE(text);
+        XMLNode first;
+        DString error;
+        ASSERT_TRUE(first.LoadText(text, &error)) << error;
+        DString const saved = first.SaveText();
+        ASSERT_NE(saved, "");
+        XMLNode second;
+        ASSERT_TRUE(second.LoadText(saved, &error)) << error;
+        EXPECT_EQ(second.SaveText(), saved);
+        EXPECT_EQ(second.GetText(), first.GetText());
+        EXPECT_EQ(second.GetAttrStr("b"), first.GetAttrStr("b"));
+        EXPECT_EQ(first.Copy()->SaveText(), saved);
+    }
+}
+
+TEST(XMLNode, ACopyGoesItsOwnWay) {
+    XMLNode root;
+    ASSERT_TRUE(root.LoadText("<a x='1'>text<b><c/></b></a>"));
+    DString const before = root.SaveText();
+    std::unique_ptr<XMLNode> const copy = root.GetFirstChild()->Copy();
+    EXPECT_EQ(copy->GetParent(), nullptr);
+    EXPECT_EQ(copy->GetNext(), nullptr);
+    copy->SetAttr("new", "1");
+    copy->GetFirstChild()->SetName("d");
+    EXPECT_EQ(root.SaveText(), before);
+}
+
+TEST(XMLNode, TextReplacesAllPiecesAndLeavesTheChildren) {
+    XMLNode root;
+    ASSERT_TRUE(root.LoadText("<a>one<b/>two<![CDATA[three]]><!--note--></a>"));
+    root.SetText("new");
+    EXPECT_EQ(root.GetText(), "new");
+    EXPECT_EQ(root.GetChldCount(), 1);
+    EXPECT_NE(root.SaveText().find("new<b/><!--note-->"), DString::npos) << root.SaveText();
+    root.SetText("");
+    EXPECT_EQ(root.GetText(), "");
+}
+
 TEST(XMLNode, OtherEncodingsBecomeUtf8) {
     XMLNode root;
     ASSERT_TRUE(root.LoadText("<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><a>\xE4</a>"));
@@ -165,6 +221,23 @@ TEST(XMLNode, ReadsAttributesByType) {
     EXPECT_EQ(root.GetAttrInt("h", 7), 7);
     EXPECT_EQ(root.GetAttrDouble("d"), -1500.0);
     EXPECT_FALSE(root.HasAttr(nullptr));
+}
+
+TEST(XMLNode, WhatIsNoWholeNumberInRangeGivesTheFallback) {
+    for (char const *text : {"", " ", "+", "-", "+-5", "--5", "0x10", "1 2", "12,5", "nan", "inf", "-inf", "1e999",
+                             "99999999999999999999x"}) {
+        XMLNode node("n");
+        node.SetAttr("v", text);
+        EXPECT_EQ(node.GetAttrInt("v", 7), 7) << text;
+        EXPECT_EQ(node.GetAttrDouble("v", 7.5), 7.5) << text;
+    }
+    XMLNode node("n");
+    node.SetAttr("v", "9223372036854775808");
+    EXPECT_EQ(node.GetAttrInt("v", 7), 7);
+    node.SetAttrInt("v", INT64_MIN);
+    EXPECT_EQ(node.GetAttrInt("v", 7), INT64_MIN);
+    EXPECT_EQ(node.GetAttrInt("absent", 7), 7);
+    EXPECT_TRUE(node.GetAttrBool("absent", true));
 }
 
 TEST(XMLNode, SavesAtomicallyAndKeepsABackupWhenAsked) {

@@ -28,7 +28,7 @@ constexpr std::array<SuffixGroup, 8> kSuffixGroups{{
 std::string_view FileIcon(std::string_view name) {
     std::string_view const suffix = ExtensionOf(name);
     constexpr std::size_t kLongestSuffix = 8;
-    if (suffix.empty() || suffix.size() > kLongestSuffix)
+    if (suffix.empty() || suffix.size() > kLongestSuffix || suffix.find(' ') != std::string_view::npos)
         return "application-octet-stream";
     DString wanted = " ";
     for (char const c : suffix)

@@ -68,7 +68,8 @@ DString FindUserDirectory(std::string_view text, std::string_view key, std::stri
             continue;
         rest = rest.substr(1, rest.size() - 2);
         DString path;
-        if (constexpr std::string_view kHome = "$HOME"; rest.starts_with(kHome)) {
+        constexpr std::string_view kHome = "$HOME";
+        if (rest == kHome || rest.starts_with("$HOME/")) {
             path = home;
             rest.remove_prefix(kHome.size());
         }

@@ -1,11 +1,11 @@
 #include "support/TestFiles.h"
 #include "zelvar/platform/os/LinuxShellNamespace.h"
 #include "zelvar/platform/os/MountTable.h"
+#include "zelvar/platform/os/SpecialFolders.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <tuple>
 
@@ -88,6 +88,67 @@ TEST(Drives, ALaterMountHidesTheOneBelowIt) {
     EXPECT_EQ(kernel.Drives().size(), 1U);
 }
 
+TEST(Drives, WhereADiscIsMountedTellsWhetherUsersKeepDataThere) {
+    struct Case {
+        char const *mountPoint;
+        bool shown;
+    };
+    Case const cases[] = {
+        {"/boot", false},    {"/boot/efi", false},    {"/bootleg", true},  {"/run/media/me/disc", true},
+        {"/run/mnt", false}, {"/var/lib/x", false},   {"/various", true},  {"/home", true},
+        {"/opt/x", false},   {"/snap/core/1", false}, {"/srv/maps", true}, {"/mnt/tab\\011here", true},
+    };
+    for (Case const &c : cases) {
+        FakeKernel const kernel(DString("25 27 8:33 / ") + c.mountPoint + " rw - ext4 /dev/sdc1 rw\n");
+        EXPECT_EQ(kernel.Drives().size(), c.shown ? 2U : 1U) << c.mountPoint;
+    }
+}
+
+TEST(Drives, ANetworkDriveIsCalledByItsShareWhereTheSourceNamesOne) {
+    struct Case {
+        char const *type;
+        char const *source;
+        char const *label;
+    };
+    Case const cases[] = {
+        {"cifs", "//server/share/deep", "share/deep on server"},
+        {"cifs", "//server", "point"},
+        {"cifs", "//server/", "point"},
+        {"nfs", "[fe80::1]:/export", "export on [fe80::1]"},
+        {"nfs", "server:/", "point"},
+        {"fuse.rclone", "remote:bucket", "point"},
+        {"9p", "", "point"},
+    };
+    for (Case const &c : cases) {
+        FakeKernel const kernel(DString("25 27 0:50 / /mnt/point rw - ") + c.type + " " + c.source + "\n");
+        ASSERT_EQ(kernel.Drives().size(), 2U) << c.source;
+        EXPECT_EQ(kernel.Drives()[1].label, c.label) << c.source;
+        EXPECT_EQ(kernel.Drives()[1].kind, ShellKind::NetDrive);
+    }
+}
+
+TEST(Drives, AHomeThatIsADiscOfItsOwnIsListedOnce) {
+    FakeKernel const kernel("25 27 8:33 / " + HomeFolder() + " rw - ext4 /dev/sdc1 rw\n");
+    LinuxShellNamespace const shell = kernel.Shell();
+    int homes = 0;
+    int seen = 0;
+    shell.Enumerate(shell.Drives(), ShellNamespace::Purpose::Browse, [&](ShellChild &&child) {
+        homes += child.name == "Home (" + HomeFolder() + ")" ? 1 : 0;
+        ++seen;
+        return true;
+    });
+    EXPECT_EQ(homes, 1);
+    EXPECT_EQ(seen, 2);
+    int visited = 0;
+    EXPECT_TRUE(
+        shell.Enumerate(shell.Drives(), ShellNamespace::Purpose::Browse, [&](ShellChild &&) { return ++visited < 1; }));
+    EXPECT_EQ(visited, 1);
+    EXPECT_TRUE(shell.Enumerate(shell.Drives(), ShellNamespace::Purpose::Network, [](ShellChild &&child) {
+        ADD_FAILURE() << child.name << " is no network place";
+        return true;
+    }));
+}
+
 TEST(Drives, AMissingTableLeavesTheRoot) {
     EXPECT_THAT(ListDrives("/no/such/proc", "/no/such/sys"), testing::SizeIs(1));
 }
@@ -101,7 +162,7 @@ TEST(Drives, ThePlaceListsRootHomeAndMediaByName) {
         rows.emplace_back(child.name, child.kind);
         return true;
     });
-    DString const home = std::getenv("HOME");
+    DString const home = HomeFolder();
     EXPECT_THAT(rows, ElementsAre(std::pair<DString, ShellKind>("File System (/)", ShellKind::Fixed),
                                   std::pair<DString, ShellKind>("Home (" + home + ")", ShellKind::Directory),
                                   std::pair<DString, ShellKind>("images on server (/mnt/share)", ShellKind::NetDrive)));
@@ -123,6 +184,32 @@ TEST(Icons, FollowKindAndSuffixAlone) {
     EXPECT_EQ(iconOf(folder.Child("tif", ShellKind::File)), "application-octet-stream");
     EXPECT_EQ(iconOf(folder.Child("a.ti", ShellKind::File)), "application-octet-stream");
     EXPECT_TRUE(shell.Icon(folder, true).linkOverlay);
+}
+
+TEST(Icons, OnlyTheWholeLastSuffixCounts) {
+    LinuxShellNamespace const shell;
+    struct Case {
+        char const *name;
+        char const *icon;
+    };
+    Case const cases[] = {
+        {"a.tif.zip", "package-x-generic"},
+        {"scan.tif tiff", "application-octet-stream"}, // two suffixes that stand side by side in our table
+        {"a. tif", "application-octet-stream"},
+        {"a.tif ", "application-octet-stream"},
+        {"a.", "application-octet-stream"},
+        {".tif", "application-octet-stream"},
+        {"a.TiFf", "image-x-generic"},
+        {"a.appimage", "application-x-executable"},
+        {"a.appimages", "application-octet-stream"},
+        {"\xFF.\xFF", "application-octet-stream"},
+    };
+    for (Case const &c : cases)
+        EXPECT_EQ(shell.Icon(shell.Drives().Child("/", ShellKind::Fixed).Child(c.name, ShellKind::File), false).name,
+                  c.icon)
+            << c.name;
+    EXPECT_EQ(shell.Icon(shell.Drives(), false).name, "computer");
+    EXPECT_EQ(shell.Icon(shell.Network(), false).name, "network-workgroup");
 }
 
 } // namespace

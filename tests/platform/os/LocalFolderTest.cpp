@@ -21,7 +21,6 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Pair;
-using testing::UnorderedElementsAre;
 
 /// Name and kind of the children; nothing if the folder cannot be read.
 std::optional<std::map<DString, ShellKind>> Listed(DString const &path, ShellNamespace::FileTest const &wanted = {}) {
@@ -218,6 +217,83 @@ TEST(LocalFolder, AChainLeadsFromTheRootDriveDown) {
     EXPECT_TRUE(shell.Parse("").IsNull());
     EXPECT_TRUE(shell.Parse(DString("/usr\0/share", 11)).IsNull());
     EXPECT_TRUE(shell.Parse("http://localhost/x").IsNull());
+}
+
+TEST(LocalFolder, PathsLeadToWhatIsThereAndNoFurther) {
+    test::TempFolder const temp;
+    temp.Write("file.tif", "1");
+    temp.Folder("a b\n\xFF");
+    LinuxShellNamespace const shell;
+    struct Case {
+        DString path;
+        std::optional<ShellKind> kind;
+    };
+    Case const cases[] = {
+        {temp / "file.tif", ShellKind::File},
+        {temp / "./file.tif/", ShellKind::File},
+        {temp / "file.tif/inside", {}},
+        {temp / "FILE.TIF", {}},
+        {temp / "a b\n\xFF", ShellKind::Directory},
+        {temp / "a b\n\xFF/../file.tif", ShellKind::File},
+        {temp / DString(300, 'x'), {}},
+        {"/", ShellKind::Fixed},
+        {"/..", ShellKind::Fixed},
+    };
+    for (Case const &c : cases) {
+        SCOPED_TRACE(c.path);
+        ShellId const id = shell.Parse(c.path);
+        EXPECT_EQ(id.IsNull(), !c.kind.has_value());
+        if (c.kind) {
+            EXPECT_EQ(id.Kind(), *c.kind);
+            EXPECT_EQ(shell.KindOf(id), c.kind);
+            EXPECT_TRUE(shell.Parse(shell.Path(id)) == id);
+        }
+    }
+}
+
+TEST(LocalFolder, WhatAThingIsNowMayDifferFromWhatItWas) {
+    test::TempFolder const temp;
+    LinuxShellNamespace const shell;
+    ShellId const id = shell.Parse(temp.Write("x"));
+    EXPECT_FALSE(shell.IdentityOf(id).has_value()); // no folder
+    std::filesystem::remove(temp / "x");
+    EXPECT_FALSE(shell.Times(id).has_value());
+    temp.Folder("x");
+    EXPECT_EQ(id.Kind(), ShellKind::File);
+    EXPECT_EQ(shell.KindOf(id), ShellKind::Directory);
+    EXPECT_EQ(shell.Times(id)->size, -1);
+    EXPECT_EQ(shell.IdentityOf(id), shell.IdentityOf(shell.Parse(temp / "x")));
+}
+
+TEST(LocalFolder, TimesBeyondWhatNanosecondsHoldAreUnknown) {
+    test::TempFolder const temp;
+    DString const path = temp.Write("future");
+    LinuxShellNamespace const shell;
+    SetModified(path, {8'999'999'999, 999'999'999}); // as late as it goes, in 2255
+    EXPECT_EQ(shell.Times(shell.Parse(path))->modified, 8'999'999'999'999'999'999);
+    SetModified(path, {10'000'000'000, 0});
+    EXPECT_EQ(shell.Times(shell.Parse(path))->modified, 0);
+    SetModified(path, {-1, 500'000'000});
+    EXPECT_EQ(shell.Times(shell.Parse(path))->modified, -500'000'000);
+}
+
+TEST(LocalFolder, TheVirtualPlacesHaveNamesAndNoPath) {
+    LinuxShellNamespace const shell;
+    std::vector<DString> names;
+    EXPECT_TRUE(shell.Enumerate(ShellId::Desktop(), ShellNamespace::Purpose::Browse, [&](ShellChild &&child) {
+        names.push_back(child.name);
+        EXPECT_EQ(shell.Path(child.id), "");
+        EXPECT_EQ(shell.KindOf(child.id), ShellKind::Virtual);
+        EXPECT_FALSE(shell.Times(child.id).has_value());
+        EXPECT_FALSE(shell.IdentityOf(child.id).has_value());
+        return true;
+    }));
+    EXPECT_THAT(names, ElementsAre("Computer", "Network"));
+    EXPECT_EQ(shell.DisplayName(ShellId::Desktop()), "Desktop");
+    EXPECT_EQ(shell.DisplayName(ShellId()), "");
+    EXPECT_EQ(shell.Path(ShellId()), "");
+    EXPECT_FALSE(shell.KindOf(ShellId()).has_value());
+    EXPECT_FALSE(shell.Enumerate(ShellId(), ShellNamespace::Purpose::Browse, [](ShellChild &&) { return true; }));
 }
 
 } // namespace

@@ -58,6 +58,26 @@ TEST(SmbFolder, AServerThatIsNotThereIsToldAtOnce) {
     EXPECT_FALSE(AcceptsConnections("no.such.host.invalid", 100));
 }
 
+TEST(TcpProbe, FindsAListenerHoweverItsPlaceIsWritten) {
+    int const listener = ::socket(AF_INET, SOCK_STREAM, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t size = sizeof address;
+    ASSERT_EQ(bind(listener, reinterpret_cast<sockaddr *>(&address), size), 0);
+    ASSERT_EQ(listen(listener, 4), 0);
+    ASSERT_EQ(getsockname(listener, reinterpret_cast<sockaddr *>(&address), &size), 0);
+    DString const port = std::to_string(ntohs(address.sin_port));
+    constexpr int kPatience = 2000; // ms
+    for (DString const &authority :
+         {"127.0.0.1:" + port, "me@127.0.0.1:" + port, "me:p@ss:word@127.0.0.1:" + port, "[::ffff:127.0.0.1]:" + port})
+        EXPECT_TRUE(AcceptsConnections(authority, kPatience)) << authority;
+    for (char const *authority : {"", "@", "127.0.0.1:", "127.0.0.1:port"})
+        EXPECT_FALSE(AcceptsConnections(authority, kPatience)) << authority;
+    close(listener);
+    EXPECT_FALSE(AcceptsConnections("127.0.0.1:" + port, kPatience));
+}
+
 std::map<DString, std::int64_t> SizesIn(LinuxShellNamespace const &shell, DString const &address) {
     std::map<DString, std::int64_t> sizes;
     EXPECT_TRUE(shell.Enumerate(shell.Parse(address), ShellNamespace::Purpose::Browse, [&](ShellChild &&child) {

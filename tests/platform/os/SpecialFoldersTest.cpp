@@ -13,7 +13,7 @@ namespace {
 /// Another home folder for one test.
 class OtherHome {
 public:
-    OtherHome() : m_former(std::getenv("HOME")) { setenv("HOME", m_folder.Path().c_str(), 1); }
+    OtherHome() : m_former(HomeFolder()) { setenv("HOME", m_folder.Path().c_str(), 1); }
     ~OtherHome() { setenv("HOME", m_former.c_str(), 1); }
     OtherHome(OtherHome const &) = delete;
     OtherHome &operator=(OtherHome const &) = delete;
@@ -47,9 +47,27 @@ TEST(SpecialFolders, WithoutAFileTheCustomaryNamesServe) {
     EXPECT_EQ(shell.SpecialFolder(ShellFolderOf::CommonDocuments), home.Folder().Path());
 }
 
+TEST(SpecialFolders, ALineIsReadAsAShellWould) {
+    struct Case {
+        char const *text;
+        char const *folder;
+    };
+    Case const cases[] = {
+        {"XDG_DOCUMENTS_DIR=\"$HOME\"", "/home/me"},
+        {"XDG_DOCUMENTS_DIR=\"$HOME/\"", "/home/me"},
+        {"\t XDG_DOCUMENTS_DIR=\"/data//\" \r\n", "/data"},
+        {"XDG_DOCUMENTS_DIR=\"/\"", "/"},
+        {"XDG_DOCUMENTS_DIR=\"/a\"\nXDG_DOCUMENTS_DIR=\"/b\"\nXDG_DOCUMENTS_DIR=broken", "/b"},
+        {"XDG_DOCUMENTS_DIR=\"/a\\$b\\\\c\"", "/a$b\\c"},
+    };
+    for (Case const &c : cases)
+        EXPECT_EQ(FindUserDirectory(c.text, "XDG_DOCUMENTS_DIR", "/home/me"), c.folder) << c.text;
+}
+
 TEST(SpecialFolders, ADamagedLineIsPassedOver) {
     for (char const *text : {"XDG_DOCUMENTS_DIR=", "XDG_DOCUMENTS_DIR=\"", "XDG_DOCUMENTS_DIR=\"$HOM", "=\"/x\"",
-                             "XDG_DOCUMENTS_DIR=\"\"", "XDG_DOCUMENTS_DIR"})
+                             "XDG_DOCUMENTS_DIR=\"\"", "XDG_DOCUMENTS_DIR", "XDG_DOCUMENTS_DIR=\"$HOMEWORK/x\"",
+                             "XDG_DOCUMENTS_DIR='/x'", "#XDG_DOCUMENTS_DIR=\"/x\""})
         EXPECT_EQ(FindUserDirectory(text, "XDG_DOCUMENTS_DIR", "/home/me"), "") << text;
 }
 
