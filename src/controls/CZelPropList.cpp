@@ -113,7 +113,10 @@ CZelPropList::CZelPropList(QWidget *parent)
     m_tree->setUniformRowHeights(true);
     m_tree->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed);
     m_tree->setHeaderHidden(true);
-    m_tree->header()->setStretchLastSection(true);
+    m_tree->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff); // a long value has its tip
+    m_tree->header()->setMinimumSectionSize(m_tree->fontMetrics().averageCharWidth() * 2);
+    m_tree->header()->setStretchLastSection(false); // it would keep a hundred pixels in any pane
+    m_tree->header()->setSectionResizeMode(kValueColumn, QHeaderView::Stretch);
     m_tree->setIndentation(m_tree->fontMetrics().averageCharWidth() * 2);
     connect(m_tree->header(), &QHeaderView::sectionResized, this,
             [this](int column) { m_namesDragged = m_namesDragged || (column == kNameColumn && !m_fitting); });
@@ -181,6 +184,7 @@ void CZelPropList::FitNames() {
 
 void CZelPropList::resizeEvent(QResizeEvent *event) {
     QWidget::resizeEvent(event);
+    layout()->activate(); // the tree has its size first
     // Names are read first: they get what they need, up to three fifths, until the user drags the heading; then they
     // keep their share.
     int const before = event->oldSize().width();

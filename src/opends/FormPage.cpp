@@ -86,6 +86,7 @@ QLabel *MakeText(FormNode const &node) {
 FormPage::FormPage(FormNode const &page, QWidget *parent) : QWidget(parent) {
     auto *lines = new QVBoxLayout(this);
     lines->setSpacing(kSpacing);
+    lines->setContentsMargins(kSpacing, kSpacing, kSpacing, kSpacing);
     AddFlow(page.children, *lines);
     lines->addStretch(1);
 }
@@ -146,8 +147,11 @@ void FormPage::AddTable(FormNode const &table, QBoxLayout &lines) {
         for (FormNode const &cell : row.children) {
             auto *content = new QVBoxLayout;
             content->setContentsMargins(0, 0, 0, 0);
+            // In the middle of its row; an alignment would not let text that wraps have its height.
+            content->addStretch(1);
             AddFlow(cell.children, *content);
-            grid->addLayout(content, rowIndex, column, 1, cell.span, Qt::AlignVCenter);
+            content->addStretch(1);
+            grid->addLayout(content, rowIndex, column, 1, cell.span);
             column += cell.span;
         }
         ++rowIndex;
@@ -218,7 +222,7 @@ QWidget *FormPage::MakeControl(FormNode const &node) {
 
 QWidget *FormPage::MakeSelect(FormNode const &node) {
     auto *box = new QComboBox;
-    box->setMinimumWidth(box->fontMetrics().averageCharWidth() * (kLeastColumns + 4));
+    box->setMinimumWidth(box->fontMetrics().averageCharWidth() * (kLeastColumns + 2));
     for (FormChoice const &choice : node.choices) {
         box->addItem(platform::ToQString(choice.text), platform::ToQString(choice.value));
         if (choice.selected)

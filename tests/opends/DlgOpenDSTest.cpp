@@ -5,6 +5,7 @@
 #include "support/TestFiles.h"
 #include "zelvar/base/DCnfg.h"
 #include "zelvar/controls/CZelComboBox.h"
+#include "zelvar/controls/CZelPropList.h"
 #include "zelvar/data/BDIDrvr.h"
 #include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/data/DriverProvider.h"
@@ -19,6 +20,7 @@
 #include "zelvar/opends/DSPropertyWnd.h"
 #include "zelvar/opends/DataSourceList.h"
 #include "zelvar/opends/HierarchyList.h"
+#include "zelvar/opends/ImageExtraWnd.h"
 #include "zelvar/opends/ImagePreviewWnd.h"
 #include "zelvar/opends/OpenDialogTemplate.h"
 #include "zelvar/opends/SplitterBar.h"
@@ -30,8 +32,10 @@
 #include <QtTest/QTest>
 #include <QtWidgets/QAbstractItemView>
 #include <QtWidgets/QCheckBox>
+#include <QtWidgets/QHeaderView>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QPushButton>
+#include <QtWidgets/QScrollBar>
 
 #include <gtest/gtest.h>
 
@@ -475,6 +479,10 @@ TEST_F(OpenDialog, OptionsOfTheFormatGoIntoTheMoniker) {
         ClickRow(*dialog->MainList(), "grey.tif");
         ASSERT_TRUE(test::Eventually([&] { return dialog->PropertyWnd()->GetActiveTab() == 2; }));
         dialog->PropertyWnd()->findChild<QLineEdit *>("GEOREF_SOURCES")->setText("INTERNAL");
+        EXPECT_TRUE(test::Eventually([&] {
+            ImageExtraWnd const &page = *dialog->PropertyWnd()->Extra();
+            return page.horizontalScrollBar()->maximum() == 0 && page.verticalScrollBar()->maximum() == 0;
+        })) << "the page fits its pane";
         test::Shot(*dialog, "DlgOpenDS-options");
         ASSERT_TRUE(test::Eventually([&] { return Button(*dialog, kOkId)->isEnabled(); }));
         test::Click(Button(*dialog, kOkId)); // without Apply
@@ -484,23 +492,26 @@ TEST_F(OpenDialog, OptionsOfTheFormatGoIntoTheMoniker) {
               folder / "grey.tif" + "?GEOREF_SOURCES=INTERNAL&NUM_THREADS=1");
 }
 
-TEST_F(OpenDialog, ItsStatesLookRight) {
+TEST_F(OpenDialog, LongNamesAndAllItsStatesHaveRoom) {
     folder.Folder("a folder with quite a long name & a mark");
     DialogPtr const dialog = Make();
     dialog->SetInitDir((folder / "a folder with quite a long name & a mark").c_str());
-    folder.Write("a folder with quite a long name & a mark/first of many.tif", "x");
+    test::WriteImage(folder / "a folder with quite a long name & a mark/first of many.tif", {.channels = 3});
     Run(*dialog, [&] {
         DSListCtrl &list = *dialog->MainList();
-        std::vector<DSButton *> const buttons = dialog->PathRow().Buttons();
         ASSERT_TRUE(test::Eventually([&] { return dialog->PathRow().LastShown() != nullptr; }));
         test::Shot(*dialog, "DlgOpenDS-long-names");
         dialog->resize(dialog->minimumSize());
         QCoreApplication::processEvents();
         ClickRow(list, "first of many.tif");
+        EXPECT_TRUE(test::Eventually([&] { return dialog->PropertyWnd()->Preview()->GetMode() == 0; }));
         test::Shot(*dialog, "DlgOpenDS-narrow");
         dialog->PropertyWnd()->SetActiveTab(1);
-        EXPECT_TRUE(test::Eventually([&] { return dialog->PropertyWnd()->Preview()->GetMode() == 2; }));
         test::Shot(*dialog, "DlgOpenDS-properties");
+        QTreeWidget const &tree = dialog->PropertyWnd()->Properties()->Tree();
+        QCoreApplication::processEvents();
+        EXPECT_FALSE(tree.horizontalScrollBar()->isVisible());
+        EXPECT_EQ(tree.header()->length(), tree.viewport()->width()) << "names and values share the pane";
         auto *types = GetDlgItem<CZelComboBox>(*dialog, kFileTypeId);
         types->showPopup();
         test::Shot(*types->view()->window(), "DlgOpenDS-file-types");

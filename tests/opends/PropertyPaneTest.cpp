@@ -228,15 +228,16 @@ TEST_F(PropertyPane, AnOptionPageNarrowsToItsPaneInsteadOfScrollingSideways) {
     page.show();
     auto const *const level = page.findChild<QLineEdit *>("level");
     ASSERT_NE(level, nullptr);
-    page.resize(700, 400);
+    auto const chars = [&page](int count) { return page.fontMetrics().averageCharWidth() * count; };
+    page.resize(chars(130), 400);
     QCoreApplication::processEvents();
     int const wide = level->width();
     EXPECT_LT(level->mapTo(&page, QPoint()).y(), 80);
     auto const *const operation = page.findChild<QComboBox *>("level.op");
     EXPECT_GT(operation->mapTo(&page, QPoint()).x(), level->mapTo(&page, QPoint()).x() + wide) << "in one line";
     test::Shot(page, "ImageExtraWnd-wide");
-    for (int const width : {260, 190}) {
-        page.resize(width, 400);
+    for (int const width : {45, 33}) {
+        page.resize(chars(width), 400);
         QCoreApplication::processEvents();
         test::Shot(page, QString("ImageExtraWnd-%1").arg(width));
         EXPECT_EQ(page.horizontalScrollBar()->maximum(), 0) << width;
@@ -244,6 +245,9 @@ TEST_F(PropertyPane, AnOptionPageNarrowsToItsPaneInsteadOfScrollingSideways) {
         std::vector<QRect> places;
         for (QWidget const *part : content.findChildren<QWidget *>(Qt::FindDirectChildrenOnly)) {
             EXPECT_LE(part->geometry().right(), content.width()) << width;
+            if (part->hasHeightForWidth()) {
+                EXPECT_GE(part->height(), part->heightForWidth(part->width())) << width << ": its text is cut";
+            }
             for (QRect const &other : places)
                 EXPECT_FALSE(other.intersects(part->geometry())) << width << ": they overlap";
             places.push_back(part->geometry());
