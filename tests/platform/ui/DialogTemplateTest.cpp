@@ -5,12 +5,16 @@
 #include "zelvar/platform/ui/EllipsisLabel.h"
 
 #include <QtGui/QFont>
+#include <QtGui/QHelpEvent>
+#include <QtGui/QTextDocument>
+#include <QtWidgets/QApplication>
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QDialog>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QListWidget>
 #include <QtWidgets/QPushButton>
+#include <QtWidgets/QToolTip>
 
 #include <gtest/gtest.h>
 
@@ -79,6 +83,69 @@ TEST_P(BuiltDialog, AComboIsAsHighAsAnEditAndNamedByTheLabelAboveIt) {
     EXPECT_EQ(edit->accessibleName(), QStringLiteral("File Name Filter"));
 }
 
+TEST(DialogTemplate, EachKindIsTheControlThatItsNameSays) {
+    struct Case {
+        ControlKind kind;
+        char const *className;
+        bool (*holds)(QWidget &control);
+    };
+    Case const cases[] = {
+        {ControlKind::Button, "QPushButton", [](QWidget &w) { return !static_cast<QPushButton &>(w).isDefault(); }},
+        {ControlKind::DefaultButton, "QPushButton",
+         [](QWidget &w) { return static_cast<QPushButton &>(w).isDefault(); }},
+        {ControlKind::CheckButton, "QPushButton",
+         [](QWidget &w) { return static_cast<QPushButton &>(w).isCheckable(); }},
+        {ControlKind::RadioButton, "QRadioButton", nullptr},
+        {ControlKind::RightLabel, "QLabel",
+         [](QWidget &w) { return static_cast<QLabel &>(w).alignment().testFlag(Qt::AlignRight); }},
+        {ControlKind::Edit, "QLineEdit", [](QWidget &w) { return !static_cast<QLineEdit &>(w).isReadOnly(); }},
+        {ControlKind::ReadOnlyEdit, "QLineEdit", [](QWidget &w) { return static_cast<QLineEdit &>(w).isReadOnly(); }},
+        {ControlKind::MultiLineEdit, "QPlainTextEdit", nullptr},
+        {ControlKind::Combo, "QComboBox", [](QWidget &w) { return static_cast<QComboBox &>(w).isEditable(); }},
+        {ControlKind::DropDownList, "QComboBox", [](QWidget &w) { return !static_cast<QComboBox &>(w).isEditable(); }},
+        {ControlKind::Group, "QGroupBox", nullptr},
+        {ControlKind::Progress, "QProgressBar", nullptr},
+    };
+    for (Case const &c : cases) {
+        SCOPED_TRACE(static_cast<int>(c.kind));
+        DialogItem const items[] = {{.id = 5, .kind = c.kind, .text = "<b>&Text</b>", .w = 60, .h = 40}};
+        QDialog dialog;
+        BuildDialog(dialog, {.width = 100, .height = 50, .items = items});
+        QWidget *const control = GetDlgItem(dialog, 5);
+        ASSERT_NE(control, nullptr);
+        EXPECT_STREQ(control->metaObject()->className(), c.className);
+        EXPECT_TRUE(c.holds == nullptr || c.holds(*control));
+        if (auto const *label = qobject_cast<QLabel *>(control)) {
+            EXPECT_EQ(label->textFormat(), Qt::PlainText);
+        }
+    }
+}
+
+TEST(DialogTemplate, TheRoomOfAComboIsThatOfItsListAndEntriesDoNotWidenIt) {
+    DialogItem const items[] = {{.id = 1, .kind = ControlKind::DropDownList, .w = 60, .h = 14},
+                                {.id = 2, .kind = ControlKind::DropDownList, .y = 20, .w = 60, .h = 20},
+                                {.id = 3, .kind = ControlKind::DropDownList, .y = 40, .w = 60, .h = 140}};
+    QDialog dialog;
+    BuildDialog(dialog, {.width = 100, .height = 60, .items = items});
+    auto *const low = GetDlgItem<QComboBox>(dialog, 2);
+    auto *const high = GetDlgItem<QComboBox>(dialog, 3);
+    EXPECT_EQ(low->maxVisibleItems(), 3);
+    EXPECT_GT(high->maxVisibleItems(), 8);
+    EXPECT_EQ(low->height(), GetDlgItem(dialog, 1)->height());
+    EXPECT_EQ(high->height(), low->height());
+    int const width = high->width();
+    high->addItem(QString(500, u'W'));
+    dialog.show();
+    EXPECT_EQ(high->width(), width);
+}
+
+TEST(DialogTemplate, AnEmptyOneIsADialogWithoutControls) {
+    QDialog dialog;
+    BuildDialog(dialog, {});
+    EXPECT_TRUE(dialog.findChildren<QWidget *>(QString(), Qt::FindDirectChildrenOnly).isEmpty());
+    EXPECT_EQ(MapDialogRect(dialog, {-8, -16, 0, 0}).left, -2 * DialogBaseUnits(dialog.font()).cx);
+}
+
 TEST(DialogTemplate, AFactoryMayMakeAControl) {
     QDialog dialog;
     BuildDialog(dialog, kTemplate, [](QWidget &, DialogItem const &item) -> QWidget * {
@@ -103,6 +170,27 @@ TEST(EllipsisLabel, TextIsCutWhereItDoesNotFit) {
     EXPECT_EQ(label.ShownText(), label.Text());
     label.resize(label.width() - 1, label.height());
     EXPECT_TRUE(label.ShownText().endsWith(QChar(0x2026)));
+}
+
+TEST(EllipsisLabel, TheWholeTextIsTheTipOfACutOneAndIsNotMarkup) {
+    EllipsisLabel label;
+    label.SetText(QStringLiteral("<b>a name</b> & another"));
+    label.resize(label.sizeHint().width() / 2, label.sizeHint().height());
+    label.show();
+    QPoint const inside(2, 2);
+    QHelpEvent ask(QEvent::ToolTip, inside, label.mapToGlobal(inside));
+    QApplication::sendEvent(&label, &ask);
+    QTextDocument tip; // reads the tip as the toolkit does
+    ASSERT_TRUE(Qt::mightBeRichText(QToolTip::text()));
+    tip.setHtml(QToolTip::text());
+    EXPECT_EQ(tip.toPlainText(), label.Text());
+    QToolTip::hideText();
+    EXPECT_EQ(label.accessibleName(), label.Text());
+    label.SetText(QStringLiteral("one\ntwo"));
+    label.resize(300, label.height());
+    EXPECT_EQ(label.ShownText(), QStringLiteral("one two"));
+    label.SetText({});
+    EXPECT_EQ(label.ShownText(), QString());
 }
 
 } // namespace

@@ -15,6 +15,7 @@
 #include <gtest/gtest.h>
 
 #include <thread>
+#include <vector>
 
 namespace zelvar::platform {
 namespace {
@@ -103,6 +104,25 @@ TEST(UserMessages, AWarningFromAnyThreadBecomesABox) {
     std::thread([] { Report::UserWarning("<b>%d</b> files", 3); }).join();
     EXPECT_TRUE(test::Eventually([&] { return *seen && QApplication::activeModalWidget() == nullptr; }));
     EXPECT_EQ(text, QStringLiteral("<b>3</b> files")); // plain text: names are not markup
+    RemoveUserMessages();
+}
+
+TEST(UserMessages, MessagesOfAWorkerComeInItsOrderWithTheirSeverity) {
+    InstallUserMessages();
+    std::vector<DString> texts;
+    SetUserMessageHook([&texts](Report::Severity severity, DString const &text) {
+        texts.push_back((severity == Report::Severity::Warning ? "!" : "") + text);
+        return true;
+    });
+    std::thread([] {
+        for (int i = 0; i < 50; ++i)
+            i % 2 == 0 ? Report::UserWarning("%d", i) : Report::UserNotification("%d", i);
+    }).join();
+    EXPECT_TRUE(texts.empty()) << "shown on the worker's thread";
+    EXPECT_TRUE(test::Eventually([&] { return texts.size() == 50; }));
+    for (int i = 0; i < static_cast<int>(texts.size()); ++i)
+        EXPECT_EQ(texts[static_cast<std::size_t>(i)], (i % 2 == 0 ? "!" : "") + std::to_string(i));
+    SetUserMessageHook({});
     RemoveUserMessages();
 }
 

@@ -96,6 +96,75 @@ TEST(Pictures, AFileIsReadByTheBytesOfItsNameAndANameOfNothingShowsAPlainFile) {
     EXPECT_EQ(Picture({.name = "no-such-icon-anywhere", .fallback = "unheard-of"}, 1).toImage(), plain);
 }
 
+TEST(Pictures, WhatIsNoPictureShowsAPlainFile) {
+    QImage const plain = ResourcePicture(QStringLiteral("file"), 1).toImage();
+    test::TempFolder const folder;
+    struct Case {
+        char const *name;
+        std::string bytes;
+    };
+    Case const cases[] = {
+        {"empty.png", ""},
+        {"text.png", "no picture"},
+        {"cut.png", "\x89PNG\r\n\x1A\n"},
+        {"cut.bmp", "BM" + std::string(60, '\xFF')},
+        {"huge.png", std::string(std::size_t{5} << 20U, 'x')},
+    };
+    for (Case const &c : cases)
+        EXPECT_EQ(Picture({.kind = ImageDescription::Kind::File, .name = folder.Write(c.name, c.bytes)}, 1).toImage(),
+                  plain)
+            << c.name;
+    EXPECT_EQ(Picture({.kind = ImageDescription::Kind::File, .name = folder.Path()}, 1).toImage(), plain);
+    EXPECT_EQ(Picture({.kind = ImageDescription::Kind::Strip, .name = "drive", .index = -1}, 1).toImage(), plain);
+    EXPECT_EQ(Picture({.kind = ImageDescription::Kind::Strip, .name = "../../etc"}, 1).toImage(), plain);
+    EXPECT_EQ(Picture({}, 1).toImage(), plain);
+}
+
+TEST(Pictures, AnOblongFileIsFittedWithItsShapeKept) {
+    QImage wide(40, 10, QImage::Format_RGB32);
+    wide.fill(Qt::red);
+    QByteArray png;
+    QBuffer buffer(&png);
+    ASSERT_TRUE(wide.save(&buffer, "PNG"));
+    test::TempFolder const folder;
+    std::string const path = folder.Write("wide.png", {png.constData(), static_cast<std::size_t>(png.size())});
+    QImage const image = Picture({.kind = ImageDescription::Kind::File, .name = path}, 2).toImage();
+    EXPECT_EQ(image.size(), QSize(32, 32));
+    EXPECT_EQ(image.pixelColor(16, 16), QColor(Qt::red));
+    EXPECT_EQ(image.pixelColor(16, 8).alpha(), 0);
+    EXPECT_EQ(image.pixelColor(1, 16), QColor(Qt::red));
+}
+
+TEST(Pictures, TheMarkOfALinkCoversTheLowerLeftCornerAndNothingElse) {
+    for (qreal const ratio : {1.0, 1.25, 2.0}) {
+        SCOPED_TRACE(ratio);
+        QImage const bare = Picture({.name = "no-such", .fallback = "folder"}, ratio).toImage();
+        QImage const link = Picture({.name = "no-such", .fallback = "folder", .linkOverlay = true}, ratio).toImage();
+        ASSERT_EQ(link.size(), bare.size());
+        EXPECT_EQ(bare.width(), static_cast<int>(16 * ratio));
+        int const half = bare.width() / 2;
+        QRect const corner(0, half, half, bare.height() - half);
+        EXPECT_NE(link.copy(corner), bare.copy(corner));
+        QRect const opposite(half + 2, 0, bare.width() - half - 2, half - 2);
+        EXPECT_EQ(link.copy(opposite), bare.copy(opposite));
+    }
+}
+
+TEST(Pictures, ADisabledIconIsPaler) {
+    QIcon const icon = ResourceIcon(QStringLiteral("stop"));
+    auto const ink = [&icon](QIcon::Mode mode) {
+        QImage const image = icon.pixmap(QSize(24, 24), 1, mode).toImage().convertToFormat(QImage::Format_ARGB32);
+        long total = 0;
+        for (int y = 0; y < image.height(); ++y)
+            for (int x = 0; x < image.width(); ++x)
+                total += qAlpha(image.pixel(x, y));
+        return total;
+    };
+    EXPECT_GT(ink(QIcon::Normal), 0);
+    EXPECT_GT(ink(QIcon::Disabled), 0);
+    EXPECT_LT(ink(QIcon::Disabled), ink(QIcon::Normal) / 2);
+}
+
 TEST(Text, BytesThatAreNotTextShowAsReplacementCharacters) {
     EXPECT_EQ(ToQString("caf\xc3\xa9"), QStringLiteral("caf\u00e9"));
     EXPECT_EQ(ToQString("a\xff"
