@@ -4,8 +4,7 @@ set -uo pipefail
 cd "$(dirname "$0")/.." || exit
 command -v clang-tidy >/dev/null || tools/setup.sh clang-tidy
 # A configuration of its own: the compiler's precompiled header means nothing to clang.
-[ -f build/tidy/compile_commands.json ] ||
-  cmake --preset dev -B build/tidy -DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON >/dev/null
+cmake --preset dev -B build/tidy -DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON >/dev/null || exit 2
 base=${TIDY_BASE:-$(git merge-base HEAD origin/main 2>/dev/null || git rev-list --max-parents=0 HEAD | tail -1)}
 if [ $# -gt 0 ]; then files=$(printf '%s\n' "$@")
 elif [ -n "${TIDY_ALL:-}" ]; then files=$(git ls-files '*.cpp')

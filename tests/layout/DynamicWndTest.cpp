@@ -3,6 +3,7 @@
 #include "zelvar/layout/cdxCDynamicWnd.h"
 #include "zelvar/platform/ui/ControlId.h"
 
+#include <QtCore/QCoreApplication>
 #include <QtCore/QEvent>
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QScrollArea>
@@ -19,7 +20,7 @@ namespace {
 /// An engine with its protected members open, and a table of its own.
 class Engine : public cdxCDynamicWnd {
 public:
-    using cdxCDynamicWnd::__dynEntry;
+    using cdxCDynamicWnd::__dynEntry; // NOLINT(bugprone-reserved-identifier): the given name
     using cdxCDynamicWnd::DoCreateLayoutInfo;
     using cdxCDynamicWnd::m_bIsAntiFlickering;
     using cdxCDynamicWnd::m_bUseScrollPos;

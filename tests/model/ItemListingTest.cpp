@@ -13,7 +13,6 @@ namespace zelvar {
 namespace {
 
 using testing::ElementsAre;
-using testing::UnorderedElementsAre;
 
 class ItemListingTest : public testing::Test {
 protected:

@@ -15,7 +15,6 @@ using platform::ShellId;
 using platform::ShellKind;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::UnorderedElementsAre;
 
 class CountingCancel : public DataSourceItem::ICancel {
 public:

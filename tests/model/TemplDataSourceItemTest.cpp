@@ -18,7 +18,6 @@ namespace {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
 
 /// Keeps what the log was told.
 class LogKeeper {

@@ -26,7 +26,7 @@ TEST(DialogState, TypedPathsAreFixedUpToTheFirstColonOrQuestionMark) {
     Case const cases[] = {
         {"", PathStyle::Windows(), ""},
         {"  /home/a b/ \t", PathStyle::Native(), "/home/a b/"},
-        {"//server/share/x", PathStyle::Windows(), "\\\\server\\share\\x"},
+        {"//server/share/x", PathStyle::Windows(), R"(\\server\share\x)"},
         {"dir/a?b/c", PathStyle::Windows(), "dir\\a?b/c"},
         {"http://host/x", PathStyle::Windows(), "http://host/x"},
         {"http://host/x", PathStyle::Native(), "http://host/x"},

@@ -81,7 +81,7 @@ protected:
         return dialog;
     }
     /// Runs the dialog, does `act` once the main list has rows, and closes it if `act` did not.
-    int Run(DlgOpenDS &dialog, std::function<void()> const &act) {
+    static int Run(DlgOpenDS &dialog, std::function<void()> const &act) {
         QTimer look;
         bool done = false;
         QObject::connect(&look, &QTimer::timeout, &look, [&] {

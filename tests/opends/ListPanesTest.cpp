@@ -51,7 +51,7 @@ protected:
     void TearDown() override { platform::ShellNamespace::SetCurrent(nullptr); }
 
     static RefItemPtr<DataSourceItem> Item(char const *path) {
-        return RefItemPtr<DataSourceItem>(NtwDataSourceItem::CreateItem(path, nullptr, nullptr));
+        return {NtwDataSourceItem::CreateItem(path, nullptr, nullptr)};
     }
     std::unique_ptr<DSListCtrl> List(DSListCtrl::Mode mode) {
         auto list = std::make_unique<DSListCtrl>();

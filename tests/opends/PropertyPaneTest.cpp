@@ -9,6 +9,7 @@
 #include "zelvar/opends/ImageExtraWnd.h"
 #include "zelvar/opends/ImagePreviewWnd.h"
 
+#include <QtCore/QCoreApplication>
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QPushButton>
@@ -39,7 +40,7 @@ private:
     DString m_path;
 };
 
-RefItemPtr<DataSourceItem> Item(DString path) { return RefItemPtr<DataSourceItem>(new PathItem(std::move(path))); }
+RefItemPtr<DataSourceItem> Item(DString path) { return {new PathItem(std::move(path))}; }
 
 /// Receives what the pane tells its coordinator.
 class Coordinator : public QObject {
@@ -83,7 +84,7 @@ protected:
                     return prop->GetValue();
         return "no such row";
     }
-    bool Settles() const {
+    [[nodiscard]] bool Settles() const {
         return test::Eventually([&] { return !pane->IsReading() && pane->Preview()->GetMode() != 1; });
     }
 

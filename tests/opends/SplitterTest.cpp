@@ -31,7 +31,9 @@ std::unique_ptr<DSplitterWnd> Columns(int count, DSplitterWnd::PaneOwner *owner 
 }
 
 int Current(DSplitterWnd const &splitter, int col) {
-    int cur = 0, ideal = 0, min = 0;
+    int cur = 0;
+    int ideal = 0;
+    int min = 0;
     splitter.GetColumnInfo(col, cur, ideal, min);
     return cur;
 }

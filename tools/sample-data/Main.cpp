@@ -86,9 +86,11 @@ void WriteMaps(std::string const &folder) {
     GDALDestroyColorTable(table);
     Georeference(cover.get(), 7.0, 47.0, 0.0001);
     // Each class is a patch of 15 * 15 pixels: a map of that size from a smaller one.
-    std::vector<std::uint8_t> small(400 * 400);
-    for (std::size_t i = 0; i < small.size(); ++i)
-        small[i] = LandCoverOf(hills.At(static_cast<double>(i % 400) * 1.5, static_cast<double>(i / 400) * 1.25));
+    std::vector<std::uint8_t> small(std::size_t{400} * 400);
+    for (std::size_t i = 0; i < small.size(); ++i) {
+        std::size_t const row = i / 400;
+        small[i] = LandCoverOf(hills.At(static_cast<double>(i % 400) * 1.5, static_cast<double>(row) * 1.25));
+    }
     Finish(
         std::move(cover), 6000, 6000,
         [&](int, int x, int y) {
@@ -249,7 +251,7 @@ void WriteDefinitions(std::string const &folder, std::string const &images) {
 
 void WriteTemplates(std::string const &folder) {
     constexpr char const *kSvg =
-        "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"16\" height=\"16\" viewBox=\"0 0 16 16\">";
+        R"(<svg xmlns="http://www.w3.org/2000/svg" width="16" height="16" viewBox="0 0 16 16">)";
     WriteText(folder + "/source.svg", std::string(kSvg) + "<ellipse cx=\"8\" cy=\"3.5\" rx=\"6\" ry=\"2.5\" "
                                                           "fill=\"#9cc3e6\" stroke=\"#2f5d87\"/><path d=\"M2 3.5v9c0 "
                                                           "1.4 2.7 2.5 6 2.5s6-1.1 6-2.5v-9c0 1.4-2.7 2.5-6 2.5S2 4.9 "
