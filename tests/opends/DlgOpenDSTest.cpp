@@ -481,7 +481,8 @@ TEST_F(OpenDialog, OptionsOfTheFormatGoIntoTheMoniker) {
         dialog->PropertyWnd()->findChild<QLineEdit *>("GEOREF_SOURCES")->setText("INTERNAL");
         EXPECT_TRUE(test::Eventually([&] {
             ImageExtraWnd const &page = *dialog->PropertyWnd()->Extra();
-            return page.horizontalScrollBar()->maximum() == 0 && page.verticalScrollBar()->maximum() == 0;
+            return page.isVisible() && !page.horizontalScrollBar()->isVisible() &&
+                   !page.verticalScrollBar()->isVisible();
         })) << "the page fits its pane";
         test::Shot(*dialog, "DlgOpenDS-options");
         ASSERT_TRUE(test::Eventually([&] { return Button(*dialog, kOkId)->isEnabled(); }));
