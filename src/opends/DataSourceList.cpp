@@ -14,7 +14,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <ranges>
 
 namespace zelvar {
 
@@ -168,9 +167,10 @@ bool DataSourceList::OnContextMenu(QPoint screenPoint) {
 }
 
 void DataSourceList::OnDeleteFavorite() {
-    std::vector<int> const rows = SelectedFavorites();
+    std::vector<int> rows = SelectedFavorites();
     // From the last on, so that the numbers of the rows before stay valid.
-    for (int const row : rows | std::views::reverse) {
+    std::reverse(rows.begin(), rows.end());
+    for (int const row : rows) {
         RemoveFavoriteDir(ItemAt(row)->GetPath());
         m_rows.erase(m_rows.begin() + row);
         DeleteItem(row);

@@ -35,7 +35,8 @@ TEST(IntervalSet, RangesThatTouchOrOverlapMelt) {
 
 TEST(IntervalSet, PiecesOfARangeAreItsMembersOrItsGaps) {
     IntervalSet const set = Of({{2, 4}, {8, 9}});
-    Pieces in, out;
+    Pieces in;
+    Pieces out;
     set.ForEachPiece(3, 8, true, [&](int first, int last) { in.emplace_back(first, last); });
     set.ForEachPiece(3, 12, false, [&](int first, int last) { out.emplace_back(first, last); });
     EXPECT_EQ(in, (Pieces{{3, 4}, {8, 8}}));
@@ -57,7 +58,9 @@ TEST(IntervalSet, BehavesAsAPlainSetUnderRandomWork) {
     IntervalSet set;
     std::set<int> plain;
     for (int step = 0; step < 4000; ++step) {
-        int const first = pick(60), last = first + pick(10), action = pick(4);
+        int const first = pick(60);
+        int const last = first + pick(10);
+        int const action = pick(4);
         std::set<int> next;
         for (int const row : plain) {
             if (action == 2)
