@@ -5,6 +5,7 @@
 #     DEPENDS  platform_ui layout_core     # part of this module's headers
 #     PRIVATE  settings                    # used by its .cpp files only
 #     EXTERNAL Qt6::Widgets                # other libraries in its headers; EXTERNAL_PRIVATE for the .cpp files only
+#     PRIVATE_HEADERS                      # nothing of it is installed
 #     SOURCES  cdxCDynamicWnd.cpp ...)
 #
 # - A module may only name modules of a lower LAYER: a cycle cannot be written down.
@@ -14,7 +15,7 @@ include(ZelvarWarnings)
 define_property(TARGET PROPERTY ZELVAR_LAYER BRIEF_DOCS "layer of a module" FULL_DOCS "layer of a module")
 
 function(zelvar_module name)
-  cmake_parse_arguments(ARG "QT" "LAYER;FOLDER" "DEPENDS;PRIVATE;EXTERNAL;EXTERNAL_PRIVATE;SOURCES" ${ARGN})
+  cmake_parse_arguments(ARG "QT;PRIVATE_HEADERS" "LAYER;FOLDER" "DEPENDS;PRIVATE;EXTERNAL;EXTERNAL_PRIVATE;SOURCES" ${ARGN})
   if(NOT ARG_FOLDER)
     set(ARG_FOLDER ${name})
   endif()
@@ -51,7 +52,9 @@ function(zelvar_module name)
     file(CREATE_LINK "${CMAKE_CURRENT_SOURCE_DIR}/${header}" "${window}/zelvar/${ARG_FOLDER}/${header}" SYMBOLIC)
   endforeach()
   target_include_directories(zelvar_${name} PUBLIC "${window}")
-  install(FILES ${headers} DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/zelvar/${ARG_FOLDER}" COMPONENT dev)
+  if(NOT ARG_PRIVATE_HEADERS)
+    install(FILES ${headers} DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/zelvar/${ARG_FOLDER}" COMPONENT dev)
+  endif()
 
   if(ZELVAR_DEV)
     zelvar_check_headers(${name} ${ARG_FOLDER} ${headers})

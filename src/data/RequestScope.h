@@ -1,0 +1,62 @@
+#pragma once
+
+#include "zelvar/base/Export.h"
+
+#include <chrono>
+#include <functional>
+#include <optional>
+
+namespace zelvar {
+
+/// What data is asked for; each kind has a budget of its own, see `ReaderSettings`.
+enum class RequestKind {
+    Probe,      ///< is this file a container, an image
+    List,       ///< children of a node
+    Properties, ///< figures of an image
+    Preview,    ///< pixels
+};
+inline constexpr int kRequestKinds = 4;
+
+/// Says, while it lives, what the calling thread asks drivers for. Drivers that bound their work take the time budget
+/// from here: all calls inside one scope share it. Scopes may be nested; the inner one counts.
+///
+/// Probes inside a listing (a scope of kind List around them) share a patience besides: once the probes that came late
+/// have used it up, further ones are only waited for as long as one that finds its answer ready.
+class ZELVAR_API RequestScope {
+public:
+    using Clock = std::chrono::steady_clock;
+    using StopQuestion = std::function<bool()>;
+
+    /// `isStopped` may be empty; it is asked on this thread, every few milliseconds while a driver is waited for.
+    explicit RequestScope(RequestKind kind, StopQuestion isStopped = {});
+    ~RequestScope();
+    RequestScope(RequestScope const &) = delete;
+    RequestScope &operator=(RequestScope const &) = delete;
+
+    /// The innermost scope of this thread, or null.
+    [[nodiscard]] static RequestScope *Current();
+
+    [[nodiscard]] RequestKind Kind() const { return m_kind; }
+    [[nodiscard]] Clock::time_point Begin() const { return m_begin; }
+    /// Whether this scope or one around it wants to end.
+    [[nodiscard]] bool IsStopped() const;
+
+    /// A driver says that it gave up on a call inside this scope, without an answer.
+    void SetUnanswered() { m_unanswered = true; }
+    /// Whether one did: then "no" means "not known".
+    [[nodiscard]] bool IsUnanswered() const { return m_unanswered; }
+
+    /// The listing around this scope, or null.
+    [[nodiscard]] RequestScope *Listing();
+    /// Of a listing: time that its probes have spent for nothing.
+    std::chrono::milliseconds wasted{0};
+
+private:
+    RequestScope *m_outer;
+    RequestKind m_kind;
+    StopQuestion m_isStopped;
+    Clock::time_point m_begin;
+    bool m_unanswered = false;
+};
+
+} // namespace zelvar

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "zelvar/base/DString.h"
+#include "zelvar/data/RequestScope.h"
+
+#include <array>
+#include <chrono>
+#include <cstdint>
+#include <vector>
+
+namespace zelvar {
+
+/// What one request may cost.
+struct RequestBudget {
+    std::chrono::milliseconds time;
+    std::uint64_t memory; ///< bytes above what the reader holds already
+};
+
+/// How data is read in processes of their own. The defaults serve a person who browses.
+struct ReaderSettings {
+    static constexpr std::uint64_t kMebibyte = std::uint64_t{1} << 20U;
+
+    /// By `RequestKind`.
+    std::array<RequestBudget, kRequestKinds> budgets{{
+        {std::chrono::milliseconds(100), 256 * kMebibyte},     // probe: on the listing thread
+        {std::chrono::milliseconds(30'000), 1024 * kMebibyte}, // list
+        {std::chrono::milliseconds(30'000), 1024 * kMebibyte}, // properties
+        {std::chrono::milliseconds(60'000), 2048 * kMebibyte}, // preview
+    }};
+    /// Time that the late probes of one listing may waste together.
+    std::chrono::milliseconds patience{150};
+    /// A probe that stands alone, outside a listing: somebody has selected or entered that one item.
+    std::chrono::milliseconds loneProbe{10'000};
+    /// Readers for probes and listings, and readers for properties and pixels, at least one each. Those that reach the
+    /// network are counted apart.
+    int listingReaders = 2;
+    int imageReaders = 3;
+    /// The program; empty for the installed one.
+    DString program;
+    /// Modules that it loads drivers from; empty for the installed one. Each has the entry `zelvar_register_drivers`.
+    std::vector<DString> modules;
+
+    [[nodiscard]] RequestBudget const &BudgetOf(RequestKind kind) const {
+        return budgets[static_cast<std::size_t>(kind)];
+    }
+};
+
+} // namespace zelvar

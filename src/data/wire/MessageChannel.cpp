@@ -1,0 +1,160 @@
+#include "zelvar/data/wire/MessageChannel.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <utility>
+
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/uio.h>
+
+namespace zelvar::wire {
+
+namespace {
+
+constexpr std::uint32_t kMark = 0x5A4C5652;
+constexpr std::size_t kFirstBody = std::size_t{1} << 20U; // taken before any of a message has come; then it doubles
+
+/// Room for one descriptor beside a message.
+union FileNote {
+    cmsghdr align;
+    std::array<char, CMSG_SPACE(sizeof(int))> bytes;
+};
+
+/// The descriptor in what was received; any others are closed. -1 if there is none.
+int TakeFile(msghdr &message) {
+    int taken = -1;
+    for (cmsghdr *note = CMSG_FIRSTHDR(&message); note != nullptr; note = CMSG_NXTHDR(&message, note)) {
+        if (note->cmsg_level != SOL_SOCKET || note->cmsg_type != SCM_RIGHTS)
+            continue;
+        std::size_t const count = (note->cmsg_len - CMSG_LEN(0)) / sizeof(int);
+        for (std::size_t i = 0; i < count; ++i) {
+            int file = -1;
+            std::memcpy(&file, CMSG_DATA(note) + i * sizeof(int), sizeof file);
+            if (std::exchange(taken, file) >= 0)
+                close(taken);
+        }
+    }
+    return taken;
+}
+
+} // namespace
+
+MessageChannel::MessageChannel(int socket) : m_socket(socket) {}
+
+MessageChannel::~MessageChannel() {
+    if (m_file >= 0)
+        close(m_file);
+}
+
+MessageChannel::Result MessageChannel::WaitFor(short events, Clock::time_point deadline) const {
+    while (true) {
+        int timeout = -1;
+        if (deadline != Forever()) {
+            auto const left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now()).count();
+            timeout = static_cast<int>(std::clamp<std::int64_t>(left, 0, 1'000'000));
+        }
+        pollfd wanted{.fd = m_socket.Get(), .events = events, .revents = 0};
+        int const count = poll(&wanted, 1, timeout);
+        if (count > 0)
+            return (wanted.revents & (events | POLLHUP)) != 0 ? Result::Done : Result::Gone;
+        if (count == 0)
+            return Result::Late;
+        if (errno != EINTR)
+            return Result::Gone;
+    }
+}
+
+MessageChannel::Result MessageChannel::Send(std::span<std::uint8_t const> message, int file,
+                                            Clock::time_point deadline) {
+    Head head{.mark = kMark, .length = static_cast<std::uint32_t>(message.size())};
+    std::size_t const total = sizeof head + message.size();
+    if (message.size() > kLongest)
+        return Result::Damaged;
+    for (std::size_t done = 0; done < total;) {
+        std::array<iovec, 2> parts{};
+        std::size_t const headLeft = done < sizeof head ? sizeof head - done : 0;
+        std::size_t const bodyDone = done < sizeof head ? 0 : done - sizeof head;
+        parts[0] = {reinterpret_cast<char *>(&head) + (sizeof head - headLeft), headLeft};
+        parts[1] = {const_cast<std::uint8_t *>(message.data()) + bodyDone, message.size() - bodyDone};
+        msghdr out{};
+        out.msg_iov = parts.data();
+        out.msg_iovlen = parts.size();
+        FileNote note{};
+        if (file >= 0 && done == 0) {
+            out.msg_control = note.bytes.data();
+            out.msg_controllen = note.bytes.size();
+            cmsghdr *const rights = CMSG_FIRSTHDR(&out);
+            rights->cmsg_level = SOL_SOCKET;
+            rights->cmsg_type = SCM_RIGHTS;
+            rights->cmsg_len = CMSG_LEN(sizeof file);
+            std::memcpy(CMSG_DATA(rights), &file, sizeof file);
+        }
+        ssize_t const sent = sendmsg(m_socket.Get(), &out, MSG_NOSIGNAL | MSG_DONTWAIT);
+        if (sent > 0) {
+            done += static_cast<std::size_t>(sent);
+        } else if (sent < 0 && (errno == EAGAIN || errno == ENOBUFS)) {
+            if (Result const waited = WaitFor(POLLOUT, deadline); waited != Result::Done)
+                return waited;
+        } else if (sent == 0 || errno != EINTR) {
+            return Result::Gone;
+        }
+    }
+    return Result::Done;
+}
+
+MessageChannel::Result MessageChannel::ReceiveHead(Clock::time_point deadline) {
+    while (m_headBytes < sizeof m_head) {
+        iovec part{reinterpret_cast<char *>(&m_head) + m_headBytes, sizeof m_head - m_headBytes};
+        FileNote note{};
+        msghdr in{};
+        in.msg_iov = &part;
+        in.msg_iovlen = 1;
+        in.msg_control = note.bytes.data();
+        in.msg_controllen = note.bytes.size();
+        ssize_t const got = recvmsg(m_socket.Get(), &in, MSG_DONTWAIT | MSG_CMSG_CLOEXEC);
+        if (got > 0) {
+            if (int const file = TakeFile(in); file >= 0 && std::exchange(m_file, file) >= 0)
+                return Result::Damaged;
+            m_headBytes += static_cast<std::size_t>(got);
+        } else if (got < 0 && errno == EAGAIN) {
+            if (Result const waited = WaitFor(POLLIN, deadline); waited != Result::Done)
+                return waited;
+        } else if (got == 0 || errno != EINTR) {
+            return Result::Gone;
+        }
+    }
+    return m_head.mark == kMark && m_head.length <= kLongest ? Result::Done : Result::Damaged;
+}
+
+MessageChannel::Result MessageChannel::Receive(Bytes &message, int &file, Clock::time_point deadline) {
+    if (Result const head = ReceiveHead(deadline); head != Result::Done)
+        return head;
+    while (m_bodyBytes < m_head.length) {
+        // A length is not believed before as much has come.
+        std::size_t const room = std::min<std::size_t>(m_head.length, std::max(kFirstBody, 2 * m_bodyBytes));
+        if (m_body.size() < room)
+            m_body.resize(room);
+        ssize_t const got =
+            recv(m_socket.Get(), m_body.data() + m_bodyBytes, m_body.size() - m_bodyBytes, MSG_DONTWAIT);
+        if (got > 0) {
+            m_bodyBytes += static_cast<std::size_t>(got);
+        } else if (got < 0 && errno == EAGAIN) {
+            if (Result const waited = WaitFor(POLLIN, deadline); waited != Result::Done)
+                return waited;
+        } else if (got == 0 || errno != EINTR) {
+            return Result::Gone;
+        }
+    }
+    m_body.resize(m_head.length);
+    message.swap(m_body);
+    m_body.clear();
+    m_headBytes = 0;
+    m_bodyBytes = 0;
+    file = std::exchange(m_file, -1);
+    return Result::Done;
+}
+
+} // namespace zelvar::wire
