@@ -1,6 +1,7 @@
 #include "zelvar/data/ImageReader.h"
 
 #include "zelvar/data/RDIDriverMngr.h"
+#include "zelvar/data/RequestScope.h"
 #include "zelvar/drawing/core/ScaleDataBuf.h"
 
 #include <algorithm>
@@ -115,6 +116,7 @@ bool ReadPicture(OpenImage const &image, StopSignal const *stop, DCanvas &canvas
 } // namespace
 
 bool ReadImageInfo(BDIMoniker const &moniker, DString const &driverId, StopSignal const *stop, ImageInfo &info) {
+    RequestScope const scope(RequestKind::Properties);
     OpenImage const image(moniker, driverId, stop);
     if (!image.IsOpen())
         return false;
@@ -123,6 +125,7 @@ bool ReadImageInfo(BDIMoniker const &moniker, DString const &driverId, StopSigna
 }
 
 bool ReadPreview(BDIMoniker const &moniker, DString const &driverId, StopSignal const *stop, DCanvas &picture) {
+    RequestScope const scope(RequestKind::Preview);
     DCanvas canvas;
     bool read = false;
     try {

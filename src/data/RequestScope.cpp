@@ -10,8 +10,9 @@ thread_local RequestScope *t_current = nullptr;
 
 } // namespace
 
-RequestScope::RequestScope(RequestKind kind, StopQuestion isStopped)
-    : m_outer(std::exchange(t_current, this)), m_kind(kind), m_isStopped(std::move(isStopped)), m_begin(Clock::now()) {}
+RequestScope::RequestScope(RequestKind kind, StopQuestion isStopped, std::optional<std::chrono::milliseconds> time)
+    : m_outer(std::exchange(t_current, this)), m_kind(kind), m_isStopped(std::move(isStopped)), m_time(time),
+      m_begin(Clock::now()) {}
 
 RequestScope::~RequestScope() { t_current = m_outer; }
 

@@ -28,7 +28,9 @@ public:
     using StopQuestion = std::function<bool()>;
 
     /// `isStopped` may be empty; it is asked on this thread, every few milliseconds while a driver is waited for.
-    explicit RequestScope(RequestKind kind, StopQuestion isStopped = {});
+    /// `time` takes the place of the kind's budget.
+    explicit RequestScope(RequestKind kind, StopQuestion isStopped = {},
+                          std::optional<std::chrono::milliseconds> time = {});
     ~RequestScope();
     RequestScope(RequestScope const &) = delete;
     RequestScope &operator=(RequestScope const &) = delete;
@@ -38,6 +40,7 @@ public:
 
     [[nodiscard]] RequestKind Kind() const { return m_kind; }
     [[nodiscard]] Clock::time_point Begin() const { return m_begin; }
+    [[nodiscard]] std::optional<std::chrono::milliseconds> Time() const { return m_time; }
     /// Whether this scope or one around it wants to end.
     [[nodiscard]] bool IsStopped() const;
 
@@ -55,6 +58,7 @@ private:
     RequestScope *m_outer;
     RequestKind m_kind;
     StopQuestion m_isStopped;
+    std::optional<std::chrono::milliseconds> m_time;
     Clock::time_point m_begin;
     bool m_unanswered = false;
 };

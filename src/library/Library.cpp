@@ -1,4 +1,4 @@
-#include "zelvar/data/DriverModule.h"
+#include "zelvar/data/reader/DriverModule.h"
 #include "zelvar/library/ZelvarInit.h"
 #include "zelvar/platform/ui/UserMessages.h"
 
@@ -17,7 +17,7 @@ void ZelvarInit() {
     if (g_started)
         return;
     g_started = true;
-    UseInstalledDrivers();
+    UseReaderDrivers();
     platform::InstallUserMessages();
     // The faces that documents and users' settings name, by those that are there and as wide.
     for (char const *face : {"MS Shell Dlg", "MS Shell Dlg 2", "MS Sans Serif", "Tahoma"})

@@ -1,5 +1,5 @@
 #include "zelvar/data/BDIMoniker.h"
-#include "zelvar/data/DriverModule.h"
+#include "zelvar/data/reader/DriverModule.h"
 #include "zelvar/model/ItemProperties.h"
 #include "zelvar/model/PlaceResolver.h"
 #include "zelvar/tool/Commands.h"
@@ -31,7 +31,7 @@ int RunInfo(std::vector<DString> const &words) {
     std::optional<Arguments> const arguments = ParseArguments(kSpec, words, error);
     if (!arguments)
         return UsageError(kSpec, error);
-    UseInstalledDrivers();
+    UseReaderDrivers();
 
     // The moniker's own options stay with it; a place such as source:NAME is first turned into what it stands for.
     DString const &moniker = arguments->words.front();
@@ -46,6 +46,8 @@ int RunInfo(std::vector<DString> const &words) {
     }
     PropertyMap props;
     bool const isImage = ReadItemProperties(path, driverId, {}, DT_DATA, nullptr, props);
+    if (DString const reason = ReaderFailureOf(path); !reason.empty())
+        return Failure("cannot read '" + moniker + "': " + reason);
     if (props.empty())
         return Failure("cannot open '" + moniker + "'");
     for (PropertyRow const &row : PropertyRows())
@@ -55,7 +57,10 @@ int RunInfo(std::vector<DString> const &words) {
     if (!arguments->values.contains("--preview"))
         return kDone;
     DCanvas canvas;
-    if (!isImage || !ReadItemPreview(path, driverId, {}, nullptr, canvas) || !canvas.HasData()) {
+    bool const hasPreview = isImage && ReadItemPreview(path, driverId, {}, nullptr, canvas) && canvas.HasData();
+    if (DString const reason = ReaderFailureOf(path); !reason.empty())
+        return Failure("cannot read '" + moniker + "': " + reason);
+    if (!hasPreview) {
         std::puts("Preview is not available");
         return kDone;
     }

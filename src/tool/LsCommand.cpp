@@ -1,4 +1,4 @@
-#include "zelvar/data/DriverModule.h"
+#include "zelvar/data/reader/DriverModule.h"
 #include "zelvar/model/ItemListing.h"
 #include "zelvar/model/PlaceResolver.h"
 #include "zelvar/tool/Commands.h"
@@ -63,7 +63,7 @@ int RunLs(std::vector<DString> const &words) {
     if (sort == sorts.end())
         return UsageError(kSpec, "sorting is by name, size or date");
 
-    UseInstalledDrivers();
+    UseReaderDrivers();
     RefItemPtr<DataSourceItem> const place = ItemFromPlace(arguments->words.front());
     if (place == nullptr)
         return Failure("cannot access '" + arguments->words.front() + "'");

@@ -1,4 +1,4 @@
-#include "zelvar/data/DriverModule.h"
+#include "zelvar/data/reader/DriverModule.h"
 #include "zelvar/model/DataSourceCollector.h"
 #include "zelvar/tool/Commands.h"
 
@@ -22,7 +22,7 @@ int RunSources(std::vector<DString> const &words) {
     DString error;
     if (!ParseArguments(kSpec, words, error))
         return UsageError(kSpec, error);
-    UseInstalledDrivers();
+    UseReaderDrivers();
     DataSourceRows drives;
     CollectDrives(LocalDriveKinds(), drives);
     Print(kGroupDrives, drives);

@@ -29,8 +29,6 @@ struct ReaderSettings {
     }};
     /// Time that the late probes of one listing may waste together.
     std::chrono::milliseconds patience{150};
-    /// A probe that stands alone, outside a listing: somebody has selected or entered that one item.
-    std::chrono::milliseconds loneProbe{10'000};
     /// Readers for probes and listings, and readers for properties and pixels, at least one each. Those that reach the
     /// network are counted apart.
     int listingReaders = 2;

@@ -1,0 +1,84 @@
+#include "zelvar/data/reader/DriverModule.h"
+
+#include "zelvar/base/PathStyle.h"
+#include "zelvar/base/Report.h"
+#include "zelvar/data/BDIDrvrMngr.h"
+#include "zelvar/data/DriverProvider.h"
+#include "zelvar/data/RDIDriverMngr.h"
+#include "zelvar/data/reader/Readers.h"
+#include "zelvar/data/reader/RemoteRasterDriver.h"
+#include "zelvar/data/reader/RemoteTreeDriver.h"
+
+#include <atomic>
+
+#include <dlfcn.h>
+
+namespace zelvar {
+
+namespace {
+
+constexpr char kEntry[] = "zelvar_register_drivers";
+constexpr std::chrono::milliseconds kFirstAnswer{15'000}; // with all that has to be loaded from a cold disk
+
+std::atomic<bool> g_readersAreUsed{false};
+
+void LoadModule() {
+    DString const path = InstalledFile("zelvar-gdal.so");
+    // Never closed: GDAL registers things that outlive any use of it.
+    void *const module = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+    void *const entry = module == nullptr ? nullptr : dlsym(module, kEntry);
+    if (entry == nullptr) {
+        Report::TraceMessage(Report::kTraceOpen, "no drivers: %s", dlerror());
+        return;
+    }
+    reinterpret_cast<void (*)()>(entry)();
+}
+
+/// The readers' drivers stand for themselves here.
+void AddRemoteDrivers() {
+    RequestScope const scope(RequestKind::List, {}, kFirstAnswer);
+    Readers::Call const call{.kind = RequestKind::List, .what = "drivers"};
+    Readers::Answer const answer = Readers::Instance().Ask(call, wire::ListDriversT());
+    wire::DriversT *const drivers = answer.message == nullptr ? nullptr : answer.message->body.AsDrivers();
+    if (drivers == nullptr) {
+        Report::TraceMessage(Report::kTraceOpen, "no drivers: %s", answer.reason.c_str());
+        return;
+    }
+    for (auto const &facts : drivers->trees)
+        if (facts != nullptr)
+            BDIDrvrMngr::Instance()->Add(std::make_unique<RemoteTreeDriver>(std::move(*facts)));
+    for (auto const &facts : drivers->rasters)
+        if (facts != nullptr)
+            RDIDriverMngr::Instance()->Add(std::make_unique<RemoteRasterDriver>(std::move(*facts)));
+}
+
+} // namespace
+
+void UseReaderDrivers(ReaderSettings const &settings) {
+    Readers::Instance().Pool().Configure(settings);
+    g_readersAreUsed = true;
+    SetDriverProvider(AddRemoteDrivers);
+}
+
+void UseOwnProcessDrivers() {
+    g_readersAreUsed = false;
+    SetDriverProvider(LoadModule);
+}
+
+void WarmReaders() {
+    if (!g_readersAreUsed)
+        return;
+    Readers::Instance().Pool().Warm({.listing = true, .network = false});
+    Readers::Instance().Pool().Warm({.listing = false, .network = false});
+}
+
+DString ReaderFailureOf(DString const &moniker) { return Readers::Instance().Verdicts().FailureOf(moniker); }
+
+ReaderCounts CountReaders() { return Readers::Instance().Pool().Counts(); }
+
+void EndReaders() {
+    Readers::Instance().Pool().EndAll();
+    Readers::Instance().Verdicts().Clear();
+}
+
+} // namespace zelvar

@@ -1,0 +1,187 @@
+#include "zelvar/data/reader/ReaderPool.h"
+
+#include "zelvar/base/Report.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace zelvar {
+
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr milliseconds kLook{10};          // between two looks at the stop signal
+constexpr milliseconds kGoneAfterKill{20}; // what a process needs to end
+constexpr int kMostFailedStarts = 3;
+constexpr milliseconds kPauseAfterFailedStarts{5000};
+
+} // namespace
+
+void ReaderPool::Configure(ReaderSettings const &settings) {
+    std::lock_guard const lock(m_mutex);
+    m_settings = settings;
+    m_failedStarts = 0;
+}
+
+RequestBudget ReaderPool::BudgetOf(RequestKind kind) const {
+    std::lock_guard const lock(m_mutex);
+    return m_settings.BudgetOf(kind);
+}
+
+milliseconds ReaderPool::Patience() const {
+    std::lock_guard const lock(m_mutex);
+    return m_settings.patience;
+}
+
+ReaderPool::Place *ReaderPool::FindFree(ReaderRole role, int preferred) {
+    Place *found = nullptr;
+    for (Place &place : m_places) {
+        if (place.lent || !(place.role == role))
+            continue;
+        if (place.process->Number() == preferred)
+            return &place;
+        if (found == nullptr)
+            found = &place;
+    }
+    return found;
+}
+
+int ReaderPool::Count(ReaderRole role) const {
+    return static_cast<int>(
+        std::count_if(m_places.begin(), m_places.end(), [&](Place const &place) { return place.role == role; }));
+}
+
+int ReaderPool::Most(ReaderRole role) const {
+    return std::max(1, role.listing ? m_settings.listingReaders : m_settings.imageReaders);
+}
+
+bool ReaderPool::StartOne(ReaderRole role) {
+    // A program that does not start is not tried again at each request.
+    if (m_failedStarts >= kMostFailedStarts && Clock::now() < m_nextStart)
+        return false;
+    std::shared_ptr<ReaderProcess> process = ReaderProcess::Start(m_settings, role.network);
+    if (process == nullptr) {
+        ++m_failedStarts;
+        m_nextStart = Clock::now() + kPauseAfterFailedStarts;
+        return false;
+    }
+    ++m_counts.started;
+    m_places.push_back({std::move(process), role});
+    return true;
+}
+
+ReaderPool::Loan ReaderPool::Borrow(ReaderRole role, int preferred, Clock::time_point deadline,
+                                    std::function<bool()> const &isStopped) {
+    std::unique_lock lock(m_mutex);
+    while (true) {
+        Place *free = FindFree(role, preferred);
+        if (free == nullptr && Count(role) < Most(role)) {
+            if (!StartOne(role))
+                return {};
+            free = &m_places.back();
+        }
+        if (free != nullptr) {
+            free->lent = true;
+            return {this, free->process};
+        }
+        m_changed.wait_for(lock, kLook);
+        if (Clock::now() >= deadline)
+            return {};
+        lock.unlock();
+        bool const stopped = isStopped && isStopped();
+        lock.lock();
+        if (stopped)
+            return {};
+    }
+}
+
+ReaderPool::Loan ReaderPool::BorrowFree(int number) {
+    std::lock_guard const lock(m_mutex);
+    for (Place &place : m_places)
+        if (!place.lent && place.process->Number() == number) {
+            place.lent = true;
+            return {this, place.process};
+        }
+    return {};
+}
+
+void ReaderPool::GiveBack(std::shared_ptr<ReaderProcess> const &process) {
+    std::lock_guard const lock(m_mutex);
+    for (Place &place : m_places)
+        if (place.process == process)
+            place.lent = false;
+    m_changed.notify_one();
+}
+
+void ReaderPool::Warm(ReaderRole role) {
+    std::lock_guard const lock(m_mutex);
+    if (Count(role) == 0)
+        StartOne(role);
+}
+
+bool ReaderPool::HasHeld() const {
+    std::lock_guard const lock(m_mutex);
+    return !m_held.empty();
+}
+
+void ReaderPool::Retire(Loan const &loan, bool crashed, DString const &heldAt) {
+    std::lock_guard const lock(m_mutex);
+    ++(crashed ? m_counts.crashed : m_counts.killed);
+    if (!heldAt.empty())
+        m_held.push_back({loan.Process(), heldAt});
+    auto const at = std::find_if(m_places.begin(), m_places.end(),
+                                 [&](Place const &entry) { return entry.process == loan.Process(); });
+    if (at == m_places.end())
+        return;
+    ReaderRole const role = at->role;
+    m_places.erase(at);
+    if (loan->hasAnswered) {
+        m_failedStarts = 0;
+        StartOne(role); // the next request finds a warm reader again
+    } else if (crashed) {
+        ++m_failedStarts;
+        m_nextStart = Clock::now() + kPauseAfterFailedStarts;
+    }
+    m_changed.notify_all();
+}
+
+void ReaderPool::ForgetEnded() {
+    std::erase_if(m_held, [](Held const &held) { return held.process->HasEnded(milliseconds(0)); });
+}
+
+bool ReaderPool::IsBlocked(DString const &place) {
+    std::lock_guard const lock(m_mutex);
+    if (m_held.empty())
+        return false;
+    ForgetEnded();
+    return std::any_of(m_held.begin(), m_held.end(),
+                       [&](Held const &held) { return held.place == place && held.process->IsBlocked(); });
+}
+
+ReaderCounts ReaderPool::Counts() {
+    std::lock_guard const lock(m_mutex);
+    ForgetEnded();
+    ReaderCounts counts = m_counts;
+    counts.alive = static_cast<int>(m_places.size());
+    counts.leftBehind = static_cast<int>(m_held.size());
+    return counts;
+}
+
+void ReaderPool::EndAll() {
+    std::vector<Place> places;
+    {
+        std::lock_guard const lock(m_mutex);
+        // Those on loan fail the request of whoever has them, who then finds them gone from here.
+        places.swap(m_places);
+    }
+    for (Place &place : places)
+        place.process->Terminate();
+    std::lock_guard const lock(m_mutex);
+    for (Place &place : places)
+        if (!place.lent && !place.process->HasEnded(kGoneAfterKill))
+            m_held.push_back({place.process, {}});
+    m_changed.notify_all();
+}
+
+} // namespace zelvar

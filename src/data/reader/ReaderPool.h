@@ -1,0 +1,105 @@
+#pragma once
+
+#include "zelvar/data/reader/DriverModule.h"
+#include "zelvar/data/reader/ReaderProcess.h"
+
+#include <condition_variable>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <utility>
+#include <vector>
+
+namespace zelvar {
+
+/// What a reader is kept for. A preview never waits for a listing: they have readers of their own. Those that may
+/// connect do nothing else.
+struct ReaderRole {
+    bool listing = false;
+    bool network = false;
+    friend bool operator==(ReaderRole const &, ReaderRole const &) = default;
+};
+
+/// The readers of this process, each lent to one thread at a time. Any thread.
+class ReaderPool {
+public:
+    using Clock = wire::MessageChannel::Clock;
+
+    /// A reader on loan. It goes back at the end of the loan's life.
+    class Loan {
+    public:
+        Loan() = default;
+        Loan(ReaderPool *pool, std::shared_ptr<ReaderProcess> process) : m_pool(pool), m_process(std::move(process)) {}
+        Loan(Loan &&other) noexcept : m_pool(other.m_pool), m_process(std::move(other.m_process)) {}
+        Loan &operator=(Loan &&other) noexcept {
+            std::swap(m_pool, other.m_pool);
+            m_process.swap(other.m_process);
+            return *this;
+        }
+        Loan(Loan const &) = delete;
+        Loan &operator=(Loan const &) = delete;
+        ~Loan() {
+            if (m_process != nullptr)
+                m_pool->GiveBack(m_process);
+        }
+        explicit operator bool() const { return m_process != nullptr; }
+        ReaderProcess *operator->() const { return m_process.get(); }
+        ReaderProcess &operator*() const { return *m_process; }
+        [[nodiscard]] std::shared_ptr<ReaderProcess> const &Process() const { return m_process; }
+
+    private:
+        ReaderPool *m_pool = nullptr;
+        std::shared_ptr<ReaderProcess> m_process;
+    };
+
+    void Configure(ReaderSettings const &settings);
+    [[nodiscard]] RequestBudget BudgetOf(RequestKind kind) const;
+    [[nodiscard]] std::chrono::milliseconds Patience() const;
+
+    /// A reader of that role: the preferred one (its number; 0 for any) if it is free, else another free one, else a
+    /// new one, else the first that gets free. Nothing if `isStopped` says so meanwhile, after the deadline, or if none
+    /// can be started.
+    [[nodiscard]] Loan Borrow(ReaderRole role, int preferred, Clock::time_point deadline,
+                              std::function<bool()> const &isStopped);
+    /// The reader of that number if it is free now.
+    [[nodiscard]] Loan BorrowFree(int number);
+    /// Starts a reader of that role unless there is one.
+    void Warm(ReaderRole role);
+    /// Takes a reader that was told to end out of use, and starts another in its place. `heldAt` is where the kernel
+    /// may hold it; empty if it is gone.
+    void Retire(Loan const &loan, bool crashed, DString const &heldAt);
+    /// Whether any reader was told to end and is not gone.
+    [[nodiscard]] bool HasHeld() const;
+    /// Whether a reader that was ended at that place is still held there by the kernel.
+    [[nodiscard]] bool IsBlocked(DString const &place);
+    [[nodiscard]] ReaderCounts Counts();
+    void EndAll();
+
+private:
+    struct Place {
+        std::shared_ptr<ReaderProcess> process;
+        ReaderRole role;
+        bool lent = false;
+    };
+    struct Held {
+        std::shared_ptr<ReaderProcess> process;
+        DString place;
+    };
+    void GiveBack(std::shared_ptr<ReaderProcess> const &process);
+    Place *FindFree(ReaderRole role, int preferred);
+    [[nodiscard]] int Count(ReaderRole role) const;
+    [[nodiscard]] int Most(ReaderRole role) const;
+    bool StartOne(ReaderRole role);
+    void ForgetEnded();
+
+    mutable std::mutex m_mutex;
+    std::condition_variable m_changed;
+    ReaderSettings m_settings;
+    std::vector<Place> m_places;
+    std::vector<Held> m_held; ///< ended, and not gone
+    ReaderCounts m_counts;
+    int m_failedStarts = 0; ///< in a row
+    Clock::time_point m_nextStart;
+};
+
+} // namespace zelvar

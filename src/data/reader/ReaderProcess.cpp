@@ -1,0 +1,209 @@
+#include "zelvar/data/reader/ReaderProcess.h"
+
+#include "zelvar/base/PathStyle.h"
+#include "zelvar/base/Report.h"
+#include "zelvar/data/reader/DriverModule.h"
+
+#include <array>
+#include <atomic>
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <new>
+#include <system_error>
+
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <poll.h>
+#include <spawn.h>
+#include <sys/socket.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+
+namespace zelvar {
+
+namespace {
+
+// Numbers of the descriptors in the reader.
+constexpr int kSocket = 3;
+constexpr int kStatus = 4;
+constexpr std::size_t kPixelStep = std::size_t{4} << 20U;
+
+/// What the child is started with: nothing of ours is open in it but the two descriptors, and it is the first of a
+/// process group, so that all that may come from it can be ended together.
+class SpawnPlan {
+public:
+    SpawnPlan(int socket, int status) {
+        posix_spawn_file_actions_init(&m_files);
+        posix_spawnattr_init(&m_attributes);
+        for (int const number : {STDIN_FILENO, STDOUT_FILENO})
+            posix_spawn_file_actions_addopen(&m_files, number, "/dev/null", O_RDWR, 0);
+        if (std::getenv("ZELVAR_READER_ERRORS") == nullptr) // libraries below drivers print as they like
+            posix_spawn_file_actions_addopen(&m_files, STDERR_FILENO, "/dev/null", O_RDWR, 0);
+        // Above the wanted numbers first: one of them may be the other's.
+        constexpr int kAside = 20;
+        posix_spawn_file_actions_adddup2(&m_files, socket, kAside);
+        posix_spawn_file_actions_adddup2(&m_files, status, kAside + 1);
+        posix_spawn_file_actions_adddup2(&m_files, kAside, kSocket);
+        posix_spawn_file_actions_adddup2(&m_files, kAside + 1, kStatus);
+        posix_spawn_file_actions_addclosefrom_np(&m_files, kStatus + 1);
+        sigset_t none;
+        sigset_t all;
+        sigemptyset(&none);
+        sigfillset(&all);
+        posix_spawnattr_setsigmask(&m_attributes, &none);
+        posix_spawnattr_setsigdefault(&m_attributes, &all);
+        posix_spawnattr_setpgroup(&m_attributes, 0);
+        posix_spawnattr_setflags(&m_attributes, POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+    }
+    ~SpawnPlan() {
+        posix_spawn_file_actions_destroy(&m_files);
+        posix_spawnattr_destroy(&m_attributes);
+    }
+    SpawnPlan(SpawnPlan const &) = delete;
+    SpawnPlan &operator=(SpawnPlan const &) = delete;
+
+    /// 0 or the number of the error.
+    int Run(std::vector<DString> &words, pid_t &pid) const {
+        std::vector<char *> arguments;
+        for (DString &word : words)
+            arguments.push_back(word.data());
+        arguments.push_back(nullptr);
+        return posix_spawn(&pid, arguments.front(), &m_files, &m_attributes, arguments.data(), environ);
+    }
+
+private:
+    posix_spawn_file_actions_t m_files{};
+    posix_spawnattr_t m_attributes{};
+};
+
+DString InWords(siginfo_t const &info) {
+    if (info.si_code == CLD_EXITED)
+        return Format("ended with code %d", info.si_status);
+    char const *const name = sigdescr_np(info.si_status);
+    return Format("was ended by signal %d (%s)", info.si_status, name == nullptr ? "unknown" : name);
+}
+
+int PollOnce(int file, std::chrono::milliseconds wait) {
+    pollfd wanted{.fd = file, .events = POLLIN, .revents = 0};
+    return poll(&wanted, 1, static_cast<int>(wait.count()));
+}
+
+} // namespace
+
+DString InstalledFile(char const *name) {
+    Dl_info info{};
+    if (dladdr(reinterpret_cast<void *>(&UseReaderDrivers), &info) == 0 || info.dli_fname == nullptr)
+        return {};
+    return AppendPath(AppendPath(ParentPathOf(info.dli_fname), "zelvar"), name);
+}
+
+std::shared_ptr<ReaderProcess> ReaderProcess::Start(ReaderSettings const &settings, bool network) {
+    static std::atomic<int> count{0};
+    DString const program = settings.program.empty() ? InstalledFile("zelvar-reader") : settings.program;
+    auto status = wire::SharedMemory::Create(sizeof(wire::ReaderStatus));
+    std::array<int, 2> ends{};
+    if (status == nullptr || socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) != 0) {
+        Report::TraceMessage(Report::kTraceOpen, "no reader: %s", std::strerror(errno));
+        return nullptr;
+    }
+    new (status->Data()) wire::ReaderStatus{};
+    FileDescriptor const theirs(ends[1]);
+    std::vector<DString> words{program, std::to_string(kSocket), std::to_string(kStatus),
+                               network ? "network" : "local"};
+    if (settings.modules.empty())
+        words.push_back(InstalledFile("zelvar-gdal.so"));
+    words.insert(words.end(), settings.modules.begin(), settings.modules.end());
+    pid_t pid = -1;
+    if (int const error = SpawnPlan(theirs.Get(), status->File()).Run(words, pid); error != 0) {
+        close(ends[0]);
+        Report::TraceMessage(Report::kTraceOpen, "no reader: \"%s\": %s", program.c_str(), std::strerror(error));
+        return nullptr;
+    }
+    int const number = ++count;
+    Report::TraceMessage(Report::kTraceDriver, "reader %d (process %d) starts", number, static_cast<int>(pid));
+    return std::shared_ptr<ReaderProcess>(new ReaderProcess(number, pid, ends[0], std::move(status)));
+}
+
+ReaderProcess::ReaderProcess(int number, pid_t pid, int socket, std::unique_ptr<wire::SharedMemory> status)
+    : m_number(number), m_pid(pid), m_pidFile(static_cast<int>(syscall(SYS_pidfd_open, pid, 0))), m_channel(socket), m_status(std::move(status)) {}
+
+ReaderProcess::~ReaderProcess() { Kill(std::chrono::milliseconds(0)); }
+
+wire::SharedMemory *ReaderProcess::Pixels(std::size_t bytes, bool *isNew) {
+    *isNew = m_pixels == nullptr || m_pixels->Size() < bytes;
+    if (*isNew) {
+        m_pixels.reset();
+        m_pixels = wire::SharedMemory::Create((bytes + kPixelStep - 1) / kPixelStep * kPixelStep);
+    }
+    return m_pixels.get();
+}
+
+std::optional<ReaderProcess::Stamp> ReaderProcess::StampOf(std::uint64_t request) const {
+    if (Status().number.load(std::memory_order_acquire) != request)
+        return std::nullopt;
+    return Stamp{Status().modified.load(std::memory_order_relaxed), Status().size.load(std::memory_order_relaxed)};
+}
+
+std::uint64_t ReaderProcess::ResidentBytes() const {
+    std::array<char, 64> path{};
+    std::snprintf(path.data(), path.size(), "/proc/%d/statm", static_cast<int>(m_pid));
+    FileDescriptor const file(open(path.data(), O_RDONLY | O_CLOEXEC));
+    std::array<char, 128> text{};
+    if (!file.IsOpen() || read(file.Get(), text.data(), text.size() - 1) <= 0)
+        return 0;
+    char *end = nullptr;
+    std::strtoull(text.data(), &end, 10);
+    return std::strtoull(end, nullptr, 10) * static_cast<std::uint64_t>(sysconf(_SC_PAGESIZE));
+}
+
+bool ReaderProcess::HasEnded(std::chrono::milliseconds wait) {
+    if (m_reaped)
+        return true;
+    if (m_pidFile.IsOpen() && PollOnce(m_pidFile.Get(), wait) <= 0)
+        return false;
+    siginfo_t info{};
+    if (waitid(P_PID, static_cast<id_t>(m_pid), &info, WEXITED | WNOHANG) == 0) {
+        if (info.si_pid == 0)
+            return false;
+        m_ending = InWords(info);
+    } else {
+        m_ending = "ended"; // an application that reaps all children by itself has been faster
+    }
+    m_reaped = true;
+    return true;
+}
+
+bool ReaderProcess::Kill(std::chrono::milliseconds wait) {
+    if (m_reaped)
+        return true;
+    // Not reaped yet: neither the process nor its group can be somebody else's.
+    kill(-m_pid, SIGKILL);
+    kill(m_pid, SIGKILL);
+    return HasEnded(wait);
+}
+
+void ReaderProcess::Terminate() const {
+    if (m_pidFile.IsOpen())
+        syscall(SYS_pidfd_send_signal, m_pidFile.Get(), SIGKILL, nullptr, 0);
+}
+
+bool ReaderProcess::IsBlocked() const {
+    std::error_code error;
+    for (std::filesystem::directory_iterator task(Format("/proc/%d/task", static_cast<int>(m_pid)), error), end;
+         !error && task != end; task.increment(error)) {
+        FileDescriptor const file(open((task->path() / "stat").c_str(), O_RDONLY | O_CLOEXEC));
+        std::array<char, 256> text{};
+        if (!file.IsOpen() || read(file.Get(), text.data(), text.size() - 1) <= 0)
+            continue;
+        char const *const name = std::strrchr(text.data(), ')'); // "id (name) state ..."
+        if (name != nullptr && std::strncmp(name, ") D", 3) == 0)
+            return true;
+    }
+    return false;
+}
+
+} // namespace zelvar

@@ -1,0 +1,82 @@
+#pragma once
+
+#include "zelvar/base/DString.h"
+#include "zelvar/data/reader/ReaderSettings.h"
+#include "zelvar/data/wire/MessageChannel.h"
+#include "zelvar/data/wire/ReaderStatus.h"
+#include "zelvar/data/wire/SharedMemory.h"
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include <sys/types.h>
+
+namespace zelvar {
+
+/// A file of ours that no application names: beside this library, in "zelvar".
+[[nodiscard]] DString InstalledFile(char const *name);
+
+/// One running reader, as its application holds it. The end of this object is the end of the process.
+///
+/// One thread at a time, but for `Number`, `Pid` and `Terminate`.
+class ReaderProcess {
+public:
+    /// What a file was like when a request for it began.
+    struct Stamp {
+        std::int64_t modified = 0; ///< nanoseconds
+        std::int64_t size = -1;    ///< bytes; below 0 if there is no such file on disk
+        friend bool operator==(Stamp const &, Stamp const &) = default;
+    };
+
+    /// Starts the program and does not wait for its first word. Null, with a line in the log, if it does not start.
+    /// `network` allows it to connect.
+    static std::shared_ptr<ReaderProcess> Start(ReaderSettings const &settings, bool network);
+    ~ReaderProcess();
+    ReaderProcess(ReaderProcess const &) = delete;
+    ReaderProcess &operator=(ReaderProcess const &) = delete;
+
+    [[nodiscard]] int Number() const { return m_number; } ///< counted from 1, for the log
+    [[nodiscard]] pid_t Pid() const { return m_pid; }
+    [[nodiscard]] wire::MessageChannel &Channel() { return m_channel; }
+
+    /// Shared memory of at least so many bytes; `*isNew` if the reader has not been told of it. Null if there is none.
+    wire::SharedMemory *Pixels(std::size_t bytes, bool *isNew);
+    /// What the reader noted of the file of that request before it began; nothing if it had not come so far.
+    [[nodiscard]] std::optional<Stamp> StampOf(std::uint64_t request) const;
+    /// Bytes that it holds in memory.
+    [[nodiscard]] std::uint64_t ResidentBytes() const;
+
+    /// Ends it, and all that it may have started. True if it is gone within the time; a reader that the kernel holds is
+    /// not. May be asked again.
+    bool Kill(std::chrono::milliseconds wait);
+    /// Whether a process that was told to end is held in the kernel, as on a file system that does not answer.
+    [[nodiscard]] bool IsBlocked() const;
+    /// Tells it to end, without a look at what comes of it. Any thread.
+    void Terminate() const;
+    /// How it ended, in words for the log; empty while it has not.
+    [[nodiscard]] DString const &Ending() const { return m_ending; }
+    /// Whether it has ended; waits so long.
+    bool HasEnded(std::chrono::milliseconds wait);
+
+    /// Whether it has ever answered: one that never did may never do.
+    bool hasAnswered = false;
+    wire::MessageChannel::Clock::time_point const started = wire::MessageChannel::Clock::now();
+
+private:
+    ReaderProcess(int number, pid_t pid, int socket, std::unique_ptr<wire::SharedMemory> status);
+    [[nodiscard]] wire::ReaderStatus const &Status() const {
+        return *static_cast<wire::ReaderStatus const *>(m_status->Data());
+    }
+
+    int m_number;
+    pid_t m_pid; ///< also its process group
+    FileDescriptor m_pidFile;
+    wire::MessageChannel m_channel;
+    std::unique_ptr<wire::SharedMemory> m_status;
+    std::unique_ptr<wire::SharedMemory> m_pixels;
+    bool m_reaped = false;
+    DString m_ending;
+};
+
+} // namespace zelvar

@@ -1,0 +1,221 @@
+#include "zelvar/data/reader/Readers.h"
+
+#include "zelvar/base/Report.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <unistd.h>
+
+namespace zelvar {
+
+namespace {
+
+using std::chrono::milliseconds;
+using Clock = wire::MessageChannel::Clock;
+using Result = wire::MessageChannel::Result;
+
+constexpr milliseconds kLook{10};          // between two looks at the stop signal
+constexpr milliseconds kGrace{50};         // for an answer behind the word to stop
+constexpr milliseconds kSending{1000};     // a reader always listens
+constexpr milliseconds kStarting{15000};   // what a new reader may need on a machine under load
+constexpr milliseconds kUnstamped{60000};  // how long a verdict on what is no file on disk holds
+constexpr milliseconds kGoneAfterKill{20}; // what a process needs to end
+constexpr int kLooksPerMemoryLook = 5;
+constexpr std::uint64_t kOwnMemory = std::uint64_t{512} << 20U; // of a reader at rest, caches included
+
+bool IsStopSet(StopSignal const *stop) { return stop != nullptr && stop->load(std::memory_order_relaxed); }
+
+double MillisecondsSince(Clock::time_point begin) {
+    return std::chrono::duration<double, std::milli>(Clock::now() - begin).count();
+}
+
+} // namespace
+
+Readers &Readers::Instance() {
+    static auto &readers = *new Readers; // never destroyed: workers may still ask while the process ends
+    return readers;
+}
+
+Readers::Terms Readers::TermsOf(Call const &call) const {
+    RequestScope *const scope = RequestScope::Current();
+    bool const ofScope = scope != nullptr && (call.kind != RequestKind::Probe || scope->Kind() == RequestKind::Probe);
+    RequestKind const kind = ofScope ? scope->Kind() : call.kind;
+    RequestBudget const budget = m_pool.BudgetOf(kind);
+    Terms terms{
+        .kind = kind,
+        .time = ofScope && scope->Time() ? *scope->Time() : budget.time,
+        .memory = budget.memory,
+        .begin = Clock::now(),
+        .deadline = {},
+        .isStopped = [&call, scope] { return IsStopSet(call.stop) || (scope != nullptr && scope->IsStopped()); }};
+    if (ofScope)
+        terms.time -= std::chrono::duration_cast<milliseconds>(terms.begin - scope->Begin());
+    if (RequestScope const *const listing = scope == nullptr || kind != RequestKind::Probe ? nullptr : scope->Listing())
+        terms.time = std::min(terms.time, m_pool.Patience() - listing->wasted);
+    terms.deadline = terms.begin + terms.time;
+    return terms;
+}
+
+bool Readers::IsRefused(Call const &call, Terms const &terms, DString &reason) {
+    if (call.subject.empty())
+        return false;
+    std::optional<FileVerdicts::Verdict> const verdict = m_verdicts.Find(call.subject, terms.time);
+    if (verdict) {
+        bool same = verdict->stamp.size < 0 && Clock::now() - verdict->when < kUnstamped;
+        if (verdict->stamp.size >= 0) {
+            wire::StampFileT body;
+            body.path = call.subject;
+            Answer const now = Ask({.kind = RequestKind::Probe, .what = "stamp"}, std::move(body));
+            wire::StampT const *const stamp = now.message == nullptr ? nullptr : now.message->body.AsStamp();
+            same = stamp == nullptr || verdict->stamp == FileVerdicts::Stamp{stamp->modified, stamp->size};
+        }
+        if (same) {
+            reason = verdict->reason;
+            return true;
+        }
+        m_verdicts.Forget(call.subject);
+    }
+    if (m_pool.HasHeld() && m_pool.IsBlocked(PlaceOfMoniker(call.subject))) {
+        reason = "its place does not answer";
+        return true;
+    }
+    return false;
+}
+
+Readers::Answer Readers::Exchange(Call const &call, MakeRequest const &make) {
+    Terms const terms = TermsOf(call);
+    Answer answer;
+    RequestScope *const scope = RequestScope::Current();
+    auto const giveUp = [&](DString reason) -> Answer && {
+        answer.reason = std::move(reason);
+        if (scope != nullptr)
+            scope->SetUnanswered();
+        return std::move(answer);
+    };
+    if (terms.isStopped() || terms.time <= milliseconds(0))
+        return giveUp("stopped");
+    if (DString reason; IsRefused(call, terms, reason))
+        return giveUp(std::move(reason));
+
+    ReaderRole const role{.listing = terms.kind == RequestKind::Probe || terms.kind == RequestKind::List,
+                          .network = !call.subject.empty() && BDIMoniker(call.subject, nullptr).IsUrl()};
+    ReaderPool::Loan loan = m_pool.Borrow(role, call.preferred, terms.deadline, terms.isStopped);
+    if (!loan)
+        return giveUp("no reader is free");
+    std::uint64_t const number = ++m_lastNumber;
+    bool isNew = false;
+    wire::SharedMemory const *const pixels = call.pixelBytes == 0 ? nullptr : loan->Pixels(call.pixelBytes, &isNew);
+    if (call.pixelBytes != 0 && pixels == nullptr)
+        return giveUp("no memory for the pixels");
+    answer.pixels = pixels == nullptr ? nullptr : pixels->Data();
+    answer.reader = loan->Number();
+
+    Outcome outcome;
+    if (Send(loan, make(number, terms.memory), isNew ? pixels->File() : -1))
+        outcome = Wait(loan, terms, number, answer);
+    Report::TraceMessage(Report::kTraceDriver, "reader %d (process %d): %s of \"%s\": %.1f ms%s", loan->Number(),
+                         static_cast<int>(loan->Pid()), call.what, call.subject.c_str(), MillisecondsSince(terms.begin),
+                         outcome.ending == Ending::Answered ? "" : ", no answer");
+    if (outcome.ending != Ending::Answered)
+        return giveUp(Conclude(loan, call, terms, number, outcome));
+    answer.loan = std::move(loan);
+    for (auto const &line : answer.message->log)
+        if (line != nullptr)
+            Report::TraceMessage(line->level, "%s", line->text.c_str());
+    return answer;
+}
+
+bool Readers::Send(ReaderPool::Loan const &loan, std::span<std::uint8_t const> message, int file) {
+    return loan->Channel().Send(message, file, Clock::now() + kSending) == Result::Done;
+}
+
+Result Readers::Receive(ReaderPool::Loan const &loan, Clock::time_point deadline, std::uint64_t number,
+                        Answer &answer) {
+    while (true) {
+        wire::MessageChannel::Bytes bytes;
+        int file = -1;
+        Result const result = loan->Channel().Receive(bytes, file, deadline);
+        if (file >= 0)
+            close(file); // none is ever sent this way
+        if (result != Result::Done)
+            return result;
+        std::unique_ptr<wire::AnswerT> message = wire::Unpack<wire::Answer>(bytes);
+        if (message == nullptr || message->number > number)
+            return Result::Damaged;
+        loan->hasAnswered = true;
+        if (message->number < number)
+            continue; // to a request that was given up
+        answer.message = std::move(message);
+        return Result::Done;
+    }
+}
+
+Readers::Outcome Readers::Wait(ReaderPool::Loan const &loan, Terms const &terms, std::uint64_t number, Answer &answer) {
+    for (int looks = 1;; ++looks) {
+        Result const result = Receive(loan, std::min(terms.deadline, Clock::now() + kLook), number, answer);
+        if (result == Result::Done)
+            return {Ending::Answered, true};
+        if (result != Result::Late)
+            return {Ending::Crashed, false};
+        if (terms.isStopped())
+            return GiveUp(loan, number, answer, Ending::Stopped);
+        if (Clock::now() >= terms.deadline)
+            return GiveUp(loan, number, answer, Ending::Late);
+        if (looks % kLooksPerMemoryLook == 0 && terms.memory != 0 && loan->ResidentBytes() > terms.memory + kOwnMemory)
+            return {Ending::TooLarge, false};
+    }
+}
+
+Readers::Outcome Readers::GiveUp(ReaderPool::Loan const &loan, std::uint64_t number, Answer &answer, Ending why) {
+    wire::StopT stop;
+    stop.number = number;
+    Send(loan, wire::PackRequest(0, 0, std::move(stop)), -1);
+    Result const result = Receive(loan, Clock::now() + kGrace, number, answer);
+    if (result != Result::Done)
+        return {result == Result::Late ? why : Ending::Crashed, false};
+    // An answer that was on its way counts; that it was stopped does not.
+    if (answer.message->body.AsFailed() == nullptr)
+        return {Ending::Answered, true};
+    answer.message.reset();
+    return {why, true};
+}
+
+DString Readers::Conclude(ReaderPool::Loan const &loan, Call const &call, Terms const &terms, std::uint64_t number,
+                          Outcome outcome) {
+    bool const own = outcome.ending == Ending::Crashed || outcome.ending == Ending::TooLarge;
+    std::optional<FileVerdicts::Stamp> const stamp = loan->StampOf(number);
+    // One that has only begun is not to blame: it goes on, and its late answer is passed over.
+    bool const starting = !own && !loan->hasAnswered && Clock::now() - loan->started < kStarting;
+    if (!outcome.inStep && !starting) {
+        bool const gone = loan->Kill(kGoneAfterKill);
+        m_pool.Retire(loan, outcome.ending == Ending::Crashed, gone ? DString() : PlaceOfMoniker(call.subject));
+    }
+    if (RequestScope *const scope = RequestScope::Current(); scope != nullptr && terms.kind == RequestKind::Probe)
+        if (RequestScope *const listing = scope->Listing())
+            listing->wasted += std::chrono::ceil<milliseconds>(Clock::now() - terms.begin);
+    if (outcome.ending == Ending::Stopped)
+        return "stopped";
+    if (starting)
+        return "the reader starts slowly";
+
+    DString reason;
+    if (outcome.ending == Ending::Late)
+        reason = Format("its reader took longer than %g s", static_cast<double>(terms.time.count()) / 1000);
+    else if (outcome.ending == Ending::TooLarge)
+        reason = Format("its reader took more than %d MB", static_cast<int>((terms.memory + kOwnMemory) >> 20U));
+    else
+        reason = "its reader " + (loan->Ending().empty() ? DString("went away") : loan->Ending());
+    Report::TraceMessage(Report::kTraceOpen, "reader %d (process %d), %s of \"%s\": %s", loan->Number(),
+                         static_cast<int>(loan->Pid()), call.what, call.subject.c_str(), reason.c_str());
+    if (call.subject.empty() || !stamp)
+        return reason;
+    m_verdicts.SetFailure(call.subject, reason);
+    if (own)
+        m_verdicts.Set(call.subject, {.reason = reason, .stamp = *stamp});
+    else if (terms.kind == RequestKind::Probe)
+        m_verdicts.Set(call.subject, {.reason = reason, .stamp = *stamp, .givenTime = terms.time});
+    return reason;
+}
+
+} // namespace zelvar

@@ -1,0 +1,102 @@
+#pragma once
+
+#include "zelvar/data/RDIDriver.h"
+#include "zelvar/data/reader/FileVerdicts.h"
+#include "zelvar/data/reader/ReaderPool.h"
+#include "zelvar/data/wire/Messages.h"
+
+#include <atomic>
+#include <memory>
+#include <span>
+
+namespace zelvar {
+
+/// The application's end of the talk with its readers: asks, waits within the budget, and deals with what does not
+/// answer.
+///
+/// - A request that is stopped, or late, gets the word to stop; a reader that does not answer within 50 ms then is
+///   killed and another started.
+/// - A reader that crashes, or takes more memory than the request may, fails that request alone. The moniker is not
+///   tried again before the file behind it has changed.
+/// - A reader that the kernel holds, as on a mount that does not answer, is left behind; its place gets no more work
+///   until it is gone.
+///
+/// Any thread.
+class Readers {
+public:
+    static Readers &Instance();
+
+    struct Call {
+        RequestKind kind = RequestKind::Properties; ///< where no scope says otherwise
+        char const *what = "";                      ///< for the log
+        DString subject{};                          ///< the moniker; empty for none
+        StopSignal const *stop = nullptr;           ///< may be null
+        int preferred = 0;                          ///< number of the reader that has the tree or image open
+        std::size_t pixelBytes = 0;                 ///< of shared memory
+    };
+    struct Answer {
+        std::unique_ptr<wire::AnswerT> message; ///< null if there is none
+        DString reason;                         ///< why not
+        int reader = 0;                         ///< its number
+        ReaderPool::Loan loan{};                ///< keeps the shared memory as it is
+        void const *pixels = nullptr;           ///< in it
+    };
+    /// Asks and waits. A request that the reader itself declines has a message: `wire::FailedT`.
+    template <class Body>
+    [[nodiscard]] Answer Ask(Call const &call, Body body) {
+        return Exchange(call, [&](std::uint64_t number, std::uint64_t memory) {
+            return wire::PackRequest(number, memory, std::move(body));
+        });
+    }
+    /// Says something that is not answered, if that reader is there and free; forgets it otherwise.
+    template <class Body>
+    void Tell(int reader, Body body) {
+        if (ReaderPool::Loan const loan = m_pool.BorrowFree(reader))
+            Send(loan, wire::PackRequest(0, 0, std::move(body)), -1);
+    }
+
+    /// A number for a tree or an image, never given before.
+    [[nodiscard]] std::uint64_t NextId() { return ++m_lastId; }
+    [[nodiscard]] ReaderPool &Pool() { return m_pool; }
+    [[nodiscard]] FileVerdicts &Verdicts() { return m_verdicts; }
+
+private:
+    enum class Ending { Answered, Stopped, Late, Crashed, TooLarge };
+    using MakeRequest = std::function<wire::MessageChannel::Bytes(std::uint64_t number, std::uint64_t memory)>;
+    struct Terms {
+        RequestKind kind;
+        std::chrono::milliseconds time; ///< given from now on
+        std::uint64_t memory;
+        wire::MessageChannel::Clock::time_point begin;
+        wire::MessageChannel::Clock::time_point deadline;
+        std::function<bool()> isStopped;
+    };
+
+    Readers() = default;
+    Answer Exchange(Call const &call, MakeRequest const &make);
+    [[nodiscard]] Terms TermsOf(Call const &call) const;
+    [[nodiscard]] bool IsRefused(Call const &call, Terms const &terms, DString &reason);
+    struct Outcome {
+        Ending ending = Ending::Crashed;
+        bool inStep = false; ///< the reader has no request under way any more
+    };
+    Outcome Wait(ReaderPool::Loan const &loan, Terms const &terms, std::uint64_t number, Answer &answer);
+    Outcome GiveUp(ReaderPool::Loan const &loan, std::uint64_t number, Answer &answer, Ending why);
+    wire::MessageChannel::Result Receive(ReaderPool::Loan const &loan, wire::MessageChannel::Clock::time_point deadline,
+                                         std::uint64_t number, Answer &answer);
+    /// Ends a reader that is not in step, and remembers what is to be remembered. The reason, in words.
+    DString Conclude(ReaderPool::Loan const &loan, Call const &call, Terms const &terms, std::uint64_t number,
+                     Outcome outcome);
+    static bool Send(ReaderPool::Loan const &loan, std::span<std::uint8_t const> message, int file);
+
+    ReaderPool m_pool;
+    FileVerdicts m_verdicts;
+    std::atomic<std::uint64_t> m_lastId{0};
+    std::atomic<std::uint64_t> m_lastNumber{0};
+};
+
+/// Where a moniker lies, told by its text and the kernel's table of mounts alone: the mount point, or the server of an
+/// address.
+[[nodiscard]] DString PlaceOfMoniker(DString const &moniker);
+
+} // namespace zelvar

@@ -1,0 +1,208 @@
+#include "zelvar/data/reader/RemoteRasterDriver.h"
+
+#include "zelvar/data/RDIDriverMngr.h"
+#include "zelvar/data/reader/Readers.h"
+
+#include <cstring>
+#include <map>
+#include <optional>
+#include <utility>
+
+namespace zelvar {
+
+namespace {
+
+struct Image {
+    wire::ImageSpecT spec;
+    StopSignal const *stop = nullptr;
+    int reader = 0; ///< that has it open, as far as we know
+    wire::ImageOpenedT facts;
+    std::map<int, wire::ChannelT> moreChannels; ///< behind those that came with the opening
+};
+
+Image &Of(void *handle) { return *static_cast<Image *>(handle); }
+
+template <class Body>
+Readers::Answer AskAbout(Image &image, char const *what, RequestKind kind, Body body, std::size_t pixelBytes = 0) {
+    body.image = std::make_unique<wire::ImageSpecT>(image.spec);
+    Readers::Call const call{.kind = kind,
+                             .what = what,
+                             .subject = image.spec.moniker,
+                             .stop = image.stop,
+                             .preferred = image.reader,
+                             .pixelBytes = pixelBytes};
+    Readers::Answer answer = Readers::Instance().Ask(call, std::move(body));
+    if (answer.message != nullptr)
+        image.reader = answer.reader;
+    return answer;
+}
+
+wire::ChannelT const &ChannelOf(void *handle, int channel) {
+    static wire::ChannelT const none;
+    Image &image = Of(handle);
+    if (channel < 0 || channel >= image.facts.numChannels)
+        return none;
+    auto const index = static_cast<std::size_t>(channel);
+    if (index < image.facts.channels.size())
+        return image.facts.channels[index] == nullptr ? none : *image.facts.channels[index];
+    if (auto const known = image.moreChannels.find(channel); known != image.moreChannels.end())
+        return known->second;
+    wire::DescribeChannelT body;
+    body.channel = channel;
+    Readers::Answer const answer = AskAbout(image, "channel", RequestKind::Properties, std::move(body));
+    auto const *described = answer.message == nullptr ? nullptr : answer.message->body.AsChannelDescribed();
+    if (described == nullptr || described->channel == nullptr)
+        return none;
+    return image.moreChannels[channel] = *described->channel;
+}
+
+/// A product of sizes that are told from outside; nothing if it is none.
+std::optional<std::size_t> BytesOf(int width, int height, int sample) {
+    constexpr std::uint64_t kMost = std::uint64_t{4} << 30U;
+    if (width < 1 || height < 1 || sample < 1)
+        return std::nullopt;
+    std::uint64_t const pixels = static_cast<std::uint64_t>(width) * static_cast<std::uint64_t>(height);
+    if (pixels > kMost / static_cast<std::uint64_t>(sample))
+        return std::nullopt;
+    return static_cast<std::size_t>(pixels * static_cast<std::uint64_t>(sample));
+}
+
+bool Read(Image &image, wire::ReadPixelsT body, std::optional<std::size_t> bytes, void *buffer) {
+    if (!bytes || buffer == nullptr)
+        return false;
+    body.bytes = *bytes;
+    Readers::Answer const answer = AskAbout(image, "pixels", RequestKind::Preview, std::move(body), *bytes);
+    if (answer.message == nullptr || answer.message->body.AsPixelsRead() == nullptr)
+        return false;
+    std::memcpy(buffer, answer.pixels, *bytes);
+    return true;
+}
+
+} // namespace
+
+int RemoteRasterDriver::IsMyFile(char const *path) const {
+    wire::ProbeImageT body;
+    body.path = path == nullptr ? "" : path;
+    body.driver = m_facts.id;
+    Readers::Call const call{.kind = RequestKind::Probe, .what = "probe", .subject = body.path};
+    Readers::Answer const answer = Readers::Instance().Ask(call, std::move(body));
+    wire::ProbedT const *const probed = answer.message == nullptr ? nullptr : answer.message->body.AsProbed();
+    return probed != nullptr && !probed->drivers.empty() ? 1 : 0;
+}
+
+void *RemoteRasterDriver::Open(BDIMoniker const &moniker, RDIDriver **opener, StopSignal const *stop, DError *error,
+                               bool family) {
+    auto image = std::make_unique<Image>();
+    image->spec.id = Readers::Instance().NextId();
+    image->spec.driver = m_facts.id;
+    image->spec.family = family;
+    image->spec.moniker = moniker.GetText();
+    image->stop = stop;
+    Readers::Answer const answer = AskAbout(*image, "image", RequestKind::Properties, wire::OpenImageT());
+    DString reason = answer.reason;
+    if (answer.message != nullptr) {
+        if (wire::ImageOpenedT *const opened = answer.message->body.AsImageOpened()) {
+            image->facts = std::move(*opened);
+            RDIDriver *const named = RDIDriverMngr::Instance()->GetDriver(image->facts.driver.c_str());
+            *opener = dynamic_cast<RemoteRasterDriver *>(named) != nullptr ? named : this;
+            return image.release();
+        }
+        if (wire::FailedT const *const failed = answer.message->body.AsFailed())
+            reason = failed->reason;
+    } else {
+        reason = "\"" + moniker.GetText() + "\": " + reason;
+    }
+    if (error != nullptr)
+        error->Set(reason);
+    return nullptr;
+}
+
+void *RemoteRasterDriver::OpenFile(BDIMoniker const &moniker, StopSignal const *stop, DError *error) {
+    RDIDriver *opener = nullptr;
+    return Open(moniker, &opener, stop, error, false);
+}
+
+void *RemoteRasterDriver::OpenFileInFamily(BDIMoniker const &moniker, RDIDriver **opener, StopSignal const *stop,
+                                           DError *error) {
+    return Open(moniker, opener, stop, error, true);
+}
+
+void RemoteRasterDriver::CloseFile(void *handle, bool) {
+    if (handle == nullptr)
+        return;
+    wire::CloseImageT body;
+    body.id = Of(handle).spec.id;
+    Readers::Instance().Tell(Of(handle).reader, std::move(body));
+    delete &Of(handle);
+}
+
+int RemoteRasterDriver::GetNumChnl(void *handle) const { return Of(handle).facts.numChannels; }
+
+int RemoteRasterDriver::GetChnlSizeX(void *handle, int channel) const { return ChannelOf(handle, channel).sizeX; }
+
+int RemoteRasterDriver::GetChnlSizeY(void *handle, int channel) const { return ChannelOf(handle, channel).sizeY; }
+
+int RemoteRasterDriver::GetChnlDataType(void *handle, int channel) const { return ChannelOf(handle, channel).dataType; }
+
+RDIGeoCoo RemoteRasterDriver::GetChnlGeoCode(void *handle, int channel) const {
+    wire::ChannelT const &facts = ChannelOf(handle, channel);
+    return {facts.slices, facts.timeFrames};
+}
+
+DString RemoteRasterDriver::GetAttrString(char const *name, void *handle, int channel) const {
+    if (channel == 0 && std::strcmp(name, "RDI_Drvr_Info") == 0)
+        return Of(handle).facts.info;
+    wire::GetAttributeT body;
+    body.name = name;
+    body.channel = channel;
+    body.isText = true;
+    Readers::Answer const answer = AskAbout(Of(handle), "attribute", RequestKind::Properties, std::move(body));
+    wire::AttributeT const *const got = answer.message == nullptr ? nullptr : answer.message->body.AsAttribute();
+    return got == nullptr ? DString() : got->text;
+}
+
+int RemoteRasterDriver::GetAttrInt(char const *name, void *handle, int channel) const {
+    if (channel == 0 && std::strcmp(name, "RDI_Drvr_Sppt_Intrnl_RslPrmd") == 0)
+        return Of(handle).facts.pyramid;
+    if (channel == 0 && std::strcmp(name, "RDI_Drvr_Palette") == 0)
+        return Of(handle).facts.palette;
+    wire::GetAttributeT body;
+    body.name = name;
+    body.channel = channel;
+    Readers::Answer const answer = AskAbout(Of(handle), "attribute", RequestKind::Properties, std::move(body));
+    wire::AttributeT const *const got = answer.message == nullptr ? nullptr : answer.message->body.AsAttribute();
+    return got == nullptr ? 0 : got->number;
+}
+
+bool RemoteRasterDriver::ReadBlockRsmpl(void *handle, int channel, double x, double y, double width, double height,
+                                        void *buffer, int outWidth, int outHeight, int resampling, bool usePyramid,
+                                        bool clip) {
+    wire::ReadPixelsT body;
+    body.channel = channel;
+    body.x = x;
+    body.y = y;
+    body.width = width;
+    body.height = height;
+    body.outWidth = outWidth;
+    body.outHeight = outHeight;
+    body.resampling = resampling;
+    body.usePyramid = usePyramid;
+    body.clip = clip;
+    int const sample = RDIGetDTSize(GetChnlDataType(handle, channel));
+    return Read(Of(handle), std::move(body), BytesOf(outWidth, outHeight, sample), buffer);
+}
+
+bool RemoteRasterDriver::ReadPaletteRsmpl(void *handle, double x, double y, double width, double height, void *rgb,
+                                          int outWidth, int outHeight) {
+    wire::ReadPixelsT body;
+    body.palette = true;
+    body.x = x;
+    body.y = y;
+    body.width = width;
+    body.height = height;
+    body.outWidth = outWidth;
+    body.outHeight = outHeight;
+    return Read(Of(handle), std::move(body), BytesOf(outWidth, outHeight, 3), rgb);
+}
+
+} // namespace zelvar

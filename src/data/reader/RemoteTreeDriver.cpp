@@ -1,0 +1,195 @@
+#include "zelvar/data/reader/RemoteTreeDriver.h"
+
+#include "zelvar/base/PathStyle.h"
+#include "zelvar/data/BDIDrvrMngr.h"
+#include "zelvar/data/reader/Readers.h"
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+namespace zelvar {
+
+namespace {
+
+struct Repository {
+    wire::TreeSpecT spec;
+    int reader = 0; ///< that has it open, as far as we know
+};
+
+struct Walk {
+    std::vector<BDINode> children;
+    std::size_t next = 0;
+};
+
+Repository &Of(void *repository) { return *static_cast<Repository *>(repository); }
+
+BDINode FromWire(wire::NodeT &&node) {
+    BDINode result;
+    result.type = node.type;
+    result.path = std::move(node.path);
+    result.name = std::move(node.name);
+    result.value = std::move(node.value);
+    return result;
+}
+
+std::unique_ptr<wire::NodeT> ToWire(BDINode const &node) {
+    auto result = std::make_unique<wire::NodeT>();
+    result->type = node.type;
+    result->path = node.path;
+    result->name = node.name;
+    result->value = node.value;
+    return result;
+}
+
+std::unique_ptr<wire::TreeSpecT> Copy(wire::TreeSpecT const &spec) { return std::make_unique<wire::TreeSpecT>(spec); }
+
+/// Asks about an open tree. Null if there is no such answer.
+template <class Wanted, class Body>
+std::unique_ptr<Wanted> AskAbout(Repository &repository, char const *what, Body body) {
+    body.tree = Copy(repository.spec);
+    Readers::Call const call{
+        .kind = RequestKind::List, .what = what, .subject = repository.spec.url, .preferred = repository.reader};
+    Readers::Answer answer = Readers::Instance().Ask(call, std::move(body));
+    if (answer.message == nullptr)
+        return nullptr;
+    repository.reader = answer.reader;
+    using Traits = wire::AnswerBodyUnionTraits<Wanted>;
+    if (answer.message->body.type != Traits::enum_value)
+        return nullptr;
+    return std::make_unique<Wanted>(std::move(*static_cast<Wanted *>(answer.message->body.value)));
+}
+
+/// The drivers of the last probe on this thread and those of them that read the file. The drivers that may claim a file
+/// are asked one after the other, within one scope: the first question brings the answers for all.
+struct LastProbe {
+    RequestScope::Clock::time_point scope;
+    DString path;
+    std::vector<DString> asked;
+    std::vector<DString> reading;
+    bool answered = false;
+};
+
+LastProbe &LastProbeOfThread() {
+    thread_local LastProbe probe;
+    return probe;
+}
+
+bool Holds(std::vector<DString> const &ids, DString const &id) {
+    return std::find(ids.begin(), ids.end(), id) != ids.end();
+}
+
+/// Asks that driver, and with it all that may claim a file of that name.
+void Probe(DString const &path, DString const &id, LastProbe &probe) {
+    probe.path = path;
+    probe.asked.assign(1, id);
+    probe.reading.clear();
+    for (BDIDrvr *const candidate : BDIDrvrMngr::Instance()->CandidatesFor(FileNameOf(path)))
+        if (dynamic_cast<RemoteTreeDriver *>(candidate) != nullptr && candidate->GetId() != id)
+            probe.asked.push_back(candidate->GetId());
+    wire::ProbeTreesT body;
+    body.path = path;
+    body.drivers = probe.asked;
+    Readers::Call const call{.kind = RequestKind::Probe, .what = "probe", .subject = path};
+    Readers::Answer const answer = Readers::Instance().Ask(call, std::move(body));
+    wire::ProbedT const *const probed = answer.message == nullptr ? nullptr : answer.message->body.AsProbed();
+    probe.answered = probed != nullptr;
+    if (probed != nullptr)
+        probe.reading = probed->drivers;
+}
+
+} // namespace
+
+int RemoteTreeDriver::GetAttrInt(char const *name) const {
+    if (std::strcmp(name, "BDI_Multiple_Images") == 0)
+        return m_facts.multipleImages;
+    return std::strcmp(name, "BDI_Filtering") == 0 ? m_facts.filtering : 0;
+}
+
+bool RemoteTreeDriver::CanReadPath(DString const &path) const {
+    LastProbe &probe = LastProbeOfThread();
+    RequestScope const *const scope = RequestScope::Current();
+    auto const moment = scope == nullptr ? RequestScope::Clock::time_point() : scope->Begin();
+    bool const known =
+        scope != nullptr && probe.scope == moment && probe.path == path && Holds(probe.asked, m_facts.id);
+    if (!known) {
+        probe.scope = moment;
+        Probe(path, m_facts.id, probe);
+    }
+    return Holds(probe.reading, m_facts.id);
+}
+
+void *RemoteTreeDriver::Open(char const *url, BDIDrvr **opener, BDINode **root, char const *filter, bool family) {
+    if (url == nullptr || *url == '\0')
+        return nullptr;
+    auto repository = std::make_unique<Repository>();
+    repository->spec.id = Readers::Instance().NextId();
+    repository->spec.driver = m_facts.id;
+    repository->spec.family = family;
+    repository->spec.url = url;
+    repository->spec.filter = filter == nullptr ? "" : filter;
+    auto const opened = AskAbout<wire::TreeOpenedT>(*repository, "tree", wire::OpenTreeT());
+    if (opened == nullptr || opened->root == nullptr)
+        return nullptr;
+    BDIDrvr *const named = BDIDrvrMngr::Instance()->GetDrvr(opened->driver.c_str());
+    *opener = dynamic_cast<RemoteTreeDriver *>(named) != nullptr ? named : this;
+    *root = new BDINode(FromWire(std::move(*opened->root)));
+    return repository.release();
+}
+
+void *RemoteTreeDriver::OpenRepository(char const *url, BDINode **root, char const *filter) {
+    BDIDrvr *opener = nullptr;
+    return Open(url, &opener, root, filter, false);
+}
+
+void *RemoteTreeDriver::OpenRepositoryInFamily(char const *url, BDIDrvr **opener, BDINode **root, char const *filter) {
+    return Open(url, opener, root, filter, true);
+}
+
+void RemoteTreeDriver::CloseRepository(void *repository) {
+    if (repository == nullptr)
+        return;
+    wire::CloseTreeT body;
+    body.id = Of(repository).spec.id;
+    Readers::Instance().Tell(Of(repository).reader, std::move(body));
+    delete &Of(repository);
+}
+
+BDINode *RemoteTreeDriver::OpenNode(void *repository, char const *path) {
+    if (repository == nullptr || path == nullptr)
+        return nullptr;
+    wire::FindNodeT body;
+    body.path = path;
+    auto const found = AskAbout<wire::NodeFoundT>(Of(repository), "node", std::move(body));
+    return found == nullptr || found->node == nullptr ? nullptr : new BDINode(FromWire(std::move(*found->node)));
+}
+
+BDINode *RemoteTreeDriver::CloneNode(BDINode const *node) { return node == nullptr ? nullptr : new BDINode(*node); }
+
+void RemoteTreeDriver::CloseNode(BDINode *node) { delete node; }
+
+void *RemoteTreeDriver::FindFirstChildNode(void *repository, BDINode const *node, int mask) {
+    if (repository == nullptr || node == nullptr)
+        return nullptr;
+    wire::ListChildrenT body;
+    body.parent = ToWire(*node);
+    body.mask = mask;
+    auto const listed = AskAbout<wire::ChildrenT>(Of(repository), "children", std::move(body));
+    if (listed == nullptr || listed->nodes.empty())
+        return nullptr;
+    auto walk = std::make_unique<Walk>();
+    walk->children.reserve(listed->nodes.size());
+    for (std::unique_ptr<wire::NodeT> const &child : listed->nodes)
+        if (child != nullptr)
+            walk->children.push_back(FromWire(std::move(*child)));
+    return walk.release();
+}
+
+BDINode const *RemoteTreeDriver::FindNextChildNode(void *find) {
+    auto *walk = static_cast<Walk *>(find);
+    return walk != nullptr && walk->next < walk->children.size() ? &walk->children[walk->next++] : nullptr;
+}
+
+void RemoteTreeDriver::FindClose(void *find) { delete static_cast<Walk *>(find); }
+
+} // namespace zelvar
