@@ -18,7 +18,8 @@ enum class RequestKind {
 inline constexpr int kRequestKinds = 4;
 
 /// Says, while it lives, what the calling thread asks drivers for. Drivers that bound their work take the time budget
-/// from here: all calls inside one scope share it. Scopes may be nested; the inner one counts.
+/// from here: all calls inside one scope share it, but for a listing without a time of its own, which gives it to each
+/// step anew. Scopes may be nested; the inner one counts.
 ///
 /// Probes inside a listing (a scope of kind List around them) share a patience besides: once the probes that came late
 /// have used it up, further ones are only waited for as long as one that finds its answer ready.

@@ -1,5 +1,6 @@
 #include "zelvar/model/ItemListing.h"
 
+#include "zelvar/data/RequestScope.h"
 #include "zelvar/model/FolderVisits.h"
 #include "zelvar/model/NtwDataSourceItem.h"
 #include "zelvar/model/TemplDataSourceItem.h"
@@ -109,6 +110,8 @@ std::vector<ListedItem> ListItems(RefItemPtr<DataSourceItem> const &place, ItemL
     std::vector<ListedItem> lines;
     if (!place)
         return lines;
+    RequestScope const scope(RequestKind::List,
+                             [&] { return options.cancel != nullptr && options.cancel->IsCanceled(); });
     Items const items = Sorted(Collect(place, options), options);
     lines.reserve(items.size());
     for (RefItemPtr<DataSourceItem> const &item : items) {

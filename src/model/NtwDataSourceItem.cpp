@@ -2,6 +2,8 @@
 
 #include "zelvar/base/PathStyle.h"
 #include "zelvar/data/BDIDrvrMngr.h"
+#include "zelvar/data/RDIDriver.h"
+#include "zelvar/data/RequestScope.h"
 #include "zelvar/model/NtwDataSourceItemItr.h"
 #include "zelvar/model/SystemImages.h"
 #include "zelvar/model/TemplDataSourceItem.h"
@@ -20,26 +22,48 @@ BDIDrvr *FindDriver(char const *driverId) {
     return driverId == nullptr || *driverId == '\0' ? nullptr : BDIDrvrMngr::Instance()->GetDrvr(driverId);
 }
 
+constexpr std::chrono::seconds kLeisure{10};
+
 bool HoldsSeveralImages(BDIDrvr const &driver) { return driver.GetAttrInt("BDI_Multiple_Images") == 1; }
 
-/// `path` is made only if a driver has to be asked.
+/// `path` is made only if a driver has to be asked. `*unanswered` is set if one that was gave no answer in time.
 template <class MakePath>
-bool CanOpen(std::string_view fileName, char const *driverId, MakePath const &path) {
-    if (BDIDrvr const *const driver = FindDriver(driverId))
-        return HoldsSeveralImages(*driver) && driver->CanReadPath(path());
+bool CanOpen(std::string_view fileName, char const *driverId, MakePath const &path, bool *unanswered) {
+    if (BDIDrvr const *const driver = FindDriver(driverId)) {
+        RequestScope const scope(RequestKind::Probe);
+        bool const can = HoldsSeveralImages(*driver) && driver->CanReadPath(path());
+        *unanswered = scope.IsUnanswered();
+        return can;
+    }
     // The others would not claim a file of that name, so the answer is that of asking them all.
     std::vector<BDIDrvr *> const &candidates = BDIDrvrMngr::Instance()->CandidatesFor(fileName);
     if (candidates.empty())
         return false;
     DString const text = path();
-    return std::any_of(candidates.begin(), candidates.end(),
-                       [&](BDIDrvr const *driver) { return HoldsSeveralImages(*driver) && driver->CanReadPath(text); });
+    RequestScope const scope(RequestKind::Probe);
+    bool const can = std::any_of(candidates.begin(), candidates.end(), [&](BDIDrvr const *driver) {
+        return HoldsSeveralImages(*driver) && driver->CanReadPath(text);
+    });
+    *unanswered = !can && scope.IsUnanswered();
+    return can;
 }
 
 } // namespace
 
 bool CanOpenAsRepository(DString const &path, char const *driverId) {
-    return CanOpen(FileNameOf(path), driverId, [&] { return path; });
+    bool unanswered = false;
+    return CanOpen(
+        FileNameOf(path), driverId, [&] { return path; }, &unanswered);
+}
+
+std::optional<bool> ClassifyAtLeisure(DString const &path, StopSignal const *stop) {
+    std::vector<BDIDrvr *> const &candidates = BDIDrvrMngr::Instance()->CandidatesFor(FileNameOf(path));
+    RequestScope const scope(
+        RequestKind::Probe, [stop] { return stop != nullptr && stop->load(std::memory_order_relaxed); }, kLeisure);
+    bool const can = std::any_of(candidates.begin(), candidates.end(), [&](BDIDrvr const *driver) {
+        return HoldsSeveralImages(*driver) && driver->CanReadPath(path);
+    });
+    return !can && scope.IsUnanswered() ? std::nullopt : std::optional(can);
 }
 
 HIMAGELIST NtwDataSourceItem::hImageList = nullptr;
@@ -99,8 +123,18 @@ bool NtwDataSourceItem::InitItem(char const *driverId) {
     if (kind == ShellKind::Unknown)
         kind = ShellNamespace::Current().KindOf(m_id).value_or(ShellKind::Unknown);
     if (kind == ShellKind::File)
-        m_type = CanOpen(m_id.Element(), driverId, [this] { return GetPath(); }) ? TYPE_REPOSITORY_FILE : TYPE_FILE;
+        m_type = CanOpen(
+                     m_id.Element(), driverId, [this] { return GetPath(); }, &m_unclassified)
+                     ? TYPE_REPOSITORY_FILE
+                     : TYPE_FILE;
     return true;
+}
+
+void NtwDataSourceItem::SetClassified(bool isContainer) {
+    if (!m_unclassified)
+        return;
+    m_unclassified = false;
+    m_type = isContainer ? TYPE_REPOSITORY_FILE : TYPE_FILE;
 }
 
 void NtwDataSourceItem::InitProps() {
@@ -173,6 +207,7 @@ RefItemPtr<DataSourceItem> NtwDataSourceItem::Clone() {
     copy->m_nameIsElement = m_nameIsElement;
     copy->m_link = m_link;
     copy->m_type = m_type;
+    copy->m_unclassified = m_unclassified;
     copy->m_sysIcon.store(m_sysIcon.load(std::memory_order_relaxed), std::memory_order_relaxed);
     copy->m_fileSize = m_fileSize;
     copy->m_modified = m_modified;

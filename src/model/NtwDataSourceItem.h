@@ -59,6 +59,10 @@ public:
     void InitProps();
     void Clear();
     [[nodiscard]] Type GetType() const { return m_type; }
+    /// Whether no driver answered in time what the file is: it counts as a plain file until somebody asks again.
+    [[nodiscard]] bool IsUnclassified() const { return m_unclassified; }
+    /// What `CanOpenAsRepository` has come to meanwhile. On the thread that the item's window lives on.
+    void SetClassified(bool isContainer);
     [[nodiscard]] platform::ShellId const &GetId() const { return m_id; }
     /// Reached through a symbolic link, as far as the enumeration that made the item told.
     [[nodiscard]] bool IsLink() const { return m_link; }
@@ -78,6 +82,7 @@ private:
     DString m_name; ///< set from outside; empty where it equals the identifier's last element
     bool m_nameIsElement = false;
     bool m_link = false;
+    bool m_unclassified = false;
     Type m_type = TYPE_UNKNOWN;
     RefItemPtr<DataSourceItem> m_repositoryItem; ///< the tree opened from this file; null until the first iteration
     platform::ShellId m_id;
@@ -87,7 +92,11 @@ private:
 };
 
 /// True if a driver reads the plain file at `path` as a tree of several images: the driver with that id, if there is
-/// one, else any.
+/// one, else any. Bounded as a probe, see `RequestScope`.
 [[nodiscard]] ZELVAR_API bool CanOpenAsRepository(DString const &path, char const *driverId);
+
+/// The same with time to spare, for an item that somebody has selected or entered: up to ten seconds, on a worker.
+/// Nothing if there was no answer in time either. `stop` may be null.
+[[nodiscard]] ZELVAR_API std::optional<bool> ClassifyAtLeisure(DString const &path, std::atomic<bool> const *stop);
 
 } // namespace zelvar

@@ -1,6 +1,7 @@
 #include "zelvar/opends/FolderListingWorker.h"
 
 #include "zelvar/base/PathStyle.h"
+#include "zelvar/data/RequestScope.h"
 #include "zelvar/model/FolderVisits.h"
 
 namespace zelvar {
@@ -47,6 +48,8 @@ void FolderListingWorker::Begin(bool same) {
 void FolderListingWorker::Run() {
     m_running = true;
     m_cancelled = false;
+    m_interrupted = false;
+    RequestScope const scope(RequestKind::List, [this] { return IsCanceled(); });
     std::vector<DString> rootPaths = PathsOf(m_request.roots);
     bool const same = m_lastMode == m_mode && !rootPaths.empty() && !m_savedRootPaths.empty() &&
                       CoversRoots(m_savedRootPaths, rootPaths);
@@ -55,7 +58,7 @@ void FolderListingWorker::Run() {
 
     FolderVisits visits;
     for (RefItemPtr<DataSourceItem> const &root : m_request.roots) {
-        if (m_cancelled)
+        if (IsCanceled())
             break;
         if (root != nullptr)
             ListItem(*root, visits);
@@ -74,7 +77,7 @@ void FolderListingWorker::ListItem(DataSourceItem &item, FolderVisits &visits) {
     std::vector<RefItemPtr<DataSourceItem>> subfolders;
     ForEachChild(item, this, m_request.fileFilter.c_str(), m_request.formatId.c_str(), m_request.bdiFilter,
                  m_request.dlgTemplate, [&](RefItemPtr<DataSourceItem> child) {
-                     if (m_cancelled)
+                     if (m_cancelled) // an interrupt keeps what is there
                          return false;
                      // A folder can both be entered and be picked, as far as its kind says so.
                      if (m_mode == FolderListMode::Recursive && child->IsFolder())
@@ -86,7 +89,7 @@ void FolderListingWorker::ListItem(DataSourceItem &item, FolderVisits &visits) {
     if (m_mode != FolderListMode::Recursive)
         return;
     for (RefItemPtr<DataSourceItem> const &folder : subfolders) {
-        if (m_cancelled)
+        if (IsCanceled())
             return;
         if (visits.Enter(*folder))
             ListItem(*folder, visits);

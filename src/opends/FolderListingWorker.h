@@ -6,6 +6,7 @@
 #include "zelvar/opends/core/ListingContent.h"
 
 #include <atomic>
+#include <functional>
 #include <list>
 #include <vector>
 
@@ -39,6 +40,8 @@ public:
     void SetMode(FolderListMode mode);
     void SetSort(ListingSort sort, bool ascending);
     void SetRequest(Request request) { m_request = std::move(request); }
+    /// Asked often while a run goes on, on its thread: true ends the run, and what has been found stays. May be empty.
+    void SetInterrupt(std::function<bool()> interrupt) { m_interrupt = std::move(interrupt); }
     void ClearRoots() { m_request.roots.clear(); }
     /// Tells a run to stop; with `wait` returns when it has.
     void Stop(bool wait);
@@ -47,7 +50,7 @@ public:
     void ClearPending() { m_content.ClearPending(); }
 
     void Run() override;
-    [[nodiscard]] bool IsCanceled() override { return m_cancelled; }
+    [[nodiscard]] bool IsCanceled() override { return m_cancelled || IsInterrupted(); }
 
 private:
     struct ItemTraits {
@@ -58,6 +61,7 @@ private:
     };
 
     void Begin(bool same);
+    bool IsInterrupted() { return m_interrupted = m_interrupted || (m_interrupt && m_interrupt()); }
     void ListItem(DataSourceItem &item, class FolderVisits &visits);
     [[nodiscard]] bool IsTaken(DataSourceItem const &child) const;
 
@@ -65,6 +69,8 @@ private:
     Request m_request;
     std::atomic<bool> m_running{false};
     std::atomic<bool> m_cancelled{false};
+    std::function<bool()> m_interrupt;
+    bool m_interrupted = false; ///< on the thread of the run
     FolderListMode m_mode = FolderListMode::Folders;
     FolderListMode m_lastMode =
         FolderListMode::Folders; ///< of the last finished run, or the one that `SetMode` replaced

@@ -129,7 +129,8 @@ std::shared_ptr<ReaderProcess> ReaderProcess::Start(ReaderSettings const &settin
 }
 
 ReaderProcess::ReaderProcess(int number, pid_t pid, int socket, std::unique_ptr<wire::SharedMemory> status)
-    : m_number(number), m_pid(pid), m_pidFile(static_cast<int>(syscall(SYS_pidfd_open, pid, 0))), m_channel(socket), m_status(std::move(status)) {}
+    : m_number(number), m_pid(pid), m_pidFile(static_cast<int>(syscall(SYS_pidfd_open, pid, 0))), m_channel(socket),
+      m_status(std::move(status)) {}
 
 ReaderProcess::~ReaderProcess() { Kill(std::chrono::milliseconds(0)); }
 

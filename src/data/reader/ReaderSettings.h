@@ -22,7 +22,7 @@ struct ReaderSettings {
 
     /// By `RequestKind`.
     std::array<RequestBudget, kRequestKinds> budgets{{
-        {std::chrono::milliseconds(100), 256 * kMebibyte},     // probe: on the listing thread
+        {std::chrono::milliseconds(50), 256 * kMebibyte},      // probe: on the listing thread, often the windows' own
         {std::chrono::milliseconds(30'000), 1024 * kMebibyte}, // list
         {std::chrono::milliseconds(30'000), 1024 * kMebibyte}, // properties
         {std::chrono::milliseconds(60'000), 2048 * kMebibyte}, // preview

@@ -49,7 +49,8 @@ Readers::Terms Readers::TermsOf(Call const &call) const {
         .begin = Clock::now(),
         .deadline = {},
         .isStopped = [&call, scope] { return IsStopSet(call.stop) || (scope != nullptr && scope->IsStopped()); }};
-    if (ofScope)
+    // A listing may go on for as long as it finds something: its budget is that of each step.
+    if (ofScope && (kind != RequestKind::List || scope->Time()))
         terms.time -= std::chrono::duration_cast<milliseconds>(terms.begin - scope->Begin());
     if (RequestScope const *const listing = scope == nullptr || kind != RequestKind::Probe ? nullptr : scope->Listing())
         terms.time = std::min(terms.time, m_pool.Patience() - listing->wasted);
@@ -159,19 +160,21 @@ Readers::Outcome Readers::Wait(ReaderPool::Loan const &loan, Terms const &terms,
         if (result != Result::Late)
             return {Ending::Crashed, false};
         if (terms.isStopped())
-            return GiveUp(loan, number, answer, Ending::Stopped);
+            return GiveUp(loan, terms, number, answer, Ending::Stopped);
         if (Clock::now() >= terms.deadline)
-            return GiveUp(loan, number, answer, Ending::Late);
+            return GiveUp(loan, terms, number, answer, Ending::Late);
         if (looks % kLooksPerMemoryLook == 0 && terms.memory != 0 && loan->ResidentBytes() > terms.memory + kOwnMemory)
             return {Ending::TooLarge, false};
     }
 }
 
-Readers::Outcome Readers::GiveUp(ReaderPool::Loan const &loan, std::uint64_t number, Answer &answer, Ending why) {
+Readers::Outcome Readers::GiveUp(ReaderPool::Loan const &loan, Terms const &terms, std::uint64_t number, Answer &answer,
+                                 Ending why) {
+    milliseconds const grace = terms.kind == RequestKind::Probe ? kProbeGrace : kGrace;
     wire::StopT stop;
     stop.number = number;
     Send(loan, wire::PackRequest(0, 0, std::move(stop)), -1);
-    Result const result = Receive(loan, Clock::now() + kGrace, number, answer);
+    Result const result = Receive(loan, Clock::now() + grace, number, answer);
     if (result != Result::Done)
         return {result == Result::Late ? why : Ending::Crashed, false};
     // An answer that was on its way counts; that it was stopped does not.

@@ -81,7 +81,7 @@ private:
         bool inStep = false; ///< the reader has no request under way any more
     };
     Outcome Wait(ReaderPool::Loan const &loan, Terms const &terms, std::uint64_t number, Answer &answer);
-    Outcome GiveUp(ReaderPool::Loan const &loan, std::uint64_t number, Answer &answer, Ending why);
+    Outcome GiveUp(ReaderPool::Loan const &loan, Terms const &terms, std::uint64_t number, Answer &answer, Ending why);
     wire::MessageChannel::Result Receive(ReaderPool::Loan const &loan, wire::MessageChannel::Clock::time_point deadline,
                                          std::uint64_t number, Answer &answer);
     /// Ends a reader that is not in step, and remembers what is to be remembered. The reason, in words.

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "zelvar/platform/ui/WindowMessage.h"
+
+#include <QtCore/QObject>
+
+#include <chrono>
+
+namespace zelvar::platform {
+
+/// Lets the user stop work that runs on the windows' thread by its nature: while it goes on, windows are painted, and
+/// Escape is heard once it has run for 300 ms; an attempt to close a window counts as Escape. Nothing else happens
+/// meanwhile: other keys and clicks are dropped, as they were meant for what is about to be replaced, timers wait, and
+/// messages are delivered afterwards.
+///
+/// User-interface thread. One that is made inside another's life leaves the work to that one.
+class ZELVAR_API EscapeWatch : public QObject {
+public:
+    EscapeWatch();
+    ~EscapeWatch() override;
+
+    /// To be called often, it costs a look at the clock; true from the moment at which Escape was pressed.
+    bool IsPressed();
+
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    using Clock = std::chrono::steady_clock;
+    void Look();
+
+    HeldMessages m_held;
+    Clock::time_point m_next; ///< look at the events
+    bool m_outermost;
+    bool m_looking = false;
+    bool m_pressed = false;
+};
+
+} // namespace zelvar::platform
