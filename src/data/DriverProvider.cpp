@@ -42,6 +42,8 @@ void EnsureDrivers() {
     state.done.store(true, std::memory_order_release);
 }
 
+bool AreDriversReady() { return TheState().done.load(std::memory_order_acquire); }
+
 void ForgetDrivers() {
     State &state = TheState();
     std::lock_guard const lock(state.mutex);

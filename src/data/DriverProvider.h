@@ -12,6 +12,8 @@ using DriverProvider = std::function<void()>;
 ZELVAR_API void SetDriverProvider(DriverProvider provider);
 /// Runs the provider unless it has run; others wait until it is through. Any thread.
 ZELVAR_API void EnsureDrivers();
+/// Whether the provider has run: then a question to a manager costs nothing more.
+[[nodiscard]] ZELVAR_API bool AreDriversReady();
 /// Lets the provider run again at the next question. For tests.
 ZELVAR_API void ForgetDrivers();
 

@@ -21,6 +21,8 @@ inline constexpr int kRequestKinds = 4;
 /// from here: all calls inside one scope share it, but for a listing without a time of its own, which gives it to each
 /// step anew. Scopes may be nested; the inner one counts.
 ///
+/// A scope with a time of its own bounds those inside it too.
+///
 /// Probes inside a listing (a scope of kind List around them) share a patience besides: once the probes that came late
 /// have used it up, further ones are only waited for as long as one that finds its answer ready.
 class ZELVAR_API RequestScope {
@@ -29,9 +31,10 @@ public:
     using StopQuestion = std::function<bool()>;
 
     /// `isStopped` may be empty; it is asked on this thread, every few milliseconds while a driver is waited for.
-    /// `time` takes the place of the kind's budget.
+    /// `time` takes the place of the kind's budget. One that stands alone knows nothing of the scopes around it.
+    enum class Nesting { Inside, Alone };
     explicit RequestScope(RequestKind kind, StopQuestion isStopped = {},
-                          std::optional<std::chrono::milliseconds> time = {});
+                          std::optional<std::chrono::milliseconds> time = {}, Nesting nesting = Nesting::Inside);
     ~RequestScope();
     RequestScope(RequestScope const &) = delete;
     RequestScope &operator=(RequestScope const &) = delete;
@@ -41,13 +44,15 @@ public:
 
     [[nodiscard]] RequestKind Kind() const { return m_kind; }
     [[nodiscard]] Clock::time_point Begin() const { return m_begin; }
-    [[nodiscard]] std::optional<std::chrono::milliseconds> Time() const { return m_time; }
+    [[nodiscard]] bool HasOwnTime() const { return m_time.has_value(); }
+    /// What is left of the times of this scope and those around it; nothing if none has one.
+    [[nodiscard]] std::optional<std::chrono::milliseconds> TimeLeft() const;
     /// Whether this scope or one around it wants to end.
     [[nodiscard]] bool IsStopped() const;
 
     /// A driver says that it gave up on a call inside this scope, without an answer.
-    void SetUnanswered() { m_unanswered = true; }
-    /// Whether one did: then "no" means "not known".
+    void SetUnanswered();
+    /// Whether one did, here or in a scope inside: then "no" means "not known".
     [[nodiscard]] bool IsUnanswered() const { return m_unanswered; }
 
     /// The listing around this scope, or null.
@@ -56,7 +61,8 @@ public:
     std::chrono::milliseconds wasted{0};
 
 private:
-    RequestScope *m_outer;
+    RequestScope *m_former; ///< of this thread
+    RequestScope *m_outer;  ///< what this one stands in
     RequestKind m_kind;
     StopQuestion m_isStopped;
     std::optional<std::chrono::milliseconds> m_time;

@@ -69,11 +69,7 @@ TemplDataSourceItem *TemplDataSourceItem::CreateItem(XMLNode const *definition) 
     auto rep = boost::make_shared<CRep>();
     rep->m_url = url;
     if (XMLNode const *const driver = definition->GetChldNode("BDIDriver"))
-        if (DString const id = driver->GetAttrStr("id"); !id.empty()) {
-            rep->m_drvr = BDIDrvrMngr::Instance()->GetDrvr(id.c_str());
-            Report::TraceMessage(Report::kTraceDriver, "BDI driver with ID \"%s\" was created? %s", id.c_str(),
-                                 YesOrNo(rep->m_drvr != nullptr));
-        }
+        rep->m_drvrId = driver->GetAttrStr("id");
     if (XMLNode const *const driver = definition->GetChldNode("RDIDriver")) {
         rep->m_rdiDriverId = driver->GetAttrStr("id");
         Report::TraceMessage(Report::kTraceDriver, "RDI driver ID \"%s\"", rep->m_rdiDriverId.c_str());
@@ -156,10 +152,24 @@ TemplDataSourceItem *TemplDataSourceItem::CreateNodeItem(RefItemPtr<TemplDataSou
 // The node goes first, while the repository that it came from is still open.
 TemplDataSourceItem::~TemplDataSourceItem() { TemplDataSourceItem::CloseNode(); }
 
-BDIDrvr *TemplDataSourceItem::Driver() const { return m_rep ? m_rep->m_drvr : nullptr; }
+BDIDrvr *TemplDataSourceItem::CRep::Driver() {
+    if (m_drvrId.empty())
+        return m_drvr;
+    DSingleLock const lock(m_lock);
+    if (DString const id = std::exchange(m_drvrId, {}); !id.empty()) {
+        m_drvr = BDIDrvrMngr::Instance()->GetDrvr(id.c_str());
+        Report::TraceMessage(Report::kTraceDriver, "BDI driver with ID \"%s\" was created? %s", id.c_str(),
+                             YesOrNo(m_drvr != nullptr));
+    }
+    return m_drvr;
+}
+
+BDIDrvr *TemplDataSourceItem::Driver() const { return m_rep ? m_rep->Driver() : nullptr; }
 
 void TemplDataSourceItem::CloseNode() {
-    if (BDIDrvr *const driver = Driver(); driver != nullptr && m_node != nullptr)
+    if (m_node == nullptr)
+        return;
+    if (BDIDrvr *const driver = Driver())
         driver->CloseNode(m_node);
     m_node = nullptr;
 }
@@ -257,8 +267,8 @@ bool TemplDataSourceItem::CreateRepository() {
     if (m_rep->m_repository == nullptr && !m_rep->m_url.empty()) {
         BDINode *node = nullptr;
         DError error; // shown nowhere: the log line below tells
-        if (m_rep->m_drvr != nullptr)
-            m_rep->m_repository = m_rep->m_drvr->OpenRepository(m_rep->m_url.c_str(), &node, nullptr);
+        if (BDIDrvr *const named = m_rep->Driver())
+            m_rep->m_repository = named->OpenRepository(m_rep->m_url.c_str(), &node, nullptr);
         else
             m_rep->m_repository =
                 BDIDrvrMngr::Instance()->OpenFile(m_rep->m_url.c_str(), &m_rep->m_drvr, &node, nullptr, &error);
@@ -275,8 +285,8 @@ bool TemplDataSourceItem::CreateRepository() {
 }
 
 bool TemplDataSourceItem::IsFilterSupported() {
-    BDIDrvr const *const driver = Driver();
-    return driver != nullptr && m_rep->m_repository != nullptr && driver->GetAttrInt("BDI_Filtering") == 1;
+    BDIDrvr const *const driver = !m_rep || m_rep->m_repository == nullptr ? nullptr : Driver();
+    return driver != nullptr && driver->GetAttrInt("BDI_Filtering") == 1;
 }
 
 bool TemplDataSourceItem::ResetFilter(char const *filter) {

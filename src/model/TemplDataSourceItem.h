@@ -94,7 +94,11 @@ struct TemplDataSourceItem::CRep {
     DMutex m_lock;
     void *m_repository = nullptr;
     std::vector<void *> m_formerRepositories; ///< replaced by a filter while nodes of theirs live
-    BDIDrvr *m_drvr = nullptr;                ///< the manager's; null until one is chosen at the opening
+    /// The manager's; null until one is chosen at the opening. The one that a definition names is looked up at the first
+    /// question: drivers may take a moment to come, and a list of definitions needs none.
+    BDIDrvr *Driver();
+    BDIDrvr *m_drvr = nullptr;
+    DString m_drvrId; ///< not looked up yet
     DString m_rdiDriverId;
     std::int32_t m_iconDataSource = -1; ///< indexes in `m_imageList`
     std::int32_t m_iconFolder = -1;

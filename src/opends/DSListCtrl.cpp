@@ -5,6 +5,7 @@
 #include "zelvar/opends/ItemColors.h"
 #include "zelvar/opends/core/ListingTexts.h"
 #include "zelvar/platform/ui/ControlId.h"
+#include "zelvar/platform/ui/EscapeWatch.h"
 #include "zelvar/platform/ui/Text.h"
 
 #include <QtGui/QPainter>
@@ -179,7 +180,12 @@ void DSListCtrl::StartWindowFilling() {
         return;
     AddParentRow();
     m_worker.SetRequest({m_rootItems, m_fileFilter, m_formatId, m_dlgTemplate, m_bdiFilter});
-    m_worker.Run(); // to its end, on this thread
+    {
+        platform::EscapeWatch watch;
+        m_worker.SetInterrupt([&watch] { return watch.IsPressed(); });
+        m_worker.Run(); // to its end, on this thread
+        m_worker.SetInterrupt({});
+    }
     SavePaneState();
 }
 

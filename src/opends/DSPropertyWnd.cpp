@@ -1,6 +1,7 @@
 #include "zelvar/opends/DSPropertyWnd.h"
 
 #include "zelvar/controls/CZelPropList.h"
+#include "zelvar/model/NtwDataSourceItem.h"
 #include "zelvar/opends/DSMessages.h"
 #include "zelvar/opends/ImageExtraWnd.h"
 #include "zelvar/opends/ImagePreviewWnd.h"
@@ -52,7 +53,10 @@ DSPropertyWnd::DSPropertyWnd(QWidget *parent) : CZelTabCtrl(parent), m_target(th
     tabBar()->setStyle(compact);
 }
 
-DSPropertyWnd::~DSPropertyWnd() { m_target.Detach(); }
+DSPropertyWnd::~DSPropertyWnd() {
+    m_target.Detach();
+    m_worker->Release();
+}
 
 bool DSPropertyWnd::event(QEvent *event) { return m_messages.Dispatch(*event) || CZelTabCtrl::event(event); }
 
@@ -80,7 +84,7 @@ int DSPropertyWnd::Create(Rect const &rect, DLGTemplate dlgTemplate, QWidget *pa
         ShowTab(m_optionsTab, false, true, false);
     }
     SetActiveTab(0);
-    m_worker.SetOwner(m_target, m_dlgTemplate);
+    m_worker->SetOwner(m_target, m_dlgTemplate);
     return 0;
 }
 
@@ -120,7 +124,7 @@ void DSPropertyWnd::ShowProps(RefItemPtr<DataSourceItem> item, char const *forma
     m_shownOptions = options;
     m_shownFormat = formatText;
     ClearWnd(ImagePreviewWnd::ModeWaiting);
-    m_worker.Restart(std::move(item), formatText, options);
+    m_worker->Restart(std::move(item), formatText, options);
 }
 
 void DSPropertyWnd::ClearWnd(int mode) {
@@ -132,14 +136,14 @@ void DSPropertyWnd::ClearWnd(int mode) {
 
 void DSPropertyWnd::Clear() {
     m_closing = true;
-    m_worker.Cancel();
+    m_worker->Cancel();
     ClearWnd(ImagePreviewWnd::ModeNothing);
 }
 
 void DSPropertyWnd::OnCanvasReady(platform::MessageParam first, platform::MessageParam) {
     if (m_closing || m_previewWnd == nullptr)
         return;
-    std::optional<DCanvas> canvas = m_worker.TakeCanvas();
+    std::optional<DCanvas> canvas = m_worker->TakeCanvas();
     if (first == 1 && canvas && canvas->HasData()) {
         m_previewWnd->GetCanvas() = std::move(*canvas);
         m_previewWnd->ShowCanvas();
@@ -149,9 +153,15 @@ void DSPropertyWnd::OnCanvasReady(platform::MessageParam first, platform::Messag
 }
 
 void DSPropertyWnd::OnPropsReady(platform::MessageParam, platform::MessageParam) {
+    if (std::optional<Worker::Classified> const classified = m_worker->TakeClassified())
+        if (auto *const file = dynamic_cast<NtwDataSourceItem *>(classified->item.get())) {
+            file->SetClassified(classified->isContainer);
+            if (m_onClassified)
+                m_onClassified();
+        }
     if (m_closing)
         return;
-    if (std::optional<PropertyMap> props = m_worker.TakeProps()) {
+    if (std::optional<PropertyMap> props = m_worker->TakeProps()) {
         m_props = std::move(*props);
         UpdateProperties();
     }

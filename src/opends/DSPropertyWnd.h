@@ -51,8 +51,10 @@ public:
     [[nodiscard]] ImagePreviewWnd *Preview() const { return m_previewWnd; }
     [[nodiscard]] ImageExtraWnd *Extra() const { return m_extraWnd; }
     [[nodiscard]] CZelPropList *Properties() const { return m_propList; }
+    /// Told after an item has turned out to be something else than its listing took it for. User-interface thread.
+    void SetClassifiedHandler(std::function<void()> handler) { m_onClassified = std::move(handler); }
     /// True while the worker reads.
-    [[nodiscard]] bool IsReading() const { return m_worker.IsBusy(); }
+    [[nodiscard]] bool IsReading() const { return m_worker->IsBusy(); }
 
 protected:
     bool event(QEvent *event) override;
@@ -74,6 +76,7 @@ private:
     ImageExtraWnd *m_extraWnd = nullptr;     ///< likewise
     CZelPropList *m_propList = nullptr;      ///< a child
     PropertyMap m_props;
+    std::function<void()> m_onClassified;
     bool m_closing = false; ///< set by `Clear`: results that come until the next job are dropped
     DLGTemplate m_dlgTemplate = DT_DATA;
     int m_optionsTab = -1; ///< below 0 for none
@@ -83,7 +86,7 @@ private:
     DString m_shownPath;             ///< the key of the last job, with the two below
     DString m_shownOptions;
     DString m_shownFormat;
-    Worker m_worker;
+    std::shared_ptr<Worker> m_worker = Worker::Create();
 };
 
 } // namespace zelvar

@@ -4,6 +4,8 @@
 #include "zelvar/base/DFile.h"
 #include "zelvar/controls/CZelComboBox.h"
 #include "zelvar/data/BDIDrvrMngr.h"
+#include "zelvar/data/RequestScope.h"
+#include "zelvar/data/reader/DriverModule.h"
 #include "zelvar/opends/DSDataSourceWnd.h"
 #include "zelvar/opends/DSListCtrl.h"
 #include "zelvar/opends/DSMessages.h"
@@ -13,6 +15,7 @@
 #include "zelvar/opends/OpenDialogTemplate.h"
 #include "zelvar/opends/core/DialogState.h"
 #include "zelvar/platform/ui/ControlId.h"
+#include "zelvar/platform/ui/EscapeWatch.h"
 #include "zelvar/platform/ui/Pictures.h"
 #include "zelvar/platform/ui/Text.h"
 #include "zelvar/settings/DfltFldrs.h"
@@ -24,6 +27,7 @@
 #include <QtWidgets/QPushButton>
 
 #include <algorithm>
+#include <utility>
 
 namespace zelvar {
 
@@ -33,9 +37,10 @@ using platform::ToQString;
 
 namespace {
 
-constexpr int kStateInterval = 200; // ms
-constexpr int kInch = 96;           // pixels before scaling
-constexpr int kMinTrack = 10;       // pixels of a row or column
+constexpr int kStateInterval = 200;            // ms
+constexpr std::chrono::milliseconds kSoon{60}; // before the first paint
+constexpr int kInch = 96;                      // pixels before scaling
+constexpr int kMinTrack = 10;                  // pixels of a row or column
 constexpr Size kMeasureButton{10, 10};
 
 constexpr char kSection[] = "DlgOpenDS";
@@ -70,6 +75,7 @@ DlgOpenDS::DlgOpenDS(DVector<DFileFrmt *> const &formats, DFileFrmt *format, DLG
                      char const *historyKey, QWidget *parent)
     : cdxCDynamicDialog(kOpenDialogTemplate, parent, FreedomAll, FlagSizeIcon | FlagAntiFlicker), m_formats(formats),
       m_format(format), m_dlgTemplate(dlgTemplate), m_historyKey(historyKey == nullptr ? "" : historyKey) {
+    WarmReaders();
     WireMessages();
 }
 
@@ -163,6 +169,7 @@ void DlgOpenDS::AssignWndVars() {
     m_mainList = qobject_cast<DSListCtrl *>(m_splitter->GetPane(0, 2));
     m_dataSourceWnd = qobject_cast<DSDataSourceWnd *>(m_leftSplitter->GetPane(0, 0));
     m_propertyWnd = qobject_cast<DSPropertyWnd *>(m_leftSplitter->GetPane(1, 0));
+    m_propertyWnd->SetClassifiedHandler([this] { m_mainList->viewport()->update(); });
     m_dataSourceList = m_dataSourceWnd->GetDataSourceList();
     m_folderList = m_dataSourceWnd->GetFolderList();
     m_mainList->setObjectName("mainList");
@@ -232,13 +239,41 @@ bool DlgOpenDS::OnInitDialog() {
 
     m_stateTimer = startTimer(kStateInterval);
     qApp->installEventFilter(this);
+    // The window does not wait for its place: one that is not there soon is listed when the window can be seen.
+    if (!AreReadersStarting())
+        m_place = ShowInitialPlace(kSoon) ? Place::Shown : Place::Partly;
+    m_layoutDone = true;
+    m_cancelButton->setFocus();
+    return false; // the focus is set
+}
+
+bool DlgOpenDS::ShowInitialPlace(std::optional<std::chrono::milliseconds> time) {
+    RequestScope const scope(RequestKind::List, {}, time);
     if (m_initItem != nullptr)
         ShowItem(m_initItem);
     else
         GoToDir(m_initDir, false);
-    m_layoutDone = true;
-    m_cancelButton->setFocus();
-    return false; // the focus is set
+    return !scope.IsUnanswered();
+}
+
+void DlgOpenDS::paintEvent(QPaintEvent *event) {
+    cdxCDynamicDialog::paintEvent(event);
+    Place const place = std::exchange(m_place, Place::Shown);
+    if (place == Place::Shown)
+        return;
+    // Behind the paint, not inside it.
+    QMetaObject::invokeMethod(
+        this,
+        [this, place] {
+            platform::EscapeWatch const watch;
+            ShowInitialPlace(std::nullopt);
+            if (place == Place::NotYet)
+                return;
+            // The lists take what they have shown for all there is.
+            m_folderList->Refresh();
+            m_mainList->Refresh();
+        },
+        Qt::QueuedConnection);
 }
 
 QWidget *DlgOpenDS::MakeControl(platform::DialogItem const &item) {

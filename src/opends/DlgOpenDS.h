@@ -12,8 +12,10 @@
 #include "zelvar/platform/ui/DialogTemplate.h"
 #include "zelvar/platform/ui/WindowMessage.h"
 
+#include <chrono>
 #include <list>
 #include <memory>
+#include <optional>
 
 class QCheckBox;
 class QLineEdit;
@@ -100,7 +102,11 @@ protected:
     void OnOK() override;
     bool event(QEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
+    /// Lists the place that the dialog begins at, for so long at most; nothing for as long as it takes. False if not all
+    /// of it came in time.
+    bool ShowInitialPlace(std::optional<std::chrono::milliseconds> time);
     void resizeEvent(QResizeEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
     void timerEvent(QTimerEvent *event) override;
 
 private:
@@ -174,6 +180,8 @@ private:
     std::unique_ptr<PathButtonRow> m_pathButtons;
 
     bool m_layoutDone = false;
+    enum class Place { Shown, NotYet, Partly };
+    Place m_place = Place::NotYet; ///< the one that the dialog begins at
     DVectorSafe<BDIMoniker> m_monikers;
     RefItemPtr<DataSourceItem> m_rootItem;
     RefItemPtr<DataSourceItem> m_initItem;

@@ -14,6 +14,7 @@
 #include "zelvar/opends/SplitterBar.h"
 #include "zelvar/platform/ui/ControlId.h"
 #include "zelvar/platform/ui/EllipsisLabel.h"
+#include "zelvar/platform/ui/EscapeWatch.h"
 #include "zelvar/platform/ui/Text.h"
 
 #include <QtGui/QKeyEvent>
@@ -105,6 +106,7 @@ void DlgOpenDS::OnHome() {
 // -------------------------------------------------------------------------------------------------- what is shown
 
 void DlgOpenDS::ShowItem(RefItemPtr<DataSourceItem> item) {
+    platform::EscapeWatch const watch; // one Escape for all lists
     ItemList const items{std::move(item)};
     m_dataSourceWnd->SwitchToFolderView();
     m_folderList->ResetItems(items);
@@ -139,6 +141,7 @@ void DlgOpenDS::OnListRecursively() {
 }
 
 void DlgOpenDS::ApplyFileFilter(char const *mask, char const *formatId) {
+    platform::EscapeWatch const watch; // one Escape for all lists
     m_folderList->ApplyFileFilter(mask, formatId);
     m_folderList->Refresh();
     m_hierarchyList->ApplyFileFilter(mask, formatId);
@@ -165,6 +168,7 @@ void DlgOpenDS::OnSelendokHist() { GoToDir(m_histCombo->GetWindowText(), true); 
 // ------------------------------------------------------------------------------------------- what the panes tell
 
 void DlgOpenDS::OnDataSourceSelected(MessageParam, MessageParam) {
+    platform::EscapeWatch const watch; // one Escape for all lists
     ItemList items;
     m_dataSourceList->GetSelectedItems(items);
     m_hierarchyList->ResetDataSources(items);
@@ -174,6 +178,7 @@ void DlgOpenDS::OnDataSourceSelected(MessageParam, MessageParam) {
 }
 
 void DlgOpenDS::OnDataItemSelected(MessageParam pane, MessageParam) {
+    platform::EscapeWatch const watch; // one Escape for all lists
     ItemList items;
     if (m_hierarchyList != nullptr)
         m_hierarchyList->GetSelectedItems(static_cast<unsigned>(pane), items);
@@ -186,6 +191,7 @@ void DlgOpenDS::OnDataItemSelected(MessageParam pane, MessageParam) {
 }
 
 void DlgOpenDS::OnFirstPaneDataItemSelected(MessageParam, MessageParam) {
+    platform::EscapeWatch const watch; // one Escape for all lists
     ItemList items;
     m_folderList->GetSelectedItems(items);
     if (!CanShow(items))
@@ -227,11 +233,19 @@ void DlgOpenDS::OnDSOptionsChanged(MessageParam first, MessageParam second) {
 }
 
 void DlgOpenDS::OnImageDblClick(MessageParam, MessageParam) {
+    // What the listing had to take for a plain file, and has turned out to be a container since, is entered.
+    ItemList const items = SelectedImages();
+    auto const *const file = items.size() == 1 ? dynamic_cast<NtwDataSourceItem *>(items.front().get()) : nullptr;
+    if (file != nullptr && file->IsFolder()) {
+        ShowItem(items.front());
+        return;
+    }
     QMetaObject::invokeMethod(
         this, [this] { OnOK(); }, Qt::QueuedConnection);
 }
 
 void DlgOpenDS::OnRootChanged(MessageParam, MessageParam) {
+    platform::EscapeWatch const watch; // one Escape for all lists
     ItemList roots;
     m_hierarchyList->GetRootItems(roots);
     if (roots.empty()) {
@@ -250,6 +264,7 @@ void DlgOpenDS::OnRootChanged(MessageParam, MessageParam) {
 }
 
 void DlgOpenDS::OnFirstPaneRootChanged(MessageParam, MessageParam) {
+    platform::EscapeWatch const watch; // one Escape for all lists
     ItemList roots;
     m_dataSourceWnd->GetRootItems(roots);
     m_hierarchyList->ResetDataSources(roots);
@@ -288,6 +303,7 @@ bool DlgOpenDS::ProcessKey(int key, QWidget *focus) {
 }
 
 void DlgOpenDS::ProcessRefreshKey(QWidget *focus) {
+    platform::EscapeWatch const watch; // one Escape for all lists
     if (IsWithin(m_dataSourceList, focus)) {
         m_dataSourceList->ResetSelectedItems();
     } else if (IsWithin(m_hierarchyList, focus)) {

@@ -1,14 +1,15 @@
 #include "zelvar/opends/PropertyWorker.h"
 
+#include "zelvar/model/NtwDataSourceItem.h"
 #include "zelvar/opends/DSMessages.h"
 
 #include <utility>
 
 namespace zelvar {
 
-PropertyWorker::~PropertyWorker() {
+void PropertyWorker::Release() {
     Cancel();
-    Finish();
+    Abandon(); // the thread holds this object until it has ended
 }
 
 void PropertyWorker::SetOwner(platform::MessageTarget target, DLGTemplate dlgTemplate) {
@@ -24,11 +25,13 @@ void PropertyWorker::Restart(RefItemPtr<DataSourceItem> item, DString format, DS
         if (m_running)
             return; // the thread at work sees the signal and takes the job itself
         m_running = true;
+        m_self = shared_from_this();
     }
     Finish(); // the former body has ended; its thread is about to
     if (!Start()) {
         DSingleLock const lock(m_stateLock);
         m_running = false;
+        m_self.reset();
     }
 }
 
@@ -53,11 +56,17 @@ std::optional<DCanvas> PropertyWorker::TakeCanvas() {
     return std::exchange(m_canvas, std::nullopt);
 }
 
+std::optional<PropertyWorker::Classified> PropertyWorker::TakeClassified() {
+    DSingleLock const lock(m_propsLock);
+    return std::exchange(m_classified, std::nullopt);
+}
+
 bool PropertyWorker::TakeJob(Job &job) {
     DSingleLock const lock(m_stateLock);
     job = std::exchange(m_pending, {});
     if (job.item == nullptr) {
         m_running = false;
+        m_self.reset(); // the body still holds it
         return false;
     }
     m_cancel = false;
@@ -65,8 +74,21 @@ bool PropertyWorker::TakeJob(Job &job) {
 }
 
 void PropertyWorker::Run() {
+    // The last owner may be this thread.
+    std::shared_ptr<PropertyWorker> const self = shared_from_this();
     for (Job job; TakeJob(job);)
         Work(job);
+}
+
+void PropertyWorker::Classify(Job const &job) {
+    auto const *const file = dynamic_cast<NtwDataSourceItem const *>(job.item.get());
+    if (file == nullptr || !file->IsUnclassified())
+        return;
+    std::optional<bool> const isContainer = ClassifyAtLeisure(file->GetPath(), &m_cancel);
+    if (!isContainer || m_cancel)
+        return;
+    DSingleLock const lock(m_propsLock);
+    m_classified = {job.item, *isContainer};
 }
 
 void PropertyWorker::Work(Job const &job) {
@@ -75,6 +97,7 @@ void PropertyWorker::Work(Job const &job) {
     DString const driverId = job.item->GetRDIDriverId();
     bool ok = false;
     if (!path.empty()) {
+        Classify(job);
         PropertyMap props;
         ok = ReadItemProperties(path, driverId, job.options, m_dlgTemplate, &m_cancel, props);
         {

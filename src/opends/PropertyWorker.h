@@ -7,6 +7,7 @@
 #include "zelvar/model/ItemProperties.h"
 #include "zelvar/platform/ui/MessageTarget.h"
 
+#include <memory>
 #include <optional>
 
 namespace zelvar {
@@ -16,13 +17,17 @@ namespace zelvar {
 /// `Restart` and the takers belong to the user-interface thread, `Run` to the worker's. What crosses goes through the
 /// members under their locks; the messages only tell that it is there. At most one job waits; a newer one replaces it,
 /// and the one under way is told to stop.
-class ZELVAR_API PropertyWorker final : public DThread {
+///
+/// It lives as long as its thread: a window that closes while a file system does not answer lets go of it and does not
+/// wait.
+class ZELVAR_API PropertyWorker final : public DThread, public std::enable_shared_from_this<PropertyWorker> {
 public:
-    PropertyWorker() = default;
-    /// Tells the body to stop and waits for its end.
-    ~PropertyWorker() override;
+    static std::shared_ptr<PropertyWorker> Create() { return std::shared_ptr<PropertyWorker>(new PropertyWorker); }
+    ~PropertyWorker() override = default;
     PropertyWorker(PropertyWorker const &) = delete;
     PropertyWorker &operator=(PropertyWorker const &) = delete;
+    /// The window goes: what is under way is stopped and its results are dropped. Does not wait.
+    void Release();
 
     /// Once, before the first job. The window that `target` stands for gets the messages.
     void SetOwner(platform::MessageTarget target, DLGTemplate dlgTemplate);
@@ -39,10 +44,18 @@ public:
     [[nodiscard]] std::optional<PropertyMap> TakeProps();
     /// The same for the picture, which is empty where the read has failed.
     [[nodiscard]] std::optional<DCanvas> TakeCanvas();
+    /// An item that its listing could not classify in time, and whether it is a container, moved out with the
+    /// properties.
+    struct Classified {
+        RefItemPtr<DataSourceItem> item;
+        bool isContainer = false;
+    };
+    [[nodiscard]] std::optional<Classified> TakeClassified();
 
     void Run() override;
 
 private:
+    PropertyWorker() = default;
     struct Job {
         RefItemPtr<DataSourceItem> item;
         DString format;
@@ -51,9 +64,11 @@ private:
     /// The next job, or false: then `m_running` is false too, in one step, so that no job is ever left behind.
     bool TakeJob(Job &job);
     void Work(Job const &job);
+    void Classify(Job const &job);
 
     mutable DMutex m_stateLock; ///< guards the job and `m_running`
     bool m_running = false;
+    std::shared_ptr<PropertyWorker> m_self; ///< while the thread is at work
     Job m_pending;
     StopSignal m_cancel{false};
 
@@ -62,6 +77,7 @@ private:
 
     DMutex m_propsLock;
     std::optional<PropertyMap> m_props; ///< nothing once taken
+    std::optional<Classified> m_classified;
 
     platform::MessageTarget m_target;
     DLGTemplate m_dlgTemplate = DT_DATA;

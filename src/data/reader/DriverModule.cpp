@@ -36,7 +36,7 @@ void LoadModule() {
 
 /// The readers' drivers stand for themselves here.
 void AddRemoteDrivers() {
-    RequestScope const scope(RequestKind::List, {}, kFirstAnswer);
+    RequestScope const scope(RequestKind::List, {}, kFirstAnswer, RequestScope::Nesting::Alone);
     Readers::Call const call{.kind = RequestKind::List, .what = "drivers"};
     Readers::Answer const answer = Readers::Instance().Ask(call, wire::ListDriversT());
     wire::DriversT *const drivers = answer.message == nullptr ? nullptr : answer.message->body.AsDrivers();
@@ -71,6 +71,8 @@ void WarmReaders() {
     Readers::Instance().Pool().Warm({.listing = true, .network = false});
     Readers::Instance().Pool().Warm({.listing = false, .network = false});
 }
+
+bool AreReadersStarting() { return g_readersAreUsed && !AreDriversReady(); }
 
 DString ReaderFailureOf(DString const &moniker) { return Readers::Instance().Verdicts().FailureOf(moniker); }
 

@@ -17,7 +17,8 @@ std::optional<FileVerdicts::Verdict> FileVerdicts::Find(DString const &moniker, 
     if (at == m_verdicts.end())
         return std::nullopt;
     Verdict const &verdict = at->second;
-    bool const mayTry = verdict.givenTime.count() > 0 && time > verdict.givenTime;
+    bool const isLonger = verdict.givenTime.count() > 0 && time > verdict.givenTime;
+    bool const mayTry = isLonger || std::chrono::steady_clock::now() > verdict.until;
     return mayTry ? std::nullopt : std::optional(verdict);
 }
 

@@ -20,7 +20,8 @@ public:
         /// Of a probe that came late: the time it was given; a longer one may try again. 0 for a reader that crashed or
         /// outgrew its memory: nobody tries again.
         std::chrono::milliseconds givenTime{0};
-        std::chrono::steady_clock::time_point when = std::chrono::steady_clock::now();
+        /// When it ends by itself, whatever the file is like.
+        std::chrono::steady_clock::time_point until = std::chrono::steady_clock::time_point::max();
     };
 
     void Set(DString const &moniker, Verdict verdict);

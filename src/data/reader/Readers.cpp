@@ -15,12 +15,15 @@ using std::chrono::milliseconds;
 using Clock = wire::MessageChannel::Clock;
 using Result = wire::MessageChannel::Result;
 
-constexpr milliseconds kLook{10};          // between two looks at the stop signal
-constexpr milliseconds kGrace{50};         // for an answer behind the word to stop
-constexpr milliseconds kSending{1000};     // a reader always listens
-constexpr milliseconds kStarting{15000};   // what a new reader may need on a machine under load
-constexpr milliseconds kUnstamped{60000};  // how long a verdict on what is no file on disk holds
-constexpr milliseconds kGoneAfterKill{20}; // what a process needs to end
+constexpr milliseconds kLook{10};            // between two looks at the stop signal
+constexpr milliseconds kGrace{50};           // for an answer behind the word to stop
+constexpr milliseconds kHastyGrace{10};      // the same, where a window waits
+constexpr milliseconds kHaste{200};          // who gives no more time than this is in haste
+constexpr milliseconds kSending{1000};       // a reader always listens
+constexpr milliseconds kStarting{15'000};    // what a new reader may need on a machine under load
+constexpr milliseconds kGoneAfterKill{20};   // what a process needs to end
+constexpr milliseconds kUnstamped{60'000};   // how long a verdict on what is no file on disk holds
+constexpr milliseconds kLateListing{10'000}; // the same for a listing that came late: several lists ask for it
 constexpr int kLooksPerMemoryLook = 5;
 constexpr std::uint64_t kOwnMemory = std::uint64_t{512} << 20U; // of a reader at rest, caches included
 
@@ -44,13 +47,18 @@ Readers::Terms Readers::TermsOf(Call const &call) const {
     RequestBudget const budget = m_pool.BudgetOf(kind);
     Terms terms{
         .kind = kind,
-        .time = ofScope && scope->Time() ? *scope->Time() : budget.time,
+        .time = budget.time,
         .memory = budget.memory,
         .begin = Clock::now(),
         .deadline = {},
         .isStopped = [&call, scope] { return IsStopSet(call.stop) || (scope != nullptr && scope->IsStopped()); }};
     // A listing may go on for as long as it finds something: its budget is that of each step.
-    if (ofScope && (kind != RequestKind::List || scope->Time()))
+    std::optional<milliseconds> const left = ofScope ? scope->TimeLeft() : std::nullopt;
+    if (left && kind == RequestKind::Probe && !scope->HasOwnTime())
+        terms.time = std::min(terms.time, *left);
+    else if (left)
+        terms.time = *left;
+    else if (ofScope && kind != RequestKind::List)
         terms.time -= std::chrono::duration_cast<milliseconds>(terms.begin - scope->Begin());
     if (RequestScope const *const listing = scope == nullptr || kind != RequestKind::Probe ? nullptr : scope->Listing())
         terms.time = std::min(terms.time, m_pool.Patience() - listing->wasted);
@@ -63,7 +71,7 @@ bool Readers::IsRefused(Call const &call, Terms const &terms, DString &reason) {
         return false;
     std::optional<FileVerdicts::Verdict> const verdict = m_verdicts.Find(call.subject, terms.time);
     if (verdict) {
-        bool same = verdict->stamp.size < 0 && Clock::now() - verdict->when < kUnstamped;
+        bool same = true;
         if (verdict->stamp.size >= 0) {
             wire::StampFileT body;
             body.path = call.subject;
@@ -170,7 +178,8 @@ Readers::Outcome Readers::Wait(ReaderPool::Loan const &loan, Terms const &terms,
 
 Readers::Outcome Readers::GiveUp(ReaderPool::Loan const &loan, Terms const &terms, std::uint64_t number, Answer &answer,
                                  Ending why) {
-    milliseconds const grace = terms.kind == RequestKind::Probe ? kProbeGrace : kGrace;
+    bool const hasty = terms.kind == RequestKind::Probe || terms.time < kHaste;
+    milliseconds const grace = hasty ? kHastyGrace : kGrace;
     wire::StopT stop;
     stop.number = number;
     Send(loan, wire::PackRequest(0, 0, std::move(stop)), -1);
@@ -214,10 +223,16 @@ DString Readers::Conclude(ReaderPool::Loan const &loan, Call const &call, Terms 
     if (call.subject.empty() || !stamp)
         return reason;
     m_verdicts.SetFailure(call.subject, reason);
-    if (own)
-        m_verdicts.Set(call.subject, {.reason = reason, .stamp = *stamp});
-    else if (terms.kind == RequestKind::Probe)
-        m_verdicts.Set(call.subject, {.reason = reason, .stamp = *stamp, .givenTime = terms.time});
+    FileVerdicts::Verdict verdict{.reason = reason, .stamp = *stamp};
+    if (!own)
+        verdict.givenTime = terms.time;
+    if (stamp->size < 0)
+        verdict.until = Clock::now() + kUnstamped;
+    else if (terms.kind == RequestKind::List && !own)
+        verdict.until = Clock::now() + kLateListing;
+    // Who selects a file again asks again for its picture: only what happens by itself is spared.
+    if (own || terms.kind == RequestKind::Probe || terms.kind == RequestKind::List)
+        m_verdicts.Set(call.subject, std::move(verdict));
     return reason;
 }
 

@@ -3,8 +3,6 @@
 #include <QtCore/QCoreApplication>
 #include <QtGui/QKeyEvent>
 
-#include <utility>
-
 namespace zelvar::platform {
 
 namespace {
@@ -14,7 +12,7 @@ using std::chrono::milliseconds;
 constexpr milliseconds kPatience{300};
 constexpr milliseconds kInterval{40};
 
-bool g_watching = false; // user-interface thread only
+EscapeWatch *g_outermost = nullptr; // user-interface thread only
 
 /// What the work would be disturbed by, or what was meant for something else.
 bool IsHeldBack(QEvent::Type type) {
@@ -44,15 +42,20 @@ bool IsHeldBack(QEvent::Type type) {
 
 } // namespace
 
-EscapeWatch::EscapeWatch() : m_next(Clock::now() + kPatience), m_outermost(!std::exchange(g_watching, true)) {}
+EscapeWatch::EscapeWatch() : m_next(Clock::now() + kPatience), m_outer(g_outermost) {
+    if (m_outer == nullptr)
+        g_outermost = this;
+}
 
 EscapeWatch::~EscapeWatch() {
-    if (m_outermost)
-        g_watching = false;
+    if (m_outer == nullptr)
+        g_outermost = nullptr;
 }
 
 bool EscapeWatch::IsPressed() {
-    if (m_outermost && !m_pressed && !m_looking && Clock::now() >= m_next)
+    if (m_outer != nullptr)
+        return m_outer->IsPressed();
+    if (!m_pressed && !m_looking && Clock::now() >= m_next)
         Look();
     return m_pressed;
 }

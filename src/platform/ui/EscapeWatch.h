@@ -13,7 +13,8 @@ namespace zelvar::platform {
 /// meanwhile: other keys and clicks are dropped, as they were meant for what is about to be replaced, timers wait, and
 /// messages are delivered afterwards.
 ///
-/// User-interface thread. One that is made inside another's life leaves the work to that one.
+/// User-interface thread. One that is made inside another's life asks that one: several lists that are filled one after
+/// the other end at one key.
 class ZELVAR_API EscapeWatch : public QObject {
 public:
     EscapeWatch();
@@ -30,7 +31,7 @@ private:
 
     HeldMessages m_held;
     Clock::time_point m_next; ///< look at the events
-    bool m_outermost;
+    EscapeWatch *m_outer;
     bool m_looking = false;
     bool m_pressed = false;
 };
