@@ -19,6 +19,8 @@ public:
 
     [[nodiscard]] int Get() const { return m_number; }
     [[nodiscard]] bool IsOpen() const { return m_number >= 0; }
+    /// Gives the descriptor away: the caller closes it.
+    [[nodiscard]] int Release() { return std::exchange(m_number, -1); }
     /// Closes now; false if the system tells only here that something written was lost.
     [[nodiscard]] bool Close() { return m_number >= 0 && close(std::exchange(m_number, -1)) == 0; }
 

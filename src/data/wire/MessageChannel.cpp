@@ -33,8 +33,8 @@ int TakeFile(msghdr &message) {
         for (std::size_t i = 0; i < count; ++i) {
             int file = -1;
             std::memcpy(&file, CMSG_DATA(note) + i * sizeof(int), sizeof file);
-            if (std::exchange(taken, file) >= 0)
-                close(taken);
+            if (int const former = std::exchange(taken, file); former >= 0)
+                close(former);
         }
     }
     return taken;
@@ -116,8 +116,12 @@ MessageChannel::Result MessageChannel::ReceiveHead(Clock::time_point deadline) {
         in.msg_controllen = note.bytes.size();
         ssize_t const got = recvmsg(m_socket.Get(), &in, MSG_DONTWAIT | MSG_CMSG_CLOEXEC);
         if (got > 0) {
-            if (int const file = TakeFile(in); file >= 0 && std::exchange(m_file, file) >= 0)
-                return Result::Damaged;
+            if (int const file = TakeFile(in); file >= 0) {
+                if (int const former = std::exchange(m_file, file); former >= 0) {
+                    close(former);
+                    return Result::Damaged;
+                }
+            }
             m_headBytes += static_cast<std::size_t>(got);
         } else if (got < 0 && errno == EAGAIN) {
             if (Result const waited = WaitFor(POLLIN, deadline); waited != Result::Done)

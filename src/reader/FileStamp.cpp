@@ -1,0 +1,27 @@
+#include "zelvar/reader/FileStamp.h"
+
+#include "zelvar/data/BDIMoniker.h"
+
+#include <sys/stat.h>
+
+namespace zelvar::reader {
+
+namespace {
+
+FileStamp StampOfPath(DString const &path) {
+    constexpr std::int64_t second = 1'000'000'000;
+    struct stat info {};
+    if (path.empty() || stat(path.c_str(), &info) != 0)
+        return {};
+    return {.modified = std::int64_t{info.st_mtim.tv_sec} * second + info.st_mtim.tv_nsec, .size = info.st_size};
+}
+
+} // namespace
+
+FileStamp StampOf(DString const &name) {
+    if (FileStamp const itself = StampOfPath(name); itself.IsThere())
+        return itself;
+    return StampOfPath(BDIMoniker(name, nullptr).GetPathOnDisk());
+}
+
+} // namespace zelvar::reader

@@ -1,0 +1,35 @@
+#include "zelvar/reader/OpenTrees.h"
+
+#include "zelvar/data/BDIDrvrMngr.h"
+
+namespace zelvar::reader {
+
+OpenTrees::Tree::~Tree() {
+    if (root != nullptr)
+        driver->CloseNode(root);
+    if (repository != nullptr)
+        driver->CloseRepository(repository);
+}
+
+OpenTrees::Tree *OpenTrees::Find(wire::TreeSpecT const &spec, DString &reason) {
+    if (Tree *const open = m_trees.Find(spec.id); open != nullptr)
+        return open;
+    auto tree = std::make_unique<Tree>();
+    tree->driver = BDIDrvrMngr::Instance()->GetDrvr(spec.driver.c_str());
+    if (tree->driver == nullptr) {
+        reason = "no tree driver " + spec.driver;
+        return nullptr;
+    }
+    char const *const filter = spec.filter.empty() ? nullptr : spec.filter.c_str();
+    BDIDrvr &asked = *tree->driver;
+    tree->repository = spec.family ? asked.OpenRepositoryInFamily(spec.url.c_str(), &tree->driver, &tree->root, filter)
+                                   : asked.OpenRepository(spec.url.c_str(), &tree->root, filter);
+    if (tree->repository == nullptr) {
+        reason = spec.driver + " does not open " + spec.url;
+        tree->root = nullptr; // what a driver left there that opened nothing is none
+        return nullptr;
+    }
+    return m_trees.Add(spec.id, std::move(tree));
+}
+
+} // namespace zelvar::reader
