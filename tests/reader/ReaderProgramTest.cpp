@@ -1,0 +1,264 @@
+#include "support/RunningReader.h"
+#include "support/TestFiles.h"
+#include "zelvar/base/FileDescriptor.h"
+#include "zelvar/reader/Sanitizers.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <filesystem>
+#include <set>
+
+#include <arpa/inet.h>
+#include <linux/landlock.h>
+#include <poll.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+
+namespace zelvar::test {
+namespace {
+
+using testing::HasSubstr;
+
+bool KernelBarsWriting() {
+    return syscall(SYS_landlock_create_ruleset, nullptr, 0, LANDLOCK_CREATE_RULESET_VERSION) >= 1;
+}
+
+/// What the driver tells of the file: how its attempts ended.
+std::string InfoOf(RunningReader &reader, std::string const &path) {
+    auto const answer = reader.talk->Ask(OpenImage(ImageSpec(1, "HOSTILE", path)));
+    if (answer == nullptr || answer->body.AsImageOpened() == nullptr)
+        return "not opened: " + FailureIn(answer);
+    return answer->body.AsImageOpened()->info;
+}
+
+/// A port of 127.0.0.1 that takes connections.
+class Listener {
+public:
+    Listener() : m_socket(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        socklen_t size = sizeof address;
+        auto *const general = reinterpret_cast<sockaddr *>(&address);
+        EXPECT_EQ(bind(m_socket.Get(), general, size), 0);
+        EXPECT_EQ(listen(m_socket.Get(), 1), 0);
+        EXPECT_EQ(getsockname(m_socket.Get(), general, &size), 0);
+        m_port = ntohs(address.sin_port);
+    }
+    [[nodiscard]] std::string Port() const { return std::to_string(m_port); }
+
+private:
+    FileDescriptor m_socket;
+    int m_port = 0;
+};
+
+TEST(ReaderProgram, ReadsThroughModulesThatItIsToldToLoad) {
+    TempFolder const folder;
+    std::string const path = folder.Write("a.hostile", "members 3\ntype 4\n");
+    RunningReader reader;
+    auto const drivers = reader.talk->Ask(wire::ListDriversT{});
+    ASSERT_NE(drivers, nullptr);
+    ASSERT_EQ(drivers->body.AsDrivers()->trees.size(), 1U);
+    EXPECT_EQ(drivers->body.AsDrivers()->trees[0]->id, "HOSTILE");
+    EXPECT_EQ(drivers->body.AsDrivers()->rasters[0]->extensions, "*.hostile");
+
+    auto const children = reader.talk->Ask(ListChildren(TreeSpec(1, "HOSTILE", path), path));
+    ASSERT_NE(children->body.AsChildren(), nullptr) << FailureIn(children);
+    EXPECT_EQ(children->body.AsChildren()->nodes.size(), 3U);
+
+    auto const memory = wire::SharedMemory::Create(32);
+    EXPECT_EQ(FailureIn(reader.talk->Ask(ReadPixels(ImageSpec(1, "HOSTILE", path), 32), memory->File())), "not failed");
+    std::int16_t sample = 0;
+    std::memcpy(&sample, static_cast<char const *>(memory->Data()) + 30, sizeof sample);
+    EXPECT_EQ(sample, 33);
+}
+
+TEST(ReaderProgram, AModuleThatIsNoneLeavesALineAndNoDrivers) {
+    SocketPair pair;
+    auto const status = wire::SharedMemory::Create(sizeof(wire::ReaderStatus));
+    pid_t const process =
+        SpawnReader({"100", "101", "local", "/no/such/module.so"}, {{pair.ends[1], 100}, {status->File(), 101}});
+    close(pair.ends[1]);
+    {
+        ReaderTalk talk(pair.ends[0]);
+        auto const answer = talk.Ask(wire::ListDriversT{});
+        ASSERT_NE(answer, nullptr);
+        EXPECT_TRUE(answer->body.AsDrivers()->trees.empty());
+        ASSERT_FALSE(answer->log.empty());
+        EXPECT_THAT(answer->log.back()->text, HasSubstr("no drivers: /no/such/module.so"));
+    }
+    EXPECT_TRUE(WaitFor(process).IsExit(0));
+}
+
+TEST(ReaderProgram, StartedByHandItSaysWhatItIs) {
+    SocketPair const pair;
+    auto const status = wire::SharedMemory::Create(sizeof(wire::ReaderStatus));
+    auto const small = wire::SharedMemory::Create(sizeof(wire::ReaderStatus) - 1);
+    FileDescriptor const plain(open("/dev/zero", O_RDWR | O_CLOEXEC));
+    std::vector<std::vector<std::string>> const cases = {
+        {},
+        {"--help"},
+        {"100", "101", "local"}, // no module
+        {"100", "101", "anywhere", "m.so"},
+        {"x", "101", "local", "m.so"},
+        {"100 ", "101", "local", "m.so"},
+        {"-1", "101", "local", "m.so"},
+        {"0", "101", "local", "m.so"},
+        {"101", "101", "local", "m.so"}, // no socket
+        {"100", "100", "local", "m.so"}, // no memory
+        {"100", "102", "local", "m.so"}, // no sealed memory
+        {"100", "103", "local", "m.so"}, // not enough of it
+        {"100", "200", "local", "m.so"}, // not open
+        {"99999999999999999999", "101", "local", "m.so"},
+    };
+    for (auto const &words : cases) {
+        std::array<int, 2> errors{};
+        ASSERT_EQ(pipe2(errors.data(), O_CLOEXEC), 0);
+        End const end = WaitFor(SpawnReader(words, {{pair.ends[1], 100},
+                                                    {status->File(), 101},
+                                                    {plain.Get(), 102},
+                                                    {small->File(), 103},
+                                                    {errors[1], STDERR_FILENO}}));
+        close(errors[1]);
+        std::array<char, 1000> text{};
+        EXPECT_GT(read(errors[0], text.data(), text.size() - 1), 0);
+        close(errors[0]);
+        std::string const said = text.data();
+        EXPECT_TRUE(end.IsExit(2)) << testing::PrintToString(words);
+        EXPECT_THAT(said, testing::StartsWith("zelvar-reader: "));
+        EXPECT_EQ(said.find('\n'), said.size() - 1) << "one line";
+    }
+}
+
+TEST(ReaderProgram, ADriverChangesNoFile) {
+    TempFolder const folder;
+    std::string const victim = folder.Write("victim", "bytes");
+    std::filesystem::permissions(victim, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+    auto const before = std::filesystem::last_write_time(victim);
+    std::string const barred = KernelBarsWriting() ? "errno 13" : "done";
+    struct {
+        std::string action;
+        std::string outcome;
+    } const cases[] = {
+        {"write " + (folder / "new"), barred}, {"write " + victim, barred},       {"remove " + victim, barred},
+        {"mkdir " + (folder / "sub"), barred}, {"truncate " + victim, "errno 1"}, {"chmod " + victim, "errno 1"},
+        {"touch " + victim, "errno 1"},        {"write /dev/null", "done"},
+    };
+    RunningReader reader("network"); // which is allowed the most
+    int number = 0;
+    for (auto const &[action, outcome] : cases) {
+        std::string const path = folder.Write(std::to_string(number++) + ".hostile", "open " + action + "\n");
+        auto const answer = reader.talk->Ask(OpenTree(TreeSpec(static_cast<std::uint64_t>(number), "HOSTILE", path)));
+        ASSERT_NE(answer->body.AsTreeOpened(), nullptr) << FailureIn(answer);
+        EXPECT_THAT(answer->body.AsTreeOpened()->root->value, HasSubstr(": " + outcome)) << action;
+    }
+    if (!KernelBarsWriting())
+        return;
+    EXPECT_EQ(ReadFile(victim), "bytes");
+    EXPECT_EQ(std::filesystem::last_write_time(victim), before);
+    EXPECT_FALSE(std::filesystem::exists(folder / "new"));
+    EXPECT_FALSE(std::filesystem::exists(folder / "sub"));
+}
+
+TEST(ReaderProgram, ADriverStartsNoProcessAndReachesNone) {
+    TempFolder const folder;
+    std::string const path =
+        folder.Write("a.hostile", "open fork\nopen exec\nopen thread\nopen signal " + std::to_string(getpid()) + "\n");
+    for (char const *reach : {"local", "network"}) {
+        RunningReader reader(reach);
+        EXPECT_EQ(InfoOf(reader, path), "fork: errno 1; exec: errno 1; thread: done; signal: errno 1") << reach;
+    }
+}
+
+TEST(ReaderProgram, OnlyANetworkReaderConnects) {
+    TempFolder const folder;
+    Listener const listener;
+    std::string const path = folder.Write("a.hostile", "open connect " + listener.Port() + "\n");
+    RunningReader local("local");
+    EXPECT_EQ(InfoOf(local, path), "connect: errno 13");
+    RunningReader network("network");
+    EXPECT_EQ(InfoOf(network, path), "connect: done");
+}
+
+TEST(ReaderProgram, NothingElseThatIsOpenIsInherited) {
+    std::array<int, 2> ends{};
+    ASSERT_EQ(pipe2(ends.data(), O_CLOEXEC), 0);
+    RunningReader reader("local", ends[1]);
+    close(ends[1]);
+    ASSERT_NE(reader.talk->Ask(wire::ListDriversT{}), nullptr); // it runs, and would hold the pipe open
+    pollfd wanted{.fd = ends[0], .events = POLLIN, .revents = 0};
+    EXPECT_EQ(poll(&wanted, 1, 0), 1);
+    EXPECT_NE(wanted.revents & POLLHUP, 0);
+    close(ends[0]);
+}
+
+TEST(ReaderProgram, EndsWithTheTalkWhateverItsDriverDoes) {
+    TempFolder const folder;
+    for (char const *action : {"spin", "sleep 3000"}) {
+        std::string const path = folder.Write("a.hostile", std::string("open ") + action + "\n");
+        RunningReader reader;
+        reader.AwaitBegin(reader.talk->Send(OpenImage(ImageSpec(1, "HOSTILE", path))));
+        reader.Close();
+        EXPECT_TRUE(reader.Wait().IsExit(0)) << action;
+    }
+}
+
+TEST(ReaderProgram, ACrashIsItsEndAndTheStatusTellsTheFile) {
+    TempFolder const folder;
+    auto const inSharedMemory = [] {
+        std::set<std::string> names;
+        for (auto const &entry : std::filesystem::directory_iterator("/dev/shm"))
+            names.insert(entry.path());
+        return names;
+    };
+    auto const before = inSharedMemory();
+    for (char const *action : {"crash", "overflow", "abort", "exit 3"}) {
+        std::string const text = std::string("open ") + action + "\n";
+        std::string const path = folder.Write("a.hostile", text);
+        struct stat info {};
+        ASSERT_EQ(stat(path.c_str(), &info), 0);
+        RunningReader reader;
+        reader.talk->Ask(wire::ListDriversT{});
+        std::uint64_t const number = reader.talk->Send(OpenTree(TreeSpec(1, "HOSTILE", path)));
+        EXPECT_EQ(reader.talk->Receive(), nullptr) << action;
+        EXPECT_EQ(reader.talk->result, ReaderTalk::Result::Gone) << action;
+        EXPECT_TRUE(reader.Wait().IsCrash()) << action;
+        EXPECT_EQ(reader.Status().number, number) << action;
+        EXPECT_EQ(reader.Status().size, static_cast<std::int64_t>(text.size())) << action;
+        EXPECT_EQ(reader.Status().modified % 1'000'000'000, info.st_mtim.tv_nsec) << action;
+    }
+    EXPECT_EQ(inSharedMemory(), before);
+}
+
+TEST(ReaderProgram, AReadThatPollsIsStopped) {
+    TempFolder const folder;
+    std::string const path = folder.Write("a.hostile", "read poll 3000\n");
+    RunningReader reader;
+    auto const memory = wire::SharedMemory::Create(16);
+    std::uint64_t const number = reader.talk->Send(ReadPixels(ImageSpec(1, "HOSTILE", path), 16), memory->File());
+    reader.AwaitBegin(number);
+    reader.talk->Stop(number);
+    EXPECT_EQ(FailureIn(reader.talk->Receive()), "stopped");
+}
+
+TEST(ReaderProgram, ARequestTakesNoMoreMemoryThanItMay) {
+    constexpr std::uint64_t megabyte = 1U << 20U;
+    TempFolder const folder;
+    std::string const path = folder.Write("a.hostile", "open allocate 150\n");
+    RunningReader reader;
+    reader.talk->memory = 100 * megabyte;
+    // A sanitizer takes memory as it likes.
+    EXPECT_EQ(FailureIn(reader.talk->Ask(OpenImage(ImageSpec(1, "HOSTILE", path)))),
+              reader::kIsSanitized ? "not failed" : "out of memory");
+    reader.talk->memory = 200 * megabyte; // above what is held by now
+    EXPECT_EQ(FailureIn(reader.talk->Ask(OpenImage(ImageSpec(2, "HOSTILE", path)))), "not failed");
+    reader.talk->memory = 0;
+    EXPECT_EQ(FailureIn(reader.talk->Ask(OpenImage(ImageSpec(3, "HOSTILE", path)))), "not failed");
+    reader.talk->memory = ~std::uint64_t{0};
+    EXPECT_EQ(FailureIn(reader.talk->Ask(OpenImage(ImageSpec(4, "HOSTILE", path)))), "not failed");
+}
+
+} // namespace
+} // namespace zelvar::test

@@ -1,0 +1,96 @@
+#pragma once
+
+#include "support/ReaderTalk.h"
+#include "zelvar/data/wire/ReaderStatus.h"
+#include "zelvar/data/wire/SharedMemory.h"
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace zelvar::test {
+
+/// Starts the reader's program; the numbers of descriptors that it inherits are as they are there.
+inline pid_t SpawnReader(std::vector<std::string> words, std::vector<std::pair<int, int>> const &inherited) {
+    words.insert(words.begin(), ZELVAR_READER);
+    std::vector<char *> arguments;
+    for (std::string &word : words)
+        arguments.push_back(word.data());
+    arguments.push_back(nullptr);
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    for (auto const &[from, to] : inherited)
+        posix_spawn_file_actions_adddup2(&actions, from, to);
+    pid_t reader = -1;
+    EXPECT_EQ(posix_spawn(&reader, ZELVAR_READER, &actions, nullptr, arguments.data(), environ), 0);
+    posix_spawn_file_actions_destroy(&actions);
+    return reader;
+}
+
+/// How a process came to its end.
+struct End {
+    int status = 0;
+    [[nodiscard]] bool IsExit(int code) const { return WIFEXITED(status) && WEXITSTATUS(status) == code; }
+    /// Not of its own will: by a signal, or by a sanitizer that noticed.
+    [[nodiscard]] bool IsCrash() const {
+        return WIFSIGNALED(status) || (WIFEXITED(status) && WEXITSTATUS(status) != 0);
+    }
+};
+
+inline End WaitFor(pid_t process) {
+    End end;
+    EXPECT_EQ(waitpid(process, &end.status, 0), process);
+    return end;
+}
+
+/// The real reader with the drivers that misbehave, and this end of the talk with it.
+class RunningReader {
+public:
+    explicit RunningReader(std::string reach = "local", int heirloom = -1)
+        : m_status(wire::SharedMemory::Create(sizeof(wire::ReaderStatus))) {
+        SocketPair pair;
+        talk.emplace(pair.ends[0]);
+        // Far from those that this process uses, so that none is overwritten before it is copied.
+        std::vector<std::pair<int, int>> inherited{{pair.ends[1], 100}, {m_status->File(), 101}};
+        if (heirloom >= 0)
+            inherited.emplace_back(heirloom, 102);
+        m_process = SpawnReader({"100", "101", std::move(reach), ZELVAR_HOSTILE}, inherited);
+        close(pair.ends[1]);
+    }
+    ~RunningReader() {
+        Close();
+        if (m_process > 0) {
+            EXPECT_TRUE(Wait().IsExit(0));
+        }
+    }
+    RunningReader(RunningReader const &) = delete;
+    RunningReader &operator=(RunningReader const &) = delete;
+
+    void Close() { talk.reset(); }
+    End Wait() { return WaitFor(std::exchange(m_process, -1)); }
+    [[nodiscard]] wire::ReaderStatus const &Status() const {
+        return *static_cast<wire::ReaderStatus const *>(m_status->Data());
+    }
+    /// Waits until the reader has begun with a request that names a file.
+    void AwaitBegin(std::uint64_t number) const {
+        while (Status().number != number)
+            std::this_thread::yield();
+    }
+
+    std::optional<ReaderTalk> talk;
+
+private:
+    std::unique_ptr<wire::SharedMemory> m_status;
+    pid_t m_process = -1;
+};
+
+} // namespace zelvar::test
