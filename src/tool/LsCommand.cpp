@@ -63,7 +63,8 @@ int RunLs(std::vector<DString> const &words) {
     if (sort == sorts.end())
         return UsageError(kSpec, "sorting is by name, size or date");
 
-    UseReaderDrivers();
+    // Nobody waits at a window.
+    UseReaderDrivers({.probeInListing = std::chrono::seconds(10), .patience = std::chrono::seconds(60)});
     RefItemPtr<DataSourceItem> const place = ItemFromPlace(arguments->words.front());
     if (place == nullptr)
         return Failure("cannot access '" + arguments->words.front() + "'");

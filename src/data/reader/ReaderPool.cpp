@@ -29,9 +29,9 @@ RequestBudget ReaderPool::BudgetOf(RequestKind kind) const {
     return m_settings.BudgetOf(kind);
 }
 
-milliseconds ReaderPool::Patience() const {
+milliseconds ReaderPool::TimeInListing(milliseconds wasted) const {
     std::lock_guard const lock(m_mutex);
-    return m_settings.patience;
+    return std::min(m_settings.probeInListing, m_settings.patience - wasted);
 }
 
 ReaderPool::Place *ReaderPool::FindFree(ReaderRole role, int preferred) {

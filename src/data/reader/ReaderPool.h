@@ -54,7 +54,8 @@ public:
 
     void Configure(ReaderSettings const &settings);
     [[nodiscard]] RequestBudget BudgetOf(RequestKind kind) const;
-    [[nodiscard]] std::chrono::milliseconds Patience() const;
+    /// Of a probe inside a listing that has wasted so much already.
+    [[nodiscard]] std::chrono::milliseconds TimeInListing(std::chrono::milliseconds wasted) const;
 
     /// A reader of that role: the preferred one (its number; 0 for any) if it is free, else another free one, else a
     /// new one, else the first that gets free. Nothing if `isStopped` says so meanwhile, after the deadline, or if none

@@ -52,16 +52,15 @@ Readers::Terms Readers::TermsOf(Call const &call) const {
         .begin = Clock::now(),
         .deadline = {},
         .isStopped = [&call, scope] { return IsStopSet(call.stop) || (scope != nullptr && scope->IsStopped()); }};
+    bool const isProbe = kind == RequestKind::Probe;
+    if (RequestScope const *const listing = scope != nullptr && isProbe ? scope->Listing() : nullptr)
+        terms.time = m_pool.TimeInListing(listing->wasted);
     // A listing may go on for as long as it finds something: its budget is that of each step.
     std::optional<milliseconds> const left = ofScope ? scope->TimeLeft() : std::nullopt;
-    if (left && kind == RequestKind::Probe && !scope->HasOwnTime())
-        terms.time = std::min(terms.time, *left);
-    else if (left)
-        terms.time = *left;
-    else if (ofScope && kind != RequestKind::List)
+    if (left)
+        terms.time = isProbe && !scope->HasOwnTime() ? std::min(terms.time, *left) : *left;
+    else if (ofScope && kind != RequestKind::List && !isProbe)
         terms.time -= std::chrono::duration_cast<milliseconds>(terms.begin - scope->Begin());
-    if (RequestScope const *const listing = scope == nullptr || kind != RequestKind::Probe ? nullptr : scope->Listing())
-        terms.time = std::min(terms.time, m_pool.Patience() - listing->wasted);
     terms.deadline = terms.begin + terms.time;
     return terms;
 }
