@@ -32,6 +32,7 @@ int RunInfo(std::vector<DString> const &words) {
     if (!arguments)
         return UsageError(kSpec, error);
     UseReaderDrivers();
+    WarmReaders();
 
     // The moniker's own options stay with it; a place such as source:NAME is first turned into what it stands for.
     DString const &moniker = arguments->words.front();

@@ -64,7 +64,10 @@ int RunLs(std::vector<DString> const &words) {
         return UsageError(kSpec, "sorting is by name, size or date");
 
     // Nobody waits at a window.
-    UseReaderDrivers({.probeInListing = std::chrono::seconds(10), .patience = std::chrono::seconds(60)});
+    ReaderSettings settings;
+    settings.probeInListing = std::chrono::seconds(10);
+    settings.patience = std::chrono::seconds(60);
+    UseReaderDrivers(settings);
     RefItemPtr<DataSourceItem> const place = ItemFromPlace(arguments->words.front());
     if (place == nullptr)
         return Failure("cannot access '" + arguments->words.front() + "'");
