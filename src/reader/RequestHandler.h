@@ -32,10 +32,10 @@ public:
     [[nodiscard]] static Answer Failure(DString reason);
 
 private:
-    Answer ListDrivers();
+    static Answer ListDrivers();
     Answer ProbeTrees(wire::ProbeTreesT const &asked);
-    Answer ProbeImage(wire::ProbeImageT const &asked);
-    Answer StampFile(wire::StampFileT const &asked);
+    static Answer ProbeImage(wire::ProbeImageT const &asked);
+    static Answer StampFile(wire::StampFileT const &asked);
     Answer OpenTree(wire::OpenTreeT const &asked);
     Answer FindNode(wire::FindNodeT const &asked);
     Answer ListChildren(wire::ListChildrenT const &asked);

@@ -50,7 +50,7 @@ private:
         std::uint32_t length = 0;
     };
     Result ReceiveHead(Clock::time_point deadline);
-    Result WaitFor(short events, Clock::time_point deadline) const;
+    [[nodiscard]] Result WaitFor(short events, Clock::time_point deadline) const;
 
     FileDescriptor m_socket;
     Head m_head;                 ///< of the message under way
