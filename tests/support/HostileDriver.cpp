@@ -83,7 +83,7 @@ DString Connect(int port) {
     address.sin_family = AF_INET;
     address.sin_port = htons(static_cast<std::uint16_t>(port));
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    DString const outcome = Outcome(connect(socketFile, reinterpret_cast<sockaddr *>(&address), sizeof address));
+    DString outcome = Outcome(connect(socketFile, reinterpret_cast<sockaddr *>(&address), sizeof address));
     close(socketFile);
     return outcome;
 }
