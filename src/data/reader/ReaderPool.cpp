@@ -136,7 +136,7 @@ void ReaderPool::Retire(Loan const &loan, bool crashed, DString const &heldAt) {
         return;
     ReaderRole const role = at->role;
     m_places.erase(at);
-    if (loan->hasAnswered) {
+    if (loan->HasBegun()) {
         m_failedStarts = 0;
         StartOne(role); // the next request finds a warm reader again
     } else if (crashed) {
@@ -172,6 +172,7 @@ void ReaderPool::EndAll() {
     std::vector<Place> places;
     {
         std::lock_guard const lock(m_mutex);
+        m_counts = {};
         // Those on loan fail the request of whoever has them, who then finds them gone from here.
         places.swap(m_places);
     }

@@ -74,6 +74,7 @@ public:
     /// Whether a reader that was ended at that place is still held there by the kernel.
     [[nodiscard]] bool IsBlocked(DString const &place);
     [[nodiscard]] ReaderCounts Counts();
+    /// Ends all readers and counts anew.
     void EndAll();
 
 private:

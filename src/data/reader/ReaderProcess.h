@@ -59,8 +59,11 @@ public:
     /// Whether it has ended; waits so long.
     bool HasEnded(std::chrono::milliseconds wait);
 
-    /// Whether it has ever answered: one that never did may never do.
+    /// Whether it has ever begun with a request: one that never did may never do.
+    [[nodiscard]] bool HasBegun() const { return hasAnswered || Status().number.load(std::memory_order_acquire) != 0; }
+
     bool hasAnswered = false;
+    std::uint64_t owed = 0; ///< number of a request that was given up while the reader was starting; 0 for none
     wire::MessageChannel::Clock::time_point const started = wire::MessageChannel::Clock::now();
 
 private:

@@ -106,9 +106,7 @@ Readers::Answer Readers::Exchange(Call const &call, MakeRequest const &make) {
     if (DString reason; IsRefused(call, terms, reason))
         return giveUp(std::move(reason));
 
-    ReaderRole const role{.listing = terms.kind == RequestKind::Probe || terms.kind == RequestKind::List,
-                          .network = !call.subject.empty() && BDIMoniker(call.subject, nullptr).IsUrl()};
-    ReaderPool::Loan loan = m_pool.Borrow(role, call.preferred, terms.deadline, terms.isStopped);
+    ReaderPool::Loan loan = Borrow(call, terms);
     if (!loan)
         return giveUp("no reader is free");
     std::uint64_t const number = ++m_lastNumber;
@@ -132,6 +130,30 @@ Readers::Answer Readers::Exchange(Call const &call, MakeRequest const &make) {
         if (line != nullptr)
             Report::TraceMessage(line->level, "%s", line->text.c_str());
     return answer;
+}
+
+ReaderPool::Loan Readers::Borrow(Call const &call, Terms const &terms) {
+    ReaderRole const role{.listing = terms.kind == RequestKind::Probe || terms.kind == RequestKind::List,
+                          .network = !call.subject.empty() && BDIMoniker(call.subject, nullptr).IsUrl()};
+    while (true) {
+        ReaderPool::Loan loan = m_pool.Borrow(role, call.preferred, terms.deadline, terms.isStopped);
+        if (!loan || IsInStep(loan))
+            return loan;
+        bool const gone = loan->Kill(kGoneAfterKill);
+        m_pool.Retire(loan, false, gone ? DString() : PlaceOfMoniker(call.subject));
+    }
+}
+
+/// Whether a reader is free for a new request: not while it works on one that was given up when it had just started.
+bool Readers::IsInStep(ReaderPool::Loan const &loan) {
+    if (loan->owed == 0)
+        return true;
+    Answer late;
+    if (Receive(loan, Clock::now() + kHastyGrace, loan->owed, late) == Result::Done) {
+        loan->owed = 0;
+        return true;
+    }
+    return !loan->HasBegun();
 }
 
 bool Readers::Send(ReaderPool::Loan const &loan, std::span<std::uint8_t const> message, int file) {
@@ -197,7 +219,9 @@ DString Readers::Conclude(ReaderPool::Loan const &loan, Call const &call, Terms 
     bool const own = outcome.ending == Ending::Crashed || outcome.ending == Ending::TooLarge;
     std::optional<FileVerdicts::Stamp> const stamp = loan->StampOf(number);
     // One that has only begun is not to blame: it goes on, and its late answer is passed over.
-    bool const starting = !own && !loan->hasAnswered && Clock::now() - loan->started < kStarting;
+    bool const starting = !own && !loan->HasBegun() && Clock::now() - loan->started < kStarting;
+    if (starting)
+        loan->owed = number;
     if (!outcome.inStep && !starting) {
         bool const gone = loan->Kill(kGoneAfterKill);
         m_pool.Retire(loan, outcome.ending == Ending::Crashed, gone ? DString() : PlaceOfMoniker(call.subject));

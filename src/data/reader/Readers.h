@@ -80,6 +80,8 @@ private:
         Ending ending = Ending::Crashed;
         bool inStep = false; ///< the reader has no request under way any more
     };
+    [[nodiscard]] ReaderPool::Loan Borrow(Call const &call, Terms const &terms);
+    bool IsInStep(ReaderPool::Loan const &loan);
     Outcome Wait(ReaderPool::Loan const &loan, Terms const &terms, std::uint64_t number, Answer &answer);
     Outcome GiveUp(ReaderPool::Loan const &loan, Terms const &terms, std::uint64_t number, Answer &answer, Ending why);
     wire::MessageChannel::Result Receive(ReaderPool::Loan const &loan, wire::MessageChannel::Clock::time_point deadline,

@@ -1,0 +1,248 @@
+#include "support/HostileFiles.h"
+#include "support/SilentMount.h"
+#include "zelvar/base/DString.h"
+#include "zelvar/data/ImageReader.h"
+#include "zelvar/data/RequestScope.h"
+#include "zelvar/reader/Sanitizers.h"
+
+#include <gmock/gmock.h>
+
+#include <atomic>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <thread>
+
+namespace zelvar {
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+using test::HostileFiles;
+using testing::HasSubstr;
+
+constexpr bool kIsSanitized = reader::kIsSanitized;
+
+class ReaderEndings : public HostileFiles {
+protected:
+    /// Children of this process that have ended and that nobody has asked about.
+    static int CountZombies() {
+        int zombies = 0;
+        for (auto const &entry : std::filesystem::directory_iterator("/proc")) {
+            std::ifstream stat(entry.path() / "stat");
+            std::string text;
+            std::getline(stat, text);
+            std::size_t const name = text.rfind(") Z ");
+            if (name != std::string::npos && std::stoi(text.substr(name + 4)) == getpid())
+                ++zombies;
+        }
+        return zombies;
+    }
+    static std::size_t CountIn(char const *folder) {
+        return static_cast<std::size_t>(
+            std::distance(std::filesystem::directory_iterator(folder), std::filesystem::directory_iterator()));
+    }
+    static ReaderSettings Short(milliseconds time) {
+        ReaderSettings settings;
+        for (RequestBudget &budget : settings.budgets)
+            budget.time = time;
+        return settings;
+    }
+    /// The least time of three that the work takes: what the code needs, without what a loaded machine adds.
+    static double BestOfThree(std::function<void()> const &work) {
+        double best = 1e9;
+        for (int i = 0; i < 3; ++i) {
+            auto const begin = Clock::now();
+            work();
+            best = std::min(best, MillisecondsSince(begin));
+        }
+        return best;
+    }
+};
+
+TEST_F(ReaderEndings, ADriverThatEndsItsReaderFailsThatRequestAlone) {
+    struct Case {
+        char const *text;
+        char const *reason;
+        bool onlyPlain = false; ///< a sanitizer has its own words for it
+    };
+    int expected = 0;
+    for (Case const &test : {Case{"open crash\n", "signal 11", true}, Case{"open overflow\n", "signal 11", true},
+                             Case{"open abort\n", "signal 6"}, Case{"open exit 3\n", "ended with code 3"},
+                             Case{"open babble\n", "its reader"}, Case{"open close\n", "its reader"}}) {
+        std::string const file = Write("bad" + std::to_string(expected), test.text);
+        {
+            Image const image(file);
+            EXPECT_FALSE(image) << test.text;
+            if (!test.onlyPlain || !kIsSanitized) {
+                EXPECT_THAT(image.error.Text(), HasSubstr(test.reason)) << test.text;
+                EXPECT_THAT(ReaderFailureOf(file), HasSubstr(test.reason)) << test.text;
+            }
+        }
+        EXPECT_EQ(CountReaders().crashed, ++expected) << test.text;
+        // Not tried again while it is as it was.
+        EXPECT_FALSE(Image(file));
+        EXPECT_EQ(CountReaders().crashed, expected) << test.text;
+        // Tried again once it has changed.
+        static_cast<void>(Write("bad" + std::to_string(expected - 1), "width 3\nheight 3\n# mended\n"));
+        EXPECT_TRUE(Image(file)) << test.text;
+        EXPECT_EQ(ReaderFailureOf(file), "") << test.text;
+    }
+}
+
+TEST_F(ReaderEndings, ACrashAfterTheOpeningEndsTheImageButNotTheOthers) {
+    Image const good(Write("good", "width 3\nheight 1\n"));
+    ASSERT_TRUE(good);
+    Image const bad(Write("bad", "read crash\n"));
+    ASSERT_TRUE(bad);
+    EXPECT_TRUE(bad.Read(0).empty());
+    EXPECT_EQ(good.Read(0), (std::vector<unsigned char>{0, 1, 2}));
+    EXPECT_TRUE(bad.Read(0).empty());
+    EXPECT_EQ(CountReaders().crashed, 1);
+}
+
+TEST_F(ReaderEndings, WhatDriversThrowIsAnAnswerAndTheReaderGoesOn) {
+    int const started = (static_cast<void>(Image(Write("a", ""))), CountReaders().started);
+    for (char const *text : {"open throw bang\n", "open fail\n"})
+        EXPECT_FALSE(Image(Write("bad", text))) << text;
+    EXPECT_EQ(CountReaders().started, started);
+    EXPECT_EQ(CountReaders().crashed + CountReaders().killed, 0);
+}
+
+TEST_F(ReaderEndings, AStoppedRequestEndsSoonWhateverItsDriverDoes) {
+    ASSERT_TRUE(Image(Write("warm", "")));
+    int number = 0;
+    for (char const *text : {"open sleep 30\n", "open spin\n", "open poll 30\n"}) {
+        double const best = BestOfThree([&] {
+            std::string const file = Write("slow" + std::to_string(number++), text);
+            std::atomic<Clock::rep> stopped{0};
+            StopSignal stop{false};
+            std::thread stopper([&] {
+                // The reader has begun by then, or is about to: both must end.
+                std::this_thread::yield();
+                stopped = Clock::now().time_since_epoch().count();
+                stop = true;
+            });
+            EXPECT_FALSE(Image(file, &stop));
+            stopper.join();
+            EXPECT_EQ(ReaderFailureOf(file), "") << "a stop is nobody's fault";
+        });
+        EXPECT_LT(best, kIsSanitized ? 1000 : 100) << text;
+    }
+    EXPECT_TRUE(Image(Write("good", "")));
+}
+
+TEST_F(ReaderEndings, ALateRequestEndsSoonAfterItsTime) {
+    constexpr double time = 300;
+    Use(Short(milliseconds(static_cast<int>(time))));
+    ASSERT_TRUE(Image(Write("warm", "")));
+    int number = 0;
+    for (char const *text : {"open sleep 30\n", "open spin\n", "open poll 30\n"}) {
+        std::string file;
+        double const best = BestOfThree([&] {
+            file = Write("slow" + std::to_string(number++), text);
+            EXPECT_FALSE(Image(file));
+        });
+        EXPECT_LT(best, kIsSanitized ? time + 1000 : time + 100) << text;
+        EXPECT_THAT(ReaderFailureOf(file), HasSubstr("longer than 0.3 s")) << text;
+    }
+    EXPECT_TRUE(Image(Write("good", "")));
+}
+
+TEST_F(ReaderEndings, LateProbesOfAListingCostItsPatienceAndNoMore) {
+    ReaderSettings settings;
+    settings.probeInListing = milliseconds(60);
+    settings.patience = milliseconds(120);
+    Use(settings);
+    BDIDrvr *const driver = BDIDrvrMngr::Instance()->GetDrvr("HOSTILE");
+    ASSERT_NE(driver, nullptr);
+    std::vector<std::string> files;
+    for (int i = 0; i < 20; ++i)
+        files.push_back(Write("slow" + std::to_string(i), "probe sleep 30\nmembers 2\n"));
+    RequestScope const listing(RequestKind::List);
+    for (std::string const &file : files) {
+        RequestScope const probe(RequestKind::Probe);
+        EXPECT_FALSE(driver->CanReadPath(file));
+        EXPECT_TRUE(probe.IsUnanswered());
+    }
+    EXPECT_LE(CountReaders().killed, 4);
+    EXPECT_GE(CountReaders().killed, 1);
+}
+
+TEST_F(ReaderEndings, AFileWhoseProbeWasLateIsAskedAgainByThoseWhoGiveMoreTime) {
+    std::string const file = Write("slow", "probe sleep 0.4\nmembers 2\n");
+    BDIDrvr *const driver = BDIDrvrMngr::Instance()->GetDrvr("HOSTILE");
+    ASSERT_NE(driver, nullptr);
+    EXPECT_FALSE(driver->CanReadPath(file));
+    int const killed = CountReaders().killed;
+    EXPECT_FALSE(driver->CanReadPath(file)) << "not asked";
+    EXPECT_EQ(CountReaders().killed, killed);
+    RequestScope const scope(RequestKind::Probe, {}, seconds(30));
+    EXPECT_TRUE(driver->CanReadPath(file));
+}
+
+TEST_F(ReaderEndings, ARequestThatOutgrowsItsMemoryFailsAlone) {
+    ReaderSettings settings;
+    for (RequestBudget &budget : settings.budgets)
+        budget.memory = 100 * ReaderSettings::kMebibyte;
+    Use(settings);
+    Image const good(Write("good", "width 3\nheight 1\n"));
+    ASSERT_TRUE(good);
+    for (char const *text : {"open allocate 3000\n", "read allocate 3000\n"}) {
+        Image const image(Write("large", text));
+        EXPECT_TRUE(!image || image.Read(0).empty()) << text;
+    }
+    EXPECT_FALSE(good.Read(0).empty());
+}
+
+TEST_F(ReaderEndings, TwoHundredCrashesLeaveNothingBehind) {
+    int const crashes = kIsSanitized ? 20 : 200;
+    ASSERT_TRUE(Image(Write("warm", "")));
+    std::size_t const files = CountIn("/proc/self/fd");
+    std::size_t const memories = CountIn("/dev/shm");
+    std::size_t const temporary = CountIn(std::filesystem::temp_directory_path().c_str());
+    for (int i = 0; i < crashes; ++i)
+        EXPECT_FALSE(Image(Write("bad" + std::to_string(i), i % 2 == 0 ? "open crash\n" : "open abort\n")));
+    EXPECT_EQ(CountReaders().crashed, crashes);
+    EXPECT_TRUE(Image(Write("good", "")));
+    EXPECT_EQ(CountZombies(), 0);
+    EXPECT_LE(CountReaders().alive, 2);
+    EXPECT_LE(CountIn("/proc/self/fd"), files);
+    EXPECT_EQ(CountIn("/dev/shm"), memories);
+    EXPECT_EQ(CountIn(std::filesystem::temp_directory_path().c_str()), temporary);
+}
+
+TEST_F(ReaderEndings, AReaderHeldByTheKernelIsLeftBehindAndItsPlaceGetsNoWork) {
+    test::SilentMount mount;
+    if (!mount.IsMounted()) {
+        EXPECT_NE(getuid(), 0U) << "the superuser can mount";
+        return;
+    }
+    ASSERT_TRUE(Image(Write("warm", "")));
+    auto const begin = Clock::now();
+    StopSignal stop{false};
+    std::thread stopper([&] {
+        while (!mount.IsSomebodyHeld())
+            std::this_thread::yield();
+        stop = true;
+    });
+    EXPECT_FALSE(Image(mount.File(), &stop));
+    stopper.join();
+    EXPECT_EQ(CountReaders().leftBehind, 1);
+    int const started = CountReaders().started;
+    {
+        Image const again(mount.File());
+        EXPECT_FALSE(again);
+        EXPECT_THAT(again.error.Text(), HasSubstr("does not answer"));
+    }
+    EXPECT_EQ(CountReaders().started, started) << "no work for that place";
+    EXPECT_TRUE(Image(Write("good", ""))) << "other places go on";
+    mount.Answer();
+    while (CountReaders().leftBehind > 0 && MillisecondsSince(begin) < 20'000)
+        std::this_thread::yield();
+    EXPECT_EQ(CountReaders().leftBehind, 0);
+    EXPECT_EQ(CountZombies(), 0);
+}
+
+} // namespace
+} // namespace zelvar

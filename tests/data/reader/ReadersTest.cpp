@@ -1,0 +1,157 @@
+#include "support/HostileFiles.h"
+#include "zelvar/data/ImageReader.h"
+#include "zelvar/data/RequestScope.h"
+
+#include <atomic>
+#include <thread>
+
+namespace zelvar {
+namespace {
+
+using std::chrono::milliseconds;
+using test::HostileFiles;
+
+using Readers = HostileFiles;
+
+std::vector<BDINode> ChildrenOf(BDIDrvr &driver, void *repository, BDINode const &parent, int mask) {
+    std::vector<BDINode> nodes;
+    void *const find = driver.FindFirstChildNode(repository, &parent, mask);
+    while (BDINode const *const node = find == nullptr ? nullptr : driver.FindNextChildNode(find))
+        nodes.push_back(*node);
+    if (find != nullptr)
+        driver.FindClose(find);
+    return nodes;
+}
+
+TEST_F(Readers, AnImageIsWhatItsDriverSays) {
+    Image const image(Write("a", "width 30\nheight 7\nbands 6\n"));
+    ASSERT_TRUE(image) << image.error.Text();
+    EXPECT_EQ(image.driver->GetId(), "HOSTILE");
+    EXPECT_EQ(image.driver->GetNumChnl(image.handle), 6);
+    for (int const channel : {0, 5}) { // with the opening, and asked for
+        EXPECT_EQ(image.driver->GetChnlSizeX(image.handle, channel), 30);
+        EXPECT_EQ(image.driver->GetChnlSizeY(image.handle, channel), 7);
+        EXPECT_EQ(image.driver->GetChnlDataType(image.handle, channel), RDI_UInt8);
+    }
+    EXPECT_EQ(image.driver->GetChnlSizeX(image.handle, 6), 0);
+    EXPECT_EQ(image.driver->GetChnlSizeX(image.handle, -1), 0);
+    std::vector<unsigned char> const samples = image.Read(1);
+    ASSERT_EQ(samples.size(), 210U);
+    EXPECT_EQ(samples[0], 100);
+    EXPECT_EQ(samples[3 * 30 + 4], 134);
+}
+
+TEST_F(Readers, SizesThatNoMemoryHoldsAreRefused) {
+    Image const image(Write("a", "width 30\nheight 7\n"));
+    ASSERT_TRUE(image);
+    unsigned char sample = 0;
+    for (auto const &[width, height] : {std::pair{0, 5}, {-1, 5}, {2'000'000'000, 2'000'000'000}})
+        EXPECT_FALSE(image.driver->ReadBlockRsmpl(image.handle, 0, 0, 0, 30, 7, &sample, width, height, 0, true, true));
+    EXPECT_FALSE(image.driver->ReadPaletteRsmpl(image.handle, 0, 0, 30, 7, nullptr, 5, 5));
+    EXPECT_EQ(image.Read(0).size(), 210U);
+}
+
+TEST_F(Readers, TreesAndImagesOutliveTheirReaders) {
+    BDIDrvr *driver = nullptr;
+    BDINode *root = nullptr;
+    DError error;
+    void *const repository =
+        BDIDrvrMngr::Instance()->OpenFile(Write("tree", "members 5000\n").c_str(), &driver, &root, nullptr, &error);
+    ASSERT_NE(repository, nullptr) << error.Text();
+    Image const image(Write("a", "width 3\nheight 2\n"));
+    ASSERT_TRUE(image);
+    for (int round = 0; round < 2; ++round) {
+        std::vector<BDINode> const children = ChildrenOf(*driver, repository, *root, BDINode_Raster);
+        ASSERT_EQ(children.size(), 5000U);
+        EXPECT_EQ(children[4999].name, "member 4999");
+        BDINode *const found = driver->OpenNode(repository, children[17].path.c_str());
+        ASSERT_NE(found, nullptr);
+        EXPECT_EQ(found->name, "member 17");
+        driver->CloseNode(found);
+        EXPECT_EQ(image.Read(0), (std::vector<unsigned char>{0, 1, 2, 10, 11, 12}));
+        EndReaders();
+    }
+    driver->CloseNode(root);
+    driver->CloseRepository(repository);
+}
+
+TEST_F(Readers, AProbeAsksForAllDriversAtOnceAndOncePerScope) {
+    std::string const tree = Write("tree", "members 3\n");
+    std::string const plain = Write("plain", "width 3\n");
+    BDIDrvr *const driver = BDIDrvrMngr::Instance()->GetDrvr("HOSTILE");
+    ASSERT_NE(driver, nullptr);
+    RequestScope const scope(RequestKind::Probe, {}, std::chrono::seconds(20));
+    EXPECT_TRUE(driver->CanReadPath(tree));
+    EXPECT_FALSE(driver->CanReadPath(plain));
+    EXPECT_FALSE(scope.IsUnanswered());
+}
+
+TEST_F(Readers, APreviewDoesNotWaitForAListing) {
+    std::string const slow = Write("slow", "members 3\nlist poll 30\n");
+    std::atomic<bool> stop{false};
+    std::atomic<bool> listing{false};
+    BDIDrvr *driver = nullptr;
+    BDINode *root = nullptr;
+    void *const repository = BDIDrvrMngr::Instance()->OpenFile(slow.c_str(), &driver, &root, nullptr, nullptr);
+    ASSERT_NE(repository, nullptr);
+    std::thread lister([&] {
+        RequestScope const scope(RequestKind::List, [&] { return listing = true, stop.load(); });
+        EXPECT_TRUE(ChildrenOf(*driver, repository, *root, BDINode_Raster).empty());
+        EXPECT_TRUE(scope.IsUnanswered());
+    });
+    while (!listing)
+        std::this_thread::yield();
+    DCanvas canvas;
+    EXPECT_TRUE(ReadPreview({Write("a", "width 64\nheight 64\nbands 3\n"), nullptr}, "", nullptr, canvas));
+    EXPECT_EQ(canvas.GetWidth(), 1024);
+    stop = true;
+    lister.join();
+    driver->CloseNode(root);
+    driver->CloseRepository(repository);
+}
+
+TEST_F(Readers, ManyThreadsGetTheirOwnAnswers) {
+    constexpr int threads = 8;
+    std::vector<std::string> files;
+    for (int i = 0; i < threads; ++i)
+        files.push_back(
+            Write("t" + std::to_string(i), i == 3   ? "open crash\n"
+                                           : i == 5 ? "open fail\n"
+                                                    : "width " + std::to_string(10 + i) + "\nheight 3\nbands 2\n"));
+    std::vector<std::thread> workers;
+    for (int i = 0; i < threads; ++i)
+        workers.emplace_back([&, i] {
+            for (int round = 0; round < 10; ++round) {
+                Image const image(files[static_cast<std::size_t>(i)]);
+                if (i == 3 || i == 5) {
+                    EXPECT_FALSE(image);
+                    continue;
+                }
+                ASSERT_TRUE(image) << image.error.Text();
+                EXPECT_EQ(image.driver->GetChnlSizeX(image.handle, 1), 10 + i);
+                EXPECT_EQ(image.Read(1).at(2), 102);
+            }
+        });
+    for (std::thread &worker : workers)
+        worker.join();
+    EXPECT_EQ(CountReaders().crashed, 1);
+}
+
+TEST_F(Readers, WithoutAProgramThereAreNoDriversAndNoStorm) {
+    for (char const *program : {"/nowhere/zelvar-reader", "/bin/true"}) {
+        EndReaders();
+        BDIDrvrMngr::Instance()->Reset();
+        RDIDriverMngr::Instance()->Reset();
+        ReaderSettings settings;
+        settings.program = program;
+        UseReaderDrivers(settings);
+        int const before = CountReaders().started;
+        EXPECT_TRUE(BDIDrvrMngr::Instance()->Drivers().empty());
+        EXPECT_FALSE(Image(Write("a", "")));
+        WarmReaders();
+        EXPECT_LE(CountReaders().started - before, 4);
+    }
+}
+
+} // namespace
+} // namespace zelvar
