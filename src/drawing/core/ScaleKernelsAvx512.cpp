@@ -7,7 +7,9 @@
 #include <immintrin.h>
 
 // The compiler's own intrinsics leave a pass-through operand unset on purpose; g++ 12 warns about it.
+#ifndef __clang__
 #pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
+#endif
 
 #define ZELVAR_AVX512 [[gnu::target("avx512f,avx512bw,avx512vl,avx512dq,avx512vbmi")]]
 
