@@ -48,7 +48,7 @@ constexpr long kNotPermitted[] = {
     // what outlives a process
     SYS_shmget, SYS_msgget, SYS_semget, SYS_mq_open, SYS_mq_unlink, SYS_add_key, SYS_request_key, SYS_keyctl,
     // ways round the filter
-    SYS_io_uring_setup, SYS_bpf, SYS_perf_event_open, SYS_userfaultfd,
+    SYS_io_uring_setup, SYS_bpf, SYS_perf_event_open,
     // what a reader started by the superuser could do
     SYS_unshare, SYS_setns, SYS_chroot, SYS_pivot_root, SYS_mount, SYS_umount2, SYS_move_mount, SYS_open_tree,
     SYS_fsopen, SYS_fsmount, SYS_fspick, SYS_mount_setattr, SYS_swapon, SYS_swapoff, SYS_reboot, SYS_kexec_load,
