@@ -66,12 +66,13 @@ struct CloseWalk {
     void operator()(void *walk) const { driver->FindClose(walk); }
 };
 
-/// Whether a driver may be asked for these pixels at all.
+/// Whether a driver may be asked for these pixels at all: places are cast to int in many a driver.
 bool IsSound(wire::ReadPixelsT const &asked) {
-    bool const isWindow = std::isfinite(asked.x) && std::isfinite(asked.y) && std::isfinite(asked.width) &&
-                          std::isfinite(asked.height) && asked.width > 0 && asked.height > 0;
-    return isWindow && asked.outWidth > 0 && asked.outHeight > 0 && asked.resampling >= RDIDriver::Nearest &&
-           asked.resampling <= RDIDriver::Cubic;
+    constexpr double farthest = 2147483648.0;
+    auto const isPlace = [](double at) { return std::abs(at) <= farthest; }; // a NaN is none
+    auto const isSize = [](double size) { return size > 0 && size <= farthest; };
+    return isPlace(asked.x) && isPlace(asked.y) && isSize(asked.width) && isSize(asked.height) && asked.outWidth > 0 &&
+           asked.outHeight > 0 && asked.resampling >= RDIDriver::Nearest && asked.resampling <= RDIDriver::Cubic;
 }
 
 } // namespace

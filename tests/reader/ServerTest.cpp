@@ -318,6 +318,8 @@ TEST_F(ReaderServer, AbsurdPixelsAreRefusedBeforeTheDriverIsAsked) {
         {"a window below zero", [](auto &r) { r.height = -1; }},
         {"a window at no place", [](auto &r) { r.x = std::nan(""); }},
         {"a window at infinity", [](auto &r) { r.y = -infinite; }},
+        {"a window farther than channels reach", [](auto &r) { r.x = -3e9; }},
+        {"a window larger than channels are", [](auto &r) { r.height = 3e9; }},
         {"an infinite window", [](auto &r) { r.width = infinite; }},
         {"a channel below zero", [](auto &r) { r.channel = -1; }},
         {"a channel too many", [](auto &r) { r.channel = 1; }},

@@ -3,6 +3,7 @@
 #include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/data/RDIDriverMngr.h"
 
+#include <algorithm>
 #include <atomic>
 #include <condition_variable>
 #include <cstring>
@@ -253,8 +254,8 @@ public:
         auto *out = static_cast<unsigned char *>(buffer);
         for (int row = 0; row < outHeight; ++row)
             for (int column = 0; column < outWidth; ++column) {
-                int const sourceX = static_cast<int>(x + (column + 0.5) * width / outWidth);
-                int const sourceY = static_cast<int>(y + (row + 0.5) * height / outHeight);
+                int const sourceX = Pixel(x + (column + 0.5) * width / outWidth);
+                int const sourceY = Pixel(y + (row + 0.5) * height / outHeight);
                 out = Put(out, open->image->type, open->image->sample(channel, sourceX, sourceY));
             }
         return true;
@@ -276,6 +277,7 @@ private:
         ScriptedImage const *image = nullptr;
         StopSignal const *stop = nullptr;
     };
+    static int Pixel(double at) { return static_cast<int>(std::clamp(at, -2e9, 2e9)); }
     static ScriptedImage const &Of(void *handle) { return *static_cast<Handle *>(handle)->image; }
     template <class Sample>
     static unsigned char *PutAs(unsigned char *out, double value) {
