@@ -55,7 +55,7 @@ std::unique_ptr<Wanted> AskAbout(Repository &repository, char const *what, Body 
         return nullptr;
     repository.reader = answer.reader;
     using Traits = wire::AnswerBodyUnionTraits<Wanted>;
-    if (answer.message->body.type != Traits::enum_value)
+    if (answer.message->body.type != Traits::enum_value || answer.message->body.value == nullptr)
         return nullptr;
     return std::make_unique<Wanted>(std::move(*static_cast<Wanted *>(answer.message->body.value)));
 }

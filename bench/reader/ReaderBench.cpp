@@ -1,0 +1,160 @@
+// Reading through readers beside the same reading in this process. The program is an application that links the core
+// alone: GDAL comes into it only for the second half of each comparison, behind the figure of the memory.
+#include "Harness.h"
+#include "reader/Tiff.h"
+#include "zelvar/data/BDIDrvrMngr.h"
+#include "zelvar/data/DriverProvider.h"
+#include "zelvar/data/ImageReader.h"
+#include "zelvar/data/RDIDriverMngr.h"
+#include "zelvar/data/reader/DriverModule.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <vector>
+
+namespace zelvar::bench {
+namespace {
+
+class Folder {
+public:
+    Folder() {
+        if (mkdtemp(m_path.data()) == nullptr)
+            std::abort();
+    }
+    ~Folder() { std::filesystem::remove_all(m_path); }
+    Folder(Folder const &) = delete;
+    Folder &operator=(Folder const &) = delete;
+    [[nodiscard]] std::string operator/(char const *name) const { return m_path + "/" + name; }
+
+private:
+    std::string m_path = "/tmp/zelvar-bench-XXXXXX";
+};
+
+enum class Way { Reader, OwnProcess };
+
+/// The drivers that live there, none asked for yet.
+void Choose(Way way) {
+    BDIDrvrMngr::Instance()->Reset();
+    RDIDriverMngr::Instance()->Reset();
+    if (way == Way::Reader)
+        UseReaderDrivers();
+    else
+        UseOwnProcessDrivers();
+}
+
+void Use(Way way) {
+    Choose(way);
+    if (BDIDrvrMngr::Instance()->Drivers().empty())
+        std::abort();
+}
+
+double MsOf(std::function<void()> const &work) {
+    auto const begin = std::chrono::steady_clock::now();
+    work();
+    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begin).count();
+}
+
+double Median(std::vector<double> values) {
+    std::nth_element(values.begin(), values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2), values.end());
+    return values[values.size() / 2];
+}
+
+/// The work both ways in turn: medians of a call.
+Pair CompareWays(int rounds, int calls, std::function<void()> const &work) {
+    std::vector<double> reader;
+    std::vector<double> own;
+    std::vector<double> ratios;
+    for (int round = 0; round < rounds; ++round) {
+        for (Way const way : {Way::Reader, Way::OwnProcess}) {
+            Use(way);
+            work(); // whatever the first one has to load
+            std::vector<double> times;
+            for (int call = 0; call < calls; ++call)
+                times.push_back(MsOf(work));
+            (way == Way::Reader ? reader : own).push_back(Median(times));
+        }
+        ratios.push_back(reader.back() / own.back());
+    }
+    return {Median(ratios), Median(reader), Median(own)};
+}
+
+void ReadInfo(std::string const &path) {
+    ImageInfo info;
+    if (!ReadImageInfo({path, nullptr}, "", nullptr, info))
+        std::abort();
+}
+
+void Preview(std::string const &path) {
+    DCanvas canvas;
+    if (!ReadPreview({path, nullptr}, "", nullptr, canvas))
+        std::abort();
+}
+
+void ListMembers(std::string const &path) {
+    BDIDrvr *driver = nullptr;
+    BDINode *root = nullptr;
+    void *const repository = BDIDrvrMngr::Instance()->OpenFile(path.c_str(), &driver, &root, nullptr, nullptr);
+    if (repository == nullptr)
+        std::abort();
+    void *const find = driver->FindFirstChildNode(repository, root, BDINode_Raster);
+    int count = 0;
+    while (find != nullptr && driver->FindNextChildNode(find) != nullptr)
+        ++count;
+    if (count != 5000)
+        std::abort();
+    driver->FindClose(find);
+    driver->CloseNode(root);
+    driver->CloseRepository(repository);
+}
+
+Register const kReader("reader", [] {
+    Folder const folder;
+    std::string const small = folder / "small.tif";
+    Tiff(small).AddPage(100, 100, 3);
+    std::string const large = folder / "large.tif";
+    Tiff(large).AddPage(4000, 3000, 3);
+    std::string const pages = folder / "pages.tif";
+    {
+        Tiff file(pages);
+        for (int i = 0; i < 5000; ++i)
+            file.AddPage(8, 8, 1);
+    }
+
+    Choose(Way::Reader);
+    std::vector<double> starts;
+    for (int i = 0; i < 9; ++i) {
+        EndReaders();
+        BDIDrvrMngr::Instance()->Reset();
+        RDIDriverMngr::Instance()->Reset();
+        starts.push_back(MsOf([] { BDIDrvrMngr::Instance()->Drivers(); }));
+    }
+    Figure("reader.start", Median(starts), "ms", "limit: 60 ms from the first question to all drivers, median of 9");
+
+    ReadInfo(small);
+    Preview(large);
+    auto const without = static_cast<double>(ResidentBytes());
+    Use(Way::OwnProcess);
+    ReadInfo(small);
+    Preview(large);
+    Figure("reader.application_memory", without / 1e6, "MB", "resident after a preview, GDAL not loaded");
+    Figure("reader.application_memory_with_gdal", static_cast<double>(ResidentBytes()) / 1e6, "MB",
+           "the same application after it has read in its own process as well");
+
+    Pair const info = CompareWays(7, 200, [&] { ReadInfo(small); });
+    Figure("reader.properties.own_process", info.secondMs, "ms", "small TIFF, opened, described, closed");
+    Figure("reader.properties", info.firstMs, "ms", "the same through a reader");
+    Figure("reader.properties.more", info.firstMs - info.secondMs, "ms", "limit: 1 ms more");
+    Pair const preview = CompareWays(7, 5, [&] { Preview(large); });
+    Figure("reader.preview.own_process", preview.secondMs, "ms", "1024 pixels of 4,000 x 3,000 x 3, no pyramid");
+    Figure("reader.preview", preview.firstMs, "ms", "the same through a reader");
+    Figure("reader.preview.ratio", preview.ratio, "x", "limit: 1.05 times");
+    Pair const members = CompareWays(5, 3, [&] { ListMembers(pages); });
+    Figure("reader.members.own_process", members.secondMs, "ms", "TIFF of 5,000 pages, opened and listed");
+    Figure("reader.members", members.firstMs, "ms", "the same through a reader");
+    Figure("reader.members.ratio", members.ratio, "x", "limit: 1.2 times");
+});
+
+} // namespace
+} // namespace zelvar::bench
