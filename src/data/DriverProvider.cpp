@@ -12,6 +12,7 @@ struct State {
     std::recursive_mutex mutex; // the provider itself asks the managers
     DriverProvider provider;
     std::atomic<bool> done{false};
+    std::atomic<bool> slow{false};
     bool running = false;
 };
 
@@ -22,10 +23,11 @@ State &TheState() {
 
 } // namespace
 
-void SetDriverProvider(DriverProvider provider) {
+void SetDriverProvider(DriverProvider provider, bool isSlow) {
     State &state = TheState();
     std::lock_guard const lock(state.mutex);
     state.provider = std::move(provider);
+    state.slow = isSlow;
 }
 
 void EnsureDrivers() {
@@ -42,7 +44,10 @@ void EnsureDrivers() {
     state.done.store(true, std::memory_order_release);
 }
 
-bool AreDriversReady() { return TheState().done.load(std::memory_order_acquire); }
+bool AreDriversPending() {
+    State const &state = TheState();
+    return state.slow.load(std::memory_order_relaxed) && !state.done.load(std::memory_order_acquire);
+}
 
 void ForgetDrivers() {
     State &state = TheState();

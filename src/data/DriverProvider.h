@@ -9,11 +9,12 @@ namespace zelvar {
 /// Where drivers come from: called once, at the first question to either manager, and adds to both. `library/` sets the
 /// one that loads the GDAL module; a program may set its own before the first use.
 using DriverProvider = std::function<void()>;
-ZELVAR_API void SetDriverProvider(DriverProvider provider);
+/// `isSlow`: it takes long enough to be worth putting off, see `AreDriversPending`.
+ZELVAR_API void SetDriverProvider(DriverProvider provider, bool isSlow = false);
 /// Runs the provider unless it has run; others wait until it is through. Any thread.
 ZELVAR_API void EnsureDrivers();
-/// Whether the provider has run: then a question to a manager costs nothing more.
-[[nodiscard]] ZELVAR_API bool AreDriversReady();
+/// Whether the first question to a manager would wait for a slow provider.
+[[nodiscard]] ZELVAR_API bool AreDriversPending();
 /// Lets the provider run again at the next question. For tests.
 ZELVAR_API void ForgetDrivers();
 

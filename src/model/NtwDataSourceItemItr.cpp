@@ -1,10 +1,14 @@
 #include "zelvar/model/NtwDataSourceItemItr.h"
 
 #include "zelvar/base/PathStyle.h"
+#include "zelvar/data/BDIDrvrMngr.h"
+#include "zelvar/data/ProbeAhead.h"
 #include "zelvar/model/NtwDataSourceItem.h"
 #include "zelvar/model/SystemImages.h"
 
+#include <algorithm>
 #include <tuple>
+#include <vector>
 
 namespace zelvar {
 
@@ -25,6 +29,21 @@ bool IsProductCache(std::string_view name) { return name == "_zoom_cache" || nam
 /// "*" and "*.*" name every file.
 bool IsInForce(std::string_view filter) { return !filter.empty() && filter != "*" && filter != "*.*"; }
 
+constexpr std::size_t kTogether = 128; // files to a question
+
+bool IsProbedElsewhere(ShellChild const &child) {
+    return child.kind == ShellKind::File && ProbeAhead::IsWorthwhile() &&
+           !BDIDrvrMngr::Instance()->CandidatesFor(child.name).empty();
+}
+
+std::vector<DString> FilesToProbe(ShellNamespace const &shell, std::vector<ShellChild> const &children) {
+    std::vector<DString> paths;
+    for (ShellChild const &child : children)
+        if (IsProbedElsewhere(child))
+            paths.push_back(shell.Path(child.id));
+    return paths;
+}
+
 } // namespace
 
 void NtwDataSourceItemItr::Fill(platform::ShellId const &folder, DataSourceItem::ICancel *cancel,
@@ -42,6 +61,19 @@ void NtwDataSourceItemItr::Fill(platform::ShellId const &folder, DataSourceItem:
         std::ignore = isStopped();
         return false;
     };
+    // Whether a driver can open the file is asked once, when the item is made.
+    auto const addItem = [&](ShellChild const &child) {
+        if (RefItemPtr<DataSourceItem> item{
+                NtwDataSourceItem::CreateChild(child, parent, driverId, icons.IndexOf(child))})
+            m_items.push_back(std::move(item));
+    };
+    // Files that drivers elsewhere will be asked about wait for each other, and what comes behind them waits too.
+    std::vector<ShellChild> waiting;
+    auto const addWaiting = [&] {
+        ProbeAhead const ahead(FilesToProbe(shell, waiting));
+        std::for_each(waiting.begin(), waiting.end(), addItem);
+        waiting.clear();
+    };
     shell.Enumerate(
         folder, ShellNamespace::Purpose::Browse,
         [&](ShellChild &&child) {
@@ -49,13 +81,17 @@ void NtwDataSourceItemItr::Fill(platform::ShellId const &folder, DataSourceItem:
                 return false;
             if (child.kind != ShellKind::File && IsProductCache(child.name))
                 return true;
-            // Whether a driver can open the file is asked once, when the item is made.
-            if (RefItemPtr<DataSourceItem> item{
-                    NtwDataSourceItem::CreateChild(child, parent, driverId, icons.IndexOf(child))})
-                m_items.push_back(std::move(item));
+            if (waiting.empty() && !IsProbedElsewhere(child)) {
+                addItem(child);
+                return true;
+            }
+            waiting.push_back(std::move(child));
+            if (waiting.size() >= kTogether)
+                addWaiting();
             return true;
         },
         isWanted);
+    addWaiting();
     CreateCursor();
 }
 

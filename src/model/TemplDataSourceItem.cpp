@@ -5,6 +5,7 @@
 #include "zelvar/base/Report.h"
 #include "zelvar/base/XMLNode.h"
 #include "zelvar/data/BDIDrvrMngr.h"
+#include "zelvar/data/DriverProvider.h"
 #include "zelvar/model/ChildWalker.h"
 #include "zelvar/model/DataSourceRepository.h"
 #include "zelvar/model/SystemImages.h"
@@ -70,6 +71,8 @@ TemplDataSourceItem *TemplDataSourceItem::CreateItem(XMLNode const *definition) 
     rep->m_url = url;
     if (XMLNode const *const driver = definition->GetChldNode("BDIDriver"))
         rep->m_drvrId = driver->GetAttrStr("id");
+    if (!AreDriversPending())
+        static_cast<void>(rep->Driver());
     if (XMLNode const *const driver = definition->GetChldNode("RDIDriver")) {
         rep->m_rdiDriverId = driver->GetAttrStr("id");
         Report::TraceMessage(Report::kTraceDriver, "RDI driver ID \"%s\"", rep->m_rdiDriverId.c_str());

@@ -94,8 +94,8 @@ struct TemplDataSourceItem::CRep {
     DMutex m_lock;
     void *m_repository = nullptr;
     std::vector<void *> m_formerRepositories; ///< replaced by a filter while nodes of theirs live
-    /// The manager's; null until one is chosen at the opening. The one that a definition names is looked up at the first
-    /// question: drivers may take a moment to come, and a list of definitions needs none.
+    /// The manager's; null until one is chosen at the opening. The one that a definition names is looked up at the
+    /// first question while drivers are still to come: a list of definitions does not wait for them.
     BDIDrvr *Driver();
     BDIDrvr *m_drvr = nullptr;
     DString m_drvrId; ///< not looked up yet

@@ -4,6 +4,7 @@
 #include "zelvar/base/DFile.h"
 #include "zelvar/controls/CZelComboBox.h"
 #include "zelvar/data/BDIDrvrMngr.h"
+#include "zelvar/data/DriverProvider.h"
 #include "zelvar/data/RequestScope.h"
 #include "zelvar/data/reader/DriverModule.h"
 #include "zelvar/opends/DSDataSourceWnd.h"
@@ -240,7 +241,7 @@ bool DlgOpenDS::OnInitDialog() {
     m_stateTimer = startTimer(kStateInterval);
     qApp->installEventFilter(this);
     // The window does not wait for its place: one that is not there soon is listed when the window can be seen.
-    if (!AreReadersStarting())
+    if (!AreDriversPending())
         m_place = ShowInitialPlace(kSoon) ? Place::Shown : Place::Partly;
     m_layoutDone = true;
     m_cancelButton->setFocus();

@@ -126,6 +126,8 @@ std::optional<RequestHandler::Answer> RequestHandler::Handle(wire::RequestBodyUn
         return ListDrivers();
     case Kind::ProbeTrees:
         return ProbeTrees(*As<wire::ProbeTreesT>(body));
+    case Kind::ProbeFiles:
+        return ProbeFiles(*As<wire::ProbeFilesT>(body));
     case Kind::ProbeImage:
         return ProbeImage(*As<wire::ProbeImageT>(body));
     case Kind::StampFile:
@@ -167,16 +169,34 @@ RequestHandler::Answer RequestHandler::ListDrivers() {
     return Say(std::move(drivers));
 }
 
-RequestHandler::Answer RequestHandler::ProbeTrees(wire::ProbeTreesT const &asked) {
+std::optional<wire::ProbedT> RequestHandler::Probe(DString const &path, std::vector<DString> const &drivers) const {
     wire::ProbedT probed;
-    for (DString const &id : asked.drivers) {
+    for (DString const &id : drivers) {
         if (IsStopped())
-            return Failure(kStopped);
+            return std::nullopt;
         BDIDrvr const *const driver = BDIDrvrMngr::Instance()->GetDrvr(id.c_str());
-        if (driver != nullptr && driver->CanReadPath(asked.path))
+        if (driver != nullptr && driver->CanReadPath(path))
             probed.drivers.push_back(id);
     }
-    return Say(std::move(probed));
+    return probed;
+}
+
+RequestHandler::Answer RequestHandler::ProbeTrees(wire::ProbeTreesT const &asked) {
+    std::optional<wire::ProbedT> probed = Probe(asked.path, asked.drivers);
+    return probed ? Say(std::move(*probed)) : Failure(kStopped);
+}
+
+RequestHandler::Answer RequestHandler::ProbeFiles(wire::ProbeFilesT const &asked) {
+    wire::FilesProbedT answer;
+    for (std::unique_ptr<wire::ProbedFileT> const &file : asked.files) {
+        if (file == nullptr || file->set >= asked.sets.size() || asked.sets[file->set] == nullptr)
+            return Failure("a file without its drivers");
+        std::optional<wire::ProbedT> probed = Probe(file->path, asked.sets[file->set]->drivers);
+        if (!probed)
+            break; // what is known is of use
+        answer.files.push_back(std::make_unique<wire::ProbedT>(std::move(*probed)));
+    }
+    return Say(std::move(answer));
 }
 
 RequestHandler::Answer RequestHandler::ProbeImage(wire::ProbeImageT const &asked) {

@@ -34,6 +34,7 @@ public:
 private:
     static Answer ListDrivers();
     Answer ProbeTrees(wire::ProbeTreesT const &asked);
+    Answer ProbeFiles(wire::ProbeFilesT const &asked);
     static Answer ProbeImage(wire::ProbeImageT const &asked);
     static Answer StampFile(wire::StampFileT const &asked);
     Answer OpenTree(wire::OpenTreeT const &asked);
@@ -44,6 +45,8 @@ private:
     Answer GetAttribute(wire::GetAttributeT const &asked);
     Answer ReadPixels(wire::ReadPixelsT const &asked);
 
+    /// Those of the drivers that read the file; nothing if it was stopped.
+    [[nodiscard]] std::optional<wire::ProbedT> Probe(DString const &path, std::vector<DString> const &drivers) const;
     Answer WalkChildren(OpenTrees::Tree &tree, BDINode const &parent, int mask);
     OpenTrees::Tree *TreeOf(std::unique_ptr<wire::TreeSpecT> const &spec, DString &reason);
     OpenImages::Image *ImageOf(std::unique_ptr<wire::ImageSpecT> const &spec, DString &reason);

@@ -348,6 +348,9 @@ TEST_F(ReaderServer, WhatIsMissingOrUnknownFails) {
     EXPECT_EQ(FailureIn(talk.Ask(wire::OpenImageT{})), "the request is not complete");
     EXPECT_EQ(FailureIn(talk.Ask(wire::DescribeChannelT{})), "the request is not complete");
     EXPECT_EQ(FailureIn(talk.Ask(nothing)), "the request is not complete");
+    wire::ProbeFilesT files;
+    files.files.push_back(std::make_unique<wire::ProbedFileT>()); // of a set that is not there
+    EXPECT_EQ(FailureIn(talk.Ask(std::move(files))), "a file without its drivers");
     EXPECT_EQ(FailureIn(talk.Ask(OpenTree(TreeSpec(2, "NOBODY", "/a")))), "no tree driver NOBODY");
     EXPECT_EQ(FailureIn(talk.Ask(OpenTree(TreeSpec(2, "TREE", "/b")))), "TREE does not open /b");
     EXPECT_EQ(FailureIn(talk.Ask(OpenImage(ImageSpec(2, "", "/a")))), "no raster driver ");

@@ -4,10 +4,12 @@
 #include "zelvar/base/Report.h"
 #include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/data/DriverProvider.h"
+#include "zelvar/data/ProbeAhead.h"
 #include "zelvar/data/RDIDriverMngr.h"
 #include "zelvar/data/reader/Readers.h"
 #include "zelvar/data/reader/RemoteRasterDriver.h"
 #include "zelvar/data/reader/RemoteTreeDriver.h"
+#include "zelvar/data/reader/TreeProbes.h"
 
 #include <atomic>
 
@@ -57,12 +59,14 @@ void AddRemoteDrivers() {
 void UseReaderDrivers(ReaderSettings const &settings) {
     Readers::Instance().Pool().Configure(settings);
     g_readersAreUsed = true;
-    SetDriverProvider(AddRemoteDrivers);
+    SetDriverProvider(AddRemoteDrivers, true);
+    ProbeAhead::SetHandlers(&TreeProbes::AskAhead, &TreeProbes::ForgetAhead);
 }
 
 void UseOwnProcessDrivers() {
     g_readersAreUsed = false;
     SetDriverProvider(LoadModule);
+    ProbeAhead::SetHandlers(nullptr, nullptr);
 }
 
 void WarmReaders() {
@@ -71,8 +75,6 @@ void WarmReaders() {
     Readers::Instance().Pool().Warm({.listing = true, .network = false});
     Readers::Instance().Pool().Warm({.listing = false, .network = false});
 }
-
-bool AreReadersStarting() { return g_readersAreUsed && !AreDriversReady(); }
 
 DString ReaderFailureOf(DString const &moniker) { return Readers::Instance().Verdicts().FailureOf(moniker); }
 

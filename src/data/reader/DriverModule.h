@@ -15,9 +15,6 @@ ZELVAR_API void UseOwnProcessDrivers();
 /// Starts the first readers, where they are used, and does not wait: whoever asks soon finds them ready. Any thread.
 ZELVAR_API void WarmReaders();
 
-/// Whether drivers live in readers and none has told them yet: the first question will wait for it.
-[[nodiscard]] ZELVAR_API bool AreReadersStarting();
-
 /// What became of the last request for a moniker that ended its reader; empty if none did.
 [[nodiscard]] ZELVAR_API DString ReaderFailureOf(DString const &moniker);
 

@@ -22,6 +22,11 @@ std::optional<FileVerdicts::Verdict> FileVerdicts::Find(DString const &moniker, 
     return mayTry ? std::nullopt : std::optional(verdict);
 }
 
+bool FileVerdicts::Has(DString const &moniker) const {
+    std::lock_guard const lock(m_mutex);
+    return m_verdicts.contains(moniker);
+}
+
 void FileVerdicts::Forget(DString const &moniker) {
     std::lock_guard const lock(m_mutex);
     m_verdicts.erase(moniker);

@@ -28,6 +28,8 @@ public:
     /// What stands against asking with so much time. Whether the file has changed meanwhile is the caller's to find
     /// out.
     [[nodiscard]] std::optional<Verdict> Find(DString const &moniker, std::chrono::milliseconds time) const;
+    /// Whether anything stands against it.
+    [[nodiscard]] bool Has(DString const &moniker) const;
     void Forget(DString const &moniker);
     void Clear();
 

@@ -1,10 +1,9 @@
 #include "zelvar/data/reader/RemoteTreeDriver.h"
 
-#include "zelvar/base/PathStyle.h"
 #include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/data/reader/Readers.h"
+#include "zelvar/data/reader/TreeProbes.h"
 
-#include <algorithm>
 #include <cstring>
 #include <utility>
 
@@ -60,44 +59,6 @@ std::unique_ptr<Wanted> AskAbout(Repository &repository, char const *what, Body 
     return std::make_unique<Wanted>(std::move(*static_cast<Wanted *>(answer.message->body.value)));
 }
 
-/// The drivers of the last probe on this thread and those of them that read the file. The drivers that may claim a file
-/// are asked one after the other, within one scope: the first question brings the answers for all.
-struct LastProbe {
-    RequestScope::Clock::time_point scope;
-    DString path;
-    std::vector<DString> asked;
-    std::vector<DString> reading;
-    bool answered = false;
-};
-
-LastProbe &LastProbeOfThread() {
-    thread_local LastProbe probe;
-    return probe;
-}
-
-bool Holds(std::vector<DString> const &ids, DString const &id) {
-    return std::find(ids.begin(), ids.end(), id) != ids.end();
-}
-
-/// Asks that driver, and with it all that may claim a file of that name.
-void Probe(DString const &path, DString const &id, LastProbe &probe) {
-    probe.path = path;
-    probe.asked.assign(1, id);
-    probe.reading.clear();
-    for (BDIDrvr *const candidate : BDIDrvrMngr::Instance()->CandidatesFor(FileNameOf(path)))
-        if (dynamic_cast<RemoteTreeDriver *>(candidate) != nullptr && candidate->GetId() != id)
-            probe.asked.push_back(candidate->GetId());
-    wire::ProbeTreesT body;
-    body.path = path;
-    body.drivers = probe.asked;
-    Readers::Call const call{.kind = RequestKind::Probe, .what = "probe", .subject = path};
-    Readers::Answer const answer = Readers::Instance().Ask(call, std::move(body));
-    wire::ProbedT const *const probed = answer.message == nullptr ? nullptr : answer.message->body.AsProbed();
-    probe.answered = probed != nullptr;
-    if (probed != nullptr)
-        probe.reading = probed->drivers;
-}
-
 } // namespace
 
 int RemoteTreeDriver::GetAttrInt(char const *name) const {
@@ -106,18 +67,7 @@ int RemoteTreeDriver::GetAttrInt(char const *name) const {
     return std::strcmp(name, "BDI_Filtering") == 0 ? m_facts.filtering : 0;
 }
 
-bool RemoteTreeDriver::CanReadPath(DString const &path) const {
-    LastProbe &probe = LastProbeOfThread();
-    RequestScope const *const scope = RequestScope::Current();
-    auto const moment = scope == nullptr ? RequestScope::Clock::time_point() : scope->Begin();
-    bool const known =
-        scope != nullptr && probe.scope == moment && probe.path == path && Holds(probe.asked, m_facts.id);
-    if (!known) {
-        probe.scope = moment;
-        Probe(path, m_facts.id, probe);
-    }
-    return Holds(probe.reading, m_facts.id);
-}
+bool RemoteTreeDriver::CanReadPath(DString const &path) const { return TreeProbes::Reads(m_facts.id, path); }
 
 void *RemoteTreeDriver::Open(char const *url, BDIDrvr **opener, BDINode **root, char const *filter, bool family) {
     if (url == nullptr || *url == '\0')

@@ -1,5 +1,6 @@
 #include "support/HostileFiles.h"
 #include "zelvar/data/ImageReader.h"
+#include "zelvar/data/ProbeAhead.h"
 #include "zelvar/data/RequestScope.h"
 
 #include <atomic>
@@ -84,6 +85,28 @@ TEST_F(Readers, AProbeAsksForAllDriversAtOnceAndOncePerScope) {
     EXPECT_TRUE(driver->CanReadPath(tree));
     EXPECT_FALSE(driver->CanReadPath(plain));
     EXPECT_FALSE(scope.IsUnanswered());
+}
+
+TEST_F(Readers, ProbesAheadFindTheContainersAmongManyFilesAndTheOneThatCrashes) {
+    ReaderSettings settings;
+    settings.probeInListing = std::chrono::seconds(20);
+    Use(settings);
+    BDIDrvr *const driver = BDIDrvrMngr::Instance()->GetDrvr("HOSTILE");
+    ASSERT_NE(driver, nullptr);
+    for (char const *bad : {"", "probe crash\n"}) {
+        std::vector<DString> paths;
+        for (int i = 0; i < 300; ++i)
+            paths.push_back(Write("f" + std::to_string(i), i % 7 == 0 ? "members 2\n" : i == 150 ? bad : "width 3\n"));
+        RequestScope const listing(RequestKind::List);
+        ProbeAhead const ahead(paths);
+        for (std::size_t i = 0; i < paths.size(); ++i) {
+            RequestScope const probe(RequestKind::Probe);
+            EXPECT_EQ(driver->CanReadPath(paths[i]), i % 7 == 0) << i;
+        }
+    }
+    // Together with others, and then alone: the rest was asked about one by one.
+    EXPECT_EQ(CountReaders().crashed, 2);
+    EXPECT_EQ(CountReaders().killed, 0);
 }
 
 TEST_F(Readers, APreviewDoesNotWaitForAListing) {

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "zelvar/base/DString.h"
+
+#include <vector>
+
+namespace zelvar {
+
+/// What readers say of which drivers read which files as trees. The answers belong to the thread that asked.
+class TreeProbes {
+public:
+    /// Whether that driver reads the file. The drivers that may claim a file are asked one after the other, within one
+    /// `RequestScope`: the first question brings the answers for all.
+    [[nodiscard]] static bool Reads(DString const &driverId, DString const &path);
+
+    /// Asks about many files in few requests. Files that ended a reader before are left out, and the rest of them after
+    /// a request that was not answered: each then is asked about alone, so that the one to blame is found.
+    static void AskAhead(std::vector<DString> const &paths);
+    static void ForgetAhead();
+};
+
+} // namespace zelvar
