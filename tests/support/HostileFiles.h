@@ -29,6 +29,7 @@ protected:
         BDIDrvrMngr::Instance()->Reset();
         RDIDriverMngr::Instance()->Reset();
         settings.program = ZELVAR_READER;
+        settings.withInstalledDrivers = false;
         settings.modules = {ZELVAR_HOSTILE};
         UseReaderDrivers(settings);
     }

@@ -114,7 +114,7 @@ std::shared_ptr<ReaderProcess> ReaderProcess::Start(ReaderSettings const &settin
     FileDescriptor const theirs(ends[1]);
     std::vector<DString> words{program, std::to_string(kSocket), std::to_string(kStatus),
                                network ? "network" : "local"};
-    if (settings.modules.empty())
+    if (settings.withInstalledDrivers)
         words.push_back(InstalledFile("zelvar-gdal.so"));
     words.insert(words.end(), settings.modules.begin(), settings.modules.end());
     pid_t pid = -1;

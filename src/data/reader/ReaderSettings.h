@@ -37,7 +37,10 @@ struct ReaderSettings {
     int imageReaders = 3;
     /// The program; empty for the installed one.
     DString program;
-    /// Modules that it loads drivers from; empty for the installed one. Each has the entry `zelvar_register_drivers`.
+    /// Whether it loads the installed drivers, those over GDAL.
+    bool withInstalledDrivers = true;
+    /// Paths of further modules of drivers, each with the entry `extern "C" void zelvar_register_drivers()`, which adds
+    /// its drivers to `BDIDrvrMngr` and `RDIDriverMngr`.
     std::vector<DString> modules;
 
     [[nodiscard]] RequestBudget const &BudgetOf(RequestKind kind) const {
