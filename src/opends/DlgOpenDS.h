@@ -102,8 +102,8 @@ protected:
     void OnOK() override;
     bool event(QEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
-    /// Lists the place that the dialog begins at, for so long at most; nothing for as long as it takes. False if not all
-    /// of it came in time.
+    /// Lists the place that the dialog begins at, for so long at most; nothing for as long as it takes. False if not
+    /// all of it came in time.
     bool ShowInitialPlace(std::optional<std::chrono::milliseconds> time);
     void resizeEvent(QResizeEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
