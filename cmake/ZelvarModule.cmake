@@ -6,6 +6,7 @@
 #     PRIVATE  settings                    # used by its .cpp files only
 #     EXTERNAL Qt6::Widgets                # other libraries in its headers; EXTERNAL_PRIVATE for the .cpp files only
 #     PRIVATE_HEADERS                      # nothing of it is installed
+#     PUBLIC_HEADERS cdxCDynamicWnd.h ...  # these alone are installed; without either all of them
 #     SOURCES  cdxCDynamicWnd.cpp ...)
 #
 # - A module may only name modules of a lower LAYER: a cycle cannot be written down.
@@ -15,7 +16,7 @@ include(ZelvarWarnings)
 define_property(TARGET PROPERTY ZELVAR_LAYER BRIEF_DOCS "layer of a module" FULL_DOCS "layer of a module")
 
 function(zelvar_module name)
-  cmake_parse_arguments(ARG "QT;PRIVATE_HEADERS" "LAYER;FOLDER" "DEPENDS;PRIVATE;EXTERNAL;EXTERNAL_PRIVATE;SOURCES" ${ARGN})
+  cmake_parse_arguments(ARG "QT;PRIVATE_HEADERS" "LAYER;FOLDER" "PUBLIC_HEADERS;DEPENDS;PRIVATE;EXTERNAL;EXTERNAL_PRIVATE;SOURCES" ${ARGN})
   if(NOT ARG_FOLDER)
     set(ARG_FOLDER ${name})
   endif()
@@ -53,7 +54,11 @@ function(zelvar_module name)
   endforeach()
   target_include_directories(zelvar_${name} PUBLIC "${window}")
   if(NOT ARG_PRIVATE_HEADERS)
-    install(FILES ${headers} DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/zelvar/${ARG_FOLDER}" COMPONENT dev)
+    set(installed ${headers})
+    if(ARG_PUBLIC_HEADERS)
+      set(installed ${ARG_PUBLIC_HEADERS})
+    endif()
+    install(FILES ${installed} DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/zelvar/${ARG_FOLDER}" COMPONENT dev)
   endif()
 
   if(ZELVAR_DEV)

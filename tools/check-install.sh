@@ -20,4 +20,7 @@ flags=$(PKG_CONFIG_PATH=$(dirname "$(find "$scratch/usr" -name zelvar.pc)") pkg-
 case "$flags" in *-lzelvar*) ;; *) echo "pkg-config says: $flags"; exit 1 ;; esac
 mkdir "$scratch/empty" "$scratch/home"
 ZELVAR_SETTINGS=$scratch/settings.db HOME=$scratch/home "$scratch/usr/bin/zelvar" ls "$scratch/empty"
+# What is read is read by the installed reader, with the installed drivers.
+ZELVAR_SETTINGS=$scratch/settings.db HOME=$scratch/home "$scratch/usr/bin/zelvar" info "$source/docs/open-dialog.png" |
+  grep -q '^Driver	Portable Network Graphics' || { echo "the installed command reads no image"; exit 1; }
 echo "installed, found and linked"
