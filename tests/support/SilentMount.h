@@ -7,6 +7,7 @@
 #include <cstring>
 #include <string>
 #include <thread>
+#include <utility>
 
 #include <fcntl.h>
 #include <linux/fuse.h>
@@ -16,12 +17,13 @@
 
 namespace zelvar::test {
 
-/// A mounted file system with one file, "image.hostile", that can be looked at and opened, but not read: who reads is
-/// held in the kernel, deaf to every signal, until `Answer` or the end of this object. A server that has gone, played
-/// without a network. Needs the superuser and /dev/fuse.
+/// A mounted file system with one file that can be looked at and opened, but not read: who reads is held in the kernel,
+/// deaf to every signal, until `Answer` or the end of this object. A server that has gone, played without a network.
+/// Needs the superuser and /dev/fuse.
 class SilentMount {
 public:
-    SilentMount() : m_point(m_folder.Folder("silent")), m_device(open("/dev/fuse", O_RDWR | O_CLOEXEC)) {
+    explicit SilentMount(std::string name)
+        : m_name(std::move(name)), m_point(m_folder.Folder("silent")), m_device(open("/dev/fuse", O_RDWR | O_CLOEXEC)) {
         std::string const options = "fd=" + std::to_string(m_device) + ",rootmode=40000,user_id=0,group_id=0";
         m_mounted = m_device >= 0 && mount("silent", m_point.c_str(), "fuse.silent", 0, options.c_str()) == 0;
         if (m_mounted)
@@ -40,7 +42,7 @@ public:
     SilentMount &operator=(SilentMount const &) = delete;
 
     [[nodiscard]] bool IsMounted() const { return m_mounted; }
-    [[nodiscard]] std::string File() const { return m_point + "/image.hostile"; }
+    [[nodiscard]] std::string File() const { return m_point + "/" + m_name; }
     /// Whether somebody is held in a read.
     [[nodiscard]] bool IsSomebodyHeld() const { return m_heldRead != 0; }
     /// Lets go of who is held: the read fails.
@@ -96,7 +98,7 @@ private:
             fuse_entry_out answer{};
             answer.nodeid = kFile;
             answer.attr = AttributesOf(kFile);
-            if (std::strcmp(body, "image.hostile") == 0)
+            if (m_name == body)
                 Reply(head.unique, answer);
             else
                 Reply(head.unique, -ENOENT, nullptr, 0);
@@ -130,6 +132,7 @@ private:
     }
 
     TempFolder m_folder;
+    std::string m_name;
     std::string m_point;
     int m_device;
     bool m_mounted = false;

@@ -213,7 +213,7 @@ TEST_F(ReaderEndings, TwoHundredCrashesLeaveNothingBehind) {
 }
 
 TEST_F(ReaderEndings, AReaderHeldByTheKernelIsLeftBehindAndItsPlaceGetsNoWork) {
-    test::SilentMount mount;
+    test::SilentMount mount("image.hostile");
     if (!mount.IsMounted()) {
         EXPECT_NE(getuid(), 0U) << "the superuser can mount";
         return;
