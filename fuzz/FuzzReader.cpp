@@ -1,6 +1,7 @@
 // Neither end of the talk between an application and its readers trusts the other's bytes: whatever comes is unpacked
 // or refused, and what a reader's drivers are asked for stays within bounds.
 #include "support/ScriptedDriver.h"
+#include "zelvar/data/reader/AnswerReading.h"
 #include "zelvar/data/wire/Messages.h"
 #include "zelvar/reader/RequestHandler.h"
 
@@ -8,6 +9,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <exception>
+#include <utility>
 
 #include <fcntl.h>
 
@@ -62,14 +64,32 @@ void Serve(wire::RequestT const &request) {
     Require(told != nullptr && told->number == request.number && told->body.value != nullptr);
 }
 
+/// The application's side: whatever it takes from an answer can be.
+void Consume(wire::AnswerT &answer) {
+    if (auto *const opened = BodyOf<wire::ImageOpenedT>(&answer))
+        for (auto const &channel : opened->channels) {
+            ChannelFacts const facts = ChannelFrom(channel.get());
+            Require(facts.sizeX >= 0 && facts.sizeY >= 0 && facts.geo.numSlices >= 0 && facts.geo.numTimeFrames >= 0);
+            Require(facts.dataType == RDI_None || RDIGetDTSize(facts.dataType) > 0);
+        }
+    if (auto *const children = BodyOf<wire::ChildrenT>(&answer)) {
+        std::size_t const most = children->nodes.size();
+        Require(NodesFrom(std::move(*children)).size() <= most);
+    }
+    if (auto *const tree = BodyOf<wire::TreeOpenedT>(&answer); tree != nullptr && tree->root != nullptr)
+        static_cast<void>(ToWire(NodeFrom(std::move(*tree->root))));
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const *data, std::size_t size) {
     if (auto const request = wire::Unpack<wire::Request>({data, size}); request != nullptr)
         Serve(*request);
-    // A kind without a body can be received but not sent.
-    if (auto const answer = wire::Unpack<wire::Answer>({data, size});
-        answer != nullptr && answer->body.value != nullptr)
-        Require(wire::Unpack<wire::Answer>(wire::Pack(*answer)) != nullptr);
+    if (auto const answer = wire::Unpack<wire::Answer>({data, size}); answer != nullptr) {
+        // A kind without a body can be received but not sent.
+        if (answer->body.value != nullptr)
+            Require(wire::Unpack<wire::Answer>(wire::Pack(*answer)) != nullptr);
+        Consume(*answer);
+    }
     return 0;
 }

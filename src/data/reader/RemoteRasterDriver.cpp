@@ -1,6 +1,7 @@
 #include "zelvar/data/reader/RemoteRasterDriver.h"
 
 #include "zelvar/data/RDIDriverMngr.h"
+#include "zelvar/data/reader/AnswerReading.h"
 #include "zelvar/data/reader/Readers.h"
 
 #include <cstring>
@@ -17,7 +18,7 @@ struct Image {
     StopSignal const *stop = nullptr;
     int reader = 0; ///< that has it open, as far as we know
     wire::ImageOpenedT facts;
-    std::map<int, wire::ChannelT> moreChannels; ///< behind those that came with the opening
+    std::map<int, ChannelFacts> moreChannels; ///< behind those that came with the opening
 };
 
 Image &Of(void *handle) { return *static_cast<Image *>(handle); }
@@ -37,23 +38,22 @@ Readers::Answer AskAbout(Image &image, char const *what, RequestKind kind, Body 
     return answer;
 }
 
-wire::ChannelT const &ChannelOf(void *handle, int channel) {
-    static wire::ChannelT const none;
+ChannelFacts ChannelOf(void *handle, int channel) {
     Image &image = Of(handle);
     if (channel < 0 || channel >= image.facts.numChannels)
-        return none;
+        return {};
     auto const index = static_cast<std::size_t>(channel);
     if (index < image.facts.channels.size())
-        return image.facts.channels[index] == nullptr ? none : *image.facts.channels[index];
+        return ChannelFrom(image.facts.channels[index].get());
     if (auto const known = image.moreChannels.find(channel); known != image.moreChannels.end())
         return known->second;
     wire::DescribeChannelT body;
     body.channel = channel;
     Readers::Answer const answer = AskAbout(image, "channel", RequestKind::Properties, std::move(body));
-    auto const *described = answer.message == nullptr ? nullptr : answer.message->body.AsChannelDescribed();
-    if (described == nullptr || described->channel == nullptr)
-        return none;
-    return image.moreChannels[channel] = *described->channel;
+    auto const *described = BodyOf<wire::ChannelDescribedT>(answer.message.get());
+    if (described == nullptr)
+        return {};
+    return image.moreChannels[channel] = ChannelFrom(described->channel.get());
 }
 
 /// A product of sizes that are told from outside; nothing if it is none.
@@ -72,7 +72,7 @@ bool Read(Image &image, wire::ReadPixelsT body, std::optional<std::size_t> bytes
         return false;
     body.bytes = *bytes;
     Readers::Answer const answer = AskAbout(image, "pixels", RequestKind::Preview, std::move(body), *bytes);
-    if (answer.message == nullptr || answer.message->body.AsPixelsRead() == nullptr)
+    if (BodyOf<wire::PixelsReadT>(answer.message.get()) == nullptr)
         return false;
     std::memcpy(buffer, answer.pixels, *bytes);
     return true;
@@ -86,7 +86,7 @@ int RemoteRasterDriver::IsMyFile(char const *path) const {
     body.driver = m_facts.id;
     Readers::Call const call{.kind = RequestKind::Probe, .what = "probe", .subject = body.path};
     Readers::Answer const answer = Readers::Instance().Ask(call, std::move(body));
-    wire::ProbedT const *const probed = answer.message == nullptr ? nullptr : answer.message->body.AsProbed();
+    wire::ProbedT const *const probed = BodyOf<wire::ProbedT>(answer.message.get());
     return probed != nullptr && !probed->drivers.empty() ? 1 : 0;
 }
 
@@ -101,13 +101,13 @@ void *RemoteRasterDriver::Open(BDIMoniker const &moniker, RDIDriver **opener, St
     Readers::Answer const answer = AskAbout(*image, "image", RequestKind::Properties, wire::OpenImageT());
     DString reason = answer.reason;
     if (answer.message != nullptr) {
-        if (wire::ImageOpenedT *const opened = answer.message->body.AsImageOpened()) {
+        if (wire::ImageOpenedT *const opened = BodyOf<wire::ImageOpenedT>(answer.message.get())) {
             image->facts = std::move(*opened);
             RDIDriver *const named = RDIDriverMngr::Instance()->GetDriver(image->facts.driver.c_str());
             *opener = dynamic_cast<RemoteRasterDriver *>(named) != nullptr ? named : this;
             return image.release();
         }
-        if (wire::FailedT const *const failed = answer.message->body.AsFailed())
+        if (wire::FailedT const *const failed = BodyOf<wire::FailedT>(answer.message.get()))
             reason = failed->reason;
     } else {
         reason = "\"" + moniker.GetText() + "\": " + reason;
@@ -144,10 +144,7 @@ int RemoteRasterDriver::GetChnlSizeY(void *handle, int channel) const { return C
 
 int RemoteRasterDriver::GetChnlDataType(void *handle, int channel) const { return ChannelOf(handle, channel).dataType; }
 
-RDIGeoCoo RemoteRasterDriver::GetChnlGeoCode(void *handle, int channel) const {
-    wire::ChannelT const &facts = ChannelOf(handle, channel);
-    return {facts.slices, facts.timeFrames};
-}
+RDIGeoCoo RemoteRasterDriver::GetChnlGeoCode(void *handle, int channel) const { return ChannelOf(handle, channel).geo; }
 
 DString RemoteRasterDriver::GetAttrString(char const *name, void *handle, int channel) const {
     if (channel == 0 && std::strcmp(name, "RDI_Drvr_Info") == 0)
@@ -157,7 +154,7 @@ DString RemoteRasterDriver::GetAttrString(char const *name, void *handle, int ch
     body.channel = channel;
     body.isText = true;
     Readers::Answer const answer = AskAbout(Of(handle), "attribute", RequestKind::Properties, std::move(body));
-    wire::AttributeT const *const got = answer.message == nullptr ? nullptr : answer.message->body.AsAttribute();
+    wire::AttributeT const *const got = BodyOf<wire::AttributeT>(answer.message.get());
     return got == nullptr ? DString() : got->text;
 }
 
@@ -170,7 +167,7 @@ int RemoteRasterDriver::GetAttrInt(char const *name, void *handle, int channel) 
     body.name = name;
     body.channel = channel;
     Readers::Answer const answer = AskAbout(Of(handle), "attribute", RequestKind::Properties, std::move(body));
-    wire::AttributeT const *const got = answer.message == nullptr ? nullptr : answer.message->body.AsAttribute();
+    wire::AttributeT const *const got = BodyOf<wire::AttributeT>(answer.message.get());
     return got == nullptr ? 0 : got->number;
 }
 

@@ -1,6 +1,7 @@
 #include "zelvar/data/reader/RemoteTreeDriver.h"
 
 #include "zelvar/data/BDIDrvrMngr.h"
+#include "zelvar/data/reader/AnswerReading.h"
 #include "zelvar/data/reader/Readers.h"
 #include "zelvar/data/reader/TreeProbes.h"
 
@@ -23,24 +24,6 @@ struct Walk {
 
 Repository &Of(void *repository) { return *static_cast<Repository *>(repository); }
 
-BDINode FromWire(wire::NodeT &&node) {
-    BDINode result;
-    result.type = node.type;
-    result.path = std::move(node.path);
-    result.name = std::move(node.name);
-    result.value = std::move(node.value);
-    return result;
-}
-
-std::unique_ptr<wire::NodeT> ToWire(BDINode const &node) {
-    auto result = std::make_unique<wire::NodeT>();
-    result->type = node.type;
-    result->path = node.path;
-    result->name = node.name;
-    result->value = node.value;
-    return result;
-}
-
 std::unique_ptr<wire::TreeSpecT> Copy(wire::TreeSpecT const &spec) { return std::make_unique<wire::TreeSpecT>(spec); }
 
 /// Asks about an open tree. Null if there is no such answer.
@@ -53,10 +36,8 @@ std::unique_ptr<Wanted> AskAbout(Repository &repository, char const *what, Body 
     if (answer.message == nullptr)
         return nullptr;
     repository.reader = answer.reader;
-    using Traits = wire::AnswerBodyUnionTraits<Wanted>;
-    if (answer.message->body.type != Traits::enum_value || answer.message->body.value == nullptr)
-        return nullptr;
-    return std::make_unique<Wanted>(std::move(*static_cast<Wanted *>(answer.message->body.value)));
+    Wanted *const told = BodyOf<Wanted>(answer.message.get());
+    return told == nullptr ? nullptr : std::make_unique<Wanted>(std::move(*told));
 }
 
 } // namespace
@@ -83,7 +64,7 @@ void *RemoteTreeDriver::Open(char const *url, BDIDrvr **opener, BDINode **root, 
         return nullptr;
     BDIDrvr *const named = BDIDrvrMngr::Instance()->GetDrvr(opened->driver.c_str());
     *opener = dynamic_cast<RemoteTreeDriver *>(named) != nullptr ? named : this;
-    *root = new BDINode(FromWire(std::move(*opened->root)));
+    *root = new BDINode(NodeFrom(std::move(*opened->root)));
     return repository.release();
 }
 
@@ -111,7 +92,7 @@ BDINode *RemoteTreeDriver::OpenNode(void *repository, char const *path) {
     wire::FindNodeT body;
     body.path = path;
     auto const found = AskAbout<wire::NodeFoundT>(Of(repository), "node", std::move(body));
-    return found == nullptr || found->node == nullptr ? nullptr : new BDINode(FromWire(std::move(*found->node)));
+    return found == nullptr || found->node == nullptr ? nullptr : new BDINode(NodeFrom(std::move(*found->node)));
 }
 
 BDINode *RemoteTreeDriver::CloneNode(BDINode const *node) { return node == nullptr ? nullptr : new BDINode(*node); }
@@ -128,10 +109,7 @@ void *RemoteTreeDriver::FindFirstChildNode(void *repository, BDINode const *node
     if (listed == nullptr || listed->nodes.empty())
         return nullptr;
     auto walk = std::make_unique<Walk>();
-    walk->children.reserve(listed->nodes.size());
-    for (std::unique_ptr<wire::NodeT> const &child : listed->nodes)
-        if (child != nullptr)
-            walk->children.push_back(FromWire(std::move(*child)));
+    walk->children = NodesFrom(std::move(*listed));
     return walk.release();
 }
 

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "zelvar/data/BDINode.h"
+#include "zelvar/data/RDIDriver.h"
+#include "zelvar/data/wire/Messages.h"
+
+#include <memory>
+#include <vector>
+
+namespace zelvar {
+
+// What stands in an answer is taken from here. A reader that a driver has damaged may say anything in the right form:
+// bodies of another kind, parts left out, figures that cannot be.
+
+/// The body, if it is of that kind and there; null otherwise, as for an answer that is null.
+template <class Body>
+[[nodiscard]] Body *BodyOf(wire::AnswerT *answer) {
+    using Traits = wire::AnswerBodyUnionTraits<Body>;
+    bool const isThere = answer != nullptr && answer->body.type == Traits::enum_value;
+    return isThere ? static_cast<Body *>(answer->body.value) : nullptr;
+}
+
+[[nodiscard]] BDINode NodeFrom(wire::NodeT &&node);
+[[nodiscard]] std::unique_ptr<wire::NodeT> ToWire(BDINode const &node);
+/// Those that are there.
+[[nodiscard]] std::vector<BDINode> NodesFrom(wire::ChildrenT &&children);
+
+/// Figures of a channel.
+struct ChannelFacts {
+    int sizeX = 0; ///< below 0 never
+    int sizeY = 0; ///< below 0 never
+    int dataType = RDI_None;
+    RDIGeoCoo geo;
+};
+/// Of a channel that is not there, and of one whose figures cannot be: zeros.
+[[nodiscard]] ChannelFacts ChannelFrom(wire::ChannelT const *channel);
+
+} // namespace zelvar
