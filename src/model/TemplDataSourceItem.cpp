@@ -156,14 +156,14 @@ TemplDataSourceItem *TemplDataSourceItem::CreateNodeItem(RefItemPtr<TemplDataSou
 TemplDataSourceItem::~TemplDataSourceItem() { TemplDataSourceItem::CloseNode(); }
 
 BDIDrvr *TemplDataSourceItem::CRep::Driver() {
-    if (m_drvrId.empty())
-        return m_drvr;
-    DSingleLock const lock(m_lock);
-    if (DString const id = std::exchange(m_drvrId, {}); !id.empty()) {
-        m_drvr = BDIDrvrMngr::Instance()->GetDrvr(id.c_str());
-        Report::TraceMessage(Report::kTraceDriver, "BDI driver with ID \"%s\" was created? %s", id.c_str(),
+    // Not under the lock of the tree: that may be held for as long as a driver works.
+    std::call_once(m_lookUp, [this] {
+        if (m_drvrId.empty())
+            return;
+        m_drvr = BDIDrvrMngr::Instance()->GetDrvr(m_drvrId.c_str());
+        Report::TraceMessage(Report::kTraceDriver, "BDI driver with ID \"%s\" was created? %s", m_drvrId.c_str(),
                              YesOrNo(m_drvr != nullptr));
-    }
+    });
     return m_drvr;
 }
 

@@ -5,6 +5,7 @@
 #include "zelvar/model/DataSourceItem.h"
 
 #include <boost/shared_ptr.hpp>
+#include <mutex>
 #include <vector>
 
 namespace zelvar {
@@ -98,7 +99,8 @@ struct TemplDataSourceItem::CRep {
     /// first question while drivers are still to come: a list of definitions does not wait for them.
     BDIDrvr *Driver();
     BDIDrvr *m_drvr = nullptr;
-    DString m_drvrId; ///< not looked up yet
+    DString m_drvrId; ///< that the definition names; may be empty
+    std::once_flag m_lookUp;
     DString m_rdiDriverId;
     std::int32_t m_iconDataSource = -1; ///< indexes in `m_imageList`
     std::int32_t m_iconFolder = -1;

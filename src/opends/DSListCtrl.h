@@ -96,7 +96,8 @@ private:
     void StartWindowFilling();
     void AddParentRow();
     void SaveSelection();
-    void SavePaneState() { m_savedState = PresentState(); }
+    /// What was cut short is listed again by the next request for it.
+    void SavePaneState() { m_savedState = m_worker.IsCutShort() ? PaneState() : PresentState(); }
     [[nodiscard]] PaneState PresentState() const;
     [[nodiscard]] bool HasStateChanged() const;
     void MergePending();

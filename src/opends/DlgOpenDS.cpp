@@ -242,7 +242,7 @@ bool DlgOpenDS::OnInitDialog() {
     qApp->installEventFilter(this);
     // The window does not wait for its place: one that is not there soon is listed when the window can be seen.
     if (!AreDriversPending())
-        m_place = ShowInitialPlace(kSoon) ? Place::Shown : Place::Partly;
+        m_isPlaceShown = ShowInitialPlace(kSoon);
     m_layoutDone = true;
     m_cancelButton->setFocus();
     return false; // the focus is set
@@ -259,22 +259,14 @@ bool DlgOpenDS::ShowInitialPlace(std::optional<std::chrono::milliseconds> time) 
 
 void DlgOpenDS::paintEvent(QPaintEvent *event) {
     cdxCDynamicDialog::paintEvent(event);
-    Place const place = std::exchange(m_place, Place::Shown);
-    if (place == Place::Shown)
-        return;
     // Behind the paint, not inside it.
-    QMetaObject::invokeMethod(
-        this,
-        [this, place] {
-            platform::EscapeWatch const watch;
-            ShowInitialPlace(std::nullopt);
-            if (place == Place::NotYet)
-                return;
-            // The lists take what they have shown for all there is.
-            m_folderList->Refresh();
-            m_mainList->Refresh();
-        },
-        Qt::QueuedConnection);
+    if (!std::exchange(m_isPlaceShown, true))
+        platform::PostMessage(this, kFirstPaintMessage);
+}
+
+// What came in time is listed anew only where something was missing.
+void DlgOpenDS::OnFirstPaint(platform::MessageParam, platform::MessageParam) {
+    std::ignore = ShowInitialPlace(std::nullopt); // it ends when the user says so
 }
 
 QWidget *DlgOpenDS::MakeControl(platform::DialogItem const &item) {

@@ -102,9 +102,6 @@ protected:
     void OnOK() override;
     bool event(QEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
-    /// Lists the place that the dialog begins at, for so long at most; nothing for as long as it takes. False if not
-    /// all of it came in time.
-    bool ShowInitialPlace(std::optional<std::chrono::milliseconds> time);
     void resizeEvent(QResizeEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
     void timerEvent(QTimerEvent *event) override;
@@ -135,6 +132,11 @@ private:
     void OnRootChanged(platform::MessageParam first, platform::MessageParam second);
     void OnFirstPaneRootChanged(platform::MessageParam first, platform::MessageParam second);
     void OnResetPathButtons(platform::MessageParam first, platform::MessageParam second);
+    // Messages of the dialog to itself that no pane knows.
+    static const platform::MessageId kFirstPaintMessage;
+    static const platform::MessageId kAcceptMessage;
+    void OnFirstPaint(platform::MessageParam first, platform::MessageParam second);
+    void OnAccept(platform::MessageParam first, platform::MessageParam second);
 
     // What the user does.
     void OnButtonClck(int id);
@@ -149,6 +151,9 @@ private:
     bool ProcessTabKey(QWidget *focus);
     void ProcessRefreshKey(QWidget *focus);
 
+    /// Lists the place that the dialog begins at, for so long at most; nothing for as long as it takes. False if not
+    /// all of it came in time.
+    bool ShowInitialPlace(std::optional<std::chrono::milliseconds> time);
     void ResetPathButtons();
     void UpdateFormat(DFileFrmt *format);
     void UpdateExtras(ItemList const &items);
@@ -180,8 +185,7 @@ private:
     std::unique_ptr<PathButtonRow> m_pathButtons;
 
     bool m_layoutDone = false;
-    enum class Place { Shown, NotYet, Partly };
-    Place m_place = Place::NotYet; ///< the one that the dialog begins at
+    bool m_isPlaceShown = false; ///< the one that the dialog begins at, with all that is in it
     DVectorSafe<BDIMoniker> m_monikers;
     RefItemPtr<DataSourceItem> m_rootItem;
     RefItemPtr<DataSourceItem> m_initItem;

@@ -43,6 +43,9 @@ bool CanShow(std::list<RefItemPtr<DataSourceItem>> const &items) {
 
 } // namespace
 
+platform::MessageId const DlgOpenDS::kFirstPaintMessage = platform::RegisterMessage();
+platform::MessageId const DlgOpenDS::kAcceptMessage = platform::RegisterMessage();
+
 void DlgOpenDS::WireMessages() {
     m_messages.On(WM_DS_DATA_SOURCE_SELECTED, this, &DlgOpenDS::OnDataSourceSelected);
     m_messages.On(WM_DS_DATA_ITEM_SELECTED, this, &DlgOpenDS::OnDataItemSelected);
@@ -53,6 +56,8 @@ void DlgOpenDS::WireMessages() {
     m_messages.On(WM_DS_ROOT_ITEM_CHANGED, this, &DlgOpenDS::OnRootChanged);
     m_messages.On(WM_DS_FIRST_PANE_ROOT_ITEM_CHANGED, this, &DlgOpenDS::OnFirstPaneRootChanged);
     m_messages.On(WM_DS_RESET_PATH_BUTTONS, this, &DlgOpenDS::OnResetPathButtons);
+    m_messages.On(kFirstPaintMessage, this, &DlgOpenDS::OnFirstPaint);
+    m_messages.On(kAcceptMessage, this, &DlgOpenDS::OnAccept);
 }
 
 bool DlgOpenDS::event(QEvent *event) { return m_messages.Dispatch(*event) || cdxCDynamicDialog::event(event); }
@@ -240,9 +245,10 @@ void DlgOpenDS::OnImageDblClick(MessageParam, MessageParam) {
         ShowItem(items.front());
         return;
     }
-    QMetaObject::invokeMethod(
-        this, [this] { OnOK(); }, Qt::QueuedConnection);
+    platform::PostMessage(this, kAcceptMessage);
 }
+
+void DlgOpenDS::OnAccept(MessageParam, MessageParam) { OnOK(); }
 
 void DlgOpenDS::OnRootChanged(MessageParam, MessageParam) {
     platform::EscapeWatch const watch; // one Escape for all lists

@@ -1,8 +1,8 @@
 #include "zelvar/opends/FolderListingWorker.h"
 
 #include "zelvar/base/PathStyle.h"
-#include "zelvar/data/RequestScope.h"
 #include "zelvar/model/FolderVisits.h"
+#include "zelvar/model/NtwDataSourceItem.h"
 
 namespace zelvar {
 
@@ -13,6 +13,12 @@ std::vector<DString> PathsOf(FolderListingWorker::ItemList const &items) {
     for (RefItemPtr<DataSourceItem> const &item : items)
         paths.push_back(item == nullptr ? DString() : item->GetPath());
     return paths;
+}
+
+/// What a driver could not tell in time is asked again by the next listing.
+bool IsUnclassified(DataSourceItem const &item) {
+    auto const *const file = dynamic_cast<NtwDataSourceItem const *>(&item);
+    return file != nullptr && file->IsUnclassified();
 }
 
 } // namespace
@@ -41,7 +47,7 @@ void FolderListingWorker::Begin(bool same) {
         return;
     }
     m_content.BeginWarm(m_sort, m_ascending, [this](RefItemPtr<DataSourceItem> const &item) {
-        return item != nullptr && PathMatchSpec(item->GetName(), m_request.fileFilter);
+        return item != nullptr && PathMatchSpec(item->GetName(), m_request.fileFilter) && !IsUnclassified(*item);
     });
 }
 
@@ -49,7 +55,10 @@ void FolderListingWorker::Run() {
     m_running = true;
     m_cancelled = false;
     m_interrupted = false;
-    RequestScope const scope(RequestKind::List, [this] { return IsCanceled(); });
+    m_cutShort = false;
+    RequestScope scope(RequestKind::List, [this] { return IsCanceled(); });
+    std::optional<std::chrono::milliseconds> const left = scope.TimeLeft();
+    m_deadline = left ? std::optional(RequestScope::Clock::now() + *left) : std::nullopt;
     std::vector<DString> rootPaths = PathsOf(m_request.roots);
     bool const same = m_lastMode == m_mode && !rootPaths.empty() && !m_savedRootPaths.empty() &&
                       CoversRoots(m_savedRootPaths, rootPaths);
@@ -64,6 +73,9 @@ void FolderListingWorker::Run() {
             ListItem(*root, visits);
     }
     m_content.Publish();
+    m_cutShort = m_cutShort || (m_deadline && scope.IsUnanswered());
+    if (m_cutShort)
+        scope.SetUnanswered();
     m_running = false;
     m_cancelled = false;
     m_lastMode = m_mode;

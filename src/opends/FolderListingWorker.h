@@ -1,6 +1,7 @@
 #pragma once
 
 #include "zelvar/base/DThread.h"
+#include "zelvar/data/RequestScope.h"
 #include "zelvar/model/DataSourceItem.h"
 #include "zelvar/model/ItemListing.h"
 #include "zelvar/opends/core/ListingContent.h"
@@ -8,6 +9,7 @@
 #include <atomic>
 #include <functional>
 #include <list>
+#include <optional>
 #include <vector>
 
 namespace zelvar {
@@ -51,6 +53,8 @@ public:
 
     void Run() override;
     [[nodiscard]] bool IsCanceled() override { return m_cancelled || IsInterrupted(); }
+    /// Whether the last run had less time than it wanted, see `RequestScope`: its rows are not all there is.
+    [[nodiscard]] bool IsCutShort() const { return m_cutShort; }
 
 private:
     struct ItemTraits {
@@ -61,7 +65,8 @@ private:
     };
 
     void Begin(bool same);
-    bool IsInterrupted() { return m_interrupted = m_interrupted || (m_interrupt && m_interrupt()); }
+    bool IsInterrupted() { return m_interrupted = m_interrupted || IsTimeOver() || (m_interrupt && m_interrupt()); }
+    bool IsTimeOver() { return m_cutShort = m_cutShort || (m_deadline && RequestScope::Clock::now() >= *m_deadline); }
     void ListItem(DataSourceItem &item, class FolderVisits &visits);
     [[nodiscard]] bool IsTaken(DataSourceItem const &child) const;
 
@@ -70,7 +75,9 @@ private:
     std::atomic<bool> m_running{false};
     std::atomic<bool> m_cancelled{false};
     std::function<bool()> m_interrupt;
-    bool m_interrupted = false; ///< on the thread of the run
+    bool m_interrupted = false; ///< on the thread of the run, with the two below
+    bool m_cutShort = false;
+    std::optional<RequestScope::Clock::time_point> m_deadline;
     FolderListMode m_mode = FolderListMode::Folders;
     FolderListMode m_lastMode =
         FolderListMode::Folders; ///< of the last finished run, or the one that `SetMode` replaced

@@ -18,9 +18,11 @@ void PropertyWorker::SetOwner(platform::MessageTarget target, DLGTemplate dlgTem
 }
 
 void PropertyWorker::Restart(RefItemPtr<DataSourceItem> item, DString format, DString options) {
+    auto const *const file = dynamic_cast<NtwDataSourceItem const *>(item.get());
+    bool const unclassified = file != nullptr && file->IsUnclassified();
     {
         DSingleLock const lock(m_stateLock);
-        m_pending = {std::move(item), std::move(format), std::move(options)};
+        m_pending = {std::move(item), unclassified, std::move(format), std::move(options)};
         m_cancel = true;
         if (m_running)
             return; // the thread at work sees the signal and takes the job itself
@@ -81,14 +83,16 @@ void PropertyWorker::Run() {
 }
 
 void PropertyWorker::Classify(Job const &job) {
-    auto const *const file = dynamic_cast<NtwDataSourceItem const *>(job.item.get());
-    if (file == nullptr || !file->IsUnclassified())
+    if (!job.unclassified)
         return;
-    std::optional<bool> const isContainer = ClassifyAtLeisure(file->GetPath(), &m_cancel);
+    std::optional<bool> const isContainer = ClassifyAtLeisure(job.item->GetPath(), &m_cancel);
     if (!isContainer || m_cancel)
         return;
-    DSingleLock const lock(m_propsLock);
-    m_classified = {job.item, *isContainer};
+    {
+        DSingleLock const lock(m_propsLock);
+        m_classified = {job.item, *isContainer};
+    }
+    m_target.Post(WM_ITEM_PROPPERTY_MAP_READY); // the properties may take long
 }
 
 void PropertyWorker::Work(Job const &job) {

@@ -58,6 +58,7 @@ private:
     PropertyWorker() = default;
     struct Job {
         RefItemPtr<DataSourceItem> item;
+        bool unclassified = false; ///< by the listing that made the item
         DString format;
         DString options;
     };

@@ -2,6 +2,9 @@
 
 #include <QtCore/QCoreApplication>
 #include <QtGui/QKeyEvent>
+#include <QtGui/QMouseEvent>
+#include <QtGui/QWindow>
+#include <QtWidgets/QWidget>
 
 namespace zelvar::platform {
 
@@ -15,15 +18,14 @@ constexpr milliseconds kInterval{40};
 EscapeWatch *g_outermost = nullptr; // user-interface thread only
 
 /// What the work would be disturbed by, or what was meant for something else.
-bool IsHeldBack(QEvent::Type type) {
+bool IsDropped(QEvent::Type type) {
     switch (type) {
     case QEvent::Timer:
     case QEvent::KeyPress:
-    case QEvent::KeyRelease:
     case QEvent::ShortcutOverride:
     case QEvent::Shortcut:
+    case QEvent::InputMethod:
     case QEvent::MouseButtonPress:
-    case QEvent::MouseButtonRelease:
     case QEvent::MouseButtonDblClick:
     case QEvent::MouseMove:
     case QEvent::Wheel:
@@ -40,16 +42,38 @@ bool IsHeldBack(QEvent::Type type) {
     }
 }
 
+bool IsRelease(QEvent::Type type) { return type == QEvent::KeyRelease || type == QEvent::MouseButtonRelease; }
+
+/// A shortcut may keep the press itself away.
+bool IsEscape(QEvent const &event) {
+    return (event.type() == QEvent::KeyPress || event.type() == QEvent::ShortcutOverride) &&
+           static_cast<QKeyEvent const &>(event).key() == Qt::Key_Escape;
+}
+
+/// Tool tips and popups come and go by themselves.
+bool IsUsersToClose(QObject *watched) {
+    Qt::WindowType type = Qt::Widget;
+    if (auto const *const window = qobject_cast<QWindow const *>(watched))
+        type = window->type();
+    else if (auto const *const widget = qobject_cast<QWidget const *>(watched))
+        type = widget->windowType();
+    return type == Qt::Window || type == Qt::Dialog || type == Qt::Tool;
+}
+
 } // namespace
 
-EscapeWatch::EscapeWatch() : m_next(Clock::now() + kPatience), m_outer(g_outermost) {
+EscapeWatch::EscapeWatch() : m_next(m_begin + kPatience), m_outer(g_outermost) {
     if (m_outer == nullptr)
         g_outermost = this;
 }
 
 EscapeWatch::~EscapeWatch() {
-    if (m_outer == nullptr)
-        g_outermost = nullptr;
+    if (m_outer != nullptr)
+        return;
+    // What came behind the last look came while the work was going on too.
+    if (m_hasLooked)
+        Look();
+    g_outermost = nullptr;
 }
 
 bool EscapeWatch::IsPressed() {
@@ -61,6 +85,9 @@ bool EscapeWatch::IsPressed() {
 }
 
 void EscapeWatch::Look() {
+    // What the first look finds was pressed before the time. If that look itself comes late nobody can tell.
+    m_counts = m_hasLooked || Clock::now() >= m_next + kInterval;
+    m_hasLooked = true;
     m_looking = true;
     qApp->installEventFilter(this);
     QCoreApplication::processEvents(QEventLoop::AllEvents, static_cast<int>(kInterval.count()) / 4);
@@ -70,18 +97,39 @@ void EscapeWatch::Look() {
 }
 
 bool EscapeWatch::eventFilter(QObject *watched, QEvent *event) {
-    if (event->type() == QEvent::Close) {
+    if (event->type() == QEvent::Close && IsUsersToClose(watched)) {
         m_pressed = true;
         event->ignore();
         return true;
     }
     if (m_held.Keep(watched, *event))
         return true;
-    if (!IsHeldBack(event->type()))
+    if (IsRelease(event->type())) {
+        if (!IsOfDroppedPress(*event))
+            m_held.KeepCopy(watched, *event);
+        return true;
+    }
+    if (!IsDropped(event->type()))
         return QObject::eventFilter(watched, event);
-    if (event->type() == QEvent::KeyPress && static_cast<QKeyEvent *>(event)->key() == Qt::Key_Escape)
-        m_pressed = true;
+    NotePress(*event);
+    m_pressed = m_pressed || (m_counts && IsEscape(*event));
     return true;
+}
+
+void EscapeWatch::NotePress(QEvent const &event) {
+    if (event.type() == QEvent::KeyPress)
+        m_droppedKeys.insert(static_cast<QKeyEvent const &>(event).key());
+    else if (event.type() == QEvent::MouseButtonPress || event.type() == QEvent::MouseButtonDblClick)
+        m_droppedButtons |= static_cast<QMouseEvent const &>(event).button();
+}
+
+bool EscapeWatch::IsOfDroppedPress(QEvent const &event) {
+    if (event.type() == QEvent::KeyRelease)
+        return m_droppedKeys.erase(static_cast<QKeyEvent const &>(event).key()) > 0;
+    Qt::MouseButton const button = static_cast<QMouseEvent const &>(event).button();
+    bool const dropped = m_droppedButtons.testFlag(button);
+    m_droppedButtons.setFlag(button, false);
+    return dropped;
 }
 
 } // namespace zelvar::platform

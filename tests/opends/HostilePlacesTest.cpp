@@ -1,0 +1,452 @@
+// The dialog over places whose drivers sleep and crash, with the real reader.
+#include "support/GuiTest.h"
+#include "support/TestFiles.h"
+#include "zelvar/controls/CZelPropList.h"
+#include "zelvar/data/BDIDrvrMngr.h"
+#include "zelvar/data/DriverProvider.h"
+#include "zelvar/data/RDIDriverMngr.h"
+#include "zelvar/data/reader/DriverModule.h"
+#include "zelvar/model/NtwDataSourceItem.h"
+#include "zelvar/opends/DSListCtrl.h"
+#include "zelvar/opends/DSPropertyWnd.h"
+#include "zelvar/opends/DlgOpenDS.h"
+#include "zelvar/opends/ImagePreviewWnd.h"
+#include "zelvar/opends/OpenDialogTemplate.h"
+#include "zelvar/platform/ui/ControlId.h"
+
+#include <QtCore/QProcess>
+#include <QtCore/QTimer>
+#include <QtGui/QKeyEvent>
+#include <QtTest/QTest>
+#include <QtWidgets/QLineEdit>
+#include <QtWidgets/QPushButton>
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <sstream>
+
+#include <unistd.h>
+
+namespace zelvar {
+namespace {
+
+using std::chrono::milliseconds;
+using Clock = std::chrono::steady_clock;
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr int kSlower = 8; // under a sanitizer
+#else
+constexpr int kSlower = 1;
+#endif
+constexpr milliseconds kSeen{300 * kSlower};
+constexpr milliseconds kSmooth{100 * kSlower};
+constexpr int kTries = 3; // the best counts: the machine may be under load
+constexpr int kMostReaders = 5;
+
+milliseconds Since(Clock::time_point begin) { return std::chrono::duration_cast<milliseconds>(Clock::now() - begin); }
+
+/// Calls `act` once `when` is true. Asks by queued calls, so also while the windows' thread lists.
+void Whenever(QObject *context, std::function<bool()> when, std::function<void()> act) {
+    QMetaObject::invokeMethod(
+        context,
+        [=] {
+            if (when())
+                act();
+            else
+                Whenever(context, when, act);
+        },
+        Qt::QueuedConnection);
+}
+
+void PressEscape(QWidget &window) {
+    QCoreApplication::postEvent(&window, new QKeyEvent(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier));
+    QCoreApplication::postEvent(&window, new QKeyEvent(QEvent::KeyRelease, Qt::Key_Escape, Qt::NoModifier));
+}
+
+/// Escape for what goes on from now, when it is heard.
+void PressEscapeLater(QWidget &window, milliseconds after = milliseconds(450)) {
+    Whenever(
+        &window, [begin = Clock::now(), after] { return Since(begin) > after; }, [&] { PressEscape(window); });
+}
+
+/// When a widget is painted.
+class Paints : public QObject {
+public:
+    explicit Paints(QWidget &widget) { widget.installEventFilter(this); }
+    int count = 0;
+    Clock::time_point first{};
+
+protected:
+    bool eventFilter(QObject *, QEvent *event) override {
+        if (event->type() == QEvent::Paint && count++ == 0)
+            first = Clock::now();
+        return false;
+    }
+};
+
+/// Children of this process by state; a zombie is 'Z'.
+std::map<char, int> Children() {
+    std::map<char, int> states;
+    for (auto const &entry : std::filesystem::directory_iterator("/proc")) {
+        std::ifstream file(entry.path() / "stat");
+        std::string line;
+        if (!std::getline(file, line))
+            continue;
+        std::istringstream rest(line.substr(line.rfind(')') + 2));
+        char state = 0;
+        pid_t parent = 0;
+        if (rest >> state >> parent && parent == getpid())
+            ++states[state];
+    }
+    return states;
+}
+
+class HostilePlaces : public testing::Test {
+protected:
+    void SetUp() override { Use({.program = ZELVAR_READER, .modules = {ZELVAR_HOSTILE}}); }
+    void TearDown() override {
+        EndReaders();
+        UseOwnProcessDrivers();
+        SetDriverProvider({});
+        BDIDrvrMngr::Instance()->Reset();
+        RDIDriverMngr::Instance()->Reset();
+    }
+    /// Readers that are running and have loaded their drivers.
+    static void Use(ReaderSettings const &settings) {
+        BDIDrvrMngr::Instance()->Reset();
+        RDIDriverMngr::Instance()->Reset();
+        UseReaderDrivers(settings);
+        WarmReaders();
+        ASSERT_NE(BDIDrvrMngr::Instance()->GetDrvr("HOSTILE"), nullptr);
+    }
+
+    struct Delete {
+        void operator()(DlgOpenDS *dialog) const { DlgOpenDS::DeleteDialogObject(dialog); }
+    };
+    using DialogPtr = std::unique_ptr<DlgOpenDS, Delete>;
+    DialogPtr Make(DString const &place) {
+        DialogPtr dialog(DlgOpenDS::CreateDialogObject({&all}, &all, DT_DATA, "ImageFolders", nullptr));
+        dialog->SetBDIFilter(BDINode_Raster);
+        dialog->SetInitDir(place.c_str());
+        return dialog;
+    }
+    DialogPtr Make() { return Make(folder.Path()); }
+    /// Runs the dialog, does `act` once `when` is true, and closes it.
+    static void Run(DlgOpenDS &dialog, std::function<bool()> const &when, std::function<void()> const &act) {
+        bool done = false;
+        QTimer look;
+        QObject::connect(&look, &QTimer::timeout, &look, [&] {
+            if (!when())
+                return;
+            look.stop();
+            done = true;
+            act();
+            dialog.reject();
+        });
+        look.start(5);
+        dialog.DoModal();
+        EXPECT_TRUE(done) << "it was closed before";
+    }
+    /// Once the list has so many rows.
+    static void Run(DlgOpenDS &dialog, int rows, std::function<void()> const &act) {
+        Run(
+            dialog, [&] { return dialog.MainList() != nullptr && dialog.MainList()->GetNumRow() == rows; }, act);
+    }
+
+    static int RowOf(DSListCtrl const &list, DString const &name) {
+        for (int row = 0; row < list.GetNumRow(); ++row)
+            if (list.ItemAt(row)->GetName() == name)
+                return row;
+        return -1;
+    }
+    static QPoint PlaceOf(DSListCtrl &list, DString const &name) {
+        int const row = RowOf(list, name);
+        EXPECT_GE(row, 0) << name;
+        list.EnsureVisible(row);
+        Rect const rect = list.GetItemRect(row);
+        return {rect.left + 40, (rect.top + rect.bottom) / 2};
+    }
+    static void ClickRow(DSListCtrl &list, DString const &name) {
+        QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, PlaceOf(list, name));
+    }
+    /// The shown text of a property.
+    static DString Shown(DlgOpenDS &dialog, DString const &name) {
+        CZelPropList &list = *dialog.PropertyWnd()->Properties();
+        for (int i = 0; i < list.GetPropertyCount(); ++i)
+            for (int j = 0; j < list.GetProperty(i)->GetSubItemsCount(); ++j)
+                if (CZelProp *const prop = list.GetProperty(i)->GetSubItem(j); prop->GetName() == name)
+                    return prop->GetValue();
+        return {};
+    }
+    static bool HasPreview(DlgOpenDS &dialog) {
+        return dialog.PropertyWnd()->Preview()->GetMode() == ImagePreviewWnd::ModeCanvas;
+    }
+    void ExpectShown(DlgOpenDS &dialog, DString const &name, DString const &below = {}) {
+        ClickRow(*dialog.MainList(), name);
+        EXPECT_TRUE(test::Eventually([&] { return HasPreview(dialog) && Shown(dialog, "Image Width") == "8"; }))
+            << name;
+        EXPECT_EQ(Shown(dialog, "Path"), folder / (below.empty() ? name : below + "/" + name));
+    }
+    /// Whatever was ended is gone, and not more runs than may.
+    static void ExpectNoReaderLeftOver() {
+        EXPECT_TRUE(test::Eventually([] {
+            std::map<char, int> const children = Children();
+            int count = 0;
+            for (auto const &[state, number] : children)
+                count += number;
+            ReaderCounts const readers = CountReaders();
+            return !children.contains('Z') && readers.leftBehind == 0 && readers.alive == count &&
+                   count <= kMostReaders;
+        })) << CountReaders().alive
+            << " alive, " << CountReaders().leftBehind << " left behind";
+    }
+
+    test::TempFolder folder;
+    DFileFrmt all{"", "All Files (*.*)", "*.*"};
+};
+
+TEST_F(HostilePlaces, TheDialogIsSeenBeforeItsPlaceAnswers) {
+    struct Case {
+        char const *name;
+        char const *script;
+        bool isContainer;
+    };
+    for (Case const &place : {Case{"opens late", "members 3\nopen sleep 30\n", true},
+                              Case{"lists late", "members 3\nlist sleep 30\n", true},
+                              Case{"holds what is probed late", "members 3\nprobe sleep 30\n", false}}) {
+        milliseconds best = milliseconds::max();
+        for (int i = 0; i < kTries; ++i) {
+            // Another one each time: what came late is remembered.
+            DString const at = place.name + std::to_string(i);
+            for (int file = 0; file < 10; ++file)
+                folder.Write(at + "/" + std::to_string(file) + ".hostile", place.script);
+            auto const begin = Clock::now();
+            DialogPtr const dialog = Make(folder / at + (place.isContainer ? "/0.hostile" : ""));
+            Paints const paints(*dialog);
+            if (place.isContainer) {
+                Whenever(
+                    dialog.get(), [&] { return paints.count > 0; }, [&] { PressEscapeLater(*dialog); });
+                Run(
+                    *dialog, [&] { return paints.count > 0 && Since(begin) > milliseconds(450); },
+                    [&] { EXPECT_EQ(dialog->MainList()->GetNumRow(), 0); });
+                EXPECT_LT(Since(begin), milliseconds(3000) * kSlower) << place.name;
+            } else {
+                Run(*dialog, 10, [] {});
+            }
+            best = std::min(best, std::chrono::duration_cast<milliseconds>(paints.first - begin));
+        }
+        EXPECT_LT(best, kSeen) << place.name;
+        RecordProperty(place.name, static_cast<int>(best.count()));
+    }
+}
+
+TEST_F(HostilePlaces, ALargeFolderIsListedBehindTheFirstPaintAndWhole) {
+    for (int i = 0; i < 30'000; ++i)
+        std::ofstream(folder / (std::to_string(i) + ".txt"));
+    folder.Write("late.hostile", "members 2\nprobe sleep 0.15\n");
+    DialogPtr const dialog = Make();
+    Run(*dialog, 30'000, [&] { EXPECT_EQ(RowOf(*dialog->MainList(), "late.hostile"), -1) << "it is a container"; });
+}
+
+TEST_F(HostilePlaces, ClickingThroughFilesThatDoNotAnswerHoldsNothingUp) {
+    DString const calls[] = {"open", "describe", "read"};
+    for (int i = 0; i < 10; ++i)
+        folder.Write("bad" + std::to_string(i) + ".hostile", calls[i % 3] + " sleep 30\n");
+    folder.Write("good.hostile", "width 8\n");
+    DialogPtr const dialog = Make();
+    Run(*dialog, 11, [&] {
+        milliseconds best = milliseconds::max();
+        for (int round = 0; round < kTries; ++round) {
+            milliseconds longest{0};
+            Clock::time_point last = Clock::now();
+            int ticks = 0;
+            QTimer timer;
+            timer.setTimerType(Qt::PreciseTimer);
+            QObject::connect(&timer, &QTimer::timeout, &timer, [&] {
+                longest = std::max(longest, Since(std::exchange(last, Clock::now())));
+                ++ticks;
+            });
+            timer.start(10);
+            for (int i = 0; i < 10; ++i) {
+                ClickRow(*dialog->MainList(), "bad" + std::to_string(i) + ".hostile");
+                EXPECT_TRUE(test::Eventually([&, until = ticks + 8] { return ticks >= until; }));
+                EXPECT_TRUE(dialog->PropertyWnd()->IsReading());
+            }
+            ExpectShown(*dialog, "good.hostile");
+            longest = std::max(longest, Since(last));
+            best = std::min(best, longest);
+        }
+        EXPECT_LT(best, kSmooth);
+        RecordProperty("longest_gap", static_cast<int>(best.count()));
+        ExpectNoReaderLeftOver();
+    });
+}
+
+TEST_F(HostilePlaces, ClosingDoesNotWaitForWhatIsRead) {
+    for (DString const call : {"open", "describe", "read", "probe"})
+        folder.Write(call + ".hostile", call + " sleep 30\n");
+    milliseconds best = milliseconds::max();
+    for (int i = 0; i < kTries; ++i) {
+        milliseconds worst{0};
+        for (DString const call : {"open", "describe", "read", "probe"}) {
+            DialogPtr dialog = Make();
+            Clock::time_point begin;
+            Run(*dialog, 4, [&] {
+                ClickRow(*dialog->MainList(), call + ".hostile");
+                EXPECT_TRUE(test::Eventually([&] { return dialog->PropertyWnd()->IsReading(); }));
+                begin = Clock::now();
+            });
+            dialog.reset();
+            worst = std::max(worst, Since(begin));
+        }
+        best = std::min(best, worst);
+    }
+    EXPECT_LT(best, kSmooth);
+    RecordProperty("close", static_cast<int>(best.count()));
+    ExpectNoReaderLeftOver();
+}
+
+TEST_F(HostilePlaces, EscapeEndsALongListingAndWhatWasFoundStays) {
+    Use({.patience = milliseconds(60'000), .program = ZELVAR_READER, .modules = {ZELVAR_HOSTILE}});
+    constexpr int kFolders = 40; // a quarter of a second each
+    for (int i = 0; i < kFolders; ++i) {
+        folder.Write("f" + std::to_string(i) + "/a.hostile", "probe sleep 30\n");
+        folder.Write("f" + std::to_string(i) + "/b.txt");
+    }
+    folder.Write("first.txt");
+    DialogPtr const dialog = Make();
+    Run(*dialog, 1, [&] {
+        int paintsMeanwhile = 0;
+        bool isListing = true;
+        Paints const paints(*dialog);
+        auto *const filter = platform::GetDlgItem<QLineEdit>(*dialog, kFileFilterId);
+        QString const text = filter->text();
+        filter->setFocus();
+        auto const begin = Clock::now();
+        // Before its time it is nobody's; keys and clicks are dropped; the window is painted.
+        PressEscape(*dialog);
+        Whenever(
+            dialog.get(), [&] { return Since(begin) > milliseconds(700); },
+            [&] {
+                EXPECT_TRUE(isListing);
+                for (QEvent::Type const type : {QEvent::KeyPress, QEvent::KeyRelease})
+                    QCoreApplication::postEvent(filter, new QKeyEvent(type, Qt::Key_X, Qt::NoModifier, "x"));
+                QPushButton *const cancel = platform::GetDlgItem<QPushButton>(*dialog, kCancelId);
+                QPointF const at = cancel->rect().center();
+                for (QEvent::Type const type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease})
+                    QCoreApplication::postEvent(
+                        cancel, new QMouseEvent(type, at, cancel->mapToGlobal(at), Qt::LeftButton,
+                                                type == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton, {}));
+                int const before = paints.count;
+                dialog->update();
+                Whenever(
+                    dialog.get(), [&, before] { return paints.count > before; },
+                    [&] {
+                        paintsMeanwhile += isListing ? 1 : 0;
+                        PressEscape(*dialog);
+                    });
+            });
+        test::Click(platform::GetDlgItem<QPushButton>(*dialog, kRecursiveId));
+        isListing = false;
+        auto const took = Since(begin);
+        EXPECT_EQ(paintsMeanwhile, 1);
+        EXPECT_GT(took, milliseconds(700));
+        EXPECT_LT(took, milliseconds(2500) * kSlower) << "of ten seconds";
+        RecordProperty("stopped_after", static_cast<int>(took.count()));
+        QCoreApplication::processEvents();
+        EXPECT_TRUE(dialog->isVisible());
+        EXPECT_EQ(filter->text(), text);
+        EXPECT_TRUE(test::Eventually([&] { return RowOf(*dialog->MainList(), "first.txt") >= 0; }));
+        EXPECT_GT(dialog->MainList()->GetNumRow(), 2);
+        EXPECT_LT(dialog->MainList()->GetNumRow(), 1 + 2 * kFolders);
+    });
+}
+
+TEST_F(HostilePlaces, EscapeEndsTheListingOfAContainerThatDoesNotAnswer) {
+    folder.Write("c.hostile", "members 3\nlist sleep 30\n");
+    folder.Write("good.hostile");
+    DialogPtr const dialog = Make();
+    Run(*dialog, 1, [&] {
+        DSListCtrl &folders = *dialog->FolderList();
+        auto const begin = Clock::now();
+        PressEscapeLater(*dialog);
+        ClickRow(folders, "c.hostile");
+        EXPECT_TRUE(test::Eventually([&] { return Since(begin) > milliseconds(450); }));
+        EXPECT_LT(Since(begin), milliseconds(1500) * kSlower);
+        RecordProperty("stopped_after", static_cast<int>(Since(begin).count()));
+        EXPECT_TRUE(dialog->isVisible());
+        EXPECT_EQ(dialog->MainList()->GetNumRow(), 0);
+        ExpectNoReaderLeftOver();
+    });
+}
+
+TEST_F(HostilePlaces, AContainerThatIsProbedLateIsFoundOutWhenItIsSelected) {
+    folder.Write("good.hostile");
+    folder.Write("late.hostile", "probe sleep 0.5\nmembers 2\n");
+    DialogPtr const dialog = Make();
+    Run(*dialog, 2, [&] {
+        DSListCtrl &list = *dialog->MainList();
+        auto const *const item = dynamic_cast<NtwDataSourceItem *>(list.ItemAt(RowOf(list, "late.hostile")).get());
+        ASSERT_NE(item, nullptr);
+        EXPECT_TRUE(item->IsUnclassified() && !item->IsFolder());
+        ClickRow(list, "late.hostile");
+        QCoreApplication::processEvents();
+        Paints const paints(*list.viewport());
+        EXPECT_TRUE(test::Eventually([&] { return item->IsFolder(); }));
+        EXPECT_FALSE(item->IsUnclassified());
+        EXPECT_TRUE(test::Eventually([&] { return paints.count > 0; }));
+        QTest::mouseDClick(list.viewport(), Qt::LeftButton, {}, PlaceOf(list, "late.hostile"));
+        EXPECT_TRUE(test::Eventually(
+            [&] { return RowOf(list, "member 0") >= 0 && RowOf(list, "member 1") >= 0 && list.GetNumRow() == 2; }));
+        EXPECT_TRUE(dialog->isVisible());
+    });
+}
+
+TEST_F(HostilePlaces, AFileThatCrashesItsReaderCostsNothingButItsOwnPreview) {
+    for (DString const call : {"probe", "open", "read"}) {
+        SCOPED_TRACE(call);
+        folder.Write(call + "/1.hostile");
+        folder.Write(call + "/2.hostile", call + " crash\n");
+        folder.Write(call + "/3.hostile");
+        DialogPtr const dialog = Make(folder / call);
+        Run(*dialog, 3, [&] {
+            DSListCtrl &list = *dialog->MainList();
+            auto const isWithoutPreview = [&] {
+                return !dialog->PropertyWnd()->IsReading() &&
+                       dialog->PropertyWnd()->Preview()->GetMode() == ImagePreviewWnd::ModeNothing &&
+                       Shown(*dialog, "Path") == folder / call + "/2.hostile";
+            };
+            ExpectShown(*dialog, "1.hostile", call);
+            ClickRow(list, "2.hostile");
+            EXPECT_TRUE(test::Eventually(isWithoutPreview));
+            int const crashed = CountReaders().crashed;
+            EXPECT_GT(crashed, 0);
+            ExpectShown(*dialog, "3.hostile", call);
+            ClickRow(list, "2.hostile");
+            EXPECT_TRUE(test::Eventually(isWithoutPreview));
+            EXPECT_EQ(CountReaders().crashed, crashed) << "it is not tried again";
+            ExpectShown(*dialog, "1.hostile", call);
+            folder.Write(call + "/2.hostile", "width 8\n# mended\n");
+            ExpectShown(*dialog, "2.hostile", call);
+            ExpectNoReaderLeftOver();
+        });
+    }
+}
+
+TEST_F(HostilePlaces, DialogsOfTwoProcessesDoNotDisturbEachOther) {
+    QProcess others[2];
+    for (QProcess &other : others)
+        other.start(QCoreApplication::applicationFilePath(),
+                    {"--gtest_filter=HostilePlaces.AFile*:HostilePlaces.Closing*"});
+    for (QProcess &other : others) {
+        EXPECT_TRUE(other.waitForFinished(50'000));
+        EXPECT_EQ(other.exitCode(), 0) << other.readAllStandardOutput().toStdString();
+    }
+}
+
+} // namespace
+} // namespace zelvar
