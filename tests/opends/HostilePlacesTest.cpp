@@ -186,10 +186,12 @@ protected:
         return dialog.PropertyWnd()->Preview()->GetMode() == ImagePreviewWnd::ModeCanvas;
     }
     void ExpectShown(DlgOpenDS &dialog, DString const &name, DString const &below = {}) {
+        DString const path = folder / (below.empty() ? name : below + "/" + name);
         ClickRow(*dialog.MainList(), name);
-        EXPECT_TRUE(test::Eventually([&] { return HasPreview(dialog) && Shown(dialog, "Image Width") == "8"; }))
-            << name;
-        EXPECT_EQ(Shown(dialog, "Path"), folder / (below.empty() ? name : below + "/" + name));
+        EXPECT_TRUE(test::Eventually([&] {
+            return Shown(dialog, "Path") == path && Shown(dialog, "Image Width") == "8" && HasPreview(dialog);
+        })) << path
+            << ", but " << Shown(dialog, "Path");
     }
     /// Whatever was ended is gone, and not more runs than may.
     static void ExpectNoReaderLeftOver() {
