@@ -225,7 +225,7 @@ RefItemPtr<DataSourceItem> TemplDataSourceItem::Clone() {
     copy->m_name = m_name;
     copy->m_kind = m_kind;
     // A node of its own: both items close theirs, and a driver need not stand being asked twice for one.
-    if (BDIDrvr *const driver = Driver(); driver != nullptr && m_node != nullptr)
+    if (BDIDrvr *const driver = m_node == nullptr ? nullptr : Driver())
         copy->m_node = driver->CloneNode(m_node);
     return copy;
 }
@@ -293,8 +293,8 @@ bool TemplDataSourceItem::IsFilterSupported() {
 }
 
 bool TemplDataSourceItem::ResetFilter(char const *filter) {
-    BDIDrvr *const driver = Driver();
-    if (driver == nullptr || m_rep->m_repository == nullptr)
+    BDIDrvr *const driver = !m_rep || m_rep->m_repository == nullptr ? nullptr : Driver();
+    if (driver == nullptr)
         return false;
     DSingleLock const lock(m_rep->m_lock);
     BDINode *node = nullptr;

@@ -1,7 +1,9 @@
 #include "zelvar/model/NtwDataSourceItem.h"
 
 #include "support/FakeBDIDrvr.h"
+#include "support/ScriptedDriver.h"
 #include "support/TestFiles.h"
+#include "zelvar/data/RequestScope.h"
 #include "zelvar/platform/os/ScriptedShellNamespace.h"
 
 #include <gmock/gmock.h>
@@ -237,6 +239,79 @@ TEST_F(NtwDataSourceItemTest, ANamedDriverAloneDecides) {
     EXPECT_FALSE(CanOpenAsRepository("/d/a.tif", "single"));
     EXPECT_FALSE(CanOpenAsRepository("/d/a.tif", "blind"));
     EXPECT_FALSE(Item("/d/a.tif", "blind")->IsFolder());
+}
+
+/// Gives no answer in time while it is late.
+class LateDriver : public test::ScriptedTreeDriver {
+public:
+    LateDriver() : ScriptedTreeDriver("late", "*.tif") {}
+    [[nodiscard]] bool CanReadPath(DString const &path) const override {
+        std::ignore = ScriptedTreeDriver::CanReadPath(path); // counts
+        RequestScope *const scope = RequestScope::Current();
+        lastTime = scope == nullptr ? std::nullopt : scope->TimeLeft();
+        lastKind = scope == nullptr ? RequestKind::Preview : scope->Kind();
+        wasStopped = scope != nullptr && scope->IsStopped();
+        if (isLate && scope != nullptr)
+            scope->SetUnanswered();
+        return !isLate && reads;
+    }
+    bool isLate = true;
+    bool reads = true;
+    mutable std::optional<std::chrono::milliseconds> lastTime;
+    mutable RequestKind lastKind = RequestKind::Preview;
+    mutable bool wasStopped = false;
+};
+
+LateDriver &AddLate() {
+    auto driver = std::make_unique<LateDriver>();
+    LateDriver &added = *driver;
+    BDIDrvrMngr::Instance()->Add(std::move(driver));
+    return added;
+}
+
+TEST_F(NtwDataSourceItemTest, WhatNoDriverTellsInTimeCountsAsAFileUntilItIsToldOtherwise) {
+    m_shell->AddFile("/d/a.tif");
+    m_shell->AddFile("/d/b.txt");
+    LateDriver &driver = AddLate();
+    auto const item = Item("/d/a.tif");
+    EXPECT_EQ(driver.lastKind, RequestKind::Probe);
+    EXPECT_EQ(item->GetType(), NtwDataSourceItem::TYPE_FILE);
+    EXPECT_TRUE(item->IsUnclassified());
+    EXPECT_TRUE(Item("/d/a.tif", "late")->IsUnclassified());
+    EXPECT_FALSE(Item("/d/b.txt")->IsUnclassified()) << "nobody was asked";
+    RefItemPtr<DataSourceItem> const copy = item->Clone();
+    EXPECT_TRUE(dynamic_cast<NtwDataSourceItem &>(*copy).IsUnclassified());
+
+    item->SetClassified(true);
+    EXPECT_FALSE(item->IsUnclassified());
+    EXPECT_TRUE(item->IsFolder());
+    item->SetClassified(false);
+    EXPECT_TRUE(item->IsFolder()) << "what is known is not told again";
+}
+
+TEST_F(NtwDataSourceItemTest, ADriverThatAnswersMakesUpForOneThatDoesNot) {
+    m_shell->AddFile("/d/a.tif");
+    AddLate();
+    m_drivers.Add("prompt", "*.tif");
+    auto const item = Item("/d/a.tif");
+    EXPECT_TRUE(item->IsFolder());
+    EXPECT_FALSE(item->IsUnclassified());
+    EXPECT_EQ(ClassifyAtLeisure("/d/a.tif", nullptr), true);
+}
+
+TEST_F(NtwDataSourceItemTest, WhoClassifiesAtLeisureHasTimeAndMayStop) {
+    LateDriver &driver = AddLate();
+    StopSignal stop{false};
+    EXPECT_EQ(ClassifyAtLeisure("/d/a.tif", &stop), std::nullopt);
+    ASSERT_TRUE(driver.lastTime.has_value());
+    EXPECT_GT(*driver.lastTime, std::chrono::seconds(5));
+    EXPECT_FALSE(driver.wasStopped);
+    driver.isLate = false;
+    EXPECT_EQ(ClassifyAtLeisure("/d/a.tif", nullptr), true);
+    driver.reads = false;
+    stop = true;
+    EXPECT_EQ(ClassifyAtLeisure("/d/a.tif", &stop), false);
+    EXPECT_TRUE(driver.wasStopped);
 }
 
 TEST_F(NtwDataSourceItemTest, AContainerIsAFolderThatOpensOnce) {

@@ -6,6 +6,7 @@
 #include "zelvar/base/Directories.h"
 #include "zelvar/base/Report.h"
 #include "zelvar/base/XMLNode.h"
+#include "zelvar/data/DriverProvider.h"
 #include "zelvar/model/ChildWalker.h"
 
 #include <gmock/gmock.h>
@@ -93,6 +94,23 @@ TEST_F(TemplDataSourceItemTest, AConnectionOpensWhenItIsPreparedAndNotBefore) {
     EXPECT_EQ(driver.Counted().openFinds, 0);
 }
 
+TEST_F(TemplDataSourceItemTest, ADefinitionWaitsForNoDriver) {
+    int asked = 0;
+    BDIDrvrMngr::Instance()->Reset();
+    SetDriverProvider([&] { ++asked; });
+    {
+        RefItemPtr<TemplDataSourceItem> const item = FromXml(kDefinition);
+        EXPECT_EQ(item->GetName(), "Maps");
+        EXPECT_FALSE(item->IsFolder());
+        EXPECT_FALSE(item->IsFilterSupported());
+        RefItemPtr<DataSourceItem> const copy = item->Clone();
+    }
+    EXPECT_EQ(asked, 0);
+    FromXml(kDefinition)->Prepare();
+    EXPECT_EQ(asked, 1);
+    SetDriverProvider({});
+}
+
 TEST_F(TemplDataSourceItemTest, AConnectionThatDoesNotOpenIsAnEmptyPaneAndALineInTheLog) {
     m_drivers.Add("fake", "", [](auto &fake) { fake.SetOpens([](DString const &) { return false; }); });
     LogKeeper const log;
@@ -110,8 +128,8 @@ TEST_F(TemplDataSourceItemTest, WithAnUnknownDriverTheManagerChooses) {
     RefItemPtr<TemplDataSourceItem> const item =
         FromXml("<DataSource name='x' url='u'><Parameters/><BDIDriver id='missing'/></DataSource>");
     ASSERT_NE(item, nullptr);
-    EXPECT_EQ(log.Last(), "BDI driver with ID \"missing\" was created? NO");
     EXPECT_EQ(item->GetBDIDriverId(), "");
+    EXPECT_EQ(log.Last(), "BDI driver with ID \"missing\" was created? NO");
     item->Prepare();
     EXPECT_EQ(item->GetBDIDriverId(), "other");
 }

@@ -221,7 +221,7 @@ TEST_F(HostilePlaces, TheDialogIsSeenBeforeItsPlaceAnswers) {
                               Case{"lists late", "members 3\nlist sleep 30\n", true},
                               Case{"holds what is probed late", "members 3\nprobe sleep 30\n", false}}) {
         milliseconds best = milliseconds::max();
-        for (int i = 0; i < kTries; ++i) {
+        for (int i = 0; i < kTries && best >= kSeen; ++i) {
             // Another one each time: what came late is remembered.
             DString const at = place.name + std::to_string(i);
             for (int file = 0; file < 10; ++file)
@@ -246,12 +246,18 @@ TEST_F(HostilePlaces, TheDialogIsSeenBeforeItsPlaceAnswers) {
     }
 }
 
-TEST_F(HostilePlaces, ALargeFolderIsListedBehindTheFirstPaintAndWhole) {
-    for (int i = 0; i < 30'000; ++i)
-        std::ofstream(folder / (std::to_string(i) + ".txt"));
+TEST_F(HostilePlaces, WhatWasNotToldBeforeTheFirstPaintIsFoundOutBehindIt) {
+    Use({.probeInListing = milliseconds(5000),
+         .patience = milliseconds(5000),
+         .program = ZELVAR_READER,
+         .modules = {ZELVAR_HOSTILE}});
+    folder.Write("good.hostile");
     folder.Write("late.hostile", "members 2\nprobe sleep 0.15\n");
     DialogPtr const dialog = Make();
-    Run(*dialog, 30'000, [&] { EXPECT_EQ(RowOf(*dialog->MainList(), "late.hostile"), -1) << "it is a container"; });
+    Run(*dialog, 1, [&] {
+        EXPECT_EQ(RowOf(*dialog->MainList(), "good.hostile"), 0);
+        EXPECT_TRUE(test::Eventually([&] { return RowOf(*dialog->FolderList(), "late.hostile") >= 0; }));
+    });
 }
 
 TEST_F(HostilePlaces, ClickingThroughFilesThatDoNotAnswerHoldsNothingUp) {
@@ -262,7 +268,7 @@ TEST_F(HostilePlaces, ClickingThroughFilesThatDoNotAnswerHoldsNothingUp) {
     DialogPtr const dialog = Make();
     Run(*dialog, 11, [&] {
         milliseconds best = milliseconds::max();
-        for (int round = 0; round < kTries; ++round) {
+        for (int round = 0; round < kTries && best >= kSmooth; ++round) {
             milliseconds longest{0};
             Clock::time_point last = Clock::now();
             int ticks = 0;
@@ -292,7 +298,7 @@ TEST_F(HostilePlaces, ClosingDoesNotWaitForWhatIsRead) {
     for (DString const call : {"open", "describe", "read", "probe"})
         folder.Write(call + ".hostile", call + " sleep 30\n");
     milliseconds best = milliseconds::max();
-    for (int i = 0; i < kTries; ++i) {
+    for (int i = 0; i < kTries && best >= kSmooth; ++i) {
         milliseconds worst{0};
         for (DString const call : {"open", "describe", "read", "probe"}) {
             DialogPtr dialog = Make();

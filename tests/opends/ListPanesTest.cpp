@@ -1,6 +1,7 @@
 #include "support/GuiTest.h"
 #include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/data/DriverProvider.h"
+#include "zelvar/data/RequestScope.h"
 #include "zelvar/model/NtwDataSourceItem.h"
 #include "zelvar/opends/DSDataSourceWnd.h"
 #include "zelvar/opends/DSListCtrl.h"
@@ -98,6 +99,25 @@ TEST_F(ListPanes, FilesAreListedInNaturalOrderAndNothingTwice) {
     EXPECT_EQ(list->GetNumRow(), 0) << "rows appear at the next tick";
     ASSERT_TRUE(HasRows(*list, 5));
     EXPECT_EQ(Names(*list), std::vector<DString>(ascending.rbegin(), ascending.rend()));
+}
+
+TEST_F(ListPanes, AListingThatIsCutShortIsTakenUpAgainByTheSameRequest) {
+    for (char const *name : {"/data/a.tif", "/data/b.tif", "/data/sub/c.tif"})
+        shell->AddFile(name);
+    auto const list = List(DSListCtrl::ModeFiles);
+    ItemList const roots{Item("/data")};
+    {
+        RequestScope const hasty(RequestKind::List, {}, std::chrono::milliseconds(0));
+        list->ResetItems(roots);
+        EXPECT_TRUE(hasty.IsUnanswered());
+    }
+    int const calls = shell->EnumerateCalls("/data");
+    RequestScope const patient(RequestKind::List, {}, std::chrono::seconds(60));
+    list->ResetItems(roots);
+    EXPECT_TRUE(HasRows(*list, 2));
+    list->ResetItems(roots);
+    EXPECT_EQ(shell->EnumerateCalls("/data"), calls + 1) << "now it is whole";
+    EXPECT_FALSE(patient.IsUnanswered());
 }
 
 TEST_F(ListPanes, AColdRecursiveListingArrivesUnsortedAndALoopOfLinksEnds) {
