@@ -97,7 +97,7 @@ TEST_F(TemplDataSourceItemTest, AConnectionOpensWhenItIsPreparedAndNotBefore) {
 TEST_F(TemplDataSourceItemTest, ADefinitionWaitsForNoDriver) {
     int asked = 0;
     BDIDrvrMngr::Instance()->Reset();
-    SetDriverProvider([&] { ++asked; });
+    SetDriverProvider([&] { ++asked; }, true);
     {
         RefItemPtr<TemplDataSourceItem> const item = FromXml(kDefinition);
         EXPECT_EQ(item->GetName(), "Maps");

@@ -107,7 +107,9 @@ std::map<char, int> Children() {
 
 class HostilePlaces : public testing::Test {
 protected:
-    void SetUp() override { Use({.program = ZELVAR_READER, .modules = {ZELVAR_HOSTILE}}); }
+    void SetUp() override {
+        Use({.program = ZELVAR_READER, .withInstalledDrivers = false, .modules = {ZELVAR_HOSTILE}});
+    }
     void TearDown() override {
         EndReaders();
         UseOwnProcessDrivers();
@@ -250,6 +252,7 @@ TEST_F(HostilePlaces, WhatWasNotToldBeforeTheFirstPaintIsFoundOutBehindIt) {
     Use({.probeInListing = milliseconds(5000),
          .patience = milliseconds(5000),
          .program = ZELVAR_READER,
+         .withInstalledDrivers = false,
          .modules = {ZELVAR_HOSTILE}});
     folder.Write("good.hostile");
     folder.Write("late.hostile", "members 2\nprobe sleep 0.15\n");
@@ -319,7 +322,10 @@ TEST_F(HostilePlaces, ClosingDoesNotWaitForWhatIsRead) {
 }
 
 TEST_F(HostilePlaces, EscapeEndsALongListingAndWhatWasFoundStays) {
-    Use({.patience = milliseconds(60'000), .program = ZELVAR_READER, .modules = {ZELVAR_HOSTILE}});
+    Use({.patience = milliseconds(60'000),
+         .program = ZELVAR_READER,
+         .withInstalledDrivers = false,
+         .modules = {ZELVAR_HOSTILE}});
     constexpr int kFolders = 40; // a quarter of a second each
     for (int i = 0; i < kFolders; ++i) {
         folder.Write("f" + std::to_string(i) + "/a.hostile", "probe sleep 30\n");
