@@ -159,6 +159,44 @@ TEST_F(PropertyPane, WhatArrivesAfterClearIsDropped) {
     EXPECT_EQ(pane->Preview()->GetMode(), ImagePreviewWnd::ModeNothing);
 }
 
+/// Does not look at the stop signal while it opens.
+class DeafDriver : public test::ScriptedRasterDriver {
+public:
+    DeafDriver() : ScriptedRasterDriver("DEAF") {}
+    void *OpenFile(BDIMoniker const &, StopSignal const *, DError *) override {
+        deafGate.Pass();
+        return nullptr;
+    }
+    test::Gate deafGate;
+};
+
+/// Tells when nobody holds it any more.
+class WatchedItem : public PathItem {
+public:
+    WatchedItem(DString path, std::atomic<bool> &gone) : PathItem(std::move(path)), m_gone(gone) {}
+    ~WatchedItem() override { m_gone = true; }
+
+private:
+    std::atomic<bool> &m_gone;
+};
+
+TEST_F(PropertyPane, APaneThatIsDestroyedLeavesADriverThatDoesNotListenBehind) {
+    RDIDriverMngr::Instance()->Reset();
+    auto owned = std::make_unique<DeafDriver>();
+    DeafDriver &deaf = *owned;
+    driver = owned.get();
+    RDIDriverMngr::Instance()->Add(std::move(owned));
+    std::atomic<bool> gone{false};
+    deaf.deafGate.Close();
+    Create(DT_DATA);
+    pane->ShowProps({new WatchedItem(folder.Write("a.img", "x"), gone)}, "");
+    deaf.deafGate.AwaitCaller();
+    pane.reset(); // would wait for ever
+    EXPECT_FALSE(gone);
+    deaf.deafGate.Open();
+    EXPECT_TRUE(test::Eventually([&] { return gone.load(); }));
+}
+
 TEST_F(PropertyPane, TheSameItemAfterClearIsShownAgain) {
     DString const path = folder.Write("a.img", "x");
     driver->SetImage(path, {.width = 33});
