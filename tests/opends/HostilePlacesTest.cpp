@@ -111,6 +111,13 @@ protected:
         Use({.program = ZELVAR_READER, .withInstalledDrivers = false, .modules = {ZELVAR_HOSTILE}});
     }
     void TearDown() override {
+        // A dialog leaves its worker behind, which needs the drivers until it has let go of its item.
+        for (auto const &[key, item] : m_clicked)
+            EXPECT_TRUE(test::Eventually([&item = item] {
+                std::ignore = RefItemPtr<DataSourceItem>(item); // comes after what the worker did with it
+                return item->RefCount() == 1;
+            })) << item->GetPath();
+        m_clicked.clear();
         EndReaders();
         UseOwnProcessDrivers();
         SetDriverProvider({});
@@ -172,7 +179,9 @@ protected:
         Rect const rect = list.GetItemRect(row);
         return {rect.left + 40, (rect.top + rect.bottom) / 2};
     }
-    static void ClickRow(DSListCtrl &list, DString const &name) {
+    void ClickRow(DSListCtrl &list, DString const &name) {
+        RefItemPtr<DataSourceItem> const item = list.ItemAt(RowOf(list, name));
+        m_clicked[item.get()] = item;
         QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, PlaceOf(list, name));
     }
     /// The shown text of a property.
@@ -211,6 +220,9 @@ protected:
 
     test::TempFolder folder;
     DFileFrmt all{"", "All Files (*.*)", "*.*"};
+
+private:
+    std::map<DataSourceItem *, RefItemPtr<DataSourceItem>> m_clicked;
 };
 
 TEST_F(HostilePlaces, TheDialogIsSeenBeforeItsPlaceAnswers) {
