@@ -1,4 +1,5 @@
 #include "support/GuiTest.h"
+#include "support/ScriptedDriver.h"
 #include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/data/DriverProvider.h"
 #include "zelvar/data/RequestScope.h"
@@ -118,6 +119,35 @@ TEST_F(ListPanes, AListingThatIsCutShortIsTakenUpAgainByTheSameRequest) {
     list->ResetItems(roots);
     EXPECT_EQ(shell->EnumerateCalls("/data"), calls + 1) << "now it is whole";
     EXPECT_FALSE(patient.IsUnanswered());
+}
+
+/// Gives no answer in time while it is late.
+class LateDriver : public test::ScriptedTreeDriver {
+public:
+    explicit LateDriver(bool const &isLate) : ScriptedTreeDriver("late", "*.tif"), m_isLate(isLate) {}
+    [[nodiscard]] bool CanReadPath(DString const &) const override {
+        if (m_isLate)
+            RequestScope::Current()->SetUnanswered();
+        return !m_isLate;
+    }
+
+private:
+    bool const &m_isLate;
+};
+
+TEST_F(ListPanes, WhatADriverDidNotTellInTimeIsAskedAgainByTheNextListing) {
+    bool isLate = true;
+    BDIDrvrMngr::Instance()->Add(std::make_unique<LateDriver>(isLate));
+    shell->AddFile("/data/a.tif");
+    shell->AddFile("/data/b.txt");
+    auto const list = List(DSListCtrl::ModeFiles);
+    list->ResetItems({Item("/data")});
+    EXPECT_TRUE(HasRows(*list, 2));
+    isLate = false;
+    list->Refresh();
+    EXPECT_TRUE(HasRows(*list, 1));
+    EXPECT_EQ(Names(*list), std::vector<DString>{"b.txt"}) << "the other is a folder of images";
+    BDIDrvrMngr::Instance()->Reset();
 }
 
 TEST_F(ListPanes, AColdRecursiveListingArrivesUnsortedAndALoopOfLinksEnds) {
