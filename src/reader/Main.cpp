@@ -59,6 +59,8 @@ std::optional<Order> ReadOrder(std::vector<std::string_view> const &words) {
 /// up, and nobody waits for them.
 [[noreturn]] void Serve(Order order) {
     unsetenv("ZELVAR_LOG"); // the application writes the lines
+    // An image that is only looked at is not locked against the program that writes it.
+    setenv("HDF5_USE_FILE_LOCKING", "FALSE", 0);
     LogCollector log;
     Confine(order.reach, {order.socket, order.status->File()});
     UseModules(std::move(order.modules));

@@ -3,6 +3,7 @@
 #include "zelvar/base/Report.h"
 
 #include <algorithm>
+#include <tuple>
 #include <utility>
 
 namespace zelvar {
@@ -13,6 +14,7 @@ using std::chrono::milliseconds;
 
 constexpr milliseconds kLook{10};          // between two looks at the stop signal
 constexpr milliseconds kGoneAfterKill{20}; // what a process needs to end
+constexpr milliseconds kSending{1000};     // a reader always listens
 constexpr int kMostFailedStarts = 3;
 constexpr milliseconds kPauseAfterFailedStarts{5000};
 
@@ -96,22 +98,45 @@ ReaderPool::Loan ReaderPool::Borrow(ReaderRole role, int preferred, Clock::time_
     }
 }
 
-ReaderPool::Loan ReaderPool::BorrowFree(int number) {
+void ReaderPool::Tell(int number, wire::MessageChannel::Bytes message) {
+    Loan loan;
     std::lock_guard const lock(m_mutex);
     for (Place &place : m_places)
-        if (!place.lent && place.process->Number() == number) {
-            place.lent = true;
-            return {this, place.process};
+        if (place.process->Number() == number) {
+            place.unsent.push_back(std::move(message));
+            if (!std::exchange(place.lent, true))
+                loan = {this, place.process}; // whose end sends it
+            return;
         }
-    return {};
 }
 
 void ReaderPool::GiveBack(std::shared_ptr<ReaderProcess> const &process) {
-    std::lock_guard const lock(m_mutex);
-    for (Place &place : m_places)
-        if (place.process == process)
-            place.lent = false;
+    std::unique_lock lock(m_mutex);
+    while (true) {
+        auto const at = std::find_if(m_places.begin(), m_places.end(),
+                                     [&](Place const &place) { return place.process == process; });
+        if (at == m_places.end()) {
+            Hold(process, {}); // ended while it was lent
+            break;
+        }
+        if (at->unsent.empty()) {
+            at->lent = false;
+            break;
+        }
+        auto const messages = std::exchange(at->unsent, {});
+        lock.unlock();
+        for (wire::MessageChannel::Bytes const &message : messages)
+            std::ignore = process->Channel().Send(message, -1, Clock::now() + kSending); // the next request will notice
+        lock.lock();
+    }
     m_changed.notify_one();
+}
+
+void ReaderPool::Hold(std::shared_ptr<ReaderProcess> const &process, DString const &place) {
+    bool const isHeld =
+        std::any_of(m_held.begin(), m_held.end(), [&](Held const &held) { return held.process == process; });
+    if (!isHeld && !process->HasEnded(milliseconds(0)))
+        m_held.push_back({process, place});
 }
 
 void ReaderPool::Warm(ReaderRole role) {
@@ -127,9 +152,10 @@ bool ReaderPool::HasHeld() const {
 
 void ReaderPool::Retire(Loan const &loan, bool crashed, DString const &heldAt) {
     std::lock_guard const lock(m_mutex);
-    ++(crashed ? m_counts.crashed : m_counts.killed);
+    if (!loan->IsTerminated())
+        ++(crashed ? m_counts.crashed : m_counts.killed);
     if (!heldAt.empty())
-        m_held.push_back({loan.Process(), heldAt});
+        Hold(loan.Process(), heldAt);
     auto const at = std::find_if(m_places.begin(), m_places.end(),
                                  [&](Place const &entry) { return entry.process == loan.Process(); });
     if (at == m_places.end())

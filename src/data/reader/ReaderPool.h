@@ -62,8 +62,9 @@ public:
     /// can be started.
     [[nodiscard]] Loan Borrow(ReaderRole role, int preferred, Clock::time_point deadline,
                               std::function<bool()> const &isStopped);
-    /// The reader of that number if it is free now.
-    [[nodiscard]] Loan BorrowFree(int number);
+    /// Says something to the reader of that number, if there is one, that it does not answer: at once, or when whoever
+    /// has it gives it back.
+    void Tell(int number, wire::MessageChannel::Bytes message);
     /// Starts a reader of that role unless there is one.
     void Warm(ReaderRole role);
     /// Takes a reader that was told to end out of use, and starts another in its place. `heldAt` is where the kernel
@@ -82,6 +83,7 @@ private:
         std::shared_ptr<ReaderProcess> process;
         ReaderRole role;
         bool lent = false;
+        std::vector<wire::MessageChannel::Bytes> unsent{};
     };
     struct Held {
         std::shared_ptr<ReaderProcess> process;
@@ -92,6 +94,7 @@ private:
     [[nodiscard]] int Count(ReaderRole role) const;
     [[nodiscard]] int Most(ReaderRole role) const;
     bool StartOne(ReaderRole role);
+    void Hold(std::shared_ptr<ReaderProcess> const &process, DString const &place);
     void ForgetEnded();
 
     mutable std::mutex m_mutex;

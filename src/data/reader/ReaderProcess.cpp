@@ -4,6 +4,7 @@
 #include "zelvar/base/Report.h"
 #include "zelvar/data/reader/DriverModule.h"
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cerrno>
@@ -43,12 +44,12 @@ public:
             posix_spawn_file_actions_addopen(&m_files, number, "/dev/null", O_RDWR, 0);
         if (std::getenv("ZELVAR_READER_ERRORS") == nullptr) // libraries below drivers print as they like
             posix_spawn_file_actions_addopen(&m_files, STDERR_FILENO, "/dev/null", O_RDWR, 0);
-        // Above the wanted numbers first: one of them may be the other's.
-        constexpr int kAside = 20;
-        posix_spawn_file_actions_adddup2(&m_files, socket, kAside);
-        posix_spawn_file_actions_adddup2(&m_files, status, kAside + 1);
-        posix_spawn_file_actions_adddup2(&m_files, kAside, kSocket);
-        posix_spawn_file_actions_adddup2(&m_files, kAside + 1, kStatus);
+        // Aside first, to numbers that are neither's: one of them may have the number that the other is to get.
+        int const aside = std::max({socket, status, kStatus}) + 1;
+        posix_spawn_file_actions_adddup2(&m_files, socket, aside);
+        posix_spawn_file_actions_adddup2(&m_files, status, aside + 1);
+        posix_spawn_file_actions_adddup2(&m_files, aside, kSocket);
+        posix_spawn_file_actions_adddup2(&m_files, aside + 1, kStatus);
         posix_spawn_file_actions_addclosefrom_np(&m_files, kStatus + 1);
         sigset_t none;
         sigset_t all;
@@ -187,7 +188,8 @@ bool ReaderProcess::Kill(std::chrono::milliseconds wait) {
     return HasEnded(wait);
 }
 
-void ReaderProcess::Terminate() const {
+void ReaderProcess::Terminate() {
+    m_isTerminated = true;
     if (m_pidFile.IsOpen())
         syscall(SYS_pidfd_send_signal, m_pidFile.Get(), SIGKILL, nullptr, 0);
 }

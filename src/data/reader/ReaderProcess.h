@@ -6,6 +6,7 @@
 #include "zelvar/data/wire/ReaderStatus.h"
 #include "zelvar/data/wire/SharedMemory.h"
 
+#include <atomic>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -19,7 +20,7 @@ namespace zelvar {
 
 /// One running reader, as its application holds it. The end of this object is the end of the process.
 ///
-/// One thread at a time, but for `Number`, `Pid` and `Terminate`.
+/// One thread at a time, but for `Number`, `Pid`, `Terminate` and `IsTerminated`.
 class ReaderProcess {
 public:
     /// What a file was like when a request for it began.
@@ -53,7 +54,9 @@ public:
     /// Whether a process that was told to end is held in the kernel, as on a file system that does not answer.
     [[nodiscard]] bool IsBlocked() const;
     /// Tells it to end, without a look at what comes of it. Any thread.
-    void Terminate() const;
+    void Terminate();
+    /// Whether it was told so: then its end is no driver's fault.
+    [[nodiscard]] bool IsTerminated() const { return m_isTerminated; }
     /// How it ended, in words for the log; empty while it has not.
     [[nodiscard]] DString const &Ending() const { return m_ending; }
     /// Whether it has ended; waits so long.
@@ -78,6 +81,7 @@ private:
     wire::MessageChannel m_channel;
     std::unique_ptr<wire::SharedMemory> m_status;
     std::unique_ptr<wire::SharedMemory> m_pixels;
+    std::atomic<bool> m_isTerminated = false;
     bool m_reaped = false;
     DString m_ending;
 };

@@ -229,7 +229,7 @@ DString Readers::Conclude(ReaderPool::Loan const &loan, Call const &call, Terms 
     if (RequestScope *const scope = RequestScope::Current(); scope != nullptr && terms.kind == RequestKind::Probe)
         if (RequestScope *const listing = scope->Listing())
             listing->wasted += std::chrono::ceil<milliseconds>(Clock::now() - terms.begin);
-    if (outcome.ending == Ending::Stopped)
+    if (outcome.ending == Ending::Stopped || loan->IsTerminated())
         return "stopped";
     if (starting)
         return "the reader starts slowly";

@@ -48,11 +48,10 @@ public:
             return wire::PackRequest(number, memory, std::move(body));
         });
     }
-    /// Says something that is not answered, if that reader is there and free; forgets it otherwise.
+    /// Says something that is not answered, if that reader is there; it need not be free.
     template <class Body>
     void Tell(int reader, Body body) {
-        if (ReaderPool::Loan const loan = m_pool.BorrowFree(reader))
-            Send(loan, wire::PackRequest(0, 0, std::move(body)), -1);
+        m_pool.Tell(reader, wire::PackRequest(0, 0, std::move(body)));
     }
 
     /// A number for a tree or an image, never given before.

@@ -1,10 +1,15 @@
 #include "support/HostileFiles.h"
+#include "zelvar/base/FileDescriptor.h"
 #include "zelvar/data/ImageReader.h"
 #include "zelvar/data/ProbeAhead.h"
 #include "zelvar/data/RequestScope.h"
 
 #include <atomic>
+#include <memory>
 #include <thread>
+#include <vector>
+
+#include <fcntl.h>
 
 namespace zelvar {
 namespace {
@@ -131,6 +136,18 @@ TEST_F(Readers, APreviewDoesNotWaitForAListing) {
     lister.join();
     driver->CloseNode(root);
     driver->CloseRepository(repository);
+}
+
+TEST_F(Readers, AReaderStartsWhateverNumbersItsFilesHaveHere) {
+    DString const path = Write("a", "width 8\n");
+    std::vector<std::unique_ptr<FileDescriptor>> others;
+    for (int i = 0; i < 30; ++i) {
+        Image const image(path);
+        EXPECT_TRUE(image) << i << ": " << image.error.Text();
+        EXPECT_EQ(CountReaders().crashed, 0) << i;
+        EndReaders(); // so that the next one's files come behind all others
+        others.push_back(std::make_unique<FileDescriptor>(open("/dev/null", O_RDONLY | O_CLOEXEC)));
+    }
 }
 
 TEST_F(Readers, ManyThreadsGetTheirOwnAnswers) {
