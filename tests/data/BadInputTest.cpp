@@ -1,9 +1,9 @@
 #include "support/ImageFiles.h"
+#include "support/RealDrivers.h"
 #include "support/TestFiles.h"
 #include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/data/ImageReader.h"
 #include "zelvar/data/RDIDriverMngr.h"
-#include "zelvar/data/gdal/GdalDrivers.h"
 
 #include <gtest/gtest.h>
 
@@ -18,7 +18,6 @@
 #include <thread>
 
 #include <dirent.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -51,16 +50,10 @@ bool LookAtAll(DString const &path) {
     return read;
 }
 
-std::size_t PeakBytes() {
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    return static_cast<std::size_t>(usage.ru_maxrss) * 1024;
-}
-
 class BadInput : public testing::Test {
 protected:
     BadInput() {
-        SetDriverProvider(&RegisterGdalDrivers);
+        test::UseRealDrivers();
         BDIDrvrMngr::Instance()->Drivers();
     }
     /// Small files of many kinds.
@@ -114,7 +107,7 @@ TEST_F(BadInput, DamagedFilesNeverHurt) {
             LookAtAll(damaged.Write(name, bytes));
         }
     }
-    EXPECT_LT(PeakBytes(), std::size_t{1} << 30U);
+    EXPECT_LT(test::PeakBytesOfDrivers(), std::size_t{1} << 30U);
 }
 
 /// A little-endian TIFF without data that claims a size, as its header tells it.
@@ -142,7 +135,7 @@ DString ClaimingTiff(std::uint32_t width, std::uint32_t height, std::uint16_t bi
 }
 
 TEST_F(BadInput, ClaimedSizesAreNotBelieved) {
-    std::size_t const before = PeakBytes();
+    std::size_t const before = test::PeakBytesOfDrivers();
     for (std::uint32_t const side : {0x7FFFFFFFU, 0x80000000U, 0xFFFFFFFFU, 5000U}) {
         DString const path = m_folder.Write("claims.tif", ClaimingTiff(side, side, 32));
         EXPECT_FALSE(LookAtAll(path)) << side;
@@ -165,7 +158,7 @@ TEST_F(BadInput, ClaimedSizesAreNotBelieved) {
     m_folder.Write("rows.dbf", dbf);
     for (char const *name : {"grid.asc", "grid.pgm", "rows.dbf"})
         EXPECT_FALSE(LookAtAll(m_folder / name)) << name;
-    EXPECT_LT(PeakBytes() - before, std::size_t{250} << 20U);
+    EXPECT_LT(test::PeakBytesOfDrivers() - before, std::size_t{250} << 20U);
 }
 
 TEST_F(BadInput, AFileThatShrinksWhileItIsReadFailsTheRead) {

@@ -1,8 +1,8 @@
 #include "support/ImageFiles.h"
+#include "support/RealDrivers.h"
 #include "support/TestFiles.h"
 #include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/data/ImageReader.h"
-#include "zelvar/data/gdal/GdalDrivers.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -22,7 +22,7 @@ using testing::UnorderedElementsAre;
 class OpenTree {
 public:
     explicit OpenTree(DString const &url, char const *driverId = nullptr, char const *filter = nullptr) {
-        SetDriverProvider(&RegisterGdalDrivers);
+        test::UseRealDrivers();
         if (driverId != nullptr) {
             driver = BDIDrvrMngr::Instance()->GetDrvr(driverId);
             repository = driver == nullptr ? nullptr : driver->OpenRepository(url.c_str(), &root, filter);
@@ -63,7 +63,7 @@ public:
 };
 
 bool IsContainer(DString const &path) {
-    SetDriverProvider(&RegisterGdalDrivers);
+    test::UseRealDrivers();
     auto const &candidates = BDIDrvrMngr::Instance()->CandidatesFor(path);
     return std::any_of(candidates.begin(), candidates.end(), [&](BDIDrvr const *driver) {
         return driver->GetAttrInt("BDI_Multiple_Images") == 1 && driver->CanReadPath(path);
@@ -278,6 +278,24 @@ TEST_F(Container, AFolderIsATreeOfItsData) {
     }
     EXPECT_FALSE(OpenTree(m_folder / "missing", "Directory"));
     EXPECT_FALSE(OpenTree(m_folder / "a10.tif", "Directory"));
+}
+
+TEST_F(Container, NamesOfAnyBytesAreKeptThroughAllNodes) {
+    m_folder.Folder("\xFF\xFEs");
+    DString const path = m_folder / "\xFF\xFEs/\xE4?\n.tif";
+    test::WritePages(path, 2);
+    OpenTree const folder(m_folder.Path(), "Directory");
+    std::vector<BDINode> const inner = folder.Children(*folder.root);
+    ASSERT_EQ(inner.size(), 1U);
+    EXPECT_EQ(inner[0].name, "\xFF\xFEs");
+    std::vector<BDINode> const files = folder.Children(inner[0]);
+    ASSERT_EQ(files.size(), 1U);
+    EXPECT_EQ(files[0].name, "\xE4?\n.tif");
+    OpenTree const file(path);
+    ASSERT_TRUE(file);
+    EXPECT_EQ(file.root->name, "\xE4?\n.tif");
+    for (BDINode const &page : file.Children(*file.root))
+        EXPECT_GE(FirstSample(page.path), 10) << page.path;
 }
 
 TEST_F(Container, AFolderIsFilteredByAMaskAndTellsWhichItKnows) {

@@ -1,9 +1,9 @@
 #include "support/HttpServer.h"
 #include "support/ImageFiles.h"
 #include "support/LoopbackSamba.h"
+#include "support/RealDrivers.h"
 #include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/data/ImageReader.h"
-#include "zelvar/data/gdal/GdalDrivers.h"
 
 #include <gtest/gtest.h>
 
@@ -17,7 +17,7 @@ namespace {
 class Network : public testing::Test {
 protected:
     Network() {
-        SetDriverProvider(&RegisterGdalDrivers);
+        test::UseRealDrivers();
         BDIDrvrMngr::Instance()->Drivers();
     }
     std::string Bytes(test::ImageSpec const &spec, std::vector<int> const &overviews = {}) {

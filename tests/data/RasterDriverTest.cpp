@@ -1,10 +1,9 @@
 #include "support/ImageFiles.h"
 #include "support/OpenedImage.h"
+#include "support/RealDrivers.h"
 #include "support/TestFiles.h"
-#include "zelvar/data/DriverProvider.h"
 #include "zelvar/data/ImageReader.h"
 #include "zelvar/data/RDIDriverMngr.h"
-#include "zelvar/data/gdal/GdalDrivers.h"
 
 #include <gtest/gtest.h>
 
@@ -191,7 +190,7 @@ TEST_F(RasterDriver, APaletteIsReadInItsColours) {
     GDALDestroyColorTable(table);
     GDALClose(dataset);
     DCanvas picture;
-    SetDriverProvider(&RegisterGdalDrivers);
+    test::UseRealDrivers();
     ASSERT_TRUE(ReadPreview({path, nullptr}, "", nullptr, picture));
     EXPECT_EQ(picture.GetPixel(0, 0), Rgb(200, 10, 20));
     EXPECT_EQ(picture.GetPixel(1023, 511), Rgb(30, 180, 40));

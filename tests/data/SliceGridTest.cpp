@@ -2,6 +2,7 @@
 
 #include "support/ImageFiles.h"
 #include "support/OpenedImage.h"
+#include "support/RealDrivers.h"
 #include "support/TestFiles.h"
 #include "zelvar/data/ImageReader.h"
 
@@ -23,7 +24,7 @@ constexpr NetCdfDimension kLevel{.name = "level", .length = 3};
 
 class SliceGrid : public testing::Test {
 protected:
-    SliceGrid() { SetDriverProvider(&RegisterGdalDrivers); }
+    SliceGrid() { test::UseRealDrivers(); }
     /// A variable with these dimensions before y and x.
     DString Write(std::vector<NetCdfDimension> dimensions, std::optional<double> nodata = {}) {
         dimensions.insert(dimensions.end(), {kY, kX});

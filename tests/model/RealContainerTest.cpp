@@ -1,7 +1,8 @@
+#include "support/RealDrivers.h"
 #include "support/TestFiles.h"
 #include "zelvar/data/BDIDrvrMngr.h"
+#include "zelvar/data/DriverProvider.h"
 #include "zelvar/data/RDIDriverMngr.h"
-#include "zelvar/data/gdal/GdalDrivers.h"
 #include "zelvar/model/ItemListing.h"
 #include "zelvar/model/NtwDataSourceItem.h"
 #include "zelvar/model/PlaceResolver.h"
@@ -44,15 +45,16 @@ DString TiffOf(int pages) {
 class RealContainerTest : public testing::Test {
 protected:
     RealContainerTest() {
-        UseDrivers([] { RegisterGdalDrivers(); });
+        Forget();
+        test::UseRealDrivers();
     }
     ~RealContainerTest() override {
-        UseDrivers([] {});
+        Forget();
+        SetDriverProvider({});
     }
-    static void UseDrivers(DriverProvider provider) {
+    static void Forget() {
         BDIDrvrMngr::Instance()->Reset();
         RDIDriverMngr::Instance()->Reset();
-        SetDriverProvider(std::move(provider));
     }
     test::TempFolder m_folder;
 };

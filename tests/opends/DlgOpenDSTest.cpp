@@ -2,6 +2,7 @@
 
 #include "support/GuiTest.h"
 #include "support/ImageFiles.h"
+#include "support/RealDrivers.h"
 #include "support/TestFiles.h"
 #include "zelvar/base/DCnfg.h"
 #include "zelvar/controls/CZelComboBox.h"
@@ -11,7 +12,6 @@
 #include "zelvar/data/DriverProvider.h"
 #include "zelvar/data/RDIDriver.h"
 #include "zelvar/data/RDIDriverMngr.h"
-#include "zelvar/data/gdal/GdalDrivers.h"
 #include "zelvar/model/DataSourceCollector.h"
 #include "zelvar/model/NtwDataSourceItem.h"
 #include "zelvar/opends/DSDataSourceWnd.h"
@@ -41,16 +41,48 @@
 
 #include <map>
 #include <set>
+#include <utility>
 
 namespace zelvar {
 namespace {
 
 using platform::GetDlgItem;
 
+/// Knows when a dialog has been painted and what it left for behind that is done.
+class FirstPaint : public QObject {
+public:
+    explicit FirstPaint(QWidget &widget) { widget.installEventFilter(this); }
+    [[nodiscard]] bool IsOver() const { return m_over; }
+
+protected:
+    bool eventFilter(QObject * /*watched*/, QEvent *event) override {
+        if (event->type() == QEvent::Paint && !std::exchange(m_begun, true))
+            Behind([this] { Behind([this] { m_over = true; }); }); // the widget itself comes between the two
+        return false;
+    }
+
+private:
+    template <class Act>
+    void Behind(Act act) {
+        QMetaObject::invokeMethod(this, std::move(act), Qt::QueuedConnection);
+    }
+    bool m_begun = false;
+    bool m_over = false;
+};
+
+/// Whether no driver is waited for any more to say what the files of a list are.
+bool IsClassified(DSListCtrl const &list) {
+    for (int row = 0; row < list.GetNumRow(); ++row)
+        if (auto const *item = dynamic_cast<NtwDataSourceItem const *>(list.ItemAt(row).get());
+            item != nullptr && item->IsUnclassified())
+            return false;
+    return true;
+}
+
 class OpenDialog : public testing::Test {
 protected:
     void SetUp() override {
-        SetDriverProvider(RegisterGdalDrivers);
+        test::UseRealDrivers();
         RegisterDriversOnce();
         platform::SetUserMessageHook([this](Report::Severity, DString const &text) {
             messages.push_back(text);
@@ -80,12 +112,15 @@ protected:
         dialog->SetInitDir(folder.Path().c_str());
         return dialog;
     }
-    /// Runs the dialog, does `act` once the main list has rows, and closes it if `act` did not.
+    /// Runs the dialog, does `act` once the main list has its rows, which the dialog lists again behind its first paint
+    /// where a driver took its time, and closes it if `act` did not.
     static int Run(DlgOpenDS &dialog, std::function<void()> const &act) {
         QTimer look;
+        FirstPaint const paint(dialog);
         bool done = false;
         QObject::connect(&look, &QTimer::timeout, &look, [&] {
-            if (done || dialog.MainList() == nullptr || dialog.MainList()->GetNumRow() == 0)
+            DSListCtrl const *const list = dialog.MainList();
+            if (done || !paint.IsOver() || list == nullptr || list->GetNumRow() == 0 || !IsClassified(*list))
                 return;
             done = true;
             look.stop();

@@ -1,8 +1,7 @@
 #pragma once
 
-#include "zelvar/data/DriverProvider.h"
+#include "support/RealDrivers.h"
 #include "zelvar/data/RDIDriverMngr.h"
-#include "zelvar/data/gdal/GdalDrivers.h"
 
 #include <vector>
 
@@ -12,7 +11,7 @@ namespace zelvar::test {
 class OpenedImage {
 public:
     explicit OpenedImage(DString const &moniker, DString const &driverId = {}, StopSignal const *stop = nullptr) {
-        SetDriverProvider(&RegisterGdalDrivers);
+        UseRealDrivers();
         RDIDriverMngr::Instance()->OpenFile({moniker, nullptr}, &driver, &handle, "", &error, driverId.c_str(), stop);
     }
     ~OpenedImage() {

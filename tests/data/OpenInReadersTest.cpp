@@ -1,0 +1,134 @@
+#include "support/ImageFiles.h"
+#include "support/RealDrivers.h"
+#include "support/TestFiles.h"
+#include "zelvar/data/BDIDrvrMngr.h"
+#include "zelvar/data/RDIDriverMngr.h"
+#include "zelvar/data/reader/DriverModule.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <thread>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+
+namespace zelvar {
+namespace {
+
+/// Images that a single reader holds open; there are none where drivers work in this process.
+class OpenInReaders : public testing::Test {
+protected:
+    OpenInReaders() { Forget(); }
+    ~OpenInReaders() override {
+        unsetenv("HDF5_USE_FILE_LOCKING");
+        Forget();
+    }
+    static void Forget() {
+        BDIDrvrMngr::Instance()->Reset();
+        RDIDriverMngr::Instance()->Reset();
+    }
+    static void UseOneReader() {
+        ReaderSettings settings = test::PatientReaders();
+        settings.imageReaders = 1;
+        settings.modules.emplace_back(ZELVAR_HOSTILE);
+        test::UseReaders(settings);
+    }
+    struct Close {
+        RDIDriver *driver = nullptr;
+        void operator()(void *handle) const { driver->CloseFile(handle, true); }
+    };
+    using Handle = std::unique_ptr<void, Close>;
+    static Handle Open(DString const &path) {
+        RDIDriver *driver = nullptr;
+        void *handle = nullptr;
+        RDIDriverMngr::Instance()->OpenFile({path, nullptr}, &driver, &handle, "", nullptr, "");
+        return {handle, Close{driver}};
+    }
+    DString WriteLockable() {
+        DString path = m_folder / "v.nc";
+        test::WriteNetCdf(path, 1);
+        return path;
+    }
+    /// Whether a program that wants the file for itself gets it.
+    static bool IsFree(DString const &path) {
+        int const file = open(path.c_str(), O_RDWR | O_CLOEXEC);
+        bool const free = flock(file, LOCK_EX | LOCK_NB) == 0;
+        close(file);
+        return free;
+    }
+    test::TempFolder m_folder;
+};
+
+/// A file whose opening holds the reader until the end of this.
+class HoldingFile {
+public:
+    explicit HoldingFile(DString path) : m_path(std::move(path)) { EXPECT_EQ(mkfifo(m_path.c_str(), 0600), 0); }
+    ~HoldingFile() { Release(); }
+    HoldingFile(HoldingFile const &) = delete;
+    HoldingFile &operator=(HoldingFile const &) = delete;
+    /// Waits until the reader reads it.
+    void Await() { m_end = open(m_path.c_str(), O_WRONLY | O_CLOEXEC); }
+    /// From now on a file like another.
+    void Release() {
+        if (m_end < 0)
+            return;
+        test::TempFolder const folder;
+        EXPECT_EQ(rename(folder.Write("plain", "width 8\n").c_str(), m_path.c_str()), 0);
+        close(std::exchange(m_end, -1));
+    }
+
+private:
+    DString m_path;
+    int m_end = -1;
+};
+
+TEST_F(OpenInReaders, AnImageIsNotLockedAgainstTheProgramThatWritesIt) {
+    UseOneReader();
+    DString const path = WriteLockable();
+    Handle const image = Open(path);
+    ASSERT_NE(image, nullptr);
+    EXPECT_TRUE(IsFree(path));
+}
+
+TEST_F(OpenInReaders, AClosedImageIsLetGoEvenByABusyReader) {
+    setenv("HDF5_USE_FILE_LOCKING", "TRUE", 1); // so that it shows who has the file open
+    UseOneReader();
+    DString const path = WriteLockable();
+    Handle image = Open(path);
+    ASSERT_NE(image, nullptr);
+    ASSERT_FALSE(IsFree(path));
+
+    HoldingFile other(m_folder / "a.hostile");
+    std::thread worker([&] { EXPECT_NE(Open(m_folder / "a.hostile"), nullptr); });
+    other.Await();
+    image.reset();
+    EXPECT_FALSE(IsFree(path));
+    other.Release();
+    worker.join();
+    auto const deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    while (!IsFree(path) && std::chrono::steady_clock::now() < deadline)
+        std::this_thread::yield();
+    EXPECT_TRUE(IsFree(path));
+}
+
+TEST_F(OpenInReaders, AReaderThatIsEndedWithAllOthersIsNoFaultOfItsFile) {
+    UseOneReader();
+    DString const path = m_folder / "a.hostile";
+    HoldingFile file(path);
+    ReaderCounts const before = CountReaders();
+    std::thread worker([&] { EXPECT_EQ(Open(path), nullptr); });
+    file.Await();
+    EndReaders();
+    worker.join();
+    EXPECT_EQ(ReaderFailureOf(path), "");
+    EXPECT_EQ(CountReaders().crashed, before.crashed);
+    EXPECT_EQ(CountReaders().killed, before.killed);
+    file.Release();
+    EXPECT_NE(Open(path), nullptr);
+}
+
+} // namespace
+} // namespace zelvar
