@@ -50,6 +50,11 @@ void PrintJson(ListedItem const &item, bool first) {
                 JsonText(item.path).c_str());
 }
 
+int NotListed(DString const &word, DString const &path) {
+    DString const reason = ReaderFailureOf(path);
+    return Failure(reason.empty() ? "cannot access '" + word + "'" : "cannot read '" + word + "': " + reason);
+}
+
 } // namespace
 
 int RunLs(std::vector<DString> const &words) {
@@ -70,22 +75,24 @@ int RunLs(std::vector<DString> const &words) {
     UseReaderDrivers(settings);
     RefItemPtr<DataSourceItem> const place = ItemFromPlace(arguments->words.front());
     if (place == nullptr)
-        return Failure("cannot access '" + arguments->words.front() + "'");
+        return NotListed(arguments->words.front(), arguments->words.front());
     std::vector<ListedItem> const items = ListItems(place, {.foldersOnly = arguments->Has("--folders"),
                                                             .recursive = arguments->Has("--recursive"),
                                                             .filter = arguments->Value("--filter"),
                                                             .sort = sort->second,
                                                             .descending = arguments->Has("--descending")});
+    if (items.empty() && !ReaderFailureOf(place->GetPath()).empty())
+        return NotListed(arguments->words.front(), place->GetPath());
     if (arguments->Has("--json")) {
         std::fputs("[", stdout);
         for (std::size_t i = 0; i < items.size(); ++i)
             PrintJson(items[i], i == 0);
         std::puts("\n]");
-        return kDone;
+    } else {
+        for (ListedItem const &item : items)
+            PrintLine(item);
     }
-    for (ListedItem const &item : items)
-        PrintLine(item);
-    return kDone;
+    return items.empty() ? kNothing : kDone;
 }
 
 } // namespace zelvar::tool

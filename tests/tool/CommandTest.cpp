@@ -112,12 +112,22 @@ TEST_F(Command, WhatLsPrintsOfAContainerIsAPlaceForTheOthers) {
     }
 }
 
-TEST_F(Command, LsOfAnEmptyFolderIsNoFailureAndItsJsonIsAnEmptyList) {
-    test::TempFolder const empty;
-    Outcome const ls = Zelvar({"ls", empty.Path()});
-    EXPECT_EQ(ls.out + ls.err, "");
-    EXPECT_EQ(ls.exitCode, 0);
-    EXPECT_EQ(Zelvar({"ls", empty.Path(), "--json"}).out, "[\n]\n");
+TEST_F(Command, LsThatFindsNothingSaysSoByItsExitCodeAlone) {
+    std::vector<std::vector<std::string>> const cases = {
+        {"ls", folder / "sub"},
+        {"ls", folder / "notes.txt"},
+        {"ls", folder / "sub", "--recursive", "--filter", "*.tif"},
+        {"ls", folder / "sub", "--folders"},
+    };
+    for (std::vector<std::string> const &words : cases) {
+        Outcome const ls = Zelvar(words);
+        EXPECT_EQ(ls.out + ls.err, "") << testing::PrintToString(words);
+        EXPECT_EQ(ls.exitCode, 1) << testing::PrintToString(words);
+    }
+    Outcome const json = Zelvar({"ls", folder / "sub", "--json"});
+    EXPECT_EQ(json.out, "[\n]\n");
+    EXPECT_EQ(json.exitCode, 1);
+    EXPECT_EQ(Zelvar({"ls", folder.Path(), "--json"}).exitCode, 0);
 }
 
 TEST_F(Command, NamesWithAnyBytesStayOnOneLineAndJsonStaysValid) {

@@ -1,3 +1,4 @@
+#include "support/HttpServer.h"
 #include "support/SilentMount.h"
 
 #include <gmock/gmock.h>
@@ -7,6 +8,8 @@
 #include <csignal>
 #include <filesystem>
 #include <fstream>
+#include <thread>
+#include <utility>
 #include <vector>
 
 #include <fcntl.h>
@@ -27,41 +30,72 @@ std::vector<pid_t> ChildrenOf(pid_t process) {
     return children;
 }
 
+/// The command at work on a place.
+class RunningCommand {
+public:
+    RunningCommand(std::string subcommand, std::string place) {
+        std::array<int, 2> ends{};
+        EXPECT_EQ(pipe2(ends.data(), O_CLOEXEC), 0);
+        posix_spawn_file_actions_t files;
+        posix_spawn_file_actions_init(&files);
+        posix_spawn_file_actions_adddup2(&files, ends[1], STDERR_FILENO);
+        std::string command = ZELVAR_COMMAND;
+        std::array<char *, 4> words{command.data(), subcommand.data(), place.data(), nullptr};
+        EXPECT_EQ(posix_spawn(&m_process, command.c_str(), &files, nullptr, words.data(), environ), 0);
+        posix_spawn_file_actions_destroy(&files);
+        close(ends[1]);
+        m_errors = ends[0];
+    }
+    void KillReaders() const {
+        for (pid_t const reader : ChildrenOf(m_process))
+            kill(reader, SIGKILL);
+    }
+    /// Waits for its end; its code and what it told as an error.
+    std::pair<int, std::string> End() {
+        std::string told;
+        std::array<char, 4096> bytes{};
+        for (ssize_t got = 0; (got = read(m_errors, bytes.data(), bytes.size())) > 0;)
+            told.append(bytes.data(), static_cast<std::size_t>(got));
+        close(m_errors);
+        int status = 0;
+        EXPECT_EQ(waitpid(m_process, &status, 0), m_process);
+        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, told};
+    }
+
+private:
+    pid_t m_process = -1;
+    int m_errors = -1;
+};
+
+std::pair<int, std::string> FailureAt(std::string const &place) {
+    return {3, "zelvar: cannot read '" + place + "': its reader was ended by signal 9 (Killed)\n"};
+}
+
 TEST(LostReader, InfoTellsInOneLineThatAFileHasEndedItsReader) {
     test::SilentMount mount("image.tif");
     if (!mount.IsMounted()) {
         EXPECT_NE(getuid(), 0U) << "the superuser can mount";
         return;
     }
-    std::array<int, 2> pipeEnds{};
-    ASSERT_EQ(pipe2(pipeEnds.data(), O_CLOEXEC), 0);
-    posix_spawn_file_actions_t files;
-    posix_spawn_file_actions_init(&files);
-    posix_spawn_file_actions_adddup2(&files, pipeEnds[1], STDERR_FILENO);
-    std::string command = ZELVAR_COMMAND;
-    std::string word = "info";
-    std::string file = mount.File();
-    std::array<char *, 4> words{command.data(), word.data(), file.data(), nullptr};
-    pid_t process = -1;
-    ASSERT_EQ(posix_spawn(&process, command.c_str(), &files, nullptr, words.data(), environ), 0);
-    posix_spawn_file_actions_destroy(&files);
-    close(pipeEnds[1]);
-
+    RunningCommand info("info", mount.File());
     while (!mount.IsSomebodyHeld())
         std::this_thread::yield();
-    for (pid_t const reader : ChildrenOf(process))
-        kill(reader, SIGKILL);
+    info.KillReaders();
     mount.Answer();
+    EXPECT_EQ(info.End(), FailureAt(mount.File()));
+}
 
-    std::string told;
-    std::array<char, 4096> bytes{};
-    for (ssize_t got = 0; (got = read(pipeEnds[0], bytes.data(), bytes.size())) > 0;)
-        told.append(bytes.data(), static_cast<std::size_t>(got));
-    close(pipeEnds[0]);
-    int status = 0;
-    ASSERT_EQ(waitpid(process, &status, 0), process);
-    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 3) << status;
-    EXPECT_EQ(told, "zelvar: cannot read '" + file + "': its reader was ended by signal 9 (Killed)\n");
+TEST(LostReader, LsAndInfoTellThatAnAddressHasEndedItsReader) {
+    for (char const *subcommand : {"ls", "info"}) {
+        test::HttpServer server;
+        server.Hang();
+        std::string const place = server.Url() + "/a.tif";
+        RunningCommand command(subcommand, place);
+        while (server.Connections() == 0)
+            std::this_thread::yield();
+        command.KillReaders();
+        EXPECT_EQ(command.End(), FailureAt(place)) << subcommand;
+    }
 }
 
 } // namespace
