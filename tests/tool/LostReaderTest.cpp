@@ -51,7 +51,7 @@ public:
             kill(reader, SIGKILL);
     }
     /// Waits for its end; its code and what it told as an error.
-    std::pair<int, std::string> End() {
+    [[nodiscard]] std::pair<int, std::string> End() const {
         std::string told;
         std::array<char, 4096> bytes{};
         for (ssize_t got = 0; (got = read(m_errors, bytes.data(), bytes.size())) > 0;)

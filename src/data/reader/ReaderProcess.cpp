@@ -70,6 +70,7 @@ public:
     /// 0 or the number of the error.
     int Run(std::vector<DString> &words, pid_t &pid) const {
         std::vector<char *> arguments;
+        arguments.reserve(words.size() + 1);
         for (DString &word : words)
             arguments.push_back(word.data());
         arguments.push_back(nullptr);
