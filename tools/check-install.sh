@@ -13,7 +13,22 @@ set(CMAKE_CXX_STANDARD 20)
 find_package(Zelvar REQUIRED)
 add_executable(app main.cpp)
 target_link_libraries(app PRIVATE Zelvar::zelvar)
+add_executable(own main-own.cpp)
+target_link_libraries(own PRIVATE Zelvar::zelvar-core)
 CMAKE
+cat >"$scratch/main-own.cpp" <<'CPP'
+// Reads an image in its own process.
+#include "zelvar/data/ImageReader.h"
+#include "zelvar/data/reader/DriverModule.h"
+int main(int, char **words) {
+    zelvar::UseOwnProcessDrivers();
+    zelvar::ImageInfo info;
+    return zelvar::ReadImageInfo({words[1], nullptr}, "", nullptr, info) && info.width > 0 &&
+                   zelvar::CountReaders().started == 0
+               ? 0
+               : 1;
+}
+CPP
 cmake -S "$scratch" -B "$scratch/build" -DCMAKE_PREFIX_PATH="$scratch/usr" >/dev/null
 cmake --build "$scratch/build" >/dev/null
 flags=$(PKG_CONFIG_PATH=$(dirname "$(find "$scratch/usr" -name zelvar.pc)") pkg-config --define-prefix --cflags --libs zelvar)
@@ -23,4 +38,5 @@ ZELVAR_SETTINGS=$scratch/settings.db HOME=$scratch/home "$scratch/usr/bin/zelvar
 # What is read is read by the installed reader, with the installed drivers.
 ZELVAR_SETTINGS=$scratch/settings.db HOME=$scratch/home "$scratch/usr/bin/zelvar" info "$source/docs/open-dialog.png" |
   grep -q '^Driver	Portable Network Graphics' || { echo "the installed command reads no image"; exit 1; }
+"$scratch/build/own" "$source/docs/open-dialog.png" || { echo "no image is read in the own process"; exit 1; }
 echo "installed, found and linked"

@@ -28,6 +28,7 @@ void ZelvarShutdown() {
     if (!g_started)
         return;
     g_started = false;
+    EndReaders();
     platform::RemoveUserMessages();
 }
 

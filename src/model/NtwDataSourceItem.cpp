@@ -2,6 +2,7 @@
 
 #include "zelvar/base/PathStyle.h"
 #include "zelvar/data/BDIDrvrMngr.h"
+#include "zelvar/data/PlaceCheck.h"
 #include "zelvar/data/RDIDriver.h"
 #include "zelvar/data/RequestScope.h"
 #include "zelvar/model/NtwDataSourceItemItr.h"
@@ -86,7 +87,7 @@ NtwDataSourceItem *NtwDataSourceItem::CreateItem(ShellId const &id, RefItemPtr<D
 
 NtwDataSourceItem *NtwDataSourceItem::CreateItem(char const *path, RefItemPtr<DataSourceItem> parent,
                                                  char const *driverId) {
-    if (path == nullptr)
+    if (path == nullptr || !DoesPlaceAnswer(path))
         return nullptr;
     ShellId const id = ShellNamespace::Current().Parse(path);
     return id.IsNull() ? nullptr : CreateItem(id, std::move(parent), driverId);

@@ -29,7 +29,7 @@ public:
     /// to one driver.
     static NtwDataSourceItem *CreateItem(platform::ShellId const &id, RefItemPtr<DataSourceItem> parent,
                                          char const *driverId);
-    /// The same for a path or `smb://` address; null if nothing is there.
+    /// The same for a path or `smb://` address; null if nothing is there, or if its place does not answer.
     static NtwDataSourceItem *CreateItem(char const *path, RefItemPtr<DataSourceItem> parent, char const *driverId);
 
     NtwDataSourceItem(NtwDataSourceItem const &) = delete;

@@ -2,6 +2,7 @@
 
 #include "zelvar/base/PathStyle.h"
 #include "zelvar/data/BDIDrvrMngr.h"
+#include "zelvar/data/PlaceCheck.h"
 #include "zelvar/data/ProbeAhead.h"
 #include "zelvar/model/NtwDataSourceItem.h"
 #include "zelvar/model/SystemImages.h"
@@ -49,6 +50,10 @@ std::vector<DString> FilesToProbe(ShellNamespace const &shell, std::vector<Shell
 void NtwDataSourceItemItr::Fill(platform::ShellId const &folder, DataSourceItem::ICancel *cancel,
                                 RefItemPtr<DataSourceItem> const &parent, char const *filter, char const *driverId) {
     ShellNamespace const &shell = ShellNamespace::Current();
+    if (!DoesPlaceAnswer(shell.Path(folder))) {
+        CreateCursor();
+        return;
+    }
     std::string_view const mask = filter == nullptr ? std::string_view() : filter;
     bool const filtering = IsInForce(mask);
     IconLookup icons(shell);

@@ -41,9 +41,11 @@ public:
     SilentMount(SilentMount const &) = delete;
     SilentMount &operator=(SilentMount const &) = delete;
 
+    /// From now on names are not looked up either.
+    void FallSilent() { m_isSilent = true; }
     [[nodiscard]] bool IsMounted() const { return m_mounted; }
     [[nodiscard]] std::string File() const { return m_point + "/" + m_name; }
-    /// Whether somebody is held in a read.
+    /// Whether somebody is held.
     [[nodiscard]] bool IsSomebodyHeld() const { return m_heldRead != 0; }
     /// Lets go of who is held: the read fails.
     void Answer() {
@@ -85,6 +87,11 @@ private:
         }
     }
     void Handle(fuse_in_header const &head, char const *body) {
+        bool const isQuestion = head.opcode == FUSE_LOOKUP || head.opcode == FUSE_GETATTR;
+        if (isQuestion && m_isSilent) {
+            m_heldRead = head.unique;
+            return;
+        }
         switch (head.opcode) {
         case FUSE_INIT: {
             fuse_init_out answer{};
@@ -136,6 +143,7 @@ private:
     std::string m_point;
     int m_device;
     bool m_mounted = false;
+    std::atomic<bool> m_isSilent{false};
     std::atomic<std::uint64_t> m_heldRead{0};
     std::thread m_server;
 };

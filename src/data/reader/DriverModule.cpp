@@ -4,8 +4,10 @@
 #include "zelvar/base/Report.h"
 #include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/data/DriverProvider.h"
+#include "zelvar/data/PlaceCheck.h"
 #include "zelvar/data/ProbeAhead.h"
 #include "zelvar/data/RDIDriverMngr.h"
+#include "zelvar/data/reader/Places.h"
 #include "zelvar/data/reader/Readers.h"
 #include "zelvar/data/reader/RemoteRasterDriver.h"
 #include "zelvar/data/reader/RemoteTreeDriver.h"
@@ -61,12 +63,14 @@ void UseReaderDrivers(ReaderSettings const &settings) {
     g_readersAreUsed = true;
     SetDriverProvider(AddRemoteDrivers, true);
     ProbeAhead::SetHandlers(&TreeProbes::AskAhead, &TreeProbes::ForgetAhead);
+    SetPlaceCheck(&AsksPlaceInReader);
 }
 
 void UseOwnProcessDrivers() {
     g_readersAreUsed = false;
     SetDriverProvider(LoadModule);
     ProbeAhead::SetHandlers(nullptr, nullptr);
+    SetPlaceCheck(nullptr);
 }
 
 void WarmReaders() {

@@ -1,6 +1,7 @@
 #include "zelvar/data/reader/Readers.h"
 
 #include "zelvar/base/Report.h"
+#include "zelvar/data/reader/Places.h"
 
 #include <algorithm>
 #include <utility>

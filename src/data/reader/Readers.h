@@ -96,8 +96,4 @@ private:
     std::atomic<std::uint64_t> m_lastNumber{0};
 };
 
-/// Where a moniker lies, told by its text and the kernel's table of mounts alone: the mount point, or the server of an
-/// address.
-[[nodiscard]] DString PlaceOfMoniker(DString const &moniker);
-
 } // namespace zelvar

@@ -142,6 +142,12 @@ std::optional<MountEntry> ParseMountLine(std::string_view line) {
                       .source = Unescaped(source)};
 }
 
+bool MayBlock(MountEntry const &mount) {
+    if (IsOneOf(mount.type, kNetworkTypes))
+        return true;
+    return (mount.type.starts_with("fuse") || mount.type == "autofs") && !IsOneOf(mount.type, kFuseDiscTypes);
+}
+
 std::vector<Drive> ListDrives(DString const &procRoot, DString const &sysRoot) {
     std::vector<MountEntry> mounts;
     std::ifstream table(procRoot + "/self/mountinfo");

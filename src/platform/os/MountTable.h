@@ -28,6 +28,9 @@ struct MountEntry {
 /// Reads a line of "mountinfo"; nothing if it is not one. The octal escapes of the kernel are undone.
 [[nodiscard]] std::optional<MountEntry> ParseMountLine(std::string_view line);
 
+/// Whether who touches it may be held in the kernel: a file system of a network, or one that another process serves.
+[[nodiscard]] bool MayBlock(MountEntry const &mount);
+
 /// The drives that the kernel's tables name, the file system's root first. Reads the tables alone: a mount point is
 /// never touched, since a dead one would block for minutes.
 ///

@@ -2,7 +2,9 @@
 #include "support/SilentMount.h"
 #include "zelvar/base/DString.h"
 #include "zelvar/data/ImageReader.h"
+#include "zelvar/data/PlaceCheck.h"
 #include "zelvar/data/RequestScope.h"
+#include "zelvar/model/NtwDataSourceItem.h"
 #include "zelvar/reader/Sanitizers.h"
 
 #include <gmock/gmock.h>
@@ -244,6 +246,27 @@ TEST_F(ReaderEndings, AReaderHeldByTheKernelIsLeftBehindAndItsPlaceGetsNoWork) {
         std::this_thread::yield();
     EXPECT_EQ(CountReaders().leftBehind, 0);
     EXPECT_EQ(CountZombies(), 0);
+}
+
+TEST_F(ReaderEndings, APlaceThatDoesNotAnswerIsFoundOutByAReader) {
+    test::SilentMount mount("image.hostile");
+    if (!mount.IsMounted()) {
+        EXPECT_NE(getuid(), 0U) << "the superuser can mount";
+        return;
+    }
+    ASSERT_TRUE(Image(Write("warm", "")));
+    EXPECT_TRUE(DoesPlaceAnswer(Write("here", "")));
+    mount.FallSilent();
+    auto const begin = Clock::now();
+    EXPECT_FALSE(DoesPlaceAnswer(mount.File()));
+    EXPECT_EQ(RefItemPtr<NtwDataSourceItem>(NtwDataSourceItem::CreateItem(mount.File().c_str(), nullptr, nullptr)),
+              nullptr);
+    EXPECT_LT(MillisecondsSince(begin), 20'000);
+    EXPECT_EQ(CountReaders().leftBehind, 1) << "who asked again was told at once";
+    mount.Answer();
+    while (CountReaders().leftBehind > 0 && MillisecondsSince(begin) < 40'000)
+        std::this_thread::yield();
+    EXPECT_EQ(CountReaders().leftBehind, 0);
 }
 
 } // namespace

@@ -1,0 +1,99 @@
+#include "zelvar/data/reader/Places.h"
+
+#include "zelvar/base/PathStyle.h"
+#include "zelvar/base/Report.h"
+#include "zelvar/data/BDIMoniker.h"
+#include "zelvar/data/DriverProvider.h"
+#include "zelvar/data/reader/Readers.h"
+#include "zelvar/platform/os/MountTable.h"
+
+#include <chrono>
+#include <fstream>
+#include <map>
+#include <mutex>
+#include <utility>
+
+namespace zelvar {
+
+namespace {
+
+DString ServerOf(DString const &url) {
+    std::size_t const begin = url.find("://");
+    return begin == DString::npos ? url : url.substr(0, url.find('/', begin + 3));
+}
+
+struct Mount {
+    DString point = "/";
+    bool mayBlock = false;
+};
+
+/// The deepest mount above a path.
+Mount MountOf(std::string_view path) {
+    Mount deepest;
+    std::ifstream table("/proc/self/mountinfo");
+    for (DString line; std::getline(table, line);) {
+        auto const entry = platform::ParseMountLine(line);
+        if (!entry || entry->mountPoint.size() <= deepest.point.size() || !path.starts_with(entry->mountPoint))
+            continue;
+        if (path.size() == entry->mountPoint.size() || path[entry->mountPoint.size()] == '/')
+            deepest = {entry->mountPoint, platform::MayBlock(*entry)};
+    }
+    return deepest;
+}
+
+/// Mount points that have answered lately.
+class Answered {
+public:
+    bool Lately(DString const &point) {
+        std::lock_guard const lock(m_mutex);
+        auto const at = m_points.find(point);
+        return at != m_points.end() && Clock::now() < at->second;
+    }
+    void Note(DString const &point) {
+        std::lock_guard const lock(m_mutex);
+        m_points[point] = Clock::now() + kHolds;
+    }
+    static Answered &Instance() {
+        static auto &answered = *new Answered;
+        return answered;
+    }
+
+private:
+    using Clock = std::chrono::steady_clock;
+    static constexpr std::chrono::seconds kHolds{2};
+    std::mutex m_mutex;
+    std::map<DString, Clock::time_point> m_points;
+};
+
+constexpr std::chrono::milliseconds kAnswerTime{500};
+
+} // namespace
+
+DString PlaceOfMoniker(DString const &moniker) {
+    if (BDIMoniker(moniker, nullptr).IsUrl())
+        return ServerOf(moniker);
+    std::size_t const slash = moniker.find('/'); // behind what a driver puts before a path
+    return slash == DString::npos ? moniker : MountOf(std::string_view(moniker).substr(slash)).point;
+}
+
+bool AsksPlaceInReader(DString const &path) {
+    if (!path.starts_with('/'))
+        return true;
+    Mount const mount = MountOf(path);
+    if (!mount.mayBlock || Answered::Instance().Lately(mount.point))
+        return true;
+    // The drivers come first: they have time of their own.
+    EnsureDrivers();
+    RequestScope const scope(RequestKind::Probe, {}, kAnswerTime);
+    wire::StampFileT body;
+    body.path = path;
+    Readers::Call const call{.kind = RequestKind::Probe, .what = "place", .subject = path};
+    if (Readers::Instance().Ask(call, std::move(body)).message == nullptr) {
+        Report::TraceMessage(Report::kTraceOpen, "\"%s\" does not answer", mount.point.c_str());
+        return false;
+    }
+    Answered::Instance().Note(mount.point);
+    return true;
+}
+
+} // namespace zelvar
