@@ -5,6 +5,7 @@ cd "$(dirname "$0")/.." || exit
 command -v clang-tidy >/dev/null || tools/setup.sh clang-tidy
 # A configuration of its own: the compiler's precompiled header means nothing to clang.
 cmake --preset dev -B build/tidy -DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON >/dev/null || exit 2
+cmake --build build/tidy --target zelvar_wire_messages >/dev/null || exit 2 # headers that are made
 base=${TIDY_BASE:-$(git merge-base HEAD origin/main 2>/dev/null || git rev-list --max-parents=0 HEAD | tail -1)}
 if [ $# -gt 0 ]; then files=$(printf '%s\n' "$@")
 elif [ -n "${TIDY_ALL:-}" ]; then files=$(git ls-files '*.cpp')

@@ -71,6 +71,7 @@ Pair CompareWays(int rounds, int calls, std::function<void()> const &work) {
             Use(way);
             work(); // whatever the first one has to load
             std::vector<double> times;
+            times.reserve(static_cast<std::size_t>(calls));
             for (int call = 0; call < calls; ++call)
                 times.push_back(MsOf(work));
             (way == Way::Reader ? reader : own).push_back(Median(times));

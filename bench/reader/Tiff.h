@@ -24,7 +24,7 @@ public:
         std::vector<char> row(std::size_t{width} * bands);
         for (std::uint32_t y = 0; y < height; ++y) {
             for (std::size_t x = 0; x < row.size(); ++x)
-                row[x] = static_cast<char>((x * 7 + y * 3) ^ (x * y >> 5U));
+                row[x] = static_cast<char>((x * 7 + y * std::size_t{3}) ^ (x * y >> 5U));
             m_file.write(row.data(), static_cast<std::streamsize>(row.size()));
         }
         if (m_file.tellp() % 2 != 0)

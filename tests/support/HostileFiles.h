@@ -13,6 +13,10 @@ namespace zelvar::test {
 
 /// Tests whose drivers live in real readers and do what their files say: see HostileDriver.cpp.
 class HostileFiles : public testing::Test {
+public:
+    HostileFiles(HostileFiles const &) = delete;
+    HostileFiles &operator=(HostileFiles const &) = delete;
+
 protected:
     HostileFiles() { Use({}); }
     ~HostileFiles() override {
@@ -21,9 +25,6 @@ protected:
         RDIDriverMngr::Instance()->Reset();
         UseReaderDrivers();
     }
-    HostileFiles(HostileFiles const &) = delete;
-    HostileFiles &operator=(HostileFiles const &) = delete;
-
     static void Use(ReaderSettings settings) {
         EndReaders();
         BDIDrvrMngr::Instance()->Reset();

@@ -204,7 +204,7 @@ Readers::Outcome Readers::GiveUp(ReaderPool::Loan const &loan, Terms const &term
     milliseconds const grace = hasty ? kHastyGrace : kGrace;
     wire::StopT stop;
     stop.number = number;
-    Send(loan, wire::PackRequest(0, 0, std::move(stop)), -1);
+    Send(loan, wire::PackRequest(0, 0, stop), -1);
     Result const result = Receive(loan, Clock::now() + grace, number, answer);
     if (result != Result::Done)
         return {result == Result::Late ? why : Ending::Crashed, false};

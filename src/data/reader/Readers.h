@@ -80,11 +80,13 @@ private:
         bool inStep = false; ///< the reader has no request under way any more
     };
     [[nodiscard]] ReaderPool::Loan Borrow(Call const &call, Terms const &terms);
-    bool IsInStep(ReaderPool::Loan const &loan);
+    [[nodiscard]] static bool IsInStep(ReaderPool::Loan const &loan);
     Outcome Wait(ReaderPool::Loan const &loan, Terms const &terms, std::uint64_t number, Answer &answer);
-    Outcome GiveUp(ReaderPool::Loan const &loan, Terms const &terms, std::uint64_t number, Answer &answer, Ending why);
-    wire::MessageChannel::Result Receive(ReaderPool::Loan const &loan, wire::MessageChannel::Clock::time_point deadline,
-                                         std::uint64_t number, Answer &answer);
+    static Outcome GiveUp(ReaderPool::Loan const &loan, Terms const &terms, std::uint64_t number, Answer &answer,
+                          Ending why);
+    static wire::MessageChannel::Result Receive(ReaderPool::Loan const &loan,
+                                                wire::MessageChannel::Clock::time_point deadline, std::uint64_t number,
+                                                Answer &answer);
     /// Ends a reader that is not in step, and remembers what is to be remembered. The reason, in words.
     DString Conclude(ReaderPool::Loan const &loan, Call const &call, Terms const &terms, std::uint64_t number,
                      Outcome outcome);

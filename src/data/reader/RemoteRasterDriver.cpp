@@ -101,7 +101,7 @@ void *RemoteRasterDriver::Open(BDIMoniker const &moniker, RDIDriver **opener, St
     Readers::Answer const answer = AskAbout(*image, "image", RequestKind::Properties, wire::OpenImageT());
     DString reason = answer.reason;
     if (answer.message != nullptr) {
-        if (wire::ImageOpenedT *const opened = BodyOf<wire::ImageOpenedT>(answer.message.get())) {
+        if (auto *const opened = BodyOf<wire::ImageOpenedT>(answer.message.get())) {
             image->facts = std::move(*opened);
             RDIDriver *const named = RDIDriverMngr::Instance()->GetDriver(image->facts.driver.c_str());
             *opener = dynamic_cast<RemoteRasterDriver *>(named) != nullptr ? named : this;
@@ -132,7 +132,7 @@ void RemoteRasterDriver::CloseFile(void *handle, bool) {
         return;
     wire::CloseImageT body;
     body.id = Of(handle).spec.id;
-    Readers::Instance().Tell(Of(handle).reader, std::move(body));
+    Readers::Instance().Tell(Of(handle).reader, body);
     delete &Of(handle);
 }
 

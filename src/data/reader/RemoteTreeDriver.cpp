@@ -36,7 +36,7 @@ std::unique_ptr<Wanted> AskAbout(Repository &repository, char const *what, Body 
     if (answer.message == nullptr)
         return nullptr;
     repository.reader = answer.reader;
-    Wanted *const told = BodyOf<Wanted>(answer.message.get());
+    auto *const told = BodyOf<Wanted>(answer.message.get());
     return told == nullptr ? nullptr : std::make_unique<Wanted>(std::move(*told));
 }
 
@@ -82,7 +82,7 @@ void RemoteTreeDriver::CloseRepository(void *repository) {
         return;
     wire::CloseTreeT body;
     body.id = Of(repository).spec.id;
-    Readers::Instance().Tell(Of(repository).reader, std::move(body));
+    Readers::Instance().Tell(Of(repository).reader, body);
     delete &Of(repository);
 }
 
