@@ -81,7 +81,7 @@ private:
     };
     [[nodiscard]] ReaderPool::Loan Borrow(Call const &call, Terms const &terms);
     [[nodiscard]] static bool IsInStep(ReaderPool::Loan const &loan);
-    Outcome Wait(ReaderPool::Loan const &loan, Terms const &terms, std::uint64_t number, Answer &answer);
+    static Outcome Wait(ReaderPool::Loan const &loan, Terms const &terms, std::uint64_t number, Answer &answer);
     static Outcome GiveUp(ReaderPool::Loan const &loan, Terms const &terms, std::uint64_t number, Answer &answer,
                           Ending why);
     static wire::MessageChannel::Result Receive(ReaderPool::Loan const &loan,
