@@ -25,7 +25,7 @@ bool Mixes(RDIDriver::Resampling resampling) {
 template <class Sample>
 void ZeroNodata(Sample *samples, std::size_t count, double nodata) {
     if constexpr (std::is_floating_point_v<Sample>) {
-        constexpr double kMost = std::numeric_limits<Sample>::max();
+        constexpr auto kMost = static_cast<double>(std::numeric_limits<Sample>::max());
         auto const none = static_cast<Sample>(std::isnan(nodata) ? nodata : std::clamp(nodata, -kMost, kMost));
         std::replace_if(
             samples, samples + count, [none](Sample sample) { return !std::isfinite(sample) || sample == none; },

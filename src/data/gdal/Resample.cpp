@@ -151,7 +151,7 @@ void ResampleSome(Plane<Sample> const &plane, Validity<Sample> const &validity, 
             }
             Sample const nearest = nearestRow[column.nearest];
             // With little weight left, the lobes below zero would blow the result up.
-            constexpr Real kLeast = 0.3F;
+            constexpr auto kLeast = static_cast<Real>(0.3F);
             *out++ = !validity.IsValid(nearest) ? Sample{0} : total < kLeast ? nearest : ToSample<Sample>(sum / total);
         }
     }

@@ -54,7 +54,7 @@ std::shared_ptr<std::vector<Entry> const> ReadFolder(DString const &folder) {
     while (dirent const *entry = readdir(directory.get())) {
         if (entries->size() >= kMostEntries)
             return nullptr;
-        mode_t mode = DTTOIF(entry->d_type);
+        auto mode = static_cast<mode_t>(DTTOIF(entry->d_type));
         if (entry->d_type == DT_UNKNOWN || entry->d_type == DT_LNK) {
             struct stat info {};
             if (fstatat(dirfd(directory.get()), entry->d_name, &info, 0) != 0)
