@@ -10,6 +10,7 @@
 #include "zelvar/tool/FirstPaint.h"
 
 #include <QtCore/QTimer>
+#include <QtGui/QFontInfo>
 #include <QtWidgets/QApplication>
 
 #include <cstdio>
@@ -89,6 +90,15 @@ RefItemPtr<DataSourceItem> FolderOf(RefItemPtr<DataSourceItem> const &item) {
     return item->IsFolder() || parent == nullptr ? item : parent;
 }
 
+/// Where few fonts are installed the toolkit's first choice can be one of fixed pitch.
+void AvoidTypewriter() {
+    QFont font = QApplication::font();
+    if (!QFontInfo(font).fixedPitch())
+        return;
+    font.setFamilies({"Liberation Sans", "Arial", "Helvetica"});
+    QApplication::setFont(font);
+}
+
 } // namespace
 
 int RunOpen(std::vector<DString> const &words, int &argc, char **argv) {
@@ -107,6 +117,7 @@ int RunOpen(std::vector<DString> const &words, int &argc, char **argv) {
 
     bool const attended = ChoosePlatform();
     QApplication const application(argc, argv);
+    AvoidTypewriter();
     ZelvarInit();
     if (!attended || arguments->Has("--accept"))
         SpeakOnStderr();
