@@ -7,8 +7,8 @@
 
 namespace zelvar::reader {
 
-/// The trees that are open in this reader. A tree that is not is opened by its specification: the application need not
-/// know which reader holds it.
+/// The trees that are open in this reader. One that is not is opened by what the request tells of it: the application
+/// need not know which reader holds it.
 class OpenTrees {
 public:
     struct Tree {

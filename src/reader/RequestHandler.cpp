@@ -2,6 +2,7 @@
 
 #include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/data/RDIDriverMngr.h"
+#include "zelvar/data/reader/NodeMessage.h"
 #include "zelvar/data/wire/MessageChannel.h"
 #include "zelvar/reader/FileStamp.h"
 
@@ -43,15 +44,6 @@ std::unique_ptr<wire::DriverFactsT> FactsOf(Driver const &driver) {
     facts->extensions = driver.GetExtensions();
     facts->family = driver.GetFamily();
     return facts;
-}
-
-std::unique_ptr<wire::NodeT> Copied(BDINode const &node) {
-    auto copy = std::make_unique<wire::NodeT>();
-    copy->type = node.type;
-    copy->path = node.path;
-    copy->name = node.name;
-    copy->value = node.value;
-    return copy;
 }
 
 /// A node that a driver made, given back to it.
@@ -236,7 +228,7 @@ RequestHandler::Answer RequestHandler::OpenTree(wire::OpenTreeT const &asked) {
     wire::TreeOpenedT opened;
     opened.driver = tree->driver->GetId();
     if (tree->root != nullptr)
-        opened.root = Copied(*tree->root);
+        opened.root = ToWire(*tree->root);
     return Say(std::move(opened));
 }
 
@@ -249,7 +241,7 @@ RequestHandler::Answer RequestHandler::FindNode(wire::FindNodeT const &asked) {
     if (node == nullptr)
         return Failure("no node " + asked.path);
     wire::NodeFoundT found;
-    found.node = Copied(*node);
+    found.node = ToWire(*node);
     return Say(std::move(found));
 }
 
@@ -281,7 +273,7 @@ RequestHandler::Answer RequestHandler::WalkChildren(OpenTrees::Tree &tree, BDINo
             return Failure("more nodes than fit into one answer");
         if (IsStopped())
             return Failure(kStopped);
-        children.nodes.push_back(Copied(*child));
+        children.nodes.push_back(ToWire(*child));
     }
     return Say(std::move(children));
 }

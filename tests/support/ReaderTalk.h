@@ -74,7 +74,7 @@ inline std::string FailureIn(ReaderTalk::Answer const &answer) {
     return answer->body.AsFailed() == nullptr ? "not failed" : answer->body.AsFailed()->reason;
 }
 
-/// Specifications and requests as tests write them down.
+/// What names trees and images, and requests, as tests write them down.
 inline std::unique_ptr<wire::TreeSpecT> TreeSpec(std::uint64_t id, std::string driver, std::string url,
                                                  bool family = false, std::string filter = {}) {
     auto spec = std::make_unique<wire::TreeSpecT>();

@@ -1,8 +1,7 @@
 #pragma once
 
-#include "zelvar/data/BDINode.h"
 #include "zelvar/data/RDIDriver.h"
-#include "zelvar/data/wire/Messages.h"
+#include "zelvar/data/reader/NodeMessage.h"
 
 #include <memory>
 #include <vector>
@@ -20,8 +19,6 @@ template <class Body>
     return isThere ? static_cast<Body *>(answer->body.value) : nullptr;
 }
 
-[[nodiscard]] BDINode NodeFrom(wire::NodeT &&node);
-[[nodiscard]] std::unique_ptr<wire::NodeT> ToWire(BDINode const &node);
 /// Those that are there.
 [[nodiscard]] std::vector<BDINode> NodesFrom(wire::ChildrenT &&children);
 

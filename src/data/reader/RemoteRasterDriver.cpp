@@ -67,6 +67,17 @@ std::optional<std::size_t> BytesOf(int width, int height, int sample) {
     return static_cast<std::size_t>(pixels * static_cast<std::uint64_t>(sample));
 }
 
+wire::ReadPixelsT WindowRequest(double x, double y, double width, double height, int outWidth, int outHeight) {
+    wire::ReadPixelsT body;
+    body.x = x;
+    body.y = y;
+    body.width = width;
+    body.height = height;
+    body.outWidth = outWidth;
+    body.outHeight = outHeight;
+    return body;
+}
+
 bool Read(Image &image, wire::ReadPixelsT body, std::optional<std::size_t> bytes, void *buffer) {
     if (!bytes || buffer == nullptr)
         return false;
@@ -174,14 +185,8 @@ int RemoteRasterDriver::GetAttrInt(char const *name, void *handle, int channel) 
 bool RemoteRasterDriver::ReadBlockRsmpl(void *handle, int channel, double x, double y, double width, double height,
                                         void *buffer, int outWidth, int outHeight, int resampling, bool usePyramid,
                                         bool clip) {
-    wire::ReadPixelsT body;
+    wire::ReadPixelsT body = WindowRequest(x, y, width, height, outWidth, outHeight);
     body.channel = channel;
-    body.x = x;
-    body.y = y;
-    body.width = width;
-    body.height = height;
-    body.outWidth = outWidth;
-    body.outHeight = outHeight;
     body.resampling = resampling;
     body.usePyramid = usePyramid;
     body.clip = clip;
@@ -191,14 +196,8 @@ bool RemoteRasterDriver::ReadBlockRsmpl(void *handle, int channel, double x, dou
 
 bool RemoteRasterDriver::ReadPaletteRsmpl(void *handle, double x, double y, double width, double height, void *rgb,
                                           int outWidth, int outHeight) {
-    wire::ReadPixelsT body;
+    wire::ReadPixelsT body = WindowRequest(x, y, width, height, outWidth, outHeight);
     body.palette = true;
-    body.x = x;
-    body.y = y;
-    body.width = width;
-    body.height = height;
-    body.outWidth = outWidth;
-    body.outHeight = outHeight;
     return Read(Of(handle), std::move(body), BytesOf(outWidth, outHeight, 3), rgb);
 }
 
