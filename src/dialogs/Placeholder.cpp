@@ -1,0 +1,1 @@
+// Keeps the room a library while nothing is in it.
