@@ -83,6 +83,8 @@ bool DFile::IsDirectory() const {
     return !m_path.empty() && stat(m_path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
+void DFile::ChngDir(DString const &folder) { m_path = AppendPath(folder, GetName()); }
+
 DString DFile::GetAbsolutePath() const {
     if (m_path.empty() || IsUrl(m_path))
         return m_path;
@@ -156,6 +158,11 @@ bool DFile::WriteAtomically(std::string_view bytes) const {
     // The new content is in place whatever this says; some file systems cannot flush a directory.
     std::ignore = FlushDirectory(directory);
     return true;
+}
+
+DString StripExtn(DString const &fileName) {
+    std::string_view const extension = ExtensionOf(fileName);
+    return extension.empty() ? DString() : DString("*.").append(extension);
 }
 
 } // namespace zelvar

@@ -19,6 +19,16 @@ public:
     [[nodiscard]] DString GetAbsolutePath() const;
     [[nodiscard]] DString GetPhysicalPath() const { return GetAbsolutePath(); }
     [[nodiscard]] DString GetName() const { return DString(FileNameOf(m_path)); }
+
+    // The parts of the text, without a look at the disk: what ends in a separator is a folder and has no name.
+    /// The folder with the separator behind it; empty for a bare name.
+    [[nodiscard]] DString GetPhysFilePath() const { return m_path.substr(0, m_path.size() - GetName().size()); }
+    [[nodiscard]] DString GetPhysFileName() const { return GetName(); }
+    /// The extension without its dot.
+    [[nodiscard]] DString GetPhysFileExtn() const { return DString(ExtensionOf(m_path)); }
+    /// The same name in another folder.
+    void ChngDir(DString const &folder);
+
     /// All bytes; false if the file cannot be read, is no regular file, or is larger than `limit` bytes.
     bool ReadAll(DString &bytes, std::size_t limit = std::size_t{256} << 20U) const;
     /// Writes a temporary file beside it, flushes it to disk and renames it over the target. False leaves the target.
@@ -27,5 +37,9 @@ public:
 private:
     DString m_path;
 };
+
+/// "*.tif" for "/a/b.tif": what a file name has in common with the mask of its format. Empty for a name without an
+/// extension.
+[[nodiscard]] ZELVAR_API DString StripExtn(DString const &fileName);
 
 } // namespace zelvar

@@ -27,6 +27,13 @@ public:
         return OpenRepository(url, root, filter);
     }
 
+    /// The options that the node of a file needs to be opened by its moniker, as "name=value&name=value"; empty if it
+    /// needs none, as with every format that tells by itself what it is.
+    [[nodiscard]] virtual DString GetDriverParameterString(BDINode const *node) {
+        static_cast<void>(node);
+        return {};
+    }
+
     /// A node by its path, or null. The caller closes it.
     virtual BDINode *OpenNode(void *repository, char const *path) = 0;
     virtual BDINode *CloneNode(BDINode const *node) = 0;

@@ -18,6 +18,9 @@ public:
 
     /// Driver by id (case not regarded), or null.
     BDIDrvr *GetDrvr(char const *id);
+    /// The driver that reads files of a format, by the format's id; null for a null or empty one, and for a format that
+    /// no driver reads.
+    BDIDrvr *FindDriverByFrmt(char const *formatId) { return GetDrvr(formatId); }
     /// The first driver that opens `url`: sets `*driver` and `*root`, yields the repository handle, or null with the
     /// reason in `*error`.
     void *OpenFile(char const *url, BDIDrvr **driver, BDINode **root, char const *filter, DError *error);

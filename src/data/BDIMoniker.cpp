@@ -1,6 +1,7 @@
 #include "zelvar/data/BDIMoniker.h"
 
 #include "zelvar/base/PathStyle.h"
+#include "zelvar/data/BDIDrvrMngr.h"
 
 #include <algorithm>
 #include <optional>
@@ -124,6 +125,23 @@ DString PercentEncoded(std::string_view text, bool keepSlashes) {
     return out;
 }
 
+/// A driver's repository and its root.
+struct BDIMoniker::Opened {
+    BDIDrvr *driver = nullptr;
+    void *repository = nullptr;
+    BDINode *node = nullptr;
+
+    Opened() = default;
+    Opened(Opened const &) = delete;
+    Opened &operator=(Opened const &) = delete;
+    ~Opened() {
+        if (node != nullptr)
+            driver->CloseNode(node);
+        if (repository != nullptr)
+            driver->CloseRepository(repository);
+    }
+};
+
 std::size_t BDIMoniker::SourceLength() const {
     std::size_t const first = m_text.find('?');
     if (first == kNone)
@@ -131,13 +149,20 @@ std::size_t BDIMoniker::SourceLength() const {
     if (IsUrl())
         return first;
     for (std::size_t end = m_text.size(); end != kNone && end >= first;
-         end = end == 0 ? kNone : m_text.rfind('?', end - 1)) {
+         end = end == 0 ? kNone : m_text.find_last_of("?&", end - 1)) {
         DString const path = DiskPathOf(m_text.substr(0, end));
         if (path.empty())
             continue;
-        // What stands between the file and the next "?" names something inside the file.
         std::size_t const at = m_text.find(path);
-        return at == kNone ? end : std::min(m_text.find('?', at + path.size()), end);
+        if (at == kNone)
+            return end;
+        std::size_t const behind = at + path.size();
+        // Whoever adds options looks for a "?" first, and takes one in the file's own name for the beginning of
+        // options.
+        if (behind < m_text.size() && m_text[behind] == '&' && path.find('?') != kNone)
+            return behind;
+        // What stands between the file and the next "?" names something inside the file.
+        return std::min(m_text.find('?', behind), m_text.size());
     }
     return first;
 }
@@ -166,7 +191,68 @@ BDIMoniker BDIMoniker::WithOptions(DString const &options) const {
     return {m_text + separator + options, m_driver};
 }
 
-DString BDIMoniker::GetPathOnDisk() const { return IsUrl() ? DString() : DiskPathOf(GetSource()); }
+DString BDIMoniker::FindFile() const { return IsUrl() ? DString() : DiskPathOf(GetSource()); }
+
+DString BDIMoniker::GetPathOnDisk() const {
+    DString found = FindFile();
+    bool const isPlain = !m_text.starts_with("/vsi") && (m_text.starts_with('/') || m_text.find(':') == kNone);
+    if (!found.empty() || IsUrl() || !isPlain)
+        return found;
+    // Nothing is there to tell a name with "?" from a name with options, but options have values.
+    for (auto const &[name, value] : GetOptions())
+        if (value.empty())
+            return m_text;
+    return GetSource();
+}
+
+DString BDIMoniker::GetDisplayName() const {
+    DString const source = GetSource();
+    if (IsUrl()) {
+        std::string_view const address = std::string_view(source).substr(0, source.find_last_not_of('/') + 1);
+        return PercentDecoded(FileNameOf(address));
+    }
+    DString const file = FindFile();
+    std::size_t const at = file.empty() ? kNone : source.find(file);
+    if (at == kNone)
+        return DString(FileNameOf(source));
+    DString name(FileNameOf(file));
+    // Drivers put quotes, braces and separators between a file and what is inside.
+    std::size_t const inside = source.find_first_not_of("\":/}", at + file.size());
+    return inside == kNone ? name : name + " " + source.substr(inside);
+}
+
+DString BDIMoniker::GetFrmtExtn(bool withDot) const {
+    DString const file = GetPathOnDisk();
+    DString const extension(ExtensionOf(file.empty() ? GetSource() : file));
+    return extension.empty() || !withDot ? extension : "." + extension;
+}
+
+void BDIMoniker::SetDrvr(BDIDrvr *driver) {
+    if (driver != m_driver)
+        CloseNode();
+    m_driver = driver;
+}
+
+BDINode const *BDIMoniker::GetNode() const {
+    if (m_opened != nullptr)
+        return m_opened->node;
+    m_opened = std::make_shared<Opened>();
+    if (m_driver == nullptr) {
+        DString const file = FindFile();
+        for (BDIDrvr *candidate : BDIDrvrMngr::Instance()->CandidatesFor(FileNameOf(file)))
+            if (candidate->CanReadPath(file)) {
+                m_driver = candidate;
+                break;
+            }
+    }
+    if (m_driver == nullptr)
+        return nullptr;
+    m_opened->driver = m_driver;
+    m_opened->repository = m_driver->OpenRepository(m_text.c_str(), &m_opened->node, nullptr);
+    return m_opened->node;
+}
+
+void *BDIMoniker::GetRepository() const { return GetNode() == nullptr ? nullptr : m_opened->repository; }
 
 bool BDIMoniker::IsUrl() const {
     if (zelvar::IsUrl(m_text))

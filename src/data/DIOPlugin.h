@@ -1,6 +1,8 @@
 #pragma once
 
-#include "zelvar/base/DString.h"
+#include "zelvar/base/Containers.h"
+#include "zelvar/base/DFileFrmt.h"
+#include "zelvar/base/ICheck.h"
 
 namespace zelvar {
 
@@ -9,6 +11,13 @@ class ZELVAR_API DIOPlugin {
 public:
     virtual ~DIOPlugin() = default;
     [[nodiscard]] virtual DString GetId() const = 0;
+    /// What a caller that wants this very plug-in asks for.
+    [[nodiscard]] virtual DString GetName() const { return GetId(); }
+    /// Appends the formats that it reads (`mode` 0) or writes (1) of the data types wanted (`BDINodeType` bits), but
+    /// for those that `check` (may be null) declines by their id. The descriptors become the list's owner's.
+    virtual void BuildFrmtList(int mode, unsigned dataType, ICheck<DString> const *check, DList<DFileFrmt *> &formats) {
+        static_cast<void>(mode), static_cast<void>(dataType), static_cast<void>(check), static_cast<void>(formats);
+    }
     /// One line for the log and the property "Driver".
     [[nodiscard]] virtual DString GetInfo() const = 0;
     /// Masks of the files it reads, as "*.tif;*.tiff"; may be empty.

@@ -68,7 +68,7 @@ DString PhysicalFile(BDIMoniker const &moniker) {
     DString const &text = moniker.GetText();
     if (DFile(text).Exist())
         return text;
-    DString onDisk = moniker.GetPathOnDisk();
+    DString onDisk = moniker.FindFile();
     return onDisk.empty() ? text.substr(0, text.find('?')) : onDisk;
 }
 

@@ -43,13 +43,13 @@ RefItemPtr<DataSourceItem> ItemFromPlace(DString const &place) {
     if (place.starts_with(kSource))
         return FromDefinition(place.substr(kSource.size()));
     if (StartsWithNoCase(place, kFileScheme))
-        return FromPath(BDIMoniker(place, nullptr).GetPathOnDisk());
+        return FromPath(BDIMoniker(place, nullptr).FindFile());
     if (RefItemPtr<DataSourceItem> item = FromPath(place); item || platform::IsSmbAddress(place))
         return item;
     BDIMoniker const moniker(place, nullptr);
     if (moniker.IsUrl())
         return TemplDataSourceItem::CreateItem(nullptr, place.c_str(), nullptr);
-    DString const container = moniker.GetPathOnDisk();
+    DString const container = moniker.FindFile();
     return container.empty() || container == place ? nullptr : FromContainer(container, place);
 }
 

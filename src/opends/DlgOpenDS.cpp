@@ -329,7 +329,7 @@ void DlgOpenDS::FillHistory() {
 
 void DlgOpenDS::FillFileTypes() {
     for (std::size_t i = 0; i < m_formats.size(); ++i) {
-        if (m_formats[i] == nullptr || !m_formats[i]->IsSingleFile())
+        if (m_formats[i] == nullptr || !m_formats[i]->IsSingleFileConnector())
             continue;
         m_fileTypeCombo->SetItemData(m_fileTypeCombo->AddString(m_formats[i]->GetName()), i);
     }
@@ -363,7 +363,7 @@ void DlgOpenDS::RestoreFilter() {
     DString mask = DUserCnfg(kFilterSection).ReadString(TemplateKey(), "");
     if (mask.empty())
         mask = m_format->GetExtn();
-    ApplyFileFilter(mask.c_str(), m_format->GetId().c_str());
+    ApplyFileFilter(mask.c_str(), m_format->GetID().c_str());
     m_fileFilterEdit->setText(ToQString(mask));
 }
 

@@ -159,7 +159,7 @@ void DlgOpenDS::UpdateFormat(DFileFrmt *format) {
     m_format = format;
     if (m_format == nullptr)
         return;
-    ApplyFileFilter(m_format->GetExtn().c_str(), m_format->GetId().c_str());
+    ApplyFileFilter(m_format->GetExtn().c_str(), m_format->GetID().c_str());
     m_fileFilterEdit->setText(ToQString(m_format->GetExtn()));
 }
 

@@ -21,7 +21,7 @@ FileStamp StampOfPath(DString const &path) {
 FileStamp StampOf(DString const &name) {
     if (FileStamp const itself = StampOfPath(name); itself.IsThere())
         return itself;
-    return StampOfPath(BDIMoniker(name, nullptr).GetPathOnDisk());
+    return StampOfPath(BDIMoniker(name, nullptr).FindFile());
 }
 
 } // namespace zelvar::reader

@@ -2,9 +2,11 @@
 
 #include "support/TestFiles.h"
 #include "zelvar/base/DFileFind.h"
+#include "zelvar/base/DFileFrmt.h"
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <csignal>
 #include <filesystem>
 
@@ -76,6 +78,35 @@ TEST(DFile, AFullDiskLeavesTheFormerFileWhole) {
     EXPECT_EQ(DFileFind(folder.Path(), "*", true, true, false, true, 0).GetFiles().size(), 1U);
     EXPECT_FALSE(DFile(folder / "missing/file").WriteAtomically("x"));
     EXPECT_FALSE(DFile(folder.Path()).WriteAtomically("x"));
+}
+
+TEST(DFile, IsTakenApartAndPutTogetherAsText) {
+    DFile file("/a/b c/d.tar.gz");
+    EXPECT_EQ(file.GetPhysFilePath(), "/a/b c/");
+    EXPECT_EQ(file.GetPhysFileName(), "d.tar.gz");
+    EXPECT_EQ(file.GetPhysFileExtn(), "gz");
+    file.ChngDir("/e");
+    EXPECT_EQ(file.GetMoniker(), "/e/d.tar.gz");
+    EXPECT_EQ(DFile("/a/").GetPhysFilePath(), "/a/");
+    EXPECT_EQ(DFile("/a/").GetPhysFileName(), "");
+    EXPECT_EQ(DFile(".").GetPhysFilePath(), "");
+    EXPECT_EQ(DFile("").GetPhysFilePath(), "");
+    EXPECT_EQ(StripExtn("/a/b.tif"), "*.tif");
+    EXPECT_EQ(StripExtn("/a.d/b"), "");
+    EXPECT_EQ(StripExtn(""), "");
+}
+
+TEST(DFileFrmt, AddsToAFilterAllOrNothing) {
+    DFileFrmt const format("T", "A|B", "*.t");
+    std::array<char, 16> buffer{};
+    buffer.fill('x');
+    buffer[0] = '\0';
+    EXPECT_TRUE(format.GetFilter(buffer.data(), 9)); // eight bytes and the zero
+    EXPECT_STREQ(buffer.data(), "A B|*.t|");
+    EXPECT_EQ(buffer[9], 'x');
+    EXPECT_FALSE(format.GetFilter(buffer.data(), 16));
+    EXPECT_STREQ(buffer.data(), "A B|*.t|");
+    EXPECT_EQ(DFileFrmt(nullptr, nullptr, nullptr).GetID(), "");
 }
 
 TEST(DFileFind, FindsByMaskInByteOrder) {

@@ -1,5 +1,7 @@
+#include "support/ScriptedDriver.h"
 #include "support/TestFiles.h"
 #include "zelvar/data/BDIMoniker.h"
+#include "zelvar/data/CustImport.h"
 
 #include <gtest/gtest.h>
 
@@ -49,6 +51,9 @@ TEST(Moniker, TheLongestNameThatExistsIsTheFile) {
         {odd, odd, odd},
         {odd + "?A=1", odd, odd},
         {odd + "?A=1?B", odd, odd},
+        {odd + "&A=1", odd, odd},
+        {odd + "&A=1&B=2", odd, odd},
+        {plain + "?b=2&a=1", plain, plain},
         {plain + "?reall", plain, plain},
         {"GPKG:" + container + ":table", "GPKG:" + container + ":table", container},
         {"GPKG:" + container + ":table?A=1", "GPKG:" + container + ":table", container},
@@ -67,14 +72,76 @@ TEST(Moniker, TheLongestNameThatExistsIsTheFile) {
         SCOPED_TRACE(c.text);
         BDIMoniker const moniker(c.text, nullptr);
         EXPECT_EQ(moniker.GetSource(), c.source);
-        EXPECT_EQ(moniker.GetPathOnDisk(), c.onDisk);
+        EXPECT_EQ(moniker.FindFile(), c.onDisk);
     }
+}
+
+TEST(Moniker, APlainPathNeedNotExistToHaveAPlaceOnDisk) {
+    test::TempFolder const folder;
+    DString const there = folder.Write("a.tif");
+    for (auto const &[text, onDisk] :
+         std::initializer_list<std::pair<DString, DString>>{{there + "?A=1", there},
+                                                            {folder / "new.tif", folder / "new.tif"},
+                                                            {folder / "new.tif?A=1", folder / "new.tif"},
+                                                            {folder / "new?.tif", folder / "new?.tif"},
+                                                            {"new.tif", "new.tif"},
+                                                            {"GPKG:/no/such.gpkg:table", ""},
+                                                            {"http://host/a.tif", ""},
+                                                            {"", ""}})
+        EXPECT_EQ(BDIMoniker(text, nullptr).GetPathOnDisk(), onDisk) << text;
+}
+
+TEST(Moniker, TheDisplayNameIsThatOfTheFileAndOfWhatIsInside) {
+    test::TempFolder const folder;
+    DString const file = folder.Write("a b.h5");
+    for (auto const &[text, name, extension] : std::initializer_list<std::tuple<DString, DString, DString>>{
+             {file, "a b.h5", "h5"},
+             {file + "?LAYER=x", "a b.h5", "h5"},
+             {"HDF5:\"" + file + "\"://group/set", "a b.h5 group/set", "h5"},
+             {"GTIFF_DIR:2:" + file, "a b.h5", "h5"},
+             {"/gone/c", "c", ""},
+             {"http://host/x/d%20e.tif?A=1", "d e.tif", "tif"}}) {
+        EXPECT_EQ(BDIMoniker(text, nullptr).GetDisplayName(), name) << text;
+        EXPECT_EQ(BDIMoniker(text, nullptr).GetFrmtExtn(false), extension) << text;
+    }
+}
+
+TEST(Moniker, CopiesShareOneNodeAndTheLastOneClosesIt) {
+    test::TempFolder const folder;
+    DString const file = folder.Write("a.box");
+    test::ScriptedDrivers const drivers;
+    test::ScriptedTreeDriver &driver = test::ScriptedDrivers::AddTree("BOX", "*.box");
+    driver.SetTree(file, {.name = "a", .children = {{.name = "b", .type = BDINode_Raster}}});
+    {
+        BDIMoniker const moniker(file, nullptr);
+        ASSERT_NE(moniker.GetNode(), nullptr);
+        EXPECT_EQ(moniker.GetDrvr(), &driver); // found by the file
+        BDIMoniker const copy = moniker;
+        EXPECT_EQ(copy.GetNode(), moniker.GetNode());
+        EXPECT_NE(copy.GetRepository(), nullptr);
+        EXPECT_EQ(driver.opens, 1);
+        EXPECT_EQ(driver.closes, 0);
+    }
+    EXPECT_EQ(driver.closes, 1);
+    EXPECT_EQ(driver.nodesClosed, driver.nodesMade);
+
+    BDIMoniker const missing(file + ".txt", &driver);
+    EXPECT_EQ(missing.GetNode(), nullptr);
+    EXPECT_EQ(missing.GetRepository(), nullptr);
+    EXPECT_EQ(BDIMoniker(folder.Write("plain.tif"), nullptr).GetNode(), nullptr);
+}
+
+TEST(CustImport, ThePatternOfItsFilesHasTextOrAnythingInPlaceOfBraces) {
+    EXPECT_EQ(CustImport::GetFilePttr({}, ""), "");
+    EXPECT_EQ(CustImport::GetFilePttr({"/a/scan_{name}_{n}.tif", "x"}, ""), "/a/scan_*_*.tif");
+    EXPECT_EQ(CustImport::GetFilePttr({"scan_{name}.tif"}, "7"), "scan_7.tif");
+    EXPECT_EQ(CustImport::GetFilePttr({"open{"}, "7"), "open{");
 }
 
 TEST(Moniker, AZeroByteHidesNothingOfTheText) {
     BDIMoniker const moniker(DString("/\0x?A=1", 7), nullptr);
     EXPECT_EQ(moniker.GetSource(), DString("/\0x", 3));
-    EXPECT_EQ(moniker.GetPathOnDisk(), "");
+    EXPECT_EQ(moniker.FindFile(), "");
     EXPECT_EQ(moniker.GetOptions(), (Options{{"A", "1"}}));
 }
 

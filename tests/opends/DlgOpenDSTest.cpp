@@ -412,7 +412,7 @@ TEST_F(OpenDialog, AContainerIsEnteredAndItsImagesAreListed) {
         test::Click(Button(*dialog, kOkId));
     });
     ASSERT_EQ(dialog->GetSelectedNodePaths().size(), 1U);
-    EXPECT_NE(dialog->GetSelectedNodePaths()[0].GetDriver(), nullptr);
+    EXPECT_NE(dialog->GetSelectedNodePaths()[0].GetDrvr(), nullptr);
 }
 
 /// Variables of the environment for one test.
@@ -485,8 +485,8 @@ TEST_F(OpenDialog, ADefinedConnectionIsOpenedFromTheLeftListAndItsImagesArePicke
     EXPECT_EQ(dialog->GetDataSourceType(), DataSourceItem::DST_REPOSITORY);
     ASSERT_EQ(dialog->GetSelectedNodePaths().size(), 1U);
     BDIMoniker const &moniker = dialog->GetSelectedNodePaths()[0];
-    ASSERT_NE(moniker.GetDriver(), nullptr);
-    EXPECT_EQ(moniker.GetDriver()->GetId(), "GPKG");
+    ASSERT_NE(moniker.GetDrvr(), nullptr);
+    EXPECT_EQ(moniker.GetDrvr()->GetId(), "GPKG");
     EXPECT_EQ(moniker.GetPathOnDisk(), folder / "survey.gpkg");
     EXPECT_NE(moniker.GetText().find("picture"), DString::npos) << moniker.GetText();
     // What an application does with it: the raster opens.

@@ -341,7 +341,7 @@ public:
     }
 
     void *OpenFile(BDIMoniker const &moniker, StopSignal const *stop, DError *error) override {
-        DString const path = moniker.GetPathOnDisk(); // a member is the file's image
+        DString const path = moniker.FindFile(); // a member is the file's image
         auto open = std::make_unique<Handle>(Handle{Script(path), stop});
         if (IsHostile(path) && open->script.Run("open", stop))
             return open.release();

@@ -139,7 +139,7 @@ DString RootOf(FolderKind kind, DString const &url) {
         break;
     }
     DString const path =
-        IsUrl(url) && StartsWithNoCase(url, "file://") ? BDIMoniker(url, nullptr).GetPathOnDisk() : url;
+        IsUrl(url) && StartsWithNoCase(url, "file://") ? BDIMoniker(url, nullptr).FindFile() : url;
     struct stat info {};
     return !path.empty() && stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode) ? path : DString();
 }

@@ -198,7 +198,7 @@ std::optional<Source> Resolve(BDIMoniker const &moniker, DError *error) {
             return Refuse(error, "the address \"" + source.text + "\" is of no known kind");
         return source;
     }
-    source.diskPath = BDIMoniker(source.name, nullptr).GetPathOnDisk();
+    source.diskPath = BDIMoniker(source.name, nullptr).FindFile();
     if (StartsWithNoCase(source.name, "file://"))
         source.name = source.diskPath;
     struct stat info {};
