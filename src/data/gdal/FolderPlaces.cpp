@@ -138,8 +138,7 @@ DString RootOf(FolderKind kind, DString const &url) {
     case FolderKind::Directory:
         break;
     }
-    DString const path =
-        IsUrl(url) && StartsWithNoCase(url, "file://") ? BDIMoniker(url, nullptr).FindFile() : url;
+    DString const path = IsUrl(url) && StartsWithNoCase(url, "file://") ? BDIMoniker(url, nullptr).FindFile() : url;
     struct stat info {};
     return !path.empty() && stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode) ? path : DString();
 }
