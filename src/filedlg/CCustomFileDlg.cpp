@@ -1,0 +1,122 @@
+#include "zelvar/filedlg/CCustomFileDlg.h"
+
+#include "zelvar/base/DCnfg.h"
+#include "zelvar/base/PathStyle.h"
+#include "zelvar/filedlg/HistoryRow.h"
+#include "zelvar/filedlg/PathQuestions.h"
+#include "zelvar/filedlg/PlatformFileDialog.h"
+#include "zelvar/filedlg/ToolkitSettings.h"
+#include "zelvar/layout/cdxCDynamicWndEx.h"
+#include "zelvar/platform/ui/ModalLoop.h"
+#include "zelvar/platform/ui/Text.h"
+
+#include <QtCore/QDir>
+#include <QtGui/QScreen>
+
+#include <algorithm>
+#include <memory>
+
+namespace zelvar {
+
+namespace {
+
+enum Answer { kOk = 1, kCancel = 2 };
+
+/// Where the dialog begins: the folder wanted, else where the program runs, else the root, which always answers.
+DString StartFolder(DString wanted) {
+    while (wanted.size() > 1 && wanted.ends_with('/'))
+        wanted.pop_back();
+    for (DString const &folder : {wanted, platform::ToDString(QDir::homePath())})
+        if (folder.starts_with('/') && IsFolder(folder))
+            return folder;
+    return "/";
+}
+
+DString SizeSection() { return DString(cdxCDynamicWndEx::M_lpszAutoPosProfileSection) + "\\CCustomFileDlg"; }
+
+void RestoreSize(QWidget &dialog) {
+    QSize const most = dialog.screen()->availableSize();
+    QSize const usual = dialog.size().expandedTo(dialog.sizeHint());
+    QSize const stored(Profile::GetInt(SizeSection(), "Width", usual.width()),
+                       Profile::GetInt(SizeSection(), "Height", usual.height()));
+    dialog.resize(stored.boundedTo(most).expandedTo(dialog.minimumSizeHint()));
+}
+
+void StoreSize(QWidget const &dialog) {
+    if (dialog.isMaximized() || !Profile::HasRegistryKey())
+        return;
+    Profile::WriteInt(SizeSection(), "Width", dialog.width());
+    Profile::WriteInt(SizeSection(), "Height", dialog.height());
+}
+
+/// Destroys a dialog. One whose thread is held by a place that has gone would hold the caller as well: it is left
+/// behind, hidden, until that thread comes back.
+void EndDialog(std::unique_ptr<PlatformFileDialog> dialog) {
+    if (!dialog->IsListing()) {
+        ToolkitSettings const apart;
+        dialog.reset();
+        return;
+    }
+    PlatformFileDialog *const left = dialog.release();
+    left->setParent(nullptr);
+    left->CallWhenListed([left] {
+        ToolkitSettings const apart;
+        delete left;
+    });
+}
+
+} // namespace
+
+CCustomFileDlg::CCustomFileDlg(bool open, char const *defaultExtension, char const *fileName, DString filter,
+                               QWidget *parent, int templateId)
+    : m_open(open), m_defaultExtension(defaultExtension == nullptr ? "" : defaultExtension),
+      m_filter(std::move(filter)), m_parent(parent), m_templateId(templateId == 0 ? kHistoryTemplate : templateId) {
+    m_ofn.file = fileName == nullptr ? "" : fileName;
+}
+
+int CCustomFileDlg::DoModal() {
+    m_paths.clear();
+    PlatformFileDialog::Setup const setup{
+        .opens = m_open,
+        .locked = (m_ofn.flags & OFN_NOCHANGEDIR) != 0,
+        .multiple = m_open && (m_ofn.flags & OFN_ALLOWMULTISELECT) != 0,
+        .asksOverwrite = (m_ofn.flags & OFN_OVERWRITEPROMPT) != 0,
+        .title = m_ofn.title,
+        .folder = StartFolder(m_ofn.initialDir),
+        .file = m_ofn.file,
+        .defaultExtension = m_defaultExtension,
+        .filters = ParseFilterText(m_filter),
+        .filterIndex = m_ofn.filterIndex - 1,
+    };
+    std::unique_ptr<PlatformFileDialog> dialog;
+    {
+        ToolkitSettings const apart;
+        dialog = std::make_unique<PlatformFileDialog>(setup, m_parent);
+    }
+    auto *const row = new HistoryRow(m_templateId, *dialog);
+    QObject::connect(row, &HistoryRow::FolderChosen, dialog.get(), &PlatformFileDialog::GoTo);
+    dialog->AddRow(*row);
+    dialog->resize(dialog->sizeHint());
+    row->OnInitDone(m_hist, m_bHistory && !setup.locked, m_ofn.initialDir);
+    RestoreSize(*dialog);
+
+    bool const accepted = platform::RunModal(*dialog) == QDialog::Accepted;
+    StoreSize(*dialog);
+    m_ofn.filterIndex = dialog->FilterIndex() + 1;
+    m_bReadOnly = row->IsReadOnly();
+    m_bEditOnly = row->IsEditOnly();
+    if (accepted)
+        m_paths = dialog->Chosen();
+    EndDialog(std::move(dialog));
+    return accepted ? kOk : kCancel;
+}
+
+DString CCustomFileDlg::GetNextPathName(std::size_t &position) const {
+    if (position == 0 || position > m_paths.size())
+        return position = 0, DString();
+    DString const path = m_paths[position - 1];
+    position = position == m_paths.size() ? 0 : position + 1;
+    return path;
+}
+
+} // namespace zelvar

@@ -1,0 +1,41 @@
+#include "zelvar/filedlg/PathQuestions.h"
+
+#include "zelvar/data/PlaceCheck.h"
+
+#include <optional>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace zelvar {
+
+namespace {
+
+std::optional<struct stat> StatusOf(DString const &path) {
+    struct stat status {};
+    if (!DoesPlaceAnswer(path) || stat(path.c_str(), &status) != 0)
+        return std::nullopt;
+    return status;
+}
+
+} // namespace
+
+bool IsThere(DString const &path) { return StatusOf(path).has_value(); }
+
+bool IsFolder(DString const &path) {
+    auto const status = StatusOf(path);
+    return status && S_ISDIR(status->st_mode);
+}
+
+bool IsWritable(DString const &path) {
+    return DoesPlaceAnswer(path) && faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) == 0;
+}
+
+std::int64_t ChangeTime(DString const &path) {
+    constexpr std::int64_t nanoseconds = 1'000'000'000;
+    auto const status = StatusOf(path);
+    return status ? status->st_mtim.tv_sec * nanoseconds + status->st_mtim.tv_nsec : 0;
+}
+
+} // namespace zelvar

@@ -1,0 +1,245 @@
+#include "zelvar/filedlg/PlatformFileDialog.h"
+
+#include "zelvar/controls/CZelComboBox.h"
+#include "zelvar/data/PlaceCheck.h"
+#include "zelvar/filedlg/FilePictures.h"
+#include "zelvar/filedlg/core/TypedNames.h"
+#include "zelvar/platform/ui/Text.h"
+
+#include <QtCore/QDir>
+#include <QtGui/QAction>
+#include <QtGui/QFileSystemModel>
+#include <QtGui/QShortcut>
+#include <QtWidgets/QAbstractItemView>
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QComboBox>
+#include <QtWidgets/QDialogButtonBox>
+#include <QtWidgets/QGridLayout>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QLineEdit>
+#include <QtWidgets/QPushButton>
+#include <QtWidgets/QToolButton>
+
+#include <algorithm>
+#include <array>
+
+namespace zelvar {
+
+namespace {
+
+constexpr int kTypesWidth = 20; // characters; longer descriptions are cut, not the dialog widened
+
+/// What the toolkit calls its folders' addresses in the list of places.
+constexpr int kUrlRole = Qt::UserRole + 1;
+
+/// Brackets are no signs of a set in our masks.
+QString ToolkitMask(DString const &mask) { return platform::ToQString(mask).replace(u'[', QStringLiteral("[[]")); }
+
+} // namespace
+
+PlatformFileDialog::PlatformFileDialog(Setup const &setup, QWidget *parent)
+    : PlatformFileDialog(setup, std::make_unique<FolderAlias const>(setup.folder), parent) {}
+
+PlatformFileDialog::PlatformFileDialog(Setup const &setup, std::unique_ptr<FolderAlias const> folder, QWidget *parent)
+    // The folder is given here: without one the toolkit begins at a place of its own choice.
+    : QFileDialog(parent, platform::ToQString(setup.title), folder->Path()), m_setup(setup),
+      m_folder(std::move(folder)), m_model(findChild<QFileSystemModel *>()),
+      m_name(findChild<QLineEdit *>(QStringLiteral("fileNameEdit"))),
+      m_types(findChild<QComboBox *>(QStringLiteral("fileTypeCombo"))) {
+    setOptions(DontUseNativeDialog | DontUseCustomDirectoryIcons | DontResolveSymlinks | DontConfirmOverwrite);
+    setFileMode(AnyFile);
+    setAcceptMode(m_setup.opens ? AcceptOpen : AcceptSave);
+    if (!m_setup.title.empty())
+        setWindowTitle(platform::ToQString(m_setup.title));
+    m_ok = findChild<QDialogButtonBox *>()->button(m_setup.opens ? QDialogButtonBox::Open : QDialogButtonBox::Save);
+
+    SetUpViews();
+    MakeFolderBox();
+    TakeOverRoads();
+    SetUpFilters();
+    if (m_setup.locked)
+        LockFolder();
+
+    m_name->setText(platform::ToQString(m_setup.file));
+    m_name->selectAll();
+    UpdateButtons();
+}
+
+void PlatformFileDialog::SetUpViews() {
+    static FilePictures pictures; // the toolkit's thread may ask for one while a dialog ends
+    setIconProvider(&pictures);
+    m_model->setNameFilterDisables(false);
+    // A folder that another program writes to would be read again and again; this one is read when the user comes back.
+    m_model->setOption(QFileSystemModel::DontWatchForChanges);
+    m_views = {findChild<QAbstractItemView *>(QStringLiteral("listView")),
+               findChild<QAbstractItemView *>(QStringLiteral("treeView"))};
+    for (QAbstractItemView *const view : m_views) {
+        view->setSelectionMode(m_setup.multiple ? QAbstractItemView::ExtendedSelection
+                                                : QAbstractItemView::SingleSelection);
+        view->setDragDropMode(QAbstractItemView::NoDragDrop); // a slip of the mouse would move files
+        view->installEventFilter(this);
+    }
+    connect(m_views.front()->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+            &PlatformFileDialog::OnSelectionChanged);
+    connect(m_model, &QFileSystemModel::rootPathChanged, this, [this] { m_isListing = true; });
+    connect(m_model, &QFileSystemModel::directoryLoaded, this, [this](QString const &folder) {
+        if (folder == m_model->rootPath())
+            m_isListing = false;
+    });
+}
+
+void PlatformFileDialog::MakeFolderBox() {
+    // The toolkit's own box asks the system about every folder that it lists.
+    auto *const former = findChild<QComboBox *>(QStringLiteral("lookInCombo"));
+    m_folderBox = new CZelComboBox(this);
+    m_folderBox->setObjectName(QStringLiteral("folderBox"));
+    m_folderBox->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    findChild<QLayout *>(QStringLiteral("hboxLayout"))->replaceWidget(former, m_folderBox);
+    former->hide();
+    auto *const label = findChild<QLabel *>(QStringLiteral("lookInLabel"));
+    label->setBuddy(m_folderBox);
+    m_folderBox->setAccessibleName(label->text().remove(u'&'));
+    setTabOrder(m_folderBox, findChild<QWidget *>(QStringLiteral("backButton")));
+    connect(m_folderBox, &QComboBox::activated, this, [this](int index) {
+        if (!GoTo(m_folderBox->GetLBText(index)))
+            m_folderBox->SetCurSel(0);
+    });
+}
+
+void PlatformFileDialog::TakeOverRoads() {
+    // The toolkit would look at each path that is typed, at every key.
+    m_name->disconnect(this);
+    m_name->setCompleter(nullptr);
+    connect(m_name, &QLineEdit::returnPressed, this, &PlatformFileDialog::accept);
+    connect(m_name, &QLineEdit::textEdited, this, [this] { m_selectionText.reset(); });
+    connect(m_name, &QLineEdit::textChanged, this, &PlatformFileDialog::UpdateButtons);
+
+    for (QAbstractItemView *const view : m_views) {
+        disconnect(view, &QAbstractItemView::activated, this, nullptr);
+        connect(view, &QAbstractItemView::activated, this, &PlatformFileDialog::OnActivated);
+    }
+    auto const takeOver = [this](char const *name, auto act) {
+        auto *const button = findChild<QToolButton *>(QLatin1String(name));
+        button->disconnect(this);
+        connect(button, &QToolButton::clicked, this, act);
+    };
+    takeOver("backButton", [this] { Revisit(m_back, m_forward); });
+    takeOver("forwardButton", [this] { Revisit(m_forward, m_back); });
+    takeOver("toParentButton", [this] { GoUp(); });
+    for (auto *const action : findChildren<QAction *>(QString(), Qt::FindDirectChildrenOnly)) {
+        bool const up = action->objectName() == QLatin1String("qt_goto_parent_action");
+        if (!up && !action->objectName().isEmpty())
+            continue;
+        action->disconnect(this);
+        connect(action, &QAction::triggered, this, [this, up] {
+            if (up)
+                GoUp();
+            else
+                GoTo(platform::ToDString(QDir::homePath()));
+        });
+    }
+    connect(findChild<QAction *>(QStringLiteral("qt_delete_action")), &QAction::triggered, this,
+            &PlatformFileDialog::Refresh);
+    connect(new QShortcut(QKeySequence::Refresh, this), &QShortcut::activated, this, &PlatformFileDialog::Refresh);
+
+    auto *const places = findChild<QAbstractItemView *>(QStringLiteral("sidebar"));
+    QList<QUrl> urls{QUrl::fromLocalFile(QStringLiteral("/"))};
+    if (DoesPlaceAnswer(platform::ToDString(QDir::homePath())))
+        urls.prepend(QUrl::fromLocalFile(QDir::homePath()));
+    setSidebarUrls(urls);
+    setHistory({});
+    places->disconnect(this);
+    places->setDragDropMode(QAbstractItemView::NoDragDrop);
+    places->setContextMenuPolicy(Qt::NoContextMenu);
+    connect(places, &QAbstractItemView::clicked, this, [this](QModelIndex const &index) {
+        GoTo(platform::ToDString(index.data(kUrlRole).toUrl().toLocalFile()));
+    });
+}
+
+void PlatformFileDialog::SetUpFilters() {
+    setNameFilters({}); // none of the toolkit's own, also when the language changes
+    m_types->disconnect(this);
+    m_types->clear();
+    m_types->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    m_types->setMinimumContentsLength(kTypesWidth);
+    QStringList shown;
+    for (FileFilter const &filter : m_setup.filters)
+        shown.append(platform::ToQString(ShownFilter(filter)));
+    m_types->addItems(shown);
+    if (m_types->count() > 0) {
+        m_types->setCurrentIndex(std::clamp(m_setup.filterIndex, 0, m_types->count() - 1));
+        ApplyMasks(m_setup.filters[static_cast<std::size_t>(m_types->currentIndex())].masks);
+    }
+    m_setup.filterIndex = m_types->currentIndex();
+    m_types->setVisible(m_types->count() > 0);
+    findChild<QWidget *>(QStringLiteral("fileTypeLabel"))->setVisible(m_types->count() > 0);
+    connect(m_types, &QComboBox::activated, this, &PlatformFileDialog::OnFilterChosen);
+}
+
+void PlatformFileDialog::LockFolder() {
+    setFilter(QDir::Files);
+    constexpr std::array names{"lookInLabel", "backButton",     "forwardButton",
+                               "sidebar",     "toParentButton", "newFolderButton"};
+    for (char const *const name : names)
+        findChild<QWidget *>(QLatin1String(name))->hide();
+    for (auto *const action : findChildren<QAction *>(QString(), Qt::FindDirectChildrenOnly))
+        if (action->objectName() != QLatin1String("qt_show_hidden_action"))
+            action->setEnabled(action->objectName() == QLatin1String("qt_rename_action") ||
+                               action->objectName() == QLatin1String("qt_delete_action"));
+    m_folderBox->hide();
+    // Whatever road is left ends where it began.
+    connect(m_model, &QFileSystemModel::rootPathChanged, this, [this](QString const &path) {
+        if (path != m_folder->Path())
+            setDirectory(m_folder->Path());
+    });
+}
+
+void PlatformFileDialog::AddRow(QWidget &row) {
+    auto *const grid = qobject_cast<QGridLayout *>(layout());
+    grid->addWidget(&row, grid->rowCount(), 0, 1, grid->columnCount());
+}
+
+void PlatformFileDialog::ApplyMasks(DString const &masks) {
+    QStringList toolkitMasks;
+    for (DString const &mask : SingleMasks(masks))
+        toolkitMasks.append(ToolkitMask(mask));
+    m_model->setNameFilters(toolkitMasks);
+}
+
+void PlatformFileDialog::CallWhenListed(std::function<void()> act) {
+    connect(m_model, &QFileSystemModel::directoryLoaded, qApp,
+            [act = std::move(act)] { QMetaObject::invokeMethod(qApp, act, Qt::QueuedConnection); });
+}
+
+int PlatformFileDialog::FilterIndex() const { return m_types->currentIndex(); }
+
+void PlatformFileDialog::OnFilterChosen(int index) {
+    DString const former = m_setup.filters[static_cast<std::size_t>(m_setup.filterIndex)].masks;
+    DString const masks = m_setup.filters[static_cast<std::size_t>(index)].masks;
+    m_setup.filterIndex = index;
+    ApplyMasks(masks);
+    if (m_setup.opens)
+        return;
+    QString const name = platform::ToQString(
+        ForOtherFilter(platform::ToDString(m_name->text()), former, DefaultExtension(masks, m_setup.defaultExtension)));
+    if (name == m_name->text())
+        return;
+    m_views.front()->selectionModel()->clear(); // what stands there now is no longer the row's name
+    m_name->setText(name);
+    m_selectionText.reset();
+}
+
+void PlatformFileDialog::OnSelectionChanged() {
+    if (!m_name->hasFocus())
+        m_selectionText = m_name->text();
+    UpdateButtons();
+}
+
+void PlatformFileDialog::UpdateButtons() {
+    m_ok->setEnabled(!m_name->text().trimmed().isEmpty() || m_views.front()->selectionModel()->hasSelection());
+    findChild<QWidget *>(QStringLiteral("backButton"))->setEnabled(!m_back.empty());
+    findChild<QWidget *>(QStringLiteral("forwardButton"))->setEnabled(!m_forward.empty());
+    findChild<QWidget *>(QStringLiteral("toParentButton"))->setEnabled(Folder() != "/");
+}
+
+} // namespace zelvar

@@ -1,0 +1,122 @@
+#pragma once
+
+#include "zelvar/base/DString.h"
+#include "zelvar/filedlg/FolderAlias.h"
+#include "zelvar/filedlg/core/FilterText.h"
+
+#include <QtWidgets/QFileDialog>
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
+
+class QAbstractItemView;
+class QComboBox;
+class QFileSystemModel;
+class QLineEdit;
+class QPushButton;
+
+namespace zelvar {
+
+class CZelComboBox;
+
+/// The toolkit's file dialog, made safe: every way to another folder goes through one door that asks first whether the
+/// place answers, and what is accepted is decided here, on the bytes of names.
+///
+/// The toolkit finds out about a folder's files on a thread of its own. It must be made and destroyed under
+/// `ToolkitSettings`.
+class PlatformFileDialog final : public QFileDialog {
+    Q_OBJECT
+
+public:
+    struct Setup {
+        bool opens = true;
+        bool locked = false; ///< stays in its folder
+        bool multiple = false;
+        bool asksOverwrite = true;
+        DString title{};
+        DString folder{}; ///< answers and is there
+        DString file{};
+        DString defaultExtension{};
+        std::vector<FileFilter> filters{};
+        int filterIndex = 0; ///< counted from 0
+    };
+    PlatformFileDialog(Setup const &setup, QWidget *parent);
+
+    /// Puts `row` below the dialog's own controls.
+    void AddRow(QWidget &row);
+
+    [[nodiscard]] DString const &Folder() const { return m_folder->Folder(); }
+    /// False, and nothing changed, for a folder that is not there or does not answer; the user is told. What stands in
+    /// the name field stays.
+    bool GoTo(DString const &folder);
+    /// Reads the folder again.
+    void Refresh();
+
+    [[nodiscard]] std::vector<DString> const &Chosen() const { return m_chosen; }
+    [[nodiscard]] int FilterIndex() const;
+    /// Whether the toolkit's thread is at a folder; it may be held there by a place that has gone.
+    [[nodiscard]] bool IsListing() const { return m_isListing; }
+    /// Calls `act` from the event loop, once the folder has been read.
+    void CallWhenListed(std::function<void()> act);
+
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+public Q_SLOTS:
+    void accept() override;
+
+protected:
+    void changeEvent(QEvent *event) override;
+
+private:
+    PlatformFileDialog(Setup const &setup, std::unique_ptr<FolderAlias const> folder, QWidget *parent);
+
+    // What is shown.
+    void MakeFolderBox();
+    void TakeOverRoads();
+    void SetUpViews();
+    void SetUpFilters();
+    void LockFolder();
+    void ApplyMasks(DString const &masks);
+    void OnFilterChosen(int index);
+    void OnActivated(QModelIndex const &index);
+    void OnSelectionChanged();
+    void UpdateButtons();
+    void GoUp();
+    void Revisit(std::vector<DString> &from, std::vector<DString> &to);
+    bool ShowFolder(DString const &folder);
+    void FillFolderBox();
+    /// Reads the folder again if it has changed since it was shown.
+    void RefreshIfChanged();
+
+    // What is accepted.
+    [[nodiscard]] std::vector<DString> SelectedPaths(bool folders) const;
+    [[nodiscard]] std::vector<DString> TypedPaths() const;
+    [[nodiscard]] DString PathOf(DString const &typed) const;
+    /// Goes where the path leads, if it means a folder, shows what a mask asks for, and tells what cannot be: true if
+    /// there is nothing more to do.
+    [[nodiscard]] bool IsNoFile(DString const &path);
+    [[nodiscard]] bool IsReadyForLoading(DString &path) const;
+    [[nodiscard]] bool IsReadyForSaving(DString const &path);
+    [[nodiscard]] bool MayReplace(DString const &path);
+    [[nodiscard]] DString ExtensionToAdd() const;
+
+    Setup m_setup;
+    std::unique_ptr<FolderAlias const> m_folder;
+    QFileSystemModel *m_model;
+    QLineEdit *m_name;
+    QComboBox *m_types;
+    QPushButton *m_ok;
+    CZelComboBox *m_folderBox = nullptr;
+    std::vector<QAbstractItemView *> m_views;
+    std::vector<DString> m_back;            ///< folders left, the last one behind
+    std::vector<DString> m_forward;         ///< folders come back from
+    std::optional<QString> m_selectionText; ///< what the name field shows for the selected rows; nothing once typed in
+    std::vector<DString> m_chosen;
+    std::int64_t m_changed = 0; ///< when the shown folder was changed last, nanoseconds since 1970
+    bool m_isListing = true;
+};
+
+} // namespace zelvar

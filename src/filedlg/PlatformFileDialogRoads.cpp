@@ -1,0 +1,133 @@
+#include "zelvar/base/PathStyle.h"
+#include "zelvar/base/Report.h"
+#include "zelvar/controls/CZelComboBox.h"
+#include "zelvar/filedlg/NameBytes.h"
+#include "zelvar/filedlg/PathQuestions.h"
+#include "zelvar/filedlg/PlatformFileDialog.h"
+#include "zelvar/platform/ui/Text.h"
+
+#include <QtCore/QDir>
+#include <QtGui/QFileSystemModel>
+#include <QtGui/QKeyEvent>
+#include <QtWidgets/QLineEdit>
+
+#include <tuple>
+#include <utility>
+
+namespace zelvar {
+
+namespace {
+
+constexpr std::size_t kMostVisits = 100;
+
+void Remember(std::vector<DString> &visits, DString folder) {
+    if (visits.size() == kMostVisits)
+        visits.erase(visits.begin());
+    visits.push_back(std::move(folder));
+}
+
+} // namespace
+
+bool PlatformFileDialog::ShowFolder(DString const &folder) {
+    if (m_setup.locked)
+        return false;
+    if (!IsFolder(folder)) {
+        Report::UserNotificationEnforced("Folder '%s' not found", folder.c_str());
+        return false;
+    }
+    QString const name = m_name->text();
+    auto const former = std::exchange(m_folder, std::make_unique<FolderAlias const>(folder));
+    setDirectory(m_folder->Path());
+    m_name->setText(name);
+    m_selectionText.reset();
+    m_changed = ChangeTime(folder);
+    FillFolderBox();
+    return true;
+}
+
+void PlatformFileDialog::FillFolderBox() {
+    m_folderBox->ResetContent();
+    for (DString folder = Folder();; folder = DString(ParentPathOf(folder))) {
+        m_folderBox->AddString(folder);
+        if (ParentPathOf(folder) == folder || ParentPathOf(folder).empty())
+            break;
+    }
+    DString const home = platform::ToDString(QDir::homePath());
+    if (m_folderBox->FindStringExact(home) < 0)
+        m_folderBox->AddString(home);
+    m_folderBox->SetCurSel(0);
+}
+
+bool PlatformFileDialog::GoTo(DString const &folder) {
+    DString former = Folder();
+    if (folder == former)
+        return true;
+    if (!ShowFolder(folder))
+        return false;
+    Remember(m_back, std::move(former));
+    m_forward.clear();
+    UpdateButtons();
+    return true;
+}
+
+void PlatformFileDialog::GoUp() {
+    DString const parent(ParentPathOf(Folder()));
+    if (!parent.empty())
+        GoTo(parent);
+}
+
+void PlatformFileDialog::Revisit(std::vector<DString> &from, std::vector<DString> &to) {
+    if (from.empty())
+        return;
+    DString const folder = std::move(from.back());
+    from.pop_back();
+    DString former = Folder();
+    if (ShowFolder(folder))
+        Remember(to, std::move(former));
+    UpdateButtons();
+}
+
+void PlatformFileDialog::OnActivated(QModelIndex const &index) {
+    if (!m_model->isDir(index))
+        accept();
+    else if (GoTo(AppendPath(Folder(), NameBytes(Folder(), m_model->fileName(index)))) && m_setup.opens)
+        m_name->clear();
+}
+
+void PlatformFileDialog::Refresh() {
+    m_changed = ChangeTime(Folder());
+    if (m_changed == 0)
+        return;
+    // The toolkit reads a folder only when it comes from another one.
+    QSignalBlocker const quiet(m_model);
+    m_isListing = true;
+    std::ignore = m_model->setRootPath({});
+    std::ignore = m_model->setRootPath(m_folder->Path());
+}
+
+void PlatformFileDialog::RefreshIfChanged() {
+    std::int64_t const changed = ChangeTime(Folder());
+    if (changed != 0 && changed != m_changed)
+        Refresh();
+}
+
+void PlatformFileDialog::changeEvent(QEvent *event) {
+    QFileDialog::changeEvent(event);
+    if (event->type() == QEvent::ActivationChange && isActiveWindow())
+        RefreshIfChanged();
+}
+
+bool PlatformFileDialog::eventFilter(QObject *watched, QEvent *event) {
+    if (event->type() != QEvent::KeyPress)
+        return QFileDialog::eventFilter(watched, event);
+    auto const *const key = static_cast<QKeyEvent *>(event);
+    if (key->key() == Qt::Key_Backspace || key->key() == Qt::Key_Back)
+        GoUp();
+    else if (key->key() == Qt::Key_Left && (key->modifiers() & Qt::AltModifier) != 0)
+        Revisit(m_back, m_forward);
+    else
+        return QFileDialog::eventFilter(watched, event);
+    return true;
+}
+
+} // namespace zelvar

@@ -1,0 +1,100 @@
+#pragma once
+
+#include "support/GuiTest.h"
+#include "zelvar/platform/ui/ControlId.h"
+#include "zelvar/platform/ui/Text.h"
+
+#include <QtCore/QStringList>
+#include <QtTest/QTest>
+#include <QtWidgets/QAbstractItemView>
+#include <QtWidgets/QComboBox>
+#include <QtWidgets/QDialogButtonBox>
+#include <QtWidgets/QLineEdit>
+#include <QtWidgets/QPushButton>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+namespace zelvar::test {
+
+/// A user's hand on the file dialog.
+class FileDialogHand {
+public:
+    explicit FileDialogHand(QWidget &dialog)
+        : m_dialog(dialog), m_list(Part<QAbstractItemView>("listView")), m_name(Part<QLineEdit>("fileNameEdit")) {}
+
+    template <class T>
+    [[nodiscard]] T &Part(char const *name) const {
+        return *m_dialog.findChild<T *>(QLatin1String(name));
+    }
+    /// A control of the row below.
+    template <class T>
+    [[nodiscard]] T *Control(int id) const {
+        for (QWidget *const child : m_dialog.findChildren<QWidget *>())
+            if (platform::GetDlgCtrlID(*child) == id)
+                return dynamic_cast<T *>(child);
+        return nullptr;
+    }
+    [[nodiscard]] QLineEdit &Name() const { return m_name; }
+    [[nodiscard]] QAbstractItemView &List() const { return m_list; }
+
+    void Type(std::string const &name) const {
+        m_name.setFocus();
+        m_name.selectAll();
+        QTest::keyClicks(&m_name, platform::ToQString(name));
+    }
+    void TypeAndEnter(std::string const &name) const {
+        Type(name);
+        QTest::keyClick(&m_name, Qt::Key_Return);
+    }
+    void PressOk() const {
+        for (QAbstractButton *const button : m_dialog.findChild<QDialogButtonBox *>()->buttons())
+            if (static_cast<QPushButton *>(button)->isDefault() || button->text().contains(QLatin1String("pen")) ||
+                button->text().contains(QLatin1String("ave")))
+                return Click(button);
+    }
+    /// What the list shows, in byte order.
+    [[nodiscard]] std::vector<std::string> Shown() const {
+        std::vector<std::string> names;
+        for (int row = 0; row < m_list.model()->rowCount(m_list.rootIndex()); ++row)
+            names.push_back(m_list.model()->index(row, 0, m_list.rootIndex()).data().toString().toStdString());
+        std::sort(names.begin(), names.end());
+        return names;
+    }
+    [[nodiscard]] QPoint At(std::string const &name) const {
+        for (int row = 0; row < m_list.model()->rowCount(m_list.rootIndex()); ++row) {
+            QModelIndex const index = m_list.model()->index(row, 0, m_list.rootIndex());
+            if (index.data().toString().toStdString() != name)
+                continue;
+            m_list.scrollTo(index);
+            return m_list.visualRect(index).center();
+        }
+        ADD_FAILURE() << name << " is not shown";
+        return {};
+    }
+    void ClickRow(std::string const &name, Qt::KeyboardModifiers modifiers = {}) const {
+        EXPECT_TRUE(Eventually([&] { return std::ranges::count(Shown(), name) == 1; }));
+        QTest::mouseClick(m_list.viewport(), Qt::LeftButton, modifiers, At(name));
+    }
+    void DoubleClickRow(std::string const &name) const {
+        ClickRow(name);
+        QTest::mouseDClick(m_list.viewport(), Qt::LeftButton, {}, At(name));
+    }
+    /// Chooses an entry of a combo box with the keyboard.
+    static void Choose(QComboBox &box, int index) {
+        box.setFocus();
+        QTest::keyClick(&box, Qt::Key_Home);
+        for (int step = 0; step < index; ++step)
+            QTest::keyClick(&box, Qt::Key_Down);
+    }
+
+private:
+    QWidget &m_dialog;
+    QAbstractItemView &m_list;
+    QLineEdit &m_name;
+};
+
+} // namespace zelvar::test
