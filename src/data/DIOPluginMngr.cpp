@@ -2,6 +2,13 @@
 
 namespace zelvar {
 
+DIOPluginMngr::DIOPluginMngr() {
+    OnForgetDrivers([this] {
+        m_plugins.clear();
+        m_owned.clear();
+    });
+}
+
 DIOPluginMngr *DIOPluginMngr::Instance() {
     static auto &manager = *new DIOPluginMngr; // never destroyed: workers may still ask while the process ends
     return &manager;
@@ -23,10 +30,6 @@ void DIOPluginMngr::Add(std::unique_ptr<DIOPlugin> plugin) {
     m_owned.push_back(std::move(plugin));
 }
 
-void DIOPluginMngr::Reset() {
-    m_plugins.clear();
-    m_owned.clear();
-    ForgetDrivers();
-}
+void DIOPluginMngr::Reset() { ForgetDrivers(); }
 
 } // namespace zelvar

@@ -21,11 +21,12 @@ public:
 
     /// Adds a plug-in behind the others; the manager owns it. Not while another thread asks.
     void Add(std::unique_ptr<DIOPlugin> plugin);
-    /// Removes all plug-ins and forgets that the provider was asked. For tests.
+    /// Removes all plug-ins and forgets that the provider was asked; so does a `Reset` of another manager, since the
+    /// provider then adds them anew. For tests.
     void Reset();
 
 private:
-    DIOPluginMngr() = default;
+    DIOPluginMngr();
 
     std::vector<std::unique_ptr<DIOPlugin>> m_owned;
     std::vector<DIOPlugin *> m_plugins;

@@ -3,6 +3,7 @@
 #include <atomic>
 #include <mutex>
 #include <utility>
+#include <vector>
 
 namespace zelvar {
 
@@ -11,6 +12,7 @@ namespace {
 struct State {
     std::recursive_mutex mutex; // the provider itself asks the managers
     DriverProvider provider;
+    std::vector<std::function<void()>> forget;
     std::atomic<bool> done{false};
     std::atomic<bool> slow{false};
     bool running = false;
@@ -52,7 +54,15 @@ bool AreDriversPending() {
 void ForgetDrivers() {
     State &state = TheState();
     std::lock_guard const lock(state.mutex);
+    for (auto const &forget : state.forget)
+        forget();
     state.done.store(false, std::memory_order_release);
+}
+
+void OnForgetDrivers(std::function<void()> forget) {
+    State &state = TheState();
+    std::lock_guard const lock(state.mutex);
+    state.forget.push_back(std::move(forget));
 }
 
 } // namespace zelvar

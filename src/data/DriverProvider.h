@@ -17,5 +17,7 @@ ZELVAR_API void EnsureDrivers();
 [[nodiscard]] ZELVAR_API bool AreDriversPending();
 /// Lets the provider run again at the next question. For tests.
 ZELVAR_API void ForgetDrivers();
+/// `forget` is called then: what the provider added there, it adds anew. It lives as long as the process.
+ZELVAR_API void OnForgetDrivers(std::function<void()> forget);
 
 } // namespace zelvar

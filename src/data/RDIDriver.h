@@ -3,8 +3,8 @@
 #include "zelvar/base/Report.h"
 #include "zelvar/data/BDIMoniker.h"
 #include "zelvar/data/DIOPlugin.h"
+#include "zelvar/data/StopSignal.h"
 
-#include <atomic>
 #include <cstdint>
 #include <optional>
 
@@ -35,9 +35,6 @@ enum RDIDataType {
            : type == RDI_UInt32 || type == RDI_Int32 || type == RDI_Float32 ? 4
                                                                             : 0;
 }
-
-/// Asks a long read to stop: set from any thread, polled by the driver.
-using StopSignal = std::atomic<bool>;
 
 /// Raster data interface driver: reads channels of images.
 ///

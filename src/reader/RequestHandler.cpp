@@ -1,6 +1,9 @@
 #include "zelvar/reader/RequestHandler.h"
 
+#include "zelvar/data/ADIDriverMngr.h"
 #include "zelvar/data/BDIDrvrMngr.h"
+#include "zelvar/data/DIOPluginMngr.h"
+#include "zelvar/data/FormatPlugin.h"
 #include "zelvar/data/RDIDriverMngr.h"
 #include "zelvar/data/reader/NodeMessage.h"
 #include "zelvar/data/wire/MessageChannel.h"
@@ -46,6 +49,16 @@ std::unique_ptr<wire::DriverFactsT> FactsOf(Driver const &driver) {
     return facts;
 }
 
+std::unique_ptr<wire::FormatFactsT> ToWire(FormatFacts const &format) {
+    auto facts = std::make_unique<wire::FormatFactsT>();
+    facts->id = format.id;
+    facts->name = format.name;
+    facts->extensions = format.extensions;
+    facts->reads = format.reads;
+    facts->writes = format.writes;
+    return facts;
+}
+
 /// A node that a driver made, given back to it.
 struct CloseNode {
     BDIDrvr *driver = nullptr;
@@ -80,6 +93,9 @@ DString const *RequestHandler::FileOf(wire::RequestBodyUnion const &body) {
     auto const moniker = [](auto const *asked) {
         return asked != nullptr && asked->image ? &asked->image->moniker : nullptr;
     };
+    auto const table = [](auto const *asked) {
+        return asked != nullptr && asked->table ? &asked->table->moniker : nullptr;
+    };
     auto const path = [](auto const *asked) { return asked == nullptr ? nullptr : &asked->path; };
     switch (body.type) {
     case Kind::ProbeTrees:
@@ -102,6 +118,10 @@ DString const *RequestHandler::FileOf(wire::RequestBodyUnion const &body) {
         return moniker(As<wire::GetAttributeT>(body));
     case Kind::ReadPixels:
         return moniker(As<wire::ReadPixelsT>(body));
+    case Kind::OpenTable:
+        return table(As<wire::OpenTableT>(body));
+    case Kind::ReadRows:
+        return table(As<wire::ReadRowsT>(body));
     default:
         return nullptr;
     }
@@ -144,6 +164,13 @@ std::optional<RequestHandler::Answer> RequestHandler::Handle(wire::RequestBodyUn
     case Kind::CloseImage:
         m_images.Close(As<wire::CloseImageT>(body)->id);
         return std::nullopt;
+    case Kind::OpenTable:
+        return OpenTable(*As<wire::OpenTableT>(body));
+    case Kind::ReadRows:
+        return ReadRows(*As<wire::ReadRowsT>(body));
+    case Kind::CloseTable:
+        m_tables.Close(As<wire::CloseTableT>(body)->id);
+        return std::nullopt;
     default:
         return Failure("a request of an unknown kind");
     }
@@ -158,6 +185,11 @@ RequestHandler::Answer RequestHandler::ListDrivers() {
     }
     for (RDIDriver const *driver : RDIDriverMngr::Instance()->Drivers())
         drivers.rasters.push_back(FactsOf(*driver));
+    for (ADIDriver const *driver : ADIDriverMngr::Instance()->Drivers())
+        drivers.tables.push_back(FactsOf(*driver));
+    for (DIOPlugin const *plugin : DIOPluginMngr::Instance()->Plugins())
+        if (auto const *const format = dynamic_cast<FormatPlugin const *>(plugin))
+            drivers.formats.push_back(ToWire(format->Facts()));
     return Say(std::move(drivers));
 }
 
@@ -218,6 +250,11 @@ OpenTrees::Tree *RequestHandler::TreeOf(std::unique_ptr<wire::TreeSpecT> const &
 OpenImages::Image *RequestHandler::ImageOf(std::unique_ptr<wire::ImageSpecT> const &spec, DString &reason) {
     reason = kIncomplete;
     return spec == nullptr ? nullptr : m_images.Find(*spec, reason);
+}
+
+OpenTables::Table *RequestHandler::TableOf(std::unique_ptr<wire::TableSpecT> const &spec, DString &reason) {
+    reason = kIncomplete;
+    return spec == nullptr ? nullptr : m_tables.Find(*spec, reason);
 }
 
 RequestHandler::Answer RequestHandler::OpenTree(wire::OpenTreeT const &asked) {
@@ -345,6 +382,39 @@ RequestHandler::Answer RequestHandler::ReadPixels(wire::ReadPixelsT const &asked
                                                       asked.height, m_pixels->Data(), asked.outWidth, asked.outHeight,
                                                       asked.resampling, asked.usePyramid, asked.clip);
     return isRead ? Say(wire::PixelsReadT{}) : Failure(IsStopped() ? kStopped : "the pixels cannot be read");
+}
+
+RequestHandler::Answer RequestHandler::OpenTable(wire::OpenTableT const &asked) {
+    DString reason;
+    OpenTables::Table const *const table = TableOf(asked.table, reason);
+    if (table == nullptr)
+        return Failure(std::move(reason));
+    wire::TableOpenedT opened;
+    opened.driver = table->driver->GetId();
+    for (ADIColumn const &column : table->driver->GetColumns(table->handle)) {
+        opened.columns.push_back(std::make_unique<wire::TableColumnT>());
+        opened.columns.back()->name = column.name;
+        opened.columns.back()->type = column.type;
+    }
+    return Say(std::move(opened));
+}
+
+RequestHandler::Answer RequestHandler::ReadRows(wire::ReadRowsT const &asked) {
+    DString reason;
+    OpenTables::Table const *const table = TableOf(asked.table, reason);
+    if (table == nullptr)
+        return Failure(std::move(reason));
+    if (asked.first < 0 || asked.most < 1)
+        return Failure("no such rows");
+    ADIRows rows;
+    if (!table->driver->ReadRows(table->handle, asked.first, asked.most, rows))
+        return Failure(IsStopped() ? kStopped : "the rows cannot be read");
+    wire::RowsReadT read;
+    read.count = rows.count;
+    read.isEnd = rows.isEnd;
+    read.texts = std::move(rows.texts);
+    read.ends = std::move(rows.ends);
+    return Say(std::move(read));
 }
 
 } // namespace zelvar::reader

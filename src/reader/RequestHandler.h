@@ -3,6 +3,7 @@
 #include "zelvar/base/FileDescriptor.h"
 #include "zelvar/data/wire/SharedMemory.h"
 #include "zelvar/reader/OpenImages.h"
+#include "zelvar/reader/OpenTables.h"
 #include "zelvar/reader/OpenTrees.h"
 
 #include <memory>
@@ -21,7 +22,7 @@ public:
     using Answer = wire::AnswerBodyUnion;
 
     /// `stop` is set from any thread when the request under way should end; it outlives this.
-    explicit RequestHandler(StopSignal const &stop) : m_stop(&stop), m_images(stop) {}
+    explicit RequestHandler(StopSignal const &stop) : m_stop(&stop), m_images(stop), m_tables(stop) {}
 
     /// `file` came with the request; null for none. Nothing is yielded for requests that are not answered. Throws what
     /// drivers throw.
@@ -44,17 +45,21 @@ private:
     Answer DescribeChannel(wire::DescribeChannelT const &asked);
     Answer GetAttribute(wire::GetAttributeT const &asked);
     Answer ReadPixels(wire::ReadPixelsT const &asked);
+    Answer OpenTable(wire::OpenTableT const &asked);
+    Answer ReadRows(wire::ReadRowsT const &asked);
 
     /// Those of the drivers that read the file; nothing if it was stopped.
     [[nodiscard]] std::optional<wire::ProbedT> Probe(DString const &path, std::vector<DString> const &drivers) const;
     Answer WalkChildren(OpenTrees::Tree &tree, BDINode const &parent, int mask);
     OpenTrees::Tree *TreeOf(std::unique_ptr<wire::TreeSpecT> const &spec, DString &reason);
     OpenImages::Image *ImageOf(std::unique_ptr<wire::ImageSpecT> const &spec, DString &reason);
+    OpenTables::Table *TableOf(std::unique_ptr<wire::TableSpecT> const &spec, DString &reason);
     [[nodiscard]] bool IsStopped() const { return m_stop->load(); }
 
     StopSignal const *m_stop;
     OpenTrees m_trees;
     OpenImages m_images;
+    OpenTables m_tables;
     std::unique_ptr<wire::SharedMemory> m_pixels;
 };
 

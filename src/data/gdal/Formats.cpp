@@ -79,6 +79,8 @@ constexpr std::string_view kAmbiguous[] = {"txt", "dat", "bin", "xml", "hdr", "d
                                            "mid", "ili", "000", "n1",  "toc", "err", "ter"};
 /// Extensions of tables.
 constexpr std::string_view kTables[] = {"csv", "dbf", "xls", "xlsx", "xlsm", "ods"};
+/// Formats of tables without places.
+constexpr std::string_view kTableFormats[] = {"CSV", "XLS", "XLSX", "ODS"};
 /// Formats whose files are entered like folders.
 constexpr std::string_view kContainers[] = {"netCDF", "HDF5", "HDF4", "GPKG", "SQLite"};
 /// The nodes of a file of the first format open with the second.
@@ -132,6 +134,20 @@ DString Masks(DString const &id, DString extensions) {
     return masks;
 }
 
+/// What GDAL says that a format can do. Layers of vectors are tables as well.
+FormatFacts UsesOf(GDALDriverH driver, Format const &format) {
+    bool const creates = Metadata(driver, GDAL_DCAP_CREATE) == "YES";
+    bool const copies = Metadata(driver, GDAL_DCAP_CREATECOPY) == "YES";
+    std::uint32_t const layers = Contains(kTableFormats, format.id) ? BDINode_Table : BDINode_Thematic | BDINode_Table;
+    std::uint32_t const pictureUse = format.raster ? BDINode_Raster : 0U;
+    std::uint32_t const layerUse = format.vector ? layers : 0U;
+    FormatFacts facts{.id = format.id, .name = format.name, .extensions = format.extensions};
+    if (Metadata(driver, GDAL_DCAP_OPEN) == "YES")
+        facts.reads = pictureUse | layerUse;
+    facts.writes = (creates || copies ? pictureUse : 0U) | (creates ? layerUse : 0U);
+    return facts;
+}
+
 } // namespace
 
 Formats const &Formats::Instance() {
@@ -149,10 +165,13 @@ Formats::Formats() {
         format.raster = Metadata(driver, GDAL_DCAP_RASTER) == "YES";
         format.vector = Metadata(driver, GDAL_DCAP_VECTOR) == "YES";
         format.subdatasets = Metadata(driver, GDAL_DMD_SUBDATASETS) == "YES";
-        if (Metadata(driver, GDAL_DCAP_OPEN) != "YES" || (!format.raster && !format.vector) ||
-            std::binary_search(kBarred.begin(), kBarred.end(), format.id))
+        if ((!format.raster && !format.vector) || std::binary_search(kBarred.begin(), kBarred.end(), format.id))
             continue;
         format.extensions = Masks(format.id, Metadata(driver, GDAL_DMD_EXTENSIONS));
+        if (FormatFacts uses = UsesOf(driver, format); uses.reads != 0 || uses.writes != 0)
+            m_uses.push_back(std::move(uses));
+        if (Metadata(driver, GDAL_DCAP_OPEN) != "YES")
+            continue;
         format.openOptions = OptionNames(Metadata(driver, GDAL_DMD_OPENOPTIONLIST));
         for (DString const &mask : Split(format.extensions, ';')) {
             DString const extension = LowerCase(ExtensionOf(mask));

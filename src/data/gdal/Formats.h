@@ -1,6 +1,6 @@
 #pragma once
 
-#include "zelvar/base/DString.h"
+#include "zelvar/data/FormatPlugin.h"
 
 #include <memory>
 #include <set>
@@ -28,6 +28,8 @@ public:
 
     [[nodiscard]] std::vector<Format> const &All() const { return m_formats; }
     [[nodiscard]] Format const *Find(std::string_view id) const;
+    /// What each format can be used for: those of `All` and others that are files and only written.
+    [[nodiscard]] std::vector<FormatFacts> const &Uses() const { return m_uses; }
     /// `BDINodeType` bits of a file of that name, told by its extension alone; 0 for what is no data.
     [[nodiscard]] std::uint32_t TypeOf(std::string_view fileName) const;
     /// Names of the allowed formats in GDAL's order, ended by null, as GDAL takes them. With a format only its own, and
@@ -40,6 +42,7 @@ public:
 private:
     Formats();
     std::vector<Format> m_formats;
+    std::vector<FormatFacts> m_uses;
     std::unordered_map<DString, std::uint32_t> m_types; ///< by extension, lower case
 };
 

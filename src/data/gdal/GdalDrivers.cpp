@@ -1,10 +1,13 @@
 #include "zelvar/data/gdal/GdalDrivers.h"
 
+#include "zelvar/data/ADIDriverMngr.h"
 #include "zelvar/data/BDIDrvrMngr.h"
+#include "zelvar/data/DIOPluginMngr.h"
 #include "zelvar/data/RDIDriverMngr.h"
 #include "zelvar/data/gdal/ContainerTree.h"
 #include "zelvar/data/gdal/FolderTree.h"
 #include "zelvar/data/gdal/RasterDriver.h"
+#include "zelvar/data/gdal/TableDriver.h"
 #include "zelvar/data/gdal/ZipTree.h"
 
 namespace zelvar {
@@ -12,6 +15,7 @@ namespace zelvar {
 void RegisterGdalDrivers() {
     BDIDrvrMngr &trees = *BDIDrvrMngr::Instance();
     RDIDriverMngr &rasters = *RDIDriverMngr::Instance();
+    ADIDriverMngr &tables = *ADIDriverMngr::Instance();
     // Places and archives come first: no format reads them as they are.
     for (gdal::FolderKind const kind : {gdal::FolderKind::Directory, gdal::FolderKind::Smb, gdal::FolderKind::Web})
         trees.Add(std::make_unique<gdal::FolderDriver>(kind));
@@ -20,7 +24,11 @@ void RegisterGdalDrivers() {
         trees.Add(std::make_unique<gdal::ContainerDriver>(format));
         if (format.raster)
             rasters.Add(std::make_unique<gdal::RasterDriver>(format));
+        if (format.vector)
+            tables.Add(std::make_unique<gdal::TableDriver>(format));
     }
+    for (FormatFacts const &uses : gdal::Formats::Instance().Uses())
+        DIOPluginMngr::Instance()->Add(std::make_unique<FormatPlugin>(uses));
 }
 
 } // namespace zelvar

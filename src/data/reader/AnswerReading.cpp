@@ -1,5 +1,6 @@
 #include "zelvar/data/reader/AnswerReading.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace zelvar {
@@ -18,6 +19,30 @@ ChannelFacts ChannelFrom(wire::ChannelT const *channel) {
         channel->slices < 0 || channel->timeFrames < 0)
         return {};
     return {channel->sizeX, channel->sizeY, channel->dataType, {channel->slices, channel->timeFrames}};
+}
+
+std::vector<ADIColumn> ColumnsFrom(wire::TableOpenedT &&opened) {
+    std::vector<ADIColumn> columns;
+    columns.reserve(opened.columns.size());
+    for (std::unique_ptr<wire::TableColumnT> const &column : opened.columns)
+        if (column != nullptr) {
+            bool const isNumber = column->type == ADICol_Int || column->type == ADICol_Double;
+            columns.push_back({.name = ToValidUtf8(column->name),
+                               .type = isNumber ? static_cast<ADIColType>(column->type) : ADICol_String});
+        }
+    return columns;
+}
+
+bool TakeRows(wire::RowsReadT &&read, std::size_t columns, int most, ADIRows &rows) {
+    if (read.count < 0 || read.count > most || read.ends.size() != static_cast<std::size_t>(read.count) * columns ||
+        !std::is_sorted(read.ends.begin(), read.ends.end()) ||
+        (!read.ends.empty() && read.ends.back() != read.texts.size()))
+        return false;
+    rows.count = read.count;
+    rows.isEnd = read.isEnd || read.count == 0; // who has nothing more to give is at the end
+    rows.texts = std::move(read.texts);
+    rows.ends = std::move(read.ends);
+    return true;
 }
 
 } // namespace zelvar

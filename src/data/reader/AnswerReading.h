@@ -1,5 +1,6 @@
 #pragma once
 
+#include "zelvar/data/ADIDriver.h"
 #include "zelvar/data/RDIDriver.h"
 #include "zelvar/data/reader/NodeMessage.h"
 
@@ -31,5 +32,12 @@ struct ChannelFacts {
 };
 /// Of a channel that is not there, and of one whose figures cannot be: zeros.
 [[nodiscard]] ChannelFacts ChannelFrom(wire::ChannelT const *channel);
+
+/// Columns with names that are valid UTF-8 and types that are known.
+[[nodiscard]] std::vector<ADIColumn> ColumnsFrom(wire::TableOpenedT &&opened);
+
+/// The rows of a table with so many columns, `most` of them or fewer; false, and `rows` unchanged, if what was told of
+/// them cannot be.
+[[nodiscard]] bool TakeRows(wire::RowsReadT &&read, std::size_t columns, int most, ADIRows &rows);
 
 } // namespace zelvar

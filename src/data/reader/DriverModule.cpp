@@ -2,14 +2,18 @@
 
 #include "zelvar/base/PathStyle.h"
 #include "zelvar/base/Report.h"
+#include "zelvar/data/ADIDriverMngr.h"
 #include "zelvar/data/BDIDrvrMngr.h"
+#include "zelvar/data/DIOPluginMngr.h"
 #include "zelvar/data/DriverProvider.h"
+#include "zelvar/data/FormatPlugin.h"
 #include "zelvar/data/PlaceCheck.h"
 #include "zelvar/data/ProbeAhead.h"
 #include "zelvar/data/RDIDriverMngr.h"
 #include "zelvar/data/reader/Places.h"
 #include "zelvar/data/reader/Readers.h"
 #include "zelvar/data/reader/RemoteRasterDriver.h"
+#include "zelvar/data/reader/RemoteTableDriver.h"
 #include "zelvar/data/reader/RemoteTreeDriver.h"
 #include "zelvar/data/reader/TreeProbes.h"
 
@@ -54,6 +58,17 @@ void AddRemoteDrivers() {
     for (auto const &facts : drivers->rasters)
         if (facts != nullptr)
             RDIDriverMngr::Instance()->Add(std::make_unique<RemoteRasterDriver>(std::move(*facts)));
+    for (auto const &facts : drivers->tables)
+        if (facts != nullptr)
+            ADIDriverMngr::Instance()->Add(std::make_unique<RemoteTableDriver>(std::move(*facts)));
+    for (auto const &facts : drivers->formats)
+        if (facts != nullptr)
+            DIOPluginMngr::Instance()->Add(
+                std::make_unique<FormatPlugin>(FormatFacts{.id = std::move(facts->id),
+                                                           .name = std::move(facts->name),
+                                                           .extensions = std::move(facts->extensions),
+                                                           .reads = facts->reads,
+                                                           .writes = facts->writes}));
 }
 
 } // namespace

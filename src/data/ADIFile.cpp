@@ -1,0 +1,233 @@
+#include "zelvar/data/ADIFile.h"
+
+#include "zelvar/data/ADIDriverMngr.h"
+#include "zelvar/data/TableWriter.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <utility>
+
+namespace zelvar {
+
+/// A table that is read: the batch of rows that the current one lies in.
+class ADIFile::Reading {
+public:
+    Reading(BDIMoniker const &moniker, char const *driverId, DError &error) {
+        std::ignore = ADIDriverMngr::Instance()->OpenTable(moniker, &m_driver, &m_handle, &error, driverId);
+    }
+    ~Reading() {
+        if (m_handle != nullptr)
+            m_driver->CloseTable(m_handle);
+    }
+    Reading(Reading const &) = delete;
+    Reading &operator=(Reading const &) = delete;
+
+    [[nodiscard]] bool IsOpen() const { return m_handle != nullptr; }
+    [[nodiscard]] std::vector<ADIColumn> const &Columns() const {
+        static std::vector<ADIColumn> const none;
+        return IsOpen() ? m_driver->GetColumns(m_handle) : none;
+    }
+    bool SetRow(std::int64_t row) {
+        m_row = -1;
+        if (!IsOpen() || row < 0)
+            return false;
+        if (!IsHere(row) && !Fetch(row))
+            return false;
+        m_row = row;
+        return true;
+    }
+    [[nodiscard]] DString Text(std::size_t column) const {
+        if (m_row < 0)
+            return {};
+        return DString(m_rows.Cell(static_cast<std::size_t>(m_row - m_rows.first) * Columns().size() + column));
+    }
+
+private:
+    // The first batch fills a page of a list; who reads on and on needs fewer calls.
+    static constexpr int kFirstBatch = 256;
+    static constexpr int kMostRows = 4096;
+
+    [[nodiscard]] bool IsHere(std::int64_t row) const {
+        return row >= m_rows.first && row < m_rows.first + m_rows.count;
+    }
+    bool Fetch(std::int64_t row) {
+        std::int64_t const behind = m_rows.first + m_rows.count;
+        if (m_rows.isEnd && row >= behind)
+            return false;
+        m_batch = m_rows.count > 0 && row == behind ? std::min(m_batch * 2, kMostRows) : kFirstBatch;
+        m_rows = {};
+        return m_driver->ReadRows(m_handle, row, m_batch, m_rows) && IsHere(row);
+    }
+
+    ADIDriver *m_driver = nullptr; ///< the manager's
+    void *m_handle = nullptr;
+    ADIRows m_rows;
+    int m_batch = kFirstBatch;
+    std::int64_t m_row = -1; ///< the current one
+};
+
+/// A table that is written, cell by cell.
+class ADIFile::Writing {
+public:
+    explicit Writing(std::unique_ptr<TableWriter> writer) : m_writer(std::move(writer)) {}
+
+    [[nodiscard]] bool IsGood() const { return m_writer->IsGood(); }
+    [[nodiscard]] std::vector<ADIColumn> const &Columns() const { return m_columns; }
+    void Reserve(int columns) { m_columns.reserve(static_cast<std::size_t>(std::clamp(columns, 0, 4096))); }
+    void AddColumn(ADIColumn column) {
+        if (!m_hasBegun)
+            m_columns.push_back(std::move(column));
+    }
+    void AddRow() {
+        EndRow();
+        m_written = 0;
+        m_hasRow = true;
+    }
+    void Add(std::string_view text) {
+        if (!m_hasRow || m_written == m_columns.size())
+            return;
+        m_writer->AddCell(text);
+        ++m_written;
+    }
+    bool Finish() {
+        EndRow();
+        m_hasRow = false;
+        return !std::exchange(m_isFinished, true) && m_writer->Finish();
+    }
+
+private:
+    /// The head of the table, or the empty cells behind those written.
+    void EndRow() {
+        if (!std::exchange(m_hasBegun, true))
+            m_writer->Begin(m_columns);
+        while (m_hasRow && m_written < m_columns.size())
+            Add({});
+    }
+
+    std::unique_ptr<TableWriter> m_writer;
+    std::vector<ADIColumn> m_columns;
+    std::size_t m_written = 0; ///< cells of the row
+    bool m_hasBegun = false;
+    bool m_hasRow = false;
+    bool m_isFinished = false;
+};
+
+ADIFile::ADIFile(DFile const &file, char const *format, tdFormatAccessType access, DIOPlugin *plugin,
+                 char const *options) {
+    DString id = format == nullptr ? "" : format;
+    if (id.empty() && plugin != nullptr)
+        id = plugin->GetId();
+    DError error;
+    if (access == tdFormatAccess_Write) {
+        if (std::unique_ptr<TableWriter> writer = TableWriter::Create(id, file.GetMoniker()))
+            m_writing = std::make_unique<Writing>(std::move(writer));
+        if (m_writing == nullptr)
+            error.Set("no table is written as \"" + id + "\"");
+        else if (!m_writing->IsGood())
+            error.Set("\"" + file.GetMoniker() + "\" cannot be written");
+        if (error.IsSet())
+            Report::TraceMessage(Report::kTraceOpen, "%s", error.Text().c_str());
+    } else {
+        BDIMoniker const moniker(file.GetMoniker(), nullptr);
+        m_reading =
+            std::make_unique<Reading>(moniker.WithOptions(options == nullptr ? "" : options), id.c_str(), error);
+    }
+    m_error = error.Text();
+}
+
+ADIFile::~ADIFile() = default;
+
+bool ADIFile::IsOpen() const {
+    return m_reading != nullptr ? m_reading->IsOpen() : m_writing != nullptr && m_writing->IsGood();
+}
+
+DString const &ADIFile::GetError() const { return m_error; }
+
+bool ADIFile::CanWrite(DString const &format) {
+    return TableWriter::Create(format, {}) != nullptr; // which without a path begins nothing
+}
+
+namespace {
+
+ADIColumn const *ColumnAt(std::vector<ADIColumn> const &columns, int col) {
+    return col >= 0 && static_cast<std::size_t>(col) < columns.size() ? &columns[static_cast<std::size_t>(col)]
+                                                                      : nullptr;
+}
+
+template <class Number>
+std::string_view TextOf(Number value, std::array<char, 64> &digits) {
+    auto const end = std::to_chars(digits.data(), digits.data() + digits.size(), value);
+    return {digits.data(), static_cast<std::size_t>(end.ptr - digits.data())};
+}
+
+} // namespace
+
+int ADIFile::GetNumCols() const {
+    return static_cast<int>(m_reading != nullptr   ? m_reading->Columns().size()
+                            : m_writing != nullptr ? m_writing->Columns().size()
+                                                   : 0);
+}
+
+DString ADIFile::GetColName(int col) const {
+    ADIColumn const *const column = m_reading != nullptr
+                                        ? ColumnAt(m_reading->Columns(), col)
+                                        : (m_writing != nullptr ? ColumnAt(m_writing->Columns(), col) : nullptr);
+    return column == nullptr ? DString() : column->name;
+}
+
+ADIColType ADIFile::GetColType(int col) const {
+    ADIColumn const *const column = m_reading != nullptr
+                                        ? ColumnAt(m_reading->Columns(), col)
+                                        : (m_writing != nullptr ? ColumnAt(m_writing->Columns(), col) : nullptr);
+    return column == nullptr ? ADICol_String : column->type;
+}
+
+bool ADIFile::SetRow(int row) { return m_reading != nullptr && m_reading->SetRow(row); }
+
+DString ADIFile::GetText(int col) const {
+    bool const isThere = m_reading != nullptr && ColumnAt(m_reading->Columns(), col) != nullptr;
+    return isThere ? m_reading->Text(static_cast<std::size_t>(col)) : DString();
+}
+
+void ADIFile::InitTable(int, int cols) {
+    if (m_writing != nullptr)
+        m_writing->Reserve(cols);
+}
+
+void ADIFile::AddCol(char const *name, ADIColType type) {
+    if (m_writing != nullptr)
+        m_writing->AddColumn({.name = ToValidUtf8(name == nullptr ? "" : name), .type = type});
+}
+
+void ADIFile::AddRow() {
+    if (m_writing != nullptr)
+        m_writing->AddRow();
+}
+
+void ADIFile::WriteString(char const *text) {
+    if (m_writing != nullptr)
+        m_writing->Add(ToValidUtf8(text == nullptr ? "" : text));
+}
+
+void ADIFile::WriteInt(std::int64_t value) {
+    std::array<char, 64> digits{};
+    if (m_writing != nullptr)
+        m_writing->Add(TextOf(value, digits));
+}
+
+void ADIFile::WriteDouble(double value) {
+    std::array<char, 64> digits{};
+    if (m_writing != nullptr)
+        m_writing->Add(TextOf(value, digits));
+}
+
+bool ADIFile::Finish() {
+    if (m_writing != nullptr && m_writing->Finish())
+        return true;
+    Report::TraceMessage(Report::kTraceOpen, "a table could not be written%s%s", m_error.empty() ? "" : ": ",
+                         m_error.c_str());
+    return false;
+}
+
+} // namespace zelvar

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "zelvar/data/ADIDriver.h"
+#include "zelvar/data/gdal/Formats.h"
+
+namespace zelvar::gdal {
+
+/// Table driver over one of GDAL's formats. All of them are one family.
+class TableDriver : public ADIDriver {
+public:
+    explicit TableDriver(Format const &format) : m_format(format) {}
+
+    [[nodiscard]] DString GetId() const override { return m_format.id; }
+    [[nodiscard]] DString GetInfo() const override { return m_format.name; }
+    [[nodiscard]] DString GetExtensions() const override { return m_format.extensions; }
+    [[nodiscard]] DString GetFamily() const override { return "GDAL"; }
+
+    void *OpenTable(BDIMoniker const &moniker, StopSignal const *stop, DError *error) override;
+    void *OpenTableInFamily(BDIMoniker const &moniker, ADIDriver **opener, StopSignal const *stop,
+                            DError *error) override;
+    void CloseTable(void *handle) override;
+    [[nodiscard]] std::vector<ADIColumn> const &GetColumns(void *handle) const override;
+    bool ReadRows(void *handle, std::int64_t first, int most, ADIRows &rows) override;
+
+private:
+    Format const &m_format; ///< the catalogue's
+};
+
+} // namespace zelvar::gdal

@@ -1,0 +1,33 @@
+#include "zelvar/reader/OpenTables.h"
+
+#include "zelvar/data/ADIDriverMngr.h"
+
+namespace zelvar::reader {
+
+OpenTables::Table::~Table() {
+    if (handle != nullptr)
+        driver->CloseTable(handle);
+}
+
+OpenTables::Table *OpenTables::Find(wire::TableSpecT const &spec, DString &reason) {
+    if (Table *const open = m_tables.Find(spec.id); open != nullptr)
+        return open;
+    auto table = std::make_unique<Table>();
+    table->driver = ADIDriverMngr::Instance()->GetDriver(spec.driver.c_str());
+    if (table->driver == nullptr) {
+        reason = "no table driver " + spec.driver;
+        return nullptr;
+    }
+    DError error;
+    BDIMoniker const moniker(spec.moniker, nullptr);
+    ADIDriver &asked = *table->driver;
+    table->handle = spec.family ? asked.OpenTableInFamily(moniker, &table->driver, m_stop, &error)
+                                : asked.OpenTable(moniker, m_stop, &error);
+    if (table->handle == nullptr) {
+        reason = error.IsSet() ? error.Text() : spec.driver + " does not open " + spec.moniker;
+        return nullptr;
+    }
+    return m_tables.Add(spec.id, std::move(table));
+}
+
+} // namespace zelvar::reader

@@ -1,0 +1,26 @@
+#include "support/TableFiles.h"
+
+#include <gdal.h>
+#include <gdal_utils.h>
+#include <gtest/gtest.h>
+
+#include <array>
+
+namespace zelvar::test {
+
+void ConvertTable(std::string const &csv, std::string const &path, std::string const &format) {
+    GDALAllRegister();
+    std::array<char const *, 2> openOptions{"AUTODETECT_TYPE=YES", nullptr};
+    GDALDatasetH source = GDALOpenEx(csv.c_str(), GDAL_OF_VECTOR, nullptr, openOptions.data(), nullptr);
+    ASSERT_NE(source, nullptr);
+    std::array<std::string, 4> words{"-f", format, "-nln", "t"};
+    std::array<char *, 5> arguments{words[0].data(), words[1].data(), words[2].data(), words[3].data(), nullptr};
+    GDALVectorTranslateOptions *options = GDALVectorTranslateOptionsNew(arguments.data(), nullptr);
+    GDALDatasetH target = GDALVectorTranslate(path.c_str(), nullptr, 1, &source, options, nullptr);
+    EXPECT_NE(target, nullptr) << path;
+    GDALClose(target);
+    GDALVectorTranslateOptionsFree(options);
+    GDALClose(source);
+}
+
+} // namespace zelvar::test
