@@ -1,1 +1,0 @@
-// Keeps the room a library while nothing is in it.
