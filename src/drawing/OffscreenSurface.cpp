@@ -91,6 +91,11 @@ QPainter *OffscreenSurface::GetDC() {
     return m_painter.get();
 }
 
+QImage &OffscreenSurface::GetPixels() {
+    m_painter.reset();
+    return m_image;
+}
+
 void OffscreenSurface::CopyTo(QPainter *target, int x, int y) {
     m_painter.reset();
     if (target != nullptr && !m_image.isNull())

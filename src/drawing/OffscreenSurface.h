@@ -34,6 +34,8 @@ public:
     /// Draws on the surface; null while it is empty. It belongs to the surface and ends with the next `Resize`, `Clear`
     /// or `CopyTo`.
     [[nodiscard]] QPainter *GetDC();
+    /// The device's pixels to write to, 32 bits each; ends the drawing of `GetDC`.
+    [[nodiscard]] QImage &GetPixels();
     /// Copies the surface to `target`, its upper left corner at (`x`, `y`).
     void CopyTo(QPainter *target, int x, int y);
     [[nodiscard]] QImage const &GetImage() const { return m_image; }

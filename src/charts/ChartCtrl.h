@@ -1,0 +1,54 @@
+#pragma once
+
+#include "zelvar/base/DString.h"
+#include "zelvar/base/Geometry.h"
+#include "zelvar/drawing/OffscreenSurface.h"
+#include "zelvar/platform/ui/WindowMessage.h"
+
+#include <QtWidgets/QWidget>
+
+namespace zelvar {
+
+/// Posted by a chart to its parent when the user has picked something: by `CPlotCtrl` with a pointer to the point, by
+/// `CHstgCtrl` without parameters. The number is the applications'.
+ZELVAR_API extern const platform::MessageId WM_CHART_SELECTED;
+
+/// A chart's window: a picture that is rendered when something has changed and otherwise only copied.
+class ZELVAR_API ChartCtrl : public QWidget {
+    Q_OBJECT
+public:
+    explicit ChartCtrl(QWidget *parent = nullptr);
+    ~ChartCtrl() override;
+
+    /// What is selected, in words, for screen readers; empty for nothing.
+    [[nodiscard]] virtual DString SelectionText() const = 0;
+    /// What the chart shows, in words.
+    [[nodiscard]] virtual DString DescriptionText() const = 0;
+
+protected:
+    /// Draws all of the picture on a white surface of the client's size.
+    virtual void Render(OffscreenSurface &surface) = 0;
+
+    /// The picture must be rendered again.
+    void MarkDirty();
+
+    [[nodiscard]] Size ClientSize() const { return {width(), height()}; }
+    void NotifyParent(platform::MessageParam first);
+    /// Tells screen readers that the selection is another.
+    void AnnounceSelection();
+
+    void paintEvent(QPaintEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void focusInEvent(QFocusEvent *event) override;
+    void focusOutEvent(QFocusEvent *event) override;
+
+private:
+    OffscreenSurface m_surface;
+    bool m_dirty = true;
+    bool m_showsFocus = false; ///< the focus came by key
+};
+
+/// A black rectangle around the client area, one pixel wide.
+void DrawChartFrame(QPainter &painter, Size client);
+
+} // namespace zelvar

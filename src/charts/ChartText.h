@@ -1,0 +1,24 @@
+#pragma once
+
+#include "zelvar/base/DString.h"
+#include "zelvar/base/Geometry.h"
+
+#include <QtGui/QFont>
+
+#include <cstdint>
+
+class QPainter;
+
+namespace zelvar {
+
+/// A font by its face and a size in tenths of a point, at 96 dots an inch: the rectangles of the labels are in pixels.
+[[nodiscard]] QFont ChartFont(char const *face, int tenthsOfPoint);
+
+enum class LabelAlign : std::uint8_t { Center, Right };
+/// Draws a text at the top of a rectangle in the painter's font and pen; with `clip` it is cut at the rectangle.
+void DrawLabel(QPainter &painter, DString const &text, Rect const &rect, LabelAlign align, bool clip);
+
+/// Draws a text centred in a rectangle and turned against the clock by `degrees`, with the painter's font and pen.
+void DrawRotatedText(QPainter &painter, DString const &text, Rect const &rect, double degrees);
+
+} // namespace zelvar

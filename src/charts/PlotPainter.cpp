@@ -1,0 +1,244 @@
+#include "zelvar/charts/PlotPainter.h"
+
+#include "zelvar/charts/ChartText.h"
+#include "zelvar/charts/core/MarkerField.h"
+#include "zelvar/drawing/OffscreenSurface.h"
+
+#include <QtGui/QPainter>
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+
+namespace zelvar {
+
+namespace {
+
+constexpr int kManyLabels = 45; // from here on the x labels are smaller
+constexpr int kUsualFont = 75;  // tenths of a point
+constexpr int kSmallFont = 65;
+constexpr int kRadius = 3; // of a marker; pixels
+constexpr int kSelectedRadius = 4;
+constexpr QRgb kRed = qRgb(230, 0, 0);
+
+QPen DataPen() { return {QColor(kRed), 1}; }
+
+/// The ellipse in the half-open rectangle around a place.
+void DrawMarker(QPainter &painter, int x, int y, int radius) {
+    painter.drawEllipse(x - radius, y - radius, 2 * radius - 1, 2 * radius - 1);
+}
+
+/// The pixels of a marker at a logical pixel, as the painter draws it on a device of that ratio.
+MarkerShape ShapeAt(int x, int y, double ratio) {
+    constexpr int reach = kRadius + 2; // logical pixels around the place
+    auto const extent = static_cast<int>(std::ceil((std::max(x, y) + reach) * ratio)) + 1;
+    QImage image(extent, extent, QImage::Format_RGB32);
+    image.setDevicePixelRatio(ratio);
+    image.fill(Qt::white);
+    QPainter painter(&image);
+    painter.setPen(DataPen());
+    painter.setBrush(QColor(kRed));
+    DrawMarker(painter, x, y, kRadius);
+    painter.end();
+
+    auto const centerX = static_cast<int>(std::floor(x * ratio));
+    auto const centerY = static_cast<int>(std::floor(y * ratio));
+    int const around = extent - std::max(centerX, centerY);
+    MarkerShape shape;
+    for (int row = std::max(0, centerY - around); row < extent; ++row) {
+        auto const *const pixels = reinterpret_cast<QRgb const *>(image.constScanLine(row));
+        int first = -1;
+        int last = -1;
+        for (int column = std::max(0, centerX - around); column < extent; ++column) {
+            if (pixels[column] != kRed)
+                continue;
+            first = first < 0 ? column : first;
+            last = column;
+        }
+        if (first < 0)
+            continue;
+        if (shape.spans.empty())
+            shape.top = row - centerY;
+        shape.spans.emplace_back(first - centerX, last - centerX);
+    }
+    return shape;
+}
+
+void FillPixels(QImage &image, PixelRows const &pixels, QRgb color) {
+    for (int y = 0; y < std::min(image.height(), pixels.Height()); ++y) {
+        auto *const target = reinterpret_cast<QRgb *>(image.scanLine(y));
+        PixelRows::Word const *const row = pixels.Row(y);
+        for (int word = 0; word * PixelRows::kBits < image.width(); ++word)
+            for (PixelRows::Word bits = row[word]; bits != 0; bits &= bits - 1)
+                if (int const x = word * PixelRows::kBits + std::countr_zero(bits); x < image.width())
+                    target[x] = color;
+    }
+}
+
+/// The lines of a polyline. Those that follow each other in one column of pixels become one.
+class LineRun {
+public:
+    explicit LineRun(QPainter &painter) : m_painter(painter) {}
+    LineRun(LineRun const &) = delete;
+    LineRun &operator=(LineRun const &) = delete;
+    ~LineRun() {
+        EndColumn();
+        Flush();
+    }
+    void To(int x, int y) {
+        if (m_hasStarted && x == m_x) {
+            m_top = std::min(m_top, y);
+            m_bottom = std::max(m_bottom, y);
+        } else {
+            EndColumn();
+            if (m_hasStarted)
+                Add(QLine(m_x, m_y, x, y));
+            m_top = m_bottom = y;
+        }
+        m_hasStarted = true;
+        m_x = x;
+        m_y = y;
+    }
+    /// The next point begins a line of its own.
+    void Break() {
+        EndColumn();
+        m_hasStarted = false;
+    }
+
+private:
+    void EndColumn() {
+        if (m_hasStarted && m_top != m_bottom)
+            Add(QLine(m_x, m_top, m_x, m_bottom));
+    }
+    void Add(QLine line) {
+        constexpr qsizetype batch = 4096;
+        m_lines.push_back(line);
+        if (m_lines.size() == batch)
+            Flush();
+    }
+    void Flush() {
+        m_painter.drawLines(m_lines);
+        m_lines.clear();
+    }
+
+    QPainter &m_painter;
+    QVector<QLine> m_lines;
+    bool m_hasStarted = false;
+    int m_x = 0;
+    int m_y = 0;
+    int m_top = 0;
+    int m_bottom = 0;
+};
+
+bool IsPlace(PlotPoint point) { return std::isfinite(point.x) && std::isfinite(point.y); }
+
+/// Lines to the points from `first` to before `last`, beginning at the one before them.
+void DrawLines(QPainter &painter, PlotGeometry const &geometry, std::span<PlotPoint const> points, std::size_t first,
+               std::size_t last) {
+    painter.setPen(DataPen());
+    LineRun run(painter);
+    for (std::size_t i = first == 0 ? 0 : first - 1; i < last; ++i) {
+        if (IsPlace(points[i]))
+            run.To(geometry.DataToWndX(points[i].x), geometry.DataToWndY(points[i].y));
+        else
+            run.Break();
+    }
+}
+
+void DrawMarkers(OffscreenSurface &surface, PlotGeometry const &geometry, std::span<PlotPoint const> points) {
+    MarkerField field(surface.GetWidth(), surface.GetHeight());
+    bool any = false;
+    for (PlotPoint const point : points)
+        if (geometry.IsInRange(point) && IsPlace(point)) {
+            field.Add(geometry.DataToWndX(point.x), geometry.DataToWndY(point.y));
+            any = true;
+        }
+    if (!any)
+        return;
+    double const ratio = surface.GetImage().devicePixelRatio();
+    FillPixels(surface.GetPixels(), field.Render(ratio, [ratio](int x, int y) { return ShapeAt(x, y, ratio); }), kRed);
+}
+
+/// Points from `first` to before `last`, all in one colour.
+void DrawSpan(OffscreenSurface &surface, PlotGeometry const &geometry, std::span<PlotPoint const> points,
+              bool withLines, std::size_t first, std::size_t last) {
+    if (first == last)
+        return;
+    if (QPainter *const painter = surface.GetDC(); withLines && painter != nullptr)
+        DrawLines(*painter, geometry, points, first, last);
+    DrawMarkers(surface, geometry, points.subspan(first, last - first));
+}
+
+} // namespace
+
+void DrawPlotAxes(QPainter &painter, PlotGeometry const &geometry) {
+    QPen pen(Qt::black, 2);
+    pen.setCapStyle(Qt::SquareCap);
+    pen.setJoinStyle(Qt::MiterJoin);
+    painter.setPen(pen);
+    QPoint const corner(geometry.PlotMinX(), geometry.PlotMaxY());
+    QPoint const path[] = {{geometry.PlotMinX(), geometry.PlotMinY()}, corner, {geometry.PlotMaxX(), corner.y()}};
+    painter.drawPolyline(path, 3);
+}
+
+void DrawPlotTickMarks(QPainter &painter, PlotGeometry const &geometry, PlotTexts const &texts) {
+    if (!geometry.HasTickMarks())
+        return;
+    QPen tick(Qt::black, 2);
+    tick.setCapStyle(Qt::FlatCap);
+    QPen grid(Qt::black, 1);
+    grid.setCapStyle(Qt::FlatCap);
+    grid.setDashPattern({3, 3});
+    QFont const usual = ChartFont("Arial Narrow", kUsualFont);
+
+    painter.setFont(texts.numXLabels < kManyLabels ? usual : ChartFont("Arial Narrow", kSmallFont));
+    int const bottom = geometry.PlotMaxY();
+    for (TickMark const &mark : texts.ticksX) {
+        painter.setPen(tick);
+        painter.drawLine(mark.pixel, bottom, mark.pixel, bottom + 5);
+        DrawLabel(painter, mark.label, mark.labelRect, LabelAlign::Center, false);
+        if (texts.drawGrid && mark.hasGrid) {
+            painter.setPen(grid);
+            painter.drawLine(mark.pixel, bottom, mark.pixel, geometry.PlotMinY());
+        }
+    }
+    painter.setFont(usual);
+    int const left = geometry.PlotMinX();
+    for (TickMark const &mark : texts.ticksY) {
+        painter.setPen(tick);
+        painter.drawLine(left, mark.pixel, left - 5, mark.pixel);
+        DrawLabel(painter, mark.label, mark.labelRect, LabelAlign::Right, false);
+        if (texts.drawGrid && mark.hasGrid) {
+            painter.setPen(grid);
+            painter.drawLine(left, mark.pixel, geometry.PlotMaxX(), mark.pixel);
+        }
+    }
+    painter.setPen(tick);
+    if (!texts.title.empty())
+        DrawLabel(painter, texts.title, geometry.TitleRect(), LabelAlign::Center, true);
+    if (!texts.captionX.empty())
+        DrawLabel(painter, texts.captionX, geometry.CaptionXRect(), LabelAlign::Center, true);
+    if (!texts.captionY.empty()) {
+        constexpr int height = 65; // a cell ten pixels high
+        constexpr double upwards = 90.0;
+        painter.setFont(ChartFont("Arial", height));
+        DrawRotatedText(painter, texts.captionY, geometry.CaptionYRect(), upwards);
+    }
+}
+
+void DrawPlotData(OffscreenSurface &surface, PlotGeometry const &geometry, std::span<PlotPoint const> points,
+                  bool withLines, std::optional<std::size_t> selected) {
+    bool const shows = selected && *selected < points.size() && geometry.IsInRange(points[*selected]);
+    // All is of one colour but the selected point: what comes before it lies under it, the rest above.
+    std::size_t const cut = shows ? *selected + 1 : points.size();
+    DrawSpan(surface, geometry, points, withLines, 0, cut);
+    if (QPainter *const painter = surface.GetDC(); shows && painter != nullptr) {
+        painter->setPen(DataPen());
+        painter->setBrush(Qt::blue);
+        PlotPoint const point = points[cut - 1];
+        DrawMarker(*painter, geometry.DataToWndX(point.x), geometry.DataToWndY(point.y), kSelectedRadius);
+    }
+    DrawSpan(surface, geometry, points, withLines, cut, points.size());
+}
+
+} // namespace zelvar
