@@ -12,8 +12,6 @@ namespace zelvar {
 namespace {
 
 constexpr int kLargest = std::numeric_limits<int>::max();
-constexpr std::size_t kLanes = 4; // equal neighbours go to different tables, so that no sum waits for the last one
-
 template <class Sample>
 constexpr bool kIsNarrow = std::is_integral_v<Sample> && sizeof(Sample) <= 2;
 
@@ -24,8 +22,11 @@ template <class Sample>
 std::vector<std::uint64_t> CountEach(std::span<Sample const> samples) {
     constexpr std::size_t values = std::size_t{1} << (8 * sizeof(Sample));
     constexpr int lowest = std::numeric_limits<Sample>::min();
+    // Equal neighbours go to different tables, so that no sum waits for the last one; more tables of wide samples would
+    // not stay near the processor.
+    constexpr std::size_t lanes = sizeof(Sample) == 1 ? 4 : 2;
     std::vector<std::uint64_t> total(values);
-    std::vector<std::uint32_t> tables(values * kLanes);
+    std::vector<std::uint32_t> tables(values * lanes);
     auto const entry = [&](Sample sample, std::size_t lane) -> std::uint32_t & {
         return tables[lane * values + static_cast<std::size_t>(static_cast<int>(sample) - lowest)];
     };
@@ -34,12 +35,12 @@ std::vector<std::uint64_t> CountEach(std::span<Sample const> samples) {
     for (std::size_t begin = 0; begin < samples.size(); begin += block) {
         std::size_t const end = std::min(samples.size(), begin + block);
         std::size_t i = begin;
-        for (; i + kLanes <= end; i += kLanes)
-            for (std::size_t lane = 0; lane < kLanes; ++lane)
+        for (; i + lanes <= end; i += lanes)
+            for (std::size_t lane = 0; lane < lanes; ++lane)
                 ++entry(samples[i + lane], lane);
         for (; i < end; ++i)
             ++entry(samples[i], 0);
-        for (std::size_t lane = 0; lane < kLanes; ++lane)
+        for (std::size_t lane = 0; lane < lanes; ++lane)
             for (std::size_t value = 0; value < values; ++value)
                 total[value] += tables[lane * values + value];
         if (end < samples.size())

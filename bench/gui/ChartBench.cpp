@@ -1,0 +1,110 @@
+#include "Harness.h"
+#include "zelvar/base/DHstg.h"
+#include "zelvar/charts/CHstgCtrl.h"
+#include "zelvar/charts/CPlotCtrl.h"
+
+#include <QtGui/QImage>
+#include <QtGui/QPainter>
+
+#include <algorithm>
+#include <numeric>
+#include <random>
+#include <vector>
+
+namespace {
+
+using namespace zelvar;
+
+constexpr int kPoints = 1'000'000;
+constexpr int kWidth = 800;
+constexpr int kHeight = 600;
+
+std::vector<PlotPoint> RandomPoints(bool ordered) {
+    std::mt19937_64 random(7);
+    std::vector<PlotPoint> points(kPoints);
+    for (PlotPoint &point : points)
+        point = {static_cast<double>(random() % 1'000'000), static_cast<double>(random() % 1'000'000)};
+    if (ordered)
+        std::sort(points.begin(), points.end(), [](auto const &a, auto const &b) { return a.x < b.x; });
+    return points;
+}
+
+void Fill(CPlotCtrl &plot, std::vector<PlotPoint> const &points, bool lines) {
+    plot.resize(kWidth, kHeight);
+    plot.Clear();
+    for (PlotPoint const &point : points)
+        plot.AddData(point.x, point.y, nullptr, nullptr);
+    plot.SetDataMaxX(1e6);
+    plot.SetDataMaxY(1e6);
+    plot.SetTickX(1e5);
+    plot.SetTickY(1e5);
+    plot.DrawLine(lines);
+}
+
+/// Each point and line in turn.
+double DrawnInTurnMs(std::vector<PlotPoint> const &points, bool lines, int runs) {
+    PlotGeometry const geometry({kWidth, kHeight}, {60, 20, 20, 32}, {.maxX = 1e6, .maxY = 1e6});
+    QImage image(kWidth, kHeight, QImage::Format_RGB32);
+    return bench::BestMs(runs, [&] {
+        image.fill(Qt::white);
+        QPainter painter(&image);
+        painter.setPen(QPen(QColor(230, 0, 0), 1));
+        painter.setBrush(QColor(230, 0, 0));
+        QPoint last(geometry.DataToWndX(points[0].x), geometry.DataToWndY(points[0].y));
+        for (PlotPoint const &point : points) {
+            QPoint const at(geometry.DataToWndX(point.x), geometry.DataToWndY(point.y));
+            if (lines && at != last)
+                painter.drawLine(last, at);
+            last = at;
+            painter.drawEllipse(at.x() - 3, at.y() - 3, 5, 5);
+        }
+    });
+}
+
+bench::Register const plots("chart.plot", [] {
+    QImage target(kWidth, kHeight, QImage::Format_RGB32);
+    std::vector<PlotPoint> const anyOrder = RandomPoints(false);
+    std::vector<PlotPoint> const ordered = RandomPoints(true);
+    CPlotCtrl plot;
+    auto const render = [&] {
+        plot.UpdtPlot();
+        plot.render(&target);
+    };
+    auto const inTurn = [](double ms) { return ", each in turn " + std::to_string(static_cast<int>(ms)) + " ms"; };
+    Fill(plot, anyOrder, false);
+    bench::Figure("chart.plot_1e6_markers", bench::BestMs(5, render), "ms",
+                  "at most 50" + inTurn(DrawnInTurnMs(anyOrder, false, 1)));
+    bench::Figure("chart.plot_repaint", bench::BestMs(50, [&] { plot.render(&target); }), "ms", "at most 1");
+    double x = 0;
+    bench::Figure("chart.plot_select", bench::BestMs(20, [&] { plot.SlctData(x += 7, 0); }), "ms", "at most 3");
+    Fill(plot, ordered, true);
+    bench::Figure("chart.plot_1e6_lines_in_order", bench::BestMs(5, render), "ms",
+                  "at most 60" + inTurn(DrawnInTurnMs(ordered, true, 1)));
+    Fill(plot, anyOrder, true);
+    double const ours = bench::BestMs(2, render);
+    double const others = DrawnInTurnMs(anyOrder, true, 2);
+    bench::Figure("chart.plot_1e6_lines_any_order", ours / others, "times",
+                  "at most 1, each in turn " + std::to_string(static_cast<int>(others)) + " ms");
+});
+
+bench::Register const histograms("chart.histogram", [] {
+    constexpr std::size_t count = 20'000'000;
+    std::vector<std::uint16_t> samples(count);
+    std::mt19937_64 random(9);
+    for (std::uint16_t &sample : samples)
+        sample = static_cast<std::uint16_t>(random() % 5000 + random() % 5000);
+    std::vector<std::uint32_t> table(65536);
+    int slots = 0;
+    bench::Pair const pair = bench::Compare(
+        7, [&] { slots += DHstg::FromSamples<std::uint16_t>(samples, 256).m_numSlot; },
+        [&] {
+            std::fill(table.begin(), table.end(), 0);
+            for (std::uint16_t const sample : samples)
+                ++table[sample];
+        });
+    bench::Figure("chart.histogram_2e7_samples", pair.firstMs, "ms",
+                  "a plain pass that counts " + std::to_string(pair.secondMs) + " ms");
+    bench::Figure("chart.histogram_to_plain_pass", pair.ratio, "times", "at most 1.5");
+});
+
+} // namespace
