@@ -67,6 +67,8 @@ DString GetInstallDir() {
     return found;
 }
 
+DString GetInstallBinDir() { return AppendPath(GetInstallDir(), "bin") + PathStyle::Native().separator; }
+
 DString GetDataSourceDefinitionsDir() {
     auto const told = Variable("ZELVAR_DEFINITIONS_DIR");
     return told ? *told : BelowConfiguration("zelvar/definitions");

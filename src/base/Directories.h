@@ -6,6 +6,8 @@ namespace zelvar {
 
 /// Where the installation lies. ZELVAR_INSTALL_DIR wins; else it is found from where this library was loaded.
 [[nodiscard]] ZELVAR_API DString GetInstallDir();
+/// Its directory of programs, with a separator at the end.
+[[nodiscard]] ZELVAR_API DString GetInstallBinDir();
 /// Directory of the connection definitions; may be empty for none. ZELVAR_DEFINITIONS_DIR wins (an empty value means
 /// none), else "zelvar/definitions" below the user's configuration directory.
 [[nodiscard]] ZELVAR_API DString GetDataSourceDefinitionsDir();

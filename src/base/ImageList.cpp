@@ -21,6 +21,8 @@ struct DescriptionHash {
         std::size_t hash = std::hash<DString>{}(description->name);
         hash = hash * 31 + std::hash<DString>{}(description->fallback);
         hash = hash * 31 + static_cast<std::size_t>(description->index);
+        hash = (hash * 31 + description->fill) * 31 + description->border;
+        hash = hash * 31 + static_cast<std::size_t>(description->shape);
         return hash * 31 + static_cast<std::size_t>(description->kind) * 2 +
                static_cast<std::size_t>(description->linkOverlay);
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "zelvar/base/Color.h"
 #include "zelvar/base/DString.h"
 
 #include <memory>
@@ -12,11 +13,16 @@ struct ImageDescription {
         ThemeIcon, ///< `name` is an icon name of the desktop's theme, `fallback` the resource used without it
         File,      ///< `name` is the path of a picture file
         Strip,     ///< picture `index` of the resource strip `name`
+        Shape,     ///< `shape` in the colours `fill` and `border`
     };
+    enum class Shapes { SmallCircle, Circle, DottedCircle, Rectangle };
     Kind kind = Kind::ThemeIcon;
     DString name{};
     DString fallback{};
     int index = 0;
+    Shapes shape = Shapes::SmallCircle;
+    ColorRef fill = 0;
+    ColorRef border = 0;
     bool linkOverlay = false; ///< the mark of a symbolic link is drawn over the lower left corner
 
     friend bool operator==(ImageDescription const &, ImageDescription const &) = default;

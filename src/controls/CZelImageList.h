@@ -23,9 +23,15 @@ public:
     /// our own by name or resource path. User-interface thread.
     static void RegisterIcon(unsigned iconId, DString const &themeName, DString const &fallback);
 
+    /// The strip of pictures that stands for a bitmap's number everywhere: a name as `ImageDescription` takes it.
+    static void RegisterBitmap(unsigned bitmapId, DString const &strip);
+
     /// The control that shows the pictures; it is painted anew when one is added.
     void Bind(QWidget *window) { m_window = window; }
     void Create();
+    /// With the pictures of a registered bitmap, `cx` pixels wide each. Does nothing if there is a list. The strips are
+    /// transparent by themselves, whatever colour `mask` is, and the list grows as it must.
+    void Create(unsigned bitmapId, int cx, int grow, unsigned long mask);
     /// Back to no list; its handle is void.
     void Clear();
     [[nodiscard]] bool IsCreated() const { return m_list != nullptr; }
@@ -37,9 +43,16 @@ public:
     int Add(ImageDescription const &description);
     /// Index of the picture in `file` or, for a null or empty one, of the registered icon; -1 if there is neither.
     int GetIcon(unsigned iconId, char const *file);
+    // Indexes of small shapes; -1 before `Create`.
+    int GetCircleSmall(ColorRef fill, ColorRef border);
+    int GetRect(ColorRef fill, ColorRef border); ///< in the box (2, 2, 14, 14)
+    /// In the box (1, 1, 16, 15); `flag` marks its middle with a dot.
+    int GetCircle(ColorRef fill, ColorRef border, bool flag);
+    [[nodiscard]] int GetPictureSide() const { return m_side; } ///< pixels
 
 private:
     std::unique_ptr<ImageList> m_list;
+    int m_side = 16;
     QWidget *m_window = nullptr; ///< not owned
 };
 

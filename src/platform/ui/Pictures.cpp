@@ -1,5 +1,6 @@
 #include "zelvar/platform/ui/Pictures.h"
 
+#include "zelvar/platform/ui/SystemColor.h"
 #include "zelvar/platform/ui/Text.h"
 
 #include <QtCore/QCoreApplication>
@@ -132,6 +133,39 @@ QPixmap ThemePicture(ImageDescription const &description, qreal devicePixelRatio
     return ResourcePicture(ToQString(description.fallback), devicePixelRatio, side);
 }
 
+/// The shapes stand in a square of 16 units, each in its box; a line one unit wide goes round inside the box.
+QPixmap ShapePicture(ImageDescription const &description, qreal devicePixelRatio, int side) {
+    using Shapes = ImageDescription::Shapes;
+    QPixmap pixmap = EmptyPixmap(side, devicePixelRatio);
+    QPainter painter(&pixmap);
+    painter.setRenderHint(QPainter::Antialiasing, description.shape != Shapes::Rectangle);
+    painter.scale(side / 16.0, side / 16.0);
+    QColor const border = ToQColor(description.border);
+    QColor const fill = ToQColor(description.fill);
+    switch (description.shape) {
+    case Shapes::Rectangle: // filled twice: no line is split between two pixels
+        painter.fillRect(QRectF(2, 2, 12, 12), border);
+        painter.fillRect(QRectF(3, 3, 10, 10), fill);
+        break;
+    case Shapes::SmallCircle:
+        painter.setPen(QPen(border, 1));
+        painter.setBrush(fill);
+        painter.drawEllipse(QRectF(4.5, 4.5, 7, 7));
+        break;
+    case Shapes::Circle:
+    case Shapes::DottedCircle:
+        painter.setPen(QPen(border, 1));
+        painter.setBrush(fill);
+        painter.drawEllipse(QRectF(1.5, 1.5, 14, 13));
+        if (description.shape == Shapes::DottedCircle) {
+            painter.setBrush(border);
+            painter.drawEllipse(QRectF(7, 6.5, 3, 3));
+        }
+        break;
+    }
+    return pixmap;
+}
+
 /// Draws our SVG resources at whatever size is asked for.
 class ResourceIconEngine final : public QIconEngine {
 public:
@@ -184,6 +218,9 @@ QPixmap Picture(ImageDescription const &description, qreal devicePixelRatio, int
     case ImageDescription::Kind::Strip:
         pixmap = StripPicture(ToQString(description.name), description.index, devicePixelRatio, side);
         break;
+    case ImageDescription::Kind::Shape:
+        pixmap = ShapePicture(description, devicePixelRatio, side);
+        break;
     case ImageDescription::Kind::ThemeIcon:
         pixmap = ThemePicture(description, devicePixelRatio, side);
         break;
@@ -207,6 +244,18 @@ QPixmap ListPicture(HIMAGELIST list, int index, qreal devicePixelRatio, int side
     if (kept.size() >= kKeptPictures)
         kept.clear();
     return kept[key] = Picture(list->Get(index), devicePixelRatio, side);
+}
+
+int StripCount(DString const &name) {
+    QString const path = ResourcePath(ToQString(name));
+    if (!QFile::exists(path))
+        return 0;
+    if (path.endsWith(QStringLiteral(".svg"))) {
+        QRectF const whole = QSvgRenderer(path).viewBoxF();
+        return whole.height() > 0 ? static_cast<int>(whole.width() / whole.height()) : 0;
+    }
+    QImage const strip(path);
+    return strip.isNull() ? 0 : strip.width() / strip.height();
 }
 
 QIcon ResourceIcon(QString const &name) { return QIcon(new ResourceIconEngine(name)); }

@@ -23,6 +23,9 @@ inline constexpr int kSmallPicture = 16;
 [[nodiscard]] ZELVAR_API QPixmap Picture(ImageDescription const &description, qreal devicePixelRatio,
                                          int side = kSmallPicture);
 
+/// The number of pictures in a strip; 0 for none of that name.
+[[nodiscard]] ZELVAR_API int StripCount(DString const &name);
+
 /// One of our own pictures by what it shows: "folder", "folder-up", "file", "image", "table", "container", "drive",
 /// "drive-optical", "drive-removable", "drive-network", "server", "share", "database", "star", "panel",
 /// "restore-layout", "recursive", "link-overlay", "size-grip", "stop", "warning", "information", "vector", "computer",

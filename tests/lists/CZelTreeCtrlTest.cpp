@@ -1,0 +1,512 @@
+#include "zelvar/lists/CZelTreeCtrl.h"
+
+#include "support/TestFiles.h"
+#include "support/TreeStage.h"
+#include "zelvar/lists/CTreeCtrlItr.h"
+#include "zelvar/lists/CZelTreeCtrlEx.h"
+#include "zelvar/platform/ui/Pictures.h"
+#include "zelvar/platform/ui/SystemColor.h"
+#include "zelvar/platform/ui/VirtualKey.h"
+
+#include <QtGui/QAction>
+#include <QtGui/QContextMenuEvent>
+#include <QtWidgets/QDialog>
+#include <QtWidgets/QLineEdit>
+#include <QtWidgets/QScrollBar>
+
+#include <filesystem>
+#include <utility>
+
+namespace zelvar {
+namespace {
+
+using test::TreeStage;
+
+/// A tree control that writes down what its hooks are told.
+class TellingTree : public CZelTreeCtrl {
+public:
+    using CZelTreeCtrl::CZelTreeCtrl;
+
+    std::string Take() { return std::exchange(m_told, {}); }
+    std::function<void()> onDragEnd;
+    bool handle = false;      ///< what the hooks return
+    long long editResult = 0; ///< of the hooks of label edits
+    bool handleKeys = false;
+
+protected:
+    void OnDragEnd(HTREEITEM item, HTREEITEM target) override {
+        Tell("drop " + item->text + " on " + (target == nullptr ? "-" : target->text));
+        if (onDragEnd)
+            onDragEnd();
+    }
+    bool DTCDblClck(HTREEITEM item, long long *result) override {
+        CZelTreeCtrl::DTCDblClck(item, result);
+        Tell("double " + item->text);
+        return handle;
+    }
+    bool DTCSlctChg(HTREEITEM former, HTREEITEM now, long long *) override {
+        Tell((former == nullptr ? "-" : former->text) + ">" + (now == nullptr ? "-" : now->text));
+        return handle;
+    }
+    void DTCKeyDown(unsigned short key, long long *result) override {
+        Tell("key " + std::to_string(key));
+        *result = handleKeys ? 1 : 0;
+    }
+    bool DTCCntxMenu(HTREEITEM item, Point point, long long *) override {
+        QPoint const at = viewport()->mapFromGlobal(QPoint(point.x, point.y));
+        EXPECT_EQ(HitTest({at.x(), at.y()}), item);
+        Tell("menu " + (item == nullptr ? "-" : item->text));
+        return handle;
+    }
+    void DTCBeginLabelEdit(NMHDR *header, long long *result) override {
+        Tell("begin " + reinterpret_cast<NMTVDISPINFO *>(header)->item.hItem->text);
+        *result = editResult;
+    }
+    void DTCEndLabelEdit(NMHDR *header, long long *result) override {
+        char const *const text = reinterpret_cast<NMTVDISPINFO *>(header)->item.pszText;
+        Tell(std::string("end ") + (text == nullptr ? "cancelled" : text));
+        *result = editResult;
+    }
+    bool DTCLButtonDown(HTREEITEM item, unsigned flags, Point) override {
+        if (swallowButton)
+            Tell("button " + item->text + " " + std::to_string(flags));
+        return swallowButton;
+    }
+
+public:
+    bool swallowButton = false;
+
+private:
+    void Tell(std::string const &what) { m_told += (m_told.empty() ? "" : ", ") + what; }
+    std::string m_told;
+};
+
+/// Three items at the top, two below the first.
+class CZelTreeCtrlTest : public testing::Test {
+protected:
+    CZelTreeCtrlTest() {
+        a = tree.AddItem("a", 1, TVI_ROOT, TVI_LAST);
+        a1 = tree.AddItem("a1", 11, a, TVI_LAST);
+        a2 = tree.AddItem("a2", 12, a, TVI_LAST);
+        b = tree.AddItem("b", 2, TVI_ROOT, TVI_LAST);
+        c = tree.AddItem("c", 3, TVI_ROOT, TVI_LAST);
+        tree.Expand(a, TVE_EXPAND);
+        tree.EnableLeftDrag(true);
+    }
+    /// Presses on an item and moves so far that a drag begins, onto another one.
+    void Drag(HTREEITEM from, HTREEITEM to, Qt::MouseButton button = Qt::LeftButton) {
+        stage.Press(stage.On(from), button);
+        stage.Move(stage.On(from) + QPoint(QApplication::startDragDistance(), 0), button);
+        stage.Move(stage.On(to), button);
+    }
+    [[nodiscard]] QWidget *Overlay() {
+        for (QObject *const child : tree.viewport()->children())
+            if (auto *const widget = qobject_cast<QWidget *>(child); widget != nullptr && widget->isVisible())
+                return widget;
+        return nullptr;
+    }
+    void ExpectNoDrag() {
+        EXPECT_FALSE(tree.IsInDragMode());
+        EXPECT_EQ(tree.GetDragItem(), nullptr);
+        EXPECT_EQ(tree.GetDropHilightItem(), nullptr);
+        EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+        EXPECT_EQ(QWidget::mouseGrabber(), nullptr);
+        EXPECT_EQ(Overlay(), nullptr);
+    }
+
+    TellingTree tree;
+    TreeStage stage{tree};
+    HTREEITEM a = nullptr;
+    HTREEITEM a1 = nullptr;
+    HTREEITEM a2 = nullptr;
+    HTREEITEM b = nullptr;
+    HTREEITEM c = nullptr;
+};
+
+TEST_F(CZelTreeCtrlTest, TheIteratorStaysInItsSubtree) {
+    auto const walk = [this](HTREEITEM root) {
+        std::string texts;
+        CTreeCtrlItr item(&tree, root);
+        EXPECT_FALSE(item.Cont());
+        for (item.Frst(); item.Cont(); item.Next())
+            texts += (*item)->text + " ";
+        EXPECT_EQ(item.Next(), nullptr);
+        return texts;
+    };
+    EXPECT_EQ(walk(nullptr), "a a1 a2 b c ");
+    EXPECT_EQ(walk(a), "a a1 a2 ");
+    EXPECT_EQ(walk(a2), "a2 ");
+    EXPECT_EQ(walk(c), "c ");
+}
+
+TEST_F(CZelTreeCtrlTest, ItemsAreFoundByDataAndText) {
+    EXPECT_EQ(tree.FindItem(12), a2);
+    EXPECT_EQ(tree.FindItem(12, b), nullptr);
+    EXPECT_EQ(tree.FindItem(2, nullptr), b); // null is the whole tree
+    EXPECT_EQ(tree.FindItem(1, a), a);
+    EXPECT_EQ(tree.FindItem("a2"), a2);
+    EXPECT_EQ(tree.FindItem("A2"), nullptr);
+    tree.SlctItem("c");
+    EXPECT_EQ(tree.GetCrntData(), 3U);
+    tree.SlctItem(12, b); // none: nothing is selected
+    EXPECT_EQ(tree.GetSelectedItem(), nullptr);
+    QPoint const on = tree.viewport()->mapToGlobal(stage.On(b));
+    EXPECT_EQ(tree.GetItem({on.x(), on.y()}), b);
+    EXPECT_EQ(tree.GetItem({on.x(), on.y() - 1000}), nullptr);
+}
+
+TEST_F(CZelTreeCtrlTest, ADragMarksItsTargetAndEndsWithTheButtonThatBeganIt) {
+    Drag(a1, b);
+    EXPECT_TRUE(tree.IsLeftDrag());
+    EXPECT_EQ(tree.GetDragItem(), a1);
+    EXPECT_EQ(tree.GetDropHilightItem(), b);
+    EXPECT_EQ(QWidget::mouseGrabber(), tree.viewport());
+    ASSERT_NE(QApplication::overrideCursor(), nullptr);
+    EXPECT_EQ(QApplication::overrideCursor()->shape(), Qt::BlankCursor);
+    ASSERT_NE(Overlay(), nullptr);
+    EXPECT_EQ(Overlay()->pos(), stage.On(b)); // the pointer holds its corner
+    test::Shot(tree, "tree-control-drag");
+    tree.Take();
+    stage.Release(stage.On(b), Qt::RightButton);
+    EXPECT_TRUE(tree.IsLeftDrag());
+    tree.Take();
+    stage.Release(stage.On(b));
+    EXPECT_EQ(tree.Take(), "drop a1 on b");
+    ExpectNoDrag();
+}
+
+TEST_F(CZelTreeCtrlTest, ARightDragEndsWithoutAMenuAndIsOffUnlessItIsOn) {
+    Drag(a1, b, Qt::RightButton);
+    EXPECT_FALSE(tree.IsInDragMode());
+    tree.Take();
+    stage.Release(stage.On(b), Qt::RightButton);
+    EXPECT_EQ(tree.Take(), "menu b");
+    tree.EnableRghtDrag(true);
+    Drag(a1, c, Qt::RightButton);
+    EXPECT_TRUE(tree.IsRghtDrag());
+    stage.Release(stage.On(c), Qt::LeftButton);
+    EXPECT_TRUE(tree.IsRghtDrag());
+    tree.Take();
+    stage.Release(stage.On(c), Qt::RightButton);
+    EXPECT_EQ(tree.Take(), "drop a1 on c");
+    ExpectNoDrag();
+}
+
+TEST_F(CZelTreeCtrlTest, ADropOnItselfDoesNothingAndBesideTheItemsHasNoTarget) {
+    Drag(a1, a1);
+    EXPECT_TRUE(tree.IsInDragMode());
+    EXPECT_EQ(tree.GetDropHilightItem(), nullptr);
+    tree.Take();
+    stage.Release(stage.On(a1));
+    EXPECT_EQ(tree.Take(), "");
+    ExpectNoDrag();
+    Drag(a1, b);
+    tree.Take();
+    stage.Release(QPoint(20, tree.viewport()->height() - 2));
+    EXPECT_EQ(tree.Take(), "drop a1 on -");
+    ExpectNoDrag();
+}
+
+TEST_F(CZelTreeCtrlTest, ADragThatLosesItsGroundLeavesNothingBehind) {
+    struct Case {
+        char const *name;
+        std::function<void()> end;
+    };
+    QWidget second;
+    Case const cases[] = {
+        {"Escape", [this] { stage.Key(Qt::Key_Escape); }},
+        {"the release was never heard", [this] { stage.Move(stage.On(b), Qt::NoButton); }},
+        {"hidden", [this] { tree.hide(); }},
+        {"disabled", [this] { tree.setEnabled(false); }},
+        {"a modal dialog",
+         [] {
+             QDialog dialog;
+             dialog.setModal(true);
+             dialog.show();
+             QApplication::processEvents();
+         }},
+        {"its item deleted", [this] { tree.DeleteItem(a1); }},
+        {"all deleted", [this] { tree.DeleteAllItems(); }},
+    };
+    for (Case const &lost : cases) {
+        SCOPED_TRACE(lost.name);
+        tree.show();
+        tree.setEnabled(true);
+        if (tree.FindItem("a1") == nullptr)
+            a1 = tree.AddItem("a1", 11, a, TVI_FIRST);
+        tree.Expand(a, TVE_EXPAND);
+        Drag(a1, b);
+        ASSERT_TRUE(tree.IsInDragMode());
+        tree.Take();
+        lost.end();
+        ExpectNoDrag();
+        EXPECT_EQ(tree.Take().find("drop"), std::string::npos);
+        if (tree.GetCount() > 0)
+            stage.Release(QPoint(30, 30));
+        EXPECT_EQ(tree.Take().find("drop"), std::string::npos);
+    }
+}
+
+TEST_F(CZelTreeCtrlTest, TheEndOfADragMayDeleteTheDraggedItem) {
+    tree.onDragEnd = [this] {
+        tree.AddItem(a1->text, a1->data, b, TVI_LAST);
+        tree.DeleteItem(a1);
+    };
+    Drag(a1, b);
+    stage.Release(stage.On(b));
+    EXPECT_EQ(tree.FindItem(11, b), tree.GetChildItem(b));
+    EXPECT_EQ(tree.FindItem(11, a), nullptr);
+    ExpectNoDrag();
+}
+
+TEST(CZelTreeCtrl, ATreeMayDieInADrag) {
+    auto tree = std::make_unique<TellingTree>();
+    TreeStage stage(*tree);
+    HTREEITEM const a = tree->AddItem("a", 1, TVI_ROOT, TVI_LAST);
+    tree->EnableLeftDrag(true);
+    stage.Press(stage.On(a));
+    stage.Move(stage.On(a) + QPoint(0, 40), Qt::LeftButton);
+    ASSERT_TRUE(tree->IsInDragMode());
+    tree.reset();
+    EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+    EXPECT_EQ(QWidget::mouseGrabber(), nullptr);
+}
+
+TEST(CZelTreeCtrl, ADragBeyondTheEdgesScrolls) {
+    TellingTree tree;
+    TreeStage stage(tree);
+    HTREEITEM const parent = tree.AddItem("parent", 0, TVI_ROOT, TVI_LAST);
+    for (std::uint64_t i = 1; i < 60; ++i)
+        tree.AddItem("item", i, parent, TVI_LAST);
+    tree.Expand(parent, TVE_EXPAND);
+    tree.EnableLeftDrag(true);
+    stage.Press(stage.On(parent));
+    stage.Move(stage.On(parent) + QPoint(30, 0), Qt::LeftButton);
+    int const height = tree.viewport()->height();
+    stage.Move(QPoint(20, height - 1), Qt::LeftButton);
+    EXPECT_EQ(tree.GetFirstVisibleItem(), parent); // still inside
+    for (std::uint64_t step = 1; step < 4; ++step) {
+        stage.Move(QPoint(20, height), Qt::LeftButton);
+        EXPECT_EQ(tree.GetItemData(tree.GetFirstVisibleItem()), step);
+    }
+    stage.Move(QPoint(20, 0), Qt::LeftButton);
+    EXPECT_EQ(tree.GetItemData(tree.GetFirstVisibleItem()), 3U);
+    for (std::uint64_t left : {2U, 1U, 0U, 0U}) { // the first of the siblings, then their parent
+        stage.Move(QPoint(20, -1), Qt::LeftButton);
+        EXPECT_EQ(tree.GetItemData(tree.GetFirstVisibleItem()), left);
+    }
+    tree.verticalScrollBar()->setValue(tree.verticalScrollBar()->maximum());
+    HTREEITEM const last = tree.GetFirstVisibleItem();
+    stage.Move(QPoint(20, height), Qt::LeftButton);
+    EXPECT_EQ(tree.GetFirstVisibleItem(), last);
+}
+
+TEST_F(CZelTreeCtrlTest, ButtonsTellTheHooks) {
+    tree.Take();
+    stage.Press(stage.On(b));
+    EXPECT_EQ(tree.GetClickItem(), b);
+    stage.Release(stage.On(b));
+    EXPECT_EQ(tree.GetClickItem(), nullptr);
+    EXPECT_EQ(tree.Take(), "->b");
+    stage.Click(stage.On(c), Qt::RightButton);
+    EXPECT_EQ(tree.Take(), "menu c");
+    tree.EnableRghtSlct(true);
+    stage.Click(stage.On(c), Qt::RightButton);
+    EXPECT_EQ(tree.Take(), "b>c, menu c");
+    tree.swallowButton = true;
+    stage.Click(stage.On(a1));
+    EXPECT_EQ(tree.Take(), "button a1 1");
+    EXPECT_EQ(tree.GetSelectedItem(), c);
+}
+
+TEST_F(CZelTreeCtrlTest, ADoubleClickThatIsHandledDoesNotCollapse) {
+    int told = 0;
+    QObject::connect(&tree, &platform::TreeView::DoubleClick, [&told] { ++told; });
+    stage.DoubleClick(stage.On(a));
+    EXPECT_EQ(tree.GetItemState(a, TVIS_EXPANDED), 0U);
+    EXPECT_EQ(told, 1);
+    tree.handle = true;
+    stage.DoubleClick(stage.On(a));
+    EXPECT_EQ(tree.GetItemState(a, TVIS_EXPANDED), 0U);
+    EXPECT_EQ(told, 1);
+}
+
+TEST_F(CZelTreeCtrlTest, KeysAreToldByTheirCustomaryNumbersAndMayBeKeptFromTheSearch) {
+    tree.SelectItem(a);
+    tree.Take();
+    stage.Key(Qt::Key_Delete);
+    EXPECT_EQ(tree.Take(), "key " + std::to_string(VK_DELETE));
+    tree.handleKeys = true;
+    stage.Type("c");
+    EXPECT_EQ(tree.Take(), "key 67");
+    stage.Key(Qt::Key_Down); // a character is kept, not a direction
+    EXPECT_EQ(tree.Take(), "key 40, a>a1");
+}
+
+TEST_F(CZelTreeCtrlTest, TheHooksDecideAboutAnEditOnlyWhileEditingIsEnabled) {
+    tree.Take();
+    // Not enabled: nobody refuses, the hooks hear nothing, and the text stays.
+    QLineEdit *edit = tree.EditLabel(b);
+    ASSERT_NE(edit, nullptr);
+    edit->setText("new");
+    QTest::keyClick(edit, Qt::Key_Return);
+    EXPECT_EQ(tree.Take(), "");
+    EXPECT_EQ(tree.GetItemText(b), "b");
+
+    tree.EnableEdit(true);
+    tree.editResult = 1; // other than 0 refuses a begin and takes an end over
+    EXPECT_EQ(tree.EditLabel(b), nullptr);
+    EXPECT_EQ(tree.Take(), "begin b");
+    tree.editResult = 0;
+    edit = tree.EditLabel(b);
+    ASSERT_NE(edit, nullptr);
+    edit->setText("new");
+    tree.editResult = 1;
+    QTest::keyClick(edit, Qt::Key_Return);
+    EXPECT_EQ(tree.Take(), "begin b, end new");
+    EXPECT_EQ(tree.GetItemText(b), "new");
+}
+
+TEST(CZelTreeCtrl, AnEditGivesTheHorizontalScrollPositionBack) {
+    TellingTree tree;
+    TreeStage const stage(tree, 120, 100);
+    tree.EnableEdit(true);
+    HTREEITEM const item =
+        tree.AddItem("a label that is much wider than the window it stands in", 0, TVI_ROOT, TVI_LAST);
+    ASSERT_TRUE(test::Eventually([&] { return tree.horizontalScrollBar()->maximum() > 100; }));
+    tree.MoveScroll(SB_HORZ, 60);
+    QLineEdit *const edit = tree.EditLabel(item);
+    ASSERT_NE(edit, nullptr);
+    EXPECT_NE(tree.horizontalScrollBar()->value(), 60); // the edit begins where the label does
+    tree.horizontalScrollBar()->setValue(30);
+    EXPECT_EQ(tree.GetEditControl(), nullptr);
+    EXPECT_EQ(tree.horizontalScrollBar()->value(), 60);
+}
+
+TEST_F(CZelTreeCtrlTest, ShortcutsDoNotTakeTheKeysOfAnEdit) {
+    QAction action(&tree);
+    action.setShortcut(Qt::CTRL | Qt::Key_K);
+    int triggered = 0;
+    QObject::connect(&action, &QAction::triggered, [&triggered] { ++triggered; });
+    tree.addAction(&action);
+    stage.Key(Qt::Key_K, Qt::ControlModifier);
+    EXPECT_EQ(triggered, 1);
+    QLineEdit *const edit = tree.EditLabel(b);
+    ASSERT_NE(edit, nullptr);
+    QTest::keyClick(edit, Qt::Key_K, Qt::ControlModifier);
+    EXPECT_EQ(triggered, 1);
+    EXPECT_EQ(tree.GetEditControl(), edit);
+}
+
+TEST_F(CZelTreeCtrlTest, ImagesAreDrawnIntoTheOwnedList) {
+    tree.DrawCircle(b, 0, 0, false); // without a list nothing happens
+    EXPECT_TRUE(tree.DrawIcon(b, 1, "/no/such/file.png"));
+    int image = 0;
+    int selected = 0;
+    tree.GetItemImage(b, image, selected);
+    EXPECT_EQ(image, -1);
+
+    tree.InitImages();
+    HTREEITEM const d = tree.AddItem("d", 4, TVI_ROOT, TVI_LAST);
+    tree.GetItemImage(d, image, selected);
+    EXPECT_EQ(image, 0); // the default image
+    tree.DrawCircleSmall(a1, Rgb(255, 0, 0), 0);
+    tree.DrawRect(a2, Rgb(0, 255, 0), Rgb(0, 0, 255));
+    tree.DrawCircle(b, Rgb(0, 0, 255), 0, false);
+    tree.DrawCircle(c, Rgb(0, 0, 255), Rgb(255, 0, 0), true);
+    tree.GetItemImage(a2, image, selected);
+    EXPECT_EQ(image, selected);
+    EXPECT_FALSE(tree.DrawIcon(a, 1, "/no/such/file.png"));
+    CZelImageList::RegisterIcon(77, "folder", "folder");
+    EXPECT_TRUE(tree.DrawIcon(a, 77, nullptr));
+    test::Shot(tree, "tree-control-images");
+
+    auto const color = [&](HTREEITEM item, int x, int y) {
+        QRect const label = platform::ToQRect(stage.Label(item));
+        for (int left = label.left() - 30; left < label.left(); ++left) { // where its picture stands
+            unsigned flags = 0;
+            if (tree.HitTest({left, label.center().y()}, &flags) == item && flags == TVHT_ONITEMICON)
+                return platform::ToColorRef(
+                    test::ColorAt(*tree.viewport(), QPoint(left + x, label.top() + (label.height() - 16) / 2 + y)));
+        }
+        return ColorRef{1};
+    };
+    EXPECT_EQ(color(a2, 2, 2), Rgb(0, 0, 255));
+    EXPECT_EQ(color(a2, 13, 13), Rgb(0, 0, 255));
+    EXPECT_EQ(color(a2, 3, 3), Rgb(0, 255, 0));
+    EXPECT_EQ(color(a2, 14, 14), color(a2, 1, 1)); // outside
+    EXPECT_EQ(color(a1, 8, 8), Rgb(255, 0, 0));
+    EXPECT_EQ(color(b, 8, 8), Rgb(0, 0, 255));
+    EXPECT_EQ(color(c, 8, 8), Rgb(255, 0, 0));
+
+    tree.ClearImages();
+    EXPECT_EQ(tree.GetImageList(TVSIL_NORMAL), nullptr);
+    tree.grab();
+}
+
+TEST_F(CZelTreeCtrlTest, APluginsIconIsFoundWhereItIsOrAmongThePlugins) {
+    test::TempFolder const folder;
+    folder.Write("install/bin/plugins/there.png", "picture");
+    folder.Write("here.png", "picture");
+    setenv("ZELVAR_INSTALL_DIR", (folder.Path() + "/install").c_str(), 1);
+    std::filesystem::path const before = std::filesystem::current_path();
+    std::filesystem::current_path(folder.Path());
+    tree.InitImages();
+    auto const drawn = [&](char const *file) {
+        bool const found = tree.DrawPluginIcon(b, 0, file);
+        int image = -1;
+        int selected = -1;
+        tree.GetItemImage(b, image, selected);
+        return found ? tree.GetZelImageList().GetHandle()->Get(image).name : "none";
+    };
+    EXPECT_EQ(drawn("here.png"), "here.png");
+    EXPECT_EQ(drawn("there.png"), folder.Path() + "/install/bin/plugins/there.png");
+    EXPECT_EQ(drawn("nowhere.png"), "none");
+    std::filesystem::current_path(before);
+    unsetenv("ZELVAR_INSTALL_DIR");
+}
+
+TEST(CZelTreeCtrl, ABitmapBecomesTheImagesOfTheTree) {
+    CZelImageList::RegisterBitmap(9001, "folder");
+    CZelTreeCtrl tree;
+    tree.InitImages(9001, 24, 0, 0xFF00FF);
+    EXPECT_EQ(tree.GetZelImageList().GetCount(), 1);
+    EXPECT_EQ(tree.GetZelImageList().GetPictureSide(), 24);
+    tree.InitImages(9002, 16, 0, 0); // there is a list already
+    EXPECT_EQ(tree.GetZelImageList().GetCount(), 1);
+    EXPECT_EQ(platform::StripCount("no such strip"), 0);
+}
+
+TEST(CZelTreeCtrlEx, CursorsAreChained) {
+    CZelTreeCtrlEx tree;
+    CTreeCursor const root = tree.InsertItem("root");
+    CTreeCursor const last = root.AddTail("last", 3);
+    root.AddHead("first");
+    root.InsertAfter("middle", root.GetChild());
+    EXPECT_EQ(root.GetChild().GetNextSibling().GetText(), "middle");
+    EXPECT_EQ(root.GetChild().GetNextSibling().GetNextSibling(), last);
+    EXPECT_EQ(last.GetImageID(), 3);
+    EXPECT_EQ(last.GetParent().GetText(), "root");
+    EXPECT_TRUE(root.Expand() && root.IsExpanded() && root.HasChildren());
+    EXPECT_TRUE(last.Select());
+    EXPECT_EQ(tree.GetSelectedItem(), last);
+    EXPECT_TRUE(last.SetData(7) && tree.GetItemData(last) == 7);
+
+    CTreeCursor const none = tree.GetChildItem(last); // a leaf has no child
+    EXPECT_EQ(static_cast<HTREEITEM>(none), nullptr);
+    EXPECT_EQ(none.GetTree(), &tree);
+    EXPECT_EQ(none.GetParent().GetNextSibling().GetText(), "");
+    EXPECT_FALSE(none.Select() || none.Expand() || none.SetText("x") || none.EnsureVisible());
+    CTreeCursor gone = root.GetChild();
+    EXPECT_TRUE(gone.Delete());
+    EXPECT_EQ(static_cast<HTREEITEM>(gone), nullptr);
+    EXPECT_FALSE(gone.Delete());
+    CTreeCursor const nowhere;
+    EXPECT_EQ(static_cast<HTREEITEM>(nowhere.AddTail("x")), nullptr);
+    ImageList images;
+    EXPECT_EQ(tree.SetImageList(&images, TVSIL_NORMAL), nullptr);
+    EXPECT_EQ(tree.SetImageList(nullptr, TVSIL_NORMAL), &images); // the former one
+}
+
+} // namespace
+} // namespace zelvar
