@@ -129,9 +129,12 @@ ADIFile::ADIFile(DFile const &file, char const *format, tdFormatAccessType acces
         if (error.IsSet())
             Report::TraceMessage(Report::kTraceOpen, "%s", error.Text().c_str());
     } else {
-        BDIMoniker const moniker(file.GetMoniker(), nullptr);
-        m_reading =
-            std::make_unique<Reading>(moniker.WithOptions(options == nullptr ? "" : options), id.c_str(), error);
+        BDIMoniker moniker = BDIMoniker(file.GetMoniker(), nullptr).WithOptions(options == nullptr ? "" : options);
+        if (EqualNoCase(id, "TCSV"))
+            moniker = moniker.WithOptions("TRANSPOSED=YES");
+        if (EqualNoCase(id, "TCSV") || EqualNoCase(id, "TXT"))
+            id = "CSV";
+        m_reading = std::make_unique<Reading>(moniker, id.c_str(), error);
     }
     m_error = error.Text();
 }
@@ -144,8 +147,11 @@ bool ADIFile::IsOpen() const {
 
 DString const &ADIFile::GetError() const { return m_error; }
 
-bool ADIFile::CanWrite(DString const &format) {
-    return TableWriter::Create(format, {}) != nullptr; // which without a path begins nothing
+bool ADIFile::CanWrite(DString const &format) { return TableWriter::IsWritten(format); }
+
+DString ADIFile::WriteFormatOf(DString const &path, DString const &format) {
+    DString const extension(ExtensionOf(path));
+    return !extension.empty() && CanWrite(extension) ? extension : format; // their ids are their extensions
 }
 
 namespace {

@@ -25,7 +25,8 @@ enum tdFormatAccessType {
 class ZELVAR_API ADIFile : public IAttrData {
 public:
     /// `file`: a moniker; options behind "?" choose a layer ("LAYER=name") and go to the driver. `format`: for reading
-    /// the id of a driver, which is tried before the others, may be empty. A `plugin`, if any, names the format by its
+    /// the id of a driver, which is tried before the others, or one of those
+    /// that are written; may be empty. A `plugin`, if any, names the format by its
     /// id where `format` is empty. `options`, may be null: more of the moniker's.
     ADIFile(DFile const &file, char const *format, tdFormatAccessType access, DIOPlugin *plugin, char const *options);
     ~ADIFile() override;
@@ -35,6 +36,8 @@ public:
     [[nodiscard]] DString const &GetError() const;
     /// Whether `Finish` can write a format of that id.
     [[nodiscard]] static bool CanWrite(DString const &format);
+    /// The format that a table of that name is written in: `format`, unless the name ends like another one.
+    [[nodiscard]] static DString WriteFormatOf(DString const &path, DString const &format);
 
     [[nodiscard]] int GetNumCols() const override;
     [[nodiscard]] DString GetColName(int col) const override;

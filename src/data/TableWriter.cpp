@@ -3,6 +3,9 @@
 #include "zelvar/data/CsvTableWriter.h"
 #include "zelvar/data/DbfTableWriter.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace zelvar {
 
 std::unique_ptr<TableWriter> TableWriter::Create(DString const &format, DString const &path) {
@@ -13,6 +16,12 @@ std::unique_ptr<TableWriter> TableWriter::Create(DString const &format, DString 
     if (EqualNoCase(format, "DBF"))
         return std::make_unique<DbfTableWriter>(path);
     return nullptr;
+}
+
+bool TableWriter::IsWritten(DString const &format) {
+    constexpr std::string_view known[] = {"", "CSV", "TXT", "TCSV", "DBF"};
+    return std::any_of(std::begin(known), std::end(known),
+                       [&](std::string_view id) { return EqualNoCase(id, format); });
 }
 
 } // namespace zelvar

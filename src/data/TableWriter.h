@@ -23,7 +23,9 @@ public:
     /// True when the table stands in its place. False leaves there what was there before.
     [[nodiscard]] virtual bool Finish() = 0;
 
-    /// Null for a format that is not written.
+    /// Whether tables are written in a format of that id; case is not regarded.
+    [[nodiscard]] static bool IsWritten(DString const &format);
+    /// Null for a format that is not.
     [[nodiscard]] static std::unique_ptr<TableWriter> Create(DString const &format, DString const &path);
 
 protected:

@@ -3,6 +3,7 @@
 #include <gdal.h>
 #include <gdal_utils.h>
 #include <gtest/gtest.h>
+#include <ogr_api.h>
 
 #include <array>
 
@@ -21,6 +22,22 @@ void ConvertTable(std::string const &csv, std::string const &path, std::string c
     GDALClose(target);
     GDALVectorTranslateOptionsFree(options);
     GDALClose(source);
+}
+
+std::vector<double> NumbersOf(std::string const &path, std::string const &column) {
+    GDALAllRegister();
+    std::vector<double> numbers;
+    GDALDatasetH const source = GDALOpenEx(path.c_str(), GDAL_OF_VECTOR, nullptr, nullptr, nullptr);
+    if (source == nullptr)
+        return numbers;
+    OGRLayerH const layer = GDALDatasetGetLayer(source, 0);
+    int const field = OGR_L_FindFieldIndex(layer, column.c_str(), 1);
+    while (OGRFeatureH const feature = OGR_L_GetNextFeature(layer)) {
+        numbers.push_back(OGR_F_GetFieldAsDouble(feature, field));
+        OGR_F_Destroy(feature);
+    }
+    GDALClose(source);
+    return numbers;
 }
 
 } // namespace zelvar::test

@@ -26,4 +26,7 @@ namespace zelvar::test {
 /// Writes the table of a file of comma-separated values in another of GDAL's formats, types found out.
 void ConvertTable(std::string const &csv, std::string const &path, std::string const &format);
 
+/// The numbers of a column, read by GDAL alone; none if it does not read the file.
+[[nodiscard]] std::vector<double> NumbersOf(std::string const &path, std::string const &column);
+
 } // namespace zelvar::test

@@ -1,7 +1,10 @@
 #include "zelvar/data/gdal/TableDriver.h"
 
 #include "zelvar/data/ADIDriverMngr.h"
-#include "zelvar/data/gdal/TableReading.h"
+#include "zelvar/data/gdal/CsvTable.h"
+#include "zelvar/data/gdal/LayerTable.h"
+
+#include <gdal.h>
 
 #include <new>
 
@@ -9,25 +12,50 @@ namespace zelvar::gdal {
 
 namespace {
 
-LayerTable &Of(void *handle) { return *static_cast<LayerTable *>(handle); }
+OpenTable &Of(void *handle) { return *static_cast<OpenTable *>(handle); }
+
+bool IsText(Format const &format) { return format.id == "CSV"; }
+
+struct Opened {
+    std::unique_ptr<OpenTable> table;
+    Format const *format = nullptr; ///< that read it
+};
+
+Opened OpenWith(BDIMoniker const &moniker, Format const *only, StopSignal const *stop, DError *error) {
+    auto const source = Resolve(moniker, error);
+    if (!source)
+        return {};
+    // A text is what no other format takes it for.
+    bool const isText = only != nullptr && IsText(*only);
+    Format const *const identified = isText ? only : Identify(*source, GDAL_OF_VECTOR, only);
+    if (isText || (only == nullptr && (identified == nullptr || IsText(*identified))))
+        if (std::unique_ptr<OpenTable> table = CsvTable::Open(*source, isText, stop, error))
+            return {std::move(table), Formats::Instance().Find("CSV")};
+    std::unique_ptr<LayerTable> layer = LayerTable::Open(*source, only, stop, error);
+    if (layer == nullptr)
+        return {};
+    Format const &format = layer->OpenedBy();
+    return {std::move(layer), &format};
+}
 
 } // namespace
 
 void *TableDriver::OpenTable(BDIMoniker const &moniker, StopSignal const *stop, DError *error) {
-    return LayerTable::Open(moniker, &m_format, stop, error).release();
+    return OpenWith(moniker, &m_format, stop, error).table.release();
 }
 
 void *TableDriver::OpenTableInFamily(BDIMoniker const &moniker, ADIDriver **opener, StopSignal const *stop,
                                      DError *error) {
-    std::unique_ptr<LayerTable> table = LayerTable::Open(moniker, nullptr, stop, error);
-    if (table == nullptr)
+    Opened opened = OpenWith(moniker, nullptr, stop, error);
+    if (opened.table == nullptr)
         return nullptr;
-    ADIDriver *const named = ADIDriverMngr::Instance()->GetDriver(table->OpenedBy().id.c_str());
+    ADIDriver *const named =
+        opened.format == nullptr ? nullptr : ADIDriverMngr::Instance()->GetDriver(opened.format->id.c_str());
     *opener = named != nullptr && named->GetFamily() == GetFamily() ? named : this;
-    return table.release();
+    return opened.table.release();
 }
 
-void TableDriver::CloseTable(void *handle) { delete static_cast<LayerTable *>(handle); }
+void TableDriver::CloseTable(void *handle) { delete static_cast<gdal::OpenTable *>(handle); }
 
 std::vector<ADIColumn> const &TableDriver::GetColumns(void *handle) const { return Of(handle).Columns(); }
 

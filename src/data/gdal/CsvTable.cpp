@@ -1,0 +1,208 @@
+#include "zelvar/data/gdal/CsvTable.h"
+
+#include "zelvar/base/PathStyle.h"
+
+#include <cpl_vsi.h>
+
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <tuple>
+#include <utility>
+
+namespace zelvar::gdal {
+
+namespace {
+
+constexpr std::size_t kRowsThatSuggest = 100; // the types of columns
+constexpr std::size_t kLongestName = 1024;
+constexpr std::size_t kHead = 4096;                          // bytes that tell text from other things
+constexpr std::size_t kLongestLine = std::size_t{64} << 10U; // of those whose separators are counted
+constexpr std::int64_t kRowsPerPlace = 1024;
+constexpr std::size_t kMostTransposed = std::uint64_t{256} << 20U;
+constexpr char const *kTransposedOption = "TRANSPOSED";
+
+DString OptionOf(Source const &source, std::string_view wanted) {
+    auto const at = std::find_if(source.options.begin(), source.options.end(),
+                                 [&](auto const &option) { return EqualNoCase(option.first, wanted); });
+    return at == source.options.end() ? DString() : at->second;
+}
+
+bool HasExtension(Source const &source, std::initializer_list<std::string_view> known) {
+    std::string_view const extension = ExtensionOf(source.name);
+    return std::any_of(known.begin(), known.end(), [&](std::string_view one) { return EqualNoCase(one, extension); });
+}
+
+bool IsTransposed(Source const &source) {
+    return HasExtension(source, {"tcsv"}) || EqualNoCase(OptionOf(source, kTransposedOption), "YES");
+}
+
+char SeparatorFor(Source const &source, CsvReader &reader) {
+    constexpr std::array<std::pair<std::string_view, char>, 5> named{
+        {{"COMMA", ','}, {"SEMICOLON", ';'}, {"TAB", '\t'}, {"PIPE", '|'}, {"SPACE", ' '}}};
+    DString const wanted = OptionOf(source, "SEPARATOR");
+    for (auto const &[name, separator] : named)
+        if (EqualNoCase(name, wanted))
+            return separator;
+    if (HasExtension(source, {"tsv"}))
+        return '\t';
+    return HasExtension(source, {"psv"}) ? '|' : GuessSeparator(reader.Peek(kLongestLine));
+}
+
+bool LooksLikeNames(CsvRecord const &record) {
+    for (std::size_t i = 0; i < record.Count(); ++i)
+        if (SuggestedType(record.Field(i)) != ADICol_String)
+            return false;
+    return true;
+}
+
+/// Nothing if that is too much.
+std::optional<std::vector<CsvRecord>> AllRecords(CsvReader &reader) {
+    std::vector<CsvRecord> records;
+    std::size_t bytes = 0;
+    while (true) {
+        CsvRecord record;
+        CsvReader::Result const result = reader.Next(record, kMostTransposed);
+        bytes += record.texts.size() + record.ends.size() * sizeof record.ends[0];
+        if (result == CsvReader::Result::TooLong || bytes > kMostTransposed)
+            return std::nullopt;
+        if (result == CsvReader::Result::End)
+            return records;
+        records.push_back(std::move(record));
+    }
+}
+
+DString NameOf(CsvRecord const &record, std::size_t column) {
+    DString name;
+    if (column < record.Count())
+        AppendText(name, record.Field(column), kLongestName);
+    return name.empty() ? "field_" + std::to_string(column + 1) : name;
+}
+
+} // namespace
+
+void CloseCsvFile::operator()(void *file) const { VSIFCloseL(static_cast<VSILFILE *>(file)); }
+
+CsvTable::CsvTable(Reach reach, CsvFile file, StopSignal const *stop)
+    : OpenTable(reach, stop), m_file(std::move(file)),
+      m_reader([raw = static_cast<VSILFILE *>(m_file.get())](std::uint64_t offset, char *buffer, std::size_t size) {
+          return VSIFSeekL(raw, offset, SEEK_SET) == 0 ? VSIFReadL(buffer, 1, size, raw) : std::size_t{0};
+      }) {}
+
+CsvTable::~CsvTable() {
+    GdalScope const scope(GetReach());
+    m_file.reset();
+}
+
+std::unique_ptr<OpenTable> CsvTable::Open(Source const &source, bool forced, StopSignal const *stop, DError *error) {
+    if (!forced && !HasExtension(source, {"csv", "tsv", "psv", "tcsv", "txt"}))
+        return nullptr;
+    GdalScope const scope(source.reach);
+    CsvFile file(VSIFOpenL(source.name.c_str(), "rb"));
+    if (file == nullptr)
+        return nullptr;
+    std::unique_ptr<CsvTable> table(new CsvTable(source.reach, std::move(file), stop));
+    std::string_view const head = table->m_reader.Peek(kHead);
+    if (head.empty() || head.find('\0') != std::string_view::npos)
+        return nullptr;
+    table->m_reader.SetSeparator(SeparatorFor(source, table->m_reader));
+    std::unique_ptr<OpenTable> opened;
+    if (IsTransposed(source)) {
+        if (auto lines = AllRecords(table->m_reader))
+            opened = std::make_unique<TransposedCsvTable>(source.reach, std::move(*lines), stop);
+    } else {
+        table->Describe(source);
+        opened = std::move(table);
+    }
+    if (opened != nullptr && opened->Columns().size() <= ADIDriver::kMostColumns)
+        return opened;
+    if (error != nullptr)
+        error->Set("the table \"" + source.text + "\" is too large");
+    return nullptr;
+}
+
+bool CsvTable::Read(CsvRecord &record) {
+    return m_reader.Next(record, ADIDriver::kMostRowBytes) == CsvReader::Result::Record;
+}
+
+void CsvTable::Describe(Source const &source) {
+    std::int64_t const beginning = m_reader.Position();
+    CsvRecord names;
+    std::ignore = Read(names);
+    DString const headers = OptionOf(source, "HEADERS");
+    m_hasNames = EqualNoCase(headers, "YES") || (!EqualNoCase(headers, "NO") && LooksLikeNames(names));
+    m_places = {m_hasNames ? m_reader.Position() : beginning};
+
+    std::vector<CsvRecord> first;
+    std::size_t columns = names.Count();
+    std::size_t bytes = 0;
+    std::ignore = GoBack(0);
+    while (first.size() < kRowsThatSuggest && bytes < ADIDriver::kBatchBytes && !IsStopped()) {
+        CsvRecord record;
+        if (!Read(record))
+            break;
+        columns = std::max(columns, record.Count());
+        bytes += record.texts.size() + record.ends.size();
+        first.push_back(std::move(record));
+    }
+    std::ignore = GoBack(0);
+    TypeSuggestion types(columns);
+    for (CsvRecord const &record : first)
+        for (std::size_t i = 0; i < record.Count(); ++i)
+            types.Look(i, record.Field(i));
+    for (std::size_t i = 0; i < columns; ++i)
+        m_columns.push_back({.name = NameOf(m_hasNames ? names : CsvRecord(), i), .type = types.Of(i)});
+}
+
+std::int64_t CsvTable::GoBack(std::int64_t row) {
+    // A text in another encoding has no places: it is read from its beginning.
+    auto const place = std::min(static_cast<std::size_t>(row / kRowsPerPlace), m_places.size() - 1);
+    m_reader.GoTo(m_places[place]);
+    if (m_places[place] < 0 && m_hasNames)
+        std::ignore = Read(m_record);
+    return static_cast<std::int64_t>(place) * kRowsPerPlace;
+}
+
+bool CsvTable::Step() {
+    std::int64_t const place = m_reader.Position();
+    if (NextRow() == static_cast<std::int64_t>(m_places.size()) * kRowsPerPlace && place >= 0)
+        m_places.push_back(place);
+    return Read(m_record);
+}
+
+bool CsvTable::Append(ADIRows &rows) const {
+    for (std::size_t i = 0; i < m_columns.size(); ++i) {
+        if (i < m_record.Count())
+            AppendText(rows.texts, m_record.Field(i), ADIDriver::kMostCellBytes);
+        rows.ends.push_back(static_cast<std::uint32_t>(rows.texts.size()));
+    }
+    return true; // a record is no longer than a row may be
+}
+
+TransposedCsvTable::TransposedCsvTable(Reach reach, std::vector<CsvRecord> lines, StopSignal const *stop)
+    : OpenTable(reach, stop), m_lines(std::move(lines)) {
+    TypeSuggestion types(m_lines.size());
+    for (std::size_t line = 0; line < m_lines.size(); ++line) {
+        std::size_t const count = m_lines[line].Count();
+        for (std::size_t i = 1; i < std::min(count, kRowsThatSuggest + 1); ++i)
+            types.Look(line, m_lines[line].Field(i));
+        m_rows = std::max(m_rows, static_cast<std::int64_t>(count) - 1);
+        DString name;
+        AppendText(name, m_lines[line].Field(0), kLongestName);
+        m_columns.push_back({.name = std::move(name), .type = types.Of(line)});
+    }
+}
+
+bool TransposedCsvTable::Step() { return m_row < m_rows && ++m_row > 0; }
+
+bool TransposedCsvTable::Append(ADIRows &rows) const {
+    auto const field = static_cast<std::size_t>(m_row); // behind the name
+    for (CsvRecord const &line : m_lines) {
+        if (field < line.Count())
+            AppendText(rows.texts, line.Field(field), ADIDriver::kMostCellBytes);
+        rows.ends.push_back(static_cast<std::uint32_t>(rows.texts.size()));
+    }
+    return rows.texts.size() <= ADIDriver::kMostRowBytes;
+}
+
+} // namespace zelvar::gdal

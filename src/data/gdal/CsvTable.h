@@ -1,0 +1,64 @@
+#pragma once
+
+#include "zelvar/data/gdal/CsvReader.h"
+#include "zelvar/data/gdal/OpenTable.h"
+#include "zelvar/data/gdal/Source.h"
+
+#include <memory>
+
+namespace zelvar::gdal {
+
+struct CloseCsvFile {
+    void operator()(void *file) const;
+};
+/// GDAL's handle.
+using CsvFile = std::unique_ptr<void, CloseCsvFile>;
+
+/// A file of comma-separated values as a table. GDAL's own reader of them knows no table of one column, no UTF-16 and
+/// no place but the next row.
+///
+/// Texts stay as they are written, so that no zero in front of a number gets lost; the types of columns are those that
+/// the first rows suggest. The separator is the one that the first line has most of (",", ";", tab or "|"); the first
+/// line holds names unless one of its fields is a number. The options SEPARATOR (COMMA, SEMICOLON, TAB, PIPE, SPACE)
+/// and HEADERS (YES, NO) say otherwise; TRANSPOSED=YES, or a name that ends in ".tcsv", makes lines columns. Places in
+/// the file are remembered every so many rows: a step back is short.
+class CsvTable : public OpenTable {
+public:
+    /// Null for a source that is no such file. `forced`: whatever its name is.
+    static std::unique_ptr<OpenTable> Open(Source const &source, bool forced, StopSignal const *stop, DError *error);
+    ~CsvTable() override;
+
+protected:
+    std::int64_t GoBack(std::int64_t row) override;
+    [[nodiscard]] bool Step() override;
+    [[nodiscard]] bool Append(ADIRows &rows) const override;
+
+private:
+    CsvTable(Reach reach, CsvFile file, StopSignal const *stop);
+    void Describe(Source const &source);
+    [[nodiscard]] bool Read(CsvRecord &record);
+
+    CsvFile m_file;
+    CsvReader m_reader;
+    CsvRecord m_record; ///< the one read last
+    bool m_hasNames = false;
+    std::vector<std::int64_t> m_places; ///< of rows 0, 1024, ... in the file
+};
+
+/// The same with lines that are columns, their names first. All of it is kept in memory.
+class TransposedCsvTable : public OpenTable {
+public:
+    TransposedCsvTable(Reach reach, std::vector<CsvRecord> lines, StopSignal const *stop);
+
+protected:
+    std::int64_t GoBack(std::int64_t row) override { return m_row = row; }
+    [[nodiscard]] bool Step() override;
+    [[nodiscard]] bool Append(ADIRows &rows) const override;
+
+private:
+    std::vector<CsvRecord> m_lines;
+    std::int64_t m_row = 0;  ///< the next one
+    std::int64_t m_rows = 0; ///< in all
+};
+
+} // namespace zelvar::gdal

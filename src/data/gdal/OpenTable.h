@@ -1,0 +1,48 @@
+#pragma once
+
+#include "zelvar/data/gdal/GdalScope.h"
+#include "zelvar/data/gdal/TableTexts.h"
+
+namespace zelvar::gdal {
+
+/// A table that is open, behind a cursor: few formats find a row by its number, and none of them tells cheaply how many
+/// there are. So the cursor goes forward, and back to a place before the row where an earlier one is asked for. A row
+/// that cannot be read ends the table.
+class OpenTable {
+public:
+    virtual ~OpenTable() = default;
+    OpenTable(OpenTable const &) = delete;
+    OpenTable &operator=(OpenTable const &) = delete;
+
+    [[nodiscard]] std::vector<ADIColumn> const &Columns() const { return m_columns; }
+    /// As `ADIDriver::ReadRows`.
+    [[nodiscard]] bool ReadRows(std::int64_t first, int most, ADIRows &rows);
+
+protected:
+    OpenTable(Reach reach, StopSignal const *stop) : m_reach(reach), m_stop(stop) {}
+
+    /// Sets the cursor before a row that is not behind `row`, and yields its number. Called to go back; one that can go
+    /// ahead may do so as well.
+    virtual std::int64_t GoBack(std::int64_t row) = 0;
+    /// Reads the row behind the cursor; false if there is none.
+    [[nodiscard]] virtual bool Step() = 0;
+    /// Appends the cells of the row read last; false if there is too much of them.
+    [[nodiscard]] virtual bool Append(ADIRows &rows) const = 0;
+
+    [[nodiscard]] Reach GetReach() const { return m_reach; }
+    [[nodiscard]] bool IsStopped() { return m_stop.IsStopped(); }
+    [[nodiscard]] std::int64_t NextRow() const { return m_next; }
+
+    std::vector<ADIColumn> m_columns;
+
+private:
+    [[nodiscard]] bool GoTo(std::int64_t row);
+    [[nodiscard]] bool StepCounted();
+
+    Reach m_reach;
+    StopPoll m_stop;
+    std::int64_t m_next = 0; ///< the row that the cursor stands before
+    std::int64_t m_end = -1; ///< how many rows there are, once known
+};
+
+} // namespace zelvar::gdal
