@@ -105,6 +105,11 @@ public:
     void SetMultiSlct(bool multiple) { ModifyStyle(LVS_SINGLESEL, multiple ? 0U : LVS_SINGLESEL); }
     [[nodiscard]] bool IsMultiSlct() const { return (GetStyle() & LVS_SINGLESEL) == 0; }
 
+    /// Asks for a file (see `SaveTarget.h`) and writes the list to it as a table. The texts "---" and "undefined" go
+    /// out as they are, others as the column's type reads them. A name that ends like another format of tables gets
+    /// that one. Without a message, whatever comes of it.
+    void SaveToFile();
+
     void CreateImages();
     void DestroyImages();
     [[nodiscard]] CZelImageList &GetZelImageList() { return m_images; }
