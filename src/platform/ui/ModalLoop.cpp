@@ -1,5 +1,7 @@
 #include "zelvar/platform/ui/ModalLoop.h"
 
+#include "zelvar/platform/ui/MainWindow.h"
+
 #include <QtCore/QAbstractEventDispatcher>
 #include <QtCore/QEventLoop>
 #include <QtCore/QPointer>
@@ -40,6 +42,7 @@ private:
 
 int RunModal(QDialog &dialog) {
     FocusKeeper const focus;
+    StandOverMainWindow(dialog);
     WakeDispatcher();
     return dialog.exec();
 }

@@ -1,0 +1,298 @@
+// The request itself: its formats, its result, and the road to a dialog. The operations stand in FileDlgDocuments.cpp
+// and FileDlgData.cpp, the dialogs in FileDlgDialogs.cpp.
+#include "zelvar/filedlg/FileDlg.h"
+
+#include "zelvar/base/PathStyle.h"
+#include "zelvar/base/Report.h"
+#include "zelvar/filedlg/BuiltInFormats.h"
+#include "zelvar/filedlg/CustomImportFormats.h"
+#include "zelvar/filedlg/RememberedFolders.h"
+#include "zelvar/filedlg/core/FilterBuffer.h"
+#include "zelvar/settings/DfltFldrs.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace zelvar {
+
+namespace {
+
+DString Text(char const *text) { return text == nullptr ? DString() : DString(text); }
+
+void WarnOfNoFormats() {
+    // The function is named in the lookups as well: users and their support know the text so.
+    Report::UserWarning("FileDlg::ShowFileDlg: no file types available");
+}
+
+/// The one of the process, as its size tells: no two dialogs use it at a time.
+FilterBuffer &SharedFilterBuffer() {
+    static FilterBuffer buffer;
+    return buffer;
+}
+
+/// How many of the formats there is room for.
+int FillFilter(FilterBuffer &buffer, std::vector<DFileFrmt *> const &formats) {
+    buffer.InitFilter();
+    std::size_t count = 0;
+    while (count < formats.size() && buffer.Add(*formats[count]))
+        ++count;
+    buffer.FinishFilter();
+    if (count < formats.size())
+        Report::TraceMessage(Report::kTraceOpen, "a file dialog has no room for %zu of %zu formats",
+                             formats.size() - count, formats.size());
+    return static_cast<int>(count);
+}
+
+} // namespace
+
+FileDlg::~FileDlg() { DeleteFiles(); }
+
+FileDlg &FileDlg::operator=(FileDlg const &other) {
+    if (this == &other)
+        return *this;
+    DeleteFiles();
+    m_files = other.m_files;
+    m_initFile = other.m_initFile;
+    m_initFrmtId = other.m_initFrmtId;
+    m_formats = other.m_formats;
+    m_ownedFormats = other.m_ownedFormats;
+    m_formerFormats = other.m_formerFormats;
+    m_copies = other.m_copies;
+    m_caption = other.m_caption;
+    m_format = other.m_format;
+    m_multipleFiles = other.m_multipleFiles;
+    m_noChangeDir = other.m_noChangeDir;
+    m_dataType = other.m_dataType;
+    m_nodeMask = other.m_nodeMask;
+    m_overwritePrompt = other.m_overwritePrompt;
+    m_dlgTmplId = other.m_dlgTmplId;
+    m_chckReadOnly = other.m_chckReadOnly;
+    m_chckEditOnly = other.m_chckEditOnly;
+    m_options = other.m_options;
+    m_dataSourceType = other.m_dataSourceType;
+    return *this;
+}
+
+// ------------------------------------------------------------------------------------------------------ the result
+
+void FileDlg::DeleteFiles() {
+    if (m_copies.use_count() > 1)
+        m_copies = std::make_shared<char>(); // they stay with the other copies
+    else
+        for (; !m_files.empty(); m_files.pop_back())
+            delete m_files.back();
+    m_files.clear();
+}
+
+BDIMoniker *FileDlg::GetFile(int index) const {
+    return index >= 0 && index < GetNumSlctFiles() ? m_files[static_cast<std::size_t>(index)] : nullptr;
+}
+
+BDIMoniker *FileDlg::GetFileRmv(int index) {
+    BDIMoniker *const file = GetFile(index);
+    if (index >= 0 && index < GetNumSlctFiles())
+        m_files.erase(m_files.begin() + index);
+    return file;
+}
+
+DString FileDlg::GetPhysFile() const {
+    BDIMoniker const *const file = GetFile(0);
+    if (file == nullptr)
+        return ".";
+    DString const path = file->GetPathOnDisk();
+    return path.empty() ? file->GetSource() : path;
+}
+
+void FileDlg::SortData() {
+    // Looking for a name may take a look at the disk.
+    std::vector<std::pair<DString, BDIMoniker *>> named;
+    named.reserve(m_files.size());
+    for (BDIMoniker *file : m_files)
+        named.emplace_back(file == nullptr ? DString() : file->GetDisplayName(), file);
+    std::stable_sort(named.begin(), named.end(), [](auto const &a, auto const &b) { return a.first < b.first; });
+    std::transform(named.begin(), named.end(), m_files.begin(), [](auto const &entry) { return entry.second; });
+}
+
+DString FileDlg::GetImgDrvrID() const { return m_format == nullptr ? DString() : ImageDriverOf(*m_format); }
+
+// ----------------------------------------------------------------------------------------------------- the formats
+
+void FileDlg::Reset() {
+    DeleteFiles();
+    for (auto const *list : {&m_ownedFormats, &m_formerFormats})
+        for (auto const &format : *list)
+            if (format.get() == m_format)
+                m_format = nullptr;
+    m_ownedFormats.clear();
+    m_formerFormats.clear();
+    m_formats.clear();
+}
+
+std::vector<DFileFrmt *> FileDlg::OfferedFormats() const {
+    std::vector<DFileFrmt *> offered = m_formats;
+    std::erase(offered, nullptr);
+    return offered;
+}
+
+void FileDlg::AddDscr(DFileFrmt *format, bool sorted) {
+    auto at = m_formats.end();
+    if (sorted && format != nullptr)
+        at = std::find_if(m_formats.begin(), m_formats.end(), [format](DFileFrmt const *other) {
+            return other != nullptr && other->GetName() > format->GetName();
+        });
+    m_formats.insert(at, format);
+}
+
+void FileDlg::RmvDscr(DFileFrmt *format) {
+    if (auto const at = std::find(m_formats.begin(), m_formats.end(), format); at != m_formats.end())
+        m_formats.erase(at);
+}
+
+DFileFrmt *FileDlg::GetFormat(char const *id) const {
+    if (m_formats.empty())
+        WarnOfNoFormats();
+    for (DFileFrmt *format : m_formats)
+        if (id != nullptr && format != nullptr && format->GetID() == id)
+            return format;
+    return nullptr;
+}
+
+DFileFrmt *FileDlg::GetFormatByName(char const *name) const {
+    if (m_formats.empty())
+        WarnOfNoFormats();
+    for (DFileFrmt *format : m_formats)
+        if (name != nullptr && format != nullptr && format->GetName() == name)
+            return format;
+    return nullptr;
+}
+
+void FileDlg::SetFormat(EFormat format, int mode) {
+    BuiltInFormats &known = BuiltInFormats::Instance();
+    struct Row {
+        DVector<DFileFrmt *> load;
+        DVector<DFileFrmt *> save;
+    };
+    Row row;
+    switch (format) {
+    case FRMT_TEXT:
+        row = {{&known.frmt_txt, &known.frmt_dbf, &known.frmt_csv, &known.frmt_all},
+               {&known.frmt_txt, &known.frmt_dbf}};
+        break;
+    case FRMT_CSV:
+        row = {{&known.frmt_csv, &known.frmt_tcsv}, {&known.frmt_csv, &known.frmt_tcsv, &known.frmt_txt}};
+        break;
+    case FRMT_SHAPE:
+        row = {{&known.frmt_shp}, {&known.frmt_shp}};
+        break;
+    case FRMT_HTML:
+        row = {{&known.frmt_html}, {&known.frmt_html}};
+        break;
+    case FRMT_SNIPPETS:
+        row = {{&known.frmt_snippets}, {&known.frmt_snippets}};
+        break;
+    }
+    if (row.load.empty())
+        return;
+    m_format = row.load.front();
+    DVector<DFileFrmt *> &wanted = mode == 1 ? row.save : row.load;
+    if (mode != 0 && mode != 1)
+        wanted.resize(std::min<std::size_t>(wanted.size(), 2));
+    for (DFileFrmt *offered : wanted)
+        AddDscr(offered, false);
+}
+
+void FileDlg::RemoveFormatWithId(char const *id) {
+    auto const at = std::find_if(m_formats.begin(), m_formats.end(),
+                                 [id](DFileFrmt const *format) { return format != nullptr && format->GetID() == id; });
+    if (at != m_formats.end())
+        m_formats.erase(at);
+}
+
+// -------------------------------------------------------------------------------------------- the road to a dialog
+
+bool FileDlg::ShowFileDlg(int mode, char const *key, DLGTemplate dlgTemplate) {
+    DeleteFiles();
+    std::vector<DFileFrmt *> const offered = OfferedFormats();
+    if (offered.empty()) {
+        WarnOfNoFormats();
+        return false;
+    }
+    if (m_format == nullptr) {
+        DString const extension = StripExtn(m_initFile);
+        auto const same = std::find_if(offered.begin(), offered.end(),
+                                       [&](DFileFrmt const *format) { return format->GetExtn() == extension; });
+        m_format = same == offered.end() ? offered.front() : *same;
+    }
+    auto const current = std::find_if(offered.begin(), offered.end(), [this](DFileFrmt const *format) {
+        return format->GetName() == m_format->GetName();
+    });
+    int const position = static_cast<int>(current - offered.begin());
+    FilterBuffer &buffer = SharedFilterBuffer();
+    int const index = position < FillFilter(buffer, offered) ? position : 0;
+    // Both texts are copies: what runs while the dialog is open may ask for another one.
+    DString const filter = buffer.Text();
+    DString const extension = m_format->GetExtn();
+    if (!OpenMFCFileDlg(mode, filter.c_str(), index, extension.c_str(), key, dlgTemplate))
+        return false;
+    SortData();
+    return true;
+}
+
+bool FileDlg::OpenFileDlg(int mode, char const *filter, char const *ext, DLGTemplate dlgTemplate) {
+    DString const text = Text(filter);
+    int const index = IndexOfPattern(text, ext == nullptr ? StripExtn(m_initFile) : DString(ext));
+    DeleteFiles();
+    if (!OpenMFCFileDlg(mode, text.c_str(), index, ext, "", dlgTemplate))
+        return false;
+    SortData();
+    return true;
+}
+
+DString FileDlg::InitialPath(char const *name, char const *dir, char const *key) const {
+    DString folder = ReadSetting(key, Text(dir));
+    if (!folder.empty() && !PathStyle::Native().IsSeparator(folder.back()))
+        folder += PathStyle::Native().separator;
+    return folder + Text(name);
+}
+
+bool FileDlg::Open(int mode, EFormat format, char const *name, char const *dir, char const *key) {
+    SetFormat(format, mode);
+    m_initFile = InitialPath(name, dir, key);
+    if (!OpenAll(mode))
+        return false;
+    RememberFolder(key);
+    return true;
+}
+
+bool FileDlg::Open(int mode, char const *name, char const *dir, char const *key) {
+    m_initFile = InitialPath(name, dir, key);
+    // The file's own extension comes ahead of "All Files".
+    DString const extension = AnswersSoon(m_initFile) ? BDIMoniker(m_initFile, nullptr).GetFrmtExtn(false)
+                                                      : DFile(m_initFile).GetPhysFileExtn();
+    DFileFrmt own("", "", ("*." + extension).c_str());
+    AddDscr(&own, false);
+    bool const opened = OpenAll(mode);
+    RmvDscr(&own);
+    if (m_format == &own)
+        m_format = nullptr;
+    if (opened)
+        RememberFolder(key);
+    return opened;
+}
+
+void FileDlg::ReadInitFile(char const *folderKey) {
+    if (m_initFile.empty() && folderKey != nullptr)
+        m_initFile = ReadSetting(folderKey, ".");
+}
+
+void FileDlg::RememberFolder(char const *folderKey) const {
+    if (BDIMoniker const *const file = GetFile(0); file != nullptr)
+        WriteFolder(folderKey, DFile(file->GetPathOnDisk()).GetPhysFilePath());
+}
+
+void FileDlg::SaveHistory(char const *key) const {
+    if (key != nullptr && *key != '\0')
+        DfltFldrs::Instance()->SaveDirHist(key, DFile(GetPhysFile()).GetPhysFilePath());
+}
+
+} // namespace zelvar

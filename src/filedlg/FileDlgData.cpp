@@ -1,0 +1,205 @@
+// The operations on data: their formats come from plug-ins.
+#include "zelvar/base/PathStyle.h"
+#include "zelvar/data/BDIDrvrMngr.h"
+#include "zelvar/data/DIOPluginMngr.h"
+#include "zelvar/filedlg/BuiltInFormats.h"
+#include "zelvar/filedlg/CustomImportFormats.h"
+#include "zelvar/filedlg/FileDlg.h"
+#include "zelvar/filedlg/RememberedFolders.h"
+
+#include <algorithm>
+
+namespace zelvar {
+
+namespace {
+
+constexpr int kLoad = 0;
+constexpr int kSave = 1;
+
+constexpr char kRasterFolder[] = "Raster Files";
+constexpr char kRasterType[] = "Raster File Type";
+constexpr char kThematicFolder[] = "Projects";
+constexpr char kThematicType[] = "Labeled Raster File Type";
+constexpr char kAttributeFolder[] = "ThematicFolders"; // the text of the history key is the key of the folder, too
+constexpr char kAttributeType[] = "Labeled Attribute File Type";
+constexpr char kMetadataType[] = "MetaData File Type";
+
+/// Extension of formats that stand ahead of all others when loading and are not offered otherwise.
+constexpr char kRasterFormats[] = "RSTR_FRMT";
+
+using OwnedFormats = std::vector<std::unique_ptr<DFileFrmt>>;
+
+OwnedFormats FormatsOf(DIOPlugin &plugin, unsigned dataType, ICheck<DString> const *check) {
+    DList<DFileFrmt *> formats;
+    plugin.BuildFrmtList(kLoad, dataType, check, formats);
+    OwnedFormats owned;
+    owned.reserve(formats.size());
+    for (DFileFrmt *format : formats)
+        if (format != nullptr)
+            owned.emplace_back(format);
+    return owned;
+}
+
+/// "*.ini;*.txt" is of both extensions.
+bool HasExtension(DFileFrmt const &format, DString const &extension) {
+    std::vector<DString> const masks = Split(format.GetExtn(), ';');
+    return std::any_of(masks.begin(), masks.end(),
+                       [&](DString const &mask) { return DFile(mask).GetPhysFileExtn() == extension; });
+}
+
+/// The id of the format to begin with, by the plug-in that the caller wants; `fallback` without one.
+DString FormatOfPlugin(DIOPluginMngr &manager, DString const &name, DString const &extension, unsigned dataType,
+                       ICheck<DString> const *check, DString const &fallback) {
+    for (DIOPlugin *plugin : manager.Plugins()) {
+        if (plugin->GetName() != name)
+            continue;
+        OwnedFormats const formats = FormatsOf(*plugin, dataType, check);
+        auto wanted = formats.begin();
+        if (!extension.empty())
+            wanted = std::find_if(formats.begin(), formats.end(),
+                                  [&](auto const &format) { return HasExtension(*format, extension); });
+        if (wanted == formats.end())
+            wanted = formats.begin();
+        return wanted == formats.end() ? fallback : (*wanted)->GetID();
+    }
+    return fallback;
+}
+
+} // namespace
+
+void FileDlg::AddIOPluginFilters(DIOPluginMngr *manager, int mode, ICheck<DString> const *check) {
+    DList<DFileFrmt *> formats;
+    if (manager != nullptr)
+        manager->BuildFrmtList(mode, m_dataType, check, formats);
+    else
+        AppendCustomImports(formats);
+    for (DFileFrmt *format : formats)
+        if (format != nullptr)
+            m_ownedFormats.emplace_back(format);
+    OfferOwnedFormats(mode);
+}
+
+void FileDlg::OfferOwnedFormats(int mode) {
+    auto const others = std::stable_partition(m_ownedFormats.begin(), m_ownedFormats.end(),
+                                              [](auto const &format) { return format->GetExtn() == kRasterFormats; });
+    if (mode == kLoad)
+        std::for_each(m_ownedFormats.begin(), others, [this](auto const &format) { AddDscr(format.get(), false); });
+    std::move(m_ownedFormats.begin(), others, std::back_inserter(m_formerFormats));
+    m_ownedFormats.erase(m_ownedFormats.begin(), others);
+    for (auto const &format : m_ownedFormats)
+        AddDscr(format.get(), true);
+}
+
+bool FileDlg::OpenRasterData(DIOPluginMngr *manager, int mode, bool multiple, bool rememberDir,
+                             ICheck<DString> const *check) {
+    Reset();
+    m_nodeMask = BDINode_Raster;
+    if (mode == kLoad)
+        AddDscr(&BuiltInFormats::Instance().frmt_all, false);
+    AddIOPluginFilters(manager, mode, check);
+    if (mode == kSave) {
+        if (m_caption.empty())
+            m_caption = "Export Image Layer...";
+        RemoveFormatWithId("ASC"); // it is not written as an image
+    }
+    ReadInitFile(kRasterFolder);
+    if (!m_formats.empty()) {
+        m_format = m_initFrmtId.empty() ? GetFormatByName(ReadSetting(kRasterType, "TIF").c_str())
+                                        : GetFormat(m_initFrmtId.c_str());
+        if (m_format == nullptr && m_initFrmtId.empty())
+            m_format = GetFormatByName("STD_TIF");
+    }
+    if (multiple)
+        SetMultipleFiles();
+    if (m_caption.empty())
+        SetCaptionFor(mode, m_multipleFiles ? "Import Image Layers..." : "Import Image Layer...",
+                      "Export Image Layer...");
+    if (!ShowFileDlg(mode, "ImageFolders", DT_DATA))
+        return false;
+    if (rememberDir)
+        RememberFolder(kRasterFolder);
+    if (m_format != nullptr)
+        WriteSetting(kRasterType, m_format->GetName());
+    return true;
+}
+
+bool FileDlg::OpenGisObjects(DIOPluginMngr *manager, int mode, bool withStandard) {
+    BuiltInFormats &known = BuiltInFormats::Instance();
+    Reset();
+    m_nodeMask = BDINode_Raster | BDINode_Thematic;
+    if (mode == kLoad)
+        AddDscr(&known.frmt_all, false);
+    AddIOPluginFilters(manager, mode, nullptr);
+    if (mode == kSave)
+        RemoveFormatWithId("ASC");
+    if (withStandard) {
+        AddDscr(&known.frmt_shp, false);
+        AddDscr(&known.frmt_aperio, false);
+        if (BDIDrvrMngr::Instance()->GetDrvr(known.frmt_das.GetID().c_str()) != nullptr)
+            AddDscr(&known.frmt_das, false);
+    }
+    ReadInitFile(kThematicFolder);
+    ChooseFormatById(kThematicType, "TIF");
+    if (m_caption.empty())
+        SetCaptionFor(mode, m_multipleFiles ? "Add Thematic Layers..." : "Import Thematic Layer...",
+                      "Export Thematic Layer...");
+    if (!ShowFileDlg(mode, "ThematicFolders", DT_DATA))
+        return false;
+    RememberFormatId(kThematicType);
+    RememberFolder(kThematicFolder);
+    return true;
+}
+
+bool FileDlg::OpenAttrData(DIOPluginMngr *manager, int mode, DString const &what) {
+    BuiltInFormats &known = BuiltInFormats::Instance();
+    Reset();
+    m_nodeMask = BDINode_Table;
+    if (mode == kLoad)
+        AddDscr(&known.frmt_all, false);
+    AddIOPluginFilters(manager, mode, nullptr);
+    RemoveFormatWithId("IMG");
+    if (mode == kLoad)
+        AddDscr(&known.frmt_txt, false);
+    ReadInitFile(kAttributeFolder);
+    ChooseFormatById(kAttributeType, "CSV");
+    SetCaptionFor(mode, "Load " + what + "...", "Save " + what + "...");
+    if (!ShowFileDlg(mode, "ThematicFolders", DT_DATA))
+        return false;
+    RememberFormatId(kAttributeType);
+    RememberFolder(kAttributeFolder);
+    return true;
+}
+
+bool FileDlg::OpenMetaData(DIOPluginMngr *manager, ICheck<DString> const *check, char const *pluginId,
+                           char const *extn) {
+    Reset();
+    m_nodeMask = BDINode_Table;
+    AddIOPluginFilters(manager, kLoad, check);
+    DString wanted = m_initFrmtId.empty() ? ReadSetting(kMetadataType, "INI") : m_initFrmtId;
+    if (manager != nullptr && pluginId != nullptr && *pluginId != '\0')
+        wanted = FormatOfPlugin(*manager, pluginId, extn == nullptr ? "" : extn, m_dataType, check, wanted);
+    if (!wanted.empty() && !m_formats.empty())
+        m_format = GetFormat(wanted.c_str());
+    if (m_caption.empty())
+        m_caption = "Import MetaData...";
+    if (!ShowFileDlg(kLoad, "ImageFolders", DT_DATA))
+        return false;
+    if (m_format != nullptr)
+        WriteSetting(kMetadataType, m_format->GetID());
+    return true;
+}
+
+void FileDlg::ChooseFormatById(char const *typeKey, char const *fallback) {
+    // Without formats the user is told once, by the dialog's function.
+    if (m_formats.empty())
+        return;
+    DString const id = m_initFrmtId.empty() ? ReadSetting(typeKey, fallback) : m_initFrmtId;
+    m_format = GetFormat(id.c_str());
+}
+
+void FileDlg::RememberFormatId(char const *typeKey) const {
+    if (m_format != nullptr && m_format != &BuiltInFormats::Instance().frmt_all)
+        WriteSetting(typeKey, m_format->GetID());
+}
+
+} // namespace zelvar

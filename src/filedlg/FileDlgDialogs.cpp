@@ -1,0 +1,154 @@
+// Which dialog a request gets, and how each is filled and read.
+#include "zelvar/base/DCnfg.h"
+#include "zelvar/base/PathStyle.h"
+#include "zelvar/data/RequestScope.h"
+#include "zelvar/filedlg/CCustomFileDlg.h"
+#include "zelvar/filedlg/FileDlg.h"
+#include "zelvar/filedlg/RememberedFolders.h"
+#include "zelvar/model/PlaceResolver.h"
+#include "zelvar/opends/DlgOpenDS.h"
+#include "zelvar/platform/ui/MainWindow.h"
+#include "zelvar/settings/DfltFldrs.h"
+
+#include <QtWidgets/QApplication>
+
+#include <memory>
+
+#include <sys/stat.h>
+
+namespace zelvar {
+
+namespace {
+
+constexpr char kOptionsSection[] = "Options";
+constexpr char kStandardDialogOption[] = "General_Use standard windows file selection dialog";
+constexpr std::chrono::milliseconds kPlacePatience{250}; // for a place to begin at
+
+bool IsPresent(char const *text) { return text != nullptr && *text != '\0'; }
+
+/// The library's own dialog is for loading, over the application's main window.
+bool TakesOwnDialog(int mode) {
+    return DUserCnfg(kOptionsSection).ReadString(kStandardDialogOption, "") != "true" && mode == 0 &&
+           platform::IsWindowThread() && platform::HasFrame(platform::MainWindow());
+}
+
+/// The item to begin at where it is no plain file or folder; null for those, for what is not there, and for a place
+/// that does not answer soon.
+RefItemPtr<DataSourceItem> InitialItem(DString const &place) {
+    struct stat status {};
+    bool const isPath = !IsUrl(place) && AnswersSoon(place) && stat(place.c_str(), &status) == 0;
+    if (place.empty() || isPath)
+        return nullptr;
+    RequestScope const scope(RequestKind::List, {}, kPlacePatience);
+    return ItemFromPlace(place);
+}
+
+/// The path on disk that the platform's dialog begins at, split where its parts are asked for. A folder may be written
+/// without a separator at its end.
+DFile InitialFile(DString const &place) {
+    if (!AnswersSoon(place))
+        return DFile(place);
+    DFile const file(BDIMoniker(place, nullptr).GetPathOnDisk());
+    DString const name = file.GetPhysFileName();
+    bool const isFolder = !name.empty() && name != "." && name != ".." && file.IsDirectory();
+    return isFolder ? DFile(file.GetMoniker() + PathStyle::Native().separator) : file;
+}
+
+struct DeleteDialog {
+    void operator()(DlgOpenDS *dialog) const { DlgOpenDS::DeleteDialogObject(dialog); }
+};
+
+} // namespace
+
+bool FileDlg::OpenMFCFileDlg(int mode, char const *filter, int index, char const *ext, char const *key,
+                             DLGTemplate dlgTemplate) {
+    if (TakesOwnDialog(mode))
+        return OpenMFCFileDlgNew(0, filter, index, ext, key, dlgTemplate);
+    if (platform::IsWindowThread())
+        return OpenMFCFileDlgOld(mode, filter, index, ext, key);
+    bool opened = false;
+    if (qApp != nullptr)
+        QMetaObject::invokeMethod(
+            qApp, [&] { opened = OpenMFCFileDlgOld(mode, filter, index, ext, key); }, Qt::BlockingQueuedConnection);
+    return opened;
+}
+
+bool FileDlg::OpenMFCFileDlgNew(int, char const *, int, char const *, char const *key, DLGTemplate dlgTemplate) {
+    if (m_format == nullptr && !m_formats.empty())
+        m_format = m_formats.front();
+    std::unique_ptr<DlgOpenDS, DeleteDialog> dialog(
+        DlgOpenDS::CreateDialogObject(m_formats, m_format, dlgTemplate, key, nullptr));
+    if (dialog == nullptr)
+        return false;
+    dialog->SetBDIFilter(m_nodeMask);
+    if (RefItemPtr<DataSourceItem> const item = InitialItem(m_initFile); item != nullptr)
+        dialog->SetInitItem(item);
+    else
+        dialog->SetInitDir(m_initFile.c_str());
+    dialog->SetTitle(m_caption.c_str());
+    // Before the dialog runs: after a cancel the current format is the first, not what the caller had.
+    m_format = m_formats.empty() ? nullptr : m_formats.front();
+    bool const accepted = dialog->DoModal() == QDialog::Accepted;
+    if (accepted) {
+        m_format = dialog->GetFormat();
+        for (BDIMoniker const &moniker : dialog->GetSelectedNodePaths())
+            m_files.push_back(new BDIMoniker(moniker));
+        m_chckReadOnly = dialog->GetReadOnly();
+        m_chckEditOnly = dialog->GetEditOnly();
+        m_dataSourceType = dialog->GetDataSourceType();
+    }
+    dialog.reset();
+    if (m_files.empty() || !accepted)
+        return false;
+    SaveHistory(key);
+    return true;
+}
+
+bool FileDlg::OpenMFCFileDlgOld(int mode, char const *filter, int index, char const *ext, char const *key) {
+    CCustomFileDlg dialog(mode == 0, ext, nullptr, filter == nullptr ? "" : filter, nullptr, m_dlgTmplId);
+    OpenFileName &wanted = dialog.GetOFN();
+    DVectorSafe<DString> history;
+    DfltFldrs::Instance()->GetDirHist(key, history, true, true);
+    if (!m_overwritePrompt)
+        wanted.flags &= ~unsigned{OFN_OVERWRITEPROMPT};
+    if (m_noChangeDir) {
+        wanted.flags |= OFN_NOCHANGEDIR | OFN_ENABLEHOOK;
+        key = nullptr;
+    }
+    if (m_multipleFiles)
+        wanted.flags |= OFN_ALLOWMULTISELECT;
+    dialog.EnableHistory(IsPresent(key));
+    if (IsPresent(key))
+        dialog.SetHistory(history);
+
+    DFile const initial = InitialFile(m_initFile);
+    DString folder = initial.GetPhysFilePath();
+    if (folder.empty() && !history.empty())
+        folder = history[0];
+    if (!folder.empty() && CanBeginIn(folder, mode))
+        wanted.initialDir = folder;
+    if (DString const name = initial.GetPhysFileName(); name != "." && name != "..")
+        wanted.file = name;
+    wanted.title = m_caption;
+    wanted.filterIndex = index + 1;
+    dialog.SetOptions(m_options);
+    if (dialog.DoModal() != QDialog::Accepted)
+        return false;
+
+    DVectorSafe<DFile> files;
+    for (std::size_t at = dialog.GetStartPosition(); at != 0;)
+        files.push_back(DFile(dialog.GetNextPathName(at)));
+    m_chckReadOnly = dialog.GetReadOnly();
+    m_chckEditOnly = dialog.GetEditOnly();
+    // The entries of the type box are the formats that there are.
+    std::vector<DFileFrmt *> const offered = OfferedFormats();
+    auto const chosen = static_cast<std::size_t>(dialog.GetOFN().filterIndex) - 1;
+    m_format = chosen < offered.size() ? offered[chosen] : nullptr;
+    m_options = dialog.GetOptions();
+    if (!ResolveBDI(mode, m_nodeMask, m_format, m_caption, files, ext, m_files, m_options.c_str()))
+        return false;
+    SaveHistory(key);
+    return true;
+}
+
+} // namespace zelvar

@@ -1,0 +1,44 @@
+#include "zelvar/filedlg/RememberedFolders.h"
+
+#include "zelvar/base/DCnfg.h"
+#include "zelvar/data/PlaceCheck.h"
+#include "zelvar/data/RequestScope.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace zelvar {
+
+namespace {
+
+constexpr char kSection[] = "Settings";
+constexpr std::chrono::milliseconds kPatience{100}; // a dialog is waited for
+
+bool IsKey(char const *key) { return key != nullptr && *key != '\0'; }
+
+} // namespace
+
+DString ReadSetting(char const *key, DString const &fallback) {
+    return IsKey(key) ? Profile::GetString(kSection, key, fallback) : fallback;
+}
+
+void WriteSetting(char const *key, DString const &value) {
+    if (IsKey(key))
+        Profile::WriteString(kSection, key, value);
+}
+
+void WriteFolder(char const *key, DString const &folder) {
+    if (!folder.empty() && folder != ".")
+        WriteSetting(key, folder);
+}
+
+bool AnswersSoon(DString const &path) {
+    RequestScope const scope(RequestKind::Probe, {}, kPatience);
+    return DoesPlaceAnswer(path);
+}
+
+bool CanBeginIn(DString const &folder, int mode) {
+    return AnswersSoon(folder) && faccessat(AT_FDCWD, folder.c_str(), mode == 0 ? R_OK : W_OK, AT_EACCESS) == 0;
+}
+
+} // namespace zelvar

@@ -1,0 +1,66 @@
+#include "zelvar/filedlg/core/FilterBuffer.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+namespace zelvar {
+namespace {
+
+TEST(FilterBuffer, HoldsTheFormatsInTheirOrder) {
+    FilterBuffer buffer;
+    buffer.InitFilter();
+    EXPECT_TRUE(buffer.Add(DFileFrmt("", "All Files", "*.*")));
+    EXPECT_TRUE(buffer.Add(DFileFrmt(nullptr, "A|B", "*.a;*.b")));
+    buffer.FinishFilter();
+    EXPECT_STREQ(buffer.Text(), "All Files|*.*|A B|*.a;*.b||");
+    buffer.InitFilter();
+    buffer.FinishFilter();
+    EXPECT_STREQ(buffer.Text(), "|");
+}
+
+TEST(FilterBuffer, IsFullAtItsSizeAndTakesNothingInPart) {
+    // "name|*.x|" and the two bytes at the end
+    std::size_t const room = FilterBuffer::kSize - DString("|*.x|").size() - 2;
+    for (std::size_t const more : {0U, 1U}) {
+        FilterBuffer buffer;
+        buffer.InitFilter();
+        EXPECT_EQ(buffer.Add(DFileFrmt("", DString(room + more, 'n').c_str(), "*.x")), more == 0);
+        buffer.FinishFilter();
+        EXPECT_EQ(std::strlen(buffer.Text()), more == 0 ? FilterBuffer::kSize - 1 : 1);
+    }
+}
+
+TEST(FilterBuffer, OffersNoShorterFormatBehindOneThatDoesNotFit) {
+    FilterBuffer buffer;
+    buffer.InitFilter();
+    EXPECT_TRUE(buffer.Add(DFileFrmt("", DString(8000, 'n').c_str(), "*.x")));
+    EXPECT_FALSE(buffer.Add(DFileFrmt("", DString(300, 'n').c_str(), "*.y")));
+    EXPECT_FALSE(buffer.Add(DFileFrmt("", "z", "*.z"))) << "its place in the list would be another's";
+    buffer.InitFilter();
+    EXPECT_TRUE(buffer.Add(DFileFrmt("", "z", "*.z")));
+}
+
+TEST(FilterBuffer, TheEntryOfAnExtensionIsTheFirstWhosePatternHoldsIt) {
+    struct Case {
+        char const *filter;
+        char const *extension;
+        int index;
+    };
+    Case const cases[] = {
+        {"Text|*.txt|Tables|*.csv;*.tsv|All|*.*||", "*.txt", 0},
+        {"Text|*.txt|Tables|*.csv;*.tsv|All|*.*||", "csv", 1},
+        {"Text|*.txt|Tables|*.csv;*.tsv|All|*.*||", "*.tsv", 1},
+        {"Text|*.txt|Tables|*.csv;*.tsv|All|*.*||", "*.gif", 3},
+        {"Text (*.csv)|*.txt|Tables|*.csv||", "*.csv", 1},
+        {"None||Text|*.txt||", "", 1},
+        {"Text|*.txt||", "", 0},
+        {"Text", "", 1},
+        {"", "", 0},
+    };
+    for (Case const &c : cases)
+        EXPECT_EQ(IndexOfPattern(c.filter, c.extension), c.index) << c.filter << " " << c.extension;
+}
+
+} // namespace
+} // namespace zelvar
