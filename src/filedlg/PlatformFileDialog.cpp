@@ -207,8 +207,10 @@ void PlatformFileDialog::ApplyMasks(DString const &masks) {
 }
 
 void PlatformFileDialog::CallWhenListed(std::function<void()> act) {
-    connect(m_model, &QFileSystemModel::directoryLoaded, qApp,
-            [act = std::move(act)] { QMetaObject::invokeMethod(qApp, act, Qt::QueuedConnection); });
+    connect(
+        m_model, &QFileSystemModel::directoryLoaded, qApp,
+        [act = std::move(act)] { QMetaObject::invokeMethod(qApp, act, Qt::QueuedConnection); },
+        Qt::SingleShotConnection);
 }
 
 int PlatformFileDialog::FilterIndex() const { return m_types->currentIndex(); }

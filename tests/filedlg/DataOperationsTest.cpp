@@ -76,6 +76,7 @@ protected:
 class DataOperations : public testing::Test {
 protected:
     DataOperations() {
+        Forget();
         DIOPluginMngr::Instance()->Reset();
         SetDriverProvider({});
         ScriptedPlugin::asked.clear();
@@ -89,9 +90,7 @@ protected:
     ~DataOperations() override {
         DIOPluginMngr::Instance()->Reset();
         Wksp::Instance()->GetDataSchm()->Clear();
-        for (char const *key : {"Raster Files", "Raster File Type", "Projects", "Labeled Raster File Type",
-                                "ThematicFolders", "Labeled Attribute File Type", "MetaData File Type"})
-            Profile::WriteString("Settings", key, Default(key));
+        Forget();
     }
     static void Add(char const *name, std::vector<ScriptedPlugin::Offer> const &offers) {
         DIOPluginMngr::Instance()->Add(std::make_unique<ScriptedPlugin>(name, offers));
@@ -105,6 +104,11 @@ protected:
     NoPng noPng;
 
 private:
+    static void Forget() {
+        for (char const *key : {"Raster Files", "Raster File Type", "Projects", "Labeled Raster File Type",
+                                "ThematicFolders", "Labeled Attribute File Type", "MetaData File Type"})
+            Profile::WriteString("Settings", key, Default(key));
+    }
     static char const *Default(std::string_view key) { return key.ends_with("Type") ? "" : "."; }
 };
 
