@@ -21,7 +21,9 @@ enum SystemColorIndex {
     COLOR_HIGHLIGHT = 13,
     COLOR_HIGHLIGHTTEXT = 14,
     COLOR_BTNFACE = 15,
+    COLOR_3DSHADOW = 16,
     COLOR_BTNTEXT = 18,
+    COLOR_3DHIGHLIGHT = 20,
 };
 
 } // namespace zelvar

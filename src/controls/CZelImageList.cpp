@@ -46,6 +46,11 @@ void CZelImageList::Create(unsigned bitmapId, int cx, int /*grow*/, unsigned lon
         m_list->Add({.kind = ImageDescription::Kind::Strip, .name = bitmap->second, .index = i});
 }
 
+ImageDescription const *CZelImageList::FindIcon(unsigned iconId) {
+    auto const icon = RegisteredIcons().find(iconId);
+    return icon == RegisteredIcons().end() ? nullptr : &icon->second;
+}
+
 void CZelImageList::Create() {
     if (m_list == nullptr)
         m_list = std::make_unique<ImageList>();
@@ -68,8 +73,8 @@ int CZelImageList::Add(ImageDescription const &description) {
 int CZelImageList::GetIcon(unsigned iconId, char const *file) {
     if (file != nullptr && *file != '\0')
         return Add({.kind = ImageDescription::Kind::File, .name = file});
-    auto const icon = RegisteredIcons().find(iconId);
-    return icon == RegisteredIcons().end() ? -1 : Add(icon->second);
+    ImageDescription const *const icon = FindIcon(iconId);
+    return icon == nullptr ? -1 : Add(*icon);
 }
 
 int CZelImageList::GetCircleSmall(ColorRef fill, ColorRef border) {

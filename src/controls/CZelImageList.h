@@ -22,6 +22,8 @@ public:
     /// The picture that stands for a number everywhere: an icon of the desktop's theme and, where that has none, one of
     /// our own by name or resource path. User-interface thread.
     static void RegisterIcon(unsigned iconId, DString const &themeName, DString const &fallback);
+    /// What is registered under a number; null for none. Valid until that number is registered again.
+    [[nodiscard]] static ImageDescription const *FindIcon(unsigned iconId);
 
     /// The strip of pictures that stands for a bitmap's number everywhere: a name as `ImageDescription` takes it.
     static void RegisterBitmap(unsigned bitmapId, DString const &strip);

@@ -18,6 +18,10 @@ ColorRef SystemColor(int index) {
         return ToColorRef(palette.color(QPalette::HighlightedText));
     case COLOR_BTNFACE:
         return ToColorRef(palette.color(QPalette::Window)); // the face of dialogs
+    case COLOR_3DSHADOW:
+        return ToColorRef(palette.color(QPalette::Dark));
+    case COLOR_3DHIGHLIGHT:
+        return ToColorRef(palette.color(QPalette::Light));
     case COLOR_BTNTEXT:
         return ToColorRef(palette.color(QPalette::WindowText));
     default:

@@ -1,0 +1,69 @@
+#include "zelvar/thematic/ThematicDrawElement.h"
+
+#include "zelvar/base/DFile.h"
+#include "zelvar/controls/CZelImageList.h"
+#include "zelvar/platform/ui/Pictures.h"
+#include "zelvar/platform/ui/SystemColor.h"
+#include "zelvar/platform/ui/Text.h"
+
+#include <QtCore/QFile>
+#include <QtGui/QFontMetrics>
+#include <QtGui/QImageReader>
+#include <QtGui/QPainter>
+
+#include <utility>
+
+namespace zelvar {
+
+bool ThematicDrawElement::MouseEvent(EMouseEvnt event, Point const &point) {
+    static_cast<void>(event), static_cast<void>(point);
+    return false;
+}
+
+void ThematicBitmap::SetBitmap(QPixmap picture) {
+    m_picture = std::move(picture);
+    m_iconId.reset();
+}
+
+void ThematicBitmap::SetBitmap(char const *file) {
+    QPixmap picture;
+    if (file != nullptr && *file != '\0' && !DFile(file).IsDirectory()) {
+        QImageReader reader(QFile::decodeName(file));
+        reader.setDecideFormatFromContent(true);
+        picture = QPixmap::fromImage(reader.read());
+    }
+    SetBitmap(std::move(picture));
+}
+
+void ThematicBitmap::SetBitmap(int iconId) {
+    SetBitmap(QPixmap());
+    if (iconId >= 0 && CZelImageList::FindIcon(static_cast<unsigned>(iconId)) != nullptr)
+        m_iconId = static_cast<unsigned>(iconId);
+}
+
+void ThematicBitmap::Draw(QPainter &painter, bool) const {
+    if (!IsAvailable())
+        return;
+    QRect const target(GetRect().left, GetRect().top, GetRect().Width(), GetRect().Height());
+    QPixmap picture = m_picture;
+    if (ImageDescription const *const icon = m_iconId ? CZelImageList::FindIcon(*m_iconId) : nullptr)
+        picture = platform::Picture(*icon, painter.device()->devicePixelRatioF(), target.height());
+    painter.save();
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter.drawPixmap(target, picture);
+    painter.restore();
+}
+
+void ThematicText::Draw(QPainter &painter, bool) const {
+    if (!IsAvailable())
+        return;
+    QRect const area(GetRect().left, GetRect().top, GetRect().Width(), GetRect().Height());
+    painter.save();
+    painter.setPen(platform::ToQColor(platform::SystemColor(COLOR_BTNTEXT)));
+    QString const shown =
+        QFontMetrics(painter.font()).elidedText(platform::ToQString(m_text), Qt::ElideRight, area.width());
+    painter.drawText(area, static_cast<int>(Qt::AlignLeft | Qt::AlignVCenter) | Qt::TextSingleLine, shown);
+    painter.restore();
+}
+
+} // namespace zelvar

@@ -1,0 +1,315 @@
+#include "zelvar/thematic/TmtcListCtrl.h"
+
+#include "support/GuiTest.h"
+#include "zelvar/controls/CZelImageList.h"
+
+#include <QtGui/QAccessible>
+#include <QtTest/QTest>
+
+#include <gtest/gtest.h>
+
+namespace zelvar {
+namespace {
+
+using Item = TmtcListCtrl::Item;
+using Group = TmtcListCtrl::Group;
+using Elmt = TmtcListCtrl::Elmt;
+
+/// A list that writes down what it is asked for.
+class RecordingList : public TmtcListCtrl {
+public:
+    std::vector<DString> calls;
+    bool makesItems = false;
+
+    void OnSlctChng(Elmt *oldElmt, Elmt *newElmt) override {
+        calls.push_back("select " + Name(oldElmt) + ">" + Name(newElmt));
+        TmtcListCtrl::OnSlctChng(oldElmt, newElmt);
+    }
+    void OnRmvItem(Group *group, Item *item) override {
+        calls.push_back("remove " + Name(group) + "/" + Name(item));
+        TmtcListCtrl::OnRmvItem(group, item);
+    }
+    Item *OnAddToGroup(Group *group) override {
+        calls.push_back("add " + Name(group));
+        return makesItems ? Item::Create("new", -1, 0, true) : nullptr;
+    }
+    bool OnMoveItem(Group *group, Item *item, bool up) override {
+        calls.push_back((up ? "up " : "down ") + Name(group) + "/" + Name(item));
+        return TmtcListCtrl::OnMoveItem(group, item, up);
+    }
+    std::vector<DString> Take() { return std::exchange(calls, {}); }
+
+private:
+    static DString Name(Elmt const *elmt) { return elmt == nullptr ? "-" : elmt->GetText(); }
+};
+
+/// Group "G" with a, b, c; the empty group "E"; the item "i". 300 pixels wide.
+struct ListStage {
+    RecordingList list;
+    Group *group = Group::Create("G", "g", Rgb(0, 0, 128), Rgb(0, 0, 255), 0);
+    Group *empty = Group::Create("E", "e", Rgb(0, 128, 0), Rgb(0, 255, 0), 0);
+    Item *a = Item::Create("a", -1, 0, true);
+    Item *b = Item::Create("b", -1, 0, true);
+    Item *c = Item::Create("c", -1, 0, false);
+    Item *single = Item::Create("i", -1, 0, true);
+
+    ListStage() {
+        for (Item *item : {a, b, c})
+            group->AddTail(item);
+        list.AddTail(group);
+        list.AddTail(empty);
+        list.AddTail(single);
+        list.resize(300, 300);
+        list.show();
+        static_cast<void>(list.grab()); // laid out with a paint
+        list.Take();
+    }
+    void ClickOn(ThematicDrawElement const &element) {
+        list.RepositionItems();
+        ClickAt(Middle(element.GetRect()));
+    }
+    void ClickAt(QPoint place, Qt::MouseButton button = Qt::LeftButton) {
+        static_cast<void>(list.grab());
+        QTest::mouseClick(&list, button, {}, place);
+    }
+    static QPoint Middle(Rect const &rect) { return {(rect.left + rect.right) / 2, (rect.top + rect.bottom) / 2}; }
+    QPoint TextOf(Item const *item) { return Middle(item->TextElement().GetRect()); }
+};
+
+TEST(TmtcListCtrl, StacksItsElements) {
+    ListStage stage;
+    EXPECT_EQ(stage.group->GetRect(), (Rect{1, 2, 300, 102}));
+    EXPECT_EQ(stage.empty->GetRect(), (Rect{1, 104, 300, 136}));
+    EXPECT_EQ(stage.single->GetRect(), (Rect{1, 138, 300, 170}));
+    EXPECT_EQ(stage.list.GetContentHeight(), 172);
+    stage.group->SetVisible(false);
+    stage.list.RepositionItems();
+    EXPECT_EQ(stage.empty->GetRect().top, 2);
+    EXPECT_EQ(stage.list.windowTitle(), "Thematic List Control");
+    EXPECT_EQ(stage.list.FindGroup(DString("e")), stage.empty);
+    EXPECT_EQ(stage.list.FindGroup(stage.b), stage.group);
+    EXPECT_EQ(stage.list.Get(3), nullptr);
+    EXPECT_TRUE(TmtcListCtrl::IsGroup(stage.list.GetHead()));
+    EXPECT_TRUE(TmtcListCtrl::IsItem(stage.list.GetTail()));
+}
+
+TEST(TmtcListCtrl, TheFirstItemIsSelectedAndNeverAGroup) {
+    RecordingList list;
+    list.AddTail(Group::Create("G", "g", 0, 0, 0));
+    EXPECT_EQ(list.GetSlctElmt(), nullptr);
+    list.AddPos(0, Item::Create("i", -1, 0, true));
+    list.AddTail(Item::Create("j", -1, 0, true));
+    EXPECT_EQ(list.Take(), (std::vector<DString>{"select ->i"}));
+    EXPECT_EQ(list.GetSlctItem(), list.GetHead());
+    EXPECT_TRUE(list.GetHead()->IsSelected());
+}
+
+TEST(TmtcListCtrl, DrawsWhatIsSelectedInGold) {
+    ListStage stage;
+    QImage const picture = stage.list.grab().toImage();
+    EXPECT_EQ(picture.pixelColor(100, 138), QColor(255, 215, 0)); // the single item
+    QColor const strip = picture.pixelColor(30, 50);
+    EXPECT_GT(strip.blue(), 240); // the end of the group's gradient
+    EXPECT_LT(picture.pixelColor(4, 50).blue(), 150);
+    EXPECT_EQ(picture.pixelColor(200, 103), stage.list.palette().color(QPalette::Window)); // between two elements
+}
+
+TEST(TmtcListCtrl, TextsAreWholeAndReadable) {
+    ListStage stage;
+    QImage const picture = stage.list.grab().toImage();
+    auto const darkest = [&](Rect const &area) {
+        int least = 255;
+        for (int y = area.top; y < area.bottom; ++y)
+            for (int x = area.left; x < area.right; ++x)
+                least = std::min(least, qGray(picture.pixel(x, y)));
+        return least;
+    };
+    EXPECT_LT(darkest(stage.a->TextElement().GetRect()), 100);
+    // The link is as wide as it is measured, so the last third of it shows letters and not "...".
+    Rect link = stage.empty->Link().GetRect();
+    QFontMetrics const metrics(stage.empty->Link().GetFont());
+    EXPECT_EQ(metrics.elidedText("Add E...", Qt::ElideRight, link.Width()), "Add E...");
+}
+
+TEST(TmtcListCtrl, ClicksSelectItemsAndGroupsWhereTheyMay) {
+    ListStage stage;
+    stage.ClickAt(stage.TextOf(stage.b));
+    EXPECT_EQ(stage.list.Take(), (std::vector<DString>{"select i>b"}));
+    stage.ClickAt({20, 60});   // the strip
+    stage.ClickAt({200, 250}); // the background
+    EXPECT_TRUE(stage.list.Take().empty());
+    stage.list.SetEnblGrpSlct(true);
+    stage.ClickAt({20, 60});
+    stage.ClickAt(stage.TextOf(stage.c), Qt::RightButton);
+    EXPECT_EQ(stage.list.Take(), (std::vector<DString>{"select b>G", "select G>c"}));
+    EXPECT_FALSE(stage.group->IsSelected());
+}
+
+TEST(TmtcListCtrl, ButtonsLeadToTheirOperations) {
+    ListStage stage;
+    stage.ClickOn(stage.group->AddButton());
+    stage.ClickOn(stage.empty->Link());
+    stage.ClickOn(stage.b->UpButton());
+    EXPECT_EQ(stage.group->Get(0), stage.b);
+    stage.ClickOn(stage.b->DownButton());
+    stage.ClickOn(stage.single->RemoveButton());
+    EXPECT_EQ(stage.list.Take(),
+              (std::vector<DString>{"add G", "add E", "up G/b", "down G/b", "remove -/i", "select i>-"}));
+    EXPECT_EQ(stage.list.GetNumElmt(), 2);
+    stage.list.makesItems = true;
+    stage.ClickOn(stage.group->AddButton());
+    EXPECT_EQ(stage.group->GetNumItem(), 4);
+}
+
+TEST(TmtcListCtrl, AReleaseOverAButtonIsEnough) {
+    ListStage stage;
+    QTest::mousePress(&stage.list, Qt::LeftButton, {}, stage.TextOf(stage.a));
+    stage.list.Take();
+    QTest::mouseRelease(&stage.list, Qt::LeftButton, {}, ListStage::Middle(stage.group->AddButton().GetRect()));
+    EXPECT_EQ(stage.list.Take(), (std::vector<DString>{"add G"}));
+}
+
+TEST(TmtcListCtrl, TheNextRemoveButtonLightsUpAfterARemoval) {
+    ListStage stage;
+    stage.ClickAt(stage.TextOf(stage.a));
+    stage.ClickOn(stage.a->RemoveButton());
+    EXPECT_EQ(stage.b->RemoveButton().GetState(), ThematicButtonBase::kHovered);
+    EXPECT_EQ(stage.list.GetSlctElmt(), nullptr); // no neighbour takes the selection
+    stage.list.OnRmvItem(stage.group, stage.c);   // behind its group there is an empty one
+    EXPECT_EQ(stage.group->GetNumItem(), 1);
+    stage.list.OnRmvItem(stage.group, stage.b);
+    EXPECT_EQ(stage.group->GetNumItem(), 0);
+    stage.list.OnRmvItem(stage.group, nullptr);
+    stage.list.OnRmvItem(nullptr, nullptr);
+}
+
+TEST(TmtcListCtrl, TheSelectionNeverRestsOnWhatIsGone) {
+    ListStage stage;
+    stage.ClickAt(stage.TextOf(stage.b));
+    stage.group->RmvItem(stage.b, true); // past the list
+    EXPECT_EQ(stage.list.GetSlctElmt(), nullptr);
+    stage.ClickAt(stage.TextOf(stage.a));
+    stage.list.Rmv(stage.group);
+    EXPECT_EQ(stage.list.GetSlctElmt(), nullptr);
+    stage.ClickAt(stage.TextOf(stage.single));
+    std::unique_ptr<Elmt> const tail(stage.list.RmvTail());
+    EXPECT_EQ(tail.get(), stage.single);
+    EXPECT_FALSE(tail->IsSelected());
+    std::unique_ptr<Elmt> const head(stage.list.RmvHead());
+    EXPECT_EQ(stage.list.RmvHead(), nullptr);
+    static_cast<void>(stage.list.grab());
+}
+
+TEST(TmtcListCtrl, WalksItemsInTheOrderShown) {
+    ListStage stage;
+    stage.b->SetVisible(false);
+    std::vector<DString> names;
+    for (Item *item = stage.list.GetNextItem(nullptr, true, false); item != nullptr;
+         item = stage.list.GetNextItem(item, true, false))
+        names.push_back(item->GetText());
+    EXPECT_EQ(names, (std::vector<DString>{"a", "c", "i"}));
+    EXPECT_EQ(stage.list.GetNextItem(stage.a, false, false), stage.b);
+    EXPECT_EQ(stage.list.GetNextItem(stage.single, false, true), stage.c);
+    EXPECT_EQ(stage.list.GetNextItem(stage.a, false, true), nullptr);
+    EXPECT_TRUE(stage.list.MoveElmnt(stage.group, false));
+    EXPECT_EQ(stage.list.GetHead(), stage.empty);
+    EXPECT_FALSE(stage.list.MoveElmnt(stage.group, false)); // an item is behind it
+    EXPECT_FALSE(stage.list.MoveElmnt(stage.empty, true));
+    EXPECT_FALSE(stage.list.MoveElmnt(stage.single, true));
+}
+
+TEST(TmtcListCtrl, TheHandShowsOverButtons) {
+    ListStage stage;
+    auto const shapeAt = [&](QPoint place) {
+        QTest::mouseMove(&stage.list, place);
+        return stage.list.cursor().shape();
+    };
+    EXPECT_EQ(shapeAt(ListStage::Middle(stage.group->AddButton().GetRect())), Qt::PointingHandCursor);
+    EXPECT_EQ(stage.group->AddButton().GetState(), ThematicButtonBase::kHovered);
+    EXPECT_EQ(shapeAt(stage.TextOf(stage.a)), Qt::ArrowCursor);
+    EXPECT_EQ(stage.group->AddButton().GetState(), 0);
+    EXPECT_EQ(shapeAt(ListStage::Middle(stage.a->UpButton().GetRect())), Qt::ArrowCursor); // it cannot move up
+}
+
+TEST(TmtcListCtrl, KeysWorkOnlyWhenTold) {
+    ListStage stage;
+    QTest::keyClick(&stage.list, Qt::Key_Home);
+    QTest::keyClick(&stage.list, Qt::Key_Delete);
+    EXPECT_TRUE(stage.list.Take().empty());
+    stage.list.SetKeyboardControl(true);
+    QTest::keyClick(&stage.list, Qt::Key_Home); // on the group, which cannot be selected
+    EXPECT_EQ(stage.list.GetFocusElmt(), stage.group);
+    QTest::keyClick(&stage.list, Qt::Key_Return);
+    QTest::keyClick(&stage.list, Qt::Key_Down);
+    QTest::keyClick(&stage.list, Qt::Key_Down, Qt::ControlModifier);
+    QTest::keyClick(&stage.list, Qt::Key_Up, Qt::ControlModifier);
+    QTest::keyClick(&stage.list, Qt::Key_Delete);
+    EXPECT_EQ(stage.list.GetFocusElmt(), stage.b); // what came into its place
+    QTest::keyClick(&stage.list, Qt::Key_End);
+    QTest::keyClick(&stage.list, Qt::Key_Up);
+    QTest::keyClick(&stage.list, Qt::Key_Enter);
+    EXPECT_EQ(stage.list.Take(), (std::vector<DString>{"add G", "select i>a", "down G/a", "up G/a", "remove G/a",
+                                                       "select a>-", "select ->i", "add E"}));
+    QTest::keyClick(&stage.list, Qt::Key_Up); // c is read only
+    QTest::keyClick(&stage.list, Qt::Key_Delete);
+    EXPECT_EQ(stage.group->GetNumItem(), 2);
+}
+
+TEST(TmtcListCtrl, ScreenReadersSeeAndWorkIt) {
+    auto stage = std::make_unique<ListStage>();
+    QAccessibleInterface *const list = QAccessible::queryAccessibleInterface(&stage->list);
+    ASSERT_EQ(list->childCount(), 3);
+    EXPECT_EQ(list->role(), QAccessible::List);
+    QAccessibleInterface *const group = list->child(0);
+    EXPECT_EQ(group->role(), QAccessible::Grouping);
+    EXPECT_EQ(list->child(1)->text(QAccessible::Description), "Add E...");
+    ASSERT_EQ(group->childCount(), 3);
+    QAccessibleInterface *const a = group->child(0);
+    EXPECT_EQ(a->text(QAccessible::Name), "a");
+    EXPECT_EQ(a->role(), QAccessible::ListItem);
+    EXPECT_EQ(a->parent(), group);
+    EXPECT_EQ(group->indexOfChild(a), 0);
+    EXPECT_FALSE(a->state().selected);
+    a->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    EXPECT_TRUE(a->state().selected);
+    EXPECT_FALSE(a->actionInterface()->actionNames().contains(QAccessibleActionInterface::scrollUpAction()));
+    a->actionInterface()->doAction(QAccessibleActionInterface::scrollDownAction());
+    EXPECT_EQ(stage->group->Get(1), stage->a);
+    EXPECT_TRUE(group->child(2)->state().readOnly);
+    EXPECT_EQ(
+        list->childAt(stage->list.mapToGlobal(QPoint(100, 150)).x(), stage->list.mapToGlobal(QPoint(100, 150)).y())
+            ->text(QAccessible::Name),
+        "i");
+    a->actionInterface()->doAction("Remove");
+    EXPECT_FALSE(a->isValid());
+    EXPECT_EQ(group->childCount(), 2);
+    stage.reset(); // nothing asks what is gone
+}
+
+TEST(TmtcListCtrl, PicturesForEyes) {
+    CZelImageList::RegisterIcon(911, "folder", "folder");
+    CZelImageList::RegisterIcon(912, "star", "star");
+    TmtcListCtrl list;
+    list.resize(340, 330);
+    auto *const rules = Group::Create("Rule", "r", Rgb(20, 60, 140), Rgb(120, 170, 240), 0);
+    for (char const *name :
+         {"Segment the nuclei", "Merge neighbours whose border is short and whose colour is alike", "Measure"}) {
+        Item *const item = Item::Create(name, 911, 0, true);
+        item->SetIconRight(912);
+        rules->AddTail(item);
+    }
+    rules->AddTail(Item::Create("Read only", 911, 0, false));
+    list.AddTail(rules);
+    list.AddTail(Group::Create("Export", "e", Rgb(20, 110, 40), Rgb(130, 220, 140), 0));
+    auto *const closed = Group::Create("Import", "i", Rgb(120, 90, 20), Rgb(240, 210, 130), 0);
+    closed->SetEnblAdd(false);
+    list.AddTail(closed);
+    list.AddTail(Item::Create("An item of its own", 912, 0, true));
+    list.show();
+    test::Shot(list, "thematic-list");
+    QTest::mouseMove(&list, QPoint(20, 13));
+    test::Shot(list, "thematic-list-hover");
+}
+
+} // namespace
+} // namespace zelvar
