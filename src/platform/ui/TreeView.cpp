@@ -31,6 +31,7 @@ TreeView::TreeView(QWidget *parent)
 }
 
 TreeView::~TreeView() {
+    blockSignals(true); // nobody hears that the selection goes
     if (!m_edit.isNull())
         m_edit->Discard();
     setModel(nullptr); // it dies before the views' base does

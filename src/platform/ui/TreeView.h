@@ -99,7 +99,8 @@ Q_SIGNALS:
     void ItemExpanding(zelvar::TreeExpanding *expanding);
     void ItemExpanded(zelvar::TreeNode *item, unsigned action);
     void SelChanged(zelvar::TreeNode *oldItem, zelvar::TreeNode *newItem);
-    void DoubleClick(zelvar::Point point);
+    /// `*result` as in `OnDblclk`.
+    void DoubleClick(zelvar::Point point, long long *result);
     void RightClick(zelvar::Point point);
     void KeyDown(unsigned short key);
     void BeginDrag(zelvar::NMTREEVIEW *info);

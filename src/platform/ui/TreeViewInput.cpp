@@ -239,7 +239,7 @@ void TreeView::mouseDoubleClickEvent(QMouseEvent *event) {
     QPersistentModelIndex const index(m_model->IndexOf(item));
     long long result = 0;
     if (!OnDblclk(point, &result) && !self.isNull())
-        Q_EMIT DoubleClick(point);
+        Q_EMIT DoubleClick(point, &result);
     if (!self.isNull() && result == 0 && index.isValid() && (part & TVHT_ONITEM) != 0)
         Expand(item, TVE_TOGGLE);
 }
