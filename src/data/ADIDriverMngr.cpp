@@ -61,6 +61,9 @@ std::vector<ADIDriver *> const &ADIDriverMngr::Drivers() {
 
 void ADIDriverMngr::Add(std::unique_ptr<ADIDriver> driver) { m_impl->table.Add(std::move(driver), false); }
 
-void ADIDriverMngr::Reset() { ForgetDrivers(); }
+void ADIDriverMngr::Reset() {
+    m_impl->table.Clear();
+    ForgetDrivers();
+}
 
 } // namespace zelvar

@@ -30,6 +30,10 @@ void DIOPluginMngr::Add(std::unique_ptr<DIOPlugin> plugin) {
     m_owned.push_back(std::move(plugin));
 }
 
-void DIOPluginMngr::Reset() { ForgetDrivers(); }
+void DIOPluginMngr::Reset() {
+    m_plugins.clear();
+    m_owned.clear();
+    ForgetDrivers();
+}
 
 } // namespace zelvar

@@ -42,7 +42,7 @@ DString NumberText(std::string_view text, double value) {
         return DString(text);
     std::array<char, 512> digits{};
     auto const fixed = std::to_chars(digits.data(), digits.data() + digits.size(), value, std::chars_format::fixed);
-    DString const plain(digits.data(), fixed.ptr);
+    DString plain(digits.data(), fixed.ptr);
     if (plain.size() <= kLongestFixed)
         return plain;
     auto const shortest = std::to_chars(digits.data(), digits.data() + digits.size(), value);
@@ -88,7 +88,7 @@ void DbfTableWriter::ChooseNames(std::vector<ADIColumn> const &columns) {
             name = DString(CutText(wanted, kLongestName - end.size())) + end;
         }
         if (name != column.name)
-            Report::TraceMessage(Report::kTraceOpen, "%s: column \"%s\" is \"%s\"", m_path.c_str(), column.name.c_str(),
+            Report::TraceMessage(Report::kTraceOpen, R"(%s: column "%s" is "%s")", m_path.c_str(), column.name.c_str(),
                                  name.c_str());
         bool const isNumber = column.type == ADICol_Int || column.type == ADICol_Double;
         m_fields.push_back({.name = std::move(name),

@@ -1,36 +1,13 @@
-#include "support/RealDrivers.h"
-#include "support/TableFiles.h"
-#include "support/TestFiles.h"
-#include "zelvar/data/ADIFile.h"
-#include "zelvar/data/BDIDrvrMngr.h"
-#include "zelvar/data/RDIDriverMngr.h"
-#include "zelvar/data/RequestScope.h"
+#include "support/TablesTest.h"
 
 #include <gtest/gtest.h>
 
 namespace zelvar {
 namespace {
 
-using test::ContentOf;
 using Lines = std::vector<DString>;
 
-class TableReading : public testing::Test {
-protected:
-    TableReading() {
-        Forget();
-        test::UseRealDrivers();
-    }
-    ~TableReading() override { Forget(); }
-    static void Forget() {
-        BDIDrvrMngr::Instance()->Reset();
-        RDIDriverMngr::Instance()->Reset();
-    }
-    static Lines Read(DString const &moniker, char const *format = "") {
-        ADIFile table(DFile(moniker), format, tdFormatAccess_Read, nullptr, "");
-        return ContentOf(table);
-    }
-    test::TempFolder m_folder;
-};
+class TableReading : public test::TablesTest {};
 
 TEST_F(TableReading, TextsOfACsvStayAsWrittenAndTypesAreThoseThatTheySuggest) {
     DString const path = m_folder.Write("a.csv", "code,n,x,t,empty\r\n"
@@ -43,7 +20,7 @@ TEST_F(TableReading, RowsComeInAnyOrder) {
     DString text = "n,m\n";
     for (int i = 0; i < 3000; ++i)
         text += std::to_string(i) + ",\n";
-    ADIFile table(DFile(m_folder.Write("a.csv", text)), "CSV", tdFormatAccess_Read, nullptr, nullptr);
+    ADIFile table = Open(m_folder.Write("a.csv", text), "CSV");
     ASSERT_TRUE(table.IsOpen()) << table.GetError();
     for (int const row : {0, 255, 256, 2999, 1, 700, 699, 0}) {
         ASSERT_TRUE(table.SetRow(row)) << row;

@@ -1,9 +1,4 @@
-#include "support/RealDrivers.h"
-#include "support/TableFiles.h"
-#include "support/TestFiles.h"
-#include "zelvar/data/ADIFile.h"
-#include "zelvar/data/BDIDrvrMngr.h"
-#include "zelvar/data/RDIDriverMngr.h"
+#include "support/TablesTest.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -14,12 +9,10 @@
 #include <limits>
 
 #include <sys/resource.h>
-#include <sys/stat.h>
 
 namespace zelvar {
 namespace {
 
-using test::ContentOf;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -27,29 +20,12 @@ using Lines = std::vector<DString>;
 
 constexpr std::int64_t kMostInt = std::numeric_limits<std::int64_t>::max();
 
-class TableWriting : public testing::Test {
+class TableWriting : public test::TablesTest {
 protected:
-    TableWriting() {
-        Forget();
-        test::UseRealDrivers();
-    }
-    ~TableWriting() override { Forget(); }
-    static void Forget() {
-        BDIDrvrMngr::Instance()->Reset();
-        RDIDriverMngr::Instance()->Reset();
-    }
-    static ADIFile Writer(DString const &path, char const *format) {
-        return {DFile(path), format, tdFormatAccess_Write, nullptr, ""};
-    }
-    static Lines Read(DString const &path, char const *format = "") {
-        ADIFile table(DFile(path), format, tdFormatAccess_Read, nullptr, nullptr);
-        return ContentOf(table);
-    }
     [[nodiscard]] std::size_t FilesInFolder() const {
         auto const files = std::filesystem::directory_iterator(m_folder.Path());
         return static_cast<std::size_t>(std::distance(begin(files), end(files)));
     }
-    test::TempFolder m_folder;
 };
 
 /// A table with what formats find hard.
@@ -151,7 +127,7 @@ TEST_F(TableWriting, NumbersComeBackAsTheyWere) {
             table.WriteInt(-99'999'999'999'999'999);
         }
         ASSERT_TRUE(table.Finish());
-        ADIFile read(DFile(path), "", tdFormatAccess_Read, nullptr, "");
+        ADIFile read = Open(path);
         for (std::size_t i = 0; i < values.size(); ++i) {
             ASSERT_TRUE(read.SetRow(static_cast<int>(i)));
             DString const text = read.GetText(0);
@@ -220,7 +196,7 @@ TEST_F(TableWriting, WideTablesAreWrittenAsFarAsTheFormatGoes) {
             EXPECT_EQ(std::filesystem::exists(path), fits) << path;
             if (!fits)
                 continue;
-            ADIFile read(DFile(path), "", tdFormatAccess_Read, nullptr, "");
+            ADIFile read = Open(path);
             EXPECT_EQ(read.GetNumCols(), c.columns);
             EXPECT_TRUE(read.SetRow(0));
             EXPECT_EQ(read.GetText(c.columns - 1), std::to_string(c.columns - 1));

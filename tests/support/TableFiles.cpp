@@ -12,7 +12,8 @@ namespace zelvar::test {
 void ConvertTable(std::string const &csv, std::string const &path, std::string const &format) {
     GDALAllRegister();
     std::array<char const *, 2> openOptions{"AUTODETECT_TYPE=YES", nullptr};
-    GDALDatasetH source = GDALOpenEx(csv.c_str(), GDAL_OF_VECTOR, nullptr, openOptions.data(), nullptr);
+    GDALDatasetH source =
+        GDALOpenEx(csv.c_str(), GDAL_OF_VECTOR, nullptr, csv.ends_with(".csv") ? openOptions.data() : nullptr, nullptr);
     ASSERT_NE(source, nullptr);
     std::array<std::string, 4> words{"-f", format, "-nln", "t"};
     std::array<char *, 5> arguments{words[0].data(), words[1].data(), words[2].data(), words[3].data(), nullptr};

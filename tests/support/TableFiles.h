@@ -23,7 +23,7 @@ namespace zelvar::test {
     return lines;
 }
 
-/// Writes the table of a file of comma-separated values in another of GDAL's formats, types found out.
+/// Writes a table in another of GDAL's formats; types of comma-separated values are found out.
 void ConvertTable(std::string const &csv, std::string const &path, std::string const &format);
 
 /// The numbers of a column, read by GDAL alone; none if it does not read the file.

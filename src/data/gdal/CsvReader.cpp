@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
 #include <utility>
 
 namespace zelvar::gdal {
@@ -110,14 +109,12 @@ std::string_view CsvReader::Peek(std::size_t bytes) {
 bool CsvReader::ReadQuoted(CsvRecord &record, std::size_t mostBytes) {
     ++m_at; // the quote
     while (HasByte()) {
-        auto const *const begin = m_text.data() + m_at;
-        auto const *const quote = static_cast<char const *>(std::memchr(begin, '"', m_text.size() - m_at));
-        std::size_t const length = quote == nullptr ? m_text.size() - m_at : static_cast<std::size_t>(quote - begin);
-        record.texts.append(begin, length);
-        m_at += length;
+        std::size_t const quote = std::min(m_text.find('"', m_at), m_text.size());
+        record.texts.append(m_text, m_at, quote - m_at);
+        m_at = quote;
         if (record.texts.size() > mostBytes)
             return false;
-        if (quote == nullptr)
+        if (quote == m_text.size())
             continue;
         ++m_at;
         if (!HasByte() || m_text[m_at] != '"')

@@ -37,6 +37,11 @@ bool IsTransposed(Source const &source) {
     return HasExtension(source, {"tcsv"}) || EqualNoCase(OptionOf(source, kTransposedOption), "YES");
 }
 
+void Refuse(DError *error, DString reason) {
+    if (error != nullptr)
+        error->Set(std::move(reason));
+}
+
 char SeparatorFor(Source const &source, CsvReader &reader) {
     constexpr std::array<std::pair<std::string_view, char>, 5> named{
         {{"COMMA", ','}, {"SEMICOLON", ';'}, {"TAB", '\t'}, {"PIPE", '|'}, {"SPACE", ' '}}};
@@ -99,12 +104,16 @@ std::unique_ptr<OpenTable> CsvTable::Open(Source const &source, bool forced, Sto
         return nullptr;
     GdalScope const scope(source.reach);
     CsvFile file(VSIFOpenL(source.name.c_str(), "rb"));
-    if (file == nullptr)
+    if (file == nullptr) {
+        Refuse(error, "\"" + source.text + "\" cannot be read");
         return nullptr;
+    }
     std::unique_ptr<CsvTable> table(new CsvTable(source.reach, std::move(file), stop));
     std::string_view const head = table->m_reader.Peek(kHead);
-    if (head.empty() || head.find('\0') != std::string_view::npos)
+    if (head.empty() || head.find('\0') != std::string_view::npos) {
+        Refuse(error, "\"" + source.text + "\" holds no text");
         return nullptr;
+    }
     table->m_reader.SetSeparator(SeparatorFor(source, table->m_reader));
     std::unique_ptr<OpenTable> opened;
     if (IsTransposed(source)) {
@@ -116,8 +125,7 @@ std::unique_ptr<OpenTable> CsvTable::Open(Source const &source, bool forced, Sto
     }
     if (opened != nullptr && opened->Columns().size() <= ADIDriver::kMostColumns)
         return opened;
-    if (error != nullptr)
-        error->Set("the table \"" + source.text + "\" is too large");
+    Refuse(error, "the table \"" + source.text + "\" is too large");
     return nullptr;
 }
 
@@ -146,12 +154,14 @@ void CsvTable::Describe(Source const &source) {
         first.push_back(std::move(record));
     }
     std::ignore = GoBack(0);
+    if (!m_hasNames)
+        names = {};
     TypeSuggestion types(columns);
     for (CsvRecord const &record : first)
         for (std::size_t i = 0; i < record.Count(); ++i)
             types.Look(i, record.Field(i));
     for (std::size_t i = 0; i < columns; ++i)
-        m_columns.push_back({.name = NameOf(m_hasNames ? names : CsvRecord(), i), .type = types.Of(i)});
+        m_columns.push_back({.name = NameOf(names, i), .type = types.Of(i)});
 }
 
 std::int64_t CsvTable::GoBack(std::int64_t row) {

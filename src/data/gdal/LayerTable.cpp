@@ -41,7 +41,7 @@ std::unique_ptr<LayerTable> LayerTable::Open(Source const &source, Format const 
 }
 
 bool LayerTable::ChooseLayer(DString const &name, DError *error) {
-    GDALDatasetH const dataset = Raw(m_dataset);
+    GDALDatasetH dataset = Raw(m_dataset);
     if (!name.empty())
         m_layer = GDALDatasetGetLayerByName(dataset, name.c_str());
     else if (GDALDatasetGetLayerCount(dataset) > 0)
@@ -58,10 +58,10 @@ bool LayerTable::ChooseLayer(DString const &name, DError *error) {
 }
 
 void LayerTable::DescribeColumns() {
-    OGRFeatureDefnH const definition = OGR_L_GetLayerDefn(m_layer);
+    OGRFeatureDefnH definition = OGR_L_GetLayerDefn(m_layer);
     int const count = OGR_FD_GetFieldCount(definition);
     for (int i = 0; i < count; ++i) {
-        OGRFieldDefnH const field = OGR_FD_GetFieldDefn(definition, i);
+        OGRFieldDefnH field = OGR_FD_GetFieldDefn(definition, i);
         OGRFieldType const type = OGR_Fld_GetType(field);
         bool const isWhole = type == OFTInteger || type == OFTInteger64;
         ADIColumn column;

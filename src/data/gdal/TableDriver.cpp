@@ -22,15 +22,22 @@ struct Opened {
 };
 
 Opened OpenWith(BDIMoniker const &moniker, Format const *only, StopSignal const *stop, DError *error) {
+    if (StopPoll(stop).IsStopped()) {
+        if (error != nullptr)
+            error->Set("stopped");
+        return {};
+    }
     auto const source = Resolve(moniker, error);
     if (!source)
         return {};
     // A text is what no other format takes it for.
     bool const isText = only != nullptr && IsText(*only);
     Format const *const identified = isText ? only : Identify(*source, GDAL_OF_VECTOR, only);
-    if (isText || (only == nullptr && (identified == nullptr || IsText(*identified))))
-        if (std::unique_ptr<OpenTable> table = CsvTable::Open(*source, isText, stop, error))
+    if (isText || (only == nullptr && (identified == nullptr || IsText(*identified)))) {
+        std::unique_ptr<OpenTable> table = CsvTable::Open(*source, isText, stop, error);
+        if (table != nullptr || identified != nullptr)
             return {std::move(table), Formats::Instance().Find("CSV")};
+    }
     std::unique_ptr<LayerTable> layer = LayerTable::Open(*source, only, stop, error);
     if (layer == nullptr)
         return {};

@@ -1,0 +1,213 @@
+#include "support/TablesTest.h"
+#include "zelvar/data/RequestScope.h"
+#include "zelvar/data/reader/DriverModule.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include <sys/stat.h>
+
+namespace zelvar {
+namespace {
+
+using Lines = std::vector<DString>;
+
+/// Tables that somebody else wrote, badly or with bad intent.
+class HardTables : public test::TablesTest {
+protected:
+    /// A table of one column "t" with these bytes in its one row.
+    [[nodiscard]] DString WriteDbf(char const *name, DString const &bytes) const {
+        DString text(32, '\0');
+        text[0] = 3;
+        text[4] = 1;
+        text[8] = 65;
+        text[10] = static_cast<char>(1 + bytes.size());
+        DString field = "t";
+        field.resize(11);
+        field += 'C';
+        field.resize(16);
+        field += static_cast<char>(bytes.size());
+        field.resize(32);
+        return m_folder.Write(name, text + field + "\r " + bytes + "\x1A");
+    }
+};
+
+DString Utf16(std::u16string_view text, bool bigEndian) {
+    DString bytes;
+    for (char16_t const unit : text) {
+        auto const low = static_cast<char>(unit & 0xFFU);
+        auto const high = static_cast<char>(unit >> 8U);
+        bytes += bigEndian ? high : low;
+        bytes += bigEndian ? low : high;
+    }
+    return bytes;
+}
+
+TEST_F(HardTables, TextsOfCommaSeparatedValuesAreTakenApartByTheBook) {
+    struct Case {
+        char const *name;
+        DString bytes;
+        Lines expected;
+    };
+    for (Case const &c : {
+             Case{"semicolons.csv", "a;b\n1,5;\"x;y\"\n", {"a:3|b:3", "1,5|x;y"}},
+             Case{"tabs.txt", "a\tb\n1\t2\n", {"a:1|b:1", "1|2"}},
+             Case{"bars.psv", "a|b,c\n1|2\n", {"a:1|b,c:1", "1|2"}},
+             Case{"tabs.tsv", "a,b\tc\n1\t2", {"a,b:1|c:1", "1|2"}},
+             Case{"no names.csv", "1,x\n2,y\n", {"field_1:1|field_2:3", "1|x", "2|y"}},
+             Case{"lonely.csv", "word\n1\n\n\"\"\n2\n", {"word:1", "1", "", "2"}},
+             Case{"old line ends.csv", "a,b\r1,2\r3,4\r", {"a:1|b:1", "1|2", "3|4"}},
+             Case{"ragged.csv", "a,b\n1\n1,2,3\n", {"a:1|b:1|field_3:1", "1||", "1|2|3"}},
+             Case{"open quote.csv", "a,b\n1,\"2\n3,4\n", {"a:1|b:3", "1|2\n3,4\n"}},
+             Case{"text behind quote.csv", "a,b\n\"1\"2,\"x\"\"\"\n", {"a:1|b:3", "12|x\""}},
+             Case{"mark.csv", "\xEF\xBB\xBF\"a\",b\n1,2\n", {"a:1|b:1", "1|2"}},
+             Case{"wrong bytes.csv", "a,\xFF\n\xC3,\xC3\xA4\n", {"a:3|\xEF\xBF\xBD:3", "\xEF\xBF\xBD|\xC3\xA4"}},
+             Case{"numbers.csv",
+                  "a,b,c,d,e\n1,1,-1,1.,1e5\n00,2.5,1234567890123456789,x,nan\n",
+                  {"a:3|b:2|c:3|d:3|e:3", "1|1|-1|1.|1e5", "00|2.5|1234567890123456789|x|nan"}},
+             Case{"names only.csv", "a,b\n", {"a:3|b:3"}},
+             Case{"one name.csv", "a", {"a:3"}},
+             Case{"short line.tcsv", "a,1,2\nb,x\n", {"a:1|b:3", "1|x", "2|"}},
+         })
+        EXPECT_EQ(Read(m_folder.Write(c.name, c.bytes)), c.expected) << c.name;
+    DString const text = m_folder.Write("options.csv", "1;2\n3;4\n");
+    EXPECT_EQ(Read(text + "?HEADERS=YES&SEPARATOR=COMMA"), (Lines{"1;2:3", "3;4"}));
+    EXPECT_EQ(Read(m_folder.Write("table.dat", "a b\n1 2\n") + "?SEPARATOR=SPACE", "TXT"), (Lines{"a:1|b:1", "1|2"}));
+    for (DString const &bytes : {DString(), DString("\xEF\xBB\xBF"), DString("a,b\n\0\n", 6)})
+        EXPECT_EQ(Read(m_folder.Write("none.csv", bytes)), Lines{"closed"});
+}
+
+TEST_F(HardTables, EncodingsAreThoseThatTheFileStates) {
+    std::u16string text = u"\uFEFFn,t\r\n";
+    for (int i = 0; i < 40'000; ++i)
+        text += u"1,\u00E4\U0001F600\r\n";
+    text += u"2,\xD83D\xDE00\xDE00x\xD83D\r\n3,\xD83D";
+    for (bool const bigEndian : {false, true}) {
+        ADIFile table = Open(m_folder.Write("a.csv", Utf16(text, bigEndian) + "z"));
+        ASSERT_EQ(table.GetColName(1), "t");
+        EXPECT_EQ(table.GetColType(0), ADICol_Int);
+        ASSERT_TRUE(table.SetRow(40'000));
+        EXPECT_EQ(table.GetText(1), "\xF0\x9F\x98\x80\xEF\xBF\xBDx\xEF\xBF\xBD");
+        ASSERT_TRUE(table.SetRow(39'999));
+        EXPECT_EQ(table.GetText(1), "\xC3\xA4\xF0\x9F\x98\x80");
+        ASSERT_TRUE(table.SetRow(40'001)); // half a character at the end is none
+        EXPECT_FALSE(table.SetRow(40'002));
+    }
+    // dBASE: by the byte for the language (3 Windows, 2 what came before it), or by a file beside it.
+    DString const dbf = WriteDbf("a.dbf", "\xE4\x84");
+    std::filesystem::remove(m_folder / "a.cpg");
+    for (auto const &[language, page, shown] : std::initializer_list<std::tuple<char, char const *, char const *>>{
+             {'\x03', "", "\xC3\xA4\xE2\x80\x9E"},
+             {'\x02', "", "\xC3\xB5\xC3\xA4"},
+             {'\x57', "1251", "\xD0\xB4\xE2\x80\x9E"},
+             {'\x00', "UTF-8", "\xEF\xBF\xBD\xEF\xBF\xBD"}}) {
+        std::fstream file(dbf, std::ios::in | std::ios::out | std::ios::binary);
+        file.seekp(29).put(language);
+        file.close();
+        std::filesystem::remove(m_folder / "a.cpg");
+        if (*page != '\0')
+            m_folder.Write("a.cpg", page);
+        EXPECT_EQ(Read(dbf), (Lines{"t:3", shown})) << int{language} << page;
+    }
+}
+
+TEST_F(HardTables, AFileThatClaimsMoreRowsThanItHasEndsWhereItsDataEnds) {
+    DString const path = m_folder / "a.dbf";
+    {
+        ADIFile table(DFile(path), "DBF", tdFormatAccess_Write, nullptr, "");
+        table.AddCol("n", ADICol_Int);
+        for (int row = 0; row < 1000; ++row) {
+            table.AddRow();
+            table.WriteInt(row);
+        }
+        ASSERT_TRUE(table.Finish());
+    }
+    std::fstream file(path, std::ios::in | std::ios::out | std::ios::binary);
+    file.seekp(4).write("\xFF\xFF\xFF\x7F", 4);
+    file.close();
+    std::filesystem::resize_file(path, 32 + 32 + 1 + 700 * 4);
+    ADIFile table = Open(path);
+    EXPECT_TRUE(table.SetRow(699));
+    EXPECT_EQ(table.GetText(0), "699");
+    EXPECT_FALSE(table.SetRow(700));
+    EXPECT_FALSE(table.SetRow(2'000'000'000));
+    EXPECT_TRUE(table.SetRow(0));
+}
+
+TEST_F(HardTables, LayersAreTablesWithoutTheirPlaces) {
+    m_folder.Write("a.geojson", R"({"type":"FeatureCollection","features":[
+        {"type":"Feature","properties":{"id":1,"x":0.5},"geometry":{"type":"Point","coordinates":[1,2]}},
+        {"type":"Feature","properties":{"id":2,"x":null},"geometry":null}]})");
+    EXPECT_EQ(Read(m_folder / "a.geojson"), (Lines{"id:1|x:2", "1|0.5", "2|"}));
+    test::ConvertTable(m_folder / "a.geojson", m_folder / "a.shp", "ESRI Shapefile");
+    EXPECT_EQ(Read(m_folder / "t.shp"), Lines{"closed"});
+    std::filesystem::resize_file(m_folder / "a.shp", 100); // the places are not asked for
+    EXPECT_EQ(Read(m_folder / "a.shp"), (Lines{"id:1|x:2", "1|0.5", "2|"}));
+    m_folder.Write("picture.csv", DString("\x89PNG\r\n\x1A\n\0\0\0\rIHDR", 16));
+    EXPECT_EQ(Read(m_folder / "picture.csv"), Lines{"closed"});
+    EXPECT_EQ(Read(m_folder.Folder("folder.csv")), Lines{"closed"});
+    ASSERT_EQ(mkfifo((m_folder / "pipe.csv").c_str(), 0600), 0);
+    EXPECT_EQ(Read(m_folder / "pipe.csv"), Lines{"closed"});
+    EXPECT_NE(Open(m_folder / "pipe.csv").GetError(), "");
+}
+
+TEST_F(HardTables, SizesOutOfProportionEndATableAndNothingElse) {
+    DString line;
+    for (int col = 0; col < 100'000; ++col)
+        line += "v,";
+    ADIFile wide = Open(m_folder.Write("wide.csv", line + "x\n" + line + "1\n" + line + "2\n"));
+    ASSERT_EQ(wide.GetNumCols(), 100'001);
+    ASSERT_TRUE(wide.SetRow(1));
+    EXPECT_EQ(wide.GetText(100'000), "2");
+    EXPECT_FALSE(wide.SetRow(2));
+    EXPECT_EQ(Open(m_folder.Write("wider.csv", DString(200'000, ',') + "\n")).GetNumCols(), 0);
+
+    DString const fat = m_folder.Write("fat.csv", "a,b\n1," + DString(20'000'000, 'x') + "\n2,y\n3,\"");
+    std::filesystem::resize_file(fat, std::uintmax_t{2} << 30U); // a cell of 2 GB
+    ADIFile table = Open(fat);
+    ASSERT_TRUE(table.SetRow(0));
+    EXPECT_EQ(table.GetText(1).size(), std::size_t{16} << 20U);
+    ASSERT_TRUE(table.SetRow(1));
+    EXPECT_EQ(table.GetText(1), "y");
+    EXPECT_FALSE(table.SetRow(2));
+    EXPECT_TRUE(table.SetRow(0));
+    std::filesystem::remove(fat);
+}
+
+TEST_F(HardTables, ARequestThatIsStoppedYieldsNoRowAndTheNextOneGoesOn) {
+    DString text = "n,m\n";
+    for (int row = 0; row < 20'000; ++row)
+        text += std::to_string(row) + ",\n";
+    DString const path = m_folder.Write("a.csv", text);
+    ADIFile table = Open(path);
+    ASSERT_TRUE(table.SetRow(10));
+    {
+        RequestScope const stopped(RequestKind::Properties, [] { return true; });
+        EXPECT_TRUE(table.SetRow(11)); // is here already
+        EXPECT_FALSE(table.SetRow(19'999));
+        EXPECT_FALSE(Open(path).IsOpen());
+    }
+    {
+        RequestScope const late(RequestKind::Properties, {}, std::chrono::milliseconds(0));
+        EXPECT_FALSE(table.SetRow(19'999));
+    }
+    ASSERT_TRUE(table.SetRow(19'999));
+    EXPECT_EQ(table.GetText(0), "19999");
+}
+
+TEST_F(HardTables, AReaderThatIsLostIsReplacedAtTheRow) {
+    DString text = "n,m\n";
+    for (int row = 0; row < 20'000; ++row)
+        text += std::to_string(row) + ",\n";
+    ADIFile table = Open(m_folder.Write("a.csv", text));
+    for (int const row : {0, 300, 15'000, 14'000}) {
+        ASSERT_TRUE(table.SetRow(row));
+        EXPECT_EQ(table.GetText(0), std::to_string(row));
+        EndReaders(); // where there are any
+    }
+}
+
+} // namespace
+} // namespace zelvar
