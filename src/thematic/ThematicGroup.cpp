@@ -5,6 +5,7 @@
 #include <QtGui/QFontMetrics>
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace zelvar {
@@ -177,8 +178,10 @@ void ThematicGroup::PlaceLink() {
         return;
     }
     Rect const &own = GetRect();
+    QFontMetricsF const exact(m_hyperlink.GetFont());
     QFontMetrics const metrics(m_hyperlink.GetFont());
-    int const width = metrics.horizontalAdvance(platform::ToQString(m_hyperlink.GetText()));
+    // Rounded up: a text that is a fraction of a pixel too wide would be cut.
+    auto const width = static_cast<int>(std::ceil(exact.horizontalAdvance(platform::ToQString(m_hyperlink.GetText()))));
     int const right = own.right - 2;
     int const left = kLinkLeft + std::max((right - kLinkLeft - width) / 2, 0);
     int const top = own.top + (own.Height() - metrics.height()) / 2;
