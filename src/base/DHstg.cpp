@@ -130,18 +130,16 @@ int DHstg::GetHstgSum() const {
     return Saturated(sum);
 }
 
-void DHstg::AddValue(double value) {
+void DHstg::AddValue(double value, std::uint64_t times) {
     if (int const slot = GetSlotIndx(value); slot >= 0)
-        ++m_counts[static_cast<std::size_t>(slot)];
+        m_counts[static_cast<std::size_t>(slot)] += times;
 }
 
 void DHstg::AddCounts(std::uint64_t const *counts, int lowest, int howMany, double const *nodata) {
     for (int i = 0; i < howMany; ++i) {
         double const value = lowest + i;
-        if (counts[i] == 0 || (nodata != nullptr && value == *nodata))
-            continue;
-        if (int const slot = GetSlotIndx(value); slot >= 0)
-            m_counts[static_cast<std::size_t>(slot)] += counts[i];
+        if (counts[i] != 0 && (nodata == nullptr || value != *nodata))
+            AddValue(value, counts[i]);
     }
 }
 

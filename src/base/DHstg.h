@@ -34,7 +34,7 @@ public:
     [[nodiscard]] int GetMaxVal() const;  ///< largest count of all slots
     [[nodiscard]] int GetHstgSum() const; ///< sum of all counts, at most the largest `int`
 
-    void AddValue(double value);
+    void AddValue(double value, std::uint64_t times = 1);
     /// Counts samples of a type; those equal to `*nodata` are left out.
     template <class Sample>
     void AddSamples(std::span<Sample const> samples, double const *nodata = nullptr);

@@ -1,6 +1,6 @@
 #include "zelvar/data/ImageReader.h"
 
-#include "zelvar/data/RDIDriverMngr.h"
+#include "zelvar/data/OpenImage.h"
 #include "zelvar/data/RequestScope.h"
 #include "zelvar/drawing/core/ScaleDataBuf.h"
 
@@ -17,44 +17,22 @@ constexpr int kLongerSide = 1024;               // pixels of a preview
 constexpr std::int64_t kMostPixels = 0x2008008; // without a pyramid
 constexpr int kCubic = RDIDriver::Cubic;
 
-/// An image open for reading, closed at the end of its life.
-class OpenImage {
-public:
-    OpenImage(BDIMoniker const &moniker, DString const &driverId, StopSignal const *stop) {
-        if (!RDIDriverMngr::Instance()->OpenFile(moniker, &m_driver, &m_handle, "", nullptr, driverId.c_str(), stop))
-            m_handle = nullptr;
-    }
-    ~OpenImage() {
-        if (m_handle != nullptr)
-            m_driver->CloseFile(m_handle, true);
-    }
-    OpenImage(OpenImage const &) = delete;
-    OpenImage &operator=(OpenImage const &) = delete;
-
-    [[nodiscard]] bool IsOpen() const { return m_handle != nullptr && m_driver != nullptr; }
-    [[nodiscard]] RDIDriver &Driver() const { return *m_driver; }
-    [[nodiscard]] void *Handle() const { return m_handle; }
-
-    /// Slices lie one under the other and time frames side by side.
-    [[nodiscard]] ImageInfo Describe() const {
-        ImageInfo info;
-        RDIGeoCoo const geo = m_driver->GetChnlGeoCode(m_handle, 0);
-        info.width = m_driver->GetChnlSizeX(m_handle, 0) / std::max(geo.numTimeFrames, 1);
-        info.height = m_driver->GetChnlSizeY(m_handle, 0) / std::max(geo.numSlices, 1);
-        info.channels = m_driver->GetNumChnl(m_handle);
-        info.slices = geo.numSlices;
-        info.timeFrames = geo.numTimeFrames;
-        info.dataType = m_driver->GetChnlDataType(m_handle, 0);
-        info.driver = m_driver->GetAttrString("RDI_Drvr_Info", m_handle, 0);
-        if (info.driver.empty())
-            info.driver = m_driver->GetId();
-        return info;
-    }
-
-private:
-    RDIDriver *m_driver = nullptr; ///< the manager's
-    void *m_handle = nullptr;
-};
+/// Slices lie one under the other and time frames side by side.
+ImageInfo Describe(OpenImage const &image) {
+    RDIDriver const &driver = image.Driver();
+    ImageInfo info;
+    RDIGeoCoo const geo = driver.GetChnlGeoCode(image.Handle(), 0);
+    info.width = driver.GetChnlSizeX(image.Handle(), 0) / std::max(geo.numTimeFrames, 1);
+    info.height = driver.GetChnlSizeY(image.Handle(), 0) / std::max(geo.numSlices, 1);
+    info.channels = driver.GetNumChnl(image.Handle());
+    info.slices = geo.numSlices;
+    info.timeFrames = geo.numTimeFrames;
+    info.dataType = driver.GetChnlDataType(image.Handle(), 0);
+    info.driver = driver.GetAttrString("RDI_Drvr_Info", image.Handle(), 0);
+    if (info.driver.empty())
+        info.driver = driver.GetId();
+    return info;
+}
 
 using Band = std::vector<unsigned char>;
 
@@ -94,7 +72,7 @@ bool ReadChannels(OpenImage const &image, ImageInfo const &info, StopSignal cons
 }
 
 bool ReadPicture(OpenImage const &image, StopSignal const *stop, DCanvas &canvas) {
-    ImageInfo const info = image.Describe();
+    ImageInfo const info = Describe(image);
     if (info.width < 1 || info.height < 1 || info.channels < 1 || IsStopped(stop))
         return false;
     double const scale =
@@ -120,7 +98,7 @@ bool ReadImageInfo(BDIMoniker const &moniker, DString const &driverId, StopSigna
     OpenImage const image(moniker, driverId, stop);
     if (!image.IsOpen())
         return false;
-    info = image.Describe();
+    info = Describe(image);
     return true;
 }
 

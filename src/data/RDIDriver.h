@@ -61,17 +61,19 @@ public:
     [[nodiscard]] virtual RDIGeoCoo GetChnlGeoCode(void *handle, int channel) const = 0;
 
     /// "RDI_Drvr_Info": the driver's description of the file; may be empty.
+    /// "RDI_Drvr_NoData": the sample that stands for no data, as a number; empty for none.
     [[nodiscard]] virtual DString GetAttrString(char const *name, void *handle, int channel) const = 0;
     /// "RDI_Drvr_Sppt_Intrnl_RslPrmd": 1 if the file holds a resolution pyramid.
     /// "RDI_Drvr_Palette": 1 if the one channel is shown through a palette, see `ReadPaletteRsmpl`.
     [[nodiscard]] virtual int GetAttrInt(char const *name, void *handle, int channel) const = 0;
 
     /// Resampling methods.
-    enum Resampling { Nearest = 0, Average = 1, Bilinear = 2, Cubic = 3 };
+    /// `AsStored` picks pixels as `Nearest` does, but gives them as they are: NaN, infinities and nodata too.
+    enum Resampling { Nearest = 0, Average = 1, Bilinear = 2, Cubic = 3, AsStored = 4 };
     /// Reads the window (`x`, `y`, `width`, `height`, pixels of the channel) into `outWidth` * `outHeight` samples of
-    /// the channel's type, rows packed. NaN, infinities and nodata arrive as zeros. With `usePyramid` overviews are
-    /// read where they serve; with `clip` a window that leaves the channel is filled with zeros there. False if it
-    /// fails or was stopped.
+    /// the channel's type, rows packed. NaN, infinities and nodata arrive as zeros, but for `AsStored`. With
+    /// `usePyramid` overviews are read where they serve; with `clip` a window that leaves the channel is filled with
+    /// zeros there. False if it fails or was stopped.
     virtual bool ReadBlockRsmpl(void *handle, int channel, double x, double y, double width, double height,
                                 void *buffer, int outWidth, int outHeight, int resampling, bool usePyramid,
                                 bool clip) = 0;

@@ -77,7 +77,7 @@ bool IsSound(wire::ReadPixelsT const &asked) {
     auto const isPlace = [](double at) { return std::abs(at) <= farthest; }; // a NaN is none
     auto const isSize = [](double size) { return size > 0 && size <= farthest; };
     return isPlace(asked.x) && isPlace(asked.y) && isSize(asked.width) && isSize(asked.height) && asked.outWidth > 0 &&
-           asked.outHeight > 0 && asked.resampling >= RDIDriver::Nearest && asked.resampling <= RDIDriver::Cubic;
+           asked.outHeight > 0 && asked.resampling >= RDIDriver::Nearest && asked.resampling <= RDIDriver::AsStored;
 }
 
 } // namespace

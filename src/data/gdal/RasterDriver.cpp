@@ -7,6 +7,7 @@
 
 #include <gdal.h>
 
+#include <cmath>
 #include <cstring>
 #include <memory>
 #include <new>
@@ -121,7 +122,13 @@ RDIGeoCoo RasterDriver::GetChnlGeoCode(void *handle, int) const {
     return {.numSlices = grid.Slices(), .numTimeFrames = grid.Frames()};
 }
 
-DString RasterDriver::GetAttrString(char const *name, void *handle, int) const {
+DString RasterDriver::GetAttrString(char const *name, void *handle, int channel) const {
+    if (std::strcmp(name, "RDI_Drvr_NoData") == 0) {
+        GdalScope const scope(Of(handle).reach);
+        GDALRasterBandH const band = Of(handle).Band(channel);
+        double const nodata = band == nullptr ? std::nan("") : NodataOf(band);
+        return std::isnan(nodata) ? DString() : zelvar::Format("%.17g", nodata);
+    }
     if (std::strcmp(name, "RDI_Drvr_Info") != 0)
         return {};
     Image const &image = Of(handle);
@@ -150,7 +157,7 @@ bool RasterDriver::ReadBlockRsmpl(void *handle, int channel, double x, double y,
     Image const &image = Of(handle);
     GdalScope const scope(image.reach);
     GDALRasterBandH band = image.Band(channel);
-    if (band == nullptr || buffer == nullptr || resampling < Nearest || resampling > Cubic)
+    if (band == nullptr || buffer == nullptr || resampling < Nearest || resampling > AsStored)
         return false;
     ReadRequest const request{.window = {x, y, width, height, outWidth, outHeight},
                               .resampling = static_cast<Resampling>(resampling),

@@ -97,6 +97,8 @@ bool ReadInside(BandHandle band, Window const &window, ReadRequest const &reques
         Reduction const reduction = request.resampling == RDIDriver::Average ? Reduction::Average : Reduction::Pick;
         if (!ReadSamples(level, scaled, reduction, out, request.stop))
             return false;
+        if (request.resampling == RDIDriver::AsStored)
+            return true;
         ZeroNodata(out, static_cast<std::size_t>(window.outWidth) * static_cast<std::size_t>(window.outHeight), nodata);
         return true;
     }

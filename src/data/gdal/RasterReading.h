@@ -21,7 +21,7 @@ struct ReadRequest {
 [[nodiscard]] RDIDataType DeliveredType(BandHandle band);
 
 /// Reads as `RDIDriver::ReadBlockRsmpl` tells, into `buffer` of `outWidth` * `outHeight` samples of `type`, the band's
-/// `DeliveredType`. NaN, infinities and nodata become zeros.
+/// `DeliveredType`. NaN, infinities and nodata become zeros, but for `RDIDriver::AsStored`.
 ///
 /// Where a pyramid serves, its level just above the wanted size is read and brought there by one step of the resampling
 /// asked for. Without one, bilinear and cubic reading of a window more than twice as large goes by two steps: averages
