@@ -166,6 +166,7 @@ bool CBDISelectorDlg::OnInitDialog() {
     m_btnCancel = platform::GetDlgItem<QAbstractButton>(*this, kCancel);
     if (!m_title.empty())
         setWindowTitle(platform::ToQString(m_title));
+    platform::EscapeWatch const watch; // one Escape for all that is asked here
     OpenRepository();
 
     m_list->AddCol("Name", ADICol_String, false, kNameWidth, LVCFMT_LEFT);

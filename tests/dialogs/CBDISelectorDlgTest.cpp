@@ -1,16 +1,10 @@
 #include "zelvar/dialogs/CBDISelectorDlg.h"
 
-#include "support/GuiTest.h"
 #include "support/ScriptedDriver.h"
+#include "support/SelectorHands.h"
 #include "zelvar/base/SettingsStore.h"
-#include "zelvar/lists/CTreeCtrlItr.h"
-#include "zelvar/lists/CZelListCtrl.h"
-#include "zelvar/lists/CZelTreeCtrl.h"
 
-#include <QtTest/QTest>
-#include <QtWidgets/QApplication>
 #include <QtWidgets/QHeaderView>
-#include <QtWidgets/QPushButton>
 #include <QtWidgets/QScrollBar>
 
 #include <gtest/gtest.h>
@@ -18,62 +12,10 @@
 namespace zelvar {
 namespace {
 
-using platform::GetDlgItem;
 using test::ScriptedNode;
+using test::SelectorHands;
 
 constexpr unsigned kImages = BDINode_Raster;
-
-/// A dialog in a user's hands.
-class Hands {
-public:
-    explicit Hands(QWidget &dialog)
-        : window(dialog), tree(*GetDlgItem<CZelTreeCtrl>(dialog, 1001)), list(*GetDlgItem<CZelListCtrl>(dialog, 6004)),
-          ok(*GetDlgItem<QPushButton>(dialog, 1)), cancel(*GetDlgItem<QPushButton>(dialog, 2)) {}
-
-    /// "root[+ 0] a[- 0]": the items that are shown, "+" for an expander that would expand and "-" for one that would
-    /// collapse, and their images.
-    [[nodiscard]] std::string Tree() const {
-        std::string text;
-        for (HTREEITEM item = tree.GetRootItem(); item != nullptr; item = tree.GetNextVisibleItem(item)) {
-            int image = -1;
-            int selected = -1;
-            tree.GetItemImage(item, image, selected);
-            EXPECT_EQ(image, selected);
-            char const *const expander = !tree.ItemHasChildren(item)                   ? ""
-                                         : tree.GetItemState(item, TVIS_EXPANDED) != 0 ? "- "
-                                                                                       : "+ ";
-            text += (text.empty() ? "" : " ") + tree.GetItemText(item) + "[" + expander + std::to_string(image) + "]";
-        }
-        return text;
-    }
-    [[nodiscard]] std::string Rows() const {
-        std::string text;
-        for (int row = 0; row < list.GetNumRow(); ++row)
-            text += (row == 0 ? "" : " ") + list.GetItemText(row, 0) + (list.GetSlct(row) ? "*" : "");
-        return text;
-    }
-    [[nodiscard]] QPoint On(HTREEITEM item) const {
-        Rect label;
-        EXPECT_TRUE(tree.GetItemRect(item, label, true));
-        return {label.left + 3, (label.top + label.bottom) / 2};
-    }
-    void ClickRow(int row, Qt::KeyboardModifiers modifiers = {}) const {
-        Rect const place = list.GetSubItemRect(row, 0, LVIR_LABEL);
-        QTest::mouseClick(list.viewport(), Qt::LeftButton, modifiers,
-                          QPoint(place.left + 5, (place.top + place.bottom) / 2));
-    }
-    void DoubleClick(HTREEITEM item) const {
-        QPoint const at = On(item);
-        QTest::mouseClick(tree.viewport(), Qt::LeftButton, {}, at);
-        QTest::mouseDClick(tree.viewport(), Qt::LeftButton, {}, at);
-    }
-
-    QWidget &window;
-    CZelTreeCtrl &tree;
-    CZelListCtrl &list;
-    QPushButton &ok;
-    QPushButton &cancel;
-};
 
 class Selector : public testing::Test {
 protected:
@@ -102,11 +44,12 @@ protected:
         EXPECT_EQ(m_driver.finds, m_driver.findsClosed);
     }
     /// Runs the dialog with `act`; its result, and what it chose as "a, b".
-    std::string Run(std::function<void(Hands)> const &act, bool multiSelect = true, unsigned mask = kImages) {
+    std::string Run(std::function<void(SelectorHands const &)> const &act, bool multiSelect = true,
+                    unsigned mask = kImages) {
         CBDISelectorDlg dialog(&m_driver, m_path, mask, "Pick", multiSelect, nullptr);
         auto const done = test::OnNextDialog([&](QWidget &window) {
             QApplication::processEvents();
-            act(Hands(window));
+            act(SelectorHands(window));
         });
         int const result = static_cast<int>(dialog.DoModal());
         EXPECT_TRUE(*done);
@@ -122,7 +65,7 @@ protected:
 };
 
 TEST_F(Selector, ItOpensOnTheRootWithItsFirstItemSelected) {
-    EXPECT_EQ(Run([](Hands const &hands) {
+    EXPECT_EQ(Run([](SelectorHands const &hands) {
                   EXPECT_EQ(hands.window.windowTitle(), "Pick");
                   EXPECT_EQ(hands.Tree(), "file[+ 0]");
                   EXPECT_EQ(hands.Rows(), "zeta* alpha");
@@ -136,7 +79,7 @@ TEST_F(Selector, ItOpensOnTheRootWithItsFirstItemSelected) {
 }
 
 TEST_F(Selector, ContainersAreExpandedOnceAndTheirFoldersOpenAndClose) {
-    Run([this](Hands const &hands) {
+    Run([this](SelectorHands const &hands) {
         HTREEITEM const root = hands.tree.GetRootItem();
         hands.tree.Expand(root, TVE_EXPAND);
         QApplication::processEvents();
@@ -162,9 +105,9 @@ TEST_F(Selector, ContainersAreExpandedOnceAndTheirFoldersOpenAndClose) {
 }
 
 TEST_F(Selector, TheListShowsWhatTheMaskNames) {
-    Run([](Hands const &hands) { EXPECT_EQ(hands.Rows(), "layer*"); }, true, BDINode_Thematic);
+    Run([](SelectorHands const &hands) { EXPECT_EQ(hands.Rows(), "layer*"); }, true, BDINode_Thematic);
     EXPECT_EQ(Run(
-                  [](Hands const &hands) {
+                  [](SelectorHands const &hands) {
                       EXPECT_EQ(hands.Rows(), ""); // no tables in it
                       EXPECT_TRUE(hands.tree.hasFocus());
                       test::Click(&hands.ok);
@@ -174,7 +117,7 @@ TEST_F(Selector, TheListShowsWhatTheMaskNames) {
 }
 
 TEST_F(Selector, SelectedRowsWinOverTheContainerAlsoWhenTheListIsSorted) {
-    EXPECT_EQ(Run([](Hands const &hands) {
+    EXPECT_EQ(Run([](SelectorHands const &hands) {
                   QHeaderView &header = *hands.list.GetHeaderCtrl();
                   QTest::mouseClick(header.viewport(), Qt::LeftButton, {}, QPoint(20, header.height() / 2));
                   EXPECT_EQ(hands.Rows(), "alpha zeta*");
@@ -184,25 +127,25 @@ TEST_F(Selector, SelectedRowsWinOverTheContainerAlsoWhenTheListIsSorted) {
               }),
               "1: file/alpha file/zeta");
     EXPECT_EQ(Run(
-                  [](Hands const &hands) {
+                  [](SelectorHands const &hands) {
                       hands.ClickRow(0);
                       hands.ClickRow(1, Qt::ControlModifier);
                       test::Click(&hands.ok);
                   },
                   false),
               "1: file/alpha"); // one row only
-    EXPECT_EQ(Run([](Hands const &hands) {
+    EXPECT_EQ(Run([](SelectorHands const &hands) {
                   hands.list.SetSlct(0, false);
                   test::Click(&hands.ok);
               }),
               "1: file");
-    EXPECT_EQ(Run([](Hands const &hands) { test::Click(&hands.cancel); }), "0:");
+    EXPECT_EQ(Run([](SelectorHands const &hands) { test::Click(&hands.cancel); }), "0:");
 }
 
 TEST_F(Selector, ADoubleClickTakesAWholeContainer) {
-    EXPECT_EQ(Run([](Hands const &hands) { hands.DoubleClick(hands.tree.GetRootItem()); }), "1: file");
+    EXPECT_EQ(Run([](SelectorHands const &hands) { hands.DoubleClick(hands.tree.GetRootItem()); }), "1: file");
     int finds = 0;
-    EXPECT_EQ(Run([&](Hands const &hands) {
+    EXPECT_EQ(Run([&](SelectorHands const &hands) {
                   hands.tree.Expand(hands.tree.GetRootItem(), TVE_EXPAND);
                   QApplication::processEvents();
                   HTREEITEM const group = hands.tree.FindItem("group");
@@ -215,7 +158,7 @@ TEST_F(Selector, ADoubleClickTakesAWholeContainer) {
               "1: file/group");
     EXPECT_EQ(m_driver.finds, finds); // it was not expanded on the way
     // Beside the items nothing is meant.
-    EXPECT_EQ(Run([](Hands const &hands) {
+    EXPECT_EQ(Run([](SelectorHands const &hands) {
                   QPoint const below(40, hands.tree.viewport()->height() - 3);
                   QTest::mouseDClick(hands.tree.viewport(), Qt::LeftButton, {}, below);
                   EXPECT_TRUE(hands.window.isVisible());
@@ -225,7 +168,7 @@ TEST_F(Selector, ADoubleClickTakesAWholeContainer) {
 
 TEST_F(Selector, WithoutADriverOrATreeThereIsNothingToTake) {
     m_path = "no such file";
-    EXPECT_EQ(Run([](Hands const &hands) {
+    EXPECT_EQ(Run([](SelectorHands const &hands) {
                   EXPECT_EQ(hands.tree.GetCount(), 0U);
                   EXPECT_EQ(hands.Rows(), "");
                   EXPECT_FALSE(hands.ok.isEnabled());
@@ -235,7 +178,7 @@ TEST_F(Selector, WithoutADriverOrATreeThereIsNothingToTake) {
     CBDISelectorDlg dialog(nullptr, nullptr, kImages, nullptr, true, nullptr);
     dialog.show();
     EXPECT_EQ(dialog.windowTitle(), "BDI Selector Dialog");
-    EXPECT_FALSE(Hands(dialog).ok.isEnabled());
+    EXPECT_FALSE(SelectorHands(dialog).ok.isEnabled());
 }
 
 TEST_F(Selector, ThousandsOfContainersAreAskedWhenTheyComeIntoSight) {
@@ -248,7 +191,7 @@ TEST_F(Selector, ThousandsOfContainersAreAskedWhenTheyComeIntoSight) {
     }
     m_driver.SetTree("big", root);
     m_path = "big";
-    Run([this](Hands const &hands) {
+    Run([this](SelectorHands const &hands) {
         int const finds = m_driver.finds;
         HTREEITEM const top = hands.tree.GetRootItem();
         hands.tree.Expand(top, TVE_EXPAND);
@@ -269,13 +212,13 @@ TEST_F(Selector, ThousandsOfContainersAreAskedWhenTheyComeIntoSight) {
 TEST_F(Selector, LongNamesAreShownWhole) {
     m_driver.SetTree("long", {.name = "long", .children = {{.name = std::string(60, 'm'), .type = BDINode_Raster}}});
     m_path = "long";
-    Run([](Hands const &hands) { EXPECT_GT(hands.list.GetColumnWidth(0), 300); });
+    Run([](SelectorHands const &hands) { EXPECT_GT(hands.list.GetColumnWidth(0), 300); });
 }
 
 TEST_F(Selector, TheTreeGrowsWithTheDialogAndTheListMoves) {
     CBDISelectorDlg dialog(&m_driver, "file", kImages, "", true, nullptr);
     dialog.show();
-    Hands const hands(dialog);
+    SelectorHands const hands(dialog);
     QRect const tree = hands.tree.geometry();
     QRect const list = hands.list.geometry();
     QRect const ok = hands.ok.geometry();

@@ -8,6 +8,8 @@
 #include <gdal.h>
 #include <ogr_api.h>
 
+#include <algorithm>
+#include <charconv>
 #include <utility>
 
 namespace zelvar::gdal {
@@ -37,16 +39,40 @@ void AddSubdataset(Source const &source, DString const &name, DString const &des
     members.nodes.push_back(MakeNode(BDINode_Raster, NodePath(source.text, name), ShownName(name, description)));
 }
 
-void AddSubdatasets(GDALDatasetH dataset, Source const &source, Members &members) {
-    char **const list = GDALGetMetadata(dataset, "SUBDATASETS");
-    for (int i = 1; i <= kMostMembers; ++i) {
-        DString const key = "SUBDATASET_" + std::to_string(i);
-        char const *name = CSLFetchNameValue(list, (key + "_NAME").c_str());
-        char const *description = CSLFetchNameValue(list, (key + "_DESC").c_str());
-        if (name == nullptr)
-            break;
-        AddSubdataset(source, name, description == nullptr ? "" : description, members);
+/// A piece of the list "SUBDATASET_<number>_NAME=<value>", "SUBDATASET_<number>_DESC=<value>".
+struct Subdataset {
+    DString name;
+    DString description;
+};
+
+/// By number, from 1 on without a gap. In one pass: to look each up by its key would read the list once for each.
+std::vector<Subdataset> ReadSubdatasets(char **list) {
+    constexpr std::string_view prefix = "SUBDATASET_";
+    std::vector<Subdataset> found;
+    for (; list != nullptr && *list != nullptr; ++list) {
+        std::string_view const entry(*list);
+        std::size_t const equals = entry.find('=');
+        if (equals == std::string_view::npos || !entry.starts_with(prefix))
+            continue;
+        int number = 0;
+        char const *const end = entry.data() + equals;
+        char const *const behind = std::from_chars(entry.data() + prefix.size(), end, number).ptr;
+        std::string_view const key(behind, static_cast<std::size_t>(end - behind));
+        if (number < 1 || number > kMostMembers || (key != "_NAME" && key != "_DESC"))
+            continue;
+        auto const place = static_cast<std::size_t>(number) - 1;
+        if (place >= found.size())
+            found.resize(place + 1);
+        (key == "_NAME" ? found[place].name : found[place].description) = entry.substr(equals + 1);
     }
+    auto const gap = std::find_if(found.begin(), found.end(), [](Subdataset const &s) { return s.name.empty(); });
+    found.erase(gap, found.end());
+    return found;
+}
+
+void AddSubdatasets(GDALDatasetH dataset, Source const &source, Members &members) {
+    for (Subdataset const &piece : ReadSubdatasets(GDALGetMetadata(dataset, "SUBDATASETS")))
+        AddSubdataset(source, piece.name, piece.description, members);
 }
 
 void AddLayers(GDALDatasetH dataset, Source const &source, Members &members) {

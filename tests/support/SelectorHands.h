@@ -1,0 +1,71 @@
+#pragma once
+
+#include "support/GuiTest.h"
+#include "zelvar/lists/CZelListCtrl.h"
+#include "zelvar/lists/CZelTreeCtrl.h"
+#include "zelvar/platform/ui/ControlId.h"
+
+#include <QtTest/QTest>
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QPushButton>
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace zelvar::test {
+
+/// The selector of nodes in a user's hands.
+class SelectorHands {
+public:
+    explicit SelectorHands(QWidget &dialog)
+        : window(dialog), tree(*platform::GetDlgItem<CZelTreeCtrl>(dialog, 1001)),
+          list(*platform::GetDlgItem<CZelListCtrl>(dialog, 6004)), ok(*platform::GetDlgItem<QPushButton>(dialog, 1)),
+          cancel(*platform::GetDlgItem<QPushButton>(dialog, 2)) {}
+
+    /// "root[+ 0] a[- 0]": the items that are shown, "+" for an expander that would expand and "-" for one that would
+    /// collapse, and their images.
+    [[nodiscard]] std::string Tree() const {
+        std::string text;
+        for (HTREEITEM item = tree.GetRootItem(); item != nullptr; item = tree.GetNextVisibleItem(item)) {
+            int image = -1;
+            int selected = -1;
+            tree.GetItemImage(item, image, selected);
+            EXPECT_EQ(image, selected);
+            char const *const expander = !tree.ItemHasChildren(item)                   ? ""
+                                         : tree.GetItemState(item, TVIS_EXPANDED) != 0 ? "- "
+                                                                                       : "+ ";
+            text += (text.empty() ? "" : " ") + tree.GetItemText(item) + "[" + expander + std::to_string(image) + "]";
+        }
+        return text;
+    }
+    [[nodiscard]] std::string Rows() const {
+        std::string text;
+        for (int row = 0; row < list.GetNumRow(); ++row)
+            text += (row == 0 ? "" : " ") + list.GetItemText(row, 0) + (list.GetSlct(row) ? "*" : "");
+        return text;
+    }
+    [[nodiscard]] QPoint On(HTREEITEM item) const {
+        Rect label;
+        EXPECT_TRUE(tree.GetItemRect(item, label, true));
+        return {label.left + 3, (label.top + label.bottom) / 2};
+    }
+    void ClickRow(int row, Qt::KeyboardModifiers modifiers = {}) const {
+        Rect const place = list.GetSubItemRect(row, 0, LVIR_LABEL);
+        QTest::mouseClick(list.viewport(), Qt::LeftButton, modifiers,
+                          QPoint(place.left + 5, (place.top + place.bottom) / 2));
+    }
+    void DoubleClick(HTREEITEM item) const {
+        QPoint const at = On(item);
+        QTest::mouseClick(tree.viewport(), Qt::LeftButton, {}, at);
+        QTest::mouseDClick(tree.viewport(), Qt::LeftButton, {}, at);
+    }
+
+    QWidget &window;
+    CZelTreeCtrl &tree;
+    CZelListCtrl &list;
+    QPushButton &ok;
+    QPushButton &cancel;
+};
+
+} // namespace zelvar::test
