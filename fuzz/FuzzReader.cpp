@@ -1,6 +1,7 @@
 // Neither end of the talk between an application and its readers trusts the other's bytes: whatever comes is unpacked
 // or refused, and what a reader's drivers are asked for stays within bounds.
 #include "support/ScriptedDriver.h"
+#include "support/ScriptedTable.h"
 #include "zelvar/data/reader/AnswerReading.h"
 #include "zelvar/data/wire/Messages.h"
 #include "zelvar/reader/RequestHandler.h"
@@ -32,6 +33,7 @@ void AddDrivers() {
     auto &raster = test::ScriptedDrivers::AddRaster("RASTER");
     raster.SetImage("/a", {.channels = 6, .type = RDI_UInt16, .info = "six"});
     raster.SetImage("/p", {.palette = true});
+    test::ScriptedTableDriver::Add().tables["/a"] = {.columns = 3, .rows = 9};
 }
 
 /// A page with nothing behind it: who writes too much ends here.
@@ -75,6 +77,22 @@ void Consume(wire::AnswerT &answer) {
     if (auto *const children = BodyOf<wire::ChildrenT>(&answer)) {
         std::size_t const most = children->nodes.size();
         Require(NodesFrom(std::move(*children)).size() <= most);
+    }
+    if (auto *const opened = BodyOf<wire::TableOpenedT>(&answer)) {
+        std::size_t const most = opened->columns.size();
+        Require(ColumnsFrom(std::move(*opened)).size() <= most);
+    }
+    if (auto *const read = BodyOf<wire::RowsReadT>(&answer)) {
+        constexpr std::size_t columns = 3;
+        constexpr int most = 4;
+        ADIRows rows;
+        if (TakeRows(std::move(*read), columns, most, rows)) {
+            Require(rows.count <= most && rows.ends.size() == static_cast<std::size_t>(rows.count) * columns);
+            std::size_t bytes = 0;
+            for (std::size_t i = 0; i < rows.ends.size(); ++i)
+                bytes += rows.Cell(i).size();
+            Require(bytes == rows.texts.size());
+        }
     }
     if (auto *const tree = BodyOf<wire::TreeOpenedT>(&answer); tree != nullptr && tree->root != nullptr)
         static_cast<void>(ToWire(NodeFrom(std::move(*tree->root))));
