@@ -323,7 +323,7 @@ TEST_F(ReaderServer, AbsurdPixelsAreRefusedBeforeTheDriverIsAsked) {
         {"an infinite window", [](auto &r) { r.width = infinite; }},
         {"a channel below zero", [](auto &r) { r.channel = -1; }},
         {"a channel too many", [](auto &r) { r.channel = 1; }},
-        {"an unknown method", [](auto &r) { r.resampling = 4; }},
+        {"an unknown method", [](auto &r) { r.resampling = RDIDriver::AsStored + 1; }},
         {"a method below zero", [](auto &r) { r.resampling = -1; }},
         {"samples of an unknown type", [](auto &r) { r.image = ImageSpec(2, "RASTER", "/strange"); }},
         {"no image", [](auto &r) { r.image = nullptr; }},
