@@ -12,6 +12,7 @@
 
 #include <QtCore/QDir>
 #include <QtGui/QScreen>
+#include <QtWidgets/QLayout>
 
 #include <algorithm>
 #include <memory>
@@ -34,12 +35,11 @@ DString StartFolder(DString wanted) {
 
 DString SizeSection() { return DString(cdxCDynamicWndEx::M_lpszAutoPosProfileSection) + "\\CCustomFileDlg"; }
 
-void RestoreSize(QWidget &dialog) {
+void RestoreSize(QWidget &dialog, QSize const &usual) {
     QSize const most = dialog.screen()->availableSize();
-    QSize const usual = dialog.size().expandedTo(dialog.sizeHint());
     QSize const stored(Profile::GetInt(SizeSection(), "Width", usual.width()),
                        Profile::GetInt(SizeSection(), "Height", usual.height()));
-    dialog.resize(stored.boundedTo(most).expandedTo(dialog.minimumSizeHint()));
+    dialog.resize(stored.boundedTo(most).expandedTo(dialog.minimumSizeHint().expandedTo(dialog.minimumSize())));
 }
 
 void StoreSize(QWidget const &dialog) {
@@ -96,9 +96,11 @@ int CCustomFileDlg::DoModal() {
     auto *const row = new HistoryRow(m_templateId, *dialog);
     QObject::connect(row, &HistoryRow::FolderChosen, dialog.get(), &PlatformFileDialog::GoTo);
     dialog->AddRow(*row);
-    dialog->resize(dialog->sizeHint());
+    QMargins const margins = dialog->layout()->contentsMargins();
+    QSize const designed(row->width() + margins.left() + margins.right(), dialog->sizeHint().height());
+    dialog->resize(designed);
     row->OnInitDone(m_hist, m_bHistory && !setup.locked, m_ofn.initialDir);
-    RestoreSize(*dialog);
+    RestoreSize(*dialog, designed.expandedTo(dialog->sizeHint()));
 
     bool const accepted = platform::RunModal(*dialog) == QDialog::Accepted;
     StoreSize(*dialog);

@@ -7,21 +7,10 @@
 
 namespace zelvar {
 
-namespace {
-
-/// Pixels, so that the thread that lists never draws.
-QIcon DrawnIcon(QString const &name) {
-    QIcon drawn;
-    for (qreal const ratio : {1.0, 2.0})
-        drawn.addPixmap(platform::ResourcePicture(name, ratio));
-    return drawn;
-}
-
-} // namespace
-
 FilePictures::FilePictures()
-    : m_folder(DrawnIcon(QStringLiteral("folder"))), m_drive(DrawnIcon(QStringLiteral("drive"))),
-      m_file(DrawnIcon(QStringLiteral("file"))) {}
+    : m_folder(platform::ResourceIcon(QStringLiteral("folder"))),
+      m_drive(platform::ResourceIcon(QStringLiteral("drive"))), m_file(platform::ResourceIcon(QStringLiteral("file"))) {
+}
 
 QIcon FilePictures::icon(IconType type) const {
     switch (type) {

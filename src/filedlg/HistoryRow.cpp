@@ -58,8 +58,6 @@ HistoryRow::HistoryRow(int templateId, QWidget &commonDialog) : QWidget(&commonD
 
     // The controls of a bigger style must not be cut.
     setFixedHeight(std::max({height(), BottomOf(m_cmbHist), BottomOf(m_editOnlyBox), BottomOf(m_readOnlyBox)}));
-    int const boxes = m_editOnlyBox == nullptr ? 0 : width() - m_cmbHist->geometry().right();
-    setMinimumWidth(m_cmbHist->x() + platform::MapDialogRect(*this, {0, 0, kSmallestCombo, 0}).right + boxes);
 
     connect(m_cmbHist, &QComboBox::activated, this, &HistoryRow::OnSelEndOk);
     if (m_readOnlyBox != nullptr)
@@ -83,6 +81,10 @@ void HistoryRow::OnInitDone(DVectorSafe<DString> const &folders, bool showHistor
         }
     }
     setVisible(showHistory || m_editOnlyBox != nullptr || m_readOnlyBox != nullptr);
+    // What the combo box can give away is what the dialog can shrink by.
+    int const smallest = platform::MapDialogRect(*this, {0, 0, kSmallestCombo, 0}).right;
+    if (showHistory)
+        m_dialog.setMinimumWidth(m_dialog.width() - std::max(0, m_cmbHist->width() - smallest));
     m_bInitDone = true;
     Reposition();
 }

@@ -20,7 +20,8 @@ class HistoryRow final : public QWidget {
 public:
     HistoryRow(int templateId, QWidget &commonDialog);
 
-    /// Fills the row when the dialog is complete and about to be shown for the first time.
+    /// Fills the row when the dialog is complete and about to be shown for the first time, as wide as the template at
+    /// least: the row follows from there.
     void OnInitDone(DVectorSafe<DString> const &folders, bool showHistory, DString initialDir);
 
     [[nodiscard]] bool IsReadOnly() const { return m_bReadOnly; }

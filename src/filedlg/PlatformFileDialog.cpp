@@ -3,10 +3,13 @@
 #include "zelvar/controls/CZelComboBox.h"
 #include "zelvar/data/PlaceCheck.h"
 #include "zelvar/filedlg/FilePictures.h"
+#include "zelvar/filedlg/PathQuestions.h"
 #include "zelvar/filedlg/core/TypedNames.h"
 #include "zelvar/platform/ui/Text.h"
 
+#include <QtCore/QDateTime>
 #include <QtCore/QDir>
+#include <QtCore/QLocale>
 #include <QtGui/QAction>
 #include <QtGui/QFileSystemModel>
 #include <QtGui/QShortcut>
@@ -15,10 +18,12 @@
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QDialogButtonBox>
 #include <QtWidgets/QGridLayout>
+#include <QtWidgets/QHeaderView>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QToolButton>
+#include <QtWidgets/QTreeView>
 
 #include <algorithm>
 #include <array>
@@ -28,6 +33,8 @@ namespace zelvar {
 namespace {
 
 constexpr int kTypesWidth = 20; // characters; longer descriptions are cut, not the dialog widened
+
+constexpr int kDateColumn = 3;
 
 /// What the toolkit calls its folders' addresses in the list of places.
 constexpr int kUrlRole = Qt::UserRole + 1;
@@ -59,6 +66,8 @@ PlatformFileDialog::PlatformFileDialog(Setup const &setup, std::unique_ptr<Folde
     SetUpFilters();
     if (m_setup.locked)
         LockFolder();
+    FillFolderBox();
+    m_changed = ChangeTime(Folder());
 
     m_name->setText(platform::ToQString(m_setup.file));
     m_name->selectAll();
@@ -79,6 +88,12 @@ void PlatformFileDialog::SetUpViews() {
         view->setDragDropMode(QAbstractItemView::NoDragDrop); // a slip of the mouse would move files
         view->installEventFilter(this);
     }
+    QHeaderView &columns = *findChild<QTreeView *>(QStringLiteral("treeView"))->header();
+    columns.setStretchLastSection(false);
+    columns.setSectionResizeMode(0, QHeaderView::Stretch);
+    columns.resizeSection(kDateColumn, columns.fontMetrics().horizontalAdvance(
+                                           QLocale().toString(QDateTime::currentDateTime(), QLocale::ShortFormat)) +
+                                           3 * columns.fontMetrics().averageCharWidth());
     connect(m_views.front()->selectionModel(), &QItemSelectionModel::selectionChanged, this,
             &PlatformFileDialog::OnSelectionChanged);
     connect(m_model, &QFileSystemModel::rootPathChanged, this, [this] { m_isListing = true; });
@@ -178,15 +193,14 @@ void PlatformFileDialog::SetUpFilters() {
 
 void PlatformFileDialog::LockFolder() {
     setFilter(QDir::Files);
-    constexpr std::array names{"lookInLabel", "backButton",     "forwardButton",
-                               "sidebar",     "toParentButton", "newFolderButton"};
+    constexpr std::array names{"backButton", "forwardButton", "toParentButton", "newFolderButton", "sidebar"};
     for (char const *const name : names)
         findChild<QWidget *>(QLatin1String(name))->hide();
     for (auto *const action : findChildren<QAction *>(QString(), Qt::FindDirectChildrenOnly))
         if (action->objectName() != QLatin1String("qt_show_hidden_action"))
             action->setEnabled(action->objectName() == QLatin1String("qt_rename_action") ||
                                action->objectName() == QLatin1String("qt_delete_action"));
-    m_folderBox->hide();
+    m_folderBox->setEnabled(false); // it still tells where
     // Whatever road is left ends where it began.
     connect(m_model, &QFileSystemModel::rootPathChanged, this, [this](QString const &path) {
         if (path != m_folder->Path())

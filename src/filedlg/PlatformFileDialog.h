@@ -59,7 +59,7 @@ public:
     [[nodiscard]] int FilterIndex() const;
     /// Whether the toolkit's thread is at a folder; it may be held there by a place that has gone.
     [[nodiscard]] bool IsListing() const { return m_isListing; }
-    /// Calls `act` from the event loop, once the folder has been read.
+    /// Calls `act` once, from the event loop, when a folder has been read.
     void CallWhenListed(std::function<void()> act);
 
     bool eventFilter(QObject *watched, QEvent *event) override;

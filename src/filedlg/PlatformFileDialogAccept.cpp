@@ -21,13 +21,15 @@
 namespace zelvar {
 
 void PlatformFileDialog::accept() {
-    bool const ofRows = m_selectionText && *m_selectionText == m_name->text();
-    std::vector<DString> paths = m_name->text().isEmpty() ? SelectedPaths(true)
-                                 : ofRows                 ? SelectedPaths(false)
-                                                          : TypedPaths();
+    bool const isOfRows = m_selectionText && *m_selectionText == m_name->text();
+    // A long selection does not fit into the field.
+    std::vector<DString> paths = isOfRows ? SelectedPaths(m_name->text().isEmpty()) : std::vector<DString>();
+    bool const areListed = !paths.empty() && m_setup.opens && !m_name->text().isEmpty();
+    if (paths.empty())
+        paths = TypedPaths();
     if (paths.empty())
         return;
-    if (std::any_of(paths.begin(), paths.end(), [this](DString const &path) { return IsNoFile(path); }))
+    if (!areListed && std::any_of(paths.begin(), paths.end(), [this](DString const &path) { return IsNoFile(path); }))
         return;
     if (m_setup.opens) {
         if (!std::all_of(paths.begin(), paths.end(), [this](DString &path) { return IsReadyForLoading(path); }))
@@ -51,6 +53,8 @@ std::vector<DString> PlatformFileDialog::SelectedPaths(bool folders) const {
 }
 
 std::vector<DString> PlatformFileDialog::TypedPaths() const {
+    if (m_name->text().trimmed().isEmpty())
+        return {};
     // The name that the caller gave is not read from the field: it may be no text.
     if (m_name->text() == platform::ToQString(m_setup.file))
         return {AbsolutePath(Folder(), m_setup.file)};
@@ -96,7 +100,7 @@ bool PlatformFileDialog::IsNoFile(DString const &path) {
 bool PlatformFileDialog::IsReadyForLoading(DString &path) const {
     if (IsThere(path))
         return true;
-    DString extended = WithExtension(path, ExtensionToAdd());
+    DString extended = PathBytes("/", WithExtension(path, ExtensionToAdd()));
     if (IsThere(extended)) {
         path = std::move(extended);
         return true;

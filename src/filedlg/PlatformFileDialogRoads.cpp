@@ -9,6 +9,7 @@
 #include <QtCore/QDir>
 #include <QtGui/QFileSystemModel>
 #include <QtGui/QKeyEvent>
+#include <QtWidgets/QApplication>
 #include <QtWidgets/QLineEdit>
 
 #include <tuple>
@@ -35,7 +36,9 @@ bool PlatformFileDialog::ShowFolder(DString const &folder) {
         Report::UserNotificationEnforced("Folder '%s' not found", folder.c_str());
         return false;
     }
-    QString const name = m_name->text();
+    // A name that was typed stays; one that came from a row to be loaded is not in the other folder.
+    bool const isOfRows = m_setup.opens && m_selectionText && *m_selectionText == m_name->text();
+    QString const name = isOfRows ? QString() : m_name->text();
     auto const former = std::exchange(m_folder, std::make_unique<FolderAlias const>(folder));
     setDirectory(m_folder->Path());
     m_name->setText(name);
@@ -88,10 +91,14 @@ void PlatformFileDialog::Revisit(std::vector<DString> &from, std::vector<DString
 }
 
 void PlatformFileDialog::OnActivated(QModelIndex const &index) {
-    if (!m_model->isDir(index))
+    // Where a single click activates, this one only selects.
+    bool const onlySelects = (QApplication::keyboardModifiers() & (Qt::ControlModifier | Qt::ShiftModifier)) != 0;
+    if (m_setup.multiple && onlySelects)
+        return;
+    if (m_model->isDir(index))
+        GoTo(AppendPath(Folder(), NameBytes(Folder(), m_model->fileName(index))));
+    else
         accept();
-    else if (GoTo(AppendPath(Folder(), NameBytes(Folder(), m_model->fileName(index)))) && m_setup.opens)
-        m_name->clear();
 }
 
 void PlatformFileDialog::Refresh() {

@@ -6,9 +6,11 @@
 #include "zelvar/controls/CZelComboBox.h"
 
 #include <QtWidgets/QCheckBox>
+#include <QtWidgets/QLabel>
 #include <QtWidgets/QMessageBox>
 
 #include <functional>
+#include <set>
 
 namespace zelvar {
 namespace {
@@ -143,6 +145,274 @@ TEST(CustomFileDialog, TheFolderChosenInTheHistoryIsShownAndTheTypedNameStays) {
                           hand.PressOk();
                       }),
               Paths{folder / "other/result.tif"});
+}
+
+TEST(CustomFileDialog, FiltersAreToldApartByTheirPlace) {
+    TempFolder const folder;
+    folder.Write("a.tif");
+    folder.Write("plain");
+    folder.Write("c[1].csv");
+    std::string filter;
+    for (int at = 0; at < 200; ++at)
+        filter += "Same (of, all *)|*.x" + std::to_string(at) + "|";
+    filter += "Same (of, all *)|c[1].*|All Files|*.*||";
+    CCustomFileDlg dialog = Loading(folder, filter.c_str());
+    dialog.GetOFN().filterIndex = 150;
+    EXPECT_EQ(RunWith(dialog,
+                      [](FileDialogHand const &hand) {
+                          auto &types = hand.Part<QComboBox>("fileTypeCombo");
+                          EXPECT_EQ(types.count(), 202);
+                          EXPECT_EQ(types.currentText(), "Same (of, all *) (*.x149)");
+                          EXPECT_EQ(hand.Shown(), Paths{});
+                          FileDialogHand::Choose(types, 200);
+                          EXPECT_TRUE(test::Eventually([&] { return hand.Shown() == Paths{"c[1].csv"}; }));
+                          FileDialogHand::Choose(types, 201);
+                          EXPECT_TRUE(test::Eventually([&] { return hand.Shown().size() == 3; }))
+                              << "also names without a dot";
+                          FileDialogHand::Choose(types, 200);
+                          hand.ClickRow("c[1].csv");
+                          hand.PressOk();
+                      }),
+              Paths{folder / "c[1].csv"});
+    EXPECT_EQ(dialog.GetOFN().filterIndex, 201);
+    dialog.GetOFN().filterIndex = 999;
+    EXPECT_EQ(RunWith(dialog, [](FileDialogHand const &) {}), Paths{});
+    EXPECT_EQ(dialog.GetOFN().filterIndex, 202) << "the last one";
+}
+
+TEST(CustomFileDialog, AnotherFilterChangesTheExtensionThatIsSaved) {
+    TempFolder const folder;
+    CCustomFileDlg dialog = Saving(folder);
+    EXPECT_EQ(RunWith(dialog,
+                      [](FileDialogHand const &hand) {
+                          hand.Type("a.tif");
+                          FileDialogHand::Choose(hand.Part<QComboBox>("fileTypeCombo"), 1);
+                          EXPECT_EQ(hand.Name().text(), "a.csv");
+                          hand.TypeAndEnter("b");
+                      }),
+              Paths{folder / "b.csv"});
+    dialog.GetOFN().filterIndex = 3;
+    EXPECT_EQ(RunWith(dialog, [](FileDialogHand const &hand) { hand.TypeAndEnter("b"); }), Paths{folder / "b.dat"})
+        << "no extension in the filter";
+    EXPECT_EQ(RunWith(dialog, [](FileDialogHand const &hand) { hand.TypeAndEnter("b.xyz"); }), Paths{folder / "b.xyz"});
+}
+
+TEST(CustomFileDialog, SeveralFilesArePicked) {
+    TempFolder const folder;
+    for (char const *const name : {"a.tif", "b \"x\".tif", "c.tif"})
+        folder.Write(name);
+    CCustomFileDlg dialog = Loading(folder);
+    dialog.GetOFN().flags |= OFN_ALLOWMULTISELECT;
+    Paths const all{folder / "a.tif", folder / "b \"x\".tif", folder / "c.tif"};
+    Paths const picked = RunWith(dialog, [](FileDialogHand const &hand) {
+        hand.ClickRow("a.tif");
+        hand.ClickRow("c.tif", Qt::ShiftModifier);
+        test::Shot(hand.Dialog(), "file-multiple");
+        hand.PressOk();
+    });
+    EXPECT_EQ(std::set(picked.begin(), picked.end()), std::set(all.begin(), all.end()))
+        << "quotes in a name do no harm";
+    EXPECT_EQ(RunWith(dialog, [](FileDialogHand const &hand) { hand.TypeAndEnter(R"("c.tif" "a.tif")"); }),
+              (Paths{folder / "c.tif", folder / "a.tif"}));
+    EXPECT_EQ(RunWith(dialog, [](FileDialogHand const &hand) { hand.TypeAndEnter(R"(b "x".tif)"); }),
+              Paths{folder / "b \"x\".tif"});
+}
+
+TEST(CustomFileDialog, ATypedFolderIsEnteredAndATypedMaskFilters) {
+    TempFolder const folder;
+    folder.Write("sub/a.csv");
+    folder.Write("sub/b.tif");
+    CCustomFileDlg dialog = Loading(folder);
+    EXPECT_EQ(RunWith(dialog,
+                      [&](FileDialogHand const &hand) {
+                          hand.TypeAndEnter("sub");
+                          EXPECT_EQ(hand.Name().text(), "");
+                          EXPECT_TRUE(test::Eventually([&] { return hand.Shown() == Paths{"b.tif"}; }));
+                          hand.TypeAndEnter("*.c?v");
+                          EXPECT_TRUE(test::Eventually([&] { return hand.Shown() == Paths{"a.csv"}; }));
+                          auto const &shown = hand.Part<CZelComboBox>("folderBox");
+                          EXPECT_EQ(shown.GetWindowText(), folder / "sub");
+                          hand.TypeAndEnter("..");
+                          EXPECT_EQ(shown.GetWindowText(), folder.Path());
+                          QTest::keyClick(&hand.List(), Qt::Key_Left, Qt::AltModifier);
+                          EXPECT_TRUE(test::Eventually([&] { return shown.GetWindowText() == folder / "sub"; }));
+                          hand.TypeAndEnter("./a.csv");
+                      }),
+              Paths{folder / "sub/a.csv"});
+}
+
+TEST(CustomFileDialog, NamesThatAreNoTextComeBackByteForByte) {
+    TempFolder const folder;
+    std::string const sub = folder.Folder("caf\xe9");
+    folder.Write("caf\xe9/a\xff.tif");
+    folder.Write("caf\xe9/b.tif");
+    CCustomFileDlg dialog(true, "tif", "a\xff.tif", kImages, nullptr);
+    dialog.GetOFN().initialDir = sub;
+    EXPECT_EQ(RunWith(dialog, [](FileDialogHand const &hand) { hand.PressOk(); }), Paths{sub + "/a\xff.tif"})
+        << "the name that the caller gave";
+    EXPECT_EQ(RunWith(dialog,
+                      [](FileDialogHand const &hand) {
+                          hand.ClickRow("b.tif");
+                          EXPECT_EQ(hand.Name().text(), "b.tif") << hand.Name().hasFocus();
+                          hand.PressOk();
+                      }),
+              Paths{sub + "/b.tif"})
+        << "the list shows such a folder";
+    dialog.GetOFN().initialDir = folder.Path();
+    EXPECT_EQ(RunWith(dialog,
+                      [&](FileDialogHand const &hand) {
+                          hand.TypeAndEnter("caf\xef\xbf\xbd"); // as it is shown
+                          EXPECT_EQ(hand.Part<CZelComboBox>("folderBox").GetWindowText(), sub);
+                          hand.TypeAndEnter("a\xef\xbf\xbd");
+                      }),
+              Paths{sub + "/a\xff.tif"});
+}
+
+TEST(CustomFileDialog, OneCheckBoxAtMostIsChecked) {
+    TempFolder const folder;
+    folder.Write("a.tif");
+    CCustomFileDlg dialog(true, "tif", "a.tif", kImages, nullptr, CCustomFileDlg::kProjectTemplate);
+    dialog.GetOFN().initialDir = folder.Path();
+    dialog.EnableHistory(true);
+    dialog.SetHistory({folder.Path(), "/data/images"});
+    dialog.SetOptions("x=1");
+    EXPECT_EQ(RunWith(dialog,
+                      [](FileDialogHand const &hand) {
+                          auto *const editOnly = hand.Control<QCheckBox>(6010);
+                          auto *const readOnly = hand.Control<QCheckBox>(6011);
+                          test::Click(readOnly);
+                          test::Click(editOnly);
+                          EXPECT_FALSE(readOnly->isChecked());
+                          test::Click(readOnly);
+                          EXPECT_FALSE(editOnly->isChecked());
+                          test::Shot(hand.Dialog(), "file-project");
+                          hand.PressOk();
+                      }),
+              Paths{folder / "a.tif"});
+    EXPECT_TRUE(dialog.GetReadOnly());
+    EXPECT_FALSE(dialog.GetEditOnly());
+    EXPECT_EQ(dialog.GetOptions(), "x=1");
+}
+
+TEST(CustomFileDialog, TheRowFollowsTheDialogsWidth) {
+    TempFolder const folder;
+    CCustomFileDlg dialog(true, nullptr, nullptr, kImages, nullptr, CCustomFileDlg::kProjectTemplate);
+    dialog.GetOFN().initialDir = folder.Path();
+    dialog.EnableHistory(true);
+    RunWith(dialog, [](FileDialogHand const &hand) {
+        auto *const history = hand.Control<CZelComboBox>(6008);
+        auto *const box = hand.Control<QCheckBox>(6010);
+        EXPECT_EQ(history->GetCount(), 0);
+        int const width = history->width();
+        int const left = box->x();
+        for (int const growth : {37, -21}) {
+            QSize const before = hand.Dialog().size();
+            int const widthBefore = history->width();
+            hand.Dialog().resize(before.width() + growth, before.height() + 50);
+            EXPECT_TRUE(test::Eventually([&] { return history->width() == widthBefore + growth; }));
+        }
+        EXPECT_EQ(history->width(), width + 16);
+        EXPECT_EQ(box->x(), left + 16);
+        EXPECT_EQ(box->parentWidget()->rect().intersected(box->geometry()), box->geometry()) << "all of it is seen";
+    });
+}
+
+TEST(CustomFileDialog, WithoutAHistoryTheRowIsGone) {
+    TempFolder const folder;
+    CCustomFileDlg dialog = Loading(folder);
+    RunWith(dialog, [](FileDialogHand const &hand) {
+        EXPECT_FALSE(hand.Control<CZelComboBox>(6008)->isVisible());
+        EXPECT_FALSE(hand.Control<CZelComboBox>(6008)->parentWidget()->isVisible());
+        EXPECT_EQ(hand.Control<QCheckBox>(6010), nullptr);
+        test::Shot(hand.Dialog(), "file-load");
+    });
+}
+
+TEST(CustomFileDialog, ALockedOneCannotLeaveItsFolder) {
+    TempFolder const folder;
+    folder.Write("here/a.tif");
+    folder.Write("here/sub/b.tif");
+    folder.Write("c.tif");
+    CCustomFileDlg dialog = Loading(folder);
+    dialog.GetOFN().initialDir = folder / "here";
+    dialog.GetOFN().flags |= OFN_NOCHANGEDIR | OFN_ENABLEHOOK;
+    Told told;
+    EXPECT_EQ(RunWith(dialog,
+                      [&](FileDialogHand const &hand) {
+                          EXPECT_TRUE(test::Eventually([&] { return hand.Shown() == Paths{"a.tif"}; }));
+                          for (char const *const name : {"lookInCombo", "backButton", "forwardButton", "toParentButton",
+                                                         "newFolderButton", "sidebar"})
+                              EXPECT_FALSE(hand.Part<QWidget>(name).isVisible()) << name;
+                          EXPECT_FALSE(hand.Part<QWidget>("folderBox").isEnabled());
+                          test::Shot(hand.Dialog(), "file-locked");
+                          for (char const *const text : {"..", "sub", "sub/b.tif", "../c.tif", "/", "~", "."}) {
+                              hand.TypeAndEnter(text);
+                              EXPECT_EQ(told.Take(), Paths{"The folder cannot be changed here"}) << text;
+                          }
+                          hand.List().setFocus();
+                          for (QWidget *const widget : {static_cast<QWidget *>(&hand.List()), &hand.Dialog()}) {
+                              QTest::keyClick(widget, Qt::Key_Backspace);
+                              QTest::keyClick(widget, Qt::Key_Up, Qt::AltModifier);
+                              QTest::keyClick(widget, Qt::Key_Up, Qt::ControlModifier);
+                              QTest::keyClick(widget, Qt::Key_Left, Qt::AltModifier);
+                              QTest::keyClick(widget, Qt::Key_H, Qt::ControlModifier | Qt::ShiftModifier);
+                              QTest::keyClick(widget, Qt::Key_N, Qt::ControlModifier | Qt::ShiftModifier);
+                          }
+                          EXPECT_EQ(hand.Shown(), Paths{"a.tif"});
+                          hand.TypeAndEnter("a.tif");
+                      }),
+              Paths{folder / "here/a.tif"});
+}
+
+TEST(CustomFileDialog, WhatIsNewShowsWhenTheUserComesBackOrAsks) {
+    TempFolder const folder;
+    CCustomFileDlg dialog = Loading(folder);
+    RunWith(dialog, [&](FileDialogHand const &hand) {
+        hand.Type("keep");
+        folder.Write("a.tif");
+        QTest::keyClick(&hand.Name(), Qt::Key_F5);
+        EXPECT_TRUE(test::Eventually([&] { return hand.Shown() == Paths{"a.tif"}; }));
+        folder.Write("b.tif");
+        QWidget other;
+        other.show();
+        other.activateWindow();
+        hand.Dialog().activateWindow();
+        EXPECT_TRUE(test::Eventually([&] { return hand.Shown().size() == 2; }));
+        EXPECT_EQ(hand.Name().text(), "keep");
+    });
+}
+
+TEST(CustomFileDialog, ItKeepsItsSize) {
+    TempFolder const folder;
+    CCustomFileDlg dialog = Loading(folder);
+    QSize kept;
+    RunWith(dialog, [&](FileDialogHand const &hand) {
+        kept = hand.Dialog().minimumSizeHint().expandedTo({701, 399}) + QSize(30, 20);
+        hand.Dialog().resize(kept);
+    });
+    RunWith(dialog, [&](FileDialogHand const &hand) { EXPECT_EQ(hand.Dialog().size(), kept); });
+}
+
+TEST(CustomFileDialog, NoTextIsCut) {
+    TempFolder const folder;
+    CCustomFileDlg dialog(false, nullptr, nullptr, kImages, nullptr, CCustomFileDlg::kProjectTemplate);
+    dialog.GetOFN().initialDir = folder.Path();
+    dialog.EnableHistory(true);
+    dialog.SetHistory({folder.Path()});
+    RunWith(dialog, [](FileDialogHand const &hand) {
+        test::Shot(hand.Dialog(), "file-save");
+        for (auto const *const label : hand.Dialog().findChildren<QLabel *>())
+            EXPECT_FALSE(label->isVisible() && label->width() < label->sizeHint().width())
+                << label->text().toStdString();
+        for (auto const *const button : hand.Dialog().findChildren<QAbstractButton *>()) {
+            if (!button->isVisible() || button->text().isEmpty())
+                continue;
+            EXPECT_GE(button->width(), button->minimumSizeHint().width()) << button->text().toStdString();
+            EXPECT_GE(button->height(), button->fontMetrics().height()) << button->text().toStdString();
+            QRect const place(button->mapTo(&hand.Dialog(), QPoint()), button->size());
+            EXPECT_TRUE(hand.Dialog().rect().contains(place)) << button->text().toStdString();
+        }
+    });
 }
 
 } // namespace

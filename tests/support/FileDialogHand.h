@@ -24,7 +24,9 @@ namespace zelvar::test {
 class FileDialogHand {
 public:
     explicit FileDialogHand(QWidget &dialog)
-        : m_dialog(dialog), m_list(Part<QAbstractItemView>("listView")), m_name(Part<QLineEdit>("fileNameEdit")) {}
+        : m_dialog(dialog),
+          m_list(Part<QAbstractItemView>(Part<QWidget>("listView").isVisible() ? "listView" : "treeView")),
+          m_name(Part<QLineEdit>("fileNameEdit")) {}
 
     template <class T>
     [[nodiscard]] T &Part(char const *name) const {
@@ -38,13 +40,15 @@ public:
                 return dynamic_cast<T *>(child);
         return nullptr;
     }
+    [[nodiscard]] QWidget &Dialog() const { return m_dialog; }
     [[nodiscard]] QLineEdit &Name() const { return m_name; }
     [[nodiscard]] QAbstractItemView &List() const { return m_list; }
 
     void Type(std::string const &name) const {
         m_name.setFocus();
         m_name.selectAll();
-        QTest::keyClicks(&m_name, platform::ToQString(name));
+        for (QChar const letter : platform::ToQString(name))
+            QTest::sendKeyEvent(QTest::Click, &m_name, Qt::Key_unknown, QString(letter), {});
     }
     void TypeAndEnter(std::string const &name) const {
         Type(name);
