@@ -28,9 +28,9 @@ DString StartFolder(DString wanted) {
     while (wanted.size() > 1 && wanted.ends_with('/'))
         wanted.pop_back();
     for (DString const &folder : {wanted, platform::ToDString(QDir::homePath())})
-        if (folder.starts_with('/') && IsFolder(folder))
+        if (folder.starts_with('/') && IsFolder(folder) && !HoldsDeadPlace(folder))
             return folder;
-    return "/";
+    return HoldsDeadPlace("/") ? "/proc/self/ns" : "/"; // a folder that is always there and holds nothing
 }
 
 DString SizeSection() { return DString(cdxCDynamicWndEx::M_lpszAutoPosProfileSection) + "\\CCustomFileDlg"; }

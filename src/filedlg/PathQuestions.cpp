@@ -1,10 +1,14 @@
 #include "zelvar/filedlg/PathQuestions.h"
 
+#include "zelvar/base/PathStyle.h"
 #include "zelvar/data/PlaceCheck.h"
 
+#include <array>
+#include <cstdio>
 #include <optional>
 
 #include <fcntl.h>
+#include <mntent.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -26,6 +30,19 @@ bool IsThere(DString const &path) { return StatusOf(path).has_value(); }
 bool IsFolder(DString const &path) {
     auto const status = StatusOf(path);
     return status && S_ISDIR(status->st_mode);
+}
+
+bool HoldsDeadPlace(DString const &folder) {
+    FILE *const table = setmntent("/proc/self/mounts", "re");
+    if (table == nullptr)
+        return false;
+    bool holds = false;
+    mntent entry{};
+    std::array<char, 8192> texts{};
+    while (!holds && getmntent_r(table, &entry, texts.data(), static_cast<int>(texts.size())) != nullptr)
+        holds = ParentPathOf(entry.mnt_dir) == folder && !DoesPlaceAnswer(entry.mnt_dir);
+    endmntent(table);
+    return holds;
 }
 
 bool IsWritable(DString const &path) {

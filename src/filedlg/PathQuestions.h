@@ -10,6 +10,8 @@ namespace zelvar {
 
 [[nodiscard]] bool IsThere(DString const &path);
 [[nodiscard]] bool IsFolder(DString const &path);
+/// Whether something is mounted right in the folder that does not answer: who lists the folder would be held by it.
+[[nodiscard]] bool HoldsDeadPlace(DString const &folder);
 /// Whether the file can be written, or the folder can take a new file, with the rights that the process has now.
 [[nodiscard]] bool IsWritable(DString const &path);
 /// When it was changed last, nanoseconds since 1970.

@@ -36,6 +36,10 @@ bool PlatformFileDialog::ShowFolder(DString const &folder) {
         Report::UserNotificationEnforced("Folder '%s' not found", folder.c_str());
         return false;
     }
+    if (HoldsDeadPlace(folder)) {
+        Report::UserNotificationEnforced("Folder '%s' holds a place that does not answer", folder.c_str());
+        return false;
+    }
     // A name that was typed stays; one that came from a row to be loaded is not in the other folder.
     bool const isOfRows = m_setup.opens && m_selectionText && *m_selectionText == m_name->text();
     QString const name = isOfRows ? QString() : m_name->text();
@@ -103,7 +107,7 @@ void PlatformFileDialog::OnActivated(QModelIndex const &index) {
 
 void PlatformFileDialog::Refresh() {
     m_changed = ChangeTime(Folder());
-    if (m_changed == 0)
+    if (m_changed == 0 || HoldsDeadPlace(Folder()))
         return;
     // The toolkit reads a folder only when it comes from another one.
     QSignalBlocker const quiet(m_model);

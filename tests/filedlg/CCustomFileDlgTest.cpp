@@ -2,7 +2,6 @@
 
 #include "support/FileDialogHand.h"
 #include "support/TestFiles.h"
-#include "zelvar/base/Report.h"
 #include "zelvar/controls/CZelComboBox.h"
 
 #include <QtWidgets/QCheckBox>
@@ -16,38 +15,12 @@ namespace zelvar {
 namespace {
 
 using test::FileDialogHand;
+using test::Paths;
+using test::RunWith;
 using test::TempFolder;
-using Paths = std::vector<std::string>;
+using test::Told;
 
 constexpr char kImages[] = "Images|*.tif;*.tiff|Tables (first, *)|*.csv|All Files|*.*||";
-
-/// What the user is told meanwhile.
-class Told {
-public:
-    Told()
-        : m_former(Report::SetUserHandler([this](Report::Severity, DString const &text) { m_texts.push_back(text); })) {
-    }
-    Told(Told const &) = delete;
-    Told &operator=(Told const &) = delete;
-    ~Told() { Report::SetUserHandler(m_former); }
-    [[nodiscard]] Paths Take() { return std::exchange(m_texts, {}); }
-
-private:
-    Paths m_texts;
-    Report::UserHandler m_former;
-};
-
-/// Runs the dialog while `act` works with it; the paths chosen, none when cancelled.
-Paths RunWith(CCustomFileDlg &dialog, std::function<void(FileDialogHand const &)> const &act) {
-    auto const done = test::OnNextDialog([&act](QWidget &window) { act(FileDialogHand(window)); });
-    int const answer = dialog.DoModal();
-    EXPECT_TRUE(*done);
-    Paths paths;
-    for (std::size_t at = dialog.GetStartPosition(); at != 0;)
-        paths.push_back(dialog.GetNextPathName(at));
-    EXPECT_EQ(answer, paths.empty() ? 2 : 1);
-    return paths;
-}
 
 CCustomFileDlg Loading(TempFolder const &folder, char const *filter = kImages) {
     CCustomFileDlg dialog(true, "tif", nullptr, filter, nullptr);

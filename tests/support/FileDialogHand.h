@@ -1,6 +1,8 @@
 #pragma once
 
 #include "support/GuiTest.h"
+#include "zelvar/base/Report.h"
+#include "zelvar/filedlg/CCustomFileDlg.h"
 #include "zelvar/platform/ui/ControlId.h"
 #include "zelvar/platform/ui/Text.h"
 
@@ -15,10 +17,14 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace zelvar::test {
+
+using Paths = std::vector<std::string>;
 
 /// A user's hand on the file dialog.
 class FileDialogHand {
@@ -100,5 +106,33 @@ private:
     QAbstractItemView &m_list;
     QLineEdit &m_name;
 };
+
+/// What the user is told meanwhile.
+class Told {
+public:
+    Told()
+        : m_former(Report::SetUserHandler([this](Report::Severity, DString const &text) { m_texts.push_back(text); })) {
+    }
+    Told(Told const &) = delete;
+    Told &operator=(Told const &) = delete;
+    ~Told() { Report::SetUserHandler(m_former); }
+    [[nodiscard]] Paths Take() { return std::exchange(m_texts, {}); }
+
+private:
+    Paths m_texts;
+    Report::UserHandler m_former;
+};
+
+/// Runs the dialog while `act` works with it; the paths chosen, none when cancelled.
+inline Paths RunWith(CCustomFileDlg &dialog, std::function<void(FileDialogHand const &)> const &act) {
+    auto const done = test::OnNextDialog([&act](QWidget &window) { act(FileDialogHand(window)); });
+    int const answer = dialog.DoModal();
+    EXPECT_TRUE(*done);
+    Paths paths;
+    for (std::size_t at = dialog.GetStartPosition(); at != 0;)
+        paths.push_back(dialog.GetNextPathName(at));
+    EXPECT_EQ(answer, paths.empty() ? 2 : 1);
+    return paths;
+}
 
 } // namespace zelvar::test

@@ -1,0 +1,242 @@
+// The file dialog over places that have gone, that are closed, and that change meanwhile.
+#include "support/FileDialogHand.h"
+#include "support/SilentMount.h"
+#include "support/TestFiles.h"
+#include "zelvar/base/PathStyle.h"
+#include "zelvar/controls/CZelComboBox.h"
+#include "zelvar/data/PlaceCheck.h"
+
+#include <QtCore/QSettings>
+#include <QtWidgets/QFileDialog>
+#include <QtWidgets/QMessageBox>
+
+#include <atomic>
+#include <chrono>
+#include <filesystem>
+#include <thread>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace zelvar {
+namespace {
+
+using test::FileDialogHand;
+using test::Paths;
+using test::RunWith;
+using test::TempFolder;
+using test::Told;
+using Clock = std::chrono::steady_clock;
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr int kSlower = 8; // under a sanitizer
+#else
+constexpr int kSlower = 1;
+#endif
+
+long long MillisecondsSince(Clock::time_point begin) {
+    return std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - begin).count();
+}
+
+/// A mounted place that does not answer, and the check that knows it.
+class DeadPlace {
+public:
+    DeadPlace() {
+        s_point = ParentPathOf(m_mount.File());
+        m_mount.FallSilent();
+        SetPlaceCheck([](DString const &path) { return !path.starts_with(s_point); });
+        m_rescuer = std::thread([this] { Rescue(); });
+    }
+    DeadPlace(DeadPlace const &) = delete;
+    DeadPlace &operator=(DeadPlace const &) = delete;
+    ~DeadPlace() {
+        SetPlaceCheck(nullptr);
+        LetGo();
+        m_isGone = true;
+        m_rescuer.join();
+    }
+
+    [[nodiscard]] bool IsThere() const {
+        EXPECT_TRUE(m_mount.IsMounted() || getuid() != 0U) << "the superuser can mount";
+        return m_mount.IsMounted();
+    }
+    [[nodiscard]] DString const &Point() const { return s_point; }
+    [[nodiscard]] DString Parent() const { return DString(ParentPathOf(s_point)); }
+    [[nodiscard]] bool WasTouched() const { return m_mount.IsSomebodyHeld(); }
+    void LetGo() { m_isOver = true; } ///< nobody is held any more
+
+private:
+    /// Nothing else ends a program that is held when it should not be.
+    void Rescue() {
+        Clock::time_point held = Clock::now();
+        while (!m_isGone) {
+            if (!WasTouched())
+                held = Clock::now();
+            else if (m_isOver || MillisecondsSince(held) > 4000)
+                m_mount.Answer();
+            std::this_thread::yield();
+        }
+    }
+
+    static DString s_point;
+    std::atomic<bool> m_isOver{false};
+    std::atomic<bool> m_isGone{false};
+    std::thread m_rescuer;
+    test::SilentMount m_mount{"image.tif"};
+};
+
+DString DeadPlace::s_point;
+
+TEST(FilePlaces, TenDeadFoldersInTheHistoryHoldNobody) {
+    DeadPlace const dead;
+    if (!dead.IsThere())
+        return;
+    TempFolder const folder;
+    DVectorSafe<DString> history;
+    for (int at = 0; at < 10; ++at)
+        history.push_back(dead.Point() + "/" + std::to_string(at));
+    history.push_back(folder.Path());
+    CCustomFileDlg dialog(false, "tif", "result", "Images|*.tif||", nullptr);
+    dialog.GetOFN().initialDir = dead.Point() + "/0"; // dropped
+    dialog.EnableHistory(true);
+    dialog.SetHistory(history);
+    Told told;
+    auto const begin = Clock::now();
+    EXPECT_EQ(RunWith(dialog,
+                      [&](FileDialogHand const &hand) {
+                          EXPECT_LT(MillisecondsSince(begin), 300 * kSlower);
+                          auto *const combo = hand.Control<CZelComboBox>(6008);
+                          EXPECT_EQ(combo->GetCount(), 11);
+                          FileDialogHand::Choose(*combo, 5);
+                          Paths const texts = told.Take();
+                          ASSERT_FALSE(texts.empty());
+                          EXPECT_EQ(texts.back(), "Folder '" + dead.Point() + "/5' not found");
+                          hand.TypeAndEnter(dead.Point() + "/image.tif");
+                          EXPECT_EQ(told.Take(), Paths{"'" + dead.Point() + "/image.tif' does not answer"});
+                          FileDialogHand::Choose(*combo, 10);
+                          hand.TypeAndEnter("result");
+                      }),
+              Paths{folder / "result.tif"});
+    EXPECT_FALSE(dead.WasTouched());
+    EXPECT_LT(MillisecondsSince(begin), 2000 * kSlower);
+}
+
+TEST(FilePlaces, AFolderIsNotListedWhileADeadPlaceIsMountedInIt) {
+    DeadPlace const dead;
+    if (!dead.IsThere())
+        return;
+    CCustomFileDlg dialog(true, "tif", nullptr, "Images|*.tif||", nullptr);
+    dialog.GetOFN().initialDir = dead.Parent();
+    Told told;
+    RunWith(dialog, [&](FileDialogHand const &hand) {
+        EXPECT_NE(hand.Part<CZelComboBox>("folderBox").GetWindowText(), dead.Parent());
+        hand.TypeAndEnter(dead.Parent());
+        EXPECT_EQ(told.Take(), Paths{"Folder '" + dead.Parent() + "' holds a place that does not answer"});
+    });
+    EXPECT_FALSE(dead.WasTouched());
+}
+
+TEST(FilePlaces, ALinkToADeadPlaceHoldsTheListingAlone) {
+    DeadPlace dead;
+    if (!dead.IsThere())
+        return;
+    TempFolder const folder;
+    std::filesystem::create_symlink(dead.Point(), folder / "share");
+    CCustomFileDlg dialog(true, "tif", nullptr, "Images|*.tif||", nullptr);
+    dialog.GetOFN().initialDir = folder.Path();
+    auto const begin = Clock::now();
+    RunWith(dialog, [&](FileDialogHand const &) { EXPECT_TRUE(test::Eventually([&] { return dead.WasTouched(); })); });
+    EXPECT_LT(MillisecondsSince(begin), 1500 * kSlower) << "closing does not wait for the listing";
+    auto const leftBehind = [] {
+        return std::ranges::count_if(QApplication::topLevelWidgets(),
+                                     [](QWidget *window) { return qobject_cast<QFileDialog *>(window) != nullptr; });
+    };
+    EXPECT_EQ(leftBehind(), 1);
+    dead.LetGo();
+    EXPECT_TRUE(test::Eventually([&] { return leftBehind() == 0; })) << "it ends when it can";
+}
+
+TEST(FilePlaces, WhatAllProgramsShareIsNeitherReadNorWritten) {
+    TempFolder const folder;
+    QSettings shared(QSettings::UserScope, QStringLiteral("QtProject"));
+    shared.setValue(QStringLiteral("FileDialog/lastVisited"), QStringLiteral("file:///proc"));
+    shared.setValue(QStringLiteral("FileDialog/shortcuts"), QStringList{QStringLiteral("file:///proc/sys")});
+    shared.setValue(QStringLiteral("FileDialog/history"), QStringList{QStringLiteral("file:///proc/fs")});
+    shared.sync();
+    std::string const before = test::ReadFile(shared.fileName().toStdString());
+    ASSERT_FALSE(before.empty());
+    CCustomFileDlg dialog(true, "tif", nullptr, "", nullptr);
+    dialog.GetOFN().initialDir = folder.Path();
+    RunWith(dialog, [&](FileDialogHand const &hand) {
+        auto &window = dynamic_cast<QFileDialog &>(hand.Dialog());
+        EXPECT_TRUE(window.testOption(QFileDialog::DontUseNativeDialog));
+        EXPECT_EQ(window.directory().path().toStdString(), folder.Path());
+        EXPECT_FALSE(window.sidebarUrls().contains(QUrl(QStringLiteral("file:///proc/sys"))));
+        EXPECT_EQ(window.history().filter(QStringLiteral("/proc")).size(), 0);
+    });
+    EXPECT_EQ(test::ReadFile(shared.fileName().toStdString()), before);
+    EXPECT_EQ(QSettings(QSettings::UserScope, QStringLiteral("QtProject")).fileName(), shared.fileName());
+    shared.remove(QStringLiteral("FileDialog"));
+}
+
+/// Rights of a user who owns nothing, if the tests run as the superuser, who may write everywhere.
+class WithoutRights {
+public:
+    WithoutRights() {
+        if (geteuid() == 0)
+            m_isChanged = seteuid(65534) == 0;
+    }
+    WithoutRights(WithoutRights const &) = delete;
+    WithoutRights &operator=(WithoutRights const &) = delete;
+    ~WithoutRights() { EXPECT_TRUE(!m_isChanged || seteuid(0) == 0); }
+
+private:
+    bool m_isChanged = false;
+};
+
+TEST(FilePlaces, NothingIsSavedWhereItCannotBe) {
+    TempFolder const folder;
+    folder.Write("a.tif");
+    chmod((folder / "a.tif").c_str(), 0444);
+    chmod(folder.Path().c_str(), 0555);
+    CCustomFileDlg dialog(false, "tif", nullptr, "", nullptr);
+    dialog.GetOFN().initialDir = folder.Path();
+    dialog.GetOFN().flags &= ~OFN_OVERWRITEPROMPT;
+    Told told;
+    EXPECT_EQ(RunWith(dialog,
+                      [&](FileDialogHand const &hand) {
+                          WithoutRights const user;
+                          hand.TypeAndEnter("b");
+                          EXPECT_EQ(told.Take(), Paths{"Nothing can be saved in the folder '" + folder.Path() + "'"});
+                          hand.TypeAndEnter("a");
+                          EXPECT_EQ(told.Take(), Paths{"File '" + (folder / "a.tif") + "' is read-only"});
+                          hand.TypeAndEnter("gone/c");
+                          EXPECT_EQ(told.Take(), Paths{"Folder '" + (folder / "gone") + "' not found"});
+                          hand.TypeAndEnter(std::string(300, 'x'));
+                          EXPECT_EQ(told.Take(), Paths{"The name is too long"});
+                      }),
+              Paths{})
+        << "the dialog stays";
+    chmod(folder.Path().c_str(), 0755);
+}
+
+TEST(FilePlaces, ATargetMayGoWhileTheUserIsAsked) {
+    TempFolder const folder;
+    folder.Write("sub/a.tif");
+    CCustomFileDlg dialog(false, "tif", nullptr, "", nullptr);
+    dialog.GetOFN().initialDir = folder / "sub";
+    EXPECT_EQ(RunWith(dialog,
+                      [&](FileDialogHand const &hand) {
+                          hand.Type("a");
+                          auto const asked = test::OnNextDialog([&](QWidget &question) {
+                              std::filesystem::remove_all(folder / "sub");
+                              test::Click(dynamic_cast<QMessageBox &>(question).button(QMessageBox::Yes));
+                          });
+                          QTest::keyClick(&hand.Name(), Qt::Key_Return);
+                          EXPECT_TRUE(*asked);
+                      }),
+              Paths{folder / "sub/a.tif"});
+}
+
+} // namespace
+} // namespace zelvar
