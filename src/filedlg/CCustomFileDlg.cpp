@@ -1,37 +1,19 @@
 #include "zelvar/filedlg/CCustomFileDlg.h"
 
 #include "zelvar/base/DCnfg.h"
-#include "zelvar/base/PathStyle.h"
 #include "zelvar/filedlg/HistoryRow.h"
-#include "zelvar/filedlg/PathQuestions.h"
 #include "zelvar/filedlg/PlatformFileDialog.h"
-#include "zelvar/filedlg/ToolkitSettings.h"
 #include "zelvar/layout/cdxCDynamicWndEx.h"
 #include "zelvar/platform/ui/ModalLoop.h"
-#include "zelvar/platform/ui/Text.h"
 
-#include <QtCore/QDir>
 #include <QtGui/QScreen>
 #include <QtWidgets/QLayout>
-
-#include <algorithm>
-#include <memory>
 
 namespace zelvar {
 
 namespace {
 
 enum Answer { kOk = 1, kCancel = 2 };
-
-/// Where the dialog begins: the folder wanted, else where the program runs, else the root, which always answers.
-DString StartFolder(DString wanted) {
-    while (wanted.size() > 1 && wanted.ends_with('/'))
-        wanted.pop_back();
-    for (DString const &folder : {wanted, platform::ToDString(QDir::homePath())})
-        if (folder.starts_with('/') && IsFolder(folder) && !HoldsDeadPlace(folder))
-            return folder;
-    return HoldsDeadPlace("/") ? "/proc/self/ns" : "/"; // a folder that is always there and holds nothing
-}
 
 DString SizeSection() { return DString(cdxCDynamicWndEx::M_lpszAutoPosProfileSection) + "\\CCustomFileDlg"; }
 
@@ -47,22 +29,6 @@ void StoreSize(QWidget const &dialog) {
         return;
     Profile::WriteInt(SizeSection(), "Width", dialog.width());
     Profile::WriteInt(SizeSection(), "Height", dialog.height());
-}
-
-/// Destroys a dialog. One whose thread is held by a place that has gone would hold the caller as well: it is left
-/// behind, hidden, until that thread comes back.
-void EndDialog(std::unique_ptr<PlatformFileDialog> dialog) {
-    if (!dialog->IsListing()) {
-        ToolkitSettings const apart;
-        dialog.reset();
-        return;
-    }
-    PlatformFileDialog *const left = dialog.release();
-    left->setParent(nullptr);
-    left->CallWhenListed([left] {
-        ToolkitSettings const apart;
-        delete left;
-    });
 }
 
 } // namespace
@@ -82,17 +48,13 @@ int CCustomFileDlg::DoModal() {
         .multiple = m_open && (m_ofn.flags & OFN_ALLOWMULTISELECT) != 0,
         .asksOverwrite = (m_ofn.flags & OFN_OVERWRITEPROMPT) != 0,
         .title = m_ofn.title,
-        .folder = StartFolder(m_ofn.initialDir),
+        .folder = PlatformFileDialog::StartFolder(m_ofn.initialDir),
         .file = m_ofn.file,
         .defaultExtension = m_defaultExtension,
         .filters = ParseFilterText(m_filter),
         .filterIndex = m_ofn.filterIndex - 1,
     };
-    std::unique_ptr<PlatformFileDialog> dialog;
-    {
-        ToolkitSettings const apart;
-        dialog = std::make_unique<PlatformFileDialog>(setup, m_parent);
-    }
+    auto dialog = PlatformFileDialog::Make(setup, m_parent);
     auto *const row = new HistoryRow(m_templateId, *dialog);
     QObject::connect(row, &HistoryRow::FolderChosen, dialog.get(), &PlatformFileDialog::GoTo);
     dialog->AddRow(*row);
@@ -109,7 +71,7 @@ int CCustomFileDlg::DoModal() {
     m_bEditOnly = row->IsEditOnly();
     if (accepted)
         m_paths = dialog->Chosen();
-    EndDialog(std::move(dialog));
+    PlatformFileDialog::End(std::move(dialog));
     return accepted ? kOk : kCancel;
 }
 

@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <optional>
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <mntent.h>
 #include <sys/stat.h>
@@ -42,6 +43,21 @@ bool HoldsDeadPlace(DString const &folder) {
     while (!holds && getmntent_r(table, &entry, texts.data(), static_cast<int>(texts.size())) != nullptr)
         holds = ParentPathOf(entry.mnt_dir) == folder && !DoesPlaceAnswer(entry.mnt_dir);
     endmntent(table);
+    return holds;
+}
+
+bool HoldsMatch(DString const &folder, std::string_view masks) {
+    if (!DoesPlaceAnswer(folder))
+        return false;
+    DIR *const directory = opendir(folder.c_str());
+    if (directory == nullptr)
+        return false;
+    bool holds = false;
+    for (dirent const *entry = nullptr; !holds && (entry = readdir(directory)) != nullptr;) {
+        std::string_view const name(entry->d_name);
+        holds = name != "." && name != ".." && PathMatchSpec(name, masks);
+    }
+    closedir(directory);
     return holds;
 }
 

@@ -12,6 +12,8 @@ namespace zelvar {
 [[nodiscard]] bool IsFolder(DString const &path);
 /// Whether something is mounted right in the folder that does not answer: who lists the folder would be held by it.
 [[nodiscard]] bool HoldsDeadPlace(DString const &folder);
+/// Whether the folder has an entry that one of the masks fits; looks at no more entries than it must.
+[[nodiscard]] bool HoldsMatch(DString const &folder, std::string_view masks);
 /// Whether the file can be written, or the folder can take a new file, with the rights that the process has now.
 [[nodiscard]] bool IsWritable(DString const &path);
 /// When it was changed last, nanoseconds since 1970.

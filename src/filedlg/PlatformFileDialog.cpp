@@ -66,6 +66,8 @@ PlatformFileDialog::PlatformFileDialog(Setup const &setup, std::unique_ptr<Folde
     SetUpFilters();
     if (m_setup.locked)
         LockFolder();
+    if (m_setup.picksFolder)
+        ShowFoldersAlone();
     FillFolderBox();
     m_changed = ChangeTime(Folder());
 
@@ -208,6 +210,16 @@ void PlatformFileDialog::LockFolder() {
     });
 }
 
+void PlatformFileDialog::ShowFoldersAlone() {
+    setFilter(QDir::Dirs | QDir::NoDotAndDotDot);
+    setLabelText(FileName, tr("Folder:"));
+    setLabelText(Accept, tr("Choose"));
+    if (m_setup.makesFolders)
+        return;
+    findChild<QWidget *>(QStringLiteral("newFolderButton"))->hide(); // its entry in the menu goes with it
+    findChild<QAction *>(QStringLiteral("qt_new_folder_action"))->setEnabled(false);
+}
+
 void PlatformFileDialog::AddRow(QWidget &row) {
     auto *const grid = qobject_cast<QGridLayout *>(layout());
     grid->addWidget(&row, grid->rowCount(), 0, 1, grid->columnCount());
@@ -218,13 +230,6 @@ void PlatformFileDialog::ApplyMasks(DString const &masks) {
     for (DString const &mask : SingleMasks(masks))
         toolkitMasks.append(ToolkitMask(mask));
     m_model->setNameFilters(toolkitMasks);
-}
-
-void PlatformFileDialog::CallWhenListed(std::function<void()> act) {
-    connect(
-        m_model, &QFileSystemModel::directoryLoaded, qApp,
-        [act = std::move(act)] { QMetaObject::invokeMethod(qApp, act, Qt::QueuedConnection); },
-        Qt::SingleShotConnection);
 }
 
 int PlatformFileDialog::FilterIndex() const { return m_types->currentIndex(); }
@@ -246,13 +251,17 @@ void PlatformFileDialog::OnFilterChosen(int index) {
 }
 
 void PlatformFileDialog::OnSelectionChanged() {
+    auto const rows = m_views.front()->selectionModel()->selectedRows();
+    if (m_setup.picksFolder && !rows.isEmpty())
+        m_name->setText(m_model->fileName(rows.front()));
     if (!m_name->hasFocus())
         m_selectionText = m_name->text();
     UpdateButtons();
 }
 
 void PlatformFileDialog::UpdateButtons() {
-    m_ok->setEnabled(!m_name->text().trimmed().isEmpty() || m_views.front()->selectionModel()->hasSelection());
+    bool const hasAnswer = !m_name->text().trimmed().isEmpty() || m_views.front()->selectionModel()->hasSelection();
+    m_ok->setEnabled(m_setup.picksFolder ? CanPick(PickedFolder()) : hasAnswer);
     findChild<QWidget *>(QStringLiteral("backButton"))->setEnabled(!m_back.empty());
     findChild<QWidget *>(QStringLiteral("forwardButton"))->setEnabled(!m_forward.empty());
     findChild<QWidget *>(QStringLiteral("toParentButton"))->setEnabled(Folder() != "/");

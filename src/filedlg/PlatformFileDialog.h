@@ -25,25 +25,32 @@ class CZelComboBox;
 /// The toolkit's file dialog, made safe: every way to another folder goes through one door that asks first whether the
 /// place answers, and what is accepted is decided here, on the bytes of names.
 ///
-/// The toolkit finds out about a folder's files on a thread of its own. It must be made and destroyed under
-/// `ToolkitSettings`.
+/// The toolkit finds out about a folder's files on a thread of its own.
 class PlatformFileDialog final : public QFileDialog {
     Q_OBJECT
 
 public:
     struct Setup {
         bool opens = true;
+        bool picksFolder = false; ///< no files are shown
+        bool makesFolders = true;
         bool locked = false; ///< stays in its folder
         bool multiple = false;
         bool asksOverwrite = true;
         DString title{};
-        DString folder{}; ///< answers and is there
+        DString folder{}; ///< answers and is there, see `StartFolder`
         DString file{};
         DString defaultExtension{};
         std::vector<FileFilter> filters{};
-        int filterIndex = 0; ///< counted from 0
+        int filterIndex = 0;   ///< counted from 0
+        DString folderMasks{}; ///< a folder can be picked if something in it matches; empty for any
     };
-    PlatformFileDialog(Setup const &setup, QWidget *parent);
+    [[nodiscard]] static std::unique_ptr<PlatformFileDialog> Make(Setup const &setup, QWidget *parent);
+    /// Destroys a dialog. One whose thread is held by a place that has gone would hold the caller as well: it is left
+    /// behind, hidden, until that thread comes back.
+    static void End(std::unique_ptr<PlatformFileDialog> dialog);
+    /// Where a dialog can begin: the folder wanted, else the user's home, else the root.
+    [[nodiscard]] static DString StartFolder(DString wanted);
 
     /// Puts `row` below the dialog's own controls.
     void AddRow(QWidget &row);
@@ -57,10 +64,6 @@ public:
 
     [[nodiscard]] std::vector<DString> const &Chosen() const { return m_chosen; }
     [[nodiscard]] int FilterIndex() const;
-    /// Whether the toolkit's thread is at a folder; it may be held there by a place that has gone.
-    [[nodiscard]] bool IsListing() const { return m_isListing; }
-    /// Calls `act` once, from the event loop, when a folder has been read.
-    void CallWhenListed(std::function<void()> act);
 
     bool eventFilter(QObject *watched, QEvent *event) override;
 
@@ -71,6 +74,7 @@ protected:
     void changeEvent(QEvent *event) override;
 
 private:
+    PlatformFileDialog(Setup const &setup, QWidget *parent);
     PlatformFileDialog(Setup const &setup, std::unique_ptr<FolderAlias const> folder, QWidget *parent);
 
     // What is shown.
@@ -79,6 +83,7 @@ private:
     void SetUpViews();
     void SetUpFilters();
     void LockFolder();
+    void ShowFoldersAlone();
     void ApplyMasks(DString const &masks);
     void OnFilterChosen(int index);
     void OnActivated(QModelIndex const &index);
@@ -92,6 +97,10 @@ private:
     void RefreshIfChanged();
 
     // What is accepted.
+    void AcceptFolder();
+    /// The folder that OK would pick: what is typed, the selected one, or the one that is shown.
+    [[nodiscard]] DString PickedFolder() const;
+    [[nodiscard]] bool CanPick(DString const &folder) const;
     [[nodiscard]] std::vector<DString> SelectedPaths(bool folders) const;
     [[nodiscard]] std::vector<DString> TypedPaths() const;
     [[nodiscard]] DString PathOf(DString const &typed) const;
@@ -116,7 +125,7 @@ private:
     std::optional<QString> m_selectionText; ///< what the name field shows for the selected rows; nothing once typed in
     std::vector<DString> m_chosen;
     std::int64_t m_changed = 0; ///< when the shown folder was changed last, nanoseconds since 1970
-    bool m_isListing = true;
+    bool m_isListing = true;    ///< the toolkit's thread is at a folder; a place that has gone may hold it there
 };
 
 } // namespace zelvar

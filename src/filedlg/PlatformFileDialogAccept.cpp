@@ -20,7 +20,29 @@
 
 namespace zelvar {
 
+void PlatformFileDialog::AcceptFolder() {
+    DString const folder = PickedFolder();
+    if (CanPick(folder)) {
+        m_chosen = {folder};
+        QDialog::accept();
+    } else if (GoTo(folder)) { // the file that it must hold may be further down
+        m_name->clear();
+    }
+}
+
+DString PlatformFileDialog::PickedFolder() const {
+    bool const isOfRows = m_selectionText && *m_selectionText == m_name->text();
+    std::vector<DString> const paths = isOfRows ? SelectedPaths(true) : TypedPaths();
+    return paths.empty() ? Folder() : paths.front();
+}
+
+bool PlatformFileDialog::CanPick(DString const &folder) const {
+    return IsFolder(folder) && (m_setup.folderMasks.empty() || HoldsMatch(folder, m_setup.folderMasks));
+}
+
 void PlatformFileDialog::accept() {
+    if (m_setup.picksFolder)
+        return AcceptFolder();
     bool const isOfRows = m_selectionText && *m_selectionText == m_name->text();
     // A long selection does not fit into the field.
     std::vector<DString> paths = isOfRows ? SelectedPaths(m_name->text().isEmpty()) : std::vector<DString>();

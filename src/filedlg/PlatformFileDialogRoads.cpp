@@ -42,7 +42,7 @@ bool PlatformFileDialog::ShowFolder(DString const &folder) {
     }
     // A name that was typed stays; one that came from a row to be loaded is not in the other folder.
     bool const isOfRows = m_setup.opens && m_selectionText && *m_selectionText == m_name->text();
-    QString const name = isOfRows ? QString() : m_name->text();
+    QString const name = isOfRows || m_setup.picksFolder ? QString() : m_name->text();
     auto const former = std::exchange(m_folder, std::make_unique<FolderAlias const>(folder));
     setDirectory(m_folder->Path());
     m_name->setText(name);

@@ -1,0 +1,151 @@
+#include "zelvar/filedlg/CDlgSlctDir.h"
+
+#include "support/FileDialogHand.h"
+#include "support/TestFiles.h"
+#include "zelvar/base/DCnfg.h"
+#include "zelvar/base/SettingsStore.h"
+#include "zelvar/controls/CZelComboBox.h"
+#include "zelvar/settings/DfltFldrs.h"
+
+namespace zelvar {
+namespace {
+
+using test::FileDialogHand;
+using test::Paths;
+using test::TempFolder;
+
+class SelectDirectory : public testing::Test {
+protected:
+    SelectDirectory() {
+        SettingsStore::Instance().RemoveTree("Profile");
+        DfltFldrs::DeleteInstance();
+    }
+    /// The folder chosen while `act` works with the browser, empty for none.
+    static std::string Browse(CDlgSlctDir &browser, std::function<void(FileDialogHand const &)> const &act) {
+        auto const done = test::OnNextDialog([&act](QWidget &window) { act(FileDialogHand(window)); });
+        bool const chosen = browser.DoBrowse() != 0;
+        EXPECT_TRUE(*done);
+        return chosen ? browser.GetPath() : std::string();
+    }
+    static QPushButton &Ok(FileDialogHand const &hand) {
+        return *hand.Dialog().findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Open);
+    }
+    static std::string Shown(FileDialogHand const &hand) {
+        return hand.Part<CZelComboBox>("folderBox").GetWindowText();
+    }
+};
+
+TEST_F(SelectDirectory, AFolderIsPickedFromTheListOrByItsName) {
+    TempFolder const folder;
+    folder.Write("a/inner/file.txt");
+    folder.Folder("b");
+    folder.Write("file.txt");
+    CDlgSlctDir browser;
+    browser.SetTitle("Load Action Library...");
+    browser.SetInitDir(folder.Path() + "/");
+    EXPECT_EQ(Browse(browser,
+                     [&](FileDialogHand const &hand) {
+                         EXPECT_EQ(hand.Dialog().windowTitle(), "Load Action Library...");
+                         hand.ClickRow("b");
+                         EXPECT_EQ(hand.Shown(), (Paths{"a", "b"})) << "no files";
+                         test::Shot(hand.Dialog(), "select-directory");
+                         test::Click(&Ok(hand));
+                     }),
+              folder / "b");
+    EXPECT_EQ(browser.GetImage(), 0);
+    EXPECT_EQ(Browse(browser,
+                     [](FileDialogHand const &hand) {
+                         hand.DoubleClickRow("a");
+                         test::Click(&Ok(hand));
+                     }),
+              folder / "a")
+        << "the folder that is shown";
+    EXPECT_EQ(Browse(browser, [](FileDialogHand const &hand) { hand.TypeAndEnter("a/inner"); }), folder / "a/inner");
+    EXPECT_EQ(Browse(browser,
+                     [](FileDialogHand const &hand) {
+                         hand.Type("a/file.txt");
+                         EXPECT_FALSE(Ok(hand).isEnabled());
+                     }),
+              "");
+}
+
+TEST_F(SelectDirectory, OnlyAFolderThatHoldsAMatchCanBePicked) {
+    TempFolder const folder;
+    folder.Write("library/sub/one.DLX");
+    folder.Write("library/sub/other.txt");
+    CDlgSlctDir browser;
+    browser.SetInitDir(folder.Path());
+    browser.SetFilter("*.dlx");
+    EXPECT_EQ(Browse(browser,
+                     [&](FileDialogHand const &hand) {
+                         EXPECT_FALSE(Ok(hand).isEnabled());
+                         hand.TypeAndEnter("library");
+                         EXPECT_EQ(Shown(hand), folder / "library") << "not picked but entered";
+                         EXPECT_FALSE(Ok(hand).isEnabled());
+                         hand.ClickRow("sub");
+                         EXPECT_TRUE(Ok(hand).isEnabled());
+                         test::Click(&Ok(hand));
+                     }),
+              folder / "library/sub");
+}
+
+TEST_F(SelectDirectory, TheFolderIsRememberedUnderItsKey) {
+    TempFolder const folder;
+    folder.Folder("known");
+    folder.Folder("chosen");
+    DfltFldrs::Instance()->SaveDirHist("ActnLibDir", folder.Path());
+    CDlgSlctDir first;
+    first.SetKey("ActnLibDir");
+    EXPECT_EQ(Browse(first,
+                     [&](FileDialogHand const &hand) {
+                         EXPECT_EQ(Shown(hand), folder.Path()) << "from the history";
+                         hand.TypeAndEnter("known");
+                     }),
+              folder / "known");
+    EXPECT_EQ(Profile::GetString("Settings", "ActnLibDir", ""), folder / "known");
+    CDlgSlctDir second;
+    second.SetKey("ActnLibDir");
+    EXPECT_EQ(Browse(second, [&](FileDialogHand const &hand) { EXPECT_EQ(Shown(hand), folder / "known"); }), "");
+    EXPECT_EQ(second.GetInitDir(), folder / "known");
+    CDlgSlctDir third;
+    third.SetKey("ActnLibDir");
+    third.SetInitDir(folder / "chosen");
+    EXPECT_EQ(Browse(third, [&](FileDialogHand const &hand) { EXPECT_EQ(Shown(hand), folder / "chosen"); }), "");
+    EXPECT_EQ(Profile::GetString("Settings", "ActnLibDir", ""), folder / "known") << "nothing was chosen";
+    EXPECT_EQ(CDlgSlctDir::strPrtclDir, "Protocol Operation Folder");
+}
+
+TEST_F(SelectDirectory, ABrowserWithAStartFolderKeepsASecondOneAway) {
+    TempFolder const folder;
+    CDlgSlctDir browser;
+    browser.SetInitDir(folder.Path());
+    EXPECT_EQ(Browse(browser,
+                     [&](FileDialogHand const &) {
+                         CDlgSlctDir second;
+                         second.SetInitDir(folder.Path());
+                         EXPECT_EQ(second.DoBrowse(), 0);
+                     }),
+              "");
+    CDlgSlctDir without;
+    bool cameSecond = false;
+    Browse(without, [&](FileDialogHand const &) {
+        CDlgSlctDir second;
+        Browse(second, [&](FileDialogHand const &) { cameSecond = true; });
+    });
+    EXPECT_TRUE(cameSecond) << "one without a start folder does not";
+}
+
+TEST_F(SelectDirectory, NewFoldersAreMadeUnlessSwitchedOff) {
+    TempFolder const folder;
+    for (bool const enabled : {true, false}) {
+        CDlgSlctDir browser;
+        browser.SetInitDir(folder.Path());
+        browser.EnableNewFolder(enabled);
+        Browse(browser, [&](FileDialogHand const &hand) {
+            EXPECT_EQ(hand.Part<QWidget>("newFolderButton").isVisible(), enabled);
+        });
+    }
+}
+
+} // namespace
+} // namespace zelvar
