@@ -136,6 +136,43 @@ TEST_F(Container, OnlyFilesThatHoldSeveralThingsAreContainers) {
         EXPECT_EQ(IsContainer(at(c.name)), c.container) << c.name;
 }
 
+TEST_F(Container, GroupsAreContainersAndTreesOfTheirOwn) {
+    struct Case {
+        char const *file;
+        char const *driver;
+    };
+    for (Case const &c : {Case{"gr oups.nc", "netCDF"}, Case{"gr oups.h5", "HDF5"}}) {
+        SCOPED_TRACE(c.file);
+        DString const path = m_folder / c.file;
+        test::WriteGroups(path);
+        EXPECT_TRUE(IsContainer(path));
+        OpenTree const tree(path);
+        ASSERT_TRUE(tree);
+        EXPECT_EQ(tree.driver->GetId(), c.driver);
+        auto const only = [](std::vector<BDINode> const &nodes) { return nodes.size() == 1 ? nodes[0] : BDINode(); };
+        BDINode const outer = only(tree.Children(*tree.root, BDINode_Container));
+        EXPECT_EQ(outer.name, "outer");
+        EXPECT_EQ(tree.Children(*tree.root, BDINode_Raster).size(), 1U); // "top"
+        EXPECT_EQ(tree.Children(outer, BDINode_Raster).size(), 2U);
+        BDINode const inner = only(tree.Children(outer, BDINode_Container));
+        EXPECT_EQ(inner.name, "inner");
+        BDINode const deep = only(tree.Children(inner));
+        EXPECT_NE(deep.name.find("deep"), DString::npos);
+        EXPECT_GE(FirstSample(deep.path), 0); // what lies in a group opens by its own name
+
+        BDINode *const again = tree.driver->OpenNode(tree.repository, inner.path.c_str());
+        ASSERT_NE(again, nullptr);
+        EXPECT_EQ(again->name, "inner");
+        tree.driver->CloseNode(again);
+        OpenTree const alone(outer.path);
+        ASSERT_TRUE(alone);
+        EXPECT_EQ(alone.root->name, "outer");
+        EXPECT_EQ(alone.root->path, outer.path);
+        EXPECT_EQ(alone.Children(*alone.root).size(), 3U);
+        EXPECT_FALSE(OpenTree(path + "?GROUP=nowhere"));
+    }
+}
+
 TEST_F(Container, AnAnswerHoldsUntilTheFileChanges) {
     DString const path = m_folder / "grows.tif";
     test::WritePages(path, 1);

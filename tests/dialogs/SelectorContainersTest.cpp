@@ -121,6 +121,23 @@ TEST_F(SelectorContainers, AnArchiveShowsItsFoldersAndTheContainersInThem) {
     EXPECT_NE(chosen.find("picture"), std::string::npos) << chosen;
 }
 
+TEST_F(SelectorContainers, GroupsOfAFileAreItsContainers) {
+    DString const path = m_folder / "groups.h5";
+    test::WriteGroups(path);
+    std::string const chosen = RunSelector(DriverOf(path), path, BDINode_Raster, [](SelectorHands const &hands) {
+        hands.tree.Expand(hands.tree.GetRootItem(), TVE_EXPAND);
+        hands.tree.Expand(hands.tree.FindItem("outer"), TVE_EXPAND);
+        QApplication::processEvents();
+        EXPECT_EQ(hands.Tree(), "groups.h5[- 1] outer[- 1] inner[0]");
+        hands.tree.SelectItem(hands.tree.FindItem("outer"));
+        EXPECT_EQ(hands.list.GetNumRow(), 2);
+        test::Shot(hands.window, "selector-groups");
+        hands.ClickRow(0);
+        test::Click(&hands.ok);
+    });
+    EXPECT_NE(chosen.find("/outer/one"), std::string::npos) << chosen;
+}
+
 TEST_F(SelectorContainers, WhatIsDamagedOrVanishesStaysEmpty) {
     test::WritePages(m_folder / "pages.tif", 1);
     DString const broken = m_folder.Write("broken.gpkg", "SQLite format 3 that is none");

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <filesystem>
 #include <memory>
 #include <mutex>
 #include <numeric>
@@ -184,6 +185,34 @@ void WriteNetCdf(DString const &path, int variables) {
         GDALDimensionRelease(dimension);
     GDALGroupRelease(root);
     GDALClose(dataset);
+}
+
+void WriteGroups(DString const &path) {
+    // GDAL knows the format by the ending when it writes, and by the bytes when it reads.
+    DString const made = path + ".nc";
+    GDALDatasetH dataset = GDALCreateMultiDimensional(Driver("netCDF"), made.c_str(), nullptr, nullptr);
+    ASSERT_NE(dataset, nullptr);
+    GDALExtendedDataTypeH type = GDALExtendedDataTypeCreate(GDT_Float32);
+    auto const add = [type](GDALGroupH group, char const *name) {
+        std::array<GDALDimensionH, 2> dimensions{
+            GDALGroupCreateDimension(group, (DString("y") + name).c_str(), nullptr, nullptr, 20, nullptr),
+            GDALGroupCreateDimension(group, (DString("x") + name).c_str(), nullptr, nullptr, 10, nullptr)};
+        GDALMDArrayRelease(GDALGroupCreateMDArray(group, name, 2, dimensions.data(), type, nullptr));
+        for (GDALDimensionH dimension : dimensions)
+            GDALDimensionRelease(dimension);
+    };
+    GDALGroupH root = GDALDatasetGetRootGroup(dataset);
+    add(root, "top");
+    GDALGroupH outer = GDALGroupCreateGroup(root, "outer", nullptr);
+    add(outer, "one");
+    add(outer, "two");
+    GDALGroupH inner = GDALGroupCreateGroup(outer, "inner", nullptr);
+    add(inner, "deep");
+    for (GDALGroupH group : {inner, outer, root})
+        GDALGroupRelease(group);
+    GDALExtendedDataTypeRelease(type);
+    GDALClose(dataset);
+    std::filesystem::rename(made, path);
 }
 
 void WriteNetCdfVariable(DString const &path, std::vector<NetCdfDimension> const &dimensions,

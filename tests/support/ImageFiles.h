@@ -33,6 +33,9 @@ void WritePages(DString const &path, int pages);
 void WriteGeoPackage(DString const &path, int layers, int tables, int pictures);
 /// A netCDF file with that many variables "var1" ... of 20 * 10 samples.
 void WriteNetCdf(DString const &path, int variables);
+/// The same format with variables "top", "outer/one", "outer/two" and "outer/inner/deep", in groups of these names. It
+/// is an HDF5 file as well.
+void WriteGroups(DString const &path);
 /// A dimension of a netCDF variable.
 struct NetCdfDimension {
     char const *name = "";

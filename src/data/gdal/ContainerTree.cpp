@@ -32,11 +32,29 @@ DString ShownName(DString const &name, DString const &description) {
     return twice ? description.substr(0, half) : description;
 }
 
+/// The groups that a thing lies in by GDAL's name for it: "a/b" of `HDF5:"f.h5"://a/b/c`, and nothing where the format
+/// has none.
+DString GroupOf(Source const &source, std::string_view name) {
+    constexpr std::size_t deepest = 64;
+    DString const file = DString("\"").append(source.name).append("\":");
+    std::size_t const at = name.find(file);
+    if (at == std::string_view::npos || !name.substr(at + file.size()).starts_with('/'))
+        return {};
+    DString group;
+    std::vector<DString> const pieces = Split(name.substr(at + file.size()), '/');
+    for (std::size_t i = 0; i + 1 < pieces.size() && i < deepest; ++i)
+        if (!pieces[i].empty())
+            group += (group.empty() ? "" : "/") + pieces[i];
+    return group;
+}
+
 /// A node named by GDAL, unless the name leads out of the source: a file's content must not name a server.
 void AddSubdataset(Source const &source, DString const &name, DString const &description, Members &members) {
     if (name.empty() || (source.reach == Reach::Local && BDIMoniker(name, nullptr).IsUrl()))
         return;
     members.nodes.push_back(MakeNode(BDINode_Raster, NodePath(source.text, name), ShownName(name, description)));
+    members.groups.resize(members.nodes.size());
+    members.groups.back() = GroupOf(source, name);
 }
 
 /// A piece of the list "SUBDATASET_<number>_NAME=<value>", "SUBDATASET_<number>_DESC=<value>".
@@ -126,15 +144,58 @@ std::optional<Members> ListMembers(Source const &source, Format const *only) {
     members.hasPicture = GDALGetRasterCount(Raw(opened.dataset)) > 0;
     AddSubdatasets(Raw(opened.dataset), source, members);
     AddLayers(Raw(opened.dataset), source, members);
+    members.groups.resize(members.nodes.size());
     return members;
 }
 
-ContainerTree::ContainerTree(Source const &source, Members members) : m_nodes(std::move(members.nodes)) {
-    std::uint32_t const type = (m_nodes.empty() ? 0U : BDINode_Container) | (members.hasPicture ? BDINode_Raster : 0U);
+ContainerTree::ContainerTree(Source const &source, Members members) : m_source(source.text) {
+    std::uint32_t const type =
+        (members.nodes.empty() ? 0U : BDINode_Container) | (members.hasPicture ? BDINode_Raster : 0U);
     m_root = MakeNode(type == 0 ? BDINode_Container : type, source.text, RootName(source));
-    m_byPath.reserve(m_nodes.size());
-    for (std::size_t i = 0; i < m_nodes.size(); ++i)
-        m_byPath.emplace(m_nodes[i].path, i);
+    m_byPath.reserve(members.nodes.size());
+    for (std::size_t i = 0; i < members.nodes.size(); ++i) {
+        DString const parent = AddGroup(members.groups[i]);
+        Add(parent, std::move(members.nodes[i]));
+    }
+    if (source.group.empty())
+        return;
+    // The tree of a group alone.
+    auto const group = m_byPath.find(GroupPath(source.group));
+    m_holdsGroup = group != m_byPath.end();
+    if (m_holdsGroup)
+        m_root = m_nodes[group->second];
+}
+
+std::unique_ptr<Tree> ContainerTree::Make(Source const &source, Members members) {
+    std::unique_ptr<ContainerTree> tree(new ContainerTree(source, std::move(members)));
+    return tree->m_holdsGroup ? std::move(tree) : nullptr;
+}
+
+DString ContainerTree::GroupPath(DString const &group) const {
+    return group.empty() ? m_source : WithOption(m_source, kGroupOption, PercentEncoded(group));
+}
+
+DString ContainerTree::AddGroup(DString const &group) {
+    DString const path = GroupPath(group);
+    if (group.empty() || m_byPath.contains(path))
+        return path;
+    // From the outermost one on.
+    DString parent = GroupPath({});
+    for (std::size_t begin = 0; begin < group.size();) {
+        std::size_t const end = std::min(group.find('/', begin), group.size());
+        DString const inner = GroupPath(group.substr(0, end));
+        if (!m_byPath.contains(inner))
+            Add(parent, MakeNode(BDINode_Container, inner, group.substr(begin, end - begin)));
+        parent = inner;
+        begin = end + 1;
+    }
+    return path;
+}
+
+void ContainerTree::Add(DString const &parent, BDINode node) {
+    m_byPath.emplace(node.path, m_nodes.size());
+    m_children[parent].push_back(m_nodes.size());
+    m_nodes.push_back(std::move(node));
 }
 
 std::optional<BDINode> ContainerTree::Find(DString const &path) const {
@@ -143,7 +204,11 @@ std::optional<BDINode> ContainerTree::Find(DString const &path) const {
 }
 
 std::vector<BDINode> ContainerTree::Children(BDINode const &parent) const {
-    return parent.path == m_root.path ? m_nodes : std::vector<BDINode>();
+    std::vector<BDINode> children;
+    auto const at = m_children.find(parent.path);
+    for (std::size_t i = 0; at != m_children.end() && i < at->second.size(); ++i)
+        children.push_back(m_nodes[at->second[i]]);
+    return children;
 }
 
 bool ContainerDriver::HoldsMultipleImages() const { return IsContainerFormat(m_format); }
@@ -153,7 +218,7 @@ bool ContainerDriver::CanReadPath(DString const &path) const { return HoldsSever
 std::unique_ptr<Tree> ContainerDriver::OpenTree(DString const &url, DString const &) const {
     auto const source = Resolve({url, nullptr}, nullptr);
     std::optional<Members> members = source ? ListMembers(*source, &m_format) : std::nullopt;
-    return members ? std::make_unique<ContainerTree>(*source, std::move(*members)) : nullptr;
+    return members ? ContainerTree::Make(*source, std::move(*members)) : nullptr;
 }
 
 void *ContainerDriver::OpenRepositoryInFamily(char const *url, BDIDrvr **opener, BDINode **root, char const *) {
@@ -163,7 +228,7 @@ void *ContainerDriver::OpenRepositoryInFamily(char const *url, BDIDrvr **opener,
         return nullptr;
     BDIDrvr *const named = BDIDrvrMngr::Instance()->GetDrvr(members->format->id.c_str());
     *opener = named != nullptr && named->GetFamily() == GetFamily() ? named : this;
-    return Hand(std::make_unique<ContainerTree>(*source, std::move(*members)), url, root);
+    return Hand(ContainerTree::Make(*source, std::move(*members)), url, root);
 }
 
 } // namespace zelvar::gdal

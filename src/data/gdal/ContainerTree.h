@@ -11,6 +11,7 @@ namespace zelvar::gdal {
 struct Members {
     bool hasPicture = false; ///< the source itself opens as an image
     std::vector<BDINode> nodes;
+    std::vector<DString> groups;    ///< that each node lies in: "outer/inner", empty at the top
     Format const *format = nullptr; ///< that read it
 };
 /// Nothing if no allowed format, or not `only`, reads the source.
@@ -32,18 +33,28 @@ private:
     std::unordered_map<DString, BDINode> m_found;
 };
 
-/// The tree of a file with members. It is read once, when the tree opens.
+/// The tree of a file with members, or of one group inside it. It is read once, when the tree opens. Groups are
+/// containers; they come from the names of what lies in them.
 class ContainerTree : public Tree {
 public:
-    ContainerTree(Source const &source, Members members);
+    /// Null if the group that the source names is not there.
+    [[nodiscard]] static std::unique_ptr<Tree> Make(Source const &source, Members members);
     [[nodiscard]] BDINode Root() const override { return m_root; }
     [[nodiscard]] std::optional<BDINode> Find(DString const &path) const override;
     [[nodiscard]] std::vector<BDINode> Children(BDINode const &parent) const override;
 
 private:
+    ContainerTree(Source const &source, Members members);
+    void Add(DString const &parent, BDINode node);
+    DString AddGroup(DString const &group); ///< its path
+    [[nodiscard]] DString GroupPath(DString const &group) const;
+
+    DString m_source; ///< the text of the whole file's moniker
     BDINode m_root;
     std::vector<BDINode> m_nodes;
     std::unordered_map<DString, std::size_t> m_byPath;
+    std::unordered_map<DString, std::vector<std::size_t>> m_children; ///< by the parent's path
+    bool m_holdsGroup = true;                                         ///< the one that the source names
 };
 
 /// Tree driver over one of GDAL's formats. All of them are one family.

@@ -66,9 +66,10 @@ bool UsesForeignFileSystem(std::string_view name) {
 bool IsAnyFormatsOption(std::string_view name) {
     std::vector<Format> const &formats = Formats::Instance().All();
     DString const key(name);
-    return name == "OVERVIEW_LEVEL" || name == kLayerOption || name == kNodeOption || name == kRasterOption ||
-           std::any_of(formats.begin(), formats.end(),
-                       [&](Format const &format) { return format.openOptions.contains(key); });
+    return name == "OVERVIEW_LEVEL" || name == kLayerOption || name == kNodeOption || name == kGroupOption ||
+           name == kRasterOption || std::any_of(formats.begin(), formats.end(), [&](Format const &format) {
+               return format.openOptions.contains(key);
+           });
 }
 
 /// Takes the address's own query, such as a signature, from a moniker's options: "?..." in the order of the moniker, or
@@ -185,6 +186,8 @@ std::optional<Source> Resolve(BDIMoniker const &moniker, DError *error) {
             source.layer = PercentDecoded(value);
         else if (name == kNodeOption)
             source.name = PercentDecoded(value);
+        else if (name == kGroupOption)
+            source.group = PercentDecoded(value);
         else if (name != kRasterOption)
             source.options.emplace_back(name, value);
     }

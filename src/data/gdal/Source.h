@@ -13,13 +13,15 @@ namespace zelvar::gdal {
 ///
 /// Monikers of things that GDAL has no name for are "<source>?LAYER=<name>" (one layer of vectors or a table) and
 /// "<source>?RASTER=1" (the picture of a source that holds layers as well); a thing whose name would not come through
-/// as the text of a moniker is "<source>?NODE=<GDAL's name>".
+/// as the text of a moniker is "<source>?NODE=<GDAL's name>". A group of a file's members, which is a container without
+/// a name of its own, is "<source>?GROUP=<outer/inner>".
 ///
 /// An address on the web may have a query of its own, such as a signature: "https://host/a.tif?sig=1&LAYER=b". What
 /// stands there behind "?" and is no option of any format, in capital letters, belongs to the address.
 inline constexpr char const *kLayerOption = "LAYER";
 inline constexpr char const *kRasterOption = "RASTER";
 inline constexpr char const *kNodeOption = "NODE";
+inline constexpr char const *kGroupOption = "GROUP";
 
 /// What a moniker asks to open, in GDAL's terms.
 struct Source {
@@ -28,6 +30,7 @@ struct Source {
     DString diskPath; ///< the file that it lies in; empty on the network
     Reach reach = Reach::Local;
     DString layer; ///< the one layer meant; empty for all
+    DString group; ///< the one group of members meant; empty for the whole
     std::vector<std::pair<DString, DString>> options;
 };
 
