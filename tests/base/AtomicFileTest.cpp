@@ -1,0 +1,55 @@
+#include "zelvar/base/AtomicFile.h"
+
+#include "support/TestFiles.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+namespace zelvar {
+namespace {
+
+std::size_t FilesIn(test::TempFolder const &folder) {
+    return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(folder.Path()), {}));
+}
+
+TEST(AtomicFile, PiecesOfAnySizeComeInTheirOrder) {
+    test::TempFolder const folder;
+    DString const path = folder.Write("a", "former");
+    AtomicFile file(path);
+    DString expected;
+    for (std::size_t const size : {1U, 300'000U, 0U, 200'000U, 100'000U, 262'144U, 7U}) {
+        DString const piece(size, static_cast<char>('a' + expected.size() % 26));
+        file.Write(piece);
+        expected += piece;
+    }
+    EXPECT_TRUE(file.Flush());
+    EXPECT_EQ(test::ReadFile(path), "former");
+    EXPECT_TRUE(file.Commit());
+    EXPECT_EQ(test::ReadFile(path), expected);
+    EXPECT_FALSE(file.Commit());
+    EXPECT_EQ(test::ReadFile(path), expected);
+    EXPECT_EQ(FilesIn(folder), 1U);
+}
+
+TEST(AtomicFile, OneThatIsAbandonedLeavesNoTrace) {
+    test::TempFolder const folder;
+    {
+        AtomicFile file(folder / "a");
+        file.Write("x");
+        EXPECT_TRUE(file.Flush());
+        EXPECT_EQ(FilesIn(folder), 1U);
+        AtomicFile const other(folder / "b");
+    }
+    EXPECT_EQ(FilesIn(folder), 0U);
+    for (DString const &nowhere : {folder / "no/a", folder.Path(), DString()}) {
+        AtomicFile file(nowhere);
+        file.Write("x");
+        EXPECT_FALSE(file.IsGood());
+        EXPECT_FALSE(file.Flush());
+        EXPECT_FALSE(file.Commit());
+    }
+}
+
+} // namespace
+} // namespace zelvar
