@@ -30,6 +30,7 @@ public:
     }
     bool SetRow(std::int64_t row) {
         m_row = -1;
+        m_hasFailed = false;
         if (!IsOpen() || row < 0)
             return false;
         if (!IsHere(row) && !Fetch(row))
@@ -37,6 +38,7 @@ public:
         m_row = row;
         return true;
     }
+    [[nodiscard]] bool HasFailed() const { return m_hasFailed; }
     [[nodiscard]] DString Text(std::size_t column) const {
         if (m_row < 0)
             return {};
@@ -57,13 +59,17 @@ private:
             return false;
         m_batch = m_rows.count > 0 && row == behind ? std::min(m_batch * 2, kMostRows) : kFirstBatch;
         m_rows = {};
-        return m_driver->ReadRows(m_handle, row, m_batch, m_rows) && IsHere(row);
+        m_hasFailed = !m_driver->ReadRows(m_handle, row, m_batch, m_rows);
+        if (m_hasFailed)
+            m_rows = {}; // of a batch that was given up nothing counts
+        return IsHere(row);
     }
 
     ADIDriver *m_driver = nullptr; ///< the manager's
     void *m_handle = nullptr;
     ADIRows m_rows;
     int m_batch = kFirstBatch;
+    bool m_hasFailed = false;
     std::int64_t m_row = -1; ///< the current one
 };
 
@@ -190,6 +196,8 @@ ADIColType ADIFile::GetColType(int col) const {
 }
 
 bool ADIFile::SetRow(int row) { return m_reading != nullptr && m_reading->SetRow(row); }
+
+bool ADIFile::HasFailed() const { return m_reading != nullptr && m_reading->HasFailed(); }
 
 DString ADIFile::GetText(int col) const {
     bool const isThere = m_reading != nullptr && ColumnAt(m_reading->Columns(), col) != nullptr;

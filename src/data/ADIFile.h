@@ -17,7 +17,8 @@ enum tdFormatAccessType {
 /// Attribute data interface file: a table in a file, a database, or behind an address.
 ///
 /// Reading: what any driver of `ADIDriverMngr` reads, in batches as rows are asked for. Who asks may bound it by a
-/// `RequestScope`; a batch that is stopped or comes late ends the table.
+/// `RequestScope`; a batch that is stopped or comes late gives no row, and
+/// `HasFailed` says so.
 ///
 /// Writing: "CSV", also for an empty format and "TXT" (RFC 4180, UTF-8, with a line of names); "TCSV", the same with a
 /// line for each column; "DBF" (dBASE III with a ".cpg" beside it that says UTF-8). A table takes its place when it is
@@ -43,6 +44,7 @@ public:
     [[nodiscard]] DString GetColName(int col) const override;
     [[nodiscard]] ADIColType GetColType(int col) const override;
     [[nodiscard]] bool SetRow(int row) override;
+    [[nodiscard]] bool HasFailed() const override;
     [[nodiscard]] DString GetText(int col) const override;
 
     void InitTable(int rows, int cols) override;

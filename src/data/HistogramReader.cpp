@@ -174,6 +174,8 @@ bool ReadHistogram(IAttrData &table, int col, int numSlots, StopSignal const *st
         if (std::optional<double> const value = NumberOf(table.GetText(col)))
             values.push_back(*value);
     }
+    if (table.HasFailed())
+        return false;
     histogram = DHstg::FromSamples<double>(values, numSlots);
     return true;
 }

@@ -25,6 +25,9 @@ public:
     /// cost what lies between; a step back may cost all that lies before. How many rows there are is known at the end
     /// only.
     [[nodiscard]] virtual bool SetRow(int row) = 0;
+    /// Whether the last step found no row because the table could not be read on (a stop, a budget, a reader that was
+    /// lost), which is not its end.
+    [[nodiscard]] virtual bool HasFailed() const { return false; }
     /// The text of a cell of the current row, valid UTF-8; empty for a cell without a value and one that is not there.
     [[nodiscard]] virtual DString GetText(int col) const = 0;
 

@@ -187,6 +187,8 @@ TEST_F(HardTables, ARequestThatIsStoppedYieldsNoRowAndTheNextOneGoesOn) {
         RequestScope const stopped(RequestKind::Properties, [] { return true; });
         EXPECT_TRUE(table.SetRow(11)); // is here already
         EXPECT_FALSE(table.SetRow(19'999));
+        EXPECT_TRUE(table.HasFailed());
+        EXPECT_FALSE(table.SetRow(12)); // of what was given up nothing is left
         EXPECT_FALSE(Open(path).IsOpen());
     }
     {
@@ -195,6 +197,8 @@ TEST_F(HardTables, ARequestThatIsStoppedYieldsNoRowAndTheNextOneGoesOn) {
     }
     ASSERT_TRUE(table.SetRow(19'999));
     EXPECT_EQ(table.GetText(0), "19999");
+    EXPECT_FALSE(table.SetRow(20'000));
+    EXPECT_FALSE(table.HasFailed());
 }
 
 TEST_F(HardTables, AReaderThatIsLostIsReplacedAtTheRow) {
