@@ -68,6 +68,7 @@ PlatformFileDialog::PlatformFileDialog(Setup const &setup, std::unique_ptr<Folde
         LockFolder();
     if (m_setup.picksFolder)
         ShowFoldersAlone();
+    m_okText = m_ok->text();
     FillFolderBox();
     m_changed = ChangeTime(Folder());
 
@@ -261,6 +262,8 @@ void PlatformFileDialog::OnSelectionChanged() {
 
 void PlatformFileDialog::UpdateButtons() {
     bool const hasAnswer = !m_name->text().trimmed().isEmpty() || m_views.front()->selectionModel()->hasSelection();
+    // The toolkit says "Open" while a folder is selected.
+    m_ok->setText(m_okText);
     m_ok->setEnabled(m_setup.picksFolder ? CanPick(PickedFolder()) : hasAnswer);
     findChild<QWidget *>(QStringLiteral("backButton"))->setEnabled(!m_back.empty());
     findChild<QWidget *>(QStringLiteral("forwardButton"))->setEnabled(!m_forward.empty());

@@ -118,6 +118,7 @@ private:
     QLineEdit *m_name;
     QComboBox *m_types;
     QPushButton *m_ok;
+    QString m_okText;
     CZelComboBox *m_folderBox = nullptr;
     std::vector<QAbstractItemView *> m_views;
     std::vector<DString> m_back;            ///< folders left, the last one behind

@@ -43,10 +43,13 @@ bool PlatformFileDialog::CanPick(DString const &folder) const {
 void PlatformFileDialog::accept() {
     if (m_setup.picksFolder)
         return AcceptFolder();
-    bool const isOfRows = m_selectionText && *m_selectionText == m_name->text();
+    bool const isEmpty = m_name->text().isEmpty();
+    bool const isOfRows = isEmpty || (m_selectionText && *m_selectionText == m_name->text());
     // A long selection does not fit into the field.
-    std::vector<DString> paths = isOfRows ? SelectedPaths(m_name->text().isEmpty()) : std::vector<DString>();
-    bool const areListed = !paths.empty() && m_setup.opens && !m_name->text().isEmpty();
+    std::vector<DString> paths = isOfRows ? SelectedPaths(false) : std::vector<DString>();
+    bool const areListed = !paths.empty() && m_setup.opens;
+    if (paths.empty() && isEmpty)
+        paths = SelectedPaths(true);
     if (paths.empty())
         paths = TypedPaths();
     if (paths.empty())

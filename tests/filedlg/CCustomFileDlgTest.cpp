@@ -185,6 +185,16 @@ TEST(CustomFileDialog, SeveralFilesArePicked) {
     });
     EXPECT_EQ(std::set(picked.begin(), picked.end()), std::set(all.begin(), all.end()))
         << "quotes in a name do no harm";
+    EXPECT_EQ(RunWith(dialog,
+                      [](FileDialogHand const &hand) {
+                          EXPECT_TRUE(test::Eventually([&] { return hand.Shown().size() == 3; }));
+                          hand.Name().setFocus();
+                          hand.List().selectAll();
+                          EXPECT_EQ(hand.Name().text(), "") << "the toolkit does not write where the user does";
+                          hand.PressOk();
+                      })
+                  .size(),
+              3U);
     EXPECT_EQ(RunWith(dialog, [](FileDialogHand const &hand) { hand.TypeAndEnter(R"("c.tif" "a.tif")"); }),
               (Paths{folder / "c.tif", folder / "a.tif"}));
     EXPECT_EQ(RunWith(dialog, [](FileDialogHand const &hand) { hand.TypeAndEnter(R"(b "x".tif)"); }),

@@ -48,6 +48,7 @@ TEST_F(SelectDirectory, AFolderIsPickedFromTheListOrByItsName) {
                          EXPECT_EQ(hand.Dialog().windowTitle(), "Load Action Library...");
                          hand.ClickRow("b");
                          EXPECT_EQ(hand.Shown(), (Paths{"a", "b"})) << "no files";
+                         EXPECT_EQ(Ok(hand).text(), "Choose");
                          test::Shot(hand.Dialog(), "select-directory");
                          test::Click(&Ok(hand));
                      }),
