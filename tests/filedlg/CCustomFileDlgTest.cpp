@@ -189,6 +189,7 @@ TEST(CustomFileDialog, SeveralFilesArePicked) {
                       [](FileDialogHand const &hand) {
                           EXPECT_TRUE(test::Eventually([&] { return hand.Shown().size() == 3; }));
                           hand.Name().setFocus();
+                          EXPECT_TRUE(test::Eventually([&] { return hand.Name().hasFocus(); }));
                           hand.List().selectAll();
                           EXPECT_EQ(hand.Name().text(), "") << "the toolkit does not write where the user does";
                           hand.PressOk();
