@@ -112,7 +112,9 @@ void PlatformFileDialog::MakeFolderBox() {
     m_folderBox = new CZelComboBox(this);
     m_folderBox->setObjectName(QStringLiteral("folderBox"));
     m_folderBox->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-    findChild<QLayout *>(QStringLiteral("hboxLayout"))->replaceWidget(former, m_folderBox);
+    // What held the former one in the layout comes back to us.
+    std::unique_ptr<QLayoutItem> const item(
+        findChild<QLayout *>(QStringLiteral("hboxLayout"))->replaceWidget(former, m_folderBox));
     former->hide();
     auto *const label = findChild<QLabel *>(QStringLiteral("lookInLabel"));
     label->setBuddy(m_folderBox);

@@ -58,7 +58,7 @@ DString ConcreteExtension(std::string_view masks) {
 }
 
 DString DefaultExtension(std::string_view masks, std::string_view given) {
-    DString const chosen = ConcreteExtension(masks);
+    DString chosen = ConcreteExtension(masks);
     if (!chosen.empty())
         return chosen;
     if (given.find('*') != std::string_view::npos)
