@@ -189,7 +189,7 @@ bool CBDISelectorDlg::OnInitDialog() {
         StoppableRequest const request;
         Nodes(*this).WithNode(m_path, [this](BDINode const &root) { AskForChildren(AddTreeItem(nullptr, root)); });
     }
-    if (HTREEITEM const first = m_tree->GetRootItem()) {
+    if (TreeNode *const first = m_tree->GetRootItem()) {
         m_tree->SelectItem(first);
         if (m_list->GetNumRow() > 0 && m_list->GetNumSlct() == 0)
             m_list->SetSlct(0, true);
@@ -202,7 +202,7 @@ bool CBDISelectorDlg::OnInitDialog() {
 }
 
 HTREEITEM CBDISelectorDlg::AddTreeItem(HTREEITEM parent, BDINode const &node) {
-    HTREEITEM const item = m_tree->AddItem(node.name, 0, parent, TVI_LAST);
+    TreeNode *const item = m_tree->AddItem(node.name, 0, parent, TVI_LAST);
     m_tree->SetItemImage(item, ImageOf(node), ImageOf(node));
     m_treePaths[item] = node.path;
     // Others have no containers in them, whoever made them.
@@ -266,7 +266,7 @@ bool CBDISelectorDlg::FillItem(HTREEITEM item) {
 }
 
 void CBDISelectorDlg::OnTreeSelChanged() {
-    HTREEITEM const item = m_tree->GetSelectedItem();
+    TreeNode *const item = m_tree->GetSelectedItem();
     m_btnOK->setEnabled(item != nullptr);
     m_list->RmvAllRow();
     m_listPaths.clear();
@@ -310,7 +310,7 @@ void CBDISelectorDlg::OnOK() {
 
 void CBDISelectorDlg::OnTreeDblClk(Point point, long long *result) {
     unsigned flags = 0;
-    HTREEITEM const item = m_tree->HitTest(point, &flags);
+    TreeNode *const item = m_tree->HitTest(point, &flags);
     if (item == nullptr || (flags & TVHT_ONITEM) == 0)
         return;
     m_tree->SelectItem(item);

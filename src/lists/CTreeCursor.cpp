@@ -66,7 +66,7 @@ std::unique_ptr<platform::DragImage> CTreeCursor::CreateDragImage() const {
 }
 
 bool CTreeCursor::Delete() {
-    HTREEITEM const item = std::exchange(m_item, nullptr);
+    TreeNode *const item = std::exchange(m_item, nullptr);
     return item != nullptr && m_tree->DeleteItem(item);
 }
 

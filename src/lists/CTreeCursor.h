@@ -14,6 +14,8 @@ public:
     CTreeCursor(HTREEITEM item, CZelTreeCtrlEx *tree) : m_item(item), m_tree(tree) {}
     operator HTREEITEM() const { return m_item; } // NOLINT(google-explicit-constructor): it stands for the handle
 
+    // They change the tree, not the cursor: what they yield may be left.
+    // NOLINTBEGIN(modernize-use-nodiscard)
     [[nodiscard]] CZelTreeCtrlEx *GetTree() const { return m_tree; }
     [[nodiscard]] DString GetText() const;
     bool SetText(DString const &text) const;
@@ -54,6 +56,7 @@ public:
     CTreeCursor InsertAfter(DString const &text, HTREEITEM after, int image = -1) const; ///< behind one of its children
     CTreeCursor AddHead(DString const &text, int image = -1) const;
     CTreeCursor AddTail(DString const &text, int image = -1) const;
+    // NOLINTEND(modernize-use-nodiscard)
 
 private:
     // NOLINTNEXTLINE(bugprone-reserved-identifier,readability-identifier-naming): the given name

@@ -220,7 +220,7 @@ void CZelTreeCtrl::OnLButtonUp(unsigned flags, Point point) {
 
 void CZelTreeCtrl::OnRButtonDown(unsigned flags, Point point) {
     QPointer<CZelTreeCtrl> const self(this);
-    if (HTREEITEM const item = HitTest(point); item != nullptr && m_enableRghtSlct)
+    if (TreeNode *const item = HitTest(point); item != nullptr && m_enableRghtSlct)
         SelectItem(item);
     if (self.isNull())
         return;
@@ -250,7 +250,7 @@ void CZelTreeCtrl::OnMouseMove(unsigned flags, Point point) {
 }
 
 void CZelTreeCtrl::InitDrag(NMTREEVIEW *info, int mode) {
-    HTREEITEM const item = info->itemNew.hItem;
+    TreeNode *const item = info->itemNew.hItem;
     bool const buttonDown = (MouseFlags() & (MK_LBUTTON | MK_RBUTTON)) != 0;
     if (IsInDragMode() || !buttonDown || item == nullptr || !IsDragItem(item))
         return;
@@ -272,7 +272,7 @@ void CZelTreeCtrl::InitDrag(NMTREEVIEW *info, int mode) {
 void CZelTreeCtrl::DragTo(Point point) {
     if (m_dragImage != nullptr)
         m_dragImage->DragMove(point);
-    HTREEITEM const hit = HitTest(point);
+    TreeNode *const hit = HitTest(point);
     if (m_dragImage != nullptr)
         m_dragImage->DragLeave();
     bool const takes = IsDragTrgt(m_dragItem, hit);
@@ -286,11 +286,11 @@ void CZelTreeCtrl::DragTo(Point point) {
 
 void CZelTreeCtrl::ScrollForDrag(Point point) {
     QScrollBar const &bar = *verticalScrollBar();
-    HTREEITEM const top = GetFirstVisibleItem();
+    TreeNode *const top = GetFirstVisibleItem();
     if (point.y >= viewport()->height() && bar.value() < bar.maximum())
         SelectSetFirstVisible(GetNextVisibleItem(top));
     else if (point.y < 0 && bar.value() > bar.minimum()) {
-        HTREEITEM const before = GetPrevSiblingItem(top);
+        TreeNode *const before = GetPrevSiblingItem(top);
         SelectSetFirstVisible(before != nullptr ? before : GetParentItem(top));
     }
 }
@@ -308,7 +308,7 @@ void CZelTreeCtrl::ReleaseDrag() {
 void CZelTreeCtrl::EndDrag(HTREEITEM target) {
     if (!m_held)
         return;
-    HTREEITEM const item = m_dragItem;
+    TreeNode *const item = m_dragItem;
     ReleaseDrag();
     QPointer<CZelTreeCtrl> const self(this);
     if (IsDragTrgt(item, target))

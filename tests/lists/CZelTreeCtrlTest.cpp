@@ -262,7 +262,7 @@ TEST_F(CZelTreeCtrlTest, TheEndOfADragMayDeleteTheDraggedItem) {
 TEST(CZelTreeCtrl, ATreeMayDieInADrag) {
     auto tree = std::make_unique<TellingTree>();
     TreeStage stage(*tree);
-    HTREEITEM const a = tree->AddItem("a", 1, TVI_ROOT, TVI_LAST);
+    TreeNode *const a = tree->AddItem("a", 1, TVI_ROOT, TVI_LAST);
     tree->EnableLeftDrag(true);
     stage.Press(stage.On(a));
     stage.Move(stage.On(a) + QPoint(0, 40), Qt::LeftButton);
@@ -275,7 +275,7 @@ TEST(CZelTreeCtrl, ATreeMayDieInADrag) {
 TEST(CZelTreeCtrl, ADragBeyondTheEdgesScrolls) {
     TellingTree tree;
     TreeStage stage(tree);
-    HTREEITEM const parent = tree.AddItem("parent", 0, TVI_ROOT, TVI_LAST);
+    TreeNode *const parent = tree.AddItem("parent", 0, TVI_ROOT, TVI_LAST);
     for (std::uint64_t i = 1; i < 60; ++i)
         tree.AddItem("item", i, parent, TVI_LAST);
     tree.Expand(parent, TVE_EXPAND);
@@ -296,7 +296,7 @@ TEST(CZelTreeCtrl, ADragBeyondTheEdgesScrolls) {
         EXPECT_EQ(tree.GetItemData(tree.GetFirstVisibleItem()), left);
     }
     tree.verticalScrollBar()->setValue(tree.verticalScrollBar()->maximum());
-    HTREEITEM const last = tree.GetFirstVisibleItem();
+    TreeNode *const last = tree.GetFirstVisibleItem();
     stage.Move(QPoint(20, height), Qt::LeftButton);
     EXPECT_EQ(tree.GetFirstVisibleItem(), last);
 }
@@ -371,7 +371,7 @@ TEST(CZelTreeCtrl, AnEditGivesTheHorizontalScrollPositionBack) {
     TellingTree tree;
     TreeStage const stage(tree, 120, 100);
     tree.EnableEdit(true);
-    HTREEITEM const item =
+    TreeNode *const item =
         tree.AddItem("a label that is much wider than the window it stands in", 0, TVI_ROOT, TVI_LAST);
     ASSERT_TRUE(test::Eventually([&] { return tree.horizontalScrollBar()->maximum() > 100; }));
     tree.MoveScroll(SB_HORZ, 60);
@@ -407,7 +407,7 @@ TEST_F(CZelTreeCtrlTest, ImagesAreDrawnIntoTheOwnedList) {
     EXPECT_EQ(image, -1);
 
     tree.InitImages();
-    HTREEITEM const d = tree.AddItem("d", 4, TVI_ROOT, TVI_LAST);
+    TreeNode *const d = tree.AddItem("d", 4, TVI_ROOT, TVI_LAST);
     tree.GetItemImage(d, image, selected);
     EXPECT_EQ(image, 0); // the default image
     tree.DrawCircleSmall(a1, Rgb(255, 0, 0), 0);

@@ -176,7 +176,7 @@ DString ContainerTree::GroupPath(DString const &group) const {
 }
 
 DString ContainerTree::AddGroup(DString const &group) {
-    DString const path = GroupPath(group);
+    DString path = GroupPath(group);
     if (group.empty() || m_byPath.contains(path))
         return path;
     // From the outermost one on.

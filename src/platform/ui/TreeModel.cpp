@@ -11,10 +11,10 @@ TreeNode lastPosition;
 TreeNode sortPosition;
 } // namespace
 
-HTREEITEM const TVI_ROOT = &rootPosition;
-HTREEITEM const TVI_FIRST = &firstPosition;
-HTREEITEM const TVI_LAST = &lastPosition;
-HTREEITEM const TVI_SORT = &sortPosition;
+TreeNode *const TVI_ROOT = &rootPosition;
+TreeNode *const TVI_FIRST = &firstPosition;
+TreeNode *const TVI_LAST = &lastPosition;
+TreeNode *const TVI_SORT = &sortPosition;
 
 } // namespace zelvar
 

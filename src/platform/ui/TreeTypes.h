@@ -12,10 +12,10 @@ namespace zelvar {
 using HTREEITEM = TreeNode *;
 
 // In the place of a parent or of the item to insert behind; never handles of items.
-extern ZELVAR_API HTREEITEM const TVI_ROOT;  ///< as parent: top level; null says the same
-extern ZELVAR_API HTREEITEM const TVI_FIRST; ///< before all siblings
-extern ZELVAR_API HTREEITEM const TVI_LAST;  ///< behind all siblings; null and an item that is no sibling say the same
-extern ZELVAR_API HTREEITEM const TVI_SORT;  ///< where its text belongs among sorted siblings
+extern ZELVAR_API TreeNode *const TVI_ROOT;  ///< as parent: top level; null says the same
+extern ZELVAR_API TreeNode *const TVI_FIRST; ///< before all siblings
+extern ZELVAR_API TreeNode *const TVI_LAST;  ///< behind all siblings; null and an item that is no sibling say the same
+extern ZELVAR_API TreeNode *const TVI_SORT;  ///< where its text belongs among sorted siblings
 
 /// Styles of a tree view.
 enum : unsigned {

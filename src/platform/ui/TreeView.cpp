@@ -41,7 +41,7 @@ TreeNode *TreeView::ParentFor(HTREEITEM parent) const {
     return parent == nullptr || parent == TVI_ROOT ? m_model->Nodes().Root() : parent;
 }
 
-TreeNode *TreeView::SiblingFor(TreeNode &parent, HTREEITEM after, std::string_view text) const {
+TreeNode *TreeView::SiblingFor(TreeNode &parent, HTREEITEM after, std::string_view text) {
     if (after == TVI_FIRST)
         return nullptr;
     if (after == TVI_SORT) {
@@ -57,7 +57,7 @@ TreeNode *TreeView::SiblingFor(TreeNode &parent, HTREEITEM after, std::string_vi
 
 HTREEITEM TreeView::Insert(HTREEITEM parent, HTREEITEM after, TVITEM const &item, std::string_view text) {
     TreeNode &above = *ParentFor(parent);
-    HTREEITEM const inserted = m_model->Insert(above, SiblingFor(above, after, text), item, text);
+    TreeNode *const inserted = m_model->Insert(above, SiblingFor(above, after, text), item, text);
     if ((item.mask & TVIF_STATE) != 0)
         SetItemState(inserted, item.state, item.stateMask);
     return inserted;
@@ -157,6 +157,9 @@ void TreeView::Refresh(TreeNode const *item) {
         m_model->Changed(*item);
 }
 
+// Operations of the tree, though some look at the item alone.
+// NOLINTBEGIN(readability-convert-member-functions-to-static)
+
 DString TreeView::GetItemText(HTREEITEM item) const { return item == nullptr ? DString() : item->text; }
 
 bool TreeView::SetItemText(HTREEITEM item, DString const &text) {
@@ -233,6 +236,8 @@ bool TreeView::ItemHasChildren(HTREEITEM item) const {
     return item != nullptr && (item->markedAsParent || item->FirstChild() != nullptr);
 }
 
+// NOLINTEND(readability-convert-member-functions-to-static)
+
 void TreeView::SetExpanded(TreeNode &item, bool expanded) {
     item.state = (item.state & ~TVIS_EXPANDED) | (expanded ? TVIS_EXPANDED | TVIS_EXPANDEDONCE : 0U);
     QTreeView::setExpanded(m_model->IndexOf(&item), expanded);
@@ -301,14 +306,14 @@ bool TreeView::SelectItem(HTREEITEM item) {
 void TreeView::selectionChanged(QItemSelection const &selected, QItemSelection const &deselected) {
     QTreeView::selectionChanged(selected, deselected);
     QItemSelection const now = selectionModel()->selection();
-    HTREEITEM const chosen = now.isEmpty() ? nullptr : m_model->NodeOf(now.first().topLeft());
-    HTREEITEM const former = std::exchange(m_selected, chosen);
+    TreeNode *const chosen = now.isEmpty() ? nullptr : m_model->NodeOf(now.first().topLeft());
+    TreeNode *const former = std::exchange(m_selected, chosen);
     if (former != chosen && !OnSelchanged(former, chosen))
         Q_EMIT SelChanged(former, chosen);
 }
 
 bool TreeView::SelectDropTarget(HTREEITEM item) {
-    HTREEITEM const former = std::exchange(m_dropTarget, item);
+    TreeNode *const former = std::exchange(m_dropTarget, item);
     if (former != item) {
         Refresh(former);
         Refresh(item);
@@ -420,7 +425,7 @@ void TreeView::EndEditLabelNow(bool cancel) {
 }
 
 void TreeView::TellEndOfEdit(TreeLabelEdit &edit, DString const *text) {
-    HTREEITEM const item = edit.Item();
+    TreeNode *const item = edit.Item();
     QPointer<TreeView> const self(this);
     QPersistentModelIndex const index(m_model->IndexOf(item));
     NMTVDISPINFO info{

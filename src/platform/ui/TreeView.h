@@ -163,7 +163,7 @@ private:
 
     [[nodiscard]] Parts PartsOf(TreeNode const &item) const;
     [[nodiscard]] TreeNode *ParentFor(HTREEITEM parent) const;
-    [[nodiscard]] TreeNode *SiblingFor(TreeNode &parent, HTREEITEM after, std::string_view text) const;
+    [[nodiscard]] static TreeNode *SiblingFor(TreeNode &parent, HTREEITEM after, std::string_view text);
     [[nodiscard]] HTREEITEM HeirOf(TreeNode const &item) const;
     void ForgetExpandedBelow(TreeNode &item);
     void SetExpanded(TreeNode &item, bool expanded);
@@ -178,6 +178,7 @@ private:
     bool ShowLabelTip(QHelpEvent const &event);
     /// The edit has ended with a text or, cancelled, without.
     void TellEndOfEdit(TreeLabelEdit &edit, DString const *text);
+    void TellMenuKey();
     void TellRightClick(Point point);
 
     std::unique_ptr<TreeModel> m_model;

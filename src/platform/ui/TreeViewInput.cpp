@@ -138,7 +138,7 @@ void TreeView::PressedOn(HTREEITEM item, Point point, unsigned button, unsigned 
 
 void TreeView::OnLButtonDown(unsigned /*flags*/, Point point) {
     unsigned part = 0;
-    HTREEITEM const item = HitTest(point, &part);
+    TreeNode *const item = HitTest(point, &part);
     PressedOn(item, point, MK_LBUTTON, part);
     m_editSoon = nullptr;
     if ((part & TVHT_ONITEMBUTTON) != 0) {
@@ -160,7 +160,7 @@ void TreeView::OnLButtonUp(unsigned /*flags*/, Point /*point*/) {
 
 void TreeView::OnRButtonDown(unsigned /*flags*/, Point point) {
     unsigned part = 0;
-    HTREEITEM const item = HitTest(point, &part);
+    TreeNode *const item = HitTest(point, &part);
     PressedOn(item, point, MK_RBUTTON, part);
 }
 
@@ -177,7 +177,7 @@ void TreeView::OnMouseMove(unsigned flags, Point point) {
 }
 
 void TreeView::StartDrag() {
-    HTREEITEM const item = std::exchange(m_pressed, nullptr);
+    TreeNode *const item = std::exchange(m_pressed, nullptr);
     m_editSoon = nullptr;
     bool const left = m_pressedButton == MK_LBUTTON;
     NMTREEVIEW info{
@@ -228,7 +228,7 @@ void TreeView::mouseReleaseEvent(QMouseEvent *event) {
 void TreeView::mouseDoubleClickEvent(QMouseEvent *event) {
     Point const point = ToPoint(event->position());
     unsigned part = 0;
-    HTREEITEM const item = HitTest(point, &part);
+    TreeNode *const item = HitTest(point, &part);
     // On an expander the second click of two is a click like the first.
     if (event->button() != Qt::LeftButton || (part & TVHT_ONITEMBUTTON) != 0) {
         mousePressEvent(event);
@@ -251,6 +251,10 @@ void TreeView::contextMenuEvent(QContextMenuEvent *event) {
     // The mouse tells by its release.
     if (event->reason() == QContextMenuEvent::Mouse)
         return;
+    TellMenuKey();
+}
+
+void TreeView::TellMenuKey() {
     Rect label;
     if (m_selected != nullptr)
         EnsureVisible(m_selected);
@@ -270,6 +274,10 @@ bool TreeView::MoveByKey(QKeyEvent const &event) {
         if (plain && CanEditLabels())
             EditLabel(m_selected);
         return true;
+    case Qt::Key_F10: // the key for menus comes as an event of its own, this one does not
+        if (event.modifiers() == Qt::ShiftModifier)
+            TellMenuKey();
+        return event.modifiers() == Qt::ShiftModifier;
     case Qt::Key_Plus:
         Expand(m_selected, TVE_EXPAND);
         return true;
@@ -290,7 +298,7 @@ bool TreeView::MoveByKey(QKeyEvent const &event) {
                 Expand(m_selected, TVE_EXPAND);
         } else if (m_selected->IsExpanded()) {
             Expand(m_selected, TVE_COLLAPSE);
-        } else if (HTREEITEM const parent = GetParentItem(m_selected)) {
+        } else if (TreeNode *const parent = GetParentItem(m_selected)) {
             SelectItem(parent);
         }
         return true;
@@ -333,7 +341,7 @@ void TreeView::timerEvent(QTimerEvent *event) {
         return;
     }
     killTimer(std::exchange(m_editTimer, 0));
-    if (HTREEITEM const item = std::exchange(m_editSoon, nullptr); item != nullptr && item == m_selected)
+    if (TreeNode *const item = std::exchange(m_editSoon, nullptr); item != nullptr && item == m_selected)
         EditLabel(item);
 }
 
@@ -356,7 +364,7 @@ bool TreeView::viewportEvent(QEvent *event) {
 
 bool TreeView::ShowLabelTip(QHelpEvent const &event) {
     unsigned flags = 0;
-    HTREEITEM const item = HitTest(ToPoint(event.pos()), &flags);
+    TreeNode *const item = HitTest(ToPoint(event.pos()), &flags);
     QRect const label = item == nullptr ? QRect() : PartsOf(*item).label;
     if ((flags & TVHT_ONITEMLABEL) == 0 || viewport()->rect().contains(label)) {
         QToolTip::hideText();

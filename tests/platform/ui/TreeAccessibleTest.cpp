@@ -8,9 +8,9 @@ namespace {
 TEST(TreeAccessible, AScreenReaderHearsNamesAndStatesOfItems) {
     TreeView tree;
     test::TreeStage const stage(tree);
-    HTREEITEM const parent = tree.InsertItem("parent");
+    TreeNode *const parent = tree.InsertItem("parent");
     tree.InsertItem("child", parent);
-    HTREEITEM const lazy = tree.InsertItem("lazy");
+    TreeNode *const lazy = tree.InsertItem("lazy");
     tree.SetItemChildren(lazy, true);
     tree.SelectItem(parent);
     QApplication::processEvents();
