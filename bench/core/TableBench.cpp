@@ -32,12 +32,12 @@ int ReadByUs(std::string const &path) {
 }
 
 int ReadByGdal(std::string const &path) {
-    GDALDatasetH const source = GDALOpenEx(path.c_str(), GDAL_OF_VECTOR, nullptr, nullptr, nullptr);
-    OGRLayerH const layer = GDALDatasetGetLayer(source, 0);
+    GDALDatasetH source = GDALOpenEx(path.c_str(), GDAL_OF_VECTOR, nullptr, nullptr, nullptr);
+    OGRLayerH layer = GDALDatasetGetLayer(source, 0);
     int const columns = OGR_FD_GetFieldCount(OGR_L_GetLayerDefn(layer));
     int rows = 0;
     std::size_t bytes = 0;
-    while (OGRFeatureH const feature = OGR_L_GetNextFeature(layer)) {
+    while (OGRFeatureH feature = OGR_L_GetNextFeature(layer)) {
         for (int col = 0; col < columns; ++col)
             bytes += std::string(OGR_F_GetFieldAsString(feature, col)).size();
         OGR_F_Destroy(feature);

@@ -31,11 +31,10 @@ Number NumberAtStart(std::string_view text) {
 bool StandsForNothing(DString const &text) { return text == "---" || EqualNoCase(text, "undefined"); }
 
 void WriteCell(IAttrData &table, ADIColType type, DString const &text) {
-    if (StandsForNothing(text))
-        table.WriteString(text.c_str());
-    else if (type == ADICol_Int)
+    bool const mayBeNumber = !StandsForNothing(text);
+    if (mayBeNumber && type == ADICol_Int)
         table.WriteInt(NumberAtStart<std::int64_t>(text));
-    else if (type == ADICol_Double)
+    else if (mayBeNumber && type == ADICol_Double)
         table.WriteDouble(NumberAtStart<double>(text));
     else
         table.WriteString(text.c_str());

@@ -164,7 +164,9 @@ TEST_F(HardTables, SizesOutOfProportionEndATableAndNothingElse) {
     EXPECT_FALSE(wide.SetRow(2));
     EXPECT_EQ(Open(m_folder.Write("wider.csv", DString(200'000, ',') + "\n")).GetNumCols(), 0);
 
-    DString const fat = m_folder.Write("fat.csv", "a,b\n1," + DString(20'000'000, 'x') + "\n2,y\n3,\"");
+    DString cell;
+    cell.resize(20'000'000, 'x');
+    DString const fat = m_folder.Write("fat.csv", "a,b\n1," + cell + "\n2,y\n3,\"");
     std::filesystem::resize_file(fat, std::uintmax_t{2} << 30U); // a cell of 2 GB
     ADIFile table = Open(fat);
     ASSERT_TRUE(table.SetRow(0));

@@ -14,7 +14,6 @@ namespace zelvar {
 namespace {
 
 using testing::Contains;
-using testing::ElementsAre;
 using testing::HasSubstr;
 using Lines = std::vector<DString>;
 

@@ -28,12 +28,12 @@ void ConvertTable(std::string const &csv, std::string const &path, std::string c
 std::vector<double> NumbersOf(std::string const &path, std::string const &column) {
     GDALAllRegister();
     std::vector<double> numbers;
-    GDALDatasetH const source = GDALOpenEx(path.c_str(), GDAL_OF_VECTOR, nullptr, nullptr, nullptr);
+    GDALDatasetH source = GDALOpenEx(path.c_str(), GDAL_OF_VECTOR, nullptr, nullptr, nullptr);
     if (source == nullptr)
         return numbers;
-    OGRLayerH const layer = GDALDatasetGetLayer(source, 0);
+    OGRLayerH layer = GDALDatasetGetLayer(source, 0);
     int const field = OGR_L_FindFieldIndex(layer, column.c_str(), 1);
-    while (OGRFeatureH const feature = OGR_L_GetNextFeature(layer)) {
+    while (OGRFeatureH feature = OGR_L_GetNextFeature(layer)) {
         numbers.push_back(OGR_F_GetFieldAsDouble(feature, field));
         OGR_F_Destroy(feature);
     }
