@@ -78,7 +78,7 @@ int CCustomFileDlg::DoModal() {
 DString CCustomFileDlg::GetNextPathName(std::size_t &position) const {
     if (position == 0 || position > m_paths.size())
         return position = 0, DString();
-    DString const path = m_paths[position - 1];
+    DString path = m_paths[position - 1];
     position = position == m_paths.size() ? 0 : position + 1;
     return path;
 }

@@ -28,7 +28,7 @@ bool IsUtf8(std::string_view text) {
 }
 
 DString NameBytes(DString const &folder, QString const &name) {
-    DString const text = platform::ToDString(name);
+    DString text = platform::ToDString(name);
     if (text.find(kReplacement) == DString::npos)
         return text;
     std::optional<DString> found;
@@ -44,7 +44,7 @@ DString NameBytes(DString const &folder, QString const &name) {
 }
 
 DString PathBytes(DString const &folder, DString const &text) {
-    DString const path = AbsolutePath(folder, text);
+    DString path = AbsolutePath(folder, text);
     if (path.find(kReplacement) == DString::npos || path == "/")
         return path;
     DString const parent = PathBytes("/", DString(ParentPathOf(path)));

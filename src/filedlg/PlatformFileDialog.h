@@ -66,8 +66,6 @@ public:
     [[nodiscard]] int FilterIndex() const;
 
     bool eventFilter(QObject *watched, QEvent *event) override;
-
-public Q_SLOTS:
     void accept() override;
 
 protected:

@@ -24,7 +24,7 @@ void PlatformFileDialog::AcceptFolder() {
     DString const folder = PickedFolder();
     if (CanPick(folder)) {
         m_chosen = {folder};
-        QDialog::accept();
+        done(Accepted);
     } else if (GoTo(folder)) { // the file that it must hold may be further down
         m_name->clear();
     }
@@ -66,7 +66,7 @@ void PlatformFileDialog::accept() {
             return;
     }
     m_chosen = std::move(paths);
-    QDialog::accept();
+    done(Accepted);
 }
 
 std::vector<DString> PlatformFileDialog::SelectedPaths(bool folders) const {
