@@ -155,6 +155,7 @@ private:
     bool OpenBuiltIn(int mode, std::initializer_list<DFileFrmt *> formats, DString const &caption,
                      char const *historyKey);
     void ChooseFormatById(char const *typeKey, char const *fallback);
+    void BeginWithUsualFormat(int mode); ///< unless another one is wanted
     void RememberFormatId(char const *typeKey) const;
     void SetCaptionFor(int mode, DString const &load, DString const &save);
     [[nodiscard]] DString InitialPath(char const *name, char const *dir, char const *key) const;

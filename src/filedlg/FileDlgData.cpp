@@ -40,11 +40,10 @@ OwnedFormats FormatsOf(DIOPlugin &plugin, unsigned dataType, ICheck<DString> con
     return owned;
 }
 
-/// "*.ini;*.txt" is of both extensions.
-bool HasExtension(DFileFrmt const &format, DString const &extension) {
+/// "*.ini;*.txt" has two.
+bool HasMask(DFileFrmt const &format, DString const &mask) {
     std::vector<DString> const masks = Split(format.GetExtn(), ';');
-    return std::any_of(masks.begin(), masks.end(),
-                       [&](DString const &mask) { return DFile(mask).GetPhysFileExtn() == extension; });
+    return std::find(masks.begin(), masks.end(), mask) != masks.end();
 }
 
 /// The id of the format to begin with, by the plug-in that the caller wants; `fallback` without one.
@@ -57,7 +56,7 @@ DString FormatOfPlugin(DIOPluginMngr &manager, DString const &name, DString cons
         auto wanted = formats.begin();
         if (!extension.empty())
             wanted = std::find_if(formats.begin(), formats.end(),
-                                  [&](auto const &format) { return HasExtension(*format, extension); });
+                                  [&](auto const &format) { return HasMask(*format, "*." + extension); });
         if (wanted == formats.end())
             wanted = formats.begin();
         return wanted == formats.end() ? fallback : (*wanted)->GetID();
@@ -109,6 +108,7 @@ bool FileDlg::OpenRasterData(DIOPluginMngr *manager, int mode, bool multiple, bo
         if (m_format == nullptr && m_initFrmtId.empty())
             m_format = GetFormatByName("STD_TIF");
     }
+    BeginWithUsualFormat(mode);
     if (multiple)
         SetMultipleFiles();
     if (m_caption.empty())
@@ -140,6 +140,7 @@ bool FileDlg::OpenGisObjects(DIOPluginMngr *manager, int mode, bool withStandard
     }
     ReadInitFile(kThematicFolder);
     ChooseFormatById(kThematicType, "TIF");
+    BeginWithUsualFormat(mode);
     if (m_caption.empty())
         SetCaptionFor(mode, m_multipleFiles ? "Add Thematic Layers..." : "Import Thematic Layer...",
                       "Export Thematic Layer...");
@@ -162,6 +163,7 @@ bool FileDlg::OpenAttrData(DIOPluginMngr *manager, int mode, DString const &what
         AddDscr(&known.frmt_txt, false);
     ReadInitFile(kAttributeFolder);
     ChooseFormatById(kAttributeType, "CSV");
+    BeginWithUsualFormat(mode);
     SetCaptionFor(mode, "Load " + what + "...", "Save " + what + "...");
     if (!ShowFileDlg(mode, "ThematicFolders", DT_DATA))
         return false;
@@ -195,6 +197,25 @@ void FileDlg::ChooseFormatById(char const *typeKey, char const *fallback) {
         return;
     DString const id = m_initFrmtId.empty() ? ReadSetting(typeKey, fallback) : m_initFrmtId;
     m_format = GetFormat(id.c_str());
+}
+
+// Plug-ins may offer hundreds of formats: where neither the settings nor the file's own mask name one, the first in the
+// alphabet is no good guess.
+void FileDlg::BeginWithUsualFormat(int mode) {
+    DString const mask = StripExtn(m_initFile);
+    std::vector<DFileFrmt *> const offered = OfferedFormats();
+    bool const isNamed =
+        std::any_of(offered.begin(), offered.end(), [&](DFileFrmt const *format) { return format->GetExtn() == mask; });
+    if (m_format != nullptr || isNamed)
+        return;
+    if (mode == kLoad) {
+        m_format = &BuiltInFormats::Instance().frmt_all;
+        return;
+    }
+    for (DString const &wanted : {mask, BuiltInFormats::Instance().frmt_tif.GetExtn()})
+        for (DFileFrmt *format : offered)
+            if (m_format == nullptr && HasMask(*format, wanted))
+                m_format = format;
 }
 
 void FileDlg::RememberFormatId(char const *typeKey) const {

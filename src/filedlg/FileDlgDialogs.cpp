@@ -40,7 +40,13 @@ RefItemPtr<DataSourceItem> InitialItem(DString const &place) {
     if (place.empty() || isPath)
         return nullptr;
     RequestScope const scope(RequestKind::List, {}, kPlacePatience);
-    return ItemFromPlace(place);
+    RefItemPtr<DataSourceItem> item = ItemFromPlace(place);
+    // What holds nothing stands for what it lies in.
+    if (item != nullptr && !item->IsFolder()) {
+        item->BuildParents();
+        item = item->GetParent();
+    }
+    return item;
 }
 
 /// The path on disk that the platform's dialog begins at, split where its parts are asked for. A folder may be written
@@ -122,7 +128,7 @@ bool FileDlg::OpenMFCFileDlgOld(int mode, char const *filter, int index, char co
         dialog.SetHistory(history);
 
     DFile const initial = InitialFile(m_initFile);
-    DString folder = initial.GetPhysFilePath();
+    DString folder = DFile(initial.GetPhysFilePath()).GetAbsolutePath();
     if (folder.empty() && !history.empty())
         folder = history[0];
     if (!folder.empty() && CanBeginIn(folder, mode))

@@ -1,5 +1,6 @@
 #include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/data/RequestScope.h"
+#include "zelvar/dialogs/CBDISelectorDlg.h"
 #include "zelvar/filedlg/BuiltInFormats.h"
 #include "zelvar/filedlg/FileDlg.h"
 #include "zelvar/filedlg/MonikerResolver.h"
@@ -35,8 +36,9 @@ DString WithOptions(DString path, char const *options) {
 
 /// Empty if the user chose nothing.
 DVectorSafe<DString> AskForNodes(BDIMoniker const &file, int nodeMask, DString const &title, bool multiSelect) {
-    static_cast<void>(file), static_cast<void>(nodeMask), static_cast<void>(title), static_cast<void>(multiSelect);
-    return {};
+    CBDISelectorDlg dialog(file.GetDrvr(), file.GetText().c_str(), static_cast<unsigned>(nodeMask), title.c_str(),
+                           multiSelect, nullptr);
+    return dialog.DoModal() == QDialog::Accepted ? dialog.m_results : DVectorSafe<DString>();
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #include "zelvar/data/reader/DriverModule.h"
+#include "zelvar/filedlg/FileDlg.h"
 #include "zelvar/library/ZelvarInit.h"
+#include "zelvar/lists/SaveTarget.h"
 #include "zelvar/platform/ui/UserMessages.h"
 
 #include <QtGui/QFont>
@@ -11,6 +13,15 @@ namespace {
 
 bool g_started = false; // user-interface thread only
 
+/// Where a list's contents go is asked by the file dialog service, which stands above the lists.
+std::optional<TableTarget> AskByFileDialog(QWidget *, char const *title) {
+    FileDlg request;
+    if (!request.OpenSaveCSV(title))
+        return std::nullopt;
+    DFileFrmt const *const format = request.GetFormat();
+    return TableTarget{.path = request.GetPhysFile(), .formatId = format == nullptr ? DString() : format->GetID()};
+}
+
 } // namespace
 
 void ZelvarInit() {
@@ -19,6 +30,7 @@ void ZelvarInit() {
     g_started = true;
     UseReaderDrivers();
     platform::InstallUserMessages();
+    SetSaveTargetProvider(&AskByFileDialog);
     // The faces that documents and users' settings name, by those that are there and as wide.
     for (char const *face : {"MS Shell Dlg", "MS Shell Dlg 2", "MS Sans Serif", "Tahoma"})
         QFont::insertSubstitutions(face, {"Liberation Sans", "Arial"});
@@ -30,6 +42,7 @@ void ZelvarShutdown() {
     g_started = false;
     EndReaders();
     platform::RemoveUserMessages();
+    SetSaveTargetProvider(nullptr);
 }
 
 } // namespace zelvar

@@ -10,6 +10,7 @@ int RunLs(std::vector<DString> const &words);
 int RunInfo(std::vector<DString> const &words);
 int RunSources(std::vector<DString> const &words);
 int RunOpen(std::vector<DString> const &words, int &argc, char **argv);
+int RunSave(std::vector<DString> const &words, int &argc, char **argv);
 
 /// "zelvar <what>: <why>" and the subcommand's usage on stderr; `kUsage`.
 int UsageError(CommandSpec const &spec, DString const &why);

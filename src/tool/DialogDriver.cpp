@@ -1,13 +1,14 @@
 #include "zelvar/tool/DialogDriver.h"
 
-#include "zelvar/opends/DSListCtrl.h"
-#include "zelvar/opends/DSPropertyWnd.h"
 #include "zelvar/opends/DlgOpenDS.h"
-#include "zelvar/platform/ui/ControlId.h"
 #include "zelvar/platform/ui/Text.h"
+#include "zelvar/tool/FirstPaint.h"
 
 #include <QtCore/QEvent>
-#include <QtWidgets/QPushButton>
+#include <QtWidgets/QAbstractButton>
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QDialog>
+#include <QtWidgets/QMessageBox>
 
 #include <algorithm>
 
@@ -18,87 +19,148 @@ namespace {
 constexpr int kLookEvery = 20;   // ms
 constexpr int kPatience = 30000; // ms for rows to come
 constexpr int kSettling = 700;   // ms: the lists merge new rows every 300 ms
-constexpr int kOkId = 1;
 
 } // namespace
 
-DialogDriver::DialogDriver(DlgOpenDS &dialog, DialogScript script) : m_dialog(dialog), m_script(std::move(script)) {
-    m_sinceStart.start();
-    m_dialog.installEventFilter(this);
+DialogDriver::DialogDriver(DialogScript script) : m_script(std::move(script)) {
+    qApp->installEventFilter(this);
     startTimer(kLookEvery);
 }
 
-void DialogDriver::timerEvent(QTimerEvent *) {
-    if (!m_dialog.isVisible() || m_dialog.MainList() == nullptr)
+DialogDriver::~DialogDriver() { qApp->removeEventFilter(this); }
+
+bool DialogDriver::eventFilter(QObject *watched, QEvent *event) {
+    auto *const dialog =
+        event->type() == QEvent::Show || event->type() == QEvent::Hide || event->type() == QEvent::Close
+            ? qobject_cast<QDialog *>(watched)
+            : nullptr;
+    if (dialog == nullptr)
+        return false;
+    if (event->type() == QEvent::Show && dialog->isWindow() && dialog != m_dialog)
+        Meet(*dialog);
+    else if (event->type() != QEvent::Show && dialog == m_dialog)
+        TakeShot(); // a user closes the dialog: what it looked like until now
+    return false;
+}
+
+void DialogDriver::Meet(QDialog &dialog) {
+    auto hand = HandFor(dialog);
+    if (hand == nullptr)
         return;
-    if (!m_sinceSelected.isValid()) {
-        if (SelectRows()) {
-            m_sinceSelected.start();
-        } else if (m_sinceStart.hasExpired(kPatience)) {
-            m_timedOut = true;
-            End(false);
-        }
+    m_dialog = &dialog;
+    m_hand = std::move(hand);
+    m_sinceShown.start();
+    m_sinceSelected.invalidate();
+    // What the dialog before took is done with.
+    for (DString const &name : m_picked)
+        std::erase(m_script.select, name);
+    m_picked.clear();
+    m_isSetUp = m_accepted = m_shotTaken = false;
+    TraceFirstPaint(dialog);
+    // Behind the showing, before anything else.
+    QMetaObject::invokeMethod(
+        this, [this] { SetUp(); }, Qt::QueuedConnection);
+}
+
+void DialogDriver::SetUp() {
+    if (m_dialog.isNull() || m_isSetUp || !m_hand->IsReady())
+        return;
+    m_isSetUp = true;
+    if (m_script.size)
+        m_dialog->resize(m_script.size->width, m_script.size->height);
+    if (!m_script.title.empty() && m_isFirst)
+        m_dialog->setWindowTitle(platform::ToQString(m_script.title));
+    m_isFirst = false;
+    if (!m_script.multiple)
+        m_hand->AllowOneOnly();
+    if (auto *const open = dynamic_cast<DlgOpenDS *>(m_dialog.data())) {
+        DString mask = m_script.filter;
+        // What a person typed into the filter the last time is not in a script's way.
+        if (mask.empty() && m_script.accept && open->GetFormat() != nullptr)
+            mask = open->GetFormat()->GetExtn();
+        if (!mask.empty())
+            open->ApplyFileFilter(mask.c_str(), nullptr);
+        if (m_script.recursive)
+            open->SetRecursive(true);
+    }
+}
+
+void DialogDriver::timerEvent(QTimerEvent *) {
+    auto *const modal = qobject_cast<QDialog *>(QApplication::activeModalWidget());
+    bool const isScripted = m_script.accept || m_script.cancel;
+    if (modal != nullptr && modal != m_dialog && isScripted) {
+        if (auto const *const box = qobject_cast<QMessageBox *>(modal))
+            m_question = platform::ToDString(box->text().section('\n', 0, 0));
+        modal->reject();
+    } else if (modal != nullptr && modal == m_dialog)
+        Work();
+}
+
+void DialogDriver::Work() {
+    SetUp();
+    if (!m_isSetUp)
+        return;
+    if (m_accepted) {
+        m_refused = true; // it is still there
+        Cancel();
         return;
     }
-    if (!IsSettled())
+    if (!m_sinceSelected.isValid() || !m_hand->ArePicked(m_picked)) {
+        Pick();
+        return;
+    }
+    if (!MayEnd())
         return;
     if (m_script.accept && CanAccept()) {
-        End(true);
+        Accept();
     } else if (m_script.accept) {
         m_refused = true;
-        End(false);
+        Cancel();
     } else if (m_script.cancel) {
-        End(false);
+        Cancel();
     }
 }
 
-bool DialogDriver::SelectRows() {
-    DSListCtrl &list = *m_dialog.MainList();
-    std::vector<int> rows;
-    for (DString const &name : m_script.select) {
-        int row = 0;
-        while (row < list.GetNumRow() && list.ItemAt(row)->GetName() != name)
-            ++row;
-        if (row == list.GetNumRow())
-            return false;
-        rows.push_back(row);
+void DialogDriver::Pick() {
+    if (!m_sinceSelected.isValid())
+        m_picked = m_hand->OwnNames(m_script.select);
+    if (m_hand->Select(m_picked)) {
+        m_sinceSelected.start();
+    } else if (m_sinceShown.hasExpired(kPatience)) {
+        m_timedOut = true;
+        Cancel();
     }
-    if (!rows.empty())
-        list.ClearSelection();
-    for (int const row : rows)
-        list.SetSlct(row, true);
-    return true;
 }
 
-bool DialogDriver::CanAccept() const { return platform::GetDlgItem(m_dialog, kOkId)->isEnabled(); }
+bool DialogDriver::CanAccept() const {
+    QAbstractButton const *const ok = m_hand->OkButton();
+    return ok != nullptr && ok->isEnabled();
+}
 
-bool DialogDriver::IsSettled() const {
+bool DialogDriver::MayEnd() const {
     bool const previewWanted = !m_script.shot.empty();
-    if (m_script.accept && !m_script.select.empty() && !previewWanted && CanAccept())
+    if (m_script.accept && !m_picked.empty() && !previewWanted && CanAccept())
         return true;
-    return m_sinceSelected.hasExpired(kSettling) && !m_dialog.PropertyWnd()->IsReading();
+    return m_sinceSelected.hasExpired(kSettling) && m_hand->IsSettled();
 }
 
-void DialogDriver::End(bool accept) {
+void DialogDriver::Accept() {
     TakeShot();
-    if (accept)
-        platform::GetDlgItem<QPushButton>(m_dialog, kOkId)->click();
-    else
-        m_dialog.reject();
+    m_accepted = true;
+    // Behind this timer's event: a question that it leads to is answered by the timer.
+    QMetaObject::invokeMethod(m_hand->OkButton(), &QAbstractButton::click, Qt::QueuedConnection);
+}
+
+void DialogDriver::Cancel() {
+    TakeShot();
+    m_dialog->reject();
 }
 
 void DialogDriver::TakeShot() {
     if (m_script.shot.empty() || m_shotTaken)
         return;
     m_shotTaken = true;
-    m_shotFailed = !m_dialog.grab().save(QString::fromLocal8Bit(m_script.shot.c_str()), "PNG");
-}
-
-bool DialogDriver::eventFilter(QObject *watched, QEvent *event) {
-    // A user closes the dialog: what it looked like until now.
-    if (event->type() == QEvent::Hide || event->type() == QEvent::Close)
-        TakeShot();
-    return QObject::eventFilter(watched, event);
+    m_shotFailed = !m_dialog->grab().save(QString::fromLocal8Bit(m_script.shot.c_str()), "PNG");
 }
 
 } // namespace zelvar::tool

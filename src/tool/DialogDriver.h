@@ -1,36 +1,45 @@
 #pragma once
 
-#include "zelvar/base/DString.h"
+#include "zelvar/tool/CommandLine.h"
+#include "zelvar/tool/DialogHand.h"
 
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QObject>
+#include <QtCore/QPointer>
 
+#include <optional>
 #include <vector>
 
-namespace zelvar {
-class DlgOpenDS; // NOLINT(cppcoreguidelines-virtual-class-destructor): as where it is defined
-}
+class QDialog;
 
 namespace zelvar::tool {
 
-/// What a script wants of the open data source dialog.
+/// What a script wants of the dialogs that come up.
 struct DialogScript {
-    std::vector<DString> select; ///< names of rows of the main list
+    std::vector<DString> select; ///< names of what is to be picked
+    bool multiple = false;       ///< several may be picked
     bool accept = false;         ///< press OK once they are picked
     bool cancel = false;         ///< nobody can press anything: cancel once the dialog has shown what it has
-    DString shot;                ///< picture of the window just before it closes; empty for none
+    DString title;               ///< of the first dialog; empty for its own
+    DString filter;              ///< mask for the lists of the open data source dialog; empty for none
+    bool recursive = false;      ///< that lists subfolders too
+    std::optional<WindowSize> size;
+    DString shot; ///< picture of the window just before it closes; empty for none
 };
 
-/// Works the dialog as a user would: picks rows once they are there, waits for the preview, takes the picture, presses
-/// OK. It lives as long as the dialog runs.
+/// Works whichever dialog is up as a user would: picks what is there by then, waits for the preview, takes the picture,
+/// presses OK. One dialog may follow the other. A question that a script has no word for is answered with no.
 class DialogDriver : public QObject {
 public:
-    DialogDriver(DlgOpenDS &dialog, DialogScript script);
+    explicit DialogDriver(DialogScript script);
+    ~DialogDriver() override;
 
-    /// The rows did not come in time.
+    /// What was to be picked did not come in time.
     [[nodiscard]] bool HasTimedOut() const { return m_timedOut; }
-    /// OK stayed disabled for what is picked.
+    /// OK could not be pressed, or did not end the dialog.
     [[nodiscard]] bool WasRefused() const { return m_refused; }
+    /// The question that was answered with no; empty if there was none.
+    [[nodiscard]] DString const &Question() const { return m_question; }
     /// The picture could not be written.
     [[nodiscard]] bool HasFailedShot() const { return m_shotFailed; }
 
@@ -39,16 +48,26 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
-    [[nodiscard]] bool SelectRows();
+    void Meet(QDialog &dialog);
+    void SetUp();
+    void Work();
+    void Pick();
     [[nodiscard]] bool CanAccept() const;
-    [[nodiscard]] bool IsSettled() const;
+    [[nodiscard]] bool MayEnd() const;
+    void Accept();
+    void Cancel();
     void TakeShot();
-    void End(bool accept);
 
-    DlgOpenDS &m_dialog;
     DialogScript m_script;
-    QElapsedTimer m_sinceStart;
+    QPointer<QDialog> m_dialog;
+    std::unique_ptr<DialogHand> m_hand;
+    std::vector<DString> m_picked; ///< names of what is picked in this dialog
+    QElapsedTimer m_sinceShown;
     QElapsedTimer m_sinceSelected; ///< invalid until the rows are picked
+    DString m_question;
+    bool m_isSetUp = false;
+    bool m_accepted = false; ///< OK was pressed in this dialog
+    bool m_isFirst = true;
     bool m_timedOut = false;
     bool m_refused = false;
     bool m_shotTaken = false;

@@ -7,11 +7,17 @@ namespace {
 
 constexpr char kUsageText[] =
     "usage: zelvar COMMAND ...\n"
-    "  open [PLACE] [--for KIND] [--multiple] [--filter MASK] [--recursive] [--select NAME]... [--accept]\n"
-    "       [--title T] [--shot FILE.png] [--size WxH]      pick data in the dialog, print monikers\n"
+    "  open [PLACE] [--for KIND] [--multiple] [--standard] [--filter MASK] [--recursive] [--select NAME]...\n"
+    "       [--accept] [--title T] [--shot FILE.png] [--size WxH]\n"
+    "                                                        pick data in a dialog, print monikers\n"
+    "  save --for KIND [NAME] [--accept] [--overwrite] [--title T] [--shot FILE.png] [--size WxH]\n"
+    "                                                        pick a name to save under, print the path\n"
     "  ls PLACE [--folders] [--recursive] [--filter MASK] [--sort name|size|date] [--descending] [--json]\n"
     "  info MONIKER [--preview FILE.png]                     properties and preview of one item\n"
     "  sources                                               the rows of the data source list\n"
+    "KIND: raster (default of open), thematic, attributes, metadata (open only), table, tiff, xml, project, "
+    "workspace,\n"
+    "process, ruleset, solution, all.\n"
     "PLACE and MONIKER: a path, an address, a node inside a container as printed by ls, or source:NAME.\n"
     "Exit codes: 0 done, 1 cancelled or nothing found, 2 usage, 3 failed.\n";
 
@@ -27,6 +33,8 @@ int Run(int argc, char **argv) {
         return RunSources(words);
     if (command == "open")
         return RunOpen(words, argc, argv);
+    if (command == "save")
+        return RunSave(words, argc, argv);
     if (command == "--help" || command == "help") {
         std::fputs(kUsageText, stdout);
         return kDone;

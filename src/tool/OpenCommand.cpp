@@ -1,119 +1,113 @@
-#include "zelvar/data/BDINode.h"
+// The commands that let a person, or a script in his place, answer a file dialog.
+#include "zelvar/base/PathStyle.h"
+#include "zelvar/filedlg/FileDlg.h"
 #include "zelvar/library/ZelvarInit.h"
-#include "zelvar/model/NtwDataSourceItem.h"
 #include "zelvar/model/PlaceResolver.h"
-#include "zelvar/opends/DlgOpenDS.h"
-#include "zelvar/platform/ui/Text.h"
-#include "zelvar/platform/ui/UserMessages.h"
+#include "zelvar/platform/ui/MainWindow.h"
 #include "zelvar/tool/Commands.h"
 #include "zelvar/tool/DialogDriver.h"
-#include "zelvar/tool/FirstPaint.h"
+#include "zelvar/tool/Kinds.h"
+#include "zelvar/tool/Screen.h"
 
-#include <QtCore/QTimer>
-#include <QtGui/QFontInfo>
 #include <QtWidgets/QApplication>
+#include <QtWidgets/QMainWindow>
 
 #include <cstdio>
-#include <map>
+
+#include <unistd.h>
 
 namespace zelvar::tool {
 
 namespace {
 
-CommandSpec const kSpec{
-    .usage = "open [PLACE] [--for KIND] [--multiple] [--filter MASK] [--recursive] [--select NAME]... [--accept] "
-             "[--title T] [--shot FILE.png] [--size WxH]",
-    .flags = {"--multiple", "--recursive", "--accept"},
+constexpr int kLoad = 0;
+constexpr int kSave = 1;
+
+CommandSpec const kOpenSpec{
+    .usage = "open [PLACE] [--for KIND] [--multiple] [--standard] [--filter MASK] [--recursive] [--select NAME]... "
+             "[--accept] [--title T] [--shot FILE.png] [--size WxH]",
+    .flags = {"--multiple", "--recursive", "--accept", "--standard"},
     .values = {"--for", "--filter", "--select", "--title", "--shot", "--size"},
     .minArguments = 0,
     .maxArguments = 1,
 };
 
-struct Kind {
-    DLGTemplate dlgTemplate;
-    char const *historyKey;
-    char const *title;
+CommandSpec const kSaveSpec{
+    .usage = "save --for KIND [NAME] [--accept] [--overwrite] [--title T] [--shot FILE.png] [--size WxH]",
+    .flags = {"--accept", "--overwrite"},
+    .values = {"--for", "--title", "--shot", "--size"},
+    .minArguments = 0,
+    .maxArguments = 1,
 };
 
-std::map<DString, Kind> const &Kinds() {
-    static std::map<DString, Kind> const kinds{
-        {"raster", {DT_DATA, "ImageFolders", "Open Data Source"}},
-        {"workspace", {DT_WORKSPACE, "WorkspaceFolders", "Open Workspace"}},
-        {"project", {DT_PROJECT, "ProjectFolders", "Open Project"}},
-        {"ruleset", {DT_RULESET, "RulesetFolders", "Open Ruleset"}},
-        {"solution", {DT_SOLUTION, "SolutionFolders", "Open Solution"}},
-    };
-    return kinds;
+/// What is wrong with the words; empty if nothing is.
+DString FaultOf(Arguments const &arguments, Kind const *kind, int mode) {
+    if (kind == nullptr)
+        return "unknown kind " + arguments.Value("--for");
+    if (mode == kSave && !kind->canSave)
+        return DString("there is nothing to save for ") + kind->name;
+    if (arguments.values.contains("--size") && !ParseSize(arguments.Value("--size")))
+        return "a size is written as 640x480";
+    // Behind the platform's dialog the selector of a container may follow.
+    if (arguments.All("--select").size() > 1 && !arguments.Has("--multiple") && !arguments.Has("--standard"))
+        return "several --select need --multiple";
+    if (arguments.Has("--standard") && (arguments.Has("--recursive") || arguments.values.contains("--filter")))
+        return "--filter and --recursive are for the library's own dialog";
+    return {};
 }
 
-bool HasScreen() { return qEnvironmentVariableIsSet("DISPLAY") || qEnvironmentVariableIsSet("WAYLAND_DISPLAY"); }
-
-/// True if a person can work the dialog.
-bool ChoosePlatform() {
-    if (qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
-        return !qgetenv("QT_QPA_PLATFORM").startsWith("offscreen");
-    if (HasScreen())
-        return true;
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    std::fputs("zelvar: no display, running off screen\n", stderr);
-    return false;
+DialogScript ScriptOf(Arguments const &arguments, bool attended) {
+    bool const isSized = arguments.values.contains("--size") || (!attended && !arguments.Has("--standard"));
+    return {.select = arguments.All("--select"),
+            .multiple = arguments.Has("--multiple"),
+            .accept = arguments.Has("--accept"),
+            .cancel = !attended && !arguments.Has("--accept"),
+            .title = arguments.Value("--title"),
+            .filter = arguments.Value("--filter"),
+            .recursive = arguments.Has("--recursive"),
+            .size = isSized ? ParseSize(arguments.Value("--size", "920x640")) : std::nullopt,
+            .shot = arguments.Value("--shot")};
 }
 
-/// Words to the user go to stderr when nobody could close a box.
-void SpeakOnStderr() {
-    platform::SetUserMessageHook([](Report::Severity, DString const &text) {
-        std::fprintf(stderr, "zelvar: %s\n", text.c_str());
-        return true;
-    });
+/// A path from the root, whichever way it was written; an address and a node inside a container stay as they are.
+DString PlaceFromRoot(DString const &place) {
+    DFile const file(place);
+    return file.Exist() ? file.GetAbsolutePath() : place;
 }
 
-struct FormatList {
-    DFileFrmt all{"", "All Files (*.*)", "*.*"};
-    DFileFrmt tiff{"GTiff", "TIFF (*.tif, *.tiff)", "*.tif;*.tiff"};
-    DFileFrmt jpeg{"JPEG", "JPEG (*.jpg, *.jpeg)", "*.jpg;*.jpeg"};
-    DFileFrmt png{"PNG", "PNG (*.png)", "*.png"};
-    DFileFrmt geoPackage{"GPKG", "GeoPackage (*.gpkg)", "*.gpkg"};
-    DFileFrmt netCdf{"netCDF", "netCDF (*.nc)", "*.nc"};
-    DFileFrmt hdf5{"HDF5", "HDF5 (*.h5, *.hdf5)", "*.h5;*.hdf5"};
-    DVector<DFileFrmt *> images{&all, &tiff, &jpeg, &png, &geoPackage, &netCdf, &hdf5};
-    DVector<DFileFrmt *> documents{&all};
-};
-
-struct DeleteDialog {
-    void operator()(DlgOpenDS *dialog) const { DlgOpenDS::DeleteDialogObject(dialog); }
-};
-
-/// A plain file stands for the folder that it lies in.
-RefItemPtr<DataSourceItem> FolderOf(RefItemPtr<DataSourceItem> const &item) {
-    item->BuildParents();
-    RefItemPtr<DataSourceItem> parent = item->GetParent();
-    return item->IsFolder() || parent == nullptr ? item : parent;
+/// Why nothing can be saved under the name; empty if it can.
+DString WhyNotSaved(DString const &path) {
+    DFile const file(path);
+    DString const folder = file.IsDirectory() ? path : file.GetPhysFilePath();
+    if (access(folder.c_str(), W_OK) == 0)
+        return {};
+    return "cannot write to '" + folder + "'";
 }
 
-/// Where few fonts are installed the toolkit's first choice can be one of fixed pitch.
-void AvoidTypewriter() {
-    QFont font = QApplication::font();
-    if (!QFontInfo(font).fixedPitch())
-        return;
-    font.setFamilies({"Liberation Sans", "Arial", "Helvetica"});
-    QApplication::setFont(font);
+int Outcome(DialogDriver const &driver, FileDlg const &request, bool opened, DString const &shot) {
+    if (driver.HasTimedOut())
+        std::fputs("zelvar: what is to be selected did not come within 30 s\n", stderr);
+    if (!driver.Question().empty())
+        std::fprintf(stderr, "zelvar: answered no: %s\n", driver.Question().c_str());
+    else if (driver.WasRefused())
+        std::fputs("zelvar: OK cannot be pressed with what is selected\n", stderr);
+    if (driver.HasFailedShot())
+        return Failure("cannot write '" + shot + "'");
+    if (!opened)
+        return kNothing;
+    for (int i = 0; i < request.GetNumSlctFiles(); ++i)
+        std::printf("%s\n", EscapeControlBytes(request.GetFile(i)->GetText()).c_str());
+    return kDone;
 }
 
-} // namespace
-
-int RunOpen(std::vector<DString> const &words, int &argc, char **argv) {
+int RunRequest(CommandSpec const &spec, int mode, std::vector<DString> const &words, int &argc, char **argv) {
     DString error;
-    std::optional<Arguments> const arguments = ParseArguments(kSpec, words, error);
+    std::optional<Arguments> const arguments = ParseArguments(spec, words, error);
     if (!arguments)
-        return UsageError(kSpec, error);
-    auto const kind = Kinds().find(arguments->Value("--for", "raster"));
-    if (kind == Kinds().end())
-        return UsageError(kSpec, "unknown kind " + arguments->Value("--for"));
-    std::optional<WindowSize> const size = ParseSize(arguments->Value("--size", "920x640"));
-    if (!size)
-        return UsageError(kSpec, "a size is written as 640x480");
-    if (arguments->All("--select").size() > 1 && !arguments->Has("--multiple"))
-        return UsageError(kSpec, "several --select need --multiple");
+        return UsageError(spec, error);
+    Kind const *const kind = FindKind(arguments->Value("--for", mode == kLoad ? "raster" : ""));
+    if (DString const fault = FaultOf(*arguments, kind, mode); !fault.empty())
+        return UsageError(spec, fault);
 
     bool const attended = ChoosePlatform();
     QApplication const application(argc, argv);
@@ -122,47 +116,37 @@ int RunOpen(std::vector<DString> const &words, int &argc, char **argv) {
     if (!attended || arguments->Has("--accept"))
         SpeakOnStderr();
 
-    DString const place = arguments->words.empty() ? DString() : arguments->words.front();
-    RefItemPtr<DataSourceItem> start = place.empty() ? nullptr : ItemFromPlace(place);
-    if (!place.empty() && start == nullptr)
-        return Failure("cannot access '" + place + "'");
-
-    FormatList formats;
-    auto const &offered = PicksImageData(kind->second.dlgTemplate) ? formats.images : formats.documents;
-    std::unique_ptr<DlgOpenDS, DeleteDialog> const dialog(DlgOpenDS::CreateDialogObject(
-        offered, &formats.all, kind->second.dlgTemplate, kind->second.historyKey, nullptr));
-    dialog->SetTitle(arguments->Value("--title", kind->second.title).c_str());
-    if (PicksImageData(kind->second.dlgTemplate))
-        dialog->SetBDIFilter(BDINode_Raster);
-    dialog->SetMultiSelect(arguments->Has("--multiple"));
-    if (start != nullptr)
-        dialog->SetInitItem(FolderOf(start));
-    TraceFirstPaint(*dialog);
-    QTimer::singleShot(0, dialog.get(), [&] {
-        if (arguments->values.contains("--size") || !attended)
-            dialog->resize(size->width, size->height);
-        if (arguments->values.contains("--filter"))
-            dialog->ApplyFileFilter(arguments->Value("--filter").c_str(), nullptr);
-        if (arguments->Has("--recursive"))
-            dialog->SetRecursive(true);
-    });
-    DialogDriver const driver(*dialog, {.select = arguments->All("--select"),
-                                        .accept = arguments->Has("--accept"),
-                                        .cancel = !attended && !arguments->Has("--accept"),
-                                        .shot = arguments->Value("--shot")});
-    bool const accepted = dialog->DoModal() == QDialog::Accepted;
+    FileDlg request(arguments->Value("--title").c_str());
+    if (DString const place = arguments->words.empty() ? DString() : arguments->words.front();
+        !arguments->words.empty()) {
+        if (mode == kLoad && (place.empty() || ItemFromPlace(place) == nullptr))
+            return Failure("cannot access '" + place + "'");
+        DString const path = mode == kLoad ? PlaceFromRoot(place) : DFile(place).GetAbsolutePath();
+        if (DString const reason = mode == kSave ? WhyNotSaved(path) : DString(); !reason.empty())
+            return Failure(reason);
+        request.SetInitFile(path);
+    }
+    if (arguments->Has("--multiple"))
+        request.SetMultipleFiles();
+    request.ShowOverwritePrompt(!arguments->Has("--overwrite"));
+    // The library's own dialog comes up over an application's frame window.
+    std::unique_ptr<QMainWindow> const frame = arguments->Has("--standard") ? nullptr : std::make_unique<QMainWindow>();
+    platform::SetMainWindow(frame.get());
+    ApplicationFormats const formats;
+    DialogDriver const driver(ScriptOf(*arguments, attended));
+    bool const opened = kind->run(request, mode, arguments->Has("--multiple"));
     ZelvarShutdown();
-    if (driver.HasTimedOut())
-        std::fputs("zelvar: the rows to select did not come within 30 s\n", stderr);
-    if (driver.WasRefused())
-        std::fputs("zelvar: OK cannot be pressed with what is selected\n", stderr);
-    if (driver.HasFailedShot())
-        return Failure("cannot write '" + arguments->Value("--shot") + "'");
-    if (!accepted)
-        return kNothing;
-    for (BDIMoniker const &moniker : dialog->GetSelectedNodePaths())
-        std::printf("%s\n", EscapeControlBytes(moniker.GetText()).c_str());
-    return kDone;
+    return Outcome(driver, request, opened, arguments->Value("--shot"));
+}
+
+} // namespace
+
+int RunOpen(std::vector<DString> const &words, int &argc, char **argv) {
+    return RunRequest(kOpenSpec, kLoad, words, argc, argv);
+}
+
+int RunSave(std::vector<DString> const &words, int &argc, char **argv) {
+    return RunRequest(kSaveSpec, kSave, words, argc, argv);
 }
 
 } // namespace zelvar::tool

@@ -146,6 +146,23 @@ TEST_F(DataOperations, ARastersFormatFallsBackToTheStandardTiffAndThenToTheFile)
     EXPECT_EQ(request.current, "Grids");
 }
 
+TEST_F(DataOperations, WithoutAWordOfTheUserLoadingBeginsWithAllFilesAndSavingWithTiff) {
+    Add("More", {{"AB", "ABC before all", "*.ab"}, {"JP", "JPEG", "*.jpg;*.jpeg"}});
+    struct Case {
+        int mode;
+        char const *file, *current;
+    };
+    Case const cases[] = {{0, "", "All Files"},       {0, "x.jpeg", "All Files"}, {0, "x.ab", "ABC before all"},
+                          {1, "", "Big images"},      {1, "x.jpeg", "JPEG"},      {1, "x.png", "Pictures"},
+                          {1, "x.what", "Big images"}};
+    for (Case const &c : cases) {
+        Asked request;
+        request.SetInitFile(c.file);
+        EXPECT_FALSE(request.OpenRasterData(Plugins(), c.mode, false, false, nullptr));
+        EXPECT_EQ(request.current, c.current) << c.mode << c.file;
+    }
+}
+
 TEST_F(DataOperations, ARasterIsNotSavedAsAGridNorAsRawData) {
     Asked request;
     request.answer = folder / "new.png";

@@ -14,7 +14,7 @@ namespace zelvar::platform {
 /// Scroll area below a row of column headings: the columns of a report view, their widths and their order.
 ///
 /// Columns are numbered as they were inserted; where a user has dragged them to is told by the order alone.
-class ColumnArea : public QAbstractScrollArea {
+class ZELVAR_API ColumnArea : public QAbstractScrollArea {
     Q_OBJECT
 
 public:

@@ -24,7 +24,7 @@ QPointer<QWidget> &NamedWindow() {
 /// Sees the dialog's first showing, when its size is known and so is whether it has a place of its own.
 class Placement : public QObject {
 public:
-    using QObject::QObject;
+    Placement(QDialog &dialog, QWidget *below) : QObject(&dialog), m_below(below) {}
 
     bool eventFilter(QObject *watched, QEvent *event) override {
         auto *const dialog = qobject_cast<QDialog *>(watched);
@@ -37,20 +37,22 @@ public:
     }
 
 private:
-    static void Place(QDialog &dialog) {
-        QWidget const *const main = MainWindow();
-        if (main == nullptr || !main->isVisible() || main->window() == &dialog)
+    void Place(QDialog &dialog) const {
+        QWidget const *const below = m_below.isNull() ? MainWindow() : m_below.data();
+        if (below == nullptr || !below->isVisible() || below->window() == &dialog)
             return;
         if (dialog.windowHandle() != nullptr)
-            dialog.windowHandle()->setTransientParent(main->window()->windowHandle());
+            dialog.windowHandle()->setTransientParent(below->window()->windowHandle());
         if (dialog.testAttribute(Qt::WA_Moved))
             return;
         QRect place(QPoint(), dialog.frameGeometry().size());
-        place.moveCenter(main->window()->frameGeometry().center());
-        QRect const available = main->screen()->availableGeometry();
+        place.moveCenter(below->window()->frameGeometry().center());
+        QRect const available = below->screen()->availableGeometry();
         dialog.move(std::max(available.left(), std::min(place.left(), available.right() + 1 - place.width())),
                     std::max(available.top(), std::min(place.top(), available.bottom() + 1 - place.height())));
     }
+
+    QPointer<QWidget> m_below; ///< null for the main window
 };
 
 } // namespace
@@ -82,8 +84,8 @@ bool HasFrame(QWidget const *window) {
 bool IsWindowThread() { return qApp != nullptr && qApp->thread() == QThread::currentThread(); }
 
 void StandOverMainWindow(QDialog &dialog) {
-    if (dialog.parentWidget() == nullptr && MainWindow() != nullptr)
-        dialog.installEventFilter(new Placement(&dialog));
+    if (dialog.parentWidget() == nullptr)
+        dialog.installEventFilter(new Placement(dialog, QApplication::activeModalWidget()));
 }
 
 } // namespace zelvar::platform

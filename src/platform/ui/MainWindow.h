@@ -16,8 +16,8 @@ ZELVAR_API void SetMainWindow(QWidget *window);
 /// Whether the calling thread is the one that windows live on.
 [[nodiscard]] ZELVAR_API bool IsWindowThread();
 
-/// A dialog without a parent stays in front of the main window and comes up in its middle, unless it has a place of its
-/// own. To be called before it is shown.
+/// A dialog without a parent stays in front of the modal dialog that is up, or of the main window, and comes up in its
+/// middle unless it has a place of its own. To be called before it is shown.
 void StandOverMainWindow(QDialog &dialog);
 
 } // namespace zelvar::platform

@@ -17,7 +17,7 @@ namespace zelvar::platform {
 /// Without `LVS_OWNERDATA` it stores texts, image, word and group of each row; with it only a number of rows, which
 /// costs nothing per row, and cells are asked for by `OnGetDispInfo`. The selection is a set of intervals. What happens
 /// is told by virtual functions first; a handler that returns false lets the signal of the same name follow.
-class ReportView : public ColumnArea, private RowSelection::Listener {
+class ZELVAR_API ReportView : public ColumnArea, private RowSelection::Listener {
     Q_OBJECT
 
 public:

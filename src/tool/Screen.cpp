@@ -1,0 +1,43 @@
+#include "zelvar/tool/Screen.h"
+
+#include "zelvar/platform/ui/UserMessages.h"
+
+#include <QtGui/QFontInfo>
+#include <QtWidgets/QApplication>
+
+#include <cstdio>
+
+namespace zelvar::tool {
+
+namespace {
+
+bool HasScreen() { return qEnvironmentVariableIsSet("DISPLAY") || qEnvironmentVariableIsSet("WAYLAND_DISPLAY"); }
+
+} // namespace
+
+bool ChoosePlatform() {
+    if (qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        return !qgetenv("QT_QPA_PLATFORM").startsWith("offscreen");
+    if (HasScreen())
+        return true;
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    std::fputs("zelvar: no display, running off screen\n", stderr);
+    return false;
+}
+
+void AvoidTypewriter() {
+    QFont font = QApplication::font();
+    if (!QFontInfo(font).fixedPitch())
+        return;
+    font.setFamilies({"Liberation Sans", "Arial", "Helvetica"});
+    QApplication::setFont(font);
+}
+
+void SpeakOnStderr() {
+    platform::SetUserMessageHook([](Report::Severity, DString const &text) {
+        std::fprintf(stderr, "zelvar: %s\n", text.c_str());
+        return true;
+    });
+}
+
+} // namespace zelvar::tool

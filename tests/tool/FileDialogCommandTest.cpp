@@ -1,0 +1,147 @@
+// `zelvar open` and `zelvar save` through both dialogs.
+#include "RunCommand.h"
+#include "support/ImageFiles.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+namespace zelvar {
+namespace {
+
+using test::Outcome;
+using test::Zelvar;
+using testing::HasSubstr;
+
+class FileDialogCommand : public testing::Test {
+protected:
+    FileDialogCommand() { test::WriteImage(folder / "grey.tif", {.width = 60, .height = 30}); }
+    /// A run with settings of its own.
+    [[nodiscard]] Outcome Run(std::vector<std::string> const &words) const {
+        return Zelvar(words, "ZELVAR_SETTINGS=" + test::Quoted(settings / "s.db"));
+    }
+    /// The line of `zelvar info` for the picture's width.
+    [[nodiscard]] static bool IsImage(std::string moniker) {
+        moniker.pop_back(); // the line's end
+        return Zelvar({"info", moniker}).out.find("Image Width\t") != std::string::npos;
+    }
+
+    test::TempFolder folder;
+    test::TempFolder settings;
+};
+
+struct KindCase {
+    char const *kind;
+    char const *file; ///< that can be picked
+    char const *title;
+    char const *saved; ///< what saving "new" gives; null if there is nothing to save
+};
+
+TEST_F(FileDialogCommand, EachKindIsOpenedAndSavedByItsOperation) {
+    KindCase const cases[] = {{"raster", "grey.tif", "Import Image Layer...", "new.tif"},
+                              {"thematic", "grey.tif", "Import Thematic Layer...", "new.tif"},
+                              {"attributes", "a.csv", "Load Attributes...", "new.csv"},
+                              {"metadata", "a.csv", "Import MetaData...", nullptr},
+                              {"table", "a.txt", "Load Table...", "new.txt"},
+                              {"tiff", "grey.tif", "Load TIFF Image...", "new.tif"},
+                              {"xml", "a.xml", "Load XML File...", "new.xml"},
+                              {"project", "a.mvp", "Open Project...", "new.mvp"},
+                              {"workspace", "a.mvw", "Open Workspace...", "new.mvw"},
+                              {"process", "a.mvr", "Load Process...", "new.mvr"},
+                              {"ruleset", "a.mvt", "Load Rule Set...", "new.mvr"},
+                              {"solution", "a.mvs", "Load Analysis Solution...", "new.mvs"},
+                              {"all", "anything", "Load Data...", "new"}};
+    for (KindCase const &c : cases) {
+        SCOPED_TRACE(c.kind);
+        if (!std::filesystem::exists(folder / c.file))
+            folder.Write(c.file);
+        Outcome const open = Run({"open", folder.Path(), "--for", c.kind, "--select", c.file, "--accept"});
+        EXPECT_EQ(open.out, folder / c.file + "\n") << open.err;
+        EXPECT_EQ(open.exitCode, 0);
+        Outcome const save = Run({"save", folder / "new", "--for", c.kind, "--accept"});
+        EXPECT_EQ(save.exitCode, c.saved == nullptr ? 2 : 0) << save.err;
+        EXPECT_EQ(save.out, c.saved == nullptr ? "" : folder / c.saved + "\n");
+    }
+}
+
+TEST_F(FileDialogCommand, WhatIsPrintedOpensTheSameImageAgain) {
+    for (char const *name : {"a b.tif", "a&b.tif", "100%41.tif", "#1.tif", "a?b.tif", "a?b=1.tif", "it's \"it\".tif",
+                             "gr\xc3\xbc\xc3\x9f.tif", "-x.tif", "a;b|c.tif"}) {
+        SCOPED_TRACE(name);
+        std::filesystem::copy_file(folder / "grey.tif", folder / name);
+        for (std::vector<std::string> words : {std::vector<std::string>{}, {"--standard"}}) {
+            std::string const select = std::string("--select=") + name;
+            words.insert(words.begin(), {"open", folder.Path(), select, "--accept"});
+            Outcome const open = Run(words);
+            EXPECT_EQ(open.out, folder / name + "\n") << open.err;
+            EXPECT_TRUE(IsImage(open.out));
+        }
+    }
+}
+
+TEST_F(FileDialogCommand, ThePlatformsDialogPicksFilesByTheirNames) {
+    test::WriteImage(folder / "b.tif");
+    std::vector<std::string> words{"open",           folder.Path(), "--standard", "--select",   "grey.tif",
+                                   "--select",       "b.tif",       "--accept",   "--multiple", "--shot",
+                                   folder / "s.png", "--title",     "Mine"};
+    Outcome const both = Run(words);
+    EXPECT_EQ(both.out, folder / "b.tif\n" + folder / "grey.tif\n") << both.err << "sorted by name";
+    EXPECT_EQ(test::ReadFile(folder / "s.png").substr(1, 3), "PNG");
+    EXPECT_EQ(Run({"open", folder.Path(), "--standard"}).exitCode, 1) << "nobody could press anything";
+    EXPECT_EQ(Run({"open", folder.Path(), "--standard", "--recursive"}).exitCode, 2);
+    EXPECT_EQ(Run({"open", folder.Path(), "--standard", "--filter", "*.tif"}).exitCode, 2);
+    EXPECT_EQ(Run({"open", folder / "grey.tif", "--standard", "--accept"}).out, folder / "grey.tif\n")
+        << "the file stands in the field";
+}
+
+TEST_F(FileDialogCommand, OneItemIsPickedUnlessSeveralAreWanted) {
+    test::WriteImage(folder / "b.tif");
+    std::vector<std::string> const names{"--select", "grey.tif", "--select", "b.tif", "--accept"};
+    std::vector<std::string> words{"open", folder.Path()};
+    words.insert(words.end(), names.begin(), names.end());
+    EXPECT_EQ(Run(words).exitCode, 2);
+    words.emplace_back("--multiple");
+    EXPECT_EQ(Run(words).exitCode, 0);
+}
+
+TEST_F(FileDialogCommand, SavingOverAFileIsAskedAboutAndAScriptSaysNo) {
+    std::vector<std::string> words{"save", folder.Write("there.mvp"), "--for", "project", "--accept"};
+    Outcome const asked = Run(words);
+    EXPECT_EQ(asked.exitCode, 1);
+    EXPECT_EQ(asked.out, "");
+    EXPECT_THAT(asked.err, HasSubstr("answered no: there.mvp already exists."));
+    words.emplace_back("--overwrite");
+    EXPECT_EQ(Run(words).out, folder / "there.mvp\n");
+}
+
+TEST_F(FileDialogCommand, FaultsAreToldByTheExitCode) {
+    struct Case {
+        std::vector<std::string> words;
+        int exitCode;
+    };
+    Case const cases[] = {{{"save"}, 2},
+                          {{"save", "--for", "nothing"}, 2},
+                          {{"save", "x", "--for", "metadata"}, 2},
+                          {{"save", "x", "--for", "project", "--select", "y"}, 2},
+                          {{"save", folder / "no/folder/x", "--for", "project", "--accept"}, 3},
+                          {{"save", folder / "grey.tif/x", "--for", "project", "--accept"}, 3},
+                          {{"save", folder.Path(), "--for", "project", "--accept"}, 1}, // no name to save under
+                          {{"save", folder / "x", "--for", "project"}, 1},              // nobody presses OK
+                          {{"open", folder.Path(), "--for", "xml", "--select=grey.tif", "--size", "9"}, 2},
+                          {{"open", "", "--accept"}, 3}};
+    for (Case const &c : cases) {
+        Outcome const outcome = Run(c.words);
+        EXPECT_EQ(outcome.exitCode, c.exitCode) << testing::PrintToString(c.words) << outcome.err;
+        EXPECT_EQ(outcome.out, "");
+    }
+}
+
+TEST_F(FileDialogCommand, TheFolderIsRememberedForTheNextRun) {
+    folder.Write("a.mvp");
+    EXPECT_EQ(Run({"open", folder.Path(), "--for", "project", "--select", "a.mvp", "--accept"}).exitCode, 0);
+    EXPECT_EQ(Run({"open", "--for", "project", "--select", "a.mvp", "--accept"}).out, folder / "a.mvp\n");
+}
+
+} // namespace
+} // namespace zelvar
