@@ -15,6 +15,9 @@ constexpr char kUsageText[] =
     "  ls PLACE [--folders] [--recursive] [--filter MASK] [--sort name|size|date] [--descending] [--json]\n"
     "  info MONIKER [--preview FILE.png]                     properties and preview of one item\n"
     "  sources                                               the rows of the data source list\n"
+    "  histogram FILE [--band N | --column C] [--slots N] [--print] [--shot FILE.png] [--size WxH]\n"
+    "  plot FILE --x COLUMN --y COLUMN [--line] [--shot FILE.png] [--size WxH]\n"
+    "                                                        charts of samples and columns; print what is picked\n"
     "KIND: raster (default of open), thematic, attributes, metadata (open only), table, tiff, xml, project, "
     "workspace,\n"
     "process, ruleset, solution, all.\n"
@@ -35,6 +38,10 @@ int Run(int argc, char **argv) {
         return RunOpen(words, argc, argv);
     if (command == "save")
         return RunSave(words, argc, argv);
+    if (command == "histogram")
+        return RunHistogram(words, argc, argv);
+    if (command == "plot")
+        return RunPlot(words, argc, argv);
     if (command == "--help" || command == "help") {
         std::fputs(kUsageText, stdout);
         return kDone;

@@ -1,6 +1,7 @@
 #include "zelvar/charts/core/PlotGeometry.h"
 
 #include "zelvar/charts/core/MarkerField.h"
+#include "zelvar/charts/core/NiceTicks.h"
 #include "zelvar/charts/core/PlotSelection.h"
 
 #include <gtest/gtest.h>
@@ -157,6 +158,32 @@ TEST(PlotSelection, KeysStepAlongX) {
     EXPECT_EQ(StepToPoint(points, PlotStep::First, 3), 1U);
     EXPECT_EQ(StepToPoint(points, PlotStep::Last, 1), 3U);
     EXPECT_EQ(StepToPoint({}, PlotStep::Next, 1), std::nullopt);
+}
+
+TEST(NiceTicks, HoldTheRangeBetweenRoundNumbers) {
+    struct Case {
+        double minimum;
+        double maximum;
+        NiceAxis axis;
+    };
+    Case const cases[] = {
+        {0, 100, {0, 100, 20}},
+        {3, 97, {0, 100, 20}},
+        {-0.3, 0.9, {-0.4, 1.0, 0.2}},
+        {1e6, 1e6, {5e5, 1.5e6, 2e5}},
+        {0, 0, {-0.6, 0.6, 0.2}},
+        {0, HUGE_VAL, {0, 1, 1}},
+        {5, 1, {0, 1, 1}},
+    };
+    for (Case const &c : cases) {
+        SCOPED_TRACE(c.maximum);
+        NiceAxis const axis = NiceAxisOver(c.minimum, c.maximum, 6);
+        EXPECT_NEAR(axis.step, c.axis.step, std::abs(c.axis.step) * 1e-9);
+        EXPECT_LE(axis.minimum, c.axis.minimum + 1e-9);
+        EXPECT_NEAR(axis.maximum, c.axis.maximum, std::abs(c.axis.step) * 1.001);
+    }
+    NiceAxis const wide = NiceAxisOver(-1.7e308, 1.7e308, 6);
+    EXPECT_TRUE(std::isfinite(wide.step) && std::isfinite(wide.minimum) && std::isfinite(wide.maximum));
 }
 
 TEST(MarkerField, IsEveryMarkerDrawnInTurn) {

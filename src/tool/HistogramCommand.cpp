@@ -1,0 +1,113 @@
+#include "zelvar/charts/CHstgCtrl.h"
+#include "zelvar/data/ADIFile.h"
+#include "zelvar/data/HistogramReader.h"
+#include "zelvar/library/ZelvarInit.h"
+#include "zelvar/tool/ChartWindow.h"
+#include "zelvar/tool/Commands.h"
+#include "zelvar/tool/Screen.h"
+#include "zelvar/tool/TableColumns.h"
+
+#include <QtWidgets/QApplication>
+
+#include <charconv>
+#include <cstdio>
+
+namespace zelvar::tool {
+
+namespace {
+
+CommandSpec const kSpec{
+    .usage = "histogram FILE [--band N | --column C] [--slots N] [--print] [--shot FILE.png] [--size WxH]",
+    .flags = {"--print"},
+    .values = {"--band", "--column", "--slots", "--shot", "--size"},
+    .minArguments = 1,
+    .maxArguments = 1,
+};
+
+constexpr int kMostSlots = 1'000'000;
+constexpr int kFewSlots = 16; // that have room for texts
+
+/// A whole number from 1 to `most`.
+std::optional<int> CountIn(DString const &text, int most) {
+    int count = 0;
+    auto const [end, error] = std::from_chars(text.data(), text.data() + text.size(), count);
+    bool const isWhole = error == std::errc{} && end == text.data() + text.size();
+    return isWhole && count >= 1 && count <= most ? std::optional(count) : std::nullopt;
+}
+
+bool ReadData(Arguments const &arguments, int band, int slots, DHstg &histogram, DString &reason) {
+    DString const &file = arguments.words.front();
+    if (!arguments.values.contains("--column")) {
+        DError error;
+        bool const isRead = ReadHistogram({file, nullptr}, "", band - 1, slots, nullptr, histogram, &error);
+        reason = error.Text();
+        return isRead;
+    }
+    ADIFile table(DFile(file), "", tdFormatAccess_Read, nullptr, nullptr);
+    reason = table.GetError();
+    if (!table.IsOpen())
+        return false;
+    int const column = FindColumn(table, arguments.Value("--column"));
+    reason = "there is no column '" + arguments.Value("--column") + "'";
+    return column >= 0 && ReadHistogram(table, column, slots, nullptr, histogram);
+}
+
+void PrintSlot(DHstg const &histogram, int slot) {
+    std::printf("%.10g\t%.10g\t%d\n", histogram.GetSlotClss(slot), histogram.GetSlotClss(slot + 1),
+                histogram.GetSlotVal(slot));
+}
+
+} // namespace
+
+int RunHistogram(std::vector<DString> const &words, int &argc, char **argv) {
+    DString error;
+    std::optional<Arguments> const arguments = ParseArguments(kSpec, words, error);
+    if (!arguments)
+        return UsageError(kSpec, error);
+    std::optional<int> const slots = CountIn(arguments->Value("--slots", "32"), kMostSlots);
+    std::optional<int> const band = CountIn(arguments->Value("--band", "1"), kMostSlots);
+    std::optional<WindowSize> const size = ParseSize(arguments->Value("--size", "800x600"));
+    if (!slots || !band)
+        return UsageError(kSpec, "slots and bands are counted from 1");
+    if (!size)
+        return UsageError(kSpec, "a size is written as 640x480");
+    if (arguments->values.contains("--band") && arguments->values.contains("--column"))
+        return UsageError(kSpec, "a file has bands or columns");
+
+    bool const printsOnly = arguments->Has("--print");
+    bool const attended = printsOnly || ChoosePlatform();
+    std::optional<QApplication> application;
+    if (!printsOnly) {
+        application.emplace(argc, argv);
+        AvoidTypewriter();
+    }
+    ZelvarInit();
+    DHstg histogram;
+    DString reason;
+    DString const &file = arguments->words.front();
+    if (!ReadData(*arguments, *band, *slots, histogram, reason))
+        return Failure("cannot read '" + file + "'" + (reason.empty() ? "" : ": " + reason));
+    if (printsOnly) {
+        for (int slot = 0; slot < histogram.m_numSlot; ++slot)
+            PrintSlot(histogram, slot);
+        return histogram.m_numSlot == 0 ? kNothing : kDone;
+    }
+    auto &chart = *new CHstgCtrl;
+    chart.SetAutoScale(true);
+    chart.DrawTextA(*slots <= kFewSlots);
+    chart.DrawFreq(*slots <= kFewSlots);
+    chart.SetHstg(&histogram);
+    ChartWindow window(chart, BDIMoniker(file, nullptr).GetDisplayName(), [&] {
+        if (int const slot = chart.GetSlctSlot(); slot >= 0 && slot < histogram.m_numSlot)
+            PrintSlot(histogram, slot);
+        else
+            std::puts("none");
+        std::fflush(stdout);
+    });
+    window.resize(size->width, size->height);
+    bool const shown = window.Run(attended, arguments->Value("--shot"));
+    ZelvarShutdown();
+    return shown ? kDone : Failure("cannot write '" + arguments->Value("--shot") + "'");
+}
+
+} // namespace zelvar::tool

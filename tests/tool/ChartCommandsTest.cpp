@@ -1,0 +1,75 @@
+#include "RunCommand.h"
+#include "support/ImageFiles.h"
+#include "support/TestFiles.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+namespace zelvar {
+namespace {
+
+using test::Outcome;
+using test::Zelvar;
+using testing::HasSubstr;
+
+class ChartCommands : public testing::Test {
+protected:
+    test::TempFolder m_folder;
+    DString m_table = m_folder.Write("t.csv", "name,x,y\r\na,1,10\r\nb,2,20\r\nc,,30\r\nd,4,none\r\ne,5,50\r\n");
+};
+
+TEST_F(ChartCommands, HistogramPrintsEdgesAndCountsOfABandOrAColumn) {
+    DString const image = m_folder / "a.tif";
+    test::WriteImage(image, {.width = 10, .height = 10, .channels = 2, .sample = [](int channel, int x, int) {
+                                 return channel * 100 + x;
+                             }});
+    EXPECT_EQ(Zelvar({"histogram", image, "--print", "--slots", "3"}).out, "0\t3\t30\n3\t6\t30\n6\t9\t40\n");
+    EXPECT_EQ(Zelvar({"histogram", image, "--band", "2", "--print", "--slots", "1"}).out, "100\t109\t100\n");
+    EXPECT_EQ(Zelvar({"histogram", m_table, "--column", "y", "--print", "--slots", "2"}).out, "10\t30\t2\n30\t50\t2\n");
+    EXPECT_EQ(Zelvar({"histogram", m_table, "--column", "2", "--print", "--slots", "1"}).out, "1\t5\t4\n");
+    EXPECT_EQ(Zelvar({"histogram", m_table, "--column", "name", "--print"}).exitCode, 1); // no numbers
+}
+
+TEST_F(ChartCommands, PicturesAreTakenWithoutAScreen) {
+    DString const first = m_folder / "h.png";
+    Outcome const histogram = Zelvar({"histogram", m_table, "--column", "x", "--shot", first, "--size", "300x200"},
+                                     "QT_QPA_PLATFORM=offscreen");
+    EXPECT_EQ(histogram.exitCode, 0) << histogram.err;
+    EXPECT_GT(std::filesystem::file_size(first), 500U);
+    DString const second = m_folder / "p.png";
+    Outcome const plot =
+        Zelvar({"plot", m_table, "--x", "x", "--y", "y", "--line", "--shot", second}, "QT_QPA_PLATFORM=offscreen");
+    EXPECT_EQ(plot.exitCode, 0) << plot.err;
+    EXPECT_GT(std::filesystem::file_size(second), 500U);
+    EXPECT_EQ(Zelvar({"plot", m_table, "--x", "name", "--y", "y"}, "QT_QPA_PLATFORM=offscreen").exitCode, 1);
+}
+
+TEST_F(ChartCommands, WhatCannotBeDoneIsTold) {
+    struct Case {
+        std::vector<std::string> words;
+        int exitCode;
+        char const *says;
+    };
+    Case const cases[] = {
+        {{"histogram", m_folder / "none.tif", "--print"}, 3, "none.tif"},
+        {{"histogram", m_table, "--column", "z", "--print"}, 3, "there is no column 'z'"},
+        {{"histogram", m_table, "--slots", "0", "--print"}, 2, "counted from 1"},
+        {{"histogram", m_table, "--band", "1", "--column", "x"}, 2, "bands or columns"},
+        {{"histogram", m_table, "--size", "big"}, 2, "640x480"},
+        {{"plot", m_table, "--x", "x"}, 2, "--y"},
+        {{"plot", m_table, "--x", "x", "--y", "9"}, 3, "there is no column '9'"},
+        {{"plot", m_folder / "none.csv", "--x", "x", "--y", "y"}, 3, "none.csv"},
+        {{"plot", m_table, "--x", "x", "--y", "y", "--shot", "/nowhere/a.png"}, 3, "cannot write"},
+    };
+    for (Case const &c : cases) {
+        Outcome const outcome = Zelvar(c.words, "QT_QPA_PLATFORM=offscreen");
+        EXPECT_EQ(outcome.exitCode, c.exitCode) << c.says;
+        EXPECT_THAT(outcome.err, HasSubstr(c.says));
+        EXPECT_EQ(outcome.out, "");
+    }
+}
+
+} // namespace
+} // namespace zelvar
