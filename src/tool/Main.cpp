@@ -18,6 +18,7 @@ constexpr char kUsageText[] =
     "  histogram FILE [--band N | --column C] [--slots N] [--print] [--shot FILE.png] [--size WxH]\n"
     "  plot FILE --x COLUMN --y COLUMN [--line] [--shot FILE.png] [--size WxH]\n"
     "                                                        charts of samples and columns; print what is picked\n"
+    "  gallery [--page NAME] [--shot FILE.png] [--size WxH]  controls to play with\n"
     "KIND: raster (default of open), thematic, attributes, metadata (open only), table, tiff, xml, project, "
     "workspace,\n"
     "process, ruleset, solution, all.\n"
@@ -42,6 +43,8 @@ int Run(int argc, char **argv) {
         return RunHistogram(words, argc, argv);
     if (command == "plot")
         return RunPlot(words, argc, argv);
+    if (command == "gallery")
+        return RunGallery(words, argc, argv);
     if (command == "--help" || command == "help") {
         std::fputs(kUsageText, stdout);
         return kDone;

@@ -1,0 +1,57 @@
+#include "zelvar/library/ZelvarInit.h"
+#include "zelvar/tool/Commands.h"
+#include "zelvar/tool/Gallery.h"
+#include "zelvar/tool/Screen.h"
+
+#include <QtCore/QFile>
+#include <QtCore/QTimer>
+#include <QtWidgets/QApplication>
+
+namespace zelvar::tool {
+
+namespace {
+
+CommandSpec const kSpec{
+    .usage = "gallery [--page NAME] [--shot FILE.png] [--size WxH]",
+    .flags = {},
+    .values = {"--page", "--shot", "--size"},
+    .minArguments = 0,
+    .maxArguments = 0,
+};
+
+} // namespace
+
+int RunGallery(std::vector<DString> const &words, int &argc, char **argv) {
+    DString error;
+    std::optional<Arguments> const arguments = ParseArguments(kSpec, words, error);
+    if (!arguments)
+        return UsageError(kSpec, error);
+    std::optional<WindowSize> const size = ParseSize(arguments->Value("--size", "900x600"));
+    if (!size)
+        return UsageError(kSpec, "a size is written as 640x480");
+    bool const attended = ChoosePlatform();
+    QApplication const application(argc, argv);
+    AvoidTypewriter();
+    ZelvarInit();
+    Gallery gallery;
+    if (arguments->values.contains("--page") && !gallery.ShowPage(arguments->Value("--page"))) {
+        DString names;
+        for (GalleryPage const &page : GalleryPages())
+            names += DString(names.empty() ? "" : ", ") + page.name;
+        return UsageError(kSpec, "the pages are " + names);
+    }
+    gallery.resize(size->width, size->height);
+    gallery.show();
+    bool written = true;
+    if (!attended || arguments->values.contains("--shot"))
+        QTimer::singleShot(0, &gallery, [&] {
+            if (arguments->values.contains("--shot"))
+                written = gallery.grab().save(QFile::decodeName(arguments->Value("--shot").c_str()), "PNG");
+            gallery.close();
+        });
+    QApplication::exec();
+    ZelvarShutdown();
+    return written ? kDone : Failure("cannot write '" + arguments->Value("--shot") + "'");
+}
+
+} // namespace zelvar::tool
