@@ -1,5 +1,5 @@
-#include "RunCommand.h"
 #include "support/ImageFiles.h"
+#include "support/RunCommand.h"
 #include "support/TestFiles.h"
 
 #include <gmock/gmock.h>

@@ -1,5 +1,5 @@
-#include "RunCommand.h"
 #include "support/ImageFiles.h"
+#include "support/RunCommand.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 // `zelvar open` and `zelvar save` through both dialogs.
-#include "RunCommand.h"
 #include "support/ImageFiles.h"
+#include "support/RunCommand.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
