@@ -3,6 +3,7 @@
 #include "zelvar/base/PathStyle.h"
 #include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/filedlg/BuiltInFormats.h"
+#include "zelvar/filedlg/CDlgSlctDir.h"
 #include "zelvar/filedlg/FileDlg.h"
 #include "zelvar/filedlg/RememberedFolders.h"
 #include "zelvar/platform/ui/MainWindow.h"
@@ -167,9 +168,13 @@ bool FileDlg::OpenWzrd() {
 bool FileDlg::OpenActnLib(int mode) {
     if (mode != kLoad)
         return false;
-    DString folder;
-    if (folder.empty())
+    CDlgSlctDir browser(platform::MainWindow());
+    browser.SetKey("ActnLibDir");
+    browser.SetTitle("Load Action Library...");
+    browser.SetFilter("*.dlx");
+    if (browser.DoBrowse() == 0)
         return false;
+    DString folder = browser.GetPath();
     while (folder.ends_with('/') || folder.ends_with('\\'))
         folder.pop_back();
     DFileFind const libraries(folder.empty() ? "/" : folder, "*.dlx", true, false, false, true, 1);

@@ -5,6 +5,7 @@
 #include "zelvar/base/DCnfg.h"
 #include "zelvar/base/SettingsStore.h"
 #include "zelvar/controls/CZelComboBox.h"
+#include "zelvar/filedlg/FileDlg.h"
 #include "zelvar/settings/DfltFldrs.h"
 
 namespace zelvar {
@@ -114,6 +115,35 @@ TEST_F(SelectDirectory, TheFolderIsRememberedUnderItsKey) {
     EXPECT_EQ(Browse(third, [&](FileDialogHand const &hand) { EXPECT_EQ(Shown(hand), folder / "chosen"); }), "");
     EXPECT_EQ(Profile::GetString("Settings", "ActnLibDir", ""), folder / "known") << "nothing was chosen";
     EXPECT_EQ(CDlgSlctDir::strPrtclDir, "Protocol Operation Folder");
+}
+
+TEST_F(SelectDirectory, AnActionLibraryIsTheLibraryFileInAFolder) {
+    TempFolder const folder;
+    folder.Write("lib/b.dlx");
+    folder.Write("lib/a.dlx");
+    folder.Write("lib/a.txt");
+    folder.Folder("other");
+    DfltFldrs::Instance()->SaveDirHist("ActnLibDir", folder.Path());
+    FileDlg request;
+    auto const done = test::OnNextDialog([&](QWidget &window) {
+        FileDialogHand const hand(window);
+        EXPECT_EQ(hand.Dialog().windowTitle(), "Load Action Library...");
+        hand.ClickRow("other");
+        EXPECT_FALSE(Ok(hand).isEnabled());
+        hand.ClickRow("lib");
+        test::Click(&Ok(hand));
+    });
+    ASSERT_TRUE(request.OpenActnLib(0));
+    EXPECT_TRUE(*done);
+    ASSERT_EQ(request.GetNumSlctFiles(), 1);
+    EXPECT_EQ(request.GetFile(0)->GetText(), folder / "lib/a.dlx");
+    EXPECT_EQ(request.GetFile(0)->GetDrvr(), nullptr);
+    EXPECT_EQ(Profile::GetString("Settings", "ActnLibDir", ""), folder / "lib");
+
+    FileDlg cancelled;
+    test::OnNextDialog([](QWidget &) {});
+    EXPECT_FALSE(cancelled.OpenActnLib(0));
+    EXPECT_EQ(cancelled.GetNumSlctFiles(), 0);
 }
 
 TEST_F(SelectDirectory, ABrowserWithAStartFolderKeepsASecondOneAway) {
