@@ -9,6 +9,7 @@ mkdir "$scratch/empty" "$scratch/definitions"
 build/release/bench/zelvar_bench_core "$@"
 build/release/bench/zelvar_bench_gui "$@"
 build/release/bench/zelvar_bench_reader "$@"
+build/release/bench/zelvar_bench_dialogs "$@"
 
 # Starts of the command, whole processes: the median of 15. Nothing found is no failure.
 median_ms() {
