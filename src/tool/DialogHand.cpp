@@ -69,9 +69,8 @@ private:
 /// The platform's dialog. A name to be loaded is picked in its list, one to be saved is what stands in its field.
 class PlatformDialogHand final : public DialogHand {
 public:
-    explicit PlatformDialogHand(QFileDialog &dialog)
-        : m_dialog(dialog), m_list(dialog.findChild<QAbstractItemView *>("listView")) {}
-    [[nodiscard]] bool IsReady() const override { return m_dialog.isVisible() && m_list != nullptr; }
+    explicit PlatformDialogHand(QFileDialog &dialog) : m_dialog(dialog) {}
+    [[nodiscard]] bool IsReady() const override { return m_dialog.isVisible() && List() != nullptr; }
     [[nodiscard]] std::vector<DString> OwnNames(std::vector<DString> const &names) const override {
         DString const folder = platform::ToDString(m_dialog.directory().absolutePath());
         std::vector<DString> own;
@@ -83,24 +82,32 @@ public:
         return own;
     }
     bool Select(std::vector<DString> const &names) override {
-        QAbstractItemModel const &model = *m_list->model();
-        QModelIndex const root = m_list->rootIndex();
+        QAbstractItemView *const list = List();
+        if (list == nullptr)
+            return false;
+        QAbstractItemModel const &model = *list->model();
+        QModelIndex const root = list->rootIndex();
         auto const rows = RowsOf(names, model.rowCount(root), [&](int row) {
             return platform::ToDString(model.index(row, 0, root).data().toString());
         });
         if (!rows)
             return false;
-        if (!rows->empty())
-            m_list->clearSelection();
+        if (rows->empty())
+            return true;
+        list->setFocus(); // as a click does: a field that has the focus is not written to
+        list->clearSelection();
         for (int const row : *rows)
-            m_list->selectionModel()->select(model.index(row, 0, root),
-                                             QItemSelectionModel::Select | QItemSelectionModel::Rows);
+            list->selectionModel()->select(model.index(row, 0, root),
+                                           QItemSelectionModel::Select | QItemSelectionModel::Rows);
         return true;
     }
     [[nodiscard]] bool ArePicked(std::vector<DString> const &names) const override {
-        return names.empty() ||
-               (static_cast<std::size_t>(m_list->selectionModel()->selectedRows().size()) == names.size() &&
-                !m_dialog.findChild<QLineEdit *>("fileNameEdit")->text().isEmpty());
+        if (names.empty())
+            return true;
+        QAbstractItemView const *const list = List();
+        return list != nullptr &&
+               static_cast<std::size_t>(list->selectionModel()->selectedRows().size()) == names.size() &&
+               !m_dialog.findChild<QLineEdit *>("fileNameEdit")->text().isEmpty();
     }
     [[nodiscard]] QAbstractButton *OkButton() const override {
         auto const *const box = m_dialog.findChild<QDialogButtonBox *>("buttonBox");
@@ -109,8 +116,15 @@ public:
     }
 
 private:
+    /// The one of its two views that can be seen.
+    [[nodiscard]] QAbstractItemView *List() const {
+        for (char const *name : {"listView", "treeView"})
+            if (auto *const view = m_dialog.findChild<QAbstractItemView *>(name); view != nullptr && view->isVisible())
+                return view;
+        return nullptr;
+    }
+
     QFileDialog &m_dialog;
-    QAbstractItemView *m_list;
 };
 
 /// The selector of nodes in a container: a name is a row of its list, or a container of its tree.

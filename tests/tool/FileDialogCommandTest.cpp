@@ -23,7 +23,9 @@ protected:
     }
     /// The line of `zelvar info` for the picture's width.
     [[nodiscard]] static bool IsImage(std::string moniker) {
-        moniker.pop_back(); // the line's end
+        if (!moniker.ends_with('\n'))
+            return false;
+        moniker.pop_back();
         return Zelvar({"info", moniker}).out.find("Image Width\t") != std::string::npos;
     }
 
