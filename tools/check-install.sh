@@ -5,7 +5,7 @@ set -euo pipefail
 source=$(cd "$(dirname "$0")/.." && pwd)
 scratch=$(mktemp -d); trap 'rm -rf "$scratch"' EXIT
 cmake --install "$1" --prefix "$scratch/usr" >/dev/null
-cp "$source/docs/examples/open-dialog.cpp" "$scratch/main.cpp"
+cp "$source/docs/examples/open-and-save.cpp" "$scratch/main.cpp"
 cat >"$scratch/CMakeLists.txt" <<'CMAKE'
 cmake_minimum_required(VERSION 3.25)
 project(app LANGUAGES CXX)
