@@ -374,6 +374,7 @@ TEST_F(Request, BothDialogsStandOverTheMainWindow) {
         Profile::SetRegistryKey("Never used before");
         Answer([&] { return request.OpenXMLData(mode, "A"); }, "",
                [&](QWidget &dialog) {
+                   test::Shot(dialog, mode == 0 ? "filedlg-load-xml" : "filedlg-save-xml");
                    EXPECT_TRUE(dialog.isModal());
                    EXPECT_EQ(dialog.parentWidget(), nullptr);
                    QRect const screen = dialog.screen()->availableGeometry();

@@ -126,6 +126,7 @@ TEST_F(RealFiles, AllOfTheDriversFormatsAreOfferedAndTheDialogShowsTheFolderOfAC
                          DSListCtrl const &list = *dynamic_cast<DlgOpenDS &>(dialog).MainList();
                          EXPECT_TRUE(test::Eventually([&] { return list.GetNumRow() == 2; }));
                          node = list.ItemAt(1)->GetPath();
+                         test::Shot(dialog, "filedlg-load-raster");
                      });
     EXPECT_GT(shown.types.size(), 60U);
     EXPECT_EQ(shown.type, "All Files");
