@@ -1,11 +1,9 @@
 // Which dialog a request gets, and how each is filled and read.
 #include "zelvar/base/DCnfg.h"
 #include "zelvar/base/PathStyle.h"
-#include "zelvar/data/RequestScope.h"
 #include "zelvar/filedlg/CCustomFileDlg.h"
 #include "zelvar/filedlg/FileDlg.h"
 #include "zelvar/filedlg/RememberedFolders.h"
-#include "zelvar/model/PlaceResolver.h"
 #include "zelvar/opends/DlgOpenDS.h"
 #include "zelvar/platform/ui/MainWindow.h"
 #include "zelvar/settings/DfltFldrs.h"
@@ -14,15 +12,12 @@
 
 #include <memory>
 
-#include <sys/stat.h>
-
 namespace zelvar {
 
 namespace {
 
 constexpr char kOptionsSection[] = "Options";
 constexpr char kStandardDialogOption[] = "General_Use standard windows file selection dialog";
-constexpr std::chrono::milliseconds kPlacePatience{250}; // for a place to begin at
 
 bool IsPresent(char const *text) { return text != nullptr && *text != '\0'; }
 
@@ -32,21 +27,10 @@ bool TakesOwnDialog(int mode) {
            platform::IsWindowThread() && platform::HasFrame(platform::MainWindow());
 }
 
-/// The item to begin at where it is no plain file or folder; null for those, for what is not there, and for a place
-/// that does not answer soon.
-RefItemPtr<DataSourceItem> InitialItem(DString const &place) {
-    struct stat status {};
-    bool const isPath = !IsUrl(place) && AnswersSoon(place) && stat(place.c_str(), &status) == 0;
-    if (place.empty() || isPath)
-        return nullptr;
-    RequestScope const scope(RequestKind::List, {}, kPlacePatience);
-    RefItemPtr<DataSourceItem> item = ItemFromPlace(place);
-    // What holds nothing stands for what it lies in.
-    if (item != nullptr && !item->IsFolder()) {
-        item->BuildParents();
-        item = item->GetParent();
-    }
-    return item;
+/// The place without the options behind it.
+DString InitialPlace(DString const &place) {
+    bool const mayHaveOptions = place.find('?') != DString::npos && !IsUrl(place) && AnswersSoon(place);
+    return mayHaveOptions ? BDIMoniker(place, nullptr).GetSource() : place;
 }
 
 /// The path on disk that the platform's dialog begins at, split where its parts are asked for. A folder may be written
@@ -87,10 +71,8 @@ bool FileDlg::OpenMFCFileDlgNew(int, char const *, int, char const *, char const
     if (dialog == nullptr)
         return false;
     dialog->SetBDIFilter(m_nodeMask);
-    if (RefItemPtr<DataSourceItem> const item = InitialItem(m_initFile); item != nullptr)
-        dialog->SetInitItem(item);
-    else
-        dialog->SetInitDir(m_initFile.c_str());
+    // Also an address, a node inside a container or a connection: the dialog looks for it once it can be seen.
+    dialog->SetInitDir(InitialPlace(m_initFile).c_str());
     dialog->SetTitle(m_caption.c_str());
     // Before the dialog runs: after a cancel the current format is the first, not what the caller had.
     m_format = m_formats.empty() ? nullptr : m_formats.front();

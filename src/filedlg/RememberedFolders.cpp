@@ -1,6 +1,7 @@
 #include "zelvar/filedlg/RememberedFolders.h"
 
 #include "zelvar/base/DCnfg.h"
+#include "zelvar/base/PathStyle.h"
 #include "zelvar/data/PlaceCheck.h"
 #include "zelvar/data/RequestScope.h"
 
@@ -34,7 +35,8 @@ void WriteFolder(char const *key, DString const &folder) {
 
 bool AnswersSoon(DString const &path) {
     RequestScope const scope(RequestKind::Probe, {}, kPatience);
-    return DoesPlaceAnswer(path);
+    std::size_t const begin = IsUrl(path) ? DString::npos : path.find('/'); // behind what a driver puts before a path
+    return begin == DString::npos || DoesPlaceAnswer(path.substr(begin));
 }
 
 bool CanBeginIn(DString const &folder, int mode) {

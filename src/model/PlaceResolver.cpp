@@ -1,6 +1,7 @@
 #include "zelvar/model/PlaceResolver.h"
 
 #include "zelvar/data/BDIMoniker.h"
+#include "zelvar/data/PlaceCheck.h"
 #include "zelvar/model/DataSourceDefinitions.h"
 #include "zelvar/model/NtwDataSourceItem.h"
 #include "zelvar/model/TemplDataSourceItem.h"
@@ -49,6 +50,9 @@ RefItemPtr<DataSourceItem> ItemFromPlace(DString const &place) {
     BDIMoniker const moniker(place, nullptr);
     if (moniker.IsUrl())
         return TemplDataSourceItem::CreateItem(nullptr, place.c_str(), nullptr);
+    // What a driver puts before a path ends at the first separator.
+    if (std::size_t const slash = place.find('/'); slash != DString::npos && !DoesPlaceAnswer(place.substr(slash)))
+        return nullptr;
     DString const container = moniker.FindFile();
     return container.empty() || container == place ? nullptr : FromContainer(container, place);
 }

@@ -249,7 +249,9 @@ bool DlgOpenDS::OnInitDialog() {
 }
 
 bool DlgOpenDS::ShowInitialPlace(std::optional<std::chrono::milliseconds> time) {
-    RequestScope const scope(RequestKind::List, {}, time);
+    platform::EscapeWatch watch; // also for what it takes to find the place
+    RequestScope const scope(
+        RequestKind::List, [&watch] { return watch.IsPressed(); }, time);
     if (m_initItem != nullptr)
         ShowItem(m_initItem);
     else

@@ -3,6 +3,7 @@
 #include "zelvar/base/Report.h"
 #include "zelvar/controls/CZelComboBox.h"
 #include "zelvar/model/NtwDataSourceItem.h"
+#include "zelvar/model/PlaceResolver.h"
 #include "zelvar/opends/DSDataSourceWnd.h"
 #include "zelvar/opends/DSListCtrl.h"
 #include "zelvar/opends/DSMessages.h"
@@ -123,16 +124,16 @@ void DlgOpenDS::ShowItem(RefItemPtr<DataSourceItem> item) {
 void DlgOpenDS::GoToDir(DString const &path, bool report) {
     if (path.empty())
         return;
-    RefItemPtr<NtwDataSourceItem> item(NtwDataSourceItem::CreateItem(path.c_str(), nullptr, nullptr));
+    RefItemPtr<DataSourceItem> const item = ItemFromPlace(path);
     if (item == nullptr) {
         if (report)
             Report::UserNotification("Cannot access '%s' path", path.c_str());
         return;
     }
+    // What holds nothing stands for what it lies in.
     item->BuildParents();
     RefItemPtr<DataSourceItem> const parent = item->GetParent();
-    ShowItem(item->GetType() == NtwDataSourceItem::TYPE_FILE && parent != nullptr ? parent
-                                                                                  : RefItemPtr<DataSourceItem>(item));
+    ShowItem(item->IsFolder() || parent == nullptr ? item : parent);
 }
 
 void DlgOpenDS::SetRecursive(bool recursive) {
