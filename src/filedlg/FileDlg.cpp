@@ -43,6 +43,14 @@ int FillFilter(FilterBuffer &buffer, std::vector<DFileFrmt *> const &formats) {
     return static_cast<int>(count);
 }
 
+/// The file to begin at: in the folder that the profile remembers, or in `dir`.
+DString InitialPath(char const *name, char const *dir, char const *key) {
+    DString folder = ReadSetting(key, Text(dir));
+    if (!folder.empty() && !PathStyle::Native().IsSeparator(folder.back()))
+        folder += PathStyle::Native().separator;
+    return folder + Text(name);
+}
+
 } // namespace
 
 FileDlg::~FileDlg() { DeleteFiles(); }
@@ -246,13 +254,6 @@ bool FileDlg::OpenFileDlg(int mode, char const *filter, char const *ext, DLGTemp
         return false;
     SortData();
     return true;
-}
-
-DString FileDlg::InitialPath(char const *name, char const *dir, char const *key) const {
-    DString folder = ReadSetting(key, Text(dir));
-    if (!folder.empty() && !PathStyle::Native().IsSeparator(folder.back()))
-        folder += PathStyle::Native().separator;
-    return folder + Text(name);
 }
 
 bool FileDlg::Open(int mode, EFormat format, char const *name, char const *dir, char const *key) {

@@ -29,7 +29,7 @@ struct DocumentOperation;
 /// moniker on. Formats may be null; those are passed over, and a list of nothing else is an empty one.
 ///
 /// User-interface thread. From another thread an operation gets the platform's dialog, and waits.
-class ZELVAR_API FileDlg {
+class ZELVAR_API FileDlg { // NOLINT(cppcoreguidelines-virtual-class-destructor)
 public:
     enum EFormat { FRMT_TEXT = 0, FRMT_CSV = 1, FRMT_SHAPE = 2, FRMT_HTML = 3, FRMT_SNIPPETS = 4 };
 
@@ -37,7 +37,7 @@ public:
     explicit FileDlg(char const *caption) { SetCaption(caption); }
     FileDlg(FileDlg const &) = default;
     FileDlg &operator=(FileDlg const &other);
-    ~FileDlg(); // NOLINT(cppcoreguidelines-virtual-class-destructor)
+    ~FileDlg();
 
     // The formats of the application's documents. The application assigns them at its start and owns them; one that
     // stays null disables its operation.
@@ -158,7 +158,6 @@ private:
     void BeginWithUsualFormat(int mode); ///< unless another one is wanted
     void RememberFormatId(char const *typeKey) const;
     void SetCaptionFor(int mode, DString const &load, DString const &save);
-    [[nodiscard]] DString InitialPath(char const *name, char const *dir, char const *key) const;
     void ReadInitFile(char const *folderKey);
     void RememberFolder(char const *folderKey) const;
     void SaveHistory(char const *key) const;

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <ranges>
 
 namespace zelvar {
 
@@ -38,6 +39,29 @@ private:
     void *m_find;
 };
 
+/// What the file needs to be opened by its moniker.
+DString DriverOptions(BDIMoniker const &moniker) {
+    BDINode const *const node = moniker.GetNode();
+    if (node == nullptr || HasOptions(moniker) || moniker.GetDrvr() == nullptr)
+        return {};
+    return moniker.GetDrvr()->GetDriverParameterString(node);
+}
+
+/// False if it has no child.
+bool BecomeFirstChild(BDIMoniker &moniker) {
+    DString path;
+    {
+        BDINode const &node = *moniker.GetNode();
+        ChildWalk walk(moniker, node, static_cast<int>(node.type));
+        BDINode const *const child = walk.Next();
+        if (child == nullptr)
+            return false;
+        path = child->path;
+    }
+    moniker = BDIMoniker(path, moniker.GetDrvr());
+    return true;
+}
+
 } // namespace
 
 bool MonikerResolver::IsWanted(BDINode const &node) const {
@@ -68,13 +92,6 @@ void MonikerResolver::Replace(DVectorSafe<DString> const &paths) {
     m_monikers.clear();
     for (DString const &path : paths)
         m_monikers.push_back(new BDIMoniker(path, file->GetDrvr()));
-}
-
-DString MonikerResolver::DriverOptions(BDIMoniker const &moniker) const {
-    BDINode const *const node = moniker.GetNode();
-    if (node == nullptr || HasOptions(moniker) || moniker.GetDrvr() == nullptr)
-        return {};
-    return moniker.GetDrvr()->GetDriverParameterString(node);
 }
 
 void MonikerResolver::AddDriverOptions() {
@@ -118,8 +135,7 @@ void MonikerResolver::ExpandAll() {
     DString const options = m_monikers.front() == nullptr ? DString() : DriverOptions(*m_monikers.front());
     List members;
     List kept;
-    for (auto at = m_monikers.rbegin(); at != m_monikers.rend(); ++at) {
-        BDIMoniker *const moniker = *at;
+    for (BDIMoniker *const moniker : std::views::reverse(m_monikers)) {
         List found = moniker == nullptr || moniker->GetNode() == nullptr ? List() : Descendants(*moniker);
         m_known.insert(found.begin(), found.end());
         bool const takesOptions = found.empty() && moniker != nullptr && moniker->GetNode() != nullptr &&
@@ -135,20 +151,6 @@ void MonikerResolver::ExpandAll() {
     std::reverse(kept.begin(), kept.end());
     m_monikers = std::move(kept);
     m_monikers.insert(m_monikers.end(), members.begin(), members.end());
-}
-
-bool MonikerResolver::BecomeFirstChild(BDIMoniker &moniker) const {
-    DString path;
-    {
-        BDINode const &node = *moniker.GetNode();
-        ChildWalk walk(moniker, node, static_cast<int>(node.type));
-        BDINode const *const child = walk.Next();
-        if (child == nullptr)
-            return false;
-        path = child->path;
-    }
-    moniker = BDIMoniker(path, moniker.GetDrvr());
-    return true;
 }
 
 void MonikerResolver::CheckTypes() {

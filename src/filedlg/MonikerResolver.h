@@ -31,9 +31,7 @@ private:
     using List = DVector<BDIMoniker *>;
     [[nodiscard]] bool IsWanted(BDINode const &node) const;
     [[nodiscard]] bool HasWanted(BDIMoniker const &moniker, BDINode const &node, int depth) const;
-    [[nodiscard]] DString DriverOptions(BDIMoniker const &moniker) const;
     [[nodiscard]] List Descendants(BDIMoniker const &moniker) const;
-    [[nodiscard]] bool BecomeFirstChild(BDIMoniker &moniker) const;
 
     int m_nodeMask;
     List &m_monikers;

@@ -154,7 +154,7 @@ private:
     [[nodiscard]] CZelListCtrl *List() const { return platform::GetDlgItem<CZelListCtrl>(m_dialog, kListId); }
     [[nodiscard]] bool SelectContainer(DString const &name) const {
         auto &tree = *platform::GetDlgItem<CZelTreeCtrl>(m_dialog, kTreeId);
-        HTREEITEM const root = tree.GetRootItem();
+        auto *const root = tree.GetRootItem();
         for (HTREEITEM item = tree.GetChildItem(root); item != nullptr; item = tree.GetNextSiblingItem(item))
             if (tree.GetItemText(item) == name)
                 return tree.SelectItem(item);

@@ -1,76 +1,20 @@
 // The operations whose formats come from plug-ins and from the workspace's custom imports.
 #include "support/FileRequests.h"
+#include "support/RequestProbe.h"
 #include "support/ScriptedDriver.h"
 #include "zelvar/base/DCnfg.h"
-#include "zelvar/base/Report.h"
 #include "zelvar/data/CustImport.h"
-#include "zelvar/data/DIOPluginMngr.h"
 #include "zelvar/filedlg/BuiltInFormats.h"
 
 namespace zelvar {
 namespace {
 
-using Names = std::vector<std::string>;
-
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // as the class under test
-
-/// A plug-in that offers formats written down by a test.
-class ScriptedPlugin : public DIOPlugin {
-public:
-    struct Offer {
-        char const *id, *name, *extensions;
-    };
-    explicit ScriptedPlugin(DString name, std::vector<Offer> offers)
-        : m_name(std::move(name)), m_offers(std::move(offers)) {}
-    [[nodiscard]] DString GetId() const override { return m_name; }
-    [[nodiscard]] DString GetInfo() const override { return m_name; }
-    void BuildFrmtList(int mode, unsigned dataType, ICheck<DString> const *check,
-                       DList<DFileFrmt *> &formats) override {
-        asked += (asked.empty() ? "" : " ") + std::to_string(mode) + ":" + std::to_string(dataType);
-        formats.push_back(nullptr);
-        for (Offer const &offer : m_offers)
-            if (check == nullptr || check->Check(offer.id))
-                formats.push_back(new DFileFrmt(offer.id, offer.name, offer.extensions));
-    }
-    static inline DString asked;
-
-private:
-    DString m_name;
-    std::vector<Offer> m_offers;
-};
+using test::AskedRequest;
+using test::ScriptedPlugin;
 
 class NoPng : public ICheck<DString> {
 public:
     [[nodiscard]] bool Check(DString const &id) const override { return id != "PNG"; }
-};
-
-/// Writes down what an operation asks for, and answers with a file and a format.
-class Asked final : public FileDlg {
-public:
-    using FileDlg::FileDlg;
-    DString answer;
-    char const *chosen = nullptr; ///< id of the format
-    DString caption;
-    DString offered;
-    DString current;
-    DString key;
-    DString start;
-
-protected:
-    bool OpenMFCFileDlg(int, char const *filter, int index, char const *, char const *key_, DLGTemplate) override {
-        offered.clear();
-        std::vector<DString> const fields = Split(filter, '|');
-        for (std::size_t i = 0; i + 2 < fields.size(); i += 2)
-            offered += (offered.empty() ? "" : ", ") + fields[i];
-        current = fields[2 * static_cast<std::size_t>(index)];
-        key = key_;
-        if (answer.empty())
-            return false;
-        m_files.push_back(new BDIMoniker(answer, nullptr));
-        if (chosen != nullptr)
-            SetFormat(GetFormat(chosen));
-        return true;
-    }
 };
 
 class DataOperations : public testing::Test {
@@ -85,7 +29,7 @@ protected:
                        {"ASC", "Grids", "*.asc"},
                        {"IMG", "Erdas", "*.img"},
                        {"RAW", "Raw data", "RSTR_FRMT"}});
-        Add("Tables", {{"INI", "Settings", "*.ini"}, {"CSV", "Comma", "*.csv;*.tsv"}, {"LOG", "Logs", "*.log"}});
+        Add("Tables", {{"INI", "Settings", "*.ini"}, {"CSV", "Comma", "*.csv;*.tsv"}});
     }
     ~DataOperations() override {
         DIOPluginMngr::Instance()->Reset();
@@ -105,71 +49,62 @@ protected:
 
 private:
     static void Forget() {
-        for (char const *key : {"Raster Files", "Raster File Type", "Projects", "Labeled Raster File Type",
-                                "ThematicFolders", "Labeled Attribute File Type", "MetaData File Type"})
-            Profile::WriteString("Settings", key, Default(key));
+        for (std::string_view const key : {"Raster Files", "Raster File Type", "Projects", "Labeled Raster File Type",
+                                           "ThematicFolders", "Labeled Attribute File Type", "MetaData File Type"})
+            Set(key.data(), key.ends_with("Type") ? "" : ".");
     }
-    static char const *Default(std::string_view key) { return key.ends_with("Type") ? "" : "."; }
 };
 
 TEST_F(DataOperations, RasterDataIsLoadedInTheFormatUsedLastByItsName) {
     Set("Raster File Type", "Pictures");
-    Asked request;
-    request.answer = folder.Write("a.tif");
+    AskedRequest request;
+    request.answer = {folder.Write("a.tif")};
     request.chosen = "TIF";
     EXPECT_TRUE(request.OpenRasterData(Plugins(), 0, false, true, nullptr));
-    EXPECT_EQ(request.offered, "All Files, Big images, Comma, Erdas, Grids, Logs, Pictures, Raw data, Settings");
-    EXPECT_EQ(request.current, "Pictures");
+    EXPECT_EQ(request.Offered(), "All Files, Big images, Comma, Erdas, Grids, Pictures, Raw data, Settings");
     EXPECT_EQ(request.key, "ImageFolders");
     EXPECT_EQ(ScriptedPlugin::asked, "0:4294967295 0:4294967295");
     EXPECT_EQ(Setting("Raster File Type"), "Big images");
     EXPECT_EQ(Setting("Raster Files"), folder.Path() + "/");
     request.answer.clear();
+    request.chosen = nullptr;
     request.SetDataType(BDINode_Raster);
     EXPECT_FALSE(request.OpenRasterData(Plugins(), 0, false, true, &noPng)) << "and cancelled";
-    EXPECT_EQ(request.offered, "All Files, Big images, Comma, Erdas, Grids, Logs, Raw data, Settings");
-    EXPECT_EQ(request.current, "Big images");
+    EXPECT_EQ(request.Offered(), "All Files, Big images, Comma, Erdas, Grids, Raw data, Settings");
+    EXPECT_EQ(request.Current(), "Big images");
     EXPECT_TRUE(ScriptedPlugin::asked.ends_with("0:2 0:2"));
 }
 
-TEST_F(DataOperations, ARastersFormatFallsBackToTheStandardTiffAndThenToTheFile) {
-    Set("Raster File Type", "Vanished");
-    Asked request;
-    request.SetInitFile("x.png");
-    EXPECT_FALSE(request.OpenRasterData(Plugins(), 0, false, false, nullptr));
-    EXPECT_EQ(request.current, "Pictures");
-    Add("More", {{"X", "STD_TIF", "*.tif"}});
-    EXPECT_FALSE(request.OpenRasterData(Plugins(), 0, false, false, nullptr));
-    EXPECT_EQ(request.current, "STD_TIF");
-    request.SetInitFrmtId("ASC");
-    EXPECT_FALSE(request.OpenRasterData(Plugins(), 0, false, false, nullptr));
-    EXPECT_EQ(request.current, "Grids");
+TEST_F(DataOperations, ARasterIsNotSavedAsAGridNorAsRawData) {
+    AskedRequest request;
+    request.answer = {folder / "new.png"};
+    EXPECT_TRUE(request.OpenRasterData(Plugins(), 1, false, false, nullptr));
+    EXPECT_EQ(request.Offered(), "Big images, Comma, Erdas, Pictures, Settings");
+    EXPECT_EQ(Setting("Raster Files"), ".") << "it is not to be remembered";
 }
 
-TEST_F(DataOperations, WithoutAWordOfTheUserLoadingBeginsWithAllFilesAndSavingWithTiff) {
+TEST_F(DataOperations, TheFormatToBeginWithIsTheWantedTheStandardTheFilesOrTheUsualOne) {
+    Set("Raster File Type", "Vanished");
     Add("More", {{"AB", "ABC before all", "*.ab"}, {"JP", "JPEG", "*.jpg;*.jpeg"}});
     struct Case {
         int mode;
-        char const *file, *current;
+        char const *id, *file, *current;
     };
-    Case const cases[] = {{0, "", "All Files"},       {0, "x.jpeg", "All Files"}, {0, "x.ab", "ABC before all"},
-                          {1, "", "Big images"},      {1, "x.jpeg", "JPEG"},      {1, "x.png", "Pictures"},
-                          {1, "x.what", "Big images"}};
-    for (Case const &c : cases) {
-        Asked request;
+    Case const cases[] = {{0, "", "", "All Files"},        {0, "", "x.png", "Pictures"},
+                          {0, "", "x.jpeg", "All Files"},  {0, "", "x.ab", "ABC before all"},
+                          {1, "", "", "Big images"},       {1, "", "x.jpeg", "JPEG"},
+                          {1, "", "x.what", "Big images"}, {0, "ASC", "x.png", "Grids"}};
+    auto const current = [](Case const &c) {
+        AskedRequest request;
         request.SetInitFile(c.file);
+        request.SetInitFrmtId(c.id);
         EXPECT_FALSE(request.OpenRasterData(Plugins(), c.mode, false, false, nullptr));
-        EXPECT_EQ(request.current, c.current) << c.mode << c.file;
-    }
-}
-
-TEST_F(DataOperations, ARasterIsNotSavedAsAGridNorAsRawData) {
-    Asked request;
-    request.answer = folder / "new.png";
-    request.chosen = "PNG";
-    EXPECT_TRUE(request.OpenRasterData(Plugins(), 1, false, false, nullptr));
-    EXPECT_EQ(request.offered, "Big images, Comma, Erdas, Logs, Pictures, Settings");
-    EXPECT_EQ(Setting("Raster Files"), ".") << "it is not to be remembered";
+        return request.Current();
+    };
+    for (Case const &c : cases)
+        EXPECT_EQ(current(c), c.current) << c.mode << c.file;
+    Add("Standard", {{"X", "STD_TIF", "*.tif"}});
+    EXPECT_EQ(current({0, "", "x.png", ""}), "STD_TIF");
 }
 
 TEST_F(DataOperations, CaptionsTellOneFromSeveralAndKeepTheCallers) {
@@ -178,20 +113,16 @@ TEST_F(DataOperations, CaptionsTellOneFromSeveralAndKeepTheCallers) {
         bool multiple;
         char const *load, *save;
     };
-    Case const cases[] = {
-        {[](FileDlg &r, int mode) { return r.OpenRasterData(Plugins(), mode, false, true, nullptr); }, false,
-         "Import Image Layer...", "Export Image Layer..."},
-        {[](FileDlg &r, int mode) { return r.OpenRasterData(Plugins(), mode, true, true, nullptr); }, true,
-         "Import Image Layers...", "Export Image Layer..."},
-        {[](FileDlg &r, int mode) { return r.OpenGisObjects(Plugins(), mode, true); }, false,
-         "Import Thematic Layer...", "Export Thematic Layer..."},
-        {[](FileDlg &r, int mode) { return r.OpenGisObjects(Plugins(), mode, true); }, true, "Add Thematic Layers...",
-         "Export Thematic Layer..."},
-        {[](FileDlg &r, int mode) { return r.OpenAttrData(Plugins(), mode, "Points"); }, false, "Load Points...",
-         "Save Points..."},
-        {[](FileDlg &r, int) { return r.OpenMetaData(Plugins(), nullptr, nullptr, nullptr); }, false,
-         "Import MetaData...", "Import MetaData..."},
-    };
+    auto const raster = [](FileDlg &r, int mode) { return r.OpenRasterData(Plugins(), mode, false, true, nullptr); };
+    auto const thematic = [](FileDlg &r, int mode) { return r.OpenGisObjects(Plugins(), mode, true); };
+    auto const attributes = [](FileDlg &r, int mode) { return r.OpenAttrData(Plugins(), mode, "Points"); };
+    auto const metadata = [](FileDlg &r, int) { return r.OpenMetaData(Plugins(), nullptr, nullptr, nullptr); };
+    Case const cases[] = {{raster, false, "Import Image Layer...", "Export Image Layer..."},
+                          {raster, true, "Import Image Layers...", "Export Image Layer..."},
+                          {thematic, false, "Import Thematic Layer...", "Export Thematic Layer..."},
+                          {thematic, true, "Add Thematic Layers...", "Export Thematic Layer..."},
+                          {attributes, false, "Load Points...", "Save Points..."},
+                          {metadata, false, "Import MetaData...", "Import MetaData..."}};
     test::Application const application;
     for (Case const &c : cases)
         for (int const mode : {0, 1})
@@ -199,9 +130,8 @@ TEST_F(DataOperations, CaptionsTellOneFromSeveralAndKeepTheCallers) {
                 FileDlg request(own);
                 if (c.multiple)
                     request.SetMultipleFiles();
-                bool const isAttributes = DString(c.load).starts_with("Load");
-                EXPECT_EQ(test::Answer([&] { return c.open(request, mode); }, "").caption, *own != '\0' && !isAttributes
-                                                                                               ? own
+                bool const isKept = *own != '\0' && !DString(c.load).starts_with("Load");
+                EXPECT_EQ(test::Answer([&] { return c.open(request, mode); }, "").caption, isKept      ? own
                                                                                            : mode == 0 ? c.load
                                                                                                        : c.save);
             }
@@ -209,73 +139,63 @@ TEST_F(DataOperations, CaptionsTellOneFromSeveralAndKeepTheCallers) {
 
 TEST_F(DataOperations, ThematicDataIsRememberedByTheIdOfItsFormat) {
     Set("Labeled Raster File Type", "PNG");
-    Asked request;
-    request.answer = folder.Write("a.shp");
+    AskedRequest request;
+    request.answer = {folder.Write("a.shp")};
+    EXPECT_TRUE(request.OpenGisObjects(Plugins(), 0, true));
+    EXPECT_TRUE(request.Offered().ends_with("Raw data, Settings, Shape files, Aperio annotation files"));
+    EXPECT_EQ(request.Current(), "Pictures");
+    EXPECT_EQ(request.key, "ThematicFolders");
+    EXPECT_EQ(Setting("Projects"), folder.Path() + "/");
     request.chosen = "TIF";
     EXPECT_TRUE(request.OpenGisObjects(Plugins(), 0, true));
-    EXPECT_EQ(request.offered, "All Files, Big images, Comma, Erdas, Grids, Logs, Pictures, Raw data, Settings, Shape "
-                               "files, Aperio annotation files");
-    EXPECT_EQ(request.current, "Pictures");
-    EXPECT_EQ(request.key, "ThematicFolders");
-    EXPECT_EQ(Setting("Labeled Raster File Type"), "TIF");
-    EXPECT_EQ(Setting("Projects"), folder.Path() + "/");
-    request.chosen = "";
+    request.chosen = ""; // all files, which are no type
     EXPECT_TRUE(request.OpenGisObjects(Plugins(), 0, false));
-    EXPECT_EQ(request.GetFormat(), &BuiltInFormats::Instance().frmt_all);
-    EXPECT_EQ(Setting("Labeled Raster File Type"), "TIF") << "all files are no type";
+    EXPECT_EQ(Setting("Labeled Raster File Type"), "TIF");
     test::ScriptedDrivers::AddTree("DAS");
     EXPECT_TRUE(request.OpenGisObjects(Plugins(), 1, true));
-    EXPECT_TRUE(request.offered.ends_with("Shape files, Aperio annotation files, ArcSDE connection files"));
+    EXPECT_TRUE(request.Offered().ends_with("Aperio annotation files, ArcSDE connection files"));
 }
 
 TEST_F(DataOperations, AttributesAreNoImages) {
-    Asked request;
-    request.answer = folder.Write("a.csv");
-    request.chosen = "CSV";
+    Set("Labeled Attribute File Type", "CSV");
+    AskedRequest request;
+    request.answer = {folder.Write("a.csv")};
     EXPECT_TRUE(request.OpenAttrData(Plugins(), 0, "Points"));
-    EXPECT_EQ(request.offered, "All Files, Big images, Comma, Grids, Logs, Pictures, Raw data, Settings, Ascii text "
-                               "files");
-    EXPECT_EQ(request.key, "ThematicFolders");
-    EXPECT_EQ(Setting("Labeled Attribute File Type"), "CSV");
+    EXPECT_EQ(request.Offered(), "All Files, Big images, Comma, Grids, Pictures, Raw data, Settings, Ascii text files");
+    EXPECT_EQ(request.Current(), "Comma");
     EXPECT_EQ(Setting("ThematicFolders"), folder.Path() + "/");
-    request.answer.clear();
-    EXPECT_FALSE(request.OpenAttrData(Plugins(), 1, "Points"));
-    EXPECT_EQ(request.offered, "Big images, Comma, Grids, Logs, Pictures, Settings");
-    EXPECT_EQ(request.current, "Comma");
+    request.chosen = "INI";
+    EXPECT_TRUE(request.OpenAttrData(Plugins(), 1, "Points"));
+    EXPECT_EQ(Setting("Labeled Attribute File Type"), "INI");
+    EXPECT_EQ(request.Offered(), "Big images, Comma, Grids, Pictures, Settings");
 }
 
 TEST_F(DataOperations, MetadataBeginsWithWhatThePluginReads) {
     struct Case {
         char const *plugin, *extension, *stored, *current;
     };
-    Case const cases[] = {{nullptr, nullptr, "LOG", "Logs"},      {"", "log", "CSV", "Comma"},
-                          {"Tables", nullptr, "LOG", "Settings"}, {"Tables", "csv", "LOG", "Comma"},
-                          {"Tables", "tsv", "LOG", "Comma"},      {"Tables", "none", "LOG", "Settings"},
-                          {"Nobody", "csv", "LOG", "Logs"},       {nullptr, nullptr, "GONE", "Big images"}};
+    Case const cases[] = {{nullptr, nullptr, "PNG", "Pictures"},  {"", "ini", "CSV", "Comma"},
+                          {"Tables", nullptr, "PNG", "Settings"}, {"Tables", "csv", "PNG", "Comma"},
+                          {"Tables", "tsv", "PNG", "Comma"},      {"Tables", "none", "PNG", "Settings"},
+                          {"Nobody", "csv", "PNG", "Pictures"},   {nullptr, nullptr, "GONE", "Big images"}};
     for (Case const &c : cases) {
         Set("MetaData File Type", c.stored);
-        Asked request;
-        EXPECT_FALSE(request.OpenMetaData(Plugins(), nullptr, c.plugin, c.extension));
-        EXPECT_EQ(request.current, c.current) << c.stored;
-        EXPECT_EQ(request.key, "ImageFolders");
+        AskedRequest request;
+        request.answer = {folder.Write("a.csv")};
+        EXPECT_TRUE(request.OpenMetaData(Plugins(), nullptr, c.plugin, c.extension));
+        EXPECT_EQ(request.Current(), c.current) << c.stored;
+        EXPECT_EQ(Setting("MetaData File Type"), request.GetFormat()->GetID());
     }
-    Asked request;
-    request.SetInitFrmtId("CSV");
-    request.answer = folder.Write("a.csv");
-    EXPECT_TRUE(request.OpenMetaData(Plugins(), nullptr, nullptr, nullptr));
-    EXPECT_EQ(Setting("MetaData File Type"), "CSV");
 }
 
 TEST_F(DataOperations, WithoutFormatsTheUserIsToldOnce) {
     DIOPluginMngr::Instance()->Reset();
-    Names told;
-    auto const former = Report::SetUserHandler([&](Report::Severity, DString const &text) { told.push_back(text); });
+    test::Told told;
     EXPECT_FALSE(FileDlg().OpenRasterData(Plugins(), 1, false, false, nullptr));
     EXPECT_FALSE(FileDlg().OpenGisObjects(Plugins(), 1, false));
     EXPECT_FALSE(FileDlg().OpenAttrData(Plugins(), 1, ""));
-    EXPECT_FALSE(FileDlg().OpenMetaData(Plugins(), nullptr, "Tables", "csv"));
-    Report::SetUserHandler(former);
-    EXPECT_EQ(told, Names(4, "FileDlg::ShowFileDlg: no file types available"));
+    EXPECT_FALSE(FileDlg().OpenMetaData(nullptr, nullptr, "Tables", "csv"));
+    EXPECT_EQ(told.Take(), std::vector<std::string>(4, "FileDlg::ShowFileDlg: no file types available"));
 }
 
 TEST_F(DataOperations, WithoutPluginsTheCustomImportsAreOffered) {
@@ -288,25 +208,22 @@ TEST_F(DataOperations, WithoutPluginsTheCustomImportsAreOffered) {
     add({.name = "Plates", .driver = "TIF", .images = {"/x/{well}_1.tif**"}, .layers = {"L1"}, .singleFile = true});
     add({.name = "Agreed", .driver = "", .images = {"{a}.{b}"}, .layers = {"", "PNG", "", "PNG"}});
     add({.name = "Mixed", .driver = "", .images = {}, .layers = {"PNG", "TIF"}});
-    Asked request;
-    request.answer = folder.Write("a.tif");
-    request.chosen = "TIF";
+    AskedRequest request;
+    request.answer = {folder.Write("a.tif")};
     EXPECT_TRUE(request.OpenRasterData(nullptr, 0, false, false, nullptr));
-    EXPECT_EQ(request.offered, "Agreed, All Files, Mixed, Plates") << request.offered;
-    EXPECT_EQ(request.GetFormat()->GetExtn(), "*.tif");
-    EXPECT_EQ(request.GetFormat()->GetDriverText(), "TIF");
-    EXPECT_TRUE(request.GetFormat()->IsSingleFileConnector());
-    EXPECT_EQ(request.GetImgDrvrID(), "L1");
+    EXPECT_EQ(request.filter, "Agreed|*.*|All Files|*.*|Mixed|*.|Plates|*.tif||");
     struct Case {
-        char const *name, *extension, *driverText, *imageDriver;
+        char const *name, *driverText, *imageDriver;
+        bool isSingle;
     };
-    Case const cases[] = {{"Agreed", "*.*", "PNG", ""}, {"Mixed", "*.", "", "PNG"}, {"All Files", "*.*", "", ""}};
+    Case const cases[] = {{"Plates", "TIF", "L1", true},
+                          {"Agreed", "PNG", "", false},
+                          {"Mixed", "", "PNG", false},
+                          {"All Files", "", "", true}};
     for (Case const &c : cases) {
-        DFileFrmt *const format = request.GetFormatByName(c.name);
-        ASSERT_NE(format, nullptr);
-        request.SetFormat(format);
-        EXPECT_EQ(format->GetExtn(), c.extension);
-        EXPECT_EQ(format->GetDriverText(), c.driverText);
+        request.SetFormat(request.GetFormatByName(c.name));
+        EXPECT_EQ(request.GetFormat()->GetDriverText(), c.driverText);
+        EXPECT_EQ(request.GetFormat()->IsSingleFileConnector(), c.isSingle);
         EXPECT_EQ(request.GetImgDrvrID(), c.imageDriver) << c.name;
     }
     request.SetFormat(nullptr);

@@ -1,4 +1,5 @@
 #include "support/FileRequests.h"
+#include "support/RequestProbe.h"
 #include "support/ScriptedDriver.h"
 #include "zelvar/base/DCnfg.h"
 #include "zelvar/filedlg/BuiltInFormats.h"
@@ -8,56 +9,14 @@ namespace zelvar {
 namespace {
 
 using test::Answer;
+using test::Documents;
 using test::Shown;
 using test::TempFolder;
 using Names = std::vector<std::string>;
 
-/// The formats of an application's documents, set as long as this lives.
-class Documents {
-public:
-    Documents() {
-        for (DFileFrmt **const format : All())
-            *format = &m_formats.emplace_back("DOC" + std::to_string(m_formats.size()),
-                                              "Documents " + std::to_string(m_formats.size()),
-                                              "*.d" + std::to_string(m_formats.size()), "", true);
-    }
-    Documents(Documents const &) = delete;
-    Documents &operator=(Documents const &) = delete;
-    ~Documents() { Clear(); }
-    static void Clear() {
-        for (DFileFrmt **const format : All())
-            *format = nullptr;
-    }
-
-private:
-    static std::vector<DFileFrmt **> All() {
-        return {&FileDlg::pFrmt_workspace,
-                &FileDlg::pFrmt_dm_dbfile,
-                &FileDlg::pFrmt_prjct,
-                &FileDlg::pFrmt_clss_hrchy,
-                &FileDlg::pFrmt_clss_hrchy_user,
-                &FileDlg::pFrmt_prtcl,
-                &FileDlg::pFrmt_user_prop,
-                &FileDlg::pFrmt_proc,
-                &FileDlg::pFrmt_wzrd,
-                &FileDlg::pFrmt_paramset,
-                &FileDlg::pFrmt_anly,
-                &FileDlg::pFrmt_jobsqnce,
-                &FileDlg::pFrmt_platelayout,
-                &FileDlg::pFrmt_TMAlayout,
-                &FileDlg::pFrmt_TMAmatch,
-                &FileDlg::pFrmt_dosedilutionsec,
-                &FileDlg::pFrmt_actnlib,
-                &FileDlg::pFrmt_snpts,
-                &FileDlg::pFrmt_textsttng,
-                &FileDlg::pFrmt_proc_ver};
-    }
-    std::list<DFileFrmt> m_formats;
-};
-
 class TypedOperations : public testing::Test {
 protected:
-    ~TypedOperations() override { EXPECT_EQ(std::exchange(toldOnce, {}), Names{}) << "the user is told nothing"; }
+    ~TypedOperations() override { EXPECT_EQ(told.Take(), Names{}); }
 
     static DString Remembered(char const *key) { return Profile::GetString("Settings", key, "."); }
     static Names History(char const *key) {
@@ -82,16 +41,7 @@ protected:
     test::Application application;
     Documents documents;
     TempFolder folder;
-    Names toldOnce;
-    struct Listening {
-        explicit Listening(Names &texts)
-            : former(
-                  Report::SetUserHandler([&texts](Report::Severity, DString const &text) { texts.push_back(text); })) {}
-        Listening(Listening const &) = delete;
-        Listening &operator=(Listening const &) = delete;
-        ~Listening() { Report::SetUserHandler(former); }
-        Report::UserHandler former;
-    } listening{toldOnce};
+    test::Told told;
 };
 
 using Operation = bool (*)(FileDlg &, int);
@@ -231,7 +181,7 @@ TEST_F(TypedOperations, TheFormatOfAProcessVersionIsOfferedWhereThatOfAProcessIs
     FileDlg::pFrmt_proc_ver = nullptr;
     EXPECT_FALSE(FileDlg().OpenProcessVersion(0));
     EXPECT_FALSE(FileDlg().OpenProcessVersion(1));
-    EXPECT_EQ(std::exchange(toldOnce, {}), Names(2, "FileDlg::ShowFileDlg: no file types available"));
+    EXPECT_EQ(told.Take(), Names(2, "FileDlg::ShowFileDlg: no file types available"));
 }
 
 TEST_F(TypedOperations, AWorkspaceIsLoadedWithCheckBoxesInThePlatformsDialogToo) {
@@ -298,14 +248,6 @@ TEST_F(TypedOperations, AllRuleSetsStandFirstAndSayNothingOfTheChoice) {
     FileDlg none;
     shown = Answer([&] { return none.OpenAllRuleset(0, true); }, "");
     EXPECT_EQ(shown.types, Names{"All rule sets"});
-}
-
-TEST_F(TypedOperations, ASecondOperationOffersTheFormatsOfTheFirstToo) {
-    FileDlg request;
-    request.SetInitFile(folder.Path() + "/");
-    EXPECT_EQ(Answer([&] { return request.OpenXMLData(1, "A"); }, "").types.size(), 1U);
-    EXPECT_EQ(Answer([&] { return request.OpenTiffData(1, "B"); }, "").types,
-              OnPlatform({&Known().frmt_xml, &Known().frmt_tif}));
 }
 
 TEST_F(TypedOperations, ACancelledRequestRemembersNothing) {

@@ -82,6 +82,20 @@ TEST_F(FileDialogCommand, WhatIsPrintedOpensTheSameImageAgain) {
     }
 }
 
+TEST_F(FileDialogCommand, ANodeOfAContainerIsPickedInEitherDialog) {
+    for (char const *name : {"pages.tif", "p?1 & #2 50%.tif"}) {
+        SCOPED_TRACE(name);
+        test::WritePages(folder / name, 2);
+        std::string const node = "Page 2 (64P x 48L x 1B)";
+        Outcome const own = Run({"open", folder / name, "--select", node, "--accept"});
+        Outcome const platform =
+            Run({"open", folder.Path(), "--standard", "--select", name, "--select", node, "--accept"});
+        EXPECT_EQ(own.exitCode, 0) << own.err;
+        EXPECT_EQ(platform.out, own.out) << platform.err;
+        EXPECT_TRUE(IsImage(own.out)) << own.out;
+    }
+}
+
 TEST_F(FileDialogCommand, ThePlatformsDialogPicksFilesByTheirNames) {
     test::WriteImage(folder / "b.tif");
     std::vector<std::string> words{"open",           folder.Path(), "--standard", "--select",   "grey.tif",
