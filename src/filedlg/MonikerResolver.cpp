@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <memory>
-#include <ranges>
 
 namespace zelvar {
 
@@ -135,7 +134,7 @@ void MonikerResolver::ExpandAll() {
     DString const options = m_monikers.front() == nullptr ? DString() : DriverOptions(*m_monikers.front());
     List members;
     List kept;
-    for (BDIMoniker *const moniker : std::views::reverse(m_monikers)) {
+    std::for_each(m_monikers.rbegin(), m_monikers.rend(), [&](BDIMoniker *moniker) {
         List found = moniker == nullptr || moniker->GetNode() == nullptr ? List() : Descendants(*moniker);
         m_known.insert(found.begin(), found.end());
         bool const takesOptions = found.empty() && moniker != nullptr && moniker->GetNode() != nullptr &&
@@ -147,7 +146,7 @@ void MonikerResolver::ExpandAll() {
         else
             delete moniker;
         members.insert(members.end(), found.begin(), found.end());
-    }
+    });
     std::reverse(kept.begin(), kept.end());
     m_monikers = std::move(kept);
     m_monikers.insert(m_monikers.end(), members.begin(), members.end());
