@@ -10,7 +10,9 @@
 
 #include <QtWidgets/QApplication>
 
+#include <future>
 #include <memory>
+#include <mutex>
 
 namespace zelvar {
 
@@ -56,11 +58,27 @@ bool FileDlg::OpenMFCFileDlg(int mode, char const *filter, int index, char const
         return OpenMFCFileDlgNew(0, filter, index, ext, key, dlgTemplate);
     if (platform::IsWindowThread())
         return OpenMFCFileDlgOld(mode, filter, index, ext, key);
-    bool opened = false;
-    if (qApp != nullptr)
+    if (qApp == nullptr)
+        return false;
+    // What one thread has written the other sees by the lock, and by the answer.
+    std::mutex handOver;
+    auto answer = std::make_shared<std::promise<bool>>();
+    std::future<bool> opened = answer->get_future();
+    {
+        std::lock_guard const written(handOver);
         QMetaObject::invokeMethod(
-            qApp, [&] { opened = OpenMFCFileDlgOld(mode, filter, index, ext, key); }, Qt::BlockingQueuedConnection);
-    return opened;
+            qApp,
+            [&, answer = std::move(answer)] {
+                { std::lock_guard const read(handOver); } // gone before the answer: with it the other thread goes on
+                answer->set_value(OpenMFCFileDlgOld(mode, filter, index, ext, key));
+            },
+            Qt::QueuedConnection);
+    }
+    try {
+        return opened.get();
+    } catch (std::future_error const &) {
+        return false; // the application has ended first
+    }
 }
 
 bool FileDlg::OpenMFCFileDlgNew(int, char const *, int, char const *, char const *key, DLGTemplate dlgTemplate) {
