@@ -1,6 +1,6 @@
+#include "zelvar/gallery/Gallery.h"
 #include "zelvar/library/ZelvarInit.h"
 #include "zelvar/tool/Commands.h"
-#include "zelvar/tool/Gallery.h"
 #include "zelvar/tool/Screen.h"
 
 #include <QtCore/QFile>
@@ -33,21 +33,21 @@ int RunGallery(std::vector<DString> const &words, int &argc, char **argv) {
     QApplication const application(argc, argv);
     AvoidTypewriter();
     ZelvarInit();
-    Gallery gallery;
-    if (arguments->values.contains("--page") && !gallery.ShowPage(arguments->Value("--page"))) {
+    gallery::Gallery window;
+    if (arguments->values.contains("--page") && !window.ShowPage(arguments->Value("--page"))) {
         DString names;
-        for (GalleryPage const &page : GalleryPages())
+        for (gallery::Page const &page : gallery::Pages())
             names += DString(names.empty() ? "" : ", ") + page.name;
         return UsageError(kSpec, "the pages are " + names);
     }
-    gallery.resize(size->width, size->height);
-    gallery.show();
+    window.resize(size->width, size->height);
+    window.show();
     bool written = true;
     if (!attended || arguments->values.contains("--shot"))
-        QTimer::singleShot(0, &gallery, [&] {
+        QTimer::singleShot(0, &window, [&] {
             if (arguments->values.contains("--shot"))
-                written = gallery.grab().save(QFile::decodeName(arguments->Value("--shot").c_str()), "PNG");
-            gallery.close();
+                written = window.grab().save(QFile::decodeName(arguments->Value("--shot").c_str()), "PNG");
+            window.close();
         });
     QApplication::exec();
     ZelvarShutdown();

@@ -1,10 +1,10 @@
 #include "zelvar/controls/CZelImageList.h"
+#include "zelvar/gallery/Gallery.h"
 #include "zelvar/thematic/TmtcListCtrl.h"
-#include "zelvar/tool/Gallery.h"
 
 #include <QtWidgets/QScrollArea>
 
-namespace zelvar::tool {
+namespace zelvar::gallery {
 
 namespace {
 
@@ -45,15 +45,19 @@ private:
     int m_made = 0;
 };
 
-} // namespace
-
 QWidget *MakeThematicPage() {
     auto *const area = new QScrollArea;
     auto *const list = new PlayList;
     list->setMinimumHeight(list->GetContentHeight());
+    list->setAccessibleName(QStringLiteral("Rules and exports"));
     area->setWidget(list);
+    area->setFocusPolicy(Qt::NoFocus); // the list has it, and leaves it the keys that scroll
     area->setWidgetResizable(true);
     return area;
 }
 
-} // namespace zelvar::tool
+} // namespace
+
+std::vector<Page> ThematicPages() { return {{"thematic", "Thematic list", "TmtcListCtrl", MakeThematicPage}}; }
+
+} // namespace zelvar::gallery

@@ -1,55 +1,35 @@
 #include "zelvar/base/DHstg.h"
 #include "zelvar/charts/CHstgCtrl.h"
 #include "zelvar/charts/CPlotCtrl.h"
-#include "zelvar/platform/ui/Text.h"
-#include "zelvar/tool/Gallery.h"
-
-#include <QtWidgets/QCheckBox>
-#include <QtWidgets/QHBoxLayout>
-#include <QtWidgets/QLabel>
-#include <QtWidgets/QVBoxLayout>
+#include "zelvar/gallery/Gallery.h"
+#include "zelvar/gallery/PageForm.h"
 
 #include <cmath>
-#include <initializer_list>
 
-namespace zelvar::tool {
+namespace zelvar::gallery {
 
 namespace {
 
-/// A chart with switches above it, and below it what is selected.
-class ChartPage : public QWidget {
+/// A chart with switches, and below it what is selected.
+class ChartPage : public PageForm {
 public:
-    explicit ChartPage(ChartCtrl &chart) : m_chart(chart), m_selection(new QLabel) {
+    ChartPage(char const *name, ChartCtrl &chart) : m_chart(chart) {
         m_messages.On(WM_CHART_SELECTED, this, &ChartPage::OnSelected);
-        m_switches->addStretch();
-        auto *const layout = new QVBoxLayout(this);
-        layout->setContentsMargins(0, 0, 0, 0);
-        layout->addLayout(m_switches);
-        layout->addWidget(&chart, 1);
-        layout->addWidget(m_selection);
+        AddWide(name, &chart, true);
         ShowSelection();
-    }
-    void AddSwitch(char const *text, bool on, std::function<void(bool)> act) {
-        auto *const box = new QCheckBox(QString::fromUtf8(text));
-        box->setChecked(on);
-        m_switches->insertWidget(m_switches->count() - 1, box);
-        connect(box, &QCheckBox::toggled, this, std::move(act));
     }
 
 protected:
-    bool event(QEvent *event) override { return m_messages.Dispatch(*event) || QWidget::event(event); }
+    bool event(QEvent *event) override { return m_messages.Dispatch(*event) || PageForm::event(event); }
 
 private:
     void OnSelected(platform::MessageParam, platform::MessageParam) { ShowSelection(); }
     void ShowSelection() {
         DString const text = m_chart.SelectionText();
-        m_selection->setText(text.empty() ? QStringLiteral("Nothing is selected")
-                                          : QStringLiteral("Selected: ") + platform::ToQString(text));
+        Say(text.empty() ? "Nothing is selected" : "Selected: " + text);
     }
 
     ChartCtrl &m_chart;
-    QHBoxLayout *m_switches = new QHBoxLayout;
-    QLabel *m_selection;
     platform::MessageMap m_messages;
 };
 
@@ -61,8 +41,6 @@ public:
 private:
     DHstg m_data;
 };
-
-} // namespace
 
 QWidget *MakePlotPage() {
     auto *const plot = new CPlotCtrl;
@@ -79,7 +57,7 @@ QWidget *MakePlotPage() {
     plot->SetTitle("Growth of a culture");
     plot->SetCaptionX("time [days]");
     plot->SetCaptionY("area [%]");
-    auto *const page = new ChartPage(*plot);
+    auto *const page = new ChartPage("Growth of a culture", *plot);
     page->AddSwitch("Lines", true, [plot](bool on) { plot->DrawLine(on); });
     page->AddSwitch("Grid", true, [plot](bool on) { plot->DrawGrid(on); });
     page->AddSwitch("A tick at every point", false, [plot](bool on) { plot->DrawEveryXTick(on); });
@@ -93,7 +71,7 @@ QWidget *MakeHistogramPage() {
         data.AddValue(128 + 100 * std::sin(i * 0.01) * std::cos(i * 0.37));
     auto *const chart = new OwningHistogram(std::move(data));
     chart->SetAutoScale(true);
-    auto *const page = new ChartPage(*chart);
+    auto *const page = new ChartPage("Brightness", *chart);
     page->AddSwitch("Automatic scale", true, [chart](bool on) {
         chart->SetAutoScale(on);
         if (!on)
@@ -111,4 +89,13 @@ QWidget *MakeHistogramPage() {
     return page;
 }
 
-} // namespace zelvar::tool
+} // namespace
+
+std::vector<Page> ChartPages() {
+    return {
+        {"plot", "X/Y plot", "CPlotCtrl", MakePlotPage},
+        {"histogram", "Histogram", "CHstgCtrl", MakeHistogramPage},
+    };
+}
+
+} // namespace zelvar::gallery

@@ -1,4 +1,4 @@
-#include "zelvar/tool/Gallery.h"
+#include "zelvar/gallery/Gallery.h"
 
 #include <QtWidgets/QHBoxLayout>
 #include <QtWidgets/QLabel>
@@ -7,43 +7,52 @@
 #include <QtWidgets/QStackedWidget>
 #include <QtWidgets/QVBoxLayout>
 
-namespace zelvar::tool {
+namespace zelvar::gallery {
 
-std::vector<GalleryPage> const &GalleryPages() {
-    static std::vector<GalleryPage> const pages{
-        {"plot", "X/Y plot", MakePlotPage},
-        {"histogram", "Histogram", MakeHistogramPage},
-        {"thematic", "Thematic list", MakeThematicPage},
-    };
+std::vector<Page> const &Pages() {
+    static std::vector<Page> const pages = [] {
+        std::vector<Page> all;
+        for (auto const family : {ChartPages, ThematicPages})
+            for (Page const &page : family())
+                all.push_back(page);
+        return all;
+    }();
     return pages;
 }
 
 Gallery::Gallery()
-    : m_search(new QLineEdit), m_list(new QListWidget), m_pages(new QStackedWidget), m_made(GalleryPages().size()) {
+    : m_search(new QLineEdit), m_list(new QListWidget), m_classes(new QLabel), m_pages(new QStackedWidget),
+      m_made(Pages().size()) {
     setWindowTitle(QStringLiteral("Gallery"));
     m_search->setPlaceholderText(QStringLiteral("Search"));
+    m_search->setAccessibleName(QStringLiteral("Search"));
     m_search->setClearButtonEnabled(true);
     m_list->setAccessibleName(QStringLiteral("Pages"));
-    for (GalleryPage const &page : GalleryPages())
+    for (Page const &page : Pages())
         m_list->addItem(QString::fromUtf8(page.title));
     m_list->setMaximumWidth(m_list->sizeHintForColumn(0) + 60);
     m_search->setMaximumWidth(m_list->maximumWidth());
+    m_classes->setWordWrap(true);
+    m_classes->setTextInteractionFlags(Qt::TextSelectableByMouse);
     connect(m_search, &QLineEdit::textChanged, this, &Gallery::Filter);
     connect(m_list, &QListWidget::currentRowChanged, this, &Gallery::ShowRow);
 
     auto *const left = new QVBoxLayout;
     left->addWidget(m_search);
     left->addWidget(m_list);
+    auto *const right = new QVBoxLayout;
+    right->addWidget(m_classes);
+    right->addWidget(m_pages, 1);
     auto *const all = new QHBoxLayout(this);
     all->addLayout(left);
-    all->addWidget(m_pages, 1);
+    all->addLayout(right, 1);
     resize(900, 600);
     m_list->setCurrentRow(0);
 }
 
 bool Gallery::ShowPage(DString const &name) {
-    for (std::size_t i = 0; i < GalleryPages().size(); ++i)
-        if (name == GalleryPages()[i].name) {
+    for (std::size_t i = 0; i < Pages().size(); ++i)
+        if (name == Pages()[i].name) {
             m_list->setCurrentRow(static_cast<int>(i));
             return true;
         }
@@ -53,7 +62,9 @@ bool Gallery::ShowPage(DString const &name) {
 void Gallery::Filter(QString const &text) {
     int first = -1;
     for (int row = 0; row < m_list->count(); ++row) {
-        bool const fits = m_list->item(row)->text().contains(text.trimmed(), Qt::CaseInsensitive);
+        Page const &page = Pages()[static_cast<std::size_t>(row)];
+        bool const fits = QString::fromUtf8(page.title).contains(text.trimmed(), Qt::CaseInsensitive) ||
+                          QString::fromUtf8(page.classes).contains(text.trimmed(), Qt::CaseInsensitive);
         m_list->item(row)->setHidden(!fits);
         first = fits && first < 0 ? row : first;
     }
@@ -65,12 +76,13 @@ void Gallery::Filter(QString const &text) {
 void Gallery::ShowRow(int row) {
     if (row < 0)
         return;
-    auto const page = static_cast<std::size_t>(row);
-    if (m_made[page] == nullptr) {
-        m_made[page] = GalleryPages()[page].make();
-        m_pages->addWidget(m_made[page]);
+    auto const index = static_cast<std::size_t>(row);
+    if (m_made[index] == nullptr) {
+        m_made[index] = Pages()[index].make();
+        m_pages->addWidget(m_made[index]);
     }
-    m_pages->setCurrentWidget(m_made[page]);
+    m_classes->setText(QString::fromUtf8(Pages()[index].classes).replace(QLatin1Char(' '), QStringLiteral(", ")));
+    m_pages->setCurrentWidget(m_made[index]);
 }
 
-} // namespace zelvar::tool
+} // namespace zelvar::gallery

@@ -1,0 +1,57 @@
+#include "zelvar/gallery/PageForm.h"
+
+#include "zelvar/platform/ui/Text.h"
+
+#include <QtWidgets/QCheckBox>
+#include <QtWidgets/QFormLayout>
+#include <QtWidgets/QHBoxLayout>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QPushButton>
+#include <QtWidgets/QVBoxLayout>
+
+namespace zelvar::gallery {
+
+PageForm::PageForm() : m_form(new QFormLayout), m_buttons(new QHBoxLayout), m_said(new QLabel) {
+    m_form->setFieldGrowthPolicy(QFormLayout::FieldsStayAtSizeHint);
+    m_form->setRowWrapPolicy(QFormLayout::WrapLongRows);
+    m_buttons->addStretch();
+    m_said->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    m_said->setAccessibleName(QStringLiteral("What happened last"));
+    auto *const layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addLayout(m_form);
+    layout->addStretch(1);
+    layout->addLayout(m_buttons);
+    layout->addWidget(m_said);
+}
+
+void PageForm::Add(char const *label, QWidget *control) {
+    control->setAccessibleName(QString::fromUtf8(label).remove(QLatin1Char('&')));
+    m_form->addRow(QString::fromUtf8(label), control);
+}
+
+void PageForm::AddWide(char const *name, QWidget *control, bool stretch) {
+    control->setAccessibleName(QString::fromUtf8(name));
+    auto *const layout = static_cast<QVBoxLayout *>(this->layout());
+    if (stretch)
+        layout->setStretch(1, 0); // the control takes it instead
+    layout->insertWidget(layout->indexOf(m_buttons), control, stretch ? 1 : 0);
+}
+
+void PageForm::AddButton(char const *text, std::function<void()> act) {
+    auto *const button = new QPushButton(QString::fromUtf8(text));
+    button->setAutoDefault(false);
+    m_buttons->insertWidget(m_buttons->count() - 1, button);
+    connect(button, &QPushButton::clicked, this, std::move(act));
+}
+
+void PageForm::AddSwitch(char const *text, bool on, std::function<void(bool)> act) {
+    auto *const box = new QCheckBox(QString::fromUtf8(text));
+    box->setChecked(on);
+    m_buttons->insertWidget(m_buttons->count() - 1, box);
+    connect(box, &QCheckBox::toggled, this, std::move(act));
+}
+
+void PageForm::Say(DString const &text) const { m_said->setText(platform::ToQString(text)); }
+
+} // namespace zelvar::gallery
