@@ -1,14 +1,16 @@
 #include "zelvar/controls/CZelPropList.h"
 
+#include "zelvar/controls/PropDelegate.h"
+#include "zelvar/controls/PropTree.h"
+#include "zelvar/platform/ui/ModalLoop.h"
+#include "zelvar/platform/ui/SystemColor.h"
 #include "zelvar/platform/ui/Text.h"
 
-#include <QtGui/QClipboard>
-#include <QtGui/QKeyEvent>
-#include <QtGui/QPainter>
-#include <QtWidgets/QApplication>
+#include <QtGui/QResizeEvent>
+#include <QtWidgets/QColorDialog>
 #include <QtWidgets/QHeaderView>
 #include <QtWidgets/QLabel>
-#include <QtWidgets/QStyledItemDelegate>
+#include <QtWidgets/QLineEdit>
 #include <QtWidgets/QVBoxLayout>
 
 #include <algorithm>
@@ -21,84 +23,37 @@ namespace {
 constexpr int kNameColumn = 0;
 constexpr int kValueColumn = 1;
 
-/// Edits values only, and draws the lines between rows.
-class PropDelegate final : public QStyledItemDelegate {
-public:
-    using QStyledItemDelegate::QStyledItemDelegate;
-
-    QWidget *createEditor(QWidget *parent, QStyleOptionViewItem const &option,
-                          QModelIndex const &index) const override {
-        return index.column() == kValueColumn ? QStyledItemDelegate::createEditor(parent, option, index) : nullptr;
+template <class Visit>
+void ForEachBelow(CZelProp &prop, Visit const &visit) {
+    for (int i = 0; i < prop.GetSubItemsCount(); ++i) {
+        visit(*prop.GetSubItem(i));
+        ForEachBelow(*prop.GetSubItem(i), visit);
     }
-    [[nodiscard]] QSize sizeHint(QStyleOptionViewItem const &option, QModelIndex const &index) const override {
-        return QStyledItemDelegate::sizeHint(option, index) + QSize(0, 4);
-    }
-};
+}
 
-/// Copies the current value, not the name that the row begins with.
-class PropTree final : public QTreeWidget {
-public:
-    using QTreeWidget::QTreeWidget;
+bool ComesBefore(QTreeWidgetItem const *a, QTreeWidgetItem const *b) {
+    return QString::localeAwareCompare(a->text(kNameColumn), b->text(kNameColumn)) < 0;
+}
 
-protected:
-    void keyPressEvent(QKeyEvent *event) override {
-        if (event->matches(QKeySequence::Copy) && currentItem() != nullptr)
-            QApplication::clipboard()->setText(platform::ToQString(Value(*currentItem())));
-        else
-            QTreeWidget::keyPressEvent(event);
-    }
-    void drawRow(QPainter *painter, QStyleOptionViewItem const &option, QModelIndex const &index) const override {
-        // A shaded group is shaded from edge to edge, under its mark of opening as well.
-        if (QVariant const shade = index.data(Qt::BackgroundRole); shade.isValid())
-            painter->fillRect(option.rect, shade.value<QBrush>());
-        QTreeWidget::drawRow(painter, option, index);
-        painter->setPen(palette().color(QPalette::Window).darker(108));
-        painter->drawLine(option.rect.bottomLeft(), option.rect.bottomRight());
-        if (index.parent().isValid()) {
-            int const x = columnViewportPosition(kValueColumn) - 1;
-            painter->drawLine(x, option.rect.top(), x, option.rect.bottom());
-        }
-    }
-
-private:
-    static DString const &Value(QTreeWidgetItem const &item) { return static_cast<CZelProp const &>(item).GetValue(); }
-};
+/// Whether the property or one below it is shown.
+bool Filter(CZelProp &prop, QString const &text, bool groupFits) {
+    bool const fits = groupFits || prop.text(kNameColumn).contains(text, Qt::CaseInsensitive) ||
+                      prop.text(kValueColumn).contains(text, Qt::CaseInsensitive);
+    bool shown = fits;
+    for (int i = 0; i < prop.GetSubItemsCount(); ++i)
+        shown = Filter(*prop.GetSubItem(i), text, fits) || shown;
+    prop.setHidden(!shown);
+    return shown;
+}
 
 } // namespace
 
-CZelProp::CZelProp(DString const &name) : m_isGroup(true) { setText(kNameColumn, platform::ToQString(name)); }
-
-CZelProp::CZelProp(DString const &name, DString const &value, DString description, std::uint64_t data)
-    : m_description(std::move(description)), m_data(data) {
-    setText(kNameColumn, platform::ToQString(name));
-    SetValue(value);
-}
-
-void CZelProp::AddSubItem(CZelProp *prop) {
-    if (prop != nullptr)
-        addChild(prop);
-}
-
-CZelProp *CZelProp::GetSubItem(int index) const { return static_cast<CZelProp *>(child(index)); }
-
-DString CZelProp::GetName() const { return platform::ToDString(text(kNameColumn)); }
-
-void CZelProp::SetValue(DString const &value) {
-    m_value = value;
-    QString const shown = platform::ToQString(value);
-    setText(kValueColumn, shown.simplified());
-    setToolTip(kValueColumn, platform::ToToolTip(shown));
-}
-
-void CZelProp::AllowEdit(bool allow) {
-    setFlags(allow ? flags() | Qt::ItemIsEditable : flags() & ~Qt::ItemFlags(Qt::ItemIsEditable));
-}
-
 CZelPropList::CZelPropList(QWidget *parent)
-    : QWidget(parent), m_tree(new PropTree(this)), m_description(new QLabel(this)) {
+    : QWidget(parent), m_tree(new PropTree(*this)), m_description(new QLabel(this)), m_search(new QLineEdit(this)) {
     auto *const layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
+    layout->addWidget(m_search);
     layout->addWidget(m_tree, 1);
     layout->addWidget(m_description);
     m_description->setWordWrap(true);
@@ -106,34 +61,36 @@ CZelPropList::CZelPropList(QWidget *parent)
     m_description->setMargin(4);
     m_description->setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
     m_description->hide();
+    m_search->setPlaceholderText(QStringLiteral("Search"));
+    m_search->setAccessibleName(QStringLiteral("Search properties"));
+    m_search->setClearButtonEnabled(true);
+    m_search->hide();
+    setTabOrder(m_search, m_tree);
     setFocusProxy(m_tree);
 
     m_tree->setColumnCount(2);
-    m_tree->setItemDelegate(new PropDelegate(m_tree));
+    m_tree->setItemDelegate(new PropDelegate(*this));
     m_tree->setUniformRowHeights(true);
-    m_tree->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed);
+    m_tree->setEditTriggers(QAbstractItemView::DoubleClicked);
     m_tree->setHeaderHidden(true);
     m_tree->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff); // a long value has its tip
     m_tree->header()->setMinimumSectionSize(m_tree->fontMetrics().averageCharWidth() * 2);
     m_tree->header()->setStretchLastSection(false); // it would keep a hundred pixels in any pane
     m_tree->header()->setSectionResizeMode(kValueColumn, QHeaderView::Stretch);
     m_tree->setIndentation(m_tree->fontMetrics().averageCharWidth() * 2);
+    connect(m_search, &QLineEdit::textChanged, this,
+            [this](QString const &text) { SetFilter(platform::ToDString(text)); });
     connect(m_tree->header(), &QHeaderView::sectionResized, this,
             [this](int column) { m_namesDragged = m_namesDragged || (column == kNameColumn && !m_fitting); });
     connect(m_tree, &QTreeWidget::currentItemChanged, this, [this](QTreeWidgetItem *item) {
         auto const *const prop = static_cast<CZelProp const *>(item);
         m_description->setText(prop == nullptr ? QString() : platform::ToQString(prop->GetDescription()));
     });
-    connect(m_tree, &QTreeWidget::itemChanged, this, [this](QTreeWidgetItem *item, int column) {
-        auto *const prop = static_cast<CZelProp *>(item);
-        DString const typed = platform::ToDString(item->text(kValueColumn));
-        bool const byUser = column == kValueColumn && (item->flags() & Qt::ItemIsEditable) != 0 &&
-                            item->text(kValueColumn) != platform::ToQString(prop->GetValue()).simplified();
-        if (!byUser)
-            return;
-        prop->SetValue(typed);
-        Q_EMIT PropertyChanged(prop);
-    });
+}
+
+CZelPropList::~CZelPropList() {
+    m_tree->disconnect(this);
+    RemoveAll();
 }
 
 void CZelPropList::EnableHeaderCtrl(bool enable, DString const &nameHeading, DString const &valueHeading) {
@@ -143,36 +100,220 @@ void CZelPropList::EnableHeaderCtrl(bool enable, DString const &nameHeading, DSt
 
 void CZelPropList::EnableDescriptionArea(bool enable) { m_description->setVisible(enable); }
 
+void CZelPropList::EnableSearchBox(bool enable) {
+    m_search->setVisible(enable);
+    if (!enable)
+        m_search->clear();
+}
+
 void CZelPropList::SetVSDotNetLook(bool on) {
     m_dotNetLook = on;
-    ShadeGroups();
+    for (CZelProp *const prop : m_properties) {
+        Dress(*prop);
+        ForEachBelow(*prop, [this](CZelProp &below) { Dress(below); });
+    }
 }
 
 void CZelPropList::AddProperty(CZelProp *prop) {
-    if (prop == nullptr)
+    if (prop == nullptr || prop->m_list != nullptr || prop->m_owner != nullptr)
         return;
-    m_tree->addTopLevelItem(prop);
-    prop->setFirstColumnSpanned(prop->IsGroup());
-    prop->setExpanded(true);
-    ShadeGroups();
+    prop->m_list = this;
+    m_properties.push_back(prop);
+    if (!m_alphabetic)
+        m_tree->addTopLevelItem(prop);
+    Adopt(*prop);
 }
 
-int CZelPropList::GetPropertyCount() const { return m_tree->topLevelItemCount(); }
+CZelProp *CZelPropList::GetProperty(int index) const {
+    return index >= 0 && index < GetPropertyCount() ? m_properties[static_cast<std::size_t>(index)] : nullptr;
+}
 
-CZelProp *CZelPropList::GetProperty(int index) const { return static_cast<CZelProp *>(m_tree->topLevelItem(index)); }
+void CZelPropList::RemoveAll() {
+    if (m_alphabetic)
+        ShowGroups();
+    for (CZelProp *const prop : std::exchange(m_properties, {}))
+        prop->m_list = nullptr;
+    m_tree->clear();
+}
 
-void CZelPropList::RemoveAll() { m_tree->clear(); }
+void CZelPropList::Forget(CZelProp const &prop) { std::erase(m_properties, &prop); }
 
-void CZelPropList::ShadeGroups() const {
-    QFont bold = m_tree->font();
-    bold.setBold(true);
-    for (int index = 0; index < GetPropertyCount(); ++index) {
-        CZelProp *const prop = GetProperty(index);
-        if (!prop->IsGroup())
-            continue;
-        prop->setFont(kNameColumn, m_dotNetLook ? bold : m_tree->font());
-        prop->setBackground(kNameColumn, m_dotNetLook ? palette().brush(QPalette::Window) : QBrush());
+CZelProp *CZelPropList::FindItemByData(std::uint64_t word) const {
+    CZelProp *found = nullptr;
+    auto const look = [&](CZelProp &prop) {
+        if (found == nullptr && prop.GetData() == word)
+            found = &prop;
+    };
+    for (CZelProp *const prop : m_properties) {
+        look(*prop);
+        ForEachBelow(*prop, look);
     }
+    return found;
+}
+
+void CZelPropList::ExpandAll(bool expand) {
+    if (expand)
+        m_tree->expandAll();
+    else
+        m_tree->collapseAll();
+}
+
+CZelProp *CZelPropList::GetCurSel() const { return static_cast<CZelProp *>(m_tree->currentItem()); }
+
+void CZelPropList::SetCurSel(CZelProp *prop) {
+    m_tree->setCurrentItem(prop);
+    if (prop != nullptr)
+        m_tree->scrollToItem(prop);
+}
+
+void CZelPropList::ResetOriginalValues() {
+    for (CZelProp *const prop : m_properties) {
+        prop->ResetOriginalValue();
+        ForEachBelow(*prop, [](CZelProp &below) { below.ResetOriginalValue(); });
+    }
+}
+
+bool CZelPropList::EnterValue(CZelProp &prop, DString const &entry) {
+    std::optional<DString> const value = prop.GetRule().Read(entry);
+    if (!value)
+        return false;
+    if (*value != prop.GetValue()) {
+        prop.SetValue(*value);
+        OnPropertyChanged(&prop);
+    }
+    return true;
+}
+
+bool CZelPropList::BeginEdit(CZelProp &prop) {
+    if (!prop.TakesEntries() || prop.treeWidget() != m_tree)
+        return false;
+    if (prop.GetRule().kind == PropRule::Kind::Boolean)
+        return EnterValue(prop, PropRule::FromBool(!prop.GetBool()));
+    SetCurSel(&prop);
+    m_tree->editItem(&prop, kValueColumn);
+    return true;
+}
+
+bool CZelPropList::OnBrowse(CZelProp &prop, DString &value) {
+    if (prop.GetRule().kind != PropRule::Kind::Color)
+        return m_browse && m_browse(prop, value);
+    QColorDialog dialog(platform::ToQColor(PropRule::ToColor(value).value_or(prop.GetColor())), this);
+    dialog.setWindowTitle(platform::ToQString(prop.GetName()));
+    if (platform::RunModal(dialog) != QDialog::Accepted)
+        return false;
+    value = PropRule::FromColor(platform::ToColorRef(dialog.currentColor()));
+    return true;
+}
+
+void CZelPropList::OnPropertyChanged(CZelProp *prop) { Q_EMIT PropertyChanged(prop); }
+
+/// Gives a property that has come into the list, and what is below it, its place and look.
+void CZelPropList::Adopt(CZelProp &prop) {
+    if (m_alphabetic && prop.IsGroup()) {
+        for (int i = 0; i < prop.GetSubItemsCount(); ++i)
+            Adopt(*prop.GetSubItem(i));
+        return;
+    }
+    CZelProp const *const owner = prop.m_owner;
+    if (m_alphabetic && (owner == nullptr || owner->IsGroup()))
+        InsertFlat(prop);
+    Dress(prop);
+    ForEachBelow(prop, [this](CZelProp &below) { Dress(below); });
+}
+
+void CZelPropList::InsertFlat(CZelProp &prop) {
+    if (prop.m_owner != nullptr)
+        prop.m_owner->removeChild(&prop);
+    int low = 0;
+    for (int high = m_tree->topLevelItemCount(); low < high;) {
+        int const middle = (low + high) / 2;
+        if (ComesBefore(&prop, m_tree->topLevelItem(middle)))
+            high = middle;
+        else
+            low = middle + 1;
+    }
+    m_tree->insertTopLevelItem(low, &prop);
+}
+
+void CZelPropList::SetAlphabeticMode(bool on) {
+    if (on == m_alphabetic)
+        return;
+    CZelProp *const current = GetCurSel();
+    m_alphabetic = on;
+    if (on)
+        ShowFlat();
+    else
+        ShowGroups();
+    if (current != nullptr && current->treeWidget() == m_tree)
+        SetCurSel(current);
+    if (!m_filter.isEmpty())
+        SetFilter(platform::ToDString(m_filter));
+}
+
+void CZelPropList::ShowFlat() {
+    QList<QTreeWidgetItem *> values;
+    auto const collect = [&](CZelProp &prop) {
+        prop.m_isOpen = prop.isExpanded();
+        if (!prop.IsGroup() && (prop.m_owner == nullptr || prop.m_owner->IsGroup()))
+            values.append(&prop);
+    };
+    for (CZelProp *const prop : m_properties) {
+        collect(*prop);
+        ForEachBelow(*prop, collect);
+    }
+    while (m_tree->topLevelItemCount() > 0)
+        m_tree->takeTopLevelItem(m_tree->topLevelItemCount() - 1);
+    for (auto value = values.crbegin(); value != values.crend(); ++value)
+        if (CZelProp *const owner = static_cast<CZelProp *>(*value)->m_owner)
+            owner->removeChild(*value);
+    std::ranges::stable_sort(values, ComesBefore);
+    m_tree->addTopLevelItems(values);
+    for (QTreeWidgetItem *const value : std::as_const(values))
+        Dress(*static_cast<CZelProp *>(value));
+}
+
+void CZelPropList::ShowGroups() {
+    while (m_tree->topLevelItemCount() > 0)
+        m_tree->takeTopLevelItem(m_tree->topLevelItemCount() - 1);
+    for (CZelProp *const prop : m_properties) {
+        auto const giveBack = [](CZelProp &group) {
+            for (CZelProp *const value : group.m_subItems)
+                if (value->parent() != &group)
+                    group.addChild(value);
+        };
+        giveBack(*prop);
+        ForEachBelow(*prop, giveBack);
+        m_tree->addTopLevelItem(prop);
+        Dress(*prop);
+        ForEachBelow(*prop, [this](CZelProp &below) { Dress(below); });
+    }
+}
+
+void CZelPropList::SetFilter(DString const &text) {
+    m_filter = platform::ToQString(text).trimmed();
+    for (CZelProp *const prop : m_properties)
+        Filter(*prop, m_filter, false);
+}
+
+/// What depends on the tree that a property stands in.
+void CZelPropList::Dress(CZelProp &prop) const {
+    if (prop.treeWidget() != m_tree)
+        return;
+    if (prop.IsGroup() || prop.GetSubItemsCount() > 0)
+        prop.setExpanded(prop.m_isOpen);
+    if (!prop.IsGroup())
+        return;
+    prop.setFirstColumnSpanned(true);
+    QFont font = m_tree->font();
+    font.setBold(m_dotNetLook);
+    prop.setFont(kNameColumn, font);
+    prop.setBackground(kNameColumn, m_dotNetLook ? palette().brush(QPalette::Window) : QBrush());
+}
+
+void CZelPropList::changeEvent(QEvent *event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange || event->type() == QEvent::FontChange)
+        SetVSDotNetLook(m_dotNetLook);
 }
 
 void CZelPropList::FitNames() {

@@ -22,6 +22,7 @@ struct Page {
 };
 
 // The pages by family, each in its own source.
+[[nodiscard]] std::vector<Page> BarPages();
 [[nodiscard]] std::vector<Page> ChartPages();
 [[nodiscard]] std::vector<Page> ThematicPages();
 

@@ -1,0 +1,330 @@
+#include "support/GuiTest.h"
+#include "zelvar/controls/CZelPropList.h"
+
+#include <QtGui/QAccessible>
+#include <QtTest/QTest>
+#include <QtWidgets/QColorDialog>
+#include <QtWidgets/QComboBox>
+#include <QtWidgets/QLineEdit>
+#include <QtWidgets/QPlainTextEdit>
+#include <QtWidgets/QToolButton>
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <memory>
+
+namespace zelvar {
+namespace {
+
+TEST(PropRule, TakesWhatItsKindMeansAndNothingElse) {
+    PropRule const whole = PropRule::Integer(-5, 10);
+    PropRule const real = PropRule::Real(0, 2.5);
+    PropRule const money = PropRule::Real(-1e9, 1e9, 2);
+    PropRule const choice = PropRule::Choice({"none", "LZW", "lzw"});
+    struct Case {
+        PropRule const &rule;
+        char const *entry;
+        char const *value; ///< null: not taken
+    };
+    PropRule const text;
+    PropRule const yes = PropRule::Boolean();
+    PropRule const color = PropRule::Color();
+    PropRule const anyWhole = PropRule::Integer();
+    Case const cases[] = {
+        {whole, " 7 ", "7"},
+        {whole, "+10", "10"},
+        {whole, "11", nullptr},
+        {whole, "-5", "-5"},
+        {whole, "-6", nullptr},
+        {whole, "", nullptr},
+        {whole, "+-3", nullptr},
+        {whole, "3.0", nullptr},
+        {whole, "0x3", nullptr},
+        {anyWhole, "9223372036854775807", "9223372036854775807"},
+        {anyWhole, "9223372036854775808", nullptr},
+        {real, "2.50", "2.5"},
+        {real, "2.5000001", nullptr},
+        {real, "1e-1", "0.1"},
+        {real, "1,5", nullptr},
+        {real, "nan", nullptr},
+        {real, "inf", nullptr},
+        {real, "1 2", nullptr},
+        {money, "3", "3.00"},
+        {yes, "Yes", "true"},
+        {yes, "OFF", "false"},
+        {yes, "maybe", nullptr},
+        {choice, "lzw", "lzw"},
+        {choice, "NONE", "none"},
+        {choice, "zip", nullptr},
+        {color, "#0a80Ff", "#0A80FF"},
+        {color, "10, 128, 255", "#0A80FF"},
+        {color, "10,128,256", nullptr},
+        {color, "#0a80f", nullptr},
+        {color, "#+a80ff0", nullptr},
+        {color, "1,2", nullptr},
+        {text, " \xff ", " \xff "},
+    };
+    for (Case const &one : cases) {
+        std::optional<DString> const value = one.rule.Read(one.entry);
+        EXPECT_EQ(value.value_or("not taken"), one.value == nullptr ? "not taken" : one.value) << one.entry;
+    }
+    EXPECT_EQ(whole.Wanted(), "A whole number from -5 to 10");
+    EXPECT_EQ(anyWhole.Wanted(), "A whole number");
+    EXPECT_EQ(PropRule::ToColor("#0A80FF"), Rgb(0x0A, 0x80, 0xFF));
+}
+
+/// Counts what the user has changed.
+class CountingList : public CZelPropList {
+public:
+    int changes = 0;
+
+protected:
+    void OnPropertyChanged(CZelProp *prop) override {
+        ++changes;
+        CZelPropList::OnPropertyChanged(prop);
+    }
+};
+
+struct Layer {
+    Layer() {
+        auto *const image = new CZelProp("Image");
+        image->AddSubItem(title);
+        image->AddSubItem(new CZelProp("Format", "GTiff"));
+        list.AddProperty(image);
+        auto *const look = new CZelProp("Look");
+        for (CZelProp *const prop : {opacity, visible, resampling, tint, source, note})
+            look->AddSubItem(prop);
+        list.AddProperty(look);
+        list.resize(320, 320);
+        list.show();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&list));
+    }
+    template <class Editor = QLineEdit>
+    [[nodiscard]] Editor *OpenEditor() const {
+        for (Editor *const editor : list.Tree().viewport()->findChildren<Editor *>())
+            if (editor->isVisible())
+                return editor;
+        return nullptr;
+    }
+    /// Types into the editor that a key opens; what was in it is replaced.
+    void Enter(CZelProp &prop, char const *entry, Qt::Key end = Qt::Key_Return, Qt::Key begin = Qt::Key_F2) {
+        list.SetCurSel(&prop);
+        QTest::keyClick(&list.Tree(), begin);
+        ASSERT_NE(OpenEditor(), nullptr);
+        OpenEditor()->selectAll();
+        QTest::keyClicks(OpenEditor(), QString::fromUtf8(entry));
+        QTest::keyClick(OpenEditor(), end);
+    }
+    CountingList list;
+    CZelProp *title = new CZelProp("Title", PropRule{}, "Nuclei", "Shown in the legend", 1);
+    CZelProp *opacity = new CZelProp("Opacity", PropRule::Integer(0, 100), "80", "Per cent", 2);
+    CZelProp *visible = new CZelProp("Visible", PropRule::Boolean(), "true", {}, 3);
+    CZelProp *resampling = new CZelProp("Resampling", PropRule::Choice({"nearest", "cubic"}), "nearest", {}, 4);
+    CZelProp *tint = new CZelProp("Tint", PropRule::Color(), "#00FF00", {}, 5);
+    CZelProp *source = new CZelProp("File", PropRule::File(), "/data/\xff.tif", {}, 6);
+    CZelProp *note = new CZelProp("Note", PropRule::MultiLine(), "one\ntwo", {}, 7);
+};
+
+TEST(CZelPropList, AWrongEntryStaysInItsEditorUntilItIsMendedOrGivenUp) {
+    Layer layer;
+    layer.Enter(*layer.opacity, "101");
+    ASSERT_NE(layer.OpenEditor(), nullptr) << "it is still there";
+    EXPECT_EQ(layer.OpenEditor()->text(), "101");
+    test::Shot(layer.list, "prop-list-wrong-entry");
+    EXPECT_NE(layer.OpenEditor()->palette().color(QPalette::Text), layer.list.palette().color(QPalette::Text));
+    EXPECT_EQ(layer.OpenEditor()->accessibleDescription(), "A whole number from 0 to 100");
+    QTest::keyClick(layer.OpenEditor(), Qt::Key_Tab);
+    ASSERT_NE(layer.OpenEditor(), nullptr) << "nor does Tab leave it";
+    EXPECT_EQ(layer.opacity->GetInt(), 80);
+    QTest::keyClick(layer.OpenEditor(), Qt::Key_Backspace);
+    QTest::keyClick(layer.OpenEditor(), Qt::Key_Return);
+    EXPECT_EQ(layer.opacity->GetInt(), 10);
+    EXPECT_EQ(layer.OpenEditor(), nullptr);
+    layer.Enter(*layer.opacity, "55", Qt::Key_Escape, Qt::Key_Return);
+    EXPECT_EQ(layer.opacity->GetValue(), "10") << "given up";
+    EXPECT_EQ(layer.OpenEditor(), nullptr);
+    layer.Enter(*layer.opacity, "999", Qt::Key_Home);
+    layer.list.SetCurSel(layer.title); // as a click elsewhere does
+    EXPECT_EQ(layer.opacity->GetValue(), "10");
+    EXPECT_EQ(layer.list.changes, 1);
+}
+
+TEST(CZelPropList, TabGoesOnToTheNextValueThatCanBeChanged) {
+    Layer layer;
+    layer.Enter(*layer.title, "Cells", Qt::Key_Tab);
+    EXPECT_EQ(layer.title->GetValue(), "Cells");
+    EXPECT_EQ(layer.list.GetCurSel(), layer.opacity) << "past the format, which is read only, and the group";
+    ASSERT_NE(layer.OpenEditor(), nullptr);
+    EXPECT_EQ(layer.OpenEditor()->accessibleName(), "Opacity");
+    QTest::keyClick(layer.OpenEditor(), Qt::Key_Backtab);
+    EXPECT_EQ(layer.list.GetCurSel(), layer.title);
+    QTest::keyClick(layer.OpenEditor(), Qt::Key_Backtab);
+    EXPECT_EQ(layer.OpenEditor(), nullptr) << "nothing before it";
+    EXPECT_EQ(layer.list.changes, 1);
+}
+
+TEST(CZelPropList, SpaceEnterAndTheMouseTurnABooleanValueOver) {
+    Layer layer;
+    QTreeWidget &tree = layer.list.Tree();
+    layer.list.SetCurSel(layer.visible);
+    QTest::keyClick(&tree, Qt::Key_Space);
+    EXPECT_FALSE(layer.visible->GetBool());
+    EXPECT_EQ(layer.visible->text(1), "No");
+    QTest::keyClick(&tree, Qt::Key_Return);
+    EXPECT_TRUE(layer.visible->GetBool());
+    QRect const row = tree.visualItemRect(layer.visible);
+    QPoint const box(tree.columnViewportPosition(1) + 10, row.center().y());
+    QTest::mouseClick(tree.viewport(), Qt::LeftButton, {}, box);
+    EXPECT_FALSE(layer.visible->GetBool());
+    layer.visible->AllowEdit(false);
+    QTest::mouseClick(tree.viewport(), Qt::LeftButton, {}, box);
+    QTest::keyClick(&tree, Qt::Key_Space);
+    EXPECT_FALSE(layer.visible->GetBool());
+    EXPECT_EQ(layer.list.changes, 3);
+}
+
+TEST(CZelPropList, AChoiceIsTakenWithEnterNotWithEachArrow) {
+    Layer layer;
+    layer.list.BeginEdit(*layer.resampling);
+    auto *const combo = layer.OpenEditor<QComboBox>();
+    ASSERT_NE(combo, nullptr);
+    test::Shot(layer.list, "prop-list-choice");
+    QTest::keyClick(combo, Qt::Key_Down);
+    EXPECT_EQ(layer.resampling->GetValue(), "nearest");
+    ASSERT_EQ(layer.OpenEditor<QComboBox>(), combo);
+    QTest::keyClick(combo, Qt::Key_Return);
+    EXPECT_EQ(layer.resampling->GetValue(), "cubic");
+    EXPECT_EQ(layer.OpenEditor<QComboBox>(), nullptr);
+}
+
+TEST(CZelPropList, AnEditedTextOfSeveralLinesKeepsItsLinesAndAnUntouchedPathItsBytes) {
+    Layer layer;
+    layer.list.BeginEdit(*layer.note);
+    auto *const text = layer.OpenEditor<QPlainTextEdit>();
+    ASSERT_NE(text, nullptr);
+    test::Shot(layer.list, "prop-list-lines");
+    text->moveCursor(QTextCursor::End);
+    QTest::keyClick(text, Qt::Key_Return);
+    QTest::keyClicks(text, "three");
+    QTest::keyClick(text, Qt::Key_Return, Qt::ControlModifier);
+    EXPECT_EQ(layer.note->GetValue(), "one\ntwo\nthree");
+    EXPECT_EQ(layer.note->text(1), "one two three");
+    layer.list.BeginEdit(*layer.source);
+    QTest::keyClick(layer.OpenEditor(), Qt::Key_Return);
+    EXPECT_EQ(layer.source->GetValue(), "/data/\xff.tif");
+    EXPECT_EQ(layer.list.changes, 1);
+}
+
+TEST(CZelPropList, TheButtonOfAPathAsksTheHookAndThatOfAColourADialog) {
+    Layer layer;
+    layer.list.SetBrowse([](CZelProp &prop, DString &value) {
+        value = prop.GetName() + "/\xfe";
+        return true;
+    });
+    layer.list.BeginEdit(*layer.source);
+    QTest::keyClick(layer.OpenEditor(), Qt::Key_F4);
+    EXPECT_EQ(layer.source->GetValue(), "File/\xfe");
+    EXPECT_EQ(layer.OpenEditor(), nullptr);
+
+    auto const asked = test::OnNextDialog([](QWidget &dialog) {
+        auto &colors = dynamic_cast<QColorDialog &>(dialog);
+        EXPECT_EQ(colors.currentColor(), QColor(0, 255, 0));
+        colors.setCurrentColor(QColor(1, 2, 3));
+        colors.accept();
+    });
+    layer.list.BeginEdit(*layer.tint);
+    test::Shot(layer.list, "prop-list-color");
+    test::Click(layer.OpenEditor<QToolButton>());
+    EXPECT_TRUE(*asked);
+    EXPECT_EQ(layer.tint->GetColor(), Rgb(1, 2, 3));
+    EXPECT_EQ(layer.OpenEditor(), nullptr);
+
+    auto const refused = test::OnNextDialog([](QWidget &dialog) { dialog.close(); });
+    layer.list.BeginEdit(*layer.tint);
+    test::Click(layer.OpenEditor<QToolButton>());
+    EXPECT_TRUE(*refused);
+    EXPECT_NE(layer.OpenEditor(), nullptr) << "the user may go on typing";
+    EXPECT_EQ(layer.list.changes, 2);
+}
+
+TEST(CZelPropList, AListMayBeEmptiedByWhomItTellsOfAChange) {
+    Layer layer;
+    QObject::connect(&layer.list, &CZelPropList::PropertyChanged, &layer.list, &CZelPropList::RemoveAll);
+    layer.Enter(*layer.opacity, "5", Qt::Key_Tab);
+    EXPECT_EQ(layer.list.GetPropertyCount(), 0);
+    EXPECT_EQ(layer.list.changes, 1);
+}
+
+TEST(CZelPropList, WhatTheUserHasChangedIsBoldUntilItIsReset) {
+    Layer layer;
+    auto const isBold = [](CZelProp const &prop) { return prop.data(1, Qt::FontRole).value<QFont>().bold(); };
+    EXPECT_FALSE(isBold(*layer.opacity));
+    EXPECT_FALSE(layer.list.EnterValue(*layer.opacity, "high"));
+    EXPECT_TRUE(layer.list.EnterValue(*layer.opacity, "7"));
+    EXPECT_TRUE(layer.opacity->IsModified() && isBold(*layer.opacity));
+    EXPECT_EQ(layer.opacity->data(0, Qt::AccessibleTextRole).toString(), "Opacity: 7, modified");
+    layer.list.ResetOriginalValues();
+    EXPECT_EQ(layer.opacity->GetInt(), 80);
+    EXPECT_FALSE(layer.opacity->IsModified() || isBold(*layer.opacity));
+    layer.title->SetValue("of the program");
+    layer.title->AllowEdit(false);
+    EXPECT_FALSE(isBold(*layer.title)) << "a pane that only shows values has none that stand out";
+    layer.opacity->Enable(false);
+    EXPECT_FALSE(layer.list.BeginEdit(*layer.opacity));
+}
+
+TEST(CZelPropList, AlphabeticOrderDissolvesTheGroupsAndGivesThemBack) {
+    Layer layer;
+    layer.list.GetProperty(0)->setExpanded(false);
+    layer.list.SetAlphabeticMode(true);
+    QTreeWidget const &tree = layer.list.Tree();
+    auto const names = [&] {
+        DString all;
+        for (int i = 0; i < tree.topLevelItemCount(); ++i)
+            all += tree.topLevelItem(i)->text(0).toStdString() + " ";
+        return all;
+    };
+    EXPECT_EQ(names(), "File Format Note Opacity Resampling Tint Title Visible ");
+    EXPECT_EQ(layer.list.GetProperty(1)->GetSubItem(0), layer.opacity) << "the groups are still told";
+    layer.list.GetProperty(0)->AddSubItem(new CZelProp("Nodata", "0"));
+    delete layer.note;
+    EXPECT_EQ(names(), "File Format Nodata Opacity Resampling Tint Title Visible ");
+    layer.list.SetFilter("TL");
+    EXPECT_TRUE(layer.source->isHidden());
+    EXPECT_FALSE(layer.title->isHidden());
+    layer.list.SetAlphabeticMode(false);
+    EXPECT_EQ(names(), "Image Look ");
+    EXPECT_FALSE(layer.list.GetProperty(0)->isExpanded());
+    EXPECT_TRUE(layer.list.GetProperty(1)->isExpanded());
+    EXPECT_TRUE(layer.list.GetProperty(1)->isFirstColumnSpanned());
+    EXPECT_TRUE(layer.visible->isHidden()) << "the filter goes on";
+    EXPECT_EQ(layer.list.GetProperty(0)->childCount(), 3);
+    layer.list.SetFilter("Yes");
+    EXPECT_FALSE(layer.visible->isHidden()) << "values are searched, too";
+    EXPECT_TRUE(layer.list.GetProperty(0)->isHidden());
+    EXPECT_EQ(layer.list.FindItemByData(5), layer.tint);
+    EXPECT_EQ(layer.list.FindItemByData(99), nullptr);
+    layer.list.SetAlphabeticMode(true); // and it dies so: all is freed once
+}
+
+TEST(CZelPropList, TenThousandPropertiesFillInAMoment) {
+    CZelPropList list;
+    list.SetVSDotNetLook(true);
+    list.show();
+    auto const before = std::chrono::steady_clock::now();
+    for (int g = 0; g < 100; ++g) {
+        auto *const group = new CZelProp("Group");
+        list.AddProperty(group);
+        for (int i = 0; i < 100; ++i)
+            group->AddSubItem(new CZelProp("Value", PropRule::Integer(), std::to_string(i)));
+    }
+    list.SetAlphabeticMode(true);
+    list.SetAlphabeticMode(false);
+    list.RemoveAll();
+    // Far above what it takes, far below what anything quadratic would.
+    EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::seconds(4));
+}
+
+} // namespace
+} // namespace zelvar
