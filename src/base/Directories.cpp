@@ -84,4 +84,9 @@ DString GetSettingsFile() {
     return told && !told->empty() ? *told : BelowConfiguration("zelvar/settings.db");
 }
 
+DString GetMachineSettingsFile() {
+    auto const told = Variable("ZELVAR_MACHINE_SETTINGS");
+    return told && !told->empty() ? *told : "/etc/xdg/zelvar/settings.db";
+}
+
 } // namespace zelvar

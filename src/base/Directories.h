@@ -16,5 +16,7 @@ namespace zelvar {
 [[nodiscard]] ZELVAR_API DString GetDataSourceTemplatesDir();
 /// The settings store's file. ZELVAR_SETTINGS wins, else "zelvar/settings.db" below the user's configuration directory.
 [[nodiscard]] ZELVAR_API DString GetSettingsFile();
+/// The file of the settings that hold for all users. ZELVAR_MACHINE_SETTINGS wins, else "/etc/xdg/zelvar/settings.db".
+[[nodiscard]] ZELVAR_API DString GetMachineSettingsFile();
 
 } // namespace zelvar

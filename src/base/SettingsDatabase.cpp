@@ -73,6 +73,7 @@ DString BehindBelow(std::string_view key) { return key.empty() ? DString() : DSt
 char const *SettingsDatabase::TextOf(Sql sql) {
     static constexpr char const *texts[] = {
         "BEGIN IMMEDIATE",
+        "BEGIN",
         "COMMIT",
         "ROLLBACK",
         "SAVEPOINT nested",
@@ -258,7 +259,11 @@ SettingsDatabase::Outcome SettingsDatabase::Run(Sql sql) {
     return outcome == Outcome::Nothing ? Outcome::Done : outcome;
 }
 
-SettingsDatabase::Outcome SettingsDatabase::Begin() { return Run(kBegin); }
+SettingsDatabase::Outcome SettingsDatabase::Begin() {
+    m_madeKey.clear();
+    return Run(kBegin);
+}
+SettingsDatabase::Outcome SettingsDatabase::BeginReading() { return Run(kBeginReading); }
 SettingsDatabase::Outcome SettingsDatabase::Commit() { return Run(kCommit); }
 
 void SettingsDatabase::Rollback() {
@@ -270,6 +275,7 @@ void SettingsDatabase::Rollback() {
 SettingsDatabase::Outcome SettingsDatabase::BeginNested() { return Run(kSavepoint); }
 
 SettingsDatabase::Outcome SettingsDatabase::EndNested(bool keep) {
+    m_madeKey.clear();
     Outcome const undone = keep ? Outcome::Done : Run(kRollbackTo);
     Outcome const released = Run(kRelease);
     return undone == Outcome::Done ? released : undone;
@@ -291,14 +297,21 @@ SettingsDatabase::Outcome SettingsDatabase::Write(std::string_view key, std::str
 }
 
 SettingsDatabase::Outcome SettingsDatabase::MakeKey(std::string_view key) {
+    if (key == m_madeKey)
+        return Outcome::Done;
+    std::string_view const whole = key;
     while (!key.empty()) {
-        if (Outcome const found = HasKey(key); found != Outcome::Nothing)
-            return found; // and so do the keys above it
+        Outcome const found = HasKey(key);
+        if (found == Outcome::Done)
+            break; // and so are the keys above it
+        if (found != Outcome::Nothing)
+            return found;
         if (Outcome const made = Statement(*this, kInsertKey).Bind(key).Step(); made != Outcome::Nothing)
             return made;
         std::size_t const separator = key.rfind(kKeySeparator);
         key = key.substr(0, separator == std::string_view::npos ? 0 : separator);
     }
+    m_madeKey = whole;
     return Outcome::Done;
 }
 
@@ -314,6 +327,7 @@ SettingsDatabase::Outcome SettingsDatabase::Remove(std::string_view key, std::st
 }
 
 SettingsDatabase::Outcome SettingsDatabase::RemoveTree(std::string_view key) {
+    m_madeKey.clear();
     DString const below = Below(key);
     DString const behind = BehindBelow(key);
     for (Sql const sql : {kDeleteValues, kDeleteKeys}) {

@@ -43,6 +43,7 @@ public:
     bool SetAside();
 
     [[nodiscard]] Outcome Begin();
+    [[nodiscard]] Outcome BeginReading();
     [[nodiscard]] Outcome Commit();
     void Rollback();
     [[nodiscard]] Outcome BeginNested();
@@ -62,6 +63,7 @@ public:
 private:
     enum Sql : std::size_t {
         kBegin,
+        kBeginReading,
         kCommit,
         kRollback,
         kSavepoint,
@@ -103,6 +105,7 @@ private:
     std::array<sqlite3_stmt *, kSqlCount> m_statements{};
     Identity m_identity{};
     pid_t m_process = 0;
+    DString m_madeKey{}; ///< is there for the rest of this transaction; empty for none
     bool m_hasTables = false;
     bool m_unchanging = false; ///< opened for reading where SQLite may not even keep its lock files
     bool m_told = false;       ///< the user knows of a damage

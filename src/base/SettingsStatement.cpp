@@ -9,28 +9,47 @@ namespace {
 using Bytes = SettingsStore::Bytes;
 
 /// Kinds of values as they stand in the file: the position of the type in `SettingsStore::Value`.
-enum Kind { kInteger, kReal, kText, kTexts, kBytes };
+enum Kind { kInteger, kReal, kText, kTexts, kBytes, kTyped };
 
-/// Each text behind its length, four bytes, lowest first.
+/// Four bytes, lowest first.
+void Put(Bytes &packed, std::size_t number) {
+    for (unsigned shift = 0; shift < 32; shift += 8)
+        packed.push_back(static_cast<std::uint8_t>(number >> shift & 0xFFU));
+}
+
+bool Take(std::string_view &packed, std::size_t &number) {
+    number = 0;
+    if (packed.size() < 4)
+        return false;
+    for (unsigned i = 0; i < 4; ++i)
+        number |= static_cast<std::size_t>(static_cast<unsigned char>(packed[i])) << 8U * i;
+    packed.remove_prefix(4);
+    return true;
+}
+
+/// Each text behind its length.
 Bytes Pack(std::vector<DString> const &texts) {
     Bytes packed;
     for (DString const &text : texts) {
-        for (unsigned shift = 0; shift < 32; shift += 8)
-            packed.push_back(static_cast<std::uint8_t>(text.size() >> shift & 0xFFU));
+        Put(packed, text.size());
         packed.insert(packed.end(), text.begin(), text.end());
     }
     return packed;
 }
 
+/// The data behind its type.
+Bytes Pack(SettingsStore::Typed const &typed) {
+    Bytes packed;
+    packed.reserve(4 + typed.data.size());
+    Put(packed, typed.type);
+    packed.insert(packed.end(), typed.data.begin(), typed.data.end());
+    return packed;
+}
+
 bool Unpack(std::string_view packed, std::vector<DString> &texts) {
     while (!packed.empty()) {
-        if (packed.size() < 4)
-            return false;
         std::size_t length = 0;
-        for (unsigned i = 0; i < 4; ++i)
-            length |= static_cast<std::size_t>(static_cast<unsigned char>(packed[i])) << 8U * i;
-        packed.remove_prefix(4);
-        if (length > packed.size())
+        if (!Take(packed, length) || length > packed.size())
             return false;
         texts.emplace_back(packed.substr(0, length));
         packed.remove_prefix(length);
@@ -101,7 +120,9 @@ SettingsDatabase::Statement &SettingsDatabase::Statement::BindValue(Value const 
         Bind(std::get<kText>(value));
         break;
     default:
-        m_packed = value.index() == kTexts ? Pack(std::get<kTexts>(value)) : std::get<kBytes>(value);
+        m_packed = value.index() == kTexts   ? Pack(std::get<kTexts>(value))
+                   : value.index() == kTyped ? Pack(std::get<kTyped>(value))
+                                             : std::get<kBytes>(value);
         sqlite3_bind_blob64(m_statement, m_next++, m_packed.empty() ? static_cast<void const *>("") : m_packed.data(),
                             m_packed.size(), SQLITE_STATIC);
     }
@@ -138,6 +159,13 @@ bool SettingsDatabase::Statement::ReadValue(int kindColumn, Value &value) const 
         std::string_view const blob = BlobOf(m_statement, column);
         value = Bytes(blob.begin(), blob.end());
         return stored == SQLITE_BLOB;
+    }
+    case kTyped: {
+        std::string_view blob = BlobOf(m_statement, column);
+        std::size_t type = 0;
+        bool const whole = Take(blob, type);
+        value = SettingsStore::Typed{static_cast<std::uint32_t>(type), Bytes(blob.begin(), blob.end())};
+        return whole && stored == SQLITE_BLOB;
     }
     default:
         return false;

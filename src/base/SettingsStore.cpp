@@ -19,7 +19,10 @@ using Access = SettingsDatabase::Access;
 using Outcome = SettingsDatabase::Outcome;
 
 /// Without separators at the ends, none doubled.
-DString NormalKey(DString const &key) { return JoinNotEmpty(Split(key, '\\'), '\\'); }
+DString NormalKey(DString const &key) {
+    bool const isNormal = !key.starts_with('\\') && !key.ends_with('\\') && key.find("\\\\") == DString::npos;
+    return isNormal ? key : JoinNotEmpty(Split(key, '\\'), '\\');
+}
 
 /// A lock that its thread may take again. Unlike the library's it may be released in the child of a fork: there the
 /// thread that forked is another one for the system, but the same for itself.
@@ -124,17 +127,23 @@ struct SettingsStore::Impl final : ProcessMoments {
     bool failed = false; ///< a write of the innermost one failed
 };
 
-SettingsStore &SettingsStore::Instance() {
+namespace {
+
+SettingsStore &StoreOf(DString const &file) {
     static auto &mutex =
         *new std::mutex; // like the stores never destroyed: static objects may save settings at the end
     static auto &stores = *new std::map<DString, std::unique_ptr<SettingsStore>>;
-    DString const file = GetSettingsFile();
     std::lock_guard const lock(mutex);
     std::unique_ptr<SettingsStore> &store = stores[file];
     if (!store)
         store = std::make_unique<SettingsStore>(file);
     return *store;
 }
+
+} // namespace
+
+SettingsStore &SettingsStore::Instance() { return StoreOf(GetSettingsFile()); }
+SettingsStore &SettingsStore::Machine() { return StoreOf(GetMachineSettingsFile()); }
 
 SettingsStore::SettingsStore(DString file) : m_impl(std::make_unique<Impl>(std::move(file))) {}
 
@@ -206,6 +215,25 @@ bool SettingsStore::Transact(std::function<bool()> const &body) {
         end(false);
         throw;
     }
+}
+
+void SettingsStore::ReadTogether(std::function<void()> const &body) const {
+    std::lock_guard const lock(m_impl->mutex);
+    // Inside a transaction nobody else writes; without a file there is nothing to hold on to.
+    if (m_impl->depth > 0 || !m_impl->Open(Access::Read) || m_impl->database.BeginReading() != Outcome::Done) {
+        body();
+        return;
+    }
+    struct Reading {
+        Impl &impl;
+        explicit Reading(Impl &owner) : impl(owner) { ++impl.depth; }
+        ~Reading() {
+            --impl.depth;
+            impl.failed = false;
+            impl.database.Rollback();
+        }
+    } const reading(*m_impl);
+    body();
 }
 
 DString SettingsStore::ReadString(DString const &key, DString const &name, DString const &fallback) const {

@@ -22,11 +22,19 @@ namespace zelvar {
 class ZELVAR_API SettingsStore {
 public:
     using Bytes = std::vector<std::uint8_t>;
-    using Value = std::variant<std::int64_t, double, DString, std::vector<DString>, Bytes>;
+    /// Bytes under a type number that the application gives a meaning; the typed reads below pass it over.
+    struct Typed {
+        std::uint32_t type = 0;
+        Bytes data{};
+        friend bool operator==(Typed const &, Typed const &) = default;
+    };
+    using Value = std::variant<std::int64_t, double, DString, std::vector<DString>, Bytes, Typed>;
 
     /// The store named by `GetSettingsFile()`. Made at the first call, opened at the first read or write; kept per file
     /// name.
     static SettingsStore &Instance();
+    /// The same for `GetMachineSettingsFile()`, which all users read.
+    static SettingsStore &Machine();
 
     explicit SettingsStore(DString file);
     ~SettingsStore();
@@ -46,6 +54,8 @@ public:
     [[nodiscard]] std::vector<DString> Children(DString const &key) const; ///< last elements of the keys below
     /// Runs `body` in one transaction: all of it or, if it returns false or throws, nothing.
     bool Transact(std::function<bool()> const &body);
+    /// Runs `body`, which sees the store as it is now, whatever others write meanwhile. Not for writing.
+    void ReadTogether(std::function<void()> const &body) const;
 
     // The typed forms answer `fallback` when the value is missing or of another type.
     [[nodiscard]] DString ReadString(DString const &key, DString const &name, DString const &fallback = {}) const;

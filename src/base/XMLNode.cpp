@@ -1,6 +1,7 @@
 #include "zelvar/base/XMLNode.h"
 
 #include "zelvar/base/DFile.h"
+#include "zelvar/base/Hex.h"
 #include "zelvar/base/XMLPiece.h"
 #include "zelvar/base/XMLText.h"
 
@@ -28,6 +29,22 @@ Number ParseNumber(DString const &text, Number fallback) {
     Number value{};
     auto const [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
     return error == std::errc{} && end == digits.data() + digits.size() ? value : fallback;
+}
+
+constexpr char kEncoding[] = "encoding";
+constexpr char kHex[] = "hex";
+constexpr char kHexSuffix[] = "Hex";
+
+/// Valid UTF-8 without the characters that no XML may hold, not even by their numbers.
+bool CanStandInXml(std::string_view text) {
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        char const c = text[i];
+        if (static_cast<unsigned char>(c) < 0x20 && c != '\t' && c != '\n' && c != '\r')
+            return false;
+        if (text.substr(i).starts_with("\xEF\xBF\xBE") || text.substr(i).starts_with("\xEF\xBF\xBF"))
+            return false;
+    }
+    return ToValidUtf8(text) == text;
 }
 
 } // namespace
@@ -125,6 +142,10 @@ void XMLNode::SetAttr(char const *name, DString const &value) {
 void XMLNode::SetAttrBool(char const *name, bool value) { SetAttr(name, value ? "true" : "false"); }
 void XMLNode::SetAttrInt(char const *name, long long value) { SetAttr(name, std::to_string(value)); }
 
+unsigned XMLNode::GetAttrUnt(char const *name, unsigned fallback) const {
+    return ParseNumber(GetAttrStr(name), fallback);
+}
+
 DString XMLNode::GetText() const {
     DString text;
     for (XMLPiece const *piece = m_piece->first; piece != nullptr; piece = piece->next) {
@@ -143,6 +164,32 @@ void XMLNode::SetText(DString const &text) {
     }
     if (!text.empty())
         m_piece->Link(*std::make_unique<XMLPiece>(Kind::Text, text).release(), m_piece->first);
+}
+
+void XMLNode::SetSafeText(DString const &bytes) {
+    bool const plain = CanStandInXml(bytes);
+    if (!plain || HasAttr(kEncoding))
+        SetAttr(kEncoding, plain ? "" : kHex);
+    SetText(plain ? bytes : HexEncode(bytes));
+}
+
+DString XMLNode::GetSafeText() const {
+    if (GetAttrStr(kEncoding) != kHex)
+        return GetText();
+    return HexDecode(Trimmed(GetText())).value_or(DString());
+}
+
+void XMLNode::SetSafeAttr(DString const &name, DString const &bytes) {
+    if (CanStandInXml(bytes))
+        SetAttr(name.c_str(), bytes);
+    else
+        SetAttr((name + kHexSuffix).c_str(), HexEncode(bytes));
+}
+
+DString XMLNode::GetSafeAttr(DString const &name) const {
+    DString const encoded = name + kHexSuffix;
+    return HasAttr(encoded.c_str()) ? HexDecode(GetAttrStr(encoded.c_str())).value_or(DString())
+                                    : GetAttrStr(name.c_str());
 }
 
 XMLNode *XMLNode::GetParent() const { return m_piece->parent == nullptr ? nullptr : m_piece->parent->node; }

@@ -43,6 +43,7 @@ public:
     /// "1", "true", "yes", "on" are true, "0", "false", "no", "off" false, in any case; anything else is `fallback`.
     [[nodiscard]] bool GetAttrBool(char const *name, bool fallback) const;
     [[nodiscard]] long long GetAttrInt(char const *name, long long fallback = 0) const;
+    [[nodiscard]] unsigned GetAttrUnt(char const *name, unsigned fallback = 0) const;
     [[nodiscard]] double GetAttrDouble(char const *name, double fallback = 0) const;
     void SetAttr(char const *name, DString const &value);
     void SetAttrBool(char const *name, bool value);
@@ -51,6 +52,13 @@ public:
     /// The text directly inside the element, all pieces joined.
     [[nodiscard]] DString GetText() const;
     void SetText(DString const &text);
+    /// Text that may hold any bytes: what cannot stand in XML as it is (control characters, invalid UTF-8) stands as
+    /// `HexEncode` of the bytes, with the attribute "encoding" set to "hex".
+    void SetSafeText(DString const &bytes);
+    [[nodiscard]] DString GetSafeText() const; ///< empty if the encoding is broken
+    /// The same for an attribute, set once; one that cannot stand as it is is called `name` + "Hex".
+    void SetSafeAttr(DString const &name, DString const &bytes);
+    [[nodiscard]] DString GetSafeAttr(DString const &name) const;
 
     [[nodiscard]] XMLNode *GetParent() const;
     [[nodiscard]] XMLNode *GetNext() const;       ///< next sibling, or null

@@ -9,6 +9,7 @@ namespace zelvar::tool {
 int RunLs(std::vector<DString> const &words);
 int RunInfo(std::vector<DString> const &words);
 int RunSources(std::vector<DString> const &words);
+int RunSettings(std::vector<DString> const &words);
 int RunOpen(std::vector<DString> const &words, int &argc, char **argv);
 int RunSave(std::vector<DString> const &words, int &argc, char **argv);
 int RunHistogram(std::vector<DString> const &words, int &argc, char **argv);

@@ -15,6 +15,7 @@ constexpr char kUsageText[] =
     "  ls PLACE [--folders] [--recursive] [--filter MASK] [--sort name|size|date] [--descending] [--json]\n"
     "  info MONIKER [--preview FILE.png]                     properties and preview of one item\n"
     "  sources                                               the rows of the data source list\n"
+    "  settings export FILE [--key KEY] | import FILE        settings as XML; an import comes whole or not at all\n"
     "  histogram FILE [--band N | --column C] [--slots N] [--print] [--shot FILE.png] [--size WxH]\n"
     "  plot FILE --x COLUMN --y COLUMN [--line] [--shot FILE.png] [--size WxH]\n"
     "                                                        charts of samples and columns; print what is picked\n"
@@ -35,6 +36,8 @@ int Run(int argc, char **argv) {
         return RunInfo(words);
     if (command == "sources")
         return RunSources(words);
+    if (command == "settings")
+        return RunSettings(words);
     if (command == "open")
         return RunOpen(words, argc, argv);
     if (command == "save")

@@ -78,6 +78,8 @@ TEST_F(SettingsStoreTest, ValuesComeBackInTheirType) {
         std::vector<DString>{},
         SettingsStore::Bytes{0, 255},
         SettingsStore::Bytes{},
+        SettingsStore::Typed{0xFFFFFFFF, {0, 1}},
+        SettingsStore::Typed{2, {}},
     };
     SettingsStore store(m_file);
     for (auto const &value : values) {
@@ -120,6 +122,23 @@ TEST_F(SettingsStoreTest, ReadingMakesNoFile) {
     EXPECT_FALSE(store.Read("a", "b"));
     EXPECT_TRUE(store.Write("a", "b", DString("d")));
     EXPECT_EQ(SettingsStore(m_folder / "deep/settings.db").ReadString("a", "b"), "d");
+}
+
+TEST_F(SettingsStoreTest, ReadingTogetherSeesOneState) {
+    SettingsStore store(m_file);
+    SettingsStore other(m_file);
+    int calls = 0;
+    store.ReadTogether([&] { ++calls; }); // there is no file yet
+    ASSERT_TRUE(store.Write("k", "v", std::int64_t{1}));
+    store.ReadTogether([&] {
+        ++calls;
+        EXPECT_EQ(store.ReadInt("k", "v", 0), 1);
+        EXPECT_TRUE(other.Write("k", "v", std::int64_t{2}));
+        EXPECT_EQ(store.ReadInt("k", "v", 0), 1);
+    });
+    EXPECT_EQ(calls, 2);
+    EXPECT_EQ(store.ReadInt("k", "v", 0), 2);
+    EXPECT_TRUE(store.Write("k", "v", std::int64_t{3}));
 }
 
 TEST_F(SettingsStoreTest, ATransactionIsWholeOrNothing) {

@@ -263,5 +263,34 @@ TEST(XMLNode, SavesAtomicallyAndKeepsABackupWhenAsked) {
     EXPECT_TRUE(error.starts_with(folder / "bad.xml: line 2: ")) << error;
 }
 
+TEST(XMLNode, SafeTextsTakeAnyBytes) {
+    DString all;
+    for (int byte = 0; byte < 256; ++byte)
+        all += static_cast<char>(byte);
+    for (DString const &bytes : {all, DString(" \t\r\n<&>\"' \xC3\xA4 "), DString("\xEF\xBF\xBF"), DString("\xC3"),
+                                 DString(), DString("\n"), DString("C:\\x41"), DString("41")}) {
+        XMLNode node("n");
+        XMLNode *const child = node.AddChld("c");
+        child->SetSafeText(bytes);
+        child->SetSafeAttr("a", bytes);
+        XMLNode loaded;
+        ASSERT_TRUE(loaded.LoadText(node.SaveText()));
+        EXPECT_EQ(loaded.GetFirstChild()->GetSafeText(), bytes);
+        EXPECT_EQ(loaded.GetFirstChild()->GetSafeAttr("a"), bytes);
+    }
+    XMLNode node("n");
+    node.SetSafeText("\x01\xAB");
+    EXPECT_EQ(node.GetText(), "01AB");
+    node.SetSafeText("01AB"); // not to be taken for an encoded one
+    EXPECT_EQ(node.GetSafeText(), "01AB");
+    node.SetSafeText("\x02");
+    node.SetText("0");
+    EXPECT_EQ(node.GetSafeText(), ""); // half a byte
+    node.SetText("0G");
+    EXPECT_EQ(node.GetSafeText(), "");
+    node.SetText("fF");
+    EXPECT_EQ(node.GetSafeText(), "\xFF");
+}
+
 } // namespace
 } // namespace zelvar

@@ -38,6 +38,7 @@ SandboxEnvironment::SandboxEnvironment() {
         std::ignore = m_folder.Folder(place);
     std::filesystem::permissions(m_folder / "run", std::filesystem::perms::owner_all);
     setenv("ZELVAR_SETTINGS", (m_folder / "settings.db").c_str(), 1);
+    setenv("ZELVAR_MACHINE_SETTINGS", (m_folder / "machine.db").c_str(), 1);
     setenv("ZELVAR_DEFINITIONS_DIR", (m_folder / "definitions").c_str(), 1);
     setenv("ZELVAR_TEMPLATES_DIR", (m_folder / "templates").c_str(), 1);
     setenv("HOME", (m_folder / "home").c_str(), 1);

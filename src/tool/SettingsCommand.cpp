@@ -1,0 +1,61 @@
+#include "zelvar/base/DFile.h"
+#include "zelvar/base/XMLNode.h"
+#include "zelvar/settings/ZelRegistry.h"
+#include "zelvar/tool/Commands.h"
+
+#include <memory>
+
+namespace zelvar::tool {
+
+namespace {
+
+CommandSpec const kSpec{
+    .usage = "settings export FILE [--key KEY] | settings import FILE",
+    .flags = {},
+    .values = {"--key"},
+    .minArguments = 2,
+    .maxArguments = 2,
+};
+
+int Export(DString const &file, DString const &key) {
+    ZelRegistry registry(0, 1);
+    if (!registry.Open(key.c_str()))
+        return Failure("there is no key '" + key + "'");
+    std::unique_ptr<XMLNode> const snapshot(registry.ToXMLNode());
+    DString const text = snapshot == nullptr ? DString() : snapshot->SaveText();
+    // What could not be read again is no export.
+    if (DString reason; text.empty() || !XMLNode().LoadText(text, &reason))
+        return Failure("the settings cannot be written as XML" + (reason.empty() ? "" : ": " + reason));
+    DFile const target(file);
+    return snapshot->Save(&target, false) ? kDone : Failure("cannot write '" + file + "'");
+}
+
+int Import(DString const &file) {
+    XMLNode snapshot;
+    DString reason;
+    if (!snapshot.Load(DFile(file), &reason))
+        return Failure(reason);
+    if (!ZelRegistry::IsSnapshot(snapshot, &reason))
+        return Failure(file + " is no export of settings: " + reason);
+    ZelRegistry registry(0, 0);
+    bool const done = SettingsStore::Instance().Transact([&] { return registry.FromXMLNode(&snapshot); });
+    return done ? kDone : Failure("cannot write the settings; they are as they were");
+}
+
+} // namespace
+
+int RunSettings(std::vector<DString> const &words) {
+    DString error;
+    std::optional<Arguments> const arguments = ParseArguments(kSpec, words, error);
+    if (!arguments)
+        return UsageError(kSpec, error);
+    DString const &action = arguments->words[0];
+    DString const &file = arguments->words[1];
+    if (action == "export")
+        return Export(file, arguments->Value("--key"));
+    if (action == "import" && !arguments->values.contains("--key"))
+        return Import(file);
+    return UsageError(kSpec, action == "import" ? "an import has the keys of its file" : "export or import");
+}
+
+} // namespace zelvar::tool

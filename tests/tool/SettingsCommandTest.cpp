@@ -1,0 +1,108 @@
+#include "support/RunCommand.h"
+#include "zelvar/base/SettingsStore.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace zelvar {
+namespace {
+
+using test::Outcome;
+using test::Zelvar;
+using testing::HasSubstr;
+
+class SettingsCommand : public testing::Test {
+protected:
+    [[nodiscard]] DString Using(DString const &file) const { return "ZELVAR_SETTINGS=" + test::Quoted(file); }
+
+    test::TempFolder m_folder;
+    DString m_from = m_folder / "from.db";
+    DString m_to = m_folder / "to.db";
+    DString m_xml = m_folder / "settings.xml";
+};
+
+TEST_F(SettingsCommand, WhatIsExportedCanBeImported) {
+    {
+        SettingsStore store(m_from);
+        ASSERT_TRUE(store.Write("Options\\View", "size", std::int64_t{7}));
+        ASSERT_TRUE(store.Write("Options", "names", std::vector<DString>{"a", DString("\0\xFF", 2)}));
+        ASSERT_TRUE(store.Write("Other", "v", DString("x")));
+        SettingsStore target(m_to);
+        ASSERT_TRUE(target.Write("Options", "kept", DString("k")));
+    }
+    EXPECT_EQ(Zelvar({"settings", "export", m_xml, "--key", "Options"}, Using(m_from)).exitCode, 0);
+    Outcome const imported = Zelvar({"settings", "import", m_xml}, Using(m_to));
+    EXPECT_EQ(imported.exitCode, 0) << imported.err;
+    SettingsStore const target(m_to);
+    EXPECT_EQ(target.ReadInt("Options\\View", "size", 0), 7);
+    EXPECT_EQ(target.Read("Options", "names"), SettingsStore(m_from).Read("Options", "names"));
+    EXPECT_EQ(target.ReadString("Options", "kept"), "k");
+    EXPECT_FALSE(target.HasKey("Other"));
+}
+
+TEST_F(SettingsCommand, AnImportThatIsNotWholeChangesNothing) {
+    ASSERT_TRUE(SettingsStore(m_to).Write("k", "v", DString("old")));
+    DString const value = R"(<RegValue path="v" type="1" size="4">new</RegValue>)";
+    struct Case {
+        DString text;
+        char const *error;
+    };
+    Case const cases[] = {
+        {R"(<RegKey path="k">)" + value, "settings.xml: line 1"}, // cut off
+        {R"(<RegKey path="k">)" + value + R"(<RegValue path="w" type="3" size="2">00</RegValue></RegKey>)", "'w'"},
+        {"<settings>" + value + "</settings>", "the root is no RegKey"},
+        {"<!DOCTYPE a [<!ENTITY b 'c'>]><RegKey path='k'>&b;</RegKey>", "entity declarations are refused"},
+        {"", "no root element"},
+    };
+    for (Case const &bad : cases) {
+        m_folder.Write("settings.xml", bad.text);
+        Outcome const outcome = Zelvar({"settings", "import", m_xml}, Using(m_to));
+        EXPECT_EQ(outcome.exitCode, 3);
+        EXPECT_THAT(outcome.err, HasSubstr(bad.error));
+        EXPECT_EQ(SettingsStore(m_to).ReadString("k", "v"), "old");
+        EXPECT_EQ(SettingsStore(m_to).Names("k").size(), 1U);
+    }
+    EXPECT_EQ(Zelvar({"settings", "import", m_folder / "none.xml"}, Using(m_to)).exitCode, 3);
+    EXPECT_EQ(Zelvar({"settings", "export", m_xml, "--key", "none"}, Using(m_to)).exitCode, 3);
+    EXPECT_EQ(Zelvar({"settings", "export", m_folder / "none/x.xml"}, Using(m_to)).exitCode, 3);
+    EXPECT_EQ(Zelvar({"settings", "change", m_xml}, Using(m_to)).exitCode, 2);
+}
+
+TEST_F(SettingsCommand, AKilledImportIsThereWholeOrNotAtAll) {
+    constexpr int values = 20'000;
+    DString text = R"(<RegKey path="k">)";
+    for (int i = 0; i < values; ++i)
+        text += Format(R"(<RegValue path="%d" type="1" size="2">x</RegValue>)", i);
+    m_folder.Write("settings.xml", text + "</RegKey>");
+    ASSERT_TRUE(SettingsStore(m_to).Write("k", "first", DString("x")));
+    int whole = 0;
+    int none = 0;
+    for (int delay = 0; delay < 12; ++delay) {
+        pid_t const child = fork();
+        if (child == 0) {
+            setenv("ZELVAR_SETTINGS", m_to.c_str(), 1);
+            execl(ZELVAR_COMMAND, "zelvar", "settings", "import", m_xml.c_str(), nullptr);
+            _exit(127);
+        }
+        // Wherever it is by then: beginning, reading, writing, or done.
+        for (int polls = 0; polls < delay * 30'000 && waitpid(child, nullptr, WNOHANG) == 0; ++polls) {
+        }
+        kill(child, SIGKILL);
+        waitpid(child, nullptr, 0);
+        std::size_t const found = SettingsStore(m_to).Names("k").size();
+        EXPECT_TRUE(found == 1 || found == values + 1) << found;
+        (found == 1 ? none : whole) += 1;
+        ASSERT_TRUE(SettingsStore(m_to).RemoveTree("k"));
+        ASSERT_TRUE(SettingsStore(m_to).Write("k", "first", DString("x")));
+    }
+    EXPECT_GT(none, 0); // the first one was killed at once
+    RecordProperty("whole", whole);
+}
+
+} // namespace
+} // namespace zelvar
