@@ -18,7 +18,7 @@ using testing::HasSubstr;
 
 class SettingsCommand : public testing::Test {
 protected:
-    [[nodiscard]] DString Using(DString const &file) const { return "ZELVAR_SETTINGS=" + test::Quoted(file); }
+    static DString Using(DString const &file) { return "ZELVAR_SETTINGS=" + test::Quoted(file); }
 
     test::TempFolder m_folder;
     DString m_from = m_folder / "from.db";
