@@ -48,6 +48,7 @@ public:
     [[nodiscard]] bool IsBkColorSet() const { return m_bkColor != 0; }
 
     void EnblSort(bool enable) { m_sortEnabled = enable; }
+    [[nodiscard]] bool IsSortEnabled() const { return m_sortEnabled; }
     [[nodiscard]] LastSort &GetLastSort() { return m_lastSort; }
     [[nodiscard]] LastSort const &GetLastSort() const { return m_lastSort; }
     /// Sorts stored rows by a column, as numbers or as bytes. Nothing for a negative column, with sorting switched off

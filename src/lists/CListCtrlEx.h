@@ -1,0 +1,33 @@
+#pragma once
+
+#include "zelvar/platform/ui/ReportView.h"
+
+namespace zelvar {
+
+/// Which image list a list takes.
+enum : int { LVSIL_NORMAL = 0, LVSIL_SMALL = 1, LVSIL_STATE = 2 };
+/// What of a column is given.
+enum : int { LVCF_FMT = 1, LVCF_WIDTH = 2, LVCF_TEXT = 4, LVCF_SUBITEM = 8 };
+
+/// Plain list with two short hands: columns as wide as their captions, and rows and cells by one operation. It adds
+/// nothing else to a report view.
+class ZELVAR_API CListCtrlEx : public platform::ReportView {
+    Q_OBJECT
+
+public:
+    using platform::ReportView::ReportView;
+
+    /// The former image list of that kind. A report view shows the small ones (`LVSIL_SMALL`); the others have no place
+    /// in it, and null is answered.
+    HIMAGELIST SetImageList(HIMAGELIST list, int which);
+    /// Inserts a column at `item`; the column's index, or -1. What of it is set says `mask` (`LVCF_...`): the caption,
+    /// the width (the caption's and 15 pixels), `format`, and which text of a row it shows, `subItem`, or `item` where
+    /// that is -1. What is not set is as the platform has it: no caption, no width, left, the column's own text.
+    int AddColumn(char const *text, int item, int subItem = -1,
+                  int mask = LVCF_FMT | LVCF_WIDTH | LVCF_TEXT | LVCF_SUBITEM, int format = LVCFMT_LEFT);
+    /// With `subItem` 0 inserts a row: its index, or -1. Else writes a cell: 1, or 0 if there is no such row or column.
+    /// An `image` of -1 is none; only rows have images.
+    int AddItem(int item, int subItem, char const *text, int image = -1);
+};
+
+} // namespace zelvar

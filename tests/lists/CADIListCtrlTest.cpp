@@ -1,0 +1,309 @@
+#include "zelvar/lists/CADIListCtrl.h"
+
+#include "support/GuiTest.h"
+#include "support/ReportStage.h"
+#include "support/TablesTest.h"
+#include "zelvar/data/RequestScope.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <climits>
+#include <filesystem>
+#include <fstream>
+
+namespace zelvar {
+namespace {
+
+using testing::ElementsAre;
+using Cells = std::vector<DString>;
+
+/// What happens to a table, for whoever made it: the list owns the table itself.
+struct Fate {
+    int rows = INT_MAX; ///< that it has
+    int failsAt = -1;   ///< row
+    int lastAsked = -1; ///< row
+    int asks = 0;
+    bool isClosed = false;
+    std::function<void()> duringStep{}; ///< may be empty
+};
+
+/// A table of the columns "n", the row's number, and "t", the same with a word before it.
+class CountedTable : public IAttrData {
+public:
+    explicit CountedTable(Fate &fate) : m_fate(fate) {}
+    ~CountedTable() override { m_fate.isClosed = true; }
+    [[nodiscard]] int GetNumCols() const override { return 2; }
+    [[nodiscard]] DString GetColName(int col) const override { return col == 0 ? "n" : "t"; }
+    [[nodiscard]] ADIColType GetColType(int) const override { return ADICol_String; }
+    [[nodiscard]] bool SetRow(int row) override {
+        ++m_fate.asks;
+        m_fate.lastAsked = row;
+        if (m_fate.duringStep)
+            m_fate.duringStep();
+        m_hasFailed = row == m_fate.failsAt;
+        return !m_hasFailed && row < m_fate.rows;
+    }
+    [[nodiscard]] bool HasFailed() const override { return m_hasFailed; }
+    [[nodiscard]] DString GetText(int col) const override {
+        return (col == 0 ? "" : "row ") + std::to_string(m_fate.lastAsked);
+    }
+    void InitTable(int, int) override {}
+    void AddCol(char const *, ADIColType) override {}
+    void AddRow() override {}
+    void WriteString(char const *) override {}
+    void WriteInt(std::int64_t) override {}
+    void WriteDouble(double) override {}
+    bool Finish() override { return false; }
+
+private:
+    Fate &m_fate;
+    bool m_hasFailed = false;
+};
+
+Cells Column(CADIListCtrl &list, int col) {
+    Cells cells;
+    for (int row = 0; row < list.GetNumRow(); ++row)
+        cells.push_back(list.OnGetItemText(row, col));
+    return cells;
+}
+
+TEST(CADIListCtrl, DerivedClassesChooseRowsAndColumnsAndSeeEachValue) {
+    class Choosy : public CADIListCtrl {
+    public:
+        using CADIListCtrl::CADIListCtrl;
+        bool OnFilterRow(int row) override { return row % 2 == 1; }
+        bool OnFilterCol(int col, DString &name) override { return name += "!", col == 1; }
+        void OnValue(int row, int col, int cacheRow) override {
+            seen.push_back(std::to_string(row) + "/" + std::to_string(col) + "/" + std::to_string(cacheRow));
+        }
+        Cells seen;
+    };
+    Fate fate{.rows = 4};
+    Choosy list(new CountedTable(fate));
+    list.AddAllColumns();
+    list.ReadAllRows();
+    EXPECT_EQ(list.GetNumCol(), 2);
+    EXPECT_EQ(list.GetColCaption(0) + list.GetColCaption(1), "IDt!");
+    EXPECT_EQ(list.GetColumnWidth(0), 50);
+    EXPECT_EQ(list.GetColumnWidth(1), 100);
+    EXPECT_THAT(Column(list, 0), ElementsAre("0", "1")); // ids count what is kept
+    EXPECT_THAT(Column(list, 1), ElementsAre("row 1", "row 3"));
+    EXPECT_THAT(list.seen, ElementsAre("1/0/0", "1/1/0", "3/0/1", "3/1/1"));
+    list.AddAllColumns(); // too late
+    EXPECT_EQ(list.GetNumCol(), 2);
+    list.GetCacheItem(1, 0) = "of the application";
+    EXPECT_EQ(list.OnGetItemText(1, 1), "of the application");
+}
+
+TEST(CADIListCtrl, ReadsAsFarAsAskedAndDoublesItsEstimateUntilTheTableEnds) {
+    Fate fate{.rows = 100};
+    CADIListCtrl list(new CountedTable(fate));
+    list.AddAllColumns();
+    EXPECT_EQ(fate.asks, 0);
+    list.SetNumRow(10, 0);
+    struct Case {
+        int position, cached, rows;
+        char const *text;
+    };
+    for (Case const &c : {Case{0, 10, 20, "row 0"},
+                          {9, 10, 20, "row 9"},
+                          {10, 20, 40, "row 10"},
+                          {39, 40, 80, "row 39"}, // as far as the end of the list
+                          {70, 71, 142, "row 70"},
+                          {-1, 71, 142, ""}}) {
+        EXPECT_EQ(list.OnGetItemText(c.position, 2), c.text) << c.position;
+        EXPECT_EQ(list.GetCacheRows(), c.cached) << c.position;
+        EXPECT_EQ(list.GetNumRow(), c.rows) << c.position;
+        EXPECT_EQ(fate.lastAsked, c.cached - 1);
+    }
+    EXPECT_EQ(list.OnGetItemText(120, 2), ""); // behind the end
+    EXPECT_EQ(list.GetNumRow(), 100);
+    EXPECT_TRUE(fate.isClosed && list.IsReadThrough());
+    EXPECT_EQ(list.OnGetItemText(99, 2), "row 99");
+    EXPECT_EQ(list.OnGetItemText(99, 3), "");
+    EXPECT_EQ(list.GetID(100), -1);
+}
+
+TEST(CADIListCtrl, ATableWithoutRowsLeavesAnEmptyList) {
+    Fate fate{.rows = 0};
+    CADIListCtrl list(new CountedTable(fate));
+    list.AddAllColumns();
+    list.SetNumRow(5, 0);
+    EXPECT_EQ(list.OnGetItemText(0, 0), "");
+    EXPECT_EQ(list.GetNumRow(), 0);
+    EXPECT_TRUE(fate.isClosed);
+    CADIListCtrl none(nullptr);
+    none.AddAllColumns();
+    none.ReadAllRows();
+    none.Sort(0, true);
+    EXPECT_EQ(none.GetNumCol(), 1);
+}
+
+TEST(CADIListCtrl, AClickOnAHeadingReadsAllSortsAndSelectsNothing) {
+    Fate fate{.rows = 12};
+    CADIListCtrl list(new CountedTable(fate));
+    list.AddAllColumns();
+    list.SetNumRow(3, 0);
+    test::Stage stage(list);
+    stage.Click(1);
+    list.EnblSort(false);
+    stage.ClickHeading(0);
+    EXPECT_EQ(list.GetID(0), 0);
+    list.EnblSort(true);
+    stage.ClickHeading(0);
+    EXPECT_TRUE(fate.isClosed);
+    EXPECT_EQ(list.OnGetItemText(0, 0), "11"); // the highest id on top
+    EXPECT_EQ(stage.Selected(), "");
+    stage.ClickHeading(0);
+    EXPECT_EQ(list.OnGetItemText(0, 0), "0");
+    stage.ClickHeading(2);
+    EXPECT_EQ(list.OnGetItemText(2, 2), "row 10"); // behind "row 1"
+    stage.ClickHeading(1);
+    EXPECT_EQ(list.OnGetItemText(0, 1), "11");
+    EXPECT_EQ(list.GetID(0), 11);
+}
+
+TEST(CADIListCtrl, AFailureIsNoEndAndIsTriedAgainAfterAWhile) {
+    Fate fate{.rows = 50, .failsAt = 30};
+    CADIListCtrl list(new CountedTable(fate));
+    list.AddAllColumns();
+    list.SetNumRow(5, 0);
+    list.Sort(1, true);
+    EXPECT_FALSE(fate.isClosed);
+    EXPECT_EQ(list.GetCacheRows(), 30);
+    EXPECT_EQ(list.OnGetItemText(0, 1), "0"); // not sorted
+    EXPECT_GT(list.GetNumRow(), 30);          // or nobody would ask for more
+    int const asks = fate.asks;
+    for (int i = 0; i < 10; ++i)
+        EXPECT_EQ(list.OnGetItemText(30, 1), "");
+    EXPECT_EQ(fate.asks, asks);
+    EXPECT_TRUE(test::Eventually([&] { return list.OnGetItemText(30, 1).empty() && fate.asks > asks; }));
+    EXPECT_EQ(fate.lastAsked, 30); // the same row
+    fate.failsAt = -1;
+    list.ReadAllRows(); // at once
+    EXPECT_TRUE(fate.isClosed);
+    EXPECT_EQ(list.GetNumRow(), 50);
+    EXPECT_EQ(list.OnGetItemText(30, 1), "30");
+}
+
+TEST(CADIListCtrl, EscapeStopsASortAndLeavesTheListAsItWas) {
+    Fate fate;
+    CADIListCtrl list(new CountedTable(fate));
+    list.AddAllColumns();
+    list.SetNumRow(20, 0);
+    test::Stage stage(list);
+    stage.Click(1);
+    auto const begin = std::chrono::steady_clock::now();
+    fate.duringStep = [&] {
+        if (fate.asks % 1000 == 0)
+            QCoreApplication::postEvent(&list, new QKeyEvent(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier));
+        if (std::chrono::steady_clock::now() > begin + std::chrono::seconds(20))
+            fate.rows = 0; // or the test would never end
+    };
+    stage.ClickHeading(2);
+    fate.duringStep = {};
+    EXPECT_FALSE(fate.isClosed);
+    EXPECT_EQ(stage.Selected(), "1");
+    EXPECT_EQ(list.GetID(5), 5);
+    EXPECT_FALSE(list.GetHeaderCtrl()->isSortIndicatorShown());
+    EXPECT_TRUE(list.GetLastSort().IsSortAscnd(2));
+    EXPECT_GT(list.GetNumRow(), list.GetCacheRows());
+    fate.rows = list.GetCacheRows() + 1;
+    stage.ClickHeading(0);
+    EXPECT_TRUE(fate.isClosed);
+    EXPECT_EQ(list.GetID(0), fate.rows - 1);
+}
+
+TEST(CADIListCtrl, PaintingWaitsForASlowTableOnceAndRowsFollow) {
+    Fate fate;
+    CADIListCtrl list(new CountedTable(fate));
+    list.AddAllColumns();
+    list.SetNumRow(1000, 0);
+    int stopped = 0;
+    fate.duringStep = [&] {
+        // Answers when it is told to stop, and well otherwise.
+        fate.failsAt = -1;
+        while (stopped == 0 && RequestScope::Current() != nullptr && !RequestScope::Current()->IsStopped()) {
+        }
+        if (stopped++ == 0)
+            fate.failsAt = fate.lastAsked;
+    };
+    test::Stage stage(list);
+    EXPECT_TRUE(test::Eventually([&] { return list.GetCacheRows() > 10; }));
+    EXPECT_GT(stopped, 1);
+    EXPECT_LT(list.GetCacheRows(), 100); // no further than is seen
+    EXPECT_EQ(list.OnGetItemText(10, 2), "row 10");
+}
+
+TEST(CADIListCtrl, ThePageIsThereWhereverTheThumbIsDraggedTo) {
+    Fate fate{.rows = 400'000};
+    CADIListCtrl list(new CountedTable(fate));
+    list.AddAllColumns();
+    list.SetNumRow(1, 0);
+    test::Stage stage(list);
+    EXPECT_TRUE(test::Eventually([&] { return list.GetCacheRows() > 10; }));
+    EXPECT_LT(list.GetCacheRows(), 100);
+    QScrollBar &bar = *list.verticalScrollBar();
+    while (!list.IsReadThrough()) {
+        bar.setValue(bar.maximum());
+        ASSERT_TRUE(test::Eventually(
+            [&] { return list.IsReadThrough() || list.GetCacheRows() > list.GetTopIndex() + list.GetCountPerPage(); }));
+    }
+    EXPECT_EQ(list.GetNumRow(), 400'000);
+    EXPECT_EQ(fate.asks, 400'001); // each row once
+    stage.Click(399'999);
+    EXPECT_EQ(stage.Selected(), "399999");
+}
+
+/// Files as they come, in this process and through a reader.
+class CADIListFiles : public test::TablesTest {
+protected:
+    [[nodiscard]] std::unique_ptr<CADIListCtrl> ListOf(DString const &path) const {
+        auto list = std::make_unique<CADIListCtrl>(new ADIFile(DFile(path), "", tdFormatAccess_Read, nullptr, nullptr));
+        list->AddAllColumns();
+        list->SetNumRow(20, 0);
+        return list;
+    }
+};
+
+TEST_F(CADIListFiles, ALargeFileShowsItsFirstPageAndIsReadOnAsNeeded) {
+    DString text = "\xEF\xBB\xBF"
+                   "id,\xC3\xA4\n";
+    for (int row = 0; row < 20'000; ++row)
+        text += std::to_string(row) + ",\"line\r\none\t\xFF"
+                                      "two\"\n";
+    auto const list = ListOf(m_folder.Write("a.csv", text));
+    EXPECT_EQ(list->GetColCaption(2), "\xC3\xA4");
+    EXPECT_EQ(list->OnGetItemText(19, 2), "line\r\none\t\xEF\xBF\xBD"
+                                          "two");
+    EXPECT_EQ(list->GetCacheRows(), 20);
+    EXPECT_EQ(list->OnGetItemText(15'000, 1), "15000");
+    EXPECT_FALSE(list->IsReadThrough());
+    list->Sort(1, true);
+    EXPECT_EQ(list->OnGetItemText(0, 1), "19999");
+    EXPECT_EQ(list->GetNumRow(), 20'000);
+}
+
+TEST_F(CADIListFiles, AFileThatClaimsMoreRowsThanItHasEndsWhereItsDataEnds) {
+    DString const path = m_folder / "a.dbf";
+    ADIFile table = Writer(path, "DBF");
+    table.AddCol("n", ADICol_Int);
+    for (int row = 0; row < 300; ++row) {
+        table.AddRow();
+        table.WriteInt(row);
+    }
+    ASSERT_TRUE(table.Finish());
+    std::fstream file(path, std::ios::in | std::ios::out | std::ios::binary);
+    file.seekp(4).write("\xFF\xFF\xFF\x7F", 4);
+    file.close();
+    auto const list = ListOf(path);
+    EXPECT_EQ(list->OnGetItemText(299, 1), "299");
+    EXPECT_EQ(list->OnGetItemText(301, 1), "");
+    EXPECT_EQ(list->GetNumRow(), 300);
+    EXPECT_TRUE(list->IsReadThrough());
+}
+
+} // namespace
+} // namespace zelvar

@@ -1,0 +1,170 @@
+#include "zelvar/lists/core/CellOrder.h"
+
+#include "zelvar/lists/core/CellCache.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <random>
+#include <string>
+
+#include <strings.h>
+
+namespace zelvar {
+namespace {
+
+using Texts = std::vector<std::string>;
+
+void Fill(CellCache &cache, Texts const &column) {
+    cache.SetStride(1);
+    for (std::string const &text : column) {
+        cache.AddRow();
+        cache.AddCell(text);
+    }
+}
+
+Texts Sorted(Texts const &column, bool ascending = true) {
+    CellCache cache;
+    Fill(cache, column);
+    EXPECT_TRUE(cache.Sort(0, ascending, {}));
+    Texts sorted;
+    for (int position = 0; position < cache.Rows(); ++position)
+        sorted.emplace_back(cache.Cell(cache.IdAt(position), 0));
+    return sorted;
+}
+
+TEST(CellOrder, NumbersGoFromLargeToSmallAndTextsFromAToZ) {
+    EXPECT_EQ(Sorted({"2", "10", "-3", "1.5"}), (Texts{"10", "2", "1.5", "-3"}));
+    EXPECT_EQ(Sorted({"2", "10", "-3", "1.5"}, false), (Texts{"-3", "1.5", "2", "10"}));
+    EXPECT_EQ(Sorted({"ABD", "abc", ""}), (Texts{"", "abc", "ABD"}));
+    EXPECT_EQ(Sorted({"ABD", "abc", ""}, false), (Texts{"ABD", "abc", ""}));
+    EXPECT_EQ(Sorted({"-1", "abc", "5", "0", "ABB"}), (Texts{"5", "0", "ABB", "abc", "-1"}));
+    EXPECT_EQ(Sorted({"a_", "aB", "AA"}), (Texts{"a_", "AA", "aB"})); // "_" stands before the small letters
+    EXPECT_EQ(Sorted({"longest text b", "LONGEST TEXT A", "longest "}),
+              (Texts{"longest ", "LONGEST TEXT A", "longest text b"}));
+    EXPECT_EQ(Sorted({"b \xC3\xA4", "b z", "b \xC3\x84"}), (Texts{"b z", "b \xC3\x84", "b \xC3\xA4"}));
+}
+
+TEST(CellOrder, ANumberIsWhatATextBeginsWithAndAWordIsNone) {
+    struct Case {
+        char const *text;
+        double number;
+    };
+    for (Case const &c : {Case{"", 0},
+                          {"  12abc", 12},
+                          {"1e5", 1e5},
+                          {"+.5", 0.5},
+                          {"-7 m", -7},
+                          {"abc", 0},
+                          {"nan", 0},
+                          {"-nan", 0},
+                          {"NaN(1)", 0},
+                          {"Nantes", 0},
+                          {"Information", 0},
+                          {"infinite", 0},
+                          {" inf ", INFINITY},
+                          {"-Infinity", -INFINITY},
+                          {"1e999", INFINITY},
+                          {".1e999", INFINITY},
+                          {"-1e-999", 0},
+                          {"- 5", 0}})
+        EXPECT_EQ(SortNumberOf(c.text), c.number) << c.text;
+}
+
+/// The rule as it is told, for two cells.
+int Told(std::string const &a, std::string const &b) {
+    double const first = std::strtod(a.c_str(), nullptr);
+    double const second = std::strtod(b.c_str(), nullptr);
+    if (first == 0 && second == 0)
+        return strcasecmp(a.c_str(), b.c_str());
+    return first < second ? 1 : first > second ? -1 : 0;
+}
+
+TEST(CellOrder, IsTheToldOneForEveryMixture) {
+    Texts const some = {"",         "0",   "-0",  "abc", "ABC",    "abcdefgh", "ABCDEFGHI", "abcdefghi",
+                        "5",        "5.0", "-5",  "x5",  "1e3",    "999",      "12a",       "-0.1",
+                        "\xC3\xA4", " ",   "  3", "_a",  "1e-320", "0x10"};
+    std::mt19937 random(7);
+    for (int run = 0; run < 50; ++run) {
+        Texts column;
+        for (int i = 0; i < 200; ++i)
+            column.push_back(some[random() % some.size()]);
+        for (bool const ascending : {true, false}) {
+            Texts expected = column;
+            std::stable_sort(expected.begin(), expected.end(), [ascending](auto const &a, auto const &b) {
+                return (ascending ? Told(a, b) : Told(b, a)) < 0;
+            });
+            ASSERT_EQ(Sorted(column, ascending), expected);
+        }
+    }
+}
+
+TEST(CellOrder, AStoppedSortLeavesTheOrder) {
+    Texts numbers;
+    for (int i = 0; i < 20'000; ++i)
+        numbers.push_back(std::to_string(i % 777));
+    Texts words = numbers;
+    for (std::string &text : words)
+        text.insert(0, "w");
+    for (Texts const &column : {numbers, words}) {
+        CellCache cache;
+        Fill(cache, column);
+        // At each of the questions that come.
+        int most = 0;
+        EXPECT_TRUE(cache.Sort(0, true, [&] { return ++most < 0; }));
+        EXPECT_GT(most, 3);
+        EXPECT_TRUE(cache.Sort(-1, false, {}));
+        for (int stopAt = 1; stopAt <= most; ++stopAt) {
+            int asked = 0;
+            EXPECT_FALSE(cache.Sort(0, true, [&] { return ++asked == stopAt; }));
+            for (int id = 0; id < cache.Rows(); ++id)
+                ASSERT_EQ(cache.IdAt(id), id);
+        }
+    }
+}
+
+TEST(CellCache, TextsOfAnySizeStayWhereTheyAre) {
+    CellCache cache;
+    cache.SetStride(2);
+    Texts expected;
+    for (int row = 0; row < 3000; ++row) {
+        std::string const text(static_cast<std::size_t>(row * row % 5000), static_cast<char>('a' + row % 20));
+        cache.AddRow();
+        cache.AddCell(row % 300 == 0 ? std::string(1'000'000, 'x') : text);
+        cache.AddCell(text);
+        expected.push_back(text);
+    }
+    char const *const first = cache.Cell(0, 0);
+    for (int row = 0; row < cache.Rows(); ++row)
+        ASSERT_EQ(cache.Cell(row, 1), expected[static_cast<std::size_t>(row)]);
+    EXPECT_EQ(cache.Cell(2700, 0), std::string(1'000'000, 'x'));
+    EXPECT_EQ(cache.Cell(0, 0), first);
+}
+
+TEST(CellCache, EqualCellsShareTheirTextAndNothingIsLostBehindANul) {
+    using std::string_view_literals::operator""sv;
+    CellCache cache;
+    Fill(cache, {"same", "same", "sam", "a", {"a\0b", 3}, {"a\0b", 3}, "", ""});
+    EXPECT_EQ(cache.Cell(0, 0), cache.Cell(1, 0)); // one text
+    EXPECT_EQ(cache.Cell(2, 0), "sam"sv);
+    EXPECT_EQ(cache.Cell(4, 0), "a\xEF\xBF\xBD"
+                                "b"sv);
+    EXPECT_EQ(cache.Cell(5, 0), "a\xEF\xBF\xBD"
+                                "b"sv);
+    EXPECT_EQ(cache.Cell(6, 0), cache.Cell(7, 0));
+    cache.AddRow();
+    cache.DropRow();
+    EXPECT_EQ(cache.Rows(), 8);
+    for (auto const &[id, col] : {std::pair{-1, 0}, {8, 0}, {0, 1}, {0, -1}}) {
+        cache.Cell(id, col) = "lost";
+        EXPECT_EQ(cache.Cell(id, col), ""sv);
+    }
+    cache.Cell(0, 0) = nullptr; // as somebody might
+    EXPECT_TRUE(cache.Sort(0, true, {}));
+    EXPECT_EQ(cache.IdAt(0), 0);
+    EXPECT_EQ(cache.IdAt(8), -1);
+}
+
+} // namespace
+} // namespace zelvar
