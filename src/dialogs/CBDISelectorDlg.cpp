@@ -1,6 +1,7 @@
 #include "zelvar/dialogs/CBDISelectorDlg.h"
 
 #include "zelvar/data/RequestScope.h"
+#include "zelvar/dialogs/DialogResources.h"
 #include "zelvar/lists/CZelListCtrl.h"
 #include "zelvar/lists/CZelTreeCtrl.h"
 #include "zelvar/platform/ui/EscapeWatch.h"
@@ -12,9 +13,6 @@
 
 #include <algorithm>
 #include <utility>
-
-// A static library's resources are linked only if something names them; the macro must stand outside a namespace.
-static void InitDialogResources() { Q_INIT_RESOURCE(dialogs); }
 
 namespace zelvar {
 
@@ -120,7 +118,7 @@ CBDISelectorDlg::CBDISelectorDlg(BDIDrvr *drvr, char const *path, unsigned int n
     : cdxCDynamicDialog(kTemplate, parent, FreedomAll, kFlags), m_path(TextOf(path)), m_drvr(drvr),
       m_nodeMask(nodeMask), m_title(TextOf(title)), m_multiSelect(multiSelect) {
     static bool const initialised = [] {
-        InitDialogResources();
+        UseDialogResources();
         CZelImageList::RegisterBitmap(kNodeImages, ":/zelvar/dialogs/nodes.svg");
         return true;
     }();

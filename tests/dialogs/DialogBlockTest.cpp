@@ -1,0 +1,95 @@
+#include "zelvar/dialogs/core/DialogBlock.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace zelvar {
+namespace {
+
+std::string Hex(std::span<std::byte const> bytes) {
+    std::string text;
+    for (std::byte const byte : bytes)
+        text += Format("%02x", std::to_integer<unsigned>(byte));
+    return text;
+}
+
+CDialogTmpl::Bytes BlockOf(CDialogTmpl const &dialog) { return dialog.Block(*std::pmr::get_default_resource()); }
+
+TEST(DialogTemplateBlock, IsTheTemplateByteForByte) {
+    CDialogTmpl dialog({6, 13});
+    dialog.SetStyle(0x90C80880);
+    dialog.SetCaption("Öl");
+    dialog.SetSize({100, 50});
+    dialog.AddItem(CDialogTmpl::kStatic, 1001, "a", Rect{16, 16, 47, 42});
+    dialog.AddItem(CDialogTmpl::kCheckBox, 5555, "", std::nullopt);
+    EXPECT_EQ(Hex(BlockOf(dialog)),
+              "8008c8900000000002000000000042001e00"         // 100 * 4 / 6 by 50 * 8 / 13
+              "00000000d6006c000000"                         // no menu, no class, the caption
+              "00000050000000000a00090014001000e903ffff8200" // place, id, class
+              "610000000000"                                 // title, no data
+              "030001500000000000000000"
+              "0a000a00b315ffff800000000000");
+}
+
+TEST(DialogTemplateBlock, HasTheToldSizeAndReadsBack) {
+    struct Case {
+        std::string caption;
+        std::vector<std::string> titles;
+        std::size_t size;
+    };
+    Case const cases[] = {
+        {"", {}, 24},
+        {"a", {}, 28},
+        {"ab", {}, 28},
+        {"ab", {""}, 28 + 26},
+        {"ab", {"x", ""}, 28 + 28 + 26},
+        {"ab", {"xy", "xyz"}, 28 + 32 + 32},
+        {"\xF0\x9F\x98\x80", {}, 28},       // two units
+        {std::string(1500, 'c'), {}, 2072}, // cut at 1023
+    };
+    for (Case const &c : cases) {
+        CDialogTmpl dialog({4, 8});
+        dialog.SetCaption(c.caption);
+        for (std::string const &title : c.titles)
+            dialog.AddItem(CDialogTmpl::kButton, 7, title, Rect{1, 2, 4, 6});
+        CDialogTmpl::Bytes const block = BlockOf(dialog);
+        EXPECT_EQ(block.size(), c.size) << c.caption;
+        std::optional<DialogBlock> const read = ReadDialogBlock(block);
+        ASSERT_TRUE(read.has_value());
+        ASSERT_EQ(read->controls.size(), c.titles.size());
+        for (std::size_t i = 0; i < c.titles.size(); ++i) {
+            EXPECT_EQ(read->controls[i].title, std::u16string(c.titles[i].begin(), c.titles[i].end()));
+            EXPECT_EQ(read->controls[i].units, (Rect{1, 2, 4, 6}));
+        }
+        for (std::size_t length = 0; length + 2 < block.size(); ++length) // 2 may be padding
+            EXPECT_FALSE(ReadDialogBlock(std::span(block).first(length)).has_value()) << length;
+    }
+}
+
+TEST(DialogTemplateBlock, TextsAreCutBetweenCharacters) {
+    EXPECT_EQ(CutText("abc", 3), "abc");
+    EXPECT_EQ(CutText("abcd", 3), "abc");
+    EXPECT_EQ(CutText("abä", 3), "ab");
+    EXPECT_EQ(CutText("a\xF0\x9F\x98\x80", 4), "a");
+    EXPECT_EQ(CutText("\xF0\x9F\x98\x80z", 4), "\xF0\x9F\x98\x80");
+    EXPECT_EQ(CutText("\x80\x80\x80\x80\x80\x80", 5), "\x80\x80\x80\x80\x80"); // no character at all
+    CDialogTmpl dialog({4, 8});
+    dialog.AddItem(CDialogTmpl::kStatic, 1, std::string(1022, 'a') + "ä", std::nullopt);
+    EXPECT_EQ(std::string(dialog.Item(0).title), std::string(1022, 'a'));
+}
+
+TEST(DialogTemplateBlock, HoldsTwentyItemsAndUnitsThatFit) {
+    CDialogTmpl dialog({4, 8});
+    dialog.SetSize({100, 2'000'000'000});
+    EXPECT_EQ(dialog.Header().cy, 32767);
+    for (int i = 0; i < 20; ++i)
+        EXPECT_TRUE(dialog.AddItem(CDialogTmpl::kEdit, 1, "", std::nullopt));
+    EXPECT_FALSE(dialog.AddItem(CDialogTmpl::kEdit, 1, "", std::nullopt));
+    EXPECT_EQ(dialog.Header().count, 20);
+    EXPECT_EQ(dialog.Item(19).cx, 10);
+    EXPECT_EQ(dialog.Item(19).style, 0x50010004U);
+}
+
+} // namespace
+} // namespace zelvar

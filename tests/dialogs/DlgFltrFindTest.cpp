@@ -1,0 +1,259 @@
+#include "zelvar/dialogs/DlgFltrFind.h"
+
+#include "support/GuiTest.h"
+#include "zelvar/base/SettingsStore.h"
+#include "zelvar/platform/ui/ControlId.h"
+
+#include <QtCore/QPointer>
+#include <QtTest/QTest>
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QComboBox>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QLineEdit>
+#include <QtWidgets/QPushButton>
+
+#include <gtest/gtest.h>
+
+namespace zelvar {
+namespace {
+
+using platform::GetDlgItem;
+
+/// The dialog as its user has it.
+class Hands {
+public:
+    explicit Hands(QWidget &dialog)
+        : window(dialog), filter(*GetDlgItem<QComboBox>(dialog, 1980)), find(*GetDlgItem<QLineEdit>(dialog, 1981)),
+          clear(*GetDlgItem(dialog, 1985)), list(*GetDlgItem<QListView>(dialog, 1983)),
+          description(*GetDlgItem<QLabel>(dialog, 1984)), frame(*GetDlgItem(dialog, 6003)) {}
+
+    [[nodiscard]] std::string Lines() const {
+        std::string lines;
+        for (int row = 0; row < list.model()->rowCount(); ++row)
+            lines += (row > 0 ? ", " : "") + list.model()->index(row, 0).data().toString().toStdString();
+        return lines;
+    }
+    void Click(int row, Qt::KeyboardModifiers modifiers = {}) const {
+        QTest::mouseClick(list.viewport(), Qt::LeftButton, modifiers, Middle(row));
+    }
+    [[nodiscard]] QPoint Middle(int row) const { return list.visualRect(list.model()->index(row, 0)).center(); }
+    void Choose(int entry) const {
+        filter.setFocus();
+        QTest::keyClick(&filter, Qt::Key_Home);
+        for (int i = 0; i < entry; ++i)
+            QTest::keyClick(&filter, Qt::Key_Down);
+    }
+    /// Drags the list's lower edge by so many pixels.
+    void DragEdge(int by, int grip = 1) const {
+        QWidget *const area = list.viewport();
+        QPoint const start(40, area->height() - grip);
+        QTest::mousePress(area, Qt::LeftButton, {}, start);
+        QPoint const end = start + QPoint(0, by);
+        QMouseEvent move(QEvent::MouseMove, end, area->mapToGlobal(end), Qt::NoButton, Qt::LeftButton, {});
+        QApplication::sendEvent(area, &move);
+        QTest::mouseRelease(area, Qt::LeftButton, {}, end);
+    }
+
+    QWidget &window;
+    QComboBox &filter;
+    QLineEdit &find;
+    QWidget &clear;
+    QListView &list;
+    QLabel &description;
+    QWidget &frame;
+};
+
+class FilterFind : public testing::Test {
+protected:
+    FilterFind() { SettingsStore::Instance().RemoveTree("Profile"); }
+
+    static void Fill(DlgFltrFind &dialog) {
+        dialog.AddItem("Red", "Band", "b", "Reflected red light", 1);
+        dialog.AddItem("Blue", "Band", "b", "Reflected blue light", 2);
+        dialog.AddItem("NDVI", "Index", "a", "Vegetation index", 3);
+        dialog.AddItem("red EDGE", "Index", "a", "Edge of red", 4);
+        dialog.AddItem("Notes", "", "z", "Has no category", 5);
+    }
+    /// Runs the dialog; its result and the names that it left.
+    std::string Run(std::function<void(Hands const &)> act) {
+        Fill(m_dialog);
+        auto const done = test::OnNextDialog([&](QWidget &window) {
+            EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
+            act(Hands(window));
+        });
+        int const result = static_cast<int>(m_dialog.DoModal());
+        EXPECT_TRUE(*done);
+        return std::to_string(result) + ":" + Left();
+    }
+    [[nodiscard]] std::string Left() const {
+        DVector<DlgFltrFind::Item *> items;
+        m_dialog.GetFinalSlct(&items);
+        m_dialog.GetFinalSlct(nullptr);
+        std::string names;
+        for (DlgFltrFind::Item const *item : items)
+            names += " " + item->name;
+        return names;
+    }
+
+    DlgFltrFind m_dialog{"Index"};
+};
+
+constexpr char kAll[] = "<a> NDVI, <a> red EDGE, <b> Blue, <b> Red, <z> Notes";
+
+TEST_F(FilterFind, ListsTheCategoryByGroupAndNameAndGivesTheSelection) {
+    m_dialog.SetListBoxTitle("Channels:");
+    EXPECT_EQ(Run([](Hands const &hands) {
+                  EXPECT_EQ(hands.window.windowTitle(), "Filter & Find");
+                  EXPECT_EQ(hands.filter.currentText(), "Index");
+                  EXPECT_EQ(hands.Lines(), "<a> NDVI, <a> red EDGE");
+                  hands.Choose(0);
+                  EXPECT_EQ(hands.Lines(), kAll);
+                  hands.Choose(1);
+                  EXPECT_EQ(hands.filter.currentText(), "Band");
+                  EXPECT_EQ(hands.Lines(), "<b> Blue, <b> Red");
+                  hands.Choose(3); // the empty entry filters nothing
+                  EXPECT_EQ(hands.Lines(), kAll);
+                  EXPECT_EQ(GetDlgItem<QLabel>(hands.window, 1982)->text(), "Channels:");
+                  EXPECT_EQ(hands.list.accessibleName(), "Channels:");
+                  hands.Click(3);
+                  EXPECT_EQ(hands.description.text(), "Reflected red light");
+                  hands.Click(0, Qt::ControlModifier);
+                  EXPECT_EQ(hands.description.text(), "Vegetation index");
+                  hands.Click(0, Qt::ControlModifier);
+                  EXPECT_EQ(hands.description.text(), "Reflected red light");
+                  hands.Click(0, Qt::ControlModifier);
+                  test::Shot(hands.window, "filter-find-selected");
+                  test::Click(GetDlgItem(hands.window, 1));
+              }),
+              "1: NDVI Red");
+}
+
+TEST_F(FilterFind, TheTextNarrowsTheNamesAndLosesTheSelection) {
+    m_dialog.SetStartFltr("none such");
+    EXPECT_EQ(Run([](Hands const &hands) {
+                  EXPECT_EQ(hands.filter.currentText(), "All");
+                  EXPECT_FALSE(hands.clear.isVisible());
+                  EXPECT_TRUE(hands.find.hasFocus());
+                  hands.Click(0);
+                  QTest::keyClick(&hands.list, Qt::Key_F, Qt::ControlModifier);
+                  EXPECT_TRUE(hands.find.hasFocus());
+                  QTest::keyClicks(&hands.find, "RED");
+                  EXPECT_EQ(hands.Lines(), "<a> red EDGE, <b> Red"); // no description, no group
+                  EXPECT_EQ(hands.description.text(), "...");
+                  EXPECT_TRUE(hands.clear.isVisible());
+                  EXPECT_EQ(hands.clear.accessibleName(), "Clear");
+                  test::Shot(hands.window, "filter-find-text");
+                  QTest::keyClick(&hands.find, Qt::Key_Down);
+                  EXPECT_TRUE(hands.list.hasFocus());
+                  EXPECT_EQ(hands.description.text(), "Edge of red");
+                  test::Click(&hands.clear);
+                  EXPECT_EQ(hands.Lines(), kAll);
+                  EXPECT_FALSE(hands.clear.isVisible());
+                  EXPECT_TRUE(hands.find.hasFocus());
+                  QTest::keyClick(&hands.window, Qt::Key_Escape);
+              }),
+              "0: NDVI red EDGE Blue Red Notes"); // whole
+}
+
+TEST_F(FilterFind, IsWorkedByTheKeyboardAlone) {
+    EXPECT_EQ(Run([](Hands const &hands) {
+                  QWidget *const order[] = {&hands.find, &hands.list, GetDlgItem(hands.window, 1),
+                                            GetDlgItem(hands.window, 2), &hands.filter};
+                  for (QWidget *const widget : order) {
+                      EXPECT_TRUE(widget->hasFocus());
+                      QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+                  }
+                  QTest::keyClick(&hands.find, Qt::Key_PageDown);
+                  QTest::keyClick(&hands.list, Qt::Key_A, Qt::ControlModifier);
+                  QTest::keyClick(&hands.list, Qt::Key_Return);
+              }),
+              "1: NDVI red EDGE");
+}
+
+TEST_F(FilterFind, ADoubleClickIsOk) {
+    EXPECT_EQ(Run([](Hands const &hands) {
+                  hands.Click(1);
+                  QTest::mouseDClick(hands.list.viewport(), Qt::LeftButton, {}, hands.Middle(1));
+              }),
+              "1: red EDGE");
+}
+
+TEST_F(FilterFind, TheListsLowerEdgeIsDragged) {
+    Run([](Hands const &hands) {
+        QRect const list = hands.list.geometry();
+        QRect const text = hands.description.geometry();
+        QRect const frame = hands.frame.geometry();
+        int const gap = hands.list.height() - hands.list.viewport()->height();
+        QTest::mouseMove(hands.list.viewport(), {40, hands.list.viewport()->height() - 3});
+        EXPECT_EQ(hands.list.viewport()->cursor().shape(), Qt::SizeVerCursor);
+        QTest::mouseMove(hands.list.viewport(), {40, hands.list.viewport()->height() - 4});
+        EXPECT_EQ(hands.list.viewport()->cursor().shape(), Qt::ArrowCursor);
+        hands.DragEdge(-30, 4); // beside it
+        EXPECT_EQ(hands.list.geometry(), list);
+        hands.DragEdge(-30);
+        int const by = hands.list.geometry().bottom() - list.bottom();
+        EXPECT_NEAR(by, -30, gap + 1);
+        EXPECT_EQ(hands.description.geometry().top(), text.top() + by);
+        EXPECT_EQ(hands.frame.geometry().top(), frame.top() + by);
+        EXPECT_EQ(hands.description.geometry().bottom(), text.bottom());
+        test::Shot(hands.window, "filter-find-dragged");
+        hands.DragEdge(500); // no room for the description
+        EXPECT_EQ(hands.list.geometry().bottom(), list.bottom() + by);
+        hands.window.resize(hands.window.size() + QSize(20, 10)); // the layout knows nothing of it
+        EXPECT_EQ(hands.list.geometry(), list.adjusted(0, 0, 20, 10));
+        EXPECT_EQ(hands.description.geometry().bottom(), text.bottom() + 10);
+    });
+}
+
+TEST_F(FilterFind, BesideItsParentItIsFilledWhileItIsShown) {
+    QWidget parent;
+    parent.show();
+    EXPECT_TRUE(m_dialog.CreateModeless(&parent));
+    Hands const hands(m_dialog);
+    EXPECT_FALSE(m_dialog.isModal());
+    EXPECT_EQ(hands.Lines(), "");
+    Fill(m_dialog);
+    m_dialog.SetStartFltr("Band");
+    m_dialog.UpdtContent();
+    EXPECT_EQ(hands.Lines(), "<b> Blue, <b> Red");
+    m_dialog.SetDscr("Pick one");
+    EXPECT_EQ(hands.description.text(), "Pick one");
+    hands.Click(1);
+    test::Click(GetDlgItem(hands.window, 1));
+    EXPECT_FALSE(m_dialog.isVisible());
+    EXPECT_EQ(Left(), " Red");
+    m_dialog.show(); // what went is not looked at any more
+    EXPECT_EQ(hands.Lines(), "<b> Red");
+    m_dialog.setParent(nullptr);
+}
+
+/// Names only, longest first.
+class LongestFirst : public DlgFltrFind {
+public:
+    using DlgFltrFind::DlgFltrFind;
+
+protected:
+    void Sort(DVector<Item *> *items) override {
+        std::sort(items->begin(), items->end(),
+                  [](Item const *a, Item const *b) { return a->name.size() > b->name.size(); });
+    }
+    void OnDblClckList() override { SetDscr("clicked twice"); }
+};
+
+TEST_F(FilterFind, OrderAndDoubleClickCanBeOnesOwn) {
+    LongestFirst dialog("");
+    dialog.UpdtContent(); // no window: nothing
+    for (char const *name : {"a", "ccc", "bb"})
+        dialog.AddItem(name, "All", "g", "", 0);
+    dialog.CreateModeless(nullptr);
+    Hands const hands(dialog);
+    EXPECT_EQ(hands.filter.count(), 1); // a category that reads like the first entry is that
+    EXPECT_EQ(hands.Lines(), "<g> ccc, <g> bb, <g> a");
+    hands.Click(0);
+    QTest::mouseDClick(hands.list.viewport(), Qt::LeftButton, {}, hands.Middle(0));
+    EXPECT_EQ(hands.description.text(), "clicked twice");
+    EXPECT_TRUE(dialog.isVisible());
+}
+
+} // namespace
+} // namespace zelvar

@@ -1,0 +1,343 @@
+#include "zelvar/dialogs/XMessageBox.h"
+
+#include "support/GuiTest.h"
+#include "support/TestFiles.h"
+#include "zelvar/platform/ui/ControlId.h"
+#include "zelvar/platform/ui/DialogTemplate.h"
+
+#include <QtGui/QAccessible>
+#include <QtGui/QClipboard>
+#include <QtGui/QDesktopServices>
+#include <QtGui/QScreen>
+#include <QtTest/QTest>
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QCheckBox>
+#include <QtWidgets/QMessageBox>
+#include <QtWidgets/QPlainTextEdit>
+#include <QtWidgets/QPushButton>
+#include <QtWidgets/QScrollBar>
+#include <QtWidgets/QTextBrowser>
+
+#include <gtest/gtest.h>
+
+#include <memory_resource>
+
+namespace zelvar {
+namespace {
+
+using platform::GetDlgItem;
+
+constexpr int kText = 1001;
+constexpr int kCheck = 5555;
+constexpr int kHelp = 300;
+constexpr int kIcon = 1000;
+constexpr int kChecked = 0x1000000;
+
+void Key(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
+    QTest::keyClick(QApplication::focusWidget(), key, modifiers);
+}
+
+/// Shows a box and lets `act` work it; the answer.
+int Ask(unsigned type, std::function<void(QWidget &)> act, std::string const &text = "Is it?",
+        char const *caption = "Question", unsigned helpId = 0) {
+    auto const done = test::OnNextDialog([&](QWidget &box) {
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&box));
+        act(box);
+    });
+    int const answer = XMessageBox(nullptr, text.c_str(), caption, type, nullptr, helpId);
+    EXPECT_TRUE(*done);
+    return answer;
+}
+int Press(unsigned type, int id) {
+    return Ask(type, [id](QWidget &box) { test::Click(GetDlgItem(box, id)); });
+}
+QPlainTextEdit &TextOf(QWidget &box) { return *GetDlgItem<QPlainTextEdit>(box, kText); }
+
+TEST(XMessageBox, EachButtonOfEachSetGivesItsId) {
+    struct Case {
+        unsigned set;
+        std::vector<int> ids;
+    };
+    Case const cases[] = {{MB_OK, {1}},
+                          {MB_OKCANCEL, {1, 2}},
+                          {MB_ABORTRETRYIGNORE, {3, 4, 5}},
+                          {MB_YESNOCANCEL, {6, 7, 2}},
+                          {MB_YESNO, {6, 7}},
+                          {MB_RETRYCANCEL, {4, 2}},
+                          {MB_FILEEXISTS, {2, 3, 1, 4}},
+                          {7, {1}},
+                          {MB_CONTINUEABORT, {10, 3}},
+                          {15, {1}}};
+    for (Case const &c : cases)
+        for (int const id : c.ids) {
+            EXPECT_EQ(Press(c.set, id), id) << c.set;
+            EXPECT_EQ(Press(c.set | MB_HELP | MB_DONTASKAGAIN | MB_ICONQUESTION, id), id) << c.set; // none is cut off
+        }
+}
+
+TEST(XMessageBox, EscapeAndTheFrameDoWhatTheSetAllows) {
+    struct Case {
+        unsigned set;
+        bool allowed;
+    };
+    for (auto const &[set, allowed] : {Case{MB_OK, false}, Case{MB_OKCANCEL, true}, Case{MB_YESNO, false},
+                                       Case{MB_YESNOCANCEL, true}, Case{MB_FILEEXISTS, true}}) {
+        EXPECT_EQ(Ask(set,
+                      [allowed](QWidget &box) {
+                          EXPECT_EQ((box.windowFlags() & Qt::WindowCloseButtonHint) != 0, allowed);
+                          Key(Qt::Key_Escape);
+                          EXPECT_EQ(box.isVisible(), !allowed);
+                          Key(Qt::Key_Return);
+                      }),
+                  allowed        ? 2
+                  : set == MB_OK ? 1
+                                 : 6);
+        EXPECT_EQ(Ask(set,
+                      [](QWidget &box) {
+                          box.close();
+                          if (box.isVisible())
+                              Key(Qt::Key_Space);
+                      }),
+                  allowed        ? 2
+                  : set == MB_OK ? 1
+                                 : 6);
+    }
+}
+
+TEST(XMessageBox, TheCheckMarkIsInTheAnswerWhereTheBoxWasShown) {
+    EXPECT_EQ(Ask(MB_YESNO | MB_DONTASKAGAIN,
+                  [](QWidget &box) {
+                      auto *const check = GetDlgItem<QCheckBox>(box, kCheck);
+                      EXPECT_EQ(check->text(), "Don't ask me again");
+                      EXPECT_FALSE(check->isChecked());
+                      test::Click(check);
+                      test::Shot(box, "box-yes-no-check");
+                      Key(Qt::Key_Y); // mnemonics need no Alt
+                  }),
+              6 + kChecked);
+    EXPECT_EQ(Ask(MB_OKCANCEL | MB_DONTASKAGAIN,
+                  [](QWidget &box) {
+                      test::Click(GetDlgItem(box, kCheck));
+                      Key(Qt::Key_Escape);
+                  }),
+              2 + kChecked);
+    EXPECT_EQ(Press(MB_YESNO | MB_DONTASKAGAIN, 7), 7);
+    EXPECT_EQ(Ask(MB_YESNO,
+                  [](QWidget &box) {
+                      EXPECT_EQ(GetDlgItem(box, kCheck), nullptr);
+                      Key(Qt::Key_N);
+                  }),
+              7);
+}
+
+TEST(XMessageBox, TheDefaultButtonHasTheFocusAndReturnPressesTheFocusedOne) {
+    EXPECT_EQ(Ask(MB_YESNOCANCEL | MB_DEFBUTTON2,
+                  [](QWidget &box) {
+                      EXPECT_TRUE(GetDlgItem(box, 7)->hasFocus());
+                      EXPECT_TRUE(GetDlgItem<QPushButton>(box, 7)->isDefault());
+                      Key(Qt::Key_Return);
+                  }),
+              7);
+    EXPECT_EQ(Ask(MB_YESNO | MB_DEFBUTTON4, // of two: the first
+                  [](QWidget &) {
+                      Key(Qt::Key_Tab);
+                      Key(Qt::Key_Return);
+                  }),
+              7);
+}
+
+TEST(XMessageBox, IsMadeFromItsTemplate) {
+    Ask(
+        MB_FILEEXISTS | MB_ICONEXCLAMATION | MB_HELP | MB_DONTASKAGAIN,
+        [](QWidget &box) {
+            test::Shot(box, "box-file-exists");
+            Size const base = platform::DialogBaseUnits(box.font());
+            for (auto const &[id, left] : {std::pair{2, 0}, {3, 106}, {1, 212}, {4, 288}, {kHelp, 364}})
+                EXPECT_NEAR(GetDlgItem(box, id)->x() - GetDlgItem(box, 2)->x(), left * box.fontInfo().pixelSize() / 12,
+                            base.cx / 2)
+                    << id;
+            for (QAbstractButton const *button : box.findChildren<QAbstractButton *>())
+                EXPECT_LE(button->fontMetrics().size(Qt::TextShowMnemonic, button->text()).width(), button->width());
+            EXPECT_TRUE(GetDlgItem(box, kIcon)->isVisible());
+            EXPECT_GT(test::ColorAt(*GetDlgItem(box, kIcon), {16, 10}).red(), 200) << "a yellow sign";
+            EXPECT_TRUE(TextOf(box).geometry().left() >= GetDlgItem(box, kIcon)->geometry().right());
+            Key(Qt::Key_Escape);
+        },
+        "The file \"scan 14.tif\" exists.", "Copy");
+}
+
+TEST(XMessageBox, TheCaptionIsTheApplicationsTitleOrError) {
+    auto const caption = [](char const *given) {
+        QString title;
+        Ask(
+            MB_OK,
+            [&title](QWidget &box) {
+                title = box.windowTitle();
+                Key(Qt::Key_Return);
+            },
+            "t", given);
+        return title;
+    };
+    EXPECT_EQ(caption(nullptr), "Error");
+    EXPECT_EQ(caption("Export"), "Export");
+    QGuiApplication::setApplicationDisplayName("Viewer");
+    EXPECT_EQ(caption(""), "Viewer");
+    QGuiApplication::setApplicationDisplayName({});
+}
+
+TEST(XMessageBox, HelpOpensTheFileOfTheModuleAndStaysOpen) {
+    std::vector<std::string> opened;
+    auto const open = [&opened](DString const &file, unsigned id) {
+        opened.push_back(file + " " + std::to_string(id));
+    };
+    auto const help = [](unsigned id) {
+        return Ask(
+            MB_OKCANCEL | MB_HELP,
+            [](QWidget &box) {
+                test::Click(GetDlgItem(box, kHelp));
+                EXPECT_TRUE(box.isVisible());
+                Key(Qt::Key_Escape);
+            },
+            "t", "c", id);
+    };
+    SetMessageBoxHelp({.module = "/opt/viewer.exe", .open = open});
+    EXPECT_EQ(help(7), 2);
+    help(0);
+    SetMessageBoxHelp({.module = "/opt/viewer", .open = open});
+    help(7);
+    EXPECT_EQ(opened, (std::vector<std::string>{"/opt/viewer.html 7", "/opt/viewer.html 0"}));
+
+    test::TempFolder const folder; // the desktop is asked for files that exist only
+    QTextBrowser viewer;
+    QDesktopServices::setUrlHandler("file", &viewer, "setSource");
+    SetMessageBoxHelp({.module = folder / "v.exe"});
+    help(7);
+    EXPECT_TRUE(viewer.source().isEmpty());
+    folder.Write("v.html", "<p>Help</p>");
+    help(7);
+    EXPECT_EQ(viewer.source(), QUrl("file://" + QString::fromStdString(folder / "v.html") + "#7"));
+    QDesktopServices::unsetUrlHandler("file");
+    SetMessageBoxHelp({});
+}
+
+TEST(XMessageBox, CopiesWhatIsSelectedOrAll) {
+    Ask(
+        MB_YESNO,
+        [](QWidget &box) {
+            Key(Qt::Key_C, Qt::ControlModifier);
+            EXPECT_TRUE(QApplication::clipboard()->text().contains("\nQuestion\n"));
+            EXPECT_TRUE(QApplication::clipboard()->text().contains("\n<b>Is it?</b>\n"));
+            EXPECT_TRUE(QApplication::clipboard()->text().contains("\nYes   No   \n"));
+            QTest::mouseDClick(TextOf(box).viewport(), Qt::LeftButton, {}, QPoint(20, 5));
+            Key(Qt::Key_C, Qt::ControlModifier);
+            EXPECT_EQ(QApplication::clipboard()->text(), "b"); // markup is text
+            Key(Qt::Key_Y);
+        },
+        "<b>Is it?</b>");
+}
+
+TEST(XMessageBox, ALongTextWrapsAndScrollsWithTheButtonsInSight) {
+    QRect const screen = QGuiApplication::primaryScreen()->availableGeometry();
+    std::string words = "A long message";
+    for (int i = 0; i < 100; ++i)
+        words += " goes on";
+    std::string lines = "The first line";
+    for (int i = 0; i < 500; ++i)
+        lines += "\nfile " + std::to_string(i) + ".tif cannot be read";
+    for (std::string const &text : {words, lines, std::string(5000, 'x'), std::string(2'000'000, '\n')}) {
+        Ask(
+            MB_OKCANCEL | MB_ICONHAND | MB_DONTASKAGAIN,
+            [&](QWidget &box) {
+                EXPECT_LE(box.frameGeometry().height(), screen.height());
+                EXPECT_LE(box.width(), screen.width() / 2 + 50 * box.fontInfo().pixelSize() / 12 + 130);
+                for (int const id : {1, 2, kCheck}) {
+                    EXPECT_TRUE(box.rect().contains(GetDlgItem(box, id)->geometry()));
+                    EXPECT_GE(GetDlgItem(box, id)->y(), TextOf(box).geometry().bottom());
+                }
+                QScrollBar &bar = *TextOf(box).verticalScrollBar();
+                EXPECT_EQ(bar.isVisible(), text.find('\n') != std::string::npos);
+                Key(Qt::Key_PageDown);
+                EXPECT_EQ(bar.value() > 0, bar.isVisible());
+                if (bar.isVisible()) {
+                    EXPECT_NE(TextOf(box).focusPolicy() & Qt::TabFocus, 0);
+                }
+                test::Shot(box, &text == &words ? "box-words" : text == lines ? "box-lines" : "box-one-word");
+                Key(Qt::Key_Escape);
+            },
+            text);
+    }
+}
+
+TEST(XMessageBox, IsReadOutWithTitleTextAndFocus) {
+    Ask(MB_YESNO | MB_ICONQUESTION, [](QWidget &box) {
+        QAccessibleInterface *const window = QAccessible::queryAccessibleInterface(&box);
+        EXPECT_EQ(window->text(QAccessible::Name), "Question");
+        EXPECT_EQ(window->text(QAccessible::Description), "Is it?");
+        EXPECT_TRUE(GetDlgItem(box, 6)->hasFocus());
+        test::Shot(box, "box-question");
+        Key(Qt::Key_Y);
+    });
+}
+
+TEST(XMessageBox, TheStopSignOnTopOfAllIsThePlatformsBox) {
+    struct Case {
+        unsigned type;
+        Qt::Key key;
+        int answer;
+    };
+    for (Case const &c :
+         {Case{MB_YESNO | MB_DEFBUTTON2 | MB_DONTASKAGAIN, Qt::Key_Return, 7}, Case{MB_YESNOCANCEL, Qt::Key_Escape, 2},
+          Case{MB_FILEEXISTS, Qt::Key_Escape, 2}, Case{MB_CONTINUEABORT, Qt::Key_Return, 1}})
+        EXPECT_EQ(Ask(c.type | MB_ICONHAND | MB_SYSTEMMODAL,
+                      [&c](QWidget &box) {
+                          auto *const plain = qobject_cast<QMessageBox *>(&box);
+                          ASSERT_NE(plain, nullptr);
+                          EXPECT_EQ(plain->textFormat(), Qt::PlainText);
+                          EXPECT_EQ(plain->checkBox(), nullptr);
+                          if (c.key == Qt::Key_Return)
+                              test::Shot(box, "box-platform");
+                          Key(c.key);
+                      }),
+                  c.answer);
+    EXPECT_EQ(Ask(MB_YESNO | MB_ICONQUESTION | MB_SYSTEMMODAL,
+                  [](QWidget &box) {
+                      EXPECT_EQ(qobject_cast<QMessageBox *>(&box), nullptr);
+                      EXPECT_TRUE(box.windowFlags() & Qt::WindowStaysOnTopHint);
+                      Key(Qt::Key_Y);
+                  }),
+              6);
+}
+
+TEST(XMessageBox, WithoutMemoryItSaysSoAndIsCancelled) {
+    std::pmr::set_default_resource(std::pmr::null_memory_resource());
+    EXPECT_EQ(Ask(MB_YESNO,
+                  [](QWidget &box) {
+                      std::pmr::set_default_resource(nullptr);
+                      EXPECT_EQ(box.windowTitle(), "Allocation Failure");
+                      auto const *const plain = qobject_cast<QMessageBox *>(&box);
+                      ASSERT_NE(plain, nullptr);
+                      EXPECT_EQ(plain->text(), "Memory allocation for dialog template failed.");
+                      Key(Qt::Key_Return);
+                  }),
+              2);
+    std::pmr::set_default_resource(nullptr);
+}
+
+TEST(XMessageBox, ABoxInABoxAndADyingParentDoNoHarm) {
+    EXPECT_EQ(Ask(MB_YESNOCANCEL | MB_DONTASKAGAIN,
+                  [](QWidget &outer) {
+                      EXPECT_EQ(Press(MB_CONTINUEABORT, 10), 10);
+                      EXPECT_TRUE(outer.isVisible());
+                      test::Click(GetDlgItem(outer, kCheck));
+                      test::Click(GetDlgItem(outer, 7));
+                  }),
+              7 + kChecked);
+    auto *const parent = new QWidget;
+    parent->show();
+    auto const done = test::OnNextDialog([&](QWidget &) { delete parent; });
+    EXPECT_EQ(XMessageBox(parent, nullptr, nullptr, MB_YESNO), 2);
+    EXPECT_TRUE(*done);
+}
+
+} // namespace
+} // namespace zelvar
