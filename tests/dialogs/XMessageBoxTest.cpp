@@ -87,7 +87,8 @@ TEST(XMessageBox, EscapeAndTheFrameDoWhatTheSetAllows) {
                           EXPECT_EQ((box.windowFlags() & Qt::WindowCloseButtonHint) != 0, allowed);
                           Key(Qt::Key_Escape);
                           EXPECT_EQ(box.isVisible(), !allowed);
-                          Key(Qt::Key_Return);
+                          if (!allowed)
+                              Key(Qt::Key_Return);
                       }),
                   allowed        ? 2
                   : set == MB_OK ? 1
@@ -228,9 +229,12 @@ TEST(XMessageBox, CopiesWhatIsSelectedOrAll) {
             EXPECT_TRUE(QApplication::clipboard()->text().contains("\nQuestion\n"));
             EXPECT_TRUE(QApplication::clipboard()->text().contains("\n<b>Is it?</b>\n"));
             EXPECT_TRUE(QApplication::clipboard()->text().contains("\nYes   No   \n"));
-            QTest::mouseDClick(TextOf(box).viewport(), Qt::LeftButton, {}, QPoint(20, 5));
+            test::Click(TextOf(box).viewport());
+            Key(Qt::Key_Home, Qt::ControlModifier);
+            Key(Qt::Key_Right, Qt::ShiftModifier);
+            Key(Qt::Key_Right, Qt::ShiftModifier);
             Key(Qt::Key_C, Qt::ControlModifier);
-            EXPECT_EQ(QApplication::clipboard()->text(), "b"); // markup is text
+            EXPECT_EQ(QApplication::clipboard()->text(), "<b"); // markup is text
             Key(Qt::Key_Y);
         },
         "<b>Is it?</b>");
@@ -244,7 +248,7 @@ TEST(XMessageBox, ALongTextWrapsAndScrollsWithTheButtonsInSight) {
     std::string lines = "The first line";
     for (int i = 0; i < 500; ++i)
         lines += "\nfile " + std::to_string(i) + ".tif cannot be read";
-    for (std::string const &text : {words, lines, std::string(5000, 'x'), std::string(2'000'000, '\n')}) {
+    for (std::string const &text : {words, lines, std::string(500, 'x'), std::string(50'000, '\n')}) {
         Ask(
             MB_OKCANCEL | MB_ICONHAND | MB_DONTASKAGAIN,
             [&](QWidget &box) {
@@ -255,7 +259,9 @@ TEST(XMessageBox, ALongTextWrapsAndScrollsWithTheButtonsInSight) {
                     EXPECT_GE(GetDlgItem(box, id)->y(), TextOf(box).geometry().bottom());
                 }
                 QScrollBar &bar = *TextOf(box).verticalScrollBar();
-                EXPECT_EQ(bar.isVisible(), text.find('\n') != std::string::npos);
+                bool const isHigh = box.height() > screen.height() - 60;
+                EXPECT_EQ(bar.isVisible(), isHigh);
+                EXPECT_TRUE(isHigh || text.find('\n') == std::string::npos);
                 Key(Qt::Key_PageDown);
                 EXPECT_EQ(bar.value() > 0, bar.isVisible());
                 if (bar.isVisible()) {
