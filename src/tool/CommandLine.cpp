@@ -31,7 +31,7 @@ std::optional<Arguments> ParseArguments(CommandSpec const &spec, std::vector<DSt
         DString const name = word.substr(0, equals);
         if (spec.flags.contains(name) && equals == DString::npos) {
             result.flags.insert(name);
-        } else if (!spec.values.contains(name)) {
+        } else if (!spec.values.contains(name) && !spec.optionalValues.contains(name)) {
             error = "unknown option " + name;
             return std::nullopt;
         } else if (equals != DString::npos) {

@@ -14,6 +14,7 @@ int RunOpen(std::vector<DString> const &words, int &argc, char **argv);
 int RunSave(std::vector<DString> const &words, int &argc, char **argv);
 int RunHistogram(std::vector<DString> const &words, int &argc, char **argv);
 int RunPlot(std::vector<DString> const &words, int &argc, char **argv);
+int RunAsk(std::vector<DString> const &words, int &argc, char **argv);
 int RunGallery(std::vector<DString> const &words, int &argc, char **argv);
 
 /// "zelvar <what>: <why>" and the subcommand's usage on stderr; `kUsage`.

@@ -19,10 +19,13 @@ constexpr char kUsageText[] =
     "  histogram FILE [--band N | --column C] [--slots N] [--print] [--shot FILE.png] [--size WxH]\n"
     "  plot FILE --x COLUMN --y COLUMN [--line] [--shot FILE.png] [--size WxH]\n"
     "                                                        charts of samples and columns; print what is picked\n"
+    "  ask TEXT|- [--caption T] [--buttons SET] [--icon NAME] [--default N] [--dont-ask[=TEXT]] [--help-id N]\n"
+    "      [--press NAME] [--check] [--shot FILE.png]        ask a question, print the button pressed\n"
     "  gallery [--page NAME] [--shot FILE.png] [--size WxH]  controls to play with\n"
     "KIND: raster (default of open), thematic, attributes, metadata (open only), table, tiff, xml, project, "
     "workspace,\n"
     "process, ruleset, solution, all.\n"
+    "SET: ok, ok-cancel, abort-retry-ignore, yes-no, yes-no-cancel, retry-cancel, keep, continue-abort.\n"
     "PLACE and MONIKER: a path, an address, a node inside a container as printed by ls, or source:NAME.\n"
     "Exit codes: 0 done, 1 cancelled or nothing found, 2 usage, 3 failed.\n";
 
@@ -46,6 +49,8 @@ int Run(int argc, char **argv) {
         return RunHistogram(words, argc, argv);
     if (command == "plot")
         return RunPlot(words, argc, argv);
+    if (command == "ask")
+        return RunAsk(words, argc, argv);
     if (command == "gallery")
         return RunGallery(words, argc, argv);
     if (command == "--help" || command == "help") {
