@@ -19,9 +19,29 @@ AsciiCaseFinder::AsciiCaseFinder(std::string_view wanted) : m_wanted(wanted) {
 }
 
 bool AsciiCaseFinder::IsIn(std::string_view text) const {
-    auto const same = [](char a, char wanted) { return ToLower(a) == wanted; };
-    return std::search(text.begin(), text.end(), m_wanted.begin(), m_wanted.end(), same) != text.end() ||
-           m_wanted.empty();
+    if (m_wanted.empty())
+        return true;
+    if (text.size() < m_wanted.size())
+        return false;
+    // The first character is looked for in both of its cases; most often it is in none.
+    char const first = m_wanted.front();
+    char const upper = first >= 'a' && first <= 'z' ? static_cast<char>(first - 'a' + 'A') : first;
+    std::size_t const places = text.size() - m_wanted.size() + 1;
+    std::string_view const starts = text.substr(0, places);
+    std::size_t atFirst = starts.find(first);
+    std::size_t atUpper = upper == first ? DString::npos : starts.find(upper);
+    for (std::size_t at = std::min(atFirst, atUpper); at != DString::npos; at = std::min(atFirst, atUpper)) {
+        std::size_t same = 1;
+        while (same < m_wanted.size() && ToLower(text[at + same]) == m_wanted[same])
+            ++same;
+        if (same == m_wanted.size())
+            return true;
+        if (at == atFirst)
+            atFirst = starts.find(first, at + 1);
+        else
+            atUpper = starts.find(upper, at + 1);
+    }
+    return false;
 }
 
 std::optional<ListAndDescription> DragBoundary(ListAndDescription const &places, int y) {
