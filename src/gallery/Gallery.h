@@ -25,6 +25,8 @@ struct Page {
 [[nodiscard]] std::vector<Page> BarPages();
 [[nodiscard]] std::vector<Page> ChartPages();
 [[nodiscard]] std::vector<Page> ThematicPages();
+[[nodiscard]] std::vector<Page> DrawingPages();
+[[nodiscard]] std::vector<Page> LayoutPages();
 
 /// All pages in order.
 [[nodiscard]] std::vector<Page> const &Pages();

@@ -17,6 +17,8 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <string_view>
+#include <vector>
 
 namespace zelvar::platform {
 
@@ -161,6 +163,7 @@ void BuildDialog(QWidget &dialog, DialogTemplate const &dialogTemplate, ControlF
     Rect const client = MapDialogRect(dialog, {0, 0, dialogTemplate.width, dialogTemplate.height});
     dialog.resize(client.right, client.bottom);
 
+    std::vector<QWidget *> controls;
     for (DialogItem const &item : dialogTemplate.items) {
         QWidget *control = factory ? factory(dialog, item) : nullptr;
         if (control == nullptr)
@@ -175,8 +178,19 @@ void BuildDialog(QWidget &dialog, DialogTemplate const &dialogTemplate, ControlF
             place.right = std::max(place.right, place.left + control->sizeHint().width());
         control->setGeometry(place.left, place.top, place.Width(), place.Height());
         control->setVisible(item.visible && item.kind != ControlKind::Place);
-        if (DialogItem const *const label = IsField(item.kind) ? LabelOf(item, dialogTemplate.items) : nullptr)
-            control->setAccessibleName(QString::fromUtf8(label->text).remove(u'&'));
+        controls.push_back(control);
+    }
+    for (std::size_t i = 0; i < controls.size(); ++i) {
+        DialogItem const &item = dialogTemplate.items[i];
+        DialogItem const *const label = IsField(item.kind) ? LabelOf(item, dialogTemplate.items) : nullptr;
+        if (label == nullptr)
+            continue;
+        controls[i]->setAccessibleName(QString::fromUtf8(label->text).remove(u'&'));
+        auto *const caption =
+            qobject_cast<QLabel *>(controls[static_cast<std::size_t>(label - dialogTemplate.items.data())]);
+        // Its letter goes to the field; without a field the toolkit would show the sign.
+        if (caption != nullptr && std::string_view(label->text).find('&') != std::string_view::npos)
+            caption->setBuddy(controls[i]);
     }
 }
 

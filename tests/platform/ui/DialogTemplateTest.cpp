@@ -27,7 +27,7 @@ constexpr DialogItem kItems[] = {
     {.id = 10, .kind = ControlKind::Place, .x = 7, .y = 7, .w = 20, .h = 10},
     {.id = 11, .kind = ControlKind::CenteredLabel, .text = "Go to folder", .x = 7, .y = 20, .w = 100, .h = 8},
     {.id = 12, .kind = ControlKind::Combo, .x = 7, .y = 30, .w = 100, .h = 81},
-    {.id = 13, .kind = ControlKind::CenteredLabel, .text = "File Name Filter", .x = 130, .y = 20, .w = 103, .h = 8},
+    {.id = 13, .kind = ControlKind::CenteredLabel, .text = "File Name &Filter", .x = 130, .y = 20, .w = 103, .h = 8},
     {.id = 14, .kind = ControlKind::Edit, .x = 130, .y = 30, .w = 103, .h = 14},
     {.id = 15, .kind = ControlKind::CheckBox, .text = "Open as Read-Only", .x = 9, .y = 47, .w = 74, .h = 10},
     {.id = 16, .kind = ControlKind::CheckBox, .text = "Unused", .x = 87, .y = 47, .w = 74, .h = 10, .visible = false},
@@ -81,6 +81,8 @@ TEST_P(BuiltDialog, AComboIsAsHighAsAnEditAndNamedByTheLabelAboveIt) {
     EXPECT_NEAR(combo->height(), edit->height(), 2);
     EXPECT_EQ(combo->accessibleName(), QStringLiteral("Go to folder"));
     EXPECT_EQ(edit->accessibleName(), QStringLiteral("File Name Filter"));
+    EXPECT_EQ(GetDlgItem<QLabel>(dialog, 13)->buddy(), edit); // its letter goes there
+    EXPECT_EQ(GetDlgItem<QLabel>(dialog, 11)->buddy(), nullptr);
 }
 
 TEST(DialogTemplate, EachKindIsTheControlThatItsNameSays) {
