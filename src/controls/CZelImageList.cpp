@@ -2,15 +2,20 @@
 
 #include "zelvar/platform/ui/Pictures.h"
 
+#include <QtGui/QIconEngine>
+#include <QtGui/QPainter>
 #include <QtWidgets/QWidget>
 
+#include <algorithm>
+#include <map>
 #include <unordered_map>
+#include <utility>
 
 namespace zelvar {
 
 namespace {
 
-std::unordered_map<unsigned, ImageDescription> &RegisteredIcons() {
+std::unordered_map<unsigned, ImageDescription> &IconMap() {
     static std::unordered_map<unsigned, ImageDescription> icons;
     return icons;
 }
@@ -24,13 +29,50 @@ ImageDescription Shape(ImageDescription::Shapes shape, ColorRef fill, ColorRef b
     return {.kind = ImageDescription::Kind::Shape, .shape = shape, .fill = fill, .border = border};
 }
 
+constexpr double kDisabledOpacity = 0.35;
+
+/// Draws a described picture at whatever size is asked for, and keeps what it has drawn.
+class DescribedIconEngine final : public QIconEngine {
+public:
+    explicit DescribedIconEngine(ImageDescription description) : m_description(std::move(description)) {}
+
+    void paint(QPainter *painter, QRect const &rect, QIcon::Mode mode, QIcon::State state) override {
+        qreal const ratio = painter->device()->devicePixelRatio();
+        painter->drawPixmap(rect, scaledPixmap(rect.size() * ratio, mode, state, ratio));
+    }
+    QPixmap pixmap(QSize const &size, QIcon::Mode mode, QIcon::State state) override {
+        return scaledPixmap(size, mode, state, 1);
+    }
+    QPixmap scaledPixmap(QSize const &size, QIcon::Mode mode, QIcon::State, qreal scale) override {
+        // `size` is in device pixels.
+        int const side = std::max(1, std::min(size.width(), size.height()));
+        QPixmap &kept = m_kept[{side, mode == QIcon::Disabled}];
+        if (kept.isNull()) {
+            QPixmap const whole = platform::Picture(m_description, 1, side);
+            kept = QPixmap(whole.size());
+            kept.fill(Qt::transparent);
+            QPainter painter(&kept);
+            painter.setOpacity(mode == QIcon::Disabled ? kDisabledOpacity : 1);
+            painter.drawPixmap(0, 0, whole);
+        }
+        QPixmap pixmap = kept;
+        pixmap.setDevicePixelRatio(scale);
+        return pixmap;
+    }
+    [[nodiscard]] QIconEngine *clone() const override { return new DescribedIconEngine(m_description); }
+
+private:
+    ImageDescription m_description;
+    std::map<std::pair<int, bool>, QPixmap> m_kept; ///< by side and whether it is washed out
+};
+
 } // namespace
 
 CZelImageList::CZelImageList() = default;
 CZelImageList::~CZelImageList() = default;
 
 void CZelImageList::RegisterIcon(unsigned iconId, DString const &themeName, DString const &fallback) {
-    RegisteredIcons()[iconId] = {.name = themeName, .fallback = fallback};
+    IconMap()[iconId] = {.name = themeName, .fallback = fallback};
 }
 
 void CZelImageList::RegisterBitmap(unsigned bitmapId, DString const &strip) { RegisteredBitmaps()[bitmapId] = strip; }
@@ -47,8 +89,16 @@ void CZelImageList::Create(unsigned bitmapId, int cx, int /*grow*/, unsigned lon
 }
 
 ImageDescription const *CZelImageList::FindIcon(unsigned iconId) {
-    auto const icon = RegisteredIcons().find(iconId);
-    return icon == RegisteredIcons().end() ? nullptr : &icon->second;
+    auto const icon = IconMap().find(iconId);
+    return icon == IconMap().end() ? nullptr : &icon->second;
+}
+
+std::vector<unsigned> CZelImageList::RegisteredIcons() {
+    std::vector<unsigned> numbers;
+    for (auto const &[number, icon] : IconMap())
+        numbers.push_back(number);
+    std::ranges::sort(numbers);
+    return numbers;
 }
 
 void CZelImageList::Create() {
@@ -88,6 +138,42 @@ int CZelImageList::GetRect(ColorRef fill, ColorRef border) {
 int CZelImageList::GetCircle(ColorRef fill, ColorRef border, bool flag) {
     using Shapes = ImageDescription::Shapes;
     return Add(Shape(flag ? Shapes::DottedCircle : Shapes::Circle, fill, border));
+}
+
+void CZelImageList::SetPictureSide(int side) {
+    m_side = std::max(1, side);
+    if (m_window != nullptr)
+        m_window->update();
+}
+
+void CZelImageList::Copy(CZelImageList const &other) {
+    if (&other == this)
+        return;
+    m_list = other.m_list == nullptr ? nullptr : std::make_unique<ImageList>(*other.m_list);
+    SetPictureSide(other.m_side);
+}
+
+bool CZelImageList::GetImageInfo(int index, ImageDescription &description) const {
+    if (index < 0 || index >= GetCount())
+        return false;
+    description = m_list->Get(index);
+    return true;
+}
+
+bool CZelImageList::Draw(QPainter &painter, Point at, int index, bool enabled) const {
+    QPixmap const picture = platform::ListPicture(GetHandle(), index, painter.device()->devicePixelRatioF(), m_side);
+    if (picture.isNull())
+        return false;
+    double const opacity = painter.opacity();
+    painter.setOpacity(enabled ? opacity : opacity * kDisabledOpacity);
+    painter.drawPixmap(at.x, at.y, picture);
+    painter.setOpacity(opacity);
+    return true;
+}
+
+QIcon CZelImageList::ExtractIcon(int index) const {
+    ImageDescription description;
+    return GetImageInfo(index, description) ? QIcon(new DescribedIconEngine(description)) : QIcon();
 }
 
 } // namespace zelvar

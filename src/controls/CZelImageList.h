@@ -1,15 +1,22 @@
 #pragma once
 
 #include "zelvar/base/Export.h"
+#include "zelvar/base/Geometry.h"
 #include "zelvar/base/ImageList.h"
 
 #include <memory>
+#include <vector>
 
+class QIcon;
+class QPainter;
 class QWidget;
 
 namespace zelvar {
 
 /// Image list of a control: its small pictures, made and cleared with it.
+///
+/// To a core `ImageList` it adds pictures by registered numbers, coloured shapes, the side of the pictures, and drawing
+/// them. An index once given stays what it is: pictures are never replaced or removed one by one.
 ///
 /// Icons are asked for by the numbers under which the application has registered their names.
 class ZELVAR_API CZelImageList {
@@ -24,6 +31,9 @@ public:
     static void RegisterIcon(unsigned iconId, DString const &themeName, DString const &fallback);
     /// What is registered under a number; null for none. Valid until that number is registered again.
     [[nodiscard]] static ImageDescription const *FindIcon(unsigned iconId);
+
+    /// The numbers that icons are registered under, in order.
+    [[nodiscard]] static std::vector<unsigned> RegisteredIcons();
 
     /// The strip of pictures that stands for a bitmap's number everywhere: a name as `ImageDescription` takes it.
     static void RegisterBitmap(unsigned bitmapId, DString const &strip);
@@ -51,6 +61,18 @@ public:
     /// In the box (1, 1, 16, 15); `flag` marks its middle with a dot.
     int GetCircle(ColorRef fill, ColorRef border, bool flag);
     [[nodiscard]] int GetPictureSide() const { return m_side; } ///< pixels
+    /// For pictures drawn from now on; a side below 1 is none.
+    void SetPictureSide(int side);
+
+    /// Takes over the pictures of `other` at the same indexes, and their side. The handle is a new one.
+    void Copy(CZelImageList const &other);
+    /// What a picture shows; false outside.
+    bool GetImageInfo(int index, ImageDescription &description) const;
+    /// Draws a picture with its upper left corner at `at`, washed out if not `enabled`. False outside.
+    bool Draw(QPainter &painter, Point at, int index, bool enabled = true) const;
+    /// A picture for buttons and actions, sharp at any size, washed out while disabled; empty outside. It does not need
+    /// the list any more.
+    [[nodiscard]] QIcon ExtractIcon(int index) const;
 
 private:
     std::unique_ptr<ImageList> m_list;
