@@ -7,13 +7,15 @@
 #include <QtCore/QTimer>
 #include <QtWidgets/QApplication>
 
+#include <cstdio>
+
 namespace zelvar::tool {
 
 namespace {
 
 CommandSpec const kSpec{
-    .usage = "gallery [--page NAME] [--shot FILE.png] [--size WxH]",
-    .flags = {},
+    .usage = "gallery [--page NAME] [--shot FILE.png] [--size WxH] | gallery --list",
+    .flags = {"--list"},
     .values = {"--page", "--shot", "--size"},
     .minArguments = 0,
     .maxArguments = 0,
@@ -29,6 +31,11 @@ int RunGallery(std::vector<DString> const &words, int &argc, char **argv) {
     std::optional<WindowSize> const size = ParseSize(arguments->Value("--size", "900x600"));
     if (!size)
         return UsageError(kSpec, "a size is written as 640x480");
+    if (arguments->Has("--list")) {
+        for (gallery::Page const &page : gallery::Pages())
+            std::printf("%s\t%s\t%s\n", page.name, page.title, page.classes);
+        return kDone;
+    }
     bool const attended = ChoosePlatform();
     QApplication const application(argc, argv);
     AvoidTypewriter();
