@@ -167,7 +167,9 @@ void MessageBoxWindow::PlaceControls(DialogBlock const &block) {
     QSize const screen = ScreenOf(parentWidget()).availableSize();
     int const frame = style()->pixelMetric(QStyle::PM_TitleBarHeight) + 8;
     Size const size = FitMessageBox(placed, {client.right, client.bottom},
-                                    {screen.width() - 8, screen.height() - frame}, FontPixels());
+                                    {.most = {screen.width() - 8, screen.height() - frame},
+                                     .font = FontPixels(),
+                                     .scrollBar = style()->pixelMetric(QStyle::PM_ScrollBarExtent)});
     for (PlacedControl const &control : placed) {
         Rect const &place = control.place;
         platform::GetDlgItem(*this, control.id)->setGeometry(place.left, place.top, place.Width(), place.Height());

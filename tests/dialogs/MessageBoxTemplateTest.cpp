@@ -127,14 +127,29 @@ TEST(FitMessageBox, TakesFromTheTextWhatTheScreenHasNotGot) {
                                             {IDOK, {60, 1024, 130, 1047}},
                                             {kMessageBoxHelp, {136, 1024, 240, 1047}}};
     std::vector<PlacedControl> controls = placed;
-    EXPECT_EQ(FitMessageBox(controls, {208, 1057}, {800, 600}, 12), (Size{248, 600}));
+    EXPECT_EQ(FitMessageBox(controls, {208, 1057}, {.most = {800, 600}, .scrollBar = 12}), (Size{248, 600}));
     EXPECT_EQ(controls[0].place, placed[0].place);
-    EXPECT_EQ(controls[1].place, (Rect{56, 16, 200, 559}));
+    EXPECT_EQ(controls[1].place, (Rect{56, 16, 212, 559}));
     EXPECT_EQ(controls[3].place, (Rect{136, 567, 240, 590}));
     controls = placed;
-    EXPECT_EQ(FitMessageBox(controls, {208, 1057}, {220, 1057}, 12), (Size{220, 1057}));
+    EXPECT_EQ(FitMessageBox(controls, {208, 1057}, {.most = {248, 1057}}), (Size{248, 1057}));
     EXPECT_EQ(controls[1].place, placed[1].place);
-    EXPECT_EQ(FitMessageBox(controls, {208, 1057}, {800, 50}, 12).cy, 97); // a few lines are always seen
+    EXPECT_EQ(FitMessageBox(controls, {208, 1057}, {.most = {800, 50}}).cy, 97); // a few lines are always seen
+}
+
+TEST(FitMessageBox, GivesTheButtonsMoreRowsOnANarrowScreen) {
+    std::vector<PlacedControl> controls{{kMessageBoxText, {16, 16, 300, 36}},
+                                        {2, {16, 44, 116, 67}},
+                                        {3, {122, 44, 222, 67}},
+                                        {1, {228, 44, 298, 67}},
+                                        {kMessageBoxHelp, {304, 44, 374, 67}},
+                                        {kMessageBoxCheck, {17, 79, 137, 95}}};
+    EXPECT_EQ(FitMessageBox(controls, {390, 103}, {.most = {240, 600}}), (Size{240, 132}));
+    EXPECT_EQ(controls[0].place, (Rect{16, 16, 232, 36}));
+    EXPECT_EQ(controls[2].place, (Rect{122, 44, 222, 67}));
+    EXPECT_EQ(controls[3].place, (Rect{16, 73, 86, 96}));
+    EXPECT_EQ(controls[4].place, (Rect{92, 73, 162, 96}));
+    EXPECT_EQ(controls[5].place, (Rect{17, 108, 137, 124}));
 }
 
 TEST(MessageBoxHelp, TheEndingOfTheModulesNameIsReplaced) {

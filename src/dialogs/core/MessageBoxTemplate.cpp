@@ -130,6 +130,47 @@ private:
     Rect m_last; ///< of the control that was added last
 };
 
+bool IsButton(PlacedControl const &control) {
+    return control.id != kMessageBoxIcon && control.id != kMessageBoxText && control.id != kMessageBoxCheck;
+}
+
+/// Moves what begins at `top` or below it.
+void MoveBelow(std::vector<PlacedControl> &controls, int top, int by) {
+    for (PlacedControl &control : controls)
+        if (control.place.top >= top) {
+            control.place.top += by;
+            control.place.bottom += by;
+        }
+}
+
+/// Puts the buttons into as many rows as it takes; how much lower what is below them stands then.
+int FlowButtons(std::vector<PlacedControl> &controls, MessageBoxRoom const &room) {
+    Distance const px(room.font);
+    int left = px(16);
+    int down = 0;
+    int bottom = 0; // of the row as it was
+    for (PlacedControl &control : controls) {
+        if (!IsButton(control))
+            continue;
+        Rect &place = control.place;
+        int const width = place.Width();
+        int const step = place.Height() + px(kGap);
+        bottom = place.bottom;
+        if (left + width > room.most.cx - px(8) && left > px(16)) {
+            left = px(16);
+            down += step;
+        }
+        place = {left, place.top + down, left + width, place.bottom + down};
+        left += width + px(kGap);
+    }
+    for (PlacedControl &control : controls)
+        if (!IsButton(control) && control.place.top >= bottom) {
+            control.place.top += down;
+            control.place.bottom += down;
+        }
+    return down;
+}
+
 } // namespace
 
 MessageBoxPlaces PlaceMessage(Size measured, int font) {
@@ -143,29 +184,26 @@ MessageBoxState BuildMessageBox(CDialogTmpl &dialogTemplate, MessageBoxRequest c
     return MessageBoxBuilder(dialogTemplate, request, metrics).Build(measure);
 }
 
-Size FitMessageBox(std::vector<PlacedControl> &controls, Size dialog, Size most, int font) {
-    Distance const px(font);
-    Rect *text = nullptr;
-    for (PlacedControl &control : controls) {
+Size FitMessageBox(std::vector<PlacedControl> &controls, Size dialog, MessageBoxRoom const &room) {
+    Distance const px(room.font);
+    for (PlacedControl const &control : controls)
         dialog.cx = std::max(dialog.cx, control.place.right + px(8));
-        if (control.id == kMessageBoxText)
-            text = &control.place;
+    if (dialog.cx > room.most.cx) {
+        dialog.cx = room.most.cx;
+        dialog.cy += FlowButtons(controls, room);
     }
-    dialog.cx = std::min(dialog.cx, most.cx);
-    if (text == nullptr)
+    auto const text = std::find_if(controls.begin(), controls.end(),
+                                   [](PlacedControl const &control) { return control.id == kMessageBoxText; });
+    if (text == controls.end())
         return dialog;
-    int const cut = std::min(dialog.cy - most.cy, text->Height() - px(kLeastText));
+    text->place.right = std::min(text->place.right, std::max(dialog.cx - px(8), text->place.left));
+    int const cut = std::min(dialog.cy - room.most.cy, text->place.Height() - px(kLeastText));
     if (cut <= 0)
         return dialog;
-    int const below = text->bottom;
-    for (PlacedControl &control : controls)
-        if (control.place.top >= below) {
-            control.place.top -= cut;
-            control.place.bottom -= cut;
-        }
-    text->bottom -= cut;
-    dialog.cy -= cut;
-    return dialog;
+    MoveBelow(controls, text->place.bottom, -cut);
+    text->place.bottom -= cut;
+    text->place.right += room.scrollBar;
+    return {std::min(std::max(dialog.cx, text->place.right), room.most.cx), dialog.cy - cut};
 }
 
 std::optional<DString> HelpFileOf(DString const &module, DString const &ending) {

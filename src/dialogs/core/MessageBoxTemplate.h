@@ -56,9 +56,16 @@ struct PlacedControl {
     int id = 0;
     Rect place{};
 };
-/// Makes the client area wide enough for all controls, and the text so low that no more than `most` is taken: the rest
-/// of the text has to scroll, and what stands below it moves up. The size to be shown.
-[[nodiscard]] ZELVAR_API Size FitMessageBox(std::vector<PlacedControl> &controls, Size dialog, Size most, int font);
+/// What the screen has for a message box, pixels.
+struct MessageBoxRoom {
+    Size most{};       ///< of the client area
+    int font = 12;     ///< as in `MessageBoxMetrics`
+    int scrollBar = 0; ///< width of one
+};
+/// Makes the client area wide enough for all controls; where the screen is not, the buttons get more rows. The text
+/// becomes so low that all the rest is seen: it has to scroll, and what stands below it moves up. The size to be shown.
+[[nodiscard]] ZELVAR_API Size FitMessageBox(std::vector<PlacedControl> &controls, Size dialog,
+                                            MessageBoxRoom const &room);
 
 /// The help file of a program's or library's file: its ending, from the last ".", becomes `ending`. Nothing for a name
 /// without a "."; those of its folders do not count.
