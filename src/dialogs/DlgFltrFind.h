@@ -4,6 +4,7 @@
 #include "zelvar/base/DString.h"
 #include "zelvar/layout/cdxCDynamicDialog.h"
 
+#include <QtCore/QElapsedTimer>
 #include <QtWidgets/QListView>
 
 class QComboBox;
@@ -96,6 +97,8 @@ public:
     [[nodiscard]] DVector<Item *> SelectedItems() const;
     /// Of the selected items the one that was touched last, or the first; null with nothing selected.
     [[nodiscard]] Item const *CurrentSelection() const;
+    /// Typed letters go to the next line whose name begins with them: all lines begin with "<".
+    void keyboardSearch(QString const &typed) override;
 
 Q_SIGNALS:
     void SelectionChanged();
@@ -111,6 +114,8 @@ private:
 
     DlgFltrFind *m_pDlg; ///< not owned
     FilterFindModel *m_model;
+    QString m_typed; ///< letters of a running search
+    QElapsedTimer m_typedAt;
     bool m_bDragging = false;
 };
 

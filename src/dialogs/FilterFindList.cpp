@@ -4,6 +4,8 @@
 #include "zelvar/platform/ui/ControlId.h"
 #include "zelvar/platform/ui/Text.h"
 
+#include <algorithm>
+
 namespace zelvar {
 
 namespace {
@@ -57,6 +59,26 @@ DlgFltrFind::Item const *DlgFltrFind::ResizeListBox::CurrentSelection() const {
         return m_model->ItemAt(current.row());
     QItemSelection const selection = selectionModel()->selection();
     return selection.isEmpty() ? nullptr : m_model->ItemAt(selection.front().top());
+}
+
+void DlgFltrFind::ResizeListBox::keyboardSearch(QString const &typed) {
+    if (typed.isEmpty()) { // the toolkit's word for a new search
+        m_typedAt.invalidate();
+        return;
+    }
+    bool const goesOn = m_typedAt.isValid() && m_typedAt.elapsed() < QApplication::keyboardInputInterval();
+    m_typedAt.start();
+    m_typed = goesOn && m_typed != typed ? m_typed + typed : typed; // the same letter again goes on to the next
+    DString const wanted = platform::ToDString(m_typed);
+    int const rows = m_model->rowCount();
+    int const first = currentIndex().row() + (m_typed.size() > 1 ? 0 : 1); // row -1 without a current line
+    for (int step = 0; step < rows; ++step) {
+        int const row = (std::max(first, 0) + step) % rows;
+        if (StartsWithNoCase(m_model->ItemAt(row)->name, wanted)) {
+            setCurrentIndex(m_model->index(row, 0));
+            return;
+        }
+    }
 }
 
 void DlgFltrFind::ResizeListBox::selectionChanged(QItemSelection const &selected, QItemSelection const &deselected) {

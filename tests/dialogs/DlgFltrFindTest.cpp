@@ -164,6 +164,11 @@ TEST_F(FilterFind, IsWorkedByTheKeyboardAlone) {
                       QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
                   }
                   QTest::keyClick(&hands.find, Qt::Key_PageDown);
+                  for (char const *typed : {"r", "n", "re"}) { // by the name, not by the line
+                      QTest::keyClicks(&hands.list, typed);
+                      EXPECT_EQ(hands.list.currentIndex().row(), typed[0] == 'n' ? 0 : 1);
+                      hands.list.keyboardSearch({});
+                  }
                   QTest::keyClick(&hands.list, Qt::Key_A, Qt::ControlModifier);
                   QTest::keyClick(&hands.list, Qt::Key_Return);
               }),
