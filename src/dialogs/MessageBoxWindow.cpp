@@ -11,6 +11,7 @@
 #include <QtGui/QClipboard>
 #include <QtGui/QCloseEvent>
 #include <QtGui/QFontInfo>
+#include <QtGui/QPainter>
 #include <QtGui/QScreen>
 #include <QtGui/QTextLayout>
 #include <QtWidgets/QApplication>
