@@ -21,6 +21,7 @@ namespace {
 
 constexpr int kLargePicture = 32;
 constexpr char kStyle[] = "zelvarButtonStyle";
+constexpr char kMoreButton[] = "qt_toolbar_ext_button"; ///< Qt's own, for what has no room
 constexpr char kTip[] = "zelvarButtonTip";
 
 /// The command of an element; 0 for a separator.
@@ -44,10 +45,9 @@ CZelToolBar::CZelToolBar(DString const &title, int id, QWidget *parent) : QToolB
     setAccessibleName(platform::ToQString(title));
     platform::SetDlgCtrlID(*this, id);
     setIconSize(QSize(platform::kSmallPicture, platform::kSmallPicture));
-    if (auto *const more = findChild<QToolButton *>(QStringLiteral("qt_toolbar_ext_button"))) {
+    if (auto *const more = findChild<QToolButton *>(kMoreButton)) {
         more->setAccessibleName(QStringLiteral("More buttons"));
         more->setToolTip(more->accessibleName());
-        more->setFocusPolicy(Qt::NoFocus); // the arrows come to it
         more->installEventFilter(this);
     }
     connect(this, &QToolBar::orientationChanged, this, [this](Qt::Orientation orientation) {
@@ -263,7 +263,7 @@ QList<QWidget *> CZelToolBar::Stops() const {
     for (QAction *const action : actions())
         if (QWidget *const stop = StopOf(widgetForAction(action)); stop != nullptr && !action->isSeparator())
             stops.append(stop);
-    stops.append(findChild<QToolButton *>(QStringLiteral("qt_toolbar_ext_button")));
+    stops.append(findChild<QToolButton *>(kMoreButton));
     stops.removeIf([this](QWidget const *stop) {
         return stop == nullptr || !stop->isVisibleTo(this) || !stop->isEnabledTo(this);
     });
@@ -279,6 +279,8 @@ void CZelToolBar::UpdateReach() {
     for (QAction *const action : actions())
         if (auto *const button = qobject_cast<QToolButton *>(StopOf(widgetForAction(action))))
             button->setFocusPolicy(button == m_reach ? Qt::TabFocus : Qt::NoFocus);
+    if (auto *const more = findChild<QToolButton *>(kMoreButton))
+        more->setFocusPolicy(more == m_reach ? Qt::TabFocus : Qt::NoFocus);
 }
 
 bool CZelToolBar::Walk(QWidget *from, int key) {

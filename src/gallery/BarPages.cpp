@@ -1,6 +1,19 @@
+#include "zelvar/base/XMLNode.h"
+#include "zelvar/controls/CZelComboBox.h"
+#include "zelvar/controls/CZelDockBar.h"
+#include "zelvar/controls/CZelImageList.h"
 #include "zelvar/controls/CZelPropList.h"
+#include "zelvar/controls/CZelToolBar.h"
+#include "zelvar/controls/CZelToolbarComboBoxButton.h"
 #include "zelvar/gallery/Gallery.h"
 #include "zelvar/gallery/PageForm.h"
+#include "zelvar/platform/ui/Text.h"
+
+#include <QtGui/QPainter>
+#include <QtWidgets/QListWidget>
+#include <QtWidgets/QMainWindow>
+
+#include <algorithm>
 
 namespace zelvar::gallery {
 
@@ -73,11 +86,255 @@ QWidget *MakePropListPage() {
     return page;
 }
 
+enum Commands : int { kOpen = 7101, kSave, kPan, kZoom, kMeasure, kGrid, kScale, kPrint };
+enum Icons : unsigned { kOpenIcon = 7101, kSaveIcon, kPanIcon, kZoomIcon, kMeasureIcon, kGridIcon, kPrintIcon };
+
+void RegisterIcons() {
+    CZelImageList::RegisterIcon(kOpenIcon, "zelvar-open", "folder");
+    CZelImageList::RegisterIcon(kSaveIcon, "zelvar-save", "drive");
+    CZelImageList::RegisterIcon(kPanIcon, "zelvar-pan", "home");
+    CZelImageList::RegisterIcon(kZoomIcon, "zelvar-zoom", "image");
+    CZelImageList::RegisterIcon(kMeasureIcon, "zelvar-measure", "vector");
+    CZelImageList::RegisterIcon(kGridIcon, "zelvar-grid", "table");
+    CZelImageList::RegisterIcon(kPrintIcon, "zelvar-print", "file");
+}
+
+/// Stands for the view of an image: a gradient with the scale written over it.
+class View : public QWidget {
+public:
+    View() {
+        setFocusPolicy(Qt::StrongFocus);
+        setAccessibleName(QStringLiteral("Image"));
+    }
+    void SetGrid(bool on) {
+        m_grid = on;
+        update();
+    }
+
+protected:
+    void paintEvent(QPaintEvent *) override {
+        QPainter painter(this);
+        QRadialGradient spot(rect().center(), width() / 2.0 + 1);
+        spot.setColorAt(0, QColor(90, 150, 240));
+        spot.setColorAt(1, QColor(8, 12, 30));
+        painter.fillRect(rect(), spot);
+        painter.setPen(QColor(255, 255, 255, 70));
+        constexpr int kStep = 32;
+        for (int x = kStep; m_grid && x < width(); x += kStep)
+            painter.drawLine(x, 0, x, height());
+        for (int y = kStep; m_grid && y < height(); y += kStep)
+            painter.drawLine(0, y, width(), y);
+        if (hasFocus()) {
+            painter.setPen(QPen(palette().color(QPalette::Highlight), 2));
+            painter.drawRect(rect().adjusted(1, 1, -1, -1));
+        }
+    }
+    void focusInEvent(QFocusEvent *) override { update(); }
+    void focusOutEvent(QFocusEvent *) override { update(); }
+
+private:
+    bool m_grid = false;
+};
+
+CZelDockBar *AddBar(QMainWindow &window, Qt::DockWidgetArea side, char const *title, int id,
+                    std::initializer_list<char const *> lines) {
+    auto *const bar = new CZelDockBar(title, id);
+    auto *const list = new QListWidget;
+    list->setAccessibleName(QString::fromUtf8(title));
+    list->setSizeAdjustPolicy(QAbstractScrollArea::AdjustToContents); // most of the room is the image's
+    for (char const *const line : lines)
+        list->addItem(QString::fromUtf8(line));
+    bar->setWidget(list);
+    bar->Dock(window, side);
+    return bar;
+}
+
+CZelToolBar *AddTools(QMainWindow &window, CZelImageList const &images) {
+    auto *const bar = new CZelToolBar("Tools", 7201);
+    bar->SetImages(&images);
+    bar->InsertButton(kOpen, 0, "&Open…", "Open an image");
+    bar->InsertButton(kSave, 1, "&Save", "Save the image");
+    bar->EnableButton(kSave, false);
+    bar->SetButtonShortcut(kOpen, QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_O));
+    bar->AddSeparator();
+    bar->InsertButton(kPan, 2, "&Pan");
+    bar->InsertButton(kZoom, 3, "&Zoom");
+    bar->InsertButton(kMeasure, 4, "&Measure");
+    for (int const id : {kPan, kZoom, kMeasure})
+        bar->SetButtonStyle(id, CZelToolBar::TBBS_CHECKGROUP);
+    bar->PressButton(kPan);
+    window.addToolBar(bar);
+    return bar;
+}
+
+CZelToolBar *AddViewBar(QMainWindow &window, CZelImageList const &images) {
+    auto *const bar = new CZelToolBar("View", 7202);
+    bar->SetImages(&images);
+    bar->InsertButton(kGrid, 5, "&Grid", "Lines over the image");
+    bar->SetButtonStyle(kGrid, CZelToolBar::TBBS_CHECKBOX);
+    auto *const scale = new CZelToolbarComboBoxButton(kScale, "Scale", 7);
+    for (char const *const text : {"25 %", "50 %", "100 %", "200 %"})
+        scale->AddItem(text);
+    scale->SelectItem("100 %");
+    bar->AddComboBox(scale);
+    bar->InsertButton(kPrint, 6, "P&rint");
+    window.addToolBar(bar);
+    return bar;
+}
+
+/// What the page's buttons act on; a child of the page.
+class Bars : public QMainWindow {
+public:
+    explicit Bars(PageForm &page) : m_page(page) {
+        RegisterIcons();
+        m_images.Create();
+        for (unsigned const icon : {kOpenIcon, kSaveIcon, kPanIcon, kZoomIcon, kMeasureIcon, kGridIcon, kPrintIcon})
+            m_images.GetIcon(icon, nullptr);
+        setWindowFlags(Qt::Widget); // a part of the page
+        auto *const view = new View;
+        setCentralWidget(view);
+        m_tools = AddTools(*this, m_images);
+        m_view = AddViewBar(*this, m_images);
+        AddBar(*this, Qt::LeftDockWidgetArea, "Layers", 7301, {"Nuclei", "Membranes", "Background"});
+        auto *const channels =
+            AddBar(*this, Qt::RightDockWidgetArea, "Channels", 7302, {"DAPI 461 nm", "GFP 509 nm", "Cy5 670 nm"});
+        AddBar(*this, Qt::RightDockWidgetArea, "History", 7303, {"Opened", "Segmented", "Measured"})
+            ->AttachToTabWnd(*channels);
+        channels->raise();
+        for (CZelToolBar *const bar : {m_tools, m_view})
+            connect(bar, &CZelToolBar::Command, this, [this, bar, view](int id) {
+                if (id == kGrid)
+                    view->SetGrid(bar->IsButtonPressed(kGrid));
+                DString const name = platform::ToDString(bar->GetButton(id)->iconText());
+                m_page.Say(id == kScale ? "Scale is " + CZelToolbarComboBoxButton::GetByCmd(kScale)->GetText()
+                                        : "Command " + std::to_string(id) + ", " + name);
+            });
+    }
+    void Save() {
+        m_saved = CZelDockBar::SaveState(*this)->SaveText();
+        m_page.Say(std::to_string(m_saved.size()) + " bytes: " + Split(m_saved, '\n').at(2));
+    }
+    void Restore() {
+        XMLNode root;
+        bool const done = root.LoadText(m_saved) && CZelDockBar::LoadState(*this, root);
+        m_page.Say(done ? "The saved layout is back" : "No layout has been saved");
+    }
+    void ShowBars(bool show) {
+        for (CZelDockBar *const bar : CZelDockBar::BarsOf(*this))
+            bar->ShowControlBar(show);
+    }
+    void EnableLarge(bool large) {
+        m_tools->EnableLargeIcons(large);
+        m_view->EnableLargeIcons(large);
+    }
+    void ShowTexts(bool show) {
+        m_tools->SetTextPlace(show ? CZelToolBar::TextPlace::Below : CZelToolBar::TextPlace::None);
+        m_view->SetTextPlace(show ? CZelToolBar::TextPlace::Beside : CZelToolBar::TextPlace::None);
+    }
+
+private:
+    PageForm &m_page;
+    CZelImageList m_images;
+    CZelToolBar *m_tools; ///< a child
+    CZelToolBar *m_view;  ///< a child
+    DString m_saved;
+};
+
+QWidget *MakeBarsPage() {
+    auto *const page = new PageForm;
+    auto *const bars = new Bars(*page);
+    page->AddWide("Bars around an image", bars, true);
+    page->AddButton("Save layout", [bars] { bars->Save(); });
+    page->AddButton("Restore layout", [bars] { bars->Restore(); });
+    page->AddSwitch("Bars", true, [bars](bool on) { bars->ShowBars(on); });
+    page->AddSwitch("Large", false, [bars](bool on) { bars->EnableLarge(on); });
+    page->AddSwitch("Texts", false, [bars](bool on) { bars->ShowTexts(on); });
+    page->Say("F6 walks the bars, arrows walk in a tool bar; captions and tool bars can be dragged");
+    return page;
+}
+
+/// Pictures of an image list in rows, each with what stands below it.
+class PictureSheet : public QWidget {
+public:
+    PictureSheet() {
+        RegisterIcons();
+        m_images.Create();
+        for (unsigned const number : CZelImageList::RegisteredIcons())
+            Put(m_images.GetIcon(number, nullptr), std::to_string(number));
+        ColorRef const black = Rgb(0, 0, 0);
+        for (ColorRef const color : {Rgb(220, 40, 30), Rgb(240, 200, 40), Rgb(40, 160, 70), Rgb(40, 90, 220)}) {
+            Put(m_images.GetCircleSmall(color, black), "small");
+            Put(m_images.GetCircle(color, black, false), "circle");
+            Put(m_images.GetCircle(color, black, true), "dotted");
+            Put(m_images.GetRect(color, black), "rect");
+        }
+    }
+    [[nodiscard]] int Count() const { return static_cast<int>(m_cells.size()); }
+    void SetSide(int side) {
+        m_images.SetPictureSide(side);
+        update();
+    }
+    void Enable(bool enabled) {
+        m_enabled = enabled;
+        update();
+    }
+
+protected:
+    void paintEvent(QPaintEvent *) override {
+        QPainter painter(this);
+        int const side = m_images.GetPictureSide();
+        int const line = fontMetrics().height();
+        int const cellWidth = std::max(side, fontMetrics().horizontalAdvance(QStringLiteral("000000"))) + line;
+        int const cellHeight = side + line + line / 2;
+        int const columns = std::max(1, width() / cellWidth);
+        painter.setPen(palette().color(m_enabled ? QPalette::Active : QPalette::Disabled, QPalette::WindowText));
+        for (int i = 0; i < Count(); ++i) {
+            Cell const &cell = m_cells[static_cast<std::size_t>(i)];
+            QRect const box(i % columns * cellWidth, i / columns * cellHeight, cellWidth, cellHeight);
+            m_images.Draw(painter, {box.left() + (cellWidth - side) / 2, box.top() + 2}, cell.index, m_enabled);
+            painter.drawText(box.adjusted(0, side + 2, 0, 0), Qt::AlignHCenter | Qt::AlignTop,
+                             platform::ToQString(cell.text));
+        }
+    }
+
+private:
+    struct Cell {
+        int index = 0;
+        DString text{};
+    };
+    void Put(int index, DString text) { m_cells.push_back({index, std::move(text)}); }
+
+    CZelImageList m_images;
+    std::vector<Cell> m_cells;
+    bool m_enabled = true;
+};
+
+QWidget *MakeImageListPage() {
+    auto *const page = new PageForm;
+    auto *const sheet = new PictureSheet;
+    auto *const side = new CZelComboBox;
+    for (char const *const text : {"16", "24", "32", "48"})
+        side->AddString(text);
+    side->setMinimumContentsLength(4);
+    side->SetCurSel(0);
+    QObject::connect(side, &QComboBox::currentIndexChanged, page, [page, sheet, side] {
+        sheet->SetSide(side->currentText().toInt());
+        page->Say("Drawn " + side->GetWindowText() + " pixels wide; the indexes are the same");
+    });
+    page->Add("&Side of the pictures", side);
+    page->AddWide("Pictures of the list", sheet, true);
+    page->AddSwitch("Enabled", true, [sheet](bool on) { sheet->Enable(on); });
+    page->Say(std::to_string(sheet->Count()) + " pictures: registered icons by their numbers, and shapes");
+    return page;
+}
+
 } // namespace
 
 std::vector<Page> BarPages() {
     return {
         {"prop-list", "Property list", "CZelPropList CZelProp", MakePropListPage},
+        {"bars", "Bars", "CZelDockBar CZelToolBar CZelToolbarComboBoxButton", MakeBarsPage},
+        {"image-list", "Image list", "CZelImageList", MakeImageListPage},
     };
 }
 

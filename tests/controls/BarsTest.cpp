@@ -300,6 +300,20 @@ TEST(CZelToolBar, TabComesToOneButtonAndArrowsWalkOverThoseThatCanBePressed) {
     EXPECT_EQ(buttons.told, std::vector<int>{kMeasure});
     bar.EnableButton(kMeasure, false);
     EXPECT_EQ(reachable(), std::vector<int>{kPan}) << "what Tab came to cannot be pressed any more";
+    QApplication::processEvents();
+    test::Shot(bar, "tool-bar-right-to-left");
+    bar.setLayoutDirection(Qt::LeftToRight);
+    bar.EnableLargeIcons(true);
+    bar.SetTextPlace(CZelToolBar::TextPlace::Below);
+    QApplication::processEvents();
+    bar.resize(bar.sizeHint().width() * 2 / 3, bar.sizeHint().height());
+    auto *const more = bar.findChild<QToolButton *>("qt_toolbar_ext_button");
+    ASSERT_TRUE(test::Eventually([&] { return more->isVisible(); }));
+    test::Shot(bar, "tool-bar-narrow");
+    buttons.Button(kPan)->setFocus();
+    EXPECT_EQ(press(Qt::Key_End), more) << "the way to those that have no room";
+    bar.EnableButton(kPan, false);
+    EXPECT_EQ(more->focusPolicy(), Qt::TabFocus) << "nothing else is left to come to";
 }
 
 TEST(CZelToolbarComboBoxButton, AllBoxesOfACommandShowTheSameChoice) {
