@@ -5,13 +5,16 @@
 #include <QtCore/QFile>
 #include <QtCore/QTimer>
 #include <QtGui/QKeyEvent>
+#include <QtGui/QMouseEvent>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QVBoxLayout>
+
+#include <charconv>
 
 namespace zelvar::tool {
 
 ChartWindow::ChartWindow(ChartCtrl &chart, DString const &title, std::function<void()> picked)
-    : m_picked(std::move(picked)) {
+    : m_chart(chart), m_picked(std::move(picked)) {
     m_messages.On(WM_CHART_SELECTED, this, &ChartWindow::OnSelected);
     setWindowTitle(platform::ToQString(title));
     auto *const layout = new QVBoxLayout(this);
@@ -21,11 +24,41 @@ ChartWindow::ChartWindow(ChartCtrl &chart, DString const &title, std::function<v
     chart.setFocus();
 }
 
+bool ChartWindow::SetClicks(std::vector<DString> const &clicks) {
+    for (DString const &click : clicks) {
+        Point point;
+        char const *const end = click.data() + click.size();
+        auto const x = std::from_chars(click.data(), end, point.x);
+        if (x.ec != std::errc{} || x.ptr == end || *x.ptr != ',')
+            return false;
+        if (auto const y = std::from_chars(x.ptr + 1, end, point.y); y.ec != std::errc{} || y.ptr != end)
+            return false;
+        m_clicks.push_back(point);
+    }
+    return true;
+}
+
+void ChartWindow::Click() {
+    for (Point const &point : m_clicks) {
+        QPointF const at(point.x, point.y);
+        for (QEvent::Type const type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
+            bool const isPress = type == QEvent::MouseButtonPress;
+            QMouseEvent event(type, at, m_chart.mapToGlobal(at), Qt::LeftButton,
+                              isPress ? Qt::LeftButton : Qt::NoButton, Qt::NoModifier);
+            QApplication::sendEvent(&m_chart, &event);
+        }
+        QApplication::sendPostedEvents(this);
+    }
+}
+
 bool ChartWindow::Run(bool attended, DString const &shot) {
     m_shot = shot;
     show();
-    if (!attended)
-        QTimer::singleShot(0, this, &QWidget::close);
+    QTimer::singleShot(0, this, [this, attended] {
+        Click();
+        if (!attended)
+            close();
+    });
     QApplication::exec();
     return m_isShotWritten;
 }

@@ -6,6 +6,7 @@
 #include <QtWidgets/QWidget>
 
 #include <functional>
+#include <vector>
 
 namespace zelvar::tool {
 
@@ -15,6 +16,8 @@ public:
     /// The chart becomes the window's; `picked` is called for each selection.
     ChartWindow(ChartCtrl &chart, DString const &title, std::function<void()> picked);
 
+    /// Points of the chart that are clicked once it is shown, "X,Y" each in pixels. False if one is written otherwise.
+    bool SetClicks(std::vector<DString> const &clicks);
     /// Shows the window until it is closed, or, where nobody could close it, until it has been painted. A picture goes
     /// to `shot` unless it is empty; false if it cannot be written.
     bool Run(bool attended, DString const &shot);
@@ -25,7 +28,11 @@ protected:
     void keyPressEvent(QKeyEvent *event) override; ///< Escape closes
 
 private:
+    void Click();
+
+    ChartCtrl &m_chart;
     std::function<void()> m_picked;
+    std::vector<Point> m_clicks{};
     platform::MessageMap m_messages;
     DString m_shot;
     bool m_isShotWritten = true;

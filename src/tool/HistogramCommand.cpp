@@ -17,9 +17,10 @@ namespace zelvar::tool {
 namespace {
 
 CommandSpec const kSpec{
-    .usage = "histogram FILE [--band N | --column C] [--slots N] [--print] [--shot FILE.png] [--size WxH]",
+    .usage = "histogram FILE [--band N | --column C] [--slots N] [--print] [--click X,Y]... [--shot FILE.png] "
+             "[--size WxH]",
     .flags = {"--print"},
-    .values = {"--band", "--column", "--slots", "--shot", "--size"},
+    .values = {"--band", "--column", "--slots", "--click", "--shot", "--size"},
     .minArguments = 1,
     .maxArguments = 1,
 };
@@ -104,6 +105,8 @@ int RunHistogram(std::vector<DString> const &words, int &argc, char **argv) {
             std::puts("none");
         std::fflush(stdout);
     });
+    if (!window.SetClicks(arguments->All("--click")))
+        return UsageError(kSpec, "a click is written as 120,80");
     window.resize(size->width, size->height);
     bool const shown = window.Run(attended, arguments->Value("--shot"));
     ZelvarShutdown();

@@ -19,9 +19,10 @@ namespace zelvar::tool {
 namespace {
 
 CommandSpec const kSpec{
-    .usage = "plot FILE --x COLUMN --y COLUMN [--line] [--shot FILE.png] [--size WxH]",
+    .usage = "plot FILE --x COLUMN --y COLUMN [--line] [--click X,Y]... [--shot FILE.png] "
+             "[--size WxH]",
     .flags = {"--line"},
-    .values = {"--x", "--y", "--shot", "--size"},
+    .values = {"--x", "--y", "--click", "--shot", "--size"},
     .minArguments = 1,
     .maxArguments = 1,
 };
@@ -91,6 +92,8 @@ int RunPlot(std::vector<DString> const &words, int &argc, char **argv) {
             std::printf("%s\t%.10g\t%.10g\n", point->info.c_str(), point->x, point->y);
         std::fflush(stdout);
     });
+    if (!window.SetClicks(arguments->All("--click")))
+        return UsageError(kSpec, "a click is written as 120,80");
     window.resize(size->width, size->height);
     bool const shown = window.Run(attended, arguments->Value("--shot"));
     ZelvarShutdown();

@@ -46,6 +46,18 @@ TEST_F(ChartCommands, PicturesAreTakenWithoutAScreen) {
     EXPECT_EQ(Zelvar({"plot", m_table, "--x", "name", "--y", "y"}, "QT_QPA_PLATFORM=offscreen").exitCode, 1);
 }
 
+TEST_F(ChartCommands, WhatIsClickedIsPrinted) {
+    Outcome const histogram = Zelvar({"histogram", m_table, "--column", "x", "--slots", "2", "--click", "100,150",
+                                      "--click", "230,150", "--click", "299,1", "--size", "300x200"},
+                                     "QT_QPA_PLATFORM=offscreen");
+    EXPECT_EQ(histogram.out, "1\t3\t2\n3\t5\t2\nnone\n") << histogram.err;
+    Outcome const plot = Zelvar(
+        {"plot", m_table, "--x", "x", "--y", "y", "--size", "400x300", "--click", "140,209", "--click", "380,30"},
+        "QT_QPA_PLATFORM=offscreen");
+    EXPECT_EQ(plot.out, "2\t2\t20\n5\t5\t50\n") << plot.err;
+    EXPECT_EQ(Zelvar({"plot", m_table, "--x", "x", "--y", "y", "--click", "1;1"}).exitCode, 2);
+}
+
 TEST_F(ChartCommands, APageOfTheGalleryCanBeShown) {
     DString const shot = m_folder / "thematic.png";
     Outcome const outcome = Zelvar({"gallery", "--page", "thematic", "--shot", shot}, "QT_QPA_PLATFORM=offscreen");
