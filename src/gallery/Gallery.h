@@ -25,6 +25,7 @@ struct Page {
 [[nodiscard]] std::vector<Page> BarPages();
 [[nodiscard]] std::vector<Page> ChartPages();
 [[nodiscard]] std::vector<Page> MessagePages();
+[[nodiscard]] std::vector<Page> ListPages();
 [[nodiscard]] std::vector<Page> ThematicPages();
 [[nodiscard]] std::vector<Page> DrawingPages();
 [[nodiscard]] std::vector<Page> LayoutPages();

@@ -15,6 +15,7 @@ int RunSave(std::vector<DString> const &words, int &argc, char **argv);
 int RunHistogram(std::vector<DString> const &words, int &argc, char **argv);
 int RunPlot(std::vector<DString> const &words, int &argc, char **argv);
 int RunAsk(std::vector<DString> const &words, int &argc, char **argv);
+int RunTable(std::vector<DString> const &words, int &argc, char **argv);
 int RunGallery(std::vector<DString> const &words, int &argc, char **argv);
 
 /// "zelvar <what>: <why>" and the subcommand's usage on stderr; `kUsage`.

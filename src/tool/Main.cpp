@@ -24,6 +24,12 @@ constexpr char kUsageText[] =
     "      [--press NAME] [--check] [--shot FILE.png]        ask a question, print the button pressed\n"
     "  gallery [--page NAME] [--shot FILE.png] [--size WxH] | gallery --list\n"
     "                                                        controls to play with; the pages with their classes\n"
+    "  table FILE [--layer NAME] [--sort COLUMN [--descending]] [--rows N] [--print] [--select ROW] [--shot FILE.png]\n"
+    "       [--size WxH]\n"
+    "                                                        rows of a table, the first N of them; ROW is one's ID\n"
+    "                                                        from 0. Sorted, large numbers come first and texts go\n"
+    "                                                        from A to Z; --descending turns that round\n"
+    "  gallery [--page NAME] [--shot FILE.png] [--size WxH]  controls to play with\n"
     "KIND: raster (default of open), thematic, attributes, metadata (open only), table, tiff, xml, project, "
     "workspace,\n"
     "process, ruleset, solution, all.\n"
@@ -53,6 +59,8 @@ int Run(int argc, char **argv) {
         return RunPlot(words, argc, argv);
     if (command == "ask")
         return RunAsk(words, argc, argv);
+    if (command == "table")
+        return RunTable(words, argc, argv);
     if (command == "gallery")
         return RunGallery(words, argc, argv);
     if (command == "--help" || command == "help") {

@@ -1,0 +1,320 @@
+#include "zelvar/data/ADIFile.h"
+#include "zelvar/data/BDIMoniker.h"
+#include "zelvar/data/reader/DriverModule.h"
+#include "zelvar/library/ZelvarInit.h"
+#include "zelvar/lists/CADIListCtrl.h"
+#include "zelvar/lists/core/CellCache.h"
+#include "zelvar/platform/ui/Text.h"
+#include "zelvar/tool/Commands.h"
+#include "zelvar/tool/FirstPaint.h"
+#include "zelvar/tool/Screen.h"
+#include "zelvar/tool/TableColumns.h"
+
+#include <QtCore/QFile>
+#include <QtCore/QLocale>
+#include <QtCore/QTimer>
+#include <QtGui/QClipboard>
+#include <QtGui/QKeyEvent>
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QVBoxLayout>
+
+#include <algorithm>
+#include <charconv>
+#include <cstdio>
+#include <functional>
+#include <limits>
+#include <memory>
+
+namespace zelvar::tool {
+
+namespace {
+
+CommandSpec const kSpec{
+    .usage = "table FILE [--layer NAME] [--sort COLUMN [--descending]] [--rows N] [--print] [--select ROW] "
+             "[--shot FILE.png] [--size WxH]",
+    .flags = {"--descending", "--print"},
+    .values = {"--layer", "--sort", "--rows", "--select", "--shot", "--size"},
+    .minArguments = 1,
+    .maxArguments = 1,
+};
+
+constexpr int kAll = std::numeric_limits<int>::max();
+constexpr int kFittedColumns = 100;
+constexpr int kWidestFitted = 300; // pixels
+constexpr int kCaptionMargin = 24; // pixels beside a caption, the sort mark included
+
+/// What is asked for beside the file.
+struct Wish {
+    int sortCol = -1; ///< of the list: 0 is "ID"; -1 for the order of the file
+    bool ascending = true;
+    int select = -1; ///< id
+};
+
+/// The first rows of a file's table.
+class FirstRows : public ADIFile {
+public:
+    FirstRows(DString const &file, DString const &options, int most)
+        : ADIFile(DFile(file), "", tdFormatAccess_Read, nullptr, options.c_str()), m_most(most) {}
+    [[nodiscard]] bool SetRow(int row) override { return row < m_most && ADIFile::SetRow(row); }
+
+private:
+    int m_most;
+};
+
+std::optional<int> WholeNumber(DString const &text) {
+    int number = 0;
+    auto const [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    bool const isWhole = error == std::errc{} && end == text.data() + text.size();
+    return isWhole && number >= 0 ? std::optional(number) : std::nullopt;
+}
+
+// --- lines for scripts ---
+
+void AppendCell(DString &line, int col, std::string_view text) {
+    line += col == 0 ? "" : "\t";
+    line += EscapeControlBytes(text);
+}
+
+void PrintLine(DString &line) {
+    line += '\n';
+    std::fwrite(line.data(), 1, line.size(), stdout);
+    line.clear();
+}
+
+/// As the file has them, from row `first` on.
+int PrintAsRead(IAttrData &table, int first, int most) {
+    int printed = 0;
+    for (DString line; printed < most && table.SetRow(first + printed); ++printed) {
+        for (int col = 0; col < table.GetNumCols(); ++col)
+            AppendCell(line, col, table.GetText(col));
+        PrintLine(line);
+    }
+    return printed;
+}
+
+int PrintSorted(IAttrData &table, Wish const &wish) {
+    CellCache cache;
+    cache.SetStride(static_cast<std::size_t>(table.GetNumCols()));
+    while (table.SetRow(cache.Rows())) {
+        cache.AddRow();
+        for (int col = 0; col < table.GetNumCols(); ++col)
+            cache.AddCell(table.GetText(col));
+    }
+    std::ignore = cache.Sort(wish.sortCol - 1, wish.ascending, {});
+    int printed = 0;
+    DString line;
+    for (int position = 0; position < cache.Rows(); ++position) {
+        int const id = cache.IdAt(position);
+        if (wish.select >= 0 && id != wish.select)
+            continue;
+        for (int col = 0; col < table.GetNumCols(); ++col)
+            AppendCell(line, col, cache.Cell(id, col));
+        PrintLine(line);
+        ++printed;
+    }
+    return printed;
+}
+
+int PrintTable(IAttrData &table, Wish const &wish) {
+    DString head;
+    for (int col = 0; col < table.GetNumCols(); ++col)
+        AppendCell(head, col, table.GetColName(col));
+    PrintLine(head);
+    int const printed = wish.sortCol >= 0  ? PrintSorted(table, wish)
+                        : wish.select >= 0 ? PrintAsRead(table, wish.select, 1)
+                                           : PrintAsRead(table, 0, kAll);
+    if (table.HasFailed())
+        return Failure("the table could not be read to its end");
+    return printed == 0 ? kNothing : kDone;
+}
+
+// --- the window ---
+
+/// The list, which copies the selected rows and says when it has read some.
+class ShownTable : public CADIListCtrl {
+public:
+    ShownTable(IAttrData *table, std::function<void()> changed) : CADIListCtrl(table), m_changed(std::move(changed)) {}
+
+    /// The selected rows that have been read, a line each.
+    [[nodiscard]] DString SelectedLines() {
+        DString lines;
+        for (int row = GetFrstSlct(); row >= 0 && row < GetCacheRows(); row = GetNextItem(row, LVNI_SELECTED)) {
+            for (int col = 1; col < GetNumCol(); ++col)
+                lines += (col == 1 ? "" : "\t") + EscapeControlBytes(OnGetItemText(row, col));
+            lines += '\n';
+        }
+        return lines;
+    }
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override {
+        if (event->matches(QKeySequence::Copy))
+            QApplication::clipboard()->setText(platform::ToQString(SelectedLines()));
+        else
+            CADIListCtrl::keyPressEvent(event);
+    }
+    // Whatever changes what there is to be seen ends in a paint.
+    void paintEvent(QPaintEvent *event) override {
+        CADIListCtrl::paintEvent(event);
+        QTimer::singleShot(0, this, [this] { m_changed(); });
+    }
+
+private:
+    std::function<void()> m_changed;
+};
+
+/// A window of one table. It takes its picture when it closes.
+class TableWindow : public QWidget {
+public:
+    TableWindow(IAttrData *table, DString const &title, WindowSize size)
+        : m_list(*new ShownTable(table, [this] { SayRows(); })), m_rows(*new QLabel) {
+        setWindowTitle(platform::ToQString(title));
+        m_list.ModifyStyle(0, LVS_SHOWSELALWAYS);
+        m_list.SetExtendedStyle(LVS_EX_HEADERDRAGDROP | LVS_EX_LABELTIP);
+        m_list.setAccessibleName(platform::ToQString(title));
+        m_list.AddAllColumns();
+        m_rows.setTextInteractionFlags(Qt::TextSelectableByMouse);
+        m_rows.setContentsMargins(6, 2, 6, 4);
+        auto *const layout = new QVBoxLayout(this);
+        layout->setContentsMargins(0, 0, 0, 0);
+        layout->setSpacing(0);
+        layout->addWidget(&m_list, 1);
+        layout->addWidget(&m_rows);
+        resize(size.width, size.height);
+        m_list.resize(size.width, size.height);
+        m_list.setFocus();
+    }
+
+    /// Reads what the first page shows, or all of it for a sort. False if there is no row to select.
+    [[nodiscard]] bool Prepare(Wish const &wish) {
+        m_list.SetNumRow(std::max(m_list.GetCountPerPage(), std::min(wish.select, kAll - 1)) + 1, 0);
+        std::ignore = m_list.OnGetItemText(0, 0);
+        if (wish.sortCol >= 0) {
+            m_list.Sort(wish.sortCol, wish.ascending);
+            m_list.GetLastSort() = LastSort(wish.sortCol, wish.ascending);
+            m_list.SetSortMark(wish.sortCol, wish.ascending);
+        }
+        FitColumns();
+        SayRows();
+        if (wish.select < 0)
+            return true;
+        for (int position = 0; position < m_list.GetCacheRows(); ++position)
+            if (m_list.GetID(position) == wish.select) {
+                m_list.SetItemState(position, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
+                m_toBeSeen = position;
+                return true;
+            }
+        return false;
+    }
+    /// Until it is closed or, where nobody could close it, painted. False if the picture cannot be written.
+    bool Run(bool attended, DString const &shot) {
+        m_shot = shot;
+        TraceFirstPaint(*this);
+        show();
+        m_list.EnsureVisible(m_toBeSeen);
+        if (!attended)
+            QTimer::singleShot(0, this, &QWidget::close);
+        QApplication::exec();
+        return m_isShotWritten;
+    }
+
+protected:
+    void closeEvent(QCloseEvent *event) override {
+        SayRows();
+        if (!m_shot.empty())
+            m_isShotWritten = grab().save(QFile::decodeName(m_shot.c_str()), "PNG");
+        QWidget::closeEvent(event);
+    }
+    void keyPressEvent(QKeyEvent *event) override {
+        if (event->key() == Qt::Key_Escape)
+            close();
+        else
+            QWidget::keyPressEvent(event);
+    }
+
+private:
+    void FitColumns() {
+        for (int col = 0; col < std::min(m_list.GetNumCol(), kFittedColumns); ++col) {
+            int const caption = m_list.fontMetrics().horizontalAdvance(platform::ToQString(m_list.GetColCaption(col)));
+            m_list.SetColumnWidth(col, LVSCW_AUTOSIZE);
+            int const width = std::max(m_list.GetColumnWidth(col), caption + kCaptionMargin);
+            m_list.SetColumnWidth(col, std::min(width, kWidestFitted));
+        }
+    }
+    void SayRows() {
+        QString const count = QLocale(QLocale::English).toString(m_list.GetCacheRows());
+        QString const text = m_list.IsReadThrough() ? QStringLiteral("%1 rows").arg(count)
+                                                    : QStringLiteral("%1 rows read so far").arg(count);
+        if (m_rows.text() != text)
+            m_rows.setText(text);
+    }
+
+    ShownTable &m_list; ///< a child
+    QLabel &m_rows;     ///< a child
+    int m_toBeSeen = 0; ///< row
+    DString m_shot;
+    bool m_isShotWritten = true;
+};
+
+int ShowTable(std::unique_ptr<IAttrData> table, DString const &title, WindowSize size, Wish const &wish, bool attended,
+              DString const &shot) {
+    TableWindow window(table.release(), title, size);
+    if (!window.Prepare(wish)) {
+        std::ignore = Failure(Format("there is no row %d", wish.select));
+        return kNothing;
+    }
+    return window.Run(attended, shot) ? kDone : Failure("cannot write '" + shot + "'");
+}
+
+} // namespace
+
+int RunTable(std::vector<DString> const &words, int &argc, char **argv) {
+    DString error;
+    std::optional<Arguments> const arguments = ParseArguments(kSpec, words, error);
+    if (!arguments)
+        return UsageError(kSpec, error);
+    std::optional<WindowSize> const size = ParseSize(arguments->Value("--size", "900x600"));
+    std::optional<int> const rows = WholeNumber(arguments->Value("--rows", std::to_string(kAll)));
+    std::optional<int> const select = WholeNumber(arguments->Value("--select", "0"));
+    if (!size)
+        return UsageError(kSpec, "a size is written as 640x480");
+    if (!rows || !select)
+        return UsageError(kSpec, "rows are whole numbers from 0");
+    if (arguments->Has("--descending") && !arguments->values.contains("--sort"))
+        return UsageError(kSpec, "--descending needs --sort");
+
+    // The readers start while the toolkit does.
+    UseReaderDrivers();
+    WarmReaders();
+    bool const printsOnly = arguments->Has("--print");
+    bool const attended = printsOnly || ChoosePlatform();
+    std::optional<QApplication> application;
+    if (!printsOnly) {
+        application.emplace(argc, argv);
+        AvoidTypewriter();
+        ZelvarInit();
+    }
+    DString const &file = arguments->words.front();
+    DString const layer = arguments->Value("--layer");
+    auto table = std::make_unique<FirstRows>(file, layer.empty() ? "" : "LAYER=" + layer, *rows);
+    if (!table->IsOpen())
+        return Failure("cannot read '" + file + "'" + (table->GetError().empty() ? "" : ": " + table->GetError()));
+    Wish wish{.ascending = !arguments->Has("--descending")};
+    if (arguments->values.contains("--select"))
+        wish.select = *select;
+    if (arguments->values.contains("--sort")) {
+        DString const name = arguments->Value("--sort");
+        wish.sortCol = FindColumn(*table, name) + 1;
+        if (wish.sortCol == 0 && name != "ID")
+            return Failure("there is no column '" + name + "'");
+    }
+    if (printsOnly)
+        return PrintTable(*table, wish);
+    int const result = ShowTable(std::move(table), BDIMoniker(file, nullptr).GetDisplayName(), *size, wish, attended,
+                                 arguments->Value("--shot"));
+    ZelvarShutdown();
+    return result;
+}
+
+} // namespace zelvar::tool
