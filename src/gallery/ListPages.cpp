@@ -55,8 +55,11 @@ public:
     MeasurementList(IAttrData *table, PageForm const &page) : CADIListCtrl(table), m_page(page) {
         AddAllColumns();
         for (int col = 1; col < GetNumCol(); ++col)
-            SetColWidth(col, 120);
-        SetNumRow(1, 0);
+            SetColWidth(col, DString("touches the border  "));
+        constexpr int firstPage = 64; // rows
+        SetNumRow(firstPage, 0);
+        std::ignore = OnGetItemText(0, 0);
+        Tell();
     }
     void Tell() {
         DString const read = Format("%d rows", GetCacheRows());
@@ -141,6 +144,8 @@ QWidget *MakeListPage() {
         list->SetColText(2, sample.megabytes, 2);
         list->SetItemGroup(list->GetCrntRow(), sample.group);
     }
+    list->ResizeColToFit();
+    list->SetColWidth(2, DString("Size [MB] at most"));
     list->SetSlct(2, true);
     page->AddWide("Samples", list, true);
     page->Say("Double-click a sample or a stain to edit it");
@@ -224,6 +229,8 @@ QWidget *MakeFlexListPage() {
         list->SetItemText(row, 2, channel.note);
         ++row;
     }
+    for (int col = 0; col < 3; ++col)
+        list->SetColumnWidth(col, LVSCW_AUTOSIZE_USEHEADER);
     page->AddWide("Channels", list, true);
     page->Say("Headings sort; a double-click edits a name or a wavelength");
     QObject::connect(list, &CListCtrlFlex::EndLabelEdit, page, [page, list](LabelEditNotify const *notify) {

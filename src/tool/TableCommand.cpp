@@ -297,7 +297,7 @@ int RunTable(std::vector<DString> const &words, int &argc, char **argv) {
     }
     DString const &file = arguments->words.front();
     DString const layer = arguments->Value("--layer");
-    auto table = std::make_unique<FirstRows>(file, layer.empty() ? "" : "LAYER=" + layer, *rows);
+    auto table = std::make_unique<FirstRows>(file, layer.empty() ? "" : "LAYER=" + PercentEncoded(layer), *rows);
     if (!table->IsOpen())
         return Failure("cannot read '" + file + "'" + (table->GetError().empty() ? "" : ": " + table->GetError()));
     Wish wish{.ascending = !arguments->Has("--descending")};

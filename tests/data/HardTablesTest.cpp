@@ -13,6 +13,7 @@ namespace zelvar {
 namespace {
 
 using Lines = std::vector<DString>;
+using std::string_literals::operator""s;
 
 /// Tables that somebody else wrote, badly or with bad intent.
 class HardTables : public test::TablesTest {
@@ -95,22 +96,52 @@ TEST_F(HardTables, EncodingsAreThoseThatTheFileStates) {
         ASSERT_TRUE(table.SetRow(40'001)); // half a character at the end is none
         EXPECT_FALSE(table.SetRow(40'002));
     }
-    // dBASE: by the byte for the language (3 Windows, 2 what came before it), or by a file beside it.
-    DString const dbf = WriteDbf("a.dbf", "\xE4\x84");
-    std::filesystem::remove(m_folder / "a.cpg");
-    for (auto const &[language, page, shown] : std::initializer_list<std::tuple<char, char const *, char const *>>{
-             {'\x03', "", "\xC3\xA4\xE2\x80\x9E"},
-             {'\x02', "", "\xC3\xB5\xC3\xA4"},
-             {'\x57', "1251", "\xD0\xB4\xE2\x80\x9E"},
-             {'\x00', "UTF-8", "\xEF\xBF\xBD\xEF\xBF\xBD"}}) {
-        std::fstream file(dbf, std::ios::in | std::ios::out | std::ios::binary);
-        file.seekp(29).put(language);
-        file.close();
+}
+
+TEST_F(HardTables, EncodingsOfDBaseAreThoseOfTheCodePageBesideOrOfTheByteForTheLanguage) {
+    struct Case {
+        char language;    ///< 3 Windows, 2 what came before it, 0x57 "ANSI", 0x65 Russian before Windows
+        char const *page; ///< content of the file beside it; null for none
+        DString bytes;
+        DString shown;
+    };
+    DString const wrong = "\xEF\xBF\xBD";
+    DString const both = "\xC3\xA4\xE2\x80\x9E"; // a German letter and a quote
+    DString const russian = "\xD1\x84\xD0\x94";
+    for (Case const &c : {Case{'\x03', nullptr, "\xE4\x84", both},
+                          {'\x02', nullptr, "\xE4\x84", "\xC3\xB5\xC3\xA4"},
+                          {'\x57', nullptr, "\xE4\x84", both},
+                          {'\x65', nullptr, "\xE4\x84", russian},
+                          {'\x57', "1251", "\xE4\x84", "\xD0\xB4\xE2\x80\x9E"},
+                          {'\x00', "1252", "\xE4\x84", both},
+                          {'\x00', "CP1252", "\x81\xE4", wrong + "\xC3\xA4"}, // the first one is none
+                          {'\x00', "ANSI 1252", "\xE4\x84", both},
+                          {'\x00', "ISO-8859-1", "\xE4", "\xC3\xA4"},
+                          {'\x00', "CP866\r\n", "\xE4\x84", russian},
+                          {'\x00', "SJIS", "\x93\xFA\x93", "\xE6\x97\xA5" + wrong},
+                          {'\x00', "UTF-8", "\xE4 \xC3\xA4", wrong + " \xC3\xA4"},
+                          {'\x00', "nonsense", "\xE4 \xC3\xA4", wrong + " \xC3\xA4"},
+                          {'\x03', "nonsense", "\xE4\x84", both},
+                          {'\x00', nullptr, "\xE4 \xC3\xA4", wrong + " \xC3\xA4"}}) {
+        DString const dbf = WriteDbf("a.dbf", c.bytes);
+        std::fstream(dbf, std::ios::in | std::ios::out | std::ios::binary).seekp(29).put(c.language);
         std::filesystem::remove(m_folder / "a.cpg");
-        if (*page != '\0')
-            m_folder.Write("a.cpg", page);
-        EXPECT_EQ(Read(dbf), (Lines{"t:3", shown})) << int{language} << page;
+        if (c.page != nullptr)
+            m_folder.Write("a.cpg", c.page);
+        EXPECT_EQ(Read(dbf), (Lines{"t:3", c.shown})) << int{c.language} << (c.page == nullptr ? "" : c.page);
     }
+    EXPECT_EQ(Read(WriteDbf("b.dbf", "\x84") + "?ENCODING=CP866"), (Lines{"t:3", "\xD0\x94"}));
+}
+
+TEST_F(HardTables, CellsKeepWhateverBytesTheyHold) {
+    DString const head(5000, 'x'); // or the NUL would make it no text
+    DString const large(1'000'000, 'y');
+    ADIFile table = Open(m_folder.Write("a.csv", "t,u\n" + head + ",1\n\"a\0b\r\n\tc\",2\n"s + large + ",3\n"));
+    ASSERT_TRUE(table.SetRow(1)) << table.GetError();
+    EXPECT_EQ(table.GetText(0), "a\0b\r\n\tc"s);
+    ASSERT_TRUE(table.SetRow(2));
+    EXPECT_EQ(table.GetText(0), large);
+    EXPECT_FALSE(table.SetRow(3));
 }
 
 TEST_F(HardTables, AFileThatClaimsMoreRowsThanItHasEndsWhereItsDataEnds) {

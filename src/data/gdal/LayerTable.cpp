@@ -1,18 +1,24 @@
 #include "zelvar/data/gdal/LayerTable.h"
 
+#include <cpl_conv.h>
 #include <cpl_error.h>
+#include <cpl_string.h>
 #include <gdal.h>
 #include <ogr_api.h>
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <tuple>
+#include <utility>
 
 namespace zelvar::gdal {
 
 namespace {
 
 constexpr std::size_t kLongestName = 1024;
+constexpr char const *kEncodingOption = "ENCODING";
+constexpr char const *kEncodingSetting = "SHAPE_ENCODING"; // of this thread; empty for texts as they are
 
 template <class Number>
 DString ShortestText(Number value) {
@@ -27,17 +33,66 @@ void LayerTable::DestroyFeature::operator()(void *feature) const { OGR_F_Destroy
 
 std::unique_ptr<LayerTable> LayerTable::Open(Source const &source, Format const *only, StopSignal const *stop,
                                              DError *error) {
-    OpenedSource opened = gdal::Open(source, GDAL_OF_VECTOR, only, error);
-    if (!opened)
-        return nullptr;
     GdalScope const scope(source.reach);
     std::unique_ptr<LayerTable> table(new LayerTable(source.reach, stop));
-    table->m_dataset = std::move(opened.dataset);
-    table->m_format = opened.format;
-    if (!table->ChooseLayer(source.layer, error))
+    if (!table->OpenLayer(source, only, error))
         return nullptr;
+    if (DString const encoding = table->StatedEncoding(source); !encoding.empty()) {
+        table->m_recoder = TextRecoder::Create(encoding);
+        if (table->m_recoder != nullptr && !table->OpenUncoded(source))
+            return nullptr;
+    }
     table->DescribeColumns();
     return table;
+}
+
+bool LayerTable::OpenLayer(Source const &source, Format const *only, DError *error) {
+    OpenedSource opened = gdal::Open(source, GDAL_OF_VECTOR, only, error);
+    if (!opened)
+        return false;
+    m_dataset = std::move(opened.dataset);
+    m_format = opened.format;
+    return ChooseLayer(source.layer, error);
+}
+
+/// What a dBASE table says of its texts, where that is not UTF-8: an option of the moniker, the file with the code page
+/// beside it, the byte for the language. A statement that means nothing counts as none.
+DString LayerTable::StatedEncoding(Source const &source) const {
+    if (m_format->id != "ESRI Shapefile")
+        return {};
+    auto const stated = [this](char const *name) {
+        char const *const text = GDALGetMetadataItem(m_layer, name, "SHAPEFILE");
+        return DString(text == nullptr ? "" : text);
+    };
+    DString encoding = stated("SOURCE_ENCODING");
+    bool const isChosen = std::any_of(source.options.begin(), source.options.end(), [](auto const &option) {
+        return EqualNoCase(option.first, kEncodingOption) && !option.second.empty();
+    });
+    constexpr std::string_view ansi = "ANSI ";
+    if (DString const page = stated("CPG_VALUE"); encoding.empty() && StartsWithNoCase(page, ansi))
+        encoding = "CP" + page.substr(ansi.size());
+    if (encoding.empty() || TextRecoder::Create(encoding) == nullptr)
+        encoding = stated("ENCODING_FROM_LDID");
+    // "Windows ANSI" is not Latin-1: characters stand where that has none.
+    if (!isChosen && stated("CPG_VALUE").empty() && stated("LDID_VALUE") == "87")
+        encoding = "CP1252";
+    return EqualNoCase(encoding, CPL_ENC_UTF8) ? DString() : encoding;
+}
+
+/// Opens the same table again, its texts as the file has them.
+bool LayerTable::OpenUncoded(Source const &source) {
+    Source plain = source;
+    std::erase_if(plain.options, [](auto const &option) { return EqualNoCase(option.first, kEncodingOption); });
+    CPLSetThreadLocalConfigOption(kEncodingSetting, ""); // until the end of the scope
+    return OpenLayer(plain, m_format, nullptr);
+}
+
+void LayerTable::AppendRecoded(DString &out, char const *text, std::size_t most) const {
+    std::string_view const bytes = text == nullptr ? "" : text;
+    if (m_recoder == nullptr)
+        AppendText(out, bytes, most);
+    else
+        AppendText(out, m_recoder->ToUtf8(DString(bytes)), most);
 }
 
 bool LayerTable::ChooseLayer(DString const &name, DError *error) {
@@ -65,8 +120,7 @@ void LayerTable::DescribeColumns() {
         OGRFieldType const type = OGR_Fld_GetType(field);
         bool const isWhole = type == OFTInteger || type == OFTInteger64;
         ADIColumn column;
-        char const *const name = OGR_Fld_GetNameRef(field);
-        AppendText(column.name, name == nullptr ? "" : name, kLongestName);
+        AppendRecoded(column.name, OGR_Fld_GetNameRef(field), kLongestName);
         column.type = isWhole ? ADICol_Int : type == OFTReal ? ADICol_Double : ADICol_String;
         m_columns.push_back(std::move(column));
         Field::Kind const real = OGR_Fld_GetSubType(field) == OFSTFloat32 ? Field::Kind::Real32 : Field::Kind::Real;
@@ -97,7 +151,7 @@ bool LayerTable::Append(ADIRows &rows) const {
         int const field = static_cast<int>(i);
         if (OGR_F_IsFieldSetAndNotNull(m_feature.get(), field) != 0) {
             if (m_fields[i].kind == Field::Kind::Text)
-                AppendText(rows.texts, OGR_F_GetFieldAsString(m_feature.get(), field), ADIDriver::kMostCellBytes);
+                AppendRecoded(rows.texts, OGR_F_GetFieldAsString(m_feature.get(), field), ADIDriver::kMostCellBytes);
             else
                 rows.texts += RealText(i);
         }

@@ -2,6 +2,7 @@
 
 #include "zelvar/data/gdal/OpenTable.h"
 #include "zelvar/data/gdal/Source.h"
+#include "zelvar/data/gdal/TextRecoder.h"
 
 #include <memory>
 
@@ -31,6 +32,10 @@ private:
     };
 
     LayerTable(Reach reach, StopSignal const *stop) : OpenTable(reach, stop) {}
+    [[nodiscard]] bool OpenLayer(Source const &source, Format const *only, DError *error);
+    [[nodiscard]] DString StatedEncoding(Source const &source) const;
+    [[nodiscard]] bool OpenUncoded(Source const &source);
+    void AppendRecoded(DString &out, char const *text, std::size_t most) const;
     [[nodiscard]] bool ChooseLayer(DString const &name, DError *error);
     void DescribeColumns();
     [[nodiscard]] DString RealText(std::size_t column) const;
@@ -39,6 +44,7 @@ private:
     void *m_layer = nullptr; ///< GDAL's handle, the data set's
     Format const *m_format = nullptr;
     std::vector<Field> m_fields;
+    std::unique_ptr<TextRecoder> m_recoder;          ///< of texts as the file has them; null where they come in UTF-8
     std::unique_ptr<void, DestroyFeature> m_feature; ///< the row read last
 };
 
