@@ -56,6 +56,9 @@ void CADIListCtrl::AddAllColumns() {
         if (!OnFilterCol(col, name))
             continue;
         m_columns.push_back(col);
+        // Line ends would make the headings as high as the window.
+        std::replace_if(
+            name.begin(), name.end(), [](char c) { return static_cast<unsigned char>(c) < ' '; }, ' ');
         AddCol(name, ADICol_String, false, kWidth, LVCFMT_LEFT);
     }
     m_cache.SetStride(m_columns.size());

@@ -270,12 +270,12 @@ protected:
 
 TEST_F(CADIListFiles, ALargeFileShowsItsFirstPageAndIsReadOnAsNeeded) {
     DString text = "\xEF\xBB\xBF"
-                   "id,\xC3\xA4\n";
+                   "id,\"\xC3\xA4\n\n\"\n";
     for (int row = 0; row < 20'000; ++row)
         text += std::to_string(row) + ",\"line\r\none\t\xFF"
                                       "two\"\n";
     auto const list = ListOf(m_folder.Write("a.csv", text));
-    EXPECT_EQ(list->GetColCaption(2), "\xC3\xA4");
+    EXPECT_EQ(list->GetColCaption(2), "\xC3\xA4  "); // in one line
     EXPECT_EQ(list->OnGetItemText(19, 2), "line\r\none\t\xEF\xBF\xBD"
                                           "two");
     EXPECT_EQ(list->GetCacheRows(), 20);

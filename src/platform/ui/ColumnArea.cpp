@@ -8,6 +8,7 @@
 #include <QtWidgets/QScrollBar>
 
 #include <algorithm>
+#include <utility>
 
 namespace zelvar::platform {
 
@@ -93,7 +94,12 @@ int ColumnArea::InsertColumn(int col, DString const &caption, int format, int wi
     m_model->Insert(at, {caption, format, 0, subItem < 0 ? at : subItem});
     m_header->resizeSection(at, std::max(width, 0));
     ColumnInserted(at);
-    PlaceHeader();
+    // To ask the header for its height costs as much as a hundred columns: of many it is asked once, behind the last.
+    constexpr int few = 8;
+    if (GetColumnCount() <= few)
+        PlaceHeader();
+    else if (!std::exchange(m_isHeaderDue, true))
+        QMetaObject::invokeMethod(this, &ColumnArea::PlaceHeader, Qt::QueuedConnection);
     ColumnsChanged();
     return at;
 }
@@ -206,6 +212,7 @@ void ColumnArea::UpdateHorizontalBar() {
 }
 
 void ColumnArea::PlaceHeader() {
+    m_isHeaderDue = false;
     int const height = m_header->isHidden() ? 0 : m_header->sizeHint().height();
     if (viewportMargins().top() != height)
         setViewportMargins(0, height, 0, 0);

@@ -65,7 +65,8 @@ private:
     void PlaceHeader();
 
     std::unique_ptr<Model> m_model;
-    QHeaderView *m_header; ///< a child
+    QHeaderView *m_header;      ///< a child
+    bool m_isHeaderDue = false; ///< to be placed anew behind the events that are waiting
 };
 
 } // namespace zelvar::platform
