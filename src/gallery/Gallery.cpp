@@ -12,7 +12,8 @@ namespace zelvar::gallery {
 std::vector<Page> const &Pages() {
     static std::vector<Page> const pages = [] {
         std::vector<Page> all;
-        for (auto const family : {ChartPages, ListPages, ThematicPages, DrawingPages, LayoutPages, BarPages, MessagePages})
+        for (auto const family :
+             {ChartPages, ListPages, ThematicPages, DrawingPages, LayoutPages, BarPages, MessagePages})
             for (Page const &page : family())
                 all.push_back(page);
         return all;

@@ -13,7 +13,6 @@ namespace zelvar {
 namespace {
 
 using Lines = std::vector<DString>;
-using std::string_literals::operator""s;
 
 /// Tables that somebody else wrote, badly or with bad intent.
 class HardTables : public test::TablesTest {
@@ -136,9 +135,10 @@ TEST_F(HardTables, EncodingsOfDBaseAreThoseOfTheCodePageBesideOrOfTheByteForTheL
 TEST_F(HardTables, CellsKeepWhateverBytesTheyHold) {
     DString const head(5000, 'x'); // or the NUL would make it no text
     DString const large(1'000'000, 'y');
-    ADIFile table = Open(m_folder.Write("a.csv", "t,u\n" + head + ",1\n\"a\0b\r\n\tc\",2\n"s + large + ",3\n"));
+    DString const odd("a\0b\r\n\tc", 7);
+    ADIFile table = Open(m_folder.Write("a.csv", "t,u\n" + head + ",1\n\"" + odd + "\",2\n" + large + ",3\n"));
     ASSERT_TRUE(table.SetRow(1)) << table.GetError();
-    EXPECT_EQ(table.GetText(0), "a\0b\r\n\tc"s);
+    EXPECT_EQ(table.GetText(0), odd);
     ASSERT_TRUE(table.SetRow(2));
     EXPECT_EQ(table.GetText(0), large);
     EXPECT_FALSE(table.SetRow(3));

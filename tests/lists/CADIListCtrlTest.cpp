@@ -253,6 +253,7 @@ TEST(CADIListCtrl, ThePageIsThereWhereverTheThumbIsDraggedTo) {
     }
     EXPECT_EQ(list.GetNumRow(), 400'000);
     EXPECT_EQ(fate.asks, 400'001); // each row once
+    bar.setValue(bar.maximum());
     stage.Click(399'999);
     EXPECT_EQ(stage.Selected(), "399999");
 }

@@ -4,8 +4,8 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <cstdlib>
+#include <limits>
 #include <random>
 #include <string>
 
@@ -15,6 +15,7 @@ namespace zelvar {
 namespace {
 
 using Texts = std::vector<std::string>;
+constexpr double kInfinite = std::numeric_limits<double>::infinity();
 
 void Fill(CellCache &cache, Texts const &column) {
     cache.SetStride(1);
@@ -63,10 +64,10 @@ TEST(CellOrder, ANumberIsWhatATextBeginsWithAndAWordIsNone) {
                           {"Nantes", 0},
                           {"Information", 0},
                           {"infinite", 0},
-                          {" inf ", INFINITY},
-                          {"-Infinity", -INFINITY},
-                          {"1e999", INFINITY},
-                          {".1e999", INFINITY},
+                          {" inf ", kInfinite},
+                          {"-Infinity", -kInfinite},
+                          {"1e999", kInfinite},
+                          {".1e999", kInfinite},
                           {"-1e-999", 0},
                           {"- 5", 0}})
         EXPECT_EQ(SortNumberOf(c.text), c.number) << c.text;

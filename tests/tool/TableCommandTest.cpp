@@ -23,24 +23,31 @@ protected:
 };
 
 TEST_F(TableCommand, PrintsRowsAsTheFileHasThemOrSorted) {
+    using Rows = std::vector<std::string>;
     struct Case {
         std::vector<std::string> options;
-        std::string rows;
+        Rows rows;
     };
-    std::string const b = "b\t10\n", none = "\t9\n", a = "a\\x09A\\x0D\\x0A\t-2\n", wrong = "\xEF\xBF\xBD\t\n";
-    for (Case const &c : {Case{{}, b + none + a + wrong},
-                          {{"--rows", "2"}, b + none},
-                          {{"--sort", "x"}, b + none + wrong + a},
-                          {{"--sort", "x", "--descending"}, a + wrong + none + b},
-                          {{"--sort", "1"}, none + a + b + wrong},
-                          {{"--sort", "ID"}, wrong + a + none + b},
-                          {{"--sort", "x", "--rows", "2", "--descending"}, none + b},
-                          {{"--select", "2"}, a},
-                          {{"--select", "1", "--sort", "x"}, none}}) {
+    std::string const b = "b\t10";
+    std::string const none = "\t9";
+    std::string const a = "a\\x09A\\x0D\\x0A\t-2";
+    std::string const wrong = "\xEF\xBF\xBD\t";
+    for (Case const &c : {Case{{}, {b, none, a, wrong}},
+                          {{"--rows", "2"}, {b, none}},
+                          {{"--sort", "x"}, {b, none, wrong, a}},
+                          {{"--sort", "x", "--descending"}, {a, wrong, none, b}},
+                          {{"--sort", "1"}, {none, a, b, wrong}},
+                          {{"--sort", "ID"}, {wrong, a, none, b}},
+                          {{"--sort", "x", "--rows", "2", "--descending"}, {none, b}},
+                          {{"--select", "2"}, {a}},
+                          {{"--select", "1", "--sort", "x"}, {none}}}) {
+        std::string expected = "name\tx\n";
+        for (std::string const &row : c.rows)
+            expected += row + "\n";
         std::vector<std::string> words{"table", m_table, "--print"};
         words.insert(words.end(), c.options.begin(), c.options.end());
         Outcome const outcome = Zelvar(words);
-        EXPECT_EQ(outcome.out, "name\tx\n" + c.rows) << testing::PrintToString(c.options);
+        EXPECT_EQ(outcome.out, expected) << testing::PrintToString(c.options);
         EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
     }
 }
