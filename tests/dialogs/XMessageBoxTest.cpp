@@ -34,7 +34,8 @@ constexpr int kIcon = 1000;
 constexpr int kChecked = 0x1000000;
 
 void Key(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
-    QTest::keyClick(QApplication::focusWidget(), key, modifiers);
+    if (QWidget *const focus = QApplication::focusWidget()) // none once the box has ended
+        QTest::keyClick(focus, key, modifiers);
 }
 
 /// Shows a box and lets `act` work it; the answer.
@@ -48,8 +49,14 @@ int Ask(unsigned type, std::function<void(QWidget &)> act, std::string const &te
     EXPECT_TRUE(*done);
     return answer;
 }
-int Press(unsigned type, int id) {
-    return Ask(type, [id](QWidget &box) { test::Click(GetDlgItem(box, id)); });
+/// The same with controls that are clicked and keys that are pressed then.
+int AnswerTo(unsigned type, std::vector<int> const &clicked, std::vector<Qt::Key> const &keys = {}) {
+    return Ask(type, [&](QWidget &box) {
+        for (int const id : clicked)
+            test::Click(GetDlgItem(box, id));
+        for (Qt::Key const key : keys)
+            Key(key);
+    });
 }
 QPlainTextEdit &TextOf(QWidget &box) { return *GetDlgItem<QPlainTextEdit>(box, kText); }
 
@@ -70,38 +77,23 @@ TEST(XMessageBox, EachButtonOfEachSetGivesItsId) {
                           {15, {1}}};
     for (Case const &c : cases)
         for (int const id : c.ids) {
-            EXPECT_EQ(Press(c.set, id), id) << c.set;
-            EXPECT_EQ(Press(c.set | MB_HELP | MB_DONTASKAGAIN | MB_ICONQUESTION, id), id) << c.set; // none is cut off
+            EXPECT_EQ(AnswerTo(c.set, {id}), id) << c.set;
+            EXPECT_EQ(AnswerTo(c.set | MB_HELP | MB_DONTASKAGAIN | MB_ICONQUESTION, {id}), id) << c.set;
         }
 }
 
 TEST(XMessageBox, EscapeAndTheFrameDoWhatTheSetAllows) {
-    struct Case {
-        unsigned set;
-        bool allowed;
-    };
-    for (auto const &[set, allowed] : {Case{MB_OK, false}, Case{MB_OKCANCEL, true}, Case{MB_YESNO, false},
-                                       Case{MB_YESNOCANCEL, true}, Case{MB_FILEEXISTS, true}}) {
+    for (auto const &[set, answer] :
+         {std::pair{MB_OK, 1}, {MB_OKCANCEL, 2}, {MB_YESNO, 6}, {MB_YESNOCANCEL, 2}, {MB_FILEEXISTS, 2}}) {
+        EXPECT_EQ(AnswerTo(set, {}, {Qt::Key_Escape, Qt::Key_Return}), answer); // Return if it is still there
         EXPECT_EQ(Ask(set,
-                      [allowed](QWidget &box) {
-                          EXPECT_EQ((box.windowFlags() & Qt::WindowCloseButtonHint) != 0, allowed);
-                          Key(Qt::Key_Escape);
-                          EXPECT_EQ(box.isVisible(), !allowed);
-                          if (!allowed)
-                              Key(Qt::Key_Return);
-                      }),
-                  allowed        ? 2
-                  : set == MB_OK ? 1
-                                 : 6);
-        EXPECT_EQ(Ask(set,
-                      [](QWidget &box) {
+                      [cancels = answer == 2](QWidget &box) {
+                          EXPECT_EQ((box.windowFlags() & Qt::WindowCloseButtonHint) != 0, cancels);
                           box.close();
-                          if (box.isVisible())
-                              Key(Qt::Key_Space);
+                          EXPECT_EQ(box.isVisible(), !cancels);
+                          Key(Qt::Key_Space);
                       }),
-                  allowed        ? 2
-                  : set == MB_OK ? 1
-                                 : 6);
+                  answer);
     }
 }
 
@@ -116,35 +108,24 @@ TEST(XMessageBox, TheCheckMarkIsInTheAnswerWhereTheBoxWasShown) {
                       Key(Qt::Key_Y); // mnemonics need no Alt
                   }),
               6 + kChecked);
-    EXPECT_EQ(Ask(MB_OKCANCEL | MB_DONTASKAGAIN,
-                  [](QWidget &box) {
-                      test::Click(GetDlgItem(box, kCheck));
-                      Key(Qt::Key_Escape);
-                  }),
-              2 + kChecked);
-    EXPECT_EQ(Press(MB_YESNO | MB_DONTASKAGAIN, 7), 7);
-    EXPECT_EQ(Ask(MB_YESNO,
-                  [](QWidget &box) {
-                      EXPECT_EQ(GetDlgItem(box, kCheck), nullptr);
-                      Key(Qt::Key_N);
-                  }),
-              7);
+    EXPECT_EQ(AnswerTo(MB_OKCANCEL | MB_DONTASKAGAIN, {kCheck}, {Qt::Key_Escape}), 2 + kChecked);
+    EXPECT_EQ(AnswerTo(MB_YESNO | MB_DONTASKAGAIN, {kCheck, kCheck}, {Qt::Key_N}), 7);
+    EXPECT_EQ(AnswerTo(MB_YESNO, {}, {Qt::Key_N}), 7);
 }
 
-TEST(XMessageBox, TheDefaultButtonHasTheFocusAndReturnPressesTheFocusedOne) {
-    EXPECT_EQ(Ask(MB_YESNOCANCEL | MB_DEFBUTTON2,
+TEST(XMessageBox, IsReadOutWithTitleAndTextAndReturnPressesTheFocusedButton) {
+    EXPECT_EQ(Ask(MB_YESNOCANCEL | MB_DEFBUTTON2 | MB_ICONQUESTION,
                   [](QWidget &box) {
+                      QAccessibleInterface *const window = QAccessible::queryAccessibleInterface(&box);
+                      EXPECT_EQ(window->text(QAccessible::Name), "Question");
+                      EXPECT_EQ(window->text(QAccessible::Description), "Is it?");
                       EXPECT_TRUE(GetDlgItem(box, 7)->hasFocus());
                       EXPECT_TRUE(GetDlgItem<QPushButton>(box, 7)->isDefault());
+                      test::Shot(box, "box-question");
                       Key(Qt::Key_Return);
                   }),
               7);
-    EXPECT_EQ(Ask(MB_YESNO | MB_DEFBUTTON4, // of two: the first
-                  [](QWidget &) {
-                      Key(Qt::Key_Tab);
-                      Key(Qt::Key_Return);
-                  }),
-              7);
+    EXPECT_EQ(AnswerTo(MB_YESNO | MB_DEFBUTTON4, {}, {Qt::Key_Tab, Qt::Key_Return}), 7); // of two: the first
 }
 
 TEST(XMessageBox, IsMadeFromItsTemplate) {
@@ -232,9 +213,7 @@ TEST(XMessageBox, CopiesWhatIsSelectedOrAll) {
         MB_YESNO,
         [](QWidget &box) {
             Key(Qt::Key_C, Qt::ControlModifier);
-            EXPECT_TRUE(QApplication::clipboard()->text().contains("\nQuestion\n"));
             EXPECT_TRUE(QApplication::clipboard()->text().contains("\n<b>Is it?</b>\n"));
-            EXPECT_TRUE(QApplication::clipboard()->text().contains("\nYes   No   \n"));
             test::Click(TextOf(box).viewport());
             Key(Qt::Key_Home, Qt::ControlModifier);
             Key(Qt::Key_Right, Qt::ShiftModifier);
@@ -280,17 +259,6 @@ TEST(XMessageBox, ALongTextWrapsAndScrollsWithTheButtonsInSight) {
             },
             text);
     }
-}
-
-TEST(XMessageBox, IsReadOutWithTitleTextAndFocus) {
-    Ask(MB_YESNO | MB_ICONQUESTION, [](QWidget &box) {
-        QAccessibleInterface *const window = QAccessible::queryAccessibleInterface(&box);
-        EXPECT_EQ(window->text(QAccessible::Name), "Question");
-        EXPECT_EQ(window->text(QAccessible::Description), "Is it?");
-        EXPECT_TRUE(GetDlgItem(box, 6)->hasFocus());
-        test::Shot(box, "box-question");
-        Key(Qt::Key_Y);
-    });
 }
 
 TEST(XMessageBox, TheStopSignOnTopOfAllIsThePlatformsBox) {
@@ -340,7 +308,7 @@ TEST(XMessageBox, WithoutMemoryItSaysSoAndIsCancelled) {
 TEST(XMessageBox, ABoxInABoxAndADyingParentDoNoHarm) {
     EXPECT_EQ(Ask(MB_YESNOCANCEL | MB_DONTASKAGAIN,
                   [](QWidget &outer) {
-                      EXPECT_EQ(Press(MB_CONTINUEABORT, 10), 10);
+                      EXPECT_EQ(AnswerTo(MB_CONTINUEABORT, {10}), 10);
                       EXPECT_TRUE(outer.isVisible());
                       test::Click(GetDlgItem(outer, kCheck));
                       test::Click(GetDlgItem(outer, 7));
