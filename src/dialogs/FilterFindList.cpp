@@ -4,6 +4,8 @@
 #include "zelvar/platform/ui/ControlId.h"
 #include "zelvar/platform/ui/Text.h"
 
+#include <QtWidgets/QApplication>
+
 #include <algorithm>
 
 namespace zelvar {

@@ -13,7 +13,7 @@ namespace zelvar {
 
 namespace {
 
-constexpr MessageBoxButton kTryAgain[] = {{IDCANCEL, "Cancel"}, {IDTRYAGAIN, "&Try Again"}, {IDCONTINUE, "&Continue"}};
+constexpr MessageBoxButton kTryAgain[] = {{"Cancel", IDCANCEL}, {"&Try Again", IDTRYAGAIN}, {"&Continue", IDCONTINUE}};
 
 /// The platform's sets end at 6, which is not ours.
 MessageBoxSet PlatformSet(unsigned type) {

@@ -4,16 +4,16 @@ namespace zelvar {
 
 namespace {
 
-constexpr MessageBoxButton kOk[] = {{IDOK, "OK"}};
-constexpr MessageBoxButton kOkCancel[] = {{IDOK, "OK"}, {IDCANCEL, "Cancel"}};
-constexpr MessageBoxButton kAbortRetryIgnore[] = {{IDABORT, "&Abort"}, {IDRETRY, "&Retry"}, {IDIGNORE, "&Ignore"}};
-constexpr MessageBoxButton kYesNoCancel[] = {{IDYES, "&Yes"}, {IDNO, "&No"}, {IDCANCEL, "Cancel"}};
-constexpr MessageBoxButton kYesNo[] = {{IDYES, "&Yes"}, {IDNO, "&No"}};
-constexpr MessageBoxButton kRetryCancel[] = {{IDRETRY, "&Retry"}, {IDCANCEL, "Cancel"}};
+constexpr MessageBoxButton kOk[] = {{"OK", IDOK}};
+constexpr MessageBoxButton kOkCancel[] = {{"OK", IDOK}, {"Cancel", IDCANCEL}};
+constexpr MessageBoxButton kAbortRetryIgnore[] = {{"&Abort", IDABORT}, {"&Retry", IDRETRY}, {"&Ignore", IDIGNORE}};
+constexpr MessageBoxButton kYesNoCancel[] = {{"&Yes", IDYES}, {"&No", IDNO}, {"Cancel", IDCANCEL}};
+constexpr MessageBoxButton kYesNo[] = {{"&Yes", IDYES}, {"&No", IDNO}};
+constexpr MessageBoxButton kRetryCancel[] = {{"&Retry", IDRETRY}, {"Cancel", IDCANCEL}};
 // Callers go by these numbers, whatever they mean elsewhere.
 constexpr MessageBoxButton kFileExists[] = {
-    {2, "Keep existing", 100}, {3, "Override existing", 100}, {1, "Keep both"}, {4, "Keep recent"}};
-constexpr MessageBoxButton kContinueAbort[] = {{IDTRYAGAIN, "&Continue"}, {IDABORT, "&Abort"}};
+    {"Keep existing", 2, 100}, {"Override existing", 3, 100}, {"Keep both", 1}, {"Keep recent", 4}};
+constexpr MessageBoxButton kContinueAbort[] = {{"&Continue", IDTRYAGAIN}, {"&Abort", IDABORT}};
 
 } // namespace
 

@@ -9,9 +9,9 @@
 namespace zelvar {
 
 struct MessageBoxButton {
-    std::uint16_t id = 0;
     char const *text = ""; ///< with its mnemonic
-    int width = 70;        ///< pixels at a font of 12 pixels
+    std::uint16_t id = 0;
+    int width = 70; ///< pixels at a font of 12 pixels
 };
 
 /// The buttons of a message box, left to right.
