@@ -245,6 +245,7 @@ DString PickedFiles(bool opened, FileDlg const &request) {
     if (!opened)
         return "Cancelled";
     std::vector<DString> texts;
+    texts.reserve(static_cast<std::size_t>(request.GetNumSlctFiles()));
     for (int i = 0; i < request.GetNumSlctFiles(); ++i)
         texts.push_back(request.GetFile(i)->GetDisplayName());
     return Listed(texts);
