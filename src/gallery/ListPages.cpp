@@ -297,9 +297,9 @@ public:
         EnableRghtSlct(true);
         EnableEdit(true);
         InitImages();
-        HTREEITEM const nuclei = AddItem("Nuclei", 1, TVI_ROOT, TVI_LAST);
-        HTREEITEM const tissue = AddItem("Tissue", 2, TVI_ROOT, TVI_LAST);
-        HTREEITEM const files = AddItem("Trained on", 3, TVI_ROOT, TVI_LAST);
+        auto *const nuclei = AddItem("Nuclei", 1, TVI_ROOT, TVI_LAST);
+        auto *const tissue = AddItem("Tissue", 2, TVI_ROOT, TVI_LAST);
+        auto *const files = AddItem("Trained on", 3, TVI_ROOT, TVI_LAST);
         DrawRect(nuclei, Rgb(235, 235, 250), Rgb(70, 70, 160));
         DrawRect(tissue, Rgb(250, 235, 235), Rgb(160, 70, 70));
         std::ignore = DrawIcon(files, kFolderIcon, nullptr);
@@ -345,7 +345,7 @@ private:
         DrawCircle(AddItem(name, 0, parent, TVI_LAST), color, Rgb(90, 90, 90), false);
     }
     void Copy(HTREEITEM item, HTREEITEM target) {
-        HTREEITEM const copy = AddItem(GetItemText(item), GetItemData(item), target, TVI_LAST);
+        auto *const copy = AddItem(GetItemText(item), GetItemData(item), target, TVI_LAST);
         int image = 0;
         int selected = 0;
         if (GetItemImage(item, image, selected))
