@@ -2,6 +2,8 @@
 
 #include "zelvar/platform/ui/Text.h"
 
+#include <QtWidgets/QAbstractItemView>
+
 namespace zelvar {
 
 namespace {
@@ -45,6 +47,21 @@ int CZelComboBox::FindStringExact(DString const &text) const {
     return -1;
 }
 
+int CZelComboBox::FindString(DString const &start, int after) const {
+    int const from = after < 0 || after >= count() ? 0 : after + 1;
+    for (int i = 0; i < count(); ++i)
+        if (int const index = (from + i) % count(); StartsWithNoCase(GetLBText(index), start))
+            return index;
+    return -1;
+}
+
+int CZelComboBox::SelectString(DString const &start, int after) {
+    int const index = FindString(start, after);
+    if (index >= 0)
+        SetCurSel(index);
+    return index;
+}
+
 bool CZelComboBox::SetItemData(int index, std::uint64_t word) {
     if (index < 0 || index >= count())
         return false;
@@ -66,5 +83,9 @@ void CZelComboBox::SetWindowText(DString const &text) {
     else
         setEditText(platform::ToQString(text));
 }
+
+void CZelComboBox::SetTooltip(DString const &text) { setToolTip(platform::ToToolTip(platform::ToQString(text))); }
+void CZelComboBox::SetCueBanner(DString const &text) { setPlaceholderText(platform::ToQString(text)); }
+void CZelComboBox::SetDroppedWidth(int pixels) { view()->setMinimumWidth(pixels); }
 
 } // namespace zelvar

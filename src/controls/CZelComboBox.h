@@ -8,8 +8,9 @@
 
 namespace zelvar {
 
-/// Combo box with texts as `DString` and a word per entry. A path that is not UTF-8 comes back byte for byte: an entry
-/// keeps the text it was made from.
+/// Combo box with texts as `DString` and a word per entry. It adds to the platform's combo box the customary operations
+/// (find, select by text, width of the list, hint of an empty field), and a path that is not UTF-8 comes back byte for
+/// byte: an entry keeps the text it was made from.
 class ZELVAR_API CZelComboBox : public QComboBox {
     Q_OBJECT
 
@@ -28,12 +29,23 @@ public:
     [[nodiscard]] DString GetLBText(int index) const;
     /// The first entry with just this text, -1 for none.
     [[nodiscard]] int FindStringExact(DString const &text) const;
+    /// The first entry after `after` that starts with this text in any letter case, from the top again behind the last
+    /// one; -1 for none.
+    [[nodiscard]] int FindString(DString const &start, int after = -1) const;
+    /// Selects what `FindString` finds; -1 and nothing changed for none.
+    int SelectString(DString const &start, int after = -1);
     bool SetItemData(int index, std::uint64_t word);
     [[nodiscard]] std::uint64_t GetItemData(int index) const;
     /// What the field shows: the chosen entry as it was given, or what was typed.
     [[nodiscard]] DString GetWindowText() const;
     /// Into the edit field, or the entry with that text.
     void SetWindowText(DString const &text);
+    void SetTooltip(DString const &text);
+    /// Shown while nothing is chosen or typed.
+    void SetCueBanner(DString const &text);
+    /// The least width of the open list, pixels.
+    void SetDroppedWidth(int pixels);
+    void ShowDropDown(bool show = true) { show ? showPopup() : hidePopup(); }
 };
 
 } // namespace zelvar

@@ -11,28 +11,68 @@ int CZelTabCtrl::InsertTab(QWidget *page, DString const &label, int index) {
 }
 
 bool CZelTabCtrl::RemoveTab(int index) {
-    if (index < 0 || index >= count())
+    if (!HasTab(index))
         return false;
     removeTab(index);
     return true;
 }
 
+void CZelTabCtrl::RemoveAllTabs() {
+    while (RemoveTab(0)) {
+    }
+}
+
 DString CZelTabCtrl::GetTabLabel(int index) const { return platform::ToDString(tabText(index)); }
 
+bool CZelTabCtrl::SetTabLabel(int index, DString const &label) {
+    if (!HasTab(index))
+        return false;
+    setTabText(index, platform::ToQString(label));
+    return true;
+}
+
+bool CZelTabCtrl::SetTabTooltip(int index, DString const &text) {
+    if (!HasTab(index))
+        return false;
+    setTabToolTip(index, platform::ToToolTip(platform::ToQString(text)));
+    return true;
+}
+
+bool CZelTabCtrl::EnableTab(int index, bool enable) {
+    if (!HasTab(index))
+        return false;
+    setTabEnabled(index, enable);
+    return true;
+}
+
 bool CZelTabCtrl::ShowTab(int index, bool show, bool, bool activate) {
-    if (index < 0 || index >= count())
+    if (!HasTab(index))
         return false;
     setTabVisible(index, show);
     return !show || !activate || SetActiveTab(index);
 }
 
-bool CZelTabCtrl::IsTabVisible(int index) const { return index >= 0 && index < count() && isTabVisible(index); }
+bool CZelTabCtrl::IsTabVisible(int index) const { return HasTab(index) && isTabVisible(index); }
 
 bool CZelTabCtrl::SetActiveTab(int index) {
     if (!IsTabVisible(index))
         return false;
     setCurrentIndex(index);
     return true;
+}
+
+int CZelTabCtrl::GetVisibleTabsNum() const {
+    int visible = 0;
+    for (int index = 0; index < count(); ++index)
+        visible += isTabVisible(index) ? 1 : 0;
+    return visible;
+}
+
+int CZelTabCtrl::GetTabFromWnd(QWidget const *page) const {
+    for (int index = 0; index < count(); ++index)
+        if (widget(index) == page)
+            return index;
+    return -1;
 }
 
 } // namespace zelvar

@@ -6,7 +6,8 @@
 
 namespace zelvar {
 
-/// Tab window: pages under tabs that can be hidden one by one.
+/// Tab window: pages under tabs. It adds to the platform's tab window tabs that can be hidden one by one and keep their
+/// index, the customary operations by index or page, tips, and labels as `DString`.
 class ZELVAR_API CZelTabCtrl : public QTabWidget {
     Q_OBJECT
 
@@ -19,7 +20,12 @@ public:
     /// The page is left without a tab, not deleted.
     bool RemoveTab(int index);
     [[nodiscard]] int GetTabsNum() const { return count(); }
-    [[nodiscard]] DString GetTabLabel(int index) const;
+    void RemoveAllTabs();
+    [[nodiscard]] virtual DString GetTabLabel(int index) const; ///< empty for a tab that does not exist
+    virtual bool SetTabLabel(int index, DString const &label);
+    bool SetTabTooltip(int index, DString const &text);
+    /// A disabled tab is seen but cannot be chosen.
+    bool EnableTab(int index, bool enable = true);
 
     /// Shows or hides a tab; a shown one comes to the front with `activate`. Hiding the active tab brings another one
     /// to the front. The row of tabs is laid out anew at once, so that `recalc` changes nothing. False if there is no
@@ -29,6 +35,14 @@ public:
     /// False for a tab that does not exist or is hidden.
     bool SetActiveTab(int index);
     [[nodiscard]] int GetActiveTab() const { return currentIndex(); } ///< -1 for none
+    [[nodiscard]] int GetVisibleTabsNum() const;
+    // The page of a tab and the tab of a page; null and -1 for none.
+    [[nodiscard]] QWidget *GetTabWnd(int index) const { return widget(index); }
+    [[nodiscard]] QWidget *GetActiveWnd() const { return currentWidget(); }
+    [[nodiscard]] int GetTabFromWnd(QWidget const *page) const;
+
+protected:
+    [[nodiscard]] bool HasTab(int index) const { return index >= 0 && index < count(); }
 };
 
 } // namespace zelvar

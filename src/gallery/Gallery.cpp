@@ -13,7 +13,7 @@ std::vector<Page> const &Pages() {
     static std::vector<Page> const pages = [] {
         std::vector<Page> all;
         for (auto const family :
-             {ChartPages, ListPages, ThematicPages, DrawingPages, LayoutPages, BarPages, MessagePages})
+             {ChartPages, ControlPages, ListPages, ThematicPages, DrawingPages, LayoutPages, BarPages, MessagePages})
             for (Page const &page : family())
                 all.push_back(page);
         return all;

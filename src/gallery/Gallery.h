@@ -24,6 +24,7 @@ struct Page {
 // The pages by family, each in its own source.
 [[nodiscard]] std::vector<Page> BarPages();
 [[nodiscard]] std::vector<Page> ChartPages();
+[[nodiscard]] std::vector<Page> ControlPages();
 [[nodiscard]] std::vector<Page> MessagePages();
 [[nodiscard]] std::vector<Page> ListPages();
 [[nodiscard]] std::vector<Page> ThematicPages();

@@ -1,0 +1,258 @@
+#include "zelvar/controls/CDownBmpButton.h"
+#include "zelvar/controls/CZelButton.h"
+#include "zelvar/controls/CZelColorComboBox.h"
+#include "zelvar/controls/CZelComboBox.h"
+#include "zelvar/controls/CZelCustomButton.h"
+#include "zelvar/controls/CZelImageList.h"
+#include "zelvar/controls/CZelImgComboBox.h"
+#include "zelvar/controls/IconTabCtrl.h"
+#include "zelvar/gallery/Gallery.h"
+#include "zelvar/gallery/PageForm.h"
+#include "zelvar/platform/ui/Text.h"
+
+#include <QtWidgets/QHBoxLayout>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QMenu>
+
+#include <memory>
+
+namespace zelvar::gallery {
+
+namespace {
+
+/// Controls of one kind side by side, the last one disabled as a rule.
+QWidget *SideBySide(std::initializer_list<QWidget *> controls) {
+    auto *const row = new QWidget;
+    auto *const layout = new QHBoxLayout(row);
+    layout->setContentsMargins(0, 0, 0, 0);
+    for (QWidget *control : controls)
+        layout->addWidget(control);
+    layout->addStretch();
+    return row;
+}
+
+template <class Button>
+Button *MakeButton(PageForm &page, char const *text, char const *picture, char const *tip) {
+    auto *const button = new Button;
+    button->SetWindowText(text);
+    button->SetImage(picture);
+    button->SetTooltip(tip);
+    QObject::connect(button, &QPushButton::clicked, &page, [&page, button, said = DString(tip)] {
+        page.Say(said + (button->isCheckable() ? (button->GetCheck() ? ": down" : ": up") : ""));
+    });
+    return button;
+}
+
+QWidget *PlainButtons(PageForm &page) {
+    auto *const add = MakeButton<CZelButton>(page, "Add to fa&vorites", "star", "Adds the folder to the favorites");
+    auto *const above = MakeButton<CZelButton>(page, "Share", "share", "Picture above the text");
+    above->SetImageSide(CZelButton::ImageSide::Above);
+    auto *const recursive = MakeButton<CZelButton>(page, "", "recursive", "With folders below");
+    recursive->SetCheckStyle();
+    auto *const flat = MakeButton<CZelButton>(page, "Flat", "home", "Has a frame under the mouse");
+    flat->SetFlatStyle();
+    auto *const disabled = MakeButton<CZelButton>(page, "Disabled", "star", "Cannot be pressed");
+    disabled->setEnabled(false);
+    return SideBySide({add, above, recursive, flat, disabled});
+}
+
+QWidget *AlignedButtons(PageForm &page) {
+    std::vector<CZelButton *> buttons;
+    for (auto const &[text, align] :
+         {std::pair{"Before", CZelButton::Align::Before}, std::pair{"Center", CZelButton::Align::Center},
+          std::pair{"Behind", CZelButton::Align::Behind}}) {
+        auto *const button = MakeButton<CZelButton>(page, text, "image", text);
+        button->SetAlign(align);
+        button->SetImageSide(align == CZelButton::Align::Behind ? CZelButton::ImageSide::Behind
+                                                                : CZelButton::ImageSide::Before);
+        button->setMinimumWidth(button->sizeHint().width() * 3 / 2);
+        buttons.push_back(button);
+    }
+    return SideBySide({buttons[0], buttons[1], buttons[2]});
+}
+
+QWidget *CustomButtons(PageForm &page) {
+    auto const make = [&page](char const *text, ColorRef top, ColorRef bottom) {
+        auto *const button = MakeButton<CZelCustomButton>(page, text, "", text);
+        button->SetFaceColor(top, bottom);
+        return button;
+    };
+    auto *const run = make("Run the analysis", Rgb(120, 200, 120), Rgb(40, 130, 60));
+    auto *const stop = make("Stop", Rgb(230, 120, 110), Rgb(180, 40, 40));
+    stop->SetRadius(12);
+    stop->SetBorder(Rgb(100, 0, 0), 2);
+    auto *const hover = make("Hover", Rgb(240, 240, 250), Rgb(210, 215, 240));
+    hover->SetHoverColor(Rgb(255, 230, 150), Rgb(250, 200, 80));
+    hover->SetTextHoverColor(Rgb(120, 40, 0));
+    auto *const keep = make("Stays down", Rgb(80, 110, 190), Rgb(40, 60, 130));
+    keep->SetGradientVertical(false);
+    keep->SetCheckStyle();
+    auto *const disabled = make("Disabled", Rgb(120, 200, 120), Rgb(40, 130, 60));
+    disabled->setEnabled(false);
+    return SideBySide({run, stop, hover, keep, disabled});
+}
+
+QWidget *DropButtons(PageForm &page) {
+    auto const make = [&page](char const *tip) {
+        auto *const button = new CDownBmpButton;
+        button->LoadBitmaps("folder", "folder-up", "", "");
+        button->SetTooltip(tip);
+        auto *const menu = new QMenu(button);
+        for (char const *place : {"Microscope", "Satellite", "Archive"})
+            menu->addAction(QString::fromUtf8(place), &page, [&page, place] { page.Say(DString("Menu: ") + place); });
+        button->SetMenu(menu);
+        QObject::connect(button, &CDownBmpButton::clicked, &page, [&page] { page.Say("Picture clicked"); });
+        return button;
+    };
+    auto *const both = make("Opens the last folder; the arrow shows more");
+    auto *const whole = make("Shows a menu wherever it is pressed");
+    whole->SetWholeDropDown(true);
+    auto *const own = make("Tells its owner instead of showing a menu");
+    own->SetMenu(nullptr);
+    own->SetDropDown(true);
+    QObject::connect(own, &CDownBmpButton::DropDown, &page, [&page] { page.Say("Arrow pressed"); });
+    auto *const disabled = make("Disabled");
+    disabled->setEnabled(false);
+    return SideBySide({both, whole, own, disabled});
+}
+
+QWidget *MakeButtonsPage() {
+    auto *const page = new PageForm;
+    page->Add("Buttons", PlainButtons(*page));
+    page->Add("Aligned", AlignedButtons(*page));
+    page->Add("In own colours", CustomButtons(*page));
+    page->Add("With a menu", DropButtons(*page));
+    return page;
+}
+
+/// Pictures for combo boxes and tabs, which share them.
+struct Pictures {
+    Pictures() {
+        list.Create();
+        for (char const *name : {"folder", "image", "table", "vector", "star"})
+            list.Add({.name = name, .fallback = name});
+    }
+    static Pictures &Shared() {
+        static Pictures pictures;
+        return pictures;
+    }
+    CZelImageList list;
+};
+enum PictureIndex : int { kFolder, kImage, kTable, kVector, kStar };
+
+CZelImgComboBox *MakeLayerCombo() {
+    auto *const combo = new CZelImgComboBox;
+    combo->SetImageList(Pictures::Shared().list.GetHandle());
+    combo->AddString("Expedition", kFolder);
+    combo->AddString("Satellite image", kImage, kStar, 1);
+    combo->AddString("Near infrared", kImage, kStar, 2);
+    combo->AddString("Rivers", kVector, kStar, 1);
+    combo->AddString("Stations", kTable, kStar, 1);
+    combo->SetCurSel(1);
+    return combo;
+}
+
+QWidget *MakeCombosPage() {
+    auto *const page = new PageForm;
+    auto const says = [page](CZelComboBox *combo) {
+        QObject::connect(combo, &QComboBox::currentIndexChanged, page,
+                         [page, combo] { page->Say("Chosen: " + combo->GetWindowText()); });
+        return combo;
+    };
+    auto const makePlain = [] {
+        auto *const combo = new CZelComboBox;
+        for (char const *method : {"Nearest neighbour", "Bilinear", "Bicubic", "Lanczos"})
+            combo->AddString(method);
+        combo->setMinimumContentsLength(16);
+        combo->SetCueBanner("Resampling method");
+        return combo;
+    };
+    page->Add("Resampling", says(makePlain()));
+    auto *const edited = makePlain();
+    edited->setEditable(true);
+    page->Add("Typed", says(edited));
+    auto *const layers = MakeLayerCombo();
+    page->Add("Layer", says(layers));
+    auto *const colors = new CZelColorComboBox;
+    colors->EnableAutomatic("Automatic", Rgb(0, 0, 0));
+    colors->SetColor(Rgb(0x2E, 0x8B, 0x57));
+    QObject::connect(colors, &CZelColorComboBox::ColorChanged, page, [page](ColorRef color, bool automatic) {
+        page->Say(automatic ? "Automatic colour" : Format("Colour 0x%06X", color));
+    });
+    page->Add("Colour", colors);
+    std::vector<QWidget *> const controls{edited, layers, colors};
+    page->AddSwitch("Enabled", true, [controls](bool on) {
+        for (QWidget *control : controls)
+            control->setEnabled(on);
+    });
+    auto *const disabledLayers = MakeLayerCombo();
+    disabledLayers->setEnabled(false);
+    page->Add("Disabled", disabledLayers);
+    auto *const disabledColors = new CZelColorComboBox;
+    disabledColors->SetColor(Rgb(255, 0, 0));
+    disabledColors->setEnabled(false);
+    page->Add("Disabled colour", disabledColors);
+    return page;
+}
+
+template <class Tabs>
+void AddTabPages(Tabs &tabs) {
+    struct Tab {
+        char const *label;
+        char const *text;
+        int picture;
+    };
+    for (Tab const &tab :
+         {Tab{"Image", "10,980 by 10,980 pixels, 4 bands of 16 bits", kImage},
+          Tab{"Vectors", "Rivers: 2,310 lines; lakes: 184 areas", kVector},
+          Tab{"Table", "Stations: 96 rows, 12 columns", kTable}, Tab{"Disabled", "Not seen", kFolder}}) {
+        auto *const text = new QLabel(QString::fromUtf8(tab.text));
+        text->setMargin(8);
+        int const index = tabs.AddTab(text, tab.label);
+        if constexpr (std::is_same_v<Tabs, IconTabCtrl>)
+            tabs.SetTabImage(index, tab.picture);
+    }
+    tabs.EnableTab(tabs.GetTabsNum() - 1, false);
+}
+
+QWidget *MakeTabsPage() {
+    auto *const page = new PageForm;
+    auto *const plain = new CZelTabCtrl;
+    auto *const icons = new IconTabCtrl;
+    auto *const small = new IconTabCtrl;
+    for (CZelTabCtrl *tabs : {plain, static_cast<CZelTabCtrl *>(icons), static_cast<CZelTabCtrl *>(small)})
+        QObject::connect(tabs, &QTabWidget::currentChanged, page,
+                         [page, tabs](int index) { page->Say("Shown: " + tabs->GetTabLabel(index)); });
+    AddTabPages(*plain);
+    icons->SetImageList(Pictures::Shared().list.GetHandle());
+    AddTabPages(*icons);
+    small->SetImageList(Pictures::Shared().list.GetHandle());
+    AddTabPages(*small);
+    small->ShowLabels(false);
+    page->AddWide("Tabs", plain, true);
+    page->AddWide("Tabs with pictures", icons, true);
+    page->AddWide("Tabs with pictures only", small, true);
+    page->AddSwitch("Second tab", true, [=](bool on) {
+        plain->ShowTab(1, on, true, false);
+        icons->ShowTab(1, on, true, false);
+        small->ShowTab(1, on, true, false);
+    });
+    page->AddSwitch("Enabled", true, [=](bool on) {
+        plain->setEnabled(on);
+        icons->setEnabled(on);
+        small->setEnabled(on);
+    });
+    return page;
+}
+
+} // namespace
+
+std::vector<Page> ControlPages() {
+    return {
+        {"buttons", "Buttons", "CZelButton CZelCustomButton CDownBmpButton", MakeButtonsPage},
+        {"combos", "Combo boxes", "CZelComboBox CZelImgComboBox CZelColorComboBox", MakeCombosPage},
+        {"tabs", "Tabs", "CZelTabCtrl IconTabCtrl", MakeTabsPage},
+    };
+}
+
+} // namespace zelvar::gallery

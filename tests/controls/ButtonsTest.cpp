@@ -1,0 +1,223 @@
+#include "support/GuiTest.h"
+#include "zelvar/controls/ButtonContent.h"
+#include "zelvar/controls/CDownBmpButton.h"
+#include "zelvar/controls/CZelCustomButton.h"
+#include "zelvar/controls/ControlColors.h"
+
+#include <QtGui/QAccessible>
+#include <QtTest/QSignalSpy>
+#include <QtTest/QTest>
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QMenu>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+namespace zelvar {
+namespace {
+
+using Align = CZelButton::Align;
+using Side = CZelButton::ImageSide;
+
+TEST(ButtonContent, StandsWhereItIsToldAndMirroredWhereOneReadsFromTheRight) {
+    QRect const area(10, 0, 100, 40);
+    QSize const image(16, 16);
+    QSize const text(30, 14);
+    struct Case {
+        Side side;
+        Align align;
+        Qt::LayoutDirection direction;
+        QPoint image;
+        QPoint text;
+    };
+    for (Case const &c : {
+             Case{Side::Before, Align::Before, Qt::LeftToRight, {10, 12}, {30, 13}},
+             Case{Side::Before, Align::Behind, Qt::LeftToRight, {60, 12}, {80, 13}},
+             Case{Side::Before, Align::Center, Qt::LeftToRight, {35, 12}, {55, 13}},
+             Case{Side::Behind, Align::Before, Qt::LeftToRight, {44, 12}, {10, 13}},
+             Case{Side::Above, Align::Center, Qt::LeftToRight, {52, 3}, {45, 23}},
+             Case{Side::Before, Align::Before, Qt::RightToLeft, {94, 12}, {60, 13}},
+         }) {
+        ContentPlaces const expected{.image = QRect(c.image, image), .text = QRect(c.text, text)};
+        EXPECT_EQ(LayOutContent(area, image, text, c.side, c.align, c.direction), expected);
+    }
+    ContentPlaces const narrow = LayOutContent(QRect(0, 0, 40, 20), image, text, Side::Before, Align::Center, {});
+    EXPECT_EQ(narrow.text.width(), 20) << "the text is cut, the picture is not";
+    EXPECT_EQ(LayOutContent(area, QSize(), text, Side::Behind, Align::Before, {}).text.left(), 10);
+}
+
+TEST(CZelButton, APictureAboveTheTextMakesItHigher) {
+    CZelButton button;
+    button.SetWindowText("&Add");
+    button.SetImage("star");
+    QSize const beside = button.sizeHint();
+    button.SetImageSide(Side::Above);
+    EXPECT_GT(button.sizeHint().height(), beside.height());
+    EXPECT_LE(button.sizeHint().width(), beside.width());
+    EXPECT_EQ(button.GetWindowText(), "&Add");
+}
+
+struct CustomButton {
+    CustomButton() {
+        button.SetWindowText("Go");
+        button.SetRadius(0);
+        button.SetFaceColor(Rgb(200, 0, 0));
+        button.SetBorder(Rgb(0, 0, 255), 2);
+        button.resize(100, 40);
+        button.show();
+    }
+    QColor Face() { return test::ColorAt(button, {50, 5}); }
+    CZelCustomButton button;
+};
+
+TEST(CZelCustomButton, ShowsTheColoursItWasGivenInEachState) {
+    CustomButton custom;
+    EXPECT_EQ(custom.Face(), QColor(200, 0, 0));
+    EXPECT_EQ(test::ColorAt(custom.button, {1, 20}), QColor(0, 0, 255));
+    EXPECT_EQ(test::ColorAt(custom.button, {98, 38}), QColor(0, 0, 255));
+    custom.button.SetPressedColor(Rgb(0, 100, 0), Rgb(0, 100, 0));
+    QTest::mousePress(&custom.button, Qt::LeftButton);
+    EXPECT_EQ(custom.Face(), QColor(0, 100, 0));
+    QTest::mouseRelease(&custom.button, Qt::LeftButton);
+    EXPECT_EQ(custom.Face(), QColor(200, 0, 0));
+    custom.button.SetFaceColor(Rgb(0, 0, 0), Rgb(255, 255, 255));
+    EXPECT_LT(custom.Face().lightness(), 80);
+    EXPECT_GT(test::ColorAt(custom.button, {50, 35}).lightness(), 200);
+    custom.button.SetGradientVertical(false);
+    EXPECT_LT(test::ColorAt(custom.button, {5, 35}).lightness(), 80);
+}
+
+TEST(CZelCustomButton, ADisabledFaceFadesAndItsTextIsStillRead) {
+    CustomButton custom;
+    for (ColorRef const face : {Rgb(200, 0, 0), Rgb(0, 0, 0), Rgb(255, 255, 255), Rgb(128, 128, 128)}) {
+        custom.button.SetFaceColor(face);
+        custom.button.setEnabled(true);
+        QColor const strong = custom.Face();
+        custom.button.setEnabled(false);
+        QColor const window = custom.button.palette().color(QPalette::Window);
+        EXPECT_LE(Contrast(custom.Face(), window), Contrast(strong, window));
+        QImage const picture = custom.button.grab().toImage();
+        double most = 1;
+        for (int y = 8; y < 32; ++y)
+            for (int x = 30; x < 70; ++x)
+                most = std::max(most, Contrast(picture.pixelColor(x, y), custom.Face()));
+        EXPECT_GE(most, 3) << face;
+    }
+}
+
+TEST(CZelCustomButton, StrongColoursOfTheDesktopComeFirst) {
+    EXPECT_FALSE(UsesHighContrast(QApplication::palette()));
+    CustomButton custom;
+    QPalette strong;
+    strong.setColor(QPalette::Button, Qt::black);
+    strong.setColor(QPalette::ButtonText, Qt::yellow);
+    custom.button.setPalette(strong);
+    EXPECT_EQ(custom.Face(), QColor(Qt::black));
+    EXPECT_EQ(test::ColorAt(custom.button, {1, 20}), QColor(Qt::yellow));
+}
+
+struct DropButton {
+    DropButton() : clicks(&button, &CDownBmpButton::clicked), drops(&button, &CDownBmpButton::DropDown) {
+        action = menu.addAction(QStringLiteral("Action"));
+        button.LoadBitmaps("star");
+        button.SetTooltip("Favorites");
+        button.SetMenu(&menu);
+        button.show();
+        button.setFocus();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&button));
+    }
+    /// Whether the menu opened, with the button down behind it; it is closed again.
+    bool Opens(std::function<void()> const &act) {
+        bool down = false;
+        auto const shown = QObject::connect(&menu, &QMenu::aboutToShow, &menu, [&] {
+            down = button.IsDropped();
+            QMetaObject::invokeMethod(&menu, &QMenu::close, Qt::QueuedConnection);
+        });
+        act();
+        QObject::disconnect(shown);
+        EXPECT_FALSE(button.IsDropped());
+        return down;
+    }
+    QMenu menu;
+    QAction *action;
+    CDownBmpButton button;
+    QSignalSpy clicks;
+    QSignalSpy drops;
+};
+
+TEST(CDownBmpButton, ActsOnThePictureAndDropsOnTheArrow) {
+    DropButton drop;
+    QTest::mouseClick(&drop.button, Qt::LeftButton, {}, QPoint(5, 5));
+    EXPECT_EQ(drop.clicks.count(), 1);
+    QPoint const arrow = drop.button.ArrowRect().center();
+    EXPECT_TRUE(drop.Opens([&] { QTest::mouseClick(&drop.button, Qt::LeftButton, {}, arrow); }));
+    EXPECT_EQ(drop.clicks.count(), 1);
+    drop.button.setLayoutDirection(Qt::RightToLeft);
+    EXPECT_EQ(drop.button.ArrowRect().left(), 0);
+    drop.button.SetWholeDropDown(true);
+    EXPECT_TRUE(drop.Opens([&] { QTest::mouseClick(&drop.button, Qt::LeftButton, {}, QPoint(25, 5)); }));
+    drop.button.SetMenu(nullptr);
+    EXPECT_TRUE(drop.button.ArrowRect().isEmpty());
+    drop.button.SetDropDown(true);
+    QTest::mousePress(&drop.button, Qt::LeftButton, {}, drop.button.ArrowRect().center());
+    EXPECT_EQ(drop.drops.count(), 1) << "at the press";
+    EXPECT_EQ(drop.clicks.count(), 1);
+}
+
+TEST(CDownBmpButton, TheKeyboardDoesBoth) {
+    DropButton drop;
+    for (Qt::Key const key : {Qt::Key_Space, Qt::Key_Return, Qt::Key_Enter})
+        QTest::keyClick(&drop.button, key);
+    EXPECT_EQ(drop.clicks.count(), 3);
+    EXPECT_TRUE(drop.Opens([&] { QTest::keyClick(&drop.button, Qt::Key_F4); }));
+    EXPECT_TRUE(drop.Opens([&] { QTest::keyClick(&drop.button, Qt::Key_Down, Qt::AltModifier); }));
+    EXPECT_FALSE(drop.Opens([&] { QTest::keyClick(&drop.button, Qt::Key_Down); }));
+    EXPECT_EQ(drop.clicks.count(), 3);
+}
+
+TEST(CDownBmpButton, MayBeDeletedByWhatItsMenuStarts) {
+    QMenu menu;
+    auto button = std::make_unique<CDownBmpButton>();
+    button->SetMenu(&menu);
+    menu.addAction(QStringLiteral("Close"));
+    button->show();
+    QObject::connect(&menu, &QMenu::aboutToShow, &menu, [&] {
+        QMetaObject::invokeMethod(
+            &menu,
+            [&] {
+                button.reset();
+                menu.close();
+            },
+            Qt::QueuedConnection);
+    });
+    button->ShowDropDown();
+    EXPECT_EQ(button, nullptr);
+}
+
+TEST(CDownBmpButton, EachStateHasItsPicture) {
+    auto const colored = [](ColorRef color) {
+        return ImageDescription{.kind = ImageDescription::Kind::Shape,
+                                .shape = ImageDescription::Shapes::Rectangle,
+                                .fill = color,
+                                .border = color};
+    };
+    CDownBmpButton button;
+    button.SetBitmaps(colored(Rgb(1, 2, 3)), colored(Rgb(4, 5, 6)), colored(Rgb(7, 8, 9)), colored(Rgb(10, 11, 12)));
+    auto const shown = [&] { return test::ColorAt(button, button.rect().center()); };
+    button.resize(button.sizeHint());
+    EXPECT_EQ(shown(), QColor(1, 2, 3));
+    button.setDown(true);
+    EXPECT_EQ(shown(), QColor(4, 5, 6));
+    button.setDown(false);
+    button.show();
+    button.setFocus();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&button));
+    EXPECT_EQ(shown(), QColor(7, 8, 9));
+    button.setEnabled(false);
+    EXPECT_EQ(shown(), QColor(10, 11, 12));
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(&button)->role(), QAccessible::Button);
+}
+
+} // namespace
+} // namespace zelvar
