@@ -87,7 +87,7 @@ TEST(CFloatEdit, WhatIsTypedIsTakenMarkedAndMended) {
              Case{"1e", "1e", false, 1, "1"},
              Case{"99.5 kg", "99.5 ", true, 99.5, "99.5"},
              Case{"250", "250", false, 25, "100"},
-             Case{"-1e400", "-1e400", false, -100, "-100"},
+             Case{"-1e400", "-1e400", false, -1, "-100"},
              Case{"", "", false, 7, "7"},
          }) {
         edited.edit->SetValue(7);
@@ -412,7 +412,7 @@ TEST(HyperLink, TheMenuCopiesTheAddress) {
     QTimer::singleShot(0, &play.link, [] {
         auto *const menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
         ASSERT_NE(menu, nullptr);
-        QTest::keyClick(menu, Qt::Key_End);
+        QTest::keyClick(menu, Qt::Key_Up); // the last one
         QTest::keyClick(menu, Qt::Key_Return);
     });
     QContextMenuEvent event(QContextMenuEvent::Keyboard, {}, {});
