@@ -133,14 +133,14 @@ void CDownBmpButton::mousePressEvent(QMouseEvent *event) {
 }
 
 void CDownBmpButton::keyPressEvent(QKeyEvent *event) {
-    bool const opens =
-        event->key() == Qt::Key_F4 || (event->key() == Qt::Key_Down && event->modifiers().testFlag(Qt::AltModifier));
+    bool const enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    bool const opens = event->key() == Qt::Key_F4 ||
+                       (event->key() == Qt::Key_Down && event->modifiers().testFlag(Qt::AltModifier)) ||
+                       (m_whole && (enter || event->key() == Qt::Key_Space));
     if (m_dropDown && opens)
         ShowDropDown();
-    else if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
-        m_whole &&m_dropDown ? ShowDropDown() : click();
-    else if (event->key() == Qt::Key_Space && m_whole && m_dropDown)
-        ShowDropDown();
+    else if (enter)
+        click();
     else
         QAbstractButton::keyPressEvent(event);
 }

@@ -5,6 +5,7 @@
 #include "zelvar/platform/ui/SystemColor.h"
 #include "zelvar/platform/ui/Text.h"
 
+#include <QtCore/QEvent>
 #include <QtCore/QPointer>
 #include <QtGui/QStandardItemModel>
 #include <QtWidgets/QColorDialog>

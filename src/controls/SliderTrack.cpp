@@ -62,8 +62,13 @@ int SliderTrack::CenterOf(int position) const {
 
 int SliderTrack::TicksHeight() const { return m_control.Ticks().empty() ? 0 : kEndTick + 1; }
 
-QSize SliderTrack::sizeHint() const { return QSlider::sizeHint() + QSize(0, 2 * TicksHeight()); }
-QSize SliderTrack::minimumSizeHint() const { return QSlider::minimumSizeHint() + QSize(0, 2 * TicksHeight()); }
+void SliderTrack::initStyleOption(QStyleOptionSlider *option) const {
+    QSlider::initStyleOption(option);
+    option->rect.setHeight(option->rect.height() - TicksHeight());
+}
+
+QSize SliderTrack::sizeHint() const { return QSlider::sizeHint() + QSize(0, TicksHeight()); }
+QSize SliderTrack::minimumSizeHint() const { return QSlider::minimumSizeHint() + QSize(0, TicksHeight()); }
 
 void SliderTrack::paintEvent(QPaintEvent *event) {
     QPainter painter(this);

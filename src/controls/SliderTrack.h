@@ -23,6 +23,7 @@ public:
     [[nodiscard]] QSize minimumSizeHint() const override;
 
 protected:
+    void initStyleOption(QStyleOptionSlider *option) const override;
     void paintEvent(QPaintEvent *event) override;
 
 private:

@@ -1,18 +1,27 @@
 #include "zelvar/controls/CDownBmpButton.h"
+#include "zelvar/controls/CFloatEdit.h"
+#include "zelvar/controls/CGrpCtrl.h"
 #include "zelvar/controls/CZelButton.h"
 #include "zelvar/controls/CZelColorComboBox.h"
 #include "zelvar/controls/CZelComboBox.h"
 #include "zelvar/controls/CZelCustomButton.h"
 #include "zelvar/controls/CZelImageList.h"
 #include "zelvar/controls/CZelImgComboBox.h"
+#include "zelvar/controls/ColorStatic.h"
+#include "zelvar/controls/GUITools.h"
+#include "zelvar/controls/HyperLink.h"
 #include "zelvar/controls/IconTabCtrl.h"
+#include "zelvar/controls/ZelSliderCtrl.h"
 #include "zelvar/gallery/Gallery.h"
 #include "zelvar/gallery/PageForm.h"
 #include "zelvar/platform/ui/Text.h"
 
+#include <QtWidgets/QFormLayout>
 #include <QtWidgets/QHBoxLayout>
 #include <QtWidgets/QLabel>
+#include <QtWidgets/QLineEdit>
 #include <QtWidgets/QMenu>
+#include <QtWidgets/QVBoxLayout>
 
 #include <memory>
 
@@ -245,13 +254,198 @@ QWidget *MakeTabsPage() {
     return page;
 }
 
+/// A number that is told in the bottom line, and its name for those who cannot see the label.
+template <class Control>
+Control *Named(char const *name, Control *control) {
+    control->setAccessibleName(QString::fromUtf8(name));
+    return control;
+}
+
+QWidget *NumberFields(PageForm &page) {
+    auto *const gain = Named("Gain", new CFloatEdit);
+    gain->SetRange(0.1, 10);
+    gain->SetStep(0.1);
+    gain->SetValue(2.5);
+    auto *const limit = Named("Upper limit, may be empty", new CFloatEdit);
+    limit->SetAllowEmpty();
+    limit->setPlaceholderText(QStringLiteral("none"));
+    limit->SetEmpty();
+    auto *const disabled = Named("Disabled number", new CFloatEdit);
+    disabled->SetValue(-1.5e-7);
+    disabled->setEnabled(false);
+    for (CFloatEdit *edit : {gain, limit}) {
+        QObject::connect(edit, &CFloatEdit::ValueChanged, &page, [&page, edit](double value, bool empty) {
+            page.Say(platform::ToDString(edit->accessibleName()) + (empty ? ": empty" : Format(": %.17g", value)));
+        });
+        edit->setMaximumWidth(GUITools::DlgUnitsToPixels(*edit, {.cx = 60, .cy = 0}).cx);
+    }
+    disabled->setMaximumWidth(gain->maximumWidth());
+    return SideBySide({gain, limit, disabled});
+}
+
+ZelSliderCtrl *MakeSlider(PageForm &page, char const *name, double first, double last, double step) {
+    auto *const slider = new ZelSliderCtrl;
+    slider->SetStep(step);
+    slider->SetRange(first, last);
+    slider->setMinimumWidth(GUITools::DlgUnitsToPixels(*slider, {.cx = 200, .cy = 0}).cx);
+    QObject::connect(slider, &ZelSliderCtrl::PosChanged, &page,
+                     [&page, slider, said = DString(name)] { page.Say(said + ": " + slider->GetPosText()); });
+    page.Add(name, slider);
+    return slider;
+}
+
+void AddSliders(PageForm &page) {
+    ZelSliderCtrl *const opacity = MakeSlider(page, "Opacity", 0, 100, 1);
+    opacity->SetTicFreq(25);
+    opacity->SetUnit(" %");
+    opacity->SetValueField(ZelSliderCtrl::ValueField::Text);
+    opacity->SetPos(75);
+    ZelSliderCtrl *const scale = MakeSlider(page, "Magnification", 0.01, 100, 0);
+    scale->SetLogarithmic();
+    scale->SetTicFreq(0);
+    scale->SetValueField(ZelSliderCtrl::ValueField::Edit);
+    scale->SetPos(1);
+    ZelSliderCtrl *const depth = MakeSlider(page, "Depth, downwards", 0, -4000, 250);
+    depth->SetTicFreq(1000);
+    depth->SetUnit(" m");
+    depth->SetValueField(ZelSliderCtrl::ValueField::Edit);
+    depth->SetPos(-1000);
+    ZelSliderCtrl *const disabled = MakeSlider(page, "Disabled slider", 0, 1, 0);
+    disabled->SetTicFreq(0.25);
+    disabled->SetValueField(ZelSliderCtrl::ValueField::Text);
+    disabled->SetPos(0.4);
+    disabled->setEnabled(false);
+}
+
+QWidget *ColoredTexts() {
+    auto const make = [](char const *text, ColorRef color, ColorRef background) {
+        auto *const label = new ColorStatic;
+        label->SetWindowText(text);
+        label->SetTextColor(color);
+        label->SetBkColor(background);
+        return label;
+    };
+    ColorStatic *const good = make("In range", Rgb(0, 80, 20), Rgb(210, 245, 215));
+    ColorStatic *const warning = make("Saturated", Rgb(110, 60, 0), Rgb(255, 235, 180));
+    warning->SetBorder(Rgb(220, 150, 0));
+    ColorStatic *const bad = make("No data", Rgb(255, 255, 255), Rgb(170, 30, 30));
+    bad->SetBorder(Rgb(90, 0, 0), 2);
+    ColorStatic *const disabled = make("Disabled", Rgb(0, 80, 20), Rgb(210, 245, 215));
+    disabled->setEnabled(false);
+    return SideBySide({good, warning, bad, disabled});
+}
+
+QWidget *Links(PageForm &page) {
+    auto const make = [&page](char const *text, char const *url) {
+        auto *const link = new HyperLink;
+        link->SetURL(url);
+        link->SetWindowText(text);
+        QObject::connect(link, &HyperLink::Opened, &page,
+                         [&page, link](bool done) { page.Say((done ? "Opened: " : "Not opened: ") + link->GetURL()); });
+        return link;
+    };
+    HyperLink *const visited = make("Visited", "https://www.example.org/visited");
+    visited->SetVisited(true);
+    HyperLink *const disabled = make("Disabled", "https://www.example.org/disabled");
+    disabled->setEnabled(false);
+    return SideBySide({make("Web page", "https://www.example.org/"), make("Home folder", "/home"),
+                       make("Refused", "javascript:void(0)"), visited, disabled});
+}
+
+QWidget *MakeFieldsPage() {
+    auto *const page = new PageForm;
+    page->Add("Numbers", NumberFields(*page));
+    AddSliders(*page);
+    page->Add("Texts", ColoredTexts());
+    page->Add("Links", Links(*page));
+    page->Say({}); // nothing has happened yet
+    return page;
+}
+
+CGrpCtrl *MakeGroup(PageForm &page, QLayout &column, char const *title, CGrpCtrl::Mode mode) {
+    auto *const group = new CGrpCtrl;
+    group->SetWindowText(title);
+    group->SetMode(mode);
+    auto *const form = new QFormLayout(&group->Content());
+    auto *const system = new CZelComboBox;
+    for (char const *name : {"WGS 84 / UTM zone 33N", "ETRS89 / LAEA Europe"})
+        system->AddString(name);
+    system->SetCurSel(0);
+    system->setMinimumContentsLength(20);
+    form->addRow(QStringLiteral("System"), Named("System", system));
+    auto *const size = Named("Pixel size", new CFloatEdit);
+    size->SetRange(0.01, 1000);
+    size->SetValue(10);
+    form->addRow(QStringLiteral("Pixel size"), size);
+    QObject::connect(group, &CGrpCtrl::FoldChanged, &page,
+                     [&page](bool folded) { page.Say(folded ? "Folded" : "Unfolded"); });
+    QObject::connect(group, &CGrpCtrl::CheckChanged, &page,
+                     [&page](bool checked) { page.Say(checked ? "Enabled" : "Disabled"); });
+    column.addWidget(Named(title, group));
+    return group;
+}
+
+QWidget *MakeGroupsPage() {
+    auto *const page = new PageForm;
+    auto *const all = new QWidget;
+    auto *const column = new QVBoxLayout(all);
+    column->setContentsMargins(0, 0, 0, 0);
+    MakeGroup(*page, *column, "Plain", CGrpCtrl::Mode::Plain);
+    MakeGroup(*page, *column, "Warp to another system", CGrpCtrl::Mode::Enables);
+    CGrpCtrl *const folds = MakeGroup(*page, *column, "More options", CGrpCtrl::Mode::Folds);
+    MakeGroup(*page, *column, "Even more options", CGrpCtrl::Mode::Folds)->SetFolded(true);
+    MakeGroup(*page, *column, "Disabled", CGrpCtrl::Mode::Folds)->setEnabled(false);
+    column->addStretch();
+    page->AddWide("Groups", all, true);
+    page->AddSwitch("Options unfolded", true, [folds](bool on) { folds->SetFolded(!on); });
+    page->Say({}); // nothing has happened yet
+    return page;
+}
+
+QWidget *MakeToolsPage() {
+    auto *const page = new PageForm;
+    auto *const path = new QLineEdit(QStringLiteral("/data/archive/expeditions/2024/april/sentinel-2/scene-0417.tif"));
+    auto *const width = new ZelSliderCtrl;
+    auto *const shown = new ColorStatic;
+    shown->SetBorder(Rgb(128, 128, 128));
+    width->SetRange(0, 500);
+    width->SetUnit(" pixels");
+    width->SetValueField(ZelSliderCtrl::ValueField::Text);
+    width->setMinimumWidth(GUITools::DlgUnitsToPixels(*width, {.cx = 180, .cy = 0}).cx);
+    path->setMinimumWidth(width->minimumWidth());
+    auto const shorten = [=] {
+        int const pixels = static_cast<int>(width->GetPos());
+        DString const text = GUITools::ShortenPath(platform::ToDString(path->text()), shown->font(), pixels);
+        shown->SetWindowText(text);
+        page->Say(Format("%d of %d pixels", GUITools::TextWidth(shown->font(), text), pixels));
+    };
+    QObject::connect(width, &ZelSliderCtrl::PosChanged, page, shorten);
+    QObject::connect(path, &QLineEdit::textChanged, page, shorten);
+    page->Add("Path", path);
+    page->Add("Width", width);
+    page->Add("Shortened", shown);
+    width->SetPos(220);
+    page->AddButton("Center this window", [page] { GUITools::CenterWindow(*page->window()); });
+    page->AddButton("Work for a while", [page] {
+        GUITools::WaitCursor const busy;
+        double sum = 0;
+        for (int i = 1; i < 50'000'000; ++i)
+            sum += 1.0 / i;
+        page->Say(Format("Sum of 1/n: %.3f", sum));
+    });
+    return page;
+}
+
 } // namespace
 
 std::vector<Page> ControlPages() {
     return {
         {"buttons", "Buttons", "CZelButton CZelCustomButton CDownBmpButton", MakeButtonsPage},
         {"combos", "Combo boxes", "CZelComboBox CZelImgComboBox CZelColorComboBox", MakeCombosPage},
+        {"fields", "Fields", "CFloatEdit ZelSliderCtrl ColorStatic HyperLink", MakeFieldsPage},
+        {"groups", "Groups", "CGrpCtrl", MakeGroupsPage},
         {"tabs", "Tabs", "CZelTabCtrl IconTabCtrl", MakeTabsPage},
+        {"gui-tools", "Tools for windows", "GUITools", MakeToolsPage},
     };
 }
 
