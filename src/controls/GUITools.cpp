@@ -17,7 +17,7 @@
 
 #include <algorithm>
 
-namespace zelvar::GUITools {
+namespace zelvar {
 
 namespace {
 
@@ -32,7 +32,7 @@ void MoveFrameTo(QWidget &window, QRect const &frame) {
     QScreen const *screen = QGuiApplication::screenAt(frame.center());
     if (screen == nullptr)
         screen = window.screen();
-    Rect const place = KeepWithin(ToRect(frame), ToRect(screen->availableGeometry()));
+    Rect const place = GUITools::KeepWithin(ToRect(frame), ToRect(screen->availableGeometry()));
     QSize const border = window.frameGeometry().size() - window.size();
     window.move(place.left, place.top);
     if (place.Width() < frame.width() || place.Height() < frame.height())
@@ -53,12 +53,12 @@ int ForEachItem(QWidget const &dialog, std::span<int const> ids, Act &&act) {
 
 } // namespace
 
-Size DlgUnitsToPixels(QWidget const &widget, Size units) {
+Size GUITools::DlgUnitsToPixels(QWidget const &widget, Size units) {
     Rect const pixels = platform::MapDialogRect(widget, {.right = units.cx, .bottom = units.cy});
     return {.cx = pixels.right, .cy = pixels.bottom};
 }
 
-Rect KeepWithin(Rect rect, Rect const &screen) {
+Rect GUITools::KeepWithin(Rect rect, Rect const &screen) {
     int const width = std::min(rect.Width(), screen.Width());
     int const height = std::min(rect.Height(), screen.Height());
     rect.left = std::clamp(rect.left, screen.left, screen.right - width);
@@ -68,9 +68,9 @@ Rect KeepWithin(Rect rect, Rect const &screen) {
     return rect;
 }
 
-void KeepOnScreen(QWidget &window) { MoveFrameTo(window, window.frameGeometry()); }
+void GUITools::KeepOnScreen(QWidget &window) { MoveFrameTo(window, window.frameGeometry()); }
 
-void CenterWindow(QWidget &window) {
+void GUITools::CenterWindow(QWidget &window) {
     window.ensurePolished();
     if (!window.testAttribute(Qt::WA_Resized))
         window.adjustSize();
@@ -81,15 +81,15 @@ void CenterWindow(QWidget &window) {
     MoveFrameTo(window, frame);
 }
 
-int EnableItems(QWidget const &dialog, std::span<int const> ids, bool enable) {
+int GUITools::EnableItems(QWidget const &dialog, std::span<int const> ids, bool enable) {
     return ForEachItem(dialog, ids, [enable](QWidget &item) { item.setEnabled(enable); });
 }
 
-int ShowItems(QWidget const &dialog, std::span<int const> ids, bool show) {
+int GUITools::ShowItems(QWidget const &dialog, std::span<int const> ids, bool show) {
     return ForEachItem(dialog, ids, [show](QWidget &item) { item.setVisible(show); });
 }
 
-bool SetItemText(QWidget const &dialog, int id, DString const &text) {
+bool GUITools::SetItemText(QWidget const &dialog, int id, DString const &text) {
     QWidget *const item = platform::GetDlgItem(dialog, id);
     QString const shown = platform::ToQString(text);
     if (auto *const label = qobject_cast<QLabel *>(item))
@@ -109,7 +109,7 @@ bool SetItemText(QWidget const &dialog, int id, DString const &text) {
     return true;
 }
 
-DString GetItemText(QWidget const &dialog, int id) {
+DString GUITools::GetItemText(QWidget const &dialog, int id) {
     QWidget const *const item = platform::GetDlgItem(dialog, id);
     QString text;
     if (auto const *const label = qobject_cast<QLabel const *>(item))
@@ -127,12 +127,12 @@ DString GetItemText(QWidget const &dialog, int id) {
     return platform::ToDString(text);
 }
 
-int TextWidth(QFont const &font, DString const &text) {
+int GUITools::TextWidth(QFont const &font, DString const &text) {
     return QFontMetrics(font).horizontalAdvance(platform::ToQString(text));
 }
 
-DString ShortenPath(DString const &path, QFont const &font, int width) {
-    DString const shown = ToValidUtf8(path);
+DString GUITools::ShortenPath(DString const &path, QFont const &font, int width) {
+    DString shown = ToValidUtf8(path);
     if (TextWidth(font, shown) <= width)
         return shown;
     char const separator = PathStyle::Native().separator;
@@ -143,11 +143,11 @@ DString ShortenPath(DString const &path, QFont const &font, int width) {
     for (std::size_t const kept : {root, std::size_t{0}}) {
         DString start;
         for (std::size_t i = 0; i < kept && i < parts.size(); ++i)
-            start += parts[i] + separator;
+            start.append(parts[i]).append(1, separator);
         DString end;
         DString fitting;
         for (std::size_t i = parts.size(); i-- > kept + 1;) {
-            end = separator + parts[i] + end;
+            end.insert(0, parts[i]).insert(0, 1, separator);
             DString const candidate = start + ellipsis + end;
             if (TextWidth(font, candidate) > width)
                 break;
@@ -160,7 +160,7 @@ DString ShortenPath(DString const &path, QFont const &font, int width) {
     return platform::ToDString(QFontMetrics(font).elidedText(name, Qt::ElideMiddle, width));
 }
 
-WaitCursor::WaitCursor() { QApplication::setOverrideCursor(Qt::WaitCursor); }
-WaitCursor::~WaitCursor() { QApplication::restoreOverrideCursor(); }
+GUITools::WaitCursor::WaitCursor() { QApplication::setOverrideCursor(Qt::WaitCursor); }
+GUITools::WaitCursor::~WaitCursor() { QApplication::restoreOverrideCursor(); }
 
-} // namespace zelvar::GUITools
+} // namespace zelvar

@@ -45,7 +45,7 @@ public:
         return QStringList{pressAction()} + QAccessibleWidget::actionNames();
     }
     void doAction(QString const &name) override {
-        if (name == pressAction())
+        if (name == pressAction() && Link().isEnabled())
             Link().Open();
         else
             QAccessibleWidget::doAction(name);
