@@ -137,7 +137,6 @@ DString GUITools::ShortenPath(DString const &path, QFont const &font, int width)
         return shown;
     char const separator = PathStyle::Native().separator;
     std::vector<DString> const parts = Split(shown, separator);
-    DString const ellipsis(kEllipsis);
     // With the first folder, then without it: as many of the last parts as fit.
     std::size_t const root = parts.front().empty() ? 2 : 1;
     for (std::size_t const kept : {root, std::size_t{0}}) {
@@ -148,10 +147,11 @@ DString GUITools::ShortenPath(DString const &path, QFont const &font, int width)
         DString fitting;
         for (std::size_t i = parts.size(); i-- > kept + 1;) {
             end.insert(0, parts[i]).insert(0, 1, separator);
-            DString const candidate = start + ellipsis + end;
+            DString candidate = start;
+            candidate.append(kEllipsis).append(end);
             if (TextWidth(font, candidate) > width)
                 break;
-            fitting = candidate;
+            fitting = std::move(candidate);
         }
         if (!fitting.empty())
             return fitting;

@@ -97,7 +97,7 @@ std::vector<double> SliderScale::Ticks(double distance) const {
     if (m_logarithmic) {
         double const low = std::min(std::abs(m_first), std::abs(m_last));
         double const high = std::max(std::abs(m_first), std::abs(m_last));
-        for (double power = std::floor(std::log10(low)) + 1; power < std::log10(high); ++power)
+        for (int power = static_cast<int>(std::floor(std::log10(low))) + 1; power < std::log10(high); ++power)
             if (double const tick = std::copysign(std::pow(10, power), m_first); std::abs(tick) > low)
                 ticks.push_back(tick);
     } else if (distance > 0 && (greatest / 2 - least / 2) / distance * 2 <= kMostTicks) {
