@@ -26,7 +26,7 @@ constexpr int kCheckBox = 5555;
 constexpr std::size_t kMostText = 1 << 20; // bytes read from the standard input
 
 CommandSpec const kSpec{
-    .usage = "ask TEXT|- [--caption T] [--buttons SET] [--icon NAME] [--default N] [--dont-ask[=TEXT]] [--help-id N] "
+    .usage = "ask TEXT|- [--caption T] [--buttons SET] [--icon NAME] [--default N] [--dont-ask [TEXT]] [--help-id N] "
              "[--press NAME] [--check] [--shot FILE.png]",
     .flags = {"--dont-ask", "--check"},
     .values = {"--caption", "--buttons", "--icon", "--default", "--help-id", "--press", "--shot"},

@@ -16,6 +16,8 @@ std::vector<DString> Arguments::All(DString const &option) const {
 
 std::optional<Arguments> ParseArguments(CommandSpec const &spec, std::vector<DString> const &words, DString &error) {
     Arguments result;
+    DString optional;           // option that may have a value in the word behind it
+    std::size_t optionalAt = 0; // of that word, among those that are no options
     bool optionsEnded = false;
     for (std::size_t i = 0; i < words.size(); ++i) {
         DString const &word = words[i];
@@ -31,6 +33,10 @@ std::optional<Arguments> ParseArguments(CommandSpec const &spec, std::vector<DSt
         DString const name = word.substr(0, equals);
         if (spec.flags.contains(name) && equals == DString::npos) {
             result.flags.insert(name);
+            if (spec.optionalValues.contains(name) && i + 1 < words.size() && !words[i + 1].starts_with("--")) {
+                optional = name;
+                optionalAt = result.words.size();
+            }
         } else if (!spec.values.contains(name) && !spec.optionalValues.contains(name)) {
             error = "unknown option " + name;
             return std::nullopt;
@@ -42,6 +48,11 @@ std::optional<Arguments> ParseArguments(CommandSpec const &spec, std::vector<DSt
             error = "option " + name + " needs a value";
             return std::nullopt;
         }
+    }
+    if (result.words.size() > spec.maxArguments && !optional.empty()) {
+        auto const word = result.words.begin() + static_cast<std::ptrdiff_t>(optionalAt);
+        result.values[optional].push_back(*word);
+        result.words.erase(word);
     }
     if (result.words.size() < spec.minArguments || result.words.size() > spec.maxArguments) {
         error = result.words.size() < spec.minArguments ? "an argument is missing" : "too many arguments";

@@ -14,11 +14,12 @@ enum ExitCode { kDone = 0, kNothing = 1, kUsage = 2, kFailed = 3 };
 
 /// What a subcommand accepts.
 struct CommandSpec {
-    DString usage;                      ///< one line, without the program's name
-    std::set<DString> flags;            ///< options without a value
-    std::set<DString> values;           ///< options with one; given twice, both are kept
-    std::set<DString> optionalValues{}; ///< those of the flags that may have one, as "--name=value" only
-    std::size_t minArguments = 0;       ///< words that are no options
+    DString usage;            ///< one line, without the program's name
+    std::set<DString> flags;  ///< options without a value
+    std::set<DString> values; ///< options with one; given twice, both are kept
+    /// Those of the flags that may have one: as "--name=value", or in the word behind where there are too many words.
+    std::set<DString> optionalValues{};
+    std::size_t minArguments = 0; ///< words that are no options
     std::size_t maxArguments = 0;
 };
 

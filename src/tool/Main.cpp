@@ -20,7 +20,7 @@ constexpr char kUsageText[] =
     "       [--shot FILE.png] [--size WxH]\n"
     "  plot FILE --x COLUMN --y COLUMN [--line] [--click X,Y]... [--shot FILE.png] [--size WxH]\n"
     "                                                        charts of samples and columns; print what is picked\n"
-    "  ask TEXT|- [--caption T] [--buttons SET] [--icon NAME] [--default N] [--dont-ask[=TEXT]] [--help-id N]\n"
+    "  ask TEXT|- [--caption T] [--buttons SET] [--icon NAME] [--default N] [--dont-ask [TEXT]] [--help-id N]\n"
     "      [--press NAME] [--check] [--shot FILE.png]        ask a question, print the button pressed\n"
     "  table FILE [--layer NAME] [--sort COLUMN [--descending]] [--rows N] [--print] [--select ROW] [--shot FILE.png]\n"
     "       [--size WxH]\n"

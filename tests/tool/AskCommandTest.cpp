@@ -34,6 +34,8 @@ TEST(AskCommand, PrintsTheButtonAndTheCheckMark) {
          "continue\n"},
         {{"--dont-ask", "Go on?", "--press", "ok"}, 0, "ok\tunchecked\n"},
         {{"Go on?", "--dont-ask=Never again", "--check", "--press", "ok"}, 0, "ok\tchecked\n"},
+        {{"Go on?", "--dont-ask", "Never again", "--check", "--press", "ok"}, 0, "ok\tchecked\n"},
+        {{"--dont-ask", "Never again", "Go on?", "--press", "ok"}, 0, "ok\tunchecked\n"},
         {{"-", "--press", "ok"}, 0, "ok\n"}, // an empty standard input
         {{"--press", "ok", "--", "--text"}, 0, "ok\n"},
     };
@@ -70,6 +72,8 @@ TEST(AskCommand, WhatIsWrongIsTold) {
         {{"t", "--help-id", "7x"}, "--help-id is a number"},
         {{"t", "--check"}, "--check needs --dont-ask"},
         {{"t", "--buttons", "yes-no", "--press", "ok"}, "--press is one of yes, no"},
+        {{"t", "--dont-ask", "a", "b"}, "too many arguments"},
+        {{"t", "a", "--dont-ask"}, "too many arguments"},
         {{"t", "--check=1"}, "unknown option --check"},
     };
     for (Case const &c : cases) {
