@@ -263,9 +263,9 @@ void CZelPropList::ShowFlat() {
     }
     while (m_tree->topLevelItemCount() > 0)
         m_tree->takeTopLevelItem(m_tree->topLevelItemCount() - 1);
-    for (auto value = values.crbegin(); value != values.crend(); ++value)
-        if (CZelProp *const owner = static_cast<CZelProp *>(*value)->m_owner)
-            owner->removeChild(*value);
+    for (qsizetype i = values.size(); i-- > 0;) // from the last: no other child moves
+        if (CZelProp *const owner = static_cast<CZelProp *>(values[i])->m_owner)
+            owner->removeChild(values[i]);
     std::ranges::stable_sort(values, ComesBefore);
     m_tree->addTopLevelItems(values);
     for (QTreeWidgetItem *const value : std::as_const(values))

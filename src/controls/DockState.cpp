@@ -57,7 +57,7 @@ int ReadInt(XMLNode const &node, char const *name, int fallback, int least, int 
 
 int ReadSide(XMLNode const &node) {
     DString const name = node.GetAttrStr("side");
-    auto const found = std::ranges::find(kSideNames, name);
+    auto const *const found = std::ranges::find(kSideNames, name);
     return found == kSideNames.end() ? -1 : static_cast<int>(found - kSideNames.begin());
 }
 

@@ -1,5 +1,6 @@
 #include "zelvar/controls/PropRule.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -28,10 +29,7 @@ DString Shortest(double number) {
 }
 
 bool IsOneOf(std::string_view text, std::initializer_list<char const *> words) {
-    for (char const *word : words)
-        if (EqualNoCase(text, word))
-            return true;
-    return false;
+    return std::ranges::any_of(words, [text](char const *word) { return EqualNoCase(text, word); });
 }
 
 std::optional<DString> ReadBool(std::string_view text) {
@@ -102,7 +100,7 @@ DString PropRule::Show(DString const &value) const {
 }
 
 DString PropRule::Wanted() const {
-    DString const number = kind == Kind::Integer ? "A whole number" : "A number";
+    DString number = kind == Kind::Integer ? "A whole number" : "A number";
     bool const hasLeast = std::isfinite(least) && (kind == Kind::Real || least > -9.2e18);
     bool const hasMost = std::isfinite(most) && (kind == Kind::Real || most < 9.2e18);
     switch (kind) {

@@ -224,6 +224,40 @@ TEST(CZelDockBar, F6WalksTheBarsAndTheMiddleBothWays) {
     EXPECT_TRUE(frame.layers->isVisible());
 }
 
+TEST(CZelDockBar, AStateTakesABarNowhereThatTheBarItselfRefuses) {
+    Frame frame;
+    frame.channels->setFeatures(QDockWidget::NoDockWidgetFeatures);
+    frame.history->setAllowedAreas(Qt::LeftDockWidgetArea | Qt::RightDockWidgetArea);
+    frame.view->setAllowedAreas(Qt::TopToolBarArea);
+    EXPECT_TRUE(frame.Load("<DOCKBAR_DATA><BAR id='2' side='left' visible='false' floating='true'/>"
+                           "<BAR id='3' side='bottom'/><TOOLBAR id='22' side='left'/></DOCKBAR_DATA>"));
+    EXPECT_TRUE(frame.channels->isVisible()) << "nothing could bring it back";
+    EXPECT_FALSE(frame.channels->isFloating());
+    EXPECT_EQ(frame.window.dockWidgetArea(frame.history), Qt::LeftDockWidgetArea);
+    EXPECT_EQ(frame.window.toolBarArea(frame.view), Qt::TopToolBarArea);
+}
+
+TEST(CZelDockBar, ABarThatFloatsComesBackToItsPlaceAndOneFarAwayIsFetched) {
+    Frame frame;
+    frame.channels->Float({-5000, 90000, -4800, 90100});
+    EXPECT_TRUE(BringOntoScreen(
+                    {frame.channels->x(), frame.channels->y(), frame.channels->x() + 200, frame.channels->y() + 100},
+                    ScreenRects())
+                    .left == frame.channels->x());
+    EXPECT_FALSE(frame.layers->AttachToTabWnd(*frame.channels)) << "tabs are where bars are docked";
+    EXPECT_FALSE(frame.layers->AttachToTabWnd(*frame.layers));
+    frame.channels->setFloating(false);
+    QApplication::processEvents();
+    EXPECT_GT(frame.channels->y(), frame.layers->y());
+    EXPECT_LT(frame.channels->y(), frame.history->y()) << "between the two that it stood between";
+    QMainWindow inner; // bars of a window within another one are not its own
+    inner.setParent(frame.window.centralWidget());
+    CZelDockBar *const other = new CZelDockBar("Inner", 9);
+    other->Dock(inner, Qt::LeftDockWidgetArea);
+    EXPECT_EQ(CZelDockBar::BarsOf(frame.window).size(), 5);
+    EXPECT_EQ(CZelDockBar::BarsOf(inner), QList<CZelDockBar *>{other});
+}
+
 struct Buttons {
     Buttons() {
         CZelImageList::RegisterIcon(4711, "no-such-theme-icon", "star");
@@ -314,6 +348,43 @@ TEST(CZelToolBar, TabComesToOneButtonAndArrowsWalkOverThoseThatCanBePressed) {
     EXPECT_EQ(press(Qt::Key_End), more) << "the way to those that have no room";
     bar.EnableButton(kPan, false);
     EXPECT_EQ(more->focusPolicy(), Qt::TabFocus) << "nothing else is left to come to";
+}
+
+TEST(CZelToolBar, ItsArrangementIsSavedWithSeparatorsAndBoxes) {
+    auto const fill = [](CZelToolBar &bar) {
+        bar.InsertButton(kOpen, -1, "Open");
+        bar.AddSeparator();
+        bar.AddComboBox(new CZelToolbarComboBoxButton(kScale, "Scale", 5));
+        bar.InsertButton(kPan, -1, "Pan");
+    };
+    CZelToolBar first("Tools");
+    fill(first);
+    EXPECT_TRUE(first.MoveButton(kScale, 0));
+    EXPECT_FALSE(first.MoveButton(kZoom, 0));
+    first.ShowButton(kOpen, false);
+    XMLNode saved("TOOLBAR");
+    first.SaveButtons(saved);
+    CZelToolBar second("Tools");
+    fill(second);
+    second.AddSeparator(); // a newer version has more
+    second.InsertButton(kGrid, -1, "Grid");
+    second.LoadButtons(saved);
+    std::vector<int> ids;
+    for (int i = 0; i < second.GetCount(); ++i)
+        ids.push_back(second.GetItemID(i));
+    EXPECT_EQ(ids, (std::vector<int>{kScale, kOpen, 0, kPan, 0, kGrid}));
+    EXPECT_FALSE(second.IsButtonShown(kOpen));
+    second.show();
+    auto *const combo = second.findChild<CZelComboBox *>();
+    ASSERT_NE(combo, nullptr);
+    EXPECT_TRUE(combo->isVisible()) << "it has been moved, not lost";
+    second.activateWindow();
+    combo->setFocus();
+    ASSERT_TRUE(test::Eventually([&] { return combo->hasFocus(); }));
+    QTest::keyClick(combo, Qt::Key_Right);
+    EXPECT_EQ(QApplication::focusWidget(), second.widgetForAction(second.GetButton(kPan))) << "past the hidden one";
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Left);
+    EXPECT_TRUE(combo->hasFocus());
 }
 
 TEST(CZelToolbarComboBoxButton, AllBoxesOfACommandShowTheSameChoice) {

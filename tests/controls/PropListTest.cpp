@@ -1,11 +1,12 @@
 #include "support/GuiTest.h"
 #include "zelvar/controls/CZelPropList.h"
 
-#include <QtGui/QAccessible>
+#include <QtGui/QContextMenuEvent>
 #include <QtTest/QTest>
 #include <QtWidgets/QColorDialog>
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QLineEdit>
+#include <QtWidgets/QMenu>
 #include <QtWidgets/QPlainTextEdit>
 #include <QtWidgets/QToolButton>
 
@@ -272,6 +273,41 @@ TEST(CZelPropList, WhatTheUserHasChangedIsBoldUntilItIsReset) {
     EXPECT_FALSE(isBold(*layer.title)) << "a pane that only shows values has none that stand out";
     layer.opacity->Enable(false);
     EXPECT_FALSE(layer.list.BeginEdit(*layer.opacity));
+}
+
+TEST(CZelPropList, TheMenuOfAValueResetsItAndTellsOfThat) {
+    Layer layer;
+    auto const reset = [&](CZelProp &prop) {
+        layer.list.SetCurSel(&prop);
+        QContextMenuEvent event(QContextMenuEvent::Keyboard, {}, {});
+        QApplication::sendEvent(layer.list.Tree().viewport(), &event);
+        auto *const menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+        if (menu == nullptr)
+            return false;
+        QAction *const action = menu->actions().last();
+        bool const offered = action->isEnabled();
+        action->trigger();
+        menu->close();
+        return offered;
+    };
+    EXPECT_FALSE(reset(*layer.opacity)) << "it is the original one";
+    layer.list.EnterValue(*layer.opacity, "5");
+    EXPECT_TRUE(reset(*layer.opacity));
+    EXPECT_EQ(layer.opacity->GetInt(), 80);
+    EXPECT_EQ(layer.list.changes, 2);
+    EXPECT_FALSE(reset(*layer.list.GetProperty(0))) << "a group has no menu";
+    layer.opacity->SetOriginalValue("70");
+    EXPECT_TRUE(layer.opacity->IsModified());
+}
+
+TEST(CZelPropList, AValueSetWhileItIsEditedDoesNotTouchWhatIsBeingTyped) {
+    Layer layer;
+    layer.Enter(*layer.opacity, "3", Qt::Key_Home);
+    layer.opacity->SetValue("50");
+    ASSERT_NE(layer.OpenEditor(), nullptr);
+    EXPECT_EQ(layer.OpenEditor()->text(), "3");
+    QTest::keyClick(layer.OpenEditor(), Qt::Key_Return);
+    EXPECT_EQ(layer.opacity->GetInt(), 3);
 }
 
 TEST(CZelPropList, AlphabeticOrderDissolvesTheGroupsAndGivesThemBack) {
