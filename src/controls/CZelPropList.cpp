@@ -91,6 +91,7 @@ CZelPropList::CZelPropList(QWidget *parent)
 CZelPropList::~CZelPropList() {
     m_tree->disconnect(this);
     RemoveAll();
+    delete m_tree->itemDelegate(); // it would still hear of an editor that loses its focus when the tree goes
 }
 
 void CZelPropList::EnableHeaderCtrl(bool enable, DString const &nameHeading, DString const &valueHeading) {

@@ -125,6 +125,7 @@ void CZelToolBar::SetButtonStyle(int id, unsigned style) {
     if (QAction *const button = GetButton(id)) {
         button->setProperty(kStyle, style);
         button->setCheckable((style & TBBS_CHECKBOX) != 0);
+        Press(*button, button->isChecked()); // in a group it is the only one now
     }
 }
 
@@ -158,6 +159,7 @@ bool CZelToolBar::IsButtonPressed(int id) const {
 void CZelToolBar::EnableButton(int id, bool enable) {
     if (QAction *const button = GetButton(id))
         button->setEnabled(enable);
+    UpdateReach();
 }
 
 bool CZelToolBar::IsButtonEnabled(int id) const {
@@ -168,6 +170,7 @@ bool CZelToolBar::IsButtonEnabled(int id) const {
 void CZelToolBar::ShowButton(int id, bool show) {
     if (QAction *const button = GetButton(id))
         button->setVisible(show);
+    UpdateReach();
 }
 
 bool CZelToolBar::IsButtonShown(int id) const {
@@ -182,7 +185,7 @@ void CZelToolBar::SetButtonShortcut(int id, QKeySequence const &shortcut) {
     }
 }
 
-void CZelToolBar::Dress(QAction &button) const {
+void CZelToolBar::Dress(QAction &button) {
     QString tip = button.property(kTip).toString();
     if (tip.isEmpty())
         tip = button.iconText();

@@ -81,7 +81,7 @@ protected:
     bool eventFilter(QObject *object, QEvent *event) override;
 
 private:
-    void Dress(QAction &button) const;
+    static void Dress(QAction &button);
     void Press(QAction &button, bool press);
     [[nodiscard]] QList<QWidget *> Stops() const;
     [[nodiscard]] bool Walk(QWidget *from, int key);
