@@ -176,8 +176,10 @@ TEST(CZelDockBar, HostileStatesLeaveEveryBarInReach) {
                     text += Format(" %s='%s'", name, value.c_str());
                 text += "/>";
             }
-        text += "<BAR id='" + value + "' name='" + value + "'/><TOOLBAR id='21' order='" + value + "' side='" + value +
-                "'><BUTTON id='" + value + "'/><SEPARATOR/></TOOLBAR></DOCKBAR_DATA>";
+        char const *const raw = value.c_str();
+        text += Format("<BAR id='%s' name='%s'/><TOOLBAR id='21' order='%s' side='%s'><BUTTON id='%s'/><SEPARATOR/>"
+                       "</TOOLBAR></DOCKBAR_DATA>",
+                       raw, raw, raw, raw, raw);
         EXPECT_TRUE(frame.Load(text)) << value;
         for (CZelDockBar const *const bar : {frame.layers, frame.channels, frame.history, frame.info}) {
             EXPECT_TRUE(bar->isFloating()) << value;
@@ -252,7 +254,7 @@ TEST(CZelDockBar, ABarThatFloatsComesBackToItsPlaceAndOneFarAwayIsFetched) {
     EXPECT_LT(frame.channels->y(), frame.history->y()) << "between the two that it stood between";
     QMainWindow inner; // bars of a window within another one are not its own
     inner.setParent(frame.window.centralWidget());
-    CZelDockBar *const other = new CZelDockBar("Inner", 9);
+    auto *const other = new CZelDockBar("Inner", 9);
     other->Dock(inner, Qt::LeftDockWidgetArea);
     EXPECT_EQ(CZelDockBar::BarsOf(frame.window).size(), 5);
     EXPECT_EQ(CZelDockBar::BarsOf(inner), QList<CZelDockBar *>{other});
