@@ -127,8 +127,8 @@ QWidget *MakeSplitterPage() {
 
 std::vector<Page> LayoutPages() {
     return {
-        {"layout", "Dynamic layout", "cdxCDynamicDialog cdxCDynamicPropertyPage cdxCDynamicWnd cdxCSizeIconCtrl",
-         MakeLayoutPage},
+        {"layout", "Dynamic layout",
+         "cdxCDynamicDialog cdxCDynamicPropertyPage cdxCDynamicWnd cdxCDynamicWndEx cdxCSizeIconCtrl", MakeLayoutPage},
         {"splitter", "Splitter", "DSplitterWnd SplitterBar", MakeSplitterPage},
     };
 }

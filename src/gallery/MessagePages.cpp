@@ -313,7 +313,10 @@ std::vector<Page> MessagePages() {
         {"message-details", "Message with details", "DlgMsgDetails", MakeDetailsPage},
         {"filter-find", "Filter & Find", "DlgFltrFind", MakeFilterFindPage},
         {"node-selector", "Selector of nodes", "CBDISelectorDlg", MakeNodeSelectorPage},
-        {"file-dialogs", "File dialogs", "FileDlg DlgOpenDS CDlgSlctDir CCustomFileDlg", MakeFileDialogsPage},
+        {"file-dialogs", "File dialogs",
+         "FileDlg CCustomFileDlg CDlgSlctDir DlgOpenDS DataSourceList DSDataSourceWnd DSListCtrl HierarchyList "
+         "DSPropertyWnd ImagePreviewWnd ImageExtraWnd",
+         MakeFileDialogsPage},
     };
 }
 

@@ -58,6 +58,11 @@ QWidget *MakeThematicPage() {
 
 } // namespace
 
-std::vector<Page> ThematicPages() { return {{"thematic", "Thematic list", "TmtcListCtrl", MakeThematicPage}}; }
+std::vector<Page> ThematicPages() {
+    return {{"thematic", "Thematic list",
+             "TmtcListCtrl ThematicGroup ThematicItem ThematicElement ThematicText ThematicBitmap ThematicButton "
+             "ThematicBitmapButton ThematicHyperlink",
+             MakeThematicPage}};
+}
 
 } // namespace zelvar::gallery
