@@ -2,18 +2,17 @@
 
 #include "zelvar/platform/ui/Pictures.h"
 
-#include <QtGui/QIconEngine>
 #include <QtGui/QPainter>
 #include <QtWidgets/QWidget>
 
 #include <algorithm>
-#include <map>
 #include <unordered_map>
-#include <utility>
 
 namespace zelvar {
 
 namespace {
+
+constexpr double kDisabledOpacity = 0.35;
 
 std::unordered_map<unsigned, ImageDescription> &IconMap() {
     static std::unordered_map<unsigned, ImageDescription> icons;
@@ -28,43 +27,6 @@ std::unordered_map<unsigned, DString> &RegisteredBitmaps() {
 ImageDescription Shape(ImageDescription::Shapes shape, ColorRef fill, ColorRef border) {
     return {.kind = ImageDescription::Kind::Shape, .shape = shape, .fill = fill, .border = border};
 }
-
-constexpr double kDisabledOpacity = 0.35;
-
-/// Draws a described picture at whatever size is asked for, and keeps what it has drawn.
-class DescribedIconEngine final : public QIconEngine {
-public:
-    explicit DescribedIconEngine(ImageDescription description) : m_description(std::move(description)) {}
-
-    void paint(QPainter *painter, QRect const &rect, QIcon::Mode mode, QIcon::State state) override {
-        qreal const ratio = painter->device()->devicePixelRatio();
-        painter->drawPixmap(rect, scaledPixmap(rect.size() * ratio, mode, state, ratio));
-    }
-    QPixmap pixmap(QSize const &size, QIcon::Mode mode, QIcon::State state) override {
-        return scaledPixmap(size, mode, state, 1);
-    }
-    QPixmap scaledPixmap(QSize const &size, QIcon::Mode mode, QIcon::State, qreal scale) override {
-        // `size` is in device pixels.
-        int const side = std::max(1, std::min(size.width(), size.height()));
-        QPixmap &kept = m_kept[{side, mode == QIcon::Disabled}];
-        if (kept.isNull()) {
-            QPixmap const whole = platform::Picture(m_description, 1, side);
-            kept = QPixmap(whole.size());
-            kept.fill(Qt::transparent);
-            QPainter painter(&kept);
-            painter.setOpacity(mode == QIcon::Disabled ? kDisabledOpacity : 1);
-            painter.drawPixmap(0, 0, whole);
-        }
-        QPixmap pixmap = kept;
-        pixmap.setDevicePixelRatio(scale);
-        return pixmap;
-    }
-    [[nodiscard]] QIconEngine *clone() const override { return new DescribedIconEngine(m_description); }
-
-private:
-    ImageDescription m_description;
-    std::map<std::pair<int, bool>, QPixmap> m_kept; ///< by side and whether it is washed out
-};
 
 } // namespace
 
@@ -173,7 +135,7 @@ bool CZelImageList::Draw(QPainter &painter, Point at, int index, bool enabled) c
 
 QIcon CZelImageList::ExtractIcon(int index) const {
     ImageDescription description;
-    return GetImageInfo(index, description) ? QIcon(new DescribedIconEngine(description)) : QIcon();
+    return GetImageInfo(index, description) ? platform::DescribedIcon(description) : QIcon();
 }
 
 } // namespace zelvar

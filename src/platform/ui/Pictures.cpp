@@ -9,10 +9,13 @@
 #include <QtGui/QPainter>
 #include <QtSvg/QSvgRenderer>
 
+#include <algorithm>
 #include <cmath>
 #include <fstream>
+#include <functional>
 #include <map>
 #include <tuple>
+#include <utility>
 
 // A static library's resources are linked only if something names them; the macro must stand outside a namespace.
 static void InitPictureResources() { Q_INIT_RESOURCE(pictures); }
@@ -21,6 +24,7 @@ namespace zelvar::platform {
 
 namespace {
 
+constexpr double kDisabledOpacity = 0.35;
 constexpr std::streamsize kLargestFile = 4 << 20; // bytes; a bigger file is no icon
 constexpr int kKeptPictures = 4096;
 
@@ -166,10 +170,11 @@ QPixmap ShapePicture(ImageDescription const &description, qreal devicePixelRatio
     return pixmap;
 }
 
-/// Draws our SVG resources at whatever size is asked for.
-class ResourceIconEngine final : public QIconEngine {
+/// Draws a picture at whatever size is asked for, and keeps what it has drawn.
+class PictureIconEngine final : public QIconEngine {
 public:
-    explicit ResourceIconEngine(QString name) : m_name(std::move(name)) {}
+    using Draw = std::function<QPixmap(int side)>;
+    explicit PictureIconEngine(Draw draw) : m_draw(std::move(draw)) {}
 
     void paint(QPainter *painter, QRect const &rect, QIcon::Mode mode, QIcon::State state) override {
         qreal const ratio = painter->device()->devicePixelRatio();
@@ -181,22 +186,22 @@ public:
     QPixmap scaledPixmap(QSize const &size, QIcon::Mode mode, QIcon::State, qreal scale) override {
         // `size` is in device pixels.
         int const side = std::max(1, std::min(size.width(), size.height()));
-        QPixmap pixmap = ResourcePicture(m_name, 1, side);
-        if (mode == QIcon::Disabled) {
-            QPixmap faded = EmptyPixmap(side, 1);
-            QPainter painter(&faded);
-            painter.setOpacity(0.35);
-            painter.drawPixmap(0, 0, pixmap);
-            painter.end();
-            pixmap = faded;
+        QPixmap &kept = m_kept[{side, mode == QIcon::Disabled}];
+        if (kept.isNull()) {
+            kept = EmptyPixmap(side, 1);
+            QPainter painter(&kept);
+            painter.setOpacity(mode == QIcon::Disabled ? kDisabledOpacity : 1);
+            painter.drawPixmap(0, 0, m_draw(side));
         }
+        QPixmap pixmap = kept;
         pixmap.setDevicePixelRatio(scale);
         return pixmap;
     }
-    [[nodiscard]] QIconEngine *clone() const override { return new ResourceIconEngine(m_name); }
+    [[nodiscard]] QIconEngine *clone() const override { return new PictureIconEngine(m_draw); }
 
 private:
-    QString m_name;
+    Draw m_draw;
+    std::map<std::pair<int, bool>, QPixmap> m_kept; ///< by side and whether it is washed out
 };
 
 } // namespace
@@ -258,6 +263,12 @@ int StripCount(DString const &name) {
     return strip.isNull() ? 0 : strip.width() / strip.height();
 }
 
-QIcon ResourceIcon(QString const &name) { return QIcon(new ResourceIconEngine(name)); }
+QIcon ResourceIcon(QString const &name) {
+    return QIcon(new PictureIconEngine([name](int side) { return ResourcePicture(name, 1, side); }));
+}
+
+QIcon DescribedIcon(ImageDescription const &description) {
+    return QIcon(new PictureIconEngine([description](int side) { return Picture(description, 1, side); }));
+}
 
 } // namespace zelvar::platform

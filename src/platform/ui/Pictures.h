@@ -33,5 +33,6 @@ inline constexpr int kSmallPicture = 16;
 [[nodiscard]] ZELVAR_API QPixmap ResourcePicture(QString const &name, qreal devicePixelRatio, int side = kSmallPicture);
 /// For buttons and actions: drawn sharp at any size; washed out while disabled.
 [[nodiscard]] ZELVAR_API QIcon ResourceIcon(QString const &name);
+[[nodiscard]] ZELVAR_API QIcon DescribedIcon(ImageDescription const &description);
 
 } // namespace zelvar::platform
