@@ -177,7 +177,7 @@ struct Slider {
         track = slider.findChild<SliderTrack *>();
         edit = slider.findChild<CFloatEdit *>();
     }
-    void Press(Qt::Key key) const { QTest::keyClick(QApplication::focusWidget(), key); }
+    static void Press(Qt::Key key) { QTest::keyClick(QApplication::focusWidget(), key); }
     ZelSliderCtrl slider;
     QSignalSpy changes;
     QSignalSpy ends;

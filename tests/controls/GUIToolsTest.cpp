@@ -108,8 +108,8 @@ TEST(GUITools, DialogUnitsGrowWithTheFont) {
     font.setPixelSize(font.pixelSize() * 2);
     widget.setFont(font);
     Size const large = GUITools::DlgUnitsToPixels(widget, {.cx = 100, .cy = 80});
-    EXPECT_NEAR(large.cx, small.cx * 2, small.cx / 5);
-    EXPECT_NEAR(large.cy, small.cy * 2, small.cy / 5);
+    EXPECT_NEAR(large.cx, small.cx * 2, small.cx / 5.0);
+    EXPECT_NEAR(large.cy, small.cy * 2, small.cy / 5.0);
 }
 
 TEST(GUITools, TheBusyPointerIsGivenBack) {

@@ -32,7 +32,7 @@ struct Column {
         group->setFocus();
         EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
     }
-    void Settle() { window.layout()->activate(); }
+    void Settle() const { window.layout()->activate(); }
     QWidget window;
     CGrpCtrl *group;
     QLineEdit *inside;
