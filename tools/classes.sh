@@ -10,6 +10,8 @@ pages=$("$1" gallery --list)
 # Classes, and in the rooms that are made of functions these.
 names() {
   grep -oE '^(class|struct) ZELVAR_API [A-Za-z_]+' "$1" | awk '{print $3}' || true
+  # A class that is all in its header is public by being installed.
+  [ -f "${1%.h}.cpp" ] || grep -oE '^class [A-Za-z_]+( final)?( : .*)? \{' "$1" | awk '{print $2}' || true
   case $1 in src/dialogs/core/*) ;; src/drawing/* | src/dialogs/* | src/library/*)
     grep -oE '^(\[\[nodiscard\]\] )?ZELVAR_API [A-Za-z_:<> ]+[ *&][A-Za-z_]+\(' "$1" | sed 's/($//; s/.*[ *&]//' || true ;;
   esac
@@ -18,14 +20,19 @@ names() {
 headers() { # of the rooms whose headers are installed
   local room
   for room in src/*/ src/*/*/; do
-    [ -f "$room/CMakeLists.txt" ] && ! grep -q PRIVATE_HEADERS "$room/CMakeLists.txt" || continue
-    ls "$room"*.h 2>/dev/null || true
+    if [ ! -f "$room/CMakeLists.txt" ] || grep -q PRIVATE_HEADERS "$room/CMakeLists.txt"; then continue; fi
+    if grep -q PUBLIC_HEADERS "$room/CMakeLists.txt"; then # these alone
+      grep PUBLIC_HEADERS "$room/CMakeLists.txt" | grep -oE '[A-Za-z]+\.h' | sed "s|^|$room|"
+    else
+      ls "$room"*.h 2>/dev/null || true
+    fi
   done | sed 's|//|/|' | LC_ALL=C sort
 }
 
 mentions=$(grep -roE --include='*Test.cpp' '\b[A-Z][A-Za-z]+\b|\bcdxC[A-Za-z]+\b' tests | sort | uniq -c | awk '{print $1, $2}')
 
 table() {
+  # shellcheck disable=SC2016 # the quotes are text
   printf '%s\n' '# Classes' '' \
     'Every public class with its header, the page of `zelvar gallery` that shows it, and the tests that know it best.' \
     'Made by `tools/classes.sh`; a test tells when it is out of date.' ''
