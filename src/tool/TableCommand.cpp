@@ -221,9 +221,11 @@ public:
 
 protected:
     void closeEvent(QCloseEvent *event) override {
-        SayRows();
-        if (!m_shot.empty())
+        if (!m_shot.empty()) {
+            std::ignore = m_list.grab(); // which may read more
+            SayRows();
             m_isShotWritten = grab().save(QFile::decodeName(m_shot.c_str()), "PNG");
+        }
         QWidget::closeEvent(event);
     }
     void keyPressEvent(QKeyEvent *event) override {
