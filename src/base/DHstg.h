@@ -56,11 +56,13 @@ private:
     std::vector<std::uint64_t> m_counts; ///< one a slot
 };
 
+// NOLINTBEGIN(bugprone-macro-parentheses): no type can stand in parentheses
 #define ZELVAR_HISTOGRAM_SAMPLES(declare, Sample)                                                                      \
     declare template ZELVAR_API void DHstg::AddSamples<Sample>(std::span<Sample const>, double const *);               \
     declare template ZELVAR_API bool DHstg::FindRange<Sample>(std::span<Sample const>, double const *, double &,       \
                                                               double &);                                               \
     declare template ZELVAR_API DHstg DHstg::FromSamples<Sample>(std::span<Sample const>, int, double const *)
+// NOLINTEND(bugprone-macro-parentheses)
 ZELVAR_HISTOGRAM_SAMPLES(extern, std::uint8_t);
 ZELVAR_HISTOGRAM_SAMPLES(extern, std::int8_t);
 ZELVAR_HISTOGRAM_SAMPLES(extern, std::uint16_t);

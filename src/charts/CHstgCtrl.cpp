@@ -47,13 +47,12 @@ void CHstgCtrl::mousePressEvent(QMouseEvent *event) {
 
 void CHstgCtrl::keyPressEvent(QKeyEvent *event) {
     int const last = Geometry().NumSlots() - 1;
-    int slot = m_slctSlot;
+    int slot = m_slctSlot + 1;
     switch (event->key()) {
     case Qt::Key_Left:
         slot = m_slctSlot < 0 ? last : std::min(m_slctSlot - 1, last);
         break;
     case Qt::Key_Right:
-        slot = m_slctSlot + 1;
         break;
     case Qt::Key_Home:
         slot = 0;

@@ -25,7 +25,7 @@ QString ChartAccessible::text(QAccessible::Text kind) const {
     auto const &chart = static_cast<ChartCtrl const &>(*widget());
     if (kind == QAccessible::Value)
         return platform::ToQString(chart.SelectionText());
-    QString const given = QAccessibleWidget::text(kind);
+    QString given = QAccessibleWidget::text(kind);
     if (given.isEmpty() && kind == QAccessible::Description)
         return platform::ToQString(chart.DescriptionText());
     return given;

@@ -101,8 +101,8 @@ bool ThematicGroup::MoveItem(ThematicItem *item, bool up) {
 }
 
 ThematicItem *ThematicGroup::FindRplcItem(ThematicItem const *item) const {
-    auto const next = static_cast<std::size_t>(IndexOf(item) + 1);
-    return next < m_items.size() ? m_items[next] : nullptr;
+    int const next = IndexOf(item) + 1;
+    return next < GetNumItem() ? m_items[static_cast<std::size_t>(next)] : nullptr;
 }
 
 void ThematicGroup::MoveChldr(ThematicGroup &other) {

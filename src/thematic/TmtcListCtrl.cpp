@@ -203,6 +203,7 @@ bool TmtcListCtrl::MoveElmnt(Elmt *elmt, bool up) {
     return true;
 }
 
+// NOLINTNEXTLINE(readability-convert-member-functions-to-static): an operation of a list
 void TmtcListCtrl::ShowElement(Elmt const *elmt, bool show) { static_cast<void>(elmt), static_cast<void>(show); }
 
 void TmtcListCtrl::RepositionItems() {

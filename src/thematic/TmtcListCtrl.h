@@ -91,7 +91,7 @@ private:
     using Watched = std::weak_ptr<Elmt *const>;
 
     [[nodiscard]] static Elmt *Of(Watched const &watched);
-    void Watch(Watched &watched, Elmt *elmt);
+    static void Watch(Watched &watched, Elmt *elmt);
     [[nodiscard]] static bool Holds(Elmt const *elmt, Elmt const *other);
     Elmt *TakeOut(int index);
     void LetGoOf(Elmt *elmt);

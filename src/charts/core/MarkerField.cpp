@@ -104,7 +104,8 @@ PixelRows MarkerField::Render(double ratio, ShapeAt const &shapeAt) const {
         std::vector<bool> used(placed.size());
         for (int word = 0; word < m_places.WordsARow(); ++word)
             for (Word bits = row[word]; bits != 0; bits &= bits - 1) {
-                auto const x = static_cast<std::size_t>(word * kBits + std::countr_zero(bits));
+                int const column = word * kBits + std::countr_zero(bits);
+                auto const x = static_cast<std::size_t>(column);
                 std::size_t const group = columns.fractionIndex[x];
                 auto const pixel = static_cast<unsigned>(columns.pixel[x]);
                 placed[group][pixel / kBits] |= Word{1} << (pixel % kBits);

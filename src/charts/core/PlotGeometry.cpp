@@ -19,10 +19,12 @@ std::vector<double> Positions(double begin, double end, double step) {
     std::vector<double> positions;
     if (!std::isfinite(begin) || !std::isfinite(end) || !std::isfinite(step))
         return {};
-    for (double at = begin; at <= end; at += step) {
+    double at = begin;
+    while (at <= end) {
         if (positions.size() == kMostTicks || at + step == at)
             return {};
         positions.push_back(at);
+        at += step;
     }
     return positions;
 }
