@@ -42,7 +42,7 @@ struct HistogramStage {
         parent.resize(360, 150);
         parent.show();
     }
-    [[nodiscard]] QImage Picture() const { return chart.grab().toImage(); }
+    [[nodiscard]] QImage Picture() { return test::PictureOf(chart); }
     void ClickAt(int x, int y = 60) {
         QTest::mouseClick(&chart, Qt::LeftButton, {}, QPoint(x, y));
         QCoreApplication::processEvents();

@@ -54,7 +54,7 @@ struct PlotStage {
         parent.resize(300, 200);
         parent.show();
     }
-    [[nodiscard]] QImage Picture() const { return plot.grab().toImage(); }
+    [[nodiscard]] QImage Picture() { return test::PictureOf(plot); }
 };
 
 QPoint At(CPlotCtrl const &plot, double x, double y) {

@@ -97,7 +97,7 @@ TEST(CZelCustomButton, ADisabledFaceFadesAndItsTextIsStillRead) {
         custom.button.setEnabled(false);
         QColor const window = custom.button.palette().color(QPalette::Window);
         EXPECT_LE(Contrast(custom.Face(), window), Contrast(strong, window));
-        QImage const picture = custom.button.grab().toImage();
+        QImage const picture = test::PictureOf(custom.button);
         double most = 1;
         for (int y = 8; y < 32; ++y)
             for (int x = 30; x < 70; ++x)

@@ -101,7 +101,7 @@ TEST(CZelImgComboBox, EntriesOfTheListAreIndentedAtTheirStartingEdge) {
             return ColumnsOf(list.viewport()->grab(place).toImage(), QColor(250, 0, 0));
         };
         auto const [left, right] = columns(0);
-        int const step = direction == Qt::LeftToRight ? 20 : -20;
+        int const step = qRound((direction == Qt::LeftToRight ? 20 : -20) * combo.devicePixelRatioF());
         EXPECT_GE(right - left, 10);
         EXPECT_EQ(columns(1), std::pair(left + step, right + step));
         combo.ShowDropDown(false);

@@ -106,7 +106,7 @@ TEST(TmtcListCtrl, TheFirstItemIsSelectedAndNeverAGroup) {
 
 TEST(TmtcListCtrl, DrawsWhatIsSelectedInGold) {
     ListStage stage;
-    QImage const picture = stage.list.grab().toImage();
+    QImage const picture = test::PictureOf(stage.list);
     EXPECT_EQ(picture.pixelColor(100, 138), QColor(255, 215, 0)); // the single item
     QColor const strip = picture.pixelColor(30, 50);
     EXPECT_GT(strip.blue(), 240); // the end of the group's gradient
@@ -116,7 +116,7 @@ TEST(TmtcListCtrl, DrawsWhatIsSelectedInGold) {
 
 TEST(TmtcListCtrl, TextsAreWholeAndReadable) {
     ListStage stage;
-    QImage const picture = stage.list.grab().toImage();
+    QImage const picture = test::PictureOf(stage.list);
     auto const darkest = [&](Rect const &area) {
         int least = 255;
         for (int y = area.top; y < area.bottom; ++y)
