@@ -18,15 +18,15 @@ using platform::ControlKind;
 // Id, kind, text, x, y, width, height in dialog units, and how much of the growth each edge follows.
 constexpr platform::DialogItem kItems[] = {
     {100, ControlKind::Label, "&Name:", 7, 9, 40, 8},
-    {101, ControlKind::Edit, "", 50, 7, 193, 13, {0, 0, 100, 0}},
-    {102, ControlKind::Group, "Remarks (grows both ways)", 7, 26, 236, 60, {0, 0, 100, 100}},
-    {103, ControlKind::MultiLineEdit, "", 14, 38, 222, 42, {0, 0, 100, 100}},
-    {104, ControlKind::Button, "&Left half", 7, 93, 114, 14, {0, 100, 50, 100}},
-    {105, ControlKind::Button, "&Right half", 129, 93, 114, 14, {50, 100, 100, 100}},
-    {1, ControlKind::DefaultButton, "OK", 133, 113, 50, 14, {100, 100, 100, 100}},
-    {2, ControlKind::Button, "Cancel", 193, 113, 50, 14, {100, 100, 100, 100}},
+    {101, ControlKind::Edit, "", 50, 7, 143, 13, {0, 0, 100, 0}},
+    {102, ControlKind::Group, "Remarks (grows both ways)", 7, 26, 186, 60, {0, 0, 100, 100}},
+    {103, ControlKind::MultiLineEdit, "", 14, 38, 172, 42, {0, 0, 100, 100}},
+    {104, ControlKind::Button, "&Left half", 7, 93, 89, 14, {0, 100, 50, 100}},
+    {105, ControlKind::Button, "&Right half", 104, 93, 89, 14, {50, 100, 100, 100}},
+    {1, ControlKind::DefaultButton, "OK", 83, 113, 50, 14, {100, 100, 100, 100}},
+    {2, ControlKind::Button, "Cancel", 143, 113, 50, 14, {100, 100, 100, 100}},
 };
-constexpr platform::DialogTemplate kTemplate{9101, "Dynamic dialog", 250, 134, kItems};
+constexpr platform::DialogTemplate kTemplate{9101, "Dynamic dialog", 200, 134, kItems};
 
 void FillIn(QWidget &window) {
     if (auto *const name = platform::GetDlgItem<QLineEdit>(window, 101))
