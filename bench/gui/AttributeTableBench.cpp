@@ -71,7 +71,7 @@ void Require(bool isSo) {
         std::abort();
 }
 
-/// The told direction: from large to small, from A to Z.
+/// The direction of a first click: numbers from large to small, texts from A to Z.
 void SortNumbersPlainly() {
     std::vector<std::pair<double, int>> keys;
     keys.reserve(kRows);

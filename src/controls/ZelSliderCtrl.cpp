@@ -18,7 +18,7 @@ namespace zelvar {
 namespace {
 
 constexpr int kPagesOfLog = 10; // lines a page
-constexpr int kLongestText = 9; // characters of a value shown without told decimals
+constexpr int kLongestText = 9; // characters of a value shown without a fixed number of decimals
 
 } // namespace
 

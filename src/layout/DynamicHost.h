@@ -57,7 +57,7 @@ protected:
         ApplyTrackSizes(); // a stored position keeps to them
         cdxCDynamicWndEx::OnInitialized();
     }
-    // NOLINTNEXTLINE(bugprone-reserved-identifier,readability-identifier-naming): the given name
+    // NOLINTNEXTLINE(bugprone-reserved-identifier,readability-identifier-naming): applications use this name
     __dynEntry const *__getDynMap(__dynEntry const *last) const override;
 
     void showEvent(QShowEvent *event) override {

@@ -125,7 +125,8 @@ protected:
     friend class cdxCDynamicLayoutInfo;
 
     /// Entry of a class's static layout table.
-    struct __dynEntry {         // NOLINT(bugprone-reserved-identifier,readability-identifier-naming): the given name
+    // NOLINTNEXTLINE(bugprone-reserved-identifier,readability-identifier-naming): applications use this name
+    struct __dynEntry {
         std::uint32_t type = 0; ///< 0 ends the table, 1: `b` is percentages, 2: `b` begins with the modes of x and y
         std::uint32_t id = 0;   ///< 0 for all children that are not named
         std::int8_t b[4]{};
@@ -147,7 +148,7 @@ protected:
     /// `isBotRight`: the top left corner of the window stays.
     virtual void StartAntiFlickering(bool isBotRight);
     /// The class's layout table, asked for with null; null for none.
-    // NOLINTNEXTLINE(bugprone-reserved-identifier,readability-identifier-naming): the given name
+    // NOLINTNEXTLINE(bugprone-reserved-identifier,readability-identifier-naming): applications use this name
     virtual __dynEntry const *__getDynMap(__dynEntry const *last) const;
 
     [[nodiscard]] static EdgePercents _translate(Mode mode) { return TranslateMode(mode); }

@@ -59,7 +59,7 @@ public:
     // NOLINTEND(modernize-use-nodiscard)
 
 private:
-    // NOLINTNEXTLINE(bugprone-reserved-identifier,readability-identifier-naming): the given name
+    // NOLINTNEXTLINE(bugprone-reserved-identifier,readability-identifier-naming): applications use this name
     [[nodiscard]] CTreeCursor _Insert(DString const &text, int image, HTREEITEM after) const;
 
     HTREEITEM m_item = nullptr;

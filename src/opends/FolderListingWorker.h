@@ -23,8 +23,9 @@ enum class FolderListMode : std::int32_t {
 
 /// Lists the children of items into a queue of rows.
 ///
-/// It has the equipment of a thread, yet `Run` is called directly and lists to its end on the calling thread: that is
-/// settled. What a run has found is kept for the next one, which then asks the source for new items only.
+/// It has the equipment of a thread, yet `Run` is called directly and lists to its end on the calling thread: the list
+/// takes the rows from the queue right behind the call. What a run has found is kept for the next one, which then asks
+/// the source for new items only.
 class FolderListingWorker final : public DThread, public DataSourceItem::ICancel {
 public:
     using ItemList = std::list<RefItemPtr<DataSourceItem>>;

@@ -65,7 +65,7 @@ public:
     void SetEnblGrpSlct(bool enable) { m_enblGrpSlct = enable; }
     void SetListFont(QFont const &font);
 
-    /// Off unless told: keys do nothing. On, Up, Down, Home and End go from element to element and select items (and
+    /// Off by default: keys do nothing. On, Up, Down, Home and End go from element to element and select items (and
     /// groups, where they may be selected), Ctrl+Up and Ctrl+Down move the item, Delete removes it, Enter on a group
     /// adds to it.
     void SetKeyboardControl(bool on);

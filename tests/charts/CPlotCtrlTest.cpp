@@ -94,7 +94,7 @@ TEST(CPlotCtrl, DrawsFrameAxesTicksAndMarkers) {
     EXPECT_EQ(stage.Picture().pixel(160, 30), qRgb(255, 255, 255));
 }
 
-/// Every line and marker in turn, as it is told.
+/// Every line and marker drawn in turn.
 void DrawInTurn(QPainter &painter, PlotGeometry const &geometry, std::vector<PlotPoint> const &points, bool lines,
                 std::size_t selected) {
     QPoint last;

@@ -23,7 +23,7 @@ std::vector<unsigned char> BytesOf(std::vector<Sample> const &samples) {
     return bytes;
 }
 
-/// The reduction as it is told, one sample after the other, every value a double.
+/// The reduction by its formula, one sample after the other, every value a double.
 template <class Sample>
 std::vector<unsigned char> Reference(std::vector<Sample> const &samples) {
     std::vector<unsigned char> out = BytesOf(samples);

@@ -20,7 +20,7 @@ namespace {
 /// An engine with its protected members open, and a table of its own.
 class Engine : public cdxCDynamicWnd {
 public:
-    using cdxCDynamicWnd::__dynEntry; // NOLINT(bugprone-reserved-identifier): the given name
+    using cdxCDynamicWnd::__dynEntry; // NOLINT(bugprone-reserved-identifier): applications use this name
     using cdxCDynamicWnd::DoCreateLayoutInfo;
     using cdxCDynamicWnd::m_bIsAntiFlickering;
     using cdxCDynamicWnd::m_bUseScrollPos;

@@ -96,7 +96,7 @@ TEST(CListCtrlFlex, AHeadingSortsAscendingThenDescending) {
         {"numbers, and what is none as the largest", ADICol_Double, {"12", "abc", "3"}, "3 12 abc", "abc 12 3"},
         {"whole numbers likewise", ADICol_Int, {"10", "9", "-1"}, "-1 9 10", "10 9 -1"},
         {"texts by bytes", ADICol_String, {"a9", "a10", "B"}, "B a10 a9", "a9 a10 B"},
-        {"a type never told is text", ADICol_None, {"9", "10"}, "10 9", "9 10"},
+        {"an unknown type is text", ADICol_None, {"9", "10"}, "10 9", "9 10"},
         {"bytes are unsigned", ADICol_String, {"\xc3\xa9", "z"}, "z \xc3\xa9", "\xc3\xa9 z"},
     };
     for (Case const &c : cases) {

@@ -73,8 +73,8 @@ TEST(CellOrder, ANumberIsWhatATextBeginsWithAndAWordIsNone) {
         EXPECT_EQ(SortNumberOf(c.text), c.number) << c.text;
 }
 
-/// The rule as it is told, for two cells.
-int Told(std::string const &a, std::string const &b) {
+/// The rule for two cells, by its definition.
+int Defined(std::string const &a, std::string const &b) {
     double const first = std::strtod(a.c_str(), nullptr);
     double const second = std::strtod(b.c_str(), nullptr);
     if (first == 0 && second == 0)
@@ -82,7 +82,7 @@ int Told(std::string const &a, std::string const &b) {
     return first < second ? 1 : first > second ? -1 : 0;
 }
 
-TEST(CellOrder, IsTheToldOneForEveryMixture) {
+TEST(CellOrder, IsTheDefinedOneForEveryMixture) {
     Texts const some = {"",         "0",   "-0",  "abc", "ABC",    "abcdefgh", "ABCDEFGHI", "abcdefghi",
                         "5",        "5.0", "-5",  "x5",  "1e3",    "999",      "12a",       "-0.1",
                         "\xC3\xA4", " ",   "  3", "_a",  "1e-320", "0x10"};
@@ -94,7 +94,7 @@ TEST(CellOrder, IsTheToldOneForEveryMixture) {
         for (bool const ascending : {true, false}) {
             Texts expected = column;
             std::stable_sort(expected.begin(), expected.end(), [ascending](auto const &a, auto const &b) {
-                return (ascending ? Told(a, b) : Told(b, a)) < 0;
+                return (ascending ? Defined(a, b) : Defined(b, a)) < 0;
             });
             ASSERT_EQ(Sorted(column, ascending), expected);
         }

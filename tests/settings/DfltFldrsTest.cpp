@@ -15,15 +15,15 @@ namespace {
 
 using platform::ShellFolderOf;
 
-/// Everything in both styles: the told results in the one, the same with the native separator in the other.
+/// Everything in both styles: with backslashes in the one, the same with the native separator in the other.
 class DfltFldrsTest : public testing::TestWithParam<PathStyle> {
 public:
     DfltFldrsTest() {
         m_shell = std::make_shared<platform::ScriptedShellNamespace>();
-        m_shell->SetSpecialFolder(ShellFolderOf::Desktop, Told("C:\\u\\Desktop"));
-        m_shell->SetSpecialFolder(ShellFolderOf::Documents, Told("C:\\u\\Docs"));
+        m_shell->SetSpecialFolder(ShellFolderOf::Desktop, Styled("C:\\u\\Desktop"));
+        m_shell->SetSpecialFolder(ShellFolderOf::Documents, Styled("C:\\u\\Docs"));
         m_former = platform::ShellNamespace::SetCurrent(m_shell);
-        setenv("ZELVAR_INSTALL_DIR", Told("C:\\inst\\").c_str(), 1);
+        setenv("ZELVAR_INSTALL_DIR", Styled("C:\\inst\\").c_str(), 1);
         SettingsStore::Instance().RemoveTree("User\\DefaultFolders");
     }
     ~DfltFldrsTest() override {
@@ -34,13 +34,13 @@ public:
     DfltFldrsTest &operator=(DfltFldrsTest const &) = delete;
 
 protected:
-    /// A told text in the style under test.
-    [[nodiscard]] static DString Told(DString text) {
+    /// A text with backslashes in the style under test.
+    [[nodiscard]] static DString Styled(DString text) {
         std::replace(text.begin(), text.end(), '\\', GetParam().separator);
         return text;
     }
     [[nodiscard]] static DString Translated(char const *path) {
-        return DfltFldrs::TranslateSpecialPath(Told(path), GetParam());
+        return DfltFldrs::TranslateSpecialPath(Styled(path), GetParam());
     }
     [[nodiscard]] static std::vector<DString> Offered(DfltFldrs const &folders, char const *key, bool defaults = true,
                                                       bool history = true) {
@@ -53,7 +53,7 @@ protected:
     }
     [[nodiscard]] static std::vector<DString> List(std::vector<DString> texts) {
         for (DString &text : texts)
-            text = Told(text);
+            text = Styled(text);
         return texts;
     }
 
@@ -64,11 +64,11 @@ INSTANTIATE_TEST_SUITE_P(Styles, DfltFldrsTest, testing::Values(PathStyle::Nativ
                          [](auto const &style) { return style.param == PathStyle::Native() ? "Native" : "Windows"; });
 
 TEST_P(DfltFldrsTest, WordsStandForFolders) {
-    EXPECT_EQ(Translated("desktop"), Told("C:\\u\\Desktop\\"));
-    EXPECT_EQ(Translated("My documents"), Told("C:\\u\\Docs\\"));
-    EXPECT_EQ(Translated("Desktop\\x"), Told("Desktop\\x"));
-    EXPECT_EQ(Translated("installdir\\Examples"), Told("C:\\inst\\Examples"));
-    EXPECT_EQ(Translated("InstallDirs"), Told("C:\\insts"));
+    EXPECT_EQ(Translated("desktop"), Styled("C:\\u\\Desktop\\"));
+    EXPECT_EQ(Translated("My documents"), Styled("C:\\u\\Docs\\"));
+    EXPECT_EQ(Translated("Desktop\\x"), Styled("Desktop\\x"));
+    EXPECT_EQ(Translated("installdir\\Examples"), Styled("C:\\inst\\Examples"));
+    EXPECT_EQ(Translated("InstallDirs"), Styled("C:\\insts"));
     EXPECT_EQ(Translated("InstallDi"), "InstallDi");
     EXPECT_EQ(Translated(""), "");
 }
@@ -78,8 +78,8 @@ TEST_P(DfltFldrsTest, AFolderThatTheSystemDoesNotNameLeavesTheWord) {
     platform::ShellNamespace::SetCurrent(bare);
     EXPECT_EQ(Translated("Desktop"), "Desktop");
     EXPECT_EQ(Translated("My Documents"), "My Documents");
-    bare->SetSpecialFolder(ShellFolderOf::CommonDocuments, Told("C:\\all\\"));
-    EXPECT_EQ(Translated("My Documents"), Told("C:\\all\\")); // one separator at its end stays one
+    bare->SetSpecialFolder(ShellFolderOf::CommonDocuments, Styled("C:\\all\\"));
+    EXPECT_EQ(Translated("My Documents"), Styled("C:\\all\\")); // one separator at its end stays one
     DString path = "kept";
     EXPECT_FALSE(DfltFldrs::GetSpecialFolder(1, path, GetParam()));
     EXPECT_EQ(path, "kept");
@@ -87,9 +87,9 @@ TEST_P(DfltFldrsTest, AFolderThatTheSystemDoesNotNameLeavesTheWord) {
 
 TEST_P(DfltFldrsTest, DefaultsFollowTheHistoryWithoutWhatItHolds) {
     DfltFldrs folders(GetParam());
-    folders.SetDfltFldrs("Own", Told(R"(c:\A;Desktop;;c:\b;C:\B)").c_str());
+    folders.SetDfltFldrs("Own", Styled(R"(c:\A;Desktop;;c:\b;C:\B)").c_str());
     EXPECT_EQ(Offered(folders, "Own"), List({"c:\\A", "C:\\u\\Desktop\\", "c:\\b"}));
-    SetHistory("Own", Told("C:\\a;;desktop;C:\\a"));
+    SetHistory("Own", Styled("C:\\a;;desktop;C:\\a"));
     EXPECT_EQ(Offered(folders, "Own"), List({"C:\\a", "C:\\u\\Desktop\\", "C:\\a", "c:\\b"}));
     EXPECT_EQ(Offered(folders, "Own", false, true), List({"C:\\a", "C:\\u\\Desktop\\", "C:\\a"}));
     EXPECT_TRUE(Offered(folders, "Own", false, false).empty());
@@ -101,12 +101,12 @@ TEST_P(DfltFldrsTest, DefaultsFollowTheHistoryWithoutWhatItHolds) {
 
 TEST_P(DfltFldrsTest, AChosenFolderMovesToTheHeadInItsNewForm) {
     DfltFldrs folders(GetParam());
-    SetHistory("Own", Told(R"(C:\x;c:\a;C:\A)"));
-    folders.SaveDirHist("Own", Told("C:\\A"));
-    EXPECT_EQ(DUserCnfg("DefaultFolders").ReadString("Own", ""), Told(R"(C:\A;C:\x;C:\A)")); // one match is removed
+    SetHistory("Own", Styled(R"(C:\x;c:\a;C:\A)"));
+    folders.SaveDirHist("Own", Styled("C:\\A"));
+    EXPECT_EQ(DUserCnfg("DefaultFolders").ReadString("Own", ""), Styled(R"(C:\A;C:\x;C:\A)")); // one match is removed
     folders.SaveDirHist("Own", "");
     folders.SaveDirHist("", "x");
-    EXPECT_EQ(DUserCnfg("DefaultFolders").ReadString("Own", ""), Told(R"(C:\A;C:\x;C:\A)"));
+    EXPECT_EQ(DUserCnfg("DefaultFolders").ReadString("Own", ""), Styled(R"(C:\A;C:\x;C:\A)"));
 }
 
 TEST_P(DfltFldrsTest, AtTenEntriesOfHistoryAndDefaultsTheOldestGoes) {

@@ -30,9 +30,9 @@
 //   signal PID        sends SIGTERM
 //   thread            starts a thread and waits for its end, which must work
 // Facts
-//   width, height     of the image; 8 and 4 unless told
-//   bands             channels; 1 unless told
-//   type              RDIDataType; 1 (8 bit unsigned) unless told
+//   width, height     of the image; 8 and 4 by default
+//   bands             channels; 1 by default
+//   type              RDIDataType; 1 (8 bit unsigned) by default
 //   palette           1: the one channel is shown through a palette
 //   members           children of the tree's root, images "member 0", ...; a file without any is no tree
 //

@@ -162,7 +162,7 @@ void WriteGeoPackage(DString const &path, int layers, int tables, int pictures) 
 }
 
 void WriteNetCdf(DString const &path, int variables) {
-    // GDAL's multidimensional interface names the variables as told.
+    // GDAL's multidimensional interface keeps the names of the variables.
     Driver("netCDF");
     GDALDatasetH dataset = GDALCreateMultiDimensional(Driver("netCDF"), path.c_str(), nullptr, nullptr);
     ASSERT_NE(dataset, nullptr);

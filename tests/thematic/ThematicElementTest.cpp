@@ -231,7 +231,7 @@ TEST(ThematicGroup, KeepsItsItemsInOrder) {
     other.MoveChldr(group);
     EXPECT_EQ(group.GetNumItem(), 0);
     EXPECT_EQ(other.GetNumItem(), 2);
-    EXPECT_EQ(a->GetGrp(), &group); // stays told so
+    EXPECT_EQ(a->GetGrp(), &group); // keeps its answer
     other.RmvItem(a, true);
     other.RmvItem(b, false);
     EXPECT_EQ(other.GetNumItem(), 0);

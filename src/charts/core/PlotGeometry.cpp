@@ -13,8 +13,8 @@ namespace {
 constexpr std::size_t kMostTicks = 10'000; // of an axis; more than pixels of any screen
 constexpr double kAtAxis = 0.000001;       // nearer to the minimum than this there is no grid line, the axis is there
 
-/// The positions from `begin` by `step` up to `end`, added up one by one as they are told; none if that does not end
-/// soon.
+/// The positions from `begin` by `step` up to `end`, each the one before plus the step, so that the axis shows the
+/// positions that its caller would compute; none if that does not end soon.
 std::vector<double> Positions(double begin, double end, double step) {
     std::vector<double> positions;
     if (!std::isfinite(begin) || !std::isfinite(end) || !std::isfinite(step))

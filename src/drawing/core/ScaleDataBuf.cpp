@@ -8,7 +8,7 @@ namespace zelvar {
 
 namespace {
 
-/// The told byte of each sample other than zero where no range is left: 255. Bytes of zeros are passed over.
+/// 255 for each sample other than zero, where no range is left to spread. Bytes of zeros are passed over.
 template <class Sample>
 void MarkNonZero(Sample const *samples, unsigned char *bytes, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i)

@@ -4,7 +4,7 @@
 
 namespace zelvar::platform {
 
-/// True if the file server of "[user@]host[:port]" takes a connection within `timeoutMs`; port 445 unless told. The
+/// True if the file server of "[user@]host[:port]" takes a connection within `timeoutMs`; port 445 by default. The
 /// name goes through the system's resolver.
 [[nodiscard]] bool AcceptsConnections(DString const &authority, int timeoutMs);
 
