@@ -5,8 +5,8 @@
 #     DEPENDS  platform_ui layout_core     # part of this module's headers
 #     PRIVATE  settings                    # used by its .cpp files only
 #     EXTERNAL Qt6::Widgets                # other libraries in its headers; EXTERNAL_PRIVATE for the .cpp files only
-#     PRIVATE_HEADERS                      # nothing of it is installed
-#     PUBLIC_HEADERS cdxCDynamicWnd.h ...  # these alone are installed; without either all of them
+#     PUBLIC_HEADERS cdxCDynamicWnd.h ...  # for applications: these are installed, with all that they include
+#     PRIVATE_HEADERS                      # or: nothing of it is installed
 #     SOURCES  cdxCDynamicWnd.cpp ...)
 #
 # - A module may only name modules of a lower LAYER: a cycle cannot be written down.
@@ -53,12 +53,11 @@ function(zelvar_module name)
     file(CREATE_LINK "${CMAKE_CURRENT_SOURCE_DIR}/${header}" "${window}/zelvar/${ARG_FOLDER}/${header}" SYMBOLIC)
   endforeach()
   target_include_directories(zelvar_${name} PUBLIC "${window}")
-  if(NOT ARG_PRIVATE_HEADERS)
-    set(installed ${headers})
-    if(ARG_PUBLIC_HEADERS)
-      set(installed ${ARG_PUBLIC_HEADERS})
-    endif()
-    install(FILES ${installed} DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/zelvar/${ARG_FOLDER}" COMPONENT dev)
+  if(NOT ARG_PRIVATE_HEADERS AND NOT ARG_PUBLIC_HEADERS)
+    message(FATAL_ERROR "${name}: say PUBLIC_HEADERS or PRIVATE_HEADERS")
+  endif()
+  if(ARG_PUBLIC_HEADERS)
+    install(FILES ${ARG_PUBLIC_HEADERS} DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/zelvar/${ARG_FOLDER}" COMPONENT dev)
   endif()
 
   if(ZELVAR_DEV)

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Installs a build into a folder of its own and builds the README's example against that alone, by CMake and by
-# pkg-config. Usage: tools/check-install.sh BUILD_FOLDER
+# Installs a build into a folder of its own and builds against that alone, by CMake and by pkg-config: the README's
+# example, a program of its own, and one that needs each inline function of each installed header. Usage: tools/check-install.sh BUILD_FOLDER
 set -euo pipefail
 source=$(cd "$(dirname "$0")/.." && pwd)
 scratch=$(mktemp -d); trap 'rm -rf "$scratch"' EXIT
@@ -15,7 +15,12 @@ add_executable(app main.cpp)
 target_link_libraries(app PRIVATE Zelvar::zelvar)
 add_executable(own main-own.cpp)
 target_link_libraries(own PRIVATE Zelvar::zelvar-core)
+add_executable(every every.cpp)
+target_compile_options(every PRIVATE -fkeep-inline-functions)
+target_link_libraries(every PRIVATE Zelvar::zelvar)
 CMAKE
+(cd "$scratch/usr/include" && find zelvar -name '*.h' | sort | sed 's/.*/#include "&"/') >"$scratch/every.cpp"
+echo 'int main() { return 0; }' >>"$scratch/every.cpp"
 cat >"$scratch/main-own.cpp" <<'CPP'
 // Reads an image in its own process.
 #include "zelvar/data/ImageReader.h"
@@ -33,6 +38,13 @@ cmake -S "$scratch" -B "$scratch/build" -DCMAKE_PREFIX_PATH="$scratch/usr" >/dev
 cmake --build "$scratch/build" >/dev/null
 flags=$(PKG_CONFIG_PATH=$(dirname "$(find "$scratch/usr" -name zelvar.pc)") pkg-config --define-prefix --cflags --libs zelvar)
 case "$flags" in *-lzelvar*) ;; *) echo "pkg-config says: $flags"; exit 1 ;; esac
+# The headers of the lower library need it alone.
+export PKG_CONFIG_PATH; PKG_CONFIG_PATH=$(dirname "$(find "$scratch/usr" -name zelvar-core.pc)")
+grep -vE '"zelvar/(charts|controls|dialogs|drawing/[A-Z]|filedlg|layout|library|lists|opends/[A-Z]|platform/ui|thematic)' \
+  "$scratch/every.cpp" >"$scratch/core.cpp"
+# shellcheck disable=SC2046 # words
+g++ -std=c++20 -fkeep-inline-functions "$scratch/core.cpp" -o "$scratch/core" \
+  $(pkg-config --define-prefix --cflags --libs zelvar-core)
 mkdir "$scratch/empty" "$scratch/home"
 ZELVAR_SETTINGS=$scratch/settings.db HOME=$scratch/home "$scratch/usr/bin/zelvar" ls "$scratch/empty" || [ $? -eq 1 ] # nothing found
 # What is read is read by the installed reader, with the installed drivers.

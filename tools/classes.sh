@@ -17,16 +17,12 @@ names() {
   esac
 }
 
-headers() { # of the rooms whose headers are installed
+headers() { # that are installed: from "PUBLIC_HEADERS" to the next keyword
   local room
   for room in src/*/ src/*/*/; do
-    if [ ! -f "$room/CMakeLists.txt" ] || grep -q PRIVATE_HEADERS "$room/CMakeLists.txt"; then continue; fi
-    if grep -q PUBLIC_HEADERS "$room/CMakeLists.txt"; then # these alone
-      grep PUBLIC_HEADERS "$room/CMakeLists.txt" | grep -oE '[A-Za-z]+\.h' | sed "s|^|$room|"
-    else
-      ls "$room"*.h 2>/dev/null || true
-    fi
-  done | sed 's|//|/|' | LC_ALL=C sort
+    [ ! -f "$room/CMakeLists.txt" ] ||
+      tr '\n' ' ' <"$room/CMakeLists.txt" | grep -oP 'PUBLIC_HEADERS\K( +\w+\.h)+' | tr ' ' '\n' | sed "/./!d; s|^|$room|"
+  done | LC_ALL=C sort
 }
 
 mentions=$(grep -roE --include='*Test.cpp' '\b[A-Z][A-Za-z]+\b|\bcdxC[A-Za-z]+\b' tests | sort | uniq -c | awk '{print $1, $2}')

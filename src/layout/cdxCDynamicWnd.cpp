@@ -207,6 +207,8 @@ void cdxCDynamicWnd::CreateSizeIcon() {
     m_pSizeIcon->show();
 }
 
+EdgePercents cdxCDynamicWnd::_translate(Mode mode) { return TranslateMode(mode); }
+
 cdxCDynamicWnd::__dynEntry const *cdxCDynamicWnd::__getDynMap(__dynEntry const * /*last*/) const { return nullptr; }
 
 void cdxCDynamicWnd::DoOnSize(int type, int /*cx*/, int /*cy*/) {

@@ -151,7 +151,7 @@ protected:
     // NOLINTNEXTLINE(bugprone-reserved-identifier,readability-identifier-naming): applications use this name
     virtual __dynEntry const *__getDynMap(__dynEntry const *last) const;
 
-    [[nodiscard]] static EdgePercents _translate(Mode mode) { return TranslateMode(mode); }
+    [[nodiscard]] static EdgePercents _translate(Mode mode);
 
     // Windows of hosts and derived classes read and set these by name.
     QPointer<QWidget> m_pWnd;               ///< the window served, not owned

@@ -56,6 +56,8 @@ int RowGeometry::RowAtPosition(int position) const { return m_order.empty() ? po
 
 int RowGeometry::PositionOfRow(int row) const { return m_positions.empty() ? row : m_positions[Index(row)]; }
 
+std::int64_t RowGeometry::RowTop(int row) const { return PositionTop(PositionOfRow(row)); }
+
 RowGeometry::Span const &RowGeometry::SpanOfPosition(int position) const {
     auto const behind = std::upper_bound(m_spans.begin(), m_spans.end(), position,
                                          [](int value, Span const &span) { return value < span.firstPosition; });

@@ -31,7 +31,7 @@ public:
     [[nodiscard]] int RowAtPosition(int position) const;
     [[nodiscard]] int PositionOfRow(int row) const;
 
-    [[nodiscard]] std::int64_t RowTop(int row) const { return PositionTop(PositionOfRow(row)); }
+    [[nodiscard]] std::int64_t RowTop(int row) const;
     [[nodiscard]] std::int64_t PositionTop(int position) const;
     /// The row at this height; nothing on a header or below the last row.
     [[nodiscard]] std::optional<int> RowAt(std::int64_t y) const;

@@ -212,6 +212,8 @@ void ReportView::RemoveAllGroups() {
 
 // --- states ---
 
+unsigned ReportView::GetItemState(int row, unsigned mask) const { return m_selection.State(row) & mask; }
+
 bool ReportView::SetItemState(int row, unsigned state, unsigned mask) {
     if (row != -1 && !HasRow(row))
         return false;

@@ -50,7 +50,7 @@ public:
     void InsertGroup(DString const &header, int id); ///< behind the groups that are there
     void RemoveAllGroups();
 
-    [[nodiscard]] unsigned GetItemState(int row, unsigned mask) const { return m_selection.State(row) & mask; }
+    [[nodiscard]] unsigned GetItemState(int row, unsigned mask) const;
     /// -1 for `row` means all rows. False for a row that does not exist.
     bool SetItemState(int row, unsigned state, unsigned mask);
     [[nodiscard]] int GetSelectedCount() const { return m_selection.Selected().Count(); }
