@@ -20,8 +20,8 @@ names() {
 headers() { # that are installed: from "PUBLIC_HEADERS" to the next keyword
   local room
   for room in src/*/ src/*/*/; do
-    [ ! -f "$room/CMakeLists.txt" ] ||
-      tr '\n' ' ' <"$room/CMakeLists.txt" | grep -oP 'PUBLIC_HEADERS\K( +\w+\.h)+' | tr ' ' '\n' | sed "/./!d; s|^|$room|"
+    [ -f "$room/CMakeLists.txt" ] || continue
+    { tr '\n' ' ' <"$room/CMakeLists.txt" | grep -oP 'PUBLIC_HEADERS\K( +\w+\.h)+' | tr ' ' '\n' | sed "/./!d; s|^|$room|" || true; }
   done | LC_ALL=C sort
 }
 
