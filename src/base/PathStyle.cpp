@@ -36,6 +36,42 @@ bool CutEqualChar(std::string_view &name, std::string_view &mask) {
 
 void CutChar(std::string_view &text) { text.remove_prefix(std::max(1U, Utf8Length(text))); }
 
+FoldedChar CutFolded(std::string_view &text) {
+    FoldedChar const c = FoldFirst(text);
+    text.remove_prefix(c.length);
+    return c;
+}
+
+std::string_view BytesOf(FoldedChar const &c) { return {reinterpret_cast<char const *>(c.bytes), c.length}; }
+
+/// True if `mask` begins with a set, as "[tT]", "[0-9]" or "[!a-c]", that holds the first character of `name`; both are
+/// cut then. A bracket that nothing closes is a character like others.
+bool CutCharOfSet(std::string_view &name, std::string_view &mask) {
+    std::size_t const close = mask.front() == '[' ? mask.find(']', 2) : kNone;
+    if (close == kNone)
+        return false;
+    std::string_view set = mask.substr(1, close - 1);
+    bool const isNegated = set.size() > 1 && (set.front() == '!' || set.front() == '^');
+    if (isNegated)
+        set.remove_prefix(1);
+    FoldedChar const c = FoldFirst(name);
+    bool isIn = false;
+    while (!set.empty()) {
+        FoldedChar const low = CutFolded(set);
+        FoldedChar high = low;
+        if (set.size() > 1 && set.front() == '-') {
+            set.remove_prefix(1);
+            high = CutFolded(set);
+        }
+        isIn = isIn || (BytesOf(low) <= BytesOf(c) && BytesOf(c) <= BytesOf(high));
+    }
+    if (isIn == isNegated)
+        return false;
+    name.remove_prefix(c.length);
+    mask.remove_prefix(close + 1);
+    return true;
+}
+
 /// A failure goes back to the last "*" only, so the time is bounded by the product of the lengths.
 bool MatchesMask(std::string_view name, std::string_view mask) {
     if (mask == "*.*")
@@ -54,7 +90,7 @@ bool MatchesMask(std::string_view name, std::string_view mask) {
         } else if (!mask.empty() && mask.front() == '?') {
             mask.remove_prefix(1);
             CutChar(name);
-        } else if (mask.empty() || !CutEqualChar(name, mask)) {
+        } else if (mask.empty() || (!CutCharOfSet(name, mask) && !CutEqualChar(name, mask))) {
             if (!starSeen)
                 return false;
             CutChar(nameAtStar);

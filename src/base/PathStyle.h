@@ -31,7 +31,8 @@ struct PathStyle {
 [[nodiscard]] ZELVAR_API bool IsUrl(std::string_view path);
 
 /// True if `name` matches one of the masks in `masks`, separated by ";". "*" and "?" stand for any characters and for
-/// one character, case is not regarded, blanks before a mask are passed over, "*.*" matches every name.
+/// one character, "[tT]", "[0-9]" and "[!a-c]" for one of a set; a "[" stands for itself, too, so that the name
+/// "a[1].tif" matches itself. Case is not regarded, blanks before a mask are passed over, "*.*" matches every name.
 [[nodiscard]] ZELVAR_API bool PathMatchSpec(std::string_view name, std::string_view masks);
 
 } // namespace zelvar

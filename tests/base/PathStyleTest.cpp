@@ -34,6 +34,14 @@ TEST(PathMatchSpec, MatchesMasks) {
         {"aXbXc", "a*x*c", true},
         {"aXbXcd", "a*x*c", false},
         {"abc", "a**?c*", true},
+        {"x.TIF", "*.[tT][iI][fF]", true},
+        {"x.tig", "*.[tT][iI][fF]", false},
+        {"x7", "x[0-9]", true},
+        {"x7", "x[!0-9]", false},
+        {"x\xC3\x84", "*[!a-z]", true},
+        {"a[1].tif", "a[1].tif", true},
+        {"a1.tif", "a[1].tif", true},
+        {"a[", "a[", true},
     };
     for (Case const &c : cases)
         EXPECT_EQ(PathMatchSpec(c.name, c.masks), c.expected) << c.name << " by " << c.masks;
