@@ -8,7 +8,10 @@
 #include <thread>
 
 #include <fcntl.h>
+#include <sched.h>
 #include <sys/file.h>
+#include <sys/prctl.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -40,17 +43,25 @@ public:
                     "[secret$]\n path = " +
                     (m_folder / "share") + "\n guest ok = yes\n";
         DString const file = m_folder.Write("smb.conf", settings);
-        m_process = fork();
+        // The server starts services in sessions of their own: the first process of a process namespace takes all of
+        // them with it when it ends, and it ends with this one.
+        m_process = static_cast<pid_t>(syscall(SYS_clone, CLONE_NEWPID | SIGCHLD, 0, 0, 0, 0));
         if (m_process == 0) {
-            setpgid(0, 0); // when it ends, it ends its whole process group
-            execl(kServer, kServer, "-F", "--no-process-group", "-s", file.c_str(), static_cast<char *>(nullptr));
-            _exit(127);
+            prctl(PR_SET_PDEATHSIG, SIGKILL);
+            pid_t const server = fork();
+            if (server == 0) {
+                execl(kServer, kServer, "-F", "--no-process-group", "-s", file.c_str(), static_cast<char *>(nullptr));
+                _exit(127);
+            }
+            while (wait(nullptr) != server) {
+            }
+            _exit(0);
         }
-        return true;
+        return m_process > 0;
     }
     ~LoopbackSamba() {
         if (m_process > 0) {
-            kill(m_process, SIGTERM);
+            kill(m_process, SIGKILL);
             waitpid(m_process, nullptr, 0);
         }
         if (m_lock >= 0)
