@@ -71,12 +71,13 @@ bool ReadChannels(OpenImage const &image, ImageInfo const &info, StopSignal cons
     return true;
 }
 
-bool ReadPicture(OpenImage const &image, StopSignal const *stop, DCanvas &canvas) {
+bool ReadPicture(OpenImage const &image, StopSignal const *stop, DCanvas &canvas, Enlarge enlarge) {
     ImageInfo const info = Describe(image);
     if (info.width < 1 || info.height < 1 || info.channels < 1 || IsStopped(stop))
         return false;
+    int const longer = std::max(info.height, info.width);
     double const scale =
-        std::min(static_cast<double>(kLongerSide) / info.height, static_cast<double>(kLongerSide) / info.width);
+        enlarge == Enlarge::No && longer < kLongerSide ? 1.0 : static_cast<double>(kLongerSide) / longer;
     canvas.SetSize(static_cast<int>(info.width * scale), static_cast<int>(info.height * scale));
     if (!canvas.HasData())
         return false; // a side shorter than a pixel
@@ -102,13 +103,14 @@ bool ReadImageInfo(BDIMoniker const &moniker, DString const &driverId, StopSigna
     return true;
 }
 
-bool ReadPreview(BDIMoniker const &moniker, DString const &driverId, StopSignal const *stop, DCanvas &picture) {
+bool ReadPreview(BDIMoniker const &moniker, DString const &driverId, StopSignal const *stop, DCanvas &picture,
+                 Enlarge enlarge) {
     RequestScope const scope(RequestKind::Preview);
     DCanvas canvas;
     bool read = false;
     try {
         OpenImage const image(moniker, driverId, stop);
-        read = image.IsOpen() && ReadPicture(image, stop, canvas);
+        read = image.IsOpen() && ReadPicture(image, stop, canvas, enlarge);
     } catch (std::bad_alloc const &) {
         Report::TraceMessage(Report::kTraceDriver, "no memory for the preview of \"%s\"", moniker.GetText().c_str());
     }

@@ -21,6 +21,9 @@ struct ImageInfo {
 [[nodiscard]] ZELVAR_API bool ReadImageInfo(BDIMoniker const &moniker, DString const &driverId, StopSignal const *stop,
                                             ImageInfo &info);
 
+/// Whether a picture of an image smaller than the picture is larger than the image.
+enum class Enlarge { No, Yes };
+
 /// Reads the picture of the image's first slice, its longer side 1024 pixels: three channels as red, green and blue,
 /// fewer as grey from the first, one with a palette in the palette's colours. Samples wider than 8 bits are reduced by
 /// `ScaleDataBuf`.
@@ -28,6 +31,6 @@ struct ImageInfo {
 /// False, and `picture` empty, if it is no image, was stopped, or has 33,587,208 pixels or more without a pyramid: that
 /// would take too long. Any thread.
 [[nodiscard]] ZELVAR_API bool ReadPreview(BDIMoniker const &moniker, DString const &driverId, StopSignal const *stop,
-                                          DCanvas &picture);
+                                          DCanvas &picture, Enlarge enlarge = Enlarge::Yes);
 
 } // namespace zelvar

@@ -111,8 +111,8 @@ bool ReadItemProperties(DString const &path, DString const &driverId, DString co
 }
 
 bool ReadItemPreview(DString const &path, DString const &driverId, DString const &options, StopSignal const *stop,
-                     DCanvas &canvas) {
-    return ReadPreview(MakeMoniker(path, options), driverId, stop, canvas);
+                     DCanvas &canvas, Enlarge enlarge) {
+    return ReadPreview(MakeMoniker(path, options), driverId, stop, canvas, enlarge);
 }
 
 } // namespace zelvar

@@ -2,6 +2,7 @@
 
 #include "zelvar/base/DCanvas.h"
 #include "zelvar/base/DString.h"
+#include "zelvar/data/ImageReader.h"
 #include "zelvar/data/RDIDriver.h"
 #include "zelvar/model/DLGTemplate.h"
 
@@ -28,9 +29,9 @@ struct PropertyRow {
 ZELVAR_API bool ReadItemProperties(DString const &path, DString const &driverId, DString const &options,
                                    DLGTemplate dlgTemplate, StopSignal const *stop, PropertyMap &props);
 
-/// Reads a picture of the item, its longer side 1024 pixels. False, and `canvas` cleared, if there is none: no image,
-/// too large without a pyramid, damaged, or stopped.
+/// Reads a picture of the item, its longer side 1024 pixels, or without enlarging at most that. False, and `canvas`
+/// cleared, if there is none: no image, too large without a pyramid, damaged, or stopped.
 ZELVAR_API bool ReadItemPreview(DString const &path, DString const &driverId, DString const &options,
-                                StopSignal const *stop, DCanvas &canvas);
+                                StopSignal const *stop, DCanvas &canvas, Enlarge enlarge = Enlarge::Yes);
 
 } // namespace zelvar

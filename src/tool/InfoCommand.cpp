@@ -2,6 +2,7 @@
 #include "zelvar/data/reader/DriverModule.h"
 #include "zelvar/model/ItemProperties.h"
 #include "zelvar/model/PlaceResolver.h"
+#include "zelvar/tool/CommandTable.h"
 #include "zelvar/tool/Commands.h"
 
 #include <QtGui/QImage>
@@ -12,11 +13,7 @@ namespace zelvar::tool {
 
 namespace {
 
-CommandSpec const kSpec{.usage = "info MONIKER [--preview FILE.png]",
-                        .flags = {},
-                        .values = {"--preview"},
-                        .minArguments = 1,
-                        .maxArguments = 1};
+CommandSpec const &kSpec = SpecOf("info");
 
 bool SavePicture(DCanvas const &canvas, DString const &file) {
     QImage const image(canvas.Row(0), canvas.GetWidth(), canvas.GetHeight(), qsizetype{3} * canvas.GetWidth(),
@@ -58,7 +55,8 @@ int RunInfo(std::vector<DString> const &words) {
     if (!arguments->values.contains("--preview"))
         return kDone;
     DCanvas canvas;
-    bool const hasPreview = isImage && ReadItemPreview(path, driverId, {}, nullptr, canvas) && canvas.HasData();
+    bool const hasPreview =
+        isImage && ReadItemPreview(path, driverId, {}, nullptr, canvas, Enlarge::No) && canvas.HasData();
     if (DString const reason = ReaderFailureOf(path); !reason.empty())
         return Failure("cannot read '" + moniker + "': " + reason);
     if (!hasPreview) {
