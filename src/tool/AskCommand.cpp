@@ -3,6 +3,7 @@
 #include "zelvar/dialogs/core/MessageBoxSet.h"
 #include "zelvar/library/ZelvarInit.h"
 #include "zelvar/platform/ui/ControlId.h"
+#include "zelvar/tool/CommandTable.h"
 #include "zelvar/tool/Commands.h"
 #include "zelvar/tool/Screen.h"
 
@@ -25,15 +26,7 @@ namespace {
 constexpr int kCheckBox = 5555;
 constexpr std::size_t kMostText = 1 << 20; // bytes read from the standard input
 
-CommandSpec const kSpec{
-    .usage = "ask TEXT|- [--caption T] [--buttons SET] [--icon NAME] [--default N] [--dont-ask [TEXT]] [--help-id N] "
-             "[--press NAME] [--check] [--shot FILE.png]",
-    .flags = {"--dont-ask", "--check"},
-    .values = {"--caption", "--buttons", "--icon", "--default", "--help-id", "--press", "--shot"},
-    .optionalValues = {"--dont-ask"},
-    .minArguments = 1,
-    .maxArguments = 1,
-};
+CommandSpec const &kSpec = SpecOf("ask");
 
 struct Named {
     char const *name;

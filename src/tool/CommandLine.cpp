@@ -1,5 +1,6 @@
 #include "zelvar/tool/CommandLine.h"
 
+#include <algorithm>
 #include <charconv>
 
 namespace zelvar::tool {
@@ -31,13 +32,15 @@ std::optional<Arguments> ParseArguments(CommandSpec const &spec, std::vector<DSt
         }
         std::size_t const equals = word.find('=');
         DString const name = word.substr(0, equals);
-        if (spec.flags.contains(name) && equals == DString::npos) {
+        auto const option = std::find_if(spec.options.begin(), spec.options.end(),
+                                         [&](OptionSpec const &known) { return known.name == name; });
+        if (option != spec.options.end() && option->IsFlag() && equals == DString::npos) {
             result.flags.insert(name);
-            if (spec.optionalValues.contains(name) && i + 1 < words.size() && !words[i + 1].starts_with("--")) {
+            if (option->TakesValue() && i + 1 < words.size() && !words[i + 1].starts_with("--")) {
                 optional = name;
                 optionalAt = result.words.size();
             }
-        } else if (!spec.values.contains(name) && !spec.optionalValues.contains(name)) {
+        } else if (option == spec.options.end() || !option->TakesValue()) {
             error = "unknown option " + name;
             return std::nullopt;
         } else if (equals != DString::npos) {

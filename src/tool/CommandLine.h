@@ -12,13 +12,30 @@ namespace zelvar::tool {
 /// How a subcommand ended; the numbers are the exit codes that scripts see.
 enum ExitCode { kDone = 0, kNothing = 1, kUsage = 2, kFailed = 3 };
 
+/// An option of a subcommand.
+struct OptionSpec {
+    enum class Use {
+        Once,          ///< may be left out; of several the last counts
+        Needed,        ///< the usage shows it as one that must be there
+        Repeats,       ///< every one counts
+        OptionalValue, ///< a value as "--name=value", or in the word behind where there are too many words
+    };
+    char const *name = "";  ///< with its dashes
+    char const *value = ""; ///< what stands for its value in the usage; empty for a flag
+    char const *about = ""; ///< what it does, in a few words
+    Use use = Use::Once;
+
+    [[nodiscard]] bool TakesValue() const { return *value != '\0'; }
+    /// May stand without a value.
+    [[nodiscard]] bool IsFlag() const { return !TakesValue() || use == Use::OptionalValue; }
+};
+
 /// What a subcommand accepts.
 struct CommandSpec {
-    DString usage;            ///< one line, without the program's name
-    std::set<DString> flags;  ///< options without a value
-    std::set<DString> values; ///< options with one; given twice, both are kept
-    /// Those of the flags that may have one: as "--name=value", or in the word behind where there are too many words.
-    std::set<DString> optionalValues{};
+    char const *name = "";
+    char const *words = ""; ///< those that are no options, as in the usage
+    char const *about = ""; ///< sentences; what it does comes first
+    std::vector<OptionSpec> options{};
     std::size_t minArguments = 0; ///< words that are no options
     std::size_t maxArguments = 0;
 };

@@ -1,5 +1,6 @@
 #include "zelvar/gallery/Gallery.h"
 #include "zelvar/library/ZelvarInit.h"
+#include "zelvar/tool/CommandTable.h"
 #include "zelvar/tool/Commands.h"
 #include "zelvar/tool/Screen.h"
 
@@ -13,13 +14,7 @@ namespace zelvar::tool {
 
 namespace {
 
-CommandSpec const kSpec{
-    .usage = "gallery [--page NAME] [--shot FILE.png] [--size WxH] | gallery --list",
-    .flags = {"--list"},
-    .values = {"--page", "--shot", "--size"},
-    .minArguments = 0,
-    .maxArguments = 0,
-};
+CommandSpec const &kSpec = SpecOf("gallery");
 
 } // namespace
 

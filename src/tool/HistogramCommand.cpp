@@ -3,6 +3,7 @@
 #include "zelvar/data/HistogramReader.h"
 #include "zelvar/library/ZelvarInit.h"
 #include "zelvar/tool/ChartWindow.h"
+#include "zelvar/tool/CommandTable.h"
 #include "zelvar/tool/Commands.h"
 #include "zelvar/tool/Screen.h"
 #include "zelvar/tool/TableColumns.h"
@@ -16,14 +17,7 @@ namespace zelvar::tool {
 
 namespace {
 
-CommandSpec const kSpec{
-    .usage = "histogram FILE [--band N | --column C] [--slots N] [--print] [--click X,Y]... [--shot FILE.png] "
-             "[--size WxH]",
-    .flags = {"--print"},
-    .values = {"--band", "--column", "--slots", "--click", "--shot", "--size"},
-    .minArguments = 1,
-    .maxArguments = 1,
-};
+CommandSpec const &kSpec = SpecOf("histogram");
 
 constexpr int kMostSlots = 1'000'000;
 constexpr int kFewSlots = 16; // that have room for texts

@@ -1,6 +1,7 @@
 #include "zelvar/data/reader/DriverModule.h"
 #include "zelvar/model/ItemListing.h"
 #include "zelvar/model/PlaceResolver.h"
+#include "zelvar/tool/CommandTable.h"
 #include "zelvar/tool/Commands.h"
 
 #include <cstdio>
@@ -10,13 +11,7 @@ namespace zelvar::tool {
 
 namespace {
 
-CommandSpec const kSpec{
-    .usage = "ls PLACE [--folders] [--recursive] [--filter MASK] [--sort name|size|date] [--descending] [--json]",
-    .flags = {"--folders", "--recursive", "--descending", "--json"},
-    .values = {"--filter", "--sort"},
-    .minArguments = 1,
-    .maxArguments = 1,
-};
+CommandSpec const &kSpec = SpecOf("ls");
 
 DString TimeText(SystemTime const &time) {
     return Format("%04d-%02d-%02dT%02d:%02d:%02d", time.wYear, time.wMonth, time.wDay, time.wHour, time.wMinute,
@@ -58,15 +53,17 @@ int NotListed(DString const &word, DString const &path) {
 } // namespace
 
 int RunLs(std::vector<DString> const &words) {
-    static std::map<DString, ListingSort> const sorts{
-        {"", ListingSort::None}, {"name", ListingSort::Name}, {"size", ListingSort::Size}, {"date", ListingSort::Date}};
+    static std::map<DString, ListingSort> const sorts{{"none", ListingSort::None},
+                                                      {"name", ListingSort::Name},
+                                                      {"size", ListingSort::Size},
+                                                      {"date", ListingSort::Date}};
     DString error;
     std::optional<Arguments> const arguments = ParseArguments(kSpec, words, error);
     if (!arguments)
         return UsageError(kSpec, error);
-    auto const sort = sorts.find(arguments->Value("--sort"));
+    auto const sort = sorts.find(arguments->Value("--sort", "name"));
     if (sort == sorts.end())
-        return UsageError(kSpec, "sorting is by name, size or date");
+        return UsageError(kSpec, "sorting is by name, size or date, or none");
 
     // Nobody waits at a window.
     ReaderSettings settings;

@@ -4,6 +4,7 @@
 #include "zelvar/library/ZelvarInit.h"
 #include "zelvar/model/PlaceResolver.h"
 #include "zelvar/platform/ui/MainWindow.h"
+#include "zelvar/tool/CommandTable.h"
 #include "zelvar/tool/Commands.h"
 #include "zelvar/tool/DialogDriver.h"
 #include "zelvar/tool/Kinds.h"
@@ -23,22 +24,8 @@ namespace {
 constexpr int kLoad = 0;
 constexpr int kSave = 1;
 
-CommandSpec const kOpenSpec{
-    .usage = "open [PLACE] [--for KIND] [--multiple] [--standard] [--filter MASK] [--recursive] [--select NAME]... "
-             "[--accept] [--title T] [--shot FILE.png] [--size WxH]",
-    .flags = {"--multiple", "--recursive", "--accept", "--standard"},
-    .values = {"--for", "--filter", "--select", "--title", "--shot", "--size"},
-    .minArguments = 0,
-    .maxArguments = 1,
-};
-
-CommandSpec const kSaveSpec{
-    .usage = "save --for KIND [NAME] [--accept] [--overwrite] [--title T] [--shot FILE.png] [--size WxH]",
-    .flags = {"--accept", "--overwrite"},
-    .values = {"--for", "--title", "--shot", "--size"},
-    .minArguments = 0,
-    .maxArguments = 1,
-};
+CommandSpec const &kOpenSpec = SpecOf("open");
+CommandSpec const &kSaveSpec = SpecOf("save");
 
 /// What is wrong with the words; empty if nothing is.
 DString FaultOf(Arguments const &arguments, Kind const *kind, int mode) {

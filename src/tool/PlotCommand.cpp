@@ -4,6 +4,7 @@
 #include "zelvar/data/HistogramReader.h"
 #include "zelvar/library/ZelvarInit.h"
 #include "zelvar/tool/ChartWindow.h"
+#include "zelvar/tool/CommandTable.h"
 #include "zelvar/tool/Commands.h"
 #include "zelvar/tool/Screen.h"
 #include "zelvar/tool/TableColumns.h"
@@ -18,14 +19,7 @@ namespace zelvar::tool {
 
 namespace {
 
-CommandSpec const kSpec{
-    .usage = "plot FILE --x COLUMN --y COLUMN [--line] [--click X,Y]... [--shot FILE.png] "
-             "[--size WxH]",
-    .flags = {"--line"},
-    .values = {"--x", "--y", "--click", "--shot", "--size"},
-    .minArguments = 1,
-    .maxArguments = 1,
-};
+CommandSpec const &kSpec = SpecOf("plot");
 
 /// Adds the rows that hold a number in both columns, and chooses axes that hold them.
 void Fill(CPlotCtrl &plot, IAttrData &table, int xColumn, int yColumn) {

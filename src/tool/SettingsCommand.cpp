@@ -1,6 +1,7 @@
 #include "zelvar/base/DFile.h"
 #include "zelvar/base/XMLNode.h"
 #include "zelvar/settings/ZelRegistry.h"
+#include "zelvar/tool/CommandTable.h"
 #include "zelvar/tool/Commands.h"
 
 #include <memory>
@@ -9,13 +10,7 @@ namespace zelvar::tool {
 
 namespace {
 
-CommandSpec const kSpec{
-    .usage = "settings export FILE [--key KEY] | settings import FILE",
-    .flags = {},
-    .values = {"--key"},
-    .minArguments = 2,
-    .maxArguments = 2,
-};
+CommandSpec const &kSpec = SpecOf("settings");
 
 int Export(DString const &file, DString const &key) {
     ZelRegistry registry(0, 1);

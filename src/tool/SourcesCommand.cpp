@@ -1,5 +1,6 @@
 #include "zelvar/data/reader/DriverModule.h"
 #include "zelvar/model/DataSourceCollector.h"
+#include "zelvar/tool/CommandTable.h"
 #include "zelvar/tool/Commands.h"
 
 #include <cstdio>
@@ -8,7 +9,7 @@ namespace zelvar::tool {
 
 namespace {
 
-CommandSpec const kSpec{.usage = "sources", .flags = {}, .values = {}, .minArguments = 0, .maxArguments = 0};
+CommandSpec const &kSpec = SpecOf("sources");
 
 void Print(int group, DataSourceRows const &rows) {
     for (RefItemPtr<DataSourceItem> const &row : rows)

@@ -5,6 +5,7 @@
 #include "zelvar/lists/CADIListCtrl.h"
 #include "zelvar/lists/core/CellCache.h"
 #include "zelvar/platform/ui/Text.h"
+#include "zelvar/tool/CommandTable.h"
 #include "zelvar/tool/Commands.h"
 #include "zelvar/tool/FirstPaint.h"
 #include "zelvar/tool/Screen.h"
@@ -30,14 +31,7 @@ namespace zelvar::tool {
 
 namespace {
 
-CommandSpec const kSpec{
-    .usage = "table FILE [--layer NAME] [--sort COLUMN [--descending]] [--rows N] [--print] [--select ROW] "
-             "[--shot FILE.png] [--size WxH]",
-    .flags = {"--descending", "--print"},
-    .values = {"--layer", "--sort", "--rows", "--select", "--shot", "--size"},
-    .minArguments = 1,
-    .maxArguments = 1,
-};
+CommandSpec const &kSpec = SpecOf("table");
 
 constexpr int kAll = std::numeric_limits<int>::max();
 constexpr int kFittedColumns = 100;

@@ -5,8 +5,7 @@
 namespace zelvar::tool {
 namespace {
 
-CommandSpec const kSpec{
-    .usage = "ls PLACE", .flags = {"--json"}, .values = {"--sort"}, .minArguments = 1, .maxArguments = 2};
+CommandSpec const kSpec{.name = "ls", .options = {{"--json"}, {"--sort", "KEY"}}, .minArguments = 1, .maxArguments = 2};
 
 TEST(CommandLine, OptionsStandAnywhereAndKeepEveryValue) {
     DString error;

@@ -1,0 +1,254 @@
+#include "zelvar/tool/CommandTable.h"
+
+#include <algorithm>
+#include <span>
+#include <utility>
+
+namespace zelvar::tool {
+
+namespace {
+
+using Use = OptionSpec::Use;
+
+constexpr std::size_t kLineWidth = 100; // characters
+
+constexpr OptionSpec kShot{"--shot", "FILE.png", "write a picture of the window"};
+constexpr OptionSpec kSize{"--size", "WxH", "size of the window in pixels"};
+constexpr OptionSpec kTitle{"--title", "T", "caption of the dialog"};
+constexpr OptionSpec kAccept{"--accept", "", "press OK once what is selected has come"};
+constexpr OptionSpec kClick{"--click", "X,Y", "click there, in pixels of the chart", Use::Repeats};
+
+/// What the words in capitals stand for.
+constexpr std::pair<char const *, char const *> kWords[] = {
+    {"PLACE", "a path, an address, a node inside a container as printed by ls, or source:NAME"},
+    {"MONIKER", "as PLACE; what open prints is one"},
+    {"MASK", "as '*.tif;*.img'; sets stand in brackets: '*.[tT][iI][fF]'"},
+    {"KIND",
+     "raster (default of open), thematic, attributes, metadata (open only), table, tiff, xml, project, workspace, "
+     "process, ruleset, solution, all"},
+    {"SET", "ok, ok-cancel, abort-retry-ignore, yes-no, yes-no-cancel, retry-cancel, keep, continue-abort"},
+};
+constexpr char kExitCodes[] = "Exit codes: 0 done, 1 cancelled or nothing found, 2 usage, 3 failed.\n";
+
+/// `word` in `text`, not as part of another word.
+bool HasWord(std::string_view text, std::string_view word) {
+    auto const isLetter = [&](std::size_t at) { return at < text.size() && text[at] >= 'A' && text[at] <= 'Z'; };
+    for (std::size_t at = text.find(word); at != std::string_view::npos; at = text.find(word, at + 1))
+        if ((at == 0 || !isLetter(at - 1)) && !isLetter(at + word.size()))
+            return true;
+    return false;
+}
+
+/// Appends the pieces with blanks between them, behind `column` characters of the present line; further lines begin at
+/// `indent`.
+void AppendPieces(DString &to, std::vector<DString> const &pieces, std::size_t column, std::size_t indent) {
+    bool first = true;
+    for (DString const &piece : pieces) {
+        if (!first && column + 1 + piece.size() > kLineWidth) {
+            to += "\n" + DString(indent, ' ');
+            column = indent;
+        } else if (!first) {
+            to += ' ';
+            ++column;
+        }
+        to += piece;
+        column += piece.size();
+        first = false;
+    }
+    to += '\n';
+}
+
+void AppendWrapped(DString &to, DString const &text, std::size_t column, std::size_t indent) {
+    AppendPieces(to, Split(text, ' '), column, indent);
+}
+
+/// A line of a table of two columns.
+void AppendRow(DString &to, DString const &left, DString const &right, std::size_t width) {
+    to += "  " + left;
+    std::size_t const at = width + 4;
+    to += left.size() + 4 > at ? "\n" + DString(at, ' ') : DString(at - left.size() - 2, ' ');
+    AppendWrapped(to, right, at, at);
+}
+
+/// As the usage shows it.
+DString OptionText(OptionSpec const &option) {
+    DString const value = option.value;
+    switch (option.use) {
+    case Use::Needed:
+        return DString(option.name) + " " + value;
+    case Use::OptionalValue:
+        return DString("[") + option.name + " [" + value + "]]";
+    default:
+        return DString("[") + option.name + (value.empty() ? "" : " " + value) + "]" +
+               (option.use == Use::Repeats ? "..." : "");
+    }
+}
+
+/// What stays together where a line of usage is broken.
+std::vector<DString> Pieces(CommandSpec const &spec) {
+    std::vector<DString> pieces{spec.name};
+    if (*spec.words != '\0')
+        pieces.emplace_back(spec.words);
+    for (OptionSpec const &option : spec.options)
+        pieces.push_back(OptionText(option));
+    return pieces;
+}
+
+void AppendWords(DString &to, std::string_view used) {
+    for (auto const &[word, meaning] : kWords)
+        if (HasWord(used, word))
+            AppendWrapped(to, DString(word) + ": " + meaning + ".", 0, std::string_view(word).size() + 2);
+}
+
+} // namespace
+
+std::vector<CommandSpec> const &AllCommands() {
+    static std::vector<CommandSpec> const commands{
+        {.name = "open",
+         .words = "[PLACE]",
+         .about = "Shows a dialog to pick data in, prints monikers, one a line.",
+         .options = {{"--for", "KIND", "what is opened"},
+                     {"--multiple", "", "several may be picked"},
+                     {"--standard", "", "use the platform's file dialog"},
+                     {"--filter", "MASK", "show these files"},
+                     {"--recursive", "", "list what lies in folders below, too"},
+                     {"--select", "NAME", "select the row of that name", Use::Repeats},
+                     kAccept,
+                     kTitle,
+                     kShot,
+                     kSize},
+         .maxArguments = 1},
+        {.name = "save",
+         .words = "[NAME]",
+         .about = "Shows a dialog to pick a name to save under, prints the path.",
+         .options = {{"--for", "KIND", "what is saved", Use::Needed},
+                     kAccept,
+                     {"--overwrite", "", "do not ask whether to save over a file; without it the answer is no"},
+                     kTitle,
+                     kShot,
+                     kSize},
+         .maxArguments = 1},
+        {.name = "ls",
+         .words = "PLACE",
+         .about = "Lists what lies in PLACE, a line an item: kind, size, time, name, path.",
+         .options = {{"--folders", "", "folders and containers only"},
+                     {"--recursive", "", "what lies in folders and containers below, too"},
+                     {"--filter", "MASK", "only these files"},
+                     {"--sort", "KEY", "name (default), size, date, or none: as the place tells them"},
+                     {"--descending", "", "the other way round"},
+                     {"--json", "", "print JSON"}},
+         .minArguments = 1,
+         .maxArguments = 1},
+        {.name = "info",
+         .words = "MONIKER",
+         .about = "Prints the properties of one item.",
+         .options = {{"--preview", "FILE.png", "write its preview, no larger than the image itself"}},
+         .minArguments = 1,
+         .maxArguments = 1},
+        {.name = "sources", .words = "", .about = "Prints the rows of the data source list: group, name, path."},
+        {.name = "settings",
+         .words = "export|import FILE",
+         .about = "Writes the settings as XML, or brings them back, whole or not at all.",
+         .options = {{"--key", "KEY", "export only what lies below it"}},
+         .minArguments = 2,
+         .maxArguments = 2},
+        {.name = "histogram",
+         .words = "FILE",
+         .about = "Shows how the samples of a band or the numbers of a column are spread, prints what is picked.",
+         .options = {{"--band", "N", "counted from 1"},
+                     {"--column", "C", "of a table, by its name"},
+                     {"--slots", "N", "how many bars"},
+                     {"--print", "", "print the slots, show nothing"},
+                     kClick,
+                     kShot,
+                     kSize},
+         .minArguments = 1,
+         .maxArguments = 1},
+        {.name = "plot",
+         .words = "FILE",
+         .about = "Shows two columns of a table against each other, prints what is picked.",
+         .options = {{"--x", "COLUMN", "for the horizontal axis", Use::Needed},
+                     {"--y", "COLUMN", "for the vertical axis", Use::Needed},
+                     {"--line", "", "join the points"},
+                     kClick,
+                     kShot,
+                     kSize},
+         .minArguments = 1,
+         .maxArguments = 1},
+        {.name = "ask",
+         .words = "TEXT|-",
+         .about = "Asks a question, prints the button pressed. With - the text is read from the standard input.",
+         .options = {{"--caption", "T", "of the box"},
+                     {"--buttons", "SET", "what can be answered"},
+                     {"--icon", "NAME", "stop, question, exclamation, warning or information"},
+                     {"--default", "N", "the button that Return presses, counted from 1"},
+                     {"--dont-ask", "TEXT", "with a check box, and its text", Use::OptionalValue},
+                     {"--help-id", "N", "the topic of help about the question"},
+                     {"--press", "NAME", "press that button"},
+                     {"--check", "", "set the check mark"},
+                     kShot},
+         .minArguments = 1,
+         .maxArguments = 1},
+        {.name = "table",
+         .words = "FILE",
+         .about = "Shows the rows of a table.",
+         .options = {{"--layer", "NAME", "of a file with several"},
+                     {"--sort", "COLUMN", "large numbers come first, texts go from A to Z"},
+                     {"--descending", "", "turns the order round"},
+                     {"--rows", "N", "the first N of them"},
+                     {"--print", "", "print them, show nothing"},
+                     {"--select", "ROW", "its ID, from 0"},
+                     kShot,
+                     kSize},
+         .minArguments = 1,
+         .maxArguments = 1},
+        {.name = "gallery",
+         .words = "",
+         .about = "Shows every control and dialog of the library, to play with.",
+         .options = {{"--page", "NAME", "begin with that page"},
+                     {"--list", "", "print the pages with their classes, show nothing"},
+                     kShot,
+                     kSize}},
+    };
+    return commands;
+}
+
+CommandSpec const *FindCommand(std::string_view name) {
+    auto const found = std::find_if(AllCommands().begin(), AllCommands().end(),
+                                    [name](CommandSpec const &spec) { return spec.name == name; });
+    return found == AllCommands().end() ? nullptr : &*found;
+}
+
+CommandSpec const &SpecOf(std::string_view name) { return *FindCommand(name); }
+
+DString Synopsis(CommandSpec const &spec) {
+    DString line;
+    for (DString const &piece : Pieces(spec))
+        line += (line.empty() ? "" : " ") + piece;
+    return line;
+}
+
+DString UsageText() {
+    DString text = "usage: zelvar COMMAND ...\n";
+    for (CommandSpec const &spec : AllCommands())
+        AppendRow(text, DString(spec.name) + (*spec.words == '\0' ? "" : " ") + spec.words, spec.about, 28);
+    text += "zelvar COMMAND --help tells its options.\n";
+    AppendWords(text, "PLACE MONIKER");
+    return text + kExitCodes;
+}
+
+DString HelpText(CommandSpec const &spec) {
+    DString text = "usage: zelvar ";
+    AppendPieces(text, Pieces(spec), text.size(), 7);
+    text += "\n";
+    AppendWrapped(text, spec.about, 0, 0);
+    if (!spec.options.empty())
+        text += "\n";
+    for (OptionSpec const &option : spec.options)
+        AppendRow(text, DString(option.name) + (*option.value == '\0' ? "" : " ") + option.value, option.about, 20);
+    text += "\n";
+    AppendWords(text, Synopsis(spec));
+    return text + kExitCodes;
+}
+
+} // namespace zelvar::tool
