@@ -74,12 +74,12 @@ AtomicFile::AtomicFile(DString const &target) {
 }
 
 AtomicFile::~AtomicFile() {
-    if (!m_temporary.empty())
+    if (!m_temporary.empty() && m_process == getpid())
         unlink(m_temporary.c_str());
 }
 
 void AtomicFile::Write(std::string_view bytes) {
-    if (!m_good)
+    if (!IsGood())
         return;
     if (m_buffer.size() + bytes.size() > kBuffer)
         WriteBuffer();
@@ -105,8 +105,8 @@ bool AtomicFile::TakeFormerRights() {
 }
 
 bool AtomicFile::Flush() {
-    if (!m_file)
-        return m_good;
+    if (!m_file || !IsGood())
+        return m_good = IsGood();
     WriteBuffer();
     m_good = m_good && TakeFormerRights();
     m_good = m_good && fsync(m_file->Get()) == 0;

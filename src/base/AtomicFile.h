@@ -9,7 +9,7 @@ namespace zelvar {
 
 /// A file that takes the place of another only when it is whole: what is written goes to a temporary file beside the
 /// target, which `Commit` flushes to disk and renames. Until then, and if anything fails, the target stays as it was.
-/// One thread.
+/// One thread; in the child of a fork it writes nothing, since the file is the parent's.
 class ZELVAR_API AtomicFile {
 public:
     /// Begins. A target that is no plain file or may not be written is refused; that of a link is what it leads to.
@@ -19,7 +19,7 @@ public:
     AtomicFile &operator=(AtomicFile const &) = delete;
 
     /// Whether all has gone well so far.
-    [[nodiscard]] bool IsGood() const { return m_good; }
+    [[nodiscard]] bool IsGood() const { return m_good && m_process == getpid(); }
     /// Adds bytes at the end; nothing once something has failed.
     void Write(std::string_view bytes);
     /// Everything is on disk, under the temporary name. Another file can be made ready before both take their places.
@@ -35,6 +35,7 @@ private:
     DString m_temporary;                  ///< empty when there is none
     std::optional<FileDescriptor> m_file; ///< until it is flushed
     DString m_buffer;
+    pid_t const m_process = getpid(); ///< that writes it
     bool m_good = false;
 };
 

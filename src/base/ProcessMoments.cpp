@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <mutex>
 #include <set>
+#include <utility>
 
 #include <pthread.h>
 
@@ -12,7 +13,8 @@ namespace {
 
 struct Registry {
     Registry() {
-        pthread_atfork([] { Get().BeforeFork(); }, [] { Get().AfterFork(); }, [] { Get().AfterFork(); });
+        pthread_atfork([] { Get().BeforeFork(); }, [] { Get().AfterFork(ProcessMoments::Side::Parent); },
+                       [] { Get().AfterFork(ProcessMoments::Side::Child); });
         std::atexit([] { Get().BeforeExit(); });
     }
     static Registry &Get() {
@@ -22,34 +24,34 @@ struct Registry {
 
     void BeforeFork() {
         mutex.lock();
-        for (ProcessMoments *object : objects)
+        for (auto const &[locks, object] : objects)
             object->BeforeFork();
     }
-    void AfterFork() {
-        for (ProcessMoments *object : objects)
-            object->AfterFork();
+    void AfterFork(ProcessMoments::Side side) {
+        for (auto at = objects.rbegin(); at != objects.rend(); ++at)
+            at->second->AfterFork(side);
         mutex.unlock();
     }
     void BeforeExit() {
         std::lock_guard const lock(mutex);
-        for (ProcessMoments *object : objects)
+        for (auto const &[locks, object] : objects)
             object->BeforeExit();
     }
 
     std::mutex mutex;
-    std::set<ProcessMoments *> objects;
+    std::set<std::pair<ProcessMoments::Locks, ProcessMoments *>> objects;
 };
 
 } // namespace
 
-ProcessMoments::ProcessMoments() {
+ProcessMoments::ProcessMoments(Locks locks) : m_locks(locks) {
     std::lock_guard const lock(Registry::Get().mutex);
-    Registry::Get().objects.insert(this);
+    Registry::Get().objects.emplace(m_locks, this);
 }
 
 ProcessMoments::~ProcessMoments() {
     std::lock_guard const lock(Registry::Get().mutex);
-    Registry::Get().objects.erase(this);
+    Registry::Get().objects.erase({m_locks, this});
 }
 
 } // namespace zelvar

@@ -1,22 +1,31 @@
 #pragma once
 
+#include "zelvar/base/Export.h"
+
 namespace zelvar {
 
 /// An object that must let go of something when the process forks or ends. Known from its making to its end.
-class ProcessMoments {
+class ZELVAR_API ProcessMoments {
 public:
+    enum class Side { Parent, Child };
+    /// In what order locks are taken before a fork: those that are taken while others are held come last.
+    enum class Locks { Outer, Inner };
+
     virtual ~ProcessMoments();
     ProcessMoments(ProcessMoments const &) = delete;
     ProcessMoments &operator=(ProcessMoments const &) = delete;
 
     /// On the forking thread; nothing of the object may be under way until `AfterFork`.
     virtual void BeforeFork() = 0;
-    virtual void AfterFork() = 0; ///< in the parent and in the child, on the same thread
+    virtual void AfterFork(Side side) = 0; ///< in the parent and in the child, on the same thread
     /// The process ends. The object may still be used by static objects that end later.
-    virtual void BeforeExit() = 0;
+    virtual void BeforeExit() {}
 
 protected:
-    ProcessMoments();
+    explicit ProcessMoments(Locks locks = Locks::Outer);
+
+private:
+    Locks const m_locks;
 };
 
 } // namespace zelvar

@@ -1,5 +1,6 @@
 #include "zelvar/base/Report.h"
 
+#include "zelvar/base/ProcessMoments.h"
 #include "zelvar/base/SystemTime.h"
 
 #include <chrono>
@@ -44,7 +45,11 @@ private:
     int m_file = -1;
 };
 
-struct Handlers {
+struct Handlers final : ProcessMoments {
+    Handlers() : ProcessMoments(Locks::Inner) {} // others report while they hold their locks
+    void BeforeFork() override { mutex.lock(); }
+    void AfterFork(Side) override { mutex.unlock(); }
+
     std::mutex mutex;
     Report::UserHandler user;
     Report::TraceHandler trace;

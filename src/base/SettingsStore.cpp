@@ -62,7 +62,7 @@ struct SettingsStore::Impl final : ProcessMoments {
         if (depth == 0)
             database.CloseQuickly();
     }
-    void AfterFork() override { mutex.unlock(); }
+    void AfterFork(Side) override { mutex.unlock(); }
     void BeforeExit() override {
         std::lock_guard const lock(mutex);
         if (depth == 0)

@@ -32,6 +32,9 @@ public:
     [[nodiscard]] bool Has(DString const &moniker) const;
     void Forget(DString const &moniker);
     void Clear();
+    /// Around a fork: holds it still, so that the child finds it whole.
+    void BeforeFork() { m_mutex.lock(); }
+    void AfterFork() { m_mutex.unlock(); }
 
     /// What a reader said last of a moniker whose request it did not survive, also where that is no verdict: a request
     /// that was late may be asked again.

@@ -76,6 +76,7 @@ bool ReaderPool::StartOne(ReaderRole role) {
 ReaderPool::Loan ReaderPool::Borrow(ReaderRole role, int preferred, Clock::time_point deadline,
                                     std::function<bool()> const &isStopped) {
     std::unique_lock lock(m_mutex);
+    ForgetThoseOfParent();
     while (true) {
         Place *free = FindFree(role, preferred);
         if (free == nullptr && Count(role) < Most(role)) {
@@ -141,6 +142,7 @@ void ReaderPool::Hold(std::shared_ptr<ReaderProcess> const &process, DString con
 
 void ReaderPool::Warm(ReaderRole role) {
     std::lock_guard const lock(m_mutex);
+    ForgetThoseOfParent();
     if (Count(role) == 0)
         StartOne(role);
 }
@@ -192,6 +194,23 @@ ReaderCounts ReaderPool::Counts() {
     counts.alive = static_cast<int>(m_places.size());
     counts.leftBehind = static_cast<int>(m_held.size());
     return counts;
+}
+
+void ReaderPool::AfterFork(bool inChild) {
+    if (inChild)
+        ForgetThoseOfParent();
+    m_mutex.unlock();
+}
+
+/// Also asked at each loan: not every way to make a process tells of it.
+void ReaderPool::ForgetThoseOfParent() {
+    if (m_process == getpid())
+        return;
+    m_process = getpid();
+    m_places.clear();
+    m_held.clear();
+    m_counts = {};
+    m_failedStarts = 0;
 }
 
 void ReaderPool::EndAll() {

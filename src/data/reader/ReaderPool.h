@@ -77,6 +77,10 @@ public:
     [[nodiscard]] ReaderCounts Counts();
     /// Ends all readers and counts anew.
     void EndAll();
+    /// Around a fork: holds the pool still, so that the child finds it whole.
+    void BeforeFork() { m_mutex.lock(); }
+    /// In the child the readers are the parent's: it forgets them, and starts its own when it needs any.
+    void AfterFork(bool inChild);
 
 private:
     struct Place {
@@ -96,6 +100,7 @@ private:
     bool StartOne(ReaderRole role);
     void Hold(std::shared_ptr<ReaderProcess> const &process, DString const &place);
     void ForgetEnded();
+    void ForgetThoseOfParent();
 
     mutable std::mutex m_mutex;
     std::condition_variable m_changed;
@@ -103,7 +108,8 @@ private:
     std::vector<Place> m_places;
     std::vector<Held> m_held; ///< ended, and not gone
     ReaderCounts m_counts;
-    int m_failedStarts = 0; ///< in a row
+    pid_t m_process = getpid(); ///< whose readers they are
+    int m_failedStarts = 0;     ///< in a row
     Clock::time_point m_nextStart;
 };
 

@@ -164,7 +164,7 @@ std::uint64_t ReaderProcess::ResidentBytes() const {
 }
 
 bool ReaderProcess::HasEnded(std::chrono::milliseconds wait) {
-    if (m_reaped)
+    if (m_reaped || !IsOwn())
         return true;
     if (m_pidFile.IsOpen() && PollOnce(m_pidFile.Get(), wait) <= 0)
         return false;
@@ -181,7 +181,7 @@ bool ReaderProcess::HasEnded(std::chrono::milliseconds wait) {
 }
 
 bool ReaderProcess::Kill(std::chrono::milliseconds wait) {
-    if (m_reaped)
+    if (m_reaped || !IsOwn())
         return true;
     // Not reaped yet: neither the process nor its group can be somebody else's.
     kill(-m_pid, SIGKILL);
@@ -191,7 +191,7 @@ bool ReaderProcess::Kill(std::chrono::milliseconds wait) {
 
 void ReaderProcess::Terminate() {
     m_isTerminated = true;
-    if (m_pidFile.IsOpen())
+    if (m_pidFile.IsOpen() && IsOwn())
         syscall(SYS_pidfd_send_signal, m_pidFile.Get(), SIGKILL, nullptr, 0);
 }
 

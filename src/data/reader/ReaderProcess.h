@@ -12,13 +12,15 @@
 #include <vector>
 
 #include <sys/types.h>
+#include <unistd.h>
 
 namespace zelvar {
 
 /// A file of ours that no application names: beside this library, in "zelvar".
 [[nodiscard]] DString InstalledFile(char const *name);
 
-/// One running reader, as its application holds it. The end of this object is the end of the process.
+/// One running reader, as its application holds it. The end of this object is the end of the process. The child of a
+/// fork holds a copy that is none of its own: there it is of no use, and its end is nothing but that.
 ///
 /// One thread at a time, but for `Number`, `Pid`, `Terminate` and `IsTerminated`.
 class ReaderProcess {
@@ -39,6 +41,8 @@ public:
 
     [[nodiscard]] int Number() const { return m_number; } ///< counted from 1, for the log
     [[nodiscard]] pid_t Pid() const { return m_pid; }
+    /// Whether this process has started it.
+    [[nodiscard]] bool IsOwn() const { return m_owner == getpid(); }
     [[nodiscard]] wire::MessageChannel &Channel() { return m_channel; }
 
     /// Shared memory of at least so many bytes; `*isNew` if the reader has not been told of it. Null if there is none.
@@ -76,7 +80,8 @@ private:
     }
 
     int m_number;
-    pid_t m_pid; ///< also its process group
+    pid_t m_pid;              ///< also its process group
+    pid_t m_owner = getpid(); ///< the process that started it
     FileDescriptor m_pidFile;
     wire::MessageChannel m_channel;
     std::unique_ptr<wire::SharedMemory> m_status;

@@ -41,6 +41,16 @@ Readers &Readers::Instance() {
     return readers;
 }
 
+void Readers::BeforeFork() {
+    m_pool.BeforeFork();
+    m_verdicts.BeforeFork();
+}
+
+void Readers::AfterFork(Side side) {
+    m_verdicts.AfterFork();
+    m_pool.AfterFork(side == Side::Child);
+}
+
 Readers::Terms Readers::TermsOf(Call const &call) const {
     RequestScope *const scope = RequestScope::Current();
     bool const ofScope = scope != nullptr && (call.kind != RequestKind::Probe || scope->Kind() == RequestKind::Probe);
@@ -189,7 +199,10 @@ Readers::Outcome Readers::Wait(ReaderPool::Loan const &loan, Terms const &terms,
             return {Ending::Answered, true};
         if (result != Result::Late)
             return {Ending::Crashed, false};
-        if (terms.isStopped())
+        bool const isStopped = terms.isStopped();
+        if (!loan->IsOwn()) // the question was answered on the other side of a fork: it is the parent's request
+            return {Ending::Stopped, false};
+        if (isStopped)
             return GiveUp(loan, terms, number, answer, Ending::Stopped);
         if (Clock::now() >= terms.deadline)
             return GiveUp(loan, terms, number, answer, Ending::Late);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "zelvar/base/ProcessMoments.h"
 #include "zelvar/data/RDIDriver.h"
 #include "zelvar/data/reader/FileVerdicts.h"
 #include "zelvar/data/reader/ReaderPool.h"
@@ -20,9 +21,10 @@ namespace zelvar {
 ///   tried again before the file behind it has changed.
 /// - A reader that the kernel holds, as on a mount that does not answer, is left behind; its place gets no more work
 ///   until it is gone.
+/// - A child made by fork starts readers of its own; what it has opened goes on with them.
 ///
 /// Any thread.
-class Readers {
+class Readers final : ProcessMoments {
 public:
     static Readers &Instance();
 
@@ -72,6 +74,8 @@ private:
     };
 
     Readers() = default;
+    void BeforeFork() override;
+    void AfterFork(Side side) override;
     Answer Exchange(Call const &call, MakeRequest const &make);
     [[nodiscard]] Terms TermsOf(Call const &call) const;
     [[nodiscard]] bool IsRefused(Call const &call, Terms const &terms, DString &reason);

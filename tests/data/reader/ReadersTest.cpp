@@ -10,6 +10,7 @@
 #include <vector>
 
 #include <fcntl.h>
+#include <sys/wait.h>
 
 namespace zelvar {
 namespace {
@@ -176,6 +177,29 @@ TEST_F(Readers, ManyThreadsGetTheirOwnAnswers) {
     for (std::thread &worker : workers)
         worker.join();
     EXPECT_EQ(CountReaders().crashed, 1);
+}
+
+TEST_F(Readers, BothSidesOfAForkReadTheirOwnPixels) {
+    Image const image(Write("a", "width 30\nheight 7\nbands 6\n"));
+    auto const wrong = [&] {
+        int count = 0;
+        for (int i = 0; i < 60; ++i) {
+            std::vector<unsigned char> const samples = image.Read(i % 6);
+            count += samples.size() == 210 && samples[0] == i % 6 * 100 % 256 ? 0 : 1;
+        }
+        return count;
+    };
+    ASSERT_EQ(wrong(), 0);
+    int const started = CountReaders().started;
+    pid_t const child = fork();
+    if (child == 0)
+        _exit(wrong());
+    EXPECT_EQ(wrong(), 0);
+    int status = -1;
+    EXPECT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(wrong(), 0); // the child has ended without them
+    EXPECT_EQ(CountReaders().started, started);
 }
 
 TEST_F(Readers, WithoutAProgramThereAreNoDriversAndNoStorm) {
