@@ -39,7 +39,7 @@ DString DCnfg::ReadString(DString const &key, DString const &fallback, bool trim
 }
 
 bool DCnfg::WriteString(DString const &key, DString const &value) {
-    return MayWrite() && SettingsStore::Instance().Write(m_path, key, value);
+    return MayWrite() && SettingsStore::Instance().WriteSoon(m_path, key, value);
 }
 
 bool DCnfg::ReadStringVec(DString const &key, DVectorSafe<DString> &out) const {
@@ -55,10 +55,13 @@ bool DCnfg::ReadStringVec(DString const &key, DVectorSafe<DString> &out) const {
 
 bool DCnfg::WriteStringVec(DString const &key, DVectorSafe<DString> const &values) {
     return MayWrite() &&
-           SettingsStore::Instance().Write(m_path, key, std::vector<DString>(values.begin(), values.end()));
+           SettingsStore::Instance().WriteSoon(m_path, key, std::vector<DString>(values.begin(), values.end()));
 }
 
-bool DCnfg::RemoveKey(DString const &key) { return SettingsStore::Instance().Remove(m_path, key); }
+bool DCnfg::RemoveKey(DString const &key) {
+    SettingsStore &store = SettingsStore::Instance();
+    return HasKey(key) && store.TransactSoon([&store, path = m_path, key] { return store.Remove(path, key); });
+}
 
 bool DCnfg::MayWrite() const { return m_create || SettingsStore::Instance().HasKey(m_path); }
 
@@ -83,7 +86,7 @@ int Profile::GetInt(DString const &section, DString const &entry, int fallback) 
 
 bool Profile::WriteInt(DString const &section, DString const &entry, int value) {
     DString const path = ProfilePath(section);
-    return !path.empty() && SettingsStore::Instance().Write(path, entry, std::int64_t{value});
+    return !path.empty() && SettingsStore::Instance().WriteSoon(path, entry, std::int64_t{value});
 }
 
 DString Profile::GetString(DString const &section, DString const &entry, DString const &fallback) {
@@ -93,7 +96,7 @@ DString Profile::GetString(DString const &section, DString const &entry, DString
 
 bool Profile::WriteString(DString const &section, DString const &entry, DString const &value) {
     DString const path = ProfilePath(section);
-    return !path.empty() && SettingsStore::Instance().Write(path, entry, value);
+    return !path.empty() && SettingsStore::Instance().WriteSoon(path, entry, value);
 }
 
 } // namespace zelvar

@@ -5,7 +5,8 @@
 
 namespace zelvar {
 
-/// Settings of one section: texts and vectors of texts by key. Read and written per call, nothing is held.
+/// Settings of one section: texts and vectors of texts by key. Read and written per call, nothing is held. Writing
+/// never waits (`SettingsStore::TransactSoon`).
 class ZELVAR_API DCnfg {
 public:
     /// Kinds of settings; only the value 1, settings of the user, is kept here.
@@ -42,7 +43,8 @@ public:
 };
 
 /// The application's profile: sections with entries, the same store under "Profile" and the application's key, so that
-/// applications do not meet. Without that key reading gives the fallback and writing fails. Any thread.
+/// applications do not meet. Without that key reading gives the fallback and writing fails. Writing never waits. Any
+/// thread.
 class ZELVAR_API Profile {
 public:
     /// The key of the application, default "Zelvar". Empty: positions are neither stored nor restored.

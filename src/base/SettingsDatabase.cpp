@@ -6,7 +6,9 @@
 #include "zelvar/base/SettingsStatement.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <set>
 #include <tuple>
@@ -20,8 +22,7 @@ namespace zelvar {
 
 namespace {
 
-constexpr int kBusyMs = 10'000; // how long a write waits for other processes
-constexpr int kVersion = 1;     // of the tables
+constexpr int kVersion = 1; // of the tables
 constexpr char kKeySeparator = '\\';
 constexpr char kBehindSeparator = kKeySeparator + 1; // no key below "a" sorts at or behind "a]"
 
@@ -30,12 +31,15 @@ class DirectoryLock {
 public:
     explicit DirectoryLock(DString const &file)
         : m_directory(open(DString(ParentPathOf(file)).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
-        if (m_directory.IsOpen())
-            std::ignore = flock(m_directory.Get(), LOCK_EX); // released by closing
+        // Released by closing. Not waited for: who holds it may have been stopped.
+        m_isTaken = m_directory.IsOpen() && flock(m_directory.Get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
     }
+    /// Whether another process has it.
+    [[nodiscard]] bool IsTaken() const { return m_isTaken; }
 
 private:
     FileDescriptor m_directory;
+    bool m_isTaken = false;
 };
 
 /// The write-ahead log needs memory shared between processes, which file servers do not give.
@@ -110,11 +114,8 @@ SettingsDatabase::Identity SettingsDatabase::Look() const {
 SettingsDatabase::Outcome SettingsDatabase::Open(Access access) {
     if (m_file.empty())
         return Outcome::Failed;
-    if (m_connection != nullptr && m_process != getpid()) {
-        // A connection made before a fork belongs to the parent: it must not even be closed here.
-        m_connection = nullptr;
-        m_statements.fill(nullptr);
-    }
+    if (m_connection != nullptr && m_process != getpid())
+        Abandon();
     if (m_connection != nullptr && m_identity != Look())
         Close(); // removed or set aside by somebody; what went to the old file would be lost
     if (m_connection == nullptr) {
@@ -151,7 +152,7 @@ SettingsDatabase::Outcome SettingsDatabase::Connect(Access access) {
         Close();
         return OutcomeOf(code);
     }
-    sqlite3_busy_timeout(m_connection, kBusyMs);
+    SetPatience(m_patience);
     Outcome prepared = Prepare();
     if (prepared == Outcome::Failed && access == Access::Read)
         prepared = ConnectUnchanging();
@@ -178,10 +179,10 @@ SettingsDatabase::Outcome SettingsDatabase::ConnectUnchanging() {
 
 /// Done if the tables are there, Nothing if they are to be made.
 SettingsDatabase::Outcome SettingsDatabase::Prepare() {
-    int version = 0;
-    if (int const code = UserVersion(version); code != SQLITE_OK)
+    DString version;
+    if (int const code = Query("PRAGMA user_version", version); code != SQLITE_OK)
         return OutcomeOf(code);
-    m_hasTables = version >= kVersion;
+    m_hasTables = std::atoi(version.c_str()) >= kVersion;
     if (!m_hasTables)
         return Outcome::Nothing;
     // With the log a kill loses nothing; only a loss of power may lose the last writes, never the file.
@@ -190,6 +191,8 @@ SettingsDatabase::Outcome SettingsDatabase::Prepare() {
 
 SettingsDatabase::Outcome SettingsDatabase::CreateTables() {
     DirectoryLock const lock(m_file);
+    if (lock.IsTaken())
+        return Outcome::Busy;
     if (Outcome const prepared = Prepare(); prepared != Outcome::Nothing)
         return prepared; // another process was first
     int code = Execute(IsOnNetwork(m_file) ? "PRAGMA journal_mode=DELETE" : "PRAGMA journal_mode=WAL");
@@ -213,6 +216,23 @@ void SettingsDatabase::Close() {
     sqlite3_close(std::exchange(m_connection, nullptr));
 }
 
+void SettingsDatabase::Abandon() {
+    m_connection = nullptr;
+    m_statements.fill(nullptr);
+}
+
+void SettingsDatabase::SetPatience(std::chrono::milliseconds patience) {
+    m_patience = patience;
+    if (m_connection != nullptr)
+        sqlite3_busy_timeout(m_connection, static_cast<int>(patience.count()));
+}
+
+SettingsDatabase::Outcome SettingsDatabase::Check() {
+    DString answer;
+    int const code = Query("PRAGMA integrity_check(1)", answer);
+    return code == SQLITE_OK && answer != "ok" ? Outcome::Damaged : OutcomeOf(code);
+}
+
 void SettingsDatabase::CloseQuickly() {
     if (m_connection != nullptr)
         sqlite3_db_config(m_connection, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
@@ -222,6 +242,8 @@ void SettingsDatabase::CloseQuickly() {
 bool SettingsDatabase::SetAside() {
     Close();
     DirectoryLock const lock(m_file);
+    if (lock.IsTaken())
+        return false;
     if (m_identity != Look())
         return true; // another process was first
     DString kept;
@@ -246,12 +268,12 @@ bool SettingsDatabase::SetAside() {
 
 int SettingsDatabase::Execute(char const *sql) { return sqlite3_exec(m_connection, sql, nullptr, nullptr, nullptr); }
 
-int SettingsDatabase::UserVersion(int &version) {
+int SettingsDatabase::Query(char const *sql, DString &answer) {
     auto const take = [](void *target, int, char **columns, char **) {
-        *static_cast<int *>(target) = columns[0] == nullptr ? 0 : std::atoi(columns[0]);
+        *static_cast<DString *>(target) = columns[0] == nullptr ? "" : columns[0];
         return 0;
     };
-    return sqlite3_exec(m_connection, "PRAGMA user_version", take, &version, nullptr);
+    return sqlite3_exec(m_connection, sql, take, &answer, nullptr);
 }
 
 SettingsDatabase::Outcome SettingsDatabase::Run(Sql sql) {
@@ -339,6 +361,7 @@ SettingsDatabase::Outcome SettingsDatabase::RemoveTree(std::string_view key) {
 }
 
 SettingsDatabase::Outcome SettingsDatabase::Names(std::string_view key, std::vector<DString> &names) {
+    names.clear();
     Statement statement(*this, kNames);
     statement.Bind(key);
     for (;;) {

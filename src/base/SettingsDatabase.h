@@ -3,6 +3,7 @@
 #include "zelvar/base/SettingsStore.h"
 
 #include <array>
+#include <chrono>
 
 #include <sys/types.h>
 
@@ -22,7 +23,8 @@ public:
     enum class Outcome {
         Done,
         Nothing, ///< no such row, or no file to read
-        Failed,  ///< locked too long, not writable, disk full ...
+        Busy,    ///< another process is at it; may be tried again
+        Failed,  ///< not writable, disk full ...
         Damaged, ///< the file is not, or no longer, a database
     };
     using Value = SettingsStore::Value;
@@ -36,11 +38,17 @@ public:
     [[nodiscard]] Outcome Open(Access access);
     /// Closes; nothing that was written is lost.
     void Close();
+    /// Takes the connection for that of the parent, in the child of a fork: not even closed.
+    void Abandon();
+    /// How long an operation waits by itself for other processes. Some find them busy without waiting.
+    void SetPatience(std::chrono::milliseconds patience);
     /// Closes without folding the log into the file: quick, for the moment of a fork.
     void CloseQuickly();
     /// After `Damaged`: moves the file out of the way, tells the user, and leaves the place free for a new one. False
-    /// if the file cannot be moved.
+    /// if the file cannot be moved, or not now.
     bool SetAside();
+    /// Reads all of the file: Done if nothing of it is damaged.
+    [[nodiscard]] Outcome Check();
 
     [[nodiscard]] Outcome Begin();
     [[nodiscard]] Outcome BeginReading();
@@ -98,13 +106,14 @@ private:
     [[nodiscard]] Outcome CreateTables();
     [[nodiscard]] Outcome Run(Sql sql);
     [[nodiscard]] int Execute(char const *sql);
-    [[nodiscard]] int UserVersion(int &version);
+    [[nodiscard]] int Query(char const *sql, DString &answer);
 
     DString const m_file;
     sqlite3 *m_connection = nullptr;
     std::array<sqlite3_stmt *, kSqlCount> m_statements{};
     Identity m_identity{};
     pid_t m_process = 0;
+    std::chrono::milliseconds m_patience{0};
     DString m_madeKey{}; ///< is there for the rest of this transaction; empty for none
     bool m_hasTables = false;
     bool m_unchanging = false; ///< opened for reading where SQLite may not even keep its lock files

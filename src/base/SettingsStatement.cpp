@@ -73,6 +73,10 @@ SettingsDatabase::Outcome OutcomeOf(int code) {
         return Outcome::Done;
     case SQLITE_DONE:
         return Outcome::Nothing;
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+    case SQLITE_PROTOCOL: // the log is being begun by another process
+        return Outcome::Busy;
     case SQLITE_CORRUPT:
     case SQLITE_NOTADB:
         return Outcome::Damaged;

@@ -2,6 +2,7 @@
 
 #include "zelvar/base/DFile.h"
 #include "zelvar/base/Hex.h"
+#include "zelvar/base/XMLEncoding.h"
 #include "zelvar/base/XMLPiece.h"
 #include "zelvar/base/XMLText.h"
 
@@ -35,18 +36,6 @@ constexpr char kEncoding[] = "encoding";
 constexpr char kHex[] = "hex";
 constexpr char kHexSuffix[] = "Hex";
 
-/// Valid UTF-8 without the characters that no XML may hold, not even by their numbers.
-bool CanStandInXml(std::string_view text) {
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        char const c = text[i];
-        if (static_cast<unsigned char>(c) < 0x20 && c != '\t' && c != '\n' && c != '\r')
-            return false;
-        if (text.substr(i).starts_with("\xEF\xBF\xBE") || text.substr(i).starts_with("\xEF\xBF\xBF"))
-            return false;
-    }
-    return ToValidUtf8(text) == text;
-}
-
 } // namespace
 
 XMLNode::XMLNode(DString const &name) : m_piece(std::make_unique<XMLPiece>(Kind::Element, name)) {
@@ -73,7 +62,7 @@ bool XMLNode::LoadText(std::string_view text, DString *error) {
     if (m_piece->parent != nullptr)
         reason = "only a root can be loaded";
     else if (text.size() > kLargestXml)
-        reason = "is larger than 64 MB";
+        reason = "is larger than 85 MB";
     else
         loaded = ParseXml(text, reason);
     if (error != nullptr)
@@ -98,7 +87,13 @@ bool XMLNode::Save(DFile const *file, bool backup) const {
     return file->WriteAtomically(text);
 }
 
-DString XMLNode::SaveText() const { return WriteXml(*this); }
+DString XMLNode::SaveText(DString *error) const {
+    DString reason;
+    DString text = WriteXml(*this, reason);
+    if (error != nullptr)
+        *error = reason;
+    return text;
+}
 
 DString const &XMLNode::GetName() const { return m_piece->text; }
 void XMLNode::SetName(DString const &name) { m_piece->text = name; }
@@ -167,7 +162,7 @@ void XMLNode::SetText(DString const &text) {
 }
 
 void XMLNode::SetSafeText(DString const &bytes) {
-    bool const plain = CanStandInXml(bytes);
+    bool const plain = IsXmlText(bytes);
     if (!plain || HasAttr(kEncoding))
         SetAttr(kEncoding, plain ? "" : kHex);
     SetText(plain ? bytes : HexEncode(bytes));
@@ -180,7 +175,7 @@ DString XMLNode::GetSafeText() const {
 }
 
 void XMLNode::SetSafeAttr(DString const &name, DString const &bytes) {
-    if (CanStandInXml(bytes))
+    if (IsXmlText(bytes))
         SetAttr(name.c_str(), bytes);
     else
         SetAttr((name + kHexSuffix).c_str(), HexEncode(bytes));
@@ -222,20 +217,20 @@ XMLNode *XMLNode::AddChld(XMLNode *child) {
 
 XMLNode *XMLNode::AddChld(DString const &name) { return AddChld(std::make_unique<XMLNode>(name).release()); }
 
-bool XMLNode::DelChld(XMLNode *child) {
+std::unique_ptr<XMLNode> XMLNode::TakeChld(XMLNode *child) {
     if (child == nullptr || child->GetParent() != this)
-        return false;
-    delete child;
-    return true;
+        return nullptr;
+    child->m_piece->Unlink();
+    return std::unique_ptr<XMLNode>(child);
 }
+
+bool XMLNode::DelChld(XMLNode *child) { return TakeChld(child) != nullptr; }
 
 std::unique_ptr<XMLNode> XMLNode::Copy() const {
     auto copy = std::make_unique<XMLNode>(GetName());
     copy->m_piece->attributes = m_piece->attributes;
-    for (auto const &before : m_piece->prolog)
-        copy->m_piece->prolog.push_back(std::make_unique<XMLPiece>(before->kind, before->text));
-    for (auto const &behind : m_piece->epilog)
-        copy->m_piece->epilog.push_back(std::make_unique<XMLPiece>(behind->kind, behind->text));
+    if (m_piece->outside != nullptr)
+        copy->m_piece->outside = std::make_unique<XMLPiece::Outside>(*m_piece->outside);
     XMLPiece *target = copy->m_piece.get();
     XMLPiece const *source = m_piece.get();
     for (;;) {

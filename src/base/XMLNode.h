@@ -24,15 +24,17 @@ public:
 
     /// Replaces this root by the file's tree. False, and this node unchanged, if the file cannot be read or does not
     /// parse to its end: never half a tree. `error` then tells file, line and reason. External entities are never
-    /// fetched; document types with entity declarations, trees deeper than 256 levels, files above 64 MB or with more
-    /// than four million elements and attributes are refused. Fails on a node that has a parent.
+    /// fetched; document types with entity declarations, trees deeper than 1,024 levels, files above 85 MB and those
+    /// that would take more than 256 MB of memory are refused. UTF-16, UTF-32 and declared encodings of one byte a
+    /// character become UTF-8. Fails on a node that has a parent.
     bool Load(DFile const &file, DString *error = nullptr);
     bool LoadText(std::string_view text, DString *error = nullptr);
     /// Writes the tree as UTF-8, atomically: the former file stays until the new one is complete on disk. With
     /// `backup` the former file is kept beside it as "<name>.bak". False leaves the former file as it was; so does a
-    /// tree with a name or a character that cannot stand in XML, whose `SaveText` is empty.
+    /// tree with a name or a character that cannot stand in XML, bytes that are no UTF-8, or two attributes of one
+    /// name: its `SaveText` is empty, and `error` tells why.
     bool Save(DFile const *file, bool backup) const;
-    [[nodiscard]] DString SaveText() const;
+    [[nodiscard]] DString SaveText(DString *error = nullptr) const;
 
     [[nodiscard]] DString const &GetName() const;
     void SetName(DString const &name);
@@ -70,6 +72,8 @@ public:
     /// Appends `child`, a root until now, and takes it over. Null when `child` is null or has a parent.
     XMLNode *AddChld(XMLNode *child);
     XMLNode *AddChld(DString const &name);
+    /// Takes a child of this node out of the tree; it is a root then, and the caller's. Null if it is none.
+    [[nodiscard]] std::unique_ptr<XMLNode> TakeChld(XMLNode *child);
     /// Removes and deletes a child of this node. False if it is none.
     bool DelChld(XMLNode *child);
 

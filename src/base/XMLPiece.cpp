@@ -57,16 +57,22 @@ void XMLPiece::Delete(XMLPiece *piece) {
         delete piece;
 }
 
-XMLPiece &XMLPiece::AppendCopy(XMLPiece const &other) {
-    XMLPiece *copy = nullptr;
-    if (other.IsElement()) {
-        copy = std::make_unique<XMLNode>(other.text).release()->m_piece.get(); // the children own it from here
-        copy->attributes = other.attributes;
+XMLPiece &XMLPiece::Append(Kind of, DString content) {
+    XMLPiece *piece = nullptr;
+    if (of == Kind::Element) {
+        piece = std::make_unique<XMLNode>().release()->m_piece.get(); // the children own it from here
+        piece->text = std::move(content);
     } else {
-        copy = std::make_unique<XMLPiece>(other.kind, other.text).release();
+        piece = std::make_unique<XMLPiece>(of, std::move(content)).release();
     }
-    Link(*copy);
-    return *copy;
+    Link(*piece);
+    return *piece;
+}
+
+XMLPiece &XMLPiece::AppendCopy(XMLPiece const &other) {
+    XMLPiece &copy = Append(other.kind, other.text);
+    copy.attributes = other.attributes;
+    return copy;
 }
 
 void XMLPiece::TakeContent(XMLPiece &other) {
@@ -74,8 +80,7 @@ void XMLPiece::TakeContent(XMLPiece &other) {
         Delete(last);
     text = std::move(other.text);
     attributes = std::move(other.attributes);
-    prolog = std::move(other.prolog);
-    epilog = std::move(other.epilog);
+    outside = std::move(other.outside);
     first = std::exchange(other.first, nullptr);
     last = std::exchange(other.last, nullptr);
     for (XMLPiece *child = first; child != nullptr; child = child->next)

@@ -20,6 +20,12 @@ struct XMLAttribute {
 struct XMLPiece {
     enum class Kind : std::uint8_t { Element, Text, CData, Comment, Instruction, DocType };
 
+    /// What stands before and behind a root in its file. Of one kind a text each; no elements.
+    struct Outside {
+        std::vector<std::pair<Kind, DString>> prolog{};
+        std::vector<std::pair<Kind, DString>> epilog{};
+    };
+
     XMLPiece(Kind of, DString content) : kind(of), text(std::move(content)) {}
     XMLPiece(XMLPiece const &) = delete;
     XMLPiece &operator=(XMLPiece const &) = delete;
@@ -40,6 +46,8 @@ struct XMLPiece {
     void Unlink();
     /// Deletes a piece with all below it; that of an element with its node.
     static void Delete(XMLPiece *piece);
+    /// Appends a new one.
+    XMLPiece &Append(Kind of, DString content);
     /// Appends a copy of `other` alone, without its children.
     XMLPiece &AppendCopy(XMLPiece const &other);
     /// Moves everything but the place in the tree from `other`, a root, to this one; what was here is deleted.
@@ -48,9 +56,8 @@ struct XMLPiece {
     Kind kind;
     DString text; ///< name of an element, content of the others
     std::vector<XMLAttribute> attributes{};
-    std::vector<std::unique_ptr<XMLPiece>> prolog{}; ///< of a root: what stands before it in the file
-    std::vector<std::unique_ptr<XMLPiece>> epilog{}; ///< of a root: what stands behind it
-    XMLNode *node = nullptr;                         ///< of an element, else null
+    std::unique_ptr<Outside> outside{}; ///< of a root that was loaded, or null
+    XMLNode *node = nullptr;            ///< of an element, else null
     XMLPiece *parent = nullptr;
     XMLPiece *previous = nullptr;
     XMLPiece *next = nullptr;

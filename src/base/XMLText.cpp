@@ -1,9 +1,11 @@
 #include "zelvar/base/XMLText.h"
 
+#include "zelvar/base/XMLEncoding.h"
 #include "zelvar/base/XMLPiece.h"
 
 #include <algorithm>
 #include <cstdint>
+#include <iterator>
 #include <new>
 #include <optional>
 #include <pugixml.hpp>
@@ -40,19 +42,13 @@ DString ContentOf(pugi::xml_node source, Kind kind) {
     return kind == Kind::Element ? source.name() : source.value();
 }
 
-bool IsUtf16Or32(std::string_view text) {
-    return text.starts_with("\xFE\xFF") || text.starts_with("\xFF\xFE") ||
-           text.substr(0, std::min<std::size_t>(text.size(), 4)).find('\0') != std::string_view::npos;
-}
-
-/// Builds our tree from that of the parser.
+/// Builds our tree from that of the parser, which gives up what has been taken.
 class TreeBuilder {
 public:
     /// Null, with `reason` set, if the document breaks a limit or is no whole document.
-    std::unique_ptr<XMLNode> Build(pugi::xml_document const &document, DString &reason) {
+    std::unique_ptr<XMLNode> Build(pugi::xml_document &document, DString &reason) {
         std::unique_ptr<XMLNode> root;
-        std::vector<std::unique_ptr<XMLPiece>> prolog;
-        std::vector<std::unique_ptr<XMLPiece>> epilog;
+        auto outside = std::make_unique<XMLPiece::Outside>();
         for (pugi::xml_node source : document.children()) {
             auto const kind = KindOf(source);
             if (!kind)
@@ -69,7 +65,7 @@ public:
                 m_failed = true;
                 m_reason = "entity declarations are refused";
             } else {
-                (root ? epilog : prolog).push_back(std::make_unique<XMLPiece>(*kind, ContentOf(source, *kind)));
+                (root ? outside->epilog : outside->prolog).emplace_back(*kind, ContentOf(source, *kind));
             }
             if (m_failed) {
                 reason = m_reason;
@@ -80,35 +76,34 @@ public:
             reason = "no root element";
             return nullptr;
         }
-        XMLPiece::Of(*root).prolog = std::move(prolog);
-        XMLPiece::Of(*root).epilog = std::move(epilog);
+        XMLPiece::Of(*root).outside = std::move(outside);
         return root;
     }
 
 private:
-    bool Count(std::size_t pieces) {
-        m_pieces += pieces;
-        if (m_pieces > kMostXmlPieces)
-            m_reason = "too many elements";
-        return m_pieces <= kMostXmlPieces;
+    static void TakeElement(XMLPiece &target, pugi::xml_node source) {
+        target.text = source.name();
+        auto const attributes = source.attributes();
+        target.attributes.reserve(static_cast<std::size_t>(std::distance(attributes.begin(), attributes.end())));
+        for (pugi::xml_attribute attribute : attributes)
+            target.attributes.push_back({.name = attribute.name(), .value = attribute.value()});
     }
 
-    bool TakeElement(XMLPiece &target, pugi::xml_node source) {
-        target.text = source.name();
-        for (pugi::xml_attribute attribute : source.attributes())
-            target.attributes.push_back({.name = attribute.name(), .value = attribute.value()});
-        return Count(1 + target.attributes.size());
+    /// The next one; this one is given up.
+    static pugi::xml_node Behind(pugi::xml_node source) {
+        pugi::xml_node const next = source.next_sibling();
+        source.parent().remove_child(source);
+        return next;
     }
 
     bool Fill(XMLPiece &root, pugi::xml_node source) {
-        if (!TakeElement(root, source))
-            return false;
+        TakeElement(root, source);
         int depth = 1;
         XMLPiece *target = &root;
         source = source.first_child();
         while (source || target != &root) {
             if (!source) { // up to the element behind the one just finished
-                source = m_open.back().next_sibling();
+                source = Behind(m_open.back());
                 m_open.pop_back();
                 target = target->parent;
                 --depth;
@@ -116,27 +111,23 @@ private:
             }
             if (source.type() == pugi::node_element) {
                 if (++depth > kDeepestXml) {
-                    m_reason = "elements nested deeper than 256 levels";
+                    m_reason = Format("elements nested deeper than %d levels", kDeepestXml);
                     return false;
                 }
-                target = &target->AppendCopy(XMLPiece(Kind::Element, {}));
-                if (!TakeElement(*target, source))
-                    return false;
+                target = &target->Append(Kind::Element, {});
+                TakeElement(*target, source);
                 m_open.push_back(source);
                 source = source.first_child();
                 continue;
             }
-            if (auto const kind = KindOf(source); kind && Count(1))
-                target->AppendCopy(XMLPiece(*kind, ContentOf(source, *kind)));
-            else if (kind)
-                return false;
-            source = source.next_sibling();
+            if (auto const kind = KindOf(source))
+                target->Append(*kind, ContentOf(source, *kind));
+            source = Behind(source);
         }
         return true;
     }
 
     std::vector<pugi::xml_node> m_open; ///< elements whose children are being taken, without the root
-    std::size_t m_pieces = 0;
     bool m_failed = false;
     DString m_reason;
 };
@@ -173,15 +164,64 @@ bool HoldsNul(std::string_view xml) {
     return false;
 }
 
+std::size_t MemoryForXml(std::string_view xml) {
+    constexpr std::size_t shortText = 15; // bytes that a text holds within itself
+    // Counted without regard to where a character stands, so that nothing can hide: there are no more elements and the
+    // like than "<", no more attributes than "=", no texts but between ">" and "<", and none goes beyond a "<".
+    std::size_t pieces = 0;
+    std::size_t texts = 0;
+    std::size_t attributes = 0;
+    std::size_t longTexts = 0;
+    std::size_t former = 0; // "<"
+    bool hasText = true;
+    for (std::size_t i = 0; i < xml.size(); ++i) {
+        char const c = xml[i];
+        if (c == '<') {
+            bool const closes = xml.substr(i + 1).starts_with('/');
+            bool const isBlankAlone = closes && i > 0 && xml[i - 1] != '>';
+            pieces += closes ? 0 : 1;
+            texts += hasText || isBlankAlone ? 1 : 0;
+            longTexts += (i - former) / shortText;
+            former = i;
+            hasText = true;
+        } else if (c == '>') {
+            hasText = false;
+        } else {
+            attributes += c == '=' ? 1 : 0;
+            hasText = hasText || (c != ' ' && c != '\n' && c != '\t' && c != '\r');
+        }
+    }
+    longTexts = std::min(pieces + texts + 2 * attributes, longTexts + (xml.size() - former) / shortText);
+    constexpr std::size_t head = 16; // of a block of memory, and what it is rounded up by
+    constexpr std::size_t parsersPiece = 64;
+    constexpr std::size_t parsersAttribute = 40;
+    constexpr std::size_t piece = sizeof(XMLPiece) + head;
+    constexpr std::size_t element = piece + sizeof(XMLNode) + head + 2 * head;
+    std::size_t const parsers = (pieces + texts) * parsersPiece + attributes * parsersAttribute;
+    std::size_t const own = pieces * element + texts * piece + attributes * sizeof(XMLAttribute);
+    return std::max(parsers, own) + 2 * xml.size() + longTexts * 2 * head;
+}
+
 std::unique_ptr<XMLNode> ParseXml(std::string_view text, DString &reason) try {
-    if (!IsUtf16Or32(text) && HoldsNul(text)) {
+    std::optional<DString> recoded;
+    if (DString const encoding = EncodingOfXml(text); !encoding.empty()) {
+        recoded = RecodedXml(text, encoding, kLargestXml, reason);
+        if (!recoded)
+            return nullptr;
+        text = *recoded;
+    }
+    if (HoldsNul(text)) {
         reason = "holds a NUL character";
+        return nullptr;
+    }
+    if (MemoryForXml(text) + text.size() > kMostXmlMemory) {
+        reason = "has more elements and texts than 256 MB of memory hold";
         return nullptr;
     }
     constexpr unsigned flags = pugi::parse_default | pugi::parse_fragment | pugi::parse_comments | pugi::parse_pi |
                                pugi::parse_doctype | pugi::parse_ws_pcdata_single;
     pugi::xml_document document;
-    pugi::xml_parse_result const result = document.load_buffer(text.data(), text.size(), flags);
+    pugi::xml_parse_result const result = document.load_buffer(text.data(), text.size(), flags, pugi::encoding_utf8);
     if (!result) {
         std::string_view const before =
             text.substr(0, static_cast<std::size_t>(std::max<std::ptrdiff_t>(result.offset, 0)));

@@ -1,3 +1,4 @@
+#include "zelvar/base/XMLEncoding.h"
 #include "zelvar/base/XMLPiece.h"
 #include "zelvar/base/XMLText.h"
 
@@ -27,7 +28,8 @@ bool NeedsNumbers(XMLPiece const &text) {
            text.text.find_first_not_of(" \t\n\r") == std::string::npos;
 }
 
-/// Characters that the reader would change are written by their number, so that every text comes back as it was.
+/// Characters that the reader would change are written by their number, so that every text comes back as it was. Those
+/// that no XML holds go as they are, for who looks at the whole.
 void PutEscaped(DString &out, std::string_view text, Place place) {
     for (char const c : text) {
         switch (c) {
@@ -44,11 +46,11 @@ void PutEscaped(DString &out, std::string_view text, Place place) {
             out += place == Place::Attribute ? "&quot;" : "\"";
             break;
         default:
-            if (static_cast<unsigned char>(c) > (place == Place::BetweenElements ? 0x20 : 0x1F) ||
-                (place == Place::Text && (c == '\n' || c == '\t')))
-                out += c;
-            else
+            if (c == '\r' || (place != Place::Text && (c == '\n' || c == '\t')) ||
+                (place == Place::BetweenElements && c == ' '))
                 out.append("&#").append(std::to_string(c)).append(";");
+            else
+                out += c;
         }
     }
 }
@@ -72,44 +74,58 @@ void PutCData(DString &out, std::string_view text) {
     out.append(text).append(end);
 }
 
-void PutOther(DString &out, XMLPiece const &piece) {
-    switch (piece.kind) {
+void PutOther(DString &out, Kind kind, DString const &text, Place place = Place::Text) {
+    switch (kind) {
     case Kind::Text:
-        PutEscaped(out, piece.text, NeedsNumbers(piece) ? Place::BetweenElements : Place::Text);
+        PutEscaped(out, text, place);
         break;
     case Kind::CData:
-        PutCData(out, piece.text);
+        PutCData(out, text);
         break;
     case Kind::Comment:
         out += "<!--";
-        PutParted(out, piece.text, "--");
-        out += piece.text.ends_with('-') ? " -->" : "-->";
+        PutParted(out, text, "--");
+        out += text.ends_with('-') ? " -->" : "-->";
         break;
     case Kind::Instruction:
         out += "<?";
-        PutParted(out, piece.text, "?>");
+        PutParted(out, text, "?>");
         out += "?>";
         break;
     case Kind::DocType:
-        out.append("<!DOCTYPE ").append(piece.text).append(">");
+        out.append("<!DOCTYPE ").append(text).append(">");
         break;
     case Kind::Element:
         break;
     }
 }
 
+bool HasTwoOfOneName(std::vector<XMLAttribute> const &attributes) {
+    std::vector<std::string_view> names;
+    names.reserve(attributes.size());
+    for (XMLAttribute const &attribute : attributes)
+        names.emplace_back(attribute.name);
+    std::sort(names.begin(), names.end());
+    return std::adjacent_find(names.begin(), names.end()) != names.end();
+}
+
 class TreeWriter {
 public:
-    explicit TreeWriter(DString &out) : m_out(out) {}
+    TreeWriter(DString &out, DString &reason) : m_out(out), m_reason(reason) {}
 
-    /// False if the tree holds a name that XML does not know, or is deeper than it could be loaded again.
+    /// False if the tree holds a name that XML does not know, twice the same, or is deeper than it could be loaded
+    /// again.
     bool Put(XMLPiece const &element, int depth) {
-        if (depth > kDeepestXml || !IsXmlName(element.text))
-            return false;
+        if (depth > kDeepestXml)
+            return Refuse(Format("elements nested deeper than %d levels", kDeepestXml));
+        if (!IsXmlName(element.text))
+            return Refuse("\"" + element.text + "\" is no name of an element");
+        if (element.attributes.size() > 1 && HasTwoOfOneName(element.attributes))
+            return Refuse("\"" + element.text + "\" has two attributes of one name");
         m_out.append("<").append(element.text);
         for (XMLAttribute const &attribute : element.attributes) {
             if (!IsXmlName(attribute.name))
-                return false;
+                return Refuse("\"" + attribute.name + "\" is no name of an attribute");
             m_out.append(" ").append(attribute.name).append("=\"");
             PutEscaped(m_out, attribute.value, Place::Attribute);
             m_out += '"';
@@ -127,7 +143,7 @@ public:
             if (!mixed)
                 BeginLine(depth);
             if (!child->IsElement())
-                PutOther(m_out, *child);
+                PutOther(m_out, child->kind, child->text, NeedsNumbers(*child) ? Place::BetweenElements : Place::Text);
             else if (!Put(*child, depth + 1))
                 return false;
         }
@@ -138,28 +154,39 @@ public:
     }
 
 private:
+    bool Refuse(DString reason) {
+        m_reason = std::move(reason);
+        return false;
+    }
     void BeginLine(int indent) { m_out.append("\n").append(static_cast<std::size_t>(indent) * 2, ' '); }
 
     DString &m_out;
+    DString &m_reason;
 };
 
 } // namespace
 
-DString WriteXml(XMLNode const &root) {
+DString WriteXml(XMLNode const &root, DString &reason) {
     XMLPiece const &piece = XMLPiece::Of(root);
     DString text = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
-    for (auto const &before : piece.prolog) {
-        PutOther(text, *before);
-        text += '\n';
-    }
-    if (!TreeWriter(text).Put(piece, 1))
+    auto const putAll = [&](auto const &others) {
+        for (auto const &[kind, other] : others) {
+            PutOther(text, kind, other);
+            text += '\n';
+        }
+    };
+    if (piece.outside != nullptr)
+        putAll(piece.outside->prolog);
+    if (!TreeWriter(text, reason).Put(piece, 1))
         return {};
     text += '\n';
-    for (auto const &behind : piece.epilog) {
-        PutOther(text, *behind);
-        text += '\n';
+    if (piece.outside != nullptr)
+        putAll(piece.outside->epilog);
+    if (HoldsNul(text) || !IsXmlText(text)) {
+        reason = "a text holds bytes or characters that no XML may hold";
+        return {};
     }
-    return HoldsNul(text) ? DString() : text;
+    return text;
 }
 
 } // namespace zelvar

@@ -1,6 +1,7 @@
 #include "zelvar/model/DataSourceCollector.h"
 
 #include "zelvar/base/DCnfg.h"
+#include "zelvar/base/SettingsStore.h"
 #include "zelvar/base/XMLNode.h"
 #include "zelvar/model/DataSourceDefinitions.h"
 #include "zelvar/model/NtwDataSourceItem.h"
@@ -100,19 +101,26 @@ bool Favorites::Contains(DString const &path) {
 }
 
 void Favorites::Add(DString const &path) {
-    DVectorSafe<DString> paths = ReadFavorites();
-    paths.push_back(path);
-    DUserCnfg(kSection).WriteStringVec(kKey, paths);
+    // A transaction: another process may be adding one, too.
+    SettingsStore::Instance().TransactSoon([path] {
+        DVectorSafe<DString> paths = ReadFavorites();
+        paths.push_back(path);
+        return DUserCnfg(kSection).WriteStringVec(kKey, paths);
+    });
 }
 
 void Favorites::Remove(DString const &path) {
-    DVectorSafe<DString> paths = ReadFavorites();
-    auto const at =
-        std::find_if(paths.begin(), paths.end(), [&](DString const &entry) { return EqualNoCase(entry, path); });
-    if (at == paths.end())
+    if (!Contains(path))
         return;
-    paths.erase(at);
-    DUserCnfg(kSection).WriteStringVec(kKey, paths);
+    SettingsStore::Instance().TransactSoon([path] {
+        DVectorSafe<DString> paths = ReadFavorites();
+        auto const at =
+            std::find_if(paths.begin(), paths.end(), [&](DString const &entry) { return EqualNoCase(entry, path); });
+        if (at == paths.end())
+            return false;
+        paths.erase(at);
+        return DUserCnfg(kSection).WriteStringVec(kKey, paths);
+    });
 }
 
 } // namespace zelvar

@@ -3,6 +3,9 @@
 #include "zelvar/base/DFileFind.h"
 #include "zelvar/base/Directories.h"
 
+#include <filesystem>
+#include <system_error>
+
 namespace zelvar {
 
 bool DataSourceDefinitions::Load() {
@@ -21,6 +24,11 @@ bool DataSourceDefinitions::Load() {
 
 bool DataSourceDefinitions::Save() {
     bool written = false;
+    // A new user has no such directory yet. Should it not be made, nothing can be written either.
+    if (DString const directory = GetDataSourceDefinitionsDir(); !directory.empty() && !m_files.empty()) {
+        std::error_code failure;
+        std::filesystem::create_directories(directory, failure);
+    }
     // The mark of a modified file stays, so each later call writes it again.
     for (FileRec const &record : m_files)
         if (record.m_modified)

@@ -2,8 +2,10 @@
 
 #include "zelvar/base/Report.h"
 
+#include <algorithm>
 #include <boost/tokenizer.hpp>
 #include <map>
+#include <tuple>
 
 namespace zelvar {
 
@@ -82,10 +84,28 @@ int DataSourceRepository::Rebuild() {
     return 0;
 }
 
+/// The file in whose tree the node sits, or null.
+DataSourceRepository::FileRec *DataSourceRepository::FileOf(XMLNode const &node) {
+    XMLNode const *top = &node;
+    while (top->GetParent() != nullptr)
+        top = top->GetParent();
+    auto const at =
+        std::find_if(m_files.begin(), m_files.end(), [&](FileRec const &record) { return record.root.get() == top; });
+    return at == m_files.end() ? nullptr : &*at;
+}
+
 bool DataSourceRepository::AddDataSource(int fileIndex, XMLNode *node) {
     if (fileIndex < 0 || static_cast<std::size_t>(fileIndex) >= m_files.size() || node == nullptr ||
         !IsDefinition(*node))
         return false;
+    FileRec *const former = FileOf(*node);
+    if (former != nullptr && former->root.get() == node)
+        return false;
+    // Out of its tree first: it may be one of those that it replaces.
+    if (XMLNode *const parent = node->GetParent())
+        std::ignore = parent->TakeChld(node).release();
+    if (former != nullptr)
+        former->m_modified = true;
     FileRec &record = m_files[static_cast<std::size_t>(fileIndex)];
     DString const name = node->GetAttrStr("name");
     constexpr int kMostDuplicates = 100;
@@ -101,8 +121,10 @@ bool DataSourceRepository::RemoveAndDeleteDataSource(int fileIndex, XMLNode *nod
     if (fileIndex < 0 || static_cast<std::size_t>(fileIndex) >= m_files.size() || node == nullptr ||
         node->GetParent() == nullptr)
         return false;
-    node->GetParent()->DelChld(node);
     m_files[static_cast<std::size_t>(fileIndex)].m_modified = true;
+    if (FileRec *const file = FileOf(*node)) // which may be another one
+        file->m_modified = true;
+    node->GetParent()->DelChld(node);
     Destroy();
     return true;
 }

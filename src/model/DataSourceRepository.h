@@ -29,8 +29,9 @@ public:
     FileRec &GetFile(int index) { return m_files[static_cast<std::size_t>(index)]; }
     /// Reads the names anew from the trees. Always 0.
     int Rebuild();
-    /// Replaces the definitions of that name in the file by `node`, which the tree takes over; false, and nothing done,
-    /// for a node that is none or has no name. The map is empty until `Rebuild`.
+    /// Replaces the definitions of that name in the file by `node`, which the tree takes over, also from another tree
+    /// or another place in this one. False, and nothing done, for a node that is none, has no name, or is the root of a
+    /// file. The map is empty until `Rebuild`.
     bool AddDataSource(int fileIndex, XMLNode *node);
     /// Deletes the node. The map is empty until `Rebuild`.
     bool RemoveAndDeleteDataSource(int fileIndex, XMLNode *node);
@@ -49,6 +50,7 @@ protected:
     DVectorSafe<FileRec> m_files;
 
 private:
+    [[nodiscard]] FileRec *FileOf(XMLNode const &node);
     int ParseXML(XMLNode *root);
 };
 

@@ -2,6 +2,7 @@
 
 #include "zelvar/base/DCnfg.h"
 #include "zelvar/base/Directories.h"
+#include "zelvar/base/SettingsStore.h"
 #include "zelvar/base/XMLNode.h"
 #include "zelvar/platform/os/ShellNamespace.h"
 #include "zelvar/settings/CnfgLdr.h"
@@ -141,14 +142,21 @@ void DfltFldrs::GetDirHist(char const *key, DVectorSafe<DString> &out, bool with
 }
 
 void DfltFldrs::SaveDirHist(char const *key, DString const &folder) const {
-    if (key == nullptr || *key == '\0')
+    if (key == nullptr || *key == '\0' || folder.empty())
         return;
+    // One transaction: another process may be remembering a folder, too. A failed one goes unnoticed: the folder is
+    // just not remembered.
+    SettingsStore::Instance().TransactSoon([folders = *this, name = DString(key), folder] {
+        return DUserCnfg(kSection, true, DCnfg::SttngType_User)
+            .WriteString(name, folders.HistoryWith(name.c_str(), folder));
+    });
+}
+
+DString DfltFldrs::HistoryWith(char const *key, DString const &folder) const {
     DVectorSafe<DString> all;
     DVectorSafe<DString> history;
     GetDirHist(key, all, true, true);
     GetDirHist(key, history, false, true);
-    if (folder.empty())
-        return;
     // The limit is on history and defaults together, and the oldest goes even if `folder` is in the list already.
     if (all.size() >= kMostEntries && !history.empty())
         history.pop_back();
@@ -157,9 +165,7 @@ void DfltFldrs::SaveDirHist(char const *key, DString const &folder) const {
     if (same != history.end())
         history.erase(same);
     history.insert(history.begin(), folder);
-    std::vector<DString> const pieces(history.begin(), history.end());
-    // A failed write goes unnoticed: the folder is just not remembered.
-    DUserCnfg(kSection, true, DCnfg::SttngType_User).WriteString(key, JoinNotEmpty(pieces, kListSeparator));
+    return JoinNotEmpty({history.begin(), history.end()}, kListSeparator);
 }
 
 } // namespace zelvar

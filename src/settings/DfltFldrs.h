@@ -62,6 +62,9 @@ private:
     static DfltFldrs *m_pSingleInstance;
     static CAutoDel m_autoDelete;
 
+    /// The history with `folder` at its head, as it is stored.
+    [[nodiscard]] DString HistoryWith(char const *key, DString const &folder) const;
+
     PathStyle m_style;
     std::map<DString, DString> m_folders; ///< folders of each key, separated by ";"
 };

@@ -18,7 +18,7 @@ constexpr char kValueElement[] = "RegValue";
 constexpr char kPath[] = "path";
 constexpr char kType[] = "type";
 constexpr char kSize[] = "size";
-constexpr int kDeepest = 1'000; // levels of keys; the stack holds them
+constexpr int kDeepest = 1'100; // levels of keys; the stack holds them, and XML does not
 constexpr std::size_t kMostSnapshotBytes = std::size_t{256} << 20U;
 
 // As registries number them.

@@ -29,7 +29,8 @@ public:
 
     /// The current key as a tree, the caller's. Null if no key is open. Attribute `path` is the key's path less all its
     /// leading characters that occur anywhere in the root, which counts as a set of characters, not as a prefix: with
-    /// the root "Software\", "Software\Settings" becomes "ings". Keys below the 1,000th level are left out.
+    /// the root "Software\", "Software\Settings" becomes "ings". Keys below the 1,100th level are left out: a tree
+    /// that deep is not written as XML either.
     [[nodiscard]] XMLNode *ToXMLNode() const;
     /// Makes the key that the root and the tree's path give, with all that the tree says; what is there besides stays.
     /// False if anything of it failed; the rest is done nonetheless.

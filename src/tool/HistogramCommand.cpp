@@ -43,8 +43,12 @@ bool ReadData(Arguments const &arguments, int band, int slots, DHstg &histogram,
     if (!table.IsOpen())
         return false;
     int const column = FindColumn(table, arguments.Value("--column"));
-    reason = "there is no column '" + arguments.Value("--column") + "'";
-    return column >= 0 && ReadHistogram(table, column, slots, nullptr, histogram);
+    reason = column < 0 ? "there is no column '" + arguments.Value("--column") + "'" : DString();
+    if (column >= 0 && ReadHistogram(table, column, slots, nullptr, histogram))
+        return true;
+    if (column >= 0)
+        reason = ReadingFailureOf(file);
+    return false;
 }
 
 void PrintSlot(DHstg const &histogram, int slot) {

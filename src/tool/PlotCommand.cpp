@@ -14,6 +14,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <memory>
 
 namespace zelvar::tool {
 
@@ -75,13 +76,16 @@ int RunPlot(std::vector<DString> const &words, int &argc, char **argv) {
     if (xColumn < 0 || yColumn < 0)
         return Failure("there is no column '" + arguments->Value(xColumn < 0 ? "--x" : "--y") + "' in '" + file + "'");
 
-    auto &plot = *new CPlotCtrl;
+    auto owned = std::make_unique<CPlotCtrl>(); // of the window, below
+    CPlotCtrl &plot = *owned;
     Fill(plot, table, xColumn, yColumn);
+    if (table.HasFailed())
+        return Failure("cannot read '" + file + "' to its end: " + ReadingFailureOf(file));
     plot.DrawLine(arguments->Has("--line"));
     plot.DrawTitle(true);
     plot.SetTitle(BDIMoniker(file, nullptr).GetDisplayName());
     bool const isEmpty = plot.GetNumData() == 0;
-    ChartWindow window(plot, BDIMoniker(file, nullptr).GetDisplayName(), [&plot] {
+    ChartWindow window(*owned.release(), BDIMoniker(file, nullptr).GetDisplayName(), [&plot] {
         if (CPlotCtrl::DataPoint const *const point = plot.GetSlctData())
             std::printf("%s\t%.10g\t%.10g\n", point->info.c_str(), point->x, point->y);
         std::fflush(stdout);

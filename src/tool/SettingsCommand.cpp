@@ -13,14 +13,21 @@ namespace {
 CommandSpec const &kSpec = SpecOf("settings");
 
 int Export(DString const &file, DString const &key) {
+    SettingsStore const &store = SettingsStore::Instance();
     ZelRegistry registry(0, 1);
-    if (!registry.Open(key.c_str()))
+    std::unique_ptr<XMLNode> snapshot;
+    bool const isRead = store.IsWhole() && store.ReadTogether([&] {
+        if (registry.Open(key.c_str()))
+            snapshot.reset(registry.ToXMLNode());
+    });
+    if (!isRead)
+        return Failure("the settings cannot be read whole");
+    if (snapshot == nullptr)
         return Failure("there is no key '" + key + "'");
-    std::unique_ptr<XMLNode> const snapshot(registry.ToXMLNode());
-    DString const text = snapshot == nullptr ? DString() : snapshot->SaveText();
     // What could not be read again is no export.
-    if (DString reason; text.empty() || !XMLNode().LoadText(text, &reason))
-        return Failure("the settings cannot be written as XML" + (reason.empty() ? "" : ": " + reason));
+    DString reason;
+    if (DString const text = snapshot->SaveText(&reason); text.empty() || !XMLNode().LoadText(text, &reason))
+        return Failure("the settings cannot be written as XML: " + reason);
     DFile const target(file);
     return snapshot->Save(&target, false) ? kDone : Failure("cannot write '" + file + "'");
 }

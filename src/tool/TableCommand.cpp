@@ -110,7 +110,7 @@ int PrintSorted(IAttrData &table, Wish const &wish) {
     return printed;
 }
 
-int PrintTable(IAttrData &table, Wish const &wish) {
+int PrintTable(IAttrData &table, DString const &file, Wish const &wish) {
     DString head;
     for (int col = 0; col < table.GetNumCols(); ++col)
         AppendCell(head, col, table.GetColName(col));
@@ -119,7 +119,7 @@ int PrintTable(IAttrData &table, Wish const &wish) {
                         : wish.select >= 0 ? PrintAsRead(table, wish.select, 1)
                                            : PrintAsRead(table, 0, kAll);
     if (table.HasFailed())
-        return Failure("the table could not be read to its end");
+        return Failure("the table could not be read to its end: " + ReadingFailureOf(file));
     return printed == 0 ? kNothing : kDone;
 }
 
@@ -306,7 +306,7 @@ int RunTable(std::vector<DString> const &words, int &argc, char **argv) {
             return Failure("there is no column '" + name + "'");
     }
     if (printsOnly)
-        return PrintTable(*table, wish);
+        return PrintTable(*table, file, wish);
     int const result = ShowTable(std::move(table), BDIMoniker(file, nullptr).GetDisplayName(), *size, wish, attended,
                                  arguments->Value("--shot"));
     ZelvarShutdown();

@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <functional>
@@ -243,23 +244,87 @@ TEST_F(SettingsStoreTest, ADamagedFileIsKeptBesideAndANewOneBegun) {
 }
 
 TEST_F(SettingsStoreTest, DamageFoundLaterIsKeptBesideToo) {
-    ToldUser const told;
-    {
+    std::function<bool(SettingsStore &)> const finders[] = {
+        [](SettingsStore &store) { return store.Write("k300", "n", DString("after")); },
+        [](SettingsStore &store) {
+            return store.Transact([&] {
+                std::ignore = store.Read("k300", "n");
+                return store.Write("k300", "n", DString("after"));
+            });
+        },
+        [](SettingsStore &store) {
+            return !store.ReadTogether([&] { std::ignore = store.Read("k300", "n"); }) &&
+                   store.Write("k300", "n", DString("after"));
+        },
+        [](SettingsStore &store) { return !store.IsWhole() && store.Write("k300", "n", DString("after")); },
+    };
+    std::size_t aside = 0;
+    for (auto const &find : finders) {
+        ToldUser const told;
+        {
+            SettingsStore store(m_file);
+            store.Transact([&] {
+                for (int i = 0; i < 500; ++i)
+                    store.Write("k" + std::to_string(i), "n", DString(200, 'x'));
+                return true;
+            });
+            EXPECT_TRUE(store.IsWhole());
+        }
+        Damage();
         SettingsStore store(m_file);
-        store.Transact([&] {
-            for (int i = 0; i < 500; ++i)
-                store.Write("k" + std::to_string(i), "n", DString(200, 'x'));
-            return true;
-        });
+        SettingsStore other(m_file);
+        EXPECT_TRUE(find(store));
+        EXPECT_EQ(other.ReadString("k300", "n"), "after"); // finds the new file, and does not set that aside
+        EXPECT_EQ(FilesNamed("settings.db.damaged-?"), ++aside);
+        EXPECT_EQ(told.texts.size(), 1U);
     }
-    Damage();
+}
+
+TEST_F(SettingsStoreTest, WhoCannotWaitIsNotHeldUpByAProcessThatIsStuck) {
+    int begun[2] = {};
+    int end[2] = {};
+    ASSERT_EQ(pipe(begun) + pipe(end), 0);
+    pid_t const stuck = InChild([&] {
+        SettingsStore mine(m_file);
+        close(end[1]);
+        char byte = 0;
+        bool const done = mine.Transact([&] {
+            return mine.Write("k", "n", std::int64_t{10}) && write(begun[1], "b", 1) == 1 &&
+                   read(end[0], &byte, 1) == 0;
+        });
+        return done ? 0 : 1;
+    });
+    char byte = 0;
+    ASSERT_EQ(read(begun[0], &byte, 1), 1);
     SettingsStore store(m_file);
-    SettingsStore other(m_file);
-    EXPECT_TRUE(store.Write("k300", "n", DString("after")));
-    EXPECT_EQ(other.ReadString("k300", "n"), "after"); // finds the new file, and does not set that aside
-    EXPECT_EQ(FilesNamed("settings.db.damaged-1"), 1U);
-    EXPECT_EQ(FilesNamed("settings.db.damaged-2"), 0U);
-    EXPECT_EQ(told.texts.size(), 1U);
+    auto const add = [&store] { return store.Write("k", "n", store.ReadInt("k", "n", 0) + 1); };
+    auto const begin = std::chrono::steady_clock::now();
+    for (int i = 0; i < 20; ++i)
+        EXPECT_TRUE(store.TransactSoon(add));
+    EXPECT_TRUE(store.WriteSoon("k", "other", DString("x")));
+    EXPECT_FALSE(store.TransactSoon([&] { return store.Write("k", "other", DString("y")) && false; }));
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(1'000));
+    EXPECT_EQ(store.ReadInt("k", "n", 0), 20); // seen here already
+    EXPECT_EQ(store.ReadString("k", "other"), "x");
+    EXPECT_FALSE(SettingsStore(m_file).Read("k", "other"));
+    close(end[1]);
+    EXPECT_EQ(StatusOf(stuck), 0);
+    EXPECT_EQ(store.ReadInt("k", "n", 0), 30); // done behind the other's
+    EXPECT_EQ(SettingsStore(m_file).ReadInt("k", "n", 0), 30);
+}
+
+TEST_F(SettingsStoreTest, ATransactionThatAForkFallsIntoIsTheParents) {
+    SettingsStore store(m_file);
+    pid_t child = -1;
+    EXPECT_TRUE(store.Transact([&] {
+        EXPECT_TRUE(store.Write("k", "before", std::int64_t{1}));
+        child = fork();
+        return child != 0 ? store.Write("k", "behind", std::int64_t{1}) : !store.Write("k", "child", std::int64_t{1});
+    }) || child == 0);
+    if (child == 0) // where it has failed
+        _exit(!store.Write("k", "later", std::int64_t{1}) && !store.Read("k", "child") ? 0 : 1);
+    EXPECT_EQ(StatusOf(child), 0);
+    EXPECT_EQ(store.Names("k"), (std::vector<DString>{"before", "behind"}));
 }
 
 TEST_F(SettingsStoreTest, AFullDiskRefusesTheWriteAndLosesNothing) {

@@ -11,14 +11,24 @@
 namespace zelvar {
 namespace {
 
+using namespace std::string_view_literals;
+
 constexpr char const *kHead = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
 
-DString Nested(int levels) {
+DString Repeated(std::string_view piece, int count) {
     DString text;
-    for (int i = 0; i < levels; ++i)
-        text += "<a>";
-    for (int i = 0; i < levels; ++i)
-        text += "</a>";
+    for (int i = 0; i < count; ++i)
+        text += piece;
+    return text;
+}
+
+DString Nested(int levels) { return Repeated("<a>", levels) + Repeated("</a>", levels); }
+
+/// ASCII in so many bytes a character, the lowest first.
+DString Utf16(std::string_view ascii, std::size_t width = 2) {
+    DString text;
+    for (char const c : ascii)
+        text += DString(1, c) + DString(width - 1, '\0');
     return text;
 }
 
@@ -40,8 +50,14 @@ TEST(XMLNode, RefusesWhatIsNotAWholeDocumentAndStaysAsItWas) {
         {"the same in hexadecimal", "<a>x&#xA00000000;y</a>", "NUL"},
         {"entities", "<!DOCTYPE a [<!ENTITY x 'xx'><!ENTITY y '&x;&x;'>]><a>&y;</a>", "entity"},
         {"open document type", "<!DOCTYPE a [<a/>", "line 1: "},
-        {"257 levels", Nested(257), "256"},
-        {"100,000 levels", Nested(100'000), "256"},
+        {"hidden end in UTF-16", Utf16("<a>x\0y</a>"sv), "NUL"},
+        {"hidden end in UTF-32, by its number", Utf16("<a>x&#0;y</a>"sv, 4), "NUL"},
+        {"half a pair in UTF-16", Utf16("<a>x</a>"sv) + "\xD8", "not what its encoding allows"},
+        {"no byte of windows-1252", "<?xml version='1.0' encoding='windows-1252'?><a>\x81</a>", "WINDOWS-1252"},
+        {"1,025 levels", Nested(1025), "1024"},
+        {"100,000 levels", Nested(100'000), "1024"},
+        {"13 million instructions", Repeated("<?a?>", 13'000'000) + "<a/>", "256 MB"},
+        {"two million elements", "<a>" + Repeated("<b/>", 2'000'000) + "</a>", "256 MB"},
         {"100,000 open tags", Nested(100'000).substr(0, 300'000), "line 1: "},
         {"binary", DString("\x89PNG\r\n\x1A\n", 8), ""},
     };
@@ -56,7 +72,7 @@ TEST(XMLNode, RefusesWhatIsNotAWholeDocumentAndStaysAsItWas) {
         EXPECT_EQ(root.GetName(), "kept");
         EXPECT_EQ(root.GetFirstChild(), child);
     }
-    EXPECT_TRUE(XMLNode().LoadText(Nested(256)));
+    EXPECT_TRUE(XMLNode().LoadText(Nested(1024)));
 }
 
 TEST(XMLNode, AnExternalEntityIsNotFetched) {
@@ -84,8 +100,7 @@ TEST(XMLNode, LoadAndSaveKeepWhatIsNotShown) {
 }
 
 TEST(XMLNode, TextsSurviveASaveByteByByte) {
-    for (DString const &text : {DString("a&b<c>\"'"), DString(" \n\t "), DString("\x01\x1F\r\n"), DString("\xFF\xC3("),
-                                DString("]]>"), DString()}) {
+    for (DString const &text : {DString("a&b<c>\"'"), DString(" \n\t \r\n"), DString("]]>"), DString()}) {
         XMLNode root("r");
         root.SetText(text);
         root.SetAttr("a", text);
@@ -156,12 +171,31 @@ TEST(XMLNode, TextReplacesAllPiecesAndLeavesTheChildren) {
     EXPECT_EQ(root.GetText(), "");
 }
 
+TEST(XMLNode, WhatNoXmlHoldsIsNotSaved) {
+    for (char const *text : {"\x01", "\x1F", "\xFF\xC3(", "\xED\xA0\x80", "\xEF\xBF\xBE", "\xEF\xBF\xBF"}) {
+        XMLNode root("r");
+        DString reason;
+        root.SetText(text);
+        EXPECT_EQ(root.SaveText(&reason), "") << text;
+        EXPECT_NE(reason, "");
+        root.SetText("");
+        root.SetAttr("a", text);
+        EXPECT_EQ(root.SaveText(), "") << text;
+    }
+    XMLNode twice;
+    ASSERT_TRUE(twice.LoadText("<a x='1' y='2' x='3'/>"));
+    EXPECT_EQ(twice.SaveText(), "");
+}
+
 TEST(XMLNode, OtherEncodingsBecomeUtf8) {
-    XMLNode root;
-    ASSERT_TRUE(root.LoadText("<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><a>\xE4</a>"));
-    EXPECT_EQ(root.GetText(), "\xC3\xA4");
-    ASSERT_TRUE(root.LoadText(std::string_view("\xFF\xFE<\0a\0/\0>\0", 10)));
-    EXPECT_EQ(root.GetName(), "a");
+    for (DString const &text : {DString("<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><a>\xE4</a>"),
+                                DString("<?xml version='1.0' encoding = 'windows-1252' ?><a>\xE4</a>"),
+                                DString("\xFF\xFE") + Utf16("<a>\xE4</a>"), Utf16("<a>\xE4</a>", 4)}) {
+        XMLNode root;
+        DString reason;
+        ASSERT_TRUE(root.LoadText(text, &reason)) << reason;
+        EXPECT_EQ(root.SaveText(), DString(kHead) + "<a>\xC3\xA4</a>\n");
+    }
 }
 
 TEST(XMLNode, ChildrenKeepTheirPlaceWhileOthersComeAndGo) {
@@ -203,7 +237,7 @@ TEST(XMLNode, ATreeCannotHangBelowItselfOrTwice) {
 TEST(XMLNode, ATreeDeeperThanItLoadsIsCopiedAndDeletedButNotSaved) {
     XMLNode root("a");
     XMLNode *at = &root;
-    for (int i = 0; i < 255; ++i)
+    for (int i = 0; i < 1023; ++i)
         at = at->AddChld("a");
     EXPECT_TRUE(XMLNode().LoadText(root.SaveText()));
     for (int i = 0; i < 200'000; ++i)

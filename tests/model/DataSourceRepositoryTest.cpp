@@ -88,7 +88,9 @@ TEST_F(DataSourceRepositoryTest, MissingDirectoriesGiveEmptyRepositoriesWithoutA
         DataSourceTemplates templates;
         EXPECT_FALSE(definitions.Load());
         EXPECT_FALSE(templates.Load());
-        EXPECT_FALSE(definitions.Save()) << "nothing can be written there";
+        // A new user's directory is made.
+        EXPECT_EQ(definitions.Save(), !directory.empty());
+        EXPECT_EQ(std::filesystem::exists(m_folder / "missing/connections.xml"), !directory.empty());
     }
     EXPECT_THAT(m_told, IsEmpty());
 }
@@ -135,6 +137,20 @@ TEST_F(DataSourceRepositoryTest, AddReplacesSameNamesAndNeedsARebuild) {
     EXPECT_TRUE(definitions.Save());
     EXPECT_THAT(test::ReadFile(m_folder / "connections.xml"),
                 testing::AllOf(testing::HasSubstr("Kept"), testing::Not(testing::HasSubstr("old"))));
+
+    WriteDefinition("more.xml", "C", "c");
+    DataSourceDefinitions two;
+    two.Load();
+    EXPECT_TRUE(two.AddDataSource(0, two.Get("A"))); // it sits there already
+    two.Rebuild();
+    EXPECT_TRUE(two.AddDataSource(0, two.Get("C"))); // it moves here from the other file
+    two.Rebuild();
+    EXPECT_THAT(Names(two), ElementsAre("A", "B", "C"));
+    EXPECT_TRUE(two.GetFile(1).m_modified);
+    EXPECT_EQ(two.GetFile(1).root->GetChldCount(), 0);
+    two.GetFile(1).root->SetName("DataSource");
+    two.GetFile(1).root->SetAttr("name", "root");
+    EXPECT_FALSE(two.AddDataSource(0, two.GetFile(1).root.get()));
 
     EXPECT_FALSE(definitions.RemoveAndDeleteDataSource(0, nullptr));
     EXPECT_FALSE(definitions.RemoveAndDeleteDataSource(0, definitions.GetFile(0).root.get())) << "a root has no parent";

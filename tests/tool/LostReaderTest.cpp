@@ -1,5 +1,6 @@
 #include "support/HttpServer.h"
 #include "support/SilentMount.h"
+#include "support/TestFiles.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -33,15 +34,18 @@ std::vector<pid_t> ChildrenOf(pid_t process) {
 /// The command at work on a place.
 class RunningCommand {
 public:
-    RunningCommand(std::string subcommand, std::string place) {
+    explicit RunningCommand(std::vector<std::string> words) {
         std::array<int, 2> ends{};
         EXPECT_EQ(pipe2(ends.data(), O_CLOEXEC), 0);
         posix_spawn_file_actions_t files;
         posix_spawn_file_actions_init(&files);
         posix_spawn_file_actions_adddup2(&files, ends[1], STDERR_FILENO);
-        std::string command = ZELVAR_COMMAND;
-        std::array<char *, 4> words{command.data(), subcommand.data(), place.data(), nullptr};
-        EXPECT_EQ(posix_spawn(&m_process, command.c_str(), &files, nullptr, words.data(), environ), 0);
+        words.insert(words.begin(), ZELVAR_COMMAND);
+        std::vector<char *> arguments;
+        for (std::string &word : words)
+            arguments.push_back(word.data());
+        arguments.push_back(nullptr);
+        EXPECT_EQ(posix_spawn(&m_process, arguments.front(), &files, nullptr, arguments.data(), environ), 0);
         posix_spawn_file_actions_destroy(&files);
         close(ends[1]);
         m_errors = ends[0];
@@ -77,7 +81,7 @@ TEST(LostReader, InfoTellsInOneLineThatAFileHasEndedItsReader) {
         EXPECT_NE(getuid(), 0U) << "the superuser can mount";
         return;
     }
-    RunningCommand info("info", mount.File());
+    RunningCommand const info({"info", mount.File()});
     while (!mount.IsSomebodyHeld())
         std::this_thread::yield();
     info.KillReaders();
@@ -90,12 +94,37 @@ TEST(LostReader, LsAndInfoTellThatAnAddressHasEndedItsReader) {
         test::HttpServer server;
         server.Hang();
         std::string const place = server.Url() + "/a.tif";
-        RunningCommand command(subcommand, place);
+        RunningCommand const command({subcommand, place});
         while (server.Connections() == 0)
             std::this_thread::yield();
         command.KillReaders();
         EXPECT_EQ(command.End(), FailureAt(place)) << subcommand;
     }
+}
+
+TEST(LostReader, NoPartOfATableIsTakenForTheWhole) {
+    test::TempFolder const folder;
+    std::string rows = "a,b\n";
+    for (int i = 0; i < 1'000'000; ++i)
+        rows += "1,2\n";
+    std::string const table = folder.Write("t.csv", rows);
+    setenv("ZELVAR_LOG_LEVEL", "3", 1);
+    for (std::vector<std::string> const &words : {std::vector<std::string>{"plot", table, "--x", "a", "--y", "b"},
+                                                  {"histogram", table, "--column", "a", "--print"},
+                                                  {"table", table, "--print", "--sort", "a"}}) {
+        std::string const log = folder / words.front();
+        setenv("ZELVAR_LOG", log.c_str(), 1);
+        RunningCommand const command(words);
+        while (test::ReadFile(log).find("rows of") == std::string::npos)
+            std::this_thread::yield();
+        command.KillReaders();
+        auto const [code, told] = command.End();
+        EXPECT_EQ(code, 3) << words.front();
+        EXPECT_THAT(told, testing::AnyOf(testing::HasSubstr("ended by signal 9"),
+                                         testing::HasSubstr("ends before its last row")));
+    }
+    unsetenv("ZELVAR_LOG");
+    unsetenv("ZELVAR_LOG_LEVEL");
 }
 
 } // namespace

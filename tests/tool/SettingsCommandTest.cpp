@@ -35,6 +35,9 @@ TEST_F(SettingsCommand, WhatIsExportedCanBeImported) {
         SettingsStore target(m_to);
         ASSERT_TRUE(target.Write("Options", "kept", DString("k")));
     }
+    // Whoever has no settings exports none, and does not fail.
+    EXPECT_EQ(Zelvar({"settings", "export", m_xml}, Using(m_folder / "none.db")).exitCode, 0);
+    EXPECT_EQ(Zelvar({"settings", "import", m_xml}, Using(m_to)).exitCode, 0);
     EXPECT_EQ(Zelvar({"settings", "export", m_xml, "--key", "Options"}, Using(m_from)).exitCode, 0);
     Outcome const imported = Zelvar({"settings", "import", m_xml}, Using(m_to));
     EXPECT_EQ(imported.exitCode, 0) << imported.err;
@@ -71,6 +74,33 @@ TEST_F(SettingsCommand, AnImportThatIsNotWholeChangesNothing) {
     EXPECT_EQ(Zelvar({"settings", "export", m_xml, "--key", "none"}, Using(m_to)).exitCode, 3);
     EXPECT_EQ(Zelvar({"settings", "export", m_folder / "none/x.xml"}, Using(m_to)).exitCode, 3);
     EXPECT_EQ(Zelvar({"settings", "change", m_xml}, Using(m_to)).exitCode, 2);
+}
+
+TEST_F(SettingsCommand, LargeValuesAndDeepKeysAreExportedAndWhatIsTooDeepIsTold) {
+    DString deep = "k";
+    for (int level = 1; level < 300; ++level)
+        deep += "\\k";
+    SettingsStore::Bytes const large(std::size_t{40} << 20U, 7);
+    ASSERT_TRUE(SettingsStore(m_from).Write(deep, "large", large));
+    ASSERT_EQ(Zelvar({"settings", "export", m_xml}, Using(m_from)).exitCode, 0);
+    ASSERT_EQ(Zelvar({"settings", "import", m_xml}, Using(m_to)).exitCode, 0);
+    EXPECT_TRUE(SettingsStore(m_to).Read(deep, "large") == SettingsStore::Value(large));
+    ASSERT_TRUE(SettingsStore(m_from).CreateKey(deep + "\\" + deep + "\\" + deep + "\\" + deep));
+    EXPECT_THAT(Zelvar({"settings", "export", m_xml}, Using(m_from)).err, HasSubstr("nested deeper than 1024"));
+}
+
+TEST_F(SettingsCommand, OfADamagedFileNoPartIsExported) {
+    {
+        SettingsStore store(m_from);
+        for (int i = 0; i < 40; ++i)
+            ASSERT_TRUE(store.Write("k" + std::to_string(i), "n", DString(1000, 'x')));
+    }
+    DString bytes = test::ReadFile(m_from);
+    bytes.replace(bytes.size() / 8192 * 4096, 4096, 4096, '\xA5'); // a page in the middle
+    m_folder.Write("from.db", bytes);
+    EXPECT_EQ(Zelvar({"settings", "export", m_xml}, Using(m_from)).exitCode, 3);
+    EXPECT_FALSE(std::filesystem::exists(m_xml));
+    EXPECT_EQ(test::ReadFile(m_from + ".damaged-1"), bytes);
 }
 
 TEST_F(SettingsCommand, AKilledImportIsThereWholeOrNotAtAll) {
