@@ -81,11 +81,16 @@ TEST_F(SettingsCommand, LargeValuesAndDeepKeysAreExportedAndWhatIsTooDeepIsTold)
     for (int level = 1; level < 300; ++level)
         deep += "\\k";
     SettingsStore::Bytes const large(std::size_t{40} << 20U, 7);
-    ASSERT_TRUE(SettingsStore(m_from).Write(deep, "large", large));
-    ASSERT_EQ(Zelvar({"settings", "export", m_xml}, Using(m_from)).exitCode, 0);
-    ASSERT_EQ(Zelvar({"settings", "import", m_xml}, Using(m_to)).exitCode, 0);
-    EXPECT_TRUE(SettingsStore(m_to).Read(deep, "large") == SettingsStore::Value(large));
-    ASSERT_TRUE(SettingsStore(m_from).CreateKey(deep + "\\" + deep + "\\" + deep + "\\" + deep));
+    DString const tooDeep = deep + "\\" + deep + "\\" + deep + "\\" + deep;
+    for (auto const &[key, value] : {std::pair<DString, SettingsStore::Value>(deep, DString("x")), {"large", large}}) {
+        ASSERT_TRUE(SettingsStore(m_from).RemoveTree(""));
+        ASSERT_TRUE(SettingsStore(m_from).Write(key, "v", value));
+        ASSERT_EQ(Zelvar({"settings", "export", m_xml}, Using(m_from)).exitCode, 0);
+        ASSERT_EQ(Zelvar({"settings", "import", m_xml}, Using(m_to)).exitCode, 0);
+        EXPECT_TRUE(SettingsStore(m_to).Read(key, "v") == value);
+    }
+    ASSERT_TRUE(SettingsStore(m_from).RemoveTree(""));
+    ASSERT_TRUE(SettingsStore(m_from).CreateKey(tooDeep));
     EXPECT_THAT(Zelvar({"settings", "export", m_xml}, Using(m_from)).err, HasSubstr("nested deeper than 1024"));
 }
 
