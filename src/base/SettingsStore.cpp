@@ -293,7 +293,7 @@ struct SettingsStore::Impl final : ProcessMoments {
     }
 
     /// The value as a postponed change will leave it; null if none says anything of it.
-    std::optional<Value> const *Seen(DString const &key, DString const &name) const {
+    [[nodiscard]] std::optional<Value> const *Seen(DString const &key, DString const &name) const {
         auto const at = isDoingPostponed ? seen.end() : seen.find({NormalKey(key), name});
         return at == seen.end() ? nullptr : &at->second;
     }

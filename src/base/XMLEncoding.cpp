@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstdint>
 
 #include <iconv.h>
 
@@ -63,7 +64,7 @@ public:
     Converter(Converter const &) = delete;
     Converter &operator=(Converter const &) = delete;
 
-    [[nodiscard]] bool IsOpen() const { return m_handle != reinterpret_cast<iconv_t>(-1); }
+    [[nodiscard]] bool IsOpen() const { return reinterpret_cast<std::intptr_t>(m_handle) != -1; }
     /// Moves both along by what is done. False, and `errno` set, at the first byte that cannot be taken or has no room.
     bool Run(std::string_view &in, char *&out, std::size_t &room) {
         char *from = const_cast<char *>(in.data()); // which it does not write to

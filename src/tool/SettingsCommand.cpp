@@ -5,6 +5,7 @@
 #include "zelvar/tool/Commands.h"
 
 #include <memory>
+#include <tuple>
 
 namespace zelvar::tool {
 
@@ -39,6 +40,7 @@ int Import(DString const &file) {
         return Failure(reason);
     if (!ZelRegistry::IsSnapshot(snapshot, &reason))
         return Failure(file + " is no export of settings: " + reason);
+    std::ignore = SettingsStore::Instance().IsWhole(); // a damaged file is set aside before anything goes into it
     ZelRegistry registry(0, 0);
     bool const done = SettingsStore::Instance().Transact([&] { return registry.FromXMLNode(&snapshot); });
     return done ? kDone : Failure("cannot write the settings; they are as they were");

@@ -78,11 +78,5 @@ TEST(DThread, AnAbandonedWorkerGoesOnByItself) {
     EXPECT_TRUE(worker.Wait(10s));
 }
 
-TEST(DMutex, MayBeLockedAgainByItsThread) {
-    DMutex mutex;
-    DSingleLock const outer(mutex);
-    DSingleLock const inner(mutex);
-}
-
 } // namespace
 } // namespace zelvar

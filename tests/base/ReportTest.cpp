@@ -59,14 +59,5 @@ TEST(Report, ThreadsReportWhileTheHandlerIsReplaced) {
     EXPECT_EQ(seen, 1000);
 }
 
-TEST(DError, IsSetWhileItHoldsAReason) {
-    DError error;
-    EXPECT_FALSE(error.IsSet());
-    error.Set("no such file");
-    EXPECT_TRUE(error.IsSet());
-    error.Clear();
-    EXPECT_FALSE(error.IsSet());
-}
-
 } // namespace
 } // namespace zelvar

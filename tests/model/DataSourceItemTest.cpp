@@ -50,18 +50,6 @@ TEST(DataSourceItem, AnItemDiesOnceWithItsLastHolderAndTakesItsAncestorsAlong) {
     EXPECT_EQ(kept->RefCount(), 1);
 }
 
-TEST(DataSourceItem, TheBaseKnowsNeitherSizeNorTimeAndLetsEverybodyIn) {
-    int living = 0;
-    RefItemPtr<PlainItem> const item(new PlainItem(living));
-    SystemTime time{.wYear = 7};
-    EXPECT_EQ(item->GetFileSize(), -1);
-    EXPECT_FALSE(item->GetModificationTime(time));
-    EXPECT_EQ(time.wYear, 7);
-    EXPECT_TRUE(item->CheckItemAccess());
-    EXPECT_TRUE(item->IsFile(0));
-    EXPECT_EQ(item->GetIconIndex(), -1);
-}
-
 TEST(DataSourceItemItr, StandsOnNoChildBeforeFirst) {
     int living = 0;
     PlainIterator unfilled;
