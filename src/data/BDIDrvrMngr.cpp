@@ -1,7 +1,9 @@
 #include "zelvar/data/BDIDrvrMngr.h"
 
+#include "zelvar/base/PathStyle.h"
 #include "zelvar/data/DriverTable.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace zelvar {
@@ -49,6 +51,19 @@ std::vector<BDIDrvr *> const &BDIDrvrMngr::Drivers() {
 std::vector<BDIDrvr *> const &BDIDrvrMngr::CandidatesFor(std::string_view fileName) {
     EnsureDrivers();
     return m_impl->table.ByExtensionOf(fileName);
+}
+
+BDIDrvr *BDIDrvrMngr::FindContainerDriver(DString const &path) {
+    std::vector<BDIDrvr *> const &candidates = CandidatesFor(FileNameOf(path));
+    auto const reads = [&](BDIDrvr const *driver) { return driver->CanReadPath(path); };
+    if (auto const at = std::find_if(candidates.begin(), candidates.end(), reads); at != candidates.end())
+        return *at;
+    auto const &drivers = m_impl->table.Drivers();
+    auto const at = std::find_if(drivers.begin(), drivers.end(), [&](BDIDrvr const *driver) {
+        return driver->GetAttrInt("BDI_Multiple_Images") == 1 &&
+               std::find(candidates.begin(), candidates.end(), driver) == candidates.end() && reads(driver);
+    });
+    return at == drivers.end() ? nullptr : *at;
 }
 
 void BDIDrvrMngr::Add(std::unique_ptr<BDIDrvr> driver) {

@@ -29,8 +29,12 @@ public:
     /// Drivers with "BDI_Multiple_Images" that may claim a file of that name: the others need not be asked. In order.
     /// One look into a table by the name's extension, so that a listing of 100,000 files costs next to nothing. A name
     /// without an extension, or with one that no driver knows, gives none: to look into each such file would cost an
-    /// open and a read. `BDIDrvr::CanReadPath` itself goes by content and finds them all.
+    /// open and a read. `BDIDrvr::CanReadPath` itself goes by content and finds them all, see `FindContainerDriver`.
     std::vector<BDIDrvr *> const &CandidatesFor(std::string_view fileName);
+    /// The first driver that reads the file at `path` as a tree of several, whatever it is called: those that its name
+    /// stands for are asked first, then all others with "BDI_Multiple_Images". Null if there is none, see also
+    /// `RequestScope::IsUnanswered`. For a file that somebody has named; not for each of a folder.
+    BDIDrvr *FindContainerDriver(DString const &path);
 
     /// Adds a driver behind the others; the manager owns it. Not while another thread asks: the lists given out change.
     void Add(std::unique_ptr<BDIDrvr> driver);

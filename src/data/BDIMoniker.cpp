@@ -2,6 +2,7 @@
 
 #include "zelvar/base/PathStyle.h"
 #include "zelvar/data/BDIDrvrMngr.h"
+#include "zelvar/data/RequestScope.h"
 
 #include <algorithm>
 #include <optional>
@@ -238,12 +239,8 @@ BDINode const *BDIMoniker::GetNode() const {
         return m_opened->node;
     m_opened = std::make_shared<Opened>();
     if (m_driver == nullptr) {
-        DString const file = FindFile();
-        for (BDIDrvr *candidate : BDIDrvrMngr::Instance()->CandidatesFor(FileNameOf(file)))
-            if (candidate->CanReadPath(file)) {
-                m_driver = candidate;
-                break;
-            }
+        RequestScope const scope(RequestKind::Probe, {}, kNamedProbe);
+        m_driver = BDIDrvrMngr::Instance()->FindContainerDriver(FindFile());
     }
     if (m_driver == nullptr)
         return nullptr;

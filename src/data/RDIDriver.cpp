@@ -21,4 +21,11 @@ DString RDIGetDTName(int type) {
     }
 }
 
+std::optional<std::size_t> RDIDriver::FindMyFile(std::vector<DString> const &paths, StopSignal const &stop) const {
+    for (std::size_t i = 0; i < paths.size() && !stop; ++i)
+        if (IsMyFile(paths[i].c_str()) == 1)
+            return i;
+    return std::nullopt;
+}
+
 } // namespace zelvar

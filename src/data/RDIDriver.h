@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <vector>
 
 namespace zelvar {
 
@@ -43,6 +44,9 @@ class ZELVAR_API RDIDriver : public DIOPlugin {
 public:
     /// 1 if this driver reads the file; cheap, as `BDIDrvr::CanReadPath`.
     [[nodiscard]] virtual int IsMyFile(char const *path) const = 0;
+    /// Which of the files is the first that this driver reads; nothing if it is none of them, or once `stop` is set.
+    [[nodiscard]] virtual std::optional<std::size_t> FindMyFile(std::vector<DString> const &paths,
+                                                                StopSignal const &stop) const;
     /// Null if it does not open. `stop` may be null and must outlive the handle.
     virtual void *OpenFile(BDIMoniker const &moniker, StopSignal const *stop, DError *error) = 0;
     virtual void CloseFile(void *handle, bool discardChanges) = 0;

@@ -27,14 +27,21 @@ bool RequestScope::IsStopped() const {
     return false;
 }
 
+std::optional<std::chrono::milliseconds> RequestScope::OwnTimeLeft() const {
+    if (!m_time)
+        return std::nullopt;
+    return *m_time - std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - m_begin);
+}
+
+std::optional<std::chrono::milliseconds> RequestScope::OuterTimeLeft() const {
+    return m_outer == nullptr ? std::nullopt : m_outer->TimeLeft();
+}
+
 std::optional<std::chrono::milliseconds> RequestScope::TimeLeft() const {
     std::optional<std::chrono::milliseconds> left;
     for (RequestScope const *scope = this; scope != nullptr; scope = scope->m_outer)
-        if (scope->m_time) {
-            auto const own =
-                *scope->m_time - std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - scope->m_begin);
-            left = left ? std::min(*left, own) : own;
-        }
+        if (auto const own = scope->OwnTimeLeft())
+            left = left ? std::min(*left, *own) : own;
     return left;
 }
 

@@ -17,11 +17,17 @@ enum class RequestKind {
 };
 inline constexpr int kRequestKinds = 4;
 
+/// What a probe of a file that somebody has named, selected or opened may take. Only guesses about many files at once
+/// have the short budget of the kind.
+inline constexpr std::chrono::seconds kNamedProbe{10};
+
 /// Says, while it lives, what the calling thread asks drivers for. Drivers that bound their work take the time budget
 /// from here: all calls inside one scope share it, but for a listing without a time of its own, which gives it to each
 /// step anew. Scopes may be nested; the inner one counts.
 ///
-/// A scope with a time of its own bounds those inside it too.
+/// A scope with a time of its own bounds those inside it too. For calls made in the scope itself that time, like a
+/// kind's budget, is what the driver gets: while it waits for a processor it does not pass, see `Readers`. What those
+/// around it have left is time on the clock.
 ///
 /// Probes inside a listing (a scope of kind List around them) share a patience besides: once the probes that came late
 /// have used it up, further ones are only waited for as long as one that finds its answer ready.
@@ -45,7 +51,11 @@ public:
     [[nodiscard]] RequestKind Kind() const { return m_kind; }
     [[nodiscard]] Clock::time_point Begin() const { return m_begin; }
     [[nodiscard]] bool HasOwnTime() const { return m_time.has_value(); }
-    /// What is left of the times of this scope and those around it; nothing if none has one.
+    /// What is left of this scope's own time; nothing if it has none.
+    [[nodiscard]] std::optional<std::chrono::milliseconds> OwnTimeLeft() const;
+    /// What is left of the times of the scopes around this one; nothing if none has one.
+    [[nodiscard]] std::optional<std::chrono::milliseconds> OuterTimeLeft() const;
+    /// The less of the two.
     [[nodiscard]] std::optional<std::chrono::milliseconds> TimeLeft() const;
     /// Whether this scope or one around it wants to end.
     [[nodiscard]] bool IsStopped() const;
@@ -59,6 +69,8 @@ public:
     [[nodiscard]] RequestScope *Listing();
     /// Of a listing: time that its probes have spent for nothing.
     std::chrono::milliseconds wasted{0};
+    /// Of a listing: time that was spent on files that only a look into them can tell, or that lie on a server.
+    std::chrono::microseconds looked{0};
 
 private:
     RequestScope *m_former; ///< of this thread

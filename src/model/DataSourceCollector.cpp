@@ -3,10 +3,13 @@
 #include "zelvar/base/DCnfg.h"
 #include "zelvar/base/SettingsStore.h"
 #include "zelvar/base/XMLNode.h"
+#include "zelvar/data/PlaceCheck.h"
 #include "zelvar/model/DataSourceDefinitions.h"
 #include "zelvar/model/NtwDataSourceItem.h"
 #include "zelvar/model/TemplDataSourceItem.h"
+#include "zelvar/platform/os/MountTable.h"
 #include "zelvar/platform/os/ShellNamespace.h"
+#include "zelvar/platform/os/SmbAddress.h"
 
 #include <algorithm>
 
@@ -24,6 +27,19 @@ DVectorSafe<DString> ReadFavorites() {
     DVectorSafe<DString> paths;
     DUserCnfg(kSection).ReadStringVec(kKey, paths);
     return paths;
+}
+
+/// How a favourite is looked at: a place that may not answer, and a file that might have to be looked into, are left
+/// for later.
+enum class Look { Now, Later, Never };
+Look LookAt(DString const &path) {
+    if (platform::IsSmbAddress(path))
+        return Look::Later;
+    std::optional<platform::MountEntry> const mount = platform::FindMount(path);
+    if (mount && platform::MayBlock(*mount))
+        return Look::Later;
+    platform::ShellId const id = ShellNamespace::Current().Parse(path);
+    return id.IsNull() ? Look::Never : id.Kind() == ShellKind::File ? Look::Later : Look::Now;
 }
 
 } // namespace
@@ -73,13 +89,33 @@ void CollectDrives(std::set<ShellKind> const &kinds, DataSourceRows &rows) {
 }
 
 void CollectFavorites(DataSourceRows &rows) {
+    for (DString const &path : ReadFavorites())
+        if (RefItemPtr<DataSourceItem> item = MakeFavorite(path); item != nullptr)
+            rows.push_back(std::move(item));
+}
+
+void CollectFavorites(DataSourceRows &rows, std::vector<DString> &later) {
     for (DString const &path : ReadFavorites()) {
-        RefItemPtr<NtwDataSourceItem> item(NtwDataSourceItem::CreateItem(path.c_str(), nullptr, nullptr));
-        if (item == nullptr)
-            continue;
-        item->BuildParents();
-        rows.emplace_back(std::move(item));
+        Look const look = LookAt(path);
+        if (look == Look::Later)
+            later.push_back(path);
+        else if (RefItemPtr<DataSourceItem> item = look == Look::Now ? MakeFavorite(path) : nullptr; item != nullptr)
+            rows.push_back(std::move(item));
     }
+}
+
+RefItemPtr<DataSourceItem> MakeFavorite(DString const &path) {
+    bool const answers = DoesPlaceAnswer(path) && ShellNamespace::Current().DoesServerAnswer(path);
+    RefItemPtr<NtwDataSourceItem> item(answers ? NtwDataSourceItem::CreateItem(path.c_str(), nullptr, nullptr)
+                                               : NtwDataSourceItem::CreateUnreachable(path.c_str()));
+    if (item != nullptr)
+        item->BuildParents();
+    return item;
+}
+
+DString RowTextOf(DataSourceItem const &item) {
+    auto const *const place = dynamic_cast<NtwDataSourceItem const *>(&item);
+    return item.GetName() + (place != nullptr && place->IsUnreachable() ? " (unreachable)" : "");
 }
 
 void CollectDefinitions(DataSourceRows &rows) {

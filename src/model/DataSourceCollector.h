@@ -31,8 +31,15 @@ using DataSourceRows = std::vector<RefItemPtr<DataSourceItem>>;
 
 /// The children of the computer's drives place whose kind is in `kinds`.
 ZELVAR_API void CollectDrives(std::set<platform::ShellKind> const &kinds, DataSourceRows &rows);
-/// The favourites whose place exists now; the others stay stored.
+/// The favourites whose place exists now; the others stay stored. One on a server that does not answer has a row all
+/// the same, see `NtwDataSourceItem::IsUnreachable`.
 ZELVAR_API void CollectFavorites(DataSourceRows &rows);
+/// The folders on this machine's own discs among them, which take no time; the paths of the others go to `later`.
+ZELVAR_API void CollectFavorites(DataSourceRows &rows, std::vector<DString> &later);
+/// One of them; null if its place does not exist. May take as long as a server does. Any thread.
+[[nodiscard]] ZELVAR_API RefItemPtr<DataSourceItem> MakeFavorite(DString const &path);
+/// What a row shows of an item: its name, and that it cannot be reached.
+[[nodiscard]] ZELVAR_API DString RowTextOf(DataSourceItem const &item);
 /// The visible connection definitions, by name. Writes a new main file of definitions if there was none.
 ZELVAR_API void CollectDefinitions(DataSourceRows &rows);
 

@@ -47,4 +47,27 @@ DataSourceExtras::Item *DataSourceExtras::GetDSOptions(RefItemPtr<DataSourceItem
     return nullptr;
 }
 
+boost::shared_ptr<DataSourceExtras::Item>
+DataSourceExtras::FindFirstOptions(std::list<RefItemPtr<DataSourceItem>> const &items, StopSignal const &stop) const {
+    constexpr std::size_t kTogether = 256;
+    boost::shared_ptr<Item> found;
+    for (auto item = items.begin(); item != items.end() && found == nullptr && !stop;) {
+        std::vector<DString> paths;
+        for (; item != items.end() && paths.size() < kTogether; ++item)
+            if (*item)
+                paths.push_back((*item)->GetPath());
+        // The earliest item counts and, among the entries for it, the earliest.
+        for (boost::shared_ptr<Item> const &entry : m_items) {
+            RDIDriver const *const driver =
+                entry->ItemDriver.empty() ? nullptr : RDIDriverMngr::Instance()->GetDriver(entry->ItemDriver.c_str());
+            std::optional<std::size_t> const at = driver == nullptr ? std::nullopt : driver->FindMyFile(paths, stop);
+            if (!at)
+                continue;
+            paths.resize(*at);
+            found = entry;
+        }
+    }
+    return stop ? nullptr : found;
+}
+
 } // namespace zelvar

@@ -2,9 +2,11 @@
 
 #include "zelvar/base/Containers.h"
 #include "zelvar/base/XMLNode.h"
+#include "zelvar/data/StopSignal.h"
 #include "zelvar/model/DataSourceItem.h"
 
 #include <boost/shared_ptr.hpp>
+#include <list>
 
 namespace zelvar {
 
@@ -23,6 +25,10 @@ public:
     bool Load();
     /// The first entry whose driver owns the item's file, or null. Owned by this list.
     Item *GetDSOptions(RefItemPtr<DataSourceItem> const &item);
+    /// The entry for the first of the items that one applies to; null if there is none, or once `stop` is set. Asks
+    /// drivers about many items at once, and no further than that item. Any thread, on a list of its own.
+    [[nodiscard]] boost::shared_ptr<Item> FindFirstOptions(std::list<RefItemPtr<DataSourceItem>> const &items,
+                                                           StopSignal const &stop) const;
     [[nodiscard]] DList<boost::shared_ptr<Item>> const &GetItems() const { return m_items; }
 
 private:

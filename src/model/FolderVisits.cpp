@@ -10,7 +10,7 @@ bool FolderVisits::Enter(DataSourceItem const &folder) {
         return true;
     std::optional<platform::FolderIdentity> const identity =
         platform::ShellNamespace::Current().IdentityOf(item->GetId());
-    return !identity || m_entered.insert(*identity).second || !item->IsLink();
+    return !identity || m_entered.insert(*identity).second || !(item->IsLink() || identity->mayBeLink);
 }
 
 } // namespace zelvar

@@ -12,7 +12,7 @@ namespace zelvar {
 class ZELVAR_API FolderVisits {
 public:
     /// True if the folder may be entered; it counts as entered then. Only a folder reached by a symbolic link is ever
-    /// refused.
+    /// refused, or one of a server, where links look like folders.
     [[nodiscard]] bool Enter(DataSourceItem const &folder);
 
 private:

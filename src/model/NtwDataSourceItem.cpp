@@ -23,11 +23,10 @@ BDIDrvr *FindDriver(char const *driverId) {
     return driverId == nullptr || *driverId == '\0' ? nullptr : BDIDrvrMngr::Instance()->GetDrvr(driverId);
 }
 
-constexpr std::chrono::seconds kLeisure{10};
-
 bool HoldsSeveralImages(BDIDrvr const &driver) { return driver.GetAttrInt("BDI_Multiple_Images") == 1; }
 
-/// `path` is made only if a driver has to be asked. `*unanswered` is set if one that was gave no answer in time.
+/// For a file among others: who lists many has little time for each. `path` is made only if a driver has to be asked.
+/// `*unanswered` is set if one that was gave no answer in time.
 template <class MakePath>
 bool CanOpen(std::string_view fileName, char const *driverId, MakePath const &path, bool *unanswered) {
     if (BDIDrvr const *const driver = FindDriver(driverId)) {
@@ -49,22 +48,23 @@ bool CanOpen(std::string_view fileName, char const *driverId, MakePath const &pa
     return can;
 }
 
+/// For a file that somebody has named: it gets its time, and what it is called decides nothing.
+std::optional<bool> CanOpenNamed(DString const &path, char const *driverId, RequestScope::StopQuestion isStopped) {
+    RequestScope const scope(RequestKind::Probe, std::move(isStopped), kNamedProbe);
+    BDIDrvr const *const driver = FindDriver(driverId);
+    bool const can = driver != nullptr ? HoldsSeveralImages(*driver) && driver->CanReadPath(path)
+                                       : BDIDrvrMngr::Instance()->FindContainerDriver(path) != nullptr;
+    return !can && scope.IsUnanswered() ? std::nullopt : std::optional(can);
+}
+
 } // namespace
 
 bool CanOpenAsRepository(DString const &path, char const *driverId) {
-    bool unanswered = false;
-    return CanOpen(
-        FileNameOf(path), driverId, [&] { return path; }, &unanswered);
+    return CanOpenNamed(path, driverId, {}).value_or(false);
 }
 
 std::optional<bool> ClassifyAtLeisure(DString const &path, StopSignal const *stop) {
-    std::vector<BDIDrvr *> const &candidates = BDIDrvrMngr::Instance()->CandidatesFor(FileNameOf(path));
-    RequestScope const scope(
-        RequestKind::Probe, [stop] { return stop != nullptr && stop->load(std::memory_order_relaxed); }, kLeisure);
-    bool const can = std::any_of(candidates.begin(), candidates.end(), [&](BDIDrvr const *driver) {
-        return HoldsSeveralImages(*driver) && driver->CanReadPath(path);
-    });
-    return !can && scope.IsUnanswered() ? std::nullopt : std::optional(can);
+    return CanOpenNamed(path, nullptr, [stop] { return stop != nullptr && stop->load(std::memory_order_relaxed); });
 }
 
 HIMAGELIST NtwDataSourceItem::hImageList = nullptr;
@@ -82,7 +82,7 @@ NtwDataSourceItem *NtwDataSourceItem::CreateItem(ShellId const &id, RefItemPtr<D
     std::unique_ptr<NtwDataSourceItem> item(new NtwDataSourceItem);
     item->m_id = id;
     item->SetParent(std::move(parent));
-    return item->InitItem(driverId) ? item.release() : nullptr;
+    return item->InitItem(driverId, Asked::ByName) ? item.release() : nullptr;
 }
 
 NtwDataSourceItem *NtwDataSourceItem::CreateItem(char const *path, RefItemPtr<DataSourceItem> parent,
@@ -93,14 +93,25 @@ NtwDataSourceItem *NtwDataSourceItem::CreateItem(char const *path, RefItemPtr<Da
     return id.IsNull() ? nullptr : CreateItem(id, std::move(parent), driverId);
 }
 
+NtwDataSourceItem *NtwDataSourceItem::CreateUnreachable(char const *path) {
+    ShellId const id = path == nullptr ? ShellId() : ShellNamespace::Current().ParseUnseen(path);
+    if (id.IsNull())
+        return nullptr;
+    auto *const item = new NtwDataSourceItem;
+    item->m_id = id;
+    item->m_type = TYPE_FOLDER;
+    item->m_unreachable = true;
+    return item;
+}
+
 NtwDataSourceItem *NtwDataSourceItem::CreateChild(platform::ShellChild const &child,
                                                   RefItemPtr<DataSourceItem> const &parent, char const *driverId,
-                                                  int icon) {
+                                                  int icon, Asked asked) {
     std::unique_ptr<NtwDataSourceItem> item(new NtwDataSourceItem);
     item->m_id = child.id;
     item->m_parent = parent;
     item->m_link = child.link;
-    if (!item->InitItem(driverId))
+    if (!item->InitItem(driverId, asked))
         return nullptr;
     item->m_sysIcon.store(icon, std::memory_order_relaxed);
     if (item->m_type == TYPE_FILE) {
@@ -113,7 +124,7 @@ NtwDataSourceItem *NtwDataSourceItem::CreateChild(platform::ShellChild const &ch
 
 NtwDataSourceItem::~NtwDataSourceItem() = default;
 
-bool NtwDataSourceItem::InitItem(char const *driverId) {
+bool NtwDataSourceItem::InitItem(char const *driverId, Asked asked) {
     if (m_type != TYPE_UNKNOWN)
         return true;
     if (m_id.IsNull() || m_id.IsDesktop())
@@ -123,18 +134,27 @@ bool NtwDataSourceItem::InitItem(char const *driverId) {
     ShellKind kind = m_id.Kind();
     if (kind == ShellKind::Unknown)
         kind = ShellNamespace::Current().KindOf(m_id).value_or(ShellKind::Unknown);
-    if (kind == ShellKind::File)
-        m_type = CanOpen(
-                     m_id.Element(), driverId, [this] { return GetPath(); }, &m_unclassified)
-                     ? TYPE_REPOSITORY_FILE
-                     : TYPE_FILE;
+    if (kind != ShellKind::File)
+        return true;
+    bool isContainer = asked == Asked::FoundContainer;
+    m_unseen = asked == Asked::ByNobody;
+    if (asked == Asked::ByName) {
+        std::optional<bool> const can = CanOpenNamed(GetPath(), driverId, {});
+        m_unclassified = !can;
+        isContainer = can.value_or(false);
+    } else if (asked == Asked::AmongOthers) {
+        isContainer = CanOpen(
+            m_id.Element(), driverId, [this] { return GetPath(); }, &m_unclassified);
+    }
+    m_type = isContainer ? TYPE_REPOSITORY_FILE : TYPE_FILE;
     return true;
 }
 
 void NtwDataSourceItem::SetClassified(bool isContainer) {
-    if (!m_unclassified)
+    if (!MayTurnOutContainer())
         return;
     m_unclassified = false;
+    m_unseen = false;
     m_type = isContainer ? TYPE_REPOSITORY_FILE : TYPE_FILE;
 }
 
@@ -209,6 +229,8 @@ RefItemPtr<DataSourceItem> NtwDataSourceItem::Clone() {
     copy->m_link = m_link;
     copy->m_type = m_type;
     copy->m_unclassified = m_unclassified;
+    copy->m_unseen = m_unseen;
+    copy->m_unreachable = m_unreachable;
     copy->m_sysIcon.store(m_sysIcon.load(std::memory_order_relaxed), std::memory_order_relaxed);
     copy->m_fileSize = m_fileSize;
     copy->m_modified = m_modified;

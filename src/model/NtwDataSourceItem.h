@@ -32,6 +32,9 @@ public:
     /// The same for a path or `smb://` address; null if nothing is there, or if its place does not answer.
     static NtwDataSourceItem *CreateItem(char const *path, RefItemPtr<DataSourceItem> parent, char const *driverId);
 
+    /// A folder on a server that does not answer, without a look at it; null if the path names no place.
+    static NtwDataSourceItem *CreateUnreachable(char const *path);
+
     NtwDataSourceItem(NtwDataSourceItem const &) = delete;
     NtwDataSourceItem &operator=(NtwDataSourceItem const &) = delete;
     ~NtwDataSourceItem() override;
@@ -61,28 +64,41 @@ public:
     [[nodiscard]] Type GetType() const { return m_type; }
     /// Whether no driver answered in time what the file is: it counts as a plain file until somebody asks again.
     [[nodiscard]] bool IsUnclassified() const { return m_unclassified; }
+    /// The same, or its name says nothing and its listing may have had no time to look into it: worth a question when
+    /// somebody selects or opens it.
+    [[nodiscard]] bool MayTurnOutContainer() const { return m_unclassified || m_unseen; }
     /// What `CanOpenAsRepository` has come to meanwhile. On the thread that the item's window lives on.
     void SetClassified(bool isContainer);
+    /// Whether its server did not answer when the item was made.
+    [[nodiscard]] bool IsUnreachable() const { return m_unreachable; }
     [[nodiscard]] platform::ShellId const &GetId() const { return m_id; }
     /// Reached through a symbolic link, as far as the enumeration that made the item told.
     [[nodiscard]] bool IsLink() const { return m_link; }
 
 protected:
     NtwDataSourceItem() = default;
+    enum class Asked {
+        ByName,         ///< somebody means this very file: it gets its time, and its first bytes decide
+        AmongOthers,    ///< one of a folder's: asked as its name says
+        FoundContainer, ///< a look into it has shown that it is one
+        ByNobody,       ///< its name says nothing, and nobody has found anything in it
+    };
     /// Classifies the item unless it is; false if it has no identifier that names a thing.
-    bool InitItem(char const *driverId);
+    bool InitItem(char const *driverId, Asked asked);
 
 private:
     friend class NtwDataSourceItemItr;
     /// A child as an enumeration tells it: nothing is asked a second time.
     static NtwDataSourceItem *CreateChild(platform::ShellChild const &child, RefItemPtr<DataSourceItem> const &parent,
-                                          char const *driverId, int icon);
+                                          char const *driverId, int icon, Asked asked);
     RefItemPtr<DataSourceItem> OpenRepositoryItem(char const *driverId);
 
     DString m_name; ///< set from outside; empty where it equals the identifier's last element
     bool m_nameIsElement = false;
     bool m_link = false;
     bool m_unclassified = false;
+    bool m_unseen = false;
+    bool m_unreachable = false;
     Type m_type = TYPE_UNKNOWN;
     RefItemPtr<DataSourceItem> m_repositoryItem; ///< the tree opened from this file; null until the first iteration
     platform::ShellId m_id;
@@ -92,11 +108,11 @@ private:
 };
 
 /// True if a driver reads the plain file at `path` as a tree of several images: the driver with that id, if there is
-/// one, else any. Bounded as a probe, see `RequestScope`.
+/// one, else any, whatever the file is called. Takes up to `kNamedProbe`.
 [[nodiscard]] ZELVAR_API bool CanOpenAsRepository(DString const &path, char const *driverId);
 
-/// The same with time to spare, for an item that somebody has selected or entered: up to ten seconds, on a worker.
-/// Nothing if there was no answer in time either. `stop` may be null.
+/// The same by any driver, for an item that somebody has selected or opened. Nothing if there was no answer in time
+/// either. `stop` may be null.
 [[nodiscard]] ZELVAR_API std::optional<bool> ClassifyAtLeisure(DString const &path, std::atomic<bool> const *stop);
 
 } // namespace zelvar

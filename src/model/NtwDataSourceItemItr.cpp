@@ -6,6 +6,7 @@
 #include "zelvar/data/ProbeAhead.h"
 #include "zelvar/model/NtwDataSourceItem.h"
 #include "zelvar/model/SystemImages.h"
+#include "zelvar/platform/os/IconRule.h"
 
 #include <algorithm>
 #include <tuple>
@@ -37,10 +38,17 @@ bool IsProbedElsewhere(ShellChild const &child) {
            !BDIDrvrMngr::Instance()->CandidatesFor(child.name).empty();
 }
 
-std::vector<DString> FilesToProbe(ShellNamespace const &shell, std::vector<ShellChild> const &children) {
+/// A file that is called like nothing in particular: only a look into it tells what it is.
+bool IsNameless(ShellChild const &child) {
+    return child.kind == ShellKind::File && !platform::SaysWhatItIs(child.name) &&
+           BDIDrvrMngr::Instance()->CandidatesFor(child.name).empty();
+}
+
+template <class Test>
+std::vector<DString> PathsOf(ShellNamespace const &shell, std::vector<ShellChild> const &children, Test const &test) {
     std::vector<DString> paths;
     for (ShellChild const &child : children)
-        if (IsProbedElsewhere(child))
+        if (test(child))
             paths.push_back(shell.Path(child.id));
     return paths;
 }
@@ -62,21 +70,29 @@ void NtwDataSourceItemItr::Fill(platform::ShellId const &folder, DataSourceItem:
     // The stop signal is asked once a child: here for those that are left out, below for the others.
     auto const isWanted = [&](std::string_view name) {
         if (!stopped && !IsShortcut(name) && (!filtering || PathMatchSpec(name, mask)))
-            return true;
-        std::ignore = isStopped();
-        return false;
+            return ShellNamespace::Wish::Yes;
+        return isStopped() ? ShellNamespace::Wish::Stop : ShellNamespace::Wish::No;
     };
     // Whether a driver can open the file is asked once, when the item is made.
-    auto const addItem = [&](ShellChild const &child) {
+    auto const addItem = [&](ShellChild const &child, NtwDataSourceItem::Asked asked) {
         if (RefItemPtr<DataSourceItem> item{
-                NtwDataSourceItem::CreateChild(child, parent, driverId, icons.IndexOf(child))})
+                NtwDataSourceItem::CreateChild(child, parent, driverId, icons.IndexOf(child), asked)})
             m_items.push_back(std::move(item));
     };
+    using Asked = NtwDataSourceItem::Asked;
+    // A driver that was named is asked about each file, whatever that is called.
+    bool const looksInto = driverId == nullptr || *driverId == '\0';
     // Files that drivers elsewhere will be asked about wait for each other, and what comes behind them waits too.
     std::vector<ShellChild> waiting;
     auto const addWaiting = [&] {
-        ProbeAhead const ahead(FilesToProbe(shell, waiting));
-        std::for_each(waiting.begin(), waiting.end(), addItem);
+        auto const isNameless = [&](ShellChild const &child) { return looksInto && IsNameless(child); };
+        ProbeAhead const ahead(PathsOf(shell, waiting, IsProbedElsewhere), PathsOf(shell, waiting, isNameless));
+        for (ShellChild const &child : waiting) {
+            if (!isNameless(child))
+                addItem(child, Asked::AmongOthers);
+            else
+                addItem(child, ahead.IsFound(shell.Path(child.id)) ? Asked::FoundContainer : Asked::ByNobody);
+        }
         waiting.clear();
     };
     shell.Enumerate(
@@ -86,8 +102,8 @@ void NtwDataSourceItemItr::Fill(platform::ShellId const &folder, DataSourceItem:
                 return false;
             if (child.kind != ShellKind::File && IsProductCache(child.name))
                 return true;
-            if (waiting.empty() && !IsProbedElsewhere(child)) {
-                addItem(child);
+            if (waiting.empty() && !IsProbedElsewhere(child) && !(looksInto && IsNameless(child))) {
+                addItem(child, Asked::AmongOthers);
                 return true;
             }
             waiting.push_back(std::move(child));

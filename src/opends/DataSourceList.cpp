@@ -2,6 +2,7 @@
 
 #include "zelvar/model/NtwDataSourceItem.h"
 #include "zelvar/opends/DSMessages.h"
+#include "zelvar/opends/FavoriteFinder.h"
 #include "zelvar/opends/ItemColors.h"
 #include "zelvar/opends/NetworkScanner.h"
 #include "zelvar/platform/ui/ModalLoop.h"
@@ -35,6 +36,8 @@ void KeepForEver(std::shared_ptr<T> const &object) {
 DataSourceList::DataSourceList(QWidget *parent) : ReportView(parent), m_timers(*this) { OnCreateList(); }
 
 DataSourceList::~DataSourceList() {
+    if (m_favoriteFinder != nullptr)
+        m_favoriteFinder->Release();
     if (m_worker == nullptr)
         return;
     m_worker->RequestStop();
@@ -75,6 +78,10 @@ bool DataSourceList::Fill(DLGTemplate dlgTemplate) {
 }
 
 bool DataSourceList::Fill(RefItemPtr<DataSourceItem> root) {
+    // It stands alone: nothing that is found from now on comes beside it.
+    m_timers.Kill(kWorkerTimer);
+    if (m_worker != nullptr)
+        m_worker->RequestStop();
     m_rows.push_back(std::move(root));
     return true;
 }
@@ -100,13 +107,18 @@ bool DataSourceList::CreateFSDataSources(std::set<platform::ShellKind> const &ki
     return true;
 }
 
-void DataSourceList::CreateFavorites() { CollectFavorites(m_rows); }
+void DataSourceList::CreateFavorites() {
+    std::vector<DString> later;
+    CollectFavorites(m_rows, later);
+    if (!later.empty() && m_favoriteFinder == nullptr)
+        m_favoriteFinder = FavoriteFinder::Start(std::move(later));
+}
 
 void DataSourceList::CreateDataSourcesFromTemplates() { CollectDefinitions(m_rows); }
 
 void DataSourceList::AppendListRow(std::size_t index) {
     DataSourceItem const &item = *m_rows[index];
-    InsertItem({.row = static_cast<int>(index), .text = item.GetName(), .group = item.GetGroup()});
+    InsertItem({.row = static_cast<int>(index), .text = RowTextOf(item), .group = item.GetGroup()});
 }
 
 void DataSourceList::UpdateListRows(int group) {
@@ -128,12 +140,24 @@ void DataSourceList::timerEvent(QTimerEvent *event) {
     }
     // Asked before the results are taken: what came in between is not left behind.
     bool const isScanning = m_worker->IsScanning();
+    bool const isLooking = m_favoriteFinder != nullptr && m_favoriteFinder->IsLooking();
     ItemList found;
     m_worker->TakeItems(found);
-    m_rows.insert(m_rows.end(), found.begin(), found.end());
-    UpdateListRows(kGroupNetwork);
-    if (!isScanning)
+    AddFound(found, kGroupNetwork);
+    if (m_favoriteFinder != nullptr) {
+        ItemList favorites;
+        m_favoriteFinder->TakeItems(favorites);
+        AddFound(favorites, kGroupFavorites);
+    }
+    if (!isScanning && !isLooking)
         m_timers.Kill(kWorkerTimer);
+}
+
+void DataSourceList::AddFound(ItemList const &items, int group) {
+    if (items.empty())
+        return;
+    m_rows.insert(m_rows.end(), items.begin(), items.end());
+    UpdateListRows(group);
 }
 
 // --------------------------------------------------------------------------------------------------- favourites
@@ -254,7 +278,7 @@ int DataSourceList::LabelLeft(int, int) const { return kPictureBand; }
 
 QString DataSourceList::ShownText(int row, int) const {
     RefItemPtr<DataSourceItem> const item = ItemAt(row);
-    return item == nullptr ? QString() : platform::ToQString(item->GetName());
+    return item == nullptr ? QString() : platform::ToQString(RowTextOf(*item));
 }
 
 void DataSourceList::DrawItem(platform::DrawItemStruct const &request) {
@@ -271,7 +295,7 @@ void DataSourceList::DrawItem(platform::DrawItemStruct const &request) {
     ItemColors const colors = ItemColorsOf((request.state & LVIS_SELECTED) != 0, hasFocus());
     request.painter.fillRect(platform::ToQRect(rect), colors.background);
     request.painter.setPen(colors.text);
-    platform::DrawCellText(request.painter, rect, item->GetName(), LVCFMT_LEFT, platform::CellPlace::Centered);
+    platform::DrawCellText(request.painter, rect, RowTextOf(*item), LVCFMT_LEFT, platform::CellPlace::Centered);
 }
 
 void DataSourceList::resizeEvent(QResizeEvent *event) {

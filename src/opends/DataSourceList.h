@@ -14,6 +14,7 @@
 
 namespace zelvar {
 
+class FavoriteFinder;
 class NetworkScanner;
 
 /// Data source list: drives, network drives, configured data sources, favourites and network places in groups. It owns
@@ -80,13 +81,15 @@ private:
     void OnSelected(unsigned newState);
     void AppendListRow(std::size_t index);
     void StartWorker();
+    void AddFound(ItemList const &items, int group);
     [[nodiscard]] std::vector<int> SelectedRows() const;
     [[nodiscard]] std::vector<int> SelectedFavorites() const;
     void Tell(platform::MessageId message);
 
     DataSourceRows m_rows; ///< position i is list row i, always
     QPointer<QObject> m_coordinator;
-    std::shared_ptr<Worker> m_worker; ///< null until first needed
+    std::shared_ptr<Worker> m_worker;                 ///< null until first needed
+    std::shared_ptr<FavoriteFinder> m_favoriteFinder; ///< null if no favourite takes its time
     platform::WindowTimers m_timers;
 };
 

@@ -12,6 +12,7 @@
 #include "zelvar/opends/DSMessages.h"
 #include "zelvar/opends/DSPropertyWnd.h"
 #include "zelvar/opends/DataSourceList.h"
+#include "zelvar/opends/ExtrasFinder.h"
 #include "zelvar/opends/HierarchyList.h"
 #include "zelvar/opends/OpenDialogTemplate.h"
 #include "zelvar/opends/core/DialogState.h"
@@ -75,12 +76,18 @@ void DlgOpenDS::DeleteDialogObject(DlgOpenDS *dialog) { delete dialog; }
 DlgOpenDS::DlgOpenDS(DVector<DFileFrmt *> const &formats, DFileFrmt *format, DLGTemplate dlgTemplate,
                      char const *historyKey, QWidget *parent)
     : cdxCDynamicDialog(kOpenDialogTemplate, parent, FreedomAll, FlagSizeIcon | FlagAntiFlicker), m_formats(formats),
-      m_format(format), m_dlgTemplate(dlgTemplate), m_historyKey(historyKey == nullptr ? "" : historyKey) {
+      m_format(format), m_dlgTemplate(dlgTemplate), m_target(this), m_extrasFinder(ExtrasFinder::Create()),
+      m_historyKey(historyKey == nullptr ? "" : historyKey) {
     WarmReaders();
     WireMessages();
+    m_extrasFinder->SetOwner(m_target, kExtrasFoundMessage);
 }
 
-DlgOpenDS::~DlgOpenDS() { qApp->removeEventFilter(this); }
+DlgOpenDS::~DlgOpenDS() {
+    m_target.Detach();
+    m_extrasFinder->Release();
+    qApp->removeEventFilter(this);
+}
 
 void DlgOpenDS::SetTitle(char const *title) { m_title = title == nullptr ? "" : title; }
 void DlgOpenDS::SetInitDir(char const *path) { m_initDir = path == nullptr ? "" : path; }
@@ -372,6 +379,8 @@ void DlgOpenDS::RestoreFilter() {
 // ------------------------------------------------------------------------------------------------------ the end
 
 void DlgOpenDS::OnOK() {
+    if (!AreExtrasFound())
+        return;
     m_monikers.clear();
     for (RefItemPtr<DataSourceItem> const &item : SelectedImages()) {
         DString const path = item->GetPath();

@@ -10,6 +10,7 @@
 #include "zelvar/opends/DSplitterWnd.h"
 #include "zelvar/opends/PathButtonRow.h"
 #include "zelvar/platform/ui/DialogTemplate.h"
+#include "zelvar/platform/ui/MessageTarget.h"
 #include "zelvar/platform/ui/WindowMessage.h"
 
 #include <chrono>
@@ -28,6 +29,7 @@ class DSDataSourceWnd;
 class DSListCtrl;
 class DSPropertyWnd;
 class DataSourceList;
+class ExtrasFinder;
 class HierarchyList;
 
 /// Open data source dialog: the modal dialog in which the user picks data items and gets monikers back.
@@ -135,8 +137,10 @@ private:
     // Messages of the dialog to itself that no pane knows.
     static const platform::MessageId kFirstPaintMessage;
     static const platform::MessageId kAcceptMessage;
+    static const platform::MessageId kExtrasFoundMessage;
     void OnFirstPaint(platform::MessageParam first, platform::MessageParam second);
     void OnAccept(platform::MessageParam first, platform::MessageParam second);
+    void OnExtrasFound(platform::MessageParam first, platform::MessageParam second);
 
     // What the user does.
     void OnButtonClck(int id);
@@ -157,6 +161,11 @@ private:
     void ResetPathButtons();
     void UpdateFormat(DFileFrmt *format);
     void UpdateExtras(ItemList const &items);
+    void ShowSelected(ItemList const &items);
+    /// Waits for the options of what is selected; false if the user does not want to.
+    [[nodiscard]] bool AreExtrasFound();
+    /// Finds out whether a file is a container after all; true if it is and is shown, nothing if the user ended it.
+    [[nodiscard]] std::optional<bool> EnterLateContainer(RefItemPtr<DataSourceItem> const &item);
     void WriteSettings();
     [[nodiscard]] ItemList SelectedImages() const;
     [[nodiscard]] DString TemplateKey() const;
@@ -200,6 +209,8 @@ private:
     int m_bdiFilter = 0;
     int m_stateTimer = 0;
     DataSourceExtras m_extras;
+    platform::MessageTarget m_target;
+    std::shared_ptr<ExtrasFinder> m_extrasFinder;
     DataSourceItem::DataSourceType m_dataSourceType = DataSourceItem::DST_UNKNOWN;
     DString m_historyKey;
 };

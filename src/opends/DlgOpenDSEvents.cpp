@@ -2,6 +2,8 @@
 // DlgOpenDS.cpp.
 #include "zelvar/base/Report.h"
 #include "zelvar/controls/CZelComboBox.h"
+#include "zelvar/controls/GUITools.h"
+#include "zelvar/data/RequestScope.h"
 #include "zelvar/model/NtwDataSourceItem.h"
 #include "zelvar/model/PlaceResolver.h"
 #include "zelvar/opends/DSDataSourceWnd.h"
@@ -10,6 +12,7 @@
 #include "zelvar/opends/DSPropertyWnd.h"
 #include "zelvar/opends/DataSourceList.h"
 #include "zelvar/opends/DlgOpenDS.h"
+#include "zelvar/opends/ExtrasFinder.h"
 #include "zelvar/opends/HierarchyList.h"
 #include "zelvar/opends/OpenDialogTemplate.h"
 #include "zelvar/opends/SplitterBar.h"
@@ -46,6 +49,7 @@ bool CanShow(std::list<RefItemPtr<DataSourceItem>> const &items) {
 
 platform::MessageId const DlgOpenDS::kFirstPaintMessage = platform::RegisterMessage();
 platform::MessageId const DlgOpenDS::kAcceptMessage = platform::RegisterMessage();
+platform::MessageId const DlgOpenDS::kExtrasFoundMessage = platform::RegisterMessage();
 
 void DlgOpenDS::WireMessages() {
     m_messages.On(WM_DS_DATA_SOURCE_SELECTED, this, &DlgOpenDS::OnDataSourceSelected);
@@ -59,6 +63,7 @@ void DlgOpenDS::WireMessages() {
     m_messages.On(WM_DS_RESET_PATH_BUTTONS, this, &DlgOpenDS::OnResetPathButtons);
     m_messages.On(kFirstPaintMessage, this, &DlgOpenDS::OnFirstPaint);
     m_messages.On(kAcceptMessage, this, &DlgOpenDS::OnAccept);
+    m_messages.On(kExtrasFoundMessage, this, &DlgOpenDS::OnExtrasFound);
 }
 
 bool DlgOpenDS::event(QEvent *event) { return m_messages.Dispatch(*event) || cdxCDynamicDialog::event(event); }
@@ -124,7 +129,16 @@ void DlgOpenDS::ShowItem(RefItemPtr<DataSourceItem> item) {
 void DlgOpenDS::GoToDir(DString const &path, bool report) {
     if (path.empty())
         return;
-    RefItemPtr<DataSourceItem> const item = ItemFromPlace(path);
+    RefItemPtr<DataSourceItem> item;
+    {
+        // Whoever names a place waits for its answer, or ends the wait.
+        GUITools::WaitCursor const cursor;
+        platform::EscapeWatch watch;
+        RequestScope const scope(RequestKind::List, [&watch] { return watch.IsPressed(); });
+        item = ItemFromPlace(path);
+        if (watch.IsPressed())
+            return;
+    }
     if (item == nullptr) {
         if (report)
             Report::UserNotification("Cannot access '%s' path", path.c_str());
@@ -217,20 +231,44 @@ DlgOpenDS::ItemList DlgOpenDS::SelectedImages() const {
 void DlgOpenDS::OnImageSelected(MessageParam, MessageParam) {
     ItemList const items = SelectedImages();
     UpdateExtras(items);
+    ShowSelected(items);
+}
+
+void DlgOpenDS::ShowSelected(ItemList const &items) {
     if (items.empty())
         return;
     platform::GetDlgItem<platform::EllipsisLabel>(*this, kStatusId)->SetText(ToQString(items.back()->GetPath()));
     m_propertyWnd->ShowProps(items.back(), m_format == nullptr ? "" : m_format->GetDriverText().c_str());
 }
 
+// The options of the selection before stay where they are until it is known what takes their place.
 void DlgOpenDS::UpdateExtras(ItemList const &items) {
-    DataSourceExtras::Item *options = nullptr;
-    for (RefItemPtr<DataSourceItem> const &item : items) {
-        options = m_extras.GetDSOptions(item);
-        if (options != nullptr)
-            break;
+    if (!m_extras.GetItems().empty())
+        m_extrasFinder->Ask(m_extras, items);
+    else
+        m_propertyWnd->UpdateExtras(items.empty() ? nullptr : items.front(), nullptr);
+}
+
+void DlgOpenDS::OnExtrasFound(MessageParam, MessageParam) {
+    std::optional<ExtrasFinder::Answer> const answer = m_extrasFinder->TakeAnswer();
+    if (!answer || m_propertyWnd == nullptr)
+        return;
+    ItemList const items = SelectedImages();
+    m_propertyWnd->UpdateExtras(items.empty() ? nullptr : items.front(), answer->options.get());
+    ShowSelected(items); // with the options that hold now
+}
+
+bool DlgOpenDS::AreExtrasFound() {
+    constexpr std::chrono::milliseconds kLook{10};
+    if (m_extrasFinder->IsBusy(kLook)) {
+        GUITools::WaitCursor const cursor;
+        platform::EscapeWatch watch;
+        while (m_extrasFinder->IsBusy(kLook))
+            if (watch.IsPressed())
+                return false;
     }
-    m_propertyWnd->UpdateExtras(items.empty() ? nullptr : items.front(), options);
+    OnExtrasFound(0, 0);
+    return true;
 }
 
 void DlgOpenDS::OnDSOptionsChanged(MessageParam first, MessageParam second) {
@@ -241,12 +279,28 @@ void DlgOpenDS::OnDSOptionsChanged(MessageParam first, MessageParam second) {
 void DlgOpenDS::OnImageDblClick(MessageParam, MessageParam) {
     // What the listing had to take for a plain file, and has turned out to be a container since, is entered.
     ItemList const items = SelectedImages();
-    auto const *const file = items.size() == 1 ? dynamic_cast<NtwDataSourceItem *>(items.front().get()) : nullptr;
-    if (file != nullptr && file->IsFolder()) {
-        ShowItem(items.front());
-        return;
+    if (items.size() != 1 || !EnterLateContainer(items.front()).value_or(true))
+        platform::PostMessage(this, kAcceptMessage);
+}
+
+std::optional<bool> DlgOpenDS::EnterLateContainer(RefItemPtr<DataSourceItem> const &item) {
+    auto *const file = dynamic_cast<NtwDataSourceItem *>(item.get());
+    if (file == nullptr)
+        return false;
+    if (file->MayTurnOutContainer()) {
+        GUITools::WaitCursor const cursor;
+        platform::EscapeWatch watch;
+        RequestScope const scope(RequestKind::List, [&watch] { return watch.IsPressed(); });
+        std::optional<bool> const isContainer = ClassifyAtLeisure(file->GetPath(), nullptr);
+        if (watch.IsPressed())
+            return std::nullopt;
+        if (isContainer)
+            file->SetClassified(*isContainer);
     }
-    platform::PostMessage(this, kAcceptMessage);
+    if (!file->IsFolder())
+        return false;
+    ShowItem(item);
+    return true;
 }
 
 void DlgOpenDS::OnAccept(MessageParam, MessageParam) { OnOK(); }

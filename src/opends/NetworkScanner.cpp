@@ -38,8 +38,12 @@ void NetworkScanner::TakeItems(std::list<RefItemPtr<DataSourceItem>> &items) {
 void NetworkScanner::Run() {
     // Passes that find something do not count, and the counter is not reset: a network that keeps showing new names
     // keeps the thread alive.
-    for (int empty = 0; !m_stop && empty < kEmptyPasses;)
-        empty += ScanNetwork() ? 0 : 1;
+    std::unique_ptr<platform::NetworkListener> const listener = ShellNamespace::Current().ListenToNetwork();
+    for (int empty = 0; !IsStopped() && empty < kEmptyPasses;) {
+        bool const found = ScanNetwork();
+        bool const news = listener != nullptr && !IsStopped() && listener->Wait(m_stop.get_token());
+        empty += found || news ? 0 : 1;
+    }
     m_running = false;
 }
 
@@ -50,20 +54,20 @@ bool NetworkScanner::ScanNetwork() {
 
 bool NetworkScanner::ScanFolder(platform::ShellId const &folder) {
     bool found = false;
-    if (m_stop)
+    if (IsStopped())
         return found;
     ShellNamespace::Current().Enumerate(folder, ShellNamespace::Purpose::Network, [&](ShellChild &&child) {
         if (IsNetworkContainer(child.kind))
             found = ScanFolder(child.id); // what lies below decides
         else if (TakeChild(child))
             found = true;
-        return !m_stop;
+        return !IsStopped();
     });
     return found;
 }
 
 bool NetworkScanner::TakeChild(ShellChild const &child) {
-    if (child.name.empty() || m_stop || !m_seen.insert(child.name).second)
+    if (child.name.empty() || IsStopped() || !m_seen.insert(child.name).second)
         return false;
     RefItemPtr<NtwDataSourceItem> item(NtwDataSourceItem::CreateItem(child.id, nullptr, nullptr));
     if (item == nullptr)

@@ -19,7 +19,7 @@ void PropertyWorker::SetOwner(platform::MessageTarget target, DLGTemplate dlgTem
 
 void PropertyWorker::Restart(RefItemPtr<DataSourceItem> item, DString format, DString options) {
     auto const *const file = dynamic_cast<NtwDataSourceItem const *>(item.get());
-    bool const unclassified = file != nullptr && file->IsUnclassified();
+    bool const unclassified = file != nullptr && file->MayTurnOutContainer();
     {
         DSingleLock const lock(m_stateLock);
         m_pending = {std::move(item), unclassified, std::move(format), std::move(options)};

@@ -142,6 +142,8 @@ std::optional<RequestHandler::Answer> RequestHandler::Handle(wire::RequestBodyUn
         return ProbeFiles(*As<wire::ProbeFilesT>(body));
     case Kind::ProbeImage:
         return ProbeImage(*As<wire::ProbeImageT>(body));
+    case Kind::FindOwned:
+        return FindOwned(*As<wire::FindOwnedT>(body));
     case Kind::StampFile:
         return StampFile(*As<wire::StampFileT>(body));
     case Kind::OpenTree:
@@ -231,6 +233,17 @@ RequestHandler::Answer RequestHandler::ProbeImage(wire::ProbeImageT const &asked
     if (driver->IsMyFile(asked.path.c_str()) == 1)
         probed.drivers.push_back(asked.driver);
     return Say(std::move(probed));
+}
+
+RequestHandler::Answer RequestHandler::FindOwned(wire::FindOwnedT const &asked) const {
+    RDIDriver const *const driver = RDIDriverMngr::Instance()->GetDriver(asked.driver.c_str());
+    if (driver == nullptr)
+        return Failure("no raster driver " + asked.driver);
+    wire::OwnedFoundT found;
+    for (found.index = -1; found.index < 0 && found.looked < asked.paths.size() && !IsStopped(); ++found.looked)
+        if (driver->IsMyFile(asked.paths[found.looked].c_str()) == 1)
+            found.index = static_cast<std::int32_t>(found.looked);
+    return Say(found);
 }
 
 RequestHandler::Answer RequestHandler::StampFile(wire::StampFileT const &asked) {

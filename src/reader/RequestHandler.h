@@ -37,6 +37,7 @@ private:
     Answer ProbeTrees(wire::ProbeTreesT const &asked);
     Answer ProbeFiles(wire::ProbeFilesT const &asked);
     static Answer ProbeImage(wire::ProbeImageT const &asked);
+    Answer FindOwned(wire::FindOwnedT const &asked) const;
     static Answer StampFile(wire::StampFileT const &asked);
     Answer OpenTree(wire::OpenTreeT const &asked);
     Answer FindNode(wire::FindNodeT const &asked);

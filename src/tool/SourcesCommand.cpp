@@ -13,7 +13,7 @@ CommandSpec const &kSpec = SpecOf("sources");
 
 void Print(int group, DataSourceRows const &rows) {
     for (RefItemPtr<DataSourceItem> const &row : rows)
-        std::printf("%s\t%s\t%s\n", DataSourceGroupName(group), EscapeControlBytes(row->GetName()).c_str(),
+        std::printf("%s\t%s\t%s\n", DataSourceGroupName(group), EscapeControlBytes(RowTextOf(*row)).c_str(),
                     EscapeControlBytes(row->GetPath()).c_str());
 }
 

@@ -259,6 +259,10 @@ TEST_F(Network, AShareOnAFileServerIsATree) {
     ASSERT_TRUE(ReadImageInfo({children.at("a b\xC3\xA4.tif").path, nullptr}, "", nullptr, info));
     EXPECT_EQ(info.width, 33);
     EXPECT_EQ(ChildrenOf("smb://127.0.0.1/pub/pages.tif").size(), 2U);
+    for (char const *name : {"pages.tif", "a%20b\xC3\xA4.tif", "missing.tif"})
+        EXPECT_EQ(BDIDrvrMngr::Instance()->FindContainerDriver(DString("smb://127.0.0.1/pub/") + name) != nullptr,
+                  DString(name) == "pages.tif")
+            << name;
     EXPECT_FALSE(ReadImageInfo({"smb://127.0.0.1/pub/missing.tif", nullptr}, "", nullptr, info));
     EXPECT_TRUE(ChildrenOf("smb://127.0.0.1").contains("pub"));
 }

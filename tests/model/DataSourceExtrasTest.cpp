@@ -1,10 +1,10 @@
 #include "zelvar/model/DataSourceExtras.h"
 
+#include "support/ScriptedDriver.h"
 #include "support/TestFiles.h"
 #include "zelvar/base/Directories.h"
 #include "zelvar/base/PathStyle.h"
 #include "zelvar/data/DriverProvider.h"
-#include "zelvar/data/RDIDriverMngr.h"
 #include "zelvar/model/NtwDataSourceItem.h"
 
 #include <gmock/gmock.h>
@@ -16,27 +16,12 @@ namespace zelvar {
 namespace {
 
 /// Owns the files whose path ends with its suffix.
-class SuffixDriver : public RDIDriver {
+class SuffixDriver : public test::ScriptedRasterDriver {
 public:
-    SuffixDriver(DString id, DString suffix) : m_id(std::move(id)), m_suffix(std::move(suffix)) {}
-    [[nodiscard]] DString GetId() const override { return m_id; }
-    [[nodiscard]] DString GetInfo() const override { return {}; }
+    SuffixDriver(DString id, DString suffix) : ScriptedRasterDriver(std::move(id)), m_suffix(std::move(suffix)) {}
     [[nodiscard]] int IsMyFile(char const *path) const override { return DString(path).ends_with(m_suffix) ? 1 : 0; }
-    void *OpenFile(BDIMoniker const &, StopSignal const *, DError *) override { return nullptr; }
-    void CloseFile(void *, bool) override {}
-    [[nodiscard]] int GetNumChnl(void *) const override { return 0; }
-    [[nodiscard]] int GetChnlSizeX(void *, int) const override { return 0; }
-    [[nodiscard]] int GetChnlSizeY(void *, int) const override { return 0; }
-    [[nodiscard]] int GetChnlDataType(void *, int) const override { return 0; }
-    [[nodiscard]] RDIGeoCoo GetChnlGeoCode(void *, int) const override { return {}; }
-    [[nodiscard]] DString GetAttrString(char const *, void *, int) const override { return {}; }
-    [[nodiscard]] int GetAttrInt(char const *, void *, int) const override { return 0; }
-    bool ReadBlockRsmpl(void *, int, double, double, double, double, void *, int, int, int, bool, bool) override {
-        return false;
-    }
 
 private:
-    DString m_id;
     DString m_suffix;
 };
 
@@ -83,6 +68,11 @@ TEST_F(DataSourceExtrasTest, TheFirstEntryWhoseDriverOwnsTheFileApplies) {
     EXPECT_EQ(tif->ItemOptions->GetChldNode("Option")->GetAttrInt("value"), 7);
     EXPECT_EQ(extras.GetDSOptions(File("x.png"))->ItemTemplatePath, m_folder / "all.html");
     EXPECT_EQ(extras.GetDSOptions(nullptr), nullptr);
+    StopSignal stop{false};
+    EXPECT_EQ(extras.FindFirstOptions({File("x.png"), nullptr, File("x.tif")}, stop), extras.GetItems().back());
+    EXPECT_EQ(extras.FindFirstOptions({nullptr, File("x.tif"), File("x.png")}, stop).get(), tif) << "the earlier entry";
+    stop = true;
+    EXPECT_EQ(extras.FindFirstOptions({File("x.tif")}, stop), nullptr);
     DataSourceExtras const copy = extras;
     EXPECT_EQ(copy.GetItems().front(), extras.GetItems().front());
 }

@@ -413,18 +413,22 @@ TEST_F(HostilePlaces, EscapeEndsTheListingOfAContainerThatDoesNotAnswer) {
 TEST_F(HostilePlaces, AContainerThatIsProbedLateIsFoundOutWhenItIsSelected) {
     folder.Write("good.hostile");
     folder.Write("late.hostile", "probe sleep 0.5\nmembers 2\n");
+    folder.Write("late too.hostile", "probe sleep 0.5\nmembers 2\n");
     DialogPtr const dialog = Make();
-    Run(*dialog, 2, [&] {
+    Run(*dialog, 3, [&] {
         DSListCtrl &list = *dialog->MainList();
         auto const *const item = dynamic_cast<NtwDataSourceItem *>(list.ItemAt(RowOf(list, "late.hostile")).get());
         ASSERT_NE(item, nullptr);
         EXPECT_TRUE(item->IsUnclassified() && !item->IsFolder());
-        ClickRow(list, "late.hostile");
+        auto const *const other = dynamic_cast<NtwDataSourceItem *>(list.ItemAt(RowOf(list, "late too.hostile")).get());
+        ClickRow(list, "late too.hostile");
         QCoreApplication::processEvents();
         Paints const paints(*list.viewport());
-        EXPECT_TRUE(test::Eventually([&] { return item->IsFolder(); }));
-        EXPECT_FALSE(item->IsUnclassified());
-        EXPECT_TRUE(test::Eventually([&] { return paints.count > 0; }));
+        EXPECT_TRUE(test::Eventually([&] { return other->IsFolder() && paints.count > 0; }));
+        EXPECT_FALSE(other->IsUnclassified());
+        // Who opens it before that waits for the answer.
+        ClickRow(list, "late.hostile");
+        EXPECT_FALSE(item->IsFolder());
         QTest::mouseDClick(list.viewport(), Qt::LeftButton, {}, PlaceOf(list, "late.hostile"));
         EXPECT_TRUE(test::Eventually(
             [&] { return RowOf(list, "member 0") >= 0 && RowOf(list, "member 1") >= 0 && list.GetNumRow() == 2; }));

@@ -247,7 +247,7 @@ std::vector<DString> RowsOf(DataSourceList const &list, int group) {
     std::vector<DString> names;
     for (int row = 0; row < list.GetItemCount(); ++row)
         if (list.GetItemGroup(row) == group)
-            names.push_back(list.ItemAt(row)->GetName());
+            names.push_back(list.ShownText(row, 0).toStdString());
     return names;
 }
 
@@ -273,6 +273,25 @@ TEST_F(ListPanes, DrivesFavouritesAndNetworkPlacesStandInTheirGroups) {
     EXPECT_TRUE(RowsOf(later, kGroupFavorites).empty()) << "its place is gone";
     EXPECT_TRUE(Favorites::Contains("/data/fav")) << "it may come back";
     Favorites::Remove("/data/fav");
+    later.Fill(Item("/data")); // alone from now on, and without a row
+    DataSourceList last;
+    last.Fill(DT_WORKSPACE);
+    EXPECT_TRUE(test::Eventually([&] { return RowsOf(last, kGroupNetwork).size() == 1; }));
+    EXPECT_TRUE(RowsOf(later, kGroupNetwork).empty());
+}
+
+TEST_F(ListPanes, AFavouriteOnAServerThatDoesNotAnswerIsSaidToBeUnreachable) {
+    platform::ShellNamespace::SetCurrent(nullptr);
+    for (char const *path : {"smb://127.0.0.1:9/a", "smb://127.0.0.1:9/b/c"})
+        Favorites::Add(path);
+    DataSourceList list;
+    list.Fill(DT_WORKSPACE);
+    EXPECT_TRUE(RowsOf(list, kGroupFavorites).empty()) << "nobody waits for it";
+    EXPECT_TRUE(test::Eventually([&] {
+        return RowsOf(list, kGroupFavorites) == std::vector<DString>{"a (unreachable)", "c (unreachable)"};
+    }));
+    for (char const *path : {"smb://127.0.0.1:9/a", "smb://127.0.0.1:9/b/c"})
+        Favorites::Remove(path);
 }
 
 TEST_F(ListPanes, OnlySelectedFavouritesAreDeletedWhateverElseIsSelected) {
@@ -393,6 +412,35 @@ TEST_F(ListPanes, TheNetworkScanEndsAfterThirtyEmptyPassesAndTakesANameOnce) {
     EXPECT_EQ(found.size(), 1U);
     EXPECT_EQ(shell->EnumerateCalls("network"), NetworkScanner::kEmptyPasses)
         << "the pass that found it ended in a domain without news, so it counts as empty";
+}
+
+/// A network place that tells of news: so many times at once, then no more.
+class TalkingNetwork : public ScriptedShellNamespace {
+public:
+    class Listener : public platform::NetworkListener {
+    public:
+        bool Wait(std::stop_token const &stop) override {
+            std::mutex mutex;
+            std::unique_lock lock(mutex);
+            return --left > 0 || std::condition_variable_any().wait(lock, stop, [] { return false; });
+        }
+        int left = 2 * NetworkScanner::kEmptyPasses;
+    };
+    [[nodiscard]] std::unique_ptr<platform::NetworkListener> ListenToNetwork() const override {
+        return std::make_unique<Listener>();
+    }
+};
+
+TEST_F(ListPanes, TheNetworkScanSleepsWhereNewsAreTold) {
+    auto const network = std::make_shared<TalkingNetwork>();
+    platform::ShellNamespace::SetCurrent(network);
+    NetworkScanner scanner;
+    ASSERT_TRUE(scanner.StartScanning());
+    EXPECT_TRUE(
+        test::Eventually([&] { return network->EnumerateCalls("network") == 2 * NetworkScanner::kEmptyPasses; }));
+    EXPECT_TRUE(scanner.IsScanning());
+    scanner.RequestStop();
+    EXPECT_TRUE(scanner.Wait(std::chrono::seconds(5)));
 }
 
 TEST_F(ListPanes, EnteringAFolderTellsTheRootAndAPlaceholderLeadsBack) {

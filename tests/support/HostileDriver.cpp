@@ -10,6 +10,7 @@
 //   sleep SECONDS     deaf to the stop signal; a fraction will do
 //   poll SECONDS      the same, but ends with failure when the stop signal comes; trees have none and sleep
 //   spin              for good, with the processor busy
+//   work SECONDS      the same, until it has had so much of the processor
 //   crash             writes to address 0
 //   overflow          recurses until the stack is used up
 //   abort
@@ -49,6 +50,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <fstream>
 #include <functional>
 #include <map>
@@ -228,6 +230,9 @@ private:
             _exit(status);
         for (int volatile turns = 0; line.action == "spin";)
             turns = turns ^ 1;
+        auto const worked = static_cast<std::clock_t>(std::strtod(line.argument.c_str(), nullptr) * CLOCKS_PER_SEC);
+        for (std::clock_t const begin = std::clock(); line.action == "work" && std::clock() - begin < worked;)
+            ;
     }
     /// False if it was stopped.
     static bool Sleep(double seconds, StopSignal const *stop) {

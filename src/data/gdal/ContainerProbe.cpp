@@ -2,11 +2,15 @@
 
 #include "zelvar/base/FileDescriptor.h"
 #include "zelvar/data/gdal/ContainerTree.h"
+#include "zelvar/platform/os/SmbClient.h"
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <cstring>
+#include <functional>
 #include <mutex>
+#include <optional>
 #include <unordered_map>
 
 #include <fcntl.h>
@@ -34,13 +38,17 @@ constexpr int kHowToOpen = O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
 /// Reads a file by windows of a kilobyte: the head of most files is in the first.
 class FileWindow {
 public:
-    explicit FileWindow(int file) : m_file(file) {}
+    /// How many bytes came, below 0 for none.
+    using ReadPiece = std::function<std::int64_t(std::int64_t at, void *to, std::size_t size)>;
+    explicit FileWindow(ReadPiece readPiece) : m_readPiece(std::move(readPiece)) {}
+    explicit FileWindow(int file)
+        : FileWindow([file](std::int64_t at, void *to, std::size_t size) { return pread(file, to, size, at); }) {}
     /// False beyond the end of the file.
     [[nodiscard]] bool Read(std::uint64_t at, void *to, std::size_t size) {
         if (at >= kFarthest || size > m_bytes.size())
             return false;
         if (at < m_begin || at + size > m_begin + m_length) {
-            ssize_t const length = pread(m_file, m_bytes.data(), m_bytes.size(), static_cast<off_t>(at));
+            std::int64_t const length = m_readPiece(static_cast<std::int64_t>(at), m_bytes.data(), m_bytes.size());
             m_begin = at;
             m_length = length < 0 ? 0 : static_cast<std::size_t>(length);
             if (size > m_length)
@@ -52,7 +60,7 @@ public:
 
 private:
     static constexpr std::uint64_t kFarthest = std::uint64_t{1} << 62U;
-    int m_file;
+    ReadPiece m_readPiece;
     std::uint64_t m_begin = 0;
     std::size_t m_length = 0;
     std::array<unsigned char, 1024> m_bytes{};
@@ -72,6 +80,7 @@ public:
     struct Key {
         dev_t device = 0;
         ino_t inode = 0;
+        DString address{}; ///< of a file on a server; it has no numbers
         std::size_t kind = 0;
         friend bool operator==(Key const &, Key const &) = default;
     };
@@ -103,7 +112,8 @@ private:
     static constexpr std::size_t kMost = 200'000; // about 20 MB
     struct Hash {
         std::size_t operator()(Key const &key) const {
-            return (key.inode * 0x9E3779B97F4A7C15U) ^ (key.device << 7U) ^ key.kind;
+            return (key.inode * 0x9E3779B97F4A7C15U) ^ (key.device << 7U) ^ std::hash<DString>()(key.address) ^
+                   key.kind;
         }
     };
     std::mutex m_mutex;
@@ -112,17 +122,73 @@ private:
 
 std::int64_t Nanoseconds(timespec const &time) { return std::int64_t{time.tv_sec} * 1'000'000'000 + time.tv_nsec; }
 
+/// A plain file as it is now.
+struct Subject {
+    Answers::Key key;
+    Answers::State state;
+};
+
+std::optional<Subject> OnDisk(DString const &path) {
+    struct stat info {};
+    if (stat(path.c_str(), &info) != 0 || !S_ISREG(info.st_mode))
+        return std::nullopt;
+    return Subject{.key = {.device = info.st_dev, .inode = info.st_ino},
+                   .state = {info.st_size, Nanoseconds(info.st_mtim), Nanoseconds(info.st_ctim)}};
+}
+
+/// The drivers are asked about one file after the other: each question to a server would take its time.
+std::optional<Subject> OnServer(DString const &address) {
+    using Clock = std::chrono::steady_clock;
+    constexpr std::chrono::seconds kHolds{2};
+    struct Last {
+        DString address;
+        Clock::time_point until;
+        std::optional<Subject> found;
+    };
+    thread_local Last last;
+    if (last.address == address && Clock::now() < last.until)
+        return last.found;
+    last.address = address;
+    last.found.reset();
+    auto const parsed = platform::ParseSmbAddress(address);
+    auto const entry = parsed ? platform::SmbClient::Instance().Stat(*parsed) : std::nullopt;
+    if (entry && entry->kind == platform::ShellKind::File)
+        last.found = Subject{.key = {.address = address},
+                             .state = {static_cast<off_t>(entry->times.size), entry->times.modified, 0}};
+    last.until = Clock::now() + kHolds;
+    return last.found;
+}
+
 template <class Ask>
 bool Remembered(DString const &path, std::string_view kind, Ask const &ask) {
-    struct stat info {};
-    if (stat(path.c_str(), &info) != 0 || !S_ISREG(info.st_mode) || info.st_size < static_cast<off_t>(kHeadSize))
+    std::optional<Subject> subject = platform::IsSmbAddress(path) ? OnServer(path) : OnDisk(path);
+    if (!subject || subject->state.size < static_cast<off_t>(kHeadSize))
         return false;
-    Answers::Key const key{info.st_dev, info.st_ino, std::hash<std::string_view>()(kind)};
-    Answers::State const state{info.st_size, Nanoseconds(info.st_mtim), Nanoseconds(info.st_ctim)};
-    if (int const known = Answers::Instance().Find(key, state); known >= 0)
+    subject->key.kind = std::hash<std::string_view>()(kind);
+    if (int const known = Answers::Instance().Find(subject->key, subject->state); known >= 0)
         return known == 1;
     bool const answer = ask();
-    Answers::Instance().Keep(key, state, answer);
+    Answers::Instance().Keep(subject->key, subject->state, answer);
+    return answer;
+}
+
+/// Shows the file behind a path or an address to `look`; false if it does not open.
+template <class Look>
+bool LookInto(DString const &path, Look const &look) {
+    if (!platform::IsSmbAddress(path)) {
+        FileDescriptor const file(open(path.c_str(), kHowToOpen));
+        FileWindow window(file.Get());
+        return file.IsOpen() && look(window);
+    }
+    platform::SmbClient &client = platform::SmbClient::Instance();
+    auto const address = platform::ParseSmbAddress(path);
+    platform::SmbFile *const file = address ? client.OpenFile(*address) : nullptr;
+    if (file == nullptr)
+        return false;
+    FileWindow window(
+        [&](std::int64_t at, void *to, std::size_t size) { return client.ReadFile(*file, at, to, size); });
+    bool const answer = look(window);
+    client.CloseFile(file);
     return answer;
 }
 
@@ -227,13 +293,14 @@ bool IsContainerFormat(Format const &format) {
 
 bool HoldsSeveral(DString const &path, Format const &format) {
     return Remembered(path, format.id, [&] {
-        FileDescriptor const file(open(path.c_str(), kHowToOpen));
-        FileWindow window(file.Get());
-        std::array<char, kHeadSize> head{};
-        if (!file.IsOpen() || !window.Read(0, head.data(), head.size()) || !HasMagic(head, format))
-            return false;
-        if (format.id == "GTiff")
-            return HasSecondPage(window);
+        bool hasMagic = false;
+        bool const hasSecondPage = LookInto(path, [&](FileWindow &window) {
+            std::array<char, kHeadSize> head{};
+            hasMagic = window.Read(0, head.data(), head.size()) && HasMagic(head, format);
+            return hasMagic && format.id == "GTiff" && HasSecondPage(window);
+        });
+        if (!hasMagic || format.id == "GTiff")
+            return hasSecondPage;
         auto const source = Resolve({path, nullptr}, nullptr);
         auto const members = source ? ListMembers(*source, &format) : std::nullopt;
         return members && members->nodes.size() > 1;

@@ -77,14 +77,14 @@ void UseReaderDrivers(ReaderSettings const &settings) {
     Readers::Instance().Pool().Configure(settings);
     g_readersAreUsed = true;
     SetDriverProvider(AddRemoteDrivers, true);
-    ProbeAhead::SetHandlers(&TreeProbes::AskAhead, &TreeProbes::ForgetAhead);
+    ProbeAhead::SetHandlers(&TreeProbes::AskAhead, &TreeProbes::IsFound, &TreeProbes::ForgetAhead);
     SetPlaceCheck(&AsksPlaceInReader);
 }
 
 void UseOwnProcessDrivers() {
     g_readersAreUsed = false;
     SetDriverProvider(LoadModule);
-    ProbeAhead::SetHandlers(nullptr, nullptr);
+    ProbeAhead::SetHandlers(nullptr, nullptr, nullptr);
     SetPlaceCheck(nullptr);
 }
 

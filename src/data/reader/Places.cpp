@@ -8,7 +8,6 @@
 #include "zelvar/platform/os/MountTable.h"
 
 #include <chrono>
-#include <fstream>
 #include <map>
 #include <mutex>
 #include <utility>
@@ -27,18 +26,9 @@ struct Mount {
     bool mayBlock = false;
 };
 
-/// The deepest mount above a path.
 Mount MountOf(std::string_view path) {
-    Mount deepest;
-    std::ifstream table("/proc/self/mountinfo");
-    for (DString line; std::getline(table, line);) {
-        auto const entry = platform::ParseMountLine(line);
-        if (!entry || entry->mountPoint.size() <= deepest.point.size() || !path.starts_with(entry->mountPoint))
-            continue;
-        if (path.size() == entry->mountPoint.size() || path[entry->mountPoint.size()] == '/')
-            deepest = {entry->mountPoint, platform::MayBlock(*entry)};
-    }
-    return deepest;
+    auto const entry = platform::FindMount(path);
+    return entry ? Mount{entry->mountPoint, platform::MayBlock(*entry)} : Mount{};
 }
 
 /// Mount points that have answered lately.

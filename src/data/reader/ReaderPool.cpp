@@ -36,6 +36,16 @@ milliseconds ReaderPool::TimeInListing(milliseconds wasted) const {
     return std::min(m_settings.probeInListing, m_settings.patience - wasted);
 }
 
+milliseconds ReaderPool::TimeForLooks() const {
+    std::lock_guard const lock(m_mutex);
+    return m_settings.probeInListing;
+}
+
+milliseconds ReaderPool::TimeForServerFiles() const {
+    std::lock_guard const lock(m_mutex);
+    return 2 * m_settings.patience;
+}
+
 ReaderPool::Place *ReaderPool::FindFree(ReaderRole role, int preferred) {
     Place *found = nullptr;
     for (Place &place : m_places) {

@@ -56,6 +56,9 @@ public:
     [[nodiscard]] RequestBudget BudgetOf(RequestKind kind) const;
     /// Of a probe inside a listing that has wasted so much already.
     [[nodiscard]] std::chrono::milliseconds TimeInListing(std::chrono::milliseconds wasted) const;
+    /// What one listing may spend on files that only a look into them can tell; on files of a server.
+    [[nodiscard]] std::chrono::milliseconds TimeForLooks() const;
+    [[nodiscard]] std::chrono::milliseconds TimeForServerFiles() const;
 
     /// A reader of that role: the preferred one (its number; 0 for any) if it is free, else another free one, else a
     /// new one, else the first that gets free. Nothing if `isStopped` says so meanwhile, after the deadline, or if none

@@ -89,6 +89,19 @@ DString InWords(siginfo_t const &info) {
     return Format("was ended by signal %d (%s)", info.si_status, name == nullptr ? "unknown" : name);
 }
 
+/// Shows the kernel's file of that name about each thread of a process.
+template <class Visit>
+void ForEachThread(pid_t process, char const *name, Visit const &visit) {
+    std::error_code error;
+    for (std::filesystem::directory_iterator task(Format("/proc/%d/task", static_cast<int>(process)), error), end;
+         !error && task != end; task.increment(error)) {
+        FileDescriptor const file(open((task->path() / name).c_str(), O_RDONLY | O_CLOEXEC));
+        std::array<char, 256> text{};
+        if (file.IsOpen() && read(file.Get(), text.data(), text.size() - 1) > 0)
+            visit(text.data());
+    }
+}
+
 int PollOnce(int file, std::chrono::milliseconds wait) {
     pollfd wanted{.fd = file, .events = POLLIN, .revents = 0};
     return poll(&wanted, 1, static_cast<int>(wait.count()));
@@ -196,18 +209,22 @@ void ReaderProcess::Terminate() {
 }
 
 bool ReaderProcess::IsBlocked() const {
-    std::error_code error;
-    for (std::filesystem::directory_iterator task(Format("/proc/%d/task", static_cast<int>(m_pid)), error), end;
-         !error && task != end; task.increment(error)) {
-        FileDescriptor const file(open((task->path() / "stat").c_str(), O_RDONLY | O_CLOEXEC));
-        std::array<char, 256> text{};
-        if (!file.IsOpen() || read(file.Get(), text.data(), text.size() - 1) <= 0)
-            continue;
-        char const *const name = std::strrchr(text.data(), ')'); // "id (name) state ..."
-        if (name != nullptr && std::strncmp(name, ") D", 3) == 0)
-            return true;
-    }
-    return false;
+    bool isBlocked = false;
+    ForEachThread(m_pid, "stat", [&](char const *text) {
+        char const *const name = std::strrchr(text, ')'); // "id (name) state ..."
+        isBlocked = isBlocked || (name != nullptr && std::strncmp(name, ") D", 3) == 0);
+    });
+    return isBlocked;
+}
+
+std::chrono::nanoseconds ReaderProcess::WaitedForProcessor() const {
+    std::uint64_t waited = 0;
+    ForEachThread(m_pid, "schedstat", [&](char const *text) {
+        char *end = nullptr;
+        std::strtoull(text, &end, 10); // the time on a processor; what was waited stands behind it
+        waited += std::strtoull(end, nullptr, 10);
+    });
+    return std::chrono::nanoseconds(waited);
 }
 
 } // namespace zelvar

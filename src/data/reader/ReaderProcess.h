@@ -51,6 +51,8 @@ public:
     [[nodiscard]] std::optional<Stamp> StampOf(std::uint64_t request) const;
     /// Bytes that it holds in memory.
     [[nodiscard]] std::uint64_t ResidentBytes() const;
+    /// How long its threads have stood in line for a processor since they began, all together.
+    [[nodiscard]] std::chrono::nanoseconds WaitedForProcessor() const;
 
     /// Ends it, and all that it may have started. True if it is gone within the time; a reader that the kernel holds is
     /// not. May be asked again.

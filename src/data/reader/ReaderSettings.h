@@ -22,13 +22,13 @@ struct ReaderSettings {
 
     /// By `RequestKind`.
     std::array<RequestBudget, kRequestKinds> budgets{{
-        {std::chrono::milliseconds(50), 256 * kMebibyte},      // probe: a window may wait for it
+        {std::chrono::milliseconds(50), 256 * kMebibyte},      // probe, a guess at one of many: a window waits for it
         {std::chrono::milliseconds(30'000), 1024 * kMebibyte}, // list
         {std::chrono::milliseconds(30'000), 1024 * kMebibyte}, // properties
         {std::chrono::milliseconds(60'000), 2048 * kMebibyte}, // preview
     }};
-    /// A probe inside a listing, and what the late ones of one listing may waste together. A script that has no window
-    /// to think of gives more.
+    /// A probe inside a listing, and as much for all looks into files whose names say nothing; and what the late ones
+    /// of one listing may waste together. A script that has no window to think of gives more.
     std::chrono::milliseconds probeInListing{250};
     std::chrono::milliseconds patience{500};
     /// Readers for probes and listings, and readers for properties and pixels, at least one each. Those that reach the

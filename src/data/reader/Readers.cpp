@@ -26,9 +26,35 @@ constexpr milliseconds kGoneAfterKill{20};   // what a process needs to end
 constexpr milliseconds kUnstamped{60'000};   // how long a verdict on what is no file on disk holds
 constexpr milliseconds kLateListing{10'000}; // the same for a listing that came late: several lists ask for it
 constexpr int kLooksPerMemoryLook = 5;
+constexpr int kSlowest = 20;                  // times on the clock what a reader may have
+constexpr milliseconds kLongestWait{120'000}; // for a processor, in all
+constexpr int kSlowestGrace = 4;
 constexpr std::uint64_t kOwnMemory = std::uint64_t{512} << 20U; // of a reader at rest, caches included
 
 bool IsStopSet(StopSignal const *stop) { return stop != nullptr && stop->load(std::memory_order_relaxed); }
+
+/// What a reader has had since it was first looked at: its own time and its waits for data, not those for a processor.
+/// The moments before that look are a gift, so that a request that is soon answered costs no look at all.
+class TimeHad {
+public:
+    explicit TimeHad(ReaderProcess const &reader) : m_reader(reader) {}
+    [[nodiscard]] milliseconds Look() {
+        std::chrono::nanoseconds const waited = m_reader.WaitedForProcessor();
+        Clock::time_point const now = Clock::now();
+        if (!std::exchange(m_hasBegun, true)) {
+            m_begin = now;
+            m_waited = waited;
+        }
+        auto const waits = std::max(waited - m_waited, std::chrono::nanoseconds(0));
+        return std::chrono::duration_cast<milliseconds>(now - m_begin - waits);
+    }
+
+private:
+    ReaderProcess const &m_reader;
+    bool m_hasBegun = false;
+    Clock::time_point m_begin;
+    std::chrono::nanoseconds m_waited{0};
+};
 
 double MillisecondsSince(Clock::time_point begin) {
     return std::chrono::duration<double, std::milli>(Clock::now() - begin).count();
@@ -61,18 +87,22 @@ Readers::Terms Readers::TermsOf(Call const &call) const {
         .time = budget.time,
         .memory = budget.memory,
         .begin = Clock::now(),
-        .deadline = {},
+        .limit = {},
         .isStopped = [&call, scope] { return IsStopSet(call.stop) || (scope != nullptr && scope->IsStopped()); }};
     bool const isProbe = kind == RequestKind::Probe;
     if (RequestScope const *const listing = scope != nullptr && isProbe ? scope->Listing() : nullptr)
         terms.time = m_pool.TimeInListing(listing->wasted);
     // A listing may go on for as long as it finds something: its budget is that of each step.
-    std::optional<milliseconds> const left = ofScope ? scope->TimeLeft() : std::nullopt;
-    if (left)
-        terms.time = isProbe && !scope->HasOwnTime() ? std::min(terms.time, *left) : *left;
+    if (ofScope && scope->HasOwnTime())
+        terms.time = *scope->OwnTimeLeft();
     else if (ofScope && kind != RequestKind::List && !isProbe)
         terms.time -= std::chrono::duration_cast<milliseconds>(terms.begin - scope->Begin());
-    terms.deadline = terms.begin + terms.time;
+    milliseconds longest = std::min(terms.time * kSlowest, terms.time + kLongestWait);
+    for (auto const &limit : {call.limit, ofScope ? scope->OuterTimeLeft() : std::nullopt})
+        if (limit)
+            longest = std::min(longest, *limit);
+    terms.time = std::min(terms.time, longest);
+    terms.limit = terms.begin + longest;
     return terms;
 }
 
@@ -145,9 +175,10 @@ Readers::Answer Readers::Exchange(Call const &call, MakeRequest const &make) {
 
 ReaderPool::Loan Readers::Borrow(Call const &call, Terms const &terms) {
     ReaderRole const role{.listing = terms.kind == RequestKind::Probe || terms.kind == RequestKind::List,
-                          .network = !call.subject.empty() && BDIMoniker(call.subject, nullptr).IsUrl()};
+                          .network =
+                              call.network || (!call.subject.empty() && BDIMoniker(call.subject, nullptr).IsUrl())};
     while (true) {
-        ReaderPool::Loan loan = m_pool.Borrow(role, call.preferred, terms.deadline, terms.isStopped);
+        ReaderPool::Loan loan = m_pool.Borrow(role, call.preferred, terms.begin + terms.time, terms.isStopped);
         if (!loan || IsInStep(loan))
             return loan;
         bool const gone = loan->Kill(kGoneAfterKill);
@@ -193,39 +224,52 @@ Result Readers::Receive(ReaderPool::Loan const &loan, Clock::time_point deadline
 }
 
 Readers::Outcome Readers::Wait(ReaderPool::Loan const &loan, Terms const &terms, std::uint64_t number, Answer &answer) {
+    TimeHad time(*loan);
+    milliseconds const step = std::clamp(terms.time, milliseconds(1), kLook);
     for (int looks = 1;; ++looks) {
-        Result const result = Receive(loan, std::min(terms.deadline, Clock::now() + kLook), number, answer);
+        Result const result = Receive(loan, std::min(terms.limit, Clock::now() + step), number, answer);
         if (result == Result::Done)
             return {Ending::Answered, true};
         if (result != Result::Late)
             return {Ending::Crashed, false};
         bool const isStopped = terms.isStopped();
         if (!loan->IsOwn()) // the question was answered on the other side of a fork: it is the parent's request
-            return {Ending::Stopped, false};
+            return {.ending = Ending::Stopped};
         if (isStopped)
-            return GiveUp(loan, terms, number, answer, Ending::Stopped);
-        if (Clock::now() >= terms.deadline)
-            return GiveUp(loan, terms, number, answer, Ending::Late);
+            return GiveUp(loan, terms, number, answer, {.ending = Ending::Stopped});
+        bool const isOver = Clock::now() >= terms.limit;
+        if (milliseconds const had = time.Look(); isOver || had >= terms.time)
+            return GiveUp(loan, terms, number, answer, {.ending = Ending::Late, .had = had});
         if (looks % kLooksPerMemoryLook == 0 && terms.memory != 0 && loan->ResidentBytes() > terms.memory + kOwnMemory)
             return {Ending::TooLarge, false};
     }
 }
 
 Readers::Outcome Readers::GiveUp(ReaderPool::Loan const &loan, Terms const &terms, std::uint64_t number, Answer &answer,
-                                 Ending why) {
+                                 Outcome why) {
     bool const hasty = terms.kind == RequestKind::Probe || terms.time < kHaste;
     milliseconds const grace = hasty ? kHastyGrace : kGrace;
     wire::StopT stop;
     stop.number = number;
     Send(loan, wire::PackRequest(0, 0, stop), -1);
-    Result const result = Receive(loan, Clock::now() + grace, number, answer);
-    if (result != Result::Done)
-        return {result == Result::Late ? why : Ending::Crashed, false};
+    // Who waits for a processor cannot hear the word either; a user who has said it is not kept much longer for that.
+    TimeHad time(*loan);
+    Clock::time_point const last = Clock::now() + grace * kSlowestGrace;
+    Result result = Result::Late;
+    for (milliseconds had = time.Look(); result == Result::Late && had < grace && Clock::now() < last;
+         had = time.Look())
+        result = Receive(loan, std::min(last, Clock::now() + grace - had), number, answer);
+    if (result != Result::Done) {
+        why.ending = result == Result::Late ? why.ending : Ending::Crashed;
+        return why;
+    }
+    why.inStep = true;
     // An answer that was on its way counts; that it was stopped does not.
     if (answer.message->body.AsFailed() == nullptr)
-        return {Ending::Answered, true};
-    answer.message.reset();
-    return {why, true};
+        why.ending = Ending::Answered;
+    else
+        answer.message.reset();
+    return why;
 }
 
 DString Readers::Conclude(ReaderPool::Loan const &loan, Call const &call, Terms const &terms, std::uint64_t number,
@@ -242,15 +286,19 @@ DString Readers::Conclude(ReaderPool::Loan const &loan, Call const &call, Terms 
     }
     if (RequestScope *const scope = RequestScope::Current(); scope != nullptr && terms.kind == RequestKind::Probe)
         if (RequestScope *const listing = scope->Listing())
-            listing->wasted += std::chrono::ceil<milliseconds>(Clock::now() - terms.begin);
+            listing->wasted += outcome.ending == Ending::Late
+                                   ? outcome.had
+                                   : std::chrono::ceil<milliseconds>(Clock::now() - terms.begin);
     if (outcome.ending == Ending::Stopped || loan->IsTerminated())
         return "stopped";
     if (starting)
         return "the reader starts slowly";
 
     DString reason;
+    bool const hadItsTime = own || outcome.had >= terms.time;
     if (outcome.ending == Ending::Late)
-        reason = Format("its reader took longer than %g s", static_cast<double>(terms.time.count()) / 1000);
+        reason = Format(hadItsTime ? "its reader took longer than %g s" : "its reader got less than %g s to work in",
+                        static_cast<double>(terms.time.count()) / 1000);
     else if (outcome.ending == Ending::TooLarge)
         reason = Format("its reader took more than %d MB", static_cast<int>((terms.memory + kOwnMemory) >> 20U));
     else
@@ -267,8 +315,9 @@ DString Readers::Conclude(ReaderPool::Loan const &loan, Call const &call, Terms 
         verdict.until = Clock::now() + kUnstamped;
     else if (terms.kind == RequestKind::List && !own)
         verdict.until = Clock::now() + kLateListing;
-    // Who selects a file again asks again for its picture: only what happens by itself is spared.
-    if (own || terms.kind == RequestKind::Probe || terms.kind == RequestKind::List)
+    // Who selects a file again asks again for its picture: only what happens by itself is spared. A machine that is
+    // busy says nothing about a file.
+    if (hadItsTime && (own || terms.kind == RequestKind::Probe || terms.kind == RequestKind::List))
         m_verdicts.Set(call.subject, std::move(verdict));
     return reason;
 }

@@ -17,6 +17,8 @@ namespace zelvar {
 ///
 /// - A request that is stopped, or late, gets the word to stop; a reader that does not answer within 50 ms then is
 ///   killed and another started.
+/// - A reader that waits for a processor is not late: its time is what it had, with its waits for data, and the clock
+///   ends it only far above.
 /// - A reader that crashes, or takes more memory than the request may, fails that request alone. The moniker is not
 ///   tried again before the file behind it has changed.
 /// - A reader that the kernel holds, as on a mount that does not answer, is left behind; its place gets no more work
@@ -34,7 +36,9 @@ public:
         DString subject{};                          ///< the moniker; empty for none
         StopSignal const *stop = nullptr;           ///< may be null
         int preferred = 0;                          ///< number of the reader that has the tree or image open
-        std::size_t pixelBytes = 0;                 ///< of shared memory
+        bool network = false;                       ///< whether that reader may connect; an address says so by itself
+        std::optional<std::chrono::milliseconds> limit{}; ///< on the clock; far above its time if there is none
+        std::size_t pixelBytes = 0;                       ///< of shared memory
     };
     struct Answer {
         std::unique_ptr<wire::AnswerT> message; ///< null if there is none
@@ -66,10 +70,10 @@ private:
     using MakeRequest = std::function<wire::MessageChannel::Bytes(std::uint64_t number, std::uint64_t memory)>;
     struct Terms {
         RequestKind kind;
-        std::chrono::milliseconds time; ///< given from now on
+        std::chrono::milliseconds time; ///< of the reader, given from now on
         std::uint64_t memory;
         wire::MessageChannel::Clock::time_point begin;
-        wire::MessageChannel::Clock::time_point deadline;
+        wire::MessageChannel::Clock::time_point limit; ///< on the clock, whatever the reader had
         std::function<bool()> isStopped;
     };
 
@@ -81,13 +85,14 @@ private:
     [[nodiscard]] bool IsRefused(Call const &call, Terms const &terms, DString &reason);
     struct Outcome {
         Ending ending = Ending::Crashed;
-        bool inStep = false; ///< the reader has no request under way any more
+        bool inStep = false;              ///< the reader has no request under way any more
+        std::chrono::milliseconds had{0}; ///< by a reader that came late
     };
     [[nodiscard]] ReaderPool::Loan Borrow(Call const &call, Terms const &terms);
     [[nodiscard]] static bool IsInStep(ReaderPool::Loan const &loan);
     static Outcome Wait(ReaderPool::Loan const &loan, Terms const &terms, std::uint64_t number, Answer &answer);
     static Outcome GiveUp(ReaderPool::Loan const &loan, Terms const &terms, std::uint64_t number, Answer &answer,
-                          Ending why);
+                          Outcome why);
     static wire::MessageChannel::Result Receive(ReaderPool::Loan const &loan,
                                                 wire::MessageChannel::Clock::time_point deadline, std::uint64_t number,
                                                 Answer &answer);

@@ -4,6 +4,8 @@
 #include "zelvar/data/reader/AnswerReading.h"
 #include "zelvar/data/reader/Readers.h"
 
+#include <algorithm>
+#include <chrono>
 #include <cstring>
 #include <map>
 #include <optional>
@@ -20,6 +22,11 @@ struct Image {
     wire::ImageOpenedT facts;
     std::map<int, ChannelFacts> moreChannels; ///< behind those that came with the opening
 };
+
+constexpr std::size_t kFilesTogether = 256;
+constexpr std::chrono::milliseconds kFindTime{500};
+
+bool IsAddress(DString const &path) { return BDIMoniker(path, nullptr).IsUrl(); }
 
 Image &Of(void *handle) { return *static_cast<Image *>(handle); }
 
@@ -99,6 +106,36 @@ int RemoteRasterDriver::IsMyFile(char const *path) const {
     Readers::Answer const answer = Readers::Instance().Ask(call, std::move(body));
     wire::ProbedT const *const probed = BodyOf<wire::ProbedT>(answer.message.get());
     return probed != nullptr && !probed->drivers.empty() ? 1 : 0;
+}
+
+std::optional<std::size_t> RemoteRasterDriver::FindMyFile(std::vector<DString> const &paths,
+                                                          StopSignal const &stop) const {
+    for (std::size_t first = 0; first < paths.size() && !stop;) {
+        wire::FindOwnedT body;
+        body.driver = m_facts.id;
+        std::size_t end = first;
+        for (; end < paths.size() && end - first < kFilesTogether; ++end) {
+            if (Readers::Instance().Verdicts().Has(paths[end]) || IsAddress(paths[end]) != IsAddress(paths[first]))
+                break;
+            body.paths.push_back(paths[end]);
+        }
+        Readers::Answer answer;
+        if (end > first) {
+            RequestScope const scope(RequestKind::Probe, {}, kFindTime);
+            Readers::Call const call{
+                .kind = RequestKind::Probe, .what = "owner", .stop = &stop, .network = IsAddress(paths[first])};
+            answer = Readers::Instance().Ask(call, std::move(body));
+        }
+        auto const *const found = BodyOf<wire::OwnedFoundT>(answer.message.get());
+        auto const looked = found == nullptr ? 0 : std::min<std::size_t>(found->looked, end - first);
+        if (looked > 0 && found->index >= 0 && static_cast<std::size_t>(found->index) < looked)
+            return first + static_cast<std::size_t>(found->index);
+        first += looked;
+        // The one that holds the others up is asked about alone, and they go on behind it.
+        if (looked == 0 && !stop && IsMyFile(paths[first++].c_str()) == 1)
+            return first - 1;
+    }
+    return std::nullopt;
 }
 
 void *RemoteRasterDriver::Open(BDIMoniker const &moniker, RDIDriver **opener, StopSignal const *stop, DError *error,

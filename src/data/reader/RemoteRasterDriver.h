@@ -16,6 +16,9 @@ public:
     [[nodiscard]] DString GetExtensions() const override { return m_facts.extensions; }
     [[nodiscard]] DString GetFamily() const override { return m_facts.family; }
     [[nodiscard]] int IsMyFile(char const *path) const override;
+    /// In few questions. Files that ended a reader are passed over.
+    [[nodiscard]] std::optional<std::size_t> FindMyFile(std::vector<DString> const &paths,
+                                                        StopSignal const &stop) const override;
     void *OpenFile(BDIMoniker const &moniker, StopSignal const *stop, DError *error) override;
     void *OpenFileInFamily(BDIMoniker const &moniker, RDIDriver **opener, StopSignal const *stop,
                            DError *error) override;

@@ -14,8 +14,13 @@ public:
     [[nodiscard]] static bool Reads(DString const &driverId, DString const &path);
 
     /// Asks about many files in few requests. Files that ended a reader before are left out, and the rest of them after
-    /// a request that was not answered: each then is asked about alone, so that the one to blame is found.
-    static void AskAhead(std::vector<DString> const &paths);
+    /// a request that was not answered: each then is asked about alone, so that the one to blame is found. On a server,
+    /// where each takes its time, those behind what a listing may spend stay without an answer.
+    ///
+    /// All drivers that hold several are asked about the nameless ones, as far as the time of the listing goes.
+    static void AskAhead(std::vector<DString> const &paths, std::vector<DString> const &nameless);
+    /// Whether any driver was found then that reads the file.
+    [[nodiscard]] static bool IsFound(DString const &path);
     static void ForgetAhead();
 };
 

@@ -8,6 +8,7 @@
 #include <memory>
 #include <mutex>
 #include <thread>
+#include <utility>
 
 #include <dlfcn.h>
 #include <gio/gio.h>
@@ -26,6 +27,14 @@ struct Library {
     decltype(&g_file_info_get_display_name) displayName = nullptr;
     decltype(&g_file_info_get_attribute_string) attributeString = nullptr;
     decltype(&g_object_unref) unref = nullptr;
+    decltype(&g_file_monitor_directory) monitor = nullptr;
+    decltype(&g_signal_connect_data) connect = nullptr;
+    decltype(&g_main_context_new) newContext = nullptr;
+    decltype(&g_main_context_unref) unrefContext = nullptr;
+    decltype(&g_main_context_push_thread_default) pushContext = nullptr;
+    decltype(&g_main_context_pop_thread_default) popContext = nullptr;
+    decltype(&g_main_context_iteration) iterate = nullptr;
+    decltype(&g_main_context_wakeup) wakeUp = nullptr;
 
     /// False if GIO or one of the functions is missing.
     bool Load() {
@@ -38,7 +47,12 @@ struct Library {
         };
         return find("g_file_new_for_uri", newForUri) && find("g_file_enumerate_children", enumerateChildren) &&
                find("g_file_enumerator_next_file", nextFile) && find("g_file_info_get_display_name", displayName) &&
-               find("g_file_info_get_attribute_string", attributeString) && find("g_object_unref", unref);
+               find("g_file_info_get_attribute_string", attributeString) && find("g_object_unref", unref) &&
+               find("g_file_monitor_directory", monitor) && find("g_signal_connect_data", connect) &&
+               find("g_main_context_new", newContext) && find("g_main_context_unref", unrefContext) &&
+               find("g_main_context_push_thread_default", pushContext) &&
+               find("g_main_context_pop_thread_default", popContext) && find("g_main_context_iteration", iterate) &&
+               find("g_main_context_wakeup", wakeUp);
     }
 };
 
@@ -69,6 +83,52 @@ std::vector<NetworkPlace> Ask() {
     return places;
 }
 
+/// The service's monitor and a loop of its own, in which its news arrive.
+class DesktopListener final : public NetworkListener {
+public:
+    explicit DesktopListener(Library const &gio) : m_gio(gio), m_context(gio.newContext()) {
+        m_gio.pushContext(m_context);
+    }
+    ~DesktopListener() override {
+        if (m_monitor != nullptr)
+            m_gio.unref(m_monitor);
+        m_gio.popContext(m_context);
+        m_gio.unrefContext(m_context);
+    }
+    DesktopListener(DesktopListener const &) = delete;
+    DesktopListener &operator=(DesktopListener const &) = delete;
+    bool Start(char const *place) {
+        GFile *const file = m_gio.newForUri(place);
+        m_monitor = m_gio.monitor(file, G_FILE_MONITOR_NONE, nullptr, nullptr);
+        m_gio.unref(file);
+        if (m_monitor == nullptr)
+            return false;
+        m_gio.connect(m_monitor, "changed", reinterpret_cast<GCallback>(&Hear), this, nullptr, GConnectFlags(0));
+        return true;
+    }
+    bool Wait(std::stop_token const &stop) override {
+        std::stop_callback const wake(stop, [this] { m_gio.wakeUp(m_context); });
+        while (!m_hasHeard && !stop.stop_requested())
+            m_gio.iterate(m_context, TRUE);
+        return std::exchange(m_hasHeard, false);
+    }
+
+private:
+    static void Hear(GFileMonitor *, GFile *, GFile *, GFileMonitorEvent, void *listener) {
+        static_cast<DesktopListener *>(listener)->m_hasHeard = true;
+    }
+
+    Library m_gio;
+    GMainContext *m_context;
+    GFileMonitor *m_monitor = nullptr;
+    bool m_hasHeard = false;
+};
+
+bool IsInSession() {
+    char const *const bus = std::getenv("DBUS_SESSION_BUS_ADDRESS");
+    return bus != nullptr && *bus != '\0';
+}
+
 /// Where the asking thread leaves its answer; it may come after the caller has gone.
 struct Answer {
     std::mutex mutex;
@@ -80,8 +140,7 @@ struct Answer {
 } // namespace
 
 std::vector<NetworkPlace> ListDesktopNetwork() {
-    char const *const bus = std::getenv("DBUS_SESSION_BUS_ADDRESS");
-    if (bus == nullptr || *bus == '\0')
+    if (!IsInSession())
         return {};
     auto const answer = std::make_shared<Answer>();
     std::thread([answer] {
@@ -94,6 +153,14 @@ std::vector<NetworkPlace> ListDesktopNetwork() {
     std::unique_lock lock(answer->mutex);
     answer->arrived.wait_for(lock, kPatience, [&] { return answer->done; });
     return answer->places;
+}
+
+std::unique_ptr<NetworkListener> ListenToDesktopNetwork(char const *place) {
+    Library gio;
+    if (!IsInSession() || !gio.Load())
+        return nullptr;
+    auto listener = std::make_unique<DesktopListener>(gio);
+    return listener->Start(place) ? std::move(listener) : nullptr;
 }
 
 } // namespace zelvar::platform

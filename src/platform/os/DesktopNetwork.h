@@ -1,7 +1,9 @@
 #pragma once
 
 #include "zelvar/base/DString.h"
+#include "zelvar/platform/os/ShellNamespace.h"
 
+#include <memory>
 #include <vector>
 
 namespace zelvar::platform {
@@ -17,5 +19,9 @@ struct NetworkPlace {
 /// The file servers that the desktop's own service has found. Empty outside a desktop session, without GIO, and when
 /// the service does not answer within a few seconds. Asks the desktop only; nothing is sent into the network from here.
 [[nodiscard]] std::vector<NetworkPlace> ListDesktopNetwork();
+
+/// Listens to the same service, without asking it anything: a sleeping thread. Null outside a desktop session, and
+/// where the service tells no news. `place` is for tests.
+[[nodiscard]] std::unique_ptr<NetworkListener> ListenToDesktopNetwork(char const *place = "network:///");
 
 } // namespace zelvar::platform

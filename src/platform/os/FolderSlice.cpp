@@ -95,7 +95,15 @@ void FolderReader::Read(FolderSlice &slice, std::size_t limit, ShellNamespace::F
         std::string_view const name(m_buffer.get() + m_at + kNameOffset);
         m_at += entry.length;
         bool const hidden = name.empty() || name.front() == '.';
-        if (!hidden && CanBeAThing(entry.type) && (entry.type != DT_REG || !wanted || wanted(name)))
+        if (hidden || !CanBeAThing(entry.type))
+            continue;
+        using Wish = ShellNamespace::Wish;
+        Wish const wish = entry.type != DT_REG || !wanted ? Wish::Yes : wanted(name);
+        if (wish == Wish::Stop) {
+            slice.Clear();
+            return;
+        }
+        if (wish == Wish::Yes)
             slice.Add(name, entry.type);
     }
 }

@@ -49,7 +49,8 @@ public:
     explicit FolderReader(DString const &path);
     [[nodiscard]] bool IsOpen() const { return m_directory.IsOpen(); }
     [[nodiscard]] int Descriptor() const { return m_directory.Get(); }
-    /// Fills `slice` with up to `limit` entries; empty at the end. Plain files that `wanted` refuses are left out.
+    /// Fills `slice` with up to `limit` entries; empty at the end, and when `wanted` has ended it. Plain files that it
+    /// refuses are left out.
     void Read(FolderSlice &slice, std::size_t limit, ShellNamespace::FileTest const &wanted);
 
 private:

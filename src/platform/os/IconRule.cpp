@@ -2,11 +2,14 @@
 
 #include "zelvar/base/PathStyle.h"
 
+#include <algorithm>
 #include <array>
 
 namespace zelvar::platform {
 
 namespace {
+
+constexpr std::string_view kAnyFile = "application-octet-stream";
 
 struct SuffixGroup {
     std::string_view icon;
@@ -29,7 +32,7 @@ std::string_view FileIcon(std::string_view name) {
     std::string_view const suffix = ExtensionOf(name);
     constexpr std::size_t kLongestSuffix = 8;
     if (suffix.empty() || suffix.size() > kLongestSuffix || suffix.find(' ') != std::string_view::npos)
-        return "application-octet-stream";
+        return kAnyFile;
     DString wanted = " ";
     for (char const c : suffix)
         wanted += c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
@@ -37,7 +40,7 @@ std::string_view FileIcon(std::string_view name) {
     for (SuffixGroup const &group : kSuffixGroups)
         if (group.suffixes.find(wanted) != std::string_view::npos)
             return group.icon;
-    return "application-octet-stream";
+    return kAnyFile;
 }
 
 std::string_view IconName(ShellKind kind, std::string_view name, bool home, bool network) {
@@ -77,6 +80,13 @@ ImageDescription IconFor(ShellKind kind, std::string_view name, bool link, bool 
     icon.fallback = icon.name;
     icon.linkOverlay = link;
     return icon;
+}
+
+bool SaysWhatItIs(std::string_view name) {
+    constexpr std::array<std::string_view, 4> kAnything{"dat", "db", "bin", "run"};
+    std::string_view const suffix = ExtensionOf(name);
+    return FileIcon(name) != kAnyFile && std::none_of(kAnything.begin(), kAnything.end(),
+                                                      [&](std::string_view any) { return EqualNoCase(suffix, any); });
 }
 
 } // namespace zelvar::platform

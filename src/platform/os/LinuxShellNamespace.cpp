@@ -90,27 +90,29 @@ ShellId LinuxShellNamespace::Parse(DString const &path) const {
 
 ShellId LinuxShellNamespace::ParseLocal(DString const &path) const {
     std::optional<ShellKind> const kind = path.empty() ? std::nullopt : LocalKindOf(path);
-    if (!kind)
-        return {};
+    return kind ? LocalChain(path, *kind) : ShellId();
+}
+
+ShellId LinuxShellNamespace::LocalChain(DString const &path, ShellKind lastKind) const {
     ShellId id = m_drives.Child("/", ShellKind::Fixed);
     std::vector<DString> const elements = Split(path, '/');
     auto const isEmpty = [](DString const &element) { return element.empty(); };
     auto const last = std::find_if_not(elements.rbegin(), elements.rend(), isEmpty);
     for (auto element = elements.begin(); element != last.base(); ++element)
         if (!element->empty())
-            id = id.Child(*element, element + 1 == last.base() ? *kind : ShellKind::Directory);
+            id = id.Child(*element, element + 1 == last.base() ? lastKind : ShellKind::Directory);
     return id;
 }
 
 ShellId LinuxShellNamespace::ParseSmb(SmbAddress const &address) const {
     constexpr std::size_t kShareOnly = 1;
-    ShellKind last = ShellKind::Directory;
-    if (address.parts.size() > kShareOnly) {
-        std::optional<SmbEntry> const entry = SmbClient::Instance().Stat(address);
-        if (!entry)
-            return {};
-        last = entry->kind;
-    }
+    if (address.parts.size() <= kShareOnly)
+        return ServerChain(address, ShellKind::Directory);
+    std::optional<SmbEntry> const entry = SmbClient::Instance().Stat(address);
+    return entry ? ServerChain(address, entry->kind) : ShellId();
+}
+
+ShellId LinuxShellNamespace::ServerChain(SmbAddress const &address, ShellKind last) const {
     ShellId id = m_network.Child(address.authority, ShellKind::NetServer);
     for (std::size_t i = 0; i < address.parts.size(); ++i)
         id = id.Child(address.parts[i], i == 0                          ? ShellKind::NetShare
@@ -118,6 +120,19 @@ ShellId LinuxShellNamespace::ParseSmb(SmbAddress const &address) const {
                                                                         : ShellKind::Directory);
     return id;
 }
+
+ShellId LinuxShellNamespace::ParseUnseen(DString const &path) const {
+    if (std::optional<SmbAddress> const address = ParseSmbAddress(path))
+        return ServerChain(*address, ShellKind::Directory);
+    return path.starts_with('/') ? LocalChain(path, ShellKind::Directory) : ShellId();
+}
+
+bool LinuxShellNamespace::DoesServerAnswer(DString const &path) const {
+    std::optional<SmbAddress> const address = ParseSmbAddress(path);
+    return !address || SmbClient::Instance().DoesAnswer(address->authority);
+}
+
+std::unique_ptr<NetworkListener> LinuxShellNamespace::ListenToNetwork() const { return ListenToDesktopNetwork(); }
 
 bool LinuxShellNamespace::Enumerate(ShellId const &folder, Purpose purpose, Visitor const &visit,
                                     FileTest const &wanted) const {
@@ -185,8 +200,9 @@ bool LinuxShellNamespace::EnumerateServer(ShellId const &folder, SmbAddress cons
     if (purpose == Purpose::Network && !address.parts.empty())
         return false;
     return SmbClient::Instance().List(address, [&](SmbEntry &&entry) {
-        if (entry.kind == ShellKind::File && wanted && !wanted(entry.name))
-            return true;
+        if (entry.kind == ShellKind::File && wanted)
+            if (Wish const wish = wanted(entry.name); wish != Wish::Yes)
+                return wish == Wish::No;
         ShellChild child;
         child.id = folder.Child(entry.name, entry.kind);
         child.name = std::move(entry.name);
@@ -258,6 +274,15 @@ std::optional<FileTimes> LinuxShellNamespace::Times(ShellId const &id) const {
 
 std::optional<FolderIdentity> LinuxShellNamespace::IdentityOf(ShellId const &folder) const {
     Location const location = Locate(folder);
+    if (location.realm == Realm::Server && location.elements.size() > 1) {
+        SmbAddress const address = AddressOf(location.elements);
+        std::optional<SmbEntry> const entry = SmbClient::Instance().Stat(address);
+        if (!entry || entry->inode == 0)
+            return std::nullopt;
+        return FolderIdentity{.device = std::hash<DString>()(address.authority + "/" + address.parts.front()),
+                              .inode = entry->inode,
+                              .mayBeLink = true};
+    }
     if (location.realm != Realm::Local)
         return std::nullopt;
     return ReadIdentity(LocalPath(location.elements).c_str());

@@ -20,6 +20,9 @@ public:
     [[nodiscard]] ShellId Network() const override { return m_network; }
     /// A relative path begins at the working directory. A server or a share is taken at its word: it is not asked.
     [[nodiscard]] ShellId Parse(DString const &path) const override;
+    [[nodiscard]] ShellId ParseUnseen(DString const &path) const override;
+    [[nodiscard]] bool DoesServerAnswer(DString const &path) const override;
+    [[nodiscard]] std::unique_ptr<NetworkListener> ListenToNetwork() const override;
     // NOLINTNEXTLINE(modernize-use-nodiscard): as in the base
     bool Enumerate(ShellId const &folder, Purpose purpose, Visitor const &visit,
                    FileTest const &wanted = nullptr) const override;
@@ -33,6 +36,9 @@ public:
 
 private:
     [[nodiscard]] ShellId ParseLocal(DString const &path) const;
+    /// The chain of a path or address whose last element is of that kind.
+    [[nodiscard]] ShellId LocalChain(DString const &path, ShellKind last) const;
+    [[nodiscard]] ShellId ServerChain(SmbAddress const &address, ShellKind last) const;
     [[nodiscard]] ShellId ParseSmb(SmbAddress const &address) const;
     [[nodiscard]] bool EnumerateDesktop(Visitor const &visit) const;
     [[nodiscard]] bool EnumerateDrives(Visitor const &visit) const;

@@ -46,8 +46,9 @@ public:
 private:
     bool ShowOne(std::string_view name, FolderSlice::Entry const &entry) {
         // What a link leads to is known only now.
-        if (entry.type != DT_REG && *entry.kind == ShellKind::File && m_wanted && !m_wanted(name))
-            return true;
+        if (entry.type != DT_REG && *entry.kind == ShellKind::File && m_wanted)
+            if (ShellNamespace::Wish const wish = m_wanted(name); wish != ShellNamespace::Wish::Yes)
+                return wish == ShellNamespace::Wish::No;
         m_child.id = m_folder.Child(name, *entry.kind);
         m_child.name.assign(name);
         m_child.kind = *entry.kind;

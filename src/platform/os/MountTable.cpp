@@ -14,13 +14,23 @@ namespace zelvar::platform {
 
 namespace {
 
-constexpr std::array<std::string_view, 16> kNetworkTypes{
+/// Shown wherever they are mounted.
+constexpr std::array<std::string_view, 17> kNetworkTypes{
     "cifs",      "smb3",       "smbfs",       "nfs",         "nfs4",      "ncpfs",           "afs",
     "9p",        "fuse.sshfs", "fuse.davfs2", "fuse.rclone", "fuse.s3fs", "fuse.gvfsd-fuse", "ceph",
-    "glusterfs", "lustre"};
+    "glusterfs", "lustre",     "gpfs"};
 constexpr std::array<std::string_view, 2> kDiscTypes{"iso9660", "udf"};
 constexpr std::array<std::string_view, 6> kFuseDiscTypes{"fuseblk",    "fuse.exfat", "fuse.ntfs",
                                                          "fuse.ntfs3", "zfs",        "btrfs"};
+/// Show folders of this machine in another way.
+constexpr std::array<std::string_view, 8> kLocalUnions{"fuse.mergerfs", "fuse.unionfs",   "fuse.mhddfs", "fuse.bindfs",
+                                                       "fuse.encfs",    "fuse.gocryptfs", "fuse.cryfs",  "ecryptfs"};
+/// Hold no files of users: the kernel's own, memory, layers of containers, and services of the system. Each between
+/// blanks.
+constexpr std::string_view kPseudoTypes =
+    " proc sysfs devtmpfs devpts tmpfs ramfs rootfs cgroup cgroup2 pstore bpf tracefs debugfs securityfs configfs "
+    "fusectl mqueue hugetlbfs binfmt_misc autofs rpc_pipefs nsfs efivarfs selinuxfs overlay aufs shiftfs nfsd resctrl "
+    "functionfs usbfs fuse.portal fuse.lxcfs fuse.snapfuse fuse.squashfuse fuse.squashfuse_ll fuse.fuse-overlayfs ";
 /// Folders of the system: a disc mounted there is not a place where users keep data.
 constexpr std::array<std::string_view, 13> kSystemFolders{"/boot", "/dev",  "/efi", "/etc",  "/lib", "/nix", "/opt",
                                                           "/proc", "/root", "/run", "/snap", "/sys", "/usr"};
@@ -29,6 +39,8 @@ template <std::size_t n>
 bool IsOneOf(std::string_view text, std::array<std::string_view, n> const &list) {
     return std::find(list.begin(), list.end(), text) != list.end();
 }
+
+bool IsPseudo(std::string_view type) { return kPseudoTypes.find(" " + DString(type) + " ") != DString::npos; }
 
 bool LiesBelow(std::string_view path, std::string_view folder) {
     return path.starts_with(folder) && (path.size() == folder.size() || path[folder.size()] == '/');
@@ -40,6 +52,9 @@ bool IsSystemPlace(std::string_view mountPoint) {
     return LiesBelow(mountPoint, "/var") || std::any_of(kSystemFolders.begin(), kSystemFolders.end(),
                                                         [&](auto folder) { return LiesBelow(mountPoint, folder); });
 }
+
+/// Below a folder whose name begins with a dot: nobody's to look into.
+bool IsHiddenPlace(std::string_view mountPoint) { return mountPoint.find("/.") != std::string_view::npos; }
 
 bool IsOctal(char c) { return c >= '0' && c <= '7'; }
 
@@ -80,17 +95,27 @@ bool IsBlockDevice(MountEntry const &mount) {
     return mount.source.starts_with("/dev/") || IsOneOf(mount.type, kFuseDiscTypes);
 }
 
+/// All of a file system, or a part of a pool that stands for itself; not a folder that is shown in a second place.
+bool IsWhole(MountEntry const &mount) { return mount.root == "/" || mount.root == mount.subvolume; }
+
 std::optional<ShellKind> KindOf(MountEntry const &mount, DString const &sysRoot) {
     if (mount.mountPoint == "/")
         return ShellKind::Fixed;
     if (IsOneOf(mount.type, kNetworkTypes))
         return ShellKind::NetDrive;
-    if (!IsBlockDevice(mount) || mount.root != "/")
+    if (IsPseudo(mount.type))
+        return std::nullopt;
+    bool const isDisc = IsBlockDevice(mount);
+    if (isDisc && !IsWhole(mount))
         return std::nullopt;
     if (IsOneOf(mount.type, kDiscTypes) || mount.source.starts_with("/dev/sr"))
         return ShellKind::CdRom;
-    if (IsSystemPlace(mount.mountPoint))
+    if (IsSystemPlace(mount.mountPoint) || ((!isDisc || mount.root != "/") && IsHiddenPlace(mount.mountPoint)))
         return std::nullopt;
+    if (IsOneOf(mount.type, kLocalUnions))
+        return ShellKind::Fixed;
+    if (!isDisc)
+        return ShellKind::NetDrive; // of a host, a cluster, or a server behind a program
     return IsRemovable(sysRoot, mount.device) ? ShellKind::Removable : ShellKind::Fixed;
 }
 
@@ -102,6 +127,8 @@ DString LabelOf(MountEntry const &mount, ShellKind kind) {
         std::string_view source = mount.source;
         std::string_view server;
         std::string_view share;
+        if (std::size_t const scheme = source.find("://"); scheme != std::string_view::npos)
+            source.remove_prefix(scheme + 1); // "https://server/share"
         if (source.starts_with("//")) {
             source.remove_prefix(2);
             std::size_t const slash = source.find('/');
@@ -134,18 +161,40 @@ std::optional<MountEntry> ParseMountLine(std::string_view line) {
     if (skipped != "-" || !(in >> type))
         return std::nullopt;
     DString source;
-    in >> source; // may be missing
+    DString options;
+    in >> source >> options; // may be missing
+    constexpr std::string_view kSubvolume = "subvol=";
+    DString subvolume;
+    for (DString const &option : Split(options, ','))
+        if (option.starts_with(kSubvolume))
+            subvolume = option.substr(kSubvolume.size());
     return MountEntry{.device = device,
                       .root = Unescaped(root),
                       .mountPoint = Unescaped(mountPoint),
                       .type = type,
-                      .source = Unescaped(source)};
+                      .source = Unescaped(source),
+                      .subvolume = Unescaped(subvolume)};
+}
+
+std::optional<MountEntry> FindMount(std::string_view path) {
+    std::optional<MountEntry> deepest;
+    std::ifstream table("/proc/self/mountinfo");
+    for (DString line; std::getline(table, line);) {
+        std::optional<MountEntry> entry = ParseMountLine(line);
+        bool const isAbove = entry && (entry->mountPoint == "/" || LiesBelow(path, entry->mountPoint));
+        // A later mount on the same point hides the former one.
+        if (isAbove && (!deepest || entry->mountPoint.size() >= deepest->mountPoint.size()))
+            deepest = std::move(entry);
+    }
+    return deepest;
 }
 
 bool MayBlock(MountEntry const &mount) {
-    if (IsOneOf(mount.type, kNetworkTypes))
+    if (mount.mountPoint == "/" || IsOneOf(mount.type, kFuseDiscTypes))
+        return false; // without the root nothing runs
+    if (IsOneOf(mount.type, kNetworkTypes) || mount.type == "autofs")
         return true;
-    return (mount.type.starts_with("fuse") || mount.type == "autofs") && !IsOneOf(mount.type, kFuseDiscTypes);
+    return mount.type.starts_with("fuse") || (!IsPseudo(mount.type) && !IsBlockDevice(mount));
 }
 
 std::vector<Drive> ListDrives(DString const &procRoot, DString const &sysRoot) {

@@ -213,7 +213,10 @@ bool ScriptedShellNamespace::Enumerate(ShellId const &folder, Purpose purpose, V
         if (delay.count() > 0)
             std::this_thread::sleep_for(delay);
         bool const isFile = thing.id.Kind() == ShellKind::File;
-        if (isFile && (purpose == Purpose::Network || (wanted && !wanted(thing.name))))
+        Wish const wish = isFile && wanted ? wanted(thing.name) : Wish::Yes;
+        if (wish == Wish::Stop)
+            break;
+        if (wish == Wish::No || (isFile && purpose == Purpose::Network))
             continue;
         ShellChild child;
         child.id = thing.id;

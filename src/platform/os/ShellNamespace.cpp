@@ -24,6 +24,12 @@ Holder &TheHolder() {
 
 } // namespace
 
+ShellId ShellNamespace::ParseUnseen(DString const &) const { return {}; }
+
+bool ShellNamespace::DoesServerAnswer(DString const &) const { return true; }
+
+std::unique_ptr<NetworkListener> ShellNamespace::ListenToNetwork() const { return nullptr; }
+
 ShellNamespace &ShellNamespace::Current() {
     Holder &holder = TheHolder();
     if (ShellNamespace *const current = holder.current.load(std::memory_order_acquire))

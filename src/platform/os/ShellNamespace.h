@@ -6,6 +6,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <stop_token>
 
 namespace zelvar::platform {
 
@@ -21,8 +22,11 @@ struct FileTimes {
 struct FolderIdentity {
     std::uint64_t device = 0;
     std::uint64_t inode = 0;
+    bool mayBeLink = false; ///< the source does not tell links from folders
 
-    friend bool operator==(FolderIdentity const &, FolderIdentity const &) = default;
+    friend bool operator==(FolderIdentity const &a, FolderIdentity const &b) {
+        return a.device == b.device && a.inode == b.inode;
+    }
     friend bool operator<(FolderIdentity const &a, FolderIdentity const &b) {
         return a.device != b.device ? a.device < b.device : a.inode < b.inode;
     }
@@ -38,6 +42,19 @@ struct ShellChild {
     std::int64_t modified = 0; ///< nanoseconds since 1970 UTC, 0 if unknown; plain files only
 };
 
+/// Hears of news in the network place. It belongs to the thread that made it.
+class NetworkListener {
+public:
+    virtual ~NetworkListener() = default;
+    NetworkListener(NetworkListener const &) = delete;
+    NetworkListener &operator=(NetworkListener const &) = delete;
+    /// Sleeps until something has changed there since it began to listen or was last asked; false if it was stopped.
+    virtual bool Wait(std::stop_token const &stop) = 0;
+
+protected:
+    NetworkListener() = default;
+};
+
 enum class ShellFolderOf { Desktop, Documents, CommonDocuments, Pictures };
 
 /// Shell namespace: places of the machine and the network as one tree that browsing walks.
@@ -51,8 +68,9 @@ class ZELVAR_API ShellNamespace {
 public:
     /// Yields false to stop.
     using Visitor = std::function<bool(ShellChild &&)>;
-    /// Yields false for plain files that the caller leaves out anyway: their size and time are then not read.
-    using FileTest = std::function<bool(std::string_view name)>;
+    /// What a caller makes of a plain file by its name: `No` leaves it out, and its size and time are not read.
+    enum class Wish { Yes, No, Stop };
+    using FileTest = std::function<Wish(std::string_view name)>;
     enum class Purpose {
         Browse,  ///< folders and files that are not hidden
         Network, ///< servers and shares only
@@ -64,8 +82,16 @@ public:
     [[nodiscard]] virtual ShellId Network() const = 0;
     /// The identifier of a path or `smb://` address; null if nothing is there.
     [[nodiscard]] virtual ShellId Parse(DString const &path) const = 0;
+    /// The identifier that a path or address of a folder would have, without a look at what is there; null if it is
+    /// neither.
+    [[nodiscard]] virtual ShellId ParseUnseen(DString const &path) const;
+    /// Whether the server of an address takes connections; true for all else. Takes a few seconds at most, and an
+    /// answer holds for some.
+    [[nodiscard]] virtual bool DoesServerAnswer(DString const &path) const;
+    /// Null where nobody tells of news.
+    [[nodiscard]] virtual std::unique_ptr<NetworkListener> ListenToNetwork() const;
     /// Visits the children in the source's order; false if the folder cannot be read at all. Plain files that
-    /// `wanted` refuses are not visited.
+    /// `wanted` leaves out are not visited; it can also end the whole.
     // NOLINTNEXTLINE(modernize-use-nodiscard): to most callers a folder that cannot be read is an empty one
     virtual bool Enumerate(ShellId const &folder, Purpose purpose, Visitor const &visit,
                            FileTest const &wanted = nullptr) const = 0;

@@ -5,7 +5,9 @@
 #include "zelvar/platform/os/TcpProbe.h"
 
 #include <algorithm>
+#include <chrono>
 #include <map>
+#include <memory>
 #include <mutex>
 #include <vector>
 
@@ -58,6 +60,9 @@ struct Library {
     }
 };
 
+constexpr std::chrono::seconds kAnswerHolds{2};
+constexpr std::chrono::seconds kSilenceHolds{10};
+
 /// User and password of the address stand as they are; without them the login is anonymous. Nobody is asked.
 void KeepCredentials(char const *, char const *, char *, int, char *, int, char *, int) {}
 
@@ -80,6 +85,14 @@ struct SmbClient::Impl {
     bool tried = false;
     bool loaded = false;
     std::map<DString, SMBCCTX *> contexts; ///< by authority; they live as long as the process
+
+    struct Server {
+        std::mutex mutex; ///< held while the server is asked
+        bool answers = false;
+        std::chrono::steady_clock::time_point until{};
+    };
+    std::mutex serversMutex;
+    std::map<DString, std::shared_ptr<Server>> servers; ///< by authority
 
     /// Null if there is no library or it gives no context.
     SMBCCTX *ContextFor(DString const &authority) {
@@ -127,7 +140,7 @@ struct SmbClient::Impl {
                 return false;
             DString name(entry->name);
             if (entry->smbc_type == SMBC_FILE_SHARE && !name.empty() && name.back() != '$')
-                out.push_back({.name = std::move(name), .kind = ShellKind::NetShare, .times = {}});
+                out.push_back({.name = std::move(name), .kind = ShellKind::NetShare, .times = {}, .inode = 0});
         }
         return true;
     }
@@ -139,7 +152,7 @@ struct SmbClient::Impl {
                 return false;
             if (info->name == nullptr || IsHidden(info->name, info->attrs))
                 continue;
-            SmbEntry entry{.name = info->name, .kind = ShellKind::Directory, .times = {}};
+            SmbEntry entry{.name = info->name, .kind = ShellKind::Directory, .times = {}, .inode = 0};
             if ((info->attrs & SMBC_DOS_MODE_DIRECTORY) == 0) {
                 entry.kind = ShellKind::File;
                 entry.times = {.modified = Nanoseconds(info->mtime_ts),
@@ -161,8 +174,27 @@ SmbClient &SmbClient::Instance() {
     return client;
 }
 
+bool SmbClient::DoesAnswer(DString const &authority) {
+    using Clock = std::chrono::steady_clock;
+    std::shared_ptr<Impl::Server> server;
+    {
+        std::lock_guard const lock(m_impl->serversMutex);
+        std::shared_ptr<Impl::Server> &known = m_impl->servers[authority];
+        if (known == nullptr)
+            known = std::make_shared<Impl::Server>();
+        server = known;
+    }
+    // Who comes while it is being found out waits for that answer.
+    std::lock_guard const lock(server->mutex);
+    if (Clock::now() >= server->until) {
+        server->answers = AcceptsConnections(authority, kConnectMs);
+        server->until = Clock::now() + (server->answers ? kAnswerHolds : kSilenceHolds);
+    }
+    return server->answers;
+}
+
 bool SmbClient::List(SmbAddress const &address, std::function<bool(SmbEntry &&)> const &visit) {
-    if (!AcceptsConnections(address.authority, kConnectMs))
+    if (!DoesAnswer(address.authority))
         return false;
     DString const url = ToText(address);
     std::unique_lock lock(m_impl->mutex);
@@ -189,7 +221,7 @@ bool SmbClient::List(SmbAddress const &address, std::function<bool(SmbEntry &&)>
 }
 
 std::optional<SmbEntry> SmbClient::Stat(SmbAddress const &address) {
-    if (address.parts.empty() || !AcceptsConnections(address.authority, kConnectMs))
+    if (address.parts.empty() || !DoesAnswer(address.authority))
         return std::nullopt;
     std::lock_guard const lock(m_impl->mutex);
     SMBCCTX *const context = m_impl->ContextFor(address.authority);
@@ -198,7 +230,7 @@ std::optional<SmbEntry> SmbClient::Stat(SmbAddress const &address) {
     struct stat status {};
     if (m_impl->library.stat(context)(context, ToText(address).c_str(), &status) != 0)
         return std::nullopt;
-    SmbEntry entry{.name = address.parts.back(), .kind = ShellKind::Directory, .times = {}};
+    SmbEntry entry{.name = address.parts.back(), .kind = ShellKind::Directory, .times = {}, .inode = status.st_ino};
     if (S_ISREG(status.st_mode)) {
         entry.kind = ShellKind::File;
         entry.times = {.modified = Nanoseconds(status.st_mtim),

@@ -12,7 +12,8 @@ namespace zelvar::platform {
 struct SmbEntry {
     DString name;
     ShellKind kind = ShellKind::Unknown;
-    FileTimes times; ///< only below shares
+    FileTimes times;         ///< only below shares
+    std::uint64_t inode = 0; ///< the server's number of it, where one was asked about by itself; 0 if it gives none
 };
 
 /// A file open on a server: a handle of `SmbClient`.
@@ -21,8 +22,9 @@ struct SmbFile;
 /// Talks to file servers through libsmbclient, which is loaded at the first need.
 ///
 /// The library is not made for threads, so one lock guards every call; a server that does not take a connection within
-/// `kConnectMs` is given up before the lock is asked for, so a dead one keeps nobody waiting. Connections are pooled by
-/// address, user and port. Names are resolved by the system's resolver alone: nothing is broadcast.
+/// `kConnectMs` is given up before the lock is asked for, so a dead one keeps nobody waiting, and only the first who
+/// asks waits for it. Connections are pooled by address, user and port. Names are resolved by the system's resolver
+/// alone: nothing is broadcast.
 class ZELVAR_API SmbClient {
 public:
     static constexpr int kConnectMs = 3000;
@@ -30,6 +32,8 @@ public:
 
     static SmbClient &Instance();
 
+    /// Whether the server takes connections. An answer holds for two seconds, and that there is none for ten.
+    bool DoesAnswer(DString const &authority);
     /// Visits the shares of a server, or the entries of a folder, hidden ones left out, until `visit` yields false.
     /// False if it cannot be read.
     bool List(SmbAddress const &address, std::function<bool(SmbEntry &&)> const &visit);

@@ -128,7 +128,9 @@ TEST_F(ReaderEndings, AStoppedOrLateRequestEndsSoonWhateverItsDriverDoes) {
                 EXPECT_EQ(ReaderFailureOf(file).find("longer than 0.3 s") != DString::npos, !isStopped);
                 EXPECT_EQ(ReaderFailureOf(file).empty(), isStopped) << "a stop is nobody's fault";
             });
-            EXPECT_LT(best, (kIsSanitized ? 1000 : 100) + (isStopped ? 0 : time)) << text;
+            // One that is busy has its time in pieces on a busy machine; those that sleep show what is given.
+            int const given = isStopped ? 0 : std::string_view(text) == "open spin\n" ? 5 * time : time;
+            EXPECT_LT(best, (kIsSanitized ? 1000 : 100) + given) << text;
         }
         EXPECT_TRUE(Image(Write("good", "")));
     }
@@ -162,8 +164,26 @@ TEST_F(ReaderEndings, AFileWhoseProbeWasLateIsAskedAgainByThoseWhoGiveMoreTime) 
     int const killed = CountReaders().killed;
     EXPECT_FALSE(driver->CanReadPath(file)) << "not asked";
     EXPECT_EQ(CountReaders().killed, killed);
-    RequestScope const scope(RequestKind::Probe, {}, seconds(30));
-    EXPECT_TRUE(driver->CanReadPath(file));
+    EXPECT_TRUE(
+        RefItemPtr<NtwDataSourceItem>(NtwDataSourceItem::CreateItem(file.c_str(), nullptr, nullptr))->IsFolder())
+        << "somebody has named it";
+}
+
+TEST_F(ReaderEndings, AReaderThatWaitsForAProcessorIsNotLate) {
+    std::string const file = Write("busy", "probe work 0.02\nmembers 2\n"); // of 0.05 s
+    BDIDrvr *const driver = BDIDrvrMngr::Instance()->GetDrvr("HOSTILE");
+    ASSERT_NE(driver, nullptr);
+    std::atomic<bool> isOver{false};
+    std::vector<std::thread> others(4 * std::thread::hardware_concurrency());
+    for (std::thread &other : others)
+        other = std::thread([&] {
+            while (!isOver)
+                ;
+        });
+    EXPECT_TRUE(kIsSanitized || driver->CanReadPath(file)) << ReaderFailureOf(file);
+    isOver = true;
+    for (std::thread &other : others)
+        other.join();
 }
 
 TEST_F(ReaderEndings, ARequestThatOutgrowsItsMemoryFailsAlone) {

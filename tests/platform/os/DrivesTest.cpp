@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <map>
 #include <tuple>
 
 namespace zelvar::platform {
@@ -61,16 +62,28 @@ TEST(Drives, AreToldByTheKernelsTablesAlone) {
                       "31 27 8:2 /var/lib/hosts /etc/hosts rw - ext4 /dev/sda2 rw\n"
                       "32 27 0:60 / /tmp/overlay rw - overlay overlay rw\n"
                       "33 27 0:61 / /automatic rw - autofs systemd-1 rw\n"
+                      "34 27 0:62 /@maps /maps rw - btrfs /dev/sdd1 rw,subvolid=256,subvol=/@maps\n"
+                      "35 27 0:62 /@maps/old /again rw - btrfs /dev/sdd1 rw,subvolid=256,subvol=/@maps\n"
+                      "36 27 0:63 / /no/such/host rw - virtiofs tag rw\n"
+                      "37 27 0:64 / /no/such/dav rw - fuse https://cloud/files rw\n"
+                      "38 27 0:65 / /no/such/pool rw - fuse.mergerfs /a:/b rw\n"
+                      "39 27 0:66 / /no/such/gluster rw - fuse.glusterfs server:/vol rw\n"
+                      "40 27 0:67 / /run/user/0/doc rw - fuse.portal portal rw\n"
+                      "41 27 0:68 / /tmp/.mount_app rw - fuse.app app rw\n"
                       "a broken line\n");
     kernel.AddDisc("8:17", "pci0/usb1/block/sdb/sdb1", false);
     kernel.AddDisc("8:33", "pci0/block/sdc/sdc1", false);
-    EXPECT_THAT(kernel.Rows(), ElementsAre(Row{"/", "File System", ShellKind::Fixed},
-                                           Row{"/media/me/My Stick", "My Stick", ShellKind::Removable},
-                                           Row{"/media/me/DISC", "DISC", ShellKind::CdRom},
-                                           Row{"/no/such/data", "data", ShellKind::Fixed},
-                                           Row{"/no/such/share", "images on server", ShellKind::NetDrive},
-                                           Row{"/no/such/nfs", "export/maps on server", ShellKind::NetDrive},
-                                           Row{"/no/such/ssh", "ssh", ShellKind::NetDrive}));
+    EXPECT_THAT(
+        kernel.Rows(),
+        ElementsAre(
+            Row{"/", "File System", ShellKind::Fixed}, Row{"/media/me/My Stick", "My Stick", ShellKind::Removable},
+            Row{"/media/me/DISC", "DISC", ShellKind::CdRom}, Row{"/no/such/data", "data", ShellKind::Fixed},
+            Row{"/no/such/share", "images on server", ShellKind::NetDrive},
+            Row{"/no/such/nfs", "export/maps on server", ShellKind::NetDrive},
+            Row{"/no/such/ssh", "ssh", ShellKind::NetDrive}, Row{"/maps", "maps", ShellKind::Fixed},
+            Row{"/no/such/host", "host", ShellKind::NetDrive},
+            Row{"/no/such/dav", "files on cloud", ShellKind::NetDrive}, Row{"/no/such/pool", "pool", ShellKind::Fixed},
+            Row{"/no/such/gluster", "vol on server", ShellKind::NetDrive}));
 }
 
 TEST(Drives, APartitionOfARemovableDiscIsRemovable) {
@@ -89,18 +102,14 @@ TEST(Drives, ALaterMountHidesTheOneBelowIt) {
 }
 
 TEST(Drives, WhereADiscIsMountedTellsWhetherUsersKeepDataThere) {
-    struct Case {
-        char const *mountPoint;
-        bool shown;
-    };
-    Case const cases[] = {
+    std::map<DString, bool> const places{
         {"/boot", false},    {"/boot/efi", false},    {"/bootleg", true},  {"/run/media/me/disc", true},
         {"/run/mnt", false}, {"/var/lib/x", false},   {"/various", true},  {"/home", true},
         {"/opt/x", false},   {"/snap/core/1", false}, {"/srv/maps", true}, {"/mnt/tab\\011here", true},
     };
-    for (Case const &c : cases) {
-        FakeKernel const kernel(DString("25 27 8:33 / ") + c.mountPoint + " rw - ext4 /dev/sdc1 rw\n");
-        EXPECT_EQ(kernel.Drives().size(), c.shown ? 2U : 1U) << c.mountPoint;
+    for (auto const &[mountPoint, shown] : places) {
+        FakeKernel const kernel("25 27 8:33 / " + mountPoint + " rw - ext4 /dev/sdc1 rw\n");
+        EXPECT_EQ(kernel.Drives().size(), shown ? 2U : 1U) << mountPoint;
     }
 }
 
@@ -178,21 +187,17 @@ TEST(Icons, FollowKindAndSuffixAlone) {
     EXPECT_EQ(iconOf(shell.Drives().Child("/mnt/stick", ShellKind::Removable)), "drive-removable-media");
     EXPECT_EQ(iconOf(shell.Drives().Child("/mnt/share", ShellKind::NetDrive)), "folder-remote");
     EXPECT_EQ(iconOf(shell.Network().Child("host", ShellKind::NetServer)), "network-server");
-    EXPECT_EQ(iconOf(folder.Child("A.TIF", ShellKind::File)), "image-x-generic");
-    EXPECT_EQ(iconOf(folder.Child("a.txt", ShellKind::File)), "text-x-generic");
-    EXPECT_EQ(iconOf(folder.Child("a.zip", ShellKind::File)), "package-x-generic");
-    EXPECT_EQ(iconOf(folder.Child("tif", ShellKind::File)), "application-octet-stream");
-    EXPECT_EQ(iconOf(folder.Child("a.ti", ShellKind::File)), "application-octet-stream");
     EXPECT_TRUE(shell.Icon(folder, true).linkOverlay);
 }
 
 TEST(Icons, OnlyTheWholeLastSuffixCounts) {
     LinuxShellNamespace const shell;
-    struct Case {
-        char const *name;
-        char const *icon;
-    };
-    Case const cases[] = {
+    std::map<DString, DString> const icons{
+        {"A.TIF", "image-x-generic"},
+        {"a.txt", "text-x-generic"},
+        {"a.zip", "package-x-generic"},
+        {"tif", "application-octet-stream"},
+        {"a.ti", "application-octet-stream"},
         {"a.tif.zip", "package-x-generic"},
         {"scan.tif tiff", "application-octet-stream"}, // two suffixes that stand side by side in our table
         {"a. tif", "application-octet-stream"},
@@ -204,10 +209,10 @@ TEST(Icons, OnlyTheWholeLastSuffixCounts) {
         {"a.appimages", "application-octet-stream"},
         {"\xFF.\xFF", "application-octet-stream"},
     };
-    for (Case const &c : cases)
-        EXPECT_EQ(shell.Icon(shell.Drives().Child("/", ShellKind::Fixed).Child(c.name, ShellKind::File), false).name,
-                  c.icon)
-            << c.name;
+    for (auto const &[name, icon] : icons)
+        EXPECT_EQ(shell.Icon(shell.Drives().Child("/", ShellKind::Fixed).Child(name, ShellKind::File), false).name,
+                  icon)
+            << name;
     EXPECT_EQ(shell.Icon(shell.Drives(), false).name, "computer");
     EXPECT_EQ(shell.Icon(shell.Network(), false).name, "network-workgroup");
 }

@@ -116,8 +116,13 @@ TEST(LocalFolder, RefusedFilesAreNotVisitedAndFoldersAlwaysAre) {
     temp.Write("b.txt");
     temp.Folder("c.txt");
     std::filesystem::create_symlink("b.txt", temp / "link.txt");
-    EXPECT_THAT(Listed(temp.Path(), [](std::string_view name) { return name.ends_with(".tif"); }).value(),
+    using Wish = ShellNamespace::Wish;
+    auto const onlyTif = [](std::string_view name) { return name.ends_with(".tif") ? Wish::Yes : Wish::No; };
+    EXPECT_THAT(Listed(temp.Path(), onlyTif).value(),
                 ElementsAre(Pair("a.tif", ShellKind::File), Pair("c.txt", ShellKind::Directory)));
+    int asked = 0;
+    std::ignore = Listed(temp.Path(), [&](std::string_view) { return ++asked == 2 ? Wish::Stop : Wish::No; });
+    EXPECT_EQ(asked, 2) << "who refuses every file can end it too";
 }
 
 TEST(LocalFolder, AFolderThatIsGoneOrIsNoneCannotBeRead) {

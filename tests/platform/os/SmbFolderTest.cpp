@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <filesystem>
 #include <map>
 
 #include <arpa/inet.h>
@@ -94,6 +95,7 @@ TEST(SmbFolder, SharesAndFilesOfARealServerAreListed) {
     samba.Folder().Write("share/folder/a b%\xC3\xA9.tif", "123");
     samba.Folder().Write("share/folder/.hidden", "1");
     samba.Folder().Folder("share/folder/inner");
+    std::filesystem::create_symlink("../../folder", samba.Folder() / "share/folder/inner/loop");
     ASSERT_TRUE(samba.IsReady());
 
     LinuxShellNamespace const shell;
@@ -105,6 +107,11 @@ TEST(SmbFolder, SharesAndFilesOfARealServerAreListed) {
     ShellId const file = shell.Parse("smb://127.0.0.1/pub/folder/a%20b%25\xC3\xA9.tif");
     EXPECT_EQ(file.Kind(), ShellKind::File);
     EXPECT_EQ(shell.Path(file), "smb://127.0.0.1/pub/folder/a%20b%25\xC3\xA9.tif");
+    auto const identity = shell.IdentityOf(shell.Parse("smb://127.0.0.1/pub/folder"));
+    ASSERT_TRUE(identity.has_value());
+    EXPECT_TRUE(identity->mayBeLink);
+    EXPECT_EQ(shell.IdentityOf(shell.Parse("smb://127.0.0.1/pub/folder/inner/loop")), identity);
+    EXPECT_NE(shell.IdentityOf(shell.Parse("smb://127.0.0.1/pub/folder/inner")), identity);
     EXPECT_EQ(shell.Times(file)->size, 3);
     EXPECT_GT(shell.Times(file)->modified, 0);
     EXPECT_TRUE(shell.Parse("smb://127.0.0.1/pub/nothing").IsNull());

@@ -1,0 +1,78 @@
+#include "zelvar/opends/ExtrasFinder.h"
+
+#include <utility>
+
+namespace zelvar {
+
+void ExtrasFinder::SetOwner(platform::MessageTarget target, platform::MessageId message) {
+    m_target = std::move(target);
+    m_message = message;
+}
+
+void ExtrasFinder::Ask(DataSourceExtras const &extras, ItemList items) {
+    {
+        std::lock_guard const lock(m_mutex);
+        m_pending = {extras, std::move(items)};
+        m_answer.reset();
+        m_stop = true;
+        if (m_running)
+            return; // the thread at work takes it
+        m_running = true;
+        m_self = shared_from_this();
+    }
+    Finish(); // the former body has ended; its thread is about to
+    if (!Start()) {
+        std::lock_guard const lock(m_mutex);
+        m_running = false;
+        m_self.reset();
+    }
+}
+
+void ExtrasFinder::Release() {
+    {
+        std::lock_guard const lock(m_mutex);
+        m_pending.reset();
+        m_stop = true;
+    }
+    Abandon(); // the thread holds this object until it has ended
+}
+
+bool ExtrasFinder::IsBusy(std::chrono::milliseconds wait) const {
+    std::unique_lock lock(m_mutex);
+    return !m_idle.wait_for(lock, wait, [this] { return !m_running; });
+}
+
+std::optional<ExtrasFinder::Answer> ExtrasFinder::TakeAnswer() {
+    std::lock_guard const lock(m_mutex);
+    return std::exchange(m_answer, std::nullopt);
+}
+
+bool ExtrasFinder::TakeQuestion(Question &question) {
+    std::lock_guard const lock(m_mutex);
+    if (!m_pending) {
+        m_running = false;
+        m_self.reset(); // the body still holds it
+        m_idle.notify_all();
+        return false;
+    }
+    question = *std::exchange(m_pending, std::nullopt);
+    m_stop = false;
+    return true;
+}
+
+void ExtrasFinder::Run() {
+    // The last owner may be this thread.
+    std::shared_ptr<ExtrasFinder> const self = shared_from_this();
+    for (Question question; TakeQuestion(question);) {
+        Answer answer{question.extras.FindFirstOptions(question.items, m_stop)};
+        {
+            std::lock_guard const lock(m_mutex);
+            if (m_stop || m_pending)
+                continue;
+            m_answer = std::move(answer);
+        }
+        m_target.Post(m_message);
+    }
+}
+
+} // namespace zelvar

@@ -1,0 +1,65 @@
+#pragma once
+
+#include "zelvar/base/DThread.h"
+#include "zelvar/data/StopSignal.h"
+#include "zelvar/model/DataSourceExtras.h"
+#include "zelvar/platform/ui/MessageTarget.h"
+
+#include <list>
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace zelvar {
+
+/// Finds out, on a thread of its own, which import options belong to a selection: those of its first item that has any.
+/// However much is selected, the windows do not wait for it.
+///
+/// `Run` belongs to the worker's thread, all else to the user-interface thread. It lives as long as its thread: a
+/// window that closes lets go of it and does not wait.
+class ExtrasFinder final : public DThread, public std::enable_shared_from_this<ExtrasFinder> {
+public:
+    using ItemList = std::list<RefItemPtr<DataSourceItem>>;
+
+    static std::shared_ptr<ExtrasFinder> Create() { return std::shared_ptr<ExtrasFinder>(new ExtrasFinder); }
+    ~ExtrasFinder() override = default;
+    ExtrasFinder(ExtrasFinder const &) = delete;
+    ExtrasFinder &operator=(ExtrasFinder const &) = delete;
+
+    /// Once, before the first question. `target` gets `message` when there is an answer to take.
+    void SetOwner(platform::MessageTarget target, platform::MessageId message);
+    /// Asks about a selection in place of the one before. `extras` are copied.
+    void Ask(DataSourceExtras const &extras, ItemList items);
+    /// The window goes: what is under way is stopped and its answer is dropped. Does not wait.
+    void Release();
+
+    /// Whether an answer is under way. With `wait`, returns as soon as none is, or when that time is over.
+    [[nodiscard]] bool IsBusy(std::chrono::milliseconds wait = {}) const;
+    /// Moves the answer to the last question out; nothing if there is none since the last call.
+    struct Answer {
+        boost::shared_ptr<DataSourceExtras::Item> options; ///< null: no item has any
+    };
+    [[nodiscard]] std::optional<Answer> TakeAnswer();
+
+    void Run() override;
+
+private:
+    ExtrasFinder() = default;
+    struct Question {
+        DataSourceExtras extras;
+        ItemList items;
+    };
+    bool TakeQuestion(Question &question);
+
+    mutable std::mutex m_mutex; ///< guards all below but the signal
+    mutable std::condition_variable m_idle;
+    bool m_running = false;
+    std::shared_ptr<ExtrasFinder> m_self; ///< while the thread is at work
+    std::optional<Question> m_pending;
+    std::optional<Answer> m_answer;
+    StopSignal m_stop{false};
+    platform::MessageTarget m_target;
+    platform::MessageId m_message = 0;
+};
+
+} // namespace zelvar
