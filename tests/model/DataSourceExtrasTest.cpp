@@ -79,10 +79,10 @@ TEST_F(DataSourceExtrasTest, TheFirstEntryWhoseDriverOwnsTheFileApplies) {
 
 TEST_F(DataSourceExtrasTest, WithoutFilesNothingApplies) {
     DataSourceExtras extras;
-    setenv("ZELVAR_TEMPLATES_DIR", "", 1);
-    EXPECT_TRUE(extras.Load());
-    setenv("ZELVAR_TEMPLATES_DIR", (m_folder / "missing").c_str(), 1);
-    EXPECT_TRUE(extras.Load());
+    for (DString const &folder : {DString(), m_folder / "missing"}) {
+        setenv("ZELVAR_TEMPLATES_DIR", folder.c_str(), 1);
+        EXPECT_TRUE(extras.Load());
+    }
     EXPECT_EQ(extras.GetDSOptions(File("x.tif")), nullptr);
 }
 

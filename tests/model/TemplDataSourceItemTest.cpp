@@ -13,6 +13,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <tuple>
 
 namespace zelvar {
 namespace {
@@ -141,12 +142,7 @@ TEST_F(TemplDataSourceItemTest, ADefinitionWithoutAUrlIsNoItem) {
 }
 
 TEST_F(TemplDataSourceItemTest, ANodesBitsTellFolderAndFile) {
-    struct Case {
-        unsigned type;
-        bool isFolder;
-        bool isFileWithAnyMask;
-        bool isRaster;
-    };
+    using Case = std::tuple<unsigned, bool, bool, bool>; // type; folder, file with any mask, raster
     Case const cases[] = {{BDINode_Container, true, false, false},
                           {BDINode_Folder, true, true, false},
                           {BDINode_Raster, false, true, true},
@@ -154,17 +150,17 @@ TEST_F(TemplDataSourceItemTest, ANodesBitsTellFolderAndFile) {
                           {BDINode_Container | BDINode_Raster, true, true, true},
                           {0, false, false, false}};
     test::FakeBDIDrvr &driver = m_drivers.Add("fake", "");
-    for (Case const &c : cases)
-        driver.Add("root", "node " + std::to_string(c.type), c.type, "n");
+    for (auto const &[type, isFolder, isFileWithAnyMask, isRaster] : cases)
+        driver.Add("root", "node " + std::to_string(type), type, "n");
     RefItemPtr<TemplDataSourceItem> const root(TemplDataSourceItem::CreateItem(&driver, "x", nullptr));
-    for (Case const &c : cases) {
-        SCOPED_TRACE(c.type);
+    for (auto const &[type, isFolder, isFileWithAnyMask, isRaster] : cases) {
+        SCOPED_TRACE(type);
         RefItemPtr<TemplDataSourceItem> const item(
-            TemplDataSourceItem::CreateNodeItem(root, ("node " + std::to_string(c.type)).c_str()));
+            TemplDataSourceItem::CreateNodeItem(root, ("node " + std::to_string(type)).c_str()));
         ASSERT_NE(item, nullptr);
-        EXPECT_EQ(item->IsFolder(), c.isFolder);
-        EXPECT_EQ(item->IsFile(0), c.isFileWithAnyMask);
-        EXPECT_EQ(item->IsFile(BDINode_Raster), c.isRaster);
+        EXPECT_EQ(item->IsFolder(), isFolder);
+        EXPECT_EQ(item->IsFile(0), isFileWithAnyMask);
+        EXPECT_EQ(item->IsFile(BDINode_Raster), isRaster);
     }
     EXPECT_EQ(TemplDataSourceItem::CreateNodeItem(root, "no such node"), nullptr);
 }

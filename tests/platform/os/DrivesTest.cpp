@@ -87,13 +87,12 @@ TEST(Drives, AreToldByTheKernelsTablesAlone) {
 }
 
 TEST(Drives, APartitionOfARemovableDiscIsRemovable) {
-    FakeKernel kernel("25 27 179:1 / /mnt/card rw - ext4 /dev/mmcblk0p1 rw\n");
-    kernel.AddDisc("179:1", "mmc/block/mmcblk0/mmcblk0p1", false);
-    EXPECT_EQ(kernel.Drives().at(1).kind, ShellKind::Fixed);
-    FakeKernel removable("25 27 179:1 / /mnt/card rw - ext4 /dev/mmcblk0p1 rw\n");
-    removable.AddDisc("179:1", "mmc/block/mmcblk0/mmcblk0p1", false);
-    removable.AddDisc("179:0", "mmc/block/mmcblk0", true);
-    EXPECT_EQ(removable.Drives().at(1).kind, ShellKind::Removable);
+    for (bool const removable : {false, true}) {
+        FakeKernel kernel("25 27 179:1 / /mnt/card rw - ext4 /dev/mmcblk0p1 rw\n");
+        kernel.AddDisc("179:1", "mmc/block/mmcblk0/mmcblk0p1", false);
+        kernel.AddDisc("179:0", "mmc/block/mmcblk0", removable);
+        EXPECT_EQ(kernel.Drives().at(1).kind, removable ? ShellKind::Removable : ShellKind::Fixed);
+    }
 }
 
 TEST(Drives, ALaterMountHidesTheOneBelowIt) {
@@ -114,12 +113,7 @@ TEST(Drives, WhereADiscIsMountedTellsWhetherUsersKeepDataThere) {
 }
 
 TEST(Drives, ANetworkDriveIsCalledByItsShareWhereTheSourceNamesOne) {
-    struct Case {
-        char const *type;
-        char const *source;
-        char const *label;
-    };
-    Case const cases[] = {
+    std::tuple<DString, DString, DString> const cases[] = {
         {"cifs", "//server/share/deep", "share/deep on server"},
         {"cifs", "//server", "point"},
         {"cifs", "//server/", "point"},
@@ -128,10 +122,10 @@ TEST(Drives, ANetworkDriveIsCalledByItsShareWhereTheSourceNamesOne) {
         {"fuse.rclone", "remote:bucket", "point"},
         {"9p", "", "point"},
     };
-    for (Case const &c : cases) {
-        FakeKernel const kernel(DString("25 27 0:50 / /mnt/point rw - ") + c.type + " " + c.source + "\n");
-        ASSERT_EQ(kernel.Drives().size(), 2U) << c.source;
-        EXPECT_EQ(kernel.Drives()[1].label, c.label) << c.source;
+    for (auto const &[type, source, label] : cases) {
+        FakeKernel const kernel("25 27 0:50 / /mnt/point rw - " + type + " " + source + "\n");
+        ASSERT_EQ(kernel.Drives().size(), 2U) << source;
+        EXPECT_EQ(kernel.Drives()[1].label, label) << source;
         EXPECT_EQ(kernel.Drives()[1].kind, ShellKind::NetDrive);
     }
 }

@@ -229,11 +229,7 @@ TEST(LocalFolder, PathsLeadToWhatIsThereAndNoFurther) {
     temp.Write("file.tif", "1");
     temp.Folder("a b\n\xFF");
     LinuxShellNamespace const shell;
-    struct Case {
-        DString path;
-        std::optional<ShellKind> kind;
-    };
-    Case const cases[] = {
+    std::map<DString, std::optional<ShellKind>> const places{
         {temp / "file.tif", ShellKind::File},
         {temp / "./file.tif/", ShellKind::File},
         {temp / "file.tif/inside", {}},
@@ -244,13 +240,13 @@ TEST(LocalFolder, PathsLeadToWhatIsThereAndNoFurther) {
         {"/", ShellKind::Fixed},
         {"/..", ShellKind::Fixed},
     };
-    for (Case const &c : cases) {
-        SCOPED_TRACE(c.path);
-        ShellId const id = shell.Parse(c.path);
-        EXPECT_EQ(id.IsNull(), !c.kind.has_value());
-        if (c.kind) {
-            EXPECT_EQ(id.Kind(), *c.kind);
-            EXPECT_EQ(shell.KindOf(id), c.kind);
+    for (auto const &[path, kind] : places) {
+        SCOPED_TRACE(path);
+        ShellId const id = shell.Parse(path);
+        EXPECT_EQ(id.IsNull(), !kind.has_value());
+        if (kind) {
+            EXPECT_EQ(id.Kind(), kind);
+            EXPECT_EQ(shell.KindOf(id), kind);
             EXPECT_TRUE(shell.Parse(shell.Path(id)) == id);
         }
     }

@@ -1,4 +1,5 @@
 #include "support/LoopbackSamba.h"
+#include "zelvar/platform/os/DesktopNetwork.h"
 #include "zelvar/platform/os/LinuxShellNamespace.h"
 #include "zelvar/platform/os/SmbAddress.h"
 #include "zelvar/platform/os/TcpProbe.h"
@@ -9,6 +10,7 @@
 #include <chrono>
 #include <filesystem>
 #include <map>
+#include <thread>
 
 #include <arpa/inet.h>
 #include <sys/socket.h>
@@ -34,8 +36,8 @@ TEST(SmbAddress, RefusesTheWholeNetworkAndWhatLeavesAShare) {
         EXPECT_FALSE(ParseSmbAddress(text).has_value()) << text;
 }
 
-/// A port of the loopback interface on which nobody listens.
-DString RefusingAuthority() {
+/// A socket with a port of the loopback interface, on which nobody listens yet.
+std::pair<int, DString> BoundSocket() {
     int const socket = ::socket(AF_INET, SOCK_STREAM, 0);
     sockaddr_in address{};
     address.sin_family = AF_INET;
@@ -43,8 +45,13 @@ DString RefusingAuthority() {
     socklen_t size = sizeof address;
     EXPECT_EQ(bind(socket, reinterpret_cast<sockaddr *>(&address), size), 0);
     EXPECT_EQ(getsockname(socket, reinterpret_cast<sockaddr *>(&address), &size), 0);
+    return {socket, std::to_string(ntohs(address.sin_port))};
+}
+
+DString RefusingAuthority() {
+    auto const [socket, port] = BoundSocket();
     close(socket);
-    return "127.0.0.1:" + std::to_string(ntohs(address.sin_port));
+    return "127.0.0.1:" + port;
 }
 
 TEST(SmbFolder, AServerThatIsNotThereIsToldAtOnce) {
@@ -60,15 +67,8 @@ TEST(SmbFolder, AServerThatIsNotThereIsToldAtOnce) {
 }
 
 TEST(TcpProbe, FindsAListenerHoweverItsPlaceIsWritten) {
-    int const listener = ::socket(AF_INET, SOCK_STREAM, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t size = sizeof address;
-    ASSERT_EQ(bind(listener, reinterpret_cast<sockaddr *>(&address), size), 0);
+    auto const [listener, port] = BoundSocket();
     ASSERT_EQ(listen(listener, 4), 0);
-    ASSERT_EQ(getsockname(listener, reinterpret_cast<sockaddr *>(&address), &size), 0);
-    DString const port = std::to_string(ntohs(address.sin_port));
     constexpr int kPatience = 2000; // ms
     for (DString const &authority :
          {"127.0.0.1:" + port, "me@127.0.0.1:" + port, "me:p@ss:word@127.0.0.1:" + port, "[::ffff:127.0.0.1]:" + port})
@@ -77,6 +77,20 @@ TEST(TcpProbe, FindsAListenerHoweverItsPlaceIsWritten) {
         EXPECT_FALSE(AcceptsConnections(authority, kPatience)) << authority;
     close(listener);
     EXPECT_FALSE(AcceptsConnections("127.0.0.1:" + port, kPatience));
+}
+
+TEST(DesktopNetwork, ToldNewsWakeAListenerAndSoDoesAStop) {
+    setenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/no/such/bus", 1); // a folder of the machine needs none
+    test::TempFolder const place;
+    auto const listener = ListenToDesktopNetwork(("file://" + place.Path()).c_str());
+    unsetenv("DBUS_SESSION_BUS_ADDRESS");
+    ASSERT_NE(listener, nullptr);
+    place.Write("server");
+    std::stop_source stop;
+    EXPECT_TRUE(listener->Wait(stop.get_token()));
+    std::jthread const stopper([&] { stop.request_stop(); });
+    while (listener->Wait(stop.get_token())) // the file may be told of more than once
+        ;
 }
 
 std::map<DString, std::int64_t> SizesIn(LinuxShellNamespace const &shell, DString const &address) {

@@ -48,11 +48,7 @@ TEST(SpecialFolders, WithoutAFileTheCustomaryNamesServe) {
 }
 
 TEST(SpecialFolders, ALineIsReadAsAShellWould) {
-    struct Case {
-        char const *text;
-        char const *folder;
-    };
-    Case const cases[] = {
+    std::pair<char const *, char const *> const cases[] = {
         {"XDG_DOCUMENTS_DIR=\"$HOME\"", "/home/me"},
         {"XDG_DOCUMENTS_DIR=\"$HOME/\"", "/home/me"},
         {"\t XDG_DOCUMENTS_DIR=\"/data//\" \r\n", "/data"},
@@ -60,8 +56,8 @@ TEST(SpecialFolders, ALineIsReadAsAShellWould) {
         {"XDG_DOCUMENTS_DIR=\"/a\"\nXDG_DOCUMENTS_DIR=\"/b\"\nXDG_DOCUMENTS_DIR=broken", "/b"},
         {"XDG_DOCUMENTS_DIR=\"/a\\$b\\\\c\"", "/a$b\\c"},
     };
-    for (Case const &c : cases)
-        EXPECT_EQ(FindUserDirectory(c.text, "XDG_DOCUMENTS_DIR", "/home/me"), c.folder) << c.text;
+    for (auto const &[text, folder] : cases)
+        EXPECT_EQ(FindUserDirectory(text, "XDG_DOCUMENTS_DIR", "/home/me"), folder) << text;
 }
 
 TEST(SpecialFolders, ADamagedLineIsPassedOver) {
