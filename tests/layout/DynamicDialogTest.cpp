@@ -21,16 +21,9 @@ namespace {
 using platform::ControlKind;
 
 constexpr platform::DialogItem kItems[] = {
-    {.id = 1,
-     .kind = ControlKind::DefaultButton,
-     .text = "OK",
-     .x = 10,
-     .y = 60,
-     .w = 50,
-     .h = 14,
-     .move = {100, 100, 100, 100}},
-    {.id = 2, .kind = ControlKind::Button, .text = "Cancel", .x = 70, .y = 60, .w = 50, .h = 14},
-    {.id = 3, .kind = ControlKind::List, .text = "", .x = 10, .y = 10, .w = 110, .h = 40, .move = {0, 0, 100, 100}},
+    {1, ControlKind::DefaultButton, "OK", 10, 60, 50, 14, {100, 100, 100, 100}},
+    {2, ControlKind::Button, "Cancel", 70, 60, 50, 14},
+    {3, ControlKind::List, "", 10, 10, 110, 40, {0, 0, 100, 100}},
 };
 constexpr platform::DialogTemplate kTemplate{
     .id = 6104, .caption = "Test", .width = 130, .height = 80, .items = kItems};
@@ -39,13 +32,14 @@ constexpr char const *kSection = "WindowPositions\\ID=0x000017d8";
 std::vector<DString> StoredSections() { return SettingsStore::Instance().Children("Profile\\Zelvar\\WindowPositions"); }
 
 void Store(Rect const &rect, int visibility = 0, int state = -1, int valid = 1) {
-    Profile::WriteInt(kSection, "Left", rect.left);
-    Profile::WriteInt(kSection, "Top", rect.top);
-    Profile::WriteInt(kSection, "Right", rect.right);
-    Profile::WriteInt(kSection, "Bottom", rect.bottom);
-    Profile::WriteInt(kSection, "Visibility", visibility);
-    Profile::WriteInt(kSection, "State", state);
-    Profile::WriteInt(kSection, "(valid)", valid);
+    for (auto const &[name, value] : {std::pair("Left", rect.left),
+                                      {"Top", rect.top},
+                                      {"Right", rect.right},
+                                      {"Bottom", rect.bottom},
+                                      {"Visibility", visibility},
+                                      {"State", state},
+                                      {"(valid)", valid}})
+        Profile::WriteInt(kSection, name, value);
 }
 
 class DynamicDialogTest : public testing::Test {
