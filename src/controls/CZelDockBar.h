@@ -46,7 +46,8 @@ public:
 
     /// The bars of a main window, docked and floating ones, in no order.
     [[nodiscard]] static QList<CZelDockBar *> BarsOf(QMainWindow const &window);
-    /// The arrangement of bars and tool bars: an element "DOCKBAR_DATA". Nested rows of a side become one row.
+    /// The arrangement of bars and tool bars: an element "DOCKBAR_DATA". Bars that stand beside others of
+    /// their side keep their places.
     [[nodiscard]] static std::unique_ptr<XMLNode> SaveState(QMainWindow const &window);
     /// Arranges the window's bars as told by an element "DOCKBAR_DATA": false, and nothing changes, for any other.
     /// Bars that the element does not name stay as they are, names of no bar are passed over, and so is everything

@@ -35,7 +35,7 @@ bool ComesBefore(QTreeWidgetItem const *a, QTreeWidgetItem const *b) {
     return QString::localeAwareCompare(a->text(kNameColumn), b->text(kNameColumn)) < 0;
 }
 
-/// Whether the property or one below it is shown.
+/// Whether the property or one below it is shown. What holds one that is looked for is opened.
 bool Filter(CZelProp &prop, QString const &text, bool groupFits) {
     bool const fits = groupFits || prop.text(kNameColumn).contains(text, Qt::CaseInsensitive) ||
                       prop.text(kValueColumn).contains(text, Qt::CaseInsensitive);
@@ -43,6 +43,8 @@ bool Filter(CZelProp &prop, QString const &text, bool groupFits) {
     for (int i = 0; i < prop.GetSubItemsCount(); ++i)
         shown = Filter(*prop.GetSubItem(i), text, fits) || shown;
     prop.setHidden(!shown);
+    if (!text.isEmpty() && shown)
+        prop.setExpanded(true);
     return shown;
 }
 
@@ -71,7 +73,8 @@ CZelPropList::CZelPropList(QWidget *parent)
     m_tree->setColumnCount(2);
     m_tree->setItemDelegate(new PropDelegate(*this));
     m_tree->setUniformRowHeights(true);
-    m_tree->setEditTriggers(QAbstractItemView::DoubleClicked);
+    m_tree->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::SelectedClicked |
+                            QAbstractItemView::AnyKeyPressed);
     m_tree->setHeaderHidden(true);
     m_tree->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff); // a long value has its tip
     m_tree->header()->setMinimumSectionSize(m_tree->fontMetrics().averageCharWidth() * 2);
@@ -254,11 +257,12 @@ void CZelPropList::SetAlphabeticMode(bool on) {
 void CZelPropList::ShowFlat() {
     QList<QTreeWidgetItem *> values;
     auto const collect = [&](CZelProp &prop) {
-        prop.m_isOpen = prop.isExpanded();
         if (!prop.IsGroup() && (prop.m_owner == nullptr || prop.m_owner->IsGroup()))
             values.append(&prop);
     };
     for (CZelProp *const prop : m_properties) {
+        if (m_filter.isEmpty()) // a search has opened others
+            KeepOpen(*prop);
         collect(*prop);
         ForEachBelow(*prop, collect);
     }
@@ -291,9 +295,22 @@ void CZelPropList::ShowGroups() {
 }
 
 void CZelPropList::SetFilter(DString const &text) {
-    m_filter = platform::ToQString(text).trimmed();
-    for (CZelProp *const prop : m_properties)
+    QString const former = std::exchange(m_filter, platform::ToQString(text).trimmed());
+    for (CZelProp *const prop : m_properties) {
+        if (former.isEmpty() && !m_alphabetic)
+            KeepOpen(*prop);
         Filter(*prop, m_filter, false);
+        if (!former.isEmpty() && m_filter.isEmpty()) { // as the user had them
+            Dress(*prop);
+            ForEachBelow(*prop, [this](CZelProp &below) { Dress(below); });
+        }
+    }
+}
+
+/// Remembers which of a property and those below it are open.
+void CZelPropList::KeepOpen(CZelProp &prop) {
+    prop.m_isOpen = prop.isExpanded();
+    ForEachBelow(prop, [](CZelProp &below) { below.m_isOpen = below.isExpanded(); });
 }
 
 /// What depends on the tree that a property stands in.

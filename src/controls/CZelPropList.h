@@ -14,10 +14,10 @@ namespace zelvar {
 /// Property list: groups of named values in two columns, with a heading, a search box and an area that describes the
 /// current property.
 ///
-/// To a `QTreeWidget`, which it holds, it adds editing in place by the rules of the values: F2, Enter or a double click
-/// begins, Enter commits (Ctrl+Enter a text of several lines), Escape gives up, Tab goes on to the next value that can
-/// be changed, F4 opens what a value's button opens, Space turns a boolean one over. An entry that the rule does not
-/// take stays in the editor, which says what is wanted.
+/// To a `QTreeWidget`, which it holds, it adds editing in place by the rules of the values: F2, Enter, a double click,
+/// a click on the current value or typing begins, Enter commits (Ctrl+Enter a text of several lines), Escape gives up,
+/// Tab goes on to the next value that can be changed, F4 opens what a value's button opens, Space turns a boolean one
+/// over. An entry that the rule does not take stays in the editor, which says what is wanted.
 class ZELVAR_API CZelPropList : public QWidget {
     Q_OBJECT
 
@@ -33,7 +33,8 @@ public:
     /// All values in one list by their names, without their groups.
     void SetAlphabeticMode(bool on);
     [[nodiscard]] bool IsAlphabeticMode() const { return m_alphabetic; }
-    /// Shows only the properties with `text` in name or value, in any letter case, and the groups that hold them.
+    /// Shows only the properties with `text` in name or value, in any letter case, and the groups that hold them, which
+    /// are open as long as that goes on.
     void SetFilter(DString const &text);
 
     /// The list owns it from now on; a group comes opened.
@@ -81,6 +82,7 @@ private:
     void ShowFlat();
     void ShowGroups();
     void Dress(CZelProp &prop) const;
+    static void KeepOpen(CZelProp &prop);
     void FitNames();
 
     QTreeWidget *m_tree;                  ///< a child

@@ -3,13 +3,17 @@
 #include "zelvar/base/XMLNode.h"
 #include "zelvar/controls/CZelImageList.h"
 #include "zelvar/controls/CZelToolbarComboBoxButton.h"
+#include "zelvar/controls/ToolBarDialog.h"
 #include "zelvar/platform/ui/ControlId.h"
+#include "zelvar/platform/ui/ModalLoop.h"
 #include "zelvar/platform/ui/Pictures.h"
 #include "zelvar/platform/ui/Text.h"
 
 #include <QtGui/QActionEvent>
 #include <QtGui/QKeyEvent>
 #include <QtWidgets/QComboBox>
+#include <QtWidgets/QMainWindow>
+#include <QtWidgets/QMenu>
 #include <QtWidgets/QToolButton>
 
 #include <algorithm>
@@ -57,6 +61,8 @@ CZelToolBar::CZelToolBar(DString const &title, int id, QWidget *parent) : QToolB
         UpdateReach();
     });
 }
+
+CZelToolBar::~CZelToolBar() = default;
 
 QAction *CZelToolBar::InsertButton(int id, int image, DString const &text, DString const &tip, int index) {
     if (GetButton(id) != nullptr)
@@ -217,7 +223,47 @@ void CZelToolBar::SaveButtons(XMLNode &bar) const {
     }
 }
 
+/// What "Reset" brings back.
+void CZelToolBar::KeepDesign() {
+    if (m_design)
+        return;
+    m_design = std::make_unique<XMLNode>("TOOLBAR");
+    SaveButtons(*m_design);
+}
+
+bool CZelToolBar::Customize() {
+    KeepDesign();
+    QPointer<CZelToolBar> const alive(this);
+    ToolBarDialog dialog(*this, *m_design, window());
+    if (platform::RunModal(dialog) != QDialog::Accepted || alive.isNull())
+        return false;
+    XMLNode chosen("TOOLBAR");
+    dialog.SaveButtons(chosen);
+    LoadButtons(chosen);
+    EnableLargeIcons(dialog.WantsLargeIcons());
+    return true;
+}
+
+void CZelToolBar::contextMenuEvent(QContextMenuEvent *event) {
+    if (!m_customizable)
+        return QToolBar::contextMenuEvent(event);
+    // With what the window around offers for all its bars.
+    auto *const frame = qobject_cast<QMainWindow *>(parentWidget());
+    std::unique_ptr<QMenu> menu(frame == nullptr ? nullptr : frame->createPopupMenu());
+    if (!menu)
+        menu = std::make_unique<QMenu>();
+    else
+        menu->setParent(nullptr, menu->windowFlags());
+    if (!menu->isEmpty())
+        menu->addSeparator();
+    QAction const *const customize = menu->addAction(tr("&Customize..."));
+    QPointer<CZelToolBar> const alive(this);
+    if (platform::RunMenu(*menu, event->globalPos()) == customize && !alive.isNull())
+        Customize();
+}
+
 void CZelToolBar::LoadButtons(XMLNode const &bar) {
+    KeepDesign();
     QList<QAction *> left = actions();
     QList<QAction *> order;
     auto const take = [&](auto const &fits) -> QAction * {

@@ -5,6 +5,8 @@
 #include <QtCore/QPointer>
 #include <QtWidgets/QToolBar>
 
+#include <memory>
+
 namespace zelvar {
 
 class CZelImageList;
@@ -15,7 +17,8 @@ class XMLNode;
 ///
 /// To a `QToolBar` it adds pictures from an image list, check and radio buttons, tool tips with shortcuts, two sizes of
 /// pictures, combo boxes as elements, an arrangement that is saved and loaded, and the keyboard: Tab comes to the bar
-/// and leaves it, the arrows of its direction, Home and End walk inside, Space presses.
+/// and leaves it, the arrows of its direction, Home and End walk inside, Space presses. Its context menu lets the user
+/// customize it.
 class ZELVAR_API CZelToolBar : public QToolBar {
     Q_OBJECT
 
@@ -31,6 +34,7 @@ public:
 
     /// `title` names it in menus and in saved states; `id` may be 0.
     explicit CZelToolBar(DString const &title, int id = 0, QWidget *parent = nullptr);
+    ~CZelToolBar() override;
 
     /// Where buttons that are added from now on get their pictures; not owned, null for none.
     void SetImages(CZelImageList const *images) { m_images = images; }
@@ -65,6 +69,11 @@ public:
     void EnableLargeIcons(bool large);
     void SetTextPlace(TextPlace place);
 
+    /// Whether the bar's context menu offers its user to customize it, as it does unless told otherwise.
+    void EnableCustomization(bool enable) { m_customizable = enable; }
+    /// Runs the dialog in which the user shows, hides and orders the buttons. False if it was cancelled.
+    bool Customize();
+
     /// Order and visibility of the elements, as children of `bar`.
     void SaveButtons(XMLNode &bar) const;
     /// Elements that `bar` does not name come behind those that it does; names of none are passed over.
@@ -77,6 +86,7 @@ Q_SIGNALS:
 protected:
     /// Emits the signal.
     virtual void OnCommand(int id);
+    void contextMenuEvent(QContextMenuEvent *event) override;
     void actionEvent(QActionEvent *event) override;
     bool eventFilter(QObject *object, QEvent *event) override;
 
@@ -86,9 +96,12 @@ private:
     [[nodiscard]] QList<QWidget *> Stops() const;
     [[nodiscard]] bool Walk(QWidget *from, int key);
     void UpdateReach();
+    void KeepDesign();
 
     CZelImageList const *m_images = nullptr; ///< not owned
     QPointer<QWidget> m_reach;               ///< the button that Tab comes to; not owned
+    std::unique_ptr<XMLNode> m_design;       ///< the arrangement before the user's first
+    bool m_customizable = true;
 };
 
 } // namespace zelvar

@@ -3,6 +3,7 @@
 #include "zelvar/base/XMLNode.h"
 #include "zelvar/controls/CZelDockBar.h"
 #include "zelvar/controls/CZelToolBar.h"
+#include "zelvar/controls/core/SplitPlaces.h"
 #include "zelvar/platform/ui/ControlId.h"
 #include "zelvar/platform/ui/Text.h"
 
@@ -16,8 +17,11 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <limits>
+#include <map>
 #include <set>
+#include <span>
 #include <tuple>
 #include <utility>
 
@@ -124,6 +128,46 @@ void SaveBar(XMLNode &node, CZelDockBar const &bar, Rect const &docked, bool upr
     }
 }
 
+/// The bars of one side that stand beside others of it, with their places. What is hidden or floats has none.
+std::map<CZelDockBar const *, SplitPlace> SharedPlaces(QMainWindow const &window, QList<CZelDockBar *> const &row,
+                                                       bool upright) {
+    QList<CZelDockBar *> fronts;
+    std::vector<Rect> areas;
+    for (CZelDockBar *const bar : row) {
+        if (bar->isHidden() || bar->isFloating() || bar->GetDockedRect().IsEmpty() ||
+            GroupOf(window, *bar).front != bar)
+            continue;
+        fronts.append(bar);
+        areas.push_back(bar->GetDockedRect());
+    }
+    std::vector<SplitPlace> const places = SplitPlaces(areas, upright);
+    std::map<CZelDockBar const *, SplitPlace> shared;
+    for (std::size_t i = 0; i < places.size(); ++i)
+        if (places[i].size() > 1)
+            shared.emplace(fronts[static_cast<qsizetype>(i)], places[i]);
+    return shared;
+}
+
+DString TextOf(SplitPlace const &place) {
+    DString text;
+    for (int const number : place)
+        text += (text.empty() ? "" : ".") + std::to_string(number);
+    return text;
+}
+
+SplitPlace ReadPlace(DString const &text) {
+    constexpr std::size_t deepest = 16; // nobody can tell more apart
+    SplitPlace place;
+    for (DString const &part : Split(text, '.')) {
+        int number = 0;
+        auto const [end, error] = std::from_chars(part.data(), part.data() + part.size(), number);
+        if (error != std::errc() || end != part.data() + part.size() || number < 0 || place.size() == deepest)
+            return {};
+        place.push_back(number);
+    }
+    return place;
+}
+
 void SaveBars(XMLNode &root, QMainWindow const &window, QByteArray const &layout) {
     QList<CZelDockBar *> const all = CZelDockBar::BarsOf(window);
     for (int side = -1; side < 4; ++side) {
@@ -132,6 +176,7 @@ void SaveBars(XMLNode &root, QMainWindow const &window, QByteArray const &layout
             if (SideOf(window.dockWidgetArea(bar)) == side)
                 row.append(bar);
         std::ranges::stable_sort(row, std::less<>(), [&](CZelDockBar const *bar) { return PlaceIn(layout, *bar); });
+        auto const places = SharedPlaces(window, row, IsUpright(side));
         std::set<CZelDockBar const *> saved;
         int order = 0;
         int tabs = 0;
@@ -149,6 +194,8 @@ void SaveBars(XMLNode &root, QMainWindow const &window, QByteArray const &layout
                 docked.right += group.tabBar.cx;
                 docked.bottom += group.tabBar.cy;
                 SaveBar(node, *one, docked, IsUpright(side));
+                if (auto const place = places.find(group.front); place != places.end())
+                    node.SetAttr("place", TextOf(place->second));
                 if (group.bars.size() == 1)
                     continue;
                 node.SetAttrInt("tabs", tabs);
@@ -176,7 +223,8 @@ struct BarRecord {
     CZelDockBar *bar = nullptr;
     int side = -1;
     int order = 0;
-    int tabs = 0; ///< of bars on a side with the same number, that is not 0, one stands on the other
+    SplitPlace place{}; ///< empty for one with a stretch of its own
+    int tabs = 0;       ///< of bars on a side with the same number, that is not 0, one stands on the other
     bool front = false;
     bool visible = true;
     bool floating = false;
@@ -199,6 +247,7 @@ BarRecord ReadBar(QMainWindow const &window, XMLNode const &node, CZelDockBar &b
     if (record.side < 0 || !bar.isAreaAllowed(kDockAreas[static_cast<std::size_t>(record.side)]))
         record.side = SideOf(window.dockWidgetArea(&bar)); // stays on its side
     record.order = ReadInt(node, "order", 0, 0, kFarthest);
+    record.place = ReadPlace(node.GetAttrStr("place"));
     record.tabs = ReadInt(node, "tabs", 0, 0, kFarthest);
     record.front = node.GetAttrBool("front", false);
     // A bar without such a button would not come back.
@@ -243,22 +292,54 @@ void ApplySizes(QMainWindow &window, std::vector<BarRecord> const &records) {
     }
 }
 
+/// Splits the place of the first of some bars among them, whose places are in order and alike before `depth`.
+void SplitAmong(QMainWindow &window, std::span<BarRecord const *const> bars, std::size_t depth) {
+    auto const numberOf = [depth](BarRecord const *one) { return depth < one->place.size() ? one->place[depth] : -1; };
+    bool const across = IsUpright(bars.front()->side) == (depth % 2 == 1);
+    std::vector<std::span<BarRecord const *const>> parts;
+    for (std::size_t begin = 0, end = 0; begin < bars.size(); begin = end) {
+        for (end = begin; end < bars.size() && numberOf(bars[end]) == numberOf(bars[begin]);)
+            ++end;
+        parts.push_back(bars.subspan(begin, end - begin));
+    }
+    for (std::size_t i = 1; i < parts.size(); ++i)
+        window.splitDockWidget(parts[i - 1].front()->bar, parts[i].front()->bar,
+                               across ? Qt::Horizontal : Qt::Vertical);
+    for (std::span<BarRecord const *const> const part : parts)
+        if (part.size() > 1 && numberOf(part.front()) >= 0)
+            SplitAmong(window, part, depth + 1);
+}
+
+/// Bars that share a stretch of their side get their places in it. Of tabs the first one stands for all.
+void ApplyPlaces(QMainWindow &window, std::vector<BarRecord> const &records) {
+    std::map<std::pair<int, int>, std::vector<BarRecord const *>> stretches;
+    std::set<std::pair<int, int>> placed;
+    for (BarRecord const &record : records)
+        if (record.side >= 0 && record.place.size() > 1 && record.visible && !record.floating &&
+            (record.tabs == 0 || placed.emplace(record.side, record.tabs).second))
+            stretches[{record.side, record.place.front()}].push_back(&record);
+    for (auto &[stretch, bars] : stretches) {
+        std::ranges::stable_sort(bars, std::less<>(), [](BarRecord const *one) { return one->place; });
+        SplitAmong(window, bars, 1);
+    }
+}
+
 void ApplyBars(QMainWindow &window, std::vector<BarRecord> &records) {
     std::ranges::stable_sort(records, std::less<>(),
                              [](BarRecord const &record) { return std::tuple(record.side, record.order); });
-    std::map<std::pair<int, int>, CZelDockBar *> firstOfTabs;
     for (BarRecord const &record : records) {
-        CZelDockBar &bar = *record.bar;
-        if (record.side >= 0) {
-            bar.Dock(window, kDockAreas[static_cast<std::size_t>(record.side)]);
-            if (record.tabs > 0) {
-                auto const [first, isFirst] = firstOfTabs.try_emplace({record.side, record.tabs}, &bar);
-                if (!isFirst)
-                    window.tabifyDockWidget(first->second, &bar);
-            }
-        }
-        bar.setVisible(record.visible);
+        if (record.side >= 0)
+            record.bar->Dock(window, kDockAreas[static_cast<std::size_t>(record.side)]);
+        record.bar->setVisible(record.visible);
     }
+    ApplyPlaces(window, records); // before there are tabs, which are not split
+    std::map<std::pair<int, int>, CZelDockBar *> firstOfTabs;
+    for (BarRecord const &record : records)
+        if (record.side >= 0 && record.tabs > 0) {
+            auto const [first, isFirst] = firstOfTabs.try_emplace({record.side, record.tabs}, record.bar);
+            if (!isFirst)
+                window.tabifyDockWidget(first->second, record.bar);
+        }
     for (BarRecord const &record : records)
         if (record.floating) {
             Rect const own{record.rect.left, record.rect.top, record.rect.left + record.bar->sizeHint().width(),

@@ -193,6 +193,8 @@ void PropDelegate::setEditorData(QWidget *editor, QModelIndex const &index) cons
     CZelProp const &prop = PropAt(index);
     editor->setProperty(kFirstEntry, platform::ToQString(prop.GetValue()));
     SetEntry(editor, platform::ToQString(prop.GetValue()));
+    if (auto *const text = qobject_cast<QPlainTextEdit *>(editor))
+        text->moveCursor(QTextCursor::End);
     editor->setProperty(kFirstEntry, EntryIn(editor)); // which an edit field may have put on one line
 }
 
@@ -276,10 +278,13 @@ void PropDelegate::AskFor(QWidget *editor) {
     CZelProp *const prop = m_list.GetCurSel();
     if (prop == nullptr || m_asking)
         return;
+    QPointer<PropDelegate> const alive(this);
     QPointer<QWidget> const still(editor);
     DString value = platform::ToDString(EntryIn(editor));
     m_asking = true;
     bool const answered = m_list.OnBrowse(*prop, value);
+    if (alive.isNull())
+        return; // the list went with its window
     m_asking = false;
     if (still.isNull())
         return;

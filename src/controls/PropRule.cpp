@@ -1,5 +1,7 @@
 #include "zelvar/controls/PropRule.h"
 
+#include "zelvar/controls/core/NumberText.h"
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -26,6 +28,19 @@ DString Shortest(double number) {
     std::array<char, 64> digits{};
     auto const [end, error] = std::to_chars(digits.data(), digits.data() + digits.size(), number);
     return error == std::errc() ? DString(digits.data(), end) : DString();
+}
+
+/// With so many decimals, cut off instead of rounded where rounding would leave the range; whole where the range has no
+/// such number.
+DString RoundedWithin(double number, int decimals, double least, double most) {
+    double const step = std::pow(10.0, -decimals);
+    for (double const candidate : {number, number - step / 2, number + step / 2}) {
+        DString text = FormatDouble(candidate, decimals);
+        double const shown = ParseWhole<double>(text).value_or(number);
+        if (shown >= least && shown <= most)
+            return text;
+    }
+    return Shortest(number);
 }
 
 bool IsOneOf(std::string_view text, std::initializer_list<char const *> words) {
@@ -64,10 +79,10 @@ std::optional<DString> PropRule::Read(DString const &entry) const {
         return number && real >= least && real <= most ? std::optional(std::to_string(*number)) : std::nullopt;
     }
     case Kind::Real: {
-        auto const number = ParseWhole<double>(entry);
-        if (!number || !std::isfinite(*number) || *number < least || *number > most)
+        auto const [state, number] = ReadNumber(entry);
+        if (state != NumberReading::State::Number || number < least || number > most)
             return std::nullopt;
-        return decimals < 0 ? Shortest(*number) : FormatDouble(*number, decimals);
+        return decimals < 0 ? Shortest(number) : RoundedWithin(number, decimals, least, most);
     }
     case Kind::Boolean:
         return ReadBool(Trimmed(entry));

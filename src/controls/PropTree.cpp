@@ -16,6 +16,12 @@ namespace {
 
 constexpr int kValueColumn = 1;
 
+/// A sign that a value may begin with.
+bool IsTyping(QKeyEvent const &event) {
+    bool const isPlain = !(event.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier));
+    return isPlain && !event.text().isEmpty() && event.text().front().isPrint() && event.key() != Qt::Key_Space;
+}
+
 } // namespace
 
 PropTree::PropTree(CZelPropList &list) : QTreeWidget(&list), m_list(list) {
@@ -31,6 +37,16 @@ void PropTree::CopyValue() const {
 
 void PropTree::Reset(CZelProp &prop) { m_list.EnterValue(prop, prop.GetOriginalValue()); }
 
+bool PropTree::edit(QModelIndex const &index, EditTrigger trigger, QEvent *event) {
+    bool const typed = trigger == AnyKeyPressed;
+    auto const *const prop = static_cast<CZelProp const *>(itemFromIndex(index));
+    if (typed && (prop == nullptr || !prop->TakesEntries() || prop->GetRule().kind == PropRule::Kind::Boolean))
+        return false; // it looks for the name
+    if (trigger == SelectedClicked && index.column() != kValueColumn)
+        return false;
+    return QTreeWidget::edit(typed ? index.siblingAtColumn(kValueColumn) : index, trigger, event);
+}
+
 void PropTree::keyPressEvent(QKeyEvent *event) {
     CZelProp *const prop = Current();
     bool const begins = event->key() == Qt::Key_F2 || event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
@@ -40,6 +56,8 @@ void PropTree::keyPressEvent(QKeyEvent *event) {
     if (event->matches(QKeySequence::Copy) && prop != nullptr)
         CopyValue();
     else if (prop != nullptr && (begins || turnsOver) && m_list.BeginEdit(*prop))
+        event->accept();
+    else if (IsTyping(*event) && edit(currentIndex(), AnyKeyPressed, event)) // before signs open and close groups
         event->accept();
     else
         QTreeWidget::keyPressEvent(event);

@@ -14,6 +14,7 @@ public:
     explicit PropTree(CZelPropList &list);
 
 protected:
+    bool edit(QModelIndex const &index, EditTrigger trigger, QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void contextMenuEvent(QContextMenuEvent *event) override;
     void drawRow(QPainter *painter, QStyleOptionViewItem const &option, QModelIndex const &index) const override;

@@ -57,28 +57,31 @@ int SliderTrack::CenterOf(int position) const {
     QStyleOptionSlider option;
     initStyleOption(&option);
     option.sliderPosition = position;
-    return style()->subControlRect(QStyle::CC_Slider, &option, QStyle::SC_SliderHandle, this).center().x();
+    QPoint const center = style()->subControlRect(QStyle::CC_Slider, &option, QStyle::SC_SliderHandle, this).center();
+    return IsUpright() ? center.y() : center.x();
 }
 
 int SliderTrack::TicksHeight() const { return m_control.Ticks().empty() ? 0 : kEndTick + 1; }
 
 void SliderTrack::initStyleOption(QStyleOptionSlider *option) const {
     QSlider::initStyleOption(option);
-    option->rect.setHeight(option->rect.height() - TicksHeight());
+    option->rect.setSize(option->rect.size() - TicksSize());
 }
 
-QSize SliderTrack::sizeHint() const { return QSlider::sizeHint() + QSize(0, TicksHeight()); }
-QSize SliderTrack::minimumSizeHint() const { return QSlider::minimumSizeHint() + QSize(0, TicksHeight()); }
+QSize SliderTrack::TicksSize() const { return IsUpright() ? QSize(TicksHeight(), 0) : QSize(0, TicksHeight()); }
+QSize SliderTrack::sizeHint() const { return QSlider::sizeHint() + TicksSize(); }
+QSize SliderTrack::minimumSizeHint() const { return QSlider::minimumSizeHint() + TicksSize(); }
 
 void SliderTrack::paintEvent(QPaintEvent *event) {
     QPainter painter(this);
     painter.setPen(palette().color(isEnabled() ? QPalette::WindowText : QPalette::Mid));
     SliderScale const &scale = m_control.Scale();
-    int const top = height() - TicksHeight();
+    int const near = (IsUpright() ? width() : height()) - TicksHeight();
     for (double const tick : m_control.Ticks()) {
-        int const x = CenterOf(scale.PositionOf(tick));
+        int const at = CenterOf(scale.PositionOf(tick));
         bool const end = tick == scale.First() || tick == scale.Last();
-        painter.drawLine(x, top, x, top + (end ? kEndTick : kTick) - 1);
+        int const far = near + (end ? kEndTick : kTick) - 1;
+        painter.drawLine(IsUpright() ? QLine(near, at, far, at) : QLine(at, near, at, far));
     }
     painter.end();
     QSlider::paintEvent(event);

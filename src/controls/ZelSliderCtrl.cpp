@@ -23,14 +23,13 @@ constexpr int kLongestText = 9; // characters of a value shown without a fixed n
 } // namespace
 
 ZelSliderCtrl::ZelSliderCtrl(QWidget *parent)
-    : QWidget(parent), m_track(new SliderTrack(*this)), m_text(new QLabel), m_edit(new CFloatEdit),
-      m_unitText(new QLabel) {
-    auto *const layout = new QHBoxLayout(this);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(m_track, 1);
-    layout->addWidget(m_text);
-    layout->addWidget(m_edit);
-    layout->addWidget(m_unitText);
+    : QWidget(parent), m_layout(new QBoxLayout(QBoxLayout::LeftToRight, this)), m_track(new SliderTrack(*this)),
+      m_text(new QLabel), m_edit(new CFloatEdit), m_unitText(new QLabel) {
+    m_layout->setContentsMargins(0, 0, 0, 0);
+    m_layout->addWidget(m_track, 1);
+    m_layout->addWidget(m_text);
+    m_layout->addWidget(m_edit);
+    m_layout->addWidget(m_unitText);
     m_text->setTextFormat(Qt::PlainText);
     m_text->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     m_unitText->setTextFormat(Qt::PlainText);
@@ -45,6 +44,20 @@ ZelSliderCtrl::ZelSliderCtrl(QWidget *parent)
     SetValueField(ValueField::None);
     Rescale(0, 100, 1, false);
 }
+
+void ZelSliderCtrl::SetOrientation(Qt::Orientation orientation) {
+    bool const upright = orientation == Qt::Vertical;
+    m_track->setOrientation(orientation);
+    m_layout->setDirection(upright ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight);
+    for (QWidget *const part : {static_cast<QWidget *>(m_track), static_cast<QWidget *>(m_text),
+                                static_cast<QWidget *>(m_edit), static_cast<QWidget *>(m_unitText)})
+        m_layout->setAlignment(part, upright ? Qt::AlignHCenter : Qt::Alignment());
+    m_text->setAlignment((upright ? Qt::AlignHCenter : Qt::AlignRight) | Qt::AlignVCenter);
+    setSizePolicy(upright ? QSizePolicy::Fixed : QSizePolicy::Expanding,
+                  upright ? QSizePolicy::Expanding : QSizePolicy::Fixed);
+}
+
+Qt::Orientation ZelSliderCtrl::GetOrientation() const { return m_track->orientation(); }
 
 bool ZelSliderCtrl::SetRange(double first, double last) {
     if (!std::isfinite(first) || !std::isfinite(last))

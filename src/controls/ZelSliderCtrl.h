@@ -7,7 +7,7 @@
 
 #include <cstdint>
 
-class QHBoxLayout;
+class QBoxLayout;
 class QLabel;
 
 namespace zelvar {
@@ -15,10 +15,10 @@ namespace zelvar {
 class CFloatEdit;
 class SliderTrack;
 
-/// Slider over numbers, from left to right. It adds to the platform's slider a range of doubles with exact ends, which
-/// may run downwards; steps or none; a linear or a logarithmic scale; lines, pages and ticks in the range's own
-/// numbers; and the value as a text or an edit field behind it. Keys move the thumb the way they point to, `Home` and
-/// `End` to its ends; in the edit field Up is always the greater value.
+/// Slider over numbers, from left to right, or upright from the bottom to the top. It adds to the platform's slider a
+/// range of doubles with exact ends, which may run downwards; steps or none; a linear or a logarithmic scale; lines,
+/// pages and ticks in the range's own numbers; and the value as a text or an edit field behind it. Keys move the thumb
+/// the way they point to, `Home` and `End` to its ends; in the edit field Up is always the greater value.
 class ZELVAR_API ZelSliderCtrl : public QWidget {
     Q_OBJECT
 
@@ -27,6 +27,10 @@ public:
 
     /// From 0 to 100 in steps of 1.
     explicit ZelSliderCtrl(QWidget *parent = nullptr);
+
+    /// Upright the ticks stand beside the groove and the value below it.
+    void SetOrientation(Qt::Orientation orientation);
+    [[nodiscard]] Qt::Orientation GetOrientation() const;
 
     /// `first` stands at the start and may be the greater one. False for what is not finite, and nothing changed. The
     /// value goes to the nearest end if it lies outside.
@@ -94,6 +98,7 @@ private:
     int m_decimals = -1;
     DString m_unit;
     ValueField m_field = ValueField::None;
+    QBoxLayout *m_layout;
     SliderTrack *m_track;
     QLabel *m_text;
     CFloatEdit *m_edit;

@@ -67,6 +67,12 @@ DlgMsgDetails::DlgMsgDetails(char const *caption, char const *message, char cons
 
 int DlgMsgDetails::DoModal() { return platform::RunModal(*this) == Accepted ? kAnswerOk : kAnswerCancel; }
 
+void DlgMsgDetails::setVisible(bool visible) {
+    if (visible && !isVisible())
+        Collapse();
+    QDialog::setVisible(visible);
+}
+
 void DlgMsgDetails::OnInitDialog() {
     setWindowTitle(platform::ToQString(m_caption));
     auto *const message = platform::GetDlgItem<QPlainTextEdit>(*this, kMessage);
@@ -87,6 +93,7 @@ void DlgMsgDetails::Collapse() {
     int const full = m_rcFull.height();
     int const edit = m_detailsEdit->height();
     int const text = platform::GetDlgItem(*this, kMessage)->height();
+    m_detailsButton->setEnabled(true);
     m_detailsEdit->hide(); // else the keyboard would reach what cannot be seen
     setFixedSize(m_rcFull.width(), full - edit - (full - edit - text) / 3);
 }

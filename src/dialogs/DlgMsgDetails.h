@@ -12,7 +12,8 @@ namespace zelvar {
 
 /// Message with details: a short message and, when the user asks for it, a long text below.
 ///
-/// It opens collapsed; "Details..." grows it to its designed height for good. User interface thread.
+/// It opens collapsed, each time that it is shown; "Details..." grows it to its designed height for good. User
+/// interface thread.
 class ZELVAR_API DlgMsgDetails : public QDialog {
     Q_OBJECT
 
@@ -22,6 +23,7 @@ public:
 
     /// 1 for OK, 2 if the dialog was closed otherwise.
     int DoModal();
+    void setVisible(bool visible) override;
     /// The details with "\r\n" at the end of lines, also where there was a "\r" before.
     [[nodiscard]] DString const &GetDetails() const { return m_details; }
 

@@ -106,6 +106,32 @@ private:
     int m_side; ///< pixels
 };
 
+/// Breaks a caption into lines where its control would be wider than `most` pixels.
+void WrapCaption(QCheckBox &box, int most) {
+    int const text = box.fontMetrics().size(Qt::TextShowMnemonic, box.text()).width();
+    int const around = box.sizeHint().width() - text;
+    if (text + around <= most)
+        return;
+    QTextOption option;
+    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    QTextLayout layout(QString(box.text()).replace(u'\n', QChar::LineSeparator), box.font());
+    layout.setTextOption(option);
+    QStringList lines;
+    layout.beginLayout();
+    for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
+        line.setLineWidth(std::max(1, most - around));
+        lines.append(layout.text().mid(line.textStart(), line.textLength()).remove(QChar::LineSeparator).trimmed());
+    }
+    layout.endLayout();
+    box.setText(lines.join(u'\n'));
+}
+
+/// What a button's text takes between its edges; 0 for none.
+int NeededWidth(QPushButton const *button) {
+    constexpr int edges = 6; // pixels
+    return button == nullptr ? 0 : button->fontMetrics().size(Qt::TextShowMnemonic, button->text()).width() + edges;
+}
+
 } // namespace
 
 MessageBoxWindow::MessageBoxWindow(QWidget *parent, DialogBlock const &block, MessageBoxState const &state,
@@ -138,7 +164,7 @@ QWidget *MessageBoxWindow::MakeControl(DialogBlock::Control const &control) {
     QString const title = QString::fromStdU16String(control.title);
     if (control.classAtom == CDialogTmpl::kButton) {
         if ((control.style & kTypeBits) == kAutoCheckBox)
-            return new QCheckBox(title, this);
+            return new QCheckBox(platform::ToQString(m_request.checkText), this); // an item of a template is cut
         auto *const button = new QPushButton(title, this);
         button->setAutoDefault(true); // Return presses the one with the focus
         button->setDefault((control.style & kTypeBits) == kDefaultButton);
@@ -156,17 +182,22 @@ QWidget *MessageBoxWindow::MakeControl(DialogBlock::Control const &control) {
 }
 
 void MessageBoxWindow::PlaceControls(DialogBlock const &block) {
+    Rect client = platform::MapDialogRect(*this, {0, 0, block.header.cx, block.header.cy});
+    QSize const screen = ScreenOf(parentWidget()).availableSize();
+    int const frame = style()->pixelMetric(QStyle::PM_TitleBarHeight) + 8;
     std::vector<PlacedControl> placed;
     for (DialogBlock::Control const &control : block.controls) {
         Rect place = platform::MapDialogRect(*this, control.units);
-        // The style's mark and margin may need more than the template has.
-        if (auto const *const box = platform::GetDlgItem<QCheckBox>(*this, control.id))
+        // The style's mark and margin may need more than the template has, and so may the text.
+        if (auto *const box = platform::GetDlgItem<QCheckBox>(*this, control.id)) {
+            WrapCaption(*box, screen.width() - 8 - 2 * place.left);
             place.right = std::max(place.right, place.left + box->sizeHint().width());
-        placed.push_back({control.id, place});
+            int const more = std::max(0, box->sizeHint().height() - place.Height());
+            place.bottom += more;
+            client.bottom += more;
+        }
+        placed.push_back({control.id, place, NeededWidth(platform::GetDlgItem<QPushButton>(*this, control.id))});
     }
-    Rect const client = platform::MapDialogRect(*this, {0, 0, block.header.cx, block.header.cy});
-    QSize const screen = ScreenOf(parentWidget()).availableSize();
-    int const frame = style()->pixelMetric(QStyle::PM_TitleBarHeight) + 8;
     Size const size = FitMessageBox(placed, {client.right, client.bottom},
                                     {.most = {screen.width() - 8, screen.height() - frame},
                                      .font = FontPixels(),
@@ -203,6 +234,7 @@ Size MessageBoxWindow::Measure(DString const &text, Size box) {
         layout.setTextOption(option);
         layout.beginLayout();
         for (QTextLine row = layout.createLine(); row.isValid() && height < kMostMeasured; row = layout.createLine()) {
+            row.setLeadingIncluded(true); // as the field counts it, whose last line would be cut
             row.setLineWidth(box.cx);
             width = std::max(width, row.naturalTextWidth());
             height += row.height();

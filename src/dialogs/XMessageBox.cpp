@@ -27,9 +27,11 @@ MessageBoxHelp &Help() {
     return help;
 }
 
+bool IsFile(DString const &file) { return QFileInfo(QFile::decodeName(file.c_str())).isFile(); }
+
 void OpenByDesktop(DString const &file, unsigned helpId) {
     QString const name = QFile::decodeName(file.c_str());
-    if (!QFileInfo(name).isFile())
+    if (!IsFile(file))
         return;
     QUrl url = QUrl::fromLocalFile(QFileInfo(name).absoluteFilePath());
     if (helpId != 0)
@@ -37,11 +39,15 @@ void OpenByDesktop(DString const &file, unsigned helpId) {
     QDesktopServices::openUrl(url);
 }
 
-void ShowHelp(unsigned helpId) {
+std::optional<DString> HelpFile() {
     DString const module = Help().module.empty()
                                ? QFile::encodeName(QCoreApplication::applicationFilePath()).toStdString()
                                : Help().module;
-    std::optional<DString> const file = HelpFileOf(module, kHelpEnding);
+    return HelpFileOf(module, kHelpEnding);
+}
+
+void ShowHelp(unsigned helpId) {
+    std::optional<DString> const file = HelpFile();
     if (!file)
         return;
     if (Help().open)
@@ -99,5 +105,10 @@ int XMessageBox(QWidget *parent, char const *text, char const *caption, unsigned
 }
 
 void SetMessageBoxHelp(MessageBoxHelp help) { Help() = std::move(help); }
+
+bool HasMessageBoxHelp() {
+    std::optional<DString> const file = HelpFile();
+    return file && (Help().open || IsFile(*file));
+}
 
 } // namespace zelvar

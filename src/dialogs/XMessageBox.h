@@ -36,5 +36,7 @@ struct MessageBoxHelp {
     std::function<void(DString const &file, unsigned helpId)> open{};
 };
 ZELVAR_API void SetMessageBoxHelp(MessageBoxHelp help);
+/// Whether the help button would lead anywhere: there is a help file, or `open` that gets its name.
+[[nodiscard]] ZELVAR_API bool HasMessageBoxHelp();
 
 } // namespace zelvar

@@ -6,8 +6,6 @@
 #include <QtGui/QPainter>
 #include <QtGui/QPainterPath>
 
-#include <algorithm>
-
 namespace zelvar {
 
 namespace {
@@ -19,18 +17,21 @@ QPainterPath Outline(Rect const &rect, int radius) {
     qreal const bottom = rect.bottom;
     qreal const r = radius > 0 ? radius : 0;
     qreal const d = 2 * r;
-    QPainterPath path(QPointF(left, bottom - r));
+    QPainterPath path;
+    if (r == 0) {
+        path.addRect(left, top, right - left, bottom - top); // an arc without a box would leave its corner out
+        return path;
+    }
+    path.moveTo(left, bottom - r);
     path.lineTo(left, top + r);
     // Angles count against the clock here, with it in the design: quarter circles from 180, 270, 0 and 90 degrees on.
     path.arcTo(QRectF(left, top, d, d), 180, -90);
-    // The upper edge is cut short by 50; the next arc joins its end by itself, so the edge stays straight. It never
-    // runs back beyond its own start: in a narrow rectangle that would stick out at the left.
-    path.lineTo(std::max(right - r - 50, left + r), top);
+    // Arcs join the end of the line before them by themselves. A point within an edge would show: lines to it and from
+    // it are smoothed apart.
     path.arcTo(QRectF(right - d, top, d, d), 90, -90);
-    path.lineTo(right, bottom - r);
     path.arcTo(QRectF(right - d, bottom - d, d, d), 0, -90);
-    path.lineTo(left + r, bottom);
     path.arcTo(QRectF(left, bottom - d, d, d), 270, -90);
+    path.closeSubpath();
     return path;
 }
 

@@ -150,9 +150,10 @@ bool PlatformFileDialog::IsReadyForSaving(DString const &path) {
         Report::UserWarning("File '%s' is read-only", path.c_str());
         return false;
     }
-    if (!IsWritable(folder))
-        Report::UserWarning("Nothing can be saved in the folder '%s'", folder.c_str());
-    return IsWritable(folder);
+    if (IsWritable(folder))
+        return true;
+    Report::UserWarning("Nothing can be saved in the folder '%s'", folder.c_str());
+    return false;
 }
 
 bool PlatformFileDialog::MayReplace(DString const &path) {

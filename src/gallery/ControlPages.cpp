@@ -315,6 +315,12 @@ void AddSliders(PageForm &page) {
     disabled->SetValueField(ZelSliderCtrl::ValueField::Text);
     disabled->SetPos(0.4);
     disabled->setEnabled(false);
+    ZelSliderCtrl *const upright = MakeSlider(page, "Upright", 0, 10, 1);
+    upright->SetOrientation(Qt::Vertical);
+    upright->SetTicFreq(5);
+    upright->SetValueField(ZelSliderCtrl::ValueField::Text);
+    upright->setMinimumSize(0, 5 * upright->fontMetrics().height());
+    upright->SetPos(4);
 }
 
 QWidget *ColoredTexts() {

@@ -69,7 +69,9 @@ QWidget *MakeLayoutPage() {
     page->AddWide("Property pages", tabs, true);
     page->AddButton("&Open as a dialog", [page] {
         PlayDialog dialog(page);
-        page->Say(dialog.DoModal() == 1 ? "OK; the dialog comes back where it was and as large" : "Cancelled");
+        page->SayAnswer([&] {
+            return dialog.DoModal() == 1 ? "OK; the dialog comes back where it was and as large" : "Cancelled";
+        });
     });
     return page;
 }

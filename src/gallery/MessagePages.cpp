@@ -15,6 +15,7 @@
 #include "zelvar/platform/ui/MainWindow.h"
 #include "zelvar/platform/ui/Text.h"
 
+#include <QtCore/QPointer>
 #include <QtCore/QTemporaryDir>
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QLineEdit>
@@ -96,7 +97,10 @@ private:
         unsigned const icon = static_cast<unsigned>(m_icon->currentIndex()) << 4U;
         unsigned const preset = static_cast<unsigned>(m_default->value() - 1) << 8U;
         unsigned const type = static_cast<unsigned>(m_set->currentIndex()) | icon | preset | m_bits;
+        QPointer<MessageBoxPage> const alive(this);
         int const answer = XMessageBox(window(), Text().c_str(), "Viewer", type);
+        if (alive.isNull())
+            return; // it went with its window
         int const id = answer & ~static_cast<int>(MB_DONTASKAGAIN);
         DString name;
         for (MessageBoxButton const &button : SetOfMessageBox(type).buttons)
@@ -121,7 +125,7 @@ QWidget *MakeDetailsPage() {
     page->Add("&Message", message);
     page->AddButton("Show...", [page, message] {
         DlgMsgDetails dialog("Import", platform::ToDString(message->text()).c_str(), Lines(3).c_str(), page->window());
-        page->Say(dialog.DoModal() == 1 ? "OK was pressed" : "It was closed");
+        page->SayAnswer([&] { return dialog.DoModal() == 1 ? "OK was pressed" : "It was closed"; });
     });
     return page;
 }
@@ -170,8 +174,7 @@ QWidget *MakeFilterFindPage() {
     page->AddButton("Pick features...", [page, start] {
         DlgFltrFind dialog(platform::ToDString(start->currentText()), page->window());
         AddFeatures(dialog);
-        bool const accepted = dialog.DoModal() == QDialog::Accepted;
-        page->Say(accepted ? Picked(dialog) : "Cancelled");
+        page->SayAnswer([&] { return dialog.DoModal() == QDialog::Accepted ? Picked(dialog) : "Cancelled"; });
     });
     page->AddButton("Beside this window", [page, start] {
         auto *const dialog = new DlgFltrFind(platform::ToDString(start->currentText()));
@@ -231,7 +234,7 @@ private:
     }
     void Pick(DString const &path) {
         unsigned const masks[] = {BDINode_Raster, BDINode_Table, BDINode_Raster | BDINode_Thematic | BDINode_Table};
-        Say(PickNodes(window(), path, masks[m_kind->currentIndex()], m_multiple));
+        SayAnswer([&] { return PickNodes(window(), path, masks[m_kind->currentIndex()], m_multiple); });
     }
 
     QTemporaryDir m_folder;
@@ -294,7 +297,8 @@ QWidget *MakeFileDialogsPage() {
     auto const add = [page](char const *label, char const *text, std::function<DString()> pick) {
         auto *const button = new QPushButton(QString::fromUtf8(text));
         page->Add(label, button);
-        QObject::connect(button, &QPushButton::clicked, page, [page, pick = std::move(pick)] { page->Say(pick()); });
+        QObject::connect(button, &QPushButton::clicked, page,
+                         [page, pick = std::move(pick)] { page->SayAnswer(pick); });
     };
     add("Open image data", "Browse...", [] { return PickRaster(true); });
     add("Open image data, the platform's way", "Browse...", [] { return PickRaster(false); });

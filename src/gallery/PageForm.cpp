@@ -2,6 +2,7 @@
 
 #include "zelvar/platform/ui/Text.h"
 
+#include <QtCore/QPointer>
 #include <QtWidgets/QCheckBox>
 #include <QtWidgets/QFormLayout>
 #include <QtWidgets/QHBoxLayout>
@@ -50,6 +51,13 @@ void PageForm::AddSwitch(char const *text, bool on, std::function<void(bool)> ac
     box->setChecked(on);
     m_buttons->insertWidget(m_buttons->count() - 1, box);
     connect(box, &QCheckBox::toggled, this, std::move(act));
+}
+
+void PageForm::SayAnswer(std::function<DString()> const &ask) {
+    QPointer<PageForm const> const alive(this);
+    DString const answer = ask();
+    if (!alive.isNull())
+        Say(answer);
 }
 
 void PageForm::Say(DString const &text) const { m_said->setText(platform::ToQString(text)); }

@@ -27,6 +27,8 @@ public:
     void AddButton(char const *text, std::function<void()> act);
     void AddSwitch(char const *text, bool on, std::function<void(bool)> act);
     void Say(DString const &text) const;
+    /// Says the answer of a dialog that `ask` runs, unless the page dies under it.
+    void SayAnswer(std::function<DString()> const &ask);
 
 private:
     QFormLayout *m_form;

@@ -7,6 +7,7 @@
 #include <QtCore/QChildEvent>
 #include <QtGui/QResizeEvent>
 
+#include <algorithm>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -29,8 +30,9 @@ public:
 
     /// Lets the window come up without showing it. Does nothing while it is up.
     void Create();
-    /// Ends the engine, which stores the position, hides the window and deletes the controls of its template. It may
-    /// come up again.
+    /// Ends the engine, which stores the position, hides the window and deletes the controls that it got since it came
+    /// up, those of its template and those of `OnInitDialog`. What was there before stays, and so do windows of their
+    /// own. It may come up again.
     virtual bool DestroyWindow();
     /// While the window comes up, its showing and hiding wait for the end of `OnInitDialog`.
     void setVisible(bool visible) override;
@@ -75,10 +77,15 @@ protected:
     bool m_bNewDlg = true; ///< not sized yet
 
 private:
+    template <class Visit>
+    void ForEachControl(Visit const &visit);
+
     platform::DialogTemplate const *m_template = nullptr; ///< not owned
     mutable std::vector<__dynEntry> m_entries;            ///< the template's moves
     bool m_created = false;
     bool m_initializing = false;
+    bool m_ended = false;                   ///< the engine was ended, which disables it
+    std::vector<QPointer<QWidget>> m_older; ///< children that were there before the window came up
     std::optional<bool> m_wantedVisible;
 };
 
@@ -87,12 +94,19 @@ void DynamicHost<Platform>::Create() {
     if (std::exchange(m_created, true))
         return;
     m_initializing = true;
-    m_iDisabled = 0;
+    if (std::exchange(m_ended, false))
+        --m_iDisabled; // what was disabled by hand, before the first time too, stays so
+    // A part of another window has its size from that one, whatever the template was designed for.
+    QSize const given = !this->isWindow() && this->testAttribute(Qt::WA_Resized) ? this->size() : QSize();
+    m_older.clear();
+    ForEachControl([this](QWidget &child) { m_older.emplace_back(&child); });
     OnCreate();
     if (m_template != nullptr)
         platform::BuildDialog(*this, *m_template,
                               [this](QWidget &, platform::DialogItem const &item) { return MakeControl(item); });
     OnInitDialog();
+    if (given.isValid())
+        this->resize(given);
     m_initializing = false;
     if (auto const wanted = std::exchange(m_wantedVisible, std::nullopt))
         setVisible(*wanted);
@@ -100,14 +114,27 @@ void DynamicHost<Platform>::Create() {
 
 template <class Platform>
 bool DynamicHost<Platform>::DestroyWindow() {
-    bool const existed = std::exchange(m_created, false);
+    if (!std::exchange(m_created, false))
+        return false;
     DoOnDestroy();
+    m_ended = true;
     Platform::setVisible(false);
-    if (m_template != nullptr) {
-        for (platform::DialogItem const &item : m_template->items)
-            delete platform::GetDlgItem(*this, item.id);
-    }
-    return existed;
+    std::vector<QPointer<QWidget>> made; // one may take others with it
+    ForEachControl([&](QWidget &child) {
+        if (std::find(m_older.begin(), m_older.end(), &child) == m_older.end())
+            made.emplace_back(&child);
+    });
+    for (QPointer<QWidget> const &child : made)
+        delete child.data();
+    return true;
+}
+
+template <class Platform>
+template <class Visit>
+void DynamicHost<Platform>::ForEachControl(Visit const &visit) {
+    for (QObject *const object : this->children())
+        if (auto *const child = qobject_cast<QWidget *>(object); child != nullptr && !child->isWindow())
+            visit(*child);
 }
 
 template <class Platform>

@@ -2,7 +2,10 @@
 
 #include "zelvar/platform/ui/ModalLoop.h"
 
-#include <QtWidgets/QAbstractButton>
+#include <QtGui/QKeyEvent>
+#include <QtWidgets/QPushButton>
+
+#include <algorithm>
 
 namespace zelvar {
 
@@ -71,6 +74,26 @@ void cdxCDynamicChildDlg::BecomeChild() {
     m_bUseScrollPos = true;
     if (parentWidget() != nullptr)
         setWindowFlags(Qt::Widget); // a part of its parent, no window of its own
+}
+
+void cdxCDynamicChildDlg::done(int result) {
+    if (isWindow())
+        return QDialog::done(result);
+    setResult(result);
+    if (result == Accepted)
+        Q_EMIT accepted();
+    else if (result == Rejected)
+        Q_EMIT rejected();
+    Q_EMIT finished(result);
+}
+
+void cdxCDynamicChildDlg::keyPressEvent(QKeyEvent *event) {
+    bool const isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    QList<QPushButton *> const buttons = isReturn ? findChildren<QPushButton *>() : QList<QPushButton *>();
+    if (isWindow() || std::ranges::any_of(buttons, [](QPushButton const *b) { return b->isDefault(); }))
+        QDialog::keyPressEvent(event);
+    else
+        QWidget::keyPressEvent(event); // goes on to the window around
 }
 
 } // namespace zelvar

@@ -36,6 +36,9 @@ protected:
 };
 
 /// Dynamic child dialog: stands inside another window, scrolls its children, and never stores its position.
+///
+/// Escape is a key of the window around it, and so is Return unless it has a default button. Its own OK and Cancel tell
+/// `accepted`, `rejected` and `finished` and leave it where it is; `hide` takes it away.
 class ZELVAR_API cdxCDynamicChildDlg : public cdxCDynamicDialog {
     Q_OBJECT
 public:
@@ -45,6 +48,11 @@ public:
                                  unsigned flags = kDefaultFlags);
     explicit cdxCDynamicChildDlg(platform::DialogTemplate const &dialogTemplate, QWidget *parent = nullptr,
                                  Freedom freedom = FreedomAll, unsigned flags = kDefaultFlags);
+
+    void done(int result) override;
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
 
 private:
     void BecomeChild();

@@ -1,6 +1,7 @@
 #include "zelvar/layout/cdxCDynamicWnd.h"
 
 #include "zelvar/layout/DynamicWndWatch.h"
+#include "zelvar/layout/HostScrollBars.h"
 #include "zelvar/layout/WindowClassStyle.h"
 #include "zelvar/layout/cdxCSizeIconCtrl.h"
 #include "zelvar/platform/ui/ControlId.h"
@@ -76,6 +77,8 @@ bool cdxCDynamicWnd::GetControlPosition(QWidget *child, Position &position) cons
 }
 
 Size cdxCDynamicWnd::GetCurrentClientSize() const {
+    if (m_scrollBars && IsWindow())
+        return m_scrollBars->ClientSize();
     return IsWindow() ? Size{Client()->width(), Client()->height()} : Size{};
 }
 
@@ -100,7 +103,32 @@ int cdxCDynamicWnd::IdOf(QWidget &child) const {
     return at == m_map.end() ? platform::GetDlgCtrlID(child) : at->second.id;
 }
 
+void cdxCDynamicWnd::FitScrollBars() {
+    if (!IsUp() || !m_bUseScrollPos || Client() != m_pWnd)
+        return; // an area has bars
+    bool const isSmaller = m_pWnd->width() < m_szInitial.cx || m_pWnd->height() < m_szInitial.cy;
+    if (!m_scrollBars && isSmaller)
+        m_scrollBars = std::make_unique<HostScrollBars>(*m_pWnd, m_szInitial, [this](Point by) { OnScrolled(by); });
+    if (m_scrollBars)
+        m_scrollBars->Fit();
+}
+
+void cdxCDynamicWnd::OnScrolled(Point by) {
+    // What is not registered keeps its place beside what is.
+    for (QObject *const object : QObjectList(m_pWnd->children())) {
+        auto *const child = qobject_cast<QWidget *>(object);
+        if (child != nullptr && !child->isWindow() && !m_map.contains(child) && !m_scrollBars->Owns(child))
+            child->move(child->x() - by.x, child->y() - by.y);
+    }
+    LayoutChildren();
+}
+
 void cdxCDynamicWnd::Layout() {
+    FitScrollBars();
+    LayoutChildren();
+}
+
+void cdxCDynamicWnd::LayoutChildren() {
     auto const info = IsWindow() ? DoCreateLayoutInfo() : nullptr;
     if (!info)
         return;
@@ -159,15 +187,19 @@ bool cdxCDynamicLayoutInfo::operator=(cdxCDynamicWnd const *wnd) {
     auto const *const area = qobject_cast<QAbstractScrollArea const *>(wnd->Window());
     if (m_bUseScrollPos && area != nullptr)
         m_pntScrollPos = {area->horizontalScrollBar()->value(), area->verticalScrollBar()->value()};
+    else if (m_bUseScrollPos && wnd->m_scrollBars)
+        m_pntScrollPos = wnd->m_scrollBars->Position();
     return true;
 }
 
 void cdxCDynamicWnd::DoInitWindow(QWidget &window) {
+    m_scrollBars.reset();
     m_pWnd = &window;
     DoInitWindow(window, GetCurrentClientSize());
 }
 
 void cdxCDynamicWnd::DoInitWindow(QWidget &window, Size initial) {
+    m_scrollBars.reset();
     m_pWnd = &window;
     m_szInitial = m_szMin = initial;
     unsigned const former = GetCtrlCount();
@@ -269,6 +301,7 @@ void cdxCDynamicWnd::DoOnDestroy() {
         OnDestroying();
     m_iDisabled = 1;
     m_watch->Rest();
+    m_scrollBars.reset();
     m_pWnd = nullptr;
     m_map.clear();
     delete m_pSizeIcon.data();

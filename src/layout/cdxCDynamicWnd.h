@@ -12,6 +12,7 @@
 
 namespace zelvar {
 
+class HostScrollBars;
 class cdxCSizeIconCtrl;
 
 /// Dynamic window: makes the children of a window follow its resizing, each by four percentages and a minimum size.
@@ -66,7 +67,7 @@ public:
 
     [[nodiscard]] virtual unsigned GetCtrlCount() const { return static_cast<unsigned>(m_map.size()); }
     bool GetControlPosition(QWidget *child, Position &position) const;
-    /// Pixels; 0, 0 without a window. The viewport's size of a window that scrolls.
+    /// Pixels; 0, 0 without a window. The viewport's size of a window that scrolls, without the bars that stand in it.
     [[nodiscard]] virtual Size GetCurrentClientSize() const;
     /// What frame and title take; 0, 0 without a window or while it is minimised.
     [[nodiscard]] Size GetBorderSize() const;
@@ -167,19 +168,23 @@ protected:
     Size m_szMax; ///< 0 for none
     unsigned m_idSizeIcon = 59936;
     std::intptr_t m_timerId = 0;  ///< 0 until the window is initialised
-    bool m_bUseScrollPos = false; ///< children scroll with the window's scroll bars
+    bool m_bUseScrollPos = false; ///< children scroll with the window's scroll bars; one without any gets its own
 
 private:
     class Watch;
     /// The widget whose children are laid out: the viewport of a window that scrolls.
     [[nodiscard]] QWidget *Client() const;
     [[nodiscard]] int IdOf(QWidget &child) const;
+    void FitScrollBars();
+    void LayoutChildren();
+    void OnScrolled(Point by);
     void ApplyDynMap();
     void CreateSizeIcon();
     bool AddAt(QWidget *child, EdgePercents x, EdgePercents y, Size min, bool repos);
     bool AddAllControls(EdgePercents x, EdgePercents y, bool overwrite);
 
-    std::unique_ptr<Watch> m_watch; ///< hears of children that die and of the timer
+    std::unique_ptr<Watch> m_watch;               ///< hears of children that die and of the timer
+    std::unique_ptr<HostScrollBars> m_scrollBars; ///< once they were needed
 };
 
 } // namespace zelvar

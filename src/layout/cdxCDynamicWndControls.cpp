@@ -1,4 +1,5 @@
 #include "zelvar/layout/DynamicWndWatch.h"
+#include "zelvar/layout/HostScrollBars.h"
 #include "zelvar/layout/cdxCDynamicWnd.h"
 #include "zelvar/platform/ui/ControlId.h"
 
@@ -119,7 +120,8 @@ bool cdxCDynamicWnd::AddAllControls(EdgePercents x, EdgePercents y, bool overwri
         return added;
     for (QObject *const object : QObjectList(Client()->children())) {
         auto *const child = qobject_cast<QWidget *>(object);
-        if (child == nullptr || child->isWindow() || (!overwrite && m_map.contains(child)))
+        if (child == nullptr || child->isWindow() || (!overwrite && m_map.contains(child)) ||
+            (m_scrollBars && m_scrollBars->Owns(child)))
             continue;
         added = AddAt(child, x, y, {}, true) || added;
     }

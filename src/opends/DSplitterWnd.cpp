@@ -5,6 +5,8 @@
 
 #include <QtGui/QMouseEvent>
 #include <QtGui/QPainter>
+#include <QtWidgets/QPlainTextEdit>
+#include <QtWidgets/QStyle>
 
 #include <algorithm>
 
@@ -43,6 +45,24 @@ void WriteInfo(std::vector<SplitterTrack> &tracks, int index, int ideal, int min
         return;
     tracks[static_cast<std::size_t>(index)].ideal = ideal;
     tracks[static_cast<std::size_t>(index)].minimum = min;
+}
+
+/// A text that wraps has no scroll bar where the bar would take all of its width: without room its lines need none, so
+/// that the toolkit would take the bar away and bring it back for ever.
+void RestrainTextBars(QWidget &pane, QSize size) {
+    constexpr char kept[] = "zelvarScrollBarPolicy";
+    auto *const area = qobject_cast<QAbstractScrollArea *>(&pane);
+    bool const wraps = qobject_cast<QPlainTextEdit *>(area) != nullptr || qobject_cast<QTextEdit *>(area) != nullptr;
+    if (!wraps)
+        return;
+    int const least = 3 * pane.style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, &pane);
+    bool const isTight = size.width() < least || size.height() < least;
+    QVariant const former = pane.property(kept);
+    if (isTight == former.isValid())
+        return;
+    pane.setProperty(kept, isTight ? QVariant(int{area->verticalScrollBarPolicy()}) : QVariant());
+    area->setVerticalScrollBarPolicy(isTight ? Qt::ScrollBarAlwaysOff
+                                             : static_cast<Qt::ScrollBarPolicy>(former.toInt()));
 }
 
 } // namespace
@@ -115,6 +135,7 @@ void DSplitterWnd::LayOutPanes() {
             continue;
         Rect const rect = CellRect(cell.first, cell.second);
         QRect const inner = ToQRect(rect).adjusted(kBorder, kBorder, -kBorder, -kBorder);
+        RestrainTextBars(*pane, inner.size());
         pane->setGeometry(inner.isValid() ? inner : QRect(rect.left, rect.top, 0, 0));
     }
     PlaceBars();

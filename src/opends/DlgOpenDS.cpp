@@ -255,6 +255,15 @@ bool DlgOpenDS::OnInitDialog() {
     return false; // the focus is set
 }
 
+bool DlgOpenDS::DestroyWindow() {
+    killTimer(std::exchange(m_stateTimer, 0));
+    qApp->removeEventFilter(this);
+    m_layoutDone = m_isPlaceShown = false;
+    m_splitter = nullptr;
+    m_pathButtons.reset();
+    return cdxCDynamicDialog::DestroyWindow();
+}
+
 bool DlgOpenDS::ShowInitialPlace(std::optional<std::chrono::milliseconds> time) {
     platform::EscapeWatch watch; // also for what it takes to find the place
     RequestScope const scope(

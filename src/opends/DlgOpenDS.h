@@ -100,6 +100,7 @@ protected:
     ~DlgOpenDS() override;
 
     bool OnInitDialog() override;
+    bool DestroyWindow() override;
     QWidget *MakeControl(platform::DialogItem const &item) override;
     void OnOK() override;
     bool event(QEvent *event) override;
@@ -176,7 +177,7 @@ private:
     QLineEdit *m_fileFilterEdit = nullptr;
     QPushButton *m_okButton = nullptr;
     QPushButton *m_cancelButton = nullptr;
-    DSplitterWnd *m_splitter = nullptr;
+    DSplitterWnd *m_splitter = nullptr; ///< null while the panes do not exist
     DSplitterWnd *m_leftSplitter = nullptr;
     DataSourceList *m_dataSourceList = nullptr;
     DSDataSourceWnd *m_dataSourceWnd = nullptr;

@@ -66,7 +66,10 @@ void DlgOpenDS::WireMessages() {
     m_messages.On(kExtrasFoundMessage, this, &DlgOpenDS::OnExtrasFound);
 }
 
-bool DlgOpenDS::event(QEvent *event) { return m_messages.Dispatch(*event) || cdxCDynamicDialog::event(event); }
+bool DlgOpenDS::event(QEvent *event) {
+    bool const isForPanes = m_splitter != nullptr; // what comes behind their end is for nobody
+    return (isForPanes && m_messages.Dispatch(*event)) || cdxCDynamicDialog::event(event);
+}
 
 void DlgOpenDS::resizeEvent(QResizeEvent *event) {
     cdxCDynamicDialog::resizeEvent(event);

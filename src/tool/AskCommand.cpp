@@ -110,8 +110,8 @@ Question QuestionOf(Arguments const &arguments) {
     question.type = ValueOf(kSets, arguments, "--buttons", fault) | ValueOf(kIcons, arguments, "--icon", fault);
     question.type |= (NumberOf(arguments, "--default", 1, 1, mostButtons, fault) - 1) << 8U;
     question.helpId = NumberOf(arguments, "--help-id", 0, 0, ~0U, fault);
-    if (arguments.values.contains("--help-id"))
-        question.type |= MB_HELP;
+    if (arguments.values.contains("--help-file"))
+        SetMessageBoxHelp({.module = arguments.Value("--help-file")});
     if (arguments.Has("--dont-ask") || arguments.values.contains("--dont-ask"))
         question.type |= MB_DONTASKAGAIN;
     else if (arguments.Has("--check"))
@@ -187,7 +187,7 @@ int RunAsk(std::vector<DString> const &words, int &argc, char **argv) {
     std::optional<Arguments> const arguments = ParseArguments(kSpec, words, error);
     if (!arguments)
         return UsageError(kSpec, error);
-    Question const question = QuestionOf(*arguments);
+    Question question = QuestionOf(*arguments);
     if (!question.fault.empty())
         return UsageError(kSpec, question.fault);
 
@@ -195,6 +195,9 @@ int RunAsk(std::vector<DString> const &words, int &argc, char **argv) {
     QApplication const application(argc, argv);
     AvoidTypewriter();
     ZelvarInit();
+    bool const wantsHelp = arguments->values.contains("--help-id") || arguments->values.contains("--help-file");
+    if (wantsHelp && HasMessageBoxHelp()) // a button that leads nowhere is none
+        question.type |= MB_HELP;
     Answerer answerer(*arguments, question.press, attended);
     answerer.Wait();
     DString const checkText = arguments->Value("--dont-ask");

@@ -184,6 +184,7 @@ std::vector<CommandSpec> const &AllCommands() {
                      {"--default", "N", "the button that Return presses, counted from 1"},
                      {"--dont-ask", "TEXT", "with a check box, and its text", Use::OptionalValue},
                      {"--help-id", "N", "the topic of help about the question"},
+                     {"--help-file", "FILE", "where that help is: its ending becomes .html"},
                      {"--press", "NAME", "press that button"},
                      {"--check", "", "set the check mark"},
                      kShot},

@@ -6,17 +6,20 @@
 #include "zelvar/controls/CZelToolBar.h"
 #include "zelvar/controls/CZelToolbarComboBoxButton.h"
 #include "zelvar/controls/DockState.h"
+#include "zelvar/controls/core/SplitPlaces.h"
 
 #include <QtGui/QIcon>
 #include <QtGui/QPainter>
 #include <QtTest/QTest>
 #include <QtWidgets/QAbstractButton>
 #include <QtWidgets/QApplication>
+#include <QtWidgets/QDialogButtonBox>
 #include <QtWidgets/QLayout>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QListWidget>
 #include <QtWidgets/QMainWindow>
 #include <QtWidgets/QMenu>
+#include <QtWidgets/QPushButton>
 #include <QtWidgets/QToolButton>
 
 #include <gtest/gtest.h>
@@ -130,6 +133,31 @@ TEST(CZelDockBar, AnotherWindowWithTheSameBarsGetsTheSameArrangement) {
     // The first one's own state brings nothing out of place.
     EXPECT_TRUE(first.Load(state));
     EXPECT_EQ(first.State(), state);
+}
+
+TEST(SplitPlaces, NumberStretchesAlongAndAcrossASideInTurn) {
+    // One above two, the right one of which is split again: whether the side is upright or not.
+    std::vector<Rect> const areas{{0, 0, 100, 40}, {0, 50, 40, 100}, {50, 50, 100, 70}, {50, 80, 100, 100}};
+    EXPECT_EQ(SplitPlaces(areas, true), (std::vector<SplitPlace>{{0}, {1, 0}, {1, 1, 0}, {1, 1, 1}}));
+    EXPECT_EQ(SplitPlaces(areas, false), (std::vector<SplitPlace>{{0, 0}, {0, 1, 0}, {0, 1, 1, 0}, {0, 1, 1, 1}}));
+    EXPECT_EQ(SplitPlaces({{0, 0, 9, 9}, {1, 1, 9, 9}}, true), (std::vector<SplitPlace>{{0, 0}, {0, 1}}));
+}
+
+TEST(CZelDockBar, BarsBesideOthersOfTheirSideKeepTheirPlaces) {
+    Frame first;
+    first.window.splitDockWidget(first.layers, first.channels, Qt::Horizontal);
+    first.window.splitDockWidget(first.channels, first.history, Qt::Vertical);
+    EXPECT_TRUE(first.log->AttachToTabWnd(*first.history));
+    QApplication::processEvents();
+    Frame second;
+    EXPECT_TRUE(second.Load(first.State()));
+    EXPECT_EQ(second.State(), first.State());
+    test::Shot(second.window, "bars-beside");
+    EXPECT_GT(second.channels->x(), second.layers->geometry().right());
+    EXPECT_EQ(second.channels->y(), second.layers->y());
+    EXPECT_EQ(second.log->x(), second.channels->x()) << "in front of its tabs";
+    EXPECT_GT(second.log->y(), second.channels->geometry().bottom());
+    EXPECT_GT(second.info->y(), second.layers->geometry().bottom());
 }
 
 TEST(CZelDockBar, AWindowThatIsShownLaterHasTheLoadedSizes) {
@@ -304,6 +332,31 @@ TEST(CZelToolBar, OneButtonOfAGroupIsDownAndTheOthersAreTheirOwn) {
     EXPECT_TRUE(bar.RemoveButton(kOpen));
     EXPECT_FALSE(bar.RemoveButton(kOpen));
     EXPECT_EQ(bar.CommandToIndex(kPan), 0);
+}
+
+TEST(CZelToolBar, ItsUserCustomizesIt) {
+    Buttons buttons;
+    CZelToolBar &bar = buttons.bar;
+    auto const customize = [&bar](QDialogButtonBox::StandardButton end, std::function<void(QListWidget &)> act) {
+        auto const done = test::OnNextDialog([end, act = std::move(act)](QWidget &dialog) {
+            act(*dialog.findChild<QListWidget *>());
+            test::Shot(dialog, "tool-bar-customize");
+            test::Click(dialog.findChild<QDialogButtonBox *>()->button(end));
+        });
+        EXPECT_EQ(bar.Customize(), end == QDialogButtonBox::Ok);
+        EXPECT_TRUE(*done);
+        return bar.GetItemID(0) * (bar.IsButtonShown(kPan) ? 1 : -1);
+    };
+    auto const hideFirst = [](QListWidget &list) {
+        list.setCurrentRow(1);
+        QTest::keyClick(&list, Qt::Key_Space);
+        test::Click(list.window()->findChildren<QPushButton *>().value(0)); // up
+    };
+    EXPECT_EQ(customize(QDialogButtonBox::Cancel, hideFirst), kOpen);
+    EXPECT_EQ(customize(QDialogButtonBox::Ok, hideFirst), -kPan);
+    EXPECT_EQ(customize(QDialogButtonBox::Ok,
+                        [](QListWidget &list) { test::Click(list.window()->findChildren<QPushButton *>().value(2)); }),
+              kOpen);
 }
 
 TEST(CZelToolBar, TabComesToOneButtonAndArrowsWalkOverThoseThatCanBePressed) {

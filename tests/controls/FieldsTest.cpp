@@ -221,16 +221,27 @@ TEST(ZelSliderCtrl, KeepsTheExactValueThoughTheThumbHasPositions) {
 
 TEST(ZelSliderCtrl, ADragFollowsTheMouseAndEndsOnce) {
     Slider play;
-    int const y = play.track->height() / 2;
-    auto const at = [&](int position) { return QPoint(play.track->CenterOf(position), y); };
-    QTest::mousePress(play.track, Qt::LeftButton, {}, at(0));
-    QMouseEvent move(QEvent::MouseMove, at(50), play.track->mapToGlobal(at(50)), Qt::NoButton, Qt::LeftButton, {});
-    QApplication::sendEvent(play.track, &move);
-    EXPECT_EQ(play.ends.count(), 0);
-    QTest::mouseRelease(play.track, Qt::LeftButton, {}, at(50));
-    EXPECT_NEAR(play.slider.GetPos(), 50, 1);
-    EXPECT_EQ(play.ends.count(), 1);
-    EXPECT_EQ(play.edit->GetValue(), play.slider.GetPos());
+    for (bool const upright : {false, true}) {
+        play.slider.SetOrientation(upright ? Qt::Vertical : Qt::Horizontal);
+        play.slider.resize(upright ? QSize(100, 300) : QSize(300, 30));
+        QApplication::processEvents();
+        play.slider.SetPos(0);
+        play.ends.clear();
+        auto const at = [&](int position) {
+            int const along = play.track->CenterOf(position);
+            return upright ? QPoint(play.track->width() / 3, along) : QPoint(along, play.track->height() / 2);
+        };
+        QTest::mousePress(play.track, Qt::LeftButton, {}, at(0));
+        QMouseEvent move(QEvent::MouseMove, at(50), play.track->mapToGlobal(at(50)), Qt::NoButton, Qt::LeftButton, {});
+        QApplication::sendEvent(play.track, &move);
+        EXPECT_EQ(play.ends.count(), 0);
+        QTest::mouseRelease(play.track, Qt::LeftButton, {}, at(50));
+        EXPECT_NEAR(play.slider.GetPos(), 50, 1);
+        EXPECT_EQ(play.ends.count(), 1);
+        EXPECT_EQ(play.edit->GetValue(), play.slider.GetPos());
+        EXPECT_EQ(upright, play.track->CenterOf(100) < play.track->CenterOf(0) && play.edit->y() > play.track->y());
+        test::Shot(play.slider, upright ? "slider-upright" : "slider");
+    }
 }
 
 TEST(ZelSliderCtrl, ATypedValueMovesTheThumbAndSnapsOnLeaving) {

@@ -24,7 +24,7 @@ TEST(PropRule, TakesWhatItsKindMeansAndNothingElse) {
     PropRule const money = PropRule::Real(-1e9, 1e9, 2);
     PropRule const choice = PropRule::Choice({"none", "LZW", "lzw"});
     struct Case {
-        PropRule const &rule;
+        PropRule rule;
         char const *entry;
         char const *value; ///< null: not taken
     };
@@ -47,11 +47,15 @@ TEST(PropRule, TakesWhatItsKindMeansAndNothingElse) {
         {real, "2.50", "2.5"},
         {real, "2.5000001", nullptr},
         {real, "1e-1", "0.1"},
-        {real, "1,5", nullptr},
+        {real, "1,5", "1.5"},
+        {real, "1,5,", nullptr},
         {real, "nan", nullptr},
         {real, "inf", nullptr},
         {real, "1 2", nullptr},
         {money, "3", "3.00"},
+        {PropRule::Real(-2.55, 2.55, 1), "2.55", "2.5"},
+        {PropRule::Real(-2.55, 2.55, 1), "-2.55", "-2.5"},
+        {PropRule::Real(0.26, 0.29, 1), "0.27", "0.27"},
         {yes, "Yes", "true"},
         {yes, "OFF", "false"},
         {yes, "maybe", nullptr},
@@ -247,6 +251,33 @@ TEST(CZelPropList, TheButtonOfAPathAsksTheHookAndThatOfAColourADialog) {
     EXPECT_TRUE(*refused);
     EXPECT_NE(layer.OpenEditor(), nullptr) << "the user may go on typing";
     EXPECT_EQ(layer.list.changes, 2);
+
+    auto doomed = std::make_unique<Layer>();
+    auto const orphaned = test::OnNextDialog([&](QWidget &) { doomed.reset(); });
+    doomed->list.BeginEdit(*doomed->tint);
+    test::Click(doomed->OpenEditor<QToolButton>());
+    EXPECT_TRUE(*orphaned);
+}
+
+TEST(CZelPropList, TypingOnARowAndAClickOnTheCurrentValueBeginAnEdit) {
+    Layer layer;
+    QTreeWidget &tree = layer.list.Tree();
+    layer.list.SetCurSel(layer.opacity);
+    for (char const key : {'-', '4'}) {
+        QTest::keyClick(&tree, key);
+        ASSERT_NE(layer.OpenEditor(), nullptr) << key;
+        EXPECT_EQ(layer.OpenEditor()->text(), QChar(key)) << "instead of what was there";
+        QTest::keyClick(layer.OpenEditor(), key == '4' ? Qt::Key_Return : Qt::Key_Escape);
+    }
+    EXPECT_EQ(layer.opacity->GetInt(), 4);
+    QPoint const row = tree.visualItemRect(layer.title).center();
+    QPoint const value(tree.columnViewportPosition(1) + 10, row.y());
+    QTest::mouseClick(tree.viewport(), Qt::LeftButton, {}, {5, row.y()});
+    QTest::mouseClick(tree.viewport(), Qt::LeftButton, {}, value);
+    EXPECT_TRUE(test::Eventually([&] { return layer.OpenEditor() != nullptr; }));
+    layer.list.SetCurSel(layer.visible);
+    QTest::keyClick(&tree, Qt::Key_R);
+    EXPECT_EQ(layer.list.GetCurSel(), layer.resampling) << "a value that is not typed leaves the key to the search";
 }
 
 TEST(CZelPropList, AListMayBeEmptiedByWhomItTellsOfAChange) {
@@ -331,8 +362,11 @@ TEST(CZelPropList, AlphabeticOrderDissolvesTheGroupsAndGivesThemBack) {
     EXPECT_FALSE(layer.title->isHidden());
     layer.list.SetAlphabeticMode(false);
     EXPECT_EQ(names(), "Image Look ");
-    EXPECT_FALSE(layer.list.GetProperty(0)->isExpanded());
-    EXPECT_TRUE(layer.list.GetProperty(1)->isExpanded());
+    EXPECT_TRUE(layer.list.GetProperty(0)->isExpanded()) << "it holds what is looked for";
+    layer.list.SetFilter("");
+    EXPECT_FALSE(layer.list.GetProperty(0)->isExpanded()) << "as it was";
+    layer.list.SetFilter("TL");
+    EXPECT_TRUE(layer.list.GetProperty(0)->isExpanded());
     EXPECT_TRUE(layer.list.GetProperty(1)->isFirstColumnSpanned());
     EXPECT_TRUE(layer.visible->isHidden()) << "the filter goes on";
     EXPECT_EQ(layer.list.GetProperty(0)->childCount(), 3);

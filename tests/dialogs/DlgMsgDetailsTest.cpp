@@ -27,7 +27,7 @@ TEST(MessageWithDetails, ItOpensCollapsedAndGrowsOnceForGood) {
     int const full = platform::MapDialogRect(dialog, {0, 0, 0, 170}).bottom;
     int const edit = TextField(dialog, 6005).height();
     int const text = TextField(dialog, 6007).height();
-    auto const done = test::OnNextDialog([&](QWidget &window) {
+    auto const look = [&](QWidget &window) {
         EXPECT_EQ(window.windowTitle(), "Import");
         int const width = window.width();
         QPoint const place = window.pos();
@@ -42,9 +42,12 @@ TEST(MessageWithDetails, ItOpensCollapsedAndGrowsOnceForGood) {
         EXPECT_TRUE(TextField(window, 6005).isVisible());
         test::Shot(window, "message-details");
         test::Click(GetDlgItem<QPushButton>(window, 1));
-    });
-    EXPECT_EQ(dialog.DoModal(), 1);
-    EXPECT_TRUE(*done);
+    };
+    for (int time = 0; time < 2; ++time) { // each time anew
+        auto const done = test::OnNextDialog(look);
+        EXPECT_EQ(dialog.DoModal(), 1);
+        EXPECT_TRUE(*done);
+    }
 }
 
 TEST(MessageWithDetails, EscapeIsNoOk) {

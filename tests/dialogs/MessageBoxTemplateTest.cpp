@@ -130,6 +130,20 @@ TEST(FitMessageBox, TakesFromTheTextWhatTheScreenHasNotGot) {
     EXPECT_EQ(FitMessageBox(controls, {208, 1057}, {.most = {800, 50}}).cy, 97); // a few lines are always seen
 }
 
+TEST(FitMessageBox, WidensButtonsToTheirTextsAndTheRowToBothSides) {
+    std::vector<PlacedControl> controls{{kMessageBoxText, {16, 16, 300, 36}},
+                                        {2, {100, 44, 170, 67}, 90},
+                                        {kMessageBoxHelp, {176, 44, 246, 67}, 50},
+                                        {kMessageBoxCheck, {17, 79, 137, 95}}};
+    EXPECT_EQ(FitMessageBox(controls, {308, 103}, {.most = {800, 600}}), (Size{308, 103}));
+    EXPECT_EQ(controls[1].place, (Rect{90, 44, 180, 67}));
+    EXPECT_EQ(controls[2].place, (Rect{186, 44, 256, 67}));
+    controls[1].needed = 400; // no further to the left than the text
+    EXPECT_EQ(FitMessageBox(controls, {308, 103}, {.most = {800, 600}}), (Size{500, 103}));
+    EXPECT_EQ(controls[1].place, (Rect{16, 44, 416, 67}));
+    EXPECT_EQ(controls[3].place, (Rect{17, 79, 137, 95}));
+}
+
 TEST(FitMessageBox, GivesTheButtonsMoreRowsOnANarrowScreen) {
     std::vector<PlacedControl> controls{{kMessageBoxText, {16, 16, 300, 36}},
                                         {2, {16, 44, 116, 67}},

@@ -9,6 +9,7 @@
 #include <QtGui/QClipboard>
 #include <QtGui/QDesktopServices>
 #include <QtGui/QScreen>
+#include <QtGui/QTextBlock>
 #include <QtTest/QTest>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QCheckBox>
@@ -201,7 +202,9 @@ TEST(XMessageBox, HelpOpensTheFileOfTheModuleAndStaysOpen) {
     SetMessageBoxHelp({.module = folder / "v.exe"});
     help(7);
     EXPECT_TRUE(viewer.source().isEmpty());
+    EXPECT_FALSE(HasMessageBoxHelp());
     folder.Write("v.html", "<p>Help</p>");
+    EXPECT_TRUE(HasMessageBoxHelp());
     help(7);
     EXPECT_EQ(viewer.source(), QUrl("file://" + QString::fromStdString(folder / "v.html") + "#7"));
     QDesktopServices::unsetUrlHandler("file");
@@ -223,6 +226,33 @@ TEST(XMessageBox, CopiesWhatIsSelectedOrAll) {
             Key(Qt::Key_Y);
         },
         "<b>Is it?</b>");
+}
+
+TEST(XMessageBox, CutsNoLineButtonOrCheckText) {
+    QFont const former = QApplication::font();
+    QFont font(QStringLiteral("Liberation Sans"));
+    font.setPixelSize(15); // whose lines have a leading
+    QApplication::setFont(font);
+    std::string lines = "The first line";
+    for (int i = 2; i <= 26; ++i)
+        lines += "\nline " + std::to_string(i);
+    std::string const check = "Do not ask me " + std::string(300, 'x') + " again";
+    auto const done = test::OnNextDialog([](QWidget &box) {
+        QPlainTextEdit &text = TextOf(box);
+        EXPECT_EQ(text.verticalScrollBar()->maximum(), 0);
+        EXPECT_LE(text.cursorRect(QTextCursor(text.document()->lastBlock())).bottom(), text.viewport()->height());
+        for (QPushButton const *button : box.findChildren<QPushButton *>())
+            EXPECT_GE(button->width(), button->fontMetrics().horizontalAdvance(button->text()) + 6);
+        auto const &mark = *GetDlgItem<QCheckBox>(box, kCheck);
+        EXPECT_TRUE(box.rect().contains(mark.geometry()));
+        EXPECT_GE(mark.width(), mark.sizeHint().width());
+        EXPECT_GE(mark.height(), mark.sizeHint().height());
+        test::Shot(box, "box-whole");
+        Key(Qt::Key_Escape);
+    });
+    XMessageBox(nullptr, lines.c_str(), "Copy", MB_FILEEXISTS | MB_DONTASKAGAIN, check.c_str());
+    EXPECT_TRUE(*done);
+    QApplication::setFont(former);
 }
 
 TEST(XMessageBox, ALongTextWrapsAndScrollsWithTheButtonsInSight) {

@@ -63,15 +63,19 @@ TEST(RoundRectGradient, DrawsABorderOnlyIfItHasAWidth) {
     EXPECT_EQ(image.pixel(60, 10), qRgb(0, 0, 255));
     EXPECT_EQ(image.pixel(60, 50), qRgb(0, 0, 255)); // below, the outline lies on the edge itself
     EXPECT_EQ(image.pixel(60, 30), qRgb(255, 255, 0));
+    for (int x = 20; x < 100; ++x) // without a notch anywhere
+        ASSERT_EQ(image.pixel(x, 10), qRgb(0, 0, 255)) << x;
 }
 
-TEST(RoundRectGradient, AnEmptyRectangleAndNoRadiusDoNoHarm) {
+TEST(RoundRectGradient, AnEmptyRectangleDrawsNothingAndNoRadiusAllOfIt) {
     QImage image = Paper(30, 30);
     QPainter painter(&image);
     RoundRectGradient(&painter, {10, 10, 11, 20}, 3, 0, 0, true, 2, 0);
     EXPECT_TRUE(InkOf(image).isEmpty());
     RoundRectGradient(&painter, {10, 10, 21, 20}, 0, 0, 0, true, 0, 0);
     EXPECT_EQ(InkOf(image), QRect(10, 10, 10, 10));
+    for (QPoint const corner : {QPoint(10, 10), QPoint(19, 10), QPoint(19, 19), QPoint(10, 19)})
+        EXPECT_EQ(image.pixel(corner), qRgb(0, 0, 0));
 }
 
 CnfgLdr::TextBlock Block(DString text, int size = 40) {

@@ -1,6 +1,7 @@
 #include "zelvar/gallery/Gallery.h"
 
 #include "support/GuiTest.h"
+#include "zelvar/controls/HyperLink.h"
 
 #include <QtGui/QAccessible>
 #include <QtTest/QTest>
@@ -8,10 +9,13 @@
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QListWidget>
+#include <QtWidgets/QMenu>
+#include <QtWidgets/QPushButton>
 #include <QtWidgets/QStackedWidget>
 
 #include <gtest/gtest.h>
 
+#include <random>
 #include <set>
 
 namespace zelvar::gallery {
@@ -81,6 +85,66 @@ TEST_P(GalleryPage, IsReachedByTheKeyboardAndEachControlHasAName) {
     }
     for (QWidget const *widget : missed)
         ADD_FAILURE() << widget->metaObject()->className() << " is not reached";
+}
+
+/// Closes what opens over a page: dialogs and menus, by a button where they cannot be cancelled.
+class Closer : public QObject {
+public:
+    Closer() { qApp->installEventFilter(this); }
+    bool eventFilter(QObject *watched, QEvent *event) override {
+        auto *const window = qobject_cast<QWidget *>(watched);
+        if (event->type() == QEvent::Show && window != nullptr && (window->isModal() || qobject_cast<QMenu *>(window)))
+            QMetaObject::invokeMethod(
+                window, [window] { Close(*window); }, Qt::QueuedConnection);
+        return false;
+    }
+
+private:
+    static void Close(QWidget &window) {
+        auto const *const dialog = qobject_cast<QDialog *>(&window);
+        if (!window.close() && dialog != nullptr && dialog->isVisible())
+            dialog->findChild<QPushButton *>()->click();
+    }
+};
+
+TEST_P(GalleryPage, ComesToRestWhateverIsPressedDraggedTypedAndSized) {
+    Closer const closer;
+    HyperLink::SetOpener([](QUrl const &) { return true; });
+    for (unsigned const seed : {1U, 2U, 3U}) {
+        SCOPED_TRACE(testing::Message() << "seed " << seed);
+        std::mt19937 random(seed);
+        auto const below = [&random](int limit) { return static_cast<int>(random() % unsigned(std::max(1, limit))); };
+        for (int step = 0; step < 100; ++step) {
+            QList<QWidget *> reachable = Shown().findChildren<QWidget *>();
+            reachable.removeIf([](QWidget const *widget) { return !widget->isVisible() || !widget->isEnabled(); });
+            QPointer<QWidget> const widget = reachable.isEmpty() ? &Shown() : reachable[below(int(reachable.size()))];
+            auto const place = [&] { return QPoint(below(widget->width()), below(widget->height())); };
+            constexpr Qt::Key keys[] = {Qt::Key_Tab,  Qt::Key_Return, Qt::Key_Escape, Qt::Key_Left, Qt::Key_Right,
+                                        Qt::Key_Up,   Qt::Key_Down,   Qt::Key_F2,     Qt::Key_End,  Qt::Key_Delete,
+                                        Qt::Key_Home, Qt::Key_PageUp, Qt::Key_Space,  Qt::Key_F4,   Qt::Key_5};
+            switch (below(4)) {
+            case 0:
+                m_gallery.resize(m_gallery.minimumSizeHint() + QSize(below(700), below(500)));
+                break;
+            case 1:
+                QTest::mouseClick(widget, Qt::LeftButton, {}, place());
+                break;
+            case 2:
+                QTest::mousePress(widget, Qt::LeftButton, {}, place());
+                for (int moves = 0; moves < 3 && !widget.isNull(); ++moves)
+                    QTest::mouseMove(widget, place() * 3 - QPoint(widget->width(), widget->height()));
+                if (!widget.isNull())
+                    QTest::mouseRelease(widget, Qt::LeftButton, {}, place());
+                break;
+            default:
+                if (QWidget *const focus = QApplication::focusWidget())
+                    QTest::keyClick(focus, keys[below(std::size(keys))]);
+            }
+            QCoreApplication::processEvents(); // which does not end while bars come and go
+        }
+        EXPECT_TRUE(m_gallery.isVisible());
+    }
+    HyperLink::SetOpener({});
 }
 
 INSTANTIATE_TEST_SUITE_P(All, GalleryPage, testing::ValuesIn(Pages()), PageTitle);

@@ -6,9 +6,12 @@
 #include "zelvar/layout/cdxCSizeIconCtrl.h"
 
 #include <QtGui/QScreen>
+#include <QtGui/QWheelEvent>
 #include <QtTest/QTest>
 #include <QtWidgets/QApplication>
+#include <QtWidgets/QLabel>
 #include <QtWidgets/QPushButton>
+#include <QtWidgets/QScrollBar>
 
 #include <gtest/gtest.h>
 
@@ -18,16 +21,9 @@ namespace {
 using platform::ControlKind;
 
 constexpr platform::DialogItem kItems[] = {
-    {.id = 1,
-     .kind = ControlKind::DefaultButton,
-     .text = "OK",
-     .x = 10,
-     .y = 60,
-     .w = 50,
-     .h = 14,
-     .move = {100, 100, 100, 100}},
-    {.id = 2, .kind = ControlKind::Button, .text = "Cancel", .x = 70, .y = 60, .w = 50, .h = 14},
-    {.id = 3, .kind = ControlKind::List, .text = "", .x = 10, .y = 10, .w = 110, .h = 40, .move = {0, 0, 100, 100}},
+    {1, ControlKind::DefaultButton, "OK", 10, 60, 50, 14, {100, 100, 100, 100}},
+    {2, ControlKind::Button, "Cancel", 70, 60, 50, 14},
+    {3, ControlKind::List, "", 10, 10, 110, 40, {0, 0, 100, 100}},
 };
 constexpr platform::DialogTemplate kTemplate{
     .id = 6104, .caption = "Test", .width = 130, .height = 80, .items = kItems};
@@ -36,13 +32,14 @@ constexpr char const *kSection = "WindowPositions\\ID=0x000017d8";
 std::vector<DString> StoredSections() { return SettingsStore::Instance().Children("Profile\\Zelvar\\WindowPositions"); }
 
 void Store(Rect const &rect, int visibility = 0, int state = -1, int valid = 1) {
-    Profile::WriteInt(kSection, "Left", rect.left);
-    Profile::WriteInt(kSection, "Top", rect.top);
-    Profile::WriteInt(kSection, "Right", rect.right);
-    Profile::WriteInt(kSection, "Bottom", rect.bottom);
-    Profile::WriteInt(kSection, "Visibility", visibility);
-    Profile::WriteInt(kSection, "State", state);
-    Profile::WriteInt(kSection, "(valid)", valid);
+    for (auto const &[name, value] : {std::pair("Left", rect.left),
+                                      {"Top", rect.top},
+                                      {"Right", rect.right},
+                                      {"Bottom", rect.bottom},
+                                      {"Visibility", visibility},
+                                      {"State", state},
+                                      {"(valid)", valid}})
+        Profile::WriteInt(kSection, name, value);
 }
 
 class DynamicDialogTest : public testing::Test {
@@ -181,9 +178,13 @@ TEST_F(DynamicDialogTest, StoresNothingWithoutKeyOrApplicationKey) {
 
 TEST_F(DynamicDialogTest, RunsModallyEndsByItsButtonsAndCanRunAgain) {
     TestDialog dialog(kTemplate);
+    QLabel older(&dialog); // is no control of a showing
+    dialog.Disable();
     auto const run = [&](int button) {
-        auto const seen = test::OnNextDialog([button](QWidget &shown) {
+        auto const seen = test::OnNextDialog([&, button](QWidget &shown) {
             EXPECT_TRUE(shown.isModal());
+            EXPECT_EQ(dialog.IsDisabled(), dialog.initialised == 1) << "what was disabled before stays so";
+            EXPECT_EQ(shown.findChildren<QPushButton *>().size(), 3);
             test::Click(platform::GetDlgItem(shown, button));
         });
         int const result = dialog.DoModal();
@@ -192,9 +193,9 @@ TEST_F(DynamicDialogTest, RunsModallyEndsByItsButtonsAndCanRunAgain) {
     };
     EXPECT_EQ(run(1), 1);
     EXPECT_EQ(Profile::GetInt(kSection, "(valid)", 0), 1);
-    delete platform::GetDlgItem(dialog, 50); // made by the derived class, which makes it anew
     EXPECT_EQ(run(2), 0);
     EXPECT_EQ(dialog.initialised, 2);
+    EXPECT_EQ(older.parentWidget(), &dialog);
 }
 
 TEST_F(DynamicDialogTest, WithoutFreedomTheSizeStays) {
@@ -210,7 +211,7 @@ TEST_F(DynamicDialogTest, WithoutFreedomTheSizeStays) {
 }
 
 TEST_F(DynamicDialogTest, AChildDialogFillsItsPlaceInTheParent) {
-    QWidget parent;
+    QDialog parent;
     parent.resize(300, 300);
     cdxCDynamicChildDlg child(kTemplate, &parent);
     parent.show();
@@ -220,7 +221,50 @@ TEST_F(DynamicDialogTest, AChildDialogFillsItsPlaceInTheParent) {
     child.resize(child.width() + 40, child.height() + 30);
     EXPECT_EQ(platform::GetDlgItem(child, 3)->geometry(), list.adjusted(0, 0, 40, 30));
     child.resize(child.width() - 100, child.height() - 30);
-    EXPECT_EQ(platform::GetDlgItem(child, 3)->geometry(), list); // below its first width it would scroll
+    EXPECT_EQ(platform::GetDlgItem(child, 3)->geometry(), list); // below its first width it scrolls
+    QTest::keyClick(platform::GetDlgItem(child, 3), Qt::Key_Escape);
+    EXPECT_FALSE(parent.isVisible());
+    EXPECT_FALSE(child.isHidden()) << "the key was its parent's";
+    child.accept();
+    EXPECT_FALSE(child.isHidden());
+    EXPECT_EQ(child.result(), QDialog::Accepted);
+}
+
+TEST_F(DynamicDialogTest, AChildThatIsTooSmallHasScrollBarsToReachAllOfIt) {
+    QWidget parent;
+    parent.resize(300, 300);
+    cdxCDynamicChildDlg child(kTemplate, &parent);
+    child.resize(120, 70); // before it comes up: its place decides
+    parent.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&parent));
+    EXPECT_EQ(child.size(), QSize(120, 70));
+    auto const bars = child.findChildren<QScrollBar *>(QString(), Qt::FindDirectChildrenOnly);
+    ASSERT_EQ(bars.size(), 2);
+    QScrollBar &across = bars[0]->orientation() == Qt::Horizontal ? *bars[0] : *bars[1];
+    QScrollBar &down = bars[0]->orientation() == Qt::Horizontal ? *bars[1] : *bars[0];
+    QRect const seen(0, 0, down.x(), across.y());
+    QWidget const &list = *platform::GetDlgItem(child, 3);
+    QWidget &cancel = *platform::GetDlgItem(child, 2); // is not registered, and scrolls all the same
+    QPoint const apart = cancel.pos() - list.pos();
+    EXPECT_FALSE(seen.contains(cancel.geometry()));
+    across.setValue(across.maximum());
+    down.setValue(down.maximum());
+    EXPECT_TRUE(seen.contains(cancel.geometry()));
+    EXPECT_EQ(cancel.pos() - list.pos(), apart);
+    test::Shot(parent, "child-scrolled");
+    platform::GetDlgItem(child, 3)->setFocus(); // what gets the keyboard comes into view
+    EXPECT_TRUE(seen.contains(list.pos()));
+    cancel.setFocus();
+    EXPECT_TRUE(seen.contains(cancel.geometry()));
+    QWheelEvent wheel(QPointF(5, 5), child.mapToGlobal(QPointF(5, 5)), {}, {0, 240}, Qt::NoButton, {},
+                      Qt::NoScrollPhase, false);
+    int const before = down.value();
+    QApplication::sendEvent(&child, &wheel);
+    EXPECT_LT(down.value(), before);
+    child.resize(300, 300);
+    EXPECT_TRUE(across.isHidden() && down.isHidden());
+    EXPECT_EQ(cancel.pos() - list.pos(), apart);
+    EXPECT_GT(list.x(), 0);
 }
 
 } // namespace

@@ -70,6 +70,13 @@ protected:
         engine.DoOnSize(0, width, height);
     }
 
+    /// What is registered for a child that must be.
+    [[nodiscard]] cdxCDynamicWnd::Position PositionOf(int child) const {
+        cdxCDynamicWnd::Position position;
+        EXPECT_TRUE(engine.GetControlPosition(children[static_cast<std::size_t>(child)], position));
+        return position;
+    }
+
     QWidget window;
     std::vector<QPushButton *> children;
     Engine engine;
@@ -142,20 +149,15 @@ TEST_F(DynamicWndTest, LikeAnotherTakesItsPlaceAndMovesWhateverTheArgumentSays) 
     Resize(450, 340);
     EXPECT_TRUE(engine.AddSzControl(2, children[0], false));
     EXPECT_EQ(children[1]->geometry(), children[0]->geometry());
-    cdxCDynamicWnd::Position position;
-    ASSERT_TRUE(engine.GetControlPosition(children[1], position));
-    EXPECT_EQ(position, (LayoutPosition{10, 10, 90, 30, 100, 100, 100, 100, 0, 0}));
+    EXPECT_EQ(PositionOf(1), (LayoutPosition{10, 10, 90, 30, 100, 100, 100, 100, 0, 0}));
 }
 
 TEST_F(DynamicWndTest, OneAxisFormsLeaveTheOther) {
     engine.DoInitWindow(window);
     engine.AddSzXControl(1, 20, 40);
     engine.AddSzYControl(children[1], cdxCDynamicWnd::ModeMove, {30, 40});
-    cdxCDynamicWnd::Position position;
-    ASSERT_TRUE(engine.GetControlPosition(children[0], position));
-    EXPECT_EQ(position, (LayoutPosition{10, 10, 90, 30, 20, 0, 40, 0, 0, 0}));
-    ASSERT_TRUE(engine.GetControlPosition(children[1], position));
-    EXPECT_EQ(position, (LayoutPosition{110, 10, 190, 30, 0, 100, 0, 100, 30, 40}));
+    EXPECT_EQ(PositionOf(0), (LayoutPosition{10, 10, 90, 30, 20, 0, 40, 0, 0, 0}));
+    EXPECT_EQ(PositionOf(1), (LayoutPosition{110, 10, 190, 30, 0, 100, 0, 100, 30, 40}));
 }
 
 TEST_F(DynamicWndTest, AllControlsSparesTheRegisteredUnlessTold) {
@@ -184,13 +186,9 @@ TEST_F(DynamicWndTest, ARemovedChildGoesBackWhenTold) {
 TEST_F(DynamicWndTest, TheClassTableRegistersPercentagesModesAndTheRest) {
     engine.table = {{1, 1, {10, 20, 30, 40}}, {2, 2, {1, 2, 0, 0}}, {1, 77, {1, 1, 1, 1}}, {1, 0, {5, 5, 5, 5}}, {}};
     engine.DoInitWindow(window);
-    cdxCDynamicWnd::Position position;
-    ASSERT_TRUE(engine.GetControlPosition(children[0], position));
-    EXPECT_EQ(position, (LayoutPosition{10, 10, 90, 30, 10, 20, 30, 40, 0, 0}));
-    ASSERT_TRUE(engine.GetControlPosition(children[1], position));
-    EXPECT_EQ(position, (LayoutPosition{110, 10, 190, 30, 0, 100, 100, 100, 0, 0}));
-    ASSERT_TRUE(engine.GetControlPosition(children[2], position));
-    EXPECT_EQ(position.x1, 5);
+    EXPECT_EQ(PositionOf(0), (LayoutPosition{10, 10, 90, 30, 10, 20, 30, 40, 0, 0}));
+    EXPECT_EQ(PositionOf(1), (LayoutPosition{110, 10, 190, 30, 0, 100, 100, 100, 0, 0}));
+    EXPECT_EQ(PositionOf(2).x1, 5);
     EXPECT_EQ(engine.GetCtrlCount(), 3U);
 }
 

@@ -6,6 +6,7 @@
 #include <QtTest/QTest>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
+#include <QtWidgets/QPlainTextEdit>
 
 #include <gtest/gtest.h>
 
@@ -56,6 +57,19 @@ TEST(Splitter, PanesStandInsideAOnePixelBorderThreePixelsApart) {
     EXPECT_EQ(splitter->GetPane(0, 0)->geometry(), QRect(1, 1, 98, 98));
     EXPECT_EQ(splitter->GetPane(0, 1)->geometry(), QRect(104, 1, 198, 98));
     EXPECT_EQ(platform::GetDlgCtrlID(*splitter->GetPane(0, 1)), static_cast<int>(DSplitterWnd::IdFromRowCol(0, 1)));
+}
+
+TEST(Splitter, ATextTooNarrowForItsScrollBarHasNone) {
+    constexpr PaneClass text{"QPlainTextEdit", []() -> QWidget * { return new QPlainTextEdit("Some words"); }};
+    auto const splitter = Columns(2);
+    splitter->DeleteView(0, 0);
+    splitter->CreateView(0, 0, &text, {100, 100});
+    auto const &pane = dynamic_cast<QPlainTextEdit &>(*splitter->GetPane(0, 0));
+    for (int const width : {100, 14, 100}) { // where the bar would come and go for ever
+        splitter->SetColumnInfo(0, width, 10);
+        splitter->RecalcLayout();
+        EXPECT_EQ(pane.verticalScrollBarPolicy(), width == 14 ? Qt::ScrollBarAlwaysOff : Qt::ScrollBarAsNeeded);
+    }
 }
 
 TEST(Splitter, ABarFollowsTheMouseAndKeepsTheMinimaOnBothSides) {

@@ -134,6 +134,29 @@ bool IsButton(PlacedControl const &control) {
     return control.id != kMessageBoxIcon && control.id != kMessageBoxText && control.id != kMessageBoxCheck;
 }
 
+/// Gives each button the width of its text. The row grows to both sides, as far as the left edge has room.
+void WidenButtons(std::vector<PlacedControl> &controls, Distance px) {
+    int grown = 0;
+    for (PlacedControl &control : controls) {
+        if (!IsButton(control))
+            continue;
+        int const width = std::max(control.place.Width(), control.needed);
+        int const left = control.place.left + grown;
+        grown += width - control.place.Width();
+        control.place.left = left;
+        control.place.right = left + width;
+    }
+    auto const first = std::find_if(controls.begin(), controls.end(), IsButton);
+    if (grown == 0 || first == controls.end())
+        return;
+    int const back = std::min(grown / 2, std::max(0, first->place.left - px(16)));
+    for (PlacedControl &control : controls)
+        if (IsButton(control)) {
+            control.place.left -= back;
+            control.place.right -= back;
+        }
+}
+
 /// Moves what begins at `top` or below it.
 void MoveBelow(std::vector<PlacedControl> &controls, int top, int by) {
     for (PlacedControl &control : controls)
@@ -186,6 +209,7 @@ MessageBoxState BuildMessageBox(CDialogTmpl &dialogTemplate, MessageBoxRequest c
 
 Size FitMessageBox(std::vector<PlacedControl> &controls, Size dialog, MessageBoxRoom const &room) {
     Distance const px(room.font);
+    WidenButtons(controls, px);
     for (PlacedControl const &control : controls)
         dialog.cx = std::max(dialog.cx, control.place.right + px(8));
     if (dialog.cx > room.most.cx) {

@@ -55,6 +55,7 @@ ZELVAR_API MessageBoxState BuildMessageBox(CDialogTmpl &dialogTemplate, MessageB
 struct PlacedControl {
     int id = 0;
     Rect place{};
+    int needed = 0; ///< width that its text takes; less than its place for most
 };
 /// What the screen has for a message box, pixels.
 struct MessageBoxRoom {
@@ -62,8 +63,9 @@ struct MessageBoxRoom {
     int font = 12;     ///< as in `MessageBoxMetrics`
     int scrollBar = 0; ///< width of one
 };
-/// Makes the client area wide enough for all controls; where the screen is not, the buttons get more rows. The text
-/// becomes so low that all the rest is seen: it has to scroll, and what stands below it moves up. The size to be shown.
+/// Makes buttons wide enough for their texts and the client area for all controls; where the screen is not, the buttons
+/// get more rows. The text becomes so low that all the rest is seen: it has to scroll, and what stands below it moves
+/// up. The size to be shown.
 [[nodiscard]] ZELVAR_API Size FitMessageBox(std::vector<PlacedControl> &controls, Size dialog,
                                             MessageBoxRoom const &room);
 

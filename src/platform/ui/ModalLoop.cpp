@@ -38,10 +38,32 @@ private:
     QPointer<QWidget> m_widget;
 };
 
+/// Ends a window that runs when its parent dies, and takes it away from it first: who runs it owns it, on the stack as
+/// often as not, and deletes it.
+class ParentWatch {
+public:
+    template <class End>
+    ParentWatch(QWidget &window, End end) {
+        // Told before a window deletes its children.
+        if (QWidget const *const parent = window.parentWidget())
+            m_connection = QObject::connect(parent, &QObject::destroyed, &window, [&window, end] {
+                end(); // while it is visible: a hidden dialog does not leave its loop any more
+                window.setParent(nullptr, window.windowFlags());
+            });
+    }
+    ParentWatch(ParentWatch const &) = delete;
+    ParentWatch &operator=(ParentWatch const &) = delete;
+    ~ParentWatch() { QObject::disconnect(m_connection); }
+
+private:
+    QMetaObject::Connection m_connection;
+};
+
 } // namespace
 
 int RunModal(QDialog &dialog) {
     FocusKeeper const focus;
+    ParentWatch const parent(dialog, [&dialog] { dialog.done(QDialog::Rejected); });
     StandOverMainWindow(dialog);
     WakeDispatcher();
     return dialog.exec();
@@ -49,6 +71,7 @@ int RunModal(QDialog &dialog) {
 
 QAction *RunMenu(QMenu &menu, QPoint const &screenPoint) {
     FocusKeeper const focus;
+    ParentWatch const parent(menu, [&menu] { menu.close(); });
     WakeDispatcher();
     return menu.exec(screenPoint);
 }

@@ -15,6 +15,9 @@ namespace zelvar::platform {
 // A loop that is entered from the handler of a posted message would not see the messages already queued behind it until
 // something else wakes the dispatcher; and not every window system gives the focus back to where it was. Both are seen
 // to: the dispatcher is woken first, the window and the widget that had the focus get it again.
+//
+// A dialog or menu whose parent dies meanwhile ends as if it were cancelled and belongs to its caller alone from then
+// on, who looks whether the rest of the world is still there.
 
 /// `QDialog::exec`. The dialog is not deleted. A dialog that dies while it runs yields `QDialog::Rejected`.
 ZELVAR_API int RunModal(QDialog &dialog);

@@ -8,6 +8,7 @@
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QDialog>
 #include <QtWidgets/QLineEdit>
+#include <QtWidgets/QMenu>
 #include <QtWidgets/QMessageBox>
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QVBoxLayout>
@@ -46,16 +47,31 @@ TEST(ModalLoop, TheFocusIsBackWhereItWasWhenTheDialogCloses) {
     EXPECT_EQ(QApplication::activeWindow(), &fields.window);
 }
 
-TEST(ModalLoop, AFocusWidgetThatDiedMeanwhileIsForgotten) {
-    QWidget window;
-    auto *const doomed = new QLineEdit(&window);
-    window.show();
-    EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
-    doomed->setFocus();
-    auto const seen = test::OnNextDialog([doomed](QWidget &) { delete doomed; });
-    QDialog dialog(&window);
-    EXPECT_EQ(RunModal(dialog), QDialog::Rejected);
-    EXPECT_TRUE(*seen);
+TEST(ModalLoop, ADialogOutlivesTheFocusWidgetAndItsParent) {
+    for (bool const whole : {false, true}) {
+        QPointer<QWidget> const window(new QWidget);
+        auto *const field = new QLineEdit(window);
+        window->show();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(window));
+        field->setFocus();
+        auto const seen = test::OnNextDialog([&](QWidget &) { delete (whole ? window.data() : field); });
+        auto dialog = std::make_unique<QDialog>(window);
+        EXPECT_EQ(RunModal(*dialog), QDialog::Rejected);
+        EXPECT_TRUE(*seen);
+        EXPECT_EQ(dialog->parentWidget(), window);
+        dialog.reset();
+        delete window;
+    }
+}
+
+TEST(ModalLoop, AMenuOnTheStackOutlivesItsParent) {
+    auto *const window = new QWidget;
+    window->show();
+    QMenu menu(window);
+    menu.addAction(QStringLiteral("Copy"));
+    QObject::connect(&menu, &QMenu::aboutToShow, window, &QObject::deleteLater, Qt::QueuedConnection);
+    EXPECT_EQ(RunMenu(menu, {}), nullptr);
+    EXPECT_EQ(menu.parentWidget(), nullptr);
 }
 
 class Poster : public QObject {
@@ -94,12 +110,15 @@ TEST(ModalLoop, AMessageQueuedBehindTheOneThatOpensADialogIsDeliveredInIt) {
 TEST(UserMessages, AWarningFromAnyThreadBecomesABox) {
     InstallUserMessages();
     QString text;
-    auto const seen = test::OnNextDialog([&text](QWidget &dialog) {
+    auto *const window = new QWidget;
+    window->show();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(window));
+    auto const seen = test::OnNextDialog([&text, window](QWidget &dialog) {
         auto *const box = qobject_cast<QMessageBox *>(&dialog);
         ASSERT_NE(box, nullptr);
         text = box->text();
         test::Shot(*box, QStringLiteral("message-box"));
-        box->accept();
+        delete window; // over which it stands
     });
     std::thread([] { Report::UserWarning("<b>%d</b> files", 3); }).join();
     EXPECT_TRUE(test::Eventually([&] { return *seen && QApplication::activeModalWidget() == nullptr; }));
