@@ -105,14 +105,14 @@ TEST_F(SelectDirectory, TheFolderIsRememberedUnderItsKey) {
                      }),
               folder / "known");
     EXPECT_EQ(Profile::GetString("Settings", "ActnLibDir", ""), folder / "known");
-    CDlgSlctDir second;
-    second.SetKey("ActnLibDir");
-    EXPECT_EQ(Browse(second, [&](FileDialogHand const &hand) { EXPECT_EQ(Shown(hand), folder / "known"); }), "");
-    EXPECT_EQ(second.GetInitDir(), folder / "known");
-    CDlgSlctDir third;
-    third.SetKey("ActnLibDir");
-    third.SetInitDir(folder / "chosen");
-    EXPECT_EQ(Browse(third, [&](FileDialogHand const &hand) { EXPECT_EQ(Shown(hand), folder / "chosen"); }), "");
+    for (char const *given : {"", "chosen"}) {
+        CDlgSlctDir next;
+        next.SetKey("ActnLibDir");
+        next.SetInitDir(*given == '\0' ? "" : folder / given);
+        std::string const begin = folder / (*given == '\0' ? "known" : given);
+        EXPECT_EQ(Browse(next, [&](FileDialogHand const &hand) { EXPECT_EQ(Shown(hand), begin); }), "");
+        EXPECT_EQ(next.GetInitDir(), begin);
+    }
     EXPECT_EQ(Profile::GetString("Settings", "ActnLibDir", ""), folder / "known") << "nothing was chosen";
     EXPECT_EQ(CDlgSlctDir::strPrtclDir, "Protocol Operation Folder");
 }

@@ -4,6 +4,7 @@
 #include "zelvar/layout/cdxCDynamicDialog.h"
 #include "zelvar/layout/cdxCDynamicPropertyPage.h"
 #include "zelvar/layout/cdxCSizeIconCtrl.h"
+#include "zelvar/platform/ui/MainWindow.h"
 
 #include <QtGui/QScreen>
 #include <QtTest/QTest>
@@ -18,14 +19,7 @@ namespace {
 using platform::ControlKind;
 
 constexpr platform::DialogItem kItems[] = {
-    {.id = 1,
-     .kind = ControlKind::DefaultButton,
-     .text = "OK",
-     .x = 10,
-     .y = 60,
-     .w = 50,
-     .h = 14,
-     .move = {100, 100, 100, 100}},
+    {1, ControlKind::DefaultButton, "OK", 10, 60, 50, 14, {100, 100, 100, 100}},
     {.id = 2, .kind = ControlKind::Button, .text = "Cancel", .x = 70, .y = 60, .w = 50, .h = 14},
     {.id = 3, .kind = ControlKind::List, .text = "", .x = 10, .y = 10, .w = 110, .h = 40, .move = {0, 0, 100, 100}},
 };
@@ -83,6 +77,21 @@ TEST_F(DynamicDialogTest, OpensCentredAndTenPercentBiggerTheFirstTime) {
     EXPECT_TRUE(own->isVisible());
     EXPECT_EQ(own->x(), 5 + dialog.width() - initial.width());
     EXPECT_FALSE(dialog.m_bNewDlg);
+
+    QWidget main;
+    platform::SetMainWindow(&main);
+    for (QPoint const corner : {QPoint(420, 440), QPoint(720, 740)}) { // the second leaves no room below
+        SettingsStore::Instance().RemoveTree("Profile");
+        main.setGeometry(QRect(corner, QSize(300, 200)));
+        main.show();
+        TestDialog over(kTemplate);
+        over.show();
+        QRect const screen = over.screen()->availableGeometry();
+        QPoint const from = over.geometry().center() - main.geometry().center();
+        EXPECT_TRUE(from.manhattanLength() < 8 || corner.x() == 720);
+        EXPECT_TRUE(screen.adjusted(-4, -4, 4, 4).contains(over.geometry())); // but for the frame
+    }
+    platform::SetMainWindow(nullptr);
 }
 
 TEST_F(DynamicDialogTest, ComesBackWhereItStoodAndControlsFollow) {

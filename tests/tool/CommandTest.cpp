@@ -98,18 +98,22 @@ TEST_F(Command, LsThatFindsNothingSaysSoByItsExitCodeAlone) {
     EXPECT_EQ(Zelvar({"ls", folder.Path(), "--json"}).exitCode, 0);
 }
 
-TEST_F(Command, NamesWithAnyBytesStayOnOneLineAndJsonStaysValid) {
+TEST_F(Command, NamesWithAnyBytesStayOnOneLineInValidJsonAndAreTakenBack) {
     test::TempFolder const odd;
-    odd.Write("line\nfeed\xff.txt", "x");
-    EXPECT_THAT(Zelvar({"ls", odd.Path()}).out, HasSubstr("\tline\\x0Afeed\xff.txt\t"));
-    EXPECT_THAT(Zelvar({"ls", odd.Path(), "--json"}).out, HasSubstr(R"("name": "line\u000afeed�.txt")"));
-}
-
-TEST_F(Command, QuotesAndBackslashesInNamesAreEscapedInJsonOnly) {
-    test::TempFolder const odd;
+    test::WriteImage(odd / "line\nfeed\xff.tif", {.width = 60, .height = 30});
+    test::WriteImage(odd / "other\\x0A.tif", {.width = 61, .height = 30});
     odd.Write(R"(a"b\c.txt)", "x");
-    EXPECT_THAT(Zelvar({"ls", odd.Path()}).out, HasSubstr("\t" + odd / R"(a"b\c.txt)" + "\n"));
-    EXPECT_THAT(Zelvar({"ls", odd.Path(), "--json"}).out, HasSubstr(R"("name": "a\"b\\c.txt")"));
+    Outcome const lines = Zelvar({"ls", odd.Path()});
+    EXPECT_THAT(lines.out, HasSubstr("\tline\\x0Afeed\xff.tif\t"));
+    EXPECT_THAT(lines.out, HasSubstr("\tother\\x5Cx0A.tif\t"));
+    EXPECT_THAT(lines.out, HasSubstr("\t" + odd / R"(a"b\c.txt)" + "\n"));
+    Outcome const json = Zelvar({"ls", odd.Path(), "--json"});
+    EXPECT_THAT(json.out, HasSubstr(R"("name": "line\u000afeed\\xFF.tif")"));
+    EXPECT_THAT(json.out, HasSubstr(R"("name": "a\"b\\c.txt")"));
+    for (char const *printed : {"line\\x0Afeed\xff.tif", "line\nfeed\\xFF.tif"})
+        EXPECT_THAT(Zelvar({"info", odd / printed}).out, HasSubstr("Image Width\t60"));
+    for (char const *name : {"other\\x5Cx0A.tif", "other\\x0A.tif"})
+        EXPECT_THAT(Zelvar({"info", odd / name}).out, HasSubstr("Image Width\t61"));
 }
 
 TEST_F(Command, InfoPrintsPropertiesAndWritesThePreview) {

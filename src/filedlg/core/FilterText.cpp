@@ -59,7 +59,7 @@ DString ConcreteExtension(std::string_view masks) {
 
 DString DefaultExtension(std::string_view masks, std::string_view given) {
     DString chosen = ConcreteExtension(masks);
-    if (!chosen.empty())
+    if (!chosen.empty() || (!masks.empty() && SingleMasks(masks).empty()))
         return chosen;
     if (given.find('*') != std::string_view::npos)
         return ConcreteExtension(given);
