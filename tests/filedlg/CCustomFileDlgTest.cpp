@@ -25,17 +25,12 @@ using test::Told;
 
 constexpr char kImages[] = "Images|*.tif;*.tiff|Tables (first, *)|*.csv|All Files|*.*||";
 
-CCustomFileDlg Loading(TempFolder const &folder, char const *filter = kImages) {
-    CCustomFileDlg dialog(true, "tif", nullptr, filter, nullptr);
+CCustomFileDlg Loading(TempFolder const &folder, char const *filter = kImages, bool opens = true) {
+    CCustomFileDlg dialog(opens, opens ? "tif" : "dat", nullptr, filter, nullptr);
     dialog.GetOFN().initialDir = folder.Path();
     return dialog;
 }
-
-CCustomFileDlg Saving(TempFolder const &folder, char const *filter = kImages) {
-    CCustomFileDlg dialog(false, "dat", nullptr, filter, nullptr);
-    dialog.GetOFN().initialDir = folder.Path();
-    return dialog;
-}
+CCustomFileDlg Saving(TempFolder const &folder) { return Loading(folder, kImages, false); }
 
 TEST(CustomFileDialog, AFileIsPickedWithTheMouse) {
     TempFolder const folder;
@@ -257,19 +252,14 @@ TEST(CustomFileDialog, NamesThatAreNoTextComeBackByteForByte) {
                       [&](FileDialogHand const &hand) {
                           choose(hand, Qt::Key_Return);
                           EXPECT_EQ(hand.Part<CZelComboBox>("folderBox").GetWindowText(), sub);
+                          hand.TypeAndEnter("..");
+                          hand.TypeAndEnter("caf\xef\xbf\xbd"); // as it is shown
                           hand.ClickRow("b.tif");
                           EXPECT_EQ(hand.Name().text(), "b.tif") << hand.Name().hasFocus();
                           choose(hand, Qt::Key_Return);
                       }),
               Paths{sub + "/a\xff.tif"})
         << "both are shown";
-    EXPECT_EQ(RunWith(dialog,
-                      [&](FileDialogHand const &hand) {
-                          hand.TypeAndEnter("caf\xef\xbf\xbd"); // as it is shown
-                          EXPECT_EQ(hand.Part<CZelComboBox>("folderBox").GetWindowText(), sub);
-                          hand.TypeAndEnter("a\xef\xbf\xbd");
-                      }),
-              Paths{sub + "/a\xff.tif"});
 }
 
 TEST(CustomFileDialog, OneCheckBoxAtMostIsChecked) {
@@ -307,15 +297,12 @@ TEST(CustomFileDialog, TheRowFollowsTheDialogsWidth) {
         auto *const history = hand.Control<CZelComboBox>(6008);
         auto *const box = hand.Control<QCheckBox>(6010);
         EXPECT_EQ(history->GetCount(), 0);
-        int const width = history->width();
         int const left = box->x();
         for (int const growth : {37, -21}) {
-            QSize const before = hand.Dialog().size();
-            int const widthBefore = history->width();
-            hand.Dialog().resize(before.width() + growth, before.height() + 50);
-            EXPECT_TRUE(test::Eventually([&] { return history->width() == widthBefore + growth; }));
+            int const width = history->width() + growth;
+            hand.Dialog().resize(hand.Dialog().size() + QSize(growth, 50));
+            EXPECT_TRUE(test::Eventually([&] { return history->width() == width; }));
         }
-        EXPECT_EQ(history->width(), width + 16);
         EXPECT_EQ(box->x(), left + 16);
         EXPECT_EQ(box->parentWidget()->rect().intersected(box->geometry()), box->geometry()) << "all of it is seen";
     });

@@ -30,13 +30,11 @@ constexpr char const *kSection = "WindowPositions\\ID=0x000017d8";
 std::vector<DString> StoredSections() { return SettingsStore::Instance().Children("Profile\\Zelvar\\WindowPositions"); }
 
 void Store(Rect const &rect, int visibility = 0, int state = -1, int valid = 1) {
-    Profile::WriteInt(kSection, "Left", rect.left);
-    Profile::WriteInt(kSection, "Top", rect.top);
-    Profile::WriteInt(kSection, "Right", rect.right);
-    Profile::WriteInt(kSection, "Bottom", rect.bottom);
-    Profile::WriteInt(kSection, "Visibility", visibility);
-    Profile::WriteInt(kSection, "State", state);
-    Profile::WriteInt(kSection, "(valid)", valid);
+    std::pair<char const *, int> const values[] = {
+        {"Left", rect.left},        {"Top", rect.top}, {"Right", rect.right}, {"Bottom", rect.bottom},
+        {"Visibility", visibility}, {"State", state},  {"(valid)", valid}};
+    for (auto const &[name, value] : values)
+        Profile::WriteInt(kSection, name, value);
 }
 
 class DynamicDialogTest : public testing::Test {
@@ -80,10 +78,10 @@ TEST_F(DynamicDialogTest, OpensCentredAndTenPercentBiggerTheFirstTime) {
 
     QWidget main;
     platform::SetMainWindow(&main);
+    main.show();
     for (QPoint const corner : {QPoint(420, 440), QPoint(720, 740)}) { // the second leaves no room below
         SettingsStore::Instance().RemoveTree("Profile");
         main.setGeometry(QRect(corner, QSize(300, 200)));
-        main.show();
         TestDialog over(kTemplate);
         over.show();
         QRect const screen = over.screen()->availableGeometry();

@@ -22,11 +22,9 @@ protected:
         return Zelvar(words, "ZELVAR_SETTINGS=" + test::Quoted(settings / "s.db"));
     }
     /// The line of `zelvar info` for the picture's width.
-    [[nodiscard]] static bool IsImage(std::string moniker) {
-        if (!moniker.ends_with('\n'))
-            return false;
-        moniker.pop_back();
-        return Zelvar({"info", moniker}).out.find("Image Width\t") != std::string::npos;
+    [[nodiscard]] static bool IsImage(std::string const &moniker) {
+        return moniker.ends_with('\n') &&
+               Zelvar({"info", moniker.substr(0, moniker.size() - 1)}).out.find("Image Width\t") != std::string::npos;
     }
 
     test::TempFolder folder;
@@ -135,7 +133,6 @@ TEST_F(FileDialogCommand, FaultsAreToldByTheExitCode) {
                           {{"save", folder.Path(), "--for", "project", "--accept"}, 1}, // no name to save under
                           {{"save", folder / "x", "--for", "project"}, 1},              // nobody presses OK
                           {{"open", folder.Path(), "--for", "xml", "--select=grey.tif", "--size", "9"}, 2},
-                          {{"open", folder.Path(), "--select=a", "--select=b", "--accept"}, 2}, // one unless --multiple
                           {{"open", "", "--accept"}, 3}};
     for (Case const &c : cases) {
         Outcome const outcome = Run(c.words);
