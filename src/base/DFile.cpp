@@ -2,8 +2,8 @@
 
 #include "zelvar/base/AtomicFile.h"
 #include "zelvar/base/FileDescriptor.h"
+#include "zelvar/base/NormalPath.h"
 
-#include <algorithm>
 #include <array>
 #include <cerrno>
 
@@ -11,28 +11,6 @@
 #include <sys/stat.h>
 
 namespace zelvar {
-
-namespace {
-
-/// Without empty elements, "." and "..", lexically: links are not looked at.
-DString Normalized(std::string_view absolute) {
-    std::vector<std::string_view> kept;
-    for (std::size_t start = 0; start < absolute.size();) {
-        std::size_t const end = std::min(absolute.find('/', start), absolute.size());
-        std::string_view const element = absolute.substr(start, end - start);
-        if (element == ".." && !kept.empty())
-            kept.pop_back();
-        else if (!element.empty() && element != "." && element != "..")
-            kept.push_back(element);
-        start = end + 1;
-    }
-    DString path;
-    for (std::string_view const element : kept)
-        path.append("/").append(element);
-    return path.empty() ? "/" : path;
-}
-
-} // namespace
 
 bool DFile::Exist() const {
     struct stat status {};
@@ -50,11 +28,11 @@ DString DFile::GetAbsolutePath() const {
     if (m_path.empty() || IsUrl(m_path))
         return m_path;
     if (m_path.front() == '/')
-        return Normalized(m_path);
+        return NormalPath(m_path);
     std::array<char, 4096> current{};
     if (getcwd(current.data(), current.size()) == nullptr)
         return m_path;
-    return Normalized(AppendPath(current.data(), m_path));
+    return NormalPath(AppendPath(current.data(), m_path));
 }
 
 bool DFile::ReadAll(DString &bytes, std::size_t limit) const {

@@ -147,21 +147,4 @@ DString ToValidUtf8(std::string_view bytes) {
     return valid;
 }
 
-DString EscapeControlBytes(std::string_view text) {
-    constexpr std::string_view digits = "0123456789ABCDEF";
-    DString escaped;
-    escaped.reserve(text.size());
-    for (char const c : text) {
-        auto const byte = static_cast<unsigned char>(c);
-        if (byte >= 0x20 && byte != 0x7F) {
-            escaped += c;
-            continue;
-        }
-        escaped += "\\x";
-        escaped += digits[byte >> 4U];
-        escaped += digits[byte & 0xFU];
-    }
-    return escaped;
-}
-
 } // namespace zelvar

@@ -3,6 +3,7 @@
 #include "zelvar/platform/ui/Text.h"
 
 #include <QtWidgets/QAbstractItemView>
+#include <QtWidgets/QCompleter>
 
 namespace zelvar {
 
@@ -16,6 +17,16 @@ constexpr int kBytesRole = Qt::UserRole + 1;
 CZelComboBox::CZelComboBox(QWidget *parent) : QComboBox(parent) {
     setInsertPolicy(NoInsert);
     setSizeAdjustPolicy(AdjustToMinimumContentsLengthWithIcon);
+}
+
+void CZelComboBox::SetEditable(bool editable) {
+    setEditable(editable);
+    if (completer() == nullptr)
+        return;
+    setDuplicatesEnabled(true); // otherwise Return would look for an entry without regard to case
+    completer()->setCompletionMode(QCompleter::PopupCompletion);
+    // Nor is one put in the text's place when the field is left.
+    completer()->setCaseSensitivity(Qt::CaseSensitive);
 }
 
 int CZelComboBox::InsertString(int index, DString const &text) {

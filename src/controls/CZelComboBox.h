@@ -17,6 +17,10 @@ class ZELVAR_API CZelComboBox : public QComboBox {
 public:
     explicit CZelComboBox(QWidget *parent = nullptr);
 
+    /// With an edit field, whose completion offers entries in a list: what stands in the field is only what was typed
+    /// or taken.
+    void SetEditable(bool editable);
+
     /// The new entry's index.
     int AddString(DString const &text) { return InsertString(count(), text); }
     int InsertString(int index, DString const &text);

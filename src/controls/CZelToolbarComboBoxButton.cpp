@@ -91,7 +91,7 @@ bool CZelToolbarComboBoxButton::SelectItem(int index, bool notify) {
 }
 
 void CZelToolbarComboBoxButton::SetEditable(bool editable) {
-    m_combo->setEditable(editable);
+    m_combo->SetEditable(editable);
     if (!editable)
         return;
     m_combo->lineEdit()->setAccessibleName(text());

@@ -24,12 +24,12 @@ Found LookAt(DString const &path) {
     return S_ISREG(info.st_mode) ? Found::File : Found::Other;
 }
 
-/// The text itself if it exists, else the longest beginning that is a plain file and ends where an element ends: what
+/// The text itself if it exists, else the longest beginning that is a plain file and ends before one of `ends`: what
 /// follows names something inside that file.
-DString LongestExisting(DString text) {
+DString LongestExisting(DString text, std::string_view ends) {
     if (LookAt(text) != Found::Nothing)
         return text;
-    for (std::size_t cut = text.find_last_of("/:}"); cut != kNone && cut > 0; cut = text.find_last_of("/:}", cut - 1)) {
+    for (std::size_t cut = text.find_last_of(ends); cut != kNone && cut > 0; cut = text.find_last_of(ends, cut - 1)) {
         text.resize(cut);
         if (LookAt(text) == Found::File)
             return text;
@@ -57,6 +57,9 @@ std::optional<DString> WithoutArchivePrefix(DString const &text) {
     return std::nullopt;
 }
 
+/// A path from the root. Its signs are those of names: drivers put theirs behind a name of their own.
+bool IsFromRoot(std::string_view text) { return text.starts_with('/') && !text.starts_with("/vsi"); }
+
 /// The file of a local source, a text without options. Drivers name what lies inside a file as `NAME:"/path":inside` or
 /// `NAME:/path:inside`.
 DString DiskPathOf(DString const &source) {
@@ -64,23 +67,32 @@ DString DiskPathOf(DString const &source) {
         std::string_view rest = std::string_view(source).substr(7);
         if (StartsWithNoCase(rest, "localhost/"))
             rest.remove_prefix(9);
-        return LongestExisting(PercentDecoded(rest));
+        return LongestExisting(PercentDecoded(rest), "/");
     }
-    if (DString path = LongestExisting(source); !path.empty())
+    if (IsFromRoot(source))
+        return LongestExisting(source, "/");
+    if (DString path = LongestExisting(source, "/:}"); !path.empty())
         return path;
     if (auto const inner = WithoutArchivePrefix(source))
-        return LongestExisting(*inner);
-    if (std::size_t const quote = source.find('"'); quote != kNone) {
-        std::size_t const end = std::min(source.find('"', quote + 1), source.size());
-        return DiskPathOf(source.substr(quote + 1, end - quote - 1));
-    }
+        return LongestExisting(*inner, "/:}");
     for (std::size_t colon = source.find(':'); colon < 64; colon = source.find(':', colon + 1)) {
-        DString const rest = source.substr(colon + 1);
+        DString rest = source.substr(colon + 1);
+        bool const isQuoted = rest.starts_with('"'); // a quote of the name's own may follow
+        if (isQuoted)
+            rest.erase(0, 1);
         auto const inner = WithoutArchivePrefix(rest);
-        if (DString path = LongestExisting(inner ? *inner : rest); !path.empty())
+        if (DString path = LongestExisting(inner ? *inner : rest, isQuoted ? "\"/:}" : "/:}"); !path.empty())
             return path;
     }
     return {};
+}
+
+/// How long the part of a path from the root is that leads to the deepest folder there is.
+std::size_t FolderLength(DString const &path) {
+    for (std::size_t cut = path.rfind('/'); cut != kNone && cut > 0; cut = path.rfind('/', cut - 1))
+        if (LookAt(path.substr(0, cut)) == Found::Other)
+            return cut;
+    return 0;
 }
 
 int HexValue(char c) {
@@ -143,12 +155,28 @@ struct BDIMoniker::Opened {
     }
 };
 
+BDIMoniker BDIMoniker::OfPath(DString path, DString const &options, BDIDrvr *driver) {
+    std::size_t const length = path.size();
+    if (!options.empty())
+        path.append(path.find('?') == kNone ? "?" : "&").append(options);
+    BDIMoniker moniker(std::move(path), driver);
+    moniker.m_pathLength = length;
+    return moniker;
+}
+
 std::size_t BDIMoniker::SourceLength() const {
-    std::size_t const first = m_text.find('?');
+    if (m_pathLength != 0)
+        return m_pathLength;
+    std::size_t first = m_text.find('?');
     if (first == kNone)
         return m_text.size();
     if (IsUrl())
         return first;
+    // A folder that is there keeps a "?" of its name.
+    if (IsFromRoot(m_text))
+        first = m_text.find('?', FolderLength(m_text));
+    if (first == kNone)
+        return m_text.size();
     for (std::size_t end = m_text.size(); end != kNone && end >= first;
          end = end == 0 ? kNone : m_text.find_last_of("?&", end - 1)) {
         DString const path = DiskPathOf(m_text.substr(0, end));
@@ -188,13 +216,22 @@ BDIMoniker BDIMoniker::WithOptions(DString const &options) const {
     if (options.empty())
         return *this;
     std::size_t const length = SourceLength();
-    char const *const separator = length == m_text.size() ? "?" : length + 1 == m_text.size() ? "" : "&";
-    return {m_text + separator + options, m_driver};
+    bool const isMarked = m_pathLength != 0 && GetSource().find('?') != kNone;
+    char const *const separator = length == m_text.size() && !isMarked ? "?" : length + 1 == m_text.size() ? "" : "&";
+    BDIMoniker joined(m_text + separator + options, m_driver);
+    joined.m_pathLength = m_pathLength;
+    return joined;
 }
 
-DString BDIMoniker::FindFile() const { return IsUrl() ? DString() : DiskPathOf(GetSource()); }
+DString BDIMoniker::FindFile() const {
+    if (m_pathLength != 0)
+        return LookAt(GetSource()) == Found::Nothing ? DString() : GetSource();
+    return IsUrl() ? DString() : DiskPathOf(GetSource());
+}
 
 DString BDIMoniker::GetPathOnDisk() const {
+    if (m_pathLength != 0)
+        return GetSource();
     DString found = FindFile();
     bool const isPlain = !m_text.starts_with("/vsi") && (m_text.starts_with('/') || m_text.find(':') == kNone);
     if (!found.empty() || IsUrl() || !isPlain)
@@ -238,6 +275,8 @@ BDINode const *BDIMoniker::GetNode() const {
     if (m_opened != nullptr)
         return m_opened->node;
     m_opened = std::make_shared<Opened>();
+    if (m_pathLength != 0 && FindFile().empty())
+        return nullptr; // a driver would look for a shorter name
     if (m_driver == nullptr) {
         RequestScope const scope(RequestKind::Probe, {}, kNamedProbe);
         m_driver = BDIDrvrMngr::Instance()->FindContainerDriver(FindFile());
@@ -252,6 +291,8 @@ BDINode const *BDIMoniker::GetNode() const {
 void *BDIMoniker::GetRepository() const { return GetNode() == nullptr ? nullptr : m_opened->repository; }
 
 bool BDIMoniker::IsUrl() const {
+    if (m_pathLength != 0)
+        return false;
     if (zelvar::IsUrl(m_text))
         return !StartsWithNoCase(m_text, "file://");
     // Nodes inside a thing on the network are named through these file systems, maybe through an archive there.

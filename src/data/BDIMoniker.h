@@ -15,11 +15,15 @@ class BDINode;
 /// container, and behind "?" options as "name=value&name=value".
 ///
 /// A file whose own name holds "?" is told by looking: the longest prefix that exists on disk is the file; its options
-/// may stand behind "?" or "&". The questions below look at the disk only where the text leaves no other way.
+/// may stand behind "?" or "&". The questions below look at the disk only where the text leaves no other way. What is
+/// yet to be written cannot be told so: see `OfPath`.
 class ZELVAR_API BDIMoniker {
 public:
     BDIMoniker() = default;
     BDIMoniker(DString text, BDIDrvr *driver) : m_text(std::move(text)), m_driver(driver) {}
+    /// That of a path on disk, whatever it holds and whether anything is there; `options` as for `WithOptions`, but
+    /// behind a "?" of the path's they follow an "&".
+    [[nodiscard]] static BDIMoniker OfPath(DString path, DString const &options, BDIDrvr *driver);
 
     [[nodiscard]] DString const &GetText() const { return m_text; }
     [[nodiscard]] BDIDrvr *GetDrvr() const { return m_driver; } ///< may be null; the manager's
@@ -36,7 +40,7 @@ public:
     /// The path of the file on disk behind the moniker: for a node inside a container the container's. Empty for an
     /// address on the network, and if nothing is there.
     [[nodiscard]] DString FindFile() const;
-    /// `FindFile`, and for a plain path where nothing is yet that path.
+    /// `FindFile`, and for a plain path where nothing is yet that path: what is written there overwrites nothing else.
     [[nodiscard]] DString GetPathOnDisk() const;
     /// True for an address on the network and for a node inside such a thing. "file://" is none.
     [[nodiscard]] bool IsUrl() const;
@@ -63,6 +67,7 @@ private:
     [[nodiscard]] std::size_t SourceLength() const;
 
     DString m_text;
+    std::size_t m_pathLength = 0;             ///< how much of the text is known for a path; 0 if that is not known
     mutable BDIDrvr *m_driver = nullptr;      ///< not owned
     mutable std::shared_ptr<Opened> m_opened; ///< set once it has been tried
 };

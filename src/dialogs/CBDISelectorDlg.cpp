@@ -179,6 +179,7 @@ bool CBDISelectorDlg::OnInitDialog() {
     connect(m_tree, &CZelTreeCtrl::ItemExpanded, this, &CBDISelectorDlg::AskLater);
     connect(m_tree, &CZelTreeCtrl::SelChanged, this, &CBDISelectorDlg::OnTreeSelChanged);
     connect(m_tree, &CZelTreeCtrl::DoubleClick, this, &CBDISelectorDlg::OnTreeDblClk);
+    connect(m_list, &CZelListCtrl::DoubleClick, this, [this](int row) { OnListDblClk(row); });
     connect(m_tree->verticalScrollBar(), &QScrollBar::valueChanged, this, &CBDISelectorDlg::AskLater);
     connect(m_tree->verticalScrollBar(), &QScrollBar::rangeChanged, this, &CBDISelectorDlg::AskLater);
 
@@ -318,6 +319,14 @@ void CBDISelectorDlg::OnTreeDblClk(Point point, long long *result) {
         return;
     *result = 1; // it is not expanded any more
     cdxCDynamicDialog::OnOK();
+}
+
+void CBDISelectorDlg::OnListDblClk(int row) {
+    if (row < 0)
+        return; // beside the rows
+    m_list->ClearSlct();
+    m_list->SetSlct(row, true);
+    OnOK();
 }
 
 bool CBDISelectorDlg::event(QEvent *event) { return m_messages.Dispatch(*event) || cdxCDynamicDialog::event(event); }

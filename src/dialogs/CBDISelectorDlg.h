@@ -54,6 +54,7 @@ private:
     bool FillItem(HTREEITEM item); ///< false if the user stopped it
     void OnTreeSelChanged();
     void OnTreeDblClk(Point point, long long *result);
+    void OnListDblClk(int row);
     void ShowWholeNames();
     bool Collect();
 

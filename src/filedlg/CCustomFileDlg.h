@@ -38,9 +38,10 @@ public:
     /// Child templates: the history row alone, and with the check boxes "Project-Edit" and "Read-Only".
     enum Template { kHistoryTemplate = 6102, kProjectTemplate = 6103 };
 
-    /// `open` loads, otherwise it saves. `defaultExtension` (may be null) is added to a name without one, if the chosen
-    /// filter has none of its own; a pattern such as "*.txt" counts as its extension. `filter` is
-    /// "description|pattern|description|pattern||", patterns are separated by ";". `templateId` 0 stands for 6102.
+    /// `open` loads, otherwise it saves. `defaultExtension` (may be null) is added to a name without one of the
+    /// filters' extensions, if the chosen filter has none of its own and does not let every name pass; a pattern such
+    /// as "*.txt" counts as its extension. `filter` is "description|pattern|description|pattern||", patterns are
+    /// separated by ";". `templateId` 0 stands for 6102.
     CCustomFileDlg(bool open, char const *defaultExtension, char const *fileName, DString filter, QWidget *parent,
                    int templateId = 0);
 

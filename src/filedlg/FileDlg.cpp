@@ -268,7 +268,7 @@ bool FileDlg::Open(int mode, EFormat format, char const *name, char const *dir, 
 bool FileDlg::Open(int mode, char const *name, char const *dir, char const *key) {
     m_initFile = InitialPath(name, dir, key);
     // The file's own extension comes ahead of "All Files".
-    DString const extension = AnswersSoon(m_initFile) ? BDIMoniker(m_initFile, nullptr).GetFrmtExtn(false)
+    DString const extension = AnswersSoon(m_initFile) ? InitialMoniker(m_initFile, mode).GetFrmtExtn(false)
                                                       : DFile(m_initFile).GetPhysFileExtn();
     DFileFrmt own("", "", ("*." + extension).c_str());
     AddDscr(&own, false);

@@ -24,6 +24,9 @@ constexpr char kAttributeFolder[] = "ThematicFolders"; // the text of the histor
 constexpr char kAttributeType[] = "Labeled Attribute File Type";
 constexpr char kMetadataType[] = "MetaData File Type";
 
+/// Id of the format that a raster is saved in unless another one is wanted.
+constexpr char kPlainTiff[] = "GTiff";
+
 /// Extension of formats that stand ahead of all others when loading and are not offered otherwise.
 constexpr char kRasterFormats[] = "RSTR_FRMT";
 
@@ -44,6 +47,18 @@ OwnedFormats FormatsOf(DIOPlugin &plugin, unsigned dataType, ICheck<DString> con
 bool HasMask(DFileFrmt const &format, DString const &mask) {
     std::vector<DString> const masks = Split(format.GetExtn(), ';');
     return std::find(masks.begin(), masks.end(), mask) != masks.end();
+}
+
+DFileFrmt *FormatWithMask(std::vector<DFileFrmt *> const &formats, DString const &mask) {
+    auto const at =
+        std::find_if(formats.begin(), formats.end(), [&](DFileFrmt const *format) { return HasMask(*format, mask); });
+    return at == formats.end() ? nullptr : *at;
+}
+
+DFileFrmt *FormatWithId(std::vector<DFileFrmt *> const &formats, std::string_view id) {
+    auto const at = std::find_if(formats.begin(), formats.end(),
+                                 [id](DFileFrmt const *format) { return EqualNoCase(format->GetID(), id); });
+    return at == formats.end() ? nullptr : *at;
 }
 
 /// The id of the format to begin with, by the plug-in that the caller wants; `fallback` without one.
@@ -202,8 +217,13 @@ void FileDlg::ChooseFormatById(char const *typeKey, char const *fallback) {
 // Plug-ins may offer hundreds of formats: where neither the settings nor the file's own mask name one, the first in the
 // alphabet is no good guess.
 void FileDlg::BeginWithUsualFormat(int mode) {
+    if (m_format != nullptr)
+        return;
     DString const mask = StripExtn(m_initFile);
+    DString const usual = BuiltInFormats::Instance().frmt_tif.GetExtn();
     std::vector<DFileFrmt *> const offered = OfferedFormats();
+    if (mode == kSave && (mask.empty() || mask == usual))
+        m_format = FormatWithId(offered, kPlainTiff); // variants of it have the same mask
     bool const isNamed =
         std::any_of(offered.begin(), offered.end(), [&](DFileFrmt const *format) { return format->GetExtn() == mask; });
     if (m_format != nullptr || isNamed)
@@ -212,10 +232,11 @@ void FileDlg::BeginWithUsualFormat(int mode) {
         m_format = &BuiltInFormats::Instance().frmt_all;
         return;
     }
-    for (DString const &wanted : {mask, BuiltInFormats::Instance().frmt_tif.GetExtn()})
-        for (DFileFrmt *format : offered)
-            if (m_format == nullptr && HasMask(*format, wanted))
-                m_format = format;
+    m_format = FormatWithMask(offered, mask);
+    if (m_format == nullptr)
+        m_format = FormatWithId(offered, kPlainTiff);
+    if (m_format == nullptr)
+        m_format = FormatWithMask(offered, usual);
 }
 
 void FileDlg::RememberFormatId(char const *typeKey) const {

@@ -37,10 +37,10 @@ DString InitialPlace(DString const &place) {
 
 /// The path on disk that the platform's dialog begins at, split where its parts are asked for. A folder may be written
 /// without a separator at its end.
-DFile InitialFile(DString const &place) {
+DFile InitialFile(DString const &place, int mode) {
     if (!AnswersSoon(place))
         return DFile(place);
-    DFile const file(BDIMoniker(place, nullptr).GetPathOnDisk());
+    DFile const file(InitialMoniker(place, mode).GetPathOnDisk());
     DString const name = file.GetPhysFileName();
     bool const isFolder = !name.empty() && name != "." && name != ".." && file.IsDirectory();
     return isFolder ? DFile(file.GetMoniker() + PathStyle::Native().separator) : file;
@@ -115,6 +115,7 @@ bool FileDlg::OpenMFCFileDlgOld(int mode, char const *filter, int index, char co
     OpenFileName &wanted = dialog.GetOFN();
     DVectorSafe<DString> history;
     DfltFldrs::Instance()->GetDirHist(key, history, true, true);
+    history = FoldersAmong(history);
     if (!m_overwritePrompt)
         wanted.flags &= ~unsigned{OFN_OVERWRITEPROMPT};
     if (m_noChangeDir) {
@@ -127,7 +128,7 @@ bool FileDlg::OpenMFCFileDlgOld(int mode, char const *filter, int index, char co
     if (IsPresent(key))
         dialog.SetHistory(history);
 
-    DFile const initial = InitialFile(m_initFile);
+    DFile const initial = InitialFile(m_initFile, mode);
     DString folder = DFile(initial.GetPhysFilePath()).GetAbsolutePath();
     if (folder.empty() && !history.empty())
         folder = history[0];

@@ -1,9 +1,11 @@
 #include "zelvar/filedlg/PlatformFileDialog.h"
 
+#include "zelvar/base/PathStyle.h"
 #include "zelvar/controls/CZelComboBox.h"
 #include "zelvar/data/PlaceCheck.h"
 #include "zelvar/filedlg/FilePictures.h"
 #include "zelvar/filedlg/PathQuestions.h"
+#include "zelvar/filedlg/UndecodedNames.h"
 #include "zelvar/filedlg/core/TypedNames.h"
 #include "zelvar/platform/ui/Text.h"
 
@@ -34,7 +36,7 @@ namespace {
 
 constexpr int kTypesWidth = 20; // characters; longer descriptions are cut, not the dialog widened
 
-constexpr int kDateColumn = 3;
+enum Columns { kSizeColumn = 1, kTypeColumn = 2, kDateColumn = 3 };
 
 /// What the toolkit calls its folders' addresses in the list of places.
 constexpr int kUrlRole = Qt::UserRole + 1;
@@ -61,6 +63,7 @@ PlatformFileDialog::PlatformFileDialog(Setup const &setup, std::unique_ptr<Folde
     m_ok = findChild<QDialogButtonBox *>()->button(m_setup.opens ? QDialogButtonBox::Open : QDialogButtonBox::Save);
 
     SetUpViews();
+    SetUpUndecoded();
     MakeFolderBox();
     TakeOverRoads();
     SetUpFilters();
@@ -72,9 +75,14 @@ PlatformFileDialog::PlatformFileDialog(Setup const &setup, std::unique_ptr<Folde
     FillFolderBox();
     m_changed = ChangeTime(Folder());
 
-    m_name->setText(platform::ToQString(m_setup.file));
+    PutName(m_setup.file);
     m_name->selectAll();
     UpdateButtons();
+}
+
+void PlatformFileDialog::PutName(DString const &name) {
+    m_givenName = name;
+    m_name->setText(platform::ToQString(name));
 }
 
 void PlatformFileDialog::SetUpViews() {
@@ -91,19 +99,70 @@ void PlatformFileDialog::SetUpViews() {
         view->setDragDropMode(QAbstractItemView::NoDragDrop); // a slip of the mouse would move files
         view->installEventFilter(this);
     }
+    FitColumns();
+    connect(m_views.front()->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+            &PlatformFileDialog::OnSelectionChanged);
+    // By keyboard the toolkit's word comes behind the selection.
+    connect(m_views.front()->selectionModel(), &QItemSelectionModel::currentChanged, this,
+            &PlatformFileDialog::UpdateButtons);
+    connect(m_model, &QFileSystemModel::rootPathChanged, this, [this] { m_isListing = true; });
+    connect(m_model, &QFileSystemModel::directoryLoaded, this, [this](QString const &folder) {
+        if (folder != m_model->rootPath())
+            return;
+        m_isListing = false;
+        FillUndecoded();
+    });
+}
+
+void PlatformFileDialog::FitColumns() {
     QHeaderView &columns = *findChild<QTreeView *>(QStringLiteral("treeView"))->header();
     columns.setStretchLastSection(false);
     columns.setSectionResizeMode(0, QHeaderView::Stretch);
-    columns.resizeSection(kDateColumn, columns.fontMetrics().horizontalAdvance(
-                                           QLocale().toString(QDateTime::currentDateTime(), QLocale::ShortFormat)) +
-                                           3 * columns.fontMetrics().averageCharWidth());
-    connect(m_views.front()->selectionModel(), &QItemSelectionModel::selectionChanged, this,
-            &PlatformFileDialog::OnSelectionChanged);
-    connect(m_model, &QFileSystemModel::rootPathChanged, this, [this] { m_isListing = true; });
-    connect(m_model, &QFileSystemModel::directoryLoaded, this, [this](QString const &folder) {
-        if (folder == m_model->rootPath())
-            m_isListing = false;
+    QFontMetrics const metrics = columns.fontMetrics();
+    QStyle const &style = *columns.style();
+    int const margins = 2 * (style.pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, &columns) + 1) +
+                        style.pixelMetric(QStyle::PM_HeaderMarkSize, nullptr, &columns) +
+                        2 * style.pixelMetric(QStyle::PM_HeaderMargin, nullptr, &columns);
+    // As long as they get, but for the names of odd types.
+    QDateTime const longest(QDate(2028, 12, 28), QTime(22, 58));
+    std::pair<int, QStringList> const texts[] = {{kSizeColumn, {QStringLiteral("8,888.88 KiB")}},
+                                                 {kTypeColumn, {QStringLiteral("jpeg File"), QStringLiteral("Folder")}},
+                                                 {kDateColumn,
+                                                  {QLocale().toString(longest, QLocale::ShortFormat),
+                                                   QLocale::system().toString(longest, QLocale::ShortFormat)}}};
+    for (auto const &[column, samples] : texts) {
+        int width = metrics.horizontalAdvance(m_model->headerData(column, Qt::Horizontal).toString());
+        for (QString const &sample : samples)
+            width = std::max(width, metrics.horizontalAdvance(sample));
+        columns.resizeSection(column, width + margins);
+    }
+}
+
+void PlatformFileDialog::SetUpUndecoded() {
+    m_undecoded = new UndecodedNames(this);
+    findChild<QWidget *>(QStringLiteral("frame"))->layout()->addWidget(m_undecoded);
+    connect(m_undecoded, &UndecodedNames::Chosen, this, &PlatformFileDialog::ChooseUndecoded);
+    connect(m_undecoded, &UndecodedNames::Activated, this, [this](DString const &name, bool isFolder) {
+        if (isFolder && !m_setup.locked) {
+            if (GoTo(AppendPath(Folder(), name)))
+                m_name->clear();
+            return;
+        }
+        ChooseUndecoded(name);
+        accept();
     });
+}
+
+void PlatformFileDialog::ChooseUndecoded(DString const &name) {
+    m_views.front()->selectionModel()->clear();
+    PutName(name);
+    m_selectionText.reset();
+}
+
+// Behind the toolkit's thread, which has found that the place answers.
+void PlatformFileDialog::FillUndecoded() {
+    if (DoesPlaceAnswer(Folder()))
+        m_undecoded->Fill(Folder(), m_masks, m_setup.picksFolder);
 }
 
 void PlatformFileDialog::MakeFolderBox() {
@@ -233,6 +292,9 @@ void PlatformFileDialog::ApplyMasks(DString const &masks) {
     for (DString const &mask : SingleMasks(masks))
         toolkitMasks.append(ToolkitMask(mask));
     m_model->setNameFilters(toolkitMasks);
+    m_masks = JoinNotEmpty(SingleMasks(masks), ';');
+    if (!m_isListing)
+        FillUndecoded();
 }
 
 int PlatformFileDialog::FilterIndex() const { return m_types->currentIndex(); }
@@ -255,6 +317,8 @@ void PlatformFileDialog::OnFilterChosen(int index) {
 
 void PlatformFileDialog::OnSelectionChanged() {
     auto const rows = m_views.front()->selectionModel()->selectedRows();
+    if (!rows.isEmpty())
+        m_undecoded->clearSelection();
     if (m_setup.picksFolder && !rows.isEmpty())
         m_name->setText(m_model->fileName(rows.front()));
     if (!m_name->hasFocus())

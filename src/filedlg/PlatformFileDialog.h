@@ -21,6 +21,7 @@ class QPushButton;
 namespace zelvar {
 
 class CZelComboBox;
+class UndecodedNames;
 
 /// The toolkit's file dialog, made safe: every way to another folder goes through one door that asks first whether the
 /// place answers, and what is accepted is decided here, on the bytes of names.
@@ -79,10 +80,16 @@ private:
     void MakeFolderBox();
     void TakeOverRoads();
     void SetUpViews();
+    void FitColumns();
+    void SetUpUndecoded();
     void SetUpFilters();
     void LockFolder();
     void ShowFoldersAlone();
     void ApplyMasks(DString const &masks);
+    void FillUndecoded();
+    /// Into the name field, whatever bytes it has.
+    void PutName(DString const &name);
+    void ChooseUndecoded(DString const &name);
     void OnFilterChosen(int index);
     void OnActivated(QModelIndex const &index);
     void OnSelectionChanged();
@@ -109,6 +116,7 @@ private:
     [[nodiscard]] bool IsReadyForSaving(DString const &path);
     [[nodiscard]] bool MayReplace(DString const &path);
     [[nodiscard]] DString ExtensionToAdd() const;
+    [[nodiscard]] DString OfferedMasks() const; ///< of all filters
 
     Setup m_setup;
     std::unique_ptr<FolderAlias const> m_folder;
@@ -117,6 +125,9 @@ private:
     QComboBox *m_types;
     QPushButton *m_ok;
     QString m_okText;
+    DString m_masks;     ///< the toolkit's list and the other one show what they fit; empty for all
+    DString m_givenName; ///< not read from the field, which shows it: it may be no text
+    UndecodedNames *m_undecoded = nullptr;
     CZelComboBox *m_folderBox = nullptr;
     std::vector<QAbstractItemView *> m_views;
     std::vector<DString> m_back;            ///< folders left, the last one behind

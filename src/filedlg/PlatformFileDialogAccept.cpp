@@ -1,3 +1,4 @@
+#include "zelvar/base/NormalPath.h"
 #include "zelvar/base/PathStyle.h"
 #include "zelvar/base/Report.h"
 #include "zelvar/data/PlaceCheck.h"
@@ -61,7 +62,7 @@ void PlatformFileDialog::accept() {
             return;
     } else {
         paths.resize(1);
-        paths.front() = WithExtension(std::move(paths.front()), ExtensionToAdd());
+        paths.front() = WithExtension(std::move(paths.front()), ExtensionToAdd(), OfferedMasks());
         if (IsNoFile(paths.front()) || !IsReadyForSaving(paths.front()))
             return;
     }
@@ -80,9 +81,8 @@ std::vector<DString> PlatformFileDialog::SelectedPaths(bool folders) const {
 std::vector<DString> PlatformFileDialog::TypedPaths() const {
     if (m_name->text().trimmed().isEmpty())
         return {};
-    // The name that the caller gave is not read from the field: it may be no text.
-    if (m_name->text() == platform::ToQString(m_setup.file))
-        return {AbsolutePath(Folder(), m_setup.file)};
+    if (m_name->text() == platform::ToQString(m_givenName))
+        return {AbsolutePath(Folder(), m_givenName)};
     DString const typed = platform::ToDString(m_name->text());
     std::vector<DString> const names = SplitTypedNames(typed);
     bool const isOneName = names.size() > 1 && !m_setup.multiple;
@@ -98,7 +98,8 @@ std::vector<DString> PlatformFileDialog::TypedPaths() const {
 DString PlatformFileDialog::PathOf(DString const &typed) const {
     bool const ofHome = typed == "~" || typed.starts_with("~/");
     DString const text = ofHome ? platform::ToDString(QDir::homePath()) + typed.substr(1) : typed;
-    return DoesPlaceAnswer(AbsolutePath(Folder(), text)) ? PathBytes(Folder(), text) : AbsolutePath(Folder(), text);
+    DString const path = NormalPath(text.starts_with('/') ? text : AppendPath(Folder(), text), &DoesPlaceAnswer);
+    return DoesPlaceAnswer(path) ? PathBytes("/", path) : path;
 }
 
 bool PlatformFileDialog::IsNoFile(DString const &path) {
@@ -115,7 +116,9 @@ bool PlatformFileDialog::IsNoFile(DString const &path) {
             m_name->clear();
         return true;
     }
-    if (IsMask(FileNameOf(path)) && !IsThere(path)) {
+    // A "?" may be meant for a name to save under, where a "*" hardly is.
+    bool const isMask = m_setup.opens ? IsMask(FileNameOf(path)) : FileNameOf(path).find('*') != DString::npos;
+    if (isMask && !IsThere(path)) {
         ApplyMasks(DString(FileNameOf(path)));
         return true;
     }
@@ -125,7 +128,7 @@ bool PlatformFileDialog::IsNoFile(DString const &path) {
 bool PlatformFileDialog::IsReadyForLoading(DString &path) const {
     if (IsThere(path))
         return true;
-    DString extended = PathBytes("/", WithExtension(path, ExtensionToAdd()));
+    DString extended = PathBytes("/", WithExtension(path, ExtensionToAdd(), OfferedMasks()));
     if (IsThere(extended)) {
         path = std::move(extended);
         return true;
@@ -164,6 +167,13 @@ bool PlatformFileDialog::MayReplace(DString const &path) {
     question.setTextFormat(Qt::PlainText);
     question.setDefaultButton(QMessageBox::No);
     return platform::RunModal(question) == QMessageBox::Yes;
+}
+
+DString PlatformFileDialog::OfferedMasks() const {
+    std::vector<DString> masks{m_setup.defaultExtension.find('*') != DString::npos ? m_setup.defaultExtension : ""};
+    for (FileFilter const &filter : m_setup.filters)
+        masks.push_back(filter.masks);
+    return JoinNotEmpty(masks, ';');
 }
 
 DString PlatformFileDialog::ExtensionToAdd() const {

@@ -4,6 +4,7 @@
 #include "zelvar/filedlg/NameBytes.h"
 #include "zelvar/filedlg/PathQuestions.h"
 #include "zelvar/filedlg/PlatformFileDialog.h"
+#include "zelvar/filedlg/UndecodedNames.h"
 #include "zelvar/platform/ui/Text.h"
 
 #include <QtCore/QDir>
@@ -44,6 +45,7 @@ bool PlatformFileDialog::ShowFolder(DString const &folder) {
     bool const isOfRows = m_setup.opens && m_selectionText && *m_selectionText == m_name->text();
     QString const name = isOfRows || m_setup.picksFolder ? QString() : m_name->text();
     auto const former = std::exchange(m_folder, std::make_unique<FolderAlias const>(folder));
+    m_undecoded->clear();
     setDirectory(m_folder->Path());
     m_name->setText(name);
     m_selectionText.reset();

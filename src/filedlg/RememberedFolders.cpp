@@ -1,7 +1,7 @@
 #include "zelvar/filedlg/RememberedFolders.h"
 
 #include "zelvar/base/DCnfg.h"
-#include "zelvar/base/PathStyle.h"
+#include "zelvar/base/DFile.h"
 #include "zelvar/data/PlaceCheck.h"
 #include "zelvar/data/RequestScope.h"
 
@@ -41,6 +41,25 @@ bool AnswersSoon(DString const &path) {
 
 bool CanBeginIn(DString const &folder, int mode) {
     return AnswersSoon(folder) && faccessat(AT_FDCWD, folder.c_str(), mode == 0 ? R_OK : W_OK, AT_EACCESS) == 0;
+}
+
+DVectorSafe<DString> FoldersAmong(DVectorSafe<DString> const &places) {
+    DVectorSafe<DString> folders;
+    bool mayAsk = true;
+    for (DString const &place : places) {
+        BDIMoniker const moniker(place, nullptr);
+        mayAsk = mayAsk && (moniker.IsUrl() || AnswersSoon(place));
+        DString const found = mayAsk ? moniker.FindFile() : DString();
+        if (!moniker.IsUrl() && (found.empty() || DFile(found).IsDirectory()))
+            folders.push_back(place);
+    }
+    return folders;
+}
+
+BDIMoniker InitialMoniker(DString const &place, int mode) {
+    bool const isBareName = place.find('/') == DString::npos;
+    bool const isPath = isBareName || (place.starts_with('/') && DFile(DString(ParentPathOf(place))).IsDirectory());
+    return mode != 0 && isPath ? BDIMoniker::OfPath(place, "", nullptr) : BDIMoniker(place, nullptr);
 }
 
 } // namespace zelvar

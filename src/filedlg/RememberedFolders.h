@@ -1,6 +1,7 @@
 #pragma once
 
-#include "zelvar/base/DString.h"
+#include "zelvar/base/Containers.h"
+#include "zelvar/data/BDIMoniker.h"
 
 namespace zelvar {
 
@@ -18,5 +19,11 @@ void WriteFolder(char const *key, DString const &folder);
 /// Whether a dialog can begin in the folder: it can be read (`mode` 0) or written. False for a place that does not
 /// answer soon.
 [[nodiscard]] bool CanBeginIn(DString const &folder, int mode);
+/// The folders among places that were used last, in order, for a dialog that shows no others: files, addresses and
+/// nodes inside containers are left out. Behind one that does not answer soon all stay, unasked.
+[[nodiscard]] DVectorSafe<DString> FoldersAmong(DVectorSafe<DString> const &places);
+/// The place that a dialog begins at, which answers. To save under, a bare name and a name in a folder that is there
+/// are paths, whatever they hold: taken apart they could lead to another file.
+[[nodiscard]] BDIMoniker InitialMoniker(DString const &place, int mode);
 
 } // namespace zelvar

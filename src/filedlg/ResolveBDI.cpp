@@ -48,8 +48,11 @@ bool FileDlg::ResolveBDI(int mode, int nodeMask, DFileFrmt const *format, DStrin
                          char const *options) {
     BDIDrvr *const driver =
         format == nullptr ? nullptr : BDIDrvrMngr::Instance()->FindDriverByFrmt(format->GetID().c_str());
+    bool const isChosenToWrite = mode != 0;
     for (DFile const &file : files)
-        out.push_back(new BDIMoniker(WithOptions(file.GetMoniker(), options), driver));
+        out.push_back(new BDIMoniker(
+            isChosenToWrite ? BDIMoniker::OfPath(file.GetMoniker(), options == nullptr ? "" : options, driver)
+                            : BDIMoniker(WithOptions(file.GetMoniker(), options), driver)));
 
     MonikerResolver resolver(nodeMask, out);
     bool asks = false;

@@ -178,7 +178,7 @@ QWidget *MakeCombosPage() {
     };
     page->Add("Resampling", says(makePlain()));
     auto *const edited = makePlain();
-    edited->setEditable(true);
+    edited->SetEditable(true);
     page->Add("Typed", says(edited));
     auto *const layers = MakeLayerCombo();
     page->Add("Layer", says(layers));

@@ -1,9 +1,12 @@
 #include "zelvar/layout/cdxCDynamicWndEx.h"
 
 #include "zelvar/base/DCnfg.h"
+#include "zelvar/platform/ui/MainWindow.h"
 
 #include <QtGui/QScreen>
 #include <QtWidgets/QApplication>
+
+#include <algorithm>
 
 namespace zelvar {
 
@@ -52,6 +55,11 @@ void cdxCDynamicWndEx::OnInitialized() {
     constexpr int percent = 10; // a window opens bigger than it was designed
     CenterWindow();
     StretchWindow(percent);
+    // What it stands over may be at the edge of the screen.
+    QRect const screen = m_pWnd->screen()->availableGeometry();
+    QRect const place = m_pWnd->geometry();
+    m_pWnd->move(std::max(screen.left(), std::min(place.left(), screen.right() + 1 - place.width())),
+                 std::max(screen.top(), std::min(place.top(), screen.bottom() + 1 - place.height())));
 }
 
 void cdxCDynamicWndEx::OnDestroying() {
@@ -60,7 +68,11 @@ void cdxCDynamicWndEx::OnDestroying() {
 }
 
 void cdxCDynamicWndEx::CenterWindow() {
-    QWidget const *const parent = m_pWnd->parentWidget();
+    QWidget const *parent = m_pWnd->parentWidget();
+    if (parent == nullptr) {
+        QWidget const *const modal = QApplication::activeModalWidget();
+        parent = modal != nullptr && modal != m_pWnd ? modal : platform::MainWindow();
+    }
     bool const overParent = parent != nullptr && parent->window()->isVisible();
     QRect const over = overParent ? parent->window()->geometry() : m_pWnd->screen()->availableGeometry();
     m_pWnd->move(over.center() - QPoint(m_pWnd->width() / 2, m_pWnd->height() / 2));

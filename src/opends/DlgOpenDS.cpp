@@ -23,8 +23,10 @@
 #include "zelvar/settings/DfltFldrs.h"
 
 #include <QtGui/QScreen>
+#include <QtWidgets/QAbstractItemView>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QCheckBox>
+#include <QtWidgets/QCompleter>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QPushButton>
 
@@ -292,7 +294,7 @@ QWidget *DlgOpenDS::MakeControl(platform::DialogItem const &item) {
     case platform::ControlKind::Combo:
     case platform::ControlKind::DropDownList: {
         auto *combo = new CZelComboBox(this);
-        combo->setEditable(item.kind == platform::ControlKind::Combo);
+        combo->SetEditable(item.kind == platform::ControlKind::Combo);
         return combo;
     }
     case platform::ControlKind::Button:
@@ -322,6 +324,12 @@ void DlgOpenDS::AssignControls() {
     m_fileFilterEdit->setAccessibleName(tr("File Name Filter"));
 
     connect(m_histCombo, &QComboBox::activated, this, &DlgOpenDS::OnSelendokHist);
+    // While entries are offered, their list takes the keys.
+    connect(m_histCombo->lineEdit(), &QLineEdit::returnPressed, this, [this] {
+        QAbstractItemView const &offered = *m_histCombo->completer()->popup();
+        if (offered.isVisible() && !offered.currentIndex().isValid())
+            ProcessReturnKey(m_histCombo);
+    });
     connect(m_fileTypeCombo, &QComboBox::activated, this, &DlgOpenDS::OnSelendokFileType);
     // Checking one unchecks the other; both may be off.
     connect(m_readOnlyCheck, &QCheckBox::clicked, this, [this] { m_editOnlyCheck->setChecked(false); });

@@ -1,10 +1,28 @@
 #include "zelvar/tool/Commands.h"
 
+#include "zelvar/base/ByteEscapes.h"
+#include "zelvar/data/BDIMoniker.h"
+#include "zelvar/data/PlaceCheck.h"
 #include "zelvar/tool/CommandTable.h"
 
 #include <cstdio>
 
 namespace zelvar::tool {
+
+namespace {
+
+bool IsThere(DString const &place) {
+    std::size_t const slash = place.find('/'); // behind what a driver puts before a path
+    return (slash == DString::npos || DoesPlaceAnswer(place.substr(slash))) &&
+           !BDIMoniker(place, nullptr).FindFile().empty();
+}
+
+} // namespace
+
+DString PlaceOf(DString const &word) {
+    DString const named = UnescapeBytes(word);
+    return named == word || IsThere(word) || !IsThere(named) ? word : named;
+}
 
 int UsageError(CommandSpec const &spec, DString const &why) {
     std::fprintf(stderr, "zelvar: %s\nusage: zelvar %s\n", why.c_str(), Synopsis(spec).c_str());

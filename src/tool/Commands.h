@@ -18,6 +18,8 @@ int RunAsk(std::vector<DString> const &words, int &argc, char **argv);
 int RunTable(std::vector<DString> const &words, int &argc, char **argv);
 int RunGallery(std::vector<DString> const &words, int &argc, char **argv);
 
+/// The place or moniker that a word names: the word itself, and where nothing has that name, what a command printed so.
+[[nodiscard]] DString PlaceOf(DString const &word);
 /// "zelvar <what>: <why>" and the subcommand's usage on stderr; `kUsage`.
 int UsageError(CommandSpec const &spec, DString const &why);
 /// "zelvar: <why>" on stderr; `kFailed`.

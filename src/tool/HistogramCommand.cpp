@@ -31,7 +31,7 @@ std::optional<int> CountIn(DString const &text, int most) {
 }
 
 bool ReadData(Arguments const &arguments, int band, int slots, DHstg &histogram, DString &reason) {
-    DString const &file = arguments.words.front();
+    DString const file = PlaceOf(arguments.words.front());
     if (!arguments.values.contains("--column")) {
         DError error;
         bool const isRead = ReadHistogram({file, nullptr}, "", band - 1, slots, nullptr, histogram, &error);

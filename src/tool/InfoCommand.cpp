@@ -32,7 +32,7 @@ int RunInfo(std::vector<DString> const &words) {
     WarmReaders();
 
     // The moniker's own options stay with it; a place such as source:NAME is first turned into what it stands for.
-    DString const &moniker = arguments->words.front();
+    DString const moniker = PlaceOf(arguments->words.front());
     DString path = moniker;
     DString driverId;
     if (moniker.starts_with("source:")) {

@@ -1,3 +1,4 @@
+#include "zelvar/base/ByteEscapes.h"
 #include "zelvar/data/reader/DriverModule.h"
 #include "zelvar/model/ItemListing.h"
 #include "zelvar/model/PlaceResolver.h"
@@ -18,10 +19,11 @@ DString TimeText(SystemTime const &time) {
                   time.wSecond);
 }
 
-/// A JSON string: control bytes escaped, bytes that are not UTF-8 as U+FFFD.
+/// A JSON string: control bytes as JSON has them, bytes that are not UTF-8 as the text \xHH, which a command takes
+/// back.
 DString JsonText(DString const &bytes) {
     DString json = "\"";
-    for (char const c : ToValidUtf8(bytes)) {
+    for (char const c : EscapeToUtf8(bytes)) {
         if (c == '"' || c == '\\')
             json += DString{'\\', c};
         else if (static_cast<unsigned char>(c) < 0x20)
@@ -70,7 +72,7 @@ int RunLs(std::vector<DString> const &words) {
     settings.probeInListing = std::chrono::seconds(10);
     settings.patience = std::chrono::seconds(60);
     UseReaderDrivers(settings);
-    RefItemPtr<DataSourceItem> const place = ItemFromPlace(arguments->words.front());
+    RefItemPtr<DataSourceItem> const place = ItemFromPlace(PlaceOf(arguments->words.front()));
     if (place == nullptr)
         return NotListed(arguments->words.front(), arguments->words.front());
     std::vector<ListedItem> const items = ListItems(place, {.foldersOnly = arguments->Has("--folders"),

@@ -104,8 +104,9 @@ int RunRequest(CommandSpec const &spec, int mode, std::vector<DString> const &wo
         SpeakOnStderr();
 
     FileDlg request(arguments->Value("--title").c_str());
-    if (DString const place = arguments->words.empty() ? DString() : arguments->words.front();
-        !arguments->words.empty()) {
+    if (!arguments->words.empty()) {
+        DString const &word = arguments->words.front();
+        DString const place = mode == kLoad ? PlaceOf(word) : word; // what is yet to be is called just so
         if (mode == kLoad && (place.empty() || ItemFromPlace(place) == nullptr))
             return Failure("cannot access '" + place + "'");
         DString const path = mode == kLoad ? PlaceFromRoot(place) : DFile(place).GetAbsolutePath();

@@ -67,7 +67,7 @@ int RunPlot(std::vector<DString> const &words, int &argc, char **argv) {
     QApplication const application(argc, argv);
     AvoidTypewriter();
     ZelvarInit();
-    DString const &file = arguments->words.front();
+    DString const file = PlaceOf(arguments->words.front());
     ADIFile table(DFile(file), "", tdFormatAccess_Read, nullptr, nullptr);
     if (!table.IsOpen())
         return Failure("cannot read '" + file + "': " + table.GetError());

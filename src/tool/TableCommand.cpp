@@ -291,7 +291,7 @@ int RunTable(std::vector<DString> const &words, int &argc, char **argv) {
         AvoidTypewriter();
         ZelvarInit();
     }
-    DString const &file = arguments->words.front();
+    DString const file = PlaceOf(arguments->words.front());
     DString const layer = arguments->Value("--layer");
     auto table = std::make_unique<FirstRows>(file, layer.empty() ? "" : "LAYER=" + PercentEncoded(layer), *rows);
     if (!table->IsOpen())

@@ -27,6 +27,10 @@ std::vector<DString> NamesOf(DFileFind const &find) {
 TEST(DFile, GivesPathsWithoutDots) {
     EXPECT_EQ(DFile("/a/./b//../c/").GetAbsolutePath(), "/a/c");
     EXPECT_EQ(DFile("/../..").GetAbsolutePath(), "/");
+    test::TempFolder const folder;
+    std::filesystem::create_directory_symlink(folder.Folder("far/off"), folder / "out");
+    EXPECT_EQ(DFile(folder / "out/../defs").GetAbsolutePath(), folder / "far/defs") << "as the system goes";
+    EXPECT_EQ(DFile(folder / "out/x/../defs").GetAbsolutePath(), folder / "out/defs");
     EXPECT_EQ(DFile("").GetAbsolutePath(), "");
     EXPECT_EQ(DFile("s3://bucket/../x").GetAbsolutePath(), "s3://bucket/../x");
     EXPECT_EQ(DFile("x").GetAbsolutePath(), std::filesystem::current_path().string() + "/x");

@@ -1,5 +1,7 @@
 #include "zelvar/base/DString.h"
 
+#include "zelvar/base/ByteEscapes.h"
+
 #include <gtest/gtest.h>
 
 #include <limits>
@@ -105,6 +107,12 @@ TEST(DString, BytesThatAreNotUtf8AreReplacedOneByOne) {
     EXPECT_EQ(ToValidUtf8("\xC3\xA4\xC3(\xED\xA0\x80\xF5"),
               "\xC3\xA4\xEF\xBF\xBD(\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD");
     EXPECT_EQ(EscapeControlBytes("a\tb\n\x7F\xC3\xA4\\"), "a\\x09b\\x0A\\x7F\xC3\xA4\\");
+    EXPECT_EQ(EscapeToUtf8("\xC3\xA4\n\\x41"), "\xC3\xA4\n\\x41");
+    EXPECT_EQ(EscapeToUtf8("\xEF\xBF\xBD\xFF\\x41\\"), "\xEF\xBF\xBD\\xFF\\x5Cx41\\");
+    for (std::string_view const name : {"a\nb", "\\x0A", "\\\\x0a\\x", "\xFF\xEF\xBF\xBD\\x5C"}) {
+        EXPECT_EQ(UnescapeBytes(EscapeControlBytes(name)), name);
+        EXPECT_TRUE(name.front() != '\xFF' || UnescapeBytes(EscapeToUtf8(name)) == name);
+    }
 }
 
 } // namespace

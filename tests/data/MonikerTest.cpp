@@ -40,6 +40,7 @@ TEST(Moniker, TheLongestNameThatExistsIsTheFile) {
     DString const odd = folder.Write("a.tif?really");
     DString const container = folder.Write("box: 1.gpkg");
     DString const archive = folder.Write("x y.zip");
+    DString const quoted = folder.Write("odd \"quoted\" name.tif");
     struct Case {
         DString text;
         DString source;
@@ -60,6 +61,8 @@ TEST(Moniker, TheLongestNameThatExistsIsTheFile) {
         {"GTIFF_DIR:2:" + odd, "GTIFF_DIR:2:" + odd, odd},
         {"GTIFF_DIR:2:" + odd + "?A=1", "GTIFF_DIR:2:" + odd, odd},
         {"HDF5:\"" + container + "\"://group/set", "HDF5:\"" + container + "\"://group/set", container},
+        {"GTIFF_DIR:2:" + quoted, "GTIFF_DIR:2:" + quoted, quoted},
+        {"HDF5:\"" + quoted + "\"://a?A=1", "HDF5:\"" + quoted + "\"://a", quoted},
         {"/vsizip/" + archive + "/in/b.tif", "/vsizip/" + archive + "/in/b.tif", archive},
         {"/vsizip/{" + archive + "}/b.tif?A=1", "/vsizip/{" + archive + "}/b.tif", archive},
         {"GTIFF_DIR:1:/vsizip/" + archive + "/b.tif", "GTIFF_DIR:1:/vsizip/" + archive + "/b.tif", archive},
@@ -79,16 +82,27 @@ TEST(Moniker, TheLongestNameThatExistsIsTheFile) {
 TEST(Moniker, APlainPathNeedNotExistToHaveAPlaceOnDisk) {
     test::TempFolder const folder;
     DString const there = folder.Write("a.tif");
+    folder.Folder("run");
     for (auto const &[text, onDisk] :
          std::initializer_list<std::pair<DString, DString>>{{there + "?A=1", there},
-                                                            {folder / "new.tif", folder / "new.tif"},
                                                             {folder / "new.tif?A=1", folder / "new.tif"},
-                                                            {folder / "new?.tif", folder / "new?.tif"},
                                                             {"new.tif", "new.tif"},
                                                             {"GPKG:/no/such.gpkg:table", ""},
                                                             {"http://host/a.tif", ""},
                                                             {"", ""}})
         EXPECT_EQ(BDIMoniker(text, nullptr).GetPathOnDisk(), onDisk) << text;
+    // Beside files whose names they begin with.
+    for (DString const &path : {folder / "new.tif", folder / "new?.tif", there + ":30.csv", there + "}b.csv",
+                                folder / "my \"" + there + "\".csv", folder.Folder("run?n=2") + "/new.csv"})
+        EXPECT_EQ(BDIMoniker(path, nullptr).GetPathOnDisk(), path);
+    for (DString const &path :
+         {there + "?n=2.csv", folder / "NETCDF:" + there, folder / "b:/vsicurl/c", DString("x")}) {
+        BDIMoniker const moniker = BDIMoniker::OfPath(path, "", nullptr).WithOptions("A=1").WithOptions("B=2");
+        EXPECT_EQ(moniker.GetPathOnDisk(), path);
+        EXPECT_EQ(moniker.FindFile(), "");
+        EXPECT_EQ(moniker.GetOptions(), (Options{{"A", "1"}, {"B", "2"}}));
+        EXPECT_EQ(moniker.GetDisplayName(), path.substr(path.rfind('/') + 1));
+    }
 }
 
 TEST(Moniker, TheDisplayNameIsThatOfTheFileAndOfWhatIsInside) {

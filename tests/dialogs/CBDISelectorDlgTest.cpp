@@ -141,7 +141,12 @@ TEST_F(Selector, SelectedRowsWinOverTheContainerAlsoWhenTheListIsSorted) {
     EXPECT_EQ(Run([](SelectorHands const &hands) { test::Click(&hands.cancel); }), "0:");
 }
 
-TEST_F(Selector, ADoubleClickTakesAWholeContainer) {
+TEST_F(Selector, ADoubleClickTakesARowOrAWholeContainer) {
+    EXPECT_EQ(Run([](SelectorHands const &hands) {
+                  Rect const place = hands.list.GetSubItemRect(1, 0, LVIR_LABEL);
+                  QTest::mouseDClick(hands.list.viewport(), Qt::LeftButton, {}, QPoint(place.left + 5, place.top + 5));
+              }),
+              "1: file/alpha");
     EXPECT_EQ(Run([](SelectorHands const &hands) { hands.DoubleClick(hands.tree.GetRootItem()); }), "1: file");
     int finds = 0;
     EXPECT_EQ(Run([&](SelectorHands const &hands) {

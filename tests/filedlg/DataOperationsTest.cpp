@@ -103,6 +103,9 @@ TEST_F(DataOperations, TheFormatToBeginWithIsTheWantedTheStandardTheFilesOrTheUs
     };
     for (Case const &c : cases)
         EXPECT_EQ(current(c), c.current) << c.mode << c.file;
+    Add("Plain", {{"COG", "A variant", "*.tif"}, {"GTiff", "GeoTIFF", "*.tif;*.tiff"}});
+    for (char const *file : {"", "x.tif", "x.what"})
+        EXPECT_EQ(current({1, "", file, ""}), "GeoTIFF") << file;
     Add("Standard", {{"X", "STD_TIF", "*.tif"}});
     EXPECT_EQ(current({0, "", "x.png", ""}), "STD_TIF");
 }

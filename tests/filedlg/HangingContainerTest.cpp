@@ -22,6 +22,7 @@ protected:
         for (std::string const &path : paths)
             files.push_back(DFile(path));
         DVector<BDIMoniker *> out;
+        m_begin = Clock::now();
         PressEscapeAfter(patience);
         EXPECT_TRUE(FileDlg::ResolveBDI(0, BDINode_Raster, &format, "", files, "*.hostile", out, nullptr));
         std::size_t const count = out.size();
@@ -33,17 +34,13 @@ protected:
     }
 
 private:
-    void PressEscapeAfter(milliseconds patience) {
-        m_begin = Clock::now();
-        Look(patience);
-    }
     /// By queued calls: timers wait while the windows' thread asks drivers.
-    void Look(milliseconds patience) {
+    void PressEscapeAfter(milliseconds patience) {
         QMetaObject::invokeMethod(
             &m_window,
             [this, patience] {
                 if (Clock::now() - m_begin < patience)
-                    return Look(patience);
+                    return PressEscapeAfter(patience);
                 QCoreApplication::postEvent(&m_window, new QKeyEvent(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier));
             },
             Qt::QueuedConnection);

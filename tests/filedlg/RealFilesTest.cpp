@@ -103,15 +103,6 @@ TEST_F(RealFiles, ADamagedContainerStaysWhatItIs) {
     EXPECT_TRUE(resolved);
 }
 
-TEST_F(RealFiles, TablesAreFoundInADatabase) {
-    test::WriteGeoPackage(folder / "data.gpkg", 1, 2, 0);
-    Names const chosen = Resolve({"data.gpkg"}, BDINode_Table, [](CBDISelectorDlg &dialog) {
-        EXPECT_EQ(ListOf(dialog).GetNumRow(), 2);
-        PressOk(dialog);
-    });
-    EXPECT_EQ(chosen.size(), 1U);
-}
-
 TEST_F(RealFiles, AllOfTheDriversFormatsAreOfferedAndTheDialogShowsTheFolderOfAContainersNode) {
     test::WritePages(folder / "pages.tif", 2);
     test::Application const application;

@@ -18,11 +18,13 @@ TEST(TypedNames, SeveralStandInQuotes) {
 }
 
 TEST(TypedNames, AnExtensionIsAddedWhereThereIsNone) {
-    EXPECT_EQ(WithExtension("/a.b/report", "txt"), "/a.b/report.txt");
-    EXPECT_EQ(WithExtension("/a.b/report.csv", "txt"), "/a.b/report.csv");
-    EXPECT_EQ(WithExtension("/a/report.", "txt"), "/a/report.") << "a dot asks for none";
-    EXPECT_EQ(WithExtension("/a/.hidden", "txt"), "/a/.hidden.txt");
-    EXPECT_EQ(WithExtension("/a/report", ""), "/a/report");
+    char const *const masks = "*.csv; *.t?r;*.*;2*";
+    EXPECT_EQ(WithExtension("/a.b/report", "txt", masks), "/a.b/report.txt");
+    for (char const *whole : {"/a.b/report.csv", "/report.TXT", "/report.tar", "/a/report."}) // a dot asks for none
+        EXPECT_EQ(WithExtension(whole, "txt", masks), whole);
+    for (DString const name : {"/Run 1.2", "/a/.hidden", "/a/.csv", "/a.csv/b"})
+        EXPECT_EQ(WithExtension(name, "txt", masks), name + ".txt");
+    EXPECT_EQ(WithExtension("/a/report", "", masks), "/a/report");
 }
 
 TEST(TypedNames, AnotherFilterReplacesTheExtensionOfTheFormerOneOnly) {

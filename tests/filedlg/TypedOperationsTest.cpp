@@ -24,16 +24,10 @@ protected:
         DfltFldrs::Instance()->GetDirHist(key, folders, false, true);
         return {folders.begin(), folders.end()};
     }
-    static Names NamesOf(std::vector<DFileFrmt *> const &formats) {
+    static Names ShownIn(bool isOwn, std::vector<DFileFrmt *> const &formats) {
         Names names;
         for (DFileFrmt const *format : formats)
-            names.push_back(format->GetName());
-        return names;
-    }
-    static Names OnPlatform(std::vector<DFileFrmt *> const &formats) {
-        Names names;
-        for (DFileFrmt const *format : formats)
-            names.push_back(test::OnPlatform(*format));
+            names.push_back(isOwn ? format->GetName() : test::OnPlatform(*format));
         return names;
     }
 
@@ -137,7 +131,7 @@ TEST_F(TypedOperations, EachOffersItsFormatsUnderItsCaptionAndRemembersItsFolder
             Shown const shown = Answer([&] { return row.open(request, mode); }, name);
             EXPECT_TRUE(shown.opened);
             EXPECT_EQ(shown.isOwn, mode == 0);
-            EXPECT_EQ(shown.types, mode == 0 ? NamesOf(formats) : OnPlatform(formats));
+            EXPECT_EQ(shown.types, ShownIn(mode == 0, formats));
             EXPECT_EQ(shown.caption, row.keepsCaption ? "Mine" : mode == 0 ? row.loadCaption : row.saveCaption);
             ASSERT_EQ(request.GetNumSlctFiles(), 1);
             EXPECT_EQ(request.GetPhysFile(), file);

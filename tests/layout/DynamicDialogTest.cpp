@@ -4,6 +4,7 @@
 #include "zelvar/layout/cdxCDynamicDialog.h"
 #include "zelvar/layout/cdxCDynamicPropertyPage.h"
 #include "zelvar/layout/cdxCSizeIconCtrl.h"
+#include "zelvar/platform/ui/MainWindow.h"
 
 #include <QtGui/QScreen>
 #include <QtGui/QWheelEvent>
@@ -32,13 +33,10 @@ constexpr char const *kSection = "WindowPositions\\ID=0x000017d8";
 std::vector<DString> StoredSections() { return SettingsStore::Instance().Children("Profile\\Zelvar\\WindowPositions"); }
 
 void Store(Rect const &rect, int visibility = 0, int state = -1, int valid = 1) {
-    for (auto const &[name, value] : {std::pair("Left", rect.left),
-                                      {"Top", rect.top},
-                                      {"Right", rect.right},
-                                      {"Bottom", rect.bottom},
-                                      {"Visibility", visibility},
-                                      {"State", state},
-                                      {"(valid)", valid}})
+    std::pair<char const *, int> const values[] = {
+        {"Left", rect.left},        {"Top", rect.top}, {"Right", rect.right}, {"Bottom", rect.bottom},
+        {"Visibility", visibility}, {"State", state},  {"(valid)", valid}};
+    for (auto const &[name, value] : values)
         Profile::WriteInt(kSection, name, value);
 }
 
@@ -80,6 +78,21 @@ TEST_F(DynamicDialogTest, OpensCentredAndTenPercentBiggerTheFirstTime) {
     EXPECT_TRUE(own->isVisible());
     EXPECT_EQ(own->x(), 5 + dialog.width() - initial.width());
     EXPECT_FALSE(dialog.m_bNewDlg);
+
+    QWidget main;
+    platform::SetMainWindow(&main);
+    main.show();
+    for (QPoint const corner : {QPoint(420, 440), QPoint(720, 740)}) { // the second leaves no room below
+        SettingsStore::Instance().RemoveTree("Profile");
+        main.setGeometry(QRect(corner, QSize(300, 200)));
+        TestDialog over(kTemplate);
+        over.show();
+        QRect const screen = over.screen()->availableGeometry();
+        QPoint const from = over.geometry().center() - main.geometry().center();
+        EXPECT_TRUE(from.manhattanLength() < 8 || corner.x() == 720);
+        EXPECT_TRUE(screen.adjusted(-4, -4, 4, 4).contains(over.geometry())); // but for the frame
+    }
+    platform::SetMainWindow(nullptr);
 }
 
 TEST_F(DynamicDialogTest, ComesBackWhereItStoodAndControlsFollow) {

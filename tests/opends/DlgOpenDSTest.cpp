@@ -32,6 +32,7 @@
 #include <QtTest/QTest>
 #include <QtWidgets/QAbstractItemView>
 #include <QtWidgets/QCheckBox>
+#include <QtWidgets/QCompleter>
 #include <QtWidgets/QHeaderView>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QPushButton>
@@ -241,6 +242,17 @@ TEST_F(OpenDialog, ATypedPathIsGoneToAndABadOneIsToldOnce) {
         history->SetWindowText(folder / "grey.tif");
         QTest::keyClick(history->lineEdit(), Qt::Key_Return);
         EXPECT_TRUE(test::Eventually([&] { return RowOf(*dialog->MainList(), "rgb.tif") >= 0; }));
+        // What is offered meanwhile is not taken by itself, nor what differs in case alone.
+        for (DString const &other : {folder / "sub/deeper", folder / "SUB"})
+            history->AddString(other);
+        history->clearEditText();
+        QTest::keyClicks(history->lineEdit(), QString::fromStdString(folder / "sub"));
+        EXPECT_EQ(history->lineEdit()->text().toStdString(), folder / "sub");
+        QWidget &offered = *history->completer()->popup();
+        EXPECT_TRUE(test::Eventually([&] { return offered.isVisible(); }));
+        QTest::keyClick(&offered, Qt::Key_Return);
+        EXPECT_TRUE(test::Eventually([&] { return RowOf(*dialog->MainList(), "inner.tif") == 0; }));
+        EXPECT_EQ(messages.size(), 1U);
     });
 }
 

@@ -10,6 +10,7 @@
 #include <chrono>
 #include <map>
 #include <mutex>
+#include <optional>
 #include <utility>
 
 namespace zelvar {
@@ -31,28 +32,33 @@ Mount MountOf(std::string_view path) {
     return entry ? Mount{entry->mountPoint, platform::MayBlock(*entry)} : Mount{};
 }
 
-/// Mount points that have answered lately.
-class Answered {
+using Clock = std::chrono::steady_clock;
+
+/// What mount points have said lately.
+class Answers {
 public:
-    bool Lately(DString const &point) {
+    std::optional<bool> Lately(DString const &point) {
         std::lock_guard const lock(m_mutex);
         auto const at = m_points.find(point);
-        return at != m_points.end() && Clock::now() < at->second;
+        return at != m_points.end() && Clock::now() < at->second.holds ? std::optional(at->second.yes) : std::nullopt;
     }
-    void Note(DString const &point) {
+    void Note(DString const &point, bool yes) {
         std::lock_guard const lock(m_mutex);
-        m_points[point] = Clock::now() + kHolds;
+        m_points[point] = {yes, Clock::now() + kHold};
     }
-    static Answered &Instance() {
-        static auto &answered = *new Answered;
-        return answered;
+    static Answers &Instance() {
+        static auto &answers = *new Answers;
+        return answers;
     }
 
 private:
-    using Clock = std::chrono::steady_clock;
-    static constexpr std::chrono::seconds kHolds{2};
+    struct Answer {
+        bool yes = false;
+        Clock::time_point holds{};
+    };
+    static constexpr std::chrono::seconds kHold{2};
     std::mutex m_mutex;
-    std::map<DString, Clock::time_point> m_points;
+    std::map<DString, Answer> m_points;
 };
 
 constexpr std::chrono::milliseconds kAnswerTime{500};
@@ -70,19 +76,25 @@ bool AsksPlaceInReader(DString const &path) {
     if (!path.starts_with('/'))
         return true;
     Mount const mount = MountOf(path);
-    if (!mount.mayBlock || Answered::Instance().Lately(mount.point))
+    if (!mount.mayBlock)
         return true;
+    if (auto const answer = Answers::Instance().Lately(mount.point))
+        return *answer;
     // The drivers come first: they have time of their own.
     EnsureDrivers();
     RequestScope const scope(RequestKind::Probe, {}, kAnswerTime);
     wire::StampFileT body;
     body.path = path;
     Readers::Call const call{.kind = RequestKind::Probe, .what = "place", .subject = path};
+    auto const begin = Clock::now();
     if (Readers::Instance().Ask(call, std::move(body)).message == nullptr) {
+        // Who has less patience, or stops, has not heard that it is silent.
+        if (Clock::now() - begin >= kAnswerTime)
+            Answers::Instance().Note(mount.point, false);
         Report::TraceMessage(Report::kTraceOpen, "\"%s\" does not answer", mount.point.c_str());
         return false;
     }
-    Answered::Instance().Note(mount.point);
+    Answers::Instance().Note(mount.point, true);
     return true;
 }
 

@@ -51,7 +51,7 @@ std::vector<DString> SingleMasks(std::string_view masks) {
 DString ConcreteExtension(std::string_view masks) {
     for (DString const &mask : SingleMasks(masks)) {
         std::string_view const rest = std::string_view(mask).substr(mask.starts_with("*.") ? 2 : 0);
-        if (rest.size() < mask.size() && !rest.empty() && rest.find_first_of("*?") == std::string_view::npos)
+        if (rest.size() < mask.size() && !rest.empty() && rest.find_first_of("*?[") == std::string_view::npos)
             return DString(rest);
     }
     return {};
@@ -59,7 +59,7 @@ DString ConcreteExtension(std::string_view masks) {
 
 DString DefaultExtension(std::string_view masks, std::string_view given) {
     DString chosen = ConcreteExtension(masks);
-    if (!chosen.empty())
+    if (!chosen.empty() || (!masks.empty() && SingleMasks(masks).empty()))
         return chosen;
     if (given.find('*') != std::string_view::npos)
         return ConcreteExtension(given);

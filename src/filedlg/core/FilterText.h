@@ -28,7 +28,7 @@ struct FileFilter {
 [[nodiscard]] ZELVAR_API DString ConcreteExtension(std::string_view masks);
 
 /// The extension that a name without one gets: that of the chosen filter, else the given one, which may be written as
-/// "txt", ".txt" or "*.txt".
+/// "txt", ".txt" or "*.txt". None under a filter that lets every name pass.
 [[nodiscard]] ZELVAR_API DString DefaultExtension(std::string_view masks, std::string_view given);
 
 } // namespace zelvar

@@ -2,15 +2,21 @@
 
 #include "zelvar/base/PathStyle.h"
 
+#include <algorithm>
 #include <filesystem>
 
 namespace zelvar {
 
 namespace {
 
-bool HasExtension(std::string_view path) {
-    std::string_view const name = FileNameOf(path);
-    return !name.empty() && name.find('.', 1) != std::string_view::npos;
+/// Whether the name ends like the files that a mask of the form "*.tif" asks for.
+bool HasExtensionOf(std::string_view name, std::string_view masks) {
+    std::vector<DString> const single = Split(masks, ';');
+    return !name.empty() && std::any_of(single.begin(), single.end(), [name](DString const &entry) {
+        std::string_view const mask = Trimmed(entry);
+        // A dot at the start of the name begins no extension.
+        return mask.starts_with("*.") && mask != "*.*" && PathMatchSpec(name.substr(1), mask);
+    });
 }
 
 } // namespace
@@ -31,8 +37,11 @@ std::vector<DString> SplitTypedNames(std::string_view text) {
     return names;
 }
 
-DString WithExtension(DString path, std::string_view extension) {
-    if (!extension.empty() && !HasExtension(path))
+DString WithExtension(DString path, std::string_view extension, std::string_view masks) {
+    std::string_view const name = FileNameOf(path);
+    bool const isWhole = extension.empty() || name.ends_with('.') || HasExtensionOf(name, masks) ||
+                         HasExtensionOf(name, "*." + DString(extension));
+    if (!isWhole)
         path.append(".").append(extension);
     return path;
 }

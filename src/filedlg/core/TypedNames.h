@@ -10,8 +10,9 @@ namespace zelvar {
 /// quotes. A quote that is not closed belongs to the name.
 [[nodiscard]] ZELVAR_API std::vector<DString> SplitTypedNames(std::string_view text);
 
-/// `path` with ".extension" behind it, unless its name has a dot behind its first character or `extension` is empty.
-[[nodiscard]] ZELVAR_API DString WithExtension(DString path, std::string_view extension);
+/// `path` with ".extension" behind it, unless its name has that extension, or one that `masks`, those of all filters,
+/// ask for, or ends in a dot. "Run 1.2" has none.
+[[nodiscard]] ZELVAR_API DString WithExtension(DString path, std::string_view extension, std::string_view masks);
 
 /// The name with the extension that another filter asks for, if the present one is just what `masks`, the former
 /// filter's, ask for; otherwise the user meant what stands there.

@@ -38,18 +38,33 @@ public:
 
 private:
     void Place(QDialog &dialog) const {
+        bool const hasPlace = dialog.testAttribute(Qt::WA_Moved) || dialog.parentWidget() != nullptr;
         QWidget const *const below = m_below.isNull() ? MainWindow() : m_below.data();
-        if (below == nullptr || !below->isVisible() || below->window() == &dialog)
-            return;
-        if (dialog.windowHandle() != nullptr)
+        bool const isOver = below != nullptr && below->isVisible() && below->window() != &dialog;
+        if (isOver && dialog.parentWidget() == nullptr && dialog.windowHandle() != nullptr)
             dialog.windowHandle()->setTransientParent(below->window()->windowHandle());
-        if (dialog.testAttribute(Qt::WA_Moved))
+        QRect const available = (isOver ? below : &dialog)->screen()->availableGeometry();
+        // Its own frame is not known yet.
+        QSize frame = dialog.frameGeometry().size() - dialog.size();
+        if (isOver)
+            frame = frame.expandedTo(below->window()->frameGeometry().size() - below->window()->size());
+        QRect place(dialog.frameGeometry().topLeft(), dialog.size() + frame);
+        bool const isTooLarge = place.width() > available.width() || place.height() > available.height();
+        if (hasPlace ? !isTooLarge : !isOver)
             return;
-        QRect place(QPoint(), dialog.frameGeometry().size());
-        place.moveCenter(below->window()->frameGeometry().center());
-        QRect const available = below->screen()->availableGeometry();
-        dialog.move(std::max(available.left(), std::min(place.left(), available.right() + 1 - place.width())),
-                    std::max(available.top(), std::min(place.top(), available.bottom() + 1 - place.height())));
+        if (isTooLarge)
+            dialog.resize(dialog.size() - (place.size() - place.size().boundedTo(available.size())));
+        place.setSize(dialog.size() + frame);
+        if (!hasPlace)
+            place.moveCenter(below->window()->frameGeometry().center());
+        dialog.move(OnScreen(place.left(), place.width(), available.left(), available.width()),
+                    OnScreen(place.top(), place.height(), available.top(), available.height()));
+    }
+
+    /// Where an edge goes so that all can be seen, or, of what is too large even so, its end: there are the buttons.
+    static int OnScreen(int begin, int length, int screenBegin, int screenLength) {
+        int const last = screenBegin + screenLength - length;
+        return length > screenLength ? last : std::clamp(begin, screenBegin, last);
     }
 
     QPointer<QWidget> m_below; ///< null for the main window
@@ -84,8 +99,7 @@ bool HasFrame(QWidget const *window) {
 bool IsWindowThread() { return qApp != nullptr && qApp->thread() == QThread::currentThread(); }
 
 void StandOverMainWindow(QDialog &dialog) {
-    if (dialog.parentWidget() == nullptr)
-        dialog.installEventFilter(new Placement(dialog, QApplication::activeModalWidget()));
+    dialog.installEventFilter(new Placement(dialog, QApplication::activeModalWidget()));
 }
 
 } // namespace zelvar::platform

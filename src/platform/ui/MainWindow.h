@@ -17,7 +17,8 @@ ZELVAR_API void SetMainWindow(QWidget *window);
 [[nodiscard]] ZELVAR_API bool IsWindowThread();
 
 /// A dialog without a parent stays in front of the modal dialog that is up, or of the main window, and comes up in its
-/// middle unless it has a place of its own. To be called before it is shown.
+/// middle unless it has a place of its own. One that is larger than the screen shrinks, and where it cannot, shows its
+/// lower right corner, where the buttons are. To be called before it is shown.
 void StandOverMainWindow(QDialog &dialog);
 
 } // namespace zelvar::platform

@@ -4,6 +4,7 @@
 #include "zelvar/platform/ui/UserMessages.h"
 #include "zelvar/platform/ui/WindowMessage.h"
 
+#include <QtGui/QScreen>
 #include <QtTest/QTest>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QDialog>
@@ -72,6 +73,22 @@ TEST(ModalLoop, AMenuOnTheStackOutlivesItsParent) {
     QObject::connect(&menu, &QMenu::aboutToShow, window, &QObject::deleteLater, Qt::QueuedConnection);
     EXPECT_EQ(RunMenu(menu, {}), nullptr);
     EXPECT_EQ(menu.parentWidget(), nullptr);
+}
+
+TEST(ModalLoop, ADialogLargerThanTheScreenShowsItsLowerRightCorner) {
+    QRect const screen = QGuiApplication::primaryScreen()->availableGeometry();
+    for (QSize const least : {QSize(0, 0), screen.size() + QSize(50, 100)}) {
+        QDialog dialog;
+        dialog.setMinimumSize(least);
+        dialog.resize(screen.size() + QSize(300, 200));
+        dialog.move(500, 500);
+        std::ignore = test::OnNextDialog([&](QWidget &) {
+            QRect const place = dialog.frameGeometry();
+            EXPECT_LT((place.bottomRight() - screen.bottomRight()).manhattanLength(), 8); // but for the frame
+            EXPECT_EQ(place.left() < screen.left() || place.top() < screen.top(), !least.isEmpty());
+        });
+        RunModal(dialog);
+    }
 }
 
 class Poster : public QObject {
