@@ -102,6 +102,15 @@ void ForEachThread(pid_t process, char const *name, Visit const &visit) {
     }
 }
 
+bool HasThreadInState(pid_t process, char state) {
+    bool has = false;
+    ForEachThread(process, "stat", [&](char const *text) {
+        char const *const name = std::strrchr(text, ')'); // "id (name) state ..."
+        has = has || (name != nullptr && std::strlen(name) > 2 && name[2] == state);
+    });
+    return has;
+}
+
 int PollOnce(int file, std::chrono::milliseconds wait) {
     pollfd wanted{.fd = file, .events = POLLIN, .revents = 0};
     return poll(&wanted, 1, static_cast<int>(wait.count()));
@@ -208,23 +217,17 @@ void ReaderProcess::Terminate() {
         syscall(SYS_pidfd_send_signal, m_pidFile.Get(), SIGKILL, nullptr, 0);
 }
 
-bool ReaderProcess::IsBlocked() const {
-    bool isBlocked = false;
-    ForEachThread(m_pid, "stat", [&](char const *text) {
-        char const *const name = std::strrchr(text, ')'); // "id (name) state ..."
-        isBlocked = isBlocked || (name != nullptr && std::strncmp(name, ") D", 3) == 0);
-    });
-    return isBlocked;
-}
+bool ReaderProcess::IsBlocked() const { return HasThreadInState(m_pid, 'D'); }
 
-std::chrono::nanoseconds ReaderProcess::WaitedForProcessor() const {
-    std::uint64_t waited = 0;
+ReaderProcess::ProcessorTimes ReaderProcess::ProcessorTimesNow() const {
+    ProcessorTimes times;
     ForEachThread(m_pid, "schedstat", [&](char const *text) {
-        char *end = nullptr;
-        std::strtoull(text, &end, 10); // the time on a processor; what was waited stands behind it
-        waited += std::strtoull(end, nullptr, 10);
+        char *end = nullptr; // the time on a processor, the time in line for one
+        times.used += std::chrono::nanoseconds(std::strtoull(text, &end, 10));
+        times.waited += std::chrono::nanoseconds(std::strtoull(end, nullptr, 10));
     });
-    return std::chrono::nanoseconds(waited);
+    times.isRunnable = HasThreadInState(m_pid, 'R');
+    return times;
 }
 
 } // namespace zelvar

@@ -51,8 +51,13 @@ public:
     [[nodiscard]] std::optional<Stamp> StampOf(std::uint64_t request) const;
     /// Bytes that it holds in memory.
     [[nodiscard]] std::uint64_t ResidentBytes() const;
-    /// How long its threads have stood in line for a processor since they began, all together.
-    [[nodiscard]] std::chrono::nanoseconds WaitedForProcessor() const;
+    /// What its threads have had of the processors since they began, all together.
+    struct ProcessorTimes {
+        std::chrono::nanoseconds used{0};
+        std::chrono::nanoseconds waited{0}; ///< in line for one; what a thread waits now is added when it gets its turn
+        bool isRunnable = false;            ///< a thread is on a processor, or in line for one
+    };
+    [[nodiscard]] ProcessorTimes ProcessorTimesNow() const;
 
     /// Ends it, and all that it may have started. True if it is gone within the time; a reader that the kernel holds is
     /// not. May be asked again.

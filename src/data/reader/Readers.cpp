@@ -39,21 +39,26 @@ class TimeHad {
 public:
     explicit TimeHad(ReaderProcess const &reader) : m_reader(reader) {}
     [[nodiscard]] milliseconds Look() {
-        std::chrono::nanoseconds const waited = m_reader.WaitedForProcessor();
+        ReaderProcess::ProcessorTimes const times = m_reader.ProcessorTimesNow();
         Clock::time_point const now = Clock::now();
-        if (!std::exchange(m_hasBegun, true)) {
-            m_begin = now;
-            m_waited = waited;
+        if (std::exchange(m_hasBegun, true)) {
+            std::chrono::nanoseconds had = now - m_last - (times.waited - m_times.waited);
+            // It may be in line now, which the kernel does not count yet. Some kernels count nothing.
+            if (times.isRunnable && times.used.count() != 0)
+                had = std::min(had, times.used - m_times.used);
+            m_had += std::max(had, std::chrono::nanoseconds(0));
         }
-        auto const waits = std::max(waited - m_waited, std::chrono::nanoseconds(0));
-        return std::chrono::duration_cast<milliseconds>(now - m_begin - waits);
+        m_last = now;
+        m_times = times;
+        return std::chrono::duration_cast<milliseconds>(m_had);
     }
 
 private:
     ReaderProcess const &m_reader;
     bool m_hasBegun = false;
-    Clock::time_point m_begin;
-    std::chrono::nanoseconds m_waited{0};
+    Clock::time_point m_last;
+    ReaderProcess::ProcessorTimes m_times;
+    std::chrono::nanoseconds m_had{0};
 };
 
 double MillisecondsSince(Clock::time_point begin) {
