@@ -57,6 +57,8 @@ public:
     virtual void CloseTable(void *handle) = 0;
 
     [[nodiscard]] virtual std::vector<ADIColumn> const &GetColumns(void *handle) const = 0;
+    /// What its texts were taken to be written in, in words, where nothing says so; empty else.
+    [[nodiscard]] virtual DString GetEncoding(void * /*handle*/) const { return {}; }
     /// Reads rows from number `first` on, `most` of them or fewer, at least one if there is one. Cheapest in order; a
     /// step back may read from the beginning. A row that cannot be read ends the table. False if it fails or was
     /// stopped.

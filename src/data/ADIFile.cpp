@@ -28,6 +28,7 @@ public:
         static std::vector<ADIColumn> const none;
         return IsOpen() ? m_driver->GetColumns(m_handle) : none;
     }
+    [[nodiscard]] DString Encoding() const { return IsOpen() ? m_driver->GetEncoding(m_handle) : DString(); }
     bool SetRow(std::int64_t row) {
         m_row = -1;
         m_hasFailed = false;
@@ -194,6 +195,8 @@ ADIColType ADIFile::GetColType(int col) const {
                                         : (m_writing != nullptr ? ColumnAt(m_writing->Columns(), col) : nullptr);
     return column == nullptr ? ADICol_String : column->type;
 }
+
+DString ADIFile::GetEncoding() const { return m_reading == nullptr ? DString() : m_reading->Encoding(); }
 
 bool ADIFile::SetRow(int row) { return m_reading != nullptr && m_reading->SetRow(row); }
 

@@ -43,6 +43,8 @@ public:
     [[nodiscard]] int GetNumCols() const override;
     [[nodiscard]] DString GetColName(int col) const override;
     [[nodiscard]] ADIColType GetColType(int col) const override;
+    /// As `ADIDriver::GetEncoding`.
+    [[nodiscard]] DString GetEncoding() const;
     [[nodiscard]] bool SetRow(int row) override;
     [[nodiscard]] bool HasFailed() const override;
     [[nodiscard]] DString GetText(int col) const override;

@@ -10,10 +10,14 @@ namespace zelvar {
 enum BDINodeType : std::uint32_t {
     BDINode_Container = 0x01, ///< holds other nodes
     BDINode_Raster = 0x02,
-    BDINode_Thematic = 0x04, ///< vector layer
-    BDINode_Table = 0x08,    ///< table or metadata
-    BDINode_Folder = 0x10,
+    BDINode_Thematic = 0x04,   ///< vector layer
+    BDINode_Table = 0x08,      ///< table or metadata
+    BDINode_Folder = 0x10,     ///< counts for data as well, and has its picture
+    BDINode_Directory = 0x400, ///< beside `BDINode_Container`: a folder of files, no file that holds nodes
 };
+
+/// The type of folders that our own drivers tell.
+inline constexpr std::uint32_t kDirectoryNode = BDINode_Container | BDINode_Directory;
 
 /// A driver's record of one node of a tree. Made by the driver's `OpenNode`, `CloneNode` and find calls, released by
 /// its `CloseNode`.

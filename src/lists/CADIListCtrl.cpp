@@ -260,11 +260,13 @@ bool CADIListCtrl::SortAll(int col, bool ascending) {
 
 void CADIListCtrl::Sort(int col, bool ascending) { m_isSorted = SortAll(col, ascending); }
 
-// A sort that was stopped leaves the mark in the heading where it was, too.
+// A sort that was stopped leaves the mark in the heading where it was, too; one that is switched off is remembered.
 bool CADIListCtrl::OnColumnClick(int col) {
-    if (!IsSortEnabled())
-        return true;
     LastSort const before = GetLastSort();
+    if (!IsSortEnabled()) {
+        GetLastSort() = LastSort(col, before.IsSortAscnd(col));
+        return true;
+    }
     m_isSorted = false;
     bool const isHandled = CZelListCtrlVirtual::OnColumnClick(col);
     if (!m_isSorted) {

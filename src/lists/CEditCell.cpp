@@ -22,6 +22,8 @@ bool IsOurKey(QKeyEvent const &event) {
     switch (event.key()) {
     case Qt::Key_Up:
     case Qt::Key_Down:
+    case Qt::Key_PageUp: // it moves when it is released, and must not move the list when it is pressed
+    case Qt::Key_PageDown:
     case Qt::Key_Tab:
     case Qt::Key_Backtab:
     case Qt::Key_Return:
@@ -64,7 +66,20 @@ void CEditCell::Follow() {
     if (m_list == nullptr || m_ended)
         return;
     Rect const place = m_list->GetSubItemRect(m_item, m_subItem, LVIR_LABEL);
-    move(place.left, place.top);
+    setGeometry(place.left, place.top, std::max(place.Width(), m_grownWidth), place.Height());
+}
+
+void CEditCell::MoveCell(int item, int subItem) {
+    if (m_list == nullptr || m_ended)
+        return;
+    m_item = item;
+    m_subItem = subItem;
+    if (item >= 0 && subItem >= 0) {
+        Follow();
+        return;
+    }
+    m_cancelled = true;
+    LeaveToList();
 }
 
 bool CEditCell::event(QEvent *event) {
@@ -202,8 +217,10 @@ void CEditCell::GrowToText() {
     if (needed <= width())
         return;
     int const right = std::min(x() + needed, m_list->GetClientRect().right);
-    if (right > x() + width())
-        resize(right - x(), height());
+    if (right <= x() + width())
+        return;
+    m_grownWidth = right - x();
+    resize(m_grownWidth, height());
 }
 
 } // namespace zelvar

@@ -20,8 +20,10 @@ public:
 
     /// Stands up at `place`, in the list's pixels, with all text selected and the focus.
     void Open(Rect const &place);
-    /// Goes where its cell has been scrolled to.
+    /// Goes where its cell is now, as wide as that unless the text has made it wider.
     void Follow();
+    /// Its cell has another row or column now. Below 0 it is gone: the edit ends and leaves no text behind.
+    void MoveCell(int item, int subItem);
     /// Tells nobody any more: the list begins to die.
     void Discard() { m_list = nullptr; }
 
@@ -48,6 +50,7 @@ private:
     int m_item;
     int m_subItem;
     DString m_initialText;
+    int m_grownWidth = 0; ///< pixels; 0 until the text takes more room than the cell has
     bool m_cancelled = false;
     bool m_committing = false;
     bool m_ended = false;

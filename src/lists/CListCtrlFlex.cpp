@@ -324,6 +324,7 @@ void CListCtrlFlex::OnEdit(int item, int subItem, bool skipReadOnly) {
     if (notify.veto)
         return;
     EnsureVisible(item); // or a page key would open a cell that nobody sees
+    EnsureColumnVisible(subItem);
     m_edit = new CEditCell(*this, item, subItem, GetItemText(item, subItem));
     m_edit->Open(GetSubItemRect(item, subItem, LVIR_LABEL));
 }
@@ -337,6 +338,34 @@ bool CListCtrlFlex::OnEndLabelEdit(LabelEditNotify const &notify) {
     if (notify.iItem != -1 && notify.pszText != nullptr)
         SetItemText(notify.iItem, notify.iSubItem, *notify.pszText);
     return false;
+}
+
+// --- an open edit goes with its cell ---
+
+void CListCtrlFlex::RowsMoved(NewPlace const &newPlace) {
+    ReportView::RowsMoved(newPlace);
+    if (!m_edit.isNull() && m_edit->Item() >= 0)
+        m_edit->MoveCell(newPlace(m_edit->Item()), m_edit->SubItem());
+}
+
+void CListCtrlFlex::ColumnInserted(int col) {
+    ReportView::ColumnInserted(col);
+    if (!m_edit.isNull())
+        m_edit->MoveCell(m_edit->Item(), m_edit->SubItem() + (m_edit->SubItem() >= col ? 1 : 0));
+}
+
+void CListCtrlFlex::ColumnDeleted(int col) {
+    ReportView::ColumnDeleted(col);
+    if (m_edit.isNull())
+        return;
+    int const subItem = m_edit->SubItem();
+    m_edit->MoveCell(m_edit->Item(), subItem == col ? -1 : subItem - (subItem > col ? 1 : 0));
+}
+
+void CListCtrlFlex::ColumnsChanged() {
+    ReportView::ColumnsChanged();
+    if (!m_edit.isNull())
+        m_edit->Follow();
 }
 
 void CListCtrlFlex::scrollContentsBy(int dx, int dy) {

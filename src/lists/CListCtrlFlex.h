@@ -79,6 +79,10 @@ protected:
     bool OnColumnClick(int col) override;
     bool OnDblClick(platform::ReportHit hit, Point point) override;
     void OnMouseMove(Point point) override { OnSetCursor(point); }
+    void RowsMoved(NewPlace const &newPlace) override;
+    void ColumnInserted(int col) override;
+    void ColumnDeleted(int col) override;
+    void ColumnsChanged() override;
     void scrollContentsBy(int dx, int dy) override;
     void changeEvent(QEvent *event) override;
 

@@ -71,7 +71,10 @@ bool CTreeCursor::Delete() {
 }
 
 CTreeCursor CTreeCursor::GetNext(unsigned code) const {
-    return {m_item == nullptr ? nullptr : m_tree->platform::TreeView::GetNextItem(m_item, code), m_tree};
+    bool const isOfTree =
+        code == TVGN_ROOT || code == TVGN_FIRSTVISIBLE || code == TVGN_CARET || code == TVGN_DROPHILITE;
+    bool const asks = m_tree != nullptr && (m_item != nullptr || isOfTree);
+    return {asks ? m_tree->platform::TreeView::GetNextItem(m_item, code) : nullptr, m_tree};
 }
 
 CTreeCursor CTreeCursor::InsertAfter(DString const &text, HTREEITEM after, int image) const {

@@ -7,7 +7,8 @@ namespace zelvar {
 class CZelTreeCtrlEx;
 
 /// Tree cursor: an item of a `CZelTreeCtrlEx` with its operations as members, so that they can be chained. Costs as
-/// much as the handle that it converts to; a cursor on null does nothing and yields cursors on null.
+/// much as the handle that it converts to; a cursor on null does nothing and yields cursors on null, but for
+/// what is the tree's whatever the item: its root, its first visible, its selected and its marked item.
 class ZELVAR_API CTreeCursor {
 public:
     CTreeCursor() = default;

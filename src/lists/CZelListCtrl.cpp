@@ -107,6 +107,8 @@ void CZelListCtrl::Reset() {
     RmvAllRow();
     RmvAllCol();
     DestroyImages();
+    m_fitCol = -1;
+    m_crntRow = 0;
     GetLastSort() = LastSort();
     SetSortMark(-1, true);
 }
@@ -177,6 +179,9 @@ void CZelListCtrl::GetSlct(DVector<int> &rows) const {
 }
 
 bool CZelListCtrl::OnClick(platform::ReportHit hit, Point) {
+    // A row that Ctrl has just taken out of a selection of several stays out.
+    if (IsMultiSlct() && (ClickModifiers() & Qt::ControlModifier) != 0)
+        return false;
     if (GetNumSlct() <= 1 && hit.row != -1 && hit.row < GetItemCount())
         SetSlct(hit.row, true);
     return false;

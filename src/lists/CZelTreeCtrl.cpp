@@ -4,6 +4,7 @@
 #include "zelvar/base/Directories.h"
 #include "zelvar/base/PathStyle.h"
 #include "zelvar/lists/CTreeCtrlItr.h"
+#include "zelvar/platform/ui/Pictures.h"
 
 #include <QtGui/QKeyEvent>
 #include <QtWidgets/QApplication>
@@ -91,7 +92,8 @@ bool CZelTreeCtrl::DrawIcon(HTREEITEM item, unsigned iconId, char const *file) {
     if (!m_images.IsCreated())
         return true;
     bool const named = file != nullptr && *file != '\0';
-    int const image = named && !DFile(file).Exist() ? -1 : m_images.GetIcon(iconId, file);
+    bool const isIcon = !named || platform::HasPicture({.kind = ImageDescription::Kind::File, .name = file});
+    int const image = isIcon ? m_images.GetIcon(iconId, file) : -1;
     SetImageOf(item, image);
     return image >= 0;
 }

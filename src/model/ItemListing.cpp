@@ -90,7 +90,7 @@ ListedItem::Kind KindOf(DataSourceItem const &item) {
     }
     if (!item.IsFolder())
         return ListedItem::Kind::Node;
-    return item.IsFile(BDINode_Folder) ? ListedItem::Kind::Folder : ListedItem::Kind::Container;
+    return item.IsFile(BDINode_Folder | BDINode_Directory) ? ListedItem::Kind::Folder : ListedItem::Kind::Container;
 }
 
 ListingFacts FactsOf(DataSourceItem const &item, ListingSort sort) {

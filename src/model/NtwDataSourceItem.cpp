@@ -191,9 +191,9 @@ DString NtwDataSourceItem::GetPath() const { return m_id.IsNull() ? DString() : 
 
 bool NtwDataSourceItem::IsFolder() const { return m_type == TYPE_FOLDER || m_type == TYPE_REPOSITORY_FILE; }
 
-int NtwDataSourceItem::GetIconIndex() const {
-    if (HasOwnIcon())
-        return m_iconIndex;
+int NtwDataSourceItem::GetIconIndex() const { return HasOwnIcon() ? m_iconIndex : SystemIcon(); }
+
+int NtwDataSourceItem::SystemIcon() const {
     std::int32_t icon = m_sysIcon.load(std::memory_order_relaxed);
     if (icon < 0 && !m_id.IsNull()) {
         icon = SystemImages().Add(ShellNamespace::Current().Icon(m_id, m_link));
@@ -245,7 +245,7 @@ RefItemPtr<DataSourceItem> NtwDataSourceItem::OpenRepositoryItem(char const *dri
     // The tree's parent is a copy of this item: this item holds the tree, and the two would keep each other alive.
     RefItemPtr<TemplDataSourceItem> item(TemplDataSourceItem::CreateItem(FindDriver(driverId), path.c_str(), Clone()));
     if (item)
-        item->SetIcon(hImageList, m_sysIcon.load(std::memory_order_relaxed));
+        item->SetIcon(hImageList, SystemIcon()); // one that was named was not listed, nor its icon looked up
     return item;
 }
 

@@ -92,6 +92,7 @@ private:
     static NtwDataSourceItem *CreateChild(platform::ShellChild const &child, RefItemPtr<DataSourceItem> const &parent,
                                           char const *driverId, int icon, Asked asked);
     RefItemPtr<DataSourceItem> OpenRepositoryItem(char const *driverId);
+    [[nodiscard]] int SystemIcon() const; ///< in `hImageList`; looked up the first time
 
     DString m_name; ///< set from outside; empty where it equals the identifier's last element
     bool m_nameIsElement = false;

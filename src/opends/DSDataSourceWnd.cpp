@@ -95,7 +95,7 @@ void DSDataSourceWnd::OnDataItemSelected(platform::MessageParam, platform::Messa
 }
 
 void DSDataSourceWnd::OnDataItemDblClick(platform::MessageParam, platform::MessageParam) {
-    if (!IsFolderView())
+    if (!IsFolderView() || m_folderList->WasDblClckBesideRows())
         return;
     ItemList items;
     m_folderList->GetSelectedItems(items);

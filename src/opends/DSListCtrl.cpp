@@ -6,6 +6,7 @@
 #include "zelvar/opends/core/ListingTexts.h"
 #include "zelvar/platform/ui/ControlId.h"
 #include "zelvar/platform/ui/EscapeWatch.h"
+#include "zelvar/platform/ui/SystemColor.h"
 #include "zelvar/platform/ui/Text.h"
 
 #include <QtGui/QPainter>
@@ -114,6 +115,7 @@ void DSListCtrl::ResetItemsIntrnl(ItemList items) {
     m_rootItems = items;
     if (!HasStateChanged())
         return;
+    SaveFocus();
     Reset();
     m_rootItems = std::move(items);
     StartWindowFilling();
@@ -121,6 +123,7 @@ void DSListCtrl::ResetItemsIntrnl(ItemList items) {
 
 void DSListCtrl::Refresh() {
     ItemList const roots = m_rootItems;
+    SaveFocus();
     Reset();
     m_rootItems = roots;
     StartWindowFilling();
@@ -128,12 +131,21 @@ void DSListCtrl::Refresh() {
 
 void DSListCtrl::Sort(int col, bool ascending) {
     ItemList const roots = m_rootItems;
+    SaveFocus();
     Reset();
     m_rootItems = roots;
     m_worker.SetSort(SortOfColumn(col), ascending);
     StartWindowFilling();
     GetLastSort() = LastSort(col, ascending);
     SetSortMark(m_mode == ModeFolders ? -1 : col, ascending);
+}
+
+// The heading of folders is their root's name and has no room for a mark.
+bool DSListCtrl::OnColumnClick(int col) {
+    bool const isHandled = CZelListCtrlVirtual::OnColumnClick(col);
+    if (m_mode == ModeFolders)
+        SetSortMark(-1, true);
+    return isHandled;
 }
 
 void DSListCtrl::ApplyFileFilter(char const *mask, char const *formatId) {
@@ -155,6 +167,7 @@ void DSListCtrl::Reset() {
     SetNumRow(0, 0);
     m_rootItems.clear();
     m_rows.clear();
+    m_savedState = {}; // what comes back is listed again
     if (m_mode == ModeFolders)
         SetColumnCaption(kName, "");
     viewport()->update();
@@ -169,6 +182,14 @@ void DSListCtrl::SaveSelection() {
     for (RefItemPtr<DataSourceItem> const &item : selected)
         if (item != nullptr)
             m_selectedPaths.Add(item->GetPath());
+}
+
+// A listing that is asked for before the rows of the last one have come keeps what that one was to find.
+void DSListCtrl::SaveFocus() {
+    if (m_rows.empty())
+        return;
+    RefItemPtr<DataSourceItem> const item = ItemAt(GetFocusRow());
+    m_focusPath = item == nullptr ? DString() : item->GetPath();
 }
 
 void DSListCtrl::StartWindowFilling() {
@@ -237,24 +258,39 @@ void DSListCtrl::MergePending() {
     std::vector<std::uint32_t> const oldSelected = SelectedRows();
     std::vector<std::uint32_t> newSelected = plan.MoveOldRows(oldSelected);
     DString const wantedPath = m_itemToSelect == nullptr ? DString() : m_itemToSelect->GetPath();
-    int focusRow = -1;
-    for (std::size_t i = 0; i < batch.size() && (m_itemToSelect != nullptr || !m_selectedPaths.IsEmpty()); ++i) {
+    int wantedRow = -1;
+    int const oldFocus = GetFocusRow();
+    int focus = oldFocus < 0 ? -1 : static_cast<int>(plan.MoveOldRows({static_cast<std::uint32_t>(oldFocus)}).front());
+    bool const isSought = m_itemToSelect != nullptr || !m_selectedPaths.IsEmpty() || !m_focusPath.empty();
+    for (std::size_t i = 0; i < batch.size() && isSought; ++i) {
         DString const path = batch[i].item->GetPath();
         if (m_itemToSelect != nullptr && path == wantedPath)
-            focusRow = static_cast<int>(plan.InsertedRows()[i]);
+            wantedRow = static_cast<int>(plan.InsertedRows()[i]);
+        if (oldFocus < 0 && path == m_focusPath)
+            focus = static_cast<int>(plan.InsertedRows()[i]);
         if (m_selectedPaths.Contains(path))
             newSelected.push_back(plan.InsertedRows()[i]);
     }
     plan.Apply(m_rows, std::move(batch));
+    if (focus < 0 && !newSelected.empty())
+        focus = static_cast<int>(*std::min_element(newSelected.begin(), newSelected.end()));
 
     SetNumRow(static_cast<int>(m_rows.size()), kGrow);
     for (std::uint32_t const row : oldSelected)
         SetItemState(static_cast<int>(row), 0, LVIS_SELECTED);
+    // While no row is selected this is told to nobody.
+    if (focus >= 0)
+        SetItemState(focus, LVIS_FOCUSED, LVIS_FOCUSED);
     for (std::uint32_t const row : newSelected)
         SetItemState(static_cast<int>(row), LVIS_SELECTED, LVIS_SELECTED);
-    if (focusRow >= 0) {
-        m_itemToSelect = m_rows[static_cast<std::size_t>(focusRow)];
-        SetItemState(focusRow, LVIS_SELECTED, LVIS_SELECTED);
+    if (wantedRow >= 0) {
+        m_itemToSelect = m_rows[static_cast<std::size_t>(wantedRow)];
+        SetItemState(wantedRow, LVIS_SELECTED, LVIS_SELECTED);
+    }
+    if (oldFocus < 0 && focus >= 0) {
+        m_focusPath.clear();
+        SetSelectionMark(focus);
+        EnsureVisible(focus);
     }
     viewport()->update();
 }
@@ -302,7 +338,8 @@ bool DSListCtrl::OnRangeChanged(int, int, unsigned, unsigned newState) {
     return true;
 }
 
-bool DSListCtrl::OnDblClick(platform::ReportHit, Point) {
+bool DSListCtrl::OnDblClick(platform::ReportHit hit, Point) {
+    m_dblClckBesideRows = hit.row < 0;
     Tell(m_dblClckMessage, GetCrntRow());
     return true;
 }
@@ -315,6 +352,7 @@ void DSListCtrl::OnChar(QChar character) {
             continue;
         ClearSelection();
         SetItemState(static_cast<int>(row), LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
+        SetSelectionMark(static_cast<int>(row));
         EnsureVisible(static_cast<int>(row));
         return;
     }
@@ -374,6 +412,8 @@ void DSListCtrl::DrawItem(platform::DrawItemStruct const &request) {
         platform::DrawCellText(request.painter, cell, CellText(*item, col), col == kName ? LVCFMT_LEFT : LVCFMT_RIGHT,
                                platform::CellPlace::Centered);
     }
+    if ((request.state & LVIS_FOCUSED) != 0)
+        platform::DrawFocusRect(request.painter, marked, platform::ToColorRef(colors.text));
 }
 
 } // namespace zelvar

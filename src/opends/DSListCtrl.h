@@ -71,6 +71,8 @@ public:
     void GetSelectedItems(ItemList &items) const;
     void ClearSelection();
     [[nodiscard]] RefItemPtr<DataSourceItem> ItemAt(int row) const; ///< null outside the rows
+    /// Whether the last double click, which is told whatever lies below it, hit no row.
+    [[nodiscard]] bool WasDblClckBesideRows() const { return m_dblClckBesideRows; }
 
     DString OnGetItemText(int row, int col) override;
     int OnGetItemImg(int row, int col) override;
@@ -83,6 +85,7 @@ protected:
     bool OnItemChanged(int row, unsigned oldState, unsigned newState) override;
     bool OnRangeChanged(int first, int last, unsigned oldState, unsigned newState) override;
     bool OnDblClick(platform::ReportHit hit, Point point) override;
+    bool OnColumnClick(int col) override;
     void OnChar(QChar character) override;
     void timerEvent(QTimerEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
@@ -96,6 +99,7 @@ private:
     void StartWindowFilling();
     void AddParentRow();
     void SaveSelection();
+    void SaveFocus();
     /// What was cut short is listed again by the next request for it.
     void SavePaneState() { m_savedState = m_worker.IsCutShort() ? PaneState() : PresentState(); }
     [[nodiscard]] PaneState PresentState() const;
@@ -120,7 +124,9 @@ private:
     bool m_showParentFolderItem = false;
     std::unique_ptr<ImageList> m_parentFolderImages; ///< the picture of ".."
     PathSet m_selectedPaths;                         ///< rows that are to be selected when they turn up
-    PaneState m_savedState;                          ///< what the last listing was made from
+    DString m_focusPath;                             ///< of the row that the keyboard was at before a listing
+    bool m_dblClckBesideRows = false;
+    PaneState m_savedState; ///< what the last listing was made from
     platform::WindowTimers m_timers;
 };
 

@@ -6,6 +6,7 @@
 #include "zelvar/opends/ItemColors.h"
 #include "zelvar/opends/NetworkScanner.h"
 #include "zelvar/platform/ui/ModalLoop.h"
+#include "zelvar/platform/ui/SystemColor.h"
 #include "zelvar/platform/ui/Text.h"
 
 #include <QtGui/QKeyEvent>
@@ -78,6 +79,7 @@ bool DataSourceList::Fill(DLGTemplate dlgTemplate) {
 }
 
 bool DataSourceList::Fill(RefItemPtr<DataSourceItem> root) {
+    NtwDataSourceItem::Initialize();
     // It stands alone: nothing that is found from now on comes beside it.
     m_timers.Kill(kWorkerTimer);
     if (m_worker != nullptr)
@@ -296,6 +298,8 @@ void DataSourceList::DrawItem(platform::DrawItemStruct const &request) {
     request.painter.fillRect(platform::ToQRect(rect), colors.background);
     request.painter.setPen(colors.text);
     platform::DrawCellText(request.painter, rect, RowTextOf(*item), LVCFMT_LEFT, platform::CellPlace::Centered);
+    if ((request.state & LVIS_FOCUSED) != 0)
+        platform::DrawFocusRect(request.painter, rect, platform::ToColorRef(colors.text));
 }
 
 void DataSourceList::resizeEvent(QResizeEvent *event) {

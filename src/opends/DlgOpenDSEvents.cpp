@@ -280,6 +280,8 @@ void DlgOpenDS::OnDSOptionsChanged(MessageParam first, MessageParam second) {
 }
 
 void DlgOpenDS::OnImageDblClick(MessageParam, MessageParam) {
+    if (m_mainList->WasDblClckBesideRows())
+        return;
     // What the listing had to take for a plain file, and has turned out to be a container since, is entered.
     ItemList const items = SelectedImages();
     if (items.size() != 1 || !EnterLateContainer(items.front()).value_or(true))
@@ -391,13 +393,20 @@ bool DlgOpenDS::ProcessReturnKey(QWidget *focus) {
         ApplyFileFilter(ToDString(m_fileFilterEdit->text()).c_str(), nullptr);
         return true;
     }
+    // The button that has the focus is the one that is pressed, not the dialog's own.
+    if (auto *const button = qobject_cast<QPushButton *>(focus)) {
+        button->click();
+        return true;
+    }
     if (qobject_cast<QAbstractButton *>(focus) != nullptr)
-        return false; // the button that has the focus is the one that is pressed
+        return false;
     OnOK();
     return true;
 }
 
 bool DlgOpenDS::ProcessTabKey(QWidget *focus) {
+    if (m_hierarchyList->FocusPaneBehind(focus))
+        return true;
     struct Step {
         QWidget *from;
         QWidget *to;

@@ -51,15 +51,18 @@ void HierarchyList::focusInEvent(QFocusEvent *event) {
 }
 
 bool HierarchyList::eventFilter(QObject *watched, QEvent *event) {
-    if (event->type() == QEvent::KeyPress && static_cast<QKeyEvent *>(event)->key() == Qt::Key_Tab) {
-        for (int pane = 0; pane + 1 < GetPaneCount(); ++pane) {
-            if (GetPane(pane) != watched || !GetPane(pane)->hasFocus())
-                continue;
-            GetPane(pane + 1)->setFocus(Qt::TabFocusReason);
-            return true;
-        }
+    bool const isTab = event->type() == QEvent::KeyPress && static_cast<QKeyEvent *>(event)->key() == Qt::Key_Tab;
+    return (isTab && FocusPaneBehind(watched)) || QWidget::eventFilter(watched, event);
+}
+
+bool HierarchyList::FocusPaneBehind(QObject const *pane) {
+    for (int behind = 1; behind < GetPaneCount(); ++behind) {
+        if (GetPane(behind - 1) != pane || !GetPane(behind - 1)->hasFocus())
+            continue;
+        GetPane(behind)->setFocus(Qt::TabFocusReason);
+        return true;
     }
-    return QWidget::eventFilter(watched, event);
+    return false;
 }
 
 DSListCtrl *HierarchyList::GetPane(int pane) { return qobject_cast<DSListCtrl *>(m_splitter->GetPane(0, pane)); }
@@ -146,7 +149,10 @@ QWidget *HierarchyList::CreateViewObj(DSplitterWnd *, int, int, PaneClass const 
 int HierarchyList::CreateViewWnd(DSplitterWnd *, QWidget *pane, int, int, Rect const &rect, QWidget *parent,
                                  unsigned id) {
     auto *list = qobject_cast<DSListCtrl *>(pane);
-    return list == nullptr ? 0 : list->Create(0, rect, DT_DATA, parent, id);
+    if (list == nullptr || list->Create(0, rect, DT_DATA, parent, id) == 0)
+        return 0;
+    list->show(); // a child that comes to a visible window is hidden
+    return 1;
 }
 
 void HierarchyList::DeleteView(DSplitterWnd *splitter, int row, int col) { delete splitter->GetPane(row, col); }
@@ -184,7 +190,7 @@ void HierarchyList::OnDataItemDblClick(platform::MessageParam windowId, platform
         return;
     platform::SendMessage(m_coordinator, WM_DS_DATA_ITEM_DBLCLICK, pane, 0);
     ItemList const items = Selection(pane);
-    if (items.empty())
+    if (items.empty() || GetPane(pane)->WasDblClckBesideRows())
         return;
     if (!items.front()->CheckItemAccess()) {
         Report::UserNotification("Cannot access %s", items.front()->GetPath().c_str());

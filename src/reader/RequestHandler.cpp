@@ -404,6 +404,7 @@ RequestHandler::Answer RequestHandler::OpenTable(wire::OpenTableT const &asked) 
         return Failure(std::move(reason));
     wire::TableOpenedT opened;
     opened.driver = table->driver->GetId();
+    opened.encoding = table->driver->GetEncoding(table->handle);
     for (ADIColumn const &column : table->driver->GetColumns(table->handle)) {
         opened.columns.push_back(std::make_unique<wire::TableColumnT>());
         opened.columns.back()->name = column.name;

@@ -1,3 +1,4 @@
+#include "zelvar/data/ADIFile.h"
 #include "zelvar/data/BDIMoniker.h"
 #include "zelvar/data/reader/DriverModule.h"
 #include "zelvar/model/ItemProperties.h"
@@ -19,6 +20,13 @@ bool SavePicture(DCanvas const &canvas, DString const &file) {
     QImage const image(canvas.Row(0), canvas.GetWidth(), canvas.GetHeight(), qsizetype{3} * canvas.GetWidth(),
                        QImage::Format_RGB888);
     return image.save(QString::fromLocal8Bit(file.c_str()), "PNG");
+}
+
+/// What the texts of a table were taken for, where nothing tells.
+void SayEncoding(DString const &path) {
+    ADIFile const table(DFile(path), "", tdFormatAccess_Read, nullptr, "");
+    if (DString const encoding = table.GetEncoding(); !encoding.empty())
+        std::printf("Text Encoding\t%s\n", EscapeControlBytes(encoding).c_str());
 }
 
 } // namespace
@@ -52,6 +60,8 @@ int RunInfo(std::vector<DString> const &words) {
         if (auto const text = props.find(row.id); text != props.end() && !text->second.empty())
             std::printf("%s\t%s\n", row.name, EscapeControlBytes(text->second).c_str());
 
+    if (!isImage)
+        SayEncoding(path);
     if (!arguments->values.contains("--preview"))
         return kDone;
     DCanvas canvas;

@@ -189,7 +189,6 @@ public:
             m_list.GetLastSort() = LastSort(wish.sortCol, wish.ascending);
             m_list.SetSortMark(wish.sortCol, wish.ascending);
         }
-        FitColumns();
         SayRows();
         if (wish.select < 0)
             return true;
@@ -207,6 +206,8 @@ public:
         TraceFirstPaint(*this);
         show();
         m_list.EnsureVisible(m_toBeSeen);
+        FitColumns();
+        m_list.EnsureVisible(m_toBeSeen); // a bar below wide columns takes a row's room
         if (!attended)
             QTimer::singleShot(0, this, &QWidget::close);
         QApplication::exec();

@@ -274,14 +274,14 @@ TEST_F(Container, AnArchiveShowsItsFoldersAndTheDataInThem) {
         ASSERT_TRUE(tree);
         EXPECT_EQ(tree.driver->GetId(), "ZIP");
         auto const top = tree.Names(*tree.root);
-        EXPECT_EQ(top, (std::map<DString, std::uint32_t>{{"a.tif", BDINode_Raster}, {"in ner", BDINode_Folder}}));
+        EXPECT_EQ(top, (std::map<DString, std::uint32_t>{{"a.tif", BDINode_Raster}, {"in ner", kDirectoryNode}}));
         EXPECT_EQ(FirstSample(tree.Children(*tree.root, BDINode_Raster).at(0).path), 77);
-        BDINode const inner = tree.Children(*tree.root, BDINode_Folder).at(0);
+        BDINode const inner = tree.Children(*tree.root, BDINode_Directory).at(0);
         EXPECT_EQ(tree.Names(inner).size(), 2U);
-        BDINode const deep = tree.Children(inner, BDINode_Folder).at(0);
+        BDINode const deep = tree.Children(inner, BDINode_Directory).at(0);
         EXPECT_EQ(deep.name, "d\xC3\xA4\x65p");
         EXPECT_EQ(FirstSample(tree.Children(deep).at(0).path), 77) << tree.Children(deep).at(0).path;
-        BDINode const file = tree.Children(inner, BDINode_Container).at(0);
+        BDINode const file = tree.Children(inner, BDINode_Container).at(1);
         std::vector<BDINode> const variables = tree.Children(file);
         ASSERT_EQ(variables.size(), 2U);
         EXPECT_EQ(FirstSample(variables[0].path), 255) << variables[0].path;
@@ -308,7 +308,7 @@ TEST_F(Container, AFolderIsATreeOfItsData) {
         for (BDINode const &child : tree.Children(*tree.root))
             names.push_back(child.name);
         EXPECT_THAT(names, ElementsAre("a9.png", "a10.tif", "p.tif", "sub folder"));
-        BDINode const folder = tree.Children(*tree.root, BDINode_Folder).at(0);
+        BDINode const folder = tree.Children(*tree.root, BDINode_Directory).at(0);
         EXPECT_EQ(tree.Children(folder).at(0).path, m_folder / "sub folder/b.tif");
         EXPECT_EQ(tree.Children(tree.Children(*tree.root, BDINode_Container).at(0)).size(), 2U);
         EXPECT_EQ(tree.Children(*tree.root, BDINode_Raster).at(0).path, m_folder / "a9.png");

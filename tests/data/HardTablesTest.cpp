@@ -63,7 +63,10 @@ TEST_F(HardTables, TextsOfCommaSeparatedValuesAreTakenApartByTheBook) {
              Case{"open quote.csv", "a,b\n1,\"2\n3,4\n", {"a:1|b:3", "1|2\n3,4\n"}},
              Case{"text behind quote.csv", "a,b\n\"1\"2,\"x\"\"\"\n", {"a:1|b:3", "12|x\""}},
              Case{"mark.csv", "\xEF\xBB\xBF\"a\",b\n1,2\n", {"a:1|b:1", "1|2"}},
-             Case{"wrong bytes.csv", "a,\xFF\n\xC3,\xC3\xA4\n", {"a:3|\xEF\xBF\xBD:3", "\xEF\xBF\xBD|\xC3\xA4"}},
+             Case{"no UTF-8.csv", "a,\xFC\nx\x80,\xC3\xA4\n", {"a:3|\xC3\xBC:3", "x\xE2\x82\xAC|\xC3\x83\xC2\xA4"}},
+             Case{"no UTF-8.tcsv", "\xFC,\x81\n", {"\xC3\xBC:3", "\xEF\xBF\xBD"}},
+             Case{"damaged UTF-8.csv", "a,\xC3\xA4\n\xC3,\xC3\xA4\n", {"a:3|\xC3\xA4:3", "\xEF\xBF\xBD|\xC3\xA4"}},
+             Case{"marked.csv", "\xEF\xBB\xBF\xFC\n1\n", {"\xEF\xBF\xBD:1", "1"}},
              Case{"numbers.csv",
                   "a,b,c,d,e\n1,1,-1,1.,1e5\n00,2.5,1234567890123456789,x,nan\n",
                   {"a:3|b:2|c:3|d:3|e:3", "1|1|-1|1.|1e5", "00|2.5|1234567890123456789|x|nan"}},
@@ -74,6 +77,12 @@ TEST_F(HardTables, TextsOfCommaSeparatedValuesAreTakenApartByTheBook) {
         EXPECT_EQ(Read(m_folder.Write(c.name, c.bytes)), c.expected) << c.name;
     DString const text = m_folder.Write("options.csv", "1;2\n3;4\n");
     EXPECT_EQ(Read(text + "?HEADERS=YES&SEPARATOR=COMMA"), (Lines{"1;2:3", "3;4"}));
+    DString const greek = m_folder.Write("greek.csv", "\xC1\n" + DString(300'000, 'x') + "\n\xC2\n");
+    EXPECT_EQ(Read(greek + "?ENCODING=ISO-8859-7").front(), "\xCE\x91:3");
+    EXPECT_EQ(Open(greek).GetEncoding(), "windows-1252 (assumed)");
+    // What comes late speaks for itself.
+    EXPECT_EQ(Read(m_folder.Write("late.csv", DString(300'000, 'x') + "\n\xC1\n\xC3\xA4\n")),
+              (Lines{DString(1024, 'x') + ":3", "\xC3\x81", "\xC3\xA4"}));
     EXPECT_EQ(Read(m_folder.Write("table.dat", "a b\n1 2\n") + "?SEPARATOR=SPACE", "TXT"), (Lines{"a:1|b:1", "1|2"}));
     for (DString const &bytes : {DString(), DString("\xEF\xBB\xBF"), DString("a,b\n\0\n", 6)})
         EXPECT_EQ(Read(m_folder.Write("none.csv", bytes)), Lines{"closed"});

@@ -147,8 +147,8 @@ TEST_F(Network, AListingOfAWebServerIsATree) {
     m_server.Serve("/data/a%20b.tif", Bytes({}));
     auto const children = ChildrenOf(m_server.Url() + "/data/");
     ASSERT_EQ(children.size(), 3U);
-    EXPECT_EQ(children.at("v1.2").type, static_cast<std::uint32_t>(BDINode_Folder));
-    EXPECT_EQ(children.at("inner").type, static_cast<std::uint32_t>(BDINode_Folder));
+    EXPECT_EQ(children.at("v1.2").type, kDirectoryNode);
+    EXPECT_EQ(children.at("inner").type, kDirectoryNode);
     EXPECT_EQ(children.at("a b.tif").path, m_server.Url() + "/data/a%20b.tif");
     ImageInfo info;
     EXPECT_TRUE(ReadImageInfo({children.at("a b.tif").path, nullptr}, "", nullptr, info));
@@ -254,7 +254,7 @@ TEST_F(Network, AShareOnAFileServerIsATree) {
     ASSERT_TRUE(samba.IsReady());
     auto const children = ChildrenOf("smb://127.0.0.1/pub");
     ASSERT_EQ(children.size(), 3U);
-    EXPECT_EQ(children.at("inner").type, static_cast<std::uint32_t>(BDINode_Folder));
+    EXPECT_EQ(children.at("inner").type, kDirectoryNode);
     ImageInfo info;
     ASSERT_TRUE(ReadImageInfo({children.at("a b\xC3\xA4.tif").path, nullptr}, "", nullptr, info));
     EXPECT_EQ(info.width, 33);

@@ -151,7 +151,9 @@ TEST(CADIListCtrl, AClickOnAHeadingReadsAllSortsAndSelectsNothing) {
     list.EnblSort(false);
     stage.ClickHeading(0);
     EXPECT_EQ(list.GetID(0), 0);
+    EXPECT_EQ(list.GetLastSort().GetCol(), 0) << "remembered all the same";
     list.EnblSort(true);
+    list.GetLastSort() = {};
     stage.ClickHeading(0);
     EXPECT_TRUE(fate.isClosed);
     EXPECT_EQ(list.OnGetItemText(0, 0), "11"); // the highest id on top

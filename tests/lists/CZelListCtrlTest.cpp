@@ -110,6 +110,10 @@ TEST(CZelListCtrl, EnlargedColumnsTakeTheRestAgainAfterEachResize) {
     CZelListCtrl list;
     AddColumns(list, 3);
     list.AddRow("a|b|c", nullptr);
+    list.EnlargeCol(1, false);
+    int const hidden = list.GetColumnWidth(1);
+    list.resize(800, 200);
+    EXPECT_FALSE(QTest::qWaitFor([&] { return list.GetColumnWidth(1) != hidden; }, 250)) << "not while it is hidden";
     Stage const stage(list, 500, 200);
     list.EnlargeCol(1, true);
     EXPECT_EQ(list.ColumnsWidth(), list.GetClientRect().Width());
@@ -122,16 +126,6 @@ TEST(CZelListCtrl, EnlargedColumnsTakeTheRestAgainAfterEachResize) {
     int const fitted = list.GetColumnWidth(1);
     list.resize(800, 200);
     EXPECT_FALSE(QTest::qWaitFor([&] { return list.GetColumnWidth(1) != fitted; }, 250)) << "no longer enlarged";
-}
-
-TEST(CZelListCtrl, AHiddenListDoesNotRefit) {
-    CZelListCtrl list;
-    AddColumns(list, 2);
-    list.resize(400, 200);
-    list.EnlargeCol(1, false);
-    int const width = list.GetColumnWidth(1);
-    list.resize(800, 200);
-    EXPECT_FALSE(QTest::qWaitFor([&] { return list.GetColumnWidth(1) != width; }, 250));
 }
 
 TEST(CZelListCtrl, WidthsAreKeptByCaptionOrNumber) {
@@ -167,9 +161,8 @@ TEST(CZelListCtrl, AClickSelectsUnlessSeveralRowsAreSelected) {
     EXPECT_EQ(stage.Selected(), "3");
     stage.Click(5, Qt::ControlModifier);
     EXPECT_EQ(stage.Selected(), "3 5");
-    // Down to one row the click selects again what Ctrl has just let go.
     stage.Click(5, Qt::ControlModifier);
-    EXPECT_EQ(stage.Selected(), "3 5");
+    EXPECT_EQ(stage.Selected(), "3");
     list.ClearSlct();
     EXPECT_EQ(stage.Selected(), "");
 }
@@ -212,10 +205,14 @@ TEST(CZelListCtrl, ResetGoesBackToTheStart) {
     Stage stage(list);
     stage.ClickHeading(1);
     EXPECT_EQ(list.GetLastSort().GetCol(), 1);
+    list.EnlargeCol(1, true);
     list.Reset();
     EXPECT_EQ(list.GetNumRow() + list.GetNumCol() + list.GetItemCount() + list.GetColumnCount(), 0);
     EXPECT_EQ(list.GetLastSort().GetCol(), -2);
     EXPECT_EQ(list.GetImageList(), nullptr);
+    AddColumns(list, 2);
+    list.resize(800, 200);
+    EXPECT_FALSE(QTest::qWaitFor([&] { return list.GetColumnWidth(1) != 80; }, 250)) << "no longer enlarged";
 }
 
 class Squares : public CZelListCtrlVirtual {

@@ -416,7 +416,9 @@ TEST_F(CZelTreeCtrlTest, ImagesAreDrawnIntoTheOwnedList) {
     tree.DrawCircle(c, Rgb(0, 0, 255), Rgb(255, 0, 0), true);
     tree.GetItemImage(a2, image, selected);
     EXPECT_EQ(image, selected);
-    EXPECT_FALSE(tree.DrawIcon(a, 1, "/no/such/file.png"));
+    test::TempFolder const folder;
+    for (DString const &file : {DString("/no/such/file.png"), folder.Path(), folder.Write("text.png", "no picture")})
+        EXPECT_FALSE(tree.DrawIcon(a, 1, file.c_str())) << file;
     CZelImageList::RegisterIcon(77, "folder", "folder");
     EXPECT_TRUE(tree.DrawIcon(a, 77, nullptr));
     test::Shot(tree, "tree-control-images");
@@ -446,8 +448,8 @@ TEST_F(CZelTreeCtrlTest, ImagesAreDrawnIntoTheOwnedList) {
 
 TEST_F(CZelTreeCtrlTest, APluginsIconIsFoundWhereItIsOrAmongThePlugins) {
     test::TempFolder const folder;
-    folder.Write("install/bin/plugins/there.png", "picture");
-    folder.Write("here.png", "picture");
+    folder.Write("install/bin/plugins/there.png", "P1 1 1 1\n");
+    folder.Write("here.png", "P1 1 1 1\n");
     setenv("ZELVAR_INSTALL_DIR", (folder.Path() + "/install").c_str(), 1);
     std::filesystem::path const before = std::filesystem::current_path();
     std::filesystem::current_path(folder.Path());
@@ -495,14 +497,16 @@ TEST(CZelTreeCtrlEx, CursorsAreChained) {
     CTreeCursor const none = tree.GetChildItem(last); // a leaf has no child
     EXPECT_EQ(static_cast<HTREEITEM>(none), nullptr);
     EXPECT_EQ(none.GetTree(), &tree);
-    EXPECT_EQ(none.GetParent().GetNextSibling().GetText(), "");
+    EXPECT_EQ(none.GetParent().GetNextSibling().GetText() + none.GetChild().GetText(), "");
+    EXPECT_EQ(none.GetRoot(), root) << "the tree's, whatever the item";
+    EXPECT_EQ(none.GetSelected(), last);
     EXPECT_FALSE(none.Select() || none.Expand() || none.SetText("x") || none.EnsureVisible());
     CTreeCursor gone = root.GetChild();
     EXPECT_TRUE(gone.Delete());
     EXPECT_EQ(static_cast<HTREEITEM>(gone), nullptr);
     EXPECT_FALSE(gone.Delete());
     CTreeCursor const nowhere;
-    EXPECT_EQ(static_cast<HTREEITEM>(nowhere.AddTail("x")), nullptr);
+    EXPECT_EQ(static_cast<HTREEITEM>(nowhere.AddTail("x").GetRoot()), nullptr);
     ImageList images;
     EXPECT_EQ(tree.SetImageList(&images, TVSIL_NORMAL), nullptr);
     EXPECT_EQ(tree.SetImageList(nullptr, TVSIL_NORMAL), &images); // the former one

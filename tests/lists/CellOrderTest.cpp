@@ -52,24 +52,27 @@ TEST(CellOrder, ANumberIsWhatATextBeginsWithAndAWordIsNone) {
         char const *text;
         double number;
     };
-    for (Case const &c : {Case{"", 0},
-                          {"  12abc", 12},
-                          {"1e5", 1e5},
-                          {"+.5", 0.5},
-                          {"-7 m", -7},
-                          {"abc", 0},
-                          {"nan", 0},
-                          {"-nan", 0},
-                          {"NaN(1)", 0},
-                          {"Nantes", 0},
-                          {"Information", 0},
-                          {"infinite", 0},
-                          {" inf ", kInfinite},
-                          {"-Infinity", -kInfinite},
-                          {"1e999", kInfinite},
-                          {".1e999", kInfinite},
-                          {"-1e-999", 0},
-                          {"- 5", 0}})
+    Case const cases[] = {
+        {"", 0},
+        {"  12abc", 12},
+        {"1e5", 1e5},
+        {"+.5", 0.5},
+        {"-7 m", -7},
+        {"abc", 0},
+        {"nan", 0},
+        {"-nan", 0},
+        {"NaN(1)", 0},
+        {"Nantes", 0},
+        {"Information", 0},
+        {"infinite", 0},
+        {" inf ", kInfinite},
+        {"-Infinity", -kInfinite},
+        {"1e999", kInfinite},
+        {".1e999", kInfinite},
+        {"-1e-999", 0},
+        {"- 5", 0},
+    };
+    for (Case const &c : cases)
         EXPECT_EQ(SortNumberOf(c.text), c.number) << c.text;
 }
 

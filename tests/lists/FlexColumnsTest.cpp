@@ -25,9 +25,8 @@ TEST(FlexColumns, ColumnsGrownOverHaveNoTypeAndThoseBeyondAreText) {
 
 TEST(FlexColumns, EntriesMoveAndGo) {
     FlexColumns columns;
-    columns.Set(0, {false, ADICol_Int});
-    columns.Set(1, {false, ADICol_Double});
-    columns.Set(2, {false, ADICol_String});
+    for (int col = 0; ADIColType const type : {ADICol_Int, ADICol_Double, ADICol_String})
+        columns.Set(col++, {false, type});
     columns.Move(0, 2);
     EXPECT_EQ(columns.Type(0), ADICol_Double);
     EXPECT_EQ(columns.Type(2), ADICol_Int);
@@ -61,16 +60,9 @@ TEST(FlexColumns, TheNextEditableCellMayStandInALaterRow) {
 }
 
 TEST(LastSort, TheSameColumnTurnsRoundAndAnotherBeginsAscending) {
-    LastSort sort;
-    EXPECT_EQ(sort.GetCol(), -2);
-    EXPECT_TRUE(sort.IsSortedAscnd());
-    EXPECT_TRUE(sort.IsSortAscnd(0));
-    EXPECT_FALSE(sort.IsSortAscnd(-2));
-    sort = LastSort(3, true);
-    EXPECT_FALSE(sort.IsSortAscnd(3));
-    EXPECT_TRUE(sort.IsSortAscnd(4));
-    sort = LastSort(3, false);
-    EXPECT_TRUE(sort.IsSortAscnd(3));
+    EXPECT_TRUE(LastSort().IsSortAscnd(0) && LastSort().IsSortedAscnd() && !LastSort().IsSortAscnd(-2));
+    EXPECT_TRUE(!LastSort(3, true).IsSortAscnd(3) && LastSort(3, true).IsSortAscnd(4));
+    EXPECT_TRUE(LastSort(3, false).IsSortAscnd(3));
 }
 
 TEST(CellNumber, ATextMayBeginWithANumber) {

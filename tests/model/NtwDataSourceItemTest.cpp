@@ -310,7 +310,7 @@ TEST_F(NtwDataSourceItemTest, AContainerIsAFolderThatOpensOnce) {
     });
     {
         NtwDataSourceItem::Initialize();
-        RefItemPtr<NtwDataSourceItem> const file = Children(*Item("/d")).at(0);
+        RefItemPtr<NtwDataSourceItem> const file = Item("/d/a.tif"); // named, not listed
         EXPECT_TRUE(file->IsFolder());
         EXPECT_EQ(file->GetFileSize(), -1);
         std::vector<RefItemPtr<DataSourceItem>> pages;
@@ -327,6 +327,7 @@ TEST_F(NtwDataSourceItemTest, AContainerIsAFolderThatOpensOnce) {
         EXPECT_EQ(pages[1]->GetName(), "Page 2");
         EXPECT_EQ(pages[1]->GetDataSourceType(), DataSourceItem::DST_REPOSITORY);
         EXPECT_EQ(pages[1]->GetParent()->GetParent()->GetPath(), "/d/a.tif");
+        EXPECT_GE(pages[1]->GetIconIndex(), 0);
         EXPECT_EQ(pages[1]->GetIconIndex(), file->GetIconIndex());
         EXPECT_EQ(pages[1]->GetImageList(), NtwDataSourceItem::hImageList);
     }

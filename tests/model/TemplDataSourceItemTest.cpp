@@ -278,6 +278,7 @@ TEST_F(TemplDataSourceItemTest, IconsOfTheDefinitionTellRootFolderAndImageApart)
         ASSERT_TRUE(DFile(AppendPath(directory, name)).WriteAtomically("x"));
     test::FakeBDIDrvr &driver = m_drivers.Add("fake", "");
     driver.Add("root", "f", BDINode_Folder, "folder");
+    driver.Add("root", "d", kDirectoryNode, "directory");
     driver.Add("root", "t", BDINode_Table, "table");
     driver.Add("root", "r", BDINode_Raster, "raster");
     RefItemPtr<TemplDataSourceItem> const item =
@@ -295,7 +296,8 @@ TEST_F(TemplDataSourceItemTest, IconsOfTheDefinitionTellRootFolderAndImageApart)
         pictures.push_back(pictureOf(*child));
         return true;
     });
-    EXPECT_THAT(pictures, ElementsAre("image.png", "folder.png", "image.png")); // a folder bit counts as data here
+    EXPECT_THAT(pictures,
+                ElementsAre("image.png", "folder.png", "folder.png", "image.png")); // a folder bit counts as data here
     RefItemPtr<TemplDataSourceItem> const plain = FromXml(kDefinition);
     EXPECT_EQ(plain->GetIconIndex(), -1);
     EXPECT_EQ(plain->GetImageList(), nullptr);

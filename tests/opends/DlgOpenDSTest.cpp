@@ -188,6 +188,10 @@ TEST_F(OpenDialog, ADoubleClickIsOkAndReturnInTheListTooButNothingPickedKeepsItO
                       EXPECT_TRUE(dialog->isVisible()) << "no moniker, no end";
                       dialog->MainList()->setFocus();
                       dialog->MainList()->SetSlct(0, true);
+                      QWidget *const rows = dialog->MainList()->viewport();
+                      QTest::mouseDClick(rows, Qt::LeftButton, {}, rows->rect().bottomLeft() + QPoint(40, -5));
+                      QCoreApplication::processEvents();
+                      EXPECT_TRUE(dialog->isVisible()) << "beside the rows";
                       QTest::keyClick(dialog->MainList(), Qt::Key_Return);
                   }),
               QDialog::Accepted);
@@ -269,7 +273,8 @@ TEST_F(OpenDialog, PathButtonsLeadUpAndTheStarRemembersTheInnermost) {
         EXPECT_EQ(buttons[1]->geometry().left(), buttons[0]->geometry().right() + 2) << "one pixel between them";
         DSButton *const parent = buttons[buttons.size() - 2];
         DString const parentPath = parent->item->GetPath();
-        test::Click(parent);
+        parent->setFocus();
+        QTest::keyClick(parent, Qt::Key_Return);
         EXPECT_TRUE(test::Eventually([&] { return shown()->GetPath() == parentPath; }));
         test::Click(Button(*dialog, kHomeId));
         EXPECT_TRUE(dialog->DataSourceWnd()->IsDataSourceView());
@@ -282,7 +287,8 @@ TEST_F(OpenDialog, SubfoldersAreSearchedOnDemandAndTheFileTypeFilters) {
     DialogPtr const dialog = Make();
     Run(*dialog, [&] {
         DSListCtrl const &list = *dialog->MainList();
-        test::Click(Button(*dialog, kRecursiveId));
+        Button(*dialog, kRecursiveId)->setFocus();
+        QTest::keyClick(dialog->focusWidget(), Qt::Key_Return);
         EXPECT_TRUE(test::Eventually([&] { return RowOf(list, "inner.tif") >= 0 && list.GetNumRow() == 4; }));
         auto *types = GetDlgItem<CZelComboBox>(*dialog, kFileTypeId);
         ASSERT_EQ(types->GetCount(), 2);
@@ -298,8 +304,10 @@ TEST_F(OpenDialog, SubfoldersAreSearchedOnDemandAndTheFileTypeFilters) {
 TEST_F(OpenDialog, TheTabKeyGoesRoundThePanesAndF5ListsAgain) {
     DialogPtr const dialog = Make();
     Run(*dialog, [&] {
+        dialog->Hierarchy()->GetSplitter()->StaticSplitColumn(50, nullptr);
         QWidget *const round[] = {dialog->FolderList(),
                                   dialog->Hierarchy()->GetPane(0),
+                                  dialog->Hierarchy()->GetPane(1),
                                   dialog->MainList(),
                                   GetDlgItem(*dialog, kHistoryId),
                                   GetDlgItem(*dialog, kFileFilterId),

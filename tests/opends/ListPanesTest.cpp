@@ -1,4 +1,5 @@
 #include "support/GuiTest.h"
+#include "support/ReportStage.h"
 #include "support/ScriptedDriver.h"
 #include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/data/DriverProvider.h"
@@ -67,6 +68,16 @@ protected:
         list->show();
         return list;
     }
+    /// A list of those files, by name.
+    std::unique_ptr<DSListCtrl> Listed(std::initializer_list<char const *> files) {
+        for (char const *const file : files)
+            shell->AddFile(file);
+        auto list = List(DSListCtrl::ModeFiles);
+        list->Sort(0, true);
+        list->ResetItems({Item("/data")});
+        EXPECT_TRUE(HasRows(*list, static_cast<int>(files.size())));
+        return list;
+    }
     static bool HasRows(DSListCtrl const &list, int rows) {
         return test::Eventually([&] { return list.GetNumRow() == rows; });
     }
@@ -82,13 +93,8 @@ protected:
 };
 
 TEST_F(ListPanes, FilesAreListedInNaturalOrderAndNothingTwice) {
-    for (char const *name : {"/data/img10.tif", "/data/a", "/data/img9.tif", "/data/a.tif", "/data/a.img"})
-        shell->AddFile(name);
     shell->AddFolder("/data/sub");
-    auto const list = List(DSListCtrl::ModeFiles);
-    list->Sort(0, true);
-    list->ResetItems({Item("/data")});
-    ASSERT_TRUE(HasRows(*list, 5));
+    auto const list = Listed({"/data/img10.tif", "/data/a", "/data/img9.tif", "/data/a.tif", "/data/a.img"});
     std::vector<DString> const ascending{"a", "a.img", "a.tif", "img9.tif", "img10.tif"};
     EXPECT_EQ(Names(*list), ascending);
 
@@ -189,12 +195,8 @@ TEST_F(ListPanes, TheSelectionIsKeptByPathAndARestoredRowStaysQuietOnce) {
 }
 
 TEST_F(ListPanes, ATypedLetterSelectsTheFirstRowThatBeginsWithItEveryTime) {
-    for (char const *name : {"/data/apple.tif", "/data/bear.tif", "/data/boat.tif"})
-        shell->AddFile(name);
-    auto const list = List(DSListCtrl::ModeFiles);
-    list->Sort(0, true);
-    list->ResetItems({Item("/data")});
-    ASSERT_TRUE(HasRows(*list, 3));
+    auto const list = Listed({"/data/apple.tif", "/data/bear.tif", "/data/boat.tif"});
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, QPoint(30, 5));
     for (int press = 0; press < 2; ++press) {
         QTest::keyClicks(list.get(), "B");
         EXPECT_EQ(list->GetCrntSlct(), 1);
@@ -202,14 +204,43 @@ TEST_F(ListPanes, ATypedLetterSelectsTheFirstRowThatBeginsWithItEveryTime) {
     }
     QTest::keyClicks(list.get(), "x");
     EXPECT_EQ(list->GetCrntSlct(), 1) << "no row begins with it";
+    QTest::keyClick(list.get(), Qt::Key_Down, Qt::ShiftModifier);
+    EXPECT_EQ(list->GetCrntSlct(), 1) << "a range begins where the typing led";
+}
+
+TEST_F(ListPanes, AfterAListingTheKeyboardAndTheSelectionAreWhereTheyWereAndInSight) {
+    constexpr int kRows = 60;
+    for (int i = 0; i < kRows; ++i)
+        shell->AddFile(Format("/data/f%d", i));
+    auto const list = List(DSListCtrl::ModeFiles);
+    list->Sort(0, true);
+    list->ResetItems({Item("/data")});
+    ASSERT_TRUE(HasRows(*list, kRows));
+    list->SetItemState(50, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
+    auto const isAt = [&](char const *name) {
+        RefItemPtr<DataSourceItem> const item = list->ItemAt(list->GetFocusRow());
+        Rect const row = list->GetItemRect(list->GetFocusRow());
+        return item != nullptr && item->GetName() == name &&
+               row.Intersected(list->GetClientRect()).Height() == row.Height();
+    };
+    list->Sort(0, false);
+    list->Sort(0, true); // before the rows have come
+    ASSERT_TRUE(HasRows(*list, kRows));
+    EXPECT_TRUE(isAt("f50"));
+    list->SetItemState(20, LVIS_SELECTED, LVIS_SELECTED); // without the keyboard
+    list->ApplyFileFilter("*", "format");
+    ASSERT_TRUE(HasRows(*list, kRows));
+    EXPECT_TRUE(isAt("f50"));
+    EXPECT_TRUE(list->GetSlct(20));
+    list->Reset();
+    list->ShowDir(Item("/data"), Item("/data/f40"));
+    ASSERT_TRUE(HasRows(*list, kRows));
+    EXPECT_TRUE(isAt("f40"));
+    EXPECT_TRUE(list->GetSlct(40));
 }
 
 TEST_F(ListPanes, ANarrowedMaskDropsRowsAtARefreshWithoutAskingForTheOthers) {
-    for (char const *name : {"/data/a.tif", "/data/b.img"})
-        shell->AddFile(name);
-    auto const list = List(DSListCtrl::ModeFiles);
-    list->ResetItems({Item("/data")});
-    ASSERT_TRUE(HasRows(*list, 2));
+    auto const list = Listed({"/data/a.tif", "/data/b.img"});
     list->ApplyFileFilter("*.tif", nullptr);
     EXPECT_EQ(list->GetNumRow(), 2) << "a mask alone is no change here";
     list->Refresh();
@@ -223,6 +254,9 @@ TEST_F(ListPanes, AFolderListShowsTheRootsNameAndAParentRow) {
     DSListCtrl list;
     list.SetShowParentFolderItem(true);
     list.Create(0, {0, 0, 200, 200}, DT_DATA, nullptr, 3);
+    test::Stage(list).ClickHeading(0);
+    EXPECT_FALSE(list.GetHeaderCtrl()->isSortIndicatorShown());
+    list.Sort(0, true);
     list.ResetItems({Item("/data/sub")});
     EXPECT_EQ(list.GetColCaption(0), "sub");
     ASSERT_TRUE(HasRows(list, 2));
@@ -363,10 +397,7 @@ TEST_F(ListPanes, TheContextMenuComesOverAFavouriteOnlyAndDeletesIt) {
 }
 
 TEST_F(ListPanes, ANameCutByItsPictureIsShownAsATip) {
-    shell->AddFile("/data/a name of some length.tif");
-    auto const list = List(DSListCtrl::ModeFiles);
-    list->ResetItems({Item("/data")});
-    ASSERT_TRUE(HasRows(*list, 1));
+    auto const list = Listed({"/data/a name of some length.tif"});
     int const text = list->fontMetrics().horizontalAdvance("a name of some length.tif");
     auto const tips = [&] {
         QToolTip::hideText();
@@ -385,11 +416,7 @@ TEST_F(ListPanes, ANameCutByItsPictureIsShownAsATip) {
 }
 
 TEST_F(ListPanes, RowsHaveFixedColoursThatTellTheFocus) {
-    shell->AddFile("/data/a");
-    shell->AddFile("/data/b");
-    auto const list = List(DSListCtrl::ModeFiles);
-    list->ResetItems({Item("/data")});
-    ASSERT_TRUE(HasRows(*list, 2));
+    auto const list = Listed({"/data/a", "/data/b"});
     ASSERT_TRUE(QTest::qWaitForWindowActive(list.get()));
     list->setFocus();
     list->SetSlct(0, true);
@@ -397,6 +424,8 @@ TEST_F(ListPanes, RowsHaveFixedColoursThatTellTheFocus) {
     EXPECT_EQ(back(0, 60), QColor(10, 36, 106));
     EXPECT_EQ(back(0, 17), list->palette().color(QPalette::Base)) << "the picture's band is never marked";
     EXPECT_EQ(back(1, 60), QColor(Qt::white));
+    list->SetItemState(1, LVIS_FOCUSED, LVIS_FOCUSED);
+    EXPECT_TRUE(back(1, 60) == QColor(Qt::black) || back(1, 61) == QColor(Qt::black)) << "the frame of the keyboard";
     list->clearFocus();
     EXPECT_EQ(back(0, 60), QColor(212, 208, 200));
 }
@@ -498,6 +527,11 @@ TEST_F(ListPanes, AHierarchyShowsALevelAPaneAndADoubleClickOnNothingDoesNothing)
     hierarchy.ShowDir(Item("/data"));
     hierarchy.GetRootItems(roots);
     EXPECT_TRUE(roots.empty()) << "a chain of one resets all panes";
+    hierarchy.ResetDataSources({Item("/data/sub")});
+    EXPECT_TRUE(HasRows(*hierarchy.GetPane(0), 1)) << "what was shown before it was emptied";
+    hierarchy.GetSplitter()->StaticSplitColumn(100, nullptr);
+    ASSERT_EQ(hierarchy.GetPaneCount(), 2);
+    EXPECT_TRUE(hierarchy.GetPane(1)->isVisible());
     EXPECT_FALSE(hierarchy.SortPane(5, 0, true));
 }
 

@@ -127,6 +127,9 @@ TEST_F(Command, InfoPrintsPropertiesAndWritesThePreview) {
     EXPECT_EQ(plain.exitCode, 0);
     EXPECT_THAT(plain.out, HasSubstr("Preview is not available\n"));
     EXPECT_EQ(plain.out.find("Image Width"), std::string::npos);
+    EXPECT_EQ(plain.out.find("Text Encoding"), std::string::npos);
+    EXPECT_THAT(Zelvar({"info", folder.Write("old.csv", "\xFC\n")}).out,
+                HasSubstr("Text Encoding\twindows-1252 (assumed)\n"));
 }
 
 TEST_F(Command, ExitCodesTellUsageFromFailure) {

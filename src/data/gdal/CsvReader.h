@@ -33,6 +33,8 @@ public:
 
     enum class Result { Record, End, TooLong };
     Result Next(CsvRecord &record, std::size_t mostBytes);
+    /// Whether a mark at its beginning says what the text is written in.
+    [[nodiscard]] bool IsMarked() const { return m_mark != 0; }
     /// The bytes at the beginning of the text, at most so many, without going on.
     [[nodiscard]] std::string_view Peek(std::size_t bytes);
 

@@ -21,6 +21,7 @@ constexpr std::size_t kLongestLine = std::size_t{64} << 10U; // of those whose s
 constexpr std::int64_t kRowsPerPlace = 1024;
 constexpr std::size_t kMostTransposed = std::uint64_t{256} << 20U;
 constexpr char const *kTransposedOption = "TRANSPOSED";
+constexpr char const *kEncodingOption = "ENCODING";
 
 DString OptionOf(Source const &source, std::string_view wanted) {
     auto const at = std::find_if(source.options.begin(), source.options.end(),
@@ -77,10 +78,17 @@ std::optional<std::vector<CsvRecord>> AllRecords(CsvReader &reader) {
     }
 }
 
-DString NameOf(CsvRecord const &record, std::size_t column) {
+CsvEncoding EncodingFor(Source const &source, CsvReader &reader) {
+    if (reader.IsMarked())
+        return {};
+    DString const stated = OptionOf(source, kEncodingOption);
+    return stated.empty() ? CsvEncoding::Guess(reader.Peek(CsvEncoding::kHead)) : CsvEncoding::Stated(stated);
+}
+
+DString NameOf(CsvRecord const &record, std::size_t column, CsvEncoding const &encoding) {
     DString name;
     if (column < record.Count())
-        AppendText(name, record.Field(column), kLongestName);
+        encoding.Append(name, record.Field(column), kLongestName);
     return name.empty() ? "field_" + std::to_string(column + 1) : name;
 }
 
@@ -115,10 +123,13 @@ std::unique_ptr<OpenTable> CsvTable::Open(Source const &source, bool forced, Sto
         return nullptr;
     }
     table->m_reader.SetSeparator(SeparatorFor(source, table->m_reader));
+    table->m_encoding = EncodingFor(source, table->m_reader);
+    table->m_encodingName = table->m_encoding.Name();
     std::unique_ptr<OpenTable> opened;
     if (IsTransposed(source)) {
         if (auto lines = AllRecords(table->m_reader))
-            opened = std::make_unique<TransposedCsvTable>(source.reach, std::move(*lines), stop);
+            opened = std::make_unique<TransposedCsvTable>(source.reach, std::move(*lines), std::move(table->m_encoding),
+                                                          stop);
     } else {
         table->Describe(source);
         opened = std::move(table);
@@ -161,7 +172,7 @@ void CsvTable::Describe(Source const &source) {
         for (std::size_t i = 0; i < record.Count(); ++i)
             types.Look(i, record.Field(i));
     for (std::size_t i = 0; i < columns; ++i)
-        m_columns.push_back({.name = NameOf(names, i), .type = types.Of(i)});
+        m_columns.push_back({.name = NameOf(names, i, m_encoding), .type = types.Of(i)});
 }
 
 std::int64_t CsvTable::GoBack(std::int64_t row) {
@@ -183,14 +194,16 @@ bool CsvTable::Step() {
 bool CsvTable::Append(ADIRows &rows) const {
     for (std::size_t i = 0; i < m_columns.size(); ++i) {
         if (i < m_record.Count())
-            AppendText(rows.texts, m_record.Field(i), ADIDriver::kMostCellBytes);
+            m_encoding.Append(rows.texts, m_record.Field(i), ADIDriver::kMostCellBytes);
         rows.ends.push_back(static_cast<std::uint32_t>(rows.texts.size()));
     }
     return true; // a record is no longer than a row may be
 }
 
-TransposedCsvTable::TransposedCsvTable(Reach reach, std::vector<CsvRecord> lines, StopSignal const *stop)
-    : OpenTable(reach, stop), m_lines(std::move(lines)) {
+TransposedCsvTable::TransposedCsvTable(Reach reach, std::vector<CsvRecord> lines, CsvEncoding encoding,
+                                       StopSignal const *stop)
+    : OpenTable(reach, stop), m_lines(std::move(lines)), m_encoding(std::move(encoding)) {
+    m_encodingName = m_encoding.Name();
     TypeSuggestion types(m_lines.size());
     for (std::size_t line = 0; line < m_lines.size(); ++line) {
         std::size_t const count = m_lines[line].Count();
@@ -198,7 +211,7 @@ TransposedCsvTable::TransposedCsvTable(Reach reach, std::vector<CsvRecord> lines
             types.Look(line, m_lines[line].Field(i));
         m_rows = std::max(m_rows, static_cast<std::int64_t>(count) - 1);
         DString name;
-        AppendText(name, m_lines[line].Field(0), kLongestName);
+        m_encoding.Append(name, m_lines[line].Field(0), kLongestName);
         m_columns.push_back({.name = std::move(name), .type = types.Of(line)});
     }
 }
@@ -209,7 +222,7 @@ bool TransposedCsvTable::Append(ADIRows &rows) const {
     auto const field = static_cast<std::size_t>(m_row); // behind the name
     for (CsvRecord const &line : m_lines) {
         if (field < line.Count())
-            AppendText(rows.texts, line.Field(field), ADIDriver::kMostCellBytes);
+            m_encoding.Append(rows.texts, line.Field(field), ADIDriver::kMostCellBytes);
         rows.ends.push_back(static_cast<std::uint32_t>(rows.texts.size()));
     }
     return rows.texts.size() <= ADIDriver::kMostRowBytes;

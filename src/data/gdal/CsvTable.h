@@ -1,5 +1,6 @@
 #pragma once
 
+#include "zelvar/data/gdal/CsvEncoding.h"
 #include "zelvar/data/gdal/CsvReader.h"
 #include "zelvar/data/gdal/OpenTable.h"
 #include "zelvar/data/gdal/Source.h"
@@ -19,9 +20,10 @@ using CsvFile = std::unique_ptr<void, CloseCsvFile>;
 ///
 /// Texts stay as they are written, so that no zero in front of a number gets lost; the types of columns are those that
 /// the first rows suggest. The separator is the one that the first line has most of (",", ";", tab or "|"); the first
-/// line holds names unless one of its fields is a number. The options SEPARATOR (COMMA, SEMICOLON, TAB, PIPE, SPACE)
-/// and HEADERS (YES, NO) say otherwise; TRANSPOSED=YES, or a name that ends in ".tcsv", makes lines columns. Places in
-/// the file are remembered every so many rows: a step back is short.
+/// line holds names unless one of its fields is a number; texts are UTF-8, or UTF-16 with a mark, or windows-1252. The
+/// options SEPARATOR (COMMA, SEMICOLON, TAB, PIPE, SPACE), HEADERS (YES, NO) and ENCODING say otherwise;
+/// TRANSPOSED=YES, or a name that ends in ".tcsv", makes lines columns. Places in the file are remembered every so many
+/// rows: a step back is short.
 class CsvTable : public OpenTable {
 public:
     /// Null for a source that is no such file. `forced`: whatever its name is.
@@ -40,6 +42,7 @@ private:
 
     CsvFile m_file;
     CsvReader m_reader;
+    CsvEncoding m_encoding;
     CsvRecord m_record; ///< the one read last
     bool m_hasNames = false;
     std::vector<std::int64_t> m_places; ///< of rows 0, 1024, ... in the file
@@ -48,7 +51,7 @@ private:
 /// The same with lines that are columns, their names first. All of it is kept in memory.
 class TransposedCsvTable : public OpenTable {
 public:
-    TransposedCsvTable(Reach reach, std::vector<CsvRecord> lines, StopSignal const *stop);
+    TransposedCsvTable(Reach reach, std::vector<CsvRecord> lines, CsvEncoding encoding, StopSignal const *stop);
 
 protected:
     std::int64_t GoBack(std::int64_t row) override { return m_row = row; }
@@ -57,6 +60,7 @@ protected:
 
 private:
     std::vector<CsvRecord> m_lines;
+    CsvEncoding m_encoding;
     std::int64_t m_row = 0;  ///< the next one
     std::int64_t m_rows = 0; ///< in all
 };

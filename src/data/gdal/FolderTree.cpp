@@ -32,14 +32,14 @@ FolderPlace const &PlaceOf(FolderKind kind) {
 } // namespace
 
 std::uint32_t FolderPlace::TypeOf(DString const &, FolderEntry const &entry) const {
-    return entry.isFolder ? static_cast<std::uint32_t>(BDINode_Folder) : Formats::Instance().TypeOf(entry.name);
+    return entry.isFolder ? kDirectoryNode : Formats::Instance().TypeOf(entry.name);
 }
 
 FolderTree::FolderTree(FolderPlace const &place, DString root, DString filter)
     : m_place(place), m_filter(std::move(filter)) {
     root = WithoutEndSlash(std::move(root));
     DString name(FileNameOf(root));
-    m_root = MakeNode(BDINode_Folder, root, name.empty() ? root : std::move(name));
+    m_root = MakeNode(kDirectoryNode, root, name.empty() ? root : std::move(name));
 }
 
 bool FolderTree::CanList() {
@@ -73,7 +73,7 @@ std::vector<BDINode> FolderTree::Children(BDINode const &parent) const {
     if (parent.path == m_root.path && m_listedRoot) {
         nodes = std::move(*m_listedRoot);
         m_listedRoot.reset();
-    } else if ((parent.type & BDINode_Folder) != 0) {
+    } else if ((parent.type & BDINode_Directory) != 0) {
         std::vector<FolderEntry> entries;
         if (m_place.List(parent.path, entries))
             nodes = MakeNodes(parent.path, std::move(entries));

@@ -15,6 +15,8 @@ public:
     OpenTable &operator=(OpenTable const &) = delete;
 
     [[nodiscard]] std::vector<ADIColumn> const &Columns() const { return m_columns; }
+    /// As `ADIDriver::GetEncoding`.
+    [[nodiscard]] DString const &Encoding() const { return m_encodingName; }
     /// As `ADIDriver::ReadRows`.
     [[nodiscard]] bool ReadRows(std::int64_t first, int most, ADIRows &rows);
 
@@ -34,6 +36,7 @@ protected:
     [[nodiscard]] std::int64_t NextRow() const { return m_next; }
 
     std::vector<ADIColumn> m_columns;
+    DString m_encodingName;
 
 private:
     [[nodiscard]] bool GoTo(std::int64_t row);

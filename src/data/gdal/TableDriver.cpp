@@ -66,6 +66,8 @@ void TableDriver::CloseTable(void *handle) { delete static_cast<gdal::OpenTable 
 
 std::vector<ADIColumn> const &TableDriver::GetColumns(void *handle) const { return Of(handle).Columns(); }
 
+DString TableDriver::GetEncoding(void *handle) const { return Of(handle).Encoding(); }
+
 bool TableDriver::ReadRows(void *handle, std::int64_t first, int most, ADIRows &rows) {
     try {
         return Of(handle).ReadRows(first, most, rows);

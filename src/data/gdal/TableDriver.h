@@ -20,6 +20,7 @@ public:
                             DError *error) override;
     void CloseTable(void *handle) override;
     [[nodiscard]] std::vector<ADIColumn> const &GetColumns(void *handle) const override;
+    [[nodiscard]] DString GetEncoding(void *handle) const override;
     bool ReadRows(void *handle, std::int64_t first, int most, ADIRows &rows) override;
 
 private:

@@ -72,7 +72,7 @@ std::unique_ptr<ZipTree> ZipTree::Open(Source const &source) {
 }
 
 void ZipTree::Add(DString const &name, bool isFolder) {
-    std::uint32_t const type = isFolder ? static_cast<std::uint32_t>(BDINode_Folder) : Formats::Instance().TypeOf(name);
+    std::uint32_t const type = isFolder ? kDirectoryNode : Formats::Instance().TypeOf(name);
     // An archive inside the archive would be unpacked to be read.
     if (type == 0 || type == BDINode_Container)
         return;
@@ -93,8 +93,8 @@ std::vector<BDINode> ZipTree::Children(BDINode const &parent) const {
     auto const at = m_children.find(parent.path);
     if (at != m_children.end())
         return at->second;
-    return parent.path != m_root.path && (parent.type & BDINode_Container) != 0 ? m_inner.Of(parent)
-                                                                                : std::vector<BDINode>();
+    bool const isFile = parent.path != m_root.path && (parent.type & BDINode_Directory) == 0;
+    return isFile && (parent.type & BDINode_Container) != 0 ? m_inner.Of(parent) : std::vector<BDINode>();
 }
 
 bool ZipDriver::CanReadPath(DString const &path) const {

@@ -15,6 +15,7 @@ struct Table {
     StopSignal const *stop = nullptr;
     int reader = 0; ///< that has it open, as far as we know
     std::vector<ADIColumn> columns;
+    DString encoding;
 };
 
 Table &Of(void *handle) { return *static_cast<Table *>(handle); }
@@ -47,6 +48,7 @@ void *RemoteTableDriver::Open(BDIMoniker const &moniker, ADIDriver **opener, Sto
     DString reason = answer.reason;
     if (answer.message != nullptr) {
         if (auto *const opened = BodyOf<wire::TableOpenedT>(answer.message.get())) {
+            table->encoding = ToValidUtf8(opened->encoding);
             table->columns = ColumnsFrom(std::move(*opened));
             ADIDriver *const named = ADIDriverMngr::Instance()->GetDriver(opened->driver.c_str());
             *opener = dynamic_cast<RemoteTableDriver *>(named) != nullptr ? named : this;
@@ -82,6 +84,8 @@ void RemoteTableDriver::CloseTable(void *handle) {
 }
 
 std::vector<ADIColumn> const &RemoteTableDriver::GetColumns(void *handle) const { return Of(handle).columns; }
+
+DString RemoteTableDriver::GetEncoding(void *handle) const { return Of(handle).encoding; }
 
 bool RemoteTableDriver::ReadRows(void *handle, std::int64_t first, int most, ADIRows &rows) {
     wire::ReadRowsT body;

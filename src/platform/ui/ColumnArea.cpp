@@ -198,6 +198,15 @@ int ColumnArea::ColumnAt(int x) const {
     return visual < 0 ? -1 : m_header->logicalIndex(visual);
 }
 
+void ColumnArea::EnsureColumnVisible(int col) {
+    if (!m_model->Has(col))
+        return;
+    UpdateHorizontalBar();
+    int const left = m_header->sectionPosition(col);
+    QScrollBar &bar = *horizontalScrollBar();
+    bar.setValue(std::min(std::max(bar.value(), left + GetColumnWidth(col) - viewport()->width()), left));
+}
+
 void ColumnArea::ColumnsChanged() {
     UpdateHorizontalBar();
     viewport()->update();

@@ -44,6 +44,8 @@ public:
     [[nodiscard]] int ColumnsWidth() const;      ///< of all columns
     [[nodiscard]] int ColumnLeft(int col) const; ///< in viewport pixels, scrolled
     [[nodiscard]] int ColumnAt(int x) const;     ///< at viewport pixel `x`, -1 for none
+    /// Scrolls sideways as far as it takes to see the column, or the left end of one that is wider than the view.
+    void EnsureColumnVisible(int col);
 
 protected:
     /// What fits a column, for `LVSCW_AUTOSIZE`.

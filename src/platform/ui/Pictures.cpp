@@ -132,9 +132,9 @@ QPixmap StripPicture(QString const &name, int index, qreal devicePixelRatio, int
 
 QPixmap ThemePicture(ImageDescription const &description, qreal devicePixelRatio, int side) {
     QIcon const icon = QIcon::fromTheme(ToQString(description.name));
-    if (!icon.isNull())
-        return Fitted(icon.pixmap(QSize(side, side), devicePixelRatio).toImage(), devicePixelRatio, side);
-    return ResourcePicture(ToQString(description.fallback), devicePixelRatio, side);
+    if (icon.isNull())
+        return {};
+    return Fitted(icon.pixmap(QSize(side, side), devicePixelRatio).toImage(), devicePixelRatio, side);
 }
 
 /// The shapes stand in a square of 16 units, each in its box; a line one unit wide goes round inside the box.
@@ -168,6 +168,21 @@ QPixmap ShapePicture(ImageDescription const &description, qreal devicePixelRatio
         break;
     }
     return pixmap;
+}
+
+/// Null where the fallback has to stand for it.
+QPixmap OwnPicture(ImageDescription const &description, qreal devicePixelRatio, int side) {
+    switch (description.kind) {
+    case ImageDescription::Kind::File:
+        return FilePicture(description.name, devicePixelRatio, side);
+    case ImageDescription::Kind::Strip:
+        return StripPicture(ToQString(description.name), description.index, devicePixelRatio, side);
+    case ImageDescription::Kind::Shape:
+        return ShapePicture(description, devicePixelRatio, side);
+    case ImageDescription::Kind::ThemeIcon:
+        return ThemePicture(description, devicePixelRatio, side);
+    }
+    return {};
 }
 
 /// Draws a picture at whatever size is asked for, and keeps what it has drawn.
@@ -215,21 +230,7 @@ QPixmap ResourcePicture(QString const &name, qreal devicePixelRatio, int side) {
 }
 
 QPixmap Picture(ImageDescription const &description, qreal devicePixelRatio, int side) {
-    QPixmap pixmap;
-    switch (description.kind) {
-    case ImageDescription::Kind::File:
-        pixmap = FilePicture(description.name, devicePixelRatio, side);
-        break;
-    case ImageDescription::Kind::Strip:
-        pixmap = StripPicture(ToQString(description.name), description.index, devicePixelRatio, side);
-        break;
-    case ImageDescription::Kind::Shape:
-        pixmap = ShapePicture(description, devicePixelRatio, side);
-        break;
-    case ImageDescription::Kind::ThemeIcon:
-        pixmap = ThemePicture(description, devicePixelRatio, side);
-        break;
-    }
+    QPixmap pixmap = OwnPicture(description, devicePixelRatio, side);
     if (pixmap.isNull())
         pixmap = ResourcePicture(ToQString(description.fallback), devicePixelRatio, side);
     if (description.linkOverlay) {
@@ -238,6 +239,8 @@ QPixmap Picture(ImageDescription const &description, qreal devicePixelRatio, int
     }
     return pixmap;
 }
+
+bool HasPicture(ImageDescription const &description) { return !OwnPicture(description, 1, kSmallPicture).isNull(); }
 
 QPixmap ListPicture(HIMAGELIST list, int index, qreal devicePixelRatio, int side) {
     if (list == nullptr || index < 0 || index >= list->GetCount())

@@ -23,6 +23,9 @@ inline constexpr int kSmallPicture = 16;
 [[nodiscard]] ZELVAR_API QPixmap Picture(ImageDescription const &description, qreal devicePixelRatio,
                                          int side = kSmallPicture);
 
+/// Whether the description has a picture itself, so that no fallback stands for it.
+[[nodiscard]] ZELVAR_API bool HasPicture(ImageDescription const &description);
+
 /// The number of pictures in a strip; 0 for none of that name.
 [[nodiscard]] ZELVAR_API int StripCount(DString const &name);
 

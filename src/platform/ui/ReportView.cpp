@@ -77,6 +77,7 @@ int ReportView::InsertItem(ReportItem const &item) {
     m_rows.insert(m_rows.begin() + at, std::move(row));
     m_selection.InsertRows(at, 1);
     RowsChanged();
+    RowsMoved([at](int old) { return old + (old >= at ? 1 : 0); });
     return at;
 }
 
@@ -86,6 +87,7 @@ bool ReportView::DeleteItem(int row) {
     m_rows.erase(m_rows.begin() + row);
     m_selection.RemoveRows(row, 1);
     RowsChanged();
+    RowsMoved([row](int old) { return old == row ? -1 : old - (old > row ? 1 : 0); });
     return true;
 }
 
@@ -94,6 +96,7 @@ bool ReportView::DeleteAllItems() {
     m_selection.SetRowCount(0);
     RowsChanged();
     verticalScrollBar()->setValue(0);
+    RowsMoved([](int) { return -1; });
     return true;
 }
 
@@ -109,6 +112,7 @@ void ReportView::SetItemCountEx(int count, unsigned flags) {
         viewport()->update();
     else if (count != before)
         RedrawItems(std::min(count, before), std::max(count, before) - 1);
+    RowsMoved([this](int old) { return HasRow(old) ? old : -1; });
 }
 
 DString ReportView::GetItemText(int row, int col) const {
@@ -273,6 +277,7 @@ bool ReportView::SortItems(CompareItems compare, long long parameter) {
     m_rows = std::move(sorted);
     m_selection.Reorder(newRows);
     RowsChanged();
+    RowsMoved([&newRows](int old) { return newRows[Index(old)]; });
     return true;
 }
 

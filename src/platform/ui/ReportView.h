@@ -8,6 +8,7 @@
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QString>
 
+#include <functional>
 #include <optional>
 
 namespace zelvar::platform {
@@ -114,6 +115,13 @@ protected:
     /// A typed character. Here: the next row that begins with what was typed in quick succession, in stored lists.
     virtual void OnChar(QChar character);
     virtual void OnMouseMove(Point) {}
+    /// Keys that were down when the button of a click went down, for `OnClick` and `OnRClick`.
+    [[nodiscard]] Qt::KeyboardModifiers ClickModifiers() const { return m_clickModifiers; }
+
+    /// Where a row has gone, -1 for one that is no more.
+    using NewPlace = std::function<int(int row)>;
+    /// Rows were inserted, deleted or sorted.
+    virtual void RowsMoved(NewPlace const &) {}
 
     [[nodiscard]] RowGeometry const &Geometry() const; ///< up to date
     [[nodiscard]] bool IsVirtual() const { return (m_style & LVS_OWNERDATA) != 0; }
@@ -181,6 +189,7 @@ private:
     QString m_typed;                              ///< characters of a running search
     QElapsedTimer m_typedAt;
     bool m_pressed = false; ///< a button went down here; its release makes the click
+    Qt::KeyboardModifiers m_clickModifiers;
 };
 
 } // namespace zelvar::platform

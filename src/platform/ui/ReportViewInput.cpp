@@ -68,6 +68,7 @@ void ReportView::mousePressEvent(QMouseEvent *event) {
         return;
     }
     m_pressed = true;
+    m_clickModifiers = event->modifiers();
     // A press beside the rows leaves the selection as it is.
     ReportHit const hit = SubItemHitTest(ToPoint(event->position()));
     if (hit.row >= 0) {

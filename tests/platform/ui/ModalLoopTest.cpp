@@ -17,6 +17,7 @@
 #include <gtest/gtest.h>
 
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace zelvar::platform {
@@ -150,6 +151,8 @@ TEST(UserMessages, MessagesOfAWorkerComeInItsOrderWithTheirSeverity) {
         texts.push_back((severity == Report::Severity::Warning ? "!" : "") + text);
         return true;
     });
+    Report::UserNotificationEnforced("hello");
+    EXPECT_EQ(std::exchange(texts, {}), std::vector<DString>{"hello"});
     std::thread([] {
         for (int i = 0; i < 50; ++i)
             i % 2 == 0 ? Report::UserWarning("%d", i) : Report::UserNotification("%d", i);
@@ -158,19 +161,6 @@ TEST(UserMessages, MessagesOfAWorkerComeInItsOrderWithTheirSeverity) {
     EXPECT_TRUE(test::Eventually([&] { return texts.size() == 50; }));
     for (int i = 0; i < static_cast<int>(texts.size()); ++i)
         EXPECT_EQ(texts[static_cast<std::size_t>(i)], (i % 2 == 0 ? "!" : "") + std::to_string(i));
-    SetUserMessageHook({});
-    RemoveUserMessages();
-}
-
-TEST(UserMessages, AHookMayTakeTheBoxesPlace) {
-    InstallUserMessages();
-    std::vector<DString> texts;
-    SetUserMessageHook([&texts](Report::Severity, DString const &text) {
-        texts.push_back(text);
-        return true;
-    });
-    Report::UserNotificationEnforced("hello");
-    EXPECT_EQ(texts, std::vector<DString>{"hello"});
     SetUserMessageHook({});
     RemoveUserMessages();
 }

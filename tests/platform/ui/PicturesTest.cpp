@@ -22,13 +22,24 @@ char const *const kNames[] = {
     "panel",         "restore-layout",  "recursive",     "link-overlay", "size-grip", "stop",      "warning",
     "information",   "vector",          "computer",      "network",      "home"};
 
-bool HasInk(QPixmap const &pixmap) {
+/// How much of it is not transparent.
+long Ink(QPixmap const &pixmap) {
     QImage const image = pixmap.toImage().convertToFormat(QImage::Format_ARGB32);
+    long total = 0;
     for (int y = 0; y < image.height(); ++y)
         for (int x = 0; x < image.width(); ++x)
-            if (qAlpha(image.pixel(x, y)) > 128)
-                return true;
-    return false;
+            total += qAlpha(image.pixel(x, y));
+    return total;
+}
+
+/// A red picture in a file.
+DString WriteRed(test::TempFolder const &folder, char const *name, QSize size) {
+    QImage red(size, QImage::Format_RGB32);
+    red.fill(Qt::red);
+    QByteArray png;
+    QBuffer buffer(&png);
+    EXPECT_TRUE(red.save(&buffer, "PNG"));
+    return folder.Write(name, {png.constData(), static_cast<std::size_t>(png.size())});
 }
 
 TEST(Pictures, EachOfOursIsADifferentPicture) {
@@ -39,7 +50,7 @@ TEST(Pictures, EachOfOursIsADifferentPicture) {
     for (char const *name : kNames) {
         SCOPED_TRACE(name);
         QPixmap const picture = ResourcePicture(QString::fromLatin1(name), 1);
-        EXPECT_TRUE(HasInk(picture));
+        EXPECT_GT(Ink(picture), 255);
         for (QImage const &other : images)
             EXPECT_NE(picture.toImage(), other);
         int const x = static_cast<int>(images.size()) * 28;
@@ -63,6 +74,8 @@ TEST(Pictures, AListsPictureHasThePixelsOfTheDeviceAndIsMadeOnce) {
     EXPECT_EQ(ListPicture(&list, index, 2).cacheKey(), picture.cacheKey());
     EXPECT_NE(ListPicture(&list, index, 1).cacheKey(), picture.cacheKey());
     EXPECT_EQ(picture.toImage(), ResourcePicture(QStringLiteral("folder"), 2).toImage());
+    EXPECT_TRUE(ListPicture(&list, 1, 1).isNull() && ListPicture(&list, -1, 1).isNull());
+    EXPECT_TRUE(ListPicture(nullptr, 0, 1).isNull());
 }
 
 TEST(Pictures, TheDesktopsNamesAndStripsLeadToOurPicturesWhereTheThemeHasNone) {
@@ -73,21 +86,9 @@ TEST(Pictures, TheDesktopsNamesAndStripsLeadToOurPicturesWhereTheThemeHasNone) {
     EXPECT_EQ(Picture({.kind = ImageDescription::Kind::Strip, .name = "drive", .index = 1}, 2).toImage(), plain);
 }
 
-TEST(Pictures, OutsideAListThereIsNone) {
-    ImageList const list;
-    EXPECT_TRUE(ListPicture(&list, 0, 1).isNull());
-    EXPECT_TRUE(ListPicture(&list, -1, 1).isNull());
-    EXPECT_TRUE(ListPicture(nullptr, 0, 1).isNull());
-}
-
 TEST(Pictures, AFileIsReadByTheBytesOfItsNameAndANameOfNothingShowsAPlainFile) {
-    QImage red(16, 16, QImage::Format_RGB32);
-    red.fill(Qt::red);
-    QByteArray png;
-    QBuffer buffer(&png);
-    ASSERT_TRUE(red.save(&buffer, "PNG"));
     test::TempFolder const folder;
-    std::string const path = folder.Write("\xff.png", {png.constData(), static_cast<std::size_t>(png.size())});
+    DString const path = WriteRed(folder, "\xff.png", {16, 16});
     QPixmap const picture = Picture({.kind = ImageDescription::Kind::File, .name = path}, 1);
     EXPECT_EQ(picture.toImage().pixelColor(8, 8), QColor(Qt::red));
 
@@ -121,13 +122,8 @@ TEST(Pictures, WhatIsNoPictureShowsAPlainFile) {
 }
 
 TEST(Pictures, AnOblongFileIsFittedWithItsShapeKept) {
-    QImage wide(40, 10, QImage::Format_RGB32);
-    wide.fill(Qt::red);
-    QByteArray png;
-    QBuffer buffer(&png);
-    ASSERT_TRUE(wide.save(&buffer, "PNG"));
     test::TempFolder const folder;
-    std::string const path = folder.Write("wide.png", {png.constData(), static_cast<std::size_t>(png.size())});
+    DString const path = WriteRed(folder, "wide.png", {40, 10});
     QImage const image = Picture({.kind = ImageDescription::Kind::File, .name = path}, 2).toImage();
     EXPECT_EQ(image.size(), QSize(32, 32));
     EXPECT_EQ(image.pixelColor(16, 16), QColor(Qt::red));
@@ -152,15 +148,7 @@ TEST(Pictures, TheMarkOfALinkCoversTheLowerLeftCornerAndNothingElse) {
 
 TEST(Pictures, ADisabledIconIsPaler) {
     QIcon const icon = ResourceIcon(QStringLiteral("stop"));
-    auto const ink = [&icon](QIcon::Mode mode) {
-        QImage const image = icon.pixmap(QSize(24, 24), 1, mode).toImage().convertToFormat(QImage::Format_ARGB32);
-        long total = 0;
-        for (int y = 0; y < image.height(); ++y)
-            for (int x = 0; x < image.width(); ++x)
-                total += qAlpha(image.pixel(x, y));
-        return total;
-    };
-    EXPECT_GT(ink(QIcon::Normal), 0);
+    auto const ink = [&icon](QIcon::Mode mode) { return Ink(icon.pixmap(QSize(24, 24), 1, mode)); };
     EXPECT_GT(ink(QIcon::Disabled), 0);
     EXPECT_LT(ink(QIcon::Disabled), ink(QIcon::Normal) / 2);
 }
