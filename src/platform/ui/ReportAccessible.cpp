@@ -1,8 +1,11 @@
 #include "zelvar/platform/ui/ReportAccessible.h"
 
+#include "zelvar/platform/ui/Announce.h"
 #include "zelvar/platform/ui/ReportPainter.h"
 #include "zelvar/platform/ui/ReportView.h"
 #include "zelvar/platform/ui/Text.h"
+
+#include <QtWidgets/QHeaderView>
 
 #include <algorithm>
 #include <iterator>
@@ -23,23 +26,25 @@ WatchedViews &KnownViews() {
     return views;
 }
 
-/// One row of a report view, or one cell of it.
+/// One row of a report view, or one cell of it; or the row of its headings, or one of them.
 class PartAccessible final : public QAccessibleInterface, public QAccessibleTableCellInterface {
 public:
     PartAccessible(ReportAccessible const &table, int row, int col) : m_table(table), m_row(row), m_col(col) {}
 
     [[nodiscard]] int Row() const { return m_row; }
     [[nodiscard]] bool IsCell() const { return m_col >= 0; }
+    [[nodiscard]] bool IsHeading() const { return m_row == ReportAccessible::kHeadings; }
 
-    [[nodiscard]] bool isValid() const override {
-        return m_table.View() != nullptr && m_row < m_table.rowCount() && m_col < m_table.columnCount();
-    }
+    [[nodiscard]] bool isValid() const override { return m_table.HasPart(m_row, m_col); }
     [[nodiscard]] QObject *object() const override { return nullptr; }
     [[nodiscard]] QWindow *window() const override { return m_table.window(); }
     [[nodiscard]] QAccessibleInterface *parent() const override {
         return IsCell() ? m_table.Part(m_row, -1) : const_cast<ReportAccessible *>(&m_table);
     }
-    [[nodiscard]] int childCount() const override { return IsCell() || m_table.IsList() ? 0 : m_table.columnCount(); }
+    [[nodiscard]] int childCount() const override {
+        bool const isWhole = IsCell() || (m_table.IsList() && !IsHeading());
+        return isWhole ? 0 : m_table.columnCount();
+    }
     [[nodiscard]] QAccessibleInterface *child(int index) const override {
         return index >= 0 && index < childCount() ? m_table.Part(m_row, index) : nullptr;
     }
@@ -51,17 +56,22 @@ public:
         if (!isValid())
             return nullptr;
         QPoint const at = m_table.View()->viewport()->mapFromGlobal(QPoint(x, y));
+        if (IsHeading())
+            return child(m_table.View()->ColumnAt(at.x()));
         ReportHit const hit = m_table.View()->SubItemHitTest({at.x(), at.y()});
         return hit.row == m_row ? child(hit.col) : nullptr;
     }
     [[nodiscard]] QString text(QAccessible::Text kind) const override {
         if (kind != QAccessible::Name || !isValid())
             return {};
+        auto const shown = [this](int col) {
+            return IsHeading() ? m_table.columnDescription(col) : m_table.View()->ShownText(m_row, col);
+        };
         if (IsCell())
-            return m_table.View()->ShownText(m_row, m_col);
+            return shown(m_col);
         QStringList words;
         for (int const col : m_table.View()->GetColumnOrderArray())
-            words.append(m_table.View()->ShownText(m_row, col));
+            words.append(shown(col));
         words.removeAll(QString());
         return words.join(QStringLiteral(", "));
     }
@@ -70,10 +80,18 @@ public:
         if (!isValid())
             return {};
         ReportView const &view = *m_table.View();
+        if (IsHeading()) {
+            QWidget const &header = *view.GetHeaderCtrl();
+            QRect const all(header.mapToGlobal(QPoint()), header.size());
+            int const left = view.viewport()->mapToGlobal(QPoint(IsCell() ? view.ColumnLeft(m_col) : 0, 0)).x();
+            return IsCell() ? QRect(left, all.top(), view.GetColumnWidth(m_col), all.height()) : all;
+        }
         Rect const place = IsCell() ? view.GetSubItemRect(m_row, m_col, LVIR_LABEL) : view.GetItemRect(m_row);
         return ToQRect(place).translated(view.viewport()->mapToGlobal(QPoint()));
     }
     [[nodiscard]] QAccessible::Role role() const override {
+        if (IsHeading())
+            return IsCell() ? QAccessible::ColumnHeader : QAccessible::Row;
         return IsCell() ? QAccessible::Cell : m_table.IsList() ? QAccessible::ListItem : QAccessible::Row;
     }
     [[nodiscard]] QAccessible::State state() const override {
@@ -84,6 +102,10 @@ public:
         }
         ReportView const &view = *m_table.View();
         state.disabled = !view.isEnabled();
+        if (IsHeading()) {
+            state.invisible = !view.isVisible();
+            return state;
+        }
         state.selectable = true;
         state.multiSelectable = state.extSelectable = (view.GetStyle() & LVS_SINGLESEL) == 0;
         state.selected = isSelected();
@@ -96,12 +118,16 @@ public:
         return state;
     }
     void *interface_cast(QAccessible::InterfaceType type) override {
-        return type == QAccessible::TableCellInterface && IsCell() ? static_cast<QAccessibleTableCellInterface *>(this)
-                                                                   : nullptr;
+        bool const isCell = IsCell() && !IsHeading();
+        return type == QAccessible::TableCellInterface && isCell ? static_cast<QAccessibleTableCellInterface *>(this)
+                                                                 : nullptr;
     }
 
     [[nodiscard]] bool isSelected() const override { return m_table.isRowSelected(m_row); }
-    [[nodiscard]] QList<QAccessibleInterface *> columnHeaderCells() const override { return {}; }
+    [[nodiscard]] QList<QAccessibleInterface *> columnHeaderCells() const override {
+        QAccessibleInterface *const heading = m_table.Part(ReportAccessible::kHeadings, m_col);
+        return heading == nullptr ? QList<QAccessibleInterface *>() : QList<QAccessibleInterface *>{heading};
+    }
     [[nodiscard]] QList<QAccessibleInterface *> rowHeaderCells() const override { return {}; }
     [[nodiscard]] int columnIndex() const override { return m_col; }
     [[nodiscard]] int rowIndex() const override { return m_row; }
@@ -125,12 +151,10 @@ QAccessibleInterface *MakeInterface(QString const &className, QObject *object) {
 /// Someone has looked at the view: only then it is worth telling what happens there.
 bool IsWatched(ReportView const &view) { return KnownViews().contains(&view); }
 
-void (*announce)(QAccessibleEvent *) = &QAccessible::updateAccessibility;
-
 void Notify(ReportView &view, QAccessible::Event what, int row) {
     QAccessibleEvent event(&view, what);
     event.setChild(row);
-    announce(&event);
+    Announce(event);
 }
 
 } // namespace
@@ -159,15 +183,11 @@ void ReportAccessible::Forget(ReportView const &view) {
     KnownViews().erase(known);
 }
 
-void ReportAccessible::AnnounceThrough(void (*sink)(QAccessibleEvent *)) {
-    announce = sink == nullptr ? &QAccessible::updateAccessibility : sink;
-}
-
 void ReportAccessible::RowsReset(ReportView &view) {
     if (!IsWatched(view))
         return;
     QAccessibleTableModelChangeEvent event(&view, QAccessibleTableModelChangeEvent::ModelReset);
-    announce(&event);
+    Announce(event);
 }
 
 void ReportAccessible::StateChanged(ReportView &view, int first, int last, unsigned oldState, unsigned newState) {
@@ -186,8 +206,11 @@ void ReportAccessible::StateChanged(ReportView &view, int first, int last, unsig
 }
 
 void ReportAccessible::FocusEntered(ReportView &view) {
-    if (IsWatched(view) && view.GetFocusRow() >= 0)
-        Notify(view, QAccessible::Focus, view.GetFocusRow());
+    auto const tell = [&view] {
+        if (IsWatched(view) && view.hasFocus() && view.GetFocusRow() >= 0)
+            Notify(view, QAccessible::Focus, view.GetFocusRow());
+    };
+    QMetaObject::invokeMethod(&view, tell, Qt::QueuedConnection);
 }
 
 bool ReportAccessible::IsList() const { return columnCount() <= 1; }
@@ -200,8 +223,26 @@ QAccessibleInterface *ReportAccessible::Find(int row, int col) const {
     return QAccessible::accessibleInterface(found->second->id);
 }
 
+bool ReportAccessible::HasHeadings() const {
+    return m_view != nullptr && columnCount() > 0 && !m_view->GetHeaderCtrl()->isHidden();
+}
+
+bool ReportAccessible::HasOpenField() const {
+    if (m_view == nullptr)
+        return false;
+    QObjectList const &inside = m_view->viewport()->children();
+    return std::any_of(inside.begin(), inside.end(), [](QObject *child) {
+        return child->isWidgetType() && !static_cast<QWidget *>(child)->isHidden();
+    });
+}
+
+bool ReportAccessible::HasPart(int row, int col) const {
+    bool const isRow = row == kHeadings ? HasHeadings() : row >= 0 && row < rowCount();
+    return isRow && col >= -1 && col < columnCount();
+}
+
 QAccessibleInterface *ReportAccessible::Part(int row, int col) const {
-    if (row < 0 || row >= rowCount() || col < -1 || col >= columnCount())
+    if (!HasPart(row, col))
         return nullptr;
     // A cell is asked of its row: the row must not be the one that makes room.
     std::ignore = Find(row, -1);
@@ -220,19 +261,35 @@ QAccessibleInterface *ReportAccessible::Part(int row, int col) const {
 
 QAccessible::Role ReportAccessible::role() const { return IsList() ? QAccessible::List : QAccessible::Table; }
 
-int ReportAccessible::childCount() const { return rowCount(); }
+int ReportAccessible::childCount() const {
+    return rowCount() + static_cast<int>(HasHeadings()) + static_cast<int>(HasOpenField());
+}
 
-QAccessibleInterface *ReportAccessible::child(int index) const { return Part(index, -1); }
+QAccessibleInterface *ReportAccessible::child(int index) const {
+    if (index < rowCount())
+        return Part(index, -1);
+    if (index == rowCount() && HasHeadings())
+        return Part(kHeadings, -1);
+    return index < childCount() ? QAccessible::queryAccessibleInterface(m_view->viewport()) : nullptr;
+}
 
 int ReportAccessible::indexOfChild(QAccessibleInterface const *child) const {
     auto const *const part = dynamic_cast<PartAccessible const *>(child);
-    return part != nullptr && !part->IsCell() ? part->Row() : -1;
+    if (part != nullptr)
+        return part->IsCell() || !part->isValid() ? -1 : part->IsHeading() ? rowCount() : part->Row();
+    bool const isViewport = child != nullptr && HasOpenField() && child->object() == m_view->viewport();
+    return isViewport ? childCount() - 1 : -1;
 }
 
 QAccessibleInterface *ReportAccessible::childAt(int x, int y) const {
     if (m_view == nullptr)
         return nullptr;
     QPoint const at = m_view->viewport()->mapFromGlobal(QPoint(x, y));
+    if (m_view->viewport()->childAt(at) != nullptr)
+        return QAccessible::queryAccessibleInterface(m_view->viewport());
+    QAccessibleInterface *const headings = Part(kHeadings, -1);
+    if (headings != nullptr && headings->rect().contains(x, y))
+        return headings;
     return child(m_view->SubItemHitTest({at.x(), at.y()}).row);
 }
 
@@ -256,7 +313,7 @@ void *ReportAccessible::interface_cast(QAccessible::InterfaceType type) {
 }
 
 QAccessibleInterface *ReportAccessible::cellAt(int row, int column) const {
-    return IsList() ? Part(row, -1) : Part(row, column);
+    return row < 0 ? nullptr : IsList() ? Part(row, -1) : Part(row, column);
 }
 
 int ReportAccessible::selectedCellCount() const { return selectedRowCount() * std::max(columnCount(), 1); }

@@ -11,6 +11,7 @@ namespace zelvar::platform {
 class ReportView;
 
 /// A report view as screen readers see it: a list of one column or a table; below it the rows, below them their cells.
+/// Behind the rows stand the row of headings, while it is shown, and the viewport, while a field is open in it.
 ///
 /// Rows and cells are made when they are asked for and stand for a place, not for what is in it; of a list of millions
 /// only the last few thousand that were asked for exist.
@@ -25,13 +26,13 @@ public:
     static void Forget(ReportView const &view); ///< the view begins to die
     static void RowsReset(ReportView &view);
     static void StateChanged(ReportView &view, int first, int last, unsigned oldState, unsigned newState);
-    static void FocusEntered(ReportView &view);
+    static void FocusEntered(ReportView &view); ///< told behind what the toolkit tells, or nobody would hear the row
 
-    /// Where events go; null for the toolkit, which drops them on a platform without screen readers.
-    static void AnnounceThrough(void (*sink)(QAccessibleEvent *));
+    static constexpr int kHeadings = -2; ///< the row of headings
 
     /// The interface of a row, or of a cell for `col` of 0 or more; null outside the view.
     [[nodiscard]] QAccessibleInterface *Part(int row, int col) const;
+    [[nodiscard]] bool HasPart(int row, int col) const;
     [[nodiscard]] ReportView *View() const { return m_view; } ///< null once the view begins to die
     [[nodiscard]] bool IsList() const;
 
@@ -67,6 +68,8 @@ public:
     void modelChange(QAccessibleTableModelChangeEvent *) override {}
 
 private:
+    [[nodiscard]] bool HasHeadings() const;
+    [[nodiscard]] bool HasOpenField() const;
     /// The part if it exists, which counts as a use.
     [[nodiscard]] QAccessibleInterface *Find(int row, int col) const;
 
