@@ -186,6 +186,7 @@ void DlgOpenDS::AssignWndVars() {
     m_folderList->setObjectName("folderList");
     m_dataSourceList->setObjectName("dataSourceList");
     m_mainList->setAccessibleName(tr("Items"));
+    GetDlgItem(*this, kStatusId)->setAccessibleName(tr("Selected"));
     m_folderList->setAccessibleName(tr("Folders"));
     m_hierarchyList->GetPane(0)->setAccessibleName(tr("Hierarchy"));
 }

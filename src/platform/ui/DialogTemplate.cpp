@@ -188,8 +188,10 @@ void BuildDialog(QWidget &dialog, DialogTemplate const &dialogTemplate, ControlF
         controls[i]->setAccessibleName(QString::fromUtf8(label->text).remove(u'&'));
         auto *const caption =
             qobject_cast<QLabel *>(controls[static_cast<std::size_t>(label - dialogTemplate.items.data())]);
-        // Its letter goes to the field; without a field the toolkit would show the sign.
-        if (caption != nullptr && std::string_view(label->text).find('&') != std::string_view::npos)
+        // Its letter goes to the field; without a field the toolkit would show the sign. And to screen readers a combo
+        // box has no name but that of the label that leads to it.
+        bool const hasLetter = std::string_view(label->text).find('&') != std::string_view::npos;
+        if (caption != nullptr && (hasLetter || qobject_cast<QComboBox *>(controls[i]) != nullptr))
             caption->setBuddy(controls[i]);
     }
 }

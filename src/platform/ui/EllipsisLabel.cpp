@@ -17,8 +17,12 @@ EllipsisLabel::EllipsisLabel(QWidget *parent) : QFrame(parent) {}
 void EllipsisLabel::SetText(QString const &text) {
     if (text == m_text)
         return;
+    // A name that was given stays, and the text says what is there.
+    if (accessibleName() == m_text)
+        setAccessibleName(text);
+    else
+        setAccessibleDescription(text);
     m_text = text;
-    setAccessibleName(text);
     updateGeometry();
     update();
 }

@@ -82,7 +82,7 @@ TEST_P(BuiltDialog, AComboIsAsHighAsAnEditAndNamedByTheLabelAboveIt) {
     EXPECT_EQ(combo->accessibleName(), QStringLiteral("Go to folder"));
     EXPECT_EQ(edit->accessibleName(), QStringLiteral("File Name Filter"));
     EXPECT_EQ(GetDlgItem<QLabel>(dialog, 13)->buddy(), edit); // its letter goes there
-    EXPECT_EQ(GetDlgItem<QLabel>(dialog, 11)->buddy(), nullptr);
+    EXPECT_EQ(GetDlgItem<QLabel>(dialog, 11)->buddy(), combo);
 }
 
 TEST(DialogTemplate, EachKindIsTheControlThatItsNameSays) {
@@ -185,8 +185,9 @@ TEST(EllipsisLabel, TextIsCutWhereItDoesNotFitAndTheWholeIsItsTipWithoutMarkup) 
     label.SetText(QStringLiteral("one\ntwo"));
     label.resize(300, label.height());
     EXPECT_EQ(label.ShownText(), QStringLiteral("one two"));
-    label.SetText({});
-    EXPECT_EQ(label.ShownText(), QString());
+    label.setAccessibleName("Selected");
+    label.SetText("three");
+    EXPECT_EQ(label.accessibleName() + ": " + label.accessibleDescription(), "Selected: three");
 }
 
 } // namespace
