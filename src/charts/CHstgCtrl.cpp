@@ -126,6 +126,14 @@ DString CHstgCtrl::SelectionText() const {
                   m_histogram->GetSlotVal(m_slctSlot));
 }
 
+ChartValue CHstgCtrl::SelectionValue() const {
+    if (m_histogram == nullptr)
+        return {};
+    bool const isSlot = m_slctSlot >= 0 && m_slctSlot < m_histogram->m_numSlot;
+    return {.value = isSlot ? static_cast<double>(m_histogram->GetSlotVal(m_slctSlot)) : 0.0,
+            .most = static_cast<double>(m_histogram->GetHstgSum())};
+}
+
 DString CHstgCtrl::DescriptionText() const {
     if (m_histogram == nullptr)
         return "no data";

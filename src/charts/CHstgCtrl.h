@@ -29,6 +29,7 @@ public:
     /// Where everything lies at the present size.
     [[nodiscard]] HistogramGeometry Geometry() const { return {ClientSize(), m_margins, m_histogram, m_maxPerc}; }
     [[nodiscard]] DString SelectionText() const override;
+    [[nodiscard]] ChartValue SelectionValue() const override;
     [[nodiscard]] DString DescriptionText() const override;
 
 protected:

@@ -137,6 +137,11 @@ DString CPlotCtrl::SelectionText() const {
     return point->label.empty() ? place : point->label + ": " + place;
 }
 
+ChartValue CPlotCtrl::SelectionValue() const {
+    DataPoint const *const point = GetSlctData();
+    return {.value = point == nullptr ? 0 : point->y, .least = m_range.minY, .most = m_range.maxY};
+}
+
 DString CPlotCtrl::DescriptionText() const {
     DString const shown = Format("%zu points, x %g to %g, y %g to %g", m_points.size(), m_range.minX, m_range.maxX,
                                  m_range.minY, m_range.maxY);

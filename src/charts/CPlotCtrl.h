@@ -58,6 +58,7 @@ public:
     /// Where everything lies at the present size.
     [[nodiscard]] PlotGeometry Geometry() const { return {ClientSize(), m_margins, m_range}; }
     [[nodiscard]] DString SelectionText() const override;
+    [[nodiscard]] ChartValue SelectionValue() const override;
     [[nodiscard]] DString DescriptionText() const override;
 
 protected:

@@ -1,6 +1,7 @@
 #include "zelvar/charts/ChartCtrl.h"
 
 #include "zelvar/charts/ChartAccessible.h"
+#include "zelvar/platform/ui/Announce.h"
 #include "zelvar/platform/ui/Text.h"
 
 #include <QtCore/QFile>
@@ -64,8 +65,10 @@ void ChartCtrl::NotifyParent(platform::MessageParam first) {
 }
 
 void ChartCtrl::AnnounceSelection() {
-    QAccessibleValueChangeEvent event(this, platform::ToQString(SelectionText()));
-    QAccessible::updateAccessibility(&event);
+    QAccessibleValueChangeEvent value(this, SelectionValue().value);
+    platform::Announce(value);
+    QAccessibleEvent words(this, QAccessible::DescriptionChanged);
+    platform::Announce(words);
 }
 
 void ChartCtrl::paintEvent(QPaintEvent *) {

@@ -13,6 +13,13 @@ namespace zelvar {
 /// `CHstgCtrl` without parameters. The number is the applications'.
 ZELVAR_API extern const platform::MessageId WM_CHART_SELECTED;
 
+/// What is measured at the selection, 0 without one, and where its axis begins and ends.
+struct ChartValue {
+    double value = 0;
+    double least = 0;
+    double most = 0;
+};
+
 /// A chart's window: a picture that is rendered when something has changed and otherwise only copied.
 class ZELVAR_API ChartCtrl : public QWidget {
     Q_OBJECT
@@ -22,6 +29,7 @@ public:
 
     /// What is selected, in words, for screen readers; empty for nothing.
     [[nodiscard]] virtual DString SelectionText() const = 0;
+    [[nodiscard]] virtual ChartValue SelectionValue() const { return {}; }
     /// What the chart shows, in words.
     [[nodiscard]] virtual DString DescriptionText() const = 0;
 

@@ -113,6 +113,7 @@ TEST(CHstgCtrl, ScreenReadersHearTheSelection) {
     EXPECT_EQ(chart->text(QAccessible::Description), "3 slots from 0 to 9, 8 values");
     stage.ClickAt(185);
     EXPECT_EQ(chart->text(QAccessible::Value), "3 to 6: 6");
+    EXPECT_EQ(chart->valueInterface()->currentValue(), 6.0);
 }
 
 TEST(CHstgCtrl, OddSharesAndSizesNeverCrash) {

@@ -1,9 +1,9 @@
 #include "zelvar/charts/CPlotCtrl.h"
 
 #include "support/GuiTest.h"
+#include "support/ScreenReader.h"
 #include "zelvar/charts/PlotPainter.h"
 
-#include <QtGui/QAccessible>
 #include <QtGui/QPainter>
 #include <QtTest/QTest>
 
@@ -219,9 +219,12 @@ TEST(CPlotCtrl, ScreenReadersHearTheSelection) {
     ASSERT_NE(chart, nullptr);
     EXPECT_EQ(chart->role(), QAccessible::Chart);
     EXPECT_EQ(chart->text(QAccessible::Description), "Growth: 1 points, x 0 to 100, y 0 to 100");
-    EXPECT_EQ(chart->text(QAccessible::Value), "");
-    stage.plot.SlctData(20, 0);
+    test::ScreenReader const reader;
+    QTest::keyClick(&stage.plot, Qt::Key_Right);
+    EXPECT_EQ(reader.Take(), (std::vector<std::string>{
+                                 "value 10", "words first: x 20, y 10; Growth: 1 points, x 0 to 100, y 0 to 100"}));
     EXPECT_EQ(chart->text(QAccessible::Value), "first: x 20, y 10");
+    EXPECT_EQ(chart->valueInterface()->maximumValue(), 100.0);
     stage.plot.setAccessibleName("Cells");
     EXPECT_EQ(chart->text(QAccessible::Name), "Cells");
     EXPECT_TRUE(chart->state().focusable);
