@@ -5,13 +5,14 @@
 #include <QtWidgets/QAccessibleWidget>
 
 #include <map>
+#include <utility>
 
 namespace zelvar {
 
 class TmtcListCtrl;
 
 /// A thematic list as screen readers see it: a list of groups and items, the groups with their items below them, each
-/// with its name, its state and what can be done with it.
+/// with its name, its state, what can be done with it, and below it the buttons and the link that stand in it.
 class ThematicAccessible final : public QAccessibleWidget {
 public:
     explicit ThematicAccessible(TmtcListCtrl &list);
@@ -22,12 +23,19 @@ public:
     // What the list tells; next to nothing while no one listens.
     static void Install(); ///< lets the toolkit know; any number of calls
     static void Forget(TmtcListCtrl &list);
-    static void SelectionChanged(TmtcListCtrl &list, ThematicElement *elmt);
-    static void FocusMoved(TmtcListCtrl &list, ThematicElement *elmt);
+    static void SelectionChanged(TmtcListCtrl &list, ThematicElement *oldElmt, ThematicElement *newElmt);
+    static void FocusMoved(TmtcListCtrl &list); ///< while the list has the focus
+    static void
+    FocusEntered(TmtcListCtrl &list); ///< told behind what the toolkit tells, or nobody would hear the element
+    static void Added(TmtcListCtrl &list, ThematicElement &elmt);
+    static void Leaving(TmtcListCtrl &list, ThematicElement &elmt); ///< while it is still in its place
 
     [[nodiscard]] TmtcListCtrl &List() const { return m_list; }
-    /// The interface of an element, made at the first question; null for null.
-    [[nodiscard]] QAccessibleInterface *Part(ThematicElement *elmt) const;
+    static constexpr unsigned kWhole = 0; ///< the element itself
+    static constexpr unsigned kLink = 1;  ///< a group's link; its buttons are known by their commands
+
+    /// The interface of an element or of a piece of it, made at the first question; null for null.
+    [[nodiscard]] QAccessibleInterface *Part(ThematicElement *elmt, unsigned piece = kWhole) const;
 
     [[nodiscard]] int childCount() const override;
     [[nodiscard]] QAccessibleInterface *child(int index) const override;
@@ -43,7 +51,7 @@ private:
     void DropParts();
 
     TmtcListCtrl &m_list;
-    mutable std::map<ThematicElement *, Made> m_parts;
+    mutable std::map<std::pair<ThematicElement *, unsigned>, Made> m_parts; ///< by element and piece
 };
 
 } // namespace zelvar

@@ -60,7 +60,7 @@ void TmtcListCtrl::OnSlctChng(Elmt *oldElmt, Elmt *newElmt) {
         oldElmt->SetSelected(false);
     if (newElmt != nullptr)
         newElmt->SetSelected(true);
-    ThematicAccessible::SelectionChanged(*this, newElmt);
+    ThematicAccessible::SelectionChanged(*this, oldElmt, newElmt);
 }
 
 void TmtcListCtrl::OnRmvItem(Group *group, Item *item) {
@@ -90,6 +90,8 @@ void TmtcListCtrl::OnRmvItem(Group *group, Item *item) {
     }
     if (item == GetSlctElmt())
         OnSlctChng(item, nullptr);
+    if (group->HasItem(item))
+        ThematicAccessible::Leaving(*this, *item);
     group->RmvItem(item, true);
     update();
 }
@@ -113,6 +115,7 @@ void TmtcListCtrl::AddPos(int pos, Elmt *elmt) {
     if (elmt == nullptr)
         return;
     m_elements.insert(m_elements.begin() + std::clamp(pos, 0, GetNumElmt()), elmt);
+    ThematicAccessible::Added(*this, *elmt);
     if (GetSlctElmt() == nullptr && IsItem(elmt)) {
         elmt->SetSelected(true);
         Watch(m_selected, elmt);
@@ -143,6 +146,7 @@ TmtcListCtrl::Elmt *TmtcListCtrl::TakeOut(int index) {
     Elmt *const elmt = Get(index);
     if (elmt == nullptr)
         return nullptr;
+    ThematicAccessible::Leaving(*this, *elmt);
     m_elements.erase(m_elements.begin() + index);
     LetGoOf(elmt);
     update();

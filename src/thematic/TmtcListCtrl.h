@@ -100,6 +100,7 @@ private:
     void SetCursorAt(Point const &point);
     void MoveFocus(int steps);
     void FocusOn(Elmt *elmt);
+    void RemoveAndFocus(Group *group, Item &item);
     [[nodiscard]] std::vector<Elmt *> InOrder() const;
 
     std::vector<Elmt *> m_elements; ///< owned

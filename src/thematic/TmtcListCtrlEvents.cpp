@@ -113,19 +113,38 @@ bool TmtcListCtrl::Perform(ThematicCommand command, Elmt *elmt) {
         if (added != nullptr && FindGroup(added) == nullptr &&
             std::find(m_elements.begin(), m_elements.end(), added) == m_elements.end())
             itsGroup->AddTail(added);
+        if (added != nullptr && FindGroup(added) != nullptr)
+            ThematicAccessible::Added(*this, *added);
         update();
         return added != nullptr;
     }
     case kThematicRemove:
         if (item == nullptr || !item->RemoveButton().IsEnabled())
             return false;
-        OnRmvItem(itsGroup, item);
+        RemoveAndFocus(itsGroup, *item);
         return true;
     case kThematicUp:
     case kThematicDown:
         return item != nullptr && !item->GetReadOnly() && OnMoveItem(itsGroup, item, command == kThematicUp);
     }
     return false;
+}
+
+/// The focus goes on to what comes into the item's place.
+void TmtcListCtrl::RemoveAndFocus(Group *group, Item &item) {
+    bool const hadFocus = GetFocusElmt() == &item;
+    std::vector<Elmt *> const order = InOrder();
+    auto const at = std::find(order.begin(), order.end(), &item);
+    Elmt *next = nullptr;
+    if (at != order.end())
+        next = at + 1 != order.end() ? *(at + 1) : at != order.begin() ? *(at - 1) : nullptr;
+    Watched nextLife;
+    Watch(nextLife, next);
+    OnRmvItem(group, &item);
+    if (!hadFocus || GetFocusElmt() != nullptr)
+        return;
+    Watch(m_focus, Of(nextLife));
+    ThematicAccessible::FocusMoved(*this);
 }
 
 void TmtcListCtrl::Select(Elmt *elmt) {
@@ -145,7 +164,7 @@ void TmtcListCtrl::SlctItem(Point const &point) {
 
 void TmtcListCtrl::FocusOn(Elmt *elmt) {
     Select(elmt);
-    ThematicAccessible::FocusMoved(*this, elmt);
+    ThematicAccessible::FocusMoved(*this);
 }
 
 void TmtcListCtrl::MoveFocus(int steps) {
@@ -183,18 +202,7 @@ void TmtcListCtrl::keyPressEvent(QKeyEvent *event) {
         MoveFocus(all);
         break;
     case Qt::Key_Delete:
-        if (auto *const item = dynamic_cast<Item *>(focus); item != nullptr) {
-            // The focus goes on to what comes into the item's place.
-            std::vector<Elmt *> const order = InOrder();
-            auto const at = std::find(order.begin(), order.end(), focus);
-            Elmt *next = nullptr;
-            if (at != order.end())
-                next = at + 1 != order.end() ? *(at + 1) : at != order.begin() ? *(at - 1) : nullptr;
-            Watched nextLife;
-            Watch(nextLife, next);
-            if (Perform(kThematicRemove, item) && GetFocusElmt() == nullptr)
-                Watch(m_focus, Of(nextLife));
-        }
+        Perform(kThematicRemove, dynamic_cast<Item *>(focus));
         break;
     case Qt::Key_Return:
     case Qt::Key_Enter:
@@ -210,7 +218,7 @@ void TmtcListCtrl::keyPressEvent(QKeyEvent *event) {
 void TmtcListCtrl::focusInEvent(QFocusEvent *) {
     if (GetFocusElmt() == nullptr)
         Watch(m_focus, GetSlctElmt());
-    ThematicAccessible::FocusMoved(*this, GetFocusElmt());
+    ThematicAccessible::FocusEntered(*this);
     update();
 }
 

@@ -1,6 +1,7 @@
 #include "zelvar/thematic/TmtcListCtrl.h"
 
 #include "support/GuiTest.h"
+#include "support/ScreenReader.h"
 #include "zelvar/controls/CZelImageList.h"
 
 #include <QtGui/QAccessible>
@@ -266,27 +267,58 @@ TEST(TmtcListCtrl, ScreenReadersSeeAndWorkIt) {
     QAccessibleInterface *const group = list->child(0);
     EXPECT_EQ(group->role(), QAccessible::Grouping);
     EXPECT_EQ(list->child(1)->text(QAccessible::Description), "Add E...");
-    ASSERT_EQ(group->childCount(), 3);
+    EXPECT_TRUE(group->state().expanded);
+    EXPECT_FALSE(list->child(1)->state().expandable);
+    ASSERT_EQ(group->childCount(), 4); // and the button that adds
     QAccessibleInterface *const a = group->child(0);
     EXPECT_EQ(a->text(QAccessible::Name), "a");
     EXPECT_EQ(a->role(), QAccessible::ListItem);
     EXPECT_EQ(a->parent(), group);
     EXPECT_EQ(group->indexOfChild(a), 0);
-    EXPECT_FALSE(a->state().selected);
+    EXPECT_EQ(group->actionInterface()->actionNames(), QStringList{"Add"});
     a->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
     EXPECT_TRUE(a->state().selected);
-    EXPECT_FALSE(a->actionInterface()->actionNames().contains(QAccessibleActionInterface::scrollUpAction()));
-    a->actionInterface()->doAction(QAccessibleActionInterface::scrollDownAction());
+    EXPECT_TRUE(a->child(0)->state().disabled); // it cannot move up
+    EXPECT_EQ(a->child(1)->text(QAccessible::Name), "Move down");
+    EXPECT_EQ(a->child(1)->parent(), a);
+    a->child(1)->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
     EXPECT_EQ(stage->group->Get(1), stage->a);
     EXPECT_TRUE(group->child(2)->state().readOnly);
-    EXPECT_EQ(
-        list->childAt(stage->list.mapToGlobal(QPoint(100, 150)).x(), stage->list.mapToGlobal(QPoint(100, 150)).y())
-            ->text(QAccessible::Name),
-        "i");
+    EXPECT_EQ(group->child(2)->childCount(), 0);
+    QAccessibleInterface *const link = list->child(1)->child(1);
+    EXPECT_EQ(link->role(), QAccessible::Link);
+    EXPECT_EQ(link->text(QAccessible::Name), "Add E...");
+    QPoint const at = link->rect().center();
+    EXPECT_EQ(list->childAt(at.x(), at.y())->childAt(at.x(), at.y()), link);
+    stage->list.makesItems = true;
+    link->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    EXPECT_FALSE(link->isValid());
+    EXPECT_EQ(stage->empty->GetNumItem(), 1);
     a->actionInterface()->doAction("Remove");
     EXPECT_FALSE(a->isValid());
-    EXPECT_EQ(group->childCount(), 2);
+    EXPECT_EQ(group->childCount(), 3);
     stage.reset(); // nothing asks what is gone
+}
+
+TEST(TmtcListCtrl, ScreenReadersHearWhatChanges) {
+    ListStage stage;
+    stage.list.SetKeyboardControl(true);
+    stage.list.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&stage.list));
+    std::ignore = QAccessible::queryAccessibleInterface(&stage.list); // someone looks
+    QCoreApplication::processEvents();
+    test::ScreenReader const reader;
+    stage.list.clearFocus();
+    stage.list.setFocus();
+    EXPECT_TRUE(reader.Take().empty()); // the toolkit's own report of the list goes first
+    QCoreApplication::processEvents();
+    EXPECT_EQ(reader.Take(), std::vector<std::string>{"focus i"});
+    stage.list.Select(stage.b);
+    QTest::keyClick(&stage.list, Qt::Key_Delete);
+    stage.list.makesItems = true;
+    stage.list.Perform(kThematicAdd, stage.empty);
+    EXPECT_EQ(reader.Take(),
+              (std::vector<std::string>{"deselect i", "select b", "deselect b", "gone b", "focus c", "new new"}));
 }
 
 TEST(TmtcListCtrl, PicturesForEyes) {
