@@ -248,24 +248,5 @@ TEST(CPlotCtrl, ClearKeepsTheScaleAndSelectsNothingNew) {
     EXPECT_EQ(stage.plot.Geometry().PlotMinY(), top + 10);
 }
 
-TEST(CPlotCtrl, PicturesForEyes) {
-    CPlotCtrl plot;
-    plot.resize(480, 320);
-    for (int i = 0; i <= 40; ++i)
-        plot.AddData(i * 0.25, 50 + 45 * std::sin(i * 0.4), i % 10 == 0 ? "every tenth" : nullptr, nullptr);
-    plot.SetDataMaxY(100);
-    plot.SetTickY(20);
-    plot.DrawLine(true);
-    plot.DrawTitle(true);
-    plot.SetTitle("Growth of 41 cells");
-    plot.SetCaptionX("time [h]");
-    plot.SetCaptionY("area [px]");
-    plot.SlctData(5, 0);
-    plot.show();
-    test::Shot(plot, "plot");
-    plot.DrawEveryXTick(true);
-    test::Shot(plot, "plot-every-tick");
-}
-
 } // namespace
 } // namespace zelvar

@@ -4,6 +4,7 @@
 
 #include <QtGui/QAccessible>
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -27,30 +28,19 @@ private:
         return told;
     }
     static void Hear(QAccessibleEvent *event) {
-        QAccessibleInterface *const about = event->accessibleInterface();
-        auto const add = [about](char const *what, QAccessible::Text kind = QAccessible::Name) {
-            Told().push_back(what + (about == nullptr ? "nothing" : about->text(kind).toStdString()));
-        };
-        switch (event->type()) {
-        case QAccessible::Focus:
-            return add("focus ");
-        case QAccessible::Selection:
-        case QAccessible::SelectionAdd:
-            return add("select ");
-        case QAccessible::SelectionRemove:
-            return add("deselect ");
-        case QAccessible::ObjectCreated:
-            return add("new ");
-        case QAccessible::ObjectDestroyed:
-            return add("gone ");
-        case QAccessible::DescriptionChanged:
-            return add("words ", QAccessible::Description);
-        case QAccessible::ValueChanged:
-            return Told().push_back(
-                "value " + static_cast<QAccessibleValueChangeEvent *>(event)->value().toString().toStdString());
-        default:
+        static std::map<int, std::string> const heard = {
+            {QAccessible::Focus, "focus "},         {QAccessible::Selection, "select "},
+            {QAccessible::SelectionAdd, "select "}, {QAccessible::SelectionRemove, "deselect "},
+            {QAccessible::ObjectCreated, "new "},   {QAccessible::ObjectDestroyed, "gone "},
+            {QAccessible::ValueChanged, "value "},  {QAccessible::DescriptionChanged, "words "}};
+        auto const what = heard.find(event->type());
+        if (what == heard.end())
             return;
-        }
+        QAccessible::Text const kind =
+            event->type() == QAccessible::DescriptionChanged ? QAccessible::Description : QAccessible::Name;
+        auto const *const value = dynamic_cast<QAccessibleValueChangeEvent *>(event);
+        QString const words = value != nullptr ? value->value().toString() : event->accessibleInterface()->text(kind);
+        Told().push_back(what->second + words.toStdString());
     }
 };
 
