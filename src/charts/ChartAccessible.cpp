@@ -26,7 +26,7 @@ ChartCtrl const &ChartAccessible::Chart() const { return static_cast<ChartCtrl c
 QString ChartAccessible::text(QAccessible::Text kind) const {
     if (kind == QAccessible::Value)
         return platform::ToQString(Chart().SelectionText());
-    QString const given = QAccessibleWidget::text(kind);
+    QString given = QAccessibleWidget::text(kind);
     if (kind != QAccessible::Description)
         return given;
     // Over the bus a value is a bare number: the words for it go first, where readers hear that they are others.
