@@ -14,19 +14,16 @@ namespace zelvar::test {
 class ScreenReader {
 public:
     ScreenReader() {
-        Told().clear();
+        m_told.clear();
         platform::AnnounceThrough(Hear);
     }
     ~ScreenReader() { platform::AnnounceThrough(nullptr); }
     ScreenReader(ScreenReader const &) = delete;
     ScreenReader &operator=(ScreenReader const &) = delete;
-    static std::vector<std::string> Take() { return std::exchange(Told(), {}); }
+    static std::vector<std::string> Take() { return std::exchange(m_told, {}); }
 
 private:
-    static std::vector<std::string> &Told() {
-        static std::vector<std::string> told;
-        return told;
-    }
+    inline static std::vector<std::string> m_told{};
     static void Hear(QAccessibleEvent *event) {
         static std::map<int, std::string> const heard = {
             {QAccessible::Focus, "focus "},         {QAccessible::Selection, "select "},
@@ -40,7 +37,7 @@ private:
             event->type() == QAccessible::DescriptionChanged ? QAccessible::Description : QAccessible::Name;
         auto const *const value = dynamic_cast<QAccessibleValueChangeEvent *>(event);
         QString const words = value != nullptr ? value->value().toString() : event->accessibleInterface()->text(kind);
-        Told().push_back(what->second + words.toStdString());
+        m_told.push_back(what->second + words.toStdString());
     }
 };
 
