@@ -87,6 +87,17 @@ TEST(CHstgCtrl, ClicksSelectWhateverTheirHeightAndAlwaysTell) {
     EXPECT_EQ(stage.chart.GetSlctSlot(), -1);
     stage.ClickAt(10);
     EXPECT_EQ(stage.parent.numHeard, 5);
+    stage.ClickAt(185);
+    QTest::mouseDClick(&stage.chart, Qt::LeftButton, {}, QPoint(185, 60));
+    EXPECT_EQ(stage.chart.GetSlctSlot(), 1);
+}
+
+TEST(CHstgCtrl, TextsAreWhole) {
+    HistogramStage stage;
+    QImage const picture = stage.Picture();
+    auto const isInked = [&](QRect const &area) { return test::StrongestContrast(picture, area) > 4.5; };
+    EXPECT_TRUE(isInked({6, 15, 4, 10}) && isInked({29, 15, 2, 10})); // "100%" is wider than its rectangle
+    EXPECT_TRUE(isInked({330, 126, 19, 10}));                         // the label behind the last slot
 }
 
 TEST(CHstgCtrl, KeysMoveTheSelection) {
@@ -125,23 +136,6 @@ TEST(CHstgCtrl, OddSharesAndSizesNeverCrash) {
     stage.chart.SetHstg(&empty);
     stage.chart.resize(2, 2);
     EXPECT_FALSE(stage.Picture().isNull());
-}
-
-TEST(CHstgCtrl, PicturesForEyes) {
-    DHstg histogram(16, 0, 256);
-    for (int i = 0; i < 2'000; ++i)
-        histogram.AddValue(128 + 100 * std::sin(i * 0.01) * std::cos(i * 0.37));
-    CHstgCtrl chart;
-    chart.resize(640, 320);
-    chart.SetAutoScale(true);
-    chart.SetHstg(&histogram);
-    chart.show();
-    QTest::mouseClick(&chart, Qt::LeftButton, {}, QPoint(300, 200));
-    test::Shot(chart, "histogram");
-    chart.DrawTextA(false);
-    chart.DrawFreq(false);
-    chart.Refresh();
-    test::Shot(chart, "histogram-plain");
 }
 
 } // namespace

@@ -1,7 +1,6 @@
 #include "zelvar/thematic/TmtcListCtrl.h"
 
 #include "support/GuiTest.h"
-#include "zelvar/controls/CZelImageList.h"
 
 #include <QtGui/QAccessible>
 #include <QtTest/QTest>
@@ -116,15 +115,20 @@ TEST(TmtcListCtrl, DrawsWhatIsSelectedInGold) {
 
 TEST(TmtcListCtrl, TextsAreWholeAndReadable) {
     ListStage stage;
-    QImage const picture = test::PictureOf(stage.list);
-    auto const darkest = [&](Rect const &area) {
-        int least = 255;
-        for (int y = area.top; y < area.bottom; ++y)
-            for (int x = area.left; x < area.right; ++x)
-                least = std::min(least, qGray(picture.pixel(x, y)));
-        return least;
+    auto const contrastOf = [&](ThematicDrawElement const &element) {
+        Rect const &area = element.GetRect();
+        return test::StrongestContrast(test::PictureOf(stage.list),
+                                       {area.left + 3, area.top + 1, area.Width() - 6, area.Height() - 2});
     };
-    EXPECT_LT(darkest(stage.a->TextElement().GetRect()), 100);
+    EXPECT_GE(contrastOf(stage.a->TextElement()), 4.5);
+    {
+        test::DarkPalette const dark;
+        EXPECT_LT(test::ColorAt(stage.list, {100, 40}).lightness(), 110); // an item's ground
+        EXPECT_GE(contrastOf(stage.a->TextElement()), 4.5);
+        EXPECT_GE(contrastOf(stage.empty->Link()), 4.5);
+        EXPECT_GE(contrastOf(stage.a->DownButton()), 4.5);
+        EXPECT_GE(contrastOf(stage.single->RemoveButton()), 4.5);
+    }
     QFontMetrics const metrics(stage.empty->Link().GetFont());
     for (char const *name : {"E", "Export", "Rule", "Miniature", "will"}) {
         stage.empty->SetText(name);
@@ -287,31 +291,6 @@ TEST(TmtcListCtrl, ScreenReadersSeeAndWorkIt) {
     EXPECT_FALSE(a->isValid());
     EXPECT_EQ(group->childCount(), 2);
     stage.reset(); // nothing asks what is gone
-}
-
-TEST(TmtcListCtrl, PicturesForEyes) {
-    CZelImageList::RegisterIcon(911, "folder", "folder");
-    CZelImageList::RegisterIcon(912, "star", "star");
-    TmtcListCtrl list;
-    list.resize(340, 330);
-    auto *const rules = Group::Create("Rule", "r", Rgb(20, 60, 140), Rgb(120, 170, 240), 0);
-    for (char const *name :
-         {"Segment the nuclei", "Merge neighbours whose border is short and whose colour is alike", "Measure"}) {
-        Item *const item = Item::Create(name, 911, 0, true);
-        item->SetIconRight(912);
-        rules->AddTail(item);
-    }
-    rules->AddTail(Item::Create("Read only", 911, 0, false));
-    list.AddTail(rules);
-    list.AddTail(Group::Create("Export", "e", Rgb(20, 110, 40), Rgb(130, 220, 140), 0));
-    auto *const closed = Group::Create("Import", "i", Rgb(120, 90, 20), Rgb(240, 210, 130), 0);
-    closed->SetEnblAdd(false);
-    list.AddTail(closed);
-    list.AddTail(Item::Create("An item of its own", 912, 0, true));
-    list.show();
-    test::Shot(list, "thematic-list");
-    QTest::mouseMove(&list, QPoint(20, 13));
-    test::Shot(list, "thematic-list-hover");
 }
 
 } // namespace
