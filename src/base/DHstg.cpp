@@ -177,6 +177,28 @@ bool DHstg::FindRange(std::span<Sample const> samples, double const *nodata, dou
 }
 
 template <class Sample>
+bool DHstg::AreWhole(std::span<Sample const> samples, double const *nodata) {
+    if constexpr (std::is_floating_point_v<Sample>) {
+        constexpr double most = 9007199254740992; // 2 to the power of 53
+        std::optional<Sample> const none = NoneOf<Sample>(nodata);
+        return std::all_of(samples.begin(), samples.end(), [&](Sample sample) {
+            return !IsFinite(sample) || (none && sample == *none) ||
+                   (std::trunc(sample) == sample && std::abs(static_cast<double>(sample)) <= most);
+        });
+    }
+    return true;
+}
+
+DHstg DHstg::ForWholeNumbers(int numSlots, double minimum, double maximum) {
+    if (numSlots < 1 || !(maximum >= minimum))
+        return {};
+    double const values = maximum - minimum + 1;
+    double const width = std::ceil(values / numSlots);
+    double const slots = std::ceil(values / width);
+    return {static_cast<int>(slots), minimum, minimum + slots * width};
+}
+
+template <class Sample>
 DHstg DHstg::FromSamples(std::span<Sample const> samples, int numSlots, double const *nodata) {
     if constexpr (kIsNarrow<Sample>) {
         // One pass: the range is told by the counts.
@@ -189,8 +211,8 @@ DHstg DHstg::FromSamples(std::span<Sample const> samples, int numSlots, double c
         if (first == counts.end())
             return {};
         auto const last = std::find_if(counts.rbegin(), counts.rend(), occurs).base() - 1;
-        DHstg histogram(numSlots, lowest + static_cast<int>(first - counts.begin()),
-                        lowest + static_cast<int>(last - counts.begin()));
+        DHstg histogram = ForWholeNumbers(numSlots, lowest + static_cast<int>(first - counts.begin()),
+                                          lowest + static_cast<int>(last - counts.begin()));
         histogram.AddCounts(counts.data(), lowest, static_cast<int>(counts.size()), nullptr);
         return histogram;
     } else {
@@ -198,7 +220,8 @@ DHstg DHstg::FromSamples(std::span<Sample const> samples, int numSlots, double c
         double maximum = 0;
         if (!FindRange(samples, nodata, minimum, maximum))
             return {};
-        DHstg histogram(numSlots, minimum, maximum);
+        DHstg histogram =
+            AreWhole(samples, nodata) ? ForWholeNumbers(numSlots, minimum, maximum) : DHstg(numSlots, minimum, maximum);
         histogram.AddSamples(samples, nodata);
         return histogram;
     }

@@ -42,7 +42,13 @@ public:
     /// The smallest and largest finite sample but `*nodata`; false if there is none, and both unchanged.
     template <class Sample>
     static bool FindRange(std::span<Sample const> samples, double const *nodata, double &minimum, double &maximum);
-    /// The histogram of samples over their own range.
+    /// No finite sample but `*nodata` has a fraction, and none is so large that whole numbers are no longer told apart.
+    template <class Sample>
+    static bool AreWhole(std::span<Sample const> samples, double const *nodata);
+    /// Empty slots for whole numbers from `minimum` to `maximum`, a whole number wide, so that each may hold as many
+    /// values as the next. There are `numSlots` of them or fewer, and the last may end beyond the maximum.
+    [[nodiscard]] static DHstg ForWholeNumbers(int numSlots, double minimum, double maximum);
+    /// The histogram of samples over their own range; with slots for whole numbers where all are.
     template <class Sample>
     [[nodiscard]] static DHstg FromSamples(std::span<Sample const> samples, int numSlots,
                                            double const *nodata = nullptr);
@@ -61,6 +67,7 @@ private:
     declare template ZELVAR_API void DHstg::AddSamples<Sample>(std::span<Sample const>, double const *);               \
     declare template ZELVAR_API bool DHstg::FindRange<Sample>(std::span<Sample const>, double const *, double &,       \
                                                               double &);                                               \
+    declare template ZELVAR_API bool DHstg::AreWhole<Sample>(std::span<Sample const>, double const *);                 \
     declare template ZELVAR_API DHstg DHstg::FromSamples<Sample>(std::span<Sample const>, int, double const *)
 // NOLINTEND(bugprone-macro-parentheses)
 ZELVAR_HISTOGRAM_SAMPLES(extern, std::uint8_t);

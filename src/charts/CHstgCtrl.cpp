@@ -1,5 +1,6 @@
 #include "zelvar/charts/CHstgCtrl.h"
 
+#include "zelvar/charts/ChartColors.h"
 #include "zelvar/charts/ChartText.h"
 
 #include <QtGui/QKeyEvent>
@@ -68,19 +69,19 @@ void CHstgCtrl::keyPressEvent(QKeyEvent *event) {
         Select(std::clamp(slot, 0, last));
 }
 
-void CHstgCtrl::Render(OffscreenSurface &surface) {
+void CHstgCtrl::Render(OffscreenSurface &surface, ChartColors const &colors) {
     if (m_autoScale)
         m_maxPerc = AutomaticShare(m_histogram);
     HistogramGeometry const geometry = Geometry();
     QPainter &painter = *surface.GetDC();
     painter.setFont(ChartFont("Arial", kFont));
-    DrawChartFrame(painter, ClientSize());
-    DrawAxes(painter, geometry);
-    DrawData(painter, geometry);
+    DrawChartFrame(painter, ClientSize(), colors);
+    DrawAxes(painter, geometry, colors);
+    DrawData(painter, geometry, colors);
 }
 
-void CHstgCtrl::DrawAxes(QPainter &painter, HistogramGeometry const &geometry) const {
-    QPen pen(Qt::black, 2);
+void CHstgCtrl::DrawAxes(QPainter &painter, HistogramGeometry const &geometry, ChartColors const &colors) const {
+    QPen pen(colors.ink, 2);
     pen.setCapStyle(Qt::SquareCap);
     pen.setJoinStyle(Qt::MiterJoin);
     painter.setPen(pen);
@@ -89,34 +90,37 @@ void CHstgCtrl::DrawAxes(QPainter &painter, HistogramGeometry const &geometry) c
     QPoint const path[] = {{left, geometry.GetHstgMinY() - 5}, {left, bottom}, {geometry.GetHstgMaxX(), bottom}};
     painter.drawPolyline(path, 3);
 
-    painter.setPen(QPen(Qt::black, 1));
+    painter.setPen(QPen(colors.ink, 1));
     for (TickMark const &mark : geometry.TickMarksY()) {
         painter.drawLine(left, mark.pixel, left - 5, mark.pixel);
-        DrawLabel(painter, mark.label, mark.labelRect, LabelAlign::Center, true);
+        DrawLabel(painter, mark.label, mark.labelRect, LabelAlign::Center);
     }
+    std::vector<std::pair<DString, Rect>> labels;
     for (TickMark const &mark : geometry.TickMarksX(m_drawText)) {
         painter.drawLine(mark.pixel, bottom, mark.pixel, bottom + 5);
         if (!mark.label.empty())
-            DrawLabel(painter, mark.label, mark.labelRect, LabelAlign::Center, true);
+            labels.emplace_back(mark.label, mark.labelRect);
     }
+    DrawLabelRow(painter, labels);
 }
 
-void CHstgCtrl::DrawData(QPainter &painter, HistogramGeometry const &geometry) const {
+void CHstgCtrl::DrawData(QPainter &painter, HistogramGeometry const &geometry, ChartColors const &colors) const {
     if (m_histogram == nullptr)
         return;
+    std::vector<std::pair<DString, Rect>> counts;
     for (int slot = 0; slot < geometry.NumSlots(); ++slot) {
         Rect const bar = geometry.BarRect(slot);
-        painter.setPen(QPen(Qt::black, 1));
-        painter.setBrush(QColor(255, 0, 0));
+        painter.setPen(QPen(colors.ink, 1));
+        painter.setBrush(colors.bar);
         painter.drawRect(bar.left, bar.top, std::max(0, bar.Width() - 1), std::max(0, bar.Height() - 1));
         if (slot == m_slctSlot)
-            painter.fillRect(bar.left, bar.top, bar.Width(), bar.Height(), QColor(0, 0, 200));
+            painter.fillRect(bar.left, bar.top, bar.Width(), bar.Height(), colors.selectedBar);
         if (m_drawFreq)
-            DrawLabel(painter, Format("%d", m_histogram->GetSlotVal(slot)), geometry.CountRect(slot),
-                      LabelAlign::Center, true);
+            counts.emplace_back(Format("%d", m_histogram->GetSlotVal(slot)), geometry.CountRect(slot));
     }
-    painter.setPen(QPen(Qt::black, 1));
-    DrawLabel(painter, Format("Sum: %d", m_histogram->GetHstgSum()), geometry.SumRect(), LabelAlign::Right, true);
+    painter.setPen(QPen(colors.ink, 1));
+    DrawLabelRow(painter, counts);
+    DrawLabel(painter, Format("Sum: %d", m_histogram->GetHstgSum()), geometry.SumRect(), LabelAlign::Right);
 }
 
 DString CHstgCtrl::SelectionText() const {

@@ -33,13 +33,13 @@ public:
     [[nodiscard]] DString DescriptionText() const override;
 
 protected:
-    void Render(OffscreenSurface &surface) override;
+    void Render(OffscreenSurface &surface, ChartColors const &colors) override;
     void mousePressEvent(QMouseEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
 
 private:
-    void DrawAxes(QPainter &painter, HistogramGeometry const &geometry) const;
-    void DrawData(QPainter &painter, HistogramGeometry const &geometry) const;
+    void DrawAxes(QPainter &painter, HistogramGeometry const &geometry, ChartColors const &colors) const;
+    void DrawData(QPainter &painter, HistogramGeometry const &geometry, ChartColors const &colors) const;
     void Select(int slot);
 
     DHstg const *m_histogram = nullptr; ///< not owned

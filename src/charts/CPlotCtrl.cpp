@@ -1,5 +1,6 @@
 #include "zelvar/charts/CPlotCtrl.h"
 
+#include "zelvar/charts/ChartColors.h"
 #include "zelvar/charts/PlotPainter.h"
 #include "zelvar/charts/core/PlotSelection.h"
 
@@ -103,11 +104,11 @@ void CPlotCtrl::keyPressEvent(QKeyEvent *event) {
     NotifyOf(GetSlctData());
 }
 
-void CPlotCtrl::Render(OffscreenSurface &surface) {
+void CPlotCtrl::Render(OffscreenSurface &surface, ChartColors const &colors) {
     PlotGeometry const geometry = Geometry();
     QPainter &painter = *surface.GetDC();
-    DrawChartFrame(painter, ClientSize());
-    DrawPlotAxes(painter, geometry);
+    DrawChartFrame(painter, ClientSize(), colors);
+    DrawPlotAxes(painter, geometry, colors);
     PlotTexts texts{m_title,
                     m_captionX,
                     m_captionY,
@@ -125,8 +126,8 @@ void CPlotCtrl::Render(OffscreenSurface &surface) {
     } else {
         texts.ticksX = geometry.TickMarksX();
     }
-    DrawPlotTickMarks(painter, geometry, texts);
-    DrawPlotData(surface, geometry, m_places, m_drawLine, SelectedIndex());
+    DrawPlotTickMarks(painter, geometry, texts, colors);
+    DrawPlotData(surface, geometry, m_places, m_drawLine, SelectedIndex(), colors);
 }
 
 DString CPlotCtrl::SelectionText() const {

@@ -62,7 +62,7 @@ public:
     [[nodiscard]] DString DescriptionText() const override;
 
 protected:
-    void Render(OffscreenSurface &surface) override;
+    void Render(OffscreenSurface &surface, ChartColors const &colors) override;
     void mousePressEvent(QMouseEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
 

@@ -1,6 +1,7 @@
 #include "zelvar/charts/ChartCtrl.h"
 
 #include "zelvar/charts/ChartAccessible.h"
+#include "zelvar/charts/ChartColors.h"
 #include "zelvar/platform/ui/Announce.h"
 #include "zelvar/platform/ui/Text.h"
 
@@ -8,6 +9,7 @@
 #include <QtGui/QCursor>
 #include <QtGui/QFocusEvent>
 #include <QtGui/QImageReader>
+#include <QtGui/QMouseEvent>
 #include <QtGui/QPainter>
 #include <QtGui/QPixmap>
 
@@ -78,8 +80,9 @@ void ChartCtrl::paintEvent(QPaintEvent *) {
     if (m_dirty || isOtherScreen) {
         m_surface.Resize(&painter, width(), height());
         if (QPainter *const surface = m_surface.GetDC(); surface != nullptr) {
-            surface->fillRect(rect(), Qt::white);
-            Render(m_surface);
+            ChartColors const colors = ChartColors::Current();
+            surface->fillRect(rect(), colors.ground);
+            Render(m_surface, colors);
         }
         m_dirty = false;
     }
@@ -89,6 +92,15 @@ void ChartCtrl::paintEvent(QPaintEvent *) {
         painter.drawRect(rect().adjusted(1, 1, -2, -2));
     }
 }
+
+void ChartCtrl::changeEvent(QEvent *event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange)
+        MarkDirty();
+}
+
+// The first press of two quick ones has picked; the second would let go of it.
+void ChartCtrl::mouseDoubleClickEvent(QMouseEvent *event) { event->setAccepted(event->button() == Qt::LeftButton); }
 
 void ChartCtrl::resizeEvent(QResizeEvent *event) {
     QWidget::resizeEvent(event);
@@ -106,8 +118,8 @@ void ChartCtrl::focusOutEvent(QFocusEvent *) {
     update();
 }
 
-void DrawChartFrame(QPainter &painter, Size client) {
-    painter.setPen(QPen(Qt::black, 1));
+void DrawChartFrame(QPainter &painter, Size client, ChartColors const &colors) {
+    painter.setPen(QPen(colors.ink, 1));
     painter.setBrush(Qt::NoBrush);
     painter.drawRect(0, 0, client.cx - 1, client.cy - 1);
 }

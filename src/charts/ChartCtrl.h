@@ -9,6 +9,8 @@
 
 namespace zelvar {
 
+struct ChartColors;
+
 /// Posted by a chart to its parent when the user has picked something: by `CPlotCtrl` with a pointer to the point, by
 /// `CHstgCtrl` without parameters. The number is the applications'.
 ZELVAR_API extern const platform::MessageId WM_CHART_SELECTED;
@@ -34,8 +36,8 @@ public:
     [[nodiscard]] virtual DString DescriptionText() const = 0;
 
 protected:
-    /// Draws all of the picture on a white surface of the client's size.
-    virtual void Render(OffscreenSurface &surface) = 0;
+    /// Draws all of the picture on a surface of the client's size that shows the colour of the ground.
+    virtual void Render(OffscreenSurface &surface, ChartColors const &colors) = 0;
 
     /// The picture must be rendered again.
     void MarkDirty();
@@ -45,6 +47,8 @@ protected:
     /// Tells screen readers that the selection is another.
     void AnnounceSelection();
 
+    void changeEvent(QEvent *event) override;
+    void mouseDoubleClickEvent(QMouseEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     void focusInEvent(QFocusEvent *event) override;
@@ -56,7 +60,7 @@ private:
     bool m_showsFocus = false; ///< the focus came by key
 };
 
-/// A black rectangle around the client area, one pixel wide.
-void DrawChartFrame(QPainter &painter, Size client);
+/// A rectangle around the client area in the colour of lines, one pixel wide.
+void DrawChartFrame(QPainter &painter, Size client, ChartColors const &colors);
 
 } // namespace zelvar

@@ -7,6 +7,8 @@
 #include <QtGui/QFontMetrics>
 #include <QtGui/QPainter>
 
+#include <algorithm>
+
 namespace zelvar {
 
 QFont ChartFont(char const *face, int tenthsOfPoint) {
@@ -23,20 +25,51 @@ QFont ChartFont(char const *face, int tenthsOfPoint) {
     return font;
 }
 
-void DrawLabel(QPainter &painter, DString const &text, Rect const &rect, LabelAlign align, bool clip) {
-    int const flags = static_cast<int>(Qt::AlignTop) | static_cast<int>(clip ? Qt::TextWordWrap : Qt::TextDontClip) |
-                      static_cast<int>(align == LabelAlign::Right ? Qt::AlignRight : Qt::AlignHCenter);
-    QRect const area(rect.left, rect.top, rect.Width(), rect.Height());
-    // A text that is wider than its rectangle would begin at the left edge; it is centred all the same.
-    QString const shown = platform::ToQString(text);
-    if (!clip) {
-        painter.drawText(area, flags, shown);
+namespace {
+
+/// A label as it is drawn: one that is wider than the picture ends with an ellipsis.
+struct PlacedLabel {
+    QString text;
+    QRect place;
+};
+
+constexpr int kEdge = 3; // pixels that the frame has to itself
+
+PlacedLabel Placed(QPainter &painter, DString const &text, Rect const &rect, LabelAlign align) {
+    QFontMetrics const metrics(painter.font(), painter.device());
+    auto const picture = static_cast<int>(painter.device()->width() / painter.device()->devicePixelRatioF());
+    QString shown = metrics.elidedText(platform::ToQString(text), Qt::ElideRight, picture);
+    int const width = metrics.horizontalAdvance(shown);
+    int const left = align == LabelAlign::Right ? rect.right - width : rect.left + (rect.Width() - width) / 2;
+    return {std::move(shown),
+            {std::max(0, std::min(left, picture - width - kEdge)), rect.top, width, metrics.height()}};
+}
+
+void Draw(QPainter &painter, PlacedLabel const &label) {
+    painter.drawText(label.place,
+                     static_cast<int>(Qt::AlignLeft | Qt::AlignTop) | Qt::TextSingleLine | Qt::TextDontClip,
+                     label.text);
+}
+
+} // namespace
+
+void DrawLabel(QPainter &painter, DString const &text, Rect const &rect, LabelAlign align) {
+    Draw(painter, Placed(painter, text, rect, align));
+}
+
+void DrawLabelRow(QPainter &painter, std::span<std::pair<DString, Rect> const> labels) {
+    if (labels.empty())
         return;
+    PlacedLabel const last = Placed(painter, labels.back().first, labels.back().second, LabelAlign::Center);
+    Draw(painter, last);
+    QRect former;
+    for (auto const &[text, rect] : labels.first(labels.size() - 1)) {
+        PlacedLabel const label = Placed(painter, text, rect, LabelAlign::Center);
+        if (label.place.intersects(former) || label.place.intersects(last.place))
+            continue;
+        Draw(painter, label);
+        former = label.place;
     }
-    painter.save();
-    painter.setClipRect(area, Qt::IntersectClip);
-    painter.drawText(area, (flags & ~static_cast<int>(Qt::TextWordWrap)) | static_cast<int>(Qt::TextDontClip), shown);
-    painter.restore();
 }
 
 void DrawRotatedText(QPainter &painter, DString const &text, Rect const &rect, double degrees) {

@@ -6,6 +6,8 @@
 #include <QtGui/QFont>
 
 #include <cstdint>
+#include <span>
+#include <utility>
 
 class QPainter;
 
@@ -15,8 +17,13 @@ namespace zelvar {
 [[nodiscard]] QFont ChartFont(char const *face, int tenthsOfPoint);
 
 enum class LabelAlign : std::uint8_t { Center, Right };
-/// Draws a text at the top of a rectangle in the painter's font and pen; with `clip` it is cut at the rectangle.
-void DrawLabel(QPainter &painter, DString const &text, Rect const &rect, LabelAlign align, bool clip);
+/// Draws a text at the top of a rectangle in the painter's font and pen. It is never cut there: what is larger than the
+/// rectangle stands out of it, and is moved as far to the side as the picture's edges ask.
+void DrawLabel(QPainter &painter, DString const &text, Rect const &rect, LabelAlign align);
+
+/// Labels side by side in one row. The last one is drawn, and of the others, from left to right, each that does not
+/// touch one drawn before.
+void DrawLabelRow(QPainter &painter, std::span<std::pair<DString, Rect> const> labels);
 
 /// Draws a text centred in a rectangle and turned against the clock by `degrees`, with the painter's font and pen.
 void DrawRotatedText(QPainter &painter, DString const &text, Rect const &rect, double degrees);

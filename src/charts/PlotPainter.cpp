@@ -19,9 +19,6 @@ constexpr int kUsualFont = 75;  // tenths of a point
 constexpr int kSmallFont = 65;
 constexpr int kRadius = 3; // of a marker; pixels
 constexpr int kSelectedRadius = 4;
-constexpr QRgb kRed = qRgb(230, 0, 0);
-
-QPen DataPen() { return {QColor(kRed), 1}; }
 
 /// The ellipse in the half-open rectangle around a place.
 void DrawMarker(QPainter &painter, int x, int y, int radius) {
@@ -36,8 +33,8 @@ MarkerShape ShapeAt(int x, int y, double ratio) {
     image.setDevicePixelRatio(ratio);
     image.fill(Qt::white);
     QPainter painter(&image);
-    painter.setPen(DataPen());
-    painter.setBrush(QColor(kRed));
+    painter.setPen(QPen(Qt::black, 1));
+    painter.setBrush(Qt::black);
     DrawMarker(painter, x, y, kRadius);
     painter.end();
 
@@ -50,7 +47,7 @@ MarkerShape ShapeAt(int x, int y, double ratio) {
         int first = -1;
         int last = -1;
         for (int column = std::max(0, centerX - around); column < extent; ++column) {
-            if (pixels[column] != kRed)
+            if (pixels[column] != qRgb(0, 0, 0))
                 continue;
             first = first < 0 ? column : first;
             last = column;
@@ -134,8 +131,8 @@ bool IsPlace(PlotPoint point) { return std::isfinite(point.x) && std::isfinite(p
 
 /// Lines to the points from `first` to before `last`, beginning at the one before them.
 void DrawLines(QPainter &painter, PlotGeometry const &geometry, std::span<PlotPoint const> points, std::size_t first,
-               std::size_t last) {
-    painter.setPen(DataPen());
+               std::size_t last, QColor const &color) {
+    painter.setPen(QPen(color, 1));
     LineRun run(painter);
     for (std::size_t i = first == 0 ? 0 : first - 1; i < last; ++i) {
         if (IsPlace(points[i]))
@@ -145,7 +142,8 @@ void DrawLines(QPainter &painter, PlotGeometry const &geometry, std::span<PlotPo
     }
 }
 
-void DrawMarkers(OffscreenSurface &surface, PlotGeometry const &geometry, std::span<PlotPoint const> points) {
+void DrawMarkers(OffscreenSurface &surface, PlotGeometry const &geometry, std::span<PlotPoint const> points,
+                 QColor const &color) {
     MarkerField field(surface.GetWidth(), surface.GetHeight());
     bool any = false;
     for (PlotPoint const point : points)
@@ -156,23 +154,24 @@ void DrawMarkers(OffscreenSurface &surface, PlotGeometry const &geometry, std::s
     if (!any)
         return;
     double const ratio = surface.GetImage().devicePixelRatio();
-    FillPixels(surface.GetPixels(), field.Render(ratio, [ratio](int x, int y) { return ShapeAt(x, y, ratio); }), kRed);
+    FillPixels(surface.GetPixels(), field.Render(ratio, [ratio](int x, int y) { return ShapeAt(x, y, ratio); }),
+               color.rgb());
 }
 
 /// Points from `first` to before `last`, all in one colour.
 void DrawSpan(OffscreenSurface &surface, PlotGeometry const &geometry, std::span<PlotPoint const> points,
-              bool withLines, std::size_t first, std::size_t last) {
+              bool withLines, std::size_t first, std::size_t last, QColor const &color) {
     if (first == last)
         return;
     if (QPainter *const painter = surface.GetDC(); withLines && painter != nullptr)
-        DrawLines(*painter, geometry, points, first, last);
-    DrawMarkers(surface, geometry, points.subspan(first, last - first));
+        DrawLines(*painter, geometry, points, first, last, color);
+    DrawMarkers(surface, geometry, points.subspan(first, last - first), color);
 }
 
 } // namespace
 
-void DrawPlotAxes(QPainter &painter, PlotGeometry const &geometry) {
-    QPen pen(Qt::black, 2);
+void DrawPlotAxes(QPainter &painter, PlotGeometry const &geometry, ChartColors const &colors) {
+    QPen pen(colors.ink, 2);
     pen.setCapStyle(Qt::SquareCap);
     pen.setJoinStyle(Qt::MiterJoin);
     painter.setPen(pen);
@@ -181,12 +180,13 @@ void DrawPlotAxes(QPainter &painter, PlotGeometry const &geometry) {
     painter.drawPolyline(path, 3);
 }
 
-void DrawPlotTickMarks(QPainter &painter, PlotGeometry const &geometry, PlotTexts const &texts) {
+void DrawPlotTickMarks(QPainter &painter, PlotGeometry const &geometry, PlotTexts const &texts,
+                       ChartColors const &colors) {
     if (!geometry.HasTickMarks())
         return;
-    QPen tick(Qt::black, 2);
+    QPen tick(colors.ink, 2);
     tick.setCapStyle(Qt::FlatCap);
-    QPen grid(Qt::black, 1);
+    QPen grid(colors.ink, 1);
     grid.setCapStyle(Qt::FlatCap);
     grid.setDashPattern({3, 3});
     QFont const usual = ChartFont("Arial Narrow", kUsualFont);
@@ -196,7 +196,7 @@ void DrawPlotTickMarks(QPainter &painter, PlotGeometry const &geometry, PlotText
     for (TickMark const &mark : texts.ticksX) {
         painter.setPen(tick);
         painter.drawLine(mark.pixel, bottom, mark.pixel, bottom + 5);
-        DrawLabel(painter, mark.label, mark.labelRect, LabelAlign::Center, false);
+        DrawLabel(painter, mark.label, mark.labelRect, LabelAlign::Center);
         if (texts.drawGrid && mark.hasGrid) {
             painter.setPen(grid);
             painter.drawLine(mark.pixel, bottom, mark.pixel, geometry.PlotMinY());
@@ -207,7 +207,7 @@ void DrawPlotTickMarks(QPainter &painter, PlotGeometry const &geometry, PlotText
     for (TickMark const &mark : texts.ticksY) {
         painter.setPen(tick);
         painter.drawLine(left, mark.pixel, left - 5, mark.pixel);
-        DrawLabel(painter, mark.label, mark.labelRect, LabelAlign::Right, false);
+        DrawLabel(painter, mark.label, mark.labelRect, LabelAlign::Right);
         if (texts.drawGrid && mark.hasGrid) {
             painter.setPen(grid);
             painter.drawLine(left, mark.pixel, geometry.PlotMaxX(), mark.pixel);
@@ -215,9 +215,9 @@ void DrawPlotTickMarks(QPainter &painter, PlotGeometry const &geometry, PlotText
     }
     painter.setPen(tick);
     if (!texts.title.empty())
-        DrawLabel(painter, texts.title, geometry.TitleRect(), LabelAlign::Center, true);
+        DrawLabel(painter, texts.title, geometry.TitleRect(), LabelAlign::Center);
     if (!texts.captionX.empty())
-        DrawLabel(painter, texts.captionX, geometry.CaptionXRect(), LabelAlign::Center, true);
+        DrawLabel(painter, texts.captionX, geometry.CaptionXRect(), LabelAlign::Center);
     if (!texts.captionY.empty()) {
         constexpr int height = 65; // a cell ten pixels high
         constexpr double upwards = 90.0;
@@ -227,18 +227,18 @@ void DrawPlotTickMarks(QPainter &painter, PlotGeometry const &geometry, PlotText
 }
 
 void DrawPlotData(OffscreenSurface &surface, PlotGeometry const &geometry, std::span<PlotPoint const> points,
-                  bool withLines, std::optional<std::size_t> selected) {
+                  bool withLines, std::optional<std::size_t> selected, ChartColors const &colors) {
     bool const shows = selected && *selected < points.size() && geometry.IsInRange(points[*selected]);
     // All is of one colour but the selected point: what comes before it lies under it, the rest above.
     std::size_t const cut = shows ? *selected + 1 : points.size();
-    DrawSpan(surface, geometry, points, withLines, 0, cut);
+    DrawSpan(surface, geometry, points, withLines, 0, cut, colors.point);
     if (QPainter *const painter = surface.GetDC(); shows && painter != nullptr) {
-        painter->setPen(DataPen());
-        painter->setBrush(Qt::blue);
+        painter->setPen(QPen(colors.point, 1));
+        painter->setBrush(colors.selectedPoint);
         PlotPoint const point = points[cut - 1];
         DrawMarker(*painter, geometry.DataToWndX(point.x), geometry.DataToWndY(point.y), kSelectedRadius);
     }
-    DrawSpan(surface, geometry, points, withLines, cut, points.size());
+    DrawSpan(surface, geometry, points, withLines, cut, points.size(), colors.point);
 }
 
 } // namespace zelvar

@@ -1,6 +1,7 @@
 #include "zelvar/controls/CZelCustomButton.h"
 
 #include "zelvar/controls/ControlColors.h"
+#include "zelvar/platform/ui/PaletteColors.h"
 #include "zelvar/platform/ui/SystemColor.h"
 
 #include <QtGui/QPainter>
@@ -87,11 +88,11 @@ CZelCustomButton::Face CZelCustomButton::ChosenFace(State state) const {
         shown = {.top = normal.top.lighter(kLighter), .bottom = normal.bottom.lighter(kLighter)};
     else if (!m_faces[state] && state == kPressed) // from below, as if pushed in
         shown = {.top = normal.bottom.darker(kDarker), .bottom = normal.top.darker(kDarker)};
-    QColor const middle = Mixed(shown.top, shown.bottom, 0.5);
+    QColor const middle = platform::Mixed(shown.top, shown.bottom, 0.5);
     bool const hovered = state == kHover && m_hoverText;
     return {.top = shown.top,
             .bottom = shown.bottom,
-            .text = hovered ? *m_hoverText : m_text.value_or(ReadableOn(middle)),
+            .text = hovered ? *m_hoverText : m_text.value_or(platform::ReadableOn(middle)),
             .border = m_border.value_or(middle.darker(150))};
 }
 
@@ -107,11 +108,11 @@ CZelCustomButton::Face CZelCustomButton::PresentFace() const {
         return ChosenFace(PresentState());
     QColor const window = colors.color(QPalette::Window);
     Face face = ChosenFace(isChecked() ? kPressed : kNormal);
-    face.top = Mixed(face.top, window, kFaded);
-    face.bottom = Mixed(face.bottom, window, kFaded);
-    face.border = Mixed(face.border, window, kFaded);
-    QColor const middle = Mixed(face.top, face.bottom, 0.5);
-    face.text = Mixed(middle, ReadableOn(middle), 0.55);
+    face.top = platform::Mixed(face.top, window, kFaded);
+    face.bottom = platform::Mixed(face.bottom, window, kFaded);
+    face.border = platform::Mixed(face.border, window, kFaded);
+    QColor const middle = platform::Mixed(face.top, face.bottom, 0.5);
+    face.text = platform::Mixed(middle, platform::ReadableOn(middle), 0.55);
     return face;
 }
 

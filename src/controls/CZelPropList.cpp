@@ -72,7 +72,6 @@ CZelPropList::CZelPropList(QWidget *parent)
 
     m_tree->setColumnCount(2);
     m_tree->setItemDelegate(new PropDelegate(*this));
-    m_tree->setUniformRowHeights(true);
     m_tree->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::SelectedClicked |
                             QAbstractItemView::AnyKeyPressed);
     m_tree->setHeaderHidden(true);
@@ -83,8 +82,11 @@ CZelPropList::CZelPropList(QWidget *parent)
     m_tree->setIndentation(m_tree->fontMetrics().averageCharWidth() * 2);
     connect(m_search, &QLineEdit::textChanged, this,
             [this](QString const &text) { SetFilter(platform::ToDString(text)); });
-    connect(m_tree->header(), &QHeaderView::sectionResized, this,
-            [this](int column) { m_namesDragged = m_namesDragged || (column == kNameColumn && !m_fitting); });
+    connect(m_tree->header(), &QHeaderView::sectionResized, this, [this](int column) {
+        m_namesDragged = m_namesDragged || (column == kNameColumn && !m_fitting);
+        if (column == kNameColumn)
+            Q_EMIT m_tree->itemDelegate()->sizeHintChanged({}); // names may be broken elsewhere
+    });
     connect(m_tree, &QTreeWidget::currentItemChanged, this, [this](QTreeWidgetItem *item) {
         auto const *const prop = static_cast<CZelProp const *>(item);
         m_description->setText(prop == nullptr ? QString() : platform::ToQString(prop->GetDescription()));

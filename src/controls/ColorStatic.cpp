@@ -1,6 +1,6 @@
 #include "zelvar/controls/ColorStatic.h"
 
-#include "zelvar/controls/ControlColors.h"
+#include "zelvar/platform/ui/PaletteColors.h"
 #include "zelvar/platform/ui/SystemColor.h"
 #include "zelvar/platform/ui/Text.h"
 
@@ -29,7 +29,7 @@ void ColorStatic::SetColor(QPalette::ColorRole role, ColorRef color) {
     QColor const back = colors.color(QPalette::Active, QPalette::Window);
     QColor const text = colors.color(QPalette::Active, QPalette::WindowText);
     colors.setColor(QPalette::Disabled, QPalette::Window, back);
-    colors.setColor(QPalette::Disabled, QPalette::WindowText, Mixed(text, back, kFaded));
+    colors.setColor(QPalette::Disabled, QPalette::WindowText, platform::Mixed(text, back, kFaded));
     setPalette(colors);
 }
 
@@ -67,7 +67,8 @@ void ColorStatic::ResetColors() {
 void ColorStatic::paintEvent(QPaintEvent *event) {
     if (m_borderWidth > 0) {
         QPainter painter(this);
-        QColor const color = isEnabled() ? m_border : Mixed(m_border, palette().color(QPalette::Window), kFaded);
+        QColor const color =
+            isEnabled() ? m_border : platform::Mixed(m_border, palette().color(QPalette::Window), kFaded);
         QRect const inside = rect().adjusted(m_borderWidth, m_borderWidth, -m_borderWidth, -m_borderWidth);
         for (QRect const &edge : QRegion(rect()).subtracted(inside))
             painter.fillRect(edge, color);

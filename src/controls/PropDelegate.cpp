@@ -15,6 +15,7 @@
 #include <QtWidgets/QPlainTextEdit>
 #include <QtWidgets/QToolButton>
 #include <QtWidgets/QToolTip>
+#include <QtWidgets/QTreeWidget>
 
 #include <algorithm>
 
@@ -216,12 +217,30 @@ void PropDelegate::updateEditorGeometry(QWidget *editor, QStyleOptionViewItem co
 }
 
 QSize PropDelegate::sizeHint(QStyleOptionViewItem const &option, QModelIndex const &index) const {
-    return QStyledItemDelegate::sizeHint(option, index) + QSize(0, 4);
+    QSize size = QStyledItemDelegate::sizeHint(option, index) + QSize(0, 4);
+    int const line = option.fontMetrics.height();
+    if (index.column() == kValueColumn) {
+        size.setHeight(std::min(size.height(), 2 * line)); // of a text of more lines the first is shown
+        return size;
+    }
+    // A name that is wider than its column is broken between its words.
+    QTreeWidget const &tree = m_list.Tree();
+    int depth = 1;
+    for (QModelIndex above = index.parent(); above.isValid(); above = above.parent())
+        ++depth;
+    int const margin = 2 * (tree.style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, &tree) + 1);
+    int const room = tree.columnWidth(index.column()) - depth * tree.indentation() - margin;
+    QString const name = index.data().toString();
+    if (room > 0 && !PropAt(index).IsGroup() && option.fontMetrics.horizontalAdvance(name) > room)
+        size.rheight() +=
+            option.fontMetrics.boundingRect(QRect(0, 0, room, 100 * line), Qt::TextWordWrap, name).height() - line;
+    return size;
 }
 
 void PropDelegate::initStyleOption(QStyleOptionViewItem *option, QModelIndex const &index) const {
     QStyledItemDelegate::initStyleOption(option, index);
     CZelProp const &prop = PropAt(index);
+    option->features.setFlag(QStyleOptionViewItem::WrapText, index.column() != kValueColumn);
     if (index.column() != kValueColumn || prop.IsGroup())
         return;
     if (prop.GetRule().kind == Kind::Color) {

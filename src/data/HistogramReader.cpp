@@ -75,7 +75,7 @@ DHstg Gathered(DHstg const &each, int numSlots) {
         --last;
     if (first > last)
         return {};
-    DHstg histogram(numSlots, each.GetSlotClss(first), each.GetSlotClss(last));
+    DHstg histogram = DHstg::ForWholeNumbers(numSlots, each.GetSlotClss(first), each.GetSlotClss(last));
     for (int slot = first; slot <= last; ++slot)
         histogram.AddValue(each.GetSlotClss(slot), static_cast<std::uint64_t>(each.GetSlotVal(slot)));
     return histogram;
@@ -94,6 +94,7 @@ bool ReadAs(OpenImage const &image, int channel, int numSlots, StopSignal const 
     } else {
         double least = HUGE_VAL;
         double most = -HUGE_VAL;
+        bool areWhole = true;
         auto const widen = [&](std::span<Sample const> strip) {
             double low = 0;
             double high = 0;
@@ -101,10 +102,12 @@ bool ReadAs(OpenImage const &image, int channel, int numSlots, StopSignal const 
                 return;
             least = std::min(least, low);
             most = std::max(most, high);
+            areWhole = areWhole && DHstg::AreWhole(strip, nodata);
         };
         if (!samples.Read(widen))
             return false;
-        histogram = least <= most ? DHstg(numSlots, least, most) : DHstg();
+        if (least <= most)
+            histogram = areWhole ? DHstg::ForWholeNumbers(numSlots, least, most) : DHstg(numSlots, least, most);
         return samples.Read([&](std::span<Sample const> strip) { histogram.AddSamples(strip, nodata); });
     }
 }

@@ -5,11 +5,18 @@
 #include "zelvar/drawing/core/ScaleDataBuf.h"
 #include "zelvar/gallery/Gallery.h"
 #include "zelvar/gallery/PageForm.h"
+#include "zelvar/opends/CImgPreviewStatic.h"
+#include "zelvar/platform/ui/PaletteColors.h"
+#include "zelvar/platform/ui/SystemColor.h"
 
+#include <QtCore/QFile>
+#include <QtCore/QTemporaryDir>
 #include <QtGui/QPainter>
+#include <QtWidgets/QLineEdit>
 #include <QtWidgets/QSlider>
 
 #include <cmath>
+#include <memory>
 #include <vector>
 
 namespace zelvar::gallery {
@@ -64,7 +71,7 @@ protected:
         block.y = 150;
         block.size = 20;
         block.weight = 700;
-        block.color = Rgb(30, 30, 30);
+        block.color = platform::ToColorRef(platform::Themed(QColor(30, 30, 30)));
         block.text = "Morvane222\ntext block";
         DrawTextBlock(&painter, block);
     }
@@ -91,10 +98,32 @@ QWidget *MakeDrawingPage() {
     return page;
 }
 
+QWidget *MakeImagePage() {
+    auto *const page = new PageForm;
+    auto *const preview = new CImgPreviewStatic;
+    auto *const file = new QLineEdit;
+    auto const folder = std::make_shared<QTemporaryDir>(); // lives as long as the page
+    QString const sample = folder->filePath("sample.png");
+    QImage picture(240, 160, QImage::Format_RGB32);
+    for (int y = 0; y < picture.height(); ++y)
+        for (int x = 0; x < picture.width(); ++x)
+            picture.setPixel(x, y, qRgb(x, y, 255 - x));
+    if (picture.save(sample))
+        file->setText(sample);
+    auto const show = [preview, file, folder] { preview->SetImgFile(QFile::encodeName(file->text()).constData()); };
+    page->Add("&Image file:", file);
+    page->AddWide("Image", preview, true);
+    page->Say("Another file is shown when its name is entered");
+    QObject::connect(file, &QLineEdit::editingFinished, preview, show);
+    show();
+    return page;
+}
+
 } // namespace
 
 std::vector<Page> DrawingPages() {
-    return {{"drawing", "Drawing", "OffscreenSurface ScaleDataBuf RoundRectGradient DrawTextBlock", MakeDrawingPage}};
+    return {{"image-file", "Image file", "CImgPreviewStatic DrawImgToDC", MakeImagePage},
+            {"drawing", "Drawing", "OffscreenSurface ScaleDataBuf RoundRectGradient DrawTextBlock", MakeDrawingPage}};
 }
 
 } // namespace zelvar::gallery

@@ -3,6 +3,7 @@
 #include "zelvar/lists/CEditCell.h"
 #include "zelvar/lists/core/CellNumber.h"
 #include "zelvar/platform/ui/ControlId.h"
+#include "zelvar/platform/ui/PaletteColors.h"
 #include "zelvar/platform/ui/Pictures.h"
 #include "zelvar/platform/ui/ReportPainter.h"
 #include "zelvar/platform/ui/SystemColor.h"
@@ -228,12 +229,13 @@ void CListCtrlFlex::DrawItem(DrawItemStruct const &item) {
                                   GetItemImage(item.itemID), (item.state & LVIS_SELECTED) != 0);
         label.left += platform::kSmallPicture;
     }
-    item.painter.setPen(ToQColor(colors.text));
+    QColor const ink = platform::ThemedInk(ToQColor(colors.text), ToQColor(colors.back));
+    item.painter.setPen(ink);
     if (record != nullptr && record->font != nullptr)
         item.painter.setFont(*record->font);
     DrawCells(item, label);
     if ((item.state & LVIS_FOCUSED) != 0)
-        platform::DrawFocusRect(item.painter, item.rcItem, colors.text);
+        platform::DrawFocusRect(item.painter, item.rcItem, platform::ToColorRef(ink));
 }
 
 void CListCtrlFlex::DrawCells(DrawItemStruct const &item, Rect const &label) const {
@@ -275,6 +277,11 @@ void CListCtrlFlex::changeEvent(QEvent *event) {
     if (event->type() == QEvent::PaletteChange) {
         m_highlightText = SystemColor(COLOR_HIGHLIGHTTEXT);
         m_highlight = SystemColor(COLOR_HIGHLIGHT);
+        RowPalette const former = std::exchange(m_rowPalette, RowPalette::Current());
+        for (FlexRow *record = m_records; record != nullptr; record = record->next) {
+            record->textColor = former.TextIn(m_rowPalette, record->textColor);
+            record->bkColor = former.BackIn(m_rowPalette, record->bkColor);
+        }
     }
 }
 

@@ -3,6 +3,7 @@
 #include "zelvar/base/ADIColType.h"
 #include "zelvar/lists/FlexRow.h"
 #include "zelvar/lists/LabelEditNotify.h"
+#include "zelvar/lists/RowPalette.h"
 #include "zelvar/lists/core/FlexColumns.h"
 #include "zelvar/lists/core/LastSort.h"
 #include "zelvar/platform/ui/ReportView.h"
@@ -114,7 +115,8 @@ private:
     LastSort m_lastSort;
     ColorRef m_highlightText = 0;
     ColorRef m_highlight = 0;
-    FlexRow *m_records = nullptr; ///< head of the chain, owned
+    RowPalette m_rowPalette = RowPalette::Current(); ///< that the rows' colours were taken from
+    FlexRow *m_records = nullptr;                    ///< head of the chain, owned
     FlexColumns m_columns;
     bool m_sortEnabled = true;
     ColorRef m_bkColor = 0; ///< 0 is not set

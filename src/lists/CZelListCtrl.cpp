@@ -1,12 +1,8 @@
 #include "zelvar/lists/CZelListCtrl.h"
 
-#include "zelvar/platform/ui/SystemColor.h"
-
 #include <cstdarg>
 
 namespace zelvar {
-
-using platform::SystemColor;
 
 namespace {
 
@@ -73,15 +69,16 @@ int CZelListCtrl::AddRowStyle(DString const &text, unsigned style) {
 }
 
 void CZelListCtrl::SetStyle(RowInfo *info, unsigned style) const {
-    info->textColor = (style & RowStyleGrey) != 0 ? Rgb(128, 128, 128) : SystemColor(COLOR_WINDOWTEXT);
-    info->bkColor = SystemColor(COLOR_WINDOW);
+    RowPalette const colors = RowPalette::Current();
+    info->textColor = (style & RowStyleGrey) != 0 ? colors.grey : colors.text;
+    info->bkColor = colors.window;
     if ((style & RowStyleShaded) != 0)
-        info->bkColor = Rgb(230, 230, 215);
+        info->bkColor = colors.shaded;
     if ((style & RowStyleAccent) != 0)
-        info->bkColor = Rgb(215, 200, 170);
+        info->bkColor = colors.accent;
     // Grey shading wins over the accent too.
     if ((style & RowStyleGrey) != 0 && (style & RowStyleShaded) != 0)
-        info->bkColor = Rgb(235, 235, 225);
+        info->bkColor = colors.greyShaded;
     info->font = (style & RowStyleBold) != 0 ? m_boldFont.get() : nullptr;
 }
 

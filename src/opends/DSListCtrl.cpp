@@ -61,7 +61,8 @@ int DSListCtrl::OnCreate() {
     SetExtendedStyle(GetExtendedStyle() | LVS_EX_FULLROWSELECT | LVS_EX_LABELTIP);
     if (m_mode == ModeRecursive) {
         int const inch = fontMetrics().averageCharWidth() * kCharsPerInch;
-        AddCol("Name", ADICol_String, false, 4 * inch, LVCFMT_LEFT);
+        m_fittedNames = 4 * inch;
+        AddCol("Name", ADICol_String, false, m_fittedNames, LVCFMT_LEFT);
         AddCol("Size", ADICol_String, false, inch, LVCFMT_RIGHT);
         // An inch, or more where the user's language writes longer dates.
         constexpr SystemTime kLongDate{.wYear = 2028, .wMonth = 12, .wDay = 28, .wHour = 22, .wMinute = 58};
@@ -80,6 +81,16 @@ void DSListCtrl::resizeEvent(QResizeEvent *event) {
     CZelListCtrlVirtual::resizeEvent(event);
     if (height() > 0 && m_mode == ModeFolders)
         SetColumnWidth(kName, GetClientRect().Width());
+    FitNames();
+}
+
+void DSListCtrl::FitNames() {
+    if (GetColumnCount() <= kDate || GetColumnWidth(kName) != m_fittedNames)
+        return;
+    int const least = fontMetrics().averageCharWidth() * kCharsPerInch;
+    int const rest = GetClientRect().Width() - GetColumnWidth(kSize) - GetColumnWidth(kDate);
+    m_fittedNames = std::max(least, rest);
+    SetColumnWidth(kName, m_fittedNames);
 }
 
 void DSListCtrl::SetMode(Mode mode) {

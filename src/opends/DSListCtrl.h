@@ -111,7 +111,11 @@ private:
 
     ItemList m_rootItems;
     Rows m_rows; ///< one entry a row
+    /// Names take what the other columns leave, until somebody gives them another width.
+    void FitNames();
+
     Mode m_mode = ModeFolders;
+    int m_fittedNames = 0; ///< width that the names were given last, pixels
     Worker m_worker;
     QPointer<QObject> m_coordinator;
     platform::MessageId m_selChangeMessage;

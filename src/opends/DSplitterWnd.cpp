@@ -2,6 +2,7 @@
 
 #include "zelvar/opends/SplitterBar.h"
 #include "zelvar/platform/ui/ControlId.h"
+#include "zelvar/platform/ui/PaletteColors.h"
 
 #include <QtGui/QMouseEvent>
 #include <QtGui/QPainter>
@@ -266,10 +267,10 @@ void DSplitterWnd::OnDrawSplitter(QPainter *painter, DrawType type, Rect const &
         return;
     }
     if (type != Border) {
-        painter->fillRect(ToQRect(rect), Qt::white);
+        painter->fillRect(ToQRect(rect), platform::Themed(Qt::white));
         return;
     }
-    painter->setPen(QPen(QColor(191, 191, 191), 0));
+    painter->setPen(QPen(platform::Themed(QColor(191, 191, 191)), 0));
     painter->setBrush(Qt::NoBrush);
     painter->drawRect(ToQRect(rect).adjusted(0, 0, -1, -1));
 }

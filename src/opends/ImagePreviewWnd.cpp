@@ -2,6 +2,7 @@
 
 #include "zelvar/drawing/core/CubicResize.h"
 #include "zelvar/layout/cdxCDynamicDialog.h"
+#include "zelvar/platform/ui/PaletteColors.h"
 
 #include <QtGui/QCloseEvent>
 #include <QtGui/QKeyEvent>
@@ -70,13 +71,13 @@ void ImagePreviewWnd::CreateDefaultDC() {
     m_memHeight = height();
     m_memBitmap = QPixmap(size() * devicePixelRatioF());
     m_memBitmap.setDevicePixelRatio(devicePixelRatioF());
-    m_memBitmap.fill(Qt::white);
+    m_memBitmap.fill(platform::Themed(Qt::white));
     if (!m_memBitmap.isNull()) {
         QPainter painter(&m_memBitmap);
         QFont italic = font();
         italic.setItalic(true);
         painter.setFont(italic);
-        painter.setPen(Qt::black);
+        painter.setPen(platform::Themed(Qt::black));
         QString const text = m_mode == ModeWaiting ? tr("Please wait...") : tr("Preview is not available");
         painter.drawText(rect(), Qt::AlignCenter | Qt::TextSingleLine, text);
         setAccessibleDescription(text);
@@ -103,7 +104,7 @@ void ImagePreviewWnd::CreateMemoryDC() {
 
 void ImagePreviewWnd::paintEvent(QPaintEvent *) {
     QPainter painter(this);
-    painter.fillRect(rect(), Qt::white);
+    painter.fillRect(rect(), platform::Themed(Qt::white));
     if (m_memValid && m_memWidth >= 1 && m_memHeight >= 1)
         painter.drawPixmap((width() - m_memWidth) / 2, (height() - m_memHeight) / 2, m_memBitmap);
 }
@@ -147,7 +148,7 @@ bool ImagePreviewWnd::event(QEvent *event) {
     bool const leaves = event->type() == QEvent::WindowDeactivate || event->type() == QEvent::ApplicationDeactivate;
     if (leaves && !m_moving)
         HidePreview();
-    if (event->type() == QEvent::FontChange)
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::PaletteChange)
         Redraw();
     return QWidget::event(event);
 }

@@ -1,9 +1,23 @@
 #include "zelvar/opends/ItemColors.h"
 
 #include "zelvar/model/DataSourceItem.h"
+#include "zelvar/platform/ui/PaletteColors.h"
 #include "zelvar/platform/ui/ReportPainter.h"
+#include "zelvar/platform/ui/SystemColor.h"
 
 namespace zelvar {
+
+ItemColors ItemColorsOf(bool selected, bool listHasFocus) {
+    using platform::SystemColor, platform::ToQColor;
+    QColor back = platform::Themed(selected ? QColor(212, 208, 200) : QColor(Qt::white));
+    QColor text = Qt::black;
+    if (selected && listHasFocus) {
+        bool const isDark = platform::IsPaletteDark(); // a dark blue would not stand out there
+        back = isDark ? ToQColor(SystemColor(COLOR_HIGHLIGHT)) : QColor(10, 36, 106);
+        text = isDark ? ToQColor(SystemColor(COLOR_HIGHLIGHTTEXT)) : QColor(Qt::white);
+    }
+    return {back, platform::ThemedInk(text, back)};
+}
 
 void DrawItemPicture(QPainter &painter, Rect const &row, DataSourceItem const &item) {
     if (item.GetImageList() != nullptr && item.GetIconIndex() >= 0)

@@ -14,16 +14,12 @@ class DataSourceItem;
 /// is marked to the right of it.
 inline constexpr int kPictureBand = 18;
 
-/// Colours of a row of items. They are fixed and do not follow the desktop's scheme.
+/// Colours of a row of items. They are fixed on a light palette and follow a dark one.
 struct ItemColors {
     QColor background;
     QColor text;
 };
-[[nodiscard]] inline ItemColors ItemColorsOf(bool selected, bool listHasFocus) {
-    if (!selected)
-        return {Qt::white, Qt::black};
-    return listHasFocus ? ItemColors{QColor(10, 36, 106), Qt::white} : ItemColors{QColor(212, 208, 200), Qt::black};
-}
+[[nodiscard]] ItemColors ItemColorsOf(bool selected, bool listHasFocus);
 
 /// The item's picture at the top left corner of the row; an item without one draws nothing.
 void DrawItemPicture(QPainter &painter, Rect const &row, DataSourceItem const &item);

@@ -1,5 +1,6 @@
 #include "zelvar/thematic/ThematicButtons.h"
 
+#include "zelvar/platform/ui/PaletteColors.h"
 #include "zelvar/platform/ui/SystemColor.h"
 #include "zelvar/platform/ui/Text.h"
 
@@ -32,7 +33,7 @@ void DrawArrow(QPainter &painter, Point at, bool up, int state) {
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(QColor(colors[static_cast<std::size_t>(state)]));
+    painter.setBrush(platform::ThemedInk(colors[static_cast<std::size_t>(state)], platform::Themed(kItemGrey)));
     painter.drawPolygon(corners, 3);
     painter.restore();
 }
@@ -86,7 +87,8 @@ void ThematicHyperlink::Draw(QPainter &painter, bool) const {
     painter.save();
     painter.setFont(GetFont());
     if (IsEnabled())
-        painter.setPen(QColor(0, 0, 255));
+        painter.setPen(
+            platform::ThemedInk(QColor(0, 0, 255), platform::ToQColor(platform::SystemColor(COLOR_BTNFACE))));
     else
         painter.setPen(platform::ToQColor(platform::SystemColor(COLOR_BTNTEXT)));
     QString const shown = QFontMetrics(GetFont()).elidedText(platform::ToQString(m_text), Qt::ElideRight, area.width());
@@ -118,14 +120,17 @@ void ThematicButton::Draw(QPainter &painter, bool) const {
         r = shifted;
     }
     painter.setPen(outline);
-    painter.setBrush(platform::ToQColor(platform::SystemColor(hovered || pressed ? COLOR_3DHIGHLIGHT : COLOR_BTNFACE)));
+    QColor const face =
+        platform::ToQColor(platform::SystemColor(hovered || pressed ? COLOR_3DHIGHLIGHT : COLOR_BTNFACE));
+    QColor const bars = platform::ThemedInk(Qt::black, face);
+    painter.setBrush(face);
     painter.drawEllipse(circle(r));
     int const cx = (r.left + r.right) / 2;
     int const cy = (r.top + r.bottom) / 2;
     int const d = r.Width() / 4;
-    painter.fillRect(cx - d, cy - 1, 2 * d, 2, Qt::black);
+    painter.fillRect(cx - d, cy - 1, 2 * d, 2, bars);
     if (m_addButton)
-        painter.fillRect(cx - 1, cy - d, 2, 2 * d, Qt::black);
+        painter.fillRect(cx - 1, cy - d, 2, 2 * d, bars);
     painter.restore();
 }
 

@@ -2,6 +2,7 @@
 
 #include "zelvar/base/DFile.h"
 #include "zelvar/controls/CZelImageList.h"
+#include "zelvar/platform/ui/PaletteColors.h"
 #include "zelvar/platform/ui/Pictures.h"
 #include "zelvar/platform/ui/SystemColor.h"
 #include "zelvar/platform/ui/Text.h"
@@ -59,7 +60,8 @@ void ThematicText::Draw(QPainter &painter, bool) const {
         return;
     QRect const area(GetRect().left, GetRect().top, GetRect().Width(), GetRect().Height());
     painter.save();
-    painter.setPen(platform::ToQColor(platform::SystemColor(COLOR_BTNTEXT)));
+    painter.setPen(
+        platform::ThemedInk(platform::ToQColor(platform::SystemColor(COLOR_BTNTEXT)), platform::Themed(kItemGrey)));
     QString const shown =
         QFontMetrics(painter.font()).elidedText(platform::ToQString(m_text), Qt::ElideRight, area.width());
     painter.drawText(area, static_cast<int>(Qt::AlignLeft | Qt::AlignVCenter) | Qt::TextSingleLine, shown);

@@ -12,6 +12,9 @@ class QPainter;
 
 namespace zelvar {
 
+/// An item's ground at its lower end, on a light palette.
+inline constexpr QRgb kItemGrey = qRgb(192, 192, 192);
+
 /// Kinds of mouse events that elements hear of.
 enum EMouseEvnt : std::uint8_t {
     MouseEvntMove = 1,

@@ -1,6 +1,8 @@
 #include "zelvar/thematic/ThematicElement.h"
 
 #include "zelvar/drawing/RoundRectGradient.h"
+#include "zelvar/platform/ui/PaletteColors.h"
+#include "zelvar/platform/ui/SystemColor.h"
 
 namespace zelvar {
 
@@ -31,7 +33,7 @@ ThematicDrawElement *ThematicElement::ChildAt(Point const &point) const {
 
 void ThematicElement::DrawBack(QPainter &painter, Rect const &rect, ColorRef start, ColorRef end, bool vertical) const {
     constexpr int radius = 3;
-    constexpr ColorRef grey = Rgb(160, 160, 160);
+    ColorRef const grey = platform::ToColorRef(platform::Themed(QColor(160, 160, 160)));
     constexpr ColorRef gold = Rgb(255, 215, 0);
     RoundRectGradient(&painter, rect, radius, start, end, vertical, m_selected ? 2 : 1, m_selected ? gold : grey);
 }

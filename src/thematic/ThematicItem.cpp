@@ -1,5 +1,6 @@
 #include "zelvar/thematic/ThematicItem.h"
 
+#include "zelvar/platform/ui/PaletteColors.h"
 #include "zelvar/platform/ui/SystemColor.h"
 
 namespace zelvar {
@@ -48,8 +49,8 @@ void ThematicItem::EnableMoves(bool up, bool down) {
 void ThematicItem::Draw(QPainter &painter, bool look3D) const {
     if (!IsVisible())
         return;
-    constexpr ColorRef grey = Rgb(192, 192, 192);
-    DrawBack(painter, GetRect(), look3D ? Rgb(255, 255, 255) : grey, grey, true);
+    ColorRef const grey = platform::ToColorRef(platform::Themed(kItemGrey));
+    DrawBack(painter, GetRect(), look3D ? platform::ToColorRef(platform::Themed(Qt::white)) : grey, grey, true);
     DrawChildren(painter, look3D);
 }
 

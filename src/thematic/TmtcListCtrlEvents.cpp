@@ -1,4 +1,5 @@
 #include "zelvar/drawing/OffscreenSurface.h"
+#include "zelvar/platform/ui/PaletteColors.h"
 #include "zelvar/platform/ui/SystemColor.h"
 #include "zelvar/thematic/ThematicAccessible.h"
 #include "zelvar/thematic/TmtcListCtrl.h"
@@ -40,7 +41,7 @@ void TmtcListCtrl::paintEvent(QPaintEvent *) {
     if (Elmt const *const focus = GetFocusElmt(); m_isKeyboardOn && hasFocus() && focus != nullptr) {
         Rect const &at = focus->GetRect();
         int const right = IsGroup(focus) ? at.left + Group::kStripWidth : at.right;
-        painter->setPen(QPen(Qt::black, 1, Qt::DotLine));
+        painter->setPen(QPen(platform::Themed(Qt::black), 1, Qt::DotLine));
         painter->setBrush(Qt::NoBrush);
         painter->drawRect(at.left + 2, at.top + 2, right - at.left - 6, at.Height() - 5);
     }

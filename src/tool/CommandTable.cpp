@@ -157,7 +157,7 @@ std::vector<CommandSpec> const &AllCommands() {
          .about = "Shows how the samples of a band or the numbers of a column are spread, prints what is picked.",
          .options = {{"--band", "N", "counted from 1"},
                      {"--column", "C", "of a table, by its name"},
-                     {"--slots", "N", "how many bars"},
+                     {"--slots", "N", "how many bars; whole numbers may get fewer"},
                      {"--print", "", "print the slots, show nothing"},
                      kClick,
                      kShot,

@@ -93,8 +93,8 @@ int RunHistogram(std::vector<DString> const &words, int &argc, char **argv) {
     }
     auto &chart = *new CHstgCtrl;
     chart.SetAutoScale(true);
-    chart.DrawTextA(*slots <= kFewSlots);
-    chart.DrawFreq(*slots <= kFewSlots);
+    chart.DrawTextA(histogram.m_numSlot <= kFewSlots);
+    chart.DrawFreq(histogram.m_numSlot <= kFewSlots);
     chart.SetHstg(&histogram);
     ChartWindow window(chart, BDIMoniker(file, nullptr).GetDisplayName(), [&] {
         if (int const slot = chart.GetSlctSlot(); slot >= 0 && slot < histogram.m_numSlot)

@@ -22,32 +22,51 @@ namespace {
 
 CommandSpec const &kSpec = SpecOf("plot");
 
-/// Adds the rows that hold a number in both columns, and chooses axes that hold them.
-void Fill(CPlotCtrl &plot, IAttrData &table, int xColumn, int yColumn) {
-    constexpr int ticks = 8;
-    double least[2] = {HUGE_VAL, HUGE_VAL};
-    double most[2] = {-HUGE_VAL, -HUGE_VAL};
+/// A row that holds a number in both columns.
+struct Row {
+    int number = 0; ///< from 1
+    double x = 0;
+    double y = 0;
+};
+
+std::vector<Row> ReadRows(IAttrData &table, int xColumn, int yColumn) {
+    std::vector<Row> rows;
     for (int row = 0; table.SetRow(row); ++row) {
         std::optional<double> const x = NumberOf(table.GetText(xColumn));
         std::optional<double> const y = NumberOf(table.GetText(yColumn));
-        if (!x || !y)
-            continue;
-        least[0] = std::min(least[0], *x);
-        least[1] = std::min(least[1], *y);
-        most[0] = std::max(most[0], *x);
-        most[1] = std::max(most[1], *y);
-        plot.AddData(*x, *y, nullptr, std::to_string(row + 1).c_str());
+        if (x && y)
+            rows.push_back({row + 1, *x, *y});
     }
-    NiceAxis const x = NiceAxisOver(least[0], most[0], ticks);
-    NiceAxis const y = NiceAxisOver(least[1], most[1], ticks);
+    return rows;
+}
+
+/// Adds the rows, each with its index, and chooses axes that hold them.
+void Fill(CPlotCtrl &plot, std::vector<Row> const &rows, DString const &xName, DString const &yName) {
+    constexpr int ticks = 8;
+    double least[2] = {HUGE_VAL, HUGE_VAL};
+    double most[2] = {-HUGE_VAL, -HUGE_VAL};
+    for (Row const &row : rows) {
+        least[0] = std::min(least[0], row.x);
+        least[1] = std::min(least[1], row.y);
+        most[0] = std::max(most[0], row.x);
+        most[1] = std::max(most[1], row.y);
+    }
+    NiceAxis x = NiceAxisOver(least[0], most[0], ticks);
+    NiceAxis y = NiceAxisOver(least[1], most[1], ticks);
+    AxisScale const xScale = ScaleFor(x, PlotGeometry::XLabel);
+    AxisScale const yScale = ScaleFor(y, PlotGeometry::YLabel);
+    x = xScale.Of(x);
+    y = yScale.Of(y);
+    for (std::size_t i = 0; i < rows.size(); ++i)
+        plot.AddData(xScale.Of(rows[i].x), yScale.Of(rows[i].y), nullptr, std::to_string(i).c_str());
     plot.SetDataMinX(x.minimum);
     plot.SetDataMaxX(x.maximum);
     plot.SetTickX(x.step);
     plot.SetDataMinY(y.minimum);
     plot.SetDataMaxY(y.maximum);
     plot.SetTickY(y.step);
-    plot.SetCaptionX(table.GetColName(xColumn));
-    plot.SetCaptionY(table.GetColName(yColumn));
+    plot.SetCaptionX(xScale.Caption(xName));
+    plot.SetCaptionY(yScale.Caption(yName));
 }
 
 } // namespace
@@ -78,16 +97,19 @@ int RunPlot(std::vector<DString> const &words, int &argc, char **argv) {
 
     auto owned = std::make_unique<CPlotCtrl>(); // of the window, below
     CPlotCtrl &plot = *owned;
-    Fill(plot, table, xColumn, yColumn);
+    std::vector<Row> const rows = ReadRows(table, xColumn, yColumn);
     if (table.HasFailed())
         return Failure("cannot read '" + file + "' to its end: " + ReadingFailureOf(file));
+    Fill(plot, rows, table.GetColName(xColumn), table.GetColName(yColumn));
     plot.DrawLine(arguments->Has("--line"));
     plot.DrawTitle(true);
     plot.SetTitle(BDIMoniker(file, nullptr).GetDisplayName());
     bool const isEmpty = plot.GetNumData() == 0;
-    ChartWindow window(*owned.release(), BDIMoniker(file, nullptr).GetDisplayName(), [&plot] {
-        if (CPlotCtrl::DataPoint const *const point = plot.GetSlctData())
-            std::printf("%s\t%.10g\t%.10g\n", point->info.c_str(), point->x, point->y);
+    ChartWindow window(*owned.release(), BDIMoniker(file, nullptr).GetDisplayName(), [&plot, &rows] {
+        if (CPlotCtrl::DataPoint const *const point = plot.GetSlctData()) {
+            Row const &row = rows[std::stoul(point->info)]; // as it was read; the plot may show it scaled
+            std::printf("%d\t%.10g\t%.10g\n", row.number, row.x, row.y);
+        }
         std::fflush(stdout);
     });
     if (!window.SetClicks(arguments->All("--click")))

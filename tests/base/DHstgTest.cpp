@@ -63,12 +63,29 @@ TYPED_TEST(DHstgOf, CountsAsComparingWithEveryEdgeDoes) {
         EXPECT_EQ(CountsOf(histogram), BruteForce(histogram, values)) << slots;
         EXPECT_EQ(histogram.GetHstgSum(), static_cast<int>(values.size()));
         EXPECT_EQ(histogram.m_minimum, *std::min_element(values.begin(), values.end()));
-        EXPECT_EQ(histogram.m_maximum, *std::max_element(values.begin(), values.end()));
+        double const most = *std::max_element(values.begin(), values.end());
+        EXPECT_EQ(histogram.m_maximum > most, std::is_integral_v<TypeParam>);
+        for (int i = 0; i < histogram.m_numSlot && std::is_integral_v<TypeParam>; ++i)
+            EXPECT_EQ(histogram.GetSlotClss(i + 1) - histogram.GetSlotClss(i),
+                      std::ceil((most - histogram.m_minimum + 1) / slots));
         DHstg part(slots, histogram.m_minimum, histogram.m_maximum / 2);
         part.AddSamples<TypeParam>(samples, &nodata);
         EXPECT_EQ(CountsOf(part), BruteForce(part, values)) << slots;
     }
     EXPECT_EQ((DHstg::FromSamples<TypeParam>({}, 4).m_numSlot), 0);
+}
+
+TEST(DHstg, SlotsOfWholeNumbersHoldAsManyOfThem) {
+    std::vector<double> values;
+    for (int i = 0; i < 2000; ++i)
+        values.push_back(10 + i / 40);
+    DHstg const whole = DHstg::FromSamples<double>(values, 32);
+    EXPECT_EQ(CountsOf(whole), std::vector<int>(25, 80));
+    EXPECT_EQ(whole.m_maximum, 60);
+    values.push_back(10.5);
+    EXPECT_EQ(DHstg::FromSamples<double>(values, 32).m_numSlot, 32);
+    EXPECT_EQ(DHstg::FromSamples<float>(std::vector{3e38F, -3e38F, HUGE_VALF}, 7).m_numSlot, 7); // no longer told apart
+    EXPECT_EQ(CountsOf(DHstg::FromSamples<std::uint32_t>(std::vector{0U, 4294967295U}, 2)), (std::vector{1, 1}));
 }
 
 TEST(DHstg, EveryEdgeBelongsToTheSlotThatItBegins) {

@@ -90,6 +90,17 @@ TEST(CHstgCtrl, ClicksSelectWhateverTheirHeightAndAlwaysTell) {
     EXPECT_EQ(stage.chart.GetSlctSlot(), -1);
     stage.ClickAt(10);
     EXPECT_EQ(stage.parent.numHeard, 5);
+    stage.ClickAt(185);
+    QTest::mouseDClick(&stage.chart, Qt::LeftButton, {}, QPoint(185, 60));
+    EXPECT_EQ(stage.chart.GetSlctSlot(), 1);
+}
+
+TEST(CHstgCtrl, TextsAreWhole) {
+    HistogramStage stage;
+    QImage const picture = stage.Picture();
+    auto const isInked = [&](QRect const &area) { return test::StrongestContrast(picture, area) > 4.5; };
+    EXPECT_TRUE(isInked({6, 15, 4, 10}) && isInked({29, 15, 2, 10})); // "100%" is wider than its rectangle
+    EXPECT_TRUE(isInked({330, 126, 19, 10}));                         // the label behind the last slot
 }
 
 TEST(CHstgCtrl, KeysMoveTheSelection) {

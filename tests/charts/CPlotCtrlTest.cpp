@@ -61,8 +61,6 @@ QPoint At(CPlotCtrl const &plot, double x, double y) {
     return {plot.Geometry().DataToWndX(x), plot.Geometry().DataToWndY(y)};
 }
 
-TEST(CPlotCtrl, TheTellOfASelectionHasTheNumberThatApplicationsKnow) { EXPECT_EQ(WM_CHART_SELECTED, 0x8065); }
-
 TEST(CPlotCtrl, DrawsFrameAxesTicksAndMarkers) {
     PlotStage stage;
     stage.plot.SetTickX(50);
@@ -140,7 +138,7 @@ TEST(CPlotCtrl, ThePictureIsThatOfDrawingEachPointAndLineInTurn) {
                     surface.GetDC()->fillRect(0, 0, 280, 152, Qt::white);
                     DrawInTurn(painter, geometry, points, lines, selected);
                     painter.end();
-                    DrawPlotData(surface, geometry, points, lines, selected);
+                    DrawPlotData(surface, geometry, points, lines, selected, {});
                     ASSERT_EQ(surface.GetPixels(), expected);
                 }
 }
@@ -178,7 +176,8 @@ TEST(CPlotCtrl, AClickSelectsByXAndTellsTheParent) {
     ASSERT_EQ(stage.parent.heard.size(), 1U);
     auto const *const point = reinterpret_cast<CPlotCtrl::DataPoint const *>(stage.parent.heard[0]);
     EXPECT_EQ(point, stage.plot.GetSlctData());
-    EXPECT_EQ(point->info, "a"); // of two with one x the first
+    EXPECT_EQ(WM_CHART_SELECTED, 0x8065); // applications know the number
+    EXPECT_EQ(point->info, "a");          // of two with one x the first
     QImage const picture = stage.Picture();
     QPoint const marker = At(stage.plot, 20, 10);
     EXPECT_EQ(picture.pixel(marker), kBlue);
@@ -193,6 +192,9 @@ TEST(CPlotCtrl, AClickSelectsByXAndTellsTheParent) {
     QTest::mouseClick(&stage.plot, Qt::RightButton, {}, At(stage.plot, 60, 5));
     QCoreApplication::processEvents();
     EXPECT_EQ(stage.parent.heard.size(), 2U); // letting go tells nobody
+    QTest::mouseClick(&stage.plot, Qt::LeftButton, {}, At(stage.plot, 60, 5));
+    QTest::mouseDClick(&stage.plot, Qt::LeftButton, {}, At(stage.plot, 60, 5));
+    EXPECT_NE(stage.plot.GetSlctData(), nullptr); // the second press does not let go
 }
 
 TEST(CPlotCtrl, KeysMoveTheSelectionAndTellTheParent) {
@@ -246,6 +248,24 @@ TEST(CPlotCtrl, ClearKeepsTheScaleAndSelectsNothingNew) {
     EXPECT_EQ(stage.plot.Geometry().PlotMinY(), top + 20);
     stage.plot.DrawTitle(false);
     EXPECT_EQ(stage.plot.Geometry().PlotMinY(), top + 10);
+}
+
+TEST(CPlotCtrl, TextsAreWholeAndFollowADarkPalette) {
+    PlotStage stage;
+    stage.plot.SetTitle("gy");
+    stage.plot.DrawTitle(true);
+    stage.plot.AddData(50, 50, nullptr, nullptr);
+    stage.plot.SlctData(50, 0);
+    stage.Show();
+    EXPECT_GT(test::StrongestContrast(stage.Picture(), {100, 20, 120, 4}), 4.5); // what hangs below the line
+    QPoint const marker = At(stage.plot, 50, 50);
+    QRgb const ground = stage.Picture().pixel(5, 5);
+    test::DarkPalette const dark;
+    QImage const picture = stage.Picture();
+    EXPECT_EQ(picture.pixelColor(5, 5), stage.plot.palette().color(QPalette::Base));
+    EXPECT_NE(picture.pixel(5, 5), ground);
+    for (QRect const &area : {QRect(100, 10, 120, 14), QRect(marker.x(), marker.y() - 10, 8, 10)})
+        EXPECT_GE(test::StrongestContrast(picture, area), 4.5) << area.top();
 }
 
 } // namespace

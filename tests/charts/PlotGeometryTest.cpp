@@ -9,6 +9,7 @@
 #include <cmath>
 #include <limits>
 #include <random>
+#include <tuple>
 
 namespace zelvar {
 
@@ -125,12 +126,8 @@ TEST(PlotGeometry, ATurnedTextIsCentred) {
 TEST(PlotSelection, TheNearestByXAloneIsPicked) {
     PlotGeometry const plot = Plot({.maxX = 100, .maxY = 100}); // a pixel a unit
     PlotPoint const points[] = {{10, 0}, {10, 90}, {30, 50}, {kNaN, 1}};
-    struct Case {
-        double x;
-        std::optional<std::size_t> former;
-        std::optional<std::size_t> picked;
-    };
-    Case const cases[] = {
+    using Place = std::optional<std::size_t>;
+    std::tuple<double, Place, Place> const cases[] = {
         {10, {}, 0},           // of equal ones the first
         {10, 0, std::nullopt}, // again: none
         {21, {}, std::nullopt},
@@ -141,8 +138,8 @@ TEST(PlotSelection, TheNearestByXAloneIsPicked) {
         {kNaN, {}, std::nullopt},
         {30, 2, std::nullopt},
     };
-    for (Case const &c : cases)
-        EXPECT_EQ(PickPoint(plot, points, c.x, c.former), c.picked) << c.x;
+    for (auto const &[x, former, picked] : cases)
+        EXPECT_EQ(PickPoint(plot, points, x, former), picked) << x;
     EXPECT_EQ(PickPoint(plot, {}, 1, {}), std::nullopt);
 }
 
@@ -161,12 +158,7 @@ TEST(PlotSelection, KeysStepAlongX) {
 }
 
 TEST(NiceTicks, HoldTheRangeBetweenRoundNumbers) {
-    struct Case {
-        double minimum;
-        double maximum;
-        NiceAxis axis;
-    };
-    Case const cases[] = {
+    std::tuple<double, double, NiceAxis> const cases[] = {
         {0, 100, {0, 100, 20}},
         {3, 97, {0, 100, 20}},
         {-0.3, 0.9, {-0.4, 1.0, 0.2}},
@@ -175,12 +167,27 @@ TEST(NiceTicks, HoldTheRangeBetweenRoundNumbers) {
         {0, HUGE_VAL, {0, 1, 1}},
         {5, 1, {0, 1, 1}},
     };
-    for (Case const &c : cases) {
-        SCOPED_TRACE(c.maximum);
-        NiceAxis const axis = NiceAxisOver(c.minimum, c.maximum, 6);
-        EXPECT_NEAR(axis.step, c.axis.step, std::abs(c.axis.step) * 1e-9);
-        EXPECT_LE(axis.minimum, c.axis.minimum + 1e-9);
-        EXPECT_NEAR(axis.maximum, c.axis.maximum, std::abs(c.axis.step) * 1.001);
+    for (auto const &[minimum, maximum, expected] : cases) {
+        NiceAxis const axis = NiceAxisOver(minimum, maximum, 6);
+        EXPECT_NEAR(axis.step, expected.step, std::abs(expected.step) * 1e-9) << maximum;
+        EXPECT_LE(axis.minimum, expected.minimum + 1e-9) << maximum;
+        EXPECT_NEAR(axis.maximum, expected.maximum, std::abs(expected.step) * 1.001) << maximum;
+    }
+    using Scaled = std::tuple<double, double, DString (*)(double), char const *, char const *>;
+    for (auto const &[minimum, maximum, write, expected, caption] :
+         {Scaled{0, 0.3, PlotGeometry::XLabel, "0 0.05 0.1 0.15 0.2 0.25 0.3 ", "x"},
+          {100, 120, PlotGeometry::XLabel, "0 5 10 15 20 ", "(x - 100)"},
+          {0, 0.004, PlotGeometry::YLabel, "0.00 1.00 2.00 3.00 4.00 ", "x / 0.001"},
+          {0, 4e9, PlotGeometry::YLabel, "0.00 1.00 2.00 3.00 4.00 ", "x / 1e+09"},
+          {-1e6, -1e6 + 0.002, PlotGeometry::YLabel, "0.00 5.00 10.00 15.00 20.00 ", "(x + 1000000) / 0.0001"}}) {
+        NiceAxis const axis = NiceAxisOver(minimum, maximum, 6);
+        AxisScale const scale = ScaleFor(axis, write);
+        NiceAxis const shown = scale.Of(axis);
+        DString marks;
+        for (double at = shown.minimum; at <= shown.maximum; at += shown.step)
+            marks += write(at) + " ";
+        EXPECT_EQ(marks, expected);
+        EXPECT_EQ(scale.Caption("x"), caption);
     }
     NiceAxis const wide = NiceAxisOver(-1.7e308, 1.7e308, 6);
     EXPECT_TRUE(std::isfinite(wide.step) && std::isfinite(wide.minimum) && std::isfinite(wide.maximum));

@@ -2,16 +2,21 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+
 namespace zelvar {
 namespace {
 
-DCanvas Ramp(int width, int height) {
+DCanvas Canvas(int width, int height, std::function<ColorRef(unsigned, unsigned)> const &color) {
     DCanvas canvas;
     canvas.SetSize(width, height);
     for (int y = 0; y < height; ++y)
         for (int x = 0; x < width; ++x)
-            canvas.SetPixel(x, y, Rgb(static_cast<unsigned>(x), static_cast<unsigned>(y), 77));
+            canvas.SetPixel(x, y, color(static_cast<unsigned>(x), static_cast<unsigned>(y)));
     return canvas;
+}
+DCanvas Ramp(int width, int height) {
+    return Canvas(width, height, [](unsigned x, unsigned y) { return Rgb(x, y, 77); });
 }
 
 TEST(CubicResize, ARampStaysARampWhenShrunkAndWhenEnlarged) {
@@ -30,11 +35,7 @@ TEST(CubicResize, ARampStaysARampWhenShrunkAndWhenEnlarged) {
 }
 
 TEST(CubicResize, NoSourcePixelIsPassedOverWhenShrinking) {
-    DCanvas source;
-    source.SetSize(100, 100);
-    for (int y = 0; y < 100; ++y)
-        for (int x = 0; x < 100; ++x)
-            source.SetPixel(x, y, (x + y) % 2 == 0 ? 0xFFFFFF : 0);
+    DCanvas const source = Canvas(100, 100, [](unsigned x, unsigned y) { return (x + y) % 2 == 0 ? 0xFFFFFFU : 0U; });
     DCanvas target;
     ResizeCubic(source, 10, 10, target);
     EXPECT_NEAR(RedOf(target.GetPixel(5, 5)), 127.0, 3.0) << "the mean of a chequerboard";

@@ -32,21 +32,17 @@ QRect InkOf(QImage const &image, QRect const &within) {
 QRect InkOf(QImage const &image) { return InkOf(image, image.rect()); }
 
 TEST(RoundRectGradient, FillsFromTheFirstColourToTheSecond) {
-    struct Case {
-        bool vertical;
-        QPoint first;
-        QPoint last;
-    };
-    for (Case const &c : {Case{true, {60, 11}, {60, 48}}, Case{false, {11, 30}, {107, 30}}}) {
+    for (auto const &[vertical, first, last] :
+         {std::tuple{true, QPoint(60, 11), QPoint(60, 48)}, {false, QPoint(11, 30), QPoint(107, 30)}}) {
         QImage image = Paper(120, 60);
         {
             QPainter painter(&image);
-            RoundRectGradient(&painter, {10, 10, 110, 50}, 8, Rgb(250, 0, 0), Rgb(0, 0, 250), c.vertical, 0, 0);
+            RoundRectGradient(&painter, {10, 10, 110, 50}, 8, Rgb(250, 0, 0), Rgb(0, 0, 250), vertical, 0, 0);
         }
-        EXPECT_GT(qRed(image.pixel(c.first)), 225);
-        EXPECT_LT(qBlue(image.pixel(c.first)), 25);
-        EXPECT_GT(qBlue(image.pixel(c.last)), 225);
-        EXPECT_LT(qRed(image.pixel(c.last)), 25);
+        EXPECT_GT(qRed(image.pixel(first)), 225);
+        EXPECT_LT(qBlue(image.pixel(first)), 25);
+        EXPECT_GT(qBlue(image.pixel(last)), 225);
+        EXPECT_LT(qRed(image.pixel(last)), 25);
         EXPECT_EQ(InkOf(image), QRect(10, 10, 99, 40)); // the right edge is moved in by one
         EXPECT_EQ(image.pixel(10, 10), kPaper);         // rounded off
         EXPECT_EQ(image.pixel(108, 49), kPaper);
@@ -115,24 +111,18 @@ TEST(DrawTextBlock, TheSignOfASecondLineStandsOneLineLower) {
     EXPECT_NEAR(b.top() - a.top(), 40, 2); // a line of that font height
 }
 
-TEST(DrawTextBlock, LeavesThePainterAsItWas) {
-    QImage image = Paper(100, 100);
+TEST(DrawTextBlock, NothingIsDrawnBeyondTheFarEdgeAndThePainterIsLeftAsItWas) {
+    QImage image = Paper(1200, 100);
     QPainter painter(&image);
     painter.setPen(Qt::green);
     QFont const font = painter.font();
-    DrawTextBlock(&painter, Block("Morvane222"));
-    EXPECT_EQ(painter.pen().color(), QColor(Qt::green));
-    EXPECT_EQ(painter.font(), font);
-    EXPECT_FALSE(painter.hasClipping());
-}
-
-TEST(DrawTextBlock, NothingIsDrawnBeyondTheFarEdge) {
-    QImage image = Paper(1200, 100);
-    QPainter painter(&image);
     CnfgLdr::TextBlock block = Block("mmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmm");
     block.x = 800;
     DrawTextBlock(&painter, block);
     EXPECT_EQ(InkOf(image).right(), 999);
+    EXPECT_EQ(painter.pen().color(), QColor(Qt::green));
+    EXPECT_EQ(painter.font(), font);
+    EXPECT_FALSE(painter.hasClipping());
 }
 
 DCanvas SmallCanvas() {

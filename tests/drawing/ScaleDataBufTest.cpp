@@ -64,19 +64,11 @@ std::vector<unsigned char> Reference(std::vector<Sample> const &samples) {
 }
 
 template <class Sample>
-constexpr int kTypeOf = 0;
-template <>
-constexpr int kTypeOf<std::uint8_t> = 1;
-template <>
-constexpr int kTypeOf<std::uint16_t> = 2;
-template <>
-constexpr int kTypeOf<std::int16_t> = 4;
-template <>
-constexpr int kTypeOf<std::uint32_t> = 8;
-template <>
-constexpr int kTypeOf<std::int32_t> = 16;
-template <>
-constexpr int kTypeOf<float> = 32;
+constexpr int kTypeOf = std::is_floating_point_v<Sample> ? 32
+                                                         : (sizeof(Sample) == 1   ? 1
+                                                            : sizeof(Sample) == 2 ? 2
+                                                                                  : 8)
+                                                               << (std::is_signed_v<Sample> ? 1 : 0);
 
 template <class Sample>
 std::vector<unsigned char> Scaled(std::vector<Sample> const &samples) {
@@ -97,11 +89,7 @@ TYPED_TEST(ScaleDataBufOf, GivesWhatThePlainLoopGives) {
     std::uniform_real_distribution<double> flat(kSigned ? -max : 0, max);
     std::uniform_real_distribution<double> share(0, 1);
     std::normal_distribution<double> bell(max / 3, max / 20);
-    struct Case {
-        char const *name;
-        std::function<double()> next;
-    };
-    Case const cases[] = {
+    std::pair<char const *, std::function<double()>> const cases[] = {
         {"flat over the whole type", [&] { return flat(random); }},
         {"a bell with far outliers", [&] { return share(random) < 0.001 ? max : std::clamp(bell(random), 0.0, max); }},
         {"mostly no data", [&] { return share(random) < 0.9 ? 0 : std::clamp(bell(random), 0.0, max); }},
@@ -113,12 +101,12 @@ TYPED_TEST(ScaleDataBufOf, GivesWhatThePlainLoopGives) {
                                             : max; }},
         {"small negatives", [&] { return kSigned ? share(random) * 20 - 10 : share(random) * 20; }},
     };
-    for (Case const &c : cases)
+    for (auto const &[name, next] : cases)
         for (std::size_t const size : {1U, 5U, 31U, 64U, 1000U, 70'001U}) {
-            SCOPED_TRACE(std::string(c.name) + ", " + std::to_string(size));
+            SCOPED_TRACE(std::string(name) + ", " + std::to_string(size));
             std::vector<TypeParam> samples(size);
             for (TypeParam &sample : samples)
-                sample = static_cast<TypeParam>(c.next());
+                sample = static_cast<TypeParam>(next());
             std::vector<unsigned char> const scaled = Scaled(samples);
             std::vector<unsigned char> const told = Reference(samples);
             if (sizeof(TypeParam) <= 2) {
@@ -158,24 +146,19 @@ TYPED_TEST(ScaleDataBufOf, EveryInstructionSetGivesTheSameBytes) {
     }
 }
 
-TYPED_TEST(ScaleDataBufOf, ABufferOfZerosStaysAsItIs) {
+TYPED_TEST(ScaleDataBufOf, ZerosStayAsTheyAreAndAnotherConstantBecomes255) {
     std::vector<TypeParam> const zeros(1000);
     EXPECT_EQ(Scaled(zeros), BytesOf(zeros));
-}
-
-TYPED_TEST(ScaleDataBufOf, AConstantBecomes255) {
     auto bytes = Scaled(std::vector<TypeParam>(1000, TypeParam{42}));
     bytes.resize(1000);
     EXPECT_EQ(bytes, std::vector<unsigned char>(1000, 255));
 }
 
-TEST(ScaleDataBuf, TheByteOfAZeroKeepsTheBufferWhereOneValueIsLeft) {
+TEST(ScaleDataBuf, ZerosKeepTheirBytesWhereOneValueIsLeft) {
     // 0x0102 lies as the bytes 2, 1: byte 1 belongs to the first sample and is the answer's place of the second.
     EXPECT_EQ(Scaled<std::uint16_t>({0x0102, 0, 0x0102}), (std::vector<unsigned char>{255, 1, 255, 0, 2, 1}));
     EXPECT_EQ(Scaled<std::uint8_t>({9, 0, 9}), (std::vector<unsigned char>{255, 0, 255}));
-}
-
-TEST(ScaleDataBuf, ZerosCountAsDataWhereSomethingLiesBelowThem) {
+    // Where something lies below them zeros count as data.
     EXPECT_EQ(Scaled<std::int16_t>({-10, 0, 10}), (std::vector<unsigned char>{0, 127, 255, 0, 10, 0}));
 }
 

@@ -85,7 +85,24 @@ TEST(CZelListCtrl, StylesMakeColoursAndFont) {
         EXPECT_EQ(info.textColor, c.grey ? Rgb(128, 128, 128) : SystemColor(COLOR_WINDOWTEXT)) << c.style;
         EXPECT_EQ(info.font != nullptr && info.font->bold(), c.bold) << c.style;
         EXPECT_EQ(info.image + static_cast<int>(info.data) + info.indent, 18);
+        list.AddRowStyle("gMW", c.style);
     }
+    list.AddRow(); // black on white, without a style
+    list.SetColText(0, DString("gMW"));
+    list.resize(200, 400);
+    list.show();
+    QImage const light = test::PictureOf(list);
+    {
+        test::DarkPalette const dark;
+        QImage const picture = test::PictureOf(list);
+        for (int row = 0; row < list.GetNumRow(); ++row) {
+            Rect const at = list.GetItemRect(row);
+            QRect const area = QRect(at.left + 1, at.top + 2, 30, at.Height() - 4).translated(list.viewport()->pos());
+            EXPECT_GE(test::StrongestContrast(picture, area), 4.5) << row;
+            EXPECT_LT(picture.pixelColor(area.right() + 40, area.bottom()).lightness(), 110) << row;
+        }
+    }
+    EXPECT_EQ(test::PictureOf(list), light); // and back
 }
 
 TEST(CZelListCtrl, CellsAreFormatted) {

@@ -159,6 +159,8 @@ TEST_F(OpenDialog, ImagesPickedWithTheMouseComeBackAsMonikers) {
     int const answer = Run(*dialog, [&] {
         DSListCtrl &list = *dialog->MainList();
         ASSERT_EQ(list.GetNumRow(), 3) << "files alone";
+        EXPECT_EQ(list.GetColumnWidth(0) + list.GetColumnWidth(1) + list.GetColumnWidth(2),
+                  list.GetClientRect().Width());
         EXPECT_TRUE(test::Eventually([&] { return !Button(*dialog, kOkId)->isEnabled(); })) << "nothing is selected";
         ClickRow(list, "grey.tif");
         ClickRow(list, "rgb.tif", Qt::ControlModifier);
@@ -362,6 +364,8 @@ TEST_F(OpenDialog, AWorkspaceOffersTwoWaysOfOpeningOfWhichOneExcludesTheOther) {
                   [&] {
                       auto *readOnly = GetDlgItem<QCheckBox>(*dialog, kReadOnlyId);
                       auto *editOnly = GetDlgItem<QCheckBox>(*dialog, kEditOnlyId);
+                      EXPECT_GE(editOnly->x(), readOnly->geometry().right() + 5) << "they touch";
+                      EXPECT_GE(readOnly->width(), readOnly->sizeHint().width());
                       test::Click(readOnly);
                       test::Click(editOnly);
                       EXPECT_FALSE(readOnly->isChecked());

@@ -415,19 +415,28 @@ TEST_F(ListPanes, ANameCutByItsPictureIsShownAsATip) {
     QToolTip::hideText();
 }
 
-TEST_F(ListPanes, RowsHaveFixedColoursThatTellTheFocus) {
-    auto const list = Listed({"/data/a", "/data/b"});
+TEST_F(ListPanes, RowsHaveColoursThatTellTheFocus) {
+    auto const list = Listed({"/data/HIH", "/data/IHI"});
     ASSERT_TRUE(QTest::qWaitForWindowActive(list.get()));
     list->setFocus();
     list->SetSlct(0, true);
     auto const back = [&](int row, int x) { return test::ColorAt(*list->viewport(), {x, list->GetItemRect(row).top}); };
-    EXPECT_EQ(back(0, 60), QColor(10, 36, 106));
     EXPECT_EQ(back(0, 17), list->palette().color(QPalette::Base)) << "the picture's band is never marked";
     EXPECT_EQ(back(1, 60), QColor(Qt::white));
+    for (bool const isFocused : {true, false}) {
+        isFocused ? list->setFocus() : list->clearFocus();
+        EXPECT_EQ(back(0, 60), isFocused ? QColor(10, 36, 106) : QColor(212, 208, 200));
+        test::DarkPalette const dark;
+        EXPECT_LT(back(1, 60).lightness(), 80);
+        EXPECT_NE(back(0, 60), back(1, 60));
+        for (int row = 0; row < 2; ++row) {
+            Rect const at = list->GetItemRect(row);
+            EXPECT_GE(test::StrongestContrast(test::PictureOf(*list->viewport()), {19, at.top, 12, at.Height()}), 4.5);
+        }
+    }
     list->SetItemState(1, LVIS_FOCUSED, LVIS_FOCUSED);
+    list->setFocus();
     EXPECT_TRUE(back(1, 60) == QColor(Qt::black) || back(1, 61) == QColor(Qt::black)) << "the frame of the keyboard";
-    list->clearFocus();
-    EXPECT_EQ(back(0, 60), QColor(212, 208, 200));
 }
 
 TEST_F(ListPanes, TheNetworkScanEndsAfterThirtyEmptyPassesAndTakesANameOnce) {

@@ -4,6 +4,7 @@
 #include "zelvar/controls/CZelPropList.h"
 #include "zelvar/data/DriverProvider.h"
 #include "zelvar/data/RDIDriverMngr.h"
+#include "zelvar/opends/CImgPreviewStatic.h"
 #include "zelvar/opends/DSMessages.h"
 #include "zelvar/opends/DSPropertyWnd.h"
 #include "zelvar/opends/ImageExtraWnd.h"
@@ -14,6 +15,7 @@
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QScrollBar>
+#include <QtWidgets/QTreeWidget>
 
 #include <gtest/gtest.h>
 
@@ -361,6 +363,44 @@ TEST_F(PropertyPane, ThePictureIsFittedAndCentredInItsWindow) {
     EXPECT_EQ(test::ColorAt(preview, {150, 80}), QColor(Qt::black));
     preview.resize(100, 400);
     EXPECT_EQ(preview.PictureRect(), QRect(0, 175, 100, 50)) << "fitted anew";
+}
+
+TEST_F(PropertyPane, AnImageFileIsShownOnTheColourOfDialogs) {
+    driver->SetImage("/grey",
+                     {.width = 10, .height = 5, .type = RDI_UInt8, .sample = [](int, int x, int) { return 20 * x; }});
+    CImgPreviewStatic preview;
+    preview.resize(42, 42);
+    preview.show();
+    auto const face = [&] { return preview.palette().color(QPalette::Window); };
+    for (char const *const file : {"", "/missing", "/grey", static_cast<char const *>(nullptr)}) {
+        preview.SetImgFile(file);
+        EXPECT_EQ(test::ColorAt(preview, {21, 10}), face());
+        EXPECT_EQ(test::ColorAt(preview, {1, 21}) == QColor(Qt::black), preview.GetImgFile() == "/grey");
+        EXPECT_EQ(test::ColorAt(preview, {0, 21}), face()) << "a pixel around the picture";
+    }
+    preview.SetImgFile("/grey");
+    test::DarkPalette const dark;
+    EXPECT_EQ(test::ColorAt(preview, {21, 10}), face());
+    EXPECT_EQ(driver->opens, driver->closes);
+}
+
+TEST_F(PropertyPane, NamesOfPropertiesAreWholeInANarrowPane) {
+    Create(DT_DATA);
+    pane->SetActiveTab(1);
+    pane->resize(156, 400);
+    QCoreApplication::processEvents();
+    QTreeWidget const &tree = pane->Properties()->Tree();
+    QFontMetrics const metrics(tree.font());
+    for (QTreeWidgetItemIterator it(const_cast<QTreeWidget *>(&tree), QTreeWidgetItemIterator::NoChildren);
+         *it != nullptr; ++it) {
+        QString const name = (*it)->text(0);
+        QRect const place = tree.visualItemRect(*it);
+        int const room = tree.columnWidth(0) - 2 * tree.indentation() - 6;
+        QRect const broken = metrics.boundingRect(QRect(0, 0, room, 1000), Qt::TextWordWrap, name);
+        EXPECT_LE(broken.height(), place.height()) << name.toStdString();
+        EXPECT_LE(broken.width(), room) << name.toStdString();
+    }
+    test::Shot(*pane, "DSPropertyWnd-narrow");
 }
 
 } // namespace

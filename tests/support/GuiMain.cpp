@@ -1,3 +1,4 @@
+#include "support/GuiTest.h"
 #include "support/TestFiles.h"
 
 #include <QtCore/QStandardPaths>
@@ -6,6 +7,8 @@
 #include <QtWidgets/QStyleFactory>
 
 #include <gtest/gtest.h>
+
+#include <optional>
 
 int main(int argc, char **argv) {
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
@@ -21,6 +24,9 @@ int main(int argc, char **argv) {
     double const scale = qEnvironmentVariable("ZELVAR_FONT_SCALE").toDouble(&scaled); // for pictures
     font.setPixelSize(scaled ? qRound(12 * scale) : 12);
     QApplication::setFont(font);
+    std::optional<zelvar::test::DarkPalette> dark;
+    if (qEnvironmentVariable("ZELVAR_PALETTE") == "dark") // for pictures
+        dark.emplace();
     for (Qt::UIEffect const effect : {Qt::UI_AnimateMenu, Qt::UI_AnimateCombo, Qt::UI_AnimateTooltip})
         QApplication::setEffectEnabled(effect, false);
     return RUN_ALL_TESTS();

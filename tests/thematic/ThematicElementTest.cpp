@@ -34,15 +34,7 @@ bool IsUntouched(QImage const &image) {
 TEST(ThematicButtonBase, HearsOfTheMouse) {
     constexpr Point in{15, 15};
     constexpr Point out{28, 15}; // the right edge lies outside
-    struct Case {
-        char const *name;
-        EMouseEvnt event;
-        Point point;
-        bool enabled;
-        int before;
-        int after;
-    };
-    Case const cases[] = {
+    std::tuple<char const *, EMouseEvnt, Point, bool, int, int> const cases[] = {
         {"enters", MouseEvntMove, in, true, 0, 1},          {"leaves", MouseEvntMove, out, true, 1, 0},
         {"leaves pressed", MouseEvntMove, out, true, 3, 2}, {"enters disabled", MouseEvntMove, in, false, 0, 0},
         {"stays disabled", MouseEvntMove, in, false, 1, 1}, {"leaves disabled", MouseEvntMove, out, false, 1, 0},
@@ -50,14 +42,13 @@ TEST(ThematicButtonBase, HearsOfTheMouse) {
         {"is missed", MouseEvntLDown, out, true, 0, 0},     {"is let go outside", MouseEvntLUp, out, true, 2, 0},
         {"is left", MouseEvntLeave, in, true, 3, 0},
     };
-    for (Case const &c : cases) {
-        SCOPED_TRACE(c.name);
+    for (auto const &[name, event, point, enabled, before, after] : cases) {
         ThematicButton button(1, false, 0);
         button.SetRect(kPlace);
-        button.SetEnabled(c.enabled);
-        button.SetState(c.before);
-        EXPECT_EQ(button.MouseEvent(c.event, c.point), c.before != c.after);
-        EXPECT_EQ(button.GetState(), c.after);
+        button.SetEnabled(enabled);
+        button.SetState(before);
+        EXPECT_EQ(button.MouseEvent(event, point), before != after) << name;
+        EXPECT_EQ(button.GetState(), after) << name;
     }
 }
 
@@ -104,20 +95,19 @@ TEST(ThematicHyperlink, IsALinkOrPlainText) {
     EXPECT_FALSE(link.IsAvailable());
     link.SetText("Link");
     EXPECT_TRUE(link.GetFont().underline());
-    auto const bluest = [](QImage const &image) {
-        int most = 0;
-        for (int y = 0; y < image.height(); ++y)
-            for (int x = 0; x < image.width(); ++x)
-                if (QColor const c = image.pixelColor(x, y); c.green() < 40)
-                    most = std::max(most, c.blue() - c.red());
-        return most;
+    auto const hasBlue = [](QImage const &image) {
+        for (int i = 0; i < image.width() * image.height(); ++i)
+            if (QColor const c = image.pixelColor(i % image.width(), i / image.width()); c.green() < 40)
+                if (c.blue() - c.red() > 100)
+                    return true;
+        return false;
     };
-    EXPECT_GT(bluest(Drawn(link)), 150);
+    EXPECT_TRUE(hasBlue(Drawn(link)));
     link.SetEnabled(false);
     EXPECT_FALSE(link.GetFont().underline());
     QImage const plain = Drawn(link);
     EXPECT_FALSE(IsUntouched(plain)); // drawn all the same
-    EXPECT_LT(bluest(plain), 60);
+    EXPECT_FALSE(hasBlue(plain));
 }
 
 TEST(ThematicBitmap, IsWhatCanBeLoaded) {

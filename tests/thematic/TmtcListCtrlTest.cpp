@@ -116,15 +116,20 @@ TEST(TmtcListCtrl, DrawsWhatIsSelectedInGold) {
 
 TEST(TmtcListCtrl, TextsAreWholeAndReadable) {
     ListStage stage;
-    QImage const picture = test::PictureOf(stage.list);
-    auto const darkest = [&](Rect const &area) {
-        int least = 255;
-        for (int y = area.top; y < area.bottom; ++y)
-            for (int x = area.left; x < area.right; ++x)
-                least = std::min(least, qGray(picture.pixel(x, y)));
-        return least;
+    auto const contrastOf = [&](ThematicDrawElement const &element) {
+        Rect const &area = element.GetRect();
+        return test::StrongestContrast(test::PictureOf(stage.list),
+                                       {area.left + 3, area.top + 1, area.Width() - 6, area.Height() - 2});
     };
-    EXPECT_LT(darkest(stage.a->TextElement().GetRect()), 100);
+    EXPECT_GE(contrastOf(stage.a->TextElement()), 4.5);
+    {
+        test::DarkPalette const dark;
+        EXPECT_LT(test::ColorAt(stage.list, {100, 40}).lightness(), 110); // an item's ground
+        EXPECT_GE(contrastOf(stage.a->TextElement()), 4.5);
+        EXPECT_GE(contrastOf(stage.empty->Link()), 4.5);
+        EXPECT_GE(contrastOf(stage.a->DownButton()), 4.5);
+        EXPECT_GE(contrastOf(stage.single->RemoveButton()), 4.5);
+    }
     QFontMetrics const metrics(stage.empty->Link().GetFont());
     for (char const *name : {"E", "Export", "Rule", "Miniature", "will"}) {
         stage.empty->SetText(name);

@@ -25,10 +25,10 @@ TEST_F(ChartCommands, HistogramPrintsEdgesAndCountsOfABandOrAColumn) {
     test::WriteImage(image, {.width = 10, .height = 10, .channels = 2, .sample = [](int channel, int x, int) {
                                  return channel * 100 + x;
                              }});
-    EXPECT_EQ(Zelvar({"histogram", image, "--print", "--slots", "3"}).out, "0\t3\t30\n3\t6\t30\n6\t9\t40\n");
-    EXPECT_EQ(Zelvar({"histogram", image, "--band", "2", "--print", "--slots", "1"}).out, "100\t109\t100\n");
-    EXPECT_EQ(Zelvar({"histogram", m_table, "--column", "y", "--print", "--slots", "2"}).out, "10\t30\t2\n30\t50\t2\n");
-    EXPECT_EQ(Zelvar({"histogram", m_table, "--column", "2", "--print", "--slots", "1"}).out, "1\t5\t4\n");
+    EXPECT_EQ(Zelvar({"histogram", image, "--print", "--slots", "3"}).out, "0\t4\t40\n4\t8\t40\n8\t12\t20\n");
+    EXPECT_EQ(Zelvar({"histogram", image, "--band", "2", "--print", "--slots", "1"}).out, "100\t110\t100\n");
+    EXPECT_EQ(Zelvar({"histogram", m_table, "--column", "y", "--print", "--slots", "2"}).out, "10\t31\t3\n31\t52\t1\n");
+    EXPECT_EQ(Zelvar({"histogram", m_table, "--column", "2", "--print", "--slots", "1"}).out, "1\t6\t4\n");
     EXPECT_EQ(Zelvar({"histogram", m_table, "--column", "name", "--print"}).exitCode, 1); // no numbers
 }
 
@@ -50,7 +50,7 @@ TEST_F(ChartCommands, WhatIsClickedIsPrinted) {
     Outcome const histogram = Zelvar({"histogram", m_table, "--column", "x", "--slots", "2", "--click", "100,150",
                                       "--click", "230,150", "--click", "299,1", "--size", "300x200"},
                                      "QT_QPA_PLATFORM=offscreen");
-    EXPECT_EQ(histogram.out, "1\t3\t2\n3\t5\t2\nnone\n") << histogram.err;
+    EXPECT_EQ(histogram.out, "1\t4\t2\n4\t7\t2\nnone\n") << histogram.err;
     Outcome const plot = Zelvar(
         {"plot", m_table, "--x", "x", "--y", "y", "--size", "400x300", "--click", "140,209", "--click", "380,30"},
         "QT_QPA_PLATFORM=offscreen");

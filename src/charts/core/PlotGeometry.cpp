@@ -65,7 +65,7 @@ std::vector<TickMark> PlotGeometry::TickMarksX() const {
     if (!(m_range.tickX > 0))
         return marks;
     for (double const position : Positions(m_range.minX, m_range.maxX, m_range.tickX))
-        marks.push_back(MarkX(position, Format("%.2g", position)));
+        marks.push_back(MarkX(position, XLabel(position)));
     return marks;
 }
 
@@ -78,7 +78,7 @@ std::vector<TickMark> PlotGeometry::TickMarksAt(std::span<PlotPoint const> point
         if (!std::isfinite(x))
             continue;
         bool const isNamed = i < labels.size() && labels[i] != nullptr && !labels[i]->empty();
-        DString label = isNamed ? *labels[i] : Format("%.2g", x);
+        DString label = isNamed ? *labels[i] : XLabel(x);
         if (!seen.emplace(DataToWndX(x), label).second)
             continue;
         if (marks.size() == kMostTicks)
@@ -99,7 +99,7 @@ std::vector<TickMark> PlotGeometry::TickMarksY() const {
         int const pixel = DataToWndY(position);
         marks.push_back({position,
                          pixel,
-                         Format("%.2f", position),
+                         YLabel(position),
                          {m_margins.left - 46, pixel - 6, m_margins.left - 6, pixel + 6},
                          std::abs(position - m_range.minY) >= kAtAxis});
     }

@@ -45,6 +45,10 @@ struct PlotPoint {
 /// interface and the tests ask the same object.
 class ZELVAR_API PlotGeometry {
 public:
+    // How the marks of the axes are written. That the two differ is wanted.
+    [[nodiscard]] static DString XLabel(double position) { return Format("%.2g", position); }
+    [[nodiscard]] static DString YLabel(double position) { return Format("%.2f", position); }
+
     PlotGeometry(Size client, ChartMargins margins, PlotRange range)
         : m_client(client), m_margins(margins), m_range(range) {}
 

@@ -143,6 +143,18 @@ DialogItem const *LabelOf(DialogItem const &field, std::span<DialogItem const> i
     return nearest;
 }
 
+/// A caption that was made wider moves the one that follows it in its row along.
+void KeepApart(std::span<DialogItem const> items, std::vector<QWidget *> const &controls) {
+    constexpr int gap = 8; // pixels
+    for (std::size_t i = 0; i + 1 < items.size(); ++i) {
+        DialogItem const &next = items[i + 1];
+        if (!EndsInCaption(items[i].kind) || !EndsInCaption(next.kind) || next.y != items[i].y || next.x < items[i].x)
+            continue;
+        int const left = controls[i]->geometry().right() + 1 + gap;
+        controls[i + 1]->move(std::max(left, controls[i + 1]->x()), controls[i + 1]->y());
+    }
+}
+
 } // namespace
 
 Size DialogBaseUnits(QFont const &font) {
@@ -180,6 +192,7 @@ void BuildDialog(QWidget &dialog, DialogTemplate const &dialogTemplate, ControlF
         control->setVisible(item.visible && item.kind != ControlKind::Place);
         controls.push_back(control);
     }
+    KeepApart(dialogTemplate.items, controls);
     for (std::size_t i = 0; i < controls.size(); ++i) {
         DialogItem const &item = dialogTemplate.items[i];
         DialogItem const *const label = IsField(item.kind) ? LabelOf(item, dialogTemplate.items) : nullptr;
