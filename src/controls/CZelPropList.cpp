@@ -140,6 +140,8 @@ void CZelPropList::RemoveAll() {
     for (CZelProp *const prop : std::exchange(m_properties, {}))
         prop->m_list = nullptr;
     m_tree->clear();
+    m_adopted = 0;
+    m_tree->setUniformRowHeights(false);
 }
 
 void CZelPropList::Forget(CZelProp const &prop) { std::erase(m_properties, &prop); }
@@ -224,7 +226,15 @@ void CZelPropList::Adopt(CZelProp &prop) {
     if (m_alphabetic && (owner == nullptr || owner->IsGroup()))
         InsertFlat(prop);
     Dress(prop);
-    ForEachBelow(prop, [this](CZelProp &below) { Dress(below); });
+    ++m_adopted;
+    ForEachBelow(prop, [this](CZelProp &below) {
+        Dress(below);
+        ++m_adopted;
+    });
+    // To measure each row of many takes seconds; names are cut there.
+    constexpr int mostMeasured = 1000;
+    if (m_adopted > mostMeasured && !m_tree->uniformRowHeights())
+        m_tree->setUniformRowHeights(true);
 }
 
 void CZelPropList::InsertFlat(CZelProp &prop) {

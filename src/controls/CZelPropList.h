@@ -95,6 +95,7 @@ private:
     bool m_alphabetic = false;
     bool m_namesDragged = false; ///< the user has set the width of the names
     bool m_fitting = false;
+    int m_adopted = 0; ///< properties since the list was empty
 };
 
 } // namespace zelvar

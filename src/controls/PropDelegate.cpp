@@ -231,7 +231,8 @@ QSize PropDelegate::sizeHint(QStyleOptionViewItem const &option, QModelIndex con
     int const margin = 2 * (tree.style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, &tree) + 1);
     int const room = tree.columnWidth(index.column()) - depth * tree.indentation() - margin;
     QString const name = index.data().toString();
-    if (room > 0 && !PropAt(index).IsGroup() && option.fontMetrics.horizontalAdvance(name) > room)
+    if (room > 0 && !tree.uniformRowHeights() && !PropAt(index).IsGroup() &&
+        option.fontMetrics.horizontalAdvance(name) > room)
         size.rheight() +=
             option.fontMetrics.boundingRect(QRect(0, 0, room, 100 * line), Qt::TextWordWrap, name).height() - line;
     return size;
