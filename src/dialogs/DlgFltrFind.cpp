@@ -60,7 +60,7 @@ bool ComesBefore(DlgFltrFind::Item const *a, DlgFltrFind::Item const *b) {
 
 } // namespace
 
-// NOLINTNEXTLINE(modernize-pass-by-value): the given signature
+// NOLINTNEXTLINE(modernize-pass-by-value): applications call it so
 DlgFltrFind::DlgFltrFind(DString const &startFltr, QWidget *parent)
     : cdxCDynamicDialog(kTemplate, parent, FreedomAll, kFlags), m_startFltr(startFltr) {}
 
