@@ -72,7 +72,7 @@ public:
     /// Waits until it takes connections; false if it ends first.
     [[nodiscard]] bool IsReady() const {
         for (int status = 0; waitpid(m_process, &status, WNOHANG) == 0; std::this_thread::yield())
-            if (platform::AcceptsConnections("127.0.0.1", 100))
+            if (!platform::TryToConnect("127.0.0.1", 100))
                 return true;
         return false;
     }

@@ -3,6 +3,7 @@
 #include "zelvar/platform/os/FileStatus.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstddef>
 #include <cstring>
 #include <system_error>
@@ -38,6 +39,7 @@ void FolderSlice::Clear() {
     m_entries.clear();
     m_names.clear();
     m_next.store(0, std::memory_order_relaxed);
+    m_error = 0;
 }
 
 void FolderSlice::Add(std::string_view name, unsigned char type) {
@@ -62,9 +64,14 @@ void FolderSlice::LookAt(int folder) {
             Entry &entry = m_entries[i];
             if (entry.type == DT_DIR)
                 continue;
+            errno = 0;
             std::optional<FileStatus> const status = ReadStatus(folder, m_names.c_str() + entry.name);
-            if (!status)
+            if (!status) {
+                // A link may lead where the user may not go; a file that is seen and not known is one left out.
+                if (int const error = errno; entry.type == DT_REG && error != 0 && error != ENOENT)
+                    m_error = error;
                 continue;
+            }
             entry.kind = status->kind;
             if (status->kind == ShellKind::File) {
                 entry.size = status->size;
@@ -76,12 +83,14 @@ void FolderSlice::LookAt(int folder) {
 
 FolderReader::FolderReader(DString const &path)
     : m_directory(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NONBLOCK | O_CLOEXEC)),
-      m_buffer(m_directory.IsOpen() ? new char[kBufferSize] : nullptr) {}
+      m_buffer(m_directory.IsOpen() ? new char[kBufferSize] : nullptr), m_error(m_directory.IsOpen() ? 0 : errno) {}
 
 bool FolderReader::Refill() {
     long const filled = syscall(SYS_getdents64, m_directory.Get(), m_buffer.get(), kBufferSize);
     m_at = 0;
-    m_end = filled > 0 ? static_cast<std::size_t>(filled) : 0; // an error, as of a folder deleted meanwhile, ends it
+    m_end = filled > 0 ? static_cast<std::size_t>(filled) : 0;
+    if (filled < 0 && errno != ENOENT)
+        m_error = errno;
     return m_end != 0;
 }
 

@@ -8,6 +8,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -36,11 +37,14 @@ public:
         return std::string_view(m_names).substr(entry.name, entry.length);
     }
     [[nodiscard]] bool IsEmpty() const { return m_entries.empty(); }
+    /// Why plain files could not be looked at, other than that they have gone; none if all could.
+    [[nodiscard]] std::error_code Error() const { return {m_error.load(), std::generic_category()}; }
 
 private:
     std::vector<Entry> m_entries;
     std::string m_names;
     std::atomic<std::size_t> m_next{0}; ///< the first entry that nobody has taken
+    std::atomic<int> m_error{0};
 };
 
 /// Reads the entries of an open directory, those left out that are hidden or can be no things of the namespace.
@@ -49,6 +53,8 @@ public:
     explicit FolderReader(DString const &path);
     [[nodiscard]] bool IsOpen() const { return m_directory.IsOpen(); }
     [[nodiscard]] int Descriptor() const { return m_directory.Get(); }
+    /// Why it could not be opened, or not be read to its end. A folder deleted meanwhile is one at its end.
+    [[nodiscard]] std::error_code Error() const { return {m_error, std::generic_category()}; }
     /// Fills `slice` with up to `limit` entries; empty at the end, and when `wanted` has ended it. Plain files that it
     /// refuses are left out.
     void Read(FolderSlice &slice, std::size_t limit, ShellNamespace::FileTest const &wanted);
@@ -60,6 +66,7 @@ private:
     std::unique_ptr<char[]> m_buffer;
     std::size_t m_at = 0;
     std::size_t m_end = 0;
+    int m_error;
 };
 
 /// A second thread that looks at slices beside the caller's. It is started with the first slice it gets.

@@ -129,32 +129,31 @@ ShellId LinuxShellNamespace::ParseUnseen(DString const &path) const {
 
 bool LinuxShellNamespace::DoesServerAnswer(DString const &path) const {
     std::optional<SmbAddress> const address = ParseSmbAddress(path);
-    return !address || SmbClient::Instance().DoesAnswer(address->authority);
+    return !address || SmbClient::Instance().DoesAnswer(*address);
 }
 
 std::unique_ptr<NetworkListener> LinuxShellNamespace::ListenToNetwork() const { return ListenToDesktopNetwork(); }
 
-bool LinuxShellNamespace::Enumerate(ShellId const &folder, Purpose purpose, Visitor const &visit,
-                                    FileTest const &wanted) const {
-    if (folder.IsDesktop())
-        return EnumerateDesktop(visit);
-    if (folder == m_drives)
-        return purpose == Purpose::Network || EnumerateDrives(visit);
-    if (folder == m_network)
-        return EnumerateNetwork(visit);
+std::error_code LinuxShellNamespace::Enumerate(ShellId const &folder, Purpose purpose, Visitor const &visit,
+                                               FileTest const &wanted) const {
     Location const location = Locate(folder);
-    switch (location.realm) {
-    case Realm::Local:
-        return purpose == Purpose::Browse && EnumerateLocalFolder(LocalPath(location.elements), folder, visit, wanted);
-    case Realm::Server:
+    if (location.realm == Realm::Server)
         return EnumerateServer(folder, AddressOf(location.elements), purpose, visit, wanted);
-    case Realm::Virtual:
-        break;
-    }
-    return false;
+    if (location.realm == Realm::Local)
+        return purpose == Purpose::Browse ? EnumerateLocalFolder(LocalPath(location.elements), folder, visit, wanted)
+                                          : std::make_error_code(std::errc::not_supported);
+    if (folder.IsDesktop())
+        EnumerateDesktop(visit);
+    else if (folder == m_network)
+        EnumerateNetwork(visit);
+    else if (!(folder == m_drives))
+        return std::make_error_code(std::errc::no_such_file_or_directory);
+    else if (purpose == Purpose::Browse)
+        EnumerateDrives(visit);
+    return {};
 }
 
-bool LinuxShellNamespace::EnumerateDesktop(Visitor const &visit) const {
+void LinuxShellNamespace::EnumerateDesktop(Visitor const &visit) const {
     for (ShellId const &place : {m_drives, m_network}) {
         ShellChild child;
         child.id = place;
@@ -163,10 +162,9 @@ bool LinuxShellNamespace::EnumerateDesktop(Visitor const &visit) const {
         if (!visit(std::move(child)))
             break;
     }
-    return true;
 }
 
-bool LinuxShellNamespace::EnumerateDrives(Visitor const &visit) const {
+void LinuxShellNamespace::EnumerateDrives(Visitor const &visit) const {
     std::vector<Drive> drives = ListDrives(m_procRoot, m_sysRoot);
     if (DString const home = HomeFolder(); !home.empty() && home != "/") {
         std::erase_if(drives, [&](Drive const &drive) { return drive.mountPoint == home; });
@@ -180,10 +178,9 @@ bool LinuxShellNamespace::EnumerateDrives(Visitor const &visit) const {
         if (!visit(std::move(child)))
             break;
     }
-    return true;
 }
 
-bool LinuxShellNamespace::EnumerateNetwork(Visitor const &visit) const {
+void LinuxShellNamespace::EnumerateNetwork(Visitor const &visit) const {
     for (NetworkPlace const &place : ListDesktopNetwork()) {
         ShellChild child;
         child.id = m_network.Child(place.authority, ShellKind::NetServer);
@@ -192,13 +189,12 @@ bool LinuxShellNamespace::EnumerateNetwork(Visitor const &visit) const {
         if (!visit(std::move(child)))
             break;
     }
-    return true;
 }
 
-bool LinuxShellNamespace::EnumerateServer(ShellId const &folder, SmbAddress const &address, Purpose purpose,
-                                          Visitor const &visit, FileTest const &wanted) {
+std::error_code LinuxShellNamespace::EnumerateServer(ShellId const &folder, SmbAddress const &address, Purpose purpose,
+                                                     Visitor const &visit, FileTest const &wanted) {
     if (purpose == Purpose::Network && !address.parts.empty())
-        return false;
+        return std::make_error_code(std::errc::not_supported);
     return SmbClient::Instance().List(address, [&](SmbEntry &&entry) {
         if (entry.kind == ShellKind::File && wanted)
             if (Wish const wish = wanted(entry.name); wish != Wish::Yes)

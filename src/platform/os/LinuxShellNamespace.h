@@ -24,8 +24,8 @@ public:
     [[nodiscard]] bool DoesServerAnswer(DString const &path) const override;
     [[nodiscard]] std::unique_ptr<NetworkListener> ListenToNetwork() const override;
     // NOLINTNEXTLINE(modernize-use-nodiscard): as in the base
-    bool Enumerate(ShellId const &folder, Purpose purpose, Visitor const &visit,
-                   FileTest const &wanted = nullptr) const override;
+    std::error_code Enumerate(ShellId const &folder, Purpose purpose, Visitor const &visit,
+                              FileTest const &wanted = nullptr) const override;
     [[nodiscard]] std::optional<ShellKind> KindOf(ShellId const &id) const override;
     [[nodiscard]] DString DisplayName(ShellId const &id) const override;
     [[nodiscard]] DString Path(ShellId const &id) const override;
@@ -40,11 +40,11 @@ private:
     [[nodiscard]] ShellId LocalChain(DString const &path, ShellKind last) const;
     [[nodiscard]] ShellId ServerChain(SmbAddress const &address, ShellKind last) const;
     [[nodiscard]] ShellId ParseSmb(SmbAddress const &address) const;
-    [[nodiscard]] bool EnumerateDesktop(Visitor const &visit) const;
-    [[nodiscard]] bool EnumerateDrives(Visitor const &visit) const;
-    [[nodiscard]] bool EnumerateNetwork(Visitor const &visit) const;
-    [[nodiscard]] static bool EnumerateServer(ShellId const &folder, SmbAddress const &address, Purpose purpose,
-                                              Visitor const &visit, FileTest const &wanted);
+    void EnumerateDesktop(Visitor const &visit) const;
+    void EnumerateDrives(Visitor const &visit) const;
+    void EnumerateNetwork(Visitor const &visit) const;
+    [[nodiscard]] static std::error_code EnumerateServer(ShellId const &folder, SmbAddress const &address,
+                                                         Purpose purpose, Visitor const &visit, FileTest const &wanted);
 
     DString m_procRoot;
     DString m_sysRoot;

@@ -66,17 +66,18 @@ private:
 
 } // namespace
 
-bool EnumerateLocalFolder(DString const &path, ShellId const &folder, ShellNamespace::Visitor const &visit,
-                          ShellNamespace::FileTest const &wanted) {
+std::error_code EnumerateLocalFolder(DString const &path, ShellId const &folder, ShellNamespace::Visitor const &visit,
+                                     ShellNamespace::FileTest const &wanted) {
     FolderReader reader(path);
     if (!reader.IsOpen())
-        return false;
+        return reader.Error();
     std::array<FolderSlice, 2> slices;
     FolderSlice *shown = slices.data();     // looked at, on its way to the visitor
     FolderSlice *asked = slices.data() + 1; // behind it
     SliceVisitor visitor(folder, visit, wanted);
     SliceHelper helper(reader.Descriptor());
     SliceSize size;
+    std::error_code lookError;
     for (std::size_t total = 0;;) {
         reader.Read(*asked, size.Get(), wanted);
         total += asked->Entries().size();
@@ -90,8 +91,10 @@ bool EnumerateLocalFolder(DString const &path, ShellId const &folder, ShellNames
             asked->LookAt(reader.Descriptor());
         if (shared)
             helper.Wait();
+        if (std::error_code const error = asked->Error())
+            lookError = error;
         if (!more)
-            return true;
+            return reader.Error() ? reader.Error() : lookError;
         size.Learn(std::chrono::steady_clock::now() - start);
         std::swap(shown, asked);
     }

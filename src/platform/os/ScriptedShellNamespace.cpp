@@ -197,12 +197,12 @@ std::optional<std::vector<ScriptedShellNamespace::Thing>> ScriptedShellNamespace
     return children;
 }
 
-bool ScriptedShellNamespace::Enumerate(ShellId const &folder, Purpose purpose, Visitor const &visit,
-                                       FileTest const &wanted) const {
+std::error_code ScriptedShellNamespace::Enumerate(ShellId const &folder, Purpose purpose, Visitor const &visit,
+                                                  FileTest const &wanted) const {
     DString const key = KeyOf(folder);
     std::optional<std::vector<Thing>> const children = ChildrenOf(key);
     if (!children)
-        return false;
+        return std::make_error_code(std::errc::permission_denied);
     std::chrono::milliseconds delay{0};
     {
         std::lock_guard const lock(m_mutex);
@@ -230,7 +230,7 @@ bool ScriptedShellNamespace::Enumerate(ShellId const &folder, Purpose purpose, V
         if (!visit(std::move(child)))
             break;
     }
-    return true;
+    return {};
 }
 
 std::optional<ShellKind> ScriptedShellNamespace::KindOf(ShellId const &id) const {

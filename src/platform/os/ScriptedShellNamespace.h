@@ -56,8 +56,8 @@ public:
     [[nodiscard]] ShellId Network() const override { return m_network; }
     [[nodiscard]] ShellId Parse(DString const &path) const override;
     // NOLINTNEXTLINE(modernize-use-nodiscard): as in the base
-    bool Enumerate(ShellId const &folder, Purpose purpose, Visitor const &visit,
-                   FileTest const &wanted = nullptr) const override;
+    std::error_code Enumerate(ShellId const &folder, Purpose purpose, Visitor const &visit,
+                              FileTest const &wanted = nullptr) const override;
     [[nodiscard]] std::optional<ShellKind> KindOf(ShellId const &id) const override;
     [[nodiscard]] DString DisplayName(ShellId const &id) const override;
     [[nodiscard]] DString Path(ShellId const &id) const override;

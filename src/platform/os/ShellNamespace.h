@@ -7,6 +7,7 @@
 #include <memory>
 #include <optional>
 #include <stop_token>
+#include <system_error>
 
 namespace zelvar::platform {
 
@@ -85,16 +86,16 @@ public:
     /// The identifier that a path or address of a folder would have, without a look at what is there; null if it is
     /// neither.
     [[nodiscard]] virtual ShellId ParseUnseen(DString const &path) const;
-    /// Whether the server of an address takes connections; true for all else. Takes a few seconds at most, and an
-    /// answer holds for some.
+    /// Whether the server of an address says anything; true for all else. Takes a few seconds at most, and an answer
+    /// holds for some.
     [[nodiscard]] virtual bool DoesServerAnswer(DString const &path) const;
     /// Null where nobody tells of news.
     [[nodiscard]] virtual std::unique_ptr<NetworkListener> ListenToNetwork() const;
-    /// Visits the children in the source's order; false if the folder cannot be read at all. Plain files that
-    /// `wanted` leaves out are not visited; it can also end the whole.
+    /// Visits the children in the source's order. Plain files that `wanted` leaves out are not visited; it can also end
+    /// the whole. An error tells that children are missing, or that the folder cannot be read at all.
     // NOLINTNEXTLINE(modernize-use-nodiscard): to most callers a folder that cannot be read is an empty one
-    virtual bool Enumerate(ShellId const &folder, Purpose purpose, Visitor const &visit,
-                           FileTest const &wanted = nullptr) const = 0;
+    virtual std::error_code Enumerate(ShellId const &folder, Purpose purpose, Visitor const &visit,
+                                      FileTest const &wanted = nullptr) const = 0;
     /// What the thing is now; nothing if it is gone or cannot be told.
     [[nodiscard]] virtual std::optional<ShellKind> KindOf(ShellId const &id) const = 0;
     [[nodiscard]] virtual DString DisplayName(ShellId const &id) const = 0;

@@ -5,10 +5,12 @@
 #include "zelvar/platform/os/TcpProbe.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <map>
 #include <memory>
 #include <mutex>
+#include <tuple>
 #include <vector>
 
 #include <dlfcn.h>
@@ -60,6 +62,8 @@ struct Library {
     }
 };
 
+using Clock = std::chrono::steady_clock;
+
 constexpr std::chrono::seconds kAnswerHolds{2};
 constexpr std::chrono::seconds kSilenceHolds{10};
 
@@ -87,12 +91,72 @@ struct SmbClient::Impl {
     std::map<DString, SMBCCTX *> contexts; ///< by authority; they live as long as the process
 
     struct Server {
-        std::mutex mutex; ///< held while the server is asked
-        bool answers = false;
-        std::chrono::steady_clock::time_point until{};
+        std::mutex asking;      ///< held while the server is asked
+        std::error_code error;  ///< why it does not answer; none if it does
+        bool hasSpoken = false; ///< and does not merely take connections
+        Clock::time_point until{};
     };
-    std::mutex serversMutex;
-    std::map<DString, std::shared_ptr<Server>> servers; ///< by authority
+    std::mutex serversMutex;           ///< guards the map, and what stands in it but `asking`
+    std::map<DString, Server> servers; ///< by authority
+
+    /// What is known of the server for now.
+    std::optional<std::error_code> KnownOf(DString const &authority) {
+        std::lock_guard const lock(serversMutex);
+        Server const &server = servers[authority];
+        return Clock::now() < server.until ? std::optional(server.error) : std::nullopt;
+    }
+
+    bool HasSpoken(DString const &authority) {
+        std::lock_guard const lock(serversMutex);
+        Server const &server = servers[authority];
+        return server.hasSpoken && Clock::now() < server.until;
+    }
+
+    void Learn(DString const &authority, std::error_code error, bool hasSpoken) {
+        std::lock_guard const lock(serversMutex);
+        Server &server = servers[authority];
+        server.error = error;
+        server.hasSpoken = hasSpoken;
+        server.until = Clock::now() + (error ? kSilenceHolds : kAnswerHolds);
+    }
+
+    /// Why the server takes no connections. Who comes while it is being found out waits for that answer.
+    std::error_code AskServer(DString const &authority) {
+        if (std::optional<std::error_code> const known = KnownOf(authority))
+            return *known;
+        std::unique_lock lock(serversMutex);
+        Server &server = servers[authority];
+        lock.unlock();
+        std::lock_guard const asking(server.asking);
+        if (std::optional<std::error_code> const known = KnownOf(authority))
+            return *known;
+        std::error_code const error = TryToConnect(authority, kConnectMs);
+        Learn(authority, error, false);
+        return error;
+    }
+
+    /// Begins a call to a server: takes the lock. Null if the server does not answer, with `error`, or if there is no
+    /// library.
+    SMBCCTX *Begin(DString const &authority, std::unique_lock<std::mutex> &lock, std::error_code &error) {
+        error = AskServer(authority);
+        if (error)
+            return nullptr;
+        lock = std::unique_lock(mutex);
+        error = KnownOf(authority).value_or(error); // who had the lock before may have found it silent
+        SMBCCTX *const context = error ? nullptr : ContextFor(authority);
+        if (context == nullptr && !error)
+            error = std::make_error_code(std::errc::not_supported);
+        return context;
+    }
+
+    /// What came of a call into the library, by `errno` if it failed; a server that let it wait is not asked soon
+    /// again.
+    std::error_code Conclude(DString const &authority, bool succeeded) {
+        std::error_code const error(succeeded ? 0 : errno == 0 ? EIO : errno, std::generic_category());
+        bool const isSilent = error == std::errc::timed_out;
+        Learn(authority, isSilent ? error : std::error_code(), !isSilent);
+        return error;
+    }
 
     /// Null if there is no library or it gives no context.
     SMBCCTX *ContextFor(DString const &authority) {
@@ -174,36 +238,27 @@ SmbClient &SmbClient::Instance() {
     return client;
 }
 
-bool SmbClient::DoesAnswer(DString const &authority) {
-    using Clock = std::chrono::steady_clock;
-    std::shared_ptr<Impl::Server> server;
-    {
-        std::lock_guard const lock(m_impl->serversMutex);
-        std::shared_ptr<Impl::Server> &known = m_impl->servers[authority];
-        if (known == nullptr)
-            known = std::make_shared<Impl::Server>();
-        server = known;
-    }
-    // Who comes while it is being found out waits for that answer.
-    std::lock_guard const lock(server->mutex);
-    if (Clock::now() >= server->until) {
-        server->answers = AcceptsConnections(authority, kConnectMs);
-        server->until = Clock::now() + (server->answers ? kAnswerHolds : kSilenceHolds);
-    }
-    return server->answers;
+bool SmbClient::DoesAnswer(SmbAddress const &address) {
+    if (m_impl->AskServer(address.authority))
+        return false;
+    if (m_impl->HasSpoken(address.authority))
+        return true;
+    if (address.parts.empty())
+        return List(address, [](SmbEntry &&) { return false; }) != std::errc::timed_out;
+    std::ignore = Stat(address); // whatever it says
+    return !m_impl->AskServer(address.authority);
 }
 
-bool SmbClient::List(SmbAddress const &address, std::function<bool(SmbEntry &&)> const &visit) {
-    if (!DoesAnswer(address.authority))
-        return false;
+std::error_code SmbClient::List(SmbAddress const &address, std::function<bool(SmbEntry &&)> const &visit) {
     DString const url = ToText(address);
-    std::unique_lock lock(m_impl->mutex);
-    SMBCCTX *const context = m_impl->ContextFor(address.authority);
+    std::unique_lock<std::mutex> lock;
+    std::error_code error;
+    SMBCCTX *const context = m_impl->Begin(address.authority, lock, error);
     if (context == nullptr)
-        return false;
+        return error;
     SMBCFILE *const folder = m_impl->library.openDir(context)(context, url.c_str());
-    if (folder == nullptr)
-        return false;
+    if (std::error_code const failure = m_impl->Conclude(address.authority, folder != nullptr))
+        return failure;
     // Read in batches: the visitor runs without the lock, and a listing that is stopped early stops reading.
     constexpr std::size_t kBatch = 512;
     std::vector<SmbEntry> batch;
@@ -217,18 +272,20 @@ bool SmbClient::List(SmbAddress const &address, std::function<bool(SmbEntry &&)>
         lock.lock();
     }
     m_impl->library.closeDir(context)(context, folder);
-    return true;
+    return {};
 }
 
 std::optional<SmbEntry> SmbClient::Stat(SmbAddress const &address) {
-    if (address.parts.empty() || !DoesAnswer(address.authority))
+    if (address.parts.empty())
         return std::nullopt;
-    std::lock_guard const lock(m_impl->mutex);
-    SMBCCTX *const context = m_impl->ContextFor(address.authority);
+    std::unique_lock<std::mutex> lock;
+    std::error_code error;
+    SMBCCTX *const context = m_impl->Begin(address.authority, lock, error);
     if (context == nullptr)
         return std::nullopt;
     struct stat status {};
-    if (m_impl->library.stat(context)(context, ToText(address).c_str(), &status) != 0)
+    DString const url = ToText(address);
+    if (m_impl->Conclude(address.authority, m_impl->library.stat(context)(context, url.c_str(), &status) == 0))
         return std::nullopt;
     SmbEntry entry{.name = address.parts.back(), .kind = ShellKind::Directory, .times = {}, .inode = status.st_ino};
     if (S_ISREG(status.st_mode)) {

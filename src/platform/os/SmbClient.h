@@ -23,8 +23,9 @@ struct SmbFile;
 ///
 /// The library is not made for threads, so one lock guards every call; a server that does not take a connection within
 /// `kConnectMs` is given up before the lock is asked for, so a dead one keeps nobody waiting, and only the first who
-/// asks waits for it. Connections are pooled by address, user and port. Names are resolved by the system's resolver
-/// alone: nothing is broadcast.
+/// asks waits for it. One that takes connections and then says nothing counts as dead with the first call it lets down.
+/// Connections are pooled by address, user and port. Names are resolved by the system's resolver alone: nothing is
+/// broadcast.
 class ZELVAR_API SmbClient {
 public:
     static constexpr int kConnectMs = 3000;
@@ -32,11 +33,11 @@ public:
 
     static SmbClient &Instance();
 
-    /// Whether the server takes connections. An answer holds for two seconds, and that there is none for ten.
-    bool DoesAnswer(DString const &authority);
+    /// Whether the server takes connections and says anything there. An answer holds for two seconds, and that there is
+    /// none for ten.
+    bool DoesAnswer(SmbAddress const &address);
     /// Visits the shares of a server, or the entries of a folder, hidden ones left out, until `visit` yields false.
-    /// False if it cannot be read.
-    bool List(SmbAddress const &address, std::function<bool(SmbEntry &&)> const &visit);
+    std::error_code List(SmbAddress const &address, std::function<bool(SmbEntry &&)> const &visit);
     /// What lies behind an address with a share in it; nothing if it is gone or the server does not answer.
     std::optional<SmbEntry> Stat(SmbAddress const &address);
 

@@ -33,35 +33,37 @@ HostAndPort TakeApart(std::string_view authority) {
     return parts;
 }
 
-bool Connects(addrinfo const &address, int timeoutMs) {
+/// 0, or the system's error number.
+int Connect(addrinfo const &address, int timeoutMs) {
     FileDescriptor const socket(::socket(address.ai_family, address.ai_socktype | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
     if (!socket.IsOpen())
-        return false;
-    bool connected = connect(socket.Get(), address.ai_addr, address.ai_addrlen) == 0;
-    if (!connected && errno == EINPROGRESS) {
-        pollfd wait{.fd = socket.Get(), .events = POLLOUT, .revents = 0};
-        int failure = 0;
-        socklen_t size = sizeof failure;
-        connected = poll(&wait, 1, timeoutMs) == 1 &&
-                    getsockopt(socket.Get(), SOL_SOCKET, SO_ERROR, &failure, &size) == 0 && failure == 0;
-    }
-    return connected;
+        return errno;
+    if (connect(socket.Get(), address.ai_addr, address.ai_addrlen) == 0)
+        return 0;
+    if (errno != EINPROGRESS)
+        return errno;
+    pollfd wait{.fd = socket.Get(), .events = POLLOUT, .revents = 0};
+    if (poll(&wait, 1, timeoutMs) != 1)
+        return ETIMEDOUT;
+    int failure = 0;
+    socklen_t size = sizeof failure;
+    return getsockopt(socket.Get(), SOL_SOCKET, SO_ERROR, &failure, &size) == 0 ? failure : errno;
 }
 
 } // namespace
 
-bool AcceptsConnections(DString const &authority, int timeoutMs) {
+std::error_code TryToConnect(DString const &authority, int timeoutMs) {
     HostAndPort const target = TakeApart(authority);
     addrinfo hints{};
     hints.ai_socktype = SOCK_STREAM;
     addrinfo *found = nullptr;
     if (getaddrinfo(target.host.c_str(), target.port.c_str(), &hints, &found) != 0)
-        return false;
+        return std::make_error_code(std::errc::host_unreachable); // nobody knows the name
     std::unique_ptr<addrinfo, decltype(&freeaddrinfo)> const owner(found, &freeaddrinfo);
-    for (addrinfo const *address = found; address != nullptr; address = address->ai_next)
-        if (Connects(*address, timeoutMs))
-            return true;
-    return false;
+    int error = EHOSTUNREACH;
+    for (addrinfo const *address = found; address != nullptr && error != 0; address = address->ai_next)
+        error = Connect(*address, timeoutMs);
+    return {error, std::generic_category()};
 }
 
 } // namespace zelvar::platform

@@ -143,10 +143,9 @@ TEST(Drives, AHomeThatIsADiscOfItsOwnIsListedOnce) {
     EXPECT_EQ(homes, 1);
     EXPECT_EQ(seen, 2);
     int visited = 0;
-    EXPECT_TRUE(
-        shell.Enumerate(shell.Drives(), ShellNamespace::Purpose::Browse, [&](ShellChild &&) { return ++visited < 1; }));
+    shell.Enumerate(shell.Drives(), ShellNamespace::Purpose::Browse, [&](ShellChild &&) { return ++visited < 1; });
     EXPECT_EQ(visited, 1);
-    EXPECT_TRUE(shell.Enumerate(shell.Drives(), ShellNamespace::Purpose::Network, [](ShellChild &&child) {
+    EXPECT_FALSE(shell.Enumerate(shell.Drives(), ShellNamespace::Purpose::Network, [](ShellChild &&child) {
         ADD_FAILURE() << child.name << " is no network place";
         return true;
     }));

@@ -27,7 +27,7 @@ std::optional<std::map<DString, ShellKind>> Listed(DString const &path, ShellNam
     LinuxShellNamespace const shell;
     std::map<DString, ShellKind> children;
     ShellId const folder = shell.Parse(path);
-    bool const readable = shell.Enumerate(
+    std::error_code const error = shell.Enumerate(
         folder, ShellNamespace::Purpose::Browse,
         [&](ShellChild &&child) {
             children[child.name] = child.kind;
@@ -35,7 +35,7 @@ std::optional<std::map<DString, ShellKind>> Listed(DString const &path, ShellNam
             return true;
         },
         wanted);
-    return readable ? std::optional(children) : std::nullopt;
+    return error ? std::nullopt : std::optional(children);
 }
 
 void SetModified(DString const &path, timespec time) {
@@ -49,7 +49,7 @@ TEST(LocalFolder, ListsFilesWithSizeAndTimeAndFoldersWithout) {
     temp.Folder("b");
     LinuxShellNamespace const shell;
     std::map<DString, ShellChild> children;
-    EXPECT_TRUE(shell.Enumerate(shell.Parse(temp.Path()), ShellNamespace::Purpose::Browse, [&](ShellChild &&child) {
+    EXPECT_FALSE(shell.Enumerate(shell.Parse(temp.Path()), ShellNamespace::Purpose::Browse, [&](ShellChild &&child) {
         children[child.name] = child;
         return true;
     }));
@@ -132,8 +132,8 @@ TEST(LocalFolder, AFolderThatIsGoneOrIsNoneCannotBeRead) {
     ShellId const folder = shell.Parse(temp.Folder("folder"));
     std::filesystem::remove(temp / "folder");
     auto const visit = [](ShellChild &&) { return true; };
-    EXPECT_FALSE(shell.Enumerate(folder, ShellNamespace::Purpose::Browse, visit));
-    EXPECT_FALSE(shell.Enumerate(shell.Parse(file), ShellNamespace::Purpose::Browse, visit));
+    EXPECT_EQ(shell.Enumerate(folder, ShellNamespace::Purpose::Browse, visit), std::errc::no_such_file_or_directory);
+    EXPECT_EQ(shell.Enumerate(shell.Parse(file), ShellNamespace::Purpose::Browse, visit), std::errc::not_a_directory);
     EXPECT_TRUE(shell.Parse(temp / "folder").IsNull());
     EXPECT_FALSE(shell.KindOf(folder).has_value());
 }
@@ -145,7 +145,7 @@ TEST(LocalFolder, AFolderDeletedWhileItIsListedEndsTheListing) {
         temp.Write("folder/" + DString(200, 'x') + std::to_string(i));
     LinuxShellNamespace const shell;
     int visited = 0;
-    EXPECT_TRUE(shell.Enumerate(shell.Parse(temp / "folder"), ShellNamespace::Purpose::Browse, [&](ShellChild &&) {
+    EXPECT_FALSE(shell.Enumerate(shell.Parse(temp / "folder"), ShellNamespace::Purpose::Browse, [&](ShellChild &&) {
         if (++visited == 1)
             std::filesystem::remove_all(temp / "folder");
         return true;
@@ -164,7 +164,7 @@ TEST(LocalFolder, ALargeFolderIsListedWholeAndInTheOrderOfItsEntries) {
         entries.push_back(entry.path().filename());
     LinuxShellNamespace const shell;
     std::vector<DString> listed;
-    EXPECT_TRUE(shell.Enumerate(shell.Parse(temp.Path()), ShellNamespace::Purpose::Browse, [&](ShellChild &&child) {
+    EXPECT_FALSE(shell.Enumerate(shell.Parse(temp.Path()), ShellNamespace::Purpose::Browse, [&](ShellChild &&child) {
         EXPECT_EQ(child.size, std::stoi(child.name) % 7);
         listed.push_back(child.name);
         return true;
@@ -182,8 +182,8 @@ TEST(LocalFolder, AVisitorThatHasEnoughIsNotAskedAgain) {
         temp.Write(std::to_string(i));
     LinuxShellNamespace const shell;
     int visited = 0;
-    EXPECT_TRUE(shell.Enumerate(shell.Parse(temp.Path()), ShellNamespace::Purpose::Browse,
-                                [&](ShellChild &&) { return ++visited < 3; }));
+    EXPECT_FALSE(shell.Enumerate(shell.Parse(temp.Path()), ShellNamespace::Purpose::Browse,
+                                 [&](ShellChild &&) { return ++visited < 3; }));
     EXPECT_EQ(visited, 3);
 }
 
@@ -199,16 +199,20 @@ bool AsOrdinaryUser(std::function<bool()> const &body) {
     return waitpid(child, &status, 0) == child && WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 
-TEST(LocalFolder, AFolderWithoutPermissionCannotBeRead) {
+TEST(LocalFolder, AFolderWithoutPermissionCannotBeReadNorIsOneWholeWhoseFilesCannotBeLookedAt) {
     test::TempFolder const temp;
     std::filesystem::permissions(temp.Path(), std::filesystem::perms(0755));
     DString const locked = temp.Folder("locked");
-    std::filesystem::permissions(locked, std::filesystem::perms(0700));
-    ASSERT_EQ(chown(locked.c_str(), 0, 0) == 0 || geteuid() != 0, true);
-    if (geteuid() != 0)
-        std::filesystem::permissions(locked, std::filesystem::perms::none);
-    EXPECT_TRUE(AsOrdinaryUser([&] { return !Listed(locked).has_value() && Listed(temp.Path())->size() == 1; }));
-    std::filesystem::permissions(locked, std::filesystem::perms(0700));
+    DString const seen = temp.Folder("seen");
+    temp.Write("seen/file");
+    std::filesystem::create_symlink("/root/x", temp / "link");
+    bool const isRoot = geteuid() == 0;
+    std::filesystem::permissions(locked, std::filesystem::perms(isRoot ? 0700 : 0));
+    std::filesystem::permissions(seen, std::filesystem::perms(isRoot ? 0744 : 0444));
+    EXPECT_TRUE(AsOrdinaryUser(
+        [&] { return !Listed(locked).has_value() && !Listed(seen).has_value() && Listed(temp.Path())->size() == 2; }));
+    for (DString const &folder : {locked, seen})
+        std::filesystem::permissions(folder, std::filesystem::perms(0700));
 }
 
 TEST(LocalFolder, AChainLeadsFromTheRootDriveDown) {
@@ -281,7 +285,7 @@ TEST(LocalFolder, TimesBeyondWhatNanosecondsHoldAreUnknown) {
 TEST(LocalFolder, TheVirtualPlacesHaveNamesAndNoPath) {
     LinuxShellNamespace const shell;
     std::vector<DString> names;
-    EXPECT_TRUE(shell.Enumerate(ShellId::Desktop(), ShellNamespace::Purpose::Browse, [&](ShellChild &&child) {
+    EXPECT_FALSE(shell.Enumerate(ShellId::Desktop(), ShellNamespace::Purpose::Browse, [&](ShellChild &&child) {
         names.push_back(child.name);
         EXPECT_EQ(shell.Path(child.id), "");
         EXPECT_EQ(shell.KindOf(child.id), ShellKind::Virtual);
@@ -294,7 +298,7 @@ TEST(LocalFolder, TheVirtualPlacesHaveNamesAndNoPath) {
     EXPECT_EQ(shell.DisplayName(ShellId()), "");
     EXPECT_EQ(shell.Path(ShellId()), "");
     EXPECT_FALSE(shell.KindOf(ShellId()).has_value());
-    EXPECT_FALSE(shell.Enumerate(ShellId(), ShellNamespace::Purpose::Browse, [](ShellChild &&) { return true; }));
+    EXPECT_TRUE(shell.Enumerate(ShellId(), ShellNamespace::Purpose::Browse, [](ShellChild &&) { return true; }));
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 #include "zelvar/platform/os/DesktopNetwork.h"
 #include "zelvar/platform/os/LinuxShellNamespace.h"
 #include "zelvar/platform/os/SmbAddress.h"
+#include "zelvar/platform/os/SmbClient.h"
 #include "zelvar/platform/os/TcpProbe.h"
 
 #include <gmock/gmock.h>
@@ -60,10 +61,26 @@ TEST(SmbFolder, AServerThatIsNotThereIsToldAtOnce) {
     auto const start = std::chrono::steady_clock::now();
     ShellId const share = shell.Parse("smb://" + authority + "/share");
     EXPECT_EQ(share.Kind(), ShellKind::NetShare);
-    EXPECT_FALSE(shell.Enumerate(share, ShellNamespace::Purpose::Browse, [](ShellChild &&) { return true; }));
+    EXPECT_TRUE(shell.Enumerate(share, ShellNamespace::Purpose::Browse, [](ShellChild &&) { return true; }));
     EXPECT_TRUE(shell.Parse("smb://" + authority + "/share/folder").IsNull());
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
-    EXPECT_FALSE(AcceptsConnections("no.such.host.invalid", 100));
+    EXPECT_TRUE(TryToConnect("no.such.host.invalid", 100));
+}
+
+TEST(SmbFolder, AServerThatTakesConnectionsAndSaysNothingIsAskedOnce) {
+    auto const [listener, port] = BoundSocket();
+    ASSERT_EQ(listen(listener, 8), 0);
+    LinuxShellNamespace const shell;
+    DString const address = "smb://127.0.0.1:" + port;
+    auto const start = std::chrono::steady_clock::now();
+    EXPECT_TRUE(shell.Parse(address + "/share/folder").IsNull());
+    EXPECT_FALSE(shell.DoesServerAnswer(address));
+    for (char const *share : {"", "/a", "/b/c"})
+        EXPECT_EQ(shell.Enumerate(shell.ParseUnseen(address + share), ShellNamespace::Purpose::Browse,
+                                  [](ShellChild &&) { return true; }),
+                  std::errc::timed_out);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(2 * SmbClient::kAnswerMs));
+    close(listener);
 }
 
 TEST(TcpProbe, FindsAListenerHoweverItsPlaceIsWritten) {
@@ -72,11 +89,11 @@ TEST(TcpProbe, FindsAListenerHoweverItsPlaceIsWritten) {
     constexpr int kPatience = 2000; // ms
     for (DString const &authority :
          {"127.0.0.1:" + port, "me@127.0.0.1:" + port, "me:p@ss:word@127.0.0.1:" + port, "[::ffff:127.0.0.1]:" + port})
-        EXPECT_TRUE(AcceptsConnections(authority, kPatience)) << authority;
+        EXPECT_EQ(TryToConnect(authority, kPatience).value(), 0) << authority;
     for (char const *authority : {"", "@", "127.0.0.1:", "127.0.0.1:port"})
-        EXPECT_FALSE(AcceptsConnections(authority, kPatience)) << authority;
+        EXPECT_TRUE(TryToConnect(authority, kPatience)) << authority;
     close(listener);
-    EXPECT_FALSE(AcceptsConnections("127.0.0.1:" + port, kPatience));
+    EXPECT_EQ(TryToConnect("127.0.0.1:" + port, kPatience), std::errc::connection_refused);
 }
 
 TEST(DesktopNetwork, ToldNewsWakeAListenerAndSoDoesAStop) {
@@ -95,7 +112,7 @@ TEST(DesktopNetwork, ToldNewsWakeAListenerAndSoDoesAStop) {
 
 std::map<DString, std::int64_t> SizesIn(LinuxShellNamespace const &shell, DString const &address) {
     std::map<DString, std::int64_t> sizes;
-    EXPECT_TRUE(shell.Enumerate(shell.Parse(address), ShellNamespace::Purpose::Browse, [&](ShellChild &&child) {
+    EXPECT_FALSE(shell.Enumerate(shell.Parse(address), ShellNamespace::Purpose::Browse, [&](ShellChild &&child) {
         sizes[child.name] = child.size;
         return true;
     })) << address;
@@ -129,11 +146,11 @@ TEST(SmbFolder, SharesAndFilesOfARealServerAreListed) {
     EXPECT_EQ(shell.Times(file)->size, 3);
     EXPECT_GT(shell.Times(file)->modified, 0);
     EXPECT_TRUE(shell.Parse("smb://127.0.0.1/pub/nothing").IsNull());
-    EXPECT_FALSE(shell.Enumerate(shell.Parse("smb://127.0.0.1/nothing"), ShellNamespace::Purpose::Browse,
-                                 [](ShellChild &&) { return true; }));
+    EXPECT_TRUE(shell.Enumerate(shell.Parse("smb://127.0.0.1/nothing"), ShellNamespace::Purpose::Browse,
+                                [](ShellChild &&) { return true; }));
     // A connection to the one server does not answer for a port on which none listens.
-    EXPECT_FALSE(shell.Enumerate(shell.Parse("smb://" + RefusingAuthority() + "/pub"), ShellNamespace::Purpose::Browse,
-                                 [](ShellChild &&) { return true; }));
+    EXPECT_TRUE(shell.Enumerate(shell.Parse("smb://" + RefusingAuthority() + "/pub"), ShellNamespace::Purpose::Browse,
+                                [](ShellChild &&) { return true; }));
 }
 
 } // namespace
