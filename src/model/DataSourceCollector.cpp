@@ -105,9 +105,9 @@ void CollectFavorites(DataSourceRows &rows, std::vector<DString> &later) {
 }
 
 RefItemPtr<DataSourceItem> MakeFavorite(DString const &path) {
-    bool const answers = DoesPlaceAnswer(path) && ShellNamespace::Current().DoesServerAnswer(path);
-    RefItemPtr<NtwDataSourceItem> item(answers ? NtwDataSourceItem::CreateItem(path.c_str(), nullptr, nullptr)
-                                               : NtwDataSourceItem::CreateUnreachable(path.c_str()));
+    RefItemPtr<NtwDataSourceItem> item(DoesPlaceAnswer(path)
+                                           ? NtwDataSourceItem::CreateItem(path.c_str(), nullptr, nullptr)
+                                           : NtwDataSourceItem::CreateUnreachable(path.c_str()));
     if (item != nullptr)
         item->BuildParents();
     return item;

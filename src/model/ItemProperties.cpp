@@ -3,7 +3,9 @@
 #include "zelvar/base/DFile.h"
 #include "zelvar/base/SystemTime.h"
 #include "zelvar/data/ImageReader.h"
+#include "zelvar/data/PlaceCheck.h"
 #include "zelvar/platform/os/ShellNamespace.h"
+#include "zelvar/platform/os/SmbAddress.h"
 
 #include <array>
 #include <ctime>
@@ -93,6 +95,8 @@ bool ReadItemProperties(DString const &path, DString const &driverId, DString co
     props.clear();
     if (path.empty())
         return false;
+    if (platform::IsSmbAddress(path) && !DoesPlaceAnswer(path))
+        return false; // a reader would wait as long again
     BDIMoniker const moniker = MakeMoniker(path, options);
     ReadFileRows(path, moniker, props);
     if (PicksDocument(dlgTemplate))

@@ -259,7 +259,11 @@ TEST_F(ReaderEndings, APlaceThatDoesNotAnswerIsFoundOutByAReader) {
     }
     ASSERT_TRUE(Image(Write("warm", "")));
     EXPECT_TRUE(DoesPlaceAnswer(Write("here", "")));
+    EXPECT_TRUE(DoesPlaceAnswer(mount.File()));
     mount.FallSilent();
+    EXPECT_TRUE(DoesPlaceAnswer(mount.File())) << "an answer holds: a typed path is asked about several times";
+    while (DoesPlaceAnswer(mount.File()))
+        std::this_thread::yield();
     auto const begin = Clock::now();
     EXPECT_FALSE(DoesPlaceAnswer(mount.File()));
     EXPECT_EQ(RefItemPtr<NtwDataSourceItem>(NtwDataSourceItem::CreateItem(mount.File().c_str(), nullptr, nullptr)),
