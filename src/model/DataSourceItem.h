@@ -8,6 +8,7 @@
 #include "zelvar/model/DLGTemplate.h"
 
 #include <memory>
+#include <system_error>
 
 namespace zelvar {
 
@@ -96,6 +97,8 @@ public:
     virtual void Next();                          ///< only while `IsValid()`
     virtual RefItemPtr<DataSourceItem> GetItem(); ///< only while `IsValid()`
     [[nodiscard]] virtual bool IsValid() const;
+    /// Why children are missing; none if all of them are here, or if the listing was stopped.
+    [[nodiscard]] std::error_code GetError() const { return m_error; }
 
 protected:
     DataSourceItemItr() = default;
@@ -103,6 +106,7 @@ protected:
     void CreateCursor();
 
     DList<RefItemPtr<DataSourceItem>> m_items;
+    std::error_code m_error;
 
 private:
     bool m_hasCursor = false;
@@ -110,13 +114,15 @@ private:
 };
 
 /// Calls `visit(RefItemPtr<DataSourceItem>)` with each child in order until it returns false. An item that cannot be
-/// listed has none. Hides the pair of creation and deletion.
+/// listed has none; the error tells it from one that holds nothing. Hides the pair of creation and deletion.
 template <class Visit>
-void ForEachChild(DataSourceItem &folder, DataSourceItem::ICancel *cancel, char const *filter, char const *driverId,
-                  int nodeMask, DLGTemplate dlgTemplate, Visit &&visit) {
+std::error_code ForEachChild(DataSourceItem &folder, DataSourceItem::ICancel *cancel, char const *filter,
+                             char const *driverId, int nodeMask, DLGTemplate dlgTemplate, Visit &&visit) {
     DataSourceItemItr *const itr = folder.CreateIterator(cancel, filter, driverId, nodeMask, dlgTemplate);
-    if (itr == nullptr)
-        return;
+    if (itr == nullptr) {
+        bool const isLeaf = folder.IsFile(0) && !folder.IsFolder();
+        return isLeaf ? std::error_code() : std::make_error_code(std::errc::io_error);
+    }
     struct GiveBack {
         DataSourceItem &folder;
         DataSourceItemItr *itr;
@@ -124,7 +130,8 @@ void ForEachChild(DataSourceItem &folder, DataSourceItem::ICancel *cancel, char 
     } const giveBack{folder, itr};
     for (itr->First(); itr->IsValid(); itr->Next())
         if (!visit(itr->GetItem()))
-            return;
+            break;
+    return itr->GetError();
 }
 
 } // namespace zelvar

@@ -3,7 +3,9 @@
 #include "zelvar/model/DataSourceItem.h"
 #include "zelvar/opends/core/ListingOrder.h"
 
+#include <functional>
 #include <optional>
+#include <system_error>
 #include <vector>
 
 namespace zelvar {
@@ -20,6 +22,9 @@ struct ItemListingOptions {
     bool descending = false;
     DLGTemplate purpose = DT_DATA;
     DataSourceItem::ICancel *cancel = nullptr; ///< not owned
+    /// Hears of each place that was not read, or not to its end: of `place` itself, and of what was to be entered
+    /// below.
+    std::function<void(DataSourceItem &place, std::error_code error)> onUnread{};
 };
 
 /// One line of a listing.
@@ -40,7 +45,8 @@ struct ListedItem {
 /// The facts that order an item in a list by that key.
 [[nodiscard]] ZELVAR_API ListingFacts FactsOf(DataSourceItem const &item, ListingSort sort);
 
-/// Lists what lies in `place`. What cannot be read is left out; a listing that was stopped is shorter.
+/// Lists what lies in `place`. What cannot be read is left out; a listing that was stopped is shorter, and nobody hears
+/// of that.
 [[nodiscard]] ZELVAR_API std::vector<ListedItem> ListItems(RefItemPtr<DataSourceItem> const &place,
                                                            ItemListingOptions const &options);
 

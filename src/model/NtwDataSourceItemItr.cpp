@@ -59,6 +59,7 @@ void NtwDataSourceItemItr::Fill(platform::ShellId const &folder, DataSourceItem:
                                 RefItemPtr<DataSourceItem> const &parent, char const *filter, char const *driverId) {
     ShellNamespace const &shell = ShellNamespace::Current();
     if (!DoesPlaceAnswer(shell.Path(folder))) {
+        m_error = std::make_error_code(std::errc::timed_out);
         CreateCursor();
         return;
     }
@@ -95,7 +96,7 @@ void NtwDataSourceItemItr::Fill(platform::ShellId const &folder, DataSourceItem:
         }
         waiting.clear();
     };
-    shell.Enumerate(
+    m_error = shell.Enumerate(
         folder, ShellNamespace::Purpose::Browse,
         [&](ShellChild &&child) {
             if (isStopped())

@@ -7,6 +7,9 @@
 #include "zelvar/model/TemplDataSourceItem.h"
 #include "zelvar/platform/os/SmbAddress.h"
 
+#include <filesystem>
+#include <tuple>
+
 namespace zelvar {
 
 namespace {
@@ -55,6 +58,18 @@ RefItemPtr<DataSourceItem> ItemFromPlace(DString const &place) {
         return nullptr;
     DString const container = moniker.FindFile();
     return container.empty() || container == place ? nullptr : FromContainer(container, place);
+}
+
+DString ReasonAgainst(DString const &place) {
+    if (place.starts_with(kSource))
+        return "there is no such definition";
+    if (!DoesPlaceAnswer(place))
+        return platform::IsSmbAddress(place) ? "its server does not answer" : "its place does not answer";
+    if (place.empty() || BDIMoniker(place, nullptr).IsUrl())
+        return {};
+    std::error_code error;
+    std::ignore = std::filesystem::status(place, error);
+    return error ? error.message() : DString();
 }
 
 } // namespace zelvar

@@ -8,4 +8,8 @@ namespace zelvar {
 /// a connection definition, which is opened. Null if nothing is there. May block as the medium does.
 [[nodiscard]] ZELVAR_API RefItemPtr<DataSourceItem> ItemFromPlace(DString const &place);
 
+/// Why a path or address is no place: what the system says of it, or that nobody answers. Empty if nothing is known
+/// against it. For messages.
+[[nodiscard]] ZELVAR_API DString ReasonAgainst(DString const &place);
+
 } // namespace zelvar

@@ -127,6 +127,7 @@ TemplDataSourceItem *TemplDataSourceItem::CreateItem(BDIDrvr *driver, char const
     item->m_rep = boost::make_shared<CRep>();
     item->m_rep->m_repository = repository;
     item->m_rep->m_drvr = driver;
+    item->m_rep->m_file = path;
     item->m_node = node;
     if (node != nullptr)
         item->m_name = node->name;
@@ -191,6 +192,10 @@ DString TemplDataSourceItem::GetName() const {
 }
 
 DString TemplDataSourceItem::GetPath() const { return m_node == nullptr ? DString() : m_node->path; }
+
+DString TemplDataSourceItem::GetSource() const {
+    return !m_rep ? DString() : m_rep->m_url.empty() ? m_rep->m_file : m_rep->m_url;
+}
 
 DString TemplDataSourceItem::GetRDIDriverId() const { return m_rep ? m_rep->m_rdiDriverId : DString(); }
 

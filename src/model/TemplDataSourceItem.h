@@ -52,6 +52,9 @@ public:
     [[nodiscard]] DataSourceType GetDataSourceType() const override { return DST_REPOSITORY; }
     void BuildParents() override;
 
+    /// What the tree is opened from: a path, an address or a moniker.
+    [[nodiscard]] DString GetSource() const;
+
     /// A picture in place of those of the definition; children inherit it.
     void SetIcon(HIMAGELIST list, int index) { m_iconList = list, m_iconIdx = index; }
     [[nodiscard]] BDINode *GetNode() const { return m_node; }
@@ -106,7 +109,8 @@ struct TemplDataSourceItem::CRep {
     std::int32_t m_iconFolder = -1;
     std::int32_t m_iconImage = -1;
     std::unique_ptr<ImageList> m_imageList; ///< null for a definition without icons
-    DString m_url;
+    DString m_url;                          ///< that the definition names
+    DString m_file;                         ///< that the tree was made from, where there is no definition
 };
 
 } // namespace zelvar

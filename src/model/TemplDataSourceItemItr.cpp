@@ -28,8 +28,10 @@ bool TemplDataSourceItemItr::Fill(TemplDataSourceItem const &parent, DataSourceI
     m_items.reserve(paths.size());
     for (DString const &path : paths) {
         BDINode *const node = driver->OpenNode(rep.m_repository, path.c_str());
-        if (node == nullptr)
+        if (node == nullptr) {
+            m_error = std::make_error_code(std::errc::io_error);
             continue;
+        }
         RefItemPtr<TemplDataSourceItem> const child(new TemplDataSourceItem);
         if (parent.HasInheritedIcon())
             child->SetIcon(parent.m_iconList, parent.m_iconIdx);

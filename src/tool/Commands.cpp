@@ -3,6 +3,8 @@
 #include "zelvar/base/ByteEscapes.h"
 #include "zelvar/data/BDIMoniker.h"
 #include "zelvar/data/PlaceCheck.h"
+#include "zelvar/data/reader/DriverModule.h"
+#include "zelvar/model/PlaceResolver.h"
 #include "zelvar/tool/CommandTable.h"
 
 #include <cstdio>
@@ -30,8 +32,17 @@ int UsageError(CommandSpec const &spec, DString const &why) {
 }
 
 int Failure(DString const &why) {
-    std::fprintf(stderr, "zelvar: %s\n", why.c_str());
+    std::fprintf(stderr, "zelvar: %s\n", EscapeControlBytes(why).c_str());
     return kFailed;
+}
+
+DString WithReason(DString const &fault, DString const &source, DString const &otherwise) {
+    DString reason = ReaderFailureOf(source);
+    if (reason.empty())
+        reason = ReasonAgainst(source);
+    if (reason.empty())
+        reason = otherwise;
+    return reason.empty() ? fault : fault + ": " + reason;
 }
 
 } // namespace zelvar::tool

@@ -22,7 +22,11 @@ int RunGallery(std::vector<DString> const &words, int &argc, char **argv);
 [[nodiscard]] DString PlaceOf(DString const &word);
 /// "zelvar <what>: <why>" and the subcommand's usage on stderr; `kUsage`.
 int UsageError(CommandSpec const &spec, DString const &why);
-/// "zelvar: <why>" on stderr; `kFailed`.
+/// "zelvar: <why>" on stderr, in one line whatever names it holds; `kFailed`.
 int Failure(DString const &why);
+/// "<fault>: <reason>" with what is known of `source`, a path, address or moniker: what became of its reader, or why
+/// nothing is there, else `otherwise`. The fault alone where nothing is known.
+[[nodiscard]] DString WithReason(DString const &fault, DString const &source, DString const &otherwise = {});
+inline constexpr char kNotOpened[] = "no driver opens it";
 
 } // namespace zelvar::tool

@@ -3,6 +3,7 @@
 #include "zelvar/data/reader/DriverModule.h"
 #include "zelvar/model/ItemProperties.h"
 #include "zelvar/model/PlaceResolver.h"
+#include "zelvar/model/TemplDataSourceItem.h"
 #include "zelvar/tool/CommandTable.h"
 #include "zelvar/tool/Commands.h"
 
@@ -46,8 +47,11 @@ int RunInfo(std::vector<DString> const &words) {
     if (moniker.starts_with("source:")) {
         RefItemPtr<DataSourceItem> const item = ItemFromPlace(moniker);
         if (item == nullptr)
-            return Failure("cannot access '" + moniker + "'");
+            return Failure(WithReason("cannot read '" + moniker + "'", moniker));
         path = item->GetPath();
+        if (auto const *const tree = dynamic_cast<TemplDataSourceItem *>(item.get()); tree != nullptr && path.empty())
+            return Failure(WithReason("cannot read '" + moniker + "' at '" + tree->GetSource() + "'", tree->GetSource(),
+                                      kNotOpened));
         driverId = item->GetRDIDriverId();
     }
     PropertyMap props;
@@ -55,7 +59,7 @@ int RunInfo(std::vector<DString> const &words) {
     if (DString const reason = ReaderFailureOf(path); !reason.empty())
         return Failure("cannot read '" + moniker + "': " + reason);
     if (props.empty())
-        return Failure("cannot open '" + moniker + "'");
+        return Failure(WithReason("cannot open '" + moniker + "'", path));
     for (PropertyRow const &row : PropertyRows())
         if (auto const text = props.find(row.id); text != props.end() && !text->second.empty())
             std::printf("%s\t%s\n", row.name, EscapeControlBytes(text->second).c_str());

@@ -2,6 +2,7 @@
 #include "zelvar/data/reader/DriverModule.h"
 #include "zelvar/model/ItemListing.h"
 #include "zelvar/model/PlaceResolver.h"
+#include "zelvar/model/TemplDataSourceItem.h"
 #include "zelvar/tool/CommandTable.h"
 #include "zelvar/tool/Commands.h"
 
@@ -47,9 +48,42 @@ void PrintJson(ListedItem const &item, bool first) {
                 JsonText(item.path).c_str());
 }
 
-int NotListed(DString const &word, DString const &path) {
-    DString const reason = ReaderFailureOf(path);
-    return Failure(reason.empty() ? "cannot access '" + word + "'" : "cannot read '" + word + "': " + reason);
+/// What was left out, and what to call the place that was named.
+class Unread {
+public:
+    Unread(RefItemPtr<DataSourceItem> const &place, DString const &word) : m_place(place), m_word(word) {}
+
+    void Tell(DataSourceItem &item, std::error_code error) {
+        bool const isPlace = &item == m_place.get();
+        m_hasPlace = m_hasPlace || isPlace;
+        m_hasAny = true;
+        auto const *const tree = dynamic_cast<TemplDataSourceItem *>(&item);
+        DString const source = tree == nullptr ? item.GetPath() : tree->GetSource();
+        DString fault = "cannot read '" + (isPlace ? m_word : item.GetPath()) + "'";
+        if (isPlace && m_word.starts_with("source:"))
+            fault += " at '" + source + "'";
+        Failure(WithReason(fault, source, error == std::errc::io_error ? kNotOpened : error.message()));
+    }
+    [[nodiscard]] bool HasPlace() const { return m_hasPlace; }
+    [[nodiscard]] bool HasAny() const { return m_hasAny; }
+
+private:
+    RefItemPtr<DataSourceItem> m_place;
+    DString m_word;
+    bool m_hasPlace = false;
+    bool m_hasAny = false;
+};
+
+void PrintItems(std::vector<ListedItem> const &items, bool asJson) {
+    if (!asJson) {
+        for (ListedItem const &item : items)
+            PrintLine(item);
+        return;
+    }
+    std::fputs("[", stdout);
+    for (std::size_t i = 0; i < items.size(); ++i)
+        PrintJson(items[i], i == 0);
+    std::puts("\n]");
 }
 
 } // namespace
@@ -72,26 +106,23 @@ int RunLs(std::vector<DString> const &words) {
     settings.probeInListing = std::chrono::seconds(10);
     settings.patience = std::chrono::seconds(60);
     UseReaderDrivers(settings);
-    RefItemPtr<DataSourceItem> const place = ItemFromPlace(PlaceOf(arguments->words.front()));
+    DString const &word = arguments->words.front();
+    DString const named = PlaceOf(word);
+    RefItemPtr<DataSourceItem> const place = ItemFromPlace(named);
     if (place == nullptr)
-        return NotListed(arguments->words.front(), arguments->words.front());
-    std::vector<ListedItem> const items = ListItems(place, {.foldersOnly = arguments->Has("--folders"),
-                                                            .recursive = arguments->Has("--recursive"),
-                                                            .filter = arguments->Value("--filter"),
-                                                            .sort = sort->second,
-                                                            .descending = arguments->Has("--descending")});
-    if (items.empty() && !ReaderFailureOf(place->GetPath()).empty())
-        return NotListed(arguments->words.front(), place->GetPath());
-    if (arguments->Has("--json")) {
-        std::fputs("[", stdout);
-        for (std::size_t i = 0; i < items.size(); ++i)
-            PrintJson(items[i], i == 0);
-        std::puts("\n]");
-    } else {
-        for (ListedItem const &item : items)
-            PrintLine(item);
-    }
-    return items.empty() ? kNothing : kDone;
+        return Failure(WithReason("cannot read '" + word + "'", named));
+    Unread unread(place, word);
+    std::vector<ListedItem> const items =
+        ListItems(place, {.foldersOnly = arguments->Has("--folders"),
+                          .recursive = arguments->Has("--recursive"),
+                          .filter = arguments->Value("--filter"),
+                          .sort = sort->second,
+                          .descending = arguments->Has("--descending"),
+                          .onUnread = [&](DataSourceItem &item, std::error_code why) { unread.Tell(item, why); }});
+    if (items.empty() && unread.HasPlace())
+        return kFailed;
+    PrintItems(items, arguments->Has("--json"));
+    return unread.HasAny() ? kFailed : items.empty() ? kNothing : kDone;
 }
 
 } // namespace zelvar::tool

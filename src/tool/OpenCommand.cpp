@@ -108,7 +108,7 @@ int RunRequest(CommandSpec const &spec, int mode, std::vector<DString> const &wo
         DString const &word = arguments->words.front();
         DString const place = mode == kLoad ? PlaceOf(word) : word; // what is yet to be is called just so
         if (mode == kLoad && (place.empty() || ItemFromPlace(place) == nullptr))
-            return Failure("cannot access '" + place + "'");
+            return Failure(WithReason("cannot access '" + place + "'", place));
         DString const path = mode == kLoad ? PlaceFromRoot(place) : DFile(place).GetAbsolutePath();
         if (DString const reason = mode == kSave ? WhyNotSaved(path) : DString(); !reason.empty())
             return Failure(reason);

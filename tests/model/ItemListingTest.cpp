@@ -8,11 +8,13 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <map>
 
 namespace zelvar {
 namespace {
 
 using testing::ElementsAre;
+using testing::Pair;
 
 class ItemListingTest : public testing::Test {
 protected:
@@ -93,20 +95,36 @@ TEST_F(ItemListingTest, ALinkToAFolderElsewhereIsFollowed) {
     EXPECT_THAT(Lines({.recursive = true}), ElementsAre("file link/far.txt"));
 }
 
-TEST_F(ItemListingTest, DeepTreesEndWhereTheSystemEndsThem) {
-    DString deep = m_folder.Path();
-    for (int level = 0; level < 300; ++level)
-        deep += "/d";
-    std::filesystem::create_directories(deep);
-    m_folder.Write(deep.substr(m_folder.Path().size() + 1) + "/leaf.txt");
-    EXPECT_EQ(Lines({.recursive = true}).size(), 1U);
+TEST_F(ItemListingTest, WhatCannotBeReadIsToldAndTheRestIsListed) {
+    m_drivers.Add("pages", "*.tif", [](auto &pages) {
+        for (char const *page : {"p1", "p2"})
+            pages.Add("root", page, BDINode_Raster, page);
+        pages.Break("p1");
+    });
+    m_folder.Write("a.tif");
+    m_folder.Write("z/b.txt");
+    DString const deep = m_folder / m_folder.TooDeepFolders();
+    std::map<DString, std::error_code> told;
+    EXPECT_THAT(Lines({.recursive = true,
+                       .sort = ListingSort::Name,
+                       .onUnread = [&told](DataSourceItem &item,
+                                           std::error_code error) { told[item.GetPath().substr(0, 300)] = error; }}),
+                ElementsAre("file z/b.txt", "node p2"));
+    EXPECT_THAT(told, ElementsAre(Pair(m_folder / "a.tif", std::errc::io_error),
+                                  Pair(testing::StartsWith(deep), std::errc::filename_too_long)));
 }
 
 TEST_F(ItemListingTest, NothingIsListedWhereNothingIs) {
     EXPECT_TRUE(ListItems(nullptr, {}).empty());
     RefItemPtr<DataSourceItem> const file(
         NtwDataSourceItem::CreateItem(m_folder.Write("file").c_str(), nullptr, nullptr));
-    EXPECT_TRUE(ListItems(file, {.recursive = true}).empty());
+    std::error_code error;
+    ItemListingOptions const options{.recursive = true,
+                                     .onUnread = [&error](DataSourceItem &, std::error_code why) { error = why; }};
+    EXPECT_TRUE(ListItems(file, options).empty());
+    EXPECT_FALSE(error) << "nothing is missing from what holds nothing";
+    EXPECT_TRUE(ListItems(NtwDataSourceItem::CreateUnreachable((m_folder / "gone").c_str()), options).empty());
+    EXPECT_EQ(error, std::errc::no_such_file_or_directory);
 }
 
 } // namespace

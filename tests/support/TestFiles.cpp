@@ -5,6 +5,13 @@
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
+#include <tuple>
+#include <utility>
+
+#include <fcntl.h>
+#include <linux/limits.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace zelvar::test {
 
@@ -31,6 +38,18 @@ std::string TempFolder::Folder(std::string_view name) const {
     std::string path = *this / name;
     std::filesystem::create_directories(path);
     return path;
+}
+
+std::string TempFolder::TooDeepFolders() const {
+    std::string name(200, 'd');
+    int at = open(m_path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    for (std::size_t length = 0; length < PATH_MAX; length += name.size() + 1) {
+        std::ignore = mkdirat(at, name.c_str(), 0700);
+        int const below = openat(at, name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        close(std::exchange(at, below));
+    }
+    close(at);
+    return name;
 }
 
 SandboxEnvironment::SandboxEnvironment() {

@@ -23,6 +23,10 @@ public:
     /// Makes a folder below this one and yields its path.
     // NOLINTNEXTLINE(modernize-use-nodiscard): as above
     std::string Folder(std::string_view name) const;
+    /// Makes folders in each other until the path is longer than the system takes one, and yields the name of the
+    /// first.
+    // NOLINTNEXTLINE(modernize-use-nodiscard): as above
+    std::string TooDeepFolders() const;
 
 private:
     std::string m_path;

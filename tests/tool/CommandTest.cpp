@@ -229,6 +229,34 @@ TEST_F(Command, ADefinitionIsARowOfTheSourcesAndAPlace) {
     EXPECT_EQ(Zelvar({"sources"}, definition.Variable()).exitCode, 0);
 }
 
+TEST_F(Command, WhatCannotBeReadIsToldInALineAndEndsWithThree) {
+    DefinitionOf const definition(folder);
+    std::string const image = folder / "grey.tif";
+    std::filesystem::remove(image);
+    struct Case {
+        std::vector<std::string> words;
+        std::string why;
+    };
+    Case const cases[] = {
+        {{"ls", "source:My & maps"}, "read 'source:My & maps' at '" + image + "': No such file or directory"},
+        {{"info", "source:My & maps"}, "read 'source:My & maps' at '" + image + "': No such file or directory"},
+        {{"ls", "source:nobody"}, "read 'source:nobody': there is no such definition"},
+        {{"ls", "--json", "smb://127.0.0.1:9/a\nb"}, "read 'smb://127.0.0.1:9/a\\x0Ab': its server does not answer"},
+        {{"info", "smb://127.0.0.1:9/a.tif"}, "open 'smb://127.0.0.1:9/a.tif': its server does not answer"},
+        {{"ls", image}, "read '" + image + "': No such file or directory"},
+    };
+    for (Case const &c : cases) {
+        Outcome const outcome = Zelvar(c.words, definition.Variable());
+        EXPECT_EQ(outcome.out + outcome.err, "zelvar: cannot " + c.why + "\n");
+        EXPECT_EQ(outcome.exitCode, 3) << c.why;
+    }
+    std::string const deep = folder / folder.TooDeepFolders();
+    Outcome const rest = Zelvar({"ls", folder.Path(), "--recursive"});
+    EXPECT_THAT(Column(rest.out, 3), ElementsAre("notes.txt"));
+    EXPECT_THAT(rest.err, testing::MatchesRegex("zelvar: cannot read '" + deep + "/[^\n]*': File name too long\n"));
+    EXPECT_EQ(rest.exitCode, 3);
+}
+
 TEST_F(Command, TheLogHasALineAMessageUpToTheLevelAskedFor) {
     DefinitionOf const definition(folder);
     auto const linesAt = [&](char const *level) {
