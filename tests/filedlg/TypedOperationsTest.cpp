@@ -116,18 +116,22 @@ TEST_F(TypedOperations, EachOffersItsFormatsUnderItsCaptionAndRemembersItsFolder
             if (formats.empty())
                 continue;
             SCOPED_TRACE(testing::Message() << row.name << (mode == 0 ? " loads" : " saves"));
-            TempFolder const place;
+            // Names that taken apart lead to other files, and these files.
+            TempFolder const top;
             DString const extension = formats.front()->GetExtn().substr(1);
-            DString const file = place.Write("one" + (extension == ".*" ? ".txt" : extension));
-            DString const name(FileNameOf(file));
+            DString const name = "Run \"12:30\" a}b?c=d" + (extension == ".*" ? ".txt" : extension);
+            for (char const *neighbour : {"run", "run?n=2/Run", "run?n=2/Run \"12", "run?n=2/Run \"12:30\" a}b"})
+                top.Write(neighbour);
+            DString const place = top / "run?n=2";
+            DString const file = top.Write("run?n=2/" + name);
             if (row.folderKey != nullptr)
-                Profile::WriteString("Settings", row.folderKey, place.Path());
+                Profile::WriteString("Settings", row.folderKey, place);
             DUserCnfg(DString("FileFilter")).RemoveKey(std::to_string(row.dlgTemplate));
 
             FileDlg request("Mine");
             request.ShowOverwritePrompt(false);
             if (row.folderKey == nullptr)
-                request.SetInitFile(place.Path() + "/");
+                request.SetInitFile(place + "/");
             Shown const shown = Answer([&] { return row.open(request, mode); }, name);
             EXPECT_TRUE(shown.opened);
             EXPECT_EQ(shown.isOwn, mode == 0);
@@ -137,10 +141,10 @@ TEST_F(TypedOperations, EachOffersItsFormatsUnderItsCaptionAndRemembersItsFolder
             EXPECT_EQ(request.GetPhysFile(), file);
             EXPECT_EQ(request.GetFormat(), formats.front());
             if (row.folderKey != nullptr) {
-                EXPECT_EQ(Remembered(row.folderKey), place.Path() + "/");
+                EXPECT_EQ(Remembered(row.folderKey), place + "/");
             }
             if (*row.historyKey != '\0') {
-                EXPECT_EQ(History(row.historyKey).front(), place.Path() + "/");
+                EXPECT_EQ(History(row.historyKey).front(), place + "/");
             }
             // The library's dialog keeps its filter by the kind of what is picked.
             if (mode == 0) {

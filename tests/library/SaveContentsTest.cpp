@@ -18,10 +18,17 @@ TEST(SaveContents, AListIsSavedThroughTheFileDialogService) {
         list.SaveToFile();
         return true;
     };
-    test::Shown const shown = test::Answer(save, (folder / "list").c_str());
-    EXPECT_EQ(shown.caption, "Save contents");
-    EXPECT_EQ(shown.types.front(), "Comma separated list files (*.csv)");
-    EXPECT_NE(test::ReadFile(folder / "list.csv").find("two"), std::string::npos);
+    for (char const *neighbour : {"run", "run?n=2/Run 12", "run?n=2/a", "run?n=2/y"})
+        folder.Write(neighbour, "kept");
+    for (char const *name :
+         {"list", "Run 12:30", "a}b", "my \"quoted\" list", "NETCDF:x:y", "a?b=c", " two \"x\" \"y\""}) {
+        test::Shown const shown = test::Answer(save, folder / "run?n=2/" + name);
+        EXPECT_EQ(shown.caption, "Save contents");
+        EXPECT_EQ(shown.types.front(), "Comma separated list files (*.csv)");
+        EXPECT_NE(test::ReadFile(folder / "run?n=2/" + name + ".csv").find("two"), std::string::npos) << name;
+    }
+    for (char const *neighbour : {"run", "run?n=2/Run 12", "run?n=2/a", "run?n=2/y"})
+        EXPECT_EQ(test::ReadFile(folder / neighbour), "kept");
     std::ignore = test::Answer(save, "");
     ZelvarShutdown();
     EXPECT_FALSE(AskSaveTarget(nullptr, "Save contents")) << "nobody is there to ask";

@@ -120,23 +120,20 @@ TEST_F(FileDialogCommand, SavingOverAFileIsAskedAboutAndAScriptSaysNo) {
 }
 
 TEST_F(FileDialogCommand, FaultsAreToldByTheExitCode) {
-    struct Case {
-        std::vector<std::string> words;
-        int exitCode;
-    };
-    Case const cases[] = {{{"save"}, 2},
-                          {{"save", "--for", "nothing"}, 2},
-                          {{"save", "x", "--for", "metadata"}, 2},
-                          {{"save", "x", "--for", "project", "--select", "y"}, 2},
-                          {{"save", folder / "no/folder/x", "--for", "project", "--accept"}, 3},
-                          {{"save", folder / "grey.tif/x", "--for", "project", "--accept"}, 3},
-                          {{"save", folder.Path(), "--for", "project", "--accept"}, 1}, // no name to save under
-                          {{"save", folder / "x", "--for", "project"}, 1},              // nobody presses OK
-                          {{"open", folder.Path(), "--for", "xml", "--select=grey.tif", "--size", "9"}, 2},
-                          {{"open", "", "--accept"}, 3}};
-    for (Case const &c : cases) {
-        Outcome const outcome = Run(c.words);
-        EXPECT_EQ(outcome.exitCode, c.exitCode) << testing::PrintToString(c.words) << outcome.err;
+    std::pair<std::vector<std::string>, int> const cases[] = {
+        {{"save"}, 2},
+        {{"save", "--for", "nothing"}, 2},
+        {{"save", "x", "--for", "metadata"}, 2},
+        {{"save", "x", "--for", "project", "--select", "y"}, 2},
+        {{"save", folder / "no/folder/x", "--for", "project", "--accept"}, 3},
+        {{"save", folder / "grey.tif/x", "--for", "project", "--accept"}, 3},
+        {{"save", folder.Path(), "--for", "project", "--accept"}, 1}, // no name to save under
+        {{"save", folder / "x", "--for", "project"}, 1},              // nobody presses OK
+        {{"open", folder.Path(), "--for", "xml", "--select=grey.tif", "--size", "9"}, 2},
+        {{"open", "", "--accept"}, 3}};
+    for (auto const &[words, exitCode] : cases) {
+        Outcome const outcome = Run(words);
+        EXPECT_EQ(outcome.exitCode, exitCode) << testing::PrintToString(words) << outcome.err;
         EXPECT_EQ(outcome.out, "");
     }
 }
