@@ -110,7 +110,7 @@ int RunLs(std::vector<DString> const &words) {
     DString const named = PlaceOf(word);
     RefItemPtr<DataSourceItem> const place = ItemFromPlace(named);
     if (place == nullptr)
-        return Failure(WithReason("cannot read '" + word + "'", named));
+        return Failure(WithReason("cannot read '" + word + "'", named, kNotOpened));
     Unread unread(place, word);
     std::vector<ListedItem> const items =
         ListItems(place, {.foldersOnly = arguments->Has("--folders"),

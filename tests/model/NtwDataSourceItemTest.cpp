@@ -71,7 +71,10 @@ TEST_F(NtwDataSourceItemTest, ClassifiesWhatAPathNames) {
     EXPECT_EQ(RefItemPtr<NtwDataSourceItem>(NtwDataSourceItem::CreateItem(ShellId(), nullptr, nullptr)), nullptr);
 }
 
-TEST_F(NtwDataSourceItemTest, AnIdentifierWhoseKindCannotBeToldIsAFolderThatComesOutEmpty) {
+TEST_F(NtwDataSourceItemTest, AFolderThatCannotBeReadAndWhatCannotBeToldAreFoldersThatComeOutEmpty) {
+    m_shell->AddFile("/d/a");
+    m_shell->SetUnreadable("/d");
+    EXPECT_THAT(Names("/d"), IsEmpty());
     ShellId const gone = m_shell->Drives().Child("/gone", ShellKind::Unknown);
     RefItemPtr<NtwDataSourceItem> const item(NtwDataSourceItem::CreateItem(gone, nullptr, nullptr));
     ASSERT_NE(item, nullptr);
@@ -160,22 +163,6 @@ TEST_F(NtwDataSourceItemTest, AStoppedListingIsShorterAndValid) {
     EXPECT_THAT(Names("/d", "?", &alsoForFilesLeftOut), ElementsAre("1"));
 }
 
-TEST_F(NtwDataSourceItemTest, AFolderThatCannotBeReadIsEmptyWithoutAWord) {
-    m_shell->AddFile("/d/a");
-    m_shell->SetUnreadable("/d");
-    EXPECT_THAT(Names("/d"), IsEmpty());
-}
-
-TEST_F(NtwDataSourceItemTest, NamesAreSetFromOutsideOrComeFromTheShell) {
-    m_shell->AddDrive("/mnt/stick", "Stick", ShellKind::Removable);
-    RefItemPtr<NtwDataSourceItem> const drive = Item("/mnt/stick");
-    EXPECT_EQ(drive->GetName(), "Stick");
-    drive->SetName("..");
-    EXPECT_EQ(drive->GetName(), "..");
-    drive->SetName("");
-    EXPECT_EQ(drive->GetName(), "Stick");
-}
-
 TEST_F(NtwDataSourceItemTest, ACloneKeepsIdentityNameAndParentButNoPictureOfItsOwn) {
     m_shell->AddFile("/d/a.tif", {.size = 3});
     RefItemPtr<NtwDataSourceItem> const item = Children(*Item("/d")).at(0);
@@ -193,7 +180,7 @@ TEST_F(NtwDataSourceItemTest, ACloneKeepsIdentityNameAndParentButNoPictureOfItsO
     EXPECT_EQ(item->GetImageList(), &pictures);
 }
 
-TEST_F(NtwDataSourceItemTest, ParentsAreBuiltUpToTheDriveAndUpToTheServer) {
+TEST_F(NtwDataSourceItemTest, ParentsAreBuiltUpToTheDriveAndUpToTheServerByTheirNames) {
     m_shell->AddDrive("/mnt/stick", "Stick", ShellKind::Removable);
     m_shell->AddFile("/mnt/stick/a/b/c.tif");
     m_shell->AddFile("smb://host/share/x.tif");
@@ -206,6 +193,11 @@ TEST_F(NtwDataSourceItemTest, ParentsAreBuiltUpToTheDriveAndUpToTheServer) {
     EXPECT_THAT(chain(Item("/mnt/stick/a/b/c.tif")), ElementsAre("c.tif", "b", "a", "Stick"));
     EXPECT_THAT(chain(Item("smb://host/share/x.tif")), ElementsAre("x.tif", "share", "host"));
     EXPECT_THAT(chain(Children(*Item("/mnt/stick/a")).at(0)), ElementsAre("b", "a", "Stick"));
+    RefItemPtr<NtwDataSourceItem> const drive = Item("/mnt/stick");
+    for (char const *set : {"..", ""}) {
+        drive->SetName(set);
+        EXPECT_EQ(drive->GetName(), *set == '\0' ? "Stick" : set);
+    }
 }
 
 TEST_F(NtwDataSourceItemTest, OnlyDriversThatMayClaimANameAreAsked) {

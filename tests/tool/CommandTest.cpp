@@ -51,18 +51,14 @@ TEST_F(Command, LsSortsAsAskedWithFoldersFirst) {
     write("part10.txt", "1", 1'000'000'000);
     write("Part2.txt", "333", 900'000'000);
     write("a.txt", "22", 1'100'000'000);
-    struct Case {
-        char const *sort;
-        std::vector<std::string> names;
-    };
-    Case const cases[] = {{"name", {"a.txt", "Part2.txt", "part10.txt"}},
-                          {"size", {"part10.txt", "a.txt", "Part2.txt"}},
-                          {"date", {"Part2.txt", "part10.txt", "a.txt"}}};
-    for (Case const &c : cases) {
-        SCOPED_TRACE(c.sort);
-        EXPECT_EQ(Column(Zelvar({"ls", files.Path(), "--sort", c.sort}).out, 3), c.names);
-        std::vector<std::string> const reversed(c.names.rbegin(), c.names.rend());
-        EXPECT_EQ(Column(Zelvar({"ls", files.Path(), "--sort", c.sort, "--descending"}).out, 3), reversed);
+    std::pair<char const *, std::vector<std::string>> const cases[] = {{"name", {"a.txt", "Part2.txt", "part10.txt"}},
+                                                                       {"size", {"part10.txt", "a.txt", "Part2.txt"}},
+                                                                       {"date", {"Part2.txt", "part10.txt", "a.txt"}}};
+    for (auto const &[sort, names] : cases) {
+        SCOPED_TRACE(sort);
+        EXPECT_EQ(Column(Zelvar({"ls", files.Path(), "--sort", sort}).out, 3), names);
+        std::vector<std::string> const reversed(names.rbegin(), names.rend());
+        EXPECT_EQ(Column(Zelvar({"ls", files.Path(), "--sort", sort, "--descending"}).out, 3), reversed);
     }
     EXPECT_THAT(Column(Zelvar({"ls", files.Path(), "--sort=date"}, "TZ=UTC").out, 2),
                 ElementsAre("1998-07-09T16:00:00", "2001-09-09T01:46:40", "2004-11-09T11:33:20"));
@@ -133,23 +129,16 @@ TEST_F(Command, InfoPrintsPropertiesAndWritesThePreview) {
 }
 
 TEST_F(Command, ExitCodesTellUsageFromFailure) {
-    struct Case {
-        std::vector<std::string> words;
-        int exitCode;
-    };
-    Case const cases[] = {
+    std::pair<std::vector<std::string>, int> const cases[] = {
         {{}, 2},
         {{"nonsense"}, 2},
         {{"ls"}, 2},
         {{"ls", folder.Path(), "--sort", "colour"}, 2},
-        {{"ls", folder / "nowhere"}, 3},
         {{"ls", ""}, 3},
-        {{"ls", "source:nobody"}, 3},
         {{"ls", folder.Path(), "--", "--json"}, 2},
         {{"info"}, 2},
         {{"info", ""}, 3},
         {{"info", folder / "nowhere.tif"}, 3},
-        {{"info", "source:nobody"}, 3},
         {{"info", folder / "grey.tif", "--preview"}, 2},
         {{"info", folder / "grey.tif", "--preview", folder / "no/folder/p.png"}, 3},
         {{"sources", "more"}, 2},
@@ -163,10 +152,10 @@ TEST_F(Command, ExitCodesTellUsageFromFailure) {
         {{"ls", folder.Path(), "--", "--help"}, 2},
         {{"--version"}, 0},
     };
-    for (Case const &c : cases) {
-        Outcome const outcome = Zelvar(c.words);
-        EXPECT_EQ(outcome.exitCode, c.exitCode) << testing::PrintToString(c.words);
-        EXPECT_EQ(outcome.err.empty(), c.exitCode == 0);
+    for (auto const &[words, exitCode] : cases) {
+        Outcome const outcome = Zelvar(words);
+        EXPECT_EQ(outcome.exitCode, exitCode) << testing::PrintToString(words);
+        EXPECT_EQ(outcome.err.empty(), exitCode == 0);
     }
 }
 
@@ -200,12 +189,6 @@ TEST_F(Command, AFullDiskIsNoSuccess) {
     }
 }
 
-TEST_F(Command, SourcesListsTheDrivesWithTheirGroup) {
-    Outcome const sources = Zelvar({"sources"});
-    EXPECT_EQ(sources.exitCode, 0);
-    EXPECT_THAT(sources.out, HasSubstr("Drives\t"));
-}
-
 /// The places of a user who has one definition, of an image in `folder`.
 class DefinitionOf {
 public:
@@ -222,7 +205,8 @@ private:
 
 TEST_F(Command, ADefinitionIsARowOfTheSourcesAndAPlace) {
     DefinitionOf const definition(folder);
-    EXPECT_THAT(Zelvar({"sources"}, definition.Variable()).out, HasSubstr("Data Sources\tMy & maps\t"));
+    EXPECT_THAT(Zelvar({"sources"}, definition.Variable()).out,
+                testing::AllOf(HasSubstr("Drives\t"), HasSubstr("Data Sources\tMy & maps\t")));
     Outcome const info = Zelvar({"info", "source:My & maps"}, definition.Variable());
     EXPECT_THAT(info.out, HasSubstr("Image Width\t60\n")) << info.err;
     definition.Folder().Write("broken.xml", "<DataSources><DataSource name='x'");
@@ -233,11 +217,7 @@ TEST_F(Command, WhatCannotBeReadIsToldInALineAndEndsWithThree) {
     DefinitionOf const definition(folder);
     std::string const image = folder / "grey.tif";
     std::filesystem::remove(image);
-    struct Case {
-        std::vector<std::string> words;
-        std::string why;
-    };
-    Case const cases[] = {
+    std::pair<std::vector<std::string>, std::string> const cases[] = {
         {{"ls", "source:My & maps"}, "read 'source:My & maps' at '" + image + "': No such file or directory"},
         {{"info", "source:My & maps"}, "read 'source:My & maps' at '" + image + "': No such file or directory"},
         {{"ls", "source:nobody"}, "read 'source:nobody': there is no such definition"},
@@ -245,10 +225,10 @@ TEST_F(Command, WhatCannotBeReadIsToldInALineAndEndsWithThree) {
         {{"info", "smb://127.0.0.1:9/a.tif"}, "open 'smb://127.0.0.1:9/a.tif': its server does not answer"},
         {{"ls", image}, "read '" + image + "': No such file or directory"},
     };
-    for (Case const &c : cases) {
-        Outcome const outcome = Zelvar(c.words, definition.Variable());
-        EXPECT_EQ(outcome.out + outcome.err, "zelvar: cannot " + c.why + "\n");
-        EXPECT_EQ(outcome.exitCode, 3) << c.why;
+    for (auto const &[words, why] : cases) {
+        Outcome const outcome = Zelvar(words, definition.Variable());
+        EXPECT_EQ(outcome.out + outcome.err, "zelvar: cannot " + why + "\n");
+        EXPECT_EQ(outcome.exitCode, 3) << why;
     }
     std::string const deep = folder / folder.TooDeepFolders();
     Outcome const rest = Zelvar({"ls", folder.Path(), "--recursive"});

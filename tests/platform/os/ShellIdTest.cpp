@@ -1,5 +1,4 @@
-#include "zelvar/platform/os/LinuxShellNamespace.h"
-#include "zelvar/platform/os/ScriptedShellNamespace.h"
+#include "zelvar/platform/os/ShellId.h"
 
 #include <gtest/gtest.h>
 
@@ -31,14 +30,6 @@ TEST(ShellId, NullAndDesktopEndAChain) {
     EXPECT_TRUE(ShellId::Desktop().IsDesktop());
     EXPECT_TRUE(ShellId::Desktop().Parent().IsNull());
     EXPECT_TRUE(ShellId().Parent().IsNull());
-}
-
-TEST(ShellNamespace, ATestsNamespaceStandsInUntilItIsTakenAway) {
-    auto const scripted = std::make_shared<ScriptedShellNamespace>();
-    std::shared_ptr<ShellNamespace> const former = ShellNamespace::SetCurrent(scripted);
-    EXPECT_EQ(&ShellNamespace::Current(), scripted.get());
-    EXPECT_EQ(ShellNamespace::SetCurrent(former), scripted);
-    EXPECT_NE(dynamic_cast<LinuxShellNamespace *>(&ShellNamespace::Current()), nullptr);
 }
 
 } // namespace
