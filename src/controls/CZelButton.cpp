@@ -3,6 +3,7 @@
 #include "zelvar/controls/ButtonContent.h"
 #include "zelvar/controls/ControlIcons.h"
 #include "zelvar/platform/ui/Pictures.h"
+#include "zelvar/platform/ui/Reading.h"
 #include "zelvar/platform/ui/Text.h"
 
 #include <QtWidgets/QStyleOptionButton>
@@ -86,7 +87,8 @@ void CZelButton::DrawContent(QPainter &painter, QRect const &area, QColor const 
     painter.setPen(textColor);
     bool const underlines = style()->styleHint(QStyle::SH_UnderlineShortcut, nullptr, this) != 0;
     QString const shown = fontMetrics().elidedText(text(), Qt::ElideRight, places.text.width(), Qt::TextShowMnemonic);
-    painter.drawText(places.text, Qt::AlignCenter | (underlines ? Qt::TextShowMnemonic : Qt::TextHideMnemonic), shown);
+    int const flags = platform::ReadingFlags(text(), Qt::AlignCenter, layoutDirection());
+    painter.drawText(places.text, flags | (underlines ? Qt::TextShowMnemonic : Qt::TextHideMnemonic), shown);
 }
 
 } // namespace zelvar

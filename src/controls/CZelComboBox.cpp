@@ -1,9 +1,12 @@
 #include "zelvar/controls/CZelComboBox.h"
 
+#include "zelvar/platform/ui/Reading.h"
 #include "zelvar/platform/ui/Text.h"
 
+#include <QtGui/QGuiApplication>
 #include <QtWidgets/QAbstractItemView>
 #include <QtWidgets/QCompleter>
+#include <QtWidgets/QStyleOption>
 
 namespace zelvar {
 
@@ -93,6 +96,11 @@ void CZelComboBox::SetWindowText(DString const &text) {
         SetCurSel(index);
     else
         setEditText(platform::ToQString(text));
+}
+
+void CZelComboBox::initStyleOption(QStyleOptionComboBox *option) const {
+    QComboBox::initStyleOption(option);
+    option->currentText = platform::Isolated(option->currentText, QGuiApplication::layoutDirection());
 }
 
 void CZelComboBox::SetTooltip(DString const &text) { setToolTip(platform::ToToolTip(platform::ToQString(text))); }

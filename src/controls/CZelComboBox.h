@@ -50,6 +50,10 @@ public:
     /// The least width of the open list, pixels.
     void SetDroppedWidth(int pixels);
     void ShowDropDown(bool show = true) { show ? showPopup() : hidePopup(); }
+
+protected:
+    /// The shown entry keeps its own direction.
+    void initStyleOption(QStyleOptionComboBox *option) const override;
 };
 
 } // namespace zelvar

@@ -1,6 +1,7 @@
 #include "zelvar/controls/HyperLink.h"
 
 #include "zelvar/platform/ui/ModalLoop.h"
+#include "zelvar/platform/ui/Reading.h"
 #include "zelvar/platform/ui/SystemColor.h"
 #include "zelvar/platform/ui/Text.h"
 
@@ -139,8 +140,8 @@ void HyperLink::paintEvent(QPaintEvent *) {
     font.setUnderline(isEnabled() && (underMouse() || hasFocus()));
     painter.setFont(font);
     QRect const area = contentsRect().adjusted(margin(), margin(), -margin(), -margin());
-    auto const place = QStyle::visualAlignment(layoutDirection(), alignment());
-    painter.drawText(area, static_cast<int>(place) | (wordWrap() ? Qt::TextWordWrap : 0), text());
+    int const place = platform::ReadingFlags(text(), alignment(), layoutDirection());
+    painter.drawText(area, place | (wordWrap() ? Qt::TextWordWrap : 0), text());
     if (hasFocus()) {
         QStyleOptionFocusRect frame;
         frame.initFrom(this);

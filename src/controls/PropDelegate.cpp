@@ -2,6 +2,7 @@
 
 #include "zelvar/controls/CZelComboBox.h"
 #include "zelvar/controls/CZelPropList.h"
+#include "zelvar/platform/ui/Reading.h"
 #include "zelvar/platform/ui/SystemColor.h"
 #include "zelvar/platform/ui/Text.h"
 
@@ -240,6 +241,7 @@ QSize PropDelegate::sizeHint(QStyleOptionViewItem const &option, QModelIndex con
 
 void PropDelegate::initStyleOption(QStyleOptionViewItem *option, QModelIndex const &index) const {
     QStyledItemDelegate::initStyleOption(option, index);
+    option->text = platform::Isolated(option->text, option->direction);
     CZelProp const &prop = PropAt(index);
     option->features.setFlag(QStyleOptionViewItem::WrapText, index.column() != kValueColumn);
     if (index.column() != kValueColumn || prop.IsGroup())

@@ -63,6 +63,7 @@ void DrawTextBlock(QPainter *dc, CnfgLdr::TextBlock const &block) {
     if (dc == nullptr)
         return;
     dc->save();
+    dc->setLayoutDirection(Qt::LeftToRight); // the block gives the left upper corner
     dc->setBackgroundMode(Qt::TransparentMode);
     dc->setPen(platform::ToQColor(block.color));
     QFont const textFont = MakeFont(block.font, block.size, block.weight);

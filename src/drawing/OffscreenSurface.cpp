@@ -86,8 +86,12 @@ void OffscreenSurface::ShowScaled(QPainter *reference, DCanvas const *canvas, in
 QPainter *OffscreenSurface::GetDC() {
     if (m_image.isNull())
         return nullptr;
-    if (m_painter == nullptr)
+    if (m_painter == nullptr) {
         m_painter = std::make_unique<QPainter>(&m_image);
+        // What is placed by coordinates, an axis or a label, must not be turned where the application reads from the
+        // right.
+        m_painter->setLayoutDirection(Qt::LeftToRight);
+    }
     return m_painter.get();
 }
 

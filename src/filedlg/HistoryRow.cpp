@@ -10,6 +10,8 @@
 
 #include <algorithm>
 #include <array>
+#include <initializer_list>
+#include <utility>
 
 namespace zelvar {
 
@@ -55,6 +57,7 @@ HistoryRow::HistoryRow(int templateId, QWidget &commonDialog) : QWidget(&commonD
     m_editOnlyBox = platform::GetDlgItem<QCheckBox>(*this, kEditOnly);
     m_readOnlyBox = platform::GetDlgItem<QCheckBox>(*this, kReadOnly);
     m_lblHist->setBuddy(m_cmbHist);
+    m_cmbHist->setLayoutDirection(Qt::LeftToRight); // as its paths are read
 
     // The controls of a bigger style must not be cut.
     setFixedHeight(std::max({height(), BottomOf(m_cmbHist), BottomOf(m_editOnlyBox), BottomOf(m_readOnlyBox)}));
@@ -96,6 +99,7 @@ void HistoryRow::Reposition() {
         m_prevCy = size.height();
     }
     int const growth = size.width() - m_prevCx;
+    TurnRound(std::exchange(m_turnedIn, 0));
     if (m_bHistory)
         m_cmbHist->resize(m_cmbHist->width() + growth, m_cmbHist->height());
     for (QWidget *const box : {m_readOnlyBox, m_editOnlyBox})
@@ -103,6 +107,13 @@ void HistoryRow::Reposition() {
             box->move(box->x() + growth, box->y());
     m_prevCx = size.width();
     m_prevCy = size.height();
+    TurnRound(m_turnedIn = isRightToLeft() ? width() : 0);
+}
+
+void HistoryRow::TurnRound(int width) {
+    for (QWidget *const child : std::initializer_list<QWidget *>{m_cmbHist, m_lblHist, m_readOnlyBox, m_editOnlyBox})
+        if (child != nullptr && width > 0)
+            child->move(width - child->x() - child->width(), child->y());
 }
 
 void HistoryRow::resizeEvent(QResizeEvent *event) {

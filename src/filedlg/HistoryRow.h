@@ -35,6 +35,7 @@ protected:
 
 private:
     void Reposition();
+    void TurnRound(int width);
     void OnSelEndOk(int index);
     void OnReadOnlyClicked(bool checked);
     void OnEditOnlyClicked(bool checked);
@@ -47,7 +48,8 @@ private:
     bool m_bReadOnly = false;
     bool m_bEditOnly = false;
     bool m_bHistory = false;
-    int m_prevCx = 0; ///< the dialog's last size
+    int m_turnedIn = 0; ///< the width in which the controls stand turned round; 0 for as the template has them
+    int m_prevCx = 0;   ///< the dialog's last size
     int m_prevCy = 0;
     bool m_bInitDone = false;
 };

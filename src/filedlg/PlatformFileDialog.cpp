@@ -4,6 +4,7 @@
 #include "zelvar/controls/CZelComboBox.h"
 #include "zelvar/data/PlaceCheck.h"
 #include "zelvar/filedlg/FilePictures.h"
+#include "zelvar/filedlg/NameDelegate.h"
 #include "zelvar/filedlg/PathQuestions.h"
 #include "zelvar/filedlg/UndecodedNames.h"
 #include "zelvar/filedlg/core/TypedNames.h"
@@ -98,6 +99,7 @@ void PlatformFileDialog::SetUpViews() {
                                                 : QAbstractItemView::SingleSelection);
         view->setDragDropMode(QAbstractItemView::NoDragDrop); // a slip of the mouse would move files
         view->installEventFilter(this);
+        view->setItemDelegate(new NameDelegate(view));
     }
     FitColumns();
     connect(m_views.front()->selectionModel(), &QItemSelectionModel::selectionChanged, this,
@@ -169,6 +171,7 @@ void PlatformFileDialog::MakeFolderBox() {
     // The toolkit's own box asks the system about every folder that it lists.
     auto *const former = findChild<QComboBox *>(QStringLiteral("lookInCombo"));
     m_folderBox = new CZelComboBox(this);
+    m_folderBox->setLayoutDirection(Qt::LeftToRight); // as its paths are read
     m_folderBox->setObjectName(QStringLiteral("folderBox"));
     m_folderBox->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     // What held the former one in the layout comes back to us.

@@ -2,6 +2,7 @@
 
 #include "zelvar/base/PathStyle.h"
 #include "zelvar/filedlg/NameBytes.h"
+#include "zelvar/filedlg/NameDelegate.h"
 #include "zelvar/platform/ui/Text.h"
 
 #include <QtGui/QKeyEvent>
@@ -35,6 +36,7 @@ UndecodedNames::UndecodedNames(QWidget *parent) : QListWidget(parent) {
     setToolTip(accessibleName());
     setUniformItemSizes(true);
     setSortingEnabled(true);
+    setItemDelegate(new NameDelegate(this));
     hide();
     // Who passes by with Tab makes an item the current one and chooses none.
     connect(this, &QListWidget::itemSelectionChanged, this, [this] {

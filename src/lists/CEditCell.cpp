@@ -66,7 +66,8 @@ void CEditCell::Follow() {
     if (m_list == nullptr || m_ended)
         return;
     Rect const place = m_list->GetSubItemRect(m_item, m_subItem, LVIR_LABEL);
-    setGeometry(place.left, place.top, std::max(place.Width(), m_grownWidth), place.Height());
+    int const width = std::max(place.Width(), m_grownWidth);
+    setGeometry(isRightToLeft() ? place.right - width : place.left, place.top, width, place.Height());
 }
 
 void CEditCell::MoveCell(int item, int subItem) {
@@ -216,11 +217,14 @@ void CEditCell::GrowToText() {
     int const needed = QFontMetrics(m_list->font()).horizontalAdvance(text()) + kGrowthMargin;
     if (needed <= width())
         return;
-    int const right = std::min(x() + needed, m_list->GetClientRect().right);
-    if (right <= x() + width())
+    // To the edge of the list where the lines end.
+    int const end = x() + width();
+    int const room = isRightToLeft() ? end : m_list->GetClientRect().right - x();
+    int const grown = std::min(needed, room);
+    if (grown <= width())
         return;
-    m_grownWidth = right - x();
-    resize(m_grownWidth, height());
+    m_grownWidth = grown;
+    setGeometry(isRightToLeft() ? end - grown : x(), y(), grown, height());
 }
 
 } // namespace zelvar

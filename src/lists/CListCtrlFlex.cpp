@@ -219,14 +219,12 @@ CListCtrlFlex::RowColors CListCtrlFlex::ColorsOf(DrawItemStruct const &item, Fle
 void CListCtrlFlex::DrawItem(DrawItemStruct const &item) {
     FlexRow const *const record = ToRecord(item.itemData);
     RowColors const colors = ColorsOf(item, record);
-    Rect label = item.rcItem;
+    Rect label = Mirrored(item.rcItem);
     label.left += record == nullptr ? 0 : record->indent;
 
     item.painter.fillRect(ToQRect(item.rcItem), ToQColor(colors.back));
     if (GetImageList() != nullptr) {
-        // At the row's corner, whatever the indent.
-        platform::DrawListPicture(item.painter, {item.rcItem.left, item.rcItem.top}, GetImageList(),
-                                  GetItemImage(item.itemID), (item.state & LVIS_SELECTED) != 0);
+        DrawRowPicture(item); // at the row's corner, whatever the indent
         label.left += platform::kSmallPicture;
     }
     QColor const ink = platform::ThemedInk(ToQColor(colors.text), ToQColor(colors.back));
@@ -243,7 +241,7 @@ void CListCtrlFlex::DrawCells(DrawItemStruct const &item, Rect const &label) con
     if ((GetStyle() & LVS_NOCOLUMNHEADER) != 0)
         std::iota(order.begin(), order.end(), 0);
     Rect const client = GetClientRect();
-    int x = item.rcItem.left;
+    int x = Mirrored(item.rcItem).left;
     for (int const col : order) {
         platform::ReportColumn column;
         if (!GetColumn(col, column))
@@ -252,7 +250,7 @@ void CListCtrlFlex::DrawCells(DrawItemStruct const &item, Rect const &label) con
         int const right = std::min(x + column.width, label.right);
         x += column.width;
         if (left < client.right && right > client.left)
-            platform::DrawCellText(item.painter, {left + 1, item.rcItem.top, right - 1, item.rcItem.bottom},
+            platform::DrawCellText(item.painter, Mirrored({left + 1, label.top, right - 1, label.bottom}),
                                    GetItemText(item.itemID, column.subItem), column.format, platform::CellPlace::Top);
     }
 }

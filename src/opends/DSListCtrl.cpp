@@ -407,21 +407,23 @@ void DSListCtrl::DrawItem(platform::DrawItemStruct const &request) {
     RefItemPtr<DataSourceItem> const item = ItemAt(request.itemID);
     if (item == nullptr)
         return;
-    DrawItemPicture(request.painter, request.rcItem, *item);
-    Rect marked = request.rcItem;
+    DrawItemPicture(request.painter, PictureRect(request.rcItem), *item);
+    Rect marked = Mirrored(request.rcItem);
     marked.left += kPictureBand;
+    marked = Mirrored(marked);
     ItemColors const colors = ItemColorsOf((request.state & LVIS_SELECTED) != 0, hasFocus());
     request.painter.fillRect(platform::ToQRect(marked), colors.background);
     request.painter.setPen(colors.text);
     for (int const col : GetColumnOrderArray()) {
         Rect cell = request.rcItem;
-        cell.left = ColumnLeft(col);
+        cell.left = ColumnStart(col);
         cell.right = cell.left + GetColumnWidth(col);
         if (col == kName)
             cell.left += kPictureBand + kCellInset, cell.top += kCellInset, cell.right -= kCellInset,
                 cell.bottom -= kCellInset;
-        platform::DrawCellText(request.painter, cell, CellText(*item, col), col == kName ? LVCFMT_LEFT : LVCFMT_RIGHT,
-                               platform::CellPlace::Centered);
+        platform::DrawCellText(request.painter, Mirrored(cell), CellText(*item, col),
+                               col == kName ? LVCFMT_LEFT : LVCFMT_RIGHT, platform::CellPlace::Centered,
+                               platform::Reading::LeftToRight);
     }
     if ((request.state & LVIS_FOCUSED) != 0)
         platform::DrawFocusRect(request.painter, marked, platform::ToColorRef(colors.text));

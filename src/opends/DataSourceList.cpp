@@ -291,13 +291,15 @@ void DataSourceList::DrawItem(platform::DrawItemStruct const &request) {
     RefItemPtr<DataSourceItem> const item = ItemAt(request.itemID);
     if (item == nullptr)
         return;
-    DrawItemPicture(request.painter, request.rcItem, *item);
-    Rect rect = request.rcItem;
+    DrawItemPicture(request.painter, PictureRect(request.rcItem), *item);
+    Rect rect = Mirrored(request.rcItem);
     rect.left += kPictureBand;
+    rect = Mirrored(rect);
     ItemColors const colors = ItemColorsOf((request.state & LVIS_SELECTED) != 0, hasFocus());
     request.painter.fillRect(platform::ToQRect(rect), colors.background);
     request.painter.setPen(colors.text);
-    platform::DrawCellText(request.painter, rect, RowTextOf(*item), LVCFMT_LEFT, platform::CellPlace::Centered);
+    platform::DrawCellText(request.painter, rect, RowTextOf(*item), LVCFMT_LEFT, platform::CellPlace::Centered,
+                           platform::Reading::LeftToRight);
     if ((request.state & LVIS_FOCUSED) != 0)
         platform::DrawFocusRect(request.painter, rect, platform::ToColorRef(colors.text));
 }

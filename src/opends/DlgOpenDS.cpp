@@ -319,6 +319,7 @@ void DlgOpenDS::AssignControls() {
     m_cancelButton = GetDlgItem<QPushButton>(*this, kCancelId);
     m_readOnlyCheck = GetDlgItem<QCheckBox>(*this, kReadOnlyId);
     m_editOnlyCheck = GetDlgItem<QCheckBox>(*this, kEditOnlyId);
+    m_histCombo->setLayoutDirection(Qt::LeftToRight); // as its paths are read
     m_histCombo->setInsertPolicy(QComboBox::NoInsert);
     m_histCombo->setAccessibleName(tr("Go to folder"));
     m_fileTypeCombo->setAccessibleName(tr("File Type"));

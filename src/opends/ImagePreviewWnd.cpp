@@ -3,6 +3,7 @@
 #include "zelvar/drawing/core/CubicResize.h"
 #include "zelvar/layout/cdxCDynamicDialog.h"
 #include "zelvar/platform/ui/PaletteColors.h"
+#include "zelvar/platform/ui/Reading.h"
 
 #include <QtGui/QCloseEvent>
 #include <QtGui/QKeyEvent>
@@ -79,7 +80,8 @@ void ImagePreviewWnd::CreateDefaultDC() {
         painter.setFont(italic);
         painter.setPen(platform::Themed(Qt::black));
         QString const text = m_mode == ModeWaiting ? tr("Please wait...") : tr("Preview is not available");
-        painter.drawText(rect(), Qt::AlignCenter | Qt::TextSingleLine, text);
+        int const flags = platform::ReadingFlags(text, Qt::AlignCenter, layoutDirection());
+        painter.drawText(rect(), flags | Qt::TextSingleLine, text);
         setAccessibleDescription(text);
     }
     m_memValid = true;

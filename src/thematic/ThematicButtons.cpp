@@ -1,6 +1,7 @@
 #include "zelvar/thematic/ThematicButtons.h"
 
 #include "zelvar/platform/ui/PaletteColors.h"
+#include "zelvar/platform/ui/Reading.h"
 #include "zelvar/platform/ui/SystemColor.h"
 #include "zelvar/platform/ui/Text.h"
 
@@ -91,8 +92,10 @@ void ThematicHyperlink::Draw(QPainter &painter, bool) const {
             platform::ThemedInk(QColor(0, 0, 255), platform::ToQColor(platform::SystemColor(COLOR_BTNFACE))));
     else
         painter.setPen(platform::ToQColor(platform::SystemColor(COLOR_BTNTEXT)));
-    QString const shown = QFontMetrics(GetFont()).elidedText(platform::ToQString(m_text), Qt::ElideRight, area.width());
-    painter.drawText(area, static_cast<int>(Qt::AlignCenter) | Qt::TextSingleLine, shown);
+    QString const text = platform::ToQString(m_text);
+    painter.drawText(area,
+                     platform::ReadingFlags(text, Qt::AlignCenter, painter.layoutDirection()) | Qt::TextSingleLine,
+                     QFontMetrics(GetFont()).elidedText(text, Qt::ElideRight, area.width()));
     painter.restore();
 }
 

@@ -4,6 +4,7 @@
 #include "zelvar/controls/CZelImageList.h"
 #include "zelvar/platform/ui/PaletteColors.h"
 #include "zelvar/platform/ui/Pictures.h"
+#include "zelvar/platform/ui/Reading.h"
 #include "zelvar/platform/ui/SystemColor.h"
 #include "zelvar/platform/ui/Text.h"
 
@@ -62,9 +63,10 @@ void ThematicText::Draw(QPainter &painter, bool) const {
     painter.save();
     painter.setPen(
         platform::ThemedInk(platform::ToQColor(platform::SystemColor(COLOR_BTNTEXT)), platform::Themed(kItemGrey)));
-    QString const shown =
-        QFontMetrics(painter.font()).elidedText(platform::ToQString(m_text), Qt::ElideRight, area.width());
-    painter.drawText(area, static_cast<int>(Qt::AlignLeft | Qt::AlignVCenter) | Qt::TextSingleLine, shown);
+    QString const text = platform::ToQString(m_text);
+    int const flags = platform::ReadingFlags(text, Qt::AlignLeft | Qt::AlignVCenter, painter.layoutDirection());
+    painter.drawText(area, flags | Qt::TextSingleLine,
+                     QFontMetrics(painter.font()).elidedText(text, Qt::ElideRight, area.width()));
     painter.restore();
 }
 

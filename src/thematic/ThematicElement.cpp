@@ -11,6 +11,10 @@ ThematicElement::ThematicElement(std::uint64_t data)
 
 ThematicElement::~ThematicElement() = default;
 
+Rect ThematicElement::Mirrored(Rect const &rect) const {
+    return m_mirror == 0 ? rect : Rect{m_mirror - rect.right, rect.top, m_mirror - rect.left, rect.bottom};
+}
+
 bool ThematicElement::MouseEvent(EMouseEvnt event, Point const &point) {
     bool changed = false;
     for (ThematicDrawElement *const child : m_children)

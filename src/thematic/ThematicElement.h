@@ -55,6 +55,10 @@ public:
     void SetData(std::uint64_t data) { m_data = data; }
     [[nodiscard]] Rect const &GetRect() const { return m_rect; }
     void SetRect(Rect const &rect) { m_rect = rect; }
+    /// Lays it out from the right edge of a list of that many pixels; 0, the default, from the left.
+    void SetMirror(int listWidth) { m_mirror = listWidth; }
+    /// A rectangle of the list as it is laid out from the left, to where it stands, and back.
+    [[nodiscard]] Rect Mirrored(Rect const &rect) const;
     /// An invisible element takes no room, does not draw and is not hit.
     [[nodiscard]] bool IsVisible() const { return m_visible; }
     void SetVisible(bool visible) { m_visible = visible; }
@@ -71,12 +75,14 @@ protected:
     void DrawChildren(QPainter &painter, bool look3D) const;
     /// The last enabled child under the point, or null.
     [[nodiscard]] ThematicDrawElement *ChildAt(Point const &point) const;
+    [[nodiscard]] int Mirror() const { return m_mirror; }
     /// Background and border over a part of the rectangle.
     void DrawBack(QPainter &painter, Rect const &rect, ColorRef start, ColorRef end, bool vertical) const;
 
 private:
     std::uint64_t m_data;
     Rect m_rect;
+    int m_mirror = 0;
     bool m_visible = true;
     bool m_selected = false;
     std::vector<ThematicDrawElement *> m_children; ///< members of the derived element

@@ -112,6 +112,12 @@ void ThematicGroup::MoveChldr(ThematicGroup &other) {
     other.m_items = {};
 }
 
+Rect ThematicGroup::StripRect() const {
+    Rect strip = Mirrored(GetRect());
+    strip.right = strip.left + kStripWidth;
+    return Mirrored(strip);
+}
+
 void ThematicGroup::Draw(QPainter &painter, bool look3D) const { DrawPart(painter, look3D, GetRect()); }
 
 void ThematicGroup::DrawPart(QPainter &painter, bool look3D, Rect const &part) const {
@@ -120,9 +126,9 @@ void ThematicGroup::DrawPart(QPainter &painter, bool look3D, Rect const &part) c
     for (ThematicItem const *const item : m_items)
         if (item != nullptr && !item->GetRect().Intersected(part).IsEmpty())
             item->Draw(painter, look3D);
-    Rect const &own = GetRect();
-    DrawBack(painter, {own.left, own.top, own.left + kStripWidth, own.bottom}, look3D ? m_startColor : m_endColor,
-             m_endColor, false);
+    ColorRef const outer = look3D ? m_startColor : m_endColor;
+    bool const isOuterRight = Mirror() != 0;
+    DrawBack(painter, StripRect(), isOuterRight ? m_endColor : outer, isOuterRight ? outer : m_endColor, false);
     DrawChildren(painter, look3D);
 }
 
@@ -153,7 +159,7 @@ bool ThematicGroup::MouseEvent(EMouseEvnt event, Point const &point) {
 }
 
 void ThematicGroup::RepositionElmts() {
-    Rect const &own = GetRect();
+    Rect const own = Mirrored(GetRect());
     Rect r{kItemsLeft, own.top, own.right, own.bottom};
     for (std::size_t i = 0; i < m_items.size(); ++i) {
         ThematicItem *const item = m_items[i];
@@ -161,14 +167,15 @@ void ThematicGroup::RepositionElmts() {
             continue;
         if (item->IsVisible()) {
             r.bottom = r.top + item->ComputeHeight();
-            item->SetRect(r);
+            item->SetMirror(Mirror());
+            item->SetRect(Mirrored(r));
             item->RepositionElmts();
             r.top = r.bottom + kGap;
         }
         // Items that are not seen count as neighbours, too.
         item->EnableMoves(i > 0, i + 1 < m_items.size());
     }
-    m_addButton.SetRect({11, own.top + 4, 11 + kAddSide, own.top + 4 + kAddSide});
+    m_addButton.SetRect(Mirrored({11, own.top + 4, 11 + kAddSide, own.top + 4 + kAddSide}));
     PlaceLink();
 }
 
@@ -177,7 +184,7 @@ void ThematicGroup::PlaceLink() {
         m_hyperlink.SetRect({});
         return;
     }
-    Rect const &own = GetRect();
+    Rect const own = Mirrored(GetRect());
     QFontMetricsF const exact(m_hyperlink.GetFont());
     QFontMetrics const metrics(m_hyperlink.GetFont());
     // Rounded up: a text that is a fraction of a pixel too wide would be cut.
@@ -185,7 +192,7 @@ void ThematicGroup::PlaceLink() {
     int const right = own.right - 2;
     int const left = kLinkLeft + std::max((right - kLinkLeft - width) / 2, 0);
     int const top = own.top + (own.Height() - metrics.height()) / 2;
-    m_hyperlink.SetRect({left, top, std::min(left + width, right), top + metrics.height()});
+    m_hyperlink.SetRect(Mirrored({left, top, std::min(left + width, right), top + metrics.height()}));
 }
 
 } // namespace zelvar

@@ -51,6 +51,7 @@ public:
     [[nodiscard]] ThematicHyperlink const &Link() const { return m_hyperlink; }
     [[nodiscard]] std::vector<ThematicItem *> const &Items() const { return m_items; } ///< may hold null
 
+    [[nodiscard]] Rect StripRect() const;
     void Draw(QPainter &painter, bool look3D) const override;
     /// The same for the part that lies in a rectangle.
     void DrawPart(QPainter &painter, bool look3D, Rect const &part) const;

@@ -64,24 +64,24 @@ bool ThematicItem::HitTest(Point const &point, ThematicHit *hit) {
 }
 
 void ThematicItem::RepositionElmts() {
-    auto const &[left, top, right, bottom] = GetRect();
+    auto const [left, top, right, bottom] = Mirrored(GetRect());
     constexpr Size arrow = ThematicBitmapButton::sizeImage;
-    m_iconLeft.SetRect({left + 1, top, left + kIconRoom, bottom});
+    m_iconLeft.SetRect(Mirrored({left + 1, top, left + kIconRoom, bottom}));
     int edge = right - 1 - arrow.cx;
-    m_upButton.SetRect({edge, top + 2, right - 1, top + 2 + arrow.cy});
-    m_downButton.SetRect({edge, bottom - 2 - arrow.cy, right - 1, bottom - 2});
+    m_upButton.SetRect(Mirrored({edge, top + 2, right - 1, top + 2 + arrow.cy}));
+    m_downButton.SetRect(Mirrored({edge, bottom - 2 - arrow.cy, right - 1, bottom - 2}));
     // A disabled button keeps the rectangle it had.
     if (m_removeButton.IsEnabled()) {
         int const buttonTop = top + (bottom - top - kRemoveSide) / 2;
-        m_removeButton.SetRect({edge - kRemoveSide - 2, buttonTop, edge - 2, buttonTop + kRemoveSide});
-        edge = m_removeButton.GetRect().left;
+        m_removeButton.SetRect(Mirrored({edge - kRemoveSide - 2, buttonTop, edge - 2, buttonTop + kRemoveSide}));
+        edge = Mirrored(m_removeButton.GetRect()).left;
     }
     if (m_iconRight.IsEnabled()) {
-        m_iconRight.SetRect({edge - kIconRoom, top, edge - 1, bottom});
-        edge = m_iconRight.GetRect().left;
+        m_iconRight.SetRect(Mirrored({edge - kIconRoom, top, edge - 1, bottom}));
+        edge = Mirrored(m_iconRight.GetRect()).left;
     }
     if (m_text.IsEnabled())
-        m_text.SetRect({left + kIconRoom, top, edge, bottom});
+        m_text.SetRect(Mirrored({left + kIconRoom, top, edge, bottom}));
 }
 
 } // namespace zelvar

@@ -215,7 +215,8 @@ void TmtcListCtrl::RepositionItems() {
     for (Elmt *const elmt : m_elements) {
         if (elmt->IsVisible())
             r.bottom = r.top + elmt->ComputeHeight();
-        elmt->SetRect(r);
+        elmt->SetMirror(isRightToLeft() ? width() : 0);
+        elmt->SetRect(elmt->Mirrored(r));
         elmt->RepositionElmts();
         if (elmt->IsVisible())
             r.top = r.bottom + kGap;

@@ -27,6 +27,7 @@ void TmtcListCtrl::paintEvent(QPaintEvent *) {
         return;
     painter->fillRect(rect(), platform::ToQColor(platform::SystemColor(COLOR_BTNFACE)));
     painter->setFont(m_font);
+    painter->setLayoutDirection(layoutDirection());
     painter->setPen(QPen(platform::ToQColor(platform::SystemColor(COLOR_3DSHADOW)), 1));
     RepositionItems();
     Rect const client{0, 0, width(), height()};
@@ -39,11 +40,11 @@ void TmtcListCtrl::paintEvent(QPaintEvent *) {
             elmt->Draw(*painter, Get3DLook());
     }
     if (Elmt const *const focus = GetFocusElmt(); m_isKeyboardOn && hasFocus() && focus != nullptr) {
-        Rect const &at = focus->GetRect();
-        int const right = IsGroup(focus) ? at.left + Group::kStripWidth : at.right;
+        auto const *const group = dynamic_cast<Group const *>(focus);
+        Rect const at = group == nullptr ? focus->GetRect() : group->StripRect();
         painter->setPen(QPen(platform::Themed(Qt::black), 1, Qt::DotLine));
         painter->setBrush(Qt::NoBrush);
-        painter->drawRect(at.left + 2, at.top + 2, right - at.left - 6, at.Height() - 5);
+        painter->drawRect(at.left + 2, at.top + 2, at.Width() - 6, at.Height() - 5);
     }
     surface.CopyTo(&target, 0, 0);
 }

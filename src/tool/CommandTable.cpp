@@ -14,6 +14,7 @@ constexpr std::size_t kLineWidth = 100; // characters
 
 constexpr OptionSpec kShot{"--shot", "FILE.png", "write a picture of the window"};
 constexpr OptionSpec kSize{"--size", "WxH", "size of the window in pixels"};
+constexpr OptionSpec kMirrored{"--right-to-left", "", "lay the window out for those who read from the right"};
 constexpr OptionSpec kTitle{"--title", "T", "caption of the dialog"};
 constexpr OptionSpec kAccept{"--accept", "", "press OK once what is selected has come"};
 constexpr OptionSpec kClick{"--click", "X,Y", "click there, in pixels of the chart", Use::Repeats};
@@ -116,7 +117,8 @@ std::vector<CommandSpec> const &AllCommands() {
                      kAccept,
                      kTitle,
                      kShot,
-                     kSize},
+                     kSize,
+                     kMirrored},
          .maxArguments = 1},
         {.name = "save",
          .words = "[NAME]",
@@ -126,7 +128,8 @@ std::vector<CommandSpec> const &AllCommands() {
                      {"--overwrite", "", "do not ask whether to save over a file; without it the answer is no"},
                      kTitle,
                      kShot,
-                     kSize},
+                     kSize,
+                     kMirrored},
          .maxArguments = 1},
         {.name = "ls",
          .words = "PLACE",
@@ -162,7 +165,8 @@ std::vector<CommandSpec> const &AllCommands() {
                      {"--print", "", "print the slots, show nothing"},
                      kClick,
                      kShot,
-                     kSize},
+                     kSize,
+                     kMirrored},
          .minArguments = 1,
          .maxArguments = 1},
         {.name = "plot",
@@ -173,7 +177,8 @@ std::vector<CommandSpec> const &AllCommands() {
                      {"--line", "", "join the points"},
                      kClick,
                      kShot,
-                     kSize},
+                     kSize,
+                     kMirrored},
          .minArguments = 1,
          .maxArguments = 1},
         {.name = "ask",
@@ -188,7 +193,8 @@ std::vector<CommandSpec> const &AllCommands() {
                      {"--help-file", "FILE", "where that help is: its ending becomes .html"},
                      {"--press", "NAME", "press that button"},
                      {"--check", "", "set the check mark"},
-                     kShot},
+                     kShot,
+                     kMirrored},
          .minArguments = 1,
          .maxArguments = 1},
         {.name = "table",
@@ -201,7 +207,8 @@ std::vector<CommandSpec> const &AllCommands() {
                      {"--print", "", "print them, show nothing"},
                      {"--select", "ROW", "its ID, from 0"},
                      kShot,
-                     kSize},
+                     kSize,
+                     kMirrored},
          .minArguments = 1,
          .maxArguments = 1},
         {.name = "gallery",
@@ -210,7 +217,8 @@ std::vector<CommandSpec> const &AllCommands() {
          .options = {{"--page", "NAME", "begin with that page"},
                      {"--list", "", "print the pages with their classes, show nothing"},
                      kShot,
-                     kSize}},
+                     kSize,
+                     kMirrored}},
     };
     return commands;
 }

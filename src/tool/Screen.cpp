@@ -11,6 +11,15 @@ namespace zelvar::tool {
 
 namespace {
 
+/// Where few fonts are installed the toolkit's first choice can be one of fixed pitch.
+void AvoidTypewriter() {
+    QFont font = QApplication::font();
+    if (!QFontInfo(font).fixedPitch())
+        return;
+    font.setFamilies({"Liberation Sans", "Arial", "Helvetica"});
+    QApplication::setFont(font);
+}
+
 bool HasScreen() { return qEnvironmentVariableIsSet("DISPLAY") || qEnvironmentVariableIsSet("WAYLAND_DISPLAY"); }
 
 } // namespace
@@ -25,12 +34,10 @@ bool ChoosePlatform() {
     return false;
 }
 
-void AvoidTypewriter() {
-    QFont font = QApplication::font();
-    if (!QFontInfo(font).fixedPitch())
-        return;
-    font.setFamilies({"Liberation Sans", "Arial", "Helvetica"});
-    QApplication::setFont(font);
+void SetUpLooks(Arguments const &arguments) {
+    AvoidTypewriter();
+    if (arguments.Has("--right-to-left"))
+        QApplication::setLayoutDirection(Qt::RightToLeft);
 }
 
 void SpeakOnStderr() {

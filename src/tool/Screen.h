@@ -1,12 +1,15 @@
 #pragma once
 
+#include "zelvar/tool/CommandLine.h"
+
 namespace zelvar::tool {
 
 /// Chooses where windows go, before the application object is made: off screen, with a word on stderr, where there is
 /// no display. True if a person can work a dialog.
 bool ChoosePlatform();
-/// Where few fonts are installed the toolkit's first choice can be one of fixed pitch.
-void AvoidTypewriter();
+/// Sets what all windows have in common, once the application object is made: a readable font where few are installed,
+/// and the direction that `arguments` ask for.
+void SetUpLooks(Arguments const &arguments);
 /// Words to the user go to stderr, where nobody could close a box.
 void SpeakOnStderr();
 

@@ -3,7 +3,11 @@
 #include "support/FileDialogHand.h"
 #include "support/TestFiles.h"
 #include "zelvar/controls/CZelComboBox.h"
+#include "zelvar/controls/CZelPropList.h"
+#include "zelvar/filedlg/NameDelegate.h"
+#include "zelvar/lists/CZelTreeCtrl.h"
 
+#include <QtCore/QScopeGuard>
 #include <QtGui/QScreen>
 #include <QtWidgets/QCheckBox>
 #include <QtWidgets/QLabel>
@@ -289,23 +293,52 @@ TEST(CustomFileDialog, OneCheckBoxAtMostIsChecked) {
 }
 
 TEST(CustomFileDialog, TheRowFollowsTheDialogsWidth) {
-    TempFolder const folder;
-    CCustomFileDlg dialog(true, nullptr, nullptr, kImages, nullptr, CCustomFileDlg::kProjectTemplate);
-    dialog.GetOFN().initialDir = folder.Path();
-    dialog.EnableHistory(true);
-    RunWith(dialog, [](FileDialogHand const &hand) {
-        auto *const history = hand.Control<CZelComboBox>(6008);
-        auto *const box = hand.Control<QCheckBox>(6010);
-        EXPECT_EQ(history->GetCount(), 0);
-        int const left = box->x();
-        for (int const growth : {37, -21}) {
-            int const width = history->width() + growth;
-            hand.Dialog().resize(hand.Dialog().size() + QSize(growth, 50));
-            EXPECT_TRUE(test::Eventually([&] { return history->width() == width; }));
-        }
-        EXPECT_EQ(box->x(), left + 16);
-        EXPECT_EQ(box->parentWidget()->rect().intersected(box->geometry()), box->geometry()) << "all of it is seen";
-    });
+    for (bool const mirrored : {true, false}) {
+        QApplication::setLayoutDirection(mirrored ? Qt::RightToLeft : Qt::LeftToRight);
+        TempFolder const folder;
+        CCustomFileDlg dialog(true, nullptr, nullptr, kImages, nullptr, CCustomFileDlg::kProjectTemplate);
+        dialog.GetOFN().initialDir = folder.Path();
+        dialog.EnableHistory(true);
+        RunWith(dialog, [mirrored](FileDialogHand const &hand) {
+            auto *const history = hand.Control<CZelComboBox>(6008);
+            auto *const box = hand.Control<QCheckBox>(6010);
+            EXPECT_EQ(history->GetCount(), 0);
+            int const left = box->x();
+            for (int const growth : {37, -21}) {
+                int const width = history->width() + growth;
+                hand.Dialog().resize(hand.Dialog().size() + QSize(growth, 50));
+                EXPECT_TRUE(test::Eventually([&] { return history->width() == width; }));
+            }
+            EXPECT_EQ(box->x(), mirrored ? left : left + 16);
+            EXPECT_EQ(hand.Control<QLabel>(6009)->x() > history->x(), mirrored);
+            EXPECT_EQ(box->parentWidget()->rect().intersected(box->geometry()), box->geometry()) << "all of it is seen";
+        });
+    }
+}
+
+TEST(CustomFileDialog, WhatIsReadFromTheLeftStaysSoInEveryList) {
+    auto const back = qScopeGuard([] { QApplication::setLayoutDirection(Qt::LeftToRight); });
+    QApplication::setLayoutDirection(Qt::RightToLeft);
+    using Put = std::function<void(DString const &)>;
+    CZelComboBox combo;
+    CZelPropList properties;
+    auto *const property = new CZelProp("Path", PropRule{}, "");
+    properties.AddProperty(property);
+    CZelTreeCtrl tree;
+    HTREEITEM const item = tree.InsertItem("");
+    QListWidget names;
+    names.setItemDelegate(new NameDelegate(&names));
+    names.addItem(QString());
+    for (auto const &[view, put] : std::vector<std::pair<QWidget *, Put>>{
+             {&combo, [&](DString const &text) { combo.ResetContent(), combo.SetCurSel(combo.AddString(text)); }},
+             {&properties, [&](DString const &text) { property->SetValue(text); }},
+             {&tree, [&](DString const &text) { tree.SetItemText(item, text); }},
+             {&names, [&](DString const &text) { names.item(0)->setText(QString::fromStdString(text)); }}}) {
+        put("/a (1).");
+        QImage const plain = view->grab().toImage();
+        put("\u2066/a (1).\u2069"); // marks that keep it whatever is around
+        EXPECT_EQ(plain, view->grab().toImage()) << view->metaObject()->className();
+    }
 }
 
 TEST(CustomFileDialog, WithoutAHistoryTheRowIsGone) {

@@ -78,14 +78,7 @@ TEST_F(Editing, EveryKeyMovesAsTold) {
     int const page = list->GetCountPerPage();
     list->SetColumnWidth(0, 300); // the third column is out of sight
     auto const at = [](int row, int col) { return std::to_string(row) + "," + std::to_string(col); };
-    struct Case {
-        char const *name;
-        int row, col;
-        Qt::Key key;
-        Qt::KeyboardModifiers modifiers;
-        std::string expected;
-    };
-    Case const cases[] = {
+    std::tuple<char const *, int, int, Qt::Key, Qt::KeyboardModifiers, std::string> const cases[] = {
         {"Up", 5, 1, Qt::Key_Up, {}, "4,1"},
         {"Up on the first row", 0, 1, Qt::Key_Up, {}, "0,1"},
         {"Down", 5, 1, Qt::Key_Down, {}, "6,1"},
@@ -109,11 +102,11 @@ TEST_F(Editing, EveryKeyMovesAsTold) {
         {"Return ends", 5, 1, Qt::Key_Return, {}, "none"},
         {"Escape ends", 5, 1, Qt::Key_Escape, {}, "none"},
     };
-    for (Case const &c : cases) {
-        SCOPED_TRACE(c.name);
-        Open(c.row, c.col);
-        QTest::keyClick(Cell(), c.key, c.modifiers);
-        EXPECT_EQ(Where(), c.expected);
+    for (auto const &[name, row, col, key, modifiers, expected] : cases) {
+        SCOPED_TRACE(name);
+        Open(row, col);
+        QTest::keyClick(Cell(), key, modifiers);
+        EXPECT_EQ(Where(), expected);
         if (CEditCell *const cell = Cell()) {
             EXPECT_TRUE(cell->hasFocus());
             EXPECT_TRUE(list->viewport()->rect().contains(cell->geometry().center())) << "a cell that nobody sees";
@@ -127,15 +120,11 @@ TEST_F(Editing, EveryKeyMovesAsTold) {
 }
 
 TEST_F(Editing, AnOpenEditGoesWithItsCellAndEndsWithIt) {
-    struct Case {
-        char const *name;
-        std::function<void()> change;
-        char const *where;
-    };
-    Case const cases[] = {
+    std::tuple<char const *, std::function<void()>, char const *> const cases[] = {
         {"scrolled", [&] { list->verticalScrollBar()->setValue(2); }, "5,1"},
         {"a column before it is widened", [&] { list->SetColumnWidth(0, 120); }, "5,1"},
         {"its own column is widened", [&] { list->SetColumnWidth(1, 140); }, "5,1"},
+        {"the window is turned round", [&] { parent.setLayoutDirection(Qt::RightToLeft); }, "5,1"}, // and stays so
         {"a row above comes", [&] { list->InsertItem(0, "new", 0, nullptr, 0, 0xFFFFFF, 0); }, "6,1"},
         {"a row above goes", [&] { list->DeleteItem(0); }, "4,1"},
         {"the rows are turned round", [&] { list->Sort(0, false); }, "4,1"}, // "r9" comes first
@@ -146,11 +135,11 @@ TEST_F(Editing, AnOpenEditGoesWithItsCellAndEndsWithIt) {
         {"its row goes", [&] { list->DeleteItem(5); }, "none"},
         {"all rows go", [&] { list->DeleteAllItems(); }, "none"},
     };
-    for (Case const &c : cases) {
-        SCOPED_TRACE(c.name);
+    for (auto const &[name, change, where] : cases) {
+        SCOPED_TRACE(name);
         Open(5, 1);
-        c.change();
-        EXPECT_EQ(Where(), c.where);
+        change();
+        EXPECT_EQ(Where(), where);
         if (CEditCell const *const cell = Cell())
             EXPECT_EQ(cell->geometry(),
                       platform::ToQRect(list->GetSubItemRect(cell->Item(), cell->SubItem(), LVIR_LABEL)));
@@ -188,13 +177,17 @@ TEST_F(Editing, MovingCommitsTheCellThatIsLeftAndTheOldOneSaysThatEditingIsOver)
 }
 
 TEST_F(Editing, ADoubleClickOpensAnEditableCellAndSelectsTheRowOfAnother) {
-    DoubleClick(3, 2);
-    EXPECT_EQ(Where(), "3,2");
-    EXPECT_EQ(list->GetItemState(3, LVIS_SELECTED | LVIS_FOCUSED), 0U);
-    EXPECT_EQ(told, "begin 3,2 from 8 to 7");
-    DoubleClick(4, 0);
-    EXPECT_EQ(Where(), "none");
-    EXPECT_NE(list->GetItemState(4, LVIS_SELECTED), 0U);
+    for (Qt::LayoutDirection const direction : {Qt::LeftToRight, Qt::RightToLeft}) {
+        parent.setLayoutDirection(direction);
+        told.clear();
+        DoubleClick(3, 2);
+        EXPECT_EQ(Where(), "3,2");
+        EXPECT_EQ(list->GetItemState(3, LVIS_SELECTED | LVIS_FOCUSED), 0U);
+        EXPECT_EQ(told, "begin 3,2 from 8 to 7");
+        DoubleClick(4, 0);
+        EXPECT_EQ(Where(), "none");
+        EXPECT_NE(list->GetItemState(4, LVIS_SELECTED), 0U);
+    }
 }
 
 TEST_F(Editing, AVetoKeepsTheCellShut) {
@@ -225,6 +218,11 @@ TEST_F(Editing, TheEditGrowsWithItsTextToTheEdgeOfTheListAndNeverShrinks) {
     EXPECT_EQ(Cell()->width(), grown);
     QTest::keyClicks(Cell(), QString(100, u'w'));
     EXPECT_EQ(Cell()->geometry().right() + 1, list->GetClientRect().right);
+    parent.setLayoutDirection(Qt::RightToLeft);
+    Open(2, 1);
+    int const edge = Cell()->geometry().right();
+    QTest::keyClicks(Cell(), QString(100, u'w'));
+    EXPECT_EQ(std::pair(Cell()->geometry().left(), Cell()->geometry().right()), std::pair(0, edge));
 }
 
 TEST_F(Editing, ThePointerTellsOfAnOpenEdit) {

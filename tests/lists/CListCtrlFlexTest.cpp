@@ -41,17 +41,15 @@ TEST(CListCtrlFlex, ABackgroundOfZeroIsTextColouredWithoutAnImageAndBlackWithOne
     QApplication::setPalette(changed);
     CListCtrlFlex list;
     list.InsertColumn(0, ADICol_String, "Name", false, LVCFMT_LEFT, 200, 0);
-    list.InsertItem(0, "a", 0, nullptr, 0, 0, 0);
-    list.InsertItem(1, "b", -1, 0, nullptr, 0, 0, 0);
-    list.InsertItem(2, "c", 0, nullptr, 0, 0xFFFFFF, 0);
-    list.InsertItem(3, "d", -1, 0, nullptr, 0, 0xFFFFFF, 0);
-    list.InsertItem(4, "e", 0, nullptr, 0, 0x0000FF, 0);
+    for (ColorRef const back : {0x000000U, 0xFFFFFFU, 0x0000FFU}) {
+        list.InsertItem(list.GetItemCount(), "plain", 0, nullptr, 0, back, 0);
+        list.InsertItem(list.GetItemCount(), "with an image", -1, 0, nullptr, 0, back, 0);
+    }
     Stage const stage(list);
-    EXPECT_EQ(PixelAt(list, 0, 150), QColor(10, 90, 10));
-    EXPECT_EQ(PixelAt(list, 1, 150), QColor(Qt::black));
-    EXPECT_EQ(PixelAt(list, 2, 150), QColor(250, 250, 200));
-    EXPECT_EQ(PixelAt(list, 3, 150), QColor(250, 250, 200));
-    EXPECT_EQ(PixelAt(list, 4, 150), QColor(Qt::red));
+    QColor const expected[] = {changed.text().color(), Qt::black, changed.base().color(),
+                               changed.base().color(), Qt::red,   Qt::red};
+    for (int row = 0; row < 6; ++row)
+        EXPECT_EQ(PixelAt(list, row, 150), expected[row]) << row;
     QApplication::setPalette(palette);
 }
 
@@ -85,14 +83,7 @@ TEST(CListCtrlFlex, DataLivesInRecords) {
 }
 
 TEST(CListCtrlFlex, AHeadingSortsAscendingThenDescending) {
-    struct Case {
-        char const *name;
-        ADIColType type;
-        std::vector<char const *> texts;
-        char const *ascending;
-        char const *descending;
-    };
-    Case const cases[] = {
+    std::tuple<char const *, ADIColType, std::vector<char const *>, char const *, char const *> const cases[] = {
         {"numbers, and what is none as the largest", ADICol_Double, {"12", "abc", "3"}, "3 12 abc", "abc 12 3"},
         {"whole numbers likewise", ADICol_Int, {"10", "9", "-1"}, "-1 9 10", "10 9 -1"},
         {"texts by bytes", ADICol_String, {"a9", "a10", "B"}, "B a10 a9", "a9 a10 B"},
@@ -100,22 +91,22 @@ TEST(CListCtrlFlex, AHeadingSortsAscendingThenDescending) {
         {"an empty list", ADICol_Double, {}, "", ""},
         {"bytes are unsigned", ADICol_String, {"\xc3\xa9", "z"}, "z \xc3\xa9", "\xc3\xa9 z"},
     };
-    for (Case const &c : cases) {
-        SCOPED_TRACE(c.name);
+    for (auto const &[name, type, texts, ascending, descending] : cases) {
+        SCOPED_TRACE(name);
         CListCtrlFlex list;
-        list.InsertColumn(0, c.type, "Name", false, LVCFMT_LEFT, 200, 0);
-        AddPlain(list, c.texts);
+        list.InsertColumn(0, type, "Name", false, LVCFMT_LEFT, 200, 0);
+        AddPlain(list, texts);
         Stage stage(list);
         stage.ClickHeading(0);
-        EXPECT_EQ(Column(list), c.ascending);
+        EXPECT_EQ(Column(list), ascending);
         EXPECT_TRUE(list.GetLastSort().IsSortedAscnd());
         stage.ClickHeading(0);
-        EXPECT_EQ(Column(list), c.descending);
+        EXPECT_EQ(Column(list), descending);
         EXPECT_FALSE(list.GetLastSort().IsSortedAscnd());
         EXPECT_EQ(list.GetLastSort().GetCol(), 0);
         list.EnblSort(false);
         stage.ClickHeading(0);
-        EXPECT_EQ(Column(list), c.descending);
+        EXPECT_EQ(Column(list), descending);
         EXPECT_TRUE(list.GetLastSort().IsSortedAscnd()) << "remembered all the same";
     }
 }
@@ -136,8 +127,7 @@ TEST(CListCtrlFlex, EqualKeysTurnRoundWhenAscendingAndStayWhenDescending) {
 TEST(CListCtrlFlex, OnlyTheStartOfACellCounts) {
     CListCtrlFlex list;
     list.InsertColumn(0, ADICol_Double, "Value", false, LVCFMT_LEFT, 100, 0);
-    // The 25th character would make the first one the larger number.
-    AddPlain(list, {"0000000000000000000000019", "0000000000000000000000002"});
+    AddPlain(list, {"0000000000000000000000019", "0000000000000000000000002"}); // the 25th character makes it larger
     list.Sort(0, true);
     EXPECT_EQ(Column(list), "0000000000000000000000002 0000000000000000000000019");
     std::string const same(255, 'x');
@@ -170,18 +160,21 @@ TEST(CListCtrlFlex, TheIndentAndTheImageMoveTheFirstTextOnly) {
     list.InsertItem(0, "|||||||||||||||||||||||||", 0, 0, nullptr, 0, 0xFFFFFF, 30);
     list.SetItemText(0, 1, "|||||||");
     Stage const stage(list);
-    QImage const image = list.viewport()->grab().toImage();
-    int const ratio = static_cast<int>(image.devicePixelRatio());
-    auto const inkIn = [&](int from, int to) {
-        for (int x = from * ratio; x < to * ratio; ++x)
-            for (int y = 0; y < list.RowHeight() * ratio; ++y)
-                if (image.pixelColor(x, y).lightness() < 100)
-                    return true;
-        return false;
-    };
-    EXPECT_FALSE(inkIn(16, 46)) << "the image stands at the edge, the text behind the indent";
-    EXPECT_TRUE(inkIn(46, 52));
-    EXPECT_TRUE(inkIn(150, 156));
+    for (Qt::LayoutDirection const direction : {Qt::LeftToRight, Qt::RightToLeft}) {
+        list.setLayoutDirection(direction);
+        QImage const image = list.viewport()->grab().toImage();
+        int const ratio = static_cast<int>(image.devicePixelRatio());
+        auto const inkIn = [&](int from, int to) {
+            for (int x = from * ratio; x < to * ratio; ++x)
+                for (int y = 0; y < list.RowHeight() * ratio; ++y)
+                    if (image.pixelColor(list.isRightToLeft() ? image.width() - 1 - x : x, y).lightness() < 100)
+                        return true;
+            return false;
+        };
+        EXPECT_FALSE(inkIn(16, 46)) << "the image stands at the edge, the text behind the indent " << direction;
+        EXPECT_TRUE(inkIn(46, 52)) << direction;
+        EXPECT_TRUE(inkIn(150, 156)) << direction;
+    }
 }
 
 TEST(CListCtrlFlex, LooksRightInItsStates) {

@@ -21,18 +21,14 @@ void AddColumns(CZelListCtrl &list, int count) {
 }
 
 TEST(CZelListCtrl, ATextMakesARowOfItsPieces) {
-    struct Case {
-        char const *text;
-        std::array<char const *, 2> cells;
-    };
-    Case const cases[] = {
+    std::tuple<char const *, std::array<char const *, 2>> const cases[] = {
         {"a|b|c", {"a", "b"}}, {"a|", {"a", ""}}, {"a||c", {"a", ""}}, {"", {"", ""}}, {"|b", {"", "b"}}};
     CZelListCtrl list;
     AddColumns(list, 2);
-    for (Case const &c : cases) {
-        int const row = list.AddRow(c.text, nullptr);
-        EXPECT_EQ(list.GetItemText(row, 0), c.cells[0]) << c.text;
-        EXPECT_EQ(list.GetItemText(row, 1), c.cells[1]) << c.text;
+    for (auto const &[text, cells] : cases) {
+        int const row = list.AddRow(text, nullptr);
+        EXPECT_EQ(list.GetItemText(row, 0), cells[0]) << text;
+        EXPECT_EQ(list.GetItemText(row, 1), cells[1]) << text;
         EXPECT_EQ(list.GetCrntRow(), row);
     }
     EXPECT_EQ(list.GetNumRow(), 5);
@@ -69,23 +65,18 @@ TEST(CZelListCtrl, StylesMakeColoursAndFont) {
     ColorRef const shaded = Rgb(230, 230, 215);
     ColorRef const accent = Rgb(215, 200, 170);
     ColorRef const greyShaded = Rgb(235, 235, 225);
-    struct Case {
-        unsigned style;
-        ColorRef back;
-        bool grey;
-        bool bold;
-    };
-    Case const cases[] = {{0, window, false, false},    {1, shaded, false, false}, {2, accent, false, false},
-                          {3, accent, false, false},    {4, window, false, true},  {8, window, true, false},
-                          {9, greyShaded, true, false}, {10, accent, true, false}, {11, greyShaded, true, false}};
-    for (Case const &c : cases) {
+    std::tuple<unsigned, ColorRef, bool, bool> const cases[] = {
+        {0, window, false, false},    {1, shaded, false, false}, {2, accent, false, false},
+        {3, accent, false, false},    {4, window, false, true},  {8, window, true, false},
+        {9, greyShaded, true, false}, {10, accent, true, false}, {11, greyShaded, true, false}};
+    for (auto const &[style, back, grey, bold] : cases) {
         CZelListCtrl::RowInfo info{.image = 5, .data = 6, .indent = 7};
-        list.SetStyle(&info, c.style);
-        EXPECT_EQ(info.bkColor, c.back) << c.style;
-        EXPECT_EQ(info.textColor, c.grey ? Rgb(128, 128, 128) : SystemColor(COLOR_WINDOWTEXT)) << c.style;
-        EXPECT_EQ(info.font != nullptr && info.font->bold(), c.bold) << c.style;
+        list.SetStyle(&info, style);
+        EXPECT_EQ(info.bkColor, back) << style;
+        EXPECT_EQ(info.textColor, grey ? Rgb(128, 128, 128) : SystemColor(COLOR_WINDOWTEXT)) << style;
+        EXPECT_EQ(info.font != nullptr && info.font->bold(), bold) << style;
         EXPECT_EQ(info.image + static_cast<int>(info.data) + info.indent, 18);
-        list.AddRowStyle("gMW", c.style);
+        list.AddRowStyle("gMW", style);
     }
     list.AddRow(); // black on white, without a style
     list.SetColText(0, DString("gMW"));
@@ -109,13 +100,10 @@ TEST(CZelListCtrl, CellsAreFormatted) {
     CZelListCtrl list;
     AddColumns(list, 2);
     list.AddRow();
-    struct Case {
-        int kilobytes;
-        char const *text;
-    };
-    for (Case const &c : {Case{0, "0 KB"}, {1023, "1023 KB"}, {1024, "1.00 MB"}, {1536, "1.50 MB"}}) {
-        list.SetColKByte(1, c.kilobytes);
-        EXPECT_EQ(list.GetItemText(0, 1), c.text);
+    for (auto const &[kilobytes, text] :
+         {std::pair{0, "0 KB"}, {1023, "1023 KB"}, {1024, "1.00 MB"}, {1536, "1.50 MB"}}) {
+        list.SetColKByte(1, kilobytes);
+        EXPECT_EQ(list.GetItemText(0, 1), text);
     }
     list.SetColText(1, 2.345, 2, "m");
     EXPECT_EQ(list.GetItemText(0, 1), FormatDouble(2.345, 2) + " m");
@@ -191,10 +179,8 @@ TEST(CZelListCtrl, TheSelectionIsReadAndWritten) {
         list.AddRow();
         list.SetData(row * 10);
     }
-    list.SetSlct(3, true);
-    list.SetSlct(1, true);
-    list.SetSlct(5, true);
-    list.SetSlct(-1, true);
+    for (int const row : {3, 1, 5, -1})
+        list.SetSlct(row, true);
     EXPECT_EQ(list.GetFrstSlct(), 1);
     EXPECT_EQ(list.GetCrntSlct(), 1);
     EXPECT_EQ(list.SetSlctByItemData(40, true), 4);

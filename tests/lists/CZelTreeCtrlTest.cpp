@@ -84,6 +84,13 @@ private:
 /// Three items at the top, two below the first.
 class CZelTreeCtrlTest : public testing::Test {
 protected:
+    /// Opens the edit of a label and types into it.
+    QLineEdit *Edit(HTREEITEM item, char const *text = "") {
+        QLineEdit *const edit = tree.EditLabel(item);
+        EXPECT_NE(edit, nullptr);
+        edit->setText(text);
+        return edit;
+    }
     CZelTreeCtrlTest() {
         a = tree.AddItem("a", 1, TVI_ROOT, TVI_LAST);
         a1 = tree.AddItem("a1", 11, a, TVI_LAST);
@@ -192,7 +199,7 @@ TEST_F(CZelTreeCtrlTest, ARightDragEndsWithoutAMenuAndIsOffUnlessItIsOn) {
     ExpectNoDrag();
 }
 
-TEST_F(CZelTreeCtrlTest, ADropOnItselfDoesNothingAndBesideTheItemsHasNoTarget) {
+TEST_F(CZelTreeCtrlTest, ADropOnItselfDoesNothingBesideTheItemsItHasNoTargetAndItMayDeleteWhatIsDragged) {
     Drag(a1, a1);
     EXPECT_TRUE(tree.IsInDragMode());
     EXPECT_EQ(tree.GetDropHilightItem(), nullptr);
@@ -205,15 +212,19 @@ TEST_F(CZelTreeCtrlTest, ADropOnItselfDoesNothingAndBesideTheItemsHasNoTarget) {
     stage.Release(QPoint(20, tree.viewport()->height() - 2));
     EXPECT_EQ(tree.Take(), "drop a1 on -");
     ExpectNoDrag();
+    tree.onDragEnd = [this] {
+        tree.AddItem(a1->text, a1->data, b, TVI_LAST);
+        tree.DeleteItem(a1);
+    };
+    Drag(a1, b);
+    stage.Release(stage.On(b));
+    EXPECT_EQ(tree.FindItem(11), tree.GetChildItem(b));
+    ExpectNoDrag();
 }
 
 TEST_F(CZelTreeCtrlTest, ADragThatLosesItsGroundLeavesNothingBehind) {
-    struct Case {
-        char const *name;
-        std::function<void()> end;
-    };
     QWidget second;
-    Case const cases[] = {
+    std::tuple<char const *, std::function<void()>> const cases[] = {
         {"Escape", [this] { stage.Key(Qt::Key_Escape); }},
         {"the release was never heard", [this] { stage.Move(stage.On(b), Qt::NoButton); }},
         {"hidden", [this] { tree.hide(); }},
@@ -228,8 +239,8 @@ TEST_F(CZelTreeCtrlTest, ADragThatLosesItsGroundLeavesNothingBehind) {
         {"its item deleted", [this] { tree.DeleteItem(a1); }},
         {"all deleted", [this] { tree.DeleteAllItems(); }},
     };
-    for (Case const &lost : cases) {
-        SCOPED_TRACE(lost.name);
+    for (auto const &[name, end] : cases) {
+        SCOPED_TRACE(name);
         tree.show();
         tree.setEnabled(true);
         if (tree.FindItem("a1") == nullptr)
@@ -238,25 +249,13 @@ TEST_F(CZelTreeCtrlTest, ADragThatLosesItsGroundLeavesNothingBehind) {
         Drag(a1, b);
         ASSERT_TRUE(tree.IsInDragMode());
         tree.Take();
-        lost.end();
+        end();
         ExpectNoDrag();
         EXPECT_EQ(tree.Take().find("drop"), std::string::npos);
         if (tree.GetCount() > 0)
             stage.Release(QPoint(30, 30));
         EXPECT_EQ(tree.Take().find("drop"), std::string::npos);
     }
-}
-
-TEST_F(CZelTreeCtrlTest, TheEndOfADragMayDeleteTheDraggedItem) {
-    tree.onDragEnd = [this] {
-        tree.AddItem(a1->text, a1->data, b, TVI_LAST);
-        tree.DeleteItem(a1);
-    };
-    Drag(a1, b);
-    stage.Release(stage.On(b));
-    EXPECT_EQ(tree.FindItem(11, b), tree.GetChildItem(b));
-    EXPECT_EQ(tree.FindItem(11, a), nullptr);
-    ExpectNoDrag();
 }
 
 TEST(CZelTreeCtrl, ATreeMayDieInADrag) {
@@ -322,13 +321,12 @@ TEST_F(CZelTreeCtrlTest, ButtonsTellTheHooks) {
 TEST_F(CZelTreeCtrlTest, ADoubleClickThatIsHandledDoesNotCollapse) {
     int told = 0;
     QObject::connect(&tree, &platform::TreeView::DoubleClick, [&told] { ++told; });
-    stage.DoubleClick(stage.On(a));
-    EXPECT_EQ(tree.GetItemState(a, TVIS_EXPANDED), 0U);
-    EXPECT_EQ(told, 1);
-    tree.handle = true;
-    stage.DoubleClick(stage.On(a));
-    EXPECT_EQ(tree.GetItemState(a, TVIS_EXPANDED), 0U);
-    EXPECT_EQ(told, 1);
+    for (bool const handle : {false, true}) {
+        tree.handle = handle;
+        stage.DoubleClick(stage.On(a));
+        EXPECT_EQ(tree.GetItemState(a, TVIS_EXPANDED), 0U);
+        EXPECT_EQ(told, 1);
+    }
 }
 
 TEST_F(CZelTreeCtrlTest, KeysAreToldByTheirCustomaryNumbersAndMayBeKeptFromTheSearch) {
@@ -346,10 +344,7 @@ TEST_F(CZelTreeCtrlTest, KeysAreToldByTheirCustomaryNumbersAndMayBeKeptFromTheSe
 TEST_F(CZelTreeCtrlTest, TheHooksDecideAboutAnEditOnlyWhileEditingIsEnabled) {
     tree.Take();
     // Not enabled: nobody refuses, the hooks hear nothing, and the text stays.
-    QLineEdit *edit = tree.EditLabel(b);
-    ASSERT_NE(edit, nullptr);
-    edit->setText("new");
-    QTest::keyClick(edit, Qt::Key_Return);
+    QTest::keyClick(Edit(b, "new"), Qt::Key_Return);
     EXPECT_EQ(tree.Take(), "");
     EXPECT_EQ(tree.GetItemText(b), "b");
 
@@ -358,9 +353,7 @@ TEST_F(CZelTreeCtrlTest, TheHooksDecideAboutAnEditOnlyWhileEditingIsEnabled) {
     EXPECT_EQ(tree.EditLabel(b), nullptr);
     EXPECT_EQ(tree.Take(), "begin b");
     tree.editResult = 0;
-    edit = tree.EditLabel(b);
-    ASSERT_NE(edit, nullptr);
-    edit->setText("new");
+    QLineEdit *const edit = Edit(b, "new");
     tree.editResult = 1;
     QTest::keyClick(edit, Qt::Key_Return);
     EXPECT_EQ(tree.Take(), "begin b, end new");
@@ -391,8 +384,7 @@ TEST_F(CZelTreeCtrlTest, ShortcutsDoNotTakeTheKeysOfAnEdit) {
     tree.addAction(&action);
     stage.Key(Qt::Key_K, Qt::ControlModifier);
     EXPECT_EQ(triggered, 1);
-    QLineEdit *const edit = tree.EditLabel(b);
-    ASSERT_NE(edit, nullptr);
+    QLineEdit *const edit = Edit(b);
     QTest::keyClick(edit, Qt::Key_K, Qt::ControlModifier);
     EXPECT_EQ(triggered, 1);
     EXPECT_EQ(tree.GetEditControl(), edit);

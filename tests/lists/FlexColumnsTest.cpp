@@ -66,19 +66,15 @@ TEST(LastSort, TheSameColumnTurnsRoundAndAnotherBeginsAscending) {
 }
 
 TEST(CellNumber, ATextMayBeginWithANumber) {
-    struct Case {
-        char const *text;
-        std::optional<double> value;
-    };
     double const infinity = std::numeric_limits<double>::infinity();
-    Case const cases[] = {
+    std::tuple<char const *, std::optional<double>> const cases[] = {
         {"12", 12.0},    {"  -3.5 m", -3.5},    {"+7", 7.0},  {"1e3", 1000.0},   {".5", 0.5},
         {"0x1F", 31.0},  {"0xz", 0.0},          {"1,5", 1.0}, {"inf", infinity}, {"abc", {}},
         {"", {}},        {"   ", {}},           {"--1", {}},  {"+-1", {}},       {"1e999", infinity},
         {"1e-999", 0.0}, {"-1e999", -infinity},
     };
-    for (Case const &c : cases)
-        EXPECT_EQ(ParseCellNumber(c.text), c.value) << c.text;
+    for (auto const &[text, value] : cases)
+        EXPECT_EQ(ParseCellNumber(text), value) << text;
     EXPECT_TRUE(std::isnan(ParseCellNumber("nan").value_or(0)));
 }
 

@@ -40,58 +40,49 @@ IntervalSet Rows(int first, int last) {
 
 struct TenRows : testing::Test {
     TenRows() { selection.SetRowCount(10); }
+    /// What is told of a click, or of a range that ends at `focus`.
+    std::string Select(int first, int last, int focus) {
+        selection.Select(Rows(first, last), focus);
+        return hearer.Take();
+    }
+    std::string Mark(int row, bool on = true, unsigned bits = LVIS_SELECTED) {
+        selection.SetState(row, on ? bits : 0U, bits);
+        return hearer.Take();
+    }
     Hearer hearer;
     RowSelection selection{hearer};
 };
 
 TEST_F(TenRows, AClickTellsTheRowItLeavesThenTheRowItTakesWithBothBits) {
-    selection.Select(Rows(2, 2), 2);
-    EXPECT_EQ(hearer.Take(), "2:->FS");
-    selection.Select(Rows(5, 5), 5);
-    EXPECT_EQ(hearer.Take(), "2:FS>- 5:->FS");
-    selection.Select(Rows(5, 5), 5);
-    EXPECT_EQ(hearer.Take(), "");
+    EXPECT_EQ(Select(2, 2, 2), "2:->FS");
+    EXPECT_EQ(Select(5, 5, 5), "2:FS>- 5:->FS");
+    EXPECT_EQ(Select(5, 5, 5), "");
+    EXPECT_EQ(Mark(4), "4:->S");
+    EXPECT_EQ(Select(4, 4, 4), "4:S>FS 5:FS>-") << "a row that was selected before it takes the focus";
 }
 
-TEST_F(TenRows, ARowSelectedWithoutTheFocusIsToldAgainWhenItTakesIt) {
-    selection.SetState(4, LVIS_SELECTED, LVIS_SELECTED);
-    EXPECT_EQ(hearer.Take(), "4:->S");
-    selection.Select(Rows(4, 4), 4);
-    EXPECT_EQ(hearer.Take(), "4:S>FS");
-}
-
-TEST_F(TenRows, RangesAreToldAtOnceWhereWanted) {
-    selection.SetTellsRanges(true);
-    selection.Select(Rows(3, 3), 3);
-    hearer.Take();
-    selection.Select(Rows(3, 7), 7);
-    EXPECT_EQ(hearer.Take(), "3:FS>S 4-6:->S 7:->FS");
-    selection.Select(Rows(6, 6), 6);
-    EXPECT_EQ(hearer.Take(), "3-5:S>- 7:FS>- 6:S>FS");
-    selection.SetState(-1, 0, LVIS_SELECTED | LVIS_FOCUSED);
-    EXPECT_EQ(hearer.Take(), "6:FS>F 6:F>-");
-}
-
-TEST_F(TenRows, RowByRowIsTheRuleForStoredRows) {
-    selection.SetState(-1, LVIS_SELECTED, LVIS_SELECTED);
+TEST_F(TenRows, RangesAreToldAtOnceWhereWantedAndRowByRowElsewhere) {
+    EXPECT_EQ(Mark(-1).substr(0, 11), "0:->S 1:->S");
     EXPECT_EQ(selection.Selected().Count(), 10);
-    EXPECT_EQ(hearer.Take().substr(0, 11), "0:->S 1:->S");
+    selection.SetTellsRanges(true);
+    Select(3, 3, 3);
+    EXPECT_EQ(Select(3, 7, 7), "3:FS>S 4-6:->S 7:->FS");
+    EXPECT_EQ(Select(6, 6, 6), "3-5:S>- 7:FS>- 6:S>FS");
+    EXPECT_EQ(Mark(-1, false, LVIS_SELECTED | LVIS_FOCUSED), "6:FS>F 6:F>-");
 }
 
 TEST_F(TenRows, SingleSelectionLetsTheOtherRowGo) {
     selection.SetSingle(true);
-    selection.SetState(2, LVIS_SELECTED, LVIS_SELECTED);
-    selection.SetState(6, LVIS_SELECTED, LVIS_SELECTED);
-    EXPECT_EQ(hearer.Take(), "2:->S 2:S>- 6:->S");
-    selection.Select(Rows(4, 9), 9);
+    EXPECT_EQ(Mark(2), "2:->S");
+    EXPECT_EQ(Mark(6), "2:S>- 6:->S");
+    Select(4, 9, 9);
     EXPECT_EQ(selection.Selected().Count(), 1);
     EXPECT_TRUE(selection.Selected().Contains(4));
 }
 
 TEST_F(TenRows, RowsOutsideAreNobody) {
-    selection.SetState(10, LVIS_SELECTED, LVIS_SELECTED);
-    selection.SetState(-2, LVIS_SELECTED, LVIS_SELECTED);
-    selection.Select(Rows(8, 30), 30);
+    EXPECT_EQ(Mark(10) + Mark(-2), "");
+    Select(8, 30, 30);
     EXPECT_EQ(selection.Selected().Count(), 2);
     EXPECT_EQ(selection.Focus(), -1);
 }

@@ -53,7 +53,8 @@ struct ListStage {
     Item *c = Item::Create("c", -1, 0, false);
     Item *single = Item::Create("i", -1, 0, true);
 
-    ListStage() {
+    explicit ListStage(Qt::LayoutDirection direction = Qt::LeftToRight) {
+        list.setLayoutDirection(direction);
         for (Item *item : {a, b, c})
             group->AddTail(item);
         list.AddTail(group);
@@ -82,6 +83,14 @@ TEST(TmtcListCtrl, StacksItsElements) {
     EXPECT_EQ(stage.empty->GetRect(), (Rect{1, 104, 300, 136}));
     EXPECT_EQ(stage.single->GetRect(), (Rect{1, 138, 300, 170}));
     EXPECT_EQ(stage.list.GetContentHeight(), 172);
+    ListStage const mirrored(Qt::RightToLeft);
+    auto const turned = [](Rect const &at) { return Rect{300 - at.right, at.top, 300 - at.left, at.bottom}; };
+    EXPECT_EQ(mirrored.single->GetRect(), turned(stage.single->GetRect()));
+    EXPECT_EQ(mirrored.a->IconLeft().GetRect(), turned(stage.a->IconLeft().GetRect()));
+    EXPECT_EQ(mirrored.a->TextElement().GetRect(), turned(stage.a->TextElement().GetRect()));
+    EXPECT_EQ(mirrored.a->DownButton().GetRect(), turned(stage.a->DownButton().GetRect()));
+    EXPECT_EQ(mirrored.group->AddButton().GetRect(), turned(stage.group->AddButton().GetRect()));
+    EXPECT_EQ(mirrored.empty->Link().GetRect(), turned(stage.empty->Link().GetRect()));
     stage.group->SetVisible(false);
     stage.list.RepositionItems();
     EXPECT_EQ(stage.empty->GetRect().top, 2);
@@ -111,6 +120,9 @@ TEST(TmtcListCtrl, DrawsWhatIsSelectedInGold) {
     QColor const strip = picture.pixelColor(30, 50);
     EXPECT_GT(strip.blue(), 240); // the end of the group's gradient
     EXPECT_LT(picture.pixelColor(4, 50).blue(), 150);
+    ListStage mirrored(Qt::RightToLeft);
+    EXPECT_GT(test::ColorAt(mirrored.list, {299 - 30, 50}).blue(), 240);
+    EXPECT_LT(test::ColorAt(mirrored.list, {299 - 4, 50}).blue(), 150);
     EXPECT_EQ(picture.pixelColor(200, 103), stage.list.palette().color(QPalette::Window)); // between two elements
 }
 
@@ -154,20 +166,22 @@ TEST(TmtcListCtrl, ClicksSelectItemsAndGroupsWhereTheyMay) {
 }
 
 TEST(TmtcListCtrl, ButtonsLeadToTheirOperations) {
-    ListStage stage;
-    QTest::mouseRelease(&stage.list, Qt::LeftButton, {},
-                        ListStage::Middle(stage.group->AddButton().GetRect())); // enough
-    stage.ClickOn(stage.empty->Link());
-    stage.ClickOn(stage.b->UpButton());
-    EXPECT_EQ(stage.group->Get(0), stage.b);
-    stage.ClickOn(stage.b->DownButton());
-    stage.ClickOn(stage.single->RemoveButton());
-    EXPECT_EQ(stage.list.Take(),
-              (std::vector<DString>{"add G", "add E", "up G/b", "down G/b", "remove -/i", "select i>-"}));
-    EXPECT_EQ(stage.list.GetNumElmt(), 2);
-    stage.list.makesItems = true;
-    stage.ClickOn(stage.group->AddButton());
-    EXPECT_EQ(stage.group->GetNumItem(), 4);
+    for (Qt::LayoutDirection const direction : {Qt::LeftToRight, Qt::RightToLeft}) {
+        ListStage stage(direction);
+        QTest::mouseRelease(&stage.list, Qt::LeftButton, {},
+                            ListStage::Middle(stage.group->AddButton().GetRect())); // enough
+        stage.ClickOn(stage.empty->Link());
+        stage.ClickOn(stage.b->UpButton());
+        EXPECT_EQ(stage.group->Get(0), stage.b);
+        stage.ClickOn(stage.b->DownButton());
+        stage.ClickOn(stage.single->RemoveButton());
+        EXPECT_EQ(stage.list.Take(),
+                  (std::vector<DString>{"add G", "add E", "up G/b", "down G/b", "remove -/i", "select i>-"}));
+        EXPECT_EQ(stage.list.GetNumElmt(), 2);
+        stage.list.makesItems = true;
+        stage.ClickOn(stage.group->AddButton());
+        EXPECT_EQ(stage.group->GetNumItem(), 4);
+    }
 }
 
 TEST(TmtcListCtrl, TheNextRemoveButtonLightsUpAfterARemoval) {

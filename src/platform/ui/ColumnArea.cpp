@@ -1,9 +1,11 @@
 #include "zelvar/platform/ui/ColumnArea.h"
 
+#include "zelvar/platform/ui/ReportPainter.h"
 #include "zelvar/platform/ui/Text.h"
 
 #include <QtCore/QAbstractTableModel>
 #include <QtCore/QEvent>
+#include <QtGui/QGuiApplication>
 #include <QtWidgets/QHeaderView>
 #include <QtWidgets/QScrollBar>
 
@@ -11,17 +13,6 @@
 #include <utility>
 
 namespace zelvar::platform {
-
-namespace {
-
-Qt::Alignment AlignmentOf(int format) {
-    Qt::Alignment const side = (format & LVCFMT_CENTER) != 0  ? Qt::AlignHCenter
-                               : (format & LVCFMT_RIGHT) != 0 ? Qt::AlignRight
-                                                              : Qt::AlignLeft;
-    return side | Qt::AlignVCenter;
-}
-
-} // namespace
 
 /// The captions as the header view wants them: a table of columns without rows.
 class ColumnArea::Model final : public QAbstractTableModel {
@@ -32,9 +23,9 @@ public:
     [[nodiscard]] QVariant headerData(int section, Qt::Orientation, int role) const override {
         ReportColumn const &column = At(section);
         if (role == Qt::DisplayRole)
-            return ToQString(column.caption);
+            return Isolated(ToQString(column.caption), QGuiApplication::layoutDirection());
         if (role == Qt::TextAlignmentRole)
-            return static_cast<int>(AlignmentOf(column.format));
+            return static_cast<int>(AlignmentOf(column.format) | Qt::AlignVCenter);
         return {};
     }
 
@@ -191,10 +182,22 @@ void ColumnArea::SetSortMark(int col, bool ascending) {
 
 int ColumnArea::ColumnsWidth() const { return m_header->length(); }
 
-int ColumnArea::ColumnLeft(int col) const { return m_header->sectionPosition(col) - horizontalScrollBar()->value(); }
+Rect ColumnArea::Mirrored(Rect const &rect) const {
+    int const width = viewport()->width();
+    return isRightToLeft() ? Rect{width - rect.right, rect.top, width - rect.left, rect.bottom} : rect;
+}
+
+int ColumnArea::ColumnStart(int col) const { return m_header->sectionPosition(col) - horizontalScrollBar()->value(); }
+
+int ColumnArea::ColumnLeft(int col) const {
+    int const start = ColumnStart(col);
+    return Mirrored({start, 0, start + GetColumnWidth(col), 0}).left;
+}
 
 int ColumnArea::ColumnAt(int x) const {
-    int const visual = m_header->visualIndexAt(x);
+    // The header counts from its own right edge, which stays behind while it is hidden.
+    int const lag = isRightToLeft() ? m_header->viewport()->width() - viewport()->width() : 0;
+    int const visual = m_header->visualIndexAt(x + lag);
     return visual < 0 ? -1 : m_header->logicalIndex(visual);
 }
 
@@ -245,6 +248,8 @@ void ColumnArea::changeEvent(QEvent *event) {
     QAbstractScrollArea::changeEvent(event);
     if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange)
         PlaceHeader();
+    else if (event->type() == QEvent::LayoutDirectionChange)
+        ColumnsChanged();
 }
 
 } // namespace zelvar::platform

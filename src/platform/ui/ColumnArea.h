@@ -13,7 +13,8 @@ namespace zelvar::platform {
 
 /// Scroll area below a row of column headings: the columns of a report view, their widths and their order.
 ///
-/// Columns are numbered as they were inserted; where a user has dragged them to is told by the order alone.
+/// Columns are numbered as they were inserted; where a user has dragged them to is told by the order alone. Where one
+/// reads from the right the columns begin at the right edge; places are pixels from the left all the same.
 class ZELVAR_API ColumnArea : public QAbstractScrollArea {
     Q_OBJECT
 
@@ -33,7 +34,7 @@ public:
     bool SetColumnFormat(int col, int format);
     [[nodiscard]] int GetColumnWidth(int col) const; ///< 0 for no such column
     bool SetColumnWidth(int col, int width);         ///< pixels, or one of `LVSCW_...`
-    /// Column numbers from left to right.
+    /// Column numbers in the order of reading.
     [[nodiscard]] std::vector<int> GetColumnOrderArray() const;
     bool SetColumnOrderArray(std::vector<int> const &order);
     [[nodiscard]] QHeaderView *GetHeaderCtrl() const { return m_header; }
@@ -44,10 +45,15 @@ public:
     [[nodiscard]] int ColumnsWidth() const;      ///< of all columns
     [[nodiscard]] int ColumnLeft(int col) const; ///< in viewport pixels, scrolled
     [[nodiscard]] int ColumnAt(int x) const;     ///< at viewport pixel `x`, -1 for none
-    /// Scrolls sideways as far as it takes to see the column, or the left end of one that is wider than the view.
+    /// Scrolls sideways as far as it takes to see the column, or the beginning of one that is wider than the view.
     void EnsureColumnVisible(int col);
 
 protected:
+    /// Turns a rectangle of the viewport that counts from the edge where reading begins into one that counts from the
+    /// left, and the other way round.
+    [[nodiscard]] Rect Mirrored(Rect const &rect) const;
+    [[nodiscard]] int ColumnStart(int col) const; ///< pixels from the edge where reading begins, scrolled
+
     /// What fits a column, for `LVSCW_AUTOSIZE`.
     [[nodiscard]] virtual int ContentWidth(int col) const = 0;
     virtual void ColumnInserted(int col) = 0;

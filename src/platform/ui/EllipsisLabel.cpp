@@ -1,5 +1,6 @@
 #include "zelvar/platform/ui/EllipsisLabel.h"
 
+#include "zelvar/platform/ui/Reading.h"
 #include "zelvar/platform/ui/Text.h"
 
 #include <QtGui/QHelpEvent>
@@ -41,7 +42,8 @@ void EllipsisLabel::paintEvent(QPaintEvent *event) {
     QFrame::paintEvent(event);
     QPainter painter(this);
     painter.setPen(palette().color(foregroundRole()));
-    painter.drawText(contentsRect(), Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, ShownText());
+    int const flags = ReadingFlags(m_text, Qt::AlignLeft | Qt::AlignVCenter, layoutDirection());
+    painter.drawText(contentsRect(), flags | Qt::TextSingleLine, ShownText());
 }
 
 bool EllipsisLabel::event(QEvent *event) {

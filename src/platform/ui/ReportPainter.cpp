@@ -24,16 +24,21 @@ std::string_view Seen(std::string_view text, int width) {
 
 } // namespace
 
-void DrawCellText(QPainter &painter, Rect const &cell, std::string_view text, int format, CellPlace place) {
+Qt::Alignment AlignmentOf(int format) {
+    return (format & LVCFMT_CENTER) != 0  ? Qt::AlignHCenter
+           : (format & LVCFMT_RIGHT) != 0 ? Qt::AlignRight
+                                          : Qt::AlignLeft;
+}
+
+void DrawCellText(QPainter &painter, Rect const &cell, std::string_view text, int format, CellPlace place,
+                  Reading reading) {
     if (cell.IsEmpty() || text.empty())
         return;
     QString const shown = ToQString(Seen(text, cell.Width()));
-    Qt::Alignment const side = (format & LVCFMT_CENTER) != 0  ? Qt::AlignHCenter
-                               : (format & LVCFMT_RIGHT) != 0 ? Qt::AlignRight
-                                                              : Qt::AlignLeft;
     Qt::Alignment const upDown = place == CellPlace::Top ? Qt::AlignTop : Qt::AlignVCenter;
+    int const flags = ReadingFlags(shown, AlignmentOf(format) | upDown, painter.layoutDirection(), reading);
     QString const fitting = painter.fontMetrics().elidedText(shown, Qt::ElideRight, cell.Width());
-    painter.drawText(ToQRect(cell), static_cast<int>(side | upDown) | Qt::TextSingleLine, fitting);
+    painter.drawText(ToQRect(cell), flags | Qt::TextSingleLine, fitting);
 }
 
 void DrawListPicture(QPainter &painter, Point corner, HIMAGELIST list, int index, bool selected) {

@@ -3,6 +3,7 @@
 #include "zelvar/base/Color.h"
 #include "zelvar/base/Geometry.h"
 #include "zelvar/base/ImageList.h"
+#include "zelvar/platform/ui/Reading.h"
 
 #include <QtCore/QRect>
 #include <QtGui/QFontMetrics>
@@ -18,12 +19,17 @@ namespace zelvar::platform {
     return {rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top};
 }
 
+/// `LVCFMT_...` as an alignment.
+[[nodiscard]] Qt::Alignment AlignmentOf(int format);
+
 /// How `DrawCellText` places a text from top to bottom.
 enum class CellPlace { Top, Centered };
 
 /// One line of text in a cell, cut with an ellipsis where it does not fit; what follows a line end is not drawn.
-/// `format` is one of `LVCFMT_...`. Uses the painter's pen and font.
-void DrawCellText(QPainter &painter, Rect const &cell, std::string_view text, int format, CellPlace place);
+/// `format` is one of `LVCFMT_...`, meant from the edge where the painter's layout direction begins. Uses the painter's
+/// pen and font.
+void DrawCellText(QPainter &painter, Rect const &cell, std::string_view text, int format, CellPlace place,
+                  Reading reading = Reading::ByScript);
 
 /// A picture of a list at the top left corner of `cell`, at the painter's pixel ratio; `selected` mixes it with the
 /// highlight colour. Nothing for a null list or an index outside it.

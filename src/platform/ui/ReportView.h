@@ -60,7 +60,7 @@ public:
     [[nodiscard]] int GetFocusRow() const { return m_selection.Focus(); }
     void SetSelectionMark(int row) { m_selection.SetAnchor(row); }
 
-    // Rectangles and points in pixels of the viewport, scrolled.
+    // Rectangles and points in pixels of the viewport from its left edge, scrolled.
     [[nodiscard]] ReportHit SubItemHitTest(Point point) const;
     [[nodiscard]] Rect GetItemRect(int row) const;
     /// `LVIR_BOUNDS` of column 0 is the row; `LVIR_LABEL` leaves out the image.
@@ -96,11 +96,14 @@ protected:
     virtual int OnCreate() { return 0; } ///< other than 0 refuses
     virtual void EraseBackground(QPainter &painter, Rect const &area) const;
     virtual void DrawItem(DrawItemStruct const &item);
+    [[nodiscard]] Rect PictureRect(Rect const &row) const; ///< in the corner where one begins to read the row
+    void DrawRowPicture(DrawItemStruct const &item) const;
     virtual void OnGetDispInfo(DispInfo &info) const;
     /// Pixels that a cell needs, image, indent and margins included.
     [[nodiscard]] virtual int MeasureCell(int row, int col) const;
 
-    /// Pixels of a cell before its text: here the room of the first column's image.
+    /// Pixels of a cell before its text, on the side where one begins to read: here the room of the first column's
+    /// image.
     [[nodiscard]] virtual int LabelLeft(int row, int col) const;
     [[nodiscard]] int CellMargins(int row, int col) const; ///< what `MeasureCell` leaves beside the text
 

@@ -114,8 +114,8 @@ Rect ReportView::GetItemRect(int row) const {
     // Rows far away keep clear of the integers' ends.
     constexpr std::int64_t far = 1 << 28;
     int const top = static_cast<int>(std::clamp(Geometry().RowTop(row) - ContentTop(), -far, far));
-    int const left = -horizontalScrollBar()->value();
-    return {left, top, left + ColumnsWidth(), top + RowHeight()};
+    int const start = -horizontalScrollBar()->value();
+    return Mirrored({start, top, start + ColumnsWidth(), top + RowHeight()});
 }
 
 int ReportView::LabelLeft(int row, int col) const {
@@ -128,14 +128,14 @@ Rect ReportView::GetSubItemRect(int row, int col, int part) const {
     Rect rect = GetItemRect(row);
     if (col == 0 && part == LVIR_BOUNDS)
         return rect;
-    rect.left = ColumnLeft(col);
+    rect.left = ColumnStart(col);
     rect.right = rect.left + GetColumnWidth(col);
     int const label = std::min(rect.left + LabelLeft(row, col), rect.right);
     if (part == LVIR_LABEL)
         rect.left = label;
     else if (part == LVIR_ICON)
         rect.right = label;
-    return rect;
+    return Mirrored(rect);
 }
 
 ReportHit ReportView::SubItemHitTest(Point point) const {

@@ -103,7 +103,8 @@ void ReportView::contextMenuEvent(QContextMenuEvent *event) {
     QPoint at = event->globalPos();
     if (event->reason() == QContextMenuEvent::Keyboard) {
         Rect const row = GetItemRect(std::max(GetFocusRow(), 0));
-        at = viewport()->mapToGlobal(QPoint(row.left + 4, std::clamp(row.bottom, 0, viewport()->height())));
+        int const x = isRightToLeft() ? row.right - 4 : row.left + 4;
+        at = viewport()->mapToGlobal(QPoint(x, std::clamp(row.bottom, 0, viewport()->height())));
     }
     if (!OnContextMenu(at))
         Q_EMIT ContextMenu(at);
@@ -172,8 +173,9 @@ void ReportView::keyPressEvent(QKeyEvent *event) {
         return;
     }
     if (event->key() == Qt::Key_Left || event->key() == Qt::Key_Right) {
-        horizontalScrollBar()->triggerAction(event->key() == Qt::Key_Left ? QAbstractSlider::SliderSingleStepSub
-                                                                          : QAbstractSlider::SliderSingleStepAdd);
+        bool const goesBack = (event->key() == Qt::Key_Left) != isRightToLeft();
+        horizontalScrollBar()->triggerAction(goesBack ? QAbstractSlider::SliderSingleStepSub
+                                                      : QAbstractSlider::SliderSingleStepAdd);
         return;
     }
     bool const searching = m_typedAt.isValid() && m_typedAt.elapsed() < kTypingPause && !m_typed.isEmpty();

@@ -1,4 +1,5 @@
 // How a report view draws itself, and its tool tips.
+#include "zelvar/platform/ui/Pictures.h"
 #include "zelvar/platform/ui/ReportPainter.h"
 #include "zelvar/platform/ui/ReportView.h"
 #include "zelvar/platform/ui/SystemColor.h"
@@ -19,6 +20,7 @@ void ReportView::paintEvent(QPaintEvent *event) {
     RowGeometry const &geometry = Geometry();
     QPainter painter(viewport());
     painter.setFont(font());
+    painter.setLayoutDirection(layoutDirection()); // a painter begins with the application's
     EraseBackground(painter, GetClientRect());
 
     std::int64_t const above = ContentTop();
@@ -56,14 +58,27 @@ void ReportView::DrawGroupHeaders(QPainter &painter, std::int64_t top, std::int6
         bold.setBold(true);
         painter.setFont(bold);
         painter.setPen(ink);
-        painter.drawText(line, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
+        int const flags = ReadingFlags(text, Qt::AlignLeft | Qt::AlignVCenter, layoutDirection());
+        painter.drawText(line, flags | Qt::TextSingleLine,
                          painter.fontMetrics().elidedText(text, Qt::ElideRight, line.width()));
-        int const from = line.left() + painter.fontMetrics().horizontalAdvance(text) + 8;
-        painter.setPen(palette().color(QPalette::Mid));
-        if (from < line.right())
-            painter.drawLine(from, line.center().y(), line.right(), line.center().y());
+        Rect const rule{line.left() + painter.fontMetrics().horizontalAdvance(text) + 8, line.center().y(),
+                        line.right() + 1, line.center().y() + 1};
+        if (rule.left < rule.right)
+            painter.fillRect(ToQRect(Mirrored(rule)), palette().color(QPalette::Mid));
         painter.restore();
     }
+}
+
+Rect ReportView::PictureRect(Rect const &row) const {
+    Rect place = Mirrored(row);
+    place.right = place.left + kSmallPicture;
+    return Mirrored(place);
+}
+
+void ReportView::DrawRowPicture(DrawItemStruct const &item) const {
+    Rect const place = PictureRect(item.rcItem);
+    DrawListPicture(item.painter, {place.left, place.top}, m_images, GetItemImage(item.itemID),
+                    (item.state & LVIS_SELECTED) != 0);
 }
 
 void ReportView::DrawItem(DrawItemStruct const &item) {
@@ -71,7 +86,7 @@ void ReportView::DrawItem(DrawItemStruct const &item) {
     ColorRef const text = selected ? SystemColor(COLOR_HIGHLIGHTTEXT) : item.textColor;
     item.painter.fillRect(ToQRect(item.rcItem), ToQColor(selected ? SystemColor(COLOR_HIGHLIGHT) : item.bkColor));
     item.painter.setPen(ToQColor(text));
-    DrawListPicture(item.painter, {item.rcItem.left, item.rcItem.top}, m_images, GetItemImage(item.itemID), selected);
+    DrawRowPicture(item);
     for (int const col : GetColumnOrderArray()) {
         ReportColumn column;
         std::ignore = GetColumn(col, column);

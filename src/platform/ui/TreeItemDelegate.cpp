@@ -1,6 +1,7 @@
 #include "zelvar/platform/ui/TreeItemDelegate.h"
 
 #include "zelvar/platform/ui/Pictures.h"
+#include "zelvar/platform/ui/Reading.h"
 #include "zelvar/platform/ui/TreeView.h"
 
 #include <QtGui/QPainter>
@@ -11,6 +12,7 @@ TreeItemDelegate::TreeItemDelegate(TreeView &tree) : QStyledItemDelegate(&tree),
 
 void TreeItemDelegate::initStyleOption(QStyleOptionViewItem *option, QModelIndex const &index) const {
     QStyledItemDelegate::initStyleOption(option, index);
+    option->text = Isolated(option->text, option->direction);
     auto const &node = *static_cast<TreeNode const *>(index.internalPointer());
     if ((node.state & TVIS_BOLD) != 0) {
         option->font.setBold(true);

@@ -19,7 +19,10 @@ TreeLabelEdit::TreeLabelEdit(TreeView &tree, HTREEITEM item)
 void TreeLabelEdit::GrowToText() {
     constexpr int room = 16; // pixels for the frame and what is typed next
     int const wanted = fontMetrics().horizontalAdvance(text()) + room;
-    resize(std::clamp(wanted, width(), std::max(width(), m_tree.viewport()->width() - x())), height());
+    int const end = x() + width();
+    int const most = std::max(width(), isRightToLeft() ? end : m_tree.viewport()->width() - x());
+    int const grown = std::clamp(wanted, width(), most);
+    setGeometry(isRightToLeft() ? end - grown : x(), y(), grown, height());
 }
 
 bool TreeLabelEdit::event(QEvent *event) {

@@ -1,0 +1,43 @@
+#include "zelvar/platform/ui/Reading.h"
+
+#include "zelvar/platform/ui/ReportPainter.h"
+#include "zelvar/platform/ui/ReportTypes.h"
+
+#include <QtGui/QImage>
+#include <QtGui/QPainter>
+
+#include <gtest/gtest.h>
+
+namespace zelvar::platform {
+namespace {
+
+QImage Drawn(char const *text, int format, Qt::LayoutDirection window, Reading reading = Reading::ByScript) {
+    QImage image(150, 20, QImage::Format_RGB32);
+    image.fill(Qt::white);
+    QPainter painter(&image);
+    painter.setLayoutDirection(window);
+    DrawCellText(painter, {0, 0, 150, 20}, text, format, CellPlace::Top, reading);
+    return image;
+}
+
+TEST(Reading, ATextKeepsItsOwnDirectionInEitherWindow) {
+    using enum Reading;
+    std::tuple<char const *, Reading, bool> const cases[] = {
+        {"543 KB", ByScript, false}, {"tail.", ByScript, false},       {"(2) שלום", ByScript, true},
+        {"/שלום/", ByScript, false}, {"שלום.tif", LeftToRight, false}, {"", ByScript, false}};
+    for (auto const &[text, reading, fromRight] : cases) {
+        QString const plain = QString::fromUtf8(text);
+        QString const marked = QChar(fromRight ? 0x2067 : 0x2066) + plain + QChar(0x2069);
+        EXPECT_EQ(Isolated(plain, fromRight ? Qt::RightToLeft : Qt::LeftToRight, reading), plain);
+        EXPECT_EQ(Isolated(plain, fromRight ? Qt::LeftToRight : Qt::RightToLeft, reading),
+                  plain.isEmpty() ? plain : marked);
+        for (auto const &[here, there] : {std::pair{LVCFMT_LEFT, LVCFMT_RIGHT}, {LVCFMT_RIGHT, LVCFMT_LEFT}})
+            EXPECT_EQ(Drawn(text, here, Qt::LeftToRight, reading), Drawn(text, there, Qt::RightToLeft, reading))
+                << text;
+    }
+    EXPECT_NE(Drawn("שלום.tif", LVCFMT_LEFT, Qt::RightToLeft),
+              Drawn("שלום.tif", LVCFMT_LEFT, Qt::RightToLeft, Reading::LeftToRight));
+}
+
+} // namespace
+} // namespace zelvar::platform
