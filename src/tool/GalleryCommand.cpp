@@ -33,7 +33,7 @@ int RunGallery(std::vector<DString> const &words, int &argc, char **argv) {
     }
     bool const attended = ChoosePlatform();
     QApplication const application(argc, argv);
-    AvoidTypewriter();
+    DressApplication();
     ZelvarInit();
     gallery::Gallery window;
     if (arguments->values.contains("--page") && !window.ShowPage(arguments->Value("--page"))) {

@@ -3,6 +3,7 @@
 #include "zelvar/platform/ui/UserMessages.h"
 
 #include <QtGui/QFontInfo>
+#include <QtGui/QIcon>
 #include <QtWidgets/QApplication>
 
 #include <cstdio>
@@ -25,7 +26,9 @@ bool ChoosePlatform() {
     return false;
 }
 
-void AvoidTypewriter() {
+void DressApplication() {
+    QGuiApplication::setDesktopFileName(QStringLiteral("org.example.Zelvar"));
+    QGuiApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("org.example.Zelvar")));
     QFont font = QApplication::font();
     if (!QFontInfo(font).fixedPitch())
         return;
