@@ -1,4 +1,4 @@
-# Installation, the CMake package, pkg-config files and Debian packages.
+# Installation, the CMake package and pkg-config files. Debian packages stand around it: packaging/debian.
 include(CMakePackageConfigHelpers)
 
 set(ZELVAR_DATA_DIR "${CMAKE_INSTALL_DATADIR}/zelvar")
@@ -7,6 +7,11 @@ install(TARGETS zelvar-core zelvar EXPORT ZelvarTargets
 install(TARGETS zelvar-gdal LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}/zelvar" COMPONENT runtime)
 install(TARGETS zelvar-reader RUNTIME DESTINATION "${CMAKE_INSTALL_LIBDIR}/zelvar" COMPONENT runtime)
 install(TARGETS zelvar-tool RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT runtime)
+foreach(entry "applications;desktop" "metainfo;metainfo.xml" "icons/hicolor/scalable/apps;svg")
+  list(GET entry 0 folder)
+  list(GET entry 1 ending)
+  install(FILES "packaging/org.example.Zelvar.${ending}" DESTINATION "${CMAKE_INSTALL_DATADIR}/${folder}" COMPONENT runtime)
+endforeach()
 install(DIRECTORY "${CMAKE_SOURCE_DIR}/share/" DESTINATION "${ZELVAR_DATA_DIR}" COMPONENT runtime)
 
 configure_package_config_file(cmake/ZelvarConfig.cmake.in "${CMAKE_BINARY_DIR}/ZelvarConfig.cmake"
@@ -28,21 +33,3 @@ foreach(library zelvar-core zelvar)
   configure_file(cmake/zelvar.pc.in "${CMAKE_BINARY_DIR}/${library}.pc" @ONLY)
   install(FILES "${CMAKE_BINARY_DIR}/${library}.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT dev)
 endforeach()
-
-set(CPACK_PACKAGE_NAME zelvar)
-set(CPACK_PACKAGE_CONTACT "Zelvar developers <zelvar@example.org>")
-set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "Graphical components for picking and viewing image data")
-set(CPACK_COMPONENTS_ALL runtime dev)
-set(CPACK_DEB_COMPONENT_INSTALL ON)
-set(CPACK_DEBIAN_ENABLE_COMPONENT_DEPENDS ON)
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME zelvar)
-set(CPACK_DEBIAN_DEV_PACKAGE_NAME zelvar-dev)
-set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${CMAKE_BINARY_DIR}/lib")
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_DEPENDS "libqt6widgets6 (>= 6.4)")
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_RECOMMENDS "fonts-liberation, libsmbclient, gvfs-backends")
-set(CPACK_DEBIAN_DEV_PACKAGE_DEPENDS "zelvar (= ${PROJECT_VERSION}), qt6-base-dev, libboost-dev")
-set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
-include(CPack)
-cpack_add_component(runtime)
-cpack_add_component(dev DEPENDS runtime)

@@ -14,6 +14,7 @@
 #   so an include of a module that is not linked does not compile.
 include(ZelvarWarnings)
 define_property(TARGET PROPERTY ZELVAR_LAYER BRIEF_DOCS "layer of a module" FULL_DOCS "layer of a module")
+define_property(TARGET PROPERTY ZELVAR_PUBLIC_HEADERS BRIEF_DOCS "includes for applications" FULL_DOCS "as they are written")
 
 function(zelvar_module name)
   cmake_parse_arguments(ARG "QT;PRIVATE_HEADERS" "LAYER;FOLDER" "PUBLIC_HEADERS;DEPENDS;PRIVATE;EXTERNAL;EXTERNAL_PRIVATE;SOURCES" ${ARGN})
@@ -57,10 +58,12 @@ function(zelvar_module name)
     message(FATAL_ERROR "${name}: say PUBLIC_HEADERS or PRIVATE_HEADERS")
   endif()
   if(ARG_PUBLIC_HEADERS)
+    list(TRANSFORM ARG_PUBLIC_HEADERS PREPEND "zelvar/${ARG_FOLDER}/" OUTPUT_VARIABLE includes)
+    set_target_properties(zelvar_${name} PROPERTIES ZELVAR_PUBLIC_HEADERS "${includes}")
     install(FILES ${ARG_PUBLIC_HEADERS} DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/zelvar/${ARG_FOLDER}" COMPONENT dev)
   endif()
 
-  if(ZELVAR_DEV)
+  if(ZELVAR_CHECK_HEADERS)
     zelvar_check_headers(${name} ${ARG_FOLDER} ${headers})
   endif()
 endfunction()

@@ -1,6 +1,4 @@
-#include "zelvar/data/DIOPluginMngr.h"
-#include "zelvar/filedlg/FileDlg.h"
-#include "zelvar/library/ZelvarInit.h"
+#include "zelvar/Zelvar.h"
 
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QMainWindow>
@@ -9,7 +7,7 @@
 
 int main(int argc, char **argv) {
     QApplication const application(argc, argv);
-    zelvar::ZelvarInit();
+    zelvar::Library const library;
     zelvar::DFileFrmt projects("PRJ", "Projects", "*.prj");
     zelvar::FileDlg::pFrmt_prjct = &projects; // the application's documents; GDAL's formats are there
     QMainWindow window;                       // without a main window images come from the platform's dialog
@@ -21,5 +19,4 @@ int main(int argc, char **argv) {
     save.SetInitFile("untitled.prj");
     if (save.OpenPrjct(1))
         std::puts(save.GetPhysFile().c_str());
-    zelvar::ZelvarShutdown();
 }

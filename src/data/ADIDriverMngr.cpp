@@ -1,6 +1,5 @@
 #include "zelvar/data/ADIDriverMngr.h"
 
-#include "zelvar/data/DriverProvider.h"
 #include "zelvar/data/DriverTable.h"
 
 #include <utility>
@@ -11,9 +10,7 @@ struct ADIDriverMngr::Impl {
     DriverTable<ADIDriver> table;
 };
 
-ADIDriverMngr::ADIDriverMngr() : m_impl(std::make_unique<Impl>()) {
-    OnForgetDrivers([this] { m_impl->table.Clear(); });
-}
+ADIDriverMngr::ADIDriverMngr() : m_impl(std::make_unique<Impl>()) {}
 ADIDriverMngr::~ADIDriverMngr() = default;
 
 ADIDriverMngr *ADIDriverMngr::Instance() {
@@ -32,26 +29,19 @@ bool ADIDriverMngr::OpenTable(BDIMoniker const &moniker, ADIDriver **driver, voi
     *driver = nullptr;
     *handle = nullptr;
     DError reason;
-    if (moniker.IsEmpty()) {
+    if (moniker.IsEmpty())
         reason.Set("nothing to open");
-    } else {
-        if (ADIDriver *named = m_impl->table.Find(driverId); named != nullptr) {
-            *driver = named;
-            *handle = named->OpenTable(moniker, stop, &reason);
-        }
-        if (*handle == nullptr)
-            *handle = m_impl->table.OpenFirst(
-                [&](ADIDriver &candidate) { return candidate.OpenTableInFamily(moniker, driver, stop, &reason); });
-    }
-    if (*handle != nullptr)
-        return true;
-    *driver = nullptr;
-    if (!reason.IsSet())
-        reason.Set("no driver reads \"" + moniker.GetText() + "\" as a table");
-    Report::TraceMessage(Report::kTraceDriver, "%s", reason.Text().c_str());
-    if (error != nullptr)
-        *error = reason;
-    return false;
+    else
+        *handle = m_impl->table.OpenNamedOrFirst(
+            driverId,
+            [&](ADIDriver &named) {
+                *driver = &named;
+                return named.OpenTable(moniker, stop, &reason);
+            },
+            [&](ADIDriver &candidate) { return candidate.OpenTableInFamily(moniker, driver, stop, &reason); });
+    if (*handle == nullptr)
+        *driver = nullptr;
+    return IsOpened(*handle, reason, "no driver reads \"" + moniker.GetText() + "\" as a table", error);
 }
 
 std::vector<ADIDriver *> const &ADIDriverMngr::Drivers() {
@@ -61,9 +51,6 @@ std::vector<ADIDriver *> const &ADIDriverMngr::Drivers() {
 
 void ADIDriverMngr::Add(std::unique_ptr<ADIDriver> driver) { m_impl->table.Add(std::move(driver), false); }
 
-void ADIDriverMngr::Reset() {
-    m_impl->table.Clear();
-    ForgetDrivers();
-}
+void ADIDriverMngr::Reset() { ForgetDrivers(); }
 
 } // namespace zelvar

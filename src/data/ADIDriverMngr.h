@@ -14,16 +14,15 @@ public:
 
     /// Driver by id (case not regarded), or null.
     ADIDriver *GetDriver(char const *id);
-    /// Opens the table: with `driverId` of a known driver by that one, else, or if that does not open it, by the first
-    /// that does. Sets `*driver` and `*handle`; false, with the reason in `*error` (may be null), if nothing opens. A
-    /// file opens with drivers that do not reach out; only a moniker that is an address may use the network.
+    /// Opens the table: with `driverId` of a known driver by that one, else by the first that does. Sets `*driver` and
+    /// `*handle`; false, with the reason in `*error` (may be null), if nothing opens. A file opens with drivers that do
+    /// not reach out; only a moniker that is an address may use the network.
     bool OpenTable(BDIMoniker const &moniker, ADIDriver **driver, void **handle, DError *error, char const *driverId,
                    StopSignal const *stop = nullptr);
     std::vector<ADIDriver *> const &Drivers();
 
     void Add(std::unique_ptr<ADIDriver> driver);
-    /// Removes all drivers and forgets that the provider was asked; so does a `Reset` of another manager, since the
-    /// provider then adds them anew.
+    /// See `BDIDrvrMngr::Reset`.
     void Reset();
 
 private:

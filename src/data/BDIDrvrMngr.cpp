@@ -71,9 +71,6 @@ void BDIDrvrMngr::Add(std::unique_ptr<BDIDrvr> driver) {
     m_impl->table.Add(std::move(driver), multiple);
 }
 
-void BDIDrvrMngr::Reset() {
-    m_impl->table.Clear();
-    ForgetDrivers();
-}
+void BDIDrvrMngr::Reset() { ForgetDrivers(); }
 
 } // namespace zelvar

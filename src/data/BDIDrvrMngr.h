@@ -38,7 +38,7 @@ public:
 
     /// Adds a driver behind the others; the manager owns it. Not while another thread asks: the lists given out change.
     void Add(std::unique_ptr<BDIDrvr> driver);
-    /// Removes all drivers and forgets that the provider was asked. For tests; no repository may be open.
+    /// Removes the drivers of all managers and forgets that the provider was asked. For tests; nothing may be open.
     void Reset();
 
 private:

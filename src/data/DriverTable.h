@@ -1,6 +1,8 @@
 #pragma once
 
 #include "zelvar/base/PathStyle.h"
+#include "zelvar/base/Report.h"
+#include "zelvar/data/DriverProvider.h"
 
 #include <algorithm>
 #include <memory>
@@ -10,11 +12,16 @@
 
 namespace zelvar {
 
-/// The drivers of one manager: in order, by id and by extension. Any thread may ask; adding is for the start.
+/// The drivers of one manager: in order, by id and by extension. Any thread may ask; adding is for the start. It lives
+/// as long as the process, and is empty again when the provider is to add its drivers anew.
 template <class Driver>
 class DriverTable {
 public:
     using List = std::vector<Driver *>;
+
+    DriverTable() {
+        OnForgetDrivers([this] { Clear(); });
+    }
 
     void Add(std::unique_ptr<Driver> driver, bool byExtension) {
         std::lock_guard const lock(m_mutex);
@@ -44,14 +51,6 @@ public:
         auto const at = m_byExtension.find(FoldCase(extension));
         return at == m_byExtension.end() ? m_none : at->second;
     }
-    void Clear() {
-        std::lock_guard const lock(m_mutex);
-        m_byId.clear();
-        m_byExtension.clear();
-        m_drivers.clear();
-        m_owned.clear();
-    }
-
     /// Calls `open` for each driver in order until it yields a handle; of a family only for the first.
     template <class Open>
     void *OpenFirst(Open const &open) const {
@@ -69,7 +68,23 @@ public:
         return nullptr;
     }
 
+    /// With `id` of a known driver what `openNamed` yields for that one and no other: who names a driver does not want
+    /// what another makes of the data. Else the first handle that `open` yields.
+    template <class OpenNamed, class Open>
+    void *OpenNamedOrFirst(char const *id, OpenNamed const &openNamed, Open const &open) const {
+        Driver *const named = Find(id);
+        return named == nullptr ? OpenFirst(open) : openNamed(*named);
+    }
+
 private:
+    void Clear() {
+        std::lock_guard const lock(m_mutex);
+        m_byId.clear();
+        m_byExtension.clear();
+        m_drivers.clear();
+        m_owned.clear();
+    }
+
     static constexpr std::size_t kLongestExtension = 32;
 
     mutable std::mutex m_mutex;
@@ -79,5 +94,18 @@ private:
     List m_drivers;
     std::vector<std::unique_ptr<Driver>> m_owned;
 };
+
+/// The end of an attempt to open: true for a handle. Else the reason, `nothing` if there is none yet, goes to the trace
+/// and to `error`, which may be null.
+inline bool IsOpened(void const *handle, DError &reason, DString const &nothing, DError *error) {
+    if (handle != nullptr)
+        return true;
+    if (!reason.IsSet())
+        reason.Set(nothing);
+    Report::TraceMessage(Report::kTraceDriver, "%s", reason.Text().c_str());
+    if (error != nullptr)
+        *error = reason;
+    return false;
+}
 
 } // namespace zelvar

@@ -1,6 +1,5 @@
 #include "zelvar/data/RDIDriverMngr.h"
 
-#include "zelvar/data/DriverProvider.h"
 #include "zelvar/data/DriverTable.h"
 
 #include <utility>
@@ -31,24 +30,19 @@ bool RDIDriverMngr::OpenFile(BDIMoniker const &moniker, RDIDriver **driver, void
     *handle = nullptr;
     BDIMoniker const full = moniker.WithOptions(options == nullptr ? "" : options);
     DError reason;
-    if (full.IsEmpty()) {
+    if (full.IsEmpty())
         reason.Set("nothing to open");
-    } else if (RDIDriver *named = m_impl->table.Find(driverId); named != nullptr) {
-        *driver = named;
-        *handle = named->OpenFile(full, stop, &reason);
-    } else {
-        *handle = m_impl->table.OpenFirst(
+    else
+        *handle = m_impl->table.OpenNamedOrFirst(
+            driverId,
+            [&](RDIDriver &named) {
+                *driver = &named;
+                return named.OpenFile(full, stop, &reason);
+            },
             [&](RDIDriver &candidate) { return candidate.OpenFileInFamily(full, driver, stop, &reason); });
-    }
-    if (*handle != nullptr)
-        return true;
-    *driver = nullptr;
-    if (!reason.IsSet())
-        reason.Set("no driver reads \"" + full.GetText() + "\"");
-    Report::TraceMessage(Report::kTraceDriver, "%s", reason.Text().c_str());
-    if (error != nullptr)
-        *error = reason;
-    return false;
+    if (*handle == nullptr)
+        *driver = nullptr;
+    return IsOpened(*handle, reason, "no driver reads \"" + full.GetText() + "\"", error);
 }
 
 std::vector<RDIDriver *> const &RDIDriverMngr::Drivers() {
@@ -58,9 +52,6 @@ std::vector<RDIDriver *> const &RDIDriverMngr::Drivers() {
 
 void RDIDriverMngr::Add(std::unique_ptr<RDIDriver> driver) { m_impl->table.Add(std::move(driver), false); }
 
-void RDIDriverMngr::Reset() {
-    m_impl->table.Clear();
-    ForgetDrivers();
-}
+void RDIDriverMngr::Reset() { ForgetDrivers(); }
 
 } // namespace zelvar

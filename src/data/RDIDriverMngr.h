@@ -15,7 +15,7 @@ public:
 
     /// Driver by id (case not regarded), or null.
     RDIDriver *GetDriver(char const *id);
-    /// Opens the data: with `driverId` not empty that driver, else, or if it is unknown, the first that does. Sets
+    /// Opens the data: with `driverId` of a known driver by that one, else by the first that does. Sets
     /// `*driver` and `*handle`; false, with the reason in `*error` (may be null), if nothing opens. A file opens with
     /// drivers that do not reach out; only a moniker that is an address may use the network. `options` is added to the
     /// moniker's own.
@@ -24,6 +24,7 @@ public:
     std::vector<RDIDriver *> const &Drivers();
 
     void Add(std::unique_ptr<RDIDriver> driver);
+    /// See `BDIDrvrMngr::Reset`.
     void Reset();
 
 private:

@@ -75,7 +75,6 @@ void HierarchyList::InitializeLayout() {
     for (int pane = 0; pane < GetPaneCount(); ++pane)
         m_splitter->SetColumnInfo(pane, each, kMinWidth);
     m_splitter->RecalcLayout();
-    m_layoutInitialized = true;
 }
 
 void HierarchyList::ResetDataSources(ItemList const &items) {

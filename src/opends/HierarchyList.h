@@ -72,7 +72,6 @@ private:
     platform::MessageMap m_messages;
     DSplitterWnd *m_splitter; ///< a child
     QPointer<QObject> m_coordinator;
-    bool m_layoutInitialized = false;
     platform::MessageId m_rootChangeMessage = 0;
 };
 

@@ -1,8 +1,7 @@
 #include "zelvar/tool/CommandTable.h"
 
 #include <algorithm>
-#include <span>
-#include <utility>
+#include <iterator>
 
 namespace zelvar::tool {
 
@@ -29,7 +28,8 @@ constexpr std::pair<char const *, char const *> kWords[] = {
      "process, ruleset, solution, all"},
     {"SET", "ok, ok-cancel, abort-retry-ignore, yes-no, yes-no-cancel, retry-cancel, keep, continue-abort"},
 };
-constexpr char kExitCodes[] = "Exit codes: 0 done, 1 cancelled or nothing found, 2 usage, 3 failed.\n";
+constexpr std::pair<ExitCode, char const *> kExitCodes[] = {
+    {kDone, "done"}, {kNothing, "cancelled or nothing found"}, {kUsage, "usage"}, {kFailed, "failed"}};
 
 /// `word` in `text`, not as part of another word.
 bool HasWord(std::string_view text, std::string_view word) {
@@ -96,9 +96,15 @@ std::vector<DString> Pieces(CommandSpec const &spec) {
 }
 
 void AppendWords(DString &to, std::string_view used) {
-    for (auto const &[word, meaning] : kWords)
-        if (HasWord(used, word))
-            AppendWrapped(to, DString(word) + ": " + meaning + ".", 0, std::string_view(word).size() + 2);
+    for (auto const &[word, meaning] : WordsIn(used))
+        AppendWrapped(to, DString(word) + ": " + meaning + ".", 0, std::string_view(word).size() + 2);
+}
+
+DString ExitCodesLine() {
+    DString line;
+    for (auto const &[code, meaning] : kExitCodes)
+        line += Format("%s%d %s", line.empty() ? "Exit codes: " : ", ", code, meaning);
+    return line + ".\n";
 }
 
 } // namespace
@@ -238,13 +244,22 @@ DString Synopsis(CommandSpec const &spec) {
     return line;
 }
 
+std::vector<std::pair<char const *, char const *>> WordsIn(std::string_view text) {
+    std::vector<std::pair<char const *, char const *>> found;
+    std::copy_if(std::begin(kWords), std::end(kWords), std::back_inserter(found),
+                 [text](auto const &word) { return HasWord(text, word.first); });
+    return found;
+}
+
+std::span<std::pair<ExitCode, char const *> const> ExitCodes() { return kExitCodes; }
+
 DString UsageText() {
     DString text = "usage: zelvar COMMAND ...\n";
     for (CommandSpec const &spec : AllCommands())
         AppendRow(text, DString(spec.name) + (*spec.words == '\0' ? "" : " ") + spec.words, spec.about, 28);
     text += "zelvar COMMAND --help tells its options.\n";
     AppendWords(text, "PLACE MONIKER");
-    return text + kExitCodes;
+    return text + ExitCodesLine();
 }
 
 DString HelpText(CommandSpec const &spec) {
@@ -258,7 +273,7 @@ DString HelpText(CommandSpec const &spec) {
         AppendRow(text, DString(option.name) + (*option.value == '\0' ? "" : " ") + option.value, option.about, 20);
     text += "\n";
     AppendWords(text, Synopsis(spec));
-    return text + kExitCodes;
+    return text + ExitCodesLine();
 }
 
 } // namespace zelvar::tool

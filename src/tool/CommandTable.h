@@ -2,6 +2,8 @@
 
 #include "zelvar/tool/CommandLine.h"
 
+#include <span>
+#include <utility>
 #include <vector>
 
 namespace zelvar::tool {
@@ -17,6 +19,11 @@ namespace zelvar::tool {
 
 /// "ls PLACE [--folders] ...", without the program's name.
 [[nodiscard]] DString Synopsis(CommandSpec const &spec);
+
+/// What the words in capitals stand for that `text` uses.
+[[nodiscard]] std::vector<std::pair<char const *, char const *>> WordsIn(std::string_view text);
+/// Each exit code with what it says.
+[[nodiscard]] std::span<std::pair<ExitCode, char const *> const> ExitCodes();
 
 /// All subcommands, a line each, with what their words stand for.
 [[nodiscard]] DString UsageText();

@@ -3,6 +3,7 @@
 #include "zelvar/platform/ui/UserMessages.h"
 
 #include <QtGui/QFontInfo>
+#include <QtGui/QIcon>
 #include <QtWidgets/QApplication>
 
 #include <cstdio>
@@ -35,6 +36,8 @@ bool ChoosePlatform() {
 }
 
 void SetUpLooks(Arguments const &arguments) {
+    QGuiApplication::setDesktopFileName(QStringLiteral("org.example.Zelvar"));
+    QGuiApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("org.example.Zelvar")));
     AvoidTypewriter();
     if (arguments.Has("--right-to-left"))
         QApplication::setLayoutDirection(Qt::RightToLeft);

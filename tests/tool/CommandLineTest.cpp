@@ -1,5 +1,9 @@
 #include "zelvar/tool/CommandLine.h"
 
+#include "support/RunCommand.h"
+#include "zelvar/tool/CommandTable.h"
+#include "zelvar/tool/ManualPages.h"
+
 #include <gtest/gtest.h>
 
 namespace zelvar::tool {
@@ -36,6 +40,26 @@ TEST(CommandLine, ASizeIsTwoWholeNumbersWithinReason) {
     EXPECT_EQ(ParseSize("640x480")->height, 480);
     for (char const *bad : {"", "640", "640x", "x480", "0x480", "640x-1", "640x480x", "99999x1", "6 40x4"})
         EXPECT_FALSE(ParseSize(bad)) << bad;
+}
+
+TEST(CommandTable, ABashCompletesWhatTheTableHolds) {
+    test::TempFolder const folder;
+    test::WriteFile(folder / "zelvar.bash", BashCompletion());
+    for (auto const &[words, offered] : std::initializer_list<std::pair<std::string, std::string>>{
+             {"pl", "plot"}, {"open --for ra", "raster"}, {"ls --rec", "--recursive"}, {"ls fi", ""}}) {
+        std::string const script = ". " + (folder / "zelvar.bash") + "; COMP_WORDS=(zelvar " + words +
+                                   "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _zelvar; printf %s \"${COMPREPLY[*]}\"";
+        std::string const line = "bash -c " + test::Quoted(script) + " >" + (folder / "out");
+        EXPECT_EQ(std::system(line.c_str()), 0); // NOLINT(cert-env33-c,concurrency-mt-unsafe): a shell is asked
+        EXPECT_EQ(test::ReadFile(folder / "out"), offered) << words;
+    }
+}
+
+TEST(CommandTable, ManualPagesTellEachOptionAndHideNoMacro) {
+    CommandSpec const odd{.name = "odd", .about = ".Begins so. It's \\ odd.", .options = {{"--a-b", "N", "'quoted'"}}};
+    std::string const page = ManualPage(odd, "1.2");
+    EXPECT_NE(page.find("\n\\&.Begins so. It's \\e odd.\n"), std::string::npos) << page;
+    EXPECT_NE(page.find("\n\\fB\\-\\-a\\-b\\fR \\fIN\\fR\n\\&'quoted'.\n"), std::string::npos) << page;
 }
 
 } // namespace
