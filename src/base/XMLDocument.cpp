@@ -167,8 +167,8 @@ struct XMLDocument::Page {
     std::uint32_t first = 0; ///< index of its first node
 
     [[nodiscard]] static Page &Of(XMLNode const &node) {
-        auto const address = reinterpret_cast<std::uintptr_t>(&node);
-        return *reinterpret_cast<Page *>(address & ~std::uintptr_t{kPageBytes - 1});
+        auto *const bytes = reinterpret_cast<char *>(const_cast<XMLNode *>(&node));
+        return *reinterpret_cast<Page *>(bytes - reinterpret_cast<std::uintptr_t>(bytes) % kPageBytes);
     }
     [[nodiscard]] XMLNode *Nodes() { return reinterpret_cast<XMLNode *>(reinterpret_cast<char *>(this) + kHead); }
 };
