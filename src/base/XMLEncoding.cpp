@@ -6,6 +6,7 @@
 #include <array>
 #include <cerrno>
 #include <cstdint>
+#include <cstring>
 
 #include <iconv.h>
 
@@ -78,6 +79,17 @@ private:
     iconv_t m_handle;
 };
 
+/// Whether the text begins with eight characters of ASCII that are no control characters.
+bool AreEightPlain(std::string_view text) {
+    std::uint64_t word = 0;
+    if (text.size() < sizeof word)
+        return false;
+    std::memcpy(&word, text.data(), sizeof word);
+    constexpr std::uint64_t highBits = 0x8080808080808080U;
+    constexpr std::uint64_t blanks = 0x2020202020202020U;
+    return ((word | (word - blanks)) & highBits) == 0; // a byte below a blank borrows from the bits above it
+}
+
 } // namespace
 
 DString EncodingOfXml(std::string_view xml) {
@@ -119,6 +131,10 @@ std::optional<DString> RecodedXml(std::string_view xml, DString const &encoding,
 
 bool IsXmlText(std::string_view text) {
     for (std::size_t at = 0; at < text.size();) {
+        if (AreEightPlain(text.substr(at))) {
+            at += 8;
+            continue;
+        }
         auto const c = static_cast<unsigned char>(text[at]);
         if (c < 0x80) {
             if (c < 0x20 && c != '\t' && c != '\n' && c != '\r')

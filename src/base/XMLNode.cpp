@@ -8,9 +8,9 @@
 #include "zelvar/base/XMLPiece.h"
 #include "zelvar/base/XMLText.h"
 
+#include <bit>
 #include <charconv>
 #include <cmath>
-#include <cstring>
 #include <new>
 #include <optional>
 #include <tuple>
@@ -84,15 +84,12 @@ void XMLNode::operator delete(XMLNode *node, std::destroying_delete_t) {
 }
 
 XMLPiece *XMLNode::Piece() const {
-    static_assert(sizeof(XMLPiece *) == sizeof m_links && sizeof(XMLNode) == 12);
-    XMLPiece *piece = nullptr;
-    if ((m_place & kHasPiece) != 0)
-        std::memcpy(&piece, m_links.data(), sizeof piece);
-    return piece;
+    static_assert(sizeof(XMLNode) == 12);
+    return (m_place & kHasPiece) == 0 ? nullptr : std::bit_cast<XMLPiece *>(m_links);
 }
 
 void XMLNode::SetPiece(XMLPiece *piece) {
-    std::memcpy(m_links.data(), &piece, sizeof piece);
+    m_links = std::bit_cast<Links>(piece);
     m_place |= kHasPiece;
 }
 

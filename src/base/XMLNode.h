@@ -123,8 +123,9 @@ private:
     [[nodiscard]] bool HasAsTop(XMLNode const &top) const;
 
     // A loaded document may have a node for each four bytes: every byte counts.
-    mutable std::array<std::uint32_t, 2> m_links{}; ///< the piece's address, owned; else indices of parent, first child
-    std::uint32_t m_place = 0;                      ///< byte in the document, and what the bits above say
+    using Links = std::array<std::uint32_t, 2>;
+    mutable Links m_links{};   ///< the piece's address, owned; else indices of parent, first child
+    std::uint32_t m_place = 0; ///< byte in the document, and what the bits above say
 };
 
 } // namespace zelvar

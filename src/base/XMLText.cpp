@@ -1,5 +1,6 @@
 #include "zelvar/base/XMLText.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <optional>
@@ -79,14 +80,17 @@ std::size_t PutReference(DString &out, std::string_view text) {
 
 /// `changed` are the characters that do not stand for themselves.
 DString Decoded(std::string_view raw, std::string_view changed, char lineEnd) {
+    auto const isChanged = [changed](char c) {
+        return (c == '&' || (static_cast<unsigned char>(c) < ' ')) && changed.find(c) != std::string_view::npos;
+    };
     DString out;
     out.reserve(raw.size());
     for (;;) {
-        std::size_t const at = raw.find_first_of(changed);
-        out.append(raw.substr(0, at));
-        if (at == std::string_view::npos)
+        auto const *const at = std::find_if(raw.begin(), raw.end(), isChanged);
+        out.append(raw.begin(), at);
+        raw.remove_prefix(static_cast<std::size_t>(at - raw.begin()));
+        if (raw.empty())
             return out;
-        raw.remove_prefix(at);
         if (raw.front() == '&') {
             raw.remove_prefix(PutReference(out, raw));
         } else {

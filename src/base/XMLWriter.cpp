@@ -38,7 +38,7 @@ void PutEscaped(DString &out, std::string_view text, Place place) {
         return static_cast<unsigned char>(c) < 0x40 && changed.find(c) != std::string_view::npos;
     };
     while (!text.empty()) {
-        auto const at = std::find_if(text.begin(), text.end(), isChanged);
+        auto const *const at = std::find_if(text.begin(), text.end(), isChanged);
         out.append(text.begin(), at);
         text.remove_prefix(static_cast<std::size_t>(at - text.begin()));
         if (text.empty())
