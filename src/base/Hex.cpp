@@ -20,12 +20,11 @@ unsigned DigitOf(char c) {
 } // namespace
 
 DString HexEncode(std::string_view bytes) {
-    DString text;
-    text.reserve(2 * bytes.size());
-    for (char const c : bytes) {
-        auto const byte = static_cast<unsigned char>(c);
-        text += kDigits[byte >> 4U];
-        text += kDigits[byte & 0xFU];
+    DString text(2 * bytes.size(), '\0');
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        auto const byte = static_cast<unsigned char>(bytes[i]);
+        text[2 * i] = kDigits[byte >> 4U];
+        text[2 * i + 1] = kDigits[byte & 0xFU];
     }
     return text;
 }
@@ -33,14 +32,13 @@ DString HexEncode(std::string_view bytes) {
 std::optional<DString> HexDecode(std::string_view text) {
     if (text.size() % 2 != 0)
         return std::nullopt;
-    DString bytes;
-    bytes.reserve(text.size() / 2);
+    DString bytes(text.size() / 2, '\0');
     for (std::size_t i = 0; i < text.size(); i += 2) {
         unsigned const high = DigitOf(text[i]);
         unsigned const low = DigitOf(text[i + 1]);
         if (high > 15 || low > 15)
             return std::nullopt;
-        bytes += static_cast<char>(high << 4U | low);
+        bytes[i / 2] = static_cast<char>(high << 4U | low);
     }
     return bytes;
 }

@@ -6,6 +6,7 @@
 #include <array>
 #include <cerrno>
 #include <cstdint>
+#include <cstring>
 
 #include <iconv.h>
 
@@ -78,6 +79,17 @@ private:
     iconv_t m_handle;
 };
 
+/// Whether the text begins with eight characters of ASCII that are no control characters.
+bool AreEightPlain(std::string_view text) {
+    std::uint64_t word = 0;
+    if (text.size() < sizeof word)
+        return false;
+    std::memcpy(&word, text.data(), sizeof word);
+    constexpr std::uint64_t highBits = 0x8080808080808080U;
+    constexpr std::uint64_t blanks = 0x2020202020202020U;
+    return ((word | (word - blanks)) & highBits) == 0; // a byte below a blank borrows from the bits above it
+}
+
 } // namespace
 
 DString EncodingOfXml(std::string_view xml) {
@@ -94,31 +106,47 @@ std::optional<DString> RecodedXml(std::string_view xml, DString const &encoding,
         reason = "is written in " + encoding + ", which is not read here";
         return std::nullopt;
     }
-    DString recoded(std::min(limit, xml.size() + xml.size() / 8 + 16), '\0');
-    char *out = recoded.data();
-    std::size_t room = recoded.size();
-    while (!converter.Run(xml, out, room)) {
-        if (errno != E2BIG || recoded.size() >= limit) {
-            reason = errno == E2BIG ? "is too large" : "is not what its encoding allows: " + encoding;
+    // In two rounds, so that no byte more is taken than is needed.
+    std::array<char, 4096> scratch{};
+    std::size_t size = 0;
+    for (std::string_view rest = xml; !rest.empty();) {
+        char *out = scratch.data();
+        std::size_t room = scratch.size();
+        bool const done = converter.Run(rest, out, room);
+        if (!done && errno != E2BIG) {
+            reason = "is not what its encoding allows: " + encoding;
             return std::nullopt;
         }
-        std::size_t const done = recoded.size() - room;
-        recoded.resize(std::min(limit, done + done / 2 + 16));
-        out = recoded.data() + done;
-        room = recoded.size() - done;
+        size += scratch.size() - room;
     }
-    recoded.resize(recoded.size() - room);
+    if (size > limit) {
+        reason = "is too large";
+        return std::nullopt;
+    }
+    DString recoded(size, '\0');
+    char *out = recoded.data();
+    converter.Run(xml, out, size);
     return recoded;
 }
 
 bool IsXmlText(std::string_view text) {
-    while (!text.empty()) {
-        char const c = text.front();
-        bool const isControl = static_cast<unsigned char>(c) < 0x20 && c != '\t' && c != '\n' && c != '\r';
-        unsigned const length = Utf8Length(text);
-        if (isControl || length == 0 || text.starts_with("\xEF\xBF\xBE") || text.starts_with("\xEF\xBF\xBF"))
+    for (std::size_t at = 0; at < text.size();) {
+        if (AreEightPlain(text.substr(at))) {
+            at += 8;
+            continue;
+        }
+        auto const c = static_cast<unsigned char>(text[at]);
+        if (c < 0x80) {
+            if (c < 0x20 && c != '\t' && c != '\n' && c != '\r')
+                return false;
+            ++at;
+            continue;
+        }
+        std::string_view const rest = text.substr(at);
+        unsigned const length = Utf8Length(rest);
+        if (length == 0 || rest.starts_with("\xEF\xBF\xBE") || rest.starts_with("\xEF\xBF\xBF"))
             return false;
-        text.remove_prefix(length);
+        at += length;
     }
     return true;
 }

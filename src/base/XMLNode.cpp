@@ -2,12 +2,18 @@
 
 #include "zelvar/base/DFile.h"
 #include "zelvar/base/Hex.h"
+#include "zelvar/base/XMLContent.h"
+#include "zelvar/base/XMLDocument.h"
 #include "zelvar/base/XMLEncoding.h"
 #include "zelvar/base/XMLPiece.h"
 #include "zelvar/base/XMLText.h"
 
+#include <bit>
 #include <charconv>
 #include <cmath>
+#include <new>
+#include <optional>
+#include <tuple>
 #include <utility>
 
 namespace zelvar {
@@ -20,6 +26,20 @@ XMLNode *NextElement(XMLPiece *piece) {
     while (piece != nullptr && piece->kind != Kind::Element)
         piece = piece->next;
     return piece == nullptr ? nullptr : piece->node;
+}
+
+/// The tree of a whole document, or null and why not. Nothing outside the text is ever read.
+std::shared_ptr<XMLDocument> Parsed(DString text, DString &reason) try {
+    if (DString const encoding = EncodingOfXml(text); !encoding.empty()) {
+        std::optional<DString> recoded = RecodedXml(text, encoding, kLargestXml, reason);
+        if (!recoded)
+            return nullptr;
+        text = std::move(*recoded);
+    }
+    return XMLDocument::Check(std::move(text), reason);
+} catch (std::bad_alloc const &) {
+    reason = "not enough memory";
+    return nullptr;
 }
 
 template <class Number>
@@ -38,18 +58,47 @@ constexpr char kHexSuffix[] = "Hex";
 
 } // namespace
 
-XMLNode::XMLNode(DString const &name) : m_piece(std::make_unique<XMLPiece>(Kind::Element, name)) {
-    m_piece->node = this;
+XMLNode::XMLNode(DString const &name) {
+    auto piece = std::make_unique<XMLPiece>(Kind::Element, name);
+    piece->node = this;
+    SetPiece(piece.release());
 }
 
-XMLNode::~XMLNode() { m_piece->Unlink(); }
+XMLNode::~XMLNode() {
+    XMLPiece *const piece = Piece();
+    if (piece == nullptr)
+        return;
+    piece->Unlink();
+    delete piece; // with its document, and so this node's memory, if nothing else needs that
+}
+
+void *XMLNode::operator new(std::size_t size) { return ::operator new(size); }
+
+void XMLNode::operator delete(void *memory) { ::operator delete(memory); }
+
+void XMLNode::operator delete(XMLNode *node, std::destroying_delete_t) {
+    bool const isKept = (node->m_place & kIsKept) != 0;
+    node->~XMLNode();
+    if (!isKept)
+        ::operator delete(node);
+}
+
+XMLPiece *XMLNode::Piece() const {
+    static_assert(sizeof(XMLNode) == 12);
+    return (m_place & kHasPiece) == 0 ? nullptr : std::bit_cast<XMLPiece *>(m_links);
+}
+
+void XMLNode::SetPiece(XMLPiece *piece) {
+    m_links = std::bit_cast<Links>(piece);
+    m_place |= kHasPiece;
+}
 
 bool XMLNode::Load(DFile const &file, DString *error) {
     DString text;
     DString reason;
     if (!file.ReadAll(text, kLargestXml))
         reason = file.GetMoniker() + ": cannot be read";
-    else if (!LoadText(text, &reason))
+    else if (!TakeText(std::move(text), reason))
         reason = file.GetMoniker() + ": " + reason;
     if (error != nullptr)
         *error = reason;
@@ -58,19 +107,24 @@ bool XMLNode::Load(DFile const &file, DString *error) {
 
 bool XMLNode::LoadText(std::string_view text, DString *error) {
     DString reason;
-    std::unique_ptr<XMLNode> loaded;
-    if (m_piece->parent != nullptr)
-        reason = "only a root can be loaded";
-    else if (text.size() > kLargestXml)
+    if (text.size() > kLargestXml)
         reason = "is larger than 85 MB";
     else
-        loaded = ParseXml(text, reason);
+        std::ignore = TakeText(DString(text), reason);
     if (error != nullptr)
         *error = reason;
-    if (!loaded)
-        return false;
-    m_piece->TakeContent(*loaded->m_piece);
-    return true;
+    return reason.empty();
+}
+
+bool XMLNode::TakeText(DString text, DString &reason) {
+    std::shared_ptr<XMLDocument> document;
+    if (GetParent() != nullptr)
+        reason = "only a root can be loaded";
+    else
+        document = Parsed(std::move(text), reason);
+    if (document != nullptr)
+        Piece()->TakeDocument(std::move(document));
+    return reason.empty();
 }
 
 bool XMLNode::Save(DFile const *file, bool backup) const {
@@ -95,14 +149,29 @@ DString XMLNode::SaveText(DString *error) const {
     return text;
 }
 
-DString const &XMLNode::GetName() const { return m_piece->text; }
-void XMLNode::SetName(DString const &name) { m_piece->text = name; }
+DString XMLNode::GetName() const {
+    XMLPiece const *const piece = Piece();
+    return piece != nullptr ? piece->GetName() : DString(XMLDocument::Of(*this).NameOf(Place()));
+}
 
-bool XMLNode::HasAttr(char const *name) const { return m_piece->FindAttribute(name) != nullptr; }
+void XMLNode::SetName(DString const &name) { XMLPiece::Of(*this).text = name; }
+
+std::optional<DString> XMLNode::FindAttr(char const *name) const {
+    if (name == nullptr)
+        return std::nullopt;
+    XMLPiece *const piece = Piece();
+    if (piece == nullptr)
+        return XMLDocument::Of(*this).AttributeOf(Place(), name);
+    if (piece->hasHeadThere)
+        return piece->document->AttributeOf(piece->place, name);
+    XMLAttribute const *const attribute = piece->FindAttribute(name);
+    return attribute == nullptr ? std::nullopt : std::optional(attribute->value);
+}
+
+bool XMLNode::HasAttr(char const *name) const { return FindAttr(name).has_value(); }
 
 DString XMLNode::GetAttrStr(char const *name, DString const &fallback) const {
-    XMLAttribute const *attribute = m_piece->FindAttribute(name);
-    return attribute == nullptr ? fallback : attribute->value;
+    return FindAttr(name).value_or(fallback);
 }
 
 bool XMLNode::GetAttrBool(char const *name, bool fallback) const {
@@ -129,10 +198,11 @@ double XMLNode::GetAttrDouble(char const *name, double fallback) const {
 void XMLNode::SetAttr(char const *name, DString const &value) {
     if (name == nullptr)
         return;
-    if (XMLAttribute *attribute = m_piece->FindAttribute(name); attribute != nullptr)
+    XMLPiece &piece = XMLPiece::Of(*this);
+    if (XMLAttribute *attribute = piece.FindAttribute(name); attribute != nullptr)
         attribute->value = value;
     else
-        m_piece->attributes.push_back({.name = name, .value = value});
+        piece.attributes.push_back({.name = name, .value = value});
 }
 void XMLNode::SetAttrBool(char const *name, bool value) { SetAttr(name, value ? "true" : "false"); }
 void XMLNode::SetAttrInt(char const *name, long long value) { SetAttr(name, std::to_string(value)); }
@@ -143,22 +213,30 @@ unsigned XMLNode::GetAttrUnt(char const *name, unsigned fallback) const {
 
 DString XMLNode::GetText() const {
     DString text;
-    for (XMLPiece const *piece = m_piece->first; piece != nullptr; piece = piece->next) {
-        if (piece->IsText())
-            text += piece->text;
+    XMLPiece const *const piece = Piece();
+    if (piece == nullptr || piece->hasContentThere) {
+        XMLDocument const &document = piece == nullptr ? XMLDocument::Of(*this) : *piece->document;
+        for (XMLContent content(document, piece == nullptr ? Place() : piece->place); content.Next();)
+            if (content.IsText())
+                text += content.Text();
+        return text;
     }
+    for (XMLPiece const *part = piece->first; part != nullptr; part = part->next)
+        if (part->IsText())
+            text += part->text;
     return text;
 }
 
 void XMLNode::SetText(DString const &text) {
-    for (XMLPiece *piece = m_piece->first; piece != nullptr;) {
-        XMLPiece *const next = piece->next;
-        if (piece->IsText())
-            XMLPiece::Delete(piece);
-        piece = next;
+    XMLPiece &piece = XMLPiece::WithContent(*this);
+    for (XMLPiece *part = piece.first; part != nullptr;) {
+        XMLPiece *const next = part->next;
+        if (part->IsText())
+            XMLPiece::Delete(part);
+        part = next;
     }
     if (!text.empty())
-        m_piece->Link(*std::make_unique<XMLPiece>(Kind::Text, text).release(), m_piece->first);
+        piece.Link(*std::make_unique<XMLPiece>(Kind::Text, text).release(), piece.first);
 }
 
 void XMLNode::SetSafeText(DString const &bytes) {
@@ -187,9 +265,30 @@ DString XMLNode::GetSafeAttr(DString const &name) const {
                                     : GetAttrStr(name.c_str());
 }
 
-XMLNode *XMLNode::GetParent() const { return m_piece->parent == nullptr ? nullptr : m_piece->parent->node; }
-XMLNode *XMLNode::GetNext() const { return NextElement(m_piece->next); }
-XMLNode *XMLNode::GetFirstChild() const { return NextElement(m_piece->first); }
+XMLNode *XMLNode::GetParent() const {
+    if (XMLPiece const *const piece = Piece())
+        return piece->parent == nullptr ? nullptr : piece->parent->node;
+    return XMLDocument::Of(*this).At(m_links[0]);
+}
+
+XMLNode *XMLNode::GetNext() const {
+    if (XMLPiece const *const piece = Piece())
+        return NextElement(piece->next);
+    return (m_place & kLast) != 0 ? nullptr : XMLDocument::Of(*this).At(XMLDocument::IndexOf(*this) + 1);
+}
+
+XMLNode *XMLNode::GetFirstChild() const {
+    XMLPiece *const piece = Piece();
+    if (piece != nullptr && !piece->hasContentThere)
+        return NextElement(piece->first);
+    XMLDocument &document = piece == nullptr ? XMLDocument::Of(*this) : *piece->document;
+    std::uint32_t &first = piece == nullptr ? m_links[1] : piece->firstNode;
+    if (first == XMLDocument::kNotMade) {
+        std::uint32_t const own = (m_place & kIsKept) != 0 ? XMLDocument::IndexOf(*this) : XMLDocument::kTopNode;
+        first = document.MakeChildren(piece == nullptr ? Place() : piece->place, own);
+    }
+    return first == XMLDocument::kNoNode ? nullptr : document.At(first);
+}
 
 XMLNode *XMLNode::GetChldNode(char const *name) const {
     XMLNode *child = name == nullptr ? nullptr : GetFirstChild();
@@ -209,10 +308,18 @@ XMLNode *XMLNode::AddChld(XMLNode *child) {
     if (child == nullptr || child == this || child->GetParent() != nullptr)
         return nullptr;
     // A tree cannot hang below itself. One without children is below nothing, which spares the way up.
-    if (child->m_piece->first != nullptr && m_piece->Top() == child->m_piece.get())
+    XMLPiece &piece = *child->Piece();
+    if ((piece.first != nullptr || piece.hasContentThere) && HasAsTop(*child))
         return nullptr;
-    m_piece->Link(*child->m_piece);
+    XMLPiece::WithContent(*this).Link(piece);
     return child;
+}
+
+bool XMLNode::HasAsTop(XMLNode const &top) const {
+    XMLNode const *node = this;
+    while (XMLNode const *const parent = node->GetParent())
+        node = parent;
+    return node == &top;
 }
 
 XMLNode *XMLNode::AddChld(DString const &name) { return AddChld(std::make_unique<XMLNode>(name).release()); }
@@ -220,34 +327,34 @@ XMLNode *XMLNode::AddChld(DString const &name) { return AddChld(std::make_unique
 std::unique_ptr<XMLNode> XMLNode::TakeChld(XMLNode *child) {
     if (child == nullptr || child->GetParent() != this)
         return nullptr;
-    child->m_piece->Unlink();
+    XMLPiece &piece = XMLPiece::Of(*child);
+    piece.TakeAll(); // from here on another thread may use it
+    piece.Unlink();
     return std::unique_ptr<XMLNode>(child);
 }
 
-bool XMLNode::DelChld(XMLNode *child) { return TakeChld(child) != nullptr; }
+bool XMLNode::DelChld(XMLNode *child) {
+    if (child == nullptr || child->GetParent() != this)
+        return false;
+    XMLPiece::Delete(&XMLPiece::Of(*child));
+    return true;
+}
 
 std::unique_ptr<XMLNode> XMLNode::Copy() const {
     auto copy = std::make_unique<XMLNode>(GetName());
-    copy->m_piece->attributes = m_piece->attributes;
-    if (m_piece->outside != nullptr)
-        copy->m_piece->outside = std::make_unique<XMLPiece::Outside>(*m_piece->outside);
-    XMLPiece *target = copy->m_piece.get();
-    XMLPiece const *source = m_piece.get();
-    for (;;) {
-        if (source->first != nullptr) {
-            source = source->first;
-        } else {
-            while (source != m_piece.get() && source->next == nullptr) {
-                source = source->parent;
-                target = target->parent;
-            }
-            if (source == m_piece.get())
-                return copy;
-            source = source->next;
-            target = target->parent;
-        }
-        target = &target->AppendCopy(*source);
+    XMLPiece &target = *copy->Piece();
+    XMLPiece const *const piece = Piece();
+    if (piece == nullptr) {
+        XMLDocument const &document = XMLDocument::Of(*this);
+        target.attributes = document.AttributesOf(Place());
+        target.AppendContentOf(document, Place());
+        return copy;
     }
+    target.attributes = piece->GetAttributes();
+    if (piece->outside != nullptr)
+        target.outside = std::make_unique<XMLPiece::Outside>(*piece->outside);
+    target.AppendContentOf(*piece);
+    return copy;
 }
 
 void XMLNode::ChldItr::Rmv() {

@@ -2,11 +2,16 @@
 
 #include "zelvar/base/DString.h"
 
+#include <array>
+#include <cstdint>
 #include <memory>
+#include <new>
+#include <optional>
 
 namespace zelvar {
 
 class DFile;
+class XMLDocument;
 struct XMLPiece;
 
 /// Element of an XML tree in memory: name, attributes, text, children; knows its parent, next sibling, first child.
@@ -21,6 +26,10 @@ public:
     ~XMLNode();
     XMLNode(XMLNode const &) = delete;
     XMLNode &operator=(XMLNode const &) = delete;
+    /// Nodes of a loaded tree lie together and give back their memory with it.
+    static void *operator new(std::size_t size);
+    static void operator delete(void *memory); ///< of one that could not be made
+    static void operator delete(XMLNode *node, std::destroying_delete_t);
 
     /// Replaces this root by the file's tree. False, and this node unchanged, if the file cannot be read or does not
     /// parse to its end: never half a tree. `error` then tells file, line and reason. External entities are never
@@ -36,7 +45,7 @@ public:
     bool Save(DFile const *file, bool backup) const;
     [[nodiscard]] DString SaveText(DString *error = nullptr) const;
 
-    [[nodiscard]] DString const &GetName() const;
+    [[nodiscard]] DString GetName() const;
     void SetName(DString const &name);
 
     [[nodiscard]] bool HasAttr(char const *name) const;
@@ -96,8 +105,27 @@ public:
     };
 
 private:
+    friend class XMLDocument;
     friend struct XMLPiece;
-    std::unique_ptr<XMLPiece> m_piece;
+
+    static constexpr std::uint32_t kHasPiece = 1U << 31U;
+    static constexpr std::uint32_t kIsKept = 1U << 30U; ///< lies in the memory of its document
+    static constexpr std::uint32_t kLast = 1U << 29U;   ///< of its brothers, which lie one behind the other
+    static constexpr std::uint32_t kPlaceMask = kLast - 1;
+
+    /// A place in a loaded document.
+    XMLNode(std::uint32_t parent, std::uint32_t place) : m_links{parent, 0}, m_place(place | kIsKept) {}
+    [[nodiscard]] XMLPiece *Piece() const;
+    void SetPiece(XMLPiece *piece);
+    [[nodiscard]] std::uint32_t Place() const { return m_place & kPlaceMask; }
+    [[nodiscard]] bool TakeText(DString text, DString &reason);
+    [[nodiscard]] std::optional<DString> FindAttr(char const *name) const;
+    [[nodiscard]] bool HasAsTop(XMLNode const &top) const;
+
+    // A loaded document may have a node for each four bytes: every byte counts.
+    using Links = std::array<std::uint32_t, 2>;
+    mutable Links m_links{};   ///< the piece's address, owned; else indices of parent, first child
+    std::uint32_t m_place = 0; ///< byte in the document, and what the bits above say
 };
 
 } // namespace zelvar

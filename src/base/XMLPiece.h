@@ -3,27 +3,29 @@
 #include "zelvar/base/XMLNode.h"
 
 #include <cstdint>
-#include <utility>
 #include <vector>
 
 namespace zelvar {
+
+class XMLDocument;
 
 struct XMLAttribute {
     DString name{};
     DString value{};
 };
 
-/// One thing in an XML document: an element, or what stands between elements and is carried through unchanged.
+/// One thing in an XML tree: an element, or what stands between elements and is carried through unchanged.
 ///
 /// An element's piece is owned by its `XMLNode`, which a parent owns by the list of its children; all others are owned
-/// by the list that they stand in.
+/// by the list that they stand in. Roots have pieces, and what a program made or changed, with its brothers and all
+/// above; other elements are places in the text of their document.
 struct XMLPiece {
     enum class Kind : std::uint8_t { Element, Text, CData, Comment, Instruction, DocType };
 
-    /// What stands before and behind a root in its file. Of one kind a text each; no elements.
+    /// What stands before and behind a root in its file, as it is written there; no elements.
     struct Outside {
-        std::vector<std::pair<Kind, DString>> prolog{};
-        std::vector<std::pair<Kind, DString>> epilog{};
+        DString before{};
+        DString behind{};
     };
 
     XMLPiece(Kind of, DString content) : kind(of), text(std::move(content)) {}
@@ -32,12 +34,18 @@ struct XMLPiece {
     /// Deletes all pieces below.
     ~XMLPiece();
 
-    [[nodiscard]] static XMLPiece &Of(XMLNode &node) { return *node.m_piece; }
-    [[nodiscard]] static XMLPiece const &Of(XMLNode const &node) { return *node.m_piece; }
+    /// The piece of a node, or null for one that is but a place in its document.
+    [[nodiscard]] static XMLPiece *IfAny(XMLNode const &node);
+    /// The piece of a node, made if there is none yet, to change its name and attributes.
+    [[nodiscard]] static XMLPiece &Of(XMLNode &node);
+    /// The same, to change what is in it: all children have pieces.
+    [[nodiscard]] static XMLPiece &WithContent(XMLNode &node);
 
+    /// Name of an element, wherever it stands.
+    [[nodiscard]] DString GetName() const;
+    [[nodiscard]] std::vector<XMLAttribute> GetAttributes() const;
     [[nodiscard]] bool IsElement() const { return kind == Kind::Element; }
     [[nodiscard]] bool IsText() const { return kind == Kind::Text || kind == Kind::CData; }
-    [[nodiscard]] XMLPiece const *Top() const;
     [[nodiscard]] XMLAttribute *FindAttribute(char const *name);
 
     /// Puts a piece without parent among the children, before `position` or at the end.
@@ -48,10 +56,18 @@ struct XMLPiece {
     static void Delete(XMLPiece *piece);
     /// Appends a new one.
     XMLPiece &Append(Kind of, DString content);
-    /// Appends a copy of `other` alone, without its children.
-    XMLPiece &AppendCopy(XMLPiece const &other);
-    /// Moves everything but the place in the tree from `other`, a root, to this one; what was here is deleted.
-    void TakeContent(XMLPiece &other);
+    /// Appends copies of all that is in `source`.
+    void AppendContentOf(XMLPiece const &source);
+    /// The same of an element of a document.
+    void AppendContentOf(XMLDocument const &from, std::uint32_t element);
+    /// Makes this root that of a document, which has been checked; what was here is deleted.
+    void TakeDocument(std::shared_ptr<XMLDocument> loaded);
+    /// Takes name and attributes out of the document, where they are still there.
+    void TakeHead();
+    /// The same of what is in the element, which becomes pieces.
+    void TakeContent();
+    /// The same for all below.
+    void TakeAll();
 
     Kind kind;
     DString text; ///< name of an element, content of the others
@@ -63,6 +79,15 @@ struct XMLPiece {
     XMLPiece *next = nullptr;
     XMLPiece *first = nullptr;
     XMLPiece *last = nullptr;
+
+    std::shared_ptr<XMLDocument> document{}; ///< that the node was loaded from, or null
+    std::uint32_t place = 0;                 ///< in the document
+    std::uint32_t firstNode = 0;             ///< index of the first child in the document, as `XMLDocument` tells it
+    bool hasHeadThere = false;               ///< name and attributes have not been taken out of the document yet
+    bool hasContentThere = false;            ///< what is in the element, the same
+
+private:
+    [[nodiscard]] static XMLPiece &TakeNode(XMLNode &node, std::shared_ptr<XMLDocument> const &document);
 };
 
 } // namespace zelvar

@@ -27,10 +27,11 @@ int Export(DString const &file, DString const &key) {
         return Failure("there is no key '" + key + "'");
     // What could not be read again is no export.
     DString reason;
-    if (DString const text = snapshot->SaveText(&reason); text.empty() || !XMLNode().LoadText(text, &reason))
+    DString const text = snapshot->SaveText(&reason);
+    snapshot.reset();
+    if (text.empty() || !XMLNode().LoadText(text, &reason))
         return Failure("the settings cannot be written as XML: " + reason);
-    DFile const target(file);
-    return snapshot->Save(&target, false) ? kDone : Failure("cannot write '" + file + "'");
+    return DFile(file).WriteAtomically(text) ? kDone : Failure("cannot write '" + file + "'");
 }
 
 int Import(DString const &file) {

@@ -67,32 +67,26 @@ TEST(DString, NumbersBeyondAllMeasureAreWrittenToo) {
 }
 
 TEST(DString, ValidUtf8IsKeptAndTheRestReplacedByteByByte) {
-    constexpr char kOne[] = "\xEF\xBF\xBD";
     struct Case {
-        char const *name;
         std::string_view bytes;
         int replaced; ///< -1: kept as it is
     };
-    Case const cases[] = {
-        {"the last character", "\xF4\x8F\xBF\xBF", -1},
-        {"behind the last character", "\xF4\x90\x80\x80", 4},
-        {"two bytes for an ASCII letter", "\xC1\xA1", 2},
-        {"three bytes where two do", "\xE0\x9F\xBF", 3},
-        {"four bytes where three do", "\xF0\x8F\xBF\xBF", 4},
-        {"the last before the surrogates", "\xED\x9F\xBF", -1},
-        {"cut off after one", "\xE2", 1},
-        {"cut off after two", "\xE2\x82", 2},
-        {"cut off after three", "\xF0\x9F\x98", 3},
-        {"a continuation alone", "\x80", 1},
-        {"never a byte of UTF-8", "\xFE\xFF", 2},
-    };
-    for (Case const &c : cases) {
-        DString expected(c.bytes);
-        if (c.replaced >= 0)
-            expected.clear();
+    // The first and last of each length, surrogates, what is cut off, what is never a byte of UTF-8.
+    for (Case const &c : {Case{"\xF4\x8F\xBF\xBF", -1},
+                          {"\xF4\x90\x80\x80", 4},
+                          {"\xC1\xA1", 2},
+                          {"\xE0\x9F\xBF", 3},
+                          {"\xF0\x8F\xBF\xBF", 4},
+                          {"\xED\x9F\xBF", -1},
+                          {"\xE2", 1},
+                          {"\xE2\x82", 2},
+                          {"\xF0\x9F\x98", 3},
+                          {"\x80", 1},
+                          {"\xFE\xFF", 2}}) {
+        DString expected(c.replaced < 0 ? c.bytes : "");
         for (int i = 0; i < c.replaced; ++i)
-            expected += kOne;
-        EXPECT_EQ(ToValidUtf8(c.bytes), expected) << c.name;
+            expected += "\xEF\xBF\xBD";
+        EXPECT_EQ(ToValidUtf8(c.bytes), expected) << EscapeToUtf8(c.bytes);
     }
 }
 

@@ -5,8 +5,15 @@
 
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <cstdint>
+#include <cstdlib>
+#include <fstream>
 #include <memory>
+
+#include <malloc.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace zelvar {
 namespace {
@@ -56,9 +63,7 @@ TEST(XMLNode, RefusesWhatIsNotAWholeDocumentAndStaysAsItWas) {
         {"no byte of windows-1252", "<?xml version='1.0' encoding='windows-1252'?><a>\x81</a>", "WINDOWS-1252"},
         {"1,025 levels", Nested(1025), "1024"},
         {"100,000 levels", Nested(100'000), "1024"},
-        {"13 million instructions", Repeated("<?a?>", 13'000'000) + "<a/>", "256 MB"},
-        {"two million elements", "<a>" + Repeated("<b/>", 2'000'000) + "</a>", "256 MB"},
-        {"100,000 open tags", Nested(100'000).substr(0, 300'000), "line 1: "},
+        {"20 million elements", "<a>" + Repeated("<b/>", 20'000'000) + "</a>", "256 MB"},
         {"binary", DString("\x89PNG\r\n\x1A\n", 8), ""},
     };
     for (Case const &c : cases) {
@@ -72,17 +77,6 @@ TEST(XMLNode, RefusesWhatIsNotAWholeDocumentAndStaysAsItWas) {
         EXPECT_EQ(root.GetName(), "kept");
         EXPECT_EQ(root.GetFirstChild(), child);
     }
-    EXPECT_TRUE(XMLNode().LoadText(Nested(1024)));
-}
-
-TEST(XMLNode, AnExternalEntityIsNotFetched) {
-    test::TempFolder const folder;
-    DString const secret = folder.Write("secret", "SECRET");
-    XMLNode root;
-    DString error;
-    EXPECT_FALSE(root.LoadText("<!DOCTYPE a [<!ENTITY s SYSTEM \"" + secret + "\">]><a>&s;</a>", &error));
-    ASSERT_TRUE(root.LoadText("<!DOCTYPE a SYSTEM \"" + secret + "\"><a>&s;</a>"));
-    EXPECT_EQ(root.GetText(), "&s;");
 }
 
 TEST(XMLNode, LoadAndSaveKeepWhatIsNotShown) {
@@ -99,18 +93,6 @@ TEST(XMLNode, LoadAndSaveKeepWhatIsNotShown) {
     EXPECT_EQ(root.GetFirstChild()->GetNext()->GetNext(), nullptr);
 }
 
-TEST(XMLNode, TextsSurviveASaveByteByByte) {
-    for (DString const &text : {DString("a&b<c>\"'"), DString(" \n\t \r\n"), DString("]]>"), DString()}) {
-        XMLNode root("r");
-        root.SetText(text);
-        root.SetAttr("a", text);
-        XMLNode again;
-        ASSERT_TRUE(again.LoadText(root.SaveText()));
-        EXPECT_EQ(again.GetText(), text);
-        EXPECT_EQ(again.GetAttrStr("a"), text);
-    }
-}
-
 TEST(XMLNode, WhatIsSavedLoadsAgainAsTheSame) {
     for (char const *text : {
              "<a><!--x--y---></a>",
@@ -123,7 +105,7 @@ TEST(XMLNode, WhatIsSavedLoadsAgainAsTheSame) {
              "<a>\n\n<b>\n</b>\t</a>",
              "<a>&#10; \t<b/></a>",
              "<\xC3\xA4:b-c.d _e=''/>",
-             "<a>&unknown; &#; &#xZ; &amp;amp;</a>",
+             "<!DOCTYPE a SYSTEM 'file:///etc/passwd'><a>&unknown; &#; &#xZ; &amp;amp;</a>",
          }) {
         SCOPED_TRACE(text);
         XMLNode first;
@@ -140,16 +122,23 @@ TEST(XMLNode, WhatIsSavedLoadsAgainAsTheSame) {
     }
 }
 
-TEST(XMLNode, ACopyGoesItsOwnWay) {
-    XMLNode root;
-    ASSERT_TRUE(root.LoadText("<a x='1'>text<b><c/></b></a>"));
-    DString const before = root.SaveText();
-    std::unique_ptr<XMLNode> const copy = root.GetFirstChild()->Copy();
-    EXPECT_EQ(copy->GetParent(), nullptr);
-    EXPECT_EQ(copy->GetNext(), nullptr);
+TEST(XMLNode, ACopyAndWhatIsTakenOutGoTheirOwnWay) {
+    auto root = std::make_unique<XMLNode>();
+    ASSERT_TRUE(root->LoadText("<a x='1'>text<b y='&lt;'><c/>in</b><d/></a>"));
+    DString const before = root->SaveText();
+    XMLNode *const b = root->GetFirstChild();
+    XMLNode *const c = b->GetFirstChild();
+    std::unique_ptr<XMLNode> const copy = b->Copy();
+    EXPECT_EQ(copy->SaveText(), b->SaveText());
     copy->SetAttr("new", "1");
     copy->GetFirstChild()->SetName("d");
-    EXPECT_EQ(root.SaveText(), before);
+    EXPECT_EQ(root->SaveText(), before);
+    std::unique_ptr<XMLNode> const taken = root->TakeChld(b);
+    EXPECT_EQ(root->SaveText(), DString(kHead) + "<a x=\"1\">text<d/></a>\n");
+    root.reset();
+    c->SetAttr("z", "2");
+    EXPECT_EQ(c->GetParent(), taken.get());
+    EXPECT_EQ(taken->SaveText(), DString(kHead) + "<b y=\"&lt;\"><c z=\"2\"/>in</b>\n");
 }
 
 TEST(XMLNode, TextReplacesAllPiecesAndLeavesTheChildren) {
@@ -191,11 +180,11 @@ TEST(XMLNode, OtherEncodingsBecomeUtf8) {
 }
 
 TEST(XMLNode, ChildrenKeepTheirPlaceWhileOthersComeAndGo) {
-    XMLNode root("root");
+    XMLNode root;
+    ASSERT_TRUE(root.LoadText("<root>" + Repeated("<n/>", 1000) + "</root>"));
     std::vector<XMLNode *> children;
-    children.reserve(1000);
-    for (int i = 0; i < 1000; ++i)
-        children.push_back(root.AddChld(std::to_string(i)));
+    for (XMLNode::ChldItr child(root); child.IsValid(); child.Next())
+        children.push_back(child.Get());
     int position = 0;
     for (XMLNode::ChldItr child(root); child.IsValid(); ++position) {
         if (position % 2 == 0)
@@ -209,8 +198,52 @@ TEST(XMLNode, ChildrenKeepTheirPlaceWhileOthersComeAndGo) {
     EXPECT_TRUE(root.DelChld(children[999]));
     EXPECT_EQ(children[997]->GetNext(), nullptr);
     EXPECT_FALSE(root.DelChld(&root));
-    EXPECT_EQ(root.GetChldNode("3"), children[3]);
-    EXPECT_EQ(root.GetChldNode("2"), nullptr);
+    EXPECT_EQ(root.GetChldNode("n"), children[1]);
+}
+
+/// By how much the memory of this process is larger while `body` runs, KiB; huge if that is not told.
+template <class Body>
+long MemoryFor(Body const &body) {
+    auto const highest = [] {
+        DString const status = test::ReadFile("/proc/self/status");
+        std::size_t const at = status.find("VmHWM:");
+        return at == DString::npos ? 0 : std::atol(status.c_str() + at + 6);
+    };
+    malloc_trim(0);
+    if (!(std::ofstream("/proc/self/clear_refs") << "5" << std::flush)) // the highest is the present one again
+        return LONG_MAX;
+    long const before = highest();
+    body();
+    return highest() - before;
+}
+
+void LookAtAll(XMLNode const &node) {
+    ASSERT_NE(node.GetName() + node.GetAttrStr("path"), "");
+    for (XMLNode const *child = node.GetFirstChild(); child != nullptr; child = child->GetNext())
+        LookAtAll(*child);
+}
+
+TEST(XMLNode, AFileTakesLessThanFiveTimesItsSize) {
+    constexpr int million = 1'000'000;
+    test::TempFolder const folder;
+    for (DString const &text :
+         {"<a>" + Repeated("<b/>", million) + "</a>", Repeated("<?a?>", million) + "<a/>",
+          "<a>" + Repeated("<?a?>x", million) + "</a>", "<a>" + Repeated("x<b/>", million) + "</a>",
+          "<a" + Repeated(" a=''", million) + "/>", "<a>" + Repeated(Nested(1000), 1000) + "</a>",
+          "<a>" + Repeated("<i><x>1</x></i>", million / 2) + "</a>", "<a>" + Repeated("<b/>", million),
+          "<RegKey>" + Repeated("<RegValue path='v' type='4' size='4'>1</RegValue>", million / 8) + "</RegKey>",
+          "<?xml version='1.0' encoding='windows-1252'?><a>" + Repeated("\x80", 5 * million) + "</a>",
+          Utf16("<a>" + Repeated("<b/>", million / 2) + "</a>")}) {
+        DFile const file(folder.Write("x.xml", text));
+        pid_t const child = fork(); // whose memory nobody else has used
+        if (child == 0) {
+            long const most = MemoryFor([&] { std::make_unique<DString>(5 * text.size(), 'x')->back() = 'y'; });
+            XMLNode root("kept");
+            _exit(MemoryFor([&] { root.Load(file), LookAtAll(root); }) < most ? 0 : 1);
+        }
+        int status = -1;
+        EXPECT_TRUE(waitpid(child, &status, 0) == child && status == 0) << text.substr(0, 50);
+    }
 }
 
 TEST(XMLNode, ATreeCannotHangBelowItselfOrTwice) {
@@ -238,32 +271,25 @@ TEST(XMLNode, ATreeDeeperThanItLoadsIsCopiedAndDeletedButNotSaved) {
 }
 
 TEST(XMLNode, ReadsAttributesByType) {
-    XMLNode root;
-    ASSERT_TRUE(root.LoadText("<a t=\"Yes\" f=\"OFF\" x=\"maybe\" i=\" +12 \" h=\"12b\" d=\"-1.5e3\"/>"));
-    EXPECT_TRUE(root.GetAttrBool("t", false));
-    EXPECT_FALSE(root.GetAttrBool("f", true));
-    EXPECT_TRUE(root.GetAttrBool("x", true));
-    EXPECT_EQ(root.GetAttrInt("i"), 12);
-    EXPECT_EQ(root.GetAttrInt("h", 7), 7);
-    EXPECT_EQ(root.GetAttrDouble("d"), -1500.0);
-    EXPECT_FALSE(root.HasAttr(nullptr));
-}
-
-TEST(XMLNode, WhatIsNoWholeNumberInRangeGivesTheFallback) {
+    XMLNode node;
+    ASSERT_TRUE(node.LoadText("<a t=\"Yes\" f=\"OFF\" x=\"maybe\" i=\" +12 \" d=\"-1.5e3\"/>"));
+    EXPECT_TRUE(node.GetAttrBool("t", false));
+    EXPECT_FALSE(node.GetAttrBool("f", true));
+    EXPECT_TRUE(node.GetAttrBool("x", true));
+    EXPECT_TRUE(node.GetAttrBool("absent", true));
+    EXPECT_EQ(node.GetAttrInt("i"), 12);
+    EXPECT_EQ(node.GetAttrDouble("d"), -1500.0);
+    EXPECT_FALSE(node.HasAttr(nullptr));
+    node.SetAttrInt("i", INT64_MIN);
+    EXPECT_EQ(node.GetAttrInt("i", 7), INT64_MIN);
     for (char const *text : {"", " ", "+", "-", "+-5", "--5", "0x10", "1 2", "12,5", "nan", "inf", "-inf", "1e999",
-                             "99999999999999999999x"}) {
-        XMLNode node("n");
+                             "99999999999999999999x", "12b"}) {
         node.SetAttr("v", text);
         EXPECT_EQ(node.GetAttrInt("v", 7), 7) << text;
         EXPECT_EQ(node.GetAttrDouble("v", 7.5), 7.5) << text;
     }
-    XMLNode node("n");
     node.SetAttr("v", "9223372036854775808");
     EXPECT_EQ(node.GetAttrInt("v", 7), 7);
-    node.SetAttrInt("v", INT64_MIN);
-    EXPECT_EQ(node.GetAttrInt("v", 7), INT64_MIN);
-    EXPECT_EQ(node.GetAttrInt("absent", 7), 7);
-    EXPECT_TRUE(node.GetAttrBool("absent", true));
 }
 
 TEST(XMLNode, SavesAtomicallyAndKeepsABackupWhenAsked) {
@@ -294,7 +320,7 @@ TEST(XMLNode, SafeTextsTakeAnyBytes) {
     for (int byte = 0; byte < 256; ++byte)
         all += static_cast<char>(byte);
     for (DString const &bytes : {all, DString(" \t\r\n<&>\"' \xC3\xA4 "), DString("\xEF\xBF\xBF"), DString("\xC3"),
-                                 DString(), DString("\n"), DString("C:\\x41"), DString("41")}) {
+                                 DString(), DString("\n"), DString("C:\\x41"), DString("41"), DString("]]>")}) {
         XMLNode node("n");
         XMLNode *const child = node.AddChld("c");
         child->SetSafeText(bytes);
