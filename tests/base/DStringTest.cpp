@@ -1,10 +1,7 @@
 #include "zelvar/base/DString.h"
 
+#include "support/Test.h"
 #include "zelvar/base/ByteEscapes.h"
-
-#include <gtest/gtest.h>
-
-#include <limits>
 
 namespace zelvar {
 namespace {
@@ -21,12 +18,7 @@ TEST(DString, CaseIsPassedOverInLatinGreekAndCyrillic) {
 }
 
 TEST(DString, EachCaseFormFoldsToOneAndFoldingAgainChangesNothing) {
-    struct Case {
-        char const *name;
-        char const *small;
-        char const *capital;
-    };
-    Case const cases[] = {
+    test::Rows<char const *, char const *, char const *> const cases = {
         {"y with diaeresis, two blocks apart", "\xC3\xBF", "\xC5\xB8"},
         {"d with stroke", "\xC4\x91", "\xC4\x90"},
         {"final sigma", "\xCF\x82", "\xCE\xA3"},
@@ -35,9 +27,9 @@ TEST(DString, EachCaseFormFoldsToOneAndFoldingAgainChangesNothing) {
         {"palochka", "\xD3\x8F", "\xD3\x80"},
         {"o with horn and hook", "\xE1\xBB\x9F", "\xE1\xBB\x9E"},
     };
-    for (Case const &c : cases) {
-        EXPECT_TRUE(EqualNoCase(c.small, c.capital)) << c.name;
-        EXPECT_EQ(FoldCase(c.small), FoldCase(c.capital)) << c.name;
+    for (auto const &[name, small, capital] : cases) {
+        EXPECT_TRUE(EqualNoCase(small, capital)) << name;
+        EXPECT_EQ(FoldCase(small), FoldCase(capital)) << name;
     }
     EXPECT_FALSE(EqualNoCase("\xC4\xB0", "\xC4\xB1")); // the dotted and the dotless i of Turkish are no pair
     for (unsigned code = 0x80; code < 0x800; ++code) {
@@ -68,12 +60,8 @@ TEST(DString, NumbersBeyondAllMeasureAreWrittenToo) {
 
 TEST(DString, ValidUtf8IsKeptAndTheRestReplacedByteByByte) {
     constexpr char kOne[] = "\xEF\xBF\xBD";
-    struct Case {
-        char const *name;
-        std::string_view bytes;
-        int replaced; ///< -1: kept as it is
-    };
-    Case const cases[] = {
+    // `replaced`: -1: kept as it is
+    test::Rows<char const *, std::string_view, int> const cases = {
         {"the last character", "\xF4\x8F\xBF\xBF", -1},
         {"behind the last character", "\xF4\x90\x80\x80", 4},
         {"two bytes for an ASCII letter", "\xC1\xA1", 2},
@@ -86,13 +74,13 @@ TEST(DString, ValidUtf8IsKeptAndTheRestReplacedByteByByte) {
         {"a continuation alone", "\x80", 1},
         {"never a byte of UTF-8", "\xFE\xFF", 2},
     };
-    for (Case const &c : cases) {
-        DString expected(c.bytes);
-        if (c.replaced >= 0)
+    for (auto const &[name, bytes, replaced] : cases) {
+        DString expected(bytes);
+        if (replaced >= 0)
             expected.clear();
-        for (int i = 0; i < c.replaced; ++i)
+        for (int i = 0; i < replaced; ++i)
             expected += kOne;
-        EXPECT_EQ(ToValidUtf8(c.bytes), expected) << c.name;
+        EXPECT_EQ(ToValidUtf8(bytes), expected) << name;
     }
 }
 

@@ -1,21 +1,15 @@
 #include "zelvar/model/ItemListing.h"
 
-#include "support/FakeBDIDrvr.h"
-#include "support/TestFiles.h"
+#include "support/ScriptedDriver.h"
+#include "support/Test.h"
 #include "zelvar/model/NtwDataSourceItem.h"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <filesystem>
 
 namespace zelvar {
 namespace {
 
-using testing::ElementsAre;
-
-class ItemListingTest : public testing::Test {
-protected:
+struct ItemListingTest : testing::Test {
     [[nodiscard]] RefItemPtr<DataSourceItem> Place() const {
         return NtwDataSourceItem::CreateItem(m_folder.Path().c_str(), nullptr, nullptr);
     }
@@ -31,12 +25,12 @@ protected:
         return lines;
     }
 
-    test::FakeDrivers m_drivers;
+    test::ScriptedDrivers m_drivers;
     test::TempFolder m_folder;
 };
 
 TEST_F(ItemListingTest, TellsFoldersContainersAndFilesApart) {
-    m_drivers.Add("pages", "*.tif", [](auto &pages) { pages.Add("root", "p1", BDINode_Raster, "Page"); });
+    m_drivers.AddAnyUrl("pages", "*.tif", [](auto &pages) { pages.Add("root", "p1", BDINode_Raster, "Page"); });
     m_folder.Write("a.tif", "xx");
     m_folder.Write("b.txt", "123");
     m_folder.Folder("c");

@@ -1,6 +1,6 @@
 #include "zelvar/tool/CommandLine.h"
 
-#include <gtest/gtest.h>
+#include "support/Test.h"
 
 namespace zelvar::tool {
 namespace {

@@ -1,8 +1,6 @@
 #include "support/ImageFiles.h"
 #include "support/RunCommand.h"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
+#include "support/Test.h"
 
 #include <ctime>
 #include <filesystem>
@@ -14,16 +12,12 @@
 namespace zelvar {
 namespace {
 
-using testing::ElementsAre;
-using testing::HasSubstr;
-
 using test::Column;
 using test::Outcome;
 using test::Quoted;
 using test::Zelvar;
 
-class Command : public testing::Test {
-protected:
+struct Command : testing::Test {
     void SetUp() override {
         test::WriteImage(folder / "grey.tif", {.width = 60, .height = 30, .type = GDT_UInt16});
         folder.Write("notes.txt", "12345");
@@ -51,18 +45,14 @@ TEST_F(Command, LsSortsAsAskedWithFoldersFirst) {
     write("part10.txt", "1", 1'000'000'000);
     write("Part2.txt", "333", 900'000'000);
     write("a.txt", "22", 1'100'000'000);
-    struct Case {
-        char const *sort;
-        std::vector<std::string> names;
-    };
-    Case const cases[] = {{"name", {"a.txt", "Part2.txt", "part10.txt"}},
-                          {"size", {"part10.txt", "a.txt", "Part2.txt"}},
-                          {"date", {"Part2.txt", "part10.txt", "a.txt"}}};
-    for (Case const &c : cases) {
-        SCOPED_TRACE(c.sort);
-        EXPECT_EQ(Column(Zelvar({"ls", files.Path(), "--sort", c.sort}).out, 3), c.names);
-        std::vector<std::string> const reversed(c.names.rbegin(), c.names.rend());
-        EXPECT_EQ(Column(Zelvar({"ls", files.Path(), "--sort", c.sort, "--descending"}).out, 3), reversed);
+    test::Rows<char const *, std::vector<std::string>> const cases = {{"name", {"a.txt", "Part2.txt", "part10.txt"}},
+                                                                      {"size", {"part10.txt", "a.txt", "Part2.txt"}},
+                                                                      {"date", {"Part2.txt", "part10.txt", "a.txt"}}};
+    for (auto const &[sort, names] : cases) {
+        SCOPED_TRACE(sort);
+        EXPECT_EQ(Column(Zelvar({"ls", files.Path(), "--sort", sort}).out, 3), names);
+        std::vector<std::string> const reversed(names.rbegin(), names.rend());
+        EXPECT_EQ(Column(Zelvar({"ls", files.Path(), "--sort", sort, "--descending"}).out, 3), reversed);
     }
     EXPECT_THAT(Column(Zelvar({"ls", files.Path(), "--sort=date"}, "TZ=UTC").out, 2),
                 ElementsAre("1998-07-09T16:00:00", "2001-09-09T01:46:40", "2004-11-09T11:33:20"));
@@ -133,12 +123,8 @@ TEST_F(Command, InfoPrintsPropertiesAndWritesThePreview) {
 }
 
 TEST_F(Command, ExitCodesTellUsageFromFailure) {
-    struct Case {
-        std::vector<std::string> words;
-        int exitCode;
-    };
-    Case const cases[] = {
-        {{}, 2},
+    test::Rows<std::vector<std::string>, int> const cases = {
+        {std::vector<std::string>(), 2},
         {{"nonsense"}, 2},
         {{"ls"}, 2},
         {{"ls", folder.Path(), "--sort", "colour"}, 2},
@@ -163,10 +149,10 @@ TEST_F(Command, ExitCodesTellUsageFromFailure) {
         {{"ls", folder.Path(), "--", "--help"}, 2},
         {{"--version"}, 0},
     };
-    for (Case const &c : cases) {
-        Outcome const outcome = Zelvar(c.words);
-        EXPECT_EQ(outcome.exitCode, c.exitCode) << testing::PrintToString(c.words);
-        EXPECT_EQ(outcome.err.empty(), c.exitCode == 0);
+    for (auto const &[words, exitCode] : cases) {
+        Outcome const outcome = Zelvar(words);
+        EXPECT_EQ(outcome.exitCode, exitCode) << testing::PrintToString(words);
+        EXPECT_EQ(outcome.err.empty(), exitCode == 0);
     }
 }
 

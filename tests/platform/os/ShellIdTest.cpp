@@ -1,7 +1,6 @@
+#include "support/Test.h"
 #include "zelvar/platform/os/LinuxShellNamespace.h"
 #include "zelvar/platform/os/ScriptedShellNamespace.h"
-
-#include <gtest/gtest.h>
 
 namespace zelvar::platform {
 namespace {

@@ -1,6 +1,5 @@
 #include "zelvar/platform/ui/ReportView.h"
 
-#include "support/GuiTest.h"
 #include "support/ReportStage.h"
 #include "zelvar/platform/ui/ControlId.h"
 
@@ -9,8 +8,6 @@
 #include <QtGui/QHelpEvent>
 #include <QtWidgets/QToolTip>
 #include <QtWidgets/QVBoxLayout>
-
-#include <gtest/gtest.h>
 
 namespace zelvar::platform {
 namespace {
@@ -39,14 +36,7 @@ TEST(ReportView, TheMouseSelectsAsEverywhere) {
     TellingView view;
     FillStored(view, 10);
     Stage stage(view);
-    struct Step {
-        char const *name;
-        int row;
-        Qt::KeyboardModifiers modifiers;
-        Qt::MouseButton button;
-        char const *selected;
-    };
-    Step const steps[] = {
+    test::Rows<char const *, int, Qt::KeyboardModifiers, Qt::MouseButton, char const *> const steps = {
         {"a click selects one row", 2, {}, Qt::LeftButton, "2"},
         {"another click another one", 4, {}, Qt::LeftButton, "4"},
         {"Shift extends", 6, Qt::ShiftModifier, Qt::LeftButton, "4 5 6"},
@@ -57,10 +47,10 @@ TEST(ReportView, TheMouseSelectsAsEverywhere) {
         {"a right click on the selection keeps it", 5, {}, Qt::RightButton, "3 4 5 6 8"},
         {"a right click elsewhere selects", 0, {}, Qt::RightButton, "0"},
     };
-    for (Step const &step : steps) {
-        stage.Click(step.row, step.modifiers, step.button);
-        EXPECT_EQ(stage.Selected(), step.selected) << step.name;
-        EXPECT_EQ(view.GetFocusRow(), step.row) << step.name;
+    for (auto const &[name, row, modifiers, button, selected] : steps) {
+        stage.Click(row, modifiers, button);
+        EXPECT_EQ(stage.Selected(), selected) << name;
+        EXPECT_EQ(view.GetFocusRow(), row) << name;
     }
     QTest::mouseClick(view.viewport(), Qt::LeftButton, {}, QPoint(20, view.viewport()->height() - 2));
     EXPECT_EQ(stage.Selected(), "0") << "a click below the rows leaves the selection";
@@ -79,13 +69,7 @@ TEST(ReportView, TheKeyboardReachesEverything) {
             text += " " + std::to_string(row);
         return text;
     };
-    struct Step {
-        Qt::Key key;
-        Qt::KeyboardModifiers modifiers;
-        std::string selected;
-        int focus;
-    };
-    Step const steps[] = {
+    test::Rows<Qt::Key, Qt::KeyboardModifiers, std::string, int> const steps = {
         {Qt::Key_Down, {}, "0", 0},
         {Qt::Key_Down, {}, "1", 1},
         {Qt::Key_Down, Qt::ShiftModifier, "1 2", 2},
@@ -102,11 +86,11 @@ TEST(ReportView, TheKeyboardReachesEverything) {
         {Qt::Key_A, Qt::ControlModifier, upTo(0, 99), 99},
         {Qt::Key_Home, {}, "0", 0},
     };
-    for (Step const &step : steps) {
-        stage.Key(step.key, step.modifiers);
-        EXPECT_EQ(stage.Selected(), step.selected) << step.key;
-        EXPECT_EQ(view.GetFocusRow(), step.focus) << step.key;
-        Rect const row = view.GetItemRect(step.focus);
+    for (auto const &[key, modifiers, selected, focus] : steps) {
+        stage.Key(key, modifiers);
+        EXPECT_EQ(stage.Selected(), selected) << key;
+        EXPECT_EQ(view.GetFocusRow(), focus) << key;
+        Rect const row = view.GetItemRect(focus);
         EXPECT_EQ(row.Intersected(view.GetClientRect()).Height(), row.Height()) << "the focus is wholly seen";
     }
 }
@@ -308,8 +292,7 @@ TEST(ReportView, ACellThatIsCutShowsItsTextAsATip) {
 }
 
 TEST(ReportView, CreateGivesStylePlaceAndId) {
-    class Owned : public ReportView {
-    public:
+    struct Owned : ReportView {
         void PreCreateWindow(unsigned &style, Rect &) override { style |= LVS_OWNERDATA; }
         int OnCreate() override { return GetStyle() == (LVS_OWNERDATA | LVS_SINGLESEL | LVS_REPORT) ? 0 : -1; }
     };

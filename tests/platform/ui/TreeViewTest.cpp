@@ -4,10 +4,6 @@
 
 #include <QtGui/QAction>
 #include <QtGui/QContextMenuEvent>
-#include <QtWidgets/QLineEdit>
-#include <QtWidgets/QScrollBar>
-
-#include <utility>
 
 namespace zelvar::platform {
 namespace {
@@ -137,13 +133,7 @@ TEST(TreeView, HitTestTellsThePartsOfAnItem) {
     tree.InsertItem("child", item);
     Rect const label = stage.Label(item);
     int const y = (label.top + label.bottom) / 2;
-    struct Case {
-        char const *name;
-        Point point;
-        unsigned flags;
-        HTREEITEM hit;
-    };
-    Case const cases[] = {
+    test::Rows<char const *, Point, unsigned, HTREEITEM> const cases = {
         {"label", {label.left + 2, y}, TVHT_ONITEMLABEL, item},
         {"last of the label", {label.right - 1, y}, TVHT_ONITEMLABEL, item},
         {"behind the label", {label.right, y}, TVHT_ONITEMRIGHT, item},
@@ -155,10 +145,10 @@ TEST(TreeView, HitTestTellsThePartsOfAnItem) {
         {"left", {-1, y}, TVHT_TOLEFT, nullptr},
         {"right and above", {tree.viewport()->width(), -3}, TVHT_TORIGHT | TVHT_ABOVE, nullptr},
     };
-    for (Case const &hit : cases) {
+    for (auto const &[name, point, place, hit] : cases) {
         unsigned flags = 0;
-        EXPECT_EQ(tree.HitTest(hit.point, &flags), hit.hit) << hit.name;
-        EXPECT_EQ(flags, hit.flags) << hit.name;
+        EXPECT_EQ(tree.HitTest(point, &flags), hit) << name;
+        EXPECT_EQ(flags, place) << name;
     }
 }
 
@@ -168,23 +158,18 @@ TEST(TreeView, TheKeyboardReachesEverything) {
     Family const family(tree);
     tree.InsertItem("deep", family.second);
     tree.SelectItem(family.parent);
-    struct Step {
-        int key;
-        char const *selected;
-        bool parentExpanded;
-    };
-    Step const steps[] = {
+    test::Rows<int, char const *, bool> const steps = {
         {Qt::Key_Right, "parent", true},  {Qt::Key_Right, "first", true},     {Qt::Key_Down, "second", true},
         {Qt::Key_Left, "parent", true},   {Qt::Key_Left, "parent", false},    {Qt::Key_Plus, "parent", true},
         {Qt::Key_Minus, "parent", false}, {Qt::Key_Asterisk, "parent", true}, {Qt::Key_End, "other", true},
         {Qt::Key_Up, "deep", true},       {Qt::Key_Home, "parent", true},     {Qt::Key_PageDown, "other", true},
         {Qt::Key_PageUp, "parent", true},
     };
-    for (Step const &step : steps) {
-        stage.Key(step.key);
-        SCOPED_TRACE(QKeySequence(step.key).toString().toStdString());
-        EXPECT_EQ(tree.GetItemText(tree.GetSelectedItem()), step.selected);
-        EXPECT_EQ(tree.GetItemState(family.parent, TVIS_EXPANDED) != 0, step.parentExpanded);
+    for (auto const &[key, selected, parentExpanded] : steps) {
+        stage.Key(key);
+        SCOPED_TRACE(QKeySequence(key).toString().toStdString());
+        EXPECT_EQ(tree.GetItemText(tree.GetSelectedItem()), selected);
+        EXPECT_EQ(tree.GetItemState(family.parent, TVIS_EXPANDED) != 0, parentExpanded);
     }
     QAction shortcut;
     shortcut.setShortcut(Qt::Key_S);
