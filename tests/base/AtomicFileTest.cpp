@@ -1,8 +1,6 @@
 #include "zelvar/base/AtomicFile.h"
 
-#include "support/TestFiles.h"
-
-#include <gtest/gtest.h>
+#include "support/Test.h"
 
 #include <filesystem>
 

@@ -1,11 +1,8 @@
 #include "zelvar/base/Containers.h"
 
+#include "support/Test.h"
 #include "zelvar/base/DString.h"
 #include "zelvar/base/RefItem.h"
-
-#include <gtest/gtest.h>
-
-#include <memory>
 
 namespace zelvar {
 namespace {

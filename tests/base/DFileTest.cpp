@@ -1,12 +1,9 @@
 #include "zelvar/base/DFile.h"
 
-#include "support/TestFiles.h"
+#include "support/Test.h"
 #include "zelvar/base/DFileFind.h"
 #include "zelvar/base/DFileFrmt.h"
 
-#include <gtest/gtest.h>
-
-#include <array>
 #include <csignal>
 #include <filesystem>
 

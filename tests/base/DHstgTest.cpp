@@ -1,9 +1,7 @@
 #include "zelvar/base/DHstg.h"
 
-#include <gtest/gtest.h>
+#include "support/Test.h"
 
-#include <cmath>
-#include <limits>
 #include <random>
 
 namespace zelvar {

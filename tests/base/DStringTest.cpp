@@ -1,10 +1,7 @@
 #include "zelvar/base/DString.h"
 
+#include "support/Test.h"
 #include "zelvar/base/ByteEscapes.h"
-
-#include <gtest/gtest.h>
-
-#include <limits>
 
 namespace zelvar {
 namespace {
@@ -21,12 +18,7 @@ TEST(DString, CaseIsPassedOverInLatinGreekAndCyrillic) {
 }
 
 TEST(DString, EachCaseFormFoldsToOneAndFoldingAgainChangesNothing) {
-    struct Case {
-        char const *name;
-        char const *small;
-        char const *capital;
-    };
-    Case const cases[] = {
+    test::Rows<char const *, char const *, char const *> const cases = {
         {"y with diaeresis, two blocks apart", "\xC3\xBF", "\xC5\xB8"},
         {"d with stroke", "\xC4\x91", "\xC4\x90"},
         {"final sigma", "\xCF\x82", "\xCE\xA3"},
@@ -35,9 +27,9 @@ TEST(DString, EachCaseFormFoldsToOneAndFoldingAgainChangesNothing) {
         {"palochka", "\xD3\x8F", "\xD3\x80"},
         {"o with horn and hook", "\xE1\xBB\x9F", "\xE1\xBB\x9E"},
     };
-    for (Case const &c : cases) {
-        EXPECT_TRUE(EqualNoCase(c.small, c.capital)) << c.name;
-        EXPECT_EQ(FoldCase(c.small), FoldCase(c.capital)) << c.name;
+    for (auto const &[name, small, capital] : cases) {
+        EXPECT_TRUE(EqualNoCase(small, capital)) << name;
+        EXPECT_EQ(FoldCase(small), FoldCase(capital)) << name;
     }
     EXPECT_FALSE(EqualNoCase("\xC4\xB0", "\xC4\xB1")); // the dotted and the dotless i of Turkish are no pair
     for (unsigned code = 0x80; code < 0x800; ++code) {

@@ -1,11 +1,9 @@
 #include "zelvar/base/DThread.h"
 
-#include <gtest/gtest.h>
+#include "support/Test.h"
 
 #include <future>
-#include <memory>
 #include <stdexcept>
-#include <vector>
 
 namespace zelvar {
 namespace {

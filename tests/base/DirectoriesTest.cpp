@@ -1,16 +1,12 @@
 #include "zelvar/base/Directories.h"
 
-#include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <map>
-#include <optional>
+#include "support/Test.h"
 
 namespace zelvar {
 namespace {
 
 /// Variables of the environment for the life of one test; a value that is not there unsets its variable.
-class Environment {
+class Environment : test::Pinned {
 public:
     using Values = std::map<DString, std::optional<DString>>;
 
@@ -22,8 +18,6 @@ public:
         Set(values);
     }
     ~Environment() { Set(m_former); }
-    Environment(Environment const &) = delete;
-    Environment &operator=(Environment const &) = delete;
 
 private:
     static void Set(Values const &values) {
@@ -38,15 +32,8 @@ private:
 };
 
 TEST(Directories, FollowTheVariableThenTheConfigurationThenTheHome) {
-    struct Case {
-        char const *name;
-        std::optional<DString> told;
-        std::optional<DString> configuration;
-        std::optional<DString> home;
-        DString settings;
-        DString definitions;
-    };
-    Case const cases[] = {
+    test::Rows<char const *, std::optional<DString>, std::optional<DString>, std::optional<DString>, DString,
+               DString> const cases = {
         {"told", "/t/x", "/c", "/h", "/t/x", "/t/x"},
         {"configuration", {}, "/c", "/h", "/c/zelvar/settings.db", "/c/zelvar/definitions"},
         {"a relative configuration does not count",
@@ -61,14 +48,14 @@ TEST(Directories, FollowTheVariableThenTheConfigurationThenTheHome) {
         // Without definitions is a choice; settings are always kept somewhere.
         {"told to be empty", "", "/c", "/h", "/c/zelvar/settings.db", ""},
     };
-    for (Case const &c : cases) {
-        SCOPED_TRACE(c.name);
-        Environment const environment({{"ZELVAR_SETTINGS", c.told},
-                                       {"ZELVAR_DEFINITIONS_DIR", c.told},
-                                       {"XDG_CONFIG_HOME", c.configuration},
-                                       {"HOME", c.home}});
-        EXPECT_EQ(GetSettingsFile(), c.settings);
-        EXPECT_EQ(GetDataSourceDefinitionsDir(), c.definitions);
+    for (auto const &[name, told, configuration, home, settings, definitions] : cases) {
+        SCOPED_TRACE(name);
+        Environment const environment({{"ZELVAR_SETTINGS", told},
+                                       {"ZELVAR_DEFINITIONS_DIR", told},
+                                       {"XDG_CONFIG_HOME", configuration},
+                                       {"HOME", home}});
+        EXPECT_EQ(GetSettingsFile(), settings);
+        EXPECT_EQ(GetDataSourceDefinitionsDir(), definitions);
     }
 }
 

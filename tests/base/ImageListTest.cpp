@@ -1,6 +1,6 @@
 #include "zelvar/base/ImageList.h"
 
-#include <gtest/gtest.h>
+#include "support/Test.h"
 
 #include <thread>
 

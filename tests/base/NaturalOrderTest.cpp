@@ -1,8 +1,7 @@
 #include "zelvar/base/NaturalOrder.h"
 
-#include <gtest/gtest.h>
+#include "support/Test.h"
 
-#include <algorithm>
 #include <random>
 
 namespace zelvar {
@@ -15,13 +14,7 @@ int CompareKeys(std::string_view a, std::string_view b) {
 }
 
 TEST(NaturalOrder, NumbersBlanksAndCaseFollowTheRule) {
-    struct Case {
-        char const *name;
-        char const *a;
-        char const *b;
-        int expected;
-    };
-    Case const cases[] = {
+    test::Rows<char const *, char const *, char const *, int> const cases = {
         {"by value, not by digits", "img9", "img10", -1},
         {"same value, then text", "img10b", "img10a", 1},
         {"case is passed over", "IMG2", "img2", 0},
@@ -39,21 +32,15 @@ TEST(NaturalOrder, NumbersBlanksAndCaseFollowTheRule) {
         {"two pairs of letters outside ASCII", "\xC3\x84pfel", "\xC3\xA4pfel", 0},
         {"nothing against nothing", "", " ", 0},
     };
-    for (Case const &c : cases) {
-        SCOPED_TRACE(c.name);
-        EXPECT_EQ(NaturalCompare(c.a, c.b), c.expected);
-        EXPECT_EQ(NaturalCompare(c.b, c.a), -c.expected);
+    for (auto const &[name, a, b, expected] : cases) {
+        SCOPED_TRACE(name);
+        EXPECT_EQ(NaturalCompare(a, b), expected);
+        EXPECT_EQ(NaturalCompare(b, a), -expected);
     }
 }
 
 TEST(NaturalOrder, FileNamesCompareTheStemAndThenTheExtension) {
-    struct Case {
-        char const *name;
-        char const *a;
-        char const *b;
-        int expected;
-    };
-    Case const cases[] = {
+    test::Rows<char const *, char const *, char const *, int> const cases = {
         {"the stem decides", "a2.zzz", "a10.aaa", -1},
         {"then the extension", "a.tif", "a.TIFF", -1},
         {"none before any", "a", "a.", -1},
@@ -61,11 +48,11 @@ TEST(NaturalOrder, FileNamesCompareTheStemAndThenTheExtension) {
         {"a leading dot begins none", ".tif", ".tif.gz", -1},
         {"only the last dot counts", "a.1.tif", "a.1", 1},
     };
-    for (Case const &c : cases) {
-        SCOPED_TRACE(c.name);
-        EXPECT_EQ(CompareFileNames(c.a, c.b), c.expected);
-        EXPECT_EQ(CompareKeys(c.a, c.b), c.expected);
-        EXPECT_EQ(CompareKeys(c.b, c.a), -c.expected);
+    for (auto const &[name, a, b, expected] : cases) {
+        SCOPED_TRACE(name);
+        EXPECT_EQ(CompareFileNames(a, b), expected);
+        EXPECT_EQ(CompareKeys(a, b), expected);
+        EXPECT_EQ(CompareKeys(b, a), -expected);
     }
 }
 

@@ -1,8 +1,6 @@
 #include "zelvar/base/PathStyle.h"
 
-#include <gtest/gtest.h>
-
-#include <chrono>
+#include "support/Test.h"
 
 namespace zelvar {
 namespace {
@@ -10,12 +8,7 @@ namespace {
 constexpr PathStyle kWindows = PathStyle::Windows();
 
 TEST(PathMatchSpec, MatchesMasks) {
-    struct Case {
-        char const *name;
-        char const *masks;
-        bool expected;
-    };
-    Case const cases[] = {
+    test::Rows<char const *, char const *, bool> const cases = {
         {"a.tif", "*.tif", true},
         {"a.TIF", "*.tif", true},
         {"a.tiff", "*.tif", false},
@@ -43,8 +36,8 @@ TEST(PathMatchSpec, MatchesMasks) {
         {"a1.tif", "a[1].tif", true},
         {"a[", "a[", true},
     };
-    for (Case const &c : cases)
-        EXPECT_EQ(PathMatchSpec(c.name, c.masks), c.expected) << c.name << " by " << c.masks;
+    for (auto const &[name, masks, expected] : cases)
+        EXPECT_EQ(PathMatchSpec(name, masks), expected) << name << " by " << masks;
 }
 
 TEST(PathMatchSpec, ManyStarsDoNotMultiplyTheTime) {
@@ -58,14 +51,7 @@ TEST(PathMatchSpec, ManyStarsDoNotMultiplyTheTime) {
 }
 
 TEST(PathStyle, PartsOfAPathInBothStyles) {
-    struct Case {
-        char const *path;
-        PathStyle style;
-        char const *parent;
-        char const *name;
-        char const *extension;
-    };
-    Case const cases[] = {
+    test::Rows<char const *, PathStyle, char const *, char const *, char const *> const cases = {
         {"/a/b.c/d.tif", {}, "/a/b.c", "d.tif", "tif"},
         {"/a", {}, "/", "a", ""},
         {"/", {}, "/", "", ""},
@@ -76,11 +62,11 @@ TEST(PathStyle, PartsOfAPathInBothStyles) {
         {"C:\\a", kWindows, "C:\\", "a", ""},
         {"C:/a/b", kWindows, "C:/a", "b", ""},
     };
-    for (Case const &c : cases) {
-        SCOPED_TRACE(c.path);
-        EXPECT_EQ(ParentPathOf(c.path, c.style), c.parent);
-        EXPECT_EQ(FileNameOf(c.path, c.style), c.name);
-        EXPECT_EQ(ExtensionOf(c.path, c.style), c.extension);
+    for (auto const &[path, style, parent, name, extension] : cases) {
+        SCOPED_TRACE(path);
+        EXPECT_EQ(ParentPathOf(path, style), parent);
+        EXPECT_EQ(FileNameOf(path, style), name);
+        EXPECT_EQ(ExtensionOf(path, style), extension);
     }
 }
 

@@ -1,16 +1,11 @@
 #include "zelvar/base/Report.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
+#include "support/Test.h"
 
-#include <atomic>
 #include <thread>
-#include <vector>
 
 namespace zelvar {
 namespace {
-
-using testing::ElementsAre;
 
 TEST(Report, TellsTheUserThroughTheHandlerAndWithoutOneOnStderr) {
     std::vector<DString> told;

@@ -1,19 +1,14 @@
 #include "zelvar/base/SettingsStore.h"
 
-#include "support/TestFiles.h"
+#include "support/Test.h"
 #include "zelvar/base/DCnfg.h"
 #include "zelvar/base/DFile.h"
 #include "zelvar/base/DFileFind.h"
 #include "zelvar/base/Directories.h"
 #include "zelvar/base/Report.h"
 
-#include <gtest/gtest.h>
-
-#include <chrono>
 #include <csignal>
 #include <filesystem>
-#include <functional>
-#include <limits>
 #include <random>
 #include <thread>
 
@@ -40,21 +35,18 @@ int StatusOf(pid_t child) {
 }
 
 /// Collects what the user is told.
-class ToldUser {
+class ToldUser : test::Pinned {
 public:
     ToldUser()
         : m_former(Report::SetUserHandler([this](Report::Severity, DString const &text) { texts.push_back(text); })) {}
     ~ToldUser() { Report::SetUserHandler(m_former); }
-    ToldUser(ToldUser const &) = delete;
-    ToldUser &operator=(ToldUser const &) = delete;
     std::vector<DString> texts;
 
 private:
     Report::UserHandler m_former;
 };
 
-class SettingsStoreTest : public testing::Test {
-protected:
+struct SettingsStoreTest : testing::Test {
     [[nodiscard]] std::size_t FilesNamed(char const *mask) const {
         return DFileFind(m_folder.Path(), mask, true, false, false, true, 0).GetFiles().size();
     }

@@ -1,8 +1,7 @@
 #include "zelvar/base/SystemTime.h"
 
-#include <gtest/gtest.h>
+#include "support/Test.h"
 
-#include <cstdlib>
 #include <ctime>
 #include <random>
 #include <thread>

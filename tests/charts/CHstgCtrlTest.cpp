@@ -3,11 +3,6 @@
 #include "support/GuiTest.h"
 
 #include <QtGui/QAccessible>
-#include <QtTest/QTest>
-
-#include <gtest/gtest.h>
-
-#include <cmath>
 
 namespace zelvar {
 namespace {

@@ -5,12 +5,7 @@
 #include "zelvar/charts/PlotPainter.h"
 
 #include <QtGui/QPainter>
-#include <QtTest/QTest>
 
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <limits>
 #include <random>
 
 namespace zelvar {

@@ -1,6 +1,6 @@
 #include "zelvar/charts/core/HistogramGeometry.h"
 
-#include <gtest/gtest.h>
+#include "support/Test.h"
 
 namespace zelvar {
 

@@ -1,15 +1,11 @@
 #include "zelvar/charts/core/PlotGeometry.h"
 
+#include "support/Test.h"
 #include "zelvar/charts/core/MarkerField.h"
 #include "zelvar/charts/core/NiceTicks.h"
 #include "zelvar/charts/core/PlotSelection.h"
 
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <limits>
 #include <random>
-#include <tuple>
 
 namespace zelvar {
 
@@ -74,13 +70,7 @@ TEST(PlotGeometry, TicksStandWhereTheyAreTold) {
 }
 
 TEST(PlotGeometry, TicksThatWouldNotEndAreNone) {
-    struct Case {
-        char const *name;
-        PlotRange range;
-        std::size_t numX;
-        std::size_t numY;
-    };
-    Case const cases[] = {
+    test::Rows<char const *, PlotRange, std::size_t, std::size_t> const cases = {
         {"zero", {.maxX = 10, .maxY = 10, .tickX = 0, .tickY = 0}, 0, 1},
         {"negative", {.maxX = 10, .maxY = 10, .tickX = -1, .tickY = -1}, 0, 1},
         {"not a number", {.maxX = 10, .maxY = 10, .tickX = kNaN, .tickY = kNaN}, 0, 0},
@@ -90,10 +80,10 @@ TEST(PlotGeometry, TicksThatWouldNotEndAreNone) {
         {"no range", {.minX = 5, .minY = 5, .maxX = 5, .maxY = 5}, 1, 1},
         {"infinite step", {.maxX = 5, .maxY = 5, .tickX = kInfinity, .tickY = kInfinity}, 0, 0},
     };
-    for (Case const &c : cases) {
-        SCOPED_TRACE(c.name);
-        EXPECT_EQ(Plot(c.range).TickMarksX().size(), c.numX);
-        EXPECT_EQ(Plot(c.range).TickMarksY().size(), c.numY);
+    for (auto const &[name, range, numX, numY] : cases) {
+        SCOPED_TRACE(name);
+        EXPECT_EQ(Plot(range).TickMarksX().size(), numX);
+        EXPECT_EQ(Plot(range).TickMarksY().size(), numY);
     }
     EXPECT_FALSE(Plot({.minX = 1, .maxX = 0, .maxY = 1}).HasTickMarks());
     EXPECT_TRUE(Plot({.minX = 1, .maxX = 1, .maxY = 1}).HasTickMarks());

@@ -10,21 +10,13 @@
 
 #include <QtGui/QIcon>
 #include <QtGui/QPainter>
-#include <QtTest/QTest>
 #include <QtWidgets/QAbstractButton>
-#include <QtWidgets/QApplication>
 #include <QtWidgets/QDialogButtonBox>
 #include <QtWidgets/QLayout>
-#include <QtWidgets/QLineEdit>
 #include <QtWidgets/QListWidget>
 #include <QtWidgets/QMainWindow>
 #include <QtWidgets/QMenu>
-#include <QtWidgets/QPushButton>
 #include <QtWidgets/QToolButton>
-
-#include <gtest/gtest.h>
-
-#include <memory>
 
 namespace zelvar {
 namespace {

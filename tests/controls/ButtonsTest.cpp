@@ -7,13 +7,7 @@
 
 #include <QtGui/QAccessible>
 #include <QtTest/QSignalSpy>
-#include <QtTest/QTest>
-#include <QtWidgets/QApplication>
 #include <QtWidgets/QMenu>
-
-#include <gtest/gtest.h>
-
-#include <memory>
 
 namespace zelvar {
 namespace {
@@ -25,23 +19,17 @@ TEST(ButtonContent, StandsWhereItIsToldAndMirroredWhereOneReadsFromTheRight) {
     QRect const area(10, 0, 100, 40);
     QSize const image(16, 16);
     QSize const text(30, 14);
-    struct Case {
-        Side side;
-        Align align;
-        Qt::LayoutDirection direction;
-        QPoint image;
-        QPoint text;
-    };
-    for (Case const &c : {
-             Case{Side::Before, Align::Before, Qt::LeftToRight, {10, 12}, {30, 13}},
-             Case{Side::Before, Align::Behind, Qt::LeftToRight, {60, 12}, {80, 13}},
-             Case{Side::Before, Align::Center, Qt::LeftToRight, {35, 12}, {55, 13}},
-             Case{Side::Behind, Align::Before, Qt::LeftToRight, {44, 12}, {10, 13}},
-             Case{Side::Above, Align::Center, Qt::LeftToRight, {52, 3}, {45, 23}},
-             Case{Side::Before, Align::Before, Qt::RightToLeft, {94, 12}, {60, 13}},
+    for (auto const &[side, align, direction, imageAt, textAt] :
+         test::Rows<Side, Align, Qt::LayoutDirection, QPoint, QPoint>{
+             {Side::Before, Align::Before, Qt::LeftToRight, {10, 12}, {30, 13}},
+             {Side::Before, Align::Behind, Qt::LeftToRight, {60, 12}, {80, 13}},
+             {Side::Before, Align::Center, Qt::LeftToRight, {35, 12}, {55, 13}},
+             {Side::Behind, Align::Before, Qt::LeftToRight, {44, 12}, {10, 13}},
+             {Side::Above, Align::Center, Qt::LeftToRight, {52, 3}, {45, 23}},
+             {Side::Before, Align::Before, Qt::RightToLeft, {94, 12}, {60, 13}},
          }) {
-        ContentPlaces const expected{.image = QRect(c.image, image), .text = QRect(c.text, text)};
-        EXPECT_EQ(LayOutContent(area, image, text, c.side, c.align, c.direction), expected);
+        ContentPlaces const expected{.image = QRect(imageAt, image), .text = QRect(textAt, text)};
+        EXPECT_EQ(LayOutContent(area, image, text, side, align, direction), expected);
     }
     ContentPlaces const narrow = LayOutContent(QRect(0, 0, 40, 20), image, text, Side::Before, Align::Center, {});
     EXPECT_EQ(narrow.text.width(), 20) << "the text is cut, the picture is not";

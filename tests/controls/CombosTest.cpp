@@ -6,12 +6,9 @@
 
 #include <QtGui/QAccessible>
 #include <QtTest/QSignalSpy>
-#include <QtTest/QTest>
 #include <QtWidgets/QAbstractItemView>
 #include <QtWidgets/QColorDialog>
 #include <QtWidgets/QTabBar>
-
-#include <gtest/gtest.h>
 
 namespace zelvar {
 namespace {

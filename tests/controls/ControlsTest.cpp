@@ -7,14 +7,6 @@
 
 #include <QtGui/QClipboard>
 #include <QtGui/QTextDocument>
-#include <QtTest/QTest>
-#include <QtWidgets/QApplication>
-#include <QtWidgets/QLabel>
-#include <QtWidgets/QLineEdit>
-
-#include <gtest/gtest.h>
-
-#include <memory>
 
 namespace zelvar {
 namespace {

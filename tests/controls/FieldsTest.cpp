@@ -9,15 +9,8 @@
 #include <QtGui/QAccessible>
 #include <QtGui/QClipboard>
 #include <QtTest/QSignalSpy>
-#include <QtTest/QTest>
-#include <QtWidgets/QApplication>
 #include <QtWidgets/QMenu>
 #include <QtWidgets/QVBoxLayout>
-
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <limits>
 
 namespace zelvar {
 namespace {
@@ -70,36 +63,31 @@ TEST(CFloatEdit, GivesBackTheVeryDoubleThatItWasGiven) {
 TEST(CFloatEdit, WhatIsTypedIsTakenMarkedAndMended) {
     Edited const edited;
     edited.edit->SetRange(100, -100); // exchanged
-    struct Case {
-        char const *typed;
-        char const *shown;
-        bool valid;
-        double value; ///< 7 was there
-        char const *left;
-    };
-    for (Case const &c : {
-             Case{"1,5", "1,5", true, 1.5, "1.5"},
-             Case{"-2.50", "-2.50", true, -2.5, "-2.5"},
-             Case{"1e1", "1e1", true, 10, "10"},
-             Case{"0x10", "010", true, 10, "10"}, // the letter is refused
-             Case{"nan", "", false, 7, "7"},
-             Case{"-", "-", false, 7, "7"},
-             Case{"1e", "1e", false, 1, "1"},
-             Case{"99.5 kg", "99.5 ", true, 99.5, "99.5"},
-             Case{"250", "250", false, 25, "100"},
-             Case{"-1e400", "-1e400", false, -1, "-100"},
-             Case{"", "", false, 7, "7"},
+    // `value`: 7 was there
+    for (auto const &[typed, shown, valid, value, left] :
+         test::Rows<char const *, char const *, bool, double, char const *>{
+             {"1,5", "1,5", true, 1.5, "1.5"},
+             {"-2.50", "-2.50", true, -2.5, "-2.5"},
+             {"1e1", "1e1", true, 10, "10"},
+             {"0x10", "010", true, 10, "10"}, // the letter is refused
+             {"nan", "", false, 7, "7"},
+             {"-", "-", false, 7, "7"},
+             {"1e", "1e", false, 1, "1"},
+             {"99.5 kg", "99.5 ", true, 99.5, "99.5"},
+             {"250", "250", false, 25, "100"},
+             {"-1e400", "-1e400", false, -1, "-100"},
+             {"", "", false, 7, "7"},
          }) {
         edited.edit->SetValue(7);
-        edited.Type(QString::fromLatin1(c.typed));
-        EXPECT_EQ(edited.edit->text(), QString::fromLatin1(c.shown)) << c.typed;
-        EXPECT_EQ(edited.edit->IsValid(), c.valid) << c.typed;
-        EXPECT_EQ(edited.edit->GetValue(), c.value) << c.typed;
-        EXPECT_EQ(edited.edit->accessibleDescription().isEmpty(), c.valid) << c.typed;
+        edited.Type(QString::fromLatin1(typed));
+        EXPECT_EQ(edited.edit->text(), QString::fromLatin1(shown)) << typed;
+        EXPECT_EQ(edited.edit->IsValid(), valid) << typed;
+        EXPECT_EQ(edited.edit->GetValue(), value) << typed;
+        EXPECT_EQ(edited.edit->accessibleDescription().isEmpty(), valid) << typed;
         edited.other->setFocus();
-        EXPECT_EQ(edited.edit->text(), QString::fromLatin1(c.left)) << c.typed;
-        EXPECT_TRUE(edited.edit->IsValid()) << c.typed;
-        EXPECT_EQ(edited.edit->GetValue(), std::atof(c.left)) << c.typed;
+        EXPECT_EQ(edited.edit->text(), QString::fromLatin1(left)) << typed;
+        EXPECT_TRUE(edited.edit->IsValid()) << typed;
+        EXPECT_EQ(edited.edit->GetValue(), std::atof(left)) << typed;
     }
 }
 
@@ -191,16 +179,13 @@ TEST(ZelSliderCtrl, KeysMoveInTheRangesOwnNumbers) {
     play.slider.SetStep(0);
     play.slider.SetLineSize(0.1);
     play.slider.SetPageSize(0.25);
-    struct Case {
-        Qt::Key key;
-        double value;
-    };
-    for (Case const &c :
-         {Case{Qt::Key_Right, 0.1}, Case{Qt::Key_Right, 0.2}, Case{Qt::Key_Up, 0.3}, Case{Qt::Key_PageUp, 0.55},
-          Case{Qt::Key_Left, 0.45}, Case{Qt::Key_End, 1}, Case{Qt::Key_Right, 1}, Case{Qt::Key_Home, 0}}) {
-        play.Press(c.key);
-        EXPECT_EQ(play.slider.GetPos(), c.value);
-        EXPECT_EQ(play.edit->GetValue(), c.value);
+    test::Rows<Qt::Key, double> const steps = {{Qt::Key_Right, 0.1},   {Qt::Key_Right, 0.2}, {Qt::Key_Up, 0.3},
+                                               {Qt::Key_PageUp, 0.55}, {Qt::Key_Left, 0.45}, {Qt::Key_End, 1},
+                                               {Qt::Key_Right, 1},     {Qt::Key_Home, 0}};
+    for (auto const &[key, value] : steps) {
+        play.Press(key);
+        EXPECT_EQ(play.slider.GetPos(), value);
+        EXPECT_EQ(play.edit->GetValue(), value);
     }
     EXPECT_EQ(play.changes.count(), 7);
     EXPECT_EQ(play.ends.count(), 8);
@@ -333,7 +318,7 @@ TEST(ColorStatic, ShowsItsColoursAndFadesTheTextWhileDisabled) {
     EXPECT_EQ(test::ColorAt(label, {0, 0}), label.palette().color(QPalette::Window));
 }
 
-struct Link {
+struct Link : test::Pinned {
     Link() : opened(&link, &HyperLink::Opened) {
         HyperLink::SetOpener([this](QUrl const &url) {
             urls << url.toString();
@@ -341,8 +326,6 @@ struct Link {
         });
     }
     ~Link() { HyperLink::SetOpener({}); }
-    Link(Link const &) = delete;
-    Link &operator=(Link const &) = delete;
     void Show() {
         link.show();
         link.setFocus();
@@ -356,29 +339,26 @@ struct Link {
 
 TEST(HyperLink, OpensPagesMailAndFilesOnly) {
     Link play;
-    struct Case {
-        char const *url;
-        char const *opened; ///< empty for none
-    };
-    for (Case const &c : {
-             Case{"https://example.org/a?b=c#d", "https://example.org/a?b=c#d"},
-             Case{" HTTP://example.org ", "http://example.org"},
-             Case{"mailto:someone@example.org", "mailto:someone@example.org"},
-             Case{"file:///data/a.tif", "file:///data/a.tif"},
-             Case{"/data/100% #1.tif", "file:///data/100%25 %231.tif"},
-             Case{"javascript:alert(1)", ""},
-             Case{"smb://host/share", ""},
-             Case{"C:\\data", ""},
-             Case{"relative/path", ""},
-             Case{"https://example.org/\nx", ""},
-             Case{"", ""},
+    // `opened`: empty for none
+    for (auto const &[url, opened] : test::Rows<char const *, char const *>{
+             {"https://example.org/a?b=c#d", "https://example.org/a?b=c#d"},
+             {" HTTP://example.org ", "http://example.org"},
+             {"mailto:someone@example.org", "mailto:someone@example.org"},
+             {"file:///data/a.tif", "file:///data/a.tif"},
+             {"/data/100% #1.tif", "file:///data/100%25 %231.tif"},
+             {"javascript:alert(1)", ""},
+             {"smb://host/share", ""},
+             {"C:\\data", ""},
+             {"relative/path", ""},
+             {"https://example.org/\nx", ""},
+             {"", ""},
          }) {
         play.urls.clear();
-        play.link.SetURL(c.url);
-        bool const expected = *c.opened != '\0';
-        EXPECT_EQ(play.link.Open(), expected) << c.url;
-        EXPECT_EQ(play.link.IsVisited(), expected) << c.url;
-        EXPECT_EQ(play.urls.join(u' '), QString::fromLatin1(c.opened));
+        play.link.SetURL(url);
+        bool const expected = *opened != '\0';
+        EXPECT_EQ(play.link.Open(), expected) << url;
+        EXPECT_EQ(play.link.IsVisited(), expected) << url;
+        EXPECT_EQ(play.urls.join(u' '), QString::fromLatin1(opened));
     }
     EXPECT_EQ(play.opened.count(), 11);
 }

@@ -1,5 +1,6 @@
 #include "zelvar/controls/GUITools.h"
 
+#include "support/Test.h"
 #include "zelvar/platform/ui/ControlId.h"
 
 #include <QtGui/QScreen>
@@ -11,27 +12,19 @@
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QPlainTextEdit>
 
-#include <gtest/gtest.h>
-
-#include <array>
-
 namespace zelvar {
 namespace {
 
 TEST(GUITools, ARectangleIsMovedRatherThanCut) {
     constexpr Rect screen{.left = 100, .top = 0, .right = 500, .bottom = 300};
-    struct Case {
-        Rect rect;
-        Rect kept;
-    };
-    for (Case const &c : {
-             Case{{100, 0, 500, 300}, {100, 0, 500, 300}},
-             Case{{90, -20, 190, 80}, {100, 0, 200, 100}},
-             Case{{450, 250, 550, 350}, {400, 200, 500, 300}},
-             Case{{0, 10, 900, 20}, {100, 10, 500, 20}},
-             Case{{5000, 5000, 5010, 5010}, {490, 290, 500, 300}},
+    for (auto const &[rect, kept] : test::Rows<Rect, Rect>{
+             {{100, 0, 500, 300}, {100, 0, 500, 300}},
+             {{90, -20, 190, 80}, {100, 0, 200, 100}},
+             {{450, 250, 550, 350}, {400, 200, 500, 300}},
+             {{0, 10, 900, 20}, {100, 10, 500, 20}},
+             {{5000, 5000, 5010, 5010}, {490, 290, 500, 300}},
          })
-        EXPECT_EQ(GUITools::KeepWithin(c.rect, screen), c.kept);
+        EXPECT_EQ(GUITools::KeepWithin(rect, screen), kept);
 }
 
 TEST(GUITools, AWindowStandsOverItsParentAndOnTheScreen) {
@@ -77,20 +70,17 @@ TEST(GUITools, ControlsAreReachedById) {
 TEST(GUITools, APathLosesItsMiddleFolders) {
     QFont const font = QApplication::font();
     DString const path = "/data/archive/2024/april/scene.tif";
-    struct Case {
-        char const *fits; ///< the width is just that of this
-        char const *shown;
-        char const *shownBelow; ///< with a pixel less
-    };
-    for (Case const &c : {
-             Case{"/data/archive/2024/april/scene.tif", "/data/archive/2024/april/scene.tif",
-                  "/data/…/2024/april/scene.tif"},
-             Case{"/data/…/april/scene.tif", "/data/…/april/scene.tif", "/data/…/scene.tif"},
-             Case{"/data/…/scene.tif", "/data/…/scene.tif", "…/april/scene.tif"},
+    // `fits`: the width is just that of this
+    // `shownBelow`: with a pixel less
+    for (auto const &[fits, shown, shownBelow] : test::Rows<char const *, char const *, char const *>{
+             {"/data/archive/2024/april/scene.tif", "/data/archive/2024/april/scene.tif",
+              "/data/…/2024/april/scene.tif"},
+             {"/data/…/april/scene.tif", "/data/…/april/scene.tif", "/data/…/scene.tif"},
+             {"/data/…/scene.tif", "/data/…/scene.tif", "…/april/scene.tif"},
          }) {
-        int const width = GUITools::TextWidth(font, c.fits);
-        EXPECT_EQ(GUITools::ShortenPath(path, font, width), c.shown);
-        EXPECT_EQ(GUITools::ShortenPath(path, font, width - 1), c.shownBelow);
+        int const width = GUITools::TextWidth(font, fits);
+        EXPECT_EQ(GUITools::ShortenPath(path, font, width), shown);
+        EXPECT_EQ(GUITools::ShortenPath(path, font, width - 1), shownBelow);
     }
     EXPECT_EQ(GUITools::ShortenPath("a/b\xff", font, 1000), "a/b\xEF\xBF\xBD");
     EXPECT_EQ(GUITools::ShortenPath("", font, 0), "");

@@ -3,12 +3,7 @@
 
 #include <QtGui/QAccessible>
 #include <QtTest/QSignalSpy>
-#include <QtTest/QTest>
-#include <QtWidgets/QApplication>
-#include <QtWidgets/QLineEdit>
 #include <QtWidgets/QVBoxLayout>
-
-#include <gtest/gtest.h>
 
 namespace zelvar {
 namespace {

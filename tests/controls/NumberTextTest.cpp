@@ -1,9 +1,7 @@
 #include "zelvar/controls/core/NumberText.h"
 
-#include <gtest/gtest.h>
+#include "support/Test.h"
 
-#include <cmath>
-#include <limits>
 #include <ostream>
 
 namespace zelvar {

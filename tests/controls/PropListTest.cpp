@@ -2,18 +2,11 @@
 #include "zelvar/controls/CZelPropList.h"
 
 #include <QtGui/QContextMenuEvent>
-#include <QtTest/QTest>
 #include <QtWidgets/QColorDialog>
 #include <QtWidgets/QComboBox>
-#include <QtWidgets/QLineEdit>
 #include <QtWidgets/QMenu>
 #include <QtWidgets/QPlainTextEdit>
 #include <QtWidgets/QToolButton>
-
-#include <gtest/gtest.h>
-
-#include <chrono>
-#include <memory>
 
 namespace zelvar {
 namespace {

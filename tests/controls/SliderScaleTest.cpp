@@ -1,7 +1,6 @@
 #include "zelvar/controls/core/SliderScale.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
+#include "support/Test.h"
 
 namespace zelvar {
 namespace {

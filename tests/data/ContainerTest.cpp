@@ -1,69 +1,18 @@
 #include "support/ImageFiles.h"
-#include "support/RealDrivers.h"
-#include "support/TestFiles.h"
-#include "zelvar/data/BDIDrvrMngr.h"
+#include "support/OpenedTree.h"
+#include "support/RealDriversTest.h"
+#include "support/Test.h"
 #include "zelvar/data/ImageReader.h"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <map>
 
 #include <sys/stat.h>
 
 namespace zelvar {
 namespace {
 
-using testing::ElementsAre;
 using testing::UnorderedElementsAre;
-
-/// A tree opened with the real drivers.
-class OpenTree {
-public:
-    explicit OpenTree(DString const &url, char const *driverId = nullptr, char const *filter = nullptr) {
-        test::UseRealDrivers();
-        if (driverId != nullptr) {
-            driver = BDIDrvrMngr::Instance()->GetDrvr(driverId);
-            repository = driver == nullptr ? nullptr : driver->OpenRepository(url.c_str(), &root, filter);
-        } else {
-            repository = BDIDrvrMngr::Instance()->OpenFile(url.c_str(), &driver, &root, filter, nullptr);
-        }
-    }
-    ~OpenTree() {
-        if (repository == nullptr)
-            return;
-        driver->CloseNode(root);
-        driver->CloseRepository(repository);
-    }
-    OpenTree(OpenTree const &) = delete;
-    OpenTree &operator=(OpenTree const &) = delete;
-    explicit operator bool() const { return repository != nullptr; }
-
-    [[nodiscard]] std::vector<BDINode> Children(BDINode const &parent, int mask = 0xFF) const {
-        std::vector<BDINode> children;
-        void *const find = driver->FindFirstChildNode(repository, &parent, mask);
-        for (BDINode const *child = find == nullptr ? nullptr : driver->FindNextChildNode(find); child != nullptr;
-             child = driver->FindNextChildNode(find))
-            children.push_back(*child);
-        if (find != nullptr)
-            driver->FindClose(find);
-        return children;
-    }
-    [[nodiscard]] std::map<DString, std::uint32_t> Names(BDINode const &parent, int mask = 0xFF) const {
-        std::map<DString, std::uint32_t> names;
-        for (BDINode const &child : Children(parent, mask))
-            names[child.name] = child.type;
-        return names;
-    }
-
-    BDIDrvr *driver = nullptr;
-    BDINode *root = nullptr;
-    void *repository = nullptr;
-};
+using OpenTree = test::OpenedTree;
 
 bool IsContainer(DString const &path) {
-    test::UseRealDrivers();
     auto const &candidates = BDIDrvrMngr::Instance()->CandidatesFor(path);
     return std::any_of(candidates.begin(), candidates.end(), [&](BDIDrvr const *driver) {
         return driver->GetAttrInt("BDI_Multiple_Images") == 1 && driver->CanReadPath(path);
@@ -78,10 +27,7 @@ int FirstSample(DString const &moniker) {
     return static_cast<int>(RedOf(picture.GetPixel(0, 0)));
 }
 
-class Container : public testing::Test {
-protected:
-    test::TempFolder m_folder;
-};
+using Container = test::RealDriversTest;
 
 TEST_F(Container, PagesOfATiffAreItsChildren) {
     DString const path = m_folder / "pa ges?.tif";
@@ -96,12 +42,9 @@ TEST_F(Container, PagesOfATiffAreItsChildren) {
     for (std::size_t i = 0; i < 3; ++i) {
         EXPECT_EQ(pages[i].type, static_cast<std::uint32_t>(BDINode_Raster));
         EXPECT_EQ(FirstSample(pages[i].path), static_cast<int>(10 * (i + 1))) << pages[i].path;
-        BDINode *const again = tree.driver->OpenNode(tree.repository, pages[i].path.c_str());
-        ASSERT_NE(again, nullptr);
-        EXPECT_EQ(again->name, pages[i].name);
-        tree.driver->CloseNode(again);
+        EXPECT_EQ(tree.Node(pages[i].path).value_or(BDINode()).name, pages[i].name);
     }
-    EXPECT_EQ(tree.driver->OpenNode(tree.repository, "/no/such"), nullptr);
+    EXPECT_FALSE(tree.Node("/no/such"));
     EXPECT_TRUE(tree.Children(*tree.root, BDINode_Thematic).empty());
     EXPECT_TRUE(tree.Children(pages[0]).empty());
 }
@@ -160,10 +103,7 @@ TEST_F(Container, GroupsAreContainersAndTreesOfTheirOwn) {
         EXPECT_NE(deep.name.find("deep"), DString::npos);
         EXPECT_GE(FirstSample(deep.path), 0); // what lies in a group opens by its own name
 
-        BDINode *const again = tree.driver->OpenNode(tree.repository, inner.path.c_str());
-        ASSERT_NE(again, nullptr);
-        EXPECT_EQ(again->name, "inner");
-        tree.driver->CloseNode(again);
+        EXPECT_EQ(tree.Node(inner.path).value_or(BDINode()).name, "inner");
         OpenTree const alone(outer.path);
         ASSERT_TRUE(alone);
         EXPECT_EQ(alone.root->name, "outer");
@@ -285,9 +225,7 @@ TEST_F(Container, AnArchiveShowsItsFoldersAndTheDataInThem) {
         std::vector<BDINode> const variables = tree.Children(file);
         ASSERT_EQ(variables.size(), 2U);
         EXPECT_EQ(FirstSample(variables[0].path), 255) << variables[0].path;
-        BDINode *const again = tree.driver->OpenNode(tree.repository, variables[0].path.c_str());
-        EXPECT_NE(again, nullptr);
-        tree.driver->CloseNode(again);
+        EXPECT_TRUE(tree.Node(variables[0].path));
     }
 }
 
@@ -343,20 +281,14 @@ TEST_F(Container, AFolderIsFilteredByAMaskAndTellsWhichItKnows) {
     EXPECT_THAT(filtered.Names(*filtered.root), UnorderedElementsAre(testing::Key("b.png"), testing::Key("sub")));
     EXPECT_EQ(filtered.driver->GetAttrInt("BDI_Filtering"), 1);
 
-    BDINode *const root = filtered.driver->OpenNode(filtered.repository, m_folder.Path().c_str());
-    ASSERT_NE(root, nullptr);
-    std::vector<BDINode> const top = filtered.Children(*root, BDINode_Table);
-    filtered.driver->CloseNode(root);
+    std::vector<BDINode> const top = filtered.Children(filtered.Node(m_folder.Path()).value(), BDINode_Table);
     ASSERT_EQ(top.size(), 1U);
     EXPECT_EQ(top[0].name, "Filters");
-    BDINode *const filters = filtered.driver->OpenNode(filtered.repository, top[0].path.c_str());
-    ASSERT_NE(filters, nullptr);
     std::vector<DString> masks;
-    for (BDINode const &filter : filtered.Children(*filters, BDINode_Table)) {
+    for (BDINode const &filter : filtered.Children(filtered.Node(top[0].path).value(), BDINode_Table)) {
         EXPECT_EQ(filter.name, "Filter");
         masks.push_back(filter.value);
     }
-    filtered.driver->CloseNode(filters);
     EXPECT_THAT(masks, testing::Contains("*.png"));
     EXPECT_EQ(filtered.Names(*filtered.root, 0x1F).count("Filters"), 0U); // never among the data
 }

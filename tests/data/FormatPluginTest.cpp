@@ -1,16 +1,9 @@
 #include "zelvar/data/FormatPlugin.h"
 
-#include "support/RealDrivers.h"
-#include "zelvar/data/BDIDrvrMngr.h"
+#include "support/RealDriversTest.h"
+#include "support/Test.h"
 #include "zelvar/data/BDINode.h"
 #include "zelvar/data/DIOPluginMngr.h"
-#include "zelvar/data/RDIDriverMngr.h"
-
-#include <gtest/gtest.h>
-
-#include <map>
-#include <memory>
-#include <set>
 
 namespace zelvar {
 namespace {
@@ -18,17 +11,7 @@ namespace {
 constexpr int kReading = 0;
 constexpr int kWriting = 1;
 
-class FormatPlugins : public testing::Test {
-protected:
-    FormatPlugins() {
-        Forget();
-        test::UseRealDrivers();
-    }
-    ~FormatPlugins() override { Forget(); }
-    static void Forget() {
-        BDIDrvrMngr::Instance()->Reset();
-        RDIDriverMngr::Instance()->Reset();
-    }
+struct FormatPlugins : test::RealDriversTest {
     /// Masks by id.
     static std::map<DString, DString> Offered(int mode, unsigned types, ICheck<DString> const *check = nullptr) {
         DList<DFileFrmt *> formats;

@@ -2,8 +2,6 @@
 #include "zelvar/data/RequestScope.h"
 #include "zelvar/data/reader/DriverModule.h"
 
-#include <gtest/gtest.h>
-
 #include <filesystem>
 #include <fstream>
 
@@ -15,8 +13,7 @@ namespace {
 using Lines = std::vector<DString>;
 
 /// Tables that somebody else wrote, badly or with bad intent.
-class HardTables : public test::TablesTest {
-protected:
+struct HardTables : test::TablesTest {
     /// A table of one column "t" with these bytes in its one row.
     [[nodiscard]] DString WriteDbf(char const *name, DString const &bytes) const {
         DString text(32, '\0');
@@ -46,35 +43,30 @@ DString Utf16(std::u16string_view text, bool bigEndian) {
 }
 
 TEST_F(HardTables, TextsOfCommaSeparatedValuesAreTakenApartByTheBook) {
-    struct Case {
-        char const *name;
-        DString bytes;
-        Lines expected;
-    };
-    for (Case const &c : {
-             Case{"semicolons.csv", "a;b\n1,5;\"x;y\"\n", {"a:3|b:3", "1,5|x;y"}},
-             Case{"tabs.txt", "a\tb\n1\t2\n", {"a:1|b:1", "1|2"}},
-             Case{"bars.psv", "a|b,c\n1|2\n", {"a:1|b,c:1", "1|2"}},
-             Case{"tabs.tsv", "a,b\tc\n1\t2", {"a,b:1|c:1", "1|2"}},
-             Case{"no names.csv", "1,x\n2,y\n", {"field_1:1|field_2:3", "1|x", "2|y"}},
-             Case{"lonely.csv", "word\n1\n\n\"\"\n2\n", {"word:1", "1", "", "2"}},
-             Case{"old line ends.csv", "a,b\r1,2\r3,4\r", {"a:1|b:1", "1|2", "3|4"}},
-             Case{"ragged.csv", "a,b\n1\n1,2,3\n", {"a:1|b:1|field_3:1", "1||", "1|2|3"}},
-             Case{"open quote.csv", "a,b\n1,\"2\n3,4\n", {"a:1|b:3", "1|2\n3,4\n"}},
-             Case{"text behind quote.csv", "a,b\n\"1\"2,\"x\"\"\"\n", {"a:1|b:3", "12|x\""}},
-             Case{"mark.csv", "\xEF\xBB\xBF\"a\",b\n1,2\n", {"a:1|b:1", "1|2"}},
-             Case{"no UTF-8.csv", "a,\xFC\nx\x80,\xC3\xA4\n", {"a:3|\xC3\xBC:3", "x\xE2\x82\xAC|\xC3\x83\xC2\xA4"}},
-             Case{"no UTF-8.tcsv", "\xFC,\x81\n", {"\xC3\xBC:3", "\xEF\xBF\xBD"}},
-             Case{"damaged UTF-8.csv", "a,\xC3\xA4\n\xC3,\xC3\xA4\n", {"a:3|\xC3\xA4:3", "\xEF\xBF\xBD|\xC3\xA4"}},
-             Case{"marked.csv", "\xEF\xBB\xBF\xFC\n1\n", {"\xEF\xBF\xBD:1", "1"}},
-             Case{"numbers.csv",
-                  "a,b,c,d,e\n1,1,-1,1.,1e5\n00,2.5,1234567890123456789,x,nan\n",
-                  {"a:3|b:2|c:3|d:3|e:3", "1|1|-1|1.|1e5", "00|2.5|1234567890123456789|x|nan"}},
-             Case{"names only.csv", "a,b\n", {"a:3|b:3"}},
-             Case{"one name.csv", "a", {"a:3"}},
-             Case{"short line.tcsv", "a,1,2\nb,x\n", {"a:1|b:3", "1|x", "2|"}},
+    for (auto const &[name, bytes, expected] : test::Rows<char const *, DString, Lines>{
+             {"semicolons.csv", "a;b\n1,5;\"x;y\"\n", {"a:3|b:3", "1,5|x;y"}},
+             {"tabs.txt", "a\tb\n1\t2\n", {"a:1|b:1", "1|2"}},
+             {"bars.psv", "a|b,c\n1|2\n", {"a:1|b,c:1", "1|2"}},
+             {"tabs.tsv", "a,b\tc\n1\t2", {"a,b:1|c:1", "1|2"}},
+             {"no names.csv", "1,x\n2,y\n", {"field_1:1|field_2:3", "1|x", "2|y"}},
+             {"lonely.csv", "word\n1\n\n\"\"\n2\n", {"word:1", "1", "", "2"}},
+             {"old line ends.csv", "a,b\r1,2\r3,4\r", {"a:1|b:1", "1|2", "3|4"}},
+             {"ragged.csv", "a,b\n1\n1,2,3\n", {"a:1|b:1|field_3:1", "1||", "1|2|3"}},
+             {"open quote.csv", "a,b\n1,\"2\n3,4\n", {"a:1|b:3", "1|2\n3,4\n"}},
+             {"text behind quote.csv", "a,b\n\"1\"2,\"x\"\"\"\n", {"a:1|b:3", "12|x\""}},
+             {"mark.csv", "\xEF\xBB\xBF\"a\",b\n1,2\n", {"a:1|b:1", "1|2"}},
+             {"no UTF-8.csv", "a,\xFC\nx\x80,\xC3\xA4\n", {"a:3|\xC3\xBC:3", "x\xE2\x82\xAC|\xC3\x83\xC2\xA4"}},
+             {"no UTF-8.tcsv", "\xFC,\x81\n", {"\xC3\xBC:3", "\xEF\xBF\xBD"}},
+             {"damaged UTF-8.csv", "a,\xC3\xA4\n\xC3,\xC3\xA4\n", {"a:3|\xC3\xA4:3", "\xEF\xBF\xBD|\xC3\xA4"}},
+             {"marked.csv", "\xEF\xBB\xBF\xFC\n1\n", {"\xEF\xBF\xBD:1", "1"}},
+             {"numbers.csv",
+              "a,b,c,d,e\n1,1,-1,1.,1e5\n00,2.5,1234567890123456789,x,nan\n",
+              {"a:3|b:2|c:3|d:3|e:3", "1|1|-1|1.|1e5", "00|2.5|1234567890123456789|x|nan"}},
+             {"names only.csv", "a,b\n", {"a:3|b:3"}},
+             {"one name.csv", "a", {"a:3"}},
+             {"short line.tcsv", "a,1,2\nb,x\n", {"a:1|b:3", "1|x", "2|"}},
          })
-        EXPECT_EQ(Read(m_folder.Write(c.name, c.bytes)), c.expected) << c.name;
+        EXPECT_EQ(Read(m_folder.Write(name, bytes)), expected) << name;
     DString const text = m_folder.Write("options.csv", "1;2\n3;4\n");
     EXPECT_EQ(Read(text + "?HEADERS=YES&SEPARATOR=COMMA"), (Lines{"1;2:3", "3;4"}));
     DString const greek = m_folder.Write("greek.csv", "\xC1\n" + DString(300'000, 'x') + "\n\xC2\n");
@@ -107,36 +99,33 @@ TEST_F(HardTables, EncodingsAreThoseThatTheFileStates) {
 }
 
 TEST_F(HardTables, EncodingsOfDBaseAreThoseOfTheCodePageBesideOrOfTheByteForTheLanguage) {
-    struct Case {
-        char language;    ///< 3 Windows, 2 what came before it, 0x57 "ANSI", 0x65 Russian before Windows
-        char const *page; ///< content of the file beside it; null for none
-        DString bytes;
-        DString shown;
-    };
+    // `language`: 3 Windows, 2 what came before it, 0x57 "ANSI", 0x65 Russian before Windows
+    // `page`: content of the file beside it; null for none
     DString const wrong = "\xEF\xBF\xBD";
     DString const both = "\xC3\xA4\xE2\x80\x9E"; // a German letter and a quote
     DString const russian = "\xD1\x84\xD0\x94";
-    for (Case const &c : {Case{'\x03', nullptr, "\xE4\x84", both},
-                          {'\x02', nullptr, "\xE4\x84", "\xC3\xB5\xC3\xA4"},
-                          {'\x57', nullptr, "\xE4\x84", both},
-                          {'\x65', nullptr, "\xE4\x84", russian},
-                          {'\x57', "1251", "\xE4\x84", "\xD0\xB4\xE2\x80\x9E"},
-                          {'\x00', "1252", "\xE4\x84", both},
-                          {'\x00', "CP1252", "\x81\xE4", wrong + "\xC3\xA4"}, // the first one is none
-                          {'\x00', "ANSI 1252", "\xE4\x84", both},
-                          {'\x00', "ISO-8859-1", "\xE4", "\xC3\xA4"},
-                          {'\x00', "CP866\r\n", "\xE4\x84", russian},
-                          {'\x00', "SJIS", "\x93\xFA\x93", "\xE6\x97\xA5" + wrong},
-                          {'\x00', "UTF-8", "\xE4 \xC3\xA4", wrong + " \xC3\xA4"},
-                          {'\x00', "nonsense", "\xE4 \xC3\xA4", wrong + " \xC3\xA4"},
-                          {'\x03', "nonsense", "\xE4\x84", both},
-                          {'\x00', nullptr, "\xE4 \xC3\xA4", wrong + " \xC3\xA4"}}) {
-        DString const dbf = WriteDbf("a.dbf", c.bytes);
-        std::fstream(dbf, std::ios::in | std::ios::out | std::ios::binary).seekp(29).put(c.language);
+    for (auto const &[language, page, bytes, shown] : test::Rows<char, char const *, DString, DString>{
+             {'\x03', nullptr, "\xE4\x84", both},
+             {'\x02', nullptr, "\xE4\x84", "\xC3\xB5\xC3\xA4"},
+             {'\x57', nullptr, "\xE4\x84", both},
+             {'\x65', nullptr, "\xE4\x84", russian},
+             {'\x57', "1251", "\xE4\x84", "\xD0\xB4\xE2\x80\x9E"},
+             {'\x00', "1252", "\xE4\x84", both},
+             {'\x00', "CP1252", "\x81\xE4", wrong + "\xC3\xA4"}, // the first one is none
+             {'\x00', "ANSI 1252", "\xE4\x84", both},
+             {'\x00', "ISO-8859-1", "\xE4", "\xC3\xA4"},
+             {'\x00', "CP866\r\n", "\xE4\x84", russian},
+             {'\x00', "SJIS", "\x93\xFA\x93", "\xE6\x97\xA5" + wrong},
+             {'\x00', "UTF-8", "\xE4 \xC3\xA4", wrong + " \xC3\xA4"},
+             {'\x00', "nonsense", "\xE4 \xC3\xA4", wrong + " \xC3\xA4"},
+             {'\x03', "nonsense", "\xE4\x84", both},
+             {'\x00', nullptr, "\xE4 \xC3\xA4", wrong + " \xC3\xA4"}}) {
+        DString const dbf = WriteDbf("a.dbf", bytes);
+        std::fstream(dbf, std::ios::in | std::ios::out | std::ios::binary).seekp(29).put(language);
         std::filesystem::remove(m_folder / "a.cpg");
-        if (c.page != nullptr)
-            m_folder.Write("a.cpg", c.page);
-        EXPECT_EQ(Read(dbf), (Lines{"t:3", c.shown})) << int{c.language} << (c.page == nullptr ? "" : c.page);
+        if (page != nullptr)
+            m_folder.Write("a.cpg", page);
+        EXPECT_EQ(Read(dbf), (Lines{"t:3", shown})) << int{language} << (page == nullptr ? "" : page);
     }
     EXPECT_EQ(Read(WriteDbf("b.dbf", "\x84") + "?ENCODING=CP866"), (Lines{"t:3", "\xD0\x94"}));
 }
@@ -219,10 +208,7 @@ TEST_F(HardTables, SizesOutOfProportionEndATableAndNothingElse) {
 }
 
 TEST_F(HardTables, ARequestThatIsStoppedYieldsNoRowAndTheNextOneGoesOn) {
-    DString text = "n,m\n";
-    for (int row = 0; row < 20'000; ++row)
-        text += std::to_string(row) + ",\n";
-    DString const path = m_folder.Write("a.csv", text);
+    DString const path = m_folder.Write("a.csv", Numbered(20'000));
     ADIFile table = Open(path);
     ASSERT_TRUE(table.SetRow(10));
     {
@@ -244,10 +230,7 @@ TEST_F(HardTables, ARequestThatIsStoppedYieldsNoRowAndTheNextOneGoesOn) {
 }
 
 TEST_F(HardTables, AReaderThatIsLostIsReplacedAtTheRow) {
-    DString text = "n,m\n";
-    for (int row = 0; row < 20'000; ++row)
-        text += std::to_string(row) + ",\n";
-    ADIFile table = Open(m_folder.Write("a.csv", text));
+    ADIFile table = Open(m_folder.Write("a.csv", Numbered(20'000)));
     for (int const row : {0, 300, 15'000, 14'000}) {
         ASSERT_TRUE(table.SetRow(row));
         EXPECT_EQ(table.GetText(0), std::to_string(row));

@@ -1,23 +1,14 @@
 #include "zelvar/data/HistogramReader.h"
 
 #include "support/ImageFiles.h"
-#include "support/RealDrivers.h"
-#include "support/TestFiles.h"
+#include "support/RealDriversTest.h"
+#include "support/Test.h"
 #include "zelvar/data/ADIFile.h"
-
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <limits>
 
 namespace zelvar {
 namespace {
 
-class HistogramReading : public testing::Test {
-protected:
-    HistogramReading() { test::UseRealDrivers(); }
-    test::TempFolder m_folder;
-
+struct HistogramReading : test::RealDriversTest {
     DHstg Of(DString const &path, int channel = 0, int slots = 16, DError *error = nullptr) {
         DHstg histogram;
         m_isRead = ReadHistogram({path, nullptr}, "", channel, slots, nullptr, histogram, error);

@@ -1,8 +1,7 @@
 #include "zelvar/data/ImageReader.h"
 
 #include "support/ScriptedDriver.h"
-
-#include <gtest/gtest.h>
+#include "support/Test.h"
 
 namespace zelvar {
 namespace {
@@ -11,8 +10,7 @@ using test::ScriptedDrivers;
 using test::ScriptedImage;
 using test::ScriptedRasterDriver;
 
-class ImageReader : public testing::Test {
-protected:
+struct ImageReader : testing::Test {
     bool Preview(ScriptedImage image) {
         m_driver.SetImage("/image", std::move(image));
         bool const read = ReadPreview({"/image", nullptr}, "", &m_stop, m_picture);

@@ -1,6 +1,5 @@
 #include "support/ScriptedDriver.h"
-
-#include <gtest/gtest.h>
+#include "support/Test.h"
 
 #include <thread>
 

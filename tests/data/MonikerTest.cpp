@@ -1,9 +1,7 @@
 #include "support/ScriptedDriver.h"
-#include "support/TestFiles.h"
+#include "support/Test.h"
 #include "zelvar/data/BDIMoniker.h"
 #include "zelvar/data/CustImport.h"
-
-#include <gtest/gtest.h>
 
 namespace zelvar {
 namespace {
@@ -11,12 +9,7 @@ namespace {
 using Options = std::vector<std::pair<DString, DString>>;
 
 TEST(Moniker, IsTakenApartAtTheQuestionMark) {
-    struct Case {
-        char const *text;
-        char const *source;
-        Options options;
-    };
-    Case const cases[] = {
+    test::Rows<char const *, char const *, Options> const cases = {
         {"/no/such.tif", "/no/such.tif", {}},
         {"/no/such.tif?", "/no/such.tif", {}},
         {"/no/such.tif?A=1&B=2", "/no/such.tif", {{"A", "1"}, {"B", "2"}}},
@@ -26,11 +19,11 @@ TEST(Moniker, IsTakenApartAtTheQuestionMark) {
         {"", "", {}},
         {"?A=1", "", {{"A", "1"}}},
     };
-    for (Case const &c : cases) {
-        SCOPED_TRACE(c.text);
-        BDIMoniker const moniker(c.text, nullptr);
-        EXPECT_EQ(moniker.GetSource(), c.source);
-        EXPECT_EQ(moniker.GetOptions(), c.options);
+    for (auto const &[text, source, options] : cases) {
+        SCOPED_TRACE(text);
+        BDIMoniker const moniker(text, nullptr);
+        EXPECT_EQ(moniker.GetSource(), source);
+        EXPECT_EQ(moniker.GetOptions(), options);
     }
 }
 
@@ -41,12 +34,7 @@ TEST(Moniker, TheLongestNameThatExistsIsTheFile) {
     DString const container = folder.Write("box: 1.gpkg");
     DString const archive = folder.Write("x y.zip");
     DString const quoted = folder.Write("odd \"quoted\" name.tif");
-    struct Case {
-        DString text;
-        DString source;
-        DString onDisk;
-    };
-    Case const cases[] = {
+    test::Rows<DString, DString, DString> const cases = {
         {plain, plain, plain},
         {plain + "?A=1", plain, plain},
         {odd, odd, odd},
@@ -71,11 +59,11 @@ TEST(Moniker, TheLongestNameThatExistsIsTheFile) {
         {folder.Path() + "/missing/b.tif", folder.Path() + "/missing/b.tif", ""},
         {"http://host" + plain, "http://host" + plain, ""},
     };
-    for (Case const &c : cases) {
-        SCOPED_TRACE(c.text);
-        BDIMoniker const moniker(c.text, nullptr);
-        EXPECT_EQ(moniker.GetSource(), c.source);
-        EXPECT_EQ(moniker.FindFile(), c.onDisk);
+    for (auto const &[text, source, onDisk] : cases) {
+        SCOPED_TRACE(text);
+        BDIMoniker const moniker(text, nullptr);
+        EXPECT_EQ(moniker.GetSource(), source);
+        EXPECT_EQ(moniker.FindFile(), onDisk);
     }
 }
 

@@ -1,61 +1,35 @@
 #include "support/HttpServer.h"
 #include "support/ImageFiles.h"
 #include "support/LoopbackSamba.h"
-#include "support/RealDrivers.h"
-#include "zelvar/data/BDIDrvrMngr.h"
+#include "support/OpenedTree.h"
+#include "support/RealDriversTest.h"
+#include "support/Test.h"
 #include "zelvar/data/ImageReader.h"
-
-#include <gtest/gtest.h>
-
-#include <chrono>
-#include <cstdlib>
-#include <map>
 
 namespace zelvar {
 namespace {
 
-class Network : public testing::Test {
-protected:
-    Network() {
-        test::UseRealDrivers();
-        BDIDrvrMngr::Instance()->Drivers();
-    }
+struct Network : test::RealDriversTest {
+    Network() { BDIDrvrMngr::Instance()->Drivers(); }
     std::string Bytes(test::ImageSpec const &spec, std::vector<int> const &overviews = {}) {
         test::WriteImage(m_folder / "source.tif", spec, overviews);
         return test::ReadFile(m_folder / "source.tif");
     }
-    /// Names and types of the children, and their paths.
-    struct Child {
-        std::uint32_t type = 0;
-        DString path;
-    };
-    static std::map<DString, Child> ChildrenOf(DString const &url, DString const &inner = {}) {
-        std::map<DString, Child> children;
-        BDIDrvr *driver = nullptr;
-        BDINode *root = nullptr;
-        void *repository = BDIDrvrMngr::Instance()->OpenFile(url.c_str(), &driver, &root, nullptr, nullptr);
-        if (repository == nullptr)
+    /// The children of the root, or of the node of that name below it, by their names.
+    static std::map<DString, BDINode> ChildrenOf(DString const &url, DString const &inner = {}) {
+        std::map<DString, BDINode> children;
+        test::OpenedTree const tree(url);
+        if (!tree)
             return children;
-        for (int level = inner.empty() ? 1 : 0; level < 2; ++level) {
-            children.clear();
-            void *const find = driver->FindFirstChildNode(repository, root, 0xFF);
-            for (BDINode const *child = find == nullptr ? nullptr : driver->FindNextChildNode(find); child != nullptr;
-                 child = driver->FindNextChildNode(find))
-                children[child->name] = {child->type, child->path};
-            if (find != nullptr)
-                driver->FindClose(find);
-            if (level == 0) {
-                driver->CloseNode(root);
-                root = driver->OpenNode(repository, children[inner].path.c_str());
-                if (root == nullptr)
-                    break;
-            }
-        }
-        driver->CloseNode(root);
-        driver->CloseRepository(repository);
+        for (BDINode const &child : tree.Children(*tree.root))
+            children[child.name] = child;
+        if (inner.empty())
+            return children;
+        BDINode const parent = tree.Node(std::exchange(children, {})[inner].path).value_or(BDINode());
+        for (BDINode const &child : tree.Children(parent))
+            children[child.name] = child;
         return children;
     }
-    test::TempFolder m_folder;
     test::HttpServer m_server;
 };
 
@@ -125,14 +99,9 @@ TEST_F(Network, WhatLiesInsideASignedAddressOpensWithTheSignature) {
             }
         }
     }
-    BDIDrvr *driver = nullptr;
-    BDINode *root = nullptr;
-    void *const repository = BDIDrvrMngr::Instance()->OpenFile((m_server.Url() + "/pages.tif?X-Sig=a/b").c_str(),
-                                                               &driver, &root, nullptr, nullptr);
-    ASSERT_NE(repository, nullptr);
-    EXPECT_EQ(root->name, "pages.tif");
-    driver->CloseNode(root);
-    driver->CloseRepository(repository);
+    test::OpenedTree const tree(m_server.Url() + "/pages.tif?X-Sig=a/b");
+    ASSERT_TRUE(tree);
+    EXPECT_EQ(tree.root->name, "pages.tif");
 }
 
 TEST_F(Network, AListingOfAWebServerIsATree) {

@@ -1,14 +1,10 @@
 #include "support/ImageFiles.h"
 #include "support/RealDrivers.h"
-#include "support/TestFiles.h"
+#include "support/Test.h"
 #include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/data/RDIDriverMngr.h"
 #include "zelvar/data/reader/DriverModule.h"
 
-#include <gtest/gtest.h>
-
-#include <chrono>
-#include <cstdlib>
 #include <thread>
 
 #include <fcntl.h>
@@ -19,8 +15,7 @@ namespace zelvar {
 namespace {
 
 /// Images that a single reader holds open; there are none where drivers work in this process.
-class OpenInReaders : public testing::Test {
-protected:
+struct OpenInReaders : testing::Test {
     OpenInReaders() { Forget(); }
     ~OpenInReaders() override {
         unsetenv("HDF5_USE_FILE_LOCKING");
@@ -63,12 +58,10 @@ protected:
 };
 
 /// A file whose opening holds the reader until the end of this.
-class HoldingFile {
+class HoldingFile : test::Pinned {
 public:
     explicit HoldingFile(DString path) : m_path(std::move(path)) { EXPECT_EQ(mkfifo(m_path.c_str(), 0600), 0); }
     ~HoldingFile() { Release(); }
-    HoldingFile(HoldingFile const &) = delete;
-    HoldingFile &operator=(HoldingFile const &) = delete;
     /// Waits until the reader reads it.
     void Await() { m_end = open(m_path.c_str(), O_WRONLY | O_CLOEXEC); }
     /// From now on a file like another.

@@ -1,15 +1,10 @@
 #include "support/ImageFiles.h"
 #include "support/OpenedImage.h"
-#include "support/RealDrivers.h"
-#include "support/TestFiles.h"
+#include "support/RealDriversTest.h"
+#include "support/Test.h"
 #include "zelvar/data/ImageReader.h"
 #include "zelvar/data/RDIDriverMngr.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <limits>
 #include <thread>
 
 namespace zelvar {
@@ -17,10 +12,7 @@ namespace {
 
 using test::OpenedImage;
 
-class RasterDriver : public testing::Test {
-protected:
-    test::TempFolder m_folder;
-};
+using RasterDriver = test::RealDriversTest;
 
 TEST_F(RasterDriver, TellsWhatTheFileHolds) {
     DString const path = m_folder / "a b \xC3\xA4.tif";
@@ -67,33 +59,20 @@ TEST_F(RasterDriver, EveryTypeArrivesAsOneOfOurs) {
         OpenedImage const image(path);
         ASSERT_TRUE(image);
         ASSERT_EQ(image.driver->GetChnlDataType(image.handle, 0), c.delivered);
-        auto const check = [&](auto sample) {
-            for (int const resampling : {RDIDriver::Nearest, RDIDriver::Cubic}) {
-                auto const samples = image.Read<decltype(sample)>(0, 0, 4, 4, 4, 4, resampling);
-                ASSERT_FALSE(samples.empty());
-                EXPECT_EQ(static_cast<double>(samples[5]), c.arrives);
-            }
+        auto const check = [&](int type, auto sample) {
+            for (int const resampling : {RDIDriver::Nearest, RDIDriver::Cubic})
+                if (type == c.delivered) {
+                    auto const samples = image.Read<decltype(sample)>(0, 0, 4, 4, 4, 4, resampling);
+                    ASSERT_FALSE(samples.empty());
+                    EXPECT_EQ(static_cast<double>(samples[5]), c.arrives);
+                }
         };
-        switch (c.delivered) {
-        case RDI_UInt8:
-            check(std::uint8_t{});
-            break;
-        case RDI_UInt16:
-            check(std::uint16_t{});
-            break;
-        case RDI_Int16:
-            check(std::int16_t{});
-            break;
-        case RDI_UInt32:
-            check(std::uint32_t{});
-            break;
-        case RDI_Int32:
-            check(std::int32_t{});
-            break;
-        default:
-            check(float{});
-            break;
-        }
+        check(RDI_UInt8, std::uint8_t{});
+        check(RDI_UInt16, std::uint16_t{});
+        check(RDI_Int16, std::int16_t{});
+        check(RDI_UInt32, std::uint32_t{});
+        check(RDI_Int32, std::int32_t{});
+        check(RDI_Float32, float{});
     }
 }
 
@@ -190,7 +169,6 @@ TEST_F(RasterDriver, APaletteIsReadInItsColours) {
     GDALDestroyColorTable(table);
     GDALClose(dataset);
     DCanvas picture;
-    test::UseRealDrivers();
     ASSERT_TRUE(ReadPreview({path, nullptr}, "", nullptr, picture));
     EXPECT_EQ(picture.GetPixel(0, 0), Rgb(200, 10, 20));
     EXPECT_EQ(picture.GetPixel(1023, 511), Rgb(30, 180, 40));

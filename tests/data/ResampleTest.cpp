@@ -1,11 +1,8 @@
 #include "zelvar/data/gdal/Resample.h"
 
-#include <gtest/gtest.h>
+#include "support/Test.h"
 
-#include <algorithm>
-#include <cmath>
 #include <cstdint>
-#include <limits>
 
 namespace zelvar::gdal {
 namespace {

@@ -2,11 +2,9 @@
 
 #include "support/ImageFiles.h"
 #include "support/OpenedImage.h"
-#include "support/RealDrivers.h"
-#include "support/TestFiles.h"
+#include "support/RealDriversTest.h"
+#include "support/Test.h"
 #include "zelvar/data/ImageReader.h"
-
-#include <gtest/gtest.h>
 
 namespace zelvar {
 namespace {
@@ -20,11 +18,10 @@ constexpr int kHeight = 5;
 constexpr NetCdfDimension kY{.name = "y", .length = kHeight};
 constexpr NetCdfDimension kX{.name = "x", .length = kWidth};
 constexpr NetCdfDimension kTime{.name = "time", .length = 4};
+constexpr NetCdfDimension kRun{.name = "run", .length = 2};
 constexpr NetCdfDimension kLevel{.name = "level", .length = 3};
 
-class SliceGrid : public testing::Test {
-protected:
-    SliceGrid() { test::UseRealDrivers(); }
+struct SliceGrid : test::RealDriversTest {
     /// A variable with these dimensions before y and x.
     DString Write(std::vector<NetCdfDimension> dimensions, std::optional<double> nodata = {}) {
         dimensions.insert(dimensions.end(), {kY, kX});
@@ -50,7 +47,6 @@ protected:
         return image.Read<std::int16_t>(frame * kWidth, slice * kHeight, kWidth, kHeight, kWidth, kHeight,
                                         RDIDriver::Nearest, channel);
     }
-    test::TempFolder m_folder;
 };
 
 TEST_F(SliceGrid, DimensionsBecomeFramesSlicesAndChannels) {
@@ -63,55 +59,26 @@ TEST_F(SliceGrid, DimensionsBecomeFramesSlicesAndChannels) {
         /// The band at a place, from 0 on.
         int (*band)(int channel, int slice, int frame);
     };
+    auto const frames = [](int, int s, int f) { return f * 3 + s; }; // of three slices each
     Case const cases[] = {
-        {"time outside", {kTime, kLevel}, 1, 3, 4, [](int, int s, int f) { return f * 3 + s; }},
+        {"time outside", {kTime, kLevel}, 1, 3, 4, frames},
         {"time inside", {kLevel, kTime}, 1, 3, 4, [](int, int s, int f) { return s * 4 + f; }},
-        {"time between",
-         {{.name = "run", .length = 2}, kTime, kLevel},
-         1,
-         6,
-         4,
-         [](int, int s, int f) { return s / 3 * 12 + f * 3 + s % 3; }},
+        {"time between", {kRun, kTime, kLevel}, 1, 6, 4, [](int, int s, int f) { return s / 3 * 12 + f * 3 + s % 3; }},
         {"time alone", {kTime}, 1, 1, 4, [](int, int, int f) { return f; }},
         {"height alone", {kLevel}, 1, 3, 1, [](int, int s, int) { return s; }},
-        {"no values",
-         {{.name = "T", .length = 2, .hasValues = false}, {.name = "z", .length = 3, .hasValues = false}},
-         1,
-         3,
-         2,
-         [](int, int s, int f) { return f * 3 + s; }},
-        {"a unit",
-         {{.name = "when", .length = 2, .unit = "days since 2000-01-01"}, kLevel},
-         1,
-         3,
-         2,
-         [](int, int s, int f) { return f * 3 + s; }},
-        {"an axis",
-         {{.name = "when", .length = 2, .axis = "T"}, kLevel},
-         1,
-         3,
-         2,
-         [](int, int s, int f) { return f * 3 + s; }},
+        {"no values", {{"T", 2, "", "", false}, {"z", 3, "", "", false}}, 1, 3, 2, frames},
+        {"a unit", {{"when", 2, "days since 2000-01-01"}, kLevel}, 1, 3, 2, frames},
+        {"an axis", {{"when", 2, "", "T"}, kLevel}, 1, 3, 2, frames},
         {"a name before a unit",
-         {{.name = "run", .length = 2, .unit = "days since 2000-01-01"}, kTime},
+         {{"run", 2, "days since 2000-01-01"}, kTime},
          1,
          2,
          4,
          [](int, int s, int f) { return s * 4 + f; }},
-        {"an axis before a name",
-         {kTime, {.name = "run", .length = 2, .axis = "T"}},
-         1,
-         4,
-         2,
-         [](int, int s, int f) { return s * 2 + f; }},
-        {"bands stay channels", {{.name = "band", .length = 3}}, 3, 1, 1, [](int c, int, int) { return c; }},
-        {"bands over time",
-         {kTime, {.name = "band", .length = 3}},
-         3,
-         1,
-         4,
-         [](int c, int, int f) { return f * 3 + c; }},
-        {"one moment", {{.name = "time", .length = 1}}, 1, 1, 1, [](int, int, int) { return 0; }},
+        {"an axis before a name", {kTime, {"run", 2, "", "T"}}, 1, 4, 2, [](int, int s, int f) { return s * 2 + f; }},
+        {"bands stay channels", {{"band", 3}}, 3, 1, 1, [](int c, int, int) { return c; }},
+        {"bands over time", {kTime, {"band", 3}}, 3, 1, 4, [](int c, int, int f) { return f * 3 + c; }},
+        {"one moment", {{"time", 1}}, 1, 1, 1, [](int, int, int) { return 0; }},
     };
     for (Case const &c : cases) {
         SCOPED_TRACE(c.name);
@@ -145,22 +112,21 @@ TEST_F(SliceGrid, ABlockOverSeveralCellsIsMadeOfTheirBands) {
         auto const band = static_cast<std::size_t>(x / kWidth * 3 + y / kHeight);
         return raw.at(band)[static_cast<std::size_t>(y % kHeight * kWidth + x % kWidth)];
     };
-    struct Block {
-        int x;
-        int y;
-        int width;
-        int height;
-    };
-    for (Block const &block : {Block{0, 0, 4 * kWidth, 3 * kHeight}, Block{5, 3, 11, 9}, Block{6, 4, 2, 2},
-                               Block{8, 0, 3, 15}, Block{-3, -2, 14, 9}, Block{20, 12, 20, 6}, Block{30, 2, 4, 9}}) {
-        SCOPED_TRACE(testing::Message() << block.x << ", " << block.y);
+    test::Rows<int, int, int, int> const blocks = {{0, 0, 4 * kWidth, 3 * kHeight},
+                                                   {5, 3, 11, 9},
+                                                   {6, 4, 2, 2},
+                                                   {8, 0, 3, 15},
+                                                   {-3, -2, 14, 9},
+                                                   {20, 12, 20, 6},
+                                                   {30, 2, 4, 9}};
+    for (auto const &[left, top, width, height] : blocks) {
+        SCOPED_TRACE(testing::Message() << left << ", " << top);
         for (int const resampling : {RDIDriver::Nearest, RDIDriver::Average, RDIDriver::Cubic}) {
-            Samples const samples = image.Read<std::int16_t>(block.x, block.y, block.width, block.height, block.width,
-                                                             block.height, resampling);
+            Samples const samples = image.Read<std::int16_t>(left, top, width, height, width, height, resampling);
             ASSERT_FALSE(samples.empty());
-            for (int y = 0; y < block.height; ++y)
-                for (int x = 0; x < block.width; ++x)
-                    ASSERT_EQ(samples[static_cast<std::size_t>(y * block.width + x)], told(block.x + x, block.y + y))
+            for (int y = 0; y < height; ++y)
+                for (int x = 0; x < width; ++x)
+                    ASSERT_EQ(samples[static_cast<std::size_t>(y * width + x)], told(left + x, top + y))
                         << x << ", " << y;
         }
     }
@@ -237,7 +203,7 @@ TEST_F(SliceGrid, ThePreviewShowsTheFirstSliceAtTheFirstTime) {
 }
 
 /// A data set in memory with metadata that need not be true.
-class ClaimingDataset {
+class ClaimingDataset : test::Pinned {
 public:
     ClaimingDataset(int width, int bands, std::vector<std::pair<DString, DString>> const &claims) {
         GDALAllRegister();
@@ -248,8 +214,6 @@ public:
             GDALSetMetadataItem(m_dataset, key.c_str(), value.c_str(), nullptr);
     }
     ~ClaimingDataset() { GDALClose(m_dataset); }
-    ClaimingDataset(ClaimingDataset const &) = delete;
-    ClaimingDataset &operator=(ClaimingDataset const &) = delete;
     [[nodiscard]] GDALDatasetH Get() const { return m_dataset; }
 
 private:
@@ -257,15 +221,7 @@ private:
 };
 
 TEST_F(SliceGrid, BandsStayChannelsWhereTheMetadataContradictThem) {
-    struct Case {
-        char const *name;
-        int bands;
-        char const *extra;
-        char const *time;
-        char const *level;
-        bool believed;
-    };
-    Case const cases[] = {
+    test::Rows<char const *, int, char const *, char const *, char const *, bool> const cases = {
         {"true", 6, "{time,level}", "{2,6}", "{3,6}", true},
         {"nothing told", 6, "", "{2,6}", "{3,6}", false},
         {"too many", 6, "{time,level}", "{2,6}", "{4,6}", false},
@@ -282,16 +238,15 @@ TEST_F(SliceGrid, BandsStayChannelsWhereTheMetadataContradictThem) {
         {"a product beyond an int", 6, "{time,level,time,level}", "{2000000000,6}", "{2000000000,6}", false},
         {"bands of two types", 8, "{time,level}", "{2,6}", "{4,6}", false},
     };
-    for (Case const &c : cases) {
-        SCOPED_TRACE(c.name);
+    for (auto const &[name, bands, extra, time, level, believed] : cases) {
+        SCOPED_TRACE(name);
         ClaimingDataset const dataset(
-            10, c.bands,
-            {{"NETCDF_DIM_EXTRA", c.extra}, {"NETCDF_DIM_time_DEF", c.time}, {"NETCDF_DIM_level_DEF", c.level}});
+            10, bands, {{"NETCDF_DIM_EXTRA", extra}, {"NETCDF_DIM_time_DEF", time}, {"NETCDF_DIM_level_DEF", level}});
         auto const grid = gdal::SliceGrid::OfNetCdf(dataset.Get());
-        EXPECT_EQ(grid.Channels(), c.believed ? 1 : c.bands);
-        EXPECT_EQ(grid.Frames(), c.believed ? 2 : 1);
-        EXPECT_EQ(grid.Slices(), c.believed ? 3 : 1);
-        EXPECT_EQ(grid.BandOf(0, grid.Slices() - 1, grid.Frames() - 1), c.believed ? 6 : 1);
+        EXPECT_EQ(grid.Channels(), believed ? 1 : bands);
+        EXPECT_EQ(grid.Frames(), believed ? 2 : 1);
+        EXPECT_EQ(grid.Slices(), believed ? 3 : 1);
+        EXPECT_EQ(grid.BandOf(0, grid.Slices() - 1, grid.Frames() - 1), believed ? 6 : 1);
     }
 }
 

@@ -1,7 +1,5 @@
 #include "support/TablesTest.h"
 
-#include <gtest/gtest.h>
-
 namespace zelvar {
 namespace {
 
@@ -17,10 +15,7 @@ TEST_F(TableReading, TextsOfACsvStayAsWrittenAndTypesAreThoseThatTheySuggest) {
 }
 
 TEST_F(TableReading, RowsComeInAnyOrder) {
-    DString text = "n,m\n";
-    for (int i = 0; i < 3000; ++i)
-        text += std::to_string(i) + ",\n";
-    ADIFile table = Open(m_folder.Write("a.csv", text), "CSV");
+    ADIFile table = Open(m_folder.Write("a.csv", Numbered(3000)), "CSV");
     ASSERT_TRUE(table.IsOpen()) << table.GetError();
     for (int const row : {0, 255, 256, 2999, 1, 700, 699, 0}) {
         ASSERT_TRUE(table.SetRow(row)) << row;

@@ -1,12 +1,8 @@
 #include "support/TablesTest.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <charconv>
 #include <csignal>
 #include <filesystem>
-#include <limits>
 
 #include <sys/resource.h>
 
@@ -14,13 +10,11 @@ namespace zelvar {
 namespace {
 
 using testing::Contains;
-using testing::HasSubstr;
 using Lines = std::vector<DString>;
 
 constexpr std::int64_t kMostInt = std::numeric_limits<std::int64_t>::max();
 
-class TableWriting : public test::TablesTest {
-protected:
+struct TableWriting : test::TablesTest {
     [[nodiscard]] std::size_t FilesInFolder() const {
         auto const files = std::filesystem::directory_iterator(m_folder.Path());
         return static_cast<std::size_t>(std::distance(begin(files), end(files)));
@@ -102,19 +96,9 @@ TEST_F(TableWriting, ATableOfOneColumnKeepsItsEmptyCells) {
 }
 
 TEST_F(TableWriting, NumbersComeBackAsTheyWere) {
-    std::vector<double> const values{0,
-                                     -0.0,
-                                     0.1,
-                                     1.0 / 3,
-                                     1e300,
-                                     -1e-300,
-                                     std::numeric_limits<double>::max(),
-                                     5e-324,
-                                     12345,
-                                     1234.5678,
-                                     1e15,
-                                     1e16,
-                                     -1.23456789012345e17};
+    constexpr double most = std::numeric_limits<double>::max();
+    std::vector<double> const values{
+        0, -0.0, 0.1, 1.0 / 3, 1e300, -1e-300, most, 5e-324, 12345, 1234.5678, 1e15, 1e16, -1.23456789012345e17};
     for (char const *format : {"CSV", "TCSV", "DBF"}) {
         DString const path = m_folder / ("a." + FoldCase(format));
         ADIFile table = Writer(path, format);
@@ -204,7 +188,7 @@ TEST_F(TableWriting, WideTablesAreWrittenAsFarAsTheFormatGoes) {
 }
 
 /// No file of this process may grow beyond so much, as on a disk that is full.
-class FullDisk {
+class FullDisk : test::Pinned {
 public:
     explicit FullDisk(rlim_t bytes) : m_handler(std::signal(SIGXFSZ, SIG_IGN)) {
         getrlimit(RLIMIT_FSIZE, &m_former);
@@ -215,8 +199,6 @@ public:
         setrlimit(RLIMIT_FSIZE, &m_former);
         std::signal(SIGXFSZ, m_handler);
     }
-    FullDisk(FullDisk const &) = delete;
-    FullDisk &operator=(FullDisk const &) = delete;
 
 private:
     rlimit m_former{};

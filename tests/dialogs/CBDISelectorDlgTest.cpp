@@ -5,9 +5,6 @@
 #include "zelvar/base/SettingsStore.h"
 
 #include <QtWidgets/QHeaderView>
-#include <QtWidgets/QScrollBar>
-
-#include <gtest/gtest.h>
 
 namespace zelvar {
 namespace {
@@ -17,8 +14,7 @@ using test::SelectorHands;
 
 constexpr unsigned kImages = BDINode_Raster;
 
-class Selector : public testing::Test {
-protected:
+struct Selector : testing::Test {
     Selector() : m_driver(test::ScriptedDrivers::AddTree("SCRIPTED")) {
         SettingsStore::Instance().RemoveTree("Profile");
         m_driver.SetTree(

@@ -1,8 +1,6 @@
 #include "zelvar/dialogs/core/DialogBlock.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
+#include "support/Test.h"
 
 namespace zelvar {
 namespace {

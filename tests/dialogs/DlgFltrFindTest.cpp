@@ -5,14 +5,7 @@
 #include "zelvar/platform/ui/ControlId.h"
 
 #include <QtCore/QPointer>
-#include <QtTest/QTest>
-#include <QtWidgets/QApplication>
 #include <QtWidgets/QComboBox>
-#include <QtWidgets/QLabel>
-#include <QtWidgets/QLineEdit>
-#include <QtWidgets/QPushButton>
-
-#include <gtest/gtest.h>
 
 namespace zelvar {
 namespace {
@@ -20,8 +13,7 @@ namespace {
 using platform::GetDlgItem;
 
 /// The dialog as its user has it.
-class Hands {
-public:
+struct Hands {
     explicit Hands(QWidget &dialog)
         : window(dialog), filter(*GetDlgItem<QComboBox>(dialog, 1980)), find(*GetDlgItem<QLineEdit>(dialog, 1981)),
           clear(*GetDlgItem(dialog, 1985)), list(*GetDlgItem<QListView>(dialog, 1983)),
@@ -63,8 +55,7 @@ public:
     QWidget &frame;
 };
 
-class FilterFind : public testing::Test {
-protected:
+struct FilterFind : testing::Test {
     FilterFind() { SettingsStore::Instance().RemoveTree("Profile"); }
 
     static void Fill(DlgFltrFind &dialog) {

@@ -7,13 +7,7 @@
 #include <QtGui/QClipboard>
 #include <QtGui/QTextBlock>
 #include <QtGui/QTextLayout>
-#include <QtTest/QTest>
-#include <QtWidgets/QApplication>
 #include <QtWidgets/QPlainTextEdit>
-#include <QtWidgets/QPushButton>
-#include <QtWidgets/QScrollBar>
-
-#include <gtest/gtest.h>
 
 namespace zelvar {
 namespace {

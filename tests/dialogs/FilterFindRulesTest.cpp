@@ -1,6 +1,6 @@
 #include "zelvar/dialogs/core/FilterFindRules.h"
 
-#include <gtest/gtest.h>
+#include "support/Test.h"
 
 namespace zelvar {
 namespace {

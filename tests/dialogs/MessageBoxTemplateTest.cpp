@@ -1,6 +1,6 @@
 #include "zelvar/dialogs/core/MessageBoxTemplate.h"
 
-#include <gtest/gtest.h>
+#include "support/Test.h"
 
 namespace zelvar {
 namespace {
@@ -32,12 +32,7 @@ struct Built {
 };
 
 TEST(MessageBoxTemplate, PlacesEverythingInPixels) {
-    struct Case {
-        unsigned type;
-        Size measured;
-        char const *places;
-    };
-    Case const cases[] = {
+    test::Rows<unsigned, Size, char const *> const cases = {
         {MB_OK, {100, 15}, "128x77: 1001@16,16,112x20 1@29,44,70x23"},
         {MB_OK, {0, 0}, "102x62: 1001@16,16,12x5 1@16,29,70x23"},
         {MB_OKCANCEL, {100, 15}, "178x77: 1001@16,16,112x20 1@16,44,70x23 2@92,44,70x23"},
@@ -62,8 +57,8 @@ TEST(MessageBoxTemplate, PlacesEverythingInPixels) {
          "178x103: 1001@16,16,112x20 6@16,44,70x23 7@92,44,70x23 5555@17,79,120x16"},
         {MB_OK | MB_DONTASKAGAIN, {0, 15}, "137x103: 1001@16,16,12x20 1@16,44,70x23 5555@17,79,120x16"},
     };
-    for (Case const &c : cases)
-        EXPECT_EQ(Built(c.type, c.measured).Text(), c.places) << c.type;
+    for (auto const &[type, measured, places] : cases)
+        EXPECT_EQ(Built(type, measured).Text(), places) << type;
 }
 
 TEST(MessageBoxTemplate, GrowsWithItsFont) {
@@ -74,12 +69,7 @@ TEST(MessageBoxTemplate, GrowsWithItsFont) {
 }
 
 TEST(MessageBoxTemplate, TellsDefaultButtonAndCancel) {
-    struct Case {
-        unsigned type;
-        int defaultButton;
-        bool cancel;
-    };
-    Case const cases[] = {
+    test::Rows<unsigned, int, bool> const cases = {
         {MB_OK, IDOK, false},
         {MB_YESNOCANCEL | MB_DEFBUTTON3, IDCANCEL, true},
         {MB_YESNOCANCEL | MB_DEFBUTTON4, IDYES, true}, // there are three
@@ -92,13 +82,13 @@ TEST(MessageBoxTemplate, TellsDefaultButtonAndCancel) {
         {MB_CONTINUEABORT | MB_DEFBUTTON2, IDABORT, false},
         {7 | MB_DEFBUTTON2, IDOK, false},
     };
-    for (Case const &c : cases) {
-        Built const built(c.type);
-        EXPECT_EQ(built.state.defaultButton, c.defaultButton) << c.type;
-        EXPECT_EQ(built.state.isCancelAllowed, c.cancel) << c.type;
+    for (auto const &[type, defaultButton, cancel] : cases) {
+        Built const built(type);
+        EXPECT_EQ(built.state.defaultButton, defaultButton) << type;
+        EXPECT_EQ(built.state.isCancelAllowed, cancel) << type;
         for (std::size_t i = 1; i < built.dialog.Header().count; ++i) {
             DlgItem const &item = built.dialog.Item(i);
-            EXPECT_EQ(item.style, item.id == c.defaultButton ? 0x50010001U : 0x50010000U) << c.type;
+            EXPECT_EQ(item.style, item.id == defaultButton ? 0x50010001U : 0x50010000U) << type;
         }
     }
 }

@@ -30,8 +30,7 @@ std::string RunSelector(BDIDrvr *driver, DString const &path, unsigned mask,
     return chosen;
 }
 
-class SelectorContainers : public testing::Test {
-protected:
+struct SelectorContainers : testing::Test {
     SelectorContainers() {
         Forget();
         test::UseRealDrivers();
@@ -163,8 +162,7 @@ TEST_F(SelectorContainers, WhatIsDamagedOrVanishesStaysEmpty) {
     });
 }
 
-class SelectorHangs : public test::HostileFiles {
-protected:
+struct SelectorHangs : test::HostileFiles {
     /// Escape for what goes on from now, when it is heard. Queued calls come through while a driver is waited for.
     static void PressEscapeLater(QObject *window, Clock::time_point begin = Clock::now()) {
         QMetaObject::invokeMethod(

@@ -1,7 +1,6 @@
 #include "zelvar/dialogs/XMessageBox.h"
 
 #include "support/GuiTest.h"
-#include "support/TestFiles.h"
 #include "zelvar/platform/ui/ControlId.h"
 #include "zelvar/platform/ui/DialogTemplate.h"
 
@@ -10,16 +9,10 @@
 #include <QtGui/QDesktopServices>
 #include <QtGui/QScreen>
 #include <QtGui/QTextBlock>
-#include <QtTest/QTest>
-#include <QtWidgets/QApplication>
 #include <QtWidgets/QCheckBox>
 #include <QtWidgets/QMessageBox>
 #include <QtWidgets/QPlainTextEdit>
-#include <QtWidgets/QPushButton>
-#include <QtWidgets/QScrollBar>
 #include <QtWidgets/QTextBrowser>
-
-#include <gtest/gtest.h>
 
 #include <memory_resource>
 

@@ -1,8 +1,6 @@
 #include "zelvar/drawing/core/CubicResize.h"
 
-#include <gtest/gtest.h>
-
-#include <functional>
+#include "support/Test.h"
 
 namespace zelvar {
 namespace {

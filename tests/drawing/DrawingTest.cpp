@@ -1,12 +1,11 @@
 #include "support/ScriptedDriver.h"
+#include "support/Test.h"
 #include "zelvar/drawing/DrawImgToDC.h"
 #include "zelvar/drawing/DrawTextBlock.h"
 #include "zelvar/drawing/OffscreenSurface.h"
 #include "zelvar/drawing/RoundRectGradient.h"
 
 #include <QtGui/QPainter>
-
-#include <gtest/gtest.h>
 
 namespace zelvar {
 namespace {

@@ -1,16 +1,9 @@
 #include "zelvar/drawing/core/ScaleDataBuf.h"
 
+#include "support/Test.h"
 #include "zelvar/drawing/core/ScaleKernels.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <cstring>
-#include <functional>
-#include <limits>
 #include <random>
-#include <vector>
 
 namespace zelvar {
 namespace {

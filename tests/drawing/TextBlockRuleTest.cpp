@@ -1,8 +1,7 @@
 #include "zelvar/drawing/core/TextBlockRule.h"
 
+#include "support/Test.h"
 #include "zelvar/drawing/core/ImageFit.h"
-
-#include <gtest/gtest.h>
 
 namespace zelvar {
 namespace {

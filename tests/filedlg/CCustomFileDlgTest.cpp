@@ -1,7 +1,6 @@
 #include "zelvar/filedlg/CCustomFileDlg.h"
 
 #include "support/FileDialogHand.h"
-#include "support/TestFiles.h"
 #include "zelvar/controls/CZelComboBox.h"
 #include "zelvar/controls/CZelPropList.h"
 #include "zelvar/filedlg/NameDelegate.h"
@@ -10,17 +9,14 @@
 #include <QtCore/QScopeGuard>
 #include <QtGui/QScreen>
 #include <QtWidgets/QCheckBox>
-#include <QtWidgets/QLabel>
 #include <QtWidgets/QListWidget>
 #include <QtWidgets/QMessageBox>
 #include <QtWidgets/QTreeView>
 
-#include <functional>
-#include <set>
-
 namespace zelvar {
 namespace {
 
+using test::ExpectPicked;
 using test::FileDialogHand;
 using test::Paths;
 using test::RunWith;
@@ -43,13 +39,11 @@ TEST(CustomFileDialog, AFileIsPickedWithTheMouse) {
     folder.Write("c.csv");
     folder.Folder("sub");
     CCustomFileDlg dialog = Loading(folder);
-    EXPECT_EQ(RunWith(dialog,
-                      [](FileDialogHand const &hand) {
-                          hand.ClickRow("b.TIF");
-                          EXPECT_EQ(hand.Shown(), (Paths{"a.tif", "b.TIF", "sub"}));
-                          hand.PressOk();
-                      }),
-              Paths{folder / "b.TIF"});
+    ExpectPicked(dialog, Paths{folder / "b.TIF"}, [](FileDialogHand const &hand) {
+        hand.ClickRow("b.TIF");
+        EXPECT_EQ(hand.Shown(), (Paths{"a.tif", "b.TIF", "sub"}));
+        hand.PressOk();
+    });
     EXPECT_EQ(dialog.GetOFN().filterIndex, 1);
 }
 
@@ -58,14 +52,11 @@ TEST(CustomFileDialog, ATypedFileMustBeThere) {
     folder.Write("a.tif");
     Told told;
     CCustomFileDlg dialog = Loading(folder);
-    EXPECT_EQ(RunWith(dialog,
-                      [&](FileDialogHand const &hand) {
-                          hand.TypeAndEnter("b.tif");
-                          EXPECT_EQ(told.Take(), Paths{"File '" + (folder / "b.tif") + "' not found"});
-                          hand.TypeAndEnter("a");
-                      }),
-              Paths{folder / "a.tif"})
-        << "the default extension finds it";
+    ExpectPicked(dialog, Paths{folder / "a.tif"}, [&](FileDialogHand const &hand) { // the default extension finds it
+        hand.TypeAndEnter("b.tif");
+        EXPECT_EQ(told.Take(), Paths{"File '" + (folder / "b.tif") + "' not found"});
+        hand.TypeAndEnter("a");
+    });
 }
 
 TEST(CustomFileDialog, SavingAddsTheExtensionAndThenAsksOnce) {
@@ -82,18 +73,16 @@ TEST(CustomFileDialog, SavingAddsTheExtensionAndThenAsksOnce) {
             test::Click(box->button(button));
         });
     };
-    EXPECT_EQ(RunWith(dialog,
-                      [&](FileDialogHand const &hand) {
-                          hand.Type("a");
-                          auto const no = answer(QMessageBox::No);
-                          QTest::keyClick(&hand.Name(), Qt::Key_Return);
-                          EXPECT_TRUE(*no);
-                          EXPECT_TRUE(hand.Name().isVisible()) << "the dialog stays";
-                          auto const yes = answer(QMessageBox::Yes);
-                          QTest::keyClick(&hand.Name(), Qt::Key_Return);
-                          EXPECT_TRUE(*yes);
-                      }),
-              Paths{folder / "a.tif"});
+    ExpectPicked(dialog, Paths{folder / "a.tif"}, [&](FileDialogHand const &hand) {
+        hand.Type("a");
+        auto const no = answer(QMessageBox::No);
+        QTest::keyClick(&hand.Name(), Qt::Key_Return);
+        EXPECT_TRUE(*no);
+        EXPECT_TRUE(hand.Name().isVisible()) << "the dialog stays";
+        auto const yes = answer(QMessageBox::Yes);
+        QTest::keyClick(&hand.Name(), Qt::Key_Return);
+        EXPECT_TRUE(*yes);
+    });
     EXPECT_EQ(questions, 2);
 
     dialog.GetOFN().flags &= ~OFN_OVERWRITEPROMPT;
@@ -107,19 +96,17 @@ TEST(CustomFileDialog, TheFolderChosenInTheHistoryIsShownAndTheTypedNameStays) {
     dialog.EnableHistory(true);
     dialog.SetHistory({folder.Path() + "/", other, folder / "gone"});
     Told told;
-    EXPECT_EQ(RunWith(dialog,
-                      [&](FileDialogHand const &hand) {
-                          auto *const history = hand.Control<CZelComboBox>(6008);
-                          ASSERT_NE(history, nullptr);
-                          EXPECT_EQ(history->GetWindowText(), folder.Path()) << "the entry of the first folder";
-                          hand.Type("result");
-                          FileDialogHand::Choose(*history, 2);
-                          EXPECT_EQ(told.Take(), Paths{"Folder '" + (folder / "gone") + "' not found"});
-                          FileDialogHand::Choose(*history, 1);
-                          EXPECT_EQ(hand.Name().text(), "result");
-                          hand.PressOk();
-                      }),
-              Paths{folder / "other/result.tif"});
+    ExpectPicked(dialog, Paths{folder / "other/result.tif"}, [&](FileDialogHand const &hand) {
+        auto *const history = hand.Control<CZelComboBox>(6008);
+        ASSERT_NE(history, nullptr);
+        EXPECT_EQ(history->GetWindowText(), folder.Path()) << "the entry of the first folder";
+        hand.Type("result");
+        FileDialogHand::Choose(*history, 2);
+        EXPECT_EQ(told.Take(), Paths{"Folder '" + (folder / "gone") + "' not found"});
+        FileDialogHand::Choose(*history, 1);
+        EXPECT_EQ(hand.Name().text(), "result");
+        hand.PressOk();
+    });
 }
 
 TEST(CustomFileDialog, FiltersAreToldApartByTheirPlace) {
@@ -133,22 +120,19 @@ TEST(CustomFileDialog, FiltersAreToldApartByTheirPlace) {
     filter += "Same (of, all *)|c[1].*|All Files|*.*||";
     CCustomFileDlg dialog = Loading(folder, filter.c_str());
     dialog.GetOFN().filterIndex = 150;
-    EXPECT_EQ(RunWith(dialog,
-                      [](FileDialogHand const &hand) {
-                          auto &types = hand.Part<QComboBox>("fileTypeCombo");
-                          EXPECT_EQ(types.count(), 202);
-                          EXPECT_EQ(types.currentText(), "Same (of, all *) (*.x149)");
-                          EXPECT_EQ(hand.Shown(), Paths{});
-                          FileDialogHand::Choose(types, 200);
-                          EXPECT_TRUE(test::Eventually([&] { return hand.Shown() == Paths{"c[1].csv"}; }));
-                          FileDialogHand::Choose(types, 201);
-                          EXPECT_TRUE(test::Eventually([&] { return hand.Shown().size() == 3; }))
-                              << "also names without a dot";
-                          FileDialogHand::Choose(types, 200);
-                          hand.ClickRow("c[1].csv");
-                          hand.PressOk();
-                      }),
-              Paths{folder / "c[1].csv"});
+    ExpectPicked(dialog, Paths{folder / "c[1].csv"}, [](FileDialogHand const &hand) {
+        auto &types = hand.Part<QComboBox>("fileTypeCombo");
+        EXPECT_EQ(types.count(), 202);
+        EXPECT_EQ(types.currentText(), "Same (of, all *) (*.x149)");
+        EXPECT_EQ(hand.Shown(), Paths{});
+        FileDialogHand::Choose(types, 200);
+        EXPECT_TRUE(test::Eventually([&] { return hand.Shown() == Paths{"c[1].csv"}; }));
+        FileDialogHand::Choose(types, 201);
+        EXPECT_TRUE(test::Eventually([&] { return hand.Shown().size() == 3; })) << "also names without a dot";
+        FileDialogHand::Choose(types, 200);
+        hand.ClickRow("c[1].csv");
+        hand.PressOk();
+    });
     EXPECT_EQ(dialog.GetOFN().filterIndex, 201);
     dialog.GetOFN().filterIndex = 999;
     EXPECT_EQ(RunWith(dialog, [](FileDialogHand const &) {}), Paths{});
@@ -158,14 +142,12 @@ TEST(CustomFileDialog, FiltersAreToldApartByTheirPlace) {
 TEST(CustomFileDialog, AnotherFilterChangesTheExtensionThatIsSaved) {
     TempFolder const folder;
     CCustomFileDlg dialog = Saving(folder);
-    EXPECT_EQ(RunWith(dialog,
-                      [](FileDialogHand const &hand) {
-                          hand.Type("a.tif");
-                          FileDialogHand::Choose(hand.Part<QComboBox>("fileTypeCombo"), 1);
-                          EXPECT_EQ(hand.Name().text(), "a.csv");
-                          hand.TypeAndEnter("b");
-                      }),
-              Paths{folder / "b.csv"});
+    ExpectPicked(dialog, Paths{folder / "b.csv"}, [](FileDialogHand const &hand) {
+        hand.Type("a.tif");
+        FileDialogHand::Choose(hand.Part<QComboBox>("fileTypeCombo"), 1);
+        EXPECT_EQ(hand.Name().text(), "a.csv");
+        hand.TypeAndEnter("b");
+    });
     struct Row {
         int filter;
         char const *typed, *saved;
@@ -193,17 +175,15 @@ TEST(CustomFileDialog, SeveralFilesArePicked) {
     });
     EXPECT_EQ(std::set(picked.begin(), picked.end()), std::set(all.begin(), all.end()))
         << "quotes in a name do no harm";
-    EXPECT_EQ(RunWith(dialog,
-                      [](FileDialogHand const &hand) {
-                          EXPECT_TRUE(test::Eventually([&] { return hand.Shown().size() == 3; }));
-                          hand.Name().setFocus();
-                          EXPECT_TRUE(test::Eventually([&] { return hand.Name().hasFocus(); }));
-                          hand.List().selectAll();
-                          EXPECT_EQ(hand.Name().text(), "") << "the toolkit does not write where the user does";
-                          hand.PressOk();
-                      })
-                  .size(),
-              3U);
+    Paths const whole = RunWith(dialog, [](FileDialogHand const &hand) {
+        EXPECT_TRUE(test::Eventually([&] { return hand.Shown().size() == 3; }));
+        hand.Name().setFocus();
+        EXPECT_TRUE(test::Eventually([&] { return hand.Name().hasFocus(); }));
+        hand.List().selectAll();
+        EXPECT_EQ(hand.Name().text(), "") << "the toolkit does not write where the user does";
+        hand.PressOk();
+    });
+    EXPECT_EQ(whole.size(), 3U);
     EXPECT_EQ(RunWith(dialog, [](FileDialogHand const &hand) { hand.TypeAndEnter(R"("c.tif" "a.tif")"); }),
               (Paths{folder / "c.tif", folder / "a.tif"}));
     EXPECT_EQ(RunWith(dialog, [](FileDialogHand const &hand) { hand.TypeAndEnter(R"(b "x".tif)"); }),
@@ -215,22 +195,20 @@ TEST(CustomFileDialog, ATypedFolderIsEnteredAndATypedMaskFilters) {
     folder.Write("sub/a.csv");
     folder.Write("sub/b.tif");
     CCustomFileDlg dialog = Loading(folder);
-    EXPECT_EQ(RunWith(dialog,
-                      [&](FileDialogHand const &hand) {
-                          hand.TypeAndEnter("sub");
-                          EXPECT_EQ(hand.Name().text(), "");
-                          EXPECT_TRUE(test::Eventually([&] { return hand.Shown() == Paths{"b.tif"}; }));
-                          hand.TypeAndEnter("*.c?v");
-                          EXPECT_TRUE(test::Eventually([&] { return hand.Shown() == Paths{"a.csv"}; }));
-                          auto const &shown = hand.Part<CZelComboBox>("folderBox");
-                          EXPECT_EQ(shown.GetWindowText(), folder / "sub");
-                          hand.TypeAndEnter("..");
-                          EXPECT_EQ(shown.GetWindowText(), folder.Path());
-                          QTest::keyClick(&hand.List(), Qt::Key_Left, Qt::AltModifier);
-                          EXPECT_TRUE(test::Eventually([&] { return shown.GetWindowText() == folder / "sub"; }));
-                          hand.TypeAndEnter("./a.csv");
-                      }),
-              Paths{folder / "sub/a.csv"});
+    ExpectPicked(dialog, Paths{folder / "sub/a.csv"}, [&](FileDialogHand const &hand) {
+        hand.TypeAndEnter("sub");
+        EXPECT_EQ(hand.Name().text(), "");
+        EXPECT_TRUE(test::Eventually([&] { return hand.Shown() == Paths{"b.tif"}; }));
+        hand.TypeAndEnter("*.c?v");
+        EXPECT_TRUE(test::Eventually([&] { return hand.Shown() == Paths{"a.csv"}; }));
+        auto const &shown = hand.Part<CZelComboBox>("folderBox");
+        EXPECT_EQ(shown.GetWindowText(), folder / "sub");
+        hand.TypeAndEnter("..");
+        EXPECT_EQ(shown.GetWindowText(), folder.Path());
+        QTest::keyClick(&hand.List(), Qt::Key_Left, Qt::AltModifier);
+        EXPECT_TRUE(test::Eventually([&] { return shown.GetWindowText() == folder / "sub"; }));
+        hand.TypeAndEnter("./a.csv");
+    });
 }
 
 TEST(CustomFileDialog, NamesThatAreNoTextComeBackByteForByte) {
@@ -252,18 +230,15 @@ TEST(CustomFileDialog, NamesThatAreNoTextComeBackByteForByte) {
     };
     dialog = CCustomFileDlg(true, "tif", nullptr, kImages, nullptr);
     dialog.GetOFN().initialDir = folder.Path();
-    EXPECT_EQ(RunWith(dialog,
-                      [&](FileDialogHand const &hand) {
-                          choose(hand, Qt::Key_Return);
-                          EXPECT_EQ(hand.Part<CZelComboBox>("folderBox").GetWindowText(), sub);
-                          hand.TypeAndEnter("..");
-                          hand.TypeAndEnter("caf\xef\xbf\xbd"); // as it is shown
-                          hand.ClickRow("b.tif");
-                          EXPECT_EQ(hand.Name().text(), "b.tif") << hand.Name().hasFocus();
-                          choose(hand, Qt::Key_Return);
-                      }),
-              Paths{sub + "/a\xff.tif"})
-        << "both are shown";
+    ExpectPicked(dialog, Paths{sub + "/a\xff.tif"}, [&](FileDialogHand const &hand) { // both are shown
+        choose(hand, Qt::Key_Return);
+        EXPECT_EQ(hand.Part<CZelComboBox>("folderBox").GetWindowText(), sub);
+        hand.TypeAndEnter("..");
+        hand.TypeAndEnter("caf\xef\xbf\xbd"); // as it is shown
+        hand.ClickRow("b.tif");
+        EXPECT_EQ(hand.Name().text(), "b.tif") << hand.Name().hasFocus();
+        choose(hand, Qt::Key_Return);
+    });
 }
 
 TEST(CustomFileDialog, OneCheckBoxAtMostIsChecked) {
@@ -274,19 +249,17 @@ TEST(CustomFileDialog, OneCheckBoxAtMostIsChecked) {
     dialog.EnableHistory(true);
     dialog.SetHistory({folder.Path(), "/data/images"});
     dialog.SetOptions("x=1");
-    EXPECT_EQ(RunWith(dialog,
-                      [](FileDialogHand const &hand) {
-                          auto *const editOnly = hand.Control<QCheckBox>(6010);
-                          auto *const readOnly = hand.Control<QCheckBox>(6011);
-                          test::Click(readOnly);
-                          test::Click(editOnly);
-                          EXPECT_FALSE(readOnly->isChecked());
-                          test::Click(readOnly);
-                          EXPECT_FALSE(editOnly->isChecked());
-                          test::Shot(hand.Dialog(), "file-project");
-                          hand.PressOk();
-                      }),
-              Paths{folder / "a.tif"});
+    ExpectPicked(dialog, Paths{folder / "a.tif"}, [](FileDialogHand const &hand) {
+        auto *const editOnly = hand.Control<QCheckBox>(6010);
+        auto *const readOnly = hand.Control<QCheckBox>(6011);
+        test::Click(readOnly);
+        test::Click(editOnly);
+        EXPECT_FALSE(readOnly->isChecked());
+        test::Click(readOnly);
+        EXPECT_FALSE(editOnly->isChecked());
+        test::Shot(hand.Dialog(), "file-project");
+        hand.PressOk();
+    });
     EXPECT_TRUE(dialog.GetReadOnly());
     EXPECT_FALSE(dialog.GetEditOnly());
     EXPECT_EQ(dialog.GetOptions(), "x=1");
@@ -374,31 +347,29 @@ TEST(CustomFileDialog, ALockedOneCannotLeaveItsFolder) {
     dialog.GetOFN().initialDir = folder / "here";
     dialog.GetOFN().flags |= OFN_NOCHANGEDIR | OFN_ENABLEHOOK;
     Told told;
-    EXPECT_EQ(RunWith(dialog,
-                      [&](FileDialogHand const &hand) {
-                          EXPECT_TRUE(test::Eventually([&] { return hand.Shown() == Paths{"a.tif"}; }));
-                          for (char const *const name : {"lookInCombo", "backButton", "forwardButton", "toParentButton",
-                                                         "newFolderButton", "sidebar"})
-                              EXPECT_FALSE(hand.Part<QWidget>(name).isVisible()) << name;
-                          EXPECT_FALSE(hand.Part<QWidget>("folderBox").isEnabled());
-                          test::Shot(hand.Dialog(), "file-locked");
-                          for (char const *const text : {"..", "sub", "sub/b.tif", "../c.tif", "/", "~", "."}) {
-                              hand.TypeAndEnter(text);
-                              EXPECT_EQ(told.Take(), Paths{"The folder cannot be changed here"}) << text;
-                          }
-                          hand.List().setFocus();
-                          for (QWidget *const widget : {static_cast<QWidget *>(&hand.List()), &hand.Dialog()}) {
-                              QTest::keyClick(widget, Qt::Key_Backspace);
-                              QTest::keyClick(widget, Qt::Key_Up, Qt::AltModifier);
-                              QTest::keyClick(widget, Qt::Key_Up, Qt::ControlModifier);
-                              QTest::keyClick(widget, Qt::Key_Left, Qt::AltModifier);
-                              QTest::keyClick(widget, Qt::Key_H, Qt::ControlModifier | Qt::ShiftModifier);
-                              QTest::keyClick(widget, Qt::Key_N, Qt::ControlModifier | Qt::ShiftModifier);
-                          }
-                          EXPECT_EQ(hand.Shown(), Paths{"a.tif"});
-                          hand.TypeAndEnter("a.tif");
-                      }),
-              Paths{folder / "here/a.tif"});
+    ExpectPicked(dialog, Paths{folder / "here/a.tif"}, [&](FileDialogHand const &hand) {
+        EXPECT_TRUE(test::Eventually([&] { return hand.Shown() == Paths{"a.tif"}; }));
+        for (char const *const name :
+             {"lookInCombo", "backButton", "forwardButton", "toParentButton", "newFolderButton", "sidebar"})
+            EXPECT_FALSE(hand.Part<QWidget>(name).isVisible()) << name;
+        EXPECT_FALSE(hand.Part<QWidget>("folderBox").isEnabled());
+        test::Shot(hand.Dialog(), "file-locked");
+        for (char const *const text : {"..", "sub", "sub/b.tif", "../c.tif", "/", "~", "."}) {
+            hand.TypeAndEnter(text);
+            EXPECT_EQ(told.Take(), Paths{"The folder cannot be changed here"}) << text;
+        }
+        hand.List().setFocus();
+        for (QWidget *const widget : {static_cast<QWidget *>(&hand.List()), &hand.Dialog()}) {
+            QTest::keyClick(widget, Qt::Key_Backspace);
+            QTest::keyClick(widget, Qt::Key_Up, Qt::AltModifier);
+            QTest::keyClick(widget, Qt::Key_Up, Qt::ControlModifier);
+            QTest::keyClick(widget, Qt::Key_Left, Qt::AltModifier);
+            QTest::keyClick(widget, Qt::Key_H, Qt::ControlModifier | Qt::ShiftModifier);
+            QTest::keyClick(widget, Qt::Key_N, Qt::ControlModifier | Qt::ShiftModifier);
+        }
+        EXPECT_EQ(hand.Shown(), Paths{"a.tif"});
+        hand.TypeAndEnter("a.tif");
+    });
 }
 
 TEST(CustomFileDialog, WhatIsNewShowsWhenTheUserComesBackOrAsks) {

@@ -1,7 +1,6 @@
 #include "zelvar/filedlg/CDlgSlctDir.h"
 
 #include "support/FileDialogHand.h"
-#include "support/TestFiles.h"
 #include "zelvar/base/DCnfg.h"
 #include "zelvar/base/SettingsStore.h"
 #include "zelvar/controls/CZelComboBox.h"
@@ -15,8 +14,7 @@ using test::FileDialogHand;
 using test::Paths;
 using test::TempFolder;
 
-class SelectDirectory : public testing::Test {
-protected:
+struct SelectDirectory : testing::Test {
     SelectDirectory() {
         SettingsStore::Instance().RemoveTree("Profile");
         DfltFldrs::DeleteInstance();

@@ -12,13 +12,11 @@ namespace {
 using test::AskedRequest;
 using test::ScriptedPlugin;
 
-class NoPng : public ICheck<DString> {
-public:
+struct NoPng : ICheck<DString> {
     [[nodiscard]] bool Check(DString const &id) const override { return id != "PNG"; }
 };
 
-class DataOperations : public testing::Test {
-protected:
+struct DataOperations : testing::Test {
     DataOperations() {
         Forget();
         DIOPluginMngr::Instance()->Reset();
@@ -174,19 +172,17 @@ TEST_F(DataOperations, AttributesAreNoImages) {
 }
 
 TEST_F(DataOperations, MetadataBeginsWithWhatThePluginReads) {
-    struct Case {
-        char const *plugin, *extension, *stored, *current;
-    };
-    Case const cases[] = {{nullptr, nullptr, "PNG", "Pictures"},  {"", "ini", "CSV", "Comma"},
-                          {"Tables", nullptr, "PNG", "Settings"}, {"Tables", "csv", "PNG", "Comma"},
-                          {"Tables", "tsv", "PNG", "Comma"},      {"Tables", "none", "PNG", "Settings"},
-                          {"Nobody", "csv", "PNG", "Pictures"},   {nullptr, nullptr, "GONE", "Big images"}};
-    for (Case const &c : cases) {
-        Set("MetaData File Type", c.stored);
+    test::Rows<char const *, char const *, char const *, char const *> const cases = {
+        {nullptr, nullptr, "PNG", "Pictures"},  {"", "ini", "CSV", "Comma"},
+        {"Tables", nullptr, "PNG", "Settings"}, {"Tables", "csv", "PNG", "Comma"},
+        {"Tables", "tsv", "PNG", "Comma"},      {"Tables", "none", "PNG", "Settings"},
+        {"Nobody", "csv", "PNG", "Pictures"},   {nullptr, nullptr, "GONE", "Big images"}};
+    for (auto const &[plugin, extension, stored, current] : cases) {
+        Set("MetaData File Type", stored);
         AskedRequest request;
         request.answer = {folder.Write("a.csv")};
-        EXPECT_TRUE(request.OpenMetaData(Plugins(), nullptr, c.plugin, c.extension));
-        EXPECT_EQ(request.Current(), c.current) << c.stored;
+        EXPECT_TRUE(request.OpenMetaData(Plugins(), nullptr, plugin, extension));
+        EXPECT_EQ(request.Current(), current) << stored;
         EXPECT_EQ(Setting("MetaData File Type"), request.GetFormat()->GetID());
     }
 }
@@ -215,19 +211,15 @@ TEST_F(DataOperations, WithoutPluginsTheCustomImportsAreOffered) {
     request.answer = {folder.Write("a.tif")};
     EXPECT_TRUE(request.OpenRasterData(nullptr, 0, false, false, nullptr));
     EXPECT_EQ(request.filter, "Agreed|*.*|All Files|*.*|Mixed|*.|Plates|*.tif||");
-    struct Case {
-        char const *name, *driverText, *imageDriver;
-        bool isSingle;
-    };
-    Case const cases[] = {{"Plates", "TIF", "L1", true},
-                          {"Agreed", "PNG", "", false},
-                          {"Mixed", "", "PNG", false},
-                          {"All Files", "", "", true}};
-    for (Case const &c : cases) {
-        request.SetFormat(request.GetFormatByName(c.name));
-        EXPECT_EQ(request.GetFormat()->GetDriverText(), c.driverText);
-        EXPECT_EQ(request.GetFormat()->IsSingleFileConnector(), c.isSingle);
-        EXPECT_EQ(request.GetImgDrvrID(), c.imageDriver) << c.name;
+    test::Rows<char const *, char const *, char const *, bool> const cases = {{"Plates", "TIF", "L1", true},
+                                                                              {"Agreed", "PNG", "", false},
+                                                                              {"Mixed", "", "PNG", false},
+                                                                              {"All Files", "", "", true}};
+    for (auto const &[name, driverText, imageDriver, isSingle] : cases) {
+        request.SetFormat(request.GetFormatByName(name));
+        EXPECT_EQ(request.GetFormat()->GetDriverText(), driverText);
+        EXPECT_EQ(request.GetFormat()->IsSingleFileConnector(), isSingle);
+        EXPECT_EQ(request.GetImgDrvrID(), imageDriver) << name;
     }
     request.SetFormat(nullptr);
     EXPECT_EQ(request.GetImgDrvrID(), "");

@@ -10,7 +10,6 @@
 #include "zelvar/filedlg/core/FilterBuffer.h"
 #include "zelvar/settings/DfltFldrs.h"
 
-#include <chrono>
 #include <filesystem>
 #include <thread>
 
@@ -26,8 +25,7 @@ using Names = std::vector<std::string>;
 constexpr char kStandardDialog[] = "General_Use standard windows file selection dialog";
 constexpr char kNoFormats[] = "FileDlg::ShowFileDlg: no file types available";
 
-class Request : public testing::Test {
-protected:
+struct Request : testing::Test {
     ~Request() override {
         EXPECT_EQ(told.Take(), Names{});
         DUserCnfg("Options").RemoveKey(kStandardDialog);
@@ -72,24 +70,19 @@ TEST_F(Request, WithoutFormatsTheUserIsWarnedAndNothingOpens) {
 
 TEST_F(Request, TheFormatToBeginWithIsTheCurrentOneThatOfTheFileOrTheFirst) {
     DFileFrmt other("X", "Not offered", "*.x");
-    struct Case {
-        char const *file;
-        DFileFrmt *current;
-        int index;
-        char const *ext;
-    };
-    Case const cases[] = {{"", nullptr, 0, "*.a"},       {"/x/y.b", nullptr, 1, "*.b"}, {"y.B", nullptr, 0, "*.a"},
-                          {"y.b", &a, 0, "*.a"},         {"y.a", &again, 0, "*.c"}, // its name is the first's
-                          {"/x.b/y", nullptr, 0, "*.a"}, {"", &other, 0, "*.x"}};
-    for (Case const &c : cases) {
+    test::Rows<char const *, DFileFrmt *, int, char const *> const cases = {
+        {"", nullptr, 0, "*.a"},       {"/x/y.b", nullptr, 1, "*.b"}, {"y.B", nullptr, 0, "*.a"},
+        {"y.b", &a, 0, "*.a"},         {"y.a", &again, 0, "*.c"}, // its name is the first's
+        {"/x.b/y", nullptr, 0, "*.a"}, {"", &other, 0, "*.x"}};
+    for (auto const &[file, current, index, ext] : cases) {
         AskedRequest request;
         for (DFileFrmt *format : {static_cast<DFileFrmt *>(nullptr), &a, &b, &again})
             request.AddDscr(format, false);
-        request.SetInitFile(c.file);
-        request.SetFormat(c.current);
+        request.SetInitFile(file);
+        request.SetFormat(current);
         EXPECT_FALSE(request.ShowFileDlg(1, "Key", DT_DATA));
-        EXPECT_EQ(request.index, c.index) << c.file;
-        EXPECT_EQ(request.ext, c.ext) << c.file;
+        EXPECT_EQ(request.index, index) << file;
+        EXPECT_EQ(request.ext, ext) << file;
         EXPECT_EQ(request.key, "Key");
         EXPECT_EQ(request.mode, 1);
     }
@@ -193,28 +186,24 @@ TEST_F(Request, TheFolderOfAFileAndTheProfilesFolderLeadToTheFile) {
 TEST_F(Request, StandardFormatsAreOfferedByModeAndTheirFirstIsCurrent) {
     char const *const text = "Ascii text files, DBase files";
     char const *const tables = "Comma separated list files, Comma separated list files (Transposed)";
-    struct Case {
-        int format, mode;
-        DString offered;
-    };
-    Case const cases[] = {{0, 0, text + DString(", Comma separated list files, All Files")},
-                          {0, 1, text},
-                          {0, 2, text},
-                          {1, 0, tables},
-                          {1, 1, tables + DString(", Ascii text files")},
-                          {1, -1, tables},
-                          {2, 0, "Shape files"},
-                          {3, 1, "HTML files"},
-                          {4, 2, "Snippet files"},
-                          {5, 0, ""}};
-    for (Case const &c : cases) {
+    test::Rows<int, int, DString> const cases = {{0, 0, text + DString(", Comma separated list files, All Files")},
+                                                 {0, 1, text},
+                                                 {0, 2, text},
+                                                 {1, 0, tables},
+                                                 {1, 1, tables + DString(", Ascii text files")},
+                                                 {1, -1, tables},
+                                                 {2, 0, "Shape files"},
+                                                 {3, 1, "HTML files"},
+                                                 {4, 2, "Snippet files"},
+                                                 {5, 0, ""}};
+    for (auto const &[format, mode, offered] : cases) {
         AskedRequest request;
-        request.SetFormat(static_cast<FileDlg::EFormat>(c.format), c.mode);
-        EXPECT_EQ(request.GetFormat() == nullptr, c.offered.empty());
-        if (c.offered.empty())
+        request.SetFormat(static_cast<FileDlg::EFormat>(format), mode);
+        EXPECT_EQ(request.GetFormat() == nullptr, offered.empty());
+        if (offered.empty())
             continue;
-        EXPECT_FALSE(request.ShowFileDlg(c.mode, "", DT_DATA));
-        EXPECT_EQ(request.Offered(), c.offered);
+        EXPECT_FALSE(request.ShowFileDlg(mode, "", DT_DATA));
+        EXPECT_EQ(request.Offered(), offered);
         EXPECT_EQ(request.index, 0);
     }
 }

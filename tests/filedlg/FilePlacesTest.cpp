@@ -1,7 +1,6 @@
 // The file dialog over places that have gone, that are closed, and that change meanwhile.
 #include "support/FileDialogHand.h"
 #include "support/SilentMount.h"
-#include "support/TestFiles.h"
 #include "zelvar/base/PathStyle.h"
 #include "zelvar/controls/CZelComboBox.h"
 #include "zelvar/data/PlaceCheck.h"
@@ -10,8 +9,6 @@
 #include <QtWidgets/QFileDialog>
 #include <QtWidgets/QMessageBox>
 
-#include <atomic>
-#include <chrono>
 #include <filesystem>
 #include <thread>
 
@@ -21,6 +18,7 @@
 namespace zelvar {
 namespace {
 
+using test::ExpectPicked;
 using test::FileDialogHand;
 using test::Paths;
 using test::RunWith;
@@ -39,7 +37,7 @@ long long MillisecondsSince(Clock::time_point begin) {
 }
 
 /// A mounted place that does not answer, and the check that knows it.
-class DeadPlace {
+class DeadPlace : test::Pinned {
 public:
     DeadPlace() {
         s_point = ParentPathOf(m_mount.File());
@@ -47,8 +45,6 @@ public:
         SetPlaceCheck([](DString const &path) { return !path.starts_with(s_point); });
         m_rescuer = std::thread([this] { Rescue(); });
     }
-    DeadPlace(DeadPlace const &) = delete;
-    DeadPlace &operator=(DeadPlace const &) = delete;
     ~DeadPlace() {
         SetPlaceCheck(nullptr);
         LetGo();
@@ -102,21 +98,19 @@ TEST(FilePlaces, TenDeadFoldersInTheHistoryHoldNobody) {
     dialog.SetHistory(history);
     Told told;
     auto const begin = Clock::now();
-    EXPECT_EQ(RunWith(dialog,
-                      [&](FileDialogHand const &hand) {
-                          EXPECT_LT(MillisecondsSince(begin), 300 * kSlower);
-                          auto *const combo = hand.Control<CZelComboBox>(6008);
-                          EXPECT_EQ(combo->GetCount(), 11);
-                          FileDialogHand::Choose(*combo, 5);
-                          Paths const texts = told.Take();
-                          ASSERT_FALSE(texts.empty());
-                          EXPECT_EQ(texts.back(), "Folder '" + dead.Point() + "/5' not found");
-                          hand.TypeAndEnter(dead.Point() + "/image.tif");
-                          EXPECT_EQ(told.Take(), Paths{"'" + dead.Point() + "/image.tif' does not answer"});
-                          FileDialogHand::Choose(*combo, 10);
-                          hand.TypeAndEnter("result");
-                      }),
-              Paths{folder / "result.tif"});
+    ExpectPicked(dialog, Paths{folder / "result.tif"}, [&](FileDialogHand const &hand) {
+        EXPECT_LT(MillisecondsSince(begin), 300 * kSlower);
+        auto *const combo = hand.Control<CZelComboBox>(6008);
+        EXPECT_EQ(combo->GetCount(), 11);
+        FileDialogHand::Choose(*combo, 5);
+        Paths const texts = told.Take();
+        ASSERT_FALSE(texts.empty());
+        EXPECT_EQ(texts.back(), "Folder '" + dead.Point() + "/5' not found");
+        hand.TypeAndEnter(dead.Point() + "/image.tif");
+        EXPECT_EQ(told.Take(), Paths{"'" + dead.Point() + "/image.tif' does not answer"});
+        FileDialogHand::Choose(*combo, 10);
+        hand.TypeAndEnter("result");
+    });
     EXPECT_FALSE(dead.WasTouched());
     EXPECT_LT(MillisecondsSince(begin), 2000 * kSlower);
 }
@@ -180,14 +174,12 @@ TEST(FilePlaces, WhatAllProgramsShareIsNeitherReadNorWritten) {
 }
 
 /// Rights of a user who owns nothing, if the tests run as the superuser, who may write everywhere.
-class WithoutRights {
+class WithoutRights : test::Pinned {
 public:
     WithoutRights() {
         if (geteuid() == 0)
             m_isChanged = seteuid(65534) == 0;
     }
-    WithoutRights(WithoutRights const &) = delete;
-    WithoutRights &operator=(WithoutRights const &) = delete;
     ~WithoutRights() { EXPECT_TRUE(!m_isChanged || seteuid(0) == 0); }
 
 private:
@@ -203,20 +195,17 @@ TEST(FilePlaces, NothingIsSavedWhereItCannotBe) {
     dialog.GetOFN().initialDir = folder.Path();
     dialog.GetOFN().flags &= ~OFN_OVERWRITEPROMPT;
     Told told;
-    EXPECT_EQ(RunWith(dialog,
-                      [&](FileDialogHand const &hand) {
-                          WithoutRights const user;
-                          hand.TypeAndEnter("b");
-                          EXPECT_EQ(told.Take(), Paths{"Nothing can be saved in the folder '" + folder.Path() + "'"});
-                          hand.TypeAndEnter("a");
-                          EXPECT_EQ(told.Take(), Paths{"File '" + (folder / "a.tif") + "' is read-only"});
-                          hand.TypeAndEnter("gone/c");
-                          EXPECT_EQ(told.Take(), Paths{"Folder '" + (folder / "gone") + "' not found"});
-                          hand.TypeAndEnter(std::string(300, 'x'));
-                          EXPECT_EQ(told.Take(), Paths{"The name is too long"});
-                      }),
-              Paths{})
-        << "the dialog stays";
+    ExpectPicked(dialog, Paths{}, [&](FileDialogHand const &hand) { // the dialog stays
+        WithoutRights const user;
+        hand.TypeAndEnter("b");
+        EXPECT_EQ(told.Take(), Paths{"Nothing can be saved in the folder '" + folder.Path() + "'"});
+        hand.TypeAndEnter("a");
+        EXPECT_EQ(told.Take(), Paths{"File '" + (folder / "a.tif") + "' is read-only"});
+        hand.TypeAndEnter("gone/c");
+        EXPECT_EQ(told.Take(), Paths{"Folder '" + (folder / "gone") + "' not found"});
+        hand.TypeAndEnter(std::string(300, 'x'));
+        EXPECT_EQ(told.Take(), Paths{"The name is too long"});
+    });
     chmod(folder.Path().c_str(), 0755);
 }
 
@@ -225,17 +214,15 @@ TEST(FilePlaces, ATargetMayGoWhileTheUserIsAsked) {
     folder.Write("sub/a.tif");
     CCustomFileDlg dialog(false, "tif", nullptr, "", nullptr);
     dialog.GetOFN().initialDir = folder / "sub";
-    EXPECT_EQ(RunWith(dialog,
-                      [&](FileDialogHand const &hand) {
-                          hand.Type("a");
-                          auto const asked = test::OnNextDialog([&](QWidget &question) {
-                              std::filesystem::remove_all(folder / "sub");
-                              test::Click(dynamic_cast<QMessageBox &>(question).button(QMessageBox::Yes));
-                          });
-                          QTest::keyClick(&hand.Name(), Qt::Key_Return);
-                          EXPECT_TRUE(*asked);
-                      }),
-              Paths{folder / "sub/a.tif"});
+    ExpectPicked(dialog, Paths{folder / "sub/a.tif"}, [&](FileDialogHand const &hand) {
+        hand.Type("a");
+        auto const asked = test::OnNextDialog([&](QWidget &question) {
+            std::filesystem::remove_all(folder / "sub");
+            test::Click(dynamic_cast<QMessageBox &>(question).button(QMessageBox::Yes));
+        });
+        QTest::keyClick(&hand.Name(), Qt::Key_Return);
+        EXPECT_TRUE(*asked);
+    });
 }
 
 } // namespace

@@ -1,8 +1,6 @@
 #include "zelvar/filedlg/core/FilterBuffer.h"
 
-#include <gtest/gtest.h>
-
-#include <cstring>
+#include "support/Test.h"
 
 namespace zelvar {
 namespace {

@@ -1,6 +1,6 @@
 #include "zelvar/filedlg/core/FilterText.h"
 
-#include <gtest/gtest.h>
+#include "support/Test.h"
 
 namespace zelvar {
 

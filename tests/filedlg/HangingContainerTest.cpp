@@ -3,17 +3,14 @@
 #include "support/HostileFiles.h"
 #include "zelvar/filedlg/FileDlg.h"
 
-#include <QtCore/QCoreApplication>
 #include <QtGui/QKeyEvent>
-#include <QtWidgets/QWidget>
 
 namespace zelvar {
 namespace {
 
 using std::chrono::milliseconds;
 
-class HangingContainer : public test::HostileFiles {
-protected:
+struct HangingContainer : test::HostileFiles {
     HangingContainer() { m_window.show(); }
     /// How many monikers the files give; the user presses Escape after a while.
     std::size_t Resolve(std::vector<std::string> const &paths, milliseconds patience) {

@@ -15,8 +15,7 @@ namespace {
 
 using Names = std::vector<std::string>;
 
-class RealFiles : public testing::Test {
-protected:
+struct RealFiles : testing::Test {
     RealFiles() { test::UseRealDrivers(); }
     /// What becomes of the files under "All Files"; `act` answers the selector.
     Names Resolve(Names const &names, int nodeMask, std::function<void(CBDISelectorDlg &)> const &act = {}) {

@@ -1,12 +1,7 @@
 // What chosen files become, with drivers written down by the tests.
 #include "support/GuiTest.h"
 #include "support/ScriptedDriver.h"
-#include "support/TestFiles.h"
 #include "zelvar/filedlg/FileDlg.h"
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
 
 namespace zelvar {
 namespace {
@@ -16,15 +11,13 @@ using test::TempFolder;
 using Names = std::vector<std::string>;
 
 /// A tree driver that wants options for its files.
-class OptionsDriver : public test::ScriptedTreeDriver {
-public:
+struct OptionsDriver : test::ScriptedTreeDriver {
     using ScriptedTreeDriver::ScriptedTreeDriver;
     DString options;
     [[nodiscard]] DString GetDriverParameterString(BDINode const *) override { return options; }
 };
 
-class Resolving : public testing::Test {
-protected:
+struct Resolving : testing::Test {
     Resolving() : driver(*new OptionsDriver("TREE")) {
         BDIDrvrMngr::Instance()->Add(std::unique_ptr<BDIDrvr>(&driver));
         Tree("plain", {.name = "plain", .type = BDINode_Raster});

@@ -1,6 +1,6 @@
 #include "zelvar/filedlg/core/TypedNames.h"
 
-#include <gtest/gtest.h>
+#include "support/Test.h"
 
 namespace zelvar {
 namespace {

@@ -14,8 +14,7 @@ using test::Shown;
 using test::TempFolder;
 using Names = std::vector<std::string>;
 
-class TypedOperations : public testing::Test {
-protected:
+struct TypedOperations : testing::Test {
     ~TypedOperations() override { EXPECT_EQ(told.Take(), Names{}); }
 
     static DString Remembered(char const *key) { return Profile::GetString("Settings", key, "."); }

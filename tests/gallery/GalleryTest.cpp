@@ -4,19 +4,11 @@
 #include "zelvar/controls/HyperLink.h"
 
 #include <QtGui/QAccessible>
-#include <QtTest/QTest>
-#include <QtWidgets/QApplication>
-#include <QtWidgets/QLabel>
-#include <QtWidgets/QLineEdit>
 #include <QtWidgets/QListWidget>
 #include <QtWidgets/QMenu>
-#include <QtWidgets/QPushButton>
 #include <QtWidgets/QStackedWidget>
 
-#include <gtest/gtest.h>
-
 #include <random>
-#include <set>
 
 namespace zelvar::gallery {
 namespace {

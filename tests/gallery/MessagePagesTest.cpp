@@ -1,15 +1,9 @@
-#include "support/GuiTest.h"
 #include "support/RealDrivers.h"
 #include "support/SelectorHands.h"
 #include "zelvar/base/SettingsStore.h"
 #include "zelvar/gallery/Gallery.h"
 
-#include <QtTest/QTest>
-#include <QtWidgets/QApplication>
-#include <QtWidgets/QLabel>
 #include <QtWidgets/QStackedWidget>
-
-#include <gtest/gtest.h>
 
 namespace zelvar::gallery {
 namespace {

@@ -8,13 +8,6 @@
 
 #include <QtGui/QScreen>
 #include <QtGui/QWheelEvent>
-#include <QtTest/QTest>
-#include <QtWidgets/QApplication>
-#include <QtWidgets/QLabel>
-#include <QtWidgets/QPushButton>
-#include <QtWidgets/QScrollBar>
-
-#include <gtest/gtest.h>
 
 namespace zelvar {
 namespace {
@@ -40,13 +33,11 @@ void Store(Rect const &rect, int visibility = 0, int state = -1, int valid = 1) 
         Profile::WriteInt(kSection, name, value);
 }
 
-class DynamicDialogTest : public testing::Test {
-protected:
+struct DynamicDialogTest : testing::Test {
     DynamicDialogTest() { SettingsStore::Instance().RemoveTree("Profile"); }
 };
 
-class TestDialog : public cdxCDynamicDialog {
-public:
+struct TestDialog : cdxCDynamicDialog {
     using cdxCDynamicDialog::cdxCDynamicDialog;
     using cdxCDynamicDialog::m_bNewDlg;
     using cdxCDynamicDialog::m_szInitial;
@@ -119,25 +110,19 @@ TEST_F(DynamicDialogTest, ComesBackWhereItStoodAndControlsFollow) {
 
 TEST_F(DynamicDialogTest, WhatCannotBeRestoredOpensCentred) {
     Rect const screen{0, 0, 800, 800};
-    struct Case {
-        char const *name;
-        Rect rect;
-        int valid;
-        bool restored;
-    };
-    Case const cases[] = {
+    test::Rows<char const *, Rect, int, bool> const cases = {
         {"whole", {100, 100, 500, 500}, 1, true},
         {"edges swapped", {500, 500, 100, 100}, 1, true},
         {"interrupted while it was stored", {100, 100, 500, 500}, 0, false},
         {"off every screen", {5000, 5000, 5400, 5400}, 1, false},
         {"within the margin of the screen", {screen.right - 3, 100, screen.right + 400, 500}, 1, false},
     };
-    for (Case const &c : cases) {
-        SCOPED_TRACE(c.name);
-        Store(c.rect, 0, -1, c.valid);
+    for (auto const &[name, rect, valid, restored] : cases) {
+        SCOPED_TRACE(name);
+        Store(rect, 0, -1, valid);
         TestDialog dialog(kTemplate);
         dialog.show();
-        EXPECT_EQ(dialog.geometry() == QRect(100, 100, 400, 400), c.restored);
+        EXPECT_EQ(dialog.geometry() == QRect(100, 100, 400, 400), restored);
         EXPECT_TRUE(dialog.isVisible());
     }
 }

@@ -3,13 +3,8 @@
 #include "zelvar/layout/cdxCDynamicWnd.h"
 #include "zelvar/platform/ui/ControlId.h"
 
-#include <QtCore/QCoreApplication>
 #include <QtCore/QEvent>
-#include <QtWidgets/QPushButton>
 #include <QtWidgets/QScrollArea>
-#include <QtWidgets/QScrollBar>
-
-#include <gtest/gtest.h>
 
 namespace zelvar {
 
@@ -18,8 +13,7 @@ static void PrintTo(Size const &size, std::ostream *out) { *out << '(' << size.c
 namespace {
 
 /// An engine with its protected members open, and a table of its own.
-class Engine : public cdxCDynamicWnd {
-public:
+struct Engine : cdxCDynamicWnd {
     using cdxCDynamicWnd::__dynEntry; // NOLINT(bugprone-reserved-identifier): applications use this name
     using cdxCDynamicWnd::DoCreateLayoutInfo;
     using cdxCDynamicWnd::m_bIsAntiFlickering;
@@ -40,8 +34,7 @@ public:
 };
 
 /// Counts what the toolkit is asked to do with a widget.
-class MoveCounter : public QObject {
-public:
+struct MoveCounter : QObject {
     explicit MoveCounter(QWidget *watched) : QObject(watched) { watched->installEventFilter(this); }
     bool eventFilter(QObject *, QEvent *event) override {
         moves += event->type() == QEvent::Move || event->type() == QEvent::Resize ? 1 : 0;
@@ -52,8 +45,7 @@ public:
     int paints = 0;
 };
 
-class DynamicWndTest : public testing::Test {
-protected:
+struct DynamicWndTest : testing::Test {
     DynamicWndTest() {
         window.resize(400, 300);
         for (int id = 1; id <= 3; ++id) {

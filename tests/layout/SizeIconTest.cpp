@@ -2,18 +2,12 @@
 #include "zelvar/layout/cdxCDynamicDialog.h"
 #include "zelvar/layout/cdxCSizeIconCtrl.h"
 
-#include <QtTest/QTest>
-#include <QtWidgets/QApplication>
-
-#include <gtest/gtest.h>
-
 namespace zelvar {
 namespace {
 
 constexpr int kGripId = 59936;
 
-class SizeIconTest : public testing::Test {
-protected:
+struct SizeIconTest : testing::Test {
     SizeIconTest() {
         dialog.resize(300, 200);
         dialog.show();

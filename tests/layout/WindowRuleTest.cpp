@@ -1,6 +1,6 @@
 #include "zelvar/layout/core/WindowRule.h"
 
-#include <gtest/gtest.h>
+#include "support/Test.h"
 
 namespace zelvar {
 namespace {

@@ -1,16 +1,11 @@
 #include "zelvar/model/DataSourceExtras.h"
 
 #include "support/ScriptedDriver.h"
-#include "support/TestFiles.h"
+#include "support/Test.h"
 #include "zelvar/base/Directories.h"
 #include "zelvar/base/PathStyle.h"
 #include "zelvar/data/DriverProvider.h"
 #include "zelvar/model/NtwDataSourceItem.h"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <cstdlib>
 
 namespace zelvar {
 namespace {
@@ -25,8 +20,7 @@ private:
     DString m_suffix;
 };
 
-class DataSourceExtrasTest : public testing::Test {
-protected:
+struct DataSourceExtrasTest : testing::Test {
     DataSourceExtrasTest() : m_former(GetDataSourceTemplatesDir()) {
         setenv("ZELVAR_TEMPLATES_DIR", m_folder.Path().c_str(), 1);
         RDIDriverMngr::Instance()->Reset();

@@ -1,6 +1,6 @@
 #include "zelvar/model/DataSourceItem.h"
 
-#include <gtest/gtest.h>
+#include "support/Test.h"
 
 namespace zelvar {
 namespace {
@@ -27,8 +27,7 @@ private:
     int &m_living;
 };
 
-class PlainIterator : public DataSourceItemItr {
-public:
+struct PlainIterator : DataSourceItemItr {
     void Fill(std::vector<RefItemPtr<DataSourceItem>> items) {
         m_items = std::move(items);
         CreateCursor();

@@ -1,24 +1,16 @@
-#include "support/TestFiles.h"
+#include "support/Test.h"
 #include "zelvar/base/Directories.h"
 #include "zelvar/base/Report.h"
 #include "zelvar/model/DataSourceDefinitions.h"
 #include "zelvar/model/DataSourceTemplates.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <cstdlib>
 #include <filesystem>
 
 namespace zelvar {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
-
 /// Points the definitions and templates to a folder of the test's own and keeps what the user is told.
-class DataSourceRepositoryTest : public testing::Test {
-protected:
+struct DataSourceRepositoryTest : testing::Test {
     DataSourceRepositoryTest()
         : m_definitions(GetDataSourceDefinitionsDir()), m_templates(GetDataSourceTemplatesDir()),
           m_handler(Report::SetUserHandler([this](Report::Severity, DString const &text) { m_told.push_back(text); })) {

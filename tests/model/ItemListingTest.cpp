@@ -1,11 +1,8 @@
 #include "zelvar/model/ItemListing.h"
 
-#include "support/FakeBDIDrvr.h"
-#include "support/TestFiles.h"
+#include "support/ScriptedDriver.h"
+#include "support/Test.h"
 #include "zelvar/model/NtwDataSourceItem.h"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <filesystem>
 #include <map>
@@ -13,11 +10,9 @@
 namespace zelvar {
 namespace {
 
-using testing::ElementsAre;
 using testing::Pair;
 
-class ItemListingTest : public testing::Test {
-protected:
+struct ItemListingTest : testing::Test {
     [[nodiscard]] RefItemPtr<DataSourceItem> Place() const {
         return NtwDataSourceItem::CreateItem(m_folder.Path().c_str(), nullptr, nullptr);
     }
@@ -33,12 +28,12 @@ protected:
         return lines;
     }
 
-    test::FakeDrivers m_drivers;
+    test::ScriptedDrivers m_drivers;
     test::TempFolder m_folder;
 };
 
 TEST_F(ItemListingTest, TellsFoldersContainersAndFilesApart) {
-    m_drivers.Add("pages", "*.tif", [](auto &pages) { pages.Add("root", "p1", BDINode_Raster, "Page"); });
+    m_drivers.AddAnyUrl("pages", "*.tif", [](auto &pages) { pages.Add("root", "p1", BDINode_Raster, "Page"); });
     m_folder.Write("a.tif", "xx");
     m_folder.Write("b.txt", "123");
     m_folder.Folder("c");

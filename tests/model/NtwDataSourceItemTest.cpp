@@ -1,13 +1,9 @@
 #include "zelvar/model/NtwDataSourceItem.h"
 
-#include "support/FakeBDIDrvr.h"
 #include "support/ScriptedDriver.h"
-#include "support/TestFiles.h"
+#include "support/Test.h"
 #include "zelvar/data/RequestScope.h"
 #include "zelvar/platform/os/ScriptedShellNamespace.h"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace zelvar {
 namespace {
@@ -15,8 +11,6 @@ namespace {
 using platform::ScriptedShellNamespace;
 using platform::ShellId;
 using platform::ShellKind;
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 class CountingCancel : public DataSourceItem::ICancel {
 public:
@@ -27,8 +21,7 @@ private:
     int m_allowed;
 };
 
-class NtwDataSourceItemTest : public testing::Test {
-protected:
+struct NtwDataSourceItemTest : testing::Test {
     NtwDataSourceItemTest() : m_former(platform::ShellNamespace::SetCurrent(m_shell)) {}
     ~NtwDataSourceItemTest() override { platform::ShellNamespace::SetCurrent(m_former); }
 
@@ -53,7 +46,7 @@ protected:
         return names;
     }
 
-    test::FakeDrivers m_drivers;
+    test::ScriptedDrivers m_drivers;
     std::shared_ptr<ScriptedShellNamespace> m_shell = std::make_shared<ScriptedShellNamespace>();
     std::shared_ptr<platform::ShellNamespace> m_former;
 };
@@ -204,27 +197,27 @@ TEST_F(NtwDataSourceItemTest, OnlyDriversThatMayClaimANameAreAsked) {
     m_shell->AddFile("/d/a.tif");
     m_shell->AddFile("/d/b.txt");
     m_shell->AddFile("/d/c.TIF");
-    test::FakeBDIDrvr const &single =
-        m_drivers.Add("single", "*.tif", [](auto &driver) { driver.SetAttribute("BDI_Multiple_Images", 0); });
-    test::FakeBDIDrvr const &refusing =
-        m_drivers.Add("refusing", "*.tif", [](auto &driver) { driver.SetReads(false); });
-    test::FakeBDIDrvr const &multiple = m_drivers.Add("multiple", "*.tif");
+    test::AnyUrlDriver const &single =
+        m_drivers.AddAnyUrl("single", "*.tif", [](auto &driver) { driver.attributes["BDI_Multiple_Images"] = 0; });
+    test::AnyUrlDriver const &refusing =
+        m_drivers.AddAnyUrl("refusing", "*.tif", [](auto &driver) { driver.reads = false; });
+    test::AnyUrlDriver const &multiple = m_drivers.AddAnyUrl("multiple", "*.tif");
     std::vector<NtwDataSourceItem::Type> types;
     for (auto const &child : Children(*Item("/d")))
         types.push_back(child->GetType());
     EXPECT_THAT(types, ElementsAre(NtwDataSourceItem::TYPE_REPOSITORY_FILE, NtwDataSourceItem::TYPE_FILE,
                                    NtwDataSourceItem::TYPE_REPOSITORY_FILE));
-    EXPECT_EQ(single.Counted().canRead, 0);
-    EXPECT_EQ(refusing.Counted().canRead, 2);
-    EXPECT_EQ(multiple.Counted().canRead, 2); // once a file
-    EXPECT_EQ(multiple.Counted().opened, 0);
+    EXPECT_EQ(single.probes, 0);
+    EXPECT_EQ(refusing.probes, 2);
+    EXPECT_EQ(multiple.probes, 2); // once a file
+    EXPECT_EQ(multiple.tries, 0);
 }
 
 TEST_F(NtwDataSourceItemTest, ANamedDriverAloneDecides) {
     m_shell->AddFile("/d/a.tif");
-    m_drivers.Add("any", "*.tif");
-    m_drivers.Add("single", "*.tif", [](auto &driver) { driver.SetAttribute("BDI_Multiple_Images", 0); });
-    m_drivers.Add("blind", "*.tif", [](auto &driver) { driver.SetReads(false); });
+    m_drivers.AddAnyUrl("any", "*.tif");
+    m_drivers.AddAnyUrl("single", "*.tif", [](auto &driver) { driver.attributes["BDI_Multiple_Images"] = 0; });
+    m_drivers.AddAnyUrl("blind", "*.tif", [](auto &driver) { driver.reads = false; });
     EXPECT_TRUE(CanOpenAsRepository("/d/a.tif", nullptr));
     EXPECT_TRUE(CanOpenAsRepository("/d/a.tif", "unknown id"));
     EXPECT_TRUE(CanOpenAsRepository("/d/a.tif", "any"));
@@ -234,8 +227,7 @@ TEST_F(NtwDataSourceItemTest, ANamedDriverAloneDecides) {
 }
 
 /// Gives no answer in time while it is late.
-class LateDriver : public test::ScriptedTreeDriver {
-public:
+struct LateDriver : test::ScriptedTreeDriver {
     LateDriver() : ScriptedTreeDriver("late", "*.tif") {}
     [[nodiscard]] bool CanReadPath(DString const &) const override {
         RequestScope &scope = *RequestScope::Current();
@@ -253,16 +245,9 @@ public:
     mutable bool isStopped = false;
 };
 
-LateDriver &AddLate() {
-    auto driver = std::make_unique<LateDriver>();
-    LateDriver &added = *driver;
-    BDIDrvrMngr::Instance()->Add(std::move(driver));
-    return added;
-}
-
 TEST_F(NtwDataSourceItemTest, WhatNoDriverTellsInTimeCountsAsAFileUntilItIsToldOtherwise) {
     m_shell->AddFile("/d/a.tif");
-    LateDriver &driver = AddLate();
+    LateDriver &driver = m_drivers.Add(std::make_unique<LateDriver>());
     auto const item = Item("/d/a.tif");
     EXPECT_EQ(driver.kind, RequestKind::Probe);
     EXPECT_EQ(item->GetType(), NtwDataSourceItem::TYPE_FILE);
@@ -279,7 +264,7 @@ TEST_F(NtwDataSourceItemTest, WhatNoDriverTellsInTimeCountsAsAFileUntilItIsToldO
 }
 
 TEST_F(NtwDataSourceItemTest, WhoClassifiesAtLeisureHasTimeAndMayStopAndOneAnswerIsEnough) {
-    LateDriver const &driver = AddLate();
+    LateDriver const &driver = m_drivers.Add(std::make_unique<LateDriver>());
     StopSignal stop{false};
     EXPECT_EQ(ClassifyAtLeisure("/d/a.tif", &stop), std::nullopt);
     EXPECT_GT(driver.time, std::chrono::seconds(5));
@@ -288,7 +273,7 @@ TEST_F(NtwDataSourceItemTest, WhoClassifiesAtLeisureHasTimeAndMayStopAndOneAnswe
     EXPECT_EQ(ClassifyAtLeisure("/d/a.tif", &stop), std::nullopt);
     EXPECT_TRUE(driver.isStopped);
 
-    m_drivers.Add("prompt", "*.tif");
+    m_drivers.AddAnyUrl("prompt", "*.tif");
     EXPECT_EQ(ClassifyAtLeisure("/d/a.tif", nullptr), true);
     m_shell->AddFile("/d/a.tif");
     EXPECT_FALSE(Item("/d/a.tif")->IsUnclassified());
@@ -296,7 +281,7 @@ TEST_F(NtwDataSourceItemTest, WhoClassifiesAtLeisureHasTimeAndMayStopAndOneAnswe
 
 TEST_F(NtwDataSourceItemTest, AContainerIsAFolderThatOpensOnce) {
     m_shell->AddFile("/d/a.tif", {.size = 10});
-    test::FakeBDIDrvr const &driver = m_drivers.Add("pages", "*.tif", [](auto &pages) {
+    test::AnyUrlDriver const &driver = m_drivers.AddAnyUrl("pages", "*.tif", [](auto &pages) {
         pages.Add("root", "page 1", BDINode_Raster, "Page 1");
         pages.Add("root", "page 2", BDINode_Raster, "Page 2");
     });
@@ -315,7 +300,7 @@ TEST_F(NtwDataSourceItemTest, AContainerIsAFolderThatOpensOnce) {
                          });
             ASSERT_EQ(pages.size(), 2U);
         }
-        EXPECT_EQ(driver.Counted().opened, 1);
+        EXPECT_EQ(driver.tries, 1);
         EXPECT_EQ(pages[1]->GetName(), "Page 2");
         EXPECT_EQ(pages[1]->GetDataSourceType(), DataSourceItem::DST_REPOSITORY);
         EXPECT_EQ(pages[1]->GetParent()->GetParent()->GetPath(), "/d/a.tif");
@@ -324,13 +309,13 @@ TEST_F(NtwDataSourceItemTest, AContainerIsAFolderThatOpensOnce) {
         EXPECT_EQ(pages[1]->GetImageList(), NtwDataSourceItem::hImageList);
     }
     // File and tree know each other; neither may keep the other alive.
-    EXPECT_EQ(driver.Counted().openRepositories, 0);
-    EXPECT_EQ(driver.Counted().openNodes, 0);
+    EXPECT_EQ(driver.OpenTrees(), 0);
+    EXPECT_EQ(driver.OpenNodes(), 0);
 }
 
 TEST_F(NtwDataSourceItemTest, AContainerThatDoesNotOpenHasNoIterator) {
     m_shell->AddFile("/d/a.tif");
-    m_drivers.Add("broken", "*.tif", [](auto &driver) { driver.SetOpens([](DString const &) { return false; }); });
+    m_drivers.AddAnyUrl("broken", "*.tif", [](auto &driver) { driver.isUrl = [](DString const &) { return false; }; });
     RefItemPtr<NtwDataSourceItem> const file = Item("/d/a.tif");
     EXPECT_TRUE(file->IsFolder());
     EXPECT_EQ(file->CreateIterator(nullptr, nullptr, nullptr, 0, DT_DATA), nullptr);

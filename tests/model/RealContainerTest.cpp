@@ -1,37 +1,16 @@
 #include "support/ImageFiles.h"
-#include "support/RealDrivers.h"
-#include "support/TestFiles.h"
-#include "zelvar/data/BDIDrvrMngr.h"
+#include "support/RealDriversTest.h"
+#include "support/Test.h"
 #include "zelvar/data/DriverProvider.h"
-#include "zelvar/data/RDIDriverMngr.h"
 #include "zelvar/model/ItemListing.h"
 #include "zelvar/model/NtwDataSourceItem.h"
 #include "zelvar/model/PlaceResolver.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <map>
-
 namespace zelvar {
 namespace {
 
-/// The machine's own drivers for one test.
-class RealContainerTest : public testing::Test {
-protected:
-    RealContainerTest() {
-        Forget();
-        test::UseRealDrivers();
-    }
-    ~RealContainerTest() override {
-        Forget();
-        SetDriverProvider({});
-    }
-    static void Forget() {
-        BDIDrvrMngr::Instance()->Reset();
-        RDIDriverMngr::Instance()->Reset();
-    }
-    test::TempFolder m_folder;
+struct RealContainerTest : test::RealDriversTest {
+    ~RealContainerTest() override { SetDriverProvider({}); }
 };
 
 TEST_F(RealContainerTest, AFileOfSeveralImagesIsAContainerAndItsNodesAreFoundAgain) {

@@ -1,7 +1,7 @@
 #include "zelvar/model/TemplDataSourceItem.h"
 
-#include "support/FakeBDIDrvr.h"
-#include "support/TestFiles.h"
+#include "support/ScriptedDriver.h"
+#include "support/Test.h"
 #include "zelvar/base/DFile.h"
 #include "zelvar/base/Directories.h"
 #include "zelvar/base/Report.h"
@@ -9,25 +9,16 @@
 #include "zelvar/data/DriverProvider.h"
 #include "zelvar/model/ChildWalker.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <filesystem>
-#include <tuple>
 
 namespace zelvar {
 namespace {
 
-using testing::ElementsAre;
-using testing::HasSubstr;
-
 /// Keeps what the log was told.
-class LogKeeper {
+class LogKeeper : test::Pinned {
 public:
     LogKeeper() : m_former(Report::SetTraceHandler([this](int, DString const &line) { m_lines.push_back(line); })) {}
     ~LogKeeper() { Report::SetTraceHandler(m_former); }
-    LogKeeper(LogKeeper const &) = delete;
-    LogKeeper &operator=(LogKeeper const &) = delete;
     [[nodiscard]] DString Last() const { return m_lines.empty() ? DString() : m_lines.back(); }
 
 private:
@@ -63,14 +54,13 @@ std::vector<DString> Names(DataSourceItem &folder, int mask = 0, DataSourceItem:
     return names;
 }
 
-class TemplDataSourceItemTest : public testing::Test {
-protected:
-    test::FakeDrivers m_drivers;
+struct TemplDataSourceItemTest : testing::Test {
+    test::ScriptedDrivers m_drivers;
 };
 
 TEST_F(TemplDataSourceItemTest, AConnectionOpensWhenItIsPreparedAndNotBefore) {
-    test::FakeBDIDrvr const &driver =
-        m_drivers.Add("fake", "", [](auto &fake) { fake.Add("root", "roads", BDINode_Raster, "Roads"); });
+    test::AnyUrlDriver const &driver =
+        m_drivers.AddAnyUrl("fake", "", [](auto &fake) { fake.Add("root", "roads", BDINode_Raster, "Roads"); });
     LogKeeper const log;
     {
         RefItemPtr<TemplDataSourceItem> const item = FromXml(kDefinition);
@@ -81,18 +71,18 @@ TEST_F(TemplDataSourceItemTest, AConnectionOpensWhenItIsPreparedAndNotBefore) {
         EXPECT_EQ(item->GetPath(), "");
         EXPECT_FALSE(item->IsFolder());
         EXPECT_EQ(item->CreateIterator(nullptr, nullptr, nullptr, 0, DT_DATA), nullptr);
-        EXPECT_EQ(driver.Counted().opened, 0);
+        EXPECT_EQ(driver.tries, 0);
         item->Prepare();
         item->Prepare();
-        EXPECT_EQ(driver.Counted().opened, 1);
+        EXPECT_EQ(driver.tries, 1);
         EXPECT_EQ(log.Last(), "Repository by URL \"http://localhost/roads\" was created? YES (driver id: \"fake\", "
-                              "info: fake for tests)");
+                              "info: scripted fake)");
         EXPECT_TRUE(item->IsFolder());
         EXPECT_THAT(Names(*item, BDINode_Raster), ElementsAre("Roads"));
     }
-    EXPECT_EQ(driver.Counted().openRepositories, 0);
-    EXPECT_EQ(driver.Counted().openNodes, 0);
-    EXPECT_EQ(driver.Counted().openFinds, 0);
+    EXPECT_EQ(driver.OpenTrees(), 0);
+    EXPECT_EQ(driver.OpenNodes(), 0);
+    EXPECT_EQ(driver.OpenFinds(), 0);
 }
 
 TEST_F(TemplDataSourceItemTest, ADefinitionWaitsForNoDriver) {
@@ -113,7 +103,7 @@ TEST_F(TemplDataSourceItemTest, ADefinitionWaitsForNoDriver) {
 }
 
 TEST_F(TemplDataSourceItemTest, AConnectionThatDoesNotOpenIsAnEmptyPaneAndALineInTheLog) {
-    m_drivers.Add("fake", "", [](auto &fake) { fake.SetOpens([](DString const &) { return false; }); });
+    m_drivers.AddAnyUrl("fake", "", [](auto &fake) { fake.isUrl = [](DString const &) { return false; }; });
     LogKeeper const log;
     RefItemPtr<TemplDataSourceItem> const item = FromXml(kDefinition);
     item->Prepare();
@@ -124,7 +114,7 @@ TEST_F(TemplDataSourceItemTest, AConnectionThatDoesNotOpenIsAnEmptyPaneAndALineI
 }
 
 TEST_F(TemplDataSourceItemTest, WithAnUnknownDriverTheManagerChooses) {
-    m_drivers.Add("other", "");
+    m_drivers.AddAnyUrl("other", "");
     LogKeeper const log;
     RefItemPtr<TemplDataSourceItem> const item =
         FromXml("<DataSource name='x' url='u'><Parameters/><BDIDriver id='missing'/></DataSource>");
@@ -149,7 +139,7 @@ TEST_F(TemplDataSourceItemTest, ANodesBitsTellFolderAndFile) {
                           {BDINode_Table, false, true, false},
                           {BDINode_Container | BDINode_Raster, true, true, true},
                           {0, false, false, false}};
-    test::FakeBDIDrvr &driver = m_drivers.Add("fake", "");
+    test::AnyUrlDriver &driver = m_drivers.AddAnyUrl("fake", "");
     for (auto const &[type, isFolder, isFileWithAnyMask, isRaster] : cases)
         driver.Add("root", "node " + std::to_string(type), type, "n");
     RefItemPtr<TemplDataSourceItem> const root(TemplDataSourceItem::CreateItem(&driver, "x", nullptr));
@@ -166,7 +156,7 @@ TEST_F(TemplDataSourceItemTest, ANodesBitsTellFolderAndFile) {
 }
 
 TEST_F(TemplDataSourceItemTest, ListsFoldersAndWhatTheMaskNames) {
-    test::FakeBDIDrvr &driver = m_drivers.Add("fake", "");
+    test::AnyUrlDriver &driver = m_drivers.AddAnyUrl("fake", "");
     driver.Add("root", "c", BDINode_Container, "container");
     driver.Add("root", "f", BDINode_Folder, "folder");
     driver.Add("root", "r", BDINode_Raster, "raster");
@@ -182,7 +172,7 @@ TEST_F(TemplDataSourceItemTest, ListsFoldersAndWhatTheMaskNames) {
 }
 
 TEST_F(TemplDataSourceItemTest, AChildHoldsItsBranchAndTheTreeStaysOpenForIt) {
-    test::FakeBDIDrvr &driver = m_drivers.Add("fake", "");
+    test::AnyUrlDriver &driver = m_drivers.AddAnyUrl("fake", "");
     driver.Add("root", "f", BDINode_Folder, "folder");
     driver.Add("f", "r", BDINode_Raster, "raster");
     RefItemPtr<DataSourceItem> leaf;
@@ -200,37 +190,37 @@ TEST_F(TemplDataSourceItemTest, AChildHoldsItsBranchAndTheTreeStaysOpenForIt) {
     ASSERT_NE(leaf, nullptr);
     EXPECT_EQ(leaf->GetParent()->GetPath(), "f");
     EXPECT_EQ(leaf->GetParent()->GetParent()->GetPath(), "root");
-    EXPECT_EQ(driver.Counted().openRepositories, 1);
+    EXPECT_EQ(driver.OpenTrees(), 1);
     leaf.reset();
-    EXPECT_EQ(driver.Counted().openRepositories, 0);
-    EXPECT_EQ(driver.Counted().openNodes, 0);
+    EXPECT_EQ(driver.OpenTrees(), 0);
+    EXPECT_EQ(driver.OpenNodes(), 0);
 }
 
 TEST_F(TemplDataSourceItemTest, ACloneOwnsANodeOfItsOwn) {
-    test::FakeBDIDrvr &driver = m_drivers.Add("fake", "");
+    test::AnyUrlDriver &driver = m_drivers.AddAnyUrl("fake", "");
     RefItemPtr<DataSourceItem> root(TemplDataSourceItem::CreateItem(&driver, "x", nullptr));
     RefItemPtr<DataSourceItem> const copy = root->Clone();
     root.reset();
     EXPECT_EQ(copy->GetPath(), "root");
     EXPECT_EQ(copy->GetParent(), nullptr);
-    EXPECT_EQ(driver.Counted().openNodes, 1);
+    EXPECT_EQ(driver.OpenNodes(), 1);
 }
 
 TEST_F(TemplDataSourceItemTest, AnItemOfAFilePreparesNothingAndTellsThatItIsOpen) {
-    test::FakeBDIDrvr &driver = m_drivers.Add("fake", "");
+    test::AnyUrlDriver &driver = m_drivers.AddAnyUrl("fake", "");
     LogKeeper const log;
     RefItemPtr<DataSourceItem> const item(TemplDataSourceItem::CreateItem(&driver, "x", nullptr));
     item->Prepare();
-    EXPECT_EQ(driver.Counted().opened, 1);
+    EXPECT_EQ(driver.tries, 1);
     EXPECT_THAT(log.Last(), HasSubstr("by URL \"\" was created? YES"));
     EXPECT_EQ(TemplDataSourceItem::CreateItem(&driver, nullptr, nullptr), nullptr);
 }
 
 TEST_F(TemplDataSourceItemTest, AFilterOpensTheTreeAnewAndFailureKeepsTheOldOne) {
     bool opens = true;
-    test::FakeBDIDrvr &driver = m_drivers.Add("fake", "", [&](auto &fake) {
-        fake.SetAttribute("BDI_Filtering", 1);
-        fake.SetOpens([&opens](DString const &) { return opens; });
+    test::AnyUrlDriver &driver = m_drivers.AddAnyUrl("fake", "", [&](auto &fake) {
+        fake.attributes["BDI_Filtering"] = 1;
+        fake.isUrl = [&opens](DString const &) { return opens; };
         fake.Add("root", "f", BDINode_Folder, "folder");
     });
     RefItemPtr<TemplDataSourceItem> item = FromXml(kDefinition);
@@ -238,20 +228,20 @@ TEST_F(TemplDataSourceItemTest, AFilterOpensTheTreeAnewAndFailureKeepsTheOldOne)
     item->Prepare();
     EXPECT_TRUE(item->IsFilterSupported());
     EXPECT_TRUE(item->ResetFilter("only these"));
-    EXPECT_EQ(driver.LastFilter(), "only these");
+    EXPECT_EQ(driver.lastFilter, "only these");
     EXPECT_THAT(Names(*item), ElementsAre("folder"));
     opens = false;
     EXPECT_FALSE(item->ResetFilter("broken"));
     EXPECT_THAT(Names(*item), ElementsAre("folder"));
     item.reset();
-    EXPECT_EQ(driver.Counted().openRepositories, 0);
-    EXPECT_EQ(driver.Counted().openNodes, 0);
+    EXPECT_EQ(driver.OpenTrees(), 0);
+    EXPECT_EQ(driver.OpenNodes(), 0);
 }
 
 TEST_F(TemplDataSourceItemTest, FilterConfigurationsStandOneALine) {
     for (bool const nested : {false, true}) {
-        test::FakeBDIDrvr &driver = m_drivers.Add(nested ? "nested" : "direct", "", [&](auto &fake) {
-            fake.SetAttribute("BDI_Filtering", 1);
+        test::AnyUrlDriver &driver = m_drivers.AddAnyUrl(nested ? "nested" : "direct", "", [&](auto &fake) {
+            fake.attributes["BDI_Filtering"] = 1;
             DString const url = nested ? "nested url" : "direct url";
             fake.Add("root", url, BDINode_Container, "top");
             fake.Add(url, url + "/meta", BDINode_Table, "MetaData");
@@ -267,8 +257,8 @@ TEST_F(TemplDataSourceItemTest, FilterConfigurationsStandOneALine) {
         item->Prepare();
         EXPECT_EQ(item->GetFilterConf(), "name=one\nname=two");
         item.reset();
-        EXPECT_EQ(driver.Counted().openNodes, 0);
-        EXPECT_EQ(driver.Counted().openFinds, 0);
+        EXPECT_EQ(driver.OpenNodes(), 0);
+        EXPECT_EQ(driver.OpenFinds(), 0);
     }
 }
 
@@ -276,7 +266,7 @@ TEST_F(TemplDataSourceItemTest, IconsOfTheDefinitionTellRootFolderAndImageApart)
     DString const directory = GetDataSourceTemplatesDir();
     for (char const *name : {"root.png", "folder.png", "image.png"})
         ASSERT_TRUE(DFile(AppendPath(directory, name)).WriteAtomically("x"));
-    test::FakeBDIDrvr &driver = m_drivers.Add("fake", "");
+    test::AnyUrlDriver &driver = m_drivers.AddAnyUrl("fake", "");
     driver.Add("root", "f", BDINode_Folder, "folder");
     driver.Add("root", "d", kDirectoryNode, "directory");
     driver.Add("root", "t", BDINode_Table, "table");
@@ -304,7 +294,7 @@ TEST_F(TemplDataSourceItemTest, IconsOfTheDefinitionTellRootFolderAndImageApart)
 }
 
 TEST_F(TemplDataSourceItemTest, AWalkerCanGoBelowChildren) {
-    test::FakeBDIDrvr &driver = m_drivers.Add("fake", "");
+    test::AnyUrlDriver &driver = m_drivers.AddAnyUrl("fake", "");
     driver.Add("root", "a", BDINode_Container, "a");
     driver.Add("a", "a1", BDINode_Raster, "a1");
     driver.Add("root", "b", BDINode_Raster, "b");
@@ -319,7 +309,7 @@ TEST_F(TemplDataSourceItemTest, AWalkerCanGoBelowChildren) {
     EXPECT_THAT(seen, ElementsAre("a", "a1", "b"));
     ChildWalker unfinished(driver, nullptr, top, BDINode_Raster | BDINode_Container);
     unfinished.Start();
-    EXPECT_EQ(driver.Counted().openFinds, 1);
+    EXPECT_EQ(driver.OpenFinds(), 1);
 }
 
 } // namespace

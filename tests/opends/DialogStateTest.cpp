@@ -1,6 +1,6 @@
 #include "zelvar/opends/core/DialogState.h"
 
-#include <gtest/gtest.h>
+#include "support/Test.h"
 
 namespace zelvar {
 namespace {
@@ -18,12 +18,7 @@ TEST(DialogState, OnlyTheWholeShapeIsReadAndOnlyDscDescends) {
 }
 
 TEST(DialogState, TypedPathsAreFixedUpToTheFirstColonOrQuestionMark) {
-    struct Case {
-        char const *typed;
-        PathStyle style;
-        char const *fixed;
-    };
-    Case const cases[] = {
+    test::Rows<char const *, PathStyle, char const *> const cases = {
         {"", PathStyle::Windows(), ""},
         {"  /home/a b/ \t", PathStyle::Native(), "/home/a b/"},
         {"//server/share/x", PathStyle::Windows(), R"(\\server\share\x)"},
@@ -31,8 +26,8 @@ TEST(DialogState, TypedPathsAreFixedUpToTheFirstColonOrQuestionMark) {
         {"http://host/x", PathStyle::Windows(), "http://host/x"},
         {"http://host/x", PathStyle::Native(), "http://host/x"},
     };
-    for (Case const &c : cases)
-        EXPECT_EQ(FixTypedPath(c.typed, c.style), c.fixed) << c.typed;
+    for (auto const &[typed, style, fixed] : cases)
+        EXPECT_EQ(FixTypedPath(typed, style), fixed) << typed;
 }
 
 } // namespace

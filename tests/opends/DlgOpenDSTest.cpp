@@ -2,8 +2,8 @@
 
 #include "support/GuiTest.h"
 #include "support/ImageFiles.h"
+#include "support/OpenDialogHand.h"
 #include "support/RealDrivers.h"
-#include "support/TestFiles.h"
 #include "zelvar/base/DCnfg.h"
 #include "zelvar/controls/CZelComboBox.h"
 #include "zelvar/controls/CZelPropList.h"
@@ -29,25 +29,17 @@
 #include "zelvar/settings/DfltFldrs.h"
 
 #include <QtCore/QTimer>
-#include <QtTest/QTest>
 #include <QtWidgets/QAbstractItemView>
 #include <QtWidgets/QCheckBox>
 #include <QtWidgets/QCompleter>
 #include <QtWidgets/QHeaderView>
-#include <QtWidgets/QLineEdit>
-#include <QtWidgets/QPushButton>
-#include <QtWidgets/QScrollBar>
-
-#include <gtest/gtest.h>
-
-#include <map>
-#include <set>
-#include <utility>
 
 namespace zelvar {
 namespace {
 
 using platform::GetDlgItem;
+using test::DialogPtr;
+using test::RowOf;
 
 /// Knows when a dialog has been painted and what it left for behind that is done.
 class FirstPaint : public QObject {
@@ -80,8 +72,7 @@ bool IsClassified(DSListCtrl const &list) {
     return true;
 }
 
-class OpenDialog : public testing::Test {
-protected:
+struct OpenDialog : testing::Test {
     void SetUp() override {
         test::UseRealDrivers();
         RegisterDriversOnce();
@@ -102,10 +93,6 @@ protected:
     }
     static void RegisterDriversOnce() { EnsureDrivers(); }
 
-    struct Delete {
-        void operator()(DlgOpenDS *dialog) const { DlgOpenDS::DeleteDialogObject(dialog); }
-    };
-    using DialogPtr = std::unique_ptr<DlgOpenDS, Delete>;
     DialogPtr Make(DLGTemplate purpose = DT_DATA) {
         DialogPtr dialog(DlgOpenDS::CreateDialogObject({&all, &tiff}, &all, purpose, "ImageFolders", nullptr));
         dialog->SetTitle("Open images");
@@ -116,35 +103,15 @@ protected:
     /// Runs the dialog, does `act` once the main list has its rows, which the dialog lists again behind its first paint
     /// where a driver took its time, and closes it if `act` did not.
     static int Run(DlgOpenDS &dialog, std::function<void()> const &act) {
-        QTimer look;
         FirstPaint const paint(dialog);
-        bool done = false;
-        QObject::connect(&look, &QTimer::timeout, &look, [&] {
+        auto const hasRows = [&] {
             DSListCtrl const *const list = dialog.MainList();
-            if (done || !paint.IsOver() || list == nullptr || list->GetNumRow() == 0 || !IsClassified(*list))
-                return;
-            done = true;
-            look.stop();
-            act();
-            if (dialog.isVisible())
-                dialog.reject();
-        });
-        look.start(5);
-        int const answer = dialog.DoModal();
-        EXPECT_TRUE(done) << "the rows did not come";
-        return answer;
-    }
-    static int RowOf(DSListCtrl const &list, DString const &name) {
-        for (int row = 0; row < list.GetNumRow(); ++row)
-            if (list.ItemAt(row)->GetName() == name)
-                return row;
-        return -1;
+            return paint.IsOver() && list != nullptr && list->GetNumRow() > 0 && IsClassified(*list);
+        };
+        return test::RunWhen(dialog, hasRows, act);
     }
     static void ClickRow(DSListCtrl &list, DString const &name, Qt::KeyboardModifiers keys = {}) {
-        int const row = RowOf(list, name);
-        ASSERT_GE(row, 0) << name;
-        Rect const rect = list.GetItemRect(row);
-        QTest::mouseClick(list.viewport(), Qt::LeftButton, keys, {rect.left + 40, (rect.top + rect.bottom) / 2});
+        QTest::mouseClick(list.viewport(), Qt::LeftButton, keys, test::PlaceOf(list, name));
     }
     static QPushButton *Button(DlgOpenDS &dialog, int id) { return GetDlgItem<QPushButton>(dialog, id); }
 
@@ -381,20 +348,27 @@ TEST_F(OpenDialog, AWorkspaceOffersTwoWaysOfOpeningOfWhichOneExcludesTheOther) {
     EXPECT_FALSE(dialog->GetReadOnly());
 }
 
-TEST_F(OpenDialog, TheLiftedPreviewCoversTheDialogAndAnotherClickPutsItBack) {
+TEST_F(OpenDialog, TheLiftedPreviewCoversTheDialogUntilAClickEscapeOrItsEnd) {
     DialogPtr const dialog = Make();
     Run(*dialog, [&] {
         ClickRow(*dialog->MainList(), "rgb.tif");
         ImagePreviewWnd &preview = *dialog->PropertyWnd()->Preview();
         ASSERT_TRUE(test::Eventually([&] { return preview.GetMode() == ImagePreviewWnd::ModeCanvas; }));
         QRect const home = preview.geometry();
+        for (auto const &putBack : std::initializer_list<std::function<void()>>{
+                 [&] { test::Click(&preview); }, [&] { preview.close(); }, // by the desktop
+                 [&] { QTest::keyClick(&preview, Qt::Key_Escape); }}) {
+            test::Click(&preview);
+            ASSERT_TRUE(preview.IsLifted());
+            EXPECT_EQ(preview.size(), dialog->size());
+            test::Shot(preview, "ImagePreviewWnd-lifted");
+            putBack();
+            EXPECT_FALSE(preview.IsLifted());
+            EXPECT_TRUE(preview.isVisible() && dialog->isVisible());
+            EXPECT_EQ(preview.geometry(), home);
+        }
         test::Click(&preview);
-        EXPECT_TRUE(preview.IsLifted());
-        EXPECT_EQ(preview.size(), dialog->size());
-        test::Shot(preview, "ImagePreviewWnd-lifted");
-        test::Click(&preview);
-        EXPECT_FALSE(preview.IsLifted());
-        EXPECT_EQ(preview.geometry(), home);
+        ASSERT_TRUE(preview.IsLifted()) << "the dialog ends while it is";
     });
 }
 
@@ -440,7 +414,7 @@ TEST_F(OpenDialog, AContainerIsEnteredAndItsImagesAreListed) {
 }
 
 /// Variables of the environment for one test.
-class Variables {
+class Variables : test::Pinned {
 public:
     Variables(std::initializer_list<std::pair<char const *, DString>> values) {
         for (auto const &[name, value] : values) {
@@ -452,8 +426,6 @@ public:
         for (auto const &[name, value] : m_former)
             qputenv(name, value);
     }
-    Variables(Variables const &) = delete;
-    Variables &operator=(Variables const &) = delete;
 
 private:
     std::map<char const *, QByteArray> m_former;
@@ -579,28 +551,6 @@ TEST_F(OpenDialog, LongNamesAndAllItsStatesHaveRoom) {
         dialog->setEnabled(false);
         test::Shot(*dialog, "DlgOpenDS-disabled");
         dialog->setEnabled(true);
-    });
-}
-
-TEST_F(OpenDialog, ALiftedPreviewThatIsClosedOrOutlivedByNothingIsNoHarm) {
-    DialogPtr const dialog = Make();
-    Run(*dialog, [&] {
-        ClickRow(*dialog->MainList(), "rgb.tif");
-        ImagePreviewWnd &preview = *dialog->PropertyWnd()->Preview();
-        ASSERT_TRUE(test::Eventually([&] { return preview.GetMode() == ImagePreviewWnd::ModeCanvas; }));
-        QRect const home = preview.geometry();
-        test::Click(&preview);
-        ASSERT_TRUE(preview.IsLifted());
-        preview.close(); // by the desktop
-        EXPECT_FALSE(preview.IsLifted());
-        EXPECT_TRUE(preview.isVisible());
-        EXPECT_EQ(preview.geometry(), home);
-        test::Click(&preview);
-        QTest::keyClick(&preview, Qt::Key_Escape);
-        EXPECT_FALSE(preview.IsLifted()) << "Escape is the picture's first";
-        EXPECT_TRUE(dialog->isVisible());
-        test::Click(&preview);
-        ASSERT_TRUE(preview.IsLifted()) << "the dialog ends while it is";
     });
 }
 

@@ -1,6 +1,5 @@
 // The dialog over places whose drivers sleep and crash, with the real reader.
-#include "support/GuiTest.h"
-#include "support/TestFiles.h"
+#include "support/OpenDialogHand.h"
 #include "zelvar/controls/CZelPropList.h"
 #include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/data/DriverProvider.h"
@@ -17,16 +16,9 @@
 #include <QtCore/QProcess>
 #include <QtCore/QTimer>
 #include <QtGui/QKeyEvent>
-#include <QtTest/QTest>
-#include <QtWidgets/QLineEdit>
-#include <QtWidgets/QPushButton>
 
-#include <gtest/gtest.h>
-
-#include <chrono>
 #include <filesystem>
 #include <fstream>
-#include <map>
 #include <sstream>
 
 #include <unistd.h>
@@ -35,6 +27,10 @@ namespace zelvar {
 namespace {
 
 using std::chrono::milliseconds;
+using test::DialogPtr;
+using test::PlaceOf;
+using test::RowOf;
+using test::RunWhen;
 using Clock = std::chrono::steady_clock;
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
@@ -105,8 +101,7 @@ std::map<char, int> Children() {
     return states;
 }
 
-class HostilePlaces : public testing::Test {
-protected:
+struct HostilePlaces : testing::Test {
     void SetUp() override {
         Use({.program = ZELVAR_READER, .withInstalledDrivers = false, .modules = {ZELVAR_HOSTILE}});
     }
@@ -133,10 +128,6 @@ protected:
         ASSERT_NE(BDIDrvrMngr::Instance()->GetDrvr("HOSTILE"), nullptr);
     }
 
-    struct Delete {
-        void operator()(DlgOpenDS *dialog) const { DlgOpenDS::DeleteDialogObject(dialog); }
-    };
-    using DialogPtr = std::unique_ptr<DlgOpenDS, Delete>;
     DialogPtr Make(DString const &place) {
         DialogPtr dialog(DlgOpenDS::CreateDialogObject({&all}, &all, DT_DATA, "ImageFolders", nullptr));
         dialog->SetBDIFilter(BDINode_Raster);
@@ -144,54 +135,19 @@ protected:
         return dialog;
     }
     DialogPtr Make() { return Make(folder.Path()); }
-    /// Runs the dialog, does `act` once `when` is true, and closes it.
-    static void Run(DlgOpenDS &dialog, std::function<bool()> const &when, std::function<void()> const &act) {
-        bool done = false;
-        QTimer look;
-        QObject::connect(&look, &QTimer::timeout, &look, [&] {
-            if (!when())
-                return;
-            look.stop();
-            done = true;
-            act();
-            dialog.reject();
-        });
-        look.start(5);
-        dialog.DoModal();
-        EXPECT_TRUE(done) << "it was closed before";
-    }
     /// Once the list has so many rows.
     static void Run(DlgOpenDS &dialog, int rows, std::function<void()> const &act) {
-        Run(
+        RunWhen(
             dialog, [&] { return dialog.MainList() != nullptr && dialog.MainList()->GetNumRow() == rows; }, act);
     }
 
-    static int RowOf(DSListCtrl const &list, DString const &name) {
-        for (int row = 0; row < list.GetNumRow(); ++row)
-            if (list.ItemAt(row)->GetName() == name)
-                return row;
-        return -1;
-    }
-    static QPoint PlaceOf(DSListCtrl &list, DString const &name) {
-        int const row = RowOf(list, name);
-        EXPECT_GE(row, 0) << name;
-        list.EnsureVisible(row);
-        Rect const rect = list.GetItemRect(row);
-        return {rect.left + 40, (rect.top + rect.bottom) / 2};
-    }
     void ClickRow(DSListCtrl &list, DString const &name) {
         RefItemPtr<DataSourceItem> const item = list.ItemAt(RowOf(list, name));
         m_clicked[item.get()] = item;
         QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, PlaceOf(list, name));
     }
-    /// The shown text of a property.
     static DString Shown(DlgOpenDS &dialog, DString const &name) {
-        CZelPropList &list = *dialog.PropertyWnd()->Properties();
-        for (int i = 0; i < list.GetPropertyCount(); ++i)
-            for (int j = 0; j < list.GetProperty(i)->GetSubItemsCount(); ++j)
-                if (CZelProp *const prop = list.GetProperty(i)->GetSubItem(j); prop->GetName() == name)
-                    return prop->GetValue();
-        return {};
+        return test::PropertyIn(*dialog.PropertyWnd(), name);
     }
     static bool HasPreview(DlgOpenDS &dialog) {
         return dialog.PropertyWnd()->Preview()->GetMode() == ImagePreviewWnd::ModeCanvas;
@@ -246,7 +202,7 @@ TEST_F(HostilePlaces, TheDialogIsSeenBeforeItsPlaceAnswers) {
             if (place.isContainer) {
                 Whenever(
                     dialog.get(), [&] { return paints.count > 0; }, [&] { PressEscapeLater(*dialog); });
-                Run(
+                RunWhen(
                     *dialog, [&] { return paints.count > 0 && Since(begin) > milliseconds(450); },
                     [&] { EXPECT_EQ(dialog->MainList()->GetNumRow(), 0); });
                 EXPECT_LT(Since(begin), milliseconds(3000) * kSlower) << place.name;

@@ -1,10 +1,7 @@
 #include "zelvar/opends/form/HtmlForm.h"
 
+#include "support/Test.h"
 #include "zelvar/opends/form/OptionText.h"
-
-#include <gtest/gtest.h>
-
-#include <functional>
 
 namespace zelvar {
 namespace {

@@ -1,4 +1,3 @@
-#include "support/GuiTest.h"
 #include "support/ReportStage.h"
 #include "support/ScriptedDriver.h"
 #include "zelvar/data/BDIDrvrMngr.h"
@@ -17,11 +16,7 @@
 #include <QtCore/QTimer>
 #include <QtGui/QContextMenuEvent>
 #include <QtGui/QHelpEvent>
-#include <QtTest/QTest>
-#include <QtWidgets/QApplication>
 #include <QtWidgets/QToolTip>
-
-#include <gtest/gtest.h>
 
 namespace zelvar {
 namespace {
@@ -41,8 +36,7 @@ protected:
     }
 };
 
-class ListPanes : public testing::Test {
-protected:
+struct ListPanes : testing::Test {
     void SetUp() override {
         SetDriverProvider([] {});
         BDIDrvrMngr::Instance()->Reset();
@@ -453,10 +447,8 @@ TEST_F(ListPanes, TheNetworkScanEndsAfterThirtyEmptyPassesAndTakesANameOnce) {
 }
 
 /// A network place that tells of news: so many times at once, then no more.
-class TalkingNetwork : public ScriptedShellNamespace {
-public:
-    class Listener : public platform::NetworkListener {
-    public:
+struct TalkingNetwork : ScriptedShellNamespace {
+    struct Listener : platform::NetworkListener {
         bool Wait(std::stop_token const &stop) override {
             std::mutex mutex;
             std::unique_lock lock(mutex);

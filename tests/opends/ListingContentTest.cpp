@@ -1,16 +1,11 @@
 #include "zelvar/opends/core/ListingContent.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
+#include "support/Test.h"
 
-#include <atomic>
 #include <thread>
 
 namespace zelvar {
 namespace {
-
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 struct NameTraits {
     static ListingFacts Facts(DString const &item, ListingSort) { return {.name = item, .isFileSystem = true}; }

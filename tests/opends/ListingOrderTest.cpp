@@ -1,17 +1,12 @@
 #include "zelvar/opends/core/ListingOrder.h"
 
+#include "support/Test.h"
 #include "zelvar/opends/core/RowPlan.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <random>
 
 namespace zelvar {
 namespace {
-
-using testing::ElementsAre;
 
 ListingFacts File(DString name, std::int64_t size = 0, SystemTime time = {}) {
     return {.name = std::move(name), .isFileSystem = true, .size = size, .hasTime = time.wYear != 0, .time = time};
@@ -71,16 +66,14 @@ TEST(ListingOrder, ByDateTheSecondsTakeNoPart) {
                 ElementsAre("node", "none", "first", "second", "milliseconds", "month"));
 }
 
-TEST(ListingOrder, WithoutAKeyItemsStayAsTheyArrived) {
-    std::vector<ListingFacts> const items{File("b"), File("a"), File("c")};
-    EXPECT_THAT(Listed(items, ListingSort::None), ElementsAre("b", "a", "c"));
-    EXPECT_THAT(Listed(items, ListingSort::None, false), ElementsAre("b", "a", "c"));
-}
-
-TEST(ListingOrder, EqualItemsKeepArrivalOrderAndDescendingReversesThem) {
-    std::vector<ListingFacts> const items{File("a1", 7), File("a2", 7), File("a3", 7)};
-    EXPECT_THAT(Listed(items, ListingSort::Size, true, 1), ElementsAre("a1", "a2", "a3"));
-    EXPECT_THAT(Listed(items, ListingSort::Size, false, 1), ElementsAre("a3", "a2", "a1"));
+TEST(ListingOrder, EqualItemsKeepArrivalOrderAndDescendingReversesThemUnlessThereIsNoKey) {
+    std::vector<ListingFacts> const items{File("b", 7), File("a", 7), File("c", 7)};
+    for (std::size_t const batch : {1U, 10U}) {
+        EXPECT_THAT(Listed(items, ListingSort::Size, true, batch), ElementsAre("b", "a", "c"));
+        EXPECT_THAT(Listed(items, ListingSort::Size, false, batch), ElementsAre("c", "a", "b"));
+        for (bool const ascending : {true, false})
+            EXPECT_THAT(Listed(items, ListingSort::None, ascending, batch), ElementsAre("b", "a", "c"));
+    }
 }
 
 TEST(ListingOrder, BatchesOfAnySizeGiveTheSameRows) {

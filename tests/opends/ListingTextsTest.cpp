@@ -1,6 +1,6 @@
 #include "zelvar/opends/core/ListingTexts.h"
 
-#include <gtest/gtest.h>
+#include "support/Test.h"
 
 namespace zelvar {
 namespace {

@@ -1,6 +1,6 @@
 #include "zelvar/opends/core/PaneState.h"
 
-#include <gtest/gtest.h>
+#include "support/Test.h"
 
 namespace zelvar {
 namespace {
@@ -9,28 +9,25 @@ PaneState const kSaved{.bdiFilter = 2, .formatId = "GTiff", .fileFilter = "*.tif
 
 TEST(PaneState, TellsWhatChangesAListing) {
     EXPECT_FALSE(StateChanged(kSaved, kSaved, true));
+    for (auto const &[roots, changes] : test::Rows<std::vector<DString>, bool>{{{"/b", "/a"}, false},
+                                                                               {{"/a", "/b", "/c"}, true},
+                                                                               {{"/a", "/c"}, true},
+                                                                               {{"/a"}, true},
+                                                                               {{"/a", "/B"}, true}}) {
+        PaneState wanted = kSaved;
+        wanted.rootPaths = roots;
+        EXPECT_EQ(StateChanged(kSaved, wanted, false), changes) << roots.back();
+    }
     PaneState wanted = kSaved;
-    wanted.rootPaths = {"/b", "/a"};
-    EXPECT_FALSE(StateChanged(kSaved, wanted, true)) << "the order of roots";
-    wanted.rootPaths = {"/a", "/c"};
-    EXPECT_TRUE(StateChanged(kSaved, wanted, false)) << "another root";
-    wanted.rootPaths = {"/a"};
-    EXPECT_TRUE(StateChanged(kSaved, wanted, false)) << "fewer roots";
-    wanted.rootPaths = {"/a", "/B"};
-    EXPECT_TRUE(StateChanged(kSaved, wanted, false)) << "the case of a path";
-    wanted = kSaved;
     wanted.bdiFilter = 0;
     EXPECT_TRUE(StateChanged(kSaved, wanted, false));
     wanted = kSaved;
     wanted.formatId = "gtiff";
     EXPECT_TRUE(StateChanged(kSaved, wanted, false));
-}
-
-TEST(PaneState, AChangedMaskAloneCountsInARecursiveListOnly) {
-    PaneState wanted = kSaved;
+    wanted = kSaved;
     wanted.fileFilter = "*.img";
     EXPECT_TRUE(StateChanged(kSaved, wanted, true));
-    EXPECT_FALSE(StateChanged(kSaved, wanted, false));
+    EXPECT_FALSE(StateChanged(kSaved, wanted, false)) << "a mask alone counts in a recursive list only";
 }
 
 TEST(PaneState, AWarmRunNeedsAllFormerRoots) {

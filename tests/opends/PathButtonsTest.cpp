@@ -1,6 +1,6 @@
 #include "zelvar/opends/core/PathButtons.h"
 
-#include <gtest/gtest.h>
+#include "support/Test.h"
 
 #include <numeric>
 

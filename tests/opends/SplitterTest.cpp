@@ -1,16 +1,10 @@
+#include "support/GuiTest.h"
 #include "zelvar/opends/DSplitterWnd.h"
 #include "zelvar/opends/SplitterBar.h"
 #include "zelvar/platform/ui/ControlId.h"
 
 #include <QtGui/QAccessible>
-#include <QtTest/QTest>
-#include <QtWidgets/QLabel>
-#include <QtWidgets/QLineEdit>
 #include <QtWidgets/QPlainTextEdit>
-
-#include <gtest/gtest.h>
-
-#include <memory>
 
 namespace zelvar {
 namespace {
@@ -194,8 +188,7 @@ TEST(Splitter, AScreenReaderReadsAndMovesABar) {
 }
 
 /// Counts what it is asked and makes what it is told.
-class Owner : public DSplitterWnd::PaneOwner {
-public:
+struct Owner : DSplitterWnd::PaneOwner {
     QWidget *object = nullptr;
     bool makesWindow = true;
     bool doesLayout = false;

@@ -1,14 +1,8 @@
 #include "support/RunningReader.h"
-#include "support/TestFiles.h"
 #include "zelvar/base/FileDescriptor.h"
 #include "zelvar/reader/Sanitizers.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <cstring>
 #include <filesystem>
-#include <set>
 
 #include <arpa/inet.h>
 #include <linux/landlock.h>
@@ -18,8 +12,6 @@
 
 namespace zelvar::test {
 namespace {
-
-using testing::HasSubstr;
 
 bool KernelBarsWriting() {
     return syscall(SYS_landlock_create_ruleset, nullptr, 0, LANDLOCK_CREATE_RULESET_VERSION) >= 1;

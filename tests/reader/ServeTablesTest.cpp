@@ -5,16 +5,11 @@
 #include "zelvar/data/FormatPlugin.h"
 #include "zelvar/reader/RequestHandler.h"
 
-#include <gtest/gtest.h>
-
-#include <limits>
-
 namespace zelvar::test {
 namespace {
 
 /// Requests for tables, answered in this process.
-class ServeTables : public testing::Test {
-protected:
+struct ServeTables : testing::Test {
     template <class Body>
     wire::AnswerBodyUnion Ask(Body body) {
         wire::RequestBodyUnion request;

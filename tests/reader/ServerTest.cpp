@@ -2,17 +2,9 @@
 
 #include "support/ReaderTalk.h"
 #include "support/ScriptedDriver.h"
-#include "support/TestFiles.h"
 #include "zelvar/data/wire/ReaderStatus.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <cstring>
-#include <limits>
 #include <new>
-#include <optional>
 #include <stdexcept>
 
 #include <fcntl.h>
@@ -20,13 +12,10 @@
 namespace zelvar::test {
 namespace {
 
-using testing::ElementsAre;
-using testing::HasSubstr;
 using Result = wire::MessageChannel::Result;
 
 /// A reader's server in this process, with drivers written down by the test.
-class ReaderServer : public testing::Test {
-protected:
+struct ReaderServer : testing::Test {
     ~ReaderServer() override { End(); }
 
     /// Closes the application's end; the server's result.
@@ -432,8 +421,7 @@ TEST_F(ReaderServer, ARequestStoppedBeforeItsTurnIsAnsweredWithoutBeingDone) {
 }
 
 /// Throws what a test wants.
-class ThrowingTree : public ScriptedTreeDriver {
-public:
+struct ThrowingTree : ScriptedTreeDriver {
     using ScriptedTreeDriver::ScriptedTreeDriver;
     [[nodiscard]] bool CanReadPath(DString const &path) const override {
         if (path == "memory")

@@ -1,14 +1,10 @@
 #include "zelvar/settings/DfltFldrs.h"
 
-#include "support/TestFiles.h"
+#include "support/Test.h"
 #include "zelvar/base/DCnfg.h"
 #include "zelvar/base/SettingsStore.h"
 #include "zelvar/platform/os/ScriptedShellNamespace.h"
 #include "zelvar/settings/CnfgLdr.h"
-
-#include <gtest/gtest.h>
-
-#include <cstdlib>
 
 namespace zelvar {
 namespace {
@@ -30,8 +26,6 @@ public:
         platform::ShellNamespace::SetCurrent(m_former);
         unsetenv("ZELVAR_INSTALL_DIR");
     }
-    DfltFldrsTest(DfltFldrsTest const &) = delete;
-    DfltFldrsTest &operator=(DfltFldrsTest const &) = delete;
 
 protected:
     /// A text with backslashes in the style under test.

@@ -1,14 +1,7 @@
 #include "zelvar/settings/ZelRegistry.h"
 
-#include "support/TestFiles.h"
+#include "support/Test.h"
 #include "zelvar/base/XMLNode.h"
-
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <cstring>
-#include <limits>
-#include <memory>
 
 namespace zelvar {
 namespace {
@@ -16,8 +9,7 @@ namespace {
 using Bytes = SettingsStore::Bytes;
 using Typed = SettingsStore::Typed;
 
-class ZelRegistryTest : public testing::Test {
-protected:
+struct ZelRegistryTest : testing::Test {
     bool Write(char const *name, unsigned long type, Bytes const &data) {
         return m_registry.WriteAny(name, type, data.data(), data.size()) != 0;
     }

@@ -7,20 +7,11 @@
 #include "zelvar/platform/ui/Text.h"
 
 #include <QtCore/QStringList>
-#include <QtTest/QTest>
 #include <QtWidgets/QAbstractItemView>
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QDialogButtonBox>
-#include <QtWidgets/QLineEdit>
-#include <QtWidgets/QPushButton>
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <functional>
-#include <string>
-#include <utility>
-#include <vector>
+#include <source_location>
 
 namespace zelvar::test {
 
@@ -108,13 +99,11 @@ private:
 };
 
 /// What the user is told meanwhile.
-class Told {
+class Told : Pinned {
 public:
     Told()
         : m_former(Report::SetUserHandler([this](Report::Severity, DString const &text) { m_texts.push_back(text); })) {
     }
-    Told(Told const &) = delete;
-    Told &operator=(Told const &) = delete;
     ~Told() { Report::SetUserHandler(m_former); }
     [[nodiscard]] Paths Take() { return std::exchange(m_texts, {}); }
 
@@ -133,6 +122,12 @@ inline Paths RunWith(CCustomFileDlg &dialog, std::function<void(FileDialogHand c
         paths.push_back(dialog.GetNextPathName(at));
     EXPECT_EQ(answer, paths.empty() ? 2 : 1);
     return paths;
+}
+inline void ExpectPicked(CCustomFileDlg &dialog, Paths const &paths,
+                         std::function<void(FileDialogHand const &)> const &act,
+                         std::source_location at = std::source_location::current()) {
+    testing::ScopedTrace const trace(at.file_name(), static_cast<int>(at.line()), "");
+    EXPECT_EQ(RunWith(dialog, act), paths);
 }
 
 } // namespace zelvar::test

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "support/FileDialogHand.h"
-#include "support/TestFiles.h"
 #include "zelvar/controls/CZelComboBox.h"
 #include "zelvar/filedlg/FileDlg.h"
 #include "zelvar/opends/DSListCtrl.h"
@@ -14,15 +13,13 @@
 namespace zelvar::test {
 
 /// An application's main window: with it the library's own dialog comes up for loading.
-class Application {
+class Application : Pinned {
 public:
     Application() {
         m_window.resize(600, 400);
         m_window.show();
         platform::SetMainWindow(&m_window);
     }
-    Application(Application const &) = delete;
-    Application &operator=(Application const &) = delete;
     ~Application() { platform::SetMainWindow(nullptr); }
     [[nodiscard]] QMainWindow &Window() { return m_window; }
 

@@ -1,23 +1,14 @@
 #pragma once
 
-#include "support/TestFiles.h"
+#include "support/Test.h"
 #include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/data/RDIDriverMngr.h"
 #include "zelvar/data/reader/DriverModule.h"
 
-#include <gtest/gtest.h>
-
-#include <chrono>
-
 namespace zelvar::test {
 
 /// Tests whose drivers live in real readers and do what their files say: see HostileDriver.cpp.
-class HostileFiles : public testing::Test {
-public:
-    HostileFiles(HostileFiles const &) = delete;
-    HostileFiles &operator=(HostileFiles const &) = delete;
-
-protected:
+struct HostileFiles : testing::Test {
     HostileFiles() { Use({}); }
     ~HostileFiles() override {
         EndReaders();
@@ -39,7 +30,7 @@ protected:
     }
 
     /// An image opened by the manager, closed at the end.
-    struct Image {
+    struct Image : Pinned {
         explicit Image(std::string const &path, StopSignal const *stop = nullptr) {
             RDIDriverMngr::Instance()->OpenFile({path, nullptr}, &driver, &handle, "", &error, "", stop);
         }
@@ -47,8 +38,6 @@ protected:
             if (handle != nullptr)
                 driver->CloseFile(handle, true);
         }
-        Image(Image const &) = delete;
-        Image &operator=(Image const &) = delete;
         explicit operator bool() const { return handle != nullptr; }
         /// The samples of a channel as they are; empty if they cannot be read.
         [[nodiscard]] std::vector<unsigned char> Read(int channel) const {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/TestFiles.h"
+
 #include <atomic>
 #include <functional>
 #include <map>
@@ -12,12 +14,10 @@ namespace zelvar::test {
 
 /// A small web server on the loopback interface that knows ranges. It serves what a test gives it and tells what it was
 /// asked for. It ends with the object.
-class HttpServer {
+class HttpServer : Pinned {
 public:
     HttpServer();
     ~HttpServer();
-    HttpServer(HttpServer const &) = delete;
-    HttpServer &operator=(HttpServer const &) = delete;
 
     /// "http://127.0.0.1:<port>", without a separator at its end.
     [[nodiscard]] std::string Url() const;

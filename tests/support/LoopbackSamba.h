@@ -18,7 +18,7 @@
 namespace zelvar::test {
 
 /// A file server of our own on the loopback interface; it ends with the object.
-class LoopbackSamba {
+class LoopbackSamba : Pinned {
 public:
     LoopbackSamba() = default;
     /// False if the program is not installed or may not be run.
@@ -67,8 +67,6 @@ public:
         if (m_lock >= 0)
             close(m_lock);
     }
-    LoopbackSamba(LoopbackSamba const &) = delete;
-    LoopbackSamba &operator=(LoopbackSamba const &) = delete;
     /// Waits until it takes connections; false if it ends first.
     [[nodiscard]] bool IsReady() const {
         for (int status = 0; waitpid(m_process, &status, WNOHANG) == 0; std::this_thread::yield())

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "support/RealDrivers.h"
+#include "support/TestFiles.h"
 #include "zelvar/data/RDIDriverMngr.h"
 
 #include <vector>
@@ -8,7 +9,7 @@
 namespace zelvar::test {
 
 /// Opens one image with the real drivers.
-class OpenedImage {
+class OpenedImage : Pinned {
 public:
     explicit OpenedImage(DString const &moniker, DString const &driverId = {}, StopSignal const *stop = nullptr) {
         UseRealDrivers();
@@ -18,8 +19,6 @@ public:
         if (handle != nullptr)
             driver->CloseFile(handle, true);
     }
-    OpenedImage(OpenedImage const &) = delete;
-    OpenedImage &operator=(OpenedImage const &) = delete;
     explicit operator bool() const { return handle != nullptr; }
 
     template <class Sample>

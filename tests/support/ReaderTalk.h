@@ -1,12 +1,7 @@
 #pragma once
 
+#include "support/Test.h"
 #include "zelvar/data/wire/Messages.h"
-
-#include <gtest/gtest.h>
-
-#include <array>
-#include <string>
-#include <utility>
 
 #include <sys/socket.h>
 

@@ -1,15 +1,10 @@
 #pragma once
 
+#include "support/GuiTest.h"
 #include "zelvar/base/ImageList.h"
 #include "zelvar/platform/ui/ReportView.h"
 
-#include <QtTest/QTest>
 #include <QtWidgets/QHeaderView>
-#include <QtWidgets/QScrollBar>
-
-#include <gtest/gtest.h>
-
-#include <string>
 
 namespace zelvar::test {
 

@@ -1,17 +1,16 @@
 #pragma once
 
+#include "support/Test.h"
 #include "zelvar/data/DIOPluginMngr.h"
 #include "zelvar/filedlg/FileDlg.h"
 
 #include <list>
-#include <string>
-#include <vector>
 
 namespace zelvar::test {
 
 /// The formats of an application's documents, "Documents 0" of "*.d0" and so on in the order of their declaration, set
 /// as long as this lives.
-class Documents {
+class Documents : Pinned {
 public:
     Documents() {
         int number = 0;
@@ -20,8 +19,6 @@ public:
             *format = &m_formats.emplace_back("DOC" + text, "Documents " + text, "*.d" + text, "", true);
         }
     }
-    Documents(Documents const &) = delete;
-    Documents &operator=(Documents const &) = delete;
     ~Documents() { Clear(); }
     static void Clear() {
         for (DFileFrmt **const format : All())

@@ -1,11 +1,7 @@
 #pragma once
 
-#include "support/TestFiles.h"
+#include "support/Test.h"
 #include "zelvar/base/DString.h"
-
-#include <cstdlib>
-#include <string>
-#include <vector>
 
 #include <sys/wait.h>
 

@@ -4,13 +4,8 @@
 #include "zelvar/data/wire/ReaderStatus.h"
 #include "zelvar/data/wire/SharedMemory.h"
 
-#include <gtest/gtest.h>
-
 #include <csignal>
-#include <optional>
-#include <string>
 #include <thread>
-#include <vector>
 
 #include <fcntl.h>
 #include <spawn.h>
@@ -53,7 +48,7 @@ inline End WaitFor(pid_t process) {
 }
 
 /// The real reader with the drivers that misbehave, and this end of the talk with it.
-class RunningReader {
+class RunningReader : Pinned {
 public:
     explicit RunningReader(std::string reach = "local", int heirloom = -1)
         : m_status(wire::SharedMemory::Create(sizeof(wire::ReaderStatus))) {
@@ -72,8 +67,6 @@ public:
             EXPECT_TRUE(Wait().IsExit(0));
         }
     }
-    RunningReader(RunningReader const &) = delete;
-    RunningReader &operator=(RunningReader const &) = delete;
 
     void Close() { talk.reset(); }
     End Wait() { return WaitFor(std::exchange(m_process, -1)); }

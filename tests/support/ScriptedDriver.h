@@ -1,5 +1,6 @@
 #pragma once
 
+#include "support/TestFiles.h"
 #include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/data/RDIDriverMngr.h"
 
@@ -9,8 +10,8 @@
 #include <cstring>
 #include <functional>
 #include <map>
+#include <memory>
 #include <mutex>
-#include <set>
 #include <vector>
 
 namespace zelvar::test {
@@ -48,13 +49,28 @@ private:
     int m_waiting = 0;
 };
 
-/// A node as a test writes it down. Paths come out as "<url>/<name>/<name>".
+/// A node as a test writes it down. Without a path of its own it gets "<url>/<name>/<name>".
 struct ScriptedNode {
     DString name = {};
     std::uint32_t type = BDINode_Container;
     std::vector<ScriptedNode> children = {};
     DString value = {};
     bool broken = false; ///< listed, but cannot be opened
+    DString path = {};
+
+    /// This node or the one below it that has the path; null without one.
+    [[nodiscard]] ScriptedNode *Find(DString const &wanted) {
+        ScriptedNode *found = path == wanted ? this : nullptr;
+        for (auto child = children.begin(); found == nullptr && child != children.end(); ++child)
+            found = child->Find(wanted);
+        return found;
+    }
+    void NamePaths(DString const &own) {
+        if (path.empty())
+            path = own;
+        for (ScriptedNode &child : children)
+            child.NamePaths(path + "/" + child.name);
+    }
 };
 
 /// Tree driver that serves trees written down by a test.
@@ -63,7 +79,10 @@ public:
     explicit ScriptedTreeDriver(DString id, DString extensions = {})
         : m_id(std::move(id)), m_extensions(std::move(extensions)) {}
 
-    void SetTree(DString const &url, ScriptedNode root) { m_trees[url] = std::move(root); }
+    void SetTree(DString const &url, ScriptedNode root) {
+        root.NamePaths(url);
+        m_trees[url] = std::move(root);
+    }
     /// The tree that is served when `OpenRepository` gets this filter.
     void SetFilteredTree(DString const &filter, ScriptedNode root) { m_filtered[filter] = std::move(root); }
     std::map<DString, int> attributes{{"BDI_Multiple_Images", 1}, {"BDI_Filtering", 0}};
@@ -77,7 +96,10 @@ public:
     std::atomic<int> nodesClosed{0};
     std::atomic<int> finds{0};
     std::atomic<int> findsClosed{0};
-    std::atomic<int> probes{0}; ///< calls of `CanReadPath`
+    mutable std::atomic<int> probes{0}; ///< calls of `CanReadPath`
+    [[nodiscard]] int OpenTrees() const { return opens - closes; }
+    [[nodiscard]] int OpenNodes() const { return nodesMade - nodesClosed; }
+    [[nodiscard]] int OpenFinds() const { return finds - findsClosed; }
 
     [[nodiscard]] DString GetId() const override { return m_id; }
     [[nodiscard]] DString GetInfo() const override { return "scripted " + m_id; }
@@ -87,7 +109,7 @@ public:
         return at == attributes.end() ? 0 : at->second;
     }
     [[nodiscard]] bool CanReadPath(DString const &path) const override {
-        ++const_cast<ScriptedTreeDriver *>(this)->probes;
+        ++probes;
         return m_trees.contains(path);
     }
 
@@ -97,20 +119,15 @@ public:
         auto const filtered = m_filtered.find(filter == nullptr ? "" : filter);
         if (tree == m_trees.end() || (filter != nullptr && *filter != '\0' && filtered == m_filtered.end()))
             return nullptr;
-        ++opens;
-        auto *open = new Repository{tree->first, filtered == m_filtered.end() ? &tree->second : &filtered->second};
-        *root = Make(*open->root, open->url);
-        return open;
+        if (filtered == m_filtered.end())
+            return Open(tree->second, root);
+        filtered->second.NamePaths(url);
+        return Open(filtered->second, root);
     }
-    void CloseRepository(void *repository) override {
-        ++closes;
-        delete static_cast<Repository *>(repository);
-    }
+    void CloseRepository(void *) override { ++closes; }
     BDINode *OpenNode(void *repository, char const *path) override {
-        auto const *open = static_cast<Repository *>(repository);
-        if (ScriptedNode const *node = Find(*open->root, open->url, path); node != nullptr && !node->broken)
-            return Make(*node, path);
-        return nullptr;
+        ScriptedNode const *const node = RootOf(repository).Find(path);
+        return node == nullptr || node->broken ? nullptr : Make(*node);
     }
     BDINode *CloneNode(BDINode const *node) override {
         ++nodesMade;
@@ -122,12 +139,13 @@ public:
     }
     void *FindFirstChildNode(void *repository, BDINode const *node, int mask) override {
         findGate.Pass();
-        auto const *open = static_cast<Repository *>(repository);
-        ScriptedNode const *parent = Find(*open->root, open->url, node->path);
+        ScriptedNode const *const parent = RootOf(repository).Find(node->path);
+        if (parent == nullptr)
+            return nullptr;
         auto walk = std::make_unique<Walk>();
-        for (std::size_t i = 0; parent != nullptr && i < parent->children.size(); ++i)
-            if ((parent->children[i].type & static_cast<std::uint32_t>(mask)) != 0)
-                walk->children.push_back(Record(parent->children[i], node->path + "/" + parent->children[i].name));
+        for (ScriptedNode const &child : parent->children)
+            if ((child.type & static_cast<std::uint32_t>(mask)) != 0)
+                walk->children.push_back(Record(child));
         if (walk->children.empty())
             return nullptr;
         ++finds;
@@ -142,42 +160,66 @@ public:
         delete static_cast<Walk *>(find);
     }
 
+protected:
+    void *Open(ScriptedNode &tree, BDINode **root) {
+        ++opens;
+        *root = Make(tree);
+        return &tree;
+    }
+    [[nodiscard]] virtual ScriptedNode &RootOf(void *repository) { return *static_cast<ScriptedNode *>(repository); }
+
 private:
-    struct Repository {
-        DString url;
-        ScriptedNode const *root = nullptr;
-    };
     struct Walk {
         std::vector<BDINode> children;
         std::size_t next = 0;
     };
-    static BDINode Record(ScriptedNode const &node, DString path) {
+    static BDINode Record(ScriptedNode const &node) {
         BDINode record;
         record.type = node.type;
-        record.path = std::move(path);
+        record.path = node.path;
         record.name = node.name;
         record.value = node.value;
         return record;
     }
-    BDINode *Make(ScriptedNode const &node, DString path) {
+    BDINode *Make(ScriptedNode const &node) {
         ++nodesMade;
-        return new BDINode(Record(node, std::move(path)));
-    }
-    static ScriptedNode const *Find(ScriptedNode const &node, DString const &nodePath, DString const &path) {
-        if (nodePath == path)
-            return &node;
-        for (ScriptedNode const &child : node.children) {
-            DString const childPath = nodePath + "/" + child.name;
-            if (path == childPath || path.starts_with(childPath + "/"))
-                return Find(child, childPath, path);
-        }
-        return nullptr;
+        return new BDINode(Record(node));
     }
 
     DString m_id;
     DString m_extensions;
     std::map<DString, ScriptedNode> m_trees;
     std::map<DString, ScriptedNode> m_filtered;
+};
+
+/// One tree whose nodes have paths of any kind, its root "root"; it serves every URL that opens.
+class AnyUrlDriver : public ScriptedTreeDriver {
+public:
+    using ScriptedTreeDriver::ScriptedTreeDriver;
+
+    void Add(DString const &parent, DString const &path, unsigned type, DString const &name,
+             DString const &value = {}) {
+        m_root.Find(parent)->children.push_back({.name = name, .type = type, .value = value, .path = path});
+    }
+    /// `OpenNode` fails for that path.
+    void Break(DString const &path) { m_root.Find(path)->broken = true; }
+    std::function<bool(DString const &url)> isUrl; ///< all are without it
+    bool reads = true;
+    int tries = 0;      ///< calls of `OpenRepository`
+    DString lastFilter; ///< of the last one
+
+    [[nodiscard]] bool CanReadPath(DString const &) const override { return ++probes, reads; }
+    void *OpenRepository(char const *url, BDINode **root, char const *filter) override {
+        ++tries;
+        lastFilter = filter == nullptr ? "" : filter;
+        return isUrl && !isUrl(url) ? nullptr : Open(m_root, root);
+    }
+
+protected:
+    [[nodiscard]] ScriptedNode &RootOf(void *) override { return m_root; }
+
+private:
+    ScriptedNode m_root{.name = "Root", .path = "root"};
 };
 
 /// An image as a test writes it down: every sample of a channel has the value `sample` yields for its place.
@@ -307,24 +349,32 @@ private:
 };
 
 /// Both managers empty for one test, filled by `Add...`, and empty again at its end.
-class ScriptedDrivers {
+class ScriptedDrivers : Pinned {
 public:
     ScriptedDrivers() { Clear(); }
     ~ScriptedDrivers() { Clear(); }
-    ScriptedDrivers(ScriptedDrivers const &) = delete;
-    ScriptedDrivers &operator=(ScriptedDrivers const &) = delete;
 
+    /// Finish a driver in `prepare`: its attributes are read when it is added.
+    template <class Driver>
+    static Driver &Add(std::unique_ptr<Driver> owned, std::function<void(Driver &)> const &prepare = {}) {
+        Driver &driver = *owned;
+        if (prepare)
+            prepare(driver);
+        if constexpr (std::is_base_of_v<BDIDrvr, Driver>)
+            BDIDrvrMngr::Instance()->Add(std::move(owned));
+        else
+            RDIDriverMngr::Instance()->Add(std::move(owned));
+        return driver;
+    }
     static ScriptedTreeDriver &AddTree(DString id, DString extensions = {}) {
-        auto driver = std::make_unique<ScriptedTreeDriver>(std::move(id), std::move(extensions));
-        ScriptedTreeDriver &added = *driver;
-        BDIDrvrMngr::Instance()->Add(std::move(driver));
-        return added;
+        return Add(std::make_unique<ScriptedTreeDriver>(std::move(id), std::move(extensions)));
+    }
+    static AnyUrlDriver &AddAnyUrl(DString id, DString extensions,
+                                   std::function<void(AnyUrlDriver &)> const &prepare = {}) {
+        return Add(std::make_unique<AnyUrlDriver>(std::move(id), std::move(extensions)), prepare);
     }
     static ScriptedRasterDriver &AddRaster(DString id) {
-        auto driver = std::make_unique<ScriptedRasterDriver>(std::move(id));
-        ScriptedRasterDriver &added = *driver;
-        RDIDriverMngr::Instance()->Add(std::move(driver));
-        return added;
+        return Add(std::make_unique<ScriptedRasterDriver>(std::move(id)));
     }
 
 private:

@@ -5,19 +5,10 @@
 #include "zelvar/lists/CZelTreeCtrl.h"
 #include "zelvar/platform/ui/ControlId.h"
 
-#include <QtTest/QTest>
-#include <QtWidgets/QApplication>
-#include <QtWidgets/QPushButton>
-
-#include <gtest/gtest.h>
-
-#include <string>
-
 namespace zelvar::test {
 
 /// The selector of nodes in a user's hands.
-class SelectorHands {
-public:
+struct SelectorHands {
     explicit SelectorHands(QWidget &dialog)
         : window(dialog), tree(*platform::GetDlgItem<CZelTreeCtrl>(dialog, 1001)),
           list(*platform::GetDlgItem<CZelListCtrl>(dialog, 6004)), ok(*platform::GetDlgItem<QPushButton>(dialog, 1)),

@@ -20,7 +20,7 @@ namespace zelvar::test {
 /// A mounted file system with one file that can be looked at and opened, but not read: who reads is held in the kernel,
 /// deaf to every signal, until `Answer` or the end of this object. A server that has gone, played without a network.
 /// Needs the superuser and /dev/fuse.
-class SilentMount {
+class SilentMount : Pinned {
 public:
     explicit SilentMount(std::string name)
         : m_name(std::move(name)), m_point(m_folder.Folder("silent")), m_device(open("/dev/fuse", O_RDWR | O_CLOEXEC)) {
@@ -38,8 +38,6 @@ public:
         if (m_device >= 0)
             close(m_device);
     }
-    SilentMount(SilentMount const &) = delete;
-    SilentMount &operator=(SilentMount const &) = delete;
 
     /// From now on names are not looked up either.
     void FallSilent() { m_isSilent = true; }

@@ -1,30 +1,14 @@
 #pragma once
 
-#include "support/RealDrivers.h"
+#include "support/RealDriversTest.h"
 #include "support/TableFiles.h"
-#include "support/TestFiles.h"
+#include "support/Test.h"
 #include "zelvar/data/ADIFile.h"
-#include "zelvar/data/BDIDrvrMngr.h"
-#include "zelvar/data/RDIDriverMngr.h"
-
-#include <gtest/gtest.h>
-
-#include <vector>
 
 namespace zelvar::test {
 
 /// Tables in a folder of a test's own, and the real drivers, see `UseRealDrivers`.
-class TablesTest : public testing::Test {
-protected:
-    TablesTest() {
-        Forget();
-        UseRealDrivers();
-    }
-    ~TablesTest() override { Forget(); }
-    static void Forget() {
-        BDIDrvrMngr::Instance()->Reset();
-        RDIDriverMngr::Instance()->Reset();
-    }
+struct TablesTest : RealDriversTest {
     static ADIFile Open(DString const &moniker, char const *format = "") {
         return {DFile(moniker), format, tdFormatAccess_Read, nullptr, nullptr};
     }
@@ -35,7 +19,13 @@ protected:
         ADIFile table = Open(moniker, format);
         return ContentOf(table);
     }
-    TempFolder m_folder;
+    /// Rows "0,", "1,", ... below "n,m".
+    static DString Numbered(int rows) {
+        DString text = "n,m\n";
+        for (int row = 0; row < rows; ++row)
+            text += std::to_string(row) + ",\n";
+        return text;
+    }
 };
 
 } // namespace zelvar::test

@@ -5,14 +5,23 @@
 
 namespace zelvar::test {
 
+/// Neither copied nor moved: what undoes something at its end.
+class Pinned {
+public:
+    Pinned(Pinned const &) = delete;
+    Pinned &operator=(Pinned const &) = delete;
+
+protected:
+    Pinned() = default;
+    ~Pinned() = default;
+};
+
 /// A folder of its own for one test, removed with all in it at the end. Its path is absolute, without separator at its
 /// end.
-class TempFolder {
+class TempFolder : Pinned {
 public:
     TempFolder();
     ~TempFolder();
-    TempFolder(TempFolder const &) = delete;
-    TempFolder &operator=(TempFolder const &) = delete;
 
     [[nodiscard]] std::string const &Path() const { return m_path; }
     /// "<folder>/<name>"; `name` is bytes and need not be UTF-8.
@@ -34,12 +43,10 @@ private:
 
 /// Points every place that the library would read or write of the user's (settings, definitions, templates, home) to a
 /// temporary folder, for the life of a test program. Made by the test mains.
-class SandboxEnvironment {
+class SandboxEnvironment : Pinned {
 public:
     SandboxEnvironment();
     ~SandboxEnvironment() = default;
-    SandboxEnvironment(SandboxEnvironment const &) = delete;
-    SandboxEnvironment &operator=(SandboxEnvironment const &) = delete;
 
 private:
     TempFolder m_folder;

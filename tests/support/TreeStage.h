@@ -4,13 +4,6 @@
 #include "zelvar/platform/ui/ReportPainter.h"
 #include "zelvar/platform/ui/TreeView.h"
 
-#include <QtTest/QTest>
-#include <QtWidgets/QApplication>
-
-#include <gtest/gtest.h>
-
-#include <string>
-
 namespace zelvar::test {
 
 /// A tree view on a screen, under a user's hands.

@@ -1,11 +1,9 @@
-#include "support/TestFiles.h"
+#include "support/Test.h"
 #include "zelvar/controls/CZelImageList.h"
 #include "zelvar/thematic/ThematicGroup.h"
 
 #include <QtGui/QImage>
 #include <QtGui/QPainter>
-
-#include <gtest/gtest.h>
 
 namespace zelvar {
 

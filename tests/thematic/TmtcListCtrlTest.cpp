@@ -4,9 +4,6 @@
 #include "support/ScreenReader.h"
 
 #include <QtGui/QAccessible>
-#include <QtTest/QTest>
-
-#include <gtest/gtest.h>
 
 namespace zelvar {
 namespace {

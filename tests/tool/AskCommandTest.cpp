@@ -1,8 +1,5 @@
 #include "support/RunCommand.h"
-#include "support/TestFiles.h"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
+#include "support/Test.h"
 
 #include <filesystem>
 
@@ -10,7 +7,6 @@ namespace zelvar {
 namespace {
 
 using test::Outcome;
-using testing::HasSubstr;
 
 Outcome Ask(std::vector<std::string> words) {
     words.insert(words.begin(), "ask");
@@ -18,12 +14,7 @@ Outcome Ask(std::vector<std::string> words) {
 }
 
 TEST(AskCommand, PrintsTheButtonAndTheCheckMark) {
-    struct Case {
-        std::vector<std::string> words;
-        int exitCode;
-        char const *out;
-    };
-    Case const cases[] = {
+    test::Rows<std::vector<std::string>, int, char const *> const cases = {
         {{"Go on?", "--press", "ok"}, 0, "ok\n"},
         {{"Go on?", "--buttons", "yes-no", "--press", "no"}, 0, "no\n"},
         {{"Go on?", "--buttons", "yes-no-cancel", "--press", "cancel"}, 1, "cancel\n"},
@@ -39,10 +30,10 @@ TEST(AskCommand, PrintsTheButtonAndTheCheckMark) {
         {{"-", "--press", "ok"}, 0, "ok\n"}, // an empty standard input
         {{"--press", "ok", "--", "--text"}, 0, "ok\n"},
     };
-    for (Case const &c : cases) {
-        Outcome const outcome = Ask(c.words);
-        EXPECT_EQ(outcome.exitCode, c.exitCode) << c.out << outcome.err;
-        EXPECT_EQ(outcome.out, c.out);
+    for (auto const &[words, exitCode, out] : cases) {
+        Outcome const outcome = Ask(words);
+        EXPECT_EQ(outcome.exitCode, exitCode) << out << outcome.err;
+        EXPECT_EQ(outcome.out, out);
         EXPECT_EQ(outcome.err, "");
     }
 }
@@ -60,12 +51,8 @@ TEST(AskCommand, WithoutAScreenItEndsAndSaysWhy) {
 }
 
 TEST(AskCommand, WhatIsWrongIsTold) {
-    struct Case {
-        std::vector<std::string> words;
-        char const *says;
-    };
-    Case const cases[] = {
-        {{}, "an argument is missing"},
+    test::Rows<std::vector<std::string>, char const *> const cases = {
+        {std::vector<std::string>(), "an argument is missing"},
         {{"t", "--buttons", "maybe"}, "abort-retry-ignore"},
         {{"t", "--icon", "smile"}, "stop, question"},
         {{"t", "--default", "0"}, "--default is a number from 1 to 16"},
@@ -76,10 +63,10 @@ TEST(AskCommand, WhatIsWrongIsTold) {
         {{"t", "a", "--dont-ask"}, "too many arguments"},
         {{"t", "--check=1"}, "unknown option --check"},
     };
-    for (Case const &c : cases) {
-        Outcome const outcome = Ask(c.words);
-        EXPECT_EQ(outcome.exitCode, 2) << c.says;
-        EXPECT_THAT(outcome.err, HasSubstr(c.says));
+    for (auto const &[words, says] : cases) {
+        Outcome const outcome = Ask(words);
+        EXPECT_EQ(outcome.exitCode, 2) << says;
+        EXPECT_THAT(outcome.err, HasSubstr(says));
     }
 }
 

@@ -1,9 +1,6 @@
 #include "support/ImageFiles.h"
 #include "support/RunCommand.h"
-#include "support/TestFiles.h"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
+#include "support/Test.h"
 
 #include <filesystem>
 
@@ -12,10 +9,8 @@ namespace {
 
 using test::Outcome;
 using test::Zelvar;
-using testing::HasSubstr;
 
-class ChartCommands : public testing::Test {
-protected:
+struct ChartCommands : testing::Test {
     test::TempFolder m_folder;
     DString m_table = m_folder.Write("t.csv", "name,x,y\r\na,1,10\r\nb,2,20\r\nc,,30\r\nd,4,none\r\ne,5,50\r\n");
 };

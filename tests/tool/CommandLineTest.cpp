@@ -1,10 +1,9 @@
 #include "zelvar/tool/CommandLine.h"
 
 #include "support/RunCommand.h"
+#include "support/Test.h"
 #include "zelvar/tool/CommandTable.h"
 #include "zelvar/tool/ManualPages.h"
-
-#include <gtest/gtest.h>
 
 namespace zelvar::tool {
 namespace {

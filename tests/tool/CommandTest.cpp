@@ -1,8 +1,6 @@
 #include "support/ImageFiles.h"
 #include "support/RunCommand.h"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
+#include "support/Test.h"
 
 #include <ctime>
 #include <filesystem>
@@ -14,16 +12,12 @@
 namespace zelvar {
 namespace {
 
-using testing::ElementsAre;
-using testing::HasSubstr;
-
 using test::Column;
 using test::Outcome;
 using test::Quoted;
 using test::Zelvar;
 
-class Command : public testing::Test {
-protected:
+struct Command : testing::Test {
     void SetUp() override {
         test::WriteImage(folder / "grey.tif", {.width = 60, .height = 30, .type = GDT_UInt16});
         folder.Write("notes.txt", "12345");
@@ -51,9 +45,9 @@ TEST_F(Command, LsSortsAsAskedWithFoldersFirst) {
     write("part10.txt", "1", 1'000'000'000);
     write("Part2.txt", "333", 900'000'000);
     write("a.txt", "22", 1'100'000'000);
-    std::pair<char const *, std::vector<std::string>> const cases[] = {{"name", {"a.txt", "Part2.txt", "part10.txt"}},
-                                                                       {"size", {"part10.txt", "a.txt", "Part2.txt"}},
-                                                                       {"date", {"Part2.txt", "part10.txt", "a.txt"}}};
+    test::Rows<char const *, std::vector<std::string>> const cases = {{"name", {"a.txt", "Part2.txt", "part10.txt"}},
+                                                                      {"size", {"part10.txt", "a.txt", "Part2.txt"}},
+                                                                      {"date", {"Part2.txt", "part10.txt", "a.txt"}}};
     for (auto const &[sort, names] : cases) {
         SCOPED_TRACE(sort);
         EXPECT_EQ(Column(Zelvar({"ls", files.Path(), "--sort", sort}).out, 3), names);
@@ -129,8 +123,8 @@ TEST_F(Command, InfoPrintsPropertiesAndWritesThePreview) {
 }
 
 TEST_F(Command, ExitCodesTellUsageFromFailure) {
-    std::pair<std::vector<std::string>, int> const cases[] = {
-        {{}, 2},
+    test::Rows<std::vector<std::string>, int> const cases = {
+        {std::vector<std::string>(), 2},
         {{"nonsense"}, 2},
         {{"ls"}, 2},
         {{"ls", folder.Path(), "--sort", "colour"}, 2},

@@ -1,9 +1,7 @@
 // `zelvar open` and `zelvar save` through both dialogs.
 #include "support/ImageFiles.h"
 #include "support/RunCommand.h"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
+#include "support/Test.h"
 
 #include <filesystem>
 
@@ -12,10 +10,8 @@ namespace {
 
 using test::Outcome;
 using test::Zelvar;
-using testing::HasSubstr;
 
-class FileDialogCommand : public testing::Test {
-protected:
+struct FileDialogCommand : testing::Test {
     FileDialogCommand() { test::WriteImage(folder / "grey.tif", {.width = 60, .height = 30}); }
     /// A run with settings of its own.
     [[nodiscard]] Outcome Run(std::vector<std::string> const &words) const {

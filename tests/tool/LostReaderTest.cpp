@@ -1,17 +1,11 @@
 #include "support/HttpServer.h"
 #include "support/SilentMount.h"
-#include "support/TestFiles.h"
+#include "support/Test.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <array>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <thread>
-#include <utility>
-#include <vector>
 
 #include <fcntl.h>
 #include <spawn.h>

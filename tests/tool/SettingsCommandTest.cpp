@@ -1,8 +1,6 @@
 #include "support/RunCommand.h"
+#include "support/Test.h"
 #include "zelvar/base/SettingsStore.h"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <filesystem>
 
@@ -11,10 +9,8 @@ namespace {
 
 using test::Outcome;
 using test::Zelvar;
-using testing::HasSubstr;
 
-class SettingsCommand : public testing::Test {
-protected:
+struct SettingsCommand : testing::Test {
     static DString Using(DString const &file) { return "ZELVAR_SETTINGS=" + test::Quoted(file); }
 
     test::TempFolder m_folder;

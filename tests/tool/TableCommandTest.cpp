@@ -1,9 +1,6 @@
 #include "support/RunCommand.h"
 #include "support/TableFiles.h"
-#include "support/TestFiles.h"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
+#include "support/Test.h"
 
 #include <filesystem>
 
@@ -12,42 +9,37 @@ namespace {
 
 using test::Outcome;
 using test::Zelvar;
-using testing::HasSubstr;
 
 constexpr char kOffscreen[] = "QT_QPA_PLATFORM=offscreen";
 
-class TableCommand : public testing::Test {
-protected:
+struct TableCommand : testing::Test {
     test::TempFolder m_folder;
     DString m_table = m_folder.Write("t.csv", "name,x\nb,10\n,9\n\"a\tA\r\n\",-2\n\xFF,\n");
 };
 
 TEST_F(TableCommand, PrintsRowsAsTheFileHasThemOrSorted) {
-    using Rows = std::vector<std::string>;
-    struct Case {
-        std::vector<std::string> options;
-        Rows rows;
-    };
     std::string const b = "b\t10";
     std::string const none = "\t9";
     std::string const a = "a\\x09A\\x0D\\x0A\t-2";
     std::string const wrong = "\xC3\xBF\t"; // in windows-1252
-    for (Case const &c : {Case{{}, {b, none, a, wrong}},
-                          {{"--rows", "2"}, {b, none}},
-                          {{"--sort", "x"}, {b, none, wrong, a}},
-                          {{"--sort", "x", "--descending"}, {a, wrong, none, b}},
-                          {{"--sort", "1"}, {none, a, b, wrong}},
-                          {{"--sort", "ID"}, {wrong, a, none, b}},
-                          {{"--sort", "x", "--rows", "2", "--descending"}, {none, b}},
-                          {{"--select", "2"}, {a}},
-                          {{"--select", "1", "--sort", "x"}, {none}}}) {
+    using Words = std::vector<std::string>;
+    test::Rows<Words, Words> const cases = {{Words(), {b, none, a, wrong}},
+                                            {{"--rows", "2"}, {b, none}},
+                                            {{"--sort", "x"}, {b, none, wrong, a}},
+                                            {{"--sort", "x", "--descending"}, {a, wrong, none, b}},
+                                            {{"--sort", "1"}, {none, a, b, wrong}},
+                                            {{"--sort", "ID"}, {wrong, a, none, b}},
+                                            {{"--sort", "x", "--rows", "2", "--descending"}, {none, b}},
+                                            {{"--select", "2"}, {a}},
+                                            {{"--select", "1", "--sort", "x"}, {none}}};
+    for (auto const &[options, rows] : cases) {
         std::string expected = "name\tx\n";
-        for (std::string const &row : c.rows)
+        for (std::string const &row : rows)
             expected += row + "\n";
         std::vector<std::string> words{"table", m_table, "--print"};
-        words.insert(words.end(), c.options.begin(), c.options.end());
+        words.insert(words.end(), options.begin(), options.end());
         Outcome const outcome = Zelvar(words);
-        EXPECT_EQ(outcome.out, expected) << testing::PrintToString(c.options);
+        EXPECT_EQ(outcome.out, expected) << testing::PrintToString(options);
         EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
     }
 }
@@ -69,28 +61,24 @@ TEST_F(TableCommand, PicturesAreTakenWithoutAScreen) {
 
 TEST_F(TableCommand, WhatCannotBeDoneIsTold) {
     DString const empty = m_folder.Write("empty.csv", "a,b\n");
-    struct Case {
-        std::vector<std::string> words;
-        int exitCode;
-        char const *says;
-        char const *prints;
-    };
-    for (Case const &c : {Case{{m_folder / "none.csv", "--print"}, 3, "none.csv", ""},
-                          {{m_folder / "none.csv"}, 3, "none.csv", ""},
-                          {{m_table, "--sort", "z", "--print"}, 3, "there is no column 'z'", ""},
-                          {{m_table, "--descending"}, 2, "--sort", ""},
-                          {{m_table, "--rows", "-1"}, 2, "from 0", ""},
-                          {{m_table, "--size", "big"}, 2, "640x480", ""},
-                          {{m_table, "--select", "4"}, 1, "no row 4", ""},
-                          {{m_table, "--select", "4", "--print"}, 1, "", "name\tx\n"},
-                          {{empty, "--print"}, 1, "", "a\tb\n"},
-                          {{m_table, "--shot", "/nowhere/a.png"}, 3, "cannot write", ""}}) {
+    for (auto const &[options, exitCode, says, prints] :
+         test::Rows<std::vector<std::string>, int, char const *, char const *>{
+             {{m_folder / "none.csv", "--print"}, 3, "none.csv", ""},
+             {{m_folder / "none.csv"}, 3, "none.csv", ""},
+             {{m_table, "--sort", "z", "--print"}, 3, "there is no column 'z'", ""},
+             {{m_table, "--descending"}, 2, "--sort", ""},
+             {{m_table, "--rows", "-1"}, 2, "from 0", ""},
+             {{m_table, "--size", "big"}, 2, "640x480", ""},
+             {{m_table, "--select", "4"}, 1, "no row 4", ""},
+             {{m_table, "--select", "4", "--print"}, 1, "", "name\tx\n"},
+             {{empty, "--print"}, 1, "", "a\tb\n"},
+             {{m_table, "--shot", "/nowhere/a.png"}, 3, "cannot write", ""}}) {
         std::vector<std::string> words{"table"};
-        words.insert(words.end(), c.words.begin(), c.words.end());
+        words.insert(words.end(), options.begin(), options.end());
         Outcome const outcome = Zelvar(words, kOffscreen);
-        EXPECT_EQ(outcome.exitCode, c.exitCode) << c.says;
-        EXPECT_THAT(outcome.err, HasSubstr(c.says));
-        EXPECT_EQ(outcome.out, c.prints);
+        EXPECT_EQ(outcome.exitCode, exitCode) << says;
+        EXPECT_THAT(outcome.err, HasSubstr(says));
+        EXPECT_EQ(outcome.out, prints);
     }
 }
 

@@ -7,12 +7,8 @@
 #include "zelvar/model/NtwDataSourceItem.h"
 #include "zelvar/reader/Sanitizers.h"
 
-#include <gmock/gmock.h>
-
-#include <atomic>
 #include <filesystem>
 #include <fstream>
-#include <functional>
 #include <thread>
 
 namespace zelvar {
@@ -21,12 +17,10 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::seconds;
 using test::HostileFiles;
-using testing::HasSubstr;
 
 constexpr bool kIsSanitized = reader::kIsSanitized;
 
-class ReaderEndings : public HostileFiles {
-protected:
+struct ReaderEndings : HostileFiles {
     /// Children of this process that have ended and that nobody has asked about.
     static int CountZombies() {
         int zombies = 0;

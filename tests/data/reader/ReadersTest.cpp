@@ -1,13 +1,11 @@
 #include "support/HostileFiles.h"
+#include "support/OpenedTree.h"
 #include "zelvar/base/FileDescriptor.h"
 #include "zelvar/data/ImageReader.h"
 #include "zelvar/data/ProbeAhead.h"
 #include "zelvar/data/RequestScope.h"
 
-#include <atomic>
-#include <memory>
 #include <thread>
-#include <vector>
 
 #include <fcntl.h>
 #include <sys/wait.h>
@@ -19,16 +17,6 @@ using std::chrono::milliseconds;
 using test::HostileFiles;
 
 using Readers = HostileFiles;
-
-std::vector<BDINode> ChildrenOf(BDIDrvr &driver, void *repository, BDINode const &parent, int mask) {
-    std::vector<BDINode> nodes;
-    void *const find = driver.FindFirstChildNode(repository, &parent, mask);
-    while (BDINode const *const node = find == nullptr ? nullptr : driver.FindNextChildNode(find))
-        nodes.push_back(*node);
-    if (find != nullptr)
-        driver.FindClose(find);
-    return nodes;
-}
 
 TEST_F(Readers, AnImageIsWhatItsDriverSays) {
     Image const image(Write("a", "width 30\nheight 7\nbands 6\n"));
@@ -59,27 +47,18 @@ TEST_F(Readers, SizesThatNoMemoryHoldsAreRefused) {
 }
 
 TEST_F(Readers, TreesAndImagesOutliveTheirReaders) {
-    BDIDrvr *driver = nullptr;
-    BDINode *root = nullptr;
-    DError error;
-    void *const repository =
-        BDIDrvrMngr::Instance()->OpenFile(Write("tree", "members 5000\n").c_str(), &driver, &root, nullptr, &error);
-    ASSERT_NE(repository, nullptr) << error.Text();
+    test::OpenedTree const tree(Write("tree", "members 5000\n"));
+    ASSERT_TRUE(tree);
     Image const image(Write("a", "width 3\nheight 2\n"));
     ASSERT_TRUE(image);
     for (int round = 0; round < 2; ++round) {
-        std::vector<BDINode> const children = ChildrenOf(*driver, repository, *root, BDINode_Raster);
+        std::vector<BDINode> const children = tree.Children(*tree.root, BDINode_Raster);
         ASSERT_EQ(children.size(), 5000U);
         EXPECT_EQ(children[4999].name, "member 4999");
-        BDINode *const found = driver->OpenNode(repository, children[17].path.c_str());
-        ASSERT_NE(found, nullptr);
-        EXPECT_EQ(found->name, "member 17");
-        driver->CloseNode(found);
+        EXPECT_EQ(tree.Node(children[17].path).value_or(BDINode()).name, "member 17");
         EXPECT_EQ(image.Read(0), (std::vector<unsigned char>{0, 1, 2, 10, 11, 12}));
         EndReaders();
     }
-    driver->CloseNode(root);
-    driver->CloseRepository(repository);
 }
 
 TEST_F(Readers, AProbeAsksForAllDriversAtOnceAndOncePerScope) {
@@ -120,13 +99,11 @@ TEST_F(Readers, APreviewDoesNotWaitForAListing) {
     std::string const slow = Write("slow", "members 3\nlist poll 30\n");
     std::atomic<bool> stop{false};
     std::atomic<bool> listing{false};
-    BDIDrvr *driver = nullptr;
-    BDINode *root = nullptr;
-    void *const repository = BDIDrvrMngr::Instance()->OpenFile(slow.c_str(), &driver, &root, nullptr, nullptr);
-    ASSERT_NE(repository, nullptr);
+    test::OpenedTree const tree(slow);
+    ASSERT_TRUE(tree);
     std::thread lister([&] {
         RequestScope const scope(RequestKind::List, [&] { return listing = true, stop.load(); });
-        EXPECT_TRUE(ChildrenOf(*driver, repository, *root, BDINode_Raster).empty());
+        EXPECT_TRUE(tree.Children(*tree.root, BDINode_Raster).empty());
         EXPECT_TRUE(scope.IsUnanswered());
     });
     while (!listing)
@@ -136,8 +113,6 @@ TEST_F(Readers, APreviewDoesNotWaitForAListing) {
     EXPECT_EQ(canvas.GetWidth(), 1024);
     stop = true;
     lister.join();
-    driver->CloseNode(root);
-    driver->CloseRepository(repository);
 }
 
 TEST_F(Readers, AReaderStartsWhateverNumbersItsFilesHaveHere) {

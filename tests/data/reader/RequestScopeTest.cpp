@@ -1,6 +1,6 @@
 #include "zelvar/data/RequestScope.h"
 
-#include <gtest/gtest.h>
+#include "support/Test.h"
 
 namespace zelvar {
 namespace {

@@ -1,8 +1,5 @@
+#include "support/Test.h"
 #include "zelvar/data/reader/AnswerReading.h"
-
-#include <gtest/gtest.h>
-
-#include <limits>
 
 namespace zelvar {
 namespace {

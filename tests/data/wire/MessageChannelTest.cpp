@@ -1,11 +1,8 @@
 #include "zelvar/data/wire/MessageChannel.h"
 
+#include "support/Test.h"
 #include "zelvar/base/FileDescriptor.h"
 
-#include <gtest/gtest.h>
-
-#include <array>
-#include <cstring>
 #include <thread>
 
 #include <fcntl.h>

@@ -1,8 +1,6 @@
 #include "zelvar/data/wire/SharedMemory.h"
 
-#include <gtest/gtest.h>
-
-#include <cstring>
+#include "support/Test.h"
 
 #include <fcntl.h>
 #include <sys/mman.h>

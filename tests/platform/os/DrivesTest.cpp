@@ -1,19 +1,13 @@
-#include "support/TestFiles.h"
+#include "support/Test.h"
 #include "zelvar/platform/os/LinuxShellNamespace.h"
 #include "zelvar/platform/os/MountTable.h"
 #include "zelvar/platform/os/SpecialFolders.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <filesystem>
-#include <map>
-#include <tuple>
 
 namespace zelvar::platform {
 namespace {
 
-using testing::ElementsAre;
 using Row = std::tuple<DString, DString, ShellKind>;
 
 /// The kernel's tables as a test writes them.

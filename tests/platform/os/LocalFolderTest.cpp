@@ -1,12 +1,8 @@
-#include "support/TestFiles.h"
+#include "support/Test.h"
 #include "zelvar/platform/os/LinuxShellNamespace.h"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <filesystem>
 #include <fstream>
-#include <map>
 
 #include <fcntl.h>
 #include <sys/socket.h>
@@ -18,38 +14,38 @@
 namespace zelvar::platform {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
 using testing::Pair;
-
-/// Name and kind of the children; nothing if the folder cannot be read.
-std::optional<std::map<DString, ShellKind>> Listed(DString const &path, ShellNamespace::FileTest const &wanted = {}) {
-    LinuxShellNamespace const shell;
-    std::map<DString, ShellKind> children;
-    ShellId const folder = shell.Parse(path);
-    std::error_code const error = shell.Enumerate(
-        folder, ShellNamespace::Purpose::Browse,
-        [&](ShellChild &&child) {
-            children[child.name] = child.kind;
-            EXPECT_EQ(shell.Path(child.id), path + "/" + child.name);
-            return true;
-        },
-        wanted);
-    return error ? std::nullopt : std::optional(children);
-}
 
 void SetModified(DString const &path, timespec time) {
     timespec const times[] = {time, time};
     ASSERT_EQ(utimensat(AT_FDCWD, path.c_str(), times, 0), 0);
 }
 
-TEST(LocalFolder, ListsFilesWithSizeAndTimeAndFoldersWithout) {
-    test::TempFolder const temp;
+struct LocalFolder : testing::Test {
+    bool Visit(ShellId const &folder, std::function<bool(ShellChild &&)> const &visit,
+               ShellNamespace::FileTest const &wanted = {}) const {
+        return shell.Enumerate(folder, ShellNamespace::Purpose::Browse, visit, wanted);
+    }
+    /// Name and kind of the children; nothing if the folder cannot be read.
+    [[nodiscard]] std::optional<std::map<DString, ShellKind>>
+    Listed(DString const &path, ShellNamespace::FileTest const &wanted = {}) const {
+        std::map<DString, ShellKind> children;
+        auto const add = [&](ShellChild &&child) {
+            children[child.name] = child.kind;
+            EXPECT_EQ(shell.Path(child.id), path + "/" + child.name);
+            return true;
+        };
+        return Visit(shell.Parse(path), add, wanted) ? std::nullopt : std::optional(children);
+    }
+    test::TempFolder temp;
+    LinuxShellNamespace shell;
+};
+
+TEST_F(LocalFolder, ListsFilesWithSizeAndTimeAndFoldersWithout) {
     SetModified(temp.Write("a.tif", "12345"), {1'700'000'000, 250'000'000});
     temp.Folder("b");
-    LinuxShellNamespace const shell;
     std::map<DString, ShellChild> children;
-    EXPECT_FALSE(shell.Enumerate(shell.Parse(temp.Path()), ShellNamespace::Purpose::Browse, [&](ShellChild &&child) {
+    EXPECT_FALSE(Visit(shell.Parse(temp.Path()), [&](ShellChild &&child) {
         children[child.name] = child;
         return true;
     }));
@@ -60,8 +56,7 @@ TEST(LocalFolder, ListsFilesWithSizeAndTimeAndFoldersWithout) {
     EXPECT_EQ(children["b"].modified, 0);
 }
 
-TEST(LocalFolder, LeavesHiddenFilesOutAndKeepsAnyOtherName) {
-    test::TempFolder const temp;
+TEST_F(LocalFolder, LeavesHiddenFilesOutAndKeepsAnyOtherName) {
     for (char const *name : {".hidden", "line\nfeed", "invalid \xFF\xFE utf-8", " blank ", "back\\slash"})
         temp.Write(name);
     EXPECT_THAT(Listed(temp.Path()).value(),
@@ -69,8 +64,7 @@ TEST(LocalFolder, LeavesHiddenFilesOutAndKeepsAnyOtherName) {
                             Pair("invalid \xFF\xFE utf-8", ShellKind::File), Pair("line\nfeed", ShellKind::File)));
 }
 
-TEST(LocalFolder, FollowsLinksAndLeavesOutThoseThatLeadNowhereOrInACircle) {
-    test::TempFolder const temp;
+TEST_F(LocalFolder, FollowsLinksAndLeavesOutThoseThatLeadNowhereOrInACircle) {
     temp.Write("file");
     temp.Folder("folder");
     std::filesystem::create_symlink("file", temp / "to file");
@@ -81,14 +75,12 @@ TEST(LocalFolder, FollowsLinksAndLeavesOutThoseThatLeadNowhereOrInACircle) {
     EXPECT_THAT(Listed(temp.Path()).value(),
                 ElementsAre(Pair("file", ShellKind::File), Pair("folder", ShellKind::Directory),
                             Pair("to file", ShellKind::File), Pair("to folder", ShellKind::Directory)));
-    LinuxShellNamespace const shell;
     EXPECT_TRUE(shell.Parse(temp / "broken").IsNull());
     EXPECT_TRUE(shell.Parse(temp / "circle a").IsNull());
     EXPECT_EQ(shell.IdentityOf(shell.Parse(temp / "to folder")), shell.IdentityOf(shell.Parse(temp / "folder")));
 }
 
-TEST(LocalFolder, DevicesPipesAndSocketsAreNoThingsAndAreNeverOpened) {
-    test::TempFolder const temp;
+TEST_F(LocalFolder, DevicesPipesAndSocketsAreNoThingsAndAreNeverOpened) {
     ASSERT_EQ(mkfifo((temp / "pipe").c_str(), 0600), 0); // opening it would wait for a writer for ever
     sockaddr_un address{.sun_family = AF_UNIX, .sun_path = {}};
     (temp / "socket").copy(address.sun_path, sizeof address.sun_path - 1);
@@ -97,13 +89,11 @@ TEST(LocalFolder, DevicesPipesAndSocketsAreNoThingsAndAreNeverOpened) {
     close(socket);
     std::filesystem::create_symlink("/dev/null", temp / "device");
     EXPECT_THAT(Listed(temp.Path()).value(), IsEmpty());
-    LinuxShellNamespace const shell;
     for (DString const &path : {temp / "pipe", temp / "socket", temp / "device", DString("/dev/zero")})
         EXPECT_TRUE(shell.Parse(path).IsNull()) << path;
 }
 
-TEST(LocalFolder, RefusedFilesAreNotVisitedAndFoldersAlwaysAre) {
-    test::TempFolder const temp;
+TEST_F(LocalFolder, RefusedFilesAreNotVisitedAndFoldersAlwaysAre) {
     temp.Write("a.tif");
     temp.Write("b.txt");
     temp.Folder("c.txt");
@@ -117,27 +107,23 @@ TEST(LocalFolder, RefusedFilesAreNotVisitedAndFoldersAlwaysAre) {
     EXPECT_EQ(asked, 2) << "who refuses every file can end it too";
 }
 
-TEST(LocalFolder, AFolderThatIsGoneOrIsNoneCannotBeRead) {
-    test::TempFolder const temp;
+TEST_F(LocalFolder, AFolderThatIsGoneOrIsNoneCannotBeRead) {
     DString const file = temp.Write("file");
-    LinuxShellNamespace const shell;
     ShellId const folder = shell.Parse(temp.Folder("folder"));
     std::filesystem::remove(temp / "folder");
     auto const visit = [](ShellChild &&) { return true; };
-    EXPECT_EQ(shell.Enumerate(folder, ShellNamespace::Purpose::Browse, visit), std::errc::no_such_file_or_directory);
-    EXPECT_EQ(shell.Enumerate(shell.Parse(file), ShellNamespace::Purpose::Browse, visit), std::errc::not_a_directory);
+    EXPECT_EQ(Visit(folder, visit), std::errc::no_such_file_or_directory);
+    EXPECT_EQ(Visit(shell.Parse(file), visit), std::errc::not_a_directory);
     EXPECT_TRUE(shell.Parse(temp / "folder").IsNull());
     EXPECT_FALSE(shell.KindOf(folder).has_value());
 }
 
-TEST(LocalFolder, AFolderDeletedWhileItIsListedEndsTheListing) {
-    test::TempFolder const temp;
+TEST_F(LocalFolder, AFolderDeletedWhileItIsListedEndsTheListing) {
     constexpr int kFiles = 1000;
     for (int i = 0; i < kFiles; ++i) // more than one read of the folder
         temp.Write("folder/" + DString(200, 'x') + std::to_string(i));
-    LinuxShellNamespace const shell;
     int visited = 0;
-    EXPECT_FALSE(shell.Enumerate(shell.Parse(temp / "folder"), ShellNamespace::Purpose::Browse, [&](ShellChild &&) {
+    EXPECT_FALSE(Visit(shell.Parse(temp / "folder"), [&](ShellChild &&) {
         if (++visited == 1)
             std::filesystem::remove_all(temp / "folder");
         return true;
@@ -146,25 +132,22 @@ TEST(LocalFolder, AFolderDeletedWhileItIsListedEndsTheListing) {
     EXPECT_LT(visited, kFiles); // those not looked at yet are gone
 }
 
-TEST(LocalFolder, ALargeFolderIsListedWholeAndInTheOrderOfItsEntries) {
-    test::TempFolder const temp;
+TEST_F(LocalFolder, ALargeFolderIsListedWholeAndInTheOrderOfItsEntries) {
     constexpr int kFiles = 5000; // a second thread takes part
     for (int i = 0; i < kFiles; ++i)
         temp.Write(std::to_string(i), DString(static_cast<std::size_t>(i % 7), 'x'));
     std::vector<DString> entries;
     for (auto const &entry : std::filesystem::directory_iterator(temp.Path()))
         entries.push_back(entry.path().filename());
-    LinuxShellNamespace const shell;
     std::vector<DString> listed;
-    EXPECT_FALSE(shell.Enumerate(shell.Parse(temp.Path()), ShellNamespace::Purpose::Browse, [&](ShellChild &&child) {
+    EXPECT_FALSE(Visit(shell.Parse(temp.Path()), [&](ShellChild &&child) {
         EXPECT_EQ(child.size, std::stoi(child.name) % 7);
         listed.push_back(child.name);
         return true;
     }));
     EXPECT_EQ(listed, entries);
     int visited = 0;
-    shell.Enumerate(shell.Parse(temp.Path()), ShellNamespace::Purpose::Browse,
-                    [&](ShellChild &&) { return ++visited < 4000; });
+    Visit(shell.Parse(temp.Path()), [&](ShellChild &&) { return ++visited < 4000; });
     EXPECT_EQ(visited, 4000);
 }
 
@@ -180,8 +163,7 @@ bool AsOrdinaryUser(std::function<bool()> const &body) {
     return waitpid(child, &status, 0) == child && WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 
-TEST(LocalFolder, AFolderWithoutPermissionCannotBeReadNorIsOneWholeWhoseFilesCannotBeLookedAt) {
-    test::TempFolder const temp;
+TEST_F(LocalFolder, AFolderWithoutPermissionCannotBeReadNorIsOneWholeWhoseFilesCannotBeLookedAt) {
     std::filesystem::permissions(temp.Path(), std::filesystem::perms(0755));
     DString const locked = temp.Folder("locked");
     DString const seen = temp.Folder("seen");
@@ -196,8 +178,7 @@ TEST(LocalFolder, AFolderWithoutPermissionCannotBeReadNorIsOneWholeWhoseFilesCan
         std::filesystem::permissions(folder, std::filesystem::perms(0700));
 }
 
-TEST(LocalFolder, AChainLeadsFromTheRootDriveDown) {
-    LinuxShellNamespace const shell;
+TEST_F(LocalFolder, AChainLeadsFromTheRootDriveDown) {
     ShellId const id = shell.Parse("/usr//share/../share/");
     EXPECT_EQ(shell.Path(id), "/usr/share");
     EXPECT_EQ(id.Parent().Kind(), ShellKind::Directory);
@@ -209,11 +190,9 @@ TEST(LocalFolder, AChainLeadsFromTheRootDriveDown) {
     EXPECT_TRUE(shell.Parse("http://localhost/x").IsNull());
 }
 
-TEST(LocalFolder, PathsLeadToWhatIsThereAndNoFurther) {
-    test::TempFolder const temp;
+TEST_F(LocalFolder, PathsLeadToWhatIsThereAndNoFurther) {
     temp.Write("file.tif", "1");
     temp.Folder("a b\n\xFF");
-    LinuxShellNamespace const shell;
     std::map<DString, std::optional<ShellKind>> const places{
         {temp / "file.tif", ShellKind::File},
         {temp / "./file.tif/", ShellKind::File},
@@ -237,9 +216,7 @@ TEST(LocalFolder, PathsLeadToWhatIsThereAndNoFurther) {
     }
 }
 
-TEST(LocalFolder, WhatAThingIsNowMayDifferFromWhatItWas) {
-    test::TempFolder const temp;
-    LinuxShellNamespace const shell;
+TEST_F(LocalFolder, WhatAThingIsNowMayDifferFromWhatItWas) {
     ShellId const id = shell.Parse(temp.Write("x"));
     EXPECT_FALSE(shell.IdentityOf(id).has_value()); // no folder
     std::filesystem::remove(temp / "x");
@@ -251,10 +228,8 @@ TEST(LocalFolder, WhatAThingIsNowMayDifferFromWhatItWas) {
     EXPECT_EQ(shell.IdentityOf(id), shell.IdentityOf(shell.Parse(temp / "x")));
 }
 
-TEST(LocalFolder, TimesBeyondWhatNanosecondsHoldAreUnknown) {
-    test::TempFolder const temp;
+TEST_F(LocalFolder, TimesBeyondWhatNanosecondsHoldAreUnknown) {
     DString const path = temp.Write("future");
-    LinuxShellNamespace const shell;
     SetModified(path, {8'999'999'999, 999'999'999}); // as late as it goes, in 2255
     EXPECT_EQ(shell.Times(shell.Parse(path))->modified, 8'999'999'999'999'999'999);
     SetModified(path, {10'000'000'000, 0});
@@ -265,10 +240,9 @@ TEST(LocalFolder, TimesBeyondWhatNanosecondsHoldAreUnknown) {
     EXPECT_EQ(shell.Times(shell.Parse(path))->modified, 1);
 }
 
-TEST(LocalFolder, TheVirtualPlacesHaveNamesAndNoPath) {
-    LinuxShellNamespace const shell;
+TEST_F(LocalFolder, TheVirtualPlacesHaveNamesAndNoPath) {
     std::vector<DString> names;
-    EXPECT_FALSE(shell.Enumerate(ShellId::Desktop(), ShellNamespace::Purpose::Browse, [&](ShellChild &&child) {
+    EXPECT_FALSE(Visit(ShellId::Desktop(), [&](ShellChild &&child) {
         names.push_back(child.name);
         EXPECT_EQ(shell.Path(child.id), "");
         EXPECT_EQ(shell.KindOf(child.id), ShellKind::Virtual);
@@ -281,7 +255,7 @@ TEST(LocalFolder, TheVirtualPlacesHaveNamesAndNoPath) {
     EXPECT_EQ(shell.DisplayName(ShellId()), "");
     EXPECT_EQ(shell.Path(ShellId()), "");
     EXPECT_FALSE(shell.KindOf(ShellId()).has_value());
-    EXPECT_TRUE(shell.Enumerate(ShellId(), ShellNamespace::Purpose::Browse, [](ShellChild &&) { return true; }));
+    EXPECT_TRUE(Visit(ShellId(), [](ShellChild &&) { return true; }));
 }
 
 } // namespace

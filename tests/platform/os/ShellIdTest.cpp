@@ -1,6 +1,6 @@
 #include "zelvar/platform/os/ShellId.h"
 
-#include <gtest/gtest.h>
+#include "support/Test.h"
 
 namespace zelvar::platform {
 namespace {

@@ -1,16 +1,12 @@
 #include "support/LoopbackSamba.h"
+#include "support/Test.h"
 #include "zelvar/platform/os/DesktopNetwork.h"
 #include "zelvar/platform/os/LinuxShellNamespace.h"
 #include "zelvar/platform/os/SmbAddress.h"
 #include "zelvar/platform/os/SmbClient.h"
 #include "zelvar/platform/os/TcpProbe.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <chrono>
 #include <filesystem>
-#include <map>
 #include <thread>
 
 #include <arpa/inet.h>
@@ -20,7 +16,6 @@
 namespace zelvar::platform {
 namespace {
 
-using testing::ElementsAre;
 using testing::Pair;
 
 TEST(SmbAddress, IsTakenApartAndPutTogether) {

@@ -1,22 +1,16 @@
 #include "zelvar/platform/os/SpecialFolders.h"
 
-#include "support/TestFiles.h"
+#include "support/Test.h"
 #include "zelvar/platform/os/LinuxShellNamespace.h"
-
-#include <gtest/gtest.h>
-
-#include <cstdlib>
 
 namespace zelvar::platform {
 namespace {
 
 /// Another home folder for one test.
-class OtherHome {
+class OtherHome : test::Pinned {
 public:
     OtherHome() : m_former(HomeFolder()) { setenv("HOME", m_folder.Path().c_str(), 1); }
     ~OtherHome() { setenv("HOME", m_former.c_str(), 1); }
-    OtherHome(OtherHome const &) = delete;
-    OtherHome &operator=(OtherHome const &) = delete;
     [[nodiscard]] test::TempFolder const &Folder() const { return m_folder; }
 
 private:

@@ -7,16 +7,10 @@
 #include <QtGui/QFont>
 #include <QtGui/QHelpEvent>
 #include <QtGui/QTextDocument>
-#include <QtWidgets/QApplication>
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QDialog>
-#include <QtWidgets/QLabel>
-#include <QtWidgets/QLineEdit>
 #include <QtWidgets/QListWidget>
-#include <QtWidgets/QPushButton>
 #include <QtWidgets/QToolTip>
-
-#include <gtest/gtest.h>
 
 namespace zelvar::platform {
 namespace {

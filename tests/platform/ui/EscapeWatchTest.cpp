@@ -5,12 +5,6 @@
 #include <QtCore/QTimer>
 #include <QtGui/QKeyEvent>
 #include <QtGui/QMouseEvent>
-#include <QtWidgets/QWidget>
-
-#include <gtest/gtest.h>
-
-#include <chrono>
-#include <vector>
 
 namespace zelvar::platform {
 namespace {

@@ -5,20 +5,12 @@
 #include "zelvar/platform/ui/WindowMessage.h"
 
 #include <QtGui/QScreen>
-#include <QtTest/QTest>
-#include <QtWidgets/QApplication>
 #include <QtWidgets/QDialog>
-#include <QtWidgets/QLineEdit>
 #include <QtWidgets/QMenu>
 #include <QtWidgets/QMessageBox>
-#include <QtWidgets/QPushButton>
 #include <QtWidgets/QVBoxLayout>
 
-#include <gtest/gtest.h>
-
 #include <thread>
-#include <utility>
-#include <vector>
 
 namespace zelvar::platform {
 namespace {

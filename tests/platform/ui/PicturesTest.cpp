@@ -1,7 +1,6 @@
 #include "zelvar/platform/ui/Pictures.h"
 
 #include "support/GuiTest.h"
-#include "support/TestFiles.h"
 #include "zelvar/platform/ui/SystemColor.h"
 #include "zelvar/platform/ui/Text.h"
 
@@ -9,9 +8,6 @@
 #include <QtGui/QGuiApplication>
 #include <QtGui/QPainter>
 #include <QtGui/QPalette>
-#include <QtWidgets/QLabel>
-
-#include <gtest/gtest.h>
 
 namespace zelvar::platform {
 namespace {

@@ -1,12 +1,7 @@
 #include "zelvar/platform/ui/ReportAccessible.h"
 
-#include "support/GuiTest.h"
 #include "support/ReportStage.h"
 #include "support/ScreenReader.h"
-
-#include <QtWidgets/QLineEdit>
-
-#include <gtest/gtest.h>
 
 namespace zelvar::platform {
 namespace {
@@ -15,8 +10,7 @@ using test::FillStored;
 using test::Stage;
 using test::TellingView;
 
-class Accessible : public testing::Test {
-protected:
+struct Accessible : testing::Test {
     Accessible() { FillStored(view, 50); }
     QAccessibleInterface &Table() {
         QAccessibleInterface *const table = QAccessible::queryAccessibleInterface(&view);

@@ -1,6 +1,5 @@
 #include "zelvar/platform/ui/ReportView.h"
 
-#include "support/GuiTest.h"
 #include "support/ReportStage.h"
 #include "zelvar/platform/ui/ControlId.h"
 
@@ -8,8 +7,6 @@
 #include <QtGui/QContextMenuEvent>
 #include <QtGui/QHelpEvent>
 #include <QtWidgets/QToolTip>
-
-#include <gtest/gtest.h>
 
 namespace zelvar::platform {
 namespace {
@@ -38,7 +35,7 @@ TEST(ReportView, TheMouseSelectsAsEverywhere) {
     TellingView view;
     FillStored(view, 10);
     Stage stage(view);
-    std::tuple<char const *, int, Qt::KeyboardModifiers, Qt::MouseButton, char const *> const steps[] = {
+    test::Rows<char const *, int, Qt::KeyboardModifiers, Qt::MouseButton, char const *> const steps = {
         {"a click selects one row", 2, {}, Qt::LeftButton, "2"},
         {"another click another one", 4, {}, Qt::LeftButton, "4"},
         {"Shift extends", 6, Qt::ShiftModifier, Qt::LeftButton, "4 5 6"},
@@ -71,7 +68,7 @@ TEST(ReportView, TheKeyboardReachesEverything) {
             text += " " + std::to_string(row);
         return text;
     };
-    std::tuple<Qt::Key, Qt::KeyboardModifiers, std::string, int> const steps[] = {
+    test::Rows<Qt::Key, Qt::KeyboardModifiers, std::string, int> const steps = {
         {Qt::Key_Down, {}, "0", 0},
         {Qt::Key_Down, {}, "1", 1},
         {Qt::Key_Down, Qt::ShiftModifier, "1 2", 2},
@@ -322,8 +319,7 @@ TEST(ReportView, ACellThatIsCutShowsItsTextAsATip) {
 }
 
 TEST(ReportView, CreateGivesStylePlaceAndId) {
-    class Owned : public ReportView {
-    public:
+    struct Owned : ReportView {
         void PreCreateWindow(unsigned &style, Rect &) override { style |= LVS_OWNERDATA; }
         int OnCreate() override { return GetStyle() == (LVS_OWNERDATA | LVS_SINGLESEL | LVS_REPORT) ? 0 : -1; }
     };

@@ -4,10 +4,6 @@
 
 #include <QtGui/QAction>
 #include <QtGui/QContextMenuEvent>
-#include <QtWidgets/QLineEdit>
-#include <QtWidgets/QScrollBar>
-
-#include <utility>
 
 namespace zelvar::platform {
 namespace {
@@ -132,7 +128,7 @@ TEST(TreeView, HitTestTellsThePartsOfAnItem) {
     tree.InsertItem("child", item);
     Rect const label = stage.Label(item);
     int const y = (label.top + label.bottom) / 2;
-    std::tuple<char const *, Point, unsigned, HTREEITEM> const cases[] = {
+    test::Rows<char const *, Point, unsigned, HTREEITEM> const cases = {
         {"label", {label.left + 2, y}, TVHT_ONITEMLABEL, item},
         {"last of the label", {label.right - 1, y}, TVHT_ONITEMLABEL, item},
         {"behind the label", {label.right, y}, TVHT_ONITEMRIGHT, item},

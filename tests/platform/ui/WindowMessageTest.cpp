@@ -3,13 +3,9 @@
 #include "support/GuiTest.h"
 #include "zelvar/platform/ui/MessageTarget.h"
 
-#include <QtCore/QCoreApplication>
 #include <QtCore/QObject>
 
-#include <gtest/gtest.h>
-
 #include <thread>
-#include <vector>
 
 namespace zelvar::platform {
 namespace {

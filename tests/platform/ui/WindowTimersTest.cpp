@@ -5,11 +5,6 @@
 #include <QtCore/QObject>
 #include <QtCore/QTimerEvent>
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <vector>
-
 namespace zelvar::platform {
 namespace {
 
