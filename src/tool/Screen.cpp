@@ -3,6 +3,7 @@
 #include "zelvar/platform/ui/UserMessages.h"
 
 #include <QtGui/QFontInfo>
+#include <QtWidgets/QAccessibleWidget>
 #include <QtWidgets/QApplication>
 
 #include <cstdio>
@@ -10,6 +11,22 @@
 namespace zelvar::tool {
 
 namespace {
+
+/// Where few fonts are installed the toolkit's first choice can be one of fixed pitch.
+void AvoidTypewriter() {
+    QFont font = QApplication::font();
+    if (!QFontInfo(font).fixedPitch())
+        return;
+    font.setFamilies({"Liberation Sans", "Arial", "Helvetica"});
+    QApplication::setFont(font);
+}
+
+/// A window that is of no special class is a window all the same; for the toolkit it is a mere area.
+QAccessibleInterface *MakeInterface(QString const &className, QObject *object) {
+    auto *const widget = className == QLatin1String("QWidget") ? qobject_cast<QWidget *>(object) : nullptr;
+    return widget != nullptr && widget->windowType() == Qt::Window ? new QAccessibleWidget(widget, QAccessible::Window)
+                                                                   : nullptr;
+}
 
 bool HasScreen() { return qEnvironmentVariableIsSet("DISPLAY") || qEnvironmentVariableIsSet("WAYLAND_DISPLAY"); }
 
@@ -25,12 +42,9 @@ bool ChoosePlatform() {
     return false;
 }
 
-void AvoidTypewriter() {
-    QFont font = QApplication::font();
-    if (!QFontInfo(font).fixedPitch())
-        return;
-    font.setFamilies({"Liberation Sans", "Arial", "Helvetica"});
-    QApplication::setFont(font);
+void PrepareWindows() {
+    QAccessible::installFactory(MakeInterface);
+    AvoidTypewriter();
 }
 
 void SpeakOnStderr() {

@@ -2,7 +2,6 @@
 
 #include "support/GuiTest.h"
 #include "support/ReportStage.h"
-#include "support/ScreenReader.h"
 
 #include <QtWidgets/QLineEdit>
 
@@ -98,22 +97,6 @@ TEST_F(Accessible, HeadingsAndAnOpenFieldStandBehindTheRows) {
     EXPECT_EQ(table.child(50)->child(0), QAccessible::queryAccessibleInterface(&field));
     field.hide();
     EXPECT_EQ(table.child(50), nullptr);
-}
-
-TEST_F(Accessible, TheFocusIsToldAsItMovesAndLastWhenItComes) {
-    Stage stage(view);
-    stage.Click(2);
-    std::ignore = Table(); // someone looks
-    QCoreApplication::processEvents();
-    test::ScreenReader const reader;
-    stage.Key(Qt::Key_Down);
-    EXPECT_EQ(reader.Take(), (std::vector<std::string>{"deselect row 2, 200 KB, image", "focus row 3, 300 KB, table",
-                                                       "select row 3, 300 KB, table"}));
-    view.clearFocus();
-    view.setFocus();
-    EXPECT_TRUE(reader.Take().empty()); // the toolkit's own report of the list goes first
-    QCoreApplication::processEvents();
-    EXPECT_EQ(reader.Take(), std::vector<std::string>{"focus row 3, 300 KB, table"});
 }
 
 TEST_F(Accessible, MillionsOfRowsCostNothingUntilAskedForAndThenOnlyTheLast) {
