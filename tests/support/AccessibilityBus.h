@@ -135,7 +135,7 @@ public:
     void DoubleClick(Node const &node) {
         std::array<int, 4> at{}; // left, top, width, height
         std::string const place = Ask(node, "org.a11y.atspi.Component", "GetExtents", g_variant_new("(u)", 0));
-        std::ignore = std::sscanf(place.c_str(), "(%d, %d, %d, %d", &at[0], &at[1], &at[2], &at[3]);
+        std::ignore = std::sscanf(place.c_str(), "(%d, %d, %d, %d", at.data(), &at[1], &at[2], &at[3]);
         Ask(kKeyboardAndMouse, "org.a11y.atspi.DeviceEventController", "GenerateMouseEvent",
             g_variant_new("(iis)", at[0] + at[2] / 2, at[1] + at[3] / 2, "b1d"));
     }
@@ -162,7 +162,7 @@ private:
 
     /// Takes over a text of the library.
     static std::string Taken(char *text) {
-        std::string const copy = text == nullptr ? "" : text;
+        std::string copy = text == nullptr ? "" : text;
         g_free(text);
         return copy;
     }
@@ -172,7 +172,7 @@ private:
         if (program == nullptr)
             return {};
         GDataInputStream *const output = g_data_input_stream_new(g_subprocess_get_stdout_pipe(program));
-        std::string const line = Taken(g_data_input_stream_read_line(output, nullptr, nullptr, nullptr));
+        std::string line = Taken(g_data_input_stream_read_line(output, nullptr, nullptr, nullptr));
         g_object_unref(output);
         return line;
     }
@@ -214,11 +214,11 @@ private:
         if (Words(node) == words)
             return node;
         for (Node const &child : Children(node))
-            if (Node const found = FindBelow(child, words); !found.second.empty())
+            if (Node found = FindBelow(child, words); !found.second.empty())
                 return found;
         return {};
     }
-    bool Await(std::function<bool()> const &condition) {
+    static bool Await(std::function<bool()> const &condition) {
         auto const end = std::chrono::steady_clock::now() + kLongest;
         // The condition is looked at after each event and, as not all of them are about events, now and then.
         unsigned const pulse = g_timeout_add(
