@@ -317,6 +317,35 @@ void ThematicAccessible::Leaving(TmtcListCtrl &list, ThematicElement &elmt) {
         Tell(own->Part(&elmt), QAccessible::ObjectDestroyed);
 }
 
+void ThematicAccessible::ItemChanged(TmtcListCtrl &list, ThematicItem &item, ThematicGroup::ItemChange change) {
+    using Change = ThematicGroup::ItemChange;
+    ThematicAccessible *const own = InterfaceOf(list);
+    if (own == nullptr)
+        return;
+    bool const hasFocus = list.GetFocusElmt() == &item;
+    bool const isSelected = list.GetSlctElmt() == &item;
+    if (change == Change::Leaving && isSelected)
+        SelectionChanged(list, &item, nullptr);
+    if (change != Change::Added)
+        Leaving(list, item);
+    if (change != Change::Leaving)
+        Added(list, item);
+    if (change == Change::Added && isSelected)
+        SelectionChanged(list, nullptr, &item); // it comes from another group
+    if (change == Change::Moved && hasFocus)
+        FocusMoved(list); // readers took it for gone
+    if (change != Change::Leaving || !hasFocus || std::exchange(own->m_isFocusDue, true))
+        return;
+    // Who takes it out may give the focus to another.
+    auto const tell = [&list] {
+        if (ThematicAccessible *const it = InterfaceOf(list))
+            it->m_isFocusDue = false;
+        if (list.GetFocusElmt() == nullptr)
+            FocusMoved(list);
+    };
+    QMetaObject::invokeMethod(&list, tell, Qt::QueuedConnection);
+}
+
 QAccessibleInterface *ThematicAccessible::Part(ThematicElement *elmt, unsigned piece) const {
     if (elmt == nullptr)
         return nullptr;

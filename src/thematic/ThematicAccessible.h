@@ -1,6 +1,6 @@
 #pragma once
 
-#include "zelvar/thematic/ThematicElement.h"
+#include "zelvar/thematic/ThematicGroup.h"
 
 #include <QtWidgets/QAccessibleWidget>
 
@@ -28,6 +28,7 @@ public:
     static void
     FocusEntered(TmtcListCtrl &list); ///< told behind what the toolkit tells, or nobody would hear the element
     static void Added(TmtcListCtrl &list, ThematicElement &elmt);
+    static void ItemChanged(TmtcListCtrl &list, ThematicItem &item, ThematicGroup::ItemChange change);
     static void Leaving(TmtcListCtrl &list, ThematicElement &elmt); ///< while it is still in its place
 
     [[nodiscard]] TmtcListCtrl &List() const { return m_list; }
@@ -51,6 +52,7 @@ private:
     void DropParts();
 
     TmtcListCtrl &m_list;
+    bool m_isFocusDue = false; ///< what has the focus is told as soon as events are handled
     mutable std::map<std::pair<ThematicElement *, unsigned>, Made> m_parts; ///< by element and piece
 };
 

@@ -75,6 +75,12 @@ void ThematicGroup::Insert(ThematicItem *item, int pos) {
         return;
     m_items.insert(m_items.begin() + std::clamp(pos, 0, GetNumItem()), item);
     item->SetGrp(this);
+    Tell(item, ItemChange::Added);
+}
+
+void ThematicGroup::Tell(ThematicItem *item, ItemChange change) const {
+    if (m_watch && item != nullptr)
+        m_watch(*item, change);
 }
 
 int ThematicGroup::IndexOf(ThematicItem const *item) const {
@@ -84,6 +90,7 @@ int ThematicGroup::IndexOf(ThematicItem const *item) const {
 
 void ThematicGroup::RmvItem(ThematicItem *item, bool del) {
     if (int const index = IndexOf(item); index >= 0) {
+        Tell(item, ItemChange::Leaving);
         m_items.erase(m_items.begin() + index);
         item->SetGrp(nullptr);
     }
@@ -97,6 +104,7 @@ bool ThematicGroup::MoveItem(ThematicItem *item, bool up) {
     if (index < 0 || other < 0 || other >= GetNumItem())
         return false;
     std::swap(m_items[static_cast<std::size_t>(index)], m_items[static_cast<std::size_t>(other)]);
+    Tell(item, ItemChange::Moved);
     return true;
 }
 
@@ -108,8 +116,12 @@ ThematicItem *ThematicGroup::FindRplcItem(ThematicItem const *item) const {
 void ThematicGroup::MoveChldr(ThematicGroup &other) {
     if (&other == this)
         return;
-    m_items.insert(m_items.end(), other.m_items.begin(), other.m_items.end());
-    other.m_items = {};
+    for (ThematicItem *const item : other.m_items)
+        other.Tell(item, ItemChange::Leaving);
+    std::vector<ThematicItem *> const moved = std::exchange(other.m_items, {});
+    m_items.insert(m_items.end(), moved.begin(), moved.end());
+    for (ThematicItem *const item : moved)
+        Tell(item, ItemChange::Added);
 }
 
 Rect ThematicGroup::StripRect() const {

@@ -2,6 +2,8 @@
 
 #include "zelvar/thematic/ThematicItem.h"
 
+#include <functional>
+
 namespace zelvar {
 
 /// Group of the thematic list: a coloured strip with a button that adds, and items beside it; while there are none, a
@@ -47,6 +49,10 @@ public:
     /// Takes over all items of another group. They go on naming that one as theirs.
     void MoveChldr(ThematicGroup &other);
 
+    enum class ItemChange { Added, Leaving, Moved };
+    /// Told of each item that has come, is about to go or has changed places; the list that holds the group sets it.
+    void WatchItems(std::function<void(ThematicItem &, ItemChange)> watch) { m_watch = std::move(watch); }
+
     [[nodiscard]] ThematicButton const &AddButton() const { return m_addButton; }
     [[nodiscard]] ThematicHyperlink const &Link() const { return m_hyperlink; }
     [[nodiscard]] std::vector<ThematicItem *> const &Items() const { return m_items; } ///< may hold null
@@ -63,6 +69,7 @@ public:
 private:
     [[nodiscard]] int IndexOf(ThematicItem const *item) const;
     void PlaceLink();
+    void Tell(ThematicItem *item, ItemChange change) const;
 
     ColorRef m_startColor;
     ColorRef m_endColor;
@@ -71,6 +78,7 @@ private:
     ThematicButton m_addButton;
     ThematicText m_text; ///< is not drawn
     ThematicHyperlink m_hyperlink;
+    std::function<void(ThematicItem &, ItemChange)> m_watch;
 };
 
 } // namespace zelvar

@@ -90,8 +90,6 @@ void TmtcListCtrl::OnRmvItem(Group *group, Item *item) {
     }
     if (item == GetSlctElmt())
         OnSlctChng(item, nullptr);
-    if (group->HasItem(item))
-        ThematicAccessible::Leaving(*this, *item);
     group->RmvItem(item, true);
     update();
 }
@@ -115,6 +113,9 @@ void TmtcListCtrl::AddPos(int pos, Elmt *elmt) {
     if (elmt == nullptr)
         return;
     m_elements.insert(m_elements.begin() + std::clamp(pos, 0, GetNumElmt()), elmt);
+    if (auto *const group = dynamic_cast<Group *>(elmt))
+        group->WatchItems(
+            [this](Item &item, Group::ItemChange change) { ThematicAccessible::ItemChanged(*this, item, change); });
     ThematicAccessible::Added(*this, *elmt);
     if (GetSlctElmt() == nullptr && IsItem(elmt)) {
         elmt->SetSelected(true);
@@ -147,6 +148,8 @@ TmtcListCtrl::Elmt *TmtcListCtrl::TakeOut(int index) {
     if (elmt == nullptr)
         return nullptr;
     ThematicAccessible::Leaving(*this, *elmt);
+    if (auto *const group = dynamic_cast<Group *>(elmt))
+        group->WatchItems({});
     m_elements.erase(m_elements.begin() + index);
     LetGoOf(elmt);
     update();

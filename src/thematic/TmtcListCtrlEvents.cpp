@@ -115,8 +115,6 @@ bool TmtcListCtrl::Perform(ThematicCommand command, Elmt *elmt) {
         if (added != nullptr && FindGroup(added) == nullptr &&
             std::find(m_elements.begin(), m_elements.end(), added) == m_elements.end())
             itsGroup->AddTail(added);
-        if (added != nullptr && FindGroup(added) != nullptr)
-            ThematicAccessible::Added(*this, *added);
         update();
         return added != nullptr;
     }

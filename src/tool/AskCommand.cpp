@@ -193,7 +193,7 @@ int RunAsk(std::vector<DString> const &words, int &argc, char **argv) {
 
     bool const attended = ChoosePlatform();
     QApplication const application(argc, argv);
-    SetUpLooks(*arguments);
+    PrepareWindows(*arguments);
     ZelvarInit();
     bool const wantsHelp = arguments->values.contains("--help-id") || arguments->values.contains("--help-file");
     if (wantsHelp && HasMessageBoxHelp()) // a button that leads nowhere is none

@@ -33,7 +33,7 @@ int RunGallery(std::vector<DString> const &words, int &argc, char **argv) {
     }
     bool const attended = ChoosePlatform();
     QApplication const application(argc, argv);
-    SetUpLooks(*arguments);
+    PrepareWindows(*arguments);
     ZelvarInit();
     gallery::Gallery window;
     if (arguments->values.contains("--page") && !window.ShowPage(arguments->Value("--page"))) {
@@ -44,6 +44,7 @@ int RunGallery(std::vector<DString> const &words, int &argc, char **argv) {
     }
     window.resize(size->width, size->height);
     window.show();
+    window.activateWindow(); // where no window manager gives it the keyboard
     bool written = true;
     if (!attended || arguments->values.contains("--shot"))
         QTimer::singleShot(0, &window, [&] {

@@ -78,7 +78,7 @@ int RunHistogram(std::vector<DString> const &words, int &argc, char **argv) {
     std::optional<QApplication> application;
     if (!printsOnly) {
         application.emplace(argc, argv);
-        SetUpLooks(*arguments);
+        PrepareWindows(*arguments);
     }
     ZelvarInit();
     DHstg histogram;

@@ -98,7 +98,7 @@ int RunRequest(CommandSpec const &spec, int mode, std::vector<DString> const &wo
 
     bool const attended = ChoosePlatform();
     QApplication const application(argc, argv);
-    SetUpLooks(*arguments);
+    PrepareWindows(*arguments);
     ZelvarInit();
     if (!attended || arguments->Has("--accept"))
         SpeakOnStderr();

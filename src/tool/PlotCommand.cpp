@@ -84,7 +84,7 @@ int RunPlot(std::vector<DString> const &words, int &argc, char **argv) {
 
     bool const attended = ChoosePlatform();
     QApplication const application(argc, argv);
-    SetUpLooks(*arguments);
+    PrepareWindows(*arguments);
     ZelvarInit();
     DString const file = PlaceOf(arguments->words.front());
     ADIFile table(DFile(file), "", tdFormatAccess_Read, nullptr, nullptr);

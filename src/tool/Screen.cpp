@@ -4,6 +4,7 @@
 
 #include <QtGui/QFontInfo>
 #include <QtGui/QIcon>
+#include <QtWidgets/QAccessibleWidget>
 #include <QtWidgets/QApplication>
 
 #include <cstdio>
@@ -21,6 +22,13 @@ void AvoidTypewriter() {
     QApplication::setFont(font);
 }
 
+/// A window that is of no special class is a window all the same; for the toolkit it is a mere area.
+QAccessibleInterface *MakeInterface(QString const &className, QObject *object) {
+    auto *const widget = className == QLatin1String("QWidget") ? qobject_cast<QWidget *>(object) : nullptr;
+    return widget != nullptr && widget->windowType() == Qt::Window ? new QAccessibleWidget(widget, QAccessible::Window)
+                                                                   : nullptr;
+}
+
 bool HasScreen() { return qEnvironmentVariableIsSet("DISPLAY") || qEnvironmentVariableIsSet("WAYLAND_DISPLAY"); }
 
 } // namespace
@@ -35,9 +43,10 @@ bool ChoosePlatform() {
     return false;
 }
 
-void SetUpLooks(Arguments const &arguments) {
+void PrepareWindows(Arguments const &arguments) {
     QGuiApplication::setDesktopFileName(QStringLiteral("org.example.Zelvar"));
     QGuiApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("org.example.Zelvar")));
+    QAccessible::installFactory(MakeInterface);
     AvoidTypewriter();
     if (arguments.Has("--right-to-left"))
         QApplication::setLayoutDirection(Qt::RightToLeft);

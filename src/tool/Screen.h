@@ -8,8 +8,9 @@ namespace zelvar::tool {
 /// no display. True if a person can work a dialog.
 bool ChoosePlatform();
 /// Sets what all windows have in common, once the application object is made: the name and picture that desktops know the
-/// command by, a readable font where few are installed, and the direction that `arguments` ask for.
-void SetUpLooks(Arguments const &arguments);
+/// command by, a readable font where few are installed, what screen readers take for a window, and the direction that
+/// `arguments` ask for.
+void PrepareWindows(Arguments const &arguments);
 /// Words to the user go to stderr, where nobody could close a box.
 void SpeakOnStderr();
 

@@ -289,7 +289,7 @@ int RunTable(std::vector<DString> const &words, int &argc, char **argv) {
     std::optional<QApplication> application;
     if (!printsOnly) {
         application.emplace(argc, argv);
-        SetUpLooks(*arguments);
+        PrepareWindows(*arguments);
         ZelvarInit();
     }
     DString const file = PlaceOf(arguments->words.front());

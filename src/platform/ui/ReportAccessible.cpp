@@ -27,7 +27,9 @@ WatchedViews &KnownViews() {
 }
 
 /// One row of a report view, or one cell of it; or the row of its headings, or one of them.
-class PartAccessible final : public QAccessibleInterface, public QAccessibleTableCellInterface {
+class PartAccessible final : public QAccessibleInterface,
+                             public QAccessibleTableCellInterface,
+                             public QAccessibleActionInterface {
 public:
     PartAccessible(ReportAccessible const &table, int row, int col) : m_table(table), m_row(row), m_col(col) {}
 
@@ -62,6 +64,8 @@ public:
         return hit.row == m_row ? child(hit.col) : nullptr;
     }
     [[nodiscard]] QString text(QAccessible::Text kind) const override {
+        if (kind == QAccessible::Description)
+            return SortText();
         if (kind != QAccessible::Name || !isValid())
             return {};
         auto const shown = [this](int col) {
@@ -118,6 +122,8 @@ public:
         return state;
     }
     void *interface_cast(QAccessible::InterfaceType type) override {
+        if (type == QAccessible::ActionInterface && CanBePressed())
+            return static_cast<QAccessibleActionInterface *>(this);
         bool const isCell = IsCell() && !IsHeading();
         return type == QAccessible::TableCellInterface && isCell ? static_cast<QAccessibleTableCellInterface *>(this)
                                                                  : nullptr;
@@ -135,7 +141,29 @@ public:
     [[nodiscard]] int rowExtent() const override { return 1; }
     [[nodiscard]] QAccessibleInterface *table() const override { return const_cast<ReportAccessible *>(&m_table); }
 
+    [[nodiscard]] QStringList actionNames() const override {
+        return CanBePressed() ? QStringList{pressAction()} : QStringList();
+    }
+    void doAction(QString const &name) override {
+        if (actionNames().contains(name))
+            Q_EMIT Header().sectionClicked(m_col);
+    }
+    [[nodiscard]] QStringList keyBindingsForAction(QString const &) const override { return {}; }
+
 private:
+    [[nodiscard]] QHeaderView &Header() const { return *m_table.View()->GetHeaderCtrl(); }
+    [[nodiscard]] bool IsColumnHeading() const { return IsHeading() && IsCell() && isValid(); }
+    [[nodiscard]] bool CanBePressed() const {
+        return IsColumnHeading() && Header().sectionsClickable() && m_table.View()->isEnabled();
+    }
+    /// What the arrow in a heading says.
+    [[nodiscard]] QString SortText() const {
+        if (!IsColumnHeading() || !Header().isSortIndicatorShown() || Header().sortIndicatorSection() != m_col)
+            return {};
+        return Header().sortIndicatorOrder() == Qt::AscendingOrder ? QStringLiteral("sorted ascending")
+                                                                   : QStringLiteral("sorted descending");
+    }
+
     ReportAccessible const &m_table; ///< not owned; outlives its parts
     int m_row;
     int m_col; ///< -1 for the row itself
@@ -203,6 +231,15 @@ void ReportAccessible::StateChanged(ReportView &view, int first, int last, unsig
            : selected    ? QAccessible::SelectionAdd
                          : QAccessible::SelectionRemove,
            first);
+}
+
+void ReportAccessible::SortMarkMoved(ReportView &view, int col) {
+    auto const known = KnownViews().find(&view);
+    QAccessibleInterface *const heading = known == KnownViews().end() ? nullptr : known->second->Part(kHeadings, col);
+    if (heading == nullptr)
+        return;
+    QAccessibleEvent event(heading, QAccessible::DescriptionChanged);
+    Announce(event);
 }
 
 void ReportAccessible::FocusEntered(ReportView &view) {

@@ -26,6 +26,7 @@ public:
     static void Forget(ReportView const &view); ///< the view begins to die
     static void RowsReset(ReportView &view);
     static void StateChanged(ReportView &view, int first, int last, unsigned oldState, unsigned newState);
+    static void SortMarkMoved(ReportView &view, int col);
     static void FocusEntered(ReportView &view); ///< told behind what the toolkit tells, or nobody would hear the row
 
     static constexpr int kHeadings = -2; ///< the row of headings

@@ -30,6 +30,8 @@ ReportView::ReportView(QWidget *parent) : ColumnArea(parent) {
     viewport()->setMouseTracking(true);
     viewport()->setAttribute(Qt::WA_OpaquePaintEvent);
     UpdateRowHeight();
+    connect(GetHeaderCtrl(), &QHeaderView::sortIndicatorChanged, this,
+            [this](int col) { ReportAccessible::SortMarkMoved(*this, col); });
 }
 
 ReportView::~ReportView() { ReportAccessible::Forget(*this); }
