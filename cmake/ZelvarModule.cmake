@@ -68,21 +68,32 @@ function(zelvar_module name)
   endif()
 endfunction()
 
-# The Qt headers that nearly every widget source reads, parsed once and reused by every target with the same options.
-function(zelvar_share_pch target)
-  if(NOT TARGET zelvar_pch)
-    file(CONFIGURE OUTPUT "${CMAKE_BINARY_DIR}/pch/Pch.cpp" CONTENT "// The owner of the shared precompiled header.\n")
-    add_library(zelvar_pch STATIC "${CMAKE_BINARY_DIR}/pch/Pch.cpp")
-    set_target_properties(zelvar_pch PROPERTIES POSITION_INDEPENDENT_CODE ON)
-    target_link_libraries(zelvar_pch PRIVATE Qt6::Core Qt6::Gui Qt6::Widgets zelvar_warnings)
-    target_compile_options(zelvar_pch PRIVATE -fpch-preprocess)
-    target_precompile_headers(zelvar_pch PRIVATE
-      <functional> <map> <memory> <optional> <string> <vector>
-      <QtCore/QEvent> <QtCore/QString> <QtCore/QTimer> <QtGui/QPainter> <QtGui/QMouseEvent>
-      <QtWidgets/QApplication> <QtWidgets/QDialog> <QtWidgets/QWidget> <QtWidgets/QAbstractScrollArea>)
-  endif()
+# A precompiled header, which targets with the same options read in place of parsing what is in it:
+# zelvar_pch(name LINK libraries... HEADERS <functional> ...)
+function(zelvar_pch name)
+  cmake_parse_arguments(ARG "" "" "LINK;OPTIONS;HEADERS" ${ARGN})
+  file(CONFIGURE OUTPUT "${CMAKE_BINARY_DIR}/pch/${name}.cpp" CONTENT "// The owner of a precompiled header.\n")
+  add_library(${name} STATIC "${CMAKE_BINARY_DIR}/pch/${name}.cpp")
+  set_target_properties(${name} PROPERTIES POSITION_INDEPENDENT_CODE ON)
+  target_link_libraries(${name} PRIVATE ${ARG_LINK} zelvar_warnings)
+  target_compile_options(${name} PRIVATE -fpch-preprocess ${ARG_OPTIONS})
+  target_precompile_headers(${name} PRIVATE ${ARG_HEADERS})
+endfunction()
+function(zelvar_use_pch target name)
   target_compile_options(${target} PRIVATE -fpch-preprocess)
-  target_precompile_headers(${target} REUSE_FROM zelvar_pch)
+  target_precompile_headers(${target} REUSE_FROM ${name})
+endfunction()
+
+# The Qt headers that nearly every widget source reads, parsed once.
+set(ZELVAR_WIDGET_HEADERS
+  <functional> <map> <memory> <optional> <string> <vector>
+  <QtCore/QEvent> <QtCore/QString> <QtCore/QTimer> <QtGui/QPainter> <QtGui/QMouseEvent>
+  <QtWidgets/QApplication> <QtWidgets/QDialog> <QtWidgets/QWidget> <QtWidgets/QAbstractScrollArea>)
+function(zelvar_share_pch target)
+  if(NOT TARGET zelvar_widgets_pch)
+    zelvar_pch(zelvar_widgets_pch LINK Qt6::Core Qt6::Gui Qt6::Widgets HEADERS ${ZELVAR_WIDGET_HEADERS})
+  endif()
+  zelvar_use_pch(${target} zelvar_widgets_pch)
 endfunction()
 
 # Every header compiles on its own, with nothing but the module's PUBLIC dependencies.
