@@ -91,7 +91,7 @@ TEST_F(ItemListingTest, ALinkToAFolderElsewhereIsFollowed) {
 }
 
 TEST_F(ItemListingTest, WhatCannotBeReadIsToldAndTheRestIsListed) {
-    m_drivers.Add("pages", "*.tif", [](auto &pages) {
+    m_drivers.AddAnyUrl("pages", "*.tif", [](auto &pages) {
         for (char const *page : {"p1", "p2"})
             pages.Add("root", page, BDINode_Raster, page);
         pages.Break("p1");

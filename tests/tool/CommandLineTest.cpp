@@ -43,7 +43,7 @@ TEST(CommandLine, ASizeIsTwoWholeNumbersWithinReason) {
 
 TEST(CommandTable, ABashCompletesWhatTheTableHolds) {
     test::TempFolder const folder;
-    test::WriteFile(folder / "zelvar.bash", BashCompletion());
+    folder.Write("zelvar.bash", BashCompletion());
     for (auto const &[words, offered] : std::initializer_list<std::pair<std::string, std::string>>{
              {"pl", "plot"}, {"open --for ra", "raster"}, {"ls --rec", "--recursive"}, {"ls fi", ""}}) {
         std::string const script = ". " + (folder / "zelvar.bash") + "; COMP_WORDS=(zelvar " + words +

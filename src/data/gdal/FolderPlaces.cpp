@@ -93,10 +93,13 @@ class Smb : public FolderPlace {
 public:
     [[nodiscard]] bool List(DString const &folder, std::vector<FolderEntry> &entries) const override {
         auto const address = platform::ParseSmbAddress(folder);
-        return address && platform::SmbClient::Instance().List(*address, [&](platform::SmbEntry &&entry) {
+        if (!address)
+            return false;
+        std::error_code const error = platform::SmbClient::Instance().List(*address, [&](platform::SmbEntry &&entry) {
             entries.push_back({std::move(entry.name), entry.kind != platform::ShellKind::File});
             return true;
         });
+        return !error;
     }
     [[nodiscard]] DString PathOf(DString const &folder, FolderEntry const &entry) const override {
         return folder + "/" + platform::EscapedSmbPart(entry.name);

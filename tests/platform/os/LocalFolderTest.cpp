@@ -22,8 +22,8 @@ void SetModified(DString const &path, timespec time) {
 }
 
 struct LocalFolder : testing::Test {
-    bool Visit(ShellId const &folder, std::function<bool(ShellChild &&)> const &visit,
-               ShellNamespace::FileTest const &wanted = {}) const {
+    std::error_code Visit(ShellId const &folder, std::function<bool(ShellChild &&)> const &visit,
+                          ShellNamespace::FileTest const &wanted = {}) const {
         return shell.Enumerate(folder, ShellNamespace::Purpose::Browse, visit, wanted);
     }
     /// Name and kind of the children; nothing if the folder cannot be read.
