@@ -1,6 +1,7 @@
 #include "zelvar/controls/HyperLink.h"
 
 #include "zelvar/platform/ui/ModalLoop.h"
+#include "zelvar/platform/ui/PaletteColors.h"
 #include "zelvar/platform/ui/Reading.h"
 #include "zelvar/platform/ui/SystemColor.h"
 #include "zelvar/platform/ui/Text.h"
@@ -135,7 +136,9 @@ void HyperLink::paintEvent(QPaintEvent *) {
     QStylePainter painter(this);
     QColor const link = m_color.value_or(palette().color(QPalette::Link));
     QColor const visited = m_visitedColor.value_or(palette().color(QPalette::LinkVisited));
-    painter.setPen(isEnabled() ? (m_visited ? visited : link) : palette().color(QPalette::WindowText));
+    QColor const ground = palette().color(QPalette::Window);
+    painter.setPen(isEnabled() ? platform::ThemedInk(m_visited ? visited : link, ground)
+                               : palette().color(QPalette::WindowText));
     QFont font = painter.font();
     font.setUnderline(isEnabled() && (underMouse() || hasFocus()));
     painter.setFont(font);

@@ -363,6 +363,15 @@ TEST(HyperLink, OpensPagesMailAndFilesOnly) {
     EXPECT_EQ(play.opened.count(), 11);
 }
 
+TEST(HyperLink, AVisitedLinkIsReadOnADarkDesktop) {
+    test::DarkPalette const dark;
+    HyperLink link;
+    link.SetWindowText("WWW");
+    link.SetVisited(true);
+    link.resize(link.sizeHint());
+    EXPECT_GE(test::StrongestContrast(link.grab().toImage(), link.rect()), 4.5);
+}
+
 TEST(HyperLink, AnApplicationMayAllowMore) {
     class Shares : public HyperLink {
     protected:
