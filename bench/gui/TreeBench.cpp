@@ -2,7 +2,7 @@
 #include "Harness.h"
 #include "zelvar/lists/CTreeCtrlItr.h"
 #include "zelvar/lists/CZelTreeCtrl.h"
-#include "zelvar/platform/ui/TreeModel.h"
+#include "zelvar/views/TreeModel.h"
 
 #include <QtGui/QStandardItemModel>
 #include <QtWidgets/QApplication>

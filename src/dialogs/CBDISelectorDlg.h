@@ -4,8 +4,8 @@
 #include "zelvar/controls/CZelImageList.h"
 #include "zelvar/data/BDIDrvr.h"
 #include "zelvar/layout/cdxCDynamicDialog.h"
-#include "zelvar/platform/ui/TreeTypes.h"
 #include "zelvar/platform/ui/WindowMessage.h"
+#include "zelvar/views/TreeTypes.h"
 
 #include <memory>
 #include <unordered_map>

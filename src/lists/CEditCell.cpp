@@ -2,8 +2,8 @@
 
 #include "zelvar/lists/CListCtrlFlex.h"
 #include "zelvar/platform/ui/ControlId.h"
-#include "zelvar/platform/ui/ReportPainter.h"
 #include "zelvar/platform/ui/Text.h"
+#include "zelvar/views/ReportPainter.h"
 
 #include <QtCore/QPointer>
 #include <QtGui/QKeyEvent>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "zelvar/platform/ui/ReportView.h"
+#include "zelvar/views/ReportView.h"
 
 namespace zelvar {
 

@@ -5,8 +5,8 @@
 #include "zelvar/platform/ui/ControlId.h"
 #include "zelvar/platform/ui/PaletteColors.h"
 #include "zelvar/platform/ui/Pictures.h"
-#include "zelvar/platform/ui/ReportPainter.h"
 #include "zelvar/platform/ui/SystemColor.h"
+#include "zelvar/views/ReportPainter.h"
 
 #include <QtCore/QEvent>
 #include <QtGui/QPainter>

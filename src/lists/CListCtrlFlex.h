@@ -6,7 +6,7 @@
 #include "zelvar/lists/RowPalette.h"
 #include "zelvar/lists/core/FlexColumns.h"
 #include "zelvar/lists/core/LastSort.h"
-#include "zelvar/platform/ui/ReportView.h"
+#include "zelvar/views/ReportView.h"
 
 #include <QtCore/QPointer>
 

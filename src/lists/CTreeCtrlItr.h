@@ -1,6 +1,6 @@
 #pragma once
 
-#include "zelvar/platform/ui/TreeView.h"
+#include "zelvar/views/TreeView.h"
 
 namespace zelvar {
 

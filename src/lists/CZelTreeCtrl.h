@@ -1,7 +1,7 @@
 #pragma once
 
 #include "zelvar/controls/CZelImageList.h"
-#include "zelvar/platform/ui/TreeView.h"
+#include "zelvar/views/TreeView.h"
 
 namespace zelvar {
 

@@ -3,9 +3,9 @@
 #include "zelvar/base/Export.h"
 #include "zelvar/model/DataSourceCollector.h"
 #include "zelvar/model/DataSourceItem.h"
-#include "zelvar/platform/ui/ReportView.h"
 #include "zelvar/platform/ui/WindowMessage.h"
 #include "zelvar/platform/ui/WindowTimers.h"
+#include "zelvar/views/ReportView.h"
 
 #include <QtCore/QPointer>
 

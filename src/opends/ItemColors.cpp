@@ -2,8 +2,8 @@
 
 #include "zelvar/model/DataSourceItem.h"
 #include "zelvar/platform/ui/PaletteColors.h"
-#include "zelvar/platform/ui/ReportPainter.h"
 #include "zelvar/platform/ui/SystemColor.h"
+#include "zelvar/views/ReportPainter.h"
 
 namespace zelvar {
 

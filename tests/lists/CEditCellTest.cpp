@@ -4,7 +4,7 @@
 #include "support/ReportStage.h"
 #include "zelvar/lists/CListCtrlFlex.h"
 #include "zelvar/platform/ui/ControlId.h"
-#include "zelvar/platform/ui/ReportPainter.h"
+#include "zelvar/views/ReportPainter.h"
 
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QVBoxLayout>

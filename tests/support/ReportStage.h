@@ -2,7 +2,7 @@
 
 #include "support/GuiTest.h"
 #include "zelvar/base/ImageList.h"
-#include "zelvar/platform/ui/ReportView.h"
+#include "zelvar/views/ReportView.h"
 
 #include <QtWidgets/QHeaderView>
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "support/GuiTest.h"
-#include "zelvar/platform/ui/ReportPainter.h"
-#include "zelvar/platform/ui/TreeView.h"
+#include "zelvar/views/ReportPainter.h"
+#include "zelvar/views/TreeView.h"
 
 namespace zelvar::test {
 

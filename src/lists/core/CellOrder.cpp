@@ -2,7 +2,7 @@
 
 #include "zelvar/base/DString.h"
 #include "zelvar/lists/core/CellNumber.h"
-#include "zelvar/lists/core/MergeSort.h"
+#include "zelvar/views/core/MergeSort.h"
 
 #include <algorithm>
 #include <bit>

@@ -1,7 +1,7 @@
 #include "zelvar/platform/ui/Reading.h"
 
-#include "zelvar/platform/ui/ReportPainter.h"
-#include "zelvar/platform/ui/ReportTypes.h"
+#include "zelvar/views/ReportPainter.h"
+#include "zelvar/views/ReportTypes.h"
 
 #include <QtGui/QImage>
 #include <QtGui/QPainter>

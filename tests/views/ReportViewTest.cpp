@@ -1,0 +1,351 @@
+#include "zelvar/views/ReportView.h"
+
+#include "support/ReportStage.h"
+#include "zelvar/platform/ui/ControlId.h"
+
+#include <QtCore/QEvent>
+#include <QtGui/QContextMenuEvent>
+#include <QtGui/QHelpEvent>
+#include <QtWidgets/QToolTip>
+
+namespace zelvar::platform {
+namespace {
+
+using test::FillStored;
+using test::Stage;
+using test::TellingView;
+
+class VirtualView : public TellingView {
+public:
+    explicit VirtualView(int rows) {
+        ModifyStyle(0, LVS_OWNERDATA);
+        InsertColumn(0, "Name", LVCFMT_LEFT, 200);
+        SetItemCountEx(rows);
+    }
+    mutable int asked = 0;
+
+protected:
+    void OnGetDispInfo(DispInfo &info) const override {
+        ++asked;
+        std::snprintf(info.pszText, static_cast<std::size_t>(info.cchTextMax), "virtual %d", info.iItem);
+    }
+};
+
+TEST(ReportView, TheMouseSelectsAsEverywhere) {
+    TellingView view;
+    FillStored(view, 10);
+    Stage stage(view);
+    test::Rows<char const *, int, Qt::KeyboardModifiers, Qt::MouseButton, char const *> const steps = {
+        {"a click selects one row", 2, {}, Qt::LeftButton, "2"},
+        {"another click another one", 4, {}, Qt::LeftButton, "4"},
+        {"Shift extends", 6, Qt::ShiftModifier, Qt::LeftButton, "4 5 6"},
+        {"Shift goes from the same row to the other side", 3, Qt::ShiftModifier, Qt::LeftButton, "3 4"},
+        {"Ctrl adds", 8, Qt::ControlModifier, Qt::LeftButton, "3 4 8"},
+        {"Ctrl takes away", 4, Qt::ControlModifier, Qt::LeftButton, "3 8"},
+        {"Ctrl and Shift add a range", 6, Qt::ControlModifier | Qt::ShiftModifier, Qt::LeftButton, "3 4 5 6 8"},
+        {"a right click on the selection keeps it", 5, {}, Qt::RightButton, "3 4 5 6 8"},
+        {"a right click elsewhere selects", 0, {}, Qt::RightButton, "0"},
+    };
+    for (auto const &[name, row, modifiers, button, selected] : steps) {
+        stage.Click(row, modifiers, button);
+        EXPECT_EQ(stage.Selected(), selected) << name;
+        EXPECT_EQ(view.GetFocusRow(), row) << name;
+    }
+    QTest::mouseClick(view.viewport(), Qt::LeftButton, {}, QPoint(20, view.viewport()->height() - 2));
+    EXPECT_EQ(stage.Selected(), "0") << "a click below the rows leaves the selection";
+    QTest::mouseClick(view.viewport(), Qt::LeftButton, {}, QPoint(350, stage.Middle(3).y()));
+    EXPECT_EQ(stage.Selected(), "0") << "and so does one beside the columns";
+}
+
+TEST(ReportView, TheKeyboardReachesEverything) {
+    TellingView view;
+    FillStored(view, 100);
+    Stage stage(view);
+    int const page = view.GetCountPerPage() - 1;
+    auto const upTo = [](int first, int last) {
+        std::string text = std::to_string(first);
+        for (int row = first + 1; row <= last; ++row)
+            text += " " + std::to_string(row);
+        return text;
+    };
+    test::Rows<Qt::Key, Qt::KeyboardModifiers, std::string, int> const steps = {
+        {Qt::Key_Down, {}, "0", 0},
+        {Qt::Key_Down, {}, "1", 1},
+        {Qt::Key_Down, Qt::ShiftModifier, "1 2", 2},
+        {Qt::Key_Down, Qt::ControlModifier, "1 2", 3},
+        {Qt::Key_Space, Qt::ControlModifier, "1 2 3", 3},
+        {Qt::Key_Space, Qt::ControlModifier, "1 2", 3},
+        {Qt::Key_Space, {}, "3", 3},
+        {Qt::Key_Home, Qt::ShiftModifier, "0 1 2 3", 0},
+        {Qt::Key_Up, {}, "0", 0},
+        {Qt::Key_PageDown, {}, std::to_string(page), page},
+        {Qt::Key_PageUp, Qt::ShiftModifier, upTo(0, page), 0},
+        {Qt::Key_End, {}, "99", 99},
+        {Qt::Key_PageDown, {}, "99", 99},
+        {Qt::Key_A, Qt::ControlModifier, upTo(0, 99), 99},
+        {Qt::Key_Home, {}, "0", 0},
+    };
+    for (auto const &[key, modifiers, selected, focus] : steps) {
+        stage.Key(key, modifiers);
+        EXPECT_EQ(stage.Selected(), selected) << key;
+        EXPECT_EQ(view.GetFocusRow(), focus) << key;
+        Rect const row = view.GetItemRect(focus);
+        EXPECT_EQ(row.Intersected(view.GetClientRect()).Height(), row.Height()) << "the focus is wholly seen";
+    }
+}
+
+TEST(ReportView, WithSingleSelectionNoKeyAndNoClickSelectsTwo) {
+    TellingView view;
+    view.ModifyStyle(0, LVS_SINGLESEL);
+    FillStored(view, 10);
+    Stage stage(view);
+    stage.Click(2);
+    stage.Click(5, Qt::ShiftModifier);
+    EXPECT_EQ(stage.Selected(), "5");
+    stage.Click(6, Qt::ControlModifier);
+    EXPECT_EQ(stage.Selected(), "6");
+    stage.Key(Qt::Key_A, Qt::ControlModifier);
+    stage.Key(Qt::Key_Down, Qt::ShiftModifier);
+    EXPECT_EQ(stage.Selected(), "7");
+}
+
+TEST(ReportView, ReturnEscapeAndTabAreLeftToTheDialog) {
+    TellingView view;
+    FillStored(view, 3);
+    for (Qt::Key const key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Escape, Qt::Key_F5}) {
+        QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier);
+        QApplication::sendEvent(&view, &event);
+        EXPECT_FALSE(event.isAccepted()) << key;
+    }
+}
+
+TEST(ReportView, TypingGoesToTheNextRowThatBeginsSo) {
+    TellingView view;
+    view.InsertColumn(0, "Name", LVCFMT_LEFT, 150);
+    for (char const *name : {"alpha", "Beta", "beach", "gamma"})
+        view.InsertItem({.row = 100, .text = name});
+    Stage stage(view);
+    QTest::keyClicks(&view, QStringLiteral("b"));
+    EXPECT_EQ(stage.Selected(), "1");
+    QTest::keyClicks(&view, QStringLiteral("ea"));
+    EXPECT_EQ(stage.Selected(), "2"); // "bea"
+}
+
+TEST(ReportView, ClicksAreToldInOrder) {
+    TellingView view;
+    FillStored(view, 5);
+    Stage stage(view);
+    stage.Click(1);
+    EXPECT_EQ(view.Take(), "row 1=3, click 1");
+    QTest::mouseDClick(view.viewport(), Qt::LeftButton, {}, stage.Middle(1));
+    EXPECT_EQ(view.Take(), "double 1");
+    stage.Click(3, {}, Qt::RightButton);
+    EXPECT_EQ(view.Take(), "row 1=0, row 3=3, right 3");
+    stage.ClickHeading(2);
+    EXPECT_EQ(view.Take(), "heading 2");
+    std::string heard;
+    QObject::connect(&view, &ReportView::ContextMenu, [&heard](QPoint) { heard = "menu"; });
+    QContextMenuEvent menu(QContextMenuEvent::Keyboard, QPoint(), QPoint());
+    QApplication::sendEvent(view.viewport(), &menu);
+    EXPECT_EQ(heard, "menu");
+}
+
+TEST(ReportView, AVirtualListAsksOnlyForWhatIsSeen) {
+    VirtualView view(10'000'000);
+    Stage stage(view);
+    view.asked = 0;
+    view.grab();
+    EXPECT_GT(view.asked, 0);
+    EXPECT_LT(view.asked, 3 * (view.GetCountPerPage() + 2));
+    stage.Key(Qt::Key_End);
+    EXPECT_EQ(view.GetFocusRow(), 9'999'999);
+    EXPECT_EQ(view.GetItemText(9'999'999, 0), "virtual 9999999");
+    view.Take();
+    stage.Key(Qt::Key_Home, Qt::ShiftModifier);
+    EXPECT_EQ(view.Take(), "row 9999999=2, row 0=3, rows 1-9999998=2"); // one word for ten million rows
+    EXPECT_EQ(view.GetSelectedCount(), 10'000'000);
+    view.SetItemCountEx(3, LVSICF_NOINVALIDATEALL | LVSICF_NOSCROLL);
+    EXPECT_EQ(stage.Selected(), "0 1 2");
+    EXPECT_EQ(view.InsertItem({.row = 0, .text = "x"}), -1);
+}
+
+TEST(ReportView, ScrollingKeepsWholeRowsOnTop) {
+    VirtualView view(1000);
+    Stage stage(view);
+    view.EnsureVisible(500);
+    EXPECT_EQ(view.GetItemRect(500).bottom, view.GetCountPerPage() * view.RowHeight());
+    view.EnsureVisible(100);
+    EXPECT_EQ(view.GetTopIndex(), 100);
+    EXPECT_EQ(view.GetItemRect(100).top, 0);
+    view.SetItemCountEx(1500, LVSICF_NOINVALIDATEALL | LVSICF_NOSCROLL);
+    EXPECT_EQ(view.GetTopIndex(), 100);
+    EXPECT_EQ(view.verticalScrollBar()->maximum(), 1500 - view.GetCountPerPage());
+}
+
+TEST(ReportView, GroupsStandInTheirOrderAndTheKeyboardFollowsTheEye) {
+    TellingView view;
+    view.EnableGroupView(true);
+    view.InsertGroup("Drives", 1);
+    view.InsertGroup("Empty", 2);
+    view.InsertGroup("Favorites", 4);
+    view.InsertColumn(0, "", LVCFMT_LEFT, 200);
+    for (auto const &[text, group] : {std::pair{"home", 4}, {"C:", 1}, {"work", 4}, {"D:", 1}})
+        view.InsertItem({.row = 100, .text = text, .group = group});
+    Stage stage(view);
+    int const header = view.Geometry().GroupHeaderHeight();
+    for (auto const &[row, headers, rows] : {std::tuple{1, 1, 0}, {3, 1, 1}, {0, 2, 2}, {2, 2, 3}})
+        EXPECT_EQ(view.GetItemRect(row).top, headers * header + rows * view.RowHeight());
+    stage.Click(3);
+    stage.Key(Qt::Key_Down);
+    EXPECT_EQ(stage.Selected(), "0");
+    stage.Click(1, Qt::ShiftModifier);
+    EXPECT_EQ(stage.Selected(), "0 1 3");
+    QTest::mouseClick(view.viewport(), Qt::LeftButton, {}, QPoint(20, header / 2));
+    EXPECT_EQ(stage.Selected(), "0 1 3") << "a group's header is no row";
+    test::Shot(view, QStringLiteral("report-groups"));
+    view.DeleteItem(1);
+    view.DeleteItem(2);
+    EXPECT_EQ(view.GetItemRect(0).top, header) << "a group without rows shows no header";
+}
+
+TEST(ReportView, StoredTextsFollowTheirColumns) {
+    TellingView view;
+    FillStored(view, 2);
+    EXPECT_EQ(view.DeleteColumn(1), 1);
+    EXPECT_EQ(view.GetItemText(1, 1), "table");
+    view.InsertColumn(1, "New", LVCFMT_LEFT, 50);
+    EXPECT_EQ(view.GetItemText(1, 1), "");
+    EXPECT_EQ(view.GetItemText(1, 2), "table");
+    ReportColumn column;
+    ASSERT_TRUE(view.GetColumn(2, column));
+    EXPECT_EQ(column.subItem, 2);
+    EXPECT_EQ(view.DeleteColumn(3), 0);
+    EXPECT_FALSE(view.SetItemText(0, 3, "beyond"));
+}
+
+TEST(ReportView, ColumnsMayBeReorderedAndFitTheirContent) {
+    TellingView view;
+    FillStored(view, 3);
+    Stage stage(view);
+    ASSERT_TRUE(view.SetColumnOrderArray({2, 0, 1}));
+    EXPECT_FALSE(view.SetColumnOrderArray({2, 2, 1}));
+    EXPECT_EQ(view.GetColumnOrderArray(), (std::vector<int>{2, 0, 1}));
+    view.SetItemText(1, 0, "the widest of all these names");
+    view.SetColumnWidth(0, LVSCW_AUTOSIZE);
+    int const width = view.GetColumnWidth(0);
+    EXPECT_GE(width, view.fontMetrics().horizontalAdvance(QStringLiteral("the widest of all these names")));
+    EXPECT_LT(width, 250);
+    view.SetColumnWidth(1, LVSCW_AUTOSIZE_USEHEADER);
+    EXPECT_EQ(view.ColumnsWidth(), view.viewport()->width()) << "the last column takes the rest";
+    EXPECT_EQ(view.horizontalScrollBar()->maximum(), 0);
+}
+
+TEST(ReportView, CellsStandBelowTheirHeadingsFromEitherSide) {
+    TellingView view;
+    ImageList images;
+    images.Add({.name = "no-such-icon", .fallback = "folder"});
+    view.SetImageList(&images);
+    FillStored(view, 3);
+    Stage stage(view);
+    view.SetColumnOrderArray({2, 0, 1});
+    auto const agree = [&] {
+        for (int col = 0; col < view.GetColumnCount(); ++col) {
+            int const left = view.GetHeaderCtrl()->sectionViewportPosition(col);
+            int const right = left + view.GetColumnWidth(col);
+            Rect const icon = view.GetSubItemRect(1, col, LVIR_ICON);
+            Rect const label = view.GetSubItemRect(1, col, LVIR_LABEL);
+            EXPECT_EQ(view.ColumnLeft(col), left);
+            EXPECT_EQ(std::minmax({icon.left, icon.right, label.left, label.right}), std::pair(left, right));
+            EXPECT_EQ(view.isRightToLeft() ? icon.left : icon.right, view.isRightToLeft() ? label.right : label.left);
+            for (int const x : {left, right - 1})
+                EXPECT_TRUE(x < 0 || x >= view.viewport()->width() || view.SubItemHitTest({x, 5}).col == col) << x;
+        }
+    };
+    for (Qt::LayoutDirection const direction : {Qt::LeftToRight, Qt::RightToLeft, Qt::LeftToRight}) {
+        SCOPED_TRACE(direction);
+        view.setLayoutDirection(direction);
+        view.SetColumnWidth(1, 80);
+        agree();
+        view.SetColumnWidth(1, 500);
+        view.EnsureColumnVisible(1);
+        agree();
+        int const former = view.ColumnLeft(1);
+        stage.Key(Qt::Key_Left);
+        EXPECT_GT(view.ColumnLeft(1), former) << "the key shows what stands on the left";
+        stage.Key(Qt::Key_Right);
+        EXPECT_EQ(view.ColumnLeft(1), direction == Qt::LeftToRight ? 0 : view.viewport()->width() - 500);
+    }
+    view.setLayoutDirection(Qt::RightToLeft);
+    EXPECT_GT(view.viewport()->mapTo(&view, QPoint()).y(), 10);
+    view.ModifyStyle(0, LVS_NOCOLUMNHEADER);
+    EXPECT_LT(view.viewport()->mapTo(&view, QPoint()).y(), 4) << "without a header the rows begin at the top";
+    view.SetColumnWidth(1, 20);
+    view.resize(300, 300);
+    EXPECT_EQ(view.SubItemHitTest({view.ColumnLeft(0) + 1, 5}).col, 0) << "the header that is hidden was not resized";
+}
+
+int CompareWords(long long first, long long second, long long) { return first < second ? 1 : 0; }
+
+TEST(ReportView, SortingTakesStatesAlong) {
+    TellingView view;
+    FillStored(view, 5);
+    Stage stage(view);
+    stage.Click(1);
+    view.Take();
+    EXPECT_TRUE(view.SortItems(CompareWords, 0));
+    EXPECT_EQ(view.GetItemText(0, 0), "row 4");
+    EXPECT_EQ(stage.Selected(), "3");
+    EXPECT_EQ(view.GetFocusRow(), 3);
+    EXPECT_EQ(view.Take(), "") << "nobody selected anything";
+}
+
+TEST(ReportView, ACellThatIsCutShowsItsTextAsATip) {
+    TellingView view;
+    FillStored(view, 2);
+    view.SetItemText(1, 1, "123456789012345678901234567890");
+    Stage stage(view);
+    auto const tipAt = [&](int row, int col) {
+        QPoint const at = stage.Middle(row, col);
+        QHelpEvent help(QEvent::ToolTip, at, view.viewport()->mapToGlobal(at));
+        QApplication::sendEvent(view.viewport(), &help);
+        return QToolTip::isVisible() ? QToolTip::text() : QString();
+    };
+    EXPECT_EQ(tipAt(1, 1), QString()); // not asked for
+    view.SetExtendedStyle(LVS_EX_LABELTIP);
+    EXPECT_EQ(tipAt(1, 1), QStringLiteral("123456789012345678901234567890"));
+    QToolTip::hideText();
+    EXPECT_TRUE(test::Eventually([] { return !QToolTip::isVisible(); }));
+    EXPECT_EQ(tipAt(0, 1), QString());
+}
+
+TEST(ReportView, CreateGivesStylePlaceAndId) {
+    struct Owned : ReportView {
+        void PreCreateWindow(unsigned &style, Rect &) override { style |= LVS_OWNERDATA; }
+        int OnCreate() override { return GetStyle() == (LVS_OWNERDATA | LVS_SINGLESEL | LVS_REPORT) ? 0 : -1; }
+    };
+    QWidget parent;
+    auto *const view = new Owned;
+    EXPECT_EQ(view->Create(LVS_SINGLESEL, {5, 6, 105, 206}, &parent, 77), 1);
+    EXPECT_EQ(GetDlgItem(parent, 77), view);
+    EXPECT_EQ(view->geometry(), QRect(5, 6, 100, 200));
+}
+
+TEST(ReportView, TheSelectionIsMarkedWithoutTheFocusOnlyWhereWanted) {
+    TellingView view;
+    FillStored(view, 3);
+    Stage stage(view);
+    stage.Click(1);
+    QColor const highlight = view.palette().color(QPalette::Highlight);
+    auto const marked = [&] {
+        Rect const row = view.GetItemRect(1);
+        return test::ColorAt(*view.viewport(), {row.right - 3, row.top + 3}) == highlight;
+    };
+    EXPECT_TRUE(marked());
+    view.clearFocus();
+    EXPECT_FALSE(marked());
+    view.ModifyStyle(0, LVS_SHOWSELALWAYS);
+    EXPECT_TRUE(marked());
+}
+
+} // namespace
+} // namespace zelvar::platform

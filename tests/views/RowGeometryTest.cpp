@@ -1,0 +1,68 @@
+#include "zelvar/views/core/RowGeometry.h"
+
+#include <gtest/gtest.h>
+
+namespace zelvar {
+namespace {
+
+// Rows 0 to 4 in the groups 2, 0, 2, none, 0; group 1 has none. As seen, with rows of 10 and headers of 20:
+//   0 row 3 | 10 header 0 | 30 row 1 | 40 row 4 | 50 header 2 | 70 row 0 | 80 row 2 | 90
+RowGeometry Grouped() {
+    RowGeometry geometry;
+    geometry.SetRowHeight(10);
+    geometry.SetGroupHeaderHeight(20);
+    geometry.SetGroupedRows({2, 0, 2, -1, 0}, 3);
+    return geometry;
+}
+
+TEST(RowGeometry, RowsStandBelowTheHeadersOfTheirGroups) {
+    RowGeometry const geometry = Grouped();
+    std::int64_t const tops[] = {70, 30, 80, 0, 40};
+    for (int row = 0; row < 5; ++row)
+        EXPECT_EQ(geometry.RowTop(row), tops[row]) << "row " << row;
+    EXPECT_EQ(geometry.ContentHeight(), 90);
+    ASSERT_EQ(geometry.Spans().size(), 3U);
+    EXPECT_EQ(geometry.Spans()[1].group, 0);
+    EXPECT_EQ(geometry.Spans()[1].headerTop, 10);
+    EXPECT_EQ(geometry.Spans()[2].group, 2);
+}
+
+TEST(RowGeometry, APointMeetsARowAHeaderOrNothing) {
+    RowGeometry const geometry = Grouped();
+    struct Case {
+        std::int64_t y;
+        std::optional<int> row;
+    };
+    Case const cases[] = {{-1, {}}, {0, 3},   {9, 3},   {10, {}}, {29, {}}, {30, 1}, {39, 1},
+                          {40, 4},  {50, {}}, {69, {}}, {70, 0},  {80, 2},  {89, 2}, {90, {}}};
+    for (Case const &c : cases)
+        EXPECT_EQ(geometry.RowAt(c.y), c.row) << "y " << c.y;
+}
+
+TEST(RowGeometry, PositionsCountAsSeen) {
+    RowGeometry const geometry = Grouped();
+    int const rows[] = {3, 1, 4, 0, 2};
+    for (int position = 0; position < 5; ++position) {
+        EXPECT_EQ(geometry.RowAtPosition(position), rows[position]);
+        EXPECT_EQ(geometry.PositionOfRow(rows[position]), position);
+    }
+    EXPECT_EQ(geometry.FirstPositionBelow(15), 1); // on a header: the row behind it
+    EXPECT_EQ(geometry.FirstPositionBelow(39), 1);
+    EXPECT_EQ(geometry.FirstPositionBelow(45), 2);
+    EXPECT_EQ(geometry.FirstPositionBelow(90), 5);
+}
+
+TEST(RowGeometry, MillionsOfRowsAreArithmetic) {
+    RowGeometry geometry;
+    geometry.SetRowHeight(24);
+    geometry.SetRows(200'000'000); // beyond 2^32 pixels
+    EXPECT_EQ(geometry.ContentHeight(), 4'800'000'000);
+    EXPECT_EQ(geometry.RowAt(4'799'999'999), 199'999'999);
+    EXPECT_EQ(geometry.RowAt(4'800'000'000), std::nullopt);
+    geometry.SetGroupedRows({}, 6);
+    EXPECT_EQ(geometry.ContentHeight() + geometry.FirstPositionBelow(0), 0);
+    EXPECT_EQ(geometry.RowAt(0), std::nullopt);
+}
+
+} // namespace
+} // namespace zelvar

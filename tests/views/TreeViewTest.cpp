@@ -1,0 +1,275 @@
+#include "zelvar/views/TreeView.h"
+
+#include "support/TreeStage.h"
+
+#include <QtGui/QAction>
+#include <QtGui/QContextMenuEvent>
+
+namespace zelvar::platform {
+namespace {
+
+using test::TreeStage;
+
+/// A view that writes down what it is told.
+class TellingTree : public TreeView {
+public:
+    TellingTree() {
+        connect(this, &TreeView::ItemExpanding, this, [this](TreeExpanding *expanding) {
+            Tell((expanding->action == TVE_EXPAND ? "expanding " : "collapsing ") + expanding->item->text);
+            expanding->veto = veto;
+            if (fill && expanding->item->FirstChild() == nullptr)
+                InsertItem("filled", expanding->item);
+        });
+        connect(this, &TreeView::SelChanged, this, [this](TreeNode *former, TreeNode *now) {
+            Tell((former == nullptr ? "-" : former->text) + ">" + (now == nullptr ? "-" : now->text));
+        });
+    }
+    std::string Take() { return std::exchange(m_told, {}); }
+    void Tell(std::string const &what) { m_told += (m_told.empty() ? "" : ", ") + what; }
+    bool veto = false;
+    bool fill = false;
+
+protected:
+    void OnDeleteItem(HTREEITEM item) override { Tell("-" + item->text); }
+    bool OnRclick(Point point) override {
+        TreeNode *const item = HitTest(point);
+        Tell("menu " + (item == nullptr ? DString("-") : item->text));
+        return true;
+    }
+
+private:
+    std::string m_told;
+};
+
+struct Family {
+    explicit Family(TreeView &tree)
+        : parent(tree.InsertItem("parent")), first(tree.InsertItem("first", parent)),
+          second(tree.InsertItem("second", parent)), other(tree.InsertItem("other")) {}
+    HTREEITEM parent;
+    HTREEITEM first;
+    HTREEITEM second;
+    HTREEITEM other;
+};
+
+TEST(TreeView, ItemsGoWhereTheyAreTold) {
+    TreeView tree;
+    Family const family(tree);
+    TreeNode *const head = tree.InsertItem("head", family.parent, TVI_FIRST);
+    TreeNode *const middle = tree.InsertItem("middle", family.parent, family.first);
+    TreeNode *const late = tree.InsertItem("gamma", family.other);
+    TreeNode *const sorted = tree.InsertItem("Beta", family.other, TVI_SORT);
+    TreeNode *const strange = tree.InsertItem("strange", family.parent, family.other); // no sibling: at the end
+    EXPECT_EQ(tree.GetChildItem(family.parent), head);
+    EXPECT_EQ(tree.GetNextSiblingItem(family.first), middle);
+    EXPECT_EQ(tree.GetPrevSiblingItem(strange), family.second);
+    EXPECT_EQ(tree.GetNextSiblingItem(sorted), late);
+    EXPECT_EQ(tree.GetChildItem(TVI_ROOT), family.parent);
+    EXPECT_EQ(tree.GetParentItem(family.parent), nullptr);
+    EXPECT_EQ(tree.GetCount(), 9U);
+    tree.SortChildren(family.parent);
+    EXPECT_EQ(tree.GetItemText(tree.GetChildItem(family.parent)), "first");
+    EXPECT_EQ(tree.GetNextItem(nullptr, 77), nullptr);
+}
+
+TEST(TreeView, AnItemMarkedAsParentShowsItsExpanderAndIsFilledWhenItIsExpanded) {
+    TellingTree tree;
+    TreeStage stage(tree);
+    TreeNode *const item = tree.InsertItem("lazy");
+    EXPECT_FALSE(tree.Expand(item, TVE_EXPAND));
+    tree.SetItemChildren(item, true);
+    stage.Click(stage.OnButton(item));
+    EXPECT_EQ(tree.Take(), "expanding lazy");
+    EXPECT_EQ(tree.GetItemState(item, TVIS_EXPANDED), 0U); // nobody filled it
+    tree.fill = true;
+    stage.Click(stage.OnButton(item));
+    EXPECT_EQ(tree.Take(), "expanding lazy");
+    EXPECT_EQ(tree.GetItemState(item, TVIS_EXPANDED | TVIS_EXPANDEDONCE), TVIS_EXPANDED | TVIS_EXPANDEDONCE);
+    EXPECT_EQ(stage.Label(tree.GetChildItem(item)).top, stage.Label(item).bottom);
+    tree.veto = true;
+    stage.Click(stage.OnButton(item));
+    EXPECT_EQ(tree.Take(), "collapsing lazy");
+    EXPECT_NE(tree.GetItemState(item, TVIS_EXPANDED), 0U);
+    test::Shot(tree, "tree-view-expanded");
+}
+
+TEST(TreeView, CollapsingOverTheSelectionSelectsTheCollapsedItemAndDeletingItItsNeighbour) {
+    TellingTree tree;
+    TreeStage const stage(tree);
+    Family const family(tree);
+    tree.SelectItem(family.second);
+    EXPECT_EQ(tree.Take(), "expanding parent, ->second");
+    tree.Expand(family.parent, TVE_COLLAPSE);
+    EXPECT_EQ(tree.Take(), "collapsing parent, second>parent");
+    tree.SelectItem(family.first);
+    tree.Take();
+    tree.DeleteItem(family.first);
+    EXPECT_EQ(tree.Take(), "-first, first>second");
+    tree.DeleteItem(family.second);
+    EXPECT_EQ(tree.Take(), "-second, second>parent");
+    EXPECT_EQ(tree.GetItemState(family.parent, TVIS_EXPANDED), 0U);
+    TreeNode *const again = tree.InsertItem("again", family.parent);
+    tree.SelectItem(again);
+    tree.Take();
+    tree.DeleteItem(family.parent); // with the selected one below it
+    EXPECT_EQ(tree.Take(), "-parent, -again, again>other");
+    tree.DeleteAllItems();
+    EXPECT_EQ(tree.Take(), "other>-, -other");
+    EXPECT_EQ(tree.GetCount(), 0U);
+    EXPECT_EQ(tree.GetSelectedItem(), nullptr);
+}
+
+TEST(TreeView, HitTestTellsThePartsOfAnItem) {
+    TreeView tree;
+    ImageList images;
+    images.Add({.name = "folder", .fallback = "folder"});
+    tree.SetImageList(&images, TVSIL_NORMAL);
+    TreeStage const stage(tree);
+    TreeNode *const item = tree.InsertItem("item", 0, 0);
+    tree.InsertItem("child", item);
+    Rect const label = stage.Label(item);
+    int const y = (label.top + label.bottom) / 2;
+    test::Rows<char const *, Point, unsigned, HTREEITEM> const cases = {
+        {"label", {label.left + 2, y}, TVHT_ONITEMLABEL, item},
+        {"last of the label", {label.right - 1, y}, TVHT_ONITEMLABEL, item},
+        {"behind the label", {label.right, y}, TVHT_ONITEMRIGHT, item},
+        {"icon", {label.left - 8, y}, TVHT_ONITEMICON, item},
+        {"expander", {5, y}, TVHT_ONITEMBUTTON, item},
+        {"below the items", {30, tree.viewport()->height() - 1}, TVHT_NOWHERE, nullptr},
+        {"above", {30, -1}, TVHT_ABOVE, nullptr},
+        {"below", {30, tree.viewport()->height()}, TVHT_BELOW, nullptr},
+        {"left", {-1, y}, TVHT_TOLEFT, nullptr},
+        {"right and above", {tree.viewport()->width(), -3}, TVHT_TORIGHT | TVHT_ABOVE, nullptr},
+    };
+    for (Qt::LayoutDirection const direction : {Qt::LeftToRight, Qt::RightToLeft}) {
+        tree.setLayoutDirection(direction);
+        for (auto const &[name, point, expected, hit] : cases) {
+            unsigned flags = 0;
+            int const width = tree.viewport()->width();
+            bool const turned = direction == Qt::RightToLeft && point.x >= 0 && point.x < width;
+            Point const at{turned ? width - 1 - point.x : point.x, point.y};
+            EXPECT_EQ(tree.HitTest(at, &flags), hit) << name;
+            EXPECT_EQ(flags, expected) << name << turned;
+        }
+    }
+}
+
+TEST(TreeView, TheKeyboardReachesEverything) {
+    TellingTree tree;
+    TreeStage stage(tree);
+    Family const family(tree);
+    tree.InsertItem("deep", family.second);
+    tree.SelectItem(family.parent);
+    struct Step {
+        int key;
+        char const *selected;
+        bool parentExpanded, mirrored = false;
+    };
+    Step const steps[] = {
+        {Qt::Key_Right, "parent", true},       {Qt::Key_Right, "first", true},
+        {Qt::Key_Down, "second", true},        {Qt::Key_Left, "parent", true},
+        {Qt::Key_Left, "parent", false},       {Qt::Key_Plus, "parent", true},
+        {Qt::Key_Minus, "parent", false},      {Qt::Key_Asterisk, "parent", true},
+        {Qt::Key_End, "other", true},          {Qt::Key_Up, "deep", true},
+        {Qt::Key_Home, "parent", true},        {Qt::Key_PageDown, "other", true},
+        {Qt::Key_PageUp, "parent", true},      {Qt::Key_Right, "parent", false, true},
+        {Qt::Key_Left, "parent", true, true},  {Qt::Key_Left, "first", true, true},
+        {Qt::Key_Right, "parent", true, true},
+    };
+    for (Step const &step : steps) {
+        tree.setLayoutDirection(step.mirrored ? Qt::RightToLeft : Qt::LeftToRight);
+        stage.Key(step.key);
+        SCOPED_TRACE(QKeySequence(step.key).toString().toStdString());
+        EXPECT_EQ(tree.GetItemText(tree.GetSelectedItem()), step.selected);
+        EXPECT_EQ(tree.GetItemState(family.parent, TVIS_EXPANDED) != 0, step.parentExpanded);
+    }
+    QAction shortcut;
+    shortcut.setShortcut(Qt::Key_S);
+    QObject::connect(&shortcut, &QAction::triggered, [&tree] { tree.Tell("the window's shortcut"); });
+    tree.addAction(&shortcut);
+    tree.Take();
+    stage.Type("se");
+    EXPECT_EQ(tree.Take(), "parent>second");
+    QContextMenuEvent menu(QContextMenuEvent::Keyboard, QPoint(1, 1), tree.mapToGlobal(QPoint(1, 1)));
+    QApplication::sendEvent(tree.viewport(), &menu);
+    stage.Key(Qt::Key_F10, Qt::ShiftModifier);
+    EXPECT_EQ(tree.Take(), "menu second, menu second");
+}
+
+TEST(TreeView, AnEditedLabelIsTakenOverOnlyIfSomebodySaysSo) {
+    TreeView tree;
+    TreeStage stage(tree);
+    tree.ModifyStyle(0, TVS_EDITLABELS);
+    TreeNode *const item = tree.InsertItem("old");
+    tree.SelectItem(item);
+    int asked = 0;
+    bool take = false;
+    QObject::connect(&tree, &TreeView::EndLabelEdit, [&](NMTVDISPINFO *info, long long *result) {
+        asked += info->item.pszText == nullptr ? 100 : 1;
+        *result = take ? 1 : 0;
+    });
+    auto const edit = [&](int endKey) {
+        stage.Key(Qt::Key_F2);
+        QLineEdit *const line = tree.GetEditControl();
+        ASSERT_NE(line, nullptr);
+        test::Shot(tree, "tree-view-label-edit");
+        QTest::keyClicks(line, "new");
+        QTest::keyClick(line, static_cast<Qt::Key>(endKey));
+        EXPECT_EQ(tree.GetEditControl(), nullptr);
+    };
+    edit(Qt::Key_Return);
+    EXPECT_EQ(tree.GetItemText(item), "old");
+    take = true;
+    edit(Qt::Key_Escape);
+    EXPECT_EQ(tree.GetItemText(item), "old");
+    EXPECT_EQ(asked, 101);
+    edit(Qt::Key_Return);
+    EXPECT_EQ(tree.GetItemText(item), "new");
+    EXPECT_TRUE(tree.hasFocus());
+    EXPECT_TRUE(tree.isVisible());
+}
+
+TEST(TreeView, AnEditEndsWithItsItemAndWithTheTree) {
+    auto tree = std::make_unique<TreeView>();
+    TreeStage const stage(*tree);
+    Family const family(*tree);
+    ASSERT_NE(tree->EditLabel(family.first), nullptr);
+    tree->DeleteItem(family.parent);
+    EXPECT_EQ(tree->GetEditControl(), nullptr);
+    EXPECT_EQ(tree->EditLabel(nullptr), nullptr);
+    ASSERT_NE(tree->EditLabel(family.other), nullptr);
+    tree.reset(); // must not crash
+}
+
+TEST(TreeView, TenThousandLevelsAreExpandedShownAndDeleted) {
+    TreeView tree;
+    TreeStage const stage(tree);
+    HTREEITEM item = tree.InsertItem("top");
+    for (int i = 1; i < 10'000; ++i) {
+        item = tree.InsertItem("level", item);
+        tree.SetItemState(tree.GetParentItem(item), TVIS_EXPANDED, TVIS_EXPANDED);
+    }
+    tree.SelectItem(item);
+    tree.grab();
+    EXPECT_EQ(tree.GetSelectedItem(), item);
+    tree.DeleteItem(tree.GetRootItem());
+    EXPECT_EQ(tree.GetCount(), 0U);
+}
+
+TEST(TreeView, TheWindowScrollsToTheItemThatIsToStandFirst) {
+    TreeView tree;
+    TreeStage const stage(tree);
+    for (int i = 0; i < 200; ++i)
+        tree.InsertItem("item " + std::to_string(i));
+    TreeNode *const first = tree.GetRootItem();
+    EXPECT_EQ(tree.GetFirstVisibleItem(), first);
+    TreeNode *const wanted = tree.GetNextVisibleItem(tree.GetNextVisibleItem(first));
+    tree.SelectSetFirstVisible(wanted);
+    EXPECT_EQ(tree.GetFirstVisibleItem(), wanted);
+    EXPECT_EQ(tree.GetPrevVisibleItem(tree.GetPrevVisibleItem(wanted)), first);
+    Rect rect;
+    EXPECT_TRUE(tree.GetItemRect(wanted, rect, false));
+    EXPECT_EQ(rect.top, 0);
+}
+
+} // namespace
+} // namespace zelvar::platform
