@@ -1,5 +1,5 @@
 #include "Harness.h"
-#include "zelvar/drawing/core/ScaleDataBuf.h"
+#include "zelvar/pixels/ScaleDataBuf.h"
 
 #include <algorithm>
 #include <cstdint>

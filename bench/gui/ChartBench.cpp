@@ -1,7 +1,7 @@
 #include "Harness.h"
-#include "zelvar/base/DHstg.h"
 #include "zelvar/charts/CHstgCtrl.h"
 #include "zelvar/charts/CPlotCtrl.h"
+#include "zelvar/pixels/DHstg.h"
 
 #include <QtGui/QImage>
 #include <QtGui/QPainter>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "zelvar/base/DHstg.h"
 #include "zelvar/charts/ChartCtrl.h"
 #include "zelvar/charts/core/HistogramGeometry.h"
+#include "zelvar/pixels/DHstg.h"
 
 namespace zelvar {
 

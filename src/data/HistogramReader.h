@@ -1,8 +1,8 @@
 #pragma once
 
-#include "zelvar/base/DHstg.h"
 #include "zelvar/data/IAttrData.h"
 #include "zelvar/data/RDIDriver.h"
+#include "zelvar/pixels/DHstg.h"
 
 #include <optional>
 #include <string_view>

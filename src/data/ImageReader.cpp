@@ -2,7 +2,7 @@
 
 #include "zelvar/data/OpenImage.h"
 #include "zelvar/data/RequestScope.h"
-#include "zelvar/drawing/core/ScaleDataBuf.h"
+#include "zelvar/pixels/ScaleDataBuf.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "zelvar/base/DCanvas.h"
 #include "zelvar/data/RDIDriver.h"
+#include "zelvar/pixels/DCanvas.h"
 
 namespace zelvar {
 

@@ -1,10 +1,10 @@
 #include "zelvar/drawing/DrawImgToDC.h"
 
-#include "zelvar/base/DCanvas.h"
 #include "zelvar/data/RDIDriverMngr.h"
 #include "zelvar/drawing/OffscreenSurface.h"
-#include "zelvar/drawing/core/ImageFit.h"
-#include "zelvar/drawing/core/ScaleDataBuf.h"
+#include "zelvar/pixels/DCanvas.h"
+#include "zelvar/pixels/ImageFit.h"
+#include "zelvar/pixels/ScaleDataBuf.h"
 
 #include <QtGui/QPainter>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "zelvar/base/DCanvas.h"
 #include "zelvar/base/Export.h"
+#include "zelvar/pixels/DCanvas.h"
 
 #include <QtGui/QImage>
 

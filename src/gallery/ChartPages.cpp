@@ -1,8 +1,8 @@
-#include "zelvar/base/DHstg.h"
 #include "zelvar/charts/CHstgCtrl.h"
 #include "zelvar/charts/CPlotCtrl.h"
 #include "zelvar/gallery/Gallery.h"
 #include "zelvar/gallery/PageForm.h"
+#include "zelvar/pixels/DHstg.h"
 
 #include <cmath>
 

@@ -2,10 +2,10 @@
 #include "zelvar/drawing/DrawTextBlock.h"
 #include "zelvar/drawing/OffscreenSurface.h"
 #include "zelvar/drawing/RoundRectGradient.h"
-#include "zelvar/drawing/core/ScaleDataBuf.h"
 #include "zelvar/gallery/Gallery.h"
 #include "zelvar/gallery/PageForm.h"
 #include "zelvar/opends/CImgPreviewStatic.h"
+#include "zelvar/pixels/ScaleDataBuf.h"
 #include "zelvar/platform/ui/PaletteColors.h"
 #include "zelvar/platform/ui/SystemColor.h"
 

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "zelvar/base/DCanvas.h"
 #include "zelvar/base/DString.h"
 #include "zelvar/data/ImageReader.h"
 #include "zelvar/data/RDIDriver.h"
 #include "zelvar/model/DLGTemplate.h"
+#include "zelvar/pixels/DCanvas.h"
 
 #include <map>
 #include <span>

@@ -1,7 +1,7 @@
 #include "zelvar/opends/ImagePreviewWnd.h"
 
-#include "zelvar/drawing/core/CubicResize.h"
 #include "zelvar/layout/cdxCDynamicDialog.h"
+#include "zelvar/pixels/CubicResize.h"
 #include "zelvar/platform/ui/PaletteColors.h"
 #include "zelvar/platform/ui/Reading.h"
 

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "zelvar/base/DCanvas.h"
 #include "zelvar/base/DThread.h"
 #include "zelvar/data/RDIDriver.h"
 #include "zelvar/model/DataSourceItem.h"
 #include "zelvar/model/ItemProperties.h"
+#include "zelvar/pixels/DCanvas.h"
 #include "zelvar/platform/ui/MessageTarget.h"
 
 #include <memory>

@@ -1,7 +1,6 @@
 #include "zelvar/drawing/core/TextBlockRule.h"
 
 #include "support/Test.h"
-#include "zelvar/drawing/core/ImageFit.h"
 
 namespace zelvar {
 namespace {
@@ -26,16 +25,6 @@ TEST(TextBlockRule, ASmallSignIsThinAndReadable) {
     EXPECT_EQ(SignFontFor(26, 700), (SignFont{13, 100}));
     EXPECT_EQ(SignFontFor(20, 700), (SignFont{13, 100}));
     EXPECT_EQ(SignFontFor(0, 700), (SignFont{13, 100}));
-}
-
-TEST(ImageFit, KeepsTheProportionsInsideThePlace) {
-    EXPECT_EQ(FitInto({200, 100}, {50, 300}), (Size{50, 25}));
-    EXPECT_EQ(FitInto({100, 200}, {300, 50}), (Size{25, 50}));
-    EXPECT_EQ(FitInto({100, 100}, {70, 70}), (Size{70, 70}));
-    EXPECT_EQ(FitInto({2, 1}, {5, 100}), (Size{5, 3})); // 2.5 goes away from zero
-    EXPECT_EQ(FitInto({0, 1}, {5, 5}), Size{});
-    EXPECT_EQ(FitInto({1, 1}, {5, 0}), Size{});
-    EXPECT_EQ(FitInto({100000, 1}, {50, 50}), (Size{50, 0}));
 }
 
 } // namespace

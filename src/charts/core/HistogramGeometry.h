@@ -1,7 +1,7 @@
 #pragma once
 
-#include "zelvar/base/DHstg.h"
 #include "zelvar/charts/core/PlotGeometry.h"
+#include "zelvar/pixels/DHstg.h"
 
 #include <optional>
 

@@ -1,6 +1,6 @@
 #include "zelvar/data/gdal/RasterReading.h"
 
-#include "zelvar/data/gdal/Resample.h"
+#include "zelvar/pixels/Resample.h"
 
 #include <gdal.h>
 

@@ -1,6 +1,6 @@
-#include "zelvar/drawing/core/ScaleDataBuf.h"
+#include "zelvar/pixels/ScaleDataBuf.h"
 
-#include "zelvar/drawing/core/ScaleKernels.h"
+#include "zelvar/pixels/ScaleKernels.h"
 
 #include <cmath>
 

@@ -1,9 +1,11 @@
 #pragma once
 
+#include "zelvar/base/Export.h"
+
 #include <cstddef>
 #include <vector>
 
-namespace zelvar::gdal {
+namespace zelvar {
 
 /// A rectangle of samples, rows packed, and the window in it that is to be brought to another size.
 template <class Sample>
@@ -27,4 +29,4 @@ enum class MixingKernel { Bilinear, Cubic };
 template <class Sample>
 void Resample(Plane<Sample> const &plane, MixingKernel kernel, double nodata, Sample *out, int outWidth, int outHeight);
 
-} // namespace zelvar::gdal
+} // namespace zelvar

@@ -1,4 +1,4 @@
-#include "zelvar/base/DHstg.h"
+#include "zelvar/pixels/DHstg.h"
 
 #include "support/Test.h"
 

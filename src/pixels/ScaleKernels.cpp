@@ -1,4 +1,4 @@
-#include "zelvar/drawing/core/ScaleKernels.h"
+#include "zelvar/pixels/ScaleKernels.h"
 
 #include <type_traits>
 

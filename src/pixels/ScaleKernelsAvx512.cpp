@@ -1,4 +1,4 @@
-#include "zelvar/drawing/core/ScaleKernels.h"
+#include "zelvar/pixels/ScaleKernels.h"
 
 #if defined(__x86_64__)
 

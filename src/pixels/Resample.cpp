@@ -1,4 +1,4 @@
-#include "zelvar/data/gdal/Resample.h"
+#include "zelvar/pixels/Resample.h"
 
 #include <algorithm>
 #include <cmath>
@@ -6,7 +6,7 @@
 #include <limits>
 #include <type_traits>
 
-namespace zelvar::gdal {
+namespace zelvar {
 
 namespace {
 
@@ -172,11 +172,11 @@ void Resample(Plane<Sample> const &plane, MixingKernel kernel, double nodata, Sa
         ResampleSome(plane, validity, columns, rows, out);
 }
 
-template void Resample(Plane<std::uint8_t> const &, MixingKernel, double, std::uint8_t *, int, int);
-template void Resample(Plane<std::uint16_t> const &, MixingKernel, double, std::uint16_t *, int, int);
-template void Resample(Plane<std::int16_t> const &, MixingKernel, double, std::int16_t *, int, int);
-template void Resample(Plane<std::uint32_t> const &, MixingKernel, double, std::uint32_t *, int, int);
-template void Resample(Plane<std::int32_t> const &, MixingKernel, double, std::int32_t *, int, int);
-template void Resample(Plane<float> const &, MixingKernel, double, float *, int, int);
+template ZELVAR_API void Resample(Plane<std::uint8_t> const &, MixingKernel, double, std::uint8_t *, int, int);
+template ZELVAR_API void Resample(Plane<std::uint16_t> const &, MixingKernel, double, std::uint16_t *, int, int);
+template ZELVAR_API void Resample(Plane<std::int16_t> const &, MixingKernel, double, std::int16_t *, int, int);
+template ZELVAR_API void Resample(Plane<std::uint32_t> const &, MixingKernel, double, std::uint32_t *, int, int);
+template ZELVAR_API void Resample(Plane<std::int32_t> const &, MixingKernel, double, std::int32_t *, int, int);
+template ZELVAR_API void Resample(Plane<float> const &, MixingKernel, double, float *, int, int);
 
-} // namespace zelvar::gdal
+} // namespace zelvar

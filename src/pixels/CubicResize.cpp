@@ -1,4 +1,4 @@
-#include "zelvar/drawing/core/CubicResize.h"
+#include "zelvar/pixels/CubicResize.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,7 +1,7 @@
-#include "zelvar/drawing/core/ScaleDataBuf.h"
+#include "zelvar/pixels/ScaleDataBuf.h"
 
 #include "support/Test.h"
-#include "zelvar/drawing/core/ScaleKernels.h"
+#include "zelvar/pixels/ScaleKernels.h"
 
 #include <random>
 

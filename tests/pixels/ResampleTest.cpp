@@ -1,10 +1,10 @@
-#include "zelvar/data/gdal/Resample.h"
+#include "zelvar/pixels/Resample.h"
 
 #include "support/Test.h"
 
 #include <cstdint>
 
-namespace zelvar::gdal {
+namespace zelvar {
 namespace {
 
 constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
@@ -79,4 +79,4 @@ TEST(Resample, AWindowIsReadWhereItStands) {
 }
 
 } // namespace
-} // namespace zelvar::gdal
+} // namespace zelvar
