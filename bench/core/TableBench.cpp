@@ -1,10 +1,10 @@
 // Rows of tables in this process, beside a loop over GDAL's own features.
 #include "Harness.h"
-#include "zelvar/data/ADIFile.h"
 #include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/data/DriverProvider.h"
 #include "zelvar/data/RDIDriverMngr.h"
 #include "zelvar/data/gdal/GdalDrivers.h"
+#include "zelvar/data/tables/ADIFile.h"
 
 #include <gdal.h>
 #include <ogr_api.h>

@@ -1,9 +1,9 @@
 // How soon the first page of a large file is on the screen, as an application has it: with readers.
 #include "Harness.h"
-#include "zelvar/data/ADIFile.h"
 #include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/data/RDIDriverMngr.h"
 #include "zelvar/data/reader/DriverModule.h"
+#include "zelvar/data/tables/ADIFile.h"
 #include "zelvar/lists/CADIListCtrl.h"
 
 #include <QtGui/QWindow>

@@ -1,10 +1,10 @@
 // Tables through readers: how soon a page is there, and how fast all of it.
 #include "Harness.h"
-#include "zelvar/data/ADIFile.h"
 #include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/data/DIOPluginMngr.h"
 #include "zelvar/data/RDIDriverMngr.h"
 #include "zelvar/data/reader/DriverModule.h"
+#include "zelvar/data/tables/ADIFile.h"
 
 #include <cstdlib>
 #include <fstream>

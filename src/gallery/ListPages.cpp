@@ -1,4 +1,4 @@
-#include "zelvar/data/ADIFile.h"
+#include "zelvar/data/tables/ADIFile.h"
 #include "zelvar/gallery/Gallery.h"
 #include "zelvar/gallery/PageForm.h"
 #include "zelvar/lists/CADIListCtrl.h"

@@ -1,4 +1,4 @@
-#include "zelvar/data/ADIFile.h"
+#include "zelvar/data/tables/ADIFile.h"
 #include "zelvar/lists/CZelListCtrl.h"
 #include "zelvar/lists/SaveTarget.h"
 

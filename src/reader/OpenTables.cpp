@@ -1,6 +1,6 @@
 #include "zelvar/reader/OpenTables.h"
 
-#include "zelvar/data/ADIDriverMngr.h"
+#include "zelvar/data/tables/ADIDriverMngr.h"
 
 namespace zelvar::reader {
 

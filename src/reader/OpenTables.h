@@ -1,6 +1,6 @@
 #pragma once
 
-#include "zelvar/data/ADIDriver.h"
+#include "zelvar/data/tables/ADIDriver.h"
 #include "zelvar/reader/RecentlyUsed.h"
 
 #include <Messages_generated.h>

@@ -1,11 +1,11 @@
 #include "zelvar/reader/RequestHandler.h"
 
-#include "zelvar/data/ADIDriverMngr.h"
 #include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/data/DIOPluginMngr.h"
 #include "zelvar/data/FormatPlugin.h"
 #include "zelvar/data/RDIDriverMngr.h"
 #include "zelvar/data/reader/NodeMessage.h"
+#include "zelvar/data/tables/ADIDriverMngr.h"
 #include "zelvar/data/wire/MessageChannel.h"
 #include "zelvar/reader/FileStamp.h"
 

@@ -1,6 +1,6 @@
 #include "zelvar/charts/CHstgCtrl.h"
-#include "zelvar/data/ADIFile.h"
 #include "zelvar/data/HistogramReader.h"
+#include "zelvar/data/tables/ADIFile.h"
 #include "zelvar/library/ZelvarInit.h"
 #include "zelvar/tool/ChartWindow.h"
 #include "zelvar/tool/CommandTable.h"

@@ -1,6 +1,6 @@
-#include "zelvar/data/ADIFile.h"
 #include "zelvar/data/BDIMoniker.h"
 #include "zelvar/data/reader/DriverModule.h"
+#include "zelvar/data/tables/ADIFile.h"
 #include "zelvar/model/ItemProperties.h"
 #include "zelvar/model/PlaceResolver.h"
 #include "zelvar/model/TemplDataSourceItem.h"

@@ -1,7 +1,7 @@
 #include "zelvar/charts/CPlotCtrl.h"
 #include "zelvar/charts/core/NiceTicks.h"
-#include "zelvar/data/ADIFile.h"
 #include "zelvar/data/HistogramReader.h"
+#include "zelvar/data/tables/ADIFile.h"
 #include "zelvar/library/ZelvarInit.h"
 #include "zelvar/tool/ChartWindow.h"
 #include "zelvar/tool/CommandTable.h"

@@ -3,7 +3,7 @@
 #include "support/ImageFiles.h"
 #include "support/RealDriversTest.h"
 #include "support/Test.h"
-#include "zelvar/data/ADIFile.h"
+#include "zelvar/data/tables/ADIFile.h"
 
 namespace zelvar {
 namespace {

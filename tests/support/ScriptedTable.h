@@ -1,6 +1,6 @@
 #pragma once
 
-#include "zelvar/data/ADIDriverMngr.h"
+#include "zelvar/data/tables/ADIDriverMngr.h"
 
 #include <map>
 #include <memory>

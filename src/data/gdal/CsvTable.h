@@ -1,9 +1,9 @@
 #pragma once
 
-#include "zelvar/data/gdal/CsvEncoding.h"
-#include "zelvar/data/gdal/CsvReader.h"
 #include "zelvar/data/gdal/OpenTable.h"
 #include "zelvar/data/gdal/Source.h"
+#include "zelvar/data/tables/CsvEncoding.h"
+#include "zelvar/data/tables/CsvReader.h"
 
 #include <memory>
 

@@ -1,6 +1,5 @@
 #include "zelvar/data/gdal/GdalDrivers.h"
 
-#include "zelvar/data/ADIDriverMngr.h"
 #include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/data/DIOPluginMngr.h"
 #include "zelvar/data/RDIDriverMngr.h"
@@ -9,6 +8,7 @@
 #include "zelvar/data/gdal/RasterDriver.h"
 #include "zelvar/data/gdal/TableDriver.h"
 #include "zelvar/data/gdal/ZipTree.h"
+#include "zelvar/data/tables/ADIDriverMngr.h"
 
 namespace zelvar {
 

@@ -2,7 +2,7 @@
 
 #include "zelvar/data/gdal/OpenTable.h"
 #include "zelvar/data/gdal/Source.h"
-#include "zelvar/data/gdal/TextRecoder.h"
+#include "zelvar/data/tables/TextRecoder.h"
 
 #include <memory>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "zelvar/data/gdal/GdalScope.h"
-#include "zelvar/data/gdal/TableTexts.h"
+#include "zelvar/data/tables/TableTexts.h"
 
 namespace zelvar::gdal {
 

@@ -1,8 +1,8 @@
 #include "zelvar/data/gdal/TableDriver.h"
 
-#include "zelvar/data/ADIDriverMngr.h"
 #include "zelvar/data/gdal/CsvTable.h"
 #include "zelvar/data/gdal/LayerTable.h"
+#include "zelvar/data/tables/ADIDriverMngr.h"
 
 #include <gdal.h>
 

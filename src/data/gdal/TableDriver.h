@@ -1,7 +1,7 @@
 #pragma once
 
-#include "zelvar/data/ADIDriver.h"
 #include "zelvar/data/gdal/Formats.h"
+#include "zelvar/data/tables/ADIDriver.h"
 
 namespace zelvar::gdal {
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "zelvar/data/ADIDriver.h"
 #include "zelvar/data/RDIDriver.h"
 #include "zelvar/data/reader/NodeMessage.h"
+#include "zelvar/data/tables/ADIDriver.h"
 
 #include <memory>
 #include <vector>

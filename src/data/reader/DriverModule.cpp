@@ -2,7 +2,6 @@
 
 #include "zelvar/base/PathStyle.h"
 #include "zelvar/base/Report.h"
-#include "zelvar/data/ADIDriverMngr.h"
 #include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/data/DIOPluginMngr.h"
 #include "zelvar/data/DriverProvider.h"
@@ -16,6 +15,7 @@
 #include "zelvar/data/reader/RemoteTableDriver.h"
 #include "zelvar/data/reader/RemoteTreeDriver.h"
 #include "zelvar/data/reader/TreeProbes.h"
+#include "zelvar/data/tables/ADIDriverMngr.h"
 
 #include <atomic>
 

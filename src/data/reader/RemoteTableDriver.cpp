@@ -1,8 +1,8 @@
 #include "zelvar/data/reader/RemoteTableDriver.h"
 
-#include "zelvar/data/ADIDriverMngr.h"
 #include "zelvar/data/reader/AnswerReading.h"
 #include "zelvar/data/reader/Readers.h"
+#include "zelvar/data/tables/ADIDriverMngr.h"
 
 #include <utility>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "zelvar/base/AtomicFile.h"
-#include "zelvar/data/TableWriter.h"
+#include "zelvar/data/tables/TableWriter.h"
 
 namespace zelvar {
 

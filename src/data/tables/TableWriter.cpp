@@ -1,7 +1,7 @@
-#include "zelvar/data/TableWriter.h"
+#include "zelvar/data/tables/TableWriter.h"
 
-#include "zelvar/data/CsvTableWriter.h"
-#include "zelvar/data/DbfTableWriter.h"
+#include "zelvar/data/tables/CsvTableWriter.h"
+#include "zelvar/data/tables/DbfTableWriter.h"
 
 #include <algorithm>
 #include <iterator>

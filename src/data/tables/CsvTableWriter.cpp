@@ -1,4 +1,4 @@
-#include "zelvar/data/CsvTableWriter.h"
+#include "zelvar/data/tables/CsvTableWriter.h"
 
 namespace zelvar {
 

@@ -1,10 +1,10 @@
-#include "zelvar/data/gdal/CsvEncoding.h"
+#include "zelvar/data/tables/CsvEncoding.h"
 
-#include "zelvar/data/gdal/TableTexts.h"
+#include "zelvar/data/tables/TableTexts.h"
 
 #include <algorithm>
 
-namespace zelvar::gdal {
+namespace zelvar {
 
 namespace {
 
@@ -67,4 +67,4 @@ void CsvEncoding::Append(DString &out, std::string_view text, std::size_t most) 
         AppendText(out, m_recoder->ToUtf8(DString(text.substr(0, most))), most);
 }
 
-} // namespace zelvar::gdal
+} // namespace zelvar

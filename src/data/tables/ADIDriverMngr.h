@@ -1,6 +1,6 @@
 #pragma once
 
-#include "zelvar/data/ADIDriver.h"
+#include "zelvar/data/tables/ADIDriver.h"
 
 #include <memory>
 #include <vector>

@@ -1,10 +1,10 @@
-#include "zelvar/data/gdal/TextRecoder.h"
+#include "zelvar/data/tables/TextRecoder.h"
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
 
-namespace zelvar::gdal {
+namespace zelvar {
 
 std::unique_ptr<TextRecoder> TextRecoder::Create(DString const &encoding) {
     iconv_t converter = iconv_open("UTF-8", encoding.c_str());
@@ -39,4 +39,4 @@ DString TextRecoder::ToUtf8(DString text) {
     return out;
 }
 
-} // namespace zelvar::gdal
+} // namespace zelvar

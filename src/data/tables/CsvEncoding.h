@@ -1,14 +1,14 @@
 #pragma once
 
-#include "zelvar/data/gdal/TextRecoder.h"
+#include "zelvar/data/tables/TextRecoder.h"
 
 #include <string_view>
 
-namespace zelvar::gdal {
+namespace zelvar {
 
 /// How the bytes of a file of comma-separated values become UTF-8. A file does not say what it is written in: one that
 /// is no UTF-8 is taken for windows-1252, which spreadsheets write. A few wrong bytes among many right ones are damage.
-class CsvEncoding {
+class ZELVAR_API CsvEncoding {
 public:
     static constexpr std::size_t kHead = std::size_t{256} << 10U; ///< bytes that are looked at
 
@@ -21,7 +21,7 @@ public:
 
     /// For the user; empty for UTF-8, and where it was not needed to guess.
     [[nodiscard]] DString const &Name() const { return m_name; }
-    /// As `gdal::AppendText`.
+    /// As `AppendText`.
     void Append(DString &out, std::string_view text, std::size_t most) const;
 
 private:
@@ -30,4 +30,4 @@ private:
     DString m_name;
 };
 
-} // namespace zelvar::gdal
+} // namespace zelvar

@@ -1,4 +1,4 @@
-#include "zelvar/data/DbfTableWriter.h"
+#include "zelvar/data/tables/DbfTableWriter.h"
 
 #include "zelvar/base/DFile.h"
 #include "zelvar/base/SystemTime.h"

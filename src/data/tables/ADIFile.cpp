@@ -1,7 +1,7 @@
-#include "zelvar/data/ADIFile.h"
+#include "zelvar/data/tables/ADIFile.h"
 
-#include "zelvar/data/ADIDriverMngr.h"
-#include "zelvar/data/TableWriter.h"
+#include "zelvar/data/tables/ADIDriverMngr.h"
+#include "zelvar/data/tables/TableWriter.h"
 
 #include <algorithm>
 #include <array>

@@ -6,11 +6,11 @@
 
 #include <iconv.h>
 
-namespace zelvar::gdal {
+namespace zelvar {
 
 /// Turns texts of one encoding into UTF-8. What is no text in it becomes the replacement character, a byte at a time:
 /// GDAL's own recoding leaves such bytes out.
-class TextRecoder {
+class ZELVAR_API TextRecoder {
 public:
     /// `encoding` as GDAL names it. Null for one that is not known.
     static std::unique_ptr<TextRecoder> Create(DString const &encoding);
@@ -27,4 +27,4 @@ private:
     bool m_keepsAscii; ///< a text of ASCII alone stays as it is
 };
 
-} // namespace zelvar::gdal
+} // namespace zelvar

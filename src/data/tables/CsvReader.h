@@ -6,7 +6,7 @@
 #include <functional>
 #include <vector>
 
-namespace zelvar::gdal {
+namespace zelvar {
 
 /// The fields of one record.
 struct CsvRecord {
@@ -22,7 +22,7 @@ struct CsvRecord {
 
 /// Takes comma-separated values apart, record by record: fields in quotes may hold separators, line ends and doubled
 /// quotes; lines end in LF, CR LF or CR; blank lines are no records. Understands UTF-16 by its mark.
-class CsvReader {
+class ZELVAR_API CsvReader {
 public:
     /// Reads up to `size` bytes at `offset`; 0 at the end.
     using Read = std::function<std::size_t(std::uint64_t offset, char *buffer, std::size_t size)>;
@@ -63,6 +63,6 @@ private:
 };
 
 /// The separator that the first line speaks for; a comma where there is none.
-[[nodiscard]] char GuessSeparator(std::string_view text);
+[[nodiscard]] ZELVAR_API char GuessSeparator(std::string_view text);
 
-} // namespace zelvar::gdal
+} // namespace zelvar

@@ -1,11 +1,11 @@
-#include "zelvar/data/gdal/TableTexts.h"
+#include "zelvar/data/tables/TableTexts.h"
 
 #include "zelvar/data/RequestScope.h"
 
 #include <algorithm>
 #include <charconv>
 
-namespace zelvar::gdal {
+namespace zelvar {
 
 bool StopPoll::IsStopped() {
     constexpr unsigned looksPerQuestion = 64; // which may be a long one
@@ -55,4 +55,4 @@ void TypeSuggestion::Look(std::size_t column, std::string_view text) {
         m_types[column] = std::max(m_types[column], SuggestedType(text));
 }
 
-} // namespace zelvar::gdal
+} // namespace zelvar

@@ -1,4 +1,4 @@
-#include "zelvar/data/ADIDriverMngr.h"
+#include "zelvar/data/tables/ADIDriverMngr.h"
 
 #include "zelvar/data/DriverTable.h"
 

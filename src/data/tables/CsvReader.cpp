@@ -1,10 +1,10 @@
-#include "zelvar/data/gdal/CsvReader.h"
+#include "zelvar/data/tables/CsvReader.h"
 
 #include <algorithm>
 #include <array>
 #include <utility>
 
-namespace zelvar::gdal {
+namespace zelvar {
 
 namespace {
 
@@ -180,4 +180,4 @@ char GuessSeparator(std::string_view text) {
     return candidates[static_cast<std::size_t>(std::max_element(counts.begin(), counts.end()) - counts.begin())];
 }
 
-} // namespace zelvar::gdal
+} // namespace zelvar
