@@ -34,7 +34,7 @@ void LayerTable::DestroyFeature::operator()(void *feature) const { OGR_F_Destroy
 std::unique_ptr<LayerTable> LayerTable::Open(Source const &source, Format const *only, StopSignal const *stop,
                                              DError *error) {
     GdalScope const scope(source.reach);
-    std::unique_ptr<LayerTable> table(new LayerTable(source.reach, stop));
+    std::unique_ptr<LayerTable> table(new LayerTable(stop));
     if (!table->OpenLayer(source, only, error))
         return nullptr;
     if (DString const encoding = table->StatedEncoding(source); !encoding.empty()) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "zelvar/data/gdal/OpenTable.h"
+#include "zelvar/data/tables/OpenTable.h"
 #include "zelvar/data/gdal/Source.h"
 #include "zelvar/data/tables/TextRecoder.h"
 
@@ -31,7 +31,7 @@ private:
         void operator()(void *feature) const;
     };
 
-    LayerTable(Reach reach, StopSignal const *stop) : OpenTable(reach, stop) {}
+    explicit LayerTable(StopSignal const *stop) : OpenTable(stop) {}
     [[nodiscard]] bool OpenLayer(Source const &source, Format const *only, DError *error);
     [[nodiscard]] DString StatedEncoding(Source const &source) const;
     [[nodiscard]] bool OpenUncoded(Source const &source);

@@ -1,19 +1,20 @@
 #pragma once
 
-#include "zelvar/data/gdal/OpenTable.h"
-#include "zelvar/data/gdal/Source.h"
 #include "zelvar/data/tables/CsvEncoding.h"
 #include "zelvar/data/tables/CsvReader.h"
+#include "zelvar/data/tables/OpenTable.h"
 
 #include <memory>
 
-namespace zelvar::gdal {
+namespace zelvar {
 
-struct CloseCsvFile {
-    void operator()(void *file) const;
+/// What is to be read as comma-separated values, wherever its bytes come from.
+struct CsvSource {
+    DString text;         ///< its name in messages
+    DString extension;    ///< of its name, without a dot
+    CsvReader::Read read; ///< reads its bytes; owns what it reads from. Called on the thread of the table's operations.
+    std::vector<std::pair<DString, DString>> options;
 };
-/// GDAL's handle.
-using CsvFile = std::unique_ptr<void, CloseCsvFile>;
 
 /// A file of comma-separated values as a table. GDAL's own reader of them knows no table of one column, no UTF-16 and
 /// no place but the next row.
@@ -24,11 +25,12 @@ using CsvFile = std::unique_ptr<void, CloseCsvFile>;
 /// options SEPARATOR (COMMA, SEMICOLON, TAB, PIPE, SPACE), HEADERS (YES, NO) and ENCODING say otherwise;
 /// TRANSPOSED=YES, or a name that ends in ".tcsv", makes lines columns. Places in the file are remembered every so many
 /// rows: a step back is short.
-class CsvTable : public OpenTable {
+class ZELVAR_API CsvTable : public OpenTable {
 public:
-    /// Null for a source that is no such file. `forced`: whatever its name is.
-    static std::unique_ptr<OpenTable> Open(Source const &source, bool forced, StopSignal const *stop, DError *error);
-    ~CsvTable() override;
+    /// Whether the extension is one of such files.
+    [[nodiscard]] static bool IsNameOne(std::string_view extension);
+    /// Null, with the reason in `*error` (may be null), for one that holds no text or is too large.
+    static std::unique_ptr<OpenTable> Open(CsvSource source, StopSignal const *stop, DError *error);
 
 protected:
     std::int64_t GoBack(std::int64_t row) override;
@@ -36,11 +38,10 @@ protected:
     [[nodiscard]] bool Append(ADIRows &rows) const override;
 
 private:
-    CsvTable(Reach reach, CsvFile file, StopSignal const *stop);
-    void Describe(Source const &source);
+    CsvTable(CsvReader::Read read, StopSignal const *stop);
+    void Describe(DString const &headers);
     [[nodiscard]] bool Read(CsvRecord &record);
 
-    CsvFile m_file;
     CsvReader m_reader;
     CsvEncoding m_encoding;
     CsvRecord m_record; ///< the one read last
@@ -51,7 +52,7 @@ private:
 /// The same with lines that are columns, their names first. All of it is kept in memory.
 class TransposedCsvTable : public OpenTable {
 public:
-    TransposedCsvTable(Reach reach, std::vector<CsvRecord> lines, CsvEncoding encoding, StopSignal const *stop);
+    TransposedCsvTable(std::vector<CsvRecord> lines, CsvEncoding encoding, StopSignal const *stop);
 
 protected:
     std::int64_t GoBack(std::int64_t row) override { return m_row = row; }
@@ -65,4 +66,4 @@ private:
     std::int64_t m_rows = 0; ///< in all
 };
 
-} // namespace zelvar::gdal
+} // namespace zelvar

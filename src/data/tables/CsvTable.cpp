@@ -1,8 +1,6 @@
-#include "zelvar/data/gdal/CsvTable.h"
+#include "zelvar/data/tables/CsvTable.h"
 
 #include "zelvar/base/PathStyle.h"
-
-#include <cpl_vsi.h>
 
 #include <algorithm>
 #include <array>
@@ -10,7 +8,7 @@
 #include <tuple>
 #include <utility>
 
-namespace zelvar::gdal {
+namespace zelvar {
 
 namespace {
 
@@ -23,19 +21,14 @@ constexpr std::size_t kMostTransposed = std::uint64_t{256} << 20U;
 constexpr char const *kTransposedOption = "TRANSPOSED";
 constexpr char const *kEncodingOption = "ENCODING";
 
-DString OptionOf(Source const &source, std::string_view wanted) {
+DString OptionOf(CsvSource const &source, std::string_view wanted) {
     auto const at = std::find_if(source.options.begin(), source.options.end(),
                                  [&](auto const &option) { return EqualNoCase(option.first, wanted); });
     return at == source.options.end() ? DString() : at->second;
 }
 
-bool HasExtension(Source const &source, std::initializer_list<std::string_view> known) {
-    std::string_view const extension = ExtensionOf(source.name);
-    return std::any_of(known.begin(), known.end(), [&](std::string_view one) { return EqualNoCase(one, extension); });
-}
-
-bool IsTransposed(Source const &source) {
-    return HasExtension(source, {"tcsv"}) || EqualNoCase(OptionOf(source, kTransposedOption), "YES");
+bool IsTransposed(CsvSource const &source) {
+    return EqualNoCase(source.extension, "tcsv") || EqualNoCase(OptionOf(source, kTransposedOption), "YES");
 }
 
 void Refuse(DError *error, DString reason) {
@@ -43,16 +36,16 @@ void Refuse(DError *error, DString reason) {
         error->Set(std::move(reason));
 }
 
-char SeparatorFor(Source const &source, CsvReader &reader) {
+char SeparatorFor(CsvSource const &source, CsvReader &reader) {
     constexpr std::array<std::pair<std::string_view, char>, 5> named{
         {{"COMMA", ','}, {"SEMICOLON", ';'}, {"TAB", '\t'}, {"PIPE", '|'}, {"SPACE", ' '}}};
     DString const wanted = OptionOf(source, "SEPARATOR");
     for (auto const &[name, separator] : named)
         if (EqualNoCase(name, wanted))
             return separator;
-    if (HasExtension(source, {"tsv"}))
+    if (EqualNoCase(source.extension, "tsv"))
         return '\t';
-    return HasExtension(source, {"psv"}) ? '|' : GuessSeparator(reader.Peek(kLongestLine));
+    return EqualNoCase(source.extension, "psv") ? '|' : GuessSeparator(reader.Peek(kLongestLine));
 }
 
 bool LooksLikeNames(CsvRecord const &record) {
@@ -78,7 +71,7 @@ std::optional<std::vector<CsvRecord>> AllRecords(CsvReader &reader) {
     }
 }
 
-CsvEncoding EncodingFor(Source const &source, CsvReader &reader) {
+CsvEncoding EncodingFor(CsvSource const &source, CsvReader &reader) {
     if (reader.IsMarked())
         return {};
     DString const stated = OptionOf(source, kEncodingOption);
@@ -94,29 +87,15 @@ DString NameOf(CsvRecord const &record, std::size_t column, CsvEncoding const &e
 
 } // namespace
 
-void CloseCsvFile::operator()(void *file) const { VSIFCloseL(static_cast<VSILFILE *>(file)); }
+CsvTable::CsvTable(CsvReader::Read read, StopSignal const *stop) : OpenTable(stop), m_reader(std::move(read)) {}
 
-CsvTable::CsvTable(Reach reach, CsvFile file, StopSignal const *stop)
-    : OpenTable(reach, stop), m_file(std::move(file)),
-      m_reader([raw = static_cast<VSILFILE *>(m_file.get())](std::uint64_t offset, char *buffer, std::size_t size) {
-          return VSIFSeekL(raw, offset, SEEK_SET) == 0 ? VSIFReadL(buffer, 1, size, raw) : std::size_t{0};
-      }) {}
-
-CsvTable::~CsvTable() {
-    GdalScope const scope(GetReach());
-    m_file.reset();
+bool CsvTable::IsNameOne(std::string_view extension) {
+    constexpr std::array<std::string_view, 5> known{"csv", "tsv", "psv", "tcsv", "txt"};
+    return std::any_of(known.begin(), known.end(), [&](std::string_view one) { return EqualNoCase(one, extension); });
 }
 
-std::unique_ptr<OpenTable> CsvTable::Open(Source const &source, bool forced, StopSignal const *stop, DError *error) {
-    if (!forced && !HasExtension(source, {"csv", "tsv", "psv", "tcsv", "txt"}))
-        return nullptr;
-    GdalScope const scope(source.reach);
-    CsvFile file(VSIFOpenL(source.name.c_str(), "rb"));
-    if (file == nullptr) {
-        Refuse(error, "\"" + source.text + "\" cannot be read");
-        return nullptr;
-    }
-    std::unique_ptr<CsvTable> table(new CsvTable(source.reach, std::move(file), stop));
+std::unique_ptr<OpenTable> CsvTable::Open(CsvSource source, StopSignal const *stop, DError *error) {
+    std::unique_ptr<CsvTable> table(new CsvTable(std::move(source.read), stop));
     std::string_view const head = table->m_reader.Peek(kHead);
     if (head.empty() || head.find('\0') != std::string_view::npos) {
         Refuse(error, "\"" + source.text + "\" holds no text");
@@ -128,10 +107,9 @@ std::unique_ptr<OpenTable> CsvTable::Open(Source const &source, bool forced, Sto
     std::unique_ptr<OpenTable> opened;
     if (IsTransposed(source)) {
         if (auto lines = AllRecords(table->m_reader))
-            opened = std::make_unique<TransposedCsvTable>(source.reach, std::move(*lines), std::move(table->m_encoding),
-                                                          stop);
+            opened = std::make_unique<TransposedCsvTable>(std::move(*lines), std::move(table->m_encoding), stop);
     } else {
-        table->Describe(source);
+        table->Describe(OptionOf(source, "HEADERS"));
         opened = std::move(table);
     }
     if (opened != nullptr && opened->Columns().size() <= ADIDriver::kMostColumns)
@@ -144,11 +122,10 @@ bool CsvTable::Read(CsvRecord &record) {
     return m_reader.Next(record, ADIDriver::kMostRowBytes) == CsvReader::Result::Record;
 }
 
-void CsvTable::Describe(Source const &source) {
+void CsvTable::Describe(DString const &headers) {
     std::int64_t const beginning = m_reader.Position();
     CsvRecord names;
     std::ignore = Read(names);
-    DString const headers = OptionOf(source, "HEADERS");
     m_hasNames = EqualNoCase(headers, "YES") || (!EqualNoCase(headers, "NO") && LooksLikeNames(names));
     m_places = {m_hasNames ? m_reader.Position() : beginning};
 
@@ -200,9 +177,8 @@ bool CsvTable::Append(ADIRows &rows) const {
     return true; // a record is no longer than a row may be
 }
 
-TransposedCsvTable::TransposedCsvTable(Reach reach, std::vector<CsvRecord> lines, CsvEncoding encoding,
-                                       StopSignal const *stop)
-    : OpenTable(reach, stop), m_lines(std::move(lines)), m_encoding(std::move(encoding)) {
+TransposedCsvTable::TransposedCsvTable(std::vector<CsvRecord> lines, CsvEncoding encoding, StopSignal const *stop)
+    : OpenTable(stop), m_lines(std::move(lines)), m_encoding(std::move(encoding)) {
     m_encodingName = m_encoding.Name();
     TypeSuggestion types(m_lines.size());
     for (std::size_t line = 0; line < m_lines.size(); ++line) {
@@ -228,4 +204,4 @@ bool TransposedCsvTable::Append(ADIRows &rows) const {
     return rows.texts.size() <= ADIDriver::kMostRowBytes;
 }
 
-} // namespace zelvar::gdal
+} // namespace zelvar

@@ -1,6 +1,6 @@
-#include "zelvar/data/gdal/OpenTable.h"
+#include "zelvar/data/tables/OpenTable.h"
 
-namespace zelvar::gdal {
+namespace zelvar {
 
 bool OpenTable::StepCounted() {
     if (m_next == m_end)
@@ -26,7 +26,6 @@ bool OpenTable::GoTo(std::int64_t row) {
 }
 
 bool OpenTable::ReadRows(std::int64_t first, int most, ADIRows &rows) {
-    GdalScope const scope(m_reach);
     rows = {};
     rows.first = first;
     rows.isEnd = m_end >= 0 && first >= m_end;
@@ -56,4 +55,4 @@ bool OpenTable::ReadRows(std::int64_t first, int most, ADIRows &rows) {
     return true;
 }
 
-} // namespace zelvar::gdal
+} // namespace zelvar

@@ -1,14 +1,13 @@
 #pragma once
 
-#include "zelvar/data/gdal/GdalScope.h"
 #include "zelvar/data/tables/TableTexts.h"
 
-namespace zelvar::gdal {
+namespace zelvar {
 
 /// A table that is open, behind a cursor: few formats find a row by its number, and none of them tells cheaply how many
 /// there are. So the cursor goes forward, and back to a place before the row where an earlier one is asked for. A row
 /// that cannot be read ends the table.
-class OpenTable {
+class ZELVAR_API OpenTable {
 public:
     virtual ~OpenTable() = default;
     OpenTable(OpenTable const &) = delete;
@@ -21,7 +20,7 @@ public:
     [[nodiscard]] bool ReadRows(std::int64_t first, int most, ADIRows &rows);
 
 protected:
-    OpenTable(Reach reach, StopSignal const *stop) : m_reach(reach), m_stop(stop) {}
+    explicit OpenTable(StopSignal const *stop) : m_stop(stop) {}
 
     /// Sets the cursor before a row that is not behind `row`, and yields its number. Called to go back; one that can go
     /// ahead may do so as well.
@@ -31,7 +30,6 @@ protected:
     /// Appends the cells of the row read last; false if there is too much of them.
     [[nodiscard]] virtual bool Append(ADIRows &rows) const = 0;
 
-    [[nodiscard]] Reach GetReach() const { return m_reach; }
     [[nodiscard]] bool IsStopped() { return m_stop.IsStopped(); }
     [[nodiscard]] std::int64_t NextRow() const { return m_next; }
 
@@ -42,10 +40,9 @@ private:
     [[nodiscard]] bool GoTo(std::int64_t row);
     [[nodiscard]] bool StepCounted();
 
-    Reach m_reach;
     StopPoll m_stop;
     std::int64_t m_next = 0; ///< the row that the cursor stands before
     std::int64_t m_end = -1; ///< how many rows there are, once known
 };
 
-} // namespace zelvar::gdal
+} // namespace zelvar
