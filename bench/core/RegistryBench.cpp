@@ -1,7 +1,7 @@
 #include "Harness.h"
 #include "zelvar/base/DFile.h"
-#include "zelvar/base/XMLNode.h"
 #include "zelvar/settings/ZelRegistry.h"
+#include "zelvar/xml/XMLNode.h"
 
 #include <cstdlib>
 #include <filesystem>

@@ -1,5 +1,5 @@
 #include "Harness.h"
-#include "zelvar/base/SettingsStore.h"
+#include "zelvar/store/SettingsStore.h"
 
 #include <cstdlib>
 #include <filesystem>

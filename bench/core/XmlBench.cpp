@@ -1,5 +1,5 @@
 #include "Harness.h"
-#include "zelvar/base/XMLNode.h"
+#include "zelvar/xml/XMLNode.h"
 
 namespace {
 

@@ -2,7 +2,6 @@
 #include "Folders.h"
 #include "Harness.h"
 #include "reader/Tiff.h"
-#include "zelvar/base/DCnfg.h"
 #include "zelvar/data/BDINode.h"
 #include "zelvar/data/DIOPluginMngr.h"
 #include "zelvar/data/RDIDriverMngr.h"
@@ -10,6 +9,7 @@
 #include "zelvar/filedlg/FileDlg.h"
 #include "zelvar/library/ZelvarInit.h"
 #include "zelvar/platform/ui/MainWindow.h"
+#include "zelvar/store/DCnfg.h"
 
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QTimer>

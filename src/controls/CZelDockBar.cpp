@@ -1,9 +1,9 @@
 #include "zelvar/controls/CZelDockBar.h"
 
-#include "zelvar/base/XMLNode.h"
 #include "zelvar/controls/DockState.h"
 #include "zelvar/platform/ui/ControlId.h"
 #include "zelvar/platform/ui/Text.h"
+#include "zelvar/xml/XMLNode.h"
 
 #include <QtGui/QKeyEvent>
 #include <QtGui/QShortcut>

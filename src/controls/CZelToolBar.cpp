@@ -1,6 +1,5 @@
 #include "zelvar/controls/CZelToolBar.h"
 
-#include "zelvar/base/XMLNode.h"
 #include "zelvar/controls/CZelImageList.h"
 #include "zelvar/controls/CZelToolbarComboBoxButton.h"
 #include "zelvar/controls/ToolBarDialog.h"
@@ -8,6 +7,7 @@
 #include "zelvar/platform/ui/ModalLoop.h"
 #include "zelvar/platform/ui/Pictures.h"
 #include "zelvar/platform/ui/Text.h"
+#include "zelvar/xml/XMLNode.h"
 
 #include <QtGui/QActionEvent>
 #include <QtGui/QKeyEvent>

@@ -1,11 +1,11 @@
 #include "zelvar/controls/DockState.h"
 
-#include "zelvar/base/XMLNode.h"
 #include "zelvar/controls/CZelDockBar.h"
 #include "zelvar/controls/CZelToolBar.h"
 #include "zelvar/controls/core/SplitPlaces.h"
 #include "zelvar/platform/ui/ControlId.h"
 #include "zelvar/platform/ui/Text.h"
+#include "zelvar/xml/XMLNode.h"
 
 #include <QtCore/QDataStream>
 #include <QtCore/QIODevice>

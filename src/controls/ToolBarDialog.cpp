@@ -1,8 +1,8 @@
 #include "zelvar/controls/ToolBarDialog.h"
 
-#include "zelvar/base/XMLNode.h"
 #include "zelvar/controls/CZelToolBar.h"
 #include "zelvar/platform/ui/Pictures.h"
+#include "zelvar/xml/XMLNode.h"
 
 #include <QtWidgets/QCheckBox>
 #include <QtWidgets/QDialogButtonBox>

@@ -1,10 +1,10 @@
 #include "zelvar/filedlg/CCustomFileDlg.h"
 
-#include "zelvar/base/DCnfg.h"
 #include "zelvar/filedlg/HistoryRow.h"
 #include "zelvar/filedlg/PlatformFileDialog.h"
 #include "zelvar/layout/cdxCDynamicWndEx.h"
 #include "zelvar/platform/ui/ModalLoop.h"
+#include "zelvar/store/DCnfg.h"
 
 #include <QtGui/QScreen>
 #include <QtWidgets/QLayout>

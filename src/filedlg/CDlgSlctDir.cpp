@@ -1,9 +1,9 @@
 #include "zelvar/filedlg/CDlgSlctDir.h"
 
-#include "zelvar/base/DCnfg.h"
 #include "zelvar/filedlg/PlatformFileDialog.h"
 #include "zelvar/platform/ui/ModalLoop.h"
 #include "zelvar/settings/DfltFldrs.h"
+#include "zelvar/store/DCnfg.h"
 
 #include <QtCore/QPointer>
 

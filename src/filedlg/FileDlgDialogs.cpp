@@ -1,5 +1,4 @@
 // Which dialog a request gets, and how each is filled and read.
-#include "zelvar/base/DCnfg.h"
 #include "zelvar/base/PathStyle.h"
 #include "zelvar/filedlg/CCustomFileDlg.h"
 #include "zelvar/filedlg/FileDlg.h"
@@ -7,6 +6,7 @@
 #include "zelvar/opends/DlgOpenDS.h"
 #include "zelvar/platform/ui/MainWindow.h"
 #include "zelvar/settings/DfltFldrs.h"
+#include "zelvar/store/DCnfg.h"
 
 #include <QtWidgets/QApplication>
 

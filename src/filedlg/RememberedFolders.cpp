@@ -1,9 +1,9 @@
 #include "zelvar/filedlg/RememberedFolders.h"
 
-#include "zelvar/base/DCnfg.h"
 #include "zelvar/base/DFile.h"
 #include "zelvar/data/PlaceCheck.h"
 #include "zelvar/data/RequestScope.h"
+#include "zelvar/store/DCnfg.h"
 
 #include <fcntl.h>
 #include <unistd.h>

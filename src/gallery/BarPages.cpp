@@ -1,4 +1,3 @@
-#include "zelvar/base/XMLNode.h"
 #include "zelvar/controls/CZelComboBox.h"
 #include "zelvar/controls/CZelDockBar.h"
 #include "zelvar/controls/CZelImageList.h"
@@ -8,6 +7,7 @@
 #include "zelvar/gallery/Gallery.h"
 #include "zelvar/gallery/PageForm.h"
 #include "zelvar/platform/ui/Text.h"
+#include "zelvar/xml/XMLNode.h"
 
 #include <QtGui/QPainter>
 #include <QtWidgets/QListWidget>

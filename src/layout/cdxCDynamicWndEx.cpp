@@ -1,7 +1,7 @@
 #include "zelvar/layout/cdxCDynamicWndEx.h"
 
-#include "zelvar/base/DCnfg.h"
 #include "zelvar/platform/ui/MainWindow.h"
+#include "zelvar/store/DCnfg.h"
 
 #include <QtGui/QScreen>
 #include <QtWidgets/QApplication>

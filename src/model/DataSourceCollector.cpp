@@ -1,8 +1,5 @@
 #include "zelvar/model/DataSourceCollector.h"
 
-#include "zelvar/base/DCnfg.h"
-#include "zelvar/base/SettingsStore.h"
-#include "zelvar/base/XMLNode.h"
 #include "zelvar/data/PlaceCheck.h"
 #include "zelvar/model/DataSourceDefinitions.h"
 #include "zelvar/model/NtwDataSourceItem.h"
@@ -10,6 +7,9 @@
 #include "zelvar/platform/os/MountTable.h"
 #include "zelvar/platform/os/ShellNamespace.h"
 #include "zelvar/platform/os/SmbAddress.h"
+#include "zelvar/store/DCnfg.h"
+#include "zelvar/store/SettingsStore.h"
+#include "zelvar/xml/XMLNode.h"
 
 #include <algorithm>
 

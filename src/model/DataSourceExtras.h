@@ -1,9 +1,9 @@
 #pragma once
 
 #include "zelvar/base/Containers.h"
-#include "zelvar/base/XMLNode.h"
 #include "zelvar/data/StopSignal.h"
 #include "zelvar/model/DataSourceItem.h"
+#include "zelvar/xml/XMLNode.h"
 
 #include <boost/shared_ptr.hpp>
 #include <list>

@@ -2,7 +2,7 @@
 
 #include "zelvar/base/Containers.h"
 #include "zelvar/base/DFile.h"
-#include "zelvar/base/XMLNode.h"
+#include "zelvar/xml/XMLNode.h"
 
 #include <boost/shared_ptr.hpp>
 

@@ -3,13 +3,13 @@
 #include "zelvar/base/DFile.h"
 #include "zelvar/base/Directories.h"
 #include "zelvar/base/Report.h"
-#include "zelvar/base/XMLNode.h"
 #include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/data/DriverProvider.h"
 #include "zelvar/model/ChildWalker.h"
 #include "zelvar/model/DataSourceRepository.h"
 #include "zelvar/model/SystemImages.h"
 #include "zelvar/model/TemplDataSourceItemItr.h"
+#include "zelvar/xml/XMLNode.h"
 
 #include <boost/make_shared.hpp>
 

@@ -1,6 +1,5 @@
 #include "zelvar/opends/DlgOpenDS.h"
 
-#include "zelvar/base/DCnfg.h"
 #include "zelvar/base/DFile.h"
 #include "zelvar/controls/CZelComboBox.h"
 #include "zelvar/data/BDIDrvrMngr.h"
@@ -21,6 +20,7 @@
 #include "zelvar/platform/ui/Pictures.h"
 #include "zelvar/platform/ui/Text.h"
 #include "zelvar/settings/DfltFldrs.h"
+#include "zelvar/store/DCnfg.h"
 
 #include <QtGui/QScreen>
 #include <QtWidgets/QAbstractItemView>

@@ -3,7 +3,7 @@
 #include "zelvar/base/DFile.h"
 #include "zelvar/base/Directories.h"
 #include "zelvar/base/Report.h"
-#include "zelvar/base/XMLNode.h"
+#include "zelvar/xml/XMLNode.h"
 
 namespace zelvar {
 

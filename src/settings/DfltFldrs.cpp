@@ -1,11 +1,11 @@
 #include "zelvar/settings/DfltFldrs.h"
 
-#include "zelvar/base/DCnfg.h"
 #include "zelvar/base/Directories.h"
-#include "zelvar/base/SettingsStore.h"
-#include "zelvar/base/XMLNode.h"
 #include "zelvar/platform/os/ShellNamespace.h"
 #include "zelvar/settings/CnfgLdr.h"
+#include "zelvar/store/DCnfg.h"
+#include "zelvar/store/SettingsStore.h"
+#include "zelvar/xml/XMLNode.h"
 
 #include <algorithm>
 #include <optional>

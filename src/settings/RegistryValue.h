@@ -1,6 +1,6 @@
 #pragma once
 
-#include "zelvar/base/SettingsStore.h"
+#include "zelvar/store/SettingsStore.h"
 
 #include <cstdint>
 

@@ -1,7 +1,7 @@
 #include "zelvar/settings/ZelRegistry.h"
 
-#include "zelvar/base/XMLNode.h"
 #include "zelvar/settings/RegistryText.h"
+#include "zelvar/xml/XMLNode.h"
 
 #include <algorithm>
 #include <memory>

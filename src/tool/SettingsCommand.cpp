@@ -1,8 +1,8 @@
 #include "zelvar/base/DFile.h"
-#include "zelvar/base/XMLNode.h"
 #include "zelvar/settings/ZelRegistry.h"
 #include "zelvar/tool/CommandTable.h"
 #include "zelvar/tool/Commands.h"
+#include "zelvar/xml/XMLNode.h"
 
 #include <memory>
 #include <tuple>

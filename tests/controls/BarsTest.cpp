@@ -1,5 +1,4 @@
 #include "support/GuiTest.h"
-#include "zelvar/base/XMLNode.h"
 #include "zelvar/controls/CZelComboBox.h"
 #include "zelvar/controls/CZelDockBar.h"
 #include "zelvar/controls/CZelImageList.h"
@@ -7,6 +6,7 @@
 #include "zelvar/controls/CZelToolbarComboBoxButton.h"
 #include "zelvar/controls/DockState.h"
 #include "zelvar/controls/core/SplitPlaces.h"
+#include "zelvar/xml/XMLNode.h"
 
 #include <QtGui/QIcon>
 #include <QtGui/QPainter>

@@ -2,7 +2,7 @@
 
 #include "support/ScriptedDriver.h"
 #include "support/SelectorHands.h"
-#include "zelvar/base/SettingsStore.h"
+#include "zelvar/store/SettingsStore.h"
 
 #include <QtWidgets/QHeaderView>
 

@@ -1,8 +1,8 @@
 #include "zelvar/dialogs/DlgFltrFind.h"
 
 #include "support/GuiTest.h"
-#include "zelvar/base/SettingsStore.h"
 #include "zelvar/platform/ui/ControlId.h"
+#include "zelvar/store/SettingsStore.h"
 
 #include <QtCore/QPointer>
 #include <QtWidgets/QComboBox>

@@ -1,11 +1,11 @@
 #include "zelvar/filedlg/CDlgSlctDir.h"
 
 #include "support/FileDialogHand.h"
-#include "zelvar/base/DCnfg.h"
-#include "zelvar/base/SettingsStore.h"
 #include "zelvar/controls/CZelComboBox.h"
 #include "zelvar/filedlg/FileDlg.h"
 #include "zelvar/settings/DfltFldrs.h"
+#include "zelvar/store/DCnfg.h"
+#include "zelvar/store/SettingsStore.h"
 
 namespace zelvar {
 namespace {

@@ -2,9 +2,9 @@
 #include "support/FileRequests.h"
 #include "support/RequestProbe.h"
 #include "support/ScriptedDriver.h"
-#include "zelvar/base/DCnfg.h"
 #include "zelvar/data/CustImport.h"
 #include "zelvar/filedlg/BuiltInFormats.h"
+#include "zelvar/store/DCnfg.h"
 
 namespace zelvar {
 namespace {

@@ -4,11 +4,11 @@
 #include "support/RequestProbe.h"
 #include "support/ScriptedDriver.h"
 #include "support/SilentMount.h"
-#include "zelvar/base/DCnfg.h"
 #include "zelvar/data/reader/DriverModule.h"
 #include "zelvar/filedlg/BuiltInFormats.h"
 #include "zelvar/filedlg/core/FilterBuffer.h"
 #include "zelvar/settings/DfltFldrs.h"
+#include "zelvar/store/DCnfg.h"
 
 #include <filesystem>
 #include <thread>

@@ -2,11 +2,11 @@
 #include "support/FileRequests.h"
 #include "support/ImageFiles.h"
 #include "support/RealDrivers.h"
-#include "zelvar/base/DCnfg.h"
 #include "zelvar/data/DIOPluginMngr.h"
 #include "zelvar/data/ImageReader.h"
 #include "zelvar/dialogs/CBDISelectorDlg.h"
 #include "zelvar/lists/CZelListCtrl.h"
+#include "zelvar/store/DCnfg.h"
 
 #include <filesystem>
 

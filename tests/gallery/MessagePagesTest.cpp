@@ -1,7 +1,7 @@
 #include "support/RealDrivers.h"
 #include "support/SelectorHands.h"
-#include "zelvar/base/SettingsStore.h"
 #include "zelvar/gallery/Gallery.h"
+#include "zelvar/store/SettingsStore.h"
 
 #include <QtWidgets/QStackedWidget>
 

@@ -1,10 +1,10 @@
 #include "support/GuiTest.h"
-#include "zelvar/base/DCnfg.h"
-#include "zelvar/base/SettingsStore.h"
 #include "zelvar/layout/cdxCDynamicDialog.h"
 #include "zelvar/layout/cdxCDynamicPropertyPage.h"
 #include "zelvar/layout/cdxCSizeIconCtrl.h"
 #include "zelvar/platform/ui/MainWindow.h"
+#include "zelvar/store/DCnfg.h"
+#include "zelvar/store/SettingsStore.h"
 
 #include <QtGui/QScreen>
 #include <QtGui/QWheelEvent>

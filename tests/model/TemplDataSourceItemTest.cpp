@@ -5,9 +5,9 @@
 #include "zelvar/base/DFile.h"
 #include "zelvar/base/Directories.h"
 #include "zelvar/base/Report.h"
-#include "zelvar/base/XMLNode.h"
 #include "zelvar/data/DriverProvider.h"
 #include "zelvar/model/ChildWalker.h"
+#include "zelvar/xml/XMLNode.h"
 
 #include <filesystem>
 

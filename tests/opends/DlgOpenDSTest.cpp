@@ -4,7 +4,6 @@
 #include "support/ImageFiles.h"
 #include "support/OpenDialogHand.h"
 #include "support/RealDrivers.h"
-#include "zelvar/base/DCnfg.h"
 #include "zelvar/controls/CZelComboBox.h"
 #include "zelvar/controls/CZelPropList.h"
 #include "zelvar/data/BDIDrvr.h"
@@ -27,6 +26,7 @@
 #include "zelvar/platform/ui/ControlId.h"
 #include "zelvar/platform/ui/UserMessages.h"
 #include "zelvar/settings/DfltFldrs.h"
+#include "zelvar/store/DCnfg.h"
 
 #include <QtCore/QTimer>
 #include <QtWidgets/QAbstractItemView>

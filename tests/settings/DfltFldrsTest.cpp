@@ -1,10 +1,10 @@
 #include "zelvar/settings/DfltFldrs.h"
 
 #include "support/Test.h"
-#include "zelvar/base/DCnfg.h"
-#include "zelvar/base/SettingsStore.h"
 #include "zelvar/platform/os/ScriptedShellNamespace.h"
 #include "zelvar/settings/CnfgLdr.h"
+#include "zelvar/store/DCnfg.h"
+#include "zelvar/store/SettingsStore.h"
 
 namespace zelvar {
 namespace {

@@ -1,7 +1,7 @@
 #include "zelvar/settings/ZelRegistry.h"
 
 #include "support/Test.h"
-#include "zelvar/base/XMLNode.h"
+#include "zelvar/xml/XMLNode.h"
 
 namespace zelvar {
 namespace {

@@ -1,6 +1,6 @@
 #include "support/RunCommand.h"
 #include "support/Test.h"
-#include "zelvar/base/SettingsStore.h"
+#include "zelvar/store/SettingsStore.h"
 
 #include <filesystem>
 

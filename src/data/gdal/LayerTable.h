@@ -1,7 +1,7 @@
 #pragma once
 
-#include "zelvar/data/tables/OpenTable.h"
 #include "zelvar/data/gdal/Source.h"
+#include "zelvar/data/tables/OpenTable.h"
 #include "zelvar/data/tables/TextRecoder.h"
 
 #include <memory>

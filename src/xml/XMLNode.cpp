@@ -1,12 +1,12 @@
-#include "zelvar/base/XMLNode.h"
+#include "zelvar/xml/XMLNode.h"
 
 #include "zelvar/base/DFile.h"
 #include "zelvar/base/Hex.h"
-#include "zelvar/base/XMLContent.h"
-#include "zelvar/base/XMLDocument.h"
-#include "zelvar/base/XMLEncoding.h"
-#include "zelvar/base/XMLPiece.h"
-#include "zelvar/base/XMLText.h"
+#include "zelvar/xml/XMLContent.h"
+#include "zelvar/xml/XMLDocument.h"
+#include "zelvar/xml/XMLEncoding.h"
+#include "zelvar/xml/XMLPiece.h"
+#include "zelvar/xml/XMLText.h"
 
 #include <bit>
 #include <charconv>

@@ -1,6 +1,6 @@
-#include "zelvar/base/DCnfg.h"
+#include "zelvar/store/DCnfg.h"
 
-#include "zelvar/base/SettingsStore.h"
+#include "zelvar/store/SettingsStore.h"
 
 #include <mutex>
 #include <utility>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "zelvar/base/XMLDocument.h"
-#include "zelvar/base/XMLScanner.h"
+#include "zelvar/xml/XMLDocument.h"
+#include "zelvar/xml/XMLScanner.h"
 
 namespace zelvar {
 

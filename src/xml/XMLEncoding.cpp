@@ -1,4 +1,4 @@
-#include "zelvar/base/XMLEncoding.h"
+#include "zelvar/xml/XMLEncoding.h"
 
 #include "zelvar/base/CaseFolding.h"
 

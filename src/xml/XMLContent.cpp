@@ -1,6 +1,6 @@
-#include "zelvar/base/XMLContent.h"
+#include "zelvar/xml/XMLContent.h"
 
-#include "zelvar/base/XMLText.h"
+#include "zelvar/xml/XMLText.h"
 
 namespace zelvar {
 

@@ -1,4 +1,4 @@
-#include "zelvar/base/XMLScanner.h"
+#include "zelvar/xml/XMLScanner.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
-#include "zelvar/base/XMLContent.h"
-#include "zelvar/base/XMLEncoding.h"
-#include "zelvar/base/XMLPiece.h"
-#include "zelvar/base/XMLText.h"
+#include "zelvar/xml/XMLContent.h"
+#include "zelvar/xml/XMLEncoding.h"
+#include "zelvar/xml/XMLPiece.h"
+#include "zelvar/xml/XMLText.h"
 
 #include <algorithm>
 

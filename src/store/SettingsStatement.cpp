@@ -1,4 +1,4 @@
-#include "zelvar/base/SettingsStatement.h"
+#include "zelvar/store/SettingsStatement.h"
 
 #include <cstring>
 

@@ -1,4 +1,4 @@
-#include "zelvar/base/XMLNode.h"
+#include "zelvar/xml/XMLNode.h"
 
 #include "support/TestFiles.h"
 #include "zelvar/base/DFile.h"

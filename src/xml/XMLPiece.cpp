@@ -1,7 +1,7 @@
-#include "zelvar/base/XMLPiece.h"
+#include "zelvar/xml/XMLPiece.h"
 
-#include "zelvar/base/XMLContent.h"
-#include "zelvar/base/XMLDocument.h"
+#include "zelvar/xml/XMLContent.h"
+#include "zelvar/xml/XMLDocument.h"
 
 #include <tuple>
 #include <utility>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "zelvar/base/XMLNode.h"
-#include "zelvar/base/XMLPiece.h"
-#include "zelvar/base/XMLScanner.h"
+#include "zelvar/xml/XMLNode.h"
+#include "zelvar/xml/XMLPiece.h"
+#include "zelvar/xml/XMLScanner.h"
 
 #include <deque>
 #include <optional>

@@ -1,4 +1,4 @@
-#include "zelvar/base/XMLText.h"
+#include "zelvar/xml/XMLText.h"
 
 #include <algorithm>
 #include <array>

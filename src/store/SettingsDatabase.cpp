@@ -1,9 +1,9 @@
-#include "zelvar/base/SettingsDatabase.h"
+#include "zelvar/store/SettingsDatabase.h"
 
 #include "zelvar/base/DFile.h"
 #include "zelvar/base/FileDescriptor.h"
 #include "zelvar/base/Report.h"
-#include "zelvar/base/SettingsStatement.h"
+#include "zelvar/store/SettingsStatement.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "zelvar/base/XMLNode.h"
+#include "zelvar/xml/XMLNode.h"
 
 namespace zelvar {
 

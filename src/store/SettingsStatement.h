@@ -1,6 +1,6 @@
 #pragma once
 
-#include "zelvar/base/SettingsDatabase.h"
+#include "zelvar/store/SettingsDatabase.h"
 
 #include <sqlite3.h>
 

@@ -1,7 +1,7 @@
-#include "zelvar/base/XMLDocument.h"
+#include "zelvar/xml/XMLDocument.h"
 
-#include "zelvar/base/XMLContent.h"
-#include "zelvar/base/XMLText.h"
+#include "zelvar/xml/XMLContent.h"
+#include "zelvar/xml/XMLText.h"
 
 #include <algorithm>
 #include <cstdlib>

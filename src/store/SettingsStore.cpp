@@ -1,10 +1,10 @@
-#include "zelvar/base/SettingsStore.h"
+#include "zelvar/store/SettingsStore.h"
 
 #include "zelvar/base/DFile.h"
 #include "zelvar/base/Directories.h"
 #include "zelvar/base/ProcessMoments.h"
 #include "zelvar/base/Report.h"
-#include "zelvar/base/SettingsDatabase.h"
+#include "zelvar/store/SettingsDatabase.h"
 
 #include <algorithm>
 #include <atomic>

@@ -1,11 +1,11 @@
-#include "zelvar/base/SettingsStore.h"
+#include "zelvar/store/SettingsStore.h"
 
 #include "support/Test.h"
-#include "zelvar/base/DCnfg.h"
 #include "zelvar/base/DFile.h"
 #include "zelvar/base/DFileFind.h"
 #include "zelvar/base/Directories.h"
 #include "zelvar/base/Report.h"
+#include "zelvar/store/DCnfg.h"
 
 #include <csignal>
 #include <filesystem>
