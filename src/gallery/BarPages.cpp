@@ -1,12 +1,12 @@
+#include "zelvar/bars/CZelDockBar.h"
+#include "zelvar/bars/CZelToolBar.h"
+#include "zelvar/bars/CZelToolbarComboBoxButton.h"
 #include "zelvar/controls/CZelComboBox.h"
-#include "zelvar/controls/CZelDockBar.h"
 #include "zelvar/controls/CZelImageList.h"
-#include "zelvar/controls/CZelPropList.h"
-#include "zelvar/controls/CZelToolBar.h"
-#include "zelvar/controls/CZelToolbarComboBoxButton.h"
 #include "zelvar/gallery/Gallery.h"
 #include "zelvar/gallery/PageForm.h"
 #include "zelvar/platform/ui/Text.h"
+#include "zelvar/props/CZelPropList.h"
 #include "zelvar/xml/XMLNode.h"
 
 #include <QtGui/QPainter>

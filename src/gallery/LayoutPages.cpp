@@ -1,9 +1,9 @@
 #include "zelvar/controls/CZelTabCtrl.h"
 #include "zelvar/gallery/Gallery.h"
 #include "zelvar/gallery/PageForm.h"
+#include "zelvar/layout/DSplitterWnd.h"
 #include "zelvar/layout/cdxCDynamicDialog.h"
 #include "zelvar/layout/cdxCDynamicPropertyPage.h"
-#include "zelvar/opends/DSplitterWnd.h"
 
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QListWidget>

@@ -1,11 +1,11 @@
 #include "zelvar/opends/DSPropertyWnd.h"
 
-#include "zelvar/controls/CZelPropList.h"
 #include "zelvar/model/NtwDataSourceItem.h"
 #include "zelvar/opends/DSMessages.h"
 #include "zelvar/opends/ImageExtraWnd.h"
 #include "zelvar/opends/ImagePreviewWnd.h"
 #include "zelvar/platform/ui/ControlId.h"
+#include "zelvar/props/CZelPropList.h"
 
 #include <QtGui/QResizeEvent>
 #include <QtWidgets/QProxyStyle>

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "zelvar/base/Export.h"
+#include "zelvar/layout/DSplitterWnd.h"
 #include "zelvar/model/DataSourceItem.h"
-#include "zelvar/opends/DSplitterWnd.h"
 #include "zelvar/platform/ui/WindowMessage.h"
 
 #include <list>

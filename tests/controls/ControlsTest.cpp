@@ -2,8 +2,8 @@
 #include "zelvar/controls/CZelButton.h"
 #include "zelvar/controls/CZelComboBox.h"
 #include "zelvar/controls/CZelImageList.h"
-#include "zelvar/controls/CZelPropList.h"
 #include "zelvar/controls/CZelTabCtrl.h"
+#include "zelvar/props/CZelPropList.h"
 
 #include <QtGui/QClipboard>
 #include <QtGui/QTextDocument>

@@ -2,9 +2,9 @@
 
 #include "support/FileDialogHand.h"
 #include "zelvar/controls/CZelComboBox.h"
-#include "zelvar/controls/CZelPropList.h"
 #include "zelvar/filedlg/NameDelegate.h"
 #include "zelvar/lists/CZelTreeCtrl.h"
+#include "zelvar/props/CZelPropList.h"
 
 #include <QtCore/QScopeGuard>
 #include <QtGui/QScreen>

@@ -1,6 +1,5 @@
 // The dialog over places whose drivers sleep and crash, with the real reader.
 #include "support/OpenDialogHand.h"
-#include "zelvar/controls/CZelPropList.h"
 #include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/data/DriverProvider.h"
 #include "zelvar/data/RDIDriverMngr.h"
@@ -12,6 +11,7 @@
 #include "zelvar/opends/ImagePreviewWnd.h"
 #include "zelvar/opends/OpenDialogTemplate.h"
 #include "zelvar/platform/ui/ControlId.h"
+#include "zelvar/props/CZelPropList.h"
 
 #include <QtCore/QProcess>
 #include <QtCore/QTimer>

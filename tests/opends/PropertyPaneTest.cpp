@@ -1,6 +1,5 @@
 #include "support/OpenDialogHand.h"
 #include "support/ScriptedDriver.h"
-#include "zelvar/controls/CZelPropList.h"
 #include "zelvar/data/DriverProvider.h"
 #include "zelvar/data/RDIDriverMngr.h"
 #include "zelvar/opends/CImgPreviewStatic.h"
@@ -8,6 +7,7 @@
 #include "zelvar/opends/DSPropertyWnd.h"
 #include "zelvar/opends/ImageExtraWnd.h"
 #include "zelvar/opends/ImagePreviewWnd.h"
+#include "zelvar/props/CZelPropList.h"
 
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QTreeWidget>

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "support/GuiTest.h"
-#include "zelvar/controls/CZelPropList.h"
 #include "zelvar/opends/DSListCtrl.h"
 #include "zelvar/opends/DSPropertyWnd.h"
 #include "zelvar/opends/DlgOpenDS.h"
+#include "zelvar/props/CZelPropList.h"
 
 #include <QtCore/QTimer>
 

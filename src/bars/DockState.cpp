@@ -1,8 +1,8 @@
-#include "zelvar/controls/DockState.h"
+#include "zelvar/bars/DockState.h"
 
-#include "zelvar/controls/CZelDockBar.h"
-#include "zelvar/controls/CZelToolBar.h"
-#include "zelvar/controls/core/SplitPlaces.h"
+#include "zelvar/bars/CZelDockBar.h"
+#include "zelvar/bars/CZelToolBar.h"
+#include "zelvar/layout/core/SplitPlaces.h"
 #include "zelvar/platform/ui/ControlId.h"
 #include "zelvar/platform/ui/Text.h"
 #include "zelvar/xml/XMLNode.h"

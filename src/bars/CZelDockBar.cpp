@@ -1,6 +1,6 @@
-#include "zelvar/controls/CZelDockBar.h"
+#include "zelvar/bars/CZelDockBar.h"
 
-#include "zelvar/controls/DockState.h"
+#include "zelvar/bars/DockState.h"
 #include "zelvar/platform/ui/ControlId.h"
 #include "zelvar/platform/ui/Text.h"
 #include "zelvar/xml/XMLNode.h"

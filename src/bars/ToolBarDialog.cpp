@@ -1,6 +1,6 @@
-#include "zelvar/controls/ToolBarDialog.h"
+#include "zelvar/bars/ToolBarDialog.h"
 
-#include "zelvar/controls/CZelToolBar.h"
+#include "zelvar/bars/CZelToolBar.h"
 #include "zelvar/platform/ui/Pictures.h"
 #include "zelvar/xml/XMLNode.h"
 

@@ -1,5 +1,5 @@
 #include "support/GuiTest.h"
-#include "zelvar/controls/CZelPropList.h"
+#include "zelvar/props/CZelPropList.h"
 
 #include <QtGui/QContextMenuEvent>
 #include <QtWidgets/QColorDialog>

@@ -1,8 +1,8 @@
-#include "zelvar/controls/CZelToolBar.h"
+#include "zelvar/bars/CZelToolBar.h"
 
+#include "zelvar/bars/CZelToolbarComboBoxButton.h"
+#include "zelvar/bars/ToolBarDialog.h"
 #include "zelvar/controls/CZelImageList.h"
-#include "zelvar/controls/CZelToolbarComboBoxButton.h"
-#include "zelvar/controls/ToolBarDialog.h"
 #include "zelvar/platform/ui/ControlId.h"
 #include "zelvar/platform/ui/ModalLoop.h"
 #include "zelvar/platform/ui/Pictures.h"

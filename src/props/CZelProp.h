@@ -1,6 +1,6 @@
 #pragma once
 
-#include "zelvar/controls/PropRule.h"
+#include "zelvar/props/PropRule.h"
 
 #include <QtWidgets/QTreeWidget>
 

@@ -1,4 +1,4 @@
-#include "zelvar/controls/PropRule.h"
+#include "zelvar/props/PropRule.h"
 
 #include "zelvar/controls/core/NumberText.h"
 

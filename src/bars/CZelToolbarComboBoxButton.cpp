@@ -1,4 +1,4 @@
-#include "zelvar/controls/CZelToolbarComboBoxButton.h"
+#include "zelvar/bars/CZelToolbarComboBoxButton.h"
 
 #include "zelvar/controls/CZelComboBox.h"
 #include "zelvar/platform/ui/ControlId.h"

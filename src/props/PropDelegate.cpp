@@ -1,10 +1,10 @@
-#include "zelvar/controls/PropDelegate.h"
+#include "zelvar/props/PropDelegate.h"
 
 #include "zelvar/controls/CZelComboBox.h"
-#include "zelvar/controls/CZelPropList.h"
 #include "zelvar/platform/ui/Reading.h"
 #include "zelvar/platform/ui/SystemColor.h"
 #include "zelvar/platform/ui/Text.h"
+#include "zelvar/props/CZelPropList.h"
 
 #include <QtCore/QPointer>
 #include <QtGui/QAccessible>

@@ -1,4 +1,4 @@
-#include "zelvar/opends/core/SplitterLayout.h"
+#include "zelvar/layout/core/SplitterLayout.h"
 
 #include <algorithm>
 

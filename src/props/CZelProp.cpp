@@ -1,7 +1,7 @@
-#include "zelvar/controls/CZelProp.h"
+#include "zelvar/props/CZelProp.h"
 
-#include "zelvar/controls/CZelPropList.h"
 #include "zelvar/platform/ui/Text.h"
+#include "zelvar/props/CZelPropList.h"
 
 #include <QtGui/QFont>
 

@@ -1,6 +1,6 @@
-#include "zelvar/opends/SplitterBar.h"
+#include "zelvar/layout/SplitterBar.h"
 
-#include "zelvar/opends/DSplitterWnd.h"
+#include "zelvar/layout/DSplitterWnd.h"
 
 #include <QtGui/QKeyEvent>
 #include <QtGui/QPainter>

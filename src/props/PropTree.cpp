@@ -1,7 +1,7 @@
-#include "zelvar/controls/PropTree.h"
+#include "zelvar/props/PropTree.h"
 
-#include "zelvar/controls/CZelPropList.h"
 #include "zelvar/platform/ui/Text.h"
+#include "zelvar/props/CZelPropList.h"
 
 #include <QtGui/QClipboard>
 #include <QtGui/QContextMenuEvent>

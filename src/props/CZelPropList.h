@@ -1,6 +1,6 @@
 #pragma once
 
-#include "zelvar/controls/CZelProp.h"
+#include "zelvar/props/CZelProp.h"
 
 #include <QtWidgets/QWidget>
 

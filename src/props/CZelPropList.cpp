@@ -1,10 +1,10 @@
-#include "zelvar/controls/CZelPropList.h"
+#include "zelvar/props/CZelPropList.h"
 
-#include "zelvar/controls/PropDelegate.h"
-#include "zelvar/controls/PropTree.h"
 #include "zelvar/platform/ui/ModalLoop.h"
 #include "zelvar/platform/ui/SystemColor.h"
 #include "zelvar/platform/ui/Text.h"
+#include "zelvar/props/PropDelegate.h"
+#include "zelvar/props/PropTree.h"
 
 #include <QtGui/QResizeEvent>
 #include <QtWidgets/QColorDialog>

@@ -1,11 +1,11 @@
 #include "support/GuiTest.h"
+#include "zelvar/bars/CZelDockBar.h"
+#include "zelvar/bars/CZelToolBar.h"
+#include "zelvar/bars/CZelToolbarComboBoxButton.h"
+#include "zelvar/bars/DockState.h"
 #include "zelvar/controls/CZelComboBox.h"
-#include "zelvar/controls/CZelDockBar.h"
 #include "zelvar/controls/CZelImageList.h"
-#include "zelvar/controls/CZelToolBar.h"
-#include "zelvar/controls/CZelToolbarComboBoxButton.h"
-#include "zelvar/controls/DockState.h"
-#include "zelvar/controls/core/SplitPlaces.h"
+#include "zelvar/layout/core/SplitPlaces.h"
 #include "zelvar/xml/XMLNode.h"
 
 #include <QtGui/QIcon>

@@ -2,7 +2,7 @@
 
 #include "zelvar/base/Export.h"
 #include "zelvar/base/Geometry.h"
-#include "zelvar/opends/core/SplitterLayout.h"
+#include "zelvar/layout/core/SplitterLayout.h"
 
 #include <QtCore/QPointer>
 #include <QtWidgets/QWidget>

@@ -1,4 +1,4 @@
-#include "zelvar/controls/core/SplitPlaces.h"
+#include "zelvar/layout/core/SplitPlaces.h"
 
 #include <algorithm>
 #include <functional>

@@ -1,6 +1,6 @@
-#include "zelvar/opends/DSplitterWnd.h"
+#include "zelvar/layout/DSplitterWnd.h"
 
-#include "zelvar/opends/SplitterBar.h"
+#include "zelvar/layout/SplitterBar.h"
 #include "zelvar/platform/ui/ControlId.h"
 #include "zelvar/platform/ui/PaletteColors.h"
 
