@@ -4,7 +4,7 @@
 #include "zelvar/data/gdal/GdalDrivers.h"
 #include "zelvar/model/ItemListing.h"
 #include "zelvar/model/NtwDataSourceItem.h"
-#include "zelvar/opends/core/ListingContent.h"
+#include "zelvar/model/listing/ListingContent.h"
 
 #include <algorithm>
 #include <array>

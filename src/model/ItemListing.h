@@ -1,7 +1,7 @@
 #pragma once
 
 #include "zelvar/model/DataSourceItem.h"
-#include "zelvar/opends/core/ListingOrder.h"
+#include "zelvar/model/listing/ListingOrder.h"
 
 #include <functional>
 #include <optional>

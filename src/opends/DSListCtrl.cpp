@@ -1,9 +1,9 @@
 #include "zelvar/opends/DSListCtrl.h"
 
 #include "zelvar/model/NtwDataSourceItem.h"
+#include "zelvar/model/listing/ListingTexts.h"
 #include "zelvar/opends/DSMessages.h"
 #include "zelvar/opends/ItemColors.h"
-#include "zelvar/opends/core/ListingTexts.h"
 #include "zelvar/platform/ui/ControlId.h"
 #include "zelvar/platform/ui/EscapeWatch.h"
 #include "zelvar/platform/ui/SystemColor.h"

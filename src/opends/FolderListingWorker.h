@@ -4,7 +4,7 @@
 #include "zelvar/data/RequestScope.h"
 #include "zelvar/model/DataSourceItem.h"
 #include "zelvar/model/ItemListing.h"
-#include "zelvar/opends/core/ListingContent.h"
+#include "zelvar/model/listing/ListingContent.h"
 
 #include <atomic>
 #include <functional>

@@ -1,4 +1,4 @@
-#include "zelvar/opends/core/ListingContent.h"
+#include "zelvar/model/listing/ListingContent.h"
 
 #include "support/Test.h"
 

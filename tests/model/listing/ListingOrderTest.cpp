@@ -1,7 +1,7 @@
-#include "zelvar/opends/core/ListingOrder.h"
+#include "zelvar/model/listing/ListingOrder.h"
 
 #include "support/Test.h"
-#include "zelvar/opends/core/RowPlan.h"
+#include "zelvar/model/listing/RowPlan.h"
 
 #include <random>
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "zelvar/opends/core/ListingOrder.h"
-#include "zelvar/opends/core/PaneState.h"
-#include "zelvar/opends/core/RowPlan.h"
+#include "zelvar/model/listing/ListingOrder.h"
+#include "zelvar/model/listing/PaneState.h"
+#include "zelvar/model/listing/RowPlan.h"
 
 #include <algorithm>
 #include <chrono>

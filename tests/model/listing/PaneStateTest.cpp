@@ -1,4 +1,4 @@
-#include "zelvar/opends/core/PaneState.h"
+#include "zelvar/model/listing/PaneState.h"
 
 #include "support/Test.h"
 

@@ -1,4 +1,4 @@
-#include "zelvar/opends/core/ListingTexts.h"
+#include "zelvar/model/listing/ListingTexts.h"
 
 #include "support/Test.h"
 

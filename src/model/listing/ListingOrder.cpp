@@ -1,4 +1,4 @@
-#include "zelvar/opends/core/ListingOrder.h"
+#include "zelvar/model/listing/ListingOrder.h"
 
 #include "zelvar/base/NaturalOrder.h"
 

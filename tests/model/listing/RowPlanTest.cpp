@@ -1,4 +1,4 @@
-#include "zelvar/opends/core/RowPlan.h"
+#include "zelvar/model/listing/RowPlan.h"
 
 #include "support/Test.h"
 
