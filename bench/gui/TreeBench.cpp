@@ -39,7 +39,7 @@ double FillControl(CZelTreeCtrl &tree, std::vector<DString> const &names, bool b
 }
 
 double FillBareNodes(std::vector<DString> const &names) {
-    platform::TreeModel model;
+    TreeModel model;
     TreeNode &root = *model.Nodes().Root();
     return BestMs(1, [&] {
         for (DString const &name : names)

@@ -281,7 +281,7 @@ QWidget *MakePlainListPage() {
 
 // --- trees ---
 
-void OpenAll(platform::TreeView &tree) {
+void OpenAll(TreeView &tree) {
     CTreeCtrlItr itr(&tree, nullptr);
     for (itr.Frst(); itr.Cont(); itr.Next())
         std::ignore = tree.Expand(itr.Crnt(), TVE_EXPAND);

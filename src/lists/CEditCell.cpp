@@ -46,7 +46,7 @@ CEditCell::CEditCell(CListCtrlFlex &list, int item, int subItem, DString initial
     platform::SetDlgCtrlID(*this, kControlId);
     setFrame(false);
     setFont(list.font());
-    platform::ReportColumn column;
+    ReportColumn column;
     if (list.GetColumn(subItem, column))
         setAccessibleName(platform::ToQString(column.caption));
 }

@@ -4,18 +4,13 @@
 
 namespace zelvar {
 
-/// Which image list a list takes.
-enum : int { LVSIL_NORMAL = 0, LVSIL_SMALL = 1, LVSIL_STATE = 2 };
-/// What of a column is given.
-enum : int { LVCF_FMT = 1, LVCF_WIDTH = 2, LVCF_TEXT = 4, LVCF_SUBITEM = 8 };
-
 /// Plain list with two short hands: columns as wide as their captions, and rows and cells by one operation. It adds
 /// nothing else to a report view.
-class ZELVAR_API CListCtrlEx : public platform::ReportView {
+class ZELVAR_API CListCtrlEx : public ReportView {
     Q_OBJECT
 
 public:
-    using platform::ReportView::ReportView;
+    using ReportView::ReportView;
 
     /// The former image list of that kind. A report view shows the small ones (`LVSIL_SMALL`); the others have no place
     /// in it, and null is answered.

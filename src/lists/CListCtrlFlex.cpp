@@ -20,7 +20,7 @@
 
 namespace zelvar {
 
-using platform::DrawItemStruct;
+using DrawItemStruct;
 using platform::SystemColor;
 using platform::ToQColor;
 using platform::ToQRect;
@@ -32,8 +32,8 @@ constexpr std::size_t kNumberBytes = 24; // of a cell's text that are read as a 
 constexpr std::size_t kTextSlice = 256;  // bytes of a cell's text that a sort compares, the end mark included
 
 /// Rows carry the address of their record as their word.
-platform::ItemWord ToWord(FlexRow const *record) { return reinterpret_cast<platform::ItemWord>(record); }
-FlexRow *ToRecord(platform::ItemWord word) {
+ItemWord ToWord(FlexRow const *record) { return reinterpret_cast<ItemWord>(record); }
+FlexRow *ToRecord(ItemWord word) {
     return word == -1 ? nullptr : reinterpret_cast<FlexRow *>(word); // NOLINT(performance-no-int-to-ptr): see above
 }
 
@@ -85,7 +85,7 @@ int CListCtrlFlex::InsertItem(int item, DString const &text, int image, std::uin
 }
 
 std::uint64_t CListCtrlFlex::GetItemData(int item) const {
-    platform::ItemWord const word = GetItemWord(item);
+    ItemWord const word = GetItemWord(item);
     if (word == -1)
         return static_cast<std::uint64_t>(-1);
     return word == 0 ? 0 : ToRecord(word)->data;
@@ -243,7 +243,7 @@ void CListCtrlFlex::DrawCells(DrawItemStruct const &item, Rect const &label) con
     Rect const client = GetClientRect();
     int x = Mirrored(item.rcItem).left;
     for (int const col : order) {
-        platform::ReportColumn column;
+        ReportColumn column;
         if (!GetColumn(col, column))
             break;
         int const left = std::max(x, label.left);
@@ -296,7 +296,7 @@ bool CListCtrlFlex::OnSetCursor(Point point) {
     return true;
 }
 
-bool CListCtrlFlex::OnDblClick(platform::ReportHit hit, Point) {
+bool CListCtrlFlex::OnDblClick(ReportHit hit, Point) {
     if (hit.row < 0)
         return false;
     m_columns.Grow(hit.col);

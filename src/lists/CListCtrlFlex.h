@@ -16,7 +16,7 @@ class CEditCell;
 
 /// Flexible list: a report view whose rows have a font, colours and an indent of their own, whose columns know how they
 /// sort and whether they can be edited, that sorts by a click on a heading and edits cells in place.
-class ZELVAR_API CListCtrlFlex : public platform::ReportView {
+class ZELVAR_API CListCtrlFlex : public ReportView {
     Q_OBJECT
 
 public:
@@ -74,11 +74,11 @@ Q_SIGNALS:
     void EndLabelEdit(zelvar::LabelEditNotify *notify);
 
 protected:
-    void DrawItem(platform::DrawItemStruct const &item) override;
+    void DrawItem(DrawItemStruct const &item) override;
     void EraseBackground(QPainter &painter, Rect const &area) const override;
     [[nodiscard]] int MeasureCell(int row, int col) const override;
     bool OnColumnClick(int col) override;
-    bool OnDblClick(platform::ReportHit hit, Point point) override;
+    bool OnDblClick(ReportHit hit, Point point) override;
     void OnMouseMove(Point point) override { OnSetCursor(point); }
     void RowsMoved(NewPlace const &newPlace) override;
     void ColumnInserted(int col) override;
@@ -103,8 +103,8 @@ private:
 
     [[nodiscard]] FlexRow *Record(int item) const;
     FlexRow *AddRecord(std::uint64_t itemData, QFont const *font, ColorRef textColor, ColorRef bkColor, int indent);
-    [[nodiscard]] RowColors ColorsOf(platform::DrawItemStruct const &item, FlexRow const *record) const;
-    void DrawCells(platform::DrawItemStruct const &item, Rect const &label) const;
+    [[nodiscard]] RowColors ColorsOf(DrawItemStruct const &item, FlexRow const *record) const;
+    void DrawCells(DrawItemStruct const &item, Rect const &label) const;
     [[nodiscard]] bool EveryRowHasARecord() const;
     void SortAsNumbers(int col, bool ascending);
     void SortAsText(int col, bool ascending);

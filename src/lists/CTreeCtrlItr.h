@@ -8,7 +8,7 @@ namespace zelvar {
 class CTreeCtrlItr {
 public:
     /// Null as `root` is the whole tree. It stands nowhere before `Frst`.
-    CTreeCtrlItr(platform::TreeView *tree, HTREEITEM root) : m_tree(tree), m_root(root) {}
+    CTreeCtrlItr(TreeView *tree, HTREEITEM root) : m_tree(tree), m_root(root) {}
 
     HTREEITEM Frst() { return m_item = m_root != nullptr ? m_root : m_tree->GetRootItem(); }
     HTREEITEM Next();
@@ -17,7 +17,7 @@ public:
     HTREEITEM operator*() const { return m_item; }
 
 private:
-    platform::TreeView *m_tree; ///< not owned
+    TreeView *m_tree; ///< not owned
     HTREEITEM m_item = nullptr;
     HTREEITEM m_root;
 };

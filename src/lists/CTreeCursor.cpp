@@ -61,7 +61,7 @@ bool CTreeCursor::SortChildren() const { return m_item != nullptr && m_tree->Sor
 
 bool CTreeCursor::EnsureVisible() const { return m_item != nullptr && m_tree->EnsureVisible(m_item); }
 
-std::unique_ptr<platform::DragImage> CTreeCursor::CreateDragImage() const {
+std::unique_ptr<DragImage> CTreeCursor::CreateDragImage() const {
     return m_tree == nullptr ? nullptr : m_tree->CreateDragImage(m_item);
 }
 
@@ -74,7 +74,7 @@ CTreeCursor CTreeCursor::GetNext(unsigned code) const {
     bool const isOfTree =
         code == TVGN_ROOT || code == TVGN_FIRSTVISIBLE || code == TVGN_CARET || code == TVGN_DROPHILITE;
     bool const asks = m_tree != nullptr && (m_item != nullptr || isOfTree);
-    return {asks ? m_tree->platform::TreeView::GetNextItem(m_item, code) : nullptr, m_tree};
+    return {asks ? m_tree->TreeView::GetNextItem(m_item, code) : nullptr, m_tree};
 }
 
 CTreeCursor CTreeCursor::InsertAfter(DString const &text, HTREEITEM after, int image) const {

@@ -38,7 +38,7 @@ public:
     QLineEdit *EditLabel() const;
     bool SortChildren() const;
     bool EnsureVisible() const;
-    [[nodiscard]] std::unique_ptr<platform::DragImage> CreateDragImage() const;
+    [[nodiscard]] std::unique_ptr<DragImage> CreateDragImage() const;
     bool Delete(); ///< stands on null then
 
     [[nodiscard]] CTreeCursor GetNext(unsigned code) const; ///< `TVGN_...`

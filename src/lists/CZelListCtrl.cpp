@@ -175,7 +175,7 @@ void CZelListCtrl::GetSlct(DVector<int> &rows) const {
         rows[index++] = row;
 }
 
-bool CZelListCtrl::OnClick(platform::ReportHit hit, Point) {
+bool CZelListCtrl::OnClick(ReportHit hit, Point) {
     // A row that Ctrl has just taken out of a selection of several stays out.
     if (IsMultiSlct() && (ClickModifiers() & Qt::ControlModifier) != 0)
         return false;

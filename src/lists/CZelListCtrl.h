@@ -117,8 +117,8 @@ public:
 protected:
     void resizeEvent(QResizeEvent *event) override;
     void timerEvent(QTimerEvent *event) override;
-    bool OnClick(platform::ReportHit hit, Point point) override;
-    bool OnRClick(platform::ReportHit hit, Point point) override { return CZelListCtrl::OnClick(hit, point); }
+    bool OnClick(ReportHit hit, Point point) override;
+    bool OnRClick(ReportHit hit, Point point) override { return CZelListCtrl::OnClick(hit, point); }
     void SetNumRowMember(int rows) { m_numRow = rows; } ///< for lists that store no rows
 
 private:

@@ -55,7 +55,7 @@ void CZelListCtrl::AddCol(DString const &caption, DString const &sample, ADIColT
 }
 
 DString CZelListCtrl::GetColCaption(int col) const {
-    platform::ReportColumn column;
+    ReportColumn column;
     return GetColumn(col, column) ? column.caption.substr(0, kCaptionBytes) : DString{};
 }
 

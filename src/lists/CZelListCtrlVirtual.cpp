@@ -23,7 +23,7 @@ void CZelListCtrlVirtual::Sort(int, bool) {}
 
 int CZelListCtrlVirtual::OnGetItemImg(int, int) { return -1; }
 
-void CZelListCtrlVirtual::OnGetDispInfo(platform::DispInfo &info) const {
+void CZelListCtrlVirtual::OnGetDispInfo(DispInfo &info) const {
     // Derived classes may read ahead and keep what they have read while they are asked.
     auto &self = const_cast<CZelListCtrlVirtual &>(*this);
     if (info.wantsText) {

@@ -28,7 +28,7 @@ public:
 
 protected:
     void PreCreateWindow(unsigned &style, Rect &place) override;
-    void OnGetDispInfo(platform::DispInfo &info) const override;
+    void OnGetDispInfo(DispInfo &info) const override;
 
 private:
     mutable DString m_lastText; ///< the cell text last handed out

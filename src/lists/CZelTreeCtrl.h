@@ -10,7 +10,7 @@ namespace zelvar {
 ///
 /// The button that began a drag ends it. Escape, the loss of the window and the end of the dragged item end it without
 /// a drop.
-class ZELVAR_API CZelTreeCtrl : public platform::TreeView {
+class ZELVAR_API CZelTreeCtrl : public TreeView {
     Q_OBJECT
 
 public:
@@ -116,7 +116,7 @@ private:
     int m_defaultImage = 0;
     HTREEITEM m_clickItem = nullptr;
     HTREEITEM m_dragItem = nullptr;
-    std::unique_ptr<platform::DragImage> m_dragImage; ///< for the length of a drag
+    std::unique_ptr<DragImage> m_dragImage; ///< for the length of a drag
     std::uint64_t m_dragData = 0;
     bool m_enableRghtSlct = false;
     bool m_enableLeftDrag = false;

@@ -349,7 +349,7 @@ bool DSListCtrl::OnRangeChanged(int, int, unsigned, unsigned newState) {
     return true;
 }
 
-bool DSListCtrl::OnDblClick(platform::ReportHit hit, Point) {
+bool DSListCtrl::OnDblClick(ReportHit hit, Point) {
     m_dblClckBesideRows = hit.row < 0;
     Tell(m_dblClckMessage, GetCrntRow());
     return true;
@@ -399,8 +399,8 @@ int DSListCtrl::MeasureCell(int row, int col) const {
 
 int DSListCtrl::LabelLeft(int, int col) const { return col == kName ? kPictureBand : 0; }
 
-void DSListCtrl::DrawItem(platform::DrawItemStruct const &request) {
-    if (request.action != platform::ODA_DRAWENTIRE) {
+void DSListCtrl::DrawItem(DrawItemStruct const &request) {
+    if (request.action != ODA_DRAWENTIRE) {
         CZelListCtrlVirtual::DrawItem(request);
         return;
     }

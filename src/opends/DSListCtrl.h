@@ -81,10 +81,10 @@ public:
 protected:
     void PreCreateWindow(unsigned &style, Rect &place) override;
     int OnCreate() override;
-    void DrawItem(platform::DrawItemStruct const &request) override;
+    void DrawItem(DrawItemStruct const &request) override;
     bool OnItemChanged(int row, unsigned oldState, unsigned newState) override;
     bool OnRangeChanged(int first, int last, unsigned oldState, unsigned newState) override;
-    bool OnDblClick(platform::ReportHit hit, Point point) override;
+    bool OnDblClick(ReportHit hit, Point point) override;
     bool OnColumnClick(int col) override;
     void OnChar(QChar character) override;
     void timerEvent(QTimerEvent *event) override;

@@ -269,7 +269,7 @@ bool DataSourceList::OnRangeChanged(int, int, unsigned, unsigned newState) {
     return true;
 }
 
-bool DataSourceList::OnDblClick(platform::ReportHit, Point) {
+bool DataSourceList::OnDblClick(ReportHit, Point) {
     Tell(WM_DS_DATA_SOURCE_DBLCLICK);
     return true;
 }
@@ -283,8 +283,8 @@ QString DataSourceList::ShownText(int row, int) const {
     return item == nullptr ? QString() : platform::ToQString(RowTextOf(*item));
 }
 
-void DataSourceList::DrawItem(platform::DrawItemStruct const &request) {
-    if (request.action != platform::ODA_DRAWENTIRE) {
+void DataSourceList::DrawItem(DrawItemStruct const &request) {
+    if (request.action != ODA_DRAWENTIRE) {
         ReportView::DrawItem(request);
         return;
     }

@@ -22,7 +22,7 @@ class NetworkScanner;
 ///
 /// A selection is posted to the coordinator. Network places are looked for on a thread of its own and arrive by a
 /// timer. User-interface thread.
-class ZELVAR_API DataSourceList : public platform::ReportView {
+class ZELVAR_API DataSourceList : public ReportView {
     Q_OBJECT
 
 public:
@@ -65,10 +65,10 @@ protected:
     static void RemoveFavoriteDir(DString const &path);
     void PrepareSelectedItems() const;
 
-    void DrawItem(platform::DrawItemStruct const &request) override;
+    void DrawItem(DrawItemStruct const &request) override;
     bool OnItemChanged(int row, unsigned oldState, unsigned newState) override;
     bool OnRangeChanged(int first, int last, unsigned oldState, unsigned newState) override;
-    bool OnDblClick(platform::ReportHit hit, Point point) override;
+    bool OnDblClick(ReportHit hit, Point point) override;
     bool OnContextMenu(QPoint screenPoint) override;
     [[nodiscard]] int LabelLeft(int row, int col) const override;
     void OnDeleteFavorite();

@@ -12,7 +12,7 @@
 #include <algorithm>
 #include <utility>
 
-namespace zelvar::platform {
+namespace zelvar {
 
 /// The captions as the header view wants them: a table of columns without rows.
 class ColumnArea::Model final : public QAbstractTableModel {
@@ -23,7 +23,7 @@ public:
     [[nodiscard]] QVariant headerData(int section, Qt::Orientation, int role) const override {
         ReportColumn const &column = At(section);
         if (role == Qt::DisplayRole)
-            return Isolated(ToQString(column.caption), QGuiApplication::layoutDirection());
+            return platform::Isolated(platform::ToQString(column.caption), QGuiApplication::layoutDirection());
         if (role == Qt::TextAlignmentRole)
             return static_cast<int>(AlignmentOf(column.format) | Qt::AlignVCenter);
         return {};
@@ -252,4 +252,4 @@ void ColumnArea::changeEvent(QEvent *event) {
         ColumnsChanged();
 }
 
-} // namespace zelvar::platform
+} // namespace zelvar

@@ -9,7 +9,7 @@
 
 class QHeaderView;
 
-namespace zelvar::platform {
+namespace zelvar {
 
 /// Scroll area below a row of column headings: the columns of a report view, their widths and their order.
 ///
@@ -77,4 +77,4 @@ private:
     bool m_isHeaderDue = false; ///< to be placed anew behind the events that are waiting
 };
 
-} // namespace zelvar::platform
+} // namespace zelvar

@@ -2,7 +2,7 @@
 
 #include <QtGui/QPainter>
 
-namespace zelvar::platform {
+namespace zelvar {
 
 namespace {
 
@@ -50,4 +50,4 @@ void DragImage::DragLeave() {
 
 void DragImage::EndDrag() { delete m_overlay; }
 
-} // namespace zelvar::platform
+} // namespace zelvar

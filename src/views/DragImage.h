@@ -7,7 +7,7 @@
 #include <QtGui/QPixmap>
 #include <QtWidgets/QWidget>
 
-namespace zelvar::platform {
+namespace zelvar {
 
 /// The picture that follows the pointer while something is dragged inside a window: an overlay over that window, which
 /// takes no mouse messages.
@@ -35,4 +35,4 @@ private:
     QPointer<QWidget> m_overlay; ///< a child of the window, deleted by whoever comes first
 };
 
-} // namespace zelvar::platform
+} // namespace zelvar

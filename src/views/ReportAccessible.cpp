@@ -12,7 +12,7 @@
 #include <tuple>
 #include <unordered_map>
 
-namespace zelvar::platform {
+namespace zelvar {
 
 namespace {
 
@@ -182,7 +182,7 @@ bool IsWatched(ReportView const &view) { return KnownViews().contains(&view); }
 void Notify(ReportView &view, QAccessible::Event what, int row) {
     QAccessibleEvent event(&view, what);
     event.setChild(row);
-    Announce(event);
+    platform::Announce(event);
 }
 
 } // namespace
@@ -215,7 +215,7 @@ void ReportAccessible::RowsReset(ReportView &view) {
     if (!IsWatched(view))
         return;
     QAccessibleTableModelChangeEvent event(&view, QAccessibleTableModelChangeEvent::ModelReset);
-    Announce(event);
+    platform::Announce(event);
 }
 
 void ReportAccessible::StateChanged(ReportView &view, int first, int last, unsigned oldState, unsigned newState) {
@@ -239,7 +239,7 @@ void ReportAccessible::SortMarkMoved(ReportView &view, int col) {
     if (heading == nullptr)
         return;
     QAccessibleEvent event(heading, QAccessible::DescriptionChanged);
-    Announce(event);
+    platform::Announce(event);
 }
 
 void ReportAccessible::FocusEntered(ReportView &view) {
@@ -365,7 +365,7 @@ QList<QAccessibleInterface *> ReportAccessible::selectedCells() const {
 
 QString ReportAccessible::columnDescription(int column) const {
     ReportColumn found;
-    return m_view != nullptr && m_view->GetColumn(column, found) ? ToQString(found.caption) : QString();
+    return m_view != nullptr && m_view->GetColumn(column, found) ? platform::ToQString(found.caption) : QString();
 }
 
 int ReportAccessible::selectedRowCount() const { return m_view == nullptr ? 0 : m_view->GetSelectedCount(); }
@@ -396,4 +396,4 @@ bool ReportAccessible::unselectRow(int row) {
     return m_view != nullptr && row >= 0 && m_view->SetItemState(row, 0, LVIS_SELECTED);
 }
 
-} // namespace zelvar::platform
+} // namespace zelvar

@@ -6,7 +6,7 @@
 #include <map>
 #include <utility>
 
-namespace zelvar::platform {
+namespace zelvar {
 
 class ReportView;
 
@@ -87,4 +87,4 @@ private:
 /// From now on every report view is seen through this class. May be called again.
 void InstallReportAccessibility();
 
-} // namespace zelvar::platform
+} // namespace zelvar

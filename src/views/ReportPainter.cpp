@@ -10,7 +10,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace zelvar::platform {
+namespace zelvar {
 
 namespace {
 
@@ -31,24 +31,24 @@ Qt::Alignment AlignmentOf(int format) {
 }
 
 void DrawCellText(QPainter &painter, Rect const &cell, std::string_view text, int format, CellPlace place,
-                  Reading reading) {
+                  platform::Reading reading) {
     if (cell.IsEmpty() || text.empty())
         return;
-    QString const shown = ToQString(Seen(text, cell.Width()));
+    QString const shown = platform::ToQString(Seen(text, cell.Width()));
     Qt::Alignment const upDown = place == CellPlace::Top ? Qt::AlignTop : Qt::AlignVCenter;
-    int const flags = ReadingFlags(shown, AlignmentOf(format) | upDown, painter.layoutDirection(), reading);
+    int const flags = platform::ReadingFlags(shown, AlignmentOf(format) | upDown, painter.layoutDirection(), reading);
     QString const fitting = painter.fontMetrics().elidedText(shown, Qt::ElideRight, cell.Width());
     painter.drawText(ToQRect(cell), flags | Qt::TextSingleLine, fitting);
 }
 
 void DrawListPicture(QPainter &painter, Point corner, HIMAGELIST list, int index, bool selected) {
-    QPixmap pixmap = ListPicture(list, index, painter.device()->devicePixelRatio());
+    QPixmap pixmap = platform::ListPicture(list, index, painter.device()->devicePixelRatio());
     if (pixmap.isNull())
         return;
     if (selected) {
         QPainter blend(&pixmap);
         blend.setCompositionMode(QPainter::CompositionMode_SourceAtop);
-        QColor highlight = ToQColor(SystemColor(COLOR_HIGHLIGHT));
+        QColor highlight = platform::ToQColor(platform::SystemColor(COLOR_HIGHLIGHT));
         highlight.setAlphaF(0.4F);
         blend.fillRect(pixmap.rect(), highlight);
     }
@@ -56,7 +56,7 @@ void DrawListPicture(QPainter &painter, Point corner, HIMAGELIST list, int index
 }
 
 void DrawFocusRect(QPainter &painter, Rect const &rect, ColorRef color) {
-    QBrush const dots(ToQColor(color), Qt::Dense4Pattern);
+    QBrush const dots(platform::ToQColor(color), Qt::Dense4Pattern);
     QRect const frame = ToQRect(rect);
     painter.fillRect(QRect(frame.left(), frame.top(), frame.width(), 1), dots);
     painter.fillRect(QRect(frame.left(), frame.bottom(), frame.width(), 1), dots);
@@ -74,10 +74,10 @@ int TextMeasure::Width(std::string_view text) const {
     for (char const c : text) {
         auto const byte = static_cast<unsigned char>(c);
         if (byte >= m_advances.size())
-            return static_cast<int>(std::ceil(m_metrics.horizontalAdvance(ToQString(text))));
+            return static_cast<int>(std::ceil(m_metrics.horizontalAdvance(platform::ToQString(text))));
         sum += m_advances[byte];
     }
     return static_cast<int>(std::ceil(sum));
 }
 
-} // namespace zelvar::platform
+} // namespace zelvar

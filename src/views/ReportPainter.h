@@ -13,7 +13,7 @@
 
 class QPainter;
 
-namespace zelvar::platform {
+namespace zelvar {
 
 [[nodiscard]] inline QRect ToQRect(Rect const &rect) {
     return {rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top};
@@ -29,7 +29,7 @@ enum class CellPlace { Top, Centered };
 /// `format` is one of `LVCFMT_...`, meant from the edge where the painter's layout direction begins. Uses the painter's
 /// pen and font.
 void DrawCellText(QPainter &painter, Rect const &cell, std::string_view text, int format, CellPlace place,
-                  Reading reading = Reading::ByScript);
+                  platform::Reading reading = platform::Reading::ByScript);
 
 /// A picture of a list at the top left corner of `cell`, at the painter's pixel ratio; `selected` mixes it with the
 /// highlight colour. Nothing for a null list or an index outside it.
@@ -52,4 +52,4 @@ private:
     std::array<qreal, 128> m_advances{}; ///< of the ASCII characters
 };
 
-} // namespace zelvar::platform
+} // namespace zelvar

@@ -3,47 +3,13 @@
 #include "zelvar/base/Color.h"
 #include "zelvar/base/DString.h"
 #include "zelvar/base/Geometry.h"
-#include "zelvar/views/core/RowSelection.h"
+#include "zelvar/views/core/ListViewNumbers.h"
 
 #include <cstdint>
 
 class QPainter;
 
 namespace zelvar {
-
-/// Styles of a report view.
-enum : unsigned {
-    LVS_REPORT = 0x1,
-    LVS_SINGLESEL = 0x4,
-    LVS_SHOWSELALWAYS = 0x8,    ///< the selection is marked without the focus too
-    LVS_OWNERDRAWFIXED = 0x400, ///< kept for those who ask; every row is drawn by `DrawItem` anyway
-    LVS_OWNERDATA = 0x1000,     ///< only a number of rows is stored; cells are asked for
-    LVS_NOCOLUMNHEADER = 0x4000,
-};
-/// Extended styles.
-enum : unsigned {
-    LVS_EX_HEADERDRAGDROP = 0x10, ///< columns are dragged to other places
-    LVS_EX_FULLROWSELECT = 0x20,  ///< kept for those who ask; rows are always selected as a whole
-    LVS_EX_LABELTIP = 0x4000,     ///< a tool tip shows what does not fit a cell
-};
-/// Flags of `SetItemCountEx`.
-enum : unsigned {
-    LVSICF_NOINVALIDATEALL = 1, ///< only rows that come or go are painted anew
-    LVSICF_NOSCROLL = 2,        ///< the scroll position stays; it does anyway as long as its row exists
-};
-/// Formats of a column.
-enum : int { LVCFMT_LEFT = 0, LVCFMT_RIGHT = 1, LVCFMT_CENTER = 2 };
-/// In the place of a column's width.
-enum : int {
-    LVSCW_AUTOSIZE = -1,           ///< as wide as its widest cell
-    LVSCW_AUTOSIZE_USEHEADER = -2, ///< the caption fits too; the last column takes what is left of the window
-};
-/// Parts of a row or cell.
-enum : int { LVIR_BOUNDS = 0, LVIR_ICON = 1, LVIR_LABEL = 2 };
-/// What `GetNextItem` looks for.
-enum : unsigned { LVNI_ALL = 0, LVNI_FOCUSED = 1, LVNI_SELECTED = 2 };
-
-namespace platform {
 
 /// The word that a row carries for its owner.
 using ItemWord = std::int64_t;
@@ -99,5 +65,4 @@ struct DispInfo {
 /// Compares the words of two rows for `SortItems`; above 0 when the first is to stand behind the second.
 using CompareItems = int (*)(long long first, long long second, long long parameter);
 
-} // namespace platform
 } // namespace zelvar

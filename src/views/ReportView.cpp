@@ -14,7 +14,7 @@
 #include <numeric>
 #include <utility>
 
-namespace zelvar::platform {
+namespace zelvar {
 
 namespace {
 
@@ -41,7 +41,7 @@ int ReportView::Create(unsigned style, Rect const &place, QWidget *parent, int i
     Rect area = place;
     PreCreateWindow(wanted, area);
     setParent(parent);
-    SetDlgCtrlID(*this, id);
+    platform::SetDlgCtrlID(*this, id);
     setGeometry(area.left, area.top, area.Width(), area.Height());
     ModifyStyle(~0U, wanted | LVS_REPORT);
     return OnCreate() == 0 ? 1 : 0;
@@ -288,7 +288,9 @@ void ReportView::SetImageList(HIMAGELIST list) {
     UpdateRowHeight();
 }
 
-QString ReportView::ShownText(int row, int col) const { return ToQString(GetItemText(row, GetColumnSubItem(col))); }
+QString ReportView::ShownText(int row, int col) const {
+    return platform::ToQString(GetItemText(row, GetColumnSubItem(col)));
+}
 
 // --- what happens, unless a derived class sees to it ---
 
@@ -305,4 +307,4 @@ void ReportView::HeadingClicked(int col) {
         Q_EMIT ColumnClick(col);
 }
 
-} // namespace zelvar::platform
+} // namespace zelvar

@@ -4,6 +4,7 @@
 #include "zelvar/views/ColumnArea.h"
 #include "zelvar/views/ReportPainter.h"
 #include "zelvar/views/core/RowGeometry.h"
+#include "zelvar/views/core/RowSelection.h"
 
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QString>
@@ -11,7 +12,7 @@
 #include <functional>
 #include <optional>
 
-namespace zelvar::platform {
+namespace zelvar {
 
 /// Report list: rows below column headings, drawn on demand.
 ///
@@ -195,4 +196,4 @@ private:
     Qt::KeyboardModifiers m_clickModifiers;
 };
 
-} // namespace zelvar::platform
+} // namespace zelvar

@@ -13,7 +13,7 @@
 #include <algorithm>
 #include <unordered_map>
 
-namespace zelvar::platform {
+namespace zelvar {
 
 namespace {
 constexpr int kCellMargins = 8; // pixels around the text of a column that fits its content
@@ -21,7 +21,7 @@ constexpr int kCellMargins = 8; // pixels around the text of a column that fits 
 
 void ReportView::UpdateRowHeight() {
     m_measure.reset();
-    int const picture = m_images == nullptr ? 0 : kSmallPicture;
+    int const picture = m_images == nullptr ? 0 : platform::kSmallPicture;
     m_geometry.SetRowHeight(std::max(fontMetrics().height(), picture) + 2);
     m_geometry.SetGroupHeaderHeight(fontMetrics().height() + 10);
     RowsChanged();
@@ -119,7 +119,7 @@ Rect ReportView::GetItemRect(int row) const {
 }
 
 int ReportView::LabelLeft(int row, int col) const {
-    return col == 0 && m_images != nullptr && HasRow(row) ? kSmallPicture : 0;
+    return col == 0 && m_images != nullptr && HasRow(row) ? platform::kSmallPicture : 0;
 }
 
 Rect ReportView::GetSubItemRect(int row, int col, int part) const {
@@ -189,4 +189,4 @@ void ReportView::changeEvent(QEvent *event) {
         viewport()->update();
 }
 
-} // namespace zelvar::platform
+} // namespace zelvar

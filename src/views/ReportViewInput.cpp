@@ -9,7 +9,7 @@
 
 #include <algorithm>
 
-namespace zelvar::platform {
+namespace zelvar {
 
 namespace {
 
@@ -223,4 +223,4 @@ void ReportView::focusOutEvent(QFocusEvent *event) {
     viewport()->update();
 }
 
-} // namespace zelvar::platform
+} // namespace zelvar

@@ -9,7 +9,7 @@
 #include <QtGui/QPainter>
 #include <QtWidgets/QToolTip>
 
-namespace zelvar::platform {
+namespace zelvar {
 
 void ReportView::EraseBackground(QPainter &painter, Rect const &area) const {
     painter.fillRect(ToQRect(area), palette().color(QPalette::Base));
@@ -30,8 +30,8 @@ void ReportView::paintEvent(QPaintEvent *event) {
     bool const marksSelection = hasFocus() || (m_style & LVS_SHOWSELALWAYS) != 0;
     unsigned const shownStates = (marksSelection ? LVIS_SELECTED : 0U) | (hasFocus() ? LVIS_FOCUSED : 0U);
     DrawItemStruct item{.painter = painter,
-                        .textColor = ToColorRef(palette().color(QPalette::Text)),
-                        .bkColor = ToColorRef(palette().color(QPalette::Base))};
+                        .textColor = platform::ToColorRef(palette().color(QPalette::Text)),
+                        .bkColor = platform::ToColorRef(palette().color(QPalette::Base))};
     for (int position = geometry.FirstPositionBelow(top);
          position < geometry.RowCount() && geometry.PositionTop(position) < bottom; ++position) {
         item.itemID = geometry.RowAtPosition(position);
@@ -51,14 +51,14 @@ void ReportView::DrawGroupHeaders(QPainter &painter, std::int64_t top, std::int6
             continue;
         int const y = static_cast<int>(span.headerTop - ContentTop());
         QRect const line(4, y, viewport()->width() - 8, geometry.GroupHeaderHeight() - 2);
-        QString const text = ToQString(m_groups[static_cast<std::size_t>(span.group)].header);
+        QString const text = platform::ToQString(m_groups[static_cast<std::size_t>(span.group)].header);
         QColor const ink = palette().color(QPalette::Highlight).darker(120);
         painter.save();
         QFont bold = font();
         bold.setBold(true);
         painter.setFont(bold);
         painter.setPen(ink);
-        int const flags = ReadingFlags(text, Qt::AlignLeft | Qt::AlignVCenter, layoutDirection());
+        int const flags = platform::ReadingFlags(text, Qt::AlignLeft | Qt::AlignVCenter, layoutDirection());
         painter.drawText(line, flags | Qt::TextSingleLine,
                          painter.fontMetrics().elidedText(text, Qt::ElideRight, line.width()));
         Rect const rule{line.left() + painter.fontMetrics().horizontalAdvance(text) + 8, line.center().y(),
@@ -71,7 +71,7 @@ void ReportView::DrawGroupHeaders(QPainter &painter, std::int64_t top, std::int6
 
 Rect ReportView::PictureRect(Rect const &row) const {
     Rect place = Mirrored(row);
-    place.right = place.left + kSmallPicture;
+    place.right = place.left + platform::kSmallPicture;
     return Mirrored(place);
 }
 
@@ -83,9 +83,10 @@ void ReportView::DrawRowPicture(DrawItemStruct const &item) const {
 
 void ReportView::DrawItem(DrawItemStruct const &item) {
     bool const selected = (item.state & LVIS_SELECTED) != 0;
-    ColorRef const text = selected ? SystemColor(COLOR_HIGHLIGHTTEXT) : item.textColor;
-    item.painter.fillRect(ToQRect(item.rcItem), ToQColor(selected ? SystemColor(COLOR_HIGHLIGHT) : item.bkColor));
-    item.painter.setPen(ToQColor(text));
+    ColorRef const text = selected ? platform::SystemColor(COLOR_HIGHLIGHTTEXT) : item.textColor;
+    item.painter.fillRect(ToQRect(item.rcItem),
+                          platform::ToQColor(selected ? platform::SystemColor(COLOR_HIGHLIGHT) : item.bkColor));
+    item.painter.setPen(platform::ToQColor(text));
     DrawRowPicture(item);
     for (int const col : GetColumnOrderArray()) {
         ReportColumn column;
@@ -106,7 +107,7 @@ bool ReportView::ShowLabelTip(Point point, QPoint screenPoint) {
     QString const text = ShownText(hit.row, hit.col);
     bool const clipped = fontMetrics().horizontalAdvance(text) + 2 > cell.Intersected(GetClientRect()).Width();
     if (clipped)
-        QToolTip::showText(screenPoint, ToToolTip(text), viewport(), ToQRect(cell));
+        QToolTip::showText(screenPoint, platform::ToToolTip(text), viewport(), ToQRect(cell));
     return clipped;
 }
 
@@ -120,4 +121,4 @@ bool ReportView::viewportEvent(QEvent *event) {
     return ColumnArea::viewportEvent(event);
 }
 
-} // namespace zelvar::platform
+} // namespace zelvar

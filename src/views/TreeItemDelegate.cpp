@@ -6,13 +6,13 @@
 
 #include <QtGui/QPainter>
 
-namespace zelvar::platform {
+namespace zelvar {
 
 TreeItemDelegate::TreeItemDelegate(TreeView &tree) : QStyledItemDelegate(&tree), m_tree(tree) {}
 
 void TreeItemDelegate::initStyleOption(QStyleOptionViewItem *option, QModelIndex const &index) const {
     QStyledItemDelegate::initStyleOption(option, index);
-    option->text = Isolated(option->text, option->direction);
+    option->text = platform::Isolated(option->text, option->direction);
     auto const &node = *static_cast<TreeNode const *>(index.internalPointer());
     if ((node.state & TVIS_BOLD) != 0) {
         option->font.setBold(true);
@@ -28,8 +28,8 @@ void TreeItemDelegate::initStyleOption(QStyleOptionViewItem *option, QModelIndex
     option->features |= QStyleOptionViewItem::HasDecoration;
     option->decorationSize = QSize(side, side);
     bool const selected = m_tree.m_selected == &node;
-    QPixmap const picture =
-        ListPicture(m_tree.m_images, selected ? node.selectedImage : node.image, m_tree.devicePixelRatioF(), side);
+    QPixmap const picture = platform::ListPicture(m_tree.m_images, selected ? node.selectedImage : node.image,
+                                                  m_tree.devicePixelRatioF(), side);
     option->icon = QIcon(picture);
     option->icon.addPixmap(picture, QIcon::Selected); // its colours may mean something
 }
@@ -44,4 +44,4 @@ void TreeItemDelegate::paint(QPainter *painter, QStyleOptionViewItem const &opti
     painter->setOpacity(opacity);
 }
 
-} // namespace zelvar::platform
+} // namespace zelvar

@@ -2,7 +2,7 @@
 
 #include <QtWidgets/QStyledItemDelegate>
 
-namespace zelvar::platform {
+namespace zelvar {
 
 class TreeView;
 
@@ -24,4 +24,4 @@ private:
     TreeView const &m_tree;
 };
 
-} // namespace zelvar::platform
+} // namespace zelvar

@@ -7,10 +7,10 @@
 
 #include <algorithm>
 
-namespace zelvar::platform {
+namespace zelvar {
 
 TreeLabelEdit::TreeLabelEdit(TreeView &tree, HTREEITEM item)
-    : QLineEdit(ToQString(item->text), tree.viewport()), m_tree(tree), m_item(item) {
+    : QLineEdit(platform::ToQString(item->text), tree.viewport()), m_tree(tree), m_item(item) {
     setFont(tree.font());
     setAccessibleName(text());
     connect(this, &QLineEdit::textChanged, this, &TreeLabelEdit::GrowToText);
@@ -55,7 +55,7 @@ void TreeLabelEdit::End(bool cancel) {
     if (m_ended)
         return;
     bool const hadFocus = hasFocus();
-    DString const typed = ToDString(text());
+    DString const typed = platform::ToDString(text());
     Discard();
     if (hadFocus)
         m_tree.setFocus(Qt::OtherFocusReason);
@@ -68,4 +68,4 @@ void TreeLabelEdit::Discard() {
     deleteLater();
 }
 
-} // namespace zelvar::platform
+} // namespace zelvar

@@ -4,7 +4,7 @@
 
 #include <QtWidgets/QLineEdit>
 
-namespace zelvar::platform {
+namespace zelvar {
 
 class TreeView;
 
@@ -33,4 +33,4 @@ private:
     bool m_ended = false;
 };
 
-} // namespace zelvar::platform
+} // namespace zelvar

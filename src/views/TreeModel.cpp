@@ -18,7 +18,7 @@ TreeNode *const TVI_SORT = &sortPosition;
 
 } // namespace zelvar
 
-namespace zelvar::platform {
+namespace zelvar {
 
 namespace {
 
@@ -109,8 +109,8 @@ bool TreeModel::hasChildren(QModelIndex const &parent) const {
 
 QVariant TreeModel::data(QModelIndex const &index, int role) const {
     if (index.isValid() && (role == Qt::DisplayRole || role == Qt::EditRole))
-        return ToQString(NodeOf(index)->text);
+        return platform::ToQString(NodeOf(index)->text);
     return {};
 }
 
-} // namespace zelvar::platform
+} // namespace zelvar

@@ -5,7 +5,7 @@
 
 #include <QtCore/QAbstractItemModel>
 
-namespace zelvar::platform {
+namespace zelvar {
 
 /// The items of a tree view as the toolkit's views want them. An index's pointer is the item.
 class TreeModel : public QAbstractItemModel {
@@ -37,4 +37,4 @@ private:
     mutable TreeNodes m_nodes;
 };
 
-} // namespace zelvar::platform
+} // namespace zelvar

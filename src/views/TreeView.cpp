@@ -10,7 +10,7 @@
 
 #include <utility>
 
-namespace zelvar::platform {
+namespace zelvar {
 
 TreeView::TreeView(QWidget *parent)
     : QTreeView(parent), m_model(std::make_unique<TreeModel>()), m_delegate(new TreeItemDelegate(*this)) {
@@ -396,7 +396,7 @@ QLineEdit *TreeView::EditLabel(HTREEITEM item) {
         return nullptr;
     QPersistentModelIndex const index(m_model->IndexOf(item));
     QPointer<TreeView> const self(this);
-    NMTVDISPINFO info{.hdr = {this, GetDlgCtrlID(*this), TVN_BEGINLABELEDIT},
+    NMTVDISPINFO info{.hdr = {this, platform::GetDlgCtrlID(*this), TVN_BEGINLABELEDIT},
                       .item = {.mask = TVIF_HANDLE | TVIF_TEXT, .hItem = item, .pszText = item->text.c_str()}};
     long long result = 0;
     if (!OnBeginLabelEdit(info, &result))
@@ -429,7 +429,7 @@ void TreeView::TellEndOfEdit(TreeLabelEdit &edit, DString const *text) {
     QPointer<TreeView> const self(this);
     QPersistentModelIndex const index(m_model->IndexOf(item));
     NMTVDISPINFO info{
-        .hdr = {this, GetDlgCtrlID(*this), TVN_ENDLABELEDIT},
+        .hdr = {this, platform::GetDlgCtrlID(*this), TVN_ENDLABELEDIT},
         .item = {.mask = TVIF_HANDLE | TVIF_TEXT, .hItem = item, .pszText = text == nullptr ? nullptr : text->c_str()}};
     long long result = 0;
     if (!OnEndLabelEdit(info, &result) && !self.isNull())
@@ -440,4 +440,4 @@ void TreeView::TellEndOfEdit(TreeLabelEdit &edit, DString const *text) {
 
 bool TreeView::PreTranslateMessage(QEvent & /*message*/) { return false; }
 
-} // namespace zelvar::platform
+} // namespace zelvar

@@ -11,7 +11,7 @@
 
 class QLineEdit;
 
-namespace zelvar::platform {
+namespace zelvar {
 
 class TreeItemDelegate;
 class TreeLabelEdit;
@@ -197,4 +197,4 @@ private:
     int m_editTimer = 0;
 };
 
-} // namespace zelvar::platform
+} // namespace zelvar

@@ -21,7 +21,7 @@
 #include <cstdlib>
 #include <utility>
 
-namespace zelvar::platform {
+namespace zelvar {
 
 /// Where the parts of an item stand, in viewport pixels.
 struct TreeView::Parts {
@@ -181,7 +181,7 @@ void TreeView::StartDrag() {
     m_editSoon = nullptr;
     bool const left = m_pressedButton == MK_LBUTTON;
     NMTREEVIEW info{
-        .hdr = {this, GetDlgCtrlID(*this), left ? TVN_BEGINDRAG : TVN_BEGINRDRAG},
+        .hdr = {this, platform::GetDlgCtrlID(*this), left ? TVN_BEGINDRAG : TVN_BEGINRDRAG},
         .itemNew = {.mask = TVIF_HANDLE, .hItem = item, .lParam = static_cast<long long>(item->data)},
         .ptDrag = m_pressedAt,
     };
@@ -309,7 +309,7 @@ bool TreeView::MoveByKey(QKeyEvent const &event) {
 
 void TreeView::ExpandAll(HTREEITEM item) {
     // What is put in on the way is expanded as well; it may take long, and may be much.
-    EscapeWatch watch;
+    platform::EscapeWatch watch;
     QPointer<TreeView> const self(this);
     QPersistentModelIndex const top(m_model->IndexOf(item));
     HTREEITEM next = item;
@@ -325,7 +325,7 @@ void TreeView::ExpandAll(HTREEITEM item) {
 
 void TreeView::keyPressEvent(QKeyEvent *event) {
     QPointer<TreeView> const self(this);
-    unsigned short const key = VirtualKey(event->key());
+    unsigned short const key = platform::VirtualKey(event->key());
     long long result = 0;
     if (!OnKeydown(key, &result) && !self.isNull())
         Q_EMIT KeyDown(key);
@@ -370,7 +370,7 @@ bool TreeView::ShowLabelTip(QHelpEvent const &event) {
         QToolTip::hideText();
         return false;
     }
-    QToolTip::showText(event.globalPos(), ToToolTip(ToQString(item->text)), viewport(), label);
+    QToolTip::showText(event.globalPos(), platform::ToToolTip(platform::ToQString(item->text)), viewport(), label);
     return true;
 }
 
@@ -384,4 +384,4 @@ void TreeView::scrollContentsBy(int dx, int dy) {
     QTreeView::scrollContentsBy(dx, dy);
 }
 
-} // namespace zelvar::platform
+} // namespace zelvar

@@ -14,7 +14,7 @@ TEST(CListCtrlEx, ColumnsAreAsWideAsTheirCaptionsAndShowWhatTheMaskSays) {
     constexpr int all = LVCF_FMT | LVCF_WIDTH | LVCF_TEXT | LVCF_SUBITEM;
     for (Case const &c : {Case{0, -1, all, 0, 0}, {1, 2, all, 1, 2}, {2, 1, all & ~LVCF_SUBITEM, 2, 2}}) {
         EXPECT_EQ(list.AddColumn("Sample", c.item, c.subItem, c.mask, LVCFMT_RIGHT), c.at);
-        platform::ReportColumn column;
+        ReportColumn column;
         ASSERT_TRUE(list.GetColumn(c.at, column));
         EXPECT_EQ(column.caption, "Sample");
         EXPECT_EQ(column.format, LVCFMT_RIGHT);
@@ -22,7 +22,7 @@ TEST(CListCtrlEx, ColumnsAreAsWideAsTheirCaptionsAndShowWhatTheMaskSays) {
         EXPECT_EQ(column.subItem, c.shown);
     }
     EXPECT_EQ(list.AddColumn("no text", 3, -1, LVCF_WIDTH), 3);
-    platform::ReportColumn column;
+    ReportColumn column;
     ASSERT_TRUE(list.GetColumn(3, column));
     EXPECT_EQ(column.caption, "");
     EXPECT_EQ(list.AddColumn("nowhere", -1), -1);

@@ -56,7 +56,7 @@ TEST(CListCtrlFlex, ABackgroundOfZeroIsTextColouredWithoutAnImageAndBlackWithOne
 TEST(CListCtrlFlex, AListsOwnBackgroundServesRowsWithoutARecordAndTheRest) {
     CListCtrlFlex list;
     list.InsertColumn(0, ADICol_String, "Name", false, LVCFMT_LEFT, 200, 0);
-    static_cast<platform::ReportView &>(list).InsertItem({.row = 0, .text = "plain"});
+    static_cast<ReportView &>(list).InsertItem({.row = 0, .text = "plain"});
     Stage const stage(list);
     EXPECT_FALSE(list.IsBkColorSet());
     EXPECT_NE(list.SetBkColor(Rgb(1, 200, 3)), 0);
@@ -70,7 +70,7 @@ TEST(CListCtrlFlex, AListsOwnBackgroundServesRowsWithoutARecordAndTheRest) {
 TEST(CListCtrlFlex, DataLivesInRecords) {
     CListCtrlFlex list;
     AddPlain(list, {"a"});
-    static_cast<platform::ReportView &>(list).InsertItem({.row = 1, .text = "no record"});
+    static_cast<ReportView &>(list).InsertItem({.row = 1, .text = "no record"});
     EXPECT_EQ(list.SetItemData(0, 0xFEDCBA9876543210), 0);
     EXPECT_EQ(list.GetItemData(0), 0xFEDCBA9876543210);
     EXPECT_EQ(list.GetItemData(1), 0U);

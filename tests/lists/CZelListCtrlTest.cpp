@@ -237,7 +237,7 @@ TEST(CZelListCtrlVirtual, CellsAreAskedFor) {
     EXPECT_EQ(list.GetItemImage(9), 9);
     EXPECT_EQ(list.GetItemData(9), 0U);
     std::array<char, 4> buffer{'x', 'x', 'x', 'x'};
-    platform::DispInfo info{.iItem = 200, .wantsText = true, .pszText = buffer.data(), .cchTextMax = 4};
+    DispInfo info{.iItem = 200, .wantsText = true, .pszText = buffer.data(), .cchTextMax = 4};
     list.OnGetDispInfo(info);
     EXPECT_STREQ(info.pszText, "400"); // of 40000
     info.iSubItem = 1;

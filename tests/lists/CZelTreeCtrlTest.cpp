@@ -320,7 +320,7 @@ TEST_F(CZelTreeCtrlTest, ButtonsTellTheHooks) {
 
 TEST_F(CZelTreeCtrlTest, ADoubleClickThatIsHandledDoesNotCollapse) {
     int told = 0;
-    QObject::connect(&tree, &platform::TreeView::DoubleClick, [&told] { ++told; });
+    QObject::connect(&tree, &TreeView::DoubleClick, [&told] { ++told; });
     for (bool const handle : {false, true}) {
         tree.handle = handle;
         stage.DoubleClick(stage.On(a));

@@ -9,7 +9,7 @@ namespace zelvar::test {
 /// A tree view on a screen, under a user's hands.
 class TreeStage {
 public:
-    explicit TreeStage(platform::TreeView &tree, int width = 240, int height = 200) : m_tree(tree) {
+    explicit TreeStage(TreeView &tree, int width = 240, int height = 200) : m_tree(tree) {
         tree.resize(width, height);
         tree.show();
         tree.activateWindow();
@@ -58,7 +58,7 @@ public:
     void Type(char const *text) { QTest::keyClicks(&m_tree, QString::fromUtf8(text)); }
 
 private:
-    platform::TreeView &m_tree;
+    TreeView &m_tree;
 };
 
 } // namespace zelvar::test

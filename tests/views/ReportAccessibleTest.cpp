@@ -3,7 +3,7 @@
 #include "support/ReportStage.h"
 #include "support/ScreenReader.h"
 
-namespace zelvar::platform {
+namespace zelvar {
 namespace {
 
 using test::FillStored;
@@ -118,4 +118,4 @@ TEST_F(Accessible, MillionsOfRowsCostNothingUntilAskedForAndThenOnlyTheLast) {
 }
 
 } // namespace
-} // namespace zelvar::platform
+} // namespace zelvar

@@ -8,7 +8,7 @@
 #include <QtGui/QHelpEvent>
 #include <QtWidgets/QToolTip>
 
-namespace zelvar::platform {
+namespace zelvar {
 namespace {
 
 using test::FillStored;
@@ -326,7 +326,7 @@ TEST(ReportView, CreateGivesStylePlaceAndId) {
     QWidget parent;
     auto *const view = new Owned;
     EXPECT_EQ(view->Create(LVS_SINGLESEL, {5, 6, 105, 206}, &parent, 77), 1);
-    EXPECT_EQ(GetDlgItem(parent, 77), view);
+    EXPECT_EQ(platform::GetDlgItem(parent, 77), view);
     EXPECT_EQ(view->geometry(), QRect(5, 6, 100, 200));
 }
 
@@ -348,4 +348,4 @@ TEST(ReportView, TheSelectionIsMarkedWithoutTheFocusOnlyWhereWanted) {
 }
 
 } // namespace
-} // namespace zelvar::platform
+} // namespace zelvar

@@ -2,7 +2,7 @@
 
 #include <QtGui/QAccessible>
 
-namespace zelvar::platform {
+namespace zelvar {
 namespace {
 
 TEST(TreeAccessible, AScreenReaderHearsNamesAndStatesOfItems) {
@@ -38,4 +38,4 @@ TEST(TreeAccessible, AScreenReaderHearsNamesAndStatesOfItems) {
 }
 
 } // namespace
-} // namespace zelvar::platform
+} // namespace zelvar

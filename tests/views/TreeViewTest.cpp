@@ -5,7 +5,7 @@
 #include <QtGui/QAction>
 #include <QtGui/QContextMenuEvent>
 
-namespace zelvar::platform {
+namespace zelvar {
 namespace {
 
 using test::TreeStage;
@@ -272,4 +272,4 @@ TEST(TreeView, TheWindowScrollsToTheItemThatIsToStandFirst) {
 }
 
 } // namespace
-} // namespace zelvar::platform
+} // namespace zelvar

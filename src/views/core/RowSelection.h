@@ -1,16 +1,11 @@
 #pragma once
 
 #include "zelvar/views/core/IntervalSet.h"
+#include "zelvar/views/core/ListViewNumbers.h"
 
 #include <vector>
 
 namespace zelvar {
-
-/// State bits of a row.
-enum : unsigned {
-    LVIS_FOCUSED = 1,
-    LVIS_SELECTED = 2,
-};
 
 /// Which rows of a list are selected, which one has the focus, where a range begins; and who is told of each change.
 ///

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "zelvar/base/DString.h"
+#include "zelvar/views/core/TreeViewNumbers.h"
 
 #include <cstdint>
 #include <memory>
@@ -8,16 +9,6 @@
 namespace zelvar {
 
 class TreeChildren;
-
-/// States of a tree item; a bit set.
-enum : unsigned {
-    TVIS_SELECTED = 0x2,
-    TVIS_CUT = 0x4,         ///< drawn faint
-    TVIS_DROPHILITED = 0x8, ///< marked as the target of a drop
-    TVIS_BOLD = 0x10,
-    TVIS_EXPANDED = 0x20,
-    TVIS_EXPANDEDONCE = 0x40, ///< has been expanded at some time
-};
 
 /// One item of a tree view. Made, linked and deleted by `TreeNodes` alone; others read it.
 struct TreeNode {
