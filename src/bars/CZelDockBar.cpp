@@ -2,6 +2,7 @@
 
 #include "zelvar/bars/DockState.h"
 #include "zelvar/platform/ui/ControlId.h"
+#include "zelvar/platform/ui/Convert.h"
 #include "zelvar/platform/ui/Text.h"
 #include "zelvar/xml/XMLNode.h"
 
@@ -25,10 +26,6 @@ QMainWindow *MainWindowOf(QWidget const &bar) {
         if (auto *const window = qobject_cast<QMainWindow *>(parent))
             return window;
     return nullptr;
-}
-
-Rect ToRect(QRect const &rect) {
-    return {rect.left(), rect.top(), rect.left() + rect.width(), rect.top() + rect.height()};
 }
 
 bool TakesFocus(QWidget const &widget) {
@@ -188,9 +185,9 @@ void CZelDockBar::Remember() {
         return;
     if (isFloating()) {
         if (isVisible())
-            m_floatingRect = ToRect(geometry());
+            m_floatingRect = platform::ToRect(geometry());
     } else if (x() + width() > 0 && y() + height() > 0 && isVisible()) { // a tab at the back is parked outside
-        m_dockedRect = ToRect(geometry());
+        m_dockedRect = platform::ToRect(geometry());
     }
 }
 

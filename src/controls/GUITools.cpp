@@ -2,6 +2,7 @@
 
 #include "zelvar/base/PathStyle.h"
 #include "zelvar/platform/ui/ControlId.h"
+#include "zelvar/platform/ui/Convert.h"
 #include "zelvar/platform/ui/DialogTemplate.h"
 #include "zelvar/platform/ui/Text.h"
 
@@ -23,16 +24,12 @@ namespace {
 
 constexpr std::string_view kEllipsis = "…";
 
-Rect ToRect(QRect const &rect) {
-    return {.left = rect.left(), .top = rect.top(), .right = rect.right() + 1, .bottom = rect.bottom() + 1};
-}
-
 /// Moves the window with its frame.
 void MoveFrameTo(QWidget &window, QRect const &frame) {
     QScreen const *screen = QGuiApplication::screenAt(frame.center());
     if (screen == nullptr)
         screen = window.screen();
-    Rect const place = GUITools::KeepWithin(ToRect(frame), ToRect(screen->availableGeometry()));
+    Rect const place = GUITools::KeepWithin(platform::ToRect(frame), platform::ToRect(screen->availableGeometry()));
     QSize const border = window.frameGeometry().size() - window.size();
     window.move(place.left, place.top);
     if (place.Width() < frame.width() || place.Height() < frame.height())

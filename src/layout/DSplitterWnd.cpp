@@ -2,6 +2,7 @@
 
 #include "zelvar/layout/SplitterBar.h"
 #include "zelvar/platform/ui/ControlId.h"
+#include "zelvar/platform/ui/Convert.h"
 #include "zelvar/platform/ui/PaletteColors.h"
 
 #include <QtGui/QMouseEvent>
@@ -19,8 +20,6 @@ constexpr int kBar = 3;    // pixels, in both directions
 constexpr int kBorder = 1; // pixels around each pane
 constexpr int kMostTracks = 16;
 constexpr unsigned kFirstPaneId = 0xE900;
-
-QRect ToQRect(Rect const &rect) { return {rect.left, rect.top, rect.Width(), rect.Height()}; }
 
 /// Where track `index` begins.
 int TrackStart(std::vector<SplitterTrack> const &tracks, int index) {
@@ -100,7 +99,7 @@ int DSplitterWnd::CreateView(int row, int col, PaneClass const *paneClass, Size 
     Rect const rect{0, 0, size.cx, size.cy};
     if (m_paneOwner == nullptr || m_paneOwner->CreateViewWnd(this, pane, row, col, rect, this, id) == 0) {
         pane->setParent(this);
-        pane->setGeometry(ToQRect(rect));
+        pane->setGeometry(platform::ToQRect(rect));
         pane->show();
     }
     platform::SetDlgCtrlID(*pane, static_cast<int>(id));
@@ -135,7 +134,7 @@ void DSplitterWnd::LayOutPanes() {
         if (pane.isNull())
             continue;
         Rect const rect = CellRect(cell.first, cell.second);
-        QRect const inner = ToQRect(rect).adjusted(kBorder, kBorder, -kBorder, -kBorder);
+        QRect const inner = platform::ToQRect(rect).adjusted(kBorder, kBorder, -kBorder, -kBorder);
         RestrainTextBars(*pane, inner.size());
         pane->setGeometry(inner.isValid() ? inner : QRect(rect.left, rect.top, 0, 0));
     }
@@ -160,7 +159,7 @@ void DSplitterWnd::PlaceBars() {
             m_bars.push_back(new SplitterBar(*this, Qt::Horizontal, row));
     }
     for (SplitterBar *bar : m_bars) {
-        bar->setGeometry(ToQRect(BarRect(bar->Orientation(), bar->Before())));
+        bar->setGeometry(platform::ToQRect(BarRect(bar->Orientation(), bar->Before())));
         bar->show();
     }
 }
@@ -260,19 +259,19 @@ Rect DSplitterWnd::CellRect(int row, int col) const {
 
 void DSplitterWnd::OnDrawSplitter(QPainter *painter, DrawType type, Rect const &rect) {
     if (painter == nullptr) {
-        update(ToQRect(rect));
+        update(platform::ToQRect(rect));
         for (QObject *child : children())
             if (auto *widget = qobject_cast<QWidget *>(child); widget != nullptr)
                 widget->update();
         return;
     }
     if (type != Border) {
-        painter->fillRect(ToQRect(rect), platform::Themed(Qt::white));
+        painter->fillRect(platform::ToQRect(rect), platform::Themed(Qt::white));
         return;
     }
     painter->setPen(QPen(platform::Themed(QColor(191, 191, 191)), 0));
     painter->setBrush(Qt::NoBrush);
-    painter->drawRect(ToQRect(rect).adjusted(0, 0, -1, -1));
+    painter->drawRect(platform::ToQRect(rect).adjusted(0, 0, -1, -1));
 }
 
 void DSplitterWnd::paintEvent(QPaintEvent *) {

@@ -1,5 +1,6 @@
 #include "zelvar/layout/cdxCDynamicWndEx.h"
 
+#include "zelvar/platform/ui/Convert.h"
 #include "zelvar/platform/ui/MainWindow.h"
 #include "zelvar/store/DCnfg.h"
 
@@ -15,11 +16,9 @@ namespace {
 constexpr char const *kValid = "(valid)";
 enum State { kOther = -1, kMinimized = 0, kMaximized = 1 };
 
-Rect ToRect(QRect const &rect) { return {rect.x(), rect.y(), rect.x() + rect.width(), rect.y() + rect.height()}; }
-
 Rect VirtualScreen() {
     QScreen const *const screen = QGuiApplication::primaryScreen();
-    return screen == nullptr ? Rect{} : ToRect(screen->virtualGeometry());
+    return screen == nullptr ? Rect{} : platform::ToRect(screen->virtualGeometry());
 }
 
 void MoveWindow(QWidget &window, Rect const &rect) {
@@ -46,7 +45,8 @@ DString cdxCDynamicWndEx::Section() const {
 Rect cdxCDynamicWndEx::NormalRect() const {
     // A window that was never shown knows no other rectangle than its present one.
     QRect const normal = m_pWnd->isWindow() ? m_pWnd->normalGeometry() : QRect();
-    return ToRect(normal.isValid() && (m_pWnd->isMaximized() || m_pWnd->isMinimized()) ? normal : m_pWnd->geometry());
+    return platform::ToRect(normal.isValid() && (m_pWnd->isMaximized() || m_pWnd->isMinimized()) ? normal
+                                                                                                 : m_pWnd->geometry());
 }
 
 void cdxCDynamicWndEx::OnInitialized() {

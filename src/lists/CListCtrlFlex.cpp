@@ -20,7 +20,6 @@
 
 namespace zelvar {
 
-using DrawItemStruct;
 using platform::SystemColor;
 using platform::ToQColor;
 using platform::ToQRect;
@@ -233,7 +232,7 @@ void CListCtrlFlex::DrawItem(DrawItemStruct const &item) {
         item.painter.setFont(*record->font);
     DrawCells(item, label);
     if ((item.state & LVIS_FOCUSED) != 0)
-        platform::DrawFocusRect(item.painter, item.rcItem, platform::ToColorRef(ink));
+        DrawFocusRect(item.painter, item.rcItem, platform::ToColorRef(ink));
 }
 
 void CListCtrlFlex::DrawCells(DrawItemStruct const &item, Rect const &label) const {
@@ -250,8 +249,8 @@ void CListCtrlFlex::DrawCells(DrawItemStruct const &item, Rect const &label) con
         int const right = std::min(x + column.width, label.right);
         x += column.width;
         if (left < client.right && right > client.left)
-            platform::DrawCellText(item.painter, Mirrored({left + 1, label.top, right - 1, label.bottom}),
-                                   GetItemText(item.itemID, column.subItem), column.format, platform::CellPlace::Top);
+            DrawCellText(item.painter, Mirrored({left + 1, label.top, right - 1, label.bottom}),
+                         GetItemText(item.itemID, column.subItem), column.format, CellPlace::Top);
     }
 }
 

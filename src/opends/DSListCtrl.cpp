@@ -421,12 +421,11 @@ void DSListCtrl::DrawItem(DrawItemStruct const &request) {
         if (col == kName)
             cell.left += kPictureBand + kCellInset, cell.top += kCellInset, cell.right -= kCellInset,
                 cell.bottom -= kCellInset;
-        platform::DrawCellText(request.painter, Mirrored(cell), CellText(*item, col),
-                               col == kName ? LVCFMT_LEFT : LVCFMT_RIGHT, platform::CellPlace::Centered,
-                               platform::Reading::LeftToRight);
+        DrawCellText(request.painter, Mirrored(cell), CellText(*item, col), col == kName ? LVCFMT_LEFT : LVCFMT_RIGHT,
+                     CellPlace::Centered, platform::Reading::LeftToRight);
     }
     if ((request.state & LVIS_FOCUSED) != 0)
-        platform::DrawFocusRect(request.painter, marked, platform::ToColorRef(colors.text));
+        DrawFocusRect(request.painter, marked, platform::ToColorRef(colors.text));
 }
 
 } // namespace zelvar

@@ -298,10 +298,10 @@ void DataSourceList::DrawItem(DrawItemStruct const &request) {
     ItemColors const colors = ItemColorsOf((request.state & LVIS_SELECTED) != 0, hasFocus());
     request.painter.fillRect(platform::ToQRect(rect), colors.background);
     request.painter.setPen(colors.text);
-    platform::DrawCellText(request.painter, rect, RowTextOf(*item), LVCFMT_LEFT, platform::CellPlace::Centered,
-                           platform::Reading::LeftToRight);
+    DrawCellText(request.painter, rect, RowTextOf(*item), LVCFMT_LEFT, CellPlace::Centered,
+                 platform::Reading::LeftToRight);
     if ((request.state & LVIS_FOCUSED) != 0)
-        platform::DrawFocusRect(request.painter, rect, platform::ToColorRef(colors.text));
+        DrawFocusRect(request.painter, rect, platform::ToColorRef(colors.text));
 }
 
 void DataSourceList::resizeEvent(QResizeEvent *event) {

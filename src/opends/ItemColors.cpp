@@ -21,7 +21,7 @@ ItemColors ItemColorsOf(bool selected, bool listHasFocus) {
 
 void DrawItemPicture(QPainter &painter, Rect const &row, DataSourceItem const &item) {
     if (item.GetImageList() != nullptr && item.GetIconIndex() >= 0)
-        platform::DrawListPicture(painter, {row.left, row.top}, item.GetImageList(), item.GetIconIndex(), false);
+        DrawListPicture(painter, {row.left, row.top}, item.GetImageList(), item.GetIconIndex(), false);
 }
 
 } // namespace zelvar

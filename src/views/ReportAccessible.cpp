@@ -91,7 +91,7 @@ public:
             return IsCell() ? QRect(left, all.top(), view.GetColumnWidth(m_col), all.height()) : all;
         }
         Rect const place = IsCell() ? view.GetSubItemRect(m_row, m_col, LVIR_LABEL) : view.GetItemRect(m_row);
-        return ToQRect(place).translated(view.viewport()->mapToGlobal(QPoint()));
+        return platform::ToQRect(place).translated(view.viewport()->mapToGlobal(QPoint()));
     }
     [[nodiscard]] QAccessible::Role role() const override {
         if (IsHeading())

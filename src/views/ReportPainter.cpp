@@ -38,7 +38,7 @@ void DrawCellText(QPainter &painter, Rect const &cell, std::string_view text, in
     Qt::Alignment const upDown = place == CellPlace::Top ? Qt::AlignTop : Qt::AlignVCenter;
     int const flags = platform::ReadingFlags(shown, AlignmentOf(format) | upDown, painter.layoutDirection(), reading);
     QString const fitting = painter.fontMetrics().elidedText(shown, Qt::ElideRight, cell.Width());
-    painter.drawText(ToQRect(cell), flags | Qt::TextSingleLine, fitting);
+    painter.drawText(platform::ToQRect(cell), flags | Qt::TextSingleLine, fitting);
 }
 
 void DrawListPicture(QPainter &painter, Point corner, HIMAGELIST list, int index, bool selected) {
@@ -57,7 +57,7 @@ void DrawListPicture(QPainter &painter, Point corner, HIMAGELIST list, int index
 
 void DrawFocusRect(QPainter &painter, Rect const &rect, ColorRef color) {
     QBrush const dots(platform::ToQColor(color), Qt::Dense4Pattern);
-    QRect const frame = ToQRect(rect);
+    QRect const frame = platform::ToQRect(rect);
     painter.fillRect(QRect(frame.left(), frame.top(), frame.width(), 1), dots);
     painter.fillRect(QRect(frame.left(), frame.bottom(), frame.width(), 1), dots);
     painter.fillRect(QRect(frame.left(), frame.top(), 1, frame.height()), dots);

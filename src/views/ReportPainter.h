@@ -3,6 +3,7 @@
 #include "zelvar/base/Color.h"
 #include "zelvar/base/Geometry.h"
 #include "zelvar/base/ImageList.h"
+#include "zelvar/platform/ui/Convert.h"
 #include "zelvar/platform/ui/Reading.h"
 
 #include <QtCore/QRect>
@@ -14,10 +15,6 @@
 class QPainter;
 
 namespace zelvar {
-
-[[nodiscard]] inline QRect ToQRect(Rect const &rect) {
-    return {rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top};
-}
 
 /// `LVCFMT_...` as an alignment.
 [[nodiscard]] Qt::Alignment AlignmentOf(int format);

@@ -1,4 +1,5 @@
 // What the keyboard and the mouse do in a report view.
+#include "zelvar/platform/ui/Convert.h"
 #include "zelvar/views/ReportAccessible.h"
 #include "zelvar/views/ReportView.h"
 
@@ -14,8 +15,6 @@ namespace zelvar {
 namespace {
 
 constexpr qint64 kTypingPause = 1000; // milliseconds after which a new word begins
-
-Point ToPoint(QPointF const &point) { return {static_cast<int>(point.x()), static_cast<int>(point.y())}; }
 
 /// Text that a list takes itself, so that no shortcut of the application gets it.
 bool IsTyping(QKeyEvent const &event) {
@@ -70,7 +69,7 @@ void ReportView::mousePressEvent(QMouseEvent *event) {
     m_pressed = true;
     m_clickModifiers = event->modifiers();
     // A press beside the rows leaves the selection as it is.
-    ReportHit const hit = SubItemHitTest(ToPoint(event->position()));
+    ReportHit const hit = SubItemHitTest(platform::ToPoint(event->position()));
     if (hit.row >= 0) {
         Press(hit.row, event->modifiers(), left);
         EnsureVisible(hit.row, true);
@@ -78,7 +77,7 @@ void ReportView::mousePressEvent(QMouseEvent *event) {
 }
 
 void ReportView::mouseReleaseEvent(QMouseEvent *event) {
-    Point const point = ToPoint(event->position());
+    Point const point = platform::ToPoint(event->position());
     if (!std::exchange(m_pressed, false) || !GetClientRect().Contains(point))
         return;
     ReportHit const hit = SubItemHitTest(point);
@@ -91,13 +90,13 @@ void ReportView::mouseReleaseEvent(QMouseEvent *event) {
 void ReportView::mouseDoubleClickEvent(QMouseEvent *event) {
     if (event->button() != Qt::LeftButton)
         return mousePressEvent(event);
-    Point const point = ToPoint(event->position());
+    Point const point = platform::ToPoint(event->position());
     ReportHit const hit = SubItemHitTest(point);
     if (!OnDblClick(hit, point))
         Q_EMIT DoubleClick(hit.row, hit.col);
 }
 
-void ReportView::mouseMoveEvent(QMouseEvent *event) { OnMouseMove(ToPoint(event->position())); }
+void ReportView::mouseMoveEvent(QMouseEvent *event) { OnMouseMove(platform::ToPoint(event->position())); }
 
 void ReportView::contextMenuEvent(QContextMenuEvent *event) {
     QPoint at = event->globalPos();

@@ -12,7 +12,7 @@
 namespace zelvar {
 
 void ReportView::EraseBackground(QPainter &painter, Rect const &area) const {
-    painter.fillRect(ToQRect(area), palette().color(QPalette::Base));
+    painter.fillRect(platform::ToQRect(area), palette().color(QPalette::Base));
 }
 
 void ReportView::paintEvent(QPaintEvent *event) {
@@ -64,7 +64,7 @@ void ReportView::DrawGroupHeaders(QPainter &painter, std::int64_t top, std::int6
         Rect const rule{line.left() + painter.fontMetrics().horizontalAdvance(text) + 8, line.center().y(),
                         line.right() + 1, line.center().y() + 1};
         if (rule.left < rule.right)
-            painter.fillRect(ToQRect(Mirrored(rule)), palette().color(QPalette::Mid));
+            painter.fillRect(platform::ToQRect(Mirrored(rule)), palette().color(QPalette::Mid));
         painter.restore();
     }
 }
@@ -84,7 +84,7 @@ void ReportView::DrawRowPicture(DrawItemStruct const &item) const {
 void ReportView::DrawItem(DrawItemStruct const &item) {
     bool const selected = (item.state & LVIS_SELECTED) != 0;
     ColorRef const text = selected ? platform::SystemColor(COLOR_HIGHLIGHTTEXT) : item.textColor;
-    item.painter.fillRect(ToQRect(item.rcItem),
+    item.painter.fillRect(platform::ToQRect(item.rcItem),
                           platform::ToQColor(selected ? platform::SystemColor(COLOR_HIGHLIGHT) : item.bkColor));
     item.painter.setPen(platform::ToQColor(text));
     DrawRowPicture(item);
@@ -107,7 +107,7 @@ bool ReportView::ShowLabelTip(Point point, QPoint screenPoint) {
     QString const text = ShownText(hit.row, hit.col);
     bool const clipped = fontMetrics().horizontalAdvance(text) + 2 > cell.Intersected(GetClientRect()).Width();
     if (clipped)
-        QToolTip::showText(screenPoint, platform::ToToolTip(text), viewport(), ToQRect(cell));
+        QToolTip::showText(screenPoint, platform::ToToolTip(text), viewport(), platform::ToQRect(cell));
     return clipped;
 }
 

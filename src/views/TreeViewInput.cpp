@@ -1,5 +1,6 @@
 // What stands where in a tree view, and what the mouse and the keyboard do there.
 #include "zelvar/platform/ui/ControlId.h"
+#include "zelvar/platform/ui/Convert.h"
 #include "zelvar/platform/ui/EscapeWatch.h"
 #include "zelvar/platform/ui/Text.h"
 #include "zelvar/platform/ui/VirtualKey.h"
@@ -32,8 +33,6 @@ struct TreeView::Parts {
 };
 
 namespace {
-
-Point ToPoint(QPointF const &point) { return {static_cast<int>(point.x()), static_cast<int>(point.y())}; }
 
 /// Text that a tree takes itself, so that no shortcut of the application gets it.
 bool IsTyping(QKeyEvent const &event) {
@@ -209,24 +208,24 @@ unsigned TreeView::NoteFlags(QMouseEvent const &event) {
 void TreeView::mousePressEvent(QMouseEvent *event) {
     EndEditLabelNow(false);
     if (event->button() == Qt::LeftButton)
-        OnLButtonDown(NoteFlags(*event), ToPoint(event->position()));
+        OnLButtonDown(NoteFlags(*event), platform::ToPoint(event->position()));
     else if (event->button() == Qt::RightButton)
-        OnRButtonDown(NoteFlags(*event), ToPoint(event->position()));
+        OnRButtonDown(NoteFlags(*event), platform::ToPoint(event->position()));
     else
         event->ignore();
 }
 
 void TreeView::mouseReleaseEvent(QMouseEvent *event) {
     if (event->button() == Qt::LeftButton)
-        OnLButtonUp(NoteFlags(*event), ToPoint(event->position()));
+        OnLButtonUp(NoteFlags(*event), platform::ToPoint(event->position()));
     else if (event->button() == Qt::RightButton)
-        OnRButtonUp(NoteFlags(*event), ToPoint(event->position()));
+        OnRButtonUp(NoteFlags(*event), platform::ToPoint(event->position()));
     else
         event->ignore();
 }
 
 void TreeView::mouseDoubleClickEvent(QMouseEvent *event) {
-    Point const point = ToPoint(event->position());
+    Point const point = platform::ToPoint(event->position());
     unsigned part = 0;
     TreeNode *const item = HitTest(point, &part);
     // On an expander the second click of two is a click like the first.
@@ -244,7 +243,9 @@ void TreeView::mouseDoubleClickEvent(QMouseEvent *event) {
         Expand(item, TVE_TOGGLE);
 }
 
-void TreeView::mouseMoveEvent(QMouseEvent *event) { OnMouseMove(NoteFlags(*event), ToPoint(event->position())); }
+void TreeView::mouseMoveEvent(QMouseEvent *event) {
+    OnMouseMove(NoteFlags(*event), platform::ToPoint(event->position()));
+}
 
 void TreeView::contextMenuEvent(QContextMenuEvent *event) {
     event->accept();
@@ -364,7 +365,7 @@ bool TreeView::viewportEvent(QEvent *event) {
 
 bool TreeView::ShowLabelTip(QHelpEvent const &event) {
     unsigned flags = 0;
-    TreeNode *const item = HitTest(ToPoint(event.pos()), &flags);
+    TreeNode *const item = HitTest(platform::ToPoint(event.pos()), &flags);
     QRect const label = item == nullptr ? QRect() : PartsOf(*item).label;
     if ((flags & TVHT_ONITEMLABEL) == 0 || viewport()->rect().contains(label)) {
         QToolTip::hideText();
