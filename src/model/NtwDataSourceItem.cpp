@@ -59,6 +59,11 @@ std::optional<bool> CanOpenNamed(DString const &path, char const *driverId, Requ
 
 } // namespace
 
+bool IsUnclassified(DataSourceItem const &item) {
+    auto const *const file = dynamic_cast<NtwDataSourceItem const *>(&item);
+    return file != nullptr && file->IsUnclassified();
+}
+
 bool CanOpenAsRepository(DString const &path, char const *driverId) {
     return CanOpenNamed(path, driverId, {}).value_or(false);
 }

@@ -108,6 +108,9 @@ private:
     std::int64_t m_modified = 0; ///< nanoseconds since 1970 UTC; 0 if unknown
 };
 
+/// Whether nobody found out in time if something lies in the item: the next listing asks again.
+[[nodiscard]] ZELVAR_API bool IsUnclassified(DataSourceItem const &item);
+
 /// True if a driver reads the plain file at `path` as a tree of several images: the driver with that id, if there is
 /// one, else any, whatever the file is called. Takes up to `kNamedProbe`.
 [[nodiscard]] ZELVAR_API bool CanOpenAsRepository(DString const &path, char const *driverId);

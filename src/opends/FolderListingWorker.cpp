@@ -1,7 +1,7 @@
 #include "zelvar/opends/FolderListingWorker.h"
 
 #include "zelvar/base/PathStyle.h"
-#include "zelvar/model/FolderVisits.h"
+#include "zelvar/model/ListingWalk.h"
 #include "zelvar/model/NtwDataSourceItem.h"
 
 namespace zelvar {
@@ -13,12 +13,6 @@ std::vector<DString> PathsOf(FolderListingWorker::ItemList const &items) {
     for (RefItemPtr<DataSourceItem> const &item : items)
         paths.push_back(item == nullptr ? DString() : item->GetPath());
     return paths;
-}
-
-/// What a driver could not tell in time is asked again by the next listing.
-bool IsUnclassified(DataSourceItem const &item) {
-    auto const *const file = dynamic_cast<NtwDataSourceItem const *>(&item);
-    return file != nullptr && file->IsUnclassified();
 }
 
 } // namespace
@@ -47,6 +41,7 @@ void FolderListingWorker::Begin(bool same) {
         return;
     }
     m_content.BeginWarm(m_sort, m_ascending, [this](RefItemPtr<DataSourceItem> const &item) {
+        // What a driver could not tell in time is asked again.
         return item != nullptr && PathMatchSpec(item->GetName(), m_request.fileFilter) && !IsUnclassified(*item);
     });
 }
@@ -65,12 +60,17 @@ void FolderListingWorker::Run() {
     Begin(same);
     m_savedRootPaths = std::move(rootPaths);
 
-    FolderVisits visits;
+    ListingWalk walk({.recursive = m_mode == FolderListMode::Recursive,
+                      .filter = m_request.fileFilter,
+                      .driverId = m_request.formatId,
+                      .nodeMask = m_request.bdiFilter,
+                      .purpose = m_request.dlgTemplate,
+                      .cancel = this});
     for (RefItemPtr<DataSourceItem> const &root : m_request.roots) {
         if (IsCanceled())
             break;
         if (root != nullptr)
-            ListItem(*root, visits);
+            walk.Through(root, [this](RefItemPtr<DataSourceItem> child) { return Take(std::move(child)); });
     }
     m_content.Publish();
     m_cutShort = m_cutShort || (m_deadline && scope.IsUnanswered());
@@ -81,31 +81,13 @@ void FolderListingWorker::Run() {
     m_lastMode = m_mode;
 }
 
-bool FolderListingWorker::IsTaken(DataSourceItem const &child) const {
-    return m_mode == FolderListMode::Folders ? child.IsFolder() : child.IsFile(m_request.bdiFilter);
-}
-
-void FolderListingWorker::ListItem(DataSourceItem &item, FolderVisits &visits) {
-    std::vector<RefItemPtr<DataSourceItem>> subfolders;
-    ForEachChild(item, this, m_request.fileFilter.c_str(), m_request.formatId.c_str(), m_request.bdiFilter,
-                 m_request.dlgTemplate, [&](RefItemPtr<DataSourceItem> child) {
-                     if (m_cancelled) // an interrupt keeps what is there
-                         return false;
-                     // A folder can both be entered and be picked, as far as its kind says so.
-                     if (m_mode == FolderListMode::Recursive && child->IsFolder())
-                         subfolders.push_back(child);
-                     if (IsTaken(*child))
-                         m_content.Add(std::move(child));
-                     return true;
-                 });
-    if (m_mode != FolderListMode::Recursive)
-        return;
-    for (RefItemPtr<DataSourceItem> const &folder : subfolders) {
-        if (IsCanceled())
-            return;
-        if (visits.Enter(*folder))
-            ListItem(*folder, visits);
-    }
+bool FolderListingWorker::Take(RefItemPtr<DataSourceItem> child) {
+    if (m_cancelled) // an interrupt keeps what is there
+        return false;
+    // A folder can both be entered and be picked, as far as its kind says so.
+    if (m_mode == FolderListMode::Folders ? child->IsFolder() : child->IsFile(m_request.bdiFilter))
+        m_content.Add(std::move(child));
+    return true;
 }
 
 } // namespace zelvar

@@ -68,8 +68,7 @@ private:
     void Begin(bool same);
     bool IsInterrupted() { return m_interrupted = m_interrupted || IsTimeOver() || (m_interrupt && m_interrupt()); }
     bool IsTimeOver() { return m_cutShort = m_cutShort || (m_deadline && RequestScope::Clock::now() >= *m_deadline); }
-    void ListItem(DataSourceItem &item, class FolderVisits &visits);
-    [[nodiscard]] bool IsTaken(DataSourceItem const &child) const;
+    bool Take(RefItemPtr<DataSourceItem> child);
 
     ListingContent<RefItemPtr<DataSourceItem>, ItemTraits> m_content;
     Request m_request;

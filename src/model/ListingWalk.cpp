@@ -1,0 +1,60 @@
+#include "zelvar/model/ListingWalk.h"
+
+#include "zelvar/data/RequestScope.h"
+#include "zelvar/model/NtwDataSourceItem.h"
+
+#include <algorithm>
+
+namespace zelvar {
+
+namespace {
+
+bool IsPlainFolder(DataSourceItem const &item) {
+    auto const *const folder = dynamic_cast<NtwDataSourceItem const *>(&item);
+    return folder != nullptr && folder->GetType() == NtwDataSourceItem::TYPE_FOLDER;
+}
+
+} // namespace
+
+void ListingWalk::Tell(DataSourceItem &place, std::error_code error) const {
+    if (error && m_options.onUnread && !IsStopped())
+        m_options.onUnread(place, error);
+}
+
+std::error_code ListingWalk::List(DataSourceItem &folder, Take const &take, Items &below) {
+    return ForEachChild(folder, m_options.cancel, m_options.filter.c_str(), m_options.driverId.c_str(),
+                        m_options.nodeMask, m_options.purpose, [&](RefItemPtr<DataSourceItem> child) {
+                            if (m_options.recursive && child->IsFolder())
+                                below.push_back(child);
+                            // Nobody found out in time whether something lies in it.
+                            if (m_options.recursive && IsUnclassified(*child))
+                                Tell(*child, std::make_error_code(std::errc::io_error));
+                            return take(std::move(child));
+                        });
+}
+
+void ListingWalk::ListOne(DataSourceItem &folder, Take const &take, Items &below) {
+    if (!m_options.onUnread || IsPlainFolder(folder)) {
+        Tell(folder, List(folder, take, below));
+        return;
+    }
+    // A tree that a driver serves tells nothing of a reader that was lost with a part of it.
+    RequestScope const scope(RequestKind::List, [this] { return IsStopped(); });
+    std::error_code const error = List(folder, take, below);
+    Tell(folder, !error && scope.IsUnanswered() ? std::make_error_code(std::errc::io_error) : error);
+}
+
+void ListingWalk::Through(RefItemPtr<DataSourceItem> const &place, Take const &take) {
+    Items waiting{place}; // the next folder to enter last
+    for (bool isPlace = true; !waiting.empty() && !IsStopped(); isPlace = false) {
+        RefItemPtr<DataSourceItem> const folder = std::move(waiting.back());
+        waiting.pop_back();
+        if (m_options.recursive && !m_visits.Enter(*folder) && !isPlace)
+            continue;
+        std::size_t const first = waiting.size();
+        ListOne(*folder, take, waiting);
+        std::reverse(waiting.begin() + static_cast<std::ptrdiff_t>(first), waiting.end());
+    }
+}
+
+} // namespace zelvar
