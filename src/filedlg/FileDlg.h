@@ -115,6 +115,9 @@ public:
     [[nodiscard]] int GetNumSlctFiles() const { return static_cast<int>(m_files.size()); }
     [[nodiscard]] BDIMoniker *GetFile(int index) const; ///< stays ours; null outside
     [[nodiscard]] BDIMoniker *GetFileRmv(int index);    ///< becomes the caller's; null outside
+    [[nodiscard]] std::unique_ptr<BDIMoniker> TakeFile(int index) {
+        return std::unique_ptr<BDIMoniker>(GetFileRmv(index));
+    }
     /// The path of the first: that of its file, for an address the address. "." if there is none.
     [[nodiscard]] DString GetPhysFile() const;
     [[nodiscard]] DFileFrmt *GetFormat() const { return m_format; } ///< what the user chose; may be null

@@ -5,6 +5,8 @@
 #include "zelvar/xml/XMLNode.h"
 
 #include <boost/shared_ptr.hpp>
+#include <memory>
+#include <tuple>
 
 namespace zelvar {
 
@@ -33,6 +35,13 @@ public:
     /// or another place in this one. False, and nothing done, for a node that is none, has no name, or is the root of a
     /// file. The map is empty until `Rebuild`.
     bool AddDataSource(int fileIndex, XMLNode *node);
+    /// The same; a node that is refused is deleted.
+    bool AddDataSource(int fileIndex, std::unique_ptr<XMLNode> node) {
+        bool const added = AddDataSource(fileIndex, node.get());
+        if (added)
+            std::ignore = node.release();
+        return added;
+    }
     /// Deletes the node. The map is empty until `Rebuild`.
     bool RemoveAndDeleteDataSource(int fileIndex, XMLNode *node);
     /// Name of the first definition, by name, with that URL; empty if there is none.

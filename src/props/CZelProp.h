@@ -5,6 +5,7 @@
 #include <QtWidgets/QTreeWidget>
 
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 namespace zelvar {
@@ -31,6 +32,7 @@ public:
     [[nodiscard]] bool IsGroup() const { return m_isGroup; }
     /// Takes over a property that belongs to nobody yet.
     void AddSubItem(CZelProp *prop);
+    void AddSubItem(std::unique_ptr<CZelProp> prop) { AddSubItem(prop.release()); }
     [[nodiscard]] int GetSubItemsCount() const { return static_cast<int>(m_subItems.size()); }
     [[nodiscard]] CZelProp *GetSubItem(int index) const; ///< null outside
     /// The group or property that this one was added to; null for one of the list's own.

@@ -5,6 +5,7 @@
 #include <QtWidgets/QWidget>
 
 #include <functional>
+#include <memory>
 
 class QLabel;
 class QLineEdit;
@@ -39,6 +40,7 @@ public:
 
     /// The list owns it from now on; a group comes opened.
     void AddProperty(CZelProp *prop);
+    void AddProperty(std::unique_ptr<CZelProp> prop) { AddProperty(prop.release()); }
     [[nodiscard]] int GetPropertyCount() const { return static_cast<int>(m_properties.size()); }
     [[nodiscard]] CZelProp *GetProperty(int index) const; ///< null outside
     void RemoveAll();

@@ -98,6 +98,13 @@ void ThematicGroup::RmvItem(ThematicItem *item, bool del) {
         delete item;
 }
 
+std::unique_ptr<ThematicItem> ThematicGroup::TakeItem(ThematicItem *item) {
+    if (item == nullptr || !HasItem(item))
+        return nullptr;
+    RmvItem(item, false);
+    return std::unique_ptr<ThematicItem>(item);
+}
+
 bool ThematicGroup::MoveItem(ThematicItem *item, bool up) {
     int const index = IndexOf(item);
     int const other = up ? index - 1 : index + 1;

@@ -3,6 +3,7 @@
 #include "zelvar/thematic/ThematicItem.h"
 
 #include <functional>
+#include <memory>
 
 namespace zelvar {
 
@@ -38,8 +39,12 @@ public:
     ThematicItem *Get(int index);
     void AddTail(ThematicItem *item); ///< becomes the group's; null is ignored, as in `Insert`
     void Insert(ThematicItem *item, int pos);
+    void AddTail(std::unique_ptr<ThematicItem> item) { AddTail(item.release()); }
+    void Insert(std::unique_ptr<ThematicItem> item, int pos) { Insert(item.release(), pos); }
     /// Takes it out if it is there, and deletes it if wanted, there or not.
     void RmvItem(ThematicItem *item, bool del);
+    /// Takes it out; null if it is not there.
+    [[nodiscard]] std::unique_ptr<ThematicItem> TakeItem(ThematicItem *item);
     [[nodiscard]] bool HasItem(ThematicItem const *item) const { return IndexOf(item) >= 0; }
     /// Changes places with its neighbour; false at the ends and for an item that is not there.
     bool MoveItem(ThematicItem *item, bool up);

@@ -5,6 +5,8 @@
 #include <QtGui/QFont>
 #include <QtWidgets/QWidget>
 
+#include <memory>
+
 namespace zelvar {
 
 /// Thematic list: a stack of groups, each with a coloured strip and items, and of items that stand alone. What the
@@ -38,6 +40,8 @@ public:
 
     void AddTail(Elmt *elmt); ///< the list owns it; the first item becomes selected
     void AddPos(int pos, Elmt *elmt);
+    void AddTail(std::unique_ptr<Elmt> elmt) { AddTail(elmt.release()); }
+    void AddPos(int pos, std::unique_ptr<Elmt> elmt) { AddPos(pos, elmt.release()); }
     [[nodiscard]] Elmt *Get(int index) const; ///< null outside
     [[nodiscard]] int GetNumElmt() const { return static_cast<int>(m_elements.size()); }
     [[nodiscard]] Elmt *GetHead() const { return Get(0); }
@@ -45,6 +49,8 @@ public:
     /// Take an element out and give it to the caller; null from an empty list.
     [[nodiscard]] Elmt *RmvHead();
     [[nodiscard]] Elmt *RmvTail();
+    [[nodiscard]] std::unique_ptr<Elmt> TakeHead() { return std::unique_ptr<Elmt>(RmvHead()); }
+    [[nodiscard]] std::unique_ptr<Elmt> TakeTail() { return std::unique_ptr<Elmt>(RmvTail()); }
     void Rmv(Elmt *elmt); ///< deletes it
     [[nodiscard]] Group *FindGroup(Item const *item) const;
     [[nodiscard]] Group *FindGroup(DString const &id) const;

@@ -322,6 +322,11 @@ bool XMLNode::HasAsTop(XMLNode const &top) const {
     return node == &top;
 }
 
+XMLNode *XMLNode::AddChld(std::unique_ptr<XMLNode> child) {
+    XMLNode *const added = AddChld(child.get());
+    return added == nullptr ? nullptr : child.release();
+}
+
 XMLNode *XMLNode::AddChld(DString const &name) { return AddChld(std::make_unique<XMLNode>(name).release()); }
 
 std::unique_ptr<XMLNode> XMLNode::TakeChld(XMLNode *child) {

@@ -80,6 +80,8 @@ public:
 
     /// Appends `child`, a root until now, and takes it over. Null when `child` is null or has a parent.
     XMLNode *AddChld(XMLNode *child);
+    /// The same; one that is refused is deleted.
+    XMLNode *AddChld(std::unique_ptr<XMLNode> child);
     XMLNode *AddChld(DString const &name);
     /// Takes a child of this node out of the tree; it is a root then, and the caller's. Null if it is none.
     [[nodiscard]] std::unique_ptr<XMLNode> TakeChld(XMLNode *child);

@@ -130,7 +130,7 @@ TEST_F(Request, ResultsAreSortedByTheirNamesAndHandedOut) {
         texts.push_back(request.GetFile(i)->GetText());
     EXPECT_EQ(texts, (Names{"/c/Adam", "/b/Zoe", "/a/Zoe", "/a/adam", "/x/\xff"}));
     EXPECT_EQ(request.GetPhysFile(), "/c/Adam");
-    std::unique_ptr<BDIMoniker> const second(request.GetFileRmv(1));
+    std::unique_ptr<BDIMoniker> const second = request.TakeFile(1);
     EXPECT_EQ(second->GetText(), "/b/Zoe");
     EXPECT_EQ(request.GetFile(1)->GetText(), "/a/Zoe");
     EXPECT_EQ(request.GetFile(-1), nullptr);

@@ -120,7 +120,7 @@ TEST_F(DataSourceRepositoryTest, AddReplacesSameNamesAndNeedsARebuild) {
     EXPECT_FALSE(definitions.AddDataSource(0, nullptr));
     XMLNode nameless("DataSource");
     EXPECT_FALSE(definitions.AddDataSource(0, &nameless));
-    EXPECT_TRUE(definitions.AddDataSource(0, added.release()));
+    EXPECT_TRUE(definitions.AddDataSource(0, std::move(added)));
     EXPECT_TRUE(definitions.IsEmpty());
     EXPECT_EQ(definitions.Rebuild(), 0);
     EXPECT_THAT(Names(definitions), ElementsAre("A", "B"));

@@ -88,7 +88,7 @@ struct Layer {
     Layer() {
         auto *const image = new CZelProp("Image");
         image->AddSubItem(title);
-        image->AddSubItem(new CZelProp("Format", "GTiff"));
+        image->AddSubItem(std::make_unique<CZelProp>("Format", "GTiff"));
         list.AddProperty(image);
         auto *const look = new CZelProp("Look");
         for (CZelProp *const prop : {opacity, visible, resampling, tint, source, note})
@@ -347,7 +347,7 @@ TEST(CZelPropList, AlphabeticOrderDissolvesTheGroupsAndGivesThemBack) {
     };
     EXPECT_EQ(names(), "File Format Note Opacity Resampling Tint Title Visible ");
     EXPECT_EQ(layer.list.GetProperty(1)->GetSubItem(0), layer.opacity) << "the groups are still told";
-    layer.list.GetProperty(0)->AddSubItem(new CZelProp("Nodata", "0"));
+    layer.list.GetProperty(0)->AddSubItem(std::make_unique<CZelProp>("Nodata", "0"));
     delete layer.note;
     EXPECT_EQ(names(), "File Format Nodata Opacity Resampling Tint Title Visible ");
     layer.list.SetFilter("TL");

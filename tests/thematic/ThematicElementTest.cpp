@@ -221,7 +221,7 @@ TEST(ThematicGroup, KeepsItsItemsInOrder) {
     EXPECT_EQ(other.GetNumItem(), 2);
     EXPECT_EQ(a->GetGrp(), &group); // keeps its answer
     other.RmvItem(a, true);
-    other.RmvItem(b, false);
+    EXPECT_EQ(other.TakeItem(b).release(), b);
     EXPECT_EQ(other.GetNumItem(), 0);
     other.RmvItem(b, true); // not there, and deleted
 

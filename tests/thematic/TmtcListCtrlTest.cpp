@@ -204,10 +204,10 @@ TEST(TmtcListCtrl, TheSelectionNeverRestsOnWhatIsGone) {
     stage.list.Rmv(stage.group);
     EXPECT_EQ(stage.list.GetSlctElmt(), nullptr);
     stage.ClickAt(stage.TextOf(stage.single));
-    std::unique_ptr<Elmt> const tail(stage.list.RmvTail());
+    std::unique_ptr<Elmt> const tail = stage.list.TakeTail();
     EXPECT_EQ(tail.get(), stage.single);
     EXPECT_FALSE(tail->IsSelected());
-    std::unique_ptr<Elmt> const head(stage.list.RmvHead());
+    std::unique_ptr<Elmt> const head = stage.list.TakeHead();
     EXPECT_EQ(stage.list.RmvHead(), nullptr);
     static_cast<void>(stage.list.grab());
 }
