@@ -22,16 +22,16 @@ using MaybeAnswer = std::optional<wire::AnswerBodyUnion>;
 /// What a driver throws is an answer too.
 MaybeAnswer Guarded(RequestHandler &handler, RequestQueue::Entry &entry) {
     if (entry.isStopped)
-        return RequestHandler::Failure("stopped");
+        return Failure("stopped");
     try {
         MemoryLimit const limit(entry.request->memory);
         return handler.Handle(entry.request->body, std::move(entry.file));
     } catch (std::bad_alloc const &) {
-        return RequestHandler::Failure("out of memory");
+        return Failure("out of memory");
     } catch (std::exception const &failure) {
-        return RequestHandler::Failure(failure.what());
+        return Failure(failure.what());
     } catch (...) {
-        return RequestHandler::Failure("a driver failed");
+        return Failure("a driver failed");
     }
 }
 
@@ -96,7 +96,7 @@ void Server::Send(std::uint64_t number, wire::AnswerBodyUnion body) {
     constexpr int noFile = -1;
     if (m_channel.Send(wire::Pack(answer), noFile, MessageChannel::Forever()) != MessageChannel::Result::Damaged)
         return; // an application that has gone is noticed by the other thread
-    answer.body = RequestHandler::Failure("the answer is too long");
+    answer.body = Failure("the answer is too long");
     static_cast<void>(m_channel.Send(wire::Pack(answer), noFile, MessageChannel::Forever()));
 }
 
