@@ -227,7 +227,7 @@ void CBDISelectorDlg::AskLater() {
         platform::PostMessage(this, kAskVisible);
 }
 
-void CBDISelectorDlg::AskVisible(platform::MessageParam, platform::MessageParam) {
+void CBDISelectorDlg::AskVisible() {
     m_askPosted = false;
     StoppableRequest request(kTimeToAsk);
     int const bottom = m_tree->viewport()->height();

@@ -61,7 +61,7 @@ private:
     // Whether an item has children is asked when it comes into sight: among thousands of items most never do. Until
     // then it is marked as having some.
     void AskLater();
-    void AskVisible(platform::MessageParam, platform::MessageParam);
+    void AskVisible();
     void AskForChildren(HTREEITEM item);
 
     DString m_path;

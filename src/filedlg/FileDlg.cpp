@@ -60,24 +60,8 @@ FileDlg &FileDlg::operator=(FileDlg const &other) {
         return *this;
     DeleteFiles();
     m_files = other.m_files;
-    m_initFile = other.m_initFile;
-    m_initFrmtId = other.m_initFrmtId;
-    m_formats = other.m_formats;
-    m_ownedFormats = other.m_ownedFormats;
-    m_formerFormats = other.m_formerFormats;
     m_copies = other.m_copies;
-    m_caption = other.m_caption;
-    m_format = other.m_format;
-    m_multipleFiles = other.m_multipleFiles;
-    m_noChangeDir = other.m_noChangeDir;
-    m_dataType = other.m_dataType;
-    m_nodeMask = other.m_nodeMask;
-    m_overwritePrompt = other.m_overwritePrompt;
-    m_dlgTmplId = other.m_dlgTmplId;
-    m_chckReadOnly = other.m_chckReadOnly;
-    m_chckEditOnly = other.m_chckEditOnly;
-    m_options = other.m_options;
-    m_dataSourceType = other.m_dataSourceType;
+    m_request = other.m_request;
     return *this;
 }
 
@@ -121,54 +105,57 @@ void FileDlg::SortData() {
     std::transform(named.begin(), named.end(), m_files.begin(), [](auto const &entry) { return entry.second; });
 }
 
-DString FileDlg::GetImgDrvrID() const { return m_format == nullptr ? DString() : ImageDriverOf(*m_format); }
+DString FileDlg::GetImgDrvrID() const {
+    return m_request.format == nullptr ? DString() : ImageDriverOf(*m_request.format);
+}
 
 // ----------------------------------------------------------------------------------------------------- the formats
 
 void FileDlg::Reset() {
     DeleteFiles();
-    for (auto const *list : {&m_ownedFormats, &m_formerFormats})
+    for (auto const *list : {&m_request.ownedFormats, &m_request.formerFormats})
         for (auto const &format : *list)
-            if (format.get() == m_format)
-                m_format = nullptr;
-    m_ownedFormats.clear();
-    m_formerFormats.clear();
-    m_formats.clear();
+            if (format.get() == m_request.format)
+                m_request.format = nullptr;
+    m_request.ownedFormats.clear();
+    m_request.formerFormats.clear();
+    m_request.formats.clear();
 }
 
 std::vector<DFileFrmt *> FileDlg::OfferedFormats() const {
-    std::vector<DFileFrmt *> offered = m_formats;
+    std::vector<DFileFrmt *> offered = m_request.formats;
     std::erase(offered, nullptr);
     return offered;
 }
 
 void FileDlg::AddDscr(DFileFrmt *format, bool sorted) {
-    auto at = m_formats.end();
+    auto at = m_request.formats.end();
     if (sorted && format != nullptr)
-        at = std::find_if(m_formats.begin(), m_formats.end(), [format](DFileFrmt const *other) {
+        at = std::find_if(m_request.formats.begin(), m_request.formats.end(), [format](DFileFrmt const *other) {
             return other != nullptr && other->GetName() > format->GetName();
         });
-    m_formats.insert(at, format);
+    m_request.formats.insert(at, format);
 }
 
 void FileDlg::RmvDscr(DFileFrmt *format) {
-    if (auto const at = std::find(m_formats.begin(), m_formats.end(), format); at != m_formats.end())
-        m_formats.erase(at);
+    if (auto const at = std::find(m_request.formats.begin(), m_request.formats.end(), format);
+        at != m_request.formats.end())
+        m_request.formats.erase(at);
 }
 
 DFileFrmt *FileDlg::GetFormat(char const *id) const {
-    if (m_formats.empty())
+    if (m_request.formats.empty())
         WarnOfNoFormats();
-    for (DFileFrmt *format : m_formats)
+    for (DFileFrmt *format : m_request.formats)
         if (id != nullptr && format != nullptr && format->GetID() == id)
             return format;
     return nullptr;
 }
 
 DFileFrmt *FileDlg::GetFormatByName(char const *name) const {
-    if (m_formats.empty())
+    if (m_request.formats.empty())
         WarnOfNoFormats();
-    for (DFileFrmt *format : m_formats)
+    for (DFileFrmt *format : m_request.formats)
         if (name != nullptr && format != nullptr && format->GetName() == name)
             return format;
     return nullptr;
@@ -201,7 +188,7 @@ void FileDlg::SetFormat(EFormat format, int mode) {
     }
     if (row.load.empty())
         return;
-    m_format = row.load.front();
+    m_request.format = row.load.front();
     DVector<DFileFrmt *> &wanted = mode == 1 ? row.save : row.load;
     if (mode != 0 && mode != 1)
         wanted.resize(std::min<std::size_t>(wanted.size(), 2));
@@ -210,10 +197,10 @@ void FileDlg::SetFormat(EFormat format, int mode) {
 }
 
 void FileDlg::RemoveFormatWithId(char const *id) {
-    auto const at = std::find_if(m_formats.begin(), m_formats.end(),
+    auto const at = std::find_if(m_request.formats.begin(), m_request.formats.end(),
                                  [id](DFileFrmt const *format) { return format != nullptr && format->GetID() == id; });
-    if (at != m_formats.end())
-        m_formats.erase(at);
+    if (at != m_request.formats.end())
+        m_request.formats.erase(at);
 }
 
 // -------------------------------------------------------------------------------------------- the road to a dialog
@@ -225,21 +212,21 @@ bool FileDlg::ShowFileDlg(int mode, char const *key, DLGTemplate dlgTemplate) {
         WarnOfNoFormats();
         return false;
     }
-    if (m_format == nullptr) {
-        DString const extension = StripExtn(m_initFile);
+    if (m_request.format == nullptr) {
+        DString const extension = StripExtn(m_request.initFile);
         auto const same = std::find_if(offered.begin(), offered.end(),
                                        [&](DFileFrmt const *format) { return format->GetExtn() == extension; });
-        m_format = same == offered.end() ? offered.front() : *same;
+        m_request.format = same == offered.end() ? offered.front() : *same;
     }
     auto const current = std::find_if(offered.begin(), offered.end(), [this](DFileFrmt const *format) {
-        return format->GetName() == m_format->GetName();
+        return format->GetName() == m_request.format->GetName();
     });
     int const position = static_cast<int>(current - offered.begin());
     FilterBuffer &buffer = SharedFilterBuffer();
     int const index = position < FillFilter(buffer, offered) ? position : 0;
     // Both texts are copies: what runs while the dialog is open may ask for another one.
     DString const filter = buffer.Text();
-    DString const extension = m_format->GetExtn();
+    DString const extension = m_request.format->GetExtn();
     if (!OpenMFCFileDlg(mode, filter.c_str(), index, extension.c_str(), key, dlgTemplate))
         return false;
     SortData();
@@ -248,7 +235,7 @@ bool FileDlg::ShowFileDlg(int mode, char const *key, DLGTemplate dlgTemplate) {
 
 bool FileDlg::OpenFileDlg(int mode, char const *filter, char const *ext, DLGTemplate dlgTemplate) {
     DString const text = Text(filter);
-    int const index = IndexOfPattern(text, ext == nullptr ? StripExtn(m_initFile) : DString(ext));
+    int const index = IndexOfPattern(text, ext == nullptr ? StripExtn(m_request.initFile) : DString(ext));
     DeleteFiles();
     if (!OpenMFCFileDlg(mode, text.c_str(), index, ext, "", dlgTemplate))
         return false;
@@ -258,7 +245,7 @@ bool FileDlg::OpenFileDlg(int mode, char const *filter, char const *ext, DLGTemp
 
 bool FileDlg::Open(int mode, EFormat format, char const *name, char const *dir, char const *key) {
     SetFormat(format, mode);
-    m_initFile = InitialPath(name, dir, key);
+    m_request.initFile = InitialPath(name, dir, key);
     if (!OpenAll(mode))
         return false;
     RememberFolder(key);
@@ -266,24 +253,25 @@ bool FileDlg::Open(int mode, EFormat format, char const *name, char const *dir, 
 }
 
 bool FileDlg::Open(int mode, char const *name, char const *dir, char const *key) {
-    m_initFile = InitialPath(name, dir, key);
+    m_request.initFile = InitialPath(name, dir, key);
     // The file's own extension comes ahead of "All Files".
-    DString const extension = AnswersSoon(m_initFile) ? InitialMoniker(m_initFile, mode).GetFrmtExtn(false)
-                                                      : DFile(m_initFile).GetPhysFileExtn();
+    DString const extension = AnswersSoon(m_request.initFile)
+                                  ? InitialMoniker(m_request.initFile, mode).GetFrmtExtn(false)
+                                  : DFile(m_request.initFile).GetPhysFileExtn();
     DFileFrmt own("", "", ("*." + extension).c_str());
     AddDscr(&own, false);
     bool const opened = OpenAll(mode);
     RmvDscr(&own);
-    if (m_format == &own)
-        m_format = nullptr;
+    if (m_request.format == &own)
+        m_request.format = nullptr;
     if (opened)
         RememberFolder(key);
     return opened;
 }
 
 void FileDlg::ReadInitFile(char const *folderKey) {
-    if (m_initFile.empty() && folderKey != nullptr)
-        m_initFile = ReadSetting(folderKey, ".");
+    if (m_request.initFile.empty() && folderKey != nullptr)
+        m_request.initFile = ReadSetting(folderKey, ".");
 }
 
 void FileDlg::RememberFolder(char const *folderKey) const {

@@ -47,16 +47,18 @@ public:
         *pFrmt_textsttng, *pFrmt_proc_ver;
 
     // What is special about the request.
-    void SetInitFile(DString const &file) { m_initFile = file; } ///< a path, a folder, or a place as `zelvar ls` has it
-    void SetInitFrmtId(DString const &id) { m_initFrmtId = id; }
-    void SetCaption(char const *caption) { m_caption = caption == nullptr ? "" : caption; }
-    void SetMultipleFiles() { m_multipleFiles = true; }
-    void SetNoChangeDir() { m_noChangeDir = true; } ///< the platform's dialog cannot leave its folder
-    void SetDataType(unsigned type) { m_dataType = type; }
-    void ShowOverwritePrompt(bool show) { m_overwritePrompt = show; }
-    void SetDlgTmplId(int id) { m_dlgTmplId = id; }
-    void SetOptions(DString const &options) { m_options = options; }
-    void SetFormat(DFileFrmt *format) { m_format = format; } ///< the one to begin with; not owned
+    void SetInitFile(DString const &file) {
+        m_request.initFile = file;
+    } ///< a path, a folder, or a place as `zelvar ls` has it
+    void SetInitFrmtId(DString const &id) { m_request.initFrmtId = id; }
+    void SetCaption(char const *caption) { m_request.caption = caption == nullptr ? "" : caption; }
+    void SetMultipleFiles() { m_request.multipleFiles = true; }
+    void SetNoChangeDir() { m_request.noChangeDir = true; } ///< the platform's dialog cannot leave its folder
+    void SetDataType(unsigned type) { m_request.dataType = type; }
+    void ShowOverwritePrompt(bool show) { m_request.overwritePrompt = show; }
+    void SetDlgTmplId(int id) { m_request.dlgTmplId = id; }
+    void SetOptions(DString const &options) { m_request.options = options; }
+    void SetFormat(DFileFrmt *format) { m_request.format = format; } ///< the one to begin with; not owned
 
     // The formats offered, in order; not owned.
     void AddDscr(DFileFrmt *format, bool sorted);
@@ -120,11 +122,11 @@ public:
     }
     /// The path of the first: that of its file, for an address the address. "." if there is none.
     [[nodiscard]] DString GetPhysFile() const;
-    [[nodiscard]] DFileFrmt *GetFormat() const { return m_format; } ///< what the user chose; may be null
-    [[nodiscard]] bool GetChckReadOnly() const { return m_chckReadOnly; }
-    [[nodiscard]] bool GetChckEditOnly() const { return m_chckEditOnly; }
-    [[nodiscard]] DString const &GetOptions() const { return m_options; }
-    [[nodiscard]] DataSourceItem::DataSourceType GetDataSourceType() const { return m_dataSourceType; }
+    [[nodiscard]] DFileFrmt *GetFormat() const { return m_request.format; } ///< what the user chose; may be null
+    [[nodiscard]] bool GetChckReadOnly() const { return m_request.chckReadOnly; }
+    [[nodiscard]] bool GetChckEditOnly() const { return m_request.chckEditOnly; }
+    [[nodiscard]] DString const &GetOptions() const { return m_request.options; }
+    [[nodiscard]] DataSourceItem::DataSourceType GetDataSourceType() const { return m_request.dataSourceType; }
     /// The id of the driver for the images of the chosen format: a custom import's first layer's, or the format's own.
     [[nodiscard]] DString GetImgDrvrID() const;
 
@@ -165,24 +167,29 @@ private:
     void RememberFolder(char const *folderKey) const;
     void SaveHistory(char const *key) const;
 
-    DString m_initFile;
-    DString m_initFrmtId;
-    DVector<DFileFrmt *> m_formats;                            ///< not owned
-    DList<std::shared_ptr<DFileFrmt>> m_ownedFormats;          ///< made for the request
-    DList<std::shared_ptr<DFileFrmt>> m_formerFormats;         ///< that are not offered by their name
+    /// What is special about the request, and what came of it beside the files.
+    struct Request {
+        DString initFile;
+        DString initFrmtId;
+        DVector<DFileFrmt *> formats;                    ///< not owned
+        DList<std::shared_ptr<DFileFrmt>> ownedFormats;  ///< made for the request
+        DList<std::shared_ptr<DFileFrmt>> formerFormats; ///< that are not offered by their name
+        DString caption;
+        DFileFrmt *format = nullptr; ///< not owned
+        bool multipleFiles = false;
+        bool noChangeDir = false;
+        unsigned dataType = ~0U; ///< `BDINodeType` bits that plug-ins are asked for
+        int nodeMask = 0;        ///< `BDINodeType` bits wanted
+        bool overwritePrompt = true;
+        int dlgTmplId = 0;
+        bool chckReadOnly = false;
+        bool chckEditOnly = false;
+        DString options;
+        DataSourceItem::DataSourceType dataSourceType = DataSourceItem::DST_UNKNOWN;
+    };
+
+    Request m_request;
     std::shared_ptr<void> m_copies = std::make_shared<char>(); ///< one for all copies that share `m_files`
-    DString m_caption;
-    DFileFrmt *m_format = nullptr; ///< not owned
-    bool m_multipleFiles = false;
-    bool m_noChangeDir = false;
-    unsigned m_dataType = ~0U; ///< `BDINodeType` bits that plug-ins are asked for
-    int m_nodeMask = 0;        ///< `BDINodeType` bits wanted
-    bool m_overwritePrompt = true;
-    int m_dlgTmplId = 0;
-    bool m_chckReadOnly = false;
-    bool m_chckEditOnly = false;
-    DString m_options;
-    DataSourceItem::DataSourceType m_dataSourceType = DataSourceItem::DST_UNKNOWN;
 };
 
 #pragma GCC diagnostic pop

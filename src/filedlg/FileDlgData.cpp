@@ -84,64 +84,65 @@ DString FormatOfPlugin(DIOPluginMngr &manager, DString const &name, DString cons
 void FileDlg::AddIOPluginFilters(DIOPluginMngr *manager, int mode, ICheck<DString> const *check) {
     DList<DFileFrmt *> formats;
     if (manager != nullptr)
-        manager->BuildFrmtList(mode, m_dataType, check, formats);
+        manager->BuildFrmtList(mode, m_request.dataType, check, formats);
     else
         AppendCustomImports(formats);
     for (DFileFrmt *format : formats)
         if (format != nullptr)
-            m_ownedFormats.emplace_back(format);
+            m_request.ownedFormats.emplace_back(format);
     OfferOwnedFormats(mode);
 }
 
 void FileDlg::OfferOwnedFormats(int mode) {
-    auto const others = std::stable_partition(m_ownedFormats.begin(), m_ownedFormats.end(),
+    auto const others = std::stable_partition(m_request.ownedFormats.begin(), m_request.ownedFormats.end(),
                                               [](auto const &format) { return format->GetExtn() == kRasterFormats; });
     if (mode == kLoad)
-        std::for_each(m_ownedFormats.begin(), others, [this](auto const &format) { AddDscr(format.get(), false); });
-    std::move(m_ownedFormats.begin(), others, std::back_inserter(m_formerFormats));
-    m_ownedFormats.erase(m_ownedFormats.begin(), others);
-    for (auto const &format : m_ownedFormats)
+        std::for_each(m_request.ownedFormats.begin(), others,
+                      [this](auto const &format) { AddDscr(format.get(), false); });
+    std::move(m_request.ownedFormats.begin(), others, std::back_inserter(m_request.formerFormats));
+    m_request.ownedFormats.erase(m_request.ownedFormats.begin(), others);
+    for (auto const &format : m_request.ownedFormats)
         AddDscr(format.get(), true);
 }
 
 bool FileDlg::OpenRasterData(DIOPluginMngr *manager, int mode, bool multiple, bool rememberDir,
                              ICheck<DString> const *check) {
     Reset();
-    m_nodeMask = BDINode_Raster;
+    m_request.nodeMask = BDINode_Raster;
     if (mode == kLoad)
         AddDscr(&BuiltInFormats::Instance().frmt_all, false);
     AddIOPluginFilters(manager, mode, check);
     if (mode == kSave) {
-        if (m_caption.empty())
-            m_caption = "Export Image Layer...";
+        if (m_request.caption.empty())
+            m_request.caption = "Export Image Layer...";
         RemoveFormatWithId("ASC"); // it is not written as an image
     }
     ReadInitFile(kRasterFolder);
-    if (!m_formats.empty()) {
-        m_format = m_initFrmtId.empty() ? GetFormatByName(ReadSetting(kRasterType, "TIF").c_str())
-                                        : GetFormat(m_initFrmtId.c_str());
-        if (m_format == nullptr && m_initFrmtId.empty())
-            m_format = GetFormatByName("STD_TIF");
+    if (!m_request.formats.empty()) {
+        m_request.format = m_request.initFrmtId.empty() ? GetFormatByName(ReadSetting(kRasterType, "TIF").c_str())
+                                                        : GetFormat(m_request.initFrmtId.c_str());
+        if (m_request.format == nullptr && m_request.initFrmtId.empty())
+            m_request.format = GetFormatByName("STD_TIF");
     }
     BeginWithUsualFormat(mode);
     if (multiple)
         SetMultipleFiles();
-    if (m_caption.empty())
-        SetCaptionFor(mode, m_multipleFiles ? "Import Image Layers..." : "Import Image Layer...",
+    if (m_request.caption.empty())
+        SetCaptionFor(mode, m_request.multipleFiles ? "Import Image Layers..." : "Import Image Layer...",
                       "Export Image Layer...");
     if (!ShowFileDlg(mode, "ImageFolders", DT_DATA))
         return false;
     if (rememberDir)
         RememberFolder(kRasterFolder);
-    if (m_format != nullptr)
-        WriteSetting(kRasterType, m_format->GetName());
+    if (m_request.format != nullptr)
+        WriteSetting(kRasterType, m_request.format->GetName());
     return true;
 }
 
 bool FileDlg::OpenGisObjects(DIOPluginMngr *manager, int mode, bool withStandard) {
     BuiltInFormats &known = BuiltInFormats::Instance();
     Reset();
-    m_nodeMask = BDINode_Raster | BDINode_Thematic;
+    m_request.nodeMask = BDINode_Raster | BDINode_Thematic;
     if (mode == kLoad)
         AddDscr(&known.frmt_all, false);
     AddIOPluginFilters(manager, mode, nullptr);
@@ -156,8 +157,8 @@ bool FileDlg::OpenGisObjects(DIOPluginMngr *manager, int mode, bool withStandard
     ReadInitFile(kThematicFolder);
     ChooseFormatById(kThematicType, "TIF");
     BeginWithUsualFormat(mode);
-    if (m_caption.empty())
-        SetCaptionFor(mode, m_multipleFiles ? "Add Thematic Layers..." : "Import Thematic Layer...",
+    if (m_request.caption.empty())
+        SetCaptionFor(mode, m_request.multipleFiles ? "Add Thematic Layers..." : "Import Thematic Layer...",
                       "Export Thematic Layer...");
     if (!ShowFileDlg(mode, "ThematicFolders", DT_DATA))
         return false;
@@ -169,7 +170,7 @@ bool FileDlg::OpenGisObjects(DIOPluginMngr *manager, int mode, bool withStandard
 bool FileDlg::OpenAttrData(DIOPluginMngr *manager, int mode, DString const &what) {
     BuiltInFormats &known = BuiltInFormats::Instance();
     Reset();
-    m_nodeMask = BDINode_Table;
+    m_request.nodeMask = BDINode_Table;
     if (mode == kLoad)
         AddDscr(&known.frmt_all, false);
     AddIOPluginFilters(manager, mode, nullptr);
@@ -190,58 +191,58 @@ bool FileDlg::OpenAttrData(DIOPluginMngr *manager, int mode, DString const &what
 bool FileDlg::OpenMetaData(DIOPluginMngr *manager, ICheck<DString> const *check, char const *pluginId,
                            char const *extn) {
     Reset();
-    m_nodeMask = BDINode_Table;
+    m_request.nodeMask = BDINode_Table;
     AddIOPluginFilters(manager, kLoad, check);
-    DString wanted = m_initFrmtId.empty() ? ReadSetting(kMetadataType, "INI") : m_initFrmtId;
+    DString wanted = m_request.initFrmtId.empty() ? ReadSetting(kMetadataType, "INI") : m_request.initFrmtId;
     if (manager != nullptr && pluginId != nullptr && *pluginId != '\0')
-        wanted = FormatOfPlugin(*manager, pluginId, extn == nullptr ? "" : extn, m_dataType, check, wanted);
-    if (!wanted.empty() && !m_formats.empty())
-        m_format = GetFormat(wanted.c_str());
-    if (m_caption.empty())
-        m_caption = "Import MetaData...";
+        wanted = FormatOfPlugin(*manager, pluginId, extn == nullptr ? "" : extn, m_request.dataType, check, wanted);
+    if (!wanted.empty() && !m_request.formats.empty())
+        m_request.format = GetFormat(wanted.c_str());
+    if (m_request.caption.empty())
+        m_request.caption = "Import MetaData...";
     if (!ShowFileDlg(kLoad, "ImageFolders", DT_DATA))
         return false;
-    if (m_format != nullptr)
-        WriteSetting(kMetadataType, m_format->GetID());
+    if (m_request.format != nullptr)
+        WriteSetting(kMetadataType, m_request.format->GetID());
     return true;
 }
 
 void FileDlg::ChooseFormatById(char const *typeKey, char const *fallback) {
     // Without formats the user is told once, by the dialog's function.
-    if (m_formats.empty())
+    if (m_request.formats.empty())
         return;
-    DString const id = m_initFrmtId.empty() ? ReadSetting(typeKey, fallback) : m_initFrmtId;
-    m_format = GetFormat(id.c_str());
+    DString const id = m_request.initFrmtId.empty() ? ReadSetting(typeKey, fallback) : m_request.initFrmtId;
+    m_request.format = GetFormat(id.c_str());
 }
 
 // Plug-ins may offer hundreds of formats: where neither the settings nor the file's own mask name one, the first in the
 // alphabet is no good guess.
 void FileDlg::BeginWithUsualFormat(int mode) {
-    if (m_format != nullptr)
+    if (m_request.format != nullptr)
         return;
-    DString const mask = StripExtn(m_initFile);
+    DString const mask = StripExtn(m_request.initFile);
     DString const usual = BuiltInFormats::Instance().frmt_tif.GetExtn();
     std::vector<DFileFrmt *> const offered = OfferedFormats();
     if (mode == kSave && (mask.empty() || mask == usual))
-        m_format = FormatWithId(offered, kPlainTiff); // variants of it have the same mask
+        m_request.format = FormatWithId(offered, kPlainTiff); // variants of it have the same mask
     bool const isNamed =
         std::any_of(offered.begin(), offered.end(), [&](DFileFrmt const *format) { return format->GetExtn() == mask; });
-    if (m_format != nullptr || isNamed)
+    if (m_request.format != nullptr || isNamed)
         return;
     if (mode == kLoad) {
-        m_format = &BuiltInFormats::Instance().frmt_all;
+        m_request.format = &BuiltInFormats::Instance().frmt_all;
         return;
     }
-    m_format = FormatWithMask(offered, mask);
-    if (m_format == nullptr)
-        m_format = FormatWithId(offered, kPlainTiff);
-    if (m_format == nullptr)
-        m_format = FormatWithMask(offered, usual);
+    m_request.format = FormatWithMask(offered, mask);
+    if (m_request.format == nullptr)
+        m_request.format = FormatWithId(offered, kPlainTiff);
+    if (m_request.format == nullptr)
+        m_request.format = FormatWithMask(offered, usual);
 }
 
 void FileDlg::RememberFormatId(char const *typeKey) const {
-    if (m_format != nullptr && m_format != &BuiltInFormats::Instance().frmt_all)
-        WriteSetting(typeKey, m_format->GetID());
+    if (m_request.format != nullptr && m_request.format != &BuiltInFormats::Instance().frmt_all)
+        WriteSetting(typeKey, m_request.format->GetID());
 }
 
 } // namespace zelvar

@@ -10,9 +10,7 @@
 
 #include <QtWidgets/QApplication>
 
-#include <future>
 #include <memory>
-#include <mutex>
 
 namespace zelvar {
 
@@ -58,50 +56,31 @@ bool FileDlg::OpenMFCFileDlg(int mode, char const *filter, int index, char const
         return OpenMFCFileDlgNew(0, filter, index, ext, key, dlgTemplate);
     if (platform::IsWindowThread())
         return OpenMFCFileDlgOld(mode, filter, index, ext, key);
-    if (qApp == nullptr)
-        return false;
-    // What one thread has written the other sees by the lock, and by the answer.
-    std::mutex handOver;
-    auto answer = std::make_shared<std::promise<bool>>();
-    std::future<bool> opened = answer->get_future();
-    {
-        std::lock_guard const written(handOver);
-        QMetaObject::invokeMethod(
-            qApp,
-            [&, answer = std::move(answer)] {
-                { std::lock_guard const read(handOver); } // gone before the answer: with it the other thread goes on
-                answer->set_value(OpenMFCFileDlgOld(mode, filter, index, ext, key));
-            },
-            Qt::QueuedConnection);
-    }
-    try {
-        return opened.get();
-    } catch (std::future_error const &) {
-        return false; // the application has ended first
-    }
+    bool opened = false;
+    return platform::CallOnWindowThread([&] { opened = OpenMFCFileDlgOld(mode, filter, index, ext, key); }) && opened;
 }
 
 bool FileDlg::OpenMFCFileDlgNew(int, char const *, int, char const *, char const *key, DLGTemplate dlgTemplate) {
-    if (m_format == nullptr && !m_formats.empty())
-        m_format = m_formats.front();
+    if (m_request.format == nullptr && !m_request.formats.empty())
+        m_request.format = m_request.formats.front();
     std::unique_ptr<DlgOpenDS, DeleteDialog> dialog(
-        DlgOpenDS::CreateDialogObject(m_formats, m_format, dlgTemplate, key, nullptr));
+        DlgOpenDS::CreateDialogObject(m_request.formats, m_request.format, dlgTemplate, key, nullptr));
     if (dialog == nullptr)
         return false;
-    dialog->SetBDIFilter(m_nodeMask);
+    dialog->SetBDIFilter(m_request.nodeMask);
     // Also an address, a node inside a container or a connection: the dialog looks for it once it can be seen.
-    dialog->SetInitDir(InitialPlace(m_initFile).c_str());
-    dialog->SetTitle(m_caption.c_str());
+    dialog->SetInitDir(InitialPlace(m_request.initFile).c_str());
+    dialog->SetTitle(m_request.caption.c_str());
     // Before the dialog runs: after a cancel the current format is the first, not what the caller had.
-    m_format = m_formats.empty() ? nullptr : m_formats.front();
+    m_request.format = m_request.formats.empty() ? nullptr : m_request.formats.front();
     bool const accepted = dialog->DoModal() == QDialog::Accepted;
     if (accepted) {
-        m_format = dialog->GetFormat();
+        m_request.format = dialog->GetFormat();
         for (BDIMoniker const &moniker : dialog->GetSelectedNodePaths())
             m_files.push_back(new BDIMoniker(moniker));
-        m_chckReadOnly = dialog->GetReadOnly();
-        m_chckEditOnly = dialog->GetEditOnly();
-        m_dataSourceType = dialog->GetDataSourceType();
+        m_request.chckReadOnly = dialog->GetReadOnly();
+        m_request.chckEditOnly = dialog->GetEditOnly();
+        m_request.dataSourceType = dialog->GetDataSourceType();
     }
     dialog.reset();
     if (m_files.empty() || !accepted)
@@ -111,24 +90,24 @@ bool FileDlg::OpenMFCFileDlgNew(int, char const *, int, char const *, char const
 }
 
 bool FileDlg::OpenMFCFileDlgOld(int mode, char const *filter, int index, char const *ext, char const *key) {
-    CCustomFileDlg dialog(mode == 0, ext, nullptr, filter == nullptr ? "" : filter, nullptr, m_dlgTmplId);
+    CCustomFileDlg dialog(mode == 0, ext, nullptr, filter == nullptr ? "" : filter, nullptr, m_request.dlgTmplId);
     OpenFileName &wanted = dialog.GetOFN();
     DVectorSafe<DString> history;
     DfltFldrs::Instance()->GetDirHist(key, history, true, true);
     history = FoldersAmong(history);
-    if (!m_overwritePrompt)
+    if (!m_request.overwritePrompt)
         wanted.flags &= ~unsigned{OFN_OVERWRITEPROMPT};
-    if (m_noChangeDir) {
+    if (m_request.noChangeDir) {
         wanted.flags |= OFN_NOCHANGEDIR | OFN_ENABLEHOOK;
         key = nullptr;
     }
-    if (m_multipleFiles)
+    if (m_request.multipleFiles)
         wanted.flags |= OFN_ALLOWMULTISELECT;
     dialog.EnableHistory(IsPresent(key));
     if (IsPresent(key))
         dialog.SetHistory(history);
 
-    DFile const initial = InitialFile(m_initFile, mode);
+    DFile const initial = InitialFile(m_request.initFile, mode);
     DString folder = DFile(initial.GetPhysFilePath()).GetAbsolutePath();
     if (folder.empty() && !history.empty())
         folder = history[0];
@@ -136,23 +115,24 @@ bool FileDlg::OpenMFCFileDlgOld(int mode, char const *filter, int index, char co
         wanted.initialDir = folder;
     if (DString const name = initial.GetPhysFileName(); name != "." && name != "..")
         wanted.file = name;
-    wanted.title = m_caption;
+    wanted.title = m_request.caption;
     wanted.filterIndex = index + 1;
-    dialog.SetOptions(m_options);
+    dialog.SetOptions(m_request.options);
     if (dialog.DoModal() != QDialog::Accepted)
         return false;
 
     DVectorSafe<DFile> files;
     for (std::size_t at = dialog.GetStartPosition(); at != 0;)
         files.push_back(DFile(dialog.GetNextPathName(at)));
-    m_chckReadOnly = dialog.GetReadOnly();
-    m_chckEditOnly = dialog.GetEditOnly();
+    m_request.chckReadOnly = dialog.GetReadOnly();
+    m_request.chckEditOnly = dialog.GetEditOnly();
     // The entries of the type box are the formats that there are.
     std::vector<DFileFrmt *> const offered = OfferedFormats();
     auto const chosen = static_cast<std::size_t>(dialog.GetOFN().filterIndex) - 1;
-    m_format = chosen < offered.size() ? offered[chosen] : nullptr;
-    m_options = dialog.GetOptions();
-    if (!ResolveBDI(mode, m_nodeMask, m_format, m_caption, files, ext, m_files, m_options.c_str()))
+    m_request.format = chosen < offered.size() ? offered[chosen] : nullptr;
+    m_request.options = dialog.GetOptions();
+    if (!ResolveBDI(mode, m_request.nodeMask, m_request.format, m_request.caption, files, ext, m_files,
+                    m_request.options.c_str()))
         return false;
     SaveHistory(key);
     return true;

@@ -108,9 +108,9 @@ DString SaveCaption(DString const &what) { return "Save " + what + "..."; }
 
 void FileDlg::SetCaptionFor(int mode, DString const &load, DString const &save) {
     if (mode == kLoad)
-        m_caption = load;
+        m_request.caption = load;
     else if (mode == kSave)
-        m_caption = save;
+        m_request.caption = save;
 }
 
 bool FileDlg::OpenDocument(DocumentOperation const &operation, int mode) {
@@ -118,7 +118,7 @@ bool FileDlg::OpenDocument(DocumentOperation const &operation, int mode) {
         return false;
     AddDscr(*operation.offered, false);
     ReadInitFile(operation.folderKey);
-    if (operation.caption == CaptionRule::Always || m_caption.empty())
+    if (operation.caption == CaptionRule::Always || m_request.caption.empty())
         SetCaptionFor(mode, operation.load, operation.save);
     if (!ShowFileDlg(mode, operation.historyKey, operation.dlgTemplate))
         return false;
@@ -152,16 +152,16 @@ bool FileDlg::OpenParamSet(int mode, char const *caption) {
     if (caption != nullptr)
         operation.load = operation.save = caption;
     // The name of the initial file stays, its folder is filled in.
-    if (DFile file(m_initFile); pFrmt_paramset != nullptr && file.GetPhysFilePath().empty()) {
+    if (DFile file(m_request.initFile); pFrmt_paramset != nullptr && file.GetPhysFilePath().empty()) {
         file.ChngDir(ReadSetting(operation.folderKey, "."));
-        m_initFile = file.GetMoniker();
+        m_request.initFile = file.GetMoniker();
     }
     return OpenDocument(operation, mode);
 }
 
 bool FileDlg::OpenWzrd() {
-    if (pFrmt_wzrd != nullptr && m_initFile.empty() && ReadSetting(kWzrd.folderKey, ".") == ".")
-        m_initFile = ReadSetting("WizardDefaultDir", ".");
+    if (pFrmt_wzrd != nullptr && m_request.initFile.empty() && ReadSetting(kWzrd.folderKey, ".") == ".")
+        m_request.initFile = ReadSetting("WizardDefaultDir", ".");
     return OpenDocument(kWzrd, kLoad);
 }
 
@@ -180,7 +180,7 @@ bool FileDlg::OpenActnLib(int mode) {
     DFileFind const libraries(folder.empty() ? "/" : folder, "*.dlx", true, false, false, true, 1);
     if (libraries.GetFiles().empty())
         return false;
-    bool const hasDriver = m_format != nullptr && pFrmt_actnlib != nullptr;
+    bool const hasDriver = m_request.format != nullptr && pFrmt_actnlib != nullptr;
     m_files.push_back(
         new BDIMoniker(libraries.GetFiles().front().GetMoniker(),
                        hasDriver ? BDIDrvrMngr::Instance()->GetDrvr(pFrmt_actnlib->GetID().c_str()) : nullptr));
@@ -196,14 +196,14 @@ bool FileDlg::OpenAllRuleset(int mode, bool withJobs) {
         if (format->GetExtn() != "*.*")
             extensions.push_back(format->GetExtn());
     DFileFrmt all("RLST_ALL", "All rule sets", JoinNotEmpty(extensions, ';').c_str());
-    m_formats.insert(m_formats.begin(), &all);
-    if (m_caption.empty())
+    m_request.formats.insert(m_request.formats.begin(), &all);
+    if (m_request.caption.empty())
         SetCaptionFor(mode, "Load Rule Set...", "Save Rule Set...");
     ReadInitFile("Ruleset");
     bool const opened = ShowFileDlg(mode, kRulesets, DT_RULESET);
     // What was chosen is not told: the entry for all of them says nothing.
     RmvDscr(&all);
-    m_format = nullptr;
+    m_request.format = nullptr;
     if (opened)
         RememberFolder("Ruleset");
     return opened;
@@ -216,7 +216,7 @@ bool FileDlg::OpenBuiltIn(int mode, std::initializer_list<DFileFrmt *> formats, 
     for (DFileFrmt *format : formats)
         AddDscr(format, false);
     if (mode == kLoad || mode == kSave)
-        m_caption = caption;
+        m_request.caption = caption;
     return ShowFileDlg(mode, historyKey, DT_DATA);
 }
 
@@ -226,7 +226,7 @@ bool FileDlg::OpenAll(int mode) {
 }
 
 bool FileDlg::OpenTableData(int mode, DString const &what) {
-    m_nodeMask = BDINode_Table;
+    m_request.nodeMask = BDINode_Table;
     SetFormat(FRMT_TEXT, mode);
     return OpenBuiltIn(mode, {}, mode == kLoad ? LoadCaption(what) : SaveCaption(what), "ImageFolders");
 }

@@ -23,7 +23,7 @@ protected:
     bool event(QEvent *event) override { return m_messages.Dispatch(*event) || PageForm::event(event); }
 
 private:
-    void OnSelected(platform::MessageParam, platform::MessageParam) { ShowSelection(); }
+    void OnSelected() { ShowSelection(); }
     void ShowSelection() {
         DString const text = m_chart.SelectionText();
         Say(text.empty() ? "Nothing is selected" : "Selected: " + text);

@@ -81,20 +81,20 @@ void DSDataSourceWnd::Forward(platform::MessageId message) {
         platform::SendMessage(m_coordinator, message);
 }
 
-void DSDataSourceWnd::OnDataSourceSelected(platform::MessageParam, platform::MessageParam) {
+void DSDataSourceWnd::OnDataSourceSelected() {
     Forward(WM_DS_DATA_SOURCE_SELECTED);
 }
 
-void DSDataSourceWnd::OnDataSourceDblClick(platform::MessageParam, platform::MessageParam) {
+void DSDataSourceWnd::OnDataSourceDblClick() {
     SwitchToFolderView();
     Forward(m_rootChangeMessage);
 }
 
-void DSDataSourceWnd::OnDataItemSelected(platform::MessageParam, platform::MessageParam) {
+void DSDataSourceWnd::OnDataItemSelected() {
     Forward(m_selChangeMessage);
 }
 
-void DSDataSourceWnd::OnDataItemDblClick(platform::MessageParam, platform::MessageParam) {
+void DSDataSourceWnd::OnDataItemDblClick() {
     if (!IsFolderView() || m_folderList->WasDblClckBesideRows())
         return;
     ItemList items;

@@ -48,10 +48,10 @@ protected:
     void resizeEvent(QResizeEvent *event) override;
 
 private:
-    void OnDataSourceSelected(platform::MessageParam first, platform::MessageParam second);
-    void OnDataSourceDblClick(platform::MessageParam first, platform::MessageParam second);
-    void OnDataItemSelected(platform::MessageParam first, platform::MessageParam second);
-    void OnDataItemDblClick(platform::MessageParam first, platform::MessageParam second);
+    void OnDataSourceSelected();
+    void OnDataSourceDblClick();
+    void OnDataItemSelected();
+    void OnDataItemDblClick();
     void Forward(platform::MessageId message);
 
     platform::MessageMap m_messages;

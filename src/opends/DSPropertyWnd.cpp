@@ -140,7 +140,7 @@ void DSPropertyWnd::Clear() {
     ClearWnd(ImagePreviewWnd::ModeNothing);
 }
 
-void DSPropertyWnd::OnCanvasReady(platform::MessageParam first, platform::MessageParam) {
+void DSPropertyWnd::OnCanvasReady(platform::MessageParam first) {
     if (m_closing || m_previewWnd == nullptr)
         return;
     std::optional<DCanvas> canvas = m_worker->TakeCanvas();
@@ -152,7 +152,7 @@ void DSPropertyWnd::OnCanvasReady(platform::MessageParam first, platform::Messag
     }
 }
 
-void DSPropertyWnd::OnPropsReady(platform::MessageParam, platform::MessageParam) {
+void DSPropertyWnd::OnPropsReady() {
     if (std::optional<Worker::Classified> const classified = m_worker->TakeClassified())
         if (auto *const file = dynamic_cast<NtwDataSourceItem *>(classified->item.get())) {
             file->SetClassified(classified->isContainer);
@@ -204,7 +204,7 @@ void DSPropertyWnd::Tell(platform::MessageId message) {
         platform::PostMessage(m_coordinator.isNull() ? parent() : m_coordinator.data(), message);
 }
 
-void DSPropertyWnd::OnApplyOptions(platform::MessageParam, platform::MessageParam) { Tell(m_optChangedMsg); }
-void DSPropertyWnd::OnApplyFilter(platform::MessageParam, platform::MessageParam) { Tell(m_fltrChangedMsg); }
+void DSPropertyWnd::OnApplyOptions() { Tell(m_optChangedMsg); }
+void DSPropertyWnd::OnApplyFilter() { Tell(m_fltrChangedMsg); }
 
 } // namespace zelvar

@@ -60,10 +60,10 @@ protected:
     bool event(QEvent *event) override;
 
 private:
-    void OnCanvasReady(platform::MessageParam first, platform::MessageParam second);
-    void OnPropsReady(platform::MessageParam first, platform::MessageParam second);
-    void OnApplyOptions(platform::MessageParam first, platform::MessageParam second);
-    void OnApplyFilter(platform::MessageParam first, platform::MessageParam second);
+    void OnCanvasReady(platform::MessageParam first);
+    void OnPropsReady();
+    void OnApplyOptions();
+    void OnApplyFilter();
     void AddProps();
     void ClearWnd(int mode);
     void UpdateProperties();

@@ -286,7 +286,7 @@ void DlgOpenDS::paintEvent(QPaintEvent *event) {
 }
 
 // What came in time is listed anew only where something was missing.
-void DlgOpenDS::OnFirstPaint(platform::MessageParam, platform::MessageParam) {
+void DlgOpenDS::OnFirstPaint() {
     std::ignore = ShowInitialPlace(std::nullopt); // it ends when the user says so
 }
 

@@ -126,22 +126,22 @@ private:
     void RestoreFilter();
 
     // What the panes tell.
-    void OnDataSourceSelected(platform::MessageParam first, platform::MessageParam second);
-    void OnDataItemSelected(platform::MessageParam pane, platform::MessageParam second);
-    void OnFirstPaneDataItemSelected(platform::MessageParam first, platform::MessageParam second);
-    void OnImageSelected(platform::MessageParam windowId, platform::MessageParam second);
-    void OnImageDblClick(platform::MessageParam windowId, platform::MessageParam row);
-    void OnDSOptionsChanged(platform::MessageParam first, platform::MessageParam second);
-    void OnRootChanged(platform::MessageParam first, platform::MessageParam second);
-    void OnFirstPaneRootChanged(platform::MessageParam first, platform::MessageParam second);
-    void OnResetPathButtons(platform::MessageParam first, platform::MessageParam second);
+    void OnDataSourceSelected();
+    void OnDataItemSelected(platform::MessageParam pane);
+    void OnFirstPaneDataItemSelected();
+    void OnImageSelected();
+    void OnImageDblClick();
+    void OnDSOptionsChanged();
+    void OnRootChanged();
+    void OnFirstPaneRootChanged();
+    void OnResetPathButtons();
     // Messages of the dialog to itself that no pane knows.
     static const platform::MessageId kFirstPaintMessage;
     static const platform::MessageId kAcceptMessage;
     static const platform::MessageId kExtrasFoundMessage;
-    void OnFirstPaint(platform::MessageParam first, platform::MessageParam second);
-    void OnAccept(platform::MessageParam first, platform::MessageParam second);
-    void OnExtrasFound(platform::MessageParam first, platform::MessageParam second);
+    void OnFirstPaint();
+    void OnAccept();
+    void OnExtrasFound();
 
     // What the user does.
     void OnButtonClck(int id);

@@ -90,7 +90,7 @@ void DlgOpenDS::OnUpdateState() { m_okButton->setEnabled(m_mainList->GetNumSlct(
 
 void DlgOpenDS::ResetPathButtons() { platform::PostMessage(this, WM_DS_RESET_PATH_BUTTONS); }
 
-void DlgOpenDS::OnResetPathButtons(MessageParam, MessageParam) {
+void DlgOpenDS::OnResetPathButtons() {
     if (m_pathButtons == nullptr)
         return;
     ItemList roots;
@@ -190,7 +190,7 @@ void DlgOpenDS::OnSelendokHist() { GoToDir(m_histCombo->GetWindowText(), true); 
 
 // ------------------------------------------------------------------------------------------- what the panes tell
 
-void DlgOpenDS::OnDataSourceSelected(MessageParam, MessageParam) {
+void DlgOpenDS::OnDataSourceSelected() {
     platform::EscapeWatch const watch; // one Escape for all lists
     ItemList items;
     m_dataSourceList->GetSelectedItems(items);
@@ -200,7 +200,7 @@ void DlgOpenDS::OnDataSourceSelected(MessageParam, MessageParam) {
         m_dataSourceType = items.front()->GetDataSourceType();
 }
 
-void DlgOpenDS::OnDataItemSelected(MessageParam pane, MessageParam) {
+void DlgOpenDS::OnDataItemSelected(MessageParam pane) {
     platform::EscapeWatch const watch; // one Escape for all lists
     ItemList items;
     if (m_hierarchyList != nullptr)
@@ -213,7 +213,7 @@ void DlgOpenDS::OnDataItemSelected(MessageParam pane, MessageParam) {
     m_propertyWnd->Clear();
 }
 
-void DlgOpenDS::OnFirstPaneDataItemSelected(MessageParam, MessageParam) {
+void DlgOpenDS::OnFirstPaneDataItemSelected() {
     platform::EscapeWatch const watch; // one Escape for all lists
     ItemList items;
     m_folderList->GetSelectedItems(items);
@@ -231,7 +231,7 @@ DlgOpenDS::ItemList DlgOpenDS::SelectedImages() const {
     return items;
 }
 
-void DlgOpenDS::OnImageSelected(MessageParam, MessageParam) {
+void DlgOpenDS::OnImageSelected() {
     ItemList const items = SelectedImages();
     UpdateExtras(items);
     ShowSelected(items);
@@ -252,7 +252,7 @@ void DlgOpenDS::UpdateExtras(ItemList const &items) {
         m_propertyWnd->UpdateExtras(items.empty() ? nullptr : items.front(), nullptr);
 }
 
-void DlgOpenDS::OnExtrasFound(MessageParam, MessageParam) {
+void DlgOpenDS::OnExtrasFound() {
     std::optional<ExtrasFinder::Answer> const answer = m_extrasFinder->TakeAnswer();
     if (!answer || m_propertyWnd == nullptr)
         return;
@@ -270,16 +270,16 @@ bool DlgOpenDS::AreExtrasFound() {
             if (watch.IsPressed())
                 return false;
     }
-    OnExtrasFound(0, 0);
+    OnExtrasFound();
     return true;
 }
 
-void DlgOpenDS::OnDSOptionsChanged(MessageParam first, MessageParam second) {
+void DlgOpenDS::OnDSOptionsChanged() {
     if (m_mainList != nullptr && m_propertyWnd != nullptr)
-        OnImageSelected(first, second);
+        OnImageSelected();
 }
 
-void DlgOpenDS::OnImageDblClick(MessageParam, MessageParam) {
+void DlgOpenDS::OnImageDblClick() {
     if (m_mainList->WasDblClckBesideRows())
         return;
     // What the listing had to take for a plain file, and has turned out to be a container since, is entered.
@@ -308,9 +308,9 @@ std::optional<bool> DlgOpenDS::EnterLateContainer(RefItemPtr<DataSourceItem> con
     return true;
 }
 
-void DlgOpenDS::OnAccept(MessageParam, MessageParam) { OnOK(); }
+void DlgOpenDS::OnAccept() { OnOK(); }
 
-void DlgOpenDS::OnRootChanged(MessageParam, MessageParam) {
+void DlgOpenDS::OnRootChanged() {
     platform::EscapeWatch const watch; // one Escape for all lists
     ItemList roots;
     m_hierarchyList->GetRootItems(roots);
@@ -329,7 +329,7 @@ void DlgOpenDS::OnRootChanged(MessageParam, MessageParam) {
     ResetPathButtons();
 }
 
-void DlgOpenDS::OnFirstPaneRootChanged(MessageParam, MessageParam) {
+void DlgOpenDS::OnFirstPaneRootChanged() {
     platform::EscapeWatch const watch; // one Escape for all lists
     ItemList roots;
     m_dataSourceWnd->GetRootItems(roots);

@@ -171,7 +171,7 @@ HierarchyList::ItemList HierarchyList::Selection(int pane) const {
     return items;
 }
 
-void HierarchyList::OnDataItemSelected(platform::MessageParam windowId, platform::MessageParam) {
+void HierarchyList::OnDataItemSelected(platform::MessageParam windowId) {
     int const pane = PaneOfId(windowId);
     if (pane < 0 || m_coordinator.isNull())
         return;
@@ -183,7 +183,7 @@ void HierarchyList::OnDataItemSelected(platform::MessageParam windowId, platform
         GetPane(behind)->Reset();
 }
 
-void HierarchyList::OnDataItemDblClick(platform::MessageParam windowId, platform::MessageParam) {
+void HierarchyList::OnDataItemDblClick(platform::MessageParam windowId) {
     int const pane = PaneOfId(windowId);
     if (pane < 0 || m_coordinator.isNull())
         return;

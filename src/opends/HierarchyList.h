@@ -64,8 +64,8 @@ protected:
     void focusInEvent(QFocusEvent *event) override;
 
 private:
-    void OnDataItemSelected(platform::MessageParam windowId, platform::MessageParam unused);
-    void OnDataItemDblClick(platform::MessageParam windowId, platform::MessageParam row);
+    void OnDataItemSelected(platform::MessageParam windowId);
+    void OnDataItemDblClick(platform::MessageParam windowId);
     [[nodiscard]] int PaneOfId(platform::MessageParam windowId) const;
     [[nodiscard]] ItemList Selection(int pane) const;
 

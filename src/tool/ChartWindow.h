@@ -37,7 +37,7 @@ private:
     DString m_shot;
     bool m_isShotWritten = true;
 
-    void OnSelected(platform::MessageParam, platform::MessageParam) { m_picked(); }
+    void OnSelected() { m_picked(); }
 };
 
 } // namespace zelvar::tool

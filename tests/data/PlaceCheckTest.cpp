@@ -1,7 +1,7 @@
 #include "zelvar/data/PlaceCheck.h"
 
 #include "zelvar/data/RequestScope.h"
-#include "zelvar/platform/os/ScriptedShellNamespace.h"
+#include "support/ScriptedShellNamespace.h"
 
 #include <gtest/gtest.h>
 
@@ -10,7 +10,7 @@
 namespace zelvar {
 namespace {
 
-class SlowServer : public platform::ScriptedShellNamespace {
+class SlowServer : public test::ScriptedShellNamespace {
 public:
     void Answer() { m_answer.count_down(); }
     [[nodiscard]] bool DoesServerAnswer(DString const &path) const override {

@@ -177,39 +177,5 @@ TEST(CListCtrlFlex, TheIndentAndTheImageMoveTheFirstTextOnly) {
     }
 }
 
-TEST(CListCtrlFlex, LooksRightInItsStates) {
-    for (int const pixels : {12, 18}) {
-        ImageList images;
-        for (char const *name : {"folder", "image", "table"})
-            images.Add({.name = "no-such-icon", .fallback = name});
-        QFont font = QApplication::font();
-        font.setPixelSize(pixels);
-        QFont bold = font;
-        bold.setBold(true);
-        CListCtrlFlex list;
-        list.setFont(font);
-        list.SetImageList(&images);
-        list.InsertColumn(0, ADICol_String, "Name", true, LVCFMT_LEFT, 12 * pixels, 0);
-        list.InsertColumn(1, ADICol_Double, "Size", false, LVCFMT_RIGHT, 7 * pixels, 1);
-        list.InsertColumn(2, ADICol_String, "Kind", false, LVCFMT_CENTER, 8 * pixels, 2);
-        for (int row = 0; row < 12; ++row) {
-            QFont const *const own = row == 3 ? &bold : nullptr;
-            ColorRef const back = row == 5 ? Rgb(230, 230, 215) : 0xFFFFFF;
-            list.InsertItem(row, "Landsat scene " + std::to_string(row), row % 3, 0, own, 0, back, row == 6 ? 16 : 0);
-            list.SetItemText(row, 1, std::to_string(row * 1234) + " KB");
-            list.SetItemText(row, 2, row % 2 == 0 ? "image" : "a kind of table with a long name");
-        }
-        Stage stage(list, 30 * pixels, 18 * pixels);
-        stage.ClickHeading(1);
-        stage.Click(1);
-        stage.Click(3, Qt::ShiftModifier);
-        test::Shot(list, QStringLiteral("flex-%1-focus").arg(pixels));
-        list.OnEdit(6, 0, false);
-        test::Shot(list, QStringLiteral("flex-%1-edit").arg(pixels));
-        list.setEnabled(false);
-        test::Shot(list, QStringLiteral("flex-%1-disabled").arg(pixels));
-    }
-}
-
 } // namespace
 } // namespace zelvar

@@ -3,12 +3,12 @@
 #include "support/ScriptedDriver.h"
 #include "support/Test.h"
 #include "zelvar/data/RequestScope.h"
-#include "zelvar/platform/os/ScriptedShellNamespace.h"
+#include "support/ScriptedShellNamespace.h"
 
 namespace zelvar {
 namespace {
 
-using platform::ScriptedShellNamespace;
+using test::ScriptedShellNamespace;
 using platform::ShellId;
 using platform::ShellKind;
 

@@ -10,7 +10,7 @@
 #include "zelvar/opends/DataSourceList.h"
 #include "zelvar/opends/HierarchyList.h"
 #include "zelvar/opends/NetworkScanner.h"
-#include "zelvar/platform/os/ScriptedShellNamespace.h"
+#include "support/ScriptedShellNamespace.h"
 #include "zelvar/platform/ui/UserMessages.h"
 
 #include <QtCore/QTimer>
@@ -21,7 +21,7 @@
 namespace zelvar {
 namespace {
 
-using platform::ScriptedShellNamespace;
+using test::ScriptedShellNamespace;
 using ItemList = DSListCtrl::ItemList;
 
 /// Counts what panes tell their coordinator.

@@ -1,7 +1,7 @@
 #include "zelvar/settings/DfltFldrs.h"
 
 #include "support/Test.h"
-#include "zelvar/platform/os/ScriptedShellNamespace.h"
+#include "support/ScriptedShellNamespace.h"
 #include "zelvar/settings/CnfgLdr.h"
 #include "zelvar/store/DCnfg.h"
 #include "zelvar/store/SettingsStore.h"
@@ -15,7 +15,7 @@ using platform::ShellFolderOf;
 class DfltFldrsTest : public testing::TestWithParam<PathStyle> {
 public:
     DfltFldrsTest() {
-        m_shell = std::make_shared<platform::ScriptedShellNamespace>();
+        m_shell = std::make_shared<test::ScriptedShellNamespace>();
         m_shell->SetSpecialFolder(ShellFolderOf::Desktop, Styled("C:\\u\\Desktop"));
         m_shell->SetSpecialFolder(ShellFolderOf::Documents, Styled("C:\\u\\Docs"));
         m_former = platform::ShellNamespace::SetCurrent(m_shell);
@@ -51,7 +51,7 @@ protected:
         return texts;
     }
 
-    std::shared_ptr<platform::ScriptedShellNamespace> m_shell;
+    std::shared_ptr<test::ScriptedShellNamespace> m_shell;
     std::shared_ptr<platform::ShellNamespace> m_former;
 };
 INSTANTIATE_TEST_SUITE_P(Styles, DfltFldrsTest, testing::Values(PathStyle::Native(), PathStyle::Windows()),
@@ -68,7 +68,7 @@ TEST_P(DfltFldrsTest, WordsStandForFolders) {
 }
 
 TEST_P(DfltFldrsTest, AFolderThatTheSystemDoesNotNameLeavesTheWord) {
-    auto const bare = std::make_shared<platform::ScriptedShellNamespace>();
+    auto const bare = std::make_shared<test::ScriptedShellNamespace>();
     platform::ShellNamespace::SetCurrent(bare);
     EXPECT_EQ(Translated("Desktop"), "Desktop");
     EXPECT_EQ(Translated("My Documents"), "My Documents");

@@ -10,6 +10,9 @@
 #include <QtWidgets/QMainWindow>
 
 #include <algorithm>
+#include <future>
+#include <memory>
+#include <mutex>
 
 namespace zelvar::platform {
 
@@ -97,6 +100,32 @@ bool HasFrame(QWidget const *window) {
 }
 
 bool IsWindowThread() { return qApp != nullptr && qApp->thread() == QThread::currentThread(); }
+
+bool CallOnWindowThread(std::function<void()> call) {
+    if (qApp == nullptr)
+        return false;
+    // What one thread has written the other sees by the lock, and by the answer.
+    std::mutex handOver;
+    auto answer = std::make_shared<std::promise<void>>();
+    std::future<void> made = answer->get_future();
+    {
+        std::lock_guard const written(handOver);
+        QMetaObject::invokeMethod(
+            qApp,
+            [&handOver, call = std::move(call), answer = std::move(answer)] {
+                { std::lock_guard const read(handOver); } // gone before the answer: with it the other thread goes on
+                call();
+                answer->set_value();
+            },
+            Qt::QueuedConnection);
+    }
+    try {
+        made.get();
+        return true;
+    } catch (std::future_error const &) {
+        return false; // the application has ended first
+    }
+}
 
 void StandOverMainWindow(QDialog &dialog) {
     dialog.installEventFilter(new Placement(dialog, QApplication::activeModalWidget()));

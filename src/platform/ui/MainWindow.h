@@ -2,6 +2,8 @@
 
 #include "zelvar/base/Export.h"
 
+#include <functional>
+
 class QDialog;
 class QWidget;
 
@@ -15,6 +17,9 @@ ZELVAR_API void SetMainWindow(QWidget *window);
 [[nodiscard]] ZELVAR_API bool HasFrame(QWidget const *window);
 /// Whether the calling thread is the one that windows live on.
 [[nodiscard]] ZELVAR_API bool IsWindowThread();
+/// Has the windows' thread make the call and waits until it is made. False if there is no such thread, or if it has
+/// ended first. Not on that thread itself.
+[[nodiscard]] ZELVAR_API bool CallOnWindowThread(std::function<void()> call);
 
 /// A dialog without a parent stays in front of the modal dialog that is up, or of the main window, and comes up in its
 /// middle unless it has a place of its own. One that is larger than the screen shrinks, and where it cannot, shows its

@@ -9,13 +9,20 @@
 #include <set>
 #include <vector>
 
-namespace zelvar::platform {
+namespace zelvar::test {
+
+using platform::FileTimes;
+using platform::FolderIdentity;
+using platform::ShellChild;
+using platform::ShellFolderOf;
+using platform::ShellId;
+using platform::ShellKind;
 
 /// A namespace that a test or a bench writes down: trees, delays, errors, and counts of what was asked.
 ///
 /// Things are named by paths ("/data/a.tif") and addresses ("smb://host/share/a.tif"); folders on the way are made. The
 /// order of children is that of their making. Any thread.
-class ZELVAR_API ScriptedShellNamespace : public ShellNamespace {
+class ScriptedShellNamespace : public platform::ShellNamespace {
 public:
     struct FileFacts {
         std::int64_t size = 0;
@@ -97,4 +104,4 @@ private:
     mutable int m_parseCalls = 0;
 };
 
-} // namespace zelvar::platform
+} // namespace zelvar::test

@@ -1,4 +1,4 @@
-#include "zelvar/platform/os/ScriptedShellNamespace.h"
+#include "support/ScriptedShellNamespace.h"
 
 #include "zelvar/base/PathStyle.h"
 #include "zelvar/platform/os/IconRule.h"
@@ -8,7 +8,7 @@
 #include <functional>
 #include <thread>
 
-namespace zelvar::platform {
+namespace zelvar::test {
 
 namespace {
 
@@ -16,7 +16,7 @@ constexpr char const *kDrivesKey = "drives";
 constexpr char const *kNetworkKey = "network";
 
 bool IsServerKey(DString const &key) {
-    return IsSmbAddress(key) && key.find('/', DString("smb://").size()) == DString::npos;
+    return platform::IsSmbAddress(key) && key.find('/', DString("smb://").size()) == DString::npos;
 }
 
 /// What a thing made on the way to another one is.
@@ -276,4 +276,4 @@ std::optional<DString> ScriptedShellNamespace::SpecialFolder(ShellFolderOf which
     return found == m_specialFolders.end() ? std::nullopt : std::optional(found->second);
 }
 
-} // namespace zelvar::platform
+} // namespace zelvar::test
