@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <functional>
-#include <thread>
 
 namespace zelvar::test {
 
@@ -122,28 +121,6 @@ void ScriptedShellNamespace::SetUnreadable(DString const &path, bool unreadable)
     Ensure(path, KindOnTheWay(path)).unreadable = unreadable;
 }
 
-void ScriptedShellNamespace::SetDelay(DString const &path, std::chrono::milliseconds perChild) {
-    std::lock_guard const lock(m_mutex);
-    Ensure(path, KindOnTheWay(path)).delay = perChild;
-}
-
-void ScriptedShellNamespace::Block(DString const &path) {
-    std::lock_guard const lock(m_mutex);
-    Ensure(path, KindOnTheWay(path)).blocked = true;
-}
-
-void ScriptedShellNamespace::Unblock(DString const &path) {
-    std::lock_guard const lock(m_mutex);
-    Ensure(path, KindOnTheWay(path)).blocked = false;
-    m_unblocked.notify_all();
-}
-
-bool ScriptedShellNamespace::IsWaiting(DString const &path) const {
-    std::lock_guard const lock(m_mutex);
-    Thing const *thing = Find(path);
-    return thing != nullptr && thing->waiting;
-}
-
 int ScriptedShellNamespace::EnumerateCalls(DString const &path) const {
     std::lock_guard const lock(m_mutex);
     Thing const *thing = Find(path);
@@ -155,11 +132,6 @@ int ScriptedShellNamespace::TimesCalls() const {
     return m_timesCalls;
 }
 
-int ScriptedShellNamespace::ParseCalls() const {
-    std::lock_guard const lock(m_mutex);
-    return m_parseCalls;
-}
-
 ScriptedShellNamespace::Thing const *ScriptedShellNamespace::Find(DString const &key) const {
     auto const found = m_things.find(key);
     return found == m_things.end() ? nullptr : &found->second;
@@ -167,31 +139,20 @@ ScriptedShellNamespace::Thing const *ScriptedShellNamespace::Find(DString const 
 
 ShellId ScriptedShellNamespace::Parse(DString const &path) const {
     std::lock_guard const lock(m_mutex);
-    ++m_parseCalls;
     Thing const *thing = Find(path);
     return thing == nullptr ? ShellId() : thing->id;
 }
 
 std::optional<std::vector<ScriptedShellNamespace::Thing>> ScriptedShellNamespace::ChildrenOf(DString const &key) const {
-    std::unique_lock lock(m_mutex);
+    std::lock_guard const lock(m_mutex);
     auto const found = m_things.find(key);
     if (found == m_things.end())
         return std::nullopt;
     ++found->second.enumerated;
-    found->second.waiting = found->second.blocked;
-    auto const isOpen = [&] {
-        Thing const *thing = Find(key);
-        return thing == nullptr || !thing->blocked;
-    };
-    m_unblocked.wait(lock, isOpen);
-    auto const folder = m_things.find(key);
-    if (folder == m_things.end())
-        return std::nullopt;
-    folder->second.waiting = false;
-    if (folder->second.unreadable || folder->second.id.Kind() == ShellKind::File)
+    if (found->second.unreadable || found->second.id.Kind() == ShellKind::File)
         return std::nullopt;
     std::vector<Thing> children;
-    for (DString const &child : folder->second.children)
+    for (DString const &child : found->second.children)
         if (Thing const *thing = Find(child))
             children.push_back(*thing);
     return children;
@@ -199,19 +160,10 @@ std::optional<std::vector<ScriptedShellNamespace::Thing>> ScriptedShellNamespace
 
 std::error_code ScriptedShellNamespace::Enumerate(ShellId const &folder, Purpose purpose, Visitor const &visit,
                                                   FileTest const &wanted) const {
-    DString const key = KeyOf(folder);
-    std::optional<std::vector<Thing>> const children = ChildrenOf(key);
+    std::optional<std::vector<Thing>> const children = ChildrenOf(KeyOf(folder));
     if (!children)
         return std::make_error_code(std::errc::permission_denied);
-    std::chrono::milliseconds delay{0};
-    {
-        std::lock_guard const lock(m_mutex);
-        if (Thing const *thing = Find(key))
-            delay = thing->delay;
-    }
     for (Thing const &thing : *children) {
-        if (delay.count() > 0)
-            std::this_thread::sleep_for(delay);
         bool const isFile = thing.id.Kind() == ShellKind::File;
         Wish const wish = isFile && wanted ? wanted(thing.name) : Wish::Yes;
         if (wish == Wish::Stop)

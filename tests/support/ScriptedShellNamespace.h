@@ -2,8 +2,6 @@
 
 #include "zelvar/platform/os/ShellNamespace.h"
 
-#include <chrono>
-#include <condition_variable>
 #include <map>
 #include <mutex>
 #include <set>
@@ -18,7 +16,7 @@ using platform::ShellFolderOf;
 using platform::ShellId;
 using platform::ShellKind;
 
-/// A namespace that a test or a bench writes down: trees, delays, errors, and counts of what was asked.
+/// A namespace that a test writes down: trees, errors, and counts of what was asked.
 ///
 /// Things are named by paths ("/data/a.tif") and addresses ("smb://host/share/a.tif"); folders on the way are made. The
 /// order of children is that of their making. Any thread.
@@ -46,18 +44,10 @@ public:
 
     /// `Enumerate` of the folder fails.
     void SetUnreadable(DString const &path, bool unreadable = true);
-    /// Each child of the folder takes that long.
-    void SetDelay(DString const &path, std::chrono::milliseconds perChild);
-    /// The folder's enumeration waits before its first child until `Unblock`: a dead medium.
-    void Block(DString const &path);
-    void Unblock(DString const &path);
-    /// True while an enumeration waits there.
-    [[nodiscard]] bool IsWaiting(DString const &path) const;
 
     /// How often a folder's children were asked for; the drives place is "drives", the network place "network".
     [[nodiscard]] int EnumerateCalls(DString const &path) const;
     [[nodiscard]] int TimesCalls() const;
-    [[nodiscard]] int ParseCalls() const;
 
     [[nodiscard]] ShellId Drives() const override { return m_drives; }
     [[nodiscard]] ShellId Network() const override { return m_network; }
@@ -79,10 +69,7 @@ private:
         DString name;
         FileFacts facts;
         bool unreadable = false;
-        bool blocked = false;
-        bool waiting = false;
         int enumerated = 0;
-        std::chrono::milliseconds delay{0};
         std::vector<DString> children; ///< keys in `m_things`
     };
 
@@ -91,17 +78,14 @@ private:
     Thing &Ensure(DString const &key, ShellKind kind);
     void Insert(DString const &parentKey, DString const &key, DString const &name, ShellId const &id);
     [[nodiscard]] Thing const *Find(DString const &key) const;
-    /// Waits while the folder is blocked; its children then, or nothing if it cannot be read.
     std::optional<std::vector<Thing>> ChildrenOf(DString const &key) const;
 
     mutable std::mutex m_mutex; ///< guards all below
-    mutable std::condition_variable m_unblocked;
     ShellId m_drives;
     ShellId m_network;
     mutable std::map<DString, Thing> m_things;
     std::map<ShellFolderOf, DString> m_specialFolders;
     mutable int m_timesCalls = 0;
-    mutable int m_parseCalls = 0;
 };
 
 } // namespace zelvar::test
