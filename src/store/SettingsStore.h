@@ -11,6 +11,8 @@
 
 namespace zelvar {
 
+class SettingsSession;
+
 /// The one store of settings: keys in a tree, typed values under each key, in an SQLite file.
 ///
 /// Keys are paths with "\" between their elements, compared with case; the empty key is the root, and separators at
@@ -72,8 +74,7 @@ public:
     [[nodiscard]] std::int64_t ReadInt(DString const &key, DString const &name, std::int64_t fallback) const;
 
 private:
-    struct Impl;
-    std::unique_ptr<Impl> m_impl;
+    std::unique_ptr<SettingsSession> m_session;
 };
 
 } // namespace zelvar
