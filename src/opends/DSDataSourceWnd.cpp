@@ -81,18 +81,14 @@ void DSDataSourceWnd::Forward(platform::MessageId message) {
         platform::SendMessage(m_coordinator, message);
 }
 
-void DSDataSourceWnd::OnDataSourceSelected() {
-    Forward(WM_DS_DATA_SOURCE_SELECTED);
-}
+void DSDataSourceWnd::OnDataSourceSelected() { Forward(WM_DS_DATA_SOURCE_SELECTED); }
 
 void DSDataSourceWnd::OnDataSourceDblClick() {
     SwitchToFolderView();
     Forward(m_rootChangeMessage);
 }
 
-void DSDataSourceWnd::OnDataItemSelected() {
-    Forward(m_selChangeMessage);
-}
+void DSDataSourceWnd::OnDataItemSelected() { Forward(m_selChangeMessage); }
 
 void DSDataSourceWnd::OnDataItemDblClick() {
     if (!IsFolderView() || m_folderList->WasDblClckBesideRows())

@@ -1,7 +1,7 @@
 #include "zelvar/data/PlaceCheck.h"
 
-#include "zelvar/data/RequestScope.h"
 #include "support/ScriptedShellNamespace.h"
+#include "zelvar/data/RequestScope.h"
 
 #include <gtest/gtest.h>
 

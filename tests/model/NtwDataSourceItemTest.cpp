@@ -1,16 +1,16 @@
 #include "zelvar/model/NtwDataSourceItem.h"
 
 #include "support/ScriptedDriver.h"
+#include "support/ScriptedShellNamespace.h"
 #include "support/Test.h"
 #include "zelvar/data/RequestScope.h"
-#include "support/ScriptedShellNamespace.h"
 
 namespace zelvar {
 namespace {
 
-using test::ScriptedShellNamespace;
 using platform::ShellId;
 using platform::ShellKind;
+using test::ScriptedShellNamespace;
 
 class CountingCancel : public DataSourceItem::ICancel {
 public:

@@ -1,5 +1,6 @@
 #include "support/ReportStage.h"
 #include "support/ScriptedDriver.h"
+#include "support/ScriptedShellNamespace.h"
 #include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/data/DriverProvider.h"
 #include "zelvar/data/RequestScope.h"
@@ -10,7 +11,6 @@
 #include "zelvar/opends/DataSourceList.h"
 #include "zelvar/opends/HierarchyList.h"
 #include "zelvar/opends/NetworkScanner.h"
-#include "support/ScriptedShellNamespace.h"
 #include "zelvar/platform/ui/UserMessages.h"
 
 #include <QtCore/QTimer>

@@ -1,7 +1,7 @@
 #include "zelvar/settings/DfltFldrs.h"
 
-#include "support/Test.h"
 #include "support/ScriptedShellNamespace.h"
+#include "support/Test.h"
 #include "zelvar/settings/CnfgLdr.h"
 #include "zelvar/store/DCnfg.h"
 #include "zelvar/store/SettingsStore.h"
