@@ -8,9 +8,6 @@
 
 namespace zelvar::test {
 
-using ReportHit;
-using ReportView;
-
 /// Shows a view as big as wanted, waits for the focus and lets the tests press on rows and headings as a user does.
 class Stage {
 public:
