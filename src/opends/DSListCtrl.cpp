@@ -3,6 +3,7 @@
 #include "zelvar/model/NtwDataSourceItem.h"
 #include "zelvar/model/listing/ListingTexts.h"
 #include "zelvar/opends/DSMessages.h"
+#include "zelvar/opends/FolderListingWorker.h"
 #include "zelvar/opends/ItemColors.h"
 #include "zelvar/platform/ui/ControlId.h"
 #include "zelvar/platform/ui/EscapeWatch.h"
@@ -38,11 +39,18 @@ constexpr int kCellInset = 1;
 
 } // namespace
 
+struct DSListCtrl::Listing {
+    FolderListingWorker worker;
+    PaneState savedState;  ///< what the last listing was made from
+    PathSet selectedPaths; ///< rows that are to be selected when they turn up
+    DString focusPath;     ///< of the row that the keyboard was at before a listing
+};
+
 DSListCtrl::DSListCtrl(QWidget *parent)
-    : CZelListCtrlVirtual(parent), m_selChangeMessage(WM_DS_DATA_ITEM_SELECTED),
+    : CZelListCtrlVirtual(parent), m_listing(std::make_unique<Listing>()), m_selChangeMessage(WM_DS_DATA_ITEM_SELECTED),
       m_dblClckMessage(WM_DS_DATA_ITEM_DBLCLICK), m_timers(*this) {}
 
-DSListCtrl::~DSListCtrl() { m_worker.Stop(true); }
+DSListCtrl::~DSListCtrl() { m_listing->worker.Stop(true); }
 
 int DSListCtrl::Create(unsigned style, Rect const &rect, DLGTemplate dlgTemplate, QWidget *parent, unsigned id) {
     m_dlgTemplate = dlgTemplate;
@@ -95,10 +103,15 @@ void DSListCtrl::FitNames() {
 
 void DSListCtrl::SetMode(Mode mode) {
     m_mode = mode;
-    m_worker.SetMode(static_cast<FolderListMode>(mode));
+    m_listing->worker.SetMode(static_cast<FolderListMode>(mode));
 }
 
 // ------------------------------------------------------------------------------------------ changing the content
+
+/// What was cut short is listed again by the next request for it.
+void DSListCtrl::SavePaneState() {
+    m_listing->savedState = m_listing->worker.IsCutShort() ? PaneState() : PresentState();
+}
 
 PaneState DSListCtrl::PresentState() const {
     PaneState state{.bdiFilter = m_bdiFilter, .formatId = m_formatId, .fileFilter = m_fileFilter};
@@ -107,13 +120,15 @@ PaneState DSListCtrl::PresentState() const {
     return state;
 }
 
-bool DSListCtrl::HasStateChanged() const { return StateChanged(m_savedState, PresentState(), m_mode == ModeRecursive); }
+bool DSListCtrl::HasStateChanged() const {
+    return StateChanged(m_listing->savedState, PresentState(), m_mode == ModeRecursive);
+}
 
 void DSListCtrl::ShowDir(RefItemPtr<DataSourceItem> dir, RefItemPtr<DataSourceItem> const &selected) {
     m_itemToSelect.reset();
-    m_selectedPaths.Clear();
+    m_listing->selectedPaths.Clear();
     if (selected != nullptr)
-        m_selectedPaths.Add(selected->GetPath());
+        m_listing->selectedPaths.Add(selected->GetPath());
     ResetItemsIntrnl({std::move(dir)});
 }
 
@@ -145,7 +160,7 @@ void DSListCtrl::Sort(int col, bool ascending) {
     SaveFocus();
     Reset();
     m_rootItems = roots;
-    m_worker.SetSort(SortOfColumn(col), ascending);
+    m_listing->worker.SetSort(SortOfColumn(col), ascending);
     StartWindowFilling();
     GetLastSort() = LastSort(col, ascending);
     SetSortMark(m_mode == ModeFolders ? -1 : col, ascending);
@@ -172,13 +187,13 @@ void DSListCtrl::CopyData(DSListCtrl *other) {
 }
 
 void DSListCtrl::Reset() {
-    m_worker.Stop(true);
-    m_worker.ClearPending();
-    m_worker.ClearRoots();
+    m_listing->worker.Stop(true);
+    m_listing->worker.ClearPending();
+    m_listing->worker.ClearRoots();
     SetNumRow(0, 0);
     m_rootItems.clear();
     m_rows.clear();
-    m_savedState = {}; // what comes back is listed again
+    m_listing->savedState = {}; // what comes back is listed again
     if (m_mode == ModeFolders)
         SetColumnCaption(kName, "");
     viewport()->update();
@@ -189,10 +204,10 @@ void DSListCtrl::SaveSelection() {
     GetSelectedItems(selected);
     if (m_itemToSelect != nullptr)
         selected.push_back(std::exchange(m_itemToSelect, nullptr));
-    m_selectedPaths.Clear();
+    m_listing->selectedPaths.Clear();
     for (RefItemPtr<DataSourceItem> const &item : selected)
         if (item != nullptr)
-            m_selectedPaths.Add(item->GetPath());
+            m_listing->selectedPaths.Add(item->GetPath());
 }
 
 // A listing that is asked for before the rows of the last one have come keeps what that one was to find.
@@ -200,7 +215,7 @@ void DSListCtrl::SaveFocus() {
     if (m_rows.empty())
         return;
     RefItemPtr<DataSourceItem> const item = ItemAt(GetFocusRow());
-    m_focusPath = item == nullptr ? DString() : item->GetPath();
+    m_listing->focusPath = item == nullptr ? DString() : item->GetPath();
 }
 
 void DSListCtrl::StartWindowFilling() {
@@ -211,12 +226,12 @@ void DSListCtrl::StartWindowFilling() {
     if (m_rootItems.empty())
         return;
     AddParentRow();
-    m_worker.SetRequest({m_rootItems, m_fileFilter, m_formatId, m_dlgTemplate, m_bdiFilter});
+    m_listing->worker.SetRequest({m_rootItems, m_fileFilter, m_formatId, m_dlgTemplate, m_bdiFilter});
     {
         platform::EscapeWatch watch;
-        m_worker.SetInterrupt([&watch] { return watch.IsPressed(); });
-        m_worker.Run(); // to its end, on this thread
-        m_worker.SetInterrupt({});
+        m_listing->worker.SetInterrupt([&watch] { return watch.IsPressed(); });
+        m_listing->worker.Run(); // to its end, on this thread
+        m_listing->worker.SetInterrupt({});
     }
     SavePaneState();
 }
@@ -253,16 +268,16 @@ std::vector<std::uint32_t> DSListCtrl::SelectedRows() const {
 }
 
 void DSListCtrl::MergePending() {
-    std::vector<Worker::Pending> batch = m_worker.TakePending();
+    std::vector<FolderListingWorker::Pending> batch = m_listing->worker.TakePending();
     if (batch.empty())
         return;
     if (m_rows.size() >= kListingRowLimit) {
-        m_worker.Stop(false);
+        m_listing->worker.Stop(false);
         return;
     }
     std::vector<std::int32_t> places;
     places.reserve(batch.size());
-    for (Worker::Pending const &record : batch)
+    for (FolderListingWorker::Pending const &record : batch)
         places.push_back(record.row);
     RowPlan const plan(m_rows.size(), places);
 
@@ -272,14 +287,15 @@ void DSListCtrl::MergePending() {
     int wantedRow = -1;
     int const oldFocus = GetFocusRow();
     int focus = oldFocus < 0 ? -1 : static_cast<int>(plan.MoveOldRows({static_cast<std::uint32_t>(oldFocus)}).front());
-    bool const isSought = m_itemToSelect != nullptr || !m_selectedPaths.IsEmpty() || !m_focusPath.empty();
+    bool const isSought =
+        m_itemToSelect != nullptr || !m_listing->selectedPaths.IsEmpty() || !m_listing->focusPath.empty();
     for (std::size_t i = 0; i < batch.size() && isSought; ++i) {
         DString const path = batch[i].item->GetPath();
         if (m_itemToSelect != nullptr && path == wantedPath)
             wantedRow = static_cast<int>(plan.InsertedRows()[i]);
-        if (oldFocus < 0 && path == m_focusPath)
+        if (oldFocus < 0 && path == m_listing->focusPath)
             focus = static_cast<int>(plan.InsertedRows()[i]);
-        if (m_selectedPaths.Contains(path))
+        if (m_listing->selectedPaths.Contains(path))
             newSelected.push_back(plan.InsertedRows()[i]);
     }
     plan.Apply(m_rows, std::move(batch));
@@ -299,7 +315,7 @@ void DSListCtrl::MergePending() {
         SetItemState(wantedRow, LVIS_SELECTED, LVIS_SELECTED);
     }
     if (oldFocus < 0 && focus >= 0) {
-        m_focusPath.clear();
+        m_listing->focusPath.clear();
         SetSelectionMark(focus);
         EnsureVisible(focus);
     }
@@ -332,10 +348,10 @@ bool DSListCtrl::OnItemChanged(int row, unsigned, unsigned newState) {
     if ((newState & LVIS_SELECTED) == 0)
         return true;
     // A row that comes back from a refill stays quiet, once; a real click on it later is told.
-    if (RefItemPtr<DataSourceItem> const item = ItemAt(row); item != nullptr && !m_selectedPaths.IsEmpty()) {
+    if (RefItemPtr<DataSourceItem> const item = ItemAt(row); item != nullptr && !m_listing->selectedPaths.IsEmpty()) {
         DString const path = item->GetPath();
-        if (m_selectedPaths.Contains(path)) {
-            m_selectedPaths.Remove(path);
+        if (m_listing->selectedPaths.Contains(path)) {
+            m_listing->selectedPaths.Remove(path);
             return true;
         }
     }

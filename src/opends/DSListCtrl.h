@@ -3,7 +3,6 @@
 #include "zelvar/base/Export.h"
 #include "zelvar/lists/CZelListCtrlVirtual.h"
 #include "zelvar/model/DataSourceItem.h"
-#include "zelvar/opends/FolderListingWorker.h"
 #include "zelvar/platform/ui/WindowMessage.h"
 #include "zelvar/platform/ui/WindowTimers.h"
 
@@ -14,6 +13,8 @@
 #include <vector>
 
 namespace zelvar {
+
+struct PaneState;
 
 /// Data source list control: shows the children of one or more items, painted from the items themselves.
 ///
@@ -31,7 +32,6 @@ public:
         ModeFiles = 2,     ///< what can be picked; the columns are those of the mode at creation
     };
     using ItemList = std::list<RefItemPtr<DataSourceItem>>;
-    using Worker = FolderListingWorker;
 
     explicit DSListCtrl(QWidget *parent = nullptr);
     ~DSListCtrl() override;
@@ -94,14 +94,14 @@ protected:
 
 private:
     using Rows = std::vector<RefItemPtr<DataSourceItem>>;
+    struct Listing;
 
     void ResetItemsIntrnl(ItemList items);
     void StartWindowFilling();
     void AddParentRow();
     void SaveSelection();
     void SaveFocus();
-    /// What was cut short is listed again by the next request for it.
-    void SavePaneState() { m_savedState = m_worker.IsCutShort() ? PaneState() : PresentState(); }
+    void SavePaneState();
     [[nodiscard]] PaneState PresentState() const;
     [[nodiscard]] bool HasStateChanged() const;
     void MergePending();
@@ -115,8 +115,8 @@ private:
     void FitNames();
 
     Mode m_mode = ModeFolders;
-    int m_fittedNames = 0; ///< width that the names were given last, pixels
-    Worker m_worker;
+    int m_fittedNames = 0;              ///< width that the names were given last, pixels
+    std::unique_ptr<Listing> m_listing; ///< the one under way, and what was listed and selected before
     QPointer<QObject> m_coordinator;
     platform::MessageId m_selChangeMessage;
     platform::MessageId m_dblClckMessage;
@@ -127,10 +127,7 @@ private:
     int m_bdiFilter = 0;
     bool m_showParentFolderItem = false;
     std::unique_ptr<ImageList> m_parentFolderImages; ///< the picture of ".."
-    PathSet m_selectedPaths;                         ///< rows that are to be selected when they turn up
-    DString m_focusPath;                             ///< of the row that the keyboard was at before a listing
     bool m_dblClckBesideRows = false;
-    PaneState m_savedState; ///< what the last listing was made from
     platform::WindowTimers m_timers;
 };
 

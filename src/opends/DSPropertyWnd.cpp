@@ -4,6 +4,7 @@
 #include "zelvar/opends/DSMessages.h"
 #include "zelvar/opends/ImageExtraWnd.h"
 #include "zelvar/opends/ImagePreviewWnd.h"
+#include "zelvar/opends/PropertyWorker.h"
 #include "zelvar/platform/ui/ControlId.h"
 #include "zelvar/props/CZelPropList.h"
 
@@ -43,7 +44,8 @@ private:
 
 } // namespace
 
-DSPropertyWnd::DSPropertyWnd(QWidget *parent) : CZelTabCtrl(parent), m_target(this) {
+DSPropertyWnd::DSPropertyWnd(QWidget *parent)
+    : CZelTabCtrl(parent), m_target(this), m_worker(PropertyWorker::Create()) {
     m_messages.On(WM_ITEM_CANVAS_READY, this, &DSPropertyWnd::OnCanvasReady);
     m_messages.On(WM_ITEM_PROPPERTY_MAP_READY, this, &DSPropertyWnd::OnPropsReady);
     m_messages.On(WM_DS_APPLY_OPTIONS, this, &DSPropertyWnd::OnApplyOptions);
@@ -134,6 +136,8 @@ void DSPropertyWnd::ClearWnd(int mode) {
         m_previewWnd->Clear(static_cast<ImagePreviewWnd::Mode>(mode));
 }
 
+bool DSPropertyWnd::IsReading() const { return m_worker->IsBusy(); }
+
 void DSPropertyWnd::Clear() {
     m_closing = true;
     m_worker->Cancel();
@@ -153,7 +157,7 @@ void DSPropertyWnd::OnCanvasReady(platform::MessageParam first) {
 }
 
 void DSPropertyWnd::OnPropsReady() {
-    if (std::optional<Worker::Classified> const classified = m_worker->TakeClassified())
+    if (std::optional<PropertyWorker::Classified> const classified = m_worker->TakeClassified())
         if (auto *const file = dynamic_cast<NtwDataSourceItem *>(classified->item.get())) {
             file->SetClassified(classified->isContainer);
             if (m_onClassified)

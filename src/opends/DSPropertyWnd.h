@@ -6,16 +6,19 @@
 #include "zelvar/model/DataSourceExtras.h"
 #include "zelvar/model/DataSourceItem.h"
 #include "zelvar/model/ItemProperties.h"
-#include "zelvar/opends/PropertyWorker.h"
 #include "zelvar/platform/ui/WindowMessage.h"
 
 #include <QtCore/QPointer>
+
+#include <functional>
+#include <memory>
 
 namespace zelvar {
 
 class CZelPropList;
 class ImageExtraWnd;
 class ImagePreviewWnd;
+class PropertyWorker;
 
 /// Property pane: tabs with a preview, the properties and the import options of the item picked last.
 ///
@@ -25,8 +28,6 @@ class ZELVAR_API DSPropertyWnd : public CZelTabCtrl {
     Q_OBJECT
 
 public:
-    using Worker = PropertyWorker;
-
     explicit DSPropertyWnd(QWidget *parent = nullptr);
     ~DSPropertyWnd() override;
 
@@ -54,7 +55,7 @@ public:
     /// Told after an item has turned out to be something else than its listing took it for. User-interface thread.
     void SetClassifiedHandler(std::function<void()> handler) { m_onClassified = std::move(handler); }
     /// True while the worker reads.
-    [[nodiscard]] bool IsReading() const { return m_worker->IsBusy(); }
+    [[nodiscard]] bool IsReading() const;
 
 protected:
     bool event(QEvent *event) override;
@@ -86,7 +87,7 @@ private:
     DString m_shownPath;             ///< the key of the last job, with the two below
     DString m_shownOptions;
     DString m_shownFormat;
-    std::shared_ptr<Worker> m_worker = Worker::Create();
+    std::shared_ptr<PropertyWorker> m_worker;
 };
 
 } // namespace zelvar
