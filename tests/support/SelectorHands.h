@@ -1,6 +1,7 @@
 #pragma once
 
 #include "support/GuiTest.h"
+#include "zelvar/dialogs/CBDISelectorDlg.h"
 #include "zelvar/lists/CZelListCtrl.h"
 #include "zelvar/lists/CZelTreeCtrl.h"
 #include "zelvar/platform/ui/ControlId.h"
@@ -36,6 +37,17 @@ struct SelectorHands {
             text += (row == 0 ? "" : " ") + list.GetItemText(row, 0) + (list.GetSlct(row) ? "*" : "");
         return text;
     }
+    HTREEITEM Select(DString const &name) const {
+        HTREEITEM const item = tree.FindItem(name);
+        EXPECT_TRUE(item != nullptr && tree.SelectItem(item)) << Tree();
+        return item;
+    }
+    HTREEITEM Expand(DString const &name) const {
+        HTREEITEM const item = tree.FindItem(name);
+        EXPECT_TRUE(item != nullptr && tree.Expand(item, TVE_EXPAND)) << Tree();
+        QApplication::processEvents();
+        return item;
+    }
     [[nodiscard]] QPoint On(HTREEITEM item) const {
         Rect label;
         EXPECT_TRUE(tree.GetItemRect(item, label, true));
@@ -58,5 +70,18 @@ struct SelectorHands {
     QPushButton &ok;
     QPushButton &cancel;
 };
+
+/// Runs the selector while `act` works with it; its result, and what it chose, as "1: a b".
+inline std::string RunSelector(CBDISelectorDlg &dialog, std::function<void(SelectorHands const &)> const &act) {
+    auto const done = OnNextDialog([&](QWidget &window) {
+        QApplication::processEvents();
+        act(SelectorHands(window));
+    });
+    std::string text = std::to_string(dialog.DoModal()) + ":";
+    EXPECT_TRUE(*done);
+    for (DString const &path : dialog.m_results)
+        text += " " + path;
+    return text;
+}
 
 } // namespace zelvar::test
