@@ -52,10 +52,8 @@ TEST(ReaderProgram, ReadsThroughModulesThatItIsToldToLoad) {
     RunningReader reader;
     auto const drivers = reader.talk->Ask(wire::ListDriversT{});
     ASSERT_NE(drivers, nullptr);
-    ASSERT_EQ(drivers->body.AsDrivers()->trees.size(), 1U);
-    EXPECT_EQ(drivers->body.AsDrivers()->trees[0]->id, "HOSTILE");
-    EXPECT_EQ(drivers->body.AsDrivers()->rasters[0]->extensions, "*.hostile");
-
+    EXPECT_EQ(drivers->body.AsDrivers()->trees.at(0)->id, "HOSTILE");
+    EXPECT_EQ(drivers->body.AsDrivers()->rasters.at(0)->extensions, "*.hostile");
     auto const children = reader.talk->Ask(ListChildren(TreeSpec(1, "HOSTILE", path), path));
     ASSERT_NE(children->body.AsChildren(), nullptr) << FailureIn(children);
     EXPECT_EQ(children->body.AsChildren()->nodes.size(), 3U);
@@ -177,10 +175,8 @@ TEST(ReaderProgram, EndsWithTheTalkWhateverItsDriverDoes) {
 TEST(ReaderProgram, ACrashIsItsEndAndTheStatusTellsTheFile) {
     TempFolder const folder;
     auto const inSharedMemory = [] {
-        std::set<std::string> names;
-        for (auto const &entry : std::filesystem::directory_iterator("/dev/shm"))
-            names.insert(entry.path());
-        return names;
+        std::filesystem::directory_iterator const entries("/dev/shm");
+        return std::set<std::filesystem::path>(begin(entries), end(entries));
     };
     auto const before = inSharedMemory();
     for (char const *action : {"crash", "overflow", "abort", "exit 3"}) {
