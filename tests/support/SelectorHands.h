@@ -10,10 +10,7 @@ namespace zelvar::test {
 
 /// The selector of nodes in a user's hands.
 struct SelectorHands {
-    explicit SelectorHands(QWidget &dialog)
-        : window(dialog), tree(*platform::GetDlgItem<CZelTreeCtrl>(dialog, 1001)),
-          list(*platform::GetDlgItem<CZelListCtrl>(dialog, 6004)), ok(*platform::GetDlgItem<QPushButton>(dialog, 1)),
-          cancel(*platform::GetDlgItem<QPushButton>(dialog, 2)) {}
+    explicit SelectorHands(QWidget &dialog) : window(dialog) {}
 
     /// "root[+ 0] a[- 0]": the items that are shown, "+" for an expander that would expand and "-" for one that would
     /// collapse, and their images.
@@ -65,10 +62,10 @@ struct SelectorHands {
     }
 
     QWidget &window;
-    CZelTreeCtrl &tree;
-    CZelListCtrl &list;
-    QPushButton &ok;
-    QPushButton &cancel;
+    CZelTreeCtrl &tree = *platform::GetDlgItem<CZelTreeCtrl>(window, 1001);
+    CZelListCtrl &list = *platform::GetDlgItem<CZelListCtrl>(window, 6004);
+    QPushButton &ok = *platform::GetDlgItem<QPushButton>(window, 1);
+    QPushButton &cancel = *platform::GetDlgItem<QPushButton>(window, 2);
 };
 
 /// Runs the selector while `act` works with it; its result, and what it chose, as "1: a b".
