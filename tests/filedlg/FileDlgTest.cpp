@@ -113,7 +113,8 @@ TEST_F(Request, ResultsAreSortedByTheirNamesAndHandedOut) {
         texts.push_back(request.GetFile(i)->GetText());
     EXPECT_EQ(texts, (Names{"/c/Adam", "/b/Zoe", "/a/Zoe", "/a/adam", "/x/\xff"}));
     EXPECT_EQ(request.GetPhysFile(), "/c/Adam");
-    EXPECT_EQ(std::unique_ptr<BDIMoniker>(request.GetFileRmv(1))->GetText(), "/b/Zoe");
+    std::unique_ptr<BDIMoniker> const second(request.GetFileRmv(1));
+    EXPECT_EQ(second->GetText(), "/b/Zoe");
     EXPECT_EQ(request.GetFile(1)->GetText(), "/a/Zoe");
     EXPECT_EQ(request.GetFile(-1), nullptr);
     EXPECT_EQ(request.GetFileRmv(4), nullptr);

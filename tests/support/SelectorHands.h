@@ -1,7 +1,6 @@
 #pragma once
 
 #include "support/GuiTest.h"
-#include "zelvar/dialogs/CBDISelectorDlg.h"
 #include "zelvar/lists/CZelListCtrl.h"
 #include "zelvar/lists/CZelTreeCtrl.h"
 #include "zelvar/platform/ui/ControlId.h"
@@ -69,7 +68,8 @@ struct SelectorHands {
 };
 
 /// Runs the selector while `act` works with it; its result, and what it chose, as "1: a b".
-inline std::string RunSelector(CBDISelectorDlg &dialog, std::function<void(SelectorHands const &)> const &act) {
+template <class Selector>
+std::string RunSelector(Selector &dialog, std::function<void(SelectorHands const &)> const &act) {
     auto const done = OnNextDialog([&](QWidget &window) {
         QApplication::processEvents();
         act(SelectorHands(window));
