@@ -6,135 +6,104 @@
 
 #include <QtWidgets/QHeaderView>
 
-namespace zelvar {
+namespace zelvar::test {
 namespace {
 
-using test::ScriptedNode;
-using test::SelectorHands;
-
-constexpr unsigned kImages = BDINode_Raster;
-
 struct Selector : testing::Test {
-    Selector() : m_driver(test::ScriptedDrivers::AddTree("SCRIPTED")) {
+    Selector() : m_driver(ScriptedDrivers::AddTree("SCRIPTED")) {
         SettingsStore::Instance().RemoveTree("Profile");
-        m_driver.SetTree(
-            "file",
-            {.name = "file",
-             .type = BDINode_Container | BDINode_Raster,
-             .children = {
-                 {.name = "zeta", .type = BDINode_Raster},
-                 {.name = "alpha", .type = BDINode_Raster},
-                 {.name = "layer", .type = BDINode_Thematic},
-                 {.name = "group",
-                  .type = BDINode_Container,
-                  .children = {{.name = "inner",
-                                .type = BDINode_Folder,
-                                .children = {{.name = "deep", .type = BDINode_Raster}}},
-                               {.name = "gamma", .type = BDINode_Raster}}},
-                 {.name = "flat", .type = BDINode_Folder, .children = {{.name = "delta", .type = BDINode_Raster}}},
-                 {.name = "broken", .children = {{.name = "x", .type = BDINode_Container}}, .broken = true}}});
+        ScriptedNode const deep{.name = "deep", .type = BDINode_Raster};
+        ScriptedNode const inner{.name = "inner", .type = BDINode_Folder, .children = {deep}};
+        ScriptedNode root{.name = "file", .type = BDINode_Container | BDINode_Raster};
+        root.children = {{.name = "zeta", .type = BDINode_Raster},
+                         {.name = "alpha", .type = BDINode_Raster},
+                         {.name = "layer", .type = BDINode_Thematic},
+                         {.name = "group", .children = {inner, {.name = "gamma", .type = BDINode_Raster}}},
+                         {.name = "flat", .type = BDINode_Folder, .children = {deep}},
+                         {.name = "broken", .children = {{.name = "x"}}, .broken = true}};
+        m_driver.SetTree("file", root);
     }
     ~Selector() override {
         EXPECT_EQ(m_driver.opens, m_driver.closes);
         EXPECT_EQ(m_driver.nodesMade, m_driver.nodesClosed);
         EXPECT_EQ(m_driver.finds, m_driver.findsClosed);
     }
-    /// Runs the dialog with `act`; its result, and what it chose as "a, b".
+    /// Runs the dialog with `act`; its result, and what it chose, as "1: a b".
     std::string Run(std::function<void(SelectorHands const &)> const &act, bool multiSelect = true,
-                    unsigned mask = kImages) {
+                    unsigned mask = BDINode_Raster) {
         CBDISelectorDlg dialog(&m_driver, m_path, mask, "Pick", multiSelect, nullptr);
-        auto const done = test::OnNextDialog([&](QWidget &window) {
-            QApplication::processEvents();
-            act(SelectorHands(window));
-        });
-        int const result = static_cast<int>(dialog.DoModal());
-        EXPECT_TRUE(*done);
-        std::string text = std::to_string(result) + ":";
-        for (DString const &path : dialog.m_results)
-            text += " " + path;
-        return text;
+        return RunSelector(dialog, act);
+    }
+    static void ClickFirstTwo(SelectorHands const &hands) {
+        hands.ClickRow(0);
+        hands.ClickRow(1, Qt::ControlModifier);
+        Click(&hands.ok);
     }
 
-    test::ScriptedDrivers m_drivers;
-    test::ScriptedTreeDriver &m_driver;
+    ScriptedDrivers m_drivers;
+    ScriptedTreeDriver &m_driver;
     char const *m_path = "file";
 };
 
 TEST_F(Selector, ItOpensOnTheRootWithItsFirstItemSelected) {
-    EXPECT_EQ(Run([](SelectorHands const &hands) {
-                  EXPECT_EQ(hands.window.windowTitle(), "Pick");
-                  EXPECT_EQ(hands.Tree(), "file[+ 0]");
-                  EXPECT_EQ(hands.Rows(), "zeta* alpha");
-                  EXPECT_EQ(hands.list.GetColumnWidth(0), 200);
-                  EXPECT_EQ(hands.list.GetNumCol(), 1);
-                  EXPECT_TRUE(hands.list.hasFocus());
-                  test::Shot(hands.window, "selector-opened");
-                  QTest::keyClick(&hands.list, Qt::Key_Return);
-              }),
-              "1: file/zeta");
+    auto const act = [](SelectorHands const &hands) {
+        EXPECT_EQ(hands.window.windowTitle(), "Pick");
+        EXPECT_EQ(hands.Tree(), "file[+ 0]");
+        EXPECT_EQ(hands.Rows(), "zeta* alpha");
+        EXPECT_EQ(hands.list.GetColumnWidth(0), 200);
+        EXPECT_EQ(hands.list.GetNumCol(), 1);
+        EXPECT_TRUE(hands.list.hasFocus());
+        Shot(hands.window, "selector-opened");
+        QTest::keyClick(&hands.list, Qt::Key_Return);
+    };
+    EXPECT_EQ(Run(act), "1: file/zeta");
 }
 
 TEST_F(Selector, ContainersAreExpandedOnceAndTheirFoldersOpenAndClose) {
     Run([this](SelectorHands const &hands) {
-        TreeNode *const root = hands.tree.GetRootItem();
-        hands.tree.Expand(root, TVE_EXPAND);
-        QApplication::processEvents();
+        hands.Expand("file");
         // "flat" has no containers in it; "broken" cannot be asked.
         EXPECT_EQ(hands.Tree(), "file[- 1] group[+ 0] flat[0] broken[+ 0]");
         int const finds = m_driver.finds;
-        hands.tree.Expand(root, TVE_COLLAPSE);
+        hands.tree.Expand(hands.tree.GetRootItem(), TVE_COLLAPSE);
         EXPECT_EQ(hands.Tree(), "file[+ 0]");
-        hands.tree.Expand(root, TVE_EXPAND);
+        hands.Expand("file");
         EXPECT_EQ(m_driver.finds, finds);
-        TreeNode *const group = hands.tree.GetChildItem(root);
-        hands.tree.Expand(group, TVE_EXPAND);
-        QApplication::processEvents();
+        hands.Expand("group");
         EXPECT_EQ(hands.Tree(), "file[- 1] group[- 1] inner[0] flat[0] broken[+ 0]");
-        TreeNode *const broken = hands.tree.FindItem("broken");
-        hands.tree.SelectItem(broken);
+        TreeNode *const broken = hands.Select("broken");
         EXPECT_EQ(hands.Rows(), "");
         EXPECT_TRUE(hands.ok.isEnabled());
         EXPECT_FALSE(hands.tree.Expand(broken, TVE_EXPAND));
         EXPECT_FALSE(hands.tree.ItemHasChildren(broken));
-        test::Shot(hands.window, "selector-expanded");
+        Shot(hands.window, "selector-expanded");
     });
 }
 
 TEST_F(Selector, WithoutRowsOKTakesTheRoot) {
-    EXPECT_EQ(Run(
-                  [](SelectorHands const &hands) {
-                      EXPECT_EQ(hands.Rows(), "");
-                      EXPECT_TRUE(hands.tree.hasFocus());
-                      test::Click(&hands.ok);
-                  },
-                  true, BDINode_Table),
-              "1: file");
+    auto const act = [](SelectorHands const &hands) {
+        EXPECT_EQ(hands.Rows(), "");
+        EXPECT_TRUE(hands.tree.hasFocus());
+        Click(&hands.ok);
+    };
+    EXPECT_EQ(Run(act, true, BDINode_Table), "1: file");
 }
 
 TEST_F(Selector, SelectedRowsWinOverTheContainerAlsoWhenTheListIsSorted) {
-    EXPECT_EQ(Run([](SelectorHands const &hands) {
-                  QHeaderView &header = *hands.list.GetHeaderCtrl();
-                  QTest::mouseClick(header.viewport(), Qt::LeftButton, {}, QPoint(20, header.height() / 2));
-                  EXPECT_EQ(hands.Rows(), "alpha zeta*");
-                  hands.ClickRow(0);
-                  hands.ClickRow(1, Qt::ControlModifier);
-                  test::Click(&hands.ok);
-              }),
-              "1: file/alpha file/zeta");
-    EXPECT_EQ(Run(
-                  [](SelectorHands const &hands) {
-                      hands.ClickRow(0);
-                      hands.ClickRow(1, Qt::ControlModifier);
-                      test::Click(&hands.ok);
-                  },
-                  false),
-              "1: file/alpha"); // one row only
-    EXPECT_EQ(Run([](SelectorHands const &hands) {
-                  hands.list.SetSlct(0, false);
-                  test::Click(&hands.ok);
-              }),
-              "1: file");
-    EXPECT_EQ(Run([](SelectorHands const &hands) { test::Click(&hands.cancel); }), "0:");
+    auto const sortFirst = [](SelectorHands const &hands) {
+        QHeaderView &header = *hands.list.GetHeaderCtrl();
+        QTest::mouseClick(header.viewport(), Qt::LeftButton, {}, QPoint(20, header.height() / 2));
+        EXPECT_EQ(hands.Rows(), "alpha zeta*");
+        ClickFirstTwo(hands);
+    };
+    EXPECT_EQ(Run(sortFirst), "1: file/alpha file/zeta");
+    EXPECT_EQ(Run(ClickFirstTwo, false), "1: file/alpha") << "one row only";
+    auto const selectNone = [](SelectorHands const &hands) {
+        hands.list.SetSlct(0, false);
+        Click(&hands.ok);
+    };
+    EXPECT_EQ(Run(selectNone), "1: file");
+    EXPECT_EQ(Run([](SelectorHands const &hands) { Click(&hands.cancel); }), "0:");
 }
 
 TEST_F(Selector, ADoubleClickTakesARowOrAWholeContainer) {
@@ -144,38 +113,35 @@ TEST_F(Selector, ADoubleClickTakesARowOrAWholeContainer) {
               }),
               "1: file/alpha");
     EXPECT_EQ(Run([](SelectorHands const &hands) { hands.DoubleClick(hands.tree.GetRootItem()); }), "1: file");
-    int finds = 0;
-    EXPECT_EQ(Run([&](SelectorHands const &hands) {
-                  hands.tree.Expand(hands.tree.GetRootItem(), TVE_EXPAND);
-                  QApplication::processEvents();
-                  TreeNode *const group = hands.tree.FindItem("group");
-                  QTest::mouseClick(hands.tree.viewport(), Qt::LeftButton, {}, hands.On(group));
-                  EXPECT_EQ(hands.Rows(), "gamma");
-                  finds = m_driver.finds;
-                  hands.DoubleClick(group);
-                  EXPECT_EQ(hands.tree.GetItemState(group, TVIS_EXPANDED), 0U);
-              }),
-              "1: file/group");
-    EXPECT_EQ(m_driver.finds, finds); // it was not expanded on the way
-    // Beside the items nothing is meant.
-    EXPECT_EQ(Run([](SelectorHands const &hands) {
-                  QPoint const below(40, hands.tree.viewport()->height() - 3);
-                  QTest::mouseDClick(hands.tree.viewport(), Qt::LeftButton, {}, below);
-                  EXPECT_TRUE(hands.window.isVisible());
-              }),
-              "0:");
+    auto const group = [&](SelectorHands const &hands) {
+        hands.Expand("file");
+        TreeNode *const item = hands.tree.FindItem("group");
+        QTest::mouseClick(hands.tree.viewport(), Qt::LeftButton, {}, hands.On(item));
+        EXPECT_EQ(hands.Rows(), "gamma");
+        int const finds = m_driver.finds;
+        hands.DoubleClick(item);
+        EXPECT_EQ(hands.tree.GetItemState(item, TVIS_EXPANDED), 0U);
+        EXPECT_EQ(m_driver.finds, finds) << "it was not expanded on the way";
+    };
+    EXPECT_EQ(Run(group), "1: file/group");
+    auto const besideTheItems = [](SelectorHands const &hands) {
+        QPoint const below(40, hands.tree.viewport()->height() - 3);
+        QTest::mouseDClick(hands.tree.viewport(), Qt::LeftButton, {}, below);
+        EXPECT_TRUE(hands.window.isVisible());
+    };
+    EXPECT_EQ(Run(besideTheItems), "0:");
 }
 
 TEST_F(Selector, WithoutADriverOrATreeThereIsNothingToTake) {
     m_path = "no such file";
-    EXPECT_EQ(Run([](SelectorHands const &hands) {
-                  EXPECT_EQ(hands.tree.GetCount(), 0U);
-                  EXPECT_EQ(hands.Rows(), "");
-                  EXPECT_FALSE(hands.ok.isEnabled());
-                  test::Shot(hands.window, "selector-empty");
-              }),
-              "0:");
-    CBDISelectorDlg dialog(nullptr, nullptr, kImages, nullptr, true, nullptr);
+    auto const act = [](SelectorHands const &hands) {
+        EXPECT_EQ(hands.tree.GetCount(), 0U);
+        EXPECT_EQ(hands.Rows(), "");
+        EXPECT_FALSE(hands.ok.isEnabled());
+        Shot(hands.window, "selector-empty");
+    };
+    EXPECT_EQ(Run(act), "0:");
+    CBDISelectorDlg dialog(nullptr, nullptr, BDINode_Raster, nullptr, true, nullptr);
     dialog.show();
     EXPECT_EQ(dialog.windowTitle(), "BDI Selector Dialog");
     EXPECT_FALSE(SelectorHands(dialog).ok.isEnabled());
@@ -193,9 +159,7 @@ TEST_F(Selector, ThousandsOfContainersAreAskedWhenTheyComeIntoSight) {
     m_path = "big";
     Run([this](SelectorHands const &hands) {
         int const finds = m_driver.finds;
-        TreeNode *const top = hands.tree.GetRootItem();
-        hands.tree.Expand(top, TVE_EXPAND);
-        QApplication::processEvents();
+        TreeNode *const top = hands.Expand("big");
         EXPECT_EQ(hands.tree.GetCount(), 5001U);
         int const rows =
             hands.tree.viewport()->height() / (hands.On(hands.tree.GetChildItem(top)).y() - hands.On(top).y());
@@ -210,7 +174,7 @@ TEST_F(Selector, ThousandsOfContainersAreAskedWhenTheyComeIntoSight) {
 }
 
 TEST_F(Selector, TheTreeGrowsWithTheDialogAndTheListMoves) {
-    CBDISelectorDlg dialog(&m_driver, "file", kImages, "", true, nullptr);
+    CBDISelectorDlg dialog(&m_driver, "file", BDINode_Raster, "", true, nullptr);
     dialog.show();
     SelectorHands const hands(dialog);
     QRect const tree = hands.tree.geometry();
@@ -220,8 +184,8 @@ TEST_F(Selector, TheTreeGrowsWithTheDialogAndTheListMoves) {
     EXPECT_EQ(hands.tree.geometry(), tree.adjusted(0, 0, 100, 50));
     EXPECT_EQ(hands.list.geometry(), list.adjusted(100, 0, 100, 50));
     EXPECT_EQ(hands.ok.geometry(), ok.translated(100, 50));
-    test::Shot(dialog, "selector-wide");
+    Shot(dialog, "selector-wide");
 }
 
 } // namespace
-} // namespace zelvar
+} // namespace zelvar::test

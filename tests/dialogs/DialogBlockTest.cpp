@@ -2,7 +2,7 @@
 
 #include "support/Test.h"
 
-namespace zelvar {
+namespace zelvar::test {
 namespace {
 
 std::string Hex(std::span<std::byte const> bytes) {
@@ -31,12 +31,7 @@ TEST(DialogTemplateBlock, IsTheTemplateByteForByte) {
 }
 
 TEST(DialogTemplateBlock, HasTheToldSizeAndReadsBack) {
-    struct Case {
-        std::string caption;
-        std::vector<std::string> titles;
-        std::size_t size;
-    };
-    Case const cases[] = {
+    Rows<std::string, std::vector<std::string>, std::size_t> const cases = {
         {"", {}, 24},
         {"a", {}, 28},
         {"ab", {}, 28},
@@ -46,18 +41,18 @@ TEST(DialogTemplateBlock, HasTheToldSizeAndReadsBack) {
         {"\xF0\x9F\x98\x80", {}, 28},       // two units
         {std::string(1500, 'c'), {}, 2072}, // cut at 1023
     };
-    for (Case const &c : cases) {
+    for (auto const &[caption, titles, size] : cases) {
         CDialogTmpl dialog({4, 8});
-        dialog.SetCaption(c.caption);
-        for (std::string const &title : c.titles)
+        dialog.SetCaption(caption);
+        for (std::string const &title : titles)
             dialog.AddItem(CDialogTmpl::kButton, 7, title, Rect{1, 2, 4, 6});
         CDialogTmpl::Bytes const block = BlockOf(dialog);
-        EXPECT_EQ(block.size(), c.size) << c.caption;
+        EXPECT_EQ(block.size(), size) << caption;
         std::optional<DialogBlock> const read = ReadDialogBlock(block);
         ASSERT_TRUE(read.has_value());
-        ASSERT_EQ(read->controls.size(), c.titles.size());
-        for (std::size_t i = 0; i < c.titles.size(); ++i) {
-            EXPECT_EQ(read->controls[i].title, std::u16string(c.titles[i].begin(), c.titles[i].end()));
+        ASSERT_EQ(read->controls.size(), titles.size());
+        for (std::size_t i = 0; i < titles.size(); ++i) {
+            EXPECT_EQ(read->controls[i].title, std::u16string(titles[i].begin(), titles[i].end()));
             EXPECT_EQ(read->controls[i].units, (Rect{1, 2, 4, 6}));
         }
         for (std::size_t length = 0; length + 2 < block.size(); ++length) // 2 may be padding
@@ -66,12 +61,12 @@ TEST(DialogTemplateBlock, HasTheToldSizeAndReadsBack) {
 }
 
 TEST(DialogTemplateBlock, TextsAreCutBetweenCharacters) {
-    EXPECT_EQ(CutText("abc", 3), "abc");
-    EXPECT_EQ(CutText("abcd", 3), "abc");
-    EXPECT_EQ(CutText("abä", 3), "ab");
-    EXPECT_EQ(CutText("a\xF0\x9F\x98\x80", 4), "a");
-    EXPECT_EQ(CutText("\xF0\x9F\x98\x80z", 4), "\xF0\x9F\x98\x80");
-    EXPECT_EQ(CutText("\x80\x80\x80\x80\x80\x80", 5), "\x80\x80\x80\x80\x80"); // no character at all
+    DString const face = "\xF0\x9F\x98\x80";
+    Rows<DString, std::size_t, DString> const cases = {
+        {"abc", 3, "abc"},    {"abcd", 3, "abc"},    {"abä", 3, "ab"},
+        {"a" + face, 4, "a"}, {face + "z", 4, face}, {"\x80\x80\x80\x80", 3, "\x80\x80\x80"}}; // no character at all
+    for (auto const &[text, most, cut] : cases)
+        EXPECT_EQ(CutText(text, most), cut);
     CDialogTmpl dialog({4, 8});
     dialog.AddItem(CDialogTmpl::kStatic, 1, std::string(1022, 'a') + "ä", std::nullopt);
     EXPECT_EQ(std::string(dialog.Item(0).title), std::string(1022, 'a'));
@@ -90,4 +85,4 @@ TEST(DialogTemplateBlock, HoldsTwentyItemsAndUnitsThatFit) {
 }
 
 } // namespace
-} // namespace zelvar
+} // namespace zelvar::test

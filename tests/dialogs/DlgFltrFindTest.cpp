@@ -7,17 +7,20 @@
 #include <QtCore/QPointer>
 #include <QtWidgets/QComboBox>
 
-namespace zelvar {
+namespace zelvar::test {
 namespace {
 
 using platform::GetDlgItem;
 
 /// The dialog as its user has it.
 struct Hands {
-    explicit Hands(QWidget &dialog)
-        : window(dialog), filter(*GetDlgItem<QComboBox>(dialog, 1980)), find(*GetDlgItem<QLineEdit>(dialog, 1981)),
-          clear(*GetDlgItem(dialog, 1985)), list(*GetDlgItem<QListView>(dialog, 1983)),
-          description(*GetDlgItem<QLabel>(dialog, 1984)), frame(*GetDlgItem(dialog, 6003)) {}
+    QWidget &window;
+    QComboBox &filter = *GetDlgItem<QComboBox>(window, 1980);
+    QLineEdit &find = *GetDlgItem<QLineEdit>(window, 1981);
+    QWidget &clear = *GetDlgItem(window, 1985);
+    QListView &list = *GetDlgItem<QListView>(window, 1983);
+    QLabel &description = *GetDlgItem<QLabel>(window, 1984);
+    QWidget &frame = *GetDlgItem(window, 6003);
 
     [[nodiscard]] std::string Lines() const {
         std::string lines;
@@ -27,6 +30,10 @@ struct Hands {
     }
     void Click(int row, Qt::KeyboardModifiers modifiers = {}) const {
         QTest::mouseClick(list.viewport(), Qt::LeftButton, modifiers, Middle(row));
+    }
+    void DoubleClick(int row) const {
+        Click(row);
+        QTest::mouseDClick(list.viewport(), Qt::LeftButton, {}, Middle(row));
     }
     [[nodiscard]] QPoint Middle(int row) const { return list.visualRect(list.model()->index(row, 0)).center(); }
     void Choose(int entry) const {
@@ -45,32 +52,29 @@ struct Hands {
         QApplication::sendEvent(area, &move);
         QTest::mouseRelease(area, Qt::LeftButton, {}, end);
     }
-
-    QWidget &window;
-    QComboBox &filter;
-    QLineEdit &find;
-    QWidget &clear;
-    QListView &list;
-    QLabel &description;
-    QWidget &frame;
+    [[nodiscard]] Qt::CursorShape CursorAbove(int grip) const {
+        QTest::mouseMove(list.viewport(), {40, list.viewport()->height() - grip});
+        return list.viewport()->cursor().shape();
+    }
 };
 
 struct FilterFind : testing::Test {
     FilterFind() { SettingsStore::Instance().RemoveTree("Profile"); }
 
-    static void Fill(DlgFltrFind &dialog) {
-        dialog.AddItem("Red", "Band", "b", "Reflected red light", 1);
-        dialog.AddItem("Blue", "Band", "b", "Reflected blue light", 2);
-        dialog.AddItem("NDVI", "Index", "a", "Vegetation index", 3);
-        dialog.AddItem("red EDGE", "Index", "a", "Edge of red", 4);
-        dialog.AddItem("Notes", "", "z", "Has no category", 5);
+    void Fill() {
+        m_dialog.AddItem("Red", "Band", "b", "Reflected red light", 1);
+        m_dialog.AddItem("Blue", "Band", "b", "Reflected blue light", 2);
+        m_dialog.AddItem("NDVI", "Index", "a", "Vegetation index", 3);
+        m_dialog.AddItem("red EDGE", "Index", "a", "Edge of red", 4);
+        m_dialog.AddItem("Notes", "", "z", "Has no category", 5);
     }
     /// Runs the dialog; its result and the names that it left.
-    std::string Run(std::function<void(Hands const &)> act) {
-        Fill(m_dialog);
-        auto const done = test::OnNextDialog([&](QWidget &window) {
+    std::string Run(std::function<void(Hands const &)> const &act) {
+        if (Left().empty())
+            Fill();
+        auto const done = OnNextDialog([&](QWidget &window) {
             EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
-            act(Hands(window));
+            act(Hands{window});
         });
         int const result = static_cast<int>(m_dialog.DoModal());
         EXPECT_TRUE(*done);
@@ -93,85 +97,70 @@ constexpr char kAll[] = "<a> NDVI, <a> red EDGE, <b> Blue, <b> Red, <z> Notes";
 
 TEST_F(FilterFind, ListsTheCategoryByGroupAndNameAndGivesTheSelection) {
     m_dialog.SetListBoxTitle("Channels:");
-    EXPECT_EQ(Run([](Hands const &hands) {
-                  EXPECT_EQ(hands.window.windowTitle(), "Filter & Find");
-                  EXPECT_EQ(hands.filter.currentText(), "Index");
-                  EXPECT_EQ(hands.Lines(), "<a> NDVI, <a> red EDGE");
-                  hands.Choose(0);
-                  EXPECT_EQ(hands.Lines(), kAll);
-                  hands.Choose(1);
-                  EXPECT_EQ(hands.filter.currentText(), "Band");
-                  EXPECT_EQ(hands.Lines(), "<b> Blue, <b> Red");
-                  hands.Choose(3); // the empty entry filters nothing
-                  EXPECT_EQ(hands.Lines(), kAll);
-                  EXPECT_EQ(GetDlgItem<QLabel>(hands.window, 1982)->text(), "Channels:");
-                  EXPECT_EQ(hands.list.accessibleName(), "Channels:");
-                  hands.Click(3);
-                  EXPECT_EQ(hands.description.text(), "Reflected red light");
-                  hands.Click(0, Qt::ControlModifier);
-                  EXPECT_EQ(hands.description.text(), "Vegetation index");
-                  hands.Click(0, Qt::ControlModifier);
-                  EXPECT_EQ(hands.description.text(), "Reflected red light");
-                  hands.Click(0, Qt::ControlModifier);
-                  test::Shot(hands.window, "filter-find-selected");
-                  test::Click(GetDlgItem(hands.window, 1));
-              }),
-              "1: NDVI Red");
+    auto const act = [](Hands const &hands) {
+        EXPECT_EQ(hands.window.windowTitle(), "Filter & Find");
+        EXPECT_EQ(hands.filter.currentText(), "Index");
+        EXPECT_EQ(hands.Lines(), "<a> NDVI, <a> red EDGE");
+        for (auto const &[entry, lines] :
+             {std::pair{0, kAll}, {1, "<b> Blue, <b> Red"}, {3, kAll}}) { // the empty entry
+            hands.Choose(entry);
+            EXPECT_EQ(hands.Lines(), lines);
+        }
+        EXPECT_EQ(GetDlgItem<QLabel>(hands.window, 1982)->text(), "Channels:");
+        EXPECT_EQ(hands.list.accessibleName(), "Channels:");
+        hands.Click(3);
+        for (char const *described : {"Reflected red light", "Vegetation index", "Reflected red light"}) {
+            EXPECT_EQ(hands.description.text(), described);
+            hands.Click(0, Qt::ControlModifier);
+        }
+        Shot(hands.window, "filter-find-selected");
+        Click(GetDlgItem(hands.window, 1));
+    };
+    EXPECT_EQ(Run(act), "1: NDVI Red");
 }
 
 TEST_F(FilterFind, TheTextNarrowsTheNamesAndLosesTheSelection) {
     m_dialog.SetStartFltr("none such");
-    EXPECT_EQ(Run([](Hands const &hands) {
-                  EXPECT_EQ(hands.filter.currentText(), "All");
-                  EXPECT_FALSE(hands.clear.isVisible());
-                  EXPECT_TRUE(hands.find.hasFocus());
-                  hands.Click(0);
-                  QTest::keyClick(&hands.list, Qt::Key_F, Qt::ControlModifier);
-                  EXPECT_TRUE(hands.find.hasFocus());
-                  QTest::keyClicks(&hands.find, "RED");
-                  EXPECT_EQ(hands.Lines(), "<a> red EDGE, <b> Red"); // no description, no group
-                  EXPECT_EQ(hands.description.text(), "...");
-                  EXPECT_TRUE(hands.clear.isVisible());
-                  EXPECT_EQ(hands.clear.accessibleName(), "Clear");
-                  test::Shot(hands.window, "filter-find-text");
-                  QTest::keyClick(&hands.find, Qt::Key_Down);
-                  EXPECT_TRUE(hands.list.hasFocus());
-                  EXPECT_EQ(hands.description.text(), "Edge of red");
-                  test::Click(&hands.clear);
-                  EXPECT_EQ(hands.Lines(), kAll);
-                  EXPECT_FALSE(hands.clear.isVisible());
-                  EXPECT_TRUE(hands.find.hasFocus());
-                  QTest::keyClick(&hands.window, Qt::Key_Escape);
-              }),
-              "0: NDVI red EDGE Blue Red Notes"); // whole
+    auto const act = [](Hands const &hands) {
+        EXPECT_EQ(hands.filter.currentText(), "All");
+        EXPECT_FALSE(hands.clear.isVisible());
+        hands.Click(0);
+        QTest::keyClick(&hands.list, Qt::Key_F, Qt::ControlModifier);
+        EXPECT_TRUE(hands.find.hasFocus());
+        QTest::keyClicks(&hands.find, "RED");
+        EXPECT_EQ(hands.Lines(), "<a> red EDGE, <b> Red"); // no description, no group
+        EXPECT_EQ(hands.description.text(), "...");
+        EXPECT_EQ(hands.clear.accessibleName(), "Clear");
+        Shot(hands.window, "filter-find-text");
+        QTest::keyClick(&hands.find, Qt::Key_Down);
+        EXPECT_TRUE(hands.list.hasFocus());
+        EXPECT_EQ(hands.description.text(), "Edge of red");
+        Click(&hands.clear);
+        EXPECT_EQ(hands.Lines(), kAll);
+        EXPECT_FALSE(hands.clear.isVisible());
+        EXPECT_TRUE(hands.find.hasFocus());
+        QTest::keyClick(&hands.window, Qt::Key_Escape);
+    };
+    EXPECT_EQ(Run(act), "0: NDVI red EDGE Blue Red Notes"); // whole
 }
 
-TEST_F(FilterFind, IsWorkedByTheKeyboardAlone) {
-    EXPECT_EQ(Run([](Hands const &hands) {
-                  QWidget *const order[] = {&hands.find, &hands.list, GetDlgItem(hands.window, 1),
-                                            GetDlgItem(hands.window, 2), &hands.filter};
-                  for (QWidget *const widget : order) {
-                      EXPECT_TRUE(widget->hasFocus());
-                      QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
-                  }
-                  QTest::keyClick(&hands.find, Qt::Key_PageDown);
-                  for (char const *typed : {"r", "n", "re"}) { // by the name, not by the line
-                      QTest::keyClicks(&hands.list, typed);
-                      EXPECT_EQ(hands.list.currentIndex().row(), typed[0] == 'n' ? 0 : 1);
-                      hands.list.keyboardSearch({});
-                  }
-                  QTest::keyClick(&hands.list, Qt::Key_A, Qt::ControlModifier);
-                  QTest::keyClick(&hands.list, Qt::Key_Return);
-              }),
-              "1: NDVI red EDGE");
-}
-
-TEST_F(FilterFind, ADoubleClickIsOk) {
-    EXPECT_EQ(Run([](Hands const &hands) {
-                  hands.Click(1);
-                  QTest::mouseDClick(hands.list.viewport(), Qt::LeftButton, {}, hands.Middle(1));
-              }),
-              "1: red EDGE");
+TEST_F(FilterFind, IsWorkedByTheKeyboardAloneAndADoubleClickIsOk) {
+    auto const act = [](Hands const &hands) {
+        for (int const id : {1981, 1983, 1, 2, 1980}) {
+            EXPECT_TRUE(GetDlgItem(hands.window, id)->hasFocus()) << id;
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        }
+        QTest::keyClick(&hands.find, Qt::Key_PageDown);
+        for (char const *typed : {"r", "n", "re"}) { // by the name, not by the line
+            QTest::keyClicks(&hands.list, typed);
+            EXPECT_EQ(hands.list.currentIndex().row(), typed[0] == 'n' ? 0 : 1);
+            hands.list.keyboardSearch({});
+        }
+        QTest::keyClick(&hands.list, Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClick(&hands.list, Qt::Key_Return);
+    };
+    EXPECT_EQ(Run(act), "1: NDVI red EDGE");
+    EXPECT_EQ(Run([](Hands const &hands) { hands.DoubleClick(1); }), "1: red EDGE");
 }
 
 TEST_F(FilterFind, TheListsLowerEdgeIsDragged) {
@@ -180,10 +169,8 @@ TEST_F(FilterFind, TheListsLowerEdgeIsDragged) {
         QRect const text = hands.description.geometry();
         QRect const frame = hands.frame.geometry();
         int const gap = hands.list.height() - hands.list.viewport()->height();
-        QTest::mouseMove(hands.list.viewport(), {40, hands.list.viewport()->height() - 3});
-        EXPECT_EQ(hands.list.viewport()->cursor().shape(), Qt::SizeVerCursor);
-        QTest::mouseMove(hands.list.viewport(), {40, hands.list.viewport()->height() - 4});
-        EXPECT_EQ(hands.list.viewport()->cursor().shape(), Qt::ArrowCursor);
+        EXPECT_EQ(hands.CursorAbove(3), Qt::SizeVerCursor);
+        EXPECT_EQ(hands.CursorAbove(4), Qt::ArrowCursor);
         hands.DragEdge(-30, 4); // beside it
         EXPECT_EQ(hands.list.geometry(), list);
         hands.DragEdge(-30);
@@ -192,7 +179,7 @@ TEST_F(FilterFind, TheListsLowerEdgeIsDragged) {
         EXPECT_EQ(hands.description.geometry().top(), text.top() + by);
         EXPECT_EQ(hands.frame.geometry().top(), frame.top() + by);
         EXPECT_EQ(hands.description.geometry().bottom(), text.bottom());
-        test::Shot(hands.window, "filter-find-dragged");
+        Shot(hands.window, "filter-find-dragged");
         hands.DragEdge(500); // no room for the description
         EXPECT_EQ(hands.list.geometry().bottom(), list.bottom() + by);
         hands.window.resize(hands.window.size() + QSize(20, 10)); // the layout knows nothing of it
@@ -205,17 +192,17 @@ TEST_F(FilterFind, BesideItsParentItIsFilledWhileItIsShown) {
     QWidget parent;
     parent.show();
     EXPECT_TRUE(m_dialog.CreateModeless(&parent));
-    Hands const hands(m_dialog);
+    Hands const hands{m_dialog};
     EXPECT_FALSE(m_dialog.isModal());
     EXPECT_EQ(hands.Lines(), "");
-    Fill(m_dialog);
+    Fill();
     m_dialog.SetStartFltr("Band");
     m_dialog.UpdtContent();
     EXPECT_EQ(hands.Lines(), "<b> Blue, <b> Red");
     m_dialog.SetDscr("Pick one");
     EXPECT_EQ(hands.description.text(), "Pick one");
     hands.Click(1);
-    test::Click(GetDlgItem(hands.window, 1));
+    Click(GetDlgItem(hands.window, 1));
     EXPECT_FALSE(m_dialog.isVisible());
     EXPECT_EQ(Left(), " Red");
     m_dialog.show(); // what went is not looked at any more
@@ -242,14 +229,13 @@ TEST_F(FilterFind, OrderAndDoubleClickCanBeOnesOwn) {
     for (char const *name : {"a", "ccc", "bb"})
         dialog.AddItem(name, "All", "g", "", 0);
     dialog.CreateModeless(nullptr);
-    Hands const hands(dialog);
+    Hands const hands{dialog};
     EXPECT_EQ(hands.filter.count(), 1); // a category that reads like the first entry is that
     EXPECT_EQ(hands.Lines(), "<g> ccc, <g> bb, <g> a");
-    hands.Click(0);
-    QTest::mouseDClick(hands.list.viewport(), Qt::LeftButton, {}, hands.Middle(0));
+    hands.DoubleClick(0);
     EXPECT_EQ(hands.description.text(), "clicked twice");
     EXPECT_TRUE(dialog.isVisible());
 }
 
 } // namespace
-} // namespace zelvar
+} // namespace zelvar::test

@@ -9,12 +9,19 @@
 #include <QtGui/QTextLayout>
 #include <QtWidgets/QPlainTextEdit>
 
-namespace zelvar {
+namespace zelvar::test {
 namespace {
 
 using platform::GetDlgItem;
 
 QPlainTextEdit &TextField(QWidget &dialog, int id) { return *GetDlgItem<QPlainTextEdit>(dialog, id); }
+
+int Answer(DlgMsgDetails &dialog, std::function<void(QWidget &)> act) {
+    auto const done = OnNextDialog(std::move(act));
+    int const answer = static_cast<int>(dialog.DoModal());
+    EXPECT_TRUE(*done);
+    return answer;
+}
 
 TEST(MessageWithDetails, ItOpensCollapsedAndGrowsOnceForGood) {
     DlgMsgDetails dialog("Import", "3 of 7 files were not read.", "a.tif: damaged\nb.tif: damaged", nullptr);
@@ -23,32 +30,22 @@ TEST(MessageWithDetails, ItOpensCollapsedAndGrowsOnceForGood) {
     int const text = TextField(dialog, 6007).height();
     auto const look = [&](QWidget &window) {
         EXPECT_EQ(window.windowTitle(), "Import");
-        int const width = window.width();
-        QPoint const place = window.pos();
+        QRect const before = window.geometry();
         EXPECT_EQ(window.height(), full - edit - (full - edit - text) / 3);
         EXPECT_FALSE(TextField(window, 6005).isVisible());
-        test::Shot(window, "message-collapsed");
+        Shot(window, "message-collapsed");
         auto *const button = GetDlgItem<QPushButton>(window, 6006);
-        test::Click(button);
-        EXPECT_EQ(window.size(), QSize(width, full));
-        EXPECT_EQ(window.pos(), place);
+        Click(button);
+        EXPECT_EQ(window.geometry(), QRect(before.topLeft(), QSize(before.width(), full)));
         EXPECT_FALSE(button->isEnabled());
         EXPECT_TRUE(TextField(window, 6005).isVisible());
-        test::Shot(window, "message-details");
-        test::Click(GetDlgItem<QPushButton>(window, 1));
+        Shot(window, "message-details");
+        Click(GetDlgItem<QPushButton>(window, 1));
     };
-    for (int time = 0; time < 2; ++time) { // each time anew
-        auto const done = test::OnNextDialog(look);
-        EXPECT_EQ(dialog.DoModal(), 1);
-        EXPECT_TRUE(*done);
-    }
-}
-
-TEST(MessageWithDetails, EscapeIsNoOk) {
-    DlgMsgDetails dialog(nullptr, nullptr, nullptr, nullptr);
-    auto const done = test::OnNextDialog([](QWidget &window) { QTest::keyClick(&window, Qt::Key_Escape); });
-    EXPECT_EQ(dialog.DoModal(), 2);
-    EXPECT_TRUE(*done);
+    EXPECT_EQ(Answer(dialog, look), 1);
+    EXPECT_EQ(Answer(dialog, look), 1) << "each time anew";
+    DlgMsgDetails bare(nullptr, nullptr, nullptr, nullptr);
+    EXPECT_EQ(Answer(bare, [](QWidget &window) { QTest::keyClick(&window, Qt::Key_Escape); }), 2);
 }
 
 TEST(MessageWithDetails, EachLineFeedGetsAReturnAlsoBehindAnotherOne) {
@@ -61,7 +58,7 @@ TEST(MessageWithDetails, TheDetailsAreSelectedAndCopiedButNotChanged) {
     DlgMsgDetails dialog("", "", "first\nsecond", nullptr);
     dialog.show();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
-    test::Click(GetDlgItem<QPushButton>(dialog, 6006));
+    Click(GetDlgItem<QPushButton>(dialog, 6006));
     QPlainTextEdit &details = TextField(dialog, 6005);
     EXPECT_TRUE(details.hasFocus());
     QTest::keyClicks(&details, "x");
@@ -74,7 +71,7 @@ TEST(MessageWithDetails, TheDetailsAreSelectedAndCopiedButNotChanged) {
 TEST(MessageWithDetails, ALongPathWrapsAndWhatHasNoRoomScrolls) {
     std::string const path = "/" + std::string(60, 'a') + "/" + std::string(60, 'b') + ".tif";
     for (int const times : {1, 40}) {
-        std::string message = "Cannot read";
+        DString message = "Cannot read";
         for (int at = 0; at < times; ++at)
             message += " " + path;
         DlgMsgDetails dialog("Import", message.c_str(), "", nullptr);
@@ -83,9 +80,9 @@ TEST(MessageWithDetails, ALongPathWrapsAndWhatHasNoRoomScrolls) {
         EXPECT_EQ(text.verticalScrollBar()->maximum() > 0, times > 1);
         EXPECT_LE(text.document()->firstBlock().layout()->boundingRect().width(), text.viewport()->width())
             << "no text is cut at the side";
-        test::Shot(dialog, times > 1 ? "message-long" : "message-path");
+        Shot(dialog, times > 1 ? "message-long" : "message-path");
     }
 }
 
 } // namespace
-} // namespace zelvar
+} // namespace zelvar::test

@@ -2,29 +2,15 @@
 
 #include "support/Test.h"
 
-namespace zelvar {
+namespace zelvar::test {
 namespace {
 
 TEST(AsciiCaseFinder, RegardsCaseOfOtherSignsAlone) {
-    struct Case {
-        char const *wanted;
-        char const *text;
-        bool isIn;
-    };
-    Case const cases[] = {
-        {"", "", true},
-        {"", "abc", true},
-        {"a", "", false},
-        {"BaN", "the bAnd 7", true},
-        {"band 8", "Band 7", false},
-        {"Ä", "ä", false},
-        {"ä", "xäy", true},
-        {"[", "{", false},
-        {"abc", "ababc", true},
-        {"@", "`", false},
-    };
-    for (Case const &c : cases)
-        EXPECT_EQ(AsciiCaseFinder(c.wanted).IsIn(c.text), c.isIn) << c.wanted << " in " << c.text;
+    Rows<char const *, char const *, bool> const cases = {
+        {"", "", true},   {"", "abc", true}, {"BaN", "the bAnd 7", true}, {"abc", "ababc", true}, {"ä", "xäy", true},
+        {"a", "", false}, {"Ä", "ä", false}, {"band 8", "Band 7", false}, {"[", "{", false},      {"@", "`", false}};
+    for (auto const &[wanted, text, isIn] : cases)
+        EXPECT_EQ(AsciiCaseFinder(wanted).IsIn(text), isIn) << wanted << " in " << text;
 }
 
 TEST(ListAndDescription, TheBoundaryMovesUntilOneOfThemWouldBeTooLow) {
@@ -38,11 +24,9 @@ TEST(ListAndDescription, TheBoundaryMovesUntilOneOfThemWouldBeTooLow) {
 }
 
 TEST(ListAndDescription, TheEdgeIsTakenHoldOfWithinThreePixels) {
-    EXPECT_FALSE(IsOnBoundary(96, 100));
-    EXPECT_TRUE(IsOnBoundary(97, 100));
-    EXPECT_TRUE(IsOnBoundary(103, 100));
-    EXPECT_FALSE(IsOnBoundary(104, 100));
+    for (auto const &[at, isOn] : {std::pair{96, false}, {97, true}, {103, true}, {104, false}})
+        EXPECT_EQ(IsOnBoundary(at, 100), isOn) << at;
 }
 
 } // namespace
-} // namespace zelvar
+} // namespace zelvar::test

@@ -32,33 +32,29 @@ struct Built {
 };
 
 TEST(MessageBoxTemplate, PlacesEverythingInPixels) {
-    test::Rows<unsigned, Size, char const *> const cases = {
-        {MB_OK, {100, 15}, "128x77: 1001@16,16,112x20 1@29,44,70x23"},
-        {MB_OK, {0, 0}, "102x62: 1001@16,16,12x5 1@16,29,70x23"},
-        {MB_OKCANCEL, {100, 15}, "178x77: 1001@16,16,112x20 1@16,44,70x23 2@92,44,70x23"},
-        {MB_ABORTRETRYIGNORE, {100, 15}, "254x77: 1001@16,16,112x20 3@16,44,70x23 4@92,44,70x23 5@168,44,70x23"},
-        {MB_YESNOCANCEL, {300, 15}, "328x77: 1001@16,16,312x20 6@53,44,70x23 7@129,44,70x23 2@205,44,70x23"},
-        {MB_YESNO, {100, 15}, "178x77: 1001@16,16,112x20 6@16,44,70x23 7@92,44,70x23"},
-        {MB_RETRYCANCEL, {100, 15}, "178x77: 1001@16,16,112x20 4@16,44,70x23 2@92,44,70x23"},
-        {MB_FILEEXISTS,
-         {100, 15},
-         "390x77: 1001@16,16,112x20 2@16,44,100x23 3@122,44,100x23 1@228,44,70x23 4@304,44,70x23"},
+    test::Rows<unsigned, char const *> const cases = {
+        {MB_OK, "128x77: 1001@16,16,112x20 1@29,44,70x23"},
+        {MB_OKCANCEL, "178x77: 1001@16,16,112x20 1@16,44,70x23 2@92,44,70x23"},
+        {MB_ABORTRETRYIGNORE, "254x77: 1001@16,16,112x20 3@16,44,70x23 4@92,44,70x23 5@168,44,70x23"},
+        {MB_YESNO, "178x77: 1001@16,16,112x20 6@16,44,70x23 7@92,44,70x23"},
+        {MB_RETRYCANCEL, "178x77: 1001@16,16,112x20 4@16,44,70x23 2@92,44,70x23"},
         {MB_FILEEXISTS | MB_HELP,
-         {100, 15},
          "466x77: 1001@16,16,112x20 2@16,44,100x23 3@122,44,100x23 1@228,44,70x23 4@304,44,70x23 300@380,44,70x23"},
-        {7, {100, 15}, "128x77: 1001@16,16,112x20 1@67,44,70x23"}, // a row for no button
-        {15 | MB_HELP, {100, 15}, "128x77: 1001@16,16,112x20 1@29,44,70x23 300@105,44,70x23"},
-        {MB_CONTINUEABORT, {100, 15}, "178x77: 1001@16,16,112x20 10@16,44,70x23 3@92,44,70x23"},
-        {MB_OK | MB_ICONASTERISK, {100, 15}, "176x83: 1000@8,8,34x34 1001@56,16,112x20 1@53,50,70x23"},
+        {7, "128x77: 1001@16,16,112x20 1@67,44,70x23"}, // a row for no button
+        {15 | MB_HELP, "128x77: 1001@16,16,112x20 1@29,44,70x23 300@105,44,70x23"},
+        {MB_CONTINUEABORT, "178x77: 1001@16,16,112x20 10@16,44,70x23 3@92,44,70x23"},
+        {MB_OK | MB_ICONASTERISK, "176x83: 1000@8,8,34x34 1001@56,16,112x20 1@53,50,70x23"},
+        {MB_OK | 0x50, "128x77: 1001@16,16,112x20 1@29,44,70x23"}, // no icon has that number
+        {MB_YESNO | MB_DONTASKAGAIN, "178x103: 1001@16,16,112x20 6@16,44,70x23 7@92,44,70x23 5555@17,79,120x16"}};
+    for (auto const &[type, places] : cases)
+        EXPECT_EQ(Built(type).Text(), places) << type;
+    test::Rows<unsigned, Size, char const *> const measured = {
+        {MB_OK, {0, 0}, "102x62: 1001@16,16,12x5 1@16,29,70x23"},
+        {MB_YESNOCANCEL, {300, 15}, "328x77: 1001@16,16,312x20 6@53,44,70x23 7@129,44,70x23 2@205,44,70x23"},
         {MB_OK | MB_ICONHAND, {100, 45}, "176x107: 1000@8,8,34x34 1001@56,16,112x50 1@53,74,70x23"},
-        {MB_OK | 0x50, {100, 15}, "128x77: 1001@16,16,112x20 1@29,44,70x23"}, // no icon has that number
-        {MB_YESNO | MB_DONTASKAGAIN,
-         {100, 15},
-         "178x103: 1001@16,16,112x20 6@16,44,70x23 7@92,44,70x23 5555@17,79,120x16"},
-        {MB_OK | MB_DONTASKAGAIN, {0, 15}, "137x103: 1001@16,16,12x20 1@16,44,70x23 5555@17,79,120x16"},
-    };
-    for (auto const &[type, measured, places] : cases)
-        EXPECT_EQ(Built(type, measured).Text(), places) << type;
+        {MB_OK | MB_DONTASKAGAIN, {0, 15}, "137x103: 1001@16,16,12x20 1@16,44,70x23 5555@17,79,120x16"}};
+    for (auto const &[type, size, places] : measured)
+        EXPECT_EQ(Built(type, size).Text(), places) << type;
 }
 
 TEST(MessageBoxTemplate, GrowsWithItsFont) {
@@ -69,19 +65,17 @@ TEST(MessageBoxTemplate, GrowsWithItsFont) {
 }
 
 TEST(MessageBoxTemplate, TellsDefaultButtonAndCancel) {
-    test::Rows<unsigned, int, bool> const cases = {
-        {MB_OK, IDOK, false},
-        {MB_YESNOCANCEL | MB_DEFBUTTON3, IDCANCEL, true},
-        {MB_YESNOCANCEL | MB_DEFBUTTON4, IDYES, true}, // there are three
-        {MB_YESNO | MB_DEFBUTTON2, IDNO, false},
-        {MB_YESNO | MB_DEFBUTTON4, IDYES, false},
-        {MB_OKCANCEL | MB_DEFBUTTON3 | MB_HELP, kMessageBoxHelp, true},
-        {MB_FILEEXISTS | MB_DEFBUTTON4, 4, true},
-        {MB_RETRYCANCEL, IDRETRY, true},
-        {MB_ABORTRETRYIGNORE | MB_DEFBUTTON2, IDRETRY, false},
-        {MB_CONTINUEABORT | MB_DEFBUTTON2, IDABORT, false},
-        {7 | MB_DEFBUTTON2, IDOK, false},
-    };
+    test::Rows<unsigned, int, bool> const cases = {{MB_YESNOCANCEL | MB_DEFBUTTON3, IDCANCEL, true},
+                                                   {MB_YESNO | MB_DEFBUTTON2, IDNO, false},
+                                                   {MB_YESNOCANCEL | MB_DEFBUTTON4, IDYES, true}, // there are three
+                                                   {MB_OK, IDOK, false},
+                                                   {MB_RETRYCANCEL, IDRETRY, true},
+                                                   {MB_OKCANCEL | MB_DEFBUTTON3 | MB_HELP, kMessageBoxHelp, true},
+                                                   {7 | MB_DEFBUTTON2, IDOK, false},
+                                                   {MB_FILEEXISTS | MB_DEFBUTTON4, 4, true},
+                                                   {MB_YESNO | MB_DEFBUTTON4, IDYES, false},
+                                                   {MB_ABORTRETRYIGNORE | MB_DEFBUTTON2, IDRETRY, false},
+                                                   {MB_CONTINUEABORT | MB_DEFBUTTON2, IDABORT, false}};
     for (auto const &[type, defaultButton, cancel] : cases) {
         Built const built(type);
         EXPECT_EQ(built.state.defaultButton, defaultButton) << type;

@@ -7,149 +7,131 @@
 #include "zelvar/store/DCnfg.h"
 #include "zelvar/store/SettingsStore.h"
 
-namespace zelvar {
+namespace zelvar::test {
 namespace {
 
-using test::FileDialogHand;
-using test::Paths;
-using test::TempFolder;
+using Hand = FileDialogHand;
 
 struct SelectDirectory : testing::Test {
     SelectDirectory() {
         SettingsStore::Instance().RemoveTree("Profile");
         DfltFldrs::DeleteInstance();
     }
-    /// The folder chosen while `act` works with the browser, empty for none.
-    static std::string Browse(CDlgSlctDir &browser, std::function<void(FileDialogHand const &)> const &act) {
-        auto const done = test::OnNextDialog([&act](QWidget &window) { act(FileDialogHand(window)); });
-        bool const chosen = browser.DoBrowse() != 0;
-        EXPECT_TRUE(*done);
-        return chosen ? browser.GetPath() : std::string();
+    void Write(Paths const &names) const {
+        for (std::string const &name : names)
+            folder.Write(name);
     }
-    static QPushButton &Ok(FileDialogHand const &hand) {
+    /// The folder chosen while `act` works with the browser, relative to the test's, empty for none.
+    [[nodiscard]] std::string Browse(CDlgSlctDir &dialog, std::function<void(Hand const &)> const &act) const {
+        auto const done = OnNextDialog([&act](QWidget &window) { act(Hand(window)); });
+        bool const chosen = dialog.DoBrowse() != 0;
+        EXPECT_TRUE(*done);
+        EXPECT_TRUE(!chosen || dialog.GetPath().starts_with(folder.Path() + "/"));
+        return chosen ? dialog.GetPath().substr(folder.Path().size() + 1) : std::string();
+    }
+    static QPushButton &Ok(Hand const &hand) {
         return *hand.Dialog().findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Open);
     }
-    static std::string Shown(FileDialogHand const &hand) {
-        return hand.Part<CZelComboBox>("folderBox").GetWindowText();
-    }
+    static std::string Shown(Hand const &hand) { return hand.Part<CZelComboBox>("folderBox").GetWindowText(); }
+    static DString Remembered() { return Profile::GetString("Settings", "ActnLibDir", ""); }
+
+    TempFolder folder;
+    CDlgSlctDir browser;
 };
 
 TEST_F(SelectDirectory, AFolderIsPickedFromTheListOrByItsName) {
-    TempFolder const folder;
-    folder.Write("a/inner/file.txt");
-    folder.Folder("b");
-    folder.Write("file.txt");
-    CDlgSlctDir browser;
+    Write({"a/inner/file.txt", "b/x", "file.txt"});
     browser.SetTitle("Load Action Library...");
     browser.SetInitDir(folder.Path() + "/");
-    EXPECT_EQ(Browse(browser,
-                     [&](FileDialogHand const &hand) {
-                         EXPECT_EQ(hand.Dialog().windowTitle(), "Load Action Library...");
-                         hand.ClickRow("b");
-                         EXPECT_EQ(hand.Shown(), (Paths{"a", "b"})) << "no files";
-                         EXPECT_EQ(Ok(hand).text(), "Choose");
-                         EXPECT_TRUE(hand.Part<QWidget>("newFolderButton").isVisible());
-                         test::Shot(hand.Dialog(), "select-directory");
-                         test::Click(&Ok(hand));
-                     }),
-              folder / "b");
-    EXPECT_EQ(Browse(browser,
-                     [](FileDialogHand const &hand) {
-                         hand.DoubleClickRow("a");
-                         test::Click(&Ok(hand));
-                     }),
-              folder / "a")
-        << "the folder that is shown";
-    EXPECT_EQ(Browse(browser, [](FileDialogHand const &hand) { hand.TypeAndEnter("a/inner"); }), folder / "a/inner");
-    EXPECT_EQ(Browse(browser,
-                     [](FileDialogHand const &hand) {
-                         hand.Type("a/file.txt");
-                         EXPECT_FALSE(Ok(hand).isEnabled());
-                     }),
-              "");
+    auto const clickB = [&](Hand const &hand) {
+        EXPECT_EQ(hand.Dialog().windowTitle(), "Load Action Library...");
+        hand.ClickRow("b");
+        EXPECT_EQ(hand.Shown(), (Paths{"a", "b"})) << "no files";
+        EXPECT_EQ(Ok(hand).text(), "Choose");
+        EXPECT_TRUE(hand.Part<QWidget>("newFolderButton").isVisible());
+        Shot(hand.Dialog(), "select-directory");
+        Click(&Ok(hand));
+    };
+    EXPECT_EQ(Browse(browser, clickB), "b");
+    auto const enterA = [](Hand const &hand) {
+        hand.DoubleClickRow("a");
+        Click(&Ok(hand));
+    };
+    EXPECT_EQ(Browse(browser, enterA), "a") << "the folder that is shown";
+    EXPECT_EQ(Browse(browser, [](Hand const &hand) { hand.TypeAndEnter("a/inner"); }), "a/inner");
+    auto const typeFile = [](Hand const &hand) {
+        hand.Type("a/file.txt");
+        EXPECT_FALSE(Ok(hand).isEnabled());
+    };
+    EXPECT_EQ(Browse(browser, typeFile), "");
 }
 
 TEST_F(SelectDirectory, OnlyAFolderThatHoldsAMatchCanBePicked) {
-    TempFolder const folder;
-    folder.Write("library/sub/one.DLX");
-    folder.Write("library/sub/other.txt");
-    CDlgSlctDir browser;
+    Write({"library/sub/one.DLX", "library/sub/other.txt"});
     browser.SetInitDir(folder.Path());
     browser.SetFilter("*.dlx");
     browser.EnableNewFolder(false);
-    EXPECT_EQ(Browse(browser,
-                     [&](FileDialogHand const &hand) {
-                         EXPECT_FALSE(Ok(hand).isEnabled());
-                         EXPECT_FALSE(hand.Part<QWidget>("newFolderButton").isVisible());
-                         hand.TypeAndEnter("library");
-                         EXPECT_EQ(Shown(hand), folder / "library") << "not picked but entered";
-                         EXPECT_FALSE(Ok(hand).isEnabled());
-                         hand.ClickRow("sub");
-                         EXPECT_TRUE(Ok(hand).isEnabled());
-                         test::Click(&Ok(hand));
-                     }),
-              folder / "library/sub");
+    auto const act = [&](Hand const &hand) {
+        EXPECT_FALSE(Ok(hand).isEnabled());
+        EXPECT_FALSE(hand.Part<QWidget>("newFolderButton").isVisible());
+        hand.TypeAndEnter("library");
+        EXPECT_EQ(Shown(hand), folder / "library") << "not picked but entered";
+        EXPECT_FALSE(Ok(hand).isEnabled());
+        hand.ClickRow("sub");
+        EXPECT_TRUE(Ok(hand).isEnabled());
+        Click(&Ok(hand));
+    };
+    EXPECT_EQ(Browse(browser, act), "library/sub");
 }
 
 TEST_F(SelectDirectory, TheFolderIsRememberedUnderItsKey) {
-    TempFolder const folder;
-    folder.Folder("known");
-    folder.Folder("chosen");
+    Write({"known/x", "chosen/x"});
     DfltFldrs::Instance()->SaveDirHist("ActnLibDir", folder.Path());
-    CDlgSlctDir first;
-    first.SetKey("ActnLibDir");
-    EXPECT_EQ(Browse(first,
-                     [&](FileDialogHand const &hand) {
-                         EXPECT_EQ(Shown(hand), folder.Path()) << "from the history";
-                         hand.TypeAndEnter("known");
-                     }),
-              folder / "known");
-    EXPECT_EQ(Profile::GetString("Settings", "ActnLibDir", ""), folder / "known");
-    for (char const *given : {"", "chosen"}) {
+    browser.SetKey("ActnLibDir");
+    auto const typeKnown = [&](Hand const &hand) {
+        EXPECT_EQ(Shown(hand), folder.Path()) << "from the history";
+        hand.TypeAndEnter("known");
+    };
+    EXPECT_EQ(Browse(browser, typeKnown), "known");
+    for (DString const &given : {DString(), folder / "chosen"}) {
         CDlgSlctDir next;
         next.SetKey("ActnLibDir");
-        next.SetInitDir(*given == '\0' ? "" : folder / given);
-        std::string const begin = folder / (*given == '\0' ? "known" : given);
-        EXPECT_EQ(Browse(next, [&](FileDialogHand const &hand) { EXPECT_EQ(Shown(hand), begin); }), "");
+        next.SetInitDir(given);
+        DString const begin = given.empty() ? folder / "known" : given;
+        EXPECT_EQ(Browse(next, [&](Hand const &hand) { EXPECT_EQ(Shown(hand), begin); }), "");
         EXPECT_EQ(next.GetInitDir(), begin);
+        EXPECT_EQ(Remembered(), folder / "known") << "nothing was chosen";
     }
-    EXPECT_EQ(Profile::GetString("Settings", "ActnLibDir", ""), folder / "known") << "nothing was chosen";
     EXPECT_EQ(CDlgSlctDir::strPrtclDir, "Protocol Operation Folder");
 }
 
 TEST_F(SelectDirectory, AnActionLibraryIsTheLibraryFileInAFolder) {
-    TempFolder const folder;
-    folder.Write("lib/b.dlx");
-    folder.Write("lib/a.dlx");
-    folder.Write("lib/a.txt");
+    Write({"lib/b.dlx", "lib/a.dlx", "lib/a.txt"});
     DfltFldrs::Instance()->SaveDirHist("ActnLibDir", folder.Path());
     FileDlg request;
-    auto const done = test::OnNextDialog([&](QWidget &window) {
-        FileDialogHand const hand(window);
-        EXPECT_EQ(hand.Dialog().windowTitle(), "Load Action Library...");
-        hand.ClickRow("lib");
-        test::Click(&Ok(hand));
+    auto const done = OnNextDialog([&](QWidget &window) {
+        EXPECT_EQ(window.windowTitle(), "Load Action Library...");
+        Hand(window).ClickRow("lib");
+        Click(&Ok(Hand(window)));
     });
     ASSERT_TRUE(request.OpenActnLib(0));
     EXPECT_TRUE(*done);
     ASSERT_EQ(request.GetNumSlctFiles(), 1);
     EXPECT_EQ(request.GetFile(0)->GetText(), folder / "lib/a.dlx");
     EXPECT_EQ(request.GetFile(0)->GetDrvr(), nullptr);
-    EXPECT_EQ(Profile::GetString("Settings", "ActnLibDir", ""), folder / "lib");
+    EXPECT_EQ(Remembered(), folder / "lib");
 }
 
 TEST_F(SelectDirectory, ABrowserWithAStartFolderKeepsASecondOneAway) {
-    TempFolder const folder;
-    CDlgSlctDir browser;
     browser.SetInitDir(folder.Path());
     CDlgSlctDir second;
-    Browse(browser, [&](FileDialogHand const &) {
+    std::ignore = Browse(browser, [&](Hand const &) {
         second.SetInitDir(folder.Path());
         EXPECT_EQ(second.DoBrowse(), 0);
     });
     CDlgSlctDir without; // which does not
-    Browse(without, [&](FileDialogHand const &) { Browse(second, [](FileDialogHand const &) {}); });
+    std::ignore = Browse(without, [&](Hand const &) { std::ignore = Browse(second, [](Hand const &) {}); });
 }
 
 } // namespace
-} // namespace zelvar
+} // namespace zelvar::test

@@ -6,11 +6,8 @@
 #include "zelvar/filedlg/BuiltInFormats.h"
 #include "zelvar/store/DCnfg.h"
 
-namespace zelvar {
+namespace zelvar::test {
 namespace {
-
-using test::AskedRequest;
-using test::ScriptedPlugin;
 
 struct NoPng : ICheck<DString> {
     [[nodiscard]] bool Check(DString const &id) const override { return id != "PNG"; }
@@ -34,6 +31,9 @@ struct DataOperations : testing::Test {
         Wksp::Instance()->GetDataSchm()->Clear();
         Forget();
     }
+    bool LoadRaster(ICheck<DString> const *check = nullptr, int mode = 0) {
+        return request.OpenRasterData(Plugins(), mode, false, true, check);
+    }
     static void Add(char const *name, std::vector<ScriptedPlugin::Offer> const &offers) {
         DIOPluginMngr::Instance()->Add(std::make_unique<ScriptedPlugin>(name, offers));
     }
@@ -41,9 +41,9 @@ struct DataOperations : testing::Test {
     static void Set(char const *key, char const *value) { Profile::WriteString("Settings", key, value); }
     static DIOPluginMngr *Plugins() { return DIOPluginMngr::Instance(); }
 
-    test::ScriptedDrivers drivers;
-    test::TempFolder folder;
-    NoPng noPng;
+    ScriptedDrivers drivers;
+    TempFolder folder;
+    AskedRequest request;
 
 private:
     static void Forget() {
@@ -55,10 +55,9 @@ private:
 
 TEST_F(DataOperations, RasterDataIsLoadedInTheFormatUsedLastByItsName) {
     Set("Raster File Type", "Pictures");
-    AskedRequest request;
     request.answer = {folder.Write("a.tif")};
     request.chosen = "TIF";
-    EXPECT_TRUE(request.OpenRasterData(Plugins(), 0, false, true, nullptr));
+    EXPECT_TRUE(LoadRaster());
     EXPECT_EQ(request.Offered(), "All Files, Big images, Comma, Erdas, Grids, Pictures, Raw data, Settings");
     EXPECT_EQ(request.key, "ImageFolders");
     EXPECT_EQ(ScriptedPlugin::asked, "0:4294967295 0:4294967295");
@@ -67,14 +66,14 @@ TEST_F(DataOperations, RasterDataIsLoadedInTheFormatUsedLastByItsName) {
     request.answer.clear();
     request.chosen = nullptr;
     request.SetDataType(BDINode_Raster);
-    EXPECT_FALSE(request.OpenRasterData(Plugins(), 0, false, true, &noPng)) << "and cancelled";
+    NoPng const noPng;
+    EXPECT_FALSE(LoadRaster(&noPng)) << "and cancelled";
     EXPECT_EQ(request.Offered(), "All Files, Big images, Comma, Erdas, Grids, Raw data, Settings");
     EXPECT_EQ(request.Current(), "Big images");
     EXPECT_TRUE(ScriptedPlugin::asked.ends_with("0:2 0:2"));
 }
 
 TEST_F(DataOperations, ARasterIsNotSavedAsAGridNorAsRawData) {
-    AskedRequest request;
     request.answer = {folder / "new.png"};
     EXPECT_TRUE(request.OpenRasterData(Plugins(), 1, false, false, nullptr));
     EXPECT_EQ(request.Offered(), "Big images, Comma, Erdas, Pictures, Settings");
@@ -84,63 +83,56 @@ TEST_F(DataOperations, ARasterIsNotSavedAsAGridNorAsRawData) {
 TEST_F(DataOperations, TheFormatToBeginWithIsTheWantedTheStandardTheFilesOrTheUsualOne) {
     Set("Raster File Type", "Vanished");
     Add("More", {{"AB", "ABC before all", "*.ab"}, {"JP", "JPEG", "*.jpg;*.jpeg"}});
-    struct Case {
-        int mode;
-        char const *id, *file, *current;
+    auto const current = [](int mode, char const *file, char const *id = "") {
+        AskedRequest asked;
+        asked.SetInitFile(file);
+        asked.SetInitFrmtId(id);
+        EXPECT_FALSE(asked.OpenRasterData(Plugins(), mode, false, false, nullptr));
+        return asked.Current();
     };
-    Case const cases[] = {{0, "", "", "All Files"},        {0, "", "x.png", "Pictures"},
-                          {0, "", "x.jpeg", "All Files"},  {0, "", "x.ab", "ABC before all"},
-                          {1, "", "", "Big images"},       {1, "", "x.jpeg", "JPEG"},
-                          {1, "", "x.what", "Big images"}, {0, "ASC", "x.png", "Grids"}};
-    auto const current = [](Case const &c) {
-        AskedRequest request;
-        request.SetInitFile(c.file);
-        request.SetInitFrmtId(c.id);
-        EXPECT_FALSE(request.OpenRasterData(Plugins(), c.mode, false, false, nullptr));
-        return request.Current();
-    };
-    for (Case const &c : cases)
-        EXPECT_EQ(current(c), c.current) << c.mode << c.file;
+    for (auto const &[mode, file, format] : Rows<int, char const *, char const *>{{0, "", "All Files"},
+                                                                                  {0, "x.png", "Pictures"},
+                                                                                  {0, "x.jpeg", "All Files"},
+                                                                                  {0, "x.ab", "ABC before all"},
+                                                                                  {1, "", "Big images"},
+                                                                                  {1, "x.jpeg", "JPEG"},
+                                                                                  {1, "x.what", "Big images"}})
+        EXPECT_EQ(current(mode, file), format) << mode << file;
+    EXPECT_EQ(current(0, "x.png", "ASC"), "Grids");
     Add("Plain", {{"COG", "A variant", "*.tif"}, {"GTiff", "GeoTIFF", "*.tif;*.tiff"}});
     for (char const *file : {"", "x.tif", "x.what"})
-        EXPECT_EQ(current({1, "", file, ""}), "GeoTIFF") << file;
+        EXPECT_EQ(current(1, file), "GeoTIFF") << file;
     Add("Standard", {{"X", "STD_TIF", "*.tif"}});
-    EXPECT_EQ(current({0, "", "x.png", ""}), "STD_TIF");
+    EXPECT_EQ(current(0, "x.png"), "STD_TIF");
 }
 
 TEST_F(DataOperations, CaptionsTellOneFromSeveralAndKeepTheCallers) {
-    struct Case {
-        bool (*open)(FileDlg &, int mode);
-        bool multiple;
-        char const *load, *save;
-    };
     auto const raster = [](FileDlg &r, int mode) { return r.OpenRasterData(Plugins(), mode, false, true, nullptr); };
     auto const thematic = [](FileDlg &r, int mode) { return r.OpenGisObjects(Plugins(), mode, true); };
     auto const attributes = [](FileDlg &r, int mode) { return r.OpenAttrData(Plugins(), mode, "Points"); };
     auto const metadata = [](FileDlg &r, int) { return r.OpenMetaData(Plugins(), nullptr, nullptr, nullptr); };
-    Case const cases[] = {{raster, false, "Import Image Layer...", "Export Image Layer..."},
-                          {raster, true, "Import Image Layers...", "Export Image Layer..."},
-                          {thematic, false, "Import Thematic Layer...", "Export Thematic Layer..."},
-                          {thematic, true, "Add Thematic Layers...", "Export Thematic Layer..."},
-                          {attributes, false, "Load Points...", "Save Points..."},
-                          {metadata, false, "Import MetaData...", "Import MetaData..."}};
-    test::Application const application;
-    for (Case const &c : cases)
+    Rows<bool (*)(FileDlg &, int), bool, char const *, char const *> const cases = {
+        {raster, false, "Import Image Layer...", "Export Image Layer..."},
+        {raster, true, "Import Image Layers...", "Export Image Layer..."},
+        {thematic, false, "Import Thematic Layer...", "Export Thematic Layer..."},
+        {thematic, true, "Add Thematic Layers...", "Export Thematic Layer..."},
+        {attributes, false, "Load Points...", "Save Points..."},
+        {metadata, false, "Import MetaData...", "Import MetaData..."}};
+    Application const application;
+    for (auto const &[open, isMultiple, load, save] : cases)
         for (int const mode : {0, 1})
-            for (char const *own : {"", "Mine"}) {
-                FileDlg request(own);
-                if (c.multiple)
-                    request.SetMultipleFiles();
-                bool const isKept = *own != '\0' && !DString(c.load).starts_with("Load");
-                EXPECT_EQ(test::Answer([&] { return c.open(request, mode); }, "").caption, isKept      ? own
-                                                                                           : mode == 0 ? c.load
-                                                                                                       : c.save);
+            for (DString const own : {"", "Mine"}) {
+                FileDlg asking(own.c_str());
+                if (isMultiple)
+                    asking.SetMultipleFiles();
+                bool const isKept = !own.empty() && !DString(load).starts_with("Load");
+                DString const caption = isKept ? own : mode == 0 ? load : save;
+                EXPECT_EQ(Answer([&, run = open] { return run(asking, mode); }, "").caption, caption);
             }
 }
 
 TEST_F(DataOperations, ThematicDataIsRememberedByTheIdOfItsFormat) {
     Set("Labeled Raster File Type", "PNG");
-    AskedRequest request;
     request.answer = {folder.Write("a.shp")};
     EXPECT_TRUE(request.OpenGisObjects(Plugins(), 0, true));
     EXPECT_TRUE(request.Offered().ends_with("Raw data, Settings, Shape files, Aperio annotation files"));
@@ -152,14 +144,13 @@ TEST_F(DataOperations, ThematicDataIsRememberedByTheIdOfItsFormat) {
     request.chosen = ""; // all files, which are no type
     EXPECT_TRUE(request.OpenGisObjects(Plugins(), 0, false));
     EXPECT_EQ(Setting("Labeled Raster File Type"), "TIF");
-    test::ScriptedDrivers::AddTree("DAS");
+    ScriptedDrivers::AddTree("DAS");
     EXPECT_TRUE(request.OpenGisObjects(Plugins(), 1, true));
     EXPECT_TRUE(request.Offered().ends_with("Aperio annotation files, ArcSDE connection files"));
 }
 
 TEST_F(DataOperations, AttributesAreNoImages) {
     Set("Labeled Attribute File Type", "CSV");
-    AskedRequest request;
     request.answer = {folder.Write("a.csv")};
     EXPECT_TRUE(request.OpenAttrData(Plugins(), 0, "Points"));
     EXPECT_EQ(request.Offered(), "All Files, Big images, Comma, Grids, Pictures, Raw data, Settings, Ascii text files");
@@ -172,24 +163,24 @@ TEST_F(DataOperations, AttributesAreNoImages) {
 }
 
 TEST_F(DataOperations, MetadataBeginsWithWhatThePluginReads) {
-    test::Rows<char const *, char const *, char const *, char const *> const cases = {
+    Rows<char const *, char const *, char const *, char const *> const cases = {
         {nullptr, nullptr, "PNG", "Pictures"},  {"", "ini", "CSV", "Comma"},
         {"Tables", nullptr, "PNG", "Settings"}, {"Tables", "csv", "PNG", "Comma"},
         {"Tables", "tsv", "PNG", "Comma"},      {"Tables", "none", "PNG", "Settings"},
         {"Nobody", "csv", "PNG", "Pictures"},   {nullptr, nullptr, "GONE", "Big images"}};
     for (auto const &[plugin, extension, stored, current] : cases) {
         Set("MetaData File Type", stored);
-        AskedRequest request;
-        request.answer = {folder.Write("a.csv")};
-        EXPECT_TRUE(request.OpenMetaData(Plugins(), nullptr, plugin, extension));
-        EXPECT_EQ(request.Current(), current) << stored;
-        EXPECT_EQ(Setting("MetaData File Type"), request.GetFormat()->GetID());
+        AskedRequest reading;
+        reading.answer = {folder.Write("a.csv")};
+        EXPECT_TRUE(reading.OpenMetaData(Plugins(), nullptr, plugin, extension));
+        EXPECT_EQ(reading.Current(), current) << stored;
+        EXPECT_EQ(Setting("MetaData File Type"), reading.GetFormat()->GetID());
     }
 }
 
 TEST_F(DataOperations, WithoutFormatsTheUserIsToldOnce) {
     DIOPluginMngr::Instance()->Reset();
-    test::Told told;
+    Told told;
     EXPECT_FALSE(FileDlg().OpenRasterData(Plugins(), 1, false, false, nullptr));
     EXPECT_FALSE(FileDlg().OpenGisObjects(Plugins(), 1, false));
     EXPECT_FALSE(FileDlg().OpenAttrData(Plugins(), 1, ""));
@@ -207,14 +198,13 @@ TEST_F(DataOperations, WithoutPluginsTheCustomImportsAreOffered) {
     add({.name = "Plates", .driver = "TIF", .images = {"/x/{well}_1.tif**"}, .layers = {"L1"}, .singleFile = true});
     add({.name = "Agreed", .driver = "", .images = {"{a}.{b}"}, .layers = {"", "PNG", "", "PNG"}});
     add({.name = "Mixed", .driver = "", .images = {}, .layers = {"PNG", "TIF"}});
-    AskedRequest request;
     request.answer = {folder.Write("a.tif")};
     EXPECT_TRUE(request.OpenRasterData(nullptr, 0, false, false, nullptr));
     EXPECT_EQ(request.filter, "Agreed|*.*|All Files|*.*|Mixed|*.|Plates|*.tif||");
-    test::Rows<char const *, char const *, char const *, bool> const cases = {{"Plates", "TIF", "L1", true},
-                                                                              {"Agreed", "PNG", "", false},
-                                                                              {"Mixed", "", "PNG", false},
-                                                                              {"All Files", "", "", true}};
+    Rows<char const *, char const *, char const *, bool> const cases = {{"Plates", "TIF", "L1", true},
+                                                                        {"Agreed", "PNG", "", false},
+                                                                        {"Mixed", "", "PNG", false},
+                                                                        {"All Files", "", "", true}};
     for (auto const &[name, driverText, imageDriver, isSingle] : cases) {
         request.SetFormat(request.GetFormatByName(name));
         EXPECT_EQ(request.GetFormat()->GetDriverText(), driverText);
@@ -226,4 +216,4 @@ TEST_F(DataOperations, WithoutPluginsTheCustomImportsAreOffered) {
 }
 
 } // namespace
-} // namespace zelvar
+} // namespace zelvar::test

@@ -2,7 +2,7 @@
 
 #include "support/Test.h"
 
-namespace zelvar {
+namespace zelvar::test {
 namespace {
 
 TEST(FilterBuffer, HoldsTheFormatsInTheirOrder) {
@@ -33,25 +33,19 @@ TEST(FilterBuffer, IsFullAtItsSizeAndTakesNothingInPart) {
 }
 
 TEST(FilterBuffer, TheEntryOfAnExtensionIsTheFirstWhosePatternHoldsIt) {
-    struct Case {
-        char const *filter;
-        char const *extension;
-        int index;
-    };
-    Case const cases[] = {
-        {"Text|*.txt|Tables|*.csv;*.tsv|All|*.*||", "*.txt", 0},
-        {"Text|*.txt|Tables|*.csv;*.tsv|All|*.*||", "csv", 1},
-        {"Text|*.txt|Tables|*.csv;*.tsv|All|*.*||", "*.tsv", 1},
-        {"Text|*.txt|Tables|*.csv;*.tsv|All|*.*||", "*.gif", 3},
-        {"Text (*.csv)|*.txt|Tables|*.csv||", "*.csv", 1},
-        {"None||Text|*.txt||", "", 1},
-        {"Text|*.txt||", "", 0},
-        {"Text", "", 1},
-        {"", "", 0},
-    };
-    for (Case const &c : cases)
-        EXPECT_EQ(IndexOfPattern(c.filter, c.extension), c.index) << c.filter << " " << c.extension;
+    char const *const three = "Text|*.txt|Tables|*.csv;*.tsv|All|*.*||";
+    Rows<char const *, char const *, int> const cases = {{three, "*.txt", 0},
+                                                         {three, "csv", 1},
+                                                         {three, "*.tsv", 1},
+                                                         {three, "*.gif", 3},
+                                                         {"Text (*.csv)|*.txt|Tables|*.csv||", "*.csv", 1},
+                                                         {"None||Text|*.txt||", "", 1},
+                                                         {"Text|*.txt||", "", 0},
+                                                         {"Text", "", 1},
+                                                         {"", "", 0}};
+    for (auto const &[filter, extension, index] : cases)
+        EXPECT_EQ(IndexOfPattern(filter, extension), index) << filter << " " << extension;
 }
 
 } // namespace
-} // namespace zelvar
+} // namespace zelvar::test

@@ -2,23 +2,23 @@
 
 #include "support/Test.h"
 
-namespace zelvar {
-
+namespace zelvar::test {
 namespace {
 
-using Filters = std::vector<FileFilter>;
-
 TEST(FilterText, FieldsComeInPairsUntilTheEmptyOne) {
+    using Filters = std::vector<FileFilter>;
     Filters const two{{"Tagged image files", "*.tif;*.tiff"}, {"All Files", "*.*"}};
-    EXPECT_EQ(ParseFilterText("Tagged image files|*.tif;*.tiff|All Files|*.*||"), two);
-    EXPECT_EQ(ParseFilterText("Tagged image files|*.tif;*.tiff|All Files|*.*"), two) << "the end ends it too";
-    EXPECT_EQ(ParseFilterText("A|*.a|||B|*.b||"), (Filters{{"A", "*.a"}})) << "nothing is read behind the end";
-    EXPECT_EQ(ParseFilterText("All rule sets|||"), (Filters{{"All rule sets", ""}}));
-    EXPECT_EQ(ParseFilterText("|*.dat|All Files|*.*||"), (Filters{{"", "*.dat"}, {"All Files", "*.*"}}))
-        << "a format without a name keeps its place";
-    EXPECT_EQ(ParseFilterText("Odd"), (Filters{{"Odd", ""}}));
-    EXPECT_EQ(ParseFilterText(""), Filters{});
-    EXPECT_EQ(ParseFilterText("||"), Filters{});
+    Rows<char const *, Filters> const cases = {
+        {"Tagged image files|*.tif;*.tiff|All Files|*.*||", two},
+        {"Tagged image files|*.tif;*.tiff|All Files|*.*", two}, // the end ends it too
+        {"A|*.a|||B|*.b||", {{"A", "*.a"}}},                    // nothing is read behind the end
+        {"All rule sets|||", {{"All rule sets", ""}}},
+        {"|*.dat|All Files|*.*||", {{"", "*.dat"}, two[1]}}, // a format without a name keeps its place
+        {"Odd", {{"Odd", ""}}},
+        {"", {}},
+        {"||", {}}};
+    for (auto const &[text, filters] : cases)
+        EXPECT_EQ(ParseFilterText(text), filters) << text;
 }
 
 TEST(FilterText, MasksStandBehindADescriptionThatDoesNotNameThem) {
@@ -29,33 +29,26 @@ TEST(FilterText, MasksStandBehindADescriptionThatDoesNotNameThem) {
 }
 
 TEST(FilterText, AMaskThatEveryNamePassesLeavesNone) {
-    EXPECT_EQ(SingleMasks("*.tif; *.tiff ;;"), (std::vector<DString>{"*.tif", "*.tiff"}));
+    EXPECT_THAT(SingleMasks("*.tif; *.tiff ;;"), ElementsAre("*.tif", "*.tiff"));
     for (char const *masks : {"*.tif;*.*", "*", ""})
         EXPECT_TRUE(SingleMasks(masks).empty()) << masks;
 }
 
 TEST(FilterText, TheDefaultExtensionIsThatOfTheChosenFilter) {
-    struct Row {
-        char const *masks;
-        char const *given;
-        char const *expected;
-    };
-    constexpr Row rows[] = {
-        {"*.tif;*.tiff", "txt", "tif"},
-        {"*.t?f;*.tiff", "txt", "tiff"},
-        {"*.*", "txt", ""},
-        {"", ".txt", "txt"},
-        {"", "*.txt", "txt"},
-        {"", "*.*", ""},
-        {"", "tar.gz", "tar.gz"},
-        {"*.tar.gz", "", "tar.gz"},
-        {"report*", "txt", "txt"},
-        {"*.tif;*.*", "csv", ""},
-        {"*.", "txt", "txt"},
-    };
-    for (Row const &row : rows)
-        EXPECT_EQ(DefaultExtension(row.masks, row.given), row.expected) << row.masks << " and " << row.given;
+    Rows<char const *, char const *, char const *> const cases = {{"*.tif;*.tiff", "txt", "tif"},
+                                                                  {"*.t?f;*.tiff", "txt", "tiff"},
+                                                                  {"*.*", "txt", ""},
+                                                                  {"", ".txt", "txt"},
+                                                                  {"", "*.txt", "txt"},
+                                                                  {"", "*.*", ""},
+                                                                  {"", "tar.gz", "tar.gz"},
+                                                                  {"*.tar.gz", "", "tar.gz"},
+                                                                  {"report*", "txt", "txt"},
+                                                                  {"*.tif;*.*", "csv", ""},
+                                                                  {"*.", "txt", "txt"}};
+    for (auto const &[masks, given, expected] : cases)
+        EXPECT_EQ(DefaultExtension(masks, given), expected) << masks << " and " << given;
 }
 
 } // namespace
-} // namespace zelvar
+} // namespace zelvar::test

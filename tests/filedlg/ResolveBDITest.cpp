@@ -3,15 +3,13 @@
 #include "support/ScriptedDriver.h"
 #include "zelvar/filedlg/FileDlg.h"
 
-namespace zelvar {
+namespace zelvar::test {
 namespace {
 
-using test::ScriptedNode;
-using test::TempFolder;
 using Names = std::vector<std::string>;
 
 /// A tree driver that wants options for its files.
-struct OptionsDriver : test::ScriptedTreeDriver {
+struct OptionsDriver : ScriptedTreeDriver {
     using ScriptedTreeDriver::ScriptedTreeDriver;
     DString options;
     [[nodiscard]] DString GetDriverParameterString(BDINode const *) override { return options; }
@@ -23,46 +21,38 @@ struct Resolving : testing::Test {
         Tree("plain", {.name = "plain", .type = BDINode_Raster});
         Tree("other", {.name = "other", .type = BDINode_Thematic});
         Tree("tables", {.name = "tables", .type = BDINode_Folder, .children = {{.name = "t", .type = BDINode_Folder}}});
-        Tree("deep", {.name = "deep",
-                      .children = {{.name = "one", .type = BDINode_Raster},
-                                   {.name = "in", .children = {{.name = "two", .type = BDINode_Raster}}},
-                                   {.name = "road", .type = BDINode_Thematic}}});
-        Tree("hidden", {.name = "hidden",
-                        .children = {{.name = "shut",
-                                      .type = BDINode_Container | 0x100U,
-                                      .children = {{.name = "two", .type = BDINode_Raster}}}}});
+        ScriptedNode const one{.name = "one", .type = BDINode_Raster};
+        ScriptedNode const two{.name = "two", .type = BDINode_Raster};
+        ScriptedNode const road{.name = "road", .type = BDINode_Thematic};
+        Tree("deep", {.name = "deep", .children = {one, {.name = "in", .children = {two}}, road}});
+        ScriptedNode const shut{.name = "shut", .type = BDINode_Container | 0x100U, .children = {two}};
+        Tree("hidden", {.name = "hidden", .children = {shut}});
     }
     ~Resolving() override {
-        Forget();
-        EXPECT_EQ(driver.opens, driver.closes);
-        EXPECT_EQ(driver.nodesMade, driver.nodesClosed);
-        EXPECT_EQ(driver.finds, driver.findsClosed);
+        EXPECT_TRUE(driver.OpenTrees() == 0 && driver.OpenNodes() == 0 && driver.OpenFinds() == 0);
     }
     void Tree(DString const &name, ScriptedNode const &root) { driver.SetTree(name, root); }
-    void Forget() {
-        for (BDIMoniker const *moniker : out)
-            delete moniker;
-        out.clear();
-    }
     /// The texts of the monikers, those that have a driver with "*" before them.
     Names Resolve(Names const &names, int nodeMask = BDINode_Raster, char const *options = nullptr, int mode = 0) {
         DVectorSafe<DFile> files;
         for (DString const &name : names)
             files.push_back(DFile(name));
-        resolved =
-            FileDlg::ResolveBDI(mode, nodeMask, hasFormat ? &format : nullptr, "Title", files, "*.x", out, options);
+        DVector<BDIMoniker *> out = given;
+        DFileFrmt const *const wanted = hasFormat ? &format : nullptr;
+        resolved = FileDlg::ResolveBDI(mode, nodeMask, wanted, "Title", files, "*.x", out, options);
+        EXPECT_EQ(std::erase(out, nullptr), given.size()) << "they stay";
         Names texts;
         for (BDIMoniker const *moniker : out)
-            texts.push_back((moniker->GetDrvr() == nullptr ? "" : "*") + moniker->GetText());
-        Forget();
+            texts.push_back((moniker->GetDrvr() == nullptr ? "" : "*") +
+                            std::unique_ptr<BDIMoniker const>(moniker)->GetText());
         return texts;
     }
 
-    test::ScriptedDrivers drivers;
+    ScriptedDrivers drivers;
     OptionsDriver &driver;
     DFileFrmt format{"TREE", "Trees", "*.x"};
     bool hasFormat = true;
-    DVector<BDIMoniker *> out;
+    DVector<BDIMoniker *> given; ///< null monikers of the caller
     bool resolved = false;
 };
 
@@ -74,6 +64,9 @@ TEST_F(Resolving, APlainFileKeepsItsPathAndItsDriver) {
     EXPECT_EQ(Resolve({"deep"}, 0), Names{"*deep"}) << "a container stays what it is";
     hasFormat = false;
     EXPECT_EQ(Resolve({"plain"}), Names{"plain"});
+    given = {nullptr};
+    EXPECT_EQ(Resolve({"plain"}), Names{"plain"});
+    given.clear();
     EXPECT_EQ(Resolve({}), Names{});
     EXPECT_TRUE(resolved);
 }
@@ -123,19 +116,11 @@ TEST_F(Resolving, AContainerThatHoldsItselfComesToAnEnd) {
 TEST_F(Resolving, AFileWithoutAFormatsDriverTakesOneThatReadsItsContainer) {
     TempFolder const folder;
     DString const file = folder.Write("a.tre", "x");
-    auto &container = test::ScriptedDrivers::AddTree("CONTAINER", "*.tre");
+    auto &container = ScriptedDrivers::AddTree("CONTAINER", "*.tre");
     container.SetTree(file, {.name = "a", .children = {{.name = "one", .type = BDINode_Raster}}});
     hasFormat = false;
     EXPECT_EQ(Resolve({file, folder.Write("b.txt")}), (Names{folder / "b.txt", "*" + file + "/one"}));
 }
 
-TEST_F(Resolving, NullMonikersOfTheCallerStay) {
-    out.push_back(nullptr);
-    DVectorSafe<DFile> const files{DFile("plain")};
-    EXPECT_TRUE(FileDlg::ResolveBDI(0, BDINode_Raster, &format, "", files, nullptr, out, nullptr));
-    ASSERT_EQ(out.size(), 2U);
-    EXPECT_TRUE(std::ranges::count(out, nullptr) == 1);
-}
-
 } // namespace
-} // namespace zelvar
+} // namespace zelvar::test

@@ -5,54 +5,42 @@
 #include "zelvar/settings/DfltFldrs.h"
 #include "zelvar/store/DCnfg.h"
 
-namespace zelvar {
+namespace zelvar::test {
 namespace {
 
-using test::Answer;
-using test::Documents;
-using test::Shown;
-using test::TempFolder;
+using F = FileDlg;
 using Names = std::vector<std::string>;
+using Formats = std::vector<DFileFrmt *>;
 
 struct TypedOperations : testing::Test {
     ~TypedOperations() override { EXPECT_EQ(told.Take(), Names{}); }
 
     static DString Remembered(char const *key) { return Profile::GetString("Settings", key, "."); }
-    static Names History(char const *key) {
+    static DString NewestOf(char const *historyKey) {
         DVectorSafe<DString> folders;
-        DfltFldrs::Instance()->GetDirHist(key, folders, false, true);
-        return {folders.begin(), folders.end()};
-    }
-    static Names ShownIn(bool isOwn, std::vector<DFileFrmt *> const &formats) {
-        Names names;
-        for (DFileFrmt const *format : formats)
-            names.push_back(isOwn ? format->GetName() : test::OnPlatform(*format));
-        return names;
+        DfltFldrs::Instance()->GetDirHist(historyKey, folders, false, true);
+        return folders[0];
     }
 
-    test::ScriptedDrivers drivers;
-    test::Application application;
+    ScriptedDrivers drivers;
+    Application application;
     Documents documents;
     TempFolder folder;
-    test::Told told;
+    Told told;
 };
 
-using Operation = bool (*)(FileDlg &, int);
-
-struct Row {
-    char const *name;
-    Operation open;
-    std::vector<DFileFrmt *> load;
-    std::vector<DFileFrmt *> save;
-    char const *loadCaption;
-    char const *saveCaption;
-    char const *folderKey; ///< null for none
-    char const *historyKey;
-    int dlgTemplate;
-    bool keepsCaption; ///< that the caller has set
+struct Operation {
+    bool (*open)(FileDlg &, int);
+    Formats formats;
+    char const *what;
+    char const *folderKey;  ///< null for none
+    char const *historyKey; ///< as this
+    bool isOpened = false;  ///< "Open ...", unless the caller has set a caption; otherwise "Load ..." in any case
+    int dlgTemplate = 0;
+    char const *as = ""; ///< behind what is saved
+    Formats onlyTo = {}; ///< save
+    std::vector<int> modes = {0, 1};
 };
-
-BuiltInFormats &Known() { return BuiltInFormats::Instance(); }
 
 template <bool (FileDlg::*operation)(int)>
 bool Call(FileDlg &request, int mode) {
@@ -62,59 +50,53 @@ template <bool (FileDlg::*operation)(int, DString const &)>
 bool CallNamed(FileDlg &request, int mode) {
     return (request.*operation)(mode, "Cells");
 }
-template <bool (FileDlg::*operation)(char const *)>
-bool CallCaptioned(FileDlg &request, int) {
-    return (request.*operation)("Save contents");
-}
 
-// clang-format off
-std::vector<Row> Rows() {
-    BuiltInFormats &known = Known();
-    using Formats = std::vector<DFileFrmt *>;
-    Formats const workspace{FileDlg::pFrmt_workspace}, database{FileDlg::pFrmt_dm_dbfile}, project{FileDlg::pFrmt_prjct},
-        hierarchy{FileDlg::pFrmt_clss_hrchy}, userHierarchy{FileDlg::pFrmt_clss_hrchy_user}, protocol{FileDlg::pFrmt_prtcl},
-        properties{FileDlg::pFrmt_user_prop}, process{FileDlg::pFrmt_proc}, version{FileDlg::pFrmt_proc_ver},
-        wizard{FileDlg::pFrmt_wzrd}, parameters{FileDlg::pFrmt_paramset}, solution{FileDlg::pFrmt_anly},
-        jobs{FileDlg::pFrmt_jobsqnce}, plates{FileDlg::pFrmt_platelayout}, layout{FileDlg::pFrmt_TMAlayout},
-        match{FileDlg::pFrmt_TMAmatch}, dilution{FileDlg::pFrmt_dosedilutionsec}, text{FileDlg::pFrmt_textsttng};
+std::vector<Operation> Operations() {
+    BuiltInFormats &known = BuiltInFormats::Instance();
     char const *const works = "WorkspaceFolders", *const rules = "RulesetFolders", *const images = "ImageFolders";
+    DFileFrmt *const dose = F::pFrmt_dosedilutionsec;
+    auto const paramSet = [](FileDlg &request, int mode) { return request.OpenParamSet(mode, nullptr); };
+    auto const wizard = [](FileDlg &request, int) { return request.OpenWzrd(); };
+    auto const csv = [](FileDlg &request, int) { return request.OpenSaveCSV("Save contents..."); };
+    auto const html = [](FileDlg &request, int) { return request.OpenSaveHTML("Save contents..."); };
+    Formats const texts{&known.frmt_txt, &known.frmt_dbf, &known.frmt_csv, &known.frmt_all};
+    Formats const lists{&known.frmt_csv, &known.frmt_txt, &known.frmt_tcsv};
     return {
-        {"Workspace", &Call<&FileDlg::OpenWorkspace>, workspace, workspace, "Open Workspace...", "Save Workspace as...", "Workspace", works, 2, true},
-        {"DMDatabase", &Call<&FileDlg::OpenDMDatabase>, database, database, "Open DM Database...", "Save DM Database as...", "DMDatabase", works, 0, true},
-        {"TMAMatch", &Call<&FileDlg::OpenTMAMatch>, match, match, "Open TMA matching...", "Save TMA matching...", "TMAMatching", works, 0, true},
-        {"TMAGridLayt", &Call<&FileDlg::OpenTMAGridLayt>, layout, layout, "Open TMA Grid Layouts...", "Save TMA Grid Layouts...", "TMAGridLayouts", works, 0, true},
-        {"PltLayt", &Call<&FileDlg::OpenPltLayt>, plates, plates, "Open Plate Layout...", "Save Plate Layout...", "PlateLayout", works, 0, true},
-        {"TextSttng", &Call<&FileDlg::OpenTextSttng>, text, text, "Open Text Rendering Settings...", "Save Text Rendering Settings...", "TextRenderSettings", works, 0, true},
-        {"DoseDilutionSec", &Call<&FileDlg::OpenDoseDilutionSec>, dilution, dilution, "Open Dilution Sequence...", "Save Dilution Sequence...", "DoseDilutionSequence", works, 0, true},
-        {"Prjct", &Call<&FileDlg::OpenPrjct>, project, project, "Open Project...", "Save Project as...", "Project", "ProjectFolders", 3, true},
-        {"ClssHrchy", &Call<&FileDlg::OpenClssHrchy>, hierarchy, hierarchy, "Load Class Hierarchy...", "Save Class Hierarchy...", "RuleBase", rules, 0, false},
-        {"ClssHrchyUser", &Call<&FileDlg::OpenClssHrchyUser>, userHierarchy, userHierarchy, "Load Class Hierarchy...", "Save Class Hierarchy...", "RuleBase", rules, 0, false},
-        {"Prtcl", &Call<&FileDlg::OpenPrtcl>, protocol, protocol, "Load Protocol...", "Save Protocol...", nullptr, rules, 0, false},
-        {"UserProps", &Call<&FileDlg::OpenUserProps>, properties, properties, "Load Customized Features...", "Save Customized Features...", nullptr, rules, 0, false},
-        {"Process", &Call<&FileDlg::OpenProcess>, process, process, "Load Process...", "Save Process...", "Process", rules, 4, false},
-        {"ProcessVersion", &Call<&FileDlg::OpenProcessVersion>, version, version, "Load Process version...", "Save Process version...", "Process", rules, 4, false},
-        {"JobSqnce", &Call<&FileDlg::OpenJobSqnce>, jobs, jobs, "Load Job Sequence...", "Save Job Sequence...", "Job_Sequence", rules, 0, false},
-        {"AnlySltn", &Call<&FileDlg::OpenAnlySltn>, solution, solution, "Load Analysis Solution...", "Save Analysis Solution...", "AnlySltnDir", "SolutionFolders", 5, false},
-        {"ParamSet", [](FileDlg &request, int mode) { return request.OpenParamSet(mode, nullptr); }, parameters, parameters, "Load Parameter Set...", "Save Parameter Set...", "ParamSetDir", rules, 0, false},
-        {"Wzrd", [](FileDlg &request, int) { return request.OpenWzrd(); }, wizard, {}, "Load Wizard Definition ...", "", "WizardCurrentDir", rules, 0, false},
-        {"All", &Call<&FileDlg::OpenAll>, {&known.frmt_all}, {&known.frmt_all}, "Load Data...", "Save Data...", nullptr, "", 0, false},
-        {"TableData", &CallNamed<&FileDlg::OpenTableData>, {&known.frmt_txt, &known.frmt_dbf, &known.frmt_csv, &known.frmt_all}, {&known.frmt_txt, &known.frmt_dbf}, "Load Cells...", "Save Cells...", nullptr, images, 0, false},
-        {"TiffData", &CallNamed<&FileDlg::OpenTiffData>, {&known.frmt_tif}, {&known.frmt_tif}, "Load Cells...", "Save Cells...", nullptr, images, 0, false},
-        {"XMLData", &CallNamed<&FileDlg::OpenXMLData>, {&known.frmt_xml}, {&known.frmt_xml}, "Load Cells...", "Save Cells...", nullptr, "", 0, false},
-        {"ArcSDEConnFile", &CallNamed<&FileDlg::OpenArcSDEConnFile>, {&known.frmt_das}, {&known.frmt_das}, "Load Cells...", "Save Cells...", nullptr, "ThematicFolders", 0, false},
-        {"SaveCSV", &CallCaptioned<&FileDlg::OpenSaveCSV>, {}, {&known.frmt_csv, &known.frmt_txt, &known.frmt_tcsv}, "", "Save contents", nullptr, images, 0, false},
-        {"SaveHTML", &CallCaptioned<&FileDlg::OpenSaveHTML>, {}, {&known.frmt_html}, "", "Save contents", nullptr, "", 0, false},
+        {&Call<&F::OpenWorkspace>, {F::pFrmt_workspace}, "Workspace", "Workspace", works, true, 2, " as"},
+        {&Call<&F::OpenDMDatabase>, {F::pFrmt_dm_dbfile}, "DM Database", "DMDatabase", works, true, 0, " as"},
+        {&Call<&F::OpenTMAMatch>, {F::pFrmt_TMAmatch}, "TMA matching", "TMAMatching", works, true},
+        {&Call<&F::OpenTMAGridLayt>, {F::pFrmt_TMAlayout}, "TMA Grid Layouts", "TMAGridLayouts", works, true},
+        {&Call<&F::OpenPltLayt>, {F::pFrmt_platelayout}, "Plate Layout", "PlateLayout", works, true},
+        {&Call<&F::OpenTextSttng>, {F::pFrmt_textsttng}, "Text Rendering Settings", "TextRenderSettings", works, true},
+        {&Call<&F::OpenDoseDilutionSec>, {dose}, "Dilution Sequence", "DoseDilutionSequence", works, true},
+        {&Call<&F::OpenPrjct>, {F::pFrmt_prjct}, "Project", "Project", "ProjectFolders", true, 3, " as"},
+        {&Call<&F::OpenClssHrchy>, {F::pFrmt_clss_hrchy}, "Class Hierarchy", "RuleBase", rules},
+        {&Call<&F::OpenClssHrchyUser>, {F::pFrmt_clss_hrchy_user}, "Class Hierarchy", "RuleBase", rules},
+        {&Call<&F::OpenPrtcl>, {F::pFrmt_prtcl}, "Protocol", nullptr, rules},
+        {&Call<&F::OpenUserProps>, {F::pFrmt_user_prop}, "Customized Features", nullptr, rules},
+        {&Call<&F::OpenProcess>, {F::pFrmt_proc}, "Process", "Process", rules, false, 4},
+        {&Call<&F::OpenProcessVersion>, {F::pFrmt_proc_ver}, "Process version", "Process", rules, false, 4},
+        {&Call<&F::OpenJobSqnce>, {F::pFrmt_jobsqnce}, "Job Sequence", "Job_Sequence", rules},
+        {&Call<&F::OpenAnlySltn>, {F::pFrmt_anly}, "Analysis Solution", "AnlySltnDir", "SolutionFolders", false, 5},
+        {paramSet, {F::pFrmt_paramset}, "Parameter Set", "ParamSetDir", rules},
+        {wizard, {F::pFrmt_wzrd}, "Wizard Definition ", "WizardCurrentDir", rules, false, 0, "", {}, {0}},
+        {&Call<&F::OpenAll>, {&known.frmt_all}, "Data", nullptr, nullptr},
+        {&CallNamed<&F::OpenTableData>, texts, "Cells", nullptr, images, false, 0, "", {texts[0], texts[1]}},
+        {&CallNamed<&F::OpenTiffData>, {&known.frmt_tif}, "Cells", nullptr, images},
+        {&CallNamed<&F::OpenXMLData>, {&known.frmt_xml}, "Cells", nullptr, nullptr},
+        {&CallNamed<&F::OpenArcSDEConnFile>, {&known.frmt_das}, "Cells", nullptr, "ThematicFolders"},
+        {csv, lists, "contents", nullptr, images, false, 0, "", {}, {1}},
+        {html, {&known.frmt_html}, "contents", nullptr, nullptr, false, 0, "", {}, {1}},
     };
 }
-// clang-format on
 
 TEST_F(TypedOperations, EachOffersItsFormatsUnderItsCaptionAndRemembersItsFolder) {
-    for (Row const &row : Rows())
-        for (int const mode : {0, 1}) {
-            std::vector<DFileFrmt *> const &formats = mode == 0 ? row.load : row.save;
-            if (formats.empty())
-                continue;
-            SCOPED_TRACE(testing::Message() << row.name << (mode == 0 ? " loads" : " saves"));
+    for (Operation const &row : Operations())
+        for (int const mode : row.modes) {
+            DString const verb = mode == 1 ? "Save " : row.isOpened ? "Open " : "Load ";
+            DString const caption = verb + row.what + (mode == 1 ? row.as : "") + "...";
+            SCOPED_TRACE(caption);
+            Formats const &formats = mode == 1 && !row.onlyTo.empty() ? row.onlyTo : row.formats;
             // Names that taken apart lead to other files, and these files.
             TempFolder const top;
             DString const extension = formats.front()->GetExtn().substr(1);
@@ -123,50 +105,46 @@ TEST_F(TypedOperations, EachOffersItsFormatsUnderItsCaptionAndRemembersItsFolder
                 top.Write(neighbour);
             DString const place = top / "run?n=2";
             DString const file = top.Write("run?n=2/" + name);
-            if (row.folderKey != nullptr)
-                Profile::WriteString("Settings", row.folderKey, place);
-            DUserCnfg(DString("FileFilter")).RemoveKey(std::to_string(row.dlgTemplate));
+            DUserCnfg filters("FileFilter");
+            filters.RemoveKey(std::to_string(row.dlgTemplate));
 
             FileDlg request("Mine");
             request.ShowOverwritePrompt(false);
             if (row.folderKey == nullptr)
                 request.SetInitFile(place + "/");
+            else
+                Profile::WriteString("Settings", row.folderKey, place);
             Shown const shown = Answer([&] { return row.open(request, mode); }, name);
             EXPECT_TRUE(shown.opened);
             EXPECT_EQ(shown.isOwn, mode == 0);
-            EXPECT_EQ(shown.types, ShownIn(mode == 0, formats));
-            EXPECT_EQ(shown.caption, row.keepsCaption ? "Mine" : mode == 0 ? row.loadCaption : row.saveCaption);
+            Names types;
+            for (DFileFrmt const *format : formats)
+                types.push_back(mode == 0 ? format->GetName() : OnPlatform(*format));
+            EXPECT_EQ(shown.types, types);
+            EXPECT_EQ(shown.caption, row.isOpened ? "Mine" : caption);
             ASSERT_EQ(request.GetNumSlctFiles(), 1);
             EXPECT_EQ(request.GetPhysFile(), file);
             EXPECT_EQ(request.GetFormat(), formats.front());
-            if (row.folderKey != nullptr) {
-                EXPECT_EQ(Remembered(row.folderKey), place + "/");
-            }
-            if (*row.historyKey != '\0') {
-                EXPECT_EQ(History(row.historyKey).front(), place + "/");
-            }
+            EXPECT_TRUE(row.folderKey == nullptr || Remembered(row.folderKey) == place + "/");
+            EXPECT_TRUE(row.historyKey == nullptr || NewestOf(row.historyKey) == place + "/");
             // The library's dialog keeps its filter by the kind of what is picked.
-            if (mode == 0) {
-                EXPECT_TRUE(DUserCnfg(DString("FileFilter")).HasKey(std::to_string(row.dlgTemplate)));
-            }
-            if (row.keepsCaption) {
+            EXPECT_EQ(filters.HasKey(std::to_string(row.dlgTemplate)), mode == 0);
+            if (row.isOpened) {
                 FileDlg bare;
-                EXPECT_EQ(Answer([&] { return row.open(bare, mode); }, "").caption,
-                          mode == 0 ? row.loadCaption : row.saveCaption);
+                EXPECT_EQ(Answer([&] { return row.open(bare, mode); }, "").caption, caption);
             }
         }
 }
 
 TEST_F(TypedOperations, WithoutItsFormatADocumentsOperationIsDisabled) {
-    std::vector<Row> rows = Rows();
-    std::erase_if(rows,
-                  [](Row const &row) { return row.load.empty() || !row.load.front()->GetID().starts_with("DOC"); });
+    std::vector<Operation> rows = Operations();
+    std::erase_if(rows, [](Operation const &row) { return !row.formats.front()->GetID().starts_with("DOC"); });
     ASSERT_EQ(rows.size(), 18U);
     Documents::Clear();
-    for (Row const &row : rows)
+    for (Operation const &row : rows)
         for (int const mode : {0, 1}) {
             FileDlg request;
-            EXPECT_FALSE(row.open(request, mode)) << row.name;
+            EXPECT_FALSE(row.open(request, mode)) << row.what;
         }
 }
 
@@ -177,13 +155,10 @@ TEST_F(TypedOperations, TheFormatOfAProcessVersionIsOfferedWhereThatOfAProcessIs
     FileDlg::pFrmt_proc = &process;
     FileDlg::pFrmt_proc_ver = nullptr;
     EXPECT_FALSE(FileDlg().OpenProcessVersion(0));
-    EXPECT_FALSE(FileDlg().OpenProcessVersion(1));
-    EXPECT_EQ(told.Take(), Names(2, "FileDlg::ShowFileDlg: no file types available"));
+    EXPECT_EQ(told.Take(), Names{"FileDlg::ShowFileDlg: no file types available"});
 }
 
 TEST_F(TypedOperations, AWorkspaceIsLoadedWithCheckBoxesInThePlatformsDialogToo) {
-    platform::SetMainWindow(nullptr);
-    application.Window().hide();
     DUserCnfg options("Options");
     options.WriteString("General_Use standard windows file selection dialog", "true");
     folder.Write("a.d0");
@@ -191,12 +166,11 @@ TEST_F(TypedOperations, AWorkspaceIsLoadedWithCheckBoxesInThePlatformsDialogToo)
         FileDlg request;
         request.SetInitFile(folder.Path() + "/");
         request.ShowOverwritePrompt(false);
-        Shown const shown =
-            Answer([&] { return request.OpenWorkspace(mode); }, "a.d0",
-                   [](QWidget &dialog) {
-                       if (auto *const box = test::FileDialogHand(dialog).Control<QAbstractButton>(6011))
-                           test::Click(box);
-                   });
+        Shown const shown = Answer([&] { return request.OpenWorkspace(mode); }, "a.d0",
+                                   [](QWidget &dialog) {
+                                       if (auto *const box = FileDialogHand(dialog).Control<QAbstractButton>(6011))
+                                           Click(box);
+                                   });
         EXPECT_TRUE(shown.opened && !shown.isOwn);
         EXPECT_EQ(shown.hasCheckBoxes, mode == 0);
         EXPECT_EQ(request.GetChckReadOnly(), mode == 0);
@@ -236,29 +210,25 @@ TEST_F(TypedOperations, AllRuleSetsStandFirstAndSayNothingOfTheChoice) {
     EXPECT_EQ(request.GetPhysFile(), file);
     EXPECT_EQ(request.GetFormat(), nullptr);
     EXPECT_EQ(Remembered("Ruleset"), folder.Path() + "/");
-
-    FileDlg saving;
-    shown = Answer([&] { return saving.OpenAllRuleset(1, false); }, "");
+    shown = Answer([] { return FileDlg().OpenAllRuleset(1, false); }, "");
     EXPECT_EQ(shown.types.front(), "All rule sets (*.d7;*.d5;*.d10)");
     EXPECT_EQ(shown.caption, "Save Rule Set...");
     FileDlg::pFrmt_proc = FileDlg::pFrmt_prtcl = FileDlg::pFrmt_anly = FileDlg::pFrmt_jobsqnce = nullptr;
-    FileDlg none;
-    shown = Answer([&] { return none.OpenAllRuleset(0, true); }, "");
-    EXPECT_EQ(shown.types, Names{"All rule sets"});
+    EXPECT_EQ(Answer([] { return FileDlg().OpenAllRuleset(0, true); }, "").types, Names{"All rule sets"});
 }
 
 TEST_F(TypedOperations, ACancelledRequestRemembersNothing) {
     Profile::WriteString("Settings", "Project", folder.Path());
-    Names const history = History("ProjectFolders");
+    DString const newest = NewestOf("ProjectFolders");
     for (int const mode : {0, 1}) {
         FileDlg request;
         EXPECT_FALSE(Answer([&] { return request.OpenPrjct(mode); }, "").opened);
         EXPECT_EQ(request.GetNumSlctFiles(), 0);
         EXPECT_EQ(request.GetPhysFile(), ".");
         EXPECT_EQ(Remembered("Project"), folder.Path());
-        EXPECT_EQ(History("ProjectFolders"), history);
+        EXPECT_EQ(NewestOf("ProjectFolders"), newest);
     }
 }
 
 } // namespace
-} // namespace zelvar
+} // namespace zelvar::test

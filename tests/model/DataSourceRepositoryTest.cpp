@@ -1,4 +1,5 @@
 #include "support/Test.h"
+#include "support/Told.h"
 #include "zelvar/base/Directories.h"
 #include "zelvar/base/Report.h"
 #include "zelvar/model/DataSourceDefinitions.h"
@@ -12,14 +13,12 @@ namespace {
 /// Points the definitions and templates to a folder of the test's own and keeps what the user is told.
 struct DataSourceRepositoryTest : testing::Test {
     DataSourceRepositoryTest()
-        : m_definitions(GetDataSourceDefinitionsDir()), m_templates(GetDataSourceTemplatesDir()),
-          m_handler(Report::SetUserHandler([this](Report::Severity, DString const &text) { m_told.push_back(text); })) {
+        : m_definitions(GetDataSourceDefinitionsDir()), m_templates(GetDataSourceTemplatesDir()) {
         Use(m_folder.Path());
     }
     ~DataSourceRepositoryTest() override {
         setenv("ZELVAR_DEFINITIONS_DIR", m_definitions.c_str(), 1);
         setenv("ZELVAR_TEMPLATES_DIR", m_templates.c_str(), 1);
-        Report::SetUserHandler(m_handler);
     }
     static void Use(DString const &directory) {
         setenv("ZELVAR_DEFINITIONS_DIR", directory.c_str(), 1);
@@ -37,12 +36,11 @@ struct DataSourceRepositoryTest : testing::Test {
     }
 
     test::TempFolder m_folder;
-    std::vector<DString> m_told;
+    test::Told m_told;
 
 private:
     DString m_definitions;
     DString m_templates;
-    Report::UserHandler m_handler;
 };
 
 TEST_F(DataSourceRepositoryTest, ReadsAllFilesAndConnectionsFirst) {
@@ -68,8 +66,8 @@ TEST_F(DataSourceRepositoryTest, ABrokenFileIsToldOnceAndTheOthersLoad) {
     DataSourceDefinitions definitions;
     EXPECT_TRUE(definitions.Load());
     EXPECT_THAT(Names(definitions), ElementsAre("Alpha"));
-    EXPECT_THAT(m_told, ElementsAre("Connections configuration can not be read (" + (m_folder / "connections.xml") +
-                                    "). Check it's validity."));
+    EXPECT_THAT(m_told.Take(), ElementsAre("Connections configuration can not be read (" +
+                                           (m_folder / "connections.xml") + "). Check it's validity."));
     EXPECT_EQ(definitions.GetFile(0).file.GetName(), "a.xml");
 }
 
@@ -84,7 +82,7 @@ TEST_F(DataSourceRepositoryTest, MissingDirectoriesGiveEmptyRepositoriesWithoutA
         EXPECT_EQ(definitions.Save(), !directory.empty());
         EXPECT_EQ(std::filesystem::exists(m_folder / "missing/connections.xml"), !directory.empty());
     }
-    EXPECT_THAT(m_told, IsEmpty());
+    EXPECT_THAT(m_told.Take(), IsEmpty());
 }
 
 TEST_F(DataSourceRepositoryTest, AMissingConnectionsFileIsWrittenBySave) {
@@ -163,12 +161,8 @@ TEST_F(DataSourceRepositoryTest, CopiesShareTheTreesAndOutliveEachOther) {
 }
 
 TEST(ApplyParams, FillsPlaceholders) {
-    struct Case {
-        char const *url;
-        char const *params;
-        char const *expected; ///< null: fails
-    };
-    Case const cases[] = {
+    test::Rows<char const *, char const *, char const *> const cases = {
+        // null where it fails
         {"a${x}b", "x=1", "a1b"},           {"plain", "", "plain"},
         {"${x}${y}", "x=1;;y=2;", "12"},    {"${x}", "x=1;x=2", "1"},
         {"${a}", "a=b=c", "b=c"},           {"a${x}b", "x=", "ab"},
@@ -177,23 +171,22 @@ TEST(ApplyParams, FillsPlaceholders) {
         {"${X}", "x=1", nullptr},           {"${x}", "x=${x}", nullptr},
         {"${x}", "x=a${x}", nullptr},       {"${x}", "x=${x}${x}", nullptr},
     };
-    for (Case const &c : cases) {
-        DString url = c.url;
-        EXPECT_EQ(DataSourceRepository::ApplyParams(url, c.params), c.expected != nullptr) << c.url;
-        if (c.expected != nullptr) {
-            EXPECT_EQ(url, c.expected);
-        }
+    for (auto const &[text, params, expected] : cases) {
+        DString url = text;
+        EXPECT_EQ(DataSourceRepository::ApplyParams(url, params), expected != nullptr) << text;
+        EXPECT_TRUE(expected == nullptr || url == expected) << url;
     }
 }
 
 TEST(GetURLFromNode, NeedsTheParametersEvenWhereNothingIsToBeFilled) {
-    XMLNode node;
-    ASSERT_TRUE(node.LoadText("<DataSource url='plain'/>"));
-    EXPECT_EQ(DataSourceRepository::GetURLFromNode(&node), "");
-    ASSERT_TRUE(node.LoadText("<DataSource url='plain'><Parameters></Parameters></DataSource>"));
-    EXPECT_EQ(DataSourceRepository::GetURLFromNode(&node), "plain");
-    ASSERT_TRUE(node.LoadText("<DataSource url='${x'><Parameters>x=1</Parameters></DataSource>"));
-    EXPECT_EQ(DataSourceRepository::GetURLFromNode(&node), "");
+    for (auto const &[text, url] : test::Rows<char const *, char const *>{
+             {"<DataSource url='plain'/>", ""},
+             {"<DataSource url='plain'><Parameters></Parameters></DataSource>", "plain"},
+             {"<DataSource url='${x'><Parameters>x=1</Parameters></DataSource>", ""}}) {
+        XMLNode node;
+        ASSERT_TRUE(node.LoadText(text));
+        EXPECT_EQ(DataSourceRepository::GetURLFromNode(&node), url) << text;
+    }
     EXPECT_EQ(DataSourceRepository::GetURLFromNode(nullptr), "");
 }
 

@@ -1,25 +1,17 @@
 #include "zelvar/model/NtwDataSourceItem.h"
 
+#include "support/ListedChildren.h"
 #include "support/ScriptedDriver.h"
 #include "support/ScriptedShellNamespace.h"
 #include "support/Test.h"
 #include "zelvar/data/RequestScope.h"
 
-namespace zelvar {
+namespace zelvar::test {
 namespace {
 
 using platform::ShellId;
 using platform::ShellKind;
 using test::ScriptedShellNamespace;
-
-class CountingCancel : public DataSourceItem::ICancel {
-public:
-    explicit CountingCancel(int allowed) : m_allowed(allowed) {}
-    bool IsCanceled() override { return m_allowed-- <= 0; }
-
-private:
-    int m_allowed;
-};
 
 struct NtwDataSourceItemTest : testing::Test {
     NtwDataSourceItemTest() : m_former(platform::ShellNamespace::SetCurrent(m_shell)) {}
@@ -28,25 +20,11 @@ struct NtwDataSourceItemTest : testing::Test {
     static RefItemPtr<NtwDataSourceItem> Item(char const *path, char const *driverId = nullptr) {
         return NtwDataSourceItem::CreateItem(path, nullptr, driverId);
     }
-    static std::vector<RefItemPtr<NtwDataSourceItem>> Children(NtwDataSourceItem &folder, char const *filter = nullptr,
-                                                               DataSourceItem::ICancel *cancel = nullptr,
-                                                               DLGTemplate purpose = DT_DATA) {
-        std::vector<RefItemPtr<NtwDataSourceItem>> children;
-        ForEachChild(folder, cancel, filter, nullptr, 0, purpose, [&](RefItemPtr<DataSourceItem> const &child) {
-            children.emplace_back(dynamic_cast<NtwDataSourceItem *>(child.get()));
-            return true;
-        });
-        return children;
-    }
-    static std::vector<DString> Names(char const *path, char const *filter = nullptr,
-                                      DataSourceItem::ICancel *cancel = nullptr) {
-        std::vector<DString> names;
-        for (auto const &child : Children(*Item(path), filter, cancel))
-            names.push_back(child->GetName());
-        return names;
+    static NtwDataSourceItem::Type TypeOf(DataSourceItem const &item) {
+        return dynamic_cast<NtwDataSourceItem const &>(item).GetType();
     }
 
-    test::ScriptedDrivers m_drivers;
+    ScriptedDrivers m_drivers;
     std::shared_ptr<ScriptedShellNamespace> m_shell = std::make_shared<ScriptedShellNamespace>();
     std::shared_ptr<platform::ShellNamespace> m_former;
 };
@@ -67,7 +45,7 @@ TEST_F(NtwDataSourceItemTest, ClassifiesWhatAPathNames) {
 TEST_F(NtwDataSourceItemTest, AFolderThatCannotBeReadAndWhatCannotBeToldAreFoldersThatComeOutEmpty) {
     m_shell->AddFile("/d/a");
     m_shell->SetUnreadable("/d");
-    EXPECT_THAT(Names("/d"), IsEmpty());
+    EXPECT_THAT(Names(*Item("/d")), IsEmpty());
     ShellId const gone = m_shell->Drives().Child("/gone", ShellKind::Unknown);
     RefItemPtr<NtwDataSourceItem> const item(NtwDataSourceItem::CreateItem(gone, nullptr, nullptr));
     ASSERT_NE(item, nullptr);
@@ -92,19 +70,19 @@ TEST_F(NtwDataSourceItemTest, LeavesOutShortcutsAndTheProductsCaches) {
         m_shell->AddFile(file);
     for (char const *folder : {"/d/_image_cache", "/d/_zoom_cache", "/d/_Image_cache", "/d/folder.lnk"})
         m_shell->AddFolder(folder);
-    EXPECT_THAT(Names("/d"), ElementsAre("lnk", "_image_cache_", "x.lnk.txt", "_Image_cache", "folder.lnk"));
+    EXPECT_THAT(Names(*Item("/d")), ElementsAre("lnk", "_image_cache_", "x.lnk.txt", "_Image_cache", "folder.lnk"));
 }
 
 TEST_F(NtwDataSourceItemTest, AMaskNamesFilesAndNeverFolders) {
     for (char const *file : {"/d/a.tif", "/d/b.IMG", "/d/no dot"})
         m_shell->AddFile(file);
     m_shell->AddFolder("/d/folder.txt");
-    std::vector<DString> const all = Names("/d");
+    std::vector<DString> const all = Names(*Item("/d"));
     EXPECT_EQ(all.size(), 4U);
     for (char const *everything : {"", "*", "*.*"})
-        EXPECT_EQ(Names("/d", everything), all) << everything;
-    EXPECT_THAT(Names("/d", "*.tif"), ElementsAre("a.tif", "folder.txt"));
-    EXPECT_THAT(Names("/d", "*.tif;*.img"), ElementsAre("a.tif", "b.IMG", "folder.txt"));
+        EXPECT_EQ(Names(*Item("/d"), everything), all) << everything;
+    EXPECT_THAT(Names(*Item("/d"), "*.tif"), ElementsAre("a.tif", "folder.txt"));
+    EXPECT_THAT(Names(*Item("/d"), "*.tif;*.img"), ElementsAre("a.tif", "b.IMG", "folder.txt"));
 }
 
 TEST_F(NtwDataSourceItemTest, AChildKnowsSizeTimeAndPictureWithoutASecondLook) {
@@ -151,14 +129,14 @@ TEST_F(NtwDataSourceItemTest, AStoppedListingIsShorterAndValid) {
     EXPECT_FALSE(empty->IsValid());
     folder->DeleteIterator(empty);
     CountingCancel afterTwo(2);
-    EXPECT_THAT(Names("/d", nullptr, &afterTwo), ElementsAre("1", "2.txt"));
+    EXPECT_THAT(Names(*Item("/d"), nullptr, 0, &afterTwo), ElementsAre("1", "2.txt"));
     CountingCancel alsoForFilesLeftOut(2);
-    EXPECT_THAT(Names("/d", "?", &alsoForFilesLeftOut), ElementsAre("1"));
+    EXPECT_THAT(Names(*Item("/d"), "?", 0, &alsoForFilesLeftOut), ElementsAre("1"));
 }
 
 TEST_F(NtwDataSourceItemTest, ACloneKeepsIdentityNameAndParentButNoPictureOfItsOwn) {
     m_shell->AddFile("/d/a.tif", {.size = 3});
-    RefItemPtr<NtwDataSourceItem> const item = Children(*Item("/d")).at(0);
+    RefItemPtr<DataSourceItem> const item = Children(*Item("/d")).at(0);
     ImageList const pictures;
     item->SetOwnIcon(&pictures, 0);
     item->SetGroup(4);
@@ -197,14 +175,13 @@ TEST_F(NtwDataSourceItemTest, OnlyDriversThatMayClaimANameAreAsked) {
     m_shell->AddFile("/d/a.tif");
     m_shell->AddFile("/d/b.txt");
     m_shell->AddFile("/d/c.TIF");
-    test::AnyUrlDriver const &single =
+    AnyUrlDriver const &single =
         m_drivers.AddAnyUrl("single", "*.tif", [](auto &driver) { driver.attributes["BDI_Multiple_Images"] = 0; });
-    test::AnyUrlDriver const &refusing =
-        m_drivers.AddAnyUrl("refusing", "*.tif", [](auto &driver) { driver.reads = false; });
-    test::AnyUrlDriver const &multiple = m_drivers.AddAnyUrl("multiple", "*.tif");
+    AnyUrlDriver const &refusing = m_drivers.AddAnyUrl("refusing", "*.tif", [](auto &driver) { driver.reads = false; });
+    AnyUrlDriver const &multiple = m_drivers.AddAnyUrl("multiple", "*.tif");
     std::vector<NtwDataSourceItem::Type> types;
     for (auto const &child : Children(*Item("/d")))
-        types.push_back(child->GetType());
+        types.push_back(TypeOf(*child));
     EXPECT_THAT(types, ElementsAre(NtwDataSourceItem::TYPE_REPOSITORY_FILE, NtwDataSourceItem::TYPE_FILE,
                                    NtwDataSourceItem::TYPE_REPOSITORY_FILE));
     EXPECT_EQ(single.probes, 0);
@@ -227,7 +204,7 @@ TEST_F(NtwDataSourceItemTest, ANamedDriverAloneDecides) {
 }
 
 /// Gives no answer in time while it is late.
-struct LateDriver : test::ScriptedTreeDriver {
+struct LateDriver : ScriptedTreeDriver {
     LateDriver() : ScriptedTreeDriver("late", "*.tif") {}
     [[nodiscard]] bool CanReadPath(DString const &) const override {
         RequestScope &scope = *RequestScope::Current();
@@ -281,7 +258,7 @@ TEST_F(NtwDataSourceItemTest, WhoClassifiesAtLeisureHasTimeAndMayStopAndOneAnswe
 
 TEST_F(NtwDataSourceItemTest, AContainerIsAFolderThatOpensOnce) {
     m_shell->AddFile("/d/a.tif", {.size = 10});
-    test::AnyUrlDriver const &driver = m_drivers.AddAnyUrl("pages", "*.tif", [](auto &pages) {
+    AnyUrlDriver const &driver = m_drivers.AddAnyUrl("pages", "*.tif", [](auto &pages) {
         pages.Add("root", "page 1", BDINode_Raster, "Page 1");
         pages.Add("root", "page 2", BDINode_Raster, "Page 2");
     });
@@ -290,16 +267,9 @@ TEST_F(NtwDataSourceItemTest, AContainerIsAFolderThatOpensOnce) {
         RefItemPtr<NtwDataSourceItem> const file = Item("/d/a.tif"); // named, not listed
         EXPECT_TRUE(file->IsFolder());
         EXPECT_EQ(file->GetFileSize(), -1);
-        std::vector<RefItemPtr<DataSourceItem>> pages;
-        for (int round = 0; round < 2; ++round) {
-            pages.clear();
-            ForEachChild(*file, nullptr, "*.nothing", nullptr, BDINode_Raster, DT_DATA,
-                         [&](RefItemPtr<DataSourceItem> const &page) {
-                             pages.push_back(page);
-                             return true;
-                         });
-            ASSERT_EQ(pages.size(), 2U);
-        }
+        EXPECT_EQ(Children(*file, nullptr, BDINode_Raster).size(), 2U);
+        auto const pages = Children(*file, "*.nothing", BDINode_Raster);
+        ASSERT_EQ(pages.size(), 2U);
         EXPECT_EQ(driver.tries, 1);
         EXPECT_EQ(pages[1]->GetName(), "Page 2");
         EXPECT_EQ(pages[1]->GetDataSourceType(), DataSourceItem::DST_REPOSITORY);
@@ -323,4 +293,4 @@ TEST_F(NtwDataSourceItemTest, AContainerThatDoesNotOpenHasNoIterator) {
 }
 
 } // namespace
-} // namespace zelvar
+} // namespace zelvar::test

@@ -1,7 +1,9 @@
 #include "zelvar/model/TemplDataSourceItem.h"
 
+#include "support/ListedChildren.h"
 #include "support/ScriptedDriver.h"
 #include "support/Test.h"
+#include "support/Told.h"
 #include "zelvar/base/DFile.h"
 #include "zelvar/base/Directories.h"
 #include "zelvar/base/Report.h"
@@ -11,29 +13,8 @@
 
 #include <filesystem>
 
-namespace zelvar {
+namespace zelvar::test {
 namespace {
-
-/// Keeps what the log was told.
-class LogKeeper : test::Pinned {
-public:
-    LogKeeper() : m_former(Report::SetTraceHandler([this](int, DString const &line) { m_lines.push_back(line); })) {}
-    ~LogKeeper() { Report::SetTraceHandler(m_former); }
-    [[nodiscard]] DString Last() const { return m_lines.empty() ? DString() : m_lines.back(); }
-
-private:
-    std::vector<DString> m_lines;
-    Report::TraceHandler m_former;
-};
-
-class CountingCancel : public DataSourceItem::ICancel {
-public:
-    explicit CountingCancel(int allowed) : m_allowed(allowed) {}
-    bool IsCanceled() override { return m_allowed-- <= 0; }
-
-private:
-    int m_allowed;
-};
 
 RefItemPtr<TemplDataSourceItem> FromXml(char const *text) {
     XMLNode node;
@@ -45,66 +26,58 @@ constexpr char const *kDefinition = "<DataSource name='Maps' url='http://localho
                                     "<Parameters>layer=roads</Parameters><BDIDriver id='fake'/>"
                                     "<RDIDriver id='rdi'/></DataSource>";
 
-std::vector<DString> Names(DataSourceItem &folder, int mask = 0, DataSourceItem::ICancel *cancel = nullptr) {
-    std::vector<DString> names;
-    ForEachChild(folder, cancel, nullptr, nullptr, mask, DT_DATA, [&](RefItemPtr<DataSourceItem> const &child) {
-        names.push_back(child->GetName());
-        return true;
-    });
-    return names;
-}
-
 struct TemplDataSourceItemTest : testing::Test {
-    test::ScriptedDrivers m_drivers;
+    ~TemplDataSourceItemTest() override {
+        EXPECT_EQ(m_driver.OpenTrees(), 0);
+        EXPECT_EQ(m_driver.OpenNodes(), 0);
+        EXPECT_EQ(m_driver.OpenFinds(), 0);
+    }
+    [[nodiscard]] RefItemPtr<TemplDataSourceItem> Root() const {
+        return RefItemPtr<TemplDataSourceItem>(TemplDataSourceItem::CreateItem(&m_driver, "x", nullptr));
+    }
+
+    ScriptedDrivers m_drivers;
+    AnyUrlDriver &m_driver = m_drivers.AddAnyUrl("fake", "", [](auto &fake) { fake.attributes["BDI_Filtering"] = 1; });
 };
 
 TEST_F(TemplDataSourceItemTest, AConnectionOpensWhenItIsPreparedAndNotBefore) {
-    test::AnyUrlDriver const &driver =
-        m_drivers.AddAnyUrl("fake", "", [](auto &fake) { fake.Add("root", "roads", BDINode_Raster, "Roads"); });
-    LogKeeper const log;
-    {
-        RefItemPtr<TemplDataSourceItem> const item = FromXml(kDefinition);
-        ASSERT_NE(item, nullptr);
-        EXPECT_EQ(item->GetName(), "Maps");
-        EXPECT_EQ(item->GetRDIDriverId(), "rdi");
-        EXPECT_EQ(item->GetBDIDriverId(), "fake");
-        EXPECT_EQ(item->GetPath(), "");
-        EXPECT_FALSE(item->IsFolder());
-        EXPECT_EQ(item->CreateIterator(nullptr, nullptr, nullptr, 0, DT_DATA), nullptr);
-        EXPECT_EQ(driver.tries, 0);
-        item->Prepare();
-        item->Prepare();
-        EXPECT_EQ(driver.tries, 1);
-        EXPECT_EQ(log.Last(), "Repository by URL \"http://localhost/roads\" was created? YES (driver id: \"fake\", "
-                              "info: scripted fake)");
-        EXPECT_TRUE(item->IsFolder());
-        EXPECT_THAT(Names(*item, BDINode_Raster), ElementsAre("Roads"));
-    }
-    EXPECT_EQ(driver.OpenTrees(), 0);
-    EXPECT_EQ(driver.OpenNodes(), 0);
-    EXPECT_EQ(driver.OpenFinds(), 0);
+    m_driver.Add("root", "roads", BDINode_Raster, "Roads");
+    Traced const log;
+    RefItemPtr<TemplDataSourceItem> const item = FromXml(kDefinition);
+    ASSERT_NE(item, nullptr);
+    EXPECT_EQ(item->GetName(), "Maps");
+    EXPECT_EQ(item->GetRDIDriverId(), "rdi");
+    EXPECT_EQ(item->GetBDIDriverId(), "fake");
+    EXPECT_EQ(item->GetPath(), "");
+    EXPECT_FALSE(item->IsFolder());
+    EXPECT_EQ(item->CreateIterator(nullptr, nullptr, nullptr, 0, DT_DATA), nullptr);
+    EXPECT_EQ(m_driver.tries, 0);
+    item->Prepare();
+    item->Prepare();
+    EXPECT_EQ(m_driver.tries, 1);
+    EXPECT_EQ(log.Last(), "Repository by URL \"http://localhost/roads\" was created? YES (driver id: \"fake\", "
+                          "info: scripted fake)");
+    EXPECT_TRUE(item->IsFolder());
+    EXPECT_THAT(Names(*item, nullptr, BDINode_Raster), ElementsAre("Roads"));
 }
 
 TEST_F(TemplDataSourceItemTest, ADefinitionWaitsForNoDriver) {
     int asked = 0;
-    BDIDrvrMngr::Instance()->Reset();
     SetDriverProvider([&] { ++asked; }, true);
-    {
-        RefItemPtr<TemplDataSourceItem> const item = FromXml(kDefinition);
-        EXPECT_EQ(item->GetName(), "Maps");
-        EXPECT_FALSE(item->IsFolder());
-        EXPECT_FALSE(item->IsFilterSupported());
-        RefItemPtr<DataSourceItem> const copy = item->Clone();
-    }
+    RefItemPtr<TemplDataSourceItem> const item = FromXml(kDefinition);
+    EXPECT_EQ(item->GetName(), "Maps");
+    EXPECT_FALSE(item->IsFolder());
+    EXPECT_FALSE(item->IsFilterSupported());
+    RefItemPtr<DataSourceItem> const copy = item->Clone();
     EXPECT_EQ(asked, 0);
-    FromXml(kDefinition)->Prepare();
+    item->Prepare();
     EXPECT_EQ(asked, 1);
     SetDriverProvider({});
 }
 
 TEST_F(TemplDataSourceItemTest, AConnectionThatDoesNotOpenIsAnEmptyPaneAndALineInTheLog) {
-    m_drivers.AddAnyUrl("fake", "", [](auto &fake) { fake.isUrl = [](DString const &) { return false; }; });
-    LogKeeper const log;
+    m_driver.isUrl = [](DString const &) { return false; };
+    Traced const log;
     RefItemPtr<TemplDataSourceItem> const item = FromXml(kDefinition);
     item->Prepare();
     EXPECT_THAT(log.Last(), HasSubstr("was created? NO"));
@@ -114,15 +87,14 @@ TEST_F(TemplDataSourceItemTest, AConnectionThatDoesNotOpenIsAnEmptyPaneAndALineI
 }
 
 TEST_F(TemplDataSourceItemTest, WithAnUnknownDriverTheManagerChooses) {
-    m_drivers.AddAnyUrl("other", "");
-    LogKeeper const log;
+    Traced const log;
     RefItemPtr<TemplDataSourceItem> const item =
         FromXml("<DataSource name='x' url='u'><Parameters/><BDIDriver id='missing'/></DataSource>");
     ASSERT_NE(item, nullptr);
     EXPECT_EQ(item->GetBDIDriverId(), "");
     EXPECT_EQ(log.Last(), "BDI driver with ID \"missing\" was created? NO");
     item->Prepare();
-    EXPECT_EQ(item->GetBDIDriverId(), "other");
+    EXPECT_EQ(item->GetBDIDriverId(), "fake");
 }
 
 TEST_F(TemplDataSourceItemTest, ADefinitionWithoutAUrlIsNoItem) {
@@ -132,21 +104,16 @@ TEST_F(TemplDataSourceItemTest, ADefinitionWithoutAUrlIsNoItem) {
 }
 
 TEST_F(TemplDataSourceItemTest, ANodesBitsTellFolderAndFile) {
-    using Case = std::tuple<unsigned, bool, bool, bool>; // type; folder, file with any mask, raster
-    Case const cases[] = {{BDINode_Container, true, false, false},
-                          {BDINode_Folder, true, true, false},
-                          {BDINode_Raster, false, true, true},
-                          {BDINode_Table, false, true, false},
-                          {BDINode_Container | BDINode_Raster, true, true, true},
-                          {0, false, false, false}};
-    test::AnyUrlDriver &driver = m_drivers.AddAnyUrl("fake", "");
-    for (auto const &[type, isFolder, isFileWithAnyMask, isRaster] : cases)
-        driver.Add("root", "node " + std::to_string(type), type, "n");
-    RefItemPtr<TemplDataSourceItem> const root(TemplDataSourceItem::CreateItem(&driver, "x", nullptr));
+    Rows<unsigned, bool, bool, bool> const cases = {
+        {BDINode_Container, true, false, false}, {BDINode_Folder, true, true, false},
+        {BDINode_Raster, false, true, true},     {BDINode_Container | BDINode_Raster, true, true, true},
+        {BDINode_Table, false, true, false},     {0, false, false, false}};
+    RefItemPtr<TemplDataSourceItem> const root = Root();
     for (auto const &[type, isFolder, isFileWithAnyMask, isRaster] : cases) {
-        SCOPED_TRACE(type);
-        RefItemPtr<TemplDataSourceItem> const item(
-            TemplDataSourceItem::CreateNodeItem(root, ("node " + std::to_string(type)).c_str()));
+        DString const path = "node " + std::to_string(type);
+        SCOPED_TRACE(path);
+        m_driver.Add("root", path, type, "n");
+        RefItemPtr<TemplDataSourceItem> const item(TemplDataSourceItem::CreateNodeItem(root, path.c_str()));
         ASSERT_NE(item, nullptr);
         EXPECT_EQ(item->IsFolder(), isFolder);
         EXPECT_EQ(item->IsFile(0), isFileWithAnyMask);
@@ -156,91 +123,64 @@ TEST_F(TemplDataSourceItemTest, ANodesBitsTellFolderAndFile) {
 }
 
 TEST_F(TemplDataSourceItemTest, ListsFoldersAndWhatTheMaskNames) {
-    test::AnyUrlDriver &driver = m_drivers.AddAnyUrl("fake", "");
-    driver.Add("root", "c", BDINode_Container, "container");
-    driver.Add("root", "f", BDINode_Folder, "folder");
-    driver.Add("root", "r", BDINode_Raster, "raster");
-    driver.Add("root", "t", BDINode_Table, "table");
-    RefItemPtr<TemplDataSourceItem> const root(TemplDataSourceItem::CreateItem(&driver, "x", nullptr));
+    for (auto const &[path, type] : Rows<DString, unsigned>{{"container", BDINode_Container},
+                                                            {"folder", BDINode_Folder},
+                                                            {"raster", BDINode_Raster},
+                                                            {"table", BDINode_Table}})
+        m_driver.Add("root", path, type, path);
+    RefItemPtr<TemplDataSourceItem> const root = Root();
     EXPECT_EQ(root->GetName(), "Root");
     EXPECT_THAT(Names(*root), ElementsAre("container", "folder"));
-    EXPECT_THAT(Names(*root, BDINode_Raster), ElementsAre("container", "folder", "raster"));
-    driver.Break("r");
-    EXPECT_THAT(Names(*root, BDINode_Raster | BDINode_Table), ElementsAre("container", "folder", "table"));
+    EXPECT_THAT(Names(*root, nullptr, BDINode_Raster), ElementsAre("container", "folder", "raster"));
+    m_driver.Break("raster");
+    EXPECT_THAT(Names(*root, nullptr, BDINode_Raster | BDINode_Table), ElementsAre("container", "folder", "table"));
     CountingCancel afterTwo(2);
-    EXPECT_THAT(Names(*root, BDINode_Table, &afterTwo), ElementsAre("container", "folder"));
+    EXPECT_THAT(Names(*root, nullptr, BDINode_Table, &afterTwo), ElementsAre("container", "folder"));
 }
 
 TEST_F(TemplDataSourceItemTest, AChildHoldsItsBranchAndTheTreeStaysOpenForIt) {
-    test::AnyUrlDriver &driver = m_drivers.AddAnyUrl("fake", "");
-    driver.Add("root", "f", BDINode_Folder, "folder");
-    driver.Add("f", "r", BDINode_Raster, "raster");
-    RefItemPtr<DataSourceItem> leaf;
-    {
-        RefItemPtr<DataSourceItem> const root(TemplDataSourceItem::CreateItem(&driver, "x", nullptr));
-        ForEachChild(*root, nullptr, nullptr, nullptr, 0, DT_DATA, [&](RefItemPtr<DataSourceItem> const &folder) {
-            ForEachChild(*folder, nullptr, nullptr, nullptr, BDINode_Raster, DT_DATA,
-                         [&](RefItemPtr<DataSourceItem> const &child) {
-                             leaf = child;
-                             return false;
-                         });
-            return false;
-        });
-    }
-    ASSERT_NE(leaf, nullptr);
+    m_driver.Add("root", "f", BDINode_Folder, "folder");
+    m_driver.Add("f", "r", BDINode_Raster, "raster");
+    RefItemPtr<DataSourceItem> const leaf = Children(*Children(*Root()).at(0), nullptr, BDINode_Raster).at(0);
     EXPECT_EQ(leaf->GetParent()->GetPath(), "f");
     EXPECT_EQ(leaf->GetParent()->GetParent()->GetPath(), "root");
-    EXPECT_EQ(driver.OpenTrees(), 1);
-    leaf.reset();
-    EXPECT_EQ(driver.OpenTrees(), 0);
-    EXPECT_EQ(driver.OpenNodes(), 0);
+    EXPECT_EQ(m_driver.OpenTrees(), 1);
 }
 
 TEST_F(TemplDataSourceItemTest, ACloneOwnsANodeOfItsOwn) {
-    test::AnyUrlDriver &driver = m_drivers.AddAnyUrl("fake", "");
-    RefItemPtr<DataSourceItem> root(TemplDataSourceItem::CreateItem(&driver, "x", nullptr));
-    RefItemPtr<DataSourceItem> const copy = root->Clone();
-    root.reset();
+    RefItemPtr<DataSourceItem> const copy = Root()->Clone();
     EXPECT_EQ(copy->GetPath(), "root");
     EXPECT_EQ(copy->GetParent(), nullptr);
-    EXPECT_EQ(driver.OpenNodes(), 1);
+    EXPECT_EQ(m_driver.OpenNodes(), 1);
 }
 
 TEST_F(TemplDataSourceItemTest, AnItemOfAFilePreparesNothingAndTellsThatItIsOpen) {
-    test::AnyUrlDriver &driver = m_drivers.AddAnyUrl("fake", "");
-    LogKeeper const log;
-    RefItemPtr<DataSourceItem> const item(TemplDataSourceItem::CreateItem(&driver, "x", nullptr));
-    item->Prepare();
-    EXPECT_EQ(driver.tries, 1);
+    Traced const log;
+    Root()->Prepare();
+    EXPECT_EQ(m_driver.tries, 1);
     EXPECT_THAT(log.Last(), HasSubstr("by URL \"\" was created? YES"));
-    EXPECT_EQ(TemplDataSourceItem::CreateItem(&driver, nullptr, nullptr), nullptr);
+    EXPECT_EQ(TemplDataSourceItem::CreateItem(&m_driver, nullptr, nullptr), nullptr);
 }
 
 TEST_F(TemplDataSourceItemTest, AFilterOpensTheTreeAnewAndFailureKeepsTheOldOne) {
     bool opens = true;
-    test::AnyUrlDriver &driver = m_drivers.AddAnyUrl("fake", "", [&](auto &fake) {
-        fake.attributes["BDI_Filtering"] = 1;
-        fake.isUrl = [&opens](DString const &) { return opens; };
-        fake.Add("root", "f", BDINode_Folder, "folder");
-    });
-    RefItemPtr<TemplDataSourceItem> item = FromXml(kDefinition);
+    m_driver.isUrl = [&opens](DString const &) { return opens; };
+    m_driver.Add("root", "f", BDINode_Folder, "folder");
+    RefItemPtr<TemplDataSourceItem> const item = FromXml(kDefinition);
     EXPECT_FALSE(item->ResetFilter("x")); // not open yet
     item->Prepare();
     EXPECT_TRUE(item->IsFilterSupported());
     EXPECT_TRUE(item->ResetFilter("only these"));
-    EXPECT_EQ(driver.lastFilter, "only these");
+    EXPECT_EQ(m_driver.lastFilter, "only these");
     EXPECT_THAT(Names(*item), ElementsAre("folder"));
     opens = false;
     EXPECT_FALSE(item->ResetFilter("broken"));
     EXPECT_THAT(Names(*item), ElementsAre("folder"));
-    item.reset();
-    EXPECT_EQ(driver.OpenTrees(), 0);
-    EXPECT_EQ(driver.OpenNodes(), 0);
 }
 
 TEST_F(TemplDataSourceItemTest, FilterConfigurationsStandOneALine) {
     for (bool const nested : {false, true}) {
-        test::AnyUrlDriver &driver = m_drivers.AddAnyUrl(nested ? "nested" : "direct", "", [&](auto &fake) {
+        AnyUrlDriver &driver = m_drivers.AddAnyUrl(nested ? "nested" : "direct", "", [&](auto &fake) {
             fake.attributes["BDI_Filtering"] = 1;
             DString const url = nested ? "nested url" : "direct url";
             fake.Add("root", url, BDINode_Container, "top");
@@ -266,11 +206,9 @@ TEST_F(TemplDataSourceItemTest, IconsOfTheDefinitionTellRootFolderAndImageApart)
     DString const directory = GetDataSourceTemplatesDir();
     for (char const *name : {"root.png", "folder.png", "image.png"})
         ASSERT_TRUE(DFile(AppendPath(directory, name)).WriteAtomically("x"));
-    test::AnyUrlDriver &driver = m_drivers.AddAnyUrl("fake", "");
-    driver.Add("root", "f", BDINode_Folder, "folder");
-    driver.Add("root", "d", kDirectoryNode, "directory");
-    driver.Add("root", "t", BDINode_Table, "table");
-    driver.Add("root", "r", BDINode_Raster, "raster");
+    for (unsigned const type :
+         {unsigned{BDINode_Folder}, unsigned{kDirectoryNode}, unsigned{BDINode_Table}, unsigned{BDINode_Raster}})
+        m_driver.Add("root", std::to_string(type), type, "n");
     RefItemPtr<TemplDataSourceItem> const item =
         FromXml("<DataSource name='x' url='u'><Parameters/><BDIDriver id='fake'/><Icons>"
                 "<Icon type='DataSource' path='root.png'/><Icon type='Folder' path='folder.png'/>"
@@ -282,10 +220,8 @@ TEST_F(TemplDataSourceItemTest, IconsOfTheDefinitionTellRootFolderAndImageApart)
     };
     EXPECT_EQ(pictureOf(*item), "root.png");
     std::vector<DString> pictures;
-    ForEachChild(*item, nullptr, nullptr, nullptr, 0xFE, DT_DATA, [&](RefItemPtr<DataSourceItem> const &child) {
+    for (auto const &child : Children(*item, nullptr, 0xFE))
         pictures.push_back(pictureOf(*child));
-        return true;
-    });
     EXPECT_THAT(pictures,
                 ElementsAre("image.png", "folder.png", "folder.png", "image.png")); // a folder bit counts as data here
     RefItemPtr<TemplDataSourceItem> const plain = FromXml(kDefinition);
@@ -294,23 +230,22 @@ TEST_F(TemplDataSourceItemTest, IconsOfTheDefinitionTellRootFolderAndImageApart)
 }
 
 TEST_F(TemplDataSourceItemTest, AWalkerCanGoBelowChildren) {
-    test::AnyUrlDriver &driver = m_drivers.AddAnyUrl("fake", "");
-    driver.Add("root", "a", BDINode_Container, "a");
-    driver.Add("a", "a1", BDINode_Raster, "a1");
-    driver.Add("root", "b", BDINode_Raster, "b");
+    m_driver.Add("root", "a", BDINode_Container, "a");
+    m_driver.Add("a", "a1", BDINode_Raster, "a1");
+    m_driver.Add("root", "b", BDINode_Raster, "b");
     BDINode top;
     top.path = "root";
     std::vector<DString> seen;
     {
-        ChildWalker walker(driver, nullptr, top, BDINode_Raster, ChildWalker::Depth::Descendants);
+        ChildWalker walker(m_driver, nullptr, top, BDINode_Raster, ChildWalker::Depth::Descendants);
         for (walker.Start(); walker.Current() != nullptr; walker.Next())
             seen.push_back(walker.Current()->name);
     }
     EXPECT_THAT(seen, ElementsAre("a", "a1", "b"));
-    ChildWalker unfinished(driver, nullptr, top, BDINode_Raster | BDINode_Container);
+    ChildWalker unfinished(m_driver, nullptr, top, BDINode_Raster | BDINode_Container);
     unfinished.Start();
-    EXPECT_EQ(driver.OpenFinds(), 1);
+    EXPECT_EQ(m_driver.OpenFinds(), 1);
 }
 
 } // namespace
-} // namespace zelvar
+} // namespace zelvar::test

@@ -32,6 +32,12 @@ struct ServeTables : testing::Test {
         return Ask(std::move(request));
     }
 
+    wire::AnswerBodyUnion Open(std::unique_ptr<wire::TableSpecT> spec) {
+        wire::OpenTableT request;
+        request.table = std::move(spec);
+        return Ask(std::move(request));
+    }
+
     ScriptedDrivers drivers;
     ScriptedTableDriver &driver = ScriptedTableDriver::Add();
     StopSignal stop{false};
@@ -45,13 +51,10 @@ TEST_F(ServeTables, ATableIsOpenedByWhateverAsksForItAndClosedOnce) {
     EXPECT_EQ(rows.AsRowsRead()->texts, "3.03.14.04.1");
     EXPECT_EQ(rows.AsRowsRead()->ends, (std::vector<std::uint32_t>{3, 6, 9, 12}));
     EXPECT_TRUE(rows.AsRowsRead()->isEnd);
-    wire::OpenTableT open;
-    open.table = Spec(7);
-    wire::AnswerBodyUnion const opened = Ask(std::move(open));
+    wire::AnswerBodyUnion const opened = Open(Spec(7));
     ASSERT_NE(opened.AsTableOpened(), nullptr);
     EXPECT_EQ(opened.AsTableOpened()->driver, "TABLE");
-    ASSERT_EQ(opened.AsTableOpened()->columns.size(), 2U);
-    EXPECT_EQ(opened.AsTableOpened()->columns[1]->name, "c1");
+    EXPECT_EQ(opened.AsTableOpened()->columns.at(1)->name, "c1");
     EXPECT_EQ(driver.opens, 1);
     wire::CloseTableT close;
     close.id = 7;
@@ -62,7 +65,7 @@ TEST_F(ServeTables, ATableIsOpenedByWhateverAsksForItAndClosedOnce) {
 
 TEST_F(ServeTables, BadRequestsAreRefused) {
     driver.tables["/t"] = {.columns = 1, .rows = 5, .throwsAt = 4};
-    for (auto const &[first, most] : std::initializer_list<std::pair<std::int64_t, int>>{
+    for (auto const &[first, most] : test::Rows<std::int64_t, int>{
              {-1, 1}, {0, 0}, {0, -1}, {std::numeric_limits<std::int64_t>::min(), std::numeric_limits<int>::min()}})
         EXPECT_NE(Rows(1, first, most).AsFailed(), nullptr) << first << " " << most;
     wire::AnswerBodyUnion const behind = Rows(1, std::numeric_limits<std::int64_t>::max(), 1);
@@ -71,9 +74,7 @@ TEST_F(ServeTables, BadRequestsAreRefused) {
     EXPECT_THROW(static_cast<void>(Rows(1, 0, 5)), std::runtime_error); // the server answers with the reason
     EXPECT_NE(Ask(wire::ReadRowsT{}).AsFailed(), nullptr);
     EXPECT_NE(Ask(wire::OpenTableT{}).AsFailed(), nullptr);
-    wire::OpenTableT open;
-    open.table = Spec(2, "UNKNOWN");
-    wire::AnswerBodyUnion const unknown = Ask(std::move(open));
+    wire::AnswerBodyUnion const unknown = Open(Spec(2, "UNKNOWN"));
     ASSERT_NE(unknown.AsFailed(), nullptr);
     EXPECT_EQ(unknown.AsFailed()->reason, "no table driver UNKNOWN");
     wire::RequestBodyUnion request;
@@ -89,11 +90,9 @@ TEST_F(ServeTables, PluginsOfFormatsAreToldWithTheDrivers) {
         FormatFacts{.id = "F", .name = "A format", .extensions = "*.f", .reads = 2, .writes = 4}));
     wire::AnswerBodyUnion const told = Ask(wire::ListDriversT{});
     ASSERT_NE(told.AsDrivers(), nullptr);
-    ASSERT_EQ(told.AsDrivers()->tables.size(), 1U);
-    EXPECT_EQ(told.AsDrivers()->tables[0]->id, "TABLE");
-    ASSERT_EQ(told.AsDrivers()->formats.size(), 1U);
-    EXPECT_EQ(told.AsDrivers()->formats[0]->name, "A format");
-    EXPECT_EQ(told.AsDrivers()->formats[0]->writes, 4U);
+    EXPECT_EQ(told.AsDrivers()->tables.at(0)->id, "TABLE");
+    EXPECT_EQ(told.AsDrivers()->formats.at(0)->name, "A format");
+    EXPECT_EQ(told.AsDrivers()->formats.at(0)->writes, 4U);
 }
 
 } // namespace

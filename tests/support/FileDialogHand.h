@@ -1,7 +1,7 @@
 #pragma once
 
 #include "support/GuiTest.h"
-#include "zelvar/base/Report.h"
+#include "support/Told.h"
 #include "zelvar/filedlg/CCustomFileDlg.h"
 #include "zelvar/platform/ui/ControlId.h"
 #include "zelvar/platform/ui/Text.h"
@@ -58,23 +58,23 @@ public:
                 return Click(button);
     }
     /// What the list shows, in byte order.
-    [[nodiscard]] std::vector<std::string> Shown() const {
-        std::vector<std::string> names;
+    [[nodiscard]] Paths Shown() const {
+        Paths names;
         for (int row = 0; row < m_list.model()->rowCount(m_list.rootIndex()); ++row)
-            names.push_back(m_list.model()->index(row, 0, m_list.rootIndex()).data().toString().toStdString());
+            names.push_back(NameAt(row));
         std::sort(names.begin(), names.end());
         return names;
     }
+    void AwaitShown(Paths const &names) const {
+        EXPECT_TRUE(Eventually([&] { return Shown() == names; })) << testing::PrintToString(names);
+    }
     [[nodiscard]] QPoint At(std::string const &name) const {
-        for (int row = 0; row < m_list.model()->rowCount(m_list.rootIndex()); ++row) {
-            QModelIndex const index = m_list.model()->index(row, 0, m_list.rootIndex());
-            if (index.data().toString().toStdString() != name)
-                continue;
-            m_list.scrollTo(index);
-            return m_list.visualRect(index).center();
-        }
-        ADD_FAILURE() << name << " is not shown";
-        return {};
+        int row = 0;
+        while (row < m_list.model()->rowCount(m_list.rootIndex()) && NameAt(row) != name)
+            ++row;
+        EXPECT_NE(NameAt(row), "") << name << " is not shown";
+        m_list.scrollTo(Cell(row));
+        return m_list.visualRect(Cell(row)).center();
     }
     void ClickRow(std::string const &name, Qt::KeyboardModifiers modifiers = {}) const {
         EXPECT_TRUE(Eventually([&] { return std::ranges::count(Shown(), name) == 1; }));
@@ -93,23 +93,12 @@ public:
     }
 
 private:
+    [[nodiscard]] QModelIndex Cell(int row) const { return m_list.model()->index(row, 0, m_list.rootIndex()); }
+    [[nodiscard]] std::string NameAt(int row) const { return Cell(row).data().toString().toStdString(); }
+
     QWidget &m_dialog;
     QAbstractItemView &m_list;
     QLineEdit &m_name;
-};
-
-/// What the user is told meanwhile.
-class Told : Pinned {
-public:
-    Told()
-        : m_former(Report::SetUserHandler([this](Report::Severity, DString const &text) { m_texts.push_back(text); })) {
-    }
-    ~Told() { Report::SetUserHandler(m_former); }
-    [[nodiscard]] Paths Take() { return std::exchange(m_texts, {}); }
-
-private:
-    Paths m_texts;
-    Report::UserHandler m_former;
 };
 
 /// Runs the dialog while `act` works with it; the paths chosen, none when cancelled.

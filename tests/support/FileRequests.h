@@ -1,10 +1,9 @@
 #pragma once
 
 #include "support/FileDialogHand.h"
+#include "support/OpenDialogHand.h"
 #include "zelvar/controls/CZelComboBox.h"
 #include "zelvar/filedlg/FileDlg.h"
-#include "zelvar/opends/DSListCtrl.h"
-#include "zelvar/opends/DlgOpenDS.h"
 #include "zelvar/opends/OpenDialogTemplate.h"
 #include "zelvar/platform/ui/MainWindow.h"
 
@@ -50,15 +49,9 @@ namespace request {
 
 inline void Pick(DlgOpenDS &dialog, std::string const &name) {
     DSListCtrl &list = *dialog.MainList();
-    auto const rowOf = [&] {
-        for (int row = 0; row < list.GetNumRow(); ++row)
-            if (list.ItemAt(row)->GetName() == name)
-                return row;
-        return -1;
-    };
-    ASSERT_TRUE(Eventually([&] { return rowOf() >= 0; })) << name << " is not listed";
+    ASSERT_TRUE(Eventually([&] { return RowOf(list, name) >= 0; })) << name << " is not listed";
     list.ClearSelection();
-    list.SetSlct(rowOf(), true);
+    list.SetSlct(RowOf(list, name), true);
     auto *const ok = platform::GetDlgItem<QPushButton>(dialog, kOkId);
     ASSERT_TRUE(Eventually([&] { return ok->isEnabled(); }));
     Click(ok);

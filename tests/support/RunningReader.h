@@ -50,7 +50,7 @@ inline End WaitFor(pid_t process) {
 /// The real reader with the drivers that misbehave, and this end of the talk with it.
 class RunningReader : Pinned {
 public:
-    explicit RunningReader(std::string reach = "local", int heirloom = -1)
+    explicit RunningReader(std::string reach = "local", int heirloom = -1, std::string module = ZELVAR_HOSTILE)
         : m_status(wire::SharedMemory::Create(sizeof(wire::ReaderStatus))) {
         SocketPair pair;
         talk.emplace(pair.ends[0]);
@@ -58,7 +58,7 @@ public:
         std::vector<std::pair<int, int>> inherited{{pair.ends[1], 100}, {m_status->File(), 101}};
         if (heirloom >= 0)
             inherited.emplace_back(heirloom, 102);
-        m_process = SpawnReader({"100", "101", std::move(reach), ZELVAR_HOSTILE}, inherited);
+        m_process = SpawnReader({"100", "101", std::move(reach), std::move(module)}, inherited);
         close(pair.ends[1]);
     }
     ~RunningReader() {

@@ -9,10 +9,7 @@ namespace zelvar::test {
 
 /// The selector of nodes in a user's hands.
 struct SelectorHands {
-    explicit SelectorHands(QWidget &dialog)
-        : window(dialog), tree(*platform::GetDlgItem<CZelTreeCtrl>(dialog, 1001)),
-          list(*platform::GetDlgItem<CZelListCtrl>(dialog, 6004)), ok(*platform::GetDlgItem<QPushButton>(dialog, 1)),
-          cancel(*platform::GetDlgItem<QPushButton>(dialog, 2)) {}
+    explicit SelectorHands(QWidget &dialog) : window(dialog) {}
 
     /// "root[+ 0] a[- 0]": the items that are shown, "+" for an expander that would expand and "-" for one that would
     /// collapse, and their images.
@@ -36,6 +33,17 @@ struct SelectorHands {
             text += (row == 0 ? "" : " ") + list.GetItemText(row, 0) + (list.GetSlct(row) ? "*" : "");
         return text;
     }
+    HTREEITEM Select(DString const &name) const {
+        HTREEITEM const item = tree.FindItem(name);
+        EXPECT_TRUE(item != nullptr && tree.SelectItem(item)) << Tree();
+        return item;
+    }
+    HTREEITEM Expand(DString const &name) const {
+        HTREEITEM const item = tree.FindItem(name);
+        EXPECT_TRUE(item != nullptr && tree.Expand(item, TVE_EXPAND)) << Tree();
+        QApplication::processEvents();
+        return item;
+    }
     [[nodiscard]] QPoint On(HTREEITEM item) const {
         Rect label;
         EXPECT_TRUE(tree.GetItemRect(item, label, true));
@@ -53,10 +61,24 @@ struct SelectorHands {
     }
 
     QWidget &window;
-    CZelTreeCtrl &tree;
-    CZelListCtrl &list;
-    QPushButton &ok;
-    QPushButton &cancel;
+    CZelTreeCtrl &tree = *platform::GetDlgItem<CZelTreeCtrl>(window, 1001);
+    CZelListCtrl &list = *platform::GetDlgItem<CZelListCtrl>(window, 6004);
+    QPushButton &ok = *platform::GetDlgItem<QPushButton>(window, 1);
+    QPushButton &cancel = *platform::GetDlgItem<QPushButton>(window, 2);
 };
+
+/// Runs the selector while `act` works with it; its result, and what it chose, as "1: a b".
+template <class Selector>
+std::string RunSelector(Selector &dialog, std::function<void(SelectorHands const &)> const &act) {
+    auto const done = OnNextDialog([&](QWidget &window) {
+        QApplication::processEvents();
+        act(SelectorHands(window));
+    });
+    std::string text = std::to_string(dialog.DoModal()) + ":";
+    EXPECT_TRUE(*done);
+    for (DString const &path : dialog.m_results)
+        text += " " + path;
+    return text;
+}
 
 } // namespace zelvar::test
