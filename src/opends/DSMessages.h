@@ -26,8 +26,7 @@ ZELVAR_API extern const platform::MessageId WM_DS_FILTER_CHANGED;  // DSProperty
 ZELVAR_API extern const platform::MessageId WM_DS_ROOT_ITEM_CHANGED;            // HierarchyList sent; 0, 0
 ZELVAR_API extern const platform::MessageId WM_DS_FIRST_PANE_ROOT_ITEM_CHANGED; // DSDataSourceWnd sent; 0, 0
 ZELVAR_API extern const platform::MessageId WM_DS_RESET_PATH_BUTTONS;           // DlgOpenDS posted to itself; 0, 0
-ZELVAR_API extern const platform::MessageId
-    WM_ITEM_CANVAS_READY; // PropertyWorker posted: 1 for a picture, 0 for none
+ZELVAR_API extern const platform::MessageId WM_ITEM_CANVAS_READY; // PropertyWorker posted: 1 for a picture, 0 for none
 // The spelling is part of the protocol.
 ZELVAR_API extern const platform::MessageId WM_ITEM_PROPPERTY_MAP_READY; // PropertyWorker posted; 0, 0
 ZELVAR_API extern const platform::MessageId WM_DS_APPLY_FILTER;  // nobody here posts it; DSPropertyWnd handles it
