@@ -2,13 +2,13 @@
 #   make run      build, make the sample data, run the dialog on it (a screenshot in out/ where there is no screen)
 #   make test     build everything with warnings as errors, lint, run all tests
 #   make bench    print the figures, one line each, beside its limit or alternative
-#   make asan | tsan | fuzz | lint | tidy | format | shots | install
+#   make asan | tsan | fuzz | mutants | lint | tidy | format | shots | install
 SHELL := /bin/bash
 JOBS ?= $(shell nproc)
 PREFIX ?= /usr/local
 export LC_ALL := C.UTF-8
 
-.PHONY: all run test bench asan tsan fuzz lint tidy format shots install package setup release sample-data clean
+.PHONY: all run test bench asan tsan fuzz mutants lint tidy format shots install package setup release sample-data clean
 all: release
 
 setup:
@@ -44,6 +44,10 @@ asan tsan: setup
 # FUZZ_SECONDS a target; the engine needs clang.
 fuzz: setup
 	@tools/fuzz.sh $(or $(FUZZ_SECONDS),60)
+
+# What the tests notice of COUNT small changes drawn from SEED, in all rooms or in ROOM.
+mutants: setup
+	@tools/mutants.sh --seed $(or $(SEED),1) --count $(or $(COUNT),300) $(if $(ROOM),--room $(ROOM)) -j $(JOBS)
 
 lint: setup
 	@tools/lint.sh
