@@ -54,7 +54,10 @@ TEST_F(Accessible, OneColumnIsAList) {
 
 TEST_F(Accessible, StatesFollowTheSelectionAndRowsCanBeSelectedFromOutside) {
     Stage stage(view);
+    test::ScreenReader const reader;
     stage.Click(2);
+    std::string const row = "row 2, 200 KB, image";
+    EXPECT_EQ(reader.Take(), (std::vector{"focus " + row, "select " + row}));
     stage.Click(4, Qt::ControlModifier);
     QAccessibleTableInterface &table = *Table().tableInterface();
     EXPECT_EQ(table.selectedRows(), (QList<int>{2, 4}));
@@ -107,6 +110,9 @@ TEST_F(Accessible, MillionsOfRowsCostNothingUntilAskedForAndThenOnlyTheLast) {
     view.SetItemCountEx(10'000'000);
     QAccessibleInterface &table = Table();
     EXPECT_EQ(table.childCount(), 10'000'001);
+    test::ScreenReader const reader;
+    view.SetItemState(-1, LVIS_SELECTED, LVIS_SELECTED);
+    EXPECT_EQ(reader.Take().size(), 1U);
     QAccessible::Id const first = QAccessible::uniqueId(table.child(0));
     QAccessibleInterface *const row = table.child(1);
     for (int other = 2; other < 4096; ++other)

@@ -1,6 +1,8 @@
 #include "zelvar/views/core/RowGeometry.h"
 
-#include <gtest/gtest.h>
+#include "support/Test.h"
+#include "zelvar/views/core/ReportRows.h"
+#include "zelvar/views/core/RowScroll.h"
 
 namespace zelvar {
 namespace {
@@ -62,6 +64,54 @@ TEST(RowGeometry, MillionsOfRowsAreArithmetic) {
     geometry.SetGroupedRows({}, 6);
     EXPECT_EQ(geometry.ContentHeight() + geometry.FirstPositionBelow(0), 0);
     EXPECT_EQ(geometry.RowAt(0), std::nullopt);
+}
+
+TEST(RowScroll, ABarCountsRowsOrWithGroupsPixels) {
+    RowGeometry plain;
+    plain.SetRowHeight(10);
+    plain.SetRows(100);
+    RowGeometry const grouped = Grouped();
+    struct Bar {
+        int step, page, last, top;
+    };
+    test::Rows<RowGeometry const &, int, Bar> const bars = {
+        {plain, 35, {1, 3, 97, 50}}, {plain, 5, {1, 1, 100, 50}}, {grouped, 35, {10, 35, 55, 5}}};
+    for (auto const &[geometry, height, bar] : bars) {
+        RowScroll const scroll(geometry, height);
+        EXPECT_EQ(std::tuple(scroll.Step(), scroll.Page(), scroll.Last()), std::tuple(bar.step, bar.page, bar.last));
+        EXPECT_EQ(scroll.ContentTop(5), bar.top);
+    }
+    test::Rows<RowGeometry const &, int, int, int> const shown = {
+        {plain, 50, 0, 48},  {plain, 50, 49, 49},  {plain, 50, 60, 50}, // position, value before and after
+        {grouped, 2, 0, 15}, {grouped, 2, 60, 40}, {grouped, 1, 60, 10}, {grouped, 1, 0, 5}};
+    for (auto const &[geometry, position, before, after] : shown)
+        EXPECT_EQ(RowScroll(geometry, 35).ValueToShow(position, before), after) << position << " from " << before;
+}
+
+TEST(ReportRows, TextsFollowTheirColumnsAndRowsTheirWords) {
+    ReportRows rows;
+    rows.Insert(0, {.texts = {"a", "b"}, .word = 3});
+    rows.Insert(1, {.texts = {"x"}, .word = 1});
+    EXPECT_TRUE(rows.SetText(0, 3, "d"));
+    rows.InsertTexts(1);
+    EXPECT_EQ(rows.Find(0)->texts, (std::vector<DString>{"a", "", "b", "", "d"}));
+    rows.EraseTexts(2);
+    EXPECT_EQ(rows.Find(0)->texts, (std::vector<DString>{"a", "", "", "d"}));
+    EXPECT_EQ(rows.Find(1)->texts, std::vector<DString>{"x"}) << "it has no text there";
+    EXPECT_EQ(rows.Text(1, 1) + rows.Text(2, 0) + rows.Text(0, -1), "");
+    EXPECT_FALSE(rows.SetText(2, 0, "y") || rows.Erase(2) || rows.Erase(-1));
+    rows.Insert(1, {.texts = {"m"}, .word = 2});
+    EXPECT_EQ(rows.Sort([](ItemWord a, ItemWord b) { return a > b; }), (std::vector<int>{2, 1, 0}));
+    EXPECT_EQ(rows.Text(0, 0) + rows.Text(1, 0) + rows.Text(2, 0), "xma");
+}
+
+TEST(ReportRows, ARowStandsInTheFirstGroupWithItsId) {
+    ReportRows rows;
+    for (int const id : {7, 7, 2})
+        rows.AddGroup("", id);
+    for (int const group : {2, 7, 9, -1})
+        rows.Insert(rows.Count(), {.group = group});
+    EXPECT_EQ(rows.GroupOfRows(), (std::vector<int>{2, 0, -1, -1}));
 }
 
 } // namespace
