@@ -62,11 +62,6 @@ bool ReportInput::Release(Point point) {
     return std::exchange(m_pressed, false) && m_view.GetClientRect().Contains(point);
 }
 
-bool ReportInput::TypesText(QKeyEvent const &event) {
-    bool const command = (event.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) != 0;
-    return !command && !event.text().isEmpty() && event.text().at(0).isPrint();
-}
-
 bool ReportInput::Key(QKeyEvent const &event) {
     if (event.matches(QKeySequence::SelectAll)) {
         if ((m_view.GetStyle() & LVS_SINGLESEL) == 0)

@@ -27,8 +27,6 @@ public:
 
     /// False for a key that is none of the list's own; it may type, see `TypesText`.
     bool Key(QKeyEvent const &event);
-    /// A text for the list itself, which no shortcut of the application gets.
-    [[nodiscard]] static bool TypesText(QKeyEvent const &event);
     /// Goes to the next row that begins with what was typed in quick succession, in stored lists.
     void Type(QChar character);
     /// Where a context menu asked for by the keyboard opens, pixels of the viewport.

@@ -7,6 +7,7 @@
 #include "zelvar/views/ReportAccessible.h"
 #include "zelvar/views/ReportInput.h"
 #include "zelvar/views/ReportRowPainter.h"
+#include "zelvar/views/Typing.h"
 #include "zelvar/views/core/ReportRows.h"
 #include "zelvar/views/core/RowNavigation.h"
 
@@ -333,7 +334,7 @@ void ReportView::contextMenuEvent(QContextMenuEvent *event) {
 bool ReportView::event(QEvent *event) {
     if (event->type() == QEvent::ShortcutOverride) {
         auto *const key = static_cast<QKeyEvent *>(event);
-        if (ReportInput::TypesText(*key) || key->matches(QKeySequence::SelectAll)) {
+        if (TypesText(*key) || key->matches(QKeySequence::SelectAll)) {
             key->accept();
             return true;
         }
@@ -347,7 +348,7 @@ bool ReportView::event(QEvent *event) {
 void ReportView::keyPressEvent(QKeyEvent *event) {
     if (m_input->Key(*event))
         return;
-    if (ReportInput::TypesText(*event))
+    if (TypesText(*event))
         OnChar(event->text().at(0));
     else
         event->ignore(); // Return, Escape, Tab and commands are the dialog's
