@@ -6,6 +6,7 @@
 #include "zelvar/model/DataSourceExtras.h"
 #include "zelvar/model/DataSourceItem.h"
 #include "zelvar/model/ItemProperties.h"
+#include "zelvar/platform/ui/MessageTarget.h"
 #include "zelvar/platform/ui/WindowMessage.h"
 
 #include <QtCore/QPointer>
