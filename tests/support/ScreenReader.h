@@ -25,15 +25,11 @@ public:
 private:
     inline static std::vector<std::string> m_told{};
     static void Hear(QAccessibleEvent *event) {
-        static std::map<int, std::string> const heard = {{QAccessible::Focus, "focus "},
-                                                         {QAccessible::Selection, "select "},
-                                                         {QAccessible::SelectionAdd, "select "},
-                                                         {QAccessible::SelectionRemove, "deselect "},
-                                                         {QAccessible::SelectionWithin, "selects from "},
-                                                         {QAccessible::ObjectCreated, "new "},
-                                                         {QAccessible::ObjectDestroyed, "gone "},
-                                                         {QAccessible::ValueChanged, "value "},
-                                                         {QAccessible::DescriptionChanged, "words "}};
+        static std::map<int, std::string> const heard = {
+            {QAccessible::Focus, "focus "},         {QAccessible::Selection, "select "},
+            {QAccessible::SelectionAdd, "select "}, {QAccessible::SelectionRemove, "deselect "},
+            {QAccessible::ObjectCreated, "new "},   {QAccessible::ObjectDestroyed, "gone "},
+            {QAccessible::ValueChanged, "value "},  {QAccessible::DescriptionChanged, "words "}};
         auto const what = heard.find(event->type());
         if (what == heard.end())
             return;

@@ -24,21 +24,17 @@ TEST(RowGeometry, RowsStandBelowTheHeadersOfTheirGroups) {
         EXPECT_EQ(geometry.RowTop(row), tops[row]) << "row " << row;
     EXPECT_EQ(geometry.ContentHeight(), 90);
     ASSERT_EQ(geometry.Spans().size(), 3U);
-    EXPECT_EQ(geometry.Spans()[1].group, 0);
-    EXPECT_EQ(geometry.Spans()[1].headerTop, 10);
+    EXPECT_EQ(std::pair(geometry.Spans()[1].group, geometry.Spans()[1].headerTop), std::pair(0, std::int64_t{10}));
     EXPECT_EQ(geometry.Spans()[2].group, 2);
 }
 
 TEST(RowGeometry, APointMeetsARowAHeaderOrNothing) {
     RowGeometry const geometry = Grouped();
-    struct Case {
-        std::int64_t y;
-        std::optional<int> row;
-    };
-    Case const cases[] = {{-1, {}}, {0, 3},   {9, 3},   {10, {}}, {29, {}}, {30, 1}, {39, 1},
-                          {40, 4},  {50, {}}, {69, {}}, {70, 0},  {80, 2},  {89, 2}, {90, {}}};
-    for (Case const &c : cases)
-        EXPECT_EQ(geometry.RowAt(c.y), c.row) << "y " << c.y;
+    std::tuple<std::int64_t, std::optional<int>> const cases[] = {{-1, {}}, {0, 3},  {9, 3},  {10, {}}, {29, {}},
+                                                                  {30, 1},  {39, 1}, {40, 4}, {50, {}}, {69, {}},
+                                                                  {70, 0},  {80, 2}, {89, 2}, {90, {}}};
+    for (auto const &[y, row] : cases)
+        EXPECT_EQ(geometry.RowAt(y), row) << "y " << y;
 }
 
 TEST(RowGeometry, PositionsCountAsSeen) {
@@ -48,10 +44,8 @@ TEST(RowGeometry, PositionsCountAsSeen) {
         EXPECT_EQ(geometry.RowAtPosition(position), rows[position]);
         EXPECT_EQ(geometry.PositionOfRow(rows[position]), position);
     }
-    EXPECT_EQ(geometry.FirstPositionBelow(15), 1); // on a header: the row behind it
-    EXPECT_EQ(geometry.FirstPositionBelow(39), 1);
-    EXPECT_EQ(geometry.FirstPositionBelow(45), 2);
-    EXPECT_EQ(geometry.FirstPositionBelow(90), 5);
+    for (auto const &[y, position] : {std::pair{15, 1}, {39, 1}, {45, 2}, {90, 5}}) // on a header: the row behind it
+        EXPECT_EQ(geometry.FirstPositionBelow(y), position);
 }
 
 TEST(RowGeometry, MillionsOfRowsAreArithmetic) {
@@ -71,15 +65,12 @@ TEST(RowScroll, ABarCountsRowsOrWithGroupsPixels) {
     plain.SetRowHeight(10);
     plain.SetRows(100);
     RowGeometry const grouped = Grouped();
-    struct Bar {
-        int step, page, last, top;
-    };
+    using Bar = std::array<std::int64_t, 4>; // step, page, last value, the content's top at value 5
     test::Rows<RowGeometry const &, int, Bar> const bars = {
         {plain, 35, {1, 3, 97, 50}}, {plain, 5, {1, 1, 100, 50}}, {grouped, 35, {10, 35, 55, 5}}};
     for (auto const &[geometry, height, bar] : bars) {
         RowScroll const scroll(geometry, height);
-        EXPECT_EQ(std::tuple(scroll.Step(), scroll.Page(), scroll.Last()), std::tuple(bar.step, bar.page, bar.last));
-        EXPECT_EQ(scroll.ContentTop(5), bar.top);
+        EXPECT_EQ((Bar{scroll.Step(), scroll.Page(), scroll.Last(), scroll.ContentTop(5)}), bar);
     }
     test::Rows<RowGeometry const &, int, int, int> const shown = {
         {plain, 50, 0, 48},  {plain, 50, 49, 49},  {plain, 50, 60, 50}, // position, value before and after
