@@ -113,52 +113,29 @@ DString FileDlg::GetImgDrvrID() const {
 
 void FileDlg::Reset() {
     DeleteFiles();
-    for (auto const *list : {&m_request.ownedFormats, &m_request.formerFormats})
-        for (auto const &format : *list)
-            if (format.get() == m_request.format)
-                m_request.format = nullptr;
-    m_request.ownedFormats.clear();
-    m_request.formerFormats.clear();
-    m_request.formats.clear();
+    if (m_request.offer.Owns(m_request.format))
+        m_request.format = nullptr;
+    m_request.offer.Clear();
 }
 
-std::vector<DFileFrmt *> FileDlg::OfferedFormats() const {
-    std::vector<DFileFrmt *> offered = m_request.formats;
-    std::erase(offered, nullptr);
-    return offered;
-}
+std::vector<DFileFrmt *> FileDlg::OfferedFormats() const { return m_request.offer.Offered(); }
 
-void FileDlg::AddDscr(DFileFrmt *format, bool sorted) {
-    auto at = m_request.formats.end();
-    if (sorted && format != nullptr)
-        at = std::find_if(m_request.formats.begin(), m_request.formats.end(), [format](DFileFrmt const *other) {
-            return other != nullptr && other->GetName() > format->GetName();
-        });
-    m_request.formats.insert(at, format);
-}
+void FileDlg::AddDscr(DFileFrmt *format, bool sorted) { m_request.offer.Add(format, sorted); }
 
-void FileDlg::RmvDscr(DFileFrmt *format) {
-    if (auto const at = std::find(m_request.formats.begin(), m_request.formats.end(), format);
-        at != m_request.formats.end())
-        m_request.formats.erase(at);
-}
+void FileDlg::RmvDscr(DFileFrmt *format) { m_request.offer.Remove(format); }
+
+void FileDlg::RemoveFormatWithId(char const *id) { m_request.offer.RemoveId(id); }
 
 DFileFrmt *FileDlg::GetFormat(char const *id) const {
-    if (m_request.formats.empty())
+    if (m_request.offer.IsEmpty())
         WarnOfNoFormats();
-    for (DFileFrmt *format : m_request.formats)
-        if (id != nullptr && format != nullptr && format->GetID() == id)
-            return format;
-    return nullptr;
+    return id == nullptr ? nullptr : m_request.offer.ById(id);
 }
 
 DFileFrmt *FileDlg::GetFormatByName(char const *name) const {
-    if (m_request.formats.empty())
+    if (m_request.offer.IsEmpty())
         WarnOfNoFormats();
-    for (DFileFrmt *format : m_request.formats)
-        if (name != nullptr && format != nullptr && format->GetName() == name)
-            return format;
-    return nullptr;
+    return name == nullptr ? nullptr : m_request.offer.ByName(name);
 }
 
 void FileDlg::SetFormat(EFormat format, int mode) {
@@ -196,13 +173,6 @@ void FileDlg::SetFormat(EFormat format, int mode) {
         AddDscr(offered, false);
 }
 
-void FileDlg::RemoveFormatWithId(char const *id) {
-    auto const at = std::find_if(m_request.formats.begin(), m_request.formats.end(),
-                                 [id](DFileFrmt const *format) { return format != nullptr && format->GetID() == id; });
-    if (at != m_request.formats.end())
-        m_request.formats.erase(at);
-}
-
 // -------------------------------------------------------------------------------------------- the road to a dialog
 
 bool FileDlg::ShowFileDlg(int mode, char const *key, DLGTemplate dlgTemplate) {
@@ -213,10 +183,8 @@ bool FileDlg::ShowFileDlg(int mode, char const *key, DLGTemplate dlgTemplate) {
         return false;
     }
     if (m_request.format == nullptr) {
-        DString const extension = StripExtn(m_request.initFile);
-        auto const same = std::find_if(offered.begin(), offered.end(),
-                                       [&](DFileFrmt const *format) { return format->GetExtn() == extension; });
-        m_request.format = same == offered.end() ? offered.front() : *same;
+        DFileFrmt *const same = m_request.offer.ByExtension(StripExtn(m_request.initFile));
+        m_request.format = same == nullptr ? offered.front() : same;
     }
     auto const current = std::find_if(offered.begin(), offered.end(), [this](DFileFrmt const *format) {
         return format->GetName() == m_request.format->GetName();

@@ -5,6 +5,7 @@
 #include "zelvar/base/DFileFrmt.h"
 #include "zelvar/base/ICheck.h"
 #include "zelvar/data/BDIMoniker.h"
+#include "zelvar/filedlg/core/FormatOffer.h"
 #include "zelvar/model/DLGTemplate.h"
 #include "zelvar/model/DataSourceItem.h"
 
@@ -152,7 +153,6 @@ protected:
 private:
     void Reset();
     void DeleteFiles();
-    void OfferOwnedFormats(int mode);
     void RemoveFormatWithId(char const *id);
     void SortData();
     [[nodiscard]] std::vector<DFileFrmt *> OfferedFormats() const;
@@ -171,9 +171,7 @@ private:
     struct Request {
         DString initFile;
         DString initFrmtId;
-        DVector<DFileFrmt *> formats;                    ///< not owned
-        DList<std::shared_ptr<DFileFrmt>> ownedFormats;  ///< made for the request
-        DList<std::shared_ptr<DFileFrmt>> formerFormats; ///< that are not offered by their name
+        FormatOffer offer;
         DString caption;
         DFileFrmt *format = nullptr; ///< not owned
         bool multipleFiles = false;

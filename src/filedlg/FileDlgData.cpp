@@ -24,12 +24,6 @@ constexpr char kAttributeFolder[] = "ThematicFolders"; // the text of the histor
 constexpr char kAttributeType[] = "Labeled Attribute File Type";
 constexpr char kMetadataType[] = "MetaData File Type";
 
-/// Id of the format that a raster is saved in unless another one is wanted.
-constexpr char kPlainTiff[] = "GTiff";
-
-/// Extension of formats that stand ahead of all others when loading and are not offered otherwise.
-constexpr char kRasterFormats[] = "RSTR_FRMT";
-
 using OwnedFormats = std::vector<std::unique_ptr<DFileFrmt>>;
 
 OwnedFormats FormatsOf(DIOPlugin &plugin, unsigned dataType, ICheck<DString> const *check) {
@@ -41,24 +35,6 @@ OwnedFormats FormatsOf(DIOPlugin &plugin, unsigned dataType, ICheck<DString> con
         if (format != nullptr)
             owned.emplace_back(format);
     return owned;
-}
-
-/// "*.ini;*.txt" has two.
-bool HasMask(DFileFrmt const &format, DString const &mask) {
-    std::vector<DString> const masks = Split(format.GetExtn(), ';');
-    return std::find(masks.begin(), masks.end(), mask) != masks.end();
-}
-
-DFileFrmt *FormatWithMask(std::vector<DFileFrmt *> const &formats, DString const &mask) {
-    auto const at =
-        std::find_if(formats.begin(), formats.end(), [&](DFileFrmt const *format) { return HasMask(*format, mask); });
-    return at == formats.end() ? nullptr : *at;
-}
-
-DFileFrmt *FormatWithId(std::vector<DFileFrmt *> const &formats, std::string_view id) {
-    auto const at = std::find_if(formats.begin(), formats.end(),
-                                 [id](DFileFrmt const *format) { return EqualNoCase(format->GetID(), id); });
-    return at == formats.end() ? nullptr : *at;
 }
 
 /// The id of the format to begin with, by the plug-in that the caller wants; `fallback` without one.
@@ -87,22 +63,7 @@ void FileDlg::AddIOPluginFilters(DIOPluginMngr *manager, int mode, ICheck<DStrin
         manager->BuildFrmtList(mode, m_request.dataType, check, formats);
     else
         AppendCustomImports(formats);
-    for (DFileFrmt *format : formats)
-        if (format != nullptr)
-            m_request.ownedFormats.emplace_back(format);
-    OfferOwnedFormats(mode);
-}
-
-void FileDlg::OfferOwnedFormats(int mode) {
-    auto const others = std::stable_partition(m_request.ownedFormats.begin(), m_request.ownedFormats.end(),
-                                              [](auto const &format) { return format->GetExtn() == kRasterFormats; });
-    if (mode == kLoad)
-        std::for_each(m_request.ownedFormats.begin(), others,
-                      [this](auto const &format) { AddDscr(format.get(), false); });
-    std::move(m_request.ownedFormats.begin(), others, std::back_inserter(m_request.formerFormats));
-    m_request.ownedFormats.erase(m_request.ownedFormats.begin(), others);
-    for (auto const &format : m_request.ownedFormats)
-        AddDscr(format.get(), true);
+    m_request.offer.TakeOver(formats, mode == kLoad);
 }
 
 bool FileDlg::OpenRasterData(DIOPluginMngr *manager, int mode, bool multiple, bool rememberDir,
@@ -118,7 +79,7 @@ bool FileDlg::OpenRasterData(DIOPluginMngr *manager, int mode, bool multiple, bo
         RemoveFormatWithId("ASC"); // it is not written as an image
     }
     ReadInitFile(kRasterFolder);
-    if (!m_request.formats.empty()) {
+    if (!m_request.offer.IsEmpty()) {
         m_request.format = m_request.initFrmtId.empty() ? GetFormatByName(ReadSetting(kRasterType, "TIF").c_str())
                                                         : GetFormat(m_request.initFrmtId.c_str());
         if (m_request.format == nullptr && m_request.initFrmtId.empty())
@@ -196,7 +157,7 @@ bool FileDlg::OpenMetaData(DIOPluginMngr *manager, ICheck<DString> const *check,
     DString wanted = m_request.initFrmtId.empty() ? ReadSetting(kMetadataType, "INI") : m_request.initFrmtId;
     if (manager != nullptr && pluginId != nullptr && *pluginId != '\0')
         wanted = FormatOfPlugin(*manager, pluginId, extn == nullptr ? "" : extn, m_request.dataType, check, wanted);
-    if (!wanted.empty() && !m_request.formats.empty())
+    if (!wanted.empty() && !m_request.offer.IsEmpty())
         m_request.format = GetFormat(wanted.c_str());
     if (m_request.caption.empty())
         m_request.caption = "Import MetaData...";
@@ -209,35 +170,17 @@ bool FileDlg::OpenMetaData(DIOPluginMngr *manager, ICheck<DString> const *check,
 
 void FileDlg::ChooseFormatById(char const *typeKey, char const *fallback) {
     // Without formats the user is told once, by the dialog's function.
-    if (m_request.formats.empty())
+    if (m_request.offer.IsEmpty())
         return;
     DString const id = m_request.initFrmtId.empty() ? ReadSetting(typeKey, fallback) : m_request.initFrmtId;
     m_request.format = GetFormat(id.c_str());
 }
 
-// Plug-ins may offer hundreds of formats: where neither the settings nor the file's own mask name one, the first in the
-// alphabet is no good guess.
 void FileDlg::BeginWithUsualFormat(int mode) {
-    if (m_request.format != nullptr)
-        return;
-    DString const mask = StripExtn(m_request.initFile);
-    DString const usual = BuiltInFormats::Instance().frmt_tif.GetExtn();
-    std::vector<DFileFrmt *> const offered = OfferedFormats();
-    if (mode == kSave && (mask.empty() || mask == usual))
-        m_request.format = FormatWithId(offered, kPlainTiff); // variants of it have the same mask
-    bool const isNamed =
-        std::any_of(offered.begin(), offered.end(), [&](DFileFrmt const *format) { return format->GetExtn() == mask; });
-    if (m_request.format != nullptr || isNamed)
-        return;
-    if (mode == kLoad) {
-        m_request.format = &BuiltInFormats::Instance().frmt_all;
-        return;
-    }
-    m_request.format = FormatWithMask(offered, mask);
+    BuiltInFormats &known = BuiltInFormats::Instance();
     if (m_request.format == nullptr)
-        m_request.format = FormatWithId(offered, kPlainTiff);
-    if (m_request.format == nullptr)
-        m_request.format = FormatWithMask(offered, usual);
+        m_request.format = m_request.offer.Usual(mode == kSave, StripExtn(m_request.initFile), known.frmt_all,
+                                                 known.frmt_tif.GetExtn());
 }
 
 void FileDlg::RememberFormatId(char const *typeKey) const {

@@ -61,10 +61,12 @@ bool FileDlg::OpenMFCFileDlg(int mode, char const *filter, int index, char const
 }
 
 bool FileDlg::OpenMFCFileDlgNew(int, char const *, int, char const *, char const *key, DLGTemplate dlgTemplate) {
-    if (m_request.format == nullptr && !m_request.formats.empty())
-        m_request.format = m_request.formats.front();
+    DVector<DFileFrmt *> const &formats = m_request.offer.All();
+    DFileFrmt *const first = formats.empty() ? nullptr : formats.front();
+    if (m_request.format == nullptr)
+        m_request.format = first;
     std::unique_ptr<DlgOpenDS, DeleteDialog> dialog(
-        DlgOpenDS::CreateDialogObject(m_request.formats, m_request.format, dlgTemplate, key, nullptr));
+        DlgOpenDS::CreateDialogObject(formats, m_request.format, dlgTemplate, key, nullptr));
     if (dialog == nullptr)
         return false;
     dialog->SetBDIFilter(m_request.nodeMask);
@@ -72,7 +74,7 @@ bool FileDlg::OpenMFCFileDlgNew(int, char const *, int, char const *, char const
     dialog->SetInitDir(InitialPlace(m_request.initFile).c_str());
     dialog->SetTitle(m_request.caption.c_str());
     // Before the dialog runs: after a cancel the current format is the first, not what the caller had.
-    m_request.format = m_request.formats.empty() ? nullptr : m_request.formats.front();
+    m_request.format = first;
     bool const accepted = dialog->DoModal() == QDialog::Accepted;
     if (accepted) {
         m_request.format = dialog->GetFormat();

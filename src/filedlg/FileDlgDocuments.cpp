@@ -196,7 +196,7 @@ bool FileDlg::OpenAllRuleset(int mode, bool withJobs) {
         if (format->GetExtn() != "*.*")
             extensions.push_back(format->GetExtn());
     DFileFrmt all("RLST_ALL", "All rule sets", JoinNotEmpty(extensions, ';').c_str());
-    m_request.formats.insert(m_request.formats.begin(), &all);
+    m_request.offer.AddFirst(&all);
     if (m_request.caption.empty())
         SetCaptionFor(mode, "Load Rule Set...", "Save Rule Set...");
     ReadInitFile("Ruleset");

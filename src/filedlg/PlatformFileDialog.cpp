@@ -1,11 +1,14 @@
 #include "zelvar/filedlg/PlatformFileDialog.h"
 
 #include "zelvar/base/PathStyle.h"
-#include "zelvar/controls/CZelComboBox.h"
+#include "zelvar/base/Report.h"
 #include "zelvar/data/PlaceCheck.h"
 #include "zelvar/filedlg/FilePictures.h"
+#include "zelvar/filedlg/FolderRoads.h"
+#include "zelvar/filedlg/NameBytes.h"
 #include "zelvar/filedlg/NameDelegate.h"
 #include "zelvar/filedlg/PathQuestions.h"
+#include "zelvar/filedlg/ToolkitSettings.h"
 #include "zelvar/filedlg/UndecodedNames.h"
 #include "zelvar/filedlg/core/TypedNames.h"
 #include "zelvar/platform/ui/Text.h"
@@ -22,14 +25,13 @@
 #include <QtWidgets/QDialogButtonBox>
 #include <QtWidgets/QGridLayout>
 #include <QtWidgets/QHeaderView>
-#include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QPushButton>
-#include <QtWidgets/QToolButton>
 #include <QtWidgets/QTreeView>
 
 #include <algorithm>
-#include <array>
+#include <tuple>
+#include <utility>
 
 namespace zelvar {
 
@@ -39,13 +41,42 @@ constexpr int kTypesWidth = 20; // characters; longer descriptions are cut, not 
 
 enum Columns { kSizeColumn = 1, kTypeColumn = 2, kDateColumn = 3 };
 
-/// What the toolkit calls its folders' addresses in the list of places.
-constexpr int kUrlRole = Qt::UserRole + 1;
-
 /// Brackets are no signs of a set in our masks.
 QString ToolkitMask(DString const &mask) { return platform::ToQString(mask).replace(u'[', QStringLiteral("[[]")); }
 
 } // namespace
+
+DString PlatformFileDialog::StartFolder(DString wanted) {
+    while (wanted.size() > 1 && wanted.ends_with('/'))
+        wanted.pop_back();
+    for (DString const &folder : {wanted, platform::ToDString(QDir::homePath())})
+        if (folder.starts_with('/') && IsFolder(folder) && !HoldsDeadPlace(folder))
+            return folder;
+    return HoldsDeadPlace("/") ? "/proc/self/ns" : "/"; // a folder that is always there and holds nothing
+}
+
+std::unique_ptr<PlatformFileDialog> PlatformFileDialog::Make(Setup const &setup, QWidget *parent) {
+    ToolkitSettings const apart;
+    return std::unique_ptr<PlatformFileDialog>(new PlatformFileDialog(setup, parent));
+}
+
+void PlatformFileDialog::End(std::unique_ptr<PlatformFileDialog> dialog) {
+    if (!dialog->m_isListing) {
+        ToolkitSettings const apart;
+        dialog.reset();
+        return;
+    }
+    PlatformFileDialog *const left = dialog.release();
+    left->hide();
+    left->setParent(nullptr);
+    auto const destroy = [left] {
+        ToolkitSettings const apart;
+        delete left;
+    };
+    connect(
+        left->m_model, &QFileSystemModel::directoryLoaded, qApp,
+        [destroy] { QMetaObject::invokeMethod(qApp, destroy, Qt::QueuedConnection); }, Qt::SingleShotConnection);
+}
 
 PlatformFileDialog::PlatformFileDialog(Setup const &setup, QWidget *parent)
     : PlatformFileDialog(setup, std::make_unique<FolderAlias const>(setup.folder), parent) {}
@@ -65,15 +96,18 @@ PlatformFileDialog::PlatformFileDialog(Setup const &setup, std::unique_ptr<Folde
 
     SetUpViews();
     SetUpUndecoded();
-    MakeFolderBox();
-    TakeOverRoads();
+    m_roads = new FolderRoads(*this, *this);
+    for (QAbstractItemView *const view : m_views)
+        view->installEventFilter(m_roads);
+    connect(m_roads, &FolderRoads::Taken, this, &PlatformFileDialog::UpdateButtons);
+    TakeOverInput();
     SetUpFilters();
     if (m_setup.locked)
         LockFolder();
     if (m_setup.picksFolder)
         ShowFoldersAlone();
     m_okText = m_ok->text();
-    FillFolderBox();
+    m_roads->FillBox();
     m_changed = ChangeTime(Folder());
 
     PutName(m_setup.file);
@@ -98,7 +132,6 @@ void PlatformFileDialog::SetUpViews() {
         view->setSelectionMode(m_setup.multiple ? QAbstractItemView::ExtendedSelection
                                                 : QAbstractItemView::SingleSelection);
         view->setDragDropMode(QAbstractItemView::NoDragDrop); // a slip of the mouse would move files
-        view->installEventFilter(this);
         view->setItemDelegate(new NameDelegate(view));
     }
     FitColumns();
@@ -167,28 +200,7 @@ void PlatformFileDialog::FillUndecoded() {
         m_undecoded->Fill(Folder(), m_masks, m_setup.picksFolder);
 }
 
-void PlatformFileDialog::MakeFolderBox() {
-    // The toolkit's own box asks the system about every folder that it lists.
-    auto *const former = findChild<QComboBox *>(QStringLiteral("lookInCombo"));
-    m_folderBox = new CZelComboBox(this);
-    m_folderBox->setLayoutDirection(Qt::LeftToRight); // as its paths are read
-    m_folderBox->setObjectName(QStringLiteral("folderBox"));
-    m_folderBox->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-    // What held the former one in the layout comes back to us.
-    std::unique_ptr<QLayoutItem> const item(
-        findChild<QLayout *>(QStringLiteral("hboxLayout"))->replaceWidget(former, m_folderBox));
-    former->hide();
-    auto *const label = findChild<QLabel *>(QStringLiteral("lookInLabel"));
-    label->setBuddy(m_folderBox);
-    m_folderBox->setAccessibleName(label->text().remove(u'&'));
-    setTabOrder(m_folderBox, findChild<QWidget *>(QStringLiteral("backButton")));
-    connect(m_folderBox, &QComboBox::activated, this, [this](int index) {
-        if (!GoTo(m_folderBox->GetLBText(index)))
-            m_folderBox->SetCurSel(0);
-    });
-}
-
-void PlatformFileDialog::TakeOverRoads() {
+void PlatformFileDialog::TakeOverInput() {
     // The toolkit would look at each path that is typed, at every key.
     m_name->disconnect(this);
     m_name->setCompleter(nullptr);
@@ -200,42 +212,9 @@ void PlatformFileDialog::TakeOverRoads() {
         disconnect(view, &QAbstractItemView::activated, this, nullptr);
         connect(view, &QAbstractItemView::activated, this, &PlatformFileDialog::OnActivated);
     }
-    auto const takeOver = [this](char const *name, auto act) {
-        auto *const button = findChild<QToolButton *>(QLatin1String(name));
-        button->disconnect(this);
-        connect(button, &QToolButton::clicked, this, act);
-    };
-    takeOver("backButton", [this] { Revisit(m_back, m_forward); });
-    takeOver("forwardButton", [this] { Revisit(m_forward, m_back); });
-    takeOver("toParentButton", [this] { GoUp(); });
-    for (auto *const action : findChildren<QAction *>(QString(), Qt::FindDirectChildrenOnly)) {
-        bool const up = action->objectName() == QLatin1String("qt_goto_parent_action");
-        if (!up && !action->objectName().isEmpty())
-            continue;
-        action->disconnect(this);
-        connect(action, &QAction::triggered, this, [this, up] {
-            if (up)
-                GoUp();
-            else
-                GoTo(platform::ToDString(QDir::homePath()));
-        });
-    }
     connect(findChild<QAction *>(QStringLiteral("qt_delete_action")), &QAction::triggered, this,
             &PlatformFileDialog::Refresh);
     connect(new QShortcut(QKeySequence::Refresh, this), &QShortcut::activated, this, &PlatformFileDialog::Refresh);
-
-    auto *const places = findChild<QAbstractItemView *>(QStringLiteral("sidebar"));
-    QList<QUrl> urls{QUrl::fromLocalFile(QStringLiteral("/"))};
-    if (DoesPlaceAnswer(platform::ToDString(QDir::homePath())))
-        urls.prepend(QUrl::fromLocalFile(QDir::homePath()));
-    setSidebarUrls(urls);
-    setHistory({});
-    places->disconnect(this);
-    places->setDragDropMode(QAbstractItemView::NoDragDrop);
-    places->setContextMenuPolicy(Qt::NoContextMenu);
-    connect(places, &QAbstractItemView::clicked, this, [this](QModelIndex const &index) {
-        GoTo(platform::ToDString(index.data(kUrlRole).toUrl().toLocalFile()));
-    });
 }
 
 void PlatformFileDialog::SetUpFilters() {
@@ -260,14 +239,7 @@ void PlatformFileDialog::SetUpFilters() {
 
 void PlatformFileDialog::LockFolder() {
     setFilter(QDir::Files);
-    constexpr std::array names{"backButton", "forwardButton", "toParentButton", "newFolderButton", "sidebar"};
-    for (char const *const name : names)
-        findChild<QWidget *>(QLatin1String(name))->hide();
-    for (auto *const action : findChildren<QAction *>(QString(), Qt::FindDirectChildrenOnly))
-        if (action->objectName() != QLatin1String("qt_show_hidden_action"))
-            action->setEnabled(action->objectName() == QLatin1String("qt_rename_action") ||
-                               action->objectName() == QLatin1String("qt_delete_action"));
-    m_folderBox->setEnabled(false); // it still tells where
+    m_roads->Close();
     // Whatever road is left ends where it began.
     connect(m_model, &QFileSystemModel::rootPathChanged, this, [this](QString const &path) {
         if (path != m_folder->Path())
@@ -334,9 +306,67 @@ void PlatformFileDialog::UpdateButtons() {
     // The toolkit says "Open" while a folder is selected.
     m_ok->setText(m_okText);
     m_ok->setEnabled(m_setup.picksFolder ? CanPick(PickedFolder()) : hasAnswer);
-    findChild<QWidget *>(QStringLiteral("backButton"))->setEnabled(!m_back.empty());
-    findChild<QWidget *>(QStringLiteral("forwardButton"))->setEnabled(!m_forward.empty());
-    findChild<QWidget *>(QStringLiteral("toParentButton"))->setEnabled(Folder() != "/");
+    m_roads->UpdateButtons();
+}
+
+bool PlatformFileDialog::GoTo(DString const &folder) { return m_roads->GoTo(folder); }
+
+bool PlatformFileDialog::ShowFolder(DString const &folder) {
+    if (m_setup.locked)
+        return false;
+    if (!IsFolder(folder)) {
+        Report::UserNotificationEnforced("Folder '%s' not found", folder.c_str());
+        return false;
+    }
+    if (HoldsDeadPlace(folder)) {
+        Report::UserNotificationEnforced("Folder '%s' holds a place that does not answer", folder.c_str());
+        return false;
+    }
+    // A name that was typed stays; one that came from a row to be loaded is not in the other folder.
+    bool const isOfRows = m_setup.opens && m_selectionText && *m_selectionText == m_name->text();
+    QString const name = isOfRows || m_setup.picksFolder ? QString() : m_name->text();
+    auto const former = std::exchange(m_folder, std::make_unique<FolderAlias const>(folder));
+    m_undecoded->clear();
+    setDirectory(m_folder->Path());
+    m_name->setText(name);
+    m_selectionText.reset();
+    m_changed = ChangeTime(folder);
+    m_roads->FillBox();
+    return true;
+}
+
+void PlatformFileDialog::OnActivated(QModelIndex const &index) {
+    // Where a single click activates, this one only selects.
+    bool const onlySelects = (QApplication::keyboardModifiers() & (Qt::ControlModifier | Qt::ShiftModifier)) != 0;
+    if (m_setup.multiple && onlySelects)
+        return;
+    if (m_model->isDir(index))
+        GoTo(AppendPath(Folder(), NameBytes(Folder(), m_model->fileName(index))));
+    else
+        accept();
+}
+
+void PlatformFileDialog::Refresh() {
+    m_changed = ChangeTime(Folder());
+    if (m_changed == 0 || HoldsDeadPlace(Folder()))
+        return;
+    // The toolkit reads a folder only when it comes from another one.
+    QSignalBlocker const quiet(m_model);
+    m_isListing = true;
+    std::ignore = m_model->setRootPath({});
+    std::ignore = m_model->setRootPath(m_folder->Path());
+}
+
+void PlatformFileDialog::RefreshIfChanged() {
+    std::int64_t const changed = ChangeTime(Folder());
+    if (changed != 0 && changed != m_changed)
+        Refresh();
+}
+
+void PlatformFileDialog::changeEvent(QEvent *event) {
+    QFileDialog::changeEvent(event);
+    if (event->type() == QEvent::ActivationChange && isActiveWindow())
+        RefreshIfChanged();
 }
 
 } // namespace zelvar

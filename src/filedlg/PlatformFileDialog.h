@@ -2,6 +2,7 @@
 
 #include "zelvar/base/DString.h"
 #include "zelvar/filedlg/FolderAlias.h"
+#include "zelvar/filedlg/FolderRoads.h"
 #include "zelvar/filedlg/core/FilterText.h"
 
 #include <QtWidgets/QFileDialog>
@@ -20,14 +21,14 @@ class QPushButton;
 
 namespace zelvar {
 
-class CZelComboBox;
+class TypedPaths;
 class UndecodedNames;
 
 /// The toolkit's file dialog, made safe: every way to another folder goes through one door that asks first whether the
 /// place answers, and what is accepted is decided here, on the bytes of names.
 ///
 /// The toolkit finds out about a folder's files on a thread of its own.
-class PlatformFileDialog final : public QFileDialog {
+class PlatformFileDialog final : public QFileDialog, private FolderRoads::Door {
     Q_OBJECT
 
 public:
@@ -56,7 +57,7 @@ public:
     /// Puts `row` below the dialog's own controls.
     void AddRow(QWidget &row);
 
-    [[nodiscard]] DString const &Folder() const { return m_folder->Folder(); }
+    [[nodiscard]] DString const &Folder() const override { return m_folder->Folder(); }
     /// False, and nothing changed, for a folder that is not there or does not answer; the user is told. What stands in
     /// the name field stays.
     bool GoTo(DString const &folder);
@@ -66,7 +67,6 @@ public:
     [[nodiscard]] std::vector<DString> const &Chosen() const { return m_chosen; }
     [[nodiscard]] int FilterIndex() const;
 
-    bool eventFilter(QObject *watched, QEvent *event) override;
     void accept() override;
 
 protected:
@@ -77,8 +77,8 @@ private:
     PlatformFileDialog(Setup const &setup, std::unique_ptr<FolderAlias const> folder, QWidget *parent);
 
     // What is shown.
-    void MakeFolderBox();
-    void TakeOverRoads();
+    bool ShowFolder(DString const &folder) override;
+    void TakeOverInput(); ///< of the name field, the views and what reads a folder again
     void SetUpViews();
     void FitColumns();
     void SetUpUndecoded();
@@ -94,10 +94,6 @@ private:
     void OnActivated(QModelIndex const &index);
     void OnSelectionChanged();
     void UpdateButtons();
-    void GoUp();
-    void Revisit(std::vector<DString> &from, std::vector<DString> &to);
-    bool ShowFolder(DString const &folder);
-    void FillFolderBox();
     /// Reads the folder again if it has changed since it was shown.
     void RefreshIfChanged();
 
@@ -107,16 +103,12 @@ private:
     [[nodiscard]] DString PickedFolder() const;
     [[nodiscard]] bool CanPick(DString const &folder) const;
     [[nodiscard]] std::vector<DString> SelectedPaths(bool folders) const;
-    [[nodiscard]] std::vector<DString> TypedPaths() const;
-    [[nodiscard]] DString PathOf(DString const &typed) const;
+    [[nodiscard]] std::vector<DString> PathsTyped() const;
+    [[nodiscard]] TypedPaths Typed() const;
     /// Goes where the path leads, if it means a folder, shows what a mask asks for, and tells what cannot be: true if
     /// there is nothing more to do.
     [[nodiscard]] bool IsNoFile(DString const &path);
-    [[nodiscard]] bool IsReadyForLoading(DString &path) const;
-    [[nodiscard]] bool IsReadyForSaving(DString const &path);
-    [[nodiscard]] bool MayReplace(DString const &path);
-    [[nodiscard]] DString ExtensionToAdd() const;
-    [[nodiscard]] DString OfferedMasks() const; ///< of all filters
+    [[nodiscard]] bool MayReplace(DString const &path); ///< asks, where something is there
 
     Setup m_setup;
     std::unique_ptr<FolderAlias const> m_folder;
@@ -128,10 +120,8 @@ private:
     DString m_masks;     ///< the toolkit's list and the other one show what they fit; empty for all
     DString m_givenName; ///< not read from the field, which shows it: it may be no text
     UndecodedNames *m_undecoded = nullptr;
-    CZelComboBox *m_folderBox = nullptr;
+    FolderRoads *m_roads = nullptr; ///< a child
     std::vector<QAbstractItemView *> m_views;
-    std::vector<DString> m_back;            ///< folders left, the last one behind
-    std::vector<DString> m_forward;         ///< folders come back from
     std::optional<QString> m_selectionText; ///< what the name field shows for the selected rows; nothing once typed in
     std::vector<DString> m_chosen;
     std::int64_t m_changed = 0; ///< when the shown folder was changed last, nanoseconds since 1970

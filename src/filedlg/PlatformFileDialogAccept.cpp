@@ -1,15 +1,14 @@
-#include "zelvar/base/NormalPath.h"
 #include "zelvar/base/PathStyle.h"
 #include "zelvar/base/Report.h"
 #include "zelvar/data/PlaceCheck.h"
 #include "zelvar/filedlg/NameBytes.h"
 #include "zelvar/filedlg/PathQuestions.h"
 #include "zelvar/filedlg/PlatformFileDialog.h"
+#include "zelvar/filedlg/TypedPaths.h"
 #include "zelvar/filedlg/core/TypedNames.h"
 #include "zelvar/platform/ui/ModalLoop.h"
 #include "zelvar/platform/ui/Text.h"
 
-#include <QtCore/QDir>
 #include <QtGui/QFileSystemModel>
 #include <QtWidgets/QAbstractItemView>
 #include <QtWidgets/QComboBox>
@@ -17,7 +16,6 @@
 #include <QtWidgets/QMessageBox>
 
 #include <algorithm>
-#include <climits>
 
 namespace zelvar {
 
@@ -33,7 +31,7 @@ void PlatformFileDialog::AcceptFolder() {
 
 DString PlatformFileDialog::PickedFolder() const {
     bool const isOfRows = m_selectionText && *m_selectionText == m_name->text();
-    std::vector<DString> const paths = isOfRows ? SelectedPaths(true) : TypedPaths();
+    std::vector<DString> const paths = isOfRows ? SelectedPaths(true) : PathsTyped();
     return paths.empty() ? Folder() : paths.front();
 }
 
@@ -52,18 +50,18 @@ void PlatformFileDialog::accept() {
     if (paths.empty() && isEmpty)
         paths = SelectedPaths(true);
     if (paths.empty())
-        paths = TypedPaths();
+        paths = PathsTyped();
     if (paths.empty())
         return;
     if (!areListed && std::any_of(paths.begin(), paths.end(), [this](DString const &path) { return IsNoFile(path); }))
         return;
     if (m_setup.opens) {
-        if (!std::all_of(paths.begin(), paths.end(), [this](DString &path) { return IsReadyForLoading(path); }))
+        if (!std::all_of(paths.begin(), paths.end(), [this](DString &path) { return Typed().IsReadyForLoading(path); }))
             return;
     } else {
         paths.resize(1);
-        paths.front() = WithExtension(std::move(paths.front()), ExtensionToAdd(), OfferedMasks());
-        if (IsNoFile(paths.front()) || !IsReadyForSaving(paths.front()))
+        paths.front() = Typed().Complete(std::move(paths.front()));
+        if (IsNoFile(paths.front()) || !Typed().IsReadyForSaving(paths.front()) || !MayReplace(paths.front()))
             return;
     }
     m_chosen = std::move(paths);
@@ -78,29 +76,15 @@ std::vector<DString> PlatformFileDialog::SelectedPaths(bool folders) const {
     return paths;
 }
 
-std::vector<DString> PlatformFileDialog::TypedPaths() const {
+std::vector<DString> PlatformFileDialog::PathsTyped() const {
     if (m_name->text().trimmed().isEmpty())
         return {};
     if (m_name->text() == platform::ToQString(m_givenName))
         return {AbsolutePath(Folder(), m_givenName)};
-    DString const typed = platform::ToDString(m_name->text());
-    std::vector<DString> const names = SplitTypedNames(typed);
-    bool const isOneName = names.size() > 1 && !m_setup.multiple;
-    std::vector<DString> paths;
-    if (isOneName || IsThere(PathOf(typed))) // such a file may have quotes or blanks about its name
-        paths.push_back(PathOf(typed));
-    else
-        std::transform(names.begin(), names.end(), std::back_inserter(paths),
-                       [this](DString const &name) { return PathOf(name); });
-    return paths;
+    return Typed().Read(platform::ToDString(m_name->text()));
 }
 
-DString PlatformFileDialog::PathOf(DString const &typed) const {
-    bool const ofHome = typed == "~" || typed.starts_with("~/");
-    DString const text = ofHome ? platform::ToDString(QDir::homePath()) + typed.substr(1) : typed;
-    DString const path = NormalPath(text.starts_with('/') ? text : AppendPath(Folder(), text), &DoesPlaceAnswer);
-    return DoesPlaceAnswer(path) ? PathBytes("/", path) : path;
-}
+TypedPaths PlatformFileDialog::Typed() const { return {m_setup, Folder(), m_types->currentIndex()}; }
 
 bool PlatformFileDialog::IsNoFile(DString const &path) {
     if (m_setup.locked && (ParentPathOf(path) != Folder() || IsFolder(path))) {
@@ -125,41 +109,9 @@ bool PlatformFileDialog::IsNoFile(DString const &path) {
     return false;
 }
 
-bool PlatformFileDialog::IsReadyForLoading(DString &path) const {
-    if (IsThere(path))
-        return true;
-    DString extended = PathBytes("/", WithExtension(path, ExtensionToAdd(), OfferedMasks()));
-    if (IsThere(extended)) {
-        path = std::move(extended);
-        return true;
-    }
-    Report::UserWarning("File '%s' not found", path.c_str());
-    return false;
-}
-
-bool PlatformFileDialog::IsReadyForSaving(DString const &path) {
-    DString const folder(ParentPathOf(path));
-    if (!IsFolder(folder)) {
-        Report::UserNotificationEnforced("Folder '%s' not found", folder.c_str());
-        return false;
-    }
-    if (FileNameOf(path).size() > NAME_MAX) {
-        Report::UserWarning("The name is too long");
-        return false;
-    }
-    if (IsThere(path)) {
-        if (IsWritable(path))
-            return !m_setup.asksOverwrite || MayReplace(path);
-        Report::UserWarning("File '%s' is read-only", path.c_str());
-        return false;
-    }
-    if (IsWritable(folder))
-        return true;
-    Report::UserWarning("Nothing can be saved in the folder '%s'", folder.c_str());
-    return false;
-}
-
 bool PlatformFileDialog::MayReplace(DString const &path) {
+    if (!m_setup.asksOverwrite || !IsThere(path))
+        return true;
     QMessageBox question(
         QMessageBox::Warning, windowTitle(),
         tr("%1 already exists.\nDo you want to replace it?").arg(platform::ToQString(FileNameOf(path))),
@@ -167,19 +119,6 @@ bool PlatformFileDialog::MayReplace(DString const &path) {
     question.setTextFormat(Qt::PlainText);
     question.setDefaultButton(QMessageBox::No);
     return platform::RunModal(question) == QMessageBox::Yes;
-}
-
-DString PlatformFileDialog::OfferedMasks() const {
-    std::vector<DString> masks{m_setup.defaultExtension.find('*') != DString::npos ? m_setup.defaultExtension : ""};
-    for (FileFilter const &filter : m_setup.filters)
-        masks.push_back(filter.masks);
-    return JoinNotEmpty(masks, ';');
-}
-
-DString PlatformFileDialog::ExtensionToAdd() const {
-    auto const chosen = static_cast<std::size_t>(std::max(0, m_types->currentIndex()));
-    return DefaultExtension(chosen < m_setup.filters.size() ? m_setup.filters[chosen].masks : DString(),
-                            m_setup.defaultExtension);
 }
 
 } // namespace zelvar

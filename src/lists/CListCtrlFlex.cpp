@@ -16,7 +16,7 @@
 #include <limits>
 #include <memory>
 #include <new>
-#include <numeric>
+#include <tuple>
 
 namespace zelvar {
 
@@ -219,13 +219,11 @@ void CListCtrlFlex::DrawItem(DrawItemStruct const &item) {
     FlexRow const *const record = ToRecord(item.itemData);
     RowColors const colors = ColorsOf(item, record);
     Rect label = Mirrored(item.rcItem);
-    label.left += record == nullptr ? 0 : record->indent;
+    label.left += Inset(record);
 
     item.painter.fillRect(ToQRect(item.rcItem), ToQColor(colors.back));
-    if (GetImageList() != nullptr) {
+    if (GetImageList() != nullptr)
         DrawRowPicture(item); // at the row's corner, whatever the indent
-        label.left += platform::kSmallPicture;
-    }
     QColor const ink = platform::ThemedInk(ToQColor(colors.text), ToQColor(colors.back));
     item.painter.setPen(ink);
     if (record != nullptr && record->font != nullptr)
@@ -236,22 +234,26 @@ void CListCtrlFlex::DrawItem(DrawItemStruct const &item) {
 }
 
 void CListCtrlFlex::DrawCells(DrawItemStruct const &item, Rect const &label) const {
-    std::vector<int> order = GetColumnOrderArray();
-    if ((GetStyle() & LVS_NOCOLUMNHEADER) != 0)
-        std::iota(order.begin(), order.end(), 0);
     Rect const client = GetClientRect();
-    int x = Mirrored(item.rcItem).left;
-    for (int const col : order) {
+    for (int col = 0; col < GetColumnCount(); ++col) {
         ReportColumn column;
-        if (!GetColumn(col, column))
-            break;
-        int const left = std::max(x, label.left);
-        int const right = std::min(x + column.width, label.right);
-        x += column.width;
+        std::ignore = GetColumn(col, column);
+        int const start = ColumnStart(col);
+        int const left = std::max(start, label.left);
+        int const right = std::min(start + column.width, label.right);
         if (left < client.right && right > client.left)
             DrawCellText(item.painter, Mirrored({left + 1, label.top, right - 1, label.bottom}),
                          GetItemText(item.itemID, column.subItem), column.format, CellPlace::Top);
     }
+}
+
+int CListCtrlFlex::Inset(FlexRow const *record) const {
+    return (record == nullptr ? 0 : record->indent) + (GetImageList() == nullptr ? 0 : platform::kSmallPicture);
+}
+
+int CListCtrlFlex::LabelLeft(int row, int col) const {
+    int const inset = Inset(Record(row));
+    return inset <= 0 ? 0 : std::max(inset - ColumnPosition(col), 0);
 }
 
 void CListCtrlFlex::EraseBackground(QPainter &painter, Rect const &area) const {
@@ -262,11 +264,9 @@ void CListCtrlFlex::EraseBackground(QPainter &painter, Rect const &area) const {
 
 int CListCtrlFlex::MeasureCell(int row, int col) const {
     FlexRow const *const record = Record(row);
-    int const indent = record == nullptr || col != 0 ? 0 : record->indent;
     if (record == nullptr || record->font == nullptr)
-        return ReportView::MeasureCell(row, col) + indent;
-    QFontMetrics const metrics(*record->font);
-    return metrics.horizontalAdvance(ShownText(row, col)) + CellMargins(row, col) + indent;
+        return ReportView::MeasureCell(row, col);
+    return QFontMetrics(*record->font).horizontalAdvance(ShownText(row, col)) + CellMargins(row, col);
 }
 
 void CListCtrlFlex::changeEvent(QEvent *event) {

@@ -77,6 +77,7 @@ protected:
     void DrawItem(DrawItemStruct const &item) override;
     void EraseBackground(QPainter &painter, Rect const &area) const override;
     [[nodiscard]] int MeasureCell(int row, int col) const override;
+    [[nodiscard]] int LabelLeft(int row, int col) const override; ///< what the row's inset covers of the cell
     bool OnColumnClick(int col) override;
     bool OnDblClick(ReportHit hit, Point point) override;
     void OnMouseMove(Point point) override { OnSetCursor(point); }
@@ -105,6 +106,8 @@ private:
     FlexRow *AddRecord(std::uint64_t itemData, QFont const *font, ColorRef textColor, ColorRef bkColor, int indent);
     [[nodiscard]] RowColors ColorsOf(DrawItemStruct const &item, FlexRow const *record) const;
     void DrawCells(DrawItemStruct const &item, Rect const &label) const;
+    /// Pixels of a row, from the edge where one begins to read, that its image and its indent keep free of texts.
+    [[nodiscard]] int Inset(FlexRow const *record) const;
     [[nodiscard]] bool EveryRowHasARecord() const;
     void SortAsNumbers(int col, bool ascending);
     void SortAsText(int col, bool ascending);

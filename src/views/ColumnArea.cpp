@@ -187,7 +187,19 @@ Rect ColumnArea::Mirrored(Rect const &rect) const {
     return isRightToLeft() ? Rect{width - rect.right, rect.top, width - rect.left, rect.bottom} : rect;
 }
 
-int ColumnArea::ColumnStart(int col) const { return m_header->sectionPosition(col) - horizontalScrollBar()->value(); }
+// The header goes on with the order it was given, seen or not.
+bool ColumnArea::StandByNumber() const { return m_header->isHidden() && m_header->sectionsMoved(); }
+
+int ColumnArea::ColumnPosition(int col) const {
+    if (!StandByNumber())
+        return m_header->sectionPosition(col);
+    int position = 0;
+    for (int before = 0; before < col; ++before)
+        position += m_header->sectionSize(before);
+    return position;
+}
+
+int ColumnArea::ColumnStart(int col) const { return ColumnPosition(col) - horizontalScrollBar()->value(); }
 
 int ColumnArea::ColumnLeft(int col) const {
     int const start = ColumnStart(col);
@@ -195,9 +207,12 @@ int ColumnArea::ColumnLeft(int col) const {
 }
 
 int ColumnArea::ColumnAt(int x) const {
+    for (int col = 0; StandByNumber() && col < GetColumnCount(); ++col)
+        if (x >= ColumnLeft(col) && x < ColumnLeft(col) + GetColumnWidth(col))
+            return col;
     // The header counts from its own right edge, which stays behind while it is hidden.
     int const lag = isRightToLeft() ? m_header->viewport()->width() - viewport()->width() : 0;
-    int const visual = m_header->visualIndexAt(x + lag);
+    int const visual = StandByNumber() ? -1 : m_header->visualIndexAt(x + lag);
     return visual < 0 ? -1 : m_header->logicalIndex(visual);
 }
 
@@ -205,7 +220,7 @@ void ColumnArea::EnsureColumnVisible(int col) {
     if (!m_model->Has(col))
         return;
     UpdateHorizontalBar();
-    int const left = m_header->sectionPosition(col);
+    int const left = ColumnPosition(col);
     QScrollBar &bar = *horizontalScrollBar();
     bar.setValue(std::min(std::max(bar.value(), left + GetColumnWidth(col) - viewport()->width()), left));
 }

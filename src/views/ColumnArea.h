@@ -13,8 +13,9 @@ namespace zelvar {
 
 /// Scroll area below a row of column headings: the columns of a report view, their widths and their order.
 ///
-/// Columns are numbered as they were inserted; where a user has dragged them to is told by the order alone. Where one
-/// reads from the right the columns begin at the right edge; places are pixels from the left all the same.
+/// Columns are numbered as they were inserted; where a user has dragged them to is told by the order alone. Without
+/// headings they stand by their numbers, whatever the order. Where one reads from the right the columns begin at the
+/// right edge; places are pixels from the left all the same. Painting, hit tests, edits and tips ask here.
 class ZELVAR_API ColumnArea : public QAbstractScrollArea {
     Q_OBJECT
 
@@ -52,7 +53,9 @@ protected:
     /// Turns a rectangle of the viewport that counts from the edge where reading begins into one that counts from the
     /// left, and the other way round.
     [[nodiscard]] Rect Mirrored(Rect const &rect) const;
-    [[nodiscard]] int ColumnStart(int col) const; ///< pixels from the edge where reading begins, scrolled
+    // Pixels from the edge where reading begins: of all columns, and of those that are seen.
+    [[nodiscard]] int ColumnPosition(int col) const;
+    [[nodiscard]] int ColumnStart(int col) const;
 
     /// What fits a column, for `LVSCW_AUTOSIZE`.
     [[nodiscard]] virtual int ContentWidth(int col) const = 0;
@@ -71,6 +74,7 @@ private:
     class Model;
 
     void PlaceHeader();
+    [[nodiscard]] bool StandByNumber() const; ///< and not where the header has them
 
     std::unique_ptr<Model> m_model;
     QHeaderView *m_header;      ///< a child

@@ -5,14 +5,9 @@
 #include "zelvar/base/Geometry.h"
 #include "zelvar/views/core/ListViewNumbers.h"
 
-#include <cstdint>
-
 class QPainter;
 
 namespace zelvar {
-
-/// The word that a row carries for its owner.
-using ItemWord = std::int64_t;
 
 /// A row to be inserted.
 struct ReportItem {

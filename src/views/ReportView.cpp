@@ -1,17 +1,26 @@
 #include "zelvar/views/ReportView.h"
 
 #include "zelvar/platform/ui/ControlId.h"
+#include "zelvar/platform/ui/Convert.h"
 #include "zelvar/platform/ui/Pictures.h"
 #include "zelvar/platform/ui/Text.h"
 #include "zelvar/views/ReportAccessible.h"
-#include "zelvar/views/core/MergeSort.h"
+#include "zelvar/views/ReportInput.h"
+#include "zelvar/views/ReportRowPainter.h"
+#include "zelvar/views/Typing.h"
+#include "zelvar/views/core/ReportRows.h"
+#include "zelvar/views/core/RowNavigation.h"
 
+#include <QtGui/QContextMenuEvent>
+#include <QtGui/QHelpEvent>
+#include <QtGui/QKeyEvent>
+#include <QtGui/QMouseEvent>
 #include <QtWidgets/QHeaderView>
 #include <QtWidgets/QScrollBar>
+#include <QtWidgets/QToolTip>
 
 #include <algorithm>
 #include <array>
-#include <numeric>
 #include <utility>
 
 namespace zelvar {
@@ -20,11 +29,10 @@ namespace {
 
 constexpr std::size_t kLongestCell = 4096; // bytes that a virtual list may hand over for a cell
 
-std::size_t Index(int value) { return static_cast<std::size_t>(value); }
-
 } // namespace
 
-ReportView::ReportView(QWidget *parent) : ColumnArea(parent) {
+ReportView::ReportView(QWidget *parent)
+    : ColumnArea(parent), m_rows(std::make_unique<ReportRows>()), m_input(std::make_unique<ReportInput>(*this)) {
     InstallReportAccessibility();
     setFocusPolicy(Qt::StrongFocus);
     viewport()->setMouseTracking(true);
@@ -67,16 +75,11 @@ void ReportView::SetExtendedStyle(unsigned style) {
 
 // --- rows ---
 
-ReportView::Row const *ReportView::Stored(int row) const {
-    return row >= 0 && Index(row) < m_rows.size() ? &m_rows[Index(row)] : nullptr;
-}
-
 int ReportView::InsertItem(ReportItem const &item) {
     if (IsVirtual() || item.row < 0)
         return -1;
     int const at = std::min(item.row, GetItemCount());
-    Row row{.texts = {item.text}, .image = item.image, .group = item.group, .word = item.data};
-    m_rows.insert(m_rows.begin() + at, std::move(row));
+    m_rows->Insert(at, {.texts = {item.text}, .image = item.image, .group = item.group, .word = item.data});
     m_selection.InsertRows(at, 1);
     RowsChanged();
     RowsMoved([at](int old) { return old + (old >= at ? 1 : 0); });
@@ -84,9 +87,8 @@ int ReportView::InsertItem(ReportItem const &item) {
 }
 
 bool ReportView::DeleteItem(int row) {
-    if (Stored(row) == nullptr)
+    if (!m_rows->Erase(row))
         return false;
-    m_rows.erase(m_rows.begin() + row);
     m_selection.RemoveRows(row, 1);
     RowsChanged();
     RowsMoved([row](int old) { return old == row ? -1 : old - (old > row ? 1 : 0); });
@@ -94,7 +96,7 @@ bool ReportView::DeleteItem(int row) {
 }
 
 bool ReportView::DeleteAllItems() {
-    m_rows.clear();
+    m_rows->Clear();
     m_selection.SetRowCount(0);
     RowsChanged();
     verticalScrollBar()->setValue(0);
@@ -118,26 +120,21 @@ void ReportView::SetItemCountEx(int count, unsigned flags) {
 }
 
 DString ReportView::GetItemText(int row, int col) const {
-    if (!HasRow(row) || col < 0)
-        return {};
     if (IsVirtual()) {
+        if (!HasRow(row) || col < 0)
+            return {};
         std::array<char, kLongestCell> buffer{};
         DispInfo info{
             .iItem = row, .iSubItem = col, .wantsText = true, .pszText = buffer.data(), .cchTextMax = kLongestCell};
         OnGetDispInfo(info);
         return info.pszText == nullptr ? DString{} : DString{info.pszText};
     }
-    auto const &texts = m_rows[Index(row)].texts;
-    return Index(col) < texts.size() ? texts[Index(col)] : DString{};
+    return m_rows->Text(row, col);
 }
 
 bool ReportView::SetItemText(int row, int col, DString const &text) {
-    if (Stored(row) == nullptr || col < 0 || col >= std::max(GetColumnCount(), 1))
+    if (col < 0 || col >= std::max(GetColumnCount(), 1) || !m_rows->SetText(row, col, text))
         return false;
-    auto &texts = m_rows[Index(row)].texts;
-    if (Index(col) >= texts.size())
-        texts.resize(Index(col) + 1);
-    texts[Index(col)] = text;
     RedrawItems(row, row);
     return true;
 }
@@ -148,55 +145,53 @@ int ReportView::GetItemImage(int row) const {
         OnGetDispInfo(info);
         return info.iImage;
     }
-    Row const *const stored = Stored(row);
+    ReportRows::Row const *const stored = m_rows->Find(row);
     return stored == nullptr ? -1 : stored->image;
 }
 
 bool ReportView::SetItemImage(int row, int image) {
-    if (Stored(row) == nullptr)
+    ReportRows::Row *const stored = m_rows->Find(row);
+    if (stored == nullptr)
         return false;
-    m_rows[Index(row)].image = image;
+    stored->image = image;
     RedrawItems(row, row);
     return true;
 }
 
 ItemWord ReportView::GetItemWord(int row) const {
-    Row const *const stored = Stored(row);
+    ReportRows::Row const *const stored = m_rows->Find(row);
     return stored != nullptr ? stored->word : HasRow(row) ? 0 : -1;
 }
 
 bool ReportView::SetItemWord(int row, ItemWord word) {
-    if (Stored(row) == nullptr)
+    ReportRows::Row *const stored = m_rows->Find(row);
+    if (stored == nullptr)
         return false;
-    m_rows[Index(row)].word = word;
+    stored->word = word;
     return true;
 }
 
 void ReportView::OnGetDispInfo(DispInfo &info) const { info.pszText = nullptr; }
 
 void ReportView::ColumnInserted(int col) {
-    for (Row &row : m_rows)
-        if (Index(col) < row.texts.size() && GetColumnCount() > 1)
-            row.texts.insert(row.texts.begin() + col, DString{});
+    if (GetColumnCount() > 1)
+        m_rows->InsertTexts(col);
 }
 
-void ReportView::ColumnDeleted(int col) {
-    for (Row &row : m_rows)
-        if (Index(col) < row.texts.size())
-            row.texts.erase(row.texts.begin() + col);
-}
+void ReportView::ColumnDeleted(int col) { m_rows->EraseTexts(col); }
 
 // --- groups ---
 
 int ReportView::GetItemGroup(int row) const {
-    Row const *const stored = Stored(row);
+    ReportRows::Row const *const stored = m_rows->Find(row);
     return stored == nullptr ? -1 : stored->group;
 }
 
 bool ReportView::SetItemGroup(int row, int group) {
-    if (Stored(row) == nullptr)
+    ReportRows::Row *const stored = m_rows->Find(row);
+    if (stored == nullptr)
         return false;
-    m_rows[Index(row)].group = group;
+    stored->group = group;
     RowsChanged();
     return true;
 }
@@ -207,12 +202,12 @@ void ReportView::EnableGroupView(bool enable) {
 }
 
 void ReportView::InsertGroup(DString const &header, int id) {
-    m_groups.push_back({header, id});
+    m_rows->AddGroup(header, id);
     RowsChanged();
 }
 
 void ReportView::RemoveAllGroups() {
-    m_groups.clear();
+    m_rows->ClearGroups();
     RowsChanged();
 }
 
@@ -239,12 +234,7 @@ int ReportView::GetNextItem(int row, unsigned flags) const {
     return focus >= next && m_selection.Selected().Contains(focus) ? focus : -1;
 }
 
-void ReportView::SelectOnly(int row) {
-    IntervalSet rows;
-    rows.Insert(row, row);
-    m_selection.SetAnchor(row);
-    m_selection.Select(rows, row);
-}
+void ReportView::SelectOnly(int row) { m_selection.SelectOnly(row); }
 
 void ReportView::RowStateChanged(int row, unsigned oldState, unsigned newState) {
     RedrawItems(row, row);
@@ -265,21 +255,10 @@ void ReportView::RangeStateChanged(int first, int last, unsigned oldState, unsig
 bool ReportView::SortItems(CompareItems compare, long long parameter) {
     if (IsVirtual())
         return false;
-    std::vector<int> order(m_rows.size());
-    std::iota(order.begin(), order.end(), 0);
-    MergeSort(order,
-              [&](int a, int b) { return compare(m_rows[Index(a)].word, m_rows[Index(b)].word, parameter) > 0; });
-    std::vector<Row> sorted;
-    sorted.reserve(m_rows.size());
-    std::vector<int> newRows(m_rows.size());
-    for (int const old : order) {
-        newRows[Index(old)] = static_cast<int>(sorted.size());
-        sorted.push_back(std::move(m_rows[Index(old)]));
-    }
-    m_rows = std::move(sorted);
+    std::vector<int> const newRows = m_rows->Sort([&](ItemWord a, ItemWord b) { return compare(a, b, parameter) > 0; });
     m_selection.Reorder(newRows);
     RowsChanged();
-    RowsMoved([&newRows](int old) { return newRows[Index(old)]; });
+    RowsMoved([&newRows](int old) { return newRows[static_cast<std::size_t>(old)]; });
     return true;
 }
 
@@ -305,6 +284,95 @@ bool ReportView::OnContextMenu(QPoint) { return false; }
 void ReportView::HeadingClicked(int col) {
     if (!OnColumnClick(col))
         Q_EMIT ColumnClick(col);
+}
+
+// --- the mouse and the keyboard ---
+
+RowNavigation ReportView::Navigation() { return {m_selection, Geometry()}; }
+
+Qt::KeyboardModifiers ReportView::ClickModifiers() const { return m_input->ClickModifiers(); }
+
+void ReportView::OnChar(QChar character) { m_input->Type(character); }
+
+void ReportView::mousePressEvent(QMouseEvent *event) {
+    if (!m_input->Press(*event))
+        event->ignore();
+}
+
+void ReportView::mouseReleaseEvent(QMouseEvent *event) {
+    Point const point = platform::ToPoint(event->position());
+    if (!m_input->Release(point))
+        return;
+    ReportHit const hit = SubItemHitTest(point);
+    if (event->button() == Qt::LeftButton && !OnClick(hit, point))
+        Q_EMIT Click(hit.row, hit.col);
+    else if (event->button() == Qt::RightButton && !OnRClick(hit, point))
+        Q_EMIT RightClick(hit.row, hit.col);
+}
+
+void ReportView::mouseDoubleClickEvent(QMouseEvent *event) {
+    if (event->button() != Qt::LeftButton)
+        return mousePressEvent(event);
+    Point const point = platform::ToPoint(event->position());
+    ReportHit const hit = SubItemHitTest(point);
+    if (!OnDblClick(hit, point))
+        Q_EMIT DoubleClick(hit.row, hit.col);
+}
+
+void ReportView::mouseMoveEvent(QMouseEvent *event) { OnMouseMove(platform::ToPoint(event->position())); }
+
+void ReportView::contextMenuEvent(QContextMenuEvent *event) {
+    QPoint at = event->globalPos();
+    if (event->reason() == QContextMenuEvent::Keyboard) {
+        Point const place = m_input->MenuPlace();
+        at = viewport()->mapToGlobal(QPoint(place.x, place.y));
+    }
+    if (!OnContextMenu(at))
+        Q_EMIT ContextMenu(at);
+}
+
+bool ReportView::event(QEvent *event) {
+    if (event->type() == QEvent::ShortcutOverride) {
+        auto *const key = static_cast<QKeyEvent *>(event);
+        if (TypesText(*key) || key->matches(QKeySequence::SelectAll)) {
+            key->accept();
+            return true;
+        }
+    }
+    bool const handled = ColumnArea::event(event);
+    if (event->type() == QEvent::LayoutRequest)
+        UpdateVerticalBar();
+    return handled;
+}
+
+void ReportView::keyPressEvent(QKeyEvent *event) {
+    if (m_input->Key(*event))
+        return;
+    if (TypesText(*event))
+        OnChar(event->text().at(0));
+    else
+        event->ignore(); // Return, Escape, Tab and commands are the dialog's
+}
+
+void ReportView::focusInEvent(QFocusEvent *event) {
+    ColumnArea::focusInEvent(event);
+    viewport()->update();
+    ReportAccessible::FocusEntered(*this);
+}
+
+void ReportView::focusOutEvent(QFocusEvent *event) {
+    ColumnArea::focusOutEvent(event);
+    viewport()->update();
+}
+
+bool ReportView::viewportEvent(QEvent *event) {
+    if (event->type() == QEvent::ToolTip && (m_extendedStyle & LVS_EX_LABELTIP) != 0) {
+        auto const *const help = static_cast<QHelpEvent const *>(event);
+        if (ReportRowPainter(*this).ShowTip(platform::ToPoint(help->pos()), help->globalPos()))
+            return true;
+        QToolTip::hideText();
+    }
+    return ColumnArea::viewportEvent(event);
 }
 
 } // namespace zelvar

@@ -6,13 +6,18 @@
 #include "zelvar/views/core/RowGeometry.h"
 #include "zelvar/views/core/RowSelection.h"
 
-#include <QtCore/QElapsedTimer>
 #include <QtCore/QString>
 
 #include <functional>
+#include <memory>
 #include <optional>
 
 namespace zelvar {
+
+class ReportInput;
+class ReportRows;
+class RowNavigation;
+class RowScroll;
 
 /// Report list: rows below column headings, drawn on demand.
 ///
@@ -120,7 +125,7 @@ protected:
     virtual void OnChar(QChar character);
     virtual void OnMouseMove(Point) {}
     /// Keys that were down when the button of a click went down, for `OnClick` and `OnRClick`.
-    [[nodiscard]] Qt::KeyboardModifiers ClickModifiers() const { return m_clickModifiers; }
+    [[nodiscard]] Qt::KeyboardModifiers ClickModifiers() const;
 
     /// Where a row has gone, -1 for one that is no more.
     using NewPlace = std::function<int(int row)>;
@@ -150,50 +155,29 @@ protected:
     void contextMenuEvent(QContextMenuEvent *event) override;
 
 private:
-    struct Row {
-        std::vector<DString> texts{};
-        int image = -1;
-        int group = -1;
-        ItemWord word = 0;
-    };
-    struct Group {
-        DString header{};
-        int id = 0;
-    };
+    friend class ReportInput;
 
     void RowStateChanged(int row, unsigned oldState, unsigned newState) final;
     void RangeStateChanged(int first, int last, unsigned oldState, unsigned newState) final;
 
     [[nodiscard]] bool HasRow(int row) const { return row >= 0 && row < GetItemCount(); }
-    [[nodiscard]] Row const *Stored(int row) const;
     void RowsChanged(); ///< how many there are or where they stand; laid out before the next look
     void UpdateRowHeight();
     void UpdateVerticalBar();
     [[nodiscard]] std::int64_t ContentTop() const; ///< content pixels above the viewport
-    void ShowPosition(int position);
-    void DrawGroupHeaders(QPainter &painter, std::int64_t top, std::int64_t bottom) const;
-    bool ShowLabelTip(Point point, QPoint screenPoint);
-
-    // The keyboard and the mouse, in ReportViewInput.cpp.
-    void MoveFocus(int position, Qt::KeyboardModifiers modifiers);
-    [[nodiscard]] std::optional<int> MoveTarget(int key) const; ///< position
-    [[nodiscard]] IntervalSet RangeTo(int row) const;
-    void Press(int row, Qt::KeyboardModifiers modifiers, bool left);
+    [[nodiscard]] RowScroll Scroll() const;
+    [[nodiscard]] RowNavigation Navigation();
 
     unsigned m_style = LVS_REPORT;
     unsigned m_extendedStyle = 0;
-    std::vector<Row> m_rows; ///< empty in a virtual list
-    std::vector<Group> m_groups;
+    std::unique_ptr<ReportRows> m_rows;
     bool m_groupView = false;
     RowSelection m_selection{*this};
     mutable RowGeometry m_geometry;
     mutable bool m_layoutDue = false;
     HIMAGELIST m_images = nullptr;                ///< not owned
     mutable std::optional<TextMeasure> m_measure; ///< of the present font
-    QString m_typed;                              ///< characters of a running search
-    QElapsedTimer m_typedAt;
-    bool m_pressed = false; ///< a button went down here; its release makes the click
-    Qt::KeyboardModifiers m_clickModifiers;
+    std::unique_ptr<ReportInput> m_input;
 };
 
 } // namespace zelvar

@@ -1,17 +1,24 @@
-// Where things stand in a report view, and how it scrolls.
+// Where things stand in a report view, how it scrolls and what of it is painted.
+#include "zelvar/platform/ui/Convert.h"
 #include "zelvar/platform/ui/Pictures.h"
+#include "zelvar/platform/ui/SystemColor.h"
 #include "zelvar/platform/ui/Text.h"
 #include "zelvar/views/ReportAccessible.h"
 #include "zelvar/views/ReportPainter.h"
+#include "zelvar/views/ReportRowPainter.h"
 #include "zelvar/views/ReportView.h"
+#include "zelvar/views/core/ReportRows.h"
+#include "zelvar/views/core/RowScroll.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QEvent>
+#include <QtGui/QPaintEvent>
+#include <QtGui/QPainter>
 #include <QtWidgets/QHeaderView>
 #include <QtWidgets/QScrollBar>
 
 #include <algorithm>
-#include <unordered_map>
+#include <utility>
 
 namespace zelvar {
 
@@ -39,62 +46,30 @@ void ReportView::RowsChanged() {
 RowGeometry const &ReportView::Geometry() const {
     if (!std::exchange(m_layoutDue, false))
         return m_geometry;
-    if (!m_groupView || m_groups.empty() || IsVirtual()) {
+    if (m_groupView && m_rows->GroupCount() > 0 && !IsVirtual())
+        m_geometry.SetGroupedRows(m_rows->GroupOfRows(), m_rows->GroupCount());
+    else
         m_geometry.SetRows(GetItemCount());
-        return m_geometry;
-    }
-    std::unordered_map<int, int> places;
-    for (Group const &group : m_groups)
-        places.emplace(group.id, static_cast<int>(places.size()));
-    std::vector<int> rowGroups;
-    rowGroups.reserve(m_rows.size());
-    for (Row const &row : m_rows) {
-        auto const place = places.find(row.group);
-        rowGroups.push_back(place == places.end() ? -1 : place->second);
-    }
-    m_geometry.SetGroupedRows(rowGroups, static_cast<int>(m_groups.size()));
     return m_geometry;
 }
 
-// Without groups the bar counts rows, so that any number of them has a bar; with groups it counts pixels.
+RowScroll ReportView::Scroll() const { return {Geometry(), viewport()->height()}; }
+
 void ReportView::UpdateVerticalBar() {
-    RowGeometry const &geometry = Geometry();
+    RowScroll const scroll = Scroll();
     QScrollBar &bar = *verticalScrollBar();
-    int const page = geometry.IsGrouped() ? viewport()->height() : GetCountPerPage();
-    int const all = geometry.IsGrouped() ? static_cast<int>(geometry.ContentHeight()) : geometry.RowCount();
-    bar.setSingleStep(geometry.IsGrouped() ? geometry.RowHeight() : 1);
-    bar.setPageStep(std::max(page, 1));
-    bar.setRange(0, std::max(0, all - page));
+    bar.setSingleStep(scroll.Step());
+    bar.setPageStep(scroll.Page());
+    bar.setRange(0, scroll.Last());
 }
 
-std::int64_t ReportView::ContentTop() const {
-    int const value = verticalScrollBar()->value();
-    return Geometry().IsGrouped() ? value : Geometry().PositionTop(value);
-}
+std::int64_t ReportView::ContentTop() const { return Scroll().ContentTop(verticalScrollBar()->value()); }
 
-int ReportView::GetCountPerPage() const { return viewport()->height() / m_geometry.RowHeight(); }
+int ReportView::GetCountPerPage() const { return RowScroll(m_geometry, viewport()->height()).RowsPerPage(); }
 
 int ReportView::GetTopIndex() const {
     int const position = Geometry().FirstPositionBelow(ContentTop());
     return position < Geometry().RowCount() ? Geometry().RowAtPosition(position) : 0;
-}
-
-void ReportView::ShowPosition(int position) {
-    UpdateVerticalBar();
-    RowGeometry const &geometry = Geometry();
-    QScrollBar &bar = *verticalScrollBar();
-    if (!geometry.IsGrouped()) {
-        int const page = std::max(GetCountPerPage(), 1);
-        bar.setValue(std::clamp(bar.value(), position - page + 1, position));
-        return;
-    }
-    // The first row of a group comes with its header.
-    int top = static_cast<int>(geometry.PositionTop(position));
-    int const bottom = top + geometry.RowHeight();
-    for (RowGeometry::Span const &span : geometry.Spans())
-        if (span.firstPosition == position)
-            top = static_cast<int>(span.headerTop);
-    bar.setValue(std::min(std::max(bar.value(), bottom - viewport()->height()), top));
 }
 
 void ReportView::EnsureVisible(int row, bool partialOk) {
@@ -103,7 +78,9 @@ void ReportView::EnsureVisible(int row, bool partialOk) {
     Rect const place = GetItemRect(row);
     if (partialOk && place.bottom > 0 && place.top < viewport()->height())
         return;
-    ShowPosition(Geometry().PositionOfRow(row));
+    UpdateVerticalBar();
+    QScrollBar &bar = *verticalScrollBar();
+    bar.setValue(Scroll().ValueToShow(Geometry().PositionOfRow(row), bar.value()));
 }
 
 Rect ReportView::GetClientRect() const { return {0, 0, viewport()->width(), viewport()->height()}; }
@@ -187,6 +164,45 @@ void ReportView::changeEvent(QEvent *event) {
         UpdateRowHeight();
     else if (event->type() == QEvent::EnabledChange || event->type() == QEvent::PaletteChange)
         viewport()->update();
+}
+
+void ReportView::EraseBackground(QPainter &painter, Rect const &area) const {
+    painter.fillRect(platform::ToQRect(area), palette().color(QPalette::Base));
+}
+
+Rect ReportView::PictureRect(Rect const &row) const { return ReportRowPainter(*this).PictureRect(row); }
+
+void ReportView::DrawRowPicture(DrawItemStruct const &item) const { ReportRowPainter(*this).DrawPicture(item); }
+
+void ReportView::DrawItem(DrawItemStruct const &item) { ReportRowPainter(*this).DrawRow(item); }
+
+void ReportView::paintEvent(QPaintEvent *event) {
+    UpdateVerticalBar();
+    RowGeometry const &geometry = Geometry();
+    QPainter painter(viewport());
+    painter.setFont(font());
+    painter.setLayoutDirection(layoutDirection()); // a painter begins with the application's
+    EraseBackground(painter, GetClientRect());
+
+    std::int64_t const above = ContentTop();
+    std::int64_t const top = above + event->rect().top();
+    std::int64_t const bottom = above + event->rect().bottom() + 1;
+    ReportRowPainter(*this).DrawGroupHeaders(painter, *m_rows, geometry, {above, top, bottom});
+    bool const marksSelection = hasFocus() || (m_style & LVS_SHOWSELALWAYS) != 0;
+    unsigned const shownStates = (marksSelection ? LVIS_SELECTED : 0U) | (hasFocus() ? LVIS_FOCUSED : 0U);
+    DrawItemStruct item{.painter = painter,
+                        .textColor = platform::ToColorRef(palette().color(QPalette::Text)),
+                        .bkColor = platform::ToColorRef(palette().color(QPalette::Base))};
+    for (int position = geometry.FirstPositionBelow(top);
+         position < geometry.RowCount() && geometry.PositionTop(position) < bottom; ++position) {
+        item.itemID = geometry.RowAtPosition(position);
+        item.rcItem = GetItemRect(item.itemID);
+        item.state = m_selection.State(item.itemID) & shownStates;
+        item.itemData = GetItemWord(item.itemID);
+        painter.save();
+        DrawItem(item);
+        painter.restore();
+    }
 }
 
 } // namespace zelvar

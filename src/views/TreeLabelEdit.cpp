@@ -16,6 +16,16 @@ TreeLabelEdit::TreeLabelEdit(TreeView &tree, HTREEITEM item)
     connect(this, &QLineEdit::textChanged, this, &TreeLabelEdit::GrowToText);
 }
 
+void TreeLabelEdit::OpenOver(Rect const &label) {
+    int const height = std::max(label.Height(), minimumSizeHint().height());
+    int const top = std::max(label.top - (height - label.Height()) / 2, 0);
+    setGeometry(label.left - 2, top, label.Width() + 4, height);
+    GrowToText();
+    selectAll();
+    show();
+    setFocus(Qt::OtherFocusReason);
+}
+
 void TreeLabelEdit::GrowToText() {
     constexpr int room = 16; // pixels for the frame and what is typed next
     int const wanted = fontMetrics().horizontalAdvance(text()) + room;

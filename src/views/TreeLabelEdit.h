@@ -17,7 +17,8 @@ public:
 
     [[nodiscard]] HTREEITEM Item() const { return m_item; }
     [[nodiscard]] bool HasEnded() const { return m_ended; }
-    void GrowToText();
+    /// Shows it over the label with all of its text selected, and takes the focus.
+    void OpenOver(Rect const &label);
     void End(bool cancel);
     /// Ends without telling anyone: the item or the tree is about to go.
     void Discard();
@@ -28,6 +29,8 @@ protected:
     void focusOutEvent(QFocusEvent *event) override;
 
 private:
+    void GrowToText();
+
     TreeView &m_tree;
     HTREEITEM m_item;
     bool m_ended = false;

@@ -1,7 +1,8 @@
 #include "zelvar/views/TreeView.h"
 
 #include "zelvar/platform/ui/ControlId.h"
-#include "zelvar/platform/ui/Text.h"
+#include "zelvar/platform/ui/EscapeWatch.h"
+#include "zelvar/views/TreeInput.h"
 #include "zelvar/views/TreeItemDelegate.h"
 #include "zelvar/views/TreeLabelEdit.h"
 #include "zelvar/views/TreeModel.h"
@@ -13,7 +14,8 @@
 namespace zelvar {
 
 TreeView::TreeView(QWidget *parent)
-    : QTreeView(parent), m_model(std::make_unique<TreeModel>()), m_delegate(new TreeItemDelegate(*this)) {
+    : QTreeView(parent), m_model(std::make_unique<TreeModel>()), m_delegate(new TreeItemDelegate(*this)),
+      m_input(std::make_unique<TreeInput>(*this)) {
     setModel(m_model.get());
     setItemDelegate(m_delegate);
     setHeaderHidden(true);
@@ -44,13 +46,8 @@ TreeNode *TreeView::ParentFor(HTREEITEM parent) const {
 TreeNode *TreeView::SiblingFor(TreeNode &parent, HTREEITEM after, std::string_view text) {
     if (after == TVI_FIRST)
         return nullptr;
-    if (after == TVI_SORT) {
-        DString const key = FoldCase(text);
-        TreeNode *sibling = parent.LastChild();
-        while (sibling != nullptr && key < FoldCase(sibling->text))
-            sibling = sibling->previous;
-        return sibling;
-    }
+    if (after == TVI_SORT)
+        return TreeNodes::SortedPlace(parent, text);
     bool const isSibling = after != nullptr && after != TVI_LAST && after != TVI_ROOT && after->parent == &parent;
     return isSibling ? after : parent.LastChild();
 }
@@ -92,12 +89,6 @@ HTREEITEM TreeView::InsertItem(DString const &text, int image, int selectedImage
         {.mask = TVIF_TEXT | TVIF_IMAGE | TVIF_SELECTEDIMAGE, .iImage = image, .iSelectedImage = selectedImage}, text);
 }
 
-HTREEITEM TreeView::HeirOf(TreeNode const &item) const {
-    if (item.next != nullptr)
-        return item.next;
-    return item.previous != nullptr ? item.previous : GetParentItem(const_cast<HTREEITEM>(&item));
-}
-
 void TreeView::ForgetExpandedBelow(TreeNode &item) {
     if (item.FirstChild() == nullptr)
         return;
@@ -120,15 +111,12 @@ bool TreeView::DeleteItem(HTREEITEM item) {
         OnDeleteItem(node);
         if (m_dropTarget == node)
             m_dropTarget = nullptr;
-        if (m_pressed == node)
-            m_pressed = nullptr;
-        if (m_editSoon == node)
-            m_editSoon = nullptr;
+        m_input->Forget(node);
         if (!m_edit.isNull() && m_edit->Item() == node)
             m_edit->Discard();
     }
     if (m_selected != nullptr && TreeNodes::IsWithin(*m_selected, *item))
-        SelectItem(HeirOf(*item));
+        SelectItem(m_model->Nodes().HeirOf(*item));
     if (!index.isValid())
         return false; // a handler was faster
     ForgetExpandedBelow(*item);
@@ -145,7 +133,8 @@ bool TreeView::DeleteAllItems() {
     TreeNode *const root = m_model->Nodes().Root();
     for (TreeNode *node = root->FirstChild(); node != nullptr; node = TreeNodes::NextWithin(*node, *root))
         OnDeleteItem(node);
-    m_dropTarget = m_pressed = m_editSoon = m_selected = nullptr;
+    m_dropTarget = m_selected = nullptr;
+    m_input->ForgetAll();
     m_model->DeleteAll();
     return true;
 }
@@ -290,6 +279,22 @@ void TreeView::ExpandAbove(TreeNode const &item) {
     }
 }
 
+void TreeView::ExpandAll(HTREEITEM item) {
+    // What is put in on the way is expanded as well; it may take long, and may be much.
+    platform::EscapeWatch watch;
+    QPointer<TreeView> const self(this);
+    QPersistentModelIndex const top(m_model->IndexOf(item));
+    HTREEITEM next = item;
+    while (next != nullptr && !watch.IsPressed()) {
+        QPersistentModelIndex const index(m_model->IndexOf(next));
+        if (!next->IsExpanded())
+            Expand(next, TVE_EXPAND);
+        if (self.isNull() || !top.isValid() || !index.isValid())
+            return;
+        next = TreeNodes::NextWithin(*next, *item);
+    }
+}
+
 bool TreeView::SelectItem(HTREEITEM item) {
     if (item == nullptr) {
         selectionModel()->clear();
@@ -344,10 +349,9 @@ bool TreeView::SortChildren(HTREEITEM item) {
 
 HTREEITEM TreeView::GetNextItem(HTREEITEM item, unsigned code) const {
     TreeNodes const &nodes = m_model->Nodes();
-    TreeNode const *const root = nodes.Root();
     switch (code) {
     case TVGN_ROOT:
-        return root->FirstChild();
+        return nodes.Root()->FirstChild();
     case TVGN_FIRSTVISIBLE: {
         QModelIndex const index = indexAt(QPoint(0, 0));
         return index.isValid() ? m_model->NodeOf(index) : nullptr;
@@ -359,23 +363,7 @@ HTREEITEM TreeView::GetNextItem(HTREEITEM item, unsigned code) const {
     case TVGN_CHILD:
         return ParentFor(item)->FirstChild();
     default:
-        break;
-    }
-    if (item == nullptr || item == TVI_ROOT)
-        return nullptr;
-    switch (code) {
-    case TVGN_NEXT:
-        return item->next;
-    case TVGN_PREVIOUS:
-        return item->previous;
-    case TVGN_PARENT:
-        return item->parent == root ? nullptr : item->parent;
-    case TVGN_NEXTVISIBLE:
-        return nodes.NextShown(*item);
-    case TVGN_PREVIOUSVISIBLE:
-        return nodes.PreviousShown(*item);
-    default:
-        return nullptr;
+        return item == nullptr || item == TVI_ROOT ? nullptr : nodes.Neighbour(*item, code);
     }
 }
 
@@ -409,13 +397,7 @@ QLineEdit *TreeView::EditLabel(HTREEITEM item) {
         return nullptr;
     auto *const edit = new TreeLabelEdit(*this, item);
     m_edit = edit;
-    int const height = std::max(label.Height(), edit->minimumSizeHint().height());
-    int const top = std::max(label.top - (height - label.Height()) / 2, 0);
-    edit->setGeometry(label.left - 2, top, label.Width() + 4, height);
-    edit->GrowToText();
-    edit->selectAll();
-    edit->show();
-    edit->setFocus(Qt::OtherFocusReason);
+    edit->OpenOver(label);
     return GetEditControl();
 }
 

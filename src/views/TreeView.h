@@ -13,6 +13,7 @@ class QLineEdit;
 
 namespace zelvar {
 
+class TreeInput;
 class TreeItemDelegate;
 class TreeLabelEdit;
 class TreeModel;
@@ -141,7 +142,7 @@ protected:
     virtual void OnRButtonUp(unsigned flags, Point point);
     virtual void OnMouseMove(unsigned flags, Point point);
     /// `MK_...` of the last message of the mouse.
-    [[nodiscard]] unsigned MouseFlags() const { return m_mouseFlags; }
+    [[nodiscard]] unsigned MouseFlags() const;
 
     bool event(QEvent *event) override;
     bool viewportEvent(QEvent *event) override;
@@ -157,6 +158,7 @@ protected:
     void selectionChanged(QItemSelection const &selected, QItemSelection const &deselected) override;
 
 private:
+    friend class TreeInput;
     friend class TreeItemDelegate;
     friend class TreeLabelEdit;
     struct Parts;
@@ -164,17 +166,12 @@ private:
     [[nodiscard]] Parts PartsOf(TreeNode const &item) const;
     [[nodiscard]] TreeNode *ParentFor(HTREEITEM parent) const;
     [[nodiscard]] static TreeNode *SiblingFor(TreeNode &parent, HTREEITEM after, std::string_view text);
-    [[nodiscard]] HTREEITEM HeirOf(TreeNode const &item) const;
     void ForgetExpandedBelow(TreeNode &item);
     void SetExpanded(TreeNode &item, bool expanded);
     void ExpandAbove(TreeNode const &item);
     void ExpandAll(HTREEITEM item);
     void NoteExpanded(QModelIndex const &index, bool expanded);
     void Refresh(TreeNode const *item);
-    bool MoveByKey(QKeyEvent const &event);
-    unsigned NoteFlags(QMouseEvent const &event);
-    void PressedOn(HTREEITEM item, Point point, unsigned button, unsigned flags);
-    void StartDrag();
     bool ShowLabelTip(QHelpEvent const &event);
     /// The edit has ended with a text or, cancelled, without.
     void TellEndOfEdit(TreeLabelEdit &edit, DString const *text);
@@ -189,12 +186,7 @@ private:
     HIMAGELIST m_images = nullptr; ///< not owned
     int m_pictureSide = 16;
     QPointer<TreeLabelEdit> m_edit;
-    HTREEITEM m_pressed = nullptr; ///< where a drag may begin
-    Point m_pressedAt{};
-    unsigned m_pressedButton = 0; ///< `MK_LBUTTON` or `MK_RBUTTON`
-    unsigned m_mouseFlags = 0;
-    HTREEITEM m_editSoon = nullptr; ///< clicked while selected: its edit opens unless this becomes a double click
-    int m_editTimer = 0;
+    std::unique_ptr<TreeInput> m_input;
 };
 
 } // namespace zelvar

@@ -1,12 +1,8 @@
 #include "zelvar/lists/CADIListCtrl.h"
 
-#include "support/GuiTest.h"
 #include "support/ReportStage.h"
 #include "support/TablesTest.h"
 #include "zelvar/data/RequestScope.h"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <chrono>
 #include <climits>
@@ -16,7 +12,6 @@
 namespace zelvar {
 namespace {
 
-using testing::ElementsAre;
 using Cells = std::vector<DString>;
 
 /// What happens to a table, for whoever made it: the list owns the table itself.
@@ -62,6 +57,18 @@ private:
     bool m_hasFailed = false;
 };
 
+/// A list of such a table.
+struct CountedList : testing::Test {
+    void Show(int rows, int estimate) {
+        fate.rows = rows;
+        list.AddAllColumns();
+        EXPECT_EQ(fate.asks, 0);
+        list.SetNumRow(estimate, 0);
+    }
+    Fate fate;
+    CADIListCtrl list{new CountedTable(fate)};
+};
+
 Cells Column(CADIListCtrl &list, int col) {
     Cells cells;
     for (int row = 0; row < list.GetNumRow(); ++row)
@@ -97,26 +104,17 @@ TEST(CADIListCtrl, DerivedClassesChooseRowsAndColumnsAndSeeEachValue) {
     EXPECT_EQ(list.OnGetItemText(1, 1), "of the application");
 }
 
-TEST(CADIListCtrl, ReadsAsFarAsAskedAndDoublesItsEstimateUntilTheTableEnds) {
-    Fate fate{.rows = 100};
-    CADIListCtrl list(new CountedTable(fate));
-    list.AddAllColumns();
-    EXPECT_EQ(fate.asks, 0);
-    list.SetNumRow(10, 0);
-    struct Case {
-        int position, cached, rows;
-        char const *text;
-    };
-    for (Case const &c : {Case{0, 10, 20, "row 0"},
-                          {9, 10, 20, "row 9"},
-                          {10, 20, 40, "row 10"},
-                          {39, 40, 80, "row 39"}, // as far as the end of the list
-                          {70, 71, 142, "row 70"},
-                          {-1, 71, 142, ""}}) {
-        EXPECT_EQ(list.OnGetItemText(c.position, 2), c.text) << c.position;
-        EXPECT_EQ(list.GetCacheRows(), c.cached) << c.position;
-        EXPECT_EQ(list.GetNumRow(), c.rows) << c.position;
-        EXPECT_EQ(fate.lastAsked, c.cached - 1);
+TEST_F(CountedList, ReadsAsFarAsAskedAndDoublesItsEstimateUntilTheTableEnds) {
+    Show(100, 10);
+    test::Rows<int, int, int, char const *> const cases = {
+        {0, 10, 20, "row 0"},    {9, 10, 20, "row 9"},
+        {10, 20, 40, "row 10"},  {39, 40, 80, "row 39"}, // as far as the end of the list
+        {70, 71, 142, "row 70"}, {-1, 71, 142, ""}};
+    for (auto const &[position, cached, rows, text] : cases) {
+        EXPECT_EQ(list.OnGetItemText(position, 2), text) << position;
+        EXPECT_EQ(list.GetCacheRows(), cached) << position;
+        EXPECT_EQ(list.GetNumRow(), rows) << position;
+        EXPECT_EQ(fate.lastAsked, cached - 1);
     }
     EXPECT_EQ(list.OnGetItemText(120, 2), ""); // behind the end
     EXPECT_EQ(list.GetNumRow(), 100);
@@ -126,11 +124,8 @@ TEST(CADIListCtrl, ReadsAsFarAsAskedAndDoublesItsEstimateUntilTheTableEnds) {
     EXPECT_EQ(list.GetID(100), -1);
 }
 
-TEST(CADIListCtrl, ATableWithoutRowsLeavesAnEmptyList) {
-    Fate fate{.rows = 0};
-    CADIListCtrl list(new CountedTable(fate));
-    list.AddAllColumns();
-    list.SetNumRow(5, 0);
+TEST_F(CountedList, ATableWithoutRowsLeavesAnEmptyList) {
+    Show(0, 5);
     EXPECT_EQ(list.OnGetItemText(0, 0), "");
     EXPECT_EQ(list.GetNumRow(), 0);
     EXPECT_TRUE(fate.isClosed);
@@ -141,11 +136,8 @@ TEST(CADIListCtrl, ATableWithoutRowsLeavesAnEmptyList) {
     EXPECT_EQ(none.GetNumCol(), 1);
 }
 
-TEST(CADIListCtrl, AClickOnAHeadingReadsAllSortsAndSelectsNothing) {
-    Fate fate{.rows = 12};
-    CADIListCtrl list(new CountedTable(fate));
-    list.AddAllColumns();
-    list.SetNumRow(3, 0);
+TEST_F(CountedList, AClickOnAHeadingReadsAllSortsAndSelectsNothing) {
+    Show(12, 3);
     test::Stage stage(list);
     stage.Click(1);
     list.EnblSort(false);
@@ -167,11 +159,9 @@ TEST(CADIListCtrl, AClickOnAHeadingReadsAllSortsAndSelectsNothing) {
     EXPECT_EQ(list.GetID(0), 11);
 }
 
-TEST(CADIListCtrl, AFailureIsNoEndAndIsTriedAgainAfterAWhile) {
-    Fate fate{.rows = 50, .failsAt = 30};
-    CADIListCtrl list(new CountedTable(fate));
-    list.AddAllColumns();
-    list.SetNumRow(5, 0);
+TEST_F(CountedList, AFailureIsNoEndAndIsTriedAgainAfterAWhile) {
+    fate.failsAt = 30;
+    Show(50, 5);
     list.Sort(1, true);
     EXPECT_FALSE(fate.isClosed);
     EXPECT_EQ(list.GetCacheRows(), 30);
@@ -190,11 +180,8 @@ TEST(CADIListCtrl, AFailureIsNoEndAndIsTriedAgainAfterAWhile) {
     EXPECT_EQ(list.OnGetItemText(30, 1), "30");
 }
 
-TEST(CADIListCtrl, EscapeStopsASortAndLeavesTheListAsItWas) {
-    Fate fate;
-    CADIListCtrl list(new CountedTable(fate));
-    list.AddAllColumns();
-    list.SetNumRow(20, 0);
+TEST_F(CountedList, EscapeStopsASortAndLeavesTheListAsItWas) {
+    Show(INT_MAX, 20);
     test::Stage stage(list);
     stage.Click(1);
     auto const begin = std::chrono::steady_clock::now();
@@ -218,11 +205,8 @@ TEST(CADIListCtrl, EscapeStopsASortAndLeavesTheListAsItWas) {
     EXPECT_EQ(list.GetID(0), fate.rows - 1);
 }
 
-TEST(CADIListCtrl, PaintingWaitsForASlowTableOnceAndRowsFollow) {
-    Fate fate;
-    CADIListCtrl list(new CountedTable(fate));
-    list.AddAllColumns();
-    list.SetNumRow(1000, 0);
+TEST_F(CountedList, PaintingWaitsForASlowTableOnceAndRowsFollow) {
+    Show(INT_MAX, 1000);
     int stopped = 0;
     fate.duringStep = [&] {
         // Answers when it is told to stop, and well otherwise.
@@ -239,11 +223,8 @@ TEST(CADIListCtrl, PaintingWaitsForASlowTableOnceAndRowsFollow) {
     EXPECT_EQ(list.OnGetItemText(10, 2), "row 10");
 }
 
-TEST(CADIListCtrl, ThePageIsThereWhereverTheThumbIsDraggedTo) {
-    Fate fate{.rows = 400'000};
-    CADIListCtrl list(new CountedTable(fate));
-    list.AddAllColumns();
-    list.SetNumRow(1, 0);
+TEST_F(CountedList, ThePageIsThereWhereverTheThumbIsDraggedTo) {
+    Show(400'000, 1);
     test::Stage stage(list);
     EXPECT_TRUE(test::Eventually([&] { return list.GetCacheRows() > 10; }));
     EXPECT_LT(list.GetCacheRows(), 100);

@@ -1,12 +1,9 @@
 #include "zelvar/lists/CListCtrlFlex.h"
 
-#include "support/GuiTest.h"
 #include "support/ReportStage.h"
 #include "zelvar/platform/ui/SystemColor.h"
 
 #include <QtGui/QFont>
-
-#include <gtest/gtest.h>
 
 namespace zelvar {
 namespace {
@@ -150,7 +147,7 @@ TEST(CListCtrlFlex, ColumnsGoOneByOne) {
     EXPECT_EQ(list.GetColType(0), ADICol_String);
 }
 
-TEST(CListCtrlFlex, TheIndentAndTheImageMoveTheFirstTextOnly) {
+TEST(CListCtrlFlex, TheIndentAndTheImageMoveTheFirstTextOnlyAndEditsStandOnTexts) {
     ImageList images;
     images.Add({.name = "no-such-icon", .fallback = "folder"});
     CListCtrlFlex list;
@@ -160,20 +157,33 @@ TEST(CListCtrlFlex, TheIndentAndTheImageMoveTheFirstTextOnly) {
     list.InsertItem(0, "|||||||||||||||||||||||||", 0, 0, nullptr, 0, 0xFFFFFF, 30);
     list.SetItemText(0, 1, "|||||||");
     Stage const stage(list);
-    for (Qt::LayoutDirection const direction : {Qt::LeftToRight, Qt::RightToLeft}) {
-        list.setLayoutDirection(direction);
+    // Style, first column in the order, where the text of each column begins.
+    test::Rows<unsigned, int, int, int> const cases = {
+        {0U, 0, 46, 150}, {0U, 1, 100, 46}, {LVS_NOCOLUMNHEADER, 1, 46, 150}};
+    for (int run = 0; run < 6; ++run) {
+        auto const &[style, first, name, note] = cases.begin()[run / 2];
+        SCOPED_TRACE(run);
+        list.ModifyStyle(LVS_NOCOLUMNHEADER, style);
+        list.SetColumnOrderArray({first, 1 - first});
+        list.setLayoutDirection(run % 2 == 0 ? Qt::LeftToRight : Qt::RightToLeft);
         QImage const image = list.viewport()->grab().toImage();
         int const ratio = static_cast<int>(image.devicePixelRatio());
+        auto const turned = [&](int x, int width) { return list.isRightToLeft() ? width - 1 - x : x; };
         auto const inkIn = [&](int from, int to) {
             for (int x = from * ratio; x < to * ratio; ++x)
                 for (int y = 0; y < list.RowHeight() * ratio; ++y)
-                    if (image.pixelColor(list.isRightToLeft() ? image.width() - 1 - x : x, y).lightness() < 100)
+                    if (image.pixelColor(turned(x, image.width()), y).lightness() < 100)
                         return true;
             return false;
         };
-        EXPECT_FALSE(inkIn(16, 46)) << "the image stands at the edge, the text behind the indent " << direction;
-        EXPECT_TRUE(inkIn(46, 52)) << direction;
-        EXPECT_TRUE(inkIn(150, 156)) << direction;
+        EXPECT_FALSE(inkIn(16, 46)) << "the image stands at the edge, the text behind the indent";
+        for (auto const &[col, start] : {std::pair{0, name}, {1, note}}) {
+            EXPECT_TRUE(inkIn(start, start + 6)) << col;
+            int const edge = turned(start, list.viewport()->width());
+            Rect const label = list.GetSubItemRect(0, col, LVIR_LABEL);
+            EXPECT_EQ(list.isRightToLeft() ? label.right - 1 : label.left, edge) << col;
+            EXPECT_EQ(list.SubItemHitTest({edge, 5}).col, col);
+        }
     }
 }
 

@@ -15,7 +15,6 @@
 #include <QtWidgets/QScrollBar>
 
 #include <filesystem>
-#include <utility>
 
 namespace zelvar {
 namespace {
@@ -32,6 +31,7 @@ public:
     bool handle = false;      ///< what the hooks return
     long long editResult = 0; ///< of the hooks of label edits
     bool handleKeys = false;
+    bool swallowButton = false;
 
 protected:
     void OnDragEnd(HTREEITEM item, HTREEITEM target) override {
@@ -73,9 +73,6 @@ protected:
         return swallowButton;
     }
 
-public:
-    bool swallowButton = false;
-
 private:
     void Tell(std::string const &what) { m_told += (m_told.empty() ? "" : ", ") + what; }
     std::string m_told;
@@ -111,6 +108,13 @@ protected:
             if (auto *const widget = qobject_cast<QWidget *>(child); widget != nullptr && widget->isVisible())
                 return widget;
         return nullptr;
+    }
+    /// Releases the button: what is told of the drop, with nothing of the drag left.
+    std::string Drop(QPoint at, Qt::MouseButton button = Qt::LeftButton) {
+        tree.Take();
+        stage.Release(at, button);
+        ExpectNoDrag();
+        return tree.Take();
     }
     void ExpectNoDrag() {
         EXPECT_FALSE(tree.IsInDragMode());
@@ -173,45 +177,30 @@ TEST_F(CZelTreeCtrlTest, ADragMarksItsTargetAndEndsWithTheButtonThatBeganIt) {
     ASSERT_NE(Overlay(), nullptr);
     EXPECT_EQ(Overlay()->pos(), stage.On(b)); // the pointer holds its corner
     test::Shot(tree, "tree-control-drag");
-    tree.Take();
     stage.Release(stage.On(b), Qt::RightButton);
     EXPECT_TRUE(tree.IsLeftDrag());
-    tree.Take();
-    stage.Release(stage.On(b));
-    EXPECT_EQ(tree.Take(), "drop a1 on b");
-    ExpectNoDrag();
+    EXPECT_EQ(Drop(stage.On(b)), "drop a1 on b");
 }
 
 TEST_F(CZelTreeCtrlTest, ARightDragEndsWithoutAMenuAndIsOffUnlessItIsOn) {
     Drag(a1, b, Qt::RightButton);
     EXPECT_FALSE(tree.IsInDragMode());
-    tree.Take();
-    stage.Release(stage.On(b), Qt::RightButton);
-    EXPECT_EQ(tree.Take(), "menu b");
+    EXPECT_EQ(Drop(stage.On(b), Qt::RightButton), "menu b");
     tree.EnableRghtDrag(true);
     Drag(a1, c, Qt::RightButton);
     EXPECT_TRUE(tree.IsRghtDrag());
     stage.Release(stage.On(c), Qt::LeftButton);
     EXPECT_TRUE(tree.IsRghtDrag());
-    tree.Take();
-    stage.Release(stage.On(c), Qt::RightButton);
-    EXPECT_EQ(tree.Take(), "drop a1 on c");
-    ExpectNoDrag();
+    EXPECT_EQ(Drop(stage.On(c), Qt::RightButton), "drop a1 on c");
 }
 
 TEST_F(CZelTreeCtrlTest, ADropOnItselfDoesNothingBesideTheItemsItHasNoTargetAndItMayDeleteWhatIsDragged) {
     Drag(a1, a1);
     EXPECT_TRUE(tree.IsInDragMode());
     EXPECT_EQ(tree.GetDropHilightItem(), nullptr);
-    tree.Take();
-    stage.Release(stage.On(a1));
-    EXPECT_EQ(tree.Take(), "");
-    ExpectNoDrag();
+    EXPECT_EQ(Drop(stage.On(a1)), "");
     Drag(a1, b);
-    tree.Take();
-    stage.Release(QPoint(20, tree.viewport()->height() - 2));
-    EXPECT_EQ(tree.Take(), "drop a1 on -");
-    ExpectNoDrag();
+    EXPECT_EQ(Drop(QPoint(20, tree.viewport()->height() - 2)), "drop a1 on -");
     tree.onDragEnd = [this] {
         tree.AddItem(a1->text, a1->data, b, TVI_LAST);
         tree.DeleteItem(a1);
@@ -425,13 +414,11 @@ TEST_F(CZelTreeCtrlTest, ImagesAreDrawnIntoTheOwnedList) {
         }
         return ColorRef{1};
     };
-    EXPECT_EQ(color(a2, 2, 2), Rgb(0, 0, 255));
-    EXPECT_EQ(color(a2, 13, 13), Rgb(0, 0, 255));
-    EXPECT_EQ(color(a2, 3, 3), Rgb(0, 255, 0));
-    EXPECT_EQ(color(a2, 14, 14), color(a2, 1, 1)); // outside
-    EXPECT_EQ(color(a1, 8, 8), Rgb(255, 0, 0));
-    EXPECT_EQ(color(b, 8, 8), Rgb(0, 0, 255));
-    EXPECT_EQ(color(c, 8, 8), Rgb(255, 0, 0));
+    test::Rows<HTREEITEM, int, ColorRef> const colors = {
+        {a2, 2, Rgb(0, 0, 255)}, {a2, 13, Rgb(0, 0, 255)}, {a2, 3, Rgb(0, 255, 0)}, {a2, 14, color(a2, 1, 1)},
+        {a1, 8, Rgb(255, 0, 0)}, {b, 8, Rgb(0, 0, 255)},   {c, 8, Rgb(255, 0, 0)}};
+    for (auto const &[item, at, expected] : colors)
+        EXPECT_EQ(color(item, at, at), expected) << item->text << at;
 
     tree.ClearImages();
     EXPECT_EQ(tree.GetImageList(TVSIL_NORMAL), nullptr);

@@ -48,32 +48,13 @@ TEST(CellOrder, NumbersGoFromLargeToSmallAndTextsFromAToZ) {
 }
 
 TEST(CellOrder, ANumberIsWhatATextBeginsWithAndAWordIsNone) {
-    struct Case {
-        char const *text;
-        double number;
-    };
-    Case const cases[] = {
-        {"", 0},
-        {"  12abc", 12},
-        {"1e5", 1e5},
-        {"+.5", 0.5},
-        {"-7 m", -7},
-        {"abc", 0},
-        {"nan", 0},
-        {"-nan", 0},
-        {"NaN(1)", 0},
-        {"Nantes", 0},
-        {"Information", 0},
-        {"infinite", 0},
-        {" inf ", kInfinite},
-        {"-Infinity", -kInfinite},
-        {"1e999", kInfinite},
-        {".1e999", kInfinite},
-        {"-1e-999", 0},
-        {"- 5", 0},
-    };
-    for (Case const &c : cases)
-        EXPECT_EQ(SortNumberOf(c.text), c.number) << c.text;
+    for (char const *text : {"", "abc", "nan", "-nan", "NaN(1)", "Nantes", "Information", "infinite", "-1e-999", "- 5"})
+        EXPECT_EQ(SortNumberOf(text), 0) << text;
+    for (char const *text : {" inf ", "1e999", ".1e999"})
+        EXPECT_EQ(SortNumberOf(text), kInfinite) << text;
+    for (auto const &[text, number] :
+         {std::pair{"  12abc", 12.0}, {"1e5", 1e5}, {"+.5", 0.5}, {"-7 m", -7.0}, {"-Infinity", -kInfinite}})
+        EXPECT_EQ(SortNumberOf(text), number) << text;
 }
 
 /// The rule for two cells, by its definition.

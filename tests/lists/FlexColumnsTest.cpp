@@ -43,19 +43,15 @@ TEST(FlexColumns, TheNextEditableCellMayStandInALaterRow) {
     FlexColumns columns;
     columns.Set(1, {true, ADICol_String});
     columns.Grow(2);
-    struct Case {
-        int item, subItem;
-        bool found;
-        int foundItem, foundSubItem;
-    };
-    Case const cases[] = {{0, 0, true, 0, 1}, {0, 1, true, 0, 1}, {0, 2, true, 1, 1}, {2, 2, false, 3, 0}};
-    for (Case c : cases) {
-        EXPECT_EQ(FindEditableCell(columns, 3, 3, c.item, c.subItem), c.found);
-        EXPECT_EQ(c.item, c.foundItem);
-        EXPECT_TRUE(!c.found || c.subItem == c.foundSubItem);
-    }
     int item = 0;
     int subItem = 0;
+    for (auto const &[row, col, found, foundRow, foundCol] :
+         {std::tuple{0, 0, true, 0, 1}, {0, 1, true, 0, 1}, {0, 2, true, 1, 1}, {2, 2, false, 3, 0}}) {
+        item = row, subItem = col;
+        EXPECT_EQ(FindEditableCell(columns, 3, 3, item, subItem), found);
+        EXPECT_TRUE(item == foundRow && (!found || subItem == foundCol)) << item << ' ' << subItem;
+    }
+    item = subItem = 0;
     EXPECT_FALSE(FindEditableCell(columns, 2'000'000'000, 1, item, subItem)) << "no editable column: no walk";
 }
 

@@ -54,7 +54,10 @@ TEST_F(Accessible, OneColumnIsAList) {
 
 TEST_F(Accessible, StatesFollowTheSelectionAndRowsCanBeSelectedFromOutside) {
     Stage stage(view);
+    test::ScreenReader const reader;
     stage.Click(2);
+    std::string const row = "row 2, 200 KB, image";
+    EXPECT_EQ(reader.Take(), (std::vector{"focus " + row, "select " + row}));
     stage.Click(4, Qt::ControlModifier);
     QAccessibleTableInterface &table = *Table().tableInterface();
     EXPECT_EQ(table.selectedRows(), (QList<int>{2, 4}));
@@ -107,6 +110,11 @@ TEST_F(Accessible, MillionsOfRowsCostNothingUntilAskedForAndThenOnlyTheLast) {
     view.SetItemCountEx(10'000'000);
     QAccessibleInterface &table = Table();
     EXPECT_EQ(table.childCount(), 10'000'001);
+    static int told = 0;
+    platform::AnnounceThrough([](QAccessibleEvent *event) { told += event->type() == QAccessible::SelectionWithin; });
+    view.SetItemState(-1, LVIS_SELECTED, LVIS_SELECTED);
+    platform::AnnounceThrough(nullptr);
+    EXPECT_EQ(told, 1);
     QAccessible::Id const first = QAccessible::uniqueId(table.child(0));
     QAccessibleInterface *const row = table.child(1);
     for (int other = 2; other < 4096; ++other)

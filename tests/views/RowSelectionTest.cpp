@@ -1,11 +1,8 @@
 #include "zelvar/views/core/RowSelection.h"
 
-#include "zelvar/base/DString.h"
+#include "support/Test.h"
 #include "zelvar/views/core/MergeSort.h"
-
-#include <gtest/gtest.h>
-
-#include <string>
+#include "zelvar/views/core/RowNavigation.h"
 
 namespace zelvar {
 namespace {
@@ -39,7 +36,10 @@ IntervalSet Rows(int first, int last) {
 }
 
 struct TenRows : testing::Test {
-    TenRows() { selection.SetRowCount(10); }
+    TenRows() {
+        selection.SetRowCount(10);
+        geometry.SetRows(10);
+    }
     /// What is told of a click, or of a range that ends at `focus`.
     std::string Select(int first, int last, int focus) {
         selection.Select(Rows(first, last), focus);
@@ -49,9 +49,65 @@ struct TenRows : testing::Test {
         selection.SetState(row, on ? bits : 0U, bits);
         return hearer.Take();
     }
+    /// "0 1 5"
+    [[nodiscard]] std::string Selected() const {
+        std::string text;
+        for (int row = selection.Selected().NextFrom(0); row >= 0; row = selection.Selected().NextFrom(row + 1))
+            text += (text.empty() ? "" : " ") + std::to_string(row);
+        return text;
+    }
     Hearer hearer;
     RowSelection selection{hearer};
+    RowGeometry geometry;
+    RowNavigation navigation{selection, geometry};
 };
+
+constexpr HeldKeys kCtrl{.ctrl = true};
+constexpr HeldKeys kShift{.shift = true};
+
+TEST_F(TenRows, PressesAndStepsSelectAsTheKeysSay) {
+    enum What { Press, Menu, Move, Single };
+    test::Rows<char const *, What, int, HeldKeys, char const *> const steps = {
+        {"Shift before anything was pressed begins at the top", Press, 1, kShift, "0 1"},
+        {"a press selects one row", Press, 4, {}, "4"},
+        {"Shift extends", Press, 6, kShift, "4 5 6"},
+        {"Shift goes from the same row to the other side", Press, 3, kShift, "3 4"},
+        {"Ctrl adds", Press, 8, kCtrl, "3 4 8"},
+        {"Ctrl takes away", Press, 4, kCtrl, "3 8"},
+        {"Ctrl and Shift add a range", Press, 6, {.ctrl = true, .shift = true}, "3 4 5 6 8"},
+        {"a menu is for the whole selection", Menu, 5, kShift, "3 4 5 6 8"},
+        {"a menu elsewhere selects", Menu, 1, kCtrl, "1"},
+        {"Shift takes the selection along", Move, 3, kShift, "1 2 3"},
+        {"Ctrl moves the focus alone", Move, 7, kCtrl, "1 2 3"},
+        {"a step selects", Move, 8, {}, "8"},
+        {"one row only: Shift selects it", Single, 5, kShift, "5"},
+        {"so does Ctrl", Single, 6, kCtrl, "6"},
+        {"so does a step with Shift", Move, 7, kShift, "7"},
+        {"and one with Ctrl", Move, 8, kCtrl, "8"},
+    };
+    for (auto const &[name, what, row, keys, selected] : steps) {
+        selection.SetSingle(selection.IsSingle() || what == Single);
+        if (what == Move)
+            navigation.MoveTo(row, keys);
+        else
+            navigation.Press(row, keys, what == Menu ? RowNavigation::Button::Menu : RowNavigation::Button::Select);
+        EXPECT_EQ(Selected(), selected) << name;
+        EXPECT_EQ(selection.Focus(), row) << name;
+    }
+}
+
+TEST_F(TenRows, StepsLeadFromTheFocusAndStayInTheList) {
+    using Step = RowNavigation::Step;
+    test::Rows<int, std::array<int, 6>> const cases = {
+        {-1, {0, 0, 0, 4, 0, 9}}, {0, {0, 1, 0, 4, 0, 9}}, {5, {4, 6, 1, 9, 0, 9}}, {9, {8, 9, 5, 9, 0, 9}}};
+    for (auto const &[focus, targets] : cases) {
+        Mark(focus, focus >= 0, LVIS_FOCUSED);
+        for (Step const step : {Step::Up, Step::Down, Step::PageUp, Step::PageDown, Step::First, Step::Last})
+            EXPECT_EQ(navigation.Target(step, 4), targets[static_cast<std::size_t>(step)]) << focus;
+    }
+    geometry.SetRows(0);
+    EXPECT_EQ(navigation.Target(Step::Down, 4), std::nullopt);
+}
 
 TEST_F(TenRows, AClickTellsTheRowItLeavesThenTheRowItTakesWithBothBits) {
     EXPECT_EQ(Select(2, 2, 2), "2:->FS");
@@ -76,14 +132,13 @@ TEST_F(TenRows, SingleSelectionLetsTheOtherRowGo) {
     EXPECT_EQ(Mark(2), "2:->S");
     EXPECT_EQ(Mark(6), "2:S>- 6:->S");
     Select(4, 9, 9);
-    EXPECT_EQ(selection.Selected().Count(), 1);
-    EXPECT_TRUE(selection.Selected().Contains(4));
+    EXPECT_EQ(Selected(), "4");
 }
 
 TEST_F(TenRows, RowsOutsideAreNobody) {
     EXPECT_EQ(Mark(10) + Mark(-2), "");
     Select(8, 30, 30);
-    EXPECT_EQ(selection.Selected().Count(), 2);
+    EXPECT_EQ(Selected(), "8 9");
     EXPECT_EQ(selection.Focus(), -1);
 }
 
@@ -99,28 +154,22 @@ TEST_F(TenRows, StatesGoWithTheRows) {
     EXPECT_TRUE(selection.Selected().Contains(6));
     EXPECT_EQ(selection.Focus(), 3);
     selection.SetRowCount(3);
-    EXPECT_TRUE(selection.Selected().IsEmpty());
-    EXPECT_EQ(selection.Focus(), -1);
+    EXPECT_TRUE(selection.Selected().IsEmpty() && selection.Focus() == -1);
 }
 
 TEST(MergeSort, EqualsTurnRoundWhenTheQuestionSaysYesToThemAndStayOtherwise) {
     using Value = std::pair<int, char>;
-    std::vector<Value> const start{{2, 'a'}, {1, 'b'}, {2, 'c'}, {1, 'd'}, {2, 'e'}};
-    auto const names = [](std::vector<Value> const &values) {
-        std::string text;
+    auto const sorted = [](auto const &comesAfter) {
+        std::vector<Value> values{{2, 'a'}, {1, 'b'}, {2, 'c'}, {1, 'd'}, {2, 'e'}};
+        MergeSort(values, comesAfter);
+        std::string names;
         for (Value const &value : values)
-            text += value.second;
-        return text;
+            names += value.second;
+        return names;
     };
-    auto turned = start;
-    auto kept = start;
-    auto contradicted = start;
-    MergeSort(turned, [](Value const &a, Value const &b) { return a.first >= b.first; });
-    MergeSort(kept, [](Value const &a, Value const &b) { return a.first > b.first; });
-    EXPECT_EQ(names(turned), "dbeca");
-    EXPECT_EQ(names(kept), "bdace");
-    MergeSort(contradicted, [](Value const &, Value const &) { return true; });
-    EXPECT_EQ(contradicted.size(), start.size());
+    EXPECT_EQ(sorted([](Value const &a, Value const &b) { return a.first >= b.first; }), "dbeca");
+    EXPECT_EQ(sorted([](Value const &a, Value const &b) { return a.first > b.first; }), "bdace");
+    EXPECT_EQ(sorted([](Value const &, Value const &) { return true; }).size(), 5U) << "contradicted";
 }
 
 } // namespace

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <random>
 
 namespace zelvar {
@@ -38,7 +37,9 @@ TEST(TreeNodes, RowsAndChildrenAgreeAfterRandomInsertionsAndRemovals) {
     std::mt19937 random(7); // NOLINT(cert-msc32-c,cert-msc51-cpp): the same each time
     for (int step = 0; step < 6000; ++step) {
         bool const remove = step > 3000 && random() % 3 != 0;
-        auto const at = static_cast<std::ptrdiff_t>(random() % (expected.size() + (remove ? 0U : 1U)));
+        // The first ones are all put before the others.
+        auto const at =
+            step < 1000 ? 0 : static_cast<std::ptrdiff_t>(random() % (expected.size() + (remove ? 0U : 1U)));
         if (remove) {
             nodes.Delete(*expected[static_cast<std::size_t>(at)]);
             expected.erase(expected.begin() + at);
@@ -59,15 +60,6 @@ TEST(TreeNodes, RowsAndChildrenAgreeAfterRandomInsertionsAndRemovals) {
     }
     EXPECT_EQ(TreeNodes::ChildAt(root, -1), nullptr);
     EXPECT_EQ(TreeNodes::ChildAt(root, root.ChildCount()), nullptr);
-}
-
-TEST(TreeNodes, ManyChildrenPutBeforeAllOthersStandInTheReverseOrder) {
-    TreeNodes nodes;
-    for (int i = 0; i < 3000; ++i)
-        Add(nodes, *nodes.Root(), nullptr, std::to_string(i));
-    EXPECT_EQ(TreeNodes::ChildAt(*nodes.Root(), 0)->text, "2999");
-    EXPECT_EQ(TreeNodes::ChildAt(*nodes.Root(), 2999)->text, "0");
-    EXPECT_EQ(TreeNodes::RowOf(*nodes.Root()->LastChild()), 2999);
 }
 
 TEST(TreeNodes, ATreeOfHundredThousandLevelsIsWalkedAndDeletedWithoutAStack) {

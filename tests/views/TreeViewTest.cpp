@@ -159,28 +159,22 @@ TEST(TreeView, TheKeyboardReachesEverything) {
     Family const family(tree);
     tree.InsertItem("deep", family.second);
     tree.SelectItem(family.parent);
-    struct Step {
-        int key;
-        char const *selected;
-        bool parentExpanded, mirrored = false;
-    };
-    Step const steps[] = {
-        {Qt::Key_Right, "parent", true},       {Qt::Key_Right, "first", true},
-        {Qt::Key_Down, "second", true},        {Qt::Key_Left, "parent", true},
-        {Qt::Key_Left, "parent", false},       {Qt::Key_Plus, "parent", true},
-        {Qt::Key_Minus, "parent", false},      {Qt::Key_Asterisk, "parent", true},
-        {Qt::Key_End, "other", true},          {Qt::Key_Up, "deep", true},
-        {Qt::Key_Home, "parent", true},        {Qt::Key_PageDown, "other", true},
-        {Qt::Key_PageUp, "parent", true},      {Qt::Key_Right, "parent", false, true},
-        {Qt::Key_Left, "parent", true, true},  {Qt::Key_Left, "first", true, true},
-        {Qt::Key_Right, "parent", true, true},
-    };
-    for (Step const &step : steps) {
-        tree.setLayoutDirection(step.mirrored ? Qt::RightToLeft : Qt::LeftToRight);
-        stage.Key(step.key);
-        SCOPED_TRACE(QKeySequence(step.key).toString().toStdString());
-        EXPECT_EQ(tree.GetItemText(tree.GetSelectedItem()), step.selected);
-        EXPECT_EQ(tree.GetItemState(family.parent, TVIS_EXPANDED) != 0, step.parentExpanded);
+    test::Rows<Qt::Key, char const *, bool, bool> const steps = {
+        // selected, whether the parent is expanded, mirrored
+        {Qt::Key_Right, "parent", true, false},  {Qt::Key_Right, "first", true, false},
+        {Qt::Key_Down, "second", true, false},   {Qt::Key_Left, "parent", true, false},
+        {Qt::Key_Left, "parent", false, false},  {Qt::Key_Plus, "parent", true, false},
+        {Qt::Key_Minus, "parent", false, false}, {Qt::Key_Asterisk, "parent", true, false},
+        {Qt::Key_End, "other", true, false},     {Qt::Key_Up, "deep", true, false},
+        {Qt::Key_Home, "parent", true, false},   {Qt::Key_PageDown, "other", true, false},
+        {Qt::Key_PageUp, "parent", true, false}, {Qt::Key_Right, "parent", false, true},
+        {Qt::Key_Left, "parent", true, true},    {Qt::Key_Left, "first", true, true},
+        {Qt::Key_Right, "parent", true, true}};
+    for (auto const &[key, selected, expanded, mirrored] : steps) {
+        tree.setLayoutDirection(mirrored ? Qt::RightToLeft : Qt::LeftToRight);
+        stage.Key(key);
+        EXPECT_EQ(tree.GetItemText(tree.GetSelectedItem()), selected) << key;
+        EXPECT_EQ(tree.GetItemState(family.parent, TVIS_EXPANDED) != 0, expanded) << key;
     }
     QAction shortcut;
     shortcut.setShortcut(Qt::Key_S);

@@ -1,6 +1,11 @@
 #pragma once
 
+#include <cstdint>
+
 namespace zelvar {
+
+/// The word that a row carries for its owner.
+using ItemWord = std::int64_t;
 
 // The numbers of a list in rows and columns, as applications know them.
 

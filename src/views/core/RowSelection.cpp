@@ -113,6 +113,13 @@ void RowSelection::Tell(std::vector<Change> const &changes) {
     }
 }
 
+void RowSelection::SelectOnly(int row) {
+    IntervalSet rows;
+    rows.Insert(row, row);
+    SetAnchor(row);
+    Select(rows, row);
+}
+
 void RowSelection::InsertRows(int at, int count) {
     m_selected.InsertRows(at, count);
     m_rowCount += count;

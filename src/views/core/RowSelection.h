@@ -29,6 +29,7 @@ public:
 
     /// At most one row is selected from now on; what is selected now stays.
     void SetSingle(bool single) { m_single = single; }
+    [[nodiscard]] bool IsSingle() const { return m_single; }
     /// A range that changes as a whole is told at once instead of row by row.
     void SetTellsRanges(bool tells) { m_tellsRanges = tells; }
 
@@ -46,6 +47,8 @@ public:
     /// Exactly these rows are selected afterwards; with `focus` of 0 or more that row has the focus. With single
     /// selection only the first of them counts.
     void Select(IntervalSet const &rows, int focus = -1);
+    /// As a click does: the row has the focus too, and a range begins there.
+    void SelectOnly(int row);
 
     // The rows themselves come, go and change places; states go with them, nobody is told.
     void InsertRows(int at, int count);

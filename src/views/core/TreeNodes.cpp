@@ -58,6 +58,14 @@ std::vector<TreeNode *> TreeNodes::Sorted(TreeNode const &parent) {
     return sorted;
 }
 
+TreeNode *TreeNodes::SortedPlace(TreeNode const &parent, std::string_view text) {
+    DString const key = FoldCase(text);
+    TreeNode *place = parent.LastChild();
+    while (place != nullptr && key < FoldCase(place->text))
+        place = place->previous;
+    return place;
+}
+
 bool TreeNodes::IsWithin(TreeNode const &node, TreeNode const &ancestor) {
     TreeNode const *at = &node;
     while (at != nullptr && at != &ancestor)
@@ -90,6 +98,29 @@ TreeNode *TreeNodes::PreviousShown(TreeNode const &node) const {
     while (at->IsExpanded() && at->LastChild() != nullptr)
         at = at->LastChild();
     return at;
+}
+
+TreeNode *TreeNodes::Neighbour(TreeNode const &node, unsigned code) const {
+    switch (code) {
+    case TVGN_NEXT:
+        return node.next;
+    case TVGN_PREVIOUS:
+        return node.previous;
+    case TVGN_PARENT:
+        return node.parent == &m_root ? nullptr : node.parent;
+    case TVGN_NEXTVISIBLE:
+        return NextShown(node);
+    case TVGN_PREVIOUSVISIBLE:
+        return PreviousShown(node);
+    default:
+        return nullptr;
+    }
+}
+
+TreeNode *TreeNodes::HeirOf(TreeNode const &node) const {
+    if (node.next != nullptr)
+        return node.next;
+    return node.previous != nullptr ? node.previous : Neighbour(node, TVGN_PARENT);
 }
 
 bool TreeNodes::IsShown(TreeNode const &node) const {

@@ -2,6 +2,8 @@
 
 #include "zelvar/views/core/TreeChildren.h"
 
+#include <string_view>
+
 namespace zelvar {
 
 /// All items of a tree view below an invisible root: making, deleting, order and walks. No operation calls itself, so
@@ -30,6 +32,9 @@ public:
     /// The children by their texts, letter case not regarded; equal ones keep their order.
     [[nodiscard]] static std::vector<TreeNode *> Sorted(TreeNode const &parent);
 
+    /// The child behind which `text` belongs among sorted ones, letter case not regarded; null before all of them.
+    [[nodiscard]] static TreeNode *SortedPlace(TreeNode const &parent, std::string_view text);
+
     /// True if `node` is `ancestor` or lies below it.
     [[nodiscard]] static bool IsWithin(TreeNode const &node, TreeNode const &ancestor);
     /// The next item depth first, children before siblings, that lies below `top`; null at the end.
@@ -38,6 +43,10 @@ public:
     // The order of what is shown, with what is collapsed left out.
     [[nodiscard]] TreeNode *NextShown(TreeNode const &node) const;
     [[nodiscard]] TreeNode *PreviousShown(TreeNode const &node) const;
+    /// What `TVGN_NEXT`, `_PREVIOUS`, `_PARENT`, `_NEXTVISIBLE` or `_PREVIOUSVISIBLE` leads to; null for other codes.
+    [[nodiscard]] TreeNode *Neighbour(TreeNode const &node, unsigned code) const;
+    /// Who is selected in its place when it goes: the next sibling, or else the previous one, or else its parent.
+    [[nodiscard]] TreeNode *HeirOf(TreeNode const &node) const;
     /// All items above it are expanded.
     [[nodiscard]] bool IsShown(TreeNode const &node) const;
 

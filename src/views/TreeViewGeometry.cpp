@@ -1,26 +1,25 @@
-// What stands where in a tree view, and what the mouse and the keyboard do there.
+// What stands where in a tree view, and what becomes of events there.
 #include "zelvar/platform/ui/ControlId.h"
 #include "zelvar/platform/ui/Convert.h"
 #include "zelvar/platform/ui/EscapeWatch.h"
 #include "zelvar/platform/ui/Text.h"
 #include "zelvar/platform/ui/VirtualKey.h"
-#include "zelvar/views/ReportPainter.h"
+#include "zelvar/views/TreeInput.h"
 #include "zelvar/views/TreeItemDelegate.h"
 #include "zelvar/views/TreeLabelEdit.h"
 #include "zelvar/views/TreeModel.h"
 #include "zelvar/views/TreeView.h"
+#include "zelvar/views/Typing.h"
 
 #include <QtGui/QContextMenuEvent>
 #include <QtGui/QHelpEvent>
 #include <QtGui/QKeyEvent>
 #include <QtGui/QMouseEvent>
-#include <QtWidgets/QApplication>
 #include <QtWidgets/QHeaderView>
 #include <QtWidgets/QToolTip>
 
 #include <algorithm>
-#include <cstdlib>
-#include <utility>
+#include <optional>
 
 namespace zelvar {
 
@@ -31,16 +30,6 @@ struct TreeView::Parts {
     QRect icon;   ///< empty without images
     QRect label;  ///< the text with a little margin
 };
-
-namespace {
-
-/// Text that a tree takes itself, so that no shortcut of the application gets it.
-bool IsTyping(QKeyEvent const &event) {
-    bool const command = (event.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) != 0;
-    return !command && !event.text().isEmpty() && event.text().at(0).isPrint();
-}
-
-} // namespace
 
 TreeView::Parts TreeView::PartsOf(TreeNode const &item) const {
     QModelIndex const index = m_model->IndexOf(&item);
@@ -129,64 +118,33 @@ std::unique_ptr<DragImage> TreeView::CreateDragImage(HTREEITEM item) {
     return std::make_unique<DragImage>(picture);
 }
 
-void TreeView::PressedOn(HTREEITEM item, Point point, unsigned button, unsigned flags) {
-    m_pressed = (flags & TVHT_ONITEM) != 0 ? item : nullptr;
-    m_pressedAt = point;
-    m_pressedButton = button;
-}
+// --- the mouse and the keyboard ---
 
-void TreeView::OnLButtonDown(unsigned /*flags*/, Point point) {
-    unsigned part = 0;
-    TreeNode *const item = HitTest(point, &part);
-    PressedOn(item, point, MK_LBUTTON, part);
-    m_editSoon = nullptr;
-    if ((part & TVHT_ONITEMBUTTON) != 0) {
-        Expand(item, TVE_TOGGLE);
-        return;
-    }
-    if (item == nullptr)
-        return;
-    if (item == m_selected && part == TVHT_ONITEMLABEL && hasFocus() && CanEditLabels())
-        m_editSoon = item;
-    SelectItem(item);
-}
+unsigned TreeView::MouseFlags() const { return m_input->Flags(); }
 
-void TreeView::OnLButtonUp(unsigned /*flags*/, Point /*point*/) {
-    m_pressed = nullptr;
-    if (m_editSoon != nullptr && m_editTimer == 0)
-        m_editTimer = startTimer(QApplication::doubleClickInterval());
-}
+void TreeView::OnLButtonDown(unsigned /*flags*/, Point point) { m_input->LeftDown(point); }
 
-void TreeView::OnRButtonDown(unsigned /*flags*/, Point point) {
-    unsigned part = 0;
-    TreeNode *const item = HitTest(point, &part);
-    PressedOn(item, point, MK_RBUTTON, part);
-}
+void TreeView::OnLButtonUp(unsigned /*flags*/, Point /*point*/) { m_input->LeftUp(); }
+
+void TreeView::OnRButtonDown(unsigned /*flags*/, Point point) { m_input->RightDown(point); }
 
 void TreeView::OnRButtonUp(unsigned /*flags*/, Point point) {
-    m_pressed = nullptr;
+    m_input->RightUp();
     TellRightClick(point);
 }
 
 void TreeView::OnMouseMove(unsigned flags, Point point) {
-    bool const held = (flags & m_pressedButton) != 0;
-    int const distance = std::abs(point.x - m_pressedAt.x) + std::abs(point.y - m_pressedAt.y);
-    if (m_pressed != nullptr && held && distance >= QApplication::startDragDistance())
-        StartDrag();
-}
-
-void TreeView::StartDrag() {
-    TreeNode *const item = std::exchange(m_pressed, nullptr);
-    m_editSoon = nullptr;
-    bool const left = m_pressedButton == MK_LBUTTON;
+    std::optional<TreeInput::Drag> const drag = m_input->Move(flags, point);
+    if (!drag)
+        return;
     NMTREEVIEW info{
-        .hdr = {this, platform::GetDlgCtrlID(*this), left ? TVN_BEGINDRAG : TVN_BEGINRDRAG},
-        .itemNew = {.mask = TVIF_HANDLE, .hItem = item, .lParam = static_cast<long long>(item->data)},
-        .ptDrag = m_pressedAt,
+        .hdr = {this, platform::GetDlgCtrlID(*this), drag->left ? TVN_BEGINDRAG : TVN_BEGINRDRAG},
+        .itemNew = {.mask = TVIF_HANDLE, .hItem = drag->item, .lParam = static_cast<long long>(drag->item->data)},
+        .ptDrag = drag->from,
     };
-    if (left && !OnBegindrag(info))
+    if (drag->left && !OnBegindrag(info))
         Q_EMIT BeginDrag(&info);
-    else if (!left && !OnBeginrdrag(info))
+    else if (!drag->left && !OnBeginrdrag(info))
         Q_EMIT BeginRightDrag(&info);
 }
 
@@ -195,31 +153,21 @@ void TreeView::TellRightClick(Point point) {
         Q_EMIT RightClick(point);
 }
 
-unsigned TreeView::NoteFlags(QMouseEvent const &event) {
-    m_mouseFlags = 0;
-    m_mouseFlags |= (event.buttons() & Qt::LeftButton) != 0 ? MK_LBUTTON : 0U;
-    m_mouseFlags |= (event.buttons() & Qt::RightButton) != 0 ? MK_RBUTTON : 0U;
-    m_mouseFlags |= (event.buttons() & Qt::MiddleButton) != 0 ? MK_MBUTTON : 0U;
-    m_mouseFlags |= (event.modifiers() & Qt::ShiftModifier) != 0 ? MK_SHIFT : 0U;
-    m_mouseFlags |= (event.modifiers() & Qt::ControlModifier) != 0 ? MK_CONTROL : 0U;
-    return m_mouseFlags;
-}
-
 void TreeView::mousePressEvent(QMouseEvent *event) {
     EndEditLabelNow(false);
     if (event->button() == Qt::LeftButton)
-        OnLButtonDown(NoteFlags(*event), platform::ToPoint(event->position()));
+        OnLButtonDown(m_input->NoteFlags(*event), platform::ToPoint(event->position()));
     else if (event->button() == Qt::RightButton)
-        OnRButtonDown(NoteFlags(*event), platform::ToPoint(event->position()));
+        OnRButtonDown(m_input->NoteFlags(*event), platform::ToPoint(event->position()));
     else
         event->ignore();
 }
 
 void TreeView::mouseReleaseEvent(QMouseEvent *event) {
     if (event->button() == Qt::LeftButton)
-        OnLButtonUp(NoteFlags(*event), platform::ToPoint(event->position()));
+        OnLButtonUp(m_input->NoteFlags(*event), platform::ToPoint(event->position()));
     else if (event->button() == Qt::RightButton)
-        OnRButtonUp(NoteFlags(*event), platform::ToPoint(event->position()));
+        OnRButtonUp(m_input->NoteFlags(*event), platform::ToPoint(event->position()));
     else
         event->ignore();
 }
@@ -233,7 +181,7 @@ void TreeView::mouseDoubleClickEvent(QMouseEvent *event) {
         mousePressEvent(event);
         return;
     }
-    m_editSoon = nullptr;
+    m_input->DoubleClick();
     QPointer<TreeView> const self(this);
     QPersistentModelIndex const index(m_model->IndexOf(item));
     long long result = 0;
@@ -244,7 +192,7 @@ void TreeView::mouseDoubleClickEvent(QMouseEvent *event) {
 }
 
 void TreeView::mouseMoveEvent(QMouseEvent *event) {
-    OnMouseMove(NoteFlags(*event), platform::ToPoint(event->position()));
+    OnMouseMove(m_input->NoteFlags(*event), platform::ToPoint(event->position()));
 }
 
 void TreeView::contextMenuEvent(QContextMenuEvent *event) {
@@ -265,89 +213,25 @@ void TreeView::TellMenuKey() {
                     std::clamp((label.top + label.bottom) / 2, 0, viewport()->height() - 1)});
 }
 
-bool TreeView::MoveByKey(QKeyEvent const &event) {
-    if (m_selected == nullptr)
-        return false;
-    bool const plain = (event.modifiers() & ~Qt::KeypadModifier) == 0;
-    bool const mirrored = isRightToLeft();
-    switch (event.key()) {
-    case Qt::Key_F2:
-        if (plain && CanEditLabels())
-            EditLabel(m_selected);
-        return true;
-    case Qt::Key_F10: // the key for menus comes as an event of its own, this one does not
-        if (event.modifiers() == Qt::ShiftModifier)
-            TellMenuKey();
-        return event.modifiers() == Qt::ShiftModifier;
-    case Qt::Key_Plus:
-        Expand(m_selected, TVE_EXPAND);
-        return true;
-    case Qt::Key_Minus:
-        Expand(m_selected, TVE_COLLAPSE);
-        return true;
-    case Qt::Key_Asterisk:
-        ExpandAll(m_selected);
-        return true;
-    case Qt::Key_Left:
-    case Qt::Key_Right:
-        if (!plain)
-            return false;
-        if ((event.key() == Qt::Key_Left) == mirrored) { // inwards
-            if (m_selected->IsExpanded() && m_selected->FirstChild() != nullptr)
-                SelectItem(m_selected->FirstChild());
-            else
-                Expand(m_selected, TVE_EXPAND);
-        } else if (m_selected->IsExpanded()) {
-            Expand(m_selected, TVE_COLLAPSE);
-        } else if (TreeNode *const parent = GetParentItem(m_selected)) {
-            SelectItem(parent);
-        }
-        return true;
-    default:
-        return false;
-    }
-}
-
-void TreeView::ExpandAll(HTREEITEM item) {
-    // What is put in on the way is expanded as well; it may take long, and may be much.
-    platform::EscapeWatch watch;
-    QPointer<TreeView> const self(this);
-    QPersistentModelIndex const top(m_model->IndexOf(item));
-    HTREEITEM next = item;
-    while (next != nullptr && !watch.IsPressed()) {
-        QPersistentModelIndex const index(m_model->IndexOf(next));
-        if (!next->IsExpanded())
-            Expand(next, TVE_EXPAND);
-        if (self.isNull() || !top.isValid() || !index.isValid())
-            return;
-        next = TreeNodes::NextWithin(*next, *item);
-    }
-}
-
 void TreeView::keyPressEvent(QKeyEvent *event) {
     QPointer<TreeView> const self(this);
     unsigned short const key = platform::VirtualKey(event->key());
     long long result = 0;
     if (!OnKeydown(key, &result) && !self.isNull())
         Q_EMIT KeyDown(key);
-    if (self.isNull() || (result != 0 && IsTyping(*event)))
+    if (self.isNull() || (result != 0 && TypesText(*event)))
         return;
-    if (!MoveByKey(*event) && !self.isNull())
+    if (!m_input->Key(*event) && !self.isNull())
         QTreeView::keyPressEvent(event);
 }
 
 void TreeView::timerEvent(QTimerEvent *event) {
-    if (event->timerId() != m_editTimer) {
+    if (!m_input->TimerFired(event->timerId()))
         QTreeView::timerEvent(event);
-        return;
-    }
-    killTimer(std::exchange(m_editTimer, 0));
-    if (TreeNode *const item = std::exchange(m_editSoon, nullptr); item != nullptr && item == m_selected)
-        EditLabel(item);
 }
 
 bool TreeView::event(QEvent *event) {
-    if (event->type() == QEvent::ShortcutOverride && IsTyping(*static_cast<QKeyEvent *>(event))) {
+    if (event->type() == QEvent::ShortcutOverride && TypesText(*static_cast<QKeyEvent *>(event))) {
         event->accept();
         return true;
     }
