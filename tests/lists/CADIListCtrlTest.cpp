@@ -1,14 +1,9 @@
 #include "zelvar/lists/CADIListCtrl.h"
 
-#include "support/GuiTest.h"
 #include "support/ReportStage.h"
 #include "support/TablesTest.h"
 #include "zelvar/data/RequestScope.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <chrono>
 #include <climits>
 #include <filesystem>
 #include <fstream>
@@ -62,6 +57,13 @@ private:
     bool m_hasFailed = false;
 };
 
+/// A list over such a table.
+struct CountedList : testing::Test {
+    CountedList() { list.AddAllColumns(); }
+    Fate fate;
+    CADIListCtrl list{new CountedTable(fate)};
+};
+
 Cells Column(CADIListCtrl &list, int col) {
     Cells cells;
     for (int row = 0; row < list.GetNumRow(); ++row)
@@ -97,26 +99,18 @@ TEST(CADIListCtrl, DerivedClassesChooseRowsAndColumnsAndSeeEachValue) {
     EXPECT_EQ(list.OnGetItemText(1, 1), "of the application");
 }
 
-TEST(CADIListCtrl, ReadsAsFarAsAskedAndDoublesItsEstimateUntilTheTableEnds) {
-    Fate fate{.rows = 100};
-    CADIListCtrl list(new CountedTable(fate));
-    list.AddAllColumns();
+TEST_F(CountedList, ReadsAsFarAsAskedAndDoublesItsEstimateUntilTheTableEnds) {
+    fate.rows = 100;
     EXPECT_EQ(fate.asks, 0);
     list.SetNumRow(10, 0);
-    struct Case {
-        int position, cached, rows;
-        char const *text;
-    };
-    for (Case const &c : {Case{0, 10, 20, "row 0"},
-                          {9, 10, 20, "row 9"},
-                          {10, 20, 40, "row 10"},
-                          {39, 40, 80, "row 39"}, // as far as the end of the list
-                          {70, 71, 142, "row 70"},
-                          {-1, 71, 142, ""}}) {
-        EXPECT_EQ(list.OnGetItemText(c.position, 2), c.text) << c.position;
-        EXPECT_EQ(list.GetCacheRows(), c.cached) << c.position;
-        EXPECT_EQ(list.GetNumRow(), c.rows) << c.position;
-        EXPECT_EQ(fate.lastAsked, c.cached - 1);
+    test::Rows<int, int, int, char const *> const cases = {
+        {0, 10, 20, "row 0"},   {9, 10, 20, "row 9"},    {10, 20, 40, "row 10"},
+        {39, 40, 80, "row 39"}, {70, 71, 142, "row 70"}, {-1, 71, 142, ""}}; // 39: as far as the end of the list
+    for (auto const &[position, cached, rows, text] : cases) {
+        EXPECT_EQ(list.OnGetItemText(position, 2), text) << position;
+        EXPECT_EQ(list.GetCacheRows(), cached) << position;
+        EXPECT_EQ(list.GetNumRow(), rows) << position;
+        EXPECT_EQ(fate.lastAsked, cached - 1);
     }
     EXPECT_EQ(list.OnGetItemText(120, 2), ""); // behind the end
     EXPECT_EQ(list.GetNumRow(), 100);
@@ -126,10 +120,8 @@ TEST(CADIListCtrl, ReadsAsFarAsAskedAndDoublesItsEstimateUntilTheTableEnds) {
     EXPECT_EQ(list.GetID(100), -1);
 }
 
-TEST(CADIListCtrl, ATableWithoutRowsLeavesAnEmptyList) {
-    Fate fate{.rows = 0};
-    CADIListCtrl list(new CountedTable(fate));
-    list.AddAllColumns();
+TEST_F(CountedList, WithoutRowsIsEmpty) {
+    fate.rows = 0;
     list.SetNumRow(5, 0);
     EXPECT_EQ(list.OnGetItemText(0, 0), "");
     EXPECT_EQ(list.GetNumRow(), 0);
@@ -141,10 +133,8 @@ TEST(CADIListCtrl, ATableWithoutRowsLeavesAnEmptyList) {
     EXPECT_EQ(none.GetNumCol(), 1);
 }
 
-TEST(CADIListCtrl, AClickOnAHeadingReadsAllSortsAndSelectsNothing) {
-    Fate fate{.rows = 12};
-    CADIListCtrl list(new CountedTable(fate));
-    list.AddAllColumns();
+TEST_F(CountedList, AClickOnAHeadingReadsAllSortsAndSelectsNothing) {
+    fate.rows = 12;
     list.SetNumRow(3, 0);
     test::Stage stage(list);
     stage.Click(1);
@@ -154,23 +144,19 @@ TEST(CADIListCtrl, AClickOnAHeadingReadsAllSortsAndSelectsNothing) {
     EXPECT_EQ(list.GetLastSort().GetCol(), 0) << "remembered all the same";
     list.EnblSort(true);
     list.GetLastSort() = {};
-    stage.ClickHeading(0);
-    EXPECT_TRUE(fate.isClosed);
-    EXPECT_EQ(list.OnGetItemText(0, 0), "11"); // the highest id on top
-    EXPECT_EQ(stage.Selected(), "");
-    stage.ClickHeading(0);
-    EXPECT_EQ(list.OnGetItemText(0, 0), "0");
-    stage.ClickHeading(2);
-    EXPECT_EQ(list.OnGetItemText(2, 2), "row 10"); // behind "row 1"
-    stage.ClickHeading(1);
-    EXPECT_EQ(list.OnGetItemText(0, 1), "11");
+    for (auto const &[heading, row, text] : test::Rows<int, int, char const *>{
+             {0, 0, "11"}, {0, 0, "0"}, {2, 2, "row 10"}, {1, 0, "11"}}) { // the highest id on top, "10" behind "1"
+        stage.ClickHeading(heading);
+        EXPECT_EQ(list.OnGetItemText(row, heading), text);
+        EXPECT_EQ(stage.Selected(), "");
+        EXPECT_TRUE(fate.isClosed);
+    }
     EXPECT_EQ(list.GetID(0), 11);
 }
 
-TEST(CADIListCtrl, AFailureIsNoEndAndIsTriedAgainAfterAWhile) {
-    Fate fate{.rows = 50, .failsAt = 30};
-    CADIListCtrl list(new CountedTable(fate));
-    list.AddAllColumns();
+TEST_F(CountedList, AFailureIsNoEndAndIsTriedAgainAfterAWhile) {
+    fate.rows = 50;
+    fate.failsAt = 30;
     list.SetNumRow(5, 0);
     list.Sort(1, true);
     EXPECT_FALSE(fate.isClosed);
@@ -190,10 +176,7 @@ TEST(CADIListCtrl, AFailureIsNoEndAndIsTriedAgainAfterAWhile) {
     EXPECT_EQ(list.OnGetItemText(30, 1), "30");
 }
 
-TEST(CADIListCtrl, EscapeStopsASortAndLeavesTheListAsItWas) {
-    Fate fate;
-    CADIListCtrl list(new CountedTable(fate));
-    list.AddAllColumns();
+TEST_F(CountedList, EscapeStopsASortAndLeavesTheListAsItWas) {
     list.SetNumRow(20, 0);
     test::Stage stage(list);
     stage.Click(1);
@@ -218,10 +201,7 @@ TEST(CADIListCtrl, EscapeStopsASortAndLeavesTheListAsItWas) {
     EXPECT_EQ(list.GetID(0), fate.rows - 1);
 }
 
-TEST(CADIListCtrl, PaintingWaitsForASlowTableOnceAndRowsFollow) {
-    Fate fate;
-    CADIListCtrl list(new CountedTable(fate));
-    list.AddAllColumns();
+TEST_F(CountedList, PaintingWaitsForASlowTableOnceAndRowsFollow) {
     list.SetNumRow(1000, 0);
     int stopped = 0;
     fate.duringStep = [&] {
@@ -239,10 +219,8 @@ TEST(CADIListCtrl, PaintingWaitsForASlowTableOnceAndRowsFollow) {
     EXPECT_EQ(list.OnGetItemText(10, 2), "row 10");
 }
 
-TEST(CADIListCtrl, ThePageIsThereWhereverTheThumbIsDraggedTo) {
-    Fate fate{.rows = 400'000};
-    CADIListCtrl list(new CountedTable(fate));
-    list.AddAllColumns();
+TEST_F(CountedList, ThePageIsThereWhereverTheThumbIsDraggedTo) {
+    fate.rows = 400'000;
     list.SetNumRow(1, 0);
     test::Stage stage(list);
     EXPECT_TRUE(test::Eventually([&] { return list.GetCacheRows() > 10; }));
@@ -272,15 +250,12 @@ protected:
 };
 
 TEST_F(CADIListFiles, ALargeFileShowsItsFirstPageAndIsReadOnAsNeeded) {
-    DString text = "\xEF\xBB\xBF"
-                   "id,\"\xC3\xA4\n\n\"\n";
+    DString text = "\xEF\xBB\xBFid,\"\u00E4\n\n\"\n";
     for (int row = 0; row < 20'000; ++row)
-        text += std::to_string(row) + ",\"line\r\none\t\xFF"
-                                      "two\"\n";
+        text += std::to_string(row) + ",\"line\r\none\t\xFF two\"\n";
     auto const list = ListOf(m_folder.Write("a.csv", text));
     EXPECT_EQ(list->GetColCaption(2), "\xC3\xA4  "); // in one line
-    EXPECT_EQ(list->OnGetItemText(19, 2), "line\r\none\t\xEF\xBF\xBD"
-                                          "two");
+    EXPECT_EQ(list->OnGetItemText(19, 2), "line\r\none\t\uFFFD two");
     EXPECT_EQ(list->GetCacheRows(), 20);
     EXPECT_EQ(list->OnGetItemText(15'000, 1), "15000");
     EXPECT_FALSE(list->IsReadThrough());

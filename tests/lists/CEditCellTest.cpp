@@ -1,17 +1,11 @@
 #include "zelvar/lists/CEditCell.h"
 
-#include "support/GuiTest.h"
 #include "support/ReportStage.h"
 #include "zelvar/lists/CListCtrlFlex.h"
 #include "zelvar/platform/ui/ControlId.h"
 #include "zelvar/views/ReportPainter.h"
 
-#include <QtWidgets/QLineEdit>
 #include <QtWidgets/QVBoxLayout>
-
-#include <gtest/gtest.h>
-
-#include <functional>
 
 namespace zelvar {
 namespace {
@@ -78,7 +72,7 @@ TEST_F(Editing, EveryKeyMovesAsTold) {
     int const page = list->GetCountPerPage();
     list->SetColumnWidth(0, 300); // the third column is out of sight
     auto const at = [](int row, int col) { return std::to_string(row) + "," + std::to_string(col); };
-    std::tuple<char const *, int, int, Qt::Key, Qt::KeyboardModifiers, std::string> const cases[] = {
+    test::Rows<char const *, int, int, Qt::Key, Qt::KeyboardModifiers, std::string> const cases = {
         {"Up", 5, 1, Qt::Key_Up, {}, "4,1"},
         {"Up on the first row", 0, 1, Qt::Key_Up, {}, "0,1"},
         {"Down", 5, 1, Qt::Key_Down, {}, "6,1"},
@@ -100,19 +94,15 @@ TEST_F(Editing, EveryKeyMovesAsTold) {
         {"Shift+Tab from the first column, third of the row before", 5, 0, Qt::Key_Backtab, Qt::ShiftModifier, "4,2"},
         {"Shift+Tab at the very start", 0, 0, Qt::Key_Tab, Qt::ShiftModifier, "0,0"},
         {"Return ends", 5, 1, Qt::Key_Return, {}, "none"},
-        {"Escape ends", 5, 1, Qt::Key_Escape, {}, "none"},
-    };
+        {"Escape ends", 5, 1, Qt::Key_Escape, {}, "none"}};
     for (auto const &[name, row, col, key, modifiers, expected] : cases) {
         SCOPED_TRACE(name);
         Open(row, col);
         QTest::keyClick(Cell(), key, modifiers);
         EXPECT_EQ(Where(), expected);
-        if (CEditCell *const cell = Cell()) {
-            EXPECT_TRUE(cell->hasFocus());
-            EXPECT_TRUE(list->viewport()->rect().contains(cell->geometry().center())) << "a cell that nobody sees";
-        } else {
-            EXPECT_TRUE(list->hasFocus());
-        }
+        CEditCell const *const cell = Cell();
+        EXPECT_TRUE(cell != nullptr ? cell->hasFocus() : list->hasFocus());
+        EXPECT_TRUE(cell == nullptr || list->viewport()->rect().contains(cell->geometry().center())) << "out of sight";
         EXPECT_EQ(list->GetFocusRow(), -1) << "the list behind it has moved";
         list->setFocus();
         EXPECT_EQ(Where(), "none");
@@ -133,8 +123,7 @@ TEST_F(Editing, AnOpenEditGoesWithItsCellAndEndsWithIt) {
          "5,2"},
         {"its column goes", [&] { list->DeleteColumn(1); }, "none"},
         {"its row goes", [&] { list->DeleteItem(5); }, "none"},
-        {"all rows go", [&] { list->DeleteAllItems(); }, "none"},
-    };
+        {"all rows go", [&] { list->DeleteAllItems(); }, "none"}};
     for (auto const &[name, change, where] : cases) {
         SCOPED_TRACE(name);
         Open(5, 1);
@@ -190,20 +179,17 @@ TEST_F(Editing, ADoubleClickOpensAnEditableCellAndSelectsTheRowOfAnother) {
     }
 }
 
-TEST_F(Editing, AVetoKeepsTheCellShut) {
+TEST_F(Editing, AVetoKeepsTheCellShutAndReadOnlyColumnsAreSkippedOnlyWhereWanted) {
     veto = true;
     list->OnEdit(1, 1, false);
     EXPECT_EQ(Where(), "none");
     EXPECT_EQ(told, "begin 1,1 from 8 to 7");
-}
-
-TEST_F(Editing, ReadOnlyColumnsAreSkippedOnlyWhereWanted) {
-    list->OnEdit(1, 0, true);
-    EXPECT_EQ(Where(), "1,1");
-    list->OnEdit(1, 0, false);
-    EXPECT_EQ(Where(), "1,0");
-    list->OnEdit(kRows, 1, true);
-    EXPECT_EQ(Where(), "1,0");
+    veto = false;
+    for (auto const &[row, col, skips, where] :
+         test::Rows<int, int, bool, char const *>{{1, 0, true, "1,1"}, {1, 0, false, "1,0"}, {kRows, 1, true, "1,0"}}) {
+        list->OnEdit(row, col, skips);
+        EXPECT_EQ(Where(), where);
+    }
 }
 
 TEST_F(Editing, TheEditGrowsWithItsTextToTheEdgeOfTheListAndNeverShrinks) {
@@ -227,14 +213,12 @@ TEST_F(Editing, TheEditGrowsWithItsTextToTheEdgeOfTheListAndNeverShrinks) {
 
 TEST_F(Editing, ThePointerTellsOfAnOpenEdit) {
     Open(5, 1);
-    auto const shapeAt = [&](QPoint at) {
-        QTest::mouseMove(list->viewport(), at + QPoint(1, 1));
-        QTest::mouseMove(list->viewport(), at);
-        return list->viewport()->cursor().shape();
-    };
-    EXPECT_EQ(shapeAt(QPoint(20, 100)), Qt::IBeamCursor);
-    list->setFocus();
-    EXPECT_EQ(shapeAt(QPoint(20, 100)), Qt::ArrowCursor);
+    for (Qt::CursorShape const shape : {Qt::IBeamCursor, Qt::ArrowCursor}) {
+        QTest::mouseMove(list->viewport(), {21, 101});
+        QTest::mouseMove(list->viewport(), {20, 100});
+        EXPECT_EQ(list->viewport()->cursor().shape(), shape);
+        list->setFocus();
+    }
 }
 
 TEST_F(Editing, AListMayDieWithAnOpenEdit) {

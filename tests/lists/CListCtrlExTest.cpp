@@ -1,6 +1,6 @@
 #include "zelvar/lists/CListCtrlEx.h"
 
-#include <gtest/gtest.h>
+#include "support/Test.h"
 
 namespace zelvar {
 namespace {
@@ -8,18 +8,16 @@ namespace {
 TEST(CListCtrlEx, ColumnsAreAsWideAsTheirCaptionsAndShowWhatTheMaskSays) {
     CListCtrlEx list;
     int const margin = 15;
-    struct Case {
-        int item, subItem, mask, at, shown;
-    };
     constexpr int all = LVCF_FMT | LVCF_WIDTH | LVCF_TEXT | LVCF_SUBITEM;
-    for (Case const &c : {Case{0, -1, all, 0, 0}, {1, 2, all, 1, 2}, {2, 1, all & ~LVCF_SUBITEM, 2, 2}}) {
-        EXPECT_EQ(list.AddColumn("Sample", c.item, c.subItem, c.mask, LVCFMT_RIGHT), c.at);
+    for (auto const &[at, subItem, mask, shown] :
+         test::Rows<int, int, int, int>{{0, -1, all, 0}, {1, 2, all, 2}, {2, 1, all & ~LVCF_SUBITEM, 2}}) {
+        EXPECT_EQ(list.AddColumn("Sample", at, subItem, mask, LVCFMT_RIGHT), at);
         ReportColumn column;
-        ASSERT_TRUE(list.GetColumn(c.at, column));
+        ASSERT_TRUE(list.GetColumn(at, column));
         EXPECT_EQ(column.caption, "Sample");
         EXPECT_EQ(column.format, LVCFMT_RIGHT);
         EXPECT_EQ(column.width, list.fontMetrics().horizontalAdvance("Sample") + margin);
-        EXPECT_EQ(column.subItem, c.shown);
+        EXPECT_EQ(column.subItem, shown);
     }
     EXPECT_EQ(list.AddColumn("no text", 3, -1, LVCF_WIDTH), 3);
     ReportColumn column;

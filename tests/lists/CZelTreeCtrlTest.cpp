@@ -1,6 +1,5 @@
 #include "zelvar/lists/CZelTreeCtrl.h"
 
-#include "support/TestFiles.h"
 #include "support/TreeStage.h"
 #include "zelvar/lists/CTreeCtrlItr.h"
 #include "zelvar/lists/CZelTreeCtrlEx.h"
@@ -11,11 +10,8 @@
 #include <QtGui/QAction>
 #include <QtGui/QContextMenuEvent>
 #include <QtWidgets/QDialog>
-#include <QtWidgets/QLineEdit>
-#include <QtWidgets/QScrollBar>
 
 #include <filesystem>
-#include <utility>
 
 namespace zelvar {
 namespace {
@@ -32,6 +28,7 @@ public:
     bool handle = false;      ///< what the hooks return
     long long editResult = 0; ///< of the hooks of label edits
     bool handleKeys = false;
+    bool swallowButton = false;
 
 protected:
     void OnDragEnd(HTREEITEM item, HTREEITEM target) override {
@@ -73,9 +70,6 @@ protected:
         return swallowButton;
     }
 
-public:
-    bool swallowButton = false;
-
 private:
     void Tell(std::string const &what) { m_told += (m_told.empty() ? "" : ", ") + what; }
     std::string m_told;
@@ -92,11 +86,6 @@ protected:
         return edit;
     }
     CZelTreeCtrlTest() {
-        a = tree.AddItem("a", 1, TVI_ROOT, TVI_LAST);
-        a1 = tree.AddItem("a1", 11, a, TVI_LAST);
-        a2 = tree.AddItem("a2", 12, a, TVI_LAST);
-        b = tree.AddItem("b", 2, TVI_ROOT, TVI_LAST);
-        c = tree.AddItem("c", 3, TVI_ROOT, TVI_LAST);
         tree.Expand(a, TVE_EXPAND);
         tree.EnableLeftDrag(true);
     }
@@ -106,11 +95,22 @@ protected:
         stage.Move(stage.On(from) + QPoint(QApplication::startDragDistance(), 0), button);
         stage.Move(stage.On(to), button);
     }
+    /// Lets go; what is told of that.
+    std::string Drop(QPoint at, Qt::MouseButton button = Qt::LeftButton) {
+        tree.Take();
+        stage.Release(at, button);
+        return tree.Take();
+    }
     [[nodiscard]] QWidget *Overlay() {
-        for (QObject *const child : tree.viewport()->children())
-            if (auto *const widget = qobject_cast<QWidget *>(child); widget != nullptr && widget->isVisible())
+        for (auto *const widget : tree.viewport()->findChildren<QWidget *>(Qt::FindDirectChildrenOnly))
+            if (widget->isVisible())
                 return widget;
         return nullptr;
+    }
+    [[nodiscard]] std::pair<int, int> Images(HTREEITEM item) {
+        std::pair<int, int> images{-2, -2};
+        tree.GetItemImage(item, images.first, images.second);
+        return images;
     }
     void ExpectNoDrag() {
         EXPECT_FALSE(tree.IsInDragMode());
@@ -123,11 +123,11 @@ protected:
 
     TellingTree tree;
     TreeStage stage{tree};
-    HTREEITEM a = nullptr;
-    HTREEITEM a1 = nullptr;
-    HTREEITEM a2 = nullptr;
-    HTREEITEM b = nullptr;
-    HTREEITEM c = nullptr;
+    HTREEITEM a = tree.AddItem("a", 1, TVI_ROOT, TVI_LAST);
+    HTREEITEM a1 = tree.AddItem("a1", 11, a, TVI_LAST);
+    HTREEITEM a2 = tree.AddItem("a2", 12, a, TVI_LAST);
+    HTREEITEM b = tree.AddItem("b", 2, TVI_ROOT, TVI_LAST);
+    HTREEITEM c = tree.AddItem("c", 3, TVI_ROOT, TVI_LAST);
 };
 
 TEST_F(CZelTreeCtrlTest, TheIteratorStaysInItsSubtree) {
@@ -173,29 +173,22 @@ TEST_F(CZelTreeCtrlTest, ADragMarksItsTargetAndEndsWithTheButtonThatBeganIt) {
     ASSERT_NE(Overlay(), nullptr);
     EXPECT_EQ(Overlay()->pos(), stage.On(b)); // the pointer holds its corner
     test::Shot(tree, "tree-control-drag");
-    tree.Take();
     stage.Release(stage.On(b), Qt::RightButton);
     EXPECT_TRUE(tree.IsLeftDrag());
-    tree.Take();
-    stage.Release(stage.On(b));
-    EXPECT_EQ(tree.Take(), "drop a1 on b");
+    EXPECT_EQ(Drop(stage.On(b)), "drop a1 on b");
     ExpectNoDrag();
 }
 
 TEST_F(CZelTreeCtrlTest, ARightDragEndsWithoutAMenuAndIsOffUnlessItIsOn) {
     Drag(a1, b, Qt::RightButton);
     EXPECT_FALSE(tree.IsInDragMode());
-    tree.Take();
-    stage.Release(stage.On(b), Qt::RightButton);
-    EXPECT_EQ(tree.Take(), "menu b");
+    EXPECT_EQ(Drop(stage.On(b), Qt::RightButton), "menu b");
     tree.EnableRghtDrag(true);
     Drag(a1, c, Qt::RightButton);
     EXPECT_TRUE(tree.IsRghtDrag());
     stage.Release(stage.On(c), Qt::LeftButton);
     EXPECT_TRUE(tree.IsRghtDrag());
-    tree.Take();
-    stage.Release(stage.On(c), Qt::RightButton);
-    EXPECT_EQ(tree.Take(), "drop a1 on c");
+    EXPECT_EQ(Drop(stage.On(c), Qt::RightButton), "drop a1 on c");
     ExpectNoDrag();
 }
 
@@ -203,14 +196,10 @@ TEST_F(CZelTreeCtrlTest, ADropOnItselfDoesNothingBesideTheItemsItHasNoTargetAndI
     Drag(a1, a1);
     EXPECT_TRUE(tree.IsInDragMode());
     EXPECT_EQ(tree.GetDropHilightItem(), nullptr);
-    tree.Take();
-    stage.Release(stage.On(a1));
-    EXPECT_EQ(tree.Take(), "");
+    EXPECT_EQ(Drop(stage.On(a1)), "");
     ExpectNoDrag();
     Drag(a1, b);
-    tree.Take();
-    stage.Release(QPoint(20, tree.viewport()->height() - 2));
-    EXPECT_EQ(tree.Take(), "drop a1 on -");
+    EXPECT_EQ(Drop(QPoint(20, tree.viewport()->height() - 2)), "drop a1 on -");
     ExpectNoDrag();
     tree.onDragEnd = [this] {
         tree.AddItem(a1->text, a1->data, b, TVI_LAST);
@@ -223,8 +212,7 @@ TEST_F(CZelTreeCtrlTest, ADropOnItselfDoesNothingBesideTheItemsItHasNoTargetAndI
 }
 
 TEST_F(CZelTreeCtrlTest, ADragThatLosesItsGroundLeavesNothingBehind) {
-    QWidget second;
-    std::tuple<char const *, std::function<void()>> const cases[] = {
+    test::Rows<char const *, std::function<void()>> const cases = {
         {"Escape", [this] { stage.Key(Qt::Key_Escape); }},
         {"the release was never heard", [this] { stage.Move(stage.On(b), Qt::NoButton); }},
         {"hidden", [this] { tree.hide(); }},
@@ -237,8 +225,7 @@ TEST_F(CZelTreeCtrlTest, ADragThatLosesItsGroundLeavesNothingBehind) {
              QApplication::processEvents();
          }},
         {"its item deleted", [this] { tree.DeleteItem(a1); }},
-        {"all deleted", [this] { tree.DeleteAllItems(); }},
-    };
+        {"all deleted", [this] { tree.DeleteAllItems(); }}};
     for (auto const &[name, end] : cases) {
         SCOPED_TRACE(name);
         tree.show();
@@ -251,7 +238,6 @@ TEST_F(CZelTreeCtrlTest, ADragThatLosesItsGroundLeavesNothingBehind) {
         tree.Take();
         end();
         ExpectNoDrag();
-        EXPECT_EQ(tree.Take().find("drop"), std::string::npos);
         if (tree.GetCount() > 0)
             stage.Release(QPoint(30, 30));
         EXPECT_EQ(tree.Take().find("drop"), std::string::npos);
@@ -281,22 +267,17 @@ TEST(CZelTreeCtrl, ADragBeyondTheEdgesScrolls) {
     tree.EnableLeftDrag(true);
     stage.Press(stage.On(parent));
     stage.Move(stage.On(parent) + QPoint(30, 0), Qt::LeftButton);
-    int const height = tree.viewport()->height();
-    stage.Move(QPoint(20, height - 1), Qt::LeftButton);
-    EXPECT_EQ(tree.GetFirstVisibleItem(), parent); // still inside
-    for (std::uint64_t step = 1; step < 4; ++step) {
-        stage.Move(QPoint(20, height), Qt::LeftButton);
-        EXPECT_EQ(tree.GetItemData(tree.GetFirstVisibleItem()), step);
-    }
-    stage.Move(QPoint(20, 0), Qt::LeftButton);
-    EXPECT_EQ(tree.GetItemData(tree.GetFirstVisibleItem()), 3U);
-    for (std::uint64_t left : {2U, 1U, 0U, 0U}) { // the first of the siblings, then their parent
-        stage.Move(QPoint(20, -1), Qt::LeftButton);
-        EXPECT_EQ(tree.GetItemData(tree.GetFirstVisibleItem()), left);
+    int const below = tree.viewport()->height();
+    // The pointer's place and what stands first then: inside nothing moves; the first of the siblings, then their
+    // parent.
+    for (auto const &[y, first] : test::Rows<int, std::uint64_t>{
+             {below - 1, 0}, {below, 1}, {below, 2}, {below, 3}, {0, 3}, {-1, 2}, {-1, 1}, {-1, 0}, {-1, 0}}) {
+        stage.Move(QPoint(20, y), Qt::LeftButton);
+        EXPECT_EQ(tree.GetItemData(tree.GetFirstVisibleItem()), first);
     }
     tree.verticalScrollBar()->setValue(tree.verticalScrollBar()->maximum());
     TreeNode *const last = tree.GetFirstVisibleItem();
-    stage.Move(QPoint(20, height), Qt::LeftButton);
+    stage.Move(QPoint(20, below), Qt::LeftButton);
     EXPECT_EQ(tree.GetFirstVisibleItem(), last);
 }
 
@@ -364,8 +345,7 @@ TEST(CZelTreeCtrl, AnEditGivesTheHorizontalScrollPositionBack) {
     TellingTree tree;
     TreeStage const stage(tree, 120, 100);
     tree.EnableEdit(true);
-    TreeNode *const item =
-        tree.AddItem("a label that is much wider than the window it stands in", 0, TVI_ROOT, TVI_LAST);
+    TreeNode *const item = tree.AddItem("a label that is much wider than its window", 0, TVI_ROOT, TVI_LAST);
     ASSERT_TRUE(test::Eventually([&] { return tree.horizontalScrollBar()->maximum() > 100; }));
     tree.MoveScroll(SB_HORZ, 60);
     QLineEdit *const edit = tree.EditLabel(item);
@@ -393,21 +373,15 @@ TEST_F(CZelTreeCtrlTest, ShortcutsDoNotTakeTheKeysOfAnEdit) {
 TEST_F(CZelTreeCtrlTest, ImagesAreDrawnIntoTheOwnedList) {
     tree.DrawCircle(b, 0, 0, false); // without a list nothing happens
     EXPECT_TRUE(tree.DrawIcon(b, 1, "/no/such/file.png"));
-    int image = 0;
-    int selected = 0;
-    tree.GetItemImage(b, image, selected);
-    EXPECT_EQ(image, -1);
+    EXPECT_EQ(Images(b).first, -1);
 
     tree.InitImages();
-    TreeNode *const d = tree.AddItem("d", 4, TVI_ROOT, TVI_LAST);
-    tree.GetItemImage(d, image, selected);
-    EXPECT_EQ(image, 0); // the default image
+    EXPECT_EQ(Images(tree.AddItem("d", 4, TVI_ROOT, TVI_LAST)).first, 0) << "the default image";
     tree.DrawCircleSmall(a1, Rgb(255, 0, 0), 0);
     tree.DrawRect(a2, Rgb(0, 255, 0), Rgb(0, 0, 255));
     tree.DrawCircle(b, Rgb(0, 0, 255), 0, false);
     tree.DrawCircle(c, Rgb(0, 0, 255), Rgb(255, 0, 0), true);
-    tree.GetItemImage(a2, image, selected);
-    EXPECT_EQ(image, selected);
+    EXPECT_EQ(Images(a2).first, Images(a2).second);
     test::TempFolder const folder;
     for (DString const &file : {DString("/no/such/file.png"), folder.Path(), folder.Write("text.png", "no picture")})
         EXPECT_FALSE(tree.DrawIcon(a, 1, file.c_str())) << file;
@@ -425,13 +399,14 @@ TEST_F(CZelTreeCtrlTest, ImagesAreDrawnIntoTheOwnedList) {
         }
         return ColorRef{1};
     };
-    EXPECT_EQ(color(a2, 2, 2), Rgb(0, 0, 255));
-    EXPECT_EQ(color(a2, 13, 13), Rgb(0, 0, 255));
-    EXPECT_EQ(color(a2, 3, 3), Rgb(0, 255, 0));
-    EXPECT_EQ(color(a2, 14, 14), color(a2, 1, 1)); // outside
-    EXPECT_EQ(color(a1, 8, 8), Rgb(255, 0, 0));
-    EXPECT_EQ(color(b, 8, 8), Rgb(0, 0, 255));
-    EXPECT_EQ(color(c, 8, 8), Rgb(255, 0, 0));
+    for (auto const &[item, at, expected] : test::Rows<HTREEITEM, int, ColorRef>{{a2, 2, Rgb(0, 0, 255)},
+                                                                                 {a2, 13, Rgb(0, 0, 255)},
+                                                                                 {a2, 3, Rgb(0, 255, 0)},
+                                                                                 {a2, 14, color(a2, 1, 1)}, // outside
+                                                                                 {a1, 8, Rgb(255, 0, 0)},
+                                                                                 {b, 8, Rgb(0, 0, 255)},
+                                                                                 {c, 8, Rgb(255, 0, 0)}})
+        EXPECT_EQ(color(item, at, at), expected) << item->text << at;
 
     tree.ClearImages();
     EXPECT_EQ(tree.GetImageList(TVSIL_NORMAL), nullptr);
@@ -448,10 +423,7 @@ TEST_F(CZelTreeCtrlTest, APluginsIconIsFoundWhereItIsOrAmongThePlugins) {
     tree.InitImages();
     auto const drawn = [&](char const *file) {
         bool const found = tree.DrawPluginIcon(b, 0, file);
-        int image = -1;
-        int selected = -1;
-        tree.GetItemImage(b, image, selected);
-        return found ? tree.GetZelImageList().GetHandle()->Get(image).name : "none";
+        return found ? tree.GetZelImageList().GetHandle()->Get(Images(b).first).name : "none";
     };
     EXPECT_EQ(drawn("here.png"), "here.png");
     EXPECT_EQ(drawn("there.png"), folder.Path() + "/install/bin/plugins/there.png");
