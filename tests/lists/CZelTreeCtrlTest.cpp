@@ -13,10 +13,8 @@
 
 #include <filesystem>
 
-namespace zelvar {
+namespace zelvar::test {
 namespace {
-
-using test::TreeStage;
 
 /// A tree control that writes down what its hooks are told.
 class TellingTree : public CZelTreeCtrl {
@@ -172,7 +170,7 @@ TEST_F(CZelTreeCtrlTest, ADragMarksItsTargetAndEndsWithTheButtonThatBeganIt) {
     EXPECT_EQ(QApplication::overrideCursor()->shape(), Qt::BlankCursor);
     ASSERT_NE(Overlay(), nullptr);
     EXPECT_EQ(Overlay()->pos(), stage.On(b)); // the pointer holds its corner
-    test::Shot(tree, "tree-control-drag");
+    Shot(tree, "tree-control-drag");
     stage.Release(stage.On(b), Qt::RightButton);
     EXPECT_TRUE(tree.IsLeftDrag());
     EXPECT_EQ(Drop(stage.On(b)), "drop a1 on b");
@@ -212,7 +210,7 @@ TEST_F(CZelTreeCtrlTest, ADropOnItselfDoesNothingBesideTheItemsItHasNoTargetAndI
 }
 
 TEST_F(CZelTreeCtrlTest, ADragThatLosesItsGroundLeavesNothingBehind) {
-    test::Rows<char const *, std::function<void()>> const cases = {
+    Rows<char const *, std::function<void()>> const cases = {
         {"Escape", [this] { stage.Key(Qt::Key_Escape); }},
         {"the release was never heard", [this] { stage.Move(stage.On(b), Qt::NoButton); }},
         {"hidden", [this] { tree.hide(); }},
@@ -270,7 +268,7 @@ TEST(CZelTreeCtrl, ADragBeyondTheEdgesScrolls) {
     int const below = tree.viewport()->height();
     // The pointer's place and what stands first then: inside nothing moves; the first of the siblings, then their
     // parent.
-    for (auto const &[y, first] : test::Rows<int, std::uint64_t>{
+    for (auto const &[y, first] : Rows<int, std::uint64_t>{
              {below - 1, 0}, {below, 1}, {below, 2}, {below, 3}, {0, 3}, {-1, 2}, {-1, 1}, {-1, 0}, {-1, 0}}) {
         stage.Move(QPoint(20, y), Qt::LeftButton);
         EXPECT_EQ(tree.GetItemData(tree.GetFirstVisibleItem()), first);
@@ -346,7 +344,7 @@ TEST(CZelTreeCtrl, AnEditGivesTheHorizontalScrollPositionBack) {
     TreeStage const stage(tree, 120, 100);
     tree.EnableEdit(true);
     TreeNode *const item = tree.AddItem("a label that is much wider than its window", 0, TVI_ROOT, TVI_LAST);
-    ASSERT_TRUE(test::Eventually([&] { return tree.horizontalScrollBar()->maximum() > 100; }));
+    ASSERT_TRUE(Eventually([&] { return tree.horizontalScrollBar()->maximum() > 100; }));
     tree.MoveScroll(SB_HORZ, 60);
     QLineEdit *const edit = tree.EditLabel(item);
     ASSERT_NE(edit, nullptr);
@@ -382,12 +380,12 @@ TEST_F(CZelTreeCtrlTest, ImagesAreDrawnIntoTheOwnedList) {
     tree.DrawCircle(b, Rgb(0, 0, 255), 0, false);
     tree.DrawCircle(c, Rgb(0, 0, 255), Rgb(255, 0, 0), true);
     EXPECT_EQ(Images(a2).first, Images(a2).second);
-    test::TempFolder const folder;
+    TempFolder const folder;
     for (DString const &file : {DString("/no/such/file.png"), folder.Path(), folder.Write("text.png", "no picture")})
         EXPECT_FALSE(tree.DrawIcon(a, 1, file.c_str())) << file;
     CZelImageList::RegisterIcon(77, "folder", "folder");
     EXPECT_TRUE(tree.DrawIcon(a, 77, nullptr));
-    test::Shot(tree, "tree-control-images");
+    Shot(tree, "tree-control-images");
 
     auto const color = [&](HTREEITEM item, int x, int y) {
         QRect const label = platform::ToQRect(stage.Label(item));
@@ -395,17 +393,17 @@ TEST_F(CZelTreeCtrlTest, ImagesAreDrawnIntoTheOwnedList) {
             unsigned flags = 0;
             if (tree.HitTest({left, label.center().y()}, &flags) == item && flags == TVHT_ONITEMICON)
                 return platform::ToColorRef(
-                    test::ColorAt(*tree.viewport(), QPoint(left + x, label.top() + (label.height() - 16) / 2 + y)));
+                    ColorAt(*tree.viewport(), QPoint(left + x, label.top() + (label.height() - 16) / 2 + y)));
         }
         return ColorRef{1};
     };
-    for (auto const &[item, at, expected] : test::Rows<HTREEITEM, int, ColorRef>{{a2, 2, Rgb(0, 0, 255)},
-                                                                                 {a2, 13, Rgb(0, 0, 255)},
-                                                                                 {a2, 3, Rgb(0, 255, 0)},
-                                                                                 {a2, 14, color(a2, 1, 1)}, // outside
-                                                                                 {a1, 8, Rgb(255, 0, 0)},
-                                                                                 {b, 8, Rgb(0, 0, 255)},
-                                                                                 {c, 8, Rgb(255, 0, 0)}})
+    for (auto const &[item, at, expected] : Rows<HTREEITEM, int, ColorRef>{{a2, 2, Rgb(0, 0, 255)},
+                                                                           {a2, 13, Rgb(0, 0, 255)},
+                                                                           {a2, 3, Rgb(0, 255, 0)},
+                                                                           {a2, 14, color(a2, 1, 1)}, // outside
+                                                                           {a1, 8, Rgb(255, 0, 0)},
+                                                                           {b, 8, Rgb(0, 0, 255)},
+                                                                           {c, 8, Rgb(255, 0, 0)}})
         EXPECT_EQ(color(item, at, at), expected) << item->text << at;
 
     tree.ClearImages();
@@ -414,7 +412,7 @@ TEST_F(CZelTreeCtrlTest, ImagesAreDrawnIntoTheOwnedList) {
 }
 
 TEST_F(CZelTreeCtrlTest, APluginsIconIsFoundWhereItIsOrAmongThePlugins) {
-    test::TempFolder const folder;
+    TempFolder const folder;
     folder.Write("install/bin/plugins/there.png", "P1 1 1 1\n");
     folder.Write("here.png", "P1 1 1 1\n");
     setenv("ZELVAR_INSTALL_DIR", (folder.Path() + "/install").c_str(), 1);
@@ -477,4 +475,4 @@ TEST(CZelTreeCtrlEx, CursorsAreChained) {
 }
 
 } // namespace
-} // namespace zelvar
+} // namespace zelvar::test
