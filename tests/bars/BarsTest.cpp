@@ -24,11 +24,7 @@ namespace {
 TEST(BringOntoScreen, LeavesWhatCanBeSeenAndFetchesTheRest) {
     std::vector<Rect> const screens{{0, 0, 800, 600}, {800, 0, 1600, 600}};
     constexpr int kHuge = 2'000'000'000;
-    struct Case {
-        Rect rect;
-        Rect placed;
-    };
-    Case const cases[] = {
+    test::Rows<Rect, Rect> const cases = {
         {{100, 100, 300, 200}, {100, 100, 300, 200}},
         {{760, 100, 960, 200}, {760, 100, 960, 200}}, // over the edge between two screens
         {{-160, 10, 40, 110}, {-160, 10, 40, 110}},   // just enough of its caption
@@ -38,12 +34,11 @@ TEST(BringOntoScreen, LeavesWhatCanBeSeenAndFetchesTheRest) {
         {{100, -1, 300, 99}, {100, 0, 300, 100}}, // a caption above the edge cannot be taken hold of
         {{5000, 5000, 5200, 5100}, {1400, 500, 1600, 600}},
         {{-kHuge, -kHuge, kHuge, kHuge}, {0, 0, 800, 600}},
-        {{kHuge, kHuge, -kHuge, -kHuge}, {1560, 560, 1600, 600}},
-    };
-    for (Case const &one : cases) {
-        Rect const placed = BringOntoScreen(one.rect, screens);
-        EXPECT_TRUE(placed == one.placed) << one.rect.left << ", " << one.rect.top << " comes to " << placed.left
-                                          << ", " << placed.top << ", " << placed.right << ", " << placed.bottom;
+        {{kHuge, kHuge, -kHuge, -kHuge}, {1560, 560, 1600, 600}}};
+    for (auto const &[rect, expected] : cases) {
+        Rect const placed = BringOntoScreen(rect, screens);
+        EXPECT_TRUE(placed == expected) << rect.left << ", " << rect.top << " comes to " << placed.left << ", "
+                                        << placed.top << ", " << placed.right << ", " << placed.bottom;
     }
     EXPECT_EQ(BringOntoScreen({1, 2, 101, 102}, {}).left, 1);
 }

@@ -26,8 +26,7 @@ TEST(ButtonContent, StandsWhereItIsToldAndMirroredWhereOneReadsFromTheRight) {
              {Side::Before, Align::Center, Qt::LeftToRight, {35, 12}, {55, 13}},
              {Side::Behind, Align::Before, Qt::LeftToRight, {44, 12}, {10, 13}},
              {Side::Above, Align::Center, Qt::LeftToRight, {52, 3}, {45, 23}},
-             {Side::Before, Align::Before, Qt::RightToLeft, {94, 12}, {60, 13}},
-         }) {
+             {Side::Before, Align::Before, Qt::RightToLeft, {94, 12}, {60, 13}}}) {
         ContentPlaces const expected{.image = QRect(imageAt, image), .text = QRect(textAt, text)};
         EXPECT_EQ(LayOutContent(area, image, text, side, align, direction), expected);
     }

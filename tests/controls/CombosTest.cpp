@@ -69,8 +69,7 @@ TEST(CZelImgComboBox, TheFieldShowsTheSelectedPictureAndTheListTheOther) {
 
 /// The columns, of those in that colour, next to both edges.
 std::pair<int, int> ColumnsOf(QImage const &picture, QColor const &color) {
-    int first = -1;
-    int last = -1;
+    int first = -1, last = -1;
     for (int x = 0; x < picture.width(); ++x)
         if (ColorsIn(picture.copy(x, 0, 1, picture.height()), color) > 0) {
             first = first < 0 ? x : first;

@@ -87,8 +87,6 @@ struct Properties {
         list.EnableHeaderCtrl(true);
         list.SetVSDotNetLook(true);
         auto *const file = new CZelProp("File");
-        name = new CZelProp("Name", "", "What the file is called", 101);
-        note = new CZelProp("Note", "old", {}, 102);
         file->AddSubItem(name);
         file->AddSubItem(note);
         list.AddProperty(file);
@@ -104,8 +102,8 @@ struct Properties {
         QTest::mouseDClick(list.Tree().viewport(), Qt::LeftButton, {}, at);
     }
     CZelPropList list;
-    CZelProp *name;
-    CZelProp *note;
+    CZelProp *name = new CZelProp("Name", "", "What the file is called", 101);
+    CZelProp *note = new CZelProp("Note", "old", {}, 102);
 };
 
 TEST(CZelPropList, GroupsHoldNamedValues) {

@@ -1,15 +1,12 @@
 #include "zelvar/controls/GUITools.h"
 
-#include "support/Test.h"
+#include "support/GuiTest.h"
 #include "zelvar/platform/ui/ControlId.h"
 
 #include <QtGui/QScreen>
-#include <QtWidgets/QApplication>
 #include <QtWidgets/QCheckBox>
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QGroupBox>
-#include <QtWidgets/QLabel>
-#include <QtWidgets/QLineEdit>
 #include <QtWidgets/QPlainTextEdit>
 
 namespace zelvar {
@@ -17,13 +14,11 @@ namespace {
 
 TEST(GUITools, ARectangleIsMovedRatherThanCut) {
     constexpr Rect screen{.left = 100, .top = 0, .right = 500, .bottom = 300};
-    for (auto const &[rect, kept] : test::Rows<Rect, Rect>{
-             {{100, 0, 500, 300}, {100, 0, 500, 300}},
-             {{90, -20, 190, 80}, {100, 0, 200, 100}},
-             {{450, 250, 550, 350}, {400, 200, 500, 300}},
-             {{0, 10, 900, 20}, {100, 10, 500, 20}},
-             {{5000, 5000, 5010, 5010}, {490, 290, 500, 300}},
-         })
+    for (auto const &[rect, kept] : test::Rows<Rect, Rect>{{{100, 0, 500, 300}, {100, 0, 500, 300}},
+                                                           {{90, -20, 190, 80}, {100, 0, 200, 100}},
+                                                           {{450, 250, 550, 350}, {400, 200, 500, 300}},
+                                                           {{0, 10, 900, 20}, {100, 10, 500, 20}},
+                                                           {{5000, 5000, 5010, 5010}, {490, 290, 500, 300}}})
         EXPECT_EQ(GUITools::KeepWithin(rect, screen), kept);
 }
 
@@ -70,17 +65,13 @@ TEST(GUITools, ControlsAreReachedById) {
 TEST(GUITools, APathLosesItsMiddleFolders) {
     QFont const font = QApplication::font();
     DString const path = "/data/archive/2024/april/scene.tif";
-    // `fits`: the width is just that of this
-    // `shownBelow`: with a pixel less
-    for (auto const &[fits, shown, shownBelow] : test::Rows<char const *, char const *, char const *>{
-             {"/data/archive/2024/april/scene.tif", "/data/archive/2024/april/scene.tif",
-              "/data/…/2024/april/scene.tif"},
-             {"/data/…/april/scene.tif", "/data/…/april/scene.tif", "/data/…/scene.tif"},
-             {"/data/…/scene.tif", "/data/…/scene.tif", "…/april/scene.tif"},
-         }) {
+    // What just fits, and what is shown with a pixel less.
+    for (auto const &[fits, below] : test::Rows<DString, char const *>{{path, "/data/…/2024/april/scene.tif"},
+                                                                       {"/data/…/april/scene.tif", "/data/…/scene.tif"},
+                                                                       {"/data/…/scene.tif", "…/april/scene.tif"}}) {
         int const width = GUITools::TextWidth(font, fits);
-        EXPECT_EQ(GUITools::ShortenPath(path, font, width), shown);
-        EXPECT_EQ(GUITools::ShortenPath(path, font, width - 1), shownBelow);
+        EXPECT_EQ(GUITools::ShortenPath(path, font, width), fits);
+        EXPECT_EQ(GUITools::ShortenPath(path, font, width - 1), below);
     }
     EXPECT_EQ(GUITools::ShortenPath("a/b\xff", font, 1000), "a/b\xEF\xBF\xBD");
     EXPECT_EQ(GUITools::ShortenPath("", font, 0), "");

@@ -60,19 +60,17 @@ TEST(CGrpCtrl, FoldingGivesItsHeightAwayAndKeepsItsWidth) {
 }
 
 TEST(CGrpCtrl, TheKeyboardFoldsInReadingDirection) {
-    struct Case {
-        Qt::LayoutDirection direction;
-        Qt::Key key;
-        bool folded;
-    };
     Column column(Mode::Folds);
-    for (Case const &c : {Case{Qt::LeftToRight, Qt::Key_Left, true}, Case{Qt::LeftToRight, Qt::Key_Right, false},
-                          Case{Qt::LeftToRight, Qt::Key_Minus, true}, Case{Qt::LeftToRight, Qt::Key_Plus, false},
-                          Case{Qt::RightToLeft, Qt::Key_Right, true}, Case{Qt::RightToLeft, Qt::Key_Left, false},
-                          Case{Qt::LeftToRight, Qt::Key_Space, true}, Case{Qt::LeftToRight, Qt::Key_Space, false}}) {
-        column.window.setLayoutDirection(c.direction);
-        QTest::keyClick(column.group, c.key);
-        EXPECT_EQ(column.group->IsFolded(), c.folded);
+    using Keys = std::vector<Qt::Key>;
+    for (auto const &[direction, keys] : test::Rows<Qt::LayoutDirection, Keys>{
+             {Qt::LeftToRight,
+              {Qt::Key_Left, Qt::Key_Right, Qt::Key_Minus, Qt::Key_Plus, Qt::Key_Space, Qt::Key_Space}},
+             {Qt::RightToLeft, {Qt::Key_Right, Qt::Key_Left}}}) {
+        column.window.setLayoutDirection(direction);
+        for (bool folds = true; Qt::Key const key : keys) { // and unfolds in turn
+            QTest::keyClick(column.group, key);
+            EXPECT_EQ(column.group->IsFolded(), std::exchange(folds, !folds)) << key;
+        }
     }
 }
 

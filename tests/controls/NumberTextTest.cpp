@@ -17,63 +17,35 @@ using State = NumberReading::State;
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 TEST(ReadNumber, TakesWhatPeopleTypeAndPasteAndNothingElse) {
-    struct Case {
-        char const *text;
-        State state;
-        double value;
-    };
-    for (Case const &c : std::initializer_list<Case>{
-             {"", State::Empty, 0},
-             {" \t", State::Empty, 0},
-             {"12", State::Number, 12},
-             {"  -1.5 \n", State::Number, -1.5},
-             {"+3", State::Number, 3},
-             {".5", State::Number, 0.5},
-             {"5.", State::Number, 5},
-             {"1,5", State::Number, 1.5},
-             {"1,234", State::Number, 1.234}, // the only mark is the decimal one
-             {"1,234.5", State::Number, 1234.5},
-             {"1.234,5", State::Number, 1234.5},
-             {"1.234.567", State::Number, 1234567},
-             {"1,234,567.25", State::Number, 1234567.25},
-             {"1 234,5", State::Number, 1234.5},
-             {"1\u00A0234\u202F567", State::Number, 1234567},
-             {"12'345.6", State::Number, 12345.6},
-             {"12\u2019345", State::Number, 12345},
-             {"\u22125", State::Number, -5},
-             {"1e3", State::Number, 1000},
-             {"1,5E-3", State::Number, 0.0015},
-             {"1e+2", State::Number, 100},
-             {"1e-400", State::Number, 0},
-             {"0e99999999999999999999", State::Number, 0},
-             {"1e400", State::TooLarge, kInfinity},
-             {"-1e99999999999999999999", State::TooLarge, -kInfinity},
-             {"0.00001e400", State::TooLarge, kInfinity},
-             {"-", State::Partial, 0},
-             {".", State::Partial, 0},
-             {"-,", State::Partial, 0},
-             {"1e", State::Partial, 0},
-             {"1e-", State::Partial, 0},
-             {"e5", State::Partial, 0},
-             {"1e5.5", State::Partial, 0},
-             {"1 2", State::Partial, 0},
-             {"1234 567", State::Partial, 0},
-             {" 1  234", State::Partial, 0},
-             {"1,2,3", State::Partial, 0},
-             {"1,23.4", State::Partial, 0},
-             {"1,234.567,8", State::Partial, 0},
-             {"1.5 000", State::Partial, 0},
-             {"1 234,567.8", State::Partial, 0}, // two ways to part thousands
-             {"0x10", State::Refused, 0},
-             {"nan", State::Refused, 0},
-             {"-inf", State::Refused, 0},
-             {"1e5e", State::Refused, 0},
-             {"1-2", State::Refused, 0},
-             {"--1", State::Refused, 0},
-             {"12 px", State::Refused, 0},
-             {"\u0663", State::Refused, 0},
-         })
-        EXPECT_EQ(ReadNumber(c.text), (NumberReading{.state = c.state, .value = c.value})) << '"' << c.text << '"';
+    test::Rows<State, double, std::vector<char const *>> const cases = {
+        {State::Empty, 0, {"", " \t"}},
+        {State::Number, 0, {"1e-400", "0e99999999999999999999"}},
+        {State::Number, 0.0015, {"1,5E-3"}},
+        {State::Number, 0.5, {".5"}},
+        {State::Number, 1.234, {"1,234"}}, // the only mark is the decimal one
+        {State::Number, 1.5, {"1,5"}},
+        {State::Number, -1.5, {"  -1.5 \n"}},
+        {State::Number, 3, {"+3"}},
+        {State::Number, 5, {"5."}},
+        {State::Number, -5, {"\u22125"}},
+        {State::Number, 12, {"12"}},
+        {State::Number, 100, {"1e+2"}},
+        {State::Number, 1000, {"1e3"}},
+        {State::Number, 1234.5, {"1,234.5", "1.234,5", "1 234,5"}},
+        {State::Number, 12345, {"12\u2019345"}},
+        {State::Number, 12345.6, {"12'345.6"}},
+        {State::Number, 1234567, {"1.234.567", "1\u00A0234\u202F567"}},
+        {State::Number, 1234567.25, {"1,234,567.25"}},
+        {State::TooLarge, kInfinity, {"1e400", "0.00001e400"}},
+        {State::TooLarge, -kInfinity, {"-1e99999999999999999999"}},
+        {State::Partial, 0, {"-", ".", "-,", "1e", "1e-", "e5", "1e5.5", "1 2", "1234 567", " 1  234", "1,2,3"}},
+        {State::Partial,
+         0,
+         {"1,23.4", "1,234.567,8", "1.5 000", "1 234,567.8"}}, // the last parts thousands in two ways
+        {State::Refused, 0, {"0x10", "nan", "-inf", "1e5e", "1-2", "--1", "12 px", "\u0663"}}};
+    for (auto const &[state, value, texts] : cases)
+        for (char const *const text : texts)
+            EXPECT_EQ(ReadNumber(text), (NumberReading{.state = state, .value = value})) << '"' << text << '"';
 }
 
 TEST(ReadNumber, AVeryLongTextIsRefusedWhole) {

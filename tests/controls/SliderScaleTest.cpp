@@ -40,22 +40,17 @@ TEST(SliderScale, ARangeOfOneValueHasOnePosition) {
 }
 
 TEST(SliderScale, ALogarithmNeedsEndsOnOneSideOfZero) {
-    EXPECT_TRUE(SliderScale(0.1, 10, 0, true).IsLogarithmic());
-    EXPECT_TRUE(SliderScale(-10, -0.1, 0, true).IsLogarithmic());
-    EXPECT_FALSE(SliderScale(0, 10, 0, true).IsLogarithmic());
-    EXPECT_FALSE(SliderScale(10, 0, 0, true).IsLogarithmic());
-    EXPECT_FALSE(SliderScale(-1, 10, 0, true).IsLogarithmic());
+    for (auto const &[first, last, may] : test::Rows<double, double, bool>{
+             {0.1, 10, true}, {-10, -0.1, true}, {0, 10, false}, {10, 0, false}, {-1, 10, false}})
+        EXPECT_EQ(SliderScale(first, last, 0, true).IsLogarithmic(), may) << first;
     EXPECT_EQ(SliderScale(1, 100, 0, true).PositionOf(-3), 0) << "beyond the end next to zero";
     EXPECT_EQ(SliderScale(100, 1, 0, true).PositionOf(0), 1000);
 }
 
 TEST(SliderScale, SnapsToStepsAndToTheLastValue) {
     SliderScale const scale(0, 10, 3, false);
-    EXPECT_EQ(scale.Snapped(4.4), 3);
-    EXPECT_EQ(scale.Snapped(4.6), 6);
-    EXPECT_EQ(scale.Snapped(9.4), 9);
-    EXPECT_EQ(scale.Snapped(9.6), 10);
-    EXPECT_EQ(scale.Snapped(-3), 0);
+    for (auto const &[value, snapped] : {std::pair{4.4, 3}, {4.6, 6}, {9.4, 9}, {9.6, 10}, {-3.0, 0}})
+        EXPECT_EQ(scale.Snapped(value), snapped) << value;
     EXPECT_EQ(SliderScale(10, 0, 4, false).Snapped(5.5), 6);
 }
 

@@ -4,7 +4,6 @@
 #include "support/TablesTest.h"
 #include "zelvar/data/RequestScope.h"
 
-#include <chrono>
 #include <climits>
 #include <filesystem>
 #include <fstream>
@@ -12,6 +11,7 @@
 namespace zelvar {
 namespace {
 
+using testing::ElementsAre;
 using Cells = std::vector<DString>;
 
 /// What happens to a table, for whoever made it: the list owns the table itself.
@@ -57,14 +57,9 @@ private:
     bool m_hasFailed = false;
 };
 
-/// A list of such a table.
+/// A list over such a table.
 struct CountedList : testing::Test {
-    void Show(int rows, int estimate) {
-        fate.rows = rows;
-        list.AddAllColumns();
-        EXPECT_EQ(fate.asks, 0);
-        list.SetNumRow(estimate, 0);
-    }
+    CountedList() { list.AddAllColumns(); }
     Fate fate;
     CADIListCtrl list{new CountedTable(fate)};
 };
@@ -105,11 +100,12 @@ TEST(CADIListCtrl, DerivedClassesChooseRowsAndColumnsAndSeeEachValue) {
 }
 
 TEST_F(CountedList, ReadsAsFarAsAskedAndDoublesItsEstimateUntilTheTableEnds) {
-    Show(100, 10);
+    fate.rows = 100;
+    EXPECT_EQ(fate.asks, 0);
+    list.SetNumRow(10, 0);
     test::Rows<int, int, int, char const *> const cases = {
-        {0, 10, 20, "row 0"},    {9, 10, 20, "row 9"},
-        {10, 20, 40, "row 10"},  {39, 40, 80, "row 39"}, // as far as the end of the list
-        {70, 71, 142, "row 70"}, {-1, 71, 142, ""}};
+        {0, 10, 20, "row 0"},   {9, 10, 20, "row 9"},    {10, 20, 40, "row 10"},
+        {39, 40, 80, "row 39"}, {70, 71, 142, "row 70"}, {-1, 71, 142, ""}}; // 39: as far as the end of the list
     for (auto const &[position, cached, rows, text] : cases) {
         EXPECT_EQ(list.OnGetItemText(position, 2), text) << position;
         EXPECT_EQ(list.GetCacheRows(), cached) << position;
@@ -124,8 +120,9 @@ TEST_F(CountedList, ReadsAsFarAsAskedAndDoublesItsEstimateUntilTheTableEnds) {
     EXPECT_EQ(list.GetID(100), -1);
 }
 
-TEST_F(CountedList, ATableWithoutRowsLeavesAnEmptyList) {
-    Show(0, 5);
+TEST_F(CountedList, WithoutRowsIsEmpty) {
+    fate.rows = 0;
+    list.SetNumRow(5, 0);
     EXPECT_EQ(list.OnGetItemText(0, 0), "");
     EXPECT_EQ(list.GetNumRow(), 0);
     EXPECT_TRUE(fate.isClosed);
@@ -137,7 +134,8 @@ TEST_F(CountedList, ATableWithoutRowsLeavesAnEmptyList) {
 }
 
 TEST_F(CountedList, AClickOnAHeadingReadsAllSortsAndSelectsNothing) {
-    Show(12, 3);
+    fate.rows = 12;
+    list.SetNumRow(3, 0);
     test::Stage stage(list);
     stage.Click(1);
     list.EnblSort(false);
@@ -146,22 +144,20 @@ TEST_F(CountedList, AClickOnAHeadingReadsAllSortsAndSelectsNothing) {
     EXPECT_EQ(list.GetLastSort().GetCol(), 0) << "remembered all the same";
     list.EnblSort(true);
     list.GetLastSort() = {};
-    stage.ClickHeading(0);
-    EXPECT_TRUE(fate.isClosed);
-    EXPECT_EQ(list.OnGetItemText(0, 0), "11"); // the highest id on top
-    EXPECT_EQ(stage.Selected(), "");
-    stage.ClickHeading(0);
-    EXPECT_EQ(list.OnGetItemText(0, 0), "0");
-    stage.ClickHeading(2);
-    EXPECT_EQ(list.OnGetItemText(2, 2), "row 10"); // behind "row 1"
-    stage.ClickHeading(1);
-    EXPECT_EQ(list.OnGetItemText(0, 1), "11");
+    for (auto const &[heading, row, text] : test::Rows<int, int, char const *>{
+             {0, 0, "11"}, {0, 0, "0"}, {2, 2, "row 10"}, {1, 0, "11"}}) { // the highest id on top, "10" behind "1"
+        stage.ClickHeading(heading);
+        EXPECT_EQ(list.OnGetItemText(row, heading), text);
+        EXPECT_EQ(stage.Selected(), "");
+        EXPECT_TRUE(fate.isClosed);
+    }
     EXPECT_EQ(list.GetID(0), 11);
 }
 
 TEST_F(CountedList, AFailureIsNoEndAndIsTriedAgainAfterAWhile) {
+    fate.rows = 50;
     fate.failsAt = 30;
-    Show(50, 5);
+    list.SetNumRow(5, 0);
     list.Sort(1, true);
     EXPECT_FALSE(fate.isClosed);
     EXPECT_EQ(list.GetCacheRows(), 30);
@@ -181,7 +177,7 @@ TEST_F(CountedList, AFailureIsNoEndAndIsTriedAgainAfterAWhile) {
 }
 
 TEST_F(CountedList, EscapeStopsASortAndLeavesTheListAsItWas) {
-    Show(INT_MAX, 20);
+    list.SetNumRow(20, 0);
     test::Stage stage(list);
     stage.Click(1);
     auto const begin = std::chrono::steady_clock::now();
@@ -206,7 +202,7 @@ TEST_F(CountedList, EscapeStopsASortAndLeavesTheListAsItWas) {
 }
 
 TEST_F(CountedList, PaintingWaitsForASlowTableOnceAndRowsFollow) {
-    Show(INT_MAX, 1000);
+    list.SetNumRow(1000, 0);
     int stopped = 0;
     fate.duringStep = [&] {
         // Answers when it is told to stop, and well otherwise.
@@ -224,7 +220,8 @@ TEST_F(CountedList, PaintingWaitsForASlowTableOnceAndRowsFollow) {
 }
 
 TEST_F(CountedList, ThePageIsThereWhereverTheThumbIsDraggedTo) {
-    Show(400'000, 1);
+    fate.rows = 400'000;
+    list.SetNumRow(1, 0);
     test::Stage stage(list);
     EXPECT_TRUE(test::Eventually([&] { return list.GetCacheRows() > 10; }));
     EXPECT_LT(list.GetCacheRows(), 100);
@@ -253,15 +250,12 @@ protected:
 };
 
 TEST_F(CADIListFiles, ALargeFileShowsItsFirstPageAndIsReadOnAsNeeded) {
-    DString text = "\xEF\xBB\xBF"
-                   "id,\"\xC3\xA4\n\n\"\n";
+    DString text = "\xEF\xBB\xBFid,\"\u00E4\n\n\"\n";
     for (int row = 0; row < 20'000; ++row)
-        text += std::to_string(row) + ",\"line\r\none\t\xFF"
-                                      "two\"\n";
+        text += std::to_string(row) + ",\"line\r\none\t\xFF two\"\n";
     auto const list = ListOf(m_folder.Write("a.csv", text));
     EXPECT_EQ(list->GetColCaption(2), "\xC3\xA4  "); // in one line
-    EXPECT_EQ(list->OnGetItemText(19, 2), "line\r\none\t\xEF\xBF\xBD"
-                                          "two");
+    EXPECT_EQ(list->OnGetItemText(19, 2), "line\r\none\t\uFFFD two");
     EXPECT_EQ(list->GetCacheRows(), 20);
     EXPECT_EQ(list->OnGetItemText(15'000, 1), "15000");
     EXPECT_FALSE(list->IsReadThrough());

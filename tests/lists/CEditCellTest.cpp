@@ -1,6 +1,5 @@
 #include "zelvar/lists/CEditCell.h"
 
-#include "support/GuiTest.h"
 #include "support/ReportStage.h"
 #include "zelvar/lists/CListCtrlFlex.h"
 #include "zelvar/platform/ui/ControlId.h"
@@ -73,7 +72,7 @@ TEST_F(Editing, EveryKeyMovesAsTold) {
     int const page = list->GetCountPerPage();
     list->SetColumnWidth(0, 300); // the third column is out of sight
     auto const at = [](int row, int col) { return std::to_string(row) + "," + std::to_string(col); };
-    std::tuple<char const *, int, int, Qt::Key, Qt::KeyboardModifiers, std::string> const cases[] = {
+    test::Rows<char const *, int, int, Qt::Key, Qt::KeyboardModifiers, std::string> const cases = {
         {"Up", 5, 1, Qt::Key_Up, {}, "4,1"},
         {"Up on the first row", 0, 1, Qt::Key_Up, {}, "0,1"},
         {"Down", 5, 1, Qt::Key_Down, {}, "6,1"},
@@ -95,19 +94,15 @@ TEST_F(Editing, EveryKeyMovesAsTold) {
         {"Shift+Tab from the first column, third of the row before", 5, 0, Qt::Key_Backtab, Qt::ShiftModifier, "4,2"},
         {"Shift+Tab at the very start", 0, 0, Qt::Key_Tab, Qt::ShiftModifier, "0,0"},
         {"Return ends", 5, 1, Qt::Key_Return, {}, "none"},
-        {"Escape ends", 5, 1, Qt::Key_Escape, {}, "none"},
-    };
+        {"Escape ends", 5, 1, Qt::Key_Escape, {}, "none"}};
     for (auto const &[name, row, col, key, modifiers, expected] : cases) {
         SCOPED_TRACE(name);
         Open(row, col);
         QTest::keyClick(Cell(), key, modifiers);
         EXPECT_EQ(Where(), expected);
-        if (CEditCell *const cell = Cell()) {
-            EXPECT_TRUE(cell->hasFocus());
-            EXPECT_TRUE(list->viewport()->rect().contains(cell->geometry().center())) << "a cell that nobody sees";
-        } else {
-            EXPECT_TRUE(list->hasFocus());
-        }
+        CEditCell const *const cell = Cell();
+        EXPECT_TRUE(cell != nullptr ? cell->hasFocus() : list->hasFocus());
+        EXPECT_TRUE(cell == nullptr || list->viewport()->rect().contains(cell->geometry().center())) << "out of sight";
         EXPECT_EQ(list->GetFocusRow(), -1) << "the list behind it has moved";
         list->setFocus();
         EXPECT_EQ(Where(), "none");
@@ -128,8 +123,7 @@ TEST_F(Editing, AnOpenEditGoesWithItsCellAndEndsWithIt) {
          "5,2"},
         {"its column goes", [&] { list->DeleteColumn(1); }, "none"},
         {"its row goes", [&] { list->DeleteItem(5); }, "none"},
-        {"all rows go", [&] { list->DeleteAllItems(); }, "none"},
-    };
+        {"all rows go", [&] { list->DeleteAllItems(); }, "none"}};
     for (auto const &[name, change, where] : cases) {
         SCOPED_TRACE(name);
         Open(5, 1);
@@ -186,15 +180,16 @@ TEST_F(Editing, ADoubleClickOpensAnEditableCellAndSelectsTheRowOfAnother) {
 }
 
 TEST_F(Editing, AVetoKeepsTheCellShutAndReadOnlyColumnsAreSkippedOnlyWhereWanted) {
-    for (auto const &[refused, row, col, skips, where] : {std::tuple{true, 1, 1, false, "none"},
-                                                          {false, 1, 0, true, "1,1"},
-                                                          {false, 1, 0, false, "1,0"},
-                                                          {false, kRows, 1, true, "1,0"}}) {
-        veto = refused;
+    veto = true;
+    list->OnEdit(1, 1, false);
+    EXPECT_EQ(Where(), "none");
+    EXPECT_EQ(told, "begin 1,1 from 8 to 7");
+    veto = false;
+    for (auto const &[row, col, skips, where] :
+         test::Rows<int, int, bool, char const *>{{1, 0, true, "1,1"}, {1, 0, false, "1,0"}, {kRows, 1, true, "1,0"}}) {
         list->OnEdit(row, col, skips);
         EXPECT_EQ(Where(), where);
     }
-    EXPECT_EQ(told.substr(0, 21), "begin 1,1 from 8 to 7");
 }
 
 TEST_F(Editing, TheEditGrowsWithItsTextToTheEdgeOfTheListAndNeverShrinks) {
@@ -218,14 +213,12 @@ TEST_F(Editing, TheEditGrowsWithItsTextToTheEdgeOfTheListAndNeverShrinks) {
 
 TEST_F(Editing, ThePointerTellsOfAnOpenEdit) {
     Open(5, 1);
-    auto const shapeAt = [&](QPoint at) {
-        QTest::mouseMove(list->viewport(), at + QPoint(1, 1));
-        QTest::mouseMove(list->viewport(), at);
-        return list->viewport()->cursor().shape();
-    };
-    EXPECT_EQ(shapeAt(QPoint(20, 100)), Qt::IBeamCursor);
-    list->setFocus();
-    EXPECT_EQ(shapeAt(QPoint(20, 100)), Qt::ArrowCursor);
+    for (Qt::CursorShape const shape : {Qt::IBeamCursor, Qt::ArrowCursor}) {
+        QTest::mouseMove(list->viewport(), {21, 101});
+        QTest::mouseMove(list->viewport(), {20, 100});
+        EXPECT_EQ(list->viewport()->cursor().shape(), shape);
+        list->setFocus();
+    }
 }
 
 TEST_F(Editing, AListMayDieWithAnOpenEdit) {

@@ -1,6 +1,6 @@
 #include "zelvar/lists/CListCtrlEx.h"
 
-#include <gtest/gtest.h>
+#include "support/Test.h"
 
 namespace zelvar {
 namespace {
@@ -9,11 +9,11 @@ TEST(CListCtrlEx, ColumnsAreAsWideAsTheirCaptionsAndShowWhatTheMaskSays) {
     CListCtrlEx list;
     int const margin = 15;
     constexpr int all = LVCF_FMT | LVCF_WIDTH | LVCF_TEXT | LVCF_SUBITEM;
-    for (auto const &[item, subItem, mask, shown] :
-         {std::tuple{0, -1, all, 0}, {1, 2, all, 2}, {2, 1, all & ~LVCF_SUBITEM, 2}}) {
-        EXPECT_EQ(list.AddColumn("Sample", item, subItem, mask, LVCFMT_RIGHT), item);
+    for (auto const &[at, subItem, mask, shown] :
+         test::Rows<int, int, int, int>{{0, -1, all, 0}, {1, 2, all, 2}, {2, 1, all & ~LVCF_SUBITEM, 2}}) {
+        EXPECT_EQ(list.AddColumn("Sample", at, subItem, mask, LVCFMT_RIGHT), at);
         ReportColumn column;
-        ASSERT_TRUE(list.GetColumn(item, column));
+        ASSERT_TRUE(list.GetColumn(at, column));
         EXPECT_EQ(column.caption, "Sample");
         EXPECT_EQ(column.format, LVCFMT_RIGHT);
         EXPECT_EQ(column.width, list.fontMetrics().horizontalAdvance("Sample") + margin);

@@ -20,8 +20,10 @@ std::string Column(CListCtrlFlex const &list, int col = 0) {
     return text;
 }
 
-void AddPlain(CListCtrlFlex &list, std::vector<char const *> const &texts) {
-    for (char const *text : texts)
+/// A column more, and plain rows.
+void Fill(CListCtrlFlex &list, ADIColType type, std::vector<std::string> const &texts = {}) {
+    list.InsertColumn(list.GetColumnCount(), type, "Name", false, LVCFMT_LEFT, 200, list.GetColumnCount());
+    for (std::string const &text : texts)
         list.InsertItem(list.GetItemCount(), text, 0, nullptr, 0, 0xFFFFFF, 0);
 }
 
@@ -37,7 +39,7 @@ TEST(CListCtrlFlex, ABackgroundOfZeroIsTextColouredWithoutAnImageAndBlackWithOne
     changed.setColor(QPalette::Base, QColor(250, 250, 200));
     QApplication::setPalette(changed);
     CListCtrlFlex list;
-    list.InsertColumn(0, ADICol_String, "Name", false, LVCFMT_LEFT, 200, 0);
+    Fill(list, ADICol_String);
     for (ColorRef const back : {0x000000U, 0xFFFFFFU, 0x0000FFU}) {
         list.InsertItem(list.GetItemCount(), "plain", 0, nullptr, 0, back, 0);
         list.InsertItem(list.GetItemCount(), "with an image", -1, 0, nullptr, 0, back, 0);
@@ -52,7 +54,7 @@ TEST(CListCtrlFlex, ABackgroundOfZeroIsTextColouredWithoutAnImageAndBlackWithOne
 
 TEST(CListCtrlFlex, AListsOwnBackgroundServesRowsWithoutARecordAndTheRest) {
     CListCtrlFlex list;
-    list.InsertColumn(0, ADICol_String, "Name", false, LVCFMT_LEFT, 200, 0);
+    Fill(list, ADICol_String);
     static_cast<ReportView &>(list).InsertItem({.row = 0, .text = "plain"});
     Stage const stage(list);
     EXPECT_FALSE(list.IsBkColorSet());
@@ -66,7 +68,7 @@ TEST(CListCtrlFlex, AListsOwnBackgroundServesRowsWithoutARecordAndTheRest) {
 
 TEST(CListCtrlFlex, DataLivesInRecords) {
     CListCtrlFlex list;
-    AddPlain(list, {"a"});
+    Fill(list, ADICol_String, {"a"});
     static_cast<ReportView &>(list).InsertItem({.row = 1, .text = "no record"});
     EXPECT_EQ(list.SetItemData(0, 0xFEDCBA9876543210), 0);
     EXPECT_EQ(list.GetItemData(0), 0xFEDCBA9876543210);
@@ -74,25 +76,22 @@ TEST(CListCtrlFlex, DataLivesInRecords) {
     EXPECT_EQ(list.SetItemData(1, 5), -1);
     EXPECT_EQ(list.GetItemData(2), static_cast<std::uint64_t>(-1));
     EXPECT_EQ(list.SetItemData(2, 5), -1);
-    list.InsertColumn(0, ADICol_String, "Name", false, LVCFMT_LEFT, 200, 0);
     list.Sort(0, true); // must leave rows without records alone
     EXPECT_EQ(Column(list), "a no record");
 }
 
 TEST(CListCtrlFlex, AHeadingSortsAscendingThenDescending) {
-    std::tuple<char const *, ADIColType, std::vector<char const *>, char const *, char const *> const cases[] = {
+    test::Rows<char const *, ADIColType, std::vector<std::string>, char const *, char const *> const cases = {
         {"numbers, and what is none as the largest", ADICol_Double, {"12", "abc", "3"}, "3 12 abc", "abc 12 3"},
         {"whole numbers likewise", ADICol_Int, {"10", "9", "-1"}, "-1 9 10", "10 9 -1"},
         {"texts by bytes", ADICol_String, {"a9", "a10", "B"}, "B a10 a9", "a9 a10 B"},
         {"an unknown type is text", ADICol_None, {"9", "10"}, "10 9", "9 10"},
         {"an empty list", ADICol_Double, {}, "", ""},
-        {"bytes are unsigned", ADICol_String, {"\xc3\xa9", "z"}, "z \xc3\xa9", "\xc3\xa9 z"},
-    };
+        {"bytes are unsigned", ADICol_String, {"\xc3\xa9", "z"}, "z \xc3\xa9", "\xc3\xa9 z"}};
     for (auto const &[name, type, texts, ascending, descending] : cases) {
         SCOPED_TRACE(name);
         CListCtrlFlex list;
-        list.InsertColumn(0, type, "Name", false, LVCFMT_LEFT, 200, 0);
-        AddPlain(list, texts);
+        Fill(list, type, texts);
         Stage stage(list);
         stage.ClickHeading(0);
         EXPECT_EQ(Column(list), ascending);
@@ -110,9 +109,8 @@ TEST(CListCtrlFlex, AHeadingSortsAscendingThenDescending) {
 
 TEST(CListCtrlFlex, EqualKeysTurnRoundWhenAscendingAndStayWhenDescending) {
     CListCtrlFlex list;
-    list.InsertColumn(0, ADICol_String, "Name", false, LVCFMT_LEFT, 100, 0);
-    list.InsertColumn(1, ADICol_Int, "Size", false, LVCFMT_RIGHT, 100, 1);
-    AddPlain(list, {"a", "b", "c", "d"});
+    Fill(list, ADICol_String, {"a", "b", "c", "d"});
+    Fill(list, ADICol_Int);
     for (int row = 0; row < 4; ++row)
         list.SetItemText(row, 1, row == 2 ? "1" : "7");
     list.Sort(1, true);
@@ -123,14 +121,12 @@ TEST(CListCtrlFlex, EqualKeysTurnRoundWhenAscendingAndStayWhenDescending) {
 
 TEST(CListCtrlFlex, OnlyTheStartOfACellCounts) {
     CListCtrlFlex list;
-    list.InsertColumn(0, ADICol_Double, "Value", false, LVCFMT_LEFT, 100, 0);
-    AddPlain(list, {"0000000000000000000000019", "0000000000000000000000002"}); // the 25th character makes it larger
+    Fill(list, ADICol_Double, {"0000000000000000000000019", "0000000000000000000000002"}); // larger by its last one
     list.Sort(0, true);
     EXPECT_EQ(Column(list), "0000000000000000000000002 0000000000000000000000019");
     std::string const same(255, 'x');
     CListCtrlFlex texts;
-    texts.InsertColumn(0, ADICol_String, "Value", false, LVCFMT_LEFT, 100, 0);
-    AddPlain(texts, {(same + "b").c_str(), (same + "a").c_str()});
+    Fill(texts, ADICol_String, {same + "b", same + "a"});
     texts.Sort(0, false); // equal for the sort: they stay
     EXPECT_EQ(texts.GetItemText(0, 0).back(), 'b');
 }

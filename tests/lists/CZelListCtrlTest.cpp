@@ -1,13 +1,8 @@
 #include "zelvar/lists/CZelListCtrl.h"
 
-#include "support/GuiTest.h"
 #include "support/ReportStage.h"
 #include "zelvar/lists/CZelListCtrlVirtual.h"
 #include "zelvar/platform/ui/SystemColor.h"
-
-#include <gtest/gtest.h>
-
-#include <array>
 
 namespace zelvar {
 namespace {

@@ -1,6 +1,5 @@
 #include "zelvar/lists/CZelTreeCtrl.h"
 
-#include "support/TestFiles.h"
 #include "support/TreeStage.h"
 #include "zelvar/lists/CTreeCtrlItr.h"
 #include "zelvar/lists/CZelTreeCtrlEx.h"
@@ -11,15 +10,11 @@
 #include <QtGui/QAction>
 #include <QtGui/QContextMenuEvent>
 #include <QtWidgets/QDialog>
-#include <QtWidgets/QLineEdit>
-#include <QtWidgets/QScrollBar>
 
 #include <filesystem>
 
-namespace zelvar {
+namespace zelvar::test {
 namespace {
-
-using test::TreeStage;
 
 /// A tree control that writes down what its hooks are told.
 class TellingTree : public CZelTreeCtrl {
@@ -89,11 +84,6 @@ protected:
         return edit;
     }
     CZelTreeCtrlTest() {
-        a = tree.AddItem("a", 1, TVI_ROOT, TVI_LAST);
-        a1 = tree.AddItem("a1", 11, a, TVI_LAST);
-        a2 = tree.AddItem("a2", 12, a, TVI_LAST);
-        b = tree.AddItem("b", 2, TVI_ROOT, TVI_LAST);
-        c = tree.AddItem("c", 3, TVI_ROOT, TVI_LAST);
         tree.Expand(a, TVE_EXPAND);
         tree.EnableLeftDrag(true);
     }
@@ -103,18 +93,22 @@ protected:
         stage.Move(stage.On(from) + QPoint(QApplication::startDragDistance(), 0), button);
         stage.Move(stage.On(to), button);
     }
-    [[nodiscard]] QWidget *Overlay() {
-        for (QObject *const child : tree.viewport()->children())
-            if (auto *const widget = qobject_cast<QWidget *>(child); widget != nullptr && widget->isVisible())
-                return widget;
-        return nullptr;
-    }
-    /// Releases the button: what is told of the drop, with nothing of the drag left.
+    /// Lets go; what is told of that.
     std::string Drop(QPoint at, Qt::MouseButton button = Qt::LeftButton) {
         tree.Take();
         stage.Release(at, button);
-        ExpectNoDrag();
         return tree.Take();
+    }
+    [[nodiscard]] QWidget *Overlay() {
+        for (auto *const widget : tree.viewport()->findChildren<QWidget *>(Qt::FindDirectChildrenOnly))
+            if (widget->isVisible())
+                return widget;
+        return nullptr;
+    }
+    [[nodiscard]] std::pair<int, int> Images(HTREEITEM item) {
+        std::pair<int, int> images{-2, -2};
+        tree.GetItemImage(item, images.first, images.second);
+        return images;
     }
     void ExpectNoDrag() {
         EXPECT_FALSE(tree.IsInDragMode());
@@ -127,11 +121,11 @@ protected:
 
     TellingTree tree;
     TreeStage stage{tree};
-    HTREEITEM a = nullptr;
-    HTREEITEM a1 = nullptr;
-    HTREEITEM a2 = nullptr;
-    HTREEITEM b = nullptr;
-    HTREEITEM c = nullptr;
+    HTREEITEM a = tree.AddItem("a", 1, TVI_ROOT, TVI_LAST);
+    HTREEITEM a1 = tree.AddItem("a1", 11, a, TVI_LAST);
+    HTREEITEM a2 = tree.AddItem("a2", 12, a, TVI_LAST);
+    HTREEITEM b = tree.AddItem("b", 2, TVI_ROOT, TVI_LAST);
+    HTREEITEM c = tree.AddItem("c", 3, TVI_ROOT, TVI_LAST);
 };
 
 TEST_F(CZelTreeCtrlTest, TheIteratorStaysInItsSubtree) {
@@ -176,10 +170,11 @@ TEST_F(CZelTreeCtrlTest, ADragMarksItsTargetAndEndsWithTheButtonThatBeganIt) {
     EXPECT_EQ(QApplication::overrideCursor()->shape(), Qt::BlankCursor);
     ASSERT_NE(Overlay(), nullptr);
     EXPECT_EQ(Overlay()->pos(), stage.On(b)); // the pointer holds its corner
-    test::Shot(tree, "tree-control-drag");
+    Shot(tree, "tree-control-drag");
     stage.Release(stage.On(b), Qt::RightButton);
     EXPECT_TRUE(tree.IsLeftDrag());
     EXPECT_EQ(Drop(stage.On(b)), "drop a1 on b");
+    ExpectNoDrag();
 }
 
 TEST_F(CZelTreeCtrlTest, ARightDragEndsWithoutAMenuAndIsOffUnlessItIsOn) {
@@ -192,6 +187,7 @@ TEST_F(CZelTreeCtrlTest, ARightDragEndsWithoutAMenuAndIsOffUnlessItIsOn) {
     stage.Release(stage.On(c), Qt::LeftButton);
     EXPECT_TRUE(tree.IsRghtDrag());
     EXPECT_EQ(Drop(stage.On(c), Qt::RightButton), "drop a1 on c");
+    ExpectNoDrag();
 }
 
 TEST_F(CZelTreeCtrlTest, ADropOnItselfDoesNothingBesideTheItemsItHasNoTargetAndItMayDeleteWhatIsDragged) {
@@ -199,8 +195,10 @@ TEST_F(CZelTreeCtrlTest, ADropOnItselfDoesNothingBesideTheItemsItHasNoTargetAndI
     EXPECT_TRUE(tree.IsInDragMode());
     EXPECT_EQ(tree.GetDropHilightItem(), nullptr);
     EXPECT_EQ(Drop(stage.On(a1)), "");
+    ExpectNoDrag();
     Drag(a1, b);
     EXPECT_EQ(Drop(QPoint(20, tree.viewport()->height() - 2)), "drop a1 on -");
+    ExpectNoDrag();
     tree.onDragEnd = [this] {
         tree.AddItem(a1->text, a1->data, b, TVI_LAST);
         tree.DeleteItem(a1);
@@ -212,8 +210,7 @@ TEST_F(CZelTreeCtrlTest, ADropOnItselfDoesNothingBesideTheItemsItHasNoTargetAndI
 }
 
 TEST_F(CZelTreeCtrlTest, ADragThatLosesItsGroundLeavesNothingBehind) {
-    QWidget second;
-    std::tuple<char const *, std::function<void()>> const cases[] = {
+    Rows<char const *, std::function<void()>> const cases = {
         {"Escape", [this] { stage.Key(Qt::Key_Escape); }},
         {"the release was never heard", [this] { stage.Move(stage.On(b), Qt::NoButton); }},
         {"hidden", [this] { tree.hide(); }},
@@ -226,8 +223,7 @@ TEST_F(CZelTreeCtrlTest, ADragThatLosesItsGroundLeavesNothingBehind) {
              QApplication::processEvents();
          }},
         {"its item deleted", [this] { tree.DeleteItem(a1); }},
-        {"all deleted", [this] { tree.DeleteAllItems(); }},
-    };
+        {"all deleted", [this] { tree.DeleteAllItems(); }}};
     for (auto const &[name, end] : cases) {
         SCOPED_TRACE(name);
         tree.show();
@@ -240,7 +236,6 @@ TEST_F(CZelTreeCtrlTest, ADragThatLosesItsGroundLeavesNothingBehind) {
         tree.Take();
         end();
         ExpectNoDrag();
-        EXPECT_EQ(tree.Take().find("drop"), std::string::npos);
         if (tree.GetCount() > 0)
             stage.Release(QPoint(30, 30));
         EXPECT_EQ(tree.Take().find("drop"), std::string::npos);
@@ -270,22 +265,17 @@ TEST(CZelTreeCtrl, ADragBeyondTheEdgesScrolls) {
     tree.EnableLeftDrag(true);
     stage.Press(stage.On(parent));
     stage.Move(stage.On(parent) + QPoint(30, 0), Qt::LeftButton);
-    int const height = tree.viewport()->height();
-    stage.Move(QPoint(20, height - 1), Qt::LeftButton);
-    EXPECT_EQ(tree.GetFirstVisibleItem(), parent); // still inside
-    for (std::uint64_t step = 1; step < 4; ++step) {
-        stage.Move(QPoint(20, height), Qt::LeftButton);
-        EXPECT_EQ(tree.GetItemData(tree.GetFirstVisibleItem()), step);
-    }
-    stage.Move(QPoint(20, 0), Qt::LeftButton);
-    EXPECT_EQ(tree.GetItemData(tree.GetFirstVisibleItem()), 3U);
-    for (std::uint64_t left : {2U, 1U, 0U, 0U}) { // the first of the siblings, then their parent
-        stage.Move(QPoint(20, -1), Qt::LeftButton);
-        EXPECT_EQ(tree.GetItemData(tree.GetFirstVisibleItem()), left);
+    int const below = tree.viewport()->height();
+    // The pointer's place and what stands first then: inside nothing moves; the first of the siblings, then their
+    // parent.
+    for (auto const &[y, first] : Rows<int, std::uint64_t>{
+             {below - 1, 0}, {below, 1}, {below, 2}, {below, 3}, {0, 3}, {-1, 2}, {-1, 1}, {-1, 0}, {-1, 0}}) {
+        stage.Move(QPoint(20, y), Qt::LeftButton);
+        EXPECT_EQ(tree.GetItemData(tree.GetFirstVisibleItem()), first);
     }
     tree.verticalScrollBar()->setValue(tree.verticalScrollBar()->maximum());
     TreeNode *const last = tree.GetFirstVisibleItem();
-    stage.Move(QPoint(20, height), Qt::LeftButton);
+    stage.Move(QPoint(20, below), Qt::LeftButton);
     EXPECT_EQ(tree.GetFirstVisibleItem(), last);
 }
 
@@ -353,9 +343,8 @@ TEST(CZelTreeCtrl, AnEditGivesTheHorizontalScrollPositionBack) {
     TellingTree tree;
     TreeStage const stage(tree, 120, 100);
     tree.EnableEdit(true);
-    TreeNode *const item =
-        tree.AddItem("a label that is much wider than the window it stands in", 0, TVI_ROOT, TVI_LAST);
-    ASSERT_TRUE(test::Eventually([&] { return tree.horizontalScrollBar()->maximum() > 100; }));
+    TreeNode *const item = tree.AddItem("a label that is much wider than its window", 0, TVI_ROOT, TVI_LAST);
+    ASSERT_TRUE(Eventually([&] { return tree.horizontalScrollBar()->maximum() > 100; }));
     tree.MoveScroll(SB_HORZ, 60);
     QLineEdit *const edit = tree.EditLabel(item);
     ASSERT_NE(edit, nullptr);
@@ -382,27 +371,21 @@ TEST_F(CZelTreeCtrlTest, ShortcutsDoNotTakeTheKeysOfAnEdit) {
 TEST_F(CZelTreeCtrlTest, ImagesAreDrawnIntoTheOwnedList) {
     tree.DrawCircle(b, 0, 0, false); // without a list nothing happens
     EXPECT_TRUE(tree.DrawIcon(b, 1, "/no/such/file.png"));
-    int image = 0;
-    int selected = 0;
-    tree.GetItemImage(b, image, selected);
-    EXPECT_EQ(image, -1);
+    EXPECT_EQ(Images(b).first, -1);
 
     tree.InitImages();
-    TreeNode *const d = tree.AddItem("d", 4, TVI_ROOT, TVI_LAST);
-    tree.GetItemImage(d, image, selected);
-    EXPECT_EQ(image, 0); // the default image
+    EXPECT_EQ(Images(tree.AddItem("d", 4, TVI_ROOT, TVI_LAST)).first, 0) << "the default image";
     tree.DrawCircleSmall(a1, Rgb(255, 0, 0), 0);
     tree.DrawRect(a2, Rgb(0, 255, 0), Rgb(0, 0, 255));
     tree.DrawCircle(b, Rgb(0, 0, 255), 0, false);
     tree.DrawCircle(c, Rgb(0, 0, 255), Rgb(255, 0, 0), true);
-    tree.GetItemImage(a2, image, selected);
-    EXPECT_EQ(image, selected);
-    test::TempFolder const folder;
+    EXPECT_EQ(Images(a2).first, Images(a2).second);
+    TempFolder const folder;
     for (DString const &file : {DString("/no/such/file.png"), folder.Path(), folder.Write("text.png", "no picture")})
         EXPECT_FALSE(tree.DrawIcon(a, 1, file.c_str())) << file;
     CZelImageList::RegisterIcon(77, "folder", "folder");
     EXPECT_TRUE(tree.DrawIcon(a, 77, nullptr));
-    test::Shot(tree, "tree-control-images");
+    Shot(tree, "tree-control-images");
 
     auto const color = [&](HTREEITEM item, int x, int y) {
         QRect const label = platform::ToQRect(stage.Label(item));
@@ -410,14 +393,17 @@ TEST_F(CZelTreeCtrlTest, ImagesAreDrawnIntoTheOwnedList) {
             unsigned flags = 0;
             if (tree.HitTest({left, label.center().y()}, &flags) == item && flags == TVHT_ONITEMICON)
                 return platform::ToColorRef(
-                    test::ColorAt(*tree.viewport(), QPoint(left + x, label.top() + (label.height() - 16) / 2 + y)));
+                    ColorAt(*tree.viewport(), QPoint(left + x, label.top() + (label.height() - 16) / 2 + y)));
         }
         return ColorRef{1};
     };
-    test::Rows<HTREEITEM, int, ColorRef> const colors = {
-        {a2, 2, Rgb(0, 0, 255)}, {a2, 13, Rgb(0, 0, 255)}, {a2, 3, Rgb(0, 255, 0)}, {a2, 14, color(a2, 1, 1)},
-        {a1, 8, Rgb(255, 0, 0)}, {b, 8, Rgb(0, 0, 255)},   {c, 8, Rgb(255, 0, 0)}};
-    for (auto const &[item, at, expected] : colors)
+    for (auto const &[item, at, expected] : Rows<HTREEITEM, int, ColorRef>{{a2, 2, Rgb(0, 0, 255)},
+                                                                           {a2, 13, Rgb(0, 0, 255)},
+                                                                           {a2, 3, Rgb(0, 255, 0)},
+                                                                           {a2, 14, color(a2, 1, 1)}, // outside
+                                                                           {a1, 8, Rgb(255, 0, 0)},
+                                                                           {b, 8, Rgb(0, 0, 255)},
+                                                                           {c, 8, Rgb(255, 0, 0)}})
         EXPECT_EQ(color(item, at, at), expected) << item->text << at;
 
     tree.ClearImages();
@@ -426,7 +412,7 @@ TEST_F(CZelTreeCtrlTest, ImagesAreDrawnIntoTheOwnedList) {
 }
 
 TEST_F(CZelTreeCtrlTest, APluginsIconIsFoundWhereItIsOrAmongThePlugins) {
-    test::TempFolder const folder;
+    TempFolder const folder;
     folder.Write("install/bin/plugins/there.png", "P1 1 1 1\n");
     folder.Write("here.png", "P1 1 1 1\n");
     setenv("ZELVAR_INSTALL_DIR", (folder.Path() + "/install").c_str(), 1);
@@ -435,10 +421,7 @@ TEST_F(CZelTreeCtrlTest, APluginsIconIsFoundWhereItIsOrAmongThePlugins) {
     tree.InitImages();
     auto const drawn = [&](char const *file) {
         bool const found = tree.DrawPluginIcon(b, 0, file);
-        int image = -1;
-        int selected = -1;
-        tree.GetItemImage(b, image, selected);
-        return found ? tree.GetZelImageList().GetHandle()->Get(image).name : "none";
+        return found ? tree.GetZelImageList().GetHandle()->Get(Images(b).first).name : "none";
     };
     EXPECT_EQ(drawn("here.png"), "here.png");
     EXPECT_EQ(drawn("there.png"), folder.Path() + "/install/bin/plugins/there.png");
@@ -492,4 +475,4 @@ TEST(CZelTreeCtrlEx, CursorsAreChained) {
 }
 
 } // namespace
-} // namespace zelvar
+} // namespace zelvar::test

@@ -1,12 +1,8 @@
 #include "zelvar/lists/core/FlexColumns.h"
 
+#include "support/Test.h"
 #include "zelvar/lists/core/CellNumber.h"
 #include "zelvar/lists/core/LastSort.h"
-
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <limits>
 
 namespace zelvar {
 namespace {
@@ -14,10 +10,9 @@ namespace {
 TEST(FlexColumns, ColumnsGrownOverHaveNoTypeAndThoseBeyondAreText) {
     FlexColumns columns;
     columns.Set(2, {true, ADICol_Int});
-    EXPECT_EQ(columns.Type(0), ADICol_None);
-    EXPECT_EQ(columns.Type(2), ADICol_Int);
-    EXPECT_EQ(columns.Type(3), ADICol_String);
-    EXPECT_EQ(columns.Type(-1), ADICol_String);
+    for (auto const &[col, type] :
+         {std::pair{0, ADICol_None}, {2, ADICol_Int}, {3, ADICol_String}, {-1, ADICol_String}})
+        EXPECT_EQ(columns.Type(col), type) << col;
     columns.Set(-1, {true, ADICol_Int});
     columns.Grow(-5);
     EXPECT_EQ(columns.Size(), 3);
@@ -43,15 +38,13 @@ TEST(FlexColumns, TheNextEditableCellMayStandInALaterRow) {
     FlexColumns columns;
     columns.Set(1, {true, ADICol_String});
     columns.Grow(2);
-    int item = 0;
-    int subItem = 0;
-    for (auto const &[row, col, found, foundRow, foundCol] :
-         {std::tuple{0, 0, true, 0, 1}, {0, 1, true, 0, 1}, {0, 2, true, 1, 1}, {2, 2, false, 3, 0}}) {
-        item = row, subItem = col;
+    for (auto [item, subItem, found, foundItem, foundSubItem] : test::Rows<int, int, bool, int, int>{
+             {0, 0, true, 0, 1}, {0, 1, true, 0, 1}, {0, 2, true, 1, 1}, {2, 2, false, 3, 0}}) {
         EXPECT_EQ(FindEditableCell(columns, 3, 3, item, subItem), found);
-        EXPECT_TRUE(item == foundRow && (!found || subItem == foundCol)) << item << ' ' << subItem;
+        EXPECT_EQ(item, foundItem);
+        EXPECT_TRUE(!found || subItem == foundSubItem);
     }
-    item = subItem = 0;
+    int item = 0, subItem = 0;
     EXPECT_FALSE(FindEditableCell(columns, 2'000'000'000, 1, item, subItem)) << "no editable column: no walk";
 }
 
@@ -64,11 +57,10 @@ TEST(LastSort, TheSameColumnTurnsRoundAndAnotherBeginsAscending) {
 TEST(CellNumber, ATextMayBeginWithANumber) {
     double const infinity = std::numeric_limits<double>::infinity();
     std::tuple<char const *, std::optional<double>> const cases[] = {
-        {"12", 12.0},    {"  -3.5 m", -3.5},    {"+7", 7.0},  {"1e3", 1000.0},   {".5", 0.5},
-        {"0x1F", 31.0},  {"0xz", 0.0},          {"1,5", 1.0}, {"inf", infinity}, {"abc", {}},
-        {"", {}},        {"   ", {}},           {"--1", {}},  {"+-1", {}},       {"1e999", infinity},
-        {"1e-999", 0.0}, {"-1e999", -infinity},
-    };
+        {"12", 12.0},    {"  -3.5 m", -3.5},   {"+7", 7.0},  {"1e3", 1000.0},   {".5", 0.5},
+        {"0x1F", 31.0},  {"0xz", 0.0},         {"1,5", 1.0}, {"inf", infinity}, {"abc", {}},
+        {"", {}},        {"   ", {}},          {"--1", {}},  {"+-1", {}},       {"1e999", infinity},
+        {"1e-999", 0.0}, {"-1e999", -infinity}};
     for (auto const &[text, value] : cases)
         EXPECT_EQ(ParseCellNumber(text), value) << text;
     EXPECT_TRUE(std::isnan(ParseCellNumber("nan").value_or(0)));

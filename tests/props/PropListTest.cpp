@@ -16,56 +16,28 @@ TEST(PropRule, TakesWhatItsKindMeansAndNothingElse) {
     PropRule const real = PropRule::Real(0, 2.5);
     PropRule const money = PropRule::Real(-1e9, 1e9, 2);
     PropRule const choice = PropRule::Choice({"none", "LZW", "lzw"});
-    struct Case {
-        PropRule rule;
-        char const *entry;
-        char const *value; ///< null: not taken
-    };
-    PropRule const text;
-    PropRule const yes = PropRule::Boolean();
-    PropRule const color = PropRule::Color();
     PropRule const anyWhole = PropRule::Integer();
-    Case const cases[] = {
-        {whole, " 7 ", "7"},
-        {whole, "+10", "10"},
-        {whole, "11", nullptr},
-        {whole, "-5", "-5"},
-        {whole, "-6", nullptr},
-        {whole, "", nullptr},
-        {whole, "+-3", nullptr},
-        {whole, "3.0", nullptr},
-        {whole, "0x3", nullptr},
-        {anyWhole, "9223372036854775807", "9223372036854775807"},
-        {anyWhole, "9223372036854775808", nullptr},
-        {real, "2.50", "2.5"},
-        {real, "2.5000001", nullptr},
-        {real, "1e-1", "0.1"},
-        {real, "1,5", "1.5"},
-        {real, "1,5,", nullptr},
-        {real, "nan", nullptr},
-        {real, "inf", nullptr},
-        {real, "1 2", nullptr},
-        {money, "3", "3.00"},
-        {PropRule::Real(-2.55, 2.55, 1), "2.55", "2.5"},
-        {PropRule::Real(-2.55, 2.55, 1), "-2.55", "-2.5"},
-        {PropRule::Real(0.26, 0.29, 1), "0.27", "0.27"},
-        {yes, "Yes", "true"},
-        {yes, "OFF", "false"},
-        {yes, "maybe", nullptr},
-        {choice, "lzw", "lzw"},
-        {choice, "NONE", "none"},
-        {choice, "zip", nullptr},
-        {color, "#0a80Ff", "#0A80FF"},
-        {color, "10, 128, 255", "#0A80FF"},
-        {color, "10,128,256", nullptr},
-        {color, "#0a80f", nullptr},
-        {color, "#+a80ff0", nullptr},
-        {color, "1,2", nullptr},
-        {text, " \xff ", " \xff "},
-    };
-    for (Case const &one : cases) {
-        std::optional<DString> const value = one.rule.Read(one.entry);
-        EXPECT_EQ(value.value_or("not taken"), one.value == nullptr ? "not taken" : one.value) << one.entry;
+    PropRule const tenth = PropRule::Real(-2.55, 2.55, 1);
+    using Texts = std::vector<char const *>;
+    // What is taken with the value that it gives, and what is not.
+    test::Rows<PropRule, std::map<DString, DString>, Texts> const cases = {
+        {whole, {{" 7 ", "7"}, {"+10", "10"}, {"-5", "-5"}}, {"11", "-6", "", "+-3", "3.0", "0x3"}},
+        {anyWhole, {{"9223372036854775807", "9223372036854775807"}}, {"9223372036854775808"}},
+        {real, {{"2.50", "2.5"}, {"1e-1", "0.1"}, {"1,5", "1.5"}}, {"2.5000001", "1,5,", "nan", "inf", "1 2"}},
+        {money, {{"3", "3.00"}}, {}},
+        {tenth, {{"2.55", "2.5"}, {"-2.55", "-2.5"}}, {}},
+        {PropRule::Real(0.26, 0.29, 1), {{"0.27", "0.27"}}, {}},
+        {PropRule::Boolean(), {{"Yes", "true"}, {"OFF", "false"}}, {"maybe"}},
+        {choice, {{"lzw", "lzw"}, {"NONE", "none"}}, {"zip"}},
+        {PropRule::Color(),
+         {{"#0a80Ff", "#0A80FF"}, {"10, 128, 255", "#0A80FF"}},
+         {"10,128,256", "#0a80f", "#+a80ff0", "1,2"}},
+        {PropRule(), {{" \xff ", " \xff "}}, {}}};
+    for (auto const &[rule, taken, refused] : cases) {
+        for (auto const &[entry, value] : taken)
+            EXPECT_EQ(rule.Read(entry), value) << entry;
+        for (char const *const entry : refused)
+            EXPECT_EQ(rule.Read(entry), std::nullopt) << entry;
     }
     EXPECT_EQ(whole.Wanted(), "A whole number from -5 to 10");
     EXPECT_EQ(anyWhole.Wanted(), "A whole number");
@@ -90,13 +62,18 @@ struct Layer {
         image->AddSubItem(title);
         image->AddSubItem(std::make_unique<CZelProp>("Format", "GTiff"));
         list.AddProperty(image);
-        auto *const look = new CZelProp("Look");
+        list.AddProperty(new CZelProp("Look"));
         for (CZelProp *const prop : {opacity, visible, resampling, tint, source, note})
-            look->AddSubItem(prop);
-        list.AddProperty(look);
+            list.GetProperty(1)->AddSubItem(prop);
         list.resize(320, 320);
         list.show();
         EXPECT_TRUE(QTest::qWaitForWindowActive(&list));
+    }
+    /// The open editor of a value, opened first.
+    template <class Editor = QLineEdit>
+    [[nodiscard]] Editor *Edit(CZelProp &prop) {
+        list.BeginEdit(prop);
+        return OpenEditor<Editor>();
     }
     template <class Editor = QLineEdit>
     [[nodiscard]] Editor *OpenEditor() const {
@@ -184,8 +161,7 @@ TEST(CZelPropList, SpaceEnterAndTheMouseTurnABooleanValueOver) {
 
 TEST(CZelPropList, AChoiceIsTakenWithEnterNotWithEachArrow) {
     Layer layer;
-    layer.list.BeginEdit(*layer.resampling);
-    auto *const combo = layer.OpenEditor<QComboBox>();
+    auto *const combo = layer.Edit<QComboBox>(*layer.resampling);
     ASSERT_NE(combo, nullptr);
     test::Shot(layer.list, "prop-list-choice");
     QTest::keyClick(combo, Qt::Key_Down);
@@ -198,8 +174,7 @@ TEST(CZelPropList, AChoiceIsTakenWithEnterNotWithEachArrow) {
 
 TEST(CZelPropList, AnEditedTextOfSeveralLinesKeepsItsLinesAndAnUntouchedPathItsBytes) {
     Layer layer;
-    layer.list.BeginEdit(*layer.note);
-    auto *const text = layer.OpenEditor<QPlainTextEdit>();
+    auto *const text = layer.Edit<QPlainTextEdit>(*layer.note);
     ASSERT_NE(text, nullptr);
     test::Shot(layer.list, "prop-list-lines");
     text->moveCursor(QTextCursor::End);
@@ -208,8 +183,7 @@ TEST(CZelPropList, AnEditedTextOfSeveralLinesKeepsItsLinesAndAnUntouchedPathItsB
     QTest::keyClick(text, Qt::Key_Return, Qt::ControlModifier);
     EXPECT_EQ(layer.note->GetValue(), "one\ntwo\nthree");
     EXPECT_EQ(layer.note->text(1), "one two three");
-    layer.list.BeginEdit(*layer.source);
-    QTest::keyClick(layer.OpenEditor(), Qt::Key_Return);
+    QTest::keyClick(layer.Edit(*layer.source), Qt::Key_Return);
     EXPECT_EQ(layer.source->GetValue(), "/data/\xff.tif");
     EXPECT_EQ(layer.list.changes, 1);
 }
@@ -220,8 +194,7 @@ TEST(CZelPropList, TheButtonOfAPathAsksTheHookAndThatOfAColourADialog) {
         value = prop.GetName() + "/\xfe";
         return true;
     });
-    layer.list.BeginEdit(*layer.source);
-    QTest::keyClick(layer.OpenEditor(), Qt::Key_F4);
+    QTest::keyClick(layer.Edit(*layer.source), Qt::Key_F4);
     EXPECT_EQ(layer.source->GetValue(), "File/\xfe");
     EXPECT_EQ(layer.OpenEditor(), nullptr);
 
@@ -231,24 +204,22 @@ TEST(CZelPropList, TheButtonOfAPathAsksTheHookAndThatOfAColourADialog) {
         colors.setCurrentColor(QColor(1, 2, 3));
         colors.accept();
     });
-    layer.list.BeginEdit(*layer.tint);
+    auto *const ask = layer.Edit<QToolButton>(*layer.tint);
     test::Shot(layer.list, "prop-list-color");
-    test::Click(layer.OpenEditor<QToolButton>());
+    test::Click(ask);
     EXPECT_TRUE(*asked);
     EXPECT_EQ(layer.tint->GetColor(), Rgb(1, 2, 3));
     EXPECT_EQ(layer.OpenEditor(), nullptr);
 
     auto const refused = test::OnNextDialog([](QWidget &dialog) { dialog.close(); });
-    layer.list.BeginEdit(*layer.tint);
-    test::Click(layer.OpenEditor<QToolButton>());
+    test::Click(layer.Edit<QToolButton>(*layer.tint));
     EXPECT_TRUE(*refused);
     EXPECT_NE(layer.OpenEditor(), nullptr) << "the user may go on typing";
     EXPECT_EQ(layer.list.changes, 2);
 
     auto doomed = std::make_unique<Layer>();
     auto const orphaned = test::OnNextDialog([&](QWidget &) { doomed.reset(); });
-    doomed->list.BeginEdit(*doomed->tint);
-    test::Click(doomed->OpenEditor<QToolButton>());
+    test::Click(doomed->Edit<QToolButton>(*doomed->tint));
     EXPECT_TRUE(*orphaned);
 }
 
@@ -360,8 +331,7 @@ TEST(CZelPropList, AlphabeticOrderDissolvesTheGroupsAndGivesThemBack) {
     EXPECT_FALSE(layer.list.GetProperty(0)->isExpanded()) << "as it was";
     layer.list.SetFilter("TL");
     EXPECT_TRUE(layer.list.GetProperty(0)->isExpanded());
-    EXPECT_TRUE(layer.list.GetProperty(1)->isFirstColumnSpanned());
-    EXPECT_TRUE(layer.visible->isHidden()) << "the filter goes on";
+    EXPECT_TRUE(layer.list.GetProperty(1)->isFirstColumnSpanned() && layer.visible->isHidden());
     EXPECT_EQ(layer.list.GetProperty(0)->childCount(), 3);
     layer.list.SetFilter("Yes");
     EXPECT_FALSE(layer.visible->isHidden()) << "values are searched, too";

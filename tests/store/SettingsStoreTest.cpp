@@ -1,10 +1,10 @@
 #include "zelvar/store/SettingsStore.h"
 
 #include "support/Test.h"
+#include "support/Told.h"
 #include "zelvar/base/DFile.h"
 #include "zelvar/base/DFileFind.h"
 #include "zelvar/base/Directories.h"
-#include "zelvar/base/Report.h"
 #include "zelvar/store/DCnfg.h"
 
 #include <csignal>
@@ -34,18 +34,6 @@ int StatusOf(pid_t child) {
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
-/// Collects what the user is told.
-class ToldUser : test::Pinned {
-public:
-    ToldUser()
-        : m_former(Report::SetUserHandler([this](Report::Severity, DString const &text) { texts.push_back(text); })) {}
-    ~ToldUser() { Report::SetUserHandler(m_former); }
-    std::vector<DString> texts;
-
-private:
-    Report::UserHandler m_former;
-};
-
 struct SettingsStoreTest : testing::Test {
     [[nodiscard]] std::size_t FilesNamed(char const *mask) const {
         return DFileFind(m_folder.Path(), mask, true, false, false, true, 0).GetFiles().size();
@@ -62,18 +50,16 @@ struct SettingsStoreTest : testing::Test {
 };
 
 TEST_F(SettingsStoreTest, ValuesComeBackInTheirType) {
-    SettingsStore::Value const values[] = {
-        std::int64_t{std::numeric_limits<std::int64_t>::min()},
-        -0.5,
-        DString("text \xFF\0 behind", 14),
-        DString(),
-        std::vector<DString>{"", "b", DString(70'000, 'x')},
-        std::vector<DString>{},
-        SettingsStore::Bytes{0, 255},
-        SettingsStore::Bytes{},
-        SettingsStore::Typed{0xFFFFFFFF, {0, 1}},
-        SettingsStore::Typed{2, {}},
-    };
+    SettingsStore::Value const values[] = {std::int64_t{std::numeric_limits<std::int64_t>::min()},
+                                           -0.5,
+                                           DString("text \xFF\0 behind", 14),
+                                           DString(),
+                                           std::vector<DString>{"", "b", DString(70'000, 'x')},
+                                           std::vector<DString>{},
+                                           SettingsStore::Bytes{0, 255},
+                                           SettingsStore::Bytes{},
+                                           SettingsStore::Typed{0xFFFFFFFF, {0, 1}},
+                                           SettingsStore::Typed{2, {}}};
     SettingsStore store(m_file);
     for (auto const &value : values) {
         ASSERT_TRUE(store.Write("a\\b", "n\xC3", value));
@@ -161,19 +147,16 @@ TEST_F(SettingsStoreTest, ProcessesThatIncrementTogetherLoseNothing) {
         }
         return 0;
     };
-    std::vector<pid_t> children;
-    children.reserve(processes);
-    for (int i = 0; i < processes; ++i) // each makes the file if it is the first; the last two share the parent's store
-        children.push_back(InChild([&] {
+    std::array<pid_t, processes> children{};
+    for (std::size_t i = 0; i < children.size(); ++i) // each makes the file if it is the first; two share the parent's
+        children.at(i) = InChild([&] {
             SettingsStore own(m_file);
             return increment(i < 2 ? own : store);
-        }));
-    std::vector<std::thread> threads;
-    threads.reserve(2);
-    for (int i = 0; i < 2; ++i)
-        threads.emplace_back([&] { EXPECT_EQ(increment(store), 0); });
-    for (std::thread &thread : threads)
-        thread.join();
+        });
+    {
+        std::jthread const threads[] = {std::jthread([&] { EXPECT_EQ(increment(store), 0); }),
+                                        std::jthread([&] { EXPECT_EQ(increment(store), 0); })};
+    }
     for (pid_t const child : children)
         EXPECT_EQ(StatusOf(child), 0);
     EXPECT_EQ(store.ReadInt("k", "n", 0), (processes + 2) * increments);
@@ -181,7 +164,7 @@ TEST_F(SettingsStoreTest, ProcessesThatIncrementTogetherLoseNothing) {
 
 TEST_F(SettingsStoreTest, AWriterKilledAtAnyMomentLeavesEachTransactionWholeOrAbsent) {
     std::mt19937 random(11); // NOLINT(cert-msc51-cpp)
-    ToldUser const told;
+    test::Told told;
     std::int64_t former = 0;
     for (int round = 0; round < 30; ++round) {
         int channel[2] = {};
@@ -206,31 +189,25 @@ TEST_F(SettingsStoreTest, AWriterKilledAtAnyMomentLeavesEachTransactionWholeOrAb
         EXPECT_GE(former, confirmed);
         EXPECT_EQ(store.ReadInt("k\\sub", "b", 0), former);
     }
-    EXPECT_TRUE(told.texts.empty());
+    EXPECT_THAT(told.Take(), testing::IsEmpty());
 }
 
 TEST_F(SettingsStoreTest, ADamagedFileIsKeptBesideAndANewOneBegun) {
-    struct Case {
-        char const *name;
-        DString bytes;
-    };
-    Case const cases[] = {
-        {"a text", "this is no database, but somebody's text, longer than the hundred bytes of a header that a "
-                   "database would begin with at the very least"},
+    test::Rows<char const *, DString> const cases = {
+        {"a text longer than the header of a database", DString(120, 'x')},
         {"a few bytes", "short"},
-        {"a header alone", DString("SQLite format 3\0", 16) + DString(2000, '\x7F')},
-    };
+        {"a header alone", DString("SQLite format 3\0", 16) + DString(2000, '\x7F')}};
     std::size_t aside = 0;
-    for (Case const &c : cases) {
-        SCOPED_TRACE(c.name);
-        ToldUser const told;
-        m_folder.Write("settings.db", c.bytes);
+    for (auto const &[name, bytes] : cases) {
+        SCOPED_TRACE(name);
+        test::Told told;
+        m_folder.Write("settings.db", bytes);
         SettingsStore store(m_file);
         EXPECT_FALSE(store.Read("k", "n"));
         EXPECT_TRUE(store.Write("k", "n", DString("new")));
         EXPECT_EQ(store.ReadString("k", "n"), "new");
-        EXPECT_EQ(test::ReadFile(m_file + ".damaged-" + std::to_string(++aside)), c.bytes);
-        EXPECT_EQ(told.texts.size(), 1U);
+        EXPECT_EQ(test::ReadFile(m_file + ".damaged-" + std::to_string(++aside)), bytes);
+        EXPECT_EQ(told.Take().size(), 1U);
         EXPECT_EQ(FilesNamed("settings.db.damaged-*"), aside);
     }
 }
@@ -241,11 +218,10 @@ TEST_F(SettingsStoreTest, DamageFoundLaterIsKeptBesideToo) {
         [&](SettingsStore &store) { return !read(store); },
         [&](SettingsStore &store) { return store.Transact([&] { return read(store) || true; }); }, // on the new file
         [&](SettingsStore &store) { return !store.ReadTogether([&] { std::ignore = read(store); }); },
-        [](SettingsStore &store) { return !store.IsWhole(); },
-    };
+        [](SettingsStore &store) { return !store.IsWhole(); }};
     std::size_t aside = 0;
     for (auto const &find : finders) {
-        ToldUser const told;
+        test::Told told;
         {
             SettingsStore store(m_file);
             store.Transact([&] {
@@ -262,7 +238,7 @@ TEST_F(SettingsStoreTest, DamageFoundLaterIsKeptBesideToo) {
         EXPECT_TRUE(store.Write("k300", "n", DString("after")));
         EXPECT_EQ(other.ReadString("k300", "n"), "after"); // finds the new file, and does not set that aside
         EXPECT_EQ(FilesNamed("settings.db.damaged-?"), ++aside);
-        EXPECT_EQ(told.texts.size(), 1U);
+        EXPECT_EQ(told.Take().size(), 1U);
     }
 }
 
@@ -346,13 +322,11 @@ TEST_F(SettingsStoreTest, WithoutTheRightToWriteReadingWorks) {
         });
         return StatusOf(child);
     };
-    EXPECT_EQ(withoutRights(0444, 0777), 0) << "a file that cannot be written";
-    EXPECT_EQ(withoutRights(0444, 0555), 0) << "a directory that cannot be written";
-    EXPECT_EQ(withoutRights(0666, 0555), 0) << "only the directory cannot be written";
+    for (auto const &[file, folder] : {std::pair{0444U, 0777U}, {0444U, 0555U}, {0666U, 0555U}})
+        EXPECT_EQ(withoutRights(file, folder), 0) << std::oct << file << " in " << folder;
     chmod(m_folder.Path().c_str(), 0755);
-    EXPECT_FALSE(SettingsStore("").Write("k", "n", DString("x")));
-    EXPECT_FALSE(SettingsStore(m_folder.Path()).Write("k", "n", DString("x"))); // a directory
-    EXPECT_FALSE(SettingsStore("/proc/none/settings.db").Write("k", "n", DString("x")));
+    for (DString const &place : {DString(), m_folder.Path(), DString("/proc/none/settings.db")})
+        EXPECT_FALSE(SettingsStore(place).Write("k", "n", DString("x"))) << place;
 }
 
 TEST_F(SettingsStoreTest, TheInstanceFollowsTheFileNamedInTheEnvironment) {

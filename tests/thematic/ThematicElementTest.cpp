@@ -38,8 +38,7 @@ TEST(ThematicButtonBase, HearsOfTheMouse) {
         {"stays disabled", MouseEvntMove, in, false, 1, 1}, {"leaves disabled", MouseEvntMove, out, false, 1, 0},
         {"is pressed", MouseEvntLDown, in, true, 1, 3},     {"is pressed disabled", MouseEvntLDown, in, false, 0, 0},
         {"is missed", MouseEvntLDown, out, true, 0, 0},     {"is let go outside", MouseEvntLUp, out, true, 2, 0},
-        {"is left", MouseEvntLeave, in, true, 3, 0},
-    };
+        {"is left", MouseEvntLeave, in, true, 3, 0}};
     for (auto const &[name, event, point, enabled, before, after] : cases) {
         ThematicButton button(1, false, 0);
         button.SetRect(kPlace);

@@ -3,8 +3,6 @@
 #include "support/GuiTest.h"
 #include "support/ScreenReader.h"
 
-#include <QtGui/QAccessible>
-
 namespace zelvar {
 namespace {
 
