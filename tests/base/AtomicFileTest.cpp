@@ -4,6 +4,8 @@
 
 #include <filesystem>
 
+#include <sys/wait.h>
+
 namespace zelvar {
 namespace {
 
@@ -38,6 +40,13 @@ TEST(AtomicFile, OneThatIsAbandonedLeavesNoTrace) {
         EXPECT_TRUE(file.Flush());
         EXPECT_EQ(FilesIn(folder), 1U);
         AtomicFile const other(folder / "b");
+        if (pid_t const child = fork(); child == 0) { // which leaves what is its parent's
+            file.~AtomicFile();
+            _exit(0);
+        } else {
+            EXPECT_EQ(waitpid(child, nullptr, 0), child);
+        }
+        EXPECT_EQ(FilesIn(folder), 2U);
     }
     EXPECT_EQ(FilesIn(folder), 0U);
     for (DString const &nowhere : {folder / "no/a", folder.Path(), DString()}) {

@@ -165,7 +165,8 @@ TEST(Moniker, OnlyAddressesOnTheNetworkAreUrls) {
 }
 
 TEST(Moniker, PercentEscapesGoBothWays) {
-    EXPECT_EQ(PercentDecoded("a%20b%2fc%zz%4"), "a b/c%zz%4");
+    EXPECT_EQ(PercentDecoded("a%20b%2fc%zz%4%41"), "a b/c%zz%4A");
+    EXPECT_EQ(PercentDecoded("%4") + PercentDecoded("%41%"), "%4A%");
     EXPECT_EQ(PercentEncoded("a b/\xC3\xA4&=?"), "a%20b%2F%C3%A4%26%3D%3F");
     EXPECT_EQ(PercentEncoded("a/b", true), "a/b");
 }

@@ -54,6 +54,11 @@ TEST(CommandTable, ABashCompletesWhatTheTableHolds) {
     }
 }
 
+TEST(CommandTable, LinesOfTheUsageFitAScreen) {
+    for (DString const &line : Split(UsageText(), '\n'))
+        EXPECT_LE(line.size(), 100U) << line;
+}
+
 TEST(CommandTable, ManualPagesTellEachOptionAndHideNoMacro) {
     CommandSpec const odd{.name = "odd", .about = ".Begins so. It's \\ odd.", .options = {{"--a-b", "N", "'quoted'"}}};
     std::string const page = ManualPage(odd, "1.2");

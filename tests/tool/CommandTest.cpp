@@ -243,6 +243,7 @@ TEST_F(Command, TheLogHasALineAMessageUpToTheLevelAskedFor) {
     std::vector<DString> const lines = linesAt("3");
     ASSERT_GT(lines.size(), 1U);
     EXPECT_EQ(lines.back(), ""); // the last line is whole
+    EXPECT_EQ(std::filesystem::status(folder / "log").permissions(), std::filesystem::perms(0600));
     for (std::size_t i = 0; i + 1 < lines.size(); ++i)
         EXPECT_THAT(lines[i], testing::ContainsRegex("^[0-9-]+T[0-9:.]+ [[][0-3][]] "));
     EXPECT_LT(linesAt("2").size(), lines.size());
