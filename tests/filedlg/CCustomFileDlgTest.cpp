@@ -184,6 +184,7 @@ TEST_F(CustomFileDialog, ATypedFolderIsEnteredAndATypedMaskFilters) {
         hand.AwaitShown({"a.csv"});
         EXPECT_EQ(shown.GetWindowText(), folder / "sub");
         hand.TypeAndEnter("..");
+        QTest::keyClick(&hand.List(), Qt::Key_Left);
         EXPECT_EQ(shown.GetWindowText(), folder.Path());
         QTest::keyClick(&hand.List(), Qt::Key_Left, Qt::AltModifier);
         EXPECT_TRUE(Eventually([&] { return shown.GetWindowText() == folder / "sub"; }));

@@ -451,6 +451,7 @@ TEST(CZelTreeCtrlEx, CursorsAreChained) {
     EXPECT_EQ(root.GetChild().GetNextSibling().GetNextSibling(), last);
     EXPECT_EQ(last.GetImageID(), 3);
     EXPECT_EQ(last.GetParent().GetText(), "root");
+    EXPECT_TRUE(root.SortChildren() && root.GetChild().GetNextSibling() == last) << "first, last, middle";
     EXPECT_TRUE(root.Expand() && root.IsExpanded() && root.HasChildren());
     EXPECT_TRUE(last.Select());
     EXPECT_EQ(tree.GetSelectedItem(), last);

@@ -199,7 +199,8 @@ TEST(ReportView, StoredTextsFollowTheirColumns) {
     ASSERT_TRUE(view.GetColumn(2, column));
     EXPECT_EQ(column.subItem, 2);
     EXPECT_EQ(view.DeleteColumn(3), 0);
-    EXPECT_FALSE(view.SetItemText(0, 3, "beyond"));
+    EXPECT_FALSE(view.SetItemText(0, 3, "beyond") || view.DeleteItem(2) || view.SetItemImage(2, 0) ||
+                 view.SetItemWord(2, 0) || view.SetItemGroup(2, 0));
 }
 
 TEST(ReportView, ColumnsMayBeReorderedAndFitTheirContent) {
@@ -316,10 +317,13 @@ TEST(ReportView, TheSelectionIsMarkedWithoutTheFocusOnlyWhereWanted) {
     stage.Click(1);
     QColor const highlight = view.palette().color(QPalette::Highlight);
     auto const marked = [&] {
-        Rect const row = view.GetItemRect(1);
-        return test::ColorAt(*view.viewport(), {row.right - 3, row.top + 3}) == highlight;
+        Rect const place = view.GetItemRect(1);
+        return test::ColorAt(*view.viewport(), {place.right - 3, place.top + 3}) == highlight;
     };
     EXPECT_TRUE(marked());
+    Rect const row = view.GetItemRect(1);
+    QColor const dot = test::ColorAt(*view.viewport(), {row.left, row.top + 5});
+    EXPECT_NE(dot, test::ColorAt(*view.viewport(), {row.left, row.top + 6})) << "the frame is dotted at the edge";
     view.clearFocus();
     EXPECT_FALSE(marked());
     view.ModifyStyle(0, LVS_SHOWSELALWAYS);

@@ -86,6 +86,8 @@ TEST(TreeNodes, SortingDisregardsLetterCaseAndKeepsEqualOnesInOrder) {
     root.children->Reorder(TreeNodes::Sorted(root));
     EXPECT_EQ(Texts(root), "A a b B \xC3\xA9");
     EXPECT_EQ(TreeNodes::RowOf(*root.LastChild()), 4);
+    EXPECT_EQ(TreeNodes::SortedPlace(root, "AA"), TreeNodes::ChildAt(root, 1));
+    EXPECT_EQ(TreeNodes::SortedPlace(root, ""), nullptr);
 }
 
 TEST(TreeNodes, TheShownOrderLeavesOutWhatIsCollapsed) {

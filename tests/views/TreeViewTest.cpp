@@ -58,7 +58,9 @@ TEST(TreeView, ItemsGoWhereTheyAreTold) {
     TreeNode *const middle = tree.InsertItem("middle", family.parent, family.first);
     TreeNode *const late = tree.InsertItem("gamma", family.other);
     TreeNode *const sorted = tree.InsertItem("Beta", family.other, TVI_SORT);
-    TreeNode *const strange = tree.InsertItem("strange", family.parent, family.other); // no sibling: at the end
+    TreeNode *const strange = tree.InsertItem(TVIF_TEXT | TVIF_STATE, "strange", 0, 0, TVIS_BOLD | TVIS_CUT, TVIS_BOLD,
+                                              0, family.parent, family.other); // no sibling: at the end
+    EXPECT_EQ(tree.GetItemState(strange, ~0U), unsigned{TVIS_BOLD});
     EXPECT_EQ(tree.GetChildItem(family.parent), head);
     EXPECT_EQ(tree.GetNextSiblingItem(family.first), middle);
     EXPECT_EQ(tree.GetPrevSiblingItem(strange), family.second);
@@ -205,6 +207,9 @@ TEST(TreeView, AnEditedLabelIsTakenOverOnlyIfSomebodySaysSo) {
         stage.Key(Qt::Key_F2);
         QLineEdit *const line = tree.GetEditControl();
         ASSERT_NE(line, nullptr);
+        Rect const label = stage.Label(item);
+        EXPECT_EQ(line->pos(), QPoint(label.left - 2, 0));
+        EXPECT_EQ(line->height(), std::max(label.Height(), line->minimumSizeHint().height()));
         test::Shot(tree, "tree-view-label-edit");
         QTest::keyClicks(line, "new");
         QTest::keyClick(line, static_cast<Qt::Key>(endKey));
@@ -218,8 +223,7 @@ TEST(TreeView, AnEditedLabelIsTakenOverOnlyIfSomebodySaysSo) {
     EXPECT_EQ(asked, 101);
     edit(Qt::Key_Return);
     EXPECT_EQ(tree.GetItemText(item), "new");
-    EXPECT_TRUE(tree.hasFocus());
-    EXPECT_TRUE(tree.isVisible());
+    EXPECT_TRUE(tree.hasFocus() && tree.isVisible());
 }
 
 TEST(TreeView, AnEditEndsWithItsItemAndWithTheTree) {
