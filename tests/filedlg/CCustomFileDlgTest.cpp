@@ -369,8 +369,7 @@ TEST_F(CustomFileDialog, NoTextIsCut) {
     RunWith(dialog, [](Hand const &hand) {
         Shot(hand.Dialog(), "file-save");
         for (auto const *const label : hand.Dialog().findChildren<QLabel *>())
-            EXPECT_FALSE(label->isVisible() && label->width() < label->sizeHint().width())
-                << label->text().toStdString();
+            EXPECT_FALSE(label->isVisible() && label->width() < label->sizeHint().width()) << qPrintable(label->text());
         for (auto const *const button : hand.Dialog().findChildren<QAbstractButton *>()) {
             if (!button->isVisible() || button->text().isEmpty())
                 continue;

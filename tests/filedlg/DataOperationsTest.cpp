@@ -90,14 +90,12 @@ TEST_F(DataOperations, TheFormatToBeginWithIsTheWantedTheStandardTheFilesOrTheUs
         EXPECT_FALSE(asked.OpenRasterData(Plugins(), mode, false, false, nullptr));
         return asked.Current();
     };
-    for (auto const &[mode, file, format] : Rows<int, char const *, char const *>{{0, "", "All Files"},
-                                                                                  {0, "x.png", "Pictures"},
-                                                                                  {0, "x.jpeg", "All Files"},
-                                                                                  {0, "x.ab", "ABC before all"},
-                                                                                  {1, "", "Big images"},
-                                                                                  {1, "x.jpeg", "JPEG"},
-                                                                                  {1, "x.what", "Big images"}})
-        EXPECT_EQ(current(mode, file), format) << mode << file;
+    using Names = std::map<char const *, char const *>;
+    for (auto const &[mode, begin] : Rows<int, Names>{
+             {0, {{"", "All Files"}, {"x.png", "Pictures"}, {"x.jpeg", "All Files"}, {"x.ab", "ABC before all"}}},
+             {1, {{"", "Big images"}, {"x.jpeg", "JPEG"}, {"x.what", "Big images"}}}})
+        for (auto const &[file, format] : begin)
+            EXPECT_EQ(current(mode, file), format) << mode << file;
     EXPECT_EQ(current(0, "x.png", "ASC"), "Grids");
     Add("Plain", {{"COG", "A variant", "*.tif"}, {"GTiff", "GeoTIFF", "*.tif;*.tiff"}});
     for (char const *file : {"", "x.tif", "x.what"})

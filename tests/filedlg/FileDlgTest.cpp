@@ -11,7 +11,6 @@
 #include "zelvar/store/DCnfg.h"
 
 #include <filesystem>
-#include <thread>
 
 namespace zelvar::test {
 namespace {
@@ -163,15 +162,10 @@ TEST_F(Request, TheFolderOfAFileAndTheProfilesFolderLeadToTheFile) {
 TEST_F(Request, StandardFormatsAreOfferedByModeAndTheirFirstIsCurrent) {
     DString const text = "Ascii text files, DBase files";
     DString const tables = "Comma separated list files, Comma separated list files (Transposed)";
-    Rows<int, int, DString> const cases = {{0, 1, text},
-                                           {0, 2, text},
-                                           {1, 0, tables},
-                                           {1, -1, tables},
-                                           {2, 0, "Shape files"},
-                                           {3, 1, "HTML files"},
-                                           {4, 2, "Snippet files"},
-                                           {1, 1, tables + ", Ascii text files"},
-                                           {0, 0, text + ", Comma separated list files, All Files"}};
+    Rows<int, int, DString> const cases = {
+        {0, 1, text},   {1, -1, tables},       {4, 2, "Snippet files"},
+        {0, 2, text},   {3, 1, "HTML files"},  {1, 1, tables + ", Ascii text files"},
+        {1, 0, tables}, {2, 0, "Shape files"}, {0, 0, text + ", Comma separated list files, All Files"}};
     for (auto const &[format, mode, offered] : cases) {
         AskedRequest standard;
         standard.SetFormat(static_cast<FileDlg::EFormat>(format), mode);

@@ -10,10 +10,6 @@
 #include <QtWidgets/QMessageBox>
 
 #include <filesystem>
-#include <thread>
-
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace zelvar::test {
 namespace {

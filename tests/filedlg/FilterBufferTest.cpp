@@ -34,15 +34,10 @@ TEST(FilterBuffer, IsFullAtItsSizeAndTakesNothingInPart) {
 
 TEST(FilterBuffer, TheEntryOfAnExtensionIsTheFirstWhosePatternHoldsIt) {
     char const *const three = "Text|*.txt|Tables|*.csv;*.tsv|All|*.*||";
-    Rows<char const *, char const *, int> const cases = {{three, "*.txt", 0},
-                                                         {three, "csv", 1},
-                                                         {three, "*.tsv", 1},
-                                                         {three, "*.gif", 3},
-                                                         {"Text (*.csv)|*.txt|Tables|*.csv||", "*.csv", 1},
-                                                         {"None||Text|*.txt||", "", 1},
-                                                         {"Text|*.txt||", "", 0},
-                                                         {"Text", "", 1},
-                                                         {"", "", 0}};
+    Rows<char const *, char const *, int> const cases = {
+        {"", "", 0},       {three, "*.txt", 0}, {"Text|*.txt||", "", 0},
+        {"Text", "", 1},   {three, "*.tsv", 1}, {"None||Text|*.txt||", "", 1},
+        {three, "csv", 1}, {three, "*.gif", 3}, {"Text (*.csv)|*.txt|Tables|*.csv||", "*.csv", 1}};
     for (auto const &[filter, extension, index] : cases)
         EXPECT_EQ(IndexOfPattern(filter, extension), index) << filter << " " << extension;
 }

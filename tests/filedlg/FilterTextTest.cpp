@@ -35,17 +35,10 @@ TEST(FilterText, AMaskThatEveryNamePassesLeavesNone) {
 }
 
 TEST(FilterText, TheDefaultExtensionIsThatOfTheChosenFilter) {
-    Rows<char const *, char const *, char const *> const cases = {{"*.tif;*.tiff", "txt", "tif"},
-                                                                  {"*.t?f;*.tiff", "txt", "tiff"},
-                                                                  {"*.*", "txt", ""},
-                                                                  {"", ".txt", "txt"},
-                                                                  {"", "*.txt", "txt"},
-                                                                  {"", "*.*", ""},
-                                                                  {"", "tar.gz", "tar.gz"},
-                                                                  {"*.tar.gz", "", "tar.gz"},
-                                                                  {"report*", "txt", "txt"},
-                                                                  {"*.tif;*.*", "csv", ""},
-                                                                  {"*.", "txt", "txt"}};
+    Rows<char const *, char const *, char const *> const cases = {
+        {"", "*.*", ""},      {"*.tif;*.*", "csv", ""},        {"*.*", "txt", ""},      {"report*", "txt", "txt"},
+        {"", ".txt", "txt"},  {"*.tar.gz", "", "tar.gz"},      {"", "*.txt", "txt"},    {"*.tif;*.tiff", "txt", "tif"},
+        {"*.", "txt", "txt"}, {"*.t?f;*.tiff", "txt", "tiff"}, {"", "tar.gz", "tar.gz"}};
     for (auto const &[masks, given, expected] : cases)
         EXPECT_EQ(DefaultExtension(masks, given), expected) << masks << " and " << given;
 }

@@ -86,8 +86,7 @@ std::vector<Operation> Operations() {
         {&CallNamed<&F::OpenXMLData>, {&known.frmt_xml}, "Cells", nullptr, nullptr},
         {&CallNamed<&F::OpenArcSDEConnFile>, {&known.frmt_das}, "Cells", nullptr, "ThematicFolders"},
         {csv, lists, "contents", nullptr, images, false, 0, "", {}, {1}},
-        {html, {&known.frmt_html}, "contents", nullptr, nullptr, false, 0, "", {}, {1}},
-    };
+        {html, {&known.frmt_html}, "contents", nullptr, nullptr, false, 0, "", {}, {1}}};
 }
 
 TEST_F(TypedOperations, EachOffersItsFormatsUnderItsCaptionAndRemembersItsFolder) {

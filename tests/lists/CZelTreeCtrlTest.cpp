@@ -400,7 +400,7 @@ TEST_F(CZelTreeCtrlTest, ImagesAreDrawnIntoTheOwnedList) {
     for (auto const &[item, at, expected] : Rows<HTREEITEM, int, ColorRef>{{a2, 2, Rgb(0, 0, 255)},
                                                                            {a2, 13, Rgb(0, 0, 255)},
                                                                            {a2, 3, Rgb(0, 255, 0)},
-                                                                           {a2, 14, color(a2, 1, 1)}, // outside
+                                                                           {a2, 14, color(a2, 1, 1)},
                                                                            {a1, 8, Rgb(255, 0, 0)},
                                                                            {b, 8, Rgb(0, 0, 255)},
                                                                            {c, 8, Rgb(255, 0, 0)}})

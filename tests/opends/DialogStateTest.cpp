@@ -24,8 +24,7 @@ TEST(DialogState, TypedPathsAreFixedUpToTheFirstColonOrQuestionMark) {
         {"//server/share/x", PathStyle::Windows(), R"(\\server\share\x)"},
         {"dir/a?b/c", PathStyle::Windows(), "dir\\a?b/c"},
         {"http://host/x", PathStyle::Windows(), "http://host/x"},
-        {"http://host/x", PathStyle::Native(), "http://host/x"},
-    };
+        {"http://host/x", PathStyle::Native(), "http://host/x"}};
     for (auto const &[typed, style, fixed] : cases)
         EXPECT_EQ(FixTypedPath(typed, style), fixed) << typed;
 }

@@ -1,9 +1,9 @@
 #include "zelvar/opends/DlgOpenDS.h"
 
-#include "support/GuiTest.h"
 #include "support/ImageFiles.h"
 #include "support/OpenDialogHand.h"
 #include "support/RealDrivers.h"
+#include "support/Told.h"
 #include "zelvar/controls/CZelComboBox.h"
 #include "zelvar/data/BDIDrvr.h"
 #include "zelvar/data/BDIDrvrMngr.h"
@@ -14,32 +14,23 @@
 #include "zelvar/model/DataSourceCollector.h"
 #include "zelvar/model/NtwDataSourceItem.h"
 #include "zelvar/opends/DSDataSourceWnd.h"
-#include "zelvar/opends/DSListCtrl.h"
 #include "zelvar/opends/DSMessages.h"
-#include "zelvar/opends/DSPropertyWnd.h"
 #include "zelvar/opends/DataSourceList.h"
 #include "zelvar/opends/HierarchyList.h"
 #include "zelvar/opends/ImageExtraWnd.h"
 #include "zelvar/opends/ImagePreviewWnd.h"
-#include "zelvar/opends/OpenDialogTemplate.h"
-#include "zelvar/platform/ui/ControlId.h"
-#include "zelvar/platform/ui/UserMessages.h"
-#include "zelvar/props/CZelPropList.h"
 #include "zelvar/settings/DfltFldrs.h"
 #include "zelvar/store/DCnfg.h"
 
-#include <QtCore/QTimer>
 #include <QtWidgets/QAbstractItemView>
 #include <QtWidgets/QCheckBox>
 #include <QtWidgets/QCompleter>
 #include <QtWidgets/QHeaderView>
 
-namespace zelvar {
+namespace zelvar::test {
 namespace {
 
 using platform::GetDlgItem;
-using test::DialogPtr;
-using test::RowOf;
 
 /// Knows when a dialog has been painted and what it left for behind that is done.
 class FirstPaint : public QObject {
@@ -73,25 +64,16 @@ bool IsClassified(DSListCtrl const &list) {
 }
 
 struct OpenDialog : testing::Test {
-    void SetUp() override {
-        test::UseRealDrivers();
-        RegisterDriversOnce();
-        platform::SetUserMessageHook([this](Report::Severity, DString const &text) {
-            messages.push_back(text);
-            return true;
-        });
-        platform::InstallUserMessages();
-        test::WriteImage(folder / "grey.tif", {.width = 64, .height = 32});
-        test::WriteImage(folder / "rgb.tif", {.channels = 3});
+    OpenDialog() {
+        UseRealDrivers();
+        EnsureDrivers();
+        WriteImage(folder / "grey.tif", {.width = 64, .height = 32});
+        WriteImage(folder / "rgb.tif", {.channels = 3});
         folder.Write("notes.txt", "no image");
         folder.Folder("sub");
-        test::WriteImage(folder / "sub/inner.tif");
+        WriteImage(folder / "sub/inner.tif");
     }
-    void TearDown() override {
-        platform::RemoveUserMessages();
-        platform::SetUserMessageHook({});
-    }
-    static void RegisterDriversOnce() { EnsureDrivers(); }
+    ~OpenDialog() override { EXPECT_THAT(told.Take(), IsEmpty()); }
 
     DialogPtr Make(DLGTemplate purpose = DT_DATA) {
         DialogPtr dialog(DlgOpenDS::CreateDialogObject({&all, &tiff}, &all, purpose, "ImageFolders", nullptr));
@@ -108,15 +90,15 @@ struct OpenDialog : testing::Test {
             DSListCtrl const *const list = dialog.MainList();
             return paint.IsOver() && list != nullptr && list->GetNumRow() > 0 && IsClassified(*list);
         };
-        return test::RunWhen(dialog, hasRows, act);
+        return RunWhen(dialog, hasRows, act);
     }
     static void ClickRow(DSListCtrl &list, DString const &name, Qt::KeyboardModifiers keys = {}) {
-        QTest::mouseClick(list.viewport(), Qt::LeftButton, keys, test::PlaceOf(list, name));
+        QTest::mouseClick(list.viewport(), Qt::LeftButton, keys, PlaceOf(list, name));
     }
     static QPushButton *Button(DlgOpenDS &dialog, int id) { return GetDlgItem<QPushButton>(dialog, id); }
 
-    test::TempFolder folder;
-    std::vector<DString> messages;
+    TempFolder folder;
+    Told told;
     DFileFrmt all{"", "All Files (*.*)", "*.*"};
     DFileFrmt tiff{"GTiff", "TIFF (*.tif)", "*.tif"};
 };
@@ -126,15 +108,14 @@ TEST_F(OpenDialog, ImagesPickedWithTheMouseComeBackAsMonikers) {
     int const answer = Run(*dialog, [&] {
         DSListCtrl &list = *dialog->MainList();
         ASSERT_EQ(list.GetNumRow(), 3) << "files alone";
-        EXPECT_EQ(list.GetColumnWidth(0) + list.GetColumnWidth(1) + list.GetColumnWidth(2),
-                  list.GetClientRect().Width());
-        EXPECT_TRUE(test::Eventually([&] { return !Button(*dialog, kOkId)->isEnabled(); })) << "nothing is selected";
+        EXPECT_EQ(list.ColumnsWidth(), list.GetClientRect().Width());
+        EXPECT_TRUE(Eventually([&] { return !Button(*dialog, kOkId)->isEnabled(); })) << "nothing is selected";
         ClickRow(list, "grey.tif");
         ClickRow(list, "rgb.tif", Qt::ControlModifier);
-        EXPECT_TRUE(test::Eventually([&] { return dialog->PropertyWnd()->Preview()->GetMode() == 0; }));
-        ASSERT_TRUE(test::Eventually([&] { return Button(*dialog, kOkId)->isEnabled(); }));
-        test::Shot(*dialog, "DlgOpenDS-selected");
-        test::Click(Button(*dialog, kOkId));
+        EXPECT_TRUE(Eventually([&] { return dialog->PropertyWnd()->Preview()->GetMode() == 0; }));
+        ASSERT_TRUE(Eventually([&] { return Button(*dialog, kOkId)->isEnabled(); }));
+        Shot(*dialog, "DlgOpenDS-selected");
+        Click(Button(*dialog, kOkId));
     });
     EXPECT_EQ(answer, QDialog::Accepted);
     auto const &monikers = dialog->GetSelectedNodePaths();
@@ -145,7 +126,6 @@ TEST_F(OpenDialog, ImagesPickedWithTheMouseComeBackAsMonikers) {
     DfltFldrs::Instance()->GetDirHist("ImageFolders", history, false, true);
     ASSERT_FALSE(history.empty());
     EXPECT_EQ(history[0], folder / "rgb.tif");
-    EXPECT_TRUE(messages.empty());
 }
 
 TEST_F(OpenDialog, ADoubleClickIsOkAndReturnInTheListTooButNothingPickedKeepsItOpen) {
@@ -180,10 +160,9 @@ TEST_F(OpenDialog, OkWritesTheStateCancelDoesNotAndTheOrderNeverComesBack) {
     Run(*dialog, [&] {
         GetDlgItem<QLineEdit>(*dialog, kFileFilterId)->setText("*.tif");
         dialog->MainList()->Sort(1, false);
-        ASSERT_TRUE(test::Eventually([&] { return dialog->MainList()->GetNumRow() > 0; }));
+        ASSERT_TRUE(Eventually([&] { return dialog->MainList()->GetNumRow() > 0; }));
         dialog->MainList()->SetSlct(0, true);
-        ASSERT_TRUE(test::Eventually([&] { return Button(*dialog, kOkId)->isEnabled(); }));
-        test::Click(Button(*dialog, kOkId));
+        PressOk(*dialog);
     });
     EXPECT_EQ(DUserCnfg("DlgOpenDSSorting").ReadString("0", ""), "ASC:ASC:1:DSC");
     EXPECT_EQ(DUserCnfg("DlgOpenDS").ReadString("recursive", ""), "false");
@@ -205,16 +184,15 @@ TEST_F(OpenDialog, ATypedPathIsGoneToAndABadOneIsToldOnce) {
         history->setFocus();
         history->SetWindowText("  " + folder / "sub" + " ");
         QTest::keyClick(history->lineEdit(), Qt::Key_Return);
-        EXPECT_TRUE(test::Eventually([&] { return RowOf(*dialog->MainList(), "inner.tif") == 0; }));
+        EXPECT_TRUE(Eventually([&] { return RowOf(*dialog->MainList(), "inner.tif") == 0; }));
         history->SetWindowText(folder / "nowhere");
         QTest::keyClick(history->lineEdit(), Qt::Key_Return);
-        ASSERT_EQ(messages.size(), 1U);
-        EXPECT_EQ(messages[0], "Cannot access '" + folder / "nowhere" + "' path");
+        EXPECT_THAT(told.Take(), ElementsAre("Cannot access '" + folder / "nowhere" + "' path"));
         EXPECT_TRUE(dialog->isVisible());
         // A file stands for its folder.
         history->SetWindowText(folder / "grey.tif");
         QTest::keyClick(history->lineEdit(), Qt::Key_Return);
-        EXPECT_TRUE(test::Eventually([&] { return RowOf(*dialog->MainList(), "rgb.tif") >= 0; }));
+        EXPECT_TRUE(Eventually([&] { return RowOf(*dialog->MainList(), "rgb.tif") >= 0; }));
         // What is offered meanwhile is not taken by itself, nor what differs in case alone.
         for (DString const &other : {folder / "sub/deeper", folder / "SUB"})
             history->AddString(other);
@@ -222,10 +200,9 @@ TEST_F(OpenDialog, ATypedPathIsGoneToAndABadOneIsToldOnce) {
         QTest::keyClicks(history->lineEdit(), QString::fromStdString(folder / "sub"));
         EXPECT_EQ(history->lineEdit()->text().toStdString(), folder / "sub");
         QWidget &offered = *history->completer()->popup();
-        EXPECT_TRUE(test::Eventually([&] { return offered.isVisible(); }));
+        EXPECT_TRUE(Eventually([&] { return offered.isVisible(); }));
         QTest::keyClick(&offered, Qt::Key_Return);
-        EXPECT_TRUE(test::Eventually([&] { return RowOf(*dialog->MainList(), "inner.tif") == 0; }));
-        EXPECT_EQ(messages.size(), 1U);
+        EXPECT_TRUE(Eventually([&] { return RowOf(*dialog->MainList(), "inner.tif") == 0; }));
     });
 }
 
@@ -233,9 +210,9 @@ TEST_F(OpenDialog, PathButtonsLeadUpAndTheStarRemembersTheInnermost) {
     DialogPtr const dialog = Make();
     Run(*dialog, [&] {
         auto const shown = [&] { return dialog->PathRow().LastShown(); };
-        ASSERT_TRUE(test::Eventually([&] { return shown() != nullptr; }));
+        ASSERT_TRUE(Eventually([&] { return shown() != nullptr; }));
         EXPECT_EQ(shown()->GetPath(), folder.Path());
-        test::Click(Button(*dialog, kFavoritesId));
+        Click(Button(*dialog, kFavoritesId));
         EXPECT_TRUE(Favorites::Contains(folder.Path()));
         std::vector<DSButton *> const buttons = dialog->PathRow().Buttons();
         ASSERT_GE(buttons.size(), 2U);
@@ -244,10 +221,10 @@ TEST_F(OpenDialog, PathButtonsLeadUpAndTheStarRemembersTheInnermost) {
         DString const parentPath = parent->item->GetPath();
         parent->setFocus();
         QTest::keyClick(parent, Qt::Key_Return);
-        EXPECT_TRUE(test::Eventually([&] { return shown()->GetPath() == parentPath; }));
-        test::Click(Button(*dialog, kHomeId));
+        EXPECT_TRUE(Eventually([&] { return shown()->GetPath() == parentPath; }));
+        Click(Button(*dialog, kHomeId));
         EXPECT_TRUE(dialog->DataSourceWnd()->IsDataSourceView());
-        test::Shot(*dialog, "DlgOpenDS-sources");
+        Shot(*dialog, "DlgOpenDS-sources");
     });
     Favorites::Remove(folder.Path());
 }
@@ -258,13 +235,13 @@ TEST_F(OpenDialog, SubfoldersAreSearchedOnDemandAndTheFileTypeFilters) {
         DSListCtrl const &list = *dialog->MainList();
         Button(*dialog, kRecursiveId)->setFocus();
         QTest::keyClick(dialog->focusWidget(), Qt::Key_Return);
-        EXPECT_TRUE(test::Eventually([&] { return RowOf(list, "inner.tif") >= 0 && list.GetNumRow() == 4; }));
+        EXPECT_TRUE(Eventually([&] { return RowOf(list, "inner.tif") >= 0 && list.GetNumRow() == 4; }));
         auto *types = GetDlgItem<CZelComboBox>(*dialog, kFileTypeId);
         ASSERT_EQ(types->GetCount(), 2);
         EXPECT_EQ(types->GetCurSel(), 0);
         types->setFocus();
         QTest::keyClick(types, Qt::Key_Down);
-        EXPECT_TRUE(test::Eventually([&] { return list.GetNumRow() == 3 && RowOf(list, "notes.txt") < 0; }));
+        EXPECT_TRUE(Eventually([&] { return list.GetNumRow() == 3 && RowOf(list, "notes.txt") < 0; }));
         EXPECT_EQ(GetDlgItem<QLineEdit>(*dialog, kFileFilterId)->text(), "*.tif");
         EXPECT_EQ(dialog->GetFormat(), &tiff);
     });
@@ -290,7 +267,7 @@ TEST_F(OpenDialog, TheTabKeyGoesRoundThePanesAndF5ListsAgain) {
         folder.Write("new.txt", "x");
         dialog->MainList()->setFocus();
         QTest::keyClick(dialog->MainList(), Qt::Key_F5);
-        EXPECT_TRUE(test::Eventually([&] { return RowOf(*dialog->MainList(), "new.txt") >= 0; }));
+        EXPECT_TRUE(Eventually([&] { return RowOf(*dialog->MainList(), "new.txt") >= 0; }));
     });
 }
 
@@ -306,7 +283,7 @@ TEST_F(OpenDialog, TheBarsBetweenThePanesMoveByKeyboardAndNoKeyOfTheirsEndsTheDi
         ASSERT_NE(bar, nullptr);
         QTest::keyClick(bar, Qt::Key_Left);
         EXPECT_EQ(list.width(), before + 10);
-        test::Shot(*dialog, "DlgOpenDS-bar");
+        Shot(*dialog, "DlgOpenDS-bar");
         QTest::keyClick(bar, Qt::Key_F5); // nothing of the dialog's
         QTest::keyClick(bar, Qt::Key_F8);
         QTest::keyClick(dialog->focusWidget(), Qt::Key_F8);
@@ -333,15 +310,14 @@ TEST_F(OpenDialog, AWorkspaceOffersTwoWaysOfOpeningOfWhichOneExcludesTheOther) {
                       auto *editOnly = GetDlgItem<QCheckBox>(*dialog, kEditOnlyId);
                       EXPECT_GE(editOnly->x(), readOnly->geometry().right() + 5) << "they touch";
                       EXPECT_GE(readOnly->width(), readOnly->sizeHint().width());
-                      test::Click(readOnly);
-                      test::Click(editOnly);
+                      Click(readOnly);
+                      Click(editOnly);
                       EXPECT_FALSE(readOnly->isChecked());
                       EXPECT_EQ(dialog->PropertyWnd()->GetTabsNum(), 1) << "no preview of documents";
                       EXPECT_FALSE(dialog->MainList()->IsMultiSlct());
                       ClickRow(*dialog->MainList(), "w.wsp");
-                      test::Shot(*dialog, "DlgOpenDS-workspace");
-                      ASSERT_TRUE(test::Eventually([&] { return Button(*dialog, kOkId)->isEnabled(); }));
-                      test::Click(Button(*dialog, kOkId));
+                      Shot(*dialog, "DlgOpenDS-workspace");
+                      PressOk(*dialog);
                   }),
               QDialog::Accepted);
     EXPECT_TRUE(dialog->GetEditOnly());
@@ -353,21 +329,21 @@ TEST_F(OpenDialog, TheLiftedPreviewCoversTheDialogUntilAClickEscapeOrItsEnd) {
     Run(*dialog, [&] {
         ClickRow(*dialog->MainList(), "rgb.tif");
         ImagePreviewWnd &preview = *dialog->PropertyWnd()->Preview();
-        ASSERT_TRUE(test::Eventually([&] { return preview.GetMode() == ImagePreviewWnd::ModeCanvas; }));
+        ASSERT_TRUE(Eventually([&] { return preview.GetMode() == ImagePreviewWnd::ModeCanvas; }));
         QRect const home = preview.geometry();
         for (auto const &putBack : std::initializer_list<std::function<void()>>{
-                 [&] { test::Click(&preview); }, [&] { preview.close(); }, // by the desktop
+                 [&] { Click(&preview); }, [&] { preview.close(); }, // by the desktop
                  [&] { QTest::keyClick(&preview, Qt::Key_Escape); }}) {
-            test::Click(&preview);
+            Click(&preview);
             ASSERT_TRUE(preview.IsLifted());
             EXPECT_EQ(preview.size(), dialog->size());
-            test::Shot(preview, "ImagePreviewWnd-lifted");
+            Shot(preview, "ImagePreviewWnd-lifted");
             putBack();
             EXPECT_FALSE(preview.IsLifted());
             EXPECT_TRUE(preview.isVisible() && dialog->isVisible());
             EXPECT_EQ(preview.geometry(), home);
         }
-        test::Click(&preview);
+        Click(&preview);
         ASSERT_TRUE(preview.IsLifted()) << "the dialog ends while it is";
     });
 }
@@ -394,46 +370,40 @@ TEST_F(OpenDialog, ControlsFollowTheWindowWithoutOverlapping) {
 }
 
 TEST_F(OpenDialog, AContainerIsEnteredAndItsImagesAreListed) {
-    test::WritePages(folder / "pages.tif", 3);
+    WritePages(folder / "pages.tif", 3);
     DialogPtr const dialog = Make();
     Run(*dialog, [&] {
         EXPECT_EQ(RowOf(*dialog->MainList(), "pages.tif"), -1) << "it is a folder of images";
         int const row = RowOf(*dialog->FolderList(), "pages.tif");
         ASSERT_GE(row, 0);
         dialog->FolderList()->SetSlct(row, true);
-        ASSERT_TRUE(test::Eventually([&] {
+        ASSERT_TRUE(Eventually([&] {
             return dialog->MainList()->GetNumRow() == 3 &&
                    dialog->MainList()->ItemAt(0)->GetDataSourceType() == DataSourceItem::DST_REPOSITORY;
         }));
         dialog->MainList()->SetSlct(1, true);
-        ASSERT_TRUE(test::Eventually([&] { return Button(*dialog, kOkId)->isEnabled(); }));
-        test::Click(Button(*dialog, kOkId));
+        PressOk(*dialog);
     });
     ASSERT_EQ(dialog->GetSelectedNodePaths().size(), 1U);
     EXPECT_NE(dialog->GetSelectedNodePaths()[0].GetDrvr(), nullptr);
 }
 
-/// Variables of the environment for one test.
-class Variables : test::Pinned {
+/// A variable of the environment for one test.
+class Variable : Pinned {
 public:
-    Variables(std::initializer_list<std::pair<char const *, DString>> values) {
-        for (auto const &[name, value] : values) {
-            m_former[name] = qgetenv(name);
-            qputenv(name, QByteArray(value.c_str()));
-        }
+    Variable(char const *name, DString const &value) : m_name(name), m_former(qgetenv(name)) {
+        qputenv(name, QByteArray::fromStdString(value));
     }
-    ~Variables() {
-        for (auto const &[name, value] : m_former)
-            qputenv(name, value);
-    }
+    ~Variable() { qputenv(m_name, m_former); }
 
 private:
-    std::map<char const *, QByteArray> m_former;
+    char const *m_name;
+    QByteArray m_former;
 };
 
 TEST_F(OpenDialog, ADefinedConnectionIsOpenedFromTheLeftListAndItsImagesArePicked) {
-    test::TempFolder const settings;
-    test::WriteGeoPackage(folder / "survey.gpkg", 2, 1, 2);
+    TempFolder const settings;
+    WriteGeoPackage(folder / "survey.gpkg", 2, 1, 2);
     auto const definition = [](DString const &name, DString const &url, DString const &rest) {
         return "<DataSource name='" + name + "' url='" + url + "' " + rest + "</DataSource>";
     };
@@ -444,7 +414,7 @@ TEST_F(OpenDialog, ADefinedConnectionIsOpenedFromTheLeftListAndItsImagesArePicke
                        definition("Scenes", folder.Path(), "><Parameters/>") +
                        definition("Gone", folder / "gone.gpkg", "><Parameters/>") +
                        definition("Hidden", folder.Path(), "visible='false'><Parameters/>") + "</DataSources>");
-    Variables const place{{"ZELVAR_DEFINITIONS_DIR", settings.Path()}};
+    Variable const place("ZELVAR_DEFINITIONS_DIR", settings.Path());
     DialogPtr const dialog = Make();
     int const answer = Run(*dialog, [&] {
         DataSourceList &sources = *dialog->SourceList();
@@ -460,22 +430,20 @@ TEST_F(OpenDialog, ADefinedConnectionIsOpenedFromTheLeftListAndItsImagesArePicke
             Rect const rect = sources.GetItemRect(rowOf(name));
             QTest::mouseClick(sources.viewport(), Qt::LeftButton, {}, {rect.left + 40, (rect.top + rect.bottom) / 2});
         };
-        test::Click(Button(*dialog, kHomeId));
+        Click(Button(*dialog, kHomeId));
         EXPECT_EQ(rowOf("Hidden"), -1);
         DSListCtrl const &list = *dialog->MainList();
         click("Gone");
-        EXPECT_TRUE(test::Eventually([&] { return list.GetNumRow() == 0; })) << "what does not open is an empty pane";
-        EXPECT_TRUE(messages.empty());
+        EXPECT_TRUE(Eventually([&] { return list.GetNumRow() == 0; })) << "what does not open is an empty pane";
         click("Scenes");
-        EXPECT_TRUE(test::Eventually([&] { return RowOf(list, "grey.tif") >= 0 && RowOf(list, "rgb.tif") >= 0; }));
+        EXPECT_TRUE(Eventually([&] { return RowOf(list, "grey.tif") >= 0 && RowOf(list, "rgb.tif") >= 0; }));
         EXPECT_EQ(RowOf(list, "notes.txt"), -1) << "nothing but images";
         click("Survey");
-        ASSERT_TRUE(test::Eventually([&] { return RowOf(list, "picture 1") >= 0 && list.GetNumRow() == 2; }));
-        test::Shot(*dialog, "DlgOpenDS-definitions");
+        ASSERT_TRUE(Eventually([&] { return RowOf(list, "picture 1") >= 0 && list.GetNumRow() == 2; }));
+        Shot(*dialog, "DlgOpenDS-definitions");
         ClickRow(*dialog->MainList(), "picture 2");
-        EXPECT_TRUE(test::Eventually([&] { return dialog->PropertyWnd()->Preview()->GetMode() == 0; }));
-        ASSERT_TRUE(test::Eventually([&] { return Button(*dialog, kOkId)->isEnabled(); }));
-        test::Click(Button(*dialog, kOkId));
+        EXPECT_TRUE(Eventually([&] { return dialog->PropertyWnd()->Preview()->GetMode() == 0; }));
+        PressOk(*dialog);
     });
     EXPECT_EQ(answer, QDialog::Accepted);
     EXPECT_EQ(dialog->GetDataSourceType(), DataSourceItem::DST_REPOSITORY);
@@ -495,29 +463,28 @@ TEST_F(OpenDialog, ADefinedConnectionIsOpenedFromTheLeftListAndItsImagesArePicke
 }
 
 TEST_F(OpenDialog, OptionsOfTheFormatGoIntoTheMoniker) {
-    test::TempFolder const templates;
+    TempFolder const templates;
     templates.Write("extras.xml",
                     "<DataSourceExtras><DataSourceOptions driver='GTiff' template='t.html'/></DataSourceExtras>");
     templates.Write("t.html", "<h3>GeoTIFF</h3><table><tr><td>Geometry from<td><input name=GEOREF_SOURCES value=NONE>"
                               "<tr><td>Threads<td><select name=NUM_THREADS><option>1<option>ALL_CPUS</select></table>"
                               "<p><input type=button id=Apply value=Apply>");
-    Variables const place{{"ZELVAR_TEMPLATES_DIR", templates.Path()}};
+    Variable const place("ZELVAR_TEMPLATES_DIR", templates.Path());
     DialogPtr const dialog = Make();
     Run(*dialog, [&] {
         ClickRow(*dialog->MainList(), "notes.txt");
         QCoreApplication::processEvents();
         EXPECT_FALSE(dialog->PropertyWnd()->IsTabVisible(2)) << "no options of a text";
         ClickRow(*dialog->MainList(), "grey.tif");
-        ASSERT_TRUE(test::Eventually([&] { return dialog->PropertyWnd()->GetActiveTab() == 2; }));
+        ASSERT_TRUE(Eventually([&] { return dialog->PropertyWnd()->GetActiveTab() == 2; }));
         dialog->PropertyWnd()->findChild<QLineEdit *>("GEOREF_SOURCES")->setText("INTERNAL");
-        EXPECT_TRUE(test::Eventually([&] {
+        EXPECT_TRUE(Eventually([&] {
             ImageExtraWnd const &page = *dialog->PropertyWnd()->Extra();
             return page.isVisible() && !page.horizontalScrollBar()->isVisible() &&
                    !page.verticalScrollBar()->isVisible();
         })) << "the page fits its pane";
-        test::Shot(*dialog, "DlgOpenDS-options");
-        ASSERT_TRUE(test::Eventually([&] { return Button(*dialog, kOkId)->isEnabled(); }));
-        test::Click(Button(*dialog, kOkId)); // without Apply
+        Shot(*dialog, "DlgOpenDS-options");
+        PressOk(*dialog); // without Apply
     });
     ASSERT_EQ(dialog->GetSelectedNodePaths().size(), 1U);
     EXPECT_EQ(dialog->GetSelectedNodePaths()[0].GetText(),
@@ -528,28 +495,28 @@ TEST_F(OpenDialog, LongNamesAndAllItsStatesHaveRoom) {
     folder.Folder("a folder with quite a long name & a mark");
     DialogPtr const dialog = Make();
     dialog->SetInitDir((folder / "a folder with quite a long name & a mark").c_str());
-    test::WriteImage(folder / "a folder with quite a long name & a mark/first of many.tif", {.channels = 3});
+    WriteImage(folder / "a folder with quite a long name & a mark/first of many.tif", {.channels = 3});
     Run(*dialog, [&] {
         DSListCtrl &list = *dialog->MainList();
-        ASSERT_TRUE(test::Eventually([&] { return dialog->PathRow().LastShown() != nullptr; }));
-        test::Shot(*dialog, "DlgOpenDS-long-names");
+        ASSERT_TRUE(Eventually([&] { return dialog->PathRow().LastShown() != nullptr; }));
+        Shot(*dialog, "DlgOpenDS-long-names");
         dialog->resize(dialog->minimumSize());
         QCoreApplication::processEvents();
         ClickRow(list, "first of many.tif");
-        EXPECT_TRUE(test::Eventually([&] { return dialog->PropertyWnd()->Preview()->GetMode() == 0; }));
-        test::Shot(*dialog, "DlgOpenDS-narrow");
+        EXPECT_TRUE(Eventually([&] { return dialog->PropertyWnd()->Preview()->GetMode() == 0; }));
+        Shot(*dialog, "DlgOpenDS-narrow");
         dialog->PropertyWnd()->SetActiveTab(1);
-        test::Shot(*dialog, "DlgOpenDS-properties");
+        Shot(*dialog, "DlgOpenDS-properties");
         QTreeWidget const &tree = dialog->PropertyWnd()->Properties()->Tree();
         QCoreApplication::processEvents();
         EXPECT_FALSE(tree.horizontalScrollBar()->isVisible());
         EXPECT_EQ(tree.header()->length(), tree.viewport()->width()) << "names and values share the pane";
         auto *types = GetDlgItem<CZelComboBox>(*dialog, kFileTypeId);
         types->showPopup();
-        test::Shot(*types->view()->window(), "DlgOpenDS-file-types");
+        Shot(*types->view()->window(), "DlgOpenDS-file-types");
         types->hidePopup();
         dialog->setEnabled(false);
-        test::Shot(*dialog, "DlgOpenDS-disabled");
+        Shot(*dialog, "DlgOpenDS-disabled");
         dialog->setEnabled(true);
     });
 }
@@ -562,14 +529,14 @@ TEST_F(OpenDialog, AMaskTypedByHandFiltersAtReturnAndKeepsTheFormat) {
         mask->setText("g*.tif;*.txt");
         QTest::keyClick(mask, Qt::Key_Return);
         DSListCtrl const &list = *dialog->MainList();
-        EXPECT_TRUE(test::Eventually([&] { return list.GetNumRow() == 2; }));
+        EXPECT_TRUE(Eventually([&] { return list.GetNumRow() == 2; }));
         EXPECT_EQ(RowOf(list, "rgb.tif"), -1);
         EXPECT_EQ(dialog->GetFormat(), &all);
         EXPECT_TRUE(dialog->isVisible()) << "Return was the field's";
         mask->setText("nothing.*");
         QTest::keyClick(mask, Qt::Key_Return);
-        EXPECT_TRUE(test::Eventually([&] { return list.GetNumRow() == 0; }));
-        EXPECT_TRUE(test::Eventually([&] { return !Button(*dialog, kOkId)->isEnabled(); }));
+        EXPECT_TRUE(Eventually([&] { return list.GetNumRow() == 0; }));
+        EXPECT_TRUE(Eventually([&] { return !Button(*dialog, kOkId)->isEnabled(); }));
     });
 }
 
@@ -582,10 +549,10 @@ TEST(Messages, TheTableForReadersNamesEveryMessageAndNoOther) {
             found.insert(text.substr(at, text.find_first_not_of(kLetters, at) - at));
         return found;
     };
-    auto const documented = names(test::ReadFile(root + "/docs/messages.md"));
+    auto const documented = names(ReadFile(root + "/docs/messages.md"));
     EXPECT_EQ(documented.size(), 17U);
-    EXPECT_EQ(documented, names(test::ReadFile(root + "/src/opends/DSMessages.h")));
+    EXPECT_EQ(documented, names(ReadFile(root + "/src/opends/DSMessages.h")));
 }
 
 } // namespace
-} // namespace zelvar
+} // namespace zelvar::test

@@ -1,20 +1,10 @@
 // The dialog over places whose drivers sleep and crash, with the real reader.
+#include "support/HostileFiles.h"
 #include "support/OpenDialogHand.h"
-#include "zelvar/data/BDIDrvrMngr.h"
-#include "zelvar/data/DriverProvider.h"
-#include "zelvar/data/RDIDriverMngr.h"
-#include "zelvar/data/reader/DriverModule.h"
 #include "zelvar/model/NtwDataSourceItem.h"
-#include "zelvar/opends/DSListCtrl.h"
-#include "zelvar/opends/DSPropertyWnd.h"
-#include "zelvar/opends/DlgOpenDS.h"
 #include "zelvar/opends/ImagePreviewWnd.h"
-#include "zelvar/opends/OpenDialogTemplate.h"
-#include "zelvar/platform/ui/ControlId.h"
-#include "zelvar/props/CZelPropList.h"
 
 #include <QtCore/QProcess>
-#include <QtCore/QTimer>
 #include <QtGui/QKeyEvent>
 
 #include <filesystem>
@@ -23,14 +13,10 @@
 
 #include <unistd.h>
 
-namespace zelvar {
+namespace zelvar::test {
 namespace {
 
 using std::chrono::milliseconds;
-using test::DialogPtr;
-using test::PlaceOf;
-using test::RowOf;
-using test::RunWhen;
 using Clock = std::chrono::steady_clock;
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
@@ -40,7 +26,8 @@ constexpr int kSlower = 1;
 #endif
 constexpr milliseconds kSeen{300 * kSlower};
 constexpr milliseconds kSmooth{100 * kSlower};
-constexpr int kTries = 3; // the best counts: the machine may be under load
+constexpr milliseconds kPatience{450}; ///< of a user who presses Escape then
+constexpr int kTries = 3;              // the best counts: the machine may be under load
 constexpr int kMostReaders = 5;
 
 milliseconds Since(Clock::time_point begin) { return std::chrono::duration_cast<milliseconds>(Clock::now() - begin); }
@@ -56,17 +43,6 @@ void Whenever(QObject *context, std::function<bool()> when, std::function<void()
                 Whenever(context, when, act);
         },
         Qt::QueuedConnection);
-}
-
-void PressEscape(QWidget &window) {
-    QCoreApplication::postEvent(&window, new QKeyEvent(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier));
-    QCoreApplication::postEvent(&window, new QKeyEvent(QEvent::KeyRelease, Qt::Key_Escape, Qt::NoModifier));
-}
-
-/// Escape for what goes on from now, when it is heard.
-void PressEscapeLater(QWidget &window, milliseconds after = milliseconds(450)) {
-    Whenever(
-        &window, [begin = Clock::now(), after] { return Since(begin) > after; }, [&] { PressEscape(window); });
 }
 
 /// When a widget is painted.
@@ -101,29 +77,20 @@ std::map<char, int> Children() {
     return states;
 }
 
-struct HostilePlaces : testing::Test {
-    void SetUp() override {
-        Use({.program = ZELVAR_READER, .withInstalledDrivers = false, .modules = {ZELVAR_HOSTILE}});
-    }
+struct HostilePlaces : HostileFiles {
+    HostilePlaces() { Warm({}); }
     void TearDown() override {
         // A dialog leaves its worker behind, which needs the drivers until it has let go of its item.
         for (auto const &[key, item] : m_clicked)
-            EXPECT_TRUE(test::Eventually([&item = item] {
+            EXPECT_TRUE(Eventually([&item = item] {
                 std::ignore = RefItemPtr<DataSourceItem>(item); // comes after what the worker did with it
                 return item->RefCount() == 1;
             })) << item->GetPath();
         m_clicked.clear();
-        EndReaders();
-        UseOwnProcessDrivers();
-        SetDriverProvider({});
-        BDIDrvrMngr::Instance()->Reset();
-        RDIDriverMngr::Instance()->Reset();
     }
     /// Readers that are running and have loaded their drivers.
-    static void Use(ReaderSettings const &settings) {
-        BDIDrvrMngr::Instance()->Reset();
-        RDIDriverMngr::Instance()->Reset();
-        UseReaderDrivers(settings);
+    static void Warm(ReaderSettings const &settings) {
+        Use(settings);
         WarmReaders();
         ASSERT_NE(BDIDrvrMngr::Instance()->GetDrvr("HOSTILE"), nullptr);
     }
@@ -146,23 +113,21 @@ struct HostilePlaces : testing::Test {
         m_clicked[item.get()] = item;
         QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, PlaceOf(list, name));
     }
-    static DString Shown(DlgOpenDS &dialog, DString const &name) {
-        return test::PropertyIn(*dialog.PropertyWnd(), name);
-    }
+    static DString Shown(DlgOpenDS &dialog, DString const &name) { return PropertyIn(*dialog.PropertyWnd(), name); }
     static bool HasPreview(DlgOpenDS &dialog) {
         return dialog.PropertyWnd()->Preview()->GetMode() == ImagePreviewWnd::ModeCanvas;
     }
     void ExpectShown(DlgOpenDS &dialog, DString const &name, DString const &below = {}) {
         DString const path = folder / (below.empty() ? name : below + "/" + name);
         ClickRow(*dialog.MainList(), name);
-        EXPECT_TRUE(test::Eventually([&] {
+        EXPECT_TRUE(Eventually([&] {
             return Shown(dialog, "Path") == path && Shown(dialog, "Image Width") == "8" && HasPreview(dialog);
         })) << path
             << ", but " << Shown(dialog, "Path");
     }
     /// Whatever was ended is gone, and not more runs than may.
     static void ExpectNoReaderLeftOver() {
-        EXPECT_TRUE(test::Eventually([] {
+        EXPECT_TRUE(Eventually([] {
             std::map<char, int> const children = Children();
             int count = 0;
             for (auto const &[state, number] : children)
@@ -174,7 +139,6 @@ struct HostilePlaces : testing::Test {
             << " alive, " << CountReaders().leftBehind << " left behind";
     }
 
-    test::TempFolder folder;
     DFileFrmt all{"", "All Files (*.*)", "*.*"};
 
 private:
@@ -182,52 +146,44 @@ private:
 };
 
 TEST_F(HostilePlaces, TheDialogIsSeenBeforeItsPlaceAnswers) {
-    struct Case {
-        char const *name;
-        char const *script;
-        bool isContainer;
-    };
-    for (Case const &place : {Case{"opens late", "members 3\nopen sleep 30\n", true},
-                              Case{"lists late", "members 3\nlist sleep 30\n", true},
-                              Case{"holds what is probed late", "members 3\nprobe sleep 30\n", false}}) {
+    for (auto const &[name, script, isContainer] :
+         Rows<char const *, char const *, bool>{{"opens late", "members 3\nopen sleep 30\n", true},
+                                                {"lists late", "members 3\nlist sleep 30\n", true},
+                                                {"holds what is probed late", "members 3\nprobe sleep 30\n", false}}) {
         milliseconds best = milliseconds::max();
         for (int i = 0; i < kTries && best >= kSeen; ++i) {
             // Another one each time: what came late is remembered.
-            DString const at = place.name + std::to_string(i);
+            DString const at = name + std::to_string(i);
             for (int file = 0; file < 10; ++file)
-                folder.Write(at + "/" + std::to_string(file) + ".hostile", place.script);
+                std::ignore = Write(at + "/" + std::to_string(file), script);
             auto const begin = Clock::now();
-            DialogPtr const dialog = Make(folder / at + (place.isContainer ? "/0.hostile" : ""));
+            DialogPtr const dialog = Make(folder / at + (isContainer ? "/0.hostile" : ""));
             Paints const paints(*dialog);
-            if (place.isContainer) {
+            if (isContainer) {
                 Whenever(
-                    dialog.get(), [&] { return paints.count > 0; }, [&] { PressEscapeLater(*dialog); });
+                    dialog.get(), [&] { return paints.count > 0; }, [&] { PressEscapeAfter(kPatience, *dialog); });
                 RunWhen(
-                    *dialog, [&] { return paints.count > 0 && Since(begin) > milliseconds(450); },
+                    *dialog, [&] { return paints.count > 0 && Since(begin) > kPatience; },
                     [&] { EXPECT_EQ(dialog->MainList()->GetNumRow(), 0); });
-                EXPECT_LT(Since(begin), milliseconds(3000) * kSlower) << place.name;
+                EXPECT_LT(Since(begin), milliseconds(3000) * kSlower) << name;
             } else {
                 Run(*dialog, 10, [] {});
             }
             best = std::min(best, std::chrono::duration_cast<milliseconds>(paints.first - begin));
         }
-        EXPECT_LT(best, kSeen) << place.name;
-        RecordProperty(place.name, static_cast<int>(best.count()));
+        EXPECT_LT(best, kSeen) << name;
+        RecordProperty(name, static_cast<int>(best.count()));
     }
 }
 
 TEST_F(HostilePlaces, WhatWasNotToldBeforeTheFirstPaintIsFoundOutBehindIt) {
-    Use({.probeInListing = milliseconds(5000),
-         .patience = milliseconds(5000),
-         .program = ZELVAR_READER,
-         .withInstalledDrivers = false,
-         .modules = {ZELVAR_HOSTILE}});
+    Warm({.probeInListing = milliseconds(5000), .patience = milliseconds(5000), .program = {}, .modules = {}});
     folder.Write("good.hostile");
     folder.Write("late.hostile", "members 2\nprobe sleep 0.15\n");
     DialogPtr const dialog = Make();
     Run(*dialog, 1, [&] {
         EXPECT_EQ(RowOf(*dialog->MainList(), "good.hostile"), 0);
-        EXPECT_TRUE(test::Eventually([&] { return RowOf(*dialog->FolderList(), "late.hostile") >= 0; }));
+        EXPECT_TRUE(Eventually([&] { return RowOf(*dialog->FolderList(), "late.hostile") >= 0; }));
     });
 }
 
@@ -252,7 +208,7 @@ TEST_F(HostilePlaces, ClickingThroughFilesThatDoNotAnswerHoldsNothingUp) {
             timer.start(10);
             for (int i = 0; i < 10; ++i) {
                 ClickRow(*dialog->MainList(), "bad" + std::to_string(i) + ".hostile");
-                EXPECT_TRUE(test::Eventually([&, until = ticks + 8] { return ticks >= until; }));
+                EXPECT_TRUE(Eventually([&, until = ticks + 8] { return ticks >= until; }));
                 EXPECT_TRUE(dialog->PropertyWnd()->IsReading());
             }
             ExpectShown(*dialog, "good.hostile");
@@ -276,7 +232,7 @@ TEST_F(HostilePlaces, ClosingDoesNotWaitForWhatIsRead) {
             Clock::time_point begin;
             Run(*dialog, 4, [&] {
                 ClickRow(*dialog->MainList(), call + ".hostile");
-                EXPECT_TRUE(test::Eventually([&] { return dialog->PropertyWnd()->IsReading(); }));
+                EXPECT_TRUE(Eventually([&] { return dialog->PropertyWnd()->IsReading(); }));
                 begin = Clock::now();
             });
             dialog.reset();
@@ -290,10 +246,7 @@ TEST_F(HostilePlaces, ClosingDoesNotWaitForWhatIsRead) {
 }
 
 TEST_F(HostilePlaces, EscapeEndsALongListingAndWhatWasFoundStays) {
-    Use({.patience = milliseconds(60'000),
-         .program = ZELVAR_READER,
-         .withInstalledDrivers = false,
-         .modules = {ZELVAR_HOSTILE}});
+    Warm({.patience = milliseconds(60'000), .program = {}, .modules = {}});
     constexpr int kFolders = 40; // a quarter of a second each
     for (int i = 0; i < kFolders; ++i) {
         folder.Write("f" + std::to_string(i) + "/a.hostile", "probe sleep 30\n");
@@ -310,7 +263,8 @@ TEST_F(HostilePlaces, EscapeEndsALongListingAndWhatWasFoundStays) {
         filter->setFocus();
         auto const begin = Clock::now();
         // Before its time it is nobody's; keys and clicks are dropped; the window is painted.
-        PressEscape(*dialog);
+        for (QEvent::Type const type : {QEvent::KeyPress, QEvent::KeyRelease})
+            QCoreApplication::postEvent(dialog.get(), new QKeyEvent(type, Qt::Key_Escape, Qt::NoModifier));
         Whenever(
             dialog.get(), [&] { return Since(begin) > milliseconds(700); },
             [&] {
@@ -329,10 +283,10 @@ TEST_F(HostilePlaces, EscapeEndsALongListingAndWhatWasFoundStays) {
                     dialog.get(), [&, before] { return paints.count > before; },
                     [&] {
                         paintsMeanwhile += isListing ? 1 : 0;
-                        PressEscape(*dialog);
+                        PressEscapeAfter({}, *dialog);
                     });
             });
-        test::Click(platform::GetDlgItem<QPushButton>(*dialog, kRecursiveId));
+        Click(platform::GetDlgItem<QPushButton>(*dialog, kRecursiveId));
         isListing = false;
         auto const took = Since(begin);
         EXPECT_EQ(paintsMeanwhile, 1);
@@ -342,7 +296,7 @@ TEST_F(HostilePlaces, EscapeEndsALongListingAndWhatWasFoundStays) {
         QCoreApplication::processEvents();
         EXPECT_TRUE(dialog->isVisible());
         EXPECT_EQ(filter->text(), text);
-        EXPECT_TRUE(test::Eventually([&] { return RowOf(*dialog->MainList(), "first.txt") >= 0; }));
+        EXPECT_TRUE(Eventually([&] { return RowOf(*dialog->MainList(), "first.txt") >= 0; }));
         EXPECT_GT(dialog->MainList()->GetNumRow(), 2);
         EXPECT_LT(dialog->MainList()->GetNumRow(), 1 + 2 * kFolders);
     });
@@ -355,9 +309,9 @@ TEST_F(HostilePlaces, EscapeEndsTheListingOfAContainerThatDoesNotAnswer) {
     Run(*dialog, 1, [&] {
         DSListCtrl &folders = *dialog->FolderList();
         auto const begin = Clock::now();
-        PressEscapeLater(*dialog);
+        PressEscapeAfter(kPatience, *dialog);
         ClickRow(folders, "c.hostile");
-        EXPECT_TRUE(test::Eventually([&] { return Since(begin) > milliseconds(450); }));
+        EXPECT_TRUE(Eventually([&] { return Since(begin) > kPatience; }));
         EXPECT_LT(Since(begin), milliseconds(1500) * kSlower);
         RecordProperty("stopped_after", static_cast<int>(Since(begin).count()));
         EXPECT_TRUE(dialog->isVisible());
@@ -380,13 +334,13 @@ TEST_F(HostilePlaces, AContainerThatIsProbedLateIsFoundOutWhenItIsSelected) {
         ClickRow(list, "late too.hostile");
         QCoreApplication::processEvents();
         Paints const paints(*list.viewport());
-        EXPECT_TRUE(test::Eventually([&] { return other->IsFolder() && paints.count > 0; }));
+        EXPECT_TRUE(Eventually([&] { return other->IsFolder() && paints.count > 0; }));
         EXPECT_FALSE(other->IsUnclassified());
         // Who opens it before that waits for the answer.
         ClickRow(list, "late.hostile");
         EXPECT_FALSE(item->IsFolder());
         QTest::mouseDClick(list.viewport(), Qt::LeftButton, {}, PlaceOf(list, "late.hostile"));
-        EXPECT_TRUE(test::Eventually(
+        EXPECT_TRUE(Eventually(
             [&] { return RowOf(list, "member 0") >= 0 && RowOf(list, "member 1") >= 0 && list.GetNumRow() == 2; }));
         EXPECT_TRUE(dialog->isVisible());
     });
@@ -408,12 +362,12 @@ TEST_F(HostilePlaces, AFileThatCrashesItsReaderCostsNothingButItsOwnPreview) {
             };
             ExpectShown(*dialog, "1.hostile", call);
             ClickRow(list, "2.hostile");
-            EXPECT_TRUE(test::Eventually(isWithoutPreview));
+            EXPECT_TRUE(Eventually(isWithoutPreview));
             int const crashed = CountReaders().crashed;
             EXPECT_GT(crashed, 0);
             ExpectShown(*dialog, "3.hostile", call);
             ClickRow(list, "2.hostile");
-            EXPECT_TRUE(test::Eventually(isWithoutPreview));
+            EXPECT_TRUE(Eventually(isWithoutPreview));
             EXPECT_EQ(CountReaders().crashed, crashed) << "it is not tried again";
             ExpectShown(*dialog, "1.hostile", call);
             folder.Write(call + "/2.hostile", "width 8\n# mended\n");
@@ -426,8 +380,7 @@ TEST_F(HostilePlaces, AFileThatCrashesItsReaderCostsNothingButItsOwnPreview) {
 TEST_F(HostilePlaces, DialogsOfTwoProcessesDoNotDisturbEachOther) {
     QProcess others[2];
     for (QProcess &other : others)
-        other.start(QCoreApplication::applicationFilePath(),
-                    {"--gtest_filter=HostilePlaces.AFile*:HostilePlaces.Closing*"});
+        other.start(QCoreApplication::applicationFilePath(), {"--gtest_filter=*Places.AFile*:*Places.Closing*"});
     for (QProcess &other : others) {
         EXPECT_TRUE(other.waitForFinished(50'000));
         EXPECT_EQ(other.exitCode(), 0) << other.readAllStandardOutput().toStdString();
@@ -435,4 +388,4 @@ TEST_F(HostilePlaces, DialogsOfTwoProcessesDoNotDisturbEachOther) {
 }
 
 } // namespace
-} // namespace zelvar
+} // namespace zelvar::test

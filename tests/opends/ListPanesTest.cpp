@@ -1,46 +1,30 @@
+#include "support/OpenDialogHand.h"
 #include "support/ReportStage.h"
 #include "support/ScriptedDriver.h"
 #include "support/ScriptedShellNamespace.h"
-#include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/data/DriverProvider.h"
 #include "zelvar/data/RequestScope.h"
 #include "zelvar/model/NtwDataSourceItem.h"
 #include "zelvar/opends/DSDataSourceWnd.h"
-#include "zelvar/opends/DSListCtrl.h"
 #include "zelvar/opends/DSMessages.h"
 #include "zelvar/opends/DataSourceList.h"
 #include "zelvar/opends/HierarchyList.h"
 #include "zelvar/opends/NetworkScanner.h"
 #include "zelvar/platform/ui/UserMessages.h"
 
-#include <QtCore/QTimer>
 #include <QtGui/QContextMenuEvent>
 #include <QtGui/QHelpEvent>
 #include <QtWidgets/QToolTip>
 
-namespace zelvar {
+namespace zelvar::test {
 namespace {
 
-using test::ScriptedShellNamespace;
 using ItemList = DSListCtrl::ItemList;
-
-/// Counts what panes tell their coordinator.
-class Coordinator : public QObject {
-public:
-    std::map<int, int> told;
-
-protected:
-    bool event(QEvent *event) override {
-        ++told[event->type()];
-        return QObject::event(event);
-    }
-};
 
 struct ListPanes : testing::Test {
     void SetUp() override {
         SetDriverProvider([] {});
         BDIDrvrMngr::Instance()->Reset();
-        shell = std::make_shared<ScriptedShellNamespace>();
         shell->AddDrive("/data", "Data", platform::ShellKind::Fixed);
         platform::ShellNamespace::SetCurrent(shell);
         NtwDataSourceItem::Initialize();
@@ -49,6 +33,10 @@ struct ListPanes : testing::Test {
 
     static RefItemPtr<DataSourceItem> Item(char const *path) {
         return {NtwDataSourceItem::CreateItem(path, nullptr, nullptr)};
+    }
+    void AddFiles(std::initializer_list<char const *> files) {
+        for (char const *const file : files)
+            shell->AddFile(file);
     }
     std::unique_ptr<DSListCtrl> List(DSListCtrl::Mode mode) {
         auto list = std::make_unique<DSListCtrl>();
@@ -64,8 +52,7 @@ struct ListPanes : testing::Test {
     }
     /// A list of those files, by name.
     std::unique_ptr<DSListCtrl> Listed(std::initializer_list<char const *> files) {
-        for (char const *const file : files)
-            shell->AddFile(file);
+        AddFiles(files);
         auto list = List(DSListCtrl::ModeFiles);
         list->Sort(0, true);
         list->ResetItems({Item("/data")});
@@ -73,7 +60,7 @@ struct ListPanes : testing::Test {
         return list;
     }
     static bool HasRows(DSListCtrl const &list, int rows) {
-        return test::Eventually([&] { return list.GetNumRow() == rows; });
+        return Eventually([&] { return list.GetNumRow() == rows; });
     }
     static std::vector<DString> Names(DSListCtrl const &list) {
         std::vector<DString> names;
@@ -82,7 +69,7 @@ struct ListPanes : testing::Test {
         return names;
     }
 
-    std::shared_ptr<ScriptedShellNamespace> shell;
+    std::shared_ptr<ScriptedShellNamespace> shell = std::make_shared<ScriptedShellNamespace>();
     Coordinator coordinator;
 };
 
@@ -103,8 +90,7 @@ TEST_F(ListPanes, FilesAreListedInNaturalOrderAndNothingTwice) {
 }
 
 TEST_F(ListPanes, AListingThatIsCutShortIsTakenUpAgainByTheSameRequest) {
-    for (char const *name : {"/data/a.tif", "/data/b.tif", "/data/sub/c.tif"})
-        shell->AddFile(name);
+    AddFiles({"/data/a.tif", "/data/b.tif", "/data/sub/c.tif"});
     auto const list = List(DSListCtrl::ModeFiles);
     ItemList const roots{Item("/data")};
     {
@@ -122,7 +108,7 @@ TEST_F(ListPanes, AListingThatIsCutShortIsTakenUpAgainByTheSameRequest) {
 }
 
 /// Gives no answer in time while it is late.
-class LateDriver : public test::ScriptedTreeDriver {
+class LateDriver : public ScriptedTreeDriver {
 public:
     explicit LateDriver(bool const &isLate) : ScriptedTreeDriver("late", "*.tif"), m_isLate(isLate) {}
     [[nodiscard]] bool CanReadPath(DString const &) const override {
@@ -138,8 +124,7 @@ private:
 TEST_F(ListPanes, WhatADriverDidNotTellInTimeIsAskedAgainByTheNextListing) {
     bool isLate = true;
     BDIDrvrMngr::Instance()->Add(std::make_unique<LateDriver>(isLate));
-    shell->AddFile("/data/a.tif");
-    shell->AddFile("/data/b.txt");
+    AddFiles({"/data/a.tif", "/data/b.txt"});
     auto const list = List(DSListCtrl::ModeFiles);
     list->ResetItems({Item("/data")});
     EXPECT_TRUE(HasRows(*list, 2));
@@ -151,9 +136,7 @@ TEST_F(ListPanes, WhatADriverDidNotTellInTimeIsAskedAgainByTheNextListing) {
 }
 
 TEST_F(ListPanes, AColdRecursiveListingArrivesUnsortedAndALoopOfLinksEnds) {
-    shell->AddFile("/data/z.tif");
-    shell->AddFile("/data/sub/b.tif");
-    shell->AddFile("/data/sub/deep/a.tif");
+    AddFiles({"/data/z.tif", "/data/sub/b.tif", "/data/sub/deep/a.tif"});
     auto const list = List(DSListCtrl::ModeRecursive);
     list->Sort(0, true);
     list->ResetItems({Item("/data")});
@@ -165,18 +148,17 @@ TEST_F(ListPanes, AColdRecursiveListingArrivesUnsortedAndALoopOfLinksEnds) {
 }
 
 TEST_F(ListPanes, TheSelectionIsKeptByPathAndARestoredRowStaysQuietOnce) {
-    for (char const *name : {"/data/a.tif", "/data/b.tif", "/data/c.tif"})
-        shell->AddFile(name);
+    AddFiles({"/data/a.tif", "/data/b.tif", "/data/c.tif"});
     auto const list = List(DSListCtrl::ModeFiles);
     list->ShowDir(Item("/data"), Item("/data/b.tif"));
     ASSERT_TRUE(HasRows(*list, 3));
-    ASSERT_TRUE(test::Eventually([&] { return list->GetSlct(1); }));
+    ASSERT_TRUE(Eventually([&] { return list->GetSlct(1); }));
     QCoreApplication::sendPostedEvents();
     EXPECT_EQ(coordinator.told[WM_DS_IMAGE_SELECTED], 0);
 
     shell->AddFile("/data/a0.tif");
     list->ResetItems({Item("/data"), Item("/data")}); // one root more: listed again, the selection saved
-    ASSERT_TRUE(test::Eventually([&] { return list->GetNumRow() >= 4; }));
+    ASSERT_TRUE(Eventually([&] { return list->GetNumRow() >= 4; }));
     ItemList selected;
     list->GetSelectedItems(selected);
     ASSERT_FALSE(selected.empty());
@@ -185,7 +167,7 @@ TEST_F(ListPanes, TheSelectionIsKeptByPathAndARestoredRowStaysQuietOnce) {
     list->ClearSelection();
     QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, QPoint(30, list->GetItemRect(0).top + 5));
     EXPECT_EQ(coordinator.told[WM_DS_IMAGE_SELECTED], 0) << "posted, not sent";
-    EXPECT_TRUE(test::Eventually([&] { return coordinator.told[WM_DS_IMAGE_SELECTED] > 0; }));
+    EXPECT_TRUE(Eventually([&] { return coordinator.told[WM_DS_IMAGE_SELECTED] > 0; }));
 }
 
 TEST_F(ListPanes, ATypedLetterSelectsTheFirstRowThatBeginsWithItEveryTime) {
@@ -248,7 +230,7 @@ TEST_F(ListPanes, AFolderListShowsTheRootsNameAndAParentRow) {
     DSListCtrl list;
     list.SetShowParentFolderItem(true);
     list.Create(0, {0, 0, 200, 200}, DT_DATA, nullptr, 3);
-    test::Stage(list).ClickHeading(0);
+    Stage(list).ClickHeading(0);
     EXPECT_FALSE(list.GetHeaderCtrl()->isSortIndicatorShown());
     list.Sort(0, true);
     list.ResetItems({Item("/data/sub")});
@@ -271,6 +253,14 @@ TEST_F(ListPanes, ASingleBatchMayTakeRowsBeyondTheLimit) {
 
 // ------------------------------------------------------------------------------------------------- data sources
 
+/// The sources that documents come from.
+struct Sources : DataSourceList {
+    Sources() {
+        resize(200, 300);
+        Fill(DT_WORKSPACE);
+    }
+};
+
 std::vector<DString> RowsOf(DataSourceList const &list, int group) {
     std::vector<DString> names;
     for (int row = 0; row < list.GetItemCount(); ++row)
@@ -283,12 +273,11 @@ TEST_F(ListPanes, DrivesFavouritesAndNetworkPlacesStandInTheirGroups) {
     shell->AddDrive("/mnt/net", "Share", platform::ShellKind::NetDrive);
     shell->AddFolder("/data/fav");
     shell->AddServer("alpha", "DOMAIN");
-    DataSourceList list;
-    list.Fill(DT_WORKSPACE);
+    Sources list;
     EXPECT_EQ(RowsOf(list, kGroupDrives), std::vector<DString>{"Data"});
     EXPECT_EQ(RowsOf(list, kGroupNetworkDrives), std::vector<DString>{"Share"});
     EXPECT_TRUE(RowsOf(list, kGroupDataSources).empty()) << "documents are picked from no data source";
-    EXPECT_TRUE(test::Eventually([&] { return RowsOf(list, kGroupNetwork).size() == 1; }));
+    EXPECT_TRUE(Eventually([&] { return RowsOf(list, kGroupNetwork).size() == 1; }));
 
     list.AddFavorite(Item("/data/fav"));
     list.AddFavorite(Item("/data/fav"));
@@ -296,15 +285,13 @@ TEST_F(ListPanes, DrivesFavouritesAndNetworkPlacesStandInTheirGroups) {
     EXPECT_TRUE(Favorites::Contains("/DATA/fav"));
 
     shell->Remove("/data/fav");
-    DataSourceList later;
-    later.Fill(DT_WORKSPACE);
+    Sources later;
     EXPECT_TRUE(RowsOf(later, kGroupFavorites).empty()) << "its place is gone";
     EXPECT_TRUE(Favorites::Contains("/data/fav")) << "it may come back";
     Favorites::Remove("/data/fav");
     later.Fill(Item("/data")); // alone from now on, and without a row
-    DataSourceList last;
-    last.Fill(DT_WORKSPACE);
-    EXPECT_TRUE(test::Eventually([&] { return RowsOf(last, kGroupNetwork).size() == 1; }));
+    Sources const last;
+    EXPECT_TRUE(Eventually([&] { return RowsOf(last, kGroupNetwork).size() == 1; }));
     EXPECT_TRUE(RowsOf(later, kGroupNetwork).empty());
 }
 
@@ -312,10 +299,9 @@ TEST_F(ListPanes, AFavouriteOnAServerThatDoesNotAnswerIsSaidToBeUnreachable) {
     platform::ShellNamespace::SetCurrent(nullptr);
     for (char const *path : {"smb://127.0.0.1:9/a", "smb://127.0.0.1:9/b/c"})
         Favorites::Add(path);
-    DataSourceList list;
-    list.Fill(DT_WORKSPACE);
+    Sources const list;
     EXPECT_TRUE(RowsOf(list, kGroupFavorites).empty()) << "nobody waits for it";
-    EXPECT_TRUE(test::Eventually([&] {
+    EXPECT_TRUE(Eventually([&] {
         return RowsOf(list, kGroupFavorites) == std::vector<DString>{"a (unreachable)", "c (unreachable)"};
     }));
     for (char const *path : {"smb://127.0.0.1:9/a", "smb://127.0.0.1:9/b/c"})
@@ -325,9 +311,7 @@ TEST_F(ListPanes, AFavouriteOnAServerThatDoesNotAnswerIsSaidToBeUnreachable) {
 TEST_F(ListPanes, OnlySelectedFavouritesAreDeletedWhateverElseIsSelected) {
     shell->AddFolder("/data/one");
     shell->AddFolder("/data/two");
-    DataSourceList list;
-    list.resize(200, 300);
-    list.Fill(DT_WORKSPACE);
+    Sources list;
     list.ModifyStyle(LVS_SINGLESEL, 0);
     list.AddFavorite(Item("/data/one"));
     list.AddFavorite(Item("/data/two"));
@@ -339,9 +323,7 @@ TEST_F(ListPanes, OnlySelectedFavouritesAreDeletedWhateverElseIsSelected) {
 }
 
 TEST_F(ListPanes, ADriveThatBecameAFavouriteStaysWhenTheFavouriteIsDeleted) {
-    DataSourceList list;
-    list.resize(200, 300);
-    list.Fill(DT_WORKSPACE);
+    Sources list;
     ASSERT_EQ(RowsOf(list, kGroupDrives), std::vector<DString>{"Data"});
     list.AddFavorite(list.ItemAt(0)); // the drive's own item, as the path buttons hand it over
     ASSERT_EQ(list.GetItemCount(), 2);
@@ -356,9 +338,7 @@ TEST_F(ListPanes, ADriveThatBecameAFavouriteStaysWhenTheFavouriteIsDeleted) {
 
 TEST_F(ListPanes, TheContextMenuComesOverAFavouriteOnlyAndDeletesIt) {
     shell->AddFolder("/data/one");
-    DataSourceList list;
-    list.resize(200, 300);
-    list.Fill(DT_WORKSPACE);
+    Sources list;
     list.AddFavorite(Item("/data/one"));
     list.show();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&list));
@@ -372,8 +352,8 @@ TEST_F(ListPanes, TheContextMenuComesOverAFavouriteOnlyAndDeletesIt) {
                 return;
             look.stop();
             came = true;
-            test::Shot(list, "DataSourceList-favourite");
-            test::Shot(*menu, "DataSourceList-menu");
+            Shot(list, "DataSourceList-favourite");
+            Shot(*menu, "DataSourceList-menu");
             QTest::keyClick(menu, Qt::Key_Down);
             QTest::keyClick(menu, Qt::Key_Return);
         });
@@ -395,7 +375,7 @@ TEST_F(ListPanes, ANameCutByItsPictureIsShownAsATip) {
     int const text = list->fontMetrics().horizontalAdvance("a name of some length.tif");
     auto const tips = [&] {
         QToolTip::hideText();
-        EXPECT_TRUE(test::Eventually([] { return !QToolTip::isVisible(); }));
+        EXPECT_TRUE(Eventually([] { return !QToolTip::isVisible(); }));
         Rect const row = list->GetItemRect(0);
         QPoint const at(row.left + 30, (row.top + row.bottom) / 2);
         QHelpEvent help(QEvent::ToolTip, at, list->viewport()->mapToGlobal(at));
@@ -414,18 +394,18 @@ TEST_F(ListPanes, RowsHaveColoursThatTellTheFocus) {
     ASSERT_TRUE(QTest::qWaitForWindowActive(list.get()));
     list->setFocus();
     list->SetSlct(0, true);
-    auto const back = [&](int row, int x) { return test::ColorAt(*list->viewport(), {x, list->GetItemRect(row).top}); };
+    auto const back = [&](int row, int x) { return ColorAt(*list->viewport(), {x, list->GetItemRect(row).top}); };
     EXPECT_EQ(back(0, 17), list->palette().color(QPalette::Base)) << "the picture's band is never marked";
     EXPECT_EQ(back(1, 60), QColor(Qt::white));
     for (bool const isFocused : {true, false}) {
         isFocused ? list->setFocus() : list->clearFocus();
         EXPECT_EQ(back(0, 60), isFocused ? QColor(10, 36, 106) : QColor(212, 208, 200));
-        test::DarkPalette const dark;
+        DarkPalette const dark;
         EXPECT_LT(back(1, 60).lightness(), 80);
         EXPECT_NE(back(0, 60), back(1, 60));
         for (int row = 0; row < 2; ++row) {
             Rect const at = list->GetItemRect(row);
-            EXPECT_GE(test::StrongestContrast(test::PictureOf(*list->viewport()), {19, at.top, 12, at.Height()}), 4.5);
+            EXPECT_GE(StrongestContrast(PictureOf(*list->viewport()), {19, at.top, 12, at.Height()}), 4.5);
         }
     }
     list->SetItemState(1, LVIS_FOCUSED, LVIS_FOCUSED);
@@ -466,8 +446,7 @@ TEST_F(ListPanes, TheNetworkScanSleepsWhereNewsAreTold) {
     platform::ShellNamespace::SetCurrent(network);
     NetworkScanner scanner;
     ASSERT_TRUE(scanner.StartScanning());
-    EXPECT_TRUE(
-        test::Eventually([&] { return network->EnumerateCalls("network") == 2 * NetworkScanner::kEmptyPasses; }));
+    EXPECT_TRUE(Eventually([&] { return network->EnumerateCalls("network") == 2 * NetworkScanner::kEmptyPasses; }));
     EXPECT_TRUE(scanner.IsScanning());
     scanner.RequestStop();
     EXPECT_TRUE(scanner.Wait(std::chrono::seconds(5)));
@@ -484,7 +463,7 @@ TEST_F(ListPanes, EnteringAFolderTellsTheRootAndAPlaceholderLeadsBack) {
     EXPECT_TRUE(pane.IsDataSourceView());
     pane.GetDataSourceList()->Fill(DT_WORKSPACE);
     pane.GetDataSourceList()->SetItemState(0, LVIS_SELECTED, LVIS_SELECTED);
-    EXPECT_TRUE(test::Eventually([&] { return coordinator.told[WM_DS_DATA_SOURCE_SELECTED] == 1; }));
+    EXPECT_TRUE(Eventually([&] { return coordinator.told[WM_DS_DATA_SOURCE_SELECTED] == 1; }));
     platform::SendMessage(&pane, WM_DS_DATA_SOURCE_DBLCLICK);
     EXPECT_TRUE(pane.IsFolderView());
     EXPECT_EQ(coordinator.told[WM_DS_FIRST_PANE_ROOT_ITEM_CHANGED], 1) << "sent, not posted";
@@ -492,7 +471,7 @@ TEST_F(ListPanes, EnteringAFolderTellsTheRootAndAPlaceholderLeadsBack) {
     DSListCtrl &folders = *pane.GetFolderList();
     ASSERT_TRUE(HasRows(folders, 1));
     folders.SetSlct(0, true);
-    EXPECT_TRUE(test::Eventually([&] { return coordinator.told[WM_DS_FIRST_PANE_DATA_ITEM_SELECTED] == 1; }));
+    EXPECT_TRUE(Eventually([&] { return coordinator.told[WM_DS_FIRST_PANE_DATA_ITEM_SELECTED] == 1; }));
     platform::SendMessage(&pane, WM_DS_DATA_ITEM_DBLCLICK);
     ItemList roots;
     pane.GetRootItems(roots);
@@ -522,7 +501,7 @@ TEST_F(ListPanes, AHierarchyShowsALevelAPaneAndADoubleClickOnNothingDoesNothing)
     ASSERT_EQ(roots.size(), 1U);
     EXPECT_EQ(roots.front()->GetPath(), "/data/sub") << "the level above, with the item selected";
     ASSERT_TRUE(HasRows(*hierarchy.GetPane(0), 1));
-    EXPECT_TRUE(test::Eventually([&] { return hierarchy.GetPane(0)->GetSlct(0); }));
+    EXPECT_TRUE(Eventually([&] { return hierarchy.GetPane(0)->GetSlct(0); }));
     platform::SendMessage(&hierarchy, WM_DS_DATA_ITEM_DBLCLICK, id, 0);
     EXPECT_EQ(coordinator.told[WM_DS_ROOT_ITEM_CHANGED], 1);
     hierarchy.ShowDir(Item("/data"));
@@ -537,4 +516,4 @@ TEST_F(ListPanes, AHierarchyShowsALevelAPaneAndADoubleClickOnNothingDoesNothing)
 }
 
 } // namespace
-} // namespace zelvar
+} // namespace zelvar::test

@@ -2,35 +2,26 @@
 
 #include "support/Test.h"
 
-#include <numeric>
-
 namespace zelvar {
 namespace {
 
 // Ten pixels a button, five more for each mark.
 int Measure(std::size_t, bool cutBefore, bool cutBehind) { return 10 + (cutBefore ? 5 : 0) + (cutBehind ? 5 : 0); }
 
-std::vector<std::size_t> Entries(std::vector<PathButton> const &buttons) {
-    std::vector<std::size_t> entries;
+/// "0> <2 3": entries and where they are marked as cut.
+std::string Shown(std::vector<PathButton> const &buttons) {
+    std::string shown;
     for (PathButton const &button : buttons)
-        entries.push_back(button.entry);
-    return entries;
+        shown += (shown.empty() ? "" : " ") + std::string(button.cutBefore ? "<" : "") + std::to_string(button.entry) +
+                 (button.cutBehind ? ">" : "");
+    return shown;
 }
 
-TEST(PathButtons, ARowThatJustFitsIsShownWhole) {
-    auto const buttons = ArrangePathButtons(4, 44, Measure);
-    EXPECT_EQ(Entries(buttons), (std::vector<std::size_t>{0, 1, 2, 3}));
-    EXPECT_EQ(buttons[3].left, 33);
-    EXPECT_FALSE(buttons[0].cutBehind);
-}
-
-TEST(PathButtons, OnePixelLessCutsBehindTheOutermost) {
-    auto const buttons = ArrangePathButtons(4, 43, Measure);
-    ASSERT_EQ(Entries(buttons), (std::vector<std::size_t>{0, 2, 3}));
-    EXPECT_TRUE(buttons[0].cutBehind);
-    EXPECT_TRUE(buttons[1].cutBefore);
-    EXPECT_FALSE(buttons[2].cutBefore);
-    EXPECT_EQ(buttons[1].left, 16) << "43 - (15 + 15 + 10 + 3) - 2 leaves no room to spread";
+TEST(PathButtons, ARowThatJustFitsIsShownWholeAndOnePixelLessCutsBehindTheOutermost) {
+    EXPECT_EQ(Shown(ArrangePathButtons(4, 44, Measure)), "0 1 2 3");
+    EXPECT_EQ(ArrangePathButtons(4, 44, Measure)[3].left, 33);
+    EXPECT_EQ(Shown(ArrangePathButtons(4, 43, Measure)), "0> <2 3");
+    EXPECT_EQ(ArrangePathButtons(4, 43, Measure)[1].left, 16) << "43 - (15 + 15 + 10 + 3) - 2: no room to spread";
 }
 
 TEST(PathButtons, RoomLeftByACutSpreadsBehindTheOutermostUpToFivePixels) {
@@ -42,9 +33,9 @@ TEST(PathButtons, RoomLeftByACutSpreadsBehindTheOutermostUpToFivePixels) {
 }
 
 TEST(PathButtons, TheOutermostAndTheInnermostStayHoweverNarrowTheRow) {
-    EXPECT_EQ(Entries(ArrangePathButtons(20, 1, Measure)), (std::vector<std::size_t>{0, 19}));
-    EXPECT_EQ(Entries(ArrangePathButtons(2, 1, Measure)), (std::vector<std::size_t>{0, 1}));
-    EXPECT_TRUE(ArrangePathButtons(0, 100, Measure).empty());
+    EXPECT_EQ(Shown(ArrangePathButtons(20, 1, Measure)), "0> <19");
+    EXPECT_EQ(Shown(ArrangePathButtons(2, 1, Measure)), "0 1");
+    EXPECT_EQ(Shown(ArrangePathButtons(0, 100, Measure)), "");
 }
 
 TEST(PathButtons, LongNamesAreCutByCharactersNotBytes) {

@@ -1,13 +1,9 @@
 #include "support/OpenDialogHand.h"
 #include "support/ScriptedDriver.h"
-#include "zelvar/data/DriverProvider.h"
-#include "zelvar/data/RDIDriverMngr.h"
 #include "zelvar/opends/CImgPreviewStatic.h"
 #include "zelvar/opends/DSMessages.h"
-#include "zelvar/opends/DSPropertyWnd.h"
 #include "zelvar/opends/ImageExtraWnd.h"
 #include "zelvar/opends/ImagePreviewWnd.h"
-#include "zelvar/props/CZelPropList.h"
 
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QTreeWidget>
@@ -15,10 +11,14 @@
 namespace zelvar {
 namespace {
 
-/// An item with a path and nothing else.
+/// An item with a path and nothing else, and who wants to know when nobody holds it any more.
 class PathItem : public DataSourceItem {
 public:
-    explicit PathItem(DString path) : m_path(std::move(path)) {}
+    explicit PathItem(DString path, std::atomic<bool> *gone = nullptr) : m_path(std::move(path)), m_gone(gone) {}
+    ~PathItem() override {
+        if (m_gone != nullptr)
+            *m_gone = true;
+    }
     void SetName(DString const &) override {}
     DString GetName() const override { return m_path; }
     DString GetPath() const override { return m_path; }
@@ -33,37 +33,25 @@ public:
 
 private:
     DString m_path;
+    std::atomic<bool> *m_gone;
 };
 
 RefItemPtr<DataSourceItem> Item(DString path) { return {new PathItem(std::move(path))}; }
 
-/// Receives what the pane tells its coordinator.
-class Coordinator : public QObject {
-public:
-    int optionsChanged = 0;
-
-protected:
-    bool event(QEvent *event) override {
-        optionsChanged += event->type() == WM_DS_OPTIONS_CHANGED ? 1 : 0;
-        return QObject::event(event);
-    }
-};
-
 struct PropertyPane : testing::Test {
-    void SetUp() override {
-        SetDriverProvider([] {});
-        RDIDriverMngr::Instance()->Reset();
-        auto owned = std::make_unique<test::ScriptedRasterDriver>("SCRIPTED");
-        driver = owned.get();
-        RDIDriverMngr::Instance()->Add(std::move(owned));
-    }
-    void TearDown() override {
+    ~PropertyPane() override {
         driver->openGate.Open();
         driver->readGate.Open();
-        pane.reset();
-        RDIDriverMngr::Instance()->Reset();
     }
-    void Create(DLGTemplate purpose) {
+    /// Shows an image of the driver; its path.
+    DString Show(test::ScriptedImage const &image, char const *format = "") {
+        DString path = folder.Write("a.img", "x");
+        driver->SetImage(path, image);
+        Create();
+        pane->ShowProps(Item(path), format);
+        return path;
+    }
+    void Create(DLGTemplate purpose = DT_DATA) {
         pane = std::make_unique<DSPropertyWnd>();
         pane->Create({0, 0, 300, 300}, purpose, nullptr, 7);
         pane->SetCoordinator(&coordinator);
@@ -75,18 +63,15 @@ struct PropertyPane : testing::Test {
         return test::Eventually([&] { return !pane->IsReading() && pane->Preview()->GetMode() != 1; });
     }
 
+    test::ScriptedDrivers drivers;
     test::TempFolder folder;
-    Coordinator coordinator;
-    test::ScriptedRasterDriver *driver = nullptr;
+    test::Coordinator coordinator;
+    test::ScriptedRasterDriver *driver = &test::ScriptedDrivers::AddRaster("SCRIPTED");
     std::unique_ptr<DSPropertyWnd> pane;
 };
 
 TEST_F(PropertyPane, AnImageShowsItsPropertiesAndAPictureOf1024Pixels) {
-    DString const path = folder.Write("a.img", "x");
-    driver->SetImage(path,
-                     {.width = 1000, .height = 500, .type = RDI_UInt8, .sample = [](int, int, int) { return 9; }});
-    Create(DT_DATA);
-    pane->ShowProps(Item(path), "");
+    DString const path = Show({.width = 1000, .height = 500, .sample = [](int, int, int) { return 9; }});
     ASSERT_TRUE(Settles());
     EXPECT_EQ(pane->Preview()->GetMode(), ImagePreviewWnd::ModeCanvas);
     EXPECT_EQ(pane->Preview()->GetCanvas().GetWidth(), 1024);
@@ -100,10 +85,7 @@ TEST_F(PropertyPane, AnImageShowsItsPropertiesAndAPictureOf1024Pixels) {
 }
 
 TEST_F(PropertyPane, TheSameItemAgainStartsNoSecondJob) {
-    DString const path = folder.Write("a.img", "x");
-    driver->SetImage(path, {});
-    Create(DT_DATA);
-    pane->ShowProps(Item(path), "F");
+    DString const path = Show({}, "F");
     ASSERT_TRUE(Settles());
     int const opens = driver->opens;
     pane->ShowProps(Item(path), "F");
@@ -116,13 +98,10 @@ TEST_F(PropertyPane, TheSameItemAgainStartsNoSecondJob) {
 }
 
 TEST_F(PropertyPane, ANewerItemReplacesTheOneBeingRead) {
-    DString const slow = folder.Write("slow.img", "x");
     DString const quick = folder.Write("quick.img", "x");
-    driver->SetImage(slow, {.width = 11});
     driver->SetImage(quick, {.width = 22});
     driver->openGate.Close();
-    Create(DT_DATA);
-    pane->ShowProps(Item(slow), "");
+    Show({.width = 11});
     driver->openGate.AwaitCaller();
     pane->ShowProps(Item(quick), "");
     driver->openGate.Open();
@@ -132,11 +111,8 @@ TEST_F(PropertyPane, ANewerItemReplacesTheOneBeingRead) {
 }
 
 TEST_F(PropertyPane, WhatArrivesAfterClearIsDroppedAndTheSameItemIsShownAgain) {
-    DString const path = folder.Write("a.img", "x");
-    driver->SetImage(path, {.width = 33});
     driver->openGate.Close();
-    Create(DT_DATA);
-    pane->ShowProps(Item(path), "F");
+    DString const path = Show({.width = 33}, "F");
     driver->openGate.AwaitCaller();
     pane->Clear();
     driver->openGate.Open();
@@ -164,26 +140,14 @@ struct DeafDriver : test::ScriptedRasterDriver {
     test::Gate deafGate;
 };
 
-/// Tells when nobody holds it any more.
-class WatchedItem : public PathItem {
-public:
-    WatchedItem(DString path, std::atomic<bool> &gone) : PathItem(std::move(path)), m_gone(gone) {}
-    ~WatchedItem() override { m_gone = true; }
-
-private:
-    std::atomic<bool> &m_gone;
-};
-
 TEST_F(PropertyPane, APaneThatIsDestroyedLeavesADriverThatDoesNotListenBehind) {
     RDIDriverMngr::Instance()->Reset();
-    auto owned = std::make_unique<DeafDriver>();
-    DeafDriver &deaf = *owned;
-    driver = owned.get();
-    RDIDriverMngr::Instance()->Add(std::move(owned));
+    DeafDriver &deaf = test::ScriptedDrivers::Add(std::make_unique<DeafDriver>());
+    driver = &deaf;
     std::atomic<bool> gone{false};
     deaf.deafGate.Close();
-    Create(DT_DATA);
-    pane->ShowProps({new WatchedItem(folder.Write("a.img", "x"), gone)}, "");
+    Create();
+    pane->ShowProps({new PathItem(folder.Write("a.img", "x"), &gone)}, "");
     deaf.deafGate.AwaitCaller();
     pane.reset(); // would wait for ever
     EXPECT_FALSE(gone);
@@ -255,7 +219,7 @@ TEST_F(PropertyPane, AnOptionPageNarrowsToItsPaneInsteadOfScrollingSideways) {
 
 TEST_F(PropertyPane, WhatNoDriverOpensShowsTheFileAndNoPreview) {
     DString const path = folder.Write("plain.txt", "x");
-    Create(DT_DATA);
+    Create();
     pane->ShowProps(Item(path), "");
     ASSERT_TRUE(test::Eventually([&] { return Shown("Path") == path; }));
     ASSERT_TRUE(Settles());
@@ -280,7 +244,7 @@ TEST_F(PropertyPane, AppliedOptionsReachTheCoordinatorOnceAndTheDriver) {
     extras.ItemTemplatePath = folder.Write("page.html", "<input name=level value=1><select name=level.op>"
                                                         "<option>=<option>&gt;</select>"
                                                         "<input type=button id=Apply value=Apply>");
-    Create(DT_DATA);
+    Create();
     pane->UpdateExtras(nullptr, &extras);
     ASSERT_EQ(pane->GetActiveTab(), 2);
     auto *edit = pane->Extra()->findChild<QLineEdit *>("level");
@@ -289,8 +253,8 @@ TEST_F(PropertyPane, AppliedOptionsReachTheCoordinatorOnceAndTheDriver) {
     edit->setText("2");
     test::Click(apply);
     test::Click(apply);
-    EXPECT_TRUE(test::Eventually([&] { return coordinator.optionsChanged > 0; }));
-    EXPECT_EQ(coordinator.optionsChanged, 1) << "the second click changed nothing";
+    EXPECT_TRUE(test::Eventually([&] { return coordinator.told[WM_DS_OPTIONS_CHANGED] > 0; }));
+    EXPECT_EQ(coordinator.told[WM_DS_OPTIONS_CHANGED], 1) << "the second click changed nothing";
     EXPECT_EQ(pane->GetOptionString(), "level=2&level.op==");
     pane->ShowProps(Item(path), "");
     ASSERT_TRUE(Settles());
@@ -340,7 +304,7 @@ TEST_F(PropertyPane, AnImageFileIsShownOnTheColourOfDialogs) {
 }
 
 TEST_F(PropertyPane, NamesOfPropertiesAreWholeInANarrowPane) {
-    Create(DT_DATA);
+    Create();
     pane->SetActiveTab(1);
     pane->resize(156, 400);
     QCoreApplication::processEvents();

@@ -1,7 +1,9 @@
 #include "support/GuiTest.h"
 #include "zelvar/props/CZelPropList.h"
 
+#include <QtGui/QClipboard>
 #include <QtGui/QContextMenuEvent>
+#include <QtGui/QTextDocument>
 #include <QtWidgets/QColorDialog>
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QMenu>
@@ -74,6 +76,14 @@ struct Layer {
     [[nodiscard]] Editor *Edit(CZelProp &prop) {
         list.BeginEdit(prop);
         return OpenEditor<Editor>();
+    }
+    /// A double click on a row's name or value.
+    void DoubleClick(CZelProp const &prop, int column) const {
+        list.Tree().setCurrentItem(list.Tree().topLevelItem(0)); // elsewhere
+        QPoint const at(list.Tree().columnViewportPosition(column) + 45,
+                        list.Tree().visualItemRect(&prop).center().y());
+        QTest::mouseClick(list.Tree().viewport(), Qt::LeftButton, {}, at);
+        QTest::mouseDClick(list.Tree().viewport(), Qt::LeftButton, {}, at);
     }
     template <class Editor = QLineEdit>
     [[nodiscard]] Editor *OpenEditor() const {
@@ -244,6 +254,74 @@ TEST(CZelPropList, TypingOnARowAndAClickOnTheCurrentValueBeginAnEdit) {
     EXPECT_EQ(layer.list.GetCurSel(), layer.resampling) << "a value that is not typed leaves the key to the search";
 }
 
+TEST(CZelPropList, ADoubleClickEditsWhereThatIsAllowedAndNeverAName) {
+    Layer layer;
+    for (auto const &[allowed, column, edits] :
+         test::Rows<bool, int, bool>{{false, 1, false}, {true, 0, false}, {true, 1, true}}) {
+        layer.title->AllowEdit(allowed);
+        layer.DoubleClick(*layer.title, column);
+        EXPECT_EQ(layer.OpenEditor() != nullptr, edits) << column;
+    }
+}
+
+TEST(CZelPropList, CopyTakesTheValueAsItIsNotAsItIsShown) {
+    Layer layer;
+    layer.list.SetCurSel(layer.note);
+    QTest::keyClick(&layer.list.Tree(), Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QApplication::clipboard()->text(), QStringLiteral("one\ntwo"));
+}
+
+TEST(CZelPropList, ATipShowsAValueLetterForLetter) {
+    Layer layer;
+    layer.title->SetValue("/data/R&D.tif");
+    EXPECT_EQ(layer.title->toolTip(1), QStringLiteral("/data/R&D.tif")) << "no markup, so nothing is escaped";
+    layer.title->SetValue("a <b>bold</b> name");
+    EXPECT_TRUE(layer.title->toolTip(1).contains(QStringLiteral("&lt;b&gt;")));
+    EXPECT_TRUE(Qt::mightBeRichText(layer.title->toolTip(1))) << "or the escapes would show";
+}
+
+TEST(CZelPropList, AGroupIsShadedFromEdgeToEdge) {
+    Layer layer;
+    layer.list.SetVSDotNetLook(true);
+    QTreeWidget &tree = layer.list.Tree();
+    layer.list.SetCurSel(layer.note);
+    QColor const shade = layer.list.palette().color(QPalette::Window);
+    int const right = tree.viewport()->width() - 3;
+    int const group = tree.visualItemRect(layer.list.GetProperty(0)).top() + 3;
+    EXPECT_EQ(test::ColorAt(*tree.viewport(), {1, group}), shade) << "beside the mark of opening";
+    EXPECT_EQ(test::ColorAt(*tree.viewport(), {right, group}), shade);
+    EXPECT_NE(test::ColorAt(*tree.viewport(), {1, tree.visualItemRect(layer.title).top() + 3}), shade);
+}
+
+TEST(CZelPropList, NamesGetTheirRoomUntilTheUserSetsIt) {
+    Layer layer;
+    QTreeWidget &tree = layer.list.Tree();
+    layer.list.EnableHeaderCtrl(true);
+    EXPECT_TRUE(!tree.isHeaderHidden() && tree.headerItem()->text(1) == QStringLiteral("Value"));
+    layer.title->setText(0, QString(200, u'n'));
+    layer.list.resize(400, 320);
+    EXPECT_EQ(tree.columnWidth(0), 240) << "no more than three fifths";
+    layer.title->setText(0, QStringLiteral("Name"));
+    layer.list.resize(300, 320);
+    EXPECT_LT(tree.columnWidth(0), 150);
+    tree.setColumnWidth(0, 150); // as a drag of the heading does
+    layer.list.resize(600, 320);
+    EXPECT_EQ(tree.columnWidth(0), 300) << "its share of the new width";
+}
+
+TEST(CZelPropList, TheDescriptionOfTheCurrentPropertyIsShownAsPlainText) {
+    Layer layer;
+    auto const *const area = layer.list.findChild<QLabel *>();
+    ASSERT_NE(area, nullptr);
+    EXPECT_FALSE(area->isVisible());
+    layer.list.EnableDescriptionArea(true);
+    layer.list.SetCurSel(layer.title);
+    EXPECT_EQ(area->text(), QStringLiteral("Shown in the legend"));
+    EXPECT_EQ(area->textFormat(), Qt::PlainText);
+    layer.list.SetCurSel(layer.visible);
+    EXPECT_EQ(area->text(), QString());
+}
+
 TEST(CZelPropList, AListMayBeEmptiedByWhomItTellsOfAChange) {
     Layer layer;
     QObject::connect(&layer.list, &CZelPropList::PropertyChanged, &layer.list, &CZelPropList::RemoveAll);
@@ -318,6 +396,8 @@ TEST(CZelPropList, AlphabeticOrderDissolvesTheGroupsAndGivesThemBack) {
     };
     EXPECT_EQ(names(), "File Format Note Opacity Resampling Tint Title Visible ");
     EXPECT_EQ(layer.list.GetProperty(1)->GetSubItem(0), layer.opacity) << "the groups are still told";
+    EXPECT_TRUE(layer.list.GetProperty(1)->IsGroup() && layer.list.GetProperty(1)->GetSubItemsCount() == 6);
+    EXPECT_TRUE(layer.list.GetProperty(2) == nullptr && layer.list.GetProperty(1)->GetSubItem(6) == nullptr);
     layer.list.GetProperty(0)->AddSubItem(std::make_unique<CZelProp>("Nodata", "0"));
     delete layer.note;
     EXPECT_EQ(names(), "File Format Nodata Opacity Resampling Tint Title Visible ");

@@ -1,18 +1,10 @@
 #pragma once
 
-#include "support/TestFiles.h"
+#include "support/Test.h"
 
-#include <algorithm>
-#include <array>
-#include <chrono>
 #include <csignal>
 #include <cstdio>
-#include <functional>
-#include <map>
 #include <regex>
-#include <string>
-#include <utility>
-#include <vector>
 
 #include <gio/gio.h>
 #include <sys/prctl.h>
@@ -21,7 +13,7 @@ namespace zelvar::test {
 
 /// A screen without a monitor, an accessibility bus as a desktop has it, and a client on that bus which asks and hears
 /// as a screen reader does. What runs there ends with the object, and with this process however that goes.
-class AccessibilityBus {
+class AccessibilityBus : Pinned {
 public:
     /// What a program shows: its name on the bus and a path there, which is empty for nothing.
     using Node = std::pair<std::string, std::string>;
@@ -76,8 +68,6 @@ public:
         g_clear_object(&m_connection);
         g_object_unref(m_launcher);
     }
-    AccessibilityBus(AccessibilityBus const &) = delete;
-    AccessibilityBus &operator=(AccessibilityBus const &) = delete;
     /// What is not installed or does not start; empty if all runs.
     [[nodiscard]] std::string const &Missing() const { return m_missing; }
     /// Starts a program that shows its windows there and is heard. Null if it is not installed.
@@ -153,8 +143,7 @@ public:
     void ListenTo(std::vector<std::string> kinds) { m_kinds = std::move(kinds); }
 
 private:
-    static constexpr auto kLongest =
-        std::chrono::seconds(40); ///< for what takes a moment on a machine that is not busy
+    static constexpr std::chrono::seconds kLongest{40}; ///< for what takes a moment on a machine that is not busy
     static inline Node const kBus{"org.a11y.Bus", "/org/a11y/bus"};
     static inline Node const kDesktop{"org.a11y.atspi.Registry", "/org/a11y/atspi/accessible/root"};
     static inline Node const kRegistry{"org.a11y.atspi.Registry", "/org/a11y/atspi/registry"};

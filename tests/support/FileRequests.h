@@ -4,7 +4,6 @@
 #include "support/OpenDialogHand.h"
 #include "zelvar/controls/CZelComboBox.h"
 #include "zelvar/filedlg/FileDlg.h"
-#include "zelvar/opends/OpenDialogTemplate.h"
 #include "zelvar/platform/ui/MainWindow.h"
 
 #include <QtWidgets/QMainWindow>
@@ -52,9 +51,7 @@ inline void Pick(DlgOpenDS &dialog, std::string const &name) {
     ASSERT_TRUE(Eventually([&] { return RowOf(list, name) >= 0; })) << name << " is not listed";
     list.ClearSelection();
     list.SetSlct(RowOf(list, name), true);
-    auto *const ok = platform::GetDlgItem<QPushButton>(dialog, kOkId);
-    ASSERT_TRUE(Eventually([&] { return ok->isEnabled(); }));
-    Click(ok);
+    PressOk(dialog);
 }
 
 inline void LookAt(QWidget &dialog, Shown &shown) {

@@ -132,8 +132,7 @@ std::map<DString, std::function<DString(DString const &)>> const &Attempts() {
         {"exec", [](DString const &) { return Exec(); }},
         {"connect", [](DString const &port) { return Connect(std::atoi(port.c_str())); }},
         {"signal", [](DString const &process) { return Outcome(kill(std::atoi(process.c_str()), SIGTERM)); }},
-        {"thread", [](DString const &) { return StartThread(); }},
-    };
+        {"thread", [](DString const &) { return StartThread(); }}};
     return attempts;
 }
 
@@ -401,10 +400,7 @@ private:
         StopSignal const *stop = nullptr;
     };
     struct Window {
-        double x = 0;
-        double y = 0;
-        double width = 0;
-        double height = 0;
+        double x = 0, y = 0, width = 0, height = 0;
     };
     static Handle &Of(void *handle) { return *static_cast<Handle *>(handle); }
     template <class Put>

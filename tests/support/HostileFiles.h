@@ -26,7 +26,7 @@ struct HostileFiles : testing::Test {
         UseReaderDrivers(settings);
     }
     [[nodiscard]] std::string Write(std::string_view name, std::string_view text) const {
-        return m_folder.Write(std::string(name) + ".hostile", text);
+        return folder.Write(std::string(name) + ".hostile", text);
     }
 
     /// An image opened by the manager, closed at the end.
@@ -59,8 +59,7 @@ struct HostileFiles : testing::Test {
         return std::chrono::duration<double, std::milli>(Clock::now() - begin).count();
     }
 
-private:
-    TempFolder m_folder;
+    TempFolder folder;
 };
 
 } // namespace zelvar::test

@@ -1,14 +1,9 @@
 #pragma once
 
-#include "support/TestFiles.h"
+#include "support/Test.h"
 
-#include <atomic>
-#include <functional>
-#include <map>
 #include <mutex>
-#include <string>
 #include <thread>
-#include <vector>
 
 namespace zelvar::test {
 

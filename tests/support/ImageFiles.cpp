@@ -1,17 +1,12 @@
 #include "support/ImageFiles.h"
 
-#include "support/TestFiles.h"
+#include "support/Test.h"
 
 #include <cpl_string.h>
 #include <cpl_vsi.h>
-#include <gtest/gtest.h>
 #include <ogr_srs_api.h>
 
-#include <algorithm>
-#include <array>
-#include <cmath>
 #include <filesystem>
-#include <memory>
 #include <mutex>
 #include <numeric>
 

@@ -1,13 +1,10 @@
 #pragma once
 
+#include "support/Test.h"
 #include "zelvar/base/DString.h"
 
 #include <gdal.h>
 #include <ogr_api.h>
-
-#include <functional>
-#include <optional>
-#include <vector>
 
 namespace zelvar::test {
 

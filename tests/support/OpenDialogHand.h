@@ -4,6 +4,8 @@
 #include "zelvar/opends/DSListCtrl.h"
 #include "zelvar/opends/DSPropertyWnd.h"
 #include "zelvar/opends/DlgOpenDS.h"
+#include "zelvar/opends/OpenDialogTemplate.h"
+#include "zelvar/platform/ui/ControlId.h"
 #include "zelvar/props/CZelPropList.h"
 
 #include <QtCore/QTimer>
@@ -14,6 +16,18 @@ struct DeleteDialog {
     void operator()(DlgOpenDS *dialog) const { DlgOpenDS::DeleteDialogObject(dialog); }
 };
 using DialogPtr = std::unique_ptr<DlgOpenDS, DeleteDialog>;
+
+/// Counts what panes tell their coordinator.
+class Coordinator : public QObject {
+public:
+    std::map<int, int> told;
+
+protected:
+    bool event(QEvent *event) override {
+        ++told[event->type()];
+        return QObject::event(event);
+    }
+};
 
 /// The row of that name, -1 without one.
 inline int RowOf(DSListCtrl const &list, DString const &name) {
@@ -28,6 +42,13 @@ inline QPoint PlaceOf(DSListCtrl &list, DString const &name) {
     list.EnsureVisible(RowOf(list, name));
     Rect const rect = list.GetItemRect(RowOf(list, name));
     return {rect.left + 40, (rect.top + rect.bottom) / 2};
+}
+
+/// Presses OK once that can be pressed.
+inline void PressOk(DlgOpenDS &dialog) {
+    auto *const ok = platform::GetDlgItem<QPushButton>(dialog, kOkId);
+    ASSERT_TRUE(Eventually([&] { return ok->isEnabled(); }));
+    Click(ok);
 }
 
 /// Runs the dialog, does `act` once `when` is true, and closes it if `act` did not. The dialog's answer.

@@ -1,15 +1,11 @@
 #include "support/RealDrivers.h"
 
+#include "support/Test.h"
 #include "zelvar/data/DriverProvider.h"
 #include "zelvar/data/gdal/GdalDrivers.h"
 #include "zelvar/data/reader/DriverModule.h"
 
-#include <gtest/gtest.h>
-
-#include <chrono>
-#include <cstdlib>
 #include <thread>
-#include <utility>
 
 #include <sys/resource.h>
 

@@ -1,25 +1,20 @@
 #pragma once
 
+#include "support/Test.h"
 #include "zelvar/platform/ui/Announce.h"
 
 #include <QtGui/QAccessible>
 
-#include <map>
-#include <string>
-#include <vector>
-
 namespace zelvar::test {
 
 /// Hears what our controls tell screen readers while it lives: "focus row 3", "value 10", "words first: x 20".
-class ScreenReader {
+class ScreenReader : Pinned {
 public:
     ScreenReader() {
         m_told.clear();
         platform::AnnounceThrough(Hear);
     }
     ~ScreenReader() { platform::AnnounceThrough(nullptr); }
-    ScreenReader(ScreenReader const &) = delete;
-    ScreenReader &operator=(ScreenReader const &) = delete;
     static std::vector<std::string> Take() { return std::exchange(m_told, {}); }
 
 private:

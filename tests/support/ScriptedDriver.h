@@ -321,27 +321,12 @@ private:
     };
     static int Pixel(double at) { return static_cast<int>(std::clamp(at, -2e9, 2e9)); }
     static ScriptedImage const &Of(void *handle) { return *static_cast<Handle *>(handle)->image; }
-    template <class Sample>
-    static unsigned char *PutAs(unsigned char *out, double value) {
-        auto const sample = static_cast<Sample>(value);
-        std::memcpy(out, &sample, sizeof sample);
-        return out + sizeof sample;
-    }
     static unsigned char *Put(unsigned char *out, int type, double value) {
-        switch (type) {
-        case RDI_UInt16:
-            return PutAs<std::uint16_t>(out, value);
-        case RDI_Int16:
-            return PutAs<std::int16_t>(out, value);
-        case RDI_UInt32:
-            return PutAs<std::uint32_t>(out, value);
-        case RDI_Int32:
-            return PutAs<std::int32_t>(out, value);
-        case RDI_Float32:
-            return PutAs<float>(out, value);
-        default:
-            return PutAs<std::uint8_t>(out, value);
-        }
+        auto const real = static_cast<float>(value);
+        auto const whole = type == RDI_Float32 ? 0 : static_cast<std::int64_t>(value);
+        auto const size = static_cast<std::size_t>(RDIGetDTSize(type));
+        std::memcpy(out, type == RDI_Float32 ? static_cast<void const *>(&real) : &whole, size);
+        return out + size;
     }
 
     DString m_id;

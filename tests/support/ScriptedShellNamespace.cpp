@@ -1,39 +1,17 @@
 #include "support/ScriptedShellNamespace.h"
 
 #include "zelvar/base/PathStyle.h"
-#include "zelvar/platform/os/IconRule.h"
 #include "zelvar/platform/os/SmbAddress.h"
-
-#include <algorithm>
-#include <functional>
 
 namespace zelvar::test {
 
-namespace {
-
-constexpr char const *kDrivesKey = "drives";
-constexpr char const *kNetworkKey = "network";
-
-bool IsServerKey(DString const &key) {
+static bool IsServerKey(DString const &key) {
     return platform::IsSmbAddress(key) && key.find('/', DString("smb://").size()) == DString::npos;
 }
 
 /// What a thing made on the way to another one is.
-ShellKind KindOnTheWay(DString const &key) {
-    if (key == "/")
-        return ShellKind::Fixed;
-    if (IsServerKey(key))
-        return ShellKind::NetServer;
-    return ShellKind::Directory;
-}
-
-} // namespace
-
-ScriptedShellNamespace::ScriptedShellNamespace()
-    : m_drives(ShellId::Desktop().Child(kDrivesKey, ShellKind::Virtual)),
-      m_network(ShellId::Desktop().Child(kNetworkKey, ShellKind::Virtual)) {
-    m_things[kDrivesKey] = Thing{.id = m_drives, .name = "Computer", .facts = {}, .children = {}};
-    m_things[kNetworkKey] = Thing{.id = m_network, .name = "Network", .facts = {}, .children = {}};
+ShellKind ScriptedShellNamespace::KindOnTheWay(DString const &key) {
+    return key == "/" ? ShellKind::Fixed : IsServerKey(key) ? ShellKind::NetServer : ShellKind::Directory;
 }
 
 DString ScriptedShellNamespace::KeyOf(ShellId const &id) {
@@ -77,11 +55,6 @@ ScriptedShellNamespace::Thing &ScriptedShellNamespace::Ensure(DString const &key
     return m_things[key];
 }
 
-void ScriptedShellNamespace::AddDrive(DString const &path, DString const &name, ShellKind kind) {
-    std::lock_guard const lock(m_mutex);
-    Insert(kDrivesKey, path, name, m_drives.Child(path, kind));
-}
-
 void ScriptedShellNamespace::AddServer(DString const &host, DString const &container) {
     std::lock_guard const lock(m_mutex);
     if (container.empty()) {
@@ -93,54 +66,12 @@ void ScriptedShellNamespace::AddServer(DString const &host, DString const &conta
     Insert(containerKey, containerKey + "/" + host, host, domain.Child(host, ShellKind::NetServer));
 }
 
-void ScriptedShellNamespace::AddFolder(DString const &path) {
-    std::lock_guard const lock(m_mutex);
-    std::ignore = Ensure(path, KindOnTheWay(path));
-}
-
-void ScriptedShellNamespace::AddFile(DString const &path, FileFacts const &facts) {
-    std::lock_guard const lock(m_mutex);
-    Ensure(path, ShellKind::File).facts = facts;
-}
-
 void ScriptedShellNamespace::Remove(DString const &path) {
     std::lock_guard const lock(m_mutex);
     if (auto const parent = m_things.find(ParentKey(path)); parent != m_things.end())
         std::erase(parent->second.children, path);
     std::erase_if(m_things,
                   [&](auto const &thing) { return thing.first == path || thing.first.starts_with(path + "/"); });
-}
-
-void ScriptedShellNamespace::SetSpecialFolder(ShellFolderOf which, DString const &path) {
-    std::lock_guard const lock(m_mutex);
-    m_specialFolders[which] = path;
-}
-
-void ScriptedShellNamespace::SetUnreadable(DString const &path, bool unreadable) {
-    std::lock_guard const lock(m_mutex);
-    Ensure(path, KindOnTheWay(path)).unreadable = unreadable;
-}
-
-int ScriptedShellNamespace::EnumerateCalls(DString const &path) const {
-    std::lock_guard const lock(m_mutex);
-    Thing const *thing = Find(path);
-    return thing == nullptr ? 0 : thing->enumerated;
-}
-
-int ScriptedShellNamespace::TimesCalls() const {
-    std::lock_guard const lock(m_mutex);
-    return m_timesCalls;
-}
-
-ScriptedShellNamespace::Thing const *ScriptedShellNamespace::Find(DString const &key) const {
-    auto const found = m_things.find(key);
-    return found == m_things.end() ? nullptr : &found->second;
-}
-
-ShellId ScriptedShellNamespace::Parse(DString const &path) const {
-    std::lock_guard const lock(m_mutex);
-    Thing const *thing = Find(path);
-    return thing == nullptr ? ShellId() : thing->id;
 }
 
 std::optional<std::vector<ScriptedShellNamespace::Thing>> ScriptedShellNamespace::ChildrenOf(DString const &key) const {
@@ -153,8 +84,8 @@ std::optional<std::vector<ScriptedShellNamespace::Thing>> ScriptedShellNamespace
         return std::nullopt;
     std::vector<Thing> children;
     for (DString const &child : found->second.children)
-        if (Thing const *thing = Find(child))
-            children.push_back(*thing);
+        if (auto const thing = m_things.find(child); thing != m_things.end())
+            children.push_back(thing->second);
     return children;
 }
 
@@ -185,47 +116,15 @@ std::error_code ScriptedShellNamespace::Enumerate(ShellId const &folder, Purpose
     return {};
 }
 
-std::optional<ShellKind> ScriptedShellNamespace::KindOf(ShellId const &id) const {
-    std::lock_guard const lock(m_mutex);
-    Thing const *thing = Find(KeyOf(id));
-    return thing == nullptr ? std::nullopt : std::optional(thing->id.Kind());
-}
-
-DString ScriptedShellNamespace::DisplayName(ShellId const &id) const {
-    std::lock_guard const lock(m_mutex);
-    Thing const *thing = Find(KeyOf(id));
-    return thing == nullptr ? DString() : thing->name;
-}
-
-DString ScriptedShellNamespace::Path(ShellId const &id) const {
-    DString key = KeyOf(id);
-    return key == kDrivesKey || key == kNetworkKey ? DString() : key;
-}
-
 std::optional<FileTimes> ScriptedShellNamespace::Times(ShellId const &id) const {
-    std::lock_guard const lock(m_mutex);
     ++m_timesCalls;
-    Thing const *thing = Find(KeyOf(id));
-    if (thing == nullptr)
+    std::optional<Thing> const thing = Look(KeyOf(id));
+    if (!thing)
         return std::nullopt;
     FileTimes times;
     times.modified = times.created = times.accessed = thing->facts.modified;
     times.size = thing->id.Kind() == ShellKind::File ? thing->facts.size : -1;
     return times;
-}
-
-std::optional<FolderIdentity> ScriptedShellNamespace::IdentityOf(ShellId const &folder) const {
-    return FolderIdentity{.device = 1, .inode = std::hash<DString>()(KeyOf(folder))};
-}
-
-ImageDescription ScriptedShellNamespace::Icon(ShellId const &id, bool link) const {
-    return IconFor(id.Kind(), id.Element(), link, false, false);
-}
-
-std::optional<DString> ScriptedShellNamespace::SpecialFolder(ShellFolderOf which) const {
-    std::lock_guard const lock(m_mutex);
-    auto const found = m_specialFolders.find(which);
-    return found == m_specialFolders.end() ? std::nullopt : std::optional(found->second);
 }
 
 } // namespace zelvar::test

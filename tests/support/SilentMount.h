@@ -1,13 +1,8 @@
 #pragma once
 
-#include "support/TestFiles.h"
+#include "support/Test.h"
 
-#include <array>
-#include <atomic>
-#include <cstring>
-#include <string>
 #include <thread>
-#include <utility>
 
 #include <fcntl.h>
 #include <linux/fuse.h>

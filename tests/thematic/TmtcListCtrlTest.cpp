@@ -9,11 +9,12 @@ namespace {
 using Item = TmtcListCtrl::Item;
 using Group = TmtcListCtrl::Group;
 using Elmt = TmtcListCtrl::Elmt;
+using Texts = std::vector<std::string>;
 
 /// A list that writes down what it is asked for.
 class RecordingList : public TmtcListCtrl {
 public:
-    std::vector<DString> calls;
+    Texts calls;
     bool makesItems = false;
 
     void OnSlctChng(Elmt *oldElmt, Elmt *newElmt) override {
@@ -32,7 +33,7 @@ public:
         calls.push_back((up ? "up " : "down ") + Name(group) + "/" + Name(item));
         return TmtcListCtrl::OnMoveItem(group, item, up);
     }
-    std::vector<DString> Take() { return std::exchange(calls, {}); }
+    Texts Take() { return std::exchange(calls, {}); }
 
 private:
     static DString Name(Elmt const *elmt) { return elmt == nullptr ? "-" : elmt->GetText(); }
@@ -103,7 +104,7 @@ TEST(TmtcListCtrl, TheFirstItemIsSelectedAndNeverAGroup) {
     EXPECT_EQ(list.GetSlctElmt(), nullptr);
     list.AddPos(0, Item::Create("i", -1, 0, true));
     list.AddTail(Item::Create("j", -1, 0, true));
-    EXPECT_EQ(list.Take(), (std::vector<DString>{"select ->i"}));
+    EXPECT_EQ(list.Take(), (Texts{"select ->i"}));
     EXPECT_EQ(list.GetSlctItem(), list.GetHead());
     EXPECT_TRUE(list.GetHead()->IsSelected());
 }
@@ -149,14 +150,14 @@ TEST(TmtcListCtrl, TextsAreWholeAndReadable) {
 TEST(TmtcListCtrl, ClicksSelectItemsAndGroupsWhereTheyMay) {
     ListStage stage;
     stage.ClickAt(stage.TextOf(stage.b));
-    EXPECT_EQ(stage.list.Take(), (std::vector<DString>{"select i>b"}));
+    EXPECT_EQ(stage.list.Take(), (Texts{"select i>b"}));
     stage.ClickAt({20, 60});   // the strip
     stage.ClickAt({200, 250}); // the background
     EXPECT_TRUE(stage.list.Take().empty());
     stage.list.SetEnblGrpSlct(true);
     stage.ClickAt({20, 60});
     stage.ClickAt(stage.TextOf(stage.c), Qt::RightButton);
-    EXPECT_EQ(stage.list.Take(), (std::vector<DString>{"select b>G", "select G>c"}));
+    EXPECT_EQ(stage.list.Take(), (Texts{"select b>G", "select G>c"}));
     EXPECT_FALSE(stage.group->IsSelected());
 }
 
@@ -170,8 +171,7 @@ TEST(TmtcListCtrl, ButtonsLeadToTheirOperations) {
         EXPECT_EQ(stage.group->Get(0), stage.b);
         stage.ClickOn(stage.b->DownButton());
         stage.ClickOn(stage.single->RemoveButton());
-        EXPECT_EQ(stage.list.Take(),
-                  (std::vector<DString>{"add G", "add E", "up G/b", "down G/b", "remove -/i", "select i>-"}));
+        EXPECT_EQ(stage.list.Take(), (Texts{"add G", "add E", "up G/b", "down G/b", "remove -/i", "select i>-"}));
         EXPECT_EQ(stage.list.GetNumElmt(), 2);
         stage.list.makesItems = true;
         stage.ClickOn(stage.group->AddButton());
@@ -213,11 +213,11 @@ TEST(TmtcListCtrl, TheSelectionNeverRestsOnWhatIsGone) {
 TEST(TmtcListCtrl, WalksItemsInTheOrderShown) {
     ListStage stage;
     stage.b->SetVisible(false);
-    std::vector<DString> names;
+    Texts names;
     for (Item *item = stage.list.GetNextItem(nullptr, true, false); item != nullptr;
          item = stage.list.GetNextItem(item, true, false))
         names.push_back(item->GetText());
-    EXPECT_EQ(names, (std::vector<DString>{"a", "c", "i"}));
+    EXPECT_EQ(names, (Texts{"a", "c", "i"}));
     EXPECT_EQ(stage.list.GetNextItem(stage.a, false, false), stage.b);
     EXPECT_EQ(stage.list.GetNextItem(stage.single, false, true), stage.c);
     EXPECT_EQ(stage.list.GetNextItem(stage.a, false, true), nullptr);
@@ -258,8 +258,8 @@ TEST(TmtcListCtrl, KeysWorkOnlyWhenTold) {
     QTest::keyClick(&stage.list, Qt::Key_End);
     QTest::keyClick(&stage.list, Qt::Key_Up);
     QTest::keyClick(&stage.list, Qt::Key_Enter);
-    EXPECT_EQ(stage.list.Take(), (std::vector<DString>{"add G", "select i>a", "down G/a", "up G/a", "remove G/a",
-                                                       "select a>-", "select ->i", "add E"}));
+    EXPECT_EQ(stage.list.Take(),
+              (Texts{"add G", "select i>a", "down G/a", "up G/a", "remove G/a", "select a>-", "select ->i", "add E"}));
     QTest::keyClick(&stage.list, Qt::Key_Up); // c is read only
     QTest::keyClick(&stage.list, Qt::Key_Delete);
     EXPECT_EQ(stage.group->GetNumItem(), 2);
@@ -318,17 +318,15 @@ TEST(TmtcListCtrl, ScreenReadersHearWhatChanges) {
     QTest::keyClick(&stage.list, Qt::Key_Delete);
     stage.list.makesItems = true;
     stage.list.Perform(kThematicAdd, stage.empty);
-    EXPECT_EQ(reader.Take(),
-              (std::vector<std::string>{"deselect i", "select b", "deselect b", "gone b", "focus c", "new new"}));
+    EXPECT_EQ(reader.Take(), (Texts{"deselect i", "select b", "deselect b", "gone b", "focus c", "new new"}));
     // What the application does by itself.
     stage.list.Select(stage.a);
     stage.group->MoveItem(stage.a, false);
     stage.empty->MoveChldr(*stage.group);
     stage.empty->RmvItem(stage.a, true);
     QCoreApplication::processEvents();
-    EXPECT_EQ(reader.Take(), (std::vector<std::string>{"select a", "gone a", "new a", "focus a", "gone c", "deselect a",
-                                                       "gone a", "new c", "new a", "select a", "deselect a", "gone a",
-                                                       "focus Thematic List Control"}));
+    EXPECT_EQ(reader.Take(), (Texts{"select a", "gone a", "new a", "focus a", "gone c", "deselect a", "gone a", "new c",
+                                    "new a", "select a", "deselect a", "gone a", "focus Thematic List Control"}));
 }
 
 } // namespace
