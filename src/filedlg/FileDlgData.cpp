@@ -1,5 +1,6 @@
 // The operations on data: their formats come from plug-ins.
 #include "zelvar/base/PathStyle.h"
+#include "zelvar/base/Translation.h"
 #include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/data/DIOPluginMngr.h"
 #include "zelvar/filedlg/BuiltInFormats.h"
@@ -114,7 +115,7 @@ bool FileDlg::OpenRasterData(DIOPluginMngr *manager, int mode, bool multiple, bo
     AddIOPluginFilters(manager, mode, check);
     if (mode == kSave) {
         if (m_request.caption.empty())
-            m_request.caption = "Export Image Layer...";
+            m_request.caption = Translated("Export Image Layer...");
         RemoveFormatWithId("ASC"); // it is not written as an image
     }
     ReadInitFile(kRasterFolder);
@@ -128,8 +129,9 @@ bool FileDlg::OpenRasterData(DIOPluginMngr *manager, int mode, bool multiple, bo
     if (multiple)
         SetMultipleFiles();
     if (m_request.caption.empty())
-        SetCaptionFor(mode, m_request.multipleFiles ? "Import Image Layers..." : "Import Image Layer...",
-                      "Export Image Layer...");
+        SetCaptionFor(
+            mode, m_request.multipleFiles ? Translated("Import Image Layers...") : Translated("Import Image Layer..."),
+            Translated("Export Image Layer..."));
     if (!ShowFileDlg(mode, "ImageFolders", DT_DATA))
         return false;
     if (rememberDir)
@@ -158,8 +160,10 @@ bool FileDlg::OpenGisObjects(DIOPluginMngr *manager, int mode, bool withStandard
     ChooseFormatById(kThematicType, "TIF");
     BeginWithUsualFormat(mode);
     if (m_request.caption.empty())
-        SetCaptionFor(mode, m_request.multipleFiles ? "Add Thematic Layers..." : "Import Thematic Layer...",
-                      "Export Thematic Layer...");
+        SetCaptionFor(mode,
+                      m_request.multipleFiles ? Translated("Add Thematic Layers...")
+                                              : Translated("Import Thematic Layer..."),
+                      Translated("Export Thematic Layer..."));
     if (!ShowFileDlg(mode, "ThematicFolders", DT_DATA))
         return false;
     RememberFormatId(kThematicType);
@@ -180,7 +184,7 @@ bool FileDlg::OpenAttrData(DIOPluginMngr *manager, int mode, DString const &what
     ReadInitFile(kAttributeFolder);
     ChooseFormatById(kAttributeType, "CSV");
     BeginWithUsualFormat(mode);
-    SetCaptionFor(mode, "Load " + what + "...", "Save " + what + "...");
+    SetCaptionFor(mode, LoadCaption(what), SaveCaption(what));
     if (!ShowFileDlg(mode, "ThematicFolders", DT_DATA))
         return false;
     RememberFormatId(kAttributeType);
@@ -199,7 +203,7 @@ bool FileDlg::OpenMetaData(DIOPluginMngr *manager, ICheck<DString> const *check,
     if (!wanted.empty() && !m_request.formats.empty())
         m_request.format = GetFormat(wanted.c_str());
     if (m_request.caption.empty())
-        m_request.caption = "Import MetaData...";
+        m_request.caption = Translated("Import MetaData...");
     if (!ShowFileDlg(kLoad, "ImageFolders", DT_DATA))
         return false;
     if (m_request.format != nullptr)

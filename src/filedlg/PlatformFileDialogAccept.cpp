@@ -162,7 +162,7 @@ bool PlatformFileDialog::IsReadyForSaving(DString const &path) {
 bool PlatformFileDialog::MayReplace(DString const &path) {
     QMessageBox question(
         QMessageBox::Warning, windowTitle(),
-        tr("%1 already exists.\nDo you want to replace it?").arg(platform::ToQString(FileNameOf(path))),
+        platform::Shown("%1 already exists.\nDo you want to replace it?").arg(platform::ToQString(FileNameOf(path))),
         QMessageBox::Yes | QMessageBox::No, this);
     question.setTextFormat(Qt::PlainText);
     question.setDefaultButton(QMessageBox::No);
