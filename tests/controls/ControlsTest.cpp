@@ -3,10 +3,6 @@
 #include "zelvar/controls/CZelComboBox.h"
 #include "zelvar/controls/CZelImageList.h"
 #include "zelvar/controls/CZelTabCtrl.h"
-#include "zelvar/props/CZelPropList.h"
-
-#include <QtGui/QClipboard>
-#include <QtGui/QTextDocument>
 
 namespace zelvar {
 namespace {
@@ -80,122 +76,6 @@ TEST(CZelTabCtrl, HidingTheActiveTabBringsAnotherOneToTheFront) {
     EXPECT_EQ(tabs.GetActiveTab(), 0);
     EXPECT_FALSE(tabs.IsTabVisible(1));
     EXPECT_FALSE(tabs.ShowTab(2));
-}
-
-struct Properties {
-    Properties() {
-        list.EnableHeaderCtrl(true);
-        list.SetVSDotNetLook(true);
-        auto *const file = new CZelProp("File");
-        name = new CZelProp("Name", "", "What the file is called", 101);
-        note = new CZelProp("Note", "old", {}, 102);
-        file->AddSubItem(name);
-        file->AddSubItem(note);
-        list.AddProperty(file);
-        list.resize(300, 200);
-        list.show();
-        EXPECT_TRUE(QTest::qWaitForWindowActive(&list));
-    }
-    void DoubleClick(CZelProp const &prop, int column) const {
-        list.Tree().setCurrentItem(list.Tree().topLevelItem(0)); // elsewhere
-        QRect const row = list.Tree().visualItemRect(&prop);
-        QPoint const at(column == 0 ? row.left() + 5 : list.Tree().columnViewportPosition(1) + 5, row.center().y());
-        QTest::mouseClick(list.Tree().viewport(), Qt::LeftButton, {}, at);
-        QTest::mouseDClick(list.Tree().viewport(), Qt::LeftButton, {}, at);
-    }
-    CZelPropList list;
-    CZelProp *name;
-    CZelProp *note;
-};
-
-TEST(CZelPropList, GroupsHoldNamedValues) {
-    Properties properties;
-    CZelProp *const file = properties.list.GetProperty(0);
-    ASSERT_NE(file, nullptr);
-    EXPECT_TRUE(file->IsGroup());
-    EXPECT_EQ(file->GetSubItemsCount(), 2);
-    EXPECT_EQ(file->GetSubItem(0)->GetData(), 101U);
-    EXPECT_EQ(file->GetSubItem(2), nullptr);
-    properties.name->SetValue("two\nlines");
-    EXPECT_EQ(properties.name->GetValue(), "two\nlines");
-    EXPECT_EQ(properties.name->text(1), QStringLiteral("two lines"));
-    EXPECT_EQ(properties.list.Tree().headerItem()->text(1), QStringLiteral("Value"));
-    EXPECT_EQ(properties.list.GetProperty(1), nullptr);
-    test::Shot(properties.list, QStringLiteral("prop-list"));
-}
-
-TEST(CZelPropList, AValueIsEditedOnlyWhereAllowedAndItsNameNever) {
-    Properties properties;
-    int changes = 0;
-    QObject::connect(&properties.list, &CZelPropList::PropertyChanged, [&](CZelProp *) { ++changes; });
-    auto const editor = [&] { return properties.list.Tree().viewport()->findChild<QLineEdit *>(); };
-    properties.DoubleClick(*properties.note, 1);
-    EXPECT_EQ(editor(), nullptr);
-    properties.note->AllowEdit(true);
-    properties.DoubleClick(*properties.note, 0);
-    EXPECT_EQ(editor(), nullptr);
-    properties.DoubleClick(*properties.note, 1);
-    ASSERT_NE(editor(), nullptr);
-    QTest::keyClicks(editor(), QStringLiteral("new"));
-    QTest::keyClick(editor(), Qt::Key_Return);
-    EXPECT_TRUE(test::Eventually([&] { return changes == 1; }));
-    EXPECT_EQ(properties.note->GetValue(), "new");
-}
-
-TEST(CZelPropList, CopyTakesTheValueAsItIsNotAsItIsShown) {
-    Properties properties;
-    properties.note->SetValue("/data/two  blanks\n");
-    properties.list.Tree().setCurrentItem(properties.note);
-    QTest::keyClick(&properties.list.Tree(), Qt::Key_C, Qt::ControlModifier);
-    EXPECT_EQ(QApplication::clipboard()->text(), QStringLiteral("/data/two  blanks\n"));
-}
-
-TEST(CZelPropList, ATipShowsAValueLetterForLetter) {
-    Properties properties;
-    properties.note->SetValue("/data/R&D.tif");
-    EXPECT_EQ(properties.note->toolTip(1), QStringLiteral("/data/R&D.tif")) << "no markup, so nothing is escaped";
-    properties.note->SetValue("a <b>bold</b> name");
-    EXPECT_TRUE(properties.note->toolTip(1).contains(QStringLiteral("&lt;b&gt;")));
-    EXPECT_TRUE(Qt::mightBeRichText(properties.note->toolTip(1))) << "or the escapes would show";
-}
-
-TEST(CZelPropList, AGroupIsShadedFromEdgeToEdge) {
-    Properties const properties;
-    QTreeWidget &tree = properties.list.Tree();
-    tree.setCurrentItem(properties.note);
-    QRect const group = tree.visualItemRect(properties.list.GetProperty(0));
-    QColor const shade = properties.list.palette().color(QPalette::Window);
-    EXPECT_EQ(test::ColorAt(*tree.viewport(), {1, group.top() + 3}), shade) << "beside the mark of opening";
-    EXPECT_EQ(test::ColorAt(*tree.viewport(), {tree.viewport()->width() - 3, group.top() + 3}), shade);
-    QRect const row = tree.visualItemRect(properties.name);
-    EXPECT_NE(test::ColorAt(*tree.viewport(), {1, row.top() + 3}), shade);
-}
-
-TEST(CZelPropList, NamesGetTheirRoomUntilTheUserSetsIt) {
-    Properties properties;
-    QTreeWidget &tree = properties.list.Tree();
-    properties.name->setText(0, QString(200, u'n'));
-    properties.list.resize(400, 200);
-    EXPECT_EQ(tree.columnWidth(0), 240) << "no more than three fifths";
-    properties.name->setText(0, QStringLiteral("Name"));
-    properties.list.resize(300, 200);
-    EXPECT_LT(tree.columnWidth(0), 150);
-    tree.setColumnWidth(0, 150); // as a drag of the heading does
-    properties.list.resize(600, 200);
-    EXPECT_EQ(tree.columnWidth(0), 300) << "its share of the new width";
-}
-
-TEST(CZelPropList, TheDescriptionOfTheCurrentPropertyIsShownAsPlainText) {
-    Properties properties;
-    auto const *const area = properties.list.findChild<QLabel *>();
-    ASSERT_NE(area, nullptr);
-    EXPECT_FALSE(area->isVisible());
-    properties.list.EnableDescriptionArea(true);
-    properties.list.Tree().setCurrentItem(properties.name);
-    EXPECT_EQ(area->text(), QStringLiteral("What the file is called"));
-    EXPECT_EQ(area->textFormat(), Qt::PlainText);
-    properties.list.Tree().setCurrentItem(properties.note);
-    EXPECT_EQ(area->text(), QString());
 }
 
 TEST(CZelImageList, IconsComeByRegisteredNumberOrByFile) {
