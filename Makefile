@@ -51,6 +51,7 @@ mutants: setup
 
 lint: setup
 	@tools/lint.sh
+	@tools/translations.sh --check
 
 # What clang-tidy says of the sources that differ from main (TIDY_ALL=1: of all).
 tidy: setup

@@ -4,7 +4,7 @@
 set -euo pipefail
 packages=(
   # build
-  g++ cmake ninja-build pkg-config ccache mold
+  g++ cmake ninja-build pkg-config ccache mold gettext
   qt6-base-dev qt6-base-dev-tools qt6-svg-dev libgdal-dev libxml2-dev libboost-dev libsqlite3-dev
   libglib2.0-dev libsmbclient-dev libflatbuffers-dev flatbuffers-compiler flatbuffers-compiler-dev
   # test

@@ -50,7 +50,7 @@ CZelToolBar::CZelToolBar(DString const &title, int id, QWidget *parent) : QToolB
     platform::SetDlgCtrlID(*this, id);
     setIconSize(QSize(platform::kSmallPicture, platform::kSmallPicture));
     if (auto *const more = findChild<QToolButton *>(kMoreButton)) {
-        more->setAccessibleName(QStringLiteral("More buttons"));
+        more->setAccessibleName(platform::Shown("More buttons"));
         more->setToolTip(more->accessibleName());
         more->installEventFilter(this);
     }
@@ -256,7 +256,7 @@ void CZelToolBar::contextMenuEvent(QContextMenuEvent *event) {
         menu->setParent(nullptr, menu->windowFlags());
     if (!menu->isEmpty())
         menu->addSeparator();
-    QAction const *const customize = menu->addAction(tr("&Customize..."));
+    QAction const *const customize = menu->addAction(platform::Shown("&Customize..."));
     QPointer<CZelToolBar> const alive(this);
     if (platform::RunMenu(*menu, event->globalPos()) == customize && !alive.isNull())
         Customize();

@@ -2,6 +2,7 @@
 
 #include "zelvar/bars/CZelToolBar.h"
 #include "zelvar/platform/ui/Pictures.h"
+#include "zelvar/platform/ui/Text.h"
 #include "zelvar/xml/XMLNode.h"
 
 #include <QtWidgets/QCheckBox>
@@ -20,13 +21,13 @@ constexpr int kIdRole = Qt::UserRole; // 0 for a separator
 } // namespace
 
 ToolBarDialog::ToolBarDialog(CZelToolBar const &bar, XMLNode const &designed, QWidget *parent)
-    : QDialog(parent), m_elements(new QListWidget), m_large(new QCheckBox(tr("&Large icons"))),
-      m_up(new QPushButton(tr("Move &up"))), m_down(new QPushButton(tr("Move &down"))) {
-    setWindowTitle(tr("Customize %1").arg(bar.windowTitle()));
-    m_elements->setAccessibleName(tr("Buttons"));
+    : QDialog(parent), m_elements(new QListWidget), m_large(new QCheckBox(platform::Shown("&Large icons"))),
+      m_up(new QPushButton(platform::Shown("Move &up"))), m_down(new QPushButton(platform::Shown("Move &down"))) {
+    setWindowTitle(platform::Shown("Customize %1").arg(bar.windowTitle()));
+    m_elements->setAccessibleName(platform::Shown("Buttons"));
     m_elements->setDragDropMode(QAbstractItemView::InternalMove);
     m_large->setChecked(bar.iconSize().width() > platform::kSmallPicture);
-    auto *const reset = new QPushButton(tr("&Reset"));
+    auto *const reset = new QPushButton(platform::Shown("&Reset"));
     auto *const answers = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
     auto *const side = new QVBoxLayout;
     for (QPushButton *const button : {m_up, m_down, reset}) {
@@ -69,7 +70,7 @@ void ToolBarDialog::Fill(XMLNode const &arrangement) {
         auto *const row = new QListWidgetItem(m_elements);
         row->setData(kIdRole, id);
         if (element->GetName() == "SEPARATOR") {
-            row->setText(tr("Separator"));
+            row->setText(platform::Shown("Separator"));
             row->setForeground(palette().brush(QPalette::Disabled, QPalette::Text));
             continue;
         }

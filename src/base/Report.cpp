@@ -2,6 +2,7 @@
 
 #include "zelvar/base/ProcessMoments.h"
 #include "zelvar/base/SystemTime.h"
+#include "zelvar/base/Translation.h"
 
 #include <chrono>
 #include <cstdarg>
@@ -102,7 +103,7 @@ void Report::TraceMessage(int level, char const *format, ...) {
 void Report::UserNotification(char const *format, ...) {
     std::va_list arguments;
     va_start(arguments, format);
-    DString const text = FormatV(format, arguments);
+    DString const text = FormatV(Translated(format), arguments);
     va_end(arguments);
     TellUser(Severity::Notification, text);
 }
@@ -110,7 +111,7 @@ void Report::UserNotification(char const *format, ...) {
 void Report::UserNotificationEnforced(char const *format, ...) {
     std::va_list arguments;
     va_start(arguments, format);
-    DString const text = FormatV(format, arguments);
+    DString const text = FormatV(Translated(format), arguments);
     va_end(arguments);
     TellUser(Severity::Notification, text);
 }
@@ -118,7 +119,7 @@ void Report::UserNotificationEnforced(char const *format, ...) {
 void Report::UserWarning(char const *format, ...) {
     std::va_list arguments;
     va_start(arguments, format);
-    DString const text = FormatV(format, arguments);
+    DString const text = FormatV(Translated(format), arguments);
     va_end(arguments);
     TellUser(Severity::Warning, text);
 }

@@ -1,5 +1,6 @@
 #include "zelvar/charts/CHstgCtrl.h"
 
+#include "zelvar/base/Translation.h"
 #include "zelvar/charts/ChartColors.h"
 #include "zelvar/charts/ChartText.h"
 
@@ -120,14 +121,14 @@ void CHstgCtrl::DrawData(QPainter &painter, HistogramGeometry const &geometry, C
     }
     painter.setPen(QPen(colors.ink, 1));
     DrawLabelRow(painter, counts);
-    DrawLabel(painter, Format("Sum: %d", m_histogram->GetHstgSum()), geometry.SumRect(), LabelAlign::Right);
+    DrawLabel(painter, Format(Translated("Sum: %d"), m_histogram->GetHstgSum()), geometry.SumRect(), LabelAlign::Right);
 }
 
 DString CHstgCtrl::SelectionText() const {
     if (m_histogram == nullptr || m_slctSlot < 0 || m_slctSlot >= m_histogram->m_numSlot)
         return {};
-    return Format("%g to %g: %d", m_histogram->GetSlotClss(m_slctSlot), m_histogram->GetSlotClss(m_slctSlot + 1),
-                  m_histogram->GetSlotVal(m_slctSlot));
+    return Format(Translated("%g to %g: %d"), m_histogram->GetSlotClss(m_slctSlot),
+                  m_histogram->GetSlotClss(m_slctSlot + 1), m_histogram->GetSlotVal(m_slctSlot));
 }
 
 ChartValue CHstgCtrl::SelectionValue() const {
@@ -140,8 +141,8 @@ ChartValue CHstgCtrl::SelectionValue() const {
 
 DString CHstgCtrl::DescriptionText() const {
     if (m_histogram == nullptr)
-        return "no data";
-    return Format("%d slots from %g to %g, %d values", m_histogram->m_numSlot, m_histogram->m_minimum,
+        return Translated("no data");
+    return Format(Translated("%d slots from %g to %g, %d values"), m_histogram->m_numSlot, m_histogram->m_minimum,
                   m_histogram->m_maximum, m_histogram->GetHstgSum());
 }
 

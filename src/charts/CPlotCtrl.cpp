@@ -1,5 +1,6 @@
 #include "zelvar/charts/CPlotCtrl.h"
 
+#include "zelvar/base/Translation.h"
 #include "zelvar/charts/ChartColors.h"
 #include "zelvar/charts/PlotPainter.h"
 #include "zelvar/charts/core/PlotSelection.h"
@@ -134,7 +135,7 @@ DString CPlotCtrl::SelectionText() const {
     DataPoint const *const point = GetSlctData();
     if (point == nullptr)
         return {};
-    DString const place = Format("x %g, y %g", point->x, point->y);
+    DString const place = Format(Translated("x %g, y %g"), point->x, point->y);
     return point->label.empty() ? place : point->label + ": " + place;
 }
 
@@ -144,8 +145,8 @@ ChartValue CPlotCtrl::SelectionValue() const {
 }
 
 DString CPlotCtrl::DescriptionText() const {
-    DString const shown = Format("%zu points, x %g to %g, y %g to %g", m_points.size(), m_range.minX, m_range.maxX,
-                                 m_range.minY, m_range.maxY);
+    DString const shown = Format(Translated("%zu points, x %g to %g, y %g to %g"), m_points.size(), m_range.minX,
+                                 m_range.maxX, m_range.minY, m_range.maxY);
     return m_title.empty() ? shown : m_title + ": " + shown;
 }
 

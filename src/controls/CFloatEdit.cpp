@@ -162,10 +162,10 @@ QString CFloatEdit::RangeText() const {
     QString const minimum = platform::ToQString(WriteNumber(m_minimum));
     QString const maximum = platform::ToQString(WriteNumber(m_maximum));
     if (above && below)
-        return tr("A number from %1 to %2").arg(minimum, maximum);
+        return platform::Shown("A number from %1 to %2").arg(minimum, maximum);
     if (above)
-        return tr("A number not below %1").arg(minimum);
-    return below ? tr("A number not above %1").arg(maximum) : tr("A number");
+        return platform::Shown("A number not below %1").arg(minimum);
+    return below ? platform::Shown("A number not above %1").arg(maximum) : platform::Shown("A number");
 }
 
 void CFloatEdit::Step(int count) {

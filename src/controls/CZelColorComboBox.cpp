@@ -1,5 +1,6 @@
 #include "zelvar/controls/CZelColorComboBox.h"
 
+#include "zelvar/base/Translation.h"
 #include "zelvar/controls/ControlIcons.h"
 #include "zelvar/platform/ui/ModalLoop.h"
 #include "zelvar/platform/ui/SystemColor.h"
@@ -21,13 +22,13 @@ constexpr int kColorRole = Qt::UserRole + 11;
 constexpr ColorRef kColorBits = 0x00FFFFFF;
 
 constexpr std::array<CZelColorComboBox::NamedColor, 20> kStandard{{
-    {Rgb(0, 0, 0), "Black"},        {Rgb(255, 255, 255), "White"},    {Rgb(128, 128, 128), "Gray"},
-    {Rgb(192, 192, 192), "Silver"}, {Rgb(128, 0, 0), "Maroon"},       {Rgb(255, 0, 0), "Red"},
-    {Rgb(255, 165, 0), "Orange"},   {Rgb(139, 69, 19), "Brown"},      {Rgb(128, 128, 0), "Olive"},
-    {Rgb(255, 255, 0), "Yellow"},   {Rgb(0, 128, 0), "Green"},        {Rgb(0, 255, 0), "Lime"},
-    {Rgb(0, 128, 128), "Teal"},     {Rgb(0, 255, 255), "Cyan"},       {Rgb(0, 0, 128), "Navy"},
-    {Rgb(0, 0, 255), "Blue"},       {Rgb(128, 0, 128), "Purple"},     {Rgb(255, 0, 255), "Magenta"},
-    {Rgb(255, 192, 203), "Pink"},   {Rgb(135, 206, 235), "Sky blue"},
+    {Rgb(0, 0, 0), Mark("Black")},        {Rgb(255, 255, 255), Mark("White")},    {Rgb(128, 128, 128), Mark("Gray")},
+    {Rgb(192, 192, 192), Mark("Silver")}, {Rgb(128, 0, 0), Mark("Maroon")},       {Rgb(255, 0, 0), Mark("Red")},
+    {Rgb(255, 165, 0), Mark("Orange")},   {Rgb(139, 69, 19), Mark("Brown")},      {Rgb(128, 128, 0), Mark("Olive")},
+    {Rgb(255, 255, 0), Mark("Yellow")},   {Rgb(0, 128, 0), Mark("Green")},        {Rgb(0, 255, 0), Mark("Lime")},
+    {Rgb(0, 128, 128), Mark("Teal")},     {Rgb(0, 255, 255), Mark("Cyan")},       {Rgb(0, 0, 128), Mark("Navy")},
+    {Rgb(0, 0, 255), Mark("Blue")},       {Rgb(128, 0, 128), Mark("Purple")},     {Rgb(255, 0, 255), Mark("Magenta")},
+    {Rgb(255, 192, 203), Mark("Pink")},   {Rgb(135, 206, 235), Mark("Sky blue")},
 }};
 
 } // namespace
@@ -36,8 +37,8 @@ CZelColorComboBox::CZelColorComboBox(QWidget *parent) : CZelComboBox(parent) {
     setSizeAdjustPolicy(AdjustToContents);
     FitSwatches();
     for (NamedColor const &color : kStandard)
-        AddColor(color.color, color.name);
-    EnableOther(platform::ToDString(tr("More colours…")));
+        AddColor(color.color, Translated(color.name));
+    EnableOther(Translated("More colours…"));
     SetCurSel(0);
     connect(this, &QComboBox::currentIndexChanged, this, &CZelColorComboBox::OnCurrentChanged);
     connect(this, &QComboBox::activated, this, [this](int index) {

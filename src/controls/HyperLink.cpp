@@ -171,8 +171,8 @@ void HyperLink::keyPressEvent(QKeyEvent *event) {
 
 void HyperLink::contextMenuEvent(QContextMenuEvent *event) {
     QMenu menu;
-    QAction const *const open = menu.addAction(tr("&Open"));
-    QAction const *const copy = menu.addAction(tr("&Copy address"));
+    QAction const *const open = menu.addAction(platform::Shown("&Open"));
+    QAction const *const copy = menu.addAction(platform::Shown("&Copy address"));
     bool const keyboard = event->reason() == QContextMenuEvent::Keyboard;
     QPointer<HyperLink> const alive(this);
     QAction const *const picked =

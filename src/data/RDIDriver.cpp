@@ -1,21 +1,23 @@
 #include "zelvar/data/RDIDriver.h"
 
+#include "zelvar/base/Translation.h"
+
 namespace zelvar {
 
 DString RDIGetDTName(int type) {
     switch (type) {
     case RDI_UInt8:
-        return "8 bit unsigned";
+        return Translated("8 bit unsigned");
     case RDI_UInt16:
-        return "16 bit unsigned";
+        return Translated("16 bit unsigned");
     case RDI_Int16:
-        return "16 bit signed";
+        return Translated("16 bit signed");
     case RDI_UInt32:
-        return "32 bit unsigned";
+        return Translated("32 bit unsigned");
     case RDI_Int32:
-        return "32 bit signed";
+        return Translated("32 bit signed");
     case RDI_Float32:
-        return "32 bit float";
+        return Translated("32 bit float");
     default:
         return {};
     }

@@ -1,5 +1,6 @@
 #include "zelvar/dialogs/CBDISelectorDlg.h"
 
+#include "zelvar/base/Translation.h"
 #include "zelvar/data/RequestScope.h"
 #include "zelvar/dialogs/DialogResources.h"
 #include "zelvar/lists/CZelListCtrl.h"
@@ -24,13 +25,13 @@ using platform::DialogItem;
 enum ControlIds { kOk = 1, kCancel = 2, kTree = 1001, kList = 6004 };
 
 constexpr DialogItem kItems[] = {
-    {kOk, ControlKind::DefaultButton, "OK", 118, 138, 50, 14, {100, 100, 100, 100}},
-    {kCancel, ControlKind::Button, "Cancel", 184, 138, 50, 14, {100, 100, 100, 100}},
+    {kOk, ControlKind::DefaultButton, Mark("OK"), 118, 138, 50, 14, {100, 100, 100, 100}},
+    {kCancel, ControlKind::Button, Mark("Cancel"), 184, 138, 50, 14, {100, 100, 100, 100}},
     {kTree, ControlKind::List, "", 7, 7, 144, 124, {0, 0, 100, 100}},
     {kList, ControlKind::List, "", 152, 7, 194, 124, {100, 0, 100, 100}},
 };
 constexpr platform::DialogTemplate kTemplate{
-    .id = 583, .caption = "BDI Selector Dialog", .width = 353, .height = 159, .items = kItems};
+    .id = 583, .caption = Mark("BDI Selector Dialog"), .width = 353, .height = 159, .items = kItems};
 constexpr unsigned kFlags = 3;
 
 constexpr unsigned kNodeImages = 584; // a strip: folder, open folder, raster, table, vector
@@ -167,12 +168,12 @@ bool CBDISelectorDlg::OnInitDialog() {
     platform::EscapeWatch const watch; // one Escape for all that is asked here
     OpenRepository();
 
-    m_list->AddCol("Name", ADICol_String, false, kNameWidth, LVCFMT_LEFT);
+    m_list->AddCol(Translated("Name"), ADICol_String, false, kNameWidth, LVCFMT_LEFT);
     m_list->SetMultiSlct(m_multiSelect);
     m_list->ModifyStyle(0, LVS_SHOWSELALWAYS); // what OK takes is seen from the tree, too
     m_list->SetExtendedStyle(m_list->GetExtendedStyle() | LVS_EX_LABELTIP);
-    m_list->setAccessibleName(tr("Items"));
-    m_tree->setAccessibleName(tr("Containers"));
+    m_list->setAccessibleName(platform::Shown("Items"));
+    m_tree->setAccessibleName(platform::Shown("Containers"));
     m_images.Create(kNodeImages, platform::kSmallPicture, 0, kMagenta);
     m_tree->SetImageList(m_images.GetHandle(), TVSIL_NORMAL);
     connect(m_tree, &CZelTreeCtrl::ItemExpanding, this, [this](TreeExpanding *what) { OnItemExpanding(*what); });

@@ -1,5 +1,6 @@
 #include "zelvar/dialogs/DlgFltrFind.h"
 
+#include "zelvar/base/Translation.h"
 #include "zelvar/dialogs/core/FilterFindRules.h"
 #include "zelvar/platform/ui/ControlId.h"
 #include "zelvar/platform/ui/Text.h"
@@ -40,17 +41,17 @@ constexpr DialogItem kItems[] = {
     {kFilter, ControlKind::DropDownList, "", 31, 7, 92, 74},
     {kFind, ControlKind::Edit, "", 159, 7, 65, 13},
     {kClear, ControlKind::Button, "X", 231, 8, 12, 11, {}, false},
-    {kOk, ControlKind::DefaultButton, "OK", 133, 215, 50, 14, {100, 100, 100, 100}},
-    {kCancel, ControlKind::Button, "Cancel", 193, 215, 50, 14, {100, 100, 100, 100}},
-    {kFilterLabel, ControlKind::Label, "Filter:", 7, 9, 20, 8},
-    {kFindLabel, ControlKind::Label, "Find:", 138, 9, 17, 8},
-    {kListTitle, ControlKind::Label, "Found:", 7, 29, 24, 8},
-    {kDescriptionFrame, ControlKind::Group, "Description", 7, 156, 236, 51, {0, 100, 100, 100}},
+    {kOk, ControlKind::DefaultButton, Mark("OK"), 133, 215, 50, 14, {100, 100, 100, 100}},
+    {kCancel, ControlKind::Button, Mark("Cancel"), 193, 215, 50, 14, {100, 100, 100, 100}},
+    {kFilterLabel, ControlKind::Label, Mark("Filter:"), 7, 9, 20, 8},
+    {kFindLabel, ControlKind::Label, Mark("Find:"), 138, 9, 17, 8},
+    {kListTitle, ControlKind::Label, Mark("Found:"), 7, 29, 24, 8},
+    {kDescriptionFrame, ControlKind::Group, Mark("Description"), 7, 156, 236, 51, {0, 100, 100, 100}},
     {kDescription, ControlKind::Label, "...", 15, 170, 220, 28, {0, 100, 100, 100}},
     {kList, ControlKind::List, "", 7, 41, 236, 108, {0, 0, 100, 100}},
 };
 constexpr platform::DialogTemplate kTemplate{
-    .id = 6001, .caption = "Filter & Find", .width = 250, .height = 236, .items = kItems};
+    .id = 6001, .caption = Mark("Filter & Find"), .width = 250, .height = 236, .items = kItems};
 constexpr unsigned kFlags = 3;
 
 bool ComesBefore(DlgFltrFind::Item const *a, DlgFltrFind::Item const *b) {
@@ -147,8 +148,8 @@ void DlgFltrFind::WireControls() {
     auto *const description = platform::GetDlgItem<QLabel>(*this, kDescription);
     description->setWordWrap(true);
     description->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    m_btnClear->setAccessibleName(tr("Clear"));
-    m_btnClear->setToolTip(tr("Clear the text to find"));
+    m_btnClear->setAccessibleName(platform::Shown("Clear"));
+    m_btnClear->setToolTip(platform::Shown("Clear the text to find"));
     m_edtFind->installEventFilter(this);
     connect(m_cmbFilter, &QComboBox::currentIndexChanged, this, &DlgFltrFind::OnComboSelChng);
     connect(static_cast<QPushButton *>(m_btnClear), &QPushButton::clicked, this, &DlgFltrFind::OnBttnClck);
@@ -189,6 +190,7 @@ void DlgFltrFind::FillCombo() {
     QStringList lines;
     for (DString const &category : m_categories)
         lines.push_back(platform::ToQString(category));
+    lines.front() = platform::Shown(Mark("All"));
     m_cmbFilter->addItems(lines);
     auto const start = std::find(m_categories.begin(), m_categories.end(), m_startFltr);
     bool const isThere = !m_startFltr.empty() && start != m_categories.end();

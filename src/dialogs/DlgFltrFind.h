@@ -2,6 +2,7 @@
 
 #include "zelvar/base/Containers.h"
 #include "zelvar/base/DString.h"
+#include "zelvar/base/Translation.h"
 #include "zelvar/layout/cdxCDynamicDialog.h"
 
 #include <QtCore/QElapsedTimer>
@@ -75,7 +76,7 @@ private:
     bool eventFilter(QObject *watched, QEvent *event) override;
     void WireControls();
 
-    DString m_listTitle = "Found:";
+    DString m_listTitle = Translated("Found:");
     DVector<DString> m_categories; ///< of the combo box's entries, the first one is "All"
     // The window's children, while it is up.
     ResizeListBox *m_list = nullptr;

@@ -1,5 +1,6 @@
 #include "zelvar/dialogs/DlgMsgDetails.h"
 
+#include "zelvar/base/Translation.h"
 #include "zelvar/platform/ui/ControlId.h"
 #include "zelvar/platform/ui/DialogTemplate.h"
 #include "zelvar/platform/ui/ModalLoop.h"
@@ -21,8 +22,8 @@ enum ControlIds { kOk = 1, kDetails = 6005, kShowDetails = 6006, kMessage = 6007
 enum Answer { kAnswerOk = 1, kAnswerCancel = 2 };
 
 constexpr DialogItem kItems[] = {
-    {kOk, ControlKind::DefaultButton, "OK", 227, 7, 50, 14},
-    {kShowDetails, ControlKind::Button, "Details...", 227, 31, 50, 14},
+    {kOk, ControlKind::DefaultButton, Mark("OK"), 227, 7, 50, 14},
+    {kShowDetails, ControlKind::Button, Mark("Details..."), 227, 31, 50, 14},
     {kDetails, ControlKind::MultiLineEdit, "", 7, 67, 270, 96},
     {kMessage, ControlKind::Label, "", 7, 7, 211, 55},
 };
@@ -78,8 +79,8 @@ void DlgMsgDetails::OnInitDialog() {
     auto *const message = platform::GetDlgItem<QPlainTextEdit>(*this, kMessage);
     message->setPlainText(platform::ToQString(m_message));
     m_detailsEdit->setPlainText(platform::ToQString(m_details).remove(u'\r')); // the field breaks lines by itself
-    m_detailsEdit->setAccessibleName(tr("Details"));
-    message->setAccessibleName(tr("Message"));
+    m_detailsEdit->setAccessibleName(platform::Shown("Details"));
+    message->setAccessibleName(platform::Shown("Message"));
     for (QPlainTextEdit *const text : {message, m_detailsEdit}) {
         text->setReadOnly(true);
         text->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);

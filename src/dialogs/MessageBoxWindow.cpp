@@ -177,7 +177,7 @@ QWidget *MessageBoxWindow::MakeControl(DialogBlock::Control const &control) {
     // An item of a template holds the beginning of a long text only.
     m_text = new MessageText(this);
     m_text->setPlainText(platform::ToQString(m_request.text));
-    m_text->setAccessibleName(tr("Message"));
+    m_text->setAccessibleName(platform::Shown("Message"));
     return m_text;
 }
 

@@ -1,5 +1,6 @@
 #include "zelvar/dialogs/PlainMessageBox.h"
 
+#include "zelvar/base/Translation.h"
 #include "zelvar/dialogs/core/MessageBoxSet.h"
 #include "zelvar/platform/ui/ControlId.h"
 #include "zelvar/platform/ui/ModalLoop.h"
@@ -13,7 +14,8 @@ namespace zelvar {
 
 namespace {
 
-constexpr MessageBoxButton kTryAgain[] = {{"Cancel", IDCANCEL}, {"&Try Again", IDTRYAGAIN}, {"&Continue", IDCONTINUE}};
+constexpr MessageBoxButton kTryAgain[] = {
+    {Mark("Cancel"), IDCANCEL}, {Mark("&Try Again"), IDTRYAGAIN}, {Mark("&Continue"), IDCONTINUE}};
 
 /// The platform's sets end at 6, which is not ours.
 MessageBoxSet PlatformSet(unsigned type) {
@@ -53,7 +55,7 @@ int PlainMessageBox(QWidget *parent, DString const &text, DString const &caption
     QPushButton *preset = nullptr;
     for (MessageBoxButton const &button : set.buttons) {
         // All of one role: the order is told, and no button is Escape's but the one that says so.
-        QPushButton *const added = box->addButton(QString::fromUtf8(button.text), QMessageBox::AcceptRole);
+        QPushButton *const added = box->addButton(platform::Shown(button.text), QMessageBox::AcceptRole);
         platform::SetDlgCtrlID(*added, button.id);
         if (preset == nullptr || static_cast<unsigned>(&button - set.buttons.data()) == wanted)
             preset = added;

@@ -1,5 +1,6 @@
 #include "zelvar/dialogs/XMessageBox.h"
 
+#include "zelvar/base/Translation.h"
 #include "zelvar/dialogs/MessageBoxWindow.h"
 #include "zelvar/dialogs/PlainMessageBox.h"
 #include "zelvar/platform/ui/ModalLoop.h"
@@ -59,7 +60,7 @@ void ShowHelp(unsigned helpId) {
 DString ApplicationTitle() {
     QString const title = QGuiApplication::applicationDisplayName();
     bool const isChosen = title != QFileInfo(QCoreApplication::applicationFilePath()).fileName();
-    return isChosen && !title.isEmpty() ? platform::ToDString(title) : "Error";
+    return isChosen && !title.isEmpty() ? platform::ToDString(title) : Translated("Error");
 }
 
 DString TextOf(char const *text) { return text == nullptr ? DString() : DString(text); }
@@ -88,11 +89,11 @@ int XMessageBox(QWidget *parent, char const *text, char const *caption, unsigned
     try {
         window = MakeWindow(parent, {.text = TextOf(text),
                                      .caption = title,
-                                     .checkText = checkText == nullptr ? "Don't ask me again" : checkText,
+                                     .checkText = checkText == nullptr ? Translated("Don't ask me again") : checkText,
                                      .type = type});
     } catch (std::bad_alloc const &) {
-        PlainMessageBox(parent, "Memory allocation for dialog template failed.", "Allocation Failure",
-                        MB_OK | MB_ICONEXCLAMATION);
+        PlainMessageBox(parent, Translated("Memory allocation for dialog template failed."),
+                        Translated("Allocation Failure"), MB_OK | MB_ICONEXCLAMATION);
         return IDCANCEL;
     }
     window->m_help = [helpId] { ShowHelp(helpId); };

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "zelvar/base/DString.h"
+#include "zelvar/base/Translation.h"
 
 class QWidget;
 
@@ -46,7 +47,7 @@ private:
 
     DString m_path;
     DString m_initDir;
-    DString m_title = "Open";
+    DString m_title = Translated("Open");
     DString m_key;
     DString m_filter;
     int m_image = 0;

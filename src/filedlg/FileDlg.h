@@ -162,6 +162,9 @@ private:
     void ChooseFormatById(char const *typeKey, char const *fallback);
     void BeginWithUsualFormat(int mode); ///< unless another one is wanted
     void RememberFormatId(char const *typeKey) const;
+    /// "Load what..." in the user's language.
+    [[nodiscard]] static DString LoadCaption(DString const &what);
+    [[nodiscard]] static DString SaveCaption(DString const &what);
     void SetCaptionFor(int mode, DString const &load, DString const &save);
     void ReadInitFile(char const *folderKey);
     void RememberFolder(char const *folderKey) const;

@@ -1,5 +1,6 @@
 // The operations on data: their formats come from plug-ins.
 #include "zelvar/base/PathStyle.h"
+#include "zelvar/base/Translation.h"
 #include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/data/DIOPluginMngr.h"
 #include "zelvar/filedlg/BuiltInFormats.h"
@@ -75,7 +76,7 @@ bool FileDlg::OpenRasterData(DIOPluginMngr *manager, int mode, bool multiple, bo
     AddIOPluginFilters(manager, mode, check);
     if (mode == kSave) {
         if (m_request.caption.empty())
-            m_request.caption = "Export Image Layer...";
+            m_request.caption = Translated("Export Image Layer...");
         RemoveFormatWithId("ASC"); // it is not written as an image
     }
     ReadInitFile(kRasterFolder);
@@ -89,8 +90,9 @@ bool FileDlg::OpenRasterData(DIOPluginMngr *manager, int mode, bool multiple, bo
     if (multiple)
         SetMultipleFiles();
     if (m_request.caption.empty())
-        SetCaptionFor(mode, m_request.multipleFiles ? "Import Image Layers..." : "Import Image Layer...",
-                      "Export Image Layer...");
+        SetCaptionFor(
+            mode, m_request.multipleFiles ? Translated("Import Image Layers...") : Translated("Import Image Layer..."),
+            Translated("Export Image Layer..."));
     if (!ShowFileDlg(mode, "ImageFolders", DT_DATA))
         return false;
     if (rememberDir)
@@ -119,8 +121,10 @@ bool FileDlg::OpenGisObjects(DIOPluginMngr *manager, int mode, bool withStandard
     ChooseFormatById(kThematicType, "TIF");
     BeginWithUsualFormat(mode);
     if (m_request.caption.empty())
-        SetCaptionFor(mode, m_request.multipleFiles ? "Add Thematic Layers..." : "Import Thematic Layer...",
-                      "Export Thematic Layer...");
+        SetCaptionFor(mode,
+                      m_request.multipleFiles ? Translated("Add Thematic Layers...")
+                                              : Translated("Import Thematic Layer..."),
+                      Translated("Export Thematic Layer..."));
     if (!ShowFileDlg(mode, "ThematicFolders", DT_DATA))
         return false;
     RememberFormatId(kThematicType);
@@ -141,7 +145,7 @@ bool FileDlg::OpenAttrData(DIOPluginMngr *manager, int mode, DString const &what
     ReadInitFile(kAttributeFolder);
     ChooseFormatById(kAttributeType, "CSV");
     BeginWithUsualFormat(mode);
-    SetCaptionFor(mode, "Load " + what + "...", "Save " + what + "...");
+    SetCaptionFor(mode, LoadCaption(what), SaveCaption(what));
     if (!ShowFileDlg(mode, "ThematicFolders", DT_DATA))
         return false;
     RememberFormatId(kAttributeType);
@@ -160,7 +164,7 @@ bool FileDlg::OpenMetaData(DIOPluginMngr *manager, ICheck<DString> const *check,
     if (!wanted.empty() && !m_request.offer.IsEmpty())
         m_request.format = GetFormat(wanted.c_str());
     if (m_request.caption.empty())
-        m_request.caption = "Import MetaData...";
+        m_request.caption = Translated("Import MetaData...");
     if (!ShowFileDlg(kLoad, "ImageFolders", DT_DATA))
         return false;
     if (m_request.format != nullptr)

@@ -1,6 +1,7 @@
 // The operations on the application's documents and on built-in formats.
 #include "zelvar/base/DFileFind.h"
 #include "zelvar/base/PathStyle.h"
+#include "zelvar/base/Translation.h"
 #include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/filedlg/BuiltInFormats.h"
 #include "zelvar/filedlg/CDlgSlctDir.h"
@@ -59,52 +60,52 @@ constexpr char kRulesets[] = "RulesetFolders";
 
 // clang-format off
 constexpr DocumentOperation kWorkspace{&FileDlg::pFrmt_workspace, &FileDlg::pFrmt_workspace,
-    "Open Workspace...", "Save Workspace as...", "Workspace", kWorkspaces, DT_WORKSPACE, CaptionRule::IfEmpty};
+    Mark("Open Workspace..."), Mark("Save Workspace as..."), "Workspace", kWorkspaces, DT_WORKSPACE, CaptionRule::IfEmpty};
 constexpr DocumentOperation kDMDatabase{&FileDlg::pFrmt_dm_dbfile, &FileDlg::pFrmt_dm_dbfile,
-    "Open DM Database...", "Save DM Database as...", "DMDatabase", kWorkspaces, DT_DATA, CaptionRule::IfEmpty};
+    Mark("Open DM Database..."), Mark("Save DM Database as..."), "DMDatabase", kWorkspaces, DT_DATA, CaptionRule::IfEmpty};
 constexpr DocumentOperation kTMAMatch{&FileDlg::pFrmt_TMAmatch, &FileDlg::pFrmt_TMAmatch,
-    "Open TMA matching...", "Save TMA matching...", "TMAMatching", kWorkspaces, DT_DATA, CaptionRule::IfEmpty};
+    Mark("Open TMA matching..."), Mark("Save TMA matching..."), "TMAMatching", kWorkspaces, DT_DATA, CaptionRule::IfEmpty};
 constexpr DocumentOperation kTMAGridLayt{&FileDlg::pFrmt_TMAlayout, &FileDlg::pFrmt_TMAlayout,
-    "Open TMA Grid Layouts...", "Save TMA Grid Layouts...", "TMAGridLayouts", kWorkspaces, DT_DATA, CaptionRule::IfEmpty};
+    Mark("Open TMA Grid Layouts..."), Mark("Save TMA Grid Layouts..."), "TMAGridLayouts", kWorkspaces, DT_DATA, CaptionRule::IfEmpty};
 constexpr DocumentOperation kPltLayt{&FileDlg::pFrmt_platelayout, &FileDlg::pFrmt_platelayout,
-    "Open Plate Layout...", "Save Plate Layout...", "PlateLayout", kWorkspaces, DT_DATA, CaptionRule::IfEmpty};
+    Mark("Open Plate Layout..."), Mark("Save Plate Layout..."), "PlateLayout", kWorkspaces, DT_DATA, CaptionRule::IfEmpty};
 constexpr DocumentOperation kTextSttng{&FileDlg::pFrmt_textsttng, &FileDlg::pFrmt_textsttng,
-    "Open Text Rendering Settings...", "Save Text Rendering Settings...", "TextRenderSettings", kWorkspaces, DT_DATA,
+    Mark("Open Text Rendering Settings..."), Mark("Save Text Rendering Settings..."), "TextRenderSettings", kWorkspaces, DT_DATA,
     CaptionRule::IfEmpty};
 constexpr DocumentOperation kDoseDilutionSec{&FileDlg::pFrmt_dosedilutionsec, &FileDlg::pFrmt_dosedilutionsec,
-    "Open Dilution Sequence...", "Save Dilution Sequence...", "DoseDilutionSequence", kWorkspaces, DT_DATA,
+    Mark("Open Dilution Sequence..."), Mark("Save Dilution Sequence..."), "DoseDilutionSequence", kWorkspaces, DT_DATA,
     CaptionRule::IfEmpty};
 constexpr DocumentOperation kPrjct{&FileDlg::pFrmt_prjct, &FileDlg::pFrmt_prjct,
-    "Open Project...", "Save Project as...", "Project", "ProjectFolders", DT_PROJECT, CaptionRule::IfEmpty};
+    Mark("Open Project..."), Mark("Save Project as..."), "Project", "ProjectFolders", DT_PROJECT, CaptionRule::IfEmpty};
 constexpr DocumentOperation kClssHrchy{&FileDlg::pFrmt_clss_hrchy, &FileDlg::pFrmt_clss_hrchy,
-    "Load Class Hierarchy...", "Save Class Hierarchy...", "RuleBase", kRulesets, DT_DATA, CaptionRule::Always};
+    Mark("Load Class Hierarchy..."), Mark("Save Class Hierarchy..."), "RuleBase", kRulesets, DT_DATA, CaptionRule::Always};
 constexpr DocumentOperation kClssHrchyUser{&FileDlg::pFrmt_clss_hrchy_user, &FileDlg::pFrmt_clss_hrchy_user,
-    "Load Class Hierarchy...", "Save Class Hierarchy...", "RuleBase", kRulesets, DT_DATA, CaptionRule::Always};
+    Mark("Load Class Hierarchy..."), Mark("Save Class Hierarchy..."), "RuleBase", kRulesets, DT_DATA, CaptionRule::Always};
 constexpr DocumentOperation kPrtcl{&FileDlg::pFrmt_prtcl, &FileDlg::pFrmt_prtcl,
-    "Load Protocol...", "Save Protocol...", nullptr, kRulesets, DT_DATA, CaptionRule::Always};
+    Mark("Load Protocol..."), Mark("Save Protocol..."), nullptr, kRulesets, DT_DATA, CaptionRule::Always};
 constexpr DocumentOperation kUserProps{&FileDlg::pFrmt_user_prop, &FileDlg::pFrmt_user_prop,
-    "Load Customized Features...", "Save Customized Features...", nullptr, kRulesets, DT_DATA, CaptionRule::Always};
+    Mark("Load Customized Features..."), Mark("Save Customized Features..."), nullptr, kRulesets, DT_DATA, CaptionRule::Always};
 constexpr DocumentOperation kProcess{&FileDlg::pFrmt_proc, &FileDlg::pFrmt_proc,
-    "Load Process...", "Save Process...", "Process", kRulesets, DT_RULESET, CaptionRule::Always};
+    Mark("Load Process..."), Mark("Save Process..."), "Process", kRulesets, DT_RULESET, CaptionRule::Always};
 // One format is tested and the other offered: an application sets both or none. Where the latter is null the list is an
 // empty one.
 constexpr DocumentOperation kProcessVersion{&FileDlg::pFrmt_proc, &FileDlg::pFrmt_proc_ver,
-    "Load Process version...", "Save Process version...", "Process", kRulesets, DT_RULESET, CaptionRule::Always};
+    Mark("Load Process version..."), Mark("Save Process version..."), "Process", kRulesets, DT_RULESET, CaptionRule::Always};
 constexpr DocumentOperation kJobSqnce{&FileDlg::pFrmt_jobsqnce, &FileDlg::pFrmt_jobsqnce,
-    "Load Job Sequence...", "Save Job Sequence...", "Job_Sequence", kRulesets, DT_DATA, CaptionRule::Always};
+    Mark("Load Job Sequence..."), Mark("Save Job Sequence..."), "Job_Sequence", kRulesets, DT_DATA, CaptionRule::Always};
 constexpr DocumentOperation kAnlySltn{&FileDlg::pFrmt_anly, &FileDlg::pFrmt_anly,
-    "Load Analysis Solution...", "Save Analysis Solution...", "AnlySltnDir", "SolutionFolders", DT_SOLUTION,
+    Mark("Load Analysis Solution..."), Mark("Save Analysis Solution..."), "AnlySltnDir", "SolutionFolders", DT_SOLUTION,
     CaptionRule::Always};
 constexpr DocumentOperation kParamSet{&FileDlg::pFrmt_paramset, &FileDlg::pFrmt_paramset,
-    "Load Parameter Set...", "Save Parameter Set...", "ParamSetDir", kRulesets, DT_DATA, CaptionRule::Always};
+    Mark("Load Parameter Set..."), Mark("Save Parameter Set..."), "ParamSetDir", kRulesets, DT_DATA, CaptionRule::Always};
 constexpr DocumentOperation kWzrd{&FileDlg::pFrmt_wzrd, &FileDlg::pFrmt_wzrd,
-    "Load Wizard Definition ...", "", "WizardCurrentDir", kRulesets, DT_DATA, CaptionRule::Always};
+    Mark("Load Wizard Definition ..."), "", "WizardCurrentDir", kRulesets, DT_DATA, CaptionRule::Always};
 // clang-format on
 
-DString LoadCaption(DString const &what) { return "Load " + what + "..."; }
-DString SaveCaption(DString const &what) { return "Save " + what + "..."; }
-
 } // namespace
+
+DString FileDlg::LoadCaption(DString const &what) { return Format(Translated("Load %s..."), what.c_str()); }
+DString FileDlg::SaveCaption(DString const &what) { return Format(Translated("Save %s..."), what.c_str()); }
 
 void FileDlg::SetCaptionFor(int mode, DString const &load, DString const &save) {
     if (mode == kLoad)
@@ -119,7 +120,7 @@ bool FileDlg::OpenDocument(DocumentOperation const &operation, int mode) {
     AddDscr(*operation.offered, false);
     ReadInitFile(operation.folderKey);
     if (operation.caption == CaptionRule::Always || m_request.caption.empty())
-        SetCaptionFor(mode, operation.load, operation.save);
+        SetCaptionFor(mode, Translated(operation.load), Translated(operation.save));
     if (!ShowFileDlg(mode, operation.historyKey, operation.dlgTemplate))
         return false;
     RememberFolder(operation.folderKey);
@@ -170,7 +171,7 @@ bool FileDlg::OpenActnLib(int mode) {
         return false;
     CDlgSlctDir browser(platform::MainWindow());
     browser.SetKey("ActnLibDir");
-    browser.SetTitle("Load Action Library...");
+    browser.SetTitle(Translated("Load Action Library..."));
     browser.SetFilter("*.dlx");
     if (browser.DoBrowse() == 0)
         return false;
@@ -195,10 +196,10 @@ bool FileDlg::OpenAllRuleset(int mode, bool withJobs) {
     for (DFileFrmt const *format : OfferedFormats())
         if (format->GetExtn() != "*.*")
             extensions.push_back(format->GetExtn());
-    DFileFrmt all("RLST_ALL", "All rule sets", JoinNotEmpty(extensions, ';').c_str());
+    DFileFrmt all("RLST_ALL", Mark("All rule sets"), JoinNotEmpty(extensions, ';').c_str());
     m_request.offer.AddFirst(&all);
     if (m_request.caption.empty())
-        SetCaptionFor(mode, "Load Rule Set...", "Save Rule Set...");
+        SetCaptionFor(mode, Translated("Load Rule Set..."), Translated("Save Rule Set..."));
     ReadInitFile("Ruleset");
     bool const opened = ShowFileDlg(mode, kRulesets, DT_RULESET);
     // What was chosen is not told: the entry for all of them says nothing.
@@ -221,8 +222,8 @@ bool FileDlg::OpenBuiltIn(int mode, std::initializer_list<DFileFrmt *> formats, 
 }
 
 bool FileDlg::OpenAll(int mode) {
-    return OpenBuiltIn(mode, {&BuiltInFormats::Instance().frmt_all}, mode == kLoad ? "Load Data..." : "Save Data...",
-                       "");
+    return OpenBuiltIn(mode, {&BuiltInFormats::Instance().frmt_all},
+                       mode == kLoad ? Translated("Load Data...") : Translated("Save Data..."), "");
 }
 
 bool FileDlg::OpenTableData(int mode, DString const &what) {

@@ -1,8 +1,8 @@
 #include "zelvar/filedlg/FilePictures.h"
 
 #include "zelvar/platform/ui/Pictures.h"
+#include "zelvar/platform/ui/Text.h"
 
-#include <QtCore/QCoreApplication>
 #include <QtCore/QFileInfo>
 
 namespace zelvar {
@@ -32,10 +32,9 @@ QIcon FilePictures::icon(QFileInfo const &info) const { return info.isDir() ? m_
 
 QString FilePictures::type(QFileInfo const &info) const {
     if (info.isDir())
-        return QCoreApplication::translate("FilePictures", "Folder");
+        return platform::Shown("Folder");
     QString const extension = info.suffix().toUpper();
-    return extension.isEmpty() ? QCoreApplication::translate("FilePictures", "File")
-                               : QCoreApplication::translate("FilePictures", "%1 File").arg(extension);
+    return extension.isEmpty() ? platform::Shown("File") : platform::Shown("%1 File").arg(extension);
 }
 
 } // namespace zelvar

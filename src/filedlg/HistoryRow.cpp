@@ -1,5 +1,6 @@
 #include "zelvar/filedlg/HistoryRow.h"
 
+#include "zelvar/base/Translation.h"
 #include "zelvar/controls/CZelComboBox.h"
 #include "zelvar/filedlg/CCustomFileDlg.h"
 #include "zelvar/platform/ui/ControlId.h"
@@ -24,13 +25,13 @@ using platform::DialogTemplate;
 enum ControlIds { kHistoryCombo = 6008, kHistoryLabel = 6009, kEditOnly = 6010, kReadOnly = 6011 };
 
 constexpr DialogItem kCombo{kHistoryCombo, ControlKind::DropDownList, "", 130, 0, 164, 184};
-constexpr DialogItem kLabel{kHistoryLabel, ControlKind::Label, "Go to folder:", 68, 2, 44, 9};
+constexpr DialogItem kLabel{kHistoryLabel, ControlKind::Label, Mark("Go to folder:"), 68, 2, 44, 9};
 constexpr std::array kHistoryItems{kCombo, kLabel};
 constexpr std::array kProjectItems{
     kCombo,
     kLabel,
-    DialogItem{kEditOnly, ControlKind::CheckBox, "Project-Edit", 305, 0, 53, 10},
-    DialogItem{kReadOnly, ControlKind::CheckBox, "Read-Only", 305, 11, 50, 10},
+    DialogItem{kEditOnly, ControlKind::CheckBox, Mark("Project-Edit"), 305, 0, 53, 10},
+    DialogItem{kReadOnly, ControlKind::CheckBox, Mark("Read-Only"), 305, 11, 50, 10},
 };
 constexpr DialogTemplate kHistory{CCustomFileDlg::kHistoryTemplate, "", 407, 17, kHistoryItems};
 constexpr DialogTemplate kProject{CCustomFileDlg::kProjectTemplate, "", 407, 27, kProjectItems};

@@ -2,6 +2,7 @@
 
 #include "zelvar/base/PathStyle.h"
 #include "zelvar/base/Report.h"
+#include "zelvar/base/Translation.h"
 #include "zelvar/data/PlaceCheck.h"
 #include "zelvar/filedlg/FilePictures.h"
 #include "zelvar/filedlg/FolderRoads.h"
@@ -160,11 +161,12 @@ void PlatformFileDialog::FitColumns() {
                         2 * style.pixelMetric(QStyle::PM_HeaderMargin, nullptr, &columns);
     // As long as they get, but for the names of odd types.
     QDateTime const longest(QDate(2028, 12, 28), QTime(22, 58));
-    std::pair<int, QStringList> const texts[] = {{kSizeColumn, {QStringLiteral("8,888.88 KiB")}},
-                                                 {kTypeColumn, {QStringLiteral("jpeg File"), QStringLiteral("Folder")}},
-                                                 {kDateColumn,
-                                                  {QLocale().toString(longest, QLocale::ShortFormat),
-                                                   QLocale::system().toString(longest, QLocale::ShortFormat)}}};
+    std::pair<int, QStringList> const texts[] = {
+        {kSizeColumn, {QStringLiteral("8,888.88 KiB")}},
+        {kTypeColumn, {platform::Shown("%1 File").arg("jpeg"), platform::Shown("Folder")}},
+        {kDateColumn,
+         {QLocale().toString(longest, QLocale::ShortFormat),
+          QLocale::system().toString(longest, QLocale::ShortFormat)}}};
     for (auto const &[column, samples] : texts) {
         int width = metrics.horizontalAdvance(m_model->headerData(column, Qt::Horizontal).toString());
         for (QString const &sample : samples)
@@ -225,7 +227,7 @@ void PlatformFileDialog::SetUpFilters() {
     m_types->setMinimumContentsLength(kTypesWidth);
     QStringList shown;
     for (FileFilter const &filter : m_setup.filters)
-        shown.append(platform::ToQString(ShownFilter(filter)));
+        shown.append(platform::ToQString(ShownFilter({Translated(filter.description.c_str()), filter.masks})));
     m_types->addItems(shown);
     if (m_types->count() > 0) {
         m_types->setCurrentIndex(std::clamp(m_setup.filterIndex, 0, m_types->count() - 1));
@@ -249,8 +251,8 @@ void PlatformFileDialog::LockFolder() {
 
 void PlatformFileDialog::ShowFoldersAlone() {
     setFilter(QDir::Dirs | QDir::NoDotAndDotDot);
-    setLabelText(FileName, tr("Folder:"));
-    setLabelText(Accept, tr("Choose"));
+    setLabelText(FileName, platform::Shown("Folder:"));
+    setLabelText(Accept, platform::Shown("Choose"));
     if (m_setup.makesFolders)
         return;
     findChild<QWidget *>(QStringLiteral("newFolderButton"))->hide(); // its entry in the menu goes with it

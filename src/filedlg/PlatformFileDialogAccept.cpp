@@ -114,7 +114,7 @@ bool PlatformFileDialog::MayReplace(DString const &path) {
         return true;
     QMessageBox question(
         QMessageBox::Warning, windowTitle(),
-        tr("%1 already exists.\nDo you want to replace it?").arg(platform::ToQString(FileNameOf(path))),
+        platform::Shown("%1 already exists.\nDo you want to replace it?").arg(platform::ToQString(FileNameOf(path))),
         QMessageBox::Yes | QMessageBox::No, this);
     question.setTextFormat(Qt::PlainText);
     question.setDefaultButton(QMessageBox::No);

@@ -32,7 +32,7 @@ DString NameOf(QListWidgetItem const &item) { return item.data(kBytesRole).toByt
 
 UndecodedNames::UndecodedNames(QWidget *parent) : QListWidget(parent) {
     setObjectName(QStringLiteral("undecodedNames"));
-    setAccessibleName(tr("Names that are not UTF-8"));
+    setAccessibleName(platform::Shown("Names that are not UTF-8"));
     setToolTip(accessibleName());
     setUniformItemSizes(true);
     setSortingEnabled(true);

@@ -1,6 +1,7 @@
 #include "zelvar/bars/CZelDockBar.h"
 #include "zelvar/bars/CZelToolBar.h"
 #include "zelvar/bars/CZelToolbarComboBoxButton.h"
+#include "zelvar/base/Translation.h"
 #include "zelvar/controls/CZelComboBox.h"
 #include "zelvar/controls/CZelImageList.h"
 #include "zelvar/gallery/Gallery.h"
@@ -28,32 +29,39 @@ CZelProp *Group(char const *name, std::initializer_list<CZelProp *> props) {
 
 /// What an application lets its users set of a layer of an image.
 void FillLayer(CZelPropList &list) {
-    auto *const disabled =
-        new CZelProp("Pyramid levels", PropRule::Integer(0, 12), "5", "Made by the program once the file is read");
+    auto *const disabled = new CZelProp(Translated("Pyramid levels"), PropRule::Integer(0, 12), "5",
+                                        Translated("Made by the program once the file is read"));
     disabled->Enable(false);
+    list.AddProperty(Group(Translated("Image"),
+                           {
+                               new CZelProp(Translated("Title"), PropRule{}, "Nuclei, DAPI",
+                                            Translated("The name of the layer in the legend")),
+                               new CZelProp(Translated("Size"), "2048 × 2048 × 3",
+                                            Translated("Columns, rows and channels; as the file has them")),
+                               new CZelProp(Translated("Source"), PropRule::File(), "/data/slides/2026-03/nuclei.tif",
+                                            Translated("The file that the layer is read from")),
+                               new CZelProp(Translated("Cache folder"), PropRule::Folder(), "/var/tmp",
+                                            Translated("Where reduced images are kept")),
+                               disabled,
+                           }));
+    list.AddProperty(
+        Group(Translated("Look"),
+              {
+                  new CZelProp(Translated("Visible"), PropRule::Boolean(), "true",
+                               Translated("Whether the layer is drawn at all")),
+                  new CZelProp(Translated("Opacity"), PropRule::Integer(0, 100), "80",
+                               Translated("Per cent: 0 is invisible, 100 hides what is below")),
+                  new CZelProp(Translated("Gamma"), PropRule::Real(0.1, 5, 2), "1.00",
+                               Translated("Middle tones: above 1 they become brighter")),
+                  new CZelProp(Translated("Tint"), PropRule::Color(), "#3C78D8",
+                               Translated("The colour of the brightest value")),
+                  new CZelProp(Translated("Resampling"), PropRule::Choice({"Nearest", "Bilinear", "Cubic", "Lanczos"}),
+                               "Cubic", Translated("How values between two pixels are found")),
+              }));
     list.AddProperty(Group(
-        "Image", {
-                     new CZelProp("Title", PropRule{}, "Nuclei, DAPI", "The name of the layer in the legend"),
-                     new CZelProp("Size", "2048 × 2048 × 3", "Columns, rows and channels; as the file has them"),
-                     new CZelProp("Source", PropRule::File(), "/data/slides/2026-03/nuclei.tif",
-                                  "The file that the layer is read from"),
-                     new CZelProp("Cache folder", PropRule::Folder(), "/var/tmp", "Where reduced images are kept"),
-                     disabled,
-                 }));
-    list.AddProperty(Group(
-        "Look",
-        {
-            new CZelProp("Visible", PropRule::Boolean(), "true", "Whether the layer is drawn at all"),
-            new CZelProp("Opacity", PropRule::Integer(0, 100), "80",
-                         "Per cent: 0 is invisible, 100 hides what is below"),
-            new CZelProp("Gamma", PropRule::Real(0.1, 5, 2), "1.00", "Middle tones: above 1 they become brighter"),
-            new CZelProp("Tint", PropRule::Color(), "#3C78D8", "The colour of the brightest value"),
-            new CZelProp("Resampling", PropRule::Choice({"Nearest", "Bilinear", "Cubic", "Lanczos"}), "Cubic",
-                         "How values between two pixels are found"),
-        }));
-    list.AddProperty(Group(
-        "Notes", {new CZelProp("Comment", PropRule::MultiLine(), "Stained on Monday.\nSecond slide is out of focus.",
-                               "Anything worth knowing, on as many lines as it takes")}));
+        Translated("Notes"),
+        {new CZelProp(Translated("Comment"), PropRule::MultiLine(), "Stained on Monday.\nSecond slide is out of focus.",
+                      Translated("Anything worth knowing, on as many lines as it takes"))}));
 }
 
 QWidget *MakePropListPage() {
@@ -67,7 +75,7 @@ QWidget *MakePropListPage() {
     list->SetCurSel(list->GetProperty(1)->GetSubItem(1));
     list->EnterValue(*list->GetCurSel(), "65"); // one that has been changed
     list->SetBrowse([page](CZelProp &prop, DString &value) {
-        page->Say("An application would show its file dialog here, for " + prop.GetName());
+        page->Say(Format(Translated("An application would show its file dialog here, for %s"), prop.GetName().c_str()));
         value += prop.GetRule().kind == PropRule::Kind::Folder ? "/new" : ".new";
         return true;
     });
@@ -79,8 +87,12 @@ QWidget *MakePropListPage() {
         page->Say("All values are the original ones");
     });
     QObject::connect(list, &CZelPropList::PropertyChanged, page, [page](CZelProp const *prop) {
-        page->Say(prop->GetName() + " is " + prop->GetRule().Show(prop->GetValue()) +
-                  (prop->IsModified() ? ", it was " + prop->GetRule().Show(prop->GetOriginalValue()) : " again"));
+        DString const name = prop->GetName();
+        DString const value = prop->GetRule().Show(prop->GetValue());
+        DString const original = prop->GetRule().Show(prop->GetOriginalValue());
+        page->Say(prop->IsModified()
+                      ? Format(Translated("%s is %s, it was %s"), name.c_str(), value.c_str(), original.c_str())
+                      : Format(Translated("%s is %s again"), name.c_str(), value.c_str()));
     });
     page->Say("F2 or Enter begins to edit, Escape gives up, Tab goes on");
     return page;
@@ -104,7 +116,7 @@ class View : public QWidget {
 public:
     View() {
         setFocusPolicy(Qt::StrongFocus);
-        setAccessibleName(QStringLiteral("Image"));
+        setAccessibleName(platform::Shown("Image"));
     }
     void SetGrid(bool on) {
         m_grid = on;
@@ -150,16 +162,16 @@ CZelDockBar *AddBar(QMainWindow &window, Qt::DockWidgetArea side, char const *ti
 }
 
 CZelToolBar *AddTools(QMainWindow &window, CZelImageList const &images) {
-    auto *const bar = new CZelToolBar("Tools", 7201);
+    auto *const bar = new CZelToolBar(Translated("Tools"), 7201);
     bar->SetImages(&images);
-    bar->InsertButton(kOpen, 0, "&Open…", "Open an image");
-    bar->InsertButton(kSave, 1, "&Save", "Save the image");
+    bar->InsertButton(kOpen, 0, Translated("&Open…"), Translated("Open an image"));
+    bar->InsertButton(kSave, 1, Translated("&Save"), Translated("Save the image"));
     bar->EnableButton(kSave, false);
     bar->SetButtonShortcut(kOpen, QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_O));
     bar->AddSeparator();
-    bar->InsertButton(kPan, 2, "&Pan");
-    bar->InsertButton(kZoom, 3, "&Zoom");
-    bar->InsertButton(kMeasure, 4, "&Measure");
+    bar->InsertButton(kPan, 2, Translated("&Pan"));
+    bar->InsertButton(kZoom, 3, Translated("&Zoom"));
+    bar->InsertButton(kMeasure, 4, Translated("&Measure"));
     for (int const id : {kPan, kZoom, kMeasure})
         bar->SetButtonStyle(id, CZelToolBar::TBBS_CHECKGROUP);
     bar->PressButton(kPan);
@@ -168,16 +180,16 @@ CZelToolBar *AddTools(QMainWindow &window, CZelImageList const &images) {
 }
 
 CZelToolBar *AddViewBar(QMainWindow &window, CZelImageList const &images) {
-    auto *const bar = new CZelToolBar("View", 7202);
+    auto *const bar = new CZelToolBar(Translated("View"), 7202);
     bar->SetImages(&images);
-    bar->InsertButton(kGrid, 5, "&Grid", "Lines over the image");
+    bar->InsertButton(kGrid, 5, Translated("&Grid"), Translated("Lines over the image"));
     bar->SetButtonStyle(kGrid, CZelToolBar::TBBS_CHECKBOX);
-    auto *const scale = new CZelToolbarComboBoxButton(kScale, "Scale", 7);
+    auto *const scale = new CZelToolbarComboBoxButton(kScale, Translated("Scale"), 7);
     for (char const *const text : {"25 %", "50 %", "100 %", "200 %"})
         scale->AddItem(text);
     scale->SelectItem("100 %");
     bar->AddComboBox(scale);
-    bar->InsertButton(kPrint, 6, "P&rint");
+    bar->InsertButton(kPrint, 6, Translated("P&rint"));
     window.addToolBar(bar);
     return bar;
 }
@@ -195,10 +207,10 @@ public:
         setCentralWidget(view);
         m_tools = AddTools(*this, m_images);
         m_view = AddViewBar(*this, m_images);
-        AddBar(*this, Qt::LeftDockWidgetArea, "Layers", 7301, {"Nuclei", "Membranes", "Background"});
-        auto *const channels =
-            AddBar(*this, Qt::RightDockWidgetArea, "Channels", 7302, {"DAPI 461 nm", "GFP 509 nm", "Cy5 670 nm"});
-        AddBar(*this, Qt::RightDockWidgetArea, "History", 7303, {"Opened", "Segmented", "Measured"})
+        AddBar(*this, Qt::LeftDockWidgetArea, Translated("Layers"), 7301, {"Nuclei", "Membranes", "Background"});
+        auto *const channels = AddBar(*this, Qt::RightDockWidgetArea, Translated("Channels"), 7302,
+                                      {"DAPI 461 nm", "GFP 509 nm", "Cy5 670 nm"});
+        AddBar(*this, Qt::RightDockWidgetArea, Translated("History"), 7303, {"Opened", "Segmented", "Measured"})
             ->AttachToTabWnd(*channels);
         channels->raise();
         for (CZelToolBar *const bar : {m_tools, m_view})
@@ -206,18 +218,19 @@ public:
                 if (id == kGrid)
                     view->SetGrid(bar->IsButtonPressed(kGrid));
                 DString const name = platform::ToDString(bar->GetButton(id)->iconText());
-                m_page.Say(id == kScale ? "Scale is " + CZelToolbarComboBoxButton::GetByCmd(kScale)->GetText()
-                                        : "Command " + std::to_string(id) + ", " + name);
+                m_page.Say(id == kScale ? Format(Translated("Scale is %s"),
+                                                 CZelToolbarComboBoxButton::GetByCmd(kScale)->GetText().c_str())
+                                        : Format(Translated("Command %d, %s"), id, name.c_str()));
             });
     }
     void Save() {
         m_saved = CZelDockBar::SaveState(*this)->SaveText();
-        m_page.Say(std::to_string(m_saved.size()) + " bytes: " + Split(m_saved, '\n').at(2));
+        m_page.Say(Format(Translated("%zu bytes: %s"), m_saved.size(), Split(m_saved, '\n').at(2).c_str()));
     }
     void Restore() {
         XMLNode root;
         bool const done = root.LoadText(m_saved) && CZelDockBar::LoadState(*this, root);
-        m_page.Say(done ? "The saved layout is back" : "No layout has been saved");
+        m_page.Say(done ? Mark("The saved layout is back") : Mark("No layout has been saved"));
     }
     void ShowBars(bool show) {
         for (CZelDockBar *const bar : CZelDockBar::BarsOf(*this))
@@ -263,10 +276,10 @@ public:
             Put(m_images.GetIcon(number, nullptr), std::to_string(number));
         ColorRef const black = Rgb(0, 0, 0);
         for (ColorRef const color : {Rgb(220, 40, 30), Rgb(240, 200, 40), Rgb(40, 160, 70), Rgb(40, 90, 220)}) {
-            Put(m_images.GetCircleSmall(color, black), "small");
-            Put(m_images.GetCircle(color, black, false), "circle");
-            Put(m_images.GetCircle(color, black, true), "dotted");
-            Put(m_images.GetRect(color, black), "rect");
+            Put(m_images.GetCircleSmall(color, black), Translated("small"));
+            Put(m_images.GetCircle(color, black, false), Translated("circle"));
+            Put(m_images.GetCircle(color, black, true), Translated("dotted"));
+            Put(m_images.GetRect(color, black), Translated("rect"));
         }
     }
     [[nodiscard]] int Count() const { return static_cast<int>(m_cells.size()); }
@@ -319,12 +332,12 @@ QWidget *MakeImageListPage() {
     side->SetCurSel(0);
     QObject::connect(side, &QComboBox::currentIndexChanged, page, [page, sheet, side] {
         sheet->SetSide(side->currentText().toInt());
-        page->Say("Drawn " + side->GetWindowText() + " pixels wide; the indexes are the same");
+        page->Say(Format(Translated("Drawn %s pixels wide; the indexes are the same"), side->GetWindowText().c_str()));
     });
     page->Add("&Side of the pictures", side);
     page->AddWide("Pictures of the list", sheet, true);
     page->AddSwitch("Enabled", true, [sheet](bool on) { sheet->Enable(on); });
-    page->Say(std::to_string(sheet->Count()) + " pictures: registered icons by their numbers, and shapes");
+    page->Say(Format(Translated("%d pictures: registered icons by their numbers, and shapes"), sheet->Count()));
     return page;
 }
 
@@ -332,9 +345,9 @@ QWidget *MakeImageListPage() {
 
 std::vector<Page> BarPages() {
     return {
-        {"prop-list", "Property list", "CZelPropList CZelProp", MakePropListPage},
-        {"bars", "Bars", "CZelDockBar CZelToolBar CZelToolbarComboBoxButton", MakeBarsPage},
-        {"image-list", "Image list", "CZelImageList", MakeImageListPage},
+        {"prop-list", Mark("Property list"), "CZelPropList CZelProp", MakePropListPage},
+        {"bars", Mark("Bars"), "CZelDockBar CZelToolBar CZelToolbarComboBoxButton", MakeBarsPage},
+        {"image-list", Mark("Image list"), "CZelImageList", MakeImageListPage},
     };
 }
 

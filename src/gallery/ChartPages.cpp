@@ -1,3 +1,4 @@
+#include "zelvar/base/Translation.h"
 #include "zelvar/charts/CHstgCtrl.h"
 #include "zelvar/charts/CPlotCtrl.h"
 #include "zelvar/gallery/Gallery.h"
@@ -26,7 +27,7 @@ private:
     void OnSelected() { ShowSelection(); }
     void ShowSelection() {
         DString const text = m_chart.SelectionText();
-        Say(text.empty() ? "Nothing is selected" : "Selected: " + text);
+        Say(text.empty() ? Translated("Nothing is selected") : Format(Translated("Selected: %s"), text.c_str()));
     }
 
     ChartCtrl &m_chart;
@@ -46,7 +47,7 @@ QWidget *MakePlotPage() {
     auto *const plot = new CPlotCtrl;
     constexpr int days = 40;
     for (int day = 0; day <= days; ++day) {
-        DString const label = day % 5 == 0 ? Format("day %d", day) : DString();
+        DString const label = day % 5 == 0 ? Format(Translated("day %d"), day) : DString();
         plot->AddData(day, 50 - 45 * std::cos(day * 0.3) * std::exp(-day * 0.04), label.c_str(), "");
     }
     plot->SetDataMaxY(100);
@@ -54,10 +55,10 @@ QWidget *MakePlotPage() {
     plot->SetTickY(20);
     plot->DrawLine(true);
     plot->DrawTitle(true);
-    plot->SetTitle("Growth of a culture");
-    plot->SetCaptionX("time [days]");
-    plot->SetCaptionY("area [%]");
-    auto *const page = new ChartPage("Growth of a culture", *plot);
+    plot->SetTitle(Translated("Growth of a culture"));
+    plot->SetCaptionX(Translated("time [days]"));
+    plot->SetCaptionY(Translated("area [%]"));
+    auto *const page = new ChartPage(Mark("Growth of a culture"), *plot);
     page->AddSwitch("Lines", true, [plot](bool on) { plot->DrawLine(on); });
     page->AddSwitch("Grid", true, [plot](bool on) { plot->DrawGrid(on); });
     page->AddSwitch("A tick at every point", false, [plot](bool on) { plot->DrawEveryXTick(on); });
@@ -71,7 +72,7 @@ QWidget *MakeHistogramPage() {
         data.AddValue(128 + 100 * std::sin(i * 0.01) * std::cos(i * 0.37));
     auto *const chart = new OwningHistogram(std::move(data));
     chart->SetAutoScale(true);
-    auto *const page = new ChartPage("Brightness", *chart);
+    auto *const page = new ChartPage(Mark("Brightness"), *chart);
     page->AddSwitch("Automatic scale", true, [chart](bool on) {
         chart->SetAutoScale(on);
         if (!on)
@@ -93,8 +94,8 @@ QWidget *MakeHistogramPage() {
 
 std::vector<Page> ChartPages() {
     return {
-        {"plot", "X/Y plot", "CPlotCtrl", MakePlotPage},
-        {"histogram", "Histogram", "CHstgCtrl", MakeHistogramPage},
+        {"plot", Mark("X/Y plot"), "CPlotCtrl", MakePlotPage},
+        {"histogram", Mark("Histogram"), "CHstgCtrl", MakeHistogramPage},
     };
 }
 

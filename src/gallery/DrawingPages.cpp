@@ -1,3 +1,4 @@
+#include "zelvar/base/Translation.h"
 #include "zelvar/data/RDIDriver.h"
 #include "zelvar/drawing/DrawTextBlock.h"
 #include "zelvar/drawing/OffscreenSurface.h"
@@ -92,7 +93,7 @@ QWidget *MakeDrawingPage() {
     page->AddWide("Picture", picture, true);
     QObject::connect(gain, &QSlider::valueChanged, page, [=](int value) {
         picture->SetGain(value);
-        page->Say(Format("Samples from 400 to %d, three standard deviations of them spread over 0 to 255",
+        page->Say(Format(Translated("Samples from 400 to %d, three standard deviations of them spread over 0 to 255"),
                          400 + kSide + 60 * value));
     });
     return page;
@@ -122,8 +123,9 @@ QWidget *MakeImagePage() {
 } // namespace
 
 std::vector<Page> DrawingPages() {
-    return {{"image-file", "Image file", "CImgPreviewStatic DrawImgToDC", MakeImagePage},
-            {"drawing", "Drawing", "OffscreenSurface ScaleDataBuf RoundRectGradient DrawTextBlock", MakeDrawingPage}};
+    return {
+        {"image-file", Mark("Image file"), "CImgPreviewStatic DrawImgToDC", MakeImagePage},
+        {"drawing", Mark("Drawing"), "OffscreenSurface ScaleDataBuf RoundRectGradient DrawTextBlock", MakeDrawingPage}};
 }
 
 } // namespace zelvar::gallery

@@ -1,5 +1,7 @@
 #include "zelvar/gallery/Gallery.h"
 
+#include "zelvar/platform/ui/Text.h"
+
 #include <QtWidgets/QHBoxLayout>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
@@ -24,13 +26,13 @@ std::vector<Page> const &Pages() {
 Gallery::Gallery()
     : m_search(new QLineEdit), m_list(new QListWidget), m_classes(new QLabel), m_pages(new QStackedWidget),
       m_made(Pages().size()) {
-    setWindowTitle(QStringLiteral("Gallery"));
-    m_search->setPlaceholderText(QStringLiteral("Search"));
-    m_search->setAccessibleName(QStringLiteral("Search"));
+    setWindowTitle(platform::Shown("Gallery"));
+    m_search->setPlaceholderText(platform::Shown("Search"));
+    m_search->setAccessibleName(platform::Shown("Search"));
     m_search->setClearButtonEnabled(true);
-    m_list->setAccessibleName(QStringLiteral("Pages"));
+    m_list->setAccessibleName(platform::Shown("Pages"));
     for (Page const &page : Pages())
-        m_list->addItem(QString::fromUtf8(page.title));
+        m_list->addItem(platform::Shown(page.title));
     m_list->setMaximumWidth(m_list->sizeHintForColumn(0) + 60);
     m_search->setMaximumWidth(m_list->maximumWidth());
     m_classes->setWordWrap(true);
@@ -64,7 +66,7 @@ void Gallery::Filter(QString const &text) {
     int first = -1;
     for (int row = 0; row < m_list->count(); ++row) {
         Page const &page = Pages()[static_cast<std::size_t>(row)];
-        bool const fits = QString::fromUtf8(page.title).contains(text.trimmed(), Qt::CaseInsensitive) ||
+        bool const fits = platform::Shown(page.title).contains(text.trimmed(), Qt::CaseInsensitive) ||
                           QString::fromUtf8(page.classes).contains(text.trimmed(), Qt::CaseInsensitive);
         m_list->item(row)->setHidden(!fits);
         first = fits && first < 0 ? row : first;

@@ -1,3 +1,4 @@
+#include "zelvar/base/Translation.h"
 #include "zelvar/data/tables/ADIFile.h"
 #include "zelvar/gallery/Gallery.h"
 #include "zelvar/gallery/PageForm.h"
@@ -62,8 +63,11 @@ public:
         Tell();
     }
     void Tell() {
-        DString const read = Format("%d rows", GetCacheRows());
-        m_page.Say(IsReadThrough() ? read + ", the table is read through" : read + " read so far");
+        int const rows = GetCacheRows();
+        m_page.Say(IsReadThrough() ? Format(Translated("%d row, the table is read through",
+                                                       "%d rows, the table is read through", rows),
+                                            rows)
+                                   : Format(Translated("%d row read so far", "%d rows read so far", rows), rows));
     }
 
 protected:
@@ -126,9 +130,9 @@ QWidget *MakeListPage() {
     auto *const list = new CZelListCtrl;
     list->CreateImages();
     list->ModifyStyle(0, LVS_SHOWSELALWAYS);
-    list->AddCol("Sample", ADICol_String, true, 220, LVCFMT_LEFT);
-    list->AddCol("Stain", ADICol_String, true, 150, LVCFMT_LEFT);
-    list->AddCol("Size [MB]", ADICol_Double, false, 90, LVCFMT_RIGHT);
+    list->AddCol(Translated("Sample"), ADICol_String, true, 220, LVCFMT_LEFT);
+    list->AddCol(Translated("Stain"), ADICol_String, true, 150, LVCFMT_LEFT);
+    list->AddCol(Translated("Size [MB]"), ADICol_Double, false, 90, LVCFMT_RIGHT);
     list->SetExtendedStyle(LVS_EX_HEADERDRAGDROP | LVS_EX_LABELTIP);
     char const *const organs[] = {"Liver", "Kidney", "Heart"};
     for (int organ = 0; organ < 3; ++organ)
@@ -150,18 +154,18 @@ QWidget *MakeListPage() {
     page->AddWide("Samples", list, true);
     page->Say("Double-click a sample or a stain to edit it");
     QObject::connect(list, &CZelListCtrl::ItemChanged, page, [page, list](int, unsigned, unsigned) {
-        page->Say(Format("%d of %d samples are selected", list->GetNumSlct(), list->GetNumRow()));
+        page->Say(Format(Translated("%d of %d samples are selected"), list->GetNumSlct(), list->GetNumRow()));
     });
     QObject::connect(list, &CZelListCtrl::EndLabelEdit, page, [page](LabelEditNotify const *notify) {
         if (notify->pszText != nullptr)
-            page->Say("Now it reads: " + *notify->pszText);
+            page->Say(Format(Translated("Now it reads: %s"), notify->pszText->c_str()));
     });
     page->AddSwitch("&Groups", false, [list](bool on) { list->EnableGroupView(on); });
     page->AddSwitch("&One row only", false, [list](bool on) { list->SetMultiSlct(!on); });
     page->AddSwitch("&Enabled", true, [list](bool on) { list->setEnabled(on); });
     page->AddButton("&Fit columns", [list] { list->ResizeColToFitUseHeader(); });
     page->AddButton("&Add a sample", [list] {
-        list->AddRow(Format("New sample %d|unstained|0.00", list->GetNumRow()), nullptr);
+        list->AddRow(Format(Translated("New sample %d|unstained|0.00"), list->GetNumRow()), nullptr);
         list->EnsureVisible(list->GetCrntRow());
     });
     return page;
@@ -171,9 +175,9 @@ QWidget *MakeListPage() {
 class FormulaList : public CZelListCtrlVirtual {
 public:
     FormulaList() {
-        AddCol("Time [s]", ADICol_Double, false, 110, LVCFMT_RIGHT);
-        AddCol("Signal [mV]", ADICol_Double, false, 110, LVCFMT_RIGHT);
-        AddCol("State", ADICol_String, false, 110, LVCFMT_LEFT);
+        AddCol(Translated("Time [s]"), ADICol_Double, false, 110, LVCFMT_RIGHT);
+        AddCol(Translated("Signal [mV]"), ADICol_Double, false, 110, LVCFMT_RIGHT);
+        AddCol(Translated("State"), ADICol_String, false, 110, LVCFMT_LEFT);
         SetNumRow(kRows, 0);
     }
     DString OnGetItemText(int row, int col) override {
@@ -190,7 +194,10 @@ QWidget *MakeVirtualListPage() {
     auto *const list = new FormulaList;
     page->AddWide("Recorded signal", list, true);
     page->Say("1,000,000 rows");
-    auto const tell = [page, list] { page->Say(Format("%d rows are selected", list->GetNumSlct())); };
+    auto const tell = [page, list] {
+        int const rows = list->GetNumSlct();
+        page->Say(Format(Translated("%d row is selected", "%d rows are selected", rows), rows));
+    };
     QObject::connect(list, &FormulaList::ItemChanged, page, tell);
     QObject::connect(list, &FormulaList::RangeChanged, page, tell);
     page->AddButton("To the &middle", [list] {
@@ -207,9 +214,9 @@ QWidget *MakeVirtualListPage() {
 QWidget *MakeFlexListPage() {
     auto *const page = new PageForm;
     auto *const list = new CListCtrlFlex;
-    list->InsertColumn(0, ADICol_String, "Channel", true, LVCFMT_LEFT, 200, 0);
-    list->InsertColumn(1, ADICol_Int, "Wavelength [nm]", true, LVCFMT_CENTER, 130, 1);
-    list->InsertColumn(2, ADICol_String, "Note", false, LVCFMT_LEFT, 220, 2);
+    list->InsertColumn(0, ADICol_String, Translated("Channel"), true, LVCFMT_LEFT, 200, 0);
+    list->InsertColumn(1, ADICol_Int, Translated("Wavelength [nm]"), true, LVCFMT_CENTER, 130, 1);
+    list->InsertColumn(2, ADICol_String, Translated("Note"), false, LVCFMT_LEFT, 220, 2);
     struct Channel {
         char const *name;
         int wavelength;
@@ -235,7 +242,8 @@ QWidget *MakeFlexListPage() {
     page->Say("Headings sort; a double-click edits a name or a wavelength");
     QObject::connect(list, &CListCtrlFlex::EndLabelEdit, page, [page, list](LabelEditNotify const *notify) {
         if (notify->pszText != nullptr)
-            page->Say(Format("Row %d: %s", notify->iItem, list->GetItemText(notify->iItem, notify->iSubItem).c_str()));
+            page->Say(Format(Translated("Row %d: %s"), notify->iItem,
+                             list->GetItemText(notify->iItem, notify->iSubItem).c_str()));
     });
     page->AddButton("&Edit the first cell", [list] { list->OnEdit(0, 0, false); });
     page->AddSwitch("&Sorting", true, [list](bool on) { list->EnblSort(on); });
@@ -248,8 +256,8 @@ QWidget *MakePlainListPage() {
     auto *const page = new PageForm;
     auto *const list = new CListCtrlEx;
     int col = 0;
-    for (char const *caption : {"Step", "Started at", "Took [s]"}) {
-        list->AddColumn(caption, col, -1, LVCF_FMT | LVCF_WIDTH | LVCF_TEXT | LVCF_SUBITEM,
+    for (char const *caption : {Mark("Step"), Mark("Started at"), Mark("Took [s]")}) {
+        list->AddColumn(Translated(caption), col, -1, LVCF_FMT | LVCF_WIDTH | LVCF_TEXT | LVCF_SUBITEM,
                         col == 2 ? LVCFMT_RIGHT : LVCFMT_LEFT);
         ++col;
     }
@@ -266,7 +274,8 @@ QWidget *MakePlainListPage() {
     page->AddWide("Steps of a run", list, true);
     page->Say("Columns came as wide as their captions");
     QObject::connect(list, &CListCtrlEx::Click, page, [page, list](int row, int) {
-        page->Say(row < 0 ? DString("Beside the steps") : "Step: " + list->GetItemText(row, 0));
+        page->Say(row < 0 ? Translated("Beside the steps")
+                          : Format(Translated("Step: %s"), list->GetItemText(row, 0).c_str()));
     });
     page->AddButton("&Add a step", [list] {
         int const row = list->AddItem(list->GetItemCount(), 0, "Wait");
@@ -322,7 +331,7 @@ protected:
         return target != nullptr;
     }
     void OnDragEnd(HTREEITEM item, HTREEITEM target) override {
-        m_page.Say(GetItemText(item) + " goes into " + GetItemText(target));
+        m_page.Say(Format(Translated("%s goes into %s"), GetItemText(item).c_str(), GetItemText(target).c_str()));
         Copy(item, target);
         std::ignore = Expand(target, TVE_EXPAND);
         std::ignore = DeleteItem(item);
@@ -330,14 +339,14 @@ protected:
     bool DTCSlctChg(HTREEITEM, HTREEITEM item, long long *result) override {
         *result = 0;
         if (item != nullptr)
-            m_page.Say("Selected: " + GetItemText(item));
+            m_page.Say(Format(Translated("Selected: %s"), GetItemText(item).c_str()));
         return false;
     }
     void DTCEndLabelEdit(NMHDR *header, long long *result) override {
         auto const &info = *reinterpret_cast<NMTVDISPINFO *>(header); // which it is the head of
         *result = info.item.pszText != nullptr && *info.item.pszText != '\0' ? 1 : 0;
         if (*result != 0)
-            m_page.Say(DString("Renamed to ") + info.item.pszText);
+            m_page.Say(Format(Translated("Renamed to %s"), info.item.pszText));
     }
 
 private:
@@ -396,11 +405,12 @@ QWidget *MakeCursorTreePage() {
         CTreeCtrlItr itr(tree, nullptr);
         for (itr.Frst(); itr.Cont(); itr.Next(), ++items)
             last = tree->GetItemText(itr.Crnt());
-        page->Say(Format("%d items, the last one is %s", items, last.c_str()));
+        page->Say(Format(Translated("%d items, the last one is %s"), items, last.c_str()));
     });
     page->AddButton("&Next", [page, tree] {
         CTreeCursor const next = tree->GetSelectedItem().GetNextVisible();
-        page->Say(next.Select() ? "Selected: " + next.GetText() : DString("There is none behind it"));
+        page->Say(next.Select() ? Format(Translated("Selected: %s"), next.GetText().c_str())
+                                : Translated("There is none behind it"));
     });
     page->AddButton("Add &behind", [tree] {
         CTreeCursor const at = tree->GetSelectedItem();
@@ -416,13 +426,13 @@ QWidget *MakeCursorTreePage() {
 
 std::vector<Page> ListPages() {
     return {
-        {"table", "Table of a file", "CADIListCtrl", MakeTablePage},
-        {"list", "List", "CZelListCtrl", MakeListPage},
-        {"virtual-list", "Virtual list", "CZelListCtrlVirtual", MakeVirtualListPage},
-        {"flex-list", "Flexible list", "CListCtrlFlex CEditCell", MakeFlexListPage},
-        {"plain-list", "Plain list", "CListCtrlEx", MakePlainListPage},
-        {"tree", "Tree", "CZelTreeCtrl", MakeTreePage},
-        {"cursor-tree", "Tree by cursors", "CZelTreeCtrlEx CTreeCursor CTreeCtrlItr", MakeCursorTreePage},
+        {"table", Mark("Table of a file"), "CADIListCtrl", MakeTablePage},
+        {"list", Mark("List"), "CZelListCtrl", MakeListPage},
+        {"virtual-list", Mark("Virtual list"), "CZelListCtrlVirtual", MakeVirtualListPage},
+        {"flex-list", Mark("Flexible list"), "CListCtrlFlex CEditCell", MakeFlexListPage},
+        {"plain-list", Mark("Plain list"), "CListCtrlEx", MakePlainListPage},
+        {"tree", Mark("Tree"), "CZelTreeCtrl", MakeTreePage},
+        {"cursor-tree", Mark("Tree by cursors"), "CZelTreeCtrlEx CTreeCursor CTreeCtrlItr", MakeCursorTreePage},
     };
 }
 

@@ -1,4 +1,5 @@
 // The dialogs: message boxes, filter and find, the selector of nodes, and those that pick files.
+#include "zelvar/base/Translation.h"
 #include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/data/DIOPluginMngr.h"
 #include "zelvar/dialogs/CBDISelectorDlg.h"
@@ -30,25 +31,26 @@ namespace {
 QComboBox *MakeCombo(std::initializer_list<char const *> entries) {
     auto *const combo = new QComboBox;
     for (char const *entry : entries)
-        combo->addItem(QString::fromUtf8(entry));
+        combo->addItem(platform::Shown(entry));
     return combo;
 }
 
 /// What was picked, the first few by name.
 DString Listed(std::vector<DString> const &picked) {
     if (picked.empty())
-        return "Nothing was picked";
+        return Translated("Nothing was picked");
     constexpr std::size_t most = 2;
-    DString text = Format("%zu picked: ", picked.size()) + picked.front();
+    DString names = picked.front();
     for (std::size_t i = 1; i < std::min(most, picked.size()); ++i)
-        text += ", " + picked[i];
-    return picked.size() > most ? text + ", ..." : text;
+        names += ", " + picked[i];
+    return Format(Translated("%zu picked: %s"), picked.size(),
+                  (picked.size() > most ? names + ", ..." : names).c_str());
 }
 
 // ------------------------------------------------------------------------------------------------ message boxes
 
 DString Lines(int count) {
-    DString text = "These files cannot be read:";
+    DString text = Translated("These files cannot be read:");
     for (int i = 1; i <= count; ++i)
         text += Format("\nplate 7/well %03d.tif", i);
     return text;
@@ -57,10 +59,11 @@ DString Lines(int count) {
 class MessageBoxPage : public PageForm {
 public:
     MessageBoxPage() {
-        m_set = MakeCombo({"OK", "OK, Cancel", "Abort, Retry, Ignore", "Yes, No, Cancel", "Yes, No", "Retry, Cancel",
-                           "What to do with a file that exists", "One that is not there", "Continue, Abort"});
-        m_icon = MakeCombo({"none", "stop", "question", "exclamation", "information"});
-        m_text = MakeCombo({"short", "a long line", "with markup", "500 lines"});
+        m_set = MakeCombo({Mark("OK"), Mark("OK, Cancel"), Mark("Abort, Retry, Ignore"), Mark("Yes, No, Cancel"),
+                           Mark("Yes, No"), Mark("Retry, Cancel"), Mark("What to do with a file that exists"),
+                           Mark("One that is not there"), Mark("Continue, Abort")});
+        m_icon = MakeCombo({Mark("none"), Mark("stop"), Mark("question"), Mark("exclamation"), Mark("information")});
+        m_text = MakeCombo({Mark("short"), Mark("a long line"), Mark("with markup"), Mark("500 lines")});
         m_default->setRange(1, 4);
         m_set->setCurrentIndex(MB_YESNOCANCEL);
         m_icon->setCurrentIndex(2);
@@ -80,17 +83,17 @@ private:
     [[nodiscard]] DString Text() const {
         switch (m_text->currentIndex()) {
         case 1: {
-            DString text = "The image has been changed";
+            DString text = Translated("The image has been changed");
             for (int i = 0; i < 30; ++i)
-                text += ", and it would be a pity to lose that";
+                text += Translated(", and it would be a pity to lose that");
             return text + ".";
         }
         case 2:
-            return "<b>Markup</b> is shown as it is written.";
+            return Translated("<b>Markup</b> is shown as it is written.");
         case 3:
             return Lines(500);
         default:
-            return "Save the changes to \"scan 14.tif\"?";
+            return Translated("Save the changes to \"scan 14.tif\"?");
         }
     }
     void Show() {
@@ -98,15 +101,16 @@ private:
         unsigned const preset = static_cast<unsigned>(m_default->value() - 1) << 8U;
         unsigned const type = static_cast<unsigned>(m_set->currentIndex()) | icon | preset | m_bits;
         QPointer<MessageBoxPage> const alive(this);
-        int const answer = XMessageBox(window(), Text().c_str(), "Viewer", type);
+        int const answer = XMessageBox(window(), Text().c_str(), Translated("Viewer"), type);
         if (alive.isNull())
             return; // it went with its window
         int const id = answer & ~static_cast<int>(MB_DONTASKAGAIN);
         DString name;
         for (MessageBoxButton const &button : SetOfMessageBox(type).buttons)
-            name = button.id == id ? button.text : name;
+            name = button.id == id ? Translated(button.text) : name;
         std::erase(name, '&');
-        Say(Format("Answer %d: %s%s", id, name.c_str(), answer == id ? "" : ", and not to ask again"));
+        Say(Format(answer == id ? Translated("Answer %d: %s") : Translated("Answer %d: %s, and not to ask again"), id,
+                   name.c_str()));
     }
 
     QComboBox *m_set;
@@ -120,12 +124,14 @@ QWidget *MakeMessageBoxPage() { return new MessageBoxPage; }
 
 QWidget *MakeDetailsPage() {
     auto *const page = new PageForm;
-    auto *const message = new QLineEdit(QStringLiteral("3 of 500 files were not read."));
+    auto *const message = new QLineEdit(platform::Shown("3 of 500 files were not read."));
     message->setMinimumWidth(message->fontMetrics().horizontalAdvance(message->text()) * 3 / 2);
     page->Add("&Message", message);
     page->AddButton("Show...", [page, message] {
-        DlgMsgDetails dialog("Import", platform::ToDString(message->text()).c_str(), Lines(3).c_str(), page->window());
-        page->SayAnswer([&] { return dialog.DoModal() == 1 ? "OK was pressed" : "It was closed"; });
+        DlgMsgDetails dialog(Translated("Import"), platform::ToDString(message->text()).c_str(), Lines(3).c_str(),
+                             page->window());
+        page->SayAnswer(
+            [&] { return dialog.DoModal() == 1 ? Translated("OK was pressed") : Translated("It was closed"); });
     });
     return page;
 }
@@ -167,22 +173,26 @@ DString Picked(DlgFltrFind const &dialog) {
     return Listed(names);
 }
 
+/// Categories to begin with; to be found in the dialog they stay what they are there.
+constexpr char const *kStarts[] = {Mark("All"), Mark("Layer values"), Mark("Geometry"), Mark("Texture")};
+
 QWidget *MakeFilterFindPage() {
     auto *const page = new PageForm;
-    auto *const start = MakeCombo({"All", "Layer values", "Geometry", "Texture"});
+    auto *const start = MakeCombo({kStarts[0], kStarts[1], kStarts[2], kStarts[3]});
     page->Add("&Begin with", start);
     page->AddButton("Pick features...", [page, start] {
-        DlgFltrFind dialog(platform::ToDString(start->currentText()), page->window());
+        DlgFltrFind dialog(kStarts[start->currentIndex()], page->window());
         AddFeatures(dialog);
-        page->SayAnswer([&] { return dialog.DoModal() == QDialog::Accepted ? Picked(dialog) : "Cancelled"; });
+        page->SayAnswer(
+            [&] { return dialog.DoModal() == QDialog::Accepted ? Picked(dialog) : Translated("Cancelled"); });
     });
     page->AddButton("Beside this window", [page, start] {
-        auto *const dialog = new DlgFltrFind(platform::ToDString(start->currentText()));
-        dialog->SetListBoxTitle("Features:");
+        auto *const dialog = new DlgFltrFind(kStarts[start->currentIndex()]);
+        dialog->SetListBoxTitle(Translated("Features:"));
         AddFeatures(*dialog);
         dialog->CreateModeless(page);
         QObject::connect(dialog, &QDialog::finished, page, [page, dialog](int result) {
-            page->Say(result == QDialog::Accepted ? Picked(*dialog) : "Cancelled");
+            page->Say(result == QDialog::Accepted ? Picked(*dialog) : Translated("Cancelled"));
             dialog->deleteLater();
         });
     });
@@ -198,12 +208,12 @@ DString PickNodes(QWidget *window, DString const &path, unsigned mask, bool mult
     BDINode *root = nullptr;
     void *const repository = BDIDrvrMngr::Instance()->OpenFile(path.c_str(), &driver, &root, nullptr, nullptr);
     if (repository == nullptr)
-        return "No driver opens '" + path + "'";
+        return Format(Translated("No driver opens '%s'"), path.c_str());
     driver->CloseNode(root);
     driver->CloseRepository(repository);
-    CBDISelectorDlg dialog(driver, path.c_str(), mask, "Pick images", multiple, window);
+    CBDISelectorDlg dialog(driver, path.c_str(), mask, Translated("Pick images"), multiple, window);
     if (dialog.DoModal() != QDialog::Accepted)
-        return "Cancelled";
+        return Translated("Cancelled");
     std::vector<DString> names;
     for (DString const &node : dialog.m_results)
         names.push_back(BDIMoniker(node, driver).GetDisplayName());
@@ -217,7 +227,7 @@ public:
         AddSwitch("Several", true, [this](bool on) { m_multiple = on; });
         AddButton("In a sample archive...", [this] { PickInSample(); });
         AddButton("In a file...", [this] {
-            FileDlg request("Container");
+            FileDlg request(Translated("Container"));
             if (request.OpenAll(0))
                 Pick(request.GetPhysFile());
         });
@@ -238,7 +248,7 @@ private:
     }
 
     QTemporaryDir m_folder;
-    QComboBox *m_kind = MakeCombo({"images", "tables", "all kinds"});
+    QComboBox *m_kind = MakeCombo({Mark("images"), Mark("tables"), Mark("all kinds")});
     bool m_multiple = true;
 };
 
@@ -246,7 +256,7 @@ QWidget *MakeNodeSelectorPage() { return new NodeSelectorPage; }
 
 DString PickedFiles(bool opened, FileDlg const &request) {
     if (!opened)
-        return "Cancelled";
+        return Translated("Cancelled");
     std::vector<DString> texts;
     texts.reserve(static_cast<std::size_t>(request.GetNumSlctFiles()));
     for (int i = 0; i < request.GetNumSlctFiles(); ++i)
@@ -266,26 +276,26 @@ DString PickRaster(bool own) {
 
 DString SaveTable() {
     FileDlg request("");
-    return PickedFiles(request.OpenTableData(1, "Table"), request);
+    return PickedFiles(request.OpenTableData(1, Translated("Table")), request);
 }
 
 DString PickFolder(QWidget *window) {
     CDlgSlctDir dialog(window);
-    dialog.SetTitle("Folder of results");
+    dialog.SetTitle(Translated("Folder of results"));
     dialog.SetKey("GalleryFolder");
-    return dialog.DoBrowse() != 0 ? dialog.GetPath() : "Cancelled";
+    return dialog.DoBrowse() != 0 ? dialog.GetPath() : Translated("Cancelled");
 }
 
 DString PickItems(QWidget *window) {
-    DFileFrmt images("images", "Images", "*.tif;*.tiff;*.png;*.jpg");
-    DFileFrmt all("all", "All files", "*.*");
+    DFileFrmt images("images", Mark("Images"), "*.tif;*.tiff;*.png;*.jpg");
+    DFileFrmt all("all", Mark("All files"), "*.*");
     std::unique_ptr<DlgOpenDS, void (*)(DlgOpenDS *)> const dialog(
         DlgOpenDS::CreateDialogObject({&images, &all}, &images, DT_DATA, nullptr, window),
         &DlgOpenDS::DeleteDialogObject);
-    dialog->SetTitle("Pick images");
+    dialog->SetTitle(Translated("Pick images"));
     dialog->SetBDIFilter(BDINode_Raster);
     if (dialog->DoModal() != QDialog::Accepted)
-        return "Cancelled";
+        return Translated("Cancelled");
     std::vector<DString> texts;
     for (BDIMoniker const &moniker : dialog->GetSelectedNodePaths())
         texts.push_back(moniker.GetDisplayName());
@@ -295,16 +305,17 @@ DString PickItems(QWidget *window) {
 QWidget *MakeFileDialogsPage() {
     auto *const page = new PageForm;
     auto const add = [page](char const *label, char const *text, std::function<DString()> pick) {
-        auto *const button = new QPushButton(QString::fromUtf8(text));
+        auto *const button = new QPushButton(platform::Shown(text));
         page->Add(label, button);
         QObject::connect(button, &QPushButton::clicked, page,
                          [page, pick = std::move(pick)] { page->SayAnswer(pick); });
     };
-    add("Open image data", "Browse...", [] { return PickRaster(true); });
-    add("Open image data, the platform's way", "Browse...", [] { return PickRaster(false); });
-    add("Save a table", "Save as...", SaveTable);
-    add("Choose a folder", "Folder...", [page] { return PickFolder(page->window()); });
-    add("Pick items, without the service of file dialogs", "Pick...", [page] { return PickItems(page->window()); });
+    add(Mark("Open image data"), Mark("Browse..."), [] { return PickRaster(true); });
+    add(Mark("Open image data, the platform's way"), Mark("Browse..."), [] { return PickRaster(false); });
+    add(Mark("Save a table"), Mark("Save as..."), SaveTable);
+    add(Mark("Choose a folder"), Mark("Folder..."), [page] { return PickFolder(page->window()); });
+    add(Mark("Pick items, without the service of file dialogs"), Mark("Pick..."),
+        [page] { return PickItems(page->window()); });
     page->Say("Nothing was picked yet");
     return page;
 }
@@ -313,11 +324,11 @@ QWidget *MakeFileDialogsPage() {
 
 std::vector<Page> MessagePages() {
     return {
-        {"message-box", "Message box", "XMessageBox", MakeMessageBoxPage},
-        {"message-details", "Message with details", "DlgMsgDetails", MakeDetailsPage},
-        {"filter-find", "Filter & Find", "DlgFltrFind", MakeFilterFindPage},
-        {"node-selector", "Selector of nodes", "CBDISelectorDlg", MakeNodeSelectorPage},
-        {"file-dialogs", "File dialogs",
+        {"message-box", Mark("Message box"), "XMessageBox", MakeMessageBoxPage},
+        {"message-details", Mark("Message with details"), "DlgMsgDetails", MakeDetailsPage},
+        {"filter-find", Mark("Filter & Find"), "DlgFltrFind", MakeFilterFindPage},
+        {"node-selector", Mark("Selector of nodes"), "CBDISelectorDlg", MakeNodeSelectorPage},
+        {"file-dialogs", Mark("File dialogs"),
          "FileDlg CCustomFileDlg CDlgSlctDir DlgOpenDS DataSourceList DSDataSourceWnd DSListCtrl HierarchyList "
          "DSPropertyWnd ImagePreviewWnd ImageExtraWnd",
          MakeFileDialogsPage},

@@ -17,7 +17,7 @@ PageForm::PageForm() : m_form(new QFormLayout), m_buttons(new QHBoxLayout), m_sa
     m_form->setRowWrapPolicy(QFormLayout::WrapLongRows);
     m_buttons->addStretch();
     m_said->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    m_said->setAccessibleName(QStringLiteral("What happened last"));
+    m_said->setAccessibleName(platform::Shown("What happened last"));
     auto *const layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addLayout(m_form);
@@ -27,12 +27,12 @@ PageForm::PageForm() : m_form(new QFormLayout), m_buttons(new QHBoxLayout), m_sa
 }
 
 void PageForm::Add(char const *label, QWidget *control) {
-    control->setAccessibleName(QString::fromUtf8(label).remove(QLatin1Char('&')));
-    m_form->addRow(QString::fromUtf8(label), control);
+    control->setAccessibleName(platform::Shown(label).remove(QLatin1Char('&')));
+    m_form->addRow(platform::Shown(label), control);
 }
 
 void PageForm::AddWide(char const *name, QWidget *control, bool stretch) {
-    control->setAccessibleName(QString::fromUtf8(name));
+    control->setAccessibleName(platform::Shown(name));
     auto *const layout = static_cast<QVBoxLayout *>(this->layout());
     if (stretch)
         layout->setStretch(1, 0); // the control takes it instead
@@ -40,14 +40,14 @@ void PageForm::AddWide(char const *name, QWidget *control, bool stretch) {
 }
 
 void PageForm::AddButton(char const *text, std::function<void()> act) {
-    auto *const button = new QPushButton(QString::fromUtf8(text));
+    auto *const button = new QPushButton(platform::Shown(text));
     button->setAutoDefault(false);
     m_buttons->insertWidget(m_buttons->count() - 1, button);
     connect(button, &QPushButton::clicked, this, std::move(act));
 }
 
 void PageForm::AddSwitch(char const *text, bool on, std::function<void(bool)> act) {
-    auto *const box = new QCheckBox(QString::fromUtf8(text));
+    auto *const box = new QCheckBox(platform::Shown(text));
     box->setChecked(on);
     m_buttons->insertWidget(m_buttons->count() - 1, box);
     connect(box, &QCheckBox::toggled, this, std::move(act));
@@ -59,6 +59,8 @@ void PageForm::SayAnswer(std::function<DString()> const &ask) {
     if (!alive.isNull())
         Say(answer);
 }
+
+void PageForm::Say(char const *text) const { m_said->setText(platform::Shown(text)); }
 
 void PageForm::Say(DString const &text) const { m_said->setText(platform::ToQString(text)); }
 

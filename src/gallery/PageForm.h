@@ -13,7 +13,8 @@ class QLabel;
 namespace zelvar::gallery {
 
 /// What most pages are made of: rows with a label and a control, a row of buttons, and a line at the bottom that says
-/// what happened last.
+/// what happened last. Texts that are given as constants are marked by that, see tools/translations.sh, and shown in
+/// the user's language.
 class PageForm : public QWidget {
 public:
     PageForm();
@@ -26,7 +27,8 @@ public:
     /// In the row of buttons.
     void AddButton(char const *text, std::function<void()> act);
     void AddSwitch(char const *text, bool on, std::function<void(bool)> act);
-    void Say(DString const &text) const;
+    void Say(char const *text) const;
+    void Say(DString const &text) const; ///< as it is
     /// Says the answer of a dialog that `ask` runs, unless the page dies under it.
     void SayAnswer(std::function<DString()> const &ask);
 

@@ -1,5 +1,7 @@
+#include "zelvar/base/Translation.h"
 #include "zelvar/controls/CZelImageList.h"
 #include "zelvar/gallery/Gallery.h"
+#include "zelvar/platform/ui/Text.h"
 #include "zelvar/thematic/TmtcListCtrl.h"
 
 #include <QtWidgets/QScrollArea>
@@ -17,16 +19,18 @@ public:
         SetKeyboardControl(true);
         CZelImageList::RegisterIcon(kRuleIcon, "text-x-script", "table");
         CZelImageList::RegisterIcon(kExportIcon, "document-save", "file");
-        auto *const rules = Group::Create("Rule", "rules", Rgb(20, 60, 140), Rgb(120, 170, 240), kRuleIcon);
-        for (char const *name : {"Segment the nuclei", "Merge neighbours of like colour", "Measure area and shape"})
+        auto *const rules = Group::Create(Translated("Rule"), "rules", Rgb(20, 60, 140), Rgb(120, 170, 240), kRuleIcon);
+        for (char const *name : {Translated("Segment the nuclei"), Translated("Merge neighbours of like colour"),
+                                 Translated("Measure area and shape")})
             rules->AddTail(Item::Create(name, kRuleIcon, 0, true));
-        rules->AddTail(Item::Create("Read only", kRuleIcon, 0, false));
+        rules->AddTail(Item::Create(Translated("Read only"), kRuleIcon, 0, false));
         AddTail(rules);
-        AddTail(Group::Create("Export", "exports", Rgb(20, 110, 40), Rgb(130, 220, 140), kExportIcon));
-        auto *const fixed = Group::Create("Import", "imports", Rgb(120, 90, 20), Rgb(240, 210, 130), kExportIcon);
+        AddTail(Group::Create(Translated("Export"), "exports", Rgb(20, 110, 40), Rgb(130, 220, 140), kExportIcon));
+        auto *const fixed =
+            Group::Create(Translated("Import"), "imports", Rgb(120, 90, 20), Rgb(240, 210, 130), kExportIcon);
         fixed->SetEnblAdd(false);
         AddTail(fixed);
-        AddTail(Item::Create("An item of its own", kExportIcon, 0, true));
+        AddTail(Item::Create(Translated("An item of its own"), kExportIcon, 0, true));
     }
     Item *OnAddToGroup(Group *group) override {
         Item *const item = Item::Create(Format("%s %d", group->GetText().c_str(), ++m_made),
@@ -49,7 +53,7 @@ QWidget *MakeThematicPage() {
     auto *const area = new QScrollArea;
     auto *const list = new PlayList;
     list->setMinimumHeight(list->GetContentHeight());
-    list->setAccessibleName(QStringLiteral("Rules and exports"));
+    list->setAccessibleName(platform::Shown("Rules and exports"));
     area->setWidget(list);
     area->setFocusPolicy(Qt::NoFocus); // the list has it, and leaves it the keys that scroll
     area->setWidgetResizable(true);
@@ -59,7 +63,7 @@ QWidget *MakeThematicPage() {
 } // namespace
 
 std::vector<Page> ThematicPages() {
-    return {{"thematic", "Thematic list",
+    return {{"thematic", Mark("Thematic list"),
              "TmtcListCtrl ThematicGroup ThematicItem ThematicElement ThematicText ThematicBitmap ThematicButton "
              "ThematicBitmapButton ThematicHyperlink",
              MakeThematicPage}};

@@ -1,6 +1,7 @@
 #include "zelvar/layout/SplitterBar.h"
 
 #include "zelvar/layout/DSplitterWnd.h"
+#include "zelvar/platform/ui/Text.h"
 
 #include <QtGui/QKeyEvent>
 #include <QtGui/QPainter>
@@ -68,8 +69,10 @@ SplitterBar::SplitterBar(DSplitterWnd &splitter, Qt::Orientation orientation, in
     static_cast<void>(installed);
     setAttribute(Qt::WA_TransparentForMouseEvents);
     setFocusPolicy(Qt::NoFocus);
-    setAccessibleName(orientation == Qt::Vertical ? tr("Bar between columns") : tr("Bar between rows"));
-    setAccessibleDescription(tr("Arrow keys move it, F8 leads to the next one, Enter keeps, Escape puts back."));
+    setAccessibleName(orientation == Qt::Vertical ? platform::Shown("Bar between columns")
+                                                  : platform::Shown("Bar between rows"));
+    setAccessibleDescription(
+        platform::Shown("Arrow keys move it, F8 leads to the next one, Enter keeps, Escape puts back."));
 }
 
 int SplitterBar::Position() const { return m_splitter->BarPosition(m_orientation, m_before); }

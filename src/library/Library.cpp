@@ -2,6 +2,7 @@
 #include "zelvar/filedlg/FileDlg.h"
 #include "zelvar/library/ZelvarInit.h"
 #include "zelvar/lists/SaveTarget.h"
+#include "zelvar/platform/ui/Language.h"
 #include "zelvar/platform/ui/UserMessages.h"
 
 #include <QtGui/QFont>
@@ -28,6 +29,7 @@ void ZelvarInit() {
     if (g_started)
         return;
     g_started = true;
+    BeginWithUsersLanguage();
     UseReaderDrivers();
     platform::InstallUserMessages();
     SetSaveTargetProvider(&AskByFileDialog);

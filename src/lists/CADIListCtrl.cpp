@@ -1,5 +1,6 @@
 #include "zelvar/lists/CADIListCtrl.h"
 
+#include "zelvar/base/Translation.h"
 #include "zelvar/data/IAttrData.h"
 #include "zelvar/data/RequestScope.h"
 #include "zelvar/platform/ui/EscapeWatch.h"
@@ -49,7 +50,7 @@ void CADIListCtrl::OnValue(int, int, int) {}
 void CADIListCtrl::AddAllColumns() {
     if (GetNumCol() > 0 || m_sourceRow >= 0)
         return;
-    AddCol("ID", ADICol_String, false, kIdWidth, LVCFMT_LEFT);
+    AddCol(Translated("ID"), ADICol_String, false, kIdWidth, LVCFMT_LEFT);
     int const count = m_source == nullptr ? 0 : m_source->GetNumCols();
     for (int col = 0; col < count; ++col) {
         DString name = m_source->GetColName(col);

@@ -1,3 +1,4 @@
+#include "zelvar/base/Translation.h"
 #include "zelvar/data/tables/ADIFile.h"
 #include "zelvar/lists/CZelListCtrl.h"
 #include "zelvar/lists/SaveTarget.h"
@@ -52,7 +53,7 @@ DString CutCaption(DString caption) {
 } // namespace
 
 void CZelListCtrl::SaveToFile() {
-    std::optional<TableTarget> const target = AskSaveTarget(this, "Save contents");
+    std::optional<TableTarget> const target = AskSaveTarget(this, Translated("Save contents"));
     if (!target)
         return;
     DString const format = ADIFile::WriteFormatOf(target->path, target->formatId);

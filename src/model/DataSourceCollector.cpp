@@ -1,5 +1,6 @@
 #include "zelvar/model/DataSourceCollector.h"
 
+#include "zelvar/base/Translation.h"
 #include "zelvar/data/PlaceCheck.h"
 #include "zelvar/model/DataSourceDefinitions.h"
 #include "zelvar/model/NtwDataSourceItem.h"
@@ -47,17 +48,17 @@ Look LookAt(DString const &path) {
 char const *DataSourceGroupName(int group) {
     switch (group) {
     case kGroupDrives:
-        return "Drives";
+        return Mark("Drives");
     case kGroupNetworkDrives:
-        return "Network Drives";
+        return Mark("Network Drives");
     case kGroupDataSources:
-        return "Data Sources";
+        return Mark("Data Sources");
     case kGroupFavorites:
-        return "Favorites";
+        return Mark("Favorites");
     case kGroupRecent:
-        return "Recent";
+        return Mark("Recent");
     case kGroupNetwork:
-        return "Network";
+        return Mark("Network");
     default:
         return "";
     }
@@ -115,7 +116,8 @@ RefItemPtr<DataSourceItem> MakeFavorite(DString const &path) {
 
 DString RowTextOf(DataSourceItem const &item) {
     auto const *const place = dynamic_cast<NtwDataSourceItem const *>(&item);
-    return item.GetName() + (place != nullptr && place->IsUnreachable() ? " (unreachable)" : "");
+    bool const isUnreachable = place != nullptr && place->IsUnreachable();
+    return isUnreachable ? Format(Translated("%s (unreachable)"), item.GetName().c_str()) : item.GetName();
 }
 
 void CollectDefinitions(DataSourceRows &rows) {

@@ -2,6 +2,7 @@
 
 #include "zelvar/base/DFile.h"
 #include "zelvar/base/SystemTime.h"
+#include "zelvar/base/Translation.h"
 #include "zelvar/data/ImageReader.h"
 #include "zelvar/data/PlaceCheck.h"
 #include "zelvar/platform/os/ShellNamespace.h"
@@ -31,17 +32,17 @@ enum PropertyId {
 };
 
 constexpr std::array<PropertyRow, 11> kRows{{
-    {kPath, "File", "Path"},
-    {kModified, "File", "Modified"},
-    {kCreated, "File", "Created"},
-    {kAccessed, "File", "Accessed"},
-    {kImageWidth, "Image", "Image Width"},
-    {kImageHeight, "Image", "Image Height"},
-    {kDataType, "Image", "Data Type"},
-    {kChannels, "Image", "Number of Channels"},
-    {kSlices, "Image", "Number of slices"},
-    {kTimeFrames, "Image", "Number of time frames"},
-    {kDriver, "Image", "Driver"},
+    {kPath, Mark("File"), Mark("Path")},
+    {kModified, Mark("File"), Mark("Modified")},
+    {kCreated, Mark("File"), Mark("Created")},
+    {kAccessed, Mark("File"), Mark("Accessed")},
+    {kImageWidth, Mark("Image"), Mark("Image Width")},
+    {kImageHeight, Mark("Image"), Mark("Image Height")},
+    {kDataType, Mark("Image"), Mark("Data Type")},
+    {kChannels, Mark("Image"), Mark("Number of Channels")},
+    {kSlices, Mark("Image"), Mark("Number of slices")},
+    {kTimeFrames, Mark("Image"), Mark("Number of time frames")},
+    {kDriver, Mark("Image"), Mark("Driver")},
 }};
 
 /// The date in words, as the user's language writes it.

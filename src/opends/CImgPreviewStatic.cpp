@@ -10,7 +10,7 @@
 namespace zelvar {
 
 CImgPreviewStatic::CImgPreviewStatic(QWidget *parent) : QLabel(parent) {
-    setAccessibleName(tr("Preview"));
+    setAccessibleName(platform::Shown("Preview"));
     setMinimumSize(1, 1);
 }
 

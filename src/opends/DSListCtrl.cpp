@@ -1,5 +1,6 @@
 #include "zelvar/opends/DSListCtrl.h"
 
+#include "zelvar/base/Translation.h"
 #include "zelvar/model/NtwDataSourceItem.h"
 #include "zelvar/model/listing/ListingTexts.h"
 #include "zelvar/opends/DSMessages.h"
@@ -70,12 +71,14 @@ int DSListCtrl::OnCreate() {
     if (m_mode == ModeRecursive) {
         int const inch = fontMetrics().averageCharWidth() * kCharsPerInch;
         m_fittedNames = 4 * inch;
-        AddCol("Name", ADICol_String, false, m_fittedNames, LVCFMT_LEFT);
-        AddCol("Size", ADICol_String, false, inch, LVCFMT_RIGHT);
+        AddCol(Translated("Name"), ADICol_String, false, m_fittedNames, LVCFMT_LEFT);
+        AddCol(Translated("Size"), ADICol_String, false, inch, LVCFMT_RIGHT);
         // An inch, or more where the user's language writes longer dates.
         constexpr SystemTime kLongDate{.wYear = 2028, .wMonth = 12, .wDay = 28, .wHour = 22, .wMinute = 58};
         int const date = fontMetrics().horizontalAdvance(platform::ToQString(FormatTime(kLongDate))) + kDateMargin;
-        AddCol("Date Modified", ADICol_String, false, std::max(inch, date), LVCFMT_RIGHT);
+        QString const heading = platform::Shown("Date Modified");
+        int const least = std::max(date, fontMetrics().horizontalAdvance(heading) + kDateMargin);
+        AddCol(platform::ToDString(heading), ADICol_String, false, std::max(inch, least), LVCFMT_RIGHT);
     } else {
         AddCol("", ADICol_String, false, GetClientRect().Width() + kFolderExtra, LVCFMT_LEFT);
     }

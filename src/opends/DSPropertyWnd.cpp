@@ -1,5 +1,6 @@
 #include "zelvar/opends/DSPropertyWnd.h"
 
+#include "zelvar/base/Translation.h"
 #include "zelvar/model/NtwDataSourceItem.h"
 #include "zelvar/opends/DSMessages.h"
 #include "zelvar/opends/ImageExtraWnd.h"
@@ -53,6 +54,9 @@ DSPropertyWnd::DSPropertyWnd(QWidget *parent)
     auto *compact = new CompactTabs;
     compact->setParent(this);
     tabBar()->setStyle(compact);
+    // All of them are seen, in languages with long captions too.
+    setUsesScrollButtons(false);
+    setElideMode(Qt::ElideRight);
 }
 
 DSPropertyWnd::~DSPropertyWnd() {
@@ -71,18 +75,18 @@ int DSPropertyWnd::Create(Rect const &rect, DLGTemplate dlgTemplate, QWidget *pa
     if (!PicksDocument(m_dlgTemplate)) {
         auto *page = new PreviewPage(this);
         m_previewWnd = page->Preview();
-        AddTab(page, "Preview");
+        AddTab(page, Translated("Preview"));
     }
     m_propList = new CZelPropList(this);
     AddProps();
-    AddTab(m_propList, "Properties");
+    AddTab(m_propList, Translated("Properties"));
     if (!PicksDocument(m_dlgTemplate)) {
         m_optionsTab = GetTabsNum();
         m_extraWnd = new ImageExtraWnd(this);
         m_extraWnd->SetOptionsName("{Options}");
         m_extraWnd->SetOwner(this);
         m_extraWnd->SetApplyMsg(WM_DS_APPLY_OPTIONS);
-        AddTab(m_extraWnd, "Options");
+        AddTab(m_extraWnd, Translated("Options"));
         ShowTab(m_optionsTab, false, true, false);
     }
     SetActiveTab(0);
@@ -91,18 +95,18 @@ int DSPropertyWnd::Create(Rect const &rect, DLGTemplate dlgTemplate, QWidget *pa
 }
 
 void DSPropertyWnd::AddProps() {
-    m_propList->EnableHeaderCtrl(true, "Property", "Value");
+    m_propList->EnableHeaderCtrl(true);
     m_propList->SetVSDotNetLook(true);
     m_propList->EnableDescriptionArea(true);
     CZelProp *group = nullptr;
     for (PropertyRow const &row : PropertyRows()) {
         if (PicksDocument(m_dlgTemplate) && DString("Image") == row.group)
             continue;
-        if (group == nullptr || group->GetName() != row.group) {
-            group = new CZelProp(row.group);
+        if (group == nullptr || group->GetName() != Translated(row.group)) {
+            group = new CZelProp(Translated(row.group));
             m_propList->AddProperty(group);
         }
-        auto *prop = new CZelProp(row.name, "", "", static_cast<std::uint64_t>(row.id));
+        auto *prop = new CZelProp(Translated(row.name), "", "", static_cast<std::uint64_t>(row.id));
         prop->AllowEdit(false);
         group->AddSubItem(prop);
     }

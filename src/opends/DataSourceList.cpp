@@ -1,5 +1,6 @@
 #include "zelvar/opends/DataSourceList.h"
 
+#include "zelvar/base/Translation.h"
 #include "zelvar/model/NtwDataSourceItem.h"
 #include "zelvar/opends/DSMessages.h"
 #include "zelvar/opends/FavoriteFinder.h"
@@ -55,10 +56,10 @@ void DataSourceList::OnCreateList() {
     EnableGroupView(true);
     for (int const group :
          {kGroupDrives, kGroupNetworkDrives, kGroupDataSources, kGroupFavorites, kGroupRecent, kGroupNetwork})
-        InsertGroup(DataSourceGroupName(group), group);
+        InsertGroup(Translated(DataSourceGroupName(group)), group);
     InsertColumn(0, "", LVCFMT_LEFT, std::max(GetClientRect().Width() - kColumnMargin, 0));
     setFrameShape(QFrame::NoFrame); // its splitter draws one
-    setAccessibleName(tr("Data sources"));
+    setAccessibleName(platform::Shown("Data sources"));
 }
 
 // ------------------------------------------------------------------------------------------------------ filling
@@ -186,7 +187,7 @@ bool DataSourceList::OnContextMenu(QPoint screenPoint) {
     if (SelectedFavorites().empty())
         return false;
     QMenu menu(this);
-    QAction const *const remove = menu.addAction(tr("Delete Favorite"));
+    QAction const *const remove = menu.addAction(platform::Shown("Delete Favorite"));
     if (platform::RunMenu(menu, screenPoint) == remove)
         OnDeleteFavorite();
     return true;

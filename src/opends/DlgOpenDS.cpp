@@ -1,6 +1,7 @@
 #include "zelvar/opends/DlgOpenDS.h"
 
 #include "zelvar/base/DFile.h"
+#include "zelvar/base/Translation.h"
 #include "zelvar/controls/CZelComboBox.h"
 #include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/data/DriverProvider.h"
@@ -185,10 +186,10 @@ void DlgOpenDS::AssignWndVars() {
     m_mainList->setObjectName("mainList");
     m_folderList->setObjectName("folderList");
     m_dataSourceList->setObjectName("dataSourceList");
-    m_mainList->setAccessibleName(tr("Items"));
-    GetDlgItem(*this, kStatusId)->setAccessibleName(tr("Selected"));
-    m_folderList->setAccessibleName(tr("Folders"));
-    m_hierarchyList->GetPane(0)->setAccessibleName(tr("Hierarchy"));
+    m_mainList->setAccessibleName(platform::Shown("Items"));
+    GetDlgItem(*this, kStatusId)->setAccessibleName(platform::Shown("Selected"));
+    m_folderList->setAccessibleName(platform::Shown("Folders"));
+    m_hierarchyList->GetPane(0)->setAccessibleName(platform::Shown("Hierarchy"));
 }
 
 void DlgOpenDS::InitializeLayout() {
@@ -225,10 +226,10 @@ bool DlgOpenDS::OnInitDialog() {
 
     FillHistory();
     FillFileTypes();
-    m_homeButton = SetUpToolButton(kHomeId, "panel", "Show Data Source panel");
-    m_favoritesButton = SetUpToolButton(kFavoritesId, "star", "Add to favorites");
-    m_layoutButton = SetUpToolButton(kRestoreLayoutId, "restore-layout", "Restore layouts");
-    m_recursiveButton = SetUpToolButton(kRecursiveId, "recursive", "Search subfolders");
+    m_homeButton = SetUpToolButton(kHomeId, "panel", Translated("Show Data Source panel"));
+    m_favoritesButton = SetUpToolButton(kFavoritesId, "star", Translated("Add to favorites"));
+    m_layoutButton = SetUpToolButton(kRestoreLayoutId, "restore-layout", Translated("Restore layouts"));
+    m_recursiveButton = SetUpToolButton(kRecursiveId, "recursive", Translated("Search subfolders"));
     connect(m_homeButton, &QAbstractButton::clicked, this, &DlgOpenDS::OnHome);
     connect(m_favoritesButton, &QAbstractButton::clicked, this, &DlgOpenDS::OnAddToFavorites);
     connect(m_layoutButton, &QAbstractButton::clicked, this, &DlgOpenDS::InitializeLayout);
@@ -321,9 +322,9 @@ void DlgOpenDS::AssignControls() {
     m_editOnlyCheck = GetDlgItem<QCheckBox>(*this, kEditOnlyId);
     m_histCombo->setLayoutDirection(Qt::LeftToRight); // as its paths are read
     m_histCombo->setInsertPolicy(QComboBox::NoInsert);
-    m_histCombo->setAccessibleName(tr("Go to folder"));
-    m_fileTypeCombo->setAccessibleName(tr("File Type"));
-    m_fileFilterEdit->setAccessibleName(tr("File Name Filter"));
+    m_histCombo->setAccessibleName(platform::Shown("Go to folder"));
+    m_fileTypeCombo->setAccessibleName(platform::Shown("File Type"));
+    m_fileFilterEdit->setAccessibleName(platform::Shown("File Name Filter"));
 
     connect(m_histCombo, &QComboBox::activated, this, &DlgOpenDS::OnSelendokHist);
     // While entries are offered, their list takes the keys.
@@ -359,7 +360,7 @@ void DlgOpenDS::FillFileTypes() {
     for (std::size_t i = 0; i < m_formats.size(); ++i) {
         if (m_formats[i] == nullptr || !m_formats[i]->IsSingleFileConnector())
             continue;
-        m_fileTypeCombo->SetItemData(m_fileTypeCombo->AddString(m_formats[i]->GetName()), i);
+        m_fileTypeCombo->SetItemData(m_fileTypeCombo->AddString(Translated(m_formats[i]->GetName().c_str())), i);
     }
     // Without a matching format the box stays without a selection.
     m_fileTypeCombo->SetCurSel(-1);

@@ -2,13 +2,14 @@
 
 #include "zelvar/base/DFile.h"
 #include "zelvar/opends/FormPage.h"
+#include "zelvar/platform/ui/Text.h"
 
 namespace zelvar {
 
 ImageExtraWnd::ImageExtraWnd(QWidget *parent) : QScrollArea(parent) {
     setWidgetResizable(true);
     setFrameShape(QFrame::NoFrame);
-    setAccessibleName(tr("Options"));
+    setAccessibleName(platform::Shown("Options"));
 }
 
 void ImageExtraWnd::Navigate(DString const &path) {

@@ -4,6 +4,7 @@
 #include "zelvar/pixels/CubicResize.h"
 #include "zelvar/platform/ui/PaletteColors.h"
 #include "zelvar/platform/ui/Reading.h"
+#include "zelvar/platform/ui/Text.h"
 
 #include <QtGui/QCloseEvent>
 #include <QtGui/QKeyEvent>
@@ -37,7 +38,7 @@ QImage ToImage(DCanvas const &canvas) {
 
 ImagePreviewWnd::ImagePreviewWnd(QWidget *parent) : QWidget(parent) {
     setFocusPolicy(Qt::ClickFocus);
-    setAccessibleName(tr("Preview"));
+    setAccessibleName(platform::Shown("Preview"));
     CreateDefaultDC();
 }
 
@@ -79,7 +80,8 @@ void ImagePreviewWnd::CreateDefaultDC() {
         italic.setItalic(true);
         painter.setFont(italic);
         painter.setPen(platform::Themed(Qt::black));
-        QString const text = m_mode == ModeWaiting ? tr("Please wait...") : tr("Preview is not available");
+        QString const text =
+            m_mode == ModeWaiting ? platform::Shown("Please wait...") : platform::Shown("Preview is not available");
         int const flags = platform::ReadingFlags(text, Qt::AlignCenter, layoutDirection());
         painter.drawText(rect(), flags | Qt::TextSingleLine, text);
         setAccessibleDescription(text);
@@ -101,7 +103,8 @@ void ImagePreviewWnd::CreateMemoryDC() {
     m_memBitmap = QPixmap::fromImage(ToImage(target));
     m_memBitmap.setDevicePixelRatio(devicePixelRatioF());
     m_memValid = true;
-    setAccessibleDescription(tr("Picture of %1 by %2 pixels").arg(m_canvas.GetWidth()).arg(m_canvas.GetHeight()));
+    setAccessibleDescription(
+        platform::Shown("Picture of %1 by %2 pixels").arg(m_canvas.GetWidth()).arg(m_canvas.GetHeight()));
 }
 
 void ImagePreviewWnd::paintEvent(QPaintEvent *) {

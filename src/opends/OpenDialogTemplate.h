@@ -1,5 +1,6 @@
 #pragma once
 
+#include "zelvar/base/Translation.h"
 #include "zelvar/platform/ui/DialogTemplate.h"
 
 namespace zelvar {
@@ -46,17 +47,17 @@ inline constexpr platform::DialogItem kItems[] = {
     {kRestoreLayoutId, ControlKind::Button, "", 414, 7, 20, 16, kTopRight},
     {kRecursiveId, ControlKind::CheckButton, "", 434, 7, 20, 16, kTopRight},
     {kSplitterPlaceId, ControlKind::Place, "", 7, 26, 446, 222, kFill},
-    {6019, ControlKind::CenteredLabel, "Go to folder", 8, 252, 157, 8, kBottom},
+    {6019, ControlKind::CenteredLabel, Mark("Go to folder"), 8, 252, 157, 8, kBottom},
     {kHistoryId, ControlKind::Combo, "", 8, 262, 157, 81, kBottom},
-    {6021, ControlKind::CenteredLabel, "File Name Filter", 169, 251, 141, 8, kBottomRight},
+    {6021, ControlKind::CenteredLabel, Mark("File Name Filter"), 169, 251, 141, 8, kBottomRight},
     {kFileFilterId, ControlKind::Edit, "", 169, 262, 141, 14, kBottomRight},
-    {6020, ControlKind::CenteredLabel, "File Type", 316, 252, 137, 8, kBottomRight},
+    {6020, ControlKind::CenteredLabel, Mark("File Type"), 316, 252, 137, 8, kBottomRight},
     {kFileTypeId, ControlKind::DropDownList, "", 316, 262, 137, 79, kBottomRight},
-    {kReadOnlyId, ControlKind::CheckBox, "Open as Read-Only", 9, 279, 74, 10, kBottomLeft, false},
-    {kEditOnlyId, ControlKind::CheckBox, "Open as Edit-Only", 87, 279, 77, 10, kBottomLeft, false},
+    {kReadOnlyId, ControlKind::CheckBox, Mark("Open as Read-Only"), 9, 279, 74, 10, kBottomLeft, false},
+    {kEditOnlyId, ControlKind::CheckBox, Mark("Open as Edit-Only"), 87, 279, 77, 10, kBottomLeft, false},
     {kStatusId, ControlKind::EllipsisLabel, "", 7, 292, 338, 13, kBottom},
-    {kOkId, ControlKind::DefaultButton, "OK", 349, 291, 50, 14, kBottomRight},
-    {kCancelId, ControlKind::Button, "Cancel", 403, 291, 50, 14, kBottomRight},
+    {kOkId, ControlKind::DefaultButton, Mark("OK"), 349, 291, 50, 14, kBottomRight},
+    {kCancelId, ControlKind::Button, Mark("Cancel"), 403, 291, 50, 14, kBottomRight},
 };
 
 } // namespace open_dialog

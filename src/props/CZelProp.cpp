@@ -97,12 +97,10 @@ void CZelProp::AllowEdit(bool allow) {
 }
 
 QString CZelProp::Spoken() const {
-    QString spoken = text(kNameColumn);
-    if (!m_isGroup)
-        spoken += QStringLiteral(": ") + text(kValueColumn);
-    if (TakesEntries() && IsModified())
-        spoken += QStringLiteral(", modified");
-    return spoken;
+    if (m_isGroup)
+        return text(kNameColumn);
+    QString const spoken = text(kNameColumn) + QStringLiteral(": ") + text(kValueColumn);
+    return TakesEntries() && IsModified() ? platform::Shown("%1, modified").arg(spoken) : spoken;
 }
 
 QVariant CZelProp::data(int column, int role) const {

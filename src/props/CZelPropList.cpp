@@ -63,8 +63,8 @@ CZelPropList::CZelPropList(QWidget *parent)
     m_description->setMargin(4);
     m_description->setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
     m_description->hide();
-    m_search->setPlaceholderText(QStringLiteral("Search"));
-    m_search->setAccessibleName(QStringLiteral("Search properties"));
+    m_search->setPlaceholderText(platform::Shown("Search"));
+    m_search->setAccessibleName(platform::Shown("Search properties"));
     m_search->setClearButtonEnabled(true);
     m_search->hide();
     setTabOrder(m_search, m_tree);

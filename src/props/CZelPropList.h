@@ -1,5 +1,6 @@
 #pragma once
 
+#include "zelvar/base/Translation.h"
 #include "zelvar/props/CZelProp.h"
 
 #include <QtWidgets/QWidget>
@@ -26,7 +27,8 @@ public:
     explicit CZelPropList(QWidget *parent = nullptr);
     ~CZelPropList() override;
 
-    void EnableHeaderCtrl(bool enable, DString const &nameHeading = "Property", DString const &valueHeading = "Value");
+    void EnableHeaderCtrl(bool enable, DString const &nameHeading = Translated("Property"),
+                          DString const &valueHeading = Translated("Value"));
     void EnableDescriptionArea(bool enable);
     void EnableSearchBox(bool enable);
     /// Shaded groups and lines between the rows.

@@ -164,9 +164,9 @@ QWidget *PropDelegate::createEditor(QWidget *parent, QStyleOptionViewItem const 
         editor = choice;
     } else if (rule.kind == Kind::Color || rule.kind == Kind::File || rule.kind == Kind::Folder) {
         auto *const both = new EntryWithButton(parent);
-        both->Button().setText(rule.kind == Kind::Color ? QStringLiteral("More…") : QStringLiteral("…"));
-        both->Button().setToolTip(rule.kind == Kind::Color ? QStringLiteral("More colours (F4)")
-                                                           : QStringLiteral("Browse (F4)"));
+        both->Button().setText(rule.kind == Kind::Color ? platform::Shown("More…") : QStringLiteral("…"));
+        both->Button().setToolTip(rule.kind == Kind::Color ? platform::Shown("More colours (F4)")
+                                                           : platform::Shown("Browse (F4)"));
         both->Button().setAccessibleName(both->Button().toolTip());
         connect(&both->Button(), &QToolButton::clicked, this, [self, both] { self->AskFor(both); });
         both->Line().installEventFilter(self);

@@ -1,5 +1,6 @@
 #include "zelvar/props/PropRule.h"
 
+#include "zelvar/base/Translation.h"
 #include "zelvar/controls/core/NumberText.h"
 
 #include <algorithm>
@@ -48,9 +49,9 @@ bool IsOneOf(std::string_view text, std::initializer_list<char const *> words) {
 }
 
 std::optional<DString> ReadBool(std::string_view text) {
-    if (IsOneOf(text, {"true", "yes", "on", "1"}))
+    if (IsOneOf(text, {"true", "yes", "on", "1", Translated("Yes")}))
         return PropRule::FromBool(true);
-    if (IsOneOf(text, {"false", "no", "off", "0"}))
+    if (IsOneOf(text, {"false", "no", "off", "0", Translated("No")}))
         return PropRule::FromBool(false);
     return std::nullopt;
 }
@@ -111,27 +112,32 @@ DString PropRule::Show(DString const &value) const {
     if (kind != Kind::Boolean)
         return value;
     auto const read = ReadBool(Trimmed(value));
-    return !read ? value : *read == "true" ? "Yes" : "No";
+    return !read ? value : *read == "true" ? Translated("Yes") : Translated("No");
 }
 
 DString PropRule::Wanted() const {
-    DString number = kind == Kind::Integer ? "A whole number" : "A number";
+    bool const isWhole = kind == Kind::Integer;
     bool const hasLeast = std::isfinite(least) && (kind == Kind::Real || least > -9.2e18);
     bool const hasMost = std::isfinite(most) && (kind == Kind::Real || most < 9.2e18);
     switch (kind) {
     case Kind::Integer:
     case Kind::Real:
         if (hasLeast && hasMost)
-            return number + " from " + Shortest(least) + " to " + Shortest(most);
-        if (hasLeast || hasMost)
-            return number + (hasLeast ? " not below " + Shortest(least) : " not above " + Shortest(most));
-        return number;
+            return Format(isWhole ? Translated("A whole number from %s to %s") : Translated("A number from %s to %s"),
+                          Shortest(least).c_str(), Shortest(most).c_str());
+        if (hasLeast)
+            return Format(isWhole ? Translated("A whole number not below %s") : Translated("A number not below %s"),
+                          Shortest(least).c_str());
+        if (hasMost)
+            return Format(isWhole ? Translated("A whole number not above %s") : Translated("A number not above %s"),
+                          Shortest(most).c_str());
+        return isWhole ? Translated("A whole number") : Translated("A number");
     case Kind::Boolean:
-        return "Yes or No";
+        return Translated("Yes or No");
     case Kind::Choice:
-        return "One of the list";
+        return Translated("One of the list");
     case Kind::Color:
-        return "A colour as #RRGGBB or as red, green, blue";
+        return Translated("A colour as #RRGGBB or as red, green, blue");
     case Kind::Text:
     case Kind::MultiLine:
     case Kind::File:

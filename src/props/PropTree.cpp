@@ -25,7 +25,7 @@ bool IsTyping(QKeyEvent const &event) {
 } // namespace
 
 PropTree::PropTree(CZelPropList &list) : QTreeWidget(&list), m_list(list) {
-    setAccessibleName(QStringLiteral("Properties"));
+    setAccessibleName(platform::Shown("Properties"));
 }
 
 CZelProp *PropTree::Current() const { return static_cast<CZelProp *>(currentItem()); }
@@ -69,8 +69,8 @@ void PropTree::contextMenuEvent(QContextMenuEvent *event) {
         return;
     auto *const menu = new QMenu(this);
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    menu->addAction(QStringLiteral("&Copy value"), this, &PropTree::CopyValue);
-    QAction *const reset = menu->addAction(QStringLiteral("&Reset value"), this, [this] {
+    menu->addAction(platform::Shown("&Copy value"), this, &PropTree::CopyValue);
+    QAction *const reset = menu->addAction(platform::Shown("&Reset value"), this, [this] {
         if (CZelProp *const current = Current())
             Reset(*current);
     });

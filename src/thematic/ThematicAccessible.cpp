@@ -18,13 +18,13 @@ constexpr unsigned kLink = ThematicAccessible::kLink;
 QString NameOf(unsigned command) {
     switch (command) {
     case kThematicAdd:
-        return QStringLiteral("Add");
+        return platform::Shown("Add");
     case kThematicRemove:
-        return QStringLiteral("Remove");
+        return platform::Shown("Remove");
     case kThematicUp:
-        return QStringLiteral("Move up");
+        return platform::Shown("Move up");
     case kThematicDown:
-        return QStringLiteral("Move down");
+        return platform::Shown("Move down");
     default:
         return {};
     }

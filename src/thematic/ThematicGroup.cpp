@@ -1,5 +1,6 @@
 #include "zelvar/thematic/ThematicGroup.h"
 
+#include "zelvar/base/Translation.h"
 #include "zelvar/platform/ui/Text.h"
 
 #include <QtGui/QFontMetrics>
@@ -41,7 +42,7 @@ ThematicGroup *ThematicGroup::Create(DString const &text, DString id, ColorRef s
 void ThematicGroup::Delete(ThematicGroup *group) { delete group; }
 
 DString ThematicGroup::GetHyperlinkText() const {
-    return Format(m_addButton.IsEnabled() ? "Add %s..." : "No %s items", m_text.GetText());
+    return Format(m_addButton.IsEnabled() ? Translated("Add %s...") : Translated("No %s items"), m_text.GetText());
 }
 
 void ThematicGroup::SetText(char const *text) {

@@ -1,6 +1,7 @@
 #include "zelvar/thematic/TmtcListCtrl.h"
 
 #include "zelvar/platform/ui/ControlId.h"
+#include "zelvar/platform/ui/Text.h"
 #include "zelvar/thematic/ThematicAccessible.h"
 
 #include <QtGui/QGuiApplication>
@@ -21,7 +22,7 @@ TmtcListCtrl::TmtcListCtrl(QWidget *parent) : QWidget(parent), m_font(QGuiApplic
     ThematicAccessible::Install();
     setAttribute(Qt::WA_OpaquePaintEvent);
     setMouseTracking(true);
-    setWindowTitle(QStringLiteral("Thematic List Control"));
+    setWindowTitle(platform::Shown("Thematic List Control"));
 }
 
 TmtcListCtrl::~TmtcListCtrl() {

@@ -1,4 +1,5 @@
 // The command that asks a person a question for a script.
+#include "zelvar/base/Translation.h"
 #include "zelvar/dialogs/XMessageBox.h"
 #include "zelvar/dialogs/core/MessageBoxSet.h"
 #include "zelvar/library/ZelvarInit.h"
@@ -201,9 +202,9 @@ int RunAsk(std::vector<DString> const &words, int &argc, char **argv) {
     Answerer answerer(*arguments, question.press, attended);
     answerer.Wait();
     DString const checkText = arguments->Value("--dont-ask");
-    int const answer =
-        XMessageBox(nullptr, question.text.c_str(), arguments->Value("--caption", "Question").c_str(), question.type,
-                    arguments->values.contains("--dont-ask") ? checkText.c_str() : nullptr, question.helpId);
+    int const answer = XMessageBox(
+        nullptr, question.text.c_str(), arguments->Value("--caption", Translated("Question")).c_str(), question.type,
+        arguments->values.contains("--dont-ask") ? checkText.c_str() : nullptr, question.helpId);
     ZelvarShutdown();
     if (!answerer.IsShotWritten())
         return Failure("cannot write '" + arguments->Value("--shot") + "'");

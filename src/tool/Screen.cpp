@@ -34,12 +34,15 @@ bool HasScreen() { return qEnvironmentVariableIsSet("DISPLAY") || qEnvironmentVa
 } // namespace
 
 bool ChoosePlatform() {
-    if (qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
-        return !qgetenv("QT_QPA_PLATFORM").startsWith("offscreen");
-    if (HasScreen())
+    bool const isTold = qEnvironmentVariableIsSet("QT_QPA_PLATFORM");
+    if (isTold ? !qgetenv("QT_QPA_PLATFORM").startsWith("offscreen") : HasScreen())
         return true;
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    std::fputs("zelvar: no display, running off screen\n", stderr);
+    if (!isTold) {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+        std::fputs("zelvar: no display, running off screen\n", stderr);
+    }
+    if (!qEnvironmentVariableIsSet("ZELVAR_LANGUAGE"))
+        qputenv("ZELVAR_LANGUAGE", "en"); // it is a script that hears what users would
     return false;
 }
 

@@ -1,3 +1,4 @@
+#include "zelvar/base/Translation.h"
 #include "zelvar/data/BDIMoniker.h"
 #include "zelvar/data/reader/DriverModule.h"
 #include "zelvar/data/tables/ADIFile.h"
@@ -241,8 +242,10 @@ private:
     }
     void SayRows() {
         QString const count = QLocale(QLocale::English).toString(m_list.GetCacheRows());
-        QString const text = m_list.IsReadThrough() ? QStringLiteral("%1 rows").arg(count)
-                                                    : QStringLiteral("%1 rows read so far").arg(count);
+        int const rows = m_list.GetCacheRows();
+        char const *const form = m_list.IsReadThrough() ? Translated("%1 row", "%1 rows", rows)
+                                                        : Translated("%1 row read so far", "%1 rows read so far", rows);
+        QString const text = QString::fromUtf8(form).arg(count);
         if (m_rows.text() != text)
             m_rows.setText(text);
     }

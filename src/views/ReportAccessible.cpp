@@ -160,8 +160,8 @@ private:
     [[nodiscard]] QString SortText() const {
         if (!IsColumnHeading() || !Header().isSortIndicatorShown() || Header().sortIndicatorSection() != m_col)
             return {};
-        return Header().sortIndicatorOrder() == Qt::AscendingOrder ? QStringLiteral("sorted ascending")
-                                                                   : QStringLiteral("sorted descending");
+        return Header().sortIndicatorOrder() == Qt::AscendingOrder ? platform::Shown("sorted ascending")
+                                                                   : platform::Shown("sorted descending");
     }
 
     ReportAccessible const &m_table; ///< not owned; outlives its parts

@@ -421,6 +421,73 @@ TEST(CZelPropList, AlphabeticOrderDissolvesTheGroupsAndGivesThemBack) {
     layer.list.SetAlphabeticMode(true); // and it dies so: all is freed once
 }
 
+TEST(CZelPropList, ADoubleClickEditsAValueWhereAllowedAndANameNever) {
+    Layer layer;
+    QWidget *const rows = layer.list.Tree().viewport();
+    int const value = layer.list.Tree().columnViewportPosition(1) + 5;
+    for (auto const &[allowed, x, opens] : {std::tuple{false, value, false}, {true, 40, false}, {true, value, true}}) {
+        layer.list.SetCurSel(layer.visible); // elsewhere
+        layer.title->AllowEdit(allowed);
+        QPoint const at(x, layer.list.Tree().visualItemRect(layer.title).center().y());
+        QTest::mouseClick(rows, Qt::LeftButton, {}, at);
+        QTest::mouseDClick(rows, Qt::LeftButton, {}, at);
+        EXPECT_EQ(layer.OpenEditor() != nullptr, opens) << x;
+    }
+}
+
+TEST(CZelPropList, CopyTakesTheValueAsItIsAndATipShowsItLetterForLetter) {
+    Layer layer;
+    layer.list.SetCurSel(layer.title);
+    layer.title->SetValue("/data/two  blanks\n");
+    QTest::keyClick(&layer.list.Tree(), Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QApplication::clipboard()->text(), "/data/two  blanks\n");
+    layer.title->SetValue("/data/R&D.tif");
+    EXPECT_EQ(layer.title->toolTip(1), "/data/R&D.tif") << "no markup, so nothing is escaped";
+    layer.title->SetValue("a <b>bold</b> name");
+    EXPECT_TRUE(layer.title->toolTip(1).contains("&lt;b&gt;"));
+    EXPECT_TRUE(Qt::mightBeRichText(layer.title->toolTip(1))) << "or the escapes would show";
+}
+
+TEST(CZelPropList, AGroupIsShadedFromEdgeToEdge) {
+    Layer layer;
+    layer.list.SetVSDotNetLook(true);
+    layer.list.SetCurSel(layer.title); // elsewhere
+    QTreeWidget &tree = layer.list.Tree();
+    int const group = tree.visualItemRect(layer.list.GetProperty(0)).top() + 3;
+    QColor const shade = layer.list.palette().color(QPalette::Window);
+    EXPECT_EQ(test::ColorAt(*tree.viewport(), {1, group}), shade) << "beside the mark of opening";
+    EXPECT_EQ(test::ColorAt(*tree.viewport(), {tree.viewport()->width() - 3, group}), shade);
+    EXPECT_NE(test::ColorAt(*tree.viewport(), {1, tree.visualItemRect(layer.tint).top() + 3}), shade);
+}
+
+TEST(CZelPropList, NamesGetTheirRoomUntilTheUserSetsIt) {
+    Layer layer;
+    QTreeWidget &tree = layer.list.Tree();
+    layer.title->setText(0, QString(200, u'n'));
+    layer.list.resize(400, 200);
+    EXPECT_EQ(tree.columnWidth(0), 240) << "no more than three fifths";
+    layer.title->setText(0, "Name");
+    layer.list.resize(300, 200);
+    EXPECT_LT(tree.columnWidth(0), 150);
+    tree.setColumnWidth(0, 150); // as a drag of the heading does
+    layer.list.resize(600, 200);
+    EXPECT_EQ(tree.columnWidth(0), 300) << "its share of the new width";
+}
+
+TEST(CZelPropList, HeadingsAndThePlainDescriptionOfTheCurrentPropertyAreShownOnDemand) {
+    Layer layer;
+    auto const *const area = layer.list.findChild<QLabel *>();
+    EXPECT_FALSE(area->isVisible());
+    layer.list.EnableDescriptionArea(true);
+    layer.list.EnableHeaderCtrl(true);
+    layer.list.SetCurSel(layer.title);
+    EXPECT_EQ(area->text(), "Shown in the legend");
+    EXPECT_EQ(area->textFormat(), Qt::PlainText);
+    EXPECT_EQ(layer.list.Tree().headerItem()->text(1), "Value");
+    layer.list.SetCurSel(layer.tint);
+    EXPECT_EQ(area->text(), "");
+}
+
 TEST(CZelPropList, TenThousandPropertiesFillInAMoment) {
     CZelPropList list;
     list.SetVSDotNetLook(true);

@@ -1,5 +1,6 @@
 #include "support/GuiTest.h"
 #include "support/TestFiles.h"
+#include "zelvar/platform/ui/Language.h"
 
 #include <QtCore/QStandardPaths>
 #include <QtGui/QFont>
@@ -24,6 +25,8 @@ int main(int argc, char **argv) {
     double const scale = qEnvironmentVariable("ZELVAR_FONT_SCALE").toDouble(&scaled); // for pictures
     font.setPixelSize(scaled ? qRound(12 * scale) : 12);
     QApplication::setFont(font);
+    if (qEnvironmentVariable("ZELVAR_LANGUAGE") != "") // for pictures
+        zelvar::UseLanguage("");
     std::optional<zelvar::test::DarkPalette> dark;
     if (qEnvironmentVariable("ZELVAR_PALETTE") == "dark") // for pictures
         dark.emplace();

@@ -1,19 +1,24 @@
 #include "zelvar/dialogs/core/MessageBoxSet.h"
 
+#include "zelvar/base/Translation.h"
+
 namespace zelvar {
 
 namespace {
 
-constexpr MessageBoxButton kOk[] = {{"OK", IDOK}};
-constexpr MessageBoxButton kOkCancel[] = {{"OK", IDOK}, {"Cancel", IDCANCEL}};
-constexpr MessageBoxButton kAbortRetryIgnore[] = {{"&Abort", IDABORT}, {"&Retry", IDRETRY}, {"&Ignore", IDIGNORE}};
-constexpr MessageBoxButton kYesNoCancel[] = {{"&Yes", IDYES}, {"&No", IDNO}, {"Cancel", IDCANCEL}};
-constexpr MessageBoxButton kYesNo[] = {{"&Yes", IDYES}, {"&No", IDNO}};
-constexpr MessageBoxButton kRetryCancel[] = {{"&Retry", IDRETRY}, {"Cancel", IDCANCEL}};
+constexpr MessageBoxButton kOk[] = {{Mark("OK"), IDOK}};
+constexpr MessageBoxButton kOkCancel[] = {{Mark("OK"), IDOK}, {Mark("Cancel"), IDCANCEL}};
+constexpr MessageBoxButton kAbortRetryIgnore[] = {
+    {Mark("&Abort"), IDABORT}, {Mark("&Retry"), IDRETRY}, {Mark("&Ignore"), IDIGNORE}};
+constexpr MessageBoxButton kYesNoCancel[] = {{Mark("&Yes"), IDYES}, {Mark("&No"), IDNO}, {Mark("Cancel"), IDCANCEL}};
+constexpr MessageBoxButton kYesNo[] = {{Mark("&Yes"), IDYES}, {Mark("&No"), IDNO}};
+constexpr MessageBoxButton kRetryCancel[] = {{Mark("&Retry"), IDRETRY}, {Mark("Cancel"), IDCANCEL}};
 // Callers go by these numbers, whatever they mean elsewhere.
-constexpr MessageBoxButton kFileExists[] = {
-    {"Keep existing", 2, 100}, {"Override existing", 3, 100}, {"Keep both", 1}, {"Keep recent", 4}};
-constexpr MessageBoxButton kContinueAbort[] = {{"&Continue", IDTRYAGAIN}, {"&Abort", IDABORT}};
+constexpr MessageBoxButton kFileExists[] = {{Mark("Keep existing"), 2, 100},
+                                            {Mark("Override existing"), 3, 100},
+                                            {Mark("Keep both"), 1},
+                                            {Mark("Keep recent"), 4}};
+constexpr MessageBoxButton kContinueAbort[] = {{Mark("&Continue"), IDTRYAGAIN}, {Mark("&Abort"), IDABORT}};
 
 } // namespace
 

@@ -1,5 +1,6 @@
 #include "zelvar/dialogs/core/MessageBoxTemplate.h"
 
+#include "zelvar/base/Translation.h"
 #include "zelvar/dialogs/core/MessageBoxSet.h"
 
 #include <algorithm>
@@ -93,11 +94,11 @@ private:
         int lastLeft = left;
         for (MessageBoxButton const &button : m_set.buttons) {
             lastLeft = left;
-            AddButton(button.id, button.text, left, m_px(button.width));
+            AddButton(button.id, Translated(button.text), left, m_px(button.width));
             left += m_px(button.width) + m_px(kGap);
         }
         if (Has(MB_HELP))
-            AddButton(kMessageBoxHelp, "&Help", lastLeft + m_px(kStep), m_px(kStep - kGap));
+            AddButton(kMessageBoxHelp, Translated("&Help"), lastLeft + m_px(kStep), m_px(kStep - kGap));
     }
 
     void AddButton(std::uint16_t id, char const *text, int left, int width) {
@@ -246,9 +247,9 @@ DString MessageBoxAsText(MessageBoxRequest const &request) {
         buttons += text + "   ";
     };
     for (MessageBoxButton const &button : SetOfMessageBox(request.type).buttons)
-        addButton(button.text);
+        addButton(Translated(button.text));
     if ((request.type & MB_HELP) != 0)
-        addButton("Help");
+        addButton(Translated("&Help"));
     return line + request.caption + "\n" + line + request.text + "\n" + line + buttons + "\n" + line;
 }
 

@@ -1,5 +1,7 @@
 #include "zelvar/opends/form/HtmlForm.h"
 
+#include "zelvar/base/Translation.h"
+
 #include <algorithm>
 #include <charconv>
 #include <memory>
@@ -144,7 +146,7 @@ private:
                        [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
         if (OneOf(type, {"submit", "button", "reset", "image"})) {
             DString const value = Attribute(element, "value");
-            AddButton(element, value.empty() && type == "submit" ? "Submit" : value, out);
+            AddButton(element, value.empty() && type == "submit" ? Translated("Submit") : value, out);
             return;
         }
         FormNode::Kind kind = FormNode::Kind::TextField;

@@ -1,6 +1,7 @@
 #include "zelvar/platform/os/LinuxShellNamespace.h"
 
 #include "zelvar/base/DFile.h"
+#include "zelvar/base/Translation.h"
 #include "zelvar/platform/os/DesktopNetwork.h"
 #include "zelvar/platform/os/FileStatus.h"
 #include "zelvar/platform/os/IconRule.h"
@@ -168,7 +169,8 @@ void LinuxShellNamespace::EnumerateDrives(Visitor const &visit) const {
     std::vector<Drive> drives = ListDrives(m_procRoot, m_sysRoot);
     if (DString const home = HomeFolder(); !home.empty() && home != "/") {
         std::erase_if(drives, [&](Drive const &drive) { return drive.mountPoint == home; });
-        drives.insert(drives.begin() + 1, {.mountPoint = home, .label = "Home", .kind = ShellKind::Directory});
+        drives.insert(drives.begin() + 1,
+                      {.mountPoint = home, .label = Translated("Home"), .kind = ShellKind::Directory});
     }
     for (Drive const &drive : drives) {
         ShellChild child;
@@ -229,16 +231,16 @@ DString LinuxShellNamespace::DisplayName(ShellId const &id) const {
     if (id.IsNull())
         return {};
     if (id.IsDesktop())
-        return "Desktop";
+        return Translated("Desktop");
     if (id == m_drives)
-        return "Computer";
+        return Translated("Computer");
     if (id == m_network)
-        return "Network";
+        return Translated("Network");
     DString element(id.Element());
     if (id.Depth() != m_drives.Depth() + 1 || !(id.Parent() == m_drives))
         return element;
     if (id.Kind() == ShellKind::Directory)
-        return NameOfDrive("Home", element);
+        return NameOfDrive(Translated("Home"), element);
     for (Drive const &drive : ListDrives(m_procRoot, m_sysRoot))
         if (drive.mountPoint == element)
             return NameOfDrive(drive.label, element);

@@ -1,6 +1,7 @@
 #include "zelvar/platform/os/MountTable.h"
 
 #include "zelvar/base/PathStyle.h"
+#include "zelvar/base/Translation.h"
 
 #include <algorithm>
 #include <array>
@@ -122,7 +123,7 @@ std::optional<ShellKind> KindOf(MountEntry const &mount, DString const &sysRoot)
 /// "share on server" for "//server/share" and "server:/export"; else the last element of the mount point.
 DString LabelOf(MountEntry const &mount, ShellKind kind) {
     if (mount.mountPoint == "/")
-        return "File System";
+        return Translated("File System");
     if (kind == ShellKind::NetDrive) {
         std::string_view source = mount.source;
         std::string_view server;
@@ -139,7 +140,7 @@ DString LabelOf(MountEntry const &mount, ShellKind kind) {
             share = source.substr(colon + 2);
         }
         if (!server.empty() && !share.empty())
-            return DString(share) + " on " + DString(server);
+            return Format(Translated("%s on %s"), DString(share).c_str(), DString(server).c_str());
     }
     return DString(FileNameOf(mount.mountPoint));
 }
@@ -208,7 +209,7 @@ std::vector<Drive> ListDrives(DString const &procRoot, DString const &sysRoot) {
         mounts.push_back(*std::move(mount));
     }
 
-    std::vector<Drive> drives{{.mountPoint = "/", .label = "File System", .kind = ShellKind::Fixed}};
+    std::vector<Drive> drives{{.mountPoint = "/", .label = Translated("File System"), .kind = ShellKind::Fixed}};
     for (MountEntry const &mount : mounts)
         if (std::optional<ShellKind> const kind = KindOf(mount, sysRoot); kind && mount.mountPoint != "/")
             drives.push_back({.mountPoint = mount.mountPoint, .label = LabelOf(mount, *kind), .kind = *kind});

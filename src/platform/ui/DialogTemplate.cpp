@@ -2,6 +2,7 @@
 
 #include "zelvar/platform/ui/ControlId.h"
 #include "zelvar/platform/ui/EllipsisLabel.h"
+#include "zelvar/platform/ui/Text.h"
 
 #include <QtGui/QFontMetrics>
 #include <QtWidgets/QCheckBox>
@@ -17,7 +18,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <string_view>
 #include <vector>
 
 namespace zelvar::platform {
@@ -56,7 +56,7 @@ QWidget *MakeCombo(bool editable) {
 }
 
 QWidget *MakeControl(DialogItem const &item) {
-    QString const text = QString::fromUtf8(item.text);
+    QString const text = Shown(item.text);
     switch (item.kind) {
     case ControlKind::Button:
         return MakePushButton(text, false, false);
@@ -155,6 +155,48 @@ void KeepApart(std::span<DialogItem const> items, std::vector<QWidget *> const &
     }
 }
 
+bool IsInRowOf(DialogItem const &item, DialogItem const &other) {
+    return item.y < other.y + other.h && other.y < item.y + item.h;
+}
+
+/// A label that needs more than the template has makes the field behind it begin later.
+void MakeRoomForLabels(std::span<DialogItem const> items, std::vector<QWidget *> const &controls) {
+    constexpr int gap = 4; // pixels
+    for (std::size_t i = 0; i < items.size(); ++i)
+        for (std::size_t j = 0; j < items.size(); ++j) {
+            if (items[i].kind != ControlKind::Label || !IsField(items[j].kind) || items[j].x <= items[i].x ||
+                !IsInRowOf(items[i], items[j]))
+                continue;
+            QRect place = controls[j]->geometry();
+            place.setLeft(std::clamp(controls[i]->geometry().right() + 1 + gap, place.left(), place.right()));
+            controls[j]->setGeometry(place);
+        }
+}
+
+/// What the texts of buttons need beyond the template's width. Those that keep to the right edge grow to the left and
+/// move what stands before them; a text there gets shorter. Others grow to the right.
+void WidenButtons(std::span<DialogItem const> items, std::vector<QWidget *> const &controls) {
+    constexpr int edges = 6; // pixels, both sides together
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        auto const *const button = qobject_cast<QPushButton *>(controls[i]);
+        int const needed =
+            button == nullptr ? 0 : button->fontMetrics().size(Qt::TextShowMnemonic, button->text()).width() + edges;
+        int const more = needed - controls[i]->width();
+        if (button == nullptr || button->text().isEmpty() || more <= 0)
+            continue;
+        bool const toLeft = items[i].move.x1 == 100;
+        controls[i]->setGeometry(controls[i]->geometry().adjusted(toLeft ? -more : 0, 0, toLeft ? 0 : more, 0));
+        for (std::size_t j = 0; j < items.size(); ++j) {
+            if (!IsInRowOf(items[i], items[j]) || (toLeft ? items[j].x >= items[i].x : items[j].x <= items[i].x))
+                continue;
+            if (qobject_cast<QPushButton *>(controls[j]) != nullptr)
+                controls[j]->move(controls[j]->x() + (toLeft ? -more : more), controls[j]->y());
+            else if (toLeft)
+                controls[j]->resize(std::max(0, controls[j]->width() - more), controls[j]->height());
+        }
+    }
+}
+
 } // namespace
 
 Size DialogBaseUnits(QFont const &font) {
@@ -171,7 +213,7 @@ Rect MapDialogRect(QWidget const &dialog, Rect const &units) {
 }
 
 void BuildDialog(QWidget &dialog, DialogTemplate const &dialogTemplate, ControlFactory const &factory) {
-    dialog.setWindowTitle(QString::fromUtf8(dialogTemplate.caption));
+    dialog.setWindowTitle(Shown(dialogTemplate.caption));
     Rect const client = MapDialogRect(dialog, {0, 0, dialogTemplate.width, dialogTemplate.height});
     dialog.resize(client.right, client.bottom);
 
@@ -193,18 +235,19 @@ void BuildDialog(QWidget &dialog, DialogTemplate const &dialogTemplate, ControlF
         controls.push_back(control);
     }
     KeepApart(dialogTemplate.items, controls);
+    MakeRoomForLabels(dialogTemplate.items, controls);
+    WidenButtons(dialogTemplate.items, controls);
     for (std::size_t i = 0; i < controls.size(); ++i) {
         DialogItem const &item = dialogTemplate.items[i];
         DialogItem const *const label = IsField(item.kind) ? LabelOf(item, dialogTemplate.items) : nullptr;
         if (label == nullptr)
             continue;
-        controls[i]->setAccessibleName(QString::fromUtf8(label->text).remove(u'&'));
+        controls[i]->setAccessibleName(Shown(label->text).remove(u'&'));
         auto *const caption =
             qobject_cast<QLabel *>(controls[static_cast<std::size_t>(label - dialogTemplate.items.data())]);
         // Its letter goes to the field; without a field the toolkit would show the sign. And to screen readers a combo
         // box has no name but that of the label that leads to it.
-        bool const hasLetter = std::string_view(label->text).find('&') != std::string_view::npos;
-        if (caption != nullptr && (hasLetter || qobject_cast<QComboBox *>(controls[i]) != nullptr))
+        if (caption != nullptr && (caption->text().contains(u'&') || qobject_cast<QComboBox *>(controls[i]) != nullptr))
             caption->setBuddy(controls[i]);
     }
 }

@@ -1,10 +1,14 @@
 #include "zelvar/platform/ui/Text.h"
 
+#include "zelvar/base/Translation.h"
+
 #include <QtGui/QTextDocument>
 
 namespace zelvar::platform {
 
 QString ToQString(std::string_view text) { return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())); }
+
+QString Shown(char const *text) { return QString::fromUtf8(Translated(text)); }
 
 DString ToDString(QString const &text) { return text.toStdString(); }
 

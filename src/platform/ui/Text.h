@@ -11,6 +11,9 @@ namespace zelvar::platform {
 /// rows and widgets keep the `DString` they were made from.
 [[nodiscard]] ZELVAR_API QString ToQString(std::string_view text);
 
+/// A text of the library in the user's language, for showing: see `Translated`.
+[[nodiscard]] ZELVAR_API QString Shown(char const *text);
+
 /// What a user typed or picked, as UTF-8.
 [[nodiscard]] ZELVAR_API DString ToDString(QString const &text);
 
