@@ -41,7 +41,13 @@ public:
     std::vector<int> Sort(ComesAfter const &comesAfter) {
         std::vector<int> order(m_rows.size());
         std::iota(order.begin(), order.end(), 0);
-        MergeSort(order, [&](int a, int b) { return comesAfter(Find(a)->word, Find(b)->word); });
+        std::vector<ItemWord> words; // side by side: a sort asks for them again and again
+        words.reserve(m_rows.size());
+        for (Row const &row : m_rows)
+            words.push_back(row.word);
+        MergeSort(order, [&](int a, int b) {
+            return comesAfter(words[static_cast<std::size_t>(a)], words[static_cast<std::size_t>(b)]);
+        });
         return Arrange(order);
     }
 
