@@ -322,10 +322,13 @@ TEST_F(HostilePlaces, EscapeEndsTheListingOfAContainerThatDoesNotAnswer) {
 
 TEST_F(HostilePlaces, AContainerThatIsProbedLateIsFoundOutWhenItIsSelected) {
     folder.Write("good.hostile");
-    folder.Write("late.hostile", "probe sleep 0.5\nmembers 2\n");
-    folder.Write("late too.hostile", "probe sleep 0.5\nmembers 2\n");
+    test::TempFolder const beside;
+    DString const late = "probe await " + (beside / "listed") + "\nprobe sleep 0.3\nmembers 2\n";
+    folder.Write("late.hostile", late);
+    folder.Write("late too.hostile", late);
     DialogPtr const dialog = Make();
     Run(*dialog, 3, [&] {
+        beside.Write("listed");
         DSListCtrl &list = *dialog->MainList();
         auto const *const item = dynamic_cast<NtwDataSourceItem *>(list.ItemAt(RowOf(list, "late.hostile")).get());
         ASSERT_NE(item, nullptr);

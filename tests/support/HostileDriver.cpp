@@ -9,6 +9,7 @@
 // Actions
 //   sleep SECONDS     deaf to the stop signal; a fraction will do
 //   poll SECONDS      the same, but ends with failure when the stop signal comes; trees have none and sleep
+//   await PATH        deaf until there is such a file
 //   spin              for good, with the processor busy
 //   work SECONDS      the same, until it has had so much of the processor
 //   crash             writes to address 0
@@ -227,6 +228,8 @@ private:
             std::abort();
         else if (line.action == "exit")
             _exit(status);
+        while (line.action == "await" && access(line.argument.c_str(), F_OK) != 0)
+            Sleep(0.01, nullptr);
         for (int volatile turns = 0; line.action == "spin";)
             turns = turns ^ 1;
         auto const worked = static_cast<std::clock_t>(std::strtod(line.argument.c_str(), nullptr) * CLOCKS_PER_SEC);
