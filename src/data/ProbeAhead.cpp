@@ -9,9 +9,7 @@ namespace zelvar {
 
 namespace {
 
-std::atomic<ProbeAhead::Ask> g_ask{nullptr};
-std::atomic<ProbeAhead::Find> g_find{nullptr};
-std::atomic<ProbeAhead::Forget> g_forget{nullptr};
+std::atomic<ProbeAhead::Handlers const *> g_handlers{nullptr};
 
 constexpr std::chrono::milliseconds kLooks{250}; // of one listing, where drivers work in this process
 
@@ -29,8 +27,8 @@ ProbeAhead::ProbeAhead(std::vector<DString> const &paths, std::vector<DString> c
     std::vector<DString> const &looked = listing == nullptr ? none : nameless;
     if (paths.empty() && looked.empty())
         return;
-    if (Ask const ask = g_ask; ask != nullptr) {
-        ask(paths, looked);
+    if (Handlers const *const there = g_handlers; there != nullptr) {
+        there->ask(paths, looked);
         return;
     }
     for (DString const &path : looked) {
@@ -45,21 +43,23 @@ ProbeAhead::ProbeAhead(std::vector<DString> const &paths, std::vector<DString> c
 }
 
 ProbeAhead::~ProbeAhead() {
-    if (Forget const forget = g_forget)
-        forget();
+    if (Handlers const *const there = g_handlers; there != nullptr)
+        there->forget();
 }
 
 bool ProbeAhead::IsFound(DString const &path) const {
-    Find const find = g_find;
-    return find != nullptr ? find(path) : m_found.contains(path);
+    Handlers const *const there = g_handlers;
+    return there != nullptr ? there->find(path) : m_found.contains(path);
 }
 
-bool ProbeAhead::IsWorthwhile() { return g_ask != nullptr; }
+bool ProbeAhead::IsWorthwhile() { return g_handlers != nullptr; }
 
-void ProbeAhead::SetHandlers(Ask ask, Find find, Forget forget) {
-    g_ask = ask;
-    g_find = find;
-    g_forget = forget;
+bool ProbeAhead::HasTimeForLooks() {
+    RequestScope const *const listing = Listing();
+    Handlers const *const there = g_handlers;
+    return listing != nullptr && listing->looked < (there != nullptr ? there->timeForLooks() : kLooks);
 }
+
+void ProbeAhead::SetHandlers(Handlers const *handlers) { g_handlers = handlers; }
 
 } // namespace zelvar

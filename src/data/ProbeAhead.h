@@ -2,6 +2,7 @@
 
 #include "zelvar/base/DString.h"
 
+#include <chrono>
 #include <set>
 #include <vector>
 
@@ -15,10 +16,15 @@ namespace zelvar {
 /// around goes; outside of a listing none is.
 class ProbeAhead {
 public:
-    using Ask = void (*)(std::vector<DString> const &paths, std::vector<DString> const &nameless);
-    /// Whether a look into the file has shown a tree of several.
-    using Find = bool (*)(DString const &path);
-    using Forget = void (*)();
+    /// What drivers that are far away offer.
+    struct Handlers {
+        void (*ask)(std::vector<DString> const &paths, std::vector<DString> const &nameless) = nullptr;
+        /// Whether a look into the file has shown a tree of several.
+        bool (*find)(DString const &path) = nullptr;
+        void (*forget)() = nullptr;
+        /// What a listing may spend on nameless files.
+        std::chrono::milliseconds (*timeForLooks)() = nullptr;
+    };
 
     ProbeAhead(std::vector<DString> const &paths, std::vector<DString> const &nameless);
     ~ProbeAhead();
@@ -30,8 +36,10 @@ public:
 
     /// Whether there are such drivers: without them nobody needs to gather files that are told by their names.
     [[nodiscard]] static bool IsWorthwhile();
-    /// What does it; null for nobody. At the start of a program, and for tests.
-    static void SetHandlers(Ask ask, Find find, Forget forget);
+    /// Whether a nameless file would be looked into: there is a listing around, which has time left for that.
+    [[nodiscard]] static bool HasTimeForLooks();
+    /// Where they are; null for nowhere. At the start of a program, and for tests; the object lives as long as they do.
+    static void SetHandlers(Handlers const *handlers);
 
 private:
     std::set<DString> m_found; ///< by the drivers of this process

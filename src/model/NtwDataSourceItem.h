@@ -82,6 +82,7 @@ protected:
         AmongOthers,    ///< one of a folder's: asked as its name says
         FoundContainer, ///< a look into it has shown that it is one
         ByNobody,       ///< its name says nothing, and nobody has found anything in it
+        NotAtAll,       ///< no driver would open it, going by its name, which says what it is
     };
     /// Classifies the item unless it is; false if it has no identifier that names a thing.
     bool InitItem(char const *driverId, Asked asked);

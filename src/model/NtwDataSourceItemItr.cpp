@@ -1,12 +1,10 @@
 #include "zelvar/model/NtwDataSourceItemItr.h"
 
 #include "zelvar/base/PathStyle.h"
-#include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/data/PlaceCheck.h"
 #include "zelvar/data/ProbeAhead.h"
 #include "zelvar/model/NtwDataSourceItem.h"
-#include "zelvar/model/SystemImages.h"
-#include "zelvar/platform/os/IconRule.h"
+#include "zelvar/model/SuffixFacts.h"
 
 #include <algorithm>
 #include <tuple>
@@ -33,23 +31,19 @@ bool IsInForce(std::string_view filter) { return !filter.empty() && filter != "*
 
 constexpr std::size_t kTogether = 128; // files to a question
 
-bool IsProbedElsewhere(ShellChild const &child) {
-    return child.kind == ShellKind::File && ProbeAhead::IsWorthwhile() &&
-           !BDIDrvrMngr::Instance()->CandidatesFor(child.name).empty();
-}
+/// A child that waits for what drivers say of it and of others.
+struct Waiting {
+    ShellChild child;
+    SuffixFacts::Facts const *facts;
+    DString path; ///< of one that is asked about; empty for others
+};
 
-/// A file that is called like nothing in particular: only a look into it tells what it is.
-bool IsNameless(ShellChild const &child) {
-    return child.kind == ShellKind::File && !platform::SaysWhatItIs(child.name) &&
-           BDIDrvrMngr::Instance()->CandidatesFor(child.name).empty();
-}
-
-template <class Test>
-std::vector<DString> PathsOf(ShellNamespace const &shell, std::vector<ShellChild> const &children, Test const &test) {
+/// The paths of those that are claimed, or of those that are not.
+std::vector<DString> PathsOf(std::vector<Waiting> const &waiting, bool claimed) {
     std::vector<DString> paths;
-    for (ShellChild const &child : children)
-        if (test(child))
-            paths.push_back(shell.Path(child.id));
+    for (Waiting const &each : waiting)
+        if (!each.path.empty() && each.facts->isClaimed == claimed)
+            paths.push_back(each.path);
     return paths;
 }
 
@@ -65,7 +59,7 @@ void NtwDataSourceItemItr::Fill(platform::ShellId const &folder, DataSourceItem:
     }
     std::string_view const mask = filter == nullptr ? std::string_view() : filter;
     bool const filtering = IsInForce(mask);
-    IconLookup icons(shell);
+    SuffixFacts suffixes(shell);
     bool stopped = false;
     auto const isStopped = [&] { return stopped = stopped || (cancel != nullptr && cancel->IsCanceled()); };
     // The stop signal is asked once a child: here for those that are left out, below for the others.
@@ -74,26 +68,27 @@ void NtwDataSourceItemItr::Fill(platform::ShellId const &folder, DataSourceItem:
             return ShellNamespace::Wish::Yes;
         return isStopped() ? ShellNamespace::Wish::Stop : ShellNamespace::Wish::No;
     };
+    using Asked = NtwDataSourceItem::Asked;
     // Whether a driver can open the file is asked once, when the item is made.
-    auto const addItem = [&](ShellChild const &child, NtwDataSourceItem::Asked asked) {
-        if (RefItemPtr<DataSourceItem> item{
-                NtwDataSourceItem::CreateChild(child, parent, driverId, icons.IndexOf(child), asked)})
+    auto const addItem = [&](ShellChild const &child, SuffixFacts::Facts const &facts, Asked asked) {
+        if (RefItemPtr<DataSourceItem> item{NtwDataSourceItem::CreateChild(child, parent, driverId, facts.icon, asked)})
             m_items.push_back(std::move(item));
     };
-    using Asked = NtwDataSourceItem::Asked;
     // A driver that was named is asked about each file, whatever that is called.
-    bool const looksInto = driverId == nullptr || *driverId == '\0';
+    bool const isAnyDriver = driverId == nullptr || *driverId == '\0';
+    auto const isLookedInto = [&](SuffixFacts::Facts const &facts) { return isAnyDriver && facts.isNameless; };
+    auto const askedAlone = [&](SuffixFacts::Facts const &facts) {
+        if (isLookedInto(facts))
+            return Asked::ByNobody;
+        return isAnyDriver && !facts.isClaimed ? Asked::NotAtAll : Asked::AmongOthers;
+    };
     // Files that drivers elsewhere will be asked about wait for each other, and what comes behind them waits too.
-    std::vector<ShellChild> waiting;
+    std::vector<Waiting> waiting;
     auto const addWaiting = [&] {
-        auto const isNameless = [&](ShellChild const &child) { return looksInto && IsNameless(child); };
-        ProbeAhead const ahead(PathsOf(shell, waiting, IsProbedElsewhere), PathsOf(shell, waiting, isNameless));
-        for (ShellChild const &child : waiting) {
-            if (!isNameless(child))
-                addItem(child, Asked::AmongOthers);
-            else
-                addItem(child, ahead.IsFound(shell.Path(child.id)) ? Asked::FoundContainer : Asked::ByNobody);
-        }
+        ProbeAhead const ahead(PathsOf(waiting, true), PathsOf(waiting, false));
+        for (auto const &[child, facts, path] : waiting)
+            addItem(child, *facts,
+                    isLookedInto(*facts) && ahead.IsFound(path) ? Asked::FoundContainer : askedAlone(*facts));
         waiting.clear();
     };
     m_error = shell.Enumerate(
@@ -103,11 +98,15 @@ void NtwDataSourceItemItr::Fill(platform::ShellId const &folder, DataSourceItem:
                 return false;
             if (child.kind != ShellKind::File && IsProductCache(child.name))
                 return true;
-            if (waiting.empty() && !IsProbedElsewhere(child) && !(looksInto && IsNameless(child))) {
-                addItem(child, Asked::AmongOthers);
+            SuffixFacts::Facts const &facts = suffixes.Of(child);
+            bool const isAskedAbout =
+                facts.isClaimed ? ProbeAhead::IsWorthwhile() : isLookedInto(facts) && ProbeAhead::HasTimeForLooks();
+            if (waiting.empty() && !isAskedAbout) {
+                addItem(child, facts, askedAlone(facts));
                 return true;
             }
-            waiting.push_back(std::move(child));
+            DString path = isAskedAbout ? shell.Path(child.id) : DString();
+            waiting.push_back({std::move(child), &facts, std::move(path)});
             if (waiting.size() >= kTogether)
                 addWaiting();
             return true;

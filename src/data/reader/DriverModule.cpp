@@ -77,14 +77,18 @@ void UseReaderDrivers(ReaderSettings const &settings) {
     Readers::Instance().Pool().Configure(settings);
     g_readersAreUsed = true;
     SetDriverProvider(AddRemoteDrivers, true);
-    ProbeAhead::SetHandlers(&TreeProbes::AskAhead, &TreeProbes::IsFound, &TreeProbes::ForgetAhead);
+    static constexpr ProbeAhead::Handlers kInReaders{.ask = &TreeProbes::AskAhead,
+                                                     .find = &TreeProbes::IsFound,
+                                                     .forget = &TreeProbes::ForgetAhead,
+                                                     .timeForLooks = &TreeProbes::TimeForLooks};
+    ProbeAhead::SetHandlers(&kInReaders);
     SetPlaceCheck(&AsksPlaceInReader);
 }
 
 void UseOwnProcessDrivers() {
     g_readersAreUsed = false;
     SetDriverProvider(LoadModule);
-    ProbeAhead::SetHandlers(nullptr, nullptr, nullptr);
+    ProbeAhead::SetHandlers(nullptr);
     SetPlaceCheck(nullptr);
 }
 

@@ -202,7 +202,7 @@ void TreeProbes::AskAhead(std::vector<DString> const &paths, std::vector<DString
     std::size_t const answered = batch.Ask(known, listing, serverTime);
     for (std::size_t file = answered; serverTime && listing->looked >= *serverTime && file < batch.Size(); ++file)
         known.ahead[batch.PathAt(file)] = {.asked = batch.DriversAt(file), .reading = {}, .isLeft = true};
-    std::ignore = looks.Ask(known, listing, Readers::Instance().Pool().TimeForLooks());
+    std::ignore = looks.Ask(known, listing, TimeForLooks());
 }
 
 bool TreeProbes::IsFound(DString const &path) {
@@ -210,6 +210,8 @@ bool TreeProbes::IsFound(DString const &path) {
     auto const at = ahead.find(path);
     return at != ahead.end() && !at->second.reading.empty();
 }
+
+milliseconds TreeProbes::TimeForLooks() { return Readers::Instance().Pool().TimeForLooks(); }
 
 void TreeProbes::ForgetAhead() { KnownOfThread().ahead.clear(); }
 

@@ -2,6 +2,7 @@
 
 #include "zelvar/base/DString.h"
 
+#include <chrono>
 #include <vector>
 
 namespace zelvar {
@@ -22,6 +23,8 @@ public:
     /// Whether any driver was found then that reads the file.
     [[nodiscard]] static bool IsFound(DString const &path);
     static void ForgetAhead();
+    /// What a listing may spend on the nameless ones.
+    [[nodiscard]] static std::chrono::milliseconds TimeForLooks();
 };
 
 } // namespace zelvar
