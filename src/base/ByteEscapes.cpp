@@ -1,5 +1,6 @@
 #include "zelvar/base/ByteEscapes.h"
 
+#include <algorithm>
 #include <optional>
 
 namespace zelvar {
@@ -42,10 +43,14 @@ DString Escape(std::string_view text, IsPlain &&isPlain) {
 } // namespace
 
 DString EscapeControlBytes(std::string_view text) {
-    return Escape(text, [text](std::size_t at) {
-        auto const byte = static_cast<unsigned char>(text[at]);
+    auto const isPlain = [](char c) {
+        auto const byte = static_cast<unsigned char>(c);
         return byte >= 0x20 && byte != 0x7F;
-    });
+    };
+    // Nearly every text.
+    if (std::all_of(text.begin(), text.end(), [&](char c) { return isPlain(c) && c != '\\'; }))
+        return DString(text);
+    return Escape(text, [&](std::size_t at) { return isPlain(text[at]); });
 }
 
 DString EscapeToUtf8(std::string_view bytes) {

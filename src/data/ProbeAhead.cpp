@@ -21,18 +21,24 @@ RequestScope *Listing() {
 
 } // namespace
 
-ProbeAhead::ProbeAhead(std::vector<DString> const &paths, std::vector<DString> const &nameless) {
-    RequestScope *const listing = Listing();
-    static std::vector<DString> const &none = *new std::vector<DString>;
-    std::vector<DString> const &looked = listing == nullptr ? none : nameless;
-    if (paths.empty() && looked.empty())
-        return;
-    if (Handlers const *const there = g_handlers; there != nullptr) {
-        there->ask(paths, looked);
+ProbeAhead::ProbeAhead(std::vector<DString> const &paths, std::vector<DString> nameless) {
+    if (Listing() != nullptr)
+        m_nameless = std::move(nameless);
+    if (Handlers const *const there = g_handlers; there != nullptr && !(paths.empty() && m_nameless.empty()))
+        m_question = there->ask(paths, m_nameless);
+}
+
+ProbeAhead::~ProbeAhead() = default;
+ProbeAhead::ProbeAhead(ProbeAhead &&other) noexcept = default;
+
+void ProbeAhead::Wait() {
+    if (m_question != nullptr) {
+        m_question->Wait();
         return;
     }
-    for (DString const &path : looked) {
-        if (listing->looked >= kLooks || listing->IsStopped())
+    RequestScope *const listing = Listing();
+    for (DString const &path : m_nameless) {
+        if (IsWorthwhile() || listing->looked >= kLooks || listing->IsStopped())
             return;
         auto const begin = RequestScope::Clock::now();
         RequestScope const scope(RequestKind::Probe);
@@ -42,14 +48,8 @@ ProbeAhead::ProbeAhead(std::vector<DString> const &paths, std::vector<DString> c
     }
 }
 
-ProbeAhead::~ProbeAhead() {
-    if (Handlers const *const there = g_handlers; there != nullptr)
-        there->forget();
-}
-
 bool ProbeAhead::IsFound(DString const &path) const {
-    Handlers const *const there = g_handlers;
-    return there != nullptr ? there->find(path) : m_found.contains(path);
+    return m_question != nullptr ? m_question->IsFound(path) : m_found.contains(path);
 }
 
 bool ProbeAhead::IsWorthwhile() { return g_handlers != nullptr; }

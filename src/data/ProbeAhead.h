@@ -3,34 +3,51 @@
 #include "zelvar/base/DString.h"
 
 #include <chrono>
+#include <memory>
 #include <set>
 #include <vector>
 
 namespace zelvar {
 
 /// Files that a listing is about to ask `BDIDrvr::CanReadPath` about: drivers that are far away answer for many at
-/// once. What they said is kept, for this thread, until the end of this object's life; a file that they said nothing of
-/// is asked about as ever.
+/// once, and while they think the listing goes on. A file that they said nothing of is asked about as ever.
 ///
 /// Files whose names say nothing about them, the nameless ones, are looked into as far as the time of the listing
 /// around goes; outside of a listing none is.
 class ProbeAhead {
 public:
+    /// What was asked of drivers that are far away. Its end, on the thread that asked, ends the question.
+    class Question {
+    public:
+        virtual ~Question() = default;
+        Question(Question const &) = delete;
+        Question &operator=(Question const &) = delete;
+        /// Returns when it is answered, or stopped: then the answers are at hand for this thread, those to the former
+        /// question no more.
+        virtual void Wait() = 0;
+        /// Whether a look into the file has shown a tree of several.
+        [[nodiscard]] virtual bool IsFound(DString const &path) const = 0;
+
+    protected:
+        Question() = default;
+    };
     /// What drivers that are far away offer.
     struct Handlers {
-        void (*ask)(std::vector<DString> const &paths, std::vector<DString> const &nameless) = nullptr;
-        /// Whether a look into the file has shown a tree of several.
-        bool (*find)(DString const &path) = nullptr;
-        void (*forget)() = nullptr;
+        std::unique_ptr<Question> (*ask)(std::vector<DString> const &paths,
+                                         std::vector<DString> const &nameless) = nullptr;
         /// What a listing may spend on nameless files.
         std::chrono::milliseconds (*timeForLooks)() = nullptr;
     };
 
-    ProbeAhead(std::vector<DString> const &paths, std::vector<DString> const &nameless);
+    /// Begins to ask.
+    ProbeAhead(std::vector<DString> const &paths, std::vector<DString> nameless);
     ~ProbeAhead();
-    ProbeAhead(ProbeAhead const &) = delete;
-    ProbeAhead &operator=(ProbeAhead const &) = delete;
+    ProbeAhead(ProbeAhead &&other) noexcept;
+    ProbeAhead &operator=(ProbeAhead &&) = delete;
 
+    /// Waits for what drivers say. Until the end of this object's life the calling thread, the one that has begun, has
+    /// the answers at hand.
+    void Wait();
     /// Whether one of the nameless has turned out to be a tree of several.
     [[nodiscard]] bool IsFound(DString const &path) const;
 
@@ -42,7 +59,9 @@ public:
     static void SetHandlers(Handlers const *handlers);
 
 private:
-    std::set<DString> m_found; ///< by the drivers of this process
+    std::unique_ptr<Question> m_question; ///< null where drivers work in this process
+    std::vector<DString> m_nameless;      ///< which these are to look into
+    std::set<DString> m_found;            ///< by them
 };
 
 } // namespace zelvar

@@ -6,8 +6,8 @@
 #include "zelvar/model/NtwDataSourceItem.h"
 #include "zelvar/model/SuffixFacts.h"
 
-#include <algorithm>
-#include <tuple>
+#include <deque>
+#include <utility>
 #include <vector>
 
 namespace zelvar {
@@ -29,25 +29,102 @@ bool IsProductCache(std::string_view name) { return name == "_zoom_cache" || nam
 /// "*" and "*.*" name every file.
 bool IsInForce(std::string_view filter) { return !filter.empty() && filter != "*" && filter != "*.*"; }
 
-constexpr std::size_t kTogether = 128; // files to a question
-
-/// A child that waits for what drivers say of it and of others.
-struct Waiting {
-    ShellChild child;
-    SuffixFacts::Facts const *facts;
-    DString path; ///< of one that is asked about; empty for others
-};
-
-/// The paths of those that are claimed, or of those that are not.
-std::vector<DString> PathsOf(std::vector<Waiting> const &waiting, bool claimed) {
-    std::vector<DString> paths;
-    for (Waiting const &each : waiting)
-        if (!each.path.empty() && each.facts->isClaimed == claimed)
-            paths.push_back(each.path);
-    return paths;
-}
+constexpr std::size_t kTogether = 128;     // files to a question
+constexpr std::size_t kLongestWait = 4096; // children that wait for one
+constexpr std::size_t kUnderWay = 2;       // questions at a time: as many readers serve listings
 
 } // namespace
+
+/// Makes the items of one folder. Files that drivers elsewhere are asked about wait for each other, and what comes
+/// behind them waits too, so that the order stays.
+class NtwDataSourceItemItr::Children {
+public:
+    Children(NtwDataSourceItemItr &itr, ShellNamespace const &shell, RefItemPtr<DataSourceItem> const &parent,
+             char const *driverId)
+        : m_itr(itr), m_shell(shell), m_parent(parent), m_driverId(driverId),
+          m_isAnyDriver(driverId == nullptr || *driverId == '\0'), m_suffixes(shell) {}
+
+    void Add(ShellChild &&child) {
+        SuffixFacts::Facts const &facts = m_suffixes.Of(child);
+        bool const isAskedAbout =
+            facts.isClaimed ? ProbeAhead::IsWorthwhile() : IsLookedInto(facts) && ProbeAhead::HasTimeForLooks();
+        if (!isAskedAbout && m_gathered.empty() && m_underWay.empty()) {
+            AddItem(child, facts, AskedAlone(facts));
+            return;
+        }
+        DString path = isAskedAbout ? m_shell.Path(child.id) : DString();
+        m_gathered.push_back({std::move(child), &facts, std::move(path)});
+        m_asked += isAskedAbout ? 1 : 0;
+        if (m_asked >= kTogether || m_gathered.size() >= kMostGathered)
+            Ask();
+    }
+    void Finish() {
+        if (!m_gathered.empty())
+            Ask();
+        while (!m_underWay.empty())
+            AddAnswered();
+    }
+
+private:
+    using Asked = NtwDataSourceItem::Asked;
+    static constexpr std::size_t kTogether = 128;      // files to a question
+    static constexpr std::size_t kMostGathered = 4096; // children, those among them that nobody is asked about
+    static constexpr std::size_t kMostUnderWay = 2;    // questions: as many readers serve listings
+
+    struct Waiting {
+        ShellChild child;
+        SuffixFacts::Facts const *facts;
+        DString path; ///< of one that is asked about; empty for others
+    };
+    struct Question {
+        std::vector<Waiting> files;
+        ProbeAhead ahead;
+    };
+
+    /// A driver that was named is asked about each file, whatever that is called.
+    [[nodiscard]] bool IsLookedInto(SuffixFacts::Facts const &facts) const { return m_isAnyDriver && facts.isNameless; }
+    [[nodiscard]] Asked AskedAlone(SuffixFacts::Facts const &facts) const {
+        if (IsLookedInto(facts))
+            return Asked::ByNobody;
+        return m_isAnyDriver && !facts.isClaimed ? Asked::NotAtAll : Asked::AmongOthers;
+    }
+    /// Whether a driver can open the file is asked once, here.
+    void AddItem(ShellChild const &child, SuffixFacts::Facts const &facts, Asked asked) {
+        if (RefItemPtr<DataSourceItem> item{
+                NtwDataSourceItem::CreateChild(child, m_parent, m_driverId, facts.icon, asked)})
+            m_itr.m_items.push_back(std::move(item));
+    }
+    void Ask() {
+        std::vector<DString> claimed;
+        std::vector<DString> nameless;
+        for (Waiting const &each : m_gathered)
+            if (!each.path.empty())
+                (each.facts->isClaimed ? claimed : nameless).push_back(each.path);
+        // What the former ones have spent of the time for the nameless must be known first.
+        while (m_underWay.size() >= kMostUnderWay || (!nameless.empty() && !m_underWay.empty()))
+            AddAnswered();
+        m_underWay.push_back({std::exchange(m_gathered, {}), ProbeAhead(claimed, std::move(nameless))});
+        m_asked = 0;
+    }
+    void AddAnswered() {
+        auto &[files, ahead] = m_underWay.front();
+        ahead.Wait();
+        for (auto const &[child, facts, path] : files)
+            AddItem(child, *facts,
+                    IsLookedInto(*facts) && ahead.IsFound(path) ? Asked::FoundContainer : AskedAlone(*facts));
+        m_underWay.pop_front();
+    }
+
+    NtwDataSourceItemItr &m_itr;
+    ShellNamespace const &m_shell;
+    RefItemPtr<DataSourceItem> const &m_parent;
+    char const *m_driverId;
+    bool m_isAnyDriver;
+    SuffixFacts m_suffixes;
+    std::vector<Waiting> m_gathered;
+    std::size_t m_asked = 0; ///< of the gathered
+    std::deque<Question> m_underWay;
+};
 
 void NtwDataSourceItemItr::Fill(platform::ShellId const &folder, DataSourceItem::ICancel *cancel,
                                 RefItemPtr<DataSourceItem> const &parent, char const *filter, char const *driverId) {
@@ -59,7 +136,6 @@ void NtwDataSourceItemItr::Fill(platform::ShellId const &folder, DataSourceItem:
     }
     std::string_view const mask = filter == nullptr ? std::string_view() : filter;
     bool const filtering = IsInForce(mask);
-    SuffixFacts suffixes(shell);
     bool stopped = false;
     auto const isStopped = [&] { return stopped = stopped || (cancel != nullptr && cancel->IsCanceled()); };
     // The stop signal is asked once a child: here for those that are left out, below for the others.
@@ -68,29 +144,7 @@ void NtwDataSourceItemItr::Fill(platform::ShellId const &folder, DataSourceItem:
             return ShellNamespace::Wish::Yes;
         return isStopped() ? ShellNamespace::Wish::Stop : ShellNamespace::Wish::No;
     };
-    using Asked = NtwDataSourceItem::Asked;
-    // Whether a driver can open the file is asked once, when the item is made.
-    auto const addItem = [&](ShellChild const &child, SuffixFacts::Facts const &facts, Asked asked) {
-        if (RefItemPtr<DataSourceItem> item{NtwDataSourceItem::CreateChild(child, parent, driverId, facts.icon, asked)})
-            m_items.push_back(std::move(item));
-    };
-    // A driver that was named is asked about each file, whatever that is called.
-    bool const isAnyDriver = driverId == nullptr || *driverId == '\0';
-    auto const isLookedInto = [&](SuffixFacts::Facts const &facts) { return isAnyDriver && facts.isNameless; };
-    auto const askedAlone = [&](SuffixFacts::Facts const &facts) {
-        if (isLookedInto(facts))
-            return Asked::ByNobody;
-        return isAnyDriver && !facts.isClaimed ? Asked::NotAtAll : Asked::AmongOthers;
-    };
-    // Files that drivers elsewhere will be asked about wait for each other, and what comes behind them waits too.
-    std::vector<Waiting> waiting;
-    auto const addWaiting = [&] {
-        ProbeAhead const ahead(PathsOf(waiting, true), PathsOf(waiting, false));
-        for (auto const &[child, facts, path] : waiting)
-            addItem(child, *facts,
-                    isLookedInto(*facts) && ahead.IsFound(path) ? Asked::FoundContainer : askedAlone(*facts));
-        waiting.clear();
-    };
+    Children children(*this, shell, parent, driverId);
     m_error = shell.Enumerate(
         folder, ShellNamespace::Purpose::Browse,
         [&](ShellChild &&child) {
@@ -98,21 +152,11 @@ void NtwDataSourceItemItr::Fill(platform::ShellId const &folder, DataSourceItem:
                 return false;
             if (child.kind != ShellKind::File && IsProductCache(child.name))
                 return true;
-            SuffixFacts::Facts const &facts = suffixes.Of(child);
-            bool const isAskedAbout =
-                facts.isClaimed ? ProbeAhead::IsWorthwhile() : isLookedInto(facts) && ProbeAhead::HasTimeForLooks();
-            if (waiting.empty() && !isAskedAbout) {
-                addItem(child, facts, askedAlone(facts));
-                return true;
-            }
-            DString path = isAskedAbout ? shell.Path(child.id) : DString();
-            waiting.push_back({std::move(child), &facts, std::move(path)});
-            if (waiting.size() >= kTogether)
-                addWaiting();
+            children.Add(std::move(child));
             return true;
         },
         isWanted);
-    addWaiting();
+    children.Finish();
     CreateCursor();
 }
 

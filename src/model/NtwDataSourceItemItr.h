@@ -12,6 +12,9 @@ public:
     /// out. `cancel` is asked before each child; a listing that was stopped is shorter and valid.
     void Fill(platform::ShellId const &folder, DataSourceItem::ICancel *cancel,
               RefItemPtr<DataSourceItem> const &parent, char const *filter, char const *driverId);
+
+private:
+    class Children;
 };
 
 } // namespace zelvar

@@ -4,6 +4,7 @@
 #include "zelvar/data/DIOPluginMngr.h"
 #include "zelvar/data/FormatPlugin.h"
 #include "zelvar/data/RDIDriverMngr.h"
+#include "zelvar/data/RequestScope.h"
 #include "zelvar/data/tables/ADIDriverMngr.h"
 #include "zelvar/reader/FileStamp.h"
 
@@ -51,6 +52,7 @@ Answer ProbeRequests::ListDrivers() {
 }
 
 std::optional<wire::ProbedT> ProbeRequests::Probe(DString const &path, std::vector<DString> const &drivers) const {
+    RequestScope const scope(RequestKind::Probe); // all drivers look at the same file
     wire::ProbedT probed;
     for (DString const &id : drivers) {
         if (IsStopped())

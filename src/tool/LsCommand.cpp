@@ -6,8 +6,10 @@
 #include "zelvar/tool/CommandTable.h"
 #include "zelvar/tool/Commands.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <map>
+#include <utility>
 
 namespace zelvar::tool {
 
@@ -15,9 +17,20 @@ namespace {
 
 CommandSpec const &kSpec = SpecOf("ls");
 
+void PutNumber(DString &out, unsigned number, std::size_t digits) {
+    DString const text = std::to_string(number);
+    out.append(digits - std::min(digits, text.size()), '0').append(text);
+}
+
 DString TimeText(SystemTime const &time) {
-    return Format("%04d-%02d-%02dT%02d:%02d:%02d", time.wYear, time.wMonth, time.wDay, time.wHour, time.wMinute,
-                  time.wSecond);
+    DString text;
+    PutNumber(text, time.wYear, 4);
+    for (auto const &[separator, number] :
+         {std::pair{'-', time.wMonth}, {'-', time.wDay}, {'T', time.wHour}, {':', time.wMinute}, {':', time.wSecond}}) {
+        text += separator;
+        PutNumber(text, number, 2);
+    }
+    return text;
 }
 
 /// A JSON string: control bytes as JSON has them, bytes that are not UTF-8 as the text \xHH, which a command takes
@@ -35,17 +48,20 @@ DString JsonText(DString const &bytes) {
     return json + "\"";
 }
 
-void PrintLine(ListedItem const &item) {
-    std::printf("%s\t%lld\t%s\t%s\t%s\n", ToText(item.kind), static_cast<long long>(item.size),
-                item.time ? TimeText(*item.time).c_str() : "-", EscapeControlBytes(item.name).c_str(),
-                EscapeControlBytes(item.path).c_str());
+DString LineOf(ListedItem const &item) {
+    DString line = ToText(item.kind);
+    line.append("\t").append(std::to_string(item.size));
+    line.append("\t").append(item.time ? TimeText(*item.time) : "-");
+    line.append("\t").append(EscapeControlBytes(item.name));
+    return line.append("\t").append(EscapeControlBytes(item.path)).append("\n");
 }
 
-void PrintJson(ListedItem const &item, bool first) {
-    std::printf("%s\n  {\"kind\": \"%s\", \"size\": %lld, \"time\": %s, \"name\": %s, \"path\": %s}", first ? "" : ",",
-                ToText(item.kind), static_cast<long long>(item.size),
-                item.time ? JsonText(TimeText(*item.time)).c_str() : "null", JsonText(item.name).c_str(),
-                JsonText(item.path).c_str());
+DString JsonOf(ListedItem const &item) {
+    DString line = "\n  {\"kind\": \"";
+    line.append(ToText(item.kind)).append("\", \"size\": ").append(std::to_string(item.size));
+    line.append(", \"time\": ").append(item.time ? JsonText(TimeText(*item.time)) : "null");
+    line.append(", \"name\": ").append(JsonText(item.name));
+    return line.append(", \"path\": ").append(JsonText(item.path)).append("}");
 }
 
 /// What was left out, and what to call the place that was named.
@@ -74,16 +90,18 @@ private:
     bool m_hasAny = false;
 };
 
+void Print(DString const &text) { std::fwrite(text.data(), 1, text.size(), stdout); }
+
 void PrintItems(std::vector<ListedItem> const &items, bool asJson) {
     if (!asJson) {
         for (ListedItem const &item : items)
-            PrintLine(item);
+            Print(LineOf(item));
         return;
     }
-    std::fputs("[", stdout);
-    for (std::size_t i = 0; i < items.size(); ++i)
-        PrintJson(items[i], i == 0);
-    std::puts("\n]");
+    char const *before = "[";
+    for (ListedItem const &item : items)
+        Print(std::exchange(before, ",") + JsonOf(item));
+    std::puts(items.empty() ? "[\n]" : "\n]");
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "zelvar/data/gdal/ContainerProbe.h"
 
 #include "zelvar/base/FileDescriptor.h"
+#include "zelvar/data/RequestScope.h"
 #include "zelvar/data/gdal/ContainerTree.h"
 #include "zelvar/platform/os/SmbClient.h"
 
@@ -67,21 +68,20 @@ private:
 };
 
 constexpr std::size_t kHeadSize = 16;
+using Head = std::array<char, kHeadSize>;
 
-bool HasMagic(std::array<char, kHeadSize> const &head, Format const &format) {
+bool HasMagic(Head const &head, Format const &format) {
     std::string_view const bytes(head.data(), head.size());
     return std::any_of(std::begin(kMagics), std::end(kMagics),
                        [&](Magic const &magic) { return magic.format == format.id && bytes.starts_with(magic.bytes); });
 }
 
-/// Answers by the identity of the file asked about. All of it goes when it is full: an answer is cheap to find anew.
-class Answers {
-public:
+/// A plain file as it is now.
+struct Subject {
     struct Key {
         dev_t device = 0;
         ino_t inode = 0;
         DString address{}; ///< of a file on a server; it has no numbers
-        std::size_t kind = 0;
         friend bool operator==(Key const &, Key const &) = default;
     };
     struct State {
@@ -90,18 +90,36 @@ public:
         std::int64_t changed = 0;  ///< nanoseconds
         friend bool operator==(State const &, State const &) = default;
     };
+    Key key;
+    State state;
+};
 
-    /// -1 if it is not known.
-    int Find(Key const &key, State const &state) {
+/// What is known of files, by their identity. All of it goes when it is full: an answer is cheap to find anew.
+class Answers {
+public:
+    [[nodiscard]] std::optional<bool> Find(Subject const &subject, std::string_view kind) {
         std::lock_guard const lock(m_mutex);
-        auto const at = m_answers.find(key);
-        return at == m_answers.end() || at->second.first != state ? -1 : at->second.second ? 1 : 0;
+        if (Known const *const known = FindKnown(subject))
+            for (auto const &[what, answer] : known->answers)
+                if (what == kind)
+                    return answer;
+        return std::nullopt;
     }
-    void Keep(Key const &key, State const &state, bool answer) {
+    /// `kind` lives as long as the process.
+    void Keep(Subject const &subject, std::string_view kind, bool answer) {
         std::lock_guard const lock(m_mutex);
-        if (m_answers.size() >= kMost)
-            m_answers.clear();
-        m_answers[key] = {state, answer};
+        ++m_count;
+        Place(subject).answers.emplace_back(kind, answer);
+    }
+    /// The first bytes of the file, if they have been read.
+    [[nodiscard]] std::optional<Head> FindHead(Subject const &subject) {
+        std::lock_guard const lock(m_mutex);
+        Known const *const known = FindKnown(subject);
+        return known == nullptr ? std::nullopt : known->head;
+    }
+    void KeepHead(Subject const &subject, Head const &head) {
+        std::lock_guard const lock(m_mutex);
+        Place(subject).head = head;
     }
     static Answers &Instance() {
         static auto &answers = *new Answers;
@@ -109,31 +127,61 @@ public:
     }
 
 private:
-    static constexpr std::size_t kMost = 200'000; // about 20 MB
+    struct Known {
+        Subject::State state{};
+        std::optional<Head> head{};
+        std::vector<std::pair<std::string_view, bool>> answers{};
+    };
+    static constexpr std::size_t kMost = 400'000; // files and answers, about 20 MB
     struct Hash {
-        std::size_t operator()(Key const &key) const {
-            return (key.inode * 0x9E3779B97F4A7C15U) ^ (key.device << 7U) ^ std::hash<DString>()(key.address) ^
-                   key.kind;
+        std::size_t operator()(Subject::Key const &key) const {
+            return (key.inode * 0x9E3779B97F4A7C15U) ^ (key.device << 7U) ^ std::hash<DString>()(key.address);
         }
     };
+    [[nodiscard]] Known const *FindKnown(Subject const &subject) const {
+        auto const at = m_files.find(subject.key);
+        return at == m_files.end() || at->second.state != subject.state ? nullptr : &at->second;
+    }
+    Known &Place(Subject const &subject) {
+        if (m_files.size() + m_count >= kMost) {
+            m_files.clear();
+            m_count = 0;
+        }
+        Known &known = m_files[subject.key];
+        if (known.state != subject.state)
+            known = {.state = subject.state};
+        return known;
+    }
+
     std::mutex m_mutex;
-    std::unordered_map<Key, std::pair<State, bool>, Hash> m_answers;
+    std::unordered_map<Subject::Key, Known, Hash> m_files;
+    std::size_t m_count = 0; ///< of answers, those to former states too
 };
 
 std::int64_t Nanoseconds(timespec const &time) { return std::int64_t{time.tv_sec} * 1'000'000'000 + time.tv_nsec; }
 
-/// A plain file as it is now.
-struct Subject {
-    Answers::Key key;
-    Answers::State state;
-};
-
-std::optional<Subject> OnDisk(DString const &path) {
+std::optional<Subject> Look(DString const &path) {
     struct stat info {};
     if (stat(path.c_str(), &info) != 0 || !S_ISREG(info.st_mode))
         return std::nullopt;
     return Subject{.key = {.device = info.st_dev, .inode = info.st_ino},
                    .state = {info.st_size, Nanoseconds(info.st_mtim), Nanoseconds(info.st_ctim)}};
+}
+
+/// Within one request about a file all drivers see it as the first one did.
+std::optional<Subject> OnDisk(DString const &path) {
+    RequestScope const *const scope = RequestScope::Current();
+    if (scope == nullptr || scope->Kind() != RequestKind::Probe)
+        return Look(path);
+    struct Last {
+        RequestScope::Clock::time_point scope;
+        DString path;
+        std::optional<Subject> found;
+    };
+    thread_local Last last;
+    if (last.scope != scope->Begin() || last.path != path)
+        last = {scope->Begin(), path, Look(path)};
+    return last.found;
 }
 
 /// The drivers are asked about one file after the other: each question to a server would take its time.
@@ -159,16 +207,20 @@ std::optional<Subject> OnServer(DString const &address) {
     return last.found;
 }
 
-template <class Ask>
-bool Remembered(DString const &path, std::string_view kind, Ask const &ask) {
+/// What has at least a head.
+std::optional<Subject> SubjectAt(DString const &path) {
     std::optional<Subject> subject = platform::IsSmbAddress(path) ? OnServer(path) : OnDisk(path);
-    if (!subject || subject->state.size < static_cast<off_t>(kHeadSize))
-        return false;
-    subject->key.kind = std::hash<std::string_view>()(kind);
-    if (int const known = Answers::Instance().Find(subject->key, subject->state); known >= 0)
-        return known == 1;
+    if (subject && subject->state.size < static_cast<off_t>(kHeadSize))
+        subject.reset();
+    return subject;
+}
+
+template <class Ask>
+bool Remembered(Subject const &subject, std::string_view kind, Ask const &ask) {
+    if (std::optional<bool> const known = Answers::Instance().Find(subject, kind))
+        return *known;
     bool const answer = ask();
-    Answers::Instance().Keep(subject->key, subject->state, answer);
+    Answers::Instance().Keep(subject, kind, answer);
     return answer;
 }
 
@@ -292,23 +344,31 @@ bool IsContainerFormat(Format const &format) {
 }
 
 bool HoldsSeveral(DString const &path, Format const &format) {
-    return Remembered(path, format.id, [&] {
-        bool hasMagic = false;
-        bool const hasSecondPage = LookInto(path, [&](FileWindow &window) {
-            std::array<char, kHeadSize> head{};
-            hasMagic = window.Read(0, head.data(), head.size()) && HasMagic(head, format);
-            return hasMagic && format.id == "GTiff" && HasSecondPage(window);
-        });
-        if (!hasMagic || format.id == "GTiff")
-            return hasSecondPage;
-        auto const source = Resolve({path, nullptr}, nullptr);
-        auto const members = source ? ListMembers(*source, &format) : std::nullopt;
-        return members && members->nodes.size() > 1;
-    });
+    std::optional<Subject> const subject = SubjectAt(path);
+    return subject && Remembered(*subject, format.id, [&] {
+               std::optional<Head> head = Answers::Instance().FindHead(*subject);
+               if (head && !HasMagic(*head, format))
+                   return false;
+               bool hasMagic = false;
+               bool const hasSecondPage = LookInto(path, [&](FileWindow &window) {
+                   Head bytes{};
+                   if (!window.Read(0, bytes.data(), bytes.size()))
+                       return false;
+                   Answers::Instance().KeepHead(*subject, bytes);
+                   hasMagic = HasMagic(bytes, format);
+                   return hasMagic && format.id == "GTiff" && HasSecondPage(window);
+               });
+               if (!hasMagic || format.id == "GTiff")
+                   return hasSecondPage;
+               auto const source = Resolve({path, nullptr}, nullptr);
+               auto const members = source ? ListMembers(*source, &format) : std::nullopt;
+               return members && members->nodes.size() > 1;
+           });
 }
 
 bool AskOnce(DString const &path, std::string_view kind, bool (*ask)(DString const &path)) {
-    return Remembered(path, kind, [&] { return ask(path); });
+    std::optional<Subject> const subject = SubjectAt(path);
+    return subject && Remembered(*subject, kind, [&] { return ask(path); });
 }
 
 } // namespace zelvar::gdal

@@ -12,8 +12,8 @@ namespace zelvar::gdal {
 /// opened and counted. The answer is remembered until the file changes. Never waits on a pipe or a device. Any thread.
 [[nodiscard]] bool HoldsSeveral(DString const &path, Format const &format);
 
-/// The answer of `ask`, remembered for the plain file at `path` under `kind` until the file changes; false for what is
-/// no plain file.
+/// The answer of `ask`, remembered for the plain file at `path` under `kind`, a constant, until the file changes; false
+/// for what is no plain file.
 [[nodiscard]] bool AskOnce(DString const &path, std::string_view kind, bool (*ask)(DString const &path));
 
 /// True if the TIFF behind the open file has a second page: directories that hold a smaller version or a mask of a page

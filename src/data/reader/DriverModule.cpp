@@ -78,8 +78,6 @@ void UseReaderDrivers(ReaderSettings const &settings) {
     g_readersAreUsed = true;
     SetDriverProvider(AddRemoteDrivers, true);
     static constexpr ProbeAhead::Handlers kInReaders{.ask = &TreeProbes::AskAhead,
-                                                     .find = &TreeProbes::IsFound,
-                                                     .forget = &TreeProbes::ForgetAhead,
                                                      .timeForLooks = &TreeProbes::TimeForLooks};
     ProbeAhead::SetHandlers(&kInReaders);
     SetPlaceCheck(&AsksPlaceInReader);

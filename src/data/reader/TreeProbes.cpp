@@ -6,8 +6,11 @@
 #include "zelvar/data/reader/RemoteTreeDriver.h"
 
 #include <algorithm>
+#include <atomic>
+#include <future>
 #include <map>
 #include <optional>
+#include <system_error>
 #include <tuple>
 #include <unordered_map>
 #include <utility>
@@ -22,7 +25,7 @@ constexpr milliseconds kBatchTime{100};
 
 /// What was asked about one file and what came back.
 struct Probe {
-    std::vector<DString> asked;
+    std::shared_ptr<std::vector<DString> const> asked;
     std::vector<DString> reading;
     bool isLeft = false; ///< nobody had time for it
 };
@@ -32,7 +35,7 @@ struct Known {
     RequestScope::Clock::time_point scope; ///< of the last single probe
     DString path;
     Probe last;
-    std::unordered_map<DString, Probe> ahead;
+    std::unordered_map<DString, Probe> const *ahead = nullptr; ///< of the question that was waited for last
 };
 
 Known &KnownOfThread() {
@@ -69,12 +72,13 @@ Probe AskAlone(DString const &path, DString const &id) {
     Probe probe;
     // A file that has time of its own was named, and may be called anything.
     RequestScope const *const scope = RequestScope::Current();
-    probe.asked = scope != nullptr && scope->HasOwnTime() ? AllFor(path) : CandidatesFor(path);
-    if (!Holds(probe.asked, id))
-        probe.asked.insert(probe.asked.begin(), id);
+    std::vector<DString> asked = scope != nullptr && scope->HasOwnTime() ? AllFor(path) : CandidatesFor(path);
+    if (!Holds(asked, id))
+        asked.insert(asked.begin(), id);
     wire::ProbeTreesT body;
     body.path = path;
-    body.drivers = probe.asked;
+    body.drivers = asked;
+    probe.asked = std::make_shared<std::vector<DString>>(std::move(asked));
     Readers::Call const call{.kind = RequestKind::Probe, .what = "probe", .subject = path};
     Readers::Answer const answer = Readers::Instance().Ask(call, std::move(body));
     if (wire::ProbedT *const probed = answer.message == nullptr ? nullptr : answer.message->body.AsProbed())
@@ -90,60 +94,163 @@ RequestScope *ListingOfThread() {
     return scope == nullptr || scope->Kind() == RequestKind::List ? scope : scope->Listing();
 }
 
+/// The drivers to ask about the files of one listing, looked up once for all files that the same ones may claim.
+class DriverSets {
+public:
+    using Ids = std::shared_ptr<std::vector<DString> const>;
+    Ids Candidates(DString const &path) {
+        std::vector<BDIDrvr *> const &drivers = BDIDrvrMngr::Instance()->CandidatesFor(FileNameOf(path));
+        Ids &ids = m_byDrivers[&drivers];
+        if (ids == nullptr)
+            ids = std::make_shared<std::vector<DString>>(CandidatesFor(path));
+        return ids;
+    }
+    Ids All(DString const &path) {
+        // Those that do not claim a nameless file stand in one order.
+        Ids &ids = m_all;
+        if (ids == nullptr)
+            ids = std::make_shared<std::vector<DString>>(AllFor(path));
+        return ids;
+    }
+
+private:
+    std::unordered_map<void const *, Ids> m_byDrivers;
+    Ids m_all;
+};
+
 /// Files with the drivers to ask, each list of drivers told once.
 class Batch {
 public:
-    void Add(DString const &path, std::vector<DString> ids) {
-        auto const [at, isNew] = m_sets.try_emplace(std::move(ids), static_cast<std::uint32_t>(m_sets.size()));
-        m_files.push_back({&path, &*at});
+    void Add(DString const &path, DriverSets::Ids const &ids) {
+        auto const [at, isNew] = m_sets.try_emplace(ids, static_cast<std::uint32_t>(m_sets.size()));
+        m_files.push_back({path, &*at});
     }
     [[nodiscard]] std::size_t Size() const { return m_files.size(); }
-    [[nodiscard]] DString const &PathAt(std::size_t file) const { return *m_files[file].path; }
-    [[nodiscard]] std::vector<DString> const &DriversAt(std::size_t file) const { return m_files[file].set->first; }
+    [[nodiscard]] DString const &PathAt(std::size_t file) const { return m_files[file].path; }
+    [[nodiscard]] DriverSets::Ids const &DriversAt(std::size_t file) const { return m_files[file].set->first; }
     /// The request for those from `first` on.
     [[nodiscard]] wire::ProbeFilesT From(std::size_t first) const {
         wire::ProbeFilesT body;
         body.sets.resize(m_sets.size());
         for (auto const &[ids, number] : m_sets) {
             body.sets[number] = std::make_unique<wire::DriverSetT>();
-            body.sets[number]->drivers = ids;
+            body.sets[number]->drivers = *ids;
         }
         for (std::size_t i = first; i < m_files.size(); ++i) {
             body.files.push_back(std::make_unique<wire::ProbedFileT>());
-            body.files.back()->path = *m_files[i].path;
+            body.files.back()->path = m_files[i].path;
             body.files.back()->set = m_files[i].set->second;
         }
         return body;
     }
 
-    /// Asks about all of them, and notes the answers, until a request is not answered or, where there is a limit, the
-    /// listing has spent that much on such files. The number of those that were answered, which are the first ones.
-    std::size_t Ask(Known &known, RequestScope *listing, std::optional<milliseconds> limit) const {
+private:
+    using Sets = std::map<DriverSets::Ids, std::uint32_t>;
+    struct File {
+        DString path;
+        Sets::value_type const *set;
+    };
+    Sets m_sets;
+    std::vector<File> m_files;
+};
+
+/// Files that are asked about on a thread of their own, while the one that lists them goes on.
+class FilesAsked final : public ProbeAhead::Question {
+public:
+    using Clock = RequestScope::Clock;
+
+    FilesAsked(std::vector<DString> const &paths, std::vector<DString> const &nameless) {
+        DriverSets sets;
+        for (DString const &path : paths)
+            if (!Readers::Instance().Verdicts().Has(path))
+                m_claimed.files.Add(path, sets.Candidates(path));
+        for (DString const &path : nameless)
+            if (!Readers::Instance().Verdicts().Has(path))
+                m_looks.files.Add(path, sets.All(path));
         RequestScope const *const around = RequestScope::Current();
+        if (auto const left = around == nullptr ? std::nullopt : around->TimeLeft())
+            m_end = Clock::now() + *left;
+        RequestScope const *const listing = ListingOfThread();
+        // Who asks lists one folder: all of its files lie on a server, or none.
+        m_isOnServer = m_claimed.files.Size() > 0 && IsOnServer(m_claimed.files.PathAt(0));
+        if (listing != nullptr && m_isOnServer)
+            m_claimed.limit = Readers::Instance().Pool().TimeForServerFiles() - listing->looked;
+        if (listing != nullptr)
+            m_looks.limit = TreeProbes::TimeForLooks() - listing->looked;
+        try {
+            m_done = std::async(std::launch::async, [this] { Ask(); });
+        } catch (std::system_error const &) {
+            m_done = std::async(std::launch::deferred, [this] { Ask(); }); // no thread to be had
+        }
+    }
+    ~FilesAsked() override {
+        m_isStopped = true;
+        if (m_done.valid())
+            m_done.wait();
+        Known &known = KnownOfThread();
+        if (known.ahead == &m_answers)
+            known.ahead = nullptr;
+    }
+    FilesAsked(FilesAsked const &) = delete;
+    FilesAsked &operator=(FilesAsked const &) = delete;
+
+    void Wait() override {
+        RequestScope const *const around = RequestScope::Current();
+        constexpr milliseconds kLook{5}; // between two looks at the stop signal
+        while (m_done.wait_for(kLook) == std::future_status::timeout)
+            m_isStopped = m_isStopped || (around != nullptr && around->IsStopped());
+        m_done.get();
+        if (RequestScope *const listing = ListingOfThread())
+            listing->looked += m_claimed.spent + m_looks.spent;
+        KnownOfThread().ahead = &m_answers;
+    }
+    [[nodiscard]] bool IsFound(DString const &path) const override {
+        auto const at = m_answers.find(path);
+        return at != m_answers.end() && !at->second.reading.empty();
+    }
+
+private:
+    struct Part {
+        Batch files{};
+        std::optional<std::chrono::microseconds> limit{}; ///< what the listing may still spend on them
+        std::chrono::microseconds spent{0};               ///< of it
+        [[nodiscard]] bool HasTime() const { return !limit || spent < *limit; }
+    };
+
+    void Ask() {
+        std::size_t file = Ask(m_claimed);
+        for (; m_isOnServer && !m_claimed.HasTime() && file < m_claimed.files.Size(); ++file)
+            m_answers[m_claimed.files.PathAt(file)] = {
+                .asked = m_claimed.files.DriversAt(file), .reading = {}, .isLeft = true};
+        std::ignore = Ask(m_looks);
+    }
+
+    /// Asks about all of them, and notes the answers, until a request is not answered or there is no time left. The
+    /// number of those that were answered, which are the first ones.
+    std::size_t Ask(Part &part) {
         std::size_t first = 0;
-        while (first < m_files.size() && (!limit || listing->looked < *limit)) {
+        while (first < part.files.Size() && part.HasTime()) {
             milliseconds time = kBatchTime;
-            if (limit)
-                time = std::min(time, std::chrono::ceil<milliseconds>(*limit - listing->looked));
-            auto const begin = RequestScope::Clock::now();
+            if (part.limit)
+                time = std::min(time, std::chrono::ceil<milliseconds>(*part.limit - part.spent));
+            auto const begin = Clock::now();
             std::size_t const before = first;
             // That a batch is late is no answer about its files, and wastes nobody's patience.
             RequestScope const scope(
-                RequestKind::Probe, [around] { return around != nullptr && around->IsStopped(); }, time,
-                RequestScope::Nesting::Alone);
-            Readers::Call const call{.kind = RequestKind::Probe,
-                                     .what = "probes",
-                                     .network = IsOnServer(PathAt(first)),
-                                     .limit = around == nullptr ? std::nullopt : around->TimeLeft()};
-            Readers::Answer const answer = Readers::Instance().Ask(call, From(first));
-            if (limit)
-                listing->looked += std::chrono::ceil<std::chrono::microseconds>(RequestScope::Clock::now() - begin);
+                RequestKind::Probe, [this] { return m_isStopped.load(); }, time);
+            Readers::Call call{
+                .kind = RequestKind::Probe, .what = "probes", .network = IsOnServer(part.files.PathAt(first))};
+            if (m_end)
+                call.limit = std::chrono::duration_cast<milliseconds>(*m_end - begin);
+            Readers::Answer const answer = Readers::Instance().Ask(call, part.files.From(first));
+            if (part.limit)
+                part.spent += std::chrono::ceil<std::chrono::microseconds>(Clock::now() - begin);
             auto *const probed = answer.message == nullptr ? nullptr : answer.message->body.AsFilesProbed();
-            for (std::size_t i = 0; probed != nullptr && i < probed->files.size() && first < m_files.size(); ++i) {
+            for (std::size_t i = 0; probed != nullptr && i < probed->files.size() && first < part.files.Size(); ++i) {
                 if (probed->files[i] == nullptr)
                     return first;
-                known.ahead[PathAt(first)] = {.asked = DriversAt(first),
-                                              .reading = std::move(probed->files[i]->drivers)};
+                m_answers[part.files.PathAt(first)] = {.asked = part.files.DriversAt(first),
+                                                       .reading = std::move(probed->files[i]->drivers)};
                 ++first;
             }
             if (first == before)
@@ -152,14 +259,13 @@ public:
         return first;
     }
 
-private:
-    using Sets = std::map<std::vector<DString>, std::uint32_t>;
-    struct File {
-        DString const *path;
-        Sets::value_type const *set;
-    };
-    Sets m_sets;
-    std::vector<File> m_files;
+    Part m_claimed;
+    Part m_looks;
+    bool m_isOnServer = false;
+    std::optional<Clock::time_point> m_end; ///< of the time that the listing has
+    std::atomic<bool> m_isStopped = false;
+    std::unordered_map<DString, Probe> m_answers;
+    std::future<void> m_done;
 };
 
 } // namespace
@@ -167,14 +273,15 @@ private:
 bool TreeProbes::Reads(DString const &driverId, DString const &path) {
     Known &known = KnownOfThread();
     RequestScope *const scope = RequestScope::Current();
-    if (auto const at = known.ahead.find(path); at != known.ahead.end() && Holds(at->second.asked, driverId)) {
-        if (at->second.isLeft && scope != nullptr)
-            scope->SetUnanswered();
-        return Holds(at->second.reading, driverId);
-    }
+    if (known.ahead != nullptr)
+        if (auto const at = known.ahead->find(path); at != known.ahead->end() && Holds(*at->second.asked, driverId)) {
+            if (at->second.isLeft && scope != nullptr)
+                scope->SetUnanswered();
+            return Holds(at->second.reading, driverId);
+        }
     auto const moment = scope == nullptr ? RequestScope::Clock::time_point() : scope->Begin();
     bool const isKnown =
-        scope != nullptr && known.scope == moment && known.path == path && Holds(known.last.asked, driverId);
+        scope != nullptr && known.scope == moment && known.path == path && Holds(*known.last.asked, driverId);
     if (!isKnown) {
         known.scope = moment;
         known.path = path;
@@ -183,36 +290,11 @@ bool TreeProbes::Reads(DString const &driverId, DString const &path) {
     return Holds(known.last.reading, driverId);
 }
 
-void TreeProbes::AskAhead(std::vector<DString> const &paths, std::vector<DString> const &nameless) {
-    Known &known = KnownOfThread();
-    known.ahead.clear();
-    Batch batch;
-    Batch looks;
-    for (DString const &path : paths)
-        if (!Readers::Instance().Verdicts().Has(path))
-            batch.Add(path, CandidatesFor(path));
-    for (DString const &path : nameless)
-        if (!Readers::Instance().Verdicts().Has(path))
-            looks.Add(path, AllFor(path));
-    // Who asks lists one folder: all of its files lie on a server, or none.
-    bool const onServer = batch.Size() > 0 && IsOnServer(batch.PathAt(0));
-    RequestScope *const listing = ListingOfThread();
-    std::optional<milliseconds> const serverTime =
-        onServer && listing != nullptr ? std::optional(Readers::Instance().Pool().TimeForServerFiles()) : std::nullopt;
-    std::size_t const answered = batch.Ask(known, listing, serverTime);
-    for (std::size_t file = answered; serverTime && listing->looked >= *serverTime && file < batch.Size(); ++file)
-        known.ahead[batch.PathAt(file)] = {.asked = batch.DriversAt(file), .reading = {}, .isLeft = true};
-    std::ignore = looks.Ask(known, listing, TimeForLooks());
-}
-
-bool TreeProbes::IsFound(DString const &path) {
-    auto const &ahead = KnownOfThread().ahead;
-    auto const at = ahead.find(path);
-    return at != ahead.end() && !at->second.reading.empty();
+std::unique_ptr<ProbeAhead::Question> TreeProbes::AskAhead(std::vector<DString> const &paths,
+                                                           std::vector<DString> const &nameless) {
+    return std::make_unique<FilesAsked>(paths, nameless);
 }
 
 milliseconds TreeProbes::TimeForLooks() { return Readers::Instance().Pool().TimeForLooks(); }
-
-void TreeProbes::ForgetAhead() { KnownOfThread().ahead.clear(); }
 
 } // namespace zelvar

@@ -1,8 +1,9 @@
 #pragma once
 
-#include "zelvar/base/DString.h"
+#include "zelvar/data/ProbeAhead.h"
 
 #include <chrono>
+#include <memory>
 #include <vector>
 
 namespace zelvar {
@@ -14,15 +15,14 @@ public:
     /// `RequestScope`: the first question brings the answers for all.
     [[nodiscard]] static bool Reads(DString const &driverId, DString const &path);
 
-    /// Asks about many files in few requests. Files that ended a reader before are left out, and the rest of them after
-    /// a request that was not answered: each then is asked about alone, so that the one to blame is found. On a server,
-    /// where each takes its time, those behind what a listing may spend stay without an answer.
+    /// Asks about many files in few requests, on a thread of its own. Files that ended a reader before are left out,
+    /// and the rest of them after a request that was not answered: each then is asked about alone, so that the one to
+    /// blame is found. On a server, where each takes its time, those behind what a listing may spend stay without an
+    /// answer.
     ///
     /// All drivers that hold several are asked about the nameless ones, as far as the time of the listing goes.
-    static void AskAhead(std::vector<DString> const &paths, std::vector<DString> const &nameless);
-    /// Whether any driver was found then that reads the file.
-    [[nodiscard]] static bool IsFound(DString const &path);
-    static void ForgetAhead();
+    [[nodiscard]] static std::unique_ptr<ProbeAhead::Question> AskAhead(std::vector<DString> const &paths,
+                                                                        std::vector<DString> const &nameless);
     /// What a listing may spend on the nameless ones.
     [[nodiscard]] static std::chrono::milliseconds TimeForLooks();
 };
