@@ -1,9 +1,11 @@
 #include "zelvar/model/ListingWalk.h"
 
 #include "zelvar/data/RequestScope.h"
+#include "zelvar/model/ListingsShared.h"
 #include "zelvar/model/NtwDataSourceItem.h"
 
 #include <algorithm>
+#include <tuple>
 
 namespace zelvar {
 
@@ -22,15 +24,36 @@ void ListingWalk::Tell(DataSourceItem &place, std::error_code error) const {
 }
 
 std::error_code ListingWalk::List(DataSourceItem &folder, Take const &take, Items &below) {
-    return ForEachChild(folder, m_options.cancel, m_options.filter.c_str(), m_options.driverId.c_str(),
-                        m_options.nodeMask, m_options.purpose, [&](RefItemPtr<DataSourceItem> child) {
-                            if (m_options.recursive && child->IsFolder())
-                                below.push_back(child);
-                            // Nobody found out in time whether something lies in it.
-                            if (m_options.recursive && IsUnclassified(*child))
-                                Tell(*child, std::make_error_code(std::errc::io_error));
-                            return take(std::move(child));
-                        });
+    auto const visit = [&](RefItemPtr<DataSourceItem> child) {
+        if (m_options.recursive && child->IsFolder())
+            below.push_back(child);
+        // Nobody found out in time whether something lies in it.
+        if (m_options.recursive && IsUnclassified(*child))
+            Tell(*child, std::make_error_code(std::errc::io_error));
+        return take(std::move(child));
+    };
+    ListingsShared *const shared = IsPlainFolder(folder) ? ListingsShared::Current() : nullptr;
+    if (shared != nullptr)
+        if (Items const *const known = shared->Find(folder, m_options.filter, m_options.driverId)) {
+            std::ignore = std::all_of(known->begin(), known->end(),
+                                      [&](auto const &child) { return !IsStopped() && visit(child); });
+            return {};
+        }
+    bool const isKept = shared != nullptr && !m_options.recursive;
+    Items children;
+    bool isWhole = true;
+    std::error_code const error =
+        ForEachChild(folder, m_options.cancel, m_options.filter.c_str(), m_options.driverId.c_str(), m_options.nodeMask,
+                     m_options.purpose, [&](RefItemPtr<DataSourceItem> child) {
+                         if (isKept)
+                             children.push_back(child);
+                         return isWhole = visit(std::move(child));
+                     });
+    RequestScope const *const scope = RequestScope::Current();
+    bool const isAnswered = scope == nullptr || !scope->IsUnanswered();
+    if (isKept && isWhole && isAnswered && !error && !IsStopped())
+        shared->Keep({RefItemPtr<DataSourceItem>(&folder), m_options.filter, m_options.driverId}, std::move(children));
+    return error;
 }
 
 void ListingWalk::ListOne(DataSourceItem &folder, Take const &take, Items &below) {

@@ -11,6 +11,7 @@
 #include "zelvar/platform/ui/SystemColor.h"
 #include "zelvar/platform/ui/Text.h"
 
+#include <QtCore/QTimer>
 #include <QtGui/QPainter>
 
 #include <algorithm>
@@ -237,6 +238,8 @@ void DSListCtrl::StartWindowFilling() {
         m_listing->worker.SetInterrupt({});
     }
     SavePaneState();
+    // What is all there need not wait for the next turn of the timer.
+    QTimer::singleShot(0, this, &DSListCtrl::MergePending);
 }
 
 void DSListCtrl::AddParentRow() {

@@ -5,6 +5,7 @@
 #include "zelvar/controls/GUITools.h"
 #include "zelvar/data/RequestScope.h"
 #include "zelvar/layout/SplitterBar.h"
+#include "zelvar/model/ListingsShared.h"
 #include "zelvar/model/NtwDataSourceItem.h"
 #include "zelvar/model/PlaceResolver.h"
 #include "zelvar/opends/DSDataSourceWnd.h"
@@ -121,6 +122,7 @@ void DlgOpenDS::OnHome() {
 
 void DlgOpenDS::ShowItem(RefItemPtr<DataSourceItem> item) {
     platform::EscapeWatch const watch; // one Escape for all lists
+    ListingsShared const shared;
     ItemList const items{std::move(item)};
     m_dataSourceWnd->SwitchToFolderView();
     m_folderList->ResetItems(items);
@@ -165,6 +167,7 @@ void DlgOpenDS::OnListRecursively() {
 
 void DlgOpenDS::ApplyFileFilter(char const *mask, char const *formatId) {
     platform::EscapeWatch const watch; // one Escape for all lists
+    ListingsShared const shared;
     m_folderList->ApplyFileFilter(mask, formatId);
     m_folderList->Refresh();
     m_hierarchyList->ApplyFileFilter(mask, formatId);
@@ -192,6 +195,7 @@ void DlgOpenDS::OnSelendokHist() { GoToDir(m_histCombo->GetWindowText(), true); 
 
 void DlgOpenDS::OnDataSourceSelected() {
     platform::EscapeWatch const watch; // one Escape for all lists
+    ListingsShared const shared;
     ItemList items;
     m_dataSourceList->GetSelectedItems(items);
     m_hierarchyList->ResetDataSources(items);
@@ -202,6 +206,7 @@ void DlgOpenDS::OnDataSourceSelected() {
 
 void DlgOpenDS::OnDataItemSelected(MessageParam pane) {
     platform::EscapeWatch const watch; // one Escape for all lists
+    ListingsShared const shared;
     ItemList items;
     if (m_hierarchyList != nullptr)
         m_hierarchyList->GetSelectedItems(static_cast<unsigned>(pane), items);
@@ -215,6 +220,7 @@ void DlgOpenDS::OnDataItemSelected(MessageParam pane) {
 
 void DlgOpenDS::OnFirstPaneDataItemSelected() {
     platform::EscapeWatch const watch; // one Escape for all lists
+    ListingsShared const shared;
     ItemList items;
     m_folderList->GetSelectedItems(items);
     if (!CanShow(items))
@@ -312,6 +318,7 @@ void DlgOpenDS::OnAccept() { OnOK(); }
 
 void DlgOpenDS::OnRootChanged() {
     platform::EscapeWatch const watch; // one Escape for all lists
+    ListingsShared const shared;
     ItemList roots;
     m_hierarchyList->GetRootItems(roots);
     if (roots.empty()) {
@@ -331,6 +338,7 @@ void DlgOpenDS::OnRootChanged() {
 
 void DlgOpenDS::OnFirstPaneRootChanged() {
     platform::EscapeWatch const watch; // one Escape for all lists
+    ListingsShared const shared;
     ItemList roots;
     m_dataSourceWnd->GetRootItems(roots);
     m_hierarchyList->ResetDataSources(roots);
@@ -370,6 +378,7 @@ bool DlgOpenDS::ProcessKey(int key, QWidget *focus) {
 
 void DlgOpenDS::ProcessRefreshKey(QWidget *focus) {
     platform::EscapeWatch const watch; // one Escape for all lists
+    ListingsShared const shared;
     if (IsWithin(m_dataSourceList, focus)) {
         m_dataSourceList->ResetSelectedItems();
     } else if (IsWithin(m_hierarchyList, focus)) {

@@ -4,6 +4,7 @@
 #include "support/ScriptedShellNamespace.h"
 #include "zelvar/data/DriverProvider.h"
 #include "zelvar/data/RequestScope.h"
+#include "zelvar/model/ListingsShared.h"
 #include "zelvar/model/NtwDataSourceItem.h"
 #include "zelvar/opends/DSDataSourceWnd.h"
 #include "zelvar/opends/DSMessages.h"
@@ -105,6 +106,44 @@ TEST_F(ListPanes, AListingThatIsCutShortIsTakenUpAgainByTheSameRequest) {
     list->ResetItems(roots);
     EXPECT_EQ(shell->EnumerateCalls("/data"), calls + 1) << "now it is whole";
     EXPECT_FALSE(patient.IsUnanswered());
+}
+
+TEST_F(ListPanes, ListsThatAreFilledTogetherReadAFolderOnce) {
+    AddFiles({"/data/a.tif", "/data/b.tif", "/data/sub/c.tif"});
+    auto const first = List(DSListCtrl::ModeFiles);
+    auto const second = List(DSListCtrl::ModeRecursive);
+    auto const third = List(DSListCtrl::ModeFiles);
+    third->ApplyFileFilter("a*", nullptr);
+    ItemList const roots{Item("/data")};
+    int calls = shell->EnumerateCalls("/data");
+    {
+        ListingsShared const shared;
+        ListingsShared const within;
+        {
+            RequestScope const hasty(RequestKind::List, {}, std::chrono::milliseconds(0));
+            first->ResetItems(roots);
+        }
+        calls = shell->EnumerateCalls("/data");
+        first->ResetItems(roots);
+        EXPECT_EQ(shell->EnumerateCalls("/data"), calls + 1) << "what was cut short is of no use to others";
+        second->ResetItems(roots);
+        EXPECT_EQ(shell->EnumerateCalls("/data"), calls + 1);
+        third->ResetItems(roots);
+        EXPECT_EQ(shell->EnumerateCalls("/data"), calls + 2) << "another mask";
+    }
+    EXPECT_TRUE(HasRows(*first, 2));
+    EXPECT_TRUE(HasRows(*second, 3));
+    EXPECT_TRUE(HasRows(*third, 1));
+    first->Refresh();
+    EXPECT_EQ(shell->EnumerateCalls("/data"), calls + 3) << "not beyond";
+
+    DFileFrmt all{"", "All Files (*.*)", "*.*"};
+    test::DialogPtr const dialog(DlgOpenDS::CreateDialogObject({&all}, &all, DT_DATA, "ImageFolders", nullptr));
+    dialog->SetInitDir("/data");
+    calls = shell->EnumerateCalls("/data");
+    RunWhen(
+        *dialog, [&] { return dialog->MainList() != nullptr && dialog->MainList()->GetNumRow() > 0; }, [] {});
+    EXPECT_EQ(shell->EnumerateCalls("/data"), calls + 1) << "for both panes";
 }
 
 /// Gives no answer in time while it is late.

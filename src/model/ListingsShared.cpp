@@ -1,0 +1,36 @@
+#include "zelvar/model/ListingsShared.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace zelvar {
+
+namespace {
+
+thread_local ListingsShared *t_current = nullptr;
+
+} // namespace
+
+ListingsShared::ListingsShared() : m_isOuter(t_current == nullptr) {
+    if (m_isOuter)
+        t_current = this;
+}
+
+ListingsShared::~ListingsShared() {
+    if (m_isOuter)
+        t_current = nullptr;
+}
+
+ListingsShared *ListingsShared::Current() { return t_current; }
+
+ListingsShared::Items const *ListingsShared::Find(DataSourceItem const &folder, DString const &filter,
+                                                  DString const &driverId) const {
+    auto const at = std::find_if(m_listings.begin(), m_listings.end(), [&](Listing const &listing) {
+        return listing.key.folder.get() == &folder && listing.key.filter == filter && listing.key.driverId == driverId;
+    });
+    return at == m_listings.end() ? nullptr : &at->items;
+}
+
+void ListingsShared::Keep(Key key, Items items) { m_listings.push_back({std::move(key), std::move(items)}); }
+
+} // namespace zelvar

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "zelvar/model/DataSourceItem.h"
+
+#include <optional>
+#include <vector>
+
+namespace zelvar {
+
+/// While one lives, on its thread: a folder of the file system that one walk has read to its end is not read again by
+/// the next one with the same mask and driver. Its children are then the same objects.
+///
+/// For several lists that show one folder: it lives as long as they are filled, not longer. Within another one it is
+/// a part of that.
+class ZELVAR_API ListingsShared {
+public:
+    struct Key {
+        RefItemPtr<DataSourceItem> folder;
+        DString filter;
+        DString driverId;
+    };
+    using Items = std::vector<RefItemPtr<DataSourceItem>>;
+
+    ListingsShared();
+    ~ListingsShared();
+    ListingsShared(ListingsShared const &) = delete;
+    ListingsShared &operator=(ListingsShared const &) = delete;
+
+    /// The one of this thread, or null.
+    [[nodiscard]] static ListingsShared *Current();
+    /// Null if that has not been read.
+    [[nodiscard]] Items const *Find(DataSourceItem const &folder, DString const &filter, DString const &driverId) const;
+    void Keep(Key key, Items items);
+
+private:
+    struct Listing {
+        Key key;
+        Items items;
+    };
+    std::vector<Listing> m_listings;
+    bool m_isOuter;
+};
+
+} // namespace zelvar
