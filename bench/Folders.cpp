@@ -36,7 +36,7 @@ void MakeFile(std::string const &folder, unsigned number, char const *extension,
 }
 
 namespace {
-constexpr std::array kExtensions{".txt", ".jpg", ".png", ".csv", ".dat", ".xml", ".bmp", ""};
+constexpr std::array kExtensions{".tif", ".txt", ".jpg", ".png", ".csv", ".dat", ".xml", ".bmp", ".tfw", ""};
 } // namespace
 
 void Fill(std::string const &folder, unsigned count) {

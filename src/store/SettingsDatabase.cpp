@@ -185,6 +185,10 @@ SettingsDatabase::Outcome SettingsDatabase::Prepare() {
     m_hasTables = std::atoi(version.c_str()) >= kVersion;
     if (!m_hasTables)
         return Outcome::Nothing;
+    DString journal;
+    if (int const code = Query("PRAGMA journal_mode", journal); code != SQLITE_OK)
+        return OutcomeOf(code);
+    m_hasLog = journal == "wal" && !m_unchanging;
     // With the log a kill loses nothing; only a loss of power may lose the last writes, never the file.
     return OutcomeOf(Execute(IsOnNetwork(m_file) ? "PRAGMA synchronous=FULL" : "PRAGMA synchronous=NORMAL"));
 }
@@ -211,12 +215,14 @@ SettingsDatabase::Outcome SettingsDatabase::CreateTables() {
 }
 
 void SettingsDatabase::Close() {
+    m_memory.Clear();
     for (sqlite3_stmt *&statement : m_statements)
         sqlite3_finalize(std::exchange(statement, nullptr));
     sqlite3_close(std::exchange(m_connection, nullptr));
 }
 
 void SettingsDatabase::Abandon() {
+    m_memory.Clear();
     m_connection = nullptr;
     m_statements.fill(nullptr);
 }
@@ -304,11 +310,24 @@ SettingsDatabase::Outcome SettingsDatabase::EndNested(bool keep) {
 }
 
 SettingsDatabase::Outcome SettingsDatabase::Read(std::string_view key, std::string_view name, Value &value) {
-    Statement statement(*this, kSelect);
-    Outcome const outcome = statement.Bind(key).Bind(name).Step();
-    if (outcome != Outcome::Done)
-        return outcome;
-    return statement.ReadValue(0, value) ? Outcome::Done : Outcome::Nothing;
+    std::optional<SettingsMemory::Mark> const mark = m_hasLog ? SettingsMemory::MarkOf(m_connection) : std::nullopt;
+    if (mark)
+        if (std::optional<Value> const *const known = m_memory.Find(*mark, key, name)) {
+            if (*known)
+                value = **known;
+            return *known ? Outcome::Done : Outcome::Nothing;
+        }
+    Outcome outcome = Outcome::Nothing;
+    {
+        Statement statement(*this, kSelect);
+        outcome = statement.Bind(key).Bind(name).Step();
+        if (outcome == Outcome::Done && !statement.ReadValue(0, value))
+            outcome = Outcome::Nothing;
+    }
+    bool const isAnswer = outcome == Outcome::Done || outcome == Outcome::Nothing;
+    if (isAnswer && mark && mark == SettingsMemory::MarkOf(m_connection))
+        m_memory.Keep(*mark, key, name, outcome == Outcome::Done ? std::optional(value) : std::nullopt);
+    return outcome;
 }
 
 SettingsDatabase::Outcome SettingsDatabase::Write(std::string_view key, std::string_view name, Value const &value) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "zelvar/store/SettingsStore.h"
+#include "zelvar/store/SettingsMemory.h"
 
 #include <array>
 #include <chrono>
@@ -115,6 +115,8 @@ private:
     pid_t m_process = 0;
     std::chrono::milliseconds m_patience{0};
     DString m_madeKey{}; ///< is there for the rest of this transaction; empty for none
+    SettingsMemory m_memory{};
+    bool m_hasLog = false; ///< a write-ahead log, with its shared memory
     bool m_hasTables = false;
     bool m_unchanging = false; ///< opened for reading where SQLite may not even keep its lock files
     bool m_told = false;       ///< the user knows of a damage

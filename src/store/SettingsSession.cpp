@@ -169,7 +169,9 @@ bool SettingsSession::IsPostponed(DString const &key, DString const &name, std::
 }
 
 std::optional<SettingsSession::Value> const *SettingsSession::Seen(DString const &key, DString const &name) const {
-    auto const at = isDoingPostponed ? seen.end() : seen.find({NormalKey(key), name});
+    if (seen.empty() || isDoingPostponed)
+        return nullptr;
+    auto const at = seen.find({NormalKey(key), name});
     return at == seen.end() ? nullptr : &at->second;
 }
 

@@ -70,6 +70,31 @@ TEST_F(SettingsStoreTest, ValuesComeBackInTheirType) {
     EXPECT_EQ(store.Read("A\\b", "n\xC3"), std::nullopt);
 }
 
+TEST_F(SettingsStoreTest, WhatHasBeenReadHoldsUntilAnybodyWrites) {
+    SettingsStore store(m_file);
+    SettingsStore other(m_file);
+    EXPECT_EQ(store.ReadInt("k", "v", -1), -1);
+    for (std::int64_t const value : {1, 2, 3}) {
+        ASSERT_TRUE((value % 2 == 0 ? store : other).Write("k", "v", value));
+        for (int again = 0; again < 2; ++again)
+            EXPECT_EQ(store.ReadInt("k", "v", -1), value);
+    }
+    store.Transact([&] {
+        store.Write("k", "v", std::int64_t{4});
+        EXPECT_EQ(store.ReadInt("k", "v", -1), 4) << "what only this transaction sees";
+        return false;
+    });
+    EXPECT_EQ(store.ReadInt("k", "v", -1), 3);
+    pid_t const child =
+        InChild([&] { return other.Write("k", "w", std::int64_t{5}) && other.Remove("k", "v") ? 0 : 1; });
+    ASSERT_EQ(StatusOf(child), 0);
+    EXPECT_EQ(store.ReadInt("k", "v", -1), -1);
+    EXPECT_EQ(store.ReadInt("k", "w", -1), 5);
+    for (char const *part : {"", "-wal", "-shm"})
+        std::filesystem::remove(m_file + part);
+    EXPECT_EQ(store.ReadInt("k", "w", -1), -1) << "another file";
+}
+
 TEST_F(SettingsStoreTest, KeysFormATree) {
     SettingsStore store(m_file);
     for (char const *key : {"p", "p\\a", "p\\a b", "p\\a\\x", "p\\a]", "p\\\xFF\xFF\xFF\xFF\xFF", "q\\r\\s", ""})
