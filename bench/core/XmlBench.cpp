@@ -33,7 +33,10 @@ bench::Register const xml("xml", [] {
         5, [&] { root.LoadText(text); }, pass);
     bench::Figure("xml.load_20_mb", loaded.ratio, "ratio", "3.5 of a bare pass");
     bench::Figure("xml.load_20_mb_ms", loaded.firstMs, "ms", "beside the former");
-    bench::Figure("xml.save_20_mb", bench::BestMs(3, [&] { text = root.SaveText(); }), "ms", "parser alone 69");
+    auto const saved = bench::Compare(
+        3, [&] { std::ignore = root.SaveText(); }, pass);
+    bench::Figure("xml.save_20_mb", saved.ratio, "ratio", "of a bare pass");
+    bench::Figure("xml.save_20_mb_ms", saved.firstMs, "ms", "beside the former");
 });
 
 } // namespace
