@@ -87,6 +87,31 @@ bench::Register const plots("chart.plot", [] {
                   "at most 1, each in turn " + std::to_string(static_cast<int>(others)) + " ms");
 });
 
+// How a plot grows; line and markers, repainted after a change.
+bench::Register const growing("chart.growth", [] {
+    QImage target(kWidth, kHeight, QImage::Format_RGB32);
+    for (int const count : {100'000, 1'000'000, 10'000'000}) {
+        CPlotCtrl plot;
+        plot.resize(kWidth, kHeight);
+        std::size_t const before = bench::ResidentBytes();
+        for (int i = 0; i < count; ++i)
+            plot.AddData(i, (i * 7919LL) % 1'000'003, nullptr, nullptr);
+        double const bytes = static_cast<double>(bench::ResidentBytes() - before) / count;
+        plot.SetTickX(count / 10.0);
+        plot.SetTickY(1e5);
+        plot.DrawLine(true);
+        DString const name = "chart.plot_" + std::to_string(count);
+        bench::Figure(name + "_repaint",
+                      bench::BestMs(3,
+                                    [&] {
+                                        plot.UpdtPlot();
+                                        plot.render(&target);
+                                    }),
+                      "ms", "10 million: at most 100");
+        bench::Figure(name + "_memory", bytes, "bytes", "a point, at most 40");
+    }
+});
+
 bench::Register const histograms("chart.histogram", [] {
     constexpr std::size_t count = 20'000'000;
     std::vector<std::uint16_t> samples(count);

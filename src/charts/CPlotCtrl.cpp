@@ -17,8 +17,10 @@ CPlotCtrl::CPlotCtrl(QWidget *parent) : ChartCtrl(parent) {}
 CPlotCtrl::~CPlotCtrl() = default;
 
 void CPlotCtrl::AddData(double x, double y, char const *label, char const *info) {
-    m_points.push_back({x, y, label == nullptr ? "" : label, info == nullptr ? "" : info});
-    m_places.push_back({x, y});
+    auto const isText = [](char const *text) { return text != nullptr && *text != '\0'; };
+    if (isText(label) || isText(info))
+        m_texts.push_back({m_points.size(), label == nullptr ? "" : label, info == nullptr ? "" : info});
+    m_points.push_back({x, y});
     m_range.maxX = x > m_range.maxX ? x : m_range.maxX;
     m_range.maxY = y > m_range.maxY ? y : m_range.maxY;
     MarkDirty();
@@ -26,8 +28,9 @@ void CPlotCtrl::AddData(double x, double y, char const *label, char const *info)
 
 void CPlotCtrl::Clear() {
     m_numCleared += m_points.size();
-    m_points.clear();
-    m_places = {};
+    m_points = {};
+    m_texts.clear();
+    m_handed.clear();
     MarkDirty();
 }
 
@@ -45,7 +48,21 @@ std::optional<std::size_t> CPlotCtrl::SelectedIndex() const {
 
 CPlotCtrl::DataPoint const *CPlotCtrl::GetSlctData() const {
     std::optional<std::size_t> const index = SelectedIndex();
-    return index ? &m_points[*index] : nullptr;
+    if (!index)
+        return nullptr;
+    auto const [at, isNew] = m_handed.try_emplace(*index);
+    if (isNew) {
+        PointTexts const *const texts = TextsOf(*index);
+        at->second = {m_points[*index].x, m_points[*index].y, texts == nullptr ? "" : texts->label,
+                      texts == nullptr ? "" : texts->info};
+    }
+    return &at->second;
+}
+
+CPlotCtrl::PointTexts const *CPlotCtrl::TextsOf(std::size_t index) const {
+    auto const at = std::lower_bound(m_texts.begin(), m_texts.end(), index,
+                                     [](PointTexts const &texts, std::size_t wanted) { return texts.index < wanted; });
+    return at == m_texts.end() || at->index != index ? nullptr : &*at;
 }
 
 void CPlotCtrl::Select(std::optional<std::size_t> index) {
@@ -55,7 +72,7 @@ void CPlotCtrl::Select(std::optional<std::size_t> index) {
 }
 
 CPlotCtrl::DataPoint const *CPlotCtrl::SlctData(double x) {
-    Select(PickPoint(Geometry(), m_places, x, SelectedIndex()));
+    Select(PickPoint(Geometry(), m_points, x, SelectedIndex()));
     return GetSlctData();
 }
 
@@ -98,7 +115,7 @@ void CPlotCtrl::keyPressEvent(QKeyEvent *event) {
         return;
     }
     std::optional<std::size_t> const former = SelectedIndex();
-    std::optional<std::size_t> const next = StepToPoint(m_places, step, former);
+    std::optional<std::size_t> const next = StepToPoint(m_points, step, former);
     if (!next || next == former)
         return;
     Select(next);
@@ -119,16 +136,16 @@ void CPlotCtrl::Render(OffscreenSurface &surface, ChartColors const &colors) {
                                      : geometry.NumberOfXLabels(),
                     m_drawGrid};
     if (m_drawEveryXTick) {
-        std::vector<DString const *> labels;
-        labels.reserve(m_points.size());
-        for (DataPoint const &point : m_points)
-            labels.push_back(&point.label);
-        texts.ticksX = geometry.TickMarksAt(m_places, labels);
+        static DString const &none = *new DString;
+        std::vector<DString const *> labels(m_points.size(), &none);
+        for (PointTexts const &point : m_texts)
+            labels[point.index] = &point.label;
+        texts.ticksX = geometry.TickMarksAt(m_points, labels);
     } else {
         texts.ticksX = geometry.TickMarksX();
     }
     DrawPlotTickMarks(painter, geometry, texts, colors);
-    DrawPlotData(surface, geometry, m_places, m_drawLine, SelectedIndex(), colors);
+    DrawPlotData(surface, geometry, m_points, m_drawLine, SelectedIndex(), colors);
 }
 
 DString CPlotCtrl::SelectionText() const {

@@ -3,7 +3,7 @@
 #include "zelvar/charts/ChartCtrl.h"
 #include "zelvar/charts/core/PlotGeometry.h"
 
-#include <deque>
+#include <map>
 #include <optional>
 #include <vector>
 
@@ -67,19 +67,28 @@ protected:
     void keyPressEvent(QKeyEvent *event) override;
 
 private:
+    /// Most points have none.
+    struct PointTexts {
+        std::size_t index;
+        DString label;
+        DString info;
+    };
+
     template <class Value>
     void Set(Value &member, Value value) {
         member = std::move(value);
         MarkDirty();
     }
     [[nodiscard]] std::optional<std::size_t> SelectedIndex() const;
+    [[nodiscard]] PointTexts const *TextsOf(std::size_t index) const; ///< null for none
     DataPoint const *SlctData(double x);
     void Select(std::optional<std::size_t> index);
     void NotifyOf(DataPoint const *point);
 
     ChartMargins m_margins{60, 20, 20, 32};
-    std::deque<DataPoint> m_points;  ///< stay where they are while others are added
-    std::vector<PlotPoint> m_places; ///< the same x and y, close together
+    std::vector<PlotPoint> m_points;
+    std::vector<PointTexts> m_texts;                   ///< of those that have any, in their order
+    mutable std::map<std::size_t, DataPoint> m_handed; ///< those that somebody has seen, which stay where they are
     PlotRange m_range;
     std::uint64_t m_numCleared = 0;           ///< points that are gone; the first one left has this number
     std::optional<std::uint64_t> m_selection; ///< number of a point, maybe of one that is gone

@@ -7,8 +7,10 @@
 #include <QtGui/QPainter>
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cmath>
+#include <optional>
 
 namespace zelvar {
 
@@ -129,43 +131,44 @@ private:
 
 bool IsPlace(PlotPoint point) { return std::isfinite(point.x) && std::isfinite(point.y); }
 
-/// Lines to the points from `first` to before `last`, beginning at the one before them.
-void DrawLines(QPainter &painter, PlotGeometry const &geometry, std::span<PlotPoint const> points, std::size_t first,
-               std::size_t last, QColor const &color) {
-    painter.setPen(QPen(color, 1));
-    LineRun run(painter);
-    for (std::size_t i = first == 0 ? 0 : first - 1; i < last; ++i) {
-        if (IsPlace(points[i]))
-            run.To(geometry.DataToWndX(points[i].x), geometry.DataToWndY(points[i].y));
-        else
-            run.Break();
-    }
-}
-
-void DrawMarkers(OffscreenSurface &surface, PlotGeometry const &geometry, std::span<PlotPoint const> points,
-                 QColor const &color) {
+/// Points from `first` to before `last`, all in one colour: lines to them, which begin at the one before, and above
+/// these the markers.
+void DrawSpan(OffscreenSurface &surface, PlotGeometry const &geometry, std::span<PlotPoint const> points,
+              bool withLines, std::size_t first, std::size_t last, QColor const &color) {
+    if (first == last)
+        return;
+    QPainter *const painter = withLines ? surface.GetDC() : nullptr;
     MarkerField field(surface.GetWidth(), surface.GetHeight());
     bool any = false;
-    for (PlotPoint const point : points)
-        if (geometry.IsInRange(point) && IsPlace(point)) {
-            field.Add(geometry.DataToWndX(point.x), geometry.DataToWndY(point.y));
-            any = true;
+    {
+        std::optional<LineRun> run;
+        if (painter != nullptr) {
+            painter->setPen(QPen(color, 1));
+            run.emplace(*painter);
         }
+        constexpr std::size_t together = 512; // points
+        std::array<Point, together> pixels;
+        for (std::size_t begin = run && first > 0 ? first - 1 : first; begin < last; begin += together) {
+            auto const part = points.subspan(begin, std::min(together, last - begin));
+            geometry.DataToWnd(part, pixels);
+            for (std::size_t i = 0; i < part.size(); ++i) {
+                bool const isPlace = IsPlace(part[i]);
+                if (run && isPlace)
+                    run->To(pixels[i].x, pixels[i].y);
+                else if (run)
+                    run->Break();
+                if (isPlace && begin + i >= first && geometry.IsInRange(part[i])) {
+                    field.Add(pixels[i].x, pixels[i].y);
+                    any = true;
+                }
+            }
+        }
+    }
     if (!any)
         return;
     double const ratio = surface.GetImage().devicePixelRatio();
     FillPixels(surface.GetPixels(), field.Render(ratio, [ratio](int x, int y) { return ShapeAt(x, y, ratio); }),
                color.rgb());
-}
-
-/// Points from `first` to before `last`, all in one colour.
-void DrawSpan(OffscreenSurface &surface, PlotGeometry const &geometry, std::span<PlotPoint const> points,
-              bool withLines, std::size_t first, std::size_t last, QColor const &color) {
-    if (first == last)
-        return;
-    if (QPainter *const painter = surface.GetDC(); withLines && painter != nullptr)
-        DrawLines(*painter, geometry, points, first, last, color);
-    DrawMarkers(surface, geometry, points.subspan(first, last - first), color);
 }
 
 } // namespace

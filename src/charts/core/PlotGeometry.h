@@ -65,6 +65,8 @@ public:
     // Data units to pixels are cut towards zero; what is not finite comes out far outside or at the axis.
     [[nodiscard]] int DataToWndX(double x) const;
     [[nodiscard]] int DataToWndY(double y) const;
+    /// The same for many points: `pixels` has as many places.
+    void DataToWnd(std::span<PlotPoint const> points, std::span<Point> pixels) const;
     [[nodiscard]] int DataToWndSX(double width) const; ///< a distance
     [[nodiscard]] int DataToWndSY(double height) const;
     [[nodiscard]] double WndToDataX(int x) const;
