@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
 # What the tests notice: makes small random changes to the sources in a scratch copy, runs the tests that reach them, and
 # lists by room how many were noticed, then the rest.
-#   tools/mutants.sh [--seed N] [--count 300] [--room ROOM] [--keep] [-j JOBS]
+#   tools/mutants.sh [--seed N[,N...]] [--count 300] [--room ROOM] [--keep] [-j JOBS]
 # All changes stand in one build, and an environment variable says which of them holds. The same seed draws the same
-# changes from the same sources. --keep leaves the scratch copy, below TMPDIR.
+# changes from the same sources; of several each draws its count. --keep leaves the scratch copy, below TMPDIR.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 seed=1 count=300 room='' keep='' jobs=$(nproc)

@@ -22,6 +22,7 @@ HEADER = Path(__file__).with_name("Mutant.h")
 @dataclass(frozen=True)
 class Mutant:
     number: int
+    seed: int
     room: str
     site: Site
 
@@ -34,7 +35,7 @@ class Source:
         self.text = path.read_bytes().decode("latin-1")
         self.mutants: list[Mutant] = []
 
-    def draw(self, count: int, chance: random.Random, room: str, first: int) -> None:
+    def draw(self, count: int, seed: int, chance: random.Random, room: str, first: int) -> None:
         """Takes up to `count` sites that compile, numbered from `first`: first the kind of change, then the place."""
         unit = Index.create().parse(None, self.arguments, options=QUICK)
         sites = collect(unit, str(self.path), self.text)
@@ -45,7 +46,7 @@ class Source:
             kind = chance.choice(sorted({site.kind for site in sites}))
             site = chance.choice([site for site in sites if site.kind == kind])
             sites = apart(sites, site)
-            self.mutants.append(Mutant(first, room, site))
+            self.mutants.append(Mutant(first, seed, room, site))
             unit.reparse([(str(self.path), self.changed().encode("latin-1"))])
             if any(diagnostic.severity >= Diagnostic.Error for diagnostic in unit.diagnostics):
                 self.mutants.pop()
@@ -66,11 +67,11 @@ class Source:
 
 
 class Drawing:
-    """`count` changes in the sources of `rooms`, spread by their lines."""
+    """`count` changes of each seed in the sources of `rooms`, spread by their lines."""
 
-    def __init__(self, house: House, commands: Path, rooms: set[str], seed: int, count: int) -> None:
+    def __init__(self, house: House, commands: Path, rooms: set[str], count: int) -> None:
         self.house, self.count = house, count
-        self.chance = random.Random(seed)
+        self.chances: dict[int, random.Random] = {}
         self.sources: dict[Path, Source] = {}
         self.numbers = 1
         for entry in sorted(json.loads(commands.read_text()), key=lambda entry: entry["file"]):
@@ -81,17 +82,26 @@ class Drawing:
     def mutants(self) -> list[Mutant]:
         return [mutant for source in self.sources.values() for mutant in source.mutants]
 
+    def draw(self, seed: int) -> None:
+        self.chances[seed] = random.Random(seed)
+        self.fill()
+
     def fill(self) -> None:
+        for seed, chance in self.chances.items():
+            self.fill_from(seed, chance)
+
+    def fill_from(self, seed: int, chance: random.Random) -> None:
         """Draws until there are enough, or no more are found."""
         for _ in range(5):
             paths = list(self.sources)
             lines = [self.sources[path].text.count("\n") for path in paths]
-            missing = self.count - len(self.mutants())
-            drawn = self.chance.choices(paths, lines, k=-(-missing // PER_SOURCE)) if any(lines) else []
+            missing = self.count - sum(1 for mutant in self.mutants() if mutant.seed == seed)
+            drawn = chance.choices(paths, lines, k=-(-missing // PER_SOURCE)) if any(lines) else []
             for done, path in enumerate(sorted(set(drawn))):
                 progress("sources read", done + 1, len(set(drawn)))
                 wanted = min(drawn.count(path) * PER_SOURCE, missing)
-                self.sources[path].draw(wanted, random.Random(self.chance.random()), self.house.of(path), self.numbers)
+                self.sources[path].draw(wanted, seed, random.Random(chance.random()), self.house.of(path),
+                                        self.numbers)
                 self.sources[path].write()
                 self.numbers += wanted
                 missing -= wanted

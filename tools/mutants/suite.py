@@ -41,6 +41,27 @@ def listed(build: Path, rooms: set[str]) -> list[Test]:
     return tests
 
 
+FILTER = "--gtest_filter="
+
+
+def groups(tests: list[Test]) -> list[list[Test]]:
+    """Those that one process can run one after the other: of one program, in one environment."""
+    found: dict[tuple, list[Test]] = {}
+    for test in tests:
+        found.setdefault((test.command[0], test.folder, test.environment), []).append(test)
+    return list(found.values())
+
+
+def together(tests: list[Test]) -> Test:
+    """One run of a group, which ends at the first failure."""
+    first = tests[0]
+    names = [word.removeprefix(FILTER) for test in tests for word in test.command if word.startswith(FILTER)]
+    rest = tuple(word for word in first.command[1:] if not word.startswith(FILTER))
+    return Test(f"{len(tests)} tests of {first.room}", first.room,
+                (first.command[0], FILTER + ":".join(names), "--gtest_fail_fast", *rest), first.folder,
+                first.environment)
+
+
 def become_reaper() -> None:
     """What tests leave behind becomes a child of this process, which ends it."""
     ctypes.CDLL(None).prctl(36, 1, 0, 0, 0)  # PR_SET_CHILD_SUBREAPER
