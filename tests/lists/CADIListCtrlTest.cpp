@@ -1,18 +1,13 @@
 #include "zelvar/lists/CADIListCtrl.h"
 
 #include "support/ReportStage.h"
-#include "support/TablesTest.h"
+#include "zelvar/data/IAttrData.h"
 #include "zelvar/data/RequestScope.h"
 
 #include <climits>
-#include <filesystem>
-#include <fstream>
 
 namespace zelvar {
 namespace {
-
-using testing::ElementsAre;
-using Cells = std::vector<DString>;
 
 /// What happens to a table, for whoever made it: the list owns the table itself.
 struct Fate {
@@ -24,13 +19,13 @@ struct Fate {
     std::function<void()> duringStep{}; ///< may be empty
 };
 
-/// A table of the columns "n", the row's number, and "t", the same with a word before it.
+/// A table of the columns "n", the row's number, and "t " in two lines, the same with a word before it.
 class CountedTable : public IAttrData {
 public:
     explicit CountedTable(Fate &fate) : m_fate(fate) {}
     ~CountedTable() override { m_fate.isClosed = true; }
     [[nodiscard]] int GetNumCols() const override { return 2; }
-    [[nodiscard]] DString GetColName(int col) const override { return col == 0 ? "n" : "t"; }
+    [[nodiscard]] DString GetColName(int col) const override { return col == 0 ? "n" : "t\n"; }
     [[nodiscard]] ADIColType GetColType(int) const override { return ADICol_String; }
     [[nodiscard]] bool SetRow(int row) override {
         ++m_fate.asks;
@@ -64,13 +59,6 @@ struct CountedList : testing::Test {
     CADIListCtrl list{new CountedTable(fate)};
 };
 
-Cells Column(CADIListCtrl &list, int col) {
-    Cells cells;
-    for (int row = 0; row < list.GetNumRow(); ++row)
-        cells.push_back(list.OnGetItemText(row, col));
-    return cells;
-}
-
 TEST(CADIListCtrl, DerivedClassesChooseRowsAndColumnsAndSeeEachValue) {
     class Choosy : public CADIListCtrl {
     public:
@@ -80,20 +68,19 @@ TEST(CADIListCtrl, DerivedClassesChooseRowsAndColumnsAndSeeEachValue) {
         void OnValue(int row, int col, int cacheRow) override {
             seen.push_back(std::to_string(row) + "/" + std::to_string(col) + "/" + std::to_string(cacheRow));
         }
-        Cells seen;
+        std::vector<DString> seen;
     };
     Fate fate{.rows = 4};
     Choosy list(new CountedTable(fate));
     list.AddAllColumns();
     list.ReadAllRows();
-    EXPECT_EQ(list.GetNumCol(), 2);
-    EXPECT_EQ(list.GetColCaption(0) + list.GetColCaption(1), "IDt!");
-    EXPECT_EQ(list.GetColumnWidth(0), 50);
-    EXPECT_EQ(list.GetColumnWidth(1), 100);
-    EXPECT_THAT(Column(list, 0), ElementsAre("0", "1")); // ids count what is kept
-    EXPECT_THAT(Column(list, 1), ElementsAre("row 1", "row 3"));
-    EXPECT_THAT(list.seen, ElementsAre("1/0/0", "1/1/0", "3/0/1", "3/1/1"));
-    list.AddAllColumns(); // too late
+    EXPECT_EQ(list.GetColCaption(0) + list.GetColCaption(1), "IDt !");
+    EXPECT_EQ(std::pair(list.GetColumnWidth(0), list.GetColumnWidth(1)), std::pair(50, 100));
+    for (int row = 0; row < list.GetNumRow(); ++row)
+        list.seen.push_back(list.OnGetItemText(row, 0) + ": " + list.OnGetItemText(row, 1));
+    EXPECT_THAT(list.seen,
+                ElementsAre("1/0/0", "1/1/0", "3/0/1", "3/1/1", "0: row 1", "1: row 3")); // ids of what is kept
+    list.AddAllColumns();                                                                 // too late
     EXPECT_EQ(list.GetNumCol(), 2);
     list.GetCacheItem(1, 0) = "of the application";
     EXPECT_EQ(list.OnGetItemText(1, 1), "of the application");
@@ -236,51 +223,6 @@ TEST_F(CountedList, ThePageIsThereWhereverTheThumbIsDraggedTo) {
     bar.setValue(bar.maximum());
     stage.Click(399'999);
     EXPECT_EQ(stage.Selected(), "399999");
-}
-
-/// Files as they come, in this process and through a reader.
-class CADIListFiles : public test::TablesTest {
-protected:
-    [[nodiscard]] std::unique_ptr<CADIListCtrl> ListOf(DString const &path) const {
-        auto list = std::make_unique<CADIListCtrl>(new ADIFile(DFile(path), "", tdFormatAccess_Read, nullptr, nullptr));
-        list->AddAllColumns();
-        list->SetNumRow(20, 0);
-        return list;
-    }
-};
-
-TEST_F(CADIListFiles, ALargeFileShowsItsFirstPageAndIsReadOnAsNeeded) {
-    DString text = "\xEF\xBB\xBFid,\"\u00E4\n\n\"\n";
-    for (int row = 0; row < 20'000; ++row)
-        text += std::to_string(row) + ",\"line\r\none\t\xFF two\"\n";
-    auto const list = ListOf(m_folder.Write("a.csv", text));
-    EXPECT_EQ(list->GetColCaption(2), "\xC3\xA4  "); // in one line
-    EXPECT_EQ(list->OnGetItemText(19, 2), "line\r\none\t\uFFFD two");
-    EXPECT_EQ(list->GetCacheRows(), 20);
-    EXPECT_EQ(list->OnGetItemText(15'000, 1), "15000");
-    EXPECT_FALSE(list->IsReadThrough());
-    list->Sort(1, true);
-    EXPECT_EQ(list->OnGetItemText(0, 1), "19999");
-    EXPECT_EQ(list->GetNumRow(), 20'000);
-}
-
-TEST_F(CADIListFiles, AFileThatClaimsMoreRowsThanItHasEndsWhereItsDataEnds) {
-    DString const path = m_folder / "a.dbf";
-    ADIFile table = Writer(path, "DBF");
-    table.AddCol("n", ADICol_Int);
-    for (int row = 0; row < 300; ++row) {
-        table.AddRow();
-        table.WriteInt(row);
-    }
-    ASSERT_TRUE(table.Finish());
-    std::fstream file(path, std::ios::in | std::ios::out | std::ios::binary);
-    file.seekp(4).write("\xFF\xFF\xFF\x7F", 4);
-    file.close();
-    auto const list = ListOf(path);
-    EXPECT_EQ(list->OnGetItemText(299, 1), "299");
-    EXPECT_EQ(list->OnGetItemText(301, 1), "");
-    EXPECT_EQ(list->GetNumRow(), 300);
-    EXPECT_TRUE(list->IsReadThrough());
 }
 
 } // namespace

@@ -7,22 +7,20 @@ namespace {
 
 TEST(CListCtrlEx, ColumnsAreAsWideAsTheirCaptionsAndShowWhatTheMaskSays) {
     CListCtrlEx list;
-    int const margin = 15;
+    int const wide = list.fontMetrics().horizontalAdvance("Sample") + 15;
     constexpr int all = LVCF_FMT | LVCF_WIDTH | LVCF_TEXT | LVCF_SUBITEM;
-    for (auto const &[at, subItem, mask, shown] :
-         test::Rows<int, int, int, int>{{0, -1, all, 0}, {1, 2, all, 2}, {2, 1, all & ~LVCF_SUBITEM, 2}}) {
+    using Column = std::tuple<DString, int, int, int>; // caption, format, width, which text it shows
+    test::Rows<int, int, Column> const cases = {{-1, all, {"Sample", LVCFMT_RIGHT, wide, 0}},
+                                                {2, all, {"Sample", LVCFMT_RIGHT, wide, 2}},
+                                                {1, all & ~LVCF_SUBITEM, {"Sample", LVCFMT_RIGHT, wide, 2}},
+                                                {-1, LVCF_WIDTH, {"", LVCFMT_LEFT, wide, 3}},
+                                                {-1, LVCF_TEXT, {"Sample", LVCFMT_LEFT, 0, 4}}};
+    for (int at = 0; auto const &[subItem, mask, expected] : cases) {
         EXPECT_EQ(list.AddColumn("Sample", at, subItem, mask, LVCFMT_RIGHT), at);
         ReportColumn column;
-        ASSERT_TRUE(list.GetColumn(at, column));
-        EXPECT_EQ(column.caption, "Sample");
-        EXPECT_EQ(column.format, LVCFMT_RIGHT);
-        EXPECT_EQ(column.width, list.fontMetrics().horizontalAdvance("Sample") + margin);
-        EXPECT_EQ(column.subItem, shown);
+        EXPECT_TRUE(list.GetColumn(at++, column));
+        EXPECT_EQ(Column(column.caption, column.format, column.width, column.subItem), expected);
     }
-    EXPECT_EQ(list.AddColumn("no text", 3, -1, LVCF_WIDTH), 3);
-    ReportColumn column;
-    ASSERT_TRUE(list.GetColumn(3, column));
-    EXPECT_EQ(column.caption, "");
     EXPECT_EQ(list.AddColumn("nowhere", -1), -1);
 }
 
@@ -30,18 +28,17 @@ TEST(CListCtrlEx, ItemsAreInsertedAndCellsWritten) {
     CListCtrlEx list;
     list.AddColumn("a", 0);
     list.AddColumn("b", 1);
-    EXPECT_EQ(list.AddItem(0, 1, "x"), 0); // no such row
-    EXPECT_EQ(list.AddItem(0, 0, "first", 4), 0);
-    EXPECT_EQ(list.AddItem(9, 0, nullptr), 1); // at the end
-    EXPECT_EQ(list.AddItem(0, 1, "cell", 7), 1);
-    EXPECT_EQ(list.AddItem(0, 2, "beside"), 0); // no such column
+    test::Rows<int, int, char const *, int> const cells = {
+        {0, 1, "x", 0}, {0, 0, "first", 0}, {9, 0, nullptr, 1}, {0, 1, "cell", 1}, {0, 2, "beside", 0}};
+    for (auto const &[row, col, text, result] : cells) // no such row, rows (the second one at the end), cells
+        EXPECT_EQ(list.AddItem(row, col, text, 4 - row), result);
     EXPECT_EQ(list.GetItemText(0, 0) + "|" + list.GetItemText(0, 1), "first|cell");
     EXPECT_EQ(list.GetItemImage(0), 4);
-    EXPECT_EQ(list.GetItemImage(1), -1);
+    EXPECT_EQ(list.GetItemImage(1), -5);
     ImageList images;
-    EXPECT_EQ(list.SetImageList(&images, LVSIL_SMALL), nullptr);
-    EXPECT_EQ(list.SetImageList(&images, LVSIL_NORMAL), nullptr);
-    EXPECT_EQ(list.SetImageList(nullptr, LVSIL_SMALL), &images);
+    for (auto const &[which, former] :
+         {std::pair{LVSIL_SMALL, HIMAGELIST{}}, {LVSIL_NORMAL, {}}, {LVSIL_SMALL, &images}})
+        EXPECT_EQ(list.SetImageList(&images, which), former);
 }
 
 } // namespace
