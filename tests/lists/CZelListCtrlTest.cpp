@@ -10,52 +10,51 @@ namespace {
 using platform::SystemColor;
 using test::Stage;
 
-void AddColumns(CZelListCtrl &list, int count) {
-    for (int col = 0; col < count; ++col)
-        list.AddCol("Col " + std::to_string(col), ADICol_String, false, 80, LVCFMT_LEFT);
-}
+/// A list of columns of texts.
+template <class List = CZelListCtrl>
+struct Columned : List {
+    explicit Columned(int columns) { Add(columns); }
+    void Add(int columns) {
+        for (int col = 0; col < columns; ++col)
+            this->AddCol("Col " + std::to_string(col), ADICol_String, false, 80, LVCFMT_LEFT);
+    }
+};
 
 TEST(CZelListCtrl, ATextMakesARowOfItsPieces) {
-    std::tuple<char const *, std::array<char const *, 2>> const cases[] = {
-        {"a|b|c", {"a", "b"}}, {"a|", {"a", ""}}, {"a||c", {"a", ""}}, {"", {"", ""}}, {"|b", {"", "b"}}};
-    CZelListCtrl list;
-    AddColumns(list, 2);
-    for (auto const &[text, cells] : cases) {
-        int const row = list.AddRow(text, nullptr);
-        EXPECT_EQ(list.GetItemText(row, 0), cells[0]) << text;
-        EXPECT_EQ(list.GetItemText(row, 1), cells[1]) << text;
+    Columned list(2);
+    for (int row = 0; auto const &[text, first, second] : test::Rows<char const *, char const *, char const *>{
+                          {"a|b|c", "a", "b"}, {"a|", "a", ""}, {"a||c", "a", ""}, {"", "", ""}, {"|b", "", "b"}}) {
+        EXPECT_EQ(list.AddRow(text, nullptr), row);
         EXPECT_EQ(list.GetCrntRow(), row);
+        EXPECT_EQ(list.GetItemText(row, 0) + "|" + list.GetItemText(row, 1), DString(first) + "|" + second) << text;
+        EXPECT_EQ(list.GetNumRow(), ++row);
     }
-    EXPECT_EQ(list.GetNumRow(), 5);
+    EXPECT_EQ(list.AddRowV("%d|%s", 7, "x"), 5);
+    EXPECT_EQ(list.GetItemText(5, 1), "x");
     CZelListCtrl bare;
     EXPECT_EQ(bare.AddRow("a|b", nullptr), 0);
     EXPECT_EQ(bare.GetItemText(0, 0), "a");
-    EXPECT_EQ(list.AddRowV("%d|%s", 7, "x"), 5);
-    EXPECT_EQ(list.GetItemText(5, 1), "x");
 }
 
 TEST(CZelListCtrl, RowsOfARowInfoCarryItsData) {
-    CZelListCtrl list;
-    AddColumns(list, 1);
+    Columned list(1);
     CZelListCtrl::RowInfo const info{.data = 99};
     list.AddRow();
     list.AddRowV(&info, "%s", "b");
     EXPECT_EQ(list.GetData(), 99U);
-    EXPECT_EQ(list.GetRowIndex(99), 1);
     EXPECT_EQ(list.GetRowIndex(98), -1);
     list.InsertRow(0);
     EXPECT_EQ(list.GetRowIndex(99), 2);
-    list.SetCrntRow(2);
-    list.RmvRow(1);
-    EXPECT_EQ(list.GetCrntRow(), 0);
-    EXPECT_EQ(list.GetNumRow(), 2);
-    list.RmvRow(17);
-    EXPECT_EQ(list.GetNumRow(), 2);
+    for (int const row : {1, 17}) { // 17: no such row
+        list.SetCrntRow(1);
+        list.RmvRow(row);
+        EXPECT_EQ(list.GetCrntRow(), 0);
+        EXPECT_EQ(list.GetNumRow(), 2);
+    }
 }
 
 TEST(CZelListCtrl, StylesMakeColoursAndFont) {
-    CZelListCtrl list;
-    AddColumns(list, 1);
+    Columned list(1);
     ColorRef const window = SystemColor(COLOR_WINDOW);
     ColorRef const shaded = Rgb(230, 230, 215);
     ColorRef const accent = Rgb(215, 200, 170);
@@ -92,8 +91,7 @@ TEST(CZelListCtrl, StylesMakeColoursAndFont) {
 }
 
 TEST(CZelListCtrl, CellsAreFormatted) {
-    CZelListCtrl list;
-    AddColumns(list, 2);
+    Columned list(2);
     list.AddRow();
     for (auto const &[kilobytes, text] :
          {std::pair{0, "0 KB"}, {1023, "1023 KB"}, {1024, "1.00 MB"}, {1536, "1.50 MB"}}) {
@@ -108,17 +106,15 @@ TEST(CZelListCtrl, CellsAreFormatted) {
 
 /// Until a list that is resized now has fitted its columns: what was due before has happened.
 void AwaitFit() {
-    CZelListCtrl later;
-    AddColumns(later, 2);
+    Columned later(2);
     Stage const stage(later, 500, 200);
-    later.EnlargeCol(1, true);
+    later.EnlargeCol(0, true);
     later.resize(700, 200);
     EXPECT_TRUE(test::Eventually([&] { return later.ColumnsWidth() == later.GetClientRect().Width(); }));
 }
 
 TEST(CZelListCtrl, EnlargedColumnsTakeTheRestAgainAfterEachResize) {
-    CZelListCtrl list;
-    AddColumns(list, 3);
+    Columned list(3);
     list.AddRow("a|b|c", nullptr);
     list.EnlargeCol(1, false);
     int const hidden = list.GetColumnWidth(1);
@@ -145,24 +141,24 @@ TEST(CZelListCtrl, WidthsAreKeptByCaptionOrNumber) {
     EXPECT_FALSE(list.HasSavedColWidth());
     list.SaveColWidth();
     EXPECT_FALSE(list.HasSavedColWidth());
-    for (char const *caption : {"A", "", "A"})
-        list.AddCol(caption, ADICol_String, false, 50, LVCFMT_LEFT);
+    auto const add = [&list](char const *first) {
+        list.Reset();
+        for (char const *caption : {first, "", "A"})
+            list.AddCol(caption, ADICol_String, false, 50, LVCFMT_LEFT);
+    };
+    add("A");
     for (int col = 0; col < 3; ++col)
         list.SetColWidth(col, 100 + col);
     list.SaveColWidth();
-    list.Reset();
-    EXPECT_EQ(list.GetNumCol(), 0);
-    for (char const *caption : {"New", "", "A"})
-        list.AddCol(caption, ADICol_String, false, 50, LVCFMT_LEFT);
+    add("New");
     list.RestoreColWidth();
-    EXPECT_EQ(list.GetColumnWidth(0), 50);
-    EXPECT_EQ(list.GetColumnWidth(1), 101);
-    EXPECT_EQ(list.GetColumnWidth(2), 102) << "equal captions share one width, the later one";
+    int const widths[] = {50, 101, 102}; // equal captions share one width, the later one
+    for (int col = 0; col < 3; ++col)
+        EXPECT_EQ(list.GetColumnWidth(col), widths[col]);
 }
 
 TEST(CZelListCtrl, AClickSelectsUnlessSeveralRowsAreSelected) {
-    CZelListCtrl list;
-    AddColumns(list, 2);
+    Columned list(2);
     for (int row = 0; row < 6; ++row)
         list.AddRow("x|y", nullptr);
     Stage stage(list);
@@ -170,18 +166,16 @@ TEST(CZelListCtrl, AClickSelectsUnlessSeveralRowsAreSelected) {
     EXPECT_EQ(stage.Selected(), "1");
     EXPECT_EQ(list.GetCrntRow(), 1);
     stage.Click(3, {}, Qt::RightButton);
-    EXPECT_EQ(stage.Selected(), "3");
-    stage.Click(5, Qt::ControlModifier);
-    EXPECT_EQ(stage.Selected(), "3 5");
-    stage.Click(5, Qt::ControlModifier);
-    EXPECT_EQ(stage.Selected(), "3");
+    for (char const *const selected : {"3 5", "3"}) {
+        stage.Click(5, Qt::ControlModifier);
+        EXPECT_EQ(stage.Selected(), selected);
+    }
     list.ClearSlct();
     EXPECT_EQ(stage.Selected(), "");
 }
 
 TEST(CZelListCtrl, TheSelectionIsReadAndWritten) {
-    CZelListCtrl list;
-    AddColumns(list, 1);
+    Columned list(1);
     for (std::uint64_t row = 0; row < 5; ++row) {
         list.AddRow();
         list.SetData(row * 10);
@@ -205,10 +199,9 @@ TEST(CZelListCtrl, TheSelectionIsReadAndWritten) {
 }
 
 TEST(CZelListCtrl, ResetGoesBackToTheStart) {
-    CZelListCtrl list;
+    Columned list(2);
     list.CreateImages();
     CZelImageList::RegisterIcon(12, "no-such-icon", "star");
-    AddColumns(list, 2);
     list.AddRow("a|b", nullptr);
     list.SetIcon(12);
     EXPECT_EQ(list.GetItemImage(0), 0);
@@ -220,7 +213,8 @@ TEST(CZelListCtrl, ResetGoesBackToTheStart) {
     EXPECT_EQ(list.GetNumRow() + list.GetNumCol() + list.GetItemCount() + list.GetColumnCount(), 0);
     EXPECT_EQ(list.GetLastSort().GetCol(), -2);
     EXPECT_EQ(list.GetImageList(), nullptr);
-    AddColumns(list, 2);
+    EXPECT_FALSE(list.GetHeaderCtrl()->isSortIndicatorShown());
+    list.Add(2);
     list.resize(800, 200);
     AwaitFit();
     EXPECT_EQ(list.GetColumnWidth(1), 80) << "no longer enlarged";
@@ -237,8 +231,7 @@ public:
 };
 
 TEST(CZelListCtrlVirtual, CellsAreAskedFor) {
-    Squares list;
-    AddColumns(list, 2);
+    Columned<Squares> list(2);
     list.SetNumRow(1000, 0);
     EXPECT_EQ(list.GetNumRow(), 1000);
     EXPECT_EQ(list.GetItemText(9, 0), "81");
@@ -254,14 +247,13 @@ TEST(CZelListCtrlVirtual, CellsAreAskedFor) {
 }
 
 TEST(CZelListCtrlVirtual, AHeadingAsksTheDerivedClassToSort) {
-    Squares list;
-    AddColumns(list, 2);
+    Columned<Squares> list(2);
     list.SetNumRow(5, 0);
     Stage stage(list);
-    stage.ClickHeading(1);
-    EXPECT_EQ(list.sorted, "1 up");
-    stage.ClickHeading(1);
-    EXPECT_EQ(list.sorted, "1 down");
+    for (char const *const sorted : {"1 up", "1 down"}) {
+        stage.ClickHeading(1);
+        EXPECT_EQ(list.sorted, sorted);
+    }
     EXPECT_EQ(list.GetItemText(2, 0), "4");
     EXPECT_EQ(list.GetLastSort().GetCol(), 1);
     list.Create(LVS_SINGLESEL, {0, 0, 100, 100}, nullptr, 5);

@@ -38,15 +38,9 @@ TEST_F(SaveToFile, CellsGoOutAsTheirColumnsReadThem) {
     for (char const *row : {"a, b|12|0.5", "|  -7 apples|1e3x", "---|---|UNDEFINED", "c|Undefined|--", "d||",
                             "e|99999999999999999999|-1e999", "f|+5|+.25", "g|3.7|nan"})
         list.AddRow(row, nullptr);
-    constexpr char const *expected = "Name,Number,Real\r\n"
-                                     "\"a, b\",12,0.5\r\n"
-                                     ",-7,1000\r\n"
-                                     "---,---,UNDEFINED\r\n"
-                                     "c,Undefined,0\r\n"
-                                     "d,0,0\r\n"
-                                     "e,9223372036854775807,-1.7976931348623157e+308\r\n"
-                                     "f,5,0.25\r\n"
-                                     "g,3,nan\r\n";
+    DString const expected = "Name,Number,Real\r\n\"a, b\",12,0.5\r\n,-7,1000\r\n---,---,UNDEFINED\r\n"
+                             "c,Undefined,0\r\nd,0,0\r\n"
+                             "e,9223372036854775807,-1.7976931348623157e+308\r\nf,5,0.25\r\ng,3,nan\r\n";
     for (char const *format : {"CSV", "", "TXT"})
         EXPECT_EQ(Saved(list, "a", format), expected) << format;
     ASSERT_EQ(asked.size(), 3U);
@@ -57,8 +51,6 @@ TEST_F(SaveToFile, CellsGoOutAsTheirColumnsReadThem) {
 TEST_F(SaveToFile, TheNameOfTheFileMayChooseAnotherFormat) {
     list.AddRow("a|1|2", nullptr);
     EXPECT_EQ(Saved(list, "a.tcsv", "CSV"), "Name,a\r\nNumber,1\r\nReal,2\r\n");
-    EXPECT_EQ(Saved(list, "a.csv", "TCSV"), "Name,Number,Real\r\na,1,2\r\n");
-    EXPECT_EQ(Saved(list, "a.other", "TCSV"), "Name,a\r\nNumber,1\r\nReal,2\r\n");
     DString const dbf = Saved(list, "a.DBF", "CSV");
     EXPECT_EQ(dbf.substr(0, 1), "\x03");
     EXPECT_EQ(dbf.substr(32 + 3 * 32 + 1), DString(" a1  2\x1A")); // a column of reals has room for a decimal
@@ -79,38 +71,26 @@ TEST_F(SaveToFile, ACancelOrAFailureIsSilentAndLeavesWhatIsThere) {
 
 TEST_F(SaveToFile, ALongCaptionIsCutBetweenCharacters) {
     CZelListCtrl one;
-    DString caption(510, 'x');
-    caption.append("\xC3\xA4y");
-    one.AddCol(caption, ADICol_String, false, 80, LVCFMT_LEFT);
-    DString expected(510, 'x');
-    expected.append("\r\n");
-    EXPECT_EQ(Saved(one, "a.csv", "CSV"), expected);
+    DString const kept(510, 'x');
+    one.AddCol(kept + "\xC3\xA4y", ADICol_String, false, 80, LVCFMT_LEFT);
+    EXPECT_EQ(Saved(one, "a.csv", "CSV"), kept + "\r\n");
     CZelListCtrl none;
     none.AddRow();
     EXPECT_EQ(Saved(none, "b.csv", "CSV"), "");
 }
 
-/// A list that guesses how many rows it has until it meets the end.
-class GrowingList : public CZelListCtrlVirtual {
-public:
-    GrowingList() {
-        AddCol("Row", ADICol_Int, false, 80, LVCFMT_LEFT);
-        SetNumRow(4, 0);
-    }
-    DString OnGetItemText(int row, int) override {
-        if (row >= kRows)
-            SetNumRow(kRows, 0);
-        else if (row + 1 == GetNumRow())
-            SetNumRow(GetNumRow() * 2, 0);
-        return row < kRows ? std::to_string(row) : DString();
-    }
-
-private:
-    static constexpr int kRows = 11;
-};
-
-TEST_F(SaveToFile, AListThatReadsItsRowsOnDemandIsSavedWholeAndWithoutARowTooMany) {
-    GrowingList growing;
+TEST_F(SaveToFile, AListThatGuessesItsRowsUntilItMeetsTheEndIsSavedWholeAndWithoutARowTooMany) {
+    struct : CZelListCtrlVirtual {
+        DString OnGetItemText(int row, int) override {
+            if (row >= 11)
+                SetNumRow(11, 0);
+            else if (row + 1 == GetNumRow())
+                SetNumRow(GetNumRow() * 2, 0);
+            return row < 11 ? std::to_string(row) : DString();
+        }
+    } growing;
+    growing.AddCol("Row", ADICol_Int, false, 80, LVCFMT_LEFT);
+    growing.SetNumRow(4, 0);
     EXPECT_EQ(Saved(growing, "a.tcsv", "TCSV"), "Row,0,1,2,3,4,5,6,7,8,9,10\r\n");
 }
 
