@@ -24,41 +24,35 @@ protected:
         for (int row = 0; row < kRows; ++row) {
             list->InsertItem(row, "r" + std::to_string(row), 0, nullptr, 0, 0xFFFFFF, 0);
             for (int col = 1; col < 4; ++col)
-                list->SetItemText(row, col, std::to_string(row) + "," + std::to_string(col));
+                list->SetItemText(row, col, At(row, col));
         }
-        QObject::connect(list, &CListCtrlFlex::BeginLabelEdit, [this](LabelEditNotify *notify) {
-            Tell("begin", *notify);
+        auto const tell = [this](DString const &what, LabelEditNotify const &notify) {
+            told += (told.empty() ? "" : " | ") + what + " " + At(notify.iItem, notify.iSubItem) + " from " +
+                    std::to_string(notify.idFrom) + " to " + std::to_string(notify.wParam);
+        };
+        QObject::connect(list, &CListCtrlFlex::BeginLabelEdit, [this, tell](LabelEditNotify *notify) {
+            tell("begin", *notify);
             notify->veto = veto;
         });
-        QObject::connect(list, &CListCtrlFlex::EndLabelEdit, [this](LabelEditNotify *notify) { Tell("end", *notify); });
+        QObject::connect(list, &CListCtrlFlex::EndLabelEdit, [this, tell](LabelEditNotify *notify) {
+            tell("end", *notify);
+            told += notify->pszText == nullptr ? " null" : " '" + *notify->pszText + "'";
+        });
         parent.resize(420, 300);
         parent.show();
         EXPECT_TRUE(QTest::qWaitForWindowActive(&parent));
     }
-    void Tell(std::string const &what, LabelEditNotify const &notify) {
-        told += (told.empty() ? "" : " | ") + what + " " + std::to_string(notify.iItem) + "," +
-                std::to_string(notify.iSubItem) + " from " + std::to_string(notify.idFrom) + " to " +
-                std::to_string(notify.wParam);
-        if (what == "end")
-            told += notify.pszText == nullptr ? " null" : " '" + *notify.pszText + "'";
-    }
+    static std::string At(int row, int col) { return std::to_string(row) + "," + std::to_string(col); }
     [[nodiscard]] CEditCell *Cell() const { return platform::GetDlgItem<CEditCell>(*list, CEditCell::kControlId); }
     /// "row,col" of the open edit, "none" without one.
     [[nodiscard]] std::string Where() const {
-        CEditCell const *const cell = Cell();
-        return cell == nullptr ? "none" : std::to_string(cell->Item()) + "," + std::to_string(cell->SubItem());
+        return Cell() == nullptr ? "none" : At(Cell()->Item(), Cell()->SubItem());
     }
     void Open(int row, int col) {
         list->OnEdit(row, col, false);
         ASSERT_NE(Cell(), nullptr);
         EXPECT_TRUE(Cell()->hasFocus());
         told.clear();
-    }
-    void DoubleClick(int row, int col) {
-        Rect const cell = list->GetSubItemRect(row, col, LVIR_LABEL);
-        QPoint const at((cell.left + cell.right) / 2, (cell.top + cell.bottom) / 2);
-        QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, at);
-        QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, at);
     }
     static constexpr int kRows = 40;
     std::string told; // before the window: closing it ends an edit
@@ -71,20 +65,19 @@ protected:
 TEST_F(Editing, EveryKeyMovesAsTold) {
     int const page = list->GetCountPerPage();
     list->SetColumnWidth(0, 300); // the third column is out of sight
-    auto const at = [](int row, int col) { return std::to_string(row) + "," + std::to_string(col); };
     test::Rows<char const *, int, int, Qt::Key, Qt::KeyboardModifiers, std::string> const cases = {
         {"Up", 5, 1, Qt::Key_Up, {}, "4,1"},
         {"Up on the first row", 0, 1, Qt::Key_Up, {}, "0,1"},
         {"Down", 5, 1, Qt::Key_Down, {}, "6,1"},
         {"Down on the last row ends", kRows - 1, 1, Qt::Key_Down, {}, "none"},
         {"Ctrl+Home", 5, 2, Qt::Key_Home, Qt::ControlModifier, "0,2"},
-        {"Ctrl+End", 5, 2, Qt::Key_End, Qt::ControlModifier, at(kRows - 1, 2)},
+        {"Ctrl+End", 5, 2, Qt::Key_End, Qt::ControlModifier, At(kRows - 1, 2)},
         {"Home stays", 5, 2, Qt::Key_Home, {}, "5,2"},
         {"End stays", 5, 2, Qt::Key_End, {}, "5,2"},
-        {"Page Up", 30, 1, Qt::Key_PageUp, {}, at(30 - page, 1)},
+        {"Page Up", 30, 1, Qt::Key_PageUp, {}, At(30 - page, 1)},
         {"Page Up at the top", 2, 1, Qt::Key_PageUp, {}, "0,1"},
-        {"Page Down", 2, 1, Qt::Key_PageDown, {}, at(2 + page, 1)},
-        {"Page Down at the end", kRows - 2, 1, Qt::Key_PageDown, {}, at(kRows - 1, 1)},
+        {"Page Down", 2, 1, Qt::Key_PageDown, {}, At(2 + page, 1)},
+        {"Page Down at the end", kRows - 2, 1, Qt::Key_PageDown, {}, At(kRows - 1, 1)},
         {"Tab", 5, 1, Qt::Key_Tab, {}, "5,2"},
         {"Tab goes round after the third column, over the read-only one", 5, 2, Qt::Key_Tab, {}, "6,1"},
         {"Tab from the fourth column too", 5, 3, Qt::Key_Tab, {}, "6,1"},
@@ -162,13 +155,15 @@ TEST_F(Editing, ADoubleClickOpensAnEditableCellAndSelectsTheRowOfAnother) {
     for (Qt::LayoutDirection const direction : {Qt::LeftToRight, Qt::RightToLeft}) {
         parent.setLayoutDirection(direction);
         told.clear();
-        DoubleClick(3, 2);
-        EXPECT_EQ(Where(), "3,2");
-        EXPECT_EQ(list->GetItemState(3, LVIS_SELECTED | LVIS_FOCUSED), 0U);
-        EXPECT_EQ(told, "begin 3,2 from 8 to 7");
-        DoubleClick(4, 0);
-        EXPECT_EQ(Where(), "none");
-        EXPECT_NE(list->GetItemState(4, LVIS_SELECTED), 0U);
+        for (auto const &[row, col, where, selected] :
+             test::Rows<int, int, char const *, bool>{{3, 2, "3,2", false}, {4, 0, "none", true}}) {
+            QPoint const at = platform::ToQRect(list->GetSubItemRect(row, col, LVIR_LABEL)).center();
+            QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, at);
+            QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, at);
+            EXPECT_EQ(Where(), where);
+            EXPECT_EQ(list->GetItemState(row, LVIS_SELECTED | LVIS_FOCUSED) != 0, selected);
+        }
+        EXPECT_EQ(told, "begin 3,2 from 8 to 7 | end 3,2 from 1001 to 8 '3,2'");
     }
 }
 
