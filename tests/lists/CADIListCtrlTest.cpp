@@ -48,7 +48,7 @@ struct CountedList : testing::Test {
     CADIListCtrl list{new CountedTable(fate)};
 };
 
-TEST(CADIListCtrl, DerivedClassesChooseRowsAndColumnsAndSeeEachValue) {
+TEST_F(CountedList, DerivedClassesChooseRowsAndColumnsAndSeeEachValue) {
     class Choosy : public CADIListCtrl {
     public:
         using CADIListCtrl::CADIListCtrl;
@@ -59,20 +59,19 @@ TEST(CADIListCtrl, DerivedClassesChooseRowsAndColumnsAndSeeEachValue) {
         }
         std::vector<DString> seen;
     };
-    Fate fate{.rows = 4};
-    Choosy list(new CountedTable(fate));
-    list.AddAllColumns();
-    list.ReadAllRows();
-    EXPECT_EQ(list.GetColCaption(0) + list.GetColCaption(1), "IDt !");
-    EXPECT_EQ(std::pair(list.GetColumnWidth(0), list.GetColumnWidth(1)), std::pair(50, 100));
-    for (int row = 0; row < list.GetNumRow(); ++row)
-        list.seen.push_back(list.OnGetItemText(row, 0) + ": " + list.OnGetItemText(row, 1));
-    EXPECT_THAT(list.seen,
-                ElementsAre("1/0/0", "1/1/0", "3/0/1", "3/1/1", "0: row 1", "1: row 3")); // ids of what is kept
-    list.AddAllColumns();                                                                 // too late
-    EXPECT_EQ(list.GetNumCol(), 2);
-    list.GetCacheItem(1, 0) = "of the application";
-    EXPECT_EQ(list.OnGetItemText(1, 1), "of the application");
+    fate.rows = 4;
+    Choosy choosy(new CountedTable(fate));
+    choosy.AddAllColumns();
+    choosy.ReadAllRows();
+    EXPECT_EQ(choosy.GetColCaption(0) + choosy.GetColCaption(1), "IDt !");
+    EXPECT_EQ(std::pair(choosy.GetColumnWidth(0), choosy.GetColumnWidth(1)), std::pair(50, 100));
+    for (int row = 0; row < choosy.GetNumRow(); ++row) // their ids count what is kept
+        choosy.seen.push_back(choosy.OnGetItemText(row, 0) + ": " + choosy.OnGetItemText(row, 1));
+    EXPECT_THAT(choosy.seen, ElementsAre("1/0/0", "1/1/0", "3/0/1", "3/1/1", "0: row 1", "1: row 3"));
+    choosy.AddAllColumns(); // too late
+    EXPECT_EQ(choosy.GetNumCol(), 2);
+    choosy.GetCacheItem(1, 0) = "of the application";
+    EXPECT_EQ(choosy.OnGetItemText(1, 1), "of the application");
 }
 
 TEST_F(CountedList, ReadsAsFarAsAskedAndDoublesItsEstimateUntilTheTableEnds) {
@@ -126,7 +125,6 @@ TEST_F(CountedList, AClickOnAHeadingReadsAllSortsAndSelectsNothing) {
         EXPECT_EQ(stage.Selected(), "");
         EXPECT_TRUE(fate.isClosed);
     }
-    EXPECT_EQ(list.GetID(0), 11);
 }
 
 TEST_F(CountedList, AFailureIsNoEndAndIsTriedAgainAfterAWhile) {
@@ -198,8 +196,6 @@ TEST_F(CountedList, ThePageIsThereWhereverTheThumbIsDraggedTo) {
     fate.rows = 400'000;
     list.SetNumRow(1, 0);
     test::Stage stage(list);
-    EXPECT_TRUE(test::Eventually([&] { return list.GetCacheRows() > 10; }));
-    EXPECT_LT(list.GetCacheRows(), 100);
     QScrollBar &bar = *list.verticalScrollBar();
     while (!list.IsReadThrough()) {
         bar.setValue(bar.maximum());

@@ -5,8 +5,6 @@
 #include "zelvar/platform/ui/ControlId.h"
 #include "zelvar/views/ReportPainter.h"
 
-#include <QtWidgets/QVBoxLayout>
-
 namespace zelvar {
 namespace {
 
@@ -16,9 +14,6 @@ protected:
     Editing() {
         platform::SetDlgCtrlID(parent, 7);
         platform::SetDlgCtrlID(*list, 8);
-        auto *const layout = new QVBoxLayout(&parent);
-        layout->addWidget(list);
-        layout->addWidget(other);
         for (int col = 0; col < 4; ++col)
             list->InsertColumn(col, ADICol_String, "C" + std::to_string(col), col != 0, LVCFMT_LEFT, 90, col);
         for (int row = 0; row < kRows; ++row) {
@@ -38,7 +33,7 @@ protected:
             tell("end", *notify);
             told += notify->pszText == nullptr ? " null" : " '" + *notify->pszText + "'";
         });
-        parent.resize(420, 300);
+        list->resize(420, 300);
         parent.show();
         EXPECT_TRUE(QTest::qWaitForWindowActive(&parent));
     }
@@ -59,7 +54,6 @@ protected:
     bool veto = false;
     QWidget parent;
     CListCtrlFlex *list = new CListCtrlFlex(&parent);
-    QLineEdit *other = new QLineEdit(&parent);
 };
 
 TEST_F(Editing, EveryKeyMovesAsTold) {
@@ -137,7 +131,7 @@ TEST_F(Editing, ReturnCommitsTwiceTheLossOfTheFocusAndAMoveOnceAndEscapeNothing)
     std::tuple<std::function<void()>, std::string, char const *, char const *> const cases[] = {
         {press(Qt::Key_Return), once + " | " + once, "new", "none"},
         {press(Qt::Key_Escape), "end 2,1 from 1001 to 8 null", "old", "none"},
-        {[this] { other->setFocus(); }, once, "new", "none"},
+        {[this] { parent.setFocus(); }, once, "new", "none"},
         {press(Qt::Key_Down), "begin 3,1 from 8 to 7 | " + once, "new", "3,1"}};
     for (auto const &[act, expected, text, where] : cases) {
         list->SetItemText(2, 1, "old");

@@ -1,6 +1,7 @@
 #include "zelvar/lists/CListCtrlFlex.h"
 
 #include "support/ReportStage.h"
+#include "zelvar/lists/CListCtrlEx.h"
 #include "zelvar/platform/ui/SystemColor.h"
 
 namespace zelvar {
@@ -68,10 +69,9 @@ TEST(CListCtrlFlex, AHeadingSortsAscendingThenDescending) {
     test::Rows<char const *, ADIColType, std::vector<std::string>, std::string, std::string> const cases = {
         {"numbers, and what is none as the largest", ADICol_Double, {"12", "abc", "3"}, "3 12 abc", "abc 12 3"},
         {"whole numbers likewise", ADICol_Int, {"10", "9", "-1"}, "-1 9 10", "10 9 -1"},
-        {"texts by bytes", ADICol_String, {"a9", "a10", "B"}, "B a10 a9", "a9 a10 B"},
+        {"texts by bytes", ADICol_String, {"a9", "a10", "\xc3\xa9", "B"}, "B a10 a9 \xc3\xa9", "\xc3\xa9 a9 a10 B"},
         {"an unknown type is text", ADICol_None, {"9", "10"}, "10 9", "9 10"},
         {"an empty list", ADICol_Double, {}, "", ""},
-        {"bytes are unsigned", ADICol_String, {"\xc3\xa9", "z"}, "z \xc3\xa9", "\xc3\xa9 z"},
         {"equal ones turn round, then stay", ADICol_Int, {"7a", "7b", "1c", "7d"}, "1c 7d 7b 7a", "7d 7b 7a 1c"},
         {"the last that counts",
          ADICol_Double,
@@ -90,17 +90,13 @@ TEST(CListCtrlFlex, AHeadingSortsAscendingThenDescending) {
         CListCtrlFlex list;
         Fill(list, type, texts);
         Stage stage(list);
-        stage.ClickHeading(0);
-        EXPECT_EQ(Column(list), ascending);
-        EXPECT_TRUE(list.GetLastSort().IsSortedAscnd());
-        stage.ClickHeading(0);
-        EXPECT_EQ(Column(list), descending);
-        EXPECT_FALSE(list.GetLastSort().IsSortedAscnd());
-        EXPECT_EQ(list.GetLastSort().GetCol(), 0);
-        list.EnblSort(false);
-        stage.ClickHeading(0);
-        EXPECT_EQ(Column(list), descending);
-        EXPECT_TRUE(list.GetLastSort().IsSortedAscnd()) << "remembered all the same";
+        for (int click = 0; click < 3; ++click) {
+            list.EnblSort(click < 2); // the third is remembered all the same
+            stage.ClickHeading(0);
+            EXPECT_EQ(Column(list), click == 0 ? ascending : descending);
+            EXPECT_EQ(list.GetLastSort().IsSortedAscnd(), click != 1);
+            EXPECT_EQ(list.GetLastSort().GetCol(), 0);
+        }
     }
 }
 
@@ -153,6 +149,42 @@ TEST(CListCtrlFlex, TheIndentAndTheImageMoveTheFirstTextOnlyAndEditsStandOnTexts
             EXPECT_EQ(list.SubItemHitTest({edge, 5}).col, col);
         }
     }
+}
+
+TEST(CListCtrlEx, ColumnsAreAsWideAsTheirCaptionsAndShowWhatTheMaskSays) {
+    CListCtrlEx list;
+    int const wide = list.fontMetrics().horizontalAdvance("Sample") + 15;
+    constexpr int all = LVCF_FMT | LVCF_WIDTH | LVCF_TEXT | LVCF_SUBITEM;
+    using Column = std::tuple<DString, int, int, int>; // caption, format, width, which text it shows
+    test::Rows<int, int, Column> const cases = {{-1, all, {"Sample", LVCFMT_RIGHT, wide, 0}},
+                                                {2, all, {"Sample", LVCFMT_RIGHT, wide, 2}},
+                                                {1, all & ~LVCF_SUBITEM, {"Sample", LVCFMT_RIGHT, wide, 2}},
+                                                {-1, LVCF_WIDTH, {"", LVCFMT_LEFT, wide, 3}},
+                                                {-1, LVCF_TEXT, {"Sample", LVCFMT_LEFT, 0, 4}}};
+    for (int at = 0; auto const &[subItem, mask, expected] : cases) {
+        EXPECT_EQ(list.AddColumn("Sample", at, subItem, mask, LVCFMT_RIGHT), at);
+        ReportColumn column;
+        EXPECT_TRUE(list.GetColumn(at++, column));
+        EXPECT_EQ(Column(column.caption, column.format, column.width, column.subItem), expected);
+    }
+    EXPECT_EQ(list.AddColumn("nowhere", -1), -1);
+}
+
+TEST(CListCtrlEx, ItemsAreInsertedAndCellsWritten) {
+    CListCtrlEx list;
+    list.AddColumn("a", 0);
+    list.AddColumn("b", 1);
+    test::Rows<int, int, char const *, int> const cells = {
+        {0, 1, "x", 0}, {0, 0, "first", 0}, {9, 0, nullptr, 1}, {0, 1, "cell", 1}, {0, 2, "beside", 0}};
+    for (auto const &[row, col, text, result] : cells) // no such row, rows (the second one at the end), cells
+        EXPECT_EQ(list.AddItem(row, col, text, 4 - row), result);
+    EXPECT_EQ(list.GetItemText(0, 0) + "|" + list.GetItemText(0, 1), "first|cell");
+    EXPECT_EQ(list.GetItemImage(0), 4);
+    EXPECT_EQ(list.GetItemImage(1), -5);
+    ImageList images;
+    for (auto const &[which, former] :
+         {std::pair{LVSIL_SMALL, HIMAGELIST{}}, {LVSIL_NORMAL, {}}, {LVSIL_SMALL, &images}})
+        EXPECT_EQ(list.SetImageList(&images, which), former);
 }
 
 } // namespace

@@ -2,7 +2,10 @@
 
 #include "support/ReportStage.h"
 #include "zelvar/lists/CZelListCtrlVirtual.h"
+#include "zelvar/lists/SaveTarget.h"
 #include "zelvar/platform/ui/SystemColor.h"
+
+#include <filesystem>
 
 namespace zelvar {
 namespace {
@@ -99,9 +102,8 @@ TEST(CZelListCtrl, CellsAreFormatted) {
         EXPECT_EQ(list.GetItemText(0, 1), text);
     }
     list.SetColText(1, 2.345, 2, "m");
-    EXPECT_EQ(list.GetItemText(0, 1), FormatDouble(2.345, 2) + " m");
     list.SetText("first");
-    EXPECT_EQ(list.GetItemText(0, 0), "first");
+    EXPECT_EQ(list.GetItemText(0, 0) + list.GetItemText(0, 1), "first" + FormatDouble(2.345, 2) + " m");
 }
 
 /// Until a list that is resized now has fitted its columns: what was due before has happened.
@@ -157,33 +159,16 @@ TEST(CZelListCtrl, WidthsAreKeptByCaptionOrNumber) {
         EXPECT_EQ(list.GetColumnWidth(col), widths[col]);
 }
 
-TEST(CZelListCtrl, AClickSelectsUnlessSeveralRowsAreSelected) {
+TEST(CZelListCtrl, TheSelectionIsReadWrittenAndClickedUnlessSeveralRowsAreSelected) {
     Columned list(2);
-    for (int row = 0; row < 6; ++row)
-        list.AddRow("x|y", nullptr);
-    Stage stage(list);
-    stage.Click(1, {}, Qt::LeftButton, 1);
-    EXPECT_EQ(stage.Selected(), "1");
-    EXPECT_EQ(list.GetCrntRow(), 1);
-    stage.Click(3, {}, Qt::RightButton);
-    for (char const *const selected : {"3 5", "3"}) {
-        stage.Click(5, Qt::ControlModifier);
-        EXPECT_EQ(stage.Selected(), selected);
-    }
-    list.ClearSlct();
-    EXPECT_EQ(stage.Selected(), "");
-}
-
-TEST(CZelListCtrl, TheSelectionIsReadAndWritten) {
-    Columned list(1);
-    for (std::uint64_t row = 0; row < 5; ++row) {
+    for (std::uint64_t row = 0; row < 6; ++row) {
         list.AddRow();
         list.SetData(row * 10);
     }
-    for (int const row : {3, 1, 5, -1})
+    Stage stage(list);
+    for (int const row : {3, 1, 6, -1})
         list.SetSlct(row, true);
-    EXPECT_EQ(list.GetFrstSlct(), 1);
-    EXPECT_EQ(list.GetCrntSlct(), 1);
+    EXPECT_TRUE(list.GetFrstSlct() == 1 && list.GetCrntSlct() == 1);
     EXPECT_EQ(list.SetSlctByItemData(40, true), 4);
     EXPECT_EQ(list.SetSlctByItemData(41, true), -1);
     DVector<int> rows;
@@ -192,10 +177,22 @@ TEST(CZelListCtrl, TheSelectionIsReadAndWritten) {
     list.SetSlct(3, false);
     list.GetSlct(rows);
     EXPECT_EQ(rows, (DVector<int>{1, 4, 4})) << "the vector is not shrunk";
+    list.ClearSlct();
+    EXPECT_EQ(stage.Selected(), "");
+    test::Rows<int, Qt::KeyboardModifiers, Qt::MouseButton, char const *> const clicks = {
+        {1, {}, Qt::LeftButton, "1"},
+        {3, {}, Qt::RightButton, "3"},
+        {5, Qt::ControlModifier, Qt::LeftButton, "3 5"},
+        {5, Qt::ControlModifier, Qt::LeftButton, "3"}};
+    for (auto const &[row, modifiers, button, selected] : clicks) {
+        stage.Click(row, modifiers, button, 1);
+        EXPECT_EQ(stage.Selected(), selected);
+        EXPECT_EQ(list.GetCrntRow(), row == 1 ? 1 : 3);
+    }
     list.SetMultiSlct(false);
     EXPECT_FALSE(list.IsMultiSlct());
     list.SetSlct(0, true);
-    EXPECT_EQ(list.GetNumSlct(), 1);
+    EXPECT_EQ(stage.Selected(), "0");
 }
 
 TEST(CZelListCtrl, ResetGoesBackToTheStart) {
@@ -212,8 +209,7 @@ TEST(CZelListCtrl, ResetGoesBackToTheStart) {
     list.Reset();
     EXPECT_EQ(list.GetNumRow() + list.GetNumCol() + list.GetItemCount() + list.GetColumnCount(), 0);
     EXPECT_EQ(list.GetLastSort().GetCol(), -2);
-    EXPECT_EQ(list.GetImageList(), nullptr);
-    EXPECT_FALSE(list.GetHeaderCtrl()->isSortIndicatorShown());
+    EXPECT_TRUE(list.GetImageList() == nullptr && !list.GetHeaderCtrl()->isSortIndicatorShown());
     list.Add(2);
     list.resize(800, 200);
     AwaitFit();
@@ -230,7 +226,7 @@ public:
     std::string sorted;
 };
 
-TEST(CZelListCtrlVirtual, CellsAreAskedFor) {
+TEST(CZelListCtrlVirtual, CellsAndSortsAreAskedFor) {
     Columned<Squares> list(2);
     list.SetNumRow(1000, 0);
     EXPECT_EQ(list.GetNumRow(), 1000);
@@ -244,20 +240,98 @@ TEST(CZelListCtrlVirtual, CellsAreAskedFor) {
     info.iSubItem = 1;
     list.OnGetDispInfo(info);
     EXPECT_EQ(info.pszText, nullptr);
-}
-
-TEST(CZelListCtrlVirtual, AHeadingAsksTheDerivedClassToSort) {
-    Columned<Squares> list(2);
-    list.SetNumRow(5, 0);
     Stage stage(list);
     for (char const *const sorted : {"1 up", "1 down"}) {
         stage.ClickHeading(1);
         EXPECT_EQ(list.sorted, sorted);
+        EXPECT_EQ(list.GetLastSort().GetCol(), 1);
     }
-    EXPECT_EQ(list.GetItemText(2, 0), "4");
-    EXPECT_EQ(list.GetLastSort().GetCol(), 1);
     list.Create(LVS_SINGLESEL, {0, 0, 100, 100}, nullptr, 5);
     EXPECT_NE(list.GetStyle() & LVS_OWNERDATA, 0U);
+}
+
+/// A list of three columns, and who is asked where it goes.
+class SaveToFile : public testing::Test {
+protected:
+    SaveToFile() {
+        SetSaveTargetProvider([this](QWidget *parent, char const *title) {
+            asked.emplace_back(parent, title);
+            return target;
+        });
+        list.AddCol("Name", ADICol_String, false, 80, LVCFMT_LEFT);
+        list.AddCol("Number", ADICol_Int, false, 80, LVCFMT_LEFT);
+        list.AddCol("Real", ADICol_Double, false, 80, LVCFMT_LEFT);
+    }
+    ~SaveToFile() override { SetSaveTargetProvider(nullptr); }
+    DString Saved(CZelListCtrl &what, DString const &name, DString const &format) {
+        target = TableTarget{.path = m_folder / name, .formatId = format};
+        what.SaveToFile();
+        return test::ReadFile(m_folder / name);
+    }
+
+    CZelListCtrl list;
+    std::optional<TableTarget> target;
+    std::vector<std::pair<QWidget *, DString>> asked;
+    test::TempFolder m_folder;
+};
+
+TEST_F(SaveToFile, CellsGoOutAsTheirColumnsReadThem) {
+    for (char const *row : {"a, b|12|0.5", "|  -7 apples|1e3x", "---|---|UNDEFINED", "c|Undefined|--", "d||",
+                            "e|99999999999999999999|-1e999", "f|+5|+.25", "g|3.7|nan"})
+        list.AddRow(row, nullptr);
+    DString const expected = "Name,Number,Real\r\n\"a, b\",12,0.5\r\n,-7,1000\r\n---,---,UNDEFINED\r\n"
+                             "c,Undefined,0\r\nd,0,0\r\n"
+                             "e,9223372036854775807,-1.7976931348623157e+308\r\nf,5,0.25\r\ng,3,nan\r\n";
+    for (char const *format : {"CSV", "", "TXT"})
+        EXPECT_EQ(Saved(list, "a", format), expected) << format;
+    ASSERT_EQ(asked.size(), 3U);
+    EXPECT_EQ(asked[0].first, &list);
+    EXPECT_EQ(asked[0].second, "Save contents");
+}
+
+TEST_F(SaveToFile, TheNameOfTheFileMayChooseAnotherFormat) {
+    list.AddRow("a|1|2", nullptr);
+    EXPECT_EQ(Saved(list, "a.tcsv", "CSV"), "Name,a\r\nNumber,1\r\nReal,2\r\n");
+    DString const dbf = Saved(list, "a.DBF", "CSV");
+    EXPECT_EQ(dbf.substr(32 + 3 * 32 + 1), DString(" a1  2\x1A")); // a column of reals has room for a decimal
+}
+
+TEST_F(SaveToFile, ACancelOrAFailureIsSilentAndLeavesWhatIsThere) {
+    list.AddRow("a|1|2", nullptr);
+    target = std::nullopt;
+    list.SaveToFile();
+    EXPECT_EQ(asked.size(), 1U);
+    EXPECT_EQ(Saved(list, "missing/a.csv", "CSV"), "");
+    m_folder.Write("a.xlsx", "old");
+    EXPECT_EQ(Saved(list, "a.xlsx", "XLSX"), "old");
+    SetSaveTargetProvider(nullptr);
+    list.SaveToFile();
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(m_folder.Path()), {}), 1);
+}
+
+TEST_F(SaveToFile, ALongCaptionIsCutBetweenCharacters) {
+    CZelListCtrl one;
+    DString const kept(510, 'x');
+    one.AddCol(kept + "\xC3\xA4y", ADICol_String, false, 80, LVCFMT_LEFT);
+    EXPECT_EQ(Saved(one, "a.csv", "CSV"), kept + "\r\n");
+    CZelListCtrl none;
+    none.AddRow();
+    EXPECT_EQ(Saved(none, "b.csv", "CSV"), "");
+}
+
+TEST_F(SaveToFile, AListThatGuessesItsRowsUntilItMeetsTheEndIsSavedWholeAndWithoutARowTooMany) {
+    struct : CZelListCtrlVirtual {
+        DString OnGetItemText(int row, int) override {
+            if (row >= 11)
+                SetNumRow(11, 0);
+            else if (row + 1 == GetNumRow())
+                SetNumRow(GetNumRow() * 2, 0);
+            return row < 11 ? std::to_string(row) : DString();
+        }
+    } growing;
+    growing.AddCol("Row", ADICol_Int, false, 80, LVCFMT_LEFT);
+    growing.SetNumRow(4, 0);
+    EXPECT_EQ(Saved(growing, "a.tcsv", "TCSV"), "Row,0,1,2,3,4,5,6,7,8,9,10\r\n");
 }
 
 } // namespace

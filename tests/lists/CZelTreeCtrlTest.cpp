@@ -12,12 +12,9 @@
 namespace zelvar::test {
 namespace {
 
-DString TextOf(HTREEITEM item) { return item == nullptr ? "-" : item->text; }
-
 /// A tree control that writes down what its hooks are told.
-class TellingTree : public CZelTreeCtrl {
+class TellingTree : public CZelTreeCtrl, public Teller {
 public:
-    std::string Take() { return std::exchange(m_told, {}); }
     std::function<void()> onDragEnd = [] {};
     bool handle = false;      ///< what the hooks return
     long long editResult = 0; ///< of the hooks of label edits
@@ -27,48 +24,36 @@ protected:
         Tell("drop " + TextOf(item) + " on " + TextOf(target));
         onDragEnd();
     }
-    bool DTCDblClck(HTREEITEM item, long long *) override { return Tell("double " + TextOf(item)); }
+    bool DTCDblClck(HTREEITEM item, long long *) override { return Tell("double " + TextOf(item)), handle; }
     bool DTCSlctChg(HTREEITEM former, HTREEITEM now, long long *) override {
-        return Tell(TextOf(former) + ">" + TextOf(now));
+        return Tell(TextOf(former) + ">" + TextOf(now)), handle;
     }
     void DTCKeyDown(unsigned short key, long long *result) override {
-        *result = Tell("key " + std::to_string(key)) ? 1 : 0;
+        Tell("key " + std::to_string(key));
+        *result = handle ? 1 : 0;
     }
     bool DTCCntxMenu(HTREEITEM item, Point point, long long *) override {
         EXPECT_EQ(GetItem(point), item);
-        return Tell("menu " + TextOf(item));
+        return Tell("menu " + TextOf(item)), handle;
     }
     void DTCBeginLabelEdit(NMHDR *header, long long *result) override {
         Tell("begin " + TextOf(reinterpret_cast<NMTVDISPINFO *>(header)->item.hItem));
         *result = editResult;
     }
     void DTCEndLabelEdit(NMHDR *header, long long *result) override {
-        char const *const text = reinterpret_cast<NMTVDISPINFO *>(header)->item.pszText;
-        Tell(std::string("end ") + (text == nullptr ? "cancelled" : text));
+        Tell(std::string("end ") + reinterpret_cast<NMTVDISPINFO *>(header)->item.pszText);
         *result = editResult;
     }
     bool DTCLButtonDown(HTREEITEM item, unsigned flags, Point) override {
-        return handle && Tell("button " + TextOf(item) + " " + std::to_string(flags));
-    }
-
-private:
-    bool Tell(std::string const &what) {
-        m_told += (m_told.empty() ? "" : ", ") + what;
+        if (handle)
+            Tell("button " + TextOf(item) + " " + std::to_string(flags));
         return handle;
     }
-    std::string m_told;
 };
 
 /// Three items at the top, two below the first.
 class CZelTreeCtrlTest : public testing::Test {
 protected:
-    /// Opens the edit of a label and types into it.
-    QLineEdit *Edit(HTREEITEM item, char const *text = "") {
-        QLineEdit *const edit = tree.EditLabel(item);
-        EXPECT_NE(edit, nullptr);
-        edit->setText(text);
-        return edit;
-    }
     CZelTreeCtrlTest() {
         tree.Expand(a, TVE_EXPAND);
         tree.EnableLeftDrag(true);
@@ -86,10 +71,11 @@ protected:
         return tree.Take();
     }
     [[nodiscard]] QWidget *Overlay() { return tree.viewport()->findChild<QWidget *>(); }
-    [[nodiscard]] std::pair<int, int> Images(HTREEITEM item) {
-        std::pair<int, int> images{-2, -2};
-        tree.GetItemImage(item, images.first, images.second);
-        return images;
+    [[nodiscard]] int Image(HTREEITEM item) {
+        std::pair image{-2, -2};
+        tree.GetItemImage(item, image.first, image.second);
+        EXPECT_EQ(image.first, image.second);
+        return image.first;
     }
     void ExpectNoDrag() {
         EXPECT_FALSE(tree.IsInDragMode());
@@ -211,8 +197,8 @@ TEST(CZelTreeCtrl, ADragBeyondTheEdgesScrollsAndTheTreeMayDieInIt) {
     stage.Press(stage.On(parent));
     stage.Move(stage.On(parent) + QPoint(30, 0), Qt::LeftButton);
     int const below = tree->viewport()->height();
-    // The pointer's place, and what stands first then: by siblings, from the first of them to their parent.
-    for (auto const &[y, first] : Rows<int, std::uint64_t>{
+    for (auto const &[y, first] : // by siblings, from the first of them to their parent
+         Rows<int, std::uint64_t>{
              {below - 1, 0}, {below, 1}, {below, 2}, {below, 3}, {0, 3}, {-1, 2}, {-1, 1}, {-1, 0}, {-1, 0}}) {
         stage.Move(QPoint(20, y), Qt::LeftButton);
         EXPECT_EQ(tree->GetItemData(tree->GetFirstVisibleItem()), first);
@@ -267,58 +253,50 @@ TEST_F(CZelTreeCtrlTest, WhatIsHandledIsNotDoneOnceMore) {
 
 TEST_F(CZelTreeCtrlTest, TheHooksDecideAboutAnEditOnlyWhileEditingIsEnabled) {
     tree.Take();
-    // Not enabled: nobody refuses, the hooks hear nothing, and the text stays.
-    QTest::keyClick(Edit(b, "new"), Qt::Key_Return);
-    EXPECT_EQ(tree.Take(), "");
-    EXPECT_EQ(tree.GetItemText(b), "b");
-
-    tree.EnableEdit(true);
-    tree.editResult = 1; // other than 0 refuses a begin and takes an end over
+    for (bool const isEnabled : {false, true}) {
+        tree.EnableEdit(isEnabled);
+        QLineEdit *const edit = tree.EditLabel(b);
+        ASSERT_NE(edit, nullptr);
+        edit->setText("new");
+        tree.editResult = isEnabled ? 1 : 0; // other than 0 takes an end over and refuses a begin
+        QTest::keyClick(edit, Qt::Key_Return);
+        EXPECT_EQ(tree.Take(), isEnabled ? "begin b, end new" : "");
+        EXPECT_EQ(tree.GetItemText(b), isEnabled ? "new" : "b");
+    }
     EXPECT_EQ(tree.EditLabel(b), nullptr);
-    EXPECT_EQ(tree.Take(), "begin b");
-    tree.editResult = 0;
-    QLineEdit *const edit = Edit(b, "new");
-    tree.editResult = 1;
-    QTest::keyClick(edit, Qt::Key_Return);
-    EXPECT_EQ(tree.Take(), "begin b, end new");
-    EXPECT_EQ(tree.GetItemText(b), "new");
+    EXPECT_EQ(tree.Take(), "begin new");
 }
 
-TEST_F(CZelTreeCtrlTest, AnEditGivesTheHorizontalScrollPositionBack) {
+TEST_F(CZelTreeCtrlTest, AnEditGivesTheHorizontalScrollPositionBackAndNoKeyToAShortcut) {
+    int triggered = 0;
+    tree.addAction("", Qt::CTRL | Qt::Key_K, [&triggered] { ++triggered; });
+    stage.Key(Qt::Key_K, Qt::ControlModifier);
     tree.EnableEdit(true);
     tree.SetItemText(b, std::string(100, 'w'));
     QScrollBar &bar = *tree.horizontalScrollBar();
     ASSERT_TRUE(Eventually([&] { return bar.maximum() > 100; }));
     tree.MoveScroll(SB_HORZ, 60);
-    std::ignore = Edit(b);
+    QLineEdit *const edit = tree.EditLabel(b);
+    QTest::keyClick(edit, Qt::Key_K, Qt::ControlModifier);
+    EXPECT_EQ(triggered, 1);
+    EXPECT_EQ(tree.GetEditControl(), edit);
     EXPECT_NE(bar.value(), 60); // the edit begins where the label does
     bar.setValue(30);
     EXPECT_EQ(tree.GetEditControl(), nullptr);
     EXPECT_EQ(bar.value(), 60);
 }
 
-TEST_F(CZelTreeCtrlTest, ShortcutsDoNotTakeTheKeysOfAnEdit) {
-    int triggered = 0;
-    tree.addAction("", Qt::CTRL | Qt::Key_K, [&triggered] { ++triggered; });
-    stage.Key(Qt::Key_K, Qt::ControlModifier);
-    QLineEdit *const edit = Edit(b);
-    QTest::keyClick(edit, Qt::Key_K, Qt::ControlModifier);
-    EXPECT_EQ(triggered, 1);
-    EXPECT_EQ(tree.GetEditControl(), edit);
-}
-
 TEST_F(CZelTreeCtrlTest, ImagesAreDrawnIntoTheOwnedList) {
     tree.DrawCircle(b, 0, 0, false); // without a list nothing happens
     EXPECT_TRUE(tree.DrawIcon(b, 1, "/no/such/file.png"));
-    EXPECT_EQ(Images(b).first, -1);
+    EXPECT_EQ(Image(b), -1);
 
     tree.InitImages();
-    EXPECT_EQ(Images(tree.AddItem("d", 4, TVI_ROOT, TVI_LAST)).first, 0) << "the default image";
+    EXPECT_EQ(Image(tree.AddItem("d", 4, TVI_ROOT, TVI_LAST)), 0) << "the default image";
     tree.DrawCircleSmall(a1, Rgb(255, 0, 0), 0);
     tree.DrawRect(a2, Rgb(0, 255, 0), Rgb(0, 0, 255));
     tree.DrawCircle(b, Rgb(0, 0, 255), 0, false);
     tree.DrawCircle(c, Rgb(0, 0, 255), Rgb(255, 0, 0), true);
-    EXPECT_EQ(Images(a2).first, Images(a2).second);
     TempFolder const folder;
     for (DString const &file : {DString("/no/such/file.png"), folder.Path(), folder.Write("text.png", "no picture")})
         EXPECT_FALSE(tree.DrawIcon(a, 1, file.c_str())) << file;
@@ -329,7 +307,7 @@ TEST_F(CZelTreeCtrlTest, ImagesAreDrawnIntoTheOwnedList) {
         {a2, 2, Qt::blue}, {a2, 13, Qt::blue}, {a2, 3, Qt::green}, {a2, 14, Qt::transparent},
         {a1, 8, Qt::red},  {b, 8, Qt::blue},   {c, 8, Qt::red}};
     for (auto const &[item, at, color] : pixels) {
-        QImage const image = platform::ListPicture(tree.GetImageList(TVSIL_NORMAL), Images(item).first, 1).toImage();
+        QImage const image = platform::ListPicture(tree.GetImageList(TVSIL_NORMAL), Image(item), 1).toImage();
         EXPECT_EQ(image.pixelColor(at, at).rgba(), color.rgba()) << item->text << at;
     }
     EXPECT_EQ(ColorAt(*tree.viewport(), {stage.Label(a2).left - 8, stage.On(a2).y()}), QColor(Qt::green));
@@ -339,7 +317,7 @@ TEST_F(CZelTreeCtrlTest, ImagesAreDrawnIntoTheOwnedList) {
     setenv("ZELVAR_INSTALL_DIR", (folder / "install").c_str(), 1);
     for (auto const &[file, shown] : {std::pair{here, here}, {"there.png", there}, {"nowhere.png", there}}) {
         EXPECT_EQ(tree.DrawPluginIcon(b, 0, file.c_str()), file != "nowhere.png");
-        EXPECT_EQ(tree.GetZelImageList().GetHandle()->Get(Images(b).first).name, shown);
+        EXPECT_EQ(tree.GetZelImageList().GetHandle()->Get(Image(b)).name, shown);
     }
     unsetenv("ZELVAR_INSTALL_DIR");
 }

@@ -8,10 +8,11 @@
 namespace zelvar {
 namespace {
 
+using test::TextOf;
 using test::TreeStage;
 
 /// A view that writes down what it is told.
-class TellingTree : public TreeView {
+class TellingTree : public TreeView, public test::Teller {
 public:
     TellingTree() {
         connect(this, &TreeView::ItemExpanding, this, [this](TreeExpanding *expanding) {
@@ -20,25 +21,15 @@ public:
             if (fill && expanding->item->FirstChild() == nullptr)
                 InsertItem("filled", expanding->item);
         });
-        connect(this, &TreeView::SelChanged, this, [this](TreeNode *former, TreeNode *now) {
-            Tell((former == nullptr ? "-" : former->text) + ">" + (now == nullptr ? "-" : now->text));
-        });
+        connect(this, &TreeView::SelChanged, this,
+                [this](TreeNode *former, TreeNode *now) { Tell(TextOf(former) + ">" + TextOf(now)); });
     }
-    std::string Take() { return std::exchange(m_told, {}); }
-    void Tell(std::string const &what) { m_told += (m_told.empty() ? "" : ", ") + what; }
     bool veto = false;
     bool fill = false;
 
 protected:
     void OnDeleteItem(HTREEITEM item) override { Tell("-" + item->text); }
-    bool OnRclick(Point point) override {
-        TreeNode *const item = HitTest(point);
-        Tell("menu " + (item == nullptr ? DString("-") : item->text));
-        return true;
-    }
-
-private:
-    std::string m_told;
+    bool OnRclick(Point point) override { return Tell("menu " + TextOf(HitTest(point))), true; }
 };
 
 struct Family {
