@@ -49,8 +49,7 @@ struct CountedList : testing::Test {
 };
 
 TEST_F(CountedList, DerivedClassesChooseRowsAndColumnsAndSeeEachValue) {
-    class Choosy : public CADIListCtrl {
-    public:
+    struct Choosy : CADIListCtrl {
         using CADIListCtrl::CADIListCtrl;
         bool OnFilterRow(int row) override { return row % 2 == 1; }
         bool OnFilterCol(int col, DString &name) override { return name += "!", col == 1; }
@@ -108,22 +107,19 @@ TEST_F(CountedList, WithoutRowsIsEmpty) {
 }
 
 TEST_F(CountedList, AClickOnAHeadingReadsAllSortsAndSelectsNothing) {
-    fate.rows = 12;
+    fate.rows = 1000;
     list.SetNumRow(3, 0);
     test::Stage stage(list);
     stage.Click(1);
-    list.EnblSort(false);
-    stage.ClickHeading(0);
-    EXPECT_EQ(list.GetID(0), 0);
-    EXPECT_EQ(list.GetLastSort().GetCol(), 0) << "remembered all the same";
-    list.EnblSort(true);
-    list.GetLastSort() = {};
-    for (auto const &[heading, row, text] : test::Rows<int, int, char const *>{
-             {0, 0, "11"}, {0, 0, "0"}, {2, 2, "row 10"}, {1, 0, "11"}}) { // the highest id on top, "10" behind "1"
+    // One that is switched off is remembered all the same; then the highest id comes on top, and "10" behind "1".
+    test::Rows<bool, int, int, char const *> const clicks = {
+        {false, 0, 0, "0"}, {true, 0, 0, "0"}, {true, 0, 0, "999"}, {true, 2, 2, "row 10"}, {true, 1, 0, "999"}};
+    for (auto const &[isEnabled, heading, row, text] : clicks) {
+        list.EnblSort(isEnabled);
         stage.ClickHeading(heading);
         EXPECT_EQ(list.OnGetItemText(row, heading), text);
-        EXPECT_EQ(stage.Selected(), "");
-        EXPECT_TRUE(fate.isClosed);
+        EXPECT_EQ(stage.Selected(), isEnabled ? "" : "1");
+        EXPECT_EQ(fate.isClosed, isEnabled);
     }
 }
 
@@ -137,8 +133,7 @@ TEST_F(CountedList, AFailureIsNoEndAndIsTriedAgainAfterAWhile) {
     EXPECT_EQ(list.OnGetItemText(0, 1), "0"); // not sorted
     EXPECT_GT(list.GetNumRow(), 30);          // or nobody would ask for more
     int const asks = fate.asks;
-    for (int i = 0; i < 10; ++i)
-        EXPECT_EQ(list.OnGetItemText(30, 1), "");
+    EXPECT_EQ(list.OnGetItemText(30, 1), "");
     EXPECT_EQ(fate.asks, asks);
     EXPECT_TRUE(test::Eventually([&] { return list.OnGetItemText(30, 1).empty() && fate.asks > asks; }));
     EXPECT_EQ(fate.lastAsked, 30); // the same row
@@ -150,15 +145,13 @@ TEST_F(CountedList, AFailureIsNoEndAndIsTriedAgainAfterAWhile) {
 }
 
 TEST_F(CountedList, EscapeStopsASortAndLeavesTheListAsItWas) {
+    fate.rows = 10'000'000;
     list.SetNumRow(20, 0);
     test::Stage stage(list);
     stage.Click(1);
-    auto const begin = std::chrono::steady_clock::now();
     fate.duringStep = [&] {
         if (fate.asks % 1000 == 0)
             QCoreApplication::postEvent(&list, new QKeyEvent(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier));
-        if (std::chrono::steady_clock::now() > begin + std::chrono::seconds(20))
-            fate.rows = 0; // or the test would never end
     };
     stage.ClickHeading(2);
     fate.duringStep = [] {};

@@ -9,8 +9,7 @@ namespace zelvar {
 namespace {
 
 /// Four columns, the first read-only, the others editable; a parent with id 7 that writes down what it is told.
-class Editing : public testing::Test {
-protected:
+struct Editing : testing::Test {
     Editing() {
         platform::SetDlgCtrlID(parent, 7);
         platform::SetDlgCtrlID(*list, 8);
@@ -67,7 +66,6 @@ TEST_F(Editing, EveryKeyMovesAsTold) {
         {"Ctrl+Home", 5, 2, Qt::Key_Home, Qt::ControlModifier, "0,2"},
         {"Ctrl+End", 5, 2, Qt::Key_End, Qt::ControlModifier, At(kRows - 1, 2)},
         {"Home stays", 5, 2, Qt::Key_Home, {}, "5,2"},
-        {"End stays", 5, 2, Qt::Key_End, {}, "5,2"},
         {"Page Up", 30, 1, Qt::Key_PageUp, {}, At(30 - page, 1)},
         {"Page Up at the top", 2, 1, Qt::Key_PageUp, {}, "0,1"},
         {"Page Down", 2, 1, Qt::Key_PageDown, {}, At(2 + page, 1)},
@@ -164,8 +162,8 @@ TEST_F(Editing, ADoubleClickOpensAnEditableCellAndSelectsTheRowOfAnother) {
 TEST_F(Editing, AVetoKeepsTheCellShutAndReadOnlyColumnsAreSkippedOnlyWhereWanted) {
     veto = true;
     list->OnEdit(1, 1, false);
-    EXPECT_EQ(Where(), "none");
     EXPECT_EQ(told, "begin 1,1 from 8 to 7");
+    EXPECT_EQ(Where(), "none");
     veto = false;
     for (auto const &[row, col, skips, where] :
          test::Rows<int, int, bool, char const *>{{1, 0, true, "1,1"}, {1, 0, false, "1,0"}, {kRows, 1, true, "1,0"}}) {
@@ -182,11 +180,9 @@ TEST_F(Editing, AVetoKeepsTheCellShutAndReadOnlyColumnsAreSkippedOnlyWhereWanted
 
 TEST_F(Editing, TheEditGrowsWithItsTextToTheEdgeOfTheListAndNeverShrinks) {
     Open(1, 1);
-    int const before = Cell()->width();
     QTest::keyClicks(Cell(), QStringLiteral("wwwwwwwwwwwwwww"));
     int const grown = Cell()->width();
-    EXPECT_GT(grown, before);
-    EXPECT_NEAR(grown, list->fontMetrics().horizontalAdvance(Cell()->text()) + 5, 45);
+    EXPECT_EQ(grown, list->fontMetrics().horizontalAdvance(Cell()->text()) + 5);
     for (int i = 0; i < 12; ++i)
         QTest::keyClick(Cell(), Qt::Key_Backspace);
     EXPECT_EQ(Cell()->width(), grown);

@@ -130,23 +130,21 @@ TEST(CListCtrlFlex, TheIndentAndTheImageMoveTheFirstTextOnlyAndEditsStandOnTexts
         list.ModifyStyle(LVS_NOCOLUMNHEADER, style);
         list.SetColumnOrderArray({first, 1 - first});
         list.setLayoutDirection(run % 2 == 0 ? Qt::LeftToRight : Qt::RightToLeft);
-        QImage const image = list.viewport()->grab().toImage();
-        int const ratio = static_cast<int>(image.devicePixelRatio());
-        auto const turned = [&](int x, int width) { return list.isRightToLeft() ? width - 1 - x : x; };
+        QImage const image = test::PictureOf(*list.viewport());
+        auto const turned = [&](int x) { return list.isRightToLeft() ? image.width() - 1 - x : x; };
         auto const inkIn = [&](int from, int to) {
-            for (int x = from * ratio; x < to * ratio; ++x)
-                for (int y = 0; y < list.RowHeight() * ratio; ++y)
-                    if (image.pixelColor(turned(x, image.width()), y).lightness() < 100)
+            for (int x = from; x < to; ++x)
+                for (int y = 0; y < list.RowHeight(); ++y)
+                    if (image.pixelColor(turned(x), y).lightness() < 100)
                         return true;
             return false;
         };
         EXPECT_FALSE(inkIn(16, 46)) << "the image stands at the edge, the text behind the indent";
         for (auto const &[col, start] : {std::pair{0, name}, {1, note}}) {
             EXPECT_TRUE(inkIn(start, start + 6)) << col;
-            int const edge = turned(start, list.viewport()->width());
             Rect const label = list.GetSubItemRect(0, col, LVIR_LABEL);
-            EXPECT_EQ(list.isRightToLeft() ? label.right - 1 : label.left, edge) << col;
-            EXPECT_EQ(list.SubItemHitTest({edge, 5}).col, col);
+            EXPECT_EQ(list.isRightToLeft() ? label.right - 1 : label.left, turned(start)) << col;
+            EXPECT_EQ(list.SubItemHitTest({turned(start), 5}).col, col);
         }
     }
 }

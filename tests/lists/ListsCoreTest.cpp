@@ -1,7 +1,8 @@
-#include "zelvar/lists/core/CellOrder.h"
-
 #include "support/Test.h"
 #include "zelvar/lists/core/CellCache.h"
+#include "zelvar/lists/core/CellNumber.h"
+#include "zelvar/lists/core/CellOrder.h"
+#include "zelvar/lists/core/FlexColumns.h"
 
 #include <random>
 
@@ -32,10 +33,53 @@ Texts Sorted(Texts const &column, bool ascending = true) {
     return sorted;
 }
 
+TEST(FlexColumns, GrowMoveAndGo) {
+    FlexColumns columns;
+    auto const types = [&] {
+        std::vector<ADIColType> found;
+        for (int col = 0; col < columns.Size(); ++col)
+            found.push_back(columns.Type(col));
+        return found;
+    };
+    columns.Set(2, {true, ADICol_Int});
+    columns.Set(-1, {true, ADICol_Int});
+    columns.Grow(-5);
+    EXPECT_THAT(types(), ElementsAre(ADICol_None, ADICol_None, ADICol_Int)); // those between have none
+    EXPECT_TRUE(columns.Type(3) == ADICol_String && columns.Type(-1) == ADICol_String) << "those beyond are text";
+    columns.Set(1, {false, ADICol_Double});
+    columns.Move(0, 2);
+    EXPECT_THAT(types(), ElementsAre(ADICol_Double, ADICol_Int, ADICol_None));
+    columns.Move(3, 0); // from outside
+    columns.Move(2, -1);
+    EXPECT_THAT(types(), ElementsAre(ADICol_None, ADICol_Double, ADICol_Int));
+    columns.Remove(1);
+    columns.Remove(9);
+    EXPECT_THAT(types(), ElementsAre(ADICol_None, ADICol_Int));
+}
+
+TEST(FlexColumns, WithoutAnEditableOneNoRowIsWalked) {
+    FlexColumns columns;
+    columns.Set(1, {true, ADICol_String});
+    for (auto [cols, found, item, subItem] : test::Rows<int, bool, int, int>{{3, true, 7, 2}, {1, false, 7, 0}}) {
+        EXPECT_EQ(FindEditableCell(columns, 2'000'000'000, cols, item, subItem), found);
+        EXPECT_EQ(std::pair(item, subItem), found ? std::pair(8, 1) : std::pair(2'000'000'000, 0));
+    }
+}
+
+TEST(CellNumber, ATextMayBeginWithANumber) {
+    std::tuple<char const *, std::optional<double>> const cases[] = {
+        {"12", 12.0},    {"  -3.5 m", -3.5},    {"+7", 7.0},  {"1e3", 1000.0},    {".5", 0.5},
+        {"0x1F", 31.0},  {"0xz", 0.0},          {"1,5", 1.0}, {"inf", kInfinite}, {"abc", {}},
+        {"", {}},        {"   ", {}},           {"--1", {}},  {"+-1", {}},        {"1e999", kInfinite},
+        {"1e-999", 0.0}, {"-1e999", -kInfinite}};
+    for (auto const &[text, value] : cases)
+        EXPECT_EQ(ParseCellNumber(text), value) << text;
+    EXPECT_TRUE(std::isnan(ParseCellNumber("nan").value_or(0)));
+}
+
 TEST(CellOrder, ANumberIsWhatATextBeginsWithAndAWordIsNone) {
     test::Rows<double, std::vector<char const *>> const cases = {
         {0, {"", "abc", "nan", "-nan", "NaN(1)", "Nantes", "Information", "infinite", "-1e-999", "- 5"}},
-        {12, {"  12abc", "+12"}},
         {kInfinite, {" inf ", "1e999", ".1e999"}},
         {-kInfinite, {"-Infinity"}}};
     for (auto const &[number, texts] : cases)
@@ -93,20 +137,12 @@ TEST(CellOrder, AStoppedSortLeavesTheOrder) {
 }
 
 TEST(CellCache, TextsOfAnySizeStayWhereTheyAre) {
-    CellCache cache;
-    cache.SetStride(2);
-    auto const text = [](int row) {
-        return std::string(static_cast<std::size_t>(row * row % 5000), "abcdefg"[row % 7]);
-    };
-    std::string const large(1'000'000, 'x');
-    for (int row = 0; row < 3000; ++row) {
-        cache.AddRow();
-        cache.AddCell(row % 300 == 0 ? large : text(row));
-        cache.AddCell(text(row));
-    }
+    Texts column;
+    for (std::size_t row = 0; row < 3000; ++row)
+        column.emplace_back(row % 300 == 0 ? 1'000'000 : row * row % 5000, static_cast<char>('a' + row % 20));
+    CellCache cache = Filled(column);
     for (int row = 0; row < cache.Rows(); ++row)
-        ASSERT_EQ(cache.Cell(row, 1), text(row));
-    EXPECT_EQ(cache.Cell(2700, 0), large);
+        ASSERT_EQ(cache.Cell(row, 0), column[static_cast<std::size_t>(row)]);
 }
 
 TEST(CellCache, EqualCellsShareTheirTextAndNothingIsLostBehindANul) {
