@@ -111,8 +111,7 @@ TEST(CZelDockBar, AnotherWindowWithTheSameBarsGetsTheSameArrangement) {
     EXPECT_EQ(second.channels->width(), 240);
     EXPECT_GT(second.channels->height(), second.history->height() + 100);
     EXPECT_EQ(second.window.tabifiedDockWidgets(second.history).value(0), second.log);
-    EXPECT_FALSE(second.history->visibleRegion().isEmpty()) << "the front one of the tabs";
-    EXPECT_TRUE(second.log->visibleRegion().isEmpty());
+    EXPECT_TRUE(second.log->visibleRegion().isEmpty() && !second.history->visibleRegion().isEmpty()) << "in front";
     EXPECT_TRUE(second.layers->isHidden());
     EXPECT_TRUE(second.info->isFloating());
     EXPECT_EQ(second.info->geometry(), QRect(150, 120, 250, 200));
@@ -228,13 +227,13 @@ TEST(CZelDockBar, F6WalksTheBarsAndTheMiddleBothWays) {
     EXPECT_TRUE(comesTo(Qt::ShiftModifier, middle));
     EXPECT_TRUE(comesTo(Qt::ShiftModifier, frame.info->widget()));
     frame.window.activateWindow();
-    frame.layers->ShowControlBar(true, true);
+    frame.channels->ShowControlBar(true, true);
+    EXPECT_TRUE(test::Eventually([&] { return QApplication::focusWidget() == frame.channels->widget(); }));
     auto *const close = frame.layers->findChild<QAbstractButton *>("qt_dockwidget_closebutton");
     ASSERT_NE(close, nullptr);
     close->setFocus(Qt::TabFocusReason);
     QTest::keyClick(close, Qt::Key_Space);
-    EXPECT_TRUE(frame.layers->isHidden());
-    EXPECT_FALSE(frame.layers->toggleViewAction()->isChecked());
+    EXPECT_TRUE(frame.layers->isHidden() && !frame.layers->toggleViewAction()->isChecked());
     frame.layers->toggleViewAction()->trigger();
     EXPECT_TRUE(frame.layers->isVisible());
 }
@@ -311,8 +310,7 @@ TEST(CZelToolBar, OneButtonOfAGroupIsDownAndTheOthersAreTheirOwn) {
     EXPECT_EQ(buttons.told, (std::vector<int>{kZoom, kZoom, kGrid, kOpen}));
     bar.SetButtonShortcut(kOpen, QKeySequence(Qt::CTRL | Qt::Key_O));
     EXPECT_EQ(buttons.Button(kOpen)->toolTip(), "Tool 11 (Ctrl+O)");
-    EXPECT_TRUE(bar.RemoveButton(kOpen));
-    EXPECT_FALSE(bar.RemoveButton(kOpen));
+    EXPECT_TRUE(bar.RemoveButton(kOpen) && !bar.RemoveButton(kOpen));
     EXPECT_EQ(bar.CommandToIndex(kPan), 0);
     bar.SetTextPlace(CZelToolBar::TextPlace::Beside);
     EXPECT_EQ(buttons.Button(kPan)->toolButtonStyle(), Qt::ToolButtonTextBesideIcon);
@@ -340,7 +338,7 @@ TEST(CZelToolBar, ItsUserCustomizesIt) {
     EXPECT_EQ(customize(QDialogButtonBox::Ok, hideFirst), -kPan);
     auto const reset = [](QListWidget &list) {
         QList<QPushButton *> const pushed = list.window()->findChildren<QPushButton *>();
-        EXPECT_FALSE(pushed.value(0)->isEnabled()) << "the first row goes no further up";
+        EXPECT_TRUE(list.currentRow() == 0 && !pushed.value(0)->isEnabled()) << "it goes no further up";
         test::Click(pushed.value(2));
     };
     EXPECT_EQ(customize(QDialogButtonBox::Ok, reset), kOpen);
