@@ -139,6 +139,7 @@ TEST(CListCtrlFlex, TheIndentAndTheImageMoveTheFirstTextOnlyAndEditsStandOnTexts
                         return true;
             return false;
         };
+        EXPECT_NE(image.pixelColor(turned(8), 8), image.pixelColor(turned(20), 8));
         EXPECT_FALSE(inkIn(16, 46)) << "the image stands at the edge, the text behind the indent";
         for (auto const &[col, start] : {std::pair{0, name}, {1, note}}) {
             EXPECT_TRUE(inkIn(start, start + 6)) << col;

@@ -166,8 +166,7 @@ TEST(CZelListCtrl, TheSelectionIsReadWrittenAndClickedUnlessSeveralRowsAreSelect
     for (int const row : {3, 1, 6, -1})
         list.SetSlct(row, true);
     EXPECT_TRUE(list.GetFrstSlct() == 1 && list.GetCrntSlct() == 1);
-    EXPECT_EQ(list.SetSlctByItemData(40, true), 4);
-    EXPECT_EQ(list.SetSlctByItemData(41, true), -1);
+    EXPECT_TRUE(list.SetSlctByItemData(40, true) == 4 && list.SetSlctByItemData(41, true) == -1);
     DVector<int> rows;
     list.GetSlct(rows);
     EXPECT_EQ(rows, (DVector<int>{1, 3, 4}));

@@ -58,11 +58,14 @@ TEST(FlexColumns, GrowMoveAndGo) {
 }
 
 TEST(FlexColumns, WithoutAnEditableOneNoRowIsWalked) {
-    FlexColumns columns;
-    columns.Set(1, {true, ADICol_String});
-    for (auto [cols, found, item, subItem] : test::Rows<int, bool, int, int>{{3, true, 7, 2}, {1, false, 7, 0}}) {
-        EXPECT_EQ(FindEditableCell(columns, 2'000'000'000, cols, item, subItem), found);
-        EXPECT_EQ(std::pair(item, subItem), found ? std::pair(8, 1) : std::pair(2'000'000'000, 0));
+    constexpr int rows = 2'000'000'000;
+    for (auto const &[editable, cols, expected] :
+         test::Rows<int, int, std::pair<int, int>>{{1, 3, {8, 1}}, {0, 1, {8, 0}}, {1, 1, {rows, 2}}}) {
+        FlexColumns columns;
+        columns.Set(editable, {true, ADICol_String});
+        std::pair cell{7, 2};
+        EXPECT_EQ(FindEditableCell(columns, rows, cols, cell.first, cell.second), expected.first < rows);
+        EXPECT_EQ(cell, expected);
     }
 }
 

@@ -1,6 +1,7 @@
 #include "zelvar/platform/ui/Pictures.h"
 
 #include "support/GuiTest.h"
+#include "zelvar/platform/ui/PaletteColors.h"
 #include "zelvar/platform/ui/SystemColor.h"
 #include "zelvar/platform/ui/Text.h"
 
@@ -160,6 +161,15 @@ TEST(SystemColor, ColoursKeepRedInTheLowestByte) {
     EXPECT_EQ(ToQColor(0x030201U), QColor(1, 2, 3));
     EXPECT_EQ(SystemColor(COLOR_HIGHLIGHT), ToColorRef(QGuiApplication::palette().color(QPalette::Highlight)));
     EXPECT_EQ(SystemColor(999), 0U);
+}
+
+TEST(PaletteColors, AFixedColourTurnsWithTheDesktopsPalette) {
+    EXPECT_EQ(Mixed(QColor(10, 20, 30), QColor(30, 60, 90), 0.5), QColor(20, 40, 60));
+    EXPECT_EQ(Themed(QColor(230, 20, 10)), QColor(230, 20, 10));
+    test::DarkPalette const dark;
+    for (auto const &[color, themed] :
+         {std::pair{QRgb{0xFFFFFFFF}, QRgb{0xFF232323}}, {0xFF000000, 0xFFF0F0F0}, {0xFFFF0000, 0xFFFF1414}})
+        EXPECT_EQ(Themed(color).rgb(), themed) << color; // the hue stays
 }
 
 } // namespace
