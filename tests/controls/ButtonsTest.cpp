@@ -159,6 +159,9 @@ TEST(CDownBmpButton, TheKeyboardDoesBoth) {
     EXPECT_TRUE(drop.Opens([&] { QTest::keyClick(&drop.button, Qt::Key_F4); }));
     EXPECT_TRUE(drop.Opens([&] { QTest::keyClick(&drop.button, Qt::Key_Down, Qt::AltModifier); }));
     EXPECT_FALSE(drop.Opens([&] { QTest::keyClick(&drop.button, Qt::Key_Down); }));
+    drop.button.SetWholeDropDown(true);
+    for (auto const &[key, opens] : {std::pair{Qt::Key_Space, true}, {Qt::Key_Return, true}, {Qt::Key_Down, false}})
+        EXPECT_EQ(drop.Opens([&, press = key] { QTest::keyClick(&drop.button, press); }), opens) << key;
     EXPECT_EQ(drop.clicks.count(), 3);
 }
 

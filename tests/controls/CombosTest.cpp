@@ -21,8 +21,7 @@ TEST(CZelComboBox, FindsByStartInAnyCaseAndGoesRound) {
     EXPECT_EQ(combo.FindString("bi", 1), 2);
     EXPECT_EQ(combo.FindString("bi", 2), 1);
     EXPECT_EQ(combo.FindString("near", 0), 0) << "itself, once round";
-    EXPECT_EQ(combo.SelectString("bicu"), 2);
-    EXPECT_EQ(combo.SelectString("x"), -1);
+    EXPECT_TRUE(combo.SelectString("bicu") == 2 && combo.SelectString("x") == -1);
     EXPECT_EQ(combo.GetCurSel(), 2);
 }
 
@@ -52,9 +51,8 @@ TEST(CZelImgComboBox, TheFieldShowsTheSelectedPictureAndTheListTheOther) {
     EXPECT_EQ(combo.AddString("Raster", pictures.red, pictures.green), 0);
     EXPECT_EQ(combo.AddString("Band", pictures.red, -1, 2), 1);
     EXPECT_EQ(combo.GetItemSelectedImage(1), pictures.red);
-    EXPECT_EQ(combo.GetItemIndent(1), 2);
-    EXPECT_EQ(combo.GetItemIndent(2), -1);
-    EXPECT_FALSE(combo.SetItemImage(2, 0));
+    EXPECT_TRUE(combo.GetItemIndent(1) == 2 && combo.GetItemIndent(2) == -1);
+    EXPECT_FALSE(combo.SetItemImage(2, 0) || combo.SetItemIndent(2, 1) || combo.SetItemIndent(-1, 1));
     for (QSize const room : {QSize(40, 16), QSize(16, 40)}) { // in its middle
         QImage const drawn = combo.itemIcon(1).pixmap(room, 1).toImage();
         EXPECT_EQ(ColorsIn(drawn.copy(room.width() / 2 - 6, room.height() / 2 - 6, 12, 12), QColor(250, 0, 0)), 144);
@@ -176,8 +174,7 @@ TEST(CZelColorComboBox, TheLastEntryAsksForAColour) {
     EXPECT_TRUE(test::Eventually([&] { return *chosen; }));
     EXPECT_EQ(colors.combo.GetColor(), Rgb(9, 8, 7));
     auto const left = test::OnNextDialog([](QWidget &) {});
-    EXPECT_FALSE(colors.combo.AskForColor());
-    EXPECT_TRUE(*left);
+    EXPECT_TRUE(!colors.combo.AskForColor() && *left);
     EXPECT_EQ(colors.combo.GetWindowText(), "#090807");
 }
 
