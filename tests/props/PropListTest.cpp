@@ -10,6 +10,8 @@
 #include <QtWidgets/QPlainTextEdit>
 #include <QtWidgets/QToolButton>
 
+#include <ctime>
+
 namespace zelvar {
 namespace {
 
@@ -424,7 +426,7 @@ TEST(CZelPropList, TenThousandPropertiesFillInAMoment) {
     CZelPropList list;
     list.SetVSDotNetLook(true);
     list.show();
-    auto const before = std::chrono::steady_clock::now();
+    std::clock_t const before = std::clock(); // its own time, whatever else the machine does
     for (int g = 0; g < 100; ++g) {
         auto *const group = new CZelProp("Group");
         list.AddProperty(group);
@@ -435,7 +437,7 @@ TEST(CZelPropList, TenThousandPropertiesFillInAMoment) {
     list.SetAlphabeticMode(false);
     list.RemoveAll();
     // Far above what it takes, far below what anything quadratic would.
-    EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::seconds(4));
+    EXPECT_LT(std::clock() - before, 4 * CLOCKS_PER_SEC);
 }
 
 } // namespace
