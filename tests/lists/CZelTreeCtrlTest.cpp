@@ -338,7 +338,7 @@ TEST(CZelTreeCtrlEx, CursorsAreChained) {
     root.InsertAfter("middle", root.GetChild());
     EXPECT_EQ(root.GetChild().GetNextSibling().GetText(), "middle");
     EXPECT_EQ(root.GetChild().GetNextSibling().GetNextSibling(), last);
-    EXPECT_EQ(last.GetImageID(), 3);
+    EXPECT_TRUE(last.GetImageID() == 3 && last.SetImage(5, 5) && last.GetImageID() == 5);
     EXPECT_EQ(last.GetParent(), root);
     EXPECT_TRUE(root.SortChildren() && root.GetChild().GetNextSibling() == last) << "first, last, middle";
     EXPECT_TRUE(root.Expand() && root.IsExpanded() && root.HasChildren());
