@@ -165,7 +165,6 @@ bool CZelToolBar::IsButtonPressed(int id) const {
 void CZelToolBar::EnableButton(int id, bool enable) {
     if (QAction *const button = GetButton(id))
         button->setEnabled(enable);
-    UpdateReach();
 }
 
 bool CZelToolBar::IsButtonEnabled(int id) const {
@@ -176,7 +175,6 @@ bool CZelToolBar::IsButtonEnabled(int id) const {
 void CZelToolBar::ShowButton(int id, bool show) {
     if (QAction *const button = GetButton(id))
         button->setVisible(show);
-    UpdateReach();
 }
 
 bool CZelToolBar::IsButtonShown(int id) const {

@@ -35,12 +35,15 @@ TEST(BringOntoScreen, LeavesWhatCanBeSeenAndFetchesTheRest) {
         {{5000, 5000, 5200, 5100}, {1400, 500, 1600, 600}},
         {{-kHuge, -kHuge, kHuge, kHuge}, {0, 0, 800, 600}},
         {{kHuge, kHuge, -kHuge, -kHuge}, {1560, 560, 1600, 600}}};
-    for (auto const &[rect, expected] : cases) {
-        Rect const placed = BringOntoScreen(rect, screens);
-        EXPECT_TRUE(placed == expected) << rect.left << ", " << rect.top << " comes to " << placed.left << ", "
-                                        << placed.top << ", " << placed.right << ", " << placed.bottom;
-    }
+    for (auto const &[rect, expected] : cases)
+        EXPECT_EQ(BringOntoScreen(rect, screens), expected) << rect.left << ", " << rect.top;
     EXPECT_EQ(BringOntoScreen({1, 2, 101, 102}, {}).left, 1);
+}
+
+bool IsInReach(CZelDockBar const &bar) {
+    QRect const at = bar.geometry();
+    Rect const rect{at.left(), at.top(), at.left() + at.width(), at.top() + at.height()};
+    return BringOntoScreen(rect, ScreenRects()) == rect;
 }
 
 enum Commands : int { kOpen = 11, kPan, kZoom, kMeasure, kGrid, kScale };
@@ -108,13 +111,10 @@ TEST(CZelDockBar, AnotherWindowWithTheSameBarsGetsTheSameArrangement) {
     EXPECT_EQ(second.channels->width(), 240);
     EXPECT_GT(second.channels->height(), second.history->height() + 100);
     EXPECT_EQ(second.window.tabifiedDockWidgets(second.history).value(0), second.log);
-    EXPECT_FALSE(second.history->visibleRegion().isEmpty()) << "the front one of the tabs";
-    EXPECT_TRUE(second.log->visibleRegion().isEmpty());
+    EXPECT_TRUE(second.log->visibleRegion().isEmpty() && !second.history->visibleRegion().isEmpty()) << "in front";
     EXPECT_TRUE(second.layers->isHidden());
     EXPECT_TRUE(second.info->isFloating());
     EXPECT_EQ(second.info->geometry(), QRect(150, 120, 250, 200));
-    EXPECT_EQ(second.tools->GetItemID(0), kMeasure);
-    EXPECT_FALSE(second.tools->IsButtonShown(kPan));
     EXPECT_EQ(second.window.toolBarArea(second.view), Qt::BottomToolBarArea);
     test::Shot(second.window, "bars-restored");
     // The first one's own state brings nothing out of place.
@@ -180,7 +180,6 @@ TEST(CZelDockBar, HostileStatesLeaveEveryBarInReach) {
         "nan", "-1",   "0",          "1e308", "99999999999999999999", "-9223372036854775808", "0x7f",
         "",    "left", "2147483647", "true"};
     Frame frame;
-    std::vector<Rect> const screens = ScreenRects();
     for (DString const value : values) {
         DString text = "<DOCKBAR_DATA version='" + value + "'>";
         for (char const *const id : {"1", "2", "3", "5"})
@@ -198,9 +197,7 @@ TEST(CZelDockBar, HostileStatesLeaveEveryBarInReach) {
         EXPECT_TRUE(frame.Load(text)) << value;
         for (CZelDockBar const *const bar : {frame.layers, frame.channels, frame.history, frame.info}) {
             EXPECT_TRUE(bar->isFloating()) << value;
-            QRect const at = bar->geometry();
-            Rect const rect{at.left(), at.top(), at.left() + at.width(), at.top() + at.height()};
-            EXPECT_TRUE(BringOntoScreen(rect, screens) == rect) << value << " puts it at " << at.x() << ", " << at.y();
+            EXPECT_TRUE(IsInReach(*bar)) << value << " puts it at " << bar->x() << ", " << bar->y();
         }
         EXPECT_EQ(frame.tools->GetCount(), 4);
     }
@@ -230,13 +227,13 @@ TEST(CZelDockBar, F6WalksTheBarsAndTheMiddleBothWays) {
     EXPECT_TRUE(comesTo(Qt::ShiftModifier, middle));
     EXPECT_TRUE(comesTo(Qt::ShiftModifier, frame.info->widget()));
     frame.window.activateWindow();
-    frame.layers->ShowControlBar(true, true);
+    frame.channels->ShowControlBar(true, true);
+    EXPECT_TRUE(test::Eventually([&] { return QApplication::focusWidget() == frame.channels->widget(); }));
     auto *const close = frame.layers->findChild<QAbstractButton *>("qt_dockwidget_closebutton");
     ASSERT_NE(close, nullptr);
     close->setFocus(Qt::TabFocusReason);
     QTest::keyClick(close, Qt::Key_Space);
-    EXPECT_TRUE(frame.layers->isHidden());
-    EXPECT_FALSE(frame.layers->toggleViewAction()->isChecked());
+    EXPECT_TRUE(frame.layers->isHidden() && !frame.layers->toggleViewAction()->isChecked());
     frame.layers->toggleViewAction()->trigger();
     EXPECT_TRUE(frame.layers->isVisible());
 }
@@ -257,10 +254,7 @@ TEST(CZelDockBar, AStateTakesABarNowhereThatTheBarItselfRefuses) {
 TEST(CZelDockBar, ABarThatFloatsComesBackToItsPlaceAndOneFarAwayIsFetched) {
     Frame frame;
     frame.channels->Float({-5000, 90000, -4800, 90100});
-    EXPECT_TRUE(BringOntoScreen(
-                    {frame.channels->x(), frame.channels->y(), frame.channels->x() + 200, frame.channels->y() + 100},
-                    ScreenRects())
-                    .left == frame.channels->x());
+    EXPECT_TRUE(IsInReach(*frame.channels));
     EXPECT_FALSE(frame.layers->AttachToTabWnd(*frame.channels)) << "tabs are where bars are docked";
     EXPECT_FALSE(frame.layers->AttachToTabWnd(*frame.layers));
     frame.channels->setFloating(false);
@@ -316,9 +310,10 @@ TEST(CZelToolBar, OneButtonOfAGroupIsDownAndTheOthersAreTheirOwn) {
     EXPECT_EQ(buttons.told, (std::vector<int>{kZoom, kZoom, kGrid, kOpen}));
     bar.SetButtonShortcut(kOpen, QKeySequence(Qt::CTRL | Qt::Key_O));
     EXPECT_EQ(buttons.Button(kOpen)->toolTip(), "Tool 11 (Ctrl+O)");
-    EXPECT_TRUE(bar.RemoveButton(kOpen));
-    EXPECT_FALSE(bar.RemoveButton(kOpen));
+    EXPECT_TRUE(bar.RemoveButton(kOpen) && !bar.RemoveButton(kOpen));
     EXPECT_EQ(bar.CommandToIndex(kPan), 0);
+    bar.SetTextPlace(CZelToolBar::TextPlace::Beside);
+    EXPECT_EQ(buttons.Button(kPan)->toolButtonStyle(), Qt::ToolButtonTextBesideIcon);
 }
 
 TEST(CZelToolBar, ItsUserCustomizesIt) {
@@ -341,9 +336,12 @@ TEST(CZelToolBar, ItsUserCustomizesIt) {
     };
     EXPECT_EQ(customize(QDialogButtonBox::Cancel, hideFirst), kOpen);
     EXPECT_EQ(customize(QDialogButtonBox::Ok, hideFirst), -kPan);
-    EXPECT_EQ(customize(QDialogButtonBox::Ok,
-                        [](QListWidget &list) { test::Click(list.window()->findChildren<QPushButton *>().value(2)); }),
-              kOpen);
+    auto const reset = [](QListWidget &list) {
+        QList<QPushButton *> const pushed = list.window()->findChildren<QPushButton *>();
+        EXPECT_TRUE(list.currentRow() == 0 && !pushed.value(0)->isEnabled()) << "it goes no further up";
+        test::Click(pushed.value(2));
+    };
+    EXPECT_EQ(customize(QDialogButtonBox::Ok, reset), kOpen);
 }
 
 TEST(CZelToolBar, TabComesToOneButtonAndArrowsWalkOverThoseThatCanBePressed) {
@@ -376,6 +374,9 @@ TEST(CZelToolBar, TabComesToOneButtonAndArrowsWalkOverThoseThatCanBePressed) {
     EXPECT_EQ(buttons.told, std::vector<int>{kMeasure});
     bar.EnableButton(kMeasure, false);
     EXPECT_EQ(reachable(), std::vector<int>{kPan}) << "what Tab came to cannot be pressed any more";
+    bar.ShowButton(kPan, false);
+    EXPECT_TRUE(test::Eventually([&] { return reachable() == std::vector<int>{kGrid}; })) << "nor pressed unseen";
+    bar.ShowButton(kPan, true);
     QApplication::processEvents();
     test::Shot(bar, "tool-bar-right-to-left");
     bar.setLayoutDirection(Qt::LeftToRight);
@@ -496,12 +497,10 @@ TEST(CZelImageList, PicturesAreDrawnCopiedAndWashedOut) {
     EXPECT_FALSE(copy.GetImageInfo(red + 1, described));
     QImage paper(80, 40, QImage::Format_RGB32);
     paper.fill(Qt::white);
-    {
-        QPainter painter(&paper);
-        EXPECT_TRUE(copy.Draw(painter, {4, 4}, red));
-        EXPECT_TRUE(copy.Draw(painter, {44, 4}, red, false));
-        EXPECT_FALSE(copy.Draw(painter, {0, 0}, 7));
-    }
+    QPainter painter(&paper);
+    EXPECT_TRUE(copy.Draw(painter, {4, 4}, red));
+    EXPECT_TRUE(copy.Draw(painter, {44, 4}, red, false));
+    EXPECT_FALSE(copy.Draw(painter, {0, 0}, 7));
     EXPECT_EQ(paper.pixelColor(20, 20), QColor(255, 0, 0));
     EXPECT_GT(paper.pixelColor(60, 20).green(), 100);
     QIcon const icon = copy.ExtractIcon(red);

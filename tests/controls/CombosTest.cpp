@@ -21,8 +21,7 @@ TEST(CZelComboBox, FindsByStartInAnyCaseAndGoesRound) {
     EXPECT_EQ(combo.FindString("bi", 1), 2);
     EXPECT_EQ(combo.FindString("bi", 2), 1);
     EXPECT_EQ(combo.FindString("near", 0), 0) << "itself, once round";
-    EXPECT_EQ(combo.SelectString("bicu"), 2);
-    EXPECT_EQ(combo.SelectString("x"), -1);
+    EXPECT_TRUE(combo.SelectString("bicu") == 2 && combo.SelectString("x") == -1);
     EXPECT_EQ(combo.GetCurSel(), 2);
 }
 
@@ -52,9 +51,12 @@ TEST(CZelImgComboBox, TheFieldShowsTheSelectedPictureAndTheListTheOther) {
     EXPECT_EQ(combo.AddString("Raster", pictures.red, pictures.green), 0);
     EXPECT_EQ(combo.AddString("Band", pictures.red, -1, 2), 1);
     EXPECT_EQ(combo.GetItemSelectedImage(1), pictures.red);
-    EXPECT_EQ(combo.GetItemIndent(1), 2);
-    EXPECT_EQ(combo.GetItemIndent(2), -1);
-    EXPECT_FALSE(combo.SetItemImage(2, 0));
+    EXPECT_TRUE(combo.GetItemIndent(1) == 2 && combo.GetItemIndent(2) == -1);
+    EXPECT_FALSE(combo.SetItemImage(2, 0) || combo.SetItemIndent(2, 1) || combo.SetItemIndent(-1, 1));
+    for (QSize const room : {QSize(40, 16), QSize(16, 40)}) { // in its middle
+        QImage const drawn = combo.itemIcon(1).pixmap(room, 1).toImage();
+        EXPECT_EQ(ColorsIn(drawn.copy(room.width() / 2 - 6, room.height() / 2 - 6, 12, 12), QColor(250, 0, 0)), 144);
+    }
     combo.SetCurSel(0);
     combo.resize(200, 30);
     combo.show();
@@ -128,6 +130,8 @@ TEST(CZelColorComboBox, AnyColourComesBackAndAnUnknownOneGetsAnEntry) {
     EXPECT_EQ(colors.combo.GetCount(), count + 1);
     EXPECT_EQ(colors.changes.count(), 2);
     test::Shot(colors.combo, QStringLiteral("color-combo"));
+    QImage const swatch = colors.combo.itemIcon(count - 1).pixmap(QSize(16, 16), 1).toImage();
+    EXPECT_EQ(ColorsIn(swatch, QColor(128, 128, 128)), 60) << "an edge all round";
     EXPECT_GT(ColorsIn(colors.combo.grab().toImage(), QColor(0x12, 0x34, 0x56)), 100);
 }
 
@@ -136,8 +140,7 @@ TEST(CZelColorComboBox, AutomaticIsAChoiceOfItsOwn) {
     EXPECT_FALSE(colors.combo.SelectAutomatic());
     colors.combo.EnableAutomatic("Automatic", Rgb(0, 0, 0));
     EXPECT_FALSE(colors.combo.IsAutomatic()) << "black stays chosen";
-    EXPECT_TRUE(colors.combo.SelectAutomatic());
-    EXPECT_TRUE(colors.combo.IsAutomatic());
+    EXPECT_TRUE(colors.combo.SelectAutomatic() && colors.combo.IsAutomatic());
     EXPECT_EQ(colors.changes.count(), 1);
     colors.combo.EnableAutomatic("Automatic", Rgb(0, 0, 255)); // the application knows another one now
     EXPECT_EQ(colors.combo.GetColor(), Rgb(0, 0, 255));
@@ -171,8 +174,7 @@ TEST(CZelColorComboBox, TheLastEntryAsksForAColour) {
     EXPECT_TRUE(test::Eventually([&] { return *chosen; }));
     EXPECT_EQ(colors.combo.GetColor(), Rgb(9, 8, 7));
     auto const left = test::OnNextDialog([](QWidget &) {});
-    EXPECT_FALSE(colors.combo.AskForColor());
-    EXPECT_TRUE(*left);
+    EXPECT_TRUE(!colors.combo.AskForColor() && *left);
     EXPECT_EQ(colors.combo.GetWindowText(), "#090807");
 }
 
@@ -196,8 +198,7 @@ TEST(CZelTabCtrl, TellsTabsAndPagesApart) {
     EXPECT_EQ(tabs.GetTabWnd(2), nullptr);
     tabs.ShowTab(0, false);
     EXPECT_EQ(tabs.GetVisibleTabsNum(), 1);
-    EXPECT_TRUE(tabs.SetTabLabel(1, "Third"));
-    EXPECT_EQ(tabs.GetTabLabel(1), "Third");
+    EXPECT_TRUE(tabs.SetTabLabel(1, "Third") && tabs.GetTabLabel(1) == "Third");
     EXPECT_FALSE(tabs.SetTabLabel(2, "x") || tabs.SetTabTooltip(2, "x") || tabs.EnableTab(-1));
     std::unique_ptr<QWidget> const kept(page);
     tabs.RemoveAllTabs();

@@ -12,12 +12,16 @@ namespace {
 
 constexpr QRgb kPaper = 0xFFFFFFFF;
 
-QImage Paper(int width, int height, qreal ratio = 1) {
-    QImage image(qRound(width * ratio), qRound(height * ratio), QImage::Format_RGB32);
-    image.setDevicePixelRatio(ratio);
-    image.fill(kPaper);
-    return image;
-}
+/// White paper, and who draws on it.
+struct Paper {
+    Paper(int width, int height, int ratio = 1) : image(width * ratio, height * ratio, QImage::Format_RGB32) {
+        image.setDevicePixelRatio(ratio);
+        image.fill(kPaper);
+        painter.begin(&image);
+    }
+    QImage image;
+    QPainter painter;
+};
 
 /// The smallest rectangle around what is not paper.
 QRect InkOf(QImage const &image, QRect const &within) {
@@ -33,65 +37,51 @@ QRect InkOf(QImage const &image) { return InkOf(image, image.rect()); }
 TEST(RoundRectGradient, FillsFromTheFirstColourToTheSecond) {
     for (auto const &[vertical, first, last] :
          {std::tuple{true, QPoint(60, 11), QPoint(60, 48)}, {false, QPoint(11, 30), QPoint(107, 30)}}) {
-        QImage image = Paper(120, 60);
-        {
-            QPainter painter(&image);
-            RoundRectGradient(&painter, {10, 10, 110, 50}, 8, Rgb(250, 0, 0), Rgb(0, 0, 250), vertical, 0, 0);
-        }
-        EXPECT_GT(qRed(image.pixel(first)), 225);
-        EXPECT_LT(qBlue(image.pixel(first)), 25);
-        EXPECT_GT(qBlue(image.pixel(last)), 225);
-        EXPECT_LT(qRed(image.pixel(last)), 25);
-        EXPECT_EQ(InkOf(image), QRect(10, 10, 99, 40)); // the right edge is moved in by one
-        EXPECT_EQ(image.pixel(10, 10), kPaper);         // rounded off
-        EXPECT_EQ(image.pixel(108, 49), kPaper);
+        Paper paper(120, 60);
+        RoundRectGradient(&paper.painter, {10, 10, 110, 50}, 8, Rgb(250, 0, 0), Rgb(0, 0, 250), vertical, 0, 0);
+        QRgb const begin = paper.image.pixel(first);
+        QRgb const end = paper.image.pixel(last);
+        EXPECT_TRUE(qRed(begin) > 225 && qBlue(begin) < 25 && qBlue(end) > 225 && qRed(end) < 25) << vertical;
+        EXPECT_EQ(InkOf(paper.image), QRect(10, 10, 99, 40)); // the right edge is moved in by one
+        EXPECT_EQ(paper.image.pixel(10, 10), kPaper);         // rounded off
+        EXPECT_EQ(paper.image.pixel(108, 49), kPaper);
     }
 }
 
 TEST(RoundRectGradient, DrawsABorderOnlyIfItHasAWidth) {
-    QImage image = Paper(120, 60);
-    QPainter painter(&image);
-    RoundRectGradient(&painter, {10, 10, 110, 50}, 8, Rgb(255, 255, 0), Rgb(255, 255, 0), true, 1, Rgb(0, 0, 255));
-    painter.end();
-    EXPECT_EQ(image.pixel(10, 30), qRgb(0, 0, 255));
-    EXPECT_EQ(image.pixel(109, 30), qRgb(0, 0, 255));
-    EXPECT_EQ(image.pixel(60, 10), qRgb(0, 0, 255));
-    EXPECT_EQ(image.pixel(60, 50), qRgb(0, 0, 255)); // below, the outline lies on the edge itself
-    EXPECT_EQ(image.pixel(60, 30), qRgb(255, 255, 0));
+    Paper paper(120, 60);
+    ColorRef const yellow = Rgb(255, 255, 0);
+    RoundRectGradient(&paper.painter, {10, 10, 110, 50}, 8, yellow, yellow, true, 1, Rgb(0, 0, 255));
+    for (QPoint const edge : {QPoint(10, 30), QPoint(109, 30), QPoint(60, 50)}) // below it lies on the edge itself
+        EXPECT_EQ(paper.image.pixel(edge), qRgb(0, 0, 255)) << edge.x();
+    EXPECT_EQ(paper.image.pixel(60, 30), qRgb(255, 255, 0));
     for (int x = 20; x < 100; ++x) // without a notch anywhere
-        ASSERT_EQ(image.pixel(x, 10), qRgb(0, 0, 255)) << x;
+        ASSERT_EQ(paper.image.pixel(x, 10), qRgb(0, 0, 255)) << x;
 }
 
 TEST(RoundRectGradient, AnEmptyRectangleDrawsNothingAndNoRadiusAllOfIt) {
-    QImage image = Paper(30, 30);
-    QPainter painter(&image);
-    RoundRectGradient(&painter, {10, 10, 11, 20}, 3, 0, 0, true, 2, 0);
-    EXPECT_TRUE(InkOf(image).isEmpty());
-    RoundRectGradient(&painter, {10, 10, 21, 20}, 0, 0, 0, true, 0, 0);
-    EXPECT_EQ(InkOf(image), QRect(10, 10, 10, 10));
+    Paper paper(30, 30);
+    RoundRectGradient(&paper.painter, {10, 10, 11, 20}, 3, 0, 0, true, 2, 0);
+    EXPECT_TRUE(InkOf(paper.image).isEmpty());
+    RoundRectGradient(&paper.painter, {10, 10, 21, 20}, 0, 0, 0, true, 0, 0);
+    EXPECT_EQ(InkOf(paper.image), QRect(10, 10, 10, 10));
     for (QPoint const corner : {QPoint(10, 10), QPoint(19, 10), QPoint(19, 19), QPoint(10, 19)})
-        EXPECT_EQ(image.pixel(corner), qRgb(0, 0, 0));
+        EXPECT_EQ(paper.image.pixel(corner), qRgb(0, 0, 0));
 }
 
-CnfgLdr::TextBlock Block(DString text, int size = 40) {
-    return {.x = 20,
-            .y = 30,
-            .font = "Liberation Sans",
-            .size = size,
-            .weight = 700,
-            .color = Rgb(0, 0, 0),
-            .text = std::move(text)};
+CnfgLdr::TextBlock Block(DString text) {
+    return {
+        .x = 20, .y = 30, .font = "Liberation Sans", .size = 40, .weight = 700, .color = 0, .text = std::move(text)};
 }
-QImage DrawnText(CnfgLdr::TextBlock const &block) {
-    QImage image = Paper(600, 300);
-    QPainter painter(&image);
-    DrawTextBlock(&painter, block);
-    return image;
+QImage DrawnText(DString const &text) {
+    Paper paper(600, 300);
+    DrawTextBlock(&paper.painter, Block(text));
+    return paper.image;
 }
 
 TEST(DrawTextBlock, ANameGetsItsSignAndOtherTextNone) {
-    QRect const with = InkOf(DrawnText(Block("Morvane222")));
-    QRect const without = InkOf(DrawnText(Block("Morvane223")));
+    QRect const with = InkOf(DrawnText("Morvane222"));
+    QRect const without = InkOf(DrawnText("Morvane223"));
     EXPECT_GT(with.right(), without.right() + 5);
     EXPECT_GE(with.left(), 20);
     EXPECT_EQ(with.left(), without.left());
@@ -99,9 +89,9 @@ TEST(DrawTextBlock, ANameGetsItsSignAndOtherTextNone) {
 }
 
 TEST(DrawTextBlock, TheSignOfASecondLineStandsOneLineLower) {
-    QImage const first = DrawnText(Block("Morvane222\nx"));
-    QImage const second = DrawnText(Block("x\nMorvane222"));
-    int const textEnd = InkOf(DrawnText(Block("Morvane223"))).right();
+    QImage const first = DrawnText("Morvane222\nx");
+    QImage const second = DrawnText("x\nMorvane222");
+    int const textEnd = InkOf(DrawnText("Morvane223")).right();
     QRect const beside(textEnd + 2, 0, 60, 300);
     QRect const a = InkOf(first, beside);
     QRect const b = InkOf(second, beside);
@@ -111,14 +101,14 @@ TEST(DrawTextBlock, TheSignOfASecondLineStandsOneLineLower) {
 }
 
 TEST(DrawTextBlock, NothingIsDrawnBeyondTheFarEdgeAndThePainterIsLeftAsItWas) {
-    QImage image = Paper(1200, 100);
-    QPainter painter(&image);
+    Paper paper(1200, 100);
+    QPainter &painter = paper.painter;
     painter.setPen(Qt::green);
     QFont const font = painter.font();
     CnfgLdr::TextBlock block = Block("mmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmm");
     block.x = 800;
     DrawTextBlock(&painter, block);
-    EXPECT_EQ(InkOf(image).right(), 999);
+    EXPECT_EQ(InkOf(paper.image).right(), 999);
     EXPECT_EQ(painter.pen().color(), QColor(Qt::green));
     EXPECT_EQ(painter.font(), font);
     EXPECT_FALSE(painter.hasClipping());
@@ -154,14 +144,11 @@ TEST(OffscreenSurface, KeepsItsPictureWhileTheSizeStays) {
     surface.Resize(nullptr, 10, 10);
     surface.GetDC()->fillRect(0, 0, 10, 10, Qt::white);
     surface.Resize(nullptr, 10, 10);
-    QImage image = Paper(10, 10);
-    image.fill(Qt::red);
-    {
-        QPainter painter(&image);
-        surface.CopyTo(&painter, 5, 0);
-    }
-    EXPECT_EQ(image.pixel(5, 5), kPaper);
-    EXPECT_EQ(image.pixel(4, 5), qRgb(255, 0, 0));
+    Paper paper(10, 10);
+    paper.painter.fillRect(0, 0, 10, 10, Qt::red);
+    surface.CopyTo(&paper.painter, 5, 0);
+    EXPECT_EQ(paper.image.pixel(5, 5), kPaper);
+    EXPECT_EQ(paper.image.pixel(4, 5), qRgb(255, 0, 0));
     surface.Resize(nullptr, 11, 10);
     EXPECT_EQ(surface.GetImage().pixel(5, 5), qRgb(0, 0, 0));
     surface.Resize(nullptr, 0, 10);
@@ -170,16 +157,14 @@ TEST(OffscreenSurface, KeepsItsPictureWhileTheSizeStays) {
 }
 
 TEST(OffscreenSurface, HasThePixelsOfItsDevice) {
-    QImage device = Paper(10, 10, 2);
-    QPainter painter(&device);
+    Paper device(10, 10, 2);
     DCanvas const canvas = SmallCanvas();
     OffscreenSurface surface;
-    surface.ShowScaled(&painter, &canvas, 4, 4);
+    surface.ShowScaled(&device.painter, &canvas, 4, 4);
     EXPECT_EQ(surface.GetImage().size(), QSize(8, 8));
-    surface.CopyTo(&painter, 0, 0);
-    painter.end();
-    EXPECT_EQ(device.pixel(7, 7), qRgb(0, 0, 255));
-    EXPECT_EQ(device.pixel(8, 8), kPaper);
+    surface.CopyTo(&device.painter, 0, 0);
+    EXPECT_EQ(device.image.pixel(7, 7), qRgb(0, 0, 255));
+    EXPECT_EQ(device.image.pixel(8, 8), kPaper);
 }
 
 TEST(DrawImgToDC, PutsAWideImageIntoTheMiddleOfATallPlace) {
@@ -191,40 +176,31 @@ TEST(DrawImgToDC, PutsAWideImageIntoTheMiddleOfATallPlace) {
                               .type = RDI_UInt16,
                               .geo = {.numSlices = 3, .numTimeFrames = 1},
                               .sample = [](int channel, int x, int) { return channel == 0 ? 100 + x : 500 - x; }});
-    QImage image = Paper(60, 100);
-    QPainter painter(&image);
-    EXPECT_TRUE(DrawImgToDC("/wide", &painter, {10, 10, 50, 90}));
-    EXPECT_EQ(InkOf(image), QRect(10, 40, 40, 20));
-    EXPECT_LT(qRed(image.pixel(10, 50)), 10);
-    EXPECT_GT(qRed(image.pixel(49, 50)), 245);
-    EXPECT_GT(qBlue(image.pixel(10, 50)), 245);
+    Paper paper(60, 100);
+    EXPECT_TRUE(DrawImgToDC("/wide", &paper.painter, {10, 10, 50, 90}));
+    EXPECT_EQ(InkOf(paper.image), QRect(10, 40, 40, 20));
+    QRgb const left = paper.image.pixel(10, 50);
+    EXPECT_TRUE(qRed(left) < 10 && qBlue(left) > 245 && qRed(paper.image.pixel(49, 50)) > 245);
     EXPECT_EQ(driver.opens, driver.closes);
 }
 
-TEST(DrawImgToDC, TwoChannelsAreGreyFromTheFirstAndOneThatFailsIsBlack) {
+TEST(DrawImgToDC, TwoChannelsAreGreyFromTheFirstOneThatFailsIsBlackAndWhatNoDriverOpensDrawsNothing) {
     test::ScriptedDrivers const drivers;
     test::ScriptedRasterDriver &driver = test::ScriptedDrivers::AddRaster("scripted");
     driver.SetImage("/grey", {.width = 10, .height = 10, .channels = 2, .sample = [](int channel, int x, int) {
                                   return channel == 0 ? 10 * x : 255;
                               }});
     driver.SetImage("/broken", {.readFails = true});
-    QImage image = Paper(20, 20, 2);
-    QPainter painter(&image);
-    ASSERT_TRUE(DrawImgToDC("/grey", &painter, {0, 0, 20, 20}));
-    QRgb const right = image.pixel(39, 20);
+    Paper paper(20, 20, 2);
+    EXPECT_FALSE(DrawImgToDC("/missing", &paper.painter, {0, 0, 20, 20}));
+    EXPECT_FALSE(DrawImgToDC(nullptr, &paper.painter, {0, 0, 20, 20}));
+    EXPECT_TRUE(InkOf(paper.image).isEmpty());
+    ASSERT_TRUE(DrawImgToDC("/grey", &paper.painter, {0, 0, 20, 20}));
+    QRgb const right = paper.image.pixel(39, 20);
     EXPECT_EQ(qRed(right), qBlue(right));
     EXPECT_GT(qRed(right), 200);
-    EXPECT_TRUE(DrawImgToDC("/broken", &painter, {0, 0, 20, 20}));
-    EXPECT_EQ(image.pixel(39, 20), qRgb(0, 0, 0));
-}
-
-TEST(DrawImgToDC, WhatNoDriverOpensDrawsNothing) {
-    test::ScriptedDrivers const drivers;
-    QImage image = Paper(20, 20);
-    QPainter painter(&image);
-    EXPECT_FALSE(DrawImgToDC("/missing", &painter, {0, 0, 20, 20}));
-    EXPECT_FALSE(DrawImgToDC(nullptr, &painter, {0, 0, 20, 20}));
-    EXPECT_TRUE(InkOf(image).isEmpty());
+    EXPECT_TRUE(DrawImgToDC("/broken", &paper.painter, {0, 0, 20, 20}));
+    EXPECT_EQ(paper.image.pixel(39, 20), qRgb(0, 0, 0));
 }
 
 } // namespace

@@ -19,12 +19,9 @@ TEST(TextBlockRule, FindsEachOccurrenceWithItsLine) {
 }
 
 TEST(TextBlockRule, ASmallSignIsThinAndReadable) {
-    EXPECT_EQ(SignFontFor(40, 700), (SignFont{20, 700}));
-    EXPECT_EQ(SignFontFor(31, 700), (SignFont{15, 700}));
-    EXPECT_EQ(SignFontFor(29, 700), (SignFont{14, 100}));
-    EXPECT_EQ(SignFontFor(26, 700), (SignFont{13, 100}));
-    EXPECT_EQ(SignFontFor(20, 700), (SignFont{13, 100}));
-    EXPECT_EQ(SignFontFor(0, 700), (SignFont{13, 100}));
+    for (auto const &[height, sign] :
+         {std::pair{40, SignFont{20, 700}}, {31, {15, 700}}, {29, {14, 100}}, {0, {13, 100}}})
+        EXPECT_EQ(SignFontFor(height, 700), sign) << height;
 }
 
 } // namespace

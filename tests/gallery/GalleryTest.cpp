@@ -1,6 +1,7 @@
 #include "zelvar/gallery/Gallery.h"
 
 #include "support/GuiTest.h"
+#include "support/RealDrivers.h"
 #include "zelvar/controls/HyperLink.h"
 #include "zelvar/platform/ui/Language.h"
 
@@ -29,6 +30,7 @@ DString PageTitle(testing::TestParamInfo<Page> const &info) {
 class GalleryPage : public testing::TestWithParam<Page> {
 protected:
     void SetUp() override {
+        test::UseRealDrivers(); // for pages that read files
         ASSERT_TRUE(m_gallery.ShowPage(GetParam().name));
         m_gallery.show();
         m_gallery.activateWindow();

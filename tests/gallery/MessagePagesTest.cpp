@@ -87,6 +87,16 @@ TEST(DialogPages, TheSelectorOpensASampleArchive) {
               "1 picked: plate.zip row A/well 2.tif");
 }
 
+TEST(DialogPages, ALayoutOfBarsComesBackOnceItIsSaved) {
+    DialogPage const bars("bars");
+    for (char const *const said : {"No layout has been saved", "The saved layout is back"}) {
+        test::Click(bars.Button("Restore layout"));
+        EXPECT_EQ(bars.Said(), said);
+        test::Click(bars.Button("Save layout"));
+        EXPECT_THAT(bars.Said(), HasSubstr(" bytes:   <BAR id"));
+    }
+}
+
 TEST(DialogPages, EachFileDialogComesUpAndIsCancelled) {
     DialogPage files("file-dialogs");
     for (char const *button : {"Browse...", "Save as...", "Folder...", "Pick..."})

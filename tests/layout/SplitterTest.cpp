@@ -36,12 +36,9 @@ int Current(DSplitterWnd const &splitter, int col) {
 TEST(SplitterLayout, TracksTakeTheirIdealSizeAndTheLastTheRest) {
     std::vector<SplitterTrack> tracks{{.ideal = 100, .minimum = 10}, {.ideal = 50, .minimum = 10}, {.ideal = 1}};
     LayOutTracks(tracks, 300, 3);
-    EXPECT_EQ(tracks[0].current, 100);
-    EXPECT_EQ(tracks[1].current, 50);
-    EXPECT_EQ(tracks[2].current, 144);
+    EXPECT_TRUE(tracks[0].current == 100 && tracks[1].current == 50 && tracks[2].current == 144);
     LayOutTracks(tracks, 108, 3);
-    EXPECT_EQ(tracks[1].current, 0) << "five pixels are below its minimum";
-    EXPECT_EQ(tracks[2].current, 2);
+    EXPECT_TRUE(tracks[1].current == 0 && tracks[2].current == 2) << "five pixels are below its minimum";
     LayOutTracks(tracks, -5, 3);
     EXPECT_EQ(tracks[0].current, 0);
 }
@@ -92,8 +89,7 @@ TEST(Splitter, SplittingFailsWholeWhenItDoesNotFitAndSucceedsWithAPane) {
     EXPECT_EQ(splitter->GetColumnCount(), 1);
     EXPECT_EQ(splitter->StaticSplitColumn(200, nullptr), 1);
     EXPECT_EQ(splitter->GetColumnCount(), 2);
-    EXPECT_EQ(Current(*splitter, 0), 200);
-    EXPECT_EQ(Current(*splitter, 1), 100);
+    EXPECT_TRUE(Current(*splitter, 0) == 200 && Current(*splitter, 1) == 100);
     splitter->StaticDeleteColumn(0);
     ASSERT_EQ(splitter->GetColumnCount(), 1);
     EXPECT_NE(splitter->GetPane(0, 0), nullptr) << "the pane behind has taken its place";
@@ -110,17 +106,17 @@ TEST(Splitter, ABarMovesByTheArrowKeysWithinItsLimits) {
     SplitterBar *const bar = FocusedBar();
     ASSERT_NE(bar, nullptr);
     EXPECT_EQ(bar->geometry(), QRect(100, 0, 3, 100));
-    QTest::keyClick(bar, Qt::Key_Right);
-    EXPECT_EQ(Current(*splitter, 0), 110);
-    EXPECT_EQ(bar->geometry().left(), 110) << "it stays over what is drawn";
-    QTest::keyClick(bar, Qt::Key_Left, Qt::ShiftModifier);
-    EXPECT_EQ(Current(*splitter, 0), 109);
-    QTest::keyClick(bar, Qt::Key_Down);
-    EXPECT_EQ(Current(*splitter, 0), 109) << "a bar between columns moves sideways only";
-    QTest::keyClick(bar, Qt::Key_Home);
-    EXPECT_EQ(Current(*splitter, 0), 10);
-    QTest::keyClick(bar, Qt::Key_End);
-    EXPECT_EQ(Current(*splitter, 0), 303 - 2 * (3 + 10)) << "room for the minima behind";
+    test::Rows<Qt::Key, Qt::KeyboardModifiers, int> const steps = {
+        {Qt::Key_Right, {}, 110},
+        {Qt::Key_Left, Qt::ShiftModifier, 109},
+        {Qt::Key_Down, {}, 109}, // a bar between columns moves sideways only
+        {Qt::Key_Home, {}, 10},
+        {Qt::Key_End, {}, 303 - 2 * (3 + 10)}}; // room for the minima behind
+    for (auto const &[key, modifiers, position] : steps) {
+        QTest::keyClick(bar, key, modifiers);
+        EXPECT_EQ(Current(*splitter, 0), position) << key;
+        EXPECT_EQ(bar->geometry().left(), position) << "it stays over what is drawn";
+    }
 }
 
 TEST(Splitter, TheKeysLeadRoundAllBarsAndEscapePutsThemBack) {
@@ -145,16 +141,21 @@ TEST(Splitter, TheKeysLeadRoundAllBarsAndEscapePutsThemBack) {
     EXPECT_EQ(row->Position(), 30);
     QTest::keyClick(row, Qt::Key_Tab);
     EXPECT_EQ(FocusedBar(), column) << "round";
+    QTest::keyClick(column, Qt::Key_F8, Qt::ShiftModifier);
+    EXPECT_EQ(FocusedBar(), row) << "and back";
     QTest::keyClick(column, Qt::Key_Escape);
     EXPECT_TRUE(edit->hasFocus());
-    EXPECT_EQ(Current(*splitter, 0), 100);
-    EXPECT_EQ(row->Position(), 40);
+    EXPECT_TRUE(Current(*splitter, 0) == 100 && row->Position() == 40);
 
     splitter->MoveBarsByKeyboard();
     QTest::keyClick(column, Qt::Key_Right);
     QTest::keyClick(column, Qt::Key_Return);
     EXPECT_TRUE(edit->hasFocus());
     EXPECT_EQ(Current(*splitter, 0), 110) << "kept";
+    splitter->MoveBarsByKeyboard();
+    edit->hide();
+    QTest::keyClick(column, Qt::Key_Return);
+    EXPECT_FALSE(column->hasFocus()) << "though nobody is there to take it back";
 }
 
 TEST(Splitter, BarsAreNoTabStopsAndAddedAndRemovedWithTheirTracks) {
@@ -181,8 +182,7 @@ TEST(Splitter, AScreenReaderReadsAndMovesABar) {
     QAccessibleValueInterface *const value = bar->valueInterface();
     ASSERT_NE(value, nullptr);
     EXPECT_EQ(value->currentValue().toInt(), 100);
-    EXPECT_EQ(value->minimumValue().toInt(), 10);
-    EXPECT_EQ(value->maximumValue().toInt(), 290);
+    EXPECT_TRUE(value->minimumValue().toInt() == 10 && value->maximumValue().toInt() == 290);
     value->setCurrentValue(5000);
     EXPECT_EQ(Current(*splitter, 0), 290);
 }
@@ -211,15 +211,13 @@ struct Owner : DSplitterWnd::PaneOwner {
 TEST(Splitter, AnOwnerThatMakesNoObjectStillMakesTheWindowAndMayDoTheLayout) {
     Owner owner;
     auto const splitter = Columns(2, &owner);
-    EXPECT_EQ(owner.objects, 2);
-    EXPECT_EQ(owner.windows, 2);
+    EXPECT_TRUE(owner.objects == 2 && owner.windows == 2);
     QRect const before = splitter->GetPane(0, 0)->geometry();
     owner.doesLayout = true;
     splitter->resize(400, 200);
     EXPECT_EQ(splitter->GetPane(0, 0)->geometry(), before);
     splitter->DeleteView(0, 0);
-    EXPECT_EQ(owner.deleted, 1);
-    EXPECT_EQ(splitter->GetPane(0, 0), nullptr);
+    EXPECT_TRUE(owner.deleted == 1 && splitter->GetPane(0, 0) == nullptr);
     EXPECT_EQ(splitter->CreateView(0, 1, &kLabel, {}), 0) << "that cell is taken";
 }
 

@@ -1,9 +1,8 @@
 #include "zelvar/lists/CListCtrlFlex.h"
 
 #include "support/ReportStage.h"
+#include "zelvar/lists/CListCtrlEx.h"
 #include "zelvar/platform/ui/SystemColor.h"
-
-#include <QtGui/QFont>
 
 namespace zelvar {
 namespace {
@@ -27,43 +26,27 @@ void Fill(CListCtrlFlex &list, ADIColType type, std::vector<std::string> const &
         list.InsertItem(list.GetItemCount(), text, 0, nullptr, 0, 0xFFFFFF, 0);
 }
 
-QColor PixelAt(CListCtrlFlex &list, int row, int x) {
-    Rect const place = list.GetItemRect(row);
-    return test::ColorAt(*list.viewport(), {x, place.bottom - 2});
-}
-
-TEST(CListCtrlFlex, ABackgroundOfZeroIsTextColouredWithoutAnImageAndBlackWithOne) {
-    QPalette palette = QApplication::palette();
-    QPalette changed = palette;
-    changed.setColor(QPalette::Text, QColor(10, 90, 10));
-    changed.setColor(QPalette::Base, QColor(250, 250, 200));
-    QApplication::setPalette(changed);
+TEST(CListCtrlFlex, ABackgroundOfZeroIsTextColouredWithoutAnImageAndBlackWithOneAndTheListsOwnServesTheRest) {
+    test::DarkPalette const dark;
+    QColor const text = ToQColor(SystemColor(COLOR_WINDOWTEXT));
+    QColor const window = ToQColor(SystemColor(COLOR_WINDOW));
     CListCtrlFlex list;
     Fill(list, ADICol_String);
     for (ColorRef const back : {0x000000U, 0xFFFFFFU, 0x0000FFU}) {
         list.InsertItem(list.GetItemCount(), "plain", 0, nullptr, 0, back, 0);
         list.InsertItem(list.GetItemCount(), "with an image", -1, 0, nullptr, 0, back, 0);
     }
+    static_cast<ReportView &>(list).InsertItem({.row = 6, .text = "no record"});
     Stage const stage(list);
-    QColor const expected[] = {changed.text().color(), Qt::black, changed.base().color(),
-                               changed.base().color(), Qt::red,   Qt::red};
-    for (int row = 0; row < 6; ++row)
-        EXPECT_EQ(PixelAt(list, row, 150), expected[row]) << row;
-    QApplication::setPalette(palette);
-}
-
-TEST(CListCtrlFlex, AListsOwnBackgroundServesRowsWithoutARecordAndTheRest) {
-    CListCtrlFlex list;
-    Fill(list, ADICol_String);
-    static_cast<ReportView &>(list).InsertItem({.row = 0, .text = "plain"});
-    Stage const stage(list);
-    EXPECT_FALSE(list.IsBkColorSet());
-    EXPECT_NE(list.SetBkColor(Rgb(1, 200, 3)), 0);
-    EXPECT_TRUE(list.IsBkColorSet());
-    EXPECT_EQ(PixelAt(list, 0, 150), QColor(1, 200, 3));
-    EXPECT_EQ(PixelAt(list, 0, 390), QColor(1, 200, 3)); // beside the columns
-    list.SetBkColor(0);
-    EXPECT_EQ(PixelAt(list, 0, 150), ToQColor(SystemColor(COLOR_WINDOW)));
+    for (ColorRef const own : {0U, Rgb(1, 200, 3), 0U}) {
+        EXPECT_EQ(list.SetBkColor(own), 1);
+        EXPECT_EQ(list.IsBkColorSet(), own != 0);
+        QColor const rest = own == 0 ? window : ToQColor(own);
+        QColor const expected[] = {text, Qt::black, window, window, Qt::red, Qt::red, rest};
+        for (int row = 0; row < 7; ++row)
+            EXPECT_EQ(test::ColorAt(*list.viewport(), {150, list.GetItemRect(row).bottom - 2}), expected[row]) << row;
+        EXPECT_EQ(test::ColorAt(*list.viewport(), {390, 5}), rest) << "beside the columns";
+    }
 }
 
 TEST(CListCtrlFlex, DataLivesInRecords) {
@@ -81,66 +64,51 @@ TEST(CListCtrlFlex, DataLivesInRecords) {
 }
 
 TEST(CListCtrlFlex, AHeadingSortsAscendingThenDescending) {
-    test::Rows<char const *, ADIColType, std::vector<std::string>, char const *, char const *> const cases = {
+    std::string const zeros(23, '0'); // 24 bytes of a number count, 255 of a text
+    std::string const x(254, 'x');
+    test::Rows<char const *, ADIColType, std::vector<std::string>, std::string, std::string> const cases = {
         {"numbers, and what is none as the largest", ADICol_Double, {"12", "abc", "3"}, "3 12 abc", "abc 12 3"},
         {"whole numbers likewise", ADICol_Int, {"10", "9", "-1"}, "-1 9 10", "10 9 -1"},
-        {"texts by bytes", ADICol_String, {"a9", "a10", "B"}, "B a10 a9", "a9 a10 B"},
+        {"texts by bytes", ADICol_String, {"a9", "a10", "\xc3\xa9", "B"}, "B a10 a9 \xc3\xa9", "\xc3\xa9 a9 a10 B"},
         {"an unknown type is text", ADICol_None, {"9", "10"}, "10 9", "9 10"},
         {"an empty list", ADICol_Double, {}, "", ""},
-        {"bytes are unsigned", ADICol_String, {"\xc3\xa9", "z"}, "z \xc3\xa9", "\xc3\xa9 z"}};
+        {"equal ones turn round, then stay", ADICol_Int, {"7a", "7b", "1c", "7d"}, "1c 7d 7b 7a", "7d 7b 7a 1c"},
+        {"the last that counts",
+         ADICol_Double,
+         {zeros + "3", zeros + "2"},
+         zeros + "2 " + zeros + "3",
+         zeros + "3 " + zeros + "2"},
+        {"no more",
+         ADICol_Double,
+         {zeros + "02", zeros + "03"},
+         zeros + "03 " + zeros + "02",
+         zeros + "03 " + zeros + "02"},
+        {"the last of a text", ADICol_String, {x + "b", x + "a"}, x + "a " + x + "b", x + "b " + x + "a"},
+        {"no more of it", ADICol_String, {x + "-a", x + "-b"}, x + "-b " + x + "-a", x + "-b " + x + "-a"}};
     for (auto const &[name, type, texts, ascending, descending] : cases) {
         SCOPED_TRACE(name);
         CListCtrlFlex list;
         Fill(list, type, texts);
         Stage stage(list);
-        stage.ClickHeading(0);
-        EXPECT_EQ(Column(list), ascending);
-        EXPECT_TRUE(list.GetLastSort().IsSortedAscnd());
-        stage.ClickHeading(0);
-        EXPECT_EQ(Column(list), descending);
-        EXPECT_FALSE(list.GetLastSort().IsSortedAscnd());
-        EXPECT_EQ(list.GetLastSort().GetCol(), 0);
-        list.EnblSort(false);
-        stage.ClickHeading(0);
-        EXPECT_EQ(Column(list), descending);
-        EXPECT_TRUE(list.GetLastSort().IsSortedAscnd()) << "remembered all the same";
+        for (int click = 0; click < 3; ++click) {
+            list.EnblSort(click < 2); // the third is remembered all the same
+            stage.ClickHeading(0);
+            EXPECT_EQ(Column(list), click == 0 ? ascending : descending);
+            EXPECT_EQ(list.GetLastSort().IsSortedAscnd(), click != 1);
+            EXPECT_EQ(list.GetLastSort().GetCol(), 0);
+        }
     }
 }
 
-TEST(CListCtrlFlex, EqualKeysTurnRoundWhenAscendingAndStayWhenDescending) {
+TEST(CListCtrlFlex, ColumnsMoveAndGo) {
     CListCtrlFlex list;
-    Fill(list, ADICol_String, {"a", "b", "c", "d"});
     Fill(list, ADICol_Int);
-    for (int row = 0; row < 4; ++row)
-        list.SetItemText(row, 1, row == 2 ? "1" : "7");
-    list.Sort(1, true);
-    EXPECT_EQ(Column(list), "c d b a");
-    list.Sort(1, false);
-    EXPECT_EQ(Column(list), "d b a c");
-}
-
-TEST(CListCtrlFlex, OnlyTheStartOfACellCounts) {
-    CListCtrlFlex list;
-    Fill(list, ADICol_Double, {"0000000000000000000000019", "0000000000000000000000002"}); // larger by its last one
-    list.Sort(0, true);
-    EXPECT_EQ(Column(list), "0000000000000000000000002 0000000000000000000000019");
-    std::string const same(255, 'x');
-    CListCtrlFlex texts;
-    Fill(texts, ADICol_String, {same + "b", same + "a"});
-    texts.Sort(0, false); // equal for the sort: they stay
-    EXPECT_EQ(texts.GetItemText(0, 0).back(), 'b');
-}
-
-TEST(CListCtrlFlex, ColumnsGoOneByOne) {
-    CListCtrlFlex list;
-    list.InsertColumn(0, ADICol_Int, "A", false, LVCFMT_LEFT, 50, 0);
-    list.InsertColumn(1, ADICol_Double, "B", true, LVCFMT_LEFT, 50, 1);
-    EXPECT_EQ(list.MoveColumn(7, 0), 1);
+    Fill(list, ADICol_Double);
+    EXPECT_EQ(list.MoveColumn(0, 1), 1);
     EXPECT_EQ(list.DeleteColumn(0), 1);
-    EXPECT_EQ(list.GetColType(0), ADICol_Double);
+    EXPECT_EQ(list.GetColType(0), ADICol_Int);
     list.RmvAllCol();
     EXPECT_EQ(list.GetColumnCount(), 0);
-    EXPECT_EQ(list.GetColType(0), ADICol_String);
 }
 
 TEST(CListCtrlFlex, TheIndentAndTheImageMoveTheFirstTextOnlyAndEditsStandOnTexts) {
@@ -162,25 +130,60 @@ TEST(CListCtrlFlex, TheIndentAndTheImageMoveTheFirstTextOnlyAndEditsStandOnTexts
         list.ModifyStyle(LVS_NOCOLUMNHEADER, style);
         list.SetColumnOrderArray({first, 1 - first});
         list.setLayoutDirection(run % 2 == 0 ? Qt::LeftToRight : Qt::RightToLeft);
-        QImage const image = list.viewport()->grab().toImage();
-        int const ratio = static_cast<int>(image.devicePixelRatio());
-        auto const turned = [&](int x, int width) { return list.isRightToLeft() ? width - 1 - x : x; };
+        QImage const image = test::PictureOf(*list.viewport());
+        auto const turned = [&](int x) { return list.isRightToLeft() ? image.width() - 1 - x : x; };
         auto const inkIn = [&](int from, int to) {
-            for (int x = from * ratio; x < to * ratio; ++x)
-                for (int y = 0; y < list.RowHeight() * ratio; ++y)
-                    if (image.pixelColor(turned(x, image.width()), y).lightness() < 100)
+            for (int x = from; x < to; ++x)
+                for (int y = 0; y < list.RowHeight(); ++y)
+                    if (image.pixelColor(turned(x), y).lightness() < 100)
                         return true;
             return false;
         };
+        EXPECT_NE(image.pixelColor(turned(8), 8), image.pixelColor(turned(20), 8));
         EXPECT_FALSE(inkIn(16, 46)) << "the image stands at the edge, the text behind the indent";
         for (auto const &[col, start] : {std::pair{0, name}, {1, note}}) {
             EXPECT_TRUE(inkIn(start, start + 6)) << col;
-            int const edge = turned(start, list.viewport()->width());
             Rect const label = list.GetSubItemRect(0, col, LVIR_LABEL);
-            EXPECT_EQ(list.isRightToLeft() ? label.right - 1 : label.left, edge) << col;
-            EXPECT_EQ(list.SubItemHitTest({edge, 5}).col, col);
+            EXPECT_EQ(list.isRightToLeft() ? label.right - 1 : label.left, turned(start)) << col;
+            EXPECT_EQ(list.SubItemHitTest({turned(start), 5}).col, col);
         }
     }
+}
+
+TEST(CListCtrlEx, ColumnsAreAsWideAsTheirCaptionsAndShowWhatTheMaskSays) {
+    CListCtrlEx list;
+    int const wide = list.fontMetrics().horizontalAdvance("Sample") + 15;
+    constexpr int all = LVCF_FMT | LVCF_WIDTH | LVCF_TEXT | LVCF_SUBITEM;
+    using Column = std::tuple<DString, int, int, int>; // caption, format, width, which text it shows
+    test::Rows<int, int, Column> const cases = {{-1, all, {"Sample", LVCFMT_RIGHT, wide, 0}},
+                                                {2, all, {"Sample", LVCFMT_RIGHT, wide, 2}},
+                                                {1, all & ~LVCF_SUBITEM, {"Sample", LVCFMT_RIGHT, wide, 2}},
+                                                {-1, LVCF_WIDTH, {"", LVCFMT_LEFT, wide, 3}},
+                                                {-1, LVCF_TEXT, {"Sample", LVCFMT_LEFT, 0, 4}}};
+    for (int at = 0; auto const &[subItem, mask, expected] : cases) {
+        EXPECT_EQ(list.AddColumn("Sample", at, subItem, mask, LVCFMT_RIGHT), at);
+        ReportColumn column;
+        EXPECT_TRUE(list.GetColumn(at++, column));
+        EXPECT_EQ(Column(column.caption, column.format, column.width, column.subItem), expected);
+    }
+    EXPECT_EQ(list.AddColumn("nowhere", -1), -1);
+}
+
+TEST(CListCtrlEx, ItemsAreInsertedAndCellsWritten) {
+    CListCtrlEx list;
+    list.AddColumn("a", 0);
+    list.AddColumn("b", 1);
+    test::Rows<int, int, char const *, int> const cells = {
+        {0, 1, "x", 0}, {0, 0, "first", 0}, {9, 0, nullptr, 1}, {0, 1, "cell", 1}, {0, 2, "beside", 0}};
+    for (auto const &[row, col, text, result] : cells) // no such row, rows (the second one at the end), cells
+        EXPECT_EQ(list.AddItem(row, col, text, 4 - row), result);
+    EXPECT_EQ(list.GetItemText(0, 0) + "|" + list.GetItemText(0, 1), "first|cell");
+    EXPECT_EQ(list.GetItemImage(0), 4);
+    EXPECT_EQ(list.GetItemImage(1), -5);
+    ImageList images;
+    for (auto const &[which, former] :
+         {std::pair{LVSIL_SMALL, HIMAGELIST{}}, {LVSIL_NORMAL, {}}, {LVSIL_SMALL, &images}})
+        EXPECT_EQ(list.SetImageList(&images, which), former);
 }
 
 } // namespace

@@ -10,6 +10,8 @@
 #include <QtWidgets/QPlainTextEdit>
 #include <QtWidgets/QToolButton>
 
+#include <ctime>
+
 namespace zelvar {
 namespace {
 
@@ -402,22 +404,21 @@ TEST(CZelPropList, AlphabeticOrderDissolvesTheGroupsAndGivesThemBack) {
     delete layer.note;
     EXPECT_EQ(names(), "File Format Nodata Opacity Resampling Tint Title Visible ");
     layer.list.SetFilter("TL");
-    EXPECT_TRUE(layer.source->isHidden());
-    EXPECT_FALSE(layer.title->isHidden());
+    EXPECT_TRUE(layer.source->isHidden() && !layer.title->isHidden());
     layer.list.SetAlphabeticMode(false);
     EXPECT_EQ(names(), "Image Look ");
     EXPECT_TRUE(layer.list.GetProperty(0)->isExpanded()) << "it holds what is looked for";
     layer.list.SetFilter("");
     EXPECT_FALSE(layer.list.GetProperty(0)->isExpanded()) << "as it was";
+    layer.list.GetProperty(0)->setExpanded(true); // by its user, who looks for something else then
     layer.list.SetFilter("TL");
-    EXPECT_TRUE(layer.list.GetProperty(0)->isExpanded());
     EXPECT_TRUE(layer.list.GetProperty(1)->isFirstColumnSpanned() && layer.visible->isHidden());
     EXPECT_EQ(layer.list.GetProperty(0)->childCount(), 3);
     layer.list.SetFilter("Yes");
-    EXPECT_FALSE(layer.visible->isHidden()) << "values are searched, too";
-    EXPECT_TRUE(layer.list.GetProperty(0)->isHidden());
-    EXPECT_EQ(layer.list.FindItemByData(5), layer.tint);
-    EXPECT_EQ(layer.list.FindItemByData(99), nullptr);
+    EXPECT_TRUE(layer.list.GetProperty(0)->isHidden() && !layer.visible->isHidden()) << "values are searched, too";
+    layer.list.SetFilter("");
+    EXPECT_TRUE(layer.list.GetProperty(0)->isExpanded()) << "as it was then";
+    EXPECT_TRUE(layer.list.FindItemByData(5) == layer.tint && layer.list.FindItemByData(99) == nullptr);
     layer.list.SetAlphabeticMode(true); // and it dies so: all is freed once
 }
 
@@ -425,7 +426,7 @@ TEST(CZelPropList, TenThousandPropertiesFillInAMoment) {
     CZelPropList list;
     list.SetVSDotNetLook(true);
     list.show();
-    auto const before = std::chrono::steady_clock::now();
+    std::clock_t const before = std::clock(); // its own time, whatever else the machine does
     for (int g = 0; g < 100; ++g) {
         auto *const group = new CZelProp("Group");
         list.AddProperty(group);
@@ -436,7 +437,7 @@ TEST(CZelPropList, TenThousandPropertiesFillInAMoment) {
     list.SetAlphabeticMode(false);
     list.RemoveAll();
     // Far above what it takes, far below what anything quadratic would.
-    EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::seconds(4));
+    EXPECT_LT(std::clock() - before, 4 * CLOCKS_PER_SEC);
 }
 
 } // namespace

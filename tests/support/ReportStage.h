@@ -1,6 +1,7 @@
 #pragma once
 
 #include "support/GuiTest.h"
+#include "support/Teller.h"
 #include "zelvar/base/ImageList.h"
 #include "zelvar/views/ReportView.h"
 
@@ -45,13 +46,9 @@ private:
 };
 
 /// A view that writes down what it is told.
-class TellingView : public ReportView {
+class TellingView : public ReportView, public Teller {
 public:
     using ReportView::Geometry;
-    using ReportView::ReportView;
-
-    std::string Take() { return std::exchange(m_told, {}); }
-    void Tell(std::string const &what) { m_told += (m_told.empty() ? "" : ", ") + what; }
 
 protected:
     bool OnItemChanged(int row, unsigned, unsigned newState) override {
@@ -66,9 +63,6 @@ protected:
     bool OnClick(ReportHit hit, Point) override { return Tell("click " + std::to_string(hit.row)), false; }
     bool OnRClick(ReportHit hit, Point) override { return Tell("right " + std::to_string(hit.row)), false; }
     bool OnDblClick(ReportHit hit, Point) override { return Tell("double " + std::to_string(hit.row)), false; }
-
-private:
-    std::string m_told;
 };
 
 /// Three columns; rows "row 0", "row 1", ...

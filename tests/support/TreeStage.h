@@ -1,10 +1,14 @@
 #pragma once
 
 #include "support/GuiTest.h"
+#include "support/Teller.h"
 #include "zelvar/views/ReportPainter.h"
 #include "zelvar/views/TreeView.h"
 
 namespace zelvar::test {
+
+/// The label of an item, "-" for none.
+inline DString TextOf(HTREEITEM item) { return item == nullptr ? "-" : item->text; }
 
 /// A tree view on a screen, under a user's hands.
 class TreeStage {

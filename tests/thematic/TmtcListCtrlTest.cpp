@@ -2,6 +2,7 @@
 
 #include "support/GuiTest.h"
 #include "support/ScreenReader.h"
+#include "zelvar/platform/ui/ControlId.h"
 
 namespace zelvar {
 namespace {
@@ -91,30 +92,33 @@ TEST(TmtcListCtrl, StacksItsElements) {
     stage.list.RepositionItems();
     EXPECT_EQ(stage.empty->GetRect().top, 2);
     EXPECT_EQ(stage.list.windowTitle(), "Thematic List Control");
-    EXPECT_EQ(stage.list.FindGroup(DString("e")), stage.empty);
-    EXPECT_EQ(stage.list.FindGroup(stage.b), stage.group);
+    EXPECT_TRUE(stage.list.FindGroup(DString("e")) == stage.empty && stage.list.FindGroup(stage.b) == stage.group);
     EXPECT_EQ(stage.list.Get(3), nullptr);
-    EXPECT_TRUE(TmtcListCtrl::IsGroup(stage.list.GetHead()));
-    EXPECT_TRUE(TmtcListCtrl::IsItem(stage.list.GetTail()));
+    EXPECT_TRUE(TmtcListCtrl::IsGroup(stage.list.GetHead()) && TmtcListCtrl::IsItem(stage.list.GetTail()));
 }
 
-TEST(TmtcListCtrl, TheFirstItemIsSelectedAndNeverAGroup) {
-    RecordingList list;
+TEST(TmtcListCtrl, IsMadeAtItsPlaceAndSelectsItsFirstItemAndNeverAGroup) {
+    QWidget parent;
+    auto &list = *new RecordingList;
+    EXPECT_EQ(list.Create(0, {5, 6, 105, 206}, nullptr, 77), 0);
+    EXPECT_EQ(list.Create(0, {5, 6, 105, 206}, &parent, 77), 1);
+    EXPECT_EQ(platform::GetDlgItem(parent, 77), &list);
+    EXPECT_EQ(list.geometry(), QRect(5, 6, 100, 200));
     list.AddTail(Group::Create("G", "g", 0, 0, 0));
     EXPECT_EQ(list.GetSlctElmt(), nullptr);
     list.AddPos(0, Item::Create("i", -1, 0, true));
     list.AddTail(Item::Create("j", -1, 0, true));
     EXPECT_EQ(list.Take(), (Texts{"select ->i"}));
-    EXPECT_EQ(list.GetSlctItem(), list.GetHead());
-    EXPECT_TRUE(list.GetHead()->IsSelected());
+    EXPECT_TRUE(list.GetSlctItem() == list.GetHead() && list.GetHead()->IsSelected());
 }
 
 TEST(TmtcListCtrl, DrawsWhatIsSelectedInGold) {
     ListStage stage;
     QImage const picture = test::PictureOf(stage.list);
     EXPECT_EQ(picture.pixelColor(100, 138), QColor(255, 215, 0)); // the single item
-    QColor const strip = picture.pixelColor(30, 50);
-    EXPECT_GT(strip.blue(), 240); // the end of the group's gradient
+    EXPECT_GT(picture.pixelColor(150, 5).lightness(),
+              picture.pixelColor(150, 31).lightness() + 10); // an item's gradient
+    EXPECT_GT(picture.pixelColor(30, 50).blue(), 240);       // the end of the group's gradient
     EXPECT_LT(picture.pixelColor(4, 50).blue(), 150);
     ListStage mirrored(Qt::RightToLeft);
     EXPECT_GT(test::ColorAt(mirrored.list, {299 - 30, 50}).blue(), 240);
@@ -164,8 +168,9 @@ TEST(TmtcListCtrl, ClicksSelectItemsAndGroupsWhereTheyMay) {
 TEST(TmtcListCtrl, ButtonsLeadToTheirOperations) {
     for (Qt::LayoutDirection const direction : {Qt::LeftToRight, Qt::RightToLeft}) {
         ListStage stage(direction);
-        QTest::mouseRelease(&stage.list, Qt::LeftButton, {},
-                            ListStage::Middle(stage.group->AddButton().GetRect())); // enough
+        QPoint const onAdd = ListStage::Middle(stage.group->AddButton().GetRect());
+        for (Qt::MouseButton const button : {Qt::RightButton, Qt::MiddleButton, Qt::LeftButton}) // the last is enough
+            QTest::mouseRelease(&stage.list, button, {}, onAdd);
         stage.ClickOn(stage.empty->Link());
         stage.ClickOn(stage.b->UpButton());
         EXPECT_EQ(stage.group->Get(0), stage.b);
@@ -271,7 +276,7 @@ TEST(TmtcListCtrl, ScreenReadersSeeAndWorkIt) {
     ASSERT_EQ(list->childCount(), 3);
     EXPECT_EQ(list->role(), QAccessible::List);
     QAccessibleInterface *const group = list->child(0);
-    EXPECT_EQ(group->role(), QAccessible::Grouping);
+    EXPECT_TRUE(group->role() == QAccessible::Grouping && list->indexOfChild(group) == 0);
     EXPECT_EQ(list->child(1)->text(QAccessible::Description), "Add E...");
     EXPECT_TRUE(group->state().expanded);
     EXPECT_FALSE(list->child(1)->state().expandable);

@@ -40,16 +40,14 @@ TEST_F(Accessible, ATableHasRowsOfCellsWithNamesAndPlaces) {
     QPoint const at = view.viewport()->mapToGlobal(stage.Middle(7, 1));
     EXPECT_TRUE(cell->rect().contains(at));
     EXPECT_EQ(table.childAt(at.x(), at.y()), row);
-    EXPECT_TRUE(table.child(49)->state().offscreen);
-    EXPECT_FALSE(row->state().offscreen);
+    EXPECT_TRUE(table.child(49)->state().offscreen && !row->state().offscreen);
 }
 
 TEST_F(Accessible, OneColumnIsAList) {
     view.DeleteColumn(2);
     view.DeleteColumn(1);
     EXPECT_EQ(Table().role(), QAccessible::List);
-    EXPECT_EQ(Table().child(0)->role(), QAccessible::ListItem);
-    EXPECT_EQ(Table().child(0)->childCount(), 0);
+    EXPECT_TRUE(Table().child(0)->role() == QAccessible::ListItem && Table().child(0)->childCount() == 0);
 }
 
 TEST_F(Accessible, StatesFollowTheSelectionAndRowsCanBeSelectedFromOutside) {
@@ -61,12 +59,10 @@ TEST_F(Accessible, StatesFollowTheSelectionAndRowsCanBeSelectedFromOutside) {
     stage.Click(4, Qt::ControlModifier);
     QAccessibleTableInterface &table = *Table().tableInterface();
     EXPECT_EQ(table.selectedRows(), (QList<int>{2, 4}));
-    EXPECT_TRUE(Table().child(2)->state().selected);
-    EXPECT_FALSE(Table().child(2)->state().focused);
+    EXPECT_TRUE(Table().child(2)->state().selected && !Table().child(2)->state().focused);
     EXPECT_TRUE(Table().child(4)->state().focused);
     EXPECT_EQ(Table().focusChild(), Table().child(4));
-    EXPECT_TRUE(table.selectRow(6));
-    EXPECT_TRUE(table.unselectRow(2));
+    EXPECT_TRUE(table.selectRow(6) && table.unselectRow(2));
     EXPECT_EQ(stage.Selected(), "4 6");
     EXPECT_FALSE(table.selectRow(50));
 }

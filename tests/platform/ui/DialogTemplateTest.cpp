@@ -105,7 +105,8 @@ TEST(DialogTemplate, EachKindIsTheControlThatItsNameSays) {
 TEST(DialogTemplate, TheRoomOfAComboIsThatOfItsListAndEntriesDoNotWidenIt) {
     DialogItem const items[] = {{.id = 1, .kind = ControlKind::DropDownList, .w = 60, .h = 14},
                                 {.id = 2, .kind = ControlKind::DropDownList, .y = 20, .w = 60, .h = 20},
-                                {.id = 3, .kind = ControlKind::DropDownList, .y = 40, .w = 60, .h = 140}};
+                                {.id = 3, .kind = ControlKind::DropDownList, .y = 40, .w = 60, .h = 140},
+                                {.id = 4, .kind = ControlKind::Label, .text = "&Room"}};
     QDialog dialog;
     BuildDialog(dialog, {.width = 100, .height = 60, .items = items});
     auto *const low = GetDlgItem<QComboBox>(dialog, 2);
@@ -113,6 +114,7 @@ TEST(DialogTemplate, TheRoomOfAComboIsThatOfItsListAndEntriesDoNotWidenIt) {
     EXPECT_EQ(low->maxVisibleItems(), 3);
     EXPECT_GT(high->maxVisibleItems(), 8);
     EXPECT_EQ(low->height(), GetDlgItem(dialog, 1)->height());
+    EXPECT_EQ(GetDlgItem(dialog, 1)->accessibleName(), QStringLiteral("Room"));
     EXPECT_EQ(high->height(), low->height());
     int const width = high->width();
     high->addItem(QString(500, u'W'));

@@ -24,20 +24,11 @@ public:
         EXPECT_TRUE(test::Eventually([this] { return paints > 0; }));
     }
     bool event(QEvent *event) override {
-        switch (event->type()) {
-        case QEvent::KeyPress:
-        case QEvent::KeyRelease:
-        case QEvent::MouseButtonPress:
-        case QEvent::MouseButtonRelease:
-        case QEvent::Close:
+        static std::set<QEvent::Type> const kept = {QEvent::KeyPress, QEvent::KeyRelease, QEvent::MouseButtonPress,
+                                                    QEvent::MouseButtonRelease, QEvent::Close};
+        if (kept.contains(event->type()))
             input.push_back(event->type());
-            break;
-        case QEvent::Paint:
-            ++paints;
-            break;
-        default:
-            break;
-        }
+        paints += event->type() == QEvent::Paint ? 1 : 0;
         return m_map.Dispatch(*event) || QWidget::event(event);
     }
 

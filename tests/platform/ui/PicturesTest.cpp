@@ -1,6 +1,7 @@
 #include "zelvar/platform/ui/Pictures.h"
 
 #include "support/GuiTest.h"
+#include "zelvar/platform/ui/PaletteColors.h"
 #include "zelvar/platform/ui/SystemColor.h"
 #include "zelvar/platform/ui/Text.h"
 
@@ -80,6 +81,12 @@ TEST(Pictures, TheDesktopsNamesAndStripsLeadToOurPicturesWhereTheThemeHasNone) {
     EXPECT_EQ(Picture({.kind = ImageDescription::Kind::Strip, .name = "drive"}, 2).toImage(), drive);
     QImage const plain = ResourcePicture(QStringLiteral("file"), 2).toImage();
     EXPECT_EQ(Picture({.kind = ImageDescription::Kind::Strip, .name = "drive", .index = 1}, 2).toImage(), plain);
+    char const *const wide = ":/qt-project.org/styles/commonstyle/images/fusion_groupbox.png"; // 98 x 38 pixels
+    EXPECT_EQ(StripCount(wide), 2);
+    for (int index = 0; index < 3; ++index)
+        EXPECT_EQ(Picture({.kind = ImageDescription::Kind::Strip, .name = wide, .index = index}, 1, 38).toImage() ==
+                      QImage(wide).copy(index * 38, 0, 38, 38).convertToFormat(QImage::Format_ARGB32_Premultiplied),
+                  index < 2);
 }
 
 TEST(Pictures, AFileIsReadByTheBytesOfItsNameAndANameOfNothingShowsAPlainFile) {
@@ -96,21 +103,15 @@ TEST(Pictures, AFileIsReadByTheBytesOfItsNameAndANameOfNothingShowsAPlainFile) {
 TEST(Pictures, WhatIsNoPictureShowsAPlainFile) {
     QImage const plain = ResourcePicture(QStringLiteral("file"), 1).toImage();
     test::TempFolder const folder;
-    struct Case {
-        char const *name;
-        std::string bytes;
-    };
-    Case const cases[] = {
-        {"empty.png", ""},
-        {"text.png", "no picture"},
-        {"cut.png", "\x89PNG\r\n\x1A\n"},
-        {"cut.bmp", "BM" + std::string(60, '\xFF')},
-        {"huge.png", std::string(std::size_t{5} << 20U, 'x')},
-    };
-    for (Case const &c : cases)
-        EXPECT_EQ(Picture({.kind = ImageDescription::Kind::File, .name = folder.Write(c.name, c.bytes)}, 1).toImage(),
+    for (auto const &[name, bytes] :
+         test::Rows<char const *, std::string>{{"empty.png", ""},
+                                               {"text.png", "no picture"},
+                                               {"cut.png", "\x89PNG\r\n\x1A\n"},
+                                               {"cut.bmp", "BM" + std::string(60, '\xFF')},
+                                               {"huge.png", std::string(std::size_t{5} << 20U, 'x')}})
+        EXPECT_EQ(Picture({.kind = ImageDescription::Kind::File, .name = folder.Write(name, bytes)}, 1).toImage(),
                   plain)
-            << c.name;
+            << name;
     EXPECT_EQ(Picture({.kind = ImageDescription::Kind::File, .name = folder.Path()}, 1).toImage(), plain);
     EXPECT_EQ(Picture({.kind = ImageDescription::Kind::Strip, .name = "drive", .index = -1}, 1).toImage(), plain);
     EXPECT_EQ(Picture({.kind = ImageDescription::Kind::Strip, .name = "../../etc"}, 1).toImage(), plain);
@@ -151,9 +152,7 @@ TEST(Pictures, ADisabledIconIsPaler) {
 
 TEST(Text, BytesThatAreNotTextShowAsReplacementCharacters) {
     EXPECT_EQ(ToQString("caf\xc3\xa9"), QStringLiteral("caf\u00e9"));
-    EXPECT_EQ(ToQString("a\xff"
-                        "b"),
-              QStringLiteral("a\ufffdb"));
+    EXPECT_EQ(ToQString("\xff!"), QStringLiteral("\ufffd!"));
     EXPECT_EQ(ToDString(QStringLiteral("\u00e9")), "\xc3\xa9");
 }
 
@@ -162,6 +161,15 @@ TEST(SystemColor, ColoursKeepRedInTheLowestByte) {
     EXPECT_EQ(ToQColor(0x030201U), QColor(1, 2, 3));
     EXPECT_EQ(SystemColor(COLOR_HIGHLIGHT), ToColorRef(QGuiApplication::palette().color(QPalette::Highlight)));
     EXPECT_EQ(SystemColor(999), 0U);
+}
+
+TEST(PaletteColors, AFixedColourTurnsWithTheDesktopsPalette) {
+    EXPECT_EQ(Mixed(QColor(10, 20, 30), QColor(30, 60, 90), 0.5), QColor(20, 40, 60));
+    EXPECT_EQ(Themed(QColor(230, 20, 10)), QColor(230, 20, 10));
+    test::DarkPalette const dark;
+    for (auto const &[color, themed] :
+         {std::pair{QRgb{0xFFFFFFFF}, QRgb{0xFF232323}}, {0xFF000000, 0xFFF0F0F0}, {0xFFFF0000, 0xFFFF1414}})
+        EXPECT_EQ(Themed(color).rgb(), themed) << color; // the hue stays
 }
 
 } // namespace
