@@ -84,9 +84,9 @@ TEST_F(CustomFileDialog, TheFolderChosenInTheHistoryIsShownAndTheTypedNameStays)
         auto &history = *hand.Control<CZelComboBox>(6008);
         EXPECT_EQ(history.GetWindowText(), folder.Path()) << "the entry of the first folder";
         hand.Type("result");
-        Hand::Choose(history, 2);
+        Choose(history, 2);
         EXPECT_EQ(told.Take(), Paths{"Folder '" + (folder / "gone") + "' not found"});
-        Hand::Choose(history, 1);
+        Choose(history, 1);
         EXPECT_EQ(hand.Name().text(), "result");
         hand.PressOk();
     });
@@ -105,9 +105,9 @@ TEST_F(CustomFileDialog, FiltersAreToldApartByTheirPlace) {
         EXPECT_EQ(types.count(), 202);
         EXPECT_EQ(types.currentText(), "Same (of, all *) (*.x149)");
         EXPECT_EQ(hand.Shown(), Paths{});
-        Hand::Choose(types, 201);
+        Choose(types, 201);
         hand.AwaitShown({"a.tif", "c[1].csv", "plain"}); // also names without a dot
-        Hand::Choose(types, 200);
+        Choose(types, 200);
         hand.AwaitShown({"c[1].csv"});
         hand.ClickRow("c[1].csv");
         hand.PressOk();
@@ -122,7 +122,7 @@ TEST_F(CustomFileDialog, AnotherFilterChangesTheExtensionThatIsSaved) {
     CCustomFileDlg dialog = Saving();
     ExpectPicked(dialog, Paths{folder / "b.csv"}, [](Hand const &hand) {
         hand.Type("a.tif");
-        Hand::Choose(hand.Part<QComboBox>("fileTypeCombo"), 1);
+        Choose(hand.Part<QComboBox>("fileTypeCombo"), 1);
         EXPECT_EQ(hand.Part<QComboBox>("fileTypeCombo").currentText(), "Tables (first, *.csv)"); // masks stand once
         EXPECT_EQ(hand.Name().text(), "a.csv");
         hand.TypeAndEnter("b");
@@ -198,7 +198,7 @@ TEST_F(CustomFileDialog, EveryRoadLeadsToItsFolder) {
                 QTest::keySequence(&hand.List(), QKeySequence(road));
             EXPECT_TRUE(Eventually([&, wanted = place] { return box.GetWindowText() == wanted; })) << road;
         }
-        Hand::Choose(box, 1);
+        Choose(box, 1);
         EXPECT_EQ(box.GetWindowText(), ParentPathOf(up));
         for (int const row : {0, 1}) {
             QModelIndex const place = places.model()->index(row, 0);

@@ -89,11 +89,11 @@ TEST_F(DeadPlaces, TenDeadFoldersInTheHistoryHoldNobodyNorIsTheOneAroundThemList
         EXPECT_NE(hand.Part<CZelComboBox>("folderBox").GetWindowText(), dead.Parent());
         hand.TypeAndEnter(dead.Parent());
         EXPECT_EQ(told.Take(), Paths{"Folder '" + dead.Parent() + "' holds a place that does not answer"});
-        FileDialogHand::Choose(*combo, 5);
+        Choose(*combo, 5);
         EXPECT_THAT(told.Take(), testing::Contains("Folder '" + history[5] + "' not found"));
         hand.TypeAndEnter(dead.Point() + "/image.tif");
         EXPECT_EQ(told.Take(), Paths{"'" + dead.Point() + "/image.tif' does not answer"});
-        FileDialogHand::Choose(*combo, 10);
+        Choose(*combo, 10);
         std::ignore = told.Take(); // of those on the way
         hand.TypeAndEnter("result");
     });

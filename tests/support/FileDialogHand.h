@@ -104,13 +104,6 @@ public:
         ClickRow(name);
         QTest::mouseDClick(m_list.viewport(), Qt::LeftButton, {}, At(name));
     }
-    /// Chooses an entry of a combo box with the keyboard.
-    static void Choose(QComboBox &box, int index) {
-        box.setFocus();
-        QTest::keyClick(&box, Qt::Key_Home);
-        for (int step = 0; step < index; ++step)
-            QTest::keyClick(&box, Qt::Key_Down);
-    }
 
 private:
     [[nodiscard]] QModelIndex Cell(int row) const { return m_list.model()->index(row, 0, m_list.rootIndex()); }
