@@ -11,15 +11,12 @@
 #include <fstream>
 #include <thread>
 
-namespace zelvar {
+namespace zelvar::test {
 namespace {
 
 using std::chrono::milliseconds;
 using std::chrono::seconds;
 using namespace std::chrono_literals;
-using test::Clock;
-using test::HostileFiles;
-using test::Since;
 
 constexpr bool kIsSanitized = reader::kIsSanitized;
 
@@ -274,4 +271,4 @@ TEST_F(ReaderEndings, APlaceThatDoesNotAnswerIsFoundOutByAReader) {
 }
 
 } // namespace
-} // namespace zelvar
+} // namespace zelvar::test
