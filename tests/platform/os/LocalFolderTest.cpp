@@ -246,6 +246,7 @@ TEST_F(LocalFolder, TheVirtualPlacesHaveNamesAndNoPath) {
         EXPECT_EQ(shell.KindOf(child.id), ShellKind::Virtual);
         EXPECT_FALSE(shell.Times(child.id).has_value());
         EXPECT_FALSE(shell.IdentityOf(child.id).has_value());
+        EXPECT_FALSE(Visit(child.id, [](ShellChild &&) { return true; })) << "it can be listed";
         return true;
     }));
     EXPECT_THAT(names, ElementsAre("Computer", "Network"));
