@@ -322,8 +322,10 @@ TEST_F(CustomFileDialog, WithoutAHistoryTheRowIsGone) {
         EXPECT_EQ(hand.List().currentIndex().data().toString(), "a");
         EXPECT_EQ(hand.Dialog().findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Open)->text(), "&Open");
         auto const &tree = dynamic_cast<QTreeView &>(hand.List());
+        QModelIndex const file = tree.currentIndex().siblingAtRow(1 - tree.currentIndex().row());
+        EXPECT_EQ(file.siblingAtColumn(2).data(), QString("TIF File"));
         for (int column = 0; column < 4; ++column) {
-            QModelIndex const cell = tree.currentIndex().siblingAtColumn(column).siblingAtRow(1);
+            QModelIndex const cell = file.siblingAtColumn(column);
             EXPECT_GE(tree.visualRect(cell).width(), tree.sizeHintForIndex(cell).width()) << column;
             EXPECT_TRUE(tree.viewport()->rect().contains(tree.visualRect(cell))) << column;
         }

@@ -375,6 +375,7 @@ TEST_F(ListPanes, TheContextMenuComesOverAFavouriteOnlyAndDeletesIt) {
     list.AddFavorite(Item("/data/one"));
     list.show();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&list));
+    EXPECT_TRUE(list.hasFocus() && ColorAt(*list.viewport(), {150, list.GetItemRect(0).top + 2}) == Qt::white);
     auto const askForMenu = [&](int row) {
         list.SetItemState(row, LVIS_SELECTED, LVIS_SELECTED);
         bool came = false;
