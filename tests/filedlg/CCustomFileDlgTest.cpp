@@ -177,12 +177,14 @@ TEST_F(CustomFileDialog, ATypedFolderIsEnteredAndATypedMaskFilters) {
 }
 
 TEST_F(CustomFileDialog, EveryRoadLeadsToItsFolder) {
-    DString const in = folder.Folder("sub/in"), sub = folder / "sub", top = folder.Path();
-    DString const home = QDir::homePath().toStdString(), up(ParentPathOf(home));
-    Rows<char const *, DString> const roads = {{"toParentButton", sub}, {"backButton", in},  {"Alt+Left", in},
-                                               {"forwardButton", sub},  {"Left", sub},       {"Alt+Left", in},
-                                               {"Alt+Right", sub},      {"Backspace", top},  {"Ctrl+Shift+H", home},
-                                               {"Alt+Left", top},       {"Alt+Right", home}, {"Ctrl+Up", up}};
+    DString const in = folder.Folder("sub/in");
+    DString const sub = folder / "sub";
+    DString const top = folder.Path();
+    DString const home = QDir::homePath().toStdString();
+    Rows<char const *, DString> const roads = {
+        {"toParentButton", sub}, {"backButton", in}, {"Alt+Left", in},   {"forwardButton", sub}, {"Left", sub},
+        {"Alt+Left", in},        {"Alt+Right", sub}, {"Backspace", top}, {"Alt+Left", sub},      {"Ctrl+Up", top},
+        {"Ctrl+Shift+H", home},  {"Alt+Left", top},  {"Alt+Right", home}};
     CCustomFileDlg dialog = Loading();
     dialog.GetOFN().initialDir = in;
     RunWith(dialog, [&](Hand const &hand) {
@@ -199,7 +201,7 @@ TEST_F(CustomFileDialog, EveryRoadLeadsToItsFolder) {
             EXPECT_TRUE(Eventually([&, wanted = place] { return box.GetWindowText() == wanted; })) << road;
         }
         Choose(box, 1);
-        EXPECT_EQ(box.GetWindowText(), ParentPathOf(up));
+        EXPECT_EQ(box.GetWindowText(), ParentPathOf(home));
         for (int const row : {0, 1}) {
             QModelIndex const place = places.model()->index(row, 0);
             QTest::mouseClick(places.viewport(), Qt::LeftButton, {}, places.visualRect(place).center());

@@ -84,7 +84,6 @@ TEST(TypedNames, SeveralStandInQuotes) {
     EXPECT_EQ(SplitTypedNames(R"("a.tif" "c)"), (Names{"a.tif", R"("c)"})) << "a quote that stays open";
     EXPECT_EQ(SplitTypedNames(R"(5" disc)"), Names{R"(5" disc)"});
     EXPECT_EQ(SplitTypedNames(R"("")"), Names{});
-    EXPECT_EQ(SplitTypedNames("  "), Names{});
 }
 
 TEST(TypedNames, AnExtensionIsAddedWhereThereIsNone) {
@@ -107,9 +106,8 @@ TEST(TypedNames, AnotherFilterReplacesTheExtensionOfTheFormerOneOnly) {
 }
 
 TEST(TypedNames, APathBeginsAtTheFolderOrAtTheRoot) {
-    EXPECT_EQ(AbsolutePath("/data/a", "../b//./x.tif"), "/data/b/x.tif");
-    EXPECT_EQ(AbsolutePath("/data", "/etc/"), "/etc");
-    EXPECT_EQ(AbsolutePath("/", "../.."), "/");
+    EXPECT_EQ(AbsolutePath("/data/a", "../b//./x/"), "/data/b/x");
+    EXPECT_EQ(AbsolutePath("/data", "/etc/../.."), "/");
     EXPECT_EQ(AbsolutePath("/caf\xe9", "\xff"), "/caf\xe9/\xff") << "bytes stay what they are";
 }
 
