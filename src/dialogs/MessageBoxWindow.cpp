@@ -33,7 +33,6 @@ public:
     explicit MessageText(QWidget *parent) : QPlainTextEdit(parent) {
         setReadOnly(true);
         setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-        setTabChangesFocus(true);
         setFocusPolicy(Qt::ClickFocus);
         setFrameShape(NoFrame);
         setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);

@@ -58,7 +58,7 @@ int CDlgSlctDir::DoBrowse() {
     if (!accepted)
         return 0;
     m_image = 0;
-    if (!m_key.empty() && !m_path.empty() && m_path != ".")
+    if (!m_key.empty())
         Profile::WriteString(kSection, m_key, m_path);
     return 1;
 }

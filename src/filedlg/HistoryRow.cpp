@@ -64,14 +64,13 @@ HistoryRow::HistoryRow(int templateId, QWidget &commonDialog) : QWidget(&commonD
     setFixedHeight(std::max({height(), BottomOf(m_cmbHist), BottomOf(m_editOnlyBox), BottomOf(m_readOnlyBox)}));
 
     connect(m_cmbHist, &QComboBox::activated, this, &HistoryRow::OnSelEndOk);
-    if (m_readOnlyBox != nullptr)
-        connect(m_readOnlyBox, &QCheckBox::clicked, this, &HistoryRow::OnReadOnlyClicked);
-    if (m_editOnlyBox != nullptr)
-        connect(m_editOnlyBox, &QCheckBox::clicked, this, &HistoryRow::OnEditOnlyClicked);
+    if (m_readOnlyBox == nullptr)
+        return; // and so is the other
+    connect(m_readOnlyBox, &QCheckBox::clicked, this, &HistoryRow::OnReadOnlyClicked);
+    connect(m_editOnlyBox, &QCheckBox::clicked, this, &HistoryRow::OnEditOnlyClicked);
 }
 
 void HistoryRow::OnInitDone(DVectorSafe<DString> const &folders, bool showHistory, DString initialDir) {
-    m_bHistory = showHistory;
     m_cmbHist->setVisible(showHistory);
     m_lblHist->setVisible(showHistory);
     if (showHistory) {
@@ -84,7 +83,7 @@ void HistoryRow::OnInitDone(DVectorSafe<DString> const &folders, bool showHistor
                 m_cmbHist->SetCurSel(index);
         }
     }
-    setVisible(showHistory || m_editOnlyBox != nullptr || m_readOnlyBox != nullptr);
+    setVisible(showHistory || m_readOnlyBox != nullptr);
     // What the combo box can give away is what the dialog can shrink by.
     int const smallest = platform::MapDialogRect(*this, {0, 0, kSmallestCombo, 0}).right;
     if (showHistory)
@@ -101,8 +100,7 @@ void HistoryRow::Reposition() {
     }
     int const growth = size.width() - m_prevCx;
     TurnRound(std::exchange(m_turnedIn, 0));
-    if (m_bHistory)
-        m_cmbHist->resize(m_cmbHist->width() + growth, m_cmbHist->height());
+    m_cmbHist->resize(m_cmbHist->width() + growth, m_cmbHist->height());
     for (QWidget *const box : {m_readOnlyBox, m_editOnlyBox})
         if (box != nullptr)
             box->move(box->x() + growth, box->y());
@@ -131,16 +129,12 @@ void HistoryRow::OnSelEndOk(int index) {
 
 void HistoryRow::OnReadOnlyClicked(bool checked) {
     m_bReadOnly = checked;
-    if (!checked || m_editOnlyBox == nullptr)
-        return;
     m_bEditOnly = false;
     m_editOnlyBox->setChecked(false);
 }
 
 void HistoryRow::OnEditOnlyClicked(bool checked) {
     m_bEditOnly = checked;
-    if (!checked || m_readOnlyBox == nullptr)
-        return;
     m_bReadOnly = false;
     m_readOnlyBox->setChecked(false);
 }

@@ -43,11 +43,10 @@ private:
     QWidget &m_dialog;
     CZelComboBox *m_cmbHist = nullptr;
     QLabel *m_lblHist = nullptr;
-    QCheckBox *m_editOnlyBox = nullptr; ///< null in a template without it, as the next one
+    QCheckBox *m_editOnlyBox = nullptr; ///< null in a template without the two, as the next one
     QCheckBox *m_readOnlyBox = nullptr;
     bool m_bReadOnly = false;
     bool m_bEditOnly = false;
-    bool m_bHistory = false;
     int m_turnedIn = 0; ///< the width in which the controls stand turned round; 0 for as the template has them
     int m_prevCx = 0;   ///< the dialog's last size
     int m_prevCy = 0;

@@ -350,8 +350,7 @@ void DlgOpenDS::OnFirstPaneRootChanged() {
 bool DlgOpenDS::eventFilter(QObject *watched, QEvent *event) {
     if (event->type() == QEvent::KeyPress && isVisible()) {
         auto *focus = qobject_cast<QWidget *>(watched);
-        if (focus != nullptr && focus->window() == this && focus == focusWidget() &&
-            ProcessKey(static_cast<QKeyEvent *>(event)->key(), focus))
+        if (focus != nullptr && focus == focusWidget() && ProcessKey(static_cast<QKeyEvent *>(event)->key(), focus))
             return true;
     }
     return cdxCDynamicDialog::eventFilter(watched, event);

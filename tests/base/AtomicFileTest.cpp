@@ -4,6 +4,7 @@
 
 #include <filesystem>
 
+#include <sys/stat.h>
 #include <sys/wait.h>
 
 namespace zelvar {
@@ -16,6 +17,7 @@ std::size_t FilesIn(test::TempFolder const &folder) {
 TEST(AtomicFile, PiecesOfAnySizeComeInTheirOrder) {
     test::TempFolder const folder;
     DString const path = folder.Write("a", "former");
+    std::ignore = chown(path.c_str(), 1, 2); // by the superuser alone
     AtomicFile file(path);
     DString expected;
     for (std::size_t const size : {1U, 300'000U, 0U, 200'000U, 100'000U, 262'144U, 7U}) {
@@ -30,6 +32,9 @@ TEST(AtomicFile, PiecesOfAnySizeComeInTheirOrder) {
     EXPECT_FALSE(file.Commit());
     EXPECT_EQ(test::ReadFile(path), expected);
     EXPECT_EQ(FilesIn(folder), 1U);
+    struct stat written {};
+    EXPECT_EQ(stat(path.c_str(), &written), 0);
+    EXPECT_TRUE(geteuid() != 0 || (written.st_uid == 1 && written.st_gid == 2)) << "it stays their file";
 }
 
 TEST(AtomicFile, OneThatIsAbandonedLeavesNoTrace) {

@@ -25,8 +25,7 @@ TEST(DString, EachCaseFormFoldsToOneAndFoldingAgainChangesNothing) {
         {"alpha with tonos", "\xCE\xAC", "\xCE\x86"},
         {"io", "\xD1\x91", "\xD0\x81"},
         {"palochka", "\xD3\x8F", "\xD3\x80"},
-        {"o with horn and hook", "\xE1\xBB\x9F", "\xE1\xBB\x9E"},
-    };
+        {"o with horn and hook", "\xE1\xBB\x9F", "\xE1\xBB\x9E"}};
     for (auto const &[name, small, capital] : cases) {
         EXPECT_TRUE(EqualNoCase(small, capital)) << name;
         EXPECT_EQ(FoldCase(small), FoldCase(capital)) << name;

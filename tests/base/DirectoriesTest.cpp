@@ -46,8 +46,7 @@ TEST(Directories, FollowTheVariableThenTheConfigurationThenTheHome) {
         {"nowhere", {}, {}, {}, "", ""},
         {"an empty home is none", {}, "", "", "", ""},
         // Without definitions is a choice; settings are always kept somewhere.
-        {"told to be empty", "", "/c", "/h", "/c/zelvar/settings.db", ""},
-    };
+        {"told to be empty", "", "/c", "/h", "/c/zelvar/settings.db", ""}};
     for (auto const &[name, told, configuration, home, settings, definitions] : cases) {
         SCOPED_TRACE(name);
         Environment const environment({{"ZELVAR_SETTINGS", told},

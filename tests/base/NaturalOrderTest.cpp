@@ -30,8 +30,7 @@ TEST(NaturalOrder, NumbersBlanksAndCaseFollowTheRule) {
         {"the start of a text comes first", "img", "img1", -1},
         {"digits before letters", "1", "a", -1},
         {"two pairs of letters outside ASCII", "\xC3\x84pfel", "\xC3\xA4pfel", 0},
-        {"nothing against nothing", "", " ", 0},
-    };
+        {"nothing against nothing", "", " ", 0}};
     for (auto const &[name, a, b, expected] : cases) {
         SCOPED_TRACE(name);
         EXPECT_EQ(NaturalCompare(a, b), expected);
@@ -47,7 +46,8 @@ TEST(NaturalOrder, FileNamesCompareTheStemAndThenTheExtension) {
         {"an extension does not take part in the stem", "a.b", "a b", -1},
         {"a leading dot begins none", ".tif", ".tif.gz", -1},
         {"only the last dot counts", "a.1.tif", "a.1", 1},
-    };
+        {"what stands before the dot is of the stem alone", "a .b", "a.a", 1},
+        {"a byte that is no character stands behind all of them", "\xC3\xA4", "\x80", -1}};
     for (auto const &[name, a, b, expected] : cases) {
         SCOPED_TRACE(name);
         EXPECT_EQ(CompareFileNames(a, b), expected);

@@ -8,34 +8,32 @@ namespace {
 constexpr PathStyle kWindows = PathStyle::Windows();
 
 TEST(PathMatchSpec, MatchesMasks) {
-    test::Rows<char const *, char const *, bool> const cases = {
-        {"a.tif", "*.tif", true},
-        {"a.TIF", "*.tif", true},
-        {"a.tiff", "*.tif", false},
-        {"a.tiff", "*.tif; *.tiff", true},
-        {"a.tiff", "*.tif;*.tiff ", false},
-        {"plain", "*.*", true},
-        {"plain", "*.", false},
-        {"plain", "", false},
-        {"plain", ";;", false},
-        {"", "*", true},
-        {"", "?", false},
-        {"ab", "?", false},
-        {"\xC3\xA4", "?", true},
-        {"\xC3\x84.tif", "\xC3\xA4*", true},
-        {"\xFFx", "?x", true},
-        {"aXbXc", "a*x*c", true},
-        {"aXbXcd", "a*x*c", false},
-        {"abc", "a**?c*", true},
-        {"x.TIF", "*.[tT][iI][fF]", true},
-        {"x.tig", "*.[tT][iI][fF]", false},
-        {"x7", "x[0-9]", true},
-        {"x7", "x[!0-9]", false},
-        {"x\xC3\x84", "*[!a-z]", true},
-        {"a[1].tif", "a[1].tif", true},
-        {"a1.tif", "a[1].tif", true},
-        {"a[", "a[", true},
-    };
+    test::Rows<char const *, char const *, bool> const cases = {{"a.tif", "*.tif", true},
+                                                                {"a.TIF", "*.tif", true},
+                                                                {"a.tiff", "*.tif", false},
+                                                                {"a.tiff", "*.tif; *.tiff", true},
+                                                                {"a.tiff", "*.tif;*.tiff ", false},
+                                                                {"plain", "*.*", true},
+                                                                {"plain", "*.", false},
+                                                                {"plain", "", false},
+                                                                {"plain", ";;", false},
+                                                                {"", "*", true},
+                                                                {"", "?", false},
+                                                                {"ab", "?", false},
+                                                                {"\xC3\xA4", "?", true},
+                                                                {"\xC3\x84.tif", "\xC3\xA4*", true},
+                                                                {"\xFFx", "?x", true},
+                                                                {"aXbXc", "a*x*c", true},
+                                                                {"aXbXcd", "a*x*c", false},
+                                                                {"abc", "a**?c*", true},
+                                                                {"x.TIF", "*.[tT][iI][fF]", true},
+                                                                {"x.tig", "*.[tT][iI][fF]", false},
+                                                                {"x7", "x[0-9]", true},
+                                                                {"x7", "x[!0-9]", false},
+                                                                {"x\xC3\x84", "*[!a-z]", true},
+                                                                {"a[1].tif", "a[1].tif", true},
+                                                                {"a1.tif", "a[1].tif", true},
+                                                                {"a[", "a[", true}};
     for (auto const &[name, masks, expected] : cases)
         EXPECT_EQ(PathMatchSpec(name, masks), expected) << name << " by " << masks;
 }
@@ -60,8 +58,7 @@ TEST(PathStyle, PartsOfAPathInBothStyles) {
         {"/a\\b.c", {}, "/", "a\\b.c", "c"},
         {"C:\\a\\b.c", kWindows, "C:\\a", "b.c", "c"},
         {"C:\\a", kWindows, "C:\\", "a", ""},
-        {"C:/a/b", kWindows, "C:/a", "b", ""},
-    };
+        {"C:/a/b", kWindows, "C:/a", "b", ""}};
     for (auto const &[path, style, parent, name, extension] : cases) {
         SCOPED_TRACE(path);
         EXPECT_EQ(ParentPathOf(path, style), parent);

@@ -151,6 +151,7 @@ TEST_F(BadInput, PipesAndDevicesAreNeverOpened) {
     ASSERT_EQ(symlink((m_folder / "pipe.tif").c_str(), (m_folder / "link.zip").c_str()), 0);
     for (char const *name : {"pipe.tif", "zero.tif", "link.zip"})
         EXPECT_FALSE(LookAtAll(m_folder / name)) << name;
+    EXPECT_THAT(test::OpenedImage(m_folder / "pipe.tif").error.Text(), HasSubstr("is no plain file"));
     for (char const *text : {"/vsistdin/", "/vsizip//vsistdin/", "GTIFF_DIR:1:/vsistdin/", "/dev/zero"})
         EXPECT_FALSE(LookAtAll(text)) << text;
     // A pipe beside an image, where GDAL would look for more of it.

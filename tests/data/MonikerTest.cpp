@@ -17,8 +17,7 @@ TEST(Moniker, IsTakenApartAtTheQuestionMark) {
         {"/no/such.tif?b>2&c=a?b", "/no/such.tif", {{"b>2", ""}, {"c", "a?b"}}},
         {"http://host/a.tif?A=1", "http://host/a.tif", {{"A", "1"}}},
         {"", "", {}},
-        {"?A=1", "", {{"A", "1"}}},
-    };
+        {"?A=1", "", {{"A", "1"}}}};
     for (auto const &[text, source, options] : cases) {
         SCOPED_TRACE(text);
         BDIMoniker const moniker(text, nullptr);
@@ -57,8 +56,7 @@ TEST(Moniker, TheLongestNameThatExistsIsTheFile) {
         {"file://" + folder.Path() + "/x%20y.zip", "file://" + folder.Path() + "/x%20y.zip", archive},
         {folder.Path(), folder.Path(), folder.Path()},
         {folder.Path() + "/missing/b.tif", folder.Path() + "/missing/b.tif", ""},
-        {"http://host" + plain, "http://host" + plain, ""},
-    };
+        {"http://host" + plain, "http://host" + plain, ""}};
     for (auto const &[text, source, onDisk] : cases) {
         SCOPED_TRACE(text);
         BDIMoniker const moniker(text, nullptr);

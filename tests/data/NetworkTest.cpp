@@ -66,13 +66,11 @@ TEST_F(Network, AnAddressKeepsItsOwnQueryBesideTheOptions) {
         DString text;
         int width;
     };
-    Case const cases[] = {
-        {kSigned, 200},
-        {DString(kSigned) + "&OVERVIEW_LEVEL=0", 100},
-        {DString(kSigned) + "?OVERVIEW_LEVEL=0", 100}, // as options typed in a dialog are added
-        {"/a.tif?OVERVIEW_LEVEL=0&X-Sig=a%2Fb%3D&version=2&&flag", 100},
-        {"/a.tif?X-Sig=a%2Fb%3D&RASTER=1&version=2&&NUM_THREADS=&flag", 200},
-    };
+    Case const cases[] = {{kSigned, 200},
+                          {DString(kSigned) + "&OVERVIEW_LEVEL=0", 100},
+                          {DString(kSigned) + "?OVERVIEW_LEVEL=0", 100}, // as options typed in a dialog are added
+                          {"/a.tif?OVERVIEW_LEVEL=0&X-Sig=a%2Fb%3D&version=2&&flag", 100},
+                          {"/a.tif?X-Sig=a%2Fb%3D&RASTER=1&version=2&&NUM_THREADS=&flag", 200}};
     for (Case const &c : cases) {
         EXPECT_TRUE(ReadImageInfo({m_server.Url() + c.text, nullptr}, "", nullptr, info)) << c.text;
         EXPECT_EQ(info.width, c.width) << c.text;

@@ -24,9 +24,7 @@ struct Selector : testing::Test {
         m_driver.SetTree("file", root);
     }
     ~Selector() override {
-        EXPECT_EQ(m_driver.opens, m_driver.closes);
-        EXPECT_EQ(m_driver.nodesMade, m_driver.nodesClosed);
-        EXPECT_EQ(m_driver.finds, m_driver.findsClosed);
+        EXPECT_TRUE(m_driver.OpenTrees() == 0 && m_driver.OpenNodes() == 0 && m_driver.OpenFinds() == 0);
     }
     /// Runs the dialog with `act`; its result, and what it chose, as "1: a b".
     std::string Run(std::function<void(SelectorHands const &)> const &act, bool multiSelect = true,

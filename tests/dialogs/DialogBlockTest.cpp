@@ -30,17 +30,16 @@ TEST(DialogTemplateBlock, IsTheTemplateByteForByte) {
               "0a000a00b315ffff800000000000");
 }
 
-TEST(DialogTemplateBlock, HasTheToldSizeAndReadsBack) {
-    Rows<std::string, std::vector<std::string>, std::size_t> const cases = {
-        {"", {}, 24},
-        {"a", {}, 28},
-        {"ab", {}, 28},
-        {"ab", {""}, 28 + 26},
-        {"ab", {"x", ""}, 28 + 28 + 26},
-        {"ab", {"xy", "xyz"}, 28 + 32 + 32},
-        {"\xF0\x9F\x98\x80", {}, 28},       // two units
-        {std::string(1500, 'c'), {}, 2072}, // cut at 1023
-    };
+TEST(DialogTemplateBlock, HasItsSizeAndReadsBack) {
+    Rows<std::string, std::vector<std::string>, std::size_t> const cases = {{"", {}, 24},
+                                                                            {"a", {}, 28},
+                                                                            {"ab", {}, 28},
+                                                                            {"ab", {""}, 28 + 26},
+                                                                            {"\xF0\x9F\x98\x80", {}, 28},
+                                                                            {std::string(1500, 'c'), {}, 2072},
+                                                                            {"ab", {"x", ""}, 28 + 28 + 26},
+                                                                            {"ab", {"xy", "xyz"}, 28 + 32 + 32}};
+    // The sign outside the first plane has two units; the last caption is cut at 1023.
     for (auto const &[caption, titles, size] : cases) {
         CDialogTmpl dialog({4, 8});
         dialog.SetCaption(caption);

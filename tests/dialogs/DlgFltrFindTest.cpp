@@ -36,12 +36,6 @@ struct Hands {
         QTest::mouseDClick(list.viewport(), Qt::LeftButton, {}, Middle(row));
     }
     [[nodiscard]] QPoint Middle(int row) const { return list.visualRect(list.model()->index(row, 0)).center(); }
-    void Choose(int entry) const {
-        filter.setFocus();
-        QTest::keyClick(&filter, Qt::Key_Home);
-        for (int i = 0; i < entry; ++i)
-            QTest::keyClick(&filter, Qt::Key_Down);
-    }
     /// Drags the list's lower edge by so many pixels.
     void DragEdge(int by, int grip = 1) const {
         QWidget *const area = list.viewport();
@@ -103,7 +97,7 @@ TEST_F(FilterFind, ListsTheCategoryByGroupAndNameAndGivesTheSelection) {
         EXPECT_EQ(hands.Lines(), "<a> NDVI, <a> red EDGE");
         for (auto const &[entry, lines] :
              {std::pair{0, kAll}, {1, "<b> Blue, <b> Red"}, {3, kAll}}) { // the empty entry
-            hands.Choose(entry);
+            Choose(hands.filter, entry);
             EXPECT_EQ(hands.Lines(), lines);
         }
         EXPECT_EQ(GetDlgItem<QLabel>(hands.window, 1982)->text(), "Channels:");
@@ -199,6 +193,7 @@ TEST_F(FilterFind, BesideItsParentItIsFilledWhileItIsShown) {
     m_dialog.SetStartFltr("Band");
     m_dialog.UpdtContent();
     EXPECT_EQ(hands.Lines(), "<b> Blue, <b> Red");
+    EXPECT_EQ(hands.filter.count(), 4) << "no former entries";
     m_dialog.SetDscr("Pick one");
     EXPECT_EQ(hands.description.text(), "Pick one");
     hands.Click(1);

@@ -67,7 +67,7 @@ TEST(MessageBoxTemplate, GrowsWithItsFont) {
 TEST(MessageBoxTemplate, TellsDefaultButtonAndCancel) {
     test::Rows<unsigned, int, bool> const cases = {{MB_YESNOCANCEL | MB_DEFBUTTON3, IDCANCEL, true},
                                                    {MB_YESNO | MB_DEFBUTTON2, IDNO, false},
-                                                   {MB_YESNOCANCEL | MB_DEFBUTTON4, IDYES, true}, // there are three
+                                                   {MB_YESNOCANCEL | MB_DEFBUTTON4, IDYES, true},
                                                    {MB_OK, IDOK, false},
                                                    {MB_RETRYCANCEL, IDRETRY, true},
                                                    {MB_OKCANCEL | MB_DEFBUTTON3 | MB_HELP, kMessageBoxHelp, true},
@@ -91,9 +91,7 @@ TEST(MessageBoxTemplate, TheDialogsStyleSaysIfItIsOnTopOfAll) {
     EXPECT_EQ(Built(MB_OK | MB_SYSTEMMODAL).dialog.Header().style, 0x90C80882U);
     EXPECT_EQ(Built(MB_OK).dialog.Header().style, 0x90C80880U);
     EXPECT_STREQ(Built(MB_OK | MB_DONTASKAGAIN).dialog.Item(2).title, "ask");
-}
-
-TEST(MessageBoxTemplate, ItsMessageAloneIsNoLowerThanSeventyPixels) {
+    // Its message alone is no lower than 70 pixels.
     EXPECT_EQ(PlaceMessage({100, 48}, 12).dialog, (Rect{0, 0, 128, 70}));
     EXPECT_EQ(PlaceMessage({100, 50}, 12).dialog, (Rect{0, 0, 128, 71}));
 }

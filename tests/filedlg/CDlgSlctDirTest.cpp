@@ -12,14 +12,10 @@ namespace {
 
 using Hand = FileDialogHand;
 
-struct SelectDirectory : testing::Test {
+struct SelectDirectory : FileDialogTest {
     SelectDirectory() {
         SettingsStore::Instance().RemoveTree("Profile");
         DfltFldrs::DeleteInstance();
-    }
-    void Write(Paths const &names) const {
-        for (std::string const &name : names)
-            folder.Write(name);
     }
     /// The folder chosen while `act` works with the browser, relative to the test's, empty for none.
     [[nodiscard]] std::string Browse(CDlgSlctDir &dialog, std::function<void(Hand const &)> const &act) const {
@@ -35,7 +31,6 @@ struct SelectDirectory : testing::Test {
     static std::string Shown(Hand const &hand) { return hand.Part<CZelComboBox>("folderBox").GetWindowText(); }
     static DString Remembered() { return Profile::GetString("Settings", "ActnLibDir", ""); }
 
-    TempFolder folder;
     CDlgSlctDir browser;
 };
 
@@ -55,6 +50,15 @@ TEST_F(SelectDirectory, AFolderIsPickedFromTheListOrByItsName) {
     EXPECT_EQ(Browse(browser, clickB), "b");
     EXPECT_EQ(Browse(browser, [](Hand const &hand) { hand.DoubleClickRow("a"), Click(&Ok(hand)); }), "a") << "shown";
     EXPECT_EQ(Browse(browser, [](Hand const &hand) { hand.TypeAndEnter("a/inner"); }), "a/inner");
+    Write({"z\xe9/in/x"});
+    auto const enter = [&](Hand const &hand) {
+        ChooseUndecoded(hand);
+        EXPECT_EQ(Shown(hand), folder / "z\xe9") << "not picked but entered";
+        hand.ClickRow("in");
+        Click(&Ok(hand));
+    };
+    EXPECT_EQ(Browse(browser, enter), "z\xe9/in");
+    EXPECT_EQ(Profile::GetString("Settings", "", "none"), "none") << "there is no key";
     auto const typeFile = [](Hand const &hand) {
         hand.Type("a/file.txt");
         EXPECT_FALSE(Ok(hand).isEnabled());

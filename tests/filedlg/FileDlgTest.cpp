@@ -5,31 +5,26 @@
 #include "support/ScriptedDriver.h"
 #include "support/SilentMount.h"
 #include "zelvar/data/reader/DriverModule.h"
-#include "zelvar/filedlg/BuiltInFormats.h"
 #include "zelvar/filedlg/core/FilterBuffer.h"
 #include "zelvar/settings/DfltFldrs.h"
 #include "zelvar/store/DCnfg.h"
 
 #include <filesystem>
+#include <future>
 
 namespace zelvar::test {
 namespace {
 
+using namespace std::chrono_literals;
 using Names = std::vector<std::string>;
 
-constexpr char kStandardDialog[] = "General_Use standard windows file selection dialog";
-
-struct Request : testing::Test {
+struct Request : FileDialogTest {
     ~Request() override {
-        EXPECT_EQ(told.Take(), Names{});
-        DUserCnfg("Options").RemoveKey(kStandardDialog);
+        UseStandardDialog("");
         platform::SetMainWindow(nullptr);
     }
-    static void UseStandardDialog(char const *answer) { DUserCnfg("Options").WriteString(kStandardDialog, answer); }
 
     ScriptedDrivers drivers;
-    TempFolder folder;
-    Told told;
     DFileFrmt a{"A", "Alpha", "*.a"};
     DFileFrmt b{"B", "Beta", "*.b"};
     DFileFrmt again{"C", "Alpha", "*.c"};
@@ -101,6 +96,12 @@ TEST_F(Request, AReadyFilterTextIsMatchedWithTheExtensionAndNothingIsRemembered)
     request.answer = {"/x/b", "/x/a"};
     EXPECT_TRUE(request.OpenFileDlg(1, nullptr, "gif", DT_DATA));
     EXPECT_EQ(request.GetFile(0)->GetText(), "/x/a");
+    Application const application;
+    FileDlg own;
+    own.AddDscr(&b, false);
+    auto const open = [&] { return own.OpenFileDlg(0, "Text|*.txt||", nullptr, DT_DATA); };
+    EXPECT_EQ(Answer(open, "").type, "Beta") << "the library's dialog shows the formats alone";
+    EXPECT_EQ(own.GetFormat(), &b);
 }
 
 TEST_F(Request, ResultsAreSortedByTheirNamesAndHandedOut) {
@@ -123,9 +124,13 @@ TEST_F(Request, ResultsAreSortedByTheirNamesAndHandedOut) {
 }
 
 TEST_F(Request, ACopySharesTheResultsAndTheLastOneDeletesThem) {
+    ScriptedTreeDriver &driver = ScriptedDrivers::AddTree("T");
+    driver.SetTree("/x/1", {.name = "1"});
     request.AddDscr(&a, false);
     request.answer = {"/x/1"};
     EXPECT_TRUE(request.ShowFileDlg(0, "", DT_DATA));
+    request.GetFile(0)->SetDrvr(&driver);
+    EXPECT_NE(request.GetFile(0)->GetNode(), nullptr);
     FileDlg assigned;
     {
         AskedRequest const copy = request;
@@ -136,6 +141,9 @@ TEST_F(Request, ACopySharesTheResultsAndTheLastOneDeletesThem) {
     EXPECT_TRUE(request.ShowFileDlg(0, "", DT_DATA));
     EXPECT_EQ(assigned.GetFile(0)->GetText(), "/x/1") << "they are the other copy's now";
     EXPECT_EQ(request.GetFile(0)->GetText(), "/x/2");
+    EXPECT_EQ(driver.OpenTrees(), 1);
+    assigned = request;
+    EXPECT_EQ(driver.OpenTrees(), 0);
 }
 
 TEST_F(Request, TheFolderOfAFileAndTheProfilesFolderLeadToTheFile) {
@@ -178,16 +186,24 @@ TEST_F(Request, StandardFormatsAreOfferedByModeAndTheirFirstIsCurrent) {
 }
 
 TEST_F(Request, SavingIsThePlatformsAndLoadingTheLibrarysWhereThereIsAFrame) {
-    auto const isOwn = [&](int mode) {
+    auto const isOwn = [&](int mode, std::launch thread = std::launch::deferred, DString const &name = "") {
         FileDlg loading;
         loading.SetInitFile(folder.Path() + "/");
-        return Answer([&] { return loading.OpenXMLData(mode, "A"); }, "").isOwn;
+        auto const open = [&] {
+            auto opened = std::async(thread, [&] { return loading.OpenXMLData(mode, "A"); });
+            return Eventually([&] { return opened.wait_for(0s) != std::future_status::timeout; }) && opened.get();
+        };
+        Shown const shown = Answer(open, name);
+        EXPECT_EQ(loading.GetPhysFile(), name.empty() ? "." : folder / name);
+        return shown.isOwn;
     };
+    Write({"a.xml"});
     EXPECT_FALSE(isOwn(0)) << "no window";
     {
         Application application;
         EXPECT_TRUE(isOwn(0));
         EXPECT_FALSE(isOwn(1));
+        EXPECT_FALSE(isOwn(0, std::launch::async, "a.xml")) << "from another thread";
         UseStandardDialog("true");
         EXPECT_FALSE(isOwn(0)) << "the user's option";
         UseStandardDialog("yes");
@@ -200,25 +216,6 @@ TEST_F(Request, SavingIsThePlatformsAndLoadingTheLibrarysWhereThereIsAFrame) {
     plain.show();
     platform::SetMainWindow(&plain);
     EXPECT_FALSE(isOwn(0));
-}
-
-TEST_F(Request, FromAnotherThreadThePlatformsDialogComesUp) {
-    Application const application;
-    folder.Write("a.xml");
-    FileDlg loading;
-    loading.SetInitFile(folder.Path() + "/");
-    auto const fromAnotherThread = [&] {
-        std::atomic<bool> over = false;
-        std::thread worker([&] {
-            EXPECT_TRUE(loading.OpenXMLData(0, "A"));
-            over = true;
-        });
-        EXPECT_TRUE(Eventually([&] { return over.load(); }));
-        worker.join();
-        return true;
-    };
-    EXPECT_FALSE(Answer(fromAnotherThread, "a.xml").isOwn);
-    EXPECT_EQ(loading.GetPhysFile(), folder / "a.xml");
 }
 
 TEST_F(Request, BothDialogsStandOverTheMainWindow) {
@@ -288,7 +285,6 @@ TEST_F(Request, BadInputCrashesNothing) {
 }
 
 TEST_F(Request, DeadFoldersAreOfferedAtOnceAndNoneIsWaitedFor) {
-    constexpr std::chrono::milliseconds soon{300};
     SilentMount dead("x.tif");
     DString const gone = dead.IsMounted() ? std::filesystem::path(dead.File()).parent_path().string() : folder / "gone";
     for (int i = 9; i >= 0; --i)
@@ -304,7 +300,7 @@ TEST_F(Request, DeadFoldersAreOfferedAtOnceAndNoneIsWaitedFor) {
             opening.SetInitFile(file);
             Shown const shown =
                 Answer([&] { return opening.OpenTiffData(mode, "A"); }, "",
-                       [&](QWidget &) { EXPECT_LT(std::chrono::steady_clock::now() - begin, soon) << mode << file; });
+                       [&](QWidget &) { EXPECT_LT(std::chrono::steady_clock::now() - begin, 300ms) << mode << file; });
             EXPECT_GE(shown.folders.size(), 8U);
         }
     dead.Answer();

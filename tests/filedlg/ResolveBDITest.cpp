@@ -1,12 +1,46 @@
-// What chosen files become, with drivers written down by the tests.
-#include "support/GuiTest.h"
+// What chosen files become: with drivers written down by the tests, with some that sleep and crash in real readers, and
+// with the real ones, in this process or in readers.
+#include "support/FileRequests.h"
+#include "support/HostileFiles.h"
+#include "support/ImageFiles.h"
+#include "support/RealDrivers.h"
 #include "support/ScriptedDriver.h"
-#include "zelvar/filedlg/FileDlg.h"
+#include "zelvar/data/DIOPluginMngr.h"
+#include "zelvar/data/ImageReader.h"
+#include "zelvar/dialogs/CBDISelectorDlg.h"
+#include "zelvar/lists/CZelListCtrl.h"
+#include "zelvar/store/DCnfg.h"
+
+#include <filesystem>
 
 namespace zelvar::test {
 namespace {
 
+using namespace std::chrono_literals;
 using Names = std::vector<std::string>;
+
+/// Files chosen in a dialog.
+struct Choice {
+    /// The texts of the monikers that the files become, `mark` before those that have a driver.
+    Names Resolve(Names const &paths, int nodeMask = BDINode_Raster, char const *options = nullptr, int mode = 0) {
+        DVectorSafe<DFile> files;
+        for (DString const &path : paths)
+            files.push_back(DFile(path));
+        DVector<BDIMoniker *> out = given;
+        resolved = FileDlg::ResolveBDI(mode, nodeMask, format, "Choose", files, "*.x", out, options);
+        EXPECT_EQ(std::erase(out, nullptr), given.size()) << "they stay";
+        Names texts;
+        for (BDIMoniker const *moniker : out)
+            texts.push_back((moniker->GetDrvr() == nullptr ? "" : mark) +
+                            std::unique_ptr<BDIMoniker const>(moniker)->GetText());
+        return texts;
+    }
+
+    DFileFrmt const *format = nullptr;
+    DVector<BDIMoniker *> given; ///< null monikers of the caller
+    char const *mark = "";
+    bool resolved = false;
+};
 
 /// A tree driver that wants options for its files.
 struct OptionsDriver : ScriptedTreeDriver {
@@ -15,8 +49,10 @@ struct OptionsDriver : ScriptedTreeDriver {
     [[nodiscard]] DString GetDriverParameterString(BDINode const *) override { return options; }
 };
 
-struct Resolving : testing::Test {
+struct Resolving : testing::Test, Choice {
     Resolving() : driver(*new OptionsDriver("TREE")) {
+        format = &trees;
+        mark = "*";
         BDIDrvrMngr::Instance()->Add(std::unique_ptr<BDIDrvr>(&driver));
         Tree("plain", {.name = "plain", .type = BDINode_Raster});
         Tree("other", {.name = "other", .type = BDINode_Thematic});
@@ -32,28 +68,9 @@ struct Resolving : testing::Test {
         EXPECT_TRUE(driver.OpenTrees() == 0 && driver.OpenNodes() == 0 && driver.OpenFinds() == 0);
     }
     void Tree(DString const &name, ScriptedNode const &root) { driver.SetTree(name, root); }
-    /// The texts of the monikers, those that have a driver with "*" before them.
-    Names Resolve(Names const &names, int nodeMask = BDINode_Raster, char const *options = nullptr, int mode = 0) {
-        DVectorSafe<DFile> files;
-        for (DString const &name : names)
-            files.push_back(DFile(name));
-        DVector<BDIMoniker *> out = given;
-        DFileFrmt const *const wanted = hasFormat ? &format : nullptr;
-        resolved = FileDlg::ResolveBDI(mode, nodeMask, wanted, "Title", files, "*.x", out, options);
-        EXPECT_EQ(std::erase(out, nullptr), given.size()) << "they stay";
-        Names texts;
-        for (BDIMoniker const *moniker : out)
-            texts.push_back((moniker->GetDrvr() == nullptr ? "" : "*") +
-                            std::unique_ptr<BDIMoniker const>(moniker)->GetText());
-        return texts;
-    }
-
     ScriptedDrivers drivers;
     OptionsDriver &driver;
-    DFileFrmt format{"TREE", "Trees", "*.x"};
-    bool hasFormat = true;
-    DVector<BDIMoniker *> given; ///< null monikers of the caller
-    bool resolved = false;
+    DFileFrmt trees{"TREE", "Trees", "*.x"};
 };
 
 TEST_F(Resolving, APlainFileKeepsItsPathAndItsDriver) {
@@ -62,7 +79,7 @@ TEST_F(Resolving, APlainFileKeepsItsPathAndItsDriver) {
     EXPECT_EQ(Resolve({"other"}), Names{"other"}) << "what is of no wanted type loses its driver";
     EXPECT_EQ(Resolve({"plain"}, 0), Names{"plain"}) << "a document is opened by nobody";
     EXPECT_EQ(Resolve({"deep"}, 0), Names{"*deep"}) << "a container stays what it is";
-    hasFormat = false;
+    format = nullptr;
     EXPECT_EQ(Resolve({"plain"}), Names{"plain"});
     given = {nullptr};
     EXPECT_EQ(Resolve({"plain"}), Names{"plain"});
@@ -95,7 +112,6 @@ TEST_F(Resolving, ContainersAmongSeveralFilesGiveAllThatIsInThem) {
     EXPECT_EQ(Resolve({"deep", "plain", "deep"}, BDINode_Thematic),
               (Names{"plain", "*deep/in", "*deep/road", "*deep/in", "*deep/road"}));
     EXPECT_EQ(Resolve({"deep", "deep"}, 2, nullptr, 1), (Names{"*deep", "*deep"})) << "not when saving";
-    EXPECT_TRUE(resolved);
 }
 
 TEST_F(Resolving, ATableGivesItsFirstChildAndEndsTheLook) {
@@ -118,8 +134,113 @@ TEST_F(Resolving, AFileWithoutAFormatsDriverTakesOneThatReadsItsContainer) {
     DString const file = folder.Write("a.tre", "x");
     auto &container = ScriptedDrivers::AddTree("CONTAINER", "*.tre");
     container.SetTree(file, {.name = "a", .children = {{.name = "one", .type = BDINode_Raster}}});
-    hasFormat = false;
+    format = nullptr;
     EXPECT_EQ(Resolve({file, folder.Write("b.txt")}), (Names{folder / "b.txt", "*" + file + "/one"}));
+}
+
+struct HangingContainer : HostileFiles, Choice {
+    HangingContainer() { window.show(); }
+    /// Each file gives its own moniker; the user presses Escape after a while.
+    void ExpectPlain(Names const &paths, std::chrono::milliseconds patience) {
+        DFileFrmt const hostile("HOSTILE", "Hostile files", "*.hostile");
+        format = &hostile;
+        PressEscapeAfter(patience, window);
+        EXPECT_THAT(Resolve(paths), testing::UnorderedElementsAreArray(paths));
+        EXPECT_TRUE(resolved);
+    }
+    QWidget window;
+};
+
+TEST_F(HangingContainer, GivesItsPlainMonikerOnceTheUserHasHadEnough) {
+    std::string const asleep = Write("asleep", "open sleep 60\nmembers 3\n");
+    auto const begin = Clock::now();
+    ExpectPlain({asleep}, 500ms);
+    ExpectPlain({asleep, Write("too", "list sleep 60\nmembers 3\n")}, 500ms);
+    EXPECT_LT(Since(begin), 20s);
+}
+
+TEST_F(HangingContainer, ThatEndsItsReaderStaysWhatItIs) {
+    ExpectPlain({Write("crash", "open crash\nmembers 3\n")}, 60s);
+    ExpectPlain({Write("a", "list crash\nmembers 3\n"), Write("b", "open abort\nmembers 3\n")}, 60s);
+}
+
+struct RealFiles : testing::Test, Choice {
+    RealFiles() { UseRealDrivers(); }
+    /// What becomes of the files under "All Files"; `act` answers the selector.
+    Names Resolve(Names names, std::function<void(CBDISelectorDlg &)> const &act = {}) {
+        for (std::string &name : names)
+            name = folder / name;
+        std::shared_ptr<bool const> asked = std::make_shared<bool>(true);
+        if (act)
+            asked = OnNextDialog([&act](QWidget &dialog) { act(dynamic_cast<CBDISelectorDlg &>(dialog)); });
+        Names texts = Choice::Resolve(names);
+        EXPECT_TRUE(*asked);
+        return texts;
+    }
+    static void ExpectImages(Names const &monikers, std::size_t count) {
+        EXPECT_EQ(std::set(monikers.begin(), monikers.end()).size(), count) << testing::PrintToString(monikers);
+        for (DString const &moniker : monikers) {
+            ImageInfo info;
+            EXPECT_TRUE(ReadImageInfo({moniker, nullptr}, "", nullptr, info) && info.width > 0) << moniker;
+        }
+    }
+
+    TempFolder folder;
+};
+
+TEST_F(RealFiles, AContainerLetsTheUserChooseWhatIsRead) {
+    WritePages(folder / "pa?ges & more.tif", 3);
+    WriteNetCdf(folder / "cube 1.nc", 3);
+    for (char const *name : {"pa?ges & more.tif", "cube 1.nc"}) {
+        auto const takeTwo = [](CBDISelectorDlg &dialog) {
+            auto &list = *platform::GetDlgItem<CZelListCtrl>(dialog, 6004);
+            EXPECT_EQ(dialog.windowTitle(), "Choose");
+            ASSERT_EQ(list.GetNumRow(), 3);
+            list.SetSlct(0, false);
+            list.SetSlct(1, true);
+            list.SetSlct(2, true);
+            Click(platform::GetDlgItem(dialog, 1));
+        };
+        ExpectImages(Resolve({name}, takeTwo), 2);
+        EXPECT_TRUE(resolved);
+    }
+    EXPECT_EQ(Resolve({"cube 1.nc"}, [](CBDISelectorDlg &dialog) { dialog.reject(); }), Names{folder / "cube 1.nc"})
+        << "what was made stays";
+    EXPECT_FALSE(resolved);
+}
+
+TEST_F(RealFiles, SeveralContainersGiveAllTheirImagesAndDamagedOnesStayWhatTheyAre) {
+    WritePages(folder / "pages.tif", 3);
+    WriteNetCdf(folder / "cube.nc", 2);
+    for (char const *plain : {"a?b.tif", "p & %41 #.tif"})
+        WriteImage(folder / plain);
+    EXPECT_EQ(Resolve({"a?b.tif"}), Names{folder / "a?b.tif"});
+    ExpectImages(Resolve({"pages.tif", "a?b.tif", "cube.nc", "p & %41 #.tif"}), 7);
+    std::filesystem::resize_file(folder / "cube.nc", 100);
+    folder.Write("empty.nc");
+    EXPECT_EQ(Resolve({"cube.nc"}), Names{folder / "cube.nc"});
+    EXPECT_EQ(Resolve({"cube.nc", "empty.nc", "gone.nc"}).size(), 3U);
+    EXPECT_TRUE(resolved);
+}
+
+TEST_F(RealFiles, AllOfTheDriversFormatsAreOfferedAndTheDialogShowsTheFolderOfAContainersNode) {
+    WritePages(folder / "pages.tif", 2);
+    Application const application;
+    Profile::WriteString("Settings", "Raster File Type", "");
+    FileDlg request;
+    request.SetDataType(BDINode_Raster);
+    request.SetInitFile("GTIFF_DIR:2:" + folder / "pages.tif");
+    std::string node;
+    auto const open = [&] { return request.OpenRasterData(DIOPluginMngr::Instance(), 0, false, false, nullptr); };
+    Shown const shown = Answer(open, "", [&](QWidget &dialog) {
+        DSListCtrl const &list = *dynamic_cast<DlgOpenDS &>(dialog).MainList();
+        EXPECT_TRUE(Eventually([&] { return list.GetNumRow() == 2; }));
+        node = list.ItemAt(1)->GetPath();
+        Shot(dialog, "filedlg-load-raster");
+    });
+    EXPECT_GT(shown.types.size(), 60U);
+    EXPECT_EQ(shown.type, "All Files");
+    ExpectImages({node}, 1);
 }
 
 } // namespace

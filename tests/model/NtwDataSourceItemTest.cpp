@@ -88,9 +88,11 @@ TEST_F(NtwDataSourceItemTest, AMaskNamesFilesAndNeverFolders) {
 TEST_F(NtwDataSourceItemTest, AChildKnowsSizeTimeAndPictureWithoutASecondLook) {
     m_shell->AddFile("/d/a.tif", {.size = 12, .modified = 1'709'450'000'123'000'000});
     m_shell->AddFolder("/d/sub");
+    m_shell->AddFile("/d/b.tif", {.link = true});
+    m_shell->AddFile("/d/c.zip");
     RefItemPtr<NtwDataSourceItem> const folder = Item("/d");
     auto const children = Children(*folder);
-    ASSERT_EQ(children.size(), 2U);
+    ASSERT_EQ(children.size(), 4U);
     EXPECT_EQ(children[0]->GetFileSize(), 12);
     SystemTime time;
     ASSERT_TRUE(children[0]->GetModificationTime(time));
@@ -100,6 +102,10 @@ TEST_F(NtwDataSourceItemTest, AChildKnowsSizeTimeAndPictureWithoutASecondLook) {
     NtwDataSourceItem::Initialize();
     EXPECT_EQ(children[0]->GetImageList()->Get(children[0]->GetIconIndex()).name, "image-x-generic");
     EXPECT_EQ(children[1]->GetImageList()->Get(children[1]->GetIconIndex()).name, "folder");
+    std::set<int> pictures; // each kind has its own, and so has a link
+    for (auto const &child : children)
+        pictures.insert(child->GetIconIndex());
+    EXPECT_EQ(pictures.size(), 4U);
     EXPECT_EQ(children[1]->GetFileSize(), -1);
     EXPECT_FALSE(children[1]->GetModificationTime(time));
     EXPECT_EQ(m_shell->TimesCalls(), 0);

@@ -4,6 +4,7 @@
 #include "support/Test.h"
 #include "zelvar/base/DFile.h"
 #include "zelvar/base/Directories.h"
+#include "zelvar/data/PlaceCheck.h"
 
 namespace zelvar {
 namespace {
@@ -54,6 +55,18 @@ TEST_F(PlaceResolverTest, AnAddressGoesToTheDrivers) {
     EXPECT_NE(ItemFromPlace("http://localhost/x.tif"), nullptr);
     EXPECT_EQ(ItemFromPlace("http://localhost/y.tif"), nullptr);
     EXPECT_EQ(ItemFromPlace("smb://"), nullptr);
+}
+
+TEST_F(PlaceResolverTest, SaysWhatKeepsAPlaceFromBeingFound) {
+    SetPlaceCheck([](DString const &path) { return path.find("dead") == DString::npos; });
+    test::Rows<DString, char const *> const cases = {{"source:none", "there is no such definition"},
+                                                     {"http://localhost/x", ""},
+                                                     {m_folder / "gone", "No such file or directory"},
+                                                     {"/dead/x", "its place does not answer"},
+                                                     {"smb://dead/x", "its server does not answer"}};
+    for (auto const &[place, reason] : cases)
+        EXPECT_EQ(ReasonAgainst(place), reason) << place;
+    SetPlaceCheck(nullptr);
 }
 
 } // namespace

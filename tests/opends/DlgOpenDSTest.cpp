@@ -5,10 +5,8 @@
 #include "support/RealDrivers.h"
 #include "support/Told.h"
 #include "zelvar/controls/CZelComboBox.h"
-#include "zelvar/data/BDIDrvr.h"
 #include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/data/DriverProvider.h"
-#include "zelvar/data/RDIDriver.h"
 #include "zelvar/data/RDIDriverMngr.h"
 #include "zelvar/layout/SplitterBar.h"
 #include "zelvar/model/DataSourceCollector.h"
@@ -124,7 +122,6 @@ TEST_F(OpenDialog, ImagesPickedWithTheMouseComeBackAsMonikers) {
     EXPECT_EQ(monikers[1].GetText(), folder / "rgb.tif");
     DVectorSafe<DString> history;
     DfltFldrs::Instance()->GetDirHist("ImageFolders", history, false, true);
-    ASSERT_FALSE(history.empty());
     EXPECT_EQ(history[0], folder / "rgb.tif");
 }
 
@@ -224,6 +221,11 @@ TEST_F(OpenDialog, PathButtonsLeadUpAndTheStarRemembersTheInnermost) {
         EXPECT_TRUE(Eventually([&] { return shown()->GetPath() == parentPath; }));
         Click(Button(*dialog, kHomeId));
         EXPECT_TRUE(dialog->DataSourceWnd()->IsDataSourceView());
+        dialog->DataSourceWnd()->SwitchToFolderView();
+        RefItemPtr<DataSourceItem> const top(NtwDataSourceItem::CreateItem(folder.Path().c_str(), nullptr, nullptr));
+        dialog->Hierarchy()->ResetDataSources({top});
+        platform::SendMessage(dialog.get(), WM_DS_ROOT_ITEM_CHANGED);
+        EXPECT_TRUE(dialog->DataSourceWnd()->IsDataSourceView()) << "nothing is above it";
         Shot(*dialog, "DlgOpenDS-sources");
     });
     Favorites::Remove(folder.Path());
@@ -268,6 +270,8 @@ TEST_F(OpenDialog, TheTabKeyGoesRoundThePanesAndF5ListsAgain) {
         dialog->MainList()->setFocus();
         QTest::keyClick(dialog->MainList(), Qt::Key_F5);
         EXPECT_TRUE(Eventually([&] { return RowOf(*dialog->MainList(), "new.txt") >= 0; }));
+        Click(GetDlgItem(*dialog, kRestoreLayoutId));
+        EXPECT_NEAR(dialog->Hierarchy()->GetPane(0)->width(), dialog->Hierarchy()->GetPane(1)->width(), 4);
     });
 }
 
@@ -374,9 +378,7 @@ TEST_F(OpenDialog, AContainerIsEnteredAndItsImagesAreListed) {
     DialogPtr const dialog = Make();
     Run(*dialog, [&] {
         EXPECT_EQ(RowOf(*dialog->MainList(), "pages.tif"), -1) << "it is a folder of images";
-        int const row = RowOf(*dialog->FolderList(), "pages.tif");
-        ASSERT_GE(row, 0);
-        dialog->FolderList()->SetSlct(row, true);
+        dialog->FolderList()->SetSlct(RowOf(*dialog->FolderList(), "pages.tif"), true);
         ASSERT_TRUE(Eventually([&] {
             return dialog->MainList()->GetNumRow() == 3 &&
                    dialog->MainList()->ItemAt(0)->GetDataSourceType() == DataSourceItem::DST_REPOSITORY;
@@ -466,10 +468,14 @@ TEST_F(OpenDialog, OptionsOfTheFormatGoIntoTheMoniker) {
     TempFolder const templates;
     templates.Write("extras.xml",
                     "<DataSourceExtras><DataSourceOptions driver='GTiff' template='t.html'/></DataSourceExtras>");
-    templates.Write("t.html", "<h3>GeoTIFF</h3><table><tr><td>Geometry from<td><input name=GEOREF_SOURCES value=NONE>"
-                              "<tr><td>Threads<td><select name=NUM_THREADS><option>1<option>ALL_CPUS</select></table>"
-                              "<p><input type=button id=Apply value=Apply>");
+    templates.Write(
+        "t.html",
+        "<h3>GeoTIFF</h3><table><tr><td>Geometry from<td><input name=GEOREF_SOURCES value=NONE>"
+        "<tr><td>Threads<td><select name=NUM_THREADS><option>1<option>ALL_CPUS</select><tr><td>Level<td><input "
+        "name=OVERVIEW_LEVEL></table>"
+        "<p><input type=button id=Apply value=Apply>");
     Variable const place("ZELVAR_TEMPLATES_DIR", templates.Path());
+    WriteImage(folder / "grey.tif", {.width = 64, .height = 32}, {2});
     DialogPtr const dialog = Make();
     Run(*dialog, [&] {
         ClickRow(*dialog->MainList(), "notes.txt");
@@ -477,6 +483,9 @@ TEST_F(OpenDialog, OptionsOfTheFormatGoIntoTheMoniker) {
         EXPECT_FALSE(dialog->PropertyWnd()->IsTabVisible(2)) << "no options of a text";
         ClickRow(*dialog->MainList(), "grey.tif");
         ASSERT_TRUE(Eventually([&] { return dialog->PropertyWnd()->GetActiveTab() == 2; }));
+        dialog->PropertyWnd()->findChild<QLineEdit *>("OVERVIEW_LEVEL")->setText("0");
+        Click(dialog->PropertyWnd()->Extra()->findChild<QPushButton *>());
+        EXPECT_TRUE(Eventually([&] { return PropertyIn(*dialog->PropertyWnd(), "Image Width") == "32"; }));
         dialog->PropertyWnd()->findChild<QLineEdit *>("GEOREF_SOURCES")->setText("INTERNAL");
         EXPECT_TRUE(Eventually([&] {
             ImageExtraWnd const &page = *dialog->PropertyWnd()->Extra();
@@ -488,7 +497,7 @@ TEST_F(OpenDialog, OptionsOfTheFormatGoIntoTheMoniker) {
     });
     ASSERT_EQ(dialog->GetSelectedNodePaths().size(), 1U);
     EXPECT_EQ(dialog->GetSelectedNodePaths()[0].GetText(),
-              folder / "grey.tif" + "?GEOREF_SOURCES=INTERNAL&NUM_THREADS=1");
+              folder / "grey.tif" + "?GEOREF_SOURCES=INTERNAL&NUM_THREADS=1&OVERVIEW_LEVEL=0");
 }
 
 TEST_F(OpenDialog, LongNamesAndAllItsStatesHaveRoom) {

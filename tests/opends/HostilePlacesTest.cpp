@@ -17,20 +17,11 @@ namespace zelvar::test {
 namespace {
 
 using std::chrono::milliseconds;
-using Clock = std::chrono::steady_clock;
-
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr int kSlower = 8; // under a sanitizer
-#else
-constexpr int kSlower = 1;
-#endif
 constexpr milliseconds kSeen{300 * kSlower};
 constexpr milliseconds kSmooth{100 * kSlower};
 constexpr milliseconds kPatience{450}; ///< of a user who presses Escape then
 constexpr int kTries = 3;              // the best counts: the machine may be under load
 constexpr int kMostReaders = 5;
-
-milliseconds Since(Clock::time_point begin) { return std::chrono::duration_cast<milliseconds>(Clock::now() - begin); }
 
 /// Calls `act` once `when` is true. Asks by queued calls, so also while the windows' thread lists.
 void Whenever(QObject *context, std::function<bool()> when, std::function<void()> act) {

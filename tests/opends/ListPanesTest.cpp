@@ -198,10 +198,7 @@ TEST_F(ListPanes, TheSelectionIsKeptByPathAndARestoredRowStaysQuietOnce) {
     shell->AddFile("/data/a0.tif");
     list->ResetItems({Item("/data"), Item("/data")}); // one root more: listed again, the selection saved
     ASSERT_TRUE(Eventually([&] { return list->GetNumRow() >= 4; }));
-    ItemList selected;
-    list->GetSelectedItems(selected);
-    ASSERT_FALSE(selected.empty());
-    EXPECT_EQ(selected.front()->GetName(), "b.tif");
+    EXPECT_TRUE(list->GetSlct(RowOf(*list, "b.tif")));
 
     list->ClearSelection();
     QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, QPoint(30, list->GetItemRect(0).top + 5));
@@ -359,19 +356,16 @@ TEST_F(ListPanes, OnlySelectedFavouritesAreDeletedWhateverElseIsSelected) {
     EXPECT_TRUE(RowsOf(list, kGroupFavorites).empty());
     EXPECT_EQ(RowsOf(list, kGroupDrives).size(), 1U);
     EXPECT_FALSE(Favorites::Contains("/data/one") || Favorites::Contains("/data/two"));
-}
-
-TEST_F(ListPanes, ADriveThatBecameAFavouriteStaysWhenTheFavouriteIsDeleted) {
-    Sources list;
-    ASSERT_EQ(RowsOf(list, kGroupDrives), std::vector<DString>{"Data"});
     list.AddFavorite(list.ItemAt(0)); // the drive's own item, as the path buttons hand it over
-    ASSERT_EQ(list.GetItemCount(), 2);
-    list.SetItemState(0, LVIS_SELECTED, LVIS_SELECTED);
-    QTest::keyClick(&list, Qt::Key_Delete);
-    EXPECT_EQ(list.GetItemCount(), 2) << "a drive is no favourite";
-    list.SetItemState(1, LVIS_SELECTED, LVIS_SELECTED);
-    QTest::keyClick(&list, Qt::Key_Delete);
-    EXPECT_EQ(list.GetItemCount(), 1);
+    list.AddFavorite(Item("/data/two"));
+    for (int const row : {0, 1}) {
+        list.SetItemState(-1, 0, LVIS_SELECTED);
+        list.SetItemState(row, LVIS_SELECTED, LVIS_SELECTED);
+        QTest::keyClick(&list, Qt::Key_Delete);
+        EXPECT_EQ(list.GetItemCount(), row == 0 ? 3 : 2) << "a drive is no favourite";
+    }
+    EXPECT_EQ(list.ItemAt(1)->GetPath(), "/data/two");
+    Favorites::Remove("/data/two");
     EXPECT_FALSE(Favorites::Contains("/data"));
 }
 
@@ -381,6 +375,7 @@ TEST_F(ListPanes, TheContextMenuComesOverAFavouriteOnlyAndDeletesIt) {
     list.AddFavorite(Item("/data/one"));
     list.show();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&list));
+    EXPECT_TRUE(list.hasFocus() && ColorAt(*list.viewport(), {150, list.GetItemRect(0).top + 2}) == Qt::white);
     auto const askForMenu = [&](int row) {
         list.SetItemState(row, LVIS_SELECTED, LVIS_SELECTED);
         bool came = false;
@@ -541,6 +536,9 @@ TEST_F(ListPanes, AHierarchyShowsALevelAPaneAndADoubleClickOnNothingDoesNothing)
     EXPECT_EQ(roots.front()->GetPath(), "/data/sub") << "the level above, with the item selected";
     ASSERT_TRUE(HasRows(*hierarchy.GetPane(0), 1));
     EXPECT_TRUE(Eventually([&] { return hierarchy.GetPane(0)->GetSlct(0); }));
+    hierarchy.ApplyFileFilter("*", "format");
+    EXPECT_EQ(hierarchy.GetPane(0)->GetNumRow(), 0) << "listed anew";
+    EXPECT_TRUE(HasRows(*hierarchy.GetPane(0), 1));
     platform::SendMessage(&hierarchy, WM_DS_DATA_ITEM_DBLCLICK, id, 0);
     EXPECT_EQ(coordinator.told[WM_DS_ROOT_ITEM_CHANGED], 1);
     hierarchy.ShowDir(Item("/data"));

@@ -83,6 +83,8 @@ TEST_F(ServeTables, BadRequestsAreRefused) {
     request.Set(std::move(named));
     ASSERT_NE(reader::RequestHandler::FileOf(request), nullptr);
     EXPECT_EQ(*reader::RequestHandler::FileOf(request), "/t");
+    request.Set(wire::ReadRowsT{});
+    EXPECT_EQ(reader::RequestHandler::FileOf(request), nullptr);
 }
 
 TEST_F(ServeTables, PluginsOfFormatsAreToldWithTheDrivers) {

@@ -303,8 +303,7 @@ TEST_F(ReaderServer, AbsurdPixelsAreRefusedBeforeTheDriverIsAsked) {
         {"an unknown method", [](auto &r) { r.resampling = RDIDriver::AsStored + 1; }},
         {"a method below zero", [](auto &r) { r.resampling = -1; }},
         {"samples of an unknown type", [](auto &r) { r.image = ImageSpec(2, "RASTER", "/strange"); }},
-        {"no image", [](auto &r) { r.image = nullptr; }},
-    };
+        {"no image", [](auto &r) { r.image = nullptr; }}};
     for (auto const &[what, change] : cases) {
         auto request = ReadPixels(ImageSpec(1, "RASTER", "/a"), 64);
         change(request);

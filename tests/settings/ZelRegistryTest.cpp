@@ -41,32 +41,30 @@ TEST_F(ZelRegistryTest, EveryTypeSurvivesTheRoundTripByteForByte) {
         Bytes data;
         char const *text; ///< in the snapshot
     };
-    Case const cases[] = {
-        {0, {1, 0xAB}, "01AB"},
-        {0, {}, ""},
-        {1, {'a', 'b', 'c', 'd', 0}, "abcd"},
-        {1, {'a', 'b', 'c', 'd'}, "abcd"},
-        {1, {'a', 0, 0, 0}, "a"},
-        {1, {'<', '&', ' ', 0}, "<& "},
-        {1, {0}, ""},
-        {1, {}, ""},
-        {1, {'a', 0, 'b', 0}, "610062"}, // no XML holds a zero
-        {1, {0xFF, 7, 0}, "FF07"},
-        {2, {'%', 'P', '%', 0}, "%P%"},
-        {3, {0, 1, 2}, "000102"},
-        {4, {0xFF, 0xFF, 0xFF, 0xFF}, "-1"},
-        {4, {0, 0, 0, 0x80}, "-2147483648"},
-        {4, {1, 2}, "0x0102"},
-        {4, {1, 2, 3, 4, 5}, "0x0102030405"},
-        {7, {'a', 0, 'b', 0, 0}, "6100620000"},
-        {7, {0}, "00"},
-        {7, {'a'}, "61"},
-        {11, {0xFE, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}, "-2"},
-        {11, {}, ""},
-        {0xFFFFFFFF, {9}, "09"},
-        {kRegDouble, {1, 0, 0, 0, 0, 0, 0xF8, 0x7F}, "010000000000F87F"}, // not a number, and which
-        {kRegTextList, {1, 0, 0}, "010000"},
-    };
+    Case const cases[] = {{0, {1, 0xAB}, "01AB"},
+                          {0, {}, ""},
+                          {1, {'a', 'b', 'c', 'd', 0}, "abcd"},
+                          {1, {'a', 'b', 'c', 'd'}, "abcd"},
+                          {1, {'a', 0, 0, 0}, "a"},
+                          {1, {'<', '&', ' ', 0}, "<& "},
+                          {1, {0}, ""},
+                          {1, {}, ""},
+                          {1, {'a', 0, 'b', 0}, "610062"}, // no XML holds a zero
+                          {1, {0xFF, 7, 0}, "FF07"},
+                          {2, {'%', 'P', '%', 0}, "%P%"},
+                          {3, {0, 1, 2}, "000102"},
+                          {4, {0xFF, 0xFF, 0xFF, 0xFF}, "-1"},
+                          {4, {0, 0, 0, 0x80}, "-2147483648"},
+                          {4, {1, 2}, "0x0102"},
+                          {4, {1, 2, 3, 4, 5}, "0x0102030405"},
+                          {7, {'a', 0, 'b', 0, 0}, "6100620000"},
+                          {7, {0}, "00"},
+                          {7, {'a'}, "61"},
+                          {11, {0xFE, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}, "-2"},
+                          {11, {}, ""},
+                          {0xFFFFFFFF, {9}, "09"},
+                          {kRegDouble, {1, 0, 0, 0, 0, 0, 0xF8, 0x7F}, "010000000000F87F"}, // not a number, and which
+                          {kRegTextList, {1, 0, 0}, "010000"}};
     ASSERT_TRUE(m_registry.CreateKey("k"));
     int number = 0;
     for (Case const &value : cases) {

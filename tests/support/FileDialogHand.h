@@ -10,12 +10,32 @@
 #include <QtWidgets/QAbstractItemView>
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QDialogButtonBox>
+#include <QtWidgets/QListWidget>
 
 #include <source_location>
 
 namespace zelvar::test {
 
 using Paths = std::vector<std::string>;
+
+/// A folder for a dialog; nothing may be told but what a test takes.
+struct FileDialogTest : testing::Test {
+    ~FileDialogTest() override { EXPECT_EQ(told.Take(), Paths{}); }
+    void Write(Paths const &names) const {
+        for (std::string const &name : names)
+            folder.Write(name);
+    }
+
+    TempFolder folder;
+    Told told;
+};
+
+inline std::vector<std::string> EntriesOf(QComboBox const &box) {
+    std::vector<std::string> entries;
+    for (int i = 0; i < box.count(); ++i)
+        entries.push_back(box.itemText(i).toStdString());
+    return entries;
+}
 
 /// A user's hand on the file dialog.
 class FileDialogHand {
@@ -84,13 +104,6 @@ public:
         ClickRow(name);
         QTest::mouseDClick(m_list.viewport(), Qt::LeftButton, {}, At(name));
     }
-    /// Chooses an entry of a combo box with the keyboard.
-    static void Choose(QComboBox &box, int index) {
-        box.setFocus();
-        QTest::keyClick(&box, Qt::Key_Home);
-        for (int step = 0; step < index; ++step)
-            QTest::keyClick(&box, Qt::Key_Down);
-    }
 
 private:
     [[nodiscard]] QModelIndex Cell(int row) const { return m_list.model()->index(row, 0, m_list.rootIndex()); }
@@ -100,6 +113,16 @@ private:
     QAbstractItemView &m_list;
     QLineEdit &m_name;
 };
+
+/// Chooses the only name that is no text with the keyboard.
+inline void ChooseUndecoded(FileDialogHand const &hand) {
+    auto &names = hand.Part<QListWidget>("undecodedNames");
+    EXPECT_TRUE(Eventually([&] { return names.isVisible() && names.count() == 1; }));
+    names.setFocus();
+    QTest::keyClick(&names, Qt::Key_Down);
+    Shot(hand.Dialog(), "file-undecoded");
+    QTest::keyClick(&names, Qt::Key_Return);
+}
 
 /// Runs the dialog while `act` works with it; the paths chosen, none when cancelled.
 inline Paths RunWith(CCustomFileDlg &dialog, std::function<void(FileDialogHand const &)> const &act) {

@@ -5,6 +5,7 @@
 #include "zelvar/controls/CZelComboBox.h"
 #include "zelvar/filedlg/FileDlg.h"
 #include "zelvar/platform/ui/MainWindow.h"
+#include "zelvar/store/DCnfg.h"
 
 #include <QtWidgets/QMainWindow>
 
@@ -25,11 +26,9 @@ private:
     QMainWindow m_window;
 };
 
-inline std::vector<std::string> EntriesOf(QComboBox const &box) {
-    std::vector<std::string> entries;
-    for (int i = 0; i < box.count(); ++i)
-        entries.push_back(box.itemText(i).toStdString());
-    return entries;
+/// The user's option that the platform's dialog comes up for loading, too.
+inline void UseStandardDialog(char const *answer) {
+    DUserCnfg("Options").WriteString("General_Use standard windows file selection dialog", answer);
 }
 
 /// What a request's dialog showed.

@@ -25,7 +25,7 @@
 // Actions that try what a reader must not do and go on; what came of them is told as "write: errno 13" or "write: done"
 // in "RDI_Drvr_Info" and in the value of the tree's root, "; " between several:
 //   write PATH        makes or cuts a file and writes to it
-//   truncate PATH   remove PATH   chmod PATH   touch PATH   mkdir PATH
+//   truncate PATH   remove PATH   chmod PATH   touch PATH   mkdir PATH   flags PATH   project PATH
 //   fork              makes a process, which ends at once
 //   exec              runs /bin/true in place of the reader
 //   connect PORT      to 127.0.0.1
@@ -63,6 +63,8 @@
 
 #include <arpa/inet.h>
 #include <fcntl.h>
+#include <linux/fs.h>
+#include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -115,6 +117,15 @@ DString Exec() {
     return Outcome(execv(program.data(), arguments.data()));
 }
 
+/// Asks the file system for a change of what it keeps beside the file.
+DString Change(DString const &path, unsigned long request) {
+    std::array<char, 64> nothing{};
+    int const file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    DString outcome = Outcome(ioctl(file, request, nothing.data()));
+    close(file);
+    return outcome;
+}
+
 DString StartThread() {
     std::thread([] {}).join();
     return "done";
@@ -129,6 +140,8 @@ std::map<DString, std::function<DString(DString const &)>> const &Attempts() {
         {"chmod", [](DString const &path) { return Outcome(chmod(path.c_str(), 0777)); }},
         {"touch", [](DString const &path) { return Outcome(utimensat(AT_FDCWD, path.c_str(), nullptr, 0)); }},
         {"mkdir", [](DString const &path) { return Outcome(mkdir(path.c_str(), 0700)); }},
+        {"flags", [](DString const &path) { return Change(path, FS_IOC_SETFLAGS); }},
+        {"project", [](DString const &path) { return Change(path, FS_IOC_FSSETXATTR); }},
         {"fork", [](DString const &) { return Fork(); }},
         {"exec", [](DString const &) { return Exec(); }},
         {"connect", [](DString const &port) { return Connect(std::atoi(port.c_str())); }},

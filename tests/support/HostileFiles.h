@@ -1,5 +1,6 @@
 #pragma once
 
+#include "support/Stopwatch.h"
 #include "support/Test.h"
 #include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/data/RDIDriverMngr.h"
@@ -53,11 +54,6 @@ struct HostileFiles : testing::Test {
         void *handle = nullptr;
         DError error;
     };
-
-    using Clock = std::chrono::steady_clock;
-    static double MillisecondsSince(Clock::time_point begin) {
-        return std::chrono::duration<double, std::milli>(Clock::now() - begin).count();
-    }
 
     TempFolder folder;
 };

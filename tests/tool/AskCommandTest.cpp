@@ -28,8 +28,7 @@ TEST(AskCommand, PrintsTheButtonAndTheCheckMark) {
         {{"Go on?", "--dont-ask", "Never again", "--check", "--press", "ok"}, 0, "ok\tchecked\n"},
         {{"--dont-ask", "Never again", "Go on?", "--press", "ok"}, 0, "ok\tunchecked\n"},
         {{"-", "--press", "ok"}, 0, "ok\n"}, // an empty standard input
-        {{"--press", "ok", "--", "--text"}, 0, "ok\n"},
-    };
+        {{"--press", "ok", "--", "--text"}, 0, "ok\n"}};
     for (auto const &[words, exitCode, out] : cases) {
         Outcome const outcome = Ask(words);
         EXPECT_EQ(outcome.exitCode, exitCode) << out << outcome.err;
@@ -61,8 +60,7 @@ TEST(AskCommand, WhatIsWrongIsTold) {
         {{"t", "--buttons", "yes-no", "--press", "ok"}, "--press is one of yes, no"},
         {{"t", "--dont-ask", "a", "b"}, "too many arguments"},
         {{"t", "a", "--dont-ask"}, "too many arguments"},
-        {{"t", "--check=1"}, "unknown option --check"},
-    };
+        {{"t", "--check=1"}, "unknown option --check"}};
     for (auto const &[words, says] : cases) {
         Outcome const outcome = Ask(words);
         EXPECT_EQ(outcome.exitCode, 2) << says;

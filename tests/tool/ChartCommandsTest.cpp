@@ -66,18 +66,16 @@ TEST_F(ChartCommands, WhatCannotBeDoneIsTold) {
         int exitCode;
         char const *says;
     };
-    Case const cases[] = {
-        {{"histogram", m_folder / "none.tif", "--print"}, 3, "none.tif"},
-        {{"histogram", m_table, "--column", "z", "--print"}, 3, "there is no column 'z'"},
-        {{"histogram", m_table, "--slots", "0", "--print"}, 2, "counted from 1"},
-        {{"histogram", m_table, "--band", "1", "--column", "x"}, 2, "bands or columns"},
-        {{"histogram", m_table, "--size", "big"}, 2, "640x480"},
-        {{"plot", m_table, "--x", "x"}, 2, "--y"},
-        {{"gallery", "--page", "none"}, 2, "the pages are plot, histogram"},
-        {{"plot", m_table, "--x", "x", "--y", "9"}, 3, "there is no column '9'"},
-        {{"plot", m_folder / "none.csv", "--x", "x", "--y", "y"}, 3, "none.csv"},
-        {{"plot", m_table, "--x", "x", "--y", "y", "--shot", "/nowhere/a.png"}, 3, "cannot write"},
-    };
+    Case const cases[] = {{{"histogram", m_folder / "none.tif", "--print"}, 3, "none.tif"},
+                          {{"histogram", m_table, "--column", "z", "--print"}, 3, "there is no column 'z'"},
+                          {{"histogram", m_table, "--slots", "0", "--print"}, 2, "counted from 1"},
+                          {{"histogram", m_table, "--band", "1", "--column", "x"}, 2, "bands or columns"},
+                          {{"histogram", m_table, "--size", "big"}, 2, "640x480"},
+                          {{"plot", m_table, "--x", "x"}, 2, "--y"},
+                          {{"gallery", "--page", "none"}, 2, "the pages are plot, histogram"},
+                          {{"plot", m_table, "--x", "x", "--y", "9"}, 3, "there is no column '9'"},
+                          {{"plot", m_folder / "none.csv", "--x", "x", "--y", "y"}, 3, "none.csv"},
+                          {{"plot", m_table, "--x", "x", "--y", "y", "--shot", "/nowhere/a.png"}, 3, "cannot write"}};
     for (Case const &c : cases) {
         Outcome const outcome = Zelvar(c.words, "QT_QPA_PLATFORM=offscreen");
         EXPECT_EQ(outcome.exitCode, c.exitCode) << c.says;

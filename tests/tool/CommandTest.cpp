@@ -1,6 +1,7 @@
 #include "support/ImageFiles.h"
 #include "support/RunCommand.h"
 #include "support/Test.h"
+#include "zelvar/model/DataSourceCollector.h"
 
 #include <ctime>
 #include <filesystem>
@@ -71,12 +72,10 @@ TEST_F(Command, WhatLsPrintsOfAContainerIsAPlaceForTheOthers) {
 }
 
 TEST_F(Command, LsThatFindsNothingSaysSoByItsExitCodeAlone) {
-    std::vector<std::vector<std::string>> const cases = {
-        {"ls", folder / "sub"},
-        {"ls", folder / "notes.txt"},
-        {"ls", folder / "sub", "--recursive", "--filter", "*.tif"},
-        {"ls", folder / "sub", "--folders"},
-    };
+    std::vector<std::vector<std::string>> const cases = {{"ls", folder / "sub"},
+                                                         {"ls", folder / "notes.txt"},
+                                                         {"ls", folder / "sub", "--recursive", "--filter", "*.tif"},
+                                                         {"ls", folder / "sub", "--folders"}};
     for (std::vector<std::string> const &words : cases) {
         Outcome const ls = Zelvar(words);
         EXPECT_EQ(ls.out + ls.err, "") << testing::PrintToString(words);
@@ -144,8 +143,7 @@ TEST_F(Command, ExitCodesTellUsageFromFailure) {
         {{"--help"}, 0},
         {{"ls", "--help"}, 0},
         {{"ls", folder.Path(), "--", "--help"}, 2},
-        {{"--version"}, 0},
-    };
+        {{"--version"}, 0}};
     for (auto const &[words, exitCode] : cases) {
         Outcome const outcome = Zelvar(words);
         EXPECT_EQ(outcome.exitCode, exitCode) << testing::PrintToString(words);
@@ -167,9 +165,11 @@ TEST_F(Command, OpenPrintsAMonikerALineAndSeveralOnlyWithMultiple) {
 TEST_F(Command, OpenStartsInTheFolderOfAFileAndFindsRowsInSubfolders) {
     EXPECT_EQ(Zelvar({"open", folder.Path()}).exitCode, 1) << "nobody presses anything";
     std::string const shot = folder / "shot.png";
-    Outcome const open = Zelvar({"open", folder / "notes.txt", "--select=grey.tif", "--accept", "--shot", shot});
+    Outcome const open =
+        Zelvar({"open", folder / "notes.txt", "--select=grey.tif", "--accept", "--shot", shot, "--size", "1000x700"});
     EXPECT_EQ(open.out, folder / "grey.tif\n") << open.err;
     EXPECT_EQ(test::ReadFile(shot).substr(1, 3), "PNG");
+    EXPECT_EQ(test::ReadFile(shot).substr(16, 8), (std::string{0, 0, '\x03', '\xE8', 0, 0, '\x02', '\xBC'}));
     test::WriteImage(folder / "sub/deep.tif");
     Outcome const deep = Zelvar({"open", folder.Path(), "--recursive", "--select", "deep.tif", "--accept"});
     EXPECT_EQ(deep.out, folder / "sub/deep.tif\n") << deep.err;
@@ -199,8 +199,11 @@ private:
 
 TEST_F(Command, ADefinitionIsARowOfTheSourcesAndAPlace) {
     DefinitionOf const definition(folder);
+    Favorites::Add(folder.Path());
     EXPECT_THAT(Zelvar({"sources"}, definition.Variable()).out,
-                testing::AllOf(HasSubstr("Drives\t"), HasSubstr("Data Sources\tMy & maps\t")));
+                testing::AllOf(HasSubstr("Drives\t"), HasSubstr("Data Sources\tMy & maps\t"),
+                               testing::EndsWith("\t" + folder.Path() + "\n")));
+    Favorites::Remove(folder.Path());
     Outcome const info = Zelvar({"info", "source:My & maps"}, definition.Variable());
     EXPECT_THAT(info.out, HasSubstr("Image Width\t60\n")) << info.err;
     definition.Folder().Write("broken.xml", "<DataSources><DataSource name='x'");
@@ -217,8 +220,7 @@ TEST_F(Command, WhatCannotBeReadIsToldInALineAndEndsWithThree) {
         {{"ls", "source:nobody"}, "read 'source:nobody': there is no such definition"},
         {{"ls", "--json", "smb://127.0.0.1:9/a\nb"}, "read 'smb://127.0.0.1:9/a\\x0Ab': its server does not answer"},
         {{"info", "smb://127.0.0.1:9/a.tif"}, "open 'smb://127.0.0.1:9/a.tif': its server does not answer"},
-        {{"ls", image}, "read '" + image + "': No such file or directory"},
-    };
+        {{"ls", image}, "read '" + image + "': No such file or directory"}};
     for (auto const &[words, why] : cases) {
         Outcome const outcome = Zelvar(words, definition.Variable());
         EXPECT_EQ(outcome.out + outcome.err, "zelvar: cannot " + why + "\n");

@@ -53,8 +53,7 @@ TEST_F(SettingsCommand, AnImportThatIsNotWholeChangesNothing) {
         {R"(<RegKey path="k">)" + value + R"(<RegValue path="w" type="3" size="2">00</RegValue></RegKey>)", "'w'"},
         {"<settings>" + value + "</settings>", "the root is no RegKey"},
         {"<!DOCTYPE a [<!ENTITY b 'c'>]><RegKey path='k'>&b;</RegKey>", "entity declarations are refused"},
-        {"", "no root element"},
-    };
+        {"", "no root element"}};
     for (Case const &bad : cases) {
         m_folder.Write("settings.xml", bad.text);
         Outcome const outcome = Zelvar({"settings", "import", m_xml}, Using(m_to));

@@ -52,7 +52,7 @@ TEST(XMLNode, RefusesWhatIsNotAWholeDocumentAndStaysAsItWas) {
         {"two roots", "<a/><b/>", "outside"},
         {"text behind", "<a/>rest", "outside"},
         {"hidden end", DString("<a/>\0<b>", 8), "NUL"},
-        {"hidden end by its number", "<a>x&#x000;y</a>", "NUL"},
+        {"hidden end by its number", "<a>&&#x000;y</a>", "NUL"},
         {"hidden end by a number of 33 bits", "<a>x&#4294967296;y</a>", "NUL"},
         {"the same in hexadecimal", "<a>x&#xA00000000;y</a>", "NUL"},
         {"entities", "<!DOCTYPE a [<!ENTITY x 'xx'><!ENTITY y '&x;&x;'>]><a>&y;</a>", "entity"},

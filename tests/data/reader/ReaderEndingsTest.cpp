@@ -11,12 +11,12 @@
 #include <fstream>
 #include <thread>
 
-namespace zelvar {
+namespace zelvar::test {
 namespace {
 
 using std::chrono::milliseconds;
 using std::chrono::seconds;
-using test::HostileFiles;
+using namespace std::chrono_literals;
 
 constexpr bool kIsSanitized = reader::kIsSanitized;
 
@@ -45,12 +45,12 @@ struct ReaderEndings : HostileFiles {
         return settings;
     }
     /// The least time of three that the work takes: what the code needs, without what a loaded machine adds.
-    static double BestOfThree(std::function<void()> const &work) {
-        double best = 1e9;
+    static milliseconds BestOfThree(std::function<void()> const &work) {
+        milliseconds best{1'000'000};
         for (int i = 0; i < 3; ++i) {
             auto const begin = Clock::now();
             work();
-            best = std::min(best, MillisecondsSince(begin));
+            best = std::min(best, Since(begin));
         }
         return best;
     }
@@ -112,7 +112,7 @@ TEST_F(ReaderEndings, AStoppedOrLateRequestEndsSoonWhateverItsDriverDoes) {
         Use(isStopped ? ReaderSettings() : Short(milliseconds(time)));
         ASSERT_TRUE(Image(Write("warm", "")));
         for (char const *text : {"open sleep 30\n", "open spin\n", "open poll 30\n"}) {
-            double const best = BestOfThree([&] {
+            milliseconds const best = BestOfThree([&] {
                 std::string const file = Write("slow" + std::to_string(number++), text);
                 StopSignal stop{false};
                 // The reader has begun by then, or is about to: both must end.
@@ -124,7 +124,7 @@ TEST_F(ReaderEndings, AStoppedOrLateRequestEndsSoonWhateverItsDriverDoes) {
             });
             // One that is busy has its time in pieces on a busy machine; those that sleep show what is given.
             int const given = isStopped ? 0 : std::string_view(text) == "open spin\n" ? 5 * time : time;
-            EXPECT_LT(best, (kIsSanitized ? 1000 : 250) + given) << text;
+            EXPECT_LT(best, milliseconds((kIsSanitized ? 1000 : 250) + given)) << text;
         }
         EXPECT_TRUE(Image(Write("good", "")));
     }
@@ -239,7 +239,7 @@ TEST_F(ReaderEndings, AReaderHeldByTheKernelIsLeftBehindAndItsPlaceGetsNoWork) {
     EXPECT_EQ(CountReaders().started, started) << "no work for that place";
     EXPECT_TRUE(Image(Write("good", ""))) << "other places go on";
     mount.Answer();
-    while (CountReaders().leftBehind > 0 && MillisecondsSince(begin) < 20'000)
+    while (CountReaders().leftBehind > 0 && Since(begin) < 20s)
         std::this_thread::yield();
     EXPECT_EQ(CountReaders().leftBehind, 0);
     EXPECT_EQ(CountZombies(), 0);
@@ -262,13 +262,13 @@ TEST_F(ReaderEndings, APlaceThatDoesNotAnswerIsFoundOutByAReader) {
     EXPECT_FALSE(DoesPlaceAnswer(mount.File()));
     EXPECT_EQ(RefItemPtr<NtwDataSourceItem>(NtwDataSourceItem::CreateItem(mount.File().c_str(), nullptr, nullptr)),
               nullptr);
-    EXPECT_LT(MillisecondsSince(begin), 20'000);
+    EXPECT_LT(Since(begin), 20s);
     EXPECT_EQ(CountReaders().leftBehind, 1) << "who asked again was told at once";
     mount.Answer();
-    while (CountReaders().leftBehind > 0 && MillisecondsSince(begin) < 40'000)
+    while (CountReaders().leftBehind > 0 && Since(begin) < 40s)
         std::this_thread::yield();
     EXPECT_EQ(CountReaders().leftBehind, 0);
 }
 
 } // namespace
-} // namespace zelvar
+} // namespace zelvar::test

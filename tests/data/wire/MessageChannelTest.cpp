@@ -51,6 +51,11 @@ bool IsOpen(int file) { return fcntl(file, F_GETFD) >= 0; }
 
 TEST(MessageChannel, MessagesArriveWholeAndInOrder) {
     Talk talk;
+    int const on = 1; // the far end is told who sends
+    ASSERT_EQ(setsockopt(talk.raw, SOL_SOCKET, SO_PASSCRED, &on, sizeof on), 0);
+    ASSERT_EQ(talk.near.Send(Bytes{1}, -1, MessageChannel::Forever()), Result::Done);
+    ASSERT_EQ(talk.far.Receive(talk.message, talk.file, MessageChannel::Clock::now()), Result::Done);
+    EXPECT_EQ(talk.file, -1);
     for (Bytes const &sent : {Bytes{1, 2, 3}, Bytes{}, Bytes{4}})
         ASSERT_EQ(talk.far.Send(sent, -1, MessageChannel::Forever()), Result::Done);
     for (Bytes const &expected : {Bytes{1, 2, 3}, Bytes{}, Bytes{4}}) {
@@ -96,12 +101,10 @@ TEST(MessageChannel, WhatIsNoMessageEndsTheTalk) {
         char const *what;
         Bytes sent;
         Result expected;
-    } const cases[] = {
-        {"a stranger's mark", Head(kMark + 1, 0), Result::Damaged},
-        {"too long by one", Head(kMark, MessageChannel::kLongest + 1), Result::Damaged},
-        {"as long as allowed, but not there", Head(kMark, MessageChannel::kLongest), Result::Late},
-        {"half a head", {0x52, 0x56}, Result::Late},
-    };
+    } const cases[] = {{"a stranger's mark", Head(kMark + 1, 0), Result::Damaged},
+                       {"too long by one", Head(kMark, MessageChannel::kLongest + 1), Result::Damaged},
+                       {"as long as allowed, but not there", Head(kMark, MessageChannel::kLongest), Result::Late},
+                       {"half a head", {0x52, 0x56}, Result::Late}};
     for (auto const &[what, sent, expected] : cases) {
         Talk talk;
         talk.SendRaw(sent);

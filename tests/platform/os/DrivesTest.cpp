@@ -98,8 +98,7 @@ TEST(Drives, WhereADiscIsMountedTellsWhetherUsersKeepDataThere) {
     std::map<DString, bool> const places{
         {"/boot", false},    {"/boot/efi", false},    {"/bootleg", true},  {"/run/media/me/disc", true},
         {"/run/mnt", false}, {"/var/lib/x", false},   {"/various", true},  {"/home", true},
-        {"/opt/x", false},   {"/snap/core/1", false}, {"/srv/maps", true}, {"/mnt/tab\\011here", true},
-    };
+        {"/opt/x", false},   {"/snap/core/1", false}, {"/srv/maps", true}, {"/mnt/tab\\011here", true}};
     for (auto const &[mountPoint, shown] : places) {
         FakeKernel const kernel("25 27 8:33 / " + mountPoint + " rw - ext4 /dev/sdc1 rw\n");
         EXPECT_EQ(kernel.Drives().size(), shown ? 2U : 1U) << mountPoint;
@@ -108,15 +107,13 @@ TEST(Drives, WhereADiscIsMountedTellsWhetherUsersKeepDataThere) {
 }
 
 TEST(Drives, ANetworkDriveIsCalledByItsShareWhereTheSourceNamesOne) {
-    std::tuple<DString, DString, DString> const cases[] = {
-        {"cifs", "//server/share/deep", "share/deep on server"},
-        {"cifs", "//server", "point"},
-        {"cifs", "//server/", "point"},
-        {"nfs", "[fe80::1]:/export", "export on [fe80::1]"},
-        {"nfs", "server:/", "point"},
-        {"fuse.rclone", "remote:bucket", "point"},
-        {"9p", "", "point"},
-    };
+    std::tuple<DString, DString, DString> const cases[] = {{"cifs", "//server/share/deep", "share/deep on server"},
+                                                           {"cifs", "//server", "point"},
+                                                           {"cifs", "//server/", "point"},
+                                                           {"nfs", "[fe80::1]:/export", "export on [fe80::1]"},
+                                                           {"nfs", "server:/", "point"},
+                                                           {"fuse.rclone", "remote:bucket", "point"},
+                                                           {"9p", "", "point"}};
     for (auto const &[type, source, label] : cases) {
         FakeKernel const kernel("25 27 0:50 / /mnt/point rw - " + type + " " + source + "\n");
         ASSERT_EQ(kernel.Drives().size(), 2U) << source;
@@ -187,8 +184,7 @@ TEST(Icons, OnlyTheWholeLastSuffixCounts) {
         {".tif", "application-octet-stream"},
         {"a.TiFf", "image-x-generic"},
         {"a.appimages", "application-octet-stream"},
-        {"\xFF.\xFF", "application-octet-stream"},
-    };
+        {"\xFF.\xFF", "application-octet-stream"}};
     for (auto const &[name, icon] : icons)
         EXPECT_EQ(shell.Icon(shell.Drives().Child("/", ShellKind::Fixed).Child(name, ShellKind::File), false).name,
                   icon)

@@ -193,17 +193,15 @@ TEST_F(LocalFolder, AChainLeadsFromTheRootDriveDown) {
 TEST_F(LocalFolder, PathsLeadToWhatIsThereAndNoFurther) {
     temp.Write("file.tif", "1");
     temp.Folder("a b\n\xFF");
-    std::map<DString, std::optional<ShellKind>> const places{
-        {temp / "file.tif", ShellKind::File},
-        {temp / "./file.tif/", ShellKind::File},
-        {temp / "file.tif/inside", {}},
-        {temp / "FILE.TIF", {}},
-        {temp / "a b\n\xFF", ShellKind::Directory},
-        {temp / "a b\n\xFF/../file.tif", ShellKind::File},
-        {temp / DString(300, 'x'), {}},
-        {"/", ShellKind::Fixed},
-        {"/..", ShellKind::Fixed},
-    };
+    std::map<DString, std::optional<ShellKind>> const places{{temp / "file.tif", ShellKind::File},
+                                                             {temp / "./file.tif/", ShellKind::File},
+                                                             {temp / "file.tif/inside", {}},
+                                                             {temp / "FILE.TIF", {}},
+                                                             {temp / "a b\n\xFF", ShellKind::Directory},
+                                                             {temp / "a b\n\xFF/../file.tif", ShellKind::File},
+                                                             {temp / DString(300, 'x'), {}},
+                                                             {"/", ShellKind::Fixed},
+                                                             {"/..", ShellKind::Fixed}};
     for (auto const &[path, kind] : places) {
         SCOPED_TRACE(path);
         ShellId const id = shell.Parse(path);
@@ -248,6 +246,7 @@ TEST_F(LocalFolder, TheVirtualPlacesHaveNamesAndNoPath) {
         EXPECT_EQ(shell.KindOf(child.id), ShellKind::Virtual);
         EXPECT_FALSE(shell.Times(child.id).has_value());
         EXPECT_FALSE(shell.IdentityOf(child.id).has_value());
+        EXPECT_FALSE(Visit(child.id, [](ShellChild &&) { return true; })) << "it can be listed";
         return true;
     }));
     EXPECT_THAT(names, ElementsAre("Computer", "Network"));

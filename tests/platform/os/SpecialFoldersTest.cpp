@@ -48,8 +48,7 @@ TEST(SpecialFolders, ALineIsReadAsAShellWould) {
         {"\t XDG_DOCUMENTS_DIR=\"/data//\" \r\n", "/data"},
         {"XDG_DOCUMENTS_DIR=\"/\"", "/"},
         {"XDG_DOCUMENTS_DIR=\"/a\"\nXDG_DOCUMENTS_DIR=\"/b\"\nXDG_DOCUMENTS_DIR=broken", "/b"},
-        {"XDG_DOCUMENTS_DIR=\"/a\\$b\\\\c\"", "/a$b\\c"},
-    };
+        {"XDG_DOCUMENTS_DIR=\"/a\\$b\\\\c\"", "/a$b\\c"}};
     for (auto const &[text, folder] : cases)
         EXPECT_EQ(FindUserDirectory(text, "XDG_DOCUMENTS_DIR", "/home/me"), folder) << text;
 }

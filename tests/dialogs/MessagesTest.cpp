@@ -1,6 +1,6 @@
-#include "zelvar/dialogs/XMessageBox.h"
-
 #include "support/GuiTest.h"
+#include "zelvar/dialogs/DlgMsgDetails.h"
+#include "zelvar/dialogs/XMessageBox.h"
 #include "zelvar/platform/ui/ControlId.h"
 #include "zelvar/platform/ui/DialogTemplate.h"
 
@@ -9,6 +9,7 @@
 #include <QtGui/QDesktopServices>
 #include <QtGui/QScreen>
 #include <QtGui/QTextBlock>
+#include <QtGui/QTextLayout>
 #include <QtWidgets/QCheckBox>
 #include <QtWidgets/QMessageBox>
 #include <QtWidgets/QPlainTextEdit>
@@ -27,6 +28,8 @@ void Key(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
     if (QWidget *const focus = QApplication::focusWidget()) // none once the box has ended
         QTest::keyClick(focus, key, modifiers);
 }
+
+QPlainTextEdit &TextOf(QWidget &box, int id = kText) { return *GetDlgItem<QPlainTextEdit>(box, id); }
 
 /// Shows a box and lets `act` work it; the answer.
 int Ask(unsigned type, std::function<void(QWidget &)> act, std::string const &text = "Is it?",
@@ -48,7 +51,6 @@ int AnswerTo(unsigned type, std::vector<int> const &clicked, std::vector<Qt::Key
             Key(key);
     });
 }
-QPlainTextEdit &TextOf(QWidget &box) { return *GetDlgItem<QPlainTextEdit>(box, kText); }
 
 std::string Lines(char const *first, int count, std::function<std::string(int)> const &next) {
     std::string text = first;
@@ -114,6 +116,8 @@ TEST(XMessageBox, IsReadOutWithTitleAndTextAndReturnPressesTheFocusedButton) {
     };
     EXPECT_EQ(Ask(MB_YESNOCANCEL | MB_DEFBUTTON2 | MB_ICONQUESTION, listen), 7);
     EXPECT_EQ(AnswerTo(MB_YESNO | MB_DEFBUTTON4, {}, {Qt::Key_Tab, Qt::Key_Return}), 7); // of two: the first
+    std::vector<Qt::Key> const round{Qt::Key_Tab, Qt::Key_Tab, Qt::Key_Tab, Qt::Key_Space};
+    EXPECT_EQ(AnswerTo(MB_YESNOCANCEL, {}, round), 6) << "the text is passed by";
 }
 
 TEST(XMessageBox, IsMadeFromItsTemplate) {
@@ -299,6 +303,76 @@ TEST(XMessageBox, ABoxInABoxAndADyingParentDoNoHarm) {
     auto const done = OnNextDialog([&](QWidget &) { delete parent; });
     EXPECT_EQ(XMessageBox(parent, nullptr, nullptr, MB_YESNO), 2);
     EXPECT_TRUE(*done);
+}
+
+// ------------------------------------------------------------------------------------- the message with details
+
+int Answer(DlgMsgDetails &dialog, std::function<void(QWidget &)> act) {
+    auto const done = OnNextDialog(std::move(act));
+    int const answer = static_cast<int>(dialog.DoModal());
+    EXPECT_TRUE(*done);
+    return answer;
+}
+
+TEST(MessageWithDetails, ItOpensCollapsedAndGrowsOnceForGood) {
+    DlgMsgDetails dialog("Import", "3 of 7 files were not read.", "a.tif: damaged\nb.tif: damaged", nullptr);
+    int const full = platform::MapDialogRect(dialog, {0, 0, 0, 170}).bottom;
+    int const edit = TextOf(dialog, 6005).height();
+    int const text = TextOf(dialog, 6007).height();
+    auto const look = [&](QWidget &window) {
+        EXPECT_EQ(window.windowTitle(), "Import");
+        QRect const before = window.geometry();
+        EXPECT_EQ(window.height(), full - edit - (full - edit - text) / 3);
+        EXPECT_FALSE(TextOf(window, 6005).isVisible());
+        Shot(window, "message-collapsed");
+        auto *const button = GetDlgItem<QPushButton>(window, 6006);
+        Click(button);
+        EXPECT_EQ(window.geometry(), QRect(before.topLeft(), QSize(before.width(), full)));
+        EXPECT_FALSE(button->isEnabled());
+        EXPECT_TRUE(TextOf(window, 6005).isVisible());
+        Shot(window, "message-details");
+        Click(GetDlgItem<QPushButton>(window, 1));
+    };
+    EXPECT_EQ(Answer(dialog, look), 1);
+    EXPECT_EQ(Answer(dialog, look), 1) << "each time anew";
+    DlgMsgDetails bare(nullptr, nullptr, nullptr, nullptr);
+    EXPECT_EQ(Answer(bare, [](QWidget &window) { QTest::keyClick(&window, Qt::Key_Escape); }), 2);
+}
+
+TEST(MessageWithDetails, EachLineFeedGetsAReturnAlsoBehindAnotherOne) {
+    DlgMsgDetails dialog("", "", "one\ntwo\r\n\nfour", nullptr);
+    EXPECT_EQ(dialog.GetDetails(), "one\r\ntwo\r\r\n\r\nfour");
+    EXPECT_EQ(TextOf(dialog, 6005).toPlainText(), "one\ntwo\n\nfour") << "shown as four lines";
+}
+
+TEST(MessageWithDetails, TheDetailsAreSelectedAndCopiedButNotChanged) {
+    DlgMsgDetails dialog("", "", "first\nsecond", nullptr);
+    dialog.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
+    Click(GetDlgItem<QPushButton>(dialog, 6006));
+    QPlainTextEdit &details = TextOf(dialog, 6005);
+    EXPECT_TRUE(details.hasFocus());
+    QTest::keyClicks(&details, "x");
+    QTest::keyClick(&details, Qt::Key_Delete);
+    QTest::keyClick(&details, Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClick(&details, Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QApplication::clipboard()->text(), "first\nsecond");
+}
+
+TEST(MessageWithDetails, ALongPathWrapsAndWhatHasNoRoomScrolls) {
+    std::string const path = "/" + std::string(60, 'a') + "/" + std::string(60, 'b') + ".tif";
+    for (int const times : {1, 40}) {
+        DString message = "Cannot read";
+        for (int at = 0; at < times; ++at)
+            message += " " + path;
+        DlgMsgDetails dialog("Import", message.c_str(), "", nullptr);
+        dialog.show();
+        QPlainTextEdit const &text = TextOf(dialog, 6007);
+        EXPECT_EQ(text.verticalScrollBar()->maximum() > 0, times > 1);
+        EXPECT_LE(text.document()->firstBlock().layout()->boundingRect().width(), text.viewport()->width())
+            << "no text is cut at the side";
+        Shot(dialog, times > 1 ? "message-long" : "message-path");
+    }
 }
 
 } // namespace
