@@ -238,8 +238,9 @@ void DSListCtrl::StartWindowFilling() {
         m_listing->worker.SetInterrupt({});
     }
     SavePaneState();
-    // What is all there need not wait for the next turn of the timer.
-    QTimer::singleShot(0, this, &DSListCtrl::MergePending);
+    // What is all there need not wait for the next turn of the timer. What was cut short is listed again soon.
+    if (!m_listing->worker.IsCutShort())
+        QTimer::singleShot(0, this, &DSListCtrl::MergePending);
 }
 
 void DSListCtrl::AddParentRow() {
