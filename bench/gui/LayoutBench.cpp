@@ -9,9 +9,9 @@ namespace {
 
 using namespace zelvar;
 
-// A pass over 1,000 children that all move, against setting the same 1,000 rectangles by hand, both with real widgets.
+// A pass over 10,000 children that all move, against setting the same rectangles by hand, both with real widgets.
 bench::Register const layout("layout", [] {
-    constexpr int count = 1'000;
+    constexpr int count = 10'000;
     QWidget window;
     window.resize(1000, 800);
     std::vector<QWidget *> children;
@@ -41,10 +41,10 @@ bench::Register const layout("layout", [] {
             children[static_cast<std::size_t>(i)]->setGeometry(i % 40 * 24 + 1 + step, i / 40 * 30 + 1 + step, 20, 20);
         window.setUpdatesEnabled(true);
     };
-    bench::Pair const pair = bench::Compare(201, byEngine, byHand);
-    bench::Figure("layout.1000_moving_children", pair.firstMs, "ms",
+    bench::Pair const pair = bench::Compare(51, byEngine, byHand);
+    bench::Figure("layout.10000_moving_children", pair.firstMs, "ms",
                   "by hand " + std::to_string(pair.secondMs) + " ms");
-    bench::Figure("layout.ratio_to_by_hand", pair.ratio, "times", "at most 1.3");
+    bench::Figure("layout.ratio_to_by_hand", pair.ratio, "times", "at most 1.05; a grid of the toolkit 1.02");
 });
 
 } // namespace

@@ -206,7 +206,6 @@ void DlgOpenDS::OnDataSourceSelected() {
 
 void DlgOpenDS::OnDataItemSelected(MessageParam pane) {
     platform::EscapeWatch const watch; // one Escape for all lists
-    ListingsShared const shared;
     ItemList items;
     if (m_hierarchyList != nullptr)
         m_hierarchyList->GetSelectedItems(static_cast<unsigned>(pane), items);
@@ -318,7 +317,6 @@ void DlgOpenDS::OnAccept() { OnOK(); }
 
 void DlgOpenDS::OnRootChanged() {
     platform::EscapeWatch const watch; // one Escape for all lists
-    ListingsShared const shared;
     ItemList roots;
     m_hierarchyList->GetRootItems(roots);
     if (roots.empty()) {
@@ -338,7 +336,6 @@ void DlgOpenDS::OnRootChanged() {
 
 void DlgOpenDS::OnFirstPaneRootChanged() {
     platform::EscapeWatch const watch; // one Escape for all lists
-    ListingsShared const shared;
     ItemList roots;
     m_dataSourceWnd->GetRootItems(roots);
     m_hierarchyList->ResetDataSources(roots);
