@@ -16,6 +16,9 @@ namespace zelvar {
 /// around goes; outside of a listing none is.
 class ProbeAhead {
 public:
+    /// So many of one listing may be under way: as many readers serve listings.
+    static constexpr std::size_t kMostUnderWay = 2;
+
     /// What was asked of drivers that are far away. Its end, on the thread that asked, ends the question.
     class Question {
     public:

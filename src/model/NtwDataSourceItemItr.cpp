@@ -69,7 +69,6 @@ private:
     using Asked = NtwDataSourceItem::Asked;
     static constexpr std::size_t kTogether = 128;      // files to a question
     static constexpr std::size_t kMostGathered = 4096; // children, those among them that nobody is asked about
-    static constexpr std::size_t kMostUnderWay = 2;    // questions: as many readers serve listings
 
     struct Waiting {
         ShellChild child;
@@ -100,8 +99,7 @@ private:
         for (Waiting const &each : m_gathered)
             if (!each.path.empty())
                 (each.facts->isClaimed ? claimed : nameless).push_back(each.path);
-        // What the former ones have spent of the time for the nameless must be known first.
-        while (m_underWay.size() >= kMostUnderWay || (!nameless.empty() && !m_underWay.empty()))
+        while (m_underWay.size() >= ProbeAhead::kMostUnderWay)
             AddAnswered();
         m_underWay.push_back({std::exchange(m_gathered, {}), ProbeAhead(claimed, std::move(nameless))});
         m_asked = 0;

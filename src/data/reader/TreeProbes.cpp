@@ -173,10 +173,12 @@ public:
         RequestScope const *const listing = ListingOfThread();
         // Who asks lists one folder: all of its files lie on a server, or none.
         m_isOnServer = m_claimed.files.Size() > 0 && IsOnServer(m_claimed.files.PathAt(0));
+        // What the others that are under way will spend is not known yet.
+        int const share = ProbeAhead::kMostUnderWay;
         if (listing != nullptr && m_isOnServer)
-            m_claimed.limit = Readers::Instance().Pool().TimeForServerFiles() - listing->looked;
+            m_claimed.limit = (Readers::Instance().Pool().TimeForServerFiles() - listing->looked) / share;
         if (listing != nullptr)
-            m_looks.limit = TreeProbes::TimeForLooks() - listing->looked;
+            m_looks.limit = (TreeProbes::TimeForLooks() - listing->looked) / share;
         try {
             m_done = std::async(std::launch::async, [this] { Ask(); });
         } catch (std::system_error const &) {
