@@ -7,6 +7,7 @@ import itertools
 import os
 import random
 import re
+import signal
 import subprocess
 import sys
 from concurrent.futures import ProcessPoolExecutor, as_completed
@@ -164,6 +165,8 @@ def main() -> None:
                 noticed = sum(1 for each in verdicts.values() if each.noticed_by)
                 progress(f"noticed {noticed}, tried", len(verdicts), len(mutants))
         except (KeyboardInterrupt, SystemExit):
+            for number in (signal.SIGINT, signal.SIGTERM):  # a whole group of processes may have been told twice
+                signal.signal(number, signal.SIG_IGN)
             print(f"ended early: {len(verdicts)} of {len(mutants)} changes were tried", file=sys.stderr)
             suite.end_children()
             report(tree, verdicts)
