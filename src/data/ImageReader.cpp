@@ -5,7 +5,6 @@
 #include "zelvar/pixels/ScaleDataBuf.h"
 
 #include <algorithm>
-#include <array>
 #include <new>
 #include <vector>
 
@@ -34,40 +33,55 @@ ImageInfo Describe(OpenImage const &image) {
     return info;
 }
 
-using Band = std::vector<unsigned char>;
-
-/// One channel as bytes, `canvas` pixels in size; empty if it cannot be read.
-Band ReadBand(OpenImage const &image, int channel, ImageInfo const &info, DCanvas const &canvas) {
-    RDIDriver &driver = image.Driver();
-    int const type = driver.GetChnlDataType(image.Handle(), channel);
-    auto const pixels = static_cast<std::size_t>(canvas.GetWidth()) * static_cast<std::size_t>(canvas.GetHeight());
-    Band band(pixels * static_cast<std::size_t>(RDIGetDTSize(type)));
-    if (band.empty() || !driver.ReadBlockRsmpl(image.Handle(), channel, 0.0, 0.0, info.width, info.height, band.data(),
-                                               canvas.GetWidth(), canvas.GetHeight(), kCubic, true, true))
-        return {};
-    if (type != RDI_UInt8)
-        ScaleDataBuf(type, band.data(), canvas.GetWidth(), canvas.GetHeight());
-    band.resize(pixels);
-    return band;
-}
+using Bytes = std::vector<unsigned char>;
 
 bool IsStopped(StopSignal const *stop) { return stop != nullptr && stop->load(std::memory_order_relaxed); }
 
+/// `count` channels from `first` on, which have one type, as planes of bytes, `canvas` pixels in size; empty if they
+/// cannot be read. Channels are read at once: many a file keeps them side by side.
+Bytes ReadPlanes(OpenImage const &image, int first, int count, ImageInfo const &info, DCanvas const &canvas) {
+    RDIDriver &driver = image.Driver();
+    int const type = driver.GetChnlDataType(image.Handle(), first);
+    auto const pixels = static_cast<std::size_t>(canvas.GetWidth()) * static_cast<std::size_t>(canvas.GetHeight());
+    std::size_t const samples = pixels * static_cast<std::size_t>(count);
+    std::size_t const planeSize = pixels * static_cast<std::size_t>(RDIGetDTSize(type));
+    Bytes planes(planeSize * static_cast<std::size_t>(count));
+    if (planes.empty() ||
+        !driver.ReadChannelsRsmpl(image.Handle(), first, count, 0.0, 0.0, info.width, info.height, planes.data(),
+                                  canvas.GetWidth(), canvas.GetHeight(), kCubic, true, true))
+        return {};
+    for (std::size_t plane = 0; type != RDI_UInt8 && plane < static_cast<std::size_t>(count); ++plane) {
+        ScaleDataBuf(type, planes.data() + plane * planeSize, canvas.GetWidth(), canvas.GetHeight());
+        std::copy_n(planes.data() + plane * planeSize, pixels, planes.data() + plane * pixels);
+    }
+    planes.resize(samples);
+    return planes;
+}
+
+/// Three planes, or one for all three colours.
+void Interleave(Bytes const &planes, DCanvas &canvas) {
+    auto const pixels = static_cast<std::size_t>(canvas.GetWidth()) * static_cast<std::size_t>(canvas.GetHeight());
+    std::size_t const step = planes.size() == pixels ? 0 : pixels;
+    unsigned char const *from = planes.data();
+    std::uint8_t *out = canvas.Row(0);
+    for (unsigned char const *const end = from + pixels; from != end; ++from)
+        for (std::size_t plane = 0; plane < 3; ++plane)
+            *out++ = from[plane * step];
+}
+
 bool ReadChannels(OpenImage const &image, ImageInfo const &info, StopSignal const *stop, DCanvas &canvas) {
-    std::size_t const count = info.channels >= 3 ? 3 : 1;
-    std::array<Band, 3> bands;
-    for (std::size_t i = 0; i < count; ++i) {
-        bands[i] = ReadBand(image, static_cast<int>(i), info, canvas);
-        if (bands[i].empty() || IsStopped(stop))
+    int const count = info.channels >= 3 ? 3 : 1;
+    bool areAlike = true;
+    for (int channel = 1; channel < count; ++channel)
+        areAlike = areAlike && image.Driver().GetChnlDataType(image.Handle(), channel) == info.dataType;
+    Bytes planes;
+    for (int channel = 0; channel < count; channel += areAlike ? count : 1) {
+        Bytes const read = ReadPlanes(image, channel, areAlike ? count : 1, info, canvas);
+        if (read.empty() || IsStopped(stop))
             return false;
+        planes.insert(planes.end(), read.begin(), read.end());
     }
-    std::size_t at = 0;
-    for (int y = 0; y < canvas.GetHeight(); ++y) {
-        std::uint8_t *out = canvas.Row(y);
-        for (int x = 0; x < canvas.GetWidth(); ++x, ++at)
-            for (std::size_t i = 0; i < 3; ++i)
-                *out++ = bands[count == 3 ? i : 0][at];
-    }
+    Interleave(planes, canvas);
     return true;
 }
 

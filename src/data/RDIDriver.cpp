@@ -30,4 +30,20 @@ std::optional<std::size_t> RDIDriver::FindMyFile(std::vector<DString> const &pat
     return std::nullopt;
 }
 
+bool RDIDriver::ReadChannelsRsmpl(void *handle, int channel, int count, double x, double y, double width, double height,
+                                  void *buffer, int outWidth, int outHeight, int resampling, bool usePyramid,
+                                  bool clip) {
+    if (outWidth < 1 || outHeight < 1)
+        return false;
+    int const type = GetChnlDataType(handle, channel);
+    std::size_t const size = static_cast<std::size_t>(outWidth) * static_cast<std::size_t>(outHeight) *
+                             static_cast<std::size_t>(RDIGetDTSize(type));
+    auto *plane = static_cast<unsigned char *>(buffer);
+    for (int i = channel; i < channel + count; ++i, plane += size)
+        if (GetChnlDataType(handle, i) != type ||
+            !ReadBlockRsmpl(handle, i, x, y, width, height, plane, outWidth, outHeight, resampling, usePyramid, clip))
+            return false;
+    return true;
+}
+
 } // namespace zelvar

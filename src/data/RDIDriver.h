@@ -81,6 +81,11 @@ public:
     virtual bool ReadBlockRsmpl(void *handle, int channel, double x, double y, double width, double height,
                                 void *buffer, int outWidth, int outHeight, int resampling, bool usePyramid,
                                 bool clip) = 0;
+    /// The same for `count` channels from `channel` on that have one type: one plane of samples behind the other. What
+    /// a file keeps side by side is then decoded once and not once a channel.
+    virtual bool ReadChannelsRsmpl(void *handle, int channel, int count, double x, double y, double width,
+                                   double height, void *buffer, int outWidth, int outHeight, int resampling,
+                                   bool usePyramid, bool clip);
     /// The same for a channel with a palette: `outWidth` * `outHeight` * 3 bytes red, green, blue. False without a
     /// palette.
     virtual bool ReadPaletteRsmpl(void *handle, double x, double y, double width, double height, void *rgb,

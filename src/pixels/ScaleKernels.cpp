@@ -41,19 +41,6 @@ void Map(Sample const *samples, std::uint8_t *bytes, std::size_t count, Range co
 
 } // namespace
 
-bool IsSupported(Isa isa) {
-#if defined(__x86_64__)
-    __builtin_cpu_init();
-    if (isa == Isa::Avx2)
-        return __builtin_cpu_supports("avx2") != 0;
-    if (isa == Isa::Avx512)
-        return __builtin_cpu_supports("avx512f") != 0 && __builtin_cpu_supports("avx512bw") != 0 &&
-               __builtin_cpu_supports("avx512vl") != 0 && __builtin_cpu_supports("avx512dq") != 0 &&
-               __builtin_cpu_supports("avx512vbmi") != 0;
-#endif
-    return isa == Isa::Plain;
-}
-
 template <class Sample>
 Kernel<Sample> KernelFor(Isa isa) {
 #if defined(__x86_64__)
@@ -67,8 +54,7 @@ Kernel<Sample> KernelFor(Isa isa) {
 
 template <class Sample>
 Kernel<Sample> KernelFor() {
-    static Isa const isa = IsSupported(Isa::Avx512) ? Isa::Avx512 : IsSupported(Isa::Avx2) ? Isa::Avx2 : Isa::Plain;
-    return KernelFor<Sample>(isa);
+    return KernelFor<Sample>(FastestIsa());
 }
 
 template Kernel<std::uint8_t> KernelFor();

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "zelvar/pixels/InstructionSet.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -42,9 +44,6 @@ struct Kernel {
 template <class Sample>
 [[nodiscard]] Kernel<Sample> KernelFor();
 
-/// The instruction sets that kernels exist for; `Plain` runs anywhere.
-enum class Isa { Plain, Avx2, Avx512 };
-[[nodiscard]] bool IsSupported(Isa isa);
 template <class Sample>
 [[nodiscard]] Kernel<Sample> KernelFor(Isa isa);
 

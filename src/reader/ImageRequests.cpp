@@ -7,7 +7,8 @@ namespace zelvar::reader {
 
 namespace {
 
-constexpr int kChannelsTold = 4; // with an image that is opened
+constexpr int kChannelsTold = 4;    // with an image that is opened
+constexpr int kMostChannels = 4096; // of one request
 
 /// Whether a driver may be asked for these pixels at all: places are cast to int in many a driver.
 bool IsSound(wire::ReadPixelsT const &asked) {
@@ -15,7 +16,8 @@ bool IsSound(wire::ReadPixelsT const &asked) {
     auto const isPlace = [](double at) { return std::abs(at) <= farthest; }; // a NaN is none
     auto const isSize = [](double size) { return size > 0 && size <= farthest; };
     return isPlace(asked.x) && isPlace(asked.y) && isSize(asked.width) && isSize(asked.height) && asked.outWidth > 0 &&
-           asked.outHeight > 0 && asked.resampling >= RDIDriver::Nearest && asked.resampling <= RDIDriver::AsStored;
+           asked.outHeight > 0 && asked.channels > 0 && asked.channels <= kMostChannels &&
+           asked.resampling >= RDIDriver::Nearest && asked.resampling <= RDIDriver::AsStored;
 }
 
 } // namespace
@@ -62,22 +64,25 @@ Answer ImageRequests::GetAttribute(wire::GetAttributeT const &asked) {
 Answer ImageRequests::ReadPixels(wire::ReadPixelsT const &asked) {
     return With(m_images, asked.image, [&](OpenImages::Image const &image) {
         int const channel = asked.palette ? 0 : asked.channel;
-        if (!image.HasChannel(channel) || !IsSound(asked))
+        if (!IsSound(asked) || !image.HasChannel(channel) || !image.HasChannel(channel + (asked.channels - 1)))
             return Failure("no such pixels");
         constexpr int bytesOfColor = 3;
-        int const bytesEach =
-            asked.palette ? bytesOfColor : RDIGetDTSize(image.driver->GetChnlDataType(image.handle, channel));
-        auto const wanted = static_cast<std::uint64_t>(asked.outWidth) * static_cast<std::uint64_t>(asked.outHeight) *
-                            static_cast<std::uint64_t>(bytesEach);
-        if (bytesEach == 0 || m_pixels == nullptr || wanted > asked.bytes || wanted > m_pixels->Size())
+        int const bytesEach = asked.palette
+                                  ? bytesOfColor
+                                  : asked.channels * RDIGetDTSize(image.driver->GetChnlDataType(image.handle, channel));
+        // Two sizes below 2^31: their product fits, one with the bytes of a pixel might not.
+        std::uint64_t const pixels =
+            static_cast<std::uint64_t>(asked.outWidth) * static_cast<std::uint64_t>(asked.outHeight);
+        if (bytesEach == 0 || m_pixels == nullptr ||
+            pixels > std::min<std::uint64_t>(asked.bytes, m_pixels->Size()) / static_cast<std::uint64_t>(bytesEach))
             return Failure("no memory for the pixels");
         bool const isRead =
             asked.palette
                 ? image.driver->ReadPaletteRsmpl(image.handle, asked.x, asked.y, asked.width, asked.height,
                                                  m_pixels->Data(), asked.outWidth, asked.outHeight)
-                : image.driver->ReadBlockRsmpl(image.handle, channel, asked.x, asked.y, asked.width, asked.height,
-                                               m_pixels->Data(), asked.outWidth, asked.outHeight, asked.resampling,
-                                               asked.usePyramid, asked.clip);
+                : image.driver->ReadChannelsRsmpl(image.handle, channel, asked.channels, asked.x, asked.y, asked.width,
+                                                  asked.height, m_pixels->Data(), asked.outWidth, asked.outHeight,
+                                                  asked.resampling, asked.usePyramid, asked.clip);
         return isRead ? Say(wire::PixelsReadT{}) : Failure(m_stop->load() ? kStopped : "the pixels cannot be read");
     });
 }

@@ -144,6 +144,55 @@ TEST_F(RasterDriver, ReductionAgreesWithAndWithoutAPyramid) {
     }
 }
 
+TEST_F(RasterDriver, ChannelsReadTogetherAreWhatEachIsAlone) {
+    struct Case {
+        char const *format;
+        std::vector<char const *> options;
+        int side;
+        std::vector<int> overviews;
+    };
+    Case const cases[] = {{"GTiff", {"INTERLEAVE=PIXEL"}, 700, {}},
+                          {"GTiff", {"INTERLEAVE=BAND", "TILED=YES"}, 700, {}},
+                          {"GTiff", {"INTERLEAVE=PIXEL", "COMPRESS=LZW"}, 700, {2, 4}},
+                          {"PNG", {}, 300, {}},
+                          {"GTiff", {"TILED=YES", "INTERLEAVE=PIXEL", "COMPRESS=DEFLATE"}, 2010, {}}}; // on threads
+    for (Case const &c : cases) {
+        DString const path = m_folder / "together";
+        SCOPED_TRACE(testing::Message() << c.format << ' ' << testing::PrintToString(c.options) << c.side);
+        test::WriteImage(path,
+                         {.width = c.side,
+                          .height = c.side,
+                          .channels = 3,
+                          .type = GDT_UInt16,
+                          .format = c.format,
+                          .options = c.options,
+                          .sample = [](int channel, int x, int y) { return (x * y + 7000 * channel) % 60'000; }},
+                         c.overviews);
+        OpenedImage const image(path);
+        ASSERT_TRUE(image) << image.error.Text();
+        for (int const resampling : {RDIDriver::Average, RDIDriver::Bilinear, RDIDriver::Cubic})
+            for (double const left : {0.0, -20.0}) {
+                std::vector<std::uint16_t> planes(2 * 100 * 80);
+                ASSERT_TRUE(image.driver->ReadChannelsRsmpl(image.handle, 1, 2, left, 0, c.side, c.side, planes.data(),
+                                                            100, 80, resampling, true, true));
+                auto const second = planes.begin() + 100 * 80;
+                EXPECT_EQ(std::vector(planes.begin(), second),
+                          image.Read<std::uint16_t>(left, 0, c.side, c.side, 100, 80, resampling, 1));
+                EXPECT_EQ(std::vector(second, planes.end()),
+                          image.Read<std::uint16_t>(left, 0, c.side, c.side, 100, 80, resampling, 2));
+            }
+        EXPECT_FALSE(image.driver->ReadChannelsRsmpl(image.handle, 2, 2, 0, 0, 9, 9, nullptr, 9, 9, 3, true, true));
+    }
+    // The last one again, with a block that cannot be decoded.
+    DString bytes = test::ReadFile(m_folder / "together");
+    bytes.replace(bytes.size() / 2, 2000, DString(2000, '?'));
+    OpenedImage const damaged(m_folder.Write("damaged.tif", bytes));
+    ASSERT_TRUE(damaged);
+    std::vector<std::uint16_t> planes(3 * 100 * 80);
+    EXPECT_FALSE(damaged.driver->ReadChannelsRsmpl(damaged.handle, 0, 3, 0, 0, 2010, 2010, planes.data(), 100, 80,
+                                                   RDIDriver::Cubic, true, true));
+}
+
 TEST_F(RasterDriver, OverviewsBesideTheFileAreFound) {
     DString const path = m_folder / "a.png";
     test::WriteImage(path, {.width = 200, .height = 200, .format = "PNG"});

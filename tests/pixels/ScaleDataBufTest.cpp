@@ -118,12 +118,12 @@ TYPED_TEST(ScaleDataBufOf, EveryInstructionSetGivesTheSameBytes) {
     for (TypeParam &sample : samples)
         sample = static_cast<TypeParam>(random() % 251);
     scale::Range const range{10.25, 200.75, 255.0 / (200.75 - 10.25)};
-    auto const plain = scale::KernelFor<TypeParam>(scale::Isa::Plain);
+    auto const plain = scale::KernelFor<TypeParam>(Isa::Plain);
     scale::Statistics const expected = plain.gather(samples.data(), samples.size());
     std::vector<std::uint8_t> bytes(samples.size());
     plain.map(samples.data(), bytes.data(), samples.size(), range);
-    for (scale::Isa const isa : {scale::Isa::Avx2, scale::Isa::Avx512}) {
-        if (!scale::IsSupported(isa))
+    for (Isa const isa : {Isa::Avx2, Isa::Avx512}) {
+        if (!IsSupported(isa))
             continue;
         SCOPED_TRACE(static_cast<int>(isa));
         auto const kernel = scale::KernelFor<TypeParam>(isa);

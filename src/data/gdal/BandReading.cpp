@@ -73,6 +73,10 @@ bool IsSignedByte(BandHandle band) {
     return GDALGetRasterDataType(band) == GDT_Byte && type != nullptr && EqualNoCase(type, "SIGNEDBYTE");
 }
 
+bool IsConverted(BandHandle band) {
+    return IsSignedByte(band) || GDALDataTypeIsComplex(GDALGetRasterDataType(band)) != FALSE;
+}
+
 double NodataOf(BandHandle band) {
     int has = FALSE;
     double const value = GDALGetRasterNoDataValue(band, &has);
@@ -118,6 +122,34 @@ bool ReadSamples(BandHandle band, Window const &window, Reduction reduction, Sam
     return Transfer(band, window, reduction, kGdalType<Sample>, out, stop);
 }
 
+template <class Sample>
+bool ReadRows(std::vector<BandHandle> const &bands, Rows const &rows, Sample *out, StopSignal const *stop) {
+    BandHandle first = bands.front();
+    if (bands.size() == 1)
+        return ReadSamples(first,
+                           {static_cast<double>(rows.left), static_cast<double>(rows.top),
+                            static_cast<double>(rows.width), static_cast<double>(rows.height), rows.width, rows.height},
+                           Reduction::Pick, out, stop);
+    GDALRasterIOExtraArg extra;
+    INIT_RASTERIO_EXTRA_ARG(extra);
+    extra.pfnProgress = &GoOn;
+    extra.pProgressData = const_cast<StopSignal *>(stop);
+    std::vector<int> numbers;
+    numbers.reserve(bands.size());
+    for (BandHandle band : bands)
+        numbers.push_back(GDALGetBandNumber(band));
+    auto const pixel = static_cast<GSpacing>(bands.size() * sizeof(Sample));
+    return GDALDatasetRasterIOEx(GDALGetBandDataset(first), GF_Read, rows.left, rows.top, rows.width, rows.height, out,
+                                 rows.width, rows.height, kGdalType<Sample>, static_cast<int>(numbers.size()),
+                                 numbers.data(), pixel, pixel * rows.width, sizeof(Sample), &extra) == CE_None;
+}
+
+template bool ReadRows(std::vector<BandHandle> const &, Rows const &, std::uint8_t *, StopSignal const *);
+template bool ReadRows(std::vector<BandHandle> const &, Rows const &, std::uint16_t *, StopSignal const *);
+template bool ReadRows(std::vector<BandHandle> const &, Rows const &, std::int16_t *, StopSignal const *);
+template bool ReadRows(std::vector<BandHandle> const &, Rows const &, std::uint32_t *, StopSignal const *);
+template bool ReadRows(std::vector<BandHandle> const &, Rows const &, std::int32_t *, StopSignal const *);
+template bool ReadRows(std::vector<BandHandle> const &, Rows const &, float *, StopSignal const *);
 template bool ReadSamples(BandHandle, Window const &, Reduction, std::uint8_t *, StopSignal const *);
 template bool ReadSamples(BandHandle, Window const &, Reduction, std::uint16_t *, StopSignal const *);
 template bool ReadSamples(BandHandle, Window const &, Reduction, std::int16_t *, StopSignal const *);

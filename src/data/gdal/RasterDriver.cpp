@@ -5,22 +5,29 @@
 #include "zelvar/data/gdal/SliceGrid.h"
 #include "zelvar/data/gdal/Source.h"
 
+#include <cpl_multiproc.h>
 #include <gdal.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <memory>
 #include <new>
+#include <optional>
+#include <vector>
 
 namespace zelvar::gdal {
 
 namespace {
 
 constexpr int kMostChannels = 65536;
+constexpr int kMostThreads = 8;
 
 /// What a handle of this family points to. It stays on the thread that opened it.
 struct Image {
     DatasetPtr dataset;
+    std::optional<DatasetPtr> threaded; ///< the same, see `Threaded`; null where that is of no use
+    Source source;
     Format const *format = nullptr;
     Reach reach = Reach::Local;
     StopSignal const *stop = nullptr; ///< not owned, may be null
@@ -35,7 +42,46 @@ struct Image {
     [[nodiscard]] GDALRasterBandH Band(int channel, int slice, int frame) const {
         return GDALGetRasterBand(Raw(dataset), grid.BandOf(channel, slice, frame));
     }
+    /// The data set whose blocks are decoded on all processors where many are read at once, or the usual one: for
+    /// blocks that are decoded in no time it would be slower.
+    [[nodiscard]] DatasetPtr const &Threaded();
 };
+
+/// Bytes of a channel's result; none for a size that is refused anyway.
+std::size_t PlaneSize(RDIDataType type, Window const &window) {
+    return static_cast<std::size_t>(std::max(window.outWidth, 0)) *
+           static_cast<std::size_t>(std::max(window.outHeight, 0)) * static_cast<std::size_t>(RDIGetDTSize(type));
+}
+
+bool DecodesSlowBlocks(Image const &image) {
+    if (image.format->id != "GTiff" || image.reach != Reach::Local ||
+        GDALGetMetadataItem(Raw(image.dataset), "COMPRESSION", "IMAGE_STRUCTURE") == nullptr)
+        return false;
+    constexpr std::int64_t kLeast = 64'000; // bytes; a thread is told of each block
+    GDALRasterBandH const band = GDALGetRasterBand(Raw(image.dataset), 1);
+    int width = 0;
+    int height = 0;
+    GDALGetBlockSize(band, &width, &height);
+    return std::int64_t{width} * height * GDALGetDataTypeSizeBytes(GDALGetRasterDataType(band)) >= kLeast;
+}
+
+DatasetPtr const &Image::Threaded() {
+    if (!threaded) {
+        threaded.emplace();
+        int const threads = std::min(CPLGetNumCPUs(), kMostThreads);
+        if (threads > 1 && DecodesSlowBlocks(*this)) {
+            Source more = source;
+            more.options.emplace_back("NUM_THREADS", std::to_string(threads));
+            threaded = Open(more, GDAL_OF_RASTER, format, nullptr).dataset;
+        }
+    }
+    // The file may be another one by now.
+    bool const isSame = *threaded != nullptr &&
+                        GDALGetRasterXSize(Raw(*threaded)) == GDALGetRasterXSize(Raw(dataset)) &&
+                        GDALGetRasterYSize(Raw(*threaded)) == GDALGetRasterYSize(Raw(dataset)) &&
+                        GDALGetRasterCount(Raw(*threaded)) == GDALGetRasterCount(Raw(dataset));
+    return isSame ? *threaded : dataset;
+}
 
 Image &Of(void *handle) { return *static_cast<Image *>(handle); }
 
@@ -62,6 +108,7 @@ std::unique_ptr<Image> OpenImage(BDIMoniker const &moniker, Format const *only, 
     }
     auto image = std::make_unique<Image>();
     image->dataset = std::move(opened.dataset);
+    image->source = *source;
     image->format = opened.format;
     image->reach = source->reach;
     image->stop = stop;
@@ -154,21 +201,46 @@ int RasterDriver::GetAttrInt(char const *name, void *handle, int channel) const 
 bool RasterDriver::ReadBlockRsmpl(void *handle, int channel, double x, double y, double width, double height,
                                   void *buffer, int outWidth, int outHeight, int resampling, bool usePyramid,
                                   bool clip) {
-    Image const &image = Of(handle);
+    return ReadChannelsRsmpl(handle, channel, 1, x, y, width, height, buffer, outWidth, outHeight, resampling,
+                             usePyramid, clip);
+}
+
+bool RasterDriver::ReadChannelsRsmpl(void *handle, int channel, int count, double x, double y, double width,
+                                     double height, void *buffer, int outWidth, int outHeight, int resampling,
+                                     bool usePyramid, bool clip) {
+    Image &image = Of(handle);
     GdalScope const scope(image.reach);
-    GDALRasterBandH band = image.Band(channel);
-    if (band == nullptr || buffer == nullptr || resampling < Nearest || resampling > AsStored)
+    std::vector<BandHandle> bands;
+    for (int i = channel; i < channel + count; ++i)
+        bands.push_back(image.Band(i));
+    auto const isOfType = [&](BandHandle band) {
+        return band != nullptr && DeliveredType(band) == DeliveredType(bands.front());
+    };
+    if (bands.empty() || !std::all_of(bands.begin(), bands.end(), isOfType) || buffer == nullptr ||
+        resampling < Nearest || resampling > AsStored)
         return false;
     ReadRequest const request{.window = {x, y, width, height, outWidth, outHeight},
                               .resampling = static_cast<Resampling>(resampling),
                               .usePyramid = usePyramid,
                               .clip = clip,
                               .stop = image.stop};
+    RDIDataType const type = DeliveredType(bands.front());
     try {
-        BandGrid const grid{.columns = image.grid.Frames(),
-                            .rows = image.grid.Slices(),
-                            .at = [&](int frame, int slice) { return image.Band(channel, slice, frame); }};
-        return ReadWindow(grid, DeliveredType(band), request, buffer);
+        constexpr double kManySamples = 4e6;
+        if (width * height >= kManySamples && (resampling == Bilinear || resampling == Cubic))
+            for (BandHandle &band : bands)
+                band = GDALGetRasterBand(Raw(image.Threaded()), GDALGetBandNumber(band));
+        if (image.grid.Frames() == 1 && image.grid.Slices() == 1)
+            return ReadWindows(bands, type, request, buffer);
+        auto *plane = static_cast<unsigned char *>(buffer);
+        for (int i = channel; i < channel + count; ++i, plane += PlaneSize(type, request.window)) {
+            BandGrid const grid{.columns = image.grid.Frames(),
+                                .rows = image.grid.Slices(),
+                                .at = [&](int frame, int slice) { return image.Band(i, slice, frame); }};
+            if (!ReadWindow(grid, type, request, plane))
+                return false;
+        }
+        return true;
     } catch (std::bad_alloc const &) {
         Report::TraceMessage(Report::kTraceDriver, "no memory to read %d * %d samples", outWidth, outHeight);
         return false;

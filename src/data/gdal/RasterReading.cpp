@@ -1,6 +1,6 @@
 #include "zelvar/data/gdal/RasterReading.h"
 
-#include "zelvar/pixels/Resample.h"
+#include "zelvar/data/gdal/MixedReading.h"
 
 #include <gdal.h>
 
@@ -39,92 +39,59 @@ void ZeroNodata(Sample *samples, std::size_t count, double nodata) {
     }
 }
 
-/// The window as it stands, with what lies around it within the kernel's reach.
-template <class Sample>
-bool ReadPlane(BandHandle band, Window const &window, StopSignal const *stop, Plane<Sample> &plane) {
-    double const reach = 2 * std::max({window.width / window.outWidth, window.height / window.outHeight, 1.0}) + 1;
-    auto const low = [&](double position) { return static_cast<int>(std::max(std::floor(position - reach), 0.0)); };
-    auto const high = [&](double position, int size) {
-        return static_cast<int>(std::min(std::ceil(position + reach), static_cast<double>(size)));
-    };
-    int const left = low(window.x);
-    int const top = low(window.y);
-    plane.width = high(window.x + window.width, GDALGetRasterBandXSize(band)) - left;
-    plane.height = high(window.y + window.height, GDALGetRasterBandYSize(band)) - top;
-    plane.windowX = window.x - left;
-    plane.windowY = window.y - top;
-    plane.windowWidth = window.width;
-    plane.windowHeight = window.height;
-    plane.samples.resize(static_cast<std::size_t>(plane.width) * static_cast<std::size_t>(plane.height));
-    Window const all{static_cast<double>(left),
-                     static_cast<double>(top),
-                     static_cast<double>(plane.width),
-                     static_cast<double>(plane.height),
-                     plane.width,
-                     plane.height};
-    return ReadSamples(band, all, Reduction::Pick, plane.samples.data(), stop);
-}
-
-/// The window averaged to about twice the wanted size.
-template <class Sample>
-bool ReadReducedPlane(BandHandle band, Window const &window, StopSignal const *stop, Plane<Sample> &plane) {
-    plane.width = std::min(2 * window.outWidth, static_cast<int>(std::ceil(window.width)));
-    plane.height = std::min(2 * window.outHeight, static_cast<int>(std::ceil(window.height)));
-    plane.windowWidth = plane.width;
-    plane.windowHeight = plane.height;
-    auto const rowSize = static_cast<std::size_t>(plane.width);
-    plane.samples.resize(rowSize * static_cast<std::size_t>(plane.height));
-    constexpr int kStrip = 64; // a stop is seen between two strips, whatever the format
-    double const step = window.height / plane.height;
-    for (int top = 0; top < plane.height && !IsStopped(stop); top += kStrip) {
-        int const count = std::min(kStrip, plane.height - top);
-        Window const strip{window.x, window.y + top * step, window.width, count * step, plane.width, count};
-        if (!ReadSamples(band, strip, Reduction::Average,
-                         plane.samples.data() + static_cast<std::size_t>(top) * rowSize, stop))
-            return false;
-    }
-    return !IsStopped(stop);
-}
-
-/// Reads a window that lies inside the band.
-template <class Sample>
-bool ReadInside(BandHandle band, Window const &window, ReadRequest const &request, Sample *out) {
+/// The levels of the bands' pyramids that are fine enough for the window.
+std::vector<BandHandle> LevelsFor(std::vector<BandHandle> const &bands, Window const &window) {
     double const ratio = std::min(window.width / window.outWidth, window.height / window.outHeight);
-    BandHandle level = request.usePyramid ? LevelFor(band, ratio) : band;
-    Window const scaled = OnLevel(window, band, level);
-    double const nodata = NodataOf(band);
-    if (!Mixes(request.resampling)) {
-        Reduction const reduction = request.resampling == RDIDriver::Average ? Reduction::Average : Reduction::Pick;
-        if (!ReadSamples(level, scaled, reduction, out, request.stop))
-            return false;
-        if (request.resampling == RDIDriver::AsStored)
-            return true;
-        ZeroNodata(out, static_cast<std::size_t>(window.outWidth) * static_cast<std::size_t>(window.outHeight), nodata);
+    std::vector<BandHandle> levels;
+    levels.reserve(bands.size());
+    for (BandHandle band : bands)
+        levels.push_back(LevelFor(band, ratio));
+    return levels;
+}
+
+/// Reads a window that lies inside the bands.
+template <class Sample>
+bool ReadInside(std::vector<BandHandle> const &bands, Window const &window, ReadRequest const &request, Sample *out) {
+    std::vector<BandHandle> const levels = request.usePyramid ? LevelsFor(bands, window) : bands;
+    Window const scaled = OnLevel(window, bands.front(), levels.front());
+    std::size_t const size = static_cast<std::size_t>(window.outWidth) * static_cast<std::size_t>(window.outHeight);
+    bool const together = Mixes(request.resampling) && CanBeReadTogether(bands) && CanBeReadTogether(levels);
+    if (bands.size() > 1 && !together) {
+        for (std::size_t i = 0; i < bands.size(); ++i)
+            if (IsStopped(request.stop) || !ReadInside({bands[i]}, window, request, out + i * size))
+                return false;
         return true;
     }
-    Plane<Sample> plane;
-    bool const large = std::max(scaled.width / scaled.outWidth, scaled.height / scaled.outHeight) > 2;
-    if (!(large ? ReadReducedPlane(level, scaled, request.stop, plane) : ReadPlane(level, scaled, request.stop, plane)))
+    double const nodata = NodataOf(bands.front());
+    if (Mixes(request.resampling))
+        return ReadMixed(
+            levels, scaled,
+            {.kernel = request.resampling == RDIDriver::Cubic ? MixingKernel::Cubic : MixingKernel::Bilinear,
+             .nodata = nodata},
+            out, request.stop);
+    Reduction const reduction = request.resampling == RDIDriver::Average ? Reduction::Average : Reduction::Pick;
+    if (!ReadSamples(levels.front(), scaled, reduction, out, request.stop))
         return false;
-    Resample(plane, request.resampling == RDIDriver::Cubic ? MixingKernel::Cubic : MixingKernel::Bilinear, nodata, out,
-             window.outWidth, window.outHeight);
+    if (request.resampling != RDIDriver::AsStored)
+        ZeroNodata(out, size, nodata);
     return true;
 }
 
-bool ReadInsideAs(BandHandle band, RDIDataType type, Window const &window, ReadRequest const &request, void *out) {
+bool ReadInsideAs(std::vector<BandHandle> const &bands, RDIDataType type, Window const &window,
+                  ReadRequest const &request, void *out) {
     switch (type) {
     case RDI_UInt8:
-        return ReadInside(band, window, request, static_cast<std::uint8_t *>(out));
+        return ReadInside(bands, window, request, static_cast<std::uint8_t *>(out));
     case RDI_UInt16:
-        return ReadInside(band, window, request, static_cast<std::uint16_t *>(out));
+        return ReadInside(bands, window, request, static_cast<std::uint16_t *>(out));
     case RDI_Int16:
-        return ReadInside(band, window, request, static_cast<std::int16_t *>(out));
+        return ReadInside(bands, window, request, static_cast<std::int16_t *>(out));
     case RDI_UInt32:
-        return ReadInside(band, window, request, static_cast<std::uint32_t *>(out));
+        return ReadInside(bands, window, request, static_cast<std::uint32_t *>(out));
     case RDI_Int32:
-        return ReadInside(band, window, request, static_cast<std::int32_t *>(out));
+        return ReadInside(bands, window, request, static_cast<std::int32_t *>(out));
     case RDI_Float32:
-        return ReadInside(band, window, request, static_cast<float *>(out));
+        return ReadInside(bands, window, request, static_cast<float *>(out));
     case RDI_None:
         break;
     }
@@ -144,6 +111,11 @@ Span InsideOf(double offset, double size, int outSize, int bandSize) {
             std::clamp(std::ceil((position - offset) / step - 0.5), 0.0, static_cast<double>(outSize)));
     };
     return {pixelAt(0), pixelAt(bandSize)};
+}
+
+bool AreOfOneSize(BandHandle a, BandHandle b) {
+    return GDALGetRasterBandXSize(a) == GDALGetRasterBandXSize(b) &&
+           GDALGetRasterBandYSize(a) == GDALGetRasterBandYSize(b);
 }
 
 bool IsInside(Window const &window, BandHandle band) {
@@ -176,7 +148,7 @@ bool ReadPart(BandHandle band, RDIDataType type, ReadRequest const &request, uns
     part.outHeight = rows.Length();
     std::size_t const partRow = RowSize(type, part);
     std::vector<unsigned char> samples(partRow * static_cast<std::size_t>(part.outHeight));
-    if (!ReadInsideAs(band, type, part, request, samples.data()))
+    if (!ReadInsideAs({band}, type, part, request, samples.data()))
         return false;
     for (int y = 0; y < part.outHeight; ++y)
         std::memcpy(buffer + static_cast<std::size_t>(rows.begin + y) * rowSize +
@@ -243,14 +215,26 @@ RDIDataType DeliveredType(BandHandle band) {
 }
 
 bool ReadWindow(BandHandle band, RDIDataType type, ReadRequest const &request, void *buffer) {
-    if (!IsSensible(request.window))
+    return ReadWindows({band}, type, request, buffer);
+}
+
+bool ReadWindows(std::vector<BandHandle> const &bands, RDIDataType type, ReadRequest const &request, void *buffer) {
+    Window const &window = request.window;
+    if (bands.empty() || !IsSensible(window))
         return false;
-    if (IsInside(request.window, band))
-        return ReadInsideAs(band, type, request.window, request, buffer);
+    auto const isInside = [&](BandHandle band) { return IsInside(window, band) && AreOfOneSize(band, bands.front()); };
+    if (std::all_of(bands.begin(), bands.end(), isInside))
+        return ReadInsideAs(bands, type, window, request, buffer);
     if (!request.clip || type == RDI_None)
         return false;
-    FillWithZeros(static_cast<unsigned char *>(buffer), type, request.window);
-    return ReadPart(band, type, request, static_cast<unsigned char *>(buffer));
+    auto *plane = static_cast<unsigned char *>(buffer);
+    for (BandHandle band : bands) {
+        FillWithZeros(plane, type, window);
+        if (!ReadPart(band, type, request, plane))
+            return false;
+        plane += RowSize(type, window) * static_cast<std::size_t>(window.outHeight);
+    }
+    return true;
 }
 
 bool ReadWindow(BandGrid const &grid, RDIDataType type, ReadRequest const &request, void *buffer) {

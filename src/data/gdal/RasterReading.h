@@ -24,9 +24,11 @@ struct ReadRequest {
 /// `DeliveredType`. NaN, infinities and nodata become zeros, but for `RDIDriver::AsStored`.
 ///
 /// Where a pyramid serves, its level just above the wanted size is read and brought there by one step of the resampling
-/// asked for. Without one, bilinear and cubic reading of a window more than twice as large goes by two steps: averages
-/// to twice the wanted size first, strip by strip, so that memory stays bounded whatever the image's size.
+/// asked for. Bilinear and cubic reading goes strip by strip, see `ReadMixed`.
 [[nodiscard]] bool ReadWindow(BandHandle band, RDIDataType type, ReadRequest const &request, void *buffer);
+/// The same of bands whose `DeliveredType` is one: one plane a band. What a file keeps side by side is read once.
+[[nodiscard]] bool ReadWindows(std::vector<BandHandle> const &bands, RDIDataType type, ReadRequest const &request,
+                               void *buffer);
 
 /// Bands of one size and type as one picture: rows of them, one under the other.
 struct BandGrid {

@@ -222,12 +222,26 @@ int RemoteRasterDriver::GetAttrInt(char const *name, void *handle, int channel) 
 bool RemoteRasterDriver::ReadBlockRsmpl(void *handle, int channel, double x, double y, double width, double height,
                                         void *buffer, int outWidth, int outHeight, int resampling, bool usePyramid,
                                         bool clip) {
+    return ReadChannelsRsmpl(handle, channel, 1, x, y, width, height, buffer, outWidth, outHeight, resampling,
+                             usePyramid, clip);
+}
+
+bool RemoteRasterDriver::ReadChannelsRsmpl(void *handle, int channel, int count, double x, double y, double width,
+                                           double height, void *buffer, int outWidth, int outHeight, int resampling,
+                                           bool usePyramid, bool clip) {
+    if (channel < 0 || count < 1 || count > GetNumChnl(handle) - channel)
+        return false;
     wire::ReadPixelsT body = WindowRequest(x, y, width, height, outWidth, outHeight);
     body.channel = channel;
+    body.channels = count;
     body.resampling = resampling;
     body.usePyramid = usePyramid;
     body.clip = clip;
-    int const sample = RDIGetDTSize(GetChnlDataType(handle, channel));
+    int const type = GetChnlDataType(handle, channel);
+    for (int i = channel + 1; i < channel + count; ++i)
+        if (GetChnlDataType(handle, i) != type)
+            return false;
+    int const sample = count * RDIGetDTSize(type);
     return Read(Of(handle), std::move(body), BytesOf(outWidth, outHeight, sample), buffer);
 }
 

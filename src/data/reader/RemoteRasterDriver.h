@@ -33,6 +33,9 @@ public:
     [[nodiscard]] int GetAttrInt(char const *name, void *handle, int channel) const override;
     bool ReadBlockRsmpl(void *handle, int channel, double x, double y, double width, double height, void *buffer,
                         int outWidth, int outHeight, int resampling, bool usePyramid, bool clip) override;
+    bool ReadChannelsRsmpl(void *handle, int channel, int count, double x, double y, double width, double height,
+                           void *buffer, int outWidth, int outHeight, int resampling, bool usePyramid,
+                           bool clip) override;
     bool ReadPaletteRsmpl(void *handle, double x, double y, double width, double height, void *rgb, int outWidth,
                           int outHeight) override;
 
