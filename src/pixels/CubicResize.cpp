@@ -1,16 +1,23 @@
 #include "zelvar/pixels/CubicResize.h"
 
+#include "zelvar/pixels/MixKernels.h"
+
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdint>
+#include <future>
+#include <system_error>
 #include <vector>
 
 namespace zelvar {
 
 namespace {
 
-constexpr int kChannels = 3;
-constexpr double kSharpness = -0.5; // Keys' a
+constexpr std::size_t kChannels = 3;
+constexpr double kSharpness = -0.5;            // Keys' a
+constexpr std::size_t kColumnsTogether = 64;   // pixels of a row that are made of one block
+constexpr std::int64_t kWorthAThread = 65'536; // pixels of the larger picture
 
 /// Keys' kernel: 1 at 0, 0 at the other whole numbers and from 2 on.
 double Kernel(double x) {
@@ -22,56 +29,98 @@ double Kernel(double x) {
     return 0;
 }
 
-/// The source samples that one target sample is made of.
-struct Taps {
-    int first = 0;
-    std::vector<float> weights; ///< add up to 1
-};
+using Taps = mix::Taps<float>;
 
-std::vector<Taps> MakeTaps(int sourceSize, int targetSize) {
+Taps MakeTaps(int sourceSize, int targetSize) {
     double const ratio = static_cast<double>(sourceSize) / targetSize;
     double const widening = std::max(ratio, 1.0);
-    std::vector<Taps> all(static_cast<std::size_t>(targetSize));
+    Taps taps;
     for (int i = 0; i < targetSize; ++i) {
         double const centre = (i + 0.5) * ratio - 0.5;
         int const first = static_cast<int>(std::ceil(centre - 2 * widening));
         int const last = static_cast<int>(std::floor(centre + 2 * widening));
-        Taps &taps = all[static_cast<std::size_t>(i)];
-        taps.first = std::clamp(first, 0, sourceSize - 1);
-        int const count = std::clamp(last, 0, sourceSize - 1) - taps.first + 1;
-        taps.weights.assign(static_cast<std::size_t>(count), 0.0F);
+        int const begin = std::clamp(first, 0, sourceSize - 1);
+        std::size_t const weights = taps.weights.size();
+        taps.weights.resize(weights + static_cast<std::size_t>(std::clamp(last, 0, sourceSize - 1) - begin) + 1);
         double sum = 0;
         for (int at = first; at <= last; ++at)
             sum += Kernel((at - centre) / widening);
         // Samples beyond an edge repeat the edge.
         for (int at = first; at <= last; ++at)
-            taps.weights[static_cast<std::size_t>(std::clamp(at, 0, sourceSize - 1) - taps.first)] +=
+            taps.weights[weights + static_cast<std::size_t>(std::clamp(at, 0, sourceSize - 1) - begin)] +=
                 static_cast<float>(Kernel((at - centre) / widening) / sum);
+        taps.first.push_back(begin);
+        taps.begin.push_back(taps.weights.size());
     }
-    return all;
+    return taps;
 }
 
-std::uint8_t ToByte(float value) { return static_cast<std::uint8_t>(std::clamp(value + 0.5F, 0.0F, 255.0F)); }
+/// Makes rows of the target, from the top to the bottom. Each row of the source is narrowed once, with fifteen others;
+/// a ring of narrowed rows is all that is kept.
+class RowMaker {
+public:
+    RowMaker(DCanvas const &source, Taps const &columns, Taps const &rows, Isa isa)
+        : m_source(source), m_columns(columns), m_rows(rows),
+          m_kernels(std::get<mix::Kernels<float>>(mix::KernelsOf(isa))),
+          m_bytes(std::get<mix::ByteKernels>(mix::KernelsOf(isa))), m_length(columns.Size() * kChannels),
+          m_depth(rows.Longest() + mix::kRows), m_ring(m_depth, m_length), m_sums(m_length),
+          m_narrowed(kColumnsTogether * kChannels * mix::kRows) {}
 
-void ResizeRow(std::uint8_t const *source, std::vector<Taps> const &columns, float *target) {
-    for (Taps const &taps : columns) {
-        float red = 0;
-        float green = 0;
-        float blue = 0;
-        std::uint8_t const *pixel = source + static_cast<std::ptrdiff_t>(taps.first) * kChannels;
-        for (float const weight : taps.weights) {
-            red += weight * static_cast<float>(pixel[0]);
-            green += weight * static_cast<float>(pixel[1]);
-            blue += weight * static_cast<float>(pixel[2]);
-            pixel += kChannels;
+    void Make(std::size_t begin, std::size_t end, DCanvas &target) {
+        std::size_t const stop = static_cast<std::size_t>(m_rows.End(end - 1));
+        auto ready = static_cast<std::size_t>(m_rows.first[begin]);
+        for (std::size_t y = begin; y < end; ++y) {
+            for (; ready < static_cast<std::size_t>(m_rows.End(y)); ready = std::min(ready + mix::kRows, stop))
+                Narrow(ready, std::min(mix::kRows, stop - ready));
+            std::vector<float const *> rows(m_rows.Count(y));
+            for (std::size_t i = 0; i < rows.size(); ++i)
+                rows[i] = RingRow(static_cast<std::size_t>(m_rows.first[y]) + i);
+            m_kernels.mixRows(rows.data(), m_rows.WeightsOf(y), rows.size(), m_sums.data(), m_length);
+            m_bytes.toBytes(m_sums.data(), m_length, target.Row(static_cast<int>(y)));
         }
-        *target++ = red, *target++ = green, *target++ = blue;
     }
-}
+
+private:
+    [[nodiscard]] float *RingRow(std::size_t row) { return m_ring.Row(row % m_depth); }
+
+    /// Rows of the source to rows of the ring.
+    void Narrow(std::size_t first, std::size_t count) {
+        for (std::size_t begin = 0; begin < m_columns.Size(); begin += kColumnsTogether) {
+            std::size_t const end = std::min(begin + kColumnsTogether, m_columns.Size());
+            auto const firstPixel = static_cast<std::size_t>(m_columns.first[begin]);
+            auto const length = (static_cast<std::size_t>(m_columns.End(end - 1)) - firstPixel) * kChannels;
+            std::array<std::uint8_t const *, mix::kRows> from{};
+            std::array<float *, mix::kRows> to{};
+            for (std::size_t row = 0; row < mix::kRows; ++row) {
+                // The last ones are repeated where a block is not full, and not kept.
+                std::size_t const at = first + std::min(row, count - 1);
+                from[row] = m_source.Row(static_cast<int>(at)) + firstPixel * kChannels;
+                to[row] = RingRow(first + row) + begin * kChannels;
+            }
+            m_block.resize(std::max(m_block.size(), length * mix::kRows));
+            m_bytes.toBlock(from.data(), length, m_block.data());
+            m_kernels.mixColumns(m_block.data(), static_cast<int>(firstPixel), m_columns, begin, end, kChannels,
+                                 m_narrowed.data());
+            m_kernels.fromBlock(m_narrowed.data(), (end - begin) * kChannels, to.data());
+        }
+    }
+
+    DCanvas const &m_source;
+    Taps const &m_columns;
+    Taps const &m_rows;
+    mix::Kernels<float> const &m_kernels;
+    mix::ByteKernels const &m_bytes;
+    std::size_t m_length; ///< samples of a row of the target
+    std::size_t m_depth;  ///< rows of the ring: a block may be narrowed while the longest run is needed
+    mix::RowBuffer<float> m_ring;
+    std::vector<float> m_sums;
+    std::vector<float> m_block;
+    std::vector<float> m_narrowed;
+};
 
 } // namespace
 
-void ResizeCubic(DCanvas const &source, int width, int height, DCanvas &target) {
+void ResizeCubic(DCanvas const &source, int width, int height, DCanvas &target, Isa isa) {
     if (!source.HasData() || width < 1 || height < 1) {
         target.Clear();
         return;
@@ -80,34 +129,27 @@ void ResizeCubic(DCanvas const &source, int width, int height, DCanvas &target) 
         target.Copy(source);
         return;
     }
-    std::vector<Taps> const columns = MakeTaps(source.GetWidth(), width);
-    std::vector<Taps> const rows = MakeTaps(source.GetHeight(), height);
-    auto const rowLength = static_cast<std::size_t>(width) * kChannels;
-
-    // Rows are narrowed once each, when a target row first needs them; a ring of them is all that is kept.
-    std::size_t deepest = 0;
-    for (Taps const &taps : rows)
-        deepest = std::max(deepest, taps.weights.size());
-    std::vector<float> ring(deepest * rowLength);
-    int narrowed = -1; // the last source row in the ring
-    std::vector<float> sums(rowLength);
-
     DCanvas result;
     result.SetSize(width, height);
-    for (int y = 0; y < height && result.HasData(); ++y) {
-        Taps const &taps = rows[static_cast<std::size_t>(y)];
-        int const last = taps.first + static_cast<int>(taps.weights.size()) - 1;
-        for (int row = std::max(narrowed + 1, taps.first); row <= last; ++row)
-            ResizeRow(source.Row(row), columns, ring.data() + static_cast<std::size_t>(row) % deepest * rowLength);
-        narrowed = std::max(narrowed, last);
-
-        std::fill(sums.begin(), sums.end(), 0.0F);
-        for (std::size_t i = 0; i < taps.weights.size(); ++i) {
-            float const *row = ring.data() + (static_cast<std::size_t>(taps.first) + i) % deepest * rowLength;
-            for (std::size_t x = 0; x < rowLength; ++x)
-                sums[x] += taps.weights[i] * row[x];
+    if (result.HasData()) {
+        Taps const columns = MakeTaps(source.GetWidth(), width);
+        Taps const rows = MakeTaps(source.GetHeight(), height);
+        auto const make = [&](std::size_t begin, std::size_t end) {
+            RowMaker(source, columns, rows, isa).Make(begin, end, result);
+        };
+        std::int64_t const pixels =
+            std::max(std::int64_t{width} * height, std::int64_t{source.GetWidth()} * source.GetHeight());
+        std::size_t const half = pixels < kWorthAThread ? 0 : rows.Size() / 2;
+        std::future<void> upper;
+        try {
+            if (half > 0)
+                upper = std::async(std::launch::async, make, 0, half);
+        } catch (std::system_error const &) {
+            make(0, half); // the system has no thread to give
         }
-        std::transform(sums.begin(), sums.end(), result.Row(y), ToByte);
+        make(half, rows.Size());
+        if (upper.valid())
+            upper.get();
     }
     target = std::move(result);
 }

@@ -2,6 +2,9 @@
 
 #include "support/Test.h"
 
+#include <cstring>
+#include <random>
+
 namespace zelvar {
 namespace {
 
@@ -37,6 +40,25 @@ TEST(CubicResize, NoSourcePixelIsPassedOverWhenShrinking) {
     DCanvas target;
     ResizeCubic(source, 10, 10, target);
     EXPECT_NEAR(RedOf(target.GetPixel(5, 5)), 127.0, 3.0) << "the mean of a chequerboard";
+}
+
+TEST(CubicResize, EveryInstructionSetGivesTheSameBytes) {
+    std::mt19937 random(9);
+    auto const side = [&](unsigned most) { return 1 + static_cast<int>(random() % most); };
+    for (int i = 0; i < 60; ++i) {
+        DCanvas const source = Canvas(side(300), side(300), [&](unsigned, unsigned) { return random() & 0xFFFFFFU; });
+        int const width = side(500);
+        int const height = side(500);
+        DCanvas plain;
+        ResizeCubic(source, width, height, plain, Isa::Plain);
+        for (Isa const isa : {Isa::Avx2, Isa::Avx512}) {
+            DCanvas target;
+            ResizeCubic(source, width, height, target, IsSupported(isa) ? isa : Isa::Plain);
+            ASSERT_EQ(std::memcmp(target.Row(0), plain.Row(0), static_cast<std::size_t>(width * height) * 3), 0)
+                << static_cast<int>(isa) << ": " << source.GetWidth() << " x " << source.GetHeight() << " to " << width
+                << " x " << height;
+        }
+    }
 }
 
 TEST(CubicResize, OnePixelAndNothingAreNoSpecialCases) {
