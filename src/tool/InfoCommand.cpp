@@ -6,8 +6,7 @@
 #include "zelvar/model/TemplDataSourceItem.h"
 #include "zelvar/tool/CommandTable.h"
 #include "zelvar/tool/Commands.h"
-
-#include <QtGui/QImage>
+#include "zelvar/tool/PngFile.h"
 
 #include <cstdio>
 
@@ -16,12 +15,6 @@ namespace zelvar::tool {
 namespace {
 
 CommandSpec const &kSpec = SpecOf("info");
-
-bool SavePicture(DCanvas const &canvas, DString const &file) {
-    QImage const image(canvas.Row(0), canvas.GetWidth(), canvas.GetHeight(), qsizetype{3} * canvas.GetWidth(),
-                       QImage::Format_RGB888);
-    return image.save(QString::fromLocal8Bit(file.c_str()), "PNG");
-}
 
 /// What the texts of a table were taken for, where nothing tells.
 void SayEncoding(DString const &path) {
@@ -77,7 +70,7 @@ int RunInfo(std::vector<DString> const &words) {
         std::puts("Preview is not available");
         return kDone;
     }
-    if (!SavePicture(canvas, arguments->Value("--preview")))
+    if (!WritePng(canvas, arguments->Value("--preview")))
         return Failure("cannot write '" + arguments->Value("--preview") + "'");
     return kDone;
 }
