@@ -2,7 +2,10 @@
 
 #include "zelvar/pixels/ScaleKernels.h"
 
+#include <algorithm>
 #include <cmath>
+#include <future>
+#include <system_error>
 
 namespace zelvar {
 
@@ -16,13 +19,60 @@ void MarkNonZero(Sample const *samples, unsigned char *bytes, std::size_t count)
             bytes[i] = 255;
 }
 
+constexpr std::size_t kWorthAThread = std::size_t{1} << 18U; // samples
+
+/// Does the work on both halves of a range at once where that is worth a thread. The halves depend on the range alone.
+template <class Work>
+void InHalves(std::size_t begin, std::size_t end, Work const &work) {
+    // Vectors stay whole, and no line of the processor's cache is written by both.
+    std::size_t const middle = end - begin < kWorthAThread ? begin : begin + (end - begin) / 2 / 64 * 64;
+    std::future<void> first;
+    try {
+        if (middle > begin)
+            first = std::async(std::launch::async, [&] { work(begin, middle); });
+    } catch (std::system_error const &) {
+        work(begin, middle); // the system has no thread to give
+    }
+    work(middle, end);
+    if (first.valid())
+        first.get();
+}
+
+template <class Sample>
+scale::Statistics Gather(scale::Kernel<Sample> const &kernel, Sample const *samples, std::size_t count) {
+    scale::Statistics first;
+    scale::Statistics second;
+    InHalves(0, count, [&](std::size_t begin, std::size_t end) {
+        (end == count ? second : first) = kernel.gather(samples + begin, end - begin);
+    });
+    first.Add(second);
+    return first;
+}
+
+/// Bytes take the place of samples. Those of a range are written over samples that stand before it, as long as its end
+/// is no farther than its beginning times the size of a sample: within such a range the order does not matter.
+template <class Sample>
+void Map(scale::Kernel<Sample> const &kernel, Sample const *samples, unsigned char *bytes, std::size_t count,
+         scale::Range const &range) {
+    auto const map = [&](std::size_t begin, std::size_t end) {
+        kernel.map(samples + begin, bytes + begin, end - begin, range);
+    };
+    std::size_t done = std::min(count, kWorthAThread);
+    map(0, done);
+    while (done < count) {
+        std::size_t const end = std::min(count, std::max<std::size_t>(2, sizeof(Sample)) * done);
+        InHalves(done, end, map);
+        done = end;
+    }
+}
+
 template <class Sample>
 void ScaleSamples(unsigned char *buffer, std::size_t n) {
     auto const *samples = reinterpret_cast<Sample const *>(buffer);
     scale::Kernel<Sample> const kernel = scale::KernelFor<Sample>();
 
     // 1. Statistics. Zeros are no data, but only where nothing lies below them.
-    scale::Statistics const found = kernel.gather(samples, n);
+    scale::Statistics const found = Gather(kernel, samples, n);
     double const count = static_cast<double>(n) - (found.min == 0 ? found.zeros : 0);
     if (count == 0)
         return;
@@ -37,7 +87,7 @@ void ScaleSamples(unsigned char *buffer, std::size_t n) {
     if (!(max - min > 0.000001))
         MarkNonZero(samples, buffer, n);
     else
-        kernel.map(samples, buffer, n, {min, max, 255.0 / (max - min)});
+        Map(kernel, samples, buffer, n, {min, max, 255.0 / (max - min)});
 }
 
 } // namespace

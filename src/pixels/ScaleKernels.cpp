@@ -18,13 +18,8 @@ Statistics Gather(Sample const *samples, std::size_t count) {
             GatherTail(samples + i + lane, 1, lanes[lane]);
     GatherTail(samples + i, count - i, lanes[0]);
     Statistics found = lanes[0];
-    for (std::size_t lane = 1; lane < kLanes; ++lane) {
-        found.min = lanes[lane].min < found.min ? lanes[lane].min : found.min;
-        found.max = lanes[lane].max > found.max ? lanes[lane].max : found.max;
-        found.sum += lanes[lane].sum;
-        found.sumSq += lanes[lane].sumSq;
-        found.zeros += lanes[lane].zeros;
-    }
+    for (std::size_t lane = 1; lane < kLanes; ++lane)
+        found.Add(lanes[lane]);
     return found;
 }
 

@@ -2,9 +2,11 @@
 
 #include "zelvar/pixels/InstructionSet.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <type_traits>
 
 namespace zelvar::scale {
 
@@ -15,6 +17,14 @@ struct Statistics {
     double sum = 0;
     double sumSq = 0;
     double zeros = 0; ///< their number
+
+    void Add(Statistics const &other) {
+        min = other.min < min ? other.min : min;
+        max = other.max > max ? other.max : max;
+        sum += other.sum;
+        sumSq += other.sumSq;
+        zeros += other.zeros;
+    }
 };
 
 /// The range that is spread over the bytes. `scale` is 255 / (`max` - `min`).
@@ -32,8 +42,8 @@ struct Range {
 
 using ByteTable = std::array<std::uint8_t, 256>;
 
-/// The two passes for samples of one type. `map` reads sample i before it writes byte i, and bytes never stand behind
-/// the samples still to read, so both may share a buffer.
+/// The two passes for samples of one type. `map` reads sample i before it writes byte i, so that both may share a
+/// buffer as long as bytes never stand behind the samples still to read.
 template <class Sample>
 struct Kernel {
     Statistics (*gather)(Sample const *samples, std::size_t count) = nullptr;
@@ -70,6 +80,34 @@ inline void MapTail(Sample const *samples, std::uint8_t *bytes, std::size_t coun
     for (std::size_t i = 0; i < count; ++i)
         bytes[i] = range.ByteOf(static_cast<double>(samples[i]));
 }
+/// What kernels add up of 16-bit samples: whole numbers, each less by `kShift`, so that all are signed.
+template <class Sample>
+struct ShortSums {
+    static constexpr std::int64_t kShift = std::is_signed_v<Sample> ? 0 : 32'768;
+    std::int64_t count = 0;
+    std::int64_t sum = 0;
+    std::uint64_t squares = 0; ///< their sum
+    std::int64_t zeros = 0;    ///< samples that are 0
+    std::int64_t min = 32'767;
+    std::int64_t max = -32'768;
+
+    void Widen(short low, short high) {
+        min = std::min<std::int64_t>(min, low);
+        max = std::max<std::int64_t>(max, high);
+    }
+    [[nodiscard]] Statistics Found() const {
+        Statistics found;
+        if (count == 0)
+            return found;
+        found.min = static_cast<double>(min + kShift);
+        found.max = static_cast<double>(max + kShift);
+        found.sum = static_cast<double>(sum + count * kShift);
+        found.sumSq =
+            static_cast<double>(static_cast<std::int64_t>(squares) + 2 * kShift * sum + count * kShift * kShift);
+        found.zeros = static_cast<double>(zeros);
+        return found;
+    }
+};
 /// 8-bit samples have 256 answers, whatever the range.
 [[nodiscard]] inline ByteTable MakeTable(Range const &range) {
     ByteTable table{};

@@ -2,6 +2,9 @@
 
 #if defined(__x86_64__)
 
+#include <array>
+#include <limits>
+#include <numeric>
 #include <type_traits>
 
 #include <immintrin.h>
@@ -100,6 +103,55 @@ ZELVAR_AVX2 inline std::uint64_t SumOf64(__m256i v) {
            static_cast<std::uint64_t>(v[3]);
 }
 
+ZELVAR_AVX2 inline std::int64_t SumOfSigned32(__m256i v) {
+    std::array<int, 8> lanes;
+    __builtin_memcpy(lanes.data(), &v, sizeof v);
+    return std::accumulate(lanes.begin(), lanes.end(), std::int64_t{0});
+}
+
+/// Sums of whole numbers, shifted to where signed ones lie.
+template <class Sample>
+ZELVAR_AVX2 Statistics GatherShorts(Sample const *samples, std::size_t count) {
+    constexpr std::size_t kBlock = std::size_t{16} * 16'384; // what the lanes of 16 and 32 bits can add up
+    __m256i const none = _mm256_setzero_si256();
+    __m256i const ones = _mm256_set1_epi16(1);
+    __m256i const shift = _mm256_set1_epi16(std::is_signed_v<Sample> ? 0 : std::numeric_limits<short>::min());
+    __m256i const low32 = _mm256_set1_epi64x(0xFFFFFFFF);
+    ShortSums<Sample> sums;
+    __m256i min = _mm256_set1_epi16(std::numeric_limits<short>::max());
+    __m256i max = _mm256_set1_epi16(std::numeric_limits<short>::min());
+    __m256i squares = none;
+    std::size_t i = 0;
+    while (i + 16 <= count) {
+        __m256i sum = none;
+        __m256i zeros = none;
+        std::size_t const end = count - i < kBlock ? count : i + kBlock;
+        for (; i + 16 <= end; i += 16) {
+            __m256i const v = _mm256_xor_si256(LoadRaw<__m256i>(samples + i), shift);
+            min = _mm256_min_epi16(min, v);
+            max = _mm256_max_epi16(max, v);
+            sum = _mm256_add_epi32(sum, _mm256_madd_epi16(v, ones));
+            zeros = _mm256_sub_epi16(zeros, _mm256_cmpeq_epi16(v, shift));
+            __m256i const pairs = _mm256_madd_epi16(v, v); // up to 2^31, without a sign
+            squares = _mm256_add_epi64(squares, _mm256_and_si256(pairs, low32));
+            squares = _mm256_add_epi64(squares, _mm256_srli_epi64(pairs, 32));
+        }
+        sums.sum += SumOfSigned32(sum);
+        sums.zeros += SumOfSigned32(_mm256_madd_epi16(zeros, ones));
+    }
+    sums.squares = SumOf64(squares);
+    sums.count = static_cast<std::int64_t>(i);
+    std::array<short, 16> mins;
+    std::array<short, 16> maxs;
+    __builtin_memcpy(mins.data(), &min, sizeof min);
+    __builtin_memcpy(maxs.data(), &max, sizeof max);
+    for (std::size_t k = 0; k < 16; ++k)
+        sums.Widen(mins[k], maxs[k]);
+    Statistics found = sums.Found();
+    GatherTail(samples + i, count - i, found);
+    return found;
+}
+
 ZELVAR_AVX2 Statistics GatherBytes(std::uint8_t const *samples, std::size_t count) {
     constexpr std::size_t kBlock = std::size_t{32} * 4096; // squares of that many samples fit into the 32-bit lanes
     __m256i const none = _mm256_setzero_si256();
@@ -171,6 +223,8 @@ template <class Sample>
 Kernel<Sample> Avx2Kernel() {
     if constexpr (std::is_same_v<Sample, std::uint8_t>)
         return {&GatherBytes, &MapBytes};
+    else if constexpr (sizeof(Sample) == 2)
+        return {&GatherShorts<Sample>, &Map<Sample>};
     else
         return {&Gather<Sample>, &Map<Sample>};
 }
