@@ -6,8 +6,10 @@
 #include <charconv>
 #include <cmath>
 #include <functional>
+#include <future>
 #include <limits>
 #include <span>
+#include <system_error>
 #include <type_traits>
 #include <vector>
 
@@ -19,7 +21,8 @@ constexpr std::size_t kStripSamples = std::size_t{1} << 21U;
 
 bool IsStopped(StopSignal const *stop) { return stop != nullptr && stop->load(std::memory_order_relaxed); }
 
-/// A channel that is read from its first row to its last.
+/// A channel that is read from its first row to its last. What was read is used on another thread while the next part
+/// is read.
 template <class Sample>
 class Channel {
 public:
@@ -28,9 +31,11 @@ public:
           m_width(image.Driver().GetChnlSizeX(image.Handle(), channel)),
           m_height(image.Driver().GetChnlSizeY(image.Handle(), channel)) {}
 
+    /// `use` is called for one part after the other.
     [[nodiscard]] bool Read(std::function<void(std::span<Sample const>)> const &use) {
         if (m_width < 1 || m_height < 1)
             return false;
+        std::future<void> used; // ends before what it works on
         // A row of a strange image may be wider than a strip: it is read in pieces.
         int const columns = static_cast<int>(std::min<std::size_t>(static_cast<std::size_t>(m_width), kStripSamples));
         int const rows = std::max(1, static_cast<int>(kStripSamples / static_cast<std::size_t>(columns)));
@@ -39,7 +44,9 @@ public:
                 if (!ReadPart(x, y, std::min(columns, m_width - x), std::min(rows, m_height - y)))
                     return false;
                 else
-                    use(m_samples);
+                    UseMeanwhile(use, used);
+        if (used.valid())
+            used.get();
         return true;
     }
 
@@ -51,12 +58,25 @@ private:
                                                width, height, RDIDriver::AsStored, false, false);
     }
 
+    void UseMeanwhile(std::function<void(std::span<Sample const>)> const &use, std::future<void> &used) {
+        if (used.valid())
+            used.get();
+        m_samples.swap(m_used);
+        auto const work = [this, &use] { use(m_used); };
+        try {
+            used = std::async(std::launch::async, work);
+        } catch (std::system_error const &) {
+            work(); // the system has no thread to give
+        }
+    }
+
     OpenImage const &m_image;
     int m_channel;
     StopSignal const *m_stop;
     int m_width;
     int m_height;
     std::vector<Sample> m_samples;
+    std::vector<Sample> m_used; ///< by the other thread
 };
 
 /// How often each value of a narrow type occurs: one slot a value.

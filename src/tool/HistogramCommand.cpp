@@ -1,5 +1,6 @@
 #include "zelvar/charts/CHstgCtrl.h"
 #include "zelvar/data/HistogramReader.h"
+#include "zelvar/data/reader/DriverModule.h"
 #include "zelvar/data/tables/ADIFile.h"
 #include "zelvar/library/ZelvarInit.h"
 #include "zelvar/tool/ChartWindow.h"
@@ -81,6 +82,7 @@ int RunHistogram(std::vector<DString> const &words, int &argc, char **argv) {
         PrepareWindows(*arguments);
     }
     ZelvarInit();
+    WarmReaders(); // the one that lists formats and the one that reads start at the same time
     DHstg histogram;
     DString reason;
     DString const &file = arguments->words.front();
