@@ -5,6 +5,7 @@
 #include "zelvar/data/gdal/SliceGrid.h"
 #include "zelvar/data/gdal/Source.h"
 
+#include <cpl_conv.h>
 #include <cpl_multiproc.h>
 #include <gdal.h>
 
@@ -22,12 +23,19 @@ namespace {
 
 constexpr int kMostChannels = 65536;
 constexpr int kMostThreads = 8;
+constexpr double kLargeWindow = 1e6; // pixels
+constexpr char const *kPastTheCache = "GTIFF_DIRECT_IO";
+
+/// How the format reads large windows faster than block by block through its cache. Small ones are read as usual, as
+/// are blocks that are decoded in no time.
+enum class Bulk { None, OnThreads, PastTheCache };
 
 /// What a handle of this family points to. It stays on the thread that opened it.
 struct Image {
     DatasetPtr dataset;
-    std::optional<DatasetPtr> threaded; ///< the same, see `Threaded`; null where that is of no use
     Source source;
+    std::optional<Bulk> bulk; ///< once it was asked for
+    DatasetPtr bulkDataset;   ///< the same as `dataset`; null where another way of reading is of no use
     Format const *format = nullptr;
     Reach reach = Reach::Local;
     StopSignal const *stop = nullptr; ///< not owned, may be null
@@ -42,9 +50,8 @@ struct Image {
     [[nodiscard]] GDALRasterBandH Band(int channel, int slice, int frame) const {
         return GDALGetRasterBand(Raw(dataset), grid.BandOf(channel, slice, frame));
     }
-    /// The data set whose blocks are decoded on all processors where many are read at once, or the usual one: for
-    /// blocks that are decoded in no time it would be slower.
-    [[nodiscard]] DatasetPtr const &Threaded();
+    /// The data set to read large windows of, at full size.
+    [[nodiscard]] DatasetPtr const &ForBulk(bool inWholeBlocks);
 };
 
 /// Bytes of a channel's result; none for a size that is refused anyway.
@@ -53,34 +60,47 @@ std::size_t PlaneSize(RDIDataType type, Window const &window) {
            static_cast<std::size_t>(std::max(window.outHeight, 0)) * static_cast<std::size_t>(RDIGetDTSize(type));
 }
 
-bool DecodesSlowBlocks(Image const &image) {
-    if (image.format->id != "GTiff" || image.reach != Reach::Local ||
-        GDALGetMetadataItem(Raw(image.dataset), "COMPRESSION", "IMAGE_STRUCTURE") == nullptr)
-        return false;
+Bulk BulkOf(Image const &image) {
+    if (image.format->id != "GTiff" || image.reach != Reach::Local)
+        return Bulk::None;
     constexpr std::int64_t kLeast = 64'000; // bytes; a thread is told of each block
     GDALRasterBandH const band = GDALGetRasterBand(Raw(image.dataset), 1);
     int width = 0;
     int height = 0;
     GDALGetBlockSize(band, &width, &height);
-    return std::int64_t{width} * height * GDALGetDataTypeSizeBytes(GDALGetRasterDataType(band)) >= kLeast;
+    if (GDALGetMetadataItem(Raw(image.dataset), "COMPRESSION", "IMAGE_STRUCTURE") == nullptr)
+        return width == GDALGetRasterBandXSize(band) ? Bulk::PastTheCache : Bulk::None;
+    bool const isSlow = std::int64_t{width} * height * GDALGetDataTypeSizeBytes(GDALGetRasterDataType(band)) >= kLeast;
+    return isSlow && CPLGetNumCPUs() > 1 ? Bulk::OnThreads : Bulk::None;
 }
 
-DatasetPtr const &Image::Threaded() {
-    if (!threaded) {
-        threaded.emplace();
-        int const threads = std::min(CPLGetNumCPUs(), kMostThreads);
-        if (threads > 1 && DecodesSlowBlocks(*this)) {
-            Source more = source;
-            more.options.emplace_back("NUM_THREADS", std::to_string(threads));
-            threaded = Open(more, GDAL_OF_RASTER, format, nullptr).dataset;
-        }
-    }
+/// The same data set, opened for that; null for `Bulk::None`.
+DatasetPtr OpenForBulk(Image const &image, Bulk bulk) {
+    if (bulk == Bulk::None)
+        return nullptr;
+    Source source = image.source;
+    if (bulk == Bulk::OnThreads)
+        source.options.emplace_back("NUM_THREADS", std::to_string(std::min(CPLGetNumCPUs(), kMostThreads)));
+    else
+        CPLSetThreadLocalConfigOption(kPastTheCache, "YES");
+    DatasetPtr opened = Open(source, GDAL_OF_RASTER, image.format, nullptr).dataset;
+    CPLSetThreadLocalConfigOption(kPastTheCache, nullptr);
     // The file may be another one by now.
-    bool const isSame = *threaded != nullptr &&
-                        GDALGetRasterXSize(Raw(*threaded)) == GDALGetRasterXSize(Raw(dataset)) &&
-                        GDALGetRasterYSize(Raw(*threaded)) == GDALGetRasterYSize(Raw(dataset)) &&
-                        GDALGetRasterCount(Raw(*threaded)) == GDALGetRasterCount(Raw(dataset));
-    return isSame ? *threaded : dataset;
+    bool const isSame = opened != nullptr &&
+                        GDALGetRasterXSize(Raw(opened)) == GDALGetRasterXSize(Raw(image.dataset)) &&
+                        GDALGetRasterYSize(Raw(opened)) == GDALGetRasterYSize(Raw(image.dataset)) &&
+                        GDALGetRasterCount(Raw(opened)) == GDALGetRasterCount(Raw(image.dataset));
+    return isSame ? std::move(opened) : nullptr;
+}
+
+DatasetPtr const &Image::ForBulk(bool inWholeBlocks) {
+    if (!bulk) {
+        bulk = BulkOf(*this);
+        bulkDataset = OpenForBulk(*this, *bulk);
+    }
+    // A block that is read in parts is decoded once from the cache, and again and again past it.
+    bool const isOfUse = bulkDataset != nullptr && (inWholeBlocks || *bulk == Bulk::PastTheCache);
+    return isOfUse ? bulkDataset : dataset;
 }
 
 Image &Of(void *handle) { return *static_cast<Image *>(handle); }
@@ -226,10 +246,13 @@ bool RasterDriver::ReadChannelsRsmpl(void *handle, int channel, int count, doubl
                               .stop = image.stop};
     RDIDataType const type = DeliveredType(bands.front());
     try {
-        constexpr double kManySamples = 4e6;
-        if (width * height >= kManySamples && (resampling == Bilinear || resampling == Cubic))
+        bool const isMixed = resampling == Bilinear || resampling == Cubic;
+        bool const isWhole = width == outWidth && height == outHeight && x == std::floor(x) && y == std::floor(y);
+        double const ratio = std::min(width / outWidth, height / outHeight);
+        bool const isReduced = usePyramid && LevelFor(bands.front(), ratio) != bands.front();
+        if (width * height >= kLargeWindow && (isMixed || isWhole) && !isReduced)
             for (BandHandle &band : bands)
-                band = GDALGetRasterBand(Raw(image.Threaded()), GDALGetBandNumber(band));
+                band = GDALGetRasterBand(Raw(image.ForBulk(isMixed)), GDALGetBandNumber(band));
         if (image.grid.Frames() == 1 && image.grid.Slices() == 1)
             return ReadWindows(bands, type, request, buffer);
         auto *plane = static_cast<unsigned char *>(buffer);
