@@ -31,8 +31,8 @@ constexpr GDALDataType kGdalType<float> = GDT_Float32;
 
 int GoOn(double, char const *, void *stop) { return IsStopped(static_cast<StopSignal const *>(stop)) ? FALSE : TRUE; }
 
-bool Transfer(GDALRasterBandH band, Window const &window, Reduction reduction, GDALDataType type, void *buffer,
-              StopSignal const *stop) {
+bool TransferAtOnce(GDALRasterBandH band, Window const &window, Reduction reduction, GDALDataType type, void *buffer,
+                    StopSignal const *stop) {
     GDALRasterIOExtraArg extra;
     INIT_RASTERIO_EXTRA_ARG(extra);
     extra.eResampleAlg = reduction == Reduction::Average ? GRIORA_Average : GRIORA_NearestNeighbour;
@@ -49,6 +49,40 @@ bool Transfer(GDALRasterBandH band, Window const &window, Reduction reduction, G
     int const bottom = std::min(static_cast<int>(std::ceil(window.y + window.height)), GDALGetRasterBandYSize(band));
     return GDALRasterIOEx(band, GF_Read, left, top, std::max(right - left, 1), std::max(bottom - top, 1), buffer,
                           window.outWidth, window.outHeight, type, 0, 0, &extra) == CE_None;
+}
+
+/// How many rows are read by one call: not every format polls while it reads at full size. All of them where a row of
+/// blocks is higher, which might be decoded anew by each call.
+int RowsAtOnce(GDALRasterBandH band, Window const &window, GDALDataType type) {
+    constexpr std::int64_t kBytesAtOnce = std::int64_t{16} << 20U;
+    if (window.outWidth != window.width || window.outHeight != window.height)
+        return window.outHeight;
+    int blockWidth = 0;
+    int blockHeight = 0;
+    GDALGetBlockSize(band, &blockWidth, &blockHeight);
+    std::int64_t const rows = kBytesAtOnce / (std::int64_t{window.outWidth} * GDALGetDataTypeSizeBytes(type));
+    return rows < std::max(blockHeight, 1) ? window.outHeight
+                                           : static_cast<int>(std::min<std::int64_t>(rows, window.outHeight));
+}
+
+bool Transfer(GDALRasterBandH band, Window const &window, Reduction reduction, GDALDataType type, void *buffer,
+              StopSignal const *stop) {
+    int const rows = RowsAtOnce(band, window, type);
+    if (rows == window.outHeight)
+        return TransferAtOnce(band, window, reduction, type, buffer, stop);
+    std::size_t const rowBytes =
+        static_cast<std::size_t>(window.outWidth) * static_cast<std::size_t>(GDALGetDataTypeSizeBytes(type));
+    auto *out = static_cast<unsigned char *>(buffer);
+    for (int top = 0; top < window.outHeight; top += rows) {
+        Window part = window;
+        part.y += top;
+        part.outHeight = std::min(rows, window.outHeight - top);
+        part.height = part.outHeight;
+        if (IsStopped(stop) ||
+            !TransferAtOnce(band, part, reduction, type, out + static_cast<std::size_t>(top) * rowBytes, stop))
+            return false;
+    }
+    return true;
 }
 
 /// The samples of one result of `Transfer`, made of those of another.

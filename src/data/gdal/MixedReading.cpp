@@ -85,7 +85,7 @@ void Mix(RowResampler<Sample> &resampler, Strip<Sample> &strip, int rows, Resamp
 bool CanBeReadTogether(std::vector<BandHandle> const &bands) {
     BandHandle first = bands.front();
     return bands.size() == 1 || std::all_of(bands.begin(), bands.end(), [&](BandHandle band) {
-               GDALDatasetH const dataset = GDALGetBandDataset(band);
+               GDALDatasetH dataset = GDALGetBandDataset(band);
                // Levels of some formats say that they are bands of the whole image.
                return !IsConverted(band) && dataset != nullptr && dataset == GDALGetBandDataset(first) &&
                       GDALGetRasterBand(dataset, GDALGetBandNumber(band)) == band &&

@@ -64,7 +64,7 @@ Bulk BulkOf(Image const &image) {
     if (image.format->id != "GTiff" || image.reach != Reach::Local)
         return Bulk::None;
     constexpr std::int64_t kLeast = 64'000; // bytes; a thread is told of each block
-    GDALRasterBandH const band = GDALGetRasterBand(Raw(image.dataset), 1);
+    GDALRasterBandH band = GDALGetRasterBand(Raw(image.dataset), 1);
     int width = 0;
     int height = 0;
     GDALGetBlockSize(band, &width, &height);
