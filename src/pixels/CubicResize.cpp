@@ -67,7 +67,7 @@ public:
           m_narrowed(kColumnsTogether * kChannels * mix::kRows) {}
 
     void Make(std::size_t begin, std::size_t end, DCanvas &target) {
-        std::size_t const stop = static_cast<std::size_t>(m_rows.End(end - 1));
+        auto const stop = static_cast<std::size_t>(m_rows.End(end - 1));
         auto ready = static_cast<std::size_t>(m_rows.first[begin]);
         for (std::size_t y = begin; y < end; ++y) {
             for (; ready < static_cast<std::size_t>(m_rows.End(y)); ready = std::min(ready + mix::kRows, stop))
