@@ -112,6 +112,26 @@ TEST_F(Command, InfoPrintsPropertiesAndWritesThePreview) {
     EXPECT_EQ(test::ReadFile(folder / "p.png").substr(1, 23).replace(3, 12, ""),
               std::string("PNG\0\0\0\x3c\0\0\0\x1e", 11))
         << "60 x 30";
+    // No larger than the image, and its bytes as they are, however many parts they are written in and however the file
+    // is called.
+    for (int const height : {1, 300}) {
+        auto const sample = [](int channel, int x, int y) { return (x * x + y * 37 + channel * 99) & 255; };
+        test::WriteImage(folder / "colors.tif", {.width = 500, .height = height, .channels = 3, .sample = sample});
+        DString const path = folder / "c\xff.png";
+        ASSERT_EQ(Zelvar({"info", folder / "colors.tif", "--preview", path}).exitCode, 0);
+        GDALDatasetH const picture = GDALOpen(path.c_str(), GA_ReadOnly);
+        ASSERT_NE(picture, nullptr);
+        for (int channel = 0; channel < 3; ++channel)
+            for (int y = 0; y < height; ++y) {
+                std::vector<unsigned char> row(500);
+                ASSERT_EQ(GDALRasterIO(GDALGetRasterBand(picture, channel + 1), GF_Read, 0, y, 500, 1, row.data(), 500,
+                                       1, GDT_Byte, 0, 0),
+                          CE_None);
+                for (int x = 0; x < 500; ++x)
+                    ASSERT_EQ(row[static_cast<std::size_t>(x)], sample(channel, x, y)) << x << ' ' << y;
+            }
+        GDALClose(picture);
+    }
     Outcome const plain = Zelvar({"info", folder / "notes.txt", "--preview", folder / "q.png"});
     EXPECT_EQ(plain.exitCode, 0);
     EXPECT_THAT(plain.out, HasSubstr("Preview is not available\n"));
