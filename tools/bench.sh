@@ -8,6 +8,7 @@ export ZELVAR_SETTINGS=$scratch/settings.db ZELVAR_DEFINITIONS_DIR=$scratch/defi
 mkdir "$scratch/empty" "$scratch/definitions"
 build/release/bench/zelvar_bench_core "$@"
 build/release/bench/zelvar_bench_gui "$@"
+build/release/bench/zelvar_bench_images "$@"
 build/release/bench/zelvar_bench_reader "$@"
 build/release/bench/zelvar_bench_dialogs "$@"
 
