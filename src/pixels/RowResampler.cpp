@@ -130,6 +130,7 @@ void RowResampler<Sample>::AddRow(Sample const *samples, std::uint8_t const *mas
     int const place = m_added++ % m_rows.reduction;
     if (place == 0)
         m_isValid = true;
+    m_hasMask = m_hasMask || mask != nullptr;
     Real *const sums = Sums();
     bool const isValid = AreValid(samples, mask);
     if (!isValid && m_isValid) {
@@ -183,8 +184,7 @@ template <class Sample>
 void RowResampler<Sample>::EndAverage() {
     std::size_t const row = static_cast<std::size_t>(m_averaged) % m_depth;
     Real *const values = m_averages.Row(row);
-    bool const isNarrowed = m_columns.reduction > 1;
-    if (isNarrowed)
+    if (m_columns.reduction > 1)
         NarrowAverage(m_sums, values);
     m_isRowValid[row] = m_isValid;
     if (m_isValid) {
@@ -195,24 +195,30 @@ void RowResampler<Sample>::EndAverage() {
         for (std::size_t i = m_length - static_cast<std::size_t>(m_area.channels); i < m_length; ++i)
             values[i] *= static_cast<Real>(m_columns.reduction) / static_cast<Real>(inLast);
     } else {
-        if (m_validity.IsEmpty()) {
-            m_validity = Rows(m_depth, m_length);
-            m_ones.assign(m_length, Real{1});
-        }
-        Real *const validity = m_validity.Row(row);
-        if (isNarrowed)
-            NarrowAverage(m_counts, validity);
-        else
-            std::copy(m_counts.begin(), m_counts.end(), validity);
-        for (std::size_t i = 0; i < m_length; ++i) {
-            bool const counts = validity[i] > 0;
-            values[i] /= counts ? validity[i] : Real{1};
-            validity[i] = counts ? Real{1} : Real{0};
-        }
+        EndInvalidAverage(row, values);
     }
     ++m_averaged;
     while (m_mixed < m_rows.taps.Size() && m_rows.taps.End(m_mixed) <= m_averaged)
         MixRow();
+}
+
+template <class Sample>
+void RowResampler<Sample>::EndInvalidAverage(std::size_t row, Real *values) {
+    if (m_validity.IsEmpty()) {
+        m_validity = Rows(m_depth, m_length);
+        m_ones.assign(m_length, Real{1});
+    }
+    Real *const validity = m_validity.Row(row);
+    if (m_columns.reduction > 1)
+        NarrowAverage(m_counts, validity);
+    else
+        std::copy(m_counts.begin(), m_counts.end(), validity);
+    for (std::size_t i = 0; i < m_length; ++i) {
+        bool const counts = validity[i] > 0;
+        values[i] /= counts ? validity[i] : Real{1};
+        validity[i] = counts ? Real{1} : Real{0};
+    }
+    m_isRowValid[row] = m_hasMask; // what is left out is 0 then, and counts
 }
 
 template <class Sample>

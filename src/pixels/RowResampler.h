@@ -29,15 +29,16 @@ enum class MixingKernel { Bilinear, Cubic };
 /// widened when the window is reduced; what lies outside the picture does not count. Where the window is reduced to
 /// less than half, whole rows, and beyond that columns, are averaged first.
 ///
-/// Samples equal to `nodata` (NaN for none), NaN, infinities and those under a mask do not count either: where the
-/// nearest one is such, the result is 0.
+/// Samples equal to `nodata` (NaN for none), NaN and infinities do not count either: where the nearest one is such, the
+/// result is 0. Where there are masks, averages are made of what counts and are 0 where nothing does, so that edges
+/// stay soft.
 template <class Sample>
 class RowResampler {
 public:
     /// The results go to `out`, one plane of `outWidth` * `outHeight` samples a channel, as they get ready: all are
     /// there with the last row.
     RowResampler(ResampleArea const &area, MixingKernel kernel, double nodata, Sample *out);
-    /// The next row. `mask` has a byte a pixel, 0 for one that does not count; null where all do.
+    /// The next row. `mask` has a byte a pixel, 0 for one that is left out; null for none.
     void AddRow(Sample const *samples, std::uint8_t const *mask = nullptr);
 
 private:
@@ -55,6 +56,7 @@ private:
     void AddInvalid(Sample const *samples, std::uint8_t const *mask, Real *sums);
     [[nodiscard]] Real *Sums();
     void EndAverage();
+    void EndInvalidAverage(std::size_t row, Real *values);
     void NarrowAverage(Row const &sums, Real *to) const;
     void MixRow();
     void PickNearest(Real *to) const;
@@ -76,6 +78,7 @@ private:
     int m_added = 0;    ///< rows of the picture
     int m_averaged = 0; ///< rows of averages
     bool m_isValid = true;
+    bool m_hasMask = false;
     Row m_sums;                     ///< of the rows that are averaged now; empty where these go to `m_averages` at once
     Row m_counts;                   ///< of the samples in them that count, where some do not
     std::size_t m_depth = 0;        ///< rows of averages that are kept, the last ones
