@@ -83,7 +83,8 @@ TEST_F(Readers, ProbesAheadFindTheContainersAmongManyFilesAndTheOneThatCrashes) 
         for (int i = 0; i < 300; ++i)
             paths.push_back(Write("f" + std::to_string(i), i % 7 == 0 ? "members 2\n" : i == 150 ? bad : "width 3\n"));
         RequestScope const listing(RequestKind::List);
-        ProbeAhead const ahead(paths, {});
+        ProbeAhead ahead(paths, {});
+        ahead.Wait();
         for (std::size_t i = 0; i < paths.size(); ++i) {
             RequestScope const probe(RequestKind::Probe);
             EXPECT_EQ(driver->CanReadPath(paths[i]), i % 7 == 0) << i;
