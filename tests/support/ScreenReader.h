@@ -7,6 +7,21 @@
 
 namespace zelvar::test {
 
+/// The states that hold of a part: "selectable selected focusable".
+inline std::string StatesOf(QAccessibleInterface const *part) {
+    QAccessible::State const is = part->state();
+    std::pair<bool, char const *> const words[] = {
+        {is.invalid, " invalid"},       {is.disabled, " disabled"}, {is.selectable, " selectable"},
+        {is.extSelectable, " multi"},   {is.selected, " selected"}, {is.focusable, " focusable"},
+        {is.focused, " focused"},       {is.active, " active"},     {is.readOnly, " fixed"},
+        {is.expandable, " expandable"}, {is.expanded, " expanded"}, {is.offscreen, " offscreen"},
+        {is.invisible, " invisible"}};
+    std::string states;
+    for (auto const &[holds, word] : words)
+        states += holds ? word + static_cast<int>(states.empty()) : "";
+    return states;
+}
+
 /// Hears what our controls tell screen readers while it lives: "focus row 3", "value 10", "words first: x 20".
 class ScreenReader : Pinned {
 public:

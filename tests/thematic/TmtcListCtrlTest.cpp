@@ -192,6 +192,10 @@ TEST(TmtcListCtrl, TheNextRemoveButtonLightsUpAfterARemoval) {
     EXPECT_EQ(stage.list.GetSlctElmt(), nullptr); // no neighbour takes the selection
     stage.list.OnRmvItem(stage.group, stage.c);   // behind its group there is an empty one
     EXPECT_EQ(stage.group->GetNumItem(), 1);
+    ListStage other;
+    other.list.Rmv(other.empty);
+    other.list.OnRmvItem(other.group, other.c);
+    EXPECT_EQ(other.single->RemoveButton().GetState(), ThematicButtonBase::kHovered) << "past the end of its group";
     stage.list.OnRmvItem(stage.group, stage.b);
     EXPECT_EQ(stage.group->GetNumItem(), 0);
     stage.list.OnRmvItem(stage.group, nullptr);
@@ -278,8 +282,6 @@ TEST(TmtcListCtrl, ScreenReadersSeeAndWorkIt) {
     QAccessibleInterface *const group = list->child(0);
     EXPECT_TRUE(group->role() == QAccessible::Grouping && list->indexOfChild(group) == 0);
     EXPECT_EQ(list->child(1)->text(QAccessible::Description), "Add E...");
-    EXPECT_TRUE(group->state().expanded);
-    EXPECT_FALSE(list->child(1)->state().expandable);
     ASSERT_EQ(group->childCount(), 4); // and the button that adds
     QAccessibleInterface *const a = group->child(0);
     EXPECT_EQ(a->text(QAccessible::Name), "a");
@@ -288,13 +290,25 @@ TEST(TmtcListCtrl, ScreenReadersSeeAndWorkIt) {
     EXPECT_EQ(group->indexOfChild(a), 0);
     EXPECT_EQ(group->actionInterface()->actionNames(), QStringList{"Add"});
     a->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
-    EXPECT_TRUE(a->state().selected);
-    EXPECT_TRUE(a->child(0)->state().disabled); // it cannot move up
+    using test::StatesOf;
+    EXPECT_EQ(StatesOf(a), "selectable selected");
+    EXPECT_EQ(StatesOf(list->child(2)), "selectable");
+    EXPECT_EQ(StatesOf(group), "expandable expanded");
+    EXPECT_EQ(StatesOf(list->child(1)), "");
+    EXPECT_EQ(StatesOf(a->child(0)) + "|" + StatesOf(a->child(1)), "disabled|") << "it cannot move up";
+    stage->list.SetKeyboardControl(true);
+    stage->list.SetEnblGrpSlct(true);
+    stage->a->SetVisible(false);
+    EXPECT_EQ(StatesOf(a), "selectable selected focusable offscreen invisible");
+    stage->a->SetVisible(true);
+    stage->list.setEnabled(false);
+    EXPECT_EQ(StatesOf(group) + StatesOf(a->child(1)), "disabled selectable focusable expandable expandeddisabled");
+    stage->list.setEnabled(true);
     EXPECT_EQ(a->child(1)->text(QAccessible::Name), "Move down");
     EXPECT_EQ(a->child(1)->parent(), a);
     a->child(1)->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
     EXPECT_EQ(stage->group->Get(1), stage->a);
-    EXPECT_TRUE(group->child(2)->state().readOnly);
+    EXPECT_EQ(StatesOf(group->child(2)), "selectable focusable fixed");
     EXPECT_EQ(group->child(2)->childCount(), 0);
     QAccessibleInterface *const link = list->child(1)->child(1);
     EXPECT_EQ(link->role(), QAccessible::Link);
@@ -308,6 +322,10 @@ TEST(TmtcListCtrl, ScreenReadersSeeAndWorkIt) {
     a->actionInterface()->doAction("Remove");
     EXPECT_FALSE(a->isValid());
     EXPECT_EQ(group->childCount(), 3);
+    QAccessible::Id const part = QAccessible::uniqueId(group);
+    QAccessible::deleteAccessibleInterface(QAccessible::uniqueId(list));
+    EXPECT_EQ(QAccessible::accessibleInterface(part), nullptr) << "the parts go with the whole";
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(&stage->list)->childCount(), 3);
     stage.reset(); // nothing asks what is gone
 }
 
@@ -332,6 +350,10 @@ TEST(TmtcListCtrl, ScreenReadersHearWhatChanges) {
     QCoreApplication::processEvents();
     EXPECT_EQ(reader.Take(), (Texts{"select a", "gone a", "new a", "focus a", "gone c", "deselect a", "gone a", "new c",
                                     "new a", "select a", "deselect a", "gone a", "focus Thematic List Control"}));
+    stage.list.Select(stage.c);
+    stage.empty->RmvItem(stage.c, true);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(reader.Take(), (Texts{"select c", "deselect c", "gone c", "focus Thematic List Control"}));
 }
 
 } // namespace

@@ -8,6 +8,7 @@ namespace {
 
 using test::FillStored;
 using test::Stage;
+using test::StatesOf;
 using test::TellingView;
 
 struct Accessible : testing::Test {
@@ -35,12 +36,26 @@ TEST_F(Accessible, ATableHasRowsOfCellsWithNamesAndPlaces) {
     EXPECT_EQ(cell->text(QAccessible::Name), QStringLiteral("700 KB"));
     EXPECT_EQ(cell->parent(), row);
     EXPECT_EQ(row->child(1), cell);
+    EXPECT_EQ(row->indexOfChild(cell), 1);
+    for (QAccessibleInterface const *other : {cell, QAccessible::queryAccessibleInterface(view.viewport())})
+        EXPECT_EQ(table.indexOfChild(other), -1) << "a part of a part, or what has no open field in it";
     EXPECT_EQ(cell->tableCellInterface()->rowIndex(), 7);
     EXPECT_EQ(table.tableInterface()->columnDescription(1), QStringLiteral("Size"));
     QPoint const at = view.viewport()->mapToGlobal(stage.Middle(7, 1));
-    EXPECT_TRUE(cell->rect().contains(at));
+    EXPECT_EQ(cell->rect().center(), at - QPoint(1, 1));
+    EXPECT_EQ(row->rect().width(), view.ColumnsWidth());
     EXPECT_EQ(table.childAt(at.x(), at.y()), row);
-    EXPECT_TRUE(table.child(49)->state().offscreen && !row->state().offscreen);
+    EXPECT_EQ(row->childAt(at.x(), at.y()), cell);
+    EXPECT_EQ(table.child(6)->childAt(at.x(), at.y()), nullptr);
+    EXPECT_EQ(StatesOf(table.child(49)), "selectable multi focusable offscreen invisible");
+    QAccessibleInterface *const heading = table.child(50);
+    for (auto const &[part, states] :
+         {std::pair{row, "selectable multi focusable"}, {cell, "selectable multi"}, {heading, ""}})
+        EXPECT_EQ(StatesOf(part), states);
+    view.setEnabled(false);
+    EXPECT_EQ(StatesOf(row) + StatesOf(heading), "disabled selectable multi focusabledisabled");
+    view.DeleteAllItems();
+    EXPECT_EQ(StatesOf(row), "invalid");
 }
 
 TEST_F(Accessible, OneColumnIsAList) {
@@ -59,12 +74,20 @@ TEST_F(Accessible, StatesFollowTheSelectionAndRowsCanBeSelectedFromOutside) {
     stage.Click(4, Qt::ControlModifier);
     QAccessibleTableInterface &table = *Table().tableInterface();
     EXPECT_EQ(table.selectedRows(), (QList<int>{2, 4}));
-    EXPECT_TRUE(Table().child(2)->state().selected && !Table().child(2)->state().focused);
-    EXPECT_TRUE(Table().child(4)->state().focused);
+    EXPECT_EQ(std::pair(table.selectedRowCount(), table.selectedCellCount()), std::pair(2, 6));
+    EXPECT_EQ(table.selectedCells().size(), 6);
+    EXPECT_EQ(table.selectedCells()[4], table.cellAt(4, 1));
+    EXPECT_EQ(StatesOf(Table().child(2)), "selectable multi selected focusable");
+    EXPECT_EQ(StatesOf(Table().child(4)), "selectable multi selected focusable focused active");
+    EXPECT_EQ(StatesOf(table.cellAt(4, 0)), "selectable multi selected active");
     EXPECT_EQ(Table().focusChild(), Table().child(4));
     EXPECT_TRUE(table.selectRow(6) && table.unselectRow(2));
     EXPECT_EQ(stage.Selected(), "4 6");
-    EXPECT_FALSE(table.selectRow(50));
+    EXPECT_FALSE(table.selectRow(50) || table.selectRow(-1) || table.unselectRow(-1));
+    view.clearFocus();
+    EXPECT_EQ(StatesOf(Table().child(4)), "selectable multi selected focusable active");
+    view.ModifyStyle(0, LVS_SINGLESEL);
+    EXPECT_EQ(StatesOf(Table().child(5)), "selectable focusable");
 }
 
 TEST_F(Accessible, HeadingsAndAnOpenFieldStandBehindTheRows) {

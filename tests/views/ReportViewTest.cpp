@@ -86,13 +86,16 @@ TEST(ReportView, TheKeyboardReachesEverything) {
     EXPECT_EQ(stage.Selected(), "1") << "no key selects two";
 }
 
-TEST(ReportView, ReturnEscapeAndTabAreLeftToTheDialog) {
+TEST(ReportView, KeysOfTheDialogAreLeftToItAndItsOwnAreNot) {
     TellingView view;
     FillStored(view, 3);
-    for (Qt::Key const key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Escape, Qt::Key_F5}) {
-        QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier);
+    test::Rows<Qt::Key, bool> const keys = {{Qt::Key_Return, false}, {Qt::Key_Enter, false}, {Qt::Key_Escape, false},
+                                            {Qt::Key_F5, false},     {Qt::Key_A, true},      {Qt::Key_Down, true},
+                                            {Qt::Key_Left, true},    {Qt::Key_Space, true}};
+    for (auto const &[key, isOwn] : keys) {
+        QKeyEvent event(QEvent::KeyPress, key, key == Qt::Key_A ? Qt::ControlModifier : Qt::NoModifier);
         QApplication::sendEvent(&view, &event);
-        EXPECT_FALSE(event.isAccepted()) << key;
+        EXPECT_EQ(event.isAccepted(), isOwn) << key;
     }
 }
 
@@ -114,6 +117,16 @@ TEST(ReportView, ClicksAreToldInOrder) {
     Stage stage(view);
     stage.Click(1);
     EXPECT_EQ(view.Take(), "row 1=3, click 1");
+    constexpr unsigned both = LVNI_FOCUSED | LVNI_SELECTED;
+    test::Rows<int, unsigned, int> const following = {{0, LVNI_FOCUSED, 1},
+                                                      {1, LVNI_FOCUSED, -1},
+                                                      {0, both, 1},
+                                                      {1, both, -1},
+                                                      {1, LVNI_SELECTED, -1},
+                                                      {3, 0, 4},
+                                                      {4, 0, -1}};
+    for (auto const &[from, flags, next] : following)
+        EXPECT_EQ(view.GetNextItem(from, flags), next) << from;
     QTest::mouseRelease(view.viewport(), Qt::LeftButton, {}, stage.Middle(1));
     EXPECT_EQ(view.Take(), "") << "no button had gone down";
     QTest::mousePress(view.viewport(), Qt::LeftButton, {}, stage.Middle(1));
@@ -210,11 +223,13 @@ TEST(ReportView, ColumnsMayBeReorderedAndFitTheirContent) {
     ASSERT_TRUE(view.SetColumnOrderArray({2, 0, 1}));
     EXPECT_FALSE(view.SetColumnOrderArray({2, 2, 1}));
     EXPECT_EQ(view.GetColumnOrderArray(), (std::vector<int>{2, 0, 1}));
-    view.SetItemText(1, 0, "the widest of all these names");
-    view.SetColumnWidth(0, LVSCW_AUTOSIZE);
-    int const width = view.GetColumnWidth(0);
-    EXPECT_GE(width, view.fontMetrics().horizontalAdvance(QStringLiteral("the widest of all these names")));
-    EXPECT_LT(width, 250);
+    for (int const row : {0, 2}) {
+        view.SetItemText(row, 0, "the widest of all these names");
+        view.SetColumnWidth(0, LVSCW_AUTOSIZE);
+        EXPECT_EQ(view.GetColumnWidth(0),
+                  view.fontMetrics().horizontalAdvance(QStringLiteral("the widest of all these names")) + 8);
+        view.SetItemText(row, 0, "short");
+    }
     view.SetColumnWidth(1, LVSCW_AUTOSIZE_USEHEADER);
     EXPECT_EQ(view.ColumnsWidth(), view.viewport()->width()) << "the last column takes the rest";
     EXPECT_EQ(view.horizontalScrollBar()->maximum(), 0);

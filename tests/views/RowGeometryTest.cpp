@@ -66,8 +66,10 @@ TEST(RowScroll, ABarCountsRowsOrWithGroupsPixels) {
     plain.SetRows(100);
     RowGeometry const grouped = Grouped();
     using Bar = std::array<std::int64_t, 4>; // step, page, last value, the content's top at value 5
-    test::Rows<RowGeometry const &, int, Bar> const bars = {
-        {plain, 35, {1, 3, 97, 50}}, {plain, 5, {1, 1, 100, 50}}, {grouped, 35, {10, 35, 55, 5}}};
+    test::Rows<RowGeometry const &, int, Bar> const bars = {{plain, 35, {1, 3, 97, 50}},
+                                                            {plain, 5, {1, 1, 100, 50}},
+                                                            {grouped, 35, {10, 35, 55, 5}},
+                                                            {grouped, 90, {10, 90, 0, 5}}};
     for (auto const &[geometry, height, bar] : bars) {
         RowScroll const scroll(geometry, height);
         EXPECT_EQ((Bar{scroll.Step(), scroll.Page(), scroll.Last(), scroll.ContentTop(5)}), bar);

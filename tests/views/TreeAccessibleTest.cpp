@@ -1,6 +1,5 @@
+#include "support/ScreenReader.h"
 #include "support/TreeStage.h"
-
-#include <QtGui/QAccessible>
 
 namespace zelvar {
 namespace {
@@ -23,19 +22,15 @@ TEST(TreeAccessible, AScreenReaderHearsNamesAndStatesOfItems) {
     auto const item = [&](int row) {
         QAccessibleInterface const &cell = *reader->tableInterface()->cellAt(row, 0);
         EXPECT_EQ(cell.role(), QAccessible::TreeItem);
-        QAccessible::State const state = cell.state();
-        return cell.text(QAccessible::Name).toStdString() + (state.selected ? ", selected" : "") +
-               (state.expanded     ? ", expanded"
-                : state.expandable ? ", expandable"
-                                   : "");
+        return cell.text(QAccessible::Name).toStdString() + ": " + test::StatesOf(&cell);
     };
-    EXPECT_EQ(item(0), "parent, selected, expandable");
-    EXPECT_EQ(item(1), "lazy, expandable") << "it is only marked";
+    EXPECT_EQ(item(0), "parent: selectable selected focusable focused expandable");
+    EXPECT_EQ(item(1), "lazy: selectable focusable expandable") << "it is only marked";
     tree.Expand(parent, TVE_EXPAND);
     QApplication::processEvents();
     EXPECT_EQ(reader->tableInterface()->rowCount(), 3);
-    EXPECT_EQ(item(0), "parent, selected, expanded");
-    EXPECT_EQ(item(1), "child");
+    EXPECT_EQ(item(0), "parent: selectable selected focusable focused expandable expanded");
+    EXPECT_EQ(item(1), "child: selectable focusable");
 }
 
 } // namespace

@@ -47,6 +47,7 @@ TEST(TreeNodes, RowsAndChildrenAgreeAfterRandomInsertionsAndRemovals) {
             TreeNode *const after = at == 0 ? nullptr : expected[static_cast<std::size_t>(at) - 1];
             expected.insert(expected.begin() + at, nodes.Insert(root, after));
         }
+        ASSERT_EQ(TreeNodes::RowOf(*expected.back()) + 1, root.ChildCount()) << "step " << step;
         if (step % 500 != 499)
             continue;
         ASSERT_EQ(root.ChildCount(), static_cast<int>(expected.size()));

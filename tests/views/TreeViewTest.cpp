@@ -4,6 +4,7 @@
 
 #include <QtGui/QAction>
 #include <QtGui/QContextMenuEvent>
+#include <QtTest/QAbstractItemModelTester>
 
 namespace zelvar {
 namespace {
@@ -20,6 +21,9 @@ public:
             expanding->veto = veto;
             if (fill && expanding->item->FirstChild() == nullptr)
                 InsertItem("filled", expanding->item);
+        });
+        connect(this, &TreeView::ItemExpanded, this, [this](HTREEITEM item, unsigned action) {
+            Tell((action == TVE_EXPAND ? "expanded " : "collapsed ") + item->text);
         });
         connect(this, &TreeView::SelChanged, this,
                 [this](TreeNode *former, TreeNode *now) { Tell(TextOf(former) + ">" + TextOf(now)); });
@@ -44,7 +48,10 @@ struct Family {
 
 TEST(TreeView, ItemsGoWhereTheyAreTold) {
     TreeView tree;
+    // Ends the program where rows, parents or what is kept of them do not agree.
+    QAbstractItemModelTester const agree(tree.model(), QAbstractItemModelTester::FailureReportingMode::Fatal);
     Family const family(tree);
+    tree.SelectItem(family.first);
     TreeNode *const head = tree.InsertItem("head", family.parent, TVI_FIRST);
     TreeNode *const middle = tree.InsertItem("middle", family.parent, family.first);
     TreeNode *const late = tree.InsertItem("gamma", family.other);
@@ -57,12 +64,18 @@ TEST(TreeView, ItemsGoWhereTheyAreTold) {
     EXPECT_EQ(tree.GetPrevSiblingItem(strange), family.second);
     EXPECT_EQ(tree.GetNextSiblingItem(sorted), late);
     EXPECT_TRUE(tree.GetChildItem(TVI_ROOT) == family.parent && tree.GetParentItem(family.parent) == nullptr);
-    TVINSERTSTRUCT const told{.hParent = sorted,
-                              .item = {.mask = TVIF_CHILDREN | TVIF_PARAM, .cChildren = 1, .lParam = 7}};
+    TVINSERTSTRUCT const told{.hParent = sorted, .item = {.mask = TVIF_CHILDREN, .cChildren = 1, .lParam = 7}};
     TreeNode *const lazy = tree.InsertItem(&told);
-    EXPECT_TRUE(tree.ItemHasChildren(lazy) && tree.GetItemData(lazy) == 7);
-    EXPECT_EQ(tree.GetCount(), 10U);
+    EXPECT_TRUE(tree.ItemHasChildren(lazy) && tree.GetItemData(lazy) == 0);
+    for (unsigned const mask : {TVIF_PARAM | TVIF_IMAGE, TVIF_STATE | TVIF_SELECTEDIMAGE}) { // what it names is taken
+        TreeNode *const item = tree.InsertItem(mask, "x", 3, 4, TVIS_BOLD, TVIS_BOLD, 7, sorted, TVI_LAST);
+        EXPECT_TRUE((mask & TVIF_PARAM) != 0 ? item->data == 7 && item->image == 3
+                                             : item->data == 0 && item->image != 3);
+        EXPECT_EQ(item->state != 0 && item->selectedImage == 4, (mask & TVIF_STATE) != 0);
+    }
+    EXPECT_EQ(tree.GetCount(), 12U);
     tree.SortChildren(family.parent);
+    EXPECT_TRUE(tree.GetSelectedItem() == family.first && tree.currentIndex().row() == 0) << "it was second";
     EXPECT_EQ(tree.GetItemText(tree.GetChildItem(family.parent)), "first");
     EXPECT_EQ(tree.GetNextItem(nullptr, 77), nullptr);
 }
@@ -78,7 +91,9 @@ TEST(TreeView, AnItemMarkedAsParentShowsItsExpanderAndIsFilledWhenItIsExpanded) 
     EXPECT_EQ(tree.GetItemState(item, TVIS_EXPANDED), 0U); // nobody filled it
     tree.fill = true;
     stage.Click(stage.OnButton(item));
-    EXPECT_EQ(tree.Take(), "expanding lazy");
+    EXPECT_EQ(tree.Take(), "expanding lazy, expanded lazy");
+    EXPECT_TRUE(tree.Expand(item, TVE_EXPAND));
+    EXPECT_EQ(tree.Take(), "") << "it is expanded already";
     EXPECT_EQ(tree.GetItemState(item, TVIS_EXPANDED | TVIS_EXPANDEDONCE), TVIS_EXPANDED | TVIS_EXPANDEDONCE);
     EXPECT_EQ(stage.Label(tree.GetChildItem(item)).top, stage.Label(item).bottom);
     tree.veto = true;
@@ -88,6 +103,14 @@ TEST(TreeView, AnItemMarkedAsParentShowsItsExpanderAndIsFilledWhenItIsExpanded) 
     test::Shot(tree, "tree-view-expanded");
     tree.collapse(tree.model()->index(0, 0)); // as the toolkit does for a screen reader
     EXPECT_EQ(tree.GetItemState(item, TVIS_EXPANDED | TVIS_EXPANDEDONCE), unsigned{TVIS_EXPANDEDONCE});
+    tree.veto = false;
+    for (char const *const told : {"expanding lazy, expanded lazy", "collapsing lazy, collapsed lazy"}) {
+        EXPECT_TRUE(tree.Expand(item, TVE_TOGGLE));
+        EXPECT_EQ(tree.Take(), told);
+    }
+    EXPECT_TRUE(tree.Expand(item, TVE_COLLAPSE | TVE_COLLAPSERESET)); // collapsed as it is
+    EXPECT_EQ(tree.Take(), "collapsing lazy, -filled, collapsed lazy");
+    EXPECT_EQ(tree.GetItemState(item, TVIS_EXPANDEDONCE), 0U);
 }
 
 TEST(TreeView, CollapsingOverTheSelectionSelectsTheCollapsedItemAndDeletingItItsNeighbour) {
@@ -95,9 +118,9 @@ TEST(TreeView, CollapsingOverTheSelectionSelectsTheCollapsedItemAndDeletingItIts
     TreeStage const stage(tree);
     Family const family(tree);
     tree.SelectItem(family.second);
-    EXPECT_EQ(tree.Take(), "expanding parent, ->second");
+    EXPECT_EQ(tree.Take(), "expanding parent, expanded parent, ->second");
     tree.Expand(family.parent, TVE_COLLAPSE);
-    EXPECT_EQ(tree.Take(), "collapsing parent, second>parent");
+    EXPECT_EQ(tree.Take(), "collapsing parent, second>parent, collapsed parent");
     tree.SelectItem(family.first);
     tree.Take();
     int const top = stage.Label(family.first).top;
