@@ -146,6 +146,8 @@ TEST_F(DynamicDialogTest, StoresNothingWithoutKeyOrApplicationKey) {
         nameless.resize(200, 100);
         nameless.show();
         EXPECT_EQ(nameless.size(), QSize(200, 100)); // not stretched
+        TestDialog numberless(0U);
+        numberless.show();
     }
     {
         TestDialog none(kTemplate);
@@ -214,10 +216,13 @@ TEST_F(DynamicDialogTest, AChildDialogFillsItsPlaceInTheParent) {
     cdxCDynamicChildDlg child(kTemplate, &parent);
     parent.show();
     child.show();
-    EXPECT_FALSE(child.isWindow());
+    cdxCDynamicChildDlg const numbered(7U, &parent);
+    cdxCDynamicChildDlg const named("named", &parent);
+    EXPECT_FALSE(child.isWindow() || numbered.isWindow() || named.isWindow());
     QRect const list = platform::GetDlgItem(child, 3)->geometry();
     child.resize(child.width() + 40, child.height() + 30);
     EXPECT_EQ(platform::GetDlgItem(child, 3)->geometry(), list.adjusted(0, 0, 40, 30));
+    EXPECT_EQ(child.findChild<QScrollBar *>(QString(), Qt::FindDirectChildrenOnly), nullptr) << "nothing to scroll";
     child.resize(child.width() - 100, child.height() - 30);
     EXPECT_EQ(platform::GetDlgItem(child, 3)->geometry(), list); // below its first width it scrolls
     QTest::keyClick(platform::GetDlgItem(child, 3), Qt::Key_Escape);
@@ -260,6 +265,7 @@ TEST_F(DynamicDialogTest, AChildThatIsTooSmallHasScrollBarsToReachAllOfIt) {
     QApplication::sendEvent(&child, &wheel);
     EXPECT_LT(down.value(), before);
     child.resize(300, 300);
+    ASSERT_EQ(child.findChildren<QScrollBar *>(QString(), Qt::FindDirectChildrenOnly), bars) << "it keeps them";
     EXPECT_TRUE(across.isHidden() && down.isHidden());
     EXPECT_EQ(cancel.pos() - list.pos(), apart);
     EXPECT_GT(list.x(), 0);

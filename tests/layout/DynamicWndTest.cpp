@@ -182,6 +182,10 @@ TEST_F(DynamicWndTest, TheClassTableRegistersPercentagesModesAndTheRest) {
     EXPECT_EQ(PositionOf(1), (LayoutPosition{110, 10, 190, 30, 0, 100, 100, 100, 0, 0}));
     EXPECT_EQ(PositionOf(2).x1, 5);
     EXPECT_EQ(engine.GetCtrlCount(), 3U);
+    Engine smaller;
+    smaller.table = {{1, 3, {100, 50, 100, 50}}, {}};
+    smaller.DoInitWindow(window, {380, 280});
+    EXPECT_EQ(children[2]->pos(), QPoint(230, 20)) << "it stands at once where it belongs";
 }
 
 TEST_F(DynamicWndTest, DisabledMinimisedOrUnboundItDoesNothing) {
@@ -248,12 +252,14 @@ TEST_F(DynamicWndTest, SizingChangesTheClassStyleForAMomentAndLosesItsOtherBits)
     EXPECT_EQ(GetClassStyle(window), 0U);
     EXPECT_TRUE(test::Eventually([&] { return !flickering.m_bIsAntiFlickering; }));
     EXPECT_EQ(GetClassStyle(window), CS_HREDRAW);
-    flickering.DoOnSizing(1, {});
-    EXPECT_EQ(GetClassStyle(window), CS_HREDRAW | CS_VREDRAW);
-    flickering.DoOnTimer(1); // another timer
-    EXPECT_TRUE(flickering.m_bIsAntiFlickering);
-    flickering.DoOnTimer(29028);
-    EXPECT_EQ(GetClassStyle(window), CS_HREDRAW);
+    for (int const edge : {2, 6, 8, 1, 3}) { // the first ones leave the upper left corner where it is
+        flickering.DoOnSizing(edge, {});
+        EXPECT_EQ(GetClassStyle(window), edge % 2 == 0 ? 0 : CS_HREDRAW | CS_VREDRAW) << edge;
+        flickering.DoOnTimer(1); // another timer
+        EXPECT_TRUE(flickering.m_bIsAntiFlickering);
+        flickering.DoOnTimer(29028);
+        EXPECT_EQ(GetClassStyle(window), CS_HREDRAW);
+    }
 }
 
 TEST_F(DynamicWndTest, ChildrenOfAScrollingWindowMoveWithItsBarsAndDoNotShrink) {

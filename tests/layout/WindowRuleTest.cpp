@@ -19,11 +19,10 @@ TEST(WindowRule, StretchingGivesTheOddPixelToTheFarEdge) {
 
 TEST(WindowRule, AWindowWithinFivePixelsOfTheScreensEdgeIsOutOfReach) {
     Rect const screen{0, 0, 800, 600};
-    EXPECT_FALSE(IsReachable({-200, 100, 3, 200}, screen));
-    EXPECT_FALSE(IsReachable({-200, 100, 5, 200}, screen));
-    EXPECT_TRUE(IsReachable({-200, 100, 6, 200}, screen));
-    EXPECT_FALSE(IsReachable({100, 595, 200, 700}, screen));
-    EXPECT_TRUE(IsReachable({100, 594, 200, 700}, screen));
+    for (bool const within : {false, true}) {
+        EXPECT_EQ(IsReachable({-200, 100, within ? 6 : 5, 200}, screen), within);
+        EXPECT_EQ(IsReachable({100, within ? 594 : 595, 200, 700}, screen), within);
+    }
     EXPECT_EQ(NormalizedRect({20, 40, 10, 30}), (Rect{10, 30, 20, 40}));
 }
 
