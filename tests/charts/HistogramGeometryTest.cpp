@@ -37,19 +37,13 @@ TEST(HistogramGeometry, BarsAreCutTowardsZeroAndMayRiseAboveTheArea) {
 }
 
 TEST(HistogramGeometry, PercentagesAreWholeNumbersAtEveryStepOfTheLadder) {
-    auto const labels = [](double share) {
-        DString text;
+    std::pair<double, int> const ladder[] = {{1, 20}, {0.5, 10}, {0.25, 5}, {0.2, 4}, {0.15, 3}, {0.1, 2}, {0.05, 1}};
+    for (auto const &[share, step] : ladder) {
+        int label = 0;
         for (TickMark const &mark : Chart(nullptr, share).TickMarksY())
-            text += mark.label + " ";
-        return text;
-    };
-    EXPECT_EQ(labels(1.0), "0% 20% 40% 60% 80% 100% ");
-    EXPECT_EQ(labels(0.5), "0% 10% 20% 30% 40% 50% ");
-    EXPECT_EQ(labels(0.25), "0% 5% 10% 15% 20% 25% ");
-    EXPECT_EQ(labels(0.2), "0% 4% 8% 12% 16% 20% ");
-    EXPECT_EQ(labels(0.15), "0% 3% 6% 9% 12% 15% ");
-    EXPECT_EQ(labels(0.1), "0% 2% 4% 6% 8% 10% ");
-    EXPECT_EQ(labels(0.05), "0% 1% 2% 3% 4% 5% ");
+            EXPECT_EQ(mark.label, std::to_string(step * label++) + "%");
+        EXPECT_EQ(label, 6) << share;
+    }
     EXPECT_EQ(Chart(nullptr).TickMarksY()[1].labelRect, (Rect{10, 55, 29, 65}));
 }
 
@@ -74,12 +68,8 @@ TEST(HistogramGeometry, EdgesAreLabelledAllOrTheOuterTwo) {
 TEST(HistogramGeometry, AClickPicksTheSlotUnderIt) {
     DHstg const histogram = Sample();
     HistogramGeometry const chart = Chart(&histogram);
-    EXPECT_EQ(chart.SlotAt(34), -1);
-    EXPECT_EQ(chart.SlotAt(35), 0);
-    EXPECT_EQ(chart.SlotAt(68), 0);
-    EXPECT_EQ(chart.SlotAt(69), 1);
-    EXPECT_EQ(chart.SlotAt(135), 2); // the last pixel is the maximum
-    EXPECT_EQ(chart.SlotAt(136), -1);
+    for (auto const &[x, slot] : {std::pair{34, -1}, {35, 0}, {68, 0}, {69, 1}, {135, 2}, {136, -1}})
+        EXPECT_EQ(chart.SlotAt(x), slot) << x; // the last pixel is the maximum
     EXPECT_EQ(Chart(nullptr).SlotAt(50), -1);
     DHstg const odd(3, 0.1, 0.3); // 0.1 + (0.3 - 0.1) is more than 0.3
     EXPECT_EQ(Chart(&odd).SlotAt(135), 2);
@@ -94,10 +84,9 @@ TEST(HistogramGeometry, TheAutomaticTopIsTheFirstStepNotPassed) {
             histogram.AddValue(i);
         return AutomaticShare(&histogram);
     };
-    EXPECT_EQ(shareOf(1, 20), 0.05);
-    EXPECT_EQ(shareOf(3, 20), 0.15);
-    EXPECT_EQ(shareOf(30, 100), 0.5);
-    EXPECT_EQ(shareOf(51, 100), 1.0);
+    for (auto const &[inFirst, of, share] :
+         test::Rows<int, int, double>{{1, 20, 0.05}, {3, 20, 0.15}, {30, 100, 0.5}, {51, 100, 1.0}})
+        EXPECT_EQ(shareOf(inFirst, of), share);
     EXPECT_EQ(AutomaticShare(nullptr), 1.0);
     DHstg const empty(4, 0, 1);
     EXPECT_EQ(AutomaticShare(&empty), 1.0);
