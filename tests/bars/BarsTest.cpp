@@ -168,6 +168,13 @@ TEST(CZelDockBar, WhatIsNotNamedStaysAndWhatIsNotKnownIsPassedOver) {
     EXPECT_EQ(frame.window.dockWidgetArea(frame.channels), Qt::BottomDockWidgetArea) << "where it is named first";
     EXPECT_EQ(frame.window.dockWidgetArea(frame.layers), Qt::LeftDockWidgetArea);
     EXPECT_TRUE(frame.history->isFloating());
+    EXPECT_TRUE(frame.Load("<DOCKBAR_DATA><BAR id='3' side='left' order='4'/><BAR id='2' side='left' order='3'/>"
+                           "<TOOLBAR id='21' side='left' order='2'/><TOOLBAR id='22' side='left' order='1'/>"
+                           "</DOCKBAR_DATA>"));
+    EXPECT_EQ(frame.window.dockWidgetArea(frame.channels), Qt::LeftDockWidgetArea);
+    EXPECT_FALSE(frame.history->isFloating());
+    EXPECT_LT(frame.channels->y(), frame.history->y()) << "by the told order, whichever is named first";
+    EXPECT_LT(frame.view->y(), frame.tools->y());
     EXPECT_EQ(frame.tools->GetItemID(0), kMeasure);
     EXPECT_EQ(frame.tools->GetItemID(3), kZoom) << "the others keep their order behind it";
     DString const before = frame.State();

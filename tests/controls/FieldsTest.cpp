@@ -187,6 +187,11 @@ TEST(ZelSliderCtrl, KeysMoveInTheRangesOwnNumbers) {
         EXPECT_EQ(play.edit->GetValue(), value);
     }
     EXPECT_TRUE(play.changes.count() == 7 && play.ends.count() == 8);
+    int const width = play.edit->width();
+    QFont font = play.slider.font();
+    font.setPixelSize(2 * font.pixelSize());
+    play.slider.setFont(font);
+    EXPECT_GT(play.edit->width(), width * 3 / 2) << "the field keeps room for its numbers";
 }
 
 TEST(ZelSliderCtrl, KeepsTheExactValueThoughTheThumbHasPositions) {
@@ -203,6 +208,10 @@ TEST(ZelSliderCtrl, KeepsTheExactValueThoughTheThumbHasPositions) {
     EXPECT_EQ(play.slider.GetPos(), 1);
     EXPECT_EQ(play.changes.count(), 3);
     EXPECT_EQ(play.ends.count(), 0) << "not by the user";
+    play.slider.SetRange(0, 5e9);
+    play.slider.SetDecimals(0);
+    play.slider.SetPos(4e9);
+    EXPECT_EQ(play.slider.GetPosText(), "4000000000") << "as many as are asked for";
 }
 
 TEST(ZelSliderCtrl, ADragFollowsTheMouseAndEndsOnce) {

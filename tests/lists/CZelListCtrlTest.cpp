@@ -304,7 +304,7 @@ TEST_F(SaveToFile, ACancelOrAFailureIsSilentAndLeavesWhatIsThere) {
 TEST_F(SaveToFile, ALongCaptionIsCutBetweenCharacters) {
     CZelListCtrl one;
     DString const kept(510, 'x');
-    one.AddCol(kept + "\xC3\xA4y", ADICol_String, false, 80, LVCFMT_LEFT);
+    one.AddCol(kept + "\xC3\xA9y", ADICol_String, false, 80, LVCFMT_LEFT);
     EXPECT_EQ(Saved(one, "a.csv", "CSV"), kept + "\r\n");
     CZelListCtrl none;
     none.AddRow();

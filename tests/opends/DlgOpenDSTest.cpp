@@ -17,6 +17,7 @@
 #include "zelvar/opends/HierarchyList.h"
 #include "zelvar/opends/ImageExtraWnd.h"
 #include "zelvar/opends/ImagePreviewWnd.h"
+#include "zelvar/platform/ui/EllipsisLabel.h"
 #include "zelvar/settings/DfltFldrs.h"
 #include "zelvar/store/DCnfg.h"
 
@@ -232,12 +233,15 @@ TEST_F(OpenDialog, PathButtonsLeadUpAndTheStarRemembersTheInnermost) {
 }
 
 TEST_F(OpenDialog, SubfoldersAreSearchedOnDemandAndTheFileTypeFilters) {
+    folder.Write("sub/of sub", "x");
+    folder.Folder("sub/deep");
+    folder.Write("sub/deep/of deep", "x");
     DialogPtr const dialog = Make();
     Run(*dialog, [&] {
         DSListCtrl const &list = *dialog->MainList();
         Button(*dialog, kRecursiveId)->setFocus();
         QTest::keyClick(dialog->focusWidget(), Qt::Key_Return);
-        EXPECT_TRUE(Eventually([&] { return RowOf(list, "inner.tif") >= 0 && list.GetNumRow() == 4; }));
+        EXPECT_TRUE(Eventually([&] { return RowOf(list, "inner.tif") >= 0 && list.GetNumRow() == 6; }));
         auto *types = GetDlgItem<CZelComboBox>(*dialog, kFileTypeId);
         ASSERT_EQ(types->GetCount(), 2);
         EXPECT_EQ(types->GetCurSel(), 0);
@@ -246,6 +250,17 @@ TEST_F(OpenDialog, SubfoldersAreSearchedOnDemandAndTheFileTypeFilters) {
         EXPECT_TRUE(Eventually([&] { return list.GetNumRow() == 3 && RowOf(list, "notes.txt") < 0; }));
         EXPECT_EQ(GetDlgItem<QLineEdit>(*dialog, kFileFilterId)->text(), "*.tif");
         EXPECT_EQ(dialog->GetFormat(), &tiff);
+        QTest::keyClick(types, Qt::Key_Up);
+        EXPECT_EQ(dialog->GetFormat(), &all);
+        EXPECT_TRUE(Eventually([&] { return RowOf(list, "notes.txt") >= 0; }));
+        dialog->SetRecursive(false);
+        DSListCtrl *folders = dialog->FolderList();
+        for (char const *const step : {"sub", "deep"}) { // from pane to pane
+            ASSERT_TRUE(Eventually([&] { return RowOf(*folders, step) >= 0; }));
+            ClickRow(*folders, step);
+            EXPECT_TRUE(Eventually([&] { return RowOf(list, "of " + DString(step)) >= 0; }));
+            folders = dialog->Hierarchy()->GetPane(0);
+        }
     });
 }
 
@@ -487,6 +502,11 @@ TEST_F(OpenDialog, OptionsOfTheFormatGoIntoTheMoniker) {
         Click(dialog->PropertyWnd()->Extra()->findChild<QPushButton *>());
         EXPECT_TRUE(Eventually([&] { return PropertyIn(*dialog->PropertyWnd(), "Image Width") == "32"; }));
         dialog->PropertyWnd()->findChild<QLineEdit *>("GEOREF_SOURCES")->setText("INTERNAL");
+        auto *const status = GetDlgItem<platform::EllipsisLabel>(*dialog, kStatusId);
+        status->SetText("");
+        dialog->PropertyWnd()->Extra()->findChild<QPushButton *>()->click();
+        EXPECT_TRUE(Eventually([&] { return status->Text().toStdString() == folder / "grey.tif"; }))
+            << "with other options it is looked at once more";
         EXPECT_TRUE(Eventually([&] {
             ImageExtraWnd const &page = *dialog->PropertyWnd()->Extra();
             return page.isVisible() && !page.horizontalScrollBar()->isVisible() &&

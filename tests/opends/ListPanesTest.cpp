@@ -271,7 +271,10 @@ TEST_F(ListPanes, AFolderListShowsTheRootsNameAndAParentRow) {
     list.Sort(0, true);
     list.ResetItems({Item("/data/sub")});
     EXPECT_EQ(list.GetColCaption(0), "sub");
+    list.SetSlct(0, true); // while the folders are still to come
     ASSERT_TRUE(HasRows(list, 2));
+    EXPECT_TRUE(!list.GetSlct(0) && list.GetSlct(1) && list.GetFocusRow() == 1) << "what was picked moves on";
+    EXPECT_EQ(list.GetColumnWidth(0), list.GetClientRect().Width());
     EXPECT_EQ(Names(list), (std::vector<DString>{"one", ".."})) << "an ascending listing begins in front of it";
     EXPECT_EQ(list.ItemAt(1)->GetDataSourceType(), DataSourceItem::DST_NONE) << "a root has no parent";
     list.Reset();

@@ -6,8 +6,8 @@
 #include "zelvar/platform/ui/Text.h"
 
 #include <QtCore/QBuffer>
+#include <QtGui/QBitmap>
 #include <QtGui/QGuiApplication>
-#include <QtGui/QPainter>
 #include <QtGui/QPalette>
 
 namespace zelvar::platform {
@@ -40,9 +40,6 @@ DString WriteRed(test::TempFolder const &folder, char const *name, QSize size) {
 }
 
 TEST(Pictures, EachOfOursIsADifferentPicture) {
-    QPixmap sheet(26 * 28, 60);
-    sheet.fill(Qt::white);
-    QPainter painter(&sheet);
     std::vector<QImage> images;
     for (char const *name : kNames) {
         SCOPED_TRACE(name);
@@ -50,16 +47,8 @@ TEST(Pictures, EachOfOursIsADifferentPicture) {
         EXPECT_GT(Ink(picture), 255);
         for (QImage const &other : images)
             EXPECT_NE(picture.toImage(), other);
-        int const x = static_cast<int>(images.size()) * 28;
-        painter.drawPixmap(x + 2, 4, picture);
-        painter.drawPixmap(x + 2, 28, ResourcePicture(QString::fromLatin1(name), 1, 24));
         images.push_back(picture.toImage());
     }
-    painter.end();
-    QLabel label;
-    label.setPixmap(sheet);
-    label.resize(sheet.size());
-    test::Shot(label, QStringLiteral("pictures"));
 }
 
 TEST(Pictures, AListsPictureHasThePixelsOfTheDeviceAndIsMadeOnce) {
@@ -140,6 +129,21 @@ TEST(Pictures, TheMarkOfALinkCoversTheLowerLeftCornerAndNothingElse) {
         EXPECT_NE(link.copy(corner), bare.copy(corner));
         QRect const opposite(half + 2, 0, bare.width() - half - 2, half - 2);
         EXPECT_EQ(link.copy(opposite), bare.copy(opposite));
+    }
+}
+
+TEST(Pictures, AShapeFillsItsBoxOfASquareOfSixteenUnits) {
+    using Shapes = ImageDescription::Shapes;
+    test::Rows<Shapes, QRect, QRgb> const shapes = {{Shapes::Rectangle, {2, 2, 12, 12}, qRgb(255, 0, 0)},
+                                                    {Shapes::SmallCircle, {4, 4, 8, 8}, qRgb(255, 0, 0)},
+                                                    {Shapes::Circle, {1, 1, 15, 14}, qRgb(255, 0, 0)},
+                                                    {Shapes::DottedCircle, {1, 1, 15, 14}, qRgb(0, 0, 255)}};
+    for (auto const &[shape, box, middle] : shapes) {
+        auto const kind = ImageDescription::Kind::Shape;
+        QImage const image = Picture({.kind = kind, .shape = shape, .fill = 0xFF, .border = 0xFF0000}, 1).toImage();
+        EXPECT_EQ(QRegion(QBitmap::fromImage(image.createAlphaMask())).boundingRect(), box);
+        EXPECT_EQ(image.pixel(8, 8), middle);
+        EXPECT_GT(image.pixelColor(box.left() + box.width() / 2, box.top()).blue(), 200) << "its line goes round";
     }
 }
 
