@@ -173,7 +173,7 @@ TEST(CZelDockBar, WhatIsNotNamedStaysAndWhatIsNotKnownIsPassedOver) {
                            "</DOCKBAR_DATA>"));
     EXPECT_EQ(frame.window.dockWidgetArea(frame.channels), Qt::LeftDockWidgetArea);
     EXPECT_FALSE(frame.history->isFloating());
-    EXPECT_LT(frame.channels->y(), frame.history->y()) << "by the told order, whichever is named first";
+    EXPECT_LT(frame.channels->y(), frame.history->y()) << "by its own order, whichever is named first";
     EXPECT_LT(frame.view->y(), frame.tools->y());
     EXPECT_EQ(frame.tools->GetItemID(0), kMeasure);
     EXPECT_EQ(frame.tools->GetItemID(3), kZoom) << "the others keep their order behind it";
