@@ -14,6 +14,7 @@ public:
     Folder(Folder const &) = delete;
     Folder &operator=(Folder const &) = delete;
     [[nodiscard]] std::string const &Path() const { return m_path; }
+    [[nodiscard]] std::string operator/(char const *name) const { return m_path + "/" + name; }
 
 private:
     std::string m_path;

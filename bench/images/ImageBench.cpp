@@ -1,5 +1,6 @@
 // Images as users meet them: through readers, with the defaults, and by the command. Other programs stand beside, as
 // whole processes, where they are installed. GDAL writes the files and reads none of them.
+#include "Folders.h"
 #include "Harness.h"
 #include "images/Processes.h"
 #include "zelvar/data/ImageReader.h"
@@ -10,7 +11,6 @@
 
 #include <cmath>
 #include <cstdlib>
-#include <filesystem>
 #include <random>
 
 #include <fcntl.h>
@@ -20,21 +20,6 @@ namespace zelvar::bench {
 namespace {
 
 constexpr int kRuns = 7;
-
-class Folder {
-public:
-    Folder() {
-        if (mkdtemp(m_path.data()) == nullptr)
-            std::abort();
-    }
-    ~Folder() { std::filesystem::remove_all(m_path); }
-    Folder(Folder const &) = delete;
-    Folder &operator=(Folder const &) = delete;
-    [[nodiscard]] std::string operator/(char const *name) const { return m_path + "/" + name; }
-
-private:
-    std::string m_path = "/tmp/zelvar-bench-XXXXXX";
-};
 
 /// Waves with a little noise in three channels, pixel by pixel.
 void WriteTiff(std::string const &path, int side, GDALDataType type, std::vector<char const *> options) {

@@ -1,10 +1,8 @@
 // Folders listed as users list them, drivers in readers, beside the bare walk: directory entries and statx.
 #include "Folders.h"
 #include "Harness.h"
+#include "reader/Drivers.h"
 #include "reader/Tiff.h"
-#include "zelvar/data/BDIDrvrMngr.h"
-#include "zelvar/data/RDIDriverMngr.h"
-#include "zelvar/data/reader/DriverModule.h"
 #include "zelvar/model/ItemListing.h"
 #include "zelvar/model/NtwDataSourceItem.h"
 
@@ -20,19 +18,6 @@ namespace zelvar::bench {
 namespace {
 
 using Items = std::vector<RefItemPtr<DataSourceItem>>;
-
-enum class Drivers { InReaders, InThisProcess };
-
-void Use(Drivers where) {
-    BDIDrvrMngr::Instance()->Reset();
-    RDIDriverMngr::Instance()->Reset();
-    if (where == Drivers::InReaders)
-        UseReaderDrivers();
-    else
-        UseOwnProcessDrivers();
-    if (BDIDrvrMngr::Instance()->Drivers().empty())
-        std::abort();
-}
 
 RefItemPtr<DataSourceItem> Place(std::string const &path) {
     return {NtwDataSourceItem::CreateItem(path.c_str(), nullptr, nullptr)};
@@ -95,9 +80,9 @@ void OneFolder() {
     std::string const &path = folder.Path();
     std::size_t volatile keep = 0;
     auto const bare = [&] { keep = keep + ListBare(path); };
-    for (Drivers const where : {Drivers::InThisProcess, Drivers::InReaders}) {
+    for (Way const where : {Way::OwnProcess, Way::Reader}) {
         Use(where);
-        std::string const name = where == Drivers::InReaders ? "listing" : "listing.own_process";
+        std::string const name = where == Way::Reader ? "listing" : "listing.own_process";
         FigureAgainst(
             name + ".iterator / bare", "100,000 files; find 1.7", [&] { return ListItemsOf(path); }, bare);
     }
@@ -117,7 +102,7 @@ void OneFolder() {
 }
 
 void Growth() {
-    Use(Drivers::InReaders);
+    Use(Way::Reader);
     for (unsigned const files : {10'000U, 100'000U, 1'000'000U}) {
         Folder const folder;
         Fill(folder.Path(), files);
@@ -130,7 +115,7 @@ void Growth() {
 void ManyFolders() {
     constexpr unsigned kFolders = 200;
     constexpr unsigned kFilesEach = 500;
-    Use(Drivers::InReaders);
+    Use(Way::Reader);
     Folder const top;
     std::vector<std::string> folders;
     for (unsigned i = 0; i < kFolders; ++i) {
@@ -157,11 +142,11 @@ void Images() {
     std::vector<double> readers;
     std::vector<double> own;
     for (int round = 0; round < 7; ++round) {
-        for (Drivers const where : {Drivers::InReaders, Drivers::InThisProcess}) {
+        for (Way const where : {Way::Reader, Way::OwnProcess}) {
             Use(where);
             std::ignore = ListItemsOf(folder.Path()); // whatever the first one has to load
             double const ms = BestMs(3, [&] { std::ignore = ListItemsOf(folder.Path()); });
-            (where == Drivers::InReaders ? readers : own).push_back(ms);
+            (where == Way::Reader ? readers : own).push_back(ms);
         }
         ratios.push_back(readers.back() / own.back());
     }

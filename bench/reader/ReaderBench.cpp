@@ -1,54 +1,18 @@
 // Reading through readers beside the same reading in this process. The program is an application that links the core
 // alone: GDAL comes into it only for the second half of each comparison, behind the figure of the memory.
+#include "Folders.h"
 #include "Harness.h"
+#include "reader/Drivers.h"
 #include "reader/Tiff.h"
-#include "zelvar/data/BDIDrvrMngr.h"
-#include "zelvar/data/DriverProvider.h"
 #include "zelvar/data/ImageReader.h"
-#include "zelvar/data/RDIDriverMngr.h"
-#include "zelvar/data/reader/DriverModule.h"
 
 #include <algorithm>
 #include <chrono>
 #include <cstdlib>
-#include <filesystem>
 #include <vector>
 
 namespace zelvar::bench {
 namespace {
-
-class Folder {
-public:
-    Folder() {
-        if (mkdtemp(m_path.data()) == nullptr)
-            std::abort();
-    }
-    ~Folder() { std::filesystem::remove_all(m_path); }
-    Folder(Folder const &) = delete;
-    Folder &operator=(Folder const &) = delete;
-    [[nodiscard]] std::string operator/(char const *name) const { return m_path + "/" + name; }
-
-private:
-    std::string m_path = "/tmp/zelvar-bench-XXXXXX";
-};
-
-enum class Way { Reader, OwnProcess };
-
-/// The drivers that live there, none asked for yet.
-void Choose(Way way) {
-    BDIDrvrMngr::Instance()->Reset();
-    RDIDriverMngr::Instance()->Reset();
-    if (way == Way::Reader)
-        UseReaderDrivers();
-    else
-        UseOwnProcessDrivers();
-}
-
-void Use(Way way) {
-    Choose(way);
-    if (BDIDrvrMngr::Instance()->Drivers().empty())
-        std::abort();
-}
 
 double MsOf(std::function<void()> const &work) {
     auto const begin = std::chrono::steady_clock::now();
