@@ -21,11 +21,11 @@ RequestScope *Listing() {
 
 } // namespace
 
-ProbeAhead::ProbeAhead(std::vector<DString> const &paths, std::vector<DString> nameless) {
+ProbeAhead::ProbeAhead(Files const &files, Files nameless) {
     if (Listing() != nullptr)
         m_nameless = std::move(nameless);
-    if (Handlers const *const there = g_handlers; there != nullptr && !(paths.empty() && m_nameless.empty()))
-        m_question = there->ask(paths, m_nameless);
+    if (Handlers const *const there = g_handlers; there != nullptr && !(files.empty() && m_nameless.empty()))
+        m_question = there->ask(files, m_nameless);
 }
 
 ProbeAhead::~ProbeAhead() = default;
@@ -37,7 +37,7 @@ void ProbeAhead::Wait() {
         return;
     }
     RequestScope *const listing = Listing();
-    for (DString const &path : m_nameless) {
+    for (auto const &[path, state] : m_nameless) {
         if (IsWorthwhile() || listing->looked >= kLooks || listing->IsStopped())
             return;
         auto const begin = RequestScope::Clock::now();

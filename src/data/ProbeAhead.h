@@ -1,6 +1,7 @@
 #pragma once
 
 #include "zelvar/base/DString.h"
+#include "zelvar/base/FileState.h"
 
 #include <chrono>
 #include <memory>
@@ -19,6 +20,12 @@ public:
     /// So many of one listing may be under way: as many readers serve listings.
     static constexpr std::size_t kMostUnderWay = 2;
 
+    struct File {
+        DString path;
+        FileState state{}; ///< as it was listed; while it stays, drivers that are far away may know the answer
+    };
+    using Files = std::vector<File>;
+
     /// What was asked of drivers that are far away. Its end, on the thread that asked, ends the question.
     class Question {
     public:
@@ -36,14 +43,13 @@ public:
     };
     /// What drivers that are far away offer.
     struct Handlers {
-        std::unique_ptr<Question> (*ask)(std::vector<DString> const &paths,
-                                         std::vector<DString> const &nameless) = nullptr;
+        std::unique_ptr<Question> (*ask)(Files const &files, Files const &nameless) = nullptr;
         /// What a listing may spend on nameless files.
         std::chrono::milliseconds (*timeForLooks)() = nullptr;
     };
 
     /// Begins to ask.
-    ProbeAhead(std::vector<DString> const &paths, std::vector<DString> nameless);
+    ProbeAhead(Files const &files, Files nameless);
     ~ProbeAhead();
     ProbeAhead(ProbeAhead &&other) noexcept;
     ProbeAhead &operator=(ProbeAhead &&) = delete;
@@ -63,7 +69,7 @@ public:
 
 private:
     std::unique_ptr<Question> m_question; ///< null where drivers work in this process
-    std::vector<DString> m_nameless;      ///< which these are to look into
+    Files m_nameless;                     ///< which these are to look into
     std::set<DString> m_found;            ///< by them
 };
 

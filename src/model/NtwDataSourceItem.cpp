@@ -120,8 +120,8 @@ NtwDataSourceItem *NtwDataSourceItem::CreateChild(platform::ShellChild const &ch
         return nullptr;
     item->m_sysIcon.store(icon, std::memory_order_relaxed);
     if (item->m_type == TYPE_FILE) {
-        item->m_fileSize = child.size;
-        item->m_modified = child.modified;
+        item->m_fileSize = child.file.size;
+        item->m_modified = child.file.modified;
     }
     item->SetName(child.name);
     return item.release();

@@ -29,10 +29,6 @@ bool IsProductCache(std::string_view name) { return name == "_zoom_cache" || nam
 /// "*" and "*.*" name every file.
 bool IsInForce(std::string_view filter) { return !filter.empty() && filter != "*" && filter != "*.*"; }
 
-constexpr std::size_t kTogether = 128;     // files to a question
-constexpr std::size_t kLongestWait = 4096; // children that wait for one
-constexpr std::size_t kUnderWay = 2;       // questions at a time: as many readers serve listings
-
 } // namespace
 
 /// Makes the items of one folder. Files that drivers elsewhere are asked about wait for each other, and what comes
@@ -94,11 +90,11 @@ private:
             m_itr.m_items.push_back(std::move(item));
     }
     void Ask() {
-        std::vector<DString> claimed;
-        std::vector<DString> nameless;
+        ProbeAhead::Files claimed;
+        ProbeAhead::Files nameless;
         for (Waiting const &each : m_gathered)
             if (!each.path.empty())
-                (each.facts->isClaimed ? claimed : nameless).push_back(each.path);
+                (each.facts->isClaimed ? claimed : nameless).push_back({each.path, each.child.file});
         while (m_underWay.size() >= ProbeAhead::kMostUnderWay)
             AddAnswered();
         m_underWay.push_back({std::exchange(m_gathered, {}), ProbeAhead(claimed, std::move(nameless))});

@@ -107,8 +107,8 @@ std::error_code ScriptedShellNamespace::Enumerate(ShellId const &folder, Purpose
         child.kind = thing.id.Kind();
         child.link = thing.facts.link;
         if (isFile) {
-            child.size = thing.facts.size;
-            child.modified = thing.facts.modified;
+            child.file.size = thing.facts.size;
+            child.file.modified = thing.facts.modified;
         }
         if (!visit(std::move(child)))
             break;

@@ -104,6 +104,7 @@ ReaderCounts CountReaders() { return Readers::Instance().Pool().Counts(); }
 void EndReaders() {
     Readers::Instance().Pool().EndAll();
     Readers::Instance().Verdicts().Clear();
+    Readers::Instance().Probed().Clear();
 }
 
 } // namespace zelvar

@@ -27,7 +27,7 @@ struct ReaderCounts {
     int leftBehind = 0; ///< killed and not gone yet: blocked in the kernel
 };
 [[nodiscard]] ZELVAR_API ReaderCounts CountReaders();
-/// Ends all readers and forgets what they told of bad files; counts begin anew. Requests under way fail; the next one
+/// Ends all readers and forgets what they told of files; counts begin anew. Requests under way fail; the next one
 /// starts new readers.
 ZELVAR_API void EndReaders();
 

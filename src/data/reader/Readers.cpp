@@ -75,9 +75,11 @@ Readers &Readers::Instance() {
 void Readers::BeforeFork() {
     m_pool.BeforeFork();
     m_verdicts.BeforeFork();
+    m_probed.BeforeFork();
 }
 
 void Readers::AfterFork(Side side) {
+    m_probed.AfterFork();
     m_verdicts.AfterFork();
     m_pool.AfterFork(side == Side::Child);
 }

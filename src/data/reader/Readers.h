@@ -3,6 +3,7 @@
 #include "zelvar/base/ProcessMoments.h"
 #include "zelvar/data/RDIDriver.h"
 #include "zelvar/data/reader/FileVerdicts.h"
+#include "zelvar/data/reader/ProbeMemory.h"
 #include "zelvar/data/reader/ReaderPool.h"
 #include "zelvar/data/wire/Messages.h"
 
@@ -64,6 +65,7 @@ public:
     [[nodiscard]] std::uint64_t NextId() { return ++m_lastId; }
     [[nodiscard]] ReaderPool &Pool() { return m_pool; }
     [[nodiscard]] FileVerdicts &Verdicts() { return m_verdicts; }
+    [[nodiscard]] ProbeMemory &Probed() { return m_probed; }
 
 private:
     enum class Ending { Answered, Stopped, Late, Crashed, TooLarge };
@@ -103,6 +105,7 @@ private:
 
     ReaderPool m_pool;
     FileVerdicts m_verdicts;
+    ProbeMemory m_probed;
     std::atomic<std::uint64_t> m_lastId{0};
     std::atomic<std::uint64_t> m_lastNumber{0};
 };

@@ -121,12 +121,13 @@ private:
 /// Files with the drivers to ask, each list of drivers told once.
 class Batch {
 public:
-    void Add(DString const &path, DriverSets::Ids const &ids) {
+    void Add(ProbeAhead::File const &file, DriverSets::Ids const &ids) {
         auto const [at, isNew] = m_sets.try_emplace(ids, static_cast<std::uint32_t>(m_sets.size()));
-        m_files.push_back({path, &*at});
+        m_files.push_back({file, &*at});
     }
     [[nodiscard]] std::size_t Size() const { return m_files.size(); }
-    [[nodiscard]] DString const &PathAt(std::size_t file) const { return m_files[file].path; }
+    [[nodiscard]] DString const &PathAt(std::size_t file) const { return m_files[file].file.path; }
+    [[nodiscard]] FileState const &StateAt(std::size_t file) const { return m_files[file].file.state; }
     [[nodiscard]] DriverSets::Ids const &DriversAt(std::size_t file) const { return m_files[file].set->first; }
     /// The request for those from `first` on.
     [[nodiscard]] wire::ProbeFilesT From(std::size_t first) const {
@@ -138,7 +139,7 @@ public:
         }
         for (std::size_t i = first; i < m_files.size(); ++i) {
             body.files.push_back(std::make_unique<wire::ProbedFileT>());
-            body.files.back()->path = m_files[i].path;
+            body.files.back()->path = m_files[i].file.path;
             body.files.back()->set = m_files[i].set->second;
         }
         return body;
@@ -147,7 +148,7 @@ public:
 private:
     using Sets = std::map<DriverSets::Ids, std::uint32_t>;
     struct File {
-        DString path;
+        ProbeAhead::File file;
         Sets::value_type const *set;
     };
     Sets m_sets;
@@ -159,14 +160,14 @@ class FilesAsked final : public ProbeAhead::Question {
 public:
     using Clock = RequestScope::Clock;
 
-    FilesAsked(std::vector<DString> const &paths, std::vector<DString> const &nameless) {
+    FilesAsked(ProbeAhead::Files const &files, ProbeAhead::Files const &nameless) {
         DriverSets sets;
-        for (DString const &path : paths)
-            if (!Readers::Instance().Verdicts().Has(path))
-                m_claimed.files.Add(path, sets.Candidates(path));
-        for (DString const &path : nameless)
-            if (!Readers::Instance().Verdicts().Has(path))
-                m_looks.files.Add(path, sets.All(path));
+        for (ProbeAhead::File const &file : files)
+            Add(m_claimed.files, file, sets.Candidates(file.path));
+        for (ProbeAhead::File const &file : nameless)
+            Add(m_looks.files, file, sets.All(file.path));
+        if (m_claimed.files.Size() + m_looks.files.Size() == 0)
+            return;
         RequestScope const *const around = RequestScope::Current();
         if (auto const left = around == nullptr ? std::nullopt : around->TimeLeft())
             m_end = Clock::now() + *left;
@@ -199,9 +200,10 @@ public:
     void Wait() override {
         RequestScope const *const around = RequestScope::Current();
         constexpr milliseconds kLook{5}; // between two looks at the stop signal
-        while (m_done.wait_for(kLook) == std::future_status::timeout)
+        while (m_done.valid() && m_done.wait_for(kLook) == std::future_status::timeout)
             m_isStopped = m_isStopped || (around != nullptr && around->IsStopped());
-        m_done.get();
+        if (m_done.valid())
+            m_done.get();
         if (RequestScope *const listing = ListingOfThread())
             listing->looked += m_claimed.spent + m_looks.spent;
         KnownOfThread().ahead = &m_answers;
@@ -218,6 +220,15 @@ private:
         std::chrono::microseconds spent{0};               ///< of it
         [[nodiscard]] bool HasTime() const { return !limit || spent < *limit; }
     };
+
+    void Add(Batch &batch, ProbeAhead::File const &file, DriverSets::Ids const &ids) {
+        if (Readers::Instance().Verdicts().Has(file.path))
+            return;
+        if (ProbeMemory::Ids const reading = Readers::Instance().Probed().Find(file.state, ids))
+            m_answers[file.path] = {.asked = ids, .reading = *reading};
+        else
+            batch.Add(file, ids);
+    }
 
     void Ask() {
         std::size_t file = Ask(m_claimed);
@@ -251,8 +262,9 @@ private:
             for (std::size_t i = 0; probed != nullptr && i < probed->files.size() && first < part.files.Size(); ++i) {
                 if (probed->files[i] == nullptr)
                     return first;
-                m_answers[part.files.PathAt(first)] = {.asked = part.files.DriversAt(first),
-                                                       .reading = std::move(probed->files[i]->drivers)};
+                DriverSets::Ids const &asked = part.files.DriversAt(first);
+                Readers::Instance().Probed().Keep(part.files.StateAt(first), asked, probed->files[i]->drivers);
+                m_answers[part.files.PathAt(first)] = {.asked = asked, .reading = std::move(probed->files[i]->drivers)};
                 ++first;
             }
             if (first == before)
@@ -292,9 +304,9 @@ bool TreeProbes::Reads(DString const &driverId, DString const &path) {
     return Holds(known.last.reading, driverId);
 }
 
-std::unique_ptr<ProbeAhead::Question> TreeProbes::AskAhead(std::vector<DString> const &paths,
-                                                           std::vector<DString> const &nameless) {
-    return std::make_unique<FilesAsked>(paths, nameless);
+std::unique_ptr<ProbeAhead::Question> TreeProbes::AskAhead(ProbeAhead::Files const &files,
+                                                           ProbeAhead::Files const &nameless) {
+    return std::make_unique<FilesAsked>(files, nameless);
 }
 
 milliseconds TreeProbes::TimeForLooks() { return Readers::Instance().Pool().TimeForLooks(); }

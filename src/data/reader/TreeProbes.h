@@ -17,12 +17,12 @@ public:
 
     /// Asks about many files in few requests, on a thread of its own. Files that ended a reader before are left out,
     /// and the rest of them after a request that was not answered: each then is asked about alone, so that the one to
-    /// blame is found. On a server, where each takes its time, those behind what a listing may spend stay without an
-    /// answer.
+    /// blame is found. What is known of files that have not changed is not asked again. On a server, where each takes
+    /// its time, those behind what a listing may spend stay without an answer.
     ///
     /// All drivers that hold several are asked about the nameless ones, as far as the time of the listing goes.
-    [[nodiscard]] static std::unique_ptr<ProbeAhead::Question> AskAhead(std::vector<DString> const &paths,
-                                                                        std::vector<DString> const &nameless);
+    [[nodiscard]] static std::unique_ptr<ProbeAhead::Question> AskAhead(ProbeAhead::Files const &files,
+                                                                        ProbeAhead::Files const &nameless);
     /// What a listing may spend on the nameless ones.
     [[nodiscard]] static std::chrono::milliseconds TimeForLooks();
 };

@@ -17,6 +17,10 @@ std::int64_t Nanoseconds(statx_timestamp const &stamp) {
     return time == 0 ? 1 : time;
 }
 
+std::uint64_t DeviceOf(struct statx const &answer) {
+    return std::uint64_t{answer.stx_dev_major} << 32U | answer.stx_dev_minor;
+}
+
 bool Ask(int folder, char const *name, unsigned wanted, struct statx &out) {
     return statx(folder, name, AT_NO_AUTOMOUNT, wanted, &out) == 0 && (S_ISREG(out.stx_mode) || S_ISDIR(out.stx_mode));
 }
@@ -25,13 +29,16 @@ bool Ask(int folder, char const *name, unsigned wanted, struct statx &out) {
 
 std::optional<FileStatus> ReadStatus(int folder, char const *name) {
     struct statx answer; // NOLINT(cppcoreguidelines-pro-type-member-init): the system fills it
-    if (!Ask(folder, name, STATX_TYPE | STATX_SIZE | STATX_MTIME, answer))
+    if (!Ask(folder, name, STATX_TYPE | STATX_SIZE | STATX_MTIME | STATX_CTIME | STATX_INO, answer))
         return std::nullopt;
     if (S_ISDIR(answer.stx_mode))
         return FileStatus{.kind = ShellKind::Directory};
     return FileStatus{.kind = ShellKind::File,
-                      .size = static_cast<std::int64_t>(answer.stx_size),
-                      .modified = Nanoseconds(answer.stx_mtime)};
+                      .file = {.device = DeviceOf(answer),
+                               .inode = answer.stx_ino,
+                               .size = static_cast<std::int64_t>(answer.stx_size),
+                               .modified = Nanoseconds(answer.stx_mtime),
+                               .changed = Nanoseconds(answer.stx_ctime)}};
 }
 
 std::optional<FileTimes> ReadTimes(char const *path) {
@@ -52,8 +59,7 @@ std::optional<FolderIdentity> ReadIdentity(char const *path) {
     struct statx answer {};
     if (!Ask(AT_FDCWD, path, STATX_TYPE | STATX_INO, answer) || !S_ISDIR(answer.stx_mode))
         return std::nullopt;
-    return FolderIdentity{.device = std::uint64_t{answer.stx_dev_major} << 32U | answer.stx_dev_minor,
-                          .inode = answer.stx_ino};
+    return FolderIdentity{.device = DeviceOf(answer), .inode = answer.stx_ino};
 }
 
 } // namespace zelvar::platform

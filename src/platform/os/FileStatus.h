@@ -7,8 +7,7 @@ namespace zelvar::platform {
 /// What the system tells of a plain file or folder, links followed. An automount point is not mounted by the question.
 struct FileStatus {
     ShellKind kind = ShellKind::Unknown; ///< `File` or `Directory`
-    std::int64_t size = -1;              ///< plain files only
-    std::int64_t modified = 0;           ///< nanoseconds since 1970 UTC, never 0 for a file that has a time
+    FileState file{};                    ///< plain files only; no time of one that has it is 0
 };
 
 /// `name` below the open directory `folder`, or a path with AT_FDCWD. Nothing for what is neither a plain file nor a

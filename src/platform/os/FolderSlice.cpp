@@ -73,10 +73,7 @@ void FolderSlice::LookAt(int folder) {
                 continue;
             }
             entry.kind = status->kind;
-            if (status->kind == ShellKind::File) {
-                entry.size = status->size;
-                entry.modified = status->modified;
-            }
+            entry.file = status->file;
         }
     }
 }

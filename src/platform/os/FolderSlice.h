@@ -23,8 +23,7 @@ public:
         std::uint32_t length = 0;        ///< bytes of the name
         unsigned char type = 0;          ///< as the directory tells it, DT_...
         std::optional<ShellKind> kind{}; ///< nothing: no thing of the namespace, or gone
-        std::int64_t size = -1;          ///< plain files only
-        std::int64_t modified = 0;       ///< plain files only
+        FileState file{};                ///< plain files only
     };
 
     void Clear();

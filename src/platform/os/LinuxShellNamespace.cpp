@@ -205,8 +205,8 @@ std::error_code LinuxShellNamespace::EnumerateServer(ShellId const &folder, SmbA
         child.id = folder.Child(entry.name, entry.kind);
         child.name = std::move(entry.name);
         child.kind = entry.kind;
-        child.size = entry.times.size;
-        child.modified = entry.times.modified;
+        child.file.size = entry.times.size;
+        child.file.modified = entry.times.modified;
         return visit(std::move(child));
     });
 }

@@ -53,8 +53,7 @@ private:
         m_child.name.assign(name);
         m_child.kind = *entry.kind;
         m_child.link = entry.type == DT_LNK;
-        m_child.size = entry.size;
-        m_child.modified = entry.modified;
+        m_child.file = entry.file;
         return m_visit(std::move(m_child));
     }
 

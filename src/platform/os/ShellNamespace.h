@@ -1,5 +1,6 @@
 #pragma once
 
+#include "zelvar/base/FileState.h"
 #include "zelvar/base/ImageList.h"
 #include "zelvar/platform/os/ShellId.h"
 
@@ -38,9 +39,8 @@ struct ShellChild {
     ShellId id;
     DString name; ///< display name; for files and folders the name with its extension
     ShellKind kind = ShellKind::Unknown;
-    bool link = false;         ///< reached through a symbolic link
-    std::int64_t size = -1;    ///< bytes, plain files only
-    std::int64_t modified = 0; ///< nanoseconds since 1970 UTC, 0 if unknown; plain files only
+    bool link = false; ///< reached through a symbolic link
+    FileState file;    ///< plain files only
 };
 
 /// Hears of news in the network place. It belongs to the thread that made it.

@@ -80,10 +80,13 @@ TEST_F(Readers, ProbesAheadFindTheContainersAmongManyFilesAndTheOneThatCrashes) 
     ASSERT_NE(driver, nullptr);
     for (char const *bad : {"", "probe crash\n"}) {
         std::vector<DString> paths;
+        ProbeAhead::Files files;
         for (int i = 0; i < 300; ++i)
             paths.push_back(Write("f" + std::to_string(i), i % 7 == 0 ? "members 2\n" : i == 150 ? bad : "width 3\n"));
         RequestScope const listing(RequestKind::List);
-        ProbeAhead ahead(paths, {});
+        for (DString const &path : paths)
+            files.push_back({path});
+        ProbeAhead ahead(files, {});
         ahead.Wait();
         for (std::size_t i = 0; i < paths.size(); ++i) {
             RequestScope const probe(RequestKind::Probe);
@@ -94,6 +97,39 @@ TEST_F(Readers, ProbesAheadFindTheContainersAmongManyFilesAndTheOneThatCrashes) 
     // many is late instead.
     EXPECT_GE(CountReaders().crashed, 1);
     EXPECT_LE(CountReaders().crashed + CountReaders().killed, 4);
+}
+
+TEST_F(Readers, AFileIsAskedAboutAgainWhenItsStateIsAnother) {
+    BDIDrvr *const driver = BDIDrvrMngr::Instance()->GetDrvr("HOSTILE");
+    ASSERT_NE(driver, nullptr);
+    DString const path = Write("f", "members 2\n");
+    FileState const settled{.device = 1, .inode = 2, .size = 3, .modified = 4, .changed = 5};
+    FileState other = settled;
+    ++other.changed;
+    std::int64_t const now = std::chrono::nanoseconds(std::chrono::system_clock::now().time_since_epoch()).count();
+    auto const reads = [&](FileState const &state) {
+        RequestScope const listing(RequestKind::List, {}, std::chrono::seconds(20));
+        ProbeAhead ahead({{path, state}}, {});
+        ahead.Wait();
+        return driver->CanReadPath(path);
+    };
+    struct Row {
+        FileState state;
+        bool isKept;
+    };
+    for (auto const &[state, isKept] : {Row{settled, true},
+                                        {{.device = 1, .size = 3, .changed = 5}, false},
+                                        {{.device = 1, .inode = 3, .size = 3, .modified = 4}, false},
+                                        {{.device = 1, .inode = 4, .size = 3, .changed = now}, false}}) {
+        std::ignore = Write("f", "members 2\n");
+        EXPECT_TRUE(reads(state));
+        std::ignore = Write("f", "width 3\n");
+        EXPECT_EQ(reads(state), isKept) << state.inode;
+    }
+    EXPECT_FALSE(reads(other));
+    EXPECT_TRUE(reads(settled));
+    EndReaders();
+    EXPECT_FALSE(reads(settled));
 }
 
 TEST_F(Readers, APreviewDoesNotWaitForAListing) {

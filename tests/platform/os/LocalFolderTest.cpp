@@ -50,10 +50,10 @@ TEST_F(LocalFolder, ListsFilesWithSizeAndTimeAndFoldersWithout) {
         return true;
     }));
     ASSERT_THAT(children, ElementsAre(Pair("a.tif", testing::_), Pair("b", testing::_)));
-    EXPECT_EQ(children["a.tif"].size, 5);
-    EXPECT_EQ(children["a.tif"].modified, 1'700'000'000'250'000'000);
-    EXPECT_EQ(children["b"].size, -1);
-    EXPECT_EQ(children["b"].modified, 0);
+    EXPECT_EQ(children["a.tif"].file.size, 5);
+    EXPECT_EQ(children["a.tif"].file.modified, 1'700'000'000'250'000'000);
+    EXPECT_EQ(children["b"].file.size, -1);
+    EXPECT_EQ(children["b"].file.modified, 0);
 }
 
 TEST_F(LocalFolder, LeavesHiddenFilesOutAndKeepsAnyOtherName) {
@@ -141,7 +141,7 @@ TEST_F(LocalFolder, ALargeFolderIsListedWholeAndInTheOrderOfItsEntries) {
         entries.push_back(entry.path().filename());
     std::vector<DString> listed;
     EXPECT_FALSE(Visit(shell.Parse(temp.Path()), [&](ShellChild &&child) {
-        EXPECT_EQ(child.size, std::stoi(child.name) % 7);
+        EXPECT_EQ(child.file.size, std::stoi(child.name) % 7);
         listed.push_back(child.name);
         return true;
     }));

@@ -102,7 +102,7 @@ TEST(DesktopNetwork, ToldNewsWakeAListenerAndSoDoesAStop) {
 std::map<DString, std::int64_t> SizesIn(LinuxShellNamespace const &shell, DString const &address) {
     std::map<DString, std::int64_t> sizes;
     EXPECT_FALSE(shell.Enumerate(shell.Parse(address), ShellNamespace::Purpose::Browse, [&](ShellChild &&child) {
-        sizes[child.name] = child.size;
+        sizes[child.name] = child.file.size;
         return true;
     })) << address;
     return sizes;
