@@ -7,6 +7,7 @@
 #     EXTERNAL Qt6::Widgets                # other libraries in its headers; EXTERNAL_PRIVATE for the .cpp files only
 #     PUBLIC_HEADERS cdxCDynamicWnd.h ...  # for applications: these are installed, with all that they include
 #     PRIVATE_HEADERS                      # or: nothing of it is installed
+#     OWN_OPTIONS                          # is compiled with options of its own: no shared precompiled header
 #     SOURCES  cdxCDynamicWnd.cpp ...)
 #
 # - A module may only name modules of a lower LAYER: a cycle cannot be written down.
@@ -17,7 +18,7 @@ define_property(TARGET PROPERTY ZELVAR_LAYER BRIEF_DOCS "layer of a module" FULL
 define_property(TARGET PROPERTY ZELVAR_PUBLIC_HEADERS BRIEF_DOCS "includes for applications" FULL_DOCS "as they are written")
 
 function(zelvar_module name)
-  cmake_parse_arguments(ARG "QT;PRIVATE_HEADERS" "LAYER;FOLDER" "PUBLIC_HEADERS;DEPENDS;PRIVATE;EXTERNAL;EXTERNAL_PRIVATE;SOURCES" ${ARGN})
+  cmake_parse_arguments(ARG "QT;PRIVATE_HEADERS;OWN_OPTIONS" "LAYER;FOLDER" "PUBLIC_HEADERS;DEPENDS;PRIVATE;EXTERNAL;EXTERNAL_PRIVATE;SOURCES" ${ARGN})
   if(NOT ARG_FOLDER)
     set(ARG_FOLDER ${name})
   endif()
@@ -43,6 +44,8 @@ function(zelvar_module name)
     target_link_libraries(zelvar_${name} PUBLIC Qt6::Core Qt6::Gui Qt6::Widgets)
     set_target_properties(zelvar_${name} PROPERTIES AUTOMOC ON AUTORCC ON)
     zelvar_share_pch(zelvar_${name})
+  elseif(NOT ARG_OWN_OPTIONS)
+    zelvar_share_core_pch(zelvar_${name})
   endif()
 
   # The include directory that shows this folder's headers and nothing else, not even those of a folder inside it.
@@ -82,6 +85,15 @@ endfunction()
 function(zelvar_use_pch target name)
   target_compile_options(${target} PRIVATE -fpch-preprocess)
   target_precompile_headers(${target} REUSE_FROM ${name})
+endfunction()
+
+# The standard headers that rooms without the toolkit read most.
+set(ZELVAR_CORE_HEADERS <algorithm> <array> <cstring> <functional> <map> <memory> <mutex> <optional> <string> <tuple> <utility> <vector>)
+function(zelvar_share_core_pch target)
+  if(NOT TARGET zelvar_core_pch)
+    zelvar_pch(zelvar_core_pch HEADERS ${ZELVAR_CORE_HEADERS})
+  endif()
+  zelvar_use_pch(${target} zelvar_core_pch)
 endfunction()
 
 # The Qt headers that nearly every widget source reads, parsed once.

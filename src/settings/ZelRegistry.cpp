@@ -148,7 +148,7 @@ bool ZelRegistry::IsSnapshot(XMLNode const &node, DString *reason) {
     if (EqualNoCase(node.GetName(), kKeyElement))
         open.push_back(&node);
     else
-        why = DString("the root is no ") + kKeyElement;
+        why = Format("the root is no %s", kKeyElement);
     while (!open.empty() && why.empty()) {
         XMLNode const &key = *open.back();
         open.pop_back();
@@ -156,10 +156,11 @@ bool ZelRegistry::IsSnapshot(XMLNode const &node, DString *reason) {
             if (EqualNoCase(child->GetName(), kKeyElement))
                 open.push_back(child);
             else if (!EqualNoCase(child->GetName(), kValueElement))
-                why = "there is a " + child->GetName() + " under the key '" + key.GetSafeAttr(kPath) + "'";
+                why = Format("there is a %s under the key '%s'", child->GetName().c_str(),
+                             key.GetSafeAttr(kPath).c_str());
             else if (!IsValueElement(*child))
-                why = "the value '" + child->GetSafeAttr(kPath) + "' under the key '" + key.GetSafeAttr(kPath) +
-                      "' is not what its type and size say";
+                why = Format("the value '%s' under the key '%s' is not what its type and size say",
+                             child->GetSafeAttr(kPath).c_str(), key.GetSafeAttr(kPath).c_str());
             else if (bytes += static_cast<std::size_t>(child->GetAttrInt(kSize)); bytes > kMostSnapshotBytes)
                 why = "the values are larger than 256 MB together";
         }
