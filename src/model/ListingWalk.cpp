@@ -1,20 +1,24 @@
 #include "zelvar/model/ListingWalk.h"
 
 #include "zelvar/data/RequestScope.h"
+#include "zelvar/model/FolderAhead.h"
 #include "zelvar/model/ListingsShared.h"
 #include "zelvar/model/NtwDataSourceItem.h"
 
 #include <algorithm>
+#include <optional>
 #include <tuple>
 
 namespace zelvar {
 
 namespace {
 
-bool IsPlainFolder(DataSourceItem const &item) {
+NtwDataSourceItem const *AsPlainFolder(DataSourceItem const &item) {
     auto const *const folder = dynamic_cast<NtwDataSourceItem const *>(&item);
-    return folder != nullptr && folder->GetType() == NtwDataSourceItem::TYPE_FOLDER;
+    return folder != nullptr && folder->GetType() == NtwDataSourceItem::TYPE_FOLDER ? folder : nullptr;
 }
+
+bool IsPlainFolder(DataSourceItem const &item) { return AsPlainFolder(item) != nullptr; }
 
 } // namespace
 
@@ -68,6 +72,9 @@ void ListingWalk::ListOne(DataSourceItem &folder, Take const &take, Items &below
 }
 
 void ListingWalk::Through(RefItemPtr<DataSourceItem> const &place, Take const &take) {
+    std::optional<FolderAhead> ahead;
+    if (m_options.recursive)
+        ahead.emplace(m_options.filter);
     Items waiting{place}; // the next folder to enter last
     for (bool isPlace = true; !waiting.empty() && !IsStopped(); isPlace = false) {
         RefItemPtr<DataSourceItem> const folder = std::move(waiting.back());
@@ -75,6 +82,9 @@ void ListingWalk::Through(RefItemPtr<DataSourceItem> const &place, Take const &t
         if (m_options.recursive && !m_visits.Enter(*folder) && !isPlace)
             continue;
         std::size_t const first = waiting.size();
+        if (NtwDataSourceItem const *const next = waiting.empty() ? nullptr : AsPlainFolder(*waiting.back());
+            next != nullptr && !next->IsLink())
+            ahead->Begin(next->GetId());
         ListOne(*folder, take, waiting);
         std::reverse(waiting.begin() + static_cast<std::ptrdiff_t>(first), waiting.end());
     }

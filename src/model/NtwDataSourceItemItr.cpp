@@ -3,6 +3,7 @@
 #include "zelvar/base/PathStyle.h"
 #include "zelvar/data/PlaceCheck.h"
 #include "zelvar/data/ProbeAhead.h"
+#include "zelvar/model/FolderAhead.h"
 #include "zelvar/model/NtwDataSourceItem.h"
 #include "zelvar/model/SuffixFacts.h"
 
@@ -120,6 +121,10 @@ private:
     std::deque<Question> m_underWay;
 };
 
+bool NtwDataSourceItemItr::IsListed(std::string_view name, std::string_view filter) {
+    return !IsShortcut(name) && (!IsInForce(filter) || PathMatchSpec(name, filter));
+}
+
 void NtwDataSourceItemItr::Fill(platform::ShellId const &folder, DataSourceItem::ICancel *cancel,
                                 RefItemPtr<DataSourceItem> const &parent, char const *filter, char const *driverId) {
     ShellNamespace const &shell = ShellNamespace::Current();
@@ -129,27 +134,25 @@ void NtwDataSourceItemItr::Fill(platform::ShellId const &folder, DataSourceItem:
         return;
     }
     std::string_view const mask = filter == nullptr ? std::string_view() : filter;
-    bool const filtering = IsInForce(mask);
     bool stopped = false;
     auto const isStopped = [&] { return stopped = stopped || (cancel != nullptr && cancel->IsCanceled()); };
     // The stop signal is asked once a child: here for those that are left out, below for the others.
     auto const isWanted = [&](std::string_view name) {
-        if (!stopped && !IsShortcut(name) && (!filtering || PathMatchSpec(name, mask)))
+        if (!stopped && IsListed(name, mask))
             return ShellNamespace::Wish::Yes;
         return isStopped() ? ShellNamespace::Wish::Stop : ShellNamespace::Wish::No;
     };
     Children children(*this, shell, parent, driverId);
-    m_error = shell.Enumerate(
-        folder, ShellNamespace::Purpose::Browse,
-        [&](ShellChild &&child) {
-            if (isStopped())
-                return false;
-            if (child.kind != ShellKind::File && IsProductCache(child.name))
-                return true;
+    auto const visit = [&](ShellChild &&child) {
+        if (isStopped())
+            return false;
+        if (child.kind == ShellKind::File || !IsProductCache(child.name))
             children.Add(std::move(child));
-            return true;
-        },
-        isWanted);
+        return true;
+    };
+    FolderAhead *const ahead = FolderAhead::Current();
+    auto const taken = ahead == nullptr ? std::nullopt : ahead->Take(folder, mask, visit);
+    m_error = taken ? *taken : shell.Enumerate(folder, ShellNamespace::Purpose::Browse, visit, isWanted);
     children.Finish();
     CreateCursor();
 }

@@ -12,6 +12,8 @@ public:
     /// out. `cancel` is asked before each child; a listing that was stopped is shorter and valid.
     void Fill(platform::ShellId const &folder, DataSourceItem::ICancel *cancel,
               RefItemPtr<DataSourceItem> const &parent, char const *filter, char const *driverId);
+    /// Whether a plain file of that name is a child: no shortcut, and one that the filter lets through.
+    [[nodiscard]] static bool IsListed(std::string_view name, std::string_view filter);
 
 private:
     class Children;
