@@ -1,14 +1,20 @@
 #include "zelvar/platform/os/MountTable.h"
 
+#include "zelvar/base/FileDescriptor.h"
 #include "zelvar/base/PathStyle.h"
+#include "zelvar/base/ProcessMoments.h"
 #include "zelvar/base/Translation.h"
 
 #include <algorithm>
 #include <array>
 #include <climits>
 #include <fstream>
+#include <memory>
+#include <mutex>
 #include <sstream>
 
+#include <fcntl.h>
+#include <poll.h>
 #include <unistd.h>
 
 namespace zelvar::platform {
@@ -145,6 +151,55 @@ DString LabelOf(MountEntry const &mount, ShellKind kind) {
     return DString(FileNameOf(mount.mountPoint));
 }
 
+using Mounts = std::vector<MountEntry>;
+
+Mounts ReadMounts(DString const &path) {
+    Mounts mounts;
+    std::ifstream table(path);
+    for (DString line; std::getline(table, line);)
+        if (std::optional<MountEntry> mount = ParseMountLine(line))
+            mounts.push_back(*std::move(mount));
+    return mounts;
+}
+
+/// The kernel's table of this process, read again when the kernel says that it is another.
+class KernelTable final : ProcessMoments {
+public:
+    [[nodiscard]] std::shared_ptr<Mounts const> Read() {
+        std::lock_guard const lock(m_mutex);
+        if (!m_file)
+            m_file.emplace(open(kPath, O_RDONLY | O_CLOEXEC));
+        pollfd asked{.fd = m_file->Get(), .events = POLLPRI, .revents = 0};
+        bool const isAsBefore = m_file->IsOpen() && poll(&asked, 1, 0) == 0;
+        if (m_mounts == nullptr || !isAsBefore)
+            m_mounts = std::make_shared<Mounts const>(ReadMounts(kPath));
+        return m_mounts;
+    }
+    static KernelTable &Instance() {
+        static auto &table = *new KernelTable;
+        return table;
+    }
+
+private:
+    static constexpr char kPath[] = "/proc/self/mountinfo";
+
+    KernelTable() : ProcessMoments(Locks::Inner) {}
+
+    void BeforeFork() override { m_mutex.lock(); }
+    void AfterFork(Side side) override {
+        // With the parent's open file a child would share what the kernel has told the parent already.
+        if (side == Side::Child) {
+            m_file.reset();
+            m_mounts.reset();
+        }
+        m_mutex.unlock();
+    }
+
+    std::mutex m_mutex;
+    std::optional<FileDescriptor> m_file; ///< opened before the table is read, so that no change is missed
+    std::shared_ptr<Mounts const> m_mounts;
+};
+
 } // namespace
 
 std::optional<MountEntry> ParseMountLine(std::string_view line) {
@@ -178,16 +233,15 @@ std::optional<MountEntry> ParseMountLine(std::string_view line) {
 }
 
 std::optional<MountEntry> FindMount(std::string_view path) {
-    std::optional<MountEntry> deepest;
-    std::ifstream table("/proc/self/mountinfo");
-    for (DString line; std::getline(table, line);) {
-        std::optional<MountEntry> entry = ParseMountLine(line);
-        bool const isAbove = entry && (entry->mountPoint == "/" || LiesBelow(path, entry->mountPoint));
+    std::shared_ptr<Mounts const> const mounts = KernelTable::Instance().Read();
+    MountEntry const *deepest = nullptr;
+    for (MountEntry const &entry : *mounts) {
+        bool const isAbove = entry.mountPoint == "/" || LiesBelow(path, entry.mountPoint);
         // A later mount on the same point hides the former one.
-        if (isAbove && (!deepest || entry->mountPoint.size() >= deepest->mountPoint.size()))
-            deepest = std::move(entry);
+        if (isAbove && (deepest == nullptr || entry.mountPoint.size() >= deepest->mountPoint.size()))
+            deepest = &entry;
     }
-    return deepest;
+    return deepest == nullptr ? std::nullopt : std::optional(*deepest);
 }
 
 bool MayBlock(MountEntry const &mount) {
@@ -199,14 +253,10 @@ bool MayBlock(MountEntry const &mount) {
 }
 
 std::vector<Drive> ListDrives(DString const &procRoot, DString const &sysRoot) {
-    std::vector<MountEntry> mounts;
-    std::ifstream table(procRoot + "/self/mountinfo");
-    for (DString line; std::getline(table, line);) {
-        std::optional<MountEntry> mount = ParseMountLine(line);
-        if (!mount)
-            continue;
-        std::erase_if(mounts, [&](MountEntry const &former) { return former.mountPoint == mount->mountPoint; });
-        mounts.push_back(*std::move(mount));
+    Mounts mounts;
+    for (MountEntry &mount : ReadMounts(procRoot + "/self/mountinfo")) {
+        std::erase_if(mounts, [&](MountEntry const &former) { return former.mountPoint == mount.mountPoint; });
+        mounts.push_back(std::move(mount));
     }
 
     std::vector<Drive> drives{{.mountPoint = "/", .label = Translated("File System"), .kind = ShellKind::Fixed}};
