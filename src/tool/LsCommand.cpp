@@ -130,13 +130,14 @@ int RunLs(std::vector<DString> const &words) {
     if (place == nullptr)
         return Failure(WithReason("cannot read '" + word + "'", named, kNotOpened));
     Unread unread(place, word);
-    std::vector<ListedItem> const items =
-        ListItems(place, {.foldersOnly = arguments->Has("--folders"),
-                          .recursive = arguments->Has("--recursive"),
-                          .filter = arguments->Value("--filter"),
-                          .sort = sort->second,
-                          .descending = arguments->Has("--descending"),
-                          .onUnread = [&](DataSourceItem &item, std::error_code why) { unread.Tell(item, why); }});
+    // For as long as the process lives: to take 100,000 items apart would only keep it from ending.
+    static auto &items = *new std::vector<ListedItem>;
+    items = ListItems(place, {.foldersOnly = arguments->Has("--folders"),
+                              .recursive = arguments->Has("--recursive"),
+                              .filter = arguments->Value("--filter"),
+                              .sort = sort->second,
+                              .descending = arguments->Has("--descending"),
+                              .onUnread = [&](DataSourceItem &item, std::error_code why) { unread.Tell(item, why); }});
     if (items.empty() && unread.HasPlace())
         return kFailed;
     PrintItems(items, arguments->Has("--json"));
