@@ -72,23 +72,13 @@ void PutParted(DString &out, std::string_view text, std::string_view pair) {
     out.append(text);
 }
 
-void PutCData(DString &out, std::string_view text) {
-    constexpr std::string_view end = "]]>";
-    out += "<![CDATA[";
-    for (std::size_t at = text.find(end); at != std::string_view::npos; at = text.find(end)) {
-        out.append(text.substr(0, at + 2)).append("]]><![CDATA[");
-        text.remove_prefix(at + 2);
-    }
-    out.append(text).append(end);
-}
-
 void PutOther(DString &out, Kind kind, DString const &text, Place place = Place::Text) {
     switch (kind) {
     case Kind::Text:
         PutEscaped(out, text, place);
         break;
     case Kind::CData:
-        PutCData(out, text);
+        out.append("<![CDATA[").append(text).append("]]>"); // as it was read, so nothing in it ends it
         break;
     case Kind::Comment:
         out += "<!--";

@@ -202,7 +202,7 @@ TEST_F(Container, AnArchiveShowsItsFoldersAndTheDataInThem) {
     test::WritePages(m_folder / "p.tif", 2);
     test::WriteNetCdf(m_folder / "n.nc", 2);
     m_folder.Write("t.txt", "text");
-    for (char const *name : {"box.zip", "odd.zip.name.zip", "wei?rd {x}.zip"}) {
+    for (char const *name : {"box.zip", "odd.zip.name.zip", "wei?rd {x}.zip", "cl}osed.ZIP"}) {
         SCOPED_TRACE(name);
         DString const path = m_folder / name;
         test::WriteZip(m_folder / "source.zip", {{"a.tif", m_folder / "a.tif"},

@@ -46,6 +46,9 @@ TEST_F(TemplDataSourceItemTest, AConnectionOpensWhenItIsPreparedAndNotBefore) {
     RefItemPtr<TemplDataSourceItem> const item = FromXml(kDefinition);
     ASSERT_NE(item, nullptr);
     EXPECT_EQ(item->GetName(), "Maps");
+    item->SetName("");
+    EXPECT_EQ(item->GetName(), "") << "there is no node to ask";
+    item->SetName("Maps");
     EXPECT_EQ(item->GetRDIDriverId(), "rdi");
     EXPECT_EQ(item->GetBDIDriverId(), "fake");
     EXPECT_EQ(item->GetPath(), "");

@@ -182,7 +182,9 @@ TEST_F(ZelRegistryTest, TheLastResultTellsWhatHappened) {
     EXPECT_TRUE(m_registry.FromXMLNode(&key)); // of a key without children
     EXPECT_EQ(m_registry.GetPath(), "");       // its key is current now
     EXPECT_EQ(m_store.Read("k", "v"), SettingsStore::Value(Bytes{1, 2, 3}));
-    ASSERT_TRUE(ZelRegistry(1, 0).CreateKey("all users"));
+    XMLNode tree("RegKey");
+    tree.AddChld("RegKey")->SetAttr("path", "all users");
+    ASSERT_TRUE(ZelRegistry(1, 0).FromXMLNode(&tree));
     EXPECT_TRUE(SettingsStore::Machine().HasKey("all users"));
     EXPECT_FALSE(SettingsStore::Instance().HasKey("all users"));
 }

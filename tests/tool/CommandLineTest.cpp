@@ -64,6 +64,9 @@ TEST(CommandTable, ManualPagesTellEachOptionAndHideNoMacro) {
     std::string const page = ManualPage(odd, "1.2");
     EXPECT_NE(page.find("\n\\&.Begins so. It's \\e odd.\n"), std::string::npos) << page;
     EXPECT_NE(page.find("\n\\fB\\-\\-a\\-b\\fR \\fIN\\fR\n\\&'quoted'.\n"), std::string::npos) << page;
+    EXPECT_NE(page.find(".SH OPTIONS\n"), std::string::npos);
+    EXPECT_EQ(ManualPage(CommandSpec{.name = "plain", .about = "Nothing to choose."}, "1").find("OPTIONS"),
+              std::string::npos);
 }
 
 } // namespace

@@ -32,6 +32,17 @@ TEST_F(Readers, AnImageIsWhatItsDriverSays) {
     EXPECT_EQ(image.driver->GetChnlSizeX(image.handle, -1), 0);
     std::vector<unsigned char> const samples = image.Read(1);
     ASSERT_EQ(samples.size(), 210U);
+    std::vector<unsigned char> several(420);
+    auto const read = [&](int channel, int count) {
+        return image.driver->ReadChannelsRsmpl(image.handle, channel, count, 0, 0, 30, 7, several.data(), 30, 7, 0,
+                                               true, true);
+    };
+    for (auto const &[channel, count] : {std::pair{-1, 1}, {-1, 2}, {0, 0}, {5, 2}, {6, 1}})
+        EXPECT_FALSE(read(channel, count)) << channel;
+    ASSERT_TRUE(read(1, 2));
+    EXPECT_TRUE(std::equal(samples.begin(), samples.end(), several.begin()));
+    EXPECT_EQ(image.driver->IsMyFile((folder / "a.hostile").c_str()), 1);
+    EXPECT_EQ(image.driver->IsMyFile((folder / "none.hostile").c_str()), 0);
     EXPECT_EQ(samples[0], 100);
     EXPECT_EQ(samples[3 * 30 + 4], 134);
 }

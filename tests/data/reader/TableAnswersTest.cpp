@@ -56,5 +56,22 @@ TEST(TableAnswers, ColumnsGetNamesThatAreTextAndTypesThatAreKnown) {
     EXPECT_EQ(columns[5].name, "\xEF\xBF\xBD");
 }
 
+TEST(TableAnswers, AChannelIsTakenOnlyIfItsFiguresCanBe) {
+    wire::ChannelT told;
+    told.sizeX = told.sizeY = told.slices = told.timeFrames = 3;
+    told.dataType = RDI_UInt16;
+    EXPECT_EQ(ChannelFrom(&told).sizeX, 3);
+    EXPECT_EQ(ChannelFrom(nullptr).sizeX, 0);
+    for (auto const figure :
+         {&wire::ChannelT::sizeX, &wire::ChannelT::sizeY, &wire::ChannelT::slices, &wire::ChannelT::timeFrames})
+        for (int const value : {0, -1}) {
+            wire::ChannelT odd = told;
+            odd.*figure = value;
+            EXPECT_EQ(ChannelFrom(&odd).dataType == RDI_UInt16, value == 0);
+        }
+    told.dataType = 77;
+    EXPECT_EQ(ChannelFrom(&told).sizeX, 0);
+}
+
 } // namespace
 } // namespace zelvar
