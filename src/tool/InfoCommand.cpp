@@ -6,10 +6,9 @@
 #include "zelvar/model/TemplDataSourceItem.h"
 #include "zelvar/tool/CommandTable.h"
 #include "zelvar/tool/Commands.h"
+#include "zelvar/tool/PictureFile.h"
 
 #include <cstdio>
-
-#include <png.h>
 
 namespace zelvar::tool {
 
@@ -22,21 +21,6 @@ void SayEncoding(DString const &path) {
     ADIFile const table(DFile(path), "", tdFormatAccess_Read, nullptr, "");
     if (DString const encoding = table.GetEncoding(); !encoding.empty())
         std::printf("Text Encoding\t%s\n", EscapeControlBytes(encoding).c_str());
-}
-
-/// As a PNG file, for speed rather than for the last byte.
-bool SavePicture(DCanvas const &canvas, DString const &file) {
-    png_image image{};
-    image.version = PNG_IMAGE_VERSION;
-    image.width = static_cast<png_uint_32>(canvas.GetWidth());
-    image.height = static_cast<png_uint_32>(canvas.GetHeight());
-    image.format = PNG_FORMAT_RGB;
-    image.flags = PNG_IMAGE_FLAG_FAST;
-    std::FILE *const out = std::fopen(file.c_str(), "wbe");
-    if (out == nullptr)
-        return false;
-    bool const isWritten = png_image_write_to_stdio(&image, out, 0, canvas.Row(0), 0, nullptr) != 0;
-    return std::fclose(out) == 0 && isWritten;
 }
 
 } // namespace
