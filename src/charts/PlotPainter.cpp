@@ -1,5 +1,6 @@
 #include "zelvar/charts/PlotPainter.h"
 
+#include "zelvar/base/Aside.h"
 #include "zelvar/charts/ChartText.h"
 #include "zelvar/charts/core/MarkerField.h"
 #include "zelvar/drawing/OffscreenSurface.h"
@@ -10,6 +11,7 @@
 #include <array>
 #include <bit>
 #include <cmath>
+#include <future>
 #include <optional>
 
 namespace zelvar {
@@ -77,13 +79,6 @@ void FillPixels(QImage &image, PixelRows const &pixels, QRgb color) {
 /// The lines of a polyline. Those that follow each other in one column of pixels become one.
 class LineRun {
 public:
-    explicit LineRun(QPainter &painter) : m_painter(painter) {}
-    LineRun(LineRun const &) = delete;
-    LineRun &operator=(LineRun const &) = delete;
-    ~LineRun() {
-        EndColumn();
-        Flush();
-    }
     void To(int x, int y) {
         if (m_hasStarted && x == m_x) {
             m_top = std::min(m_top, y);
@@ -91,7 +86,7 @@ public:
         } else {
             EndColumn();
             if (m_hasStarted)
-                Add(QLine(m_x, m_y, x, y));
+                m_lines.emplace_back(m_x, m_y, x, y);
             m_top = m_bottom = y;
         }
         m_hasStarted = true;
@@ -103,24 +98,18 @@ public:
         EndColumn();
         m_hasStarted = false;
     }
+    void Draw(QPainter &painter) {
+        Break();
+        painter.drawLines(m_lines);
+        m_lines.clear();
+    }
 
 private:
     void EndColumn() {
         if (m_hasStarted && m_top != m_bottom)
-            Add(QLine(m_x, m_top, m_x, m_bottom));
-    }
-    void Add(QLine line) {
-        constexpr qsizetype batch = 4096;
-        m_lines.push_back(line);
-        if (m_lines.size() == batch)
-            Flush();
-    }
-    void Flush() {
-        m_painter.drawLines(m_lines);
-        m_lines.clear();
+            m_lines.emplace_back(m_x, m_top, m_x, m_bottom);
     }
 
-    QPainter &m_painter;
     QVector<QLine> m_lines;
     bool m_hasStarted = false;
     int m_x = 0;
@@ -131,44 +120,79 @@ private:
 
 bool IsPlace(PlotPoint point) { return std::isfinite(point.x) && std::isfinite(point.y); }
 
+/// What points become in pixels. One thread at a time.
+class PlotTracer {
+public:
+    PlotTracer(OffscreenSurface const &surface, PlotGeometry const &geometry, std::span<PlotPoint const> points)
+        : m_geometry(geometry), m_points(points), m_field(surface.GetWidth(), surface.GetHeight()) {}
+
+    /// Points from `first` to before `last`; the lines to them begin at the one before, if `isLed`.
+    void Trace(std::size_t first, std::size_t last, bool withLines, bool isLed) {
+        constexpr std::size_t together = 512; // points
+        std::array<Point, together> pixels;
+        for (std::size_t begin = withLines && isLed ? first - 1 : first; begin < last; begin += together) {
+            auto const part = m_points.subspan(begin, std::min(together, last - begin));
+            m_geometry.DataToWnd(part, pixels);
+            for (std::size_t i = 0; i < part.size(); ++i) {
+                bool const isPlace = IsPlace(part[i]);
+                if (withLines && isPlace)
+                    m_run.To(pixels[i].x, pixels[i].y);
+                else if (withLines)
+                    m_run.Break();
+                if (isPlace && begin + i >= first && m_geometry.IsInRange(part[i])) {
+                    m_field.Add(pixels[i].x, pixels[i].y);
+                    m_hasMarkers = true;
+                }
+            }
+        }
+    }
+    [[nodiscard]] LineRun &Lines() { return m_run; }
+    /// False without a point to mark.
+    [[nodiscard]] bool HasMarkers() const { return m_hasMarkers; }
+    [[nodiscard]] MarkerField &Markers() { return m_field; }
+
+private:
+    PlotGeometry const &m_geometry;
+    std::span<PlotPoint const> m_points;
+    MarkerField m_field;
+    LineRun m_run;
+    bool m_hasMarkers = false;
+};
+
 /// Points from `first` to before `last`, all in one colour: lines to them, which begin at the one before, and above
 /// these the markers.
 void DrawSpan(OffscreenSurface &surface, PlotGeometry const &geometry, std::span<PlotPoint const> points,
               bool withLines, std::size_t first, std::size_t last, QColor const &color) {
     if (first == last)
         return;
+    // Points to a thread: for fewer it costs more than it saves, and the lines of more take memory.
+    std::size_t const together = std::clamp<std::size_t>((last - first) / 32, 8192, 262'144);
     QPainter *const painter = withLines ? surface.GetDC() : nullptr;
-    MarkerField field(surface.GetWidth(), surface.GetHeight());
-    bool any = false;
-    {
-        std::optional<LineRun> run;
-        if (painter != nullptr) {
-            painter->setPen(QPen(color, 1));
-            run.emplace(*painter);
-        }
-        constexpr std::size_t together = 512; // points
-        std::array<Point, together> pixels;
-        for (std::size_t begin = run && first > 0 ? first - 1 : first; begin < last; begin += together) {
-            auto const part = points.subspan(begin, std::min(together, last - begin));
-            geometry.DataToWnd(part, pixels);
-            for (std::size_t i = 0; i < part.size(); ++i) {
-                bool const isPlace = IsPlace(part[i]);
-                if (run && isPlace)
-                    run->To(pixels[i].x, pixels[i].y);
-                else if (run)
-                    run->Break();
-                if (isPlace && begin + i >= first && geometry.IsInRange(part[i])) {
-                    field.Add(pixels[i].x, pixels[i].y);
-                    any = true;
-                }
-            }
-        }
+    if (painter != nullptr)
+        painter->setPen(QPen(color, 1));
+    PlotTracer here(surface, geometry, points);
+    PlotTracer there(surface, geometry, points); // on the second thread
+    for (std::size_t begin = first; begin < last;) {
+        std::size_t const middle = std::min(begin + together, last);
+        std::size_t const end = std::min(middle + together, last);
+        std::future<void> other;
+        if (middle < end)
+            other = DoAside([&, middle, end] { there.Trace(middle, end, painter != nullptr, true); });
+        here.Trace(begin, middle, painter != nullptr, begin > 0);
+        if (painter != nullptr)
+            here.Lines().Draw(*painter);
+        if (other.valid())
+            other.get();
+        if (painter != nullptr)
+            there.Lines().Draw(*painter);
+        begin = end;
     }
-    if (!any)
+    if (!here.HasMarkers() && !there.HasMarkers())
         return;
+    here.Markers().Add(there.Markers());
     double const ratio = surface.GetImage().devicePixelRatio();
-    FillPixels(surface.GetPixels(), field.Render(ratio, [ratio](int x, int y) { return ShapeAt(x, y, ratio); }),
-               color.rgb());
+    PixelRows const pixels = here.Markers().Render(ratio, [ratio](int x, int y) { return ShapeAt(x, y, ratio); });
+    FillPixels(surface.GetPixels(), pixels, color.rgb());
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "zelvar/data/HistogramReader.h"
 
+#include "zelvar/base/Aside.h"
 #include "zelvar/data/OpenImage.h"
 
 #include <algorithm>
@@ -9,7 +10,6 @@
 #include <future>
 #include <limits>
 #include <span>
-#include <system_error>
 #include <type_traits>
 #include <vector>
 
@@ -62,12 +62,7 @@ private:
         if (used.valid())
             used.get();
         m_samples.swap(m_used);
-        auto const work = [this, &use] { use(m_used); };
-        try {
-            used = std::async(std::launch::async, work);
-        } catch (std::system_error const &) {
-            work(); // the system has no thread to give
-        }
+        used = DoAside([this, &use] { use(m_used); });
     }
 
     OpenImage const &m_image;

@@ -1,5 +1,6 @@
 #include "zelvar/pixels/CubicResize.h"
 
+#include "zelvar/base/Aside.h"
 #include "zelvar/pixels/MixKernels.h"
 
 #include <algorithm>
@@ -7,7 +8,6 @@
 #include <cmath>
 #include <cstdint>
 #include <future>
-#include <system_error>
 #include <vector>
 
 namespace zelvar {
@@ -141,12 +141,8 @@ void ResizeCubic(DCanvas const &source, int width, int height, DCanvas &target, 
             std::max(std::int64_t{width} * height, std::int64_t{source.GetWidth()} * source.GetHeight());
         std::size_t const half = pixels < kWorthAThread ? 0 : rows.Size() / 2;
         std::future<void> upper;
-        try {
-            if (half > 0)
-                upper = std::async(std::launch::async, make, 0, half);
-        } catch (std::system_error const &) {
-            make(0, half); // the system has no thread to give
-        }
+        if (half > 0)
+            upper = DoAside([&] { make(0, half); });
         make(half, rows.Size());
         if (upper.valid())
             upper.get();

@@ -1,11 +1,11 @@
 #include "zelvar/pixels/ScaleDataBuf.h"
 
+#include "zelvar/base/Aside.h"
 #include "zelvar/pixels/ScaleKernels.h"
 
 #include <algorithm>
 #include <cmath>
 #include <future>
-#include <system_error>
 
 namespace zelvar {
 
@@ -27,12 +27,8 @@ void InHalves(std::size_t begin, std::size_t end, Work const &work) {
     // Vectors stay whole, and no line of the processor's cache is written by both.
     std::size_t const middle = end - begin < kWorthAThread ? begin : begin + (end - begin) / 2 / 64 * 64;
     std::future<void> first;
-    try {
-        if (middle > begin)
-            first = std::async(std::launch::async, [&] { work(begin, middle); });
-    } catch (std::system_error const &) {
-        work(begin, middle); // the system has no thread to give
-    }
+    if (middle > begin)
+        first = DoAside([&] { work(begin, middle); });
     work(middle, end);
     if (first.valid())
         first.get();

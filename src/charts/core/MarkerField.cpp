@@ -73,6 +73,11 @@ void OrSpread(Word *target, Bits const &source, int first, int last) {
 
 } // namespace
 
+void PixelRows::Add(PixelRows const &other) {
+    for (std::size_t i = 0; i < m_words.size(); ++i)
+        m_words[i] |= other.m_words[i];
+}
+
 PixelRows::PixelRows(int width, int height) {
     if (width < 1 || height < 1)
         return;

@@ -28,6 +28,8 @@ public:
         return (Row(y)[x / kBits] >> static_cast<unsigned>(x % kBits) & 1U) != 0;
     }
     [[nodiscard]] bool IsEmpty() const { return m_words.empty(); }
+    /// The pixels of another picture of the same size.
+    void Add(PixelRows const &other);
 
     static constexpr int kBits = 64;
 
@@ -60,6 +62,9 @@ public:
         if (x >= 0 && y >= 0 && x < m_places.Width() && y < m_places.Height())
             m_places.Set(x, y);
     }
+
+    /// The places of another field of the same size.
+    void Add(MarkerField const &other) { m_places.Add(other.m_places); }
 
     /// The shape of a marker at a logical pixel; it is asked for one of all that lie alike in the device's pixels.
     using ShapeAt = std::function<MarkerShape(int x, int y)>;

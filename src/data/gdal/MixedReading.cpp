@@ -1,12 +1,13 @@
 #include "zelvar/data/gdal/MixedReading.h"
 
+#include "zelvar/base/Aside.h"
+
 #include <gdal.h>
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <future>
-#include <system_error>
 #include <type_traits>
 
 namespace zelvar::gdal {
@@ -124,12 +125,7 @@ bool ReadMixed(std::vector<BandHandle> const &bands, Window const &window, Mixin
             (isMasked && !ReadRows({GDALGetMaskBand(band)}, wanted, strip.mask.data(), stop)))
             return false;
         former.Wait();
-        auto const mix = [&resampler, &strip, &area, rows] { Mix(resampler, strip, rows, area); };
-        try {
-            strip.mixed = std::async(std::launch::async, mix);
-        } catch (std::system_error const &) {
-            mix(); // the system has no thread to give
-        }
+        strip.mixed = DoAside([&resampler, &strip, &area, rows] { Mix(resampler, strip, rows, area); });
     }
     strips[0].Wait();
     strips[1].Wait();

@@ -1,5 +1,6 @@
 #include "zelvar/data/reader/TreeProbes.h"
 
+#include "zelvar/base/Aside.h"
 #include "zelvar/base/PathStyle.h"
 #include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/data/reader/Readers.h"
@@ -10,7 +11,6 @@
 #include <future>
 #include <map>
 #include <optional>
-#include <system_error>
 #include <tuple>
 #include <unordered_map>
 #include <utility>
@@ -180,11 +180,7 @@ public:
             m_claimed.limit = (Readers::Instance().Pool().TimeForServerFiles() - listing->looked) / share;
         if (listing != nullptr)
             m_looks.limit = (TreeProbes::TimeForLooks() - listing->looked) / share;
-        try {
-            m_done = std::async(std::launch::async, [this] { Ask(); });
-        } catch (std::system_error const &) {
-            m_done = std::async(std::launch::deferred, [this] { Ask(); }); // no thread to be had
-        }
+        m_done = DoAside([this] { Ask(); });
     }
     ~FilesAsked() override {
         m_isStopped = true;
