@@ -49,6 +49,7 @@ private:
 class TellingView : public ReportView, public Teller {
 public:
     using ReportView::Geometry;
+    bool takes = false; ///< the clicks, which nobody else is told of then
 
 protected:
     bool OnItemChanged(int row, unsigned, unsigned newState) override {
@@ -59,10 +60,10 @@ protected:
         Tell("rows " + std::to_string(first) + "-" + std::to_string(last) + "=" + std::to_string(newState));
         return false;
     }
-    bool OnColumnClick(int col) override { return Tell("heading " + std::to_string(col)), false; }
-    bool OnClick(ReportHit hit, Point) override { return Tell("click " + std::to_string(hit.row)), false; }
-    bool OnRClick(ReportHit hit, Point) override { return Tell("right " + std::to_string(hit.row)), false; }
-    bool OnDblClick(ReportHit hit, Point) override { return Tell("double " + std::to_string(hit.row)), false; }
+    bool OnColumnClick(int col) override { return Tell("heading " + std::to_string(col)), takes; }
+    bool OnClick(ReportHit hit, Point) override { return Tell("click " + std::to_string(hit.row)), takes; }
+    bool OnRClick(ReportHit hit, Point) override { return Tell("right " + std::to_string(hit.row)), takes; }
+    bool OnDblClick(ReportHit hit, Point) override { return Tell("double " + std::to_string(hit.row)), takes; }
 };
 
 /// Three columns; rows "row 0", "row 1", ...

@@ -115,8 +115,11 @@ TEST(ReportView, ClicksAreToldInOrder) {
     TellingView view;
     FillStored(view, 5);
     Stage stage(view);
+    for (auto const signal : {&ReportView::Click, &ReportView::RightClick, &ReportView::DoubleClick})
+        QObject::connect(&view, signal, [&view](int row, int col) { view.Tell(Format("told of %d %d", row, col)); });
+    QObject::connect(&view, &ReportView::ColumnClick, [&view](int col) { view.Tell(Format("told of %d", col)); });
     stage.Click(1);
-    EXPECT_EQ(view.Take(), "row 1=3, click 1");
+    EXPECT_EQ(view.Take(), "row 1=3, click 1, told of 1 0");
     constexpr unsigned both = LVNI_FOCUSED | LVNI_SELECTED;
     test::Rows<int, unsigned, int> const following = {{0, LVNI_FOCUSED, 1},
                                                       {1, LVNI_FOCUSED, -1},
@@ -133,11 +136,17 @@ TEST(ReportView, ClicksAreToldInOrder) {
     QTest::mouseRelease(view.viewport(), Qt::LeftButton, {}, QPoint(-5, 5));
     EXPECT_EQ(view.Take(), "") << "it went up outside";
     QTest::mouseDClick(view.viewport(), Qt::LeftButton, {}, stage.Middle(1));
-    EXPECT_EQ(view.Take(), "double 1");
-    stage.Click(3, {}, Qt::RightButton);
-    EXPECT_EQ(view.Take(), "row 1=0, row 3=3, right 3");
+    EXPECT_EQ(view.Take(), "double 1, told of 1 0");
+    stage.Click(3, {}, Qt::RightButton, 1);
+    EXPECT_EQ(view.Take(), "row 1=0, row 3=3, right 3, told of 3 1");
     stage.ClickHeading(2);
-    EXPECT_EQ(view.Take(), "heading 2");
+    EXPECT_EQ(view.Take(), "heading 2, told of 2");
+    view.takes = true;
+    stage.Click(3);
+    stage.Click(3, {}, Qt::RightButton);
+    QTest::mouseDClick(view.viewport(), Qt::LeftButton, {}, stage.Middle(3));
+    stage.ClickHeading(0);
+    EXPECT_EQ(view.Take(), "click 3, right 3, double 3, heading 0");
     std::string heard;
     QObject::connect(&view, &ReportView::ContextMenu, [&heard](QPoint) { heard = "menu"; });
     QContextMenuEvent menu(QContextMenuEvent::Keyboard, QPoint(), QPoint());
@@ -196,6 +205,11 @@ TEST(ReportView, GroupsStandInTheirOrderAndTheKeyboardFollowsTheEye) {
     EXPECT_EQ(stage.Selected(), "0 1 3");
     QTest::mouseClick(view.viewport(), Qt::LeftButton, {}, QPoint(20, header / 2));
     EXPECT_EQ(stage.Selected(), "0 1 3") << "a group's header is no row";
+    QImage const picture = test::PictureOf(*view.viewport());
+    for (int const row : {1, 0}) {
+        QRect const above(4, view.GetItemRect(row).top - header, 80, header);
+        EXPECT_GT(test::StrongestContrast(picture, above), 3) << "each header is read";
+    }
     test::Shot(view, QStringLiteral("report-groups"));
     view.DeleteItem(1);
     view.DeleteItem(2);
@@ -205,6 +219,8 @@ TEST(ReportView, GroupsStandInTheirOrderAndTheKeyboardFollowsTheEye) {
 TEST(ReportView, StoredTextsFollowTheirColumns) {
     TellingView view;
     FillStored(view, 2);
+    EXPECT_TRUE(view.SetItemImage(1, 3) && view.SetItemWord(1, 5) && view.SetItemGroup(1, 7));
+    EXPECT_TRUE(view.GetItemImage(1) == 3 && view.GetItemWord(1) == 5 && view.GetItemGroup(1) == 7);
     EXPECT_EQ(view.DeleteColumn(1), 1);
     view.InsertColumn(1, "New", LVCFMT_LEFT, 50);
     EXPECT_EQ(view.GetItemText(1, 1) + view.GetItemText(1, 2), "table");

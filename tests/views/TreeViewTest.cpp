@@ -74,6 +74,13 @@ TEST(TreeView, ItemsGoWhereTheyAreTold) {
         EXPECT_EQ(item->state != 0 && item->selectedImage == 4, (mask & TVIF_STATE) != 0);
     }
     EXPECT_EQ(tree.GetCount(), 12U);
+    for (unsigned const bit : {TVIS_CUT, TVIS_BOLD, TVIS_DROPHILITED, TVIS_SELECTED, TVIS_EXPANDED})
+        for (unsigned const state : {bit, 0U}) {
+            unsigned const others = tree.GetItemState(family.parent, ~bit);
+            EXPECT_TRUE(tree.SetItemState(family.parent, state | ~bit, bit) && tree.SetItemState(lazy, 0, bit));
+            EXPECT_EQ(tree.GetItemState(family.parent, ~0U), state | others) << bit;
+        }
+    tree.SelectItem(family.first);
     tree.SortChildren(family.parent);
     EXPECT_TRUE(tree.GetSelectedItem() == family.first && tree.currentIndex().row() == 0) << "it was second";
     EXPECT_EQ(tree.GetItemText(tree.GetChildItem(family.parent)), "first");
@@ -251,6 +258,13 @@ TEST(TreeView, AnEditedLabelIsTakenOverOnlyIfSomebodySaysSo) {
     tree.GetEditControl()->setText("newer");
     EXPECT_EQ(tree.EditLabel(nullptr), nullptr);
     EXPECT_EQ(tree.GetItemText(item), "newer");
+    tree.EditLabel(item)->setText("newest");
+    QFocusEvent menu(QEvent::FocusOut, Qt::PopupFocusReason);
+    QApplication::sendEvent(tree.GetEditControl(), &menu);
+    EXPECT_NE(tree.GetEditControl(), nullptr) << "its own menu is open";
+    tree.setFocus();
+    EXPECT_EQ(tree.GetEditControl(), nullptr);
+    EXPECT_EQ(tree.GetItemText(item), "newest");
 }
 
 TEST(TreeView, AnEditEndsWithItsItemAndWithTheTree) {
