@@ -62,7 +62,7 @@ QList<QWidget *> Areas(QMainWindow const &window) {
     bars.removeIf([](CZelDockBar const *bar) { return bar->isHidden(); });
     std::ranges::stable_sort(bars, [&](CZelDockBar *a, CZelDockBar *b) { return rank(a) < rank(b); });
     QList<QWidget *> areas;
-    if (QWidget *const middle = window.centralWidget(); middle != nullptr && middle->isVisible())
+    if (QWidget *const middle = window.centralWidget())
         areas.append(middle);
     for (CZelDockBar *const bar : std::as_const(bars))
         areas.append(bar);

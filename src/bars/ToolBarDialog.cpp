@@ -36,10 +36,10 @@ ToolBarDialog::ToolBarDialog(CZelToolBar const &bar, XMLNode const &designed, QW
     }
     side->addStretch();
     auto *const upper = new QHBoxLayout;
-    upper->addWidget(m_elements, 1);
+    upper->addWidget(m_elements);
     upper->addLayout(side);
     auto *const all = new QVBoxLayout(this);
-    all->addLayout(upper, 1);
+    all->addLayout(upper);
     all->addWidget(m_large);
     all->addWidget(answers);
     for (int i = 0; i < bar.GetCount(); ++i)
