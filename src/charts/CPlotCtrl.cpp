@@ -37,7 +37,7 @@ void CPlotCtrl::Clear() {
 void CPlotCtrl::DrawTitle(bool on) {
     constexpr int room = 10;
     m_margins.top += on ? room : -room;
-    Set(m_drawTitle, on);
+    MarkDirty();
 }
 
 std::optional<std::size_t> CPlotCtrl::SelectedIndex() const {

@@ -97,7 +97,6 @@ private:
     DString m_title;
     bool m_drawGrid = true;
     bool m_drawLine = false;
-    bool m_drawTitle = false;
     bool m_drawEveryXTick = false;
 };
 

@@ -61,8 +61,7 @@ TEST(HistogramGeometry, EdgesAreLabelledAllOrTheOuterTwo) {
     EXPECT_EQ(outer[3].label, "9.0");
     EXPECT_EQ(outer[3].labelRect, (Rect{123, 76, 147, 95}));
     DHstg const fine(1'000'000, 0, 1);
-    EXPECT_TRUE(Chart(&fine).TickMarksX(true).empty());
-    EXPECT_TRUE(Chart(nullptr).TickMarksX(true).empty());
+    EXPECT_TRUE(Chart(&fine).TickMarksX(true).empty() && Chart(nullptr).TickMarksX(true).empty());
 }
 
 TEST(HistogramGeometry, AClickPicksTheSlotUnderIt) {
