@@ -45,6 +45,13 @@ TEST(CZelButton, APictureAboveTheTextMakesItHigher) {
         EXPECT_NE(button.icon().isNull(), isShown) << image;
     }
     QSize const beside = button.sizeHint();
+    for (auto const align : {Align::Before, Align::Behind}) { // the content keeps off the edges
+        button.SetAlign(align);
+        EXPECT_EQ(button.sizeHint() - beside, QSize(8, 0));
+        button.SetImage(&images, -1);
+        EXPECT_EQ(button.sizeHint(), button.QPushButton::sizeHint()) << "there is one content only";
+        button.SetImage(&images, 0);
+    }
     button.SetImageSide(Side::Above);
     EXPECT_GT(button.sizeHint().height(), beside.height());
     EXPECT_LE(button.sizeHint().width(), beside.width());

@@ -73,6 +73,8 @@ TEST(GUITools, APathLosesItsMiddleFolders) {
         EXPECT_EQ(GUITools::ShortenPath(path, font, width), fits);
         EXPECT_EQ(GUITools::ShortenPath(path, font, width - 1), below);
     }
+    for (char const *const below : {"data/…/2024/a.tif", "data/…/a.tif"})
+        EXPECT_EQ(GUITools::ShortenPath("data/far/2024/a.tif", font, GUITools::TextWidth(font, below)), below);
     EXPECT_EQ(GUITools::ShortenPath("a/b\xff", font, 1000), "a/b\xEF\xBF\xBD");
     EXPECT_EQ(GUITools::ShortenPath("", font, 0), "");
     for (int width = 0; width < 200; ++width) { // whatever the width, never wider

@@ -43,8 +43,7 @@ TEST(CGrpCtrl, FoldingGivesItsHeightAwayAndKeepsItsWidth) {
     int const below = column.below->y();
     column.group->SetFolded(true);
     column.Settle();
-    EXPECT_TRUE(column.group->IsFolded());
-    EXPECT_FALSE(column.inside->isVisible());
+    EXPECT_TRUE(column.group->IsFolded() && !column.inside->isVisible());
     EXPECT_LE(column.group->height(), open.height() - column.inside->height());
     EXPECT_GE(column.group->minimumSizeHint().width(), least);
     EXPECT_LE(column.below->y(), below - column.inside->height());
@@ -93,16 +92,13 @@ TEST(CGrpCtrl, AFieldHiddenByTheApplicationStaysHidden) {
     column.inside->show();
     EXPECT_FALSE(column.inside->isVisible()) << "not while it is folded away";
     column.group->SetMode(Mode::Plain);
-    EXPECT_TRUE(column.inside->isVisible());
-    EXPECT_FALSE(column.group->IsFolded());
+    EXPECT_TRUE(column.inside->isVisible() && !column.group->IsFolded());
 }
 
 TEST(CGrpCtrl, TheCheckBoxEnablesTheContent) {
     Column column(Mode::Enables);
     QTest::keyClick(column.group, Qt::Key_Space);
-    EXPECT_FALSE(column.group->GetCheck());
-    EXPECT_TRUE(column.inside->isVisible());
-    EXPECT_FALSE(column.inside->isEnabled());
+    EXPECT_TRUE(!column.group->GetCheck() && column.inside->isVisible() && !column.inside->isEnabled());
     column.group->SetFolded(true);
     column.group->SetCheck(true);
     EXPECT_TRUE(column.inside->isEnabled());
