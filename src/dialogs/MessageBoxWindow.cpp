@@ -191,9 +191,9 @@ void MessageBoxWindow::PlaceControls(DialogBlock const &block) {
         if (auto *const box = platform::GetDlgItem<QCheckBox>(*this, control.id)) {
             WrapCaption(*box, screen.width() - 8 - 2 * place.left);
             place.right = std::max(place.right, place.left + box->sizeHint().width());
-            int const more = std::max(0, box->sizeHint().height() - place.Height());
-            place.bottom += more;
-            client.bottom += more;
+            int const bottom = std::max(place.bottom, place.top + box->sizeHint().height());
+            client.bottom += bottom - place.bottom;
+            place.bottom = bottom;
         }
         placed.push_back({control.id, place, NeededWidth(platform::GetDlgItem<QPushButton>(*this, control.id))});
     }

@@ -72,8 +72,7 @@ TEST_F(Selector, ContainersAreExpandedOnceAndTheirFoldersOpenAndClose) {
         TreeNode *const broken = hands.Select("broken");
         EXPECT_EQ(hands.Rows(), "");
         EXPECT_TRUE(hands.ok.isEnabled());
-        EXPECT_FALSE(hands.tree.Expand(broken, TVE_EXPAND));
-        EXPECT_FALSE(hands.tree.ItemHasChildren(broken));
+        EXPECT_FALSE(hands.tree.Expand(broken, TVE_EXPAND) || hands.tree.ItemHasChildren(broken));
         Shot(hands.window, "selector-expanded");
     });
 }

@@ -17,13 +17,13 @@ CDialogTmpl::Bytes BlockOf(CDialogTmpl const &dialog) { return dialog.Block(*std
 TEST(DialogTemplateBlock, IsTheTemplateByteForByte) {
     CDialogTmpl dialog({6, 13});
     dialog.SetStyle(0x90C80880);
-    dialog.SetCaption("Öl");
+    dialog.SetCaption("Öl€\xF0\x9F\x98\x80");
     dialog.SetSize({100, 50});
     dialog.AddItem(CDialogTmpl::kStatic, 1001, "a", Rect{16, 16, 47, 42});
     dialog.AddItem(CDialogTmpl::kCheckBox, 5555, "", std::nullopt);
     EXPECT_EQ(Hex(BlockOf(dialog)),
               "8008c8900000000002000000000042001e00"         // 100 * 4 / 6 by 50 * 8 / 13
-              "00000000d6006c000000"                         // no menu, no class, the caption
+              "00000000d6006c00ac203dd800de00000000"         // no menu, no class, the caption
               "00000050000000000a00090014001000e903ffff8200" // place, id, class
               "610000000000"                                 // title, no data
               "030001500000000000000000"
