@@ -157,8 +157,7 @@ TEST_F(CountedList, EscapeStopsASortAndLeavesTheListAsItWas) {
     EXPECT_FALSE(fate.isClosed);
     EXPECT_EQ(stage.Selected(), "1");
     EXPECT_EQ(list.GetID(5), 5);
-    EXPECT_FALSE(list.GetHeaderCtrl()->isSortIndicatorShown());
-    EXPECT_TRUE(list.GetLastSort().IsSortAscnd(2));
+    EXPECT_TRUE(!list.GetHeaderCtrl()->isSortIndicatorShown() && list.GetLastSort().IsSortAscnd(2));
     EXPECT_GT(list.GetNumRow(), list.GetCacheRows());
     fate.rows = list.GetCacheRows() + 1;
     stage.ClickHeading(0);

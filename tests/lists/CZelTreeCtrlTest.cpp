@@ -77,8 +77,7 @@ struct CZelTreeCtrlTest : testing::Test {
         return image.first;
     }
     void ExpectNoDrag() {
-        EXPECT_FALSE(tree.IsInDragMode());
-        EXPECT_TRUE(tree.GetDragItem() == nullptr && tree.GetDropHilightItem() == nullptr);
+        EXPECT_TRUE(!tree.IsInDragMode() && tree.GetDragItem() == nullptr && tree.GetDropHilightItem() == nullptr);
         EXPECT_TRUE(QApplication::overrideCursor() == nullptr && QWidget::mouseGrabber() == nullptr);
         EXPECT_EQ(Overlay(), nullptr);
     }
@@ -122,9 +121,8 @@ TEST_F(CZelTreeCtrlTest, ADragMarksItsTargetAndEndsWithTheButtonThatBeganIt) {
         EXPECT_TRUE(isLeft ? tree.IsLeftDrag() : tree.IsRghtDrag());
         EXPECT_TRUE(tree.GetDragItem() == a1 && tree.GetDropHilightItem() == b);
         EXPECT_EQ(QWidget::mouseGrabber(), tree.viewport());
-        ASSERT_NE(QApplication::overrideCursor(), nullptr);
+        ASSERT_TRUE(QApplication::overrideCursor() != nullptr && Overlay() != nullptr);
         EXPECT_EQ(QApplication::overrideCursor()->shape(), Qt::BlankCursor);
-        ASSERT_NE(Overlay(), nullptr);
         EXPECT_EQ(Overlay()->pos(), stage.On(b)); // the pointer holds its corner
         Shot(tree, "tree-control-drag");
         stage.Release(stage.On(b), isLeft ? Qt::RightButton : Qt::LeftButton);
@@ -200,8 +198,7 @@ TEST(CZelTreeCtrl, ADragBeyondTheEdgesScrollsAndTheTreeMayDieInIt) {
     tree->verticalScrollBar()->setValue(tree->verticalScrollBar()->maximum());
     TreeNode *const last = tree->GetFirstVisibleItem();
     stage.Move(QPoint(20, below), Qt::LeftButton);
-    EXPECT_EQ(tree->GetFirstVisibleItem(), last);
-    EXPECT_TRUE(tree->IsInDragMode());
+    EXPECT_TRUE(tree->GetFirstVisibleItem() == last && tree->IsInDragMode());
     tree.reset();
     EXPECT_EQ(QApplication::overrideCursor(), nullptr);
     EXPECT_EQ(QWidget::mouseGrabber(), nullptr);
@@ -342,8 +339,7 @@ TEST(CZelTreeCtrlEx, CursorsAreChained) {
     EXPECT_EQ(last.GetParent(), root);
     EXPECT_TRUE(root.SortChildren() && root.GetChild().GetNextSibling() == last) << "first, last, middle";
     EXPECT_TRUE(root.Expand() && root.IsExpanded() && root.HasChildren());
-    EXPECT_TRUE(last.Select() && tree.GetSelectedItem() == last);
-    EXPECT_TRUE(last.SetData(7) && tree.GetItemData(last) == 7);
+    EXPECT_TRUE(last.Select() && tree.GetSelectedItem() == last && last.SetData(7) && tree.GetItemData(last) == 7);
 
     CTreeCursor const none = tree.GetChildItem(last); // a leaf has no child
     EXPECT_TRUE(none == nullptr && none.GetTree() == &tree);
@@ -351,8 +347,7 @@ TEST(CZelTreeCtrlEx, CursorsAreChained) {
     EXPECT_TRUE(none.GetRoot() == root && none.GetSelected() == last) << "the tree's, whatever the item";
     EXPECT_FALSE(none.Select() || none.Expand() || none.SetText("x") || none.EnsureVisible());
     CTreeCursor gone = root.GetChild();
-    EXPECT_TRUE(gone.Delete() && gone == nullptr);
-    EXPECT_FALSE(gone.Delete());
+    EXPECT_TRUE(gone.Delete() && gone == nullptr && !gone.Delete());
     EXPECT_TRUE(CTreeCursor().AddTail("x").GetRoot() == nullptr);
     ImageList images;
     EXPECT_EQ(tree.SetImageList(&images, TVSIL_NORMAL), nullptr);

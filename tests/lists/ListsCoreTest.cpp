@@ -153,8 +153,7 @@ TEST(CellCache, EqualCellsShareTheirTextAndNothingIsLostBehindANul) {
     CellCache cache = Filled({"same", "same", "sam", "a", {"a\0b", 3}, {"a\0b", 3}, "", ""});
     EXPECT_EQ(cache.Cell(0, 0), cache.Cell(1, 0)); // one text
     EXPECT_EQ(cache.Cell(2, 0), "sam"sv);
-    EXPECT_EQ(cache.Cell(4, 0), "a\uFFFDb"sv);
-    EXPECT_EQ(cache.Cell(5, 0), "a\uFFFDb"sv);
+    EXPECT_TRUE(cache.Cell(4, 0) == "a\uFFFDb"sv && cache.Cell(5, 0) == "a\uFFFDb"sv);
     EXPECT_EQ(cache.Cell(6, 0), cache.Cell(7, 0));
     cache.AddRow();
     cache.DropRow();
