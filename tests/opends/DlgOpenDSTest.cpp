@@ -339,8 +339,7 @@ TEST_F(OpenDialog, AWorkspaceOffersTwoWaysOfOpeningOfWhichOneExcludesTheOther) {
                       PressOk(*dialog);
                   }),
               QDialog::Accepted);
-    EXPECT_TRUE(dialog->GetEditOnly());
-    EXPECT_FALSE(dialog->GetReadOnly());
+    EXPECT_TRUE(dialog->GetEditOnly() && !dialog->GetReadOnly());
 }
 
 TEST_F(OpenDialog, TheLiftedPreviewCoversTheDialogUntilAClickEscapeOrItsEnd) {
@@ -355,11 +354,11 @@ TEST_F(OpenDialog, TheLiftedPreviewCoversTheDialogUntilAClickEscapeOrItsEnd) {
                  [&] { QTest::keyClick(&preview, Qt::Key_Escape); }}) {
             Click(&preview);
             ASSERT_TRUE(preview.IsLifted());
-            EXPECT_EQ(preview.size(), dialog->size());
+            EXPECT_EQ(preview.geometry(), QRect(dialog->mapToGlobal(QPoint()), dialog->size()));
+            EXPECT_TRUE(preview.isWindow() && preview.parentWidget() == dialog.get());
             Shot(preview, "ImagePreviewWnd-lifted");
             putBack();
-            EXPECT_FALSE(preview.IsLifted());
-            EXPECT_TRUE(preview.isVisible() && dialog->isVisible());
+            EXPECT_TRUE(!preview.IsLifted() && preview.isVisible() && dialog->isVisible());
             EXPECT_EQ(preview.geometry(), home);
         }
         Click(&preview);

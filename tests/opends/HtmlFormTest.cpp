@@ -45,6 +45,13 @@ TEST(HtmlForm, WordsOfNeighbouringPiecesDoNotRunTogetherAndScriptsStayOut) {
     for (FormNode const *piece : AllOf(page, Kind::Text))
         text += piece->text;
     EXPECT_EQ(DString(Trimmed(text)), "Options for sample files");
+    FormNode const fields = ParseHtmlForm("<div> <input type=submit> <input type=Button value=Go> x<b> </b>y</div>"
+                                          "<input type=reset><button value=r>Run <b>it</b> </button>");
+    EXPECT_EQ(AllOf(fields, Kind::Text).size(), 3U) << "no blank of its own but between words";
+    DString buttons;
+    for (FormNode const *button : AllOf(fields, Kind::Button))
+        buttons += button->text + "|";
+    EXPECT_EQ(buttons, "Submit|Go||Run it|");
 }
 
 TEST(HtmlForm, InputTypesThatAreNotKnownReadAsText) {
@@ -61,8 +68,7 @@ TEST(HtmlForm, HostilePagesEndQuicklyWithWhatTheyHold) {
     for (int i = 0; i < 100000; ++i)
         nested += "<div>";
     EXPECT_NO_THROW(std::ignore = ParseHtmlForm(nested + "<input name=x>"));
-    EXPECT_TRUE(ParseHtmlForm(DString(kMaxPageBytes + 1, 'x')).children.empty());
-    EXPECT_TRUE(ParseHtmlForm("").children.empty());
+    EXPECT_TRUE(ParseHtmlForm(DString(kMaxPageBytes + 1, 'x')).children.empty() && ParseHtmlForm("").children.empty());
     EXPECT_NO_THROW(std::ignore = ParseHtmlForm(DString("<a\0b\xff<<<>>&#xffffffff;<input name='", 34)));
     EXPECT_EQ(AllOf(ParseHtmlForm("<table><td colspan=999999999>x</table>"), Kind::Cell).at(0)->span, 100);
 }

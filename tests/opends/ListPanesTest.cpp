@@ -131,9 +131,7 @@ TEST_F(ListPanes, ListsThatAreFilledTogetherReadAFolderOnce) {
         third->ResetItems(roots);
         EXPECT_EQ(shell->EnumerateCalls("/data"), calls + 2) << "another mask";
     }
-    EXPECT_TRUE(HasRows(*first, 2));
-    EXPECT_TRUE(HasRows(*second, 3));
-    EXPECT_TRUE(HasRows(*third, 1));
+    EXPECT_TRUE(HasRows(*first, 2) && HasRows(*second, 3) && HasRows(*third, 1));
     first->Refresh();
     EXPECT_EQ(shell->EnumerateCalls("/data"), calls + 3) << "not beyond";
 
@@ -242,13 +240,11 @@ TEST_F(ListPanes, AfterAListingTheKeyboardAndTheSelectionAreWhereTheyWereAndInSi
     list->SetItemState(20, LVIS_SELECTED, LVIS_SELECTED); // without the keyboard
     list->ApplyFileFilter("*", "format");
     ASSERT_TRUE(HasRows(*list, kRows));
-    EXPECT_TRUE(isAt("f50"));
-    EXPECT_TRUE(list->GetSlct(20));
+    EXPECT_TRUE(isAt("f50") && list->GetSlct(20));
     list->Reset();
     list->ShowDir(Item("/data"), Item("/data/f40"));
     ASSERT_TRUE(HasRows(*list, kRows));
-    EXPECT_TRUE(isAt("f40"));
-    EXPECT_TRUE(list->GetSlct(40));
+    EXPECT_TRUE(isAt("f40") && list->GetSlct(40));
 }
 
 TEST_F(ListPanes, ANarrowedMaskDropsRowsAtARefreshWithoutAskingForTheOthers) {
@@ -401,9 +397,7 @@ TEST_F(ListPanes, TheContextMenuComesOverAFavouriteOnlyAndDeletesIt) {
         QApplication::sendEvent(list.viewport(), &event);
         return came;
     };
-    EXPECT_FALSE(askForMenu(0));
-    EXPECT_TRUE(askForMenu(1));
-    EXPECT_TRUE(RowsOf(list, kGroupFavorites).empty());
+    EXPECT_TRUE(!askForMenu(0) && askForMenu(1) && RowsOf(list, kGroupFavorites).empty());
     EXPECT_FALSE(Favorites::Contains("/data/one"));
 }
 
@@ -551,8 +545,7 @@ TEST_F(ListPanes, AHierarchyShowsALevelAPaneAndADoubleClickOnNothingDoesNothing)
     EXPECT_TRUE(HasRows(*hierarchy.GetPane(0), 1)) << "what was shown before it was emptied";
     hierarchy.GetSplitter()->StaticSplitColumn(100, nullptr);
     ASSERT_EQ(hierarchy.GetPaneCount(), 2);
-    EXPECT_TRUE(hierarchy.GetPane(1)->isVisible());
-    EXPECT_FALSE(hierarchy.SortPane(5, 0, true));
+    EXPECT_TRUE(hierarchy.GetPane(1)->isVisible() && !hierarchy.SortPane(5, 0, true));
 }
 
 } // namespace
