@@ -143,15 +143,23 @@ DialogItem const *LabelOf(DialogItem const &field, std::span<DialogItem const> i
     return nearest;
 }
 
+/// An item and what it has become.
+struct Built {
+    DialogItem const &item;
+    QWidget *control; ///< the dialog's
+};
+
 /// A caption that was made wider moves the one that follows it in its row along.
-void KeepApart(std::span<DialogItem const> items, std::vector<QWidget *> const &controls) {
+void KeepApart(std::vector<Built> const &controls) {
     constexpr int gap = 8; // pixels
-    for (std::size_t i = 0; i + 1 < items.size(); ++i) {
-        DialogItem const &next = items[i + 1];
-        if (!EndsInCaption(items[i].kind) || !EndsInCaption(next.kind) || next.y != items[i].y || next.x < items[i].x)
-            continue;
-        int const left = controls[i]->geometry().right() + 1 + gap;
-        controls[i + 1]->move(std::max(left, controls[i + 1]->x()), controls[i + 1]->y());
+    Built const *former = nullptr;
+    for (Built const &next : controls) {
+        if (former != nullptr && EndsInCaption(former->item.kind) && EndsInCaption(next.item.kind) &&
+            next.item.y == former->item.y && next.item.x >= former->item.x) {
+            int const left = former->control->geometry().right() + 1 + gap;
+            next.control->move(std::max(left, next.control->x()), next.control->y());
+        }
+        former = &next;
     }
 }
 
@@ -160,39 +168,39 @@ bool IsInRowOf(DialogItem const &item, DialogItem const &other) {
 }
 
 /// A label that needs more than the template has makes the field behind it begin later.
-void MakeRoomForLabels(std::span<DialogItem const> items, std::vector<QWidget *> const &controls) {
+void MakeRoomForLabels(std::vector<Built> const &controls) {
     constexpr int gap = 4; // pixels
-    for (std::size_t i = 0; i < items.size(); ++i)
-        for (std::size_t j = 0; j < items.size(); ++j) {
-            if (items[i].kind != ControlKind::Label || !IsField(items[j].kind) || items[j].x <= items[i].x ||
-                !IsInRowOf(items[i], items[j]))
+    for (auto const &[label, caption] : controls)
+        for (auto const &[item, field] : controls) {
+            if (label.kind != ControlKind::Label || !IsField(item.kind) || item.x <= label.x || !IsInRowOf(label, item))
                 continue;
-            QRect place = controls[j]->geometry();
-            place.setLeft(std::clamp(controls[i]->geometry().right() + 1 + gap, place.left(), place.right()));
-            controls[j]->setGeometry(place);
+            QRect place = field->geometry();
+            place.setLeft(std::clamp(caption->geometry().right() + 1 + gap, place.left(), place.right()));
+            field->setGeometry(place);
         }
 }
 
 /// What the texts of buttons need beyond the template's width. Those that keep to the right edge grow to the left and
 /// move what stands before them; a text there gets shorter. Others grow to the right.
-void WidenButtons(std::span<DialogItem const> items, std::vector<QWidget *> const &controls) {
+void WidenButtons(std::vector<Built> const &controls) {
     constexpr int edges = 6; // pixels, both sides together
-    for (std::size_t i = 0; i < items.size(); ++i) {
-        auto const *const button = qobject_cast<QPushButton *>(controls[i]);
-        int const needed =
-            button == nullptr ? 0 : button->fontMetrics().size(Qt::TextShowMnemonic, button->text()).width() + edges;
-        int const more = needed - controls[i]->width();
-        if (button == nullptr || button->text().isEmpty() || more <= 0)
+    for (auto const &[item, control] : controls) {
+        auto *const button = qobject_cast<QPushButton *>(control);
+        if (button == nullptr || button->text().isEmpty())
             continue;
-        bool const toLeft = items[i].move.x1 == 100;
-        controls[i]->setGeometry(controls[i]->geometry().adjusted(toLeft ? -more : 0, 0, toLeft ? 0 : more, 0));
-        for (std::size_t j = 0; j < items.size(); ++j) {
-            if (!IsInRowOf(items[i], items[j]) || (toLeft ? items[j].x >= items[i].x : items[j].x <= items[i].x))
+        int const more =
+            button->fontMetrics().size(Qt::TextShowMnemonic, button->text()).width() + edges - button->width();
+        if (more <= 0)
+            continue;
+        bool const toLeft = item.move.x1 == 100;
+        button->setGeometry(button->geometry().adjusted(toLeft ? -more : 0, 0, toLeft ? 0 : more, 0));
+        for (auto const &[other, beside] : controls) {
+            if (!IsInRowOf(item, other) || (toLeft ? other.x >= item.x : other.x <= item.x))
                 continue;
-            if (qobject_cast<QPushButton *>(controls[j]) != nullptr)
-                controls[j]->move(controls[j]->x() + (toLeft ? -more : more), controls[j]->y());
+            if (qobject_cast<QPushButton *>(beside) != nullptr)
+                beside->move(beside->x() + (toLeft ? -more : more), beside->y());
             else if (toLeft)
-                controls[j]->resize(std::max(0, controls[j]->width() - more), controls[j]->height());
+                beside->resize(std::max(0, beside->width() - more), beside->height());
         }
     }
 }
@@ -217,7 +225,7 @@ void BuildDialog(QWidget &dialog, DialogTemplate const &dialogTemplate, ControlF
     Rect const client = MapDialogRect(dialog, {0, 0, dialogTemplate.width, dialogTemplate.height});
     dialog.resize(client.right, client.bottom);
 
-    std::vector<QWidget *> controls;
+    std::vector<Built> controls;
     for (DialogItem const &item : dialogTemplate.items) {
         QWidget *control = factory ? factory(dialog, item) : nullptr;
         if (control == nullptr)
@@ -232,23 +240,22 @@ void BuildDialog(QWidget &dialog, DialogTemplate const &dialogTemplate, ControlF
             place.right = std::max(place.right, place.left + control->sizeHint().width());
         control->setGeometry(place.left, place.top, place.Width(), place.Height());
         control->setVisible(item.visible && item.kind != ControlKind::Place);
-        controls.push_back(control);
+        controls.push_back({item, control});
     }
-    KeepApart(dialogTemplate.items, controls);
-    MakeRoomForLabels(dialogTemplate.items, controls);
-    WidenButtons(dialogTemplate.items, controls);
-    for (std::size_t i = 0; i < controls.size(); ++i) {
-        DialogItem const &item = dialogTemplate.items[i];
+    KeepApart(controls);
+    MakeRoomForLabels(controls);
+    WidenButtons(controls);
+    for (auto const &[item, control] : controls) {
         DialogItem const *const label = IsField(item.kind) ? LabelOf(item, dialogTemplate.items) : nullptr;
         if (label == nullptr)
             continue;
-        controls[i]->setAccessibleName(Shown(label->text).remove(u'&'));
+        control->setAccessibleName(Shown(label->text).remove(u'&'));
         auto *const caption =
-            qobject_cast<QLabel *>(controls[static_cast<std::size_t>(label - dialogTemplate.items.data())]);
+            qobject_cast<QLabel *>(controls[static_cast<std::size_t>(label - dialogTemplate.items.data())].control);
         // Its letter goes to the field; without a field the toolkit would show the sign. And to screen readers a combo
         // box has no name but that of the label that leads to it.
-        if (caption != nullptr && (caption->text().contains(u'&') || qobject_cast<QComboBox *>(controls[i]) != nullptr))
-            caption->setBuddy(controls[i]);
+        if (caption != nullptr && (caption->text().contains(u'&') || qobject_cast<QComboBox *>(control) != nullptr))
+            caption->setBuddy(control);
     }
 }
 

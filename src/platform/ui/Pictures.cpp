@@ -95,7 +95,7 @@ QPixmap Fitted(QImage const &image, qreal devicePixelRatio, int side) {
 QPixmap FilePicture(DString const &path, qreal devicePixelRatio, int side) {
     // By the bytes of its name, which need not be text.
     std::ifstream file(path, std::ios::binary | std::ios::ate);
-    std::streamsize const size = file ? static_cast<std::streamsize>(file.tellg()) : 0;
+    auto const size = static_cast<std::streamsize>(file.tellg()); // -1 where there is no file
     if (size <= 0 || size > kLargestFile)
         return {};
     QByteArray bytes(size, Qt::Uninitialized);

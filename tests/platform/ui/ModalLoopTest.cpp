@@ -33,7 +33,13 @@ struct TwoFields {
 TEST(ModalLoop, TheFocusIsBackWhereItWasWhenTheDialogCloses) {
     TwoFields fields;
     ASSERT_TRUE(fields.second.hasFocus());
-    auto const seen = test::OnNextDialog([](QWidget &dialog) { static_cast<QDialog &>(dialog).accept(); });
+    auto const seen = test::OnNextDialog([](QWidget &dialog) {
+        auto const nested = test::OnNextDialog([](QWidget &above) { above.close(); });
+        QDialog above(&dialog);
+        RunModal(above);
+        EXPECT_TRUE(*nested && test::Eventually([&] { return QApplication::activeWindow() == &dialog; }));
+        static_cast<QDialog &>(dialog).accept();
+    });
     QDialog dialog(&fields.window);
     EXPECT_EQ(RunModal(dialog), QDialog::Accepted);
     EXPECT_TRUE(*seen);
@@ -70,15 +76,18 @@ TEST(ModalLoop, AMenuOnTheStackOutlivesItsParent) {
 
 TEST(ModalLoop, ADialogLargerThanTheScreenShowsItsLowerRightCorner) {
     QRect const screen = QGuiApplication::primaryScreen()->availableGeometry();
-    for (QSize const least : {QSize(0, 0), screen.size() + QSize(50, 100)}) {
+    for (auto const &[size, least] : {std::pair{QSize(300, 200), QSize(0, 0)}, // more than the screen
+                                      {QSize(300, 200), screen.size() + QSize(50, 100)},
+                                      {QSize(300, -200), QSize(0, 0)},
+                                      {QSize(-200, 200), QSize(0, 0)}}) {
         QDialog dialog;
         dialog.setMinimumSize(least);
-        dialog.resize(screen.size() + QSize(300, 200));
+        dialog.resize(screen.size() + size);
         dialog.move(500, 500);
-        std::ignore = test::OnNextDialog([&](QWidget &) {
+        std::ignore = test::OnNextDialog([&, isWhole = least.isEmpty()](QWidget &) {
             QRect const place = dialog.frameGeometry();
             EXPECT_LT((place.bottomRight() - screen.bottomRight()).manhattanLength(), 8); // but for the frame
-            EXPECT_EQ(place.left() < screen.left() || place.top() < screen.top(), !least.isEmpty());
+            EXPECT_EQ(place.left() < screen.left() || place.top() < screen.top(), !isWhole);
         });
         RunModal(dialog);
     }
@@ -86,7 +95,7 @@ TEST(ModalLoop, ADialogLargerThanTheScreenShowsItsLowerRightCorner) {
 
 class Poster : public QObject {
 public:
-    Poster() {
+    explicit Poster(bool runsDialog) : m_runsDialog(runsDialog) {
         m_map.On(opens, this, &Poster::OpenDialog);
         m_map.On(closes, this, &Poster::CloseDialog);
     }
@@ -98,23 +107,28 @@ public:
 
 private:
     void OpenDialog(MessageParam, MessageParam) {
-        QDialog dialog;
-        m_dialog = &dialog;
-        RunModal(dialog);
+        m_runsDialog ? RunModal(m_dialog) : RunLoop(m_loop);
         finished = true;
     }
-    void CloseDialog(MessageParam, MessageParam) { m_dialog->close(); }
+    void CloseDialog(MessageParam, MessageParam) {
+        m_dialog.close();
+        m_loop.quit();
+    }
 
+    bool m_runsDialog;
     MessageMap m_map;
-    QDialog *m_dialog = nullptr;
+    QDialog m_dialog;
+    QEventLoop m_loop;
 };
 
-TEST(ModalLoop, AMessageQueuedBehindTheOneThatOpensADialogIsDeliveredInIt) {
-    Poster poster;
-    PostMessage(&poster, poster.opens);
-    PostMessage(&poster, poster.closes);
-    // Nothing else wakes the loop: without the wake-up the dialog would stay open for good.
-    EXPECT_TRUE(test::Eventually([&] { return poster.finished; }));
+TEST(ModalLoop, AMessageQueuedBehindTheOneThatOpensADialogOrLoopIsDeliveredInIt) {
+    for (bool const runsDialog : {false, true}) {
+        Poster poster(runsDialog);
+        PostMessage(&poster, poster.opens);
+        PostMessage(&poster, poster.closes);
+        // Nothing else wakes the loop: without the wake-up it would run for good.
+        EXPECT_TRUE(test::Eventually([&] { return poster.finished; })) << runsDialog;
+    }
 }
 
 TEST(UserMessages, AWarningFromAnyThreadBecomesABox) {
