@@ -87,8 +87,7 @@ TEST(ThematicButton, IsACircleWithAMinusOrAPlus) {
 TEST(ThematicHyperlink, IsALinkOrPlainText) {
     ThematicHyperlink link(1);
     link.SetRect({0, 0, 60, 60});
-    EXPECT_TRUE(IsUntouched(Drawn(link)));
-    EXPECT_FALSE(link.IsAvailable());
+    EXPECT_TRUE(IsUntouched(Drawn(link)) && !link.IsAvailable());
     link.SetText("Link");
     EXPECT_TRUE(link.GetFont().underline());
     auto const hasBlue = [](QImage const &image) {
@@ -127,8 +126,7 @@ TEST(ThematicBitmap, IsWhatCanBeLoaded) {
     EXPECT_FALSE(bitmap.IsValid());
     CZelImageList::RegisterIcon(901, "folder", "folder");
     bitmap.SetBitmap(901);
-    EXPECT_TRUE(bitmap.IsValid());
-    EXPECT_FALSE(IsUntouched(Drawn(bitmap)));
+    EXPECT_TRUE(bitmap.IsValid() && !IsUntouched(Drawn(bitmap)));
     for (int const none : {-1, 902}) {
         bitmap.SetBitmap(901);
         bitmap.SetBitmap(none);
@@ -199,9 +197,7 @@ TEST(ThematicGroup, KeepsItsItemsInOrder) {
     group.Insert(b, -5);
     EXPECT_EQ(group.Get(0), b);
     EXPECT_EQ(b->GetGrp(), &group);
-    EXPECT_FALSE(group.MoveItem(b, true));
-    EXPECT_TRUE(group.MoveItem(b, false));
-    EXPECT_FALSE(group.MoveItem(b, false));
+    EXPECT_TRUE(!group.MoveItem(b, true) && group.MoveItem(b, false) && !group.MoveItem(b, false));
     EXPECT_EQ(group.FindRplcItem(nullptr), a);
     EXPECT_EQ(group.FindRplcItem(a), b);
     EXPECT_EQ(group.FindRplcItem(b), nullptr);

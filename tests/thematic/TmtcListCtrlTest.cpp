@@ -233,8 +233,8 @@ TEST(TmtcListCtrl, WalksItemsInTheOrderShown) {
     EXPECT_TRUE(stage.list.MoveElmnt(stage.group, false));
     EXPECT_EQ(stage.list.GetHead(), stage.empty);
     EXPECT_FALSE(stage.list.MoveElmnt(stage.group, false)); // an item is behind it
-    EXPECT_FALSE(stage.list.MoveElmnt(stage.empty, true));
-    EXPECT_FALSE(stage.list.MoveElmnt(stage.single, true));
+    EXPECT_TRUE(!stage.list.MoveElmnt(stage.empty, true) && stage.list.MoveElmnt(stage.group, true));
+    EXPECT_TRUE(stage.list.GetHead() == stage.group && !stage.list.MoveElmnt(stage.single, true));
 }
 
 TEST(TmtcListCtrl, TheHandShowsOverButtons) {
