@@ -118,13 +118,12 @@ MonikerResolver::List MonikerResolver::Descendants(BDIMoniker const &moniker) co
         if (walks.size() < kDeepest)
             walks.push_back(std::make_unique<ChildWalk>(moniker, *child, mask));
     }
-    if (IsStopped()) {
-        // A part of a container would look like all of it.
-        for (BDIMoniker const *member : found)
-            delete member;
-        found.clear();
-    }
-    return found;
+    if (!IsStopped())
+        return found;
+    // A part of a container would look like all of it.
+    for (BDIMoniker const *member : found)
+        delete member;
+    return {};
 }
 
 void MonikerResolver::ExpandAll() {

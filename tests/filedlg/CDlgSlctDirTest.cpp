@@ -72,8 +72,7 @@ TEST_F(SelectDirectory, OnlyAFolderThatHoldsAMatchCanBePicked) {
     browser.SetFilter("*.dlx");
     browser.EnableNewFolder(false);
     auto const act = [&](Hand const &hand) {
-        EXPECT_FALSE(Ok(hand).isEnabled());
-        EXPECT_FALSE(hand.Part<QWidget>("newFolderButton").isVisible());
+        EXPECT_FALSE(Ok(hand).isEnabled() || hand.Part<QWidget>("newFolderButton").isVisible());
         hand.TypeAndEnter("library");
         EXPECT_EQ(Shown(hand), folder / "library") << "not picked but entered";
         EXPECT_FALSE(Ok(hand).isEnabled());

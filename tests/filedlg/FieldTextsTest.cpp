@@ -41,8 +41,7 @@ TEST(FilterText, TheDefaultExtensionIsThatOfTheChosenFilter) {
 TEST(FilterBuffer, HoldsTheFormatsInTheirOrder) {
     FilterBuffer buffer;
     buffer.InitFilter();
-    EXPECT_TRUE(buffer.Add(DFileFrmt("", "All Files", "*.*")));
-    EXPECT_TRUE(buffer.Add(DFileFrmt(nullptr, "A|B", "*.a;*.b")));
+    EXPECT_TRUE(buffer.Add(DFileFrmt("", "All Files", "*.*")) && buffer.Add(DFileFrmt(nullptr, "A|B", "*.a;*.b")));
     buffer.FinishFilter();
     EXPECT_STREQ(buffer.Text(), "All Files|*.*|A B|*.a;*.b||");
     buffer.InitFilter();

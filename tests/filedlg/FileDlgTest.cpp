@@ -201,8 +201,7 @@ TEST_F(Request, SavingIsThePlatformsAndLoadingTheLibrarysWhereThereIsAFrame) {
     EXPECT_FALSE(isOwn(0)) << "no window";
     {
         Application application;
-        EXPECT_TRUE(isOwn(0));
-        EXPECT_FALSE(isOwn(1));
+        EXPECT_TRUE(isOwn(0) && !isOwn(1));
         EXPECT_FALSE(isOwn(0, std::launch::async, "a.xml")) << "from another thread";
         UseStandardDialog("true");
         EXPECT_FALSE(isOwn(0)) << "the user's option";

@@ -75,7 +75,6 @@ struct Resolving : testing::Test, Choice {
 
 TEST_F(Resolving, APlainFileKeepsItsPathAndItsDriver) {
     EXPECT_EQ(Resolve({"plain"}), Names{"*plain"});
-    EXPECT_EQ(Resolve({"unknown"}), Names{"*unknown"});
     EXPECT_EQ(Resolve({"other"}), Names{"other"}) << "what is of no wanted type loses its driver";
     EXPECT_EQ(Resolve({"plain"}, 0), Names{"plain"}) << "a document is opened by nobody";
     EXPECT_EQ(Resolve({"deep"}, 0), Names{"*deep"}) << "a container stays what it is";

@@ -118,6 +118,7 @@ private:
 inline void ChooseUndecoded(FileDialogHand const &hand) {
     auto &names = hand.Part<QListWidget>("undecodedNames");
     EXPECT_TRUE(Eventually([&] { return names.isVisible() && names.count() == 1; }));
+    EXPECT_EQ(names.height(), names.sizeHintForRow(0) + 2 * names.frameWidth()) << "as high as its only name";
     names.setFocus();
     QTest::keyClick(&names, Qt::Key_Down);
     Shot(hand.Dialog(), "file-undecoded");
