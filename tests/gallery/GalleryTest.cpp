@@ -8,6 +8,8 @@
 #include <QtCore/QDir>
 #include <QtCore/QRegularExpression>
 #include <QtGui/QAccessible>
+#include <QtGui/QPainter>
+#include <QtWidgets/QCheckBox>
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QGroupBox>
 #include <QtWidgets/QHeaderView>
@@ -47,43 +49,6 @@ bool IsReachable(QWidget const &widget) {
            widget.focusProxy() == nullptr;
 }
 
-TEST_P(GalleryPage, IsPainted) {
-    QImage const picture = Shown().grab().toImage();
-    std::set<QRgb> colors;
-    for (int y = 0; y < picture.height(); ++y)
-        for (int x = 0; x < picture.width(); ++x)
-            colors.insert(picture.pixel(x, y));
-    EXPECT_GT(colors.size(), 8U);
-    test::Shot(m_gallery, QStringLiteral("gallery-%1").arg(QLatin1String(GetParam().name)));
-}
-
-TEST_P(GalleryPage, IsReachedByTheKeyboardAndEachControlHasAName) {
-    std::set<QWidget const *> missed;
-    for (QWidget const *widget : Shown().findChildren<QWidget *>())
-        if (IsReachable(*widget))
-            missed.insert(widget);
-    if (IsReachable(Shown()))
-        missed.insert(&Shown());
-    EXPECT_FALSE(missed.empty());
-    for (QWidget const *widget : missed) {
-        QAccessibleInterface *const interface = QAccessible::queryAccessibleInterface(const_cast<QWidget *>(widget));
-        ASSERT_NE(interface, nullptr);
-        EXPECT_FALSE(interface->text(QAccessible::Name).isEmpty())
-            << widget->metaObject()->className() << " " << widget->objectName().toStdString();
-    }
-    QWidget *const list = m_gallery.findChild<QListWidget *>();
-    list->setFocus();
-    // Twice round at most: a control may keep the key for its parts.
-    qsizetype const most = 2 * m_gallery.findChildren<QWidget *>().size() + 2;
-    for (qsizetype step = 0; step < most && !missed.empty(); ++step) {
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
-        ASSERT_NE(QApplication::focusWidget(), nullptr);
-        missed.erase(QApplication::focusWidget());
-    }
-    for (QWidget const *widget : missed)
-        ADD_FAILURE() << widget->metaObject()->className() << " is not reached";
-}
-
 /// Closes what opens over a page: dialogs and menus, by a button where they cannot be cancelled. Before that it looks.
 class Closer : public QObject {
 public:
@@ -113,6 +78,96 @@ private:
 
     std::function<void(QWidget const &)> m_look;
 };
+
+TEST_P(GalleryPage, IsPainted) {
+    QImage const picture = Shown().grab().toImage();
+    std::set<QRgb> colors;
+    for (int y = 0; y < picture.height(); ++y)
+        for (int x = 0; x < picture.width(); ++x)
+            colors.insert(picture.pixel(x, y));
+    EXPECT_GT(colors.size(), 8U);
+    test::Shot(m_gallery, QStringLiteral("gallery-%1").arg(QLatin1String(GetParam().name)));
+}
+
+/// What pages say while Space presses each button that Tab leads to, and Down goes on in each other control. One of the
+/// page's own buttons that changes what is shown, and a switch that changes it back too, is there as "[Grid]".
+std::map<std::string, std::string> const kTranscripts = {
+    {"plot", "Nothing is selected; [Lines] [Grid] [A tick at every point] "},
+    {"histogram", "Nothing is selected; [Automatic scale] [Counts] [All labels] "},
+    {"buttons",
+     "Adds the folder to the favorites; Picture above the text; With folders below: down; Has a frame "
+     "under the mouse; Before; Center; Behind; Run the analysis; Stop; Hover; Stays down: down; Picture clicked; "},
+    {"combos", "Chosen: Nearest neighbour; Chosen: Near infrared; [Enabled] "},
+    {"fields", "Gain: 2.3999999999999999; Upper limit, may be empty: -1; Opacity: 74 %; Magnification: 0.912; "
+               "Magnification: 0.8318; Depth, downwards: -750 m; Depth, downwards: -1000 m; Upright: 3; "},
+    {"gui-tools", "202 of 220 pixels; 202 of 215 pixels; [Center this window] Sum of 1/n: 18.305; "},
+    {"table", "64 rows read so far; [Read all rows] 5000 rows, the table is read through; [Largest area first] [By "
+              "class] [Enabled] "},
+    {"list", "1 of 9 samples are selected; [Groups] [Enabled] [Fit columns] [Add a sample] "},
+    {"virtual-list", "1 row is selected; [To the middle] [To the end] 1000000 rows are selected; [Enabled] "},
+    {"plain-list", "Columns came as wide as their captions; [Add a step] [Headings] [Enabled] "},
+    {"tree", "Selected: Lymphocyte; [Rename] Renamed to Lymphocyte; [Find \"Stroma\"] Selected: Stroma; [Enabled] "},
+    {"cursor-tree", "Rows and wells, made by cursors; 19 items, the last one is C4; [Next] Selected: A2; [Add "
+                    "behind] [Sort] [Delete] [Enabled] "},
+    {"prop-list", "F2 or Enter begins to edit, Escape gives up, Tab goes on; [Alphabetic] [Enabled] [Reset all] All "
+                  "values are the original ones; "},
+    {"image-list", "Drawn 24 pixels wide; the indexes are the same; [Enabled] "},
+};
+
+TEST_P(GalleryPage, IsReachedByTheKeyboardSaysWhatThatDoesAndEachControlHasAName) {
+    std::set<QWidget const *> missed;
+    for (QWidget const *widget : Shown().findChildren<QWidget *>())
+        if (IsReachable(*widget))
+            missed.insert(widget);
+    if (IsReachable(Shown()))
+        missed.insert(&Shown());
+    EXPECT_FALSE(missed.empty());
+    for (QWidget const *widget : missed) {
+        QAccessibleInterface *const interface = QAccessible::queryAccessibleInterface(const_cast<QWidget *>(widget));
+        ASSERT_NE(interface, nullptr);
+        EXPECT_FALSE(interface->text(QAccessible::Name).isEmpty())
+            << widget->metaObject()->className() << " " << widget->objectName().toStdString();
+    }
+    Closer const closer;
+    QLabel const *const said = Shown().findChild<QLabel *>(QString(), Qt::FindDirectChildrenOnly);
+    auto const look = [&] { // at all but what is said and what has the focus
+        QCoreApplication::processEvents();
+        QImage image = test::PictureOf(Shown());
+        QPainter painter(&image);
+        for (QWidget const *const left : std::initializer_list<QWidget const *>{said, QApplication::focusWidget()})
+            painter.fillRect(QRect(left->mapTo(&Shown(), QPoint()), left->size()), Qt::black);
+        return image;
+    };
+    auto const expected = kTranscripts.find(GetParam().name);
+    std::string told;
+    QString last;
+    std::set<QWidget const *> pressed;
+    m_gallery.findChild<QListWidget *>()->setFocus();
+    // Twice round at most: a control may keep the key for its parts.
+    qsizetype const most = 2 * m_gallery.findChildren<QWidget *>().size() + 2;
+    for (qsizetype step = 0; step < most && !missed.empty(); ++step) {
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        QWidget *const focus = QApplication::focusWidget();
+        ASSERT_NE(focus, nullptr);
+        missed.erase(focus);
+        if (expected == kTranscripts.end() || !Shown().isAncestorOf(focus) || !pressed.insert(focus).second)
+            continue;
+        auto const *const button = qobject_cast<QAbstractButton *>(focus);
+        QImage const before = look();
+        QTest::keyClick(focus, button != nullptr ? Qt::Key_Space : Qt::Key_Down);
+        bool isSeen = button != nullptr && button->parentWidget() == &Shown() && look() != before;
+        if (isSeen && button->isCheckable()) {
+            QTest::keyClick(focus, Qt::Key_Space);
+            isSeen = look() == before;
+        }
+        told += isSeen ? "[" + button->text().remove(u'&').toStdString() + "] " : "";
+        if (std::exchange(last, said->text()) != said->text())
+            told += said->text().toStdString() + "; ";
+    }
+    EXPECT_TRUE(expected == kTranscripts.end() || told == expected->second) << told;
+    for (QWidget const *widget : missed)
+        ADD_FAILURE() << widget->metaObject()->className() << " is not reached";
+}
 
 TEST_P(GalleryPage, ComesToRestWhateverIsPressedDraggedTypedAndSized) {
     Closer const closer;

@@ -3,6 +3,7 @@
 #include "zelvar/gallery/Gallery.h"
 #include "zelvar/store/SettingsStore.h"
 
+#include <QtWidgets/QMainWindow>
 #include <QtWidgets/QStackedWidget>
 
 namespace zelvar::gallery {
@@ -94,6 +95,27 @@ TEST(DialogPages, ALayoutOfBarsComesBackOnceItIsSaved) {
         EXPECT_EQ(bars.Said(), said);
         test::Click(bars.Button("Save layout"));
         EXPECT_THAT(bars.Said(), HasSubstr(" bytes:   <BAR id"));
+    }
+    for (char const *const text : {"Bars", "Large", "Texts"}) {
+        QWidget &window = *bars.Button(text)->parentWidget()->findChild<QMainWindow *>();
+        QImage const before = test::PictureOf(window);
+        test::Click(bars.Button(text));
+        EXPECT_NE(test::PictureOf(window), before) << text;
+    }
+}
+
+TEST(DialogPages, PanesAreSplitWhileThereIsRoom) {
+    DialogPage const panes("splitter");
+    char const *const none = "There is no room for more";
+    for (auto const &[way, said] : {std::pair{"Split &row", "A row more"},
+                                    {"Split &row", "A row more"},
+                                    {"Split &row", none},
+                                    {"Split &column", "A column more"},
+                                    {"Split &column", none},
+                                    {"&Delete the last row", none},
+                                    {"Split &row", "A row more"}}) {
+        test::Click(panes.Button(way));
+        EXPECT_EQ(panes.Said(), said) << way;
     }
 }
 
