@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <fstream>
 #include <utility>
 
@@ -24,6 +26,85 @@ std::vector<Entry> &Entries() {
     return entries;
 }
 
+/// How figures are printed: lines for people, or one array whose elements are a line each.
+struct Output {
+    bool isJson = false;
+    bool isEmpty = true;
+};
+Output &TheOutput() {
+    static Output output;
+    return output;
+}
+
+std::string Number(char const *format, double value) {
+    char text[64];
+    std::snprintf(text, sizeof text, format, value);
+    return text;
+}
+
+// --- lines ---
+
+std::string TextOf(Beside const &beside) {
+    std::string text;
+    auto const add = [&](std::string const &part) { text += (text.empty() ? "" : "; ") + part; };
+    if (beside.limit)
+        add("limit " + Number("%.10g", *beside.limit));
+    for (Alternative const &other : beside.alternatives)
+        add(other.name + (other.value ? Number(" %.3f", *other.value) : " is not installed"));
+    if (!beside.note.empty())
+        add(beside.note);
+    return text;
+}
+
+void PrintLine(std::string const &name, double value, std::string const &unit, Beside const &beside) {
+    std::printf("%-44s %12.3f %-8s (%s)\n", name.c_str(), value, unit.c_str(), TextOf(beside).c_str());
+}
+
+// --- JSON ---
+
+std::string Quoted(std::string const &text) {
+    std::string quoted = "\"";
+    for (char const c : text) {
+        auto const byte = static_cast<unsigned char>(c);
+        if (byte < 0x20) {
+            char escaped[8];
+            std::snprintf(escaped, sizeof escaped, "\\u%04x", byte);
+            quoted += escaped;
+            continue;
+        }
+        if (c == '"' || c == '\\')
+            quoted += '\\';
+        quoted += c;
+    }
+    return quoted + '"';
+}
+
+std::string JsonOf(std::optional<double> const &value) {
+    return value && std::isfinite(*value) ? Number("%.17g", *value) : "null"; // JSON knows no other numbers
+}
+
+void PrintObject(std::string const &name, double value, std::string const &unit, Beside const &beside) {
+    std::string alternatives;
+    for (Alternative const &other : beside.alternatives)
+        alternatives += (alternatives.empty() ? "" : ", ") + ("{\"name\": " + Quoted(other.name)) +
+                        ", \"value\": " + JsonOf(other.value) + "}";
+    std::printf("%s{\"name\": %s, \"value\": %s, \"unit\": %s, \"limit\": %s, \"alternatives\": [%s], \"note\": %s}",
+                TheOutput().isEmpty ? "\n" : ",\n", Quoted(name).c_str(), JsonOf(value).c_str(), Quoted(unit).c_str(),
+                JsonOf(beside.limit).c_str(), alternatives.c_str(), Quoted(beside.note).c_str());
+    TheOutput().isEmpty = false;
+}
+
+} // namespace
+
+void Figure(std::string const &name, double value, std::string const &unit, Beside const &beside) {
+    (TheOutput().isJson ? PrintObject : PrintLine)(name, value, unit, beside);
+    std::fflush(stdout);
+}
+
+void Figure(std::string const &name, double value, std::string const &unit, std::string const &note) {
+    Figure(name, value, unit, Beside{.note = note});
+}
+
 double Ms(std::function<void()> const &body) {
     Clock::time_point const start = Clock::now();
     body();
@@ -31,15 +112,9 @@ double Ms(std::function<void()> const &body) {
 }
 
 double Median(std::vector<double> values) {
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
-}
-
-} // namespace
-
-void Figure(std::string const &name, double value, std::string const &unit, std::string const &limit) {
-    std::printf("%-44s %12.3f %-8s (%s)\n", name.c_str(), value, unit.c_str(), limit.c_str());
-    std::fflush(stdout);
+    auto const middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+    std::nth_element(values.begin(), middle, values.end());
+    return *middle;
 }
 
 double BestMs(int runs, std::function<void()> const &body) {
@@ -69,9 +144,53 @@ std::size_t ResidentBytes() {
     return resident * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
 }
 
+void Fail(std::string const &why) {
+    std::fprintf(stderr, "bench: %s\n", why.c_str());
+    std::exit(EXIT_FAILURE);
+}
+
 Register::Register(std::string name, std::function<void()> body) {
     Entries().push_back({std::move(name), std::move(body)});
 }
+
+namespace {
+
+/// Runs those whose name begins with one of the words, or all without any.
+void Run(std::vector<std::string> const &words, bool listOnly) {
+    auto const wants = [&](Entry const &entry) {
+        return words.empty() ||
+               std::ranges::any_of(words, [&](std::string const &word) { return entry.name.starts_with(word); });
+    };
+    for (Entry const &entry : Entries()) {
+        if (!wants(entry))
+            continue;
+        if (listOnly)
+            std::printf("%s\n", entry.name.c_str());
+        else
+            entry.body();
+    }
+}
+
+/// The exit code.
+int Main(std::vector<std::string> words) {
+    constexpr int usage = 2;
+    bool const isJson = std::erase(words, "--json") > 0;
+    bool const listsOnly = std::erase(words, "--list") > 0;
+    for (std::string const &word : words)
+        if (word.starts_with('-')) {
+            std::fprintf(stderr, "usage: [--json|--list] [NAME...]: the benches whose names begin so, or all\n");
+            return usage;
+        }
+    TheOutput().isJson = isJson && !listsOnly;
+    if (TheOutput().isJson)
+        std::fputs("[", stdout);
+    Run(words, listsOnly);
+    if (TheOutput().isJson)
+        std::fputs("\n]\n", stdout);
+    return 0;
+}
+
+} // namespace
 
 } // namespace zelvar::bench
 
@@ -81,12 +200,5 @@ __attribute__((weak)) void PrepareBenches(int &, char **) {}
 
 int main(int argc, char **argv) {
     PrepareBenches(argc, argv);
-    for (auto const &entry : zelvar::bench::Entries()) {
-        bool wanted = argc < 2;
-        for (int i = 1; i < argc; ++i)
-            wanted = wanted || entry.name.starts_with(argv[i]);
-        if (wanted)
-            entry.body();
-    }
-    return 0;
+    return zelvar::bench::Main({argv + 1, argv + argc});
 }

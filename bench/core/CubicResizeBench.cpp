@@ -28,9 +28,9 @@ void BenchResize(int from, int to) {
             std::memset(filled.data(), 1, filled.size());
         });
     std::string const name = "cubic_resize." + std::to_string(from) + "_to_" + std::to_string(to);
-    Figure(name + ".copy", pair.secondMs, "ms", "the one copied, the other filled");
-    Figure(name, pair.firstMs, "ms", "three channels");
-    Figure(name + ".ratio", pair.ratio, "x", from > to ? "limit: 5 copies" : "limit: 12 copies");
+    Figure(name, pair.firstMs, "ms",
+           {.alternatives = {{"the one copied, the other filled", pair.secondMs}}, .note = "three channels"});
+    Figure(name + ".ratio", pair.ratio, "x", {.limit = from > to ? 5 : 12, .note = "copies"});
 }
 
 Register const kCubicResize("cubic_resize", [] {

@@ -22,7 +22,7 @@ bench::Register const names("names", [] {
         for (DString const &name : all)
             keys.push_back(MakeFileNameKey(name));
     });
-    bench::Figure("names.100000_keys", keysMs, "ms", "a few");
+    bench::Figure("names.100000_keys", keysMs, "ms", "made of names");
     auto const [ratio, byKey, byCompare] = bench::Compare(
         3,
         [&] {
@@ -37,7 +37,7 @@ bench::Register const names("names", [] {
             std::sort(sorted.begin(), sorted.end(),
                       [](DString const &a, DString const &b) { return CompareFileNames(a, b) < 0; });
         });
-    bench::Figure("names.sort_100000_by_keys", byKey, "ms", "by comparison " + std::to_string(byCompare) + " ms");
+    bench::Figure("names.sort_100000_by_keys", byKey, "ms", {.alternatives = {{"by comparison", byCompare}}});
 
     std::vector<std::int64_t> moments;
     moments.reserve(100'000);
@@ -48,7 +48,7 @@ bench::Register const names("names", [] {
         for (std::int64_t const moment : moments)
             years += ToLocalTime(moment).wYear;
     });
-    bench::Figure("times.100000_of_ten_years", timesMs, "ms", years > 0 ? "a few" : "");
+    bench::Figure("times.100000_of_ten_years", timesMs, "ms", years > 0 ? "as users read them" : "");
 });
 
 } // namespace

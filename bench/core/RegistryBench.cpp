@@ -66,8 +66,9 @@ bench::Register const registry("registry", [] {
                 tree->Save(&file, false);
             },
             plain);
-        bench::Figure("registry.export_10000", exported.ratio, "ratio", "at most 2 of one plain transaction");
-        bench::Figure("registry.export_10000_ms", exported.firstMs, "ms", "beside the former");
+        bench::Figure("registry.export_10000", exported.ratio, "x", {.limit = 2, .note = "of one plain transaction"});
+        bench::Figure("registry.export_10000_ms", exported.firstMs, "ms",
+                      {.alternatives = {{"one plain transaction", exported.secondMs}}});
         int number = 0;
         auto const imported = bench::Compare(
             7,
@@ -79,8 +80,9 @@ bench::Register const registry("registry", [] {
                 to.Transact([&] { return ZelRegistry::IsSnapshot(tree, nullptr) && writing.FromXMLNode(&tree); });
             },
             plain);
-        bench::Figure("registry.import_10000", imported.ratio, "ratio", "at most 2 of one plain transaction");
-        bench::Figure("registry.import_10000_ms", imported.firstMs, "ms", "beside the former");
+        bench::Figure("registry.import_10000", imported.ratio, "x", {.limit = 2, .note = "of one plain transaction"});
+        bench::Figure("registry.import_10000_ms", imported.firstMs, "ms",
+                      {.alternatives = {{"one plain transaction", imported.secondMs}}});
     }
     std::filesystem::remove_all(folder);
 });

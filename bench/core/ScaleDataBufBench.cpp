@@ -13,7 +13,7 @@ namespace {
 constexpr int kSide = 4472; // 20 million samples
 
 template <class Sample>
-void CompareWithCopy(char const *name, int type, char const *limit) {
+void CompareWithCopy(char const *name, int type, double limit) {
     std::size_t const count = std::size_t{kSide} * kSide;
     std::mt19937 random(1);
     std::normal_distribution<double> values(110, 30);
@@ -34,18 +34,18 @@ void CompareWithCopy(char const *name, int type, char const *limit) {
         copyMs = std::min(copyMs, BestMs(1, [&] { std::memcpy(copy.data(), source.data(), copied); }));
         scaleMs = std::min(scaleMs, BestMs(1, [&] { ScaleDataBuf(type, bytes, kSide, kSide); }));
     }
-    Figure(std::string("scale_data_buf.") + name + ".copy", copyMs, "ms", "a copy that moves as many bytes");
-    Figure(std::string("scale_data_buf.") + name, scaleMs, "ms", "20 million samples");
-    Figure(std::string("scale_data_buf.") + name + ".ratio", scaleMs / copyMs, "x", limit);
+    Figure(std::string("scale_data_buf.") + name, scaleMs, "ms",
+           {.alternatives = {{"a copy that moves as many bytes", copyMs}}, .note = "20 million samples"});
+    Figure(std::string("scale_data_buf.") + name + ".ratio", scaleMs / copyMs, "x", {.limit = limit, .note = "copies"});
 }
 
 Register const kScaleDataBuf("scale_data_buf", [] {
-    CompareWithCopy<std::uint8_t>("uint8", 1, "limit: 2 copies");
-    CompareWithCopy<std::uint16_t>("uint16", 2, "limit: 2 copies");
-    CompareWithCopy<std::int16_t>("int16", 4, "limit: 2 copies");
-    CompareWithCopy<std::uint32_t>("uint32", 8, "limit: 1.3 copies");
-    CompareWithCopy<std::int32_t>("int32", 16, "limit: 1.3 copies");
-    CompareWithCopy<float>("float32", 32, "limit: 1.3 copies");
+    CompareWithCopy<std::uint8_t>("uint8", 1, 2);
+    CompareWithCopy<std::uint16_t>("uint16", 2, 2);
+    CompareWithCopy<std::int16_t>("int16", 4, 2);
+    CompareWithCopy<std::uint32_t>("uint32", 8, 1.3);
+    CompareWithCopy<std::int32_t>("int32", 16, 1.3);
+    CompareWithCopy<float>("float32", 32, 1.3);
 });
 
 } // namespace

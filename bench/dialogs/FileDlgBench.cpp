@@ -77,13 +77,14 @@ Register const dialogs("filedlg.open", [] {
     frame.show();
     platform::SetMainWindow(&frame);
     // Nothing has asked for a driver yet: a reader is started for the list of formats.
-    Figure("filedlg.open_raster_data_cold", OpenRasterDataMs(), "ms", "at most 400 from the call to the first paint");
-    Figure("filedlg.open_raster_data_warm", OpenRasterDataMs(), "ms", "at most 400");
+    Figure("filedlg.open_raster_data_cold", OpenRasterDataMs(), "ms",
+           {.limit = 400, .note = "from the call to the first paint"});
+    Figure("filedlg.open_raster_data_warm", OpenRasterDataMs(), "ms", {.limit = 400});
     std::size_t count = 0;
     double const list = BestMs(20, [&count] { count = CountFormats(); });
-    Figure("filedlg.format_list", list, "ms", "at most 10, " + std::to_string(count) + " formats");
+    Figure("filedlg.format_list", list, "ms", {.limit = 10, .note = std::to_string(count) + " formats"});
     DUserCnfg("Options").WriteString("General_Use standard windows file selection dialog", "true");
-    Figure("filedlg.open_raster_data_platform_dialog", OpenRasterDataMs(), "ms", "at most 400");
+    Figure("filedlg.open_raster_data_platform_dialog", OpenRasterDataMs(), "ms", {.limit = 400});
     DUserCnfg("Options").RemoveKey("General_Use standard windows file selection dialog");
 });
 
@@ -121,8 +122,8 @@ Register const resolving("filedlg.resolve", [] {
             }
         });
     Figure("filedlg.resolve_1000_files", pair.firstMs, "ms",
-           "opened one by one " + std::to_string(pair.secondMs) + " ms, " + std::to_string(bits) + " items");
-    Figure("filedlg.resolve_to_opening", pair.ratio, "times", "beside opening them plainly");
+           {.alternatives = {{"opened one by one", pair.secondMs}}, .note = std::to_string(bits) + " items"});
+    Figure("filedlg.resolve_to_opening", pair.ratio, "x", "of opening them plainly");
 });
 
 } // namespace

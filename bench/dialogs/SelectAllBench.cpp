@@ -61,7 +61,7 @@ Register const selection("opends.select_all", [] {
     double const pressed = static_cast<double>(key.nsecsElapsed()) * 1e-6;
     double const longest = std::max(pressed, LongestTurnMs(kWatchedMs));
     Figure("opends.select_all_20000", longest, "ms",
-           "at most 100; " + std::to_string(dialog->MainList()->GetSelectedCount()) + " rows selected");
+           {.limit = 100, .note = std::to_string(dialog->MainList()->GetSelectedCount()) + " rows selected"});
     dialog->close();
     DlgOpenDS::DeleteDialogObject(dialog);
     qunsetenv("ZELVAR_TEMPLATES_DIR");

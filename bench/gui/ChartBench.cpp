@@ -70,26 +70,30 @@ bench::Register const plots("chart.plot", [] {
         plot.UpdtPlot();
         plot.render(&target);
     };
-    auto const inTurn = [](double ms) { return ", each in turn " + std::to_string(static_cast<int>(ms)) + " ms"; };
+    auto const beside = [](double limit, double inTurnMs) {
+        return bench::Beside{.limit = limit, .alternatives = {{"each in turn", inTurnMs}}};
+    };
     Fill(plot, anyOrder, false);
     bench::Figure("chart.plot_1e6_markers", bench::BestMs(5, render), "ms",
-                  "at most 50" + inTurn(DrawnInTurnMs(anyOrder, false, 1)));
-    bench::Figure("chart.plot_repaint", bench::BestMs(50, [&] { plot.render(&target); }), "ms", "at most 1");
+                  beside(50, DrawnInTurnMs(anyOrder, false, 1)));
+    bench::Figure("chart.plot_repaint", bench::BestMs(50, [&] { plot.render(&target); }), "ms", {.limit = 1});
     double x = 0;
-    bench::Figure("chart.plot_select", bench::BestMs(20, [&] { plot.SlctData(x += 7, 0); }), "ms", "at most 3");
+    bench::Figure("chart.plot_select", bench::BestMs(20, [&] { plot.SlctData(x += 7, 0); }), "ms", {.limit = 3});
     Fill(plot, ordered, true);
     bench::Figure("chart.plot_1e6_lines_in_order", bench::BestMs(5, render), "ms",
-                  "at most 60" + inTurn(DrawnInTurnMs(ordered, true, 1)));
+                  beside(60, DrawnInTurnMs(ordered, true, 1)));
     Fill(plot, anyOrder, true);
     double const ours = bench::BestMs(2, render);
     double const others = DrawnInTurnMs(anyOrder, true, 2);
-    bench::Figure("chart.plot_1e6_lines_any_order", ours / others, "times",
-                  "at most 1, each in turn " + std::to_string(static_cast<int>(others)) + " ms");
+    bench::Figure("chart.plot_1e6_lines_any_order", ours / others, "x",
+                  {.limit = 1, .note = "of drawing each in turn"});
+    bench::Figure("chart.plot_1e6_lines_any_order_ms", ours, "ms", {.alternatives = {{"each in turn", others}}});
 });
 
 // How a plot grows; line and markers, repainted after a change.
 bench::Register const growing("chart.growth", [] {
     QImage target(kWidth, kHeight, QImage::Format_RGB32);
+    std::optional<double> first;
     for (int const count : {100'000, 1'000'000, 10'000'000}) {
         CPlotCtrl plot;
         plot.resize(kWidth, kHeight);
@@ -101,14 +105,17 @@ bench::Register const growing("chart.growth", [] {
         plot.SetTickY(1e5);
         plot.DrawLine(true);
         DString const name = "chart.plot_" + std::to_string(count);
-        bench::Figure(name + "_repaint",
-                      bench::BestMs(3,
-                                    [&] {
-                                        plot.UpdtPlot();
-                                        plot.render(&target);
-                                    }),
-                      "ms", "10 million: at most 100");
-        bench::Figure(name + "_memory", bytes, "bytes", "a point, at most 40");
+        double const ms = bench::BestMs(3, [&] {
+            plot.UpdtPlot();
+            plot.render(&target);
+        });
+        bench::Figure(name + "_repaint", ms, "ms", count < 10'000'000 ? bench::Beside{} : bench::Beside{.limit = 100});
+        if (first)
+            bench::Figure(name + "_to_linear", ms / count / *first, "x",
+                          {.limit = 1, .note = "a point, beside one of 100,000"});
+        else
+            first = ms / count;
+        bench::Figure(name + "_memory", bytes, "bytes", {.limit = 40, .note = "a point"});
     }
 });
 
@@ -128,8 +135,8 @@ bench::Register const histograms("chart.histogram", [] {
                 ++table[sample];
         });
     bench::Figure("chart.histogram_2e7_samples", pair.firstMs, "ms",
-                  "a plain pass that counts " + std::to_string(pair.secondMs) + " ms");
-    bench::Figure("chart.histogram_to_plain_pass", pair.ratio, "times", "at most 1.5");
+                  {.alternatives = {{"a plain pass that counts", pair.secondMs}}});
+    bench::Figure("chart.histogram_to_plain_pass", pair.ratio, "x", {.limit = 1.5});
 });
 
 } // namespace

@@ -68,13 +68,12 @@ Register const filterFind("filter_find", [] {
     widget.setUniformItemSizes(true);
     widget.show();
     QApplication::processEvents();
-    char beside[96];
-    std::snprintf(beside, sizeof beside, "limit 30; a QListWidget filled anew %.3f ms",
-                  LetterInListWidget(widget, names, "M"));
-    Figure("filter_find.letter_100k", all, "ms", beside);
-    std::snprintf(beside, sizeof beside, "limit 30; a QListWidget filled anew %.3f ms",
-                  LetterInListWidget(widget, names, "12345"));
-    Figure("filter_find.letter_100k_few_left", few, "ms", beside);
+    auto const beside = [&](QString const &wanted) {
+        return Beside{.limit = 30,
+                      .alternatives = {{"a QListWidget filled anew", LetterInListWidget(widget, names, wanted)}}};
+    };
+    Figure("filter_find.letter_100k", all, "ms", beside("M"));
+    Figure("filter_find.letter_100k_few_left", few, "ms", beside("12345"));
     Figure("filter_find.show_100k", show, "ms", "sorted the first time");
 });
 

@@ -119,11 +119,7 @@ Measured MeasureTable() {
     return measured;
 }
 
-std::string Beside(std::string const &limit, double other, char const *unit) {
-    char text[96];
-    std::snprintf(text, sizeof text, "%s; QTableView %.3f %s", limit.c_str(), other, unit);
-    return text;
-}
+Beside View(double limit, double other) { return {.limit = limit, .alternatives = {{"QTableView", other}}}; }
 
 Register const lists("list", [] {
     { // fonts, style and pixmaps are loaded once, for neither of the two
@@ -135,10 +131,10 @@ Register const lists("list", [] {
     }
     Measured const ours = MeasureList();
     Measured const theirs = MeasureTable();
-    Figure("list.first_paint_10m", ours.showMs, "ms", Beside("limit 30", theirs.showMs, "ms"));
-    Figure("list.page_10m", ours.pageMs, "ms", Beside("limit 6", theirs.pageMs, "ms"));
-    Figure("list.select_5000_alternate", ours.selectMs, "ms", Beside("limit 20", theirs.selectMs, "ms"));
-    Figure("list.memory_10m", ours.megabytes, "MiB", Beside("limit 16", theirs.megabytes, "MiB"));
+    Figure("list.first_paint_10m", ours.showMs, "ms", View(30, theirs.showMs));
+    Figure("list.page_10m", ours.pageMs, "ms", View(6, theirs.pageMs));
+    Figure("list.select_5000_alternate", ours.selectMs, "ms", View(20, theirs.selectMs));
+    Figure("list.memory_10m", ours.megabytes, "MiB", View(16, theirs.megabytes));
 
     CZelListCtrl stored;
     stored.AddCol("Number", ADICol_Double, false, 100, LVCFMT_LEFT);
@@ -148,10 +144,10 @@ Register const lists("list", [] {
                       for (int row = 0; row < 100'000; ++row)
                           stored.AddRow(std::to_string((row * 7919) % 100'003), nullptr);
                   }),
-           "ms", "limit 200");
+           "ms", {.limit = 200});
     Figure("list.sort_100k_numbers", BestMs(1, [&] { static_cast<CListCtrlFlex &>(stored).Sort(0, true); }), "ms",
-           "limit 100");
-    Figure("list.fit_100k_rows", BestMs(1, [&] { stored.ResizeColToFit(); }), "ms", "limit 60");
+           {.limit = 100});
+    Figure("list.fit_100k_rows", BestMs(1, [&] { stored.ResizeColToFit(); }), "ms", {.limit = 60});
 });
 
 } // namespace

@@ -154,13 +154,11 @@ Register const selector("selector", [] {
     if (tiff.rows != kMembers || zip.rows != kMembers || zip.items != kMembers + 1)
         std::fprintf(stderr, "not all members are there: %d %d %d\n", tiff.rows, zip.rows, zip.items);
     auto const beside = [](BDIDrvr *driver, std::string const &path) {
-        char text[64];
-        std::snprintf(text, sizeof text, "limit 300; the driver alone %.3f ms", DriverMs(driver, path));
-        return std::string(text);
+        return Beside{.limit = 300, .alternatives = {{"the driver alone", DriverMs(driver, path)}}};
     };
     Figure("selector.first_level_5000_pages", tiff.openMs, "ms", beside(DriverOf(pages), pages));
     Figure("selector.first_level_5000_containers", zip.openMs, "ms", beside(DriverOf(archive), archive));
-    Figure("selector.expand_5000_containers", zip.expandMs, "ms", "limit 300");
+    Figure("selector.expand_5000_containers", zip.expandMs, "ms", {.limit = 300});
 });
 
 } // namespace

@@ -18,7 +18,7 @@ bench::Register const thematic("thematic", [] {
     }
     QImage target(800, 600, QImage::Format_RGB32);
     bench::Figure("thematic.paint_1000_groups_of_10", bench::BestMs(20, [&] { list.render(&target); }), "ms",
-                  "at most 10, with the layout of all");
+                  {.limit = 10, .note = "with the layout of all"});
     int y = 0;
     bench::Figure("thematic.mouse_move",
                   bench::BestMs(20,
@@ -26,7 +26,7 @@ bench::Register const thematic("thematic", [] {
                                     TmtcListCtrl::HITTEST hit;
                                     list.HitTest({400, y += 7}, &hit);
                                 }),
-                  "ms", "at most 1");
+                  "ms", {.limit = 1});
 });
 
 } // namespace

@@ -76,13 +76,12 @@ Register const trees("tree", [] {
     double const standard = BestOf([&] { return FillStandardModel(names); });
     double const flat = BestOf([&] { return FillControl(tree, names, false); });
     double const collapsed = BestOf([&] { return FillControl(tree, names, true); });
-    char beside[96];
-    std::snprintf(beside, sizeof beside, "limit twice QStandardItemModel, %.3f ms; our bare nodes %.3f ms", standard,
-                  nodes);
+    Beside const beside{.limit = 2 * standard,
+                        .alternatives = {{"QStandardItemModel", standard}, {"our bare nodes", nodes}}};
     Figure("tree.add_100k_items", flat, "ms", beside);
     Figure("tree.add_100k_items_collapsed", collapsed, "ms", beside);
-    Figure("tree.add_100k_to_bare_model", flat / standard, "times", "limit 2");
-    Figure("tree.add_100k_to_bare_nodes", flat / nodes, "times", "limit 2");
+    Figure("tree.add_100k_to_bare_model", flat / standard, "x", {.limit = 2});
+    Figure("tree.add_100k_to_bare_nodes", flat / nodes, "x", {.limit = 2});
 
     FillControl(tree, names, true);
     Figure("tree.walk_100k_items",
@@ -95,7 +94,7 @@ Register const trees("tree", [] {
                       if (steps != kItems)
                           std::fprintf(stderr, "the walk lost items\n");
                   }),
-           "ms", "limit 30");
+           "ms", {.limit = 30});
     Figure("tree.first_100k_items", BestOf([&] {
                tree.DeleteAllItems();
                return BestMs(1, [&] {
@@ -104,8 +103,8 @@ Register const trees("tree", [] {
                });
            }),
            "ms", "each before all others");
-    Figure("tree.layout_100k_items", BestMs(1, [&] { tree.EnsureVisible(tree.GetRootItem()); }), "ms", "limit 100");
-    Figure("tree.delete_100k_items", BestMs(1, [&] { tree.DeleteAllItems(); }), "ms", "limit 100");
+    Figure("tree.layout_100k_items", BestMs(1, [&] { tree.EnsureVisible(tree.GetRootItem()); }), "ms", {.limit = 100});
+    Figure("tree.delete_100k_items", BestMs(1, [&] { tree.DeleteAllItems(); }), "ms", {.limit = 100});
 });
 
 } // namespace

@@ -1,6 +1,6 @@
 // Folders listed as users list them, drivers in readers, beside the bare walk: directory entries and statx.
 #include "Folders.h"
-#include "Harness.h"
+#include "Processes.h"
 #include "reader/Drivers.h"
 #include "reader/Tiff.h"
 #include "zelvar/model/ItemListing.h"
@@ -12,7 +12,6 @@
 #include <vector>
 
 #include <malloc.h>
-#include <unistd.h>
 
 namespace zelvar::bench {
 namespace {
@@ -39,38 +38,31 @@ Items ListLines(std::string const &path, ItemListingOptions const &options) {
     return items;
 }
 
-double Median(std::vector<double> values) {
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
-}
-
-/// The two in turn; what the listing made is let go outside the clock.
-void FigureAgainst(std::string const &name, char const *limit, std::function<Items()> const &ours,
-                   std::function<void()> const &other, int rounds = 11) {
+/// Ours beside the bare walk and beside find, which prints what a line of 'zelvar ls' has; the three in turn. What the
+/// listing made is let go outside the clock.
+void FigureAgainst(std::string const &name, std::optional<double> limit, std::string const &note,
+                   std::function<Items()> const &ours, std::function<void()> const &bare, std::string const &path) {
     std::vector<double> ratios;
     std::vector<double> times;
-    std::vector<double> others;
+    std::vector<double> bares;
     ours();
-    for (int round = 0; round < rounds; ++round) {
-        Items items;
-        times.push_back(BestMs(1, [&] { items = ours(); }));
-        items.clear();
-        others.push_back(BestMs(1, other));
-        ratios.push_back(times.back() / others.back());
-    }
-    Figure(name, Median(ratios), "x", limit);
-    Figure(name + ", time", Median(times), "ms", "other: " + std::to_string(Median(others)) + " ms");
-}
-
-/// `zelvar ls` as a whole process, and find, which prints the same of each file.
-void Processes(std::string const &path) {
-    std::string const program = std::filesystem::read_symlink("/proc/self/exe").parent_path() / "../bin/zelvar";
-    auto const run = [](std::string const &line) { return [line] { std::ignore = std::system(line.c_str()); }; };
-    std::string const quiet = " > /dev/null";
-    Pair const ls = Compare(9, run(program + " ls " + path + quiet),
-                            run("find " + path + " -printf '%y %s %TY-%Tm-%TdT%TT %f %p\\n'" + quiet));
-    Figure("listing.process / find", ls.ratio, "x", "the whole of 'zelvar ls', 100,000 files");
-    Figure("listing.process, time", ls.firstMs, "ms", "find: " + std::to_string(ls.secondMs) + " ms");
+    std::vector<Alternative> others =
+        TimesBeside(11,
+                    [&] {
+                        Items items;
+                        times.push_back(Ms([&] { items = ours(); }));
+                        items.clear();
+                        bares.push_back(Ms(bare));
+                        ratios.push_back(times.back() / bares.back());
+                    },
+                    {{"find -printf, whole process", {"find", path, "-printf", "%y %s %TY-%Tm-%TdT%TT %f %p\n"}}});
+    std::vector<Alternative> findToBare = others;
+    for (Alternative &find : findToBare)
+        if (find.value)
+            *find.value /= Median(bares);
+    Figure(name, Median(ratios), "x", {.limit = limit, .alternatives = findToBare, .note = note});
+    others.push_back({"the bare walk", Median(bares)});
+    Figure(name + ", time", Median(times), "ms", {.alternatives = others});
 }
 
 void OneFolder() {
@@ -84,31 +76,38 @@ void OneFolder() {
         Use(where);
         std::string const name = where == Way::Reader ? "listing" : "listing.own_process";
         FigureAgainst(
-            name + ".iterator / bare", "100,000 files; find 1.7", [&] { return ListItemsOf(path); }, bare);
+            name + ".iterator / bare", 1.1, "100,000 files", [&] { return ListItemsOf(path); }, bare, path);
     }
     for (auto const &[name, sort] :
          {std::pair{"by_size", ListingSort::Size}, {"by_date", ListingSort::Date}, {"by_name", ListingSort::Name}})
         FigureAgainst(
-            std::string("listing.") + name + " / bare", "with the lines that 'zelvar ls' prints",
-            [&] { return ListLines(path, {.sort = sort}); }, bare);
-    Processes(path);
+            std::string("listing.") + name + " / bare", {}, "with the lines that 'zelvar ls' prints",
+            [&] { return ListLines(path, {.sort = sort}); }, bare, path);
 
     malloc_trim(0);
     std::size_t const before = mallinfo2().uordblks;
     Items const items = ListItemsOf(path);
     Figure("listing.bytes_a_row",
            static_cast<double>(mallinfo2().uordblks - before) / static_cast<double>(items.size()), "bytes",
-           "limit: 400");
+           {.limit = 400});
 }
 
+/// What a file costs where there are more of them, beside what it costs among 10,000.
 void Growth() {
     Use(Way::Reader);
+    std::optional<double> first;
     for (unsigned const files : {10'000U, 100'000U, 1'000'000U}) {
         Folder const folder;
         Fill(folder.Path(), files);
         std::ignore = ListBare(folder.Path());
         double const ms = BestMs(3, [&] { std::ignore = ListLines(folder.Path(), {.sort = ListingSort::Name}); });
-        Figure("listing.growth_" + std::to_string(files), ms * 1e3 / files, "us", "a file, by name: linear or better");
+        double const each = ms * 1e3 / files;
+        std::string const name = "listing.growth_" + std::to_string(files);
+        Figure(name, each, "us", "a file, by name");
+        if (first)
+            Figure(name + "_to_linear", each / *first, "x", {.limit = 1, .note = "a file, beside one of 10,000"});
+        else
+            first = each;
     }
 }
 
@@ -125,12 +124,13 @@ void ManyFolders() {
     }
     std::size_t volatile keep = 0;
     FigureAgainst(
-        "listing.recursive / bare", "200 folders of 500; find 1.1",
+        "listing.recursive / bare", 1.2, "200 folders of 500",
         [&] { return ListLines(top.Path(), {.recursive = true}); },
         [&] {
             for (std::string const &folder : folders)
                 keep = keep + ListBare(folder);
-        });
+        },
+        top.Path());
 }
 
 void Images() {
@@ -150,8 +150,9 @@ void Images() {
         }
         ratios.push_back(readers.back() / own.back());
     }
-    Figure("listing.images / own process", Median(ratios), "x", "10,000 small TIFF files, each looked into");
-    Figure("listing.images, time", Median(readers), "ms", "own process: " + std::to_string(Median(own)) + " ms");
+    Figure("listing.images / own process", Median(ratios), "x",
+           {.limit = 1.1, .note = "10,000 small TIFF files, each looked into"});
+    Figure("listing.images, time", Median(readers), "ms", {.alternatives = {{"own process", Median(own)}}});
 }
 
 Register const oneFolder("listing", [] { OneFolder(); });
