@@ -1,7 +1,8 @@
 # One command each; every one installs what is missing first and is quick when nothing is.
 #   make run      build, make the sample data, run the dialog on it (a screenshot in out/ where there is no screen)
 #   make test     build everything with warnings as errors, lint, run all tests
-#   make bench    print the figures, one line each, beside its limit or alternative
+#   make bench    print the figures, one line each, beside its limit or alternative; tools/bench.sh --json for machines,
+#                 tools/bench-compare.sh OLD NEW for what changed between two builds
 #   make asan | tsan | fuzz | mutants | lint | tidy | format | shots | install
 SHELL := /bin/bash
 JOBS ?= $(shell nproc)
