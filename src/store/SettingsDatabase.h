@@ -60,6 +60,9 @@ public:
     // Keys are in their normal form: no separator at either end, none doubled.
     [[nodiscard]] Outcome Read(std::string_view key, std::string_view name, Value &value);
     [[nodiscard]] Outcome Write(std::string_view key, std::string_view name, Value const &value);
+    /// A transaction by itself, half the work of one around `Write`: another value in a row that is there. Nothing, and
+    /// nothing done, without such a row, or if it has that value.
+    [[nodiscard]] Outcome Rewrite(std::string_view key, std::string_view name, Value const &value);
     /// Makes the key and all above it.
     [[nodiscard]] Outcome MakeKey(std::string_view key);
     [[nodiscard]] Outcome HasKey(std::string_view key);
@@ -79,6 +82,7 @@ private:
         kRollbackTo,
         kSelect,
         kUpsert,
+        kUpdate,
         kDelete,
         kDeleteValues,
         kDeleteKeys,

@@ -58,6 +58,24 @@ SettingsSession::Outcome SettingsSession::Transact(milliseconds patience, std::f
     });
 }
 
+SettingsSession::Outcome SettingsSession::WriteAlone(milliseconds patience, DString const &key, DString const &name,
+                                                     Value const &value) {
+    DString const normal = NormalKey(key);
+    return Patiently(patience, [&] {
+        if (isLocked)
+            return Outcome::Failed;
+        Outcome outcome = DoPostponed(); // which is older
+        if (outcome == Outcome::Done)
+            outcome = database.Open(Access::Write);
+        if (outcome == Outcome::Done)
+            outcome = database.Rewrite(normal, name, value);
+        if (outcome != Outcome::Nothing)
+            return outcome;
+        return TryTransact(
+            [&] { return Inside([&] { return database.Write(normal, name, value); }) == Outcome::Done; });
+    });
+}
+
 SettingsSession::Outcome SettingsSession::TryTransact(std::function<bool()> const &body) {
     Outcome outcome = isLocked ? Outcome::Failed : database.Open(Access::Write);
     if (outcome == Outcome::Done)

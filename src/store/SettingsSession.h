@@ -109,6 +109,9 @@ public:
         return ended == Outcome::Nothing ? outcome : ended;
     }
 
+    /// The new value, as a transaction; not inside of one.
+    Outcome WriteAlone(milliseconds patience, DString const &key, DString const &name, Value const &value);
+
     /// Done, or Nothing if `body` did not want it, or why not.
     Outcome Transact(milliseconds patience, std::function<bool()> const &body);
 

@@ -67,7 +67,13 @@ std::optional<SettingsStore::Value> SettingsStore::Read(DString const &key, DStr
 bool SettingsStore::Write(DString const &key, DString const &name, Value const &value) {
     if (m_session->IsPostponed(key, name, value))
         return true;
-    return m_session->Change([&] { return m_session->database.Write(NormalKey(key), name, value); }) == Outcome::Done;
+    {
+        std::lock_guard const lock(m_session->mutex);
+        if (m_session->depth > 0)
+            return m_session->Inside([&] { return m_session->database.Write(NormalKey(key), name, value); }) ==
+                   Outcome::Done;
+    }
+    return m_session->WriteAlone(SettingsSession::kPatience, key, name, value) == Outcome::Done;
 }
 
 bool SettingsStore::Remove(DString const &key, DString const &name) {
@@ -116,22 +122,28 @@ bool SettingsStore::Transact(std::function<bool()> const &body) {
 }
 
 bool SettingsStore::TransactSoon(std::function<bool()> const &body) {
-    {
-        std::lock_guard const lock(m_session->mutex);
-        if (m_session->isPostponing || m_session->depth > 0)
-            return Transact(body);
-        if (m_session->DoPostponedAtOnce() == Outcome::Busy)
-            return m_session->Postpone(body);
-    }
-    Outcome const outcome = m_session->Transact(kSoon, body);
-    if (outcome != Outcome::Busy)
-        return outcome == Outcome::Done;
-    std::lock_guard const lock(m_session->mutex);
-    return m_session->Postpone(body);
+    return Soon([&] { return body; }, [&] { return m_session->Transact(kSoon, body); });
 }
 
 bool SettingsStore::WriteSoon(DString const &key, DString const &name, Value const &value) {
-    return TransactSoon([this, key, name, value] { return Write(key, name, value); });
+    return Soon([&] { return [this, key, name, value] { return Write(key, name, value); }; },
+                [&] { return m_session->WriteAlone(kSoon, key, name, value); });
+}
+
+template <class Body, class Attempt>
+bool SettingsStore::Soon(Body const &body, Attempt const &attempt) {
+    {
+        std::lock_guard const lock(m_session->mutex);
+        if (m_session->isPostponing || m_session->depth > 0)
+            return Transact(body());
+        if (m_session->DoPostponedAtOnce() == Outcome::Busy)
+            return m_session->Postpone(body());
+    }
+    Outcome const outcome = attempt();
+    if (outcome != Outcome::Busy)
+        return outcome == Outcome::Done;
+    std::lock_guard const lock(m_session->mutex);
+    return m_session->Postpone(body());
 }
 
 bool SettingsStore::ReadTogether(std::function<void()> const &body) const { return m_session->ReadTogether(body); }

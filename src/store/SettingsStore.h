@@ -74,6 +74,10 @@ public:
     [[nodiscard]] std::int64_t ReadInt(DString const &key, DString const &name, std::int64_t fallback) const;
 
 private:
+    /// Makes the change that `attempt` makes outside of a transaction, or takes it down as what `body` yields.
+    template <class Body, class Attempt>
+    bool Soon(Body const &body, Attempt const &attempt);
+
     std::unique_ptr<SettingsSession> m_session;
 };
 

@@ -79,6 +79,12 @@ TEST_F(SettingsStoreTest, WhatHasBeenReadHoldsUntilAnybodyWrites) {
         for (int again = 0; again < 2; ++again)
             EXPECT_EQ(store.ReadInt("k", "v", -1), value);
     }
+    auto const logged = [&, begin = std::filesystem::file_size(m_file + "-wal")](std::int64_t value) {
+        EXPECT_TRUE(store.Write("k", "v", value));
+        return std::filesystem::file_size(m_file + "-wal") - begin;
+    };
+    EXPECT_EQ(logged(3), 0U) << "it had that value";
+    EXPECT_EQ(logged(4) + logged(3), 3 * (24U + 1024U)) << "a page of 1 KB a change";
     store.Transact([&] {
         store.Write("k", "v", std::int64_t{4});
         EXPECT_EQ(store.ReadInt("k", "v", -1), 4) << "what only this transaction sees";
