@@ -77,8 +77,6 @@ std::optional<Value> TextList(Bytes const &data) {
 std::optional<Value> Plain(RegistryValue const &value) {
     Bytes const &data = value.data;
     switch (value.type) {
-    case kRegText:
-        return data.empty() ? std::nullopt : std::optional<Value>(DString(data.begin(), data.end() - 1));
     case kRegBinary:
         return data;
     case kRegMultiText:
@@ -120,6 +118,8 @@ RegistryValue ToRegistry(Value const &value) {
 }
 
 Value ToStore(RegistryValue const &value) {
+    if (value.type == kRegText && !value.data.empty() && value.data.back() == 0) // nearly all
+        return DString(value.data.begin(), value.data.end() - 1);
     std::optional<Value> plain = Plain(value);
     return plain && ToRegistry(*plain) == value ? *std::move(plain) : SettingsStore::Typed{value.type, value.data};
 }

@@ -4,6 +4,7 @@
 #include "zelvar/xml/XMLNode.h"
 
 #include <algorithm>
+#include <charconv>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -31,15 +32,16 @@ DString WithoutSeparators(DString path) {
     return path;
 }
 
-std::optional<RegistryValue> ValueIn(XMLNode const &node, bool strict) {
-    return RegistryValueOf(node.GetAttrUnt(kType), node.GetAttrInt(kSize), node.GetSafeText(), strict);
-}
-
-/// Whether an element of a value says what it must.
-bool IsValueElement(XMLNode const &node) {
-    bool const isTyped =
-        node.HasAttr(kType) && DString(std::to_string(node.GetAttrUnt(kType))) == node.GetAttrStr(kType);
-    return isTyped && node.HasAttr(kSize) && node.GetAttrInt(kSize, -1) >= 0 && ValueIn(node, true).has_value();
+/// The bytes of an element of a value, if it says what it must.
+std::optional<std::size_t> SizeOfValueElement(XMLNode const &node) {
+    // A snapshot has many: no attribute is looked for twice.
+    DString const typeText = node.GetAttrStr(kType);
+    unsigned type = 0;
+    bool const isTyped = std::from_chars(typeText.data(), typeText.data() + typeText.size(), type).ec == std::errc{} &&
+                         std::to_string(type) == typeText;
+    long long const size = isTyped ? node.GetAttrInt(kSize, -1) : -1;
+    bool const isWhole = RegistryValueOf(type, size, size < 0 ? DString() : node.GetSafeText(), true).has_value();
+    return isWhole ? std::optional(static_cast<std::size_t>(size)) : std::nullopt;
 }
 
 } // namespace
@@ -137,7 +139,8 @@ bool ZelRegistry::FromXMLNode(XMLNode *node) {
 }
 
 bool ZelRegistry::FromXMLValue(XMLNode const &node) {
-    std::optional<RegistryValue> const value = ValueIn(node, false);
+    std::optional<RegistryValue> const value =
+        RegistryValueOf(node.GetAttrUnt(kType), node.GetAttrInt(kSize), node.GetSafeText(), false);
     return value && Write(node.GetSafeAttr(kPath), *value);
 }
 
@@ -158,10 +161,10 @@ bool ZelRegistry::IsSnapshot(XMLNode const &node, DString *reason) {
             else if (!EqualNoCase(child->GetName(), kValueElement))
                 why = Format("there is a %s under the key '%s'", child->GetName().c_str(),
                              key.GetSafeAttr(kPath).c_str());
-            else if (!IsValueElement(*child))
+            else if (std::optional<std::size_t> const size = SizeOfValueElement(*child); !size)
                 why = Format("the value '%s' under the key '%s' is not what its type and size say",
                              child->GetSafeAttr(kPath).c_str(), key.GetSafeAttr(kPath).c_str());
-            else if (bytes += static_cast<std::size_t>(child->GetAttrInt(kSize)); bytes > kMostSnapshotBytes)
+            else if (bytes += *size; bytes > kMostSnapshotBytes)
                 why = "the values are larger than 256 MB together";
         }
     }
