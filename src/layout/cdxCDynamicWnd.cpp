@@ -69,8 +69,8 @@ QWidget *cdxCDynamicWnd::GetSafeChildHWND(int id) const {
 }
 
 bool cdxCDynamicWnd::GetControlPosition(QWidget *child, Position &position) const {
-    auto const at = m_map.find(child);
-    if (at == m_map.end())
+    auto const *const at = m_map.find(child);
+    if (at == nullptr)
         return false;
     position = at->second.position;
     return true;
@@ -91,16 +91,16 @@ Size cdxCDynamicWnd::GetBorderSize() const {
 }
 
 bool cdxCDynamicWnd::DoMoveCtrl(QWidget *child, int /*id*/, Rect &rect, cdxCDynamicLayoutInfo const &info) {
-    auto const at = m_map.find(child);
-    if (at == m_map.end())
+    auto const *const at = m_map.find(child);
+    if (at == nullptr)
         return false;
     rect = ComputeChildRect(at->second.position, info.Growth());
     return true;
 }
 
 int cdxCDynamicWnd::IdOf(QWidget &child) const {
-    auto const at = m_map.find(&child);
-    return at == m_map.end() ? platform::GetDlgCtrlID(child) : at->second.id;
+    auto const *const at = m_map.find(&child);
+    return at == nullptr ? platform::GetDlgCtrlID(child) : at->second.id;
 }
 
 void cdxCDynamicWnd::FitScrollBars() {
@@ -133,12 +133,13 @@ void cdxCDynamicWnd::LayoutChildren() {
     if (!info)
         return;
     {
+        QWidget &client = *Client();
         // The pixels of a moved child can only be kept while painting goes on.
-        PaintingPause pause(*Client());
+        PaintingPause pause(client);
         bool const pauses = (m_flags & FlagCopyBits) == 0;
         // By index: a child that moves may make or delete others. NOLINTNEXTLINE(modernize-loop-convert)
-        for (qsizetype i = 0; i < Client()->children().size(); ++i) {
-            QObject *const object = Client()->children().at(i);
+        for (qsizetype i = 0; i < client.children().size(); ++i) {
+            QObject *const object = client.children().at(i);
             if (!object->isWidgetType())
                 continue;
             auto *const child = static_cast<QWidget *>(object);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "zelvar/layout/cdxCDynamicLayoutInfo.h"
+#include "zelvar/layout/core/WalkedMap.h"
 #include "zelvar/layout/core/WindowRule.h"
 
 #include <QtCore/QPointer>
@@ -8,7 +9,6 @@
 
 #include <cstdint>
 #include <memory>
-#include <unordered_map>
 
 namespace zelvar {
 
@@ -160,7 +160,7 @@ protected:
     bool m_bIsAntiFlickering = false;       ///< the class style is changed
     std::int32_t m_iDisabled = 0;           ///< above 0: disabled
     std::uint32_t m_classStyle = 0;         ///< the redraw bits as they were at the start
-    std::unordered_map<QWidget *, Entry> m_map;
+    WalkedMap<QWidget *, Entry> m_map;
     Freedom m_freedom;
     unsigned m_flags;
     Size m_szInitial;

@@ -10,7 +10,7 @@ namespace zelvar {
 bool cdxCDynamicWnd::AddSzControl(QWidget *child, Position const &position, bool repos) {
     if (!IsWindow() || child == nullptr)
         return false;
-    if (m_map.insert_or_assign(child, Entry{position, platform::GetDlgCtrlID(*child)}).second)
+    if (m_map.insert_or_assign(child, Entry{position, platform::GetDlgCtrlID(*child)}))
         m_watch->Over(*child);
     if (repos)
         UpdateControlPosition(child);
