@@ -2,6 +2,7 @@
 
 #include "zelvar/base/Report.h"
 #include "zelvar/data/DriverProvider.h"
+#include "zelvar/data/reader/OpenModule.h"
 
 #include <utility>
 
@@ -12,7 +13,7 @@ namespace zelvar::reader {
 namespace {
 
 void LoadModule(DString const &path) {
-    void *const module = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+    void *const module = OpenModule(path);
     void *const entry = module == nullptr ? nullptr : dlsym(module, "zelvar_register_drivers");
     if (entry != nullptr)
         reinterpret_cast<void (*)()>(entry)();

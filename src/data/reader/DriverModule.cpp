@@ -9,6 +9,7 @@
 #include "zelvar/data/PlaceCheck.h"
 #include "zelvar/data/ProbeAhead.h"
 #include "zelvar/data/RDIDriverMngr.h"
+#include "zelvar/data/reader/OpenModule.h"
 #include "zelvar/data/reader/Places.h"
 #include "zelvar/data/reader/Readers.h"
 #include "zelvar/data/reader/RemoteRasterDriver.h"
@@ -31,9 +32,8 @@ constexpr std::chrono::milliseconds kFirstAnswer{15'000}; // with all that has t
 std::atomic<bool> g_readersAreUsed{false};
 
 void LoadModule() {
-    DString const path = InstalledFile("zelvar-gdal.so");
     // Never closed: GDAL registers things that outlive any use of it.
-    void *const module = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+    void *const module = OpenModule(InstalledFile(kGdalModule));
     void *const entry = module == nullptr ? nullptr : dlsym(module, kEntry);
     if (entry == nullptr) {
         Report::TraceMessage(Report::kTraceOpen, "no drivers: %s", dlerror());

@@ -3,6 +3,7 @@
 #include "zelvar/base/PathStyle.h"
 #include "zelvar/base/Report.h"
 #include "zelvar/data/reader/DriverModule.h"
+#include "zelvar/data/reader/OpenModule.h"
 
 #include <algorithm>
 #include <array>
@@ -139,7 +140,7 @@ std::shared_ptr<ReaderProcess> ReaderProcess::Start(ReaderSettings const &settin
     std::vector<DString> words{program, std::to_string(kSocket), std::to_string(kStatus),
                                network ? "network" : "local"};
     if (settings.withInstalledDrivers)
-        words.push_back(InstalledFile("zelvar-gdal.so"));
+        words.push_back(InstalledFile(kGdalModule));
     words.insert(words.end(), settings.modules.begin(), settings.modules.end());
     pid_t pid = -1;
     if (int const error = SpawnPlan(theirs.Get(), status->File()).Run(words, pid); error != 0) {
