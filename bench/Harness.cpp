@@ -6,9 +6,14 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <iterator>
 #include <utility>
 
 #include <unistd.h>
+
+// A program that needs a toolkit defines its own start by overriding this weak function.
+__attribute__((weak)) void PrepareBenches(int &, char **);
+__attribute__((weak)) void PrepareBenches(int &, char **) {}
 
 namespace zelvar::bench {
 
@@ -155,25 +160,20 @@ Register::Register(std::string name, std::function<void()> body) {
 
 namespace {
 
-/// Runs those whose name begins with one of the words, or all without any.
-void Run(std::vector<std::string> const &words, bool listOnly) {
-    auto const wants = [&](Entry const &entry) {
+/// Those whose name begins with one of the words, or all without any.
+std::vector<Entry> Wanted(std::vector<std::string> const &words) {
+    std::vector<Entry> wanted;
+    std::ranges::copy_if(Entries(), std::back_inserter(wanted), [&](Entry const &entry) {
         return words.empty() ||
                std::ranges::any_of(words, [&](std::string const &word) { return entry.name.starts_with(word); });
-    };
-    for (Entry const &entry : Entries()) {
-        if (!wants(entry))
-            continue;
-        if (listOnly)
-            std::printf("%s\n", entry.name.c_str());
-        else
-            entry.body();
-    }
+    });
+    return wanted;
 }
 
 /// The exit code.
-int Main(std::vector<std::string> words) {
+int Main(int argc, char **argv) {
     constexpr int usage = 2;
+    std::vector<std::string> words(argv + 1, argv + argc);
     bool const isJson = std::erase(words, "--json") > 0;
     bool const listsOnly = std::erase(words, "--list") > 0;
     for (std::string const &word : words)
@@ -181,11 +181,20 @@ int Main(std::vector<std::string> words) {
             std::fprintf(stderr, "usage: [--json|--list] [NAME...]: the benches whose names begin so, or all\n");
             return usage;
         }
-    TheOutput().isJson = isJson && !listsOnly;
-    if (TheOutput().isJson)
+    std::vector<Entry> const wanted = Wanted(words);
+    if (listsOnly) {
+        for (Entry const &entry : wanted)
+            std::printf("%s\n", entry.name.c_str());
+        return 0;
+    }
+    if (!wanted.empty())
+        PrepareBenches(argc, argv);
+    TheOutput().isJson = isJson;
+    if (isJson)
         std::fputs("[", stdout);
-    Run(words, listsOnly);
-    if (TheOutput().isJson)
+    for (Entry const &entry : wanted)
+        entry.body();
+    if (isJson)
         std::fputs("\n]\n", stdout);
     return 0;
 }
@@ -194,11 +203,4 @@ int Main(std::vector<std::string> words) {
 
 } // namespace zelvar::bench
 
-// A program that needs a toolkit defines its own start by overriding this weak function.
-__attribute__((weak)) void PrepareBenches(int &, char **);
-__attribute__((weak)) void PrepareBenches(int &, char **) {}
-
-int main(int argc, char **argv) {
-    PrepareBenches(argc, argv);
-    return zelvar::bench::Main({argv + 1, argv + argc});
-}
+int main(int argc, char **argv) { return zelvar::bench::Main(argc, argv); }

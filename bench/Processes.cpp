@@ -107,7 +107,8 @@ void FigureOfProcesses(std::string const &name, std::optional<double> limit, std
     for (std::size_t i = 1; i < programs.size(); ++i)
         beside.alternatives.push_back(AsAlternative(programs[i], times[i]));
     Figure(name, MedianOf(times.front(), &ProcessTime::wallMs), "ms", beside);
-    Figure(name + ".user", MedianOf(times.front(), &ProcessTime::userMs), "ms", "of processors");
+    Figure(name + ".user", MedianOf(times.front(), &ProcessTime::userMs), "ms",
+           "of processors; readers that end behind it are left out");
 }
 
 } // namespace zelvar::bench

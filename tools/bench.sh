@@ -19,10 +19,12 @@ programs=("$build"/bench/zelvar_bench_*)
 export LC_ALL=C.UTF-8 TZ=UTC QT_QPA_PLATFORM=offscreen
 scratch=$(mktemp -d); trap 'rm -rf "$scratch"' EXIT
 export ZELVAR_SETTINGS=$scratch/settings.db ZELVAR_DEFINITIONS_DIR=$scratch/definitions ZELVAR_TEMPLATES_DIR=
-mkdir "$scratch/definitions"
+export XDG_RUNTIME_DIR=$scratch/runtime
+mkdir "$scratch/definitions"; mkdir -m 700 "$XDG_RUNTIME_DIR"
 run() { for program in "${programs[@]}"; do "$program" "${form[@]}" "${words[@]}"; done; }
 if [ "${form[*]}" != --json ]; then run; exit; fi
 run >"$scratch/figures"
 # Each program prints an array, an element a line.
+[ "$(grep -c '^\[$' "$scratch/figures")" = ${#programs[@]} ] || { echo "bench.sh: $build is too old for --json" >&2; exit 1; }
 printf '['
 sed -n '/^{/ { s/},$/}/; p }' "$scratch/figures" | awk '{ printf "%s\n%s", (NR > 1 ? "," : ""), $0 } END { print "\n]" }'

@@ -1,10 +1,9 @@
-// The selector of nodes over containers of 5,000 members.
+// The selector of nodes over containers of 5,000 members, which readers list.
 #include "Folders.h"
 #include "Harness.h"
 #include "zelvar/data/BDIDrvrMngr.h"
-#include "zelvar/data/DriverProvider.h"
-#include "zelvar/data/gdal/GdalDrivers.h"
 #include "zelvar/dialogs/CBDISelectorDlg.h"
+#include "zelvar/library/ZelvarInit.h"
 #include "zelvar/lists/CZelListCtrl.h"
 #include "zelvar/lists/CZelTreeCtrl.h"
 #include "zelvar/platform/ui/ControlId.h"
@@ -142,8 +141,7 @@ Measured Measure(BDIDrvr *driver, std::string const &path, unsigned mask) {
 }
 
 Register const selector("selector", [] {
-    SetDriverProvider(RegisterGdalDrivers);
-    EnsureDrivers();
+    ZelvarInit();
     Folder const folder;
     std::string const pages = folder.Path() + "/pages.tif";
     std::string const archive = folder.Path() + "/containers.zip";
