@@ -62,7 +62,9 @@ std::string TextOf(Beside const &beside) {
 }
 
 void PrintLine(std::string const &name, double value, std::string const &unit, Beside const &beside) {
-    std::printf("%-44s %12.3f %-8s (%s)\n", name.c_str(), value, unit.c_str(), TextOf(beside).c_str());
+    std::string const text = TextOf(beside);
+    std::printf("%-44s %12.3f %-8s%s\n", name.c_str(), value, unit.c_str(),
+                text.empty() ? "" : (" (" + text + ")").c_str());
 }
 
 // --- JSON ---
