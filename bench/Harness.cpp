@@ -93,9 +93,9 @@ std::string JsonOf(std::optional<double> const &value) {
 void PrintObject(std::string const &name, double value, std::string const &unit, Beside const &beside) {
     std::string alternatives;
     for (Alternative const &other : beside.alternatives)
-        alternatives += (alternatives.empty() ? "" : ", ") + ("{\"name\": " + Quoted(other.name)) +
-                        ", \"value\": " + JsonOf(other.value) + "}";
-    std::printf("%s{\"name\": %s, \"value\": %s, \"unit\": %s, \"limit\": %s, \"alternatives\": [%s], \"note\": %s}",
+        alternatives += (alternatives.empty() ? "" : ", ") + (R"({"name": )" + Quoted(other.name)) + R"(, "value": )" +
+                        JsonOf(other.value) + "}";
+    std::printf(R"(%s{"name": %s, "value": %s, "unit": %s, "limit": %s, "alternatives": [%s], "note": %s})",
                 TheOutput().isEmpty ? "\n" : ",\n", Quoted(name).c_str(), JsonOf(value).c_str(), Quoted(unit).c_str(),
                 JsonOf(beside.limit).c_str(), alternatives.c_str(), Quoted(beside.note).c_str());
     TheOutput().isEmpty = false;

@@ -15,8 +15,9 @@ constexpr int kRows = 1'000'000;
 constexpr int kSide = 5790;
 
 Program Ours(std::vector<std::string> words) {
+    std::string name = "zelvar " + words.front();
     words.insert(words.begin(), ZELVAR_COMMAND);
-    return {.name = "zelvar " + words[1], .words = std::move(words)};
+    return {.name = std::move(name), .words = std::move(words)};
 }
 
 Register const kEmpty("start.ls", [] {
