@@ -40,10 +40,15 @@ flags=$(PKG_CONFIG_PATH=$(dirname "$(find "$scratch/usr" -name zelvar.pc)") pkg-
 case "$flags" in *-lzelvar*) ;; *) echo "pkg-config says: $flags"; exit 1 ;; esac
 # The headers of the lower library need it alone.
 export PKG_CONFIG_PATH; PKG_CONFIG_PATH=$(dirname "$(find "$scratch/usr" -name zelvar-core.pc)")
-printf '#include "zelvar/Core.h"\nint main() { return 0; }\n' >"$scratch/core.cpp"
+printf '#include "zelvar/Core.h"\n#include <cstdio>\nint main() { std::puts(zelvar::GetInstallDir().c_str()); }\n' >"$scratch/core.cpp"
 # shellcheck disable=SC2046 # words
 g++ -std=c++20 -fkeep-inline-functions "$scratch/core.cpp" -o "$scratch/core" \
   $(pkg-config --define-prefix --cflags --libs zelvar-core)
+# The shared data is found where the loader comes to the library through a link, as "/lib" is one.
+ln -s usr/lib "$scratch/lib"
+libraries=$(dirname "$(find "$scratch/usr/lib" -name libzelvar-core.so)")
+said=$(LD_LIBRARY_PATH=$scratch/lib${libraries#"$scratch/usr/lib"} "$scratch/core")
+[ "$said" = "$scratch/usr" ] || { echo "through a link the data is looked for in $said"; exit 1; }
 mkdir "$scratch/empty" "$scratch/home"
 ZELVAR_SETTINGS=$scratch/settings.db HOME=$scratch/home "$scratch/usr/bin/zelvar" ls "$scratch/empty" || [ $? -eq 1 ] # nothing found
 # What is read is read by the installed reader, with the installed drivers.

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdlib>
+#include <memory>
 #include <optional>
 
 #include <dlfcn.h>
@@ -33,15 +34,25 @@ DString OwnFile() {
     return length > 0 ? DString(buffer.data(), static_cast<std::size_t>(length)) : DString();
 }
 
-DString FindInstallDir() {
-    DString const file = OwnFile();
+/// The folder above the file that holds the shared data; empty if none does.
+DString FolderOfData(DString const &file) {
     std::string_view above = ParentPathOf(file);
     for (int level = 0; level < kDeepestLibrary && above.size() > 1; ++level) {
         if (IsThere(AppendPath(above, "share/zelvar")))
             return DString(above);
         above = ParentPathOf(above);
     }
-    return DString(ParentPathOf(ParentPathOf(file)));
+    return {};
+}
+
+DString FindInstallDir() {
+    DString const file = OwnFile();
+    DString found = FolderOfData(file);
+    // "/lib" is a link to "/usr/lib", and the loader goes through it.
+    if (std::unique_ptr<char, decltype(&std::free)> const real(realpath(file.c_str(), nullptr), &std::free);
+        found.empty() && real)
+        found = FolderOfData(real.get());
+    return found.empty() ? DString(ParentPathOf(ParentPathOf(file))) : found;
 }
 
 /// Directory of the user's configuration; empty if there is no user's home.
