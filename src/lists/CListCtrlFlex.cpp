@@ -1,7 +1,7 @@
 #include "zelvar/lists/CListCtrlFlex.h"
 
+#include "zelvar/base/CellNumber.h"
 #include "zelvar/lists/CEditCell.h"
-#include "zelvar/lists/core/CellNumber.h"
 #include "zelvar/platform/ui/ControlId.h"
 #include "zelvar/platform/ui/PaletteColors.h"
 #include "zelvar/platform/ui/Pictures.h"

@@ -1,9 +1,10 @@
 #include "support/Test.h"
+#include "zelvar/base/CellNumber.h"
 #include "zelvar/lists/core/CellCache.h"
-#include "zelvar/lists/core/CellNumber.h"
 #include "zelvar/lists/core/CellOrder.h"
 #include "zelvar/lists/core/FlexColumns.h"
 
+#include <numeric>
 #include <random>
 
 #include <strings.h>
@@ -137,6 +138,21 @@ TEST(CellOrder, AStoppedSortLeavesTheOrder) {
                 ASSERT_EQ(cache.IdAt(id), id);
         }
     }
+}
+
+TEST(CellCache, TakesAnOrderInWhichEqualRowsStandAsTheyStood) {
+    CellCache cache;
+    for (int row = 0; row < 70; ++row)
+        cache.AddRow(); // their cells are elsewhere
+    EXPECT_TRUE(cache.FullRows() == 70 && cache.Sort(-1, true, {}));
+    EXPECT_EQ(cache.IdAt(0), 69);
+    std::vector<std::uint32_t> ids(70);
+    std::iota(ids.begin(), ids.end(), 0U);
+    std::swap(ids[0], ids[1]); // 1, 0, 2, ..., all but the first two and the last equal
+    std::vector<std::uint64_t> const ties = {~std::uint64_t{7}, 0x1F};
+    EXPECT_TRUE(cache.TakeOrder(ids, ties, {}));
+    for (auto const &[place, id] : test::Rows<int, int>{{0, 1}, {1, 0}, {2, 68}, {68, 2}, {69, 69}})
+        EXPECT_EQ(cache.IdAt(place), id) << place;
 }
 
 TEST(CellCache, TextsOfAnySizeStayWhereTheyAre) {

@@ -1,38 +1,23 @@
 #include "zelvar/lists/core/CellOrder.h"
 
-#include "zelvar/base/DString.h"
-#include "zelvar/lists/core/CellNumber.h"
+#include "zelvar/base/CellNumber.h"
 #include "zelvar/views/core/MergeSort.h"
 
 #include <algorithm>
-#include <bit>
-#include <cmath>
 #include <cstring>
 
 namespace zelvar {
 
 namespace {
 
-constexpr std::size_t kNumberBytes = 512; // more digits change nothing
 constexpr std::size_t kHeadBytes = sizeof CellKey::order;
 constexpr unsigned kStepsPerQuestion = 16 * 1024;
-
-constexpr unsigned char LowerAscii(char c) {
-    return static_cast<unsigned char>(c >= 'A' && c <= 'Z' ? c + ('a' - 'A') : c);
-}
-
-/// Numbers as words that compare in the same way.
-std::uint64_t OrderOf(double number) {
-    constexpr std::uint64_t sign = std::uint64_t{1} << 63U;
-    auto const bits = std::bit_cast<std::uint64_t>(number);
-    return (bits & sign) != 0 ? ~bits : bits | sign;
-}
 
 /// The first bytes of a text: most comparisons end there, without a look at the text itself.
 std::uint64_t HeadOf(char const *text) {
     std::uint64_t head = 0;
     for (std::size_t i = 0; i < kHeadBytes; ++i) {
-        head = head << 8U | LowerAscii(*text);
+        head = head << 8U | SortByteOf(*text);
         text += *text == '\0' ? 0 : 1;
     }
     return head;
@@ -44,9 +29,9 @@ bool IsTextBehind(CellKey const &a, CellKey const &b) {
         return a.order > b.order;
     char const *first = a.text + kHeadBytes;
     char const *second = b.text + kHeadBytes;
-    while (*first != '\0' && LowerAscii(*first) == LowerAscii(*second))
+    while (*first != '\0' && SortByteOf(*first) == SortByteOf(*second))
         ++first, ++second;
-    return LowerAscii(*first) > LowerAscii(*second);
+    return SortByteOf(*first) > SortByteOf(*second);
 }
 
 class StopWatch {
@@ -91,21 +76,8 @@ bool SortByWords(std::vector<CellKey> &keys, StopWatch &watch) {
 
 } // namespace
 
-double SortNumberOf(char const *text) {
-    std::string_view const begin(text, strnlen(text, kNumberBytes));
-    double const number = ParseCellNumber(begin).value_or(0);
-    if (std::isfinite(number))
-        return number;
-    // "Nantes" and "Information" are no numbers.
-    std::string_view word = begin.substr(begin.find_first_not_of(" \t\n\v\f\r"));
-    word.remove_prefix(word.front() == '-' || word.front() == '+' ? 1 : 0);
-    word = word.substr(0, word.find_last_not_of(" \t\n\v\f\r") + 1);
-    bool const isDigit = (word.front() >= '0' && word.front() <= '9') || word.front() == '.';
-    return isDigit || EqualNoCase(word, "inf") || EqualNoCase(word, "infinity") ? number : 0;
-}
-
 bool OrderByCells(std::vector<CellKey> keys, bool ascending, std::function<bool()> const &isStopped,
-                  std::vector<int> &ids) {
+                  std::vector<std::uint32_t> &ids) {
     StopWatch watch(isStopped);
     // 1. Read each cell once; numbers and the rest go to lists of their own.
     std::vector<CellKey> numbers;
@@ -115,7 +87,7 @@ bool OrderByCells(std::vector<CellKey> keys, bool ascending, std::function<bool(
             return false;
         key.text = key.text == nullptr ? "" : key.text;
         double const number = SortNumberOf(key.text);
-        key.order = number == 0 ? HeadOf(key.text) : OrderOf(ascending ? -number : number);
+        key.order = number == 0 ? HeadOf(key.text) : SortWordOf(ascending ? -number : number);
         if (number == 0)
             keys[texts++] = key;
         else
@@ -132,7 +104,7 @@ bool OrderByCells(std::vector<CellKey> keys, bool ascending, std::function<bool(
     if (watch.IsStopped())
         return false;
     // 3. Join: zero stands between the numbers.
-    auto const isBeforeZero = [](CellKey const &key) { return key.order < OrderOf(0); };
+    auto const isBeforeZero = [](CellKey const &key) { return key.order < SortWordOf(0); };
     auto const zero = std::partition_point(numbers.begin(), numbers.end(), isBeforeZero);
     auto out = ids.begin();
     auto const append = [&](auto from, auto to) {

@@ -1,12 +1,17 @@
-#include "zelvar/lists/core/CellNumber.h"
+#include "zelvar/base/CellNumber.h"
+
+#include "zelvar/base/DString.h"
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <limits>
 
 namespace zelvar {
 
 namespace {
+
+constexpr std::size_t kNumberBytes = 512; // more digits change nothing
 
 bool TakePrefix(std::string_view &text, std::string_view prefix) {
     bool const found = text.starts_with(prefix);
@@ -40,6 +45,19 @@ std::optional<double> ParseCellNumber(std::string_view text) {
         value = tiny ? 0 : std::numeric_limits<double>::infinity();
     }
     return negative ? -value : value;
+}
+
+double SortNumberOf(std::string_view text) {
+    std::string_view const begin = text.substr(0, kNumberBytes);
+    double const number = ParseCellNumber(begin).value_or(0);
+    if (std::isfinite(number))
+        return number;
+    // "Nantes" and "Information" are no numbers.
+    std::string_view word = begin.substr(begin.find_first_not_of(" \t\n\v\f\r"));
+    word.remove_prefix(word.front() == '-' || word.front() == '+' ? 1 : 0);
+    word = word.substr(0, word.find_last_not_of(" \t\n\v\f\r") + 1);
+    bool const isDigit = (word.front() >= '0' && word.front() <= '9') || word.front() == '.';
+    return isDigit || EqualNoCase(word, "inf") || EqualNoCase(word, "infinity") ? number : 0;
 }
 
 } // namespace zelvar
