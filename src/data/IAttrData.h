@@ -4,8 +4,11 @@
 #include "zelvar/base/DString.h"
 
 #include <cstdint>
+#include <memory>
 
 namespace zelvar {
+
+class IRowStore;
 
 /// Attribute data interface: a table with named, typed columns. It is either read, row by row, or written, once from
 /// its first cell to its last. One thread at a time.
@@ -30,6 +33,10 @@ public:
     [[nodiscard]] virtual bool HasFailed() const { return false; }
     /// The text of a cell of the current row, valid UTF-8; empty for a cell without a value and one that is not there.
     [[nodiscard]] virtual DString GetText(int col) const = 0;
+
+    /// The rows themselves, where they can be had by their numbers at any time; else null. They can be asked for after
+    /// this object is gone.
+    [[nodiscard]] virtual std::shared_ptr<IRowStore> GetRowStore() { return nullptr; }
 
     /// Begins to write; what both say is a hint.
     virtual void InitTable(int rows, int cols) = 0;

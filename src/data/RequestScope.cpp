@@ -50,6 +50,14 @@ void RequestScope::SetUnanswered() {
         scope->m_unanswered = true;
 }
 
+void RequestScope::NoteProgress(double done, double all) {
+    if (t_current == nullptr || all <= 0)
+        return;
+    int const progress = static_cast<int>(kWhole * std::clamp(done / all, 0.0, 1.0));
+    for (RequestScope *scope = t_current; scope != nullptr; scope = scope->m_outer)
+        scope->m_progress = progress;
+}
+
 RequestScope *RequestScope::Listing() {
     for (RequestScope *scope = m_outer; scope != nullptr; scope = scope->m_outer)
         if (scope->m_kind == RequestKind::List)

@@ -65,6 +65,12 @@ public:
     /// Whether one did, here or in a scope inside: then "no" means "not known".
     [[nodiscard]] bool IsUnanswered() const { return m_unanswered; }
 
+    /// What is under way on this thread says how far it has come, to all scopes that it stands in.
+    static void NoteProgress(double done, double all);
+    static constexpr int kWhole = 1000;
+    /// How far that is, of `kWhole`; below 0 while nothing has been said.
+    [[nodiscard]] int Progress() const { return m_progress; }
+
     /// The listing around this scope, or null.
     [[nodiscard]] RequestScope *Listing();
     /// Of a listing: time that its probes have spent for nothing.
@@ -80,6 +86,7 @@ private:
     std::optional<std::chrono::milliseconds> m_time;
     Clock::time_point m_begin;
     bool m_unanswered = false;
+    int m_progress = -1;
 };
 
 } // namespace zelvar

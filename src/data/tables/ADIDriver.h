@@ -5,9 +5,9 @@
 #include "zelvar/data/BDIMoniker.h"
 #include "zelvar/data/DIOPlugin.h"
 #include "zelvar/data/StopSignal.h"
+#include "zelvar/data/TableRows.h"
 
 #include <cstdint>
-#include <string_view>
 #include <vector>
 
 namespace zelvar {
@@ -16,20 +16,6 @@ namespace zelvar {
 struct ADIColumn {
     DString name; ///< valid UTF-8
     ADIColType type = ADICol_String;
-};
-
-/// Rows of a table that follow one another, as texts.
-struct ADIRows {
-    std::int64_t first = 0; ///< number of the first one
-    int count = 0;
-    bool isEnd = false;              ///< the table ends behind them
-    DString texts;                   ///< of all cells, row by row, one behind the other; valid UTF-8
-    std::vector<std::uint32_t> ends; ///< where each cell ends in `texts`; a row has as many as the table has columns
-
-    [[nodiscard]] std::string_view Cell(std::size_t index) const {
-        std::size_t const begin = index == 0 ? 0 : ends[index - 1];
-        return std::string_view(texts).substr(begin, ends[index] - begin);
-    }
 };
 
 /// Attribute data interface driver: reads tables.
@@ -63,6 +49,27 @@ public:
     /// step back may read from the beginning. A row that cannot be read ends the table. False if it fails or was
     /// stopped.
     virtual bool ReadRows(void *handle, std::int64_t first, int most, ADIRows &rows) = 0;
+
+    /// Whether rows are found again by their numbers, and sorted, without being kept. The rest is for such tables
+    /// alone.
+    ///
+    /// Each call says in `known` what the table was found to be; a handle that knows less, as it is new, finds it out
+    /// anew, and one that finds something else fails.
+    [[nodiscard]] virtual bool KeepsPlaces(void * /*handle*/) const { return false; }
+    /// Counts on until `rows` are known or some hundred megabytes more have been looked at.
+    virtual bool CountRows(void * /*handle*/, std::int64_t /*rows*/, TableExtent & /*known*/, DError * /*error*/) {
+        return false;
+    }
+    /// As `IRowStore::Read`.
+    virtual bool PickRows(void * /*handle*/, TableExtent const & /*known*/,
+                          std::vector<std::int64_t> const & /*wanted*/, ADIRows & /*rows*/, DError * /*error*/) {
+        return false;
+    }
+    /// As `IRowStore::Sort`, of all rows that are known.
+    virtual bool SortRows(void * /*handle*/, TableExtent const & /*known*/, int /*column*/, bool /*ascending*/,
+                          RowOrder & /*order*/, DError * /*error*/) {
+        return false;
+    }
 };
 
 } // namespace zelvar
