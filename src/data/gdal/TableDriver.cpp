@@ -1,5 +1,6 @@
 #include "zelvar/data/gdal/TableDriver.h"
 
+#include "zelvar/base/FileDescriptor.h"
 #include "zelvar/base/PathStyle.h"
 #include "zelvar/data/gdal/LayerTable.h"
 #include "zelvar/data/tables/ADIDriverMngr.h"
@@ -8,7 +9,11 @@
 #include <cpl_vsi.h>
 #include <gdal.h>
 
+#include <cerrno>
 #include <new>
+
+#include <fcntl.h>
+#include <sys/stat.h>
 
 namespace zelvar::gdal {
 
@@ -33,11 +38,41 @@ struct Opened {
     }
 };
 
+/// A plain file on disk, which the system finds any place of, on any thread. Null for what only GDAL can read.
+std::shared_ptr<FileDescriptor> OpenPlain(DString const &name, std::uint64_t &bytes) {
+    if (name.starts_with("/vsi"))
+        return nullptr;
+    auto file = std::make_shared<FileDescriptor>(open(name.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+    struct stat info {};
+    if (!file->IsOpen() || fstat(file->Get(), &info) != 0 || !S_ISREG(info.st_mode) || info.st_size == 0)
+        return nullptr;
+    bytes = static_cast<std::uint64_t>(info.st_size);
+    return file;
+}
+
+std::size_t ReadPlain(int file, std::uint64_t offset, char *buffer, std::size_t size) {
+    std::size_t done = 0;
+    while (done < size) {
+        ssize_t const count = pread(file, buffer + done, size - done, static_cast<off_t>(offset + done));
+        if (count == 0 || (count < 0 && errno != EINTR))
+            break;
+        done += count < 0 ? 0 : static_cast<std::size_t>(count);
+    }
+    return done;
+}
+
 /// Null for a file that is none of comma-separated values; `forced`: whatever its name is.
 std::unique_ptr<OpenTable> OpenText(Source const &source, bool forced, StopSignal const *stop, DError *error) {
     DString const extension(ExtensionOf(source.name));
     if (!forced && !CsvTable::IsNameOne(extension))
         return nullptr;
+    std::uint64_t bytes = 0;
+    if (std::shared_ptr<FileDescriptor> const plain = OpenPlain(source.name, bytes)) {
+        auto read = [plain](std::uint64_t offset, char *buffer, std::size_t size) {
+            return ReadPlain(plain->Get(), offset, buffer, size);
+        };
+        return CsvTable::Open({source.text, extension, std::move(read), source.options, bytes}, stop, error);
+    }
     GdalScope const scope(source.reach);
     std::shared_ptr<VSILFILE> const file(VSIFOpenL(source.name.c_str(), "rb"), [](VSILFILE *open) {
         if (open != nullptr)
@@ -51,7 +86,7 @@ std::unique_ptr<OpenTable> OpenText(Source const &source, bool forced, StopSigna
     auto read = [file](std::uint64_t offset, char *buffer, std::size_t size) {
         return VSIFSeekL(file.get(), offset, SEEK_SET) == 0 ? VSIFReadL(buffer, 1, size, file.get()) : std::size_t{0};
     };
-    return CsvTable::Open({source.text, extension, std::move(read), source.options}, stop, error);
+    return CsvTable::Open({source.text, extension, std::move(read), source.options, 0}, stop, error);
 }
 
 Opened OpenWith(BDIMoniker const &moniker, Format const *only, StopSignal const *stop, DError *error) {
@@ -105,14 +140,41 @@ std::vector<ADIColumn> const &TableDriver::GetColumns(void *handle) const { retu
 
 DString TableDriver::GetEncoding(void *handle) const { return Of(handle).table->Encoding(); }
 
-bool TableDriver::ReadRows(void *handle, std::int64_t first, int most, ADIRows &rows) {
+namespace {
+
+/// What `work` answers for the table; no where there is no memory for its rows.
+template <class Work>
+bool Within(void *handle, Work const &work) {
     try {
         GdalScope const scope(Of(handle).reach);
-        return Of(handle).table->ReadRows(first, most, rows);
+        return work(*Of(handle).table);
     } catch (std::bad_alloc const &) {
         Report::TraceMessage(Report::kTraceDriver, "no memory for the rows of a table");
         return false;
     }
+}
+
+} // namespace
+
+bool TableDriver::ReadRows(void *handle, std::int64_t first, int most, ADIRows &rows) {
+    return Within(handle, [&](zelvar::OpenTable &table) { return table.ReadRows(first, most, rows); });
+}
+
+bool TableDriver::KeepsPlaces(void *handle) const { return Of(handle).table->KeepsPlaces(); }
+
+bool TableDriver::CountRows(void *handle, std::int64_t rows, TableExtent &known, DError *error) {
+    return Within(handle, [&](zelvar::OpenTable &table) { return table.CountRows(rows, known, error); });
+}
+
+bool TableDriver::PickRows(void *handle, TableExtent const &known, std::vector<std::int64_t> const &wanted,
+                           ADIRows &rows, DError *error) {
+    return Within(handle, [&](zelvar::OpenTable &table) { return table.PickRows(known, wanted, rows, error); });
+}
+
+bool TableDriver::SortRows(void *handle, TableExtent const &known, int column, bool ascending, RowOrder &order,
+                           DError *error) {
+    return Within(handle,
+                  [&](zelvar::OpenTable &table) { return table.SortRows(known, column, ascending, order, error); });
 }
 
 } // namespace zelvar::gdal

@@ -1,5 +1,6 @@
 #include "zelvar/data/tables/ADIFile.h"
 
+#include "zelvar/data/IRowStore.h"
 #include "zelvar/data/tables/ADIDriverMngr.h"
 #include "zelvar/data/tables/TableWriter.h"
 
@@ -11,17 +12,15 @@
 namespace zelvar {
 
 /// A table that is read: the batch of rows that the current one lies in.
-class ADIFile::Reading {
+class ADIFile::Reading : public IRowStore {
 public:
     Reading(BDIMoniker const &moniker, char const *driverId, DError &error) {
         std::ignore = ADIDriverMngr::Instance()->OpenTable(moniker, &m_driver, &m_handle, &error, driverId);
     }
-    ~Reading() {
+    ~Reading() override {
         if (m_handle != nullptr)
             m_driver->CloseTable(m_handle);
     }
-    Reading(Reading const &) = delete;
-    Reading &operator=(Reading const &) = delete;
 
     [[nodiscard]] bool IsOpen() const { return m_handle != nullptr; }
     [[nodiscard]] std::vector<ADIColumn> const &Columns() const {
@@ -44,6 +43,18 @@ public:
         if (m_row < 0)
             return {};
         return DString(m_rows.Cell(static_cast<std::size_t>(m_row - m_rows.first) * Columns().size() + column));
+    }
+
+    [[nodiscard]] bool KeepsPlaces() const { return IsOpen() && m_driver->KeepsPlaces(m_handle); }
+    [[nodiscard]] TableExtent const &Known() const override { return m_known; }
+    [[nodiscard]] bool CountOn(std::int64_t rows, DError *error) override {
+        return m_known.isEnd || m_driver->CountRows(m_handle, rows, m_known, error);
+    }
+    [[nodiscard]] bool Read(std::vector<std::int64_t> const &wanted, ADIRows &rows, DError *error) override {
+        return m_driver->PickRows(m_handle, m_known, wanted, rows, error);
+    }
+    [[nodiscard]] bool Sort(int col, bool ascending, RowOrder &order, DError *error) override {
+        return m_driver->SortRows(m_handle, m_known, col, ascending, order, error);
     }
 
 private:
@@ -69,6 +80,7 @@ private:
     ADIDriver *m_driver = nullptr; ///< the manager's
     void *m_handle = nullptr;
     ADIRows m_rows;
+    TableExtent m_known;
     int m_batch = kFirstBatch;
     bool m_hasFailed = false;
     std::int64_t m_row = -1; ///< the current one
@@ -141,7 +153,7 @@ ADIFile::ADIFile(DFile const &file, char const *format, tdFormatAccessType acces
             moniker = moniker.WithOptions("TRANSPOSED=YES");
         if (EqualNoCase(id, "TCSV") || EqualNoCase(id, "TXT"))
             id = "CSV";
-        m_reading = std::make_unique<Reading>(moniker, id.c_str(), error);
+        m_reading = std::make_shared<Reading>(moniker, id.c_str(), error);
     }
     m_error = error.Text();
 }
@@ -205,6 +217,10 @@ bool ADIFile::HasFailed() const { return m_reading != nullptr && m_reading->HasF
 DString ADIFile::GetText(int col) const {
     bool const isThere = m_reading != nullptr && ColumnAt(m_reading->Columns(), col) != nullptr;
     return isThere ? m_reading->Text(static_cast<std::size_t>(col)) : DString();
+}
+
+std::shared_ptr<IRowStore> ADIFile::GetRowStore() {
+    return m_reading != nullptr && m_reading->KeepsPlaces() ? m_reading : nullptr;
 }
 
 void ADIFile::InitTable(int, int cols) {

@@ -48,6 +48,7 @@ public:
     [[nodiscard]] bool SetRow(int row) override;
     [[nodiscard]] bool HasFailed() const override;
     [[nodiscard]] DString GetText(int col) const override;
+    [[nodiscard]] std::shared_ptr<IRowStore> GetRowStore() override;
 
     void InitTable(int rows, int cols) override;
     void AddCol(char const *name, ADIColType type) override;
@@ -60,7 +61,7 @@ public:
 private:
     class Reading;
     class Writing;
-    std::unique_ptr<Reading> m_reading;
+    std::shared_ptr<Reading> m_reading; ///< its rows may outlive this
     std::unique_ptr<Writing> m_writing;
     DString m_error;
 };

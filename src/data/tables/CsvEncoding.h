@@ -21,6 +21,8 @@ public:
 
     /// For the user; empty for UTF-8, and where it was not needed to guess.
     [[nodiscard]] DString const &Name() const { return m_name; }
+    /// Whether several threads may use it at a time.
+    [[nodiscard]] bool IsForAnyThread() const { return m_recoder == nullptr; }
     /// As `AppendText`.
     void Append(DString &out, std::string_view text, std::size_t most) const;
 

@@ -1,9 +1,12 @@
 #include "zelvar/data/tables/CsvTable.h"
 
 #include "zelvar/base/PathStyle.h"
+#include "zelvar/data/tables/CsvScan.h"
+#include "zelvar/data/tables/CsvSort.h"
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <optional>
 #include <tuple>
 #include <utility>
@@ -18,6 +21,11 @@ constexpr std::size_t kHead = 4096;                          // bytes that tell 
 constexpr std::size_t kLongestLine = std::size_t{64} << 10U; // of those whose separators are counted
 constexpr std::int64_t kRowsPerPlace = 1024;
 constexpr std::size_t kMostTransposed = std::uint64_t{256} << 20U;
+constexpr std::uint64_t kBytesPerCount = std::uint64_t{256} << 20U; // that one request looks at
+constexpr std::size_t kRowsPerPiece = 128;                          // that a thread picks
+constexpr std::int64_t kMostSorted = 0x7FFFFFFF;
+constexpr char const *kStopped = "stopped";
+constexpr char const *kChanged = "the file has changed since it was opened";
 constexpr char const *kTransposedOption = "TRANSPOSED";
 constexpr char const *kEncodingOption = "ENCODING";
 
@@ -95,7 +103,7 @@ bool CsvTable::IsNameOne(std::string_view extension) {
 }
 
 std::unique_ptr<OpenTable> CsvTable::Open(CsvSource source, StopSignal const *stop, DError *error) {
-    std::unique_ptr<CsvTable> table(new CsvTable(std::move(source.read), stop));
+    std::unique_ptr<CsvTable> table(new CsvTable(source.read, stop));
     std::string_view const head = table->m_reader.Peek(kHead);
     if (head.empty() || head.find('\0') != std::string_view::npos) {
         Refuse(error, "\"" + source.text + "\" holds no text");
@@ -110,6 +118,9 @@ std::unique_ptr<OpenTable> CsvTable::Open(CsvSource source, StopSignal const *st
             opened = std::make_unique<TransposedCsvTable>(std::move(*lines), std::move(table->m_encoding), stop);
     } else {
         table->Describe(OptionOf(source, "HEADERS"));
+        if (std::int64_t const begin = table->m_places.front(); begin >= 0 && source.bytes > 0)
+            table->m_index = std::make_unique<CsvIndex>(std::move(source.read), table->m_reader.Separator(),
+                                                        static_cast<std::uint64_t>(begin), source.bytes);
         opened = std::move(table);
     }
     if (opened != nullptr && opened->Columns().size() <= ADIDriver::kMostColumns)
@@ -175,6 +186,114 @@ bool CsvTable::Append(ADIRows &rows) const {
         rows.ends.push_back(static_cast<std::uint32_t>(rows.texts.size()));
     }
     return true; // a record is no longer than a row may be
+}
+
+bool CsvTable::CountRows(std::int64_t rows, TableExtent &known, DError *error) {
+    if (!IsKnown(known, error))
+        return false;
+    std::uint64_t const before = m_index->Bytes();
+    if (!m_index->Extend(rows, kBytesPerCount, Stop()) && m_index->Bytes() == before) {
+        Refuse(error, kStopped);
+        return false;
+    }
+    m_proved = {.rows = m_index->Rows(),
+                .bytes = static_cast<std::int64_t>(m_index->Bytes()),
+                .isEnd = m_index->IsEnd(),
+                .digest = m_index->DigestOf(m_index->Rows())};
+    known = m_proved;
+    return true;
+}
+
+/// Whether the file is the one that was looked at, maybe by another reader, as far as that went.
+bool CsvTable::IsKnown(TableExtent const &known, DError *error) {
+    std::uint64_t const inAll = known.isEnd ? static_cast<std::uint64_t>(known.bytes) : CsvWindow::kToTheEnd;
+    if (known.rows > m_index->Rows() && !m_index->Extend(known.rows, ~std::uint64_t{0}, Stop(), inAll)) {
+        Refuse(error, kStopped);
+        return false;
+    }
+    if (known.rows == 0 || (known.rows == m_proved.rows && known.digest == m_proved.digest))
+        return true;
+    if (known.rows < 0 || known.rows > m_index->Rows() || known.digest != m_index->DigestOf(known.rows)) {
+        Refuse(error, kChanged);
+        return false;
+    }
+    m_proved = known;
+    return true;
+}
+
+/// The first of these rows, as many as one call yields. False if the file has changed.
+bool CsvTable::PickPart(std::span<std::int64_t const> wanted, ADIRows &rows) const {
+    CsvIndex::RunReader runs(*m_index);
+    for (auto at = wanted.begin(); at != wanted.end() && rows.texts.size() < ADIDriver::kBatchBytes &&
+                                   rows.ends.size() < ADIDriver::kBatchCells;) {
+        auto const run = static_cast<std::size_t>(*at / CsvIndex::kRowsPerRun);
+        bool const isAsItWas = runs.ForEach(run, run + 1, [&](std::int64_t row, CsvScan &scan) {
+            if (at == wanted.end() || *at != row)
+                return;
+            for (std::size_t i = 0; i < m_columns.size(); ++i) {
+                m_encoding.Append(rows.texts, scan.Field(), ADIDriver::kMostCellBytes);
+                rows.ends.push_back(static_cast<std::uint32_t>(rows.texts.size()));
+            }
+            ++rows.count;
+            ++at;
+        });
+        if (!isAsItWas)
+            return false;
+    }
+    return true;
+}
+
+bool CsvTable::PickRows(TableExtent const &known, std::vector<std::int64_t> const &wanted, ADIRows &rows,
+                        DError *error) {
+    rows = {};
+    if (!IsKnown(known, error))
+        return false;
+    if (!std::ranges::all_of(wanted, [this](std::int64_t row) { return row >= 0 && row < m_index->Rows(); })) {
+        Refuse(error, "no such rows");
+        return false;
+    }
+    // Rows far from each other take their time, each of them.
+    std::size_t const each = m_encoding.IsForAnyThread() ? kRowsPerPiece : std::max<std::size_t>(wanted.size(), 1);
+    std::vector<ADIRows> parts((wanted.size() + each - 1) / each);
+    std::atomic<bool> hasChanged{false};
+    bool const isDone = SharedWork(Stop()).Run(parts.size(), [&](std::size_t, std::size_t piece) {
+        std::size_t const begin = piece * each;
+        hasChanged = !PickPart(std::span(wanted).subspan(begin, std::min(each, wanted.size() - begin)), parts[piece]);
+        return !hasChanged;
+    });
+    if (!isDone) {
+        Refuse(error, hasChanged ? kChanged : kStopped);
+        return false;
+    }
+    for (std::size_t piece = 0; piece < parts.size(); ++piece) {
+        ADIRows const &part = parts[piece];
+        auto const before = static_cast<std::uint32_t>(rows.texts.size());
+        rows.texts += part.texts;
+        for (std::uint32_t const end : part.ends)
+            rows.ends.push_back(before + end);
+        rows.count += part.count;
+        // A part that is not whole is the last one.
+        bool const isWhole = static_cast<std::size_t>(part.count) == std::min(each, wanted.size() - piece * each);
+        if (!isWhole || rows.texts.size() >= ADIDriver::kBatchBytes || rows.ends.size() >= ADIDriver::kBatchCells)
+            break;
+    }
+    return true;
+}
+
+bool CsvTable::SortRows(TableExtent const &known, int column, bool ascending, RowOrder &order, DError *error) {
+    if (!IsKnown(known, error))
+        return false;
+    if (column < 0 || static_cast<std::size_t>(column) >= m_columns.size() || known.rows > kMostSorted) {
+        Refuse(error, "the table cannot be sorted so");
+        return false;
+    }
+    order = RowOrder(static_cast<std::size_t>(known.rows));
+    CsvSort sort(*m_index, m_encoding, static_cast<std::size_t>(column), ascending, Stop());
+    CsvSort::Result const result = sort.Run(order);
+    if (result == CsvSort::Result::Done)
+        return true;
+    Refuse(error, result == CsvSort::Result::Changed ? kChanged : kStopped);
+    return false;
 }
 
 TransposedCsvTable::TransposedCsvTable(std::vector<CsvRecord> lines, CsvEncoding encoding, StopSignal const *stop)

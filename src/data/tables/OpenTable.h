@@ -18,6 +18,17 @@ public:
     [[nodiscard]] DString const &Encoding() const { return m_encodingName; }
     /// As `ADIDriver::ReadRows`.
     [[nodiscard]] bool ReadRows(std::int64_t first, int most, ADIRows &rows);
+    /// As those of `ADIDriver`.
+    [[nodiscard]] virtual bool KeepsPlaces() const { return false; }
+    virtual bool CountRows(std::int64_t /*rows*/, TableExtent & /*known*/, DError * /*error*/) { return false; }
+    virtual bool PickRows(TableExtent const & /*known*/, std::vector<std::int64_t> const & /*wanted*/,
+                          ADIRows & /*rows*/, DError * /*error*/) {
+        return false;
+    }
+    virtual bool SortRows(TableExtent const & /*known*/, int /*column*/, bool /*ascending*/, RowOrder & /*order*/,
+                          DError * /*error*/) {
+        return false;
+    }
 
 protected:
     explicit OpenTable(StopSignal const *stop) : m_stop(stop) {}
@@ -31,6 +42,7 @@ protected:
     [[nodiscard]] virtual bool Append(ADIRows &rows) const = 0;
 
     [[nodiscard]] bool IsStopped() { return m_stop.IsStopped(); }
+    [[nodiscard]] StopPoll &Stop() { return m_stop; }
     [[nodiscard]] std::int64_t NextRow() const { return m_next; }
 
     std::vector<ADIColumn> m_columns;
