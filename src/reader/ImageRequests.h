@@ -16,6 +16,8 @@ public:
     [[nodiscard]] Answer GetAttribute(wire::GetAttributeT const &asked);
     [[nodiscard]] Answer ReadPixels(wire::ReadPixelsT const &asked);
     void Close(wire::CloseImageT const &asked) { m_images.Close(asked.id); }
+    /// What other requests share with the application, too.
+    [[nodiscard]] wire::SharedMemory const *Pixels() const { return m_pixels.get(); }
     /// Where pixels go from now on; null for nowhere.
     void SetPixels(std::unique_ptr<wire::SharedMemory> pixels) { m_pixels = std::move(pixels); }
 

@@ -51,6 +51,12 @@ DString const *RequestHandler::FileOf(wire::RequestBodyUnion const &body) {
         return table(As<wire::OpenTableT>(body));
     case Kind::ReadRows:
         return table(As<wire::ReadRowsT>(body));
+    case Kind::CountRows:
+        return table(As<wire::CountRowsT>(body));
+    case Kind::PickRows:
+        return table(As<wire::PickRowsT>(body));
+    case Kind::SortRows:
+        return table(As<wire::SortRowsT>(body));
     default:
         return nullptr;
     }
@@ -59,7 +65,8 @@ DString const *RequestHandler::FileOf(wire::RequestBodyUnion const &body) {
 std::optional<Answer> RequestHandler::Handle(wire::RequestBodyUnion const &body, std::unique_ptr<FileDescriptor> file) {
     if (body.value == nullptr)
         return Failure(kIncomplete);
-    if (file != nullptr && body.type == Kind::ReadPixels) // in place of the former memory, even if it is none
+    bool const usesMemory = body.type == Kind::ReadPixels || body.type == Kind::SortRows;
+    if (file != nullptr && usesMemory) // in place of the former memory, even if it is none
         m_images.SetPixels(wire::SharedMemory::Map(file->Release()));
     switch (body.type) {
     case Kind::ListDrivers:
@@ -98,6 +105,12 @@ std::optional<Answer> RequestHandler::Handle(wire::RequestBodyUnion const &body,
         return m_tables.Open(*As<wire::OpenTableT>(body));
     case Kind::ReadRows:
         return m_tables.ReadRows(*As<wire::ReadRowsT>(body));
+    case Kind::CountRows:
+        return m_tables.CountRows(*As<wire::CountRowsT>(body));
+    case Kind::PickRows:
+        return m_tables.PickRows(*As<wire::PickRowsT>(body));
+    case Kind::SortRows:
+        return m_tables.SortRows(*As<wire::SortRowsT>(body), m_images.Pixels());
     case Kind::CloseTable:
         m_tables.Close(*As<wire::CloseTableT>(body));
         return std::nullopt;

@@ -18,7 +18,9 @@ namespace zelvar::reader {
 class RequestHandler {
 public:
     /// `stop` is set from any thread when the request under way should end; it outlives this.
-    explicit RequestHandler(StopSignal const &stop) : m_probes(stop), m_trees(stop), m_images(stop), m_tables(stop) {}
+    /// So does `progress`, which is told how far a long request has come; null for nobody who wants to know.
+    explicit RequestHandler(StopSignal const &stop, TableRequests::Progress *progress = nullptr)
+        : m_probes(stop), m_trees(stop), m_images(stop), m_tables(stop, progress) {}
 
     /// `file` came with the request; null for none. Nothing is yielded for requests that are not answered. Throws what
     /// drivers throw.

@@ -65,7 +65,7 @@ MessageChannel::Result Server::Receive() {
 
 void Server::Work() {
     EnsureDrivers();
-    RequestHandler handler(m_queue.Signal());
+    RequestHandler handler(m_queue.Signal(), &static_cast<wire::ReaderStatus *>(m_status->Data())->progress);
     for (RequestQueue::Entry entry; m_queue.Take(entry);)
         Do(handler, entry);
 }
@@ -85,6 +85,7 @@ void Server::WriteStatus(wire::RequestT const &request) {
     auto &status = *static_cast<wire::ReaderStatus *>(m_status->Data());
     status.modified = stamp.modified;
     status.size = stamp.size;
+    status.progress = -1;
     status.number = request.number;
 }
 

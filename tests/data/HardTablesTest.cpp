@@ -1,4 +1,5 @@
 #include "support/TablesTest.h"
+#include "zelvar/data/IRowStore.h"
 #include "zelvar/data/RequestScope.h"
 #include "zelvar/data/reader/DriverModule.h"
 
@@ -11,6 +12,24 @@ namespace zelvar {
 namespace {
 
 using Lines = std::vector<DString>;
+
+/// The rows by their numbers, from the last on, written down in their order; nothing where they have none.
+std::optional<Lines> Picked(DString const &path) {
+    ADIFile table(DFile(path), "", tdFormatAccess_Read, nullptr, nullptr);
+    std::shared_ptr<IRowStore> const store = table.GetRowStore();
+    if (store == nullptr || !store->CountOn(1'000'000, nullptr) || !store->Known().isEnd)
+        return std::nullopt;
+    auto const columns = static_cast<std::size_t>(table.GetNumCols());
+    Lines lines;
+    for (std::int64_t row = store->Known().rows; row-- > 0;) {
+        ADIRows read;
+        EXPECT_TRUE(store->Read({row}, read, nullptr));
+        lines.emplace(lines.begin());
+        for (std::size_t col = 0; col < columns; ++col)
+            lines.front() += (col == 0 ? "" : "|") + DString(read.Cell(col));
+    }
+    return lines;
+}
 
 /// Tables that somebody else wrote, badly or with bad intent.
 struct HardTables : test::TablesTest {
@@ -65,8 +84,13 @@ TEST_F(HardTables, TextsOfCommaSeparatedValuesAreTakenApartByTheBook) {
              {"names only.csv", "a,b\n", {"a:3|b:3"}},
              {"one name.csv", "a", {"a:3"}},
              {"short line.tcsv", "a,1,2\nb,x\n", {"a:1|b:3", "1|x", "2|"}},
-         })
-        EXPECT_EQ(Read(m_folder.Write(name, bytes)), expected) << name;
+         }) {
+        DString const path = m_folder.Write(name, bytes);
+        EXPECT_EQ(Read(path), expected) << name;
+        if (auto const picked = Picked(path)) {
+            EXPECT_EQ(*picked, Lines(expected.begin() + 1, expected.end())) << name;
+        }
+    }
     DString const text = m_folder.Write("options.csv", "1;2\n3;4\n");
     EXPECT_EQ(Read(text + "?HEADERS=YES&SEPARATOR=COMMA"), (Lines{"1;2:3", "3;4"}));
     DString const greek = m_folder.Write("greek.csv", "\xC1\n" + DString(300'000, 'x') + "\n\xC2\n");
@@ -236,6 +260,45 @@ TEST_F(HardTables, AReaderThatIsLostIsReplacedAtTheRow) {
         EXPECT_EQ(table.GetText(0), std::to_string(row));
         EndReaders(); // where there are any
     }
+}
+
+TEST_F(HardTables, RowsAreFoundByTheirNumbersAndSortedUnlessTheFileIsAnotherOne) {
+    DString const path = m_folder.Write("a.csv", Numbered(20'000));
+    std::shared_ptr<IRowStore> store = Open(path).GetRowStore(); // the table itself is closed
+    ASSERT_NE(store, nullptr);
+    ASSERT_TRUE(store->CountOn(15'000, nullptr));
+    EXPECT_FALSE(store->Known().isEnd);
+    ADIRows rows;
+    RowOrder order;
+    DError error;
+    EXPECT_FALSE(store->Read({19'999}, rows, &error)); // not known yet
+    for (bool const ascending : {true, false}) {
+        ASSERT_TRUE(store->CountOn(30'000, nullptr));
+        EXPECT_EQ(store->Known().rows, 20'000);
+        ASSERT_TRUE(store->Sort(0, ascending, order, nullptr));
+        EXPECT_EQ(order.rows[1], ascending ? 19'998U : 1U);
+        EXPECT_FALSE(order.IsTied(1));
+        ASSERT_TRUE(store->Sort(1, ascending, order, nullptr));
+        EXPECT_TRUE(order.rows[1] == 1 && order.IsTied(1));
+        ASSERT_TRUE(store->Read({19'999, 3, 4, 3}, rows, nullptr));
+        EXPECT_EQ(rows.texts, "19999343");
+        EndReaders(); // where there are any, the next one finds the same
+    }
+    {
+        RequestScope const stopped(RequestKind::Properties, [] { return true; });
+        EXPECT_FALSE(store->Sort(0, true, order, &error));
+    }
+    EXPECT_FALSE(store->Sort(2, true, order, &error));
+    std::fstream(path, std::ios::in | std::ios::out | std::ios::app) << "more,\n"; // behind what is known
+    EXPECT_TRUE(store->Read({3}, rows, &error)) << error.Text();
+    std::fstream(path, std::ios::in | std::ios::out).seekp(50'000).put('x');
+    EXPECT_TRUE(store->Read({3}, rows, &error)) << error.Text();
+    EXPECT_FALSE(store->Sort(0, true, order, &error));
+    EXPECT_THAT(error.Text(), HasSubstr("has changed"));
+    EndReaders();
+    EXPECT_EQ(store->Read({3}, rows, &error), std::getenv("ZELVAR_TEST_READER") == nullptr);
+    m_folder.Write("a.csv", "n,m\nanother,one\n");
+    EXPECT_FALSE(store->Read({3}, rows, &error));
 }
 
 } // namespace

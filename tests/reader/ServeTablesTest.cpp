@@ -74,6 +74,11 @@ TEST_F(ServeTables, BadRequestsAreRefused) {
     EXPECT_THROW(static_cast<void>(Rows(1, 0, 5)), std::runtime_error); // the server answers with the reason
     EXPECT_NE(Ask(wire::ReadRowsT{}).AsFailed(), nullptr);
     EXPECT_NE(Ask(wire::OpenTableT{}).AsFailed(), nullptr);
+    wire::SortRowsT sort; // as for the others, there must be places
+    sort.table = Spec(1);
+    EXPECT_EQ(Ask(std::move(sort)).AsFailed()->reason, "the rows have no places");
+    EXPECT_NE(Ask(wire::CountRowsT{}).AsFailed(), nullptr);
+    EXPECT_NE(Ask(wire::PickRowsT{}).AsFailed(), nullptr);
     wire::AnswerBodyUnion const unknown = Open(Spec(2, "UNKNOWN"));
     ASSERT_NE(unknown.AsFailed(), nullptr);
     EXPECT_EQ(unknown.AsFailed()->reason, "no table driver UNKNOWN");

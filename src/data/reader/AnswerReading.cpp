@@ -1,5 +1,7 @@
 #include "zelvar/data/reader/AnswerReading.h"
 
+#include "zelvar/data/RequestScope.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -31,6 +33,22 @@ std::vector<ADIColumn> ColumnsFrom(wire::TableOpenedT &&opened) {
                                .type = isNumber ? static_cast<ADIColType>(column->type) : ADICol_String});
         }
     return columns;
+}
+
+bool TakeOrder(std::span<std::uint32_t const> from, std::vector<std::uint32_t> &rows) {
+    constexpr std::size_t rowsPerLook = std::size_t{1} << 18U;
+    std::vector<bool> seen(from.size());
+    rows.resize(from.size());
+    for (std::size_t place = 0; place < from.size(); ++place) {
+        std::uint32_t const row = rows[place] = from[place];
+        if (row >= seen.size() || seen[row])
+            return false;
+        seen[row] = true;
+        RequestScope const *const scope = place % rowsPerLook == 0 ? RequestScope::Current() : nullptr;
+        if (scope != nullptr && scope->IsStopped())
+            return false;
+    }
+    return true;
 }
 
 bool TakeRows(wire::RowsReadT &&read, std::size_t columns, int most, ADIRows &rows) {

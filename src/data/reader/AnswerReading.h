@@ -5,6 +5,7 @@
 #include "zelvar/data/tables/ADIDriver.h"
 
 #include <memory>
+#include <span>
 #include <vector>
 
 namespace zelvar {
@@ -39,5 +40,9 @@ struct ChannelFacts {
 /// The rows of a table with so many columns, `most` of them or fewer; false, and `rows` unchanged, if what was told of
 /// them cannot be.
 [[nodiscard]] bool TakeRows(wire::RowsReadT &&read, std::size_t columns, int most, ADIRows &rows);
+
+/// Copies an order of rows, which the reader can still write to: what is there is looked at once. False if it is none,
+/// as each number from 0 on must stand there once, and if the scope around says to stop.
+[[nodiscard]] bool TakeOrder(std::span<std::uint32_t const> from, std::vector<std::uint32_t> &rows);
 
 } // namespace zelvar

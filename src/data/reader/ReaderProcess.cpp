@@ -174,6 +174,11 @@ std::optional<ReaderProcess::Stamp> ReaderProcess::StampOf(std::uint64_t request
     return Stamp{Status().modified.load(std::memory_order_relaxed), Status().size.load(std::memory_order_relaxed)};
 }
 
+int ReaderProcess::ProgressOf(std::uint64_t request) const {
+    bool const isOfIt = Status().number.load(std::memory_order_acquire) == request;
+    return isOfIt ? Status().progress.load(std::memory_order_relaxed) : -1;
+}
+
 std::uint64_t ReaderProcess::ResidentBytes() const {
     std::array<char, 64> path{};
     std::snprintf(path.data(), path.size(), "/proc/%d/statm", static_cast<int>(m_pid));

@@ -49,6 +49,8 @@ public:
     wire::SharedMemory *Pixels(std::size_t bytes, bool *isNew);
     /// What the reader noted of the file of that request before it began; nothing if it had not come so far.
     [[nodiscard]] std::optional<Stamp> StampOf(std::uint64_t request) const;
+    /// How far it says that it has come with that request, in thousandths; below 0 if it says nothing.
+    [[nodiscard]] int ProgressOf(std::uint64_t request) const;
     /// Bytes that it holds in memory.
     [[nodiscard]] std::uint64_t ResidentBytes() const;
     /// What its threads have had of the processors since they began, all together.

@@ -159,10 +159,10 @@ Readers::Answer Readers::Exchange(Call const &call, MakeRequest const &make) {
         return giveUp("no reader is free");
     std::uint64_t const number = ++m_lastNumber;
     bool isNew = false;
-    wire::SharedMemory const *const pixels = call.pixelBytes == 0 ? nullptr : loan->Pixels(call.pixelBytes, &isNew);
+    wire::SharedMemory *const pixels = call.pixelBytes == 0 ? nullptr : loan->Pixels(call.pixelBytes, &isNew);
     if (call.pixelBytes != 0 && pixels == nullptr)
         return giveUp("no memory for the pixels");
-    answer.pixels = pixels == nullptr ? nullptr : pixels->Data();
+    answer.pixels = pixels;
     answer.reader = loan->Number();
 
     Outcome outcome;
@@ -239,6 +239,8 @@ Readers::Outcome Readers::Wait(ReaderPool::Loan const &loan, Terms const &terms,
             return {Ending::Answered, true};
         if (result != Result::Late)
             return {Ending::Crashed, false};
+        if (int const progress = loan->ProgressOf(number); progress >= 0)
+            RequestScope::NoteProgress(progress, RequestScope::kWhole);
         bool const isStopped = terms.isStopped();
         if (!loan->IsOwn()) // the question was answered on the other side of a fork: it is the parent's request
             return {.ending = Ending::Stopped};

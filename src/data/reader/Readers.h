@@ -46,7 +46,7 @@ public:
         DString reason;                         ///< why not
         int reader = 0;                         ///< its number
         ReaderPool::Loan loan{};                ///< keeps the shared memory as it is
-        void const *pixels = nullptr;           ///< in it
+        wire::SharedMemory *pixels = nullptr;   ///< the memory
     };
     /// Asks and waits. A request that the reader itself declines has a message: `wire::FailedT`.
     template <class Body>

@@ -92,7 +92,7 @@ bool Read(Image &image, wire::ReadPixelsT body, std::optional<std::size_t> bytes
     Readers::Answer const answer = AskAbout(image, "pixels", RequestKind::Preview, std::move(body), *bytes);
     if (BodyOf<wire::PixelsReadT>(answer.message.get()) == nullptr)
         return false;
-    std::memcpy(buffer, answer.pixels, *bytes);
+    std::memcpy(buffer, answer.pixels->Data(), *bytes);
     return true;
 }
 

@@ -3,7 +3,9 @@
 #include "zelvar/data/reader/AnswerReading.h"
 #include "zelvar/data/reader/Readers.h"
 #include "zelvar/data/tables/ADIDriverMngr.h"
+#include "zelvar/data/wire/SortedRows.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace zelvar {
@@ -16,22 +18,48 @@ struct Table {
     int reader = 0; ///< that has it open, as far as we know
     std::vector<ADIColumn> columns;
     DString encoding;
+    bool keepsPlaces = false;
 };
 
 Table &Of(void *handle) { return *static_cast<Table *>(handle); }
 
 template <class Body>
-Readers::Answer AskAbout(Table &table, char const *what, Body body) {
+Readers::Answer AskAbout(Table &table, char const *what, Body body, std::size_t memory = 0) {
     body.table = std::make_unique<wire::TableSpecT>(table.spec);
     Readers::Call const call{.kind = RequestKind::Properties,
                              .what = what,
                              .subject = table.spec.moniker,
                              .stop = table.stop,
-                             .preferred = table.reader};
+                             .preferred = table.reader,
+                             .pixelBytes = memory};
     Readers::Answer answer = Readers::Instance().Ask(call, std::move(body));
     if (answer.message != nullptr)
         table.reader = answer.reader;
     return answer;
+}
+
+std::unique_ptr<wire::TableExtentT> ToWire(TableExtent const &known) {
+    auto extent = std::make_unique<wire::TableExtentT>();
+    extent->rows = known.rows;
+    extent->bytes = known.bytes;
+    extent->isEnd = known.isEnd;
+    extent->digest = known.digest;
+    return extent;
+}
+
+/// The answer of that kind, or null, with the reason in `*error` and beside the moniker.
+template <class Said>
+Said *SaidIn(Readers::Answer const &answer, Table const &table, DError *error) {
+    Said *const said = BodyOf<Said>(answer.message.get());
+    if (said != nullptr)
+        return said;
+    wire::FailedT const *const failed = BodyOf<wire::FailedT>(answer.message.get());
+    DString const reason = failed == nullptr ? answer.reason : failed->reason;
+    if (failed != nullptr)
+        Readers::Instance().Verdicts().SetFailure(table.spec.moniker, reason);
+    if (error != nullptr)
+        error->Set(reason);
+    return nullptr;
 }
 
 } // namespace
@@ -49,6 +77,7 @@ void *RemoteTableDriver::Open(BDIMoniker const &moniker, ADIDriver **opener, Sto
     if (answer.message != nullptr) {
         if (auto *const opened = BodyOf<wire::TableOpenedT>(answer.message.get())) {
             table->encoding = ToValidUtf8(opened->encoding);
+            table->keepsPlaces = opened->keepsPlaces;
             table->columns = ColumnsFrom(std::move(*opened));
             ADIDriver *const named = ADIDriverMngr::Instance()->GetDriver(opened->driver.c_str());
             *opener = dynamic_cast<RemoteTableDriver *>(named) != nullptr ? named : this;
@@ -97,6 +126,52 @@ bool RemoteTableDriver::ReadRows(void *handle, std::int64_t first, int most, ADI
         return false;
     rows.first = first;
     return true;
+}
+
+bool RemoteTableDriver::KeepsPlaces(void *handle) const { return Of(handle).keepsPlaces; }
+
+bool RemoteTableDriver::CountRows(void *handle, std::int64_t rows, TableExtent &known, DError *error) {
+    wire::CountRowsT body;
+    body.known = ToWire(known);
+    body.rows = rows;
+    Readers::Answer const answer = AskAbout(Of(handle), "number of rows", std::move(body));
+    auto const *const counted = SaidIn<wire::RowsCountedT>(answer, Of(handle), error);
+    if (counted == nullptr || counted->known == nullptr || counted->known->rows < known.rows)
+        return false;
+    known = {.rows = counted->known->rows,
+             .bytes = counted->known->bytes,
+             .isEnd = counted->known->isEnd,
+             .digest = counted->known->digest};
+    return true;
+}
+
+bool RemoteTableDriver::PickRows(void *handle, TableExtent const &known, std::vector<std::int64_t> const &wanted,
+                                 ADIRows &rows, DError *error) {
+    wire::PickRowsT body;
+    body.known = ToWire(known);
+    body.rows = wanted;
+    Readers::Answer const answer = AskAbout(Of(handle), "picked rows", std::move(body));
+    auto *const read = SaidIn<wire::RowsReadT>(answer, Of(handle), error);
+    return read != nullptr && read->count > 0 &&
+           TakeRows(std::move(*read), Of(handle).columns.size(), static_cast<int>(wanted.size()), rows);
+}
+
+bool RemoteTableDriver::SortRows(void *handle, TableExtent const &known, int column, bool ascending, RowOrder &order,
+                                 DError *error) {
+    wire::SortedRows const sorted(static_cast<std::size_t>(known.rows));
+    wire::SortRowsT body;
+    body.known = ToWire(known);
+    body.column = column;
+    body.ascending = ascending;
+    body.bytes = sorted.Bytes();
+    Readers::Answer const answer = AskAbout(Of(handle), "order of rows", std::move(body), sorted.Bytes());
+    if (SaidIn<wire::RowsSortedT>(answer, Of(handle), error) == nullptr)
+        return false;
+    order = RowOrder(static_cast<std::size_t>(known.rows));
+    std::ranges::copy(sorted.Ties(answer.pixels->Data()), order.ties.begin());
+    bool const isTaken = TakeOrder(sorted.Rows(answer.pixels->Data()), order.rows);
+    answer.pixels->Clear();
+    return isTaken;
 }
 
 } // namespace zelvar

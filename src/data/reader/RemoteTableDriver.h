@@ -22,6 +22,12 @@ public:
     [[nodiscard]] std::vector<ADIColumn> const &GetColumns(void *handle) const override;
     [[nodiscard]] DString GetEncoding(void *handle) const override;
     bool ReadRows(void *handle, std::int64_t first, int most, ADIRows &rows) override;
+    [[nodiscard]] bool KeepsPlaces(void *handle) const override;
+    bool CountRows(void *handle, std::int64_t rows, TableExtent &known, DError *error) override;
+    bool PickRows(void *handle, TableExtent const &known, std::vector<std::int64_t> const &wanted, ADIRows &rows,
+                  DError *error) override;
+    bool SortRows(void *handle, TableExtent const &known, int column, bool ascending, RowOrder &order,
+                  DError *error) override;
 
 private:
     void *Open(BDIMoniker const &moniker, ADIDriver **opener, StopSignal const *stop, DError *error, bool family);

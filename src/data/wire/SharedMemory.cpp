@@ -1,5 +1,7 @@
 #include "zelvar/data/wire/SharedMemory.h"
 
+#include <tuple>
+
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
@@ -38,6 +40,10 @@ std::unique_ptr<SharedMemory> SharedMemory::Map(int file) {
         return nullptr;
     }
     return std::unique_ptr<SharedMemory>(new SharedMemory(file, data, size));
+}
+
+void SharedMemory::Clear() {
+    std::ignore = fallocate(m_file.Get(), FALLOC_FL_PUNCH_HOLE | FALLOC_FL_KEEP_SIZE, 0, static_cast<off_t>(m_size));
 }
 
 SharedMemory::~SharedMemory() { munmap(m_data, m_size); }

@@ -22,6 +22,8 @@ public:
 
     [[nodiscard]] void *Data() const { return m_data; }
     [[nodiscard]] std::size_t Size() const { return m_size; }
+    /// Gives back the memory, in all processes: what was in it is zeros.
+    void Clear();
     [[nodiscard]] int File() const { return m_file.Get(); }
 
 private:

@@ -39,6 +39,16 @@ TEST(TableAnswers, RowsAreTakenOnlyIfTheirFiguresCanBe) {
     EXPECT_TRUE(rows.isEnd); // so that nobody asks for ever
 }
 
+TEST(TableAnswers, AnOrderHasEachRowOnce) {
+    using Numbers = std::vector<std::uint32_t>;
+    for (auto const &[from, isOne] :
+         test::Rows<Numbers, bool>{{Numbers(), true}, {{1, 0, 2}, true}, {{0, 0, 2}, false}, {{0, 3, 1}, false}}) {
+        Numbers rows;
+        EXPECT_EQ(TakeOrder(from, rows), isOne) << testing::PrintToString(from);
+        EXPECT_EQ(rows == from, isOne);
+    }
+}
+
 TEST(TableAnswers, ColumnsGetNamesThatAreTextAndTypesThatAreKnown) {
     wire::TableOpenedT opened;
     for (int const type : {1, 2, 3, 0, -5, 99}) {
