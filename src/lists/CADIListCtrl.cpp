@@ -2,7 +2,10 @@
 
 #include "zelvar/base/Translation.h"
 #include "zelvar/data/IAttrData.h"
+#include "zelvar/data/IRowStore.h"
 #include "zelvar/data/RequestScope.h"
+#include "zelvar/lists/ReadProgress.h"
+#include "zelvar/lists/StoredRows.h"
 #include "zelvar/platform/ui/EscapeWatch.h"
 
 #include <QtCore/QScopedValueRollback>
@@ -12,6 +15,7 @@
 #include <algorithm>
 #include <cstring>
 #include <new>
+#include <optional>
 
 namespace zelvar {
 
@@ -26,6 +30,9 @@ constexpr int kIdWidth = 50;      // pixels
 constexpr int kWidth = 100;
 constexpr std::size_t kShownBytes = 4096; // of a cell, when painting
 constexpr int kMost = std::numeric_limits<int>::max();
+constexpr int kRowsPerLook = 256;             // at the stop, where a row costs next to nothing
+constexpr std::chrono::minutes kSortTime{30}; // for what says how far it has come
+constexpr double kCountShare = 0.2;           // of a sort
 
 class WaitCursor {
 public:
@@ -37,7 +44,8 @@ public:
 
 } // namespace
 
-CADIListCtrl::CADIListCtrl(IAttrData *source, QWidget *parent) : CZelListCtrlVirtual(parent), m_source(source) {}
+CADIListCtrl::CADIListCtrl(IAttrData *source, QWidget *parent)
+    : CZelListCtrlVirtual(parent), m_source(source), m_store(source == nullptr ? nullptr : source->GetRowStore()) {}
 
 CADIListCtrl::~CADIListCtrl() = default;
 
@@ -87,23 +95,44 @@ bool CADIListCtrl::KeepRow() {
     }
 }
 
+/// To the next row of the source, which is kept or counted. `count` more are wanted.
+CADIListCtrl::ReadEnd CADIListCtrl::Step(int count) {
+    if (m_sourceRow == kMost)
+        return ReadEnd::Table;
+    ++m_sourceRow;
+    if (m_stored == nullptr) {
+        if (!m_source->SetRow(m_sourceRow))
+            return m_source->HasFailed() ? ReadEnd::Failed : ReadEnd::Table;
+        return !OnFilterRow(m_sourceRow) || KeepRow() ? ReadEnd::Count : ReadEnd::Failed;
+    }
+    StoredRows::Found const found = m_stored->Find(m_sourceRow, std::int64_t{m_sourceRow} + count);
+    if (found != StoredRows::Found::Yes)
+        return found == StoredRows::Found::No ? ReadEnd::Table : ReadEnd::Failed;
+    if (!OnFilterRow(m_sourceRow))
+        return KeepStoredRows() ? ReadEnd::Count : ReadEnd::Failed;
+    int const id = m_cache.Rows();
+    m_cache.AddRow();
+    for (int col = 0, cols = m_source->GetNumCols(); col < cols; ++col)
+        OnValue(m_sourceRow, col, id);
+    return ReadEnd::Count;
+}
+
 CADIListCtrl::ReadEnd CADIListCtrl::Read(int count, StopQuestion const &isStopped) {
     WaitCursor const cursor;
     QScopedValueRollback const reading(m_isReading, true);
     int const before = m_cache.Rows();
     ReadEnd end = ReadEnd::Count;
     while (m_source != nullptr && end == ReadEnd::Count && count > 0) {
-        if (isStopped && isStopped()) {
+        StoreIfLarge(m_cache.Rows() == before ? count : 0);
+        bool const looks = m_stored == nullptr || m_cache.Rows() % kRowsPerLook == 0;
+        if (looks && isStopped && isStopped()) {
             end = ReadEnd::Stopped;
             break;
         }
-        m_stepBegin = Clock::now();
-        if (m_sourceRow == kMost || !m_source->SetRow(++m_sourceRow)) {
-            end = m_source->HasFailed() ? ReadEnd::Failed : ReadEnd::Table;
-        } else if (OnFilterRow(m_sourceRow)) {
-            end = KeepRow() ? ReadEnd::Count : ReadEnd::Failed;
-            --count;
-        }
+        m_stepBegin = looks ? Clock::now() : m_stepBegin;
+        int const kept = m_cache.Rows();
+        end = Step(count);
+        count -= m_cache.Rows() - kept;
     }
     if (m_cache.Rows() > before)
         m_failures = 0;
@@ -114,6 +143,8 @@ CADIListCtrl::ReadEnd CADIListCtrl::Read(int count, StopQuestion const &isStoppe
     if (end == ReadEnd::Table) {
         SetNumRow(m_cache.Rows(), 0);
         m_source.reset();
+        if (m_stored == nullptr)
+            m_store.reset();
     }
     return end;
 }
@@ -189,7 +220,16 @@ void CADIListCtrl::ReadForPaint(int position) {
 void CADIListCtrl::ReadWhatIsSeen() {
     int const first = GetTopIndex();
     int const last = std::min(first + GetCountPerPage() + 1, GetNumRow()) - 1;
-    if (!isVisible() || last < m_cache.Rows() || !MayRead())
+    if (!isVisible() || m_isReading || Clock::now() < m_retryAt)
+        return;
+    if (m_stored != nullptr) {
+        platform::EscapeWatch watch;
+        RequestScope const scope(RequestKind::Properties, [&watch] { return watch.IsPressed(); });
+        if (!FetchSeen(first, last))
+            ReadAgainLater();
+        viewport()->update();
+    }
+    if (last < m_cache.Rows() || !MayRead())
         return;
     platform::EscapeWatch watch;
     RequestScope const scope(RequestKind::Properties, [&watch] { return watch.IsPressed(); });
@@ -228,7 +268,7 @@ DString CADIListCtrl::OnGetItemText(int position, int col) {
         return {};
     if (col == 0)
         return std::to_string(id);
-    char const *const text = GetCacheItem(id, col - 1);
+    char const *const text = TextAt(position, col - 1);
     if (text == nullptr)
         return {};
     return m_isPainting ? DString(text, strnlen(text, kShownBytes)) : DString(text);
@@ -236,20 +276,42 @@ DString CADIListCtrl::OnGetItemText(int position, int col) {
 
 // --- sorting ---
 
+bool CADIListCtrl::SortRows(int col, bool ascending, StopQuestion const &isStopped) {
+    if (m_stored != nullptr && HasAlteredEntries() && !KeepStoredRows())
+        return false;
+    if (m_stored == nullptr || col < 0)
+        return m_cache.Sort(col, ascending, isStopped);
+    RequestScope const scope(RequestKind::Properties, isStopped, kSortTime);
+    RowOrder order;
+    return m_stored->Sort(col, ascending, order) && m_cache.TakeOrder(std::move(order.rows), order.ties, isStopped);
+}
+
 bool CADIListCtrl::SortAll(int col, bool ascending) {
     if (m_isReading)
         return false;
     WaitCursor const cursor;
     platform::EscapeWatch watch;
-    auto const isPressed = [&watch] { return watch.IsPressed(); };
-    RequestScope const scope(RequestKind::Properties, isPressed);
-    if (Read(kMost, isPressed) != ReadEnd::Table) {
-        ReadAgainLater();
-        return false;
+    ReadProgress progress(*viewport());
+    auto const isPressed = [&watch, &progress] {
+        if (RequestScope const *const current = RequestScope::Current())
+            progress.Show(current->Progress());
+        return watch.IsPressed();
+    };
+    progress.SetStage(0, kCountShare);
+    {
+        std::optional<std::chrono::milliseconds> time;
+        if (m_store != nullptr)
+            time = kSortTime;
+        RequestScope const scope(RequestKind::Properties, isPressed, time);
+        if (Read(kMost, isPressed) != ReadEnd::Table) {
+            ReadAgainLater();
+            return false;
+        }
     }
     // The windows may be painted meanwhile: they show the order as it was.
     QScopedValueRollback const reading(m_isReading, true);
-    if (!m_cache.Sort(std::max(col, 0) - 1, ascending, isPressed))
+    progress.SetStage(kCountShare, 1);
+    if (!SortRows(std::max(col, 0) - 1, ascending, isPressed))
         return false;
     if (int const row = GetCrntSlct(); row >= 0) {
         SetSlct(row, false);

@@ -1,10 +1,14 @@
 #include "zelvar/lists/CADIListCtrl.h"
 
 #include "support/ReportStage.h"
+#include "zelvar/data/IRowStore.h"
 #include "zelvar/data/RequestScope.h"
 #include "zelvar/data/tables/ADIFile.h"
 
+#include <QtWidgets/QProgressBar>
+
 #include <climits>
+#include <numeric>
 
 namespace zelvar {
 namespace {
@@ -39,6 +43,54 @@ public:
 
 private:
     Fate &m_fate;
+};
+
+/// The rows of a table of that many that says that it is large: "n" counts in sevens, "t " has the row's number.
+class CountedStore : public IRowStore {
+public:
+    explicit CountedStore(Fate &fate) : m_fate(fate) {}
+    [[nodiscard]] TableExtent const &Known() const override { return m_known; }
+    [[nodiscard]] bool CountOn(std::int64_t rows, DError *) override {
+        m_known.isEnd = rows >= m_fate.rows;
+        m_known.rows = std::min<std::int64_t>(rows, m_fate.rows);
+        m_known.bytes = m_known.rows * 1'000'000;
+        return m_fate.failsAt < 0;
+    }
+    [[nodiscard]] bool Read(std::vector<std::int64_t> const &wanted, ADIRows &rows, DError *) override {
+        ++m_fate.asks;
+        rows = {};
+        for (std::int64_t const row : wanted)
+            for (DString const &text : {std::to_string(row % 7), "row " + std::to_string(row)}) {
+                rows.texts += text;
+                rows.ends.push_back(static_cast<std::uint32_t>(rows.texts.size()));
+            }
+        rows.count = static_cast<int>(wanted.size());
+        return m_fate.failsAt < 0;
+    }
+    [[nodiscard]] bool Sort(int col, bool ascending, RowOrder &order, DError *) override {
+        auto const key = [&](std::uint32_t row) { return col == 0 ? 6 - row % 7 : row; };
+        order = RowOrder(static_cast<std::size_t>(m_known.rows));
+        std::iota(order.rows.begin(), order.rows.end(), 0U);
+        std::ranges::stable_sort(order.rows, [&](std::uint32_t a, std::uint32_t b) {
+            return ascending ? key(a) < key(b) : key(a) > key(b);
+        });
+        for (std::size_t place = 1; place < order.rows.size(); ++place)
+            order.SetTied(place, key(order.rows[place]) == key(order.rows[place - 1]));
+        RequestScope::NoteProgress(1, 3);
+        m_fate.duringStep();
+        return RequestScope::Current() != nullptr && !RequestScope::Current()->IsStopped();
+    }
+
+private:
+    Fate &m_fate;
+    TableExtent m_known;
+};
+
+/// A table whose rows are read again.
+struct StoredTable : CountedTable {
+    explicit StoredTable(Fate &fate) : CountedTable(fate), store(std::make_shared<CountedStore>(fate)) {}
+    [[nodiscard]] std::shared_ptr<IRowStore> GetRowStore() override { return store; }
+    std::shared_ptr<IRowStore> store;
 };
 
 /// A list over such a table.
@@ -198,6 +250,98 @@ TEST_F(CountedList, ThePageIsThereWhereverTheThumbIsDraggedTo) {
     bar.setValue(bar.maximum());
     stage.Click(399'999);
     EXPECT_EQ(stage.Selected(), "399999");
+}
+
+/// A list over a large table, of which no row has been asked for by the table's own cursor.
+struct StoredList : testing::Test {
+    StoredList() { list.AddAllColumns(); }
+    [[nodiscard]] std::vector<DString> Ids(int count) {
+        std::vector<DString> ids;
+        for (int row = 0; row < count; ++row)
+            ids.push_back(list.OnGetItemText(row, 0));
+        return ids;
+    }
+    Fate fate{.rows = 100'000};
+    CADIListCtrl list{new StoredTable(fate)};
+};
+
+TEST_F(StoredList, CountsItsRowsReadsThemAsTheyAreSeenAndHasThemSorted) {
+    list.SetNumRow(10, 0);
+    list.ReadAllRows();
+    EXPECT_TRUE(fate.isClosed && list.IsReadThrough() && list.GetNumRow() == 100'000);
+    EXPECT_EQ(fate.asks, 0);
+    test::Stage stage(list);
+    list.EnsureVisible(99'999);
+    stage.Click(99'999);
+    EXPECT_EQ(list.OnGetItemText(99'999, 2), "row 99999");
+    EXPECT_LT(fate.asks, 10);
+    EXPECT_EQ(list.OnGetItemText(8, 1) + list.OnGetItemText(8, 3), "1");
+    stage.ClickHeading(0);
+    EXPECT_THAT(Ids(2), ElementsAre("99999", "99998"));
+    EXPECT_EQ(stage.Selected(), "");
+    stage.ClickHeading(1); // equal ones stand as they stood
+    EXPECT_THAT(Ids(2), ElementsAre("99994", "99987"));
+    EXPECT_EQ(list.OnGetItemText(1, 1), "6");
+    for (int row = 0; row < 100'000; ++row) // in ever larger batches
+        ASSERT_EQ(list.OnGetItemText(row, 2), "row " + list.OnGetItemText(row, 0));
+    EXPECT_LT(fate.asks, 100);
+}
+
+TEST_F(StoredList, ASortSaysHowFarItHasComeAndIsStoppedByEscape) {
+    test::Stage stage(list);
+    list.ReadAllRows();
+    int shown = -1;
+    fate.duringStep = [&] {
+        while (!RequestScope::Current()->IsStopped())
+            if (auto const *const bar = list.viewport()->findChild<QProgressBar *>(); bar != nullptr && shown < 0) {
+                shown = bar->value();
+                QCoreApplication::postEvent(&list, new QKeyEvent(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier));
+            }
+    };
+    stage.ClickHeading(1);
+    EXPECT_GT(shown, 400); // of 1000: a third of what follows the counting
+    EXPECT_EQ(list.viewport()->findChild<QProgressBar *>(), nullptr);
+    EXPECT_THAT(Ids(2), ElementsAre("0", "1"));
+    EXPECT_FALSE(list.IsSorted() || list.GetHeaderCtrl()->isSortIndicatorShown());
+}
+
+TEST_F(StoredList, RowsThatCannotBeReadAreEmptyAndAreAskedForAgain) {
+    list.ReadAllRows();
+    fate.failsAt = 0;
+    EXPECT_EQ(list.OnGetItemText(5, 2), "");
+    int const asks = fate.asks;
+    EXPECT_EQ(list.OnGetItemText(5, 2), "");
+    EXPECT_EQ(fate.asks, asks);
+    fate.failsAt = -1;
+    EXPECT_TRUE(test::Eventually([&] { return list.OnGetItemText(5, 2) == "row 5"; }));
+}
+
+TEST_F(StoredList, EntriesThatAreAlteredCountInASort) {
+    list.SetNumRow(5, 0);
+    EXPECT_EQ(list.OnGetItemText(4, 2), "row 4"); // of those that are kept
+    list.ReadAllRows();
+    list.GetCacheItem(2, 0) = "99";
+    EXPECT_STREQ(list.GetCacheItem(50'000, 1), "row 50000");
+    list.GetCacheItem(50'000, 0) = "100";
+    EXPECT_EQ(list.OnGetItemText(50'000, 1), "100");
+    list.Sort(1, true);
+    EXPECT_THAT(Ids(3), ElementsAre("50000", "2", "6"));
+    EXPECT_EQ(list.OnGetItemText(0, 2) + list.OnGetItemText(2, 2), "row 50000row 6");
+}
+
+TEST_F(StoredList, AClassThatFiltersRowsHasThemKept) {
+    struct Choosy : CADIListCtrl {
+        using CADIListCtrl::CADIListCtrl;
+        bool OnFilterRow(int row) override { return row != 90'000; }
+        void OnValue(int, int, int) override { ++values; }
+        int values = 0;
+    };
+    Choosy choosy(new StoredTable(fate));
+    choosy.AddAllColumns();
+    choosy.ReadAllRows();
+    EXPECT_EQ(choosy.GetNumRow(), 99'999);
+    EXPECT_EQ(choosy.values, 2 * 99'999);
+    EXPECT_EQ(choosy.OnGetItemText(89'999, 2) + choosy.OnGetItemText(90'000, 2), "row 89999row 90001");
 }
 
 } // namespace
