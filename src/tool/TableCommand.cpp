@@ -1,5 +1,7 @@
 #include "zelvar/base/Translation.h"
 #include "zelvar/data/BDIMoniker.h"
+#include "zelvar/data/IRowStore.h"
+#include "zelvar/data/RequestScope.h"
 #include "zelvar/data/reader/DriverModule.h"
 #include "zelvar/data/tables/ADIFile.h"
 #include "zelvar/library/ZelvarInit.h"
@@ -11,6 +13,7 @@
 #include "zelvar/tool/FirstPaint.h"
 #include "zelvar/tool/Screen.h"
 #include "zelvar/tool/TableColumns.h"
+#include "zelvar/tool/WorkNote.h"
 
 #include <QtCore/QFile>
 #include <QtCore/QLocale>
@@ -23,10 +26,12 @@
 
 #include <algorithm>
 #include <charconv>
+#include <chrono>
 #include <cstdio>
 #include <functional>
 #include <limits>
 #include <memory>
+#include <utility>
 
 namespace zelvar::tool {
 
@@ -35,6 +40,9 @@ namespace {
 CommandSpec const &kSpec = SpecOf("table");
 
 constexpr int kAll = std::numeric_limits<int>::max();
+constexpr std::size_t kBatch = 16 * 1024;      // rows
+constexpr std::chrono::minutes kSortTime{600}; // who waits says when to stop
+constexpr int kQuicklySorted = 100'000;        // rows
 constexpr int kFittedColumns = 100;
 constexpr int kWidestFitted = 300; // pixels
 constexpr int kCaptionMargin = 24; // pixels beside a caption, the sort mark included
@@ -46,12 +54,54 @@ struct Wish {
     int select = -1; ///< id
 };
 
+/// The first rows of others, which may know of more.
+class FirstStoredRows : public IRowStore {
+public:
+    FirstStoredRows(std::shared_ptr<IRowStore> all, int most) : m_all(std::move(all)), m_most(most) {}
+    [[nodiscard]] TableExtent const &Known() const override { return m_known; }
+    [[nodiscard]] bool CountOn(std::int64_t rows, DError *error) override {
+        bool const isCounted = m_all->CountOn(std::min(rows, m_most), error);
+        m_known = m_all->Known();
+        m_known.isEnd = m_known.isEnd || m_known.rows >= m_most;
+        m_known.rows = std::min(m_known.rows, m_most);
+        return isCounted;
+    }
+    [[nodiscard]] bool Read(std::vector<std::int64_t> const &wanted, ADIRows &rows, DError *error) override {
+        return m_all->Read(wanted, rows, error);
+    }
+    [[nodiscard]] bool Sort(int col, bool ascending, RowOrder &order, DError *error) override {
+        if (!m_all->Sort(col, ascending, order, error))
+            return false;
+        std::size_t kept = 0;
+        bool isTied = true; // with the row that was kept last
+        for (std::size_t place = 0; place < order.rows.size(); ++place) {
+            isTied = isTied && order.IsTied(place);
+            if (order.rows[place] >= m_known.rows)
+                continue;
+            order.rows[kept] = order.rows[place];
+            order.SetTied(kept++, isTied);
+            isTied = true;
+        }
+        order.rows.resize(kept);
+        return true;
+    }
+
+private:
+    std::shared_ptr<IRowStore> m_all;
+    std::int64_t m_most;
+    TableExtent m_known;
+};
+
 /// The first rows of a file's table.
 class FirstRows : public ADIFile {
 public:
     FirstRows(DString const &file, DString const &options, int most)
         : ADIFile(DFile(file), "", tdFormatAccess_Read, nullptr, options.c_str()), m_most(most) {}
     [[nodiscard]] bool SetRow(int row) override { return row < m_most && ADIFile::SetRow(row); }
+    [[nodiscard]] std::shared_ptr<IRowStore> GetRowStore() override {
+        std::shared_ptr<IRowStore> store = ADIFile::GetRowStore();
+        return store == nullptr || m_most == kAll ? store : std::make_shared<FirstStoredRows>(std::move(store), m_most);
+    }
 
 private:
     int m_most;
@@ -88,6 +138,38 @@ int PrintAsRead(IAttrData &table, int first, int most) {
     return printed;
 }
 
+/// Of a table whose rows need not be kept. Nothing if they cannot be read.
+std::optional<int> PrintStored(IRowStore &store, int columns, Wish const &wish) {
+    RowOrder order;
+    {
+        WorkNote note;
+        RequestScope const scope(
+            RequestKind::Properties, [&note] { return note.Show(); }, kSortTime);
+        while (!store.Known().isEnd)
+            if (!store.CountOn(kAll, nullptr))
+                return std::nullopt;
+        if (!store.Sort(wish.sortCol - 1, wish.ascending, order, nullptr))
+            return std::nullopt;
+    }
+    std::vector<std::int64_t> wanted;
+    DString line;
+    for (std::size_t place = 0; place < order.rows.size();) {
+        std::size_t const most = std::min(place + kBatch, order.rows.size());
+        wanted.assign(order.rows.begin() + static_cast<std::ptrdiff_t>(place),
+                      order.rows.begin() + static_cast<std::ptrdiff_t>(most));
+        ADIRows rows;
+        if (!store.Read(wanted, rows, nullptr))
+            return std::nullopt;
+        for (int cell = 0; cell < rows.count * columns; ++cell) {
+            AppendCell(line, cell % columns, rows.Cell(static_cast<std::size_t>(cell)));
+            if (cell % columns == columns - 1)
+                PrintLine(line);
+        }
+        place += static_cast<std::size_t>(rows.count);
+    }
+    return static_cast<int>(order.rows.size());
+}
+
 int PrintSorted(IAttrData &table, Wish const &wish) {
     CellCache cache;
     cache.SetStride(static_cast<std::size_t>(table.GetNumCols()));
@@ -116,12 +198,14 @@ int PrintTable(IAttrData &table, DString const &file, Wish const &wish) {
     for (int col = 0; col < table.GetNumCols(); ++col)
         AppendCell(head, col, table.GetColName(col));
     PrintLine(head);
-    int const printed = wish.sortCol >= 0  ? PrintSorted(table, wish)
-                        : wish.select >= 0 ? PrintAsRead(table, wish.select, 1)
-                                           : PrintAsRead(table, 0, kAll);
-    if (table.HasFailed())
+    std::shared_ptr<IRowStore> const store = wish.sortCol > 0 && wish.select < 0 ? table.GetRowStore() : nullptr;
+    std::optional<int> const printed = store != nullptr    ? PrintStored(*store, table.GetNumCols(), wish)
+                                       : wish.sortCol >= 0 ? PrintSorted(table, wish)
+                                       : wish.select >= 0  ? PrintAsRead(table, wish.select, 1)
+                                                           : PrintAsRead(table, 0, kAll);
+    if (!printed || table.HasFailed())
         return Failure("the table could not be read to its end: " + ReadingFailureOf(file));
-    return printed == 0 ? kNothing : kDone;
+    return *printed == 0 ? kNothing : kDone;
 }
 
 // --- the window ---
@@ -163,7 +247,7 @@ private:
 class TableWindow : public QWidget {
 public:
     TableWindow(IAttrData *table, DString const &title, WindowSize size)
-        : m_list(*new ShownTable(table, [this] { SayRows(); })), m_rows(*new QLabel) {
+        : m_list(*new ShownTable(table, [this] { OnPainted(); })), m_rows(*new QLabel) {
         setWindowTitle(platform::ToQString(title));
         m_list.ModifyStyle(0, LVS_SHOWSELALWAYS);
         m_list.SetExtendedStyle(LVS_EX_HEADERDRAGDROP | LVS_EX_LABELTIP);
@@ -181,15 +265,15 @@ public:
         m_list.setFocus();
     }
 
-    /// Reads what the first page shows, or all of it for a sort. False if there is no row to select.
-    [[nodiscard]] bool Prepare(Wish const &wish) {
+    /// Reads what the first page shows, or all of it for a sort; a long sort begins when the first page is on the
+    /// screen. False if there is no row to select.
+    [[nodiscard]] bool Prepare(Wish const &wish, bool isLarge) {
         m_list.SetNumRow(std::max(m_list.GetCountPerPage(), std::min(wish.select, kAll - 1)) + 1, 0);
         std::ignore = m_list.OnGetItemText(0, 0);
-        if (wish.sortCol >= 0) {
-            m_list.Sort(wish.sortCol, wish.ascending);
-            m_list.GetLastSort() = LastSort(wish.sortCol, wish.ascending);
-            m_list.SetSortMark(wish.sortCol, wish.ascending);
-        }
+        if (isLarge && wish.select < 0)
+            m_toBeSorted = wish;
+        else
+            Sort(wish);
         SayRows();
         if (wish.select < 0)
             return true;
@@ -209,7 +293,8 @@ public:
         m_list.EnsureVisible(m_toBeSeen);
         FitColumns();
         m_list.EnsureVisible(m_toBeSeen); // a bar below wide columns takes a row's room
-        if (!attended)
+        m_isAttended = attended;
+        if (!attended && m_toBeSorted.sortCol < 0)
             QTimer::singleShot(0, this, &QWidget::close);
         QApplication::exec();
         return m_isShotWritten;
@@ -240,6 +325,24 @@ private:
             m_list.SetColumnWidth(col, std::min(width, kWidestFitted));
         }
     }
+    void Sort(Wish const &wish) {
+        if (wish.sortCol < 0)
+            return;
+        m_list.Sort(wish.sortCol, wish.ascending);
+        if (!m_list.IsSorted())
+            return;
+        m_list.GetLastSort() = LastSort(wish.sortCol, wish.ascending);
+        m_list.SetSortMark(wish.sortCol, wish.ascending);
+    }
+    void OnPainted() {
+        SayRows();
+        if (m_toBeSorted.sortCol < 0)
+            return;
+        Sort(std::exchange(m_toBeSorted, {}));
+        FitColumns();
+        if (!m_isAttended)
+            close();
+    }
     void SayRows() {
         QString const count = QLocale(QLocale::English).toString(m_list.GetCacheRows());
         int const rows = m_list.GetCacheRows();
@@ -253,14 +356,18 @@ private:
     ShownTable &m_list; ///< a child
     QLabel &m_rows;     ///< a child
     int m_toBeSeen = 0; ///< row
+    Wish m_toBeSorted;  ///< once the first page is on the screen
+    bool m_isAttended = true;
     DString m_shot;
     bool m_isShotWritten = true;
 };
 
 int ShowTable(std::unique_ptr<IAttrData> table, DString const &title, WindowSize size, Wish const &wish, bool attended,
               DString const &shot) {
+    std::shared_ptr<IRowStore> const store = wish.sortCol > 0 ? table->GetRowStore() : nullptr;
+    bool const isLarge = store != nullptr && store->CountOn(kQuicklySorted, nullptr) && !store->Known().isEnd;
     TableWindow window(table.release(), title, size);
-    if (!window.Prepare(wish)) {
+    if (!window.Prepare(wish, isLarge)) {
         std::ignore = Failure(Format("there is no row %d", wish.select));
         return kNothing;
     }
