@@ -258,7 +258,8 @@ bool CsvTable::PickRows(TableExtent const &known, std::vector<std::int64_t> cons
     std::atomic<bool> hasChanged{false};
     bool const isDone = SharedWork(Stop()).Run(parts.size(), [&](std::size_t, std::size_t piece) {
         std::size_t const begin = piece * each;
-        hasChanged = !PickPart(std::span(wanted).subspan(begin, std::min(each, wanted.size() - begin)), parts[piece]);
+        if (!PickPart(std::span(wanted).subspan(begin, std::min(each, wanted.size() - begin)), parts[piece]))
+            hasChanged = true;
         return !hasChanged;
     });
     if (!isDone) {
