@@ -158,6 +158,20 @@ TEST_F(ZelRegistryTest, KeysFollowValuesAndEachNamesItsWholePath) {
 )");
 }
 
+TEST_F(ZelRegistryTest, ATreeEndsWhereNoStackWouldHoldIt) {
+    DString key = "a";
+    for (int level = 1; level < 1'300; ++level)
+        key += "\\a";
+    ASSERT_TRUE(m_store.Write(key, "v", DString("x")));
+    ASSERT_TRUE(m_registry.Open("a"));
+    std::unique_ptr<XMLNode> const tree(m_registry.ToXMLNode());
+    int levels = 0;
+    for (XMLNode const *at = tree.get(); at != nullptr; at = at->GetFirstChild())
+        ++levels;
+    EXPECT_GT(levels, 1'000);
+    EXPECT_LT(levels, 1'200);
+}
+
 TEST_F(ZelRegistryTest, TheLastResultTellsWhatHappened) {
     auto const status = [&] { return m_registry.GetLastResult().status; };
     unsigned char *data = nullptr;

@@ -57,6 +57,10 @@ TEST(CommandTable, ABashCompletesWhatTheTableHolds) {
 TEST(CommandTable, LinesOfTheUsageFitAScreen) {
     for (DString const &line : Split(UsageText(), '\n'))
         EXPECT_LE(line.size(), 100U) << line;
+    CommandSpec const &open = SpecOf("open");
+    EXPECT_TRUE(HelpText(open).starts_with("usage: zelvar open [PLACE] [--for KIND] "));
+    EXPECT_NE(HelpText(open).find("\n       [--"), DString::npos) << "further lines stand below the first word";
+    EXPECT_NE(HelpText(SpecOf("table")).find("\n  --layer NAME          of a file"), DString::npos);
 }
 
 TEST(CommandTable, ManualPagesTellEachOptionAndHideNoMacro) {

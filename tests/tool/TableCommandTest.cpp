@@ -49,6 +49,8 @@ TEST_F(TableCommand, LayersAreChosenByName) {
     test::ConvertTable(m_table, book, "GPKG");
     EXPECT_EQ(Zelvar({"table", book, "--layer", "t", "--print", "--rows", "1"}).out, "name\tx\nb\t10\n");
     EXPECT_EQ(Zelvar({"table", book, "--layer", "u", "--print"}).exitCode, 3);
+    for (char const *odd : {"2x", "x", "", "-1", "99999999999"})
+        EXPECT_EQ(Zelvar({"table", book, "--print", "--rows", odd}).exitCode, 2) << odd;
 }
 
 TEST_F(TableCommand, PicturesAreTakenWithoutAScreen) {

@@ -28,6 +28,15 @@ TEST(RowGeometry, RowsStandBelowTheHeadersOfTheirGroups) {
     EXPECT_EQ(geometry.Spans()[2].group, 2);
 }
 
+TEST(RowGeometry, NewRowsForgetTheFormerGroups) {
+    RowGeometry geometry = Grouped();
+    geometry.SetGroupedRows({0, 0}, 1);
+    EXPECT_EQ(geometry.Spans().size(), 1U);
+    EXPECT_EQ(geometry.ContentHeight(), 40);
+    geometry.SetRows(2);
+    EXPECT_TRUE(!geometry.IsGrouped() && geometry.ContentHeight() == 20);
+}
+
 TEST(RowGeometry, APointMeetsARowAHeaderOrNothing) {
     RowGeometry const geometry = Grouped();
     std::tuple<std::int64_t, std::optional<int>> const cases[] = {{-1, {}}, {0, 3},  {9, 3},  {10, {}}, {29, {}},

@@ -115,6 +115,7 @@ TEST_F(TenRows, AClickTellsTheRowItLeavesThenTheRowItTakesWithBothBits) {
     EXPECT_EQ(Select(5, 5, 5), "");
     EXPECT_EQ(Mark(4), "4:->S");
     EXPECT_EQ(Select(4, 4, 4), "5:FS>- 4:S>FS") << "a row that was selected before it takes the focus";
+    EXPECT_EQ(Select(4, 4, 7), "4:FS>S 7:->F") << "the focus alone";
 }
 
 TEST_F(TenRows, RangesAreToldAtOnceWhereWantedAndRowByRowElsewhere) {

@@ -163,6 +163,11 @@ TEST(XMLNode, WhatNoXmlHoldsIsNotSaved) {
         root.SetAttr("a", text);
         EXPECT_EQ(root.SaveText(), "") << text;
     }
+    for (char const *name : {"", "0", "9a", "-a", ".a", "a b", "a>"})
+        EXPECT_EQ(XMLNode(name).SaveText(), "") << name;
+    XMLNode parted;
+    ASSERT_TRUE(parted.LoadText("<a><!--x--y---></a>"));
+    EXPECT_NE(parted.SaveText().find("<!--x- -y- -->"), DString::npos) << parted.SaveText();
     XMLNode twice;
     ASSERT_TRUE(twice.LoadText("<a x='1' y='2' x='3'/>"));
     EXPECT_EQ(twice.SaveText(), "");

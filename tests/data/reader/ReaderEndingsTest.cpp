@@ -84,6 +84,12 @@ TEST_F(ReaderEndings, ADriverThatEndsItsReaderFailsThatRequestAlone) {
         EXPECT_TRUE(Image(file)) << test.text;
         EXPECT_EQ(ReaderFailureOf(file), "") << test.text;
     }
+    DString const file = Write("bad", "open abort\n");
+    EXPECT_FALSE(Image(file));
+    EndReaders(); // which forgets
+    EXPECT_EQ(ReaderFailureOf(file), "");
+    EXPECT_FALSE(Image(file));
+    EXPECT_EQ(CountReaders().crashed, 1) << "it is tried again";
 }
 
 TEST_F(ReaderEndings, ACrashAfterTheOpeningEndsTheImageButNotTheOthers) {
