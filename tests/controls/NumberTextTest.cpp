@@ -41,7 +41,7 @@ TEST(ReadNumber, TakesWhatPeopleTypeAndPasteAndNothingElse) {
         {State::Partial, 0, {"-", ".", "-,", "1e", "1e-", "e5", "1e5.5", "1 2", "1234 567", " 1  234", "1,2,3"}},
         {State::Partial,
          0,
-         {"1,23.4", "1,234.567,8", "1.5 000", "1 234,567.8"}}, // the last parts thousands in two ways
+         {"1,23.4", "1,234.567,8", "1,234.567.890", "1.5 000", "1 234,567.8"}}, // the last parts thousands in two ways
         {State::Refused, 0, {"0x10", "nan", "-inf", "1e5e", "1-2", "--1", "12 px", "\u0663"}}};
     for (auto const &[state, value, texts] : cases)
         for (char const *const text : texts)

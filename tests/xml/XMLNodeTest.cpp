@@ -102,6 +102,7 @@ TEST(XMLNode, WhatIsSavedLoadsAgainAsTheSame) {
              "<a><![CDATA[]]]]><![CDATA[>]]><![CDATA[]]></a>",
              "<a b='&#9;&#10;&#13;&apos;\"&gt;' c=' '/>",
              "<a>one<b/> <c/>two&#13;\n</a>",
+             "<a><b/><c/>two</a>",
              "<a>\n\n<b>\n</b>\t</a>",
              "<a>&#10; \t<b/></a>",
              "<\xC3\xA4:b-c.d _e=''/>",

@@ -72,14 +72,8 @@ std::optional<DString> PlainMantissa(std::string_view text) {
     auto const points = std::count(text.begin(), text.end(), '.');
     auto const commas = std::count(text.begin(), text.end(), ',');
     std::size_t mark = text.find_last_of(".,");
-    if (points + commas > 1) {
-        bool const bothKinds = points > 0 && commas > 0;
-        auto const ofLastKind = mark == std::string_view::npos ? 0 : (text[mark] == '.' ? points : commas);
-        if (bothKinds && ofLastKind > 1)
-            return std::nullopt;
-        if (!bothKinds)
-            mark = std::string_view::npos;
-    }
+    if (points + commas > 1 && (points == 0 || commas == 0))
+        mark = std::string_view::npos; // they part thousands
     std::optional<DString> const whole = WithoutThousands(text.substr(0, mark));
     std::string_view const fraction = mark == std::string_view::npos ? std::string_view() : text.substr(mark + 1);
     if (!whole || !AreDigits(fraction))
