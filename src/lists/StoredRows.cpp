@@ -1,5 +1,7 @@
 #include "zelvar/lists/StoredRows.h"
 
+#include "zelvar/data/IRowStore.h"
+
 #include <algorithm>
 
 namespace zelvar {

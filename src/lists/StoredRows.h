@@ -1,14 +1,19 @@
 #pragma once
 
-#include "zelvar/data/IRowStore.h"
+#include "zelvar/base/DString.h"
 #include "zelvar/lists/core/CellCache.h"
 
+#include <cstdint>
 #include <list>
 #include <memory>
 #include <unordered_map>
 #include <vector>
 
 namespace zelvar {
+
+class IRowStore;
+struct ADIRows;
+struct RowOrder;
 
 /// The rows of a list that it does not keep: they are counted, sorted where they are, and read again as they are seen.
 /// The rows read last are at hand. A row's number is its id.
