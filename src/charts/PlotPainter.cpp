@@ -13,6 +13,7 @@
 #include <cmath>
 #include <future>
 #include <optional>
+#include <utility>
 
 namespace zelvar {
 
@@ -130,21 +131,25 @@ public:
     void Trace(std::size_t first, std::size_t last, bool withLines, bool isLed) {
         constexpr std::size_t together = 512; // points
         std::array<Point, together> pixels;
+        LineRun run = std::exchange(m_run, {}); // of this thread alone: no line of the cache is written by both
+        bool any = false;
         for (std::size_t begin = withLines && isLed ? first - 1 : first; begin < last; begin += together) {
             auto const part = m_points.subspan(begin, std::min(together, last - begin));
             m_geometry.DataToWnd(part, pixels);
             for (std::size_t i = 0; i < part.size(); ++i) {
                 bool const isPlace = IsPlace(part[i]);
                 if (withLines && isPlace)
-                    m_run.To(pixels[i].x, pixels[i].y);
+                    run.To(pixels[i].x, pixels[i].y);
                 else if (withLines)
-                    m_run.Break();
+                    run.Break();
                 if (isPlace && begin + i >= first && m_geometry.IsInRange(part[i])) {
                     m_field.Add(pixels[i].x, pixels[i].y);
-                    m_hasMarkers = true;
+                    any = true;
                 }
             }
         }
+        m_run = std::move(run);
+        m_hasMarkers = m_hasMarkers || any;
     }
     [[nodiscard]] LineRun &Lines() { return m_run; }
     /// False without a point to mark.
