@@ -68,7 +68,7 @@ struct DeadPlaces : FilePlaces {
     void SetUp() override {
         ASSERT_TRUE(dead.IsMounted() || getuid() != 0U) << "the superuser can mount";
         if (!dead.IsMounted())
-            GTEST_SKIP();
+            GTEST_SKIP() << "no mount can be made here";
     }
     DeadPlace dead;
 };
