@@ -1,14 +1,10 @@
 // A large file in the list of a table's rows, as an application has it: with readers. How soon the first page is on the
 // screen, how long a sort takes beside one plain read of the file, and what both processes hold in memory.
+#include "FirstPage.h"
 #include "Harness.h"
 #include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/data/RDIDriverMngr.h"
 #include "zelvar/data/reader/DriverModule.h"
-#include "zelvar/data/tables/ADIFile.h"
-#include "zelvar/lists/CADIListCtrl.h"
-
-#include <QtGui/QWindow>
-#include <QtWidgets/QApplication>
 
 #include <algorithm>
 #include <chrono>
@@ -67,7 +63,7 @@ std::size_t PeakOf(std::filesystem::path const &process) {
 std::size_t PeakOfReaders() {
     std::size_t most = 0;
     for (auto const &process : std::filesystem::directory_iterator("/proc"))
-        if (std::atol(process.path().filename().c_str()) != getpid())
+        if (long const id = std::atol(process.path().filename().c_str()); id > 0 && id != getpid())
             most = std::max(most, PeakOf(process.path()));
     return most;
 }
@@ -112,13 +108,8 @@ Times Measure(std::string const &folder, int rows) {
     Times times;
     {
         auto begin = Clock::now();
-        CADIListCtrl list(new ADIFile(DFile(path), "", tdFormatAccess_Read, nullptr, nullptr));
-        list.AddAllColumns();
-        list.SetNumRow(1, 0);
-        list.resize(800, 600);
-        list.show();
-        while (!list.windowHandle()->isExposed() || list.GetCacheRows() < list.GetCountPerPage())
-            QApplication::processEvents();
+        CADIListCtrl list(OpenTable(path));
+        ShowFirstPage(list);
         times.page = MsSince(begin);
         Figure(name + ".first_page", times.page, "ms", "from the file's name to the screen");
         for (auto const &[col, what] : {std::pair{3, "numbers"}, {2, "texts"}}) {
@@ -136,12 +127,11 @@ Times Measure(std::string const &folder, int rows) {
             Figure(name + ".sort_" + what + ".pause", pauses.LongestMs(), "ms",
                    "without a turn of the event loop; the first 300 ms are left alone");
         }
-        std::size_t const own = PeakOf("/proc/self");
+        double const grown = static_cast<double>(PeakOf("/proc/self")) - static_cast<double>(before);
         constexpr double megabyte = 1 << 20;
-        Figure(name + ".window", static_cast<double>(own) / megabyte, "MB",
-               Beside{.limit = 200, .note = "the most that the process of the list had in memory"});
-        Figure(name + ".window.row", static_cast<double>(own - std::min(own, before)) / rows, "bytes",
-               Beside{.limit = 400, .note = "of it, more than before"});
+        Figure(name + ".window", grown / megabyte, "MB",
+               Beside{.limit = 200, .note = "the most that the process of the list had in memory, above what it had"});
+        Figure(name + ".window.row", grown / rows, "bytes", Beside{.limit = 400, .note = "of it, a row"});
         Figure(name + ".reader", static_cast<double>(PeakOfReaders()) / megabyte, "MB",
                Beside{.limit = 200, .note = "the most that a reader had in memory"});
     }

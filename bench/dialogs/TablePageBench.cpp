@@ -1,13 +1,9 @@
 // How soon the first page of a large file is on the screen, as an application has it: with readers.
+#include "FirstPage.h"
 #include "Harness.h"
 #include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/data/RDIDriverMngr.h"
 #include "zelvar/data/reader/DriverModule.h"
-#include "zelvar/data/tables/ADIFile.h"
-#include "zelvar/lists/CADIListCtrl.h"
-
-#include <QtGui/QWindow>
-#include <QtWidgets/QApplication>
 
 #include <algorithm>
 #include <cstdlib>
@@ -35,13 +31,8 @@ void Forget() {
 
 /// From the name of a file to its first page on the screen.
 void ShowPage(std::string const &path) {
-    CADIListCtrl list(new ADIFile(DFile(path), "", tdFormatAccess_Read, nullptr, nullptr));
-    list.AddAllColumns();
-    list.SetNumRow(1, 0);
-    list.resize(800, 600);
-    list.show();
-    while (!list.windowHandle()->isExposed() || list.GetCacheRows() < list.GetCountPerPage())
-        QApplication::processEvents();
+    CADIListCtrl list(OpenTable(path));
+    ShowFirstPage(list);
     Require(list.OnGetItemText(5, 1) == "5" && !list.IsReadThrough());
 }
 

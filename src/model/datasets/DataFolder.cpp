@@ -1,0 +1,86 @@
+#include "zelvar/model/datasets/DataFolder.h"
+
+#include "zelvar/base/PathStyle.h"
+
+#include <algorithm>
+
+namespace zelvar {
+
+namespace {
+
+/// The first file that fits the mask, without regard to case; empty for none.
+DString Find(FolderContent const &content, std::string_view mask) {
+    auto const at = std::find_if(content.files.begin(), content.files.end(),
+                                 [&](DString const &file) { return PathMatchSpec(file, mask); });
+    return at == content.files.end() ? DString() : *at;
+}
+
+bool Has(FolderContent const &content, std::string_view mask) { return !Find(content, mask).empty(); }
+
+/// Nothing but tables of MapInfo, and at least one of them.
+bool HoldsMapInfoAlone(FolderContent const &content) {
+    return content.isWhole && !content.hasFolders && Has(content, "*.tab;*.mif") &&
+           std::all_of(content.files.begin(), content.files.end(), [](DString const &file) {
+               return PathMatchSpec(file, "*.tab;*.dat;*.map;*.id;*.ind;*.mif;*.mid");
+           });
+}
+
+} // namespace
+
+std::optional<DataFolder> TellDataFolder(std::string_view name, FolderContent const &content) {
+    std::string_view const extension = ExtensionOf(name);
+    if (Has(content, ".zgroup;.zarray;.zmetadata;zarr.json"))
+        return DataFolder::Zarr;
+    if (EqualNoCase(extension, "gdb") && Has(content, "a0000000?.gdbtable"))
+        return DataFolder::Geodatabase;
+    if (EqualNoCase(extension, "safe") && Has(content, "manifest.safe"))
+        return Has(content, "MTD_MSI*.xml") ? DataFolder::Sentinel2 : DataFolder::Sentinel1;
+    if (Has(content, "hdr.adf") && Has(content, "w001001.adf;w001001x.adf"))
+        return DataFolder::EsriGrid;
+    if (Has(content, "arc.adf;lab.adf;pal.adf;cnt.adf") && Has(content, "tic.adf;bnd.adf;tol.adf"))
+        return DataFolder::Coverage;
+    if (Has(content, "*_MTL.txt") && Has(content, "*_B1.TIF;*_SR_B1.TIF"))
+        return DataFolder::Landsat;
+    if (Has(content, "VOL_*.XML;DIM_*.XML;METADATA.DIM"))
+        return DataFolder::Dimap;
+    if (HoldsMapInfoAlone(content))
+        return DataFolder::MapInfo;
+    return std::nullopt;
+}
+
+DString EntryOf(DataFolder kind, FolderContent const &content) {
+    switch (kind) {
+    case DataFolder::Sentinel2:
+        return Find(content, "MTD_MSI*.xml");
+    case DataFolder::Landsat:
+        return Find(content, "*_MTL.txt");
+    default:
+        return {};
+    }
+}
+
+char const *ToText(DataFolder kind) {
+    switch (kind) {
+    case DataFolder::Zarr:
+        return "Zarr";
+    case DataFolder::EsriGrid:
+        return "Esri Grid";
+    case DataFolder::Coverage:
+        return "Coverage";
+    case DataFolder::Geodatabase:
+        return "Geodatabase";
+    case DataFolder::Sentinel1:
+        return "Sentinel-1";
+    case DataFolder::Sentinel2:
+        return "Sentinel-2";
+    case DataFolder::Landsat:
+        return "Landsat";
+    case DataFolder::Dimap:
+        return "DIMAP";
+    case DataFolder::MapInfo:
+        break;
+    }
+    return "MapInfo";
+}
+
+} // namespace zelvar
