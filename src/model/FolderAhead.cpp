@@ -1,5 +1,6 @@
 #include "zelvar/model/FolderAhead.h"
 
+#include "zelvar/model/FoldedListing.h"
 #include "zelvar/model/NtwDataSourceItemItr.h"
 #include "zelvar/platform/os/MountTable.h"
 
@@ -19,14 +20,10 @@ namespace {
 
 thread_local FolderAhead *t_current = nullptr;
 
-bool MayBlock(DString const &path) {
-    auto const mount = platform::FindMount(path);
-    return !path.starts_with('/') || (mount && platform::MayBlock(*mount));
-}
-
 } // namespace
 
-FolderAhead::FolderAhead(DString filter) : m_filter(std::move(filter)), m_former(std::exchange(t_current, this)) {}
+FolderAhead::FolderAhead(DString filter)
+    : m_filter(std::move(filter)), m_folding(FoldedListing::Current()), m_former(std::exchange(t_current, this)) {}
 
 FolderAhead::~FolderAhead() {
     t_current = m_former;
@@ -115,7 +112,7 @@ bool FolderAhead::HandOver(Folder &folder, Children &&children) {
 
 bool FolderAhead::Read(Folder &folder) {
     ShellNamespace const &shell = ShellNamespace::Current();
-    if (MayBlock(shell.Path(folder.id)))
+    if (platform::MayBlockAt(shell.Path(folder.id)))
         return false;
     constexpr std::size_t kTogether = 128;
     Children children;
@@ -126,8 +123,8 @@ bool FolderAhead::Read(Folder &folder) {
             return children.size() < kTogether || HandOver(folder, std::move(children));
         },
         [&](std::string_view name) {
-            return NtwDataSourceItemItr::IsListed(name, m_filter) ? ShellNamespace::Wish::Yes
-                                                                  : ShellNamespace::Wish::No;
+            return NtwDataSourceItemItr::IsVisited(name, m_filter, m_folding) ? ShellNamespace::Wish::Yes
+                                                                              : ShellNamespace::Wish::No;
         });
     std::ignore = HandOver(folder, std::move(children));
     return true;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "zelvar/model/datasets/DataSetPlan.h"
 #include "zelvar/platform/os/ShellNamespace.h"
 
 #include <condition_variable>
@@ -15,7 +16,7 @@ namespace zelvar {
 /// another one. All of it belongs to the thread that made it, for which it is the current one while it lives.
 class FolderAhead {
 public:
-    /// `filter` is a mask for plain files.
+    /// `filter` is a mask for plain files. Folders are read for the folding of the thread, see `FoldedListing`.
     explicit FolderAhead(DString filter);
     ~FolderAhead();
     FolderAhead(FolderAhead const &) = delete;
@@ -51,6 +52,7 @@ private:
     bool HandOver(Folder &folder, Children &&children);
 
     DString const m_filter;
+    DataSetFolding const m_folding;
     FolderAhead *m_former;
     std::thread m_thread; ///< none before the first folder
     std::mutex m_mutex;   ///< guards all below

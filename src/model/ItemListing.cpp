@@ -3,6 +3,7 @@
 #include "zelvar/data/RequestScope.h"
 #include "zelvar/model/ListingWalk.h"
 #include "zelvar/model/NtwDataSourceItem.h"
+#include "zelvar/model/SeriesItem.h"
 #include "zelvar/model/TemplDataSourceItem.h"
 
 #include <algorithm>
@@ -31,6 +32,7 @@ Items Collect(RefItemPtr<DataSourceItem> const &place, ItemListingOptions const 
                       .nodeMask = options.nodeMask != 0 ? options.nodeMask : kAllData,
                       .purpose = options.purpose,
                       .cancel = options.cancel,
+                      .folding = options.folding,
                       .onUnread = options.onUnread});
     walk.Through(place, [&](RefItemPtr<DataSourceItem> child) {
         if (IsListed(*child, options))
@@ -66,6 +68,10 @@ char const *ToText(ListedItem::Kind kind) {
         return "container";
     case ListedItem::Kind::File:
         return "file";
+    case ListedItem::Kind::DataSet:
+        return "dataset";
+    case ListedItem::Kind::Series:
+        return "series";
     case ListedItem::Kind::Node:
         break;
     }
@@ -76,8 +82,12 @@ ListedItem::Kind KindOf(DataSourceItem const &item) {
     if (auto const *const shellItem = dynamic_cast<NtwDataSourceItem const *>(&item)) {
         if (shellItem->GetType() == NtwDataSourceItem::TYPE_REPOSITORY_FILE)
             return ListedItem::Kind::Container;
+        if (shellItem->GetType() == NtwDataSourceItem::TYPE_DATA_FOLDER)
+            return ListedItem::Kind::DataSet;
         return shellItem->IsFolder() ? ListedItem::Kind::Folder : ListedItem::Kind::File;
     }
+    if (dynamic_cast<SeriesItem const *>(&item) != nullptr)
+        return ListedItem::Kind::Series;
     if (!item.IsFolder())
         return ListedItem::Kind::Node;
     return item.IsFile(BDINode_Folder | BDINode_Directory) ? ListedItem::Kind::Folder : ListedItem::Kind::Container;

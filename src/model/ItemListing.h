@@ -1,6 +1,7 @@
 #pragma once
 
 #include "zelvar/model/DataSourceItem.h"
+#include "zelvar/model/datasets/DataSetPlan.h"
 #include "zelvar/model/listing/ListingOrder.h"
 
 #include <functional>
@@ -22,6 +23,7 @@ struct ItemListingOptions {
     bool descending = false;
     DLGTemplate purpose = DT_DATA;
     DataSourceItem::ICancel *cancel = nullptr; ///< not owned
+    DataSetFolding folding{};                  ///< of folders of the file system
     /// Hears of each place that was not read, or not to its end: of `place` itself, and of what was to be entered
     /// below.
     std::function<void(DataSourceItem &place, std::error_code error)> onUnread{};
@@ -29,7 +31,7 @@ struct ItemListingOptions {
 
 /// One line of a listing.
 struct ListedItem {
-    enum class Kind { Folder, Container, File, Node };
+    enum class Kind { Folder, Container, File, Node, DataSet, Series };
     Kind kind = Kind::File;
     std::int64_t size = -1; ///< bytes, -1 if unknown
     std::optional<SystemTime> time{};
@@ -38,7 +40,7 @@ struct ListedItem {
     RefItemPtr<DataSourceItem> item{};
 };
 
-/// "folder", "container", "file" or "node".
+/// "folder", "container", "file", "node", "dataset" or "series".
 [[nodiscard]] ZELVAR_API char const *ToText(ListedItem::Kind kind);
 [[nodiscard]] ZELVAR_API ListedItem::Kind KindOf(DataSourceItem const &item);
 

@@ -1,6 +1,7 @@
 #include "zelvar/model/ListingWalk.h"
 
 #include "zelvar/data/RequestScope.h"
+#include "zelvar/model/FoldedListing.h"
 #include "zelvar/model/FolderAhead.h"
 #include "zelvar/model/ListingsShared.h"
 #include "zelvar/model/NtwDataSourceItem.h"
@@ -37,8 +38,10 @@ std::error_code ListingWalk::List(DataSourceItem &folder, Take const &take, Item
         return take(std::move(child));
     };
     ListingsShared *const shared = IsPlainFolder(folder) ? ListingsShared::Current() : nullptr;
+    ListingsShared::Key key{RefItemPtr<DataSourceItem>(&folder), m_options.filter, m_options.driverId,
+                            m_options.folding};
     if (shared != nullptr)
-        if (Items const *const known = shared->Find(folder, m_options.filter, m_options.driverId)) {
+        if (Items const *const known = shared->Find(key)) {
             std::ignore = std::all_of(known->begin(), known->end(),
                                       [&](auto const &child) { return !IsStopped() && visit(child); });
             return {};
@@ -56,7 +59,7 @@ std::error_code ListingWalk::List(DataSourceItem &folder, Take const &take, Item
     RequestScope const *const scope = RequestScope::Current();
     bool const isAnswered = scope == nullptr || !scope->IsUnanswered();
     if (isKept && isWhole && isAnswered && !error && !IsStopped())
-        shared->Keep({RefItemPtr<DataSourceItem>(&folder), m_options.filter, m_options.driverId}, std::move(children));
+        shared->Keep(std::move(key), std::move(children));
     return error;
 }
 
@@ -72,6 +75,7 @@ void ListingWalk::ListOne(DataSourceItem &folder, Take const &take, Items &below
 }
 
 void ListingWalk::Through(RefItemPtr<DataSourceItem> const &place, Take const &take) {
+    FoldedListing const folded(m_options.folding);
     std::optional<FolderAhead> ahead;
     if (m_options.recursive)
         ahead.emplace(m_options.filter);

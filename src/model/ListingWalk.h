@@ -1,6 +1,7 @@
 #pragma once
 
 #include "zelvar/model/FolderVisits.h"
+#include "zelvar/model/datasets/DataSetPlan.h"
 
 #include <functional>
 #include <system_error>
@@ -18,6 +19,7 @@ public:
         int nodeMask = 0;       ///< driver nodes to visit
         DLGTemplate purpose = DT_DATA;
         DataSourceItem::ICancel *cancel = nullptr; ///< not owned; ends the walk between two children
+        DataSetFolding folding{};                  ///< of folders of the file system
         /// Hears of each place that was not read, or not to its end. May be empty.
         std::function<void(DataSourceItem &place, std::error_code error)> onUnread{};
     };

@@ -23,10 +23,10 @@ ListingsShared::~ListingsShared() {
 
 ListingsShared *ListingsShared::Current() { return t_current; }
 
-ListingsShared::Items const *ListingsShared::Find(DataSourceItem const &folder, DString const &filter,
-                                                  DString const &driverId) const {
+ListingsShared::Items const *ListingsShared::Find(Key const &key) const {
     auto const at = std::find_if(m_listings.begin(), m_listings.end(), [&](Listing const &listing) {
-        return listing.key.folder.get() == &folder && listing.key.filter == filter && listing.key.driverId == driverId;
+        return listing.key.folder.get() == key.folder.get() && listing.key.filter == key.filter &&
+               listing.key.driverId == key.driverId && listing.key.folding == key.folding;
     });
     return at == m_listings.end() ? nullptr : &at->items;
 }

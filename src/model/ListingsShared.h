@@ -1,6 +1,7 @@
 #pragma once
 
 #include "zelvar/model/DataSourceItem.h"
+#include "zelvar/model/datasets/DataSetPlan.h"
 
 #include <optional>
 #include <vector>
@@ -8,7 +9,7 @@
 namespace zelvar {
 
 /// While one lives, on its thread: a folder of the file system that one walk has read to its end is not read again by
-/// the next one with the same mask and driver. Its children are then the same objects.
+/// the next one with the same mask, driver and folding. Its children are then the same objects.
 ///
 /// For several lists that show one folder: it lives as long as they are filled, not longer. Within another one it is
 /// a part of that.
@@ -18,6 +19,7 @@ public:
         RefItemPtr<DataSourceItem> folder;
         DString filter;
         DString driverId;
+        DataSetFolding folding{};
     };
     using Items = std::vector<RefItemPtr<DataSourceItem>>;
 
@@ -29,7 +31,7 @@ public:
     /// The one of this thread, or null.
     [[nodiscard]] static ListingsShared *Current();
     /// Null if that has not been read.
-    [[nodiscard]] Items const *Find(DataSourceItem const &folder, DString const &filter, DString const &driverId) const;
+    [[nodiscard]] Items const *Find(Key const &key) const;
     void Keep(Key key, Items items);
 
 private:

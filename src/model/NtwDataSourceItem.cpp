@@ -160,7 +160,15 @@ void NtwDataSourceItem::SetClassified(bool isContainer) {
         return;
     m_unclassified = false;
     m_unseen = false;
-    m_type = isContainer ? TYPE_REPOSITORY_FILE : TYPE_FILE;
+    m_type = isContainer ? TYPE_REPOSITORY_FILE : m_dataFolder ? TYPE_DATA_FOLDER : TYPE_FILE;
+}
+
+void NtwDataSourceItem::BecomeDataFolder(DataFolder kind) {
+    m_dataFolder = kind;
+    m_type = TYPE_DATA_FOLDER;
+    m_unseen = true;
+    m_sysIcon.store(SystemImages().Add({.name = "folder-data", .fallback = "folder-data", .linkOverlay = m_link}),
+                    std::memory_order_relaxed);
 }
 
 void NtwDataSourceItem::InitProps() {
@@ -236,6 +244,7 @@ RefItemPtr<DataSourceItem> NtwDataSourceItem::Clone() {
     copy->m_unclassified = m_unclassified;
     copy->m_unseen = m_unseen;
     copy->m_unreachable = m_unreachable;
+    copy->m_dataFolder = m_dataFolder;
     copy->m_sysIcon.store(m_sysIcon.load(std::memory_order_relaxed), std::memory_order_relaxed);
     copy->m_fileSize = m_fileSize;
     copy->m_modified = m_modified;
@@ -269,6 +278,7 @@ DataSourceItemItr *NtwDataSourceItem::CreateIterator(ICancel *cancel, char const
                                 : nullptr;
     case TYPE_UNKNOWN:
     case TYPE_FILE:
+    case TYPE_DATA_FOLDER:
         break;
     }
     return nullptr;

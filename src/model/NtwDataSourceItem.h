@@ -1,9 +1,11 @@
 #pragma once
 
 #include "zelvar/model/DataSourceItem.h"
+#include "zelvar/model/datasets/DataFolder.h"
 #include "zelvar/platform/os/ShellNamespace.h"
 
 #include <atomic>
+#include <optional>
 
 namespace zelvar {
 
@@ -16,6 +18,7 @@ public:
         TYPE_FOLDER = 1,          ///< anything that is not a plain file
         TYPE_REPOSITORY_FILE = 2, ///< a plain file that a driver reads as a tree
         TYPE_FILE = 3,            ///< a plain file
+        TYPE_DATA_FOLDER = 4,     ///< a folder whose files are one data set: picked like a file
     };
 
     /// The shared list of small pictures, null until `Initialize`.
@@ -72,6 +75,11 @@ public:
     /// Whether its server did not answer when the item was made.
     [[nodiscard]] bool IsUnreachable() const { return m_unreachable; }
     [[nodiscard]] platform::ShellId const &GetId() const { return m_id; }
+    /// What kind of data set a folder is; nothing for all else.
+    [[nodiscard]] std::optional<DataFolder> GetDataFolder() const { return m_dataFolder; }
+    /// A folder is picked like a file from now on; whether several images lie in it is found out when somebody selects
+    /// or opens it.
+    void BecomeDataFolder(DataFolder kind);
     /// Reached through a symbolic link, as far as the enumeration that made the item told.
     [[nodiscard]] bool IsLink() const { return m_link; }
 
@@ -101,6 +109,7 @@ private:
     bool m_unclassified = false;
     bool m_unseen = false;
     bool m_unreachable = false;
+    std::optional<DataFolder> m_dataFolder;
     Type m_type = TYPE_UNKNOWN;
     RefItemPtr<DataSourceItem> m_repositoryItem; ///< the tree opened from this file; null until the first iteration
     platform::ShellId m_id;

@@ -3,9 +3,13 @@
 #include "zelvar/base/PathStyle.h"
 #include "zelvar/data/PlaceCheck.h"
 #include "zelvar/data/ProbeAhead.h"
+#include "zelvar/model/FoldedListing.h"
 #include "zelvar/model/FolderAhead.h"
+#include "zelvar/model/FolderFolding.h"
 #include "zelvar/model/NtwDataSourceItem.h"
+#include "zelvar/model/SeriesItem.h"
 #include "zelvar/model/SuffixFacts.h"
+#include "zelvar/model/datasets/Sidecars.h"
 
 #include <deque>
 #include <utility>
@@ -36,24 +40,34 @@ bool IsInForce(std::string_view filter) { return !filter.empty() && filter != "*
 /// behind them waits too, so that the order stays.
 class NtwDataSourceItemItr::Children {
 public:
+    using Row = FolderFolding::Row;
+
     Children(NtwDataSourceItemItr &itr, ShellNamespace const &shell, RefItemPtr<DataSourceItem> const &parent,
              char const *driverId)
         : m_itr(itr), m_shell(shell), m_parent(parent), m_driverId(driverId),
           m_isAnyDriver(driverId == nullptr || *driverId == '\0'), m_suffixes(shell) {}
 
-    void Add(ShellChild &&child) {
+    void Add(ShellChild &&child) { Add(Row{std::move(child)}); }
+    void Add(Row &&row) {
+        ShellChild const &child = row.child;
         SuffixFacts::Facts const &facts = m_suffixes.Of(child);
         bool const isAskedAbout =
             facts.isClaimed ? ProbeAhead::IsWorthwhile() : IsLookedInto(facts) && ProbeAhead::HasTimeForLooks();
         if (!isAskedAbout && m_gathered.empty() && m_underWay.empty()) {
-            AddItem(child, facts, AskedAlone(facts));
+            AddItem(row, facts, AskedAlone(facts));
             return;
         }
         DString path = isAskedAbout ? m_shell.Path(child.id) : DString();
-        m_gathered.push_back({std::move(child), &facts, std::move(path)});
+        m_gathered.push_back({std::move(row), &facts, std::move(path)});
         m_asked += isAskedAbout ? 1 : 0;
         if (m_asked >= kTogether || m_gathered.size() >= kMostGathered)
             Ask();
+    }
+    void AddSeries(DString const &folder, FolderFolding::SeriesRow &&row) {
+        Finish();
+        if (RefItemPtr<DataSourceItem> item{SeriesItem::CreateItem(
+                folder, std::move(row.series.name), std::move(row.series.slots), row.size, row.modified, m_parent)})
+            m_itr.m_items.push_back(std::move(item));
     }
     void Finish() {
         if (!m_gathered.empty())
@@ -68,7 +82,7 @@ private:
     static constexpr std::size_t kMostGathered = 4096; // children, those among them that nobody is asked about
 
     struct Waiting {
-        ShellChild child;
+        Row row;
         SuffixFacts::Facts const *facts;
         DString path; ///< of one that is asked about; empty for others
     };
@@ -85,9 +99,14 @@ private:
         return m_isAnyDriver && !facts.isClaimed ? Asked::NotAtAll : Asked::AmongOthers;
     }
     /// Whether a driver can open the file is asked once, here.
-    void AddItem(ShellChild const &child, SuffixFacts::Facts const &facts, Asked asked) {
-        if (RefItemPtr<DataSourceItem> item{
-                NtwDataSourceItem::CreateChild(child, m_parent, m_driverId, facts.icon, asked)})
+    void AddItem(Row const &row, SuffixFacts::Facts const &facts, Asked asked) {
+        RefItemPtr<NtwDataSourceItem> item(
+            NtwDataSourceItem::CreateChild(row.child, m_parent, m_driverId, facts.icon, asked));
+        if (item && row.data)
+            item->BecomeDataFolder(*row.data);
+        if (item && item->m_fileSize >= 0)
+            item->m_fileSize += row.beside;
+        if (item)
             m_itr.m_items.push_back(std::move(item));
     }
     void Ask() {
@@ -95,7 +114,7 @@ private:
         ProbeAhead::Files nameless;
         for (Waiting const &each : m_gathered)
             if (!each.path.empty())
-                (each.facts->isClaimed ? claimed : nameless).push_back({each.path, each.child.file});
+                (each.facts->isClaimed ? claimed : nameless).push_back({each.path, each.row.child.file});
         while (m_underWay.size() >= ProbeAhead::kMostUnderWay)
             AddAnswered();
         m_underWay.push_back({std::exchange(m_gathered, {}), ProbeAhead(claimed, std::move(nameless))});
@@ -104,8 +123,8 @@ private:
     void AddAnswered() {
         auto &[files, ahead] = m_underWay.front();
         ahead.Wait();
-        for (auto const &[child, facts, path] : files)
-            AddItem(child, *facts,
+        for (auto const &[row, facts, path] : files)
+            AddItem(row, *facts,
                     IsLookedInto(*facts) && ahead.IsFound(path) ? Asked::FoundContainer : AskedAlone(*facts));
         m_underWay.pop_front();
     }
@@ -125,6 +144,10 @@ bool NtwDataSourceItemItr::IsListed(std::string_view name, std::string_view filt
     return !IsShortcut(name) && (!IsInForce(filter) || PathMatchSpec(name, filter));
 }
 
+bool NtwDataSourceItemItr::IsVisited(std::string_view name, std::string_view filter, DataSetFolding folding) {
+    return IsListed(name, filter) || (folding.sidecars && !IsShortcut(name) && MayBeSidecar(name));
+}
+
 void NtwDataSourceItemItr::Fill(platform::ShellId const &folder, DataSourceItem::ICancel *cancel,
                                 RefItemPtr<DataSourceItem> const &parent, char const *filter, char const *driverId) {
     ShellNamespace const &shell = ShellNamespace::Current();
@@ -134,25 +157,37 @@ void NtwDataSourceItemItr::Fill(platform::ShellId const &folder, DataSourceItem:
         return;
     }
     std::string_view const mask = filter == nullptr ? std::string_view() : filter;
+    DataSetFolding const folding = FoldedListing::Current();
     bool stopped = false;
     auto const isStopped = [&] { return stopped = stopped || (cancel != nullptr && cancel->IsCanceled()); };
     // The stop signal is asked once a child: here for those that are left out, below for the others.
     auto const isWanted = [&](std::string_view name) {
-        if (!stopped && IsListed(name, mask))
+        if (!stopped && IsVisited(name, mask, folding))
             return ShellNamespace::Wish::Yes;
         return isStopped() ? ShellNamespace::Wish::Stop : ShellNamespace::Wish::No;
     };
     Children children(*this, shell, parent, driverId);
+    std::optional<FolderFolding> folded;
+    if (folding.IsAny())
+        folded.emplace(shell, folder, folding, mask);
     auto const visit = [&](ShellChild &&child) {
         if (isStopped())
             return false;
-        if (child.kind == ShellKind::File || !IsProductCache(child.name))
+        if (child.kind != ShellKind::File && IsProductCache(child.name))
+            return true;
+        if (folded)
+            folded->Add(std::move(child));
+        else
             children.Add(std::move(child));
         return true;
     };
     FolderAhead *const ahead = FolderAhead::Current();
     auto const taken = ahead == nullptr ? std::nullopt : ahead->Take(folder, mask, visit);
     m_error = taken ? *taken : shell.Enumerate(folder, ShellNamespace::Purpose::Browse, visit, isWanted);
+    if (folded)
+        folded->Finish(
+            isStopped, [&](FolderFolding::Row &&row) { children.Add(std::move(row)); },
+            [&](FolderFolding::SeriesRow &&row) { children.AddSeries(shell.Path(folder), std::move(row)); });
     children.Finish();
     CreateCursor();
 }

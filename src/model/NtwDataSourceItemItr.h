@@ -1,6 +1,7 @@
 #pragma once
 
 #include "zelvar/model/DataSourceItem.h"
+#include "zelvar/model/datasets/DataSetPlan.h"
 #include "zelvar/platform/os/ShellId.h"
 
 namespace zelvar {
@@ -14,6 +15,8 @@ public:
               RefItemPtr<DataSourceItem> const &parent, char const *filter, char const *driverId);
     /// Whether a plain file of that name is a child: no shortcut, and one that the filter lets through.
     [[nodiscard]] static bool IsListed(std::string_view name, std::string_view filter);
+    /// The same, or whether it may belong to a child where such files are folded.
+    [[nodiscard]] static bool IsVisited(std::string_view name, std::string_view filter, DataSetFolding folding);
 
 private:
     class Children;

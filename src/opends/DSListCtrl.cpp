@@ -2,6 +2,7 @@
 
 #include "zelvar/base/Translation.h"
 #include "zelvar/model/NtwDataSourceItem.h"
+#include "zelvar/model/SeriesItem.h"
 #include "zelvar/model/listing/ListingTexts.h"
 #include "zelvar/opends/DSMessages.h"
 #include "zelvar/opends/FolderListingWorker.h"
@@ -34,6 +35,12 @@ ListingSort SortOfColumn(int col) {
     if (col == kSize)
         return ListingSort::Size;
     return col == kDate ? ListingSort::Date : ListingSort::Name;
+}
+
+/// Behind the name of a series stands how many it has, and which are missing.
+DString NameText(DataSourceItem const &item) {
+    auto const *const series = dynamic_cast<SeriesItem const *>(&item);
+    return series == nullptr ? item.GetName() : series->GetName() + "   " + series->Summary();
 }
 
 /// Cells are one pixel smaller than their column on every side.
@@ -118,7 +125,10 @@ void DSListCtrl::SavePaneState() {
 }
 
 PaneState DSListCtrl::PresentState() const {
-    PaneState state{.bdiFilter = m_bdiFilter, .formatId = m_formatId, .fileFilter = m_fileFilter};
+    PaneState state{.bdiFilter = m_bdiFilter,
+                    .formatId = m_formatId,
+                    .fileFilter = m_fileFilter,
+                    .folding = m_foldingRule ? m_foldingRule(m_rootItems).Number() : 0};
     for (RefItemPtr<DataSourceItem> const &root : m_rootItems)
         state.rootPaths.push_back(root == nullptr ? DString() : root->GetPath());
     return state;
@@ -230,7 +240,8 @@ void DSListCtrl::StartWindowFilling() {
     if (m_rootItems.empty())
         return;
     AddParentRow();
-    m_listing->worker.SetRequest({m_rootItems, m_fileFilter, m_formatId, m_dlgTemplate, m_bdiFilter});
+    m_listing->worker.SetRequest({m_rootItems, m_fileFilter, m_formatId, m_dlgTemplate, m_bdiFilter,
+                                  m_foldingRule ? m_foldingRule(m_rootItems) : DataSetFolding()});
     {
         platform::EscapeWatch watch;
         m_listing->worker.SetInterrupt([&watch] { return watch.IsPressed(); });
@@ -401,7 +412,7 @@ DString DSListCtrl::CellText(DataSourceItem const &item, int col) {
     SystemTime time;
     switch (col) {
     case kName:
-        return item.GetName();
+        return NameText(item);
     case kSize:
         return item.GetFileSize() < 0 ? DString() : FormatFileSize(item.GetFileSize());
     case kDate:

@@ -3,11 +3,13 @@
 #include "zelvar/base/Export.h"
 #include "zelvar/lists/CZelListCtrlVirtual.h"
 #include "zelvar/model/DataSourceItem.h"
+#include "zelvar/model/datasets/DataSetPlan.h"
 #include "zelvar/platform/ui/WindowMessage.h"
 #include "zelvar/platform/ui/WindowTimers.h"
 
 #include <QtCore/QPointer>
 
+#include <functional>
 #include <list>
 #include <memory>
 #include <vector>
@@ -46,6 +48,9 @@ public:
     void SetSelChangeMessage(platform::MessageId message) { m_selChangeMessage = message; }
     void SetDblClckMessage(platform::MessageId message) { m_dblClckMessage = message; }
     void SetBDIFilter(int mask) { m_bdiFilter = mask; }
+    /// Asked about the roots of each listing; nothing is folded without one.
+    using FoldingRule = std::function<DataSetFolding(ItemList const &roots)>;
+    void SetFoldingRule(FoldingRule rule) { m_foldingRule = std::move(rule); }
     void SetShowParentFolderItem(bool show) { m_showParentFolderItem = show; }
     [[nodiscard]] bool ShowParentFolderItem() const { return m_showParentFolderItem; }
 
@@ -125,6 +130,7 @@ private:
     RefItemPtr<DataSourceItem> m_itemToSelect; ///< kept track of across a refill
     DLGTemplate m_dlgTemplate = DT_DATA;
     int m_bdiFilter = 0;
+    FoldingRule m_foldingRule;
     bool m_showParentFolderItem = false;
     std::unique_ptr<ImageList> m_parentFolderImages; ///< the picture of ".."
     bool m_dblClckBesideRows = false;

@@ -7,14 +7,17 @@
 #include "zelvar/data/DriverProvider.h"
 #include "zelvar/data/RequestScope.h"
 #include "zelvar/data/reader/DriverModule.h"
+#include "zelvar/model/ListingsShared.h"
 #include "zelvar/opends/DSDataSourceWnd.h"
 #include "zelvar/opends/DSListCtrl.h"
 #include "zelvar/opends/DSMessages.h"
 #include "zelvar/opends/DSPropertyWnd.h"
+#include "zelvar/opends/DataSetRows.h"
 #include "zelvar/opends/DataSourceList.h"
 #include "zelvar/opends/ExtrasFinder.h"
 #include "zelvar/opends/HierarchyList.h"
 #include "zelvar/opends/OpenDialogTemplate.h"
+#include "zelvar/opends/OpenFeatures.h"
 #include "zelvar/opends/core/DialogState.h"
 #include "zelvar/platform/ui/ControlId.h"
 #include "zelvar/platform/ui/EscapeWatch.h"
@@ -91,6 +94,13 @@ DlgOpenDS::~DlgOpenDS() {
     m_extrasFinder->Release();
     qApp->removeEventFilter(this);
 }
+
+namespace {
+unsigned g_features = kOpenAll;
+} // namespace
+
+void DlgOpenDS::SetFeatures(unsigned features) { g_features = features; }
+unsigned DlgOpenDS::GetFeatures() { return g_features; }
 
 void DlgOpenDS::SetTitle(char const *title) { m_title = title == nullptr ? "" : title; }
 void DlgOpenDS::SetInitDir(char const *path) { m_initDir = path == nullptr ? "" : path; }
@@ -192,6 +202,31 @@ void DlgOpenDS::AssignWndVars() {
     m_hierarchyList->GetPane(0)->setAccessibleName(platform::Shown("Hierarchy"));
 }
 
+void DlgOpenDS::CreateDataSetRows() {
+    m_dataSetRows = std::make_unique<DataSetRows>(
+        DataSetRows::Actions{.listAgain =
+                                 [this] {
+                                     platform::EscapeWatch const watch; // one Escape for all lists
+                                     ListingsShared const shared;
+                                     for (DSListCtrl *const list : {m_folderList, m_mainList}) {
+                                         ItemList roots;
+                                         list->GetRootItems(roots);
+                                         list->ResetItems(roots);
+                                     }
+                                 },
+                             .show = [this](RefItemPtr<DataSourceItem> item) { ShowItem(std::move(item)); },
+                             .moniker = [this](DataSourceItem const &item) { return MonikerOf(item); }});
+    auto const rule = [this](ItemList const &roots) { return m_dataSetRows->FoldingOf(roots); };
+    m_mainList->SetFoldingRule(rule);
+    m_folderList->SetFoldingRule(rule);
+    m_hierarchyList->SetFoldingRule(rule);
+    connect(m_mainList, &ReportView::ContextMenu, this, [this](QPoint screenPoint) {
+        ItemList roots;
+        m_mainList->GetRootItems(roots);
+        m_dataSetRows->RunMenu(*m_mainList, screenPoint, roots, SelectedImages());
+    });
+}
+
 void DlgOpenDS::InitializeLayout() {
     int const fifth = std::max(m_splitter->width() / 5, kMinTrack);
     m_splitter->SetColumnInfo(0, fifth, kMinTrack);
@@ -216,6 +251,8 @@ bool DlgOpenDS::OnInitDialog() {
     AddSzControl(m_splitter, GetDlgItem(*this, kSplitterPlaceId), true);
     InitializeLayout();
 
+    if ((m_features & kOpenDataSets) != 0)
+        CreateDataSetRows();
     m_extras.Load();
     m_mainList->SetBDIFilter(m_bdiFilter);
     if (m_rootItem != nullptr)
@@ -403,13 +440,10 @@ void DlgOpenDS::OnOK() {
         return;
     m_monikers.clear();
     for (RefItemPtr<DataSourceItem> const &item : SelectedImages()) {
-        DString const path = item->GetPath();
-        DfltFldrs::Instance()->SaveDirHist(m_historyKey.c_str(), path);
+        DfltFldrs::Instance()->SaveDirHist(m_historyKey.c_str(), item->GetPath());
         DString const driverId = item->GetBDIDriverId();
         BDIDrvr *const driver = driverId.empty() ? nullptr : BDIDrvrMngr::Instance()->GetDrvr(driverId.c_str());
-        m_propertyWnd->ApplyOptions();
-        DString const options = m_propertyWnd->GetOptionString();
-        m_monikers.push_back(BDIMoniker(WithOptions(path, options), driver));
+        m_monikers.push_back(BDIMoniker(MonikerOf(*item), driver));
     }
     WriteSettings();
     if (m_monikers.empty())
@@ -419,6 +453,11 @@ void DlgOpenDS::OnOK() {
         m_editOnly = m_editOnlyCheck->isChecked();
     }
     cdxCDynamicDialog::OnOK();
+}
+
+DString DlgOpenDS::MonikerOf(DataSourceItem const &item) const {
+    m_propertyWnd->ApplyOptions();
+    return WithOptions(item.GetPath(), m_propertyWnd->GetOptionString());
 }
 
 void DlgOpenDS::WriteSettings() {

@@ -28,6 +28,7 @@ class CZelComboBox;
 class DSDataSourceWnd;
 class DSListCtrl;
 class DSPropertyWnd;
+class DataSetRows;
 class DataSourceList;
 class ExtrasFinder;
 class HierarchyList;
@@ -49,6 +50,11 @@ public:
                                                        QWidget *parent);
     /// Null is ignored.
     static void DeleteDialogObject(DlgOpenDS *dialog);
+
+    /// What dialogs that are made from now on offer beyond their panes: bits of `OpenFeatures`, all of them unless
+    /// somebody says otherwise. `kOpenPlain` switches everything off.
+    static void SetFeatures(unsigned features);
+    [[nodiscard]] static unsigned GetFeatures();
 
     // Before showing.
     void SetTitle(char const *title);
@@ -168,6 +174,9 @@ private:
     /// Finds out whether a file is a container after all; true if it is and is shown, nothing if the user ended it.
     [[nodiscard]] std::optional<bool> EnterLateContainer(RefItemPtr<DataSourceItem> const &item);
     void WriteSettings();
+    void CreateDataSetRows();
+    /// What an application gets for that item.
+    [[nodiscard]] DString MonikerOf(DataSourceItem const &item) const;
     [[nodiscard]] ItemList SelectedImages() const;
     [[nodiscard]] DString TemplateKey() const;
 
@@ -193,6 +202,8 @@ private:
     QCheckBox *m_readOnlyCheck = nullptr;
     QCheckBox *m_editOnlyCheck = nullptr;
     std::unique_ptr<PathButtonRow> m_pathButtons;
+    std::unique_ptr<DataSetRows> m_dataSetRows; ///< null without that feature
+    unsigned const m_features = GetFeatures();
 
     bool m_layoutDone = false;
     bool m_isPlaceShown = false; ///< the one that the dialog begins at, with all that is in it

@@ -34,9 +34,10 @@ void FolderListingWorker::Stop(bool wait) {
 }
 
 void FolderListingWorker::Begin(bool same) {
-    if (!same) {
+    // Where rows are folded a new file can change those that are there.
+    if (!same || m_request.folding.IsAny()) {
         // A cold recursive listing appears as it arrives, whatever the header shows.
-        bool const unsorted = m_mode == FolderListMode::Recursive || m_sort == ListingSort::None;
+        bool const unsorted = (m_mode == FolderListMode::Recursive && !same) || m_sort == ListingSort::None;
         m_content.BeginCold(unsorted ? ListingSort::None : m_sort, unsorted || m_ascending);
         return;
     }
@@ -56,7 +57,8 @@ void FolderListingWorker::Run() {
     m_deadline = left ? std::optional(RequestScope::Clock::now() + *left) : std::nullopt;
     std::vector<DString> rootPaths = PathsOf(m_request.roots);
     bool const same = m_lastMode == m_mode && !rootPaths.empty() && !m_savedRootPaths.empty() &&
-                      CoversRoots(m_savedRootPaths, rootPaths);
+                      CoversRoots(m_savedRootPaths, rootPaths) && m_savedFolding == m_request.folding;
+    m_savedFolding = m_request.folding;
     Begin(same);
     m_savedRootPaths = std::move(rootPaths);
 
@@ -65,7 +67,8 @@ void FolderListingWorker::Run() {
                       .driverId = m_request.formatId,
                       .nodeMask = m_request.bdiFilter,
                       .purpose = m_request.dlgTemplate,
-                      .cancel = this});
+                      .cancel = this,
+                      .folding = m_request.folding});
     for (RefItemPtr<DataSourceItem> const &root : m_request.roots) {
         if (IsCanceled())
             break;

@@ -4,6 +4,7 @@
 #include "zelvar/data/RequestScope.h"
 #include "zelvar/model/DataSourceItem.h"
 #include "zelvar/model/ItemListing.h"
+#include "zelvar/model/datasets/DataSetPlan.h"
 #include "zelvar/model/listing/ListingContent.h"
 
 #include <atomic>
@@ -38,6 +39,7 @@ public:
         DString formatId;
         DLGTemplate dlgTemplate = DT_DATA;
         int bdiFilter = 0;
+        DataSetFolding folding{};
     };
 
     void SetMode(FolderListMode mode);
@@ -84,6 +86,7 @@ private:
     ListingSort m_sort = ListingSort::None;
     bool m_ascending = true;
     std::vector<DString> m_savedRootPaths; ///< of the last run
+    DataSetFolding m_savedFolding;
 };
 
 } // namespace zelvar

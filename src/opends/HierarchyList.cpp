@@ -65,6 +65,12 @@ bool HierarchyList::FocusPaneBehind(QObject const *pane) {
     return false;
 }
 
+void HierarchyList::SetFoldingRule(FoldingRule const &rule) {
+    m_foldingRule = rule;
+    for (int pane = 0; pane < GetPaneCount(); ++pane)
+        GetPane(pane)->SetFoldingRule(rule);
+}
+
 DSListCtrl *HierarchyList::GetPane(int pane) { return qobject_cast<DSListCtrl *>(m_splitter->GetPane(0, pane)); }
 DSListCtrl const *HierarchyList::GetPane(int pane) const {
     return qobject_cast<DSListCtrl const *>(m_splitter->GetPane(0, pane));
@@ -141,6 +147,7 @@ bool HierarchyList::AddNewList(unsigned) { return true; }
 QWidget *HierarchyList::CreateViewObj(DSplitterWnd *, int, int, PaneClass const *, Size) {
     auto *list = new DSListCtrl;
     list->SetCoordinator(this);
+    list->SetFoldingRule(m_foldingRule);
     list->installEventFilter(this);
     return list;
 }

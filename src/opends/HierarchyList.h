@@ -3,8 +3,10 @@
 #include "zelvar/base/Export.h"
 #include "zelvar/layout/DSplitterWnd.h"
 #include "zelvar/model/DataSourceItem.h"
+#include "zelvar/model/datasets/DataSetPlan.h"
 #include "zelvar/platform/ui/WindowMessage.h"
 
+#include <functional>
 #include <list>
 
 namespace zelvar {
@@ -20,6 +22,7 @@ class ZELVAR_API HierarchyList : public QWidget, public DSplitterWnd::PaneOwner 
 
 public:
     using ItemList = std::list<RefItemPtr<DataSourceItem>>;
+    using FoldingRule = std::function<DataSetFolding(ItemList const &roots)>;
 
     explicit HierarchyList(QWidget *parent = nullptr);
     ~HierarchyList() override;
@@ -29,6 +32,8 @@ public:
     /// 0 for none.
     void SetRootChangeMessage(platform::MessageId message) { m_rootChangeMessage = message; }
 
+    /// For all panes, see `DSListCtrl`.
+    void SetFoldingRule(FoldingRule const &rule);
     [[nodiscard]] DSListCtrl *GetPane(int pane);
     [[nodiscard]] DSListCtrl const *GetPane(int pane) const;
     [[nodiscard]] int GetPaneCount() const { return m_splitter->GetColumnCount(); }
@@ -73,6 +78,7 @@ private:
     DSplitterWnd *m_splitter; ///< a child
     QPointer<QObject> m_coordinator;
     platform::MessageId m_rootChangeMessage = 0;
+    FoldingRule m_foldingRule;
 };
 
 } // namespace zelvar

@@ -144,6 +144,8 @@ std::vector<CommandSpec> const &AllCommands() {
          .options = {{"--folders", "", "folders and containers only"},
                      {"--recursive", "", "what lies in folders and containers below, too"},
                      {"--filter", "MASK", "only these files"},
+                     {"--all", "", "each file for itself, and what lies in folders that are data sets"},
+                     {"--series", "", "ten and more numbered files as one line, with what is missing behind it"},
                      {"--sort", "KEY", "name (default), size, date, or none: as the place tells them"},
                      {"--descending", "", "the other way round"},
                      {"--json", "", "print JSON"}},

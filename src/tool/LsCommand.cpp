@@ -2,6 +2,7 @@
 #include "zelvar/data/reader/DriverModule.h"
 #include "zelvar/model/ItemListing.h"
 #include "zelvar/model/PlaceResolver.h"
+#include "zelvar/model/SeriesItem.h"
 #include "zelvar/model/TemplDataSourceItem.h"
 #include "zelvar/tool/CommandTable.h"
 #include "zelvar/tool/Commands.h"
@@ -53,7 +54,10 @@ DString LineOf(ListedItem const &item) {
     line.append("\t").append(std::to_string(item.size));
     line.append("\t").append(item.time ? TimeText(*item.time) : "-");
     line.append("\t").append(EscapeControlBytes(item.name));
-    return line.append("\t").append(EscapeControlBytes(item.path)).append("\n");
+    line.append("\t").append(EscapeControlBytes(item.path));
+    if (auto const *const series = dynamic_cast<SeriesItem const *>(item.item.get()))
+        line.append("\t").append(series->Summary());
+    return line.append("\n");
 }
 
 DString JsonOf(ListedItem const &item) {
@@ -61,6 +65,8 @@ DString JsonOf(ListedItem const &item) {
     line.append(ToText(item.kind)).append("\", \"size\": ").append(std::to_string(item.size));
     line.append(", \"time\": ").append(item.time ? JsonText(TimeText(*item.time)) : "null");
     line.append(", \"name\": ").append(JsonText(item.name));
+    if (auto const *const series = dynamic_cast<SeriesItem const *>(item.item.get()))
+        line.append(", \"members\": ").append(JsonText(series->Summary()));
     return line.append(", \"path\": ").append(JsonText(item.path)).append("}");
 }
 
@@ -130,6 +136,7 @@ int RunLs(std::vector<DString> const &words) {
     if (place == nullptr)
         return Failure(WithReason("cannot read '" + word + "'", named, kNotOpened));
     Unread unread(place, word);
+    bool const isAll = arguments->Has("--all");
     // For as long as the process lives: to take 100,000 items apart would only keep it from ending.
     static auto &items = *new std::vector<ListedItem>;
     items = ListItems(place, {.foldersOnly = arguments->Has("--folders"),
@@ -137,6 +144,7 @@ int RunLs(std::vector<DString> const &words) {
                               .filter = arguments->Value("--filter"),
                               .sort = sort->second,
                               .descending = arguments->Has("--descending"),
+                              .folding = {.sidecars = !isAll, .series = arguments->Has("--series"), .folders = !isAll},
                               .onUnread = [&](DataSourceItem &item, std::error_code why) { unread.Tell(item, why); }});
     if (items.empty() && unread.HasPlace())
         return kFailed;

@@ -18,8 +18,9 @@ bool AllAmong(std::vector<DString> const &paths, std::vector<DString> const &oth
 bool StateChanged(PaneState const &saved, PaneState const &wanted, bool isRecursive) {
     if (isRecursive && wanted.fileFilter != saved.fileFilter)
         return true;
-    return wanted.bdiFilter != saved.bdiFilter || wanted.formatId != saved.formatId ||
-           wanted.rootPaths.size() != saved.rootPaths.size() || !AllAmong(saved.rootPaths, wanted.rootPaths);
+    return wanted.bdiFilter != saved.bdiFilter || wanted.folding != saved.folding ||
+           wanted.formatId != saved.formatId || wanted.rootPaths.size() != saved.rootPaths.size() ||
+           !AllAmong(saved.rootPaths, wanted.rootPaths);
 }
 
 bool CoversRoots(std::vector<DString> const &saved, std::vector<DString> const &roots) {

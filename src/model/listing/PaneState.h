@@ -15,6 +15,7 @@ struct PaneState {
     int bdiFilter = 0;
     DString formatId{};
     DString fileFilter{};
+    unsigned folding = 0; ///< a number for each way to fold rows
     std::vector<DString> rootPaths{};
 };
 

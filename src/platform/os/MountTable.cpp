@@ -252,6 +252,11 @@ bool MayBlock(MountEntry const &mount) {
     return mount.type.starts_with("fuse") || (!IsPseudo(mount.type) && !IsBlockDevice(mount));
 }
 
+bool MayBlockAt(DString const &path) {
+    auto const mount = FindMount(path);
+    return !path.starts_with('/') || (mount && MayBlock(*mount));
+}
+
 std::vector<Drive> ListDrives(DString const &procRoot, DString const &sysRoot) {
     Mounts mounts;
     for (MountEntry &mount : ReadMounts(procRoot + "/self/mountinfo")) {

@@ -167,13 +167,18 @@ TEST(Sidecars, BelongToTheirMasters) {
 TEST(DataSetPlan, FoldsSeriesOfMastersAlone) {
     Names const names = Numbered("s##.tif", 1, 10) + Numbered("s##.tfw", 1, 10) + Names{"x.txt"};
     std::vector<std::string_view> const views(names.begin(), names.end());
-    DataSetPlan const plan = PlanDataSets(views, {.sidecars = true, .series = true});
+    std::vector<bool> wanted(views.size(), true);
+    DataSetPlan const plan = PlanDataSets(views, wanted, {.sidecars = true, .series = true});
     ASSERT_EQ(plan.series.size(), 1U);
     EXPECT_EQ(plan.series.front().name.Text(), "s[01-10].tif");
     EXPECT_EQ(plan.masters[13], 3U);
     EXPECT_EQ(std::count(plan.isMember.begin(), plan.isMember.end(), true), 10);
-    EXPECT_EQ(PlanDataSets(views, {.series = true}).series.size(), 2U);
-    EXPECT_TRUE(PlanDataSets(views, {.sidecars = true}).series.empty());
+    EXPECT_EQ(PlanDataSets(views, wanted, {.series = true}).series.size(), 2U);
+    EXPECT_TRUE(PlanDataSets(views, wanted, {.sidecars = true}).series.empty());
+    wanted[3] = false; // its side-car stands alone then, and nine are no series
+    DataSetPlan const fewer = PlanDataSets(views, wanted, {.sidecars = true, .series = true});
+    EXPECT_EQ(fewer.masters[13], 13U);
+    EXPECT_TRUE(fewer.series.empty());
 }
 
 TEST(DataFolder, IsToldByItsNameAndWhatLiesInIt) {

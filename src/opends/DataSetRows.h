@@ -1,0 +1,45 @@
+#pragma once
+
+#include "zelvar/model/DataSourceItem.h"
+#include "zelvar/model/datasets/DataSetPlan.h"
+#include "zelvar/opends/core/UnfoldedFolders.h"
+
+#include <QtCore/QPoint>
+
+#include <functional>
+#include <list>
+
+class QWidget;
+
+namespace zelvar {
+
+/// Which files of the open dialog's folders have one row together, and the menu in which the user chooses that.
+///
+/// Whether numbered files are folded is kept for each folder, in the settings; files that belong to another one are
+/// folded whenever a dialog begins.
+class DataSetRows {
+public:
+    using ItemList = std::list<RefItemPtr<DataSourceItem>>;
+    /// What the dialog does about a command of the menu.
+    struct Actions {
+        std::function<void()> listAgain;
+        std::function<void(RefItemPtr<DataSourceItem>)> show; ///< its children in all panes
+        std::function<DString(DataSourceItem const &)> moniker;
+    };
+
+    explicit DataSetRows(Actions actions);
+
+    [[nodiscard]] DataSetFolding FoldingOf(ItemList const &roots) const;
+    /// Runs the menu about the `selected` items of a list that shows the children of `roots`.
+    void RunMenu(QWidget &list, QPoint screenPoint, ItemList const &roots, ItemList const &selected);
+
+private:
+    void ToggleNumbered(ItemList const &roots);
+    void CopyMonikers(ItemList const &items) const;
+
+    Actions m_actions;
+    UnfoldedFolders m_unfolded;
+    bool m_showsAll = false; ///< each file for itself
+};
+
+} // namespace zelvar
