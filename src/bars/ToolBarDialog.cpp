@@ -84,9 +84,7 @@ void ToolBarDialog::Fill(XMLNode const &arrangement) {
 }
 
 void ToolBarDialog::Move(int by) {
-    int const row = m_elements->currentRow();
-    if (row < 0 || row + by < 0 || row + by >= m_elements->count())
-        return;
+    int const row = m_elements->currentRow(); // its button can be pressed: there is a place to go to
     m_elements->insertItem(row + by, m_elements->takeItem(row));
     m_elements->setCurrentRow(row + by);
 }

@@ -11,6 +11,7 @@
 #include <QtGui/QIcon>
 #include <QtGui/QPainter>
 #include <QtWidgets/QAbstractButton>
+#include <QtWidgets/QCheckBox>
 #include <QtWidgets/QDialogButtonBox>
 #include <QtWidgets/QLayout>
 #include <QtWidgets/QListWidget>
@@ -33,6 +34,7 @@ TEST(BringOntoScreen, LeavesWhatCanBeSeenAndFetchesTheRest) {
         {{100, 581, 300, 681}, {100, 500, 300, 600}},
         {{100, -1, 300, 99}, {100, 0, 300, 100}}, // a caption above the edge cannot be taken hold of
         {{5000, 5000, 5200, 5100}, {1400, 500, 1600, 600}},
+        {{700, 700, 900, 800}, {600, 500, 800, 600}}, // as far from either
         {{-kHuge, -kHuge, kHuge, kHuge}, {0, 0, 800, 600}},
         {{kHuge, kHuge, -kHuge, -kHuge}, {1560, 560, 1600, 600}}};
     for (auto const &[rect, expected] : cases)
@@ -344,14 +346,18 @@ TEST(CZelToolBar, ItsUserCustomizesIt) {
         }
         QTest::keyClick(&list, Qt::Key_Space);
         test::Click(pushed[0]);
+        list.window()->findChild<QCheckBox *>()->click();
     };
+    QSize const small = bar.iconSize();
     EXPECT_EQ(customize(QDialogButtonBox::Cancel, hideFirst), kOpen);
     EXPECT_EQ(customize(QDialogButtonBox::Ok, hideFirst), -kPan);
+    EXPECT_GT(bar.iconSize().width(), small.width());
     auto const reset = [](QListWidget &list) {
         EXPECT_EQ(list.currentRow(), 0);
         test::Click(list.window()->findChildren<QPushButton *>().value(2));
     };
     EXPECT_EQ(customize(QDialogButtonBox::Ok, reset), kOpen);
+    EXPECT_EQ(bar.iconSize(), small);
 }
 
 TEST(CZelToolBar, TabComesToOneButtonAndArrowsWalkOverThoseThatCanBePressed) {

@@ -118,6 +118,16 @@ TEST(CFloatEdit, ReturnMendsTooAndTheMarkIsSeen) {
 
 TEST(CFloatEdit, KeysStepWithoutDustAndStopAtTheEnds) {
     Edited const edited;
+    constexpr double kMost = std::numeric_limits<double>::max();
+    for (auto const &[low, high, said] : test::Rows<double, double, char const *>{{-kMost, kMost, "A number"},
+                                                                                  {-1, kMost, "A number not below -1"},
+                                                                                  {-kMost, 2, "A number not above 2"},
+                                                                                  {-1, 2, "A number from -1 to 2"}}) {
+        edited.edit->SetRange(low, high);
+        edited.Type("-");
+        EXPECT_EQ(edited.edit->accessibleDescription(), said);
+    }
+    edited.edit->SetValue(0);
     edited.edit->SetRange(0, 1);
     edited.edit->SetStep(0.1);
     for (int i = 0; i < 3; ++i)

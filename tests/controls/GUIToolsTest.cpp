@@ -29,6 +29,10 @@ TEST(GUITools, AWindowStandsOverItsParentAndOnTheScreen) {
     QWidget child(&parent, Qt::Dialog);
     child.resize(100, 50);
     GUITools::CenterWindow(child);
+    QLabel unsized("It has its own size", &parent, Qt::Dialog);
+    GUITools::CenterWindow(unsized);
+    EXPECT_EQ(unsized.size(), unsized.sizeHint());
+    EXPECT_EQ(child.size(), QSize(100, 50));
     EXPECT_LE((child.frameGeometry().center() - parent.frameGeometry().center()).manhattanLength(), 4);
     QRect const screen = parent.screen()->availableGeometry();
     parent.move(screen.right() - 50, screen.top());

@@ -195,6 +195,7 @@ TEST_F(Request, SavingIsThePlatformsAndLoadingTheLibrarysWhereThereIsAFrame) {
         };
         Shown const shown = Answer(open, name);
         EXPECT_EQ(loading.GetPhysFile(), name.empty() ? "." : folder / name);
+        EXPECT_EQ(shown.opened, !name.empty());
         return shown.isOwn;
     };
     Write({"a.xml"});
@@ -228,6 +229,7 @@ TEST_F(Request, BothDialogsStandOverTheMainWindow) {
                    QRect place(QPoint(), dialog.frameSize());
                    place.moveCenter(application.Window().frameGeometry().center());
                    QPoint const away = dialog.frameGeometry().center() - place.center();
+                   EXPECT_EQ(dialog.windowHandle()->transientParent(), application.Window().windowHandle());
                    EXPECT_TRUE(away.manhattanLength() < 8 || !dialog.screen()->availableGeometry().contains(place));
                });
     Profile::SetRegistryKey("Zelvar");

@@ -79,12 +79,16 @@ TEST_F(DynamicWndTest, ChildrenFollowAndComeBackExactly) {
     EXPECT_TRUE(engine.AddSzControl(children[0], cdxCDynamicWnd::ModeGrow, cdxCDynamicWnd::ModeFixed));
     EXPECT_TRUE(engine.AddSzControl(2, 100, 50, 100, 50));
     EXPECT_EQ(engine.GetCtrlCount(), 2U);
+    QDialog above(&window);
+    EXPECT_TRUE(engine.AddSzControl(&above, cdxCDynamicWnd::BotRight));
+    QRect const apart = above.geometry();
     for (int width = 401; width < 460; width += 7)
         Resize(width, 331);
     Resize(433, 331);
     EXPECT_EQ(children[0]->geometry(), QRect(10, 10, 113, 20));
     EXPECT_EQ(children[1]->geometry(), QRect(143, 25, 80, 20));
     EXPECT_EQ(children[2]->geometry(), QRect(210, 10, 80, 20)); // never registered
+    EXPECT_EQ(above.geometry(), apart) << "a window stands where it is";
     Resize(400, 300);
     EXPECT_EQ(children[0]->geometry(), QRect(10, 10, 80, 20));
 }

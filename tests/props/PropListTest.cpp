@@ -297,6 +297,10 @@ TEST(CZelPropList, AGroupIsShadedFromEdgeToEdge) {
     EXPECT_EQ(test::ColorAt(*tree.viewport(), {1, group}), shade) << "beside the mark of opening";
     EXPECT_EQ(test::ColorAt(*tree.viewport(), {right, group}), shade);
     EXPECT_NE(test::ColorAt(*tree.viewport(), {1, tree.visualItemRect(layer.title).top() + 3}), shade);
+    int const swatch = tree.columnViewportPosition(1) + tree.fontMetrics().ascent() / 2 + 2;
+    for (CZelProp const *const prop : {layer.tint, layer.opacity})
+        EXPECT_EQ(test::ColorAt(*tree.viewport(), {swatch, tree.visualItemRect(prop).center().y()}) == Qt::green,
+                  prop == layer.tint);
 }
 
 TEST(CZelPropList, NamesGetTheirRoomUntilTheUserSetsIt) {

@@ -116,6 +116,7 @@ TEST_F(TenRows, AClickTellsTheRowItLeavesThenTheRowItTakesWithBothBits) {
     EXPECT_EQ(Mark(4), "4:->S");
     EXPECT_EQ(Select(4, 4, 4), "5:FS>- 4:S>FS") << "a row that was selected before it takes the focus";
     EXPECT_EQ(Select(4, 4, 7), "4:FS>S 7:->F") << "the focus alone";
+    EXPECT_EQ(Select(4, 4, 8), "7:F>- 8:->F");
 }
 
 TEST_F(TenRows, RangesAreToldAtOnceWhereWantedAndRowByRowElsewhere) {

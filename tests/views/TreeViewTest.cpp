@@ -74,7 +74,7 @@ TEST(TreeView, ItemsGoWhereTheyAreTold) {
         EXPECT_EQ(item->state != 0 && item->selectedImage == 4, (mask & TVIF_STATE) != 0);
     }
     EXPECT_EQ(tree.GetCount(), 12U);
-    for (unsigned const bit : {TVIS_CUT, TVIS_BOLD, TVIS_DROPHILITED, TVIS_SELECTED, TVIS_EXPANDED})
+    for (unsigned const bit : {TVIS_EXPANDED, TVIS_CUT, TVIS_BOLD, TVIS_DROPHILITED, TVIS_SELECTED})
         for (unsigned const state : {bit, 0U}) {
             unsigned const others = tree.GetItemState(family.parent, ~bit);
             EXPECT_TRUE(tree.SetItemState(family.parent, state | ~bit, bit) && tree.SetItemState(lazy, 0, bit));
@@ -85,6 +85,10 @@ TEST(TreeView, ItemsGoWhereTheyAreTold) {
     EXPECT_TRUE(tree.GetSelectedItem() == family.first && tree.currentIndex().row() == 0) << "it was second";
     EXPECT_EQ(tree.GetItemText(tree.GetChildItem(family.parent)), "first");
     EXPECT_EQ(tree.GetNextItem(nullptr, 77), nullptr);
+    tree.SetItemText(late, "alpha");
+    tree.SortChildren(family.other);
+    EXPECT_EQ(tree.GetChildItem(family.other), late) << "it was behind the other";
+    EXPECT_TRUE(tree.SelectItem(nullptr) && tree.GetSelectedItem() == nullptr);
 }
 
 TEST(TreeView, AnItemMarkedAsParentShowsItsExpanderAndIsFilledWhenItIsExpanded) {
@@ -275,6 +279,9 @@ TEST(TreeView, AnEditEndsWithItsItemAndWithTheTree) {
     tree->DeleteItem(family.parent);
     EXPECT_EQ(tree->GetEditControl(), nullptr);
     ASSERT_NE(tree->EditLabel(family.other), nullptr);
+    tree->DeleteAllItems();
+    EXPECT_EQ(tree->GetEditControl(), nullptr);
+    ASSERT_NE(tree->EditLabel(tree->InsertItem("new")), nullptr);
     tree.reset(); // must not crash
 }
 

@@ -10,6 +10,7 @@
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QDialog>
 #include <QtWidgets/QListWidget>
+#include <QtWidgets/QHBoxLayout>
 #include <QtWidgets/QToolTip>
 
 namespace zelvar::platform {
@@ -103,10 +104,14 @@ TEST(DialogTemplate, EachKindIsTheControlThatItsNameSays) {
 }
 
 TEST(DialogTemplate, TheRoomOfAComboIsThatOfItsListAndEntriesDoNotWidenIt) {
-    DialogItem const items[] = {{.id = 1, .kind = ControlKind::DropDownList, .w = 60, .h = 14},
-                                {.id = 2, .kind = ControlKind::DropDownList, .y = 20, .w = 60, .h = 20},
-                                {.id = 3, .kind = ControlKind::DropDownList, .y = 40, .w = 60, .h = 140},
-                                {.id = 4, .kind = ControlKind::Label, .text = "&Room"}};
+    DialogItem const items[] = {{.id = 1, .kind = ControlKind::DropDownList, .x = 20, .w = 60, .h = 14},
+                                {.id = 2, .kind = ControlKind::DropDownList, .x = 20, .y = 20, .w = 60, .h = 20},
+                                {.id = 3, .kind = ControlKind::DropDownList, .x = 20, .y = 40, .w = 60, .h = 140},
+                                {.id = 4, .kind = ControlKind::Label, .text = "&Room", .x = 24, .y = 4},
+                                {.kind = ControlKind::Label, .text = "Beside", .x = 25},
+                                {.kind = ControlKind::Label, .text = "Below", .x = 20, .y = 5},
+                                {.kind = ControlKind::Label, .text = "Near", .x = 20, .y = 31},
+                                {.kind = ControlKind::Label, .text = "Far", .y = 36}};
     QDialog dialog;
     BuildDialog(dialog, {.width = 100, .height = 60, .items = items});
     auto *const low = GetDlgItem<QComboBox>(dialog, 2);
@@ -114,7 +119,8 @@ TEST(DialogTemplate, TheRoomOfAComboIsThatOfItsListAndEntriesDoNotWidenIt) {
     EXPECT_EQ(low->maxVisibleItems(), 3);
     EXPECT_GT(high->maxVisibleItems(), 8);
     EXPECT_EQ(low->height(), GetDlgItem(dialog, 1)->height());
-    EXPECT_EQ(GetDlgItem(dialog, 1)->accessibleName(), QStringLiteral("Room"));
+    for (auto const &[id, name] : {std::pair{1, "Room"}, {2, "Below"}, {3, "Near"}})
+        EXPECT_EQ(GetDlgItem(dialog, id)->accessibleName(), name);
     EXPECT_EQ(high->height(), low->height());
     int const width = high->width();
     high->addItem(QString(500, u'W'));
@@ -140,8 +146,15 @@ TEST(ControlId, TheChildrenOfAViewportCountAsTheAreasOwn) {
 }
 
 TEST(EllipsisLabel, TextIsCutWhereItDoesNotFitAndTheWholeIsItsTipWithoutMarkup) {
+    QWidget window;
+    auto *const row = new QHBoxLayout(&window);
     EllipsisLabel label;
+    row->addWidget(&label);
+    row->setContentsMargins({});
+    EXPECT_EQ(row->sizeHint().width(), label.minimumSizeHint().width());
     label.SetText(QStringLiteral("<b>a name</b> & another"));
+    EXPECT_EQ(row->sizeHint(), label.sizeHint());
+    label.setParent(nullptr);
     label.resize(label.sizeHint());
     EXPECT_EQ(label.ShownText(), label.Text());
     label.resize(label.width() - 1, label.height());

@@ -140,13 +140,13 @@ TEST(UserMessages, AWarningFromAnyThreadBecomesABox) {
     auto const seen = test::OnNextDialog([&text, window](QWidget &dialog) {
         auto *const box = qobject_cast<QMessageBox *>(&dialog);
         ASSERT_NE(box, nullptr);
-        text = box->text();
+        text = box->text() + (box->icon() == QMessageBox::Warning ? "!" : "?");
         test::Shot(*box, QStringLiteral("message-box"));
         delete window; // over which it stands
     });
     std::thread([] { Report::UserWarning("<b>%d</b> files", 3); }).join();
     EXPECT_TRUE(test::Eventually([&] { return *seen && QApplication::activeModalWidget() == nullptr; }));
-    EXPECT_EQ(text, QStringLiteral("<b>3</b> files")); // plain text: names are not markup
+    EXPECT_EQ(text, QStringLiteral("<b>3</b> files!")); // plain text: names are not markup
     RemoveUserMessages();
 }
 
