@@ -127,22 +127,27 @@ TEST_F(OpenDialog, ImagesPickedWithTheMouseComeBackAsMonikers) {
 }
 
 TEST_F(OpenDialog, ADoubleClickIsOkAndReturnInTheListTooButNothingPickedKeepsItOpen) {
-    DialogPtr const dialog = Make();
-    EXPECT_EQ(Run(*dialog,
-                  [&] {
-                      platform::SendMessage(dialog.get(), WM_DS_IMAGE_DBLCLICK);
-                      QCoreApplication::processEvents();
-                      EXPECT_TRUE(dialog->isVisible()) << "no moniker, no end";
-                      dialog->MainList()->setFocus();
-                      dialog->MainList()->SetSlct(0, true);
-                      QWidget *const rows = dialog->MainList()->viewport();
-                      QTest::mouseDClick(rows, Qt::LeftButton, {}, rows->rect().bottomLeft() + QPoint(40, -5));
-                      QCoreApplication::processEvents();
-                      EXPECT_TRUE(dialog->isVisible()) << "beside the rows";
-                      QTest::keyClick(dialog->MainList(), Qt::Key_Return);
-                  }),
-              QDialog::Accepted);
-    EXPECT_EQ(dialog->GetSelectedNodePaths().size(), 1U);
+    for (bool const byMouse : {false, true}) {
+        DialogPtr const dialog = Make();
+        auto const act = [&] {
+            platform::SendMessage(dialog.get(), WM_DS_IMAGE_DBLCLICK);
+            QCoreApplication::processEvents();
+            EXPECT_TRUE(dialog->isVisible()) << "no moniker, no end";
+            dialog->MainList()->setFocus();
+            dialog->MainList()->SetSlct(0, true);
+            QWidget *const rows = dialog->MainList()->viewport();
+            QTest::mouseDClick(rows, Qt::LeftButton, {}, rows->rect().bottomLeft() + QPoint(40, -5));
+            QCoreApplication::processEvents();
+            EXPECT_TRUE(dialog->isVisible()) << "beside the rows";
+            if (byMouse)
+                QTest::mouseDClick(rows, Qt::LeftButton, {}, PlaceOf(*dialog->MainList(), "grey.tif"));
+            else
+                QTest::keyClick(dialog->MainList(), Qt::Key_Return);
+            EXPECT_TRUE(Eventually([&] { return !dialog->isVisible(); })) << byMouse;
+        };
+        EXPECT_EQ(Run(*dialog, act), QDialog::Accepted);
+        EXPECT_EQ(dialog->GetSelectedNodePaths().size(), 1U);
+    }
 }
 
 TEST_F(OpenDialog, OkWritesTheStateCancelDoesNotAndTheOrderNeverComesBack) {
@@ -217,9 +222,12 @@ TEST_F(OpenDialog, PathButtonsLeadUpAndTheStarRemembersTheInnermost) {
         EXPECT_EQ(buttons[1]->geometry().left(), buttons[0]->geometry().right() + 2) << "one pixel between them";
         DSButton *const parent = buttons[buttons.size() - 2];
         DString const parentPath = parent->item->GetPath();
+        EXPECT_EQ(parent->accessibleName().toStdString(), parent->item->GetName());
+        EXPECT_EQ(parent->toolTip(), parent->accessibleName());
         parent->setFocus();
         QTest::keyClick(parent, Qt::Key_Return);
         EXPECT_TRUE(Eventually([&] { return shown()->GetPath() == parentPath; }));
+        EXPECT_TRUE(parent->isVisible() && buttons.back()->isHidden());
         Click(Button(*dialog, kHomeId));
         EXPECT_TRUE(dialog->DataSourceWnd()->IsDataSourceView());
         dialog->DataSourceWnd()->SwitchToFolderView();
@@ -276,6 +284,20 @@ TEST_F(OpenDialog, TheTabKeyGoesRoundThePanesAndF5ListsAgain) {
                                   GetDlgItem(*dialog, kFileFilterId),
                                   GetDlgItem(*dialog, kFileTypeId),
                                   dialog->FolderList()};
+        for (auto const &[part, name] : std::initializer_list<std::pair<QWidget *, char const *>>{
+                 {round[0], "Folders"},
+                 {round[1], "Hierarchy"},
+                 {round[3], "Items"},
+                 {round[4], "Go to folder"},
+                 {round[5], "File Name Filter"},
+                 {round[6], "File Type"},
+                 {GetDlgItem(*dialog, kStatusId), "Selected"}})
+            EXPECT_EQ(part->accessibleName(), name);
+        for (auto const &[id, tip] : {std::pair{kHomeId, "Show Data Source panel"},
+                                      {kFavoritesId, "Add to favorites"},
+                                      {kRestoreLayoutId, "Restore layouts"},
+                                      {kRecursiveId, "Search subfolders"}})
+            EXPECT_EQ(Button(*dialog, id)->toolTip(), tip);
         round[0]->setFocus();
         for (std::size_t i = 1; i < std::size(round); ++i) {
             QTest::keyClick(dialog->focusWidget(), Qt::Key_Tab);

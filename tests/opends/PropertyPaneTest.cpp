@@ -5,6 +5,8 @@
 #include "zelvar/opends/ImageExtraWnd.h"
 #include "zelvar/opends/ImagePreviewWnd.h"
 
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QRadioButton>
 #include <QtWidgets/QTreeWidget>
 
 #include <utime.h>
@@ -218,6 +220,48 @@ TEST_F(PropertyPane, AnOptionPageNarrowsToItsPaneInsteadOfScrollingSideways) {
     EXPECT_LE(level->width(), wide);
 }
 
+TEST_F(PropertyPane, AnOptionPageHasTheControlsThatItsTagsSay) {
+    ImageExtraWnd page;
+    page.SetOptionsName("{Options}");
+    page.Navigate(folder.Write("page.html",
+                               "<h2>Head</h2>Level <input name=level value=7 size=3><hr><input name=word type=password "
+                               "value=pw><input name=h type=hidden value=1><br><input name=on type=checkbox checked>"
+                               "<input name=off type=checkbox disabled><p><input name=pick type=radio checked><input "
+                               "name=pick type=radio><input name=other type=radio><p><textarea name=note rows=5>one"
+                               "</textarea><p><select name=code><option value=a>A<option value=b selected>B</select>"));
+    page.ApplyOptions();
+    EXPECT_EQ(page.GetOptionText(), "code=b&level=7");
+    auto const part = [&page](char const *name) { return page.findChild<QWidget *>(name); };
+    for (auto const &[name, property, value] : test::Rows<char const *, char const *, QVariant>{
+             {"level", "text", "7"},
+             {"level", "accessibleName", "level"},
+             {"level", "displayText", "7"},
+             {"word", "text", "pw"},
+             {"on", "checked", true},
+             {"on", "enabled", true},
+             {"off", "checked", false},
+             {"off", "enabled", false},
+             {"pick", "checked", true},
+             {"note", "plainText", "one"},
+             {"note", "tabChangesFocus", true},
+             {"code", "currentText", "B"}}) {
+        ASSERT_NE(part(name), nullptr) << name;
+        EXPECT_EQ(part(name)->property(property), value) << name << property;
+    }
+    EXPECT_TRUE(part("h") == nullptr && part("word")->property("displayText") != "pw");
+    EXPECT_LT(part("level")->maximumWidth(), part("word")->maximumWidth());
+    EXPECT_EQ(part("note")->height() / part("note")->fontMetrics().lineSpacing(), 5);
+    auto const radios = page.findChildren<QRadioButton *>();
+    for (int const pressed : {1, 2})
+        radios[pressed]->click();
+    EXPECT_TRUE(!radios[0]->isChecked() && radios[1]->isChecked() && radios[2]->isChecked());
+    auto const labels = page.findChildren<QLabel *>();
+    ASSERT_EQ(labels.size(), 2);
+    EXPECT_TRUE(labels[0]->font().bold() && !labels[1]->font().bold() && labels[1]->buddy() == part("level"));
+    EXPECT_TRUE(std::ranges::any_of(page.findChildren<QFrame *>(),
+                                    [](QFrame const *frame) { return frame->frameShape() == QFrame::HLine; }));
+}
+
 TEST_F(PropertyPane, WhatNoDriverOpensShowsTheFileAndNoPreview) {
     DString const path = folder.Write("plain.txt", "x");
     utimbuf const march{.actime = 0, .modtime = 1'709'450'000};
@@ -282,6 +326,7 @@ TEST_F(PropertyPane, ThePictureIsFittedAndCentredInItsWindow) {
     preview.GetCanvas().SetPixel(0, 0, Rgb(255, 0, 0));
     preview.ShowCanvas();
     EXPECT_EQ(preview.PictureRect(), QRect(0, 75, 300, 150));
+    EXPECT_EQ(preview.accessibleName() + ": " + preview.accessibleDescription(), "Preview: Picture of 1024 by 512 pixels");
     EXPECT_EQ(test::ColorAt(preview, {150, 74}), QColor(Qt::white));
     EXPECT_EQ(test::ColorAt(preview, {150, 80}), QColor(Qt::black));
     preview.resize(100, 400);

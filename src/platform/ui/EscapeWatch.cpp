@@ -44,10 +44,9 @@ bool IsDropped(QEvent::Type type) {
 
 bool IsRelease(QEvent::Type type) { return type == QEvent::KeyRelease || type == QEvent::MouseButtonRelease; }
 
-/// A shortcut may keep the press itself away.
+/// By what comes before each press: a shortcut may keep the press itself away.
 bool IsEscape(QEvent const &event) {
-    return (event.type() == QEvent::KeyPress || event.type() == QEvent::ShortcutOverride) &&
-           static_cast<QKeyEvent const &>(event).key() == Qt::Key_Escape;
+    return event.type() == QEvent::ShortcutOverride && static_cast<QKeyEvent const &>(event).key() == Qt::Key_Escape;
 }
 
 /// Tool tips and popups come and go by themselves.
