@@ -546,6 +546,34 @@ TEST_F(ListPanes, AHierarchyShowsALevelAPaneAndADoubleClickOnNothingDoesNothing)
     hierarchy.GetSplitter()->StaticSplitColumn(100, nullptr);
     ASSERT_EQ(hierarchy.GetPaneCount(), 2);
     EXPECT_TRUE(hierarchy.GetPane(1)->isVisible() && !hierarchy.SortPane(5, 0, true));
+    hierarchy.GetSplitter()->StaticSplitColumn(30, nullptr);
+    ASSERT_EQ(hierarchy.GetPaneCount(), 3);
+    hierarchy.InitializeLayout();
+    EXPECT_NEAR(hierarchy.GetPane(0)->width(), 100, 8);
+    EXPECT_NEAR(hierarchy.GetPane(1)->width(), 100, 8);
+    auto const shown = [&] {
+        std::string paths;
+        for (int pane = 0; pane < 3; ++pane) {
+            ItemList root;
+            hierarchy.GetPane(pane)->GetRootItems(root);
+            paths += (root.empty() ? "-" : root.front()->GetPath()) + " ";
+        }
+        return paths;
+    };
+    hierarchy.ShowDir(deep);
+    EXPECT_EQ(shown(), "/data /data/sub - ");
+    EXPECT_TRUE(Eventually([&] { return hierarchy.GetPane(0)->GetSlct(0) && hierarchy.GetPane(1)->GetSlct(0); }));
+    coordinator.told.clear();
+    auto const select = [&](int pane) {
+        hierarchy.GetPane(pane)->SetSlct(0, false);
+        hierarchy.GetPane(pane)->SetSlct(0, true);
+        EXPECT_TRUE(Eventually([&] { return coordinator.told[WM_DS_DATA_ITEM_SELECTED] == 2 - pane; }));
+        return shown();
+    };
+    EXPECT_EQ(select(1), "/data /data/sub /data/sub/deep ");
+    EXPECT_EQ(select(0), "/data /data/sub - ") << "what stood behind is another folder's";
+    hierarchy.setFocus();
+    EXPECT_TRUE(hierarchy.GetPane(0)->hasFocus());
 }
 
 } // namespace
