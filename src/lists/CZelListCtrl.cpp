@@ -179,7 +179,7 @@ bool CZelListCtrl::OnClick(ReportHit hit, Point) {
     // A row that Ctrl has just taken out of a selection of several stays out.
     if (IsMultiSlct() && (ClickModifiers() & Qt::ControlModifier) != 0)
         return false;
-    if (GetNumSlct() <= 1 && hit.row != -1 && hit.row < GetItemCount())
+    if (GetNumSlct() <= 1 && hit.row != -1)
         SetSlct(hit.row, true);
     return false;
 }

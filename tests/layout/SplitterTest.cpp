@@ -89,6 +89,15 @@ TEST(Splitter, ABarFollowsTheMouseAndKeepsTheMinimaOnBothSides) {
     QTest::mouseRelease(splitter.get(), Qt::LeftButton, {}, {300, 50});
     moveTo(50);
     EXPECT_EQ(Current(*splitter, 1), 10) << "released";
+    for (int const x : {289, 290, 292, 293}) {
+        moveTo(x);
+        EXPECT_EQ(splitter->cursor().shape() == Qt::SplitHCursor, x == 290 || x == 292) << x;
+    }
+    splitter->CreateStaticEx(nullptr, 2, 1, 2, 1, nullptr, 7);
+    splitter->SetRowInfo(0, 49, 10);
+    splitter->RecalcLayout();
+    moveTo(50);
+    EXPECT_EQ(splitter->cursor().shape(), Qt::SplitVCursor);
 }
 
 TEST(Splitter, SplittingFailsWholeWhenItDoesNotFitAndSucceedsWithAPane) {
@@ -125,6 +134,13 @@ TEST(Splitter, ABarMovesByTheArrowKeysWithinItsLimits) {
         EXPECT_EQ(Current(*splitter, 0), position) << key;
         EXPECT_EQ(bar->geometry().left(), position) << "it stays over what is drawn";
     }
+    QKeyEvent forOthers(QEvent::KeyPress, Qt::Key_A, Qt::NoModifier);
+    QKeyEvent shortcut(QEvent::ShortcutOverride, Qt::Key_F5, Qt::NoModifier);
+    shortcut.ignore();
+    for (QKeyEvent *const event : {&forOthers, &shortcut})
+        QApplication::sendEvent(bar, event);
+    EXPECT_TRUE(!forOthers.isAccepted() && shortcut.isAccepted());
+    EXPECT_EQ(test::ColorAt(*bar, {1, 50}), bar->palette().color(QPalette::Highlight));
 }
 
 TEST(Splitter, TheKeysLeadRoundAllBarsAndEscapePutsThemBack) {
@@ -147,6 +163,11 @@ TEST(Splitter, TheKeysLeadRoundAllBarsAndEscapePutsThemBack) {
     EXPECT_EQ(row->Orientation(), Qt::Horizontal);
     QTest::keyClick(row, Qt::Key_Up);
     EXPECT_EQ(row->Position(), 30);
+    for (Qt::Key const key : {Qt::Key_Down, Qt::Key_Left})
+        QTest::keyClick(row, key);
+    EXPECT_EQ(row->Position(), 40);
+    EXPECT_EQ(row->accessibleName(), "Bar between rows");
+    QTest::keyClick(row, Qt::Key_Up);
     QTest::keyClick(row, Qt::Key_Tab);
     EXPECT_EQ(FocusedBar(), column) << "round";
     QTest::keyClick(column, Qt::Key_F8, Qt::ShiftModifier);
@@ -184,7 +205,9 @@ TEST(Splitter, AScreenReaderReadsAndMovesABar) {
     QAccessibleInterface *const bar = QAccessible::queryAccessibleInterface(FocusedBar());
     ASSERT_NE(bar, nullptr);
     EXPECT_EQ(bar->role(), QAccessible::Splitter);
-    EXPECT_TRUE(!bar->text(QAccessible::Name).isEmpty() && bar->state().focusable && bar->state().focused);
+    EXPECT_EQ(bar->text(QAccessible::Name), "Bar between columns");
+    EXPECT_TRUE(bar->text(QAccessible::Description).startsWith("Arrow keys move it"));
+    EXPECT_TRUE(bar->state().focusable && bar->state().focused);
     QAccessibleValueInterface *const value = bar->valueInterface();
     ASSERT_NE(value, nullptr);
     EXPECT_EQ(value->currentValue().toInt(), 100);

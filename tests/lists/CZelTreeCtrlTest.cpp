@@ -131,6 +131,9 @@ TEST_F(CZelTreeCtrlTest, ADragMarksItsTargetAndEndsWithTheButtonThatBeganIt) {
         ASSERT_TRUE(QApplication::overrideCursor() != nullptr && Overlay() != nullptr);
         EXPECT_EQ(QApplication::overrideCursor()->shape(), Qt::BlankCursor);
         EXPECT_EQ(Overlay()->pos(), stage.On(b)); // the pointer holds its corner
+        QPointer<QWidget> const picture = Overlay();
+        stage.Move(stage.On(b), button);
+        EXPECT_FALSE(picture.isNull()) << "it does not flicker";
         Shot(tree, "tree-control-drag");
         stage.Release(stage.On(b), isLeft ? Qt::RightButton : Qt::LeftButton);
         EXPECT_TRUE(isLeft ? tree.IsLeftDrag() : tree.IsRghtDrag());

@@ -109,6 +109,7 @@ TEST_F(OpenDialog, ImagesPickedWithTheMouseComeBackAsMonikers) {
         ASSERT_EQ(list.GetNumRow(), 3) << "files alone";
         EXPECT_EQ(list.ColumnsWidth(), list.GetClientRect().Width());
         EXPECT_TRUE(Eventually([&] { return !Button(*dialog, kOkId)->isEnabled(); })) << "nothing is selected";
+        EXPECT_TRUE(Button(*dialog, kCancelId)->hasFocus());
         ClickRow(list, "grey.tif");
         ClickRow(list, "rgb.tif", Qt::ControlModifier);
         EXPECT_TRUE(Eventually([&] { return dialog->PropertyWnd()->Preview()->GetMode() == 0; }));
@@ -173,6 +174,7 @@ TEST_F(OpenDialog, OkWritesTheStateCancelDoesNotAndTheOrderNeverComesBack) {
     dialog = Make();
     Run(*dialog, [&] {
         EXPECT_EQ(GetDlgItem<QLineEdit>(*dialog, kFileFilterId)->text(), "*.tif");
+        EXPECT_EQ(GetDlgItem<CZelComboBox>(*dialog, kHistoryId)->GetWindowText(), "");
         EXPECT_EQ(RowOf(*dialog->MainList(), "notes.txt"), -1);
         EXPECT_EQ(dialog->MainList()->GetLastSort().GetCol(), 0);
         EXPECT_TRUE(dialog->MainList()->GetLastSort().IsSortedAscnd());
@@ -222,8 +224,7 @@ TEST_F(OpenDialog, PathButtonsLeadUpAndTheStarRemembersTheInnermost) {
         EXPECT_EQ(buttons[1]->geometry().left(), buttons[0]->geometry().right() + 2) << "one pixel between them";
         DSButton *const parent = buttons[buttons.size() - 2];
         DString const parentPath = parent->item->GetPath();
-        EXPECT_EQ(parent->accessibleName().toStdString(), parent->item->GetName());
-        EXPECT_EQ(parent->toolTip(), parent->accessibleName());
+        EXPECT_EQ(parent->toolTip().toStdString(), parent->item->GetName());
         parent->setFocus();
         QTest::keyClick(parent, Qt::Key_Return);
         EXPECT_TRUE(Eventually([&] { return shown()->GetPath() == parentPath; }));
@@ -284,20 +285,14 @@ TEST_F(OpenDialog, TheTabKeyGoesRoundThePanesAndF5ListsAgain) {
                                   GetDlgItem(*dialog, kFileFilterId),
                                   GetDlgItem(*dialog, kFileTypeId),
                                   dialog->FolderList()};
-        for (auto const &[part, name] : std::initializer_list<std::pair<QWidget *, char const *>>{
-                 {round[0], "Folders"},
-                 {round[1], "Hierarchy"},
-                 {round[3], "Items"},
-                 {round[4], "Go to folder"},
-                 {round[5], "File Name Filter"},
-                 {round[6], "File Type"},
-                 {GetDlgItem(*dialog, kStatusId), "Selected"}})
-            EXPECT_EQ(part->accessibleName(), name);
-        for (auto const &[id, tip] : {std::pair{kHomeId, "Show Data Source panel"},
-                                      {kFavoritesId, "Add to favorites"},
-                                      {kRestoreLayoutId, "Restore layouts"},
-                                      {kRecursiveId, "Search subfolders"}})
-            EXPECT_EQ(Button(*dialog, id)->toolTip(), tip);
+        QString names = GetDlgItem(*dialog, kStatusId)->accessibleName();
+        for (QWidget const *const part : round)
+            names += "|" + part->accessibleName();
+        EXPECT_EQ(names, "Selected|Folders|Hierarchy||Items|Go to folder|File Name Filter|File Type|Folders");
+        QString tips;
+        for (int const id : {kHomeId, kFavoritesId, kRestoreLayoutId, kRecursiveId})
+            tips += Button(*dialog, id)->toolTip() + "|";
+        EXPECT_EQ(tips, "Show Data Source panel|Add to favorites|Restore layouts|Search subfolders|");
         round[0]->setFocus();
         for (std::size_t i = 1; i < std::size(round); ++i) {
             QTest::keyClick(dialog->focusWidget(), Qt::Key_Tab);

@@ -262,7 +262,10 @@ TEST(TreeView, AnEditedLabelIsTakenOverOnlyIfSomebodySaysSo) {
     tree.GetEditControl()->setText("newer");
     EXPECT_EQ(tree.EditLabel(nullptr), nullptr);
     EXPECT_EQ(tree.GetItemText(item), "newer");
-    tree.EditLabel(item)->setText("newest");
+    QLineEdit &line = *tree.EditLabel(item);
+    line.setText("a label with more room");
+    EXPECT_GE(line.width(), line.fontMetrics().horizontalAdvance(line.text()));
+    line.setText("newest");
     QFocusEvent menu(QEvent::FocusOut, Qt::PopupFocusReason);
     QApplication::sendEvent(tree.GetEditControl(), &menu);
     EXPECT_NE(tree.GetEditControl(), nullptr) << "its own menu is open";

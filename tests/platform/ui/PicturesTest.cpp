@@ -3,7 +3,6 @@
 #include "support/GuiTest.h"
 #include "zelvar/platform/ui/PaletteColors.h"
 #include "zelvar/platform/ui/SystemColor.h"
-#include "zelvar/platform/ui/Text.h"
 
 #include <QtCore/QBuffer>
 #include <QtGui/QBitmap>
@@ -152,12 +151,6 @@ TEST(Pictures, ADisabledIconIsPaler) {
     auto const ink = [&icon](QIcon::Mode mode) { return Ink(icon.pixmap(QSize(24, 24), 1, mode)); };
     EXPECT_GT(ink(QIcon::Disabled), 0);
     EXPECT_LT(ink(QIcon::Disabled), ink(QIcon::Normal) / 2);
-}
-
-TEST(Text, BytesThatAreNotTextShowAsReplacementCharacters) {
-    EXPECT_EQ(ToQString("caf\xc3\xa9"), QStringLiteral("caf\u00e9"));
-    EXPECT_EQ(ToQString("\xff!"), QStringLiteral("\ufffd!"));
-    EXPECT_EQ(ToDString(QStringLiteral("\u00e9")), "\xc3\xa9");
 }
 
 TEST(SystemColor, ColoursKeepRedInTheLowestByte) {
