@@ -49,7 +49,7 @@ unsigned UpperCode(unsigned code) {
     }
     auto const *const block = std::lower_bound(std::begin(kAlternating), std::end(kAlternating), code,
                                                [](AlternatingBlock const &b, unsigned c) { return b.last < c; });
-    if (block != std::end(kAlternating) && code >= block->first && (code - block->first) % 2 == 1)
+    if (block != std::end(kAlternating) && code >= block->first && code % 2 != block->first % 2)
         return code - 1;
     return code;
 }

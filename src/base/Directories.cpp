@@ -2,10 +2,11 @@
 
 #include "zelvar/base/PathStyle.h"
 
-#include <array>
 #include <cstdlib>
+#include <filesystem>
 #include <memory>
 #include <optional>
+#include <system_error>
 
 #include <dlfcn.h>
 #include <unistd.h>
@@ -29,9 +30,8 @@ DString OwnFile() {
     if (dladdr(reinterpret_cast<void const *>(&GetInstallDir), &info) != 0 && info.dli_fname != nullptr &&
         info.dli_fname[0] == '/')
         return info.dli_fname;
-    std::array<char, 4096> buffer{};
-    ssize_t const length = readlink("/proc/self/exe", buffer.data(), buffer.size());
-    return length > 0 ? DString(buffer.data(), static_cast<std::size_t>(length)) : DString();
+    std::error_code error;
+    return std::filesystem::read_symlink("/proc/self/exe", error).string();
 }
 
 /// The folder above the file that holds the shared data; empty if none does.

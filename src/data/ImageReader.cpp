@@ -87,9 +87,9 @@ bool ReadChannels(OpenImage const &image, ImageInfo const &info, StopSignal cons
 
 bool ReadPicture(OpenImage const &image, StopSignal const *stop, DCanvas &canvas, Enlarge enlarge) {
     ImageInfo const info = Describe(image);
-    if (info.width < 1 || info.height < 1 || info.channels < 1 || IsStopped(stop))
-        return false;
     int const longer = std::max(info.height, info.width);
+    if (longer < 1)
+        return false;
     double const scale =
         enlarge == Enlarge::No && longer < kLongerSide ? 1.0 : static_cast<double>(kLongerSide) / longer;
     canvas.SetSize(static_cast<int>(info.width * scale), static_cast<int>(info.height * scale));

@@ -6,6 +6,7 @@
 
 #include <memory>
 #include <tuple>
+#include <utility>
 
 namespace zelvar::tool {
 
@@ -27,8 +28,7 @@ int Export(DString const &file, DString const &key) {
         return Failure("there is no key '" + key + "'");
     // What could not be read again is no export.
     DString reason;
-    DString const text = snapshot->SaveText(&reason);
-    snapshot.reset();
+    DString const text = std::exchange(snapshot, nullptr)->SaveText(&reason);
     if (text.empty() || !XMLNode().LoadText(text, &reason))
         return Failure("the settings cannot be written as XML: " + reason);
     return DFile(file).WriteAtomically(text) ? kDone : Failure("cannot write '" + file + "'");

@@ -120,16 +120,13 @@ Token XMLScanner::Next() {
     }
     if (KindAt(m_xml, m_at + 1) == kNameStart)
         return OpenTag();
-    switch (m_at + 1 < m_xml.size() ? m_xml[m_at + 1] : '\0') {
-    case '/':
+    if (IsAt(m_xml, m_at + 1, '/'))
         return CloseTag();
-    case '?':
+    if (IsAt(m_xml, m_at + 1, '?'))
         return Question();
-    case '!':
+    if (IsAt(m_xml, m_at + 1, '!'))
         return Exclamation();
-    default:
-        return Break("no tag begins like this");
-    }
+    return Break("no tag begins like this");
 }
 
 Token XMLScanner::Break(char const *reason) {

@@ -86,6 +86,13 @@ TEST_P(GalleryPage, IsPainted) {
         for (int x = 0; x < picture.width(); ++x)
             colors.insert(picture.pixel(x, y));
     EXPECT_GT(colors.size(), 8U);
+    for (QWidget const *const widget : Shown().findChildren<QWidget *>()) {
+        auto const *const button = qobject_cast<QAbstractButton const *>(widget);
+        QString const name = button != nullptr && !button->text().isEmpty() ? button->text() : widget->accessibleName();
+        EXPECT_TRUE(qobject_cast<QToolButton const *>(button) || name.isEmpty() ||
+                    !widget->parentWidget()->isEnabled() || widget->isEnabled() != name.startsWith(u"Disabled"))
+            << name.toStdString();
+    }
     test::Shot(m_gallery, QStringLiteral("gallery-%1").arg(QLatin1String(GetParam().name)));
 }
 
@@ -111,6 +118,15 @@ std::map<std::string, std::string> const kTranscripts = {
                     "behind] [Sort] [Delete] [Enabled] "},
     {"prop-list", "F2 or Enter begins to edit, Escape gives up, Tab goes on; [Alphabetic] [Enabled] [Reset all] All "
                   "values are the original ones; "},
+    {"groups", "[Options unfolded] Unfolded; "},
+    {"tabs", "Shown: Image; [Second tab] [Enabled] "},
+    {"flex-list",
+     "Headings sort; a double-click edits a name or a wavelength; [Edit the first cell] Row 0: 461; Row 2: "
+     "GFP; Row 3: 610; Row 4: 670; [Tinted] [Enabled] "},
+    {"image-file", "Another file is shown when its name is entered; "},
+    {"drawing", "Samples from 400 to 1720, three standard deviations of them spread over 0 to 255; "},
+    {"message-box", "Nothing was asked yet; Answer 6: Yes; "},
+    {"node-selector", "Nothing was picked yet; Cancelled; "},
     {"image-list", "Drawn 24 pixels wide; the indexes are the same; [Enabled] "},
 };
 

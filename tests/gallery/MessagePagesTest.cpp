@@ -104,6 +104,18 @@ TEST(DialogPages, ALayoutOfBarsComesBackOnceItIsSaved) {
     }
 }
 
+TEST(DialogPages, TheDynamicDialogIsFilledInAndSaysHowItWasLeft) {
+    DialogPage layout("layout");
+    for (auto const &[id, said] :
+         {std::pair{1, "OK; the dialog comes back where it was and as large"}, {2, "Cancelled"}})
+        EXPECT_EQ(layout.Open("&Open as a dialog",
+                              [id = id](QWidget &dialog) {
+                                  EXPECT_EQ(platform::GetDlgItem<QLineEdit>(dialog, 101)->text(), "Nuclei, plate 3");
+                                  test::Click(platform::GetDlgItem(dialog, id));
+                              }),
+                  said);
+}
+
 TEST(DialogPages, PanesAreSplitWhileThereIsRoom) {
     DialogPage const panes("splitter");
     char const *const none = "There is no room for more";

@@ -69,6 +69,8 @@ TEST_F(DataSourceRepositoryTest, ABrokenFileIsToldOnceAndTheOthersLoad) {
     EXPECT_THAT(m_told.Take(), ElementsAre("Connections configuration can not be read (" +
                                            (m_folder / "connections.xml") + "). Check it's validity."));
     EXPECT_EQ(definitions.GetFile(0).file.GetName(), "a.xml");
+    std::filesystem::remove(m_folder / "a.xml");
+    EXPECT_FALSE(DataSourceDefinitions().Load()) << "nothing was read";
 }
 
 TEST_F(DataSourceRepositoryTest, MissingDirectoriesGiveEmptyRepositoriesWithoutAWord) {

@@ -262,6 +262,14 @@ TEST_F(ReaderServer, PixelsGoIntoTheMemoryThatCameLast) {
     int const unsealed = open("/dev/null", O_RDWR | O_CLOEXEC);
     EXPECT_EQ(read(unsealed), "no memory for the pixels");
     close(unsealed);
+    auto request = ReadPixels(ImageSpec(1, "RASTER", "/a"), 32);
+    request.resampling = 2;
+    for (bool const clips : {false, true}) {
+        request.clip = clips;
+        request.usePyramid = !clips;
+        EXPECT_EQ(FailureOf(request, memory->File()), "not failed");
+        EXPECT_EQ(raster.how, (std::tuple(2, !clips, clips)));
+    }
 }
 
 TEST_F(ReaderServer, PixelsThroughAPaletteAreThreeBytesEach) {

@@ -57,7 +57,7 @@ public:
         // Far from those that this process uses, so that none is overwritten before it is copied.
         std::vector<std::pair<int, int>> inherited{{pair.ends[1], 100}, {m_status->File(), 101}};
         if (heirloom >= 0)
-            inherited.emplace_back(heirloom, 102);
+            inherited.insert(inherited.end(), {{heirloom, 99}, {heirloom, 102}});
         m_process = SpawnReader({"100", "101", std::move(reach), std::move(module)}, inherited);
         close(pair.ends[1]);
     }

@@ -12,6 +12,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <tuple>
 #include <vector>
 
 namespace zelvar::test {
@@ -249,6 +250,7 @@ public:
     std::atomic<int> opens{0};
     std::atomic<int> closes{0};
     std::atomic<int> reads{0};
+    std::tuple<int, bool, bool> how; ///< the last block was asked for: resampling, pyramid, clip
     /// Texts of the monikers opened, in order. Not while a worker opens.
     std::vector<DString> opened;
 
@@ -287,10 +289,11 @@ public:
     }
 
     bool ReadBlockRsmpl(void *handle, int channel, double x, double y, double width, double height, void *buffer,
-                        int outWidth, int outHeight, int, bool, bool) override {
+                        int outWidth, int outHeight, int resampling, bool usePyramid, bool clip) override {
         auto const *open = static_cast<Handle *>(handle);
         readGate.Pass(open->stop);
         ++reads;
+        how = {resampling, usePyramid, clip};
         if (open->image->readFails || (open->stop != nullptr && open->stop->load()))
             return false;
         auto *out = static_cast<unsigned char *>(buffer);

@@ -272,6 +272,30 @@ TEST(TmtcListCtrl, KeysWorkOnlyWhenTold) {
     QTest::keyClick(&stage.list, Qt::Key_Up); // c is read only
     QTest::keyClick(&stage.list, Qt::Key_Delete);
     EXPECT_EQ(stage.group->GetNumItem(), 2);
+    QTest::keyClick(&stage.list, Qt::Key_End);
+    QTest::keyClick(&stage.list, Qt::Key_Delete);
+    EXPECT_EQ(stage.list.GetFocusElmt(), stage.empty) << "nothing came into the place of the last";
+}
+
+TEST(TmtcListCtrl, ADottedFrameShowsWhereTheKeyboardIs) {
+    ListStage stage;
+    stage.list.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&stage.list));
+    for (auto const &[key, at] :
+         {std::pair{Qt::Key_Home, stage.group->StripRect()}, {Qt::Key_End, stage.single->GetRect()}}) {
+        QImage const without = test::PictureOf(stage.list);
+        stage.list.SetKeyboardControl(true);
+        stage.list.setFocus();
+        QTest::keyClick(&stage.list, key);
+        QImage const with = test::PictureOf(stage.list);
+        stage.list.SetKeyboardControl(false);
+        QRect frame;
+        for (int i = 0; i < with.width() * with.height(); ++i)
+            if (QPoint const place(i % with.width(), i / with.width()); with.pixel(place) != without.pixel(place))
+                frame |= QRect(place, QSize(1, 1));
+        QRect const expected(at.left + 2, at.top + 2, at.Width() - 5, at.Height() - 4);
+        EXPECT_TRUE(expected.contains(frame) && frame.contains(expected.adjusted(2, 2, -2, -2)));
+    }
 }
 
 TEST(TmtcListCtrl, ScreenReadersSeeAndWorkIt) {

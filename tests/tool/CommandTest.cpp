@@ -154,6 +154,7 @@ TEST_F(Command, ExitCodesTellUsageFromFailure) {
         {{"info", folder / "nowhere.tif"}, 3},
         {{"info", folder / "grey.tif", "--preview"}, 2},
         {{"info", folder / "grey.tif", "--preview", folder / "no/folder/p.png"}, 3},
+        {{"info", folder / "grey.tif", "--preview", "/dev/full"}, 3},
         {{"sources", "more"}, 2},
         {{"open", folder / "nowhere"}, 3},
         {{"open", folder.Path(), "--for", "nothing"}, 2},

@@ -13,6 +13,7 @@
 #include <mutex>
 #include <optional>
 #include <unordered_map>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -196,14 +197,13 @@ std::optional<Subject> OnServer(DString const &address) {
     thread_local Last last;
     if (last.address == address && Clock::now() < last.until)
         return last.found;
-    last.address = address;
-    last.found.reset();
     auto const parsed = platform::ParseSmbAddress(address);
     auto const entry = parsed ? platform::SmbClient::Instance().Stat(*parsed) : std::nullopt;
+    std::optional<Subject> found;
     if (entry && entry->kind == platform::ShellKind::File)
-        last.found = Subject{.key = {.address = address},
-                             .state = {static_cast<off_t>(entry->times.size), entry->times.modified, 0}};
-    last.until = Clock::now() + kHolds;
+        found = Subject{.key = {.address = address},
+                        .state = {static_cast<off_t>(entry->times.size), entry->times.modified, 0}};
+    last = {address, Clock::now() + kHolds, std::move(found)};
     return last.found;
 }
 

@@ -226,6 +226,19 @@ TEST_F(Readers, BothSidesOfAForkReadTheirOwnPixels) {
     EXPECT_EQ(CountReaders().started, started);
 }
 
+TEST_F(Readers, WarmOnesAreOneForListingsAndOneForPixels) {
+    EndReaders();
+    int const before = CountReaders().started;
+    WarmReaders();
+    EXPECT_EQ(CountReaders().alive, 2);
+    EXPECT_TRUE(test::OpenedTree(Write("tree", "members 3\n")) && Image(Write("a", "")));
+    EXPECT_EQ(CountReaders().started - before, 2);
+    EndReaders();
+    UseOwnProcessDrivers();
+    WarmReaders();
+    EXPECT_EQ(CountReaders().alive, 0);
+}
+
 TEST_F(Readers, WithoutAProgramThereAreNoDriversAndNoStorm) {
     for (char const *program : {"/nowhere/zelvar-reader", "/bin/true"}) {
         EndReaders();
