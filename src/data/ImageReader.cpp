@@ -88,7 +88,7 @@ bool ReadChannels(OpenImage const &image, ImageInfo const &info, StopSignal cons
 bool ReadPicture(OpenImage const &image, StopSignal const *stop, DCanvas &canvas, Enlarge enlarge) {
     ImageInfo const info = Describe(image);
     int const longer = std::max(info.height, info.width);
-    if (longer < 1)
+    if (longer < 1 || info.channels < 1 || IsStopped(stop))
         return false;
     double const scale =
         enlarge == Enlarge::No && longer < kLongerSide ? 1.0 : static_cast<double>(kLongerSide) / longer;
