@@ -29,11 +29,8 @@ void ThematicBitmap::SetBitmap(QPixmap picture) {
 
 void ThematicBitmap::SetBitmap(char const *file) {
     QPixmap picture;
-    if (file != nullptr && *file != '\0' && !DFile(file).IsDirectory()) {
-        QImageReader reader(QFile::decodeName(file));
-        reader.setDecideFormatFromContent(true);
-        picture = QPixmap::fromImage(reader.read());
-    }
+    if (file != nullptr && *file != '\0' && !DFile(file).IsDirectory())
+        picture = QPixmap::fromImage(QImageReader(QFile::decodeName(file)).read());
     SetBitmap(std::move(picture));
 }
 

@@ -155,10 +155,9 @@ TEST_F(BadInput, PipesAndDevicesAreNeverOpened) {
     for (char const *text : {"/vsistdin/", "/vsizip//vsistdin/", "GTIFF_DIR:1:/vsistdin/", "/dev/zero"})
         EXPECT_FALSE(LookAtAll(text)) << text;
     std::ignore = WriteSamples();
-    for (DString const &text : {"GTIFF_DIR:1:/vsisubfile/0_9," + (m_folder / "plain.tif"),
-                                "/vsizip/" + (m_folder / "a.zip") + "/vsistdin/", // though something lies there
-                                "/vsizip/" + (m_folder / "a.zip") + "/vsimem/b.tif"})
-        EXPECT_THAT(test::OpenedImage(text).error.Text(), HasSubstr("is not there")) << text;
+    for (char const *inside : {"/vsistdin/", "/vsimem/b.tif"})
+        EXPECT_THAT(test::OpenedImage("/vsizip/" + (m_folder / "a.zip") + inside).error.Text(),
+                    HasSubstr("is not there"));
     // A pipe beside an image, where GDAL would look for more of it.
     test::WriteImage(m_folder / "image.tif");
     EXPECT_TRUE(LookAtAll(m_folder / "image.tif"));

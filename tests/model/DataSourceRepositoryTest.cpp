@@ -69,8 +69,21 @@ TEST_F(DataSourceRepositoryTest, ABrokenFileIsToldOnceAndTheOthersLoad) {
     EXPECT_THAT(m_told.Take(), ElementsAre("Connections configuration can not be read (" +
                                            (m_folder / "connections.xml") + "). Check it's validity."));
     EXPECT_EQ(definitions.GetFile(0).file.GetName(), "a.xml");
-    std::filesystem::remove(m_folder / "a.xml");
-    EXPECT_FALSE(DataSourceDefinitions().Load()) << "nothing was read";
+}
+
+TEST_F(DataSourceRepositoryTest, ReadingAFileTellsWhetherItWasRead) {
+    struct : DataSourceTemplates {
+        using DataSourceTemplates::LoadFromXMLFile;
+    } templates;
+    for (auto const &[path, isRead, files] :
+         test::Rows<DString, bool, unsigned>{{m_folder.Write("a.xml", "<a/>"), true, 1U},
+                                             {m_folder.Write("b.xml", "<a>"), false, 1U},
+                                             {m_folder / "none.xml", false, 2U}}) {
+        EXPECT_EQ(templates.LoadFromXMLFile(path.c_str(), true), isRead) << path;
+        EXPECT_EQ(templates.GetNumFiles(), files) << path;
+    }
+    EXPECT_FALSE(templates.LoadFromXMLFile(nullptr, true));
+    EXPECT_TRUE(!templates.LoadFromXMLFile("/none.xml", false) && templates.GetNumFiles() == 2U);
 }
 
 TEST_F(DataSourceRepositoryTest, MissingDirectoriesGiveEmptyRepositoriesWithoutAWord) {

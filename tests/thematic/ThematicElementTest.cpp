@@ -107,10 +107,10 @@ TEST(ThematicHyperlink, IsALinkOrPlainText) {
 
 TEST(ThematicBitmap, IsWhatCanBeLoaded) {
     test::TempFolder const folder;
-    DString const file = folder / "green.bmp"; // which its name says, and not what it is
+    DString const file = folder / "green.png"; // which its name says, and not what it is
     QImage green(4, 4, QImage::Format_RGB32);
     green.fill(Qt::green);
-    ASSERT_TRUE(green.save(QString::fromStdString(file), "PNG"));
+    ASSERT_TRUE(green.save(QString::fromStdString(file), "BMP"));
     ThematicBitmap bitmap;
     bitmap.SetRect(kPlace);
     bitmap.SetBitmap(file.c_str());
