@@ -2,8 +2,6 @@
 #include "support/TableFiles.h"
 #include "support/Test.h"
 
-#include <filesystem>
-
 namespace zelvar {
 namespace {
 
@@ -53,12 +51,23 @@ TEST_F(TableCommand, LayersAreChosenByName) {
         EXPECT_EQ(Zelvar({"table", book, "--print", "--rows", odd}).exitCode, 2) << odd;
 }
 
-TEST_F(TableCommand, PicturesAreTakenWithoutAScreen) {
+TEST_F(TableCommand, PicturesShowWhatIsAskedForWithoutAScreen) {
     DString const shot = m_folder / "t.png";
-    Outcome const outcome =
-        Zelvar({"table", m_table, "--sort", "x", "--select", "2", "--shot", shot, "--size", "300x200"}, kOffscreen);
-    EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
-    EXPECT_GT(std::filesystem::file_size(shot), 1000U);
+    std::set<std::string> pictures;
+    std::vector<std::vector<std::string>> const cases = {{},
+                                                         {"--rows", "2"},
+                                                         {"--sort", "x"},
+                                                         {"--sort", "x", "--descending"},
+                                                         {"--select", "2"},
+                                                         {"--sort", "x", "--select", "2"},
+                                                         {"--size", "300x150"}};
+    for (std::vector<std::string> const &options : cases) {
+        std::vector<std::string> words{"table", m_table, "--shot", shot, "--size", "300x200"};
+        words.insert(words.end(), options.begin(), options.end());
+        Outcome const outcome = Zelvar(words, kOffscreen);
+        EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
+        EXPECT_TRUE(pictures.insert(test::ReadFile(shot)).second) << testing::PrintToString(options);
+    }
 }
 
 TEST_F(TableCommand, WhatCannotBeDoneIsTold) {
