@@ -56,7 +56,20 @@ TEST(XMLNode, RefusesWhatIsNotAWholeDocumentAndStaysAsItWas) {
         {"hidden end by a number of 33 bits", "<a>x&#4294967296;y</a>", "NUL"},
         {"the same in hexadecimal", "<a>x&#xA00000000;y</a>", "NUL"},
         {"entities", "<!DOCTYPE a [<!ENTITY x 'xx'><!ENTITY y '&x;&x;'>]><a>&y;</a>", "entity"},
-        {"open document type", "<!DOCTYPE a [<a/>", "line 1: "},
+        {"open document type", "<!DOCTYPE a [<a/>", "a broken document type"},
+        {"no name", "<1/>", "no tag begins like this"},
+        {"another declaration", "<!ELEMENT a><a/>", "no tag begins like this"},
+        {"no value", "<a b/>", "a broken attribute"},
+        {"no quote", "<a b=1/>", "a broken attribute"},
+        {"an open quote", "<a b='1/>", "a broken attribute"},
+        {"no blank before an attribute", "<a b='1'c='2'/>", "a broken attribute"},
+        {"a blank in the end", "<a/ >", "a broken start tag"},
+        {"an attribute in the end", "<a></a b>", "a broken end tag"},
+        {"no name of an instruction", "<?1?><a/>", "a broken instruction"},
+        {"no blank in an instruction", "<?a,b?><a/>", "a broken instruction"},
+        {"an open instruction", "<?a b><a/>", "an instruction without an end"},
+        {"an open comment", "<!--><a/>", "a comment without an end"},
+        {"an open section", "<a><![CDATA[x]]</a>", "a section of text without an end"},
         {"hidden end in UTF-16", Utf16("<a>x\0y</a>"sv), "NUL"},
         {"hidden end in UTF-32, by its number", Utf16("<a>x&#0;y</a>"sv, 4), "NUL"},
         {"half a pair in UTF-16", Utf16("<a>x</a>"sv) + "\xD8", "not what its encoding allows"},
@@ -99,6 +112,7 @@ TEST(XMLNode, WhatIsSavedLoadsAgainAsTheSame) {
              "<a><!----><!-->--></a>",
              "<?one?><?two  ? >?><a/><?three x?>",
              "<!DOCTYPE a [<!ELEMENT a ANY><!-- ]> -->]><a/>",
+             "<!DOCTYPE a [<!ATTLIST a b CDATA '>'><?x ]>?><![INCLUDE[<![IGNORE[>]]>]]>]><a b = '1' c=\"'\"></a >",
              "<a><![CDATA[]]]]><![CDATA[>]]><![CDATA[]]></a>",
              "<a b='&#9;&#10;&#13;&apos;\"&gt;' c=' '/>",
              "<a>one<b/> <c/>two&#13;\n</a>",
@@ -121,6 +135,16 @@ TEST(XMLNode, WhatIsSavedLoadsAgainAsTheSame) {
         EXPECT_EQ(second.GetAttrStr("b"), first.GetAttrStr("b"));
         EXPECT_EQ(first.Copy()->SaveText(), saved);
     }
+}
+
+TEST(XMLNode, ReferencesAndEndsOfLinesAreRead) {
+    XMLNode node;
+    ASSERT_TRUE(
+        node.LoadText("<a b='x\r\ny\tz&#10;&#xe9;&#xE9;'>&#65;&#x7f;&#128;&#x7FF;&#x800;&#xFFFD;&#x10000;&#x10FFFF;"
+                      "&lt;&gt;&quot;&apos;&amp;lt; &Amp;&#;&#x;&#xg;&#1\r\nx\ry</a>"));
+    EXPECT_EQ(node.GetText(), "A\x7F\xC2\x80\xDF\xBF\xE0\xA0\x80\xEF\xBF\xBD\xF0\x90\x80\x80\xF4\x8F\xBF\xBF<>\"'"
+                              "&lt; &Amp;&#;&#x;&#xg;&#1\nx\ny");
+    EXPECT_EQ(node.GetAttrStr("b"), "x y z\n\xC3\xA9\xC3\xA9");
 }
 
 TEST(XMLNode, ACopyAndWhatIsTakenOutGoTheirOwnWay) {
