@@ -134,6 +134,8 @@ TEST(XMLNode, WhatIsSavedLoadsAgainAsTheSame) {
         EXPECT_EQ(second.GetText(), first.GetText());
         EXPECT_EQ(second.GetAttrStr("b"), first.GetAttrStr("b"));
         EXPECT_EQ(first.Copy()->SaveText(), saved);
+        EXPECT_TRUE(second.DelChld(second.AddChld("new"))); // the children are no longer those of the text
+        EXPECT_EQ(second.SaveText(), saved);
     }
 }
 
@@ -193,9 +195,12 @@ TEST(XMLNode, WhatNoXmlHoldsIsNotSaved) {
     XMLNode parted;
     ASSERT_TRUE(parted.LoadText("<a><!--x--y---></a>"));
     EXPECT_NE(parted.SaveText().find("<!--x- -y- -->"), DString::npos) << parted.SaveText();
-    XMLNode twice;
-    ASSERT_TRUE(twice.LoadText("<a x='1' y='2' x='3'/>"));
-    EXPECT_EQ(twice.SaveText(), "");
+    for (char const *more : {"", " b='' c='' d='' e='' f='' g='' h=''"}) {
+        XMLNode twice;
+        ASSERT_TRUE(twice.LoadText(DString("<a x='1' y='2'") + more + " x='3'/>"));
+        EXPECT_EQ(twice.SaveText(), "");
+        EXPECT_EQ(twice.Copy()->SaveText(), "");
+    }
 }
 
 TEST(XMLNode, OtherEncodingsBecomeUtf8) {
