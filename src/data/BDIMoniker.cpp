@@ -1,5 +1,6 @@
 #include "zelvar/data/BDIMoniker.h"
 
+#include "zelvar/base/Hex.h"
 #include "zelvar/base/PathStyle.h"
 #include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/data/RequestScope.h"
@@ -95,45 +96,32 @@ std::size_t FolderLength(DString const &path) {
     return 0;
 }
 
-int HexValue(char c) {
-    if (c >= '0' && c <= '9')
-        return c - '0';
-    char const lower = static_cast<char>(c | 0x20);
-    return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
-}
-
 } // namespace
 
 DString PercentDecoded(std::string_view text) {
     DString out;
     out.reserve(text.size());
     for (std::size_t i = 0; i < text.size(); ++i) {
-        int const high = text[i] == '%' && i + 2 < text.size() ? HexValue(text[i + 1]) : -1;
-        int const low = high >= 0 ? HexValue(text[i + 2]) : -1;
-        if (low < 0) {
+        std::optional<DString> const byte = text[i] == '%' ? HexDecode(text.substr(i + 1, 2)) : std::nullopt;
+        if (!byte || byte->empty()) {
             out += text[i];
             continue;
         }
-        out += static_cast<char>(high * 16 + low);
+        out += *byte;
         i += 2;
     }
     return out;
 }
 
 DString PercentEncoded(std::string_view text, bool keepSlashes) {
-    static constexpr std::string_view kHex = "0123456789ABCDEF";
     DString out;
     for (char const c : text) {
-        auto const byte = static_cast<unsigned char>(c);
         bool const plain = (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') ||
                            std::string_view("-._~").find(c) != kNone || (keepSlashes && c == '/');
-        if (plain) {
+        if (plain)
             out += c;
-        } else {
-            out += '%';
-            out += kHex[byte >> 4U];
-            out += kHex[byte & 15U];
-        }
+        else
+            out += '%' + HexEncode({&c, 1});
     }
     return out;
 }

@@ -167,6 +167,7 @@ TEST(Moniker, PercentEscapesGoBothWays) {
     EXPECT_EQ(PercentDecoded("%4") + PercentDecoded("%41%"), "%4A%");
     EXPECT_EQ(PercentEncoded("a b/\xC3\xA4&=?"), "a%20b%2F%C3%A4%26%3D%3F");
     EXPECT_EQ(PercentEncoded("a/b", true), "a/b");
+    EXPECT_EQ(PercentEncoded("azAZ09-._~`{@[/:\x01"), "azAZ09-._~%60%7B%40%5B%2F%3A%01");
 }
 
 } // namespace

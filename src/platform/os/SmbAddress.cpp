@@ -1,18 +1,12 @@
 #include "zelvar/platform/os/SmbAddress.h"
 
+#include "zelvar/base/Hex.h"
+
 namespace zelvar::platform {
 
 namespace {
 
 constexpr std::string_view kScheme = "smb://";
-
-int HexDigit(char c) {
-    if (c >= '0' && c <= '9')
-        return c - '0';
-    if (c >= 'a' && c <= 'f')
-        return c - 'a' + 10;
-    return c >= 'A' && c <= 'F' ? c - 'A' + 10 : -1;
-}
 
 std::optional<DString> Unescaped(std::string_view text) {
     DString plain;
@@ -21,11 +15,10 @@ std::optional<DString> Unescaped(std::string_view text) {
             plain += text[i];
             continue;
         }
-        int const high = i + 2 < text.size() ? HexDigit(text[i + 1]) : -1;
-        int const low = i + 2 < text.size() ? HexDigit(text[i + 2]) : -1;
-        if (high < 0 || low < 0 || high + low == 0)
+        std::optional<DString> const byte = HexDecode(text.substr(i + 1, 2));
+        if (!byte || byte->empty() || byte->front() == '\0')
             return std::nullopt;
-        plain += static_cast<char>(high * 16 + low);
+        plain += *byte;
         i += 2;
     }
     return plain;
@@ -56,14 +49,11 @@ std::optional<SmbAddress> ParseSmbAddress(std::string_view text) {
 
 DString EscapedSmbPart(std::string_view part) {
     constexpr std::string_view kSpecial = "%?#\"<>\\^`{|} ";
-    constexpr std::string_view kDigits = "0123456789ABCDEF";
     DString escaped;
     for (char const c : part) {
         auto const byte = static_cast<unsigned char>(c);
         if (byte < 0x20 || byte == 0x7F || kSpecial.find(c) != std::string_view::npos) {
-            escaped += '%';
-            escaped += kDigits[byte >> 4U];
-            escaped += kDigits[byte & 0xFU];
+            escaped += '%' + HexEncode({&c, 1});
         } else {
             escaped += c;
         }

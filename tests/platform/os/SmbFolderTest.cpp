@@ -22,7 +22,7 @@ TEST(SmbAddress, IsTakenApartAndPutTogether) {
     SmbAddress const address = ParseSmbAddress("SMB://me@host:1445//share/a%20b%25/%C3%A9.tif/").value();
     EXPECT_EQ(address.authority, "me@host:1445");
     EXPECT_THAT(address.parts, ElementsAre("share", "a b%", "\xC3\xA9.tif"));
-    EXPECT_EQ(EscapedSmbPart("a b%?#\n\xC3\xA9"), "a%20b%25%3F%23%0A\xC3\xA9");
+    EXPECT_EQ(EscapedSmbPart("a b%?#\n\x1F\x7E\x7F\xC3\xA9"), "a%20b%25%3F%23%0A%1F~%7F\xC3\xA9");
 }
 
 TEST(SmbAddress, RefusesTheWholeNetworkAndWhatLeavesAShare) {
