@@ -63,9 +63,9 @@ TEST(RoundRectGradient, AnEmptyRectangleDrawsNothingAndNoRadiusAllOfIt) {
     Paper paper(30, 30);
     RoundRectGradient(&paper.painter, {10, 10, 11, 20}, 3, 0, 0, true, 2, 0);
     EXPECT_TRUE(InkOf(paper.image).isEmpty());
-    RoundRectGradient(&paper.painter, {10, 10, 21, 20}, 0, 0, 0, true, 0, 0);
-    EXPECT_EQ(InkOf(paper.image), QRect(10, 10, 10, 10));
-    for (QPoint const corner : {QPoint(10, 10), QPoint(19, 10), QPoint(19, 19), QPoint(10, 19)})
+    RoundRectGradient(&paper.painter, {10, 5, 21, 20}, 0, 0, 0, true, 0, 0);
+    EXPECT_EQ(InkOf(paper.image), QRect(10, 5, 10, 15));
+    for (QPoint const corner : {QPoint(10, 5), QPoint(19, 5), QPoint(19, 19), QPoint(10, 19)})
         EXPECT_EQ(paper.image.pixel(corner), qRgb(0, 0, 0));
 }
 

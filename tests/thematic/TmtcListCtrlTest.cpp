@@ -320,6 +320,7 @@ TEST(TmtcListCtrl, ScreenReadersSeeAndWorkIt) {
     EXPECT_EQ(StatesOf(group), "expandable expanded");
     EXPECT_EQ(StatesOf(list->child(1)), "");
     EXPECT_EQ(StatesOf(a->child(0)) + "|" + StatesOf(a->child(1)), "disabled|") << "it cannot move up";
+    EXPECT_TRUE(a->child(0)->actionInterface()->actionNames().isEmpty());
     stage->list.SetKeyboardControl(true);
     stage->list.SetEnblGrpSlct(true);
     stage->a->SetVisible(false);

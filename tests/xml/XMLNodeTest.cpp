@@ -315,7 +315,11 @@ TEST(XMLNode, ReadsAttributesByType) {
     EXPECT_FALSE(node.GetAttrBool("f", true));
     EXPECT_TRUE(node.GetAttrBool("x", true));
     EXPECT_TRUE(node.GetAttrBool("absent", true));
-    EXPECT_EQ(node.GetAttrInt("i"), 12);
+    EXPECT_TRUE(node.GetAttrInt("i") == 12 && node.GetAttrUnt("i", 7) == 12 && node.GetAttrUnt("d", 7) == 7);
+    for (bool const value : {false, true}) {
+        node.SetAttrBool("x", value);
+        EXPECT_EQ(node.GetAttrBool("x", !value), value);
+    }
     EXPECT_EQ(node.GetAttrDouble("d"), -1500.0);
     EXPECT_FALSE(node.HasAttr(nullptr));
     node.SetAttrInt("i", INT64_MIN);
