@@ -123,7 +123,6 @@ std::map<std::string, std::string> const kTranscripts = {
     {"flex-list",
      "Headings sort; a double-click edits a name or a wavelength; [Edit the first cell] Row 0: 461; Row 2: "
      "GFP; Row 3: 610; Row 4: 670; [Tinted] [Enabled] "},
-    {"image-file", "Another file is shown when its name is entered; "},
     {"drawing", "Samples from 400 to 1720, three standard deviations of them spread over 0 to 255; "},
     {"message-box", "Nothing was asked yet; Answer 6: Yes; "},
     {"node-selector", "Nothing was picked yet; Cancelled; "},

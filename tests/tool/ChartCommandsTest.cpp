@@ -30,18 +30,13 @@ TEST_F(ChartCommands, HistogramPrintsEdgesAndCountsOfABandOrAColumn) {
 TEST_F(ChartCommands, PicturesShowWhatIsAskedForWithoutAScreen) {
     DString const shot = m_folder / "c.png";
     std::set<std::string> pictures;
-    std::vector<std::vector<std::string>> const cases = {
-        {"histogram", m_table, "--column", "x"},
-        {"histogram", m_table, "--column", "y"},
-        {"histogram", m_table, "--column", "x", "--click", "100,150"},
-        {"plot", m_table, "--x", "x", "--y", "y"},
-        {"plot", m_table, "--x", "x", "--y", "y", "--line"},
-        {"plot", m_table, "--x", "x", "--y", "y", "--size", "310x200"}};
-    for (std::vector<std::string> words : cases) {
-        words.insert(words.begin() + 1, {"--size", "300x200", "--shot", shot});
+    for (char const *command : {"histogram --column x", "histogram --column y", "histogram --column x --click 100,150",
+                                "plot --x x --y y", "plot --x x --y y --line", "plot --x x --y y --size 310x200"}) {
+        std::vector<DString> words = Split(command, ' ');
+        words.insert(words.begin() + 1, {m_table, "--size", "300x200", "--shot", shot});
         Outcome const outcome = Zelvar(words, "QT_QPA_PLATFORM=offscreen");
         EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
-        EXPECT_TRUE(pictures.insert(test::ReadFile(shot)).second) << testing::PrintToString(words);
+        EXPECT_TRUE(pictures.insert(test::ReadFile(shot)).second) << command;
     }
     EXPECT_EQ(Zelvar({"plot", m_table, "--x", "name", "--y", "y"}, "QT_QPA_PLATFORM=offscreen").exitCode, 1);
 }

@@ -55,13 +55,12 @@ TEST(CommandTable, ABashCompletesWhatTheTableHolds) {
 }
 
 TEST(CommandTable, LinesOfTheUsageFitAScreen) {
-    std::vector<DString> texts{UsageText()};
+    DString texts = UsageText();
     for (CommandSpec const &spec : AllCommands())
-        texts.push_back(HelpText(spec));
+        texts += HelpText(spec);
     std::size_t longest = 0;
-    for (DString const &text : texts)
-        for (DString const &line : Split(text, '\n'))
-            longest = std::max(longest, line.size());
+    for (DString const &line : Split(texts, '\n'))
+        longest = std::max(longest, line.size());
     EXPECT_TRUE(longest > 90 && longest <= 100) << longest;
     CommandSpec const &open = SpecOf("open");
     EXPECT_TRUE(HelpText(open).starts_with("usage: zelvar open [PLACE] [--for KIND] "));

@@ -142,10 +142,9 @@ TEST_F(Command, InfoPrintsPropertiesAndWritesThePreview) {
 }
 
 TEST_F(Command, ExitCodesTellUsageFromFailure) {
-    DString noise = "P5 300 300 255 ";
-    for (unsigned i = 0; i < 300 * 300; ++i)
-        noise += static_cast<char>(i * i * 2'654'435'761U >> 24U);
-    folder.Write("noise.pgm", noise);
+    test::WriteImage(folder / "noise.tif", {.width = 400, .height = 400, .sample = [](int, int x, int y) {
+                                                return x * y * (x + 3 * y) % 251;
+                                            }});
     test::Rows<std::vector<std::string>, int> const cases = {
         {std::vector<std::string>(), 2},
         {{"nonsense"}, 2},
@@ -158,7 +157,7 @@ TEST_F(Command, ExitCodesTellUsageFromFailure) {
         {{"info", folder / "nowhere.tif"}, 3},
         {{"info", folder / "grey.tif", "--preview"}, 2},
         {{"info", folder / "grey.tif", "--preview", folder / "no/folder/p.png"}, 3},
-        {{"info", folder / "noise.pgm", "--preview", "/dev/full"}, 3},
+        {{"info", folder / "noise.tif", "--preview", "/dev/full"}, 3},
         {{"sources", "more"}, 2},
         {{"open", folder / "nowhere"}, 3},
         {{"open", folder.Path(), "--for", "nothing"}, 2},

@@ -54,19 +54,13 @@ TEST_F(TableCommand, LayersAreChosenByName) {
 TEST_F(TableCommand, PicturesShowWhatIsAskedForWithoutAScreen) {
     DString const shot = m_folder / "t.png";
     std::set<std::string> pictures;
-    std::vector<std::vector<std::string>> const cases = {{},
-                                                         {"--rows", "2"},
-                                                         {"--sort", "x"},
-                                                         {"--sort", "x", "--descending"},
-                                                         {"--select", "2"},
-                                                         {"--sort", "x", "--select", "2"},
-                                                         {"--size", "300x150"}};
-    for (std::vector<std::string> const &options : cases) {
-        std::vector<std::string> words{"table", m_table, "--shot", shot, "--size", "300x200"};
-        words.insert(words.end(), options.begin(), options.end());
+    for (char const *options : {"--rows 9", "--rows 2", "--sort x", "--sort x --descending", "--select 2",
+                                "--sort x --select 2", "--size 300x150"}) {
+        std::vector<DString> words = Split(options, ' ');
+        words.insert(words.begin(), {"table", m_table, "--shot", shot, "--size", "300x200"});
         Outcome const outcome = Zelvar(words, kOffscreen);
         EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
-        EXPECT_TRUE(pictures.insert(test::ReadFile(shot)).second) << testing::PrintToString(options);
+        EXPECT_TRUE(pictures.insert(test::ReadFile(shot)).second) << options;
     }
 }
 

@@ -379,7 +379,7 @@ TEST(XMLNode, SafeTextsTakeAnyBytes) {
     EXPECT_EQ(node.GetSafeText(), "01AB");
     node.SetSafeText("\x02");
     node.SetText("0");
-    EXPECT_EQ(node.GetSafeText(), ""); // half a byte
+    EXPECT_EQ(node.GetSafeText(), "");                // half a byte
     for (char const c : std::string_view("/:@G`g")) { // beside the digits
         node.SetText(DString("0") + c);
         EXPECT_EQ(node.GetSafeText(), "") << c;
