@@ -17,6 +17,7 @@
 #include "zelvar/opends/HierarchyList.h"
 #include "zelvar/opends/ImageExtraWnd.h"
 #include "zelvar/opends/ImagePreviewWnd.h"
+#include "zelvar/opends/OpenFeatures.h"
 #include "zelvar/platform/ui/EllipsisLabel.h"
 #include "zelvar/settings/DfltFldrs.h"
 #include "zelvar/store/DCnfg.h"
@@ -75,6 +76,7 @@ struct OpenDialog : testing::Test {
     ~OpenDialog() override { EXPECT_THAT(told.Take(), IsEmpty()); }
 
     DialogPtr Make(DLGTemplate purpose = DT_DATA) {
+        DlgOpenDS::SetFeatures(features);
         DialogPtr dialog(DlgOpenDS::CreateDialogObject({&all, &tiff}, &all, purpose, "ImageFolders", nullptr));
         dialog->SetTitle("Open images");
         dialog->SetBDIFilter(BDINode_Raster);
@@ -100,6 +102,7 @@ struct OpenDialog : testing::Test {
     Told told;
     DFileFrmt all{"", "All Files (*.*)", "*.*"};
     DFileFrmt tiff{"GTiff", "TIFF (*.tif)", "*.tif"};
+    unsigned features = kOpenPlain;
 };
 
 TEST_F(OpenDialog, ImagesPickedWithTheMouseComeBackAsMonikers) {

@@ -3,6 +3,7 @@
 #include "support/OpenDialogHand.h"
 #include "zelvar/model/NtwDataSourceItem.h"
 #include "zelvar/opends/ImagePreviewWnd.h"
+#include "zelvar/opends/OpenFeatures.h"
 
 #include <QtCore/QProcess>
 #include <QtGui/QKeyEvent>
@@ -87,6 +88,7 @@ struct HostilePlaces : HostileFiles {
     }
 
     DialogPtr Make(DString const &place) {
+        DlgOpenDS::SetFeatures(kOpenPlain); // a row for each of the numbered files
         DialogPtr dialog(DlgOpenDS::CreateDialogObject({&all}, &all, DT_DATA, "ImageFolders", nullptr));
         dialog->SetBDIFilter(BDINode_Raster);
         dialog->SetInitDir(place.c_str());
