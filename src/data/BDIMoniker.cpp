@@ -4,6 +4,7 @@
 #include "zelvar/base/PathStyle.h"
 #include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/data/RequestScope.h"
+#include "zelvar/data/SeriesPlace.h"
 
 #include <algorithm>
 #include <optional>
@@ -96,6 +97,23 @@ std::size_t FolderLength(DString const &path) {
     return 0;
 }
 
+/// Where the name of a series ends that holds a "?", if `text` begins with one. No file tells: its first member does,
+/// else it ends as early as it can.
+std::optional<std::size_t> SeriesLength(DString const &text, std::size_t first) {
+    std::optional<std::size_t> length;
+    for (std::size_t end = first; text.find('[') != kNone; end = text.find_first_of("?&", end + 1)) {
+        end = std::min(end, text.size());
+        if (auto const place = SeriesPlace::Of(text.substr(0, end)); place) {
+            if (LookAt(place->MemberPath(0)) == Found::File)
+                return end;
+            length = length.value_or(end);
+        }
+        if (end == text.size())
+            break;
+    }
+    return length;
+}
+
 } // namespace
 
 DString PercentDecoded(std::string_view text) {
@@ -181,7 +199,7 @@ std::size_t BDIMoniker::SourceLength() const {
         // What stands between the file and the next "?" names something inside the file.
         return std::min(m_text.find('?', behind), m_text.size());
     }
-    return first;
+    return SeriesLength(m_text, first).value_or(first);
 }
 
 DString BDIMoniker::GetSource() const { return m_text.substr(0, SourceLength()); }

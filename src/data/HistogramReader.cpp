@@ -2,6 +2,7 @@
 
 #include "zelvar/base/Aside.h"
 #include "zelvar/data/OpenImage.h"
+#include "zelvar/data/SeriesCheck.h"
 
 #include <algorithm>
 #include <charconv>
@@ -36,11 +37,14 @@ public:
         if (m_width < 1 || m_height < 1)
             return false;
         std::future<void> used; // ends before what it works on
-        // A row of a strange image may be wider than a strip: it is read in pieces.
-        int const columns = static_cast<int>(std::min<std::size_t>(static_cast<std::size_t>(m_width), kStripSamples));
+        // A row of a strange image may be wider than a strip: it is read in pieces. Time frames, each maybe a file of
+        // its own, are read one after the other.
+        RDIGeoCoo const geo = m_image.Driver().GetChnlGeoCode(m_image.Handle(), m_channel);
+        int const frame = std::max(1, m_width / std::max(1, geo.numTimeFrames));
+        int const columns = static_cast<int>(std::min<std::size_t>(static_cast<std::size_t>(frame), kStripSamples));
         int const rows = std::max(1, static_cast<int>(kStripSamples / static_cast<std::size_t>(columns)));
-        for (int y = 0; y < m_height; y += rows)
-            for (int x = 0; x < m_width; x += columns)
+        for (int x = 0; x < m_width; x += columns)
+            for (int y = 0; y < m_height; y += rows)
                 if (!ReadPart(x, y, std::min(columns, m_width - x), std::min(rows, m_height - y)))
                     return false;
                 else
@@ -127,6 +131,11 @@ bool ReadAs(OpenImage const &image, int channel, int numSlots, StopSignal const 
     }
 }
 
+DString ReasonOf(OpenImage const &image, int channel) {
+    DString reason = image.Driver().GetAttrString(kReadError, image.Handle(), channel);
+    return reason.empty() ? "the samples cannot be read" : reason;
+}
+
 bool ReadChannel(OpenImage const &image, int channel, int numSlots, StopSignal const *stop, DHstg &histogram) {
     std::optional<double> const nodata =
         NumberOf(image.Driver().GetAttrString("RDI_Drvr_NoData", image.Handle(), channel));
@@ -172,7 +181,7 @@ bool ReadHistogram(BDIMoniker const &moniker, DString const &driverId, int chann
     if (image.IsOpen() && (channel < 0 || channel >= image.Driver().GetNumChnl(image.Handle())))
         own.Set("there is no channel " + std::to_string(channel + 1));
     else if (image.IsOpen() && !ReadChannel(image, channel, numSlots, stop, histogram))
-        own.Set(IsStopped(stop) ? "stopped" : "the samples cannot be read");
+        own.Set(IsStopped(stop) ? "stopped" : ReasonOf(image, channel));
     else if (image.IsOpen())
         return true;
     histogram = {};

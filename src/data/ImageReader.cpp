@@ -2,6 +2,7 @@
 
 #include "zelvar/data/OpenImage.h"
 #include "zelvar/data/RequestScope.h"
+#include "zelvar/data/SeriesCheck.h"
 #include "zelvar/pixels/ScaleDataBuf.h"
 
 #include <algorithm>
@@ -12,8 +13,9 @@ namespace zelvar {
 
 namespace {
 
-constexpr int kLongerSide = 1024;               // pixels of a preview
-constexpr std::int64_t kMostPixels = 0x2008008; // without a pyramid
+constexpr int kLongerSide = 1024;                     // pixels of a preview
+constexpr std::int64_t kMostPixels = 0x2008008;       // without a pyramid
+constexpr std::chrono::milliseconds kSeriesTime{250}; // to compare its members
 constexpr int kCubic = RDIDriver::Cubic;
 
 /// Slices lie one under the other and time frames side by side.
@@ -114,6 +116,11 @@ bool ReadImageInfo(BDIMoniker const &moniker, DString const &driverId, StopSigna
     if (!image.IsOpen())
         return false;
     info = Describe(image);
+    if (image.Driver().GetId() == kSeriesDriver) {
+        info.members = image.Driver().GetAttrString(kSeriesMembers, image.Handle(), 0);
+        if (auto const place = SeriesOf(moniker))
+            info.differences = DifferencesOf(*place, CheckSeries(image, kSeriesTime, stop));
+    }
     return true;
 }
 

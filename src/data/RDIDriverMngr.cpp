@@ -1,6 +1,7 @@
 #include "zelvar/data/RDIDriverMngr.h"
 
 #include "zelvar/data/DriverTable.h"
+#include "zelvar/data/SeriesPlace.h"
 
 #include <utility>
 
@@ -30,16 +31,20 @@ bool RDIDriverMngr::OpenFile(BDIMoniker const &moniker, RDIDriver **driver, void
     *handle = nullptr;
     BDIMoniker const full = moniker.WithOptions(options == nullptr ? "" : options);
     DError reason;
+    RDIDriver *const ofSeries = m_impl->table.Find(kSeriesDriver);
+    auto const openWith = [&](RDIDriver &named) {
+        *driver = &named;
+        return named.OpenFile(full, stop, &reason);
+    };
     if (full.IsEmpty())
         reason.Set("nothing to open");
-    else
-        *handle = m_impl->table.OpenNamedOrFirst(
-            driverId,
-            [&](RDIDriver &named) {
-                *driver = &named;
-                return named.OpenFile(full, stop, &reason);
-            },
-            [&](RDIDriver &candidate) { return candidate.OpenFileInFamily(full, driver, stop, &reason); });
+    else if (ofSeries != nullptr && m_impl->table.Find(driverId) == nullptr && SeriesOf(full))
+        *handle = openWith(*ofSeries);
+    // On a server nobody has looked whether a file is called so.
+    if (*handle == nullptr && (!reason.IsSet() || full.IsUrl()))
+        *handle = m_impl->table.OpenNamedOrFirst(driverId, openWith, [&](RDIDriver &candidate) {
+            return &candidate == ofSeries ? nullptr : candidate.OpenFileInFamily(full, driver, stop, &reason);
+        });
     if (*handle == nullptr)
         *driver = nullptr;
     return IsOpened(*handle, reason, "no driver reads \"" + full.GetText() + "\"", error);

@@ -18,7 +18,7 @@ public:
     /// Opens the data: with `driverId` of a known driver by that one, else by the first that does. Sets
     /// `*driver` and `*handle`; false, with the reason in `*error` (may be null), if nothing opens. A file opens with
     /// drivers that do not reach out; only a moniker that is an address may use the network. `options` is added to the
-    /// moniker's own.
+    /// moniker's own. What names a series of files (`SeriesOf`) is for the driver of series; nothing else is.
     bool OpenFile(BDIMoniker const &moniker, RDIDriver **driver, void **handle, char const *options, DError *error,
                   char const *driverId, StopSignal const *stop = nullptr);
     std::vector<RDIDriver *> const &Drivers();

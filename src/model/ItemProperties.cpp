@@ -24,6 +24,8 @@ enum PropertyId {
     kTimeFrames = 5109,
     kDataType = 5110,
     kChannels = 5111,
+    kMembers = 5112,
+    kDifferences = 5113,
     kPath = 5204,
     kDriver = 5205,
     kModified = 5206,
@@ -43,6 +45,11 @@ constexpr std::array<PropertyRow, 11> kRows{{
     {kSlices, Mark("Image"), Mark("Number of slices")},
     {kTimeFrames, Mark("Image"), Mark("Number of time frames")},
     {kDriver, Mark("Image"), Mark("Driver")},
+}};
+
+constexpr std::array<PropertyRow, 2> kSeriesRows{{
+    {kMembers, Mark("Image"), Mark("Members")},
+    {kDifferences, Mark("Image"), Mark("Differences")},
 }};
 
 /// The date in words, as the user's language writes it.
@@ -90,6 +97,7 @@ void ReadFileRows(DString const &path, BDIMoniker const &moniker, PropertyMap &p
 } // namespace
 
 std::span<PropertyRow const> PropertyRows() { return kRows; }
+std::span<PropertyRow const> SeriesPropertyRows() { return kSeriesRows; }
 
 bool ReadItemProperties(DString const &path, DString const &driverId, DString const &options, DLGTemplate dlgTemplate,
                         StopSignal const *stop, PropertyMap &props) {
@@ -112,6 +120,12 @@ bool ReadItemProperties(DString const &path, DString const &driverId, DString co
     props[kTimeFrames] = Format("%d", info.timeFrames);
     props[kDriver] = info.driver;
     props[kDataType] = RDIGetDTName(info.dataType);
+    if (info.members.empty())
+        return true;
+    props[kPath] = path; // there is no file to ask for it
+    props[kMembers] = info.members;
+    if (!info.differences.empty())
+        props[kDifferences] = info.differences;
     return true;
 }
 

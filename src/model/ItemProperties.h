@@ -22,6 +22,8 @@ struct PropertyRow {
 };
 /// All rows, in the order in which they are shown.
 [[nodiscard]] ZELVAR_API std::span<PropertyRow const> PropertyRows();
+/// Further ones that a numbered series of files has: its members, and how they differ. The pane has no rows for them.
+[[nodiscard]] ZELVAR_API std::span<PropertyRow const> SeriesPropertyRows();
 
 /// Reads what is known of an item: of the file behind it, and, unless a document is picked, of the image in it.
 /// `options` is what stands behind "?". True if the item could be opened as an image, or if a document is picked; a

@@ -1,9 +1,11 @@
 #include "zelvar/model/PlaceResolver.h"
 
 #include "zelvar/data/BDIMoniker.h"
+#include "zelvar/data/OpenImage.h"
 #include "zelvar/data/PlaceCheck.h"
 #include "zelvar/model/DataSourceDefinitions.h"
 #include "zelvar/model/NtwDataSourceItem.h"
+#include "zelvar/model/SeriesItem.h"
 #include "zelvar/model/TemplDataSourceItem.h"
 #include "zelvar/platform/os/SmbAddress.h"
 
@@ -41,6 +43,12 @@ RefItemPtr<DataSourceItem> FromContainer(DString const &container, DString const
     return TemplDataSourceItem::CreateNodeItem(tree, node.c_str());
 }
 
+DString ReasonOfImage(DString const &moniker) {
+    DError error;
+    OpenImage const image({moniker, nullptr}, "", nullptr, &error);
+    return image.IsOpen() ? DString() : error.Text();
+}
+
 } // namespace
 
 RefItemPtr<DataSourceItem> ItemFromPlace(DString const &place) {
@@ -48,8 +56,13 @@ RefItemPtr<DataSourceItem> ItemFromPlace(DString const &place) {
         return FromDefinition(place.substr(kSource.size()));
     if (StartsWithNoCase(place, kFileScheme))
         return FromPath(BDIMoniker(place, nullptr).FindFile());
-    if (RefItemPtr<DataSourceItem> item = FromPath(place); item || platform::IsSmbAddress(place))
+    if (RefItemPtr<DataSourceItem> item = FromPath(place);
+        item || (platform::IsSmbAddress(place) && !SeriesPlace::Of(place)))
         return item;
+    if (RefItemPtr<DataSourceItem> series(SeriesItem::CreateItem(place, nullptr)); series) {
+        series->BuildParents();
+        return series;
+    }
     BDIMoniker const moniker(place, nullptr);
     if (moniker.IsUrl())
         return TemplDataSourceItem::CreateItem(nullptr, place.c_str(), nullptr);
@@ -65,6 +78,8 @@ DString ReasonAgainst(DString const &place) {
         return "there is no such definition";
     if (!DoesPlaceAnswer(place))
         return platform::IsSmbAddress(place) ? "its server does not answer" : "its place does not answer";
+    if (SeriesOf({place, nullptr}))
+        return ReasonOfImage(place);
     if (place.empty() || BDIMoniker(place, nullptr).IsUrl())
         return {};
     std::error_code error;

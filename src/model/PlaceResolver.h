@@ -4,12 +4,13 @@
 
 namespace zelvar {
 
-/// The item that a text names: a path, an address, a node inside a container as listings print it, or "source:NAME" for
-/// a connection definition, which is opened. Null if nothing is there. May block as the medium does.
+/// The item that a text names: a path, an address, a node inside a container as listings print it, a numbered series of
+/// files ("folder/s[001-120].tif"), or "source:NAME" for a connection definition, which is opened. Null if nothing is
+/// there. May block as the medium does.
 [[nodiscard]] ZELVAR_API RefItemPtr<DataSourceItem> ItemFromPlace(DString const &place);
 
 /// Why a path or address is no place: what the system says of it, or that nobody answers. Empty if nothing is known
-/// against it. For messages.
+/// against it. Of a series what its driver says. For messages.
 [[nodiscard]] ZELVAR_API DString ReasonAgainst(DString const &place);
 
 } // namespace zelvar

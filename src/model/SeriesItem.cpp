@@ -1,8 +1,10 @@
 #include "zelvar/model/SeriesItem.h"
 
-#include "zelvar/base/PathStyle.h"
+#include "zelvar/data/BDIMoniker.h"
+#include "zelvar/data/PlaceCheck.h"
+#include "zelvar/data/SeriesPlace.h"
+#include "zelvar/model/NtwDataSourceItem.h"
 #include "zelvar/model/SystemImages.h"
-#include "zelvar/platform/os/ShellNamespace.h"
 
 namespace zelvar {
 
@@ -20,12 +22,21 @@ SeriesItem *SeriesItem::CreateItem(DString folder, SeriesName name, std::vector<
     return item.release();
 }
 
+SeriesItem *SeriesItem::CreateItem(DString const &moniker, RefItemPtr<DataSourceItem> parent) {
+    auto place = SeriesOf({moniker, nullptr});
+    if (!place || !DoesPlaceAnswer(place->folder))
+        return nullptr;
+    SeriesListing listing = ListSeries(*place, Weigh::Yes);
+    return CreateItem(std::move(place->folder), std::move(place->name), std::move(listing.slots), listing.size,
+                      listing.modified, std::move(parent));
+}
+
 DString SeriesItem::GetName() const { return m_shownName.empty() ? m_name.Text() : m_shownName; }
 
-DString SeriesItem::GetPath() const { return AppendPath(m_folder, m_name.Text()); }
+DString SeriesItem::GetPath() const { return SeriesPlace{.folder = m_folder, .name = m_name}.Path(); }
 
 DString SeriesItem::MemberPath(std::size_t member) const {
-    return AppendPath(m_folder, m_name.MemberName(m_name.ValuesAt(m_slots[member])));
+    return SeriesPlace{.folder = m_folder, .name = m_name}.MemberPath(m_slots[member]);
 }
 
 bool SeriesItem::GetModificationTime(SystemTime &time) const {
@@ -34,6 +45,14 @@ bool SeriesItem::GetModificationTime(SystemTime &time) const {
         return false;
     time = local;
     return true;
+}
+
+void SeriesItem::BuildParents() {
+    if (!m_parent)
+        SetParent(RefItemPtr<DataSourceItem>(
+            NtwDataSourceItem::CreateItem(m_folder.empty() ? "." : m_folder.c_str(), nullptr, nullptr)));
+    if (m_parent)
+        m_parent->BuildParents();
 }
 
 RefItemPtr<DataSourceItem> SeriesItem::Clone() {

@@ -12,6 +12,9 @@ public:
     /// 1970 UTC, 0 if unknown. Null without members.
     static SeriesItem *CreateItem(DString folder, SeriesName name, std::vector<std::uint64_t> slots, std::int64_t size,
                                   std::int64_t modified, RefItemPtr<DataSourceItem> parent);
+    /// That of a path or moniker, whose options are left out; its folder is read. Null if it names no series, if a file
+    /// of that very name is there, or no member, or if its place does not answer.
+    static SeriesItem *CreateItem(DString const &moniker, RefItemPtr<DataSourceItem> parent);
 
     void SetName(DString const &name) override { m_shownName = name; }
     [[nodiscard]] DString GetName() const override;
@@ -25,6 +28,7 @@ public:
     [[nodiscard]] DataSourceType GetDataSourceType() const override { return DST_FILE_SYSTEM; }
     [[nodiscard]] std::int64_t GetFileSize() const override { return m_size; }
     bool GetModificationTime(SystemTime &time) const override;
+    void BuildParents() override;
 
     [[nodiscard]] SeriesName const &Series() const { return m_name; }
     [[nodiscard]] std::size_t MemberCount() const { return m_slots.size(); }

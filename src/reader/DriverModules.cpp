@@ -3,6 +3,7 @@
 #include "zelvar/base/Report.h"
 #include "zelvar/data/DriverProvider.h"
 #include "zelvar/data/reader/OpenModule.h"
+#include "zelvar/data/stack/SeriesDriver.h"
 
 #include <utility>
 
@@ -27,6 +28,7 @@ void UseModules(std::vector<DString> modules) {
     SetDriverProvider([modules = std::move(modules)] {
         for (DString const &module : modules)
             LoadModule(module);
+        RegisterSeriesDriver();
     });
 }
 

@@ -3,6 +3,7 @@
 #include "zelvar/base/ByteEscapes.h"
 #include "zelvar/data/BDIMoniker.h"
 #include "zelvar/data/PlaceCheck.h"
+#include "zelvar/data/SeriesPlace.h"
 #include "zelvar/data/reader/DriverModule.h"
 #include "zelvar/model/PlaceResolver.h"
 #include "zelvar/tool/CommandTable.h"
@@ -15,8 +16,11 @@ namespace {
 
 bool IsThere(DString const &place) {
     std::size_t const slash = place.find('/'); // behind what a driver puts before a path
-    return (slash == DString::npos || DoesPlaceAnswer(place.substr(slash))) &&
-           !BDIMoniker(place, nullptr).FindFile().empty();
+    if (slash != DString::npos && !DoesPlaceAnswer(place.substr(slash)))
+        return false;
+    BDIMoniker const moniker(place, nullptr);
+    auto const series = SeriesOf(moniker);
+    return series ? HasMembers(*series) : !moniker.FindFile().empty();
 }
 
 } // namespace

@@ -53,9 +53,10 @@ int RunInfo(std::vector<DString> const &words) {
         return Failure("cannot read '" + moniker + "': " + reason);
     if (props.empty())
         return Failure(WithReason("cannot open '" + moniker + "'", path));
-    for (PropertyRow const &row : PropertyRows())
-        if (auto const text = props.find(row.id); text != props.end() && !text->second.empty())
-            std::printf("%s\t%s\n", row.name, EscapeControlBytes(text->second).c_str());
+    for (auto const rows : {PropertyRows(), SeriesPropertyRows()})
+        for (PropertyRow const &row : rows)
+            if (auto const text = props.find(row.id); text != props.end() && !text->second.empty())
+                std::printf("%s\t%s\n", row.name, EscapeControlBytes(text->second).c_str());
 
     if (!isImage)
         SayEncoding(path);

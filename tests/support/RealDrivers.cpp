@@ -4,6 +4,7 @@
 #include "zelvar/data/DriverProvider.h"
 #include "zelvar/data/gdal/GdalDrivers.h"
 #include "zelvar/data/reader/DriverModule.h"
+#include "zelvar/data/stack/SeriesDriver.h"
 
 #include <thread>
 
@@ -62,7 +63,10 @@ void UseRealDrivers() {
     if (UsesReaders())
         UseReaders(PatientReaders());
     else
-        SetDriverProvider(&RegisterGdalDrivers);
+        SetDriverProvider([] {
+            RegisterGdalDrivers();
+            RegisterSeriesDriver();
+        });
 }
 
 std::size_t PeakBytesOfDrivers() {

@@ -16,6 +16,7 @@
 #include "zelvar/data/reader/RemoteTableDriver.h"
 #include "zelvar/data/reader/RemoteTreeDriver.h"
 #include "zelvar/data/reader/TreeProbes.h"
+#include "zelvar/data/stack/SeriesDriver.h"
 #include "zelvar/data/tables/ADIDriverMngr.h"
 
 #include <atomic>
@@ -40,6 +41,7 @@ void LoadModule() {
         return;
     }
     reinterpret_cast<void (*)()>(entry)();
+    RegisterSeriesDriver();
 }
 
 /// The readers' drivers stand for themselves here.
