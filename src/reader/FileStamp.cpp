@@ -1,6 +1,7 @@
 #include "zelvar/reader/FileStamp.h"
 
 #include "zelvar/data/BDIMoniker.h"
+#include "zelvar/data/SeriesPlace.h"
 
 #include <sys/stat.h>
 
@@ -21,7 +22,11 @@ FileStamp StampOfPath(DString const &path) {
 FileStamp StampOf(DString const &name) {
     if (FileStamp const itself = StampOfPath(name); itself.IsThere())
         return itself;
-    return StampOfPath(BDIMoniker(name, nullptr).FindFile());
+    BDIMoniker const moniker(name, nullptr);
+    // A series changes with its folder.
+    if (auto const series = SeriesPlace::Of(moniker.GetSource()); series && moniker.FindFile().empty())
+        return StampOfPath(series->folder);
+    return StampOfPath(moniker.FindFile());
 }
 
 } // namespace zelvar::reader

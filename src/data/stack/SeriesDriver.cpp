@@ -52,8 +52,10 @@ RDIGeoCoo SeriesDriver::GetChnlGeoCode(void *handle, int) const { return Of(hand
 
 DString SeriesDriver::GetAttrString(char const *name, void *handle, int channel) const {
     SeriesImage &image = Of(handle);
-    if (std::strcmp(name, "RDI_Drvr_Info") == 0)
-        return JoinNotEmpty({image.TextOf(name, channel), "series of " + image.Summary()}, ',');
+    if (std::strcmp(name, "RDI_Drvr_Info") == 0) {
+        DString const members = image.TextOf(name, channel);
+        return members + (members.empty() ? "" : ", ") + "series of " + image.Summary();
+    }
     if (std::strcmp(name, kSeriesMembers) == 0)
         return image.Summary();
     if (std::strcmp(name, kSeriesCheck) == 0)

@@ -61,8 +61,9 @@ TEST_F(SeriesImages, MembersAreSlicesOrFramesAndMissingOnesAreZeros) {
         ASSERT_EQ(all.size(), 5U * kWidth * kHeight);
         for (int i = 0; i < 5; ++i)
             EXPECT_EQ(At(all, geo.numTimeFrames, areFrames ? 0 : i, areFrames ? i : 0), i == 3 ? 0 : i + 1);
-        EXPECT_NE(image.driver->GetAttrString("RDI_Drvr_Info", image.handle, 0).find("series of 4 of 5, missing 4"),
-                  DString::npos);
+        EXPECT_NE(
+            image.driver->GetAttrString("RDI_Drvr_Info", image.handle, 0).find("TIFF, series of 4 of 5, missing 4"),
+            DString::npos);
         // A window over cells and beyond them, brought to half its size.
         Samples const part = image.Read<std::uint8_t>(-6, -4, 24, 16, 12, 8, RDIDriver::Average);
         EXPECT_EQ(part.at(0), 0);
@@ -165,6 +166,7 @@ TEST_F(SeriesImages, NamesOfAllKindsAreFoundAndAFileOfTheVeryNameStaysOne) {
         auto const *const item = dynamic_cast<SeriesItem const *>(found.get());
         ASSERT_NE(item, nullptr);
         EXPECT_EQ(item->GetPath(), path);
+        EXPECT_EQ(item->GetIconIndex(), ItemFromPlace(m_folder / (prefix + "1?.tif"))->GetIconIndex());
         EXPECT_EQ(found->GetParent()->GetPath(), m_folder.Path());
         EXPECT_EQ(item->GetFileSize(),
                   3 * static_cast<std::int64_t>(test::ReadFile(m_folder / (prefix + "1?.tif")).size()));
