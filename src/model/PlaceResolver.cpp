@@ -3,6 +3,7 @@
 #include "zelvar/data/BDIMoniker.h"
 #include "zelvar/data/OpenImage.h"
 #include "zelvar/data/PlaceCheck.h"
+#include "zelvar/data/SeriesPlace.h"
 #include "zelvar/model/DataSourceDefinitions.h"
 #include "zelvar/model/NtwDataSourceItem.h"
 #include "zelvar/model/SeriesItem.h"
