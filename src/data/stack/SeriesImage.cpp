@@ -85,10 +85,10 @@ std::unique_ptr<SeriesImage> SeriesImage::Open(BDIMoniker const &moniker, StopSi
     if (!place)
         error.Set("\"" + moniker.GetText() + "\" is no series of files");
     else if (!axis)
-        error.Set("the option SERIES is \"slices\" or \"frames\"");
+        error.Set(R"(the option SERIES is "slices" or "frames")");
     else {
-        SeriesLayout const layout(place->name, *axis);
-        std::unique_ptr<SeriesImage> image(new SeriesImage(*std::move(place), layout, stop));
+        SeriesLayout layout(place->name, *axis);
+        std::unique_ptr<SeriesImage> image(new SeriesImage(*std::move(place), std::move(layout), stop));
         if (image->Begin(options, error))
             return image;
     }

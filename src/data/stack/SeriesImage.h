@@ -58,8 +58,8 @@ private:
         std::uint64_t slot = 0;
         std::unique_ptr<OpenImage> image;
     };
-    SeriesImage(SeriesPlace place, SeriesLayout const &layout, StopSignal const *stop)
-        : m_place(std::move(place)), m_layout(layout), m_stop(stop) {}
+    SeriesImage(SeriesPlace place, SeriesLayout layout, StopSignal const *stop)
+        : m_place(std::move(place)), m_layout(std::move(layout)), m_stop(stop) {}
     [[nodiscard]] bool Begin(DString const &options, DError &error);
     [[nodiscard]] bool FindFirst(DError &error);
     [[nodiscard]] bool TakeSizes(DError &error);
