@@ -8,6 +8,7 @@
 #include "zelvar/filedlg/core/FormatOffer.h"
 #include "zelvar/model/DLGTemplate.h"
 #include "zelvar/model/DataSourceItem.h"
+#include "zelvar/model/SeriesMode.h"
 
 #include <memory>
 
@@ -54,6 +55,7 @@ public:
     void SetInitFrmtId(DString const &id) { m_request.initFrmtId = id; }
     void SetCaption(char const *caption) { m_request.caption = caption == nullptr ? "" : caption; }
     void SetMultipleFiles() { m_request.multipleFiles = true; }
+    void SetSeriesMode(SeriesMode mode) { m_request.seriesMode = mode; } ///< of the library's own dialog
     void SetNoChangeDir() { m_request.noChangeDir = true; } ///< the platform's dialog cannot leave its folder
     void SetDataType(unsigned type) { m_request.dataType = type; }
     void ShowOverwritePrompt(bool show) { m_request.overwritePrompt = show; }
@@ -178,6 +180,7 @@ private:
         DString caption;
         DFileFrmt *format = nullptr; ///< not owned
         bool multipleFiles = false;
+        SeriesMode seriesMode = SeriesMode::Members;
         bool noChangeDir = false;
         unsigned dataType = ~0U; ///< `BDINodeType` bits that plug-ins are asked for
         int nodeMask = 0;        ///< `BDINodeType` bits wanted

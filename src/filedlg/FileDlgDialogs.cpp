@@ -70,6 +70,7 @@ bool FileDlg::OpenMFCFileDlgNew(int, char const *, int, char const *, char const
     if (dialog == nullptr)
         return false;
     dialog->SetBDIFilter(m_request.nodeMask);
+    dialog->SetSeriesMode(m_request.seriesMode);
     // Also an address, a node inside a container or a connection: the dialog looks for it once it can be seen.
     dialog->SetInitDir(InitialPlace(m_request.initFile).c_str());
     dialog->SetTitle(m_request.caption.c_str());

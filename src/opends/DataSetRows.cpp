@@ -31,11 +31,12 @@ RefItemPtr<DataSourceItem> FolderOf(DataSetRows::ItemList const &items) {
 
 } // namespace
 
-DataSetRows::DataSetRows(Actions actions)
-    : m_actions(std::move(actions)), m_unfolded(DUserCnfg(kSection).ReadString(kUnfoldedKey, "")) {}
+DataSetRows::DataSetRows(Actions actions, bool foldsNumbered)
+    : m_actions(std::move(actions)), m_foldsNumbered(foldsNumbered),
+      m_unfolded(DUserCnfg(kSection).ReadString(kUnfoldedKey, "")) {}
 
 DataSetFolding DataSetRows::FoldingOf(ItemList const &roots) const {
-    return {.sidecars = !m_showsAll, .series = !m_unfolded.Contains(PathOf(roots)), .folders = true};
+    return {.sidecars = !m_showsAll, .series = m_foldsNumbered && !m_unfolded.Contains(PathOf(roots)), .folders = true};
 }
 
 void DataSetRows::ToggleNumbered(ItemList const &roots) {
@@ -64,9 +65,11 @@ void DataSetRows::RunMenu(QWidget &list, QPoint screenPoint, ItemList const &roo
     QAction *const all = menu.addAction(platform::Shown("Show All Files"));
     all->setCheckable(true);
     all->setChecked(m_showsAll);
-    QAction *const numbered = menu.addAction(platform::Shown("Fold Numbered Files"));
-    numbered->setCheckable(true);
-    numbered->setChecked(FoldingOf(roots).series);
+    if (m_foldsNumbered) {
+        QAction *const numbered = menu.addAction(platform::Shown("Fold Numbered Files"));
+        numbered->setCheckable(true);
+        numbered->setChecked(FoldingOf(roots).series);
+    }
     QAction const *const chosen = platform::RunMenu(menu, screenPoint);
     if (chosen == nullptr)
         return;

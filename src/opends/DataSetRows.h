@@ -27,7 +27,8 @@ public:
         std::function<DString(DataSourceItem const &)> moniker;
     };
 
-    explicit DataSetRows(Actions actions);
+    /// Without `foldsNumbered` numbered files are never folded.
+    DataSetRows(Actions actions, bool foldsNumbered);
 
     [[nodiscard]] DataSetFolding FoldingOf(ItemList const &roots) const;
     /// Runs the menu about the `selected` items of a list that shows the children of `roots`.
@@ -38,6 +39,7 @@ private:
     void CopyMonikers(ItemList const &items) const;
 
     Actions m_actions;
+    bool m_foldsNumbered;
     UnfoldedFolders m_unfolded;
     bool m_showsAll = false; ///< each file for itself
 };

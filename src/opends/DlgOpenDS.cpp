@@ -8,6 +8,7 @@
 #include "zelvar/data/RequestScope.h"
 #include "zelvar/data/reader/DriverModule.h"
 #include "zelvar/model/ListingsShared.h"
+#include "zelvar/model/SeriesItem.h"
 #include "zelvar/opends/DSDataSourceWnd.h"
 #include "zelvar/opends/DSListCtrl.h"
 #include "zelvar/opends/DSMessages.h"
@@ -17,7 +18,6 @@
 #include "zelvar/opends/ExtrasFinder.h"
 #include "zelvar/opends/HierarchyList.h"
 #include "zelvar/opends/OpenDialogTemplate.h"
-#include "zelvar/opends/OpenFeatures.h"
 #include "zelvar/opends/core/DialogState.h"
 #include "zelvar/platform/ui/ControlId.h"
 #include "zelvar/platform/ui/EscapeWatch.h"
@@ -107,6 +107,7 @@ void DlgOpenDS::SetInitDir(char const *path) { m_initDir = path == nullptr ? "" 
 void DlgOpenDS::SetInitItem(RefItemPtr<DataSourceItem> item) { m_initItem = std::move(item); }
 void DlgOpenDS::SetRootItem(RefItemPtr<DataSourceItem> item) { m_rootItem = std::move(item); }
 void DlgOpenDS::SetBDIFilter(int mask) { m_bdiFilter = mask; }
+void DlgOpenDS::SetSeriesMode(SeriesMode mode) { m_seriesMode = mode; }
 void DlgOpenDS::SetMultiSelect(bool multi) { m_multiSelect = multi; }
 
 DString DlgOpenDS::FixPath(char const *path) { return path == nullptr ? DString() : FixTypedPath(path); }
@@ -215,7 +216,8 @@ void DlgOpenDS::CreateDataSetRows() {
                                      }
                                  },
                              .show = [this](RefItemPtr<DataSourceItem> item) { ShowItem(std::move(item)); },
-                             .moniker = [this](DataSourceItem const &item) { return MonikerOf(item); }});
+                             .moniker = [this](DataSourceItem const &item) { return MonikerOf(item); }},
+        (m_features & kOpenSeries) != 0);
     auto const rule = [this](ItemList const &roots) { return m_dataSetRows->FoldingOf(roots); };
     m_mainList->SetFoldingRule(rule);
     m_folderList->SetFoldingRule(rule);
@@ -441,9 +443,7 @@ void DlgOpenDS::OnOK() {
     m_monikers.clear();
     for (RefItemPtr<DataSourceItem> const &item : SelectedImages()) {
         DfltFldrs::Instance()->SaveDirHist(m_historyKey.c_str(), item->GetPath());
-        DString const driverId = item->GetBDIDriverId();
-        BDIDrvr *const driver = driverId.empty() ? nullptr : BDIDrvrMngr::Instance()->GetDrvr(driverId.c_str());
-        m_monikers.push_back(BDIMoniker(MonikerOf(*item), driver));
+        AddMonikers(*item);
     }
     WriteSettings();
     if (m_monikers.empty())
@@ -457,7 +457,25 @@ void DlgOpenDS::OnOK() {
 
 DString DlgOpenDS::MonikerOf(DataSourceItem const &item) const {
     m_propertyWnd->ApplyOptions();
-    return WithOptions(item.GetPath(), m_propertyWnd->GetOptionString());
+    DString options = m_propertyWnd->GetOptionString();
+    if (dynamic_cast<SeriesItem const *>(&item) != nullptr && m_seriesMode != SeriesMode::Members)
+        options += DString(options.empty() ? "" : "&") +
+                   (m_seriesMode == SeriesMode::Frames ? "SERIES=frames" : "SERIES=slices");
+    return WithOptions(item.GetPath(), options);
+}
+
+void DlgOpenDS::AddMonikers(DataSourceItem const &item) {
+    auto const *const series = dynamic_cast<SeriesItem const *>(&item);
+    if (series == nullptr || m_seriesMode != SeriesMode::Members) {
+        DString const driverId = item.GetBDIDriverId();
+        BDIDrvr *const driver = driverId.empty() ? nullptr : BDIDrvrMngr::Instance()->GetDrvr(driverId.c_str());
+        m_monikers.push_back(BDIMoniker(MonikerOf(item), driver));
+        return;
+    }
+    m_propertyWnd->ApplyOptions();
+    DString const options = m_propertyWnd->GetOptionString();
+    for (std::size_t member = 0; member < series->MemberCount(); ++member)
+        m_monikers.push_back(BDIMoniker(WithOptions(series->MemberPath(member), options), nullptr));
 }
 
 void DlgOpenDS::WriteSettings() {

@@ -8,6 +8,8 @@
 #include "zelvar/layout/cdxCDynamicDialog.h"
 #include "zelvar/model/DataSourceExtras.h"
 #include "zelvar/model/DataSourceItem.h"
+#include "zelvar/model/SeriesMode.h"
+#include "zelvar/opends/OpenFeatures.h"
 #include "zelvar/opends/PathButtonRow.h"
 #include "zelvar/platform/ui/DialogTemplate.h"
 #include "zelvar/platform/ui/MessageTarget.h"
@@ -65,7 +67,8 @@ public:
     /// Types of driver nodes that can be picked, bits of `BDINodeType`. Without one, containers show the folders in
     /// them alone.
     void SetBDIFilter(int mask);
-    void SetMultiSelect(bool multi); ///< several rows of the main list can be picked; documents never
+    void SetMultiSelect(bool multi);     ///< several rows of the main list can be picked; documents never
+    void SetSeriesMode(SeriesMode mode); ///< one moniker a member without it
 
     // Results.
     [[nodiscard]] DVectorSafe<BDIMoniker> const &GetSelectedNodePaths() const { return m_monikers; }
@@ -175,8 +178,9 @@ private:
     [[nodiscard]] std::optional<bool> EnterLateContainer(RefItemPtr<DataSourceItem> const &item);
     void WriteSettings();
     void CreateDataSetRows();
-    /// What an application gets for that item.
+    /// What names the item, with the options that are set; a series as one.
     [[nodiscard]] DString MonikerOf(DataSourceItem const &item) const;
+    void AddMonikers(DataSourceItem const &item);
     [[nodiscard]] ItemList SelectedImages() const;
     [[nodiscard]] DString TemplateKey() const;
 
@@ -219,6 +223,7 @@ private:
     bool m_editOnly = false;
     bool m_multiSelect = true;
     int m_bdiFilter = 0;
+    SeriesMode m_seriesMode = SeriesMode::Members;
     int m_stateTimer = 0;
     DataSourceExtras m_extras;
     platform::MessageTarget m_target;

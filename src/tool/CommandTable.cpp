@@ -119,6 +119,8 @@ std::vector<CommandSpec> const &AllCommands() {
                      {"--standard", "", "use the platform's file dialog"},
                      {"--filter", "MASK", "show these files"},
                      {"--recursive", "", "list what lies in folders below, too"},
+                     {"--series", "", "ten and more numbered files as one row, which gives one moniker of one image"},
+                     {"--plain", "", "the dialog's panes alone: each file for itself, nothing beside them"},
                      {"--select", "NAME", "select the row of that name", Use::Repeats},
                      kAccept,
                      kTitle,

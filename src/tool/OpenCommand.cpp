@@ -3,6 +3,7 @@
 #include "zelvar/filedlg/FileDlg.h"
 #include "zelvar/library/ZelvarInit.h"
 #include "zelvar/model/PlaceResolver.h"
+#include "zelvar/opends/DlgOpenDS.h"
 #include "zelvar/platform/ui/MainWindow.h"
 #include "zelvar/tool/CommandTable.h"
 #include "zelvar/tool/Commands.h"
@@ -38,8 +39,11 @@ DString FaultOf(Arguments const &arguments, Kind const *kind, int mode) {
     // Behind the platform's dialog the selector of a container may follow.
     if (arguments.All("--select").size() > 1 && !arguments.Has("--multiple") && !arguments.Has("--standard"))
         return "several --select need --multiple";
-    if (arguments.Has("--standard") && (arguments.Has("--recursive") || arguments.values.contains("--filter")))
-        return "--filter and --recursive are for the library's own dialog";
+    if (arguments.Has("--standard") && (arguments.Has("--recursive") || arguments.Has("--series") ||
+                                        arguments.Has("--plain") || arguments.values.contains("--filter")))
+        return "--filter, --recursive, --series and --plain are for the library's own dialog";
+    if (arguments.Has("--series") && arguments.Has("--plain"))
+        return "--plain knows no series";
     return {};
 }
 
@@ -116,6 +120,9 @@ int RunRequest(CommandSpec const &spec, int mode, std::vector<DString> const &wo
     }
     if (arguments->Has("--multiple"))
         request.SetMultipleFiles();
+    bool const isSeries = arguments->Has("--series");
+    request.SetSeriesMode(isSeries ? SeriesMode::Slices : SeriesMode::Members);
+    DlgOpenDS::SetFeatures(arguments->Has("--plain") ? kOpenPlain : isSeries ? kOpenAll : kOpenAll & ~kOpenSeries);
     request.ShowOverwritePrompt(!arguments->Has("--overwrite"));
     // The library's own dialog comes up over an application's frame window.
     std::unique_ptr<QMainWindow> const frame = arguments->Has("--standard") ? nullptr : std::make_unique<QMainWindow>();
