@@ -3,6 +3,7 @@
 #include "zelvar/base/Hex.h"
 #include "zelvar/base/PathStyle.h"
 #include "zelvar/data/BDIDrvrMngr.h"
+#include "zelvar/data/DataFolderLook.h"
 #include "zelvar/data/RequestScope.h"
 #include "zelvar/data/SeriesPlace.h"
 
@@ -27,13 +28,16 @@ Found LookAt(DString const &path) {
 }
 
 /// The text itself if it exists, else the longest beginning that is a plain file and ends before one of `ends`: what
-/// follows names something inside that file.
+/// follows names something inside that file. Behind a driver's own name a folder that is a data set is as good.
 DString LongestExisting(DString text, std::string_view ends) {
     if (LookAt(text) != Found::Nothing)
         return text;
+    bool const isDriversName = ends.find(':') != kNone;
     for (std::size_t cut = text.find_last_of(ends); cut != kNone && cut > 0; cut = text.find_last_of(ends, cut - 1)) {
+        bool const isWhole = text[cut] != '/';
         text.resize(cut);
-        if (LookAt(text) == Found::File)
+        Found const found = LookAt(text);
+        if (found == Found::File || (found == Found::Other && isDriversName && isWhole && LookForDataFolder(text)))
             return text;
     }
     return {};

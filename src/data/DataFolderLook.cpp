@@ -3,6 +3,7 @@
 #include "zelvar/base/PathStyle.h"
 
 #include <algorithm>
+#include <utility>
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -18,12 +19,21 @@ constexpr char const *kTelling[] = {".zgroup",      ".zarray",       ".zmetadata
                                     "w001001.adf",  "w001001x.adf",  "arc.adf",           "tic.adf",   "bnd.adf",
                                     "METADATA.DIM", "manifest.safe", "a00000001.gdbtable"};
 
+std::int64_t ModifiedOf(struct stat const &info) {
+    return std::int64_t{info.st_mtim.tv_sec} * 1'000'000'000 + info.st_mtim.tv_nsec;
+}
+
 /// Takes `folder`, a descriptor.
-FolderContent ReadContent(int folder) {
+FolderContent ReadContent(int folder, std::int64_t &modified) {
     FolderContent content;
+    struct stat info {};
+    if (fstat(folder, &info) == 0)
+        modified = ModifiedOf(info);
     for (char const *name : kTelling)
-        if (faccessat(folder, name, F_OK, AT_SYMLINK_NOFOLLOW) == 0)
+        if (fstatat(folder, name, &info, AT_SYMLINK_NOFOLLOW) == 0) {
             content.files.emplace_back(name);
+            modified = std::max(modified, ModifiedOf(info));
+        }
     DIR *const entries = fdopendir(folder);
     if (entries == nullptr) {
         close(folder);
@@ -53,12 +63,16 @@ std::optional<FoundDataFolder> LookForDataFolder(DString const &path) {
     int const folder = open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (folder < 0)
         return std::nullopt;
-    FolderContent const content = ReadContent(folder);
+    std::int64_t modified = 0;
+    FolderContent const content = ReadContent(folder, modified);
     std::optional<DataFolder> const kind = TellDataFolder(FileNameOf(path), content);
     if (!kind)
         return std::nullopt;
-    DString const entry = EntryOf(*kind, content);
-    return FoundDataFolder{*kind, entry.empty() ? path : AppendPath(path, entry)};
+    DString const name = EntryOf(*kind, content);
+    DString entry = name.empty() ? path : AppendPath(path, name);
+    if (struct stat info{}; !name.empty() && stat(entry.c_str(), &info) == 0)
+        modified = std::max(modified, ModifiedOf(info));
+    return FoundDataFolder{*kind, std::move(entry), modified};
 }
 
 } // namespace zelvar

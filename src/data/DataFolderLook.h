@@ -2,12 +2,15 @@
 
 #include "zelvar/model/datasets/DataFolder.h"
 
+#include <cstdint>
+
 namespace zelvar {
 
 /// A folder on a disk of this machine that is a data set, and the path of what a driver opens of it.
 struct FoundDataFolder {
     DataFolder kind;
     DString entry;
+    std::int64_t modified = 0; ///< the latest of the folder and of the files that tell what it is, nanoseconds
 };
 
 /// Looks whether the folder at `path` is a data set: a few questions for names and one read of the folder, whatever

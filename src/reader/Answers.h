@@ -1,8 +1,10 @@
 #pragma once
 
 #include "zelvar/base/DString.h"
+#include "zelvar/data/Refusal.h"
 
 #include <memory>
+#include <tuple>
 #include <utility>
 
 #include <Messages_generated.h>
@@ -21,9 +23,10 @@ template <class Body>
     return answer;
 }
 
-[[nodiscard]] inline Answer Failure(DString reason) {
+[[nodiscard]] inline Answer Failure(DString reason, bool isRefusal = false) {
     wire::FailedT failed;
     failed.reason = std::move(reason);
+    failed.isRefusal = isRefusal;
     return Say(std::move(failed));
 }
 
@@ -31,8 +34,9 @@ template <class Body>
 template <class Opened, class Spec, class Work>
 [[nodiscard]] Answer With(Opened &opened, std::unique_ptr<Spec> const &spec, Work work) {
     DString reason = kIncomplete;
+    std::ignore = TakeRefusal(); // of a request before
     auto *const found = spec == nullptr ? nullptr : opened.Find(*spec, reason);
-    return found == nullptr ? Failure(std::move(reason)) : work(*found);
+    return found == nullptr ? Failure(std::move(reason), TakeRefusal()) : work(*found);
 }
 
 } // namespace zelvar::reader

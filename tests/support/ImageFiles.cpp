@@ -156,6 +156,12 @@ void WriteGeoPackage(DString const &path, int layers, int tables, int pictures) 
         AddLayer(dataset.get(), "table " + std::to_string(i), wkbNone);
 }
 
+void WriteLayers(DString const &path, char const *format, std::vector<DString> const &layers) {
+    Dataset const dataset = Create(format, path, 0, 0, 0, GDT_Unknown);
+    for (DString const &layer : layers)
+        AddLayer(dataset.get(), layer, wkbPoint);
+}
+
 void WriteNetCdf(DString const &path, int variables) {
     // GDAL's multidimensional interface keeps the names of the variables.
     Driver("netCDF");

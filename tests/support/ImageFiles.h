@@ -28,6 +28,8 @@ void WritePages(DString const &path, int pages);
 /// A database with that many layers of points and tables without geometry, named "layer 1" ... and "table 1" ...; with
 /// `pictures` raster tables "picture 1" ... beside them.
 void WriteGeoPackage(DString const &path, int layers, int tables, int pictures);
+/// A data set of that format with layers of these names, one point in each.
+void WriteLayers(DString const &path, char const *format, std::vector<DString> const &layers);
 /// A netCDF file with that many variables "var1" ... of 20 * 10 samples.
 void WriteNetCdf(DString const &path, int variables);
 /// The same format with variables "top", "outer/one", "outer/two" and "outer/inner/deep", in groups of these names. It

@@ -3,6 +3,7 @@
 #include "zelvar/base/FileDescriptor.h"
 #include "zelvar/data/RequestScope.h"
 #include "zelvar/data/gdal/ContainerTree.h"
+#include "zelvar/data/gdal/DataFolders.h"
 #include "zelvar/platform/os/SmbClient.h"
 
 #include <algorithm>
@@ -28,11 +29,24 @@ struct Magic {
     std::string_view bytes;
 };
 constexpr Magic kMagics[] = {
-    {"GTiff", {"II*\0", 4}},     {"GTiff", {"MM\0*", 4}},       {"GTiff", {"II+\0", 4}}, {"GTiff", {"MM\0+", 4}},
-    {"netCDF", "CDF"},           {"netCDF", "\x89HDF"},         {"HDF5", "\x89HDF"},     {"HDF4", "\x0e\x03\x13\x01"},
-    {"GPKG", "SQLite format 3"}, {"SQLite", "SQLite format 3"}, {"NITF", "NITF"},        {"NITF", "NSIF"},
+    {"GTiff", {"II*\0", 4}},
+    {"GTiff", {"MM\0*", 4}},
+    {"GTiff", {"II+\0", 4}},
+    {"GTiff", {"MM\0+", 4}},
+    {"netCDF", "CDF"},
+    {"netCDF", "\x89HDF"},
+    {"HDF5", "\x89HDF"},
+    {"HDF4", "\x0e\x03\x13\x01"},
+    {"GPKG", "SQLite format 3"},
+    {"SQLite", "SQLite format 3"},
+    {"NITF", "NITF"},
+    {"NITF", "NSIF"},
     {"FITS", "SIMPLE  ="},
+    {"OGR_VRT", "<"},
+    {"OGR_VRT", "\xEF\xBB\xBF<"},
 };
+/// Formats of folders that are data sets, by whose extensions nothing else is called.
+constexpr std::string_view kFolderFormats[] = {"Zarr", "OpenFileGDB"};
 
 // Opening must not wait either, should the file have become a pipe meanwhile.
 constexpr int kHowToOpen = O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
@@ -77,7 +91,7 @@ bool HasMagic(Head const &head, Format const &format) {
                        [&](Magic const &magic) { return magic.format == format.id && bytes.starts_with(magic.bytes); });
 }
 
-/// A plain file as it is now.
+/// A plain file, or a folder that is a data set, as it is now.
 struct Subject {
     struct Key {
         dev_t device = 0;
@@ -93,6 +107,7 @@ struct Subject {
     };
     Key key;
     State state;
+    std::optional<DataFolder> folder{};
 };
 
 /// What is known of files, by their identity. All of it goes when it is full: an answer is cheap to find anew.
@@ -163,10 +178,18 @@ std::int64_t Nanoseconds(timespec const &time) { return std::int64_t{time.tv_sec
 
 std::optional<Subject> Look(DString const &path) {
     struct stat info {};
-    if (stat(path.c_str(), &info) != 0 || !S_ISREG(info.st_mode))
+    if (stat(path.c_str(), &info) != 0)
         return std::nullopt;
-    return Subject{.key = {.device = info.st_dev, .inode = info.st_ino},
-                   .state = {info.st_size, Nanoseconds(info.st_mtim), Nanoseconds(info.st_ctim)}};
+    Subject subject{.key = {.device = info.st_dev, .inode = info.st_ino},
+                    .state = {info.st_size, Nanoseconds(info.st_mtim), Nanoseconds(info.st_ctim)}};
+    if (S_ISREG(info.st_mode))
+        return subject;
+    auto const found = S_ISDIR(info.st_mode) ? LookForDataFolder(path) : std::nullopt;
+    if (!found)
+        return std::nullopt;
+    subject.state.modified = found->modified;
+    subject.folder = found->kind;
+    return subject;
 }
 
 /// Within one request about a file all drivers see it as the first one did.
@@ -210,7 +233,7 @@ std::optional<Subject> OnServer(DString const &address) {
 /// What has at least a head.
 std::optional<Subject> SubjectAt(DString const &path) {
     std::optional<Subject> subject = platform::IsSmbAddress(path) ? OnServer(path) : OnDisk(path);
-    if (subject && subject->state.size < static_cast<off_t>(kHeadSize))
+    if (subject && !subject->folder && subject->state.size < static_cast<off_t>(kHeadSize))
         subject.reset();
     return subject;
 }
@@ -339,12 +362,33 @@ bool HasSecondTiffPage(int file) {
 }
 
 bool IsContainerFormat(Format const &format) {
-    return std::any_of(std::begin(kMagics), std::end(kMagics),
+    return std::ranges::find(kFolderFormats, std::string_view(format.id)) != std::end(kFolderFormats) ||
+           std::any_of(std::begin(kMagics), std::end(kMagics),
                        [&](Magic const &magic) { return magic.format == format.id; });
+}
+
+namespace {
+
+bool HasSeveralMembers(DString const &path, Format const &format) {
+    auto const source = Resolve({path, nullptr}, nullptr);
+    auto const members = source ? ListMembers(*source, &format) : std::nullopt;
+    return members && members->nodes.size() > 1;
+}
+
+} // namespace
+
+bool IsFolderOfSeveral(DString const &path) {
+    std::optional<Subject> const subject = SubjectAt(path);
+    Format const *const format =
+        subject && subject->folder ? Formats::Instance().Find(FormatOf(*subject->folder)) : nullptr;
+    return format != nullptr && HoldsSeveral(path, *format);
 }
 
 bool HoldsSeveral(DString const &path, Format const &format) {
     std::optional<Subject> const subject = SubjectAt(path);
+    if (subject && subject->folder)
+        return format.id == FormatOf(*subject->folder) &&
+               Remembered(*subject, format.id, [&] { return HasSeveralMembers(path, format); });
     return subject && Remembered(*subject, format.id, [&] {
                std::optional<Head> head = Answers::Instance().FindHead(*subject);
                if (head && !HasMagic(*head, format))
@@ -360,15 +404,13 @@ bool HoldsSeveral(DString const &path, Format const &format) {
                });
                if (!hasMagic || format.id == "GTiff")
                    return hasSecondPage;
-               auto const source = Resolve({path, nullptr}, nullptr);
-               auto const members = source ? ListMembers(*source, &format) : std::nullopt;
-               return members && members->nodes.size() > 1;
+               return HasSeveralMembers(path, format);
            });
 }
 
 bool AskOnce(DString const &path, std::string_view kind, bool (*ask)(DString const &path)) {
     std::optional<Subject> const subject = SubjectAt(path);
-    return subject && Remembered(*subject, kind, [&] { return ask(path); });
+    return subject && !subject->folder && Remembered(*subject, kind, [&] { return ask(path); });
 }
 
 } // namespace zelvar::gdal

@@ -3,6 +3,7 @@
 #include "zelvar/base/PathStyle.h"
 #include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/data/gdal/ContainerProbe.h"
+#include "zelvar/data/gdal/LandsatScene.h"
 
 #include <cpl_string.h>
 #include <gdal.h>
@@ -93,6 +94,16 @@ void AddSubdatasets(GDALDatasetH dataset, Source const &source, Members &members
         AddSubdataset(source, piece.name, piece.description, members);
 }
 
+/// The picture of a scene, and the bands of another size: files that open by themselves.
+void AddBandsApart(Source const &source, Members &members) {
+    for (DString const &path : ReadLandsatScene(source.name).others) {
+        if (members.nodes.empty())
+            members.nodes.push_back(
+                MakeNode(BDINode_Raster, WithOption(source.text, kRasterOption, "1"), RootName(source)));
+        members.nodes.push_back(MakeNode(BDINode_Raster, path, DString(FileNameOf(path))));
+    }
+}
+
 void AddLayers(GDALDatasetH dataset, Source const &source, Members &members) {
     int const count = std::min(GDALDatasetGetLayerCount(dataset), kMostMembers);
     if (count > 0 && members.nodes.empty() && members.hasPicture)
@@ -143,6 +154,8 @@ std::optional<Members> ListMembers(Source const &source, Format const *only) {
     members.format = opened.format;
     members.hasPicture = GDALGetRasterCount(Raw(opened.dataset)) > 0;
     AddSubdatasets(Raw(opened.dataset), source, members);
+    if (source.folder == DataFolder::Landsat)
+        AddBandsApart(source, members);
     AddLayers(Raw(opened.dataset), source, members);
     members.groups.resize(members.nodes.size());
     return members;

@@ -2,6 +2,7 @@
 
 #include "zelvar/base/NaturalOrder.h"
 #include "zelvar/base/PathStyle.h"
+#include "zelvar/data/DataFolderLook.h"
 #include "zelvar/data/gdal/FolderPlaces.h"
 
 #include <algorithm>
@@ -121,6 +122,13 @@ DString FolderDriver::GetInfo() const {
         break;
     }
     return "Folder of images";
+}
+
+void *FolderDriver::OpenRepositoryInFamily(char const *url, BDIDrvr **opener, BDINode **root, char const *filter) {
+    DString const folder = m_kind == FolderKind::Directory && url != nullptr ? RootOf(m_kind, url) : DString();
+    if (!folder.empty() && LookForDataFolder(folder))
+        return nullptr;
+    return TreeDriver::OpenRepositoryInFamily(url, opener, root, filter);
 }
 
 std::unique_ptr<Tree> FolderDriver::OpenTree(DString const &url, DString const &filter) const {

@@ -66,6 +66,8 @@ public:
     [[nodiscard]] DString GetInfo() const override;
     /// A folder is no file.
     [[nodiscard]] bool CanReadPath(DString const &) const override { return false; }
+    /// A folder that is a data set is one of places only for who names this driver.
+    void *OpenRepositoryInFamily(char const *url, BDIDrvr **opener, BDINode **root, char const *filter) override;
 
 protected:
     [[nodiscard]] std::unique_ptr<Tree> OpenTree(DString const &url, DString const &filter) const override;

@@ -3,6 +3,7 @@
 #include "zelvar/base/PathStyle.h"
 #include "zelvar/data/BDINode.h"
 #include "zelvar/data/gdal/GdalScope.h"
+#include "zelvar/data/gdal/VirtualData.h"
 
 #include <cpl_string.h>
 #include <gdal.h>
@@ -42,7 +43,6 @@ constexpr auto kBarred = std::to_array<std::string_view>({
     "ODBC",            // database
     "OGCAPI",          // service
     "OGR_OGDI",        // service
-    "OGR_VRT",         // virtual
     "PGeo",            // database driver
     "PLMOSAIC",        // service
     "PLSCENES",        // service
@@ -53,7 +53,6 @@ constexpr auto kBarred = std::to_array<std::string_view>({
     "STACIT",          // opens what it names
     "STACTA",          // opens what it names
     "VFK",             // writes .db
-    "VRT",             // virtual
     "WCS",             // service
     "WFS",             // service
     "WMS",             // service
@@ -117,8 +116,8 @@ std::set<DString> OptionNames(DString const &xml) {
                        [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c; });
         names.insert(std::move(name));
     }
-    // They run statements, or open what a table names.
-    for (char const *name : {"PRELUDE_STATEMENTS", "LIST_VIRTUAL_OGR"})
+    // They run statements, open what a table names, lead elsewhere, or write.
+    for (char const *name : {"PRELUDE_STATEMENTS", "LIST_VIRTUAL_OGR", "ROOT_PATH", "CACHE_TILE_PRESENCE"})
         names.erase(name);
     return names;
 }
@@ -144,7 +143,8 @@ FormatFacts UsesOf(GDALDriverH driver, Format const &format) {
     FormatFacts facts{.id = format.id, .name = format.name, .extensions = format.extensions};
     if (Metadata(driver, GDAL_DCAP_OPEN) == "YES")
         facts.reads = pictureUse | layerUse;
-    facts.writes = (creates || copies ? pictureUse : 0U) | (creates ? layerUse : 0U);
+    if (!IsVirtual(format)) // there is nothing in it
+        facts.writes = (creates || copies ? pictureUse : 0U) | (creates ? layerUse : 0U);
     return facts;
 }
 

@@ -21,7 +21,8 @@ struct Format {
 };
 
 /// The formats that data may be opened with: all of GDAL's but those that reach out by what a file or name says
-/// (services, databases, virtual files over other sources), run programs, or write beside the user's files.
+/// (services, databases), run programs, or write beside the user's files. Virtual files over other sources are read
+/// before GDAL gets them, see `VirtualData.h`.
 class Formats {
 public:
     static Formats const &Instance();

@@ -4,6 +4,7 @@
 #include "zelvar/data/DIOPluginMngr.h"
 #include "zelvar/data/RDIDriverMngr.h"
 #include "zelvar/data/gdal/ContainerTree.h"
+#include "zelvar/data/gdal/DataFolderTree.h"
 #include "zelvar/data/gdal/FolderTree.h"
 #include "zelvar/data/gdal/RasterDriver.h"
 #include "zelvar/data/gdal/TableDriver.h"
@@ -27,6 +28,7 @@ void RegisterGdalDrivers() {
         if (format.vector)
             tables.Add(std::make_unique<gdal::TableDriver>(format));
     }
+    trees.Add(std::make_unique<gdal::DataFolderDriver>());
     for (FormatFacts const &uses : gdal::Formats::Instance().Uses())
         DIOPluginMngr::Instance()->Add(std::make_unique<FormatPlugin>(uses));
 }

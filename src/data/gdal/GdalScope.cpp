@@ -33,6 +33,7 @@ constexpr Setting kAlways[] = {
     {"GDAL_MAX_DATASET_POOL_SIZE", "16"},
     {"CPL_VSIL_CURL_CACHE_SIZE", "16000000"},
     {"GTIFF_IGNORE_READ_ERRORS", "NO"},
+    {"GDAL_VRT_ENABLE_PYTHON", "NO"}, // a file runs no program
 };
 /// What the environment may say otherwise; seconds.
 constexpr Setting kUnlessSet[] = {
@@ -47,6 +48,8 @@ constexpr Setting kBarred[] = {
     {"GDAL_HTTP_PROXY", "http://127.0.0.1:1"},
     {"GDAL_HTTPS_PROXY", "http://127.0.0.1:1"},
 };
+/// What a virtual file leads to has side files too: each is asked for by its name, no folder is read.
+constexpr Setting kOnDisk = {"GDAL_DISABLE_READDIR_ON_OPEN", "TRUE"};
 
 CPLHTTPResult *RefuseFetch(char const *url, CSLConstList, GDALProgressFunc, void *, CPLHTTPFetchWriteFunc, void *,
                            void *) {
@@ -97,6 +100,7 @@ GdalScope::GdalScope(Reach reach) : m_reach(reach) {
             set(setting);
     if (reach == Reach::Local) {
         std::for_each(std::begin(kBarred), std::end(kBarred), set);
+        set(kOnDisk);
         CPLHTTPPushFetchCallback(&RefuseFetch, nullptr);
     }
     CPLErrorReset();

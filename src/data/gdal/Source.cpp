@@ -2,8 +2,12 @@
 
 #include "zelvar/base/FileDescriptor.h"
 #include "zelvar/base/PathStyle.h"
+#include "zelvar/data/Refusal.h"
+#include "zelvar/data/gdal/DataFolders.h"
+#include "zelvar/data/gdal/LandsatScene.h"
 #include "zelvar/data/gdal/Siblings.h"
 #include "zelvar/data/gdal/SmbFiles.h"
+#include "zelvar/data/gdal/VirtualData.h"
 
 #include <cpl_string.h>
 #include <cpl_vsi.h>
@@ -19,8 +23,6 @@
 namespace zelvar::gdal {
 
 namespace {
-
-constexpr std::string_view kArchives[] = {"/vsizip/", "/vsitar/", "/vsigzip/"};
 
 bool IsIn(std::string_view text, std::string_view part) { return text.find(part) != std::string_view::npos; }
 
@@ -45,20 +47,6 @@ DString EscapedUrl(std::string_view url) {
             out += c;
     }
     return out;
-}
-
-/// True if the text leads through a virtual file system that a name on disk must not use: standard input would never
-/// end, others read what a file's content names.
-bool UsesForeignFileSystem(std::string_view name) {
-    for (std::size_t at = name.find("/vsi"); at != std::string_view::npos; at = name.find("/vsi", at + 1)) {
-        bool const starts = at == 0 || std::string_view(":\"{").find(name[at - 1]) != std::string_view::npos ||
-                            name.substr(0, at).rfind("/vsi") == 0;
-        bool const archive = std::any_of(std::begin(kArchives), std::end(kArchives),
-                                         [&](std::string_view prefix) { return name.substr(at).starts_with(prefix); });
-        if (starts && !archive)
-            return true;
-    }
-    return false;
 }
 
 /// True for what an address tells us and not its server: what any of the formats calls an option. The names are
@@ -122,6 +110,15 @@ std::vector<char const *> AllowedFor(Source const &source, Format const *only) {
         drop("SQLite");
         drop("MBTiles");
     }
+    // What a server's file refers to is not looked at before GDAL gets there.
+    if (source.reach == Reach::Network) {
+        drop("VRT");
+        drop("OGR_VRT");
+    }
+    if (source.folder)
+        std::erase_if(names, [id = std::string_view(FormatOf(*source.folder))](char const *name) {
+            return name != nullptr && name != id;
+        });
     return names;
 }
 
@@ -151,9 +148,24 @@ std::vector<DString> OpenOptionsFor(Source const &source, Format const &format) 
     return options;
 }
 
+/// The picture of a scene whose bands are files of their own.
+OpenedSource OpenScene(Source const &source, Format const *format, DError *error) {
+    OpenedSource opened;
+    LandsatScene const scene = ReadLandsatScene(source.name);
+    if (format == nullptr || scene.picture.empty()) {
+        std::ignore = Refuse(error, "\"" + source.text + "\" holds no bands that can be read");
+        return opened;
+    }
+    char const *const chosen[] = {format->id.c_str(), nullptr};
+    opened.dataset =
+        Own(GDALOpenEx(scene.picture.c_str(), GDAL_OF_RASTER | GDAL_OF_READONLY, chosen, nullptr, nullptr));
+    opened.format = format;
+    return opened;
+}
+
 /// Names of the files beside a local file; nothing if one of them is a trap. Empty where GDAL is to look for none.
 std::optional<std::vector<DString>> SiblingsFor(Source const &source) {
-    if (source.reach == Reach::Network || source.name != source.diskPath)
+    if (source.reach == Reach::Network || source.folder || source.name != source.diskPath)
         return std::vector<DString>();
     return SiblingsOf(source.diskPath);
 }
@@ -207,14 +219,25 @@ std::optional<Source> Resolve(BDIMoniker const &moniker, DError *error) {
     struct stat info {};
     if (source.diskPath.empty() || stat(source.diskPath.c_str(), &info) != 0 || UsesForeignFileSystem(source.name))
         return Refuse(error, "\"" + source.text + "\" is not there");
-    if (!S_ISREG(info.st_mode))
+    if (S_ISREG(info.st_mode))
+        return source;
+    auto const folder = S_ISDIR(info.st_mode) ? LookForDataFolder(source.diskPath) : std::nullopt;
+    if (!folder)
         return Refuse(error, "\"" + source.text + "\" is no plain file");
+    if (DString reason = ReasonAgainstFolder(source.diskPath, folder->kind); !reason.empty())
+        return Refuse(error, std::move(reason));
+    source.folder = folder->kind;
+    if (source.name == source.diskPath)
+        source.name = folder->entry;
     return source;
 }
 
 Format const *Identify(Source const &source, unsigned flags, Format const *only) {
     GdalScope const scope(source.reach);
     std::vector<char const *> const allowed = AllowedFor(source, only);
+    if (source.folder == DataFolder::Landsat)
+        return allowed.size() > 1 && (flags & GDAL_OF_RASTER) != 0 ? Formats::Instance().Find(allowed.front())
+                                                                   : nullptr;
     auto const siblings = SiblingsFor(source);
     if (!siblings)
         return nullptr;
@@ -226,6 +249,8 @@ Format const *Identify(Source const &source, unsigned flags, Format const *only)
 OpenedSource Open(Source const &source, unsigned flags, Format const *only, DError *error) {
     GdalScope const scope(source.reach);
     std::vector<char const *> allowed = AllowedFor(source, only);
+    if (source.folder == DataFolder::Landsat)
+        return OpenScene(source, Identify(source, flags, only), error);
     auto const siblings = SiblingsFor(source);
     OpenedSource opened;
     if (!siblings) {
@@ -245,6 +270,11 @@ OpenedSource Open(Source const &source, unsigned flags, Format const *only, DErr
         if (format != nullptr) {
             if (format->id == "netCDF" || format->id.starts_with("HDF5") || format->id == "BAG")
                 SilenceHdf5();
+            if (DString reason = IsVirtual(*format) ? ReasonAgainstVirtual(source.name) : DString(); !reason.empty()) {
+                NoteRefusal();
+                std::ignore = Refuse(error, std::move(reason));
+                return opened;
+            }
             std::vector<DString> const options = OpenOptionsFor(source, *format);
             char const *const chosen[] = {format->id.c_str(), nullptr};
             opened.dataset = Own(GDALOpenEx(source.name.c_str(), flags | GDAL_OF_READONLY | GDAL_OF_VERBOSE_ERROR,

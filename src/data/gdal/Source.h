@@ -4,6 +4,7 @@
 #include "zelvar/data/BDIMoniker.h"
 #include "zelvar/data/gdal/Formats.h"
 #include "zelvar/data/gdal/GdalScope.h"
+#include "zelvar/model/datasets/DataFolder.h"
 
 #include <optional>
 
@@ -27,15 +28,16 @@ inline constexpr char const *kGroupOption = "GROUP";
 struct Source {
     DString text;     ///< the moniker without options; an address keeps its own query
     DString name;     ///< what GDAL is given
-    DString diskPath; ///< the file that it lies in; empty on the network
+    DString diskPath; ///< the file or folder that it lies in; empty on the network
     Reach reach = Reach::Local;
-    DString layer; ///< the one layer meant; empty for all
-    DString group; ///< the one group of members meant; empty for the whole
+    std::optional<DataFolder> folder; ///< what the folder at `diskPath` is, if it is one
+    DString layer;                    ///< the one layer meant; empty for all
+    DString group;                    ///< the one group of members meant; empty for the whole
     std::vector<std::pair<DString, DString>> options;
 };
 
-/// Nothing, with the reason in `*error` (may be null), unless the moniker names a plain file that is there, something
-/// inside one, or an address on the network.
+/// Nothing, with the reason in `*error` (may be null), unless the moniker names a plain file that is there, a folder
+/// that is a data set, something inside one of these, or an address on the network.
 [[nodiscard]] std::optional<Source> Resolve(BDIMoniker const &moniker, DError *error);
 
 /// An open data set and the format that read it.

@@ -155,8 +155,11 @@ void *RemoteRasterDriver::Open(BDIMoniker const &moniker, RDIDriver **opener, St
             *opener = dynamic_cast<RemoteRasterDriver *>(named) != nullptr ? named : this;
             return image.release();
         }
-        if (wire::FailedT const *const failed = BodyOf<wire::FailedT>(answer.message.get()))
+        if (wire::FailedT const *const failed = BodyOf<wire::FailedT>(answer.message.get())) {
             reason = failed->reason;
+            if (failed->isRefusal)
+                Readers::Instance().Verdicts().SetFailure(moniker.GetText(), reason);
+        }
     } else {
         reason = "\"" + moniker.GetText() + "\": " + reason;
     }

@@ -83,8 +83,11 @@ void *RemoteTableDriver::Open(BDIMoniker const &moniker, ADIDriver **opener, Sto
             *opener = dynamic_cast<RemoteTableDriver *>(named) != nullptr ? named : this;
             return table.release();
         }
-        if (wire::FailedT const *const failed = BodyOf<wire::FailedT>(answer.message.get()))
+        if (wire::FailedT const *const failed = BodyOf<wire::FailedT>(answer.message.get())) {
             reason = failed->reason;
+            if (failed->isRefusal)
+                Readers::Instance().Verdicts().SetFailure(moniker.GetText(), reason);
+        }
     } else {
         reason = "\"" + moniker.GetText() + "\": " + reason;
     }
