@@ -1,4 +1,6 @@
+#include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/data/BDIMoniker.h"
+#include "zelvar/data/DataFolderLook.h"
 #include "zelvar/data/reader/DriverModule.h"
 #include "zelvar/data/tables/ADIFile.h"
 #include "zelvar/model/ItemProperties.h"
@@ -21,6 +23,26 @@ void SayEncoding(DString const &path) {
     ADIFile const table(DFile(path), "", tdFormatAccess_Read, nullptr, "");
     if (DString const encoding = table.GetEncoding(); !encoding.empty())
         std::printf("Text Encoding\t%s\n", EscapeControlBytes(encoding).c_str());
+}
+
+/// What lies inside a folder that is a data set, a line each; false for nothing.
+bool SayNodes(DString const &path) {
+    BDIDrvr *driver = nullptr;
+    BDINode *root = nullptr;
+    void *const tree = BDIDrvrMngr::Instance()->OpenFile(path.c_str(), &driver, &root, nullptr, nullptr);
+    if (tree == nullptr)
+        return false;
+    bool isAny = false;
+    void *const walk =
+        driver->FindFirstChildNode(tree, root, BDINode_Container | BDINode_Raster | BDINode_Thematic | BDINode_Table);
+    while (BDINode const *const node = walk == nullptr ? nullptr : driver->FindNextChildNode(walk)) {
+        std::printf("Node\t%s\n", EscapeControlBytes(node->path).c_str());
+        isAny = true;
+    }
+    driver->FindClose(walk);
+    driver->CloseNode(root);
+    driver->CloseRepository(tree);
+    return isAny;
 }
 
 } // namespace
@@ -58,7 +80,10 @@ int RunInfo(std::vector<DString> const &words) {
             if (auto const text = props.find(row.id); text != props.end() && !text->second.empty())
                 std::printf("%s\t%s\n", row.name, EscapeControlBytes(text->second).c_str());
 
-    if (!isImage)
+    std::optional<FoundDataFolder> const folder = isImage ? std::nullopt : LookForDataFolder(path);
+    if (folder && !SayNodes(path))
+        return Failure("cannot open '" + moniker + "': nothing in this " + ToText(folder->kind) + " can be read");
+    if (!isImage && !folder)
         SayEncoding(path);
     if (!arguments->values.contains("--preview"))
         return kDone;

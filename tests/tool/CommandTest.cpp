@@ -141,6 +141,21 @@ TEST_F(Command, InfoPrintsPropertiesAndWritesThePreview) {
                 HasSubstr("Text Encoding\twindows-1252 (assumed)\n"));
 }
 
+TEST_F(Command, InfoTellsWhatLiesInADataSetAndWhyAnotherIsRefused) {
+    test::TempFolder const sets;
+    test::WriteLayers(sets / "b.gdb", "OpenFileGDB", {"one", "two"});
+    EXPECT_THAT(Zelvar({"info", sets / "b.gdb"}).out, HasSubstr("Node\t" + sets / "b.gdb?LAYER=two\n"));
+    EXPECT_THAT(Zelvar({"table", sets / "b.gdb?LAYER=two", "--print"}).out, HasSubstr("value"));
+    sets.Write("broken.zarr/.zgroup", "{");
+    EXPECT_THAT(Zelvar({"info", sets / "broken.zarr"}).err, HasSubstr("nothing in this Zarr can be read"));
+    Outcome const refused =
+        Zelvar({"info", sets.Write("a.vrt", "<VRTDataset rasterXSize='1' rasterYSize='1'><VRTRasterBand><SimpleSource>"
+                                            "<SourceFilename>http://127.0.0.1:1/a.tif</SourceFilename></SimpleSource>"
+                                            "</VRTRasterBand></VRTDataset>")});
+    EXPECT_EQ(refused.exitCode, 3);
+    EXPECT_THAT(refused.err, HasSubstr("a local file never uses the network"));
+}
+
 TEST_F(Command, ExitCodesTellUsageFromFailure) {
     test::WriteImage(folder / "noise.tif", {.width = 400, .height = 400, .sample = [](int, int x, int y) {
                                                 return x * y * (x + 3 * y) % 251;

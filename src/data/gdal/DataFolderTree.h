@@ -4,8 +4,8 @@
 
 namespace zelvar::gdal {
 
-/// Tree driver "DataFolder": folders that are data sets, whichever format reads them. A folder's name does not tell which
-/// formats to ask.
+/// Tree driver "DataFolder": folders that are data sets, whichever format reads them. A folder's name does not tell
+/// which formats to ask.
 class DataFolderDriver : public TreeDriver {
 public:
     [[nodiscard]] DString GetId() const override { return "DataFolder"; }
