@@ -1,5 +1,6 @@
 #include "zelvar/data/gdal/VirtualData.h"
 
+#include "zelvar/base/FileDescriptor.h"
 #include "zelvar/base/PathStyle.h"
 #include "zelvar/data/BDIMoniker.h"
 #include "zelvar/data/DataFolderLook.h"
@@ -9,11 +10,13 @@
 #include <gdal.h>
 
 #include <algorithm>
+#include <array>
 #include <filesystem>
 #include <map>
 #include <optional>
 #include <set>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 
 namespace zelvar::gdal {
@@ -67,6 +70,23 @@ std::vector<char const *> UnfitFormats() {
     return names;
 }
 
+/// Whether the file begins as pictures do that no other format takes for its own: most tiles of a mosaic.
+bool IsPlainPicture(DString const &path) {
+    static constexpr std::string_view kBegins[] = {{"II*\0", 4},
+                                                   {"MM\0*", 4},
+                                                   {"II+\0", 4},
+                                                   {"MM\0+", 4},
+                                                   {"\x89PNG\r\n\x1A\n\0", 9},
+                                                   {"\xFF\xD8\xFF\xE0\0", 5},
+                                                   {"\0\0\0\x0CjP  ", 8}};
+    FileDescriptor const file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+    std::array<char, 16> head{};
+    bool const isRead =
+        file.IsOpen() && pread(file.Get(), head.data(), head.size(), 0) == static_cast<ssize_t>(head.size());
+    std::string_view const bytes(head.data(), head.size());
+    return isRead && std::ranges::any_of(kBegins, [&](std::string_view begin) { return bytes.starts_with(begin); });
+}
+
 /// The format that GDAL takes the source for, among these; null for none of them.
 char const *IdentifiedAs(DString const &name, std::vector<char const *> const &formats) {
     GDALDriverH const driver =
@@ -74,10 +94,12 @@ char const *IdentifiedAs(DString const &name, std::vector<char const *> const &f
     return driver == nullptr ? nullptr : GDALGetDriverShortName(driver);
 }
 
+bool IsVirtualId(std::string_view id) { return id == "VRT" || id == "OGR_VRT"; }
+
 /// One walk through all that a virtual data set leads to.
 class Check {
 public:
-    Check() : m_unfit(UnfitFormats()) {}
+    Check() : m_unfit(UnfitFormats()), m_all(m_unfit) { m_all.insert(m_all.begin(), {"VRT", "OGR_VRT"}); }
 
     /// False with `m_fault` set. `name` is a virtual data set's.
     bool Document(DString const &name) {
@@ -126,10 +148,12 @@ private:
         }
         std::ranges::sort(names);
         // Names are relative to the file, to the file that a link leads to, or to where the process stands.
-        std::set<DString> bases{DString(ParentPathOf(document))};
+        std::set<std::filesystem::path> bases;
         std::error_code error;
-        if (std::filesystem::path const real = std::filesystem::canonical(document, error); !error)
-            bases.insert(DString(ParentPathOf(DString(real.string()))));
+        bases.insert(std::filesystem::canonical(document, error).parent_path());
+        bases.insert(std::filesystem::canonical(std::filesystem::absolute(document, error).parent_path(), error));
+        bases.insert(std::filesystem::current_path(error));
+        bases.insert(std::filesystem::path(document).parent_path()); // inside an archive
         for (std::size_t i = 0; i < names.size(); ++i) {
             bool const isNew = i == 0 || names[i] != names[i - 1];
             std::size_t const before = m_sources;
@@ -143,7 +167,7 @@ private:
         return true;
     }
 
-    bool Reference(DString const &document, DString const &name, std::set<DString> const &bases) {
+    bool Reference(DString const &document, DString const &name, std::set<std::filesystem::path> const &bases) {
         if (name.empty())
             return true;
         if (!Count(document, 1))
@@ -153,15 +177,17 @@ private:
         if (UsesForeignFileSystem(name) || BDIMoniker(name, nullptr).IsUrl())
             return Fail(document, "refers to \"" + name + "\", which is no file on a disk");
         std::size_t const prefix = PrefixLength(name);
-        std::vector<DString> candidates{name};
+        std::vector<DString> candidates;
         if (prefix != 0) {
+            candidates.push_back(name);
             std::size_t const inner = prefix + (name[prefix] == '"' ? 1 : 0);
-            for (DString const &base : bases)
+            for (std::filesystem::path const &base : bases)
                 if (inner < name.size() && name[inner] != '/')
-                    candidates.push_back(name.substr(0, inner) + AppendPath(base, name.substr(inner)));
-        } else if (name.front() != '/') {
-            for (DString const &base : bases)
-                candidates.push_back(AppendPath(base, name));
+                    candidates.push_back(name.substr(0, inner) + (base / name.substr(inner)).string());
+        } else {
+            for (std::filesystem::path const &base : bases)
+                candidates.push_back((base / name).string()); // a name from the root stays
+            candidates.erase(std::ranges::unique(candidates).begin(), candidates.end());
         }
         bool isFound = false;
         for (DString const &candidate : candidates) {
@@ -182,14 +208,20 @@ private:
         bool const isFolder = isThere && S_ISDIR(info.st_mode) && LookForDataFolder(path);
         if (!isFolder && !(isThere && S_ISREG(info.st_mode)))
             return Fail(document, "refers to \"" + path + "\", which is no plain file");
-        char const *const unfit = IdentifiedAs(name, m_unfit);
-        if (unfit != nullptr)
-            return Fail(document, "refers to \"" + name + "\", which is of the kind " + unfit + " and may reach out");
-        return IdentifiedAs(name, m_virtual) == nullptr || Document(name);
+        if (name == path && isThere && !isFolder && IsPlainPicture(path))
+            return true;
+        char const *id = IdentifiedAs(name, m_all);
+        if (id == nullptr)
+            return true;
+        bool const isVirtual = IsVirtualId(id);
+        id = isVirtual ? IdentifiedAs(name, m_unfit) : id;
+        if (id != nullptr)
+            return Fail(document, "refers to \"" + name + "\", which is of the kind " + id + " and may reach out");
+        return Document(name);
     }
 
-    std::vector<char const *> m_unfit;
-    std::vector<char const *> m_virtual{"VRT", "OGR_VRT", nullptr};
+    std::vector<char const *> m_unfit;      ///< formats
+    std::vector<char const *> m_all;        ///< the same and the virtual ones
     std::vector<DString> m_path;            ///< keys of the documents that lead here
     std::map<DString, std::size_t> m_known; ///< how many sources a document has
     std::size_t m_sources = 0;
@@ -200,7 +232,7 @@ private:
 
 } // namespace
 
-bool IsVirtual(Format const &format) { return format.id == "VRT" || format.id == "OGR_VRT"; }
+bool IsVirtual(Format const &format) { return IsVirtualId(format.id); }
 
 DString ReasonAgainstVirtual(DString const &name) {
     Check check;
