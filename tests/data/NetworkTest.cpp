@@ -154,11 +154,6 @@ constexpr Lure kLures[] = {
     {"evil.xml", "<WMS_Tile_Service>HOST</WMS_Tile_Service>"},
     {"wcs.tif", "<WCS_GDAL><ServiceURL>HOST/?</ServiceURL><CoverageName>a</CoverageName></WCS_GDAL>"},
     {"wmts.tif", "<GDAL_WMTS><GetCapabilitiesUrl>HOST/caps</GetCapabilitiesUrl></GDAL_WMTS>"},
-    {"vrt.tif", R"(<VRTDataset rasterXSize="10" rasterYSize="10"><VRTRasterBand dataType="Byte" band="1"><SimpleSource>
-<SourceFilename>/vsicurl/HOST/a.tif</SourceFilename><SourceBand>1</SourceBand></SimpleSource></VRTRasterBand>
-</VRTDataset>)"},
-    {"ovf.json", R"(<OGRVRTDataSource><OGRVRTLayer name="a"><SrcDataSource>HOST/a.json</SrcDataSource></OGRVRTLayer>
-</OGRVRTDataSource>)"},
     {"wfs.gml", "<OGRWFSDataSource><URL>HOST/wfs?</URL></OGRWFSDataSource>"},
     {"data.gml", R"(<?xml version="1.0"?><!DOCTYPE a SYSTEM "HOST/a.dtd"><gml:FeatureCollection
 xmlns:gml="http://www.opengis.net/gml" xmlns:xlink="http://www.w3.org/1999/xlink"

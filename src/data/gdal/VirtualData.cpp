@@ -24,6 +24,7 @@ namespace zelvar::gdal {
 namespace {
 
 constexpr std::size_t kLongestText = std::size_t{32} << 20U;
+constexpr std::ptrdiff_t kMostMarks = 3'000'000;            // of elements and attributes: each takes some 100 bytes
 constexpr std::size_t kMostTexts = std::size_t{128} << 20U; // bytes of all documents
 constexpr std::size_t kDeepest = 16;                        // virtual files in virtual files
 constexpr std::size_t kMostSources = 1'000'000;             // of all, each counted as often as it is come by
@@ -139,7 +140,8 @@ private:
         {
             std::optional<DString> const text = ReadText(document);
             m_bytes += text ? text->size() : 0;
-            if (!text || m_bytes > kMostTexts)
+            auto const isMark = [](char c) { return c == '<' || c == '='; };
+            if (!text || m_bytes > kMostTexts || std::ranges::count_if(*text, isMark) > kMostMarks)
                 return Fail(document, "is larger than a virtual file may be, or cannot be read");
             VirtualText read = ReadVirtualText(*text);
             if (!read.fault.empty())
