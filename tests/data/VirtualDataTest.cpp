@@ -40,11 +40,11 @@ struct VirtualData : test::TablesTest {
     void WriteChain(int count, int times) const {
         for (int i = 0; i < count; ++i) {
             DString const next = i + 1 == count ? DString("a.tif") : "m" + std::to_string(i + 1) + ".vrt";
-            DString sources;
+            DString repeated;
             for (int k = 1; k < times; ++k)
-                sources += R"(<SimpleSource><SourceFilename relativeToVRT="1">)" + next +
-                           "</SourceFilename><SourceBand>1</SourceBand></SimpleSource>";
-            m_folder.Write("m" + std::to_string(i) + ".vrt", Mosaic(next, sources));
+                repeated += R"(<SimpleSource><SourceFilename relativeToVRT="1">)" + next +
+                            "</SourceFilename><SourceBand>1</SourceBand></SimpleSource>";
+            m_folder.Write("m" + std::to_string(i) + ".vrt", Mosaic(next, repeated));
         }
     }
 };
@@ -116,9 +116,9 @@ TEST_F(VirtualData, ReferencesThatLeadOutAreRefusedInWords) {
              Case{Mosaic("a.tif", option("ANY", url)), kAddress},
              Case{Mosaic("a.tif", option("PRELUDE_STATEMENTS", "ATTACH 'a' AS b")), "PRELUDE_STATEMENTS"},
              Case{Mosaic("a.tif", "<PixelFunctionLanguage>Python</PixelFunctionLanguage>"), "program"},
-             Case{Mosaic("a.tif",
-                         "<Metadata domain=\"GEOLOCATION\"><MDI key=\"X_DATASET\">" + url + "</MDI></Metadata>"),
-                  kAddress},
+             Case{
+                 Mosaic("a.tif", R"(<Metadata domain="GEOLOCATION"><MDI key="X_DATASET">)" + url + "</MDI></Metadata>"),
+                 kAddress},
              Case{Layers(url + "/a.json"), kAddress},
              Case{Layers("MYSQL:a,user=b"), kNoFile},
              Case{Layers("p.csv", "<SrcSQL>SELECT * FROM p JOIN 'PG:dbname=a'.b ON p.id = b.id</SrcSQL>"), kNoFile},

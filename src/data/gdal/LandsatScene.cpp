@@ -91,11 +91,11 @@ bool Look(Band &band) {
 
 DString Describe(std::vector<Band const *> const &bands) {
     DString text =
-        Format("<VRTDataset rasterXSize=\"%d\" rasterYSize=\"%d\">", bands.front()->width, bands.front()->height);
+        Format(R"(<VRTDataset rasterXSize="%d" rasterYSize="%d">)", bands.front()->width, bands.front()->height);
     text += bands.front()->georeference;
     for (Band const *const band : bands)
-        text += Format("<VRTRasterBand dataType=\"%s\"><Description>%s</Description><SimpleSource>"
-                       "<SourceFilename relativeToVRT=\"0\">%s</SourceFilename></SimpleSource></VRTRasterBand>",
+        text += Format(R"(<VRTRasterBand dataType="%s"><Description>%s</Description><SimpleSource>)"
+                       R"(<SourceFilename relativeToVRT="0">%s</SourceFilename></SimpleSource></VRTRasterBand>)",
                        GDALGetDataTypeName(band->type), Escaped(("Band " + band->number).c_str()).c_str(),
                        Escaped(band->path.c_str()).c_str());
     return text + "</VRTDataset>";

@@ -90,8 +90,7 @@ bool IsPlainPicture(DString const &path) {
 
 /// The format that GDAL takes the source for, among these; null for none of them.
 char const *IdentifiedAs(DString const &name, std::vector<char const *> const &formats) {
-    GDALDriverH const driver =
-        GDALIdentifyDriverEx(name.c_str(), GDAL_OF_RASTER | GDAL_OF_VECTOR, formats.data(), nullptr);
+    GDALDriverH driver = GDALIdentifyDriverEx(name.c_str(), GDAL_OF_RASTER | GDAL_OF_VECTOR, formats.data(), nullptr);
     return driver == nullptr ? nullptr : GDALGetDriverShortName(driver);
 }
 
@@ -189,7 +188,7 @@ private:
         } else {
             for (std::filesystem::path const &base : bases)
                 candidates.push_back((base / name).string()); // a name from the root stays
-            candidates.erase(std::ranges::unique(candidates).begin(), candidates.end());
+            candidates.erase(std::unique(candidates.begin(), candidates.end()), candidates.end());
         }
         bool isFound = false;
         for (DString const &candidate : candidates) {
