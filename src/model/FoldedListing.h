@@ -1,7 +1,7 @@
 #pragma once
 
 #include "zelvar/base/Export.h"
-#include "zelvar/model/datasets/DataSetPlan.h"
+#include "zelvar/model/datasets/DataSetFolding.h"
 
 namespace zelvar {
 

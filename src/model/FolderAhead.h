@@ -1,6 +1,6 @@
 #pragma once
 
-#include "zelvar/model/datasets/DataSetPlan.h"
+#include "zelvar/model/datasets/DataSetFolding.h"
 #include "zelvar/platform/os/ShellNamespace.h"
 
 #include <condition_variable>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "zelvar/model/FolderVisits.h"
-#include "zelvar/model/datasets/DataSetPlan.h"
+#include "zelvar/model/datasets/DataSetFolding.h"
 
 #include <functional>
 #include <system_error>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "zelvar/model/DataSourceItem.h"
-#include "zelvar/model/datasets/DataSetPlan.h"
+#include "zelvar/model/datasets/DataSetFolding.h"
 #include "zelvar/platform/os/ShellId.h"
 
 namespace zelvar {

@@ -3,7 +3,7 @@
 #include "zelvar/base/Export.h"
 #include "zelvar/lists/CZelListCtrlVirtual.h"
 #include "zelvar/model/DataSourceItem.h"
-#include "zelvar/model/datasets/DataSetPlan.h"
+#include "zelvar/model/datasets/DataSetFolding.h"
 #include "zelvar/platform/ui/WindowMessage.h"
 #include "zelvar/platform/ui/WindowTimers.h"
 

@@ -4,7 +4,7 @@
 #include "zelvar/data/RequestScope.h"
 #include "zelvar/model/DataSourceItem.h"
 #include "zelvar/model/ItemListing.h"
-#include "zelvar/model/datasets/DataSetPlan.h"
+#include "zelvar/model/datasets/DataSetFolding.h"
 #include "zelvar/model/listing/ListingContent.h"
 
 #include <atomic>
