@@ -155,9 +155,43 @@ void Images() {
     Figure("listing.images, time", Median(readers), "ms", {.alternatives = {{"own process", Median(own)}}});
 }
 
+/// What belongs together as one row, beside each file for itself; and numbered slices, none of which is opened.
+void Folding() {
+    Use(Way::Reader);
+    ItemListingOptions const plain{.sort = ListingSort::Name};
+    ItemListingOptions folded = plain;
+    folded.folding = {.sidecars = true, .series = true, .folders = true};
+    Folder const mixed;
+    Fill(mixed.Path(), 100'000);
+    std::vector<double> ratios;
+    std::vector<double> times;
+    std::vector<double> others;
+    for (int round = 0; round < 7; ++round) {
+        Items items;
+        others.push_back(Ms([&] { items = ListLines(mixed.Path(), plain); }));
+        items.clear();
+        times.push_back(Ms([&] { items = ListLines(mixed.Path(), folded); }));
+        ratios.push_back(times.back() / others.back());
+    }
+    Figure("listing.folded / plain", Median(ratios), "x", {.limit = 1.3, .note = "100,000 files, by name"});
+    Figure("listing.folded, time", Median(times), "ms", {.alternatives = {{"each file for itself", Median(others)}}});
+
+    Folder const slices;
+    for (unsigned i = 1; i <= 20'000; ++i)
+        Tiff(slices.Path() + "/slice" + std::to_string(100'000 + i) + ".tif").AddPage(4, 4, 1);
+    Use(Way::Reader); // nobody knows these files yet
+    std::size_t rows = 0;
+    double const ms = Ms([&] { rows = ListLines(slices.Path(), folded).size(); });
+    if (rows != 1)
+        Fail("20,000 slices are " + std::to_string(rows) + " rows");
+    Figure("listing.slices_20000", ms, "ms",
+           {.limit = 150, .note = "20,000 numbered files as one row, the first time"});
+}
+
 Register const oneFolder("listing", [] { OneFolder(); });
 Register const manyFolders("listing.recursive", [] { ManyFolders(); });
 Register const images("listing.images", [] { Images(); });
+Register const folding("listing.folded", [] { Folding(); });
 Register const growth("listing.growth", [] { Growth(); });
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include "zelvar/base/PathStyle.h"
 #include "zelvar/data/BDIDrvrMngr.h"
+#include "zelvar/data/DataFolderLook.h"
 #include "zelvar/data/PlaceCheck.h"
 #include "zelvar/data/RDIDriver.h"
 #include "zelvar/data/RequestScope.h"
@@ -62,6 +63,19 @@ std::optional<bool> CanOpenNamed(DString const &path, char const *driverId, Requ
 bool IsUnclassified(DataSourceItem const &item) {
     auto const *const file = dynamic_cast<NtwDataSourceItem const *>(&item);
     return file != nullptr && file->IsUnclassified();
+}
+
+bool BecomeContainer(DataSourceItem &item) {
+    auto *const folder = dynamic_cast<NtwDataSourceItem *>(&item);
+    if (folder == nullptr || folder->GetType() != NtwDataSourceItem::TYPE_FOLDER || folder->IsUnreachable())
+        return false;
+    DString const path = folder->GetPath();
+    std::optional<FoundDataFolder> const found = path.starts_with('/') ? LookForDataFolder(path) : std::nullopt;
+    if (!found || !CanOpenAsRepository(path, nullptr))
+        return false;
+    folder->BecomeDataFolder(found->kind);
+    folder->SetClassified(true);
+    return true;
 }
 
 bool CanOpenAsRepository(DString const &path, char const *driverId) {

@@ -118,6 +118,9 @@ private:
     std::int64_t m_modified = 0; ///< nanoseconds since 1970 UTC; 0 if unknown
 };
 
+/// Makes a folder that is a data set of several images or layers a container of these; false for all else.
+[[nodiscard]] ZELVAR_API bool BecomeContainer(DataSourceItem &item);
+
 /// Whether nobody found out in time if something lies in the item: the next listing asks again.
 [[nodiscard]] ZELVAR_API bool IsUnclassified(DataSourceItem const &item);
 

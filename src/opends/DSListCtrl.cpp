@@ -16,6 +16,7 @@
 #include <QtGui/QPainter>
 
 #include <algorithm>
+#include <unordered_map>
 #include <utility>
 
 namespace zelvar {
@@ -355,6 +356,32 @@ void DSListCtrl::GetSelectedItems(ItemList &items) const {
 void DSListCtrl::ClearSelection() {
     for (std::uint32_t const row : SelectedRows())
         SetItemState(static_cast<int>(row), 0, LVIS_SELECTED);
+}
+
+std::vector<bool> DSListCtrl::SelectPaths(std::vector<DString> const &paths) {
+    MergePending();
+    m_listing->selectedPaths.Clear(); // what comes back quietly
+    std::unordered_map<DString, int> rows;
+    for (std::size_t row = 0; row < m_rows.size(); ++row)
+        if (m_rows[row] != nullptr)
+            rows.emplace(m_rows[row]->GetPath(), static_cast<int>(row));
+    ClearSelection();
+    std::vector<bool> found;
+    int first = -1;
+    for (DString const &path : paths) {
+        auto const at = rows.find(path);
+        found.push_back(at != rows.end());
+        if (at == rows.end())
+            continue;
+        SetItemState(at->second, LVIS_SELECTED, LVIS_SELECTED);
+        first = first < 0 ? at->second : std::min(first, at->second);
+    }
+    if (first >= 0) {
+        SetItemState(first, LVIS_FOCUSED, LVIS_FOCUSED);
+        SetSelectionMark(first);
+        EnsureVisible(first);
+    }
+    return found;
 }
 
 void DSListCtrl::Tell(platform::MessageId message, platform::MessageParam second) {

@@ -75,6 +75,9 @@ public:
     /// Appends the items of the selected rows, from top to bottom.
     void GetSelectedItems(ItemList &items) const;
     void ClearSelection();
+    /// Selects the rows of these paths and no other ones, once those that a listing has found are here; of each path
+    /// whether it is a row. Told as a selection of the user's.
+    std::vector<bool> SelectPaths(std::vector<DString> const &paths);
     [[nodiscard]] RefItemPtr<DataSourceItem> ItemAt(int row) const; ///< null outside the rows
     /// Whether the last double click, which is told whatever lies below it, hit no row.
     [[nodiscard]] bool WasDblClckBesideRows() const { return m_dblClckBesideRows; }

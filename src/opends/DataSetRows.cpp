@@ -36,11 +36,17 @@ DataSetRows::DataSetRows(Actions actions, bool foldsNumbered)
       m_unfolded(DUserCnfg(kSection).ReadString(kUnfoldedKey, "")) {}
 
 DataSetFolding DataSetRows::FoldingOf(ItemList const &roots) const {
-    return {.sidecars = !m_showsAll, .series = m_foldsNumbered && !m_unfolded.Contains(PathOf(roots)), .folders = true};
+    DString const path = PathOf(roots);
+    bool const isSingly = m_singly.contains(path);
+    return {.sidecars = !m_showsAll && !isSingly,
+            .series = m_foldsNumbered && !isSingly && !m_unfolded.Contains(path),
+            .folders = true};
 }
 
 void DataSetRows::ToggleNumbered(ItemList const &roots) {
     DString const path = PathOf(roots);
+    if (m_singly.erase(path) > 0)
+        return;
     if (m_unfolded.Contains(path))
         m_unfolded.Remove(path);
     else

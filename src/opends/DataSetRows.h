@@ -8,6 +8,7 @@
 
 #include <functional>
 #include <list>
+#include <set>
 
 class QWidget;
 
@@ -31,6 +32,8 @@ public:
     DataSetRows(Actions actions, bool foldsNumbered);
 
     [[nodiscard]] DataSetFolding FoldingOf(ItemList const &roots) const;
+    /// While this lives the numbered files and side-cars of that folder have rows of their own.
+    void ShowSingly(DString const &folder) { m_singly.insert(folder); }
     /// Runs the menu about the `selected` items of a list that shows the children of `roots`.
     void RunMenu(QWidget &list, QPoint screenPoint, ItemList const &roots, ItemList const &selected);
 
@@ -41,7 +44,8 @@ private:
     Actions m_actions;
     bool m_foldsNumbered;
     UnfoldedFolders m_unfolded;
-    bool m_showsAll = false; ///< each file for itself
+    std::set<DString> m_singly; ///< folders
+    bool m_showsAll = false;    ///< each file for itself
 };
 
 } // namespace zelvar

@@ -17,6 +17,7 @@
 #include "zelvar/opends/DataSourceList.h"
 #include "zelvar/opends/ExtrasFinder.h"
 #include "zelvar/opends/HierarchyList.h"
+#include "zelvar/opends/NamedData.h"
 #include "zelvar/opends/OpenDialogTemplate.h"
 #include "zelvar/opends/core/DialogState.h"
 #include "zelvar/platform/ui/ControlId.h"
@@ -203,19 +204,21 @@ void DlgOpenDS::AssignWndVars() {
     m_hierarchyList->GetPane(0)->setAccessibleName(platform::Shown("Hierarchy"));
 }
 
+void DlgOpenDS::ListDataSetsAgain() {
+    platform::EscapeWatch const watch; // one Escape for all lists
+    ListingsShared const shared;
+    for (DSListCtrl *const list : {m_folderList, m_mainList}) {
+        ItemList roots;
+        list->GetRootItems(roots);
+        list->ResetItems(roots);
+    }
+}
+
 void DlgOpenDS::CreateDataSetRows() {
+    auto const show = [this](RefItemPtr<DataSourceItem> item) { ShowItem(std::move(item)); };
     m_dataSetRows = std::make_unique<DataSetRows>(
-        DataSetRows::Actions{.listAgain =
-                                 [this] {
-                                     platform::EscapeWatch const watch; // one Escape for all lists
-                                     ListingsShared const shared;
-                                     for (DSListCtrl *const list : {m_folderList, m_mainList}) {
-                                         ItemList roots;
-                                         list->GetRootItems(roots);
-                                         list->ResetItems(roots);
-                                     }
-                                 },
-                             .show = [this](RefItemPtr<DataSourceItem> item) { ShowItem(std::move(item)); },
+        DataSetRows::Actions{.listAgain = [this] { ListDataSetsAgain(); },
+                             .show = show,
                              .moniker = [this](DataSourceItem const &item) { return MonikerOf(item); }},
         (m_features & kOpenSeries) != 0);
     auto const rule = [this](ItemList const &roots) { return m_dataSetRows->FoldingOf(roots); };
@@ -227,6 +230,18 @@ void DlgOpenDS::CreateDataSetRows() {
         m_mainList->GetRootItems(roots);
         m_dataSetRows->RunMenu(*m_mainList, screenPoint, roots, SelectedImages());
     });
+    m_namedData = std::make_unique<NamedData>(*this, *m_histCombo->lineEdit(), *m_mainList,
+                                              NamedData::Actions{.show = show,
+                                                                 .unfold =
+                                                                     [this](DString const &folder) {
+                                                                         m_dataSetRows->ShowSingly(folder);
+                                                                         ListDataSetsAgain();
+                                                                     },
+                                                                 .widen =
+                                                                     [this] {
+                                                                         m_fileFilterEdit->setText("*.*");
+                                                                         ApplyFileFilter("*.*", nullptr);
+                                                                     }});
 }
 
 void DlgOpenDS::InitializeLayout() {
@@ -304,6 +319,7 @@ bool DlgOpenDS::DestroyWindow() {
     m_layoutDone = m_isPlaceShown = false;
     m_splitter = nullptr;
     m_pathButtons.reset();
+    m_namedData.reset();
     return cdxCDynamicDialog::DestroyWindow();
 }
 
@@ -458,6 +474,8 @@ void DlgOpenDS::OnOK() {
 DString DlgOpenDS::MonikerOf(DataSourceItem const &item) const {
     m_propertyWnd->ApplyOptions();
     DString options = m_propertyWnd->GetOptionString();
+    if (options.empty() && m_namedData != nullptr)
+        options = m_namedData->OptionsOf(item.GetPath());
     if (dynamic_cast<SeriesItem const *>(&item) != nullptr && m_seriesMode != SeriesMode::Members)
         options += DString(options.empty() ? "" : "&") +
                    (m_seriesMode == SeriesMode::Frames ? "SERIES=frames" : "SERIES=slices");

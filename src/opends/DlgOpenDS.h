@@ -34,6 +34,7 @@ class DataSetRows;
 class DataSourceList;
 class ExtrasFinder;
 class HierarchyList;
+class NamedData;
 
 /// Open data source dialog: the modal dialog in which the user picks data items and gets monikers back.
 ///
@@ -178,6 +179,7 @@ private:
     [[nodiscard]] std::optional<bool> EnterLateContainer(RefItemPtr<DataSourceItem> const &item);
     void WriteSettings();
     void CreateDataSetRows();
+    void ListDataSetsAgain();
     /// What names the item, with the options that are set; a series as one.
     [[nodiscard]] DString MonikerOf(DataSourceItem const &item) const;
     void AddMonikers(DataSourceItem const &item);
@@ -206,7 +208,8 @@ private:
     QCheckBox *m_readOnlyCheck = nullptr;
     QCheckBox *m_editOnlyCheck = nullptr;
     std::unique_ptr<PathButtonRow> m_pathButtons;
-    std::unique_ptr<DataSetRows> m_dataSetRows; ///< null without that feature
+    std::unique_ptr<DataSetRows> m_dataSetRows; ///< null without that feature, as the next
+    std::unique_ptr<NamedData> m_namedData;
     unsigned const m_features = GetFeatures();
 
     bool m_layoutDone = false;

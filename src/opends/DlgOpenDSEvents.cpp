@@ -16,6 +16,7 @@
 #include "zelvar/opends/DlgOpenDS.h"
 #include "zelvar/opends/ExtrasFinder.h"
 #include "zelvar/opends/HierarchyList.h"
+#include "zelvar/opends/NamedData.h"
 #include "zelvar/opends/OpenDialogTemplate.h"
 #include "zelvar/platform/ui/ControlId.h"
 #include "zelvar/platform/ui/EllipsisLabel.h"
@@ -390,7 +391,7 @@ void DlgOpenDS::ProcessRefreshKey(QWidget *focus) {
 bool DlgOpenDS::ProcessReturnKey(QWidget *focus) {
     if (IsWithin(m_histCombo, focus)) {
         DString const path = FixPath(m_histCombo->GetWindowText().c_str());
-        if (!path.empty())
+        if (!path.empty() && (m_namedData == nullptr || !m_namedData->Show({path})))
             GoToDir(path, true);
         return true;
     }

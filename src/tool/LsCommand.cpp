@@ -1,6 +1,7 @@
 #include "zelvar/base/ByteEscapes.h"
 #include "zelvar/data/reader/DriverModule.h"
 #include "zelvar/model/ItemListing.h"
+#include "zelvar/model/NtwDataSourceItem.h"
 #include "zelvar/model/PlaceResolver.h"
 #include "zelvar/model/SeriesItem.h"
 #include "zelvar/model/TemplDataSourceItem.h"
@@ -135,8 +136,10 @@ int RunLs(std::vector<DString> const &words) {
     RefItemPtr<DataSourceItem> const place = ItemFromPlace(named);
     if (place == nullptr)
         return Failure(WithReason("cannot read '" + word + "'", named, kNotOpened));
-    Unread unread(place, word);
     bool const isAll = arguments->Has("--all");
+    if (!isAll)
+        std::ignore = BecomeContainer(*place);
+    Unread unread(place, word);
     // For as long as the process lives: to take 100,000 items apart would only keep it from ending.
     static auto &items = *new std::vector<ListedItem>;
     items = ListItems(place, {.foldersOnly = arguments->Has("--folders"),

@@ -11,6 +11,7 @@ namespace zelvar {
 namespace {
 
 using testing::Pair;
+using testing::UnorderedElementsAre;
 
 struct ItemListingTest : testing::Test {
     [[nodiscard]] RefItemPtr<DataSourceItem> Place() const {
@@ -26,6 +27,13 @@ struct ItemListingTest : testing::Test {
             lines.push_back(ToText(line.kind) + DString(" ") + path);
         }
         return lines;
+    }
+
+    static std::vector<DString> NamesOf(std::vector<ListedItem> const &lines) {
+        std::vector<DString> names;
+        for (ListedItem const &line : lines)
+            names.push_back(line.name);
+        return names;
     }
 
     test::ScriptedDrivers m_drivers;
@@ -70,6 +78,34 @@ TEST_F(ItemListingTest, ARecursiveListingGoesDepthFirstAndMasksFilesAlone) {
         m_folder.Write(file);
     EXPECT_THAT(Lines({.recursive = true, .filter = "*.tif"}),
                 ElementsAre("file x.tif", "file one/a.tif", "file one/deep/b.tif"));
+}
+
+TEST_F(ItemListingTest, FoldsWhatBelongsTogetherWithoutALookIntoIt) {
+    auto &driver = m_drivers.AddTree("tiff", "*.tif;*.ovr");
+    for (int i = 1; i <= 12; ++i)
+        m_folder.Write(Format("sub/s%02d.tif", i), "123");
+    for (char const *name : {"sub/a.tif", "sub/a.tif.ovr", "sub/s04.tfw", "sub/lone.tfw", "sub/cube/.zarray"})
+        m_folder.Write(name, "12345");
+    DataSetFolding const all{.sidecars = true, .series = true, .folders = true};
+    for (bool const recursive : {false, true}) { // a walk reads folders ahead
+        RefItemPtr<DataSourceItem> const place(NtwDataSourceItem::CreateItem(
+            recursive ? m_folder.Path().c_str() : (m_folder / "sub").c_str(), nullptr, nullptr));
+        driver.probes = 0;
+        std::map<DString, std::int64_t> sizes;
+        for (ListedItem const &line : ListItems(place, {.recursive = recursive, .folding = all}))
+            sizes[ToText(line.kind) + DString(" ") + line.name] = line.size;
+        EXPECT_THAT(sizes, ElementsAre(Pair("dataset cube", -1), Pair("file a.tif", 10), Pair("file lone.tfw", 5),
+                                       Pair("series s[01-12].tif", 41)));
+        EXPECT_EQ(driver.probes, 1) << "a.tif";
+        sizes.clear();
+        for (ListedItem const &line : ListItems(place, {.recursive = recursive, .filter = "a*", .folding = all}))
+            sizes[line.name] = line.size;
+        EXPECT_THAT(sizes, ElementsAre(Pair("a.tif", 10), Pair("cube", -1))) << "the mask leaves the side-car alone";
+    }
+    RefItemPtr<DataSourceItem> const sub(NtwDataSourceItem::CreateItem((m_folder / "sub").c_str(), nullptr, nullptr));
+    EXPECT_THAT(NamesOf(ListItems(sub, {.filter = "*.ovr", .folding = all})),
+                UnorderedElementsAre("cube", "a.tif.ovr"));
+    EXPECT_EQ(ListItems(sub, {}).size(), 17U);
 }
 
 TEST_F(ItemListingTest, ALinkThatLeadsBackIsNotFollowedTwice) {

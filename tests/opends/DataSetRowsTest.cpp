@@ -3,11 +3,16 @@
 #include "support/RealDrivers.h"
 #include "support/Told.h"
 #include "zelvar/base/DFileFrmt.h"
+#include "zelvar/controls/CZelComboBox.h"
 #include "zelvar/data/BDINode.h"
 #include "zelvar/opends/core/UnfoldedFolders.h"
 #include "zelvar/platform/ui/Text.h"
 
+#include <QtCore/QMimeData>
+#include <QtCore/QUrl>
 #include <QtGui/QClipboard>
+#include <QtGui/QDropEvent>
+#include <QtWidgets/QLineEdit>
 #include <QtWidgets/QMenu>
 
 #include <filesystem>
@@ -131,6 +136,61 @@ TEST_F(DataSets, AreTakenApartInTheMenuOfTheList) {
     // Numbered files stay as they were left, others are folded again.
     DialogPtr const next = Make(kOpenAll);
     Run(*next, 13, [&] { EXPECT_EQ(RowOf(*next->MainList(), "map.tfw"), -1); });
+}
+
+/// The names of the selected rows.
+std::vector<DString> Selected(DSListCtrl const &list) {
+    DSListCtrl::ItemList items;
+    list.GetSelectedItems(items);
+    std::vector<DString> names;
+    for (auto const &item : items)
+        names.push_back(item->GetName());
+    return names;
+}
+
+TEST_F(DataSets, AreSelectedByTheirNames) {
+    folder.Write("sub/deep a%20.tif", "x");
+    auto const url = [&](char const *name) { return QUrl::fromLocalFile(platform::ToQString(folder / name)); };
+    DialogPtr const dialog = Make(kOpenAll);
+    EXPECT_EQ(Run(*dialog, 3,
+                  [&] {
+                      DSListCtrl &list = *dialog->MainList();
+                      auto *const field = platform::GetDlgItem<CZelComboBox>(*dialog, kHistoryId)->lineEdit();
+                      auto const drop = [&](QList<QUrl> const &urls) {
+                          QMimeData data;
+                          data.setUrls(urls);
+                          QDragEnterEvent enter({}, Qt::CopyAction, &data, Qt::LeftButton, {});
+                          QApplication::sendEvent(dialog.get(), &enter);
+                          EXPECT_TRUE(enter.isAccepted());
+                          QDropEvent dropped({}, Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton, {});
+                          QApplication::sendEvent(dialog.get(), &dropped);
+                          EXPECT_EQ(dropped.dropAction(), Qt::CopyAction);
+                      };
+                      drop({url("sub")});
+                      EXPECT_TRUE(Eventually([&] { return list.GetNumRow() == 1; })) << "the folder is shown";
+                      drop({url("map.tif"), url("s[01-12].tif"), url("gone.tif")});
+                      EXPECT_THAT(Selected(list), ElementsAre("map.tif", "s[01-12].tif"));
+                      drop({url("sub/deep a%20.tif")});
+                      EXPECT_THAT(Selected(list), ElementsAre("deep a%20.tif"));
+                      field->setFocus();
+                      auto const paste = [&](DString const &text) {
+                          field->clear();
+                          QGuiApplication::clipboard()->setText(platform::ToQString(text));
+                          QTest::keySequence(field, QKeySequence::Paste);
+                      };
+                      paste(folder / "map.tif");
+                      EXPECT_EQ(platform::ToDString(field->text()), folder / "map.tif");
+                      QTest::keyClick(field, Qt::Key_Return);
+                      EXPECT_THAT(Selected(list), ElementsAre("map.tif"));
+                      dialog->ApplyFileFilter("*.img", nullptr);
+                      paste((folder / Name(3)) + "?A=1\n  " + (folder / Name(4)) + "\n\n");
+                      EXPECT_THAT(Selected(list), ElementsAre(Name(3), Name(4))) << "single ones, in spite of the mask";
+                      PressOk(*dialog);
+                  }),
+              QDialog::Accepted);
+    ASSERT_EQ(dialog->GetSelectedNodePaths().size(), 2U);
+    EXPECT_EQ(dialog->GetSelectedNodePaths()[0].GetText(), folder / Name(3) + "?A=1");
+    EXPECT_EQ(dialog->GetSelectedNodePaths()[1].GetText(), folder / Name(4));
 }
 
 TEST_F(DataSets, AreFilesOfTheirOwnWhereTheApplicationWantsNoneOfIt) {
