@@ -1,5 +1,6 @@
 #include "zelvar/model/SeriesItem.h"
 
+#include "zelvar/base/Translation.h"
 #include "zelvar/data/BDIMoniker.h"
 #include "zelvar/data/PlaceCheck.h"
 #include "zelvar/data/SeriesPlace.h"
@@ -37,6 +38,13 @@ DString SeriesItem::GetPath() const { return SeriesPlace{.folder = m_folder, .na
 
 DString SeriesItem::MemberPath(std::size_t member) const {
     return SeriesPlace{.folder = m_folder, .name = m_name}.MemberPath(m_slots[member]);
+}
+
+DString SeriesItem::ShownSummary() const {
+    if (m_slots.size() == m_name.Slots())
+        return Summary();
+    return Format(Translated("%zu of %llu, missing %s"), m_slots.size(),
+                  static_cast<unsigned long long>(m_name.Slots()), MissingOf(m_name, m_slots).c_str());
 }
 
 bool SeriesItem::GetModificationTime(SystemTime &time) const {

@@ -34,8 +34,10 @@ public:
     [[nodiscard]] std::size_t MemberCount() const { return m_slots.size(); }
     /// The path of a member, by the order of their numbers.
     [[nodiscard]] DString MemberPath(std::size_t member) const;
-    /// "120", or "118 of 120, missing 17, 64".
+    /// "120", or "118 of 120, missing 17, 64": for scripts.
     [[nodiscard]] DString Summary() const { return SeriesSummary(m_name, m_slots); }
+    /// The same in the user's language.
+    [[nodiscard]] DString ShownSummary() const;
 
 private:
     explicit SeriesItem(SeriesName name) : m_name(std::move(name)) {}

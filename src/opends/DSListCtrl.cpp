@@ -41,7 +41,7 @@ ListingSort SortOfColumn(int col) {
 /// Behind the name of a series stands how many it has, and which are missing.
 DString NameText(DataSourceItem const &item) {
     auto const *const series = dynamic_cast<SeriesItem const *>(&item);
-    return series == nullptr ? item.GetName() : series->GetName() + "   " + series->Summary();
+    return series == nullptr ? item.GetName() : series->GetName() + "   " + series->ShownSummary();
 }
 
 /// Cells are one pixel smaller than their column on every side.

@@ -148,18 +148,16 @@ std::uint64_t SeriesName::SlotOf(Values const &values) const {
     return slot;
 }
 
-DString SeriesSummary(SeriesName const &name, std::vector<std::uint64_t> const &slots, std::size_t most) {
-    DString text = std::to_string(slots.size());
-    if (slots.size() == name.Slots())
-        return text;
-    text.append(" of ").append(std::to_string(name.Slots()));
+DString MissingOf(SeriesName const &name, std::vector<std::uint64_t> const &slots) {
+    constexpr std::size_t kMostTold = 6;
+    DString text;
     std::size_t told = 0;
     auto const tell = [&](std::uint64_t first, std::uint64_t end) {
-        while (first < end && told <= most) {
-            text.append(told == 0 ? ", missing " : ", ");
+        while (first < end && told <= kMostTold) {
+            text.append(told == 0 ? "" : ", ");
             std::uint64_t const next = end - first > 2 ? end : first + 1;
-            text += told == most ? "..." : Shown(name, first);
-            if (told++ < most && next - first > 1)
+            text += told == kMostTold ? "..." : Shown(name, first);
+            if (told++ < kMostTold && next - first > 1)
                 text.append("-").append(Shown(name, next - 1));
             first = next;
         }
@@ -171,6 +169,13 @@ DString SeriesSummary(SeriesName const &name, std::vector<std::uint64_t> const &
     }
     tell(expected, name.Slots());
     return text;
+}
+
+DString SeriesSummary(SeriesName const &name, std::vector<std::uint64_t> const &slots) {
+    DString const count = std::to_string(slots.size());
+    return slots.size() == name.Slots()
+               ? count
+               : count + " of " + std::to_string(name.Slots()) + ", missing " + MissingOf(name, slots);
 }
 
 } // namespace zelvar

@@ -54,10 +54,11 @@ private:
     std::vector<Range> m_ranges;
 };
 
-/// How many of a series' members are there, and which are not: "120", or "118 of 120, missing 17, 64", runs of more
-/// than two as "5-9", several numbers of a member as "2/17", and at most `most` of them. `slots` are those of its
-/// members, ascending.
-[[nodiscard]] ZELVAR_API DString SeriesSummary(SeriesName const &name, std::vector<std::uint64_t> const &slots,
-                                               std::size_t most = 6);
+/// Which of a series' members are missing: "17, 64", runs of more than two as "5-9", several numbers of a member as
+/// "2/17", and "..." behind the first six. `slots` are those that are there, ascending.
+[[nodiscard]] ZELVAR_API DString MissingOf(SeriesName const &name, std::vector<std::uint64_t> const &slots);
+
+/// How many of a series' members are there, and which are not: "120", or "118 of 120, missing 17, 64". For scripts.
+[[nodiscard]] ZELVAR_API DString SeriesSummary(SeriesName const &name, std::vector<std::uint64_t> const &slots);
 
 } // namespace zelvar
