@@ -2,6 +2,7 @@
 
 #include "zelvar/base/DString.h"
 
+#include <cstdint>
 #include <functional>
 
 namespace zelvar {
@@ -33,16 +34,42 @@ public:
     static TraceHandler SetTraceHandler(TraceHandler handler);
 };
 
-/// Receives why a call failed: a short text for the log, empty while nothing failed.
+/// Receives why a call failed: a short text for the log, empty while nothing failed, and its cause as far as it is
+/// known.
 class DError {
 public:
-    void Set(DString text) { m_text = std::move(text); }
-    void Clear() { m_text.clear(); }
+    /// What kept data from being opened or read. The detail is stated where a cause has one.
+    enum class Cause {
+        Unknown,
+        Missing,      ///< nothing is there (any more)
+        NotPermitted, ///< the user may not read it
+        NotSupported, ///< no driver knows the data, or the driver cannot read this kind of them
+        Damaged,      ///< a driver knows the data and cannot read them; detail: the byte, where the library says it
+        NeedsPassword,
+        Refused,  ///< a driver knows the data and must not open them
+        Server,   ///< a server answered with an error; detail: its status code
+        Late,     ///< longer than its budget; detail: milliseconds
+        TooLarge, ///< more memory than a reader may take; detail: bytes
+        Crashed,  ///< the data end the process that reads them
+        NoAnswer, ///< the reader or the place does not answer
+    };
+
+    /// A detail of -1 means that none is known.
+    void Set(DString text, Cause cause = Cause::Unknown, std::int64_t detail = -1) {
+        m_text = std::move(text);
+        m_cause = cause;
+        m_detail = detail;
+    }
+    void Clear() { *this = DError(); }
     [[nodiscard]] bool IsSet() const { return !m_text.empty(); }
     [[nodiscard]] DString const &Text() const { return m_text; }
+    [[nodiscard]] Cause Why() const { return m_cause; }
+    [[nodiscard]] std::int64_t Detail() const { return m_detail; }
 
 private:
     DString m_text;
+    Cause m_cause = Cause::Unknown;
+    std::int64_t m_detail = -1;
 };
 
 } // namespace zelvar
