@@ -1,9 +1,9 @@
 #include "zelvar/model/datasets/SeriesFinder.h"
 
+#include "zelvar/model/datasets/HashedPlaces.h"
+
 #include <algorithm>
-#include <charconv>
 #include <numeric>
-#include <unordered_map>
 #include <utility>
 
 namespace zelvar {
@@ -14,113 +14,134 @@ constexpr std::size_t kFewest = 10;
 
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
-/// One stretch of a name: a number, or text up to the next one.
-struct Stretch {
-    std::string_view text{};
-    bool isNumber = false;
+/// A number in a name.
+struct Number {
+    std::uint32_t at = 0;
+    std::uint32_t digits = 0;
+    std::uint64_t value = 0;
 };
 
-Stretch NextStretch(std::string_view name, std::size_t at) {
-    std::size_t end = at;
-    while (end < name.size() && IsDigit(name[end]))
-        ++end;
-    if (end > at && end - at <= SeriesName::kMostDigits)
-        return {name.substr(at, end - at), true};
-    while (end < name.size() && !IsDigit(name[end]))
-        ++end;
-    return {name.substr(at, end - at)};
+bool IsZeroLed(Number const &number) {
+    std::uint64_t least = 1; // with as many digits
+    for (std::uint32_t digit = 1; digit < number.digits; ++digit)
+        least *= 10;
+    return number.value < least;
 }
 
-/// Equal for names that agree in all but their numbers; false for one that belongs to no series.
-bool HashOfTexts(std::string_view name, std::uint64_t &hash) {
-    bool hasNumber = false;
-    hash = 1469598103934665603U; // FNV-1a
-    for (std::size_t at = 0; at < name.size();) {
-        Stretch const next = NextStretch(name, at);
-        hasNumber = hasNumber || next.isNumber;
-        for (char const c : next.isNumber ? std::string_view("\0", 1) : next.text) {
-            if (c == '[' || c == ']')
-                return false;
-            hash = (hash ^ static_cast<unsigned char>(c)) * 1099511628211U;
+/// The names that hold numbers, each taken apart once.
+class NumberedNames {
+public:
+    using Names = std::span<std::string_view const>;
+
+    explicit NumberedNames(Names names) : m_names(names) {
+        for (std::uint32_t place = 0; place < names.size(); ++place) {
+            Entry entry{.place = place, .begin = m_numbers.size()};
+            if (Read(names[place], entry.hash) && m_numbers.size() > entry.begin)
+                m_entries.push_back(entry);
+            else
+                m_numbers.resize(entry.begin);
         }
-        at += next.text.size();
     }
-    return hasNumber;
-}
-
-bool AgreeInTexts(std::string_view a, std::string_view b) {
-    std::size_t atA = 0;
-    std::size_t atB = 0;
-    while (atA < a.size() && atB < b.size()) {
-        Stretch const nextA = NextStretch(a, atA);
-        Stretch const nextB = NextStretch(b, atB);
-        if (nextA.isNumber != nextB.isNumber || (!nextA.isNumber && nextA.text != nextB.text))
+    [[nodiscard]] std::size_t Size() const { return m_entries.size(); }
+    [[nodiscard]] std::uint32_t Place(std::size_t i) const { return m_entries[i].place; }
+    /// Equal for names that agree in all but their numbers.
+    [[nodiscard]] std::uint64_t Hash(std::size_t i) const { return m_entries[i].hash; }
+    [[nodiscard]] std::span<Number const> Numbers(std::size_t i) const {
+        std::size_t const end = i + 1 < m_entries.size() ? m_entries[i + 1].begin : m_numbers.size();
+        return std::span(m_numbers).subspan(m_entries[i].begin, end - m_entries[i].begin);
+    }
+    [[nodiscard]] bool AgreeInTexts(std::size_t a, std::size_t b) const {
+        std::size_t const columns = Numbers(a).size();
+        if (Numbers(b).size() != columns)
             return false;
-        atA += nextA.text.size();
-        atB += nextB.text.size();
+        for (std::size_t column = 0; column <= columns; ++column)
+            if (TextBefore(a, column) != TextBefore(b, column))
+                return false;
+        return true;
     }
-    return atA == a.size() && atB == b.size();
-}
+    /// What stands before the number of that column, behind the last one for their number.
+    [[nodiscard]] std::string_view TextBefore(std::size_t i, std::size_t column) const {
+        std::span<Number const> const numbers = Numbers(i);
+        std::size_t const begin = column == 0 ? 0 : numbers[column - 1].at + numbers[column - 1].digits;
+        std::string_view const name = m_names[m_entries[i].place];
+        return name.substr(begin, column < numbers.size() ? numbers[column].at - begin : std::string_view::npos);
+    }
+
+private:
+    struct Entry {
+        std::uint32_t place = 0;
+        std::size_t begin = 0; ///< its first number
+        std::uint64_t hash = 0;
+    };
+    /// Adds the numbers of the name; false for one that belongs to no series.
+    bool Read(std::string_view name, std::uint64_t &hash) {
+        constexpr std::uint64_t kPrime = 1099511628211U; // FNV-1a
+        hash = 1469598103934665603U;
+        for (std::size_t at = 0; at < name.size();) {
+            std::size_t end = at;
+            std::uint64_t value = 0;
+            for (; end < name.size() && IsDigit(name[end]); ++end)
+                value = value * 10 + static_cast<std::uint64_t>(name[end] - '0');
+            if (end > at && end - at <= SeriesName::kMostDigits) {
+                m_numbers.push_back({static_cast<std::uint32_t>(at), static_cast<std::uint32_t>(end - at), value});
+                hash *= kPrime; // as a zero byte would
+                at = end;
+                continue;
+            }
+            while (end < name.size() && !IsDigit(name[end]))
+                ++end;
+            for (; at < end; ++at) {
+                if (name[at] == '[' || name[at] == ']')
+                    return false;
+                hash = (hash ^ static_cast<unsigned char>(name[at])) * kPrime;
+            }
+        }
+        return true;
+    }
+
+    Names m_names;
+    std::vector<Entry> m_entries;
+    std::vector<Number> m_numbers; ///< of all names, one behind the other
+};
 
 /// Names that agree in all but their numbers, with these, one row a name.
 class Group {
 public:
-    Group(std::span<std::string_view const> names, std::vector<std::uint32_t> members) : m_members(std::move(members)) {
-        ReadTexts(names[m_members.front()]);
+    Group(NumberedNames const &names, std::vector<std::uint32_t> members)
+        : m_names(names), m_members(std::move(members)) {
+        m_columns = names.Numbers(m_members.front()).size();
+        for (std::size_t column = 0; column <= m_columns; ++column)
+            m_texts.emplace_back(names.TextBefore(m_members.front(), column));
         m_digits.assign(m_columns, static_cast<int>(SeriesName::kMostDigits));
         for (std::uint32_t const member : m_members)
-            ForEachNumber(names[member], [&](std::size_t column, std::string_view digits) {
-                m_digits[column] = std::min(m_digits[column], static_cast<int>(digits.size()));
-            });
-        // A number with leading zeros beyond the shortest one's length is written in another way.
-        std::erase_if(m_members, [&](std::uint32_t member) {
-            bool isOther = false;
-            ForEachNumber(names[member], [&](std::size_t column, std::string_view digits) {
-                isOther = isOther || (digits.front() == '0' && static_cast<int>(digits.size()) > m_digits[column]);
-            });
-            return isOther;
-        });
+            for (std::size_t column = 0; column < m_columns; ++column)
+                m_digits[column] = std::min(m_digits[column], static_cast<int>(names.Numbers(member)[column].digits));
+        std::erase_if(m_members, [&](std::uint32_t member) { return IsWrittenOtherwise(member); });
         m_values.reserve(m_members.size() * m_columns);
         for (std::uint32_t const member : m_members)
-            ForEachNumber(names[member], [&](std::size_t, std::string_view digits) {
-                std::uint64_t value = 0;
-                std::from_chars(digits.data(), digits.data() + digits.size(), value);
-                m_values.push_back(value);
-            });
+            for (Number const &number : names.Numbers(member))
+                m_values.push_back(number.value);
         m_order.resize(m_members.size());
         std::iota(m_order.begin(), m_order.end(), 0U);
-        std::sort(m_order.begin(), m_order.end(), [&](std::uint32_t a, std::uint32_t b) {
-            auto const rowA = m_values.begin() + static_cast<std::ptrdiff_t>(a * m_columns);
-            auto const rowB = m_values.begin() + static_cast<std::ptrdiff_t>(b * m_columns);
-            auto const width = static_cast<std::ptrdiff_t>(m_columns);
-            return std::lexicographical_compare(rowA, rowA + width, rowB, rowB + width);
+        std::sort(m_order.begin(), m_order.end(), [this](std::uint32_t a, std::uint32_t b) {
+            std::uint64_t const *const rowA = &m_values[a * m_columns];
+            std::uint64_t const *const rowB = &m_values[b * m_columns];
+            return std::lexicographical_compare(rowA, rowA + m_columns, rowB, rowB + m_columns);
         });
     }
 
     void AddSeries(std::vector<FoundSeries> &found) const { AddSeries(0, m_order.size(), 0, found); }
 
 private:
-    template <class Visit>
-    static void ForEachNumber(std::string_view name, Visit const &visit) {
-        std::size_t column = 0;
-        for (std::size_t at = 0; at < name.size();) {
-            Stretch const next = NextStretch(name, at);
-            if (next.isNumber)
-                visit(column++, next.text);
-            at += next.text.size();
+    /// A number with leading zeros beyond the shortest one's length is written in another way.
+    [[nodiscard]] bool IsWrittenOtherwise(std::uint32_t member) const {
+        std::span<Number const> const numbers = m_names.Numbers(member);
+        for (std::size_t column = 0; column < m_columns; ++column) {
+            auto const most = static_cast<std::uint32_t>(m_digits[column]);
+            if (numbers[column].digits > most && IsZeroLed(numbers[column]))
+                return true;
         }
-    }
-    void ReadTexts(std::string_view name) {
-        m_texts.emplace_back();
-        for (std::size_t at = 0; at < name.size();) {
-            Stretch const next = NextStretch(name, at);
-            if (next.isNumber)
-                m_texts.emplace_back();
-            else
-                m_texts.back().append(next.text);
-            at += next.text.size();
-        }
-        m_columns = m_texts.size() - 1;
+        return false;
     }
 
     [[nodiscard]] std::uint64_t Value(std::size_t row, std::size_t column) const {
@@ -206,7 +227,7 @@ private:
         if (series.name.Ranges().empty() || series.name.Slots() / 2 > end - begin)
             return std::nullopt;
         for (std::size_t row = begin; row < end; ++row) {
-            series.members.push_back(m_members[m_order[row]]);
+            series.members.push_back(m_names.Place(m_members[m_order[row]]));
             SeriesName::Values values;
             for (std::size_t const column : columns)
                 values.push_back(Value(row, column));
@@ -215,8 +236,9 @@ private:
         return series;
     }
 
-    std::vector<std::uint32_t> m_members;
-    std::vector<DString> m_texts; ///< before, between and behind the numbers
+    NumberedNames const &m_names;
+    std::vector<std::uint32_t> m_members; ///< among the numbered names
+    std::vector<DString> m_texts;         ///< before, between and behind the numbers
     std::size_t m_columns = 0;
     std::vector<int> m_digits; ///< fewest, by column
     std::vector<std::uint64_t> m_values;
@@ -226,28 +248,34 @@ private:
 } // namespace
 
 std::vector<FoundSeries> FindSeries(std::span<std::string_view const> names) {
+    NumberedNames const numbered(names);
     // By the hash of what they agree in; what only shares it with others is told apart below.
-    struct Like {
-        std::uint32_t count = 0;
-        std::vector<std::uint32_t> members{};
-    };
-    std::unordered_map<std::uint64_t, Like> alike;
-    std::vector<std::uint64_t> hashes(names.size());
-    std::vector<bool> isNumbered(names.size());
-    for (std::size_t i = 0; i < names.size(); ++i)
-        if (isNumbered[i] = HashOfTexts(names[i], hashes[i]); isNumbered[i])
-            ++alike[hashes[i]].count;
-    for (std::uint32_t i = 0; i < names.size(); ++i)
-        if (isNumbered[i])
-            if (Like &like = alike[hashes[i]]; like.count >= kFewest)
-                like.members.push_back(i);
+    HashedPlaces groups(numbered.Size());
+    std::vector<std::uint64_t> hashes; // of a group
+    std::vector<std::uint32_t> counts;
+    std::vector<std::uint32_t> groupOf(numbered.Size());
+    for (std::uint32_t i = 0; i < numbered.Size(); ++i) {
+        std::uint64_t const hash = numbered.Hash(i);
+        std::uint32_t &group = groups.At(hash, [&](std::uint32_t other) { return hashes[other] == hash; });
+        if (group == HashedPlaces::kNone) {
+            group = static_cast<std::uint32_t>(hashes.size());
+            hashes.push_back(hash);
+            counts.push_back(0);
+        }
+        groupOf[i] = group;
+        ++counts[group];
+    }
+    std::vector<std::vector<std::uint32_t>> members(hashes.size());
+    for (std::uint32_t i = 0; i < numbered.Size(); ++i)
+        if (counts[groupOf[i]] >= kFewest)
+            members[groupOf[i]].push_back(i);
     std::vector<FoundSeries> found;
-    for (auto &[hash, like] : alike) {
-        if (like.members.empty())
+    for (std::vector<std::uint32_t> &alike : members) {
+        if (alike.empty())
             continue;
-        std::string_view const first = names[like.members.front()];
-        std::erase_if(like.members, [&](std::uint32_t member) { return !AgreeInTexts(first, names[member]); });
-        Group(names, std::move(like.members)).AddSeries(found);
+        std::uint32_t const first = alike.front();
+        std::erase_if(alike, [&](std::uint32_t member) { return !numbered.AgreeInTexts(first, member); });
+        Group(numbered, std::move(alike)).AddSeries(found);
     }
     std::sort(found.begin(), found.end(),
               [](FoundSeries const &a, FoundSeries const &b) { return a.members.front() < b.members.front(); });

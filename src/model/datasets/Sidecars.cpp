@@ -1,6 +1,7 @@
 #include "zelvar/model/datasets/Sidecars.h"
 
 #include "zelvar/base/PathStyle.h"
+#include "zelvar/model/datasets/HashedPlaces.h"
 
 #include <algorithm>
 #include <array>
@@ -134,25 +135,25 @@ std::optional<std::size_t> RankIn(std::string_view list, std::string_view extens
 /// The files of a folder by what stands before their extension.
 class ByStem {
 public:
-    explicit ByStem(Names names) : m_names(names), m_next(names.size(), kNone) {
-        m_first.reserve(names.size());
+    explicit ByStem(Names names) : m_names(names), m_last(names.size()), m_next(names.size(), HashedPlaces::kNone) {
         for (Place i = 0; i < names.size(); ++i) {
-            auto const [at, isNew] = m_first.try_emplace(StemOf(names[i]), i);
-            if (!isNew)
-                m_next[i] = std::exchange(at->second, i);
+            std::string_view const stem = StemOf(names[i]);
+            Place &last = m_last.At(HashOf(stem), [&](Place place) { return StemOf(m_names[place]) == stem; });
+            m_next[i] = std::exchange(last, i);
         }
     }
     template <class Visit>
     void ForEach(std::string_view stem, Visit const &visit) const {
-        auto const at = m_first.find(stem);
-        for (Place i = at == m_first.end() ? kNone : at->second; i != kNone; i = m_next[i])
+        Place const last = m_last.Find(HashOf(stem), [&](Place place) { return StemOf(m_names[place]) == stem; });
+        for (Place i = last; i != HashedPlaces::kNone; i = m_next[i])
             visit(i);
     }
 
 private:
-    static constexpr Place kNone = ~Place{0};
+    static std::uint64_t HashOf(std::string_view stem) { return std::hash<std::string_view>()(stem); }
+
     Names m_names;
-    std::unordered_map<std::string_view, Place> m_first;
+    HashedPlaces m_last;
     std::vector<Place> m_next;
 };
 
