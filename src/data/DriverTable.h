@@ -8,6 +8,7 @@
 #include <memory>
 #include <mutex>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace zelvar {
@@ -95,13 +96,29 @@ private:
     std::vector<std::unique_ptr<Driver>> m_owned;
 };
 
+/// What `open` yields, which is given where to say why it opens nothing. Of what several drivers say so of the same
+/// data, `kept` keeps what tells most: a cause before "I know no such data", that before a mere text, the first of
+/// equals.
+template <class Open>
+void *OpenNoting(DError &kept, Open const &open) {
+    DError failure;
+    void *const opened = open(&failure);
+    auto const weightOf = [](DError const &error) {
+        using enum DError::Cause;
+        return !error.IsSet() ? 0 : error.Why() == Unknown ? 1 : error.Why() == NotSupported ? 2 : 3;
+    };
+    if (weightOf(failure) > weightOf(kept))
+        kept = std::move(failure);
+    return opened;
+}
+
 /// The end of an attempt to open: true for a handle. Else the reason, `nothing` if there is none yet, goes to the trace
 /// and to `error`, which may be null.
 inline bool IsOpened(void const *handle, DError &reason, DString const &nothing, DError *error) {
     if (handle != nullptr)
         return true;
     if (!reason.IsSet())
-        reason.Set(nothing);
+        reason.Set(nothing, DError::Cause::NotSupported);
     Report::TraceMessage(Report::kTraceDriver, "%s", reason.Text().c_str());
     if (error != nullptr)
         *error = reason;

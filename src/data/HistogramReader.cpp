@@ -2,7 +2,6 @@
 
 #include "zelvar/base/Aside.h"
 #include "zelvar/data/OpenImage.h"
-#include "zelvar/data/SeriesCheck.h"
 
 #include <algorithm>
 #include <charconv>
@@ -131,11 +130,6 @@ bool ReadAs(OpenImage const &image, int channel, int numSlots, StopSignal const 
     }
 }
 
-DString ReasonOf(OpenImage const &image, int channel) {
-    DString reason = image.Driver().GetAttrString(kReadError, image.Handle(), channel);
-    return reason.empty() ? "the samples cannot be read" : reason;
-}
-
 bool ReadChannel(OpenImage const &image, int channel, int numSlots, StopSignal const *stop, DHstg &histogram) {
     std::optional<double> const nodata =
         NumberOf(image.Driver().GetAttrString("RDI_Drvr_NoData", image.Handle(), channel));
@@ -181,9 +175,11 @@ bool ReadHistogram(BDIMoniker const &moniker, DString const &driverId, int chann
     if (image.IsOpen() && (channel < 0 || channel >= image.Driver().GetNumChnl(image.Handle())))
         own.Set("there is no channel " + std::to_string(channel + 1));
     else if (image.IsOpen() && !ReadChannel(image, channel, numSlots, stop, histogram))
-        own.Set(IsStopped(stop) ? "stopped" : ReasonOf(image, channel));
+        own = IsStopped(stop) ? DError() : image.Driver().GetReadError(image.Handle());
     else if (image.IsOpen())
         return true;
+    if (!own.IsSet())
+        own.Set(IsStopped(stop) ? "stopped" : "the samples cannot be read");
     histogram = {};
     if (error != nullptr)
         *error = std::move(own);

@@ -18,10 +18,10 @@ struct ImageInfo {
     DString differences; ///< between them, as far as there was time to look, see `DifferencesOf`
 };
 
-/// Reads the properties of the image behind a moniker. False, and `info` unchanged, if it is no image. `driverId` may
-/// be empty; `stop` may be null. Any thread.
+/// Reads the properties of the image behind a moniker. False, and `info` unchanged, if it is no image; `*error` then
+/// says why. `driverId` may be empty; `stop` and `error` may be null. Any thread.
 [[nodiscard]] ZELVAR_API bool ReadImageInfo(BDIMoniker const &moniker, DString const &driverId, StopSignal const *stop,
-                                            ImageInfo &info);
+                                            ImageInfo &info, DError *error = nullptr);
 
 /// Whether a picture of an image smaller than the picture is larger than the image.
 enum class Enlarge { No, Yes };
@@ -30,9 +30,13 @@ enum class Enlarge { No, Yes };
 /// fewer as grey from the first, one with a palette in the palette's colours. Samples wider than 8 bits are reduced by
 /// `ScaleDataBuf`.
 ///
+/// A damaged image is shown as far as it can be read, and black below: true, `*error` is `Damaged` and says "damaged:
+/// 37 of 120 rows read", and `*read` the same in numbers, else zeros.
+///
 /// False, and `picture` empty, if it is no image, was stopped, or has 33,587,208 pixels or more without a pyramid: that
-/// would take too long. Any thread.
+/// would take too long, and `*error` says nothing then. `error` and `read` may be null. Any thread.
 [[nodiscard]] ZELVAR_API bool ReadPreview(BDIMoniker const &moniker, DString const &driverId, StopSignal const *stop,
-                                          DCanvas &picture, Enlarge enlarge = Enlarge::Yes);
+                                          DCanvas &picture, Enlarge enlarge = Enlarge::Yes, DError *error = nullptr,
+                                          RDIRowsRead *read = nullptr);
 
 } // namespace zelvar

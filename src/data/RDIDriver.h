@@ -37,6 +37,22 @@ enum RDIDataType {
                                                                             : 0;
 }
 
+/// A window of an image, pixels, and the size that it is brought to.
+struct RDIWindow {
+    double x = 0;
+    double y = 0;
+    double width = 0;
+    double height = 0;
+    int outWidth = 0;
+    int outHeight = 0;
+};
+
+/// How much of damaged data could be read.
+struct RDIRowsRead {
+    int rows = 0;
+    int all = 0; ///< 0 where nothing was damaged
+};
+
 /// Raster data interface driver: reads channels of images.
 ///
 /// A handle belongs to the thread that opened it.
@@ -92,6 +108,21 @@ public:
                                   int outWidth, int outHeight) {
         static_cast<void>(handle), static_cast<void>(x), static_cast<void>(y), static_cast<void>(width);
         static_cast<void>(height), static_cast<void>(rgb), static_cast<void>(outWidth), static_cast<void>(outHeight);
+        return false;
+    }
+
+    /// Why pixels could not be read the last time; not set where the driver does not say.
+    [[nodiscard]] virtual DError GetReadError(void *handle) const {
+        static_cast<void>(handle);
+        return {};
+    }
+    /// For an image that is damaged (`GetReadError`) the same as `ReadChannelsRsmpl`, or with a `count` of 0 as
+    /// `ReadPaletteRsmpl`, as far as it goes: what cannot be read is zeros, and `read` says how many rows of the window
+    /// came. It may take some seconds longer. False if there are none, it was stopped, or the driver has no such means.
+    virtual bool SalvageRsmpl(void *handle, int channel, int count, RDIWindow const &window, void *buffer,
+                              int resampling, RDIRowsRead &read) {
+        static_cast<void>(handle), static_cast<void>(channel), static_cast<void>(count), static_cast<void>(window);
+        static_cast<void>(buffer), static_cast<void>(resampling), static_cast<void>(read);
         return false;
     }
 };

@@ -34,16 +34,18 @@ bool RDIDriverMngr::OpenFile(BDIMoniker const &moniker, RDIDriver **driver, void
     RDIDriver *const ofSeries = m_impl->table.Find(kSeriesDriver);
     auto const openWith = [&](RDIDriver &named) {
         *driver = &named;
-        return named.OpenFile(full, stop, &reason);
+        return OpenNoting(reason, [&](DError *failure) { return named.OpenFile(full, stop, failure); });
     };
     if (full.IsEmpty())
-        reason.Set("nothing to open");
+        reason.Set("nothing to open", DError::Cause::Missing);
     else if (ofSeries != nullptr && m_impl->table.Find(driverId) == nullptr && SeriesOf(full))
         *handle = openWith(*ofSeries);
     // On a server nobody has looked whether a file is called so.
     if (*handle == nullptr && (!reason.IsSet() || full.IsUrl()))
         *handle = m_impl->table.OpenNamedOrFirst(driverId, openWith, [&](RDIDriver &candidate) {
-            return &candidate == ofSeries ? nullptr : candidate.OpenFileInFamily(full, driver, stop, &reason);
+            return OpenNoting(reason, [&](DError *failure) {
+                return &candidate == ofSeries ? nullptr : candidate.OpenFileInFamily(full, driver, stop, failure);
+            });
         });
     if (*handle == nullptr)
         *driver = nullptr;

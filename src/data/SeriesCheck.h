@@ -40,11 +40,10 @@ struct SeriesCheck {
     [[nodiscard]] static std::optional<SeriesCheck> FromText(std::string_view text);
 };
 
-/// Attributes that the driver of series knows besides the usual ones: "118 of 120, missing 17, 64"; the state of the
-/// look at the members, which each question takes on by some 100 ms; and why pixels could not be read the last time.
+/// Attributes that the driver of series knows besides the usual ones: "118 of 120, missing 17, 64"; and the state of
+/// the look at the members, which each question takes on by some 100 ms.
 inline constexpr char kSeriesMembers[] = "RDI_Drvr_Series_Members";
 inline constexpr char kSeriesCheck[] = "RDI_Drvr_Series_Check";
-inline constexpr char kReadError[] = "RDI_Drvr_Read_Error";
 
 /// Opens members of the series one by one and compares them, in an order that comes everywhere soon, until all were
 /// looked at, `budget` is over or `stop`, which may be null, is set. A member that is being opened then is waited for.

@@ -100,18 +100,23 @@ std::span<PropertyRow const> PropertyRows() { return kRows; }
 std::span<PropertyRow const> SeriesPropertyRows() { return kSeriesRows; }
 
 bool ReadItemProperties(DString const &path, DString const &driverId, DString const &options, DLGTemplate dlgTemplate,
-                        StopSignal const *stop, PropertyMap &props) {
+                        StopSignal const *stop, PropertyMap &props, DError *error) {
     props.clear();
+    if (error != nullptr)
+        error->Clear();
     if (path.empty())
         return false;
-    if (platform::IsSmbAddress(path) && !DoesPlaceAnswer(path))
-        return false; // a reader would wait as long again
+    if (platform::IsSmbAddress(path) && !DoesPlaceAnswer(path)) { // a reader would wait as long again
+        if (error != nullptr)
+            error->Set("its place does not answer", DError::Cause::NoAnswer);
+        return false;
+    }
     BDIMoniker const moniker = MakeMoniker(path, options);
     ReadFileRows(path, moniker, props);
     if (PicksDocument(dlgTemplate))
         return true;
     ImageInfo info;
-    if (!ReadImageInfo(moniker, driverId, stop, info))
+    if (!ReadImageInfo(moniker, driverId, stop, info, error))
         return false;
     props[kChannels] = Format("%d", info.channels);
     props[kImageHeight] = Format("%d", info.height);
@@ -130,8 +135,8 @@ bool ReadItemProperties(DString const &path, DString const &driverId, DString co
 }
 
 bool ReadItemPreview(DString const &path, DString const &driverId, DString const &options, StopSignal const *stop,
-                     DCanvas &canvas, Enlarge enlarge) {
-    return ReadPreview(MakeMoniker(path, options), driverId, stop, canvas, enlarge);
+                     DCanvas &canvas, Enlarge enlarge, DError *error, RDIRowsRead *read) {
+    return ReadPreview(MakeMoniker(path, options), driverId, stop, canvas, enlarge, error, read);
 }
 
 } // namespace zelvar

@@ -27,13 +27,16 @@ struct PropertyRow {
 
 /// Reads what is known of an item: of the file behind it, and, unless a document is picked, of the image in it.
 /// `options` is what stands behind "?". True if the item could be opened as an image, or if a document is picked; a
-/// file that cannot be asked leaves its rows out and is no failure. Any thread; `stop` may be null.
+/// file that cannot be asked leaves its rows out and is no failure. Any thread; `stop` may be null, and so may `error`,
+/// which else says why no image was opened.
 ZELVAR_API bool ReadItemProperties(DString const &path, DString const &driverId, DString const &options,
-                                   DLGTemplate dlgTemplate, StopSignal const *stop, PropertyMap &props);
+                                   DLGTemplate dlgTemplate, StopSignal const *stop, PropertyMap &props,
+                                   DError *error = nullptr);
 
 /// Reads a picture of the item, its longer side 1024 pixels, or without enlarging at most that. False, and `canvas`
-/// cleared, if there is none: no image, too large without a pyramid, damaged, or stopped.
+/// cleared, if there is none: no image, too large without a pyramid, or stopped. `error` and `read` as `ReadPreview`.
 ZELVAR_API bool ReadItemPreview(DString const &path, DString const &driverId, DString const &options,
-                                StopSignal const *stop, DCanvas &canvas, Enlarge enlarge = Enlarge::Yes);
+                                StopSignal const *stop, DCanvas &canvas, Enlarge enlarge = Enlarge::Yes,
+                                DError *error = nullptr, RDIRowsRead *read = nullptr);
 
 } // namespace zelvar

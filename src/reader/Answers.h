@@ -1,10 +1,8 @@
 #pragma once
 
-#include "zelvar/base/DString.h"
-#include "zelvar/data/Refusal.h"
+#include "zelvar/base/Report.h"
 
 #include <memory>
-#include <tuple>
 #include <utility>
 
 #include <Messages_generated.h>
@@ -23,20 +21,26 @@ template <class Body>
     return answer;
 }
 
-[[nodiscard]] inline Answer Failure(DString reason, bool isRefusal = false) {
+[[nodiscard]] inline Answer Failure(DError const &error) {
     wire::FailedT failed;
-    failed.reason = std::move(reason);
-    failed.isRefusal = isRefusal;
+    failed.reason = error.Text();
+    failed.cause = static_cast<std::uint32_t>(error.Why());
+    failed.detail = error.Detail();
     return Say(std::move(failed));
+}
+[[nodiscard]] inline Answer Failure(DString reason, DError::Cause cause = DError::Cause::Unknown) {
+    DError error;
+    error.Set(std::move(reason), cause);
+    return Failure(error);
 }
 
 /// What `work` answers for the thing that the request names, opened where it is not open yet; else why there is none.
 template <class Opened, class Spec, class Work>
 [[nodiscard]] Answer With(Opened &opened, std::unique_ptr<Spec> const &spec, Work work) {
-    DString reason = kIncomplete;
-    std::ignore = TakeRefusal(); // of a request before
-    auto *const found = spec == nullptr ? nullptr : opened.Find(*spec, reason);
-    return found == nullptr ? Failure(std::move(reason), TakeRefusal()) : work(*found);
+    DError error;
+    error.Set(kIncomplete);
+    auto *const found = spec == nullptr ? nullptr : opened.Find(*spec, error);
+    return found == nullptr ? Failure(error) : work(*found);
 }
 
 } // namespace zelvar::reader

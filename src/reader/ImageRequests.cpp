@@ -76,15 +76,32 @@ Answer ImageRequests::ReadPixels(wire::ReadPixelsT const &asked) {
         if (bytesEach == 0 || m_pixels == nullptr ||
             pixels > std::min<std::uint64_t>(asked.bytes, m_pixels->Size()) / static_cast<std::uint64_t>(bytesEach))
             return Failure("no memory for the pixels");
+        wire::PixelsReadT read;
         bool const isRead =
-            asked.palette
+            asked.salvage ? Salvage(asked, image, read)
+            : asked.palette
                 ? image.driver->ReadPaletteRsmpl(image.handle, asked.x, asked.y, asked.width, asked.height,
                                                  m_pixels->Data(), asked.outWidth, asked.outHeight)
                 : image.driver->ReadChannelsRsmpl(image.handle, channel, asked.channels, asked.x, asked.y, asked.width,
                                                   asked.height, m_pixels->Data(), asked.outWidth, asked.outHeight,
                                                   asked.resampling, asked.usePyramid, asked.clip);
-        return isRead ? Say(wire::PixelsReadT{}) : Failure(m_stop->load() ? kStopped : "the pixels cannot be read");
+        if (isRead)
+            return Say(read);
+        DError const error = image.driver->GetReadError(image.handle);
+        return error.IsSet() && !m_stop->load() ? Failure(error)
+                                                : Failure(m_stop->load() ? kStopped : "the pixels cannot be read");
     });
+}
+
+bool ImageRequests::Salvage(wire::ReadPixelsT const &asked, OpenImages::Image const &image, wire::PixelsReadT &read) {
+    RDIWindow const window{asked.x, asked.y, asked.width, asked.height, asked.outWidth, asked.outHeight};
+    RDIRowsRead rows;
+    if (!image.driver->SalvageRsmpl(image.handle, asked.palette ? 0 : asked.channel, asked.palette ? 0 : asked.channels,
+                                    window, m_pixels->Data(), asked.resampling, rows))
+        return false;
+    read.rows = rows.rows;
+    read.wanted = rows.all;
+    return true;
 }
 
 } // namespace zelvar::reader

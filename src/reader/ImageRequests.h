@@ -22,6 +22,8 @@ public:
     void SetPixels(std::unique_ptr<wire::SharedMemory> pixels) { m_pixels = std::move(pixels); }
 
 private:
+    [[nodiscard]] bool Salvage(wire::ReadPixelsT const &asked, OpenImages::Image const &image, wire::PixelsReadT &read);
+
     StopSignal const *m_stop;
     OpenImages m_images;
     std::unique_ptr<wire::SharedMemory> m_pixels;

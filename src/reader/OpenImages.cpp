@@ -23,22 +23,23 @@ std::unique_ptr<wire::ChannelT> OpenImages::Image::Describe(int channel) const {
     return facts;
 }
 
-OpenImages::Image *OpenImages::Find(wire::ImageSpecT const &spec, DString &reason) {
+OpenImages::Image *OpenImages::Find(wire::ImageSpecT const &spec, DError &error) {
     if (Image *const open = m_images.Find(spec.id); open != nullptr)
         return open;
     auto image = std::make_unique<Image>();
     image->driver = RDIDriverMngr::Instance()->GetDriver(spec.driver.c_str());
     if (image->driver == nullptr) {
-        reason = "no raster driver " + spec.driver;
+        error.Set("no raster driver " + spec.driver, DError::Cause::NotSupported);
         return nullptr;
     }
-    DError error;
+    error.Clear();
     BDIMoniker const moniker(spec.moniker, nullptr);
     RDIDriver &asked = *image->driver;
     image->handle = spec.family ? asked.OpenFileInFamily(moniker, &image->driver, m_stop, &error)
                                 : asked.OpenFile(moniker, m_stop, &error);
     if (image->handle == nullptr) {
-        reason = error.IsSet() ? error.Text() : spec.driver + " does not open " + spec.moniker;
+        if (!error.IsSet())
+            error.Set(spec.driver + " does not open " + spec.moniker);
         return nullptr;
     }
     return m_images.Add(spec.id, std::move(image));

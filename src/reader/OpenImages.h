@@ -25,8 +25,8 @@ public:
 
     /// `stop` is handed to the drivers and outlives all images.
     explicit OpenImages(StopSignal const &stop) : m_stop(&stop) {}
-    /// Null, with the reason in `reason`, if it does not open.
-    Image *Find(wire::ImageSpecT const &spec, DString &reason);
+    /// Null, with the reason in `error`, if it does not open.
+    Image *Find(wire::ImageSpecT const &spec, DError &error);
     void Close(std::uint64_t id) { m_images.Remove(id); }
 
 private:

@@ -22,8 +22,8 @@ public:
 
     /// `stop` is handed to the drivers and outlives all tables.
     explicit OpenTables(StopSignal const &stop) : m_stop(&stop) {}
-    /// Null, with the reason in `reason`, if it does not open.
-    Table *Find(wire::TableSpecT const &spec, DString &reason);
+    /// Null, with the reason in `error`, if it does not open.
+    Table *Find(wire::TableSpecT const &spec, DError &error);
     void Close(std::uint64_t id) { m_tables.Remove(id); }
 
 private:

@@ -11,13 +11,13 @@ OpenTrees::Tree::~Tree() {
         driver->CloseRepository(repository);
 }
 
-OpenTrees::Tree *OpenTrees::Find(wire::TreeSpecT const &spec, DString &reason) {
+OpenTrees::Tree *OpenTrees::Find(wire::TreeSpecT const &spec, DError &error) {
     if (Tree *const open = m_trees.Find(spec.id); open != nullptr)
         return open;
     auto tree = std::make_unique<Tree>();
     tree->driver = BDIDrvrMngr::Instance()->GetDrvr(spec.driver.c_str());
     if (tree->driver == nullptr) {
-        reason = "no tree driver " + spec.driver;
+        error.Set("no tree driver " + spec.driver, DError::Cause::NotSupported);
         return nullptr;
     }
     char const *const filter = spec.filter.empty() ? nullptr : spec.filter.c_str();
@@ -25,7 +25,7 @@ OpenTrees::Tree *OpenTrees::Find(wire::TreeSpecT const &spec, DString &reason) {
     tree->repository = spec.family ? asked.OpenRepositoryInFamily(spec.url.c_str(), &tree->driver, &tree->root, filter)
                                    : asked.OpenRepository(spec.url.c_str(), &tree->root, filter);
     if (tree->repository == nullptr) {
-        reason = spec.driver + " does not open " + spec.url;
+        error.Set(spec.driver + " does not open " + spec.url);
         tree->root = nullptr; // what a driver left there that opened nothing is none
         return nullptr;
     }

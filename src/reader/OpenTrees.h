@@ -1,5 +1,6 @@
 #pragma once
 
+#include "zelvar/base/Report.h"
 #include "zelvar/data/BDIDrvr.h"
 #include "zelvar/reader/RecentlyUsed.h"
 
@@ -22,8 +23,8 @@ public:
         ~Tree();
     };
 
-    /// Null, with the reason in `reason`, if it does not open.
-    Tree *Find(wire::TreeSpecT const &spec, DString &reason);
+    /// Null, with the reason in `error`, if it does not open.
+    Tree *Find(wire::TreeSpecT const &spec, DError &error);
     void Close(std::uint64_t id) { m_trees.Remove(id); }
 
 private:

@@ -19,6 +19,12 @@ namespace {
 
 using MaybeAnswer = std::optional<wire::AnswerBodyUnion>;
 
+DError OutOfMemory(std::uint64_t most) {
+    DError error;
+    error.Set("out of memory", DError::Cause::TooLarge, most == 0 ? -1 : static_cast<std::int64_t>(most));
+    return error;
+}
+
 /// What a driver throws is an answer too.
 MaybeAnswer Guarded(RequestHandler &handler, RequestQueue::Entry &entry) {
     if (entry.isStopped)
@@ -27,7 +33,7 @@ MaybeAnswer Guarded(RequestHandler &handler, RequestQueue::Entry &entry) {
         MemoryLimit const limit(entry.request->memory);
         return handler.Handle(entry.request->body, std::move(entry.file));
     } catch (std::bad_alloc const &) {
-        return Failure("out of memory");
+        return Failure(OutOfMemory(entry.request->memory));
     } catch (std::exception const &failure) {
         return Failure(failure.what());
     } catch (...) {

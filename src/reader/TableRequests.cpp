@@ -57,7 +57,9 @@ Answer TableRequests::WithPlaces(Asked const &asked, Work const &work) {
         Answer answer = work(table, known, error);
         if (answer.type != wire::AnswerBody::NONE)
             return answer;
-        return Failure(m_stop->load() ? kStopped : error.IsSet() ? error.Text() : "the rows cannot be read");
+        if (m_stop->load())
+            return Failure(kStopped);
+        return error.IsSet() ? Failure(error) : Failure("the rows cannot be read");
     });
 }
 

@@ -2,7 +2,6 @@
 
 #include "zelvar/base/FileDescriptor.h"
 #include "zelvar/base/PathStyle.h"
-#include "zelvar/data/Refusal.h"
 #include "zelvar/data/gdal/DataFolders.h"
 #include "zelvar/data/gdal/LandsatScene.h"
 #include "zelvar/data/gdal/Siblings.h"
@@ -83,9 +82,9 @@ DString TakeQuery(BDIMoniker const &moniker, std::vector<std::pair<DString, DStr
     return query;
 }
 
-std::optional<Source> Refuse(DError *error, DString reason) {
+std::optional<Source> Refuse(DError *error, DString reason, DError::Cause cause = DError::Cause::Unknown) {
     if (error != nullptr)
-        error->Set(std::move(reason));
+        error->Set(std::move(reason), cause);
     return std::nullopt;
 }
 
@@ -210,7 +209,8 @@ std::optional<Source> Resolve(BDIMoniker const &moniker, DError *error) {
         if (zelvar::IsUrl(source.name))
             source.name = VirtualNameOf(source.name);
         if (source.name.empty() || IsIn(source.name, "/vsistdin"))
-            return Refuse(error, "the address \"" + source.text + "\" is of no known kind");
+            return Refuse(error, "the address \"" + source.text + "\" is of no known kind",
+                          DError::Cause::NotSupported);
         return source;
     }
     source.diskPath = BDIMoniker(source.name, nullptr).FindFile();
@@ -218,14 +218,14 @@ std::optional<Source> Resolve(BDIMoniker const &moniker, DError *error) {
         source.name = source.diskPath;
     struct stat info {};
     if (source.diskPath.empty() || stat(source.diskPath.c_str(), &info) != 0 || UsesForeignFileSystem(source.name))
-        return Refuse(error, "\"" + source.text + "\" is not there");
+        return Refuse(error, "\"" + source.text + "\" is not there", DError::Cause::Missing);
     if (S_ISREG(info.st_mode))
         return source;
     auto const folder = S_ISDIR(info.st_mode) ? LookForDataFolder(source.diskPath) : std::nullopt;
     if (!folder)
-        return Refuse(error, "\"" + source.text + "\" is no plain file");
+        return Refuse(error, "\"" + source.text + "\" is no plain file", DError::Cause::NotSupported);
     if (DString reason = ReasonAgainstFolder(source.diskPath, folder->kind); !reason.empty())
-        return Refuse(error, std::move(reason));
+        return Refuse(error, std::move(reason), DError::Cause::Refused);
     source.folder = folder->kind;
     if (source.name == source.diskPath)
         source.name = folder->entry;
@@ -271,8 +271,7 @@ OpenedSource Open(Source const &source, unsigned flags, Format const *only, DErr
             if (format->id == "netCDF" || format->id.starts_with("HDF5") || format->id == "BAG")
                 SilenceHdf5();
             if (DString reason = IsVirtual(*format) ? ReasonAgainstVirtual(source.name) : DString(); !reason.empty()) {
-                NoteRefusal();
-                std::ignore = Refuse(error, std::move(reason));
+                std::ignore = Refuse(error, std::move(reason), DError::Cause::Refused);
                 return opened;
             }
             std::vector<DString> const options = OpenOptionsFor(source, *format);

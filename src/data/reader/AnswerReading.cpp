@@ -7,6 +7,21 @@
 
 namespace zelvar {
 
+DError FailureOf(wire::AnswerT const *answer, DError const &otherwise) {
+    using Cause = DError::Cause;
+    wire::FailedT const *const failed = answer == nullptr ? nullptr : answer->body.AsFailed();
+    if (answer == nullptr)
+        return otherwise;
+    DError error;
+    error.Set("its reader says nothing of use");
+    if (failed != nullptr && !failed->reason.empty())
+        error.Set(failed->reason,
+                  failed->cause <= static_cast<std::uint32_t>(Cause::NoAnswer) ? static_cast<Cause>(failed->cause)
+                                                                               : Cause::Unknown,
+                  std::max<std::int64_t>(failed->detail, -1));
+    return error;
+}
+
 std::vector<BDINode> NodesFrom(wire::ChildrenT &&children) {
     std::vector<BDINode> nodes;
     nodes.reserve(children.nodes.size());

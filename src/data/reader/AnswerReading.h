@@ -21,6 +21,9 @@ template <class Body>
     return isThere ? static_cast<Body *>(answer->body.value) : nullptr;
 }
 
+/// Why there is no such answer: what the reader says, else `otherwise`, why it says nothing.
+[[nodiscard]] DError FailureOf(wire::AnswerT const *answer, DError const &otherwise);
+
 /// Those that are there.
 [[nodiscard]] std::vector<BDINode> NodesFrom(wire::ChildrenT &&children);
 

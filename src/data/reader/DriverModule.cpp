@@ -51,7 +51,7 @@ void AddRemoteDrivers() {
     Readers::Answer const answer = Readers::Instance().Ask(call, wire::ListDriversT());
     wire::DriversT *const drivers = answer.message == nullptr ? nullptr : answer.message->body.AsDrivers();
     if (drivers == nullptr) {
-        Report::TraceMessage(Report::kTraceOpen, "no drivers: %s", answer.reason.c_str());
+        Report::TraceMessage(Report::kTraceOpen, "no drivers: %s", answer.error.Text().c_str());
         return;
     }
     for (auto const &facts : drivers->trees)
@@ -99,7 +99,7 @@ void WarmReaders() {
     Readers::Instance().Pool().Warm({.listing = false, .network = false});
 }
 
-DString ReaderFailureOf(DString const &moniker) { return Readers::Instance().Verdicts().FailureOf(moniker); }
+DString ReaderFailureOf(DString const &moniker) { return Readers::Instance().Verdicts().FailureOf(moniker).Text(); }
 
 ReaderCounts CountReaders() { return Readers::Instance().Pool().Counts(); }
 

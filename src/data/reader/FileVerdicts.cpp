@@ -39,17 +39,17 @@ void FileVerdicts::Clear() {
     m_failures.clear();
 }
 
-void FileVerdicts::SetFailure(DString const &moniker, DString reason) {
+void FileVerdicts::SetFailure(DString const &moniker, DError error) {
     std::lock_guard const lock(m_mutex);
     if (m_failures.size() >= kMost)
         m_failures.clear();
-    m_failures[moniker] = std::move(reason);
+    m_failures[moniker] = std::move(error);
 }
 
-DString FileVerdicts::FailureOf(DString const &moniker) const {
+DError FileVerdicts::FailureOf(DString const &moniker) const {
     std::lock_guard const lock(m_mutex);
     auto const at = m_failures.find(moniker);
-    return at == m_failures.end() ? DString() : at->second;
+    return at == m_failures.end() ? DError() : at->second;
 }
 
 } // namespace zelvar

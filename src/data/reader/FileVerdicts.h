@@ -1,6 +1,6 @@
 #pragma once
 
-#include "zelvar/base/DString.h"
+#include "zelvar/base/Report.h"
 #include "zelvar/data/reader/ReaderProcess.h"
 
 #include <chrono>
@@ -15,7 +15,7 @@ class FileVerdicts {
 public:
     using Stamp = ReaderProcess::Stamp;
     struct Verdict {
-        DString reason;
+        DError error;
         Stamp stamp;
         /// Of a probe that came late: the time it was given; a longer one may try again. 0 for a reader that crashed or
         /// outgrew its memory: nobody tries again.
@@ -38,15 +38,15 @@ public:
 
     /// What a reader said last of a moniker whose request it did not survive, also where that is no verdict: a request
     /// that was late may be asked again.
-    void SetFailure(DString const &moniker, DString reason);
-    [[nodiscard]] DString FailureOf(DString const &moniker) const;
+    void SetFailure(DString const &moniker, DError error);
+    [[nodiscard]] DError FailureOf(DString const &moniker) const;
 
 private:
     static constexpr std::size_t kMost = 10'000; // then all of it goes
 
     mutable std::mutex m_mutex;
     std::unordered_map<DString, Verdict> m_verdicts;
-    std::unordered_map<DString, DString> m_failures;
+    std::unordered_map<DString, DError> m_failures;
 };
 
 } // namespace zelvar

@@ -1,6 +1,6 @@
 #include "zelvar/data/reader/Readers.h"
 
-#include "zelvar/base/Report.h"
+#include "zelvar/data/reader/AnswerReading.h"
 #include "zelvar/data/reader/Places.h"
 
 #include <algorithm>
@@ -61,6 +61,12 @@ private:
     std::chrono::nanoseconds m_had{0};
 };
 
+DError Because(char const *text, DError::Cause cause = DError::Cause::Unknown, std::int64_t detail = -1) {
+    DError error;
+    error.Set(text, cause, detail);
+    return error;
+}
+
 double MillisecondsSince(Clock::time_point begin) {
     return std::chrono::duration<double, std::milli>(Clock::now() - begin).count();
 }
@@ -113,7 +119,7 @@ Readers::Terms Readers::TermsOf(Call const &call) const {
     return terms;
 }
 
-bool Readers::IsRefused(Call const &call, Terms const &terms, DString &reason) {
+bool Readers::IsRefused(Call const &call, Terms const &terms, DError &error) {
     if (call.subject.empty())
         return false;
     std::optional<FileVerdicts::Verdict> const verdict = m_verdicts.Find(call.subject, terms.time);
@@ -127,13 +133,13 @@ bool Readers::IsRefused(Call const &call, Terms const &terms, DString &reason) {
             same = stamp == nullptr || verdict->stamp == FileVerdicts::Stamp{stamp->modified, stamp->size};
         }
         if (same) {
-            reason = verdict->reason;
+            error = verdict->error;
             return true;
         }
         m_verdicts.Forget(call.subject);
     }
     if (m_pool.HasHeld() && m_pool.IsBlocked(PlaceOfMoniker(call.subject))) {
-        reason = "its place does not answer";
+        error.Set("its place does not answer", DError::Cause::NoAnswer);
         return true;
     }
     return false;
@@ -143,25 +149,26 @@ Readers::Answer Readers::Exchange(Call const &call, MakeRequest const &make) {
     Terms const terms = TermsOf(call);
     Answer answer;
     RequestScope *const scope = RequestScope::Current();
-    auto const giveUp = [&](DString reason) -> Answer && {
-        answer.reason = std::move(reason);
+    auto const giveUp = [&](DError error) -> Answer && {
+        answer.error = std::move(error);
         if (scope != nullptr)
             scope->SetUnanswered();
         return std::move(answer);
     };
     if (terms.isStopped() || terms.time <= milliseconds(0))
-        return giveUp("stopped");
-    if (DString reason; IsRefused(call, terms, reason))
-        return giveUp(std::move(reason));
+        return giveUp(Because("stopped"));
+    if (DError error; IsRefused(call, terms, error))
+        return giveUp(std::move(error));
 
     ReaderPool::Loan loan = Borrow(call, terms);
     if (!loan)
-        return giveUp("no reader is free");
+        return giveUp(Because("no reader is free", DError::Cause::NoAnswer));
     std::uint64_t const number = ++m_lastNumber;
     bool isNew = false;
     wire::SharedMemory *const pixels = call.pixelBytes == 0 ? nullptr : loan->Pixels(call.pixelBytes, &isNew);
     if (call.pixelBytes != 0 && pixels == nullptr)
-        return giveUp("no memory for the pixels");
+        return giveUp(
+            Because("no memory for the pixels", DError::Cause::TooLarge, static_cast<std::int64_t>(call.pixelBytes)));
     answer.pixels = pixels;
     answer.reader = loan->Number();
 
@@ -281,8 +288,18 @@ Readers::Outcome Readers::GiveUp(ReaderPool::Loan const &loan, Terms const &term
     return why;
 }
 
-DString Readers::Conclude(ReaderPool::Loan const &loan, Call const &call, Terms const &terms, std::uint64_t number,
-                          Outcome outcome) {
+void Readers::SayNotOpened(DString const &moniker, Answer const &answer, DError *error) {
+    DError reason = FailureOf(answer.message.get(), answer.error);
+    if (answer.message == nullptr)
+        reason.Set("\"" + moniker + "\": " + reason.Text(), reason.Why(), reason.Detail());
+    else if (reason.Why() == DError::Cause::Refused)
+        m_verdicts.SetFailure(moniker, reason);
+    if (error != nullptr)
+        *error = std::move(reason);
+}
+
+DError Readers::Conclude(ReaderPool::Loan const &loan, Call const &call, Terms const &terms, std::uint64_t number,
+                         Outcome outcome) {
     bool const own = outcome.ending == Ending::Crashed || outcome.ending == Ending::TooLarge;
     std::optional<FileVerdicts::Stamp> const stamp = loan->StampOf(number);
     // One that has only begun is not to blame: it goes on, and its late answer is passed over.
@@ -299,25 +316,30 @@ DString Readers::Conclude(ReaderPool::Loan const &loan, Call const &call, Terms 
                                    ? outcome.had
                                    : std::chrono::ceil<milliseconds>(Clock::now() - terms.begin);
     if (outcome.ending == Ending::Stopped || loan->IsTerminated())
-        return "stopped";
+        return Because("stopped");
     if (starting)
-        return "the reader starts slowly";
+        return Because("the reader starts slowly", DError::Cause::NoAnswer);
 
-    DString reason;
+    DError reason;
     bool const hadItsTime = own || outcome.had >= terms.time;
-    if (outcome.ending == Ending::Late)
-        reason = Format(hadItsTime ? "its reader took longer than %g s" : "its reader got less than %g s to work in",
-                        static_cast<double>(terms.time.count()) / 1000);
-    else if (outcome.ending == Ending::TooLarge)
-        reason = Format("its reader took more than %d MB", static_cast<int>((terms.memory + kOwnMemory) >> 20U));
+    double const seconds = static_cast<double>(terms.time.count()) / 1000;
+    std::uint64_t const memory = terms.memory + kOwnMemory;
+    if (outcome.ending == Ending::TooLarge)
+        reason.Set(Format("its reader took more than %d MB", static_cast<int>(memory >> 20U)), DError::Cause::TooLarge,
+                   static_cast<std::int64_t>(memory));
+    else if (outcome.ending != Ending::Late)
+        reason.Set("its reader " + (loan->Ending().empty() ? DString("went away") : loan->Ending()),
+                   DError::Cause::Crashed);
+    else if (hadItsTime)
+        reason.Set(Format("its reader took longer than %g s", seconds), DError::Cause::Late, terms.time.count());
     else
-        reason = "its reader " + (loan->Ending().empty() ? DString("went away") : loan->Ending());
+        reason.Set(Format("its reader got less than %g s to work in", seconds), DError::Cause::NoAnswer);
     Report::TraceMessage(Report::kTraceOpen, "reader %d (process %d), %s of \"%s\": %s", loan->Number(),
-                         static_cast<int>(loan->Pid()), call.what, call.subject.c_str(), reason.c_str());
+                         static_cast<int>(loan->Pid()), call.what, call.subject.c_str(), reason.Text().c_str());
     if (call.subject.empty() || !stamp)
         return reason;
     m_verdicts.SetFailure(call.subject, reason);
-    FileVerdicts::Verdict verdict{.reason = reason, .stamp = *stamp};
+    FileVerdicts::Verdict verdict{.error = reason, .stamp = *stamp};
     if (!own)
         verdict.givenTime = terms.time;
     if (stamp->size < 0)

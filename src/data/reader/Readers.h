@@ -1,6 +1,7 @@
 #pragma once
 
 #include "zelvar/base/ProcessMoments.h"
+#include "zelvar/base/Report.h"
 #include "zelvar/data/RDIDriver.h"
 #include "zelvar/data/reader/FileVerdicts.h"
 #include "zelvar/data/reader/ProbeMemory.h"
@@ -43,7 +44,7 @@ public:
     };
     struct Answer {
         std::unique_ptr<wire::AnswerT> message; ///< null if there is none
-        DString reason;                         ///< why not
+        DError error;                           ///< why not
         int reader = 0;                         ///< its number
         ReaderPool::Loan loan{};                ///< keeps the shared memory as it is
         wire::SharedMemory *pixels = nullptr;   ///< the memory
@@ -55,6 +56,9 @@ public:
             return wire::PackRequest(number, memory, std::move(body));
         });
     }
+    /// Why a tree, an image or a table was not opened, into `*error`, which may be null. A refusal is told of the
+    /// moniker as well, where "no driver reads it" is passed over in silence.
+    void SayNotOpened(DString const &moniker, Answer const &answer, DError *error);
     /// Says something that is not answered, if that reader is there; it need not be free.
     template <class Body>
     void Tell(int reader, Body body) {
@@ -84,7 +88,7 @@ private:
     void AfterFork(Side side) override;
     Answer Exchange(Call const &call, MakeRequest const &make);
     [[nodiscard]] Terms TermsOf(Call const &call) const;
-    [[nodiscard]] bool IsRefused(Call const &call, Terms const &terms, DString &reason);
+    [[nodiscard]] bool IsRefused(Call const &call, Terms const &terms, DError &error);
     struct Outcome {
         Ending ending = Ending::Crashed;
         bool inStep = false;              ///< the reader has no request under way any more
@@ -98,9 +102,9 @@ private:
     static wire::MessageChannel::Result Receive(ReaderPool::Loan const &loan,
                                                 wire::MessageChannel::Clock::time_point deadline, std::uint64_t number,
                                                 Answer &answer);
-    /// Ends a reader that is not in step, and remembers what is to be remembered. The reason, in words.
-    DString Conclude(ReaderPool::Loan const &loan, Call const &call, Terms const &terms, std::uint64_t number,
-                     Outcome outcome);
+    /// Ends a reader that is not in step, and remembers what is to be remembered. The reason.
+    DError Conclude(ReaderPool::Loan const &loan, Call const &call, Terms const &terms, std::uint64_t number,
+                    Outcome outcome);
     static bool Send(ReaderPool::Loan const &loan, std::span<std::uint8_t const> message, int file);
 
     ReaderPool m_pool;

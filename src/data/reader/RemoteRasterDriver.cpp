@@ -21,9 +21,11 @@ struct Image {
     int reader = 0; ///< that has it open, as far as we know
     wire::ImageOpenedT facts;
     std::map<int, ChannelFacts> moreChannels; ///< behind those that came with the opening
+    DError readError;
 };
 
 constexpr std::size_t kFilesTogether = 256;
+constexpr int kColorBytes = 3;
 constexpr std::chrono::milliseconds kFindTime{500};
 
 bool IsAddress(DString const &path) { return BDIMoniker(path, nullptr).IsUrl(); }
@@ -74,25 +76,32 @@ std::optional<std::size_t> BytesOf(int width, int height, int sample) {
     return static_cast<std::size_t>(pixels * static_cast<std::uint64_t>(sample));
 }
 
-wire::ReadPixelsT WindowRequest(double x, double y, double width, double height, int outWidth, int outHeight) {
+wire::ReadPixelsT WindowRequest(RDIWindow const &window) {
     wire::ReadPixelsT body;
-    body.x = x;
-    body.y = y;
-    body.width = width;
-    body.height = height;
-    body.outWidth = outWidth;
-    body.outHeight = outHeight;
+    body.x = window.x;
+    body.y = window.y;
+    body.width = window.width;
+    body.height = window.height;
+    body.outWidth = window.outWidth;
+    body.outHeight = window.outHeight;
     return body;
 }
 
-bool Read(Image &image, wire::ReadPixelsT body, std::optional<std::size_t> bytes, void *buffer) {
+bool Read(Image &image, wire::ReadPixelsT body, std::optional<std::size_t> bytes, void *buffer,
+          RDIRowsRead *read = nullptr) {
+    image.readError.Clear();
     if (!bytes || buffer == nullptr)
         return false;
     body.bytes = *bytes;
     Readers::Answer const answer = AskAbout(image, "pixels", RequestKind::Preview, std::move(body), *bytes);
-    if (BodyOf<wire::PixelsReadT>(answer.message.get()) == nullptr)
+    auto const *const pixels = BodyOf<wire::PixelsReadT>(answer.message.get());
+    if (pixels == nullptr) {
+        image.readError = FailureOf(answer.message.get(), answer.error);
         return false;
+    }
     std::memcpy(buffer, answer.pixels->Data(), *bytes);
+    if (read != nullptr)
+        *read = {.rows = std::clamp(pixels->rows, 0, std::max(pixels->wanted, 0)), .all = std::max(pixels->wanted, 0)};
     return true;
 }
 
@@ -147,24 +156,13 @@ void *RemoteRasterDriver::Open(BDIMoniker const &moniker, RDIDriver **opener, St
     image->spec.moniker = moniker.GetText();
     image->stop = stop;
     Readers::Answer const answer = AskAbout(*image, "image", RequestKind::Properties, wire::OpenImageT());
-    DString reason = answer.reason;
-    if (answer.message != nullptr) {
-        if (auto *const opened = BodyOf<wire::ImageOpenedT>(answer.message.get())) {
-            image->facts = std::move(*opened);
-            RDIDriver *const named = RDIDriverMngr::Instance()->GetDriver(image->facts.driver.c_str());
-            *opener = dynamic_cast<RemoteRasterDriver *>(named) != nullptr ? named : this;
-            return image.release();
-        }
-        if (wire::FailedT const *const failed = BodyOf<wire::FailedT>(answer.message.get())) {
-            reason = failed->reason;
-            if (failed->isRefusal)
-                Readers::Instance().Verdicts().SetFailure(moniker.GetText(), reason);
-        }
-    } else {
-        reason = "\"" + moniker.GetText() + "\": " + reason;
+    if (auto *const opened = BodyOf<wire::ImageOpenedT>(answer.message.get())) {
+        image->facts = std::move(*opened);
+        RDIDriver *const named = RDIDriverMngr::Instance()->GetDriver(image->facts.driver.c_str());
+        *opener = dynamic_cast<RemoteRasterDriver *>(named) != nullptr ? named : this;
+        return image.release();
     }
-    if (error != nullptr)
-        error->Set(reason);
+    Readers::Instance().SayNotOpened(moniker.GetText(), answer, error);
     return nullptr;
 }
 
@@ -229,30 +227,49 @@ bool RemoteRasterDriver::ReadBlockRsmpl(void *handle, int channel, double x, dou
                              usePyramid, clip);
 }
 
+/// Bytes of a sample of so many channels together; 0 if they are not there, or not of one type.
+int RemoteRasterDriver::SampleBytes(void *handle, int channel, int count) const {
+    if (channel < 0 || count < 1 || count > GetNumChnl(handle) - channel)
+        return 0;
+    int const type = GetChnlDataType(handle, channel);
+    for (int i = channel + 1; i < channel + count; ++i)
+        if (GetChnlDataType(handle, i) != type)
+            return 0;
+    return count * RDIGetDTSize(type);
+}
+
 bool RemoteRasterDriver::ReadChannelsRsmpl(void *handle, int channel, int count, double x, double y, double width,
                                            double height, void *buffer, int outWidth, int outHeight, int resampling,
                                            bool usePyramid, bool clip) {
-    if (channel < 0 || count < 1 || count > GetNumChnl(handle) - channel)
-        return false;
-    wire::ReadPixelsT body = WindowRequest(x, y, width, height, outWidth, outHeight);
+    wire::ReadPixelsT body = WindowRequest({x, y, width, height, outWidth, outHeight});
     body.channel = channel;
     body.channels = count;
     body.resampling = resampling;
     body.usePyramid = usePyramid;
     body.clip = clip;
-    int const type = GetChnlDataType(handle, channel);
-    for (int i = channel + 1; i < channel + count; ++i)
-        if (GetChnlDataType(handle, i) != type)
-            return false;
-    int const sample = count * RDIGetDTSize(type);
+    int const sample = SampleBytes(handle, channel, count);
     return Read(Of(handle), std::move(body), BytesOf(outWidth, outHeight, sample), buffer);
 }
 
 bool RemoteRasterDriver::ReadPaletteRsmpl(void *handle, double x, double y, double width, double height, void *rgb,
                                           int outWidth, int outHeight) {
-    wire::ReadPixelsT body = WindowRequest(x, y, width, height, outWidth, outHeight);
+    wire::ReadPixelsT body = WindowRequest({x, y, width, height, outWidth, outHeight});
     body.palette = true;
-    return Read(Of(handle), std::move(body), BytesOf(outWidth, outHeight, 3), rgb);
+    return Read(Of(handle), std::move(body), BytesOf(outWidth, outHeight, kColorBytes), rgb);
+}
+
+DError RemoteRasterDriver::GetReadError(void *handle) const { return Of(handle).readError; }
+
+bool RemoteRasterDriver::SalvageRsmpl(void *handle, int channel, int count, RDIWindow const &window, void *buffer,
+                                      int resampling, RDIRowsRead &read) {
+    wire::ReadPixelsT body = WindowRequest(window);
+    body.salvage = true;
+    body.palette = count == 0;
+    body.channel = channel;
+    body.channels = std::max(count, 1);
+    body.resampling = resampling;
+    int const sample = body.palette ? kColorBytes : SampleBytes(handle, channel, count);
+    return Read(Of(handle), std::move(body), BytesOf(window.outWidth, window.outHeight, sample), buffer, &read);
 }
 
 } // namespace zelvar

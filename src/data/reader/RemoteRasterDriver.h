@@ -38,8 +38,12 @@ public:
                            bool clip) override;
     bool ReadPaletteRsmpl(void *handle, double x, double y, double width, double height, void *rgb, int outWidth,
                           int outHeight) override;
+    [[nodiscard]] DError GetReadError(void *handle) const override;
+    bool SalvageRsmpl(void *handle, int channel, int count, RDIWindow const &window, void *buffer, int resampling,
+                      RDIRowsRead &read) override;
 
 private:
+    [[nodiscard]] int SampleBytes(void *handle, int channel, int count) const;
     void *Open(BDIMoniker const &moniker, RDIDriver **opener, StopSignal const *stop, DError *error, bool family);
 
     wire::DriverFactsT m_facts;

@@ -53,12 +53,11 @@ Said *SaidIn(Readers::Answer const &answer, Table const &table, DError *error) {
     Said *const said = BodyOf<Said>(answer.message.get());
     if (said != nullptr)
         return said;
-    wire::FailedT const *const failed = BodyOf<wire::FailedT>(answer.message.get());
-    DString const reason = failed == nullptr ? answer.reason : failed->reason;
-    if (failed != nullptr)
+    DError const reason = FailureOf(answer.message.get(), answer.error);
+    if (answer.message != nullptr)
         Readers::Instance().Verdicts().SetFailure(table.spec.moniker, reason);
     if (error != nullptr)
-        error->Set(reason);
+        *error = reason;
     return nullptr;
 }
 
@@ -73,26 +72,15 @@ void *RemoteTableDriver::Open(BDIMoniker const &moniker, ADIDriver **opener, Sto
     table->spec.moniker = moniker.GetText();
     table->stop = stop;
     Readers::Answer const answer = AskAbout(*table, "table", wire::OpenTableT());
-    DString reason = answer.reason;
-    if (answer.message != nullptr) {
-        if (auto *const opened = BodyOf<wire::TableOpenedT>(answer.message.get())) {
-            table->encoding = ToValidUtf8(opened->encoding);
-            table->keepsPlaces = opened->keepsPlaces;
-            table->columns = ColumnsFrom(std::move(*opened));
-            ADIDriver *const named = ADIDriverMngr::Instance()->GetDriver(opened->driver.c_str());
-            *opener = dynamic_cast<RemoteTableDriver *>(named) != nullptr ? named : this;
-            return table.release();
-        }
-        if (wire::FailedT const *const failed = BodyOf<wire::FailedT>(answer.message.get())) {
-            reason = failed->reason;
-            if (failed->isRefusal)
-                Readers::Instance().Verdicts().SetFailure(moniker.GetText(), reason);
-        }
-    } else {
-        reason = "\"" + moniker.GetText() + "\": " + reason;
+    if (auto *const opened = BodyOf<wire::TableOpenedT>(answer.message.get())) {
+        table->encoding = ToValidUtf8(opened->encoding);
+        table->keepsPlaces = opened->keepsPlaces;
+        table->columns = ColumnsFrom(std::move(*opened));
+        ADIDriver *const named = ADIDriverMngr::Instance()->GetDriver(opened->driver.c_str());
+        *opener = dynamic_cast<RemoteTableDriver *>(named) != nullptr ? named : this;
+        return table.release();
     }
-    if (error != nullptr)
-        error->Set(reason);
+    Readers::Instance().SayNotOpened(moniker.GetText(), answer, error);
     return nullptr;
 }
 

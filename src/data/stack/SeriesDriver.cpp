@@ -60,8 +60,6 @@ DString SeriesDriver::GetAttrString(char const *name, void *handle, int channel)
         return image.Summary();
     if (std::strcmp(name, kSeriesCheck) == 0)
         return image.TakeOnCheck().ToText();
-    if (std::strcmp(name, kReadError) == 0)
-        return image.LastError();
     return image.TextOf(name, channel);
 }
 
@@ -89,6 +87,8 @@ bool SeriesDriver::ReadChannelsRsmpl(void *handle, int channel, int count, doubl
         return false;
     }
 }
+
+DError SeriesDriver::GetReadError(void *handle) const { return Of(handle).LastError(); }
 
 bool SeriesDriver::ReadPaletteRsmpl(void *handle, double x, double y, double width, double height, void *rgb,
                                     int outWidth, int outHeight) {

@@ -31,6 +31,7 @@ public:
                            bool clip) override;
     bool ReadPaletteRsmpl(void *handle, double x, double y, double width, double height, void *rgb, int outWidth,
                           int outHeight) override;
+    [[nodiscard]] DError GetReadError(void *handle) const override;
 };
 
 /// Adds the driver to the manager, behind the others, if there are others. To be called by a driver provider.

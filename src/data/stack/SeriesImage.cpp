@@ -170,7 +170,7 @@ OpenImage *SeriesImage::MemberAt(std::uint64_t slot) {
     DError error;
     std::unique_ptr<OpenImage> image = OpenMember(slot, error);
     if (image == nullptr) {
-        m_lastError = "\"" + m_place.MemberPath(slot) + "\": " + error.Text();
+        m_lastError.Set("\"" + m_place.MemberPath(slot) + "\": " + error.Text(), error.Why(), error.Detail());
         return nullptr;
     }
     bool areAlike = FactsOf(*image) == m_facts;
@@ -178,7 +178,8 @@ OpenImage *SeriesImage::MemberAt(std::uint64_t slot) {
         areAlike = image->Driver().GetChnlDataType(image->Handle(), channel) == m_types[static_cast<unsigned>(channel)];
     RDIGeoCoo const geo = image->Driver().GetChnlGeoCode(image->Handle(), 0);
     if (!areAlike || geo.numSlices != m_geo.numSlices || geo.numTimeFrames != m_geo.numTimeFrames) {
-        m_lastError = "\"" + m_place.MemberPath(slot) + "\" is not like the other files of its series";
+        m_lastError.Set("\"" + m_place.MemberPath(slot) + "\" is not like the other files of its series",
+                        DError::Cause::NotSupported);
         return nullptr;
     }
     m_open.push_front({slot, std::move(image)});
@@ -246,8 +247,10 @@ bool SeriesImage::ReadCell(Cell cell, int channel, int count, SeriesWindow const
     if (!member->Driver().ReadChannelsRsmpl(member->Handle(), channel % m_facts.channels, count, x, y, width, height,
                                             isWhole ? planes : own.data(), columns.Length(), rows.Length(),
                                             window.resampling, window.usePyramid, window.clip)) {
-        m_lastError = "\"" + m_place.Path() + "\": the samples of one file cannot be read: " +
-                      DString(FileNameOf(m_place.MemberPath(m_open.front().slot)));
+        DError const reason = member->Driver().GetReadError(member->Handle());
+        m_lastError.Set("\"" + m_place.Path() + "\": the samples of one file cannot be read: " +
+                            DString(FileNameOf(m_place.MemberPath(m_open.front().slot))),
+                        reason.Why(), reason.Detail());
         return false;
     }
     std::size_t const outRow = static_cast<std::size_t>(window.outWidth) * sample;
@@ -281,7 +284,7 @@ bool SeriesImage::Read(int channel, int count, SeriesWindow const &window, unsig
             for (int column = columns.begin; column < columns.end; ++column)
                 if (IsStopped() || !ReadCell({column, row}, channel, together, window, planes)) {
                     if (!IsStopped())
-                        Report::TraceMessage(Report::kTraceDriver, "%s", m_lastError.c_str());
+                        Report::TraceMessage(Report::kTraceDriver, "%s", m_lastError.Text().c_str());
                     return false;
                 }
         planes += plane * static_cast<std::size_t>(together);

@@ -48,7 +48,7 @@ public:
     [[nodiscard]] bool Read(int channel, int count, SeriesWindow const &window, unsigned char *planes);
     /// A window inside one cell.
     [[nodiscard]] bool ReadPalette(SeriesWindow const &window, unsigned char *rgb);
-    [[nodiscard]] DString const &LastError() const { return m_lastError; }
+    [[nodiscard]] DError const &LastError() const { return m_lastError; }
 
     /// Looks at further members for a while.
     [[nodiscard]] SeriesCheck const &TakeOnCheck();
@@ -89,7 +89,7 @@ private:
     std::list<Member> m_open; ///< the one that was used last in front
     SeriesCheck m_check;
     std::uint64_t m_checkStep = 1;
-    DString m_lastError;
+    DError m_lastError;
 };
 
 } // namespace zelvar

@@ -30,15 +30,19 @@ bool ADIDriverMngr::OpenTable(BDIMoniker const &moniker, ADIDriver **driver, voi
     *handle = nullptr;
     DError reason;
     if (moniker.IsEmpty())
-        reason.Set("nothing to open");
+        reason.Set("nothing to open", DError::Cause::Missing);
     else
         *handle = m_impl->table.OpenNamedOrFirst(
             driverId,
             [&](ADIDriver &named) {
                 *driver = &named;
-                return named.OpenTable(moniker, stop, &reason);
+                return OpenNoting(reason, [&](DError *failure) { return named.OpenTable(moniker, stop, failure); });
             },
-            [&](ADIDriver &candidate) { return candidate.OpenTableInFamily(moniker, driver, stop, &reason); });
+            [&](ADIDriver &candidate) {
+                return OpenNoting(reason, [&](DError *failure) {
+                    return candidate.OpenTableInFamily(moniker, driver, stop, failure);
+                });
+            });
     if (*handle == nullptr)
         *driver = nullptr;
     return IsOpened(*handle, reason, "no driver reads \"" + moniker.GetText() + "\" as a table", error);

@@ -155,7 +155,7 @@ ADIFile::ADIFile(DFile const &file, char const *format, tdFormatAccessType acces
             id = "CSV";
         m_reading = std::make_shared<Reading>(moniker, id.c_str(), error);
     }
-    m_error = error.Text();
+    m_error = std::move(error);
 }
 
 ADIFile::~ADIFile() = default;
@@ -163,8 +163,6 @@ ADIFile::~ADIFile() = default;
 bool ADIFile::IsOpen() const {
     return m_reading != nullptr ? m_reading->IsOpen() : m_writing != nullptr && m_writing->IsGood();
 }
-
-DString const &ADIFile::GetError() const { return m_error; }
 
 bool ADIFile::CanWrite(DString const &format) { return TableWriter::IsWritten(format); }
 
@@ -258,8 +256,8 @@ void ADIFile::WriteDouble(double value) {
 bool ADIFile::Finish() {
     if (m_writing != nullptr && m_writing->Finish())
         return true;
-    Report::TraceMessage(Report::kTraceOpen, "a table could not be written%s%s", m_error.empty() ? "" : ": ",
-                         m_error.c_str());
+    Report::TraceMessage(Report::kTraceOpen, "a table could not be written%s%s", m_error.IsSet() ? ": " : "",
+                         m_error.Text().c_str());
     return false;
 }
 

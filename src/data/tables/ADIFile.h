@@ -1,6 +1,7 @@
 #pragma once
 
 #include "zelvar/base/DFile.h"
+#include "zelvar/base/Report.h"
 #include "zelvar/data/DIOPlugin.h"
 #include "zelvar/data/IAttrData.h"
 
@@ -34,7 +35,9 @@ public:
 
     /// Whether the table can be read, or written; why not stands in the log and in `GetError`.
     [[nodiscard]] bool IsOpen() const;
-    [[nodiscard]] DString const &GetError() const;
+    [[nodiscard]] DString const &GetError() const { return m_error.Text(); }
+    /// The same with its cause.
+    [[nodiscard]] DError const &GetFailure() const { return m_error; }
     /// Whether `Finish` can write a format of that id.
     [[nodiscard]] static bool CanWrite(DString const &format);
     /// The format that a table of that name is written in: `format`, unless the name ends like another one.
@@ -63,7 +66,7 @@ private:
     class Writing;
     std::shared_ptr<Reading> m_reading; ///< its rows may outlive this
     std::unique_ptr<Writing> m_writing;
-    DString m_error;
+    DError m_error;
 };
 
 } // namespace zelvar

@@ -123,8 +123,7 @@ TEST_F(SeriesImages, WhatDiffersIsToldAndFailsWhenItIsRead) {
     for (int const number : {7, 8, 10}) {
         int const top = (number - 1) * kHeight;
         EXPECT_EQ(image.Read<std::uint8_t>(0, top, kWidth, kHeight, kWidth, kHeight, RDIDriver::Nearest), Samples());
-        EXPECT_NE(image.driver->GetAttrString(kReadError, image.handle, 0).find(Format("s%02d.tif", number)),
-                  DString::npos);
+        EXPECT_NE(image.driver->GetReadError(image.handle).Text().find(Format("s%02d.tif", number)), DString::npos);
     }
     EXPECT_EQ(image.Read<std::uint8_t>(0, 8 * kHeight, 1, 1, 1, 1, RDIDriver::Nearest), Samples{9});
     // One that goes while the series is open is no gap in it.
