@@ -8,9 +8,12 @@
 #include "zelvar/data/RDIDriverMngr.h"
 #include "zelvar/data/reader/DriverModule.h"
 
+#include <QtGui/QImageReader>
+
 #include <gdal.h>
 
 #include <cstdlib>
+#include <tuple>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -40,21 +43,35 @@ void ReadBytes(std::string const &path) {
     close(file);
 }
 
+/// Of what Qt reads.
+void ReadWithQt(std::string const &path) {
+    QImageReader reader(QString::fromStdString(path));
+    reader.setAllocationLimit(0);
+    reader.setScaledSize({1024, 1024});
+    std::ignore = reader.read();
+}
+
 /// Pictures of 1024 pixels: ours within a running application, the others' with their start.
-void BenchPreview(char const *name, std::string const &path, std::string const &out, std::optional<double> limit) {
+void BenchPreview(char const *name, std::string const &path, std::string const &out, std::optional<double> limit,
+                  bool readsQt = false) {
     std::string const figure = std::string("images.preview.") + name;
     Preview(path); // whatever the first one has to load
     std::vector<double> ours;
     std::vector<double> ratios;
-    std::vector<Alternative> const others =
+    std::vector<double> qt;
+    std::vector<Alternative> others =
         TimesBeside(kRounds,
                     [&] {
                         ours.push_back(Ms([&] { Preview(path); }));
                         ratios.push_back(ours.back() / Ms([&] { ReadBytes(path); }));
+                        if (readsQt)
+                            qt.push_back(Ms([&] { ReadWithQt(path); }));
                     },
                     {{"vipsthumbnail", {"vipsthumbnail", path, "-s", "1024", "-o", out + ".ppm"}},
                      {"gdal_translate -r cubic",
                       {"gdal_translate", "-q", "-outsize", "1024", "0", "-r", "cubic", path, out + ".tif"}}});
+    if (readsQt)
+        others.push_back({"QImageReader, in the process", Median(qt)});
     Figure(figure, Median(ours), "ms",
            {.alternatives = others, .note = "through a reader; the others are whole processes"});
     Figure(figure + ".ratio", Median(ratios), "x", {.limit = limit, .note = "times a bare read of the file's bytes"});
@@ -68,7 +85,7 @@ Register const kImages("images", [] {
     WriteTiff(folder / "deflate.tif", 5700, GDT_UInt16, {"TILED=YES", "COMPRESS=DEFLATE"});
     BenchPreview("deflate_u16", folder / "deflate.tif", folder / "out", {});
     WriteCopy(folder / "deflate.tif", "PNG", folder / "deep.png");
-    BenchPreview("png_u16", folder / "deep.png", folder / "out", {});
+    BenchPreview("png_u16", folder / "deep.png", folder / "out", {}, true);
     WriteTiff(folder / "plain.tif", 5790, GDT_Byte, {});
     BenchPreview("plain_u8", folder / "plain.tif", folder / "out", 4);
     WriteTiff(folder / "tiled.tif", 5790, GDT_Byte, {"TILED=YES"});

@@ -1,6 +1,7 @@
 #include "zelvar/reader/FileStamp.h"
 
 #include "zelvar/data/BDIMoniker.h"
+#include "zelvar/data/DataFolderLook.h"
 #include "zelvar/data/SeriesPlace.h"
 
 #include <sys/stat.h>
@@ -14,6 +15,10 @@ FileStamp StampOfPath(DString const &path) {
     struct stat info {};
     if (path.empty() || stat(path.c_str(), &info) != 0)
         return {};
+    // What makes a folder data may be written anew without the folder's notice.
+    if (S_ISDIR(info.st_mode))
+        if (std::optional<FoundDataFolder> const data = LookForDataFolder(path))
+            return {.modified = data->modified, .size = info.st_size};
     return {.modified = std::int64_t{info.st_mtim.tv_sec} * second + info.st_mtim.tv_nsec, .size = info.st_size};
 }
 

@@ -52,6 +52,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <filesystem>
 #include <fstream>
 #include <functional>
 #include <map>
@@ -181,7 +182,7 @@ void Crash() {
 class Script {
 public:
     explicit Script(DString const &path) {
-        std::ifstream file(path);
+        std::ifstream file(std::filesystem::is_directory(path) ? path + "/.zgroup" : path);
         for (std::string line; std::getline(file, line);) {
             std::istringstream words(line);
             Line read;
