@@ -74,6 +74,21 @@ bool IsBehind(DString const &a, DString const &b) {
     return first == 0 && second == 0 ? strcasecmp(a.c_str(), b.c_str()) > 0 : first < second;
 }
 
+void ExpectSorted(CsvFile &file, Lines const &texts, bool ascending) {
+    std::vector<std::uint32_t> expected(texts.size());
+    std::iota(expected.begin(), expected.end(), 0U);
+    auto const isBehind = [&](std::uint32_t a, std::uint32_t b) {
+        return ascending ? IsBehind(texts[a], texts[b]) : IsBehind(texts[b], texts[a]);
+    };
+    std::ranges::stable_sort(expected, [&](auto a, auto b) { return isBehind(b, a); });
+    for (std::size_t const mostHeld : {std::size_t{0}, CsvSort::kMostHeld}) {
+        RowOrder order;
+        ASSERT_EQ(file.Sorted(ascending, mostHeld, order), expected);
+        for (std::size_t place = 1; place < expected.size(); ++place)
+            ASSERT_EQ(order.IsTied(place), !isBehind(expected[place], expected[place - 1]));
+    }
+}
+
 TEST(CsvSort, IsTheDefinedOneForEveryMixtureHoweverMuchTheTextsHaveInCommon) {
     std::mt19937 random(5);
     DString const common(150, 'c');
@@ -92,18 +107,22 @@ TEST(CsvSort, IsTheDefinedOneForEveryMixtureHoweverMuchTheTextsHaveInCommon) {
             }
             for (DString &text : texts) // as they are shown
                 text = ToValidUtf8(text);
-            std::vector<std::uint32_t> expected(texts.size());
-            std::iota(expected.begin(), expected.end(), 0U);
-            auto const isBehind = [&](std::uint32_t a, std::uint32_t b) {
-                return ascending ? IsBehind(texts[a], texts[b]) : IsBehind(texts[b], texts[a]);
-            };
-            std::ranges::stable_sort(expected, [&](auto a, auto b) { return isBehind(b, a); });
-            for (std::size_t const mostHeld : {std::size_t{0}, CsvSort::kMostHeld}) {
-                RowOrder order;
-                ASSERT_EQ(file.Sorted(ascending, mostHeld, order), expected) << kind;
-                for (std::size_t place = 1; place < expected.size(); ++place)
-                    ASSERT_EQ(order.IsTied(place), !isBehind(expected[place], expected[place - 1])) << kind;
+            SCOPED_TRACE(kind);
+            ExpectSorted(file, texts, ascending);
+        }
+}
+
+TEST(CsvSort, IsTheDefinedOneWhereFewOfManyTextsAreUnlikeTheOthers) {
+    for (char const *odd : {"name 123", "17", "NAME 1", "name 1!", "name", "name 12 and more than others", "-3"})
+        for (bool const ascending : {true, false}) {
+            SCOPED_TRACE(odd);
+            CsvFile file;
+            Lines texts;
+            for (int row = 0; row < 20'000; ++row) {
+                texts.push_back(row == 5'000 ? DString(odd) : "name " + std::to_string(row * 7919 % 9'000));
+                file.bytes += "1," + texts.back() + "\n";
             }
+            ExpectSorted(file, texts, ascending);
         }
 }
 

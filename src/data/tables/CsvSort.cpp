@@ -9,6 +9,7 @@
 #include <bit>
 #include <cstring>
 #include <numeric>
+#include <utility>
 
 namespace zelvar {
 
@@ -17,6 +18,7 @@ namespace {
 constexpr std::size_t kRunsPerPiece = 64;
 constexpr std::size_t kHeldEach = 40; // beside the bytes of a text
 constexpr std::size_t kStepsPerQuestion = 64;
+constexpr std::size_t kPiecesPerSample = 32; // one of so many is looked at
 constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
 
 bool IsPlain(std::string_view text) {
@@ -44,7 +46,7 @@ void CsvSort::MarkTies(std::size_t begin, std::size_t end) {
 }
 
 /// Shows the texts of the open rows, on several threads, as the list has them: in UTF-8, a NUL replaced.
-bool CsvSort::ForEachText(VisitOpen const &visit) {
+bool CsvSort::ForEachText(VisitOpen const &visit, std::size_t piecesPerOne) {
     struct Worker {
         CsvIndex::RunReader runs;
         DString recoded;
@@ -53,44 +55,44 @@ bool CsvSort::ForEachText(VisitOpen const &visit) {
     std::size_t const open = OpenCount();
     auto const rows = static_cast<std::int64_t>(m_rows.size());
     auto const runs = static_cast<std::size_t>((rows + CsvIndex::kRowsPerRun - 1) / CsvIndex::kRowsPerRun);
+    std::size_t const runsPerStep = kRunsPerPiece * piecesPerOne;
     std::atomic<bool> hasChanged{false};
-    bool const isDone =
-        m_work.Run((runs + kRunsPerPiece - 1) / kRunsPerPiece, [&](std::size_t number, std::size_t piece) {
-            Worker &worker = workers[number];
-            std::size_t const first = piece * kRunsPerPiece;
-            std::size_t const last = std::min(first + kRunsPerPiece, runs);
-            auto const rowOf = [&](std::size_t i) { return static_cast<std::int64_t>(m_rows[OpenSlot(i)]); };
-            // The open ones are in the order of their rows, too.
-            std::size_t next = 0;
-            for (std::size_t left = open; left > 0;) {
-                std::size_t const half = left / 2;
-                bool const isBefore = rowOf(next + half) < static_cast<std::int64_t>(first) * CsvIndex::kRowsPerRun;
-                next += isBefore ? half + 1 : 0;
-                left = isBefore ? left - half - 1 : half;
+    bool const isDone = m_work.Run((runs + runsPerStep - 1) / runsPerStep, [&](std::size_t number, std::size_t piece) {
+        Worker &worker = workers[number];
+        std::size_t const first = piece * runsPerStep;
+        std::size_t const last = std::min(first + kRunsPerPiece, runs);
+        auto const rowOf = [&](std::size_t i) { return static_cast<std::int64_t>(m_rows[OpenSlot(i)]); };
+        // The open ones are in the order of their rows, too.
+        std::size_t next = 0;
+        for (std::size_t left = open; left > 0;) {
+            std::size_t const half = left / 2;
+            bool const isBefore = rowOf(next + half) < static_cast<std::int64_t>(first) * CsvIndex::kRowsPerRun;
+            next += isBefore ? half + 1 : 0;
+            left = isBefore ? left - half - 1 : half;
+        }
+        if (next == open || rowOf(next) >= static_cast<std::int64_t>(last) * CsvIndex::kRowsPerRun)
+            return true;
+        bool const isAsItWas = worker.runs.ForEach(first, last, [&](std::int64_t row, CsvScan &scan) {
+            if (next == open || rowOf(next) != row)
+                return;
+            scan.Skip(m_column);
+            std::string_view text = scan.Field();
+            if (!IsPlain(text)) {
+                std::unique_lock lock(m_encodingMutex, std::defer_lock);
+                if (!m_encoding->IsForAnyThread())
+                    lock.lock();
+                worker.recoded.clear();
+                m_encoding->Append(worker.recoded, text, ADIDriver::kMostCellBytes);
+                for (std::size_t at = 0; (at = worker.recoded.find('\0', at)) != DString::npos;)
+                    worker.recoded.replace(at, 1, kReplacement);
+                text = worker.recoded;
             }
-            if (next == open || rowOf(next) >= static_cast<std::int64_t>(last) * CsvIndex::kRowsPerRun)
-                return true;
-            bool const isAsItWas = worker.runs.ForEach(first, last, [&](std::int64_t row, CsvScan &scan) {
-                if (next == open || rowOf(next) != row)
-                    return;
-                scan.Skip(m_column);
-                std::string_view text = scan.Field();
-                if (!IsPlain(text)) {
-                    std::unique_lock lock(m_encodingMutex, std::defer_lock);
-                    if (!m_encoding->IsForAnyThread())
-                        lock.lock();
-                    worker.recoded.clear();
-                    m_encoding->Append(worker.recoded, text, ADIDriver::kMostCellBytes);
-                    for (std::size_t at = 0; (at = worker.recoded.find('\0', at)) != DString::npos;)
-                        worker.recoded.replace(at, 1, kReplacement);
-                    text = worker.recoded;
-                }
-                visit(number, OpenSlot(next++), text);
-            });
-            if (!isAsItWas)
-                hasChanged = true;
-            return isAsItWas;
+            visit(number, OpenSlot(next++), text);
         });
+        if (!isAsItWas)
+            hasChanged = true;
+        return isAsItWas;
+    });
     m_hasChanged = hasChanged;
     return isDone;
 }
@@ -107,8 +109,31 @@ CsvSort::Result CsvSort::Run(RowOrder &order) {
     return isDone ? Result::Done : m_hasChanged ? Result::Changed : Result::Stopped;
 }
 
-/// Afterwards the region is that of what is 0 as a number, and `facts` are about its texts.
-bool CsvSort::SortNumbers(TextFacts &facts) {
+/// Where a sample of many rows shows nothing but texts, these are put into words while all are read the first time.
+bool CsvSort::GuessCode() {
+    if (m_rows.size() < kPiecesPerSample * kRunsPerPiece * CsvIndex::kRowsPerRun)
+        return true;
+    std::vector<TextFacts> found(m_work.Workers());
+    std::atomic<bool> hasNumbers{false};
+    m_work.SetStage(0, 0);
+    bool const isRead = ForEachText(
+        [&](std::size_t worker, std::size_t, std::string_view text) {
+            found[worker].Look(text, 0);
+            if (SortNumberOf(text) != 0)
+                hasNumbers = true;
+        },
+        kPiecesPerSample);
+    if (isRead && !hasNumbers) {
+        m_guessed = {};
+        for (TextFacts const &each : found)
+            m_guessed.Add(each);
+        m_guess.emplace(m_guessed);
+    }
+    return isRead;
+}
+
+/// Reads all texts once: the words of the numbers, or of the texts where there is a guess that holds.
+bool CsvSort::ReadFirstTime(TextFacts &facts, std::size_t &texts) {
     std::uint64_t const zero = SortWordOf(0);
     std::vector<TextFacts> found(m_work.Workers());
     std::vector<std::size_t> zeros(m_work.Workers());
@@ -120,13 +145,29 @@ bool CsvSort::SortNumbers(TextFacts &facts) {
             return;
         ++zeros[worker];
         found[worker].Look(text, 0);
+        if (m_guess)
+            m_keys[slot] = OrderedWord(m_guess->WordOf(text, 0));
     });
-    if (!isRead)
-        return false;
+    facts = {};
     for (TextFacts const &each : found)
         facts.Add(each);
-    if (std::accumulate(zeros.begin(), zeros.end(), std::size_t{0}) == m_rows.size())
+    texts = std::accumulate(zeros.begin(), zeros.end(), std::size_t{0});
+    return isRead;
+}
+
+/// Afterwards the region is that of what is 0 as a number, and `facts` are about its texts.
+bool CsvSort::SortNumbers(TextFacts &facts) {
+    std::uint64_t const zero = SortWordOf(0);
+    std::size_t texts = 0;
+    if (!GuessCode() || !ReadFirstTime(facts, texts))
+        return false;
+    if (texts == m_rows.size()) {
+        if (m_guess && !m_guess->Holds(m_guessed, facts))
+            m_guess.reset();
         return true;
+    }
+    if (std::exchange(m_guess, std::nullopt) && !ReadFirstTime(facts, texts))
+        return false;
     std::span const keys(m_keys.get(), m_rows.size());
     m_work.SetStage(0.4, 0.7);
     if (!SortByKeys(keys, m_rows, m_work))
@@ -146,12 +187,12 @@ bool CsvSort::SortTexts(TextFacts facts) {
     };
     for (std::size_t begin = 0;;) {
         // 1. A word of each text that is to be told apart.
-        TextCode const code(facts);
+        bool const isKnown = m_guess.has_value();
+        TextCode const code = isKnown ? *std::exchange(m_guess, std::nullopt) : TextCode(facts);
         beginHalfOfRest();
-        bool const isRead = ForEachText([&](std::size_t, std::size_t slot, std::string_view text) {
-            std::uint64_t const word = code.WordOf(text, begin);
-            m_keys[slot] = m_ascending ? word : ~word;
-        });
+        bool const isRead = isKnown || ForEachText([&](std::size_t, std::size_t slot, std::string_view text) {
+                                m_keys[slot] = OrderedWord(code.WordOf(text, begin));
+                            });
         beginHalfOfRest();
         if (!isRead || !SortGroups())
             return false;

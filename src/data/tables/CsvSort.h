@@ -7,6 +7,7 @@
 
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <span>
 
 namespace zelvar {
@@ -15,7 +16,8 @@ namespace zelvar {
 /// numbers above 0 from large to small, what is 0 as a number by its text, the numbers below 0; descending the other
 /// way round. Rows that compare as equal stand in the order of the file.
 ///
-/// The texts stay in the file. Each pass over it makes a word of each cell, numbers first; texts that one word does not
+/// The texts stay in the file. Each pass over it makes a word of each cell, numbers first, unless a sample of many rows
+/// shows none; texts that one word does not
 /// tell apart are looked at further behind, or, once few bytes of them are left, all at once. So a row takes 12 bytes,
 /// and 4 more while texts are told apart.
 class CsvSort {
@@ -37,13 +39,17 @@ private:
         std::size_t end = 0;
     };
 
-    [[nodiscard]] bool ForEachText(VisitOpen const &visit);
+    /// `piecesPerOne` above 1 for a sample.
+    [[nodiscard]] bool ForEachText(VisitOpen const &visit, std::size_t piecesPerOne = 1);
+    [[nodiscard]] bool GuessCode();
+    [[nodiscard]] bool ReadFirstTime(TextFacts &facts, std::size_t &texts);
     [[nodiscard]] bool SortNumbers(TextFacts &facts);
     [[nodiscard]] bool SortTexts(TextFacts facts);
     [[nodiscard]] bool SortRest();
     [[nodiscard]] bool FindFacts(std::size_t begin, TextFacts &facts);
     [[nodiscard]] bool SortGroups();
     void Collect();
+    [[nodiscard]] std::uint64_t OrderedWord(std::uint64_t word) const { return m_ascending ? word : ~word; }
     void MarkTies(std::size_t begin, std::size_t end);
 
     [[nodiscard]] std::size_t OpenCount() const { return m_isAllOpen ? m_region.end - m_region.begin : m_open.size(); }
@@ -62,9 +68,11 @@ private:
     std::span<std::uint32_t> m_rows;
     RowOrder *m_order = nullptr;             ///< not owned
     std::unique_ptr<std::uint64_t[]> m_keys; ///< of the row in the same slot
-    Region m_region;                         ///< of the slots of those that are 0 as numbers
-    bool m_isAllOpen = true;                 ///< all of that region, by row, is still to be told apart
-    std::vector<std::uint32_t> m_open;       ///< else these slots of it, by row
+    TextFacts m_guessed;
+    std::optional<TextCode> m_guess;   ///< made of these, for the first words of all rows
+    Region m_region;                   ///< of the slots of those that are 0 as numbers
+    bool m_isAllOpen = true;           ///< all of that region, by row, is still to be told apart
+    std::vector<std::uint32_t> m_open; ///< else these slots of it, by row
 };
 
 } // namespace zelvar

@@ -49,6 +49,15 @@ TextCode::TextCode(TextFacts const &facts) {
     }
 }
 
+bool TextCode::Holds(TextFacts const &some, TextFacts const &all) const {
+    for (std::size_t place = 0; place < Places(); ++place) {
+        bool const isEndNew = all.shortest <= place && some.shortest > place;
+        if (isEndNew || (all.used[place] & ~some.used[place]).any())
+            return false;
+    }
+    return true;
+}
+
 std::uint64_t TextCode::WordOf(std::string_view text, std::size_t begin) const {
     text.remove_prefix(std::min(begin, text.size()));
     std::size_t const seen = std::min(text.size(), m_shares.size());

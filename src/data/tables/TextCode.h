@@ -29,6 +29,8 @@ public:
 class TextCode {
 public:
     explicit TextCode(TextFacts const &facts);
+    /// Whether a code made of `some` facts serves texts with `all` of these just as well.
+    [[nodiscard]] bool Holds(TextFacts const &some, TextFacts const &all) const;
 
     /// Places that a word holds; texts of equal words may differ behind them.
     [[nodiscard]] std::size_t Places() const { return m_shares.size(); }
