@@ -65,17 +65,21 @@ private:
 /// After a reading that failed: takes what there is of damaged data.
 bool Picture::Salvage(int first, int count, void *buffer, DCanvas const &canvas) {
     RDIDriver &driver = m_image.Driver();
-    m_error = driver.GetReadError(m_image.Handle());
-    if (!m_error.IsSet())
-        m_error.Set("the pixels cannot be read");
+    DError reason = driver.GetReadError(m_image.Handle());
+    if (!reason.IsSet())
+        reason.Set("the pixels cannot be read");
     RDIWindow const whole{0.0, 0.0, double(m_info.width), double(m_info.height), canvas.GetWidth(), canvas.GetHeight()};
     RDIRowsRead read;
-    if (m_error.Why() != DError::Cause::Damaged || IsStopped(m_stop) ||
-        !driver.SalvageRsmpl(m_image.Handle(), first, count, whole, buffer, kCubic, read))
+    if (reason.Why() != DError::Cause::Damaged || IsStopped(m_stop) ||
+        !driver.SalvageRsmpl(m_image.Handle(), first, count, whole, buffer, read)) {
+        m_error = reason;
         return false;
-    if (m_read.all == 0 || read.rows < m_read.rows)
+    }
+    bool const isWorse = read.rows < read.all && (m_read.all == 0 || read.rows < m_read.rows);
+    if (isWorse) { // else all came this time, or channels before told of more
         m_read = read;
-    m_error.Set(Format("damaged: %d of %d rows read", m_read.rows, m_read.all), m_error.Why(), m_error.Detail());
+        m_error.Set(Format("damaged: %d of %d rows read", read.rows, read.all), reason.Why(), reason.Detail());
+    }
     return true;
 }
 

@@ -116,13 +116,14 @@ public:
         static_cast<void>(handle);
         return {};
     }
-    /// For an image that is damaged (`GetReadError`) the same as `ReadChannelsRsmpl`, or with a `count` of 0 as
-    /// `ReadPaletteRsmpl`, as far as it goes: what cannot be read is zeros, and `read` says how many rows of the window
-    /// came. It may take some seconds longer. False if there are none, it was stopped, or the driver has no such means.
+    /// For an image that is damaged (`GetReadError`): a window inside it as `ReadChannelsRsmpl` with `Cubic`, a pyramid
+    /// and all, or with a `count` of 0 as `ReadPaletteRsmpl`, as far as it goes. What cannot be read is zeros, and
+    /// `read` says how many rows of the window came. It may take some seconds longer. False if none came, it was
+    /// stopped, or the driver has no such means.
     virtual bool SalvageRsmpl(void *handle, int channel, int count, RDIWindow const &window, void *buffer,
-                              int resampling, RDIRowsRead &read) {
+                              RDIRowsRead &read) {
         static_cast<void>(handle), static_cast<void>(channel), static_cast<void>(count), static_cast<void>(window);
-        static_cast<void>(buffer), static_cast<void>(resampling), static_cast<void>(read);
+        static_cast<void>(buffer), static_cast<void>(read);
         return false;
     }
 };

@@ -97,7 +97,7 @@ bool ImageRequests::Salvage(wire::ReadPixelsT const &asked, OpenImages::Image co
     RDIWindow const window{asked.x, asked.y, asked.width, asked.height, asked.outWidth, asked.outHeight};
     RDIRowsRead rows;
     if (!image.driver->SalvageRsmpl(image.handle, asked.palette ? 0 : asked.channel, asked.palette ? 0 : asked.channels,
-                                    window, m_pixels->Data(), asked.resampling, rows))
+                                    window, m_pixels->Data(), rows))
         return false;
     read.rows = rows.rows;
     read.wanted = rows.all;

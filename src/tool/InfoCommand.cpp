@@ -45,6 +45,12 @@ bool SayNodes(DString const &path) {
     return isAny;
 }
 
+/// Whether that keeps from reading what would else be an image; other files have properties as well.
+bool IsFault(DError const &failure) {
+    using enum DError::Cause;
+    return failure.IsSet() && failure.Why() != Unknown && failure.Why() != NotSupported;
+}
+
 } // namespace
 
 int RunInfo(std::vector<DString> const &words) {
@@ -70,11 +76,14 @@ int RunInfo(std::vector<DString> const &words) {
         driverId = item->GetRDIDriverId();
     }
     PropertyMap props;
-    bool const isImage = ReadItemProperties(path, driverId, {}, DT_DATA, nullptr, props);
+    DError failure;
+    bool const isImage = ReadItemProperties(path, driverId, {}, DT_DATA, nullptr, props, &failure);
     if (DString const reason = ReaderFailureOf(path); !reason.empty())
         return Failure("cannot read '" + moniker + "': " + reason);
     if (props.empty())
-        return Failure(WithReason("cannot open '" + moniker + "'", path));
+        return Failure(WithReason("cannot open '" + moniker + "'", path, failure.Text()));
+    if (!isImage && IsFault(failure))
+        return Failure("cannot read '" + moniker + "': " + failure.Text());
     for (auto const rows : {PropertyRows(), SeriesPropertyRows()})
         for (PropertyRow const &row : rows)
             if (auto const text = props.find(row.id); text != props.end() && !text->second.empty())
@@ -89,16 +98,14 @@ int RunInfo(std::vector<DString> const &words) {
         return kDone;
     DCanvas canvas;
     bool const hasPreview =
-        isImage && ReadItemPreview(path, driverId, {}, nullptr, canvas, Enlarge::No) && canvas.HasData();
+        isImage && ReadItemPreview(path, driverId, {}, nullptr, canvas, Enlarge::No, &failure) && canvas.HasData();
     if (DString const reason = ReaderFailureOf(path); !reason.empty())
         return Failure("cannot read '" + moniker + "': " + reason);
-    if (!hasPreview) {
+    if (!hasPreview)
         std::puts("Preview is not available");
-        return kDone;
-    }
-    if (!SavePicture(canvas, arguments->Value("--preview")))
+    else if (!SavePicture(canvas, arguments->Value("--preview")))
         return Failure("cannot write '" + arguments->Value("--preview") + "'");
-    return kDone;
+    return isImage && IsFault(failure) ? Failure("cannot read '" + moniker + "': " + failure.Text()) : kDone;
 }
 
 } // namespace zelvar::tool

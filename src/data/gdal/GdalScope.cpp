@@ -20,6 +20,7 @@ namespace zelvar::gdal {
 
 namespace {
 
+constexpr std::size_t kMostErrors = 8;
 constexpr GIntBig kMostCacheBytes = GIntBig{64} << 20U;
 
 using Setting = std::pair<char const *, char const *>;
@@ -122,8 +123,15 @@ void GdalScope::OnError(int level, int number, char const *text) {
         return;
     Report::TraceMessage(Report::kTraceDriver, "GDAL %s %d: %s", level == CE_Warning ? "warning" : "error", number,
                          text);
-    if (level >= CE_Failure && scope != nullptr && scope->m_firstError.empty())
-        scope->m_firstError = text;
+    if (scope == nullptr)
+        return;
+    if (level == CE_Warning && std::string_view(text).find("Premature end of JPEG file") != std::string_view::npos)
+        scope->m_hasEndedTooSoon = true;
+    if (level >= CE_Failure && scope->m_errors.size() < kMostErrors) {
+        DString line(Trimmed(text));
+        std::replace(line.begin(), line.end(), '\n', ' ');
+        scope->m_errors.push_back({number, std::move(line)});
+    }
 }
 
 void CloseDataset::operator()(GDALDatasetHS *dataset) const {

@@ -3,6 +3,7 @@
 #include "zelvar/base/DString.h"
 
 #include <memory>
+#include <vector>
 
 struct GDALDatasetHS;
 
@@ -12,6 +13,12 @@ namespace zelvar::gdal {
 enum class Reach {
     Local,   ///< files on disk; every way out to the network is barred
     Network, ///< what the moniker's own address names
+};
+
+/// What GDAL says of a failure: a number of cpl_error.h, and words.
+struct GdalError {
+    int number = 0;
+    DString text;
 };
 
 /// Registers GDAL's formats, once for the process.
@@ -31,13 +38,16 @@ public:
     GdalScope(GdalScope const &) = delete;
     GdalScope &operator=(GdalScope const &) = delete;
 
-    /// The first error since the scope began; empty if there was none.
-    [[nodiscard]] DString const &FirstError() const { return m_firstError; }
+    /// The first few errors since the scope began.
+    [[nodiscard]] std::vector<GdalError> const &Errors() const { return m_errors; }
+    /// Whether data ended before the picture did, which a library has filled up and gone on.
+    [[nodiscard]] bool HasEndedTooSoon() const { return m_hasEndedTooSoon; }
 
 private:
     static void OnError(int level, int number, char const *text);
 
-    DString m_firstError;
+    std::vector<GdalError> m_errors;
+    bool m_hasEndedTooSoon = false;
     char **m_formerOptions = nullptr; ///< this thread's options before
     Reach m_reach;
 };

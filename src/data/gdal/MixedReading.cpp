@@ -110,6 +110,9 @@ bool ReadMixed(std::vector<BandHandle> const &bands, Window const &window, Mixin
     bool const isMasked =
         HasMask(band) && std::max(window.width / window.outWidth, window.height / window.outHeight) > 2;
     RowResampler<Sample> resampler(area, mixing.kernel, mixing.nodata, out);
+    Salvage *const salvage = mixing.salvage;
+    if (salvage != nullptr)
+        salvage->Begin(area.height);
     std::array<Strip<Sample>, 2> strips;
     int rows = 0;
     for (int top = 0, turn = 0; top < area.height; top += rows, turn = 1 - turn) {
@@ -121,9 +124,15 @@ bool ReadMixed(std::vector<BandHandle> const &bands, Window const &window, Mixin
         if (isMasked)
             strip.mask.resize(static_cast<std::size_t>(area.width) * static_cast<std::size_t>(stripRows));
         Rows const wanted{part.left, part.top + top, area.width, rows};
-        if (IsStopped(stop) || !ReadRows(bands, wanted, strip.samples.data(), stop) ||
-            (isMasked && !ReadRows({GDALGetMaskBand(band)}, wanted, strip.mask.data(), stop)))
+        bool const isRead = salvage == nullptr ? ReadRows(bands, wanted, strip.samples.data(), stop)
+                                               : salvage->Read(bands, wanted, strip.samples.data(), stop);
+        if (IsStopped(stop) || !isRead)
             return false;
+        if (isMasked && !ReadRows({GDALGetMaskBand(band)}, wanted, strip.mask.data(), stop)) {
+            if (salvage == nullptr)
+                return false;
+            std::fill(strip.mask.begin(), strip.mask.end(), std::uint8_t{0});
+        }
         former.Wait();
         strip.mixed = DoAside([&resampler, &strip, &area, rows] { Mix(resampler, strip, rows, area); });
     }

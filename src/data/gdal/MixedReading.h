@@ -1,6 +1,7 @@
 #pragma once
 
 #include "zelvar/data/gdal/BandReading.h"
+#include "zelvar/data/gdal/Salvage.h"
 #include "zelvar/pixels/RowResampler.h"
 
 #include <vector>
@@ -13,7 +14,8 @@ namespace zelvar::gdal {
 
 struct Mixing {
     MixingKernel kernel = MixingKernel::Cubic;
-    double nodata = 0; ///< of all the bands; NaN for none
+    double nodata = 0;          ///< of all the bands; NaN for none
+    Salvage *salvage = nullptr; ///< of damaged bands: then nothing fails but by a stop; not owned
 };
 /// Brings a window that lies inside the bands, which `CanBeReadTogether`, to another size by mixing samples: one plane
 /// a band. The rows are read in strips of whole blocks, all bands at once, so that each block is decoded once, and a

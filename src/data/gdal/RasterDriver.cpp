@@ -1,6 +1,7 @@
 #include "zelvar/data/gdal/RasterDriver.h"
 
 #include "zelvar/data/RDIDriverMngr.h"
+#include "zelvar/data/gdal/Causes.h"
 #include "zelvar/data/gdal/RasterReading.h"
 #include "zelvar/data/gdal/SliceGrid.h"
 #include "zelvar/data/gdal/Source.h"
@@ -40,6 +41,9 @@ struct Image {
     Reach reach = Reach::Local;
     StopSignal const *stop = nullptr; ///< not owned, may be null
     SliceGrid grid{1};
+    DError readError;         ///< of the last reading
+    bool isOnThreads = false; ///< the last reading was
+    double endsAt = HUGE_VAL; ///< a row, pixels: the data were found to end behind it, and before all was there
 
     /// The band of a channel's first slice at the first time; null for a channel that is not there.
     [[nodiscard]] GDALRasterBandH Band(int channel) const {
@@ -50,6 +54,10 @@ struct Image {
     [[nodiscard]] GDALRasterBandH Band(int channel, int slice, int frame) const {
         return GDALGetRasterBand(Raw(dataset), grid.BandOf(channel, slice, frame));
     }
+    /// The bands of channels at the first slice and time; none unless all are there and of one type.
+    [[nodiscard]] std::vector<BandHandle> Bands(int channel, int count) const;
+    /// The end of a reading of that window: notes why it failed. A library that fills up what is not there has failed.
+    [[nodiscard]] bool Conclude(bool isRead, double y, double height, GdalScope const &scope);
     /// The data set to read large windows of, at full size.
     [[nodiscard]] DatasetPtr const &ForBulk(bool inWholeBlocks);
 };
@@ -74,6 +82,16 @@ Bulk BulkOf(Image const &image) {
     return isSlow && CPLGetNumCPUs() > 1 ? Bulk::OnThreads : Bulk::None;
 }
 
+/// The same data set, opened anew; null if it is not the same any more.
+DatasetPtr OpenAgain(Image const &image, Source const &source) {
+    DatasetPtr opened = Open(source, GDAL_OF_RASTER, image.format, nullptr).dataset;
+    bool const isSame = opened != nullptr &&
+                        GDALGetRasterXSize(Raw(opened)) == GDALGetRasterXSize(Raw(image.dataset)) &&
+                        GDALGetRasterYSize(Raw(opened)) == GDALGetRasterYSize(Raw(image.dataset)) &&
+                        GDALGetRasterCount(Raw(opened)) == GDALGetRasterCount(Raw(image.dataset));
+    return isSame ? std::move(opened) : nullptr;
+}
+
 /// The same data set, opened for that; null for `Bulk::None`.
 DatasetPtr OpenForBulk(Image const &image, Bulk bulk) {
     if (bulk == Bulk::None)
@@ -83,14 +101,9 @@ DatasetPtr OpenForBulk(Image const &image, Bulk bulk) {
         source.options.emplace_back("NUM_THREADS", std::to_string(std::min(CPLGetNumCPUs(), kMostThreads)));
     else
         CPLSetThreadLocalConfigOption(kPastTheCache, "YES");
-    DatasetPtr opened = Open(source, GDAL_OF_RASTER, image.format, nullptr).dataset;
+    DatasetPtr opened = OpenAgain(image, source);
     CPLSetThreadLocalConfigOption(kPastTheCache, nullptr);
-    // The file may be another one by now.
-    bool const isSame = opened != nullptr &&
-                        GDALGetRasterXSize(Raw(opened)) == GDALGetRasterXSize(Raw(image.dataset)) &&
-                        GDALGetRasterYSize(Raw(opened)) == GDALGetRasterYSize(Raw(image.dataset)) &&
-                        GDALGetRasterCount(Raw(opened)) == GDALGetRasterCount(Raw(image.dataset));
-    return isSame ? std::move(opened) : nullptr;
+    return opened;
 }
 
 DatasetPtr const &Image::ForBulk(bool inWholeBlocks) {
@@ -100,7 +113,34 @@ DatasetPtr const &Image::ForBulk(bool inWholeBlocks) {
     }
     // A block that is read in parts is decoded once from the cache, and again and again past it.
     bool const isOfUse = bulkDataset != nullptr && (inWholeBlocks || *bulk == Bulk::PastTheCache);
+    isOnThreads = isOfUse && *bulk == Bulk::OnThreads;
     return isOfUse ? bulkDataset : dataset;
+}
+
+std::vector<BandHandle> Image::Bands(int channel, int count) const {
+    std::vector<BandHandle> bands;
+    for (int i = channel; i < channel + count; ++i) {
+        bands.push_back(Band(i));
+        if (bands.back() == nullptr || DeliveredType(bands.back()) != DeliveredType(bands.front()))
+            return {};
+    }
+    return bands;
+}
+
+bool Image::Conclude(bool isRead, double y, double height, GdalScope const &scope) {
+    readError.Clear();
+    if (scope.HasEndedTooSoon())
+        endsAt = std::min(endsAt, y);
+    if (isRead && y + height <= endsAt)
+        return true;
+    if (isRead)
+        readError.Set("the data end before the picture does", DError::Cause::Damaged);
+    else if (!IsStopped(stop))
+        readError = ErrorOf(scope, source);
+    // Threads of the format's own say nothing that this one would hear.
+    if (!isRead && !readError.IsSet() && isOnThreads && !IsStopped(stop))
+        readError.Set("a block cannot be read", DError::Cause::Damaged);
+    return false;
 }
 
 Image &Of(void *handle) { return *static_cast<Image *>(handle); }
@@ -111,7 +151,7 @@ std::unique_ptr<Image> OpenImage(BDIMoniker const &moniker, Format const *only, 
         return nullptr;
     if (!source->layer.empty()) {
         if (error != nullptr)
-            error->Set("\"" + moniker.GetText() + "\" is a layer, no image");
+            error->Set("\"" + moniker.GetText() + "\" is a layer, no image", DError::Cause::NotSupported);
         return nullptr;
     }
     OpenedSource opened = Open(*source, GDAL_OF_RASTER, only, error);
@@ -123,7 +163,8 @@ std::unique_ptr<Image> OpenImage(BDIMoniker const &moniker, Format const *only, 
     int const channels = grid.Channels();
     if (channels < 1 || channels > kMostChannels) {
         if (error != nullptr)
-            error->Set(zelvar::Format("\"%s\" has %d channels", moniker.GetText().c_str(), channels));
+            error->Set(zelvar::Format("\"%s\" has %d channels", moniker.GetText().c_str(), channels),
+                       DError::Cause::NotSupported);
         return nullptr;
     }
     auto image = std::make_unique<Image>();
@@ -225,64 +266,110 @@ bool RasterDriver::ReadBlockRsmpl(void *handle, int channel, double x, double y,
                              usePyramid, clip);
 }
 
+namespace {
+
+/// Reads channels of one type, `bands` their first ones.
+bool ReadChannels(Image &image, int channel, std::vector<BandHandle> bands, ReadRequest const &request, void *buffer) {
+    RDIDataType const type = DeliveredType(bands.front());
+    Window const &window = request.window;
+    bool const isMixed = request.resampling == RDIDriver::Bilinear || request.resampling == RDIDriver::Cubic;
+    bool const isWhole = window.width == window.outWidth && window.height == window.outHeight &&
+                         window.x == std::floor(window.x) && window.y == std::floor(window.y);
+    double const ratio = std::min(window.width / window.outWidth, window.height / window.outHeight);
+    bool const isReduced = request.usePyramid && LevelFor(bands.front(), ratio) != bands.front();
+    if (window.width * window.height >= kLargeWindow && (isMixed || isWhole) && !isReduced)
+        for (BandHandle &band : bands)
+            band = GDALGetRasterBand(Raw(image.ForBulk(isMixed)), GDALGetBandNumber(band));
+    if (image.grid.Frames() == 1 && image.grid.Slices() == 1)
+        return ReadWindows(bands, type, request, buffer);
+    auto *plane = static_cast<unsigned char *>(buffer);
+    for (std::size_t i = 0; i < bands.size(); ++i, plane += PlaneSize(type, window)) {
+        BandGrid const grid{
+            .columns = image.grid.Frames(), .rows = image.grid.Slices(), .at = [&](int frame, int slice) {
+                return image.Band(channel + static_cast<int>(i), slice, frame);
+            }};
+        if (!ReadWindow(grid, type, request, plane))
+            return false;
+    }
+    return true;
+}
+
+/// What `read` says; no where there is no memory for it.
+template <class Read>
+bool WithinMemory(Image &image, Read const &read) {
+    try {
+        return read();
+    } catch (std::bad_alloc const &) {
+        image.readError.Set("no memory for the pixels", DError::Cause::TooLarge);
+        return false;
+    }
+}
+
+} // namespace
+
 bool RasterDriver::ReadChannelsRsmpl(void *handle, int channel, int count, double x, double y, double width,
                                      double height, void *buffer, int outWidth, int outHeight, int resampling,
                                      bool usePyramid, bool clip) {
     Image &image = Of(handle);
     GdalScope const scope(image.reach);
-    std::vector<BandHandle> bands;
-    for (int i = channel; i < channel + count; ++i)
-        bands.push_back(image.Band(i));
-    auto const isOfType = [&](BandHandle band) {
-        return band != nullptr && DeliveredType(band) == DeliveredType(bands.front());
-    };
-    if (bands.empty() || !std::all_of(bands.begin(), bands.end(), isOfType) || buffer == nullptr ||
-        resampling < Nearest || resampling > AsStored)
+    image.readError.Clear();
+    image.isOnThreads = false;
+    std::vector<BandHandle> const bands = image.Bands(channel, count);
+    if (bands.empty() || buffer == nullptr || resampling < Nearest || resampling > AsStored)
         return false;
     ReadRequest const request{.window = {x, y, width, height, outWidth, outHeight},
                               .resampling = static_cast<Resampling>(resampling),
                               .usePyramid = usePyramid,
                               .clip = clip,
                               .stop = image.stop};
-    RDIDataType const type = DeliveredType(bands.front());
-    try {
-        bool const isMixed = resampling == Bilinear || resampling == Cubic;
-        bool const isWhole = width == outWidth && height == outHeight && x == std::floor(x) && y == std::floor(y);
-        double const ratio = std::min(width / outWidth, height / outHeight);
-        bool const isReduced = usePyramid && LevelFor(bands.front(), ratio) != bands.front();
-        if (width * height >= kLargeWindow && (isMixed || isWhole) && !isReduced)
-            for (BandHandle &band : bands)
-                band = GDALGetRasterBand(Raw(image.ForBulk(isMixed)), GDALGetBandNumber(band));
-        if (image.grid.Frames() == 1 && image.grid.Slices() == 1)
-            return ReadWindows(bands, type, request, buffer);
-        auto *plane = static_cast<unsigned char *>(buffer);
-        for (int i = channel; i < channel + count; ++i, plane += PlaneSize(type, request.window)) {
-            BandGrid const grid{.columns = image.grid.Frames(),
-                                .rows = image.grid.Slices(),
-                                .at = [&](int frame, int slice) { return image.Band(i, slice, frame); }};
-            if (!ReadWindow(grid, type, request, plane))
-                return false;
-        }
-        return true;
-    } catch (std::bad_alloc const &) {
-        Report::TraceMessage(Report::kTraceDriver, "no memory to read %d * %d samples", outWidth, outHeight);
-        return false;
-    }
+    return WithinMemory(
+        image, [&] { return image.Conclude(ReadChannels(image, channel, bands, request, buffer), y, height, scope); });
 }
 
 bool RasterDriver::ReadPaletteRsmpl(void *handle, double x, double y, double width, double height, void *rgb,
                                     int outWidth, int outHeight) {
-    Image const &image = Of(handle);
+    Image &image = Of(handle);
     GdalScope const scope(image.reach);
+    image.readError.Clear();
     GDALRasterBandH band = image.Band(0);
     if (band == nullptr || rgb == nullptr)
         return false;
-    try {
-        ReadRequest const request{.window = {x, y, width, height, outWidth, outHeight}, .stop = image.stop};
-        return ReadPaletteWindow(band, request, static_cast<unsigned char *>(rgb));
-    } catch (std::bad_alloc const &) {
+    ReadRequest const request{.window = {x, y, width, height, outWidth, outHeight}, .stop = image.stop};
+    return WithinMemory(image, [&] {
+        return image.Conclude(ReadPaletteWindow(band, request, static_cast<unsigned char *>(rgb)), y, height, scope);
+    });
+}
+
+DError RasterDriver::GetReadError(void *handle) const { return Of(handle).readError; }
+
+bool RasterDriver::SalvageRsmpl(void *handle, int channel, int count, RDIWindow const &window, void *buffer,
+                                RDIRowsRead &read) {
+    Image &image = Of(handle);
+    GdalScope const scope(image.reach);
+    if (buffer == nullptr || count < 0)
         return false;
-    }
+    // Blocks that were read before do not tell any more how that went.
+    DatasetPtr const again = OpenAgain(image, image.source);
+    std::vector<BandHandle> bands = image.Bands(count == 0 ? 0 : channel, std::max(count, 1));
+    if (again == nullptr || bands.empty())
+        return false;
+    for (BandHandle &band : bands)
+        band = GDALGetRasterBand(Raw(again), GDALGetBandNumber(band));
+    Salvage salvage(scope);
+    ReadRequest const request{
+        .window = {window.x, window.y, window.width, window.height, window.outWidth, window.outHeight},
+        .resampling = Cubic,
+        .clip = false,
+        .stop = image.stop,
+        .salvage = &salvage};
+    return WithinMemory(image, [&] {
+        if (!(count == 0 ? ReadPaletteWindow(bands.front(), request, static_cast<unsigned char *>(buffer))
+                         : ReadWindows(bands, DeliveredType(bands.front()), request, buffer)) ||
+            !salvage.HasAny())
+            return false;
+        read = salvage.Result(static_cast<int>(window.height));
+        return true;
+    });
 }
 
 } // namespace zelvar::gdal

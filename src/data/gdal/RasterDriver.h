@@ -38,6 +38,9 @@ public:
                            bool clip) override;
     bool ReadPaletteRsmpl(void *handle, double x, double y, double width, double height, void *rgb, int outWidth,
                           int outHeight) override;
+    [[nodiscard]] DError GetReadError(void *handle) const override;
+    bool SalvageRsmpl(void *handle, int channel, int count, RDIWindow const &window, void *buffer,
+                      RDIRowsRead &read) override;
 
 private:
     Format const &m_format; ///< the catalogue's

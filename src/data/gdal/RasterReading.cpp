@@ -16,7 +16,8 @@ namespace zelvar::gdal {
 
 namespace {
 
-constexpr int kLargestSide = 1 << 20; // of a result, pixels
+constexpr int kLargestSide = 1 << 20;      // of a result, pixels
+constexpr std::uint16_t kNoColor = 0xFFFF; // no palette is as long
 
 bool Mixes(RDIDriver::Resampling resampling) {
     return resampling == RDIDriver::Bilinear || resampling == RDIDriver::Cubic;
@@ -67,7 +68,8 @@ bool ReadInside(std::vector<BandHandle> const &bands, Window const &window, Read
         return ReadMixed(
             levels, scaled,
             {.kernel = request.resampling == RDIDriver::Cubic ? MixingKernel::Cubic : MixingKernel::Bilinear,
-             .nodata = nodata},
+             .nodata = nodata,
+             .salvage = request.salvage},
             out, request.stop);
     Reduction const reduction = request.resampling == RDIDriver::Average ? Reduction::Average : Reduction::Pick;
     if (!ReadSamples(levels.front(), scaled, reduction, out, request.stop))
@@ -181,7 +183,7 @@ using Rgb24 = std::array<unsigned char, 3>;
 
 std::vector<Rgb24> PaletteOf(BandHandle band) {
     GDALColorTableH table = GDALGetRasterColorTable(band);
-    std::vector<Rgb24> colors(static_cast<std::size_t>(std::clamp(GDALGetColorEntryCount(table), 0, 65536)));
+    std::vector<Rgb24> colors(static_cast<std::size_t>(std::clamp<int>(GDALGetColorEntryCount(table), 0, kNoColor)));
     for (std::size_t i = 0; i < colors.size(); ++i) {
         GDALColorEntry entry{};
         GDALGetColorEntryAsRGB(table, static_cast<int>(i), &entry);
@@ -189,6 +191,22 @@ std::vector<Rgb24> PaletteOf(BandHandle band) {
         colors[i] = {byte(entry.c1), byte(entry.c2), byte(entry.c3)};
     }
     return colors;
+}
+
+/// The picked samples of a damaged band, row by row of the result.
+bool SalvagePicks(BandHandle band, Window const &window, ReadRequest const &request, std::uint16_t *out) {
+    request.salvage->Begin(window.outHeight);
+    Window row = window;
+    row.height = window.height / window.outHeight;
+    row.outHeight = 1;
+    for (int y = 0; y < window.outHeight; ++y, out += window.outWidth) {
+        row.y = window.y + y * row.height;
+        if (IsStopped(request.stop))
+            return false;
+        if (!request.salvage->ReadOne([&] { return ReadSamples(band, row, Reduction::Pick, out, request.stop); }))
+            std::fill_n(out, window.outWidth, kNoColor);
+    }
+    return !IsStopped(request.stop);
 }
 
 } // namespace
@@ -292,7 +310,9 @@ bool ReadPaletteWindow(BandHandle band, ReadRequest const &request, unsigned cha
     std::vector<std::uint16_t> indexes(static_cast<std::size_t>(window.outWidth) *
                                        static_cast<std::size_t>(window.outHeight));
     BandHandle level = LevelFor(band, std::min(window.width / window.outWidth, window.height / window.outHeight));
-    if (!ReadSamples(level, OnLevel(window, band, level), Reduction::Pick, indexes.data(), request.stop))
+    Window const scaled = OnLevel(window, band, level);
+    if (!(request.salvage == nullptr ? ReadSamples(level, scaled, Reduction::Pick, indexes.data(), request.stop)
+                                     : SalvagePicks(level, scaled, request, indexes.data())))
         return false;
     std::vector<Rgb24> const colors = PaletteOf(band);
     for (std::uint16_t const index : indexes) {

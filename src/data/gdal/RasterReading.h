@@ -2,6 +2,7 @@
 
 #include "zelvar/data/RDIDriver.h"
 #include "zelvar/data/gdal/BandReading.h"
+#include "zelvar/data/gdal/Salvage.h"
 
 #include <functional>
 
@@ -14,6 +15,7 @@ struct ReadRequest {
     bool usePyramid = true; ///< GDAL may take a level by itself even without it, where pixels are picked or averaged
     bool clip = true;
     StopSignal const *stop = nullptr; ///< not owned, may be null
+    Salvage *salvage = nullptr;       ///< where samples are mixed, or picked through a palette; not owned
 };
 
 /// The type that samples of a band are delivered in: GDAL's own where `RDIDataType` has it. Signed 8 bits, 64 bits,

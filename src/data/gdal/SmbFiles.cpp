@@ -113,6 +113,15 @@ bool Install() {
 
 } // namespace
 
+std::error_code SmbErrorOf(DString const &virtualName) {
+    auto const address =
+        virtualName.starts_with(kPrefix) ? AddressOf(virtualName.c_str() + std::strlen(kPrefix)) : std::nullopt;
+    if (!address)
+        return {};
+    std::error_code const error = SmbClient::Instance().List(*address, [](platform::SmbEntry &&) { return false; });
+    return error == std::errc::not_a_directory ? std::error_code() : error;
+}
+
 DString SmbVirtualName(DString const &url) {
     static bool const installed = Install();
     auto const address = platform::ParseSmbAddress(url);

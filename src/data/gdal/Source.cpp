@@ -2,6 +2,7 @@
 
 #include "zelvar/base/FileDescriptor.h"
 #include "zelvar/base/PathStyle.h"
+#include "zelvar/data/gdal/Causes.h"
 #include "zelvar/data/gdal/DataFolders.h"
 #include "zelvar/data/gdal/LandsatScene.h"
 #include "zelvar/data/gdal/Siblings.h"
@@ -14,6 +15,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
+#include <cstring>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -152,7 +155,8 @@ OpenedSource OpenScene(Source const &source, Format const *format, DError *error
     OpenedSource opened;
     LandsatScene const scene = ReadLandsatScene(source.name);
     if (format == nullptr || scene.picture.empty()) {
-        std::ignore = Refuse(error, "\"" + source.text + "\" holds no bands that can be read");
+        std::ignore =
+            Refuse(error, "\"" + source.text + "\" holds no bands that can be read", DError::Cause::NotSupported);
         return opened;
     }
     char const *const chosen[] = {format->id.c_str(), nullptr};
@@ -160,6 +164,10 @@ OpenedSource OpenScene(Source const &source, Format const *format, DError *error
         Own(GDALOpenEx(scene.picture.c_str(), GDAL_OF_RASTER | GDAL_OF_READONLY, chosen, nullptr, nullptr));
     opened.format = format;
     return opened;
+}
+
+bool HoldsAny(DatasetPtr const &dataset) {
+    return dataset != nullptr && GDALGetRasterCount(Raw(dataset)) + GDALDatasetGetLayerCount(Raw(dataset)) > 0;
 }
 
 /// Names of the files beside a local file; nothing if one of them is a trap. Empty where GDAL is to look for none.
@@ -217,7 +225,14 @@ std::optional<Source> Resolve(BDIMoniker const &moniker, DError *error) {
     if (StartsWithNoCase(source.name, "file://"))
         source.name = source.diskPath;
     struct stat info {};
-    if (source.diskPath.empty() || stat(source.diskPath.c_str(), &info) != 0 || UsesForeignFileSystem(source.name))
+    if (UsesForeignFileSystem(source.name))
+        return Refuse(error, "\"" + source.text + "\" is not there", DError::Cause::Missing);
+    // What is not found may lie in a folder that must not be searched.
+    DString const &sought = source.diskPath.empty() ? source.name : source.diskPath;
+    int const failure = stat(sought.c_str(), &info) != 0 ? errno : source.diskPath.empty() ? ENOENT : 0;
+    if (failure != 0 && CauseOfErrno(failure) != DError::Cause::Missing)
+        return Refuse(error, "\"" + source.text + "\": " + std::strerror(failure), CauseOfErrno(failure));
+    if (failure != 0)
         return Refuse(error, "\"" + source.text + "\" is not there", DError::Cause::Missing);
     if (S_ISREG(info.st_mode))
         return source;
@@ -251,10 +266,16 @@ OpenedSource Open(Source const &source, unsigned flags, Format const *only, DErr
     std::vector<char const *> allowed = AllowedFor(source, only);
     if (source.folder == DataFolder::Landsat)
         return OpenScene(source, Identify(source, flags, only), error);
-    auto const siblings = SiblingsFor(source);
     OpenedSource opened;
+    if (DError refused = AskServer(source); refused.IsSet()) {
+        if (error != nullptr)
+            *error = std::move(refused);
+        return opened;
+    }
+    auto const siblings = SiblingsFor(source);
+    OpenAttempt attempt;
     if (!siblings) {
-        std::ignore = Refuse(error, "a side file of \"" + source.text + "\" is no plain file");
+        std::ignore = Refuse(error, "a side file of \"" + source.text + "\" is no plain file", DError::Cause::Refused);
         return opened;
     }
     std::vector<char const *> const siblingNames = Pointers(*siblings);
@@ -267,6 +288,7 @@ OpenedSource Open(Source const &source, unsigned flags, Format const *only, DErr
             break;
         char const *id = GDALGetDriverShortName(driver);
         Format const *format = Formats::Instance().Find(id);
+        attempt.known = attempt.known == nullptr ? format : attempt.known;
         if (format != nullptr) {
             if (format->id == "netCDF" || format->id.starts_with("HDF5") || format->id == "BAG")
                 SilenceHdf5();
@@ -282,8 +304,14 @@ OpenedSource Open(Source const &source, unsigned flags, Format const *only, DErr
         }
         std::erase_if(allowed, [&](char const *name) { return name != nullptr && EqualNoCase(name, id); });
     }
-    if (!opened && error != nullptr)
-        error->Set(scope.FirstError().empty() ? "no driver reads \"" + source.text + "\"" : scope.FirstError());
+    if (!opened && error != nullptr) {
+        constexpr unsigned allKinds = GDAL_OF_RASTER | GDAL_OF_VECTOR;
+        bool const isKnown = attempt.known != nullptr;
+        attempt.isOther = isKnown && source.reach == Reach::Local && !HasSaidWhy(scope) &&
+                          HoldsAny(Open(source, allKinds & ~flags, only, nullptr).dataset);
+        attempt.wouldWrite = !isKnown && !source.diskPath.empty() && KeepsWriteAheadLog(source.diskPath);
+        *error = WhyNotOpened(source, attempt, scope);
+    }
     return opened;
 }
 

@@ -48,6 +48,7 @@ struct OpenedSource {
 };
 /// Opens read-only, with `only` or, if it is null, with whichever allowed format reads it. `flags` are GDAL_OF_RASTER
 /// and GDAL_OF_VECTOR. Options that the format does not know are left out with a line in the log.
+/// Where `error` is not null it says why nothing opens, which may take another look at the file.
 [[nodiscard]] OpenedSource Open(Source const &source, unsigned flags, Format const *only, DError *error);
 /// The format that GDAL would read it with, told by its first bytes; null if none.
 [[nodiscard]] Format const *Identify(Source const &source, unsigned flags, Format const *only);

@@ -2,6 +2,7 @@
 
 #include "zelvar/base/FileDescriptor.h"
 #include "zelvar/base/PathStyle.h"
+#include "zelvar/data/gdal/Causes.h"
 #include "zelvar/data/gdal/LayerTable.h"
 #include "zelvar/data/tables/ADIDriverMngr.h"
 #include "zelvar/data/tables/CsvTable.h"
@@ -98,6 +99,14 @@ Opened OpenWith(BDIMoniker const &moniker, Format const *only, StopSignal const 
     auto const source = Resolve(moniker, error);
     if (!source)
         return {};
+    {
+        GdalScope const scope(source->reach);
+        if (DError refused = AskServer(*source); refused.IsSet()) {
+            if (error != nullptr)
+                *error = std::move(refused);
+            return {};
+        }
+    }
     // A text is what no other format takes it for.
     bool const isText = only != nullptr && IsText(*only);
     Format const *const identified = isText ? only : Identify(*source, GDAL_OF_VECTOR, only);

@@ -261,13 +261,12 @@ bool RemoteRasterDriver::ReadPaletteRsmpl(void *handle, double x, double y, doub
 DError RemoteRasterDriver::GetReadError(void *handle) const { return Of(handle).readError; }
 
 bool RemoteRasterDriver::SalvageRsmpl(void *handle, int channel, int count, RDIWindow const &window, void *buffer,
-                                      int resampling, RDIRowsRead &read) {
+                                      RDIRowsRead &read) {
     wire::ReadPixelsT body = WindowRequest(window);
     body.salvage = true;
     body.palette = count == 0;
     body.channel = channel;
     body.channels = std::max(count, 1);
-    body.resampling = resampling;
     int const sample = body.palette ? kColorBytes : SampleBytes(handle, channel, count);
     return Read(Of(handle), std::move(body), BytesOf(window.outWidth, window.outHeight, sample), buffer, &read);
 }

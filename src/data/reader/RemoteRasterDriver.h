@@ -39,7 +39,7 @@ public:
     bool ReadPaletteRsmpl(void *handle, double x, double y, double width, double height, void *rgb, int outWidth,
                           int outHeight) override;
     [[nodiscard]] DError GetReadError(void *handle) const override;
-    bool SalvageRsmpl(void *handle, int channel, int count, RDIWindow const &window, void *buffer, int resampling,
+    bool SalvageRsmpl(void *handle, int channel, int count, RDIWindow const &window, void *buffer,
                       RDIRowsRead &read) override;
 
 private:

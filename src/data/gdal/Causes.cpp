@@ -1,0 +1,218 @@
+#include "zelvar/data/gdal/Causes.h"
+
+#include "zelvar/base/FileDescriptor.h"
+#include "zelvar/base/PathStyle.h"
+#include "zelvar/data/gdal/Passwords.h"
+#include "zelvar/data/gdal/SmbFiles.h"
+
+#include <cpl_error.h>
+#include <cpl_vsi.h>
+#include <cpl_vsi_error.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <charconv>
+#include <cstring>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+namespace zelvar::gdal {
+
+namespace {
+
+using Cause = DError::Cause;
+
+bool Says(std::string_view text, std::initializer_list<std::string_view> phrases) {
+    return std::any_of(phrases.begin(), phrases.end(),
+                       [&](std::string_view phrase) { return text.find(phrase) != std::string_view::npos; });
+}
+
+/// The number behind the first of the phrases that one stands behind; -1 for none.
+std::int64_t NumberBehind(std::string_view text, std::initializer_list<std::string_view> phrases) {
+    for (std::string_view const phrase : phrases) {
+        std::size_t const at = text.find(phrase);
+        if (at == std::string_view::npos)
+            continue;
+        std::int64_t number = -1;
+        char const *const begin = text.data() + at + phrase.size();
+        if (std::from_chars(begin, text.data() + text.size(), number).ec == std::errc{} && number >= 0)
+            return number;
+    }
+    return -1;
+}
+
+std::int64_t StatusIn(std::string_view text) {
+    return NumberBehind(text, {"http response code: ", "http error code : ", "http error code: "});
+}
+
+std::int64_t ByteIn(std::string_view text) {
+    return NumberBehind(text, {"at offset ", "from offset ", "to offset ", "@ offset ", "at byte ", "@ "});
+}
+
+/// Lower case, and without the names of the file.
+DString WordsOf(DString text, Source const &source) {
+    for (DString const &name : {source.name, source.diskPath, DString(FileNameOf(source.diskPath))})
+        for (std::size_t at = 0; !name.empty() && (at = text.find(name)) != DString::npos;)
+            text.erase(at, name.size());
+    return FoldCase(text);
+}
+
+Cause CauseOf(int number, std::string_view words) {
+    switch (number) {
+    case CPLE_OutOfMemory:
+        return Cause::TooLarge;
+    case CPLE_NotSupported:
+        return Cause::NotSupported;
+    case CPLE_UserInterrupt:
+        return Cause::Unknown;
+    case CPLE_HttpResponse:
+        return Cause::Server;
+    case CPLE_AWSBucketNotFound:
+    case CPLE_AWSObjectNotFound:
+        return Cause::Missing;
+    case CPLE_AWSAccessDenied:
+    case CPLE_AWSInvalidCredentials:
+    case CPLE_AWSSignatureDoesNotMatch:
+        return Cause::NotPermitted;
+    default:
+        break;
+    }
+    if (StatusIn(words) >= 0)
+        return Cause::Server;
+    if (Says(words, {"curl error"}))
+        return Cause::NoAnswer;
+    if (Says(words, {"password", "encrypted"}))
+        return Cause::NeedsPassword;
+    if (Says(words, {"out of memory"}))
+        return Cause::TooLarge;
+    if (Says(words, {FoldCase(std::strerror(ENOENT))}))
+        return Cause::Missing;
+    if (Says(words, {FoldCase(std::strerror(EACCES))}))
+        return Cause::NotPermitted;
+    if (Says(words, {"not supported", "unsupported", "not configured", "not implemented", "selected instead"}))
+        return Cause::NotSupported;
+    return Cause::Damaged;
+}
+
+/// Not what GDAL says of itself where a format opens nothing without a word.
+bool IsTelling(GdalError const &error) { return error.text.find("not recognized as") == DString::npos; }
+
+DError Because(DString text, Cause cause, std::int64_t detail = -1) {
+    DError error;
+    error.Set(std::move(text), cause, detail);
+    return error;
+}
+
+DError OfErrno(DString const &name, int error) {
+    return Because("\"" + name + "\": " + std::strerror(error), CauseOfErrno(error));
+}
+
+/// What the file on disk says, whatever is in it.
+DError AskFile(Source const &source) {
+    FileDescriptor const file(open(source.diskPath.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+    struct stat info {};
+    if (!file.IsOpen() || fstat(file.Get(), &info) != 0)
+        return OfErrno(source.diskPath, errno);
+    bool const isEmpty = S_ISREG(info.st_mode) && info.st_size == 0;
+    return isEmpty ? Because("\"" + source.diskPath + "\" is empty", Cause::Damaged) : DError();
+}
+
+Cause CauseOfServer(int number, std::string_view words) {
+    switch (number) {
+    case VSIE_AWSBucketNotFound:
+    case VSIE_AWSObjectNotFound:
+        return Cause::Missing;
+    case VSIE_AWSAccessDenied:
+    case VSIE_AWSInvalidCredentials:
+    case VSIE_AWSSignatureDoesNotMatch:
+        return Cause::NotPermitted;
+    default:
+        return StatusIn(words) >= 0 ? Cause::Server : Says(words, {"curl error"}) ? Cause::NoAnswer : Cause::Unknown;
+    }
+}
+
+} // namespace
+
+DError::Cause CauseOfErrno(int error) {
+    switch (error) {
+    case ENOENT:
+    case ENOTDIR:
+    case ENAMETOOLONG:
+    case ELOOP:
+        return Cause::Missing;
+    case EACCES:
+    case EPERM:
+        return Cause::NotPermitted;
+    case EIO:
+    case ESTALE:
+    case ETIMEDOUT:
+    case EHOSTDOWN:
+    case EHOSTUNREACH:
+    case ENETUNREACH:
+    case ENOTCONN:
+    case ECONNREFUSED:
+        return Cause::NoAnswer;
+    case ENOMEM:
+        return Cause::TooLarge;
+    default:
+        return Cause::Unknown;
+    }
+}
+
+DError ErrorOf(GdalScope const &scope, Source const &source) {
+    if (scope.Errors().empty())
+        return {};
+    auto const telling = std::find_if(scope.Errors().begin(), scope.Errors().end(), IsTelling);
+    GdalError const &first = telling == scope.Errors().end() ? scope.Errors().front() : *telling;
+    DString const words = WordsOf(first.text, source);
+    Cause const cause = CauseOf(first.number, words);
+    std::int64_t detail = cause == Cause::Server ? StatusIn(words) : -1;
+    for (GdalError const &error : scope.Errors())
+        if (cause == Cause::Damaged && detail < 0)
+            detail = ByteIn(WordsOf(error.text, source));
+    return Because(first.text, cause, detail);
+}
+
+bool HasSaidWhy(GdalScope const &scope) { return std::any_of(scope.Errors().begin(), scope.Errors().end(), IsTelling); }
+
+DError AskServer(Source const &source) {
+    constexpr std::string_view kServers[] = {"/vsicurl/", "/vsis3/", "/vsigs/", "/vsiaz/"};
+    bool const isAsked = std::any_of(std::begin(kServers), std::end(kServers),
+                                     [&](std::string_view prefix) { return source.name.starts_with(prefix); });
+    if (!isAsked || source.name.ends_with('/'))
+        return {};
+    VSIErrorReset();
+    constexpr int tellErrors = TRUE;
+    if (VSILFILE *const file = VSIFOpenExL(source.name.c_str(), "rb", tellErrors)) {
+        VSIFCloseL(file);
+        return {};
+    }
+    DString const said = VSIGetLastErrorMsg();
+    DString const words = FoldCase(said);
+    Cause const cause = CauseOfServer(VSIGetLastErrorNo(), words);
+    VSICurlPartialClearCache(source.name.c_str()); // else the next one that asks is not told
+    return Because("\"" + source.text + "\": " + (said.empty() ? DString("the server does not give it") : said), cause,
+                   cause == Cause::Server ? StatusIn(words) : -1);
+}
+
+DError WhyNotOpened(Source const &source, OpenAttempt const &attempt, GdalScope const &scope) {
+    if (!source.diskPath.empty())
+        if (DError error = AskFile(source); error.IsSet())
+            return error;
+    if (std::error_code const error = SmbErrorOf(source.name))
+        return OfErrno(source.text, error.value());
+    DString const name = "\"" + source.text + "\"";
+    if (NeedsPassword(source))
+        return Because(name + " is encrypted", Cause::NeedsPassword);
+    if (attempt.wouldWrite)
+        return Because(name + " has a log beside it, which reading would write", Cause::Refused);
+    if (attempt.isOther)
+        return Because(name + " holds data of another kind", Cause::NotSupported);
+    DError error = ErrorOf(scope, source);
+    if (attempt.known == nullptr && (!error.IsSet() || error.Why() == Cause::Damaged))
+        return Because("no driver reads " + name, Cause::NotSupported);
+    return HasSaidWhy(scope) ? error : Because(attempt.known->id + " cannot read " + name, Cause::Damaged);
+}
+
+} // namespace zelvar::gdal
