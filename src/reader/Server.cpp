@@ -19,12 +19,6 @@ namespace {
 
 using MaybeAnswer = std::optional<wire::AnswerBodyUnion>;
 
-DError OutOfMemory(std::uint64_t most) {
-    DError error;
-    error.Set("out of memory", DError::Cause::TooLarge, most == 0 ? -1 : static_cast<std::int64_t>(most));
-    return error;
-}
-
 /// What a driver throws is an answer too.
 MaybeAnswer Guarded(RequestHandler &handler, RequestQueue::Entry &entry) {
     if (entry.isStopped)
@@ -33,7 +27,7 @@ MaybeAnswer Guarded(RequestHandler &handler, RequestQueue::Entry &entry) {
         MemoryLimit const limit(entry.request->memory);
         return handler.Handle(entry.request->body, std::move(entry.file));
     } catch (std::bad_alloc const &) {
-        return Failure(OutOfMemory(entry.request->memory));
+        return Failure("out of memory", DError::Cause::TooLarge);
     } catch (std::exception const &failure) {
         return Failure(failure.what());
     } catch (...) {
@@ -79,8 +73,15 @@ void Server::Work() {
 void Server::Do(RequestHandler &handler, RequestQueue::Entry &entry) {
     std::uint64_t const number = entry.request->number;
     WriteStatus(*entry.request);
-    if (MaybeAnswer answer = Guarded(handler, entry))
-        Send(number, std::move(*answer));
+    MaybeAnswer answer = Guarded(handler, entry);
+    if (!answer)
+        return;
+    // Whoever found that it takes too much does not know what it might have taken.
+    if (wire::FailedT *const failed = answer->AsFailed();
+        failed != nullptr && failed->cause == static_cast<std::uint32_t>(DError::Cause::TooLarge) &&
+        failed->detail < 0 && entry.request->memory != 0)
+        failed->detail = static_cast<std::int64_t>(entry.request->memory);
+    Send(number, std::move(*answer));
 }
 
 void Server::WriteStatus(wire::RequestT const &request) {

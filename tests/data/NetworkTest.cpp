@@ -5,6 +5,7 @@
 #include "support/RealDriversTest.h"
 #include "support/Test.h"
 #include "zelvar/data/ImageReader.h"
+#include "zelvar/data/tables/ADIFile.h"
 
 namespace zelvar {
 namespace {
@@ -45,6 +46,32 @@ TEST_F(Network, APreviewOverTheWebReadsOnlyWhatItNeeds) {
         EXPECT_NE(request.find("/a%20b/big.tif"), std::string::npos) << "asked for a side file: " << request;
     ImageInfo info;
     EXPECT_FALSE(ReadImageInfo({m_server.Url() + "/missing.tif", nullptr}, "", nullptr, info));
+}
+
+TEST_F(Network, WhatAServerAnswersIsTheCause) {
+    using enum DError::Cause;
+    std::vector<std::tuple<DString, DError::Cause, int>> cases{{m_server.Url() + "/no.tif", Server, 404},
+                                                               {"http://127.0.0.1:1/a.tif", NoAnswer, -1},
+                                                               {"smb://127.0.0.1:1/pub/a.tif", NoAnswer, -1},
+                                                               {m_server.Url() + "/text.tif", NotSupported, -1},
+                                                               {m_server.Url() + "/a b/page.zip", NotSupported, -1},
+                                                               {"gopher://127.0.0.1/a.tif", NotSupported, -1}};
+    for (int const status : {401, 403, 500}) {
+        m_server.Refuse(Format("/%d.tif", status), status);
+        cases.emplace_back(m_server.Url() + Format("/%d.tif", status), Server, status);
+    }
+    m_server.Serve("/text.tif", "no image");
+    m_server.Serve("/a%20b/page.zip", "no archive");
+    for (int round = 0; round < 2; ++round) // what is remembered of a server hides no cause
+        for (auto const &[moniker, cause, detail] : cases) {
+            ImageInfo info;
+            DError error;
+            EXPECT_FALSE(ReadImageInfo({moniker, nullptr}, "", nullptr, info, &error));
+            EXPECT_EQ(error.Why(), cause) << moniker << ": " << error.Text();
+            EXPECT_EQ(error.Detail(), detail) << moniker;
+            EXPECT_EQ(ADIFile(DFile(moniker), "", tdFormatAccess_Read, nullptr, "").GetFailure().Why(), cause)
+                << moniker;
+        }
 }
 
 TEST_F(Network, PagesOfATiffOnAServerOpenByTheirNodes) {
@@ -225,7 +252,9 @@ TEST_F(Network, AShareOnAFileServerIsATree) {
         EXPECT_EQ(BDIDrvrMngr::Instance()->FindContainerDriver(DString("smb://127.0.0.1/pub/") + name) != nullptr,
                   DString(name) == "pages.tif")
             << name;
-    EXPECT_FALSE(ReadImageInfo({"smb://127.0.0.1/pub/missing.tif", nullptr}, "", nullptr, info));
+    DError error;
+    EXPECT_FALSE(ReadImageInfo({"smb://127.0.0.1/pub/missing.tif", nullptr}, "", nullptr, info, &error));
+    EXPECT_EQ(error.Why(), DError::Cause::Missing) << error.Text();
     EXPECT_TRUE(ChildrenOf("smb://127.0.0.1").contains("pub"));
 }
 

@@ -74,6 +74,11 @@ void HttpServer::Serve(std::string const &path, std::string bytes, std::string c
     m_resources[path] = {std::move(bytes), type};
 }
 
+void HttpServer::Refuse(std::string const &path, int status) {
+    std::lock_guard const lock(m_mutex);
+    m_resources[path] = {.bytes = {}, .type = {}, .status = status};
+}
+
 std::vector<std::string> HttpServer::Requests() const {
     std::lock_guard const lock(m_mutex);
     return m_requests;
@@ -121,13 +126,13 @@ bool HttpServer::Answer(int connection, std::string const &request) {
         auto const at = m_resources.find(line.substr(line.find(' ') + 1));
         if (at != m_resources.end()) {
             resource = at->second;
-            found = true;
+            found = !resource.type.empty();
         }
     }
     if (m_hangs)
         return true;
     if (!found) {
-        SendAll(connection, "HTTP/1.1 404 Not Found\r\nContent-Length: 0\r\n\r\n");
+        SendAll(connection, "HTTP/1.1 " + std::to_string(resource.status) + " No\r\nContent-Length: 0\r\n\r\n");
         return true;
     }
     std::size_t first = 0;

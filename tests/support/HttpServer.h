@@ -19,6 +19,8 @@ public:
     [[nodiscard]] int Port() const { return m_port; }
     /// `path` as it stands in a request, from "/" on.
     void Serve(std::string const &path, std::string bytes, std::string const &type = "application/octet-stream");
+    /// Answers with that status, a refusal or a failure.
+    void Refuse(std::string const &path, int status);
     /// Takes connections and requests, and never answers.
     void Hang() { m_hangs = true; }
 
@@ -33,6 +35,7 @@ private:
     struct Resource {
         std::string bytes;
         std::string type;
+        int status = 404; ///< of one without a type
     };
     void Run();
     void Talk(int connection);

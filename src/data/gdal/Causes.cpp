@@ -23,15 +23,16 @@ namespace {
 
 using Cause = DError::Cause;
 
+/// Whether a text that `FoldCase` made holds one of the phrases.
 bool Says(std::string_view text, std::initializer_list<std::string_view> phrases) {
     return std::any_of(phrases.begin(), phrases.end(),
-                       [&](std::string_view phrase) { return text.find(phrase) != std::string_view::npos; });
+                       [&](std::string_view phrase) { return text.find(FoldCase(phrase)) != std::string_view::npos; });
 }
 
 /// The number behind the first of the phrases that one stands behind; -1 for none.
 std::int64_t NumberBehind(std::string_view text, std::initializer_list<std::string_view> phrases) {
     for (std::string_view const phrase : phrases) {
-        std::size_t const at = text.find(phrase);
+        std::size_t const at = text.find(FoldCase(phrase));
         if (at == std::string_view::npos)
             continue;
         std::int64_t number = -1;
@@ -50,7 +51,7 @@ std::int64_t ByteIn(std::string_view text) {
     return NumberBehind(text, {"at offset ", "from offset ", "to offset ", "@ offset ", "at byte ", "@ "});
 }
 
-/// Lower case, and without the names of the file.
+/// As `FoldCase`, and without the names of the file.
 DString WordsOf(DString text, Source const &source) {
     for (DString const &name : {source.name, source.diskPath, DString(FileNameOf(source.diskPath))})
         for (std::size_t at = 0; !name.empty() && (at = text.find(name)) != DString::npos;)
@@ -86,9 +87,9 @@ Cause CauseOf(int number, std::string_view words) {
         return Cause::NeedsPassword;
     if (Says(words, {"out of memory"}))
         return Cause::TooLarge;
-    if (Says(words, {FoldCase(std::strerror(ENOENT))}))
+    if (Says(words, {std::strerror(ENOENT)}))
         return Cause::Missing;
-    if (Says(words, {FoldCase(std::strerror(EACCES))}))
+    if (Says(words, {std::strerror(EACCES)}))
         return Cause::NotPermitted;
     if (Says(words, {"not supported", "unsupported", "not configured", "not implemented", "selected instead"}))
         return Cause::NotSupported;

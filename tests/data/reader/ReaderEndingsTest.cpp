@@ -70,6 +70,7 @@ TEST_F(ReaderEndings, ADriverThatEndsItsReaderFailsThatRequestAlone) {
         {
             Image const image(file);
             EXPECT_FALSE(image) << test.text;
+            EXPECT_EQ(image.error.Why(), DError::Cause::Crashed) << test.text;
             if (!test.onlyPlain || !kIsSanitized) {
                 EXPECT_THAT(image.error.Text(), HasSubstr(test.reason)) << test.text;
                 EXPECT_THAT(ReaderFailureOf(file), HasSubstr(test.reason)) << test.text;
@@ -77,7 +78,7 @@ TEST_F(ReaderEndings, ADriverThatEndsItsReaderFailsThatRequestAlone) {
         }
         EXPECT_EQ(CountReaders().crashed, ++expected) << test.text;
         // Not tried again while it is as it was.
-        EXPECT_FALSE(Image(file));
+        EXPECT_EQ(Image(file).error.Why(), DError::Cause::Crashed);
         EXPECT_EQ(CountReaders().crashed, expected) << test.text;
         // Tried again once it has changed.
         static_cast<void>(Write("bad" + std::to_string(expected - 1), "width 3\nheight 3\n# mended\n"));
@@ -131,8 +132,11 @@ TEST_F(ReaderEndings, AStoppedOrLateRequestEndsSoonWhateverItsDriverDoes) {
                 StopSignal stop{false};
                 // The reader has begun by then, or is about to: both must end.
                 std::thread stopper([&] { std::this_thread::yield(), stop = isStopped; });
-                EXPECT_FALSE(Image(file, &stop));
+                Image const image(file, &stop);
+                EXPECT_FALSE(image);
                 stopper.join();
+                EXPECT_EQ(image.error.Why(), isStopped ? DError::Cause::Unknown : DError::Cause::Late);
+                EXPECT_EQ(image.error.Detail(), isStopped ? -1 : time);
                 EXPECT_THAT(ReaderFailureOf(file), HasSubstr(isStopped ? "" : "longer than 0.3 s"));
                 EXPECT_EQ(ReaderFailureOf(file).empty(), isStopped) << "a stop is nobody's fault";
             });
@@ -204,6 +208,9 @@ TEST_F(ReaderEndings, ARequestThatOutgrowsItsMemoryFailsAlone) {
     for (char const *text : {"open allocate 3000\n", "read allocate 3000\n"}) {
         Image const image(Write("large", text));
         EXPECT_TRUE(!image || image.Read(0).empty()) << text;
+        DError const error = image ? image.driver->GetReadError(image.handle) : image.error;
+        EXPECT_EQ(error.Why(), DError::Cause::TooLarge) << text << error.Text();
+        EXPECT_GE(error.Detail(), 100 << 20U) << text;
     }
     EXPECT_FALSE(good.Read(0).empty());
 }
@@ -248,7 +255,7 @@ TEST_F(ReaderEndings, AReaderHeldByTheKernelIsLeftBehindAndItsPlaceGetsNoWork) {
     {
         Image const again(mount.File());
         EXPECT_FALSE(again);
-        EXPECT_THAT(again.error.Text(), HasSubstr("does not answer"));
+        EXPECT_EQ(again.error.Why(), DError::Cause::NoAnswer);
     }
     EXPECT_EQ(CountReaders().started, started) << "no work for that place";
     EXPECT_TRUE(Image(Write("good", ""))) << "other places go on";
