@@ -116,6 +116,34 @@ TEST(RasterManager, ANamedDriverAloneIsTriedAndAnUnknownNameTriesAll) {
     driver->CloseFile(handle, true);
 }
 
+TEST(RasterManager, OfManyReasonsTheOneThatTellsMostIsHeard) {
+    class Failing : public ScriptedRasterDriver {
+    public:
+        explicit Failing(DError::Cause cause) : ScriptedRasterDriver("failing"), m_cause(cause) {}
+        void *OpenFile(BDIMoniker const &, StopSignal const *, DError *error) override {
+            error->Set("a reason", m_cause, 7);
+            return nullptr;
+        }
+
+    private:
+        DError::Cause m_cause;
+    };
+    using enum DError::Cause;
+    ScriptedDrivers const drivers;
+    RDIDriver *driver = nullptr;
+    void *handle = nullptr;
+    DError error;
+    std::ignore = RDIDriverMngr::Instance()->OpenFile({"/a", nullptr}, &driver, &handle, "", &error, "");
+    EXPECT_EQ(error.Why(), NotSupported) << "nobody says anything";
+    for (auto const &[added, heard] :
+         {std::pair{Unknown, Unknown}, {NotSupported, NotSupported}, {Damaged, Damaged}, {Late, Damaged}}) {
+        RDIDriverMngr::Instance()->Add(std::make_unique<Failing>(added));
+        std::ignore = RDIDriverMngr::Instance()->OpenFile({"/a", nullptr}, &driver, &handle, "", &error, "");
+        EXPECT_EQ(error.Why(), heard);
+        EXPECT_EQ(error.Detail(), 7);
+    }
+}
+
 TEST(DriverProvider, RunsOnceForAllThreadsAndAgainAfterAReset) {
     ScriptedDrivers const drivers;
     std::atomic<int> runs{0};

@@ -90,6 +90,11 @@ bool SeriesDriver::ReadChannelsRsmpl(void *handle, int channel, int count, doubl
 
 DError SeriesDriver::GetReadError(void *handle) const { return Of(handle).LastError(); }
 
+bool SeriesDriver::SalvageRsmpl(void *handle, int channel, int count, RDIWindow const &window, void *buffer,
+                                RDIRowsRead &read) {
+    return buffer != nullptr && Of(handle).Salvage(channel, count, window, buffer, read);
+}
+
 bool SeriesDriver::ReadPaletteRsmpl(void *handle, double x, double y, double width, double height, void *rgb,
                                     int outWidth, int outHeight) {
     SeriesWindow const window{

@@ -32,6 +32,8 @@ public:
     bool ReadPaletteRsmpl(void *handle, double x, double y, double width, double height, void *rgb, int outWidth,
                           int outHeight) override;
     [[nodiscard]] DError GetReadError(void *handle) const override;
+    bool SalvageRsmpl(void *handle, int channel, int count, RDIWindow const &window, void *buffer,
+                      RDIRowsRead &read) override;
 };
 
 /// Adds the driver to the manager, behind the others, if there are others. To be called by a driver provider.

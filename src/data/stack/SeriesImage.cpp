@@ -305,11 +305,31 @@ bool SeriesImage::ReadPalette(SeriesWindow const &window, unsigned char *rgb) {
     if (found == Found::Nothing)
         std::fill_n(rgb, static_cast<std::size_t>(window.outWidth) * static_cast<std::size_t>(window.outHeight) * 3,
                     std::uint8_t{0});
-    return found == Found::Nothing ||
-           (found == Found::Member &&
-            member->Driver().ReadPaletteRsmpl(member->Handle(), window.x - columns.begin * double{1} * m_facts.width,
-                                              window.y - rows.begin * double{1} * m_facts.height, window.width,
-                                              window.height, rgb, window.outWidth, window.outHeight));
+    if (found != Found::Member)
+        return found == Found::Nothing;
+    bool const isRead =
+        member->Driver().ReadPaletteRsmpl(member->Handle(), window.x - columns.begin * double{1} * m_facts.width,
+                                          window.y - rows.begin * double{1} * m_facts.height, window.width,
+                                          window.height, rgb, window.outWidth, window.outHeight);
+    if (!isRead)
+        m_lastError = member->Driver().GetReadError(member->Handle());
+    return isRead;
+}
+
+bool SeriesImage::Salvage(int channel, int count, RDIWindow const &window, void *buffer, RDIRowsRead &read) {
+    if (channel < 0 || count < 0 || count > Channels() - channel || !(window.width > 0) || !(window.height > 0))
+        return false;
+    Span const columns = CellsOf(window.x, window.width, m_facts.width, m_frames);
+    Span const rows = CellsOf(window.y, window.height, m_facts.height, m_slices);
+    int const own = channel % m_facts.channels;
+    OpenImage *member = nullptr;
+    if (columns.Length() != 1 || rows.Length() != 1 || own + count > m_facts.channels ||
+        Find({columns.begin, rows.begin}, channel, member) != Found::Member)
+        return false;
+    RDIWindow inside = window;
+    inside.x -= columns.begin * double{1} * m_facts.width;
+    inside.y -= rows.begin * double{1} * m_facts.height;
+    return member->Driver().SalvageRsmpl(member->Handle(), own, count, inside, buffer, read);
 }
 
 SeriesCheck const &SeriesImage::TakeOnCheck() {

@@ -48,6 +48,8 @@ public:
     [[nodiscard]] bool Read(int channel, int count, SeriesWindow const &window, unsigned char *planes);
     /// A window inside one cell.
     [[nodiscard]] bool ReadPalette(SeriesWindow const &window, unsigned char *rgb);
+    /// What there is of a damaged member, as `RDIDriver::SalvageRsmpl`: a window inside one cell.
+    [[nodiscard]] bool Salvage(int channel, int count, RDIWindow const &window, void *buffer, RDIRowsRead &read);
     [[nodiscard]] DError const &LastError() const { return m_lastError; }
 
     /// Looks at further members for a while.

@@ -78,6 +78,14 @@ TEST_F(SeriesImages, MembersAreSlicesOrFramesAndMissingOnesAreZeros) {
     DCanvas canvas;
     ASSERT_TRUE(ReadItemPreview(path, "", "", nullptr, canvas, Enlarge::No));
     EXPECT_EQ(std::pair(canvas.GetWidth(), canvas.GetHeight()), std::pair(kWidth, kHeight));
+    // The first one is damaged.
+    test::WriteImage(m_folder / "s01.tif", {.width = kWidth, .height = kHeight, .options = {"BLOCKYSIZE=1"}});
+    auto const size = static_cast<off_t>(test::ReadFile(m_folder / "s01.tif").size());
+    ASSERT_EQ(truncate((m_folder / "s01.tif").c_str(), size - kWidth), 0);
+    DError error;
+    RDIRowsRead read;
+    EXPECT_TRUE(ReadItemPreview(path, "", "", nullptr, canvas, Enlarge::No, &error, &read)) << error.Text();
+    EXPECT_EQ(std::pair(read.rows, read.all), std::pair(kHeight - 1, kHeight));
 }
 
 TEST_F(SeriesImages, NumbersAndMembersGiveChannels) {
