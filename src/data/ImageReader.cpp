@@ -169,8 +169,11 @@ bool ReadImageInfo(BDIMoniker const &moniker, DString const &driverId, StopSigna
     info = Describe(image);
     if (image.Driver().GetId() == kSeriesDriver) {
         info.members = image.Driver().GetAttrString(kSeriesMembers, image.Handle(), 0);
-        if (auto const place = SeriesOf(moniker))
-            info.differences = DifferencesOf(*place, CheckSeries(image, kSeriesTime, stop));
+        if (auto const place = SeriesOf(moniker)) {
+            SeriesCheck const check = CheckSeries(image, kSeriesTime, stop);
+            info.differences = DifferencesOf(*place, check);
+            info.differs = check.groups.size() > 1;
+        }
     }
     return true;
 }
