@@ -100,7 +100,7 @@ std::span<PropertyRow const> PropertyRows() { return kRows; }
 std::span<PropertyRow const> SeriesPropertyRows() { return kSeriesRows; }
 
 bool ReadItemProperties(DString const &path, DString const &driverId, DString const &options, DLGTemplate dlgTemplate,
-                        StopSignal const *stop, PropertyMap &props, DError *error) {
+                        StopSignal const *stop, PropertyMap &props, DError *error, ImageInfo *image) {
     props.clear();
     if (error != nullptr)
         error->Clear();
@@ -118,6 +118,8 @@ bool ReadItemProperties(DString const &path, DString const &driverId, DString co
     ImageInfo info;
     if (!ReadImageInfo(moniker, driverId, stop, info, error))
         return false;
+    if (image != nullptr)
+        *image = info;
     props[kChannels] = Format("%d", info.channels);
     props[kImageHeight] = Format("%d", info.height);
     props[kImageWidth] = Format("%d", info.width);

@@ -28,10 +28,10 @@ struct PropertyRow {
 /// Reads what is known of an item: of the file behind it, and, unless a document is picked, of the image in it.
 /// `options` is what stands behind "?". True if the item could be opened as an image, or if a document is picked; a
 /// file that cannot be asked leaves its rows out and is no failure. Any thread; `stop` may be null, and so may `error`,
-/// which else says why no image was opened.
+/// which else says why no image was opened, and `image`, which else tells the same as the rows.
 ZELVAR_API bool ReadItemProperties(DString const &path, DString const &driverId, DString const &options,
                                    DLGTemplate dlgTemplate, StopSignal const *stop, PropertyMap &props,
-                                   DError *error = nullptr);
+                                   DError *error = nullptr, ImageInfo *image = nullptr);
 
 /// Reads a picture of the item, its longer side 1024 pixels, or without enlarging at most that. False, and `canvas`
 /// cleared, if there is none: no image, too large without a pyramid, or stopped. `error` and `read` as `ReadPreview`.

@@ -203,8 +203,10 @@ OpenOutcome OutcomeOf(OpenFacts const &item, OpenWish const &wish, std::uint64_t
     OpenOutcome outcome;
     if (!item.Opens(wish) && IsAgainst(item.error, wish)) {
         DString const cause = Format(Translated("cannot be opened: %s"), CauseInWords(item.error).c_str());
-        return {
-            .isUsable = false, .text = Joined({cause, RemedyInWords(item.error)}, "; "), .reason = item.error.Text()};
+        bool const isTold = cause.find(item.error.Text()) != DString::npos;
+        return {.isUsable = false,
+                .text = Joined({cause, RemedyInWords(item.error)}, "; "),
+                .reason = isTold ? DString() : item.error.Text()};
     }
     if (item.table && (wish.table || !item.image))
         outcome.text = Joined({Describe(*item.table), DescribeFile(item)});
@@ -247,6 +249,8 @@ OpenOutcome OutcomeOf(std::span<OpenFacts const> looked, std::uint64_t selected,
 
     auto const count = static_cast<long long>(std::min<std::uint64_t>(selected, std::numeric_limits<int>::max()));
     DString head = Format(Translated("%llu item", "%llu items", count), Printed(selected));
+    if (looked.empty())
+        return {.isUsable = true, .text = head, .reason = {}};
     if (looked.size() < selected)
         head += Format(Translated(", of the first %llu"), Printed(looked.size()));
     DString const size =

@@ -45,7 +45,7 @@ struct OpenFacts {
 struct OpenOutcome {
     bool isUsable = true; ///< false: whoever picks it is to be asked
     DString text{};       ///< one line in the user's language, without a full stop; may be empty
-    DString reason{};     ///< what drivers and the system said against it, in English; empty if nothing
+    DString reason{};     ///< what drivers and the system said against it, in English; empty if that is in the text
 };
 
 /// What the samples of all channels, slices and time frames take in memory, bytes; at most 2^64 - 1.
@@ -58,7 +58,8 @@ struct OpenOutcome {
 
 /// `memory`: that of the computer, bytes; 0 if it is not known.
 [[nodiscard]] ZELVAR_API OpenOutcome OutcomeOf(OpenFacts const &item, OpenWish const &wish, std::uint64_t memory);
-/// The same for several items, of which the first few were looked at: their sum and what differs.
+/// The same for several items, of which the first few were looked at: their sum and what differs. While
+/// none was, their number.
 [[nodiscard]] ZELVAR_API OpenOutcome OutcomeOf(std::span<OpenFacts const> looked, std::uint64_t selected,
                                                OpenWish const &wish, std::uint64_t memory);
 

@@ -119,7 +119,7 @@ void DSPropertyWnd::ShowProps(RefItemPtr<DataSourceItem> item, char const *forma
     if (item == nullptr)
         return;
     DString const path = item->GetPath();
-    DString const options = AreOptionsShown() ? m_extraWnd->GetOptionText() : DString();
+    DString const options = m_optionsOf ? m_optionsOf(*item) : GetOptionString();
     DString const formatText = format == nullptr ? "" : format;
     // An empty format never causes a new job by itself. What Clear has taken away is not shown any more.
     if (!m_closing && path == m_shownPath && options == m_shownOptions &&
@@ -141,6 +141,21 @@ void DSPropertyWnd::ClearWnd(int mode) {
 }
 
 bool DSPropertyWnd::IsReading() const { return m_worker->IsBusy(); }
+
+bool DSPropertyWnd::IsReading(std::chrono::milliseconds wait) const {
+    std::ignore = m_worker->Wait(wait); // only its thread's end is waited for
+    return IsReading();
+}
+
+void DSPropertyWnd::SetFactsHandler(OpenWish const &wish, FactsHandler handler) {
+    m_worker->WantFacts(wish);
+    m_onFacts = std::move(handler);
+}
+
+void DSPropertyWnd::TakeFacts() {
+    if (std::optional<PropertyWorker::Seen> const seen = m_worker->TakeSeen(); seen && m_onFacts && !m_closing)
+        m_onFacts(seen->subject, seen->facts);
+}
 
 void DSPropertyWnd::Clear() {
     m_closing = true;
@@ -173,6 +188,7 @@ void DSPropertyWnd::OnPropsReady() {
         m_props = std::move(*props);
         UpdateProperties();
     }
+    TakeFacts();
 }
 
 void DSPropertyWnd::UpdateProperties() {

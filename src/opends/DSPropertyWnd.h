@@ -11,12 +11,16 @@
 
 #include <QtCore/QPointer>
 
+#include <chrono>
 #include <functional>
 #include <memory>
 
 namespace zelvar {
 
 class CZelPropList;
+struct OpenFacts;
+struct OpenSubject;
+struct OpenWish;
 class ImageExtraWnd;
 class ImagePreviewWnd;
 class PropertyWorker;
@@ -55,8 +59,18 @@ public:
     [[nodiscard]] CZelPropList *Properties() const { return m_propList; }
     /// Told after an item has turned out to be something else than its listing took it for. User-interface thread.
     void SetClassifiedHandler(std::function<void()> handler) { m_onClassified = std::move(handler); }
+    /// Told what opening the item has shown, with its properties and again with its picture. What is wished for of the
+    /// items is said before the first of them is shown.
+    using FactsHandler = std::function<void(OpenSubject const &, OpenFacts const &)>;
+    void SetFactsHandler(OpenWish const &wish, FactsHandler handler);
+    /// What an item is opened with, in place of the option page's text.
+    void SetOptionsRule(std::function<DString(DataSourceItem const &)> rule) { m_optionsOf = std::move(rule); }
+    /// Tells the handlers at once what the worker has found, where its messages wait.
+    void TakeFacts();
     /// True while the worker reads.
     [[nodiscard]] bool IsReading() const;
+    /// The same, as soon as it does not, or when the time is over.
+    [[nodiscard]] bool IsReading(std::chrono::milliseconds wait) const;
 
 protected:
     bool event(QEvent *event) override;
@@ -79,6 +93,8 @@ private:
     CZelPropList *m_propList = nullptr;      ///< a child
     PropertyMap m_props;
     std::function<void()> m_onClassified;
+    FactsHandler m_onFacts;
+    std::function<DString(DataSourceItem const &)> m_optionsOf;
     bool m_closing = false; ///< set by `Clear`: results that come until the next job are dropped
     DLGTemplate m_dlgTemplate = DT_DATA;
     int m_optionsTab = -1; ///< below 0 for none

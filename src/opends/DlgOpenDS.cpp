@@ -19,6 +19,8 @@
 #include "zelvar/opends/HierarchyList.h"
 #include "zelvar/opends/NamedData.h"
 #include "zelvar/opends/OpenDialogTemplate.h"
+#include "zelvar/opends/OpenForecast.h"
+#include "zelvar/opends/OpenLine.h"
 #include "zelvar/opends/core/DialogState.h"
 #include "zelvar/platform/ui/ControlId.h"
 #include "zelvar/platform/ui/EscapeWatch.h"
@@ -82,9 +84,10 @@ void DlgOpenDS::DeleteDialogObject(DlgOpenDS *dialog) { delete dialog; }
 
 DlgOpenDS::DlgOpenDS(DVector<DFileFrmt *> const &formats, DFileFrmt *format, DLGTemplate dlgTemplate,
                      char const *historyKey, QWidget *parent)
-    : cdxCDynamicDialog(kOpenDialogTemplate, parent, FreedomAll, FlagSizeIcon | FlagAntiFlicker), m_formats(formats),
-      m_format(format), m_dlgTemplate(dlgTemplate), m_target(this), m_extrasFinder(ExtrasFinder::Create()),
-      m_historyKey(historyKey == nullptr ? "" : historyKey) {
+    : cdxCDynamicDialog((GetFeatures() & kOpenLine) != 0 ? kOpenDialogWithLine : kOpenDialogTemplate, parent,
+                        FreedomAll, FlagSizeIcon | FlagAntiFlicker),
+      m_formats(formats), m_format(format), m_dlgTemplate(dlgTemplate), m_target(this),
+      m_extrasFinder(ExtrasFinder::Create()), m_historyKey(historyKey == nullptr ? "" : historyKey) {
     WarmReaders();
     WireMessages();
     m_extrasFinder->SetOwner(m_target, kExtrasFoundMessage);
@@ -244,6 +247,17 @@ void DlgOpenDS::CreateDataSetRows() {
                                                                      }});
 }
 
+void DlgOpenDS::CreateForecast() {
+    auto const mask = static_cast<unsigned>(m_bdiFilter);
+    OpenWish const wish{.image = (mask & (BDINode_Raster | BDINode_Thematic)) != 0,
+                        .table = (mask & (BDINode_Thematic | BDINode_Table)) != 0};
+    m_forecast = std::make_unique<OpenForecast>(
+        *GetDlgItem<OpenLine>(*this, kLineId), *m_propertyWnd,
+        OpenForecast::Setup{.wish = PicksDocument(m_dlgTemplate) ? OpenWish() : wish,
+                            .isSeriesOneImage = m_seriesMode != SeriesMode::Members,
+                            .optionsOf = [this](DataSourceItem const &item) { return OptionsOf(item); }});
+}
+
 void DlgOpenDS::InitializeLayout() {
     int const fifth = std::max(m_splitter->width() / 5, kMinTrack);
     m_splitter->SetColumnInfo(0, fifth, kMinTrack);
@@ -270,6 +284,10 @@ bool DlgOpenDS::OnInitDialog() {
 
     if ((m_features & kOpenDataSets) != 0)
         CreateDataSetRows();
+    if ((m_features & kOpenLine) != 0)
+        CreateForecast();
+    if (m_features != kOpenPlain)
+        m_propertyWnd->SetOptionsRule([this](DataSourceItem const &item) { return OptionsOf(item); });
     m_extras.Load();
     m_mainList->SetBDIFilter(m_bdiFilter);
     if (m_rootItem != nullptr)
@@ -320,6 +338,7 @@ bool DlgOpenDS::DestroyWindow() {
     m_splitter = nullptr;
     m_pathButtons.reset();
     m_namedData.reset();
+    m_forecast.reset();
     return cdxCDynamicDialog::DestroyWindow();
 }
 
@@ -347,6 +366,8 @@ void DlgOpenDS::OnFirstPaint() {
 }
 
 QWidget *DlgOpenDS::MakeControl(platform::DialogItem const &item) {
+    if (item.id == kLineId)
+        return new OpenLine(this);
     switch (item.kind) {
     case platform::ControlKind::Combo:
     case platform::ControlKind::DropDownList: {
@@ -456,6 +477,11 @@ void DlgOpenDS::RestoreFilter() {
 void DlgOpenDS::OnOK() {
     if (!AreExtrasFound())
         return;
+    if (m_forecast != nullptr) {
+        ShowSelected(SelectedImages()); // its message may wait behind this
+        if (!m_forecast->MayAccept(*this))
+            return;
+    }
     m_monikers.clear();
     for (RefItemPtr<DataSourceItem> const &item : SelectedImages()) {
         DfltFldrs::Instance()->SaveDirHist(m_historyKey.c_str(), item->GetPath());
@@ -471,11 +497,14 @@ void DlgOpenDS::OnOK() {
     cdxCDynamicDialog::OnOK();
 }
 
+DString DlgOpenDS::OptionsOf(DataSourceItem const &item) const {
+    DString const options = m_propertyWnd->GetOptionString();
+    return options.empty() && m_namedData != nullptr ? m_namedData->OptionsOf(item.GetPath()) : options;
+}
+
 DString DlgOpenDS::MonikerOf(DataSourceItem const &item) const {
     m_propertyWnd->ApplyOptions();
-    DString options = m_propertyWnd->GetOptionString();
-    if (options.empty() && m_namedData != nullptr)
-        options = m_namedData->OptionsOf(item.GetPath());
+    DString options = OptionsOf(item);
     if (dynamic_cast<SeriesItem const *>(&item) != nullptr && m_seriesMode != SeriesMode::Members)
         options += DString(options.empty() ? "" : "&") +
                    (m_seriesMode == SeriesMode::Frames ? "SERIES=frames" : "SERIES=slices");

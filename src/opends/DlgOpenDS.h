@@ -35,6 +35,7 @@ class DataSourceList;
 class ExtrasFinder;
 class HierarchyList;
 class NamedData;
+class OpenForecast;
 
 /// Open data source dialog: the modal dialog in which the user picks data items and gets monikers back.
 ///
@@ -96,6 +97,8 @@ public:
     [[nodiscard]] DSDataSourceWnd *DataSourceWnd() const { return m_dataSourceWnd; }
     [[nodiscard]] HierarchyList *Hierarchy() const { return m_hierarchyList; }
     [[nodiscard]] DSPropertyWnd *PropertyWnd() const { return m_propertyWnd; }
+    /// What is known of the line below the panes; null without it.
+    [[nodiscard]] OpenForecast *Forecast() const { return m_forecast.get(); }
     [[nodiscard]] PathButtonRow const &PathRow() const { return *m_pathButtons; }
 
     QWidget *CreateViewObj(DSplitterWnd *splitter, int row, int col, PaneClass const *paneClass, Size size) override;
@@ -180,6 +183,9 @@ private:
     void WriteSettings();
     void CreateDataSetRows();
     void ListDataSetsAgain();
+    void CreateForecast();
+    /// What is chosen for the item beside its path, but not how a series is given.
+    [[nodiscard]] DString OptionsOf(DataSourceItem const &item) const;
     /// What names the item, with the options that are set; a series as one.
     [[nodiscard]] DString MonikerOf(DataSourceItem const &item) const;
     void AddMonikers(DataSourceItem const &item);
@@ -210,6 +216,7 @@ private:
     std::unique_ptr<PathButtonRow> m_pathButtons;
     std::unique_ptr<DataSetRows> m_dataSetRows; ///< null without that feature, as the next
     std::unique_ptr<NamedData> m_namedData;
+    std::unique_ptr<OpenForecast> m_forecast; ///< null without that feature
     unsigned const m_features = GetFeatures();
 
     bool m_layoutDone = false;

@@ -18,6 +18,7 @@
 #include "zelvar/opends/HierarchyList.h"
 #include "zelvar/opends/NamedData.h"
 #include "zelvar/opends/OpenDialogTemplate.h"
+#include "zelvar/opends/OpenForecast.h"
 #include "zelvar/platform/ui/ControlId.h"
 #include "zelvar/platform/ui/EllipsisLabel.h"
 #include "zelvar/platform/ui/EscapeWatch.h"
@@ -86,7 +87,13 @@ void DlgOpenDS::timerEvent(QTimerEvent *event) {
         cdxCDynamicDialog::timerEvent(event);
 }
 
-void DlgOpenDS::OnUpdateState() { m_okButton->setEnabled(m_mainList->GetNumSlct() > 0); }
+void DlgOpenDS::OnUpdateState() {
+    bool const isSelected = m_mainList->GetNumSlct() > 0;
+    m_okButton->setEnabled(isSelected);
+    // A list that is filled anew forgets what was selected without a word.
+    if (!isSelected && m_forecast != nullptr)
+        m_forecast->Select({});
+}
 
 // ------------------------------------------------------------------------------------------------- path buttons
 
@@ -248,6 +255,8 @@ void DlgOpenDS::ShowSelected(ItemList const &items) {
         return;
     platform::GetDlgItem<platform::EllipsisLabel>(*this, kStatusId)->SetText(ToQString(items.back()->GetPath()));
     m_propertyWnd->ShowProps(items.back(), m_format == nullptr ? "" : m_format->GetDriverText().c_str());
+    if (m_forecast != nullptr)
+        m_forecast->Select(items);
 }
 
 // The options of the selection before stay where they are until it is known what takes their place.

@@ -3,6 +3,9 @@
 #include "zelvar/base/Translation.h"
 #include "zelvar/platform/ui/DialogTemplate.h"
 
+#include <array>
+#include <iterator>
+
 namespace zelvar {
 
 /// Control ids of the open data source dialog.
@@ -26,6 +29,7 @@ enum OpenDialogId {
     kHomeId = 6025,
     kStatusId = 6026,
     kRecursiveId = 6027,
+    kLineId = 6028,
 };
 
 namespace open_dialog {
@@ -60,9 +64,33 @@ inline constexpr platform::DialogItem kItems[] = {
     {kCancelId, ControlKind::Button, Mark("Cancel"), 403, 291, 50, 14, kBottomRight},
 };
 
+/// The same with the line below the panes, which are lower by as much.
+inline constexpr auto kItemsWithLine = [] {
+    constexpr int kHeight = 14; // dialog units
+    std::array<platform::DialogItem, std::size(kItems) + 1> items{};
+    std::size_t at = 0;
+    for (platform::DialogItem const &item : kItems) {
+        items[at] = item;
+        if (item.id != kSplitterPlaceId) {
+            ++at;
+            continue;
+        }
+        platform::DialogItem &panes = items[at++];
+        panes.h -= kHeight + 1;
+        items[at++] = {kLineId, ControlKind::EllipsisLabel, "", panes.x, panes.y + panes.h + 1, panes.w, kHeight,
+                       kBottom};
+    }
+    return items;
+}();
+
 } // namespace open_dialog
 
 inline constexpr platform::DialogTemplate kOpenDialogTemplate{
     .id = kOpenDialog, .caption = "", .width = 460, .height = 312, .items = open_dialog::kItems};
+inline constexpr platform::DialogTemplate kOpenDialogWithLine{.id = kOpenDialogTemplate.id,
+                                                              .caption = kOpenDialogTemplate.caption,
+                                                              .width = kOpenDialogTemplate.width,
+                                                              .height = kOpenDialogTemplate.height,
+                                                              .items = open_dialog::kItemsWithLine};
 
 } // namespace zelvar

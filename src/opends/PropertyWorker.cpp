@@ -22,7 +22,7 @@ void PropertyWorker::Restart(RefItemPtr<DataSourceItem> item, DString format, DS
     bool const unclassified = file != nullptr && file->MayTurnOutContainer();
     {
         DSingleLock const lock(m_stateLock);
-        m_pending = {std::move(item), unclassified, std::move(format), std::move(options)};
+        m_pending = {std::move(item), unclassified, std::move(format), std::move(options), m_wish};
         m_cancel = true;
         if (m_running)
             return; // the thread at work sees the signal and takes the job itself
@@ -63,6 +63,22 @@ std::optional<PropertyWorker::Classified> PropertyWorker::TakeClassified() {
     return std::exchange(m_classified, std::nullopt);
 }
 
+std::optional<PropertyWorker::Seen> PropertyWorker::TakeSeen() {
+    DSingleLock const lock(m_propsLock);
+    return std::exchange(m_seen, std::nullopt);
+}
+
+void PropertyWorker::Keep(Seen seen) {
+    // What was told to stop has seen nothing of the item.
+    if (m_cancel)
+        return;
+    {
+        DSingleLock const lock(m_propsLock);
+        m_seen = std::move(seen);
+    }
+    m_target.Post(WM_ITEM_PROPPERTY_MAP_READY);
+}
+
 bool PropertyWorker::TakeJob(Job &job) {
     DSingleLock const lock(m_stateLock);
     job = std::exchange(m_pending, {});
@@ -95,26 +111,45 @@ void PropertyWorker::Classify(Job const &job) {
     m_target.Post(WM_ITEM_PROPPERTY_MAP_READY); // the properties may take long
 }
 
+bool PropertyWorker::ReadProps(Job const &job, Seen &seen) {
+    auto const &[path, driverId, options] = seen.subject;
+    PropertyMap props;
+    ImageInfo image;
+    DError error;
+    bool const ok = ReadItemProperties(path, driverId, options, m_dlgTemplate, &m_cancel, props, &error, &image);
+    {
+        DSingleLock const lock(m_propsLock);
+        m_props = std::move(props);
+    }
+    m_target.Post(WM_ITEM_PROPPERTY_MAP_READY);
+    if (job.wish) {
+        bool const isImage = ok && !PicksDocument(m_dlgTemplate);
+        seen.facts = CompleteFacts(seen.subject, *job.wish, isImage ? std::optional(std::move(image)) : std::nullopt,
+                                   std::move(error), &m_cancel);
+        Keep(seen);
+    }
+    return ok;
+}
+
+bool PropertyWorker::ReadCanvas(Seen const &seen) {
+    auto const &[path, driverId, options] = seen.subject;
+    DCanvas canvas;
+    bool const ok = ReadItemPreview(path, driverId, options, &m_cancel, canvas) && !m_cancel;
+    DSingleLock const lock(m_canvasLock);
+    m_canvas = std::move(canvas);
+    return ok;
+}
+
 void PropertyWorker::Work(Job const &job) {
-    DString const path = job.item->GetPath();
     // The driver id takes the place of the format, even when it is empty: the format only tells jobs apart.
-    DString const driverId = job.item->GetRDIDriverId();
+    Seen seen{.subject = {.path = job.item->GetPath(), .driverId = job.item->GetRDIDriverId(), .options = job.options},
+              .facts = {}};
     bool ok = false;
-    if (!path.empty()) {
+    if (!seen.subject.path.empty()) {
         Classify(job);
-        PropertyMap props;
-        ok = ReadItemProperties(path, driverId, job.options, m_dlgTemplate, &m_cancel, props);
-        {
-            DSingleLock const lock(m_propsLock);
-            m_props = std::move(props);
-        }
-        m_target.Post(WM_ITEM_PROPPERTY_MAP_READY);
-        if (ok && !PicksDocument(m_dlgTemplate)) {
-            DCanvas canvas;
-            ok = ReadItemPreview(path, driverId, job.options, &m_cancel, canvas) && !m_cancel;
-            DSingleLock const lock(m_canvasLock);
-            m_canvas = std::move(canvas);
-        }
+        ok = ReadProps(job, seen);
+        if (ok && !PicksDocument(m_dlgTemplate))
+            ok = ReadCanvas(seen);
     }
     if (ok)
         m_target.Post(WM_ITEM_CANVAS_READY, 1);

@@ -4,6 +4,7 @@
 #include "zelvar/data/RDIDriver.h"
 #include "zelvar/model/DataSourceItem.h"
 #include "zelvar/model/ItemProperties.h"
+#include "zelvar/opends/OpenFactsReading.h"
 #include "zelvar/pixels/DCanvas.h"
 #include "zelvar/platform/ui/MessageTarget.h"
 
@@ -31,6 +32,8 @@ public:
 
     /// Once, before the first job. The window that `target` stands for gets the messages.
     void SetOwner(platform::MessageTarget target, DLGTemplate dlgTemplate);
+    /// From now on what the properties and the picture tell of an item is kept as `Seen`, too.
+    void WantFacts(OpenWish wish) { m_wish = wish; }
 
     /// Hands over a job and starts a thread if none is at work. Never waits for a read.
     void Restart(RefItemPtr<DataSourceItem> item, DString format, DString options);
@@ -51,6 +54,12 @@ public:
         bool isContainer = false;
     };
     [[nodiscard]] std::optional<Classified> TakeClassified();
+    /// What opening the item has shown, moved out: once with the properties, and again with the picture.
+    struct Seen {
+        OpenSubject subject;
+        OpenFacts facts;
+    };
+    [[nodiscard]] std::optional<Seen> TakeSeen();
 
     void Run() override;
 
@@ -61,11 +70,16 @@ private:
         bool unclassified = false; ///< by the listing that made the item
         DString format;
         DString options;
+        std::optional<OpenWish> wish;
     };
     /// The next job, or false: then `m_running` is false too, in one step, so that no job is ever left behind.
     bool TakeJob(Job &job);
     void Work(Job const &job);
     void Classify(Job const &job);
+    /// False if it is not what the dialog picks.
+    bool ReadProps(Job const &job, Seen &seen);
+    bool ReadCanvas(Seen const &seen);
+    void Keep(Seen seen);
 
     mutable DMutex m_stateLock; ///< guards the job and `m_running`
     bool m_running = false;
@@ -79,7 +93,9 @@ private:
     DMutex m_propsLock;
     std::optional<PropertyMap> m_props; ///< nothing once taken
     std::optional<Classified> m_classified;
+    std::optional<Seen> m_seen;
 
+    std::optional<OpenWish> m_wish; ///< of the user-interface thread
     platform::MessageTarget m_target;
     DLGTemplate m_dlgTemplate = DT_DATA;
 };

@@ -15,6 +15,7 @@ namespace zelvar::test {
 class Application : Pinned {
 public:
     Application() {
+        DlgOpenDS::SetFeatures(kOpenAll & ~kOpenLine); // files of tests need not hold what they are picked for
         m_window.resize(600, 400);
         m_window.show();
         platform::SetMainWindow(&m_window);

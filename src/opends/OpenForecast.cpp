@@ -1,0 +1,230 @@
+#include "zelvar/opends/OpenForecast.h"
+
+#include "zelvar/base/Translation.h"
+#include "zelvar/controls/GUITools.h"
+#include "zelvar/model/SeriesItem.h"
+#include "zelvar/opends/DSPropertyWnd.h"
+#include "zelvar/opends/FactsFinder.h"
+#include "zelvar/opends/OpenLine.h"
+#include "zelvar/platform/ui/EscapeWatch.h"
+#include "zelvar/platform/ui/ModalLoop.h"
+#include "zelvar/platform/ui/Text.h"
+
+#include <QtWidgets/QMessageBox>
+
+#include <algorithm>
+#include <map>
+#include <utility>
+
+#include <unistd.h>
+
+namespace zelvar {
+
+namespace {
+
+constexpr std::size_t kMostItems = 1000;             // more are not opened in the time
+constexpr int kLookEvery = 30;                       // ms, whether the pane has read
+constexpr int kSlow = 300;                           // ms
+constexpr std::chrono::milliseconds kStep{10};       // of a wait
+constexpr std::chrono::milliseconds kPatience{3000}; // of somebody who has pressed OK
+
+std::uint64_t MemoryOfComputer() {
+    long const pages = sysconf(_SC_PHYS_PAGES);
+    long const size = sysconf(_SC_PAGESIZE);
+    return pages < 1 || size < 1 ? 0 : static_cast<std::uint64_t>(pages) * static_cast<std::uint64_t>(size);
+}
+
+} // namespace
+
+platform::MessageId const OpenForecast::kFoundMessage = platform::RegisterMessage();
+
+OpenForecast::OpenForecast(OpenLine &line, DSPropertyWnd &pane, Setup setup)
+    : m_target(this), m_line(line), m_pane(pane), m_setup(std::move(setup)), m_memory(MemoryOfComputer()),
+      m_finder(FactsFinder::Create()) {
+    m_messages.On(kFoundMessage, this, &OpenForecast::OnFound);
+    m_finder->SetOwner(m_target, kFoundMessage);
+    m_pane.SetFactsHandler(m_setup.wish,
+                           [this](OpenSubject const &subject, OpenFacts const &facts) { OnFacts(subject, facts); });
+    m_idle.setInterval(kLookEvery);
+    m_slow.setInterval(kSlow);
+    m_slow.setSingleShot(true);
+    connect(&m_idle, &QTimer::timeout, this, &OpenForecast::LookOn);
+    connect(&m_slow, &QTimer::timeout, this, [this] {
+        if (m_outcome.text.empty() && !m_items.empty())
+            SetOutcome({.text = Translated("being read ...")});
+    });
+}
+
+OpenForecast::~OpenForecast() {
+    m_pane.SetFactsHandler({}, {});
+    m_target.Detach();
+    m_finder->Release();
+}
+
+bool OpenForecast::event(QEvent *event) { return m_messages.Dispatch(*event) || QObject::event(event); }
+
+OpenForecast::Item OpenForecast::NewItem(DataSourceItem const &item) const {
+    Item made{
+        .subject = {.path = item.GetPath(), .driverId = item.GetRDIDriverId(), .options = m_setup.optionsOf(item)}};
+    made.facts.name = item.GetName();
+    made.facts.fileSize = item.GetFileSize();
+    if (auto const *const series = dynamic_cast<SeriesItem const *>(&item)) {
+        if (series->MemberCount() != series->Series().Slots())
+            made.facts.members = series->ShownSummary(); // of one without gaps its driver says how many there are
+        made.facts.isOneImage = m_setup.isSeriesOneImage;
+    }
+    return made;
+}
+
+void OpenForecast::Fill(Item &item, OpenFacts facts) {
+    facts.name = std::move(item.facts.name);
+    facts.fileSize = item.facts.fileSize;
+    facts.members = std::move(item.facts.members);
+    facts.isOneImage = item.facts.isOneImage;
+    item.facts = std::move(facts);
+    item.isKnown = true;
+}
+
+void OpenForecast::Select(ItemList const &items) {
+    std::vector<Item> selected;
+    selected.reserve(std::min(items.size(), kMostItems));
+    for (RefItemPtr<DataSourceItem> const &item : items) {
+        if (selected.size() == kMostItems)
+            break;
+        selected.push_back(NewItem(*item));
+    }
+    auto const isSame = [](Item const &a, Item const &b) { return a.subject == b.subject; };
+    if (items.size() == m_selected &&
+        std::equal(selected.begin(), selected.end(), m_items.begin(), m_items.end(), isSame))
+        return;
+    std::map<DString, Item const *> known;
+    for (Item const &item : m_items)
+        if (item.isKnown)
+            known.emplace(item.subject.path, &item);
+    for (Item &item : selected) {
+        auto const at = known.find(item.subject.path);
+        if (at != known.end() && isSame(*at->second, item))
+            Fill(item, at->second->facts);
+        else if (item.subject == m_shown) // the pane does not read again what it shows
+            Fill(item, m_shownFacts);
+    }
+    m_items = std::move(selected);
+    m_selected = items.size();
+    m_finder->Cancel();
+    m_asked.clear();
+    m_isAsked = false;
+    m_slow.start();
+    Update();
+    if (m_selected > 1)
+        m_idle.start();
+    else
+        m_idle.stop();
+}
+
+void OpenForecast::OnFacts(OpenSubject const &subject, OpenFacts const &facts) {
+    m_shown = subject;
+    m_shownFacts = facts;
+    bool isOfUse = false;
+    for (Item &item : m_items)
+        if (item.subject == subject) {
+            Fill(item, facts);
+            isOfUse = true;
+        }
+    if (isOfUse)
+        Update();
+}
+
+void OpenForecast::LookOn() {
+    if (m_pane.IsReading())
+        return; // the picture comes first
+    m_idle.stop();
+    m_isAsked = true;
+    std::vector<OpenSubject> subjects;
+    for (std::size_t i = 0; i < m_items.size(); ++i)
+        if (!m_items[i].isKnown) {
+            m_asked.push_back(i);
+            subjects.push_back(m_items[i].subject);
+        }
+    m_finder->Ask(std::move(subjects), m_setup.wish);
+    Update();
+}
+
+void OpenForecast::OnFound() {
+    std::vector<OpenFacts> found = m_finder->Take();
+    std::size_t const count = std::min(found.size(), m_asked.size());
+    for (std::size_t i = 0; i < count; ++i)
+        Fill(m_items[m_asked[i]], std::move(found[i]));
+    m_asked.erase(m_asked.begin(), m_asked.begin() + static_cast<std::ptrdiff_t>(count));
+    Update();
+}
+
+bool OpenForecast::IsKnown() const {
+    if (m_selected > 1)
+        return m_isAsked && !m_finder->IsBusy();
+    return m_items.empty() || m_items.front().isKnown;
+}
+
+bool OpenForecast::IsSettled() const { return !m_pane.IsReading() && (IsKnown() || m_selected <= 1); }
+
+void OpenForecast::Update() {
+    OpenOutcome outcome;
+    if (m_selected == 1 && m_items.front().isKnown) {
+        outcome = OutcomeOf(m_items.front().facts, m_setup.wish, m_memory);
+    } else if (m_selected > 1) {
+        // Said once, at the end: a line that counts is of no use to anybody.
+        std::vector<OpenFacts> looked;
+        if (IsKnown())
+            for (auto item = m_items.begin(); item != m_items.end() && item->isKnown; ++item)
+                looked.push_back(item->facts);
+        outcome = OutcomeOf(looked, m_selected, m_setup.wish, m_memory);
+    }
+    SetOutcome(std::move(outcome));
+}
+
+void OpenForecast::SetOutcome(OpenOutcome outcome) {
+    m_outcome = std::move(outcome);
+    m_line.Show(m_outcome);
+}
+
+bool OpenForecast::WaitForFacts() {
+    GUITools::WaitCursor const cursor;
+    platform::EscapeWatch watch;
+    auto const end = std::chrono::steady_clock::now() + kPatience;
+    while (!IsKnown() && std::chrono::steady_clock::now() < end) {
+        bool const isReading = m_pane.IsReading(kStep);
+        m_pane.TakeFacts();
+        if (!isReading && m_selected <= 1)
+            break; // there will be no more
+        if (!isReading && !m_isAsked)
+            LookOn();
+        if (m_isAsked)
+            std::ignore = m_finder->Wait(kStep);
+        if (watch.IsPressed())
+            return false;
+    }
+    if (m_isAsked)
+        OnFound();
+    return true;
+}
+
+bool OpenForecast::Ask(QWidget &dialog) const {
+    DString const &name = m_items.front().facts.name;
+    QString const said = platform::ToQString(m_selected == 1 ? name + ": " + m_outcome.text : m_outcome.text);
+    QMessageBox question(QMessageBox::Warning, dialog.windowTitle(), said, QMessageBox::Yes | QMessageBox::No, &dialog);
+    question.setObjectName(kQuestion);
+    question.setTextFormat(Qt::PlainText);
+    question.setInformativeText(platform::Shown("Open anyway?"));
+    question.setDetailedText(platform::ToQString(m_outcome.reason));
+    question.setDefaultButton(QMessageBox::No);
+    return platform::RunModal(question) == QMessageBox::Yes;
+}
+
+bool OpenForecast::MayAccept(QWidget &dialog) {
+    if (m_items.empty())
+        return true;
+    if (!IsKnown() && !WaitForFacts())
+        return false;
+    return m_outcome.isUsable || Ask(dialog);
+}
+
+} // namespace zelvar
