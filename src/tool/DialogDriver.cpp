@@ -1,6 +1,7 @@
 #include "zelvar/tool/DialogDriver.h"
 
 #include "zelvar/opends/DlgOpenDS.h"
+#include "zelvar/opends/OpenForecast.h"
 #include "zelvar/platform/ui/Text.h"
 #include "zelvar/tool/FirstPaint.h"
 
@@ -88,12 +89,28 @@ void DialogDriver::SetUp() {
 void DialogDriver::timerEvent(QTimerEvent *) {
     auto *const modal = qobject_cast<QDialog *>(QApplication::activeModalWidget());
     bool const isScripted = m_script.accept || m_script.cancel;
-    if (modal != nullptr && modal != m_dialog && isScripted) {
-        if (auto const *const box = qobject_cast<QMessageBox *>(modal))
-            m_question = platform::ToDString(box->text().section('\n', 0, 0));
-        modal->reject();
-    } else if (modal != nullptr && modal == m_dialog)
+    if (modal != nullptr && modal != m_dialog && isScripted)
+        Answer(*modal);
+    else if (modal != nullptr && modal == m_dialog)
         Work();
+}
+
+void DialogDriver::Answer(QDialog &question) {
+    auto *const box = qobject_cast<QMessageBox *>(&question);
+    if (box == nullptr) {
+        question.reject();
+        return;
+    }
+    DString const said = platform::ToDString(box->text().section('\n', 0, 0));
+    if (!m_script.accept || box->objectName() != OpenForecast::kQuestion) {
+        m_question = said;
+        box->reject();
+        return;
+    }
+    // Who says that it is to be accepted has answered already.
+    DString const reason = platform::ToDString(box->detailedText());
+    m_warning = reason.empty() ? said : said + " (" + reason + ")";
+    box->button(QMessageBox::Yes)->click();
 }
 
 void DialogDriver::Work() {
@@ -140,7 +157,7 @@ bool DialogDriver::CanAccept() const {
 bool DialogDriver::MayEnd() const {
     bool const previewWanted = !m_script.shot.empty();
     if (m_script.accept && !m_picked.empty() && !previewWanted && CanAccept())
-        return true;
+        return m_hand->IsForeseen() || m_sinceSelected.hasExpired(kPatience);
     return m_sinceSelected.hasExpired(kSettling) && m_hand->IsSettled();
 }
 

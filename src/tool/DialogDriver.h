@@ -40,6 +40,8 @@ public:
     [[nodiscard]] bool WasRefused() const { return m_refused; }
     /// The question that was answered with no; empty if there was none.
     [[nodiscard]] DString const &Question() const { return m_question; }
+    /// What was said against what was picked, and accepted all the same; empty if nothing was.
+    [[nodiscard]] DString const &Warning() const { return m_warning; }
     /// The picture could not be written.
     [[nodiscard]] bool HasFailedShot() const { return m_shotFailed; }
 
@@ -55,6 +57,8 @@ private:
     [[nodiscard]] bool CanAccept() const;
     [[nodiscard]] bool MayEnd() const;
     void Accept();
+    /// Answers what stands before the dialog.
+    void Answer(QDialog &question);
     void Cancel();
     void TakeShot();
 
@@ -65,6 +69,7 @@ private:
     QElapsedTimer m_sinceShown;
     QElapsedTimer m_sinceSelected; ///< invalid until the rows are picked
     DString m_question;
+    DString m_warning;
     bool m_isSetUp = false;
     bool m_accepted = false; ///< OK was pressed in this dialog
     bool m_isFirst = true;

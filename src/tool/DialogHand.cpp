@@ -7,6 +7,7 @@
 #include "zelvar/opends/DSListCtrl.h"
 #include "zelvar/opends/DSPropertyWnd.h"
 #include "zelvar/opends/DlgOpenDS.h"
+#include "zelvar/opends/OpenForecast.h"
 #include "zelvar/platform/ui/ControlId.h"
 #include "zelvar/platform/ui/Text.h"
 
@@ -60,7 +61,10 @@ public:
     [[nodiscard]] QAbstractButton *OkButton() const override {
         return platform::GetDlgItem<QPushButton>(m_dialog, kOkId);
     }
-    [[nodiscard]] bool IsSettled() const override { return !m_dialog.PropertyWnd()->IsReading(); }
+    [[nodiscard]] bool IsSettled() const override { return !m_dialog.PropertyWnd()->IsReading() && IsForeseen(); }
+    [[nodiscard]] bool IsForeseen() const override {
+        return m_dialog.Forecast() == nullptr || m_dialog.Forecast()->IsSettled();
+    }
 
 private:
     DlgOpenDS &m_dialog;

@@ -33,6 +33,8 @@ public:
     [[nodiscard]] virtual QAbstractButton *OkButton() const = 0;
     /// What is picked is shown with all that belongs to it.
     [[nodiscard]] virtual bool IsSettled() const { return true; }
+    /// It is known what OK would do.
+    [[nodiscard]] virtual bool IsForeseen() const { return true; }
 
 protected:
     DialogHand() = default;

@@ -78,6 +78,8 @@ DString WhyNotSaved(DString const &path) {
 int Outcome(DialogDriver const &driver, FileDlg const &request, bool opened, DString const &shot) {
     if (driver.HasTimedOut())
         std::fputs("zelvar: what is to be selected did not come within 30 s\n", stderr);
+    if (!driver.Warning().empty())
+        std::fprintf(stderr, "zelvar: accepted: %s\n", EscapeControlBytes(driver.Warning()).c_str());
     if (!driver.Question().empty())
         std::fprintf(stderr, "zelvar: answered no: %s\n", driver.Question().c_str());
     else if (driver.WasRefused())
