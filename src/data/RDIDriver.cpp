@@ -30,6 +30,10 @@ std::optional<std::size_t> RDIDriver::FindMyFile(std::vector<DString> const &pat
     return std::nullopt;
 }
 
+std::vector<DString> RDIDriver::FindInFamily(char const *path) const {
+    return IsMyFile(path) == 1 ? std::vector{GetId()} : std::vector<DString>();
+}
+
 bool RDIDriver::ReadChannelsRsmpl(void *handle, int channel, int count, double x, double y, double width, double height,
                                   void *buffer, int outWidth, int outHeight, int resampling, bool usePyramid,
                                   bool clip) {

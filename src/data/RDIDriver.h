@@ -63,6 +63,9 @@ public:
     /// Which of the files is the first that this driver reads; nothing if it is none of them, or once `stop` is set.
     [[nodiscard]] virtual std::optional<std::size_t> FindMyFile(std::vector<DString> const &paths,
                                                                 StopSignal const &stop) const;
+    /// Ids of those of this one's family that take the file for theirs, the one that opens it without being named in
+    /// front; as cheap as `IsMyFile`.
+    [[nodiscard]] virtual std::vector<DString> FindInFamily(char const *path) const;
     /// Null if it does not open. `stop` may be null and must outlive the handle.
     virtual void *OpenFile(BDIMoniker const &moniker, StopSignal const *stop, DError *error) = 0;
     virtual void CloseFile(void *handle, bool discardChanges) = 0;

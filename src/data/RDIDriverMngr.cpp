@@ -3,9 +3,24 @@
 #include "zelvar/data/DriverTable.h"
 #include "zelvar/data/SeriesPlace.h"
 
+#include <tuple>
 #include <utility>
 
 namespace zelvar {
+
+namespace {
+
+/// The driver's id among the options; empty without one.
+DString NamedDriver(BDIMoniker const &moniker) {
+    if (moniker.GetText().find(kDriverOption) == DString::npos)
+        return {}; // options are looked for on the disk
+    for (auto const &[name, value] : moniker.GetOptions())
+        if (name == kDriverOption)
+            return PercentDecoded(value);
+    return {};
+}
+
+} // namespace
 
 struct RDIDriverMngr::Impl {
     DriverTable<RDIDriver> table;
@@ -31,6 +46,9 @@ bool RDIDriverMngr::OpenFile(BDIMoniker const &moniker, RDIDriver **driver, void
     *handle = nullptr;
     BDIMoniker const full = moniker.WithOptions(options == nullptr ? "" : options);
     DError reason;
+    DString const inOptions = driverId == nullptr || *driverId == '\0' ? NamedDriver(full) : DString();
+    if (!inOptions.empty())
+        driverId = inOptions.c_str();
     RDIDriver *const ofSeries = m_impl->table.Find(kSeriesDriver);
     auto const openWith = [&](RDIDriver &named) {
         *driver = &named;
@@ -50,6 +68,21 @@ bool RDIDriverMngr::OpenFile(BDIMoniker const &moniker, RDIDriver **driver, void
     if (*handle == nullptr)
         *driver = nullptr;
     return IsOpened(*handle, reason, "no driver reads \"" + full.GetText() + "\"", error);
+}
+
+std::vector<DString> RDIDriverMngr::FindDrivers(DString const &path) {
+    EnsureDrivers();
+    std::vector<DString> ids;
+    if (SeriesOf({path, nullptr}))
+        return ids;
+    RDIDriver *const ofSeries = m_impl->table.Find(kSeriesDriver);
+    std::ignore = m_impl->table.OpenFirst([&](RDIDriver &driver) -> void * {
+        if (&driver != ofSeries)
+            for (DString &id : driver.FindInFamily(path.c_str()))
+                ids.push_back(std::move(id));
+        return nullptr; // the next one
+    });
+    return ids;
 }
 
 std::vector<RDIDriver *> const &RDIDriverMngr::Drivers() {

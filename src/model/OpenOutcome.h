@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <vector>
 
 namespace zelvar {
 
@@ -32,8 +33,9 @@ struct OpenFacts {
     DError error{};  ///< why it is neither
     DError damage{}; ///< what a look at its pixels said: it opens, and not all of it can be read
     int rowsRead = 0;
-    int rows = 0;            ///< that were to be read; 0 for a damage that was not measured
-    bool isOneImage = false; ///< a series is given as one image
+    int rows = 0;                   ///< that were to be read; 0 for a damage that was not measured
+    bool isOneImage = false;        ///< a series is given as one image
+    std::vector<DString> drivers{}; ///< ids of those that open it as an image, the first one does if none is named
 
     /// It is what is wished for.
     [[nodiscard]] bool Opens(OpenWish const &wish) const {

@@ -255,7 +255,8 @@ void DlgOpenDS::CreateForecast() {
         *GetDlgItem<OpenLine>(*this, kLineId), *m_propertyWnd,
         OpenForecast::Setup{.wish = PicksDocument(m_dlgTemplate) ? OpenWish() : wish,
                             .isSeriesOneImage = m_seriesMode != SeriesMode::Members,
-                            .optionsOf = [this](DataSourceItem const &item) { return OptionsOf(item); }});
+                            .optionsOf = [this](DataSourceItem const &item) { return OptionsOf(item); },
+                            .onDriverChanged = [this] { ShowSelected(SelectedImages()); }});
 }
 
 void DlgOpenDS::InitializeLayout() {
@@ -498,8 +499,10 @@ void DlgOpenDS::OnOK() {
 }
 
 DString DlgOpenDS::OptionsOf(DataSourceItem const &item) const {
-    DString const options = m_propertyWnd->GetOptionString();
-    return options.empty() && m_namedData != nullptr ? m_namedData->OptionsOf(item.GetPath()) : options;
+    DString options = m_propertyWnd->GetOptionString();
+    if (options.empty() && m_namedData != nullptr)
+        options = m_namedData->OptionsOf(item.GetPath());
+    return m_forecast == nullptr ? options : m_forecast->Drivers().AddedTo(std::move(options), item.GetPath());
 }
 
 DString DlgOpenDS::MonikerOf(DataSourceItem const &item) const {
@@ -514,7 +517,9 @@ DString DlgOpenDS::MonikerOf(DataSourceItem const &item) const {
 void DlgOpenDS::AddMonikers(DataSourceItem const &item) {
     auto const *const series = dynamic_cast<SeriesItem const *>(&item);
     if (series == nullptr || m_seriesMode != SeriesMode::Members) {
-        DString const driverId = item.GetBDIDriverId();
+        DString driverId = item.GetBDIDriverId();
+        if (driverId.empty() && m_forecast != nullptr)
+            driverId = m_forecast->Drivers().Of(item.GetPath());
         BDIDrvr *const driver = driverId.empty() ? nullptr : BDIDrvrMngr::Instance()->GetDrvr(driverId.c_str());
         m_monikers.push_back(BDIMoniker(MonikerOf(item), driver));
         return;

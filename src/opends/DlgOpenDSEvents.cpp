@@ -19,6 +19,7 @@
 #include "zelvar/opends/NamedData.h"
 #include "zelvar/opends/OpenDialogTemplate.h"
 #include "zelvar/opends/OpenForecast.h"
+#include "zelvar/opends/OpenLine.h"
 #include "zelvar/platform/ui/ControlId.h"
 #include "zelvar/platform/ui/EllipsisLabel.h"
 #include "zelvar/platform/ui/EscapeWatch.h"
@@ -429,13 +430,21 @@ bool DlgOpenDS::ProcessTabKey(QWidget *focus) {
     QWidget *const hierarchy = m_hierarchyList->GetPane(0);
     QWidget *const sources =
         m_dataSourceWnd->IsDataSourceView() ? static_cast<QWidget *>(m_dataSourceList) : m_folderList;
+    auto *const line = platform::GetDlgItem<OpenLine>(*this, kLineId);
+    bool const hasChoice = line != nullptr && line->Drivers()->isVisible();
+    QWidget *const belowPanes = hasChoice ? static_cast<QWidget *>(line->Drivers()) : m_histCombo;
     Step const steps[] = {
-        {m_dataSourceList, hierarchy}, {m_folderList, hierarchy},       {m_hierarchyList, m_mainList},
-        {m_mainList, m_histCombo},     {m_histCombo, m_fileFilterEdit}, {m_fileFilterEdit, m_fileTypeCombo},
+        {m_dataSourceList, hierarchy},
+        {m_folderList, hierarchy},
+        {m_hierarchyList, m_mainList},
+        {m_mainList, belowPanes},
+        {line, m_histCombo},
+        {m_histCombo, m_fileFilterEdit},
+        {m_fileFilterEdit, m_fileTypeCombo},
         {m_fileTypeCombo, sources},
     };
     for (Step const &step : steps) {
-        if (!IsWithin(step.from, focus))
+        if (step.from == nullptr || !IsWithin(step.from, focus))
             continue;
         step.to->setFocus(Qt::TabFocusReason);
         return true;

@@ -1,10 +1,12 @@
 #include "zelvar/opends/OpenFactsReading.h"
 
 #include "zelvar/data/PlaceCheck.h"
+#include "zelvar/data/RDIDriverMngr.h"
 #include "zelvar/data/RequestScope.h"
 #include "zelvar/data/tables/ADIDriverMngr.h"
 #include "zelvar/platform/os/SmbAddress.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <system_error>
 
@@ -64,6 +66,19 @@ OpenFacts CompleteFacts(OpenSubject const &subject, OpenWish const &wish, std::o
         facts.error = AccessError(subject);
     }
     return facts;
+}
+
+std::vector<DString> FindOpeningDrivers(OpenSubject const &subject, StopSignal const *stop) {
+    std::vector<DString> ids;
+    {
+        RequestScope const scope(RequestKind::Probe, {}, kNamedProbe);
+        ids = RDIDriverMngr::Instance()->FindDrivers(BDIMoniker(subject.path, nullptr).GetSource());
+    }
+    ImageInfo image;
+    auto const fails = [&](DString const &id) { return !ReadImageInfo({subject.path, nullptr}, id, stop, image); };
+    if (ids.size() > 1)
+        ids.erase(std::remove_if(ids.begin() + 1, ids.end(), fails), ids.end());
+    return ids.size() > 1 ? ids : std::vector<DString>();
 }
 
 OpenFacts ReadOpenFacts(OpenSubject const &subject, OpenWish const &wish, StopSignal const *stop) {

@@ -20,4 +20,8 @@ struct OpenSubject {
 /// The same for one whose properties nobody has read.
 [[nodiscard]] OpenFacts ReadOpenFacts(OpenSubject const &subject, OpenWish const &wish, StopSignal const *stop);
 
+/// Ids of the raster drivers that open it, the one that does by itself in front; empty if that is the only one. Each
+/// of the others is tried.
+[[nodiscard]] std::vector<DString> FindOpeningDrivers(OpenSubject const &subject, StopSignal const *stop);
+
 } // namespace zelvar

@@ -45,6 +45,7 @@ OpenForecast::OpenForecast(OpenLine &line, DSPropertyWnd &pane, Setup setup)
     m_finder->SetOwner(m_target, kFoundMessage);
     m_pane.SetFactsHandler(m_setup.wish,
                            [this](OpenSubject const &subject, OpenFacts const &facts) { OnFacts(subject, facts); });
+    m_line.SetDriverHandler([this](int index) { OnDriverChosen(index); });
     m_idle.setInterval(kLookEvery);
     m_slow.setInterval(kSlow);
     m_slow.setSingleShot(true);
@@ -56,6 +57,7 @@ OpenForecast::OpenForecast(OpenLine &line, DSPropertyWnd &pane, Setup setup)
 }
 
 OpenForecast::~OpenForecast() {
+    m_line.SetDriverHandler({});
     m_pane.SetFactsHandler({}, {});
     m_target.Detach();
     m_finder->Release();
@@ -124,6 +126,10 @@ void OpenForecast::Select(ItemList const &items) {
 void OpenForecast::OnFacts(OpenSubject const &subject, OpenFacts const &facts) {
     m_shown = subject;
     m_shownFacts = facts;
+    if (IsGivenUp(subject, facts)) {
+        m_setup.onDriverChanged();
+        return;
+    }
     bool isOfUse = false;
     for (Item &item : m_items)
         if (item.subject == subject) {
@@ -152,10 +158,42 @@ void OpenForecast::LookOn() {
 void OpenForecast::OnFound() {
     std::vector<OpenFacts> found = m_finder->Take();
     std::size_t const count = std::min(found.size(), m_asked.size());
-    for (std::size_t i = 0; i < count; ++i)
-        Fill(m_items[m_asked[i]], std::move(found[i]));
+    bool isAnyGivenUp = false;
+    for (std::size_t i = 0; i < count; ++i) {
+        Item &item = m_items[m_asked[i]];
+        isAnyGivenUp = IsGivenUp(item.subject, found[i]) || isAnyGivenUp;
+        Fill(item, std::move(found[i]));
+    }
     m_asked.erase(m_asked.begin(), m_asked.begin() + static_cast<std::ptrdiff_t>(count));
-    Update();
+    if (isAnyGivenUp)
+        m_setup.onDriverChanged();
+    else
+        Update();
+}
+
+bool OpenForecast::IsGivenUp(OpenSubject const &subject, OpenFacts const &facts) {
+    return !facts.image && subject.options == m_choices.AddedTo({}, subject.path) && m_choices.GiveUp(subject.path);
+}
+
+void OpenForecast::OnDriverChosen(int index) {
+    std::vector<DString> const &drivers = m_line.ShownDrivers();
+    if (m_selected != 1 || index < 0 || static_cast<std::size_t>(index) >= drivers.size())
+        return;
+    // The first one opens it without being named.
+    m_choices.Choose(m_items.front().subject.path, index == 0 ? DString() : drivers[static_cast<std::size_t>(index)]);
+    m_setup.onDriverChanged();
+}
+
+void OpenForecast::UpdateDrivers() {
+    DString const path = m_selected == 1 ? m_items.front().subject.path : DString();
+    // While it is read with another one the choice stays as it is.
+    if (path == m_driversOf && (path.empty() || m_items.front().facts.drivers.empty()))
+        return;
+    m_driversOf = path;
+    std::vector<DString> const drivers = path.empty() ? std::vector<DString>() : m_items.front().facts.drivers;
+    auto const chosen = std::find(drivers.begin(), drivers.end(), path.empty() ? path : m_choices.Of(path));
+    m_line.ShowDrivers(drivers, chosen == drivers.end() ? (drivers.empty() ? -1 : 0)
+                                                        : static_cast<int>(chosen - drivers.begin()));
 }
 
 bool OpenForecast::IsKnown() const {
@@ -179,6 +217,7 @@ void OpenForecast::Update() {
         outcome = OutcomeOf(looked, m_selected, m_setup.wish, m_memory);
     }
     SetOutcome(std::move(outcome));
+    UpdateDrivers();
 }
 
 void OpenForecast::SetOutcome(OpenOutcome outcome) {
@@ -202,8 +241,7 @@ bool OpenForecast::WaitForFacts() {
         if (watch.IsPressed())
             return false;
     }
-    if (m_isAsked)
-        OnFound();
+    OnFound();
     return true;
 }
 
@@ -222,6 +260,8 @@ bool OpenForecast::Ask(QWidget &dialog) const {
 bool OpenForecast::MayAccept(QWidget &dialog) {
     if (m_items.empty())
         return true;
+    m_pane.TakeFacts(); // their messages may wait behind this
+    OnFound();
     if (!IsKnown() && !WaitForFacts())
         return false;
     return m_outcome.isUsable || Ask(dialog);

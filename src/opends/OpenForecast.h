@@ -1,6 +1,7 @@
 #pragma once
 
 #include "zelvar/model/DataSourceItem.h"
+#include "zelvar/opends/DriverChoices.h"
 #include "zelvar/opends/OpenFactsReading.h"
 #include "zelvar/platform/ui/MessageTarget.h"
 #include "zelvar/platform/ui/WindowMessage.h"
@@ -32,6 +33,7 @@ public:
         OpenWish wish{};
         bool isSeriesOneImage = false;                              ///< else it is given file by file
         std::function<DString(DataSourceItem const &)> optionsOf{}; ///< what an item is opened with
+        std::function<void()> onDriverChanged{}; ///< what is selected is opened with another driver from now on
     };
     /// The windows must outlive it.
     OpenForecast(OpenLine &line, DSPropertyWnd &pane, Setup setup);
@@ -40,6 +42,8 @@ public:
     /// What is selected now; the pane has been given the last of it.
     void Select(ItemList const &items);
     [[nodiscard]] OpenOutcome const &Outcome() const { return m_outcome; }
+    /// Which driver opens what.
+    [[nodiscard]] DriverChoices const &Drivers() const { return m_choices; }
     /// Nothing more will be known of what is selected.
     [[nodiscard]] bool IsSettled() const;
     /// Whether OK may take it: waits a moment for what is not known yet, and asks about what is not usable. False, too,
@@ -62,6 +66,10 @@ private:
     void OnFound();
     void LookOn();
     void Update();
+    void UpdateDrivers();
+    void OnDriverChosen(int index);
+    /// Whether it is to be opened without the driver that others of its kind have.
+    [[nodiscard]] bool IsGivenUp(OpenSubject const &subject, OpenFacts const &facts);
     void SetOutcome(OpenOutcome outcome);
     /// What the properties tell of all of it, as far as there is time.
     [[nodiscard]] bool IsKnown() const;
@@ -84,8 +92,10 @@ private:
     bool m_isAsked = false;           ///< the finder was given what it can look at
     OpenSubject m_shown;              ///< what the pane told of last
     OpenFacts m_shownFacts;
-    QTimer m_idle; ///< until the pane has read
-    QTimer m_slow; ///< until the user is told that something is read
+    DriverChoices m_choices;
+    DString m_driversOf; ///< the path whose drivers are to be chosen from
+    QTimer m_idle;       ///< until the pane has read
+    QTimer m_slow;       ///< until the user is told that something is read
     OpenOutcome m_outcome;
 };
 

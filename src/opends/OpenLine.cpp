@@ -2,6 +2,7 @@
 
 #include "zelvar/base/Translation.h"
 #include "zelvar/controls/CZelComboBox.h"
+#include "zelvar/data/RDIDriverMngr.h"
 #include "zelvar/platform/ui/EllipsisLabel.h"
 #include "zelvar/platform/ui/Text.h"
 
@@ -44,12 +45,16 @@ void OpenLine::Show(OpenOutcome const &outcome) {
     m_sign->setVisible(!outcome.isUsable);
 }
 
-void OpenLine::ShowDrivers(std::vector<DriverChoice> const &drivers, int chosen) {
+void OpenLine::ShowDrivers(std::vector<DString> const &drivers, int chosen) {
     if (drivers != m_shownDrivers) {
         m_shownDrivers = drivers;
         m_drivers->ResetContent();
-        for (DriverChoice const &driver : drivers)
-            m_drivers->AddString(driver.name);
+        for (DString const &id : drivers) {
+            int const entry = m_drivers->AddString(id);
+            if (RDIDriver const *const driver = RDIDriverMngr::Instance()->GetDriver(id.c_str()))
+                m_drivers->setItemData(entry, platform::ToToolTip(platform::ToQString(driver->GetInfo())),
+                                       Qt::ToolTipRole);
+        }
         m_drivers->setVisible(drivers.size() > 1);
     }
     if (m_drivers->GetCurSel() != chosen)

@@ -17,13 +17,6 @@ namespace platform {
 class EllipsisLabel;
 }
 
-/// A driver that could read what is selected.
-struct DriverChoice {
-    DString id{};
-    DString name{};
-    friend bool operator==(DriverChoice const &, DriverChoice const &) = default;
-};
-
 /// The line that says what OK will do: a sign for what is not usable, one line of words with the whole in its tip, and,
 /// where several drivers could read what is selected, a choice among them. User-interface thread.
 class OpenLine : public QWidget {
@@ -31,8 +24,9 @@ public:
     explicit OpenLine(QWidget *parent = nullptr);
 
     void Show(OpenOutcome const &outcome);
-    /// `chosen` is an index; fewer than two leave no choice, and the box is not there.
-    void ShowDrivers(std::vector<DriverChoice> const &drivers, int chosen);
+    /// Ids of raster drivers; `chosen` is an index; fewer than two leave no choice, and the box is not there.
+    void ShowDrivers(std::vector<DString> const &drivers, int chosen);
+    [[nodiscard]] std::vector<DString> const &ShownDrivers() const { return m_shownDrivers; }
     /// Told the index of what the user has chosen.
     void SetDriverHandler(std::function<void(int)> handler) { m_onDriver = std::move(handler); }
 
@@ -43,7 +37,7 @@ private:
     QLabel *m_sign; ///< children
     platform::EllipsisLabel *m_label;
     CZelComboBox *m_drivers;
-    std::vector<DriverChoice> m_shownDrivers;
+    std::vector<DString> m_shownDrivers;
     std::function<void(int)> m_onDriver;
 };
 

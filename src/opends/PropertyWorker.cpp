@@ -7,6 +7,15 @@
 
 namespace zelvar {
 
+namespace {
+
+/// A picture may fail by its own budget, too: that says nothing of the data.
+bool SpeaksAgainstData(DError::Cause cause) {
+    return cause != DError::Cause::Late && cause != DError::Cause::TooLarge && cause != DError::Cause::NoAnswer;
+}
+
+} // namespace
+
 void PropertyWorker::Release() {
     Cancel();
     Abandon(); // the thread holds this object until it has ended
@@ -131,13 +140,32 @@ bool PropertyWorker::ReadProps(Job const &job, Seen &seen) {
     return ok;
 }
 
-bool PropertyWorker::ReadCanvas(Seen const &seen) {
+bool PropertyWorker::ReadCanvas(Job const &job, Seen &seen) {
     auto const &[path, driverId, options] = seen.subject;
     DCanvas canvas;
-    bool const ok = ReadItemPreview(path, driverId, options, &m_cancel, canvas) && !m_cancel;
-    DSingleLock const lock(m_canvasLock);
-    m_canvas = std::move(canvas);
+    DError error;
+    RDIRowsRead read;
+    bool const ok =
+        ReadItemPreview(path, driverId, options, &m_cancel, canvas, Enlarge::Yes, &error, &read) && !m_cancel;
+    {
+        DSingleLock const lock(m_canvasLock);
+        m_canvas = std::move(canvas);
+    }
+    if (job.wish && error.IsSet() && SpeaksAgainstData(error.Why())) {
+        seen.facts.damage = std::move(error);
+        seen.facts.rowsRead = read.rows;
+        seen.facts.rows = read.all;
+        Keep(seen);
+    }
     return ok;
+}
+
+void PropertyWorker::FindDrivers(Job const &job, Seen &seen) {
+    if (!job.wish || !job.wish->image || !seen.subject.driverId.empty() || m_cancel)
+        return;
+    seen.facts.drivers = FindOpeningDrivers(seen.subject, &m_cancel);
+    if (!seen.facts.drivers.empty())
+        Keep(seen);
 }
 
 void PropertyWorker::Work(Job const &job) {
@@ -149,12 +177,14 @@ void PropertyWorker::Work(Job const &job) {
         Classify(job);
         ok = ReadProps(job, seen);
         if (ok && !PicksDocument(m_dlgTemplate))
-            ok = ReadCanvas(seen);
+            ok = ReadCanvas(job, seen);
     }
     if (ok)
         m_target.Post(WM_ITEM_CANVAS_READY, 1);
     else if (!m_cancel)
         m_target.Post(WM_ITEM_CANVAS_READY, 0);
+    if (!seen.subject.path.empty())
+        FindDrivers(job, seen);
 }
 
 } // namespace zelvar

@@ -54,7 +54,7 @@ public:
         bool isContainer = false;
     };
     [[nodiscard]] std::optional<Classified> TakeClassified();
-    /// What opening the item has shown, moved out: once with the properties, and again with the picture.
+    /// What opening the item has shown, moved out: once with the properties, and again for what else there is to say.
     struct Seen {
         OpenSubject subject;
         OpenFacts facts;
@@ -78,7 +78,9 @@ private:
     void Classify(Job const &job);
     /// False if it is not what the dialog picks.
     bool ReadProps(Job const &job, Seen &seen);
-    bool ReadCanvas(Seen const &seen);
+    bool ReadCanvas(Job const &job, Seen &seen);
+    /// Where several drivers could read it the user may choose.
+    void FindDrivers(Job const &job, Seen &seen);
     void Keep(Seen seen);
 
     mutable DMutex m_stateLock; ///< guards the job and `m_running`

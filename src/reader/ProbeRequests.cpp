@@ -87,7 +87,9 @@ Answer ProbeRequests::ProbeImage(wire::ProbeImageT const &asked) {
     if (driver == nullptr)
         return Failure("no raster driver " + asked.driver);
     wire::ProbedT probed;
-    if (driver->IsMyFile(asked.path.c_str()) == 1)
+    if (asked.family)
+        probed.drivers = driver->FindInFamily(asked.path.c_str());
+    else if (driver->IsMyFile(asked.path.c_str()) == 1)
         probed.drivers.push_back(asked.driver);
     return Say(std::move(probed));
 }

@@ -31,6 +31,28 @@ TEST_F(RasterDriver, TellsWhatTheFileHolds) {
     EXPECT_EQ(image.driver->GetAttrInt("RDI_Drvr_Palette", image.handle, 0), 0);
 }
 
+TEST_F(RasterDriver, SeveralMayReadAFileAndItsMonikerNamesOne) {
+    DString const path = m_folder / "both.tif";
+    test::WriteImage(path, {.width = 60, .height = 40});
+    m_folder.Write("both.hdr", "ENVI\nsamples = 10\nlines = 20\nbands = 1\ndata type = 1\ninterleave = bsq\n");
+    EXPECT_THAT(RDIDriverMngr::Instance()->FindDrivers(path), ElementsAre("GTiff", "ENVI"));
+    EXPECT_THAT(RDIDriverMngr::Instance()->FindDrivers(m_folder / "both.hdr"), IsEmpty());
+    struct Row {
+        char const *options;
+        char const *driver;
+        int width;
+    };
+    for (auto const &[options, driver, width] :
+         {Row{"", "GTiff", 60}, Row{"?DRIVER=ENVI", "ENVI", 10}, Row{"?DRIVER=envi&RASTER=1", "ENVI", 10},
+          Row{"?DRIVER=GTiff", "GTiff", 60}, Row{"?DRIVER=none", "GTiff", 60}, Row{"?DRIVER=", "GTiff", 60}}) {
+        OpenedImage const image(path + options);
+        ASSERT_TRUE(image) << options << image.error.Text();
+        EXPECT_EQ(image.driver->GetId(), driver) << options;
+        EXPECT_EQ(image.driver->GetChnlSizeX(image.handle, 0), width) << options;
+    }
+    EXPECT_FALSE(OpenedImage(path + "?DRIVER=PNG")) << "who names a driver does not want what another makes of it";
+}
+
 TEST_F(RasterDriver, EveryTypeArrivesAsOneOfOurs) {
     struct Case {
         GDALDataType type;

@@ -4,6 +4,8 @@
 #include "support/OpenDialogHand.h"
 #include "support/RealDrivers.h"
 #include "support/Told.h"
+#include "zelvar/controls/CZelComboBox.h"
+#include "zelvar/data/BDIDrvr.h"
 #include "zelvar/data/BDINode.h"
 #include "zelvar/opends/OpenForecast.h"
 #include "zelvar/platform/ui/EllipsisLabel.h"
@@ -110,6 +112,9 @@ TEST_F(OpenLines, LetOkAskOnceAboutWhatIsNotUsable) {
     for (auto const answer : {QMessageBox::No, QMessageBox::Yes}) {
         DialogPtr const dialog = Make();
         int const result = Run(*dialog, "notes.txt", [&] {
+            auto *const ok = GetDlgItem<QPushButton>(*dialog, kOkId);
+            Select(*dialog, {"grey.tif"});
+            ASSERT_TRUE(Eventually([&] { return ok->isEnabled(); }));
             Select(*dialog, {"notes.txt"}); // and at once, before anything is known of it
             auto const asked = OnNextDialog([&](QWidget &question) {
                 auto &box = dynamic_cast<QMessageBox &>(question);
@@ -117,7 +122,7 @@ TEST_F(OpenLines, LetOkAskOnceAboutWhatIsNotUsable) {
                 EXPECT_EQ(box.defaultButton(), box.button(QMessageBox::No));
                 Click(box.button(answer));
             });
-            PressOk(*dialog);
+            Click(ok);
             EXPECT_TRUE(*asked);
             EXPECT_EQ(dialog->isVisible(), answer == QMessageBox::No);
         });
@@ -132,6 +137,56 @@ TEST_F(OpenLines, LetOkAskOnceAboutWhatIsNotUsable) {
                       EXPECT_FALSE(dialog->isVisible()) << "nobody is asked";
                   }),
               QDialog::Accepted);
+}
+
+TEST_F(OpenLines, OfferTheDriversThatReadAFileAndKeepTheChoiceByExtension) {
+    char const header[] = "ENVI\nsamples = 4\nlines = 5\nbands = 1\ndata type = 1\ninterleave = bsq\n";
+    WriteImage(folder / "both.TIF");
+    folder.Write("both.hdr", header);
+    WriteImage(folder / "next.tif");
+    folder.Write("next.hdr", header);
+    std::string const asTiff = "GeoTIFF: 64 x 48, 1 channel, 8 bit unsigned, 3.0 KB in memory";
+    std::string const asEnvi = "ENVI .hdr Labelled: 4 x 5, 1 channel, 8 bit unsigned, 20 B in memory";
+    DialogPtr const dialog = Make();
+    Run(*dialog, "next.tif", [&] {
+        CZelComboBox &drivers = *GetDlgItem<OpenLine>(*dialog, kLineId)->Drivers();
+        EXPECT_EQ(LineFor(*dialog, {"grey.tif"}), asTiff);
+        EXPECT_FALSE(drivers.isVisible()) << "there is nothing to choose";
+        EXPECT_EQ(LineFor(*dialog, {"both.TIF"}), asTiff);
+        ASSERT_TRUE(drivers.isVisible());
+        ASSERT_EQ(drivers.GetCount(), 2);
+        EXPECT_EQ(drivers.GetLBText(0) + drivers.GetLBText(1), "GTiffENVI");
+        dialog->MainList()->setFocus();
+        QTest::keyClick(dialog->MainList(), Qt::Key_Tab);
+        EXPECT_TRUE(drivers.hasFocus());
+        QTest::keyClick(&drivers, Qt::Key_Down);
+        EXPECT_TRUE(Eventually([&] { return Label(*dialog).Text().toStdString() == asEnvi; }));
+        EXPECT_EQ(LineFor(*dialog, {"next.tif"}), asEnvi) << "others of that extension follow";
+        EXPECT_EQ(LineFor(*dialog, {"grey.tif"}), asTiff) << "but for those that it does not read";
+        EXPECT_EQ(LineFor(*dialog, {"both.TIF"}), asEnvi);
+        PressOk(*dialog);
+    });
+    ASSERT_EQ(dialog->GetSelectedNodePaths().size(), 1U);
+    BDIMoniker const moniker = dialog->GetSelectedNodePaths()[0];
+    EXPECT_EQ(moniker.GetText(), folder / "both.TIF?DRIVER=ENVI");
+    ASSERT_NE(moniker.GetDrvr(), nullptr);
+    EXPECT_EQ(moniker.GetDrvr()->GetId(), "ENVI");
+
+    DialogPtr const later = Make();
+    Run(*later, "next.tif", [&] {
+        EXPECT_EQ(LineFor(*later, {"both.TIF", "grey.tif"}),
+                  "2 items: 3.0 KB in memory; different sizes (4 x 5, 64 x 48)");
+        EXPECT_EQ(LineFor(*later, {"next.tif"}), asEnvi);
+        CZelComboBox &drivers = *GetDlgItem<OpenLine>(*later, kLineId)->Drivers();
+        ASSERT_EQ(drivers.GetCurSel(), 1);
+        QTest::keyClick(&drivers, Qt::Key_Up);
+        EXPECT_TRUE(Eventually([&] { return Label(*later).Text().toStdString() == asTiff; }));
+        EXPECT_TRUE(Eventually([&] { return later->Forecast()->IsSettled(); }));
+        EXPECT_TRUE(drivers.isVisible()) << "one can go back";
+        PressOk(*later);
+    });
+    ASSERT_EQ(later->GetSelectedNodePaths().size(), 1U);
+    EXPECT_EQ(later->GetSelectedNodePaths()[0].GetText(), folder / "next.tif");
 }
 
 TEST_F(OpenLines, AreAbsentUnlessTheyAreWanted) {

@@ -189,6 +189,16 @@ int RasterDriver::IsMyFile(char const *path) const {
     return Identify(*source, GDAL_OF_RASTER, &m_format) != nullptr ? 1 : 0;
 }
 
+std::vector<DString> RasterDriver::FindInFamily(char const *path) const {
+    std::vector<DString> ids;
+    auto const source = Resolve({path == nullptr ? "" : path, nullptr}, nullptr);
+    if (!source || source->reach == Reach::Network || !source->layer.empty())
+        return ids;
+    for (Format const *format : IdentifyAll(*source, GDAL_OF_RASTER))
+        ids.push_back(format->id);
+    return ids;
+}
+
 void *RasterDriver::OpenFile(BDIMoniker const &moniker, StopSignal const *stop, DError *error) {
     return OpenImage(moniker, &m_format, stop, error).release();
 }

@@ -16,6 +16,7 @@ public:
     [[nodiscard]] DString GetFamily() const override;
 
     [[nodiscard]] int IsMyFile(char const *path) const override;
+    [[nodiscard]] std::vector<DString> FindInFamily(char const *path) const override;
     void *OpenFile(BDIMoniker const &moniker, StopSignal const *stop, DError *error) override;
     void *OpenFileInFamily(BDIMoniker const &moniker, RDIDriver **opener, StopSignal const *stop,
                            DError *error) override;

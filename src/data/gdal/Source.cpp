@@ -2,6 +2,7 @@
 
 #include "zelvar/base/FileDescriptor.h"
 #include "zelvar/base/PathStyle.h"
+#include "zelvar/data/RDIDriverMngr.h"
 #include "zelvar/data/gdal/Causes.h"
 #include "zelvar/data/gdal/DataFolders.h"
 #include "zelvar/data/gdal/LandsatScene.h"
@@ -57,9 +58,9 @@ bool IsAnyFormatsOption(std::string_view name) {
     std::vector<Format> const &formats = Formats::Instance().All();
     DString const key(name);
     return name == "OVERVIEW_LEVEL" || name == kLayerOption || name == kNodeOption || name == kGroupOption ||
-           name == kRasterOption || std::any_of(formats.begin(), formats.end(), [&](Format const &format) {
-               return format.openOptions.contains(key);
-           });
+           name == kRasterOption || name == kDriverOption ||
+           std::any_of(formats.begin(), formats.end(),
+                       [&](Format const &format) { return format.openOptions.contains(key); });
 }
 
 /// Takes the address's own query, such as a signature, from a moniker's options: "?..." in the order of the moniker, or
@@ -207,7 +208,7 @@ std::optional<Source> Resolve(BDIMoniker const &moniker, DError *error) {
             source.name = PercentDecoded(value);
         else if (name == kGroupOption)
             source.group = PercentDecoded(value);
-        else if (name != kRasterOption)
+        else if (name != kRasterOption && name != kDriverOption) // that one is the manager's
             source.options.emplace_back(name, value);
     }
     if (source.name.find('\0') != DString::npos)
@@ -247,18 +248,45 @@ std::optional<Source> Resolve(BDIMoniker const &moniker, DError *error) {
     return source;
 }
 
-Format const *Identify(Source const &source, unsigned flags, Format const *only) {
+namespace {
+
+/// The formats that take the source for theirs, `most` of them.
+std::vector<Format const *> IdentifyAmong(Source const &source, unsigned flags, Format const *only, std::size_t most) {
     GdalScope const scope(source.reach);
-    std::vector<char const *> const allowed = AllowedFor(source, only);
-    if (source.folder == DataFolder::Landsat)
-        return allowed.size() > 1 && (flags & GDAL_OF_RASTER) != 0 ? Formats::Instance().Find(allowed.front())
-                                                                   : nullptr;
+    std::vector<Format const *> found;
+    std::vector<char const *> allowed = AllowedFor(source, only);
+    if (source.folder == DataFolder::Landsat) {
+        if (allowed.size() > 1 && (flags & GDAL_OF_RASTER) != 0)
+            found.push_back(Formats::Instance().Find(allowed.front()));
+        return found;
+    }
     auto const siblings = SiblingsFor(source);
     if (!siblings)
-        return nullptr;
-    GDALDriverH driver = GDALIdentifyDriverEx(source.name.c_str(), flags, allowed.data(),
-                                              siblings->empty() ? nullptr : Pointers(*siblings).data());
-    return driver == nullptr ? nullptr : Formats::Instance().Find(GDALGetDriverShortName(driver));
+        return found;
+    std::vector<char const *> const siblingNames = Pointers(*siblings);
+    while (allowed.size() > 1 && found.size() < most) {
+        GDALDriverH driver = GDALIdentifyDriverEx(source.name.c_str(), flags, allowed.data(),
+                                                  siblings->empty() ? nullptr : siblingNames.data());
+        if (driver == nullptr)
+            break;
+        char const *const id = GDALGetDriverShortName(driver);
+        if (Format const *const format = Formats::Instance().Find(id); format != nullptr)
+            found.push_back(format);
+        std::erase_if(allowed, [&](char const *name) { return name != nullptr && EqualNoCase(name, id); });
+    }
+    return found;
+}
+
+} // namespace
+
+Format const *Identify(Source const &source, unsigned flags, Format const *only) {
+    std::vector<Format const *> const found = IdentifyAmong(source, flags, only, 1);
+    return found.empty() ? nullptr : found.front();
+}
+
+std::vector<Format const *> IdentifyAll(Source const &source, unsigned flags) {
+    constexpr std::size_t kMost = 8;
+    return IdentifyAmong(source, flags, nullptr, kMost);
 }
 
 OpenedSource Open(Source const &source, unsigned flags, Format const *only, DError *error) {

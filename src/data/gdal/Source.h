@@ -52,6 +52,8 @@ struct OpenedSource {
 [[nodiscard]] OpenedSource Open(Source const &source, unsigned flags, Format const *only, DError *error);
 /// The format that GDAL would read it with, told by its first bytes; null if none.
 [[nodiscard]] Format const *Identify(Source const &source, unsigned flags, Format const *only);
+/// All formats that take it for theirs, in GDAL's order.
+[[nodiscard]] std::vector<Format const *> IdentifyAll(Source const &source, unsigned flags);
 
 /// GDAL's name of an address ("http://...", "s3://...", "smb://..."): its virtual file system's. Empty for a scheme
 /// that is not supported.

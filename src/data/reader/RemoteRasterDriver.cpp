@@ -107,15 +107,20 @@ bool Read(Image &image, wire::ReadPixelsT body, std::optional<std::size_t> bytes
 
 } // namespace
 
-int RemoteRasterDriver::IsMyFile(char const *path) const {
+std::vector<DString> RemoteRasterDriver::Probe(char const *path, bool family) const {
     wire::ProbeImageT body;
     body.path = path == nullptr ? "" : path;
     body.driver = m_facts.id;
+    body.family = family;
     Readers::Call const call{.kind = RequestKind::Probe, .what = "probe", .subject = body.path};
     Readers::Answer const answer = Readers::Instance().Ask(call, std::move(body));
     wire::ProbedT const *const probed = BodyOf<wire::ProbedT>(answer.message.get());
-    return probed != nullptr && !probed->drivers.empty() ? 1 : 0;
+    return probed == nullptr ? std::vector<DString>() : probed->drivers;
 }
+
+int RemoteRasterDriver::IsMyFile(char const *path) const { return Probe(path, false).empty() ? 0 : 1; }
+
+std::vector<DString> RemoteRasterDriver::FindInFamily(char const *path) const { return Probe(path, true); }
 
 std::optional<std::size_t> RemoteRasterDriver::FindMyFile(std::vector<DString> const &paths,
                                                           StopSignal const &stop) const {

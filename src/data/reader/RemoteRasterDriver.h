@@ -16,6 +16,7 @@ public:
     [[nodiscard]] DString GetExtensions() const override { return m_facts.extensions; }
     [[nodiscard]] DString GetFamily() const override { return m_facts.family; }
     [[nodiscard]] int IsMyFile(char const *path) const override;
+    [[nodiscard]] std::vector<DString> FindInFamily(char const *path) const override;
     /// In few questions. Files that ended a reader are passed over.
     [[nodiscard]] std::optional<std::size_t> FindMyFile(std::vector<DString> const &paths,
                                                         StopSignal const &stop) const override;
@@ -43,6 +44,7 @@ public:
                       RDIRowsRead &read) override;
 
 private:
+    [[nodiscard]] std::vector<DString> Probe(char const *path, bool family) const;
     [[nodiscard]] int SampleBytes(void *handle, int channel, int count) const;
     void *Open(BDIMoniker const &moniker, RDIDriver **opener, StopSignal const *stop, DError *error, bool family);
 
