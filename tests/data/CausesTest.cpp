@@ -126,8 +126,8 @@ TEST_F(Causes, ADamagedImageIsShownAsFarAsItGoes) {
     struct Case {
         char const *name;
         test::ImageSpec spec;
-        std::size_t lost; ///< bytes at the end
-        int least;        ///< rows that came
+        int lost;  ///< bytes at the end
+        int least; ///< rows that came
         int most;
     };
     auto const noise = [](int channel, int x, int y) { return x * 7919 % 251 ^ y * 104729 % 241 ^ channel * 83; };
@@ -153,7 +153,7 @@ TEST_F(Causes, ADamagedImageIsShownAsFarAsItGoes) {
         ASSERT_TRUE(ReadPreview({path, nullptr}, "", nullptr, whole, Enlarge::No, &error, &read));
         EXPECT_FALSE(error.IsSet()) << error.Text();
         EXPECT_EQ(read.all, 0);
-        Cut(path, test::ReadFile(path).size() - c.lost);
+        Cut(path, test::ReadFile(path).size() - static_cast<std::size_t>(c.lost));
         ImageInfo info;
         EXPECT_TRUE(ReadImageInfo({path, nullptr}, "", nullptr, info));
         DCanvas damaged;

@@ -243,7 +243,7 @@ RDIGeoCoo RasterDriver::GetChnlGeoCode(void *handle, int) const {
 DString RasterDriver::GetAttrString(char const *name, void *handle, int channel) const {
     if (std::strcmp(name, "RDI_Drvr_NoData") == 0) {
         GdalScope const scope(Of(handle).reach);
-        GDALRasterBandH const band = Of(handle).Band(channel);
+        GDALRasterBandH band = Of(handle).Band(channel);
         double const nodata = band == nullptr ? std::nan("") : NodataOf(band);
         return std::isnan(nodata) ? DString() : zelvar::Format("%.17g", nodata);
     }
