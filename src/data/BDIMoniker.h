@@ -1,6 +1,7 @@
 #pragma once
 
 #include "zelvar/base/DString.h"
+#include "zelvar/base/Percent.h"
 
 #include <memory>
 #include <utility>
@@ -71,10 +72,5 @@ private:
     mutable BDIDrvr *m_driver = nullptr;      ///< not owned
     mutable std::shared_ptr<Opened> m_opened; ///< set once it has been tried
 };
-
-/// "%41" becomes "A"; what is no such escape stays.
-[[nodiscard]] ZELVAR_API DString PercentDecoded(std::string_view text);
-/// Bytes other than letters, digits and "-._~" as "%HH"; with `keepSlashes` "/" stays as well.
-[[nodiscard]] ZELVAR_API DString PercentEncoded(std::string_view text, bool keepSlashes = false);
 
 } // namespace zelvar

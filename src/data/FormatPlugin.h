@@ -1,6 +1,8 @@
 #pragma once
 
+#include "zelvar/data/BDIMoniker.h"
 #include "zelvar/data/DIOPlugin.h"
+#include "zelvar/data/options/DriverOption.h"
 
 #include <cstdint>
 
@@ -25,6 +27,11 @@ public:
     [[nodiscard]] DString GetInfo() const override { return m_facts.name; }
     [[nodiscard]] DString GetExtensions() const override { return m_facts.extensions; }
     void BuildFrmtList(int mode, unsigned dataType, ICheck<DString> const *check, DList<DFileFrmt *> &formats) override;
+    /// What can be said to those who read or write it; see `DriverOptions`.
+    [[nodiscard]] virtual DriverOptionLists GetOptions() const { return {}; }
+    /// The id of the format among those of this one's family (`GetFamily`) that the data would be read with, told by
+    /// their first bytes; empty for none.
+    [[nodiscard]] virtual DString TellFormat(BDIMoniker const & /*moniker*/) const { return {}; }
     [[nodiscard]] FormatFacts const &Facts() const { return m_facts; }
 
 private:

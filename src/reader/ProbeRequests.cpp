@@ -2,9 +2,11 @@
 
 #include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/data/DIOPluginMngr.h"
+#include "zelvar/data/DriverOptions.h"
 #include "zelvar/data/FormatPlugin.h"
 #include "zelvar/data/RDIDriverMngr.h"
 #include "zelvar/data/RequestScope.h"
+#include "zelvar/data/reader/OptionMessage.h"
 #include "zelvar/data/tables/ADIDriverMngr.h"
 #include "zelvar/reader/FileStamp.h"
 
@@ -103,6 +105,15 @@ Answer ProbeRequests::FindOwned(wire::FindOwnedT const &asked) const {
         if (driver->IsMyFile(asked.paths[found.looked].c_str()) == 1)
             found.index = static_cast<std::int32_t>(found.looked);
     return Say(found);
+}
+
+Answer ProbeRequests::DescribeOptions(wire::DescribeOptionsT const &asked) {
+    wire::OptionsDescribedT described;
+    described.driver = asked.driver.empty() ? TellDriverHere(BDIMoniker(asked.moniker, nullptr)) : asked.driver;
+    DriverOptionLists const options = OptionsHere(described.driver);
+    described.open = OptionsToWire(options.open);
+    described.create = OptionsToWire(options.create);
+    return Say(std::move(described));
 }
 
 Answer ProbeRequests::StampFile(wire::StampFileT const &asked) {

@@ -8,8 +8,8 @@
 
 namespace zelvar::reader {
 
-/// Requests about files that are not opened: which drivers read them, whether they are as they were, and which drivers
-/// there are.
+/// Requests about files that are not opened: which drivers read them, whether they are as they were, which drivers
+/// there are and what can be said to them.
 class ProbeRequests {
 public:
     explicit ProbeRequests(StopSignal const &stop) : m_stop(&stop) {}
@@ -19,6 +19,7 @@ public:
     [[nodiscard]] Answer ProbeFiles(wire::ProbeFilesT const &asked) const;
     [[nodiscard]] static Answer ProbeImage(wire::ProbeImageT const &asked);
     [[nodiscard]] Answer FindOwned(wire::FindOwnedT const &asked) const;
+    [[nodiscard]] static Answer DescribeOptions(wire::DescribeOptionsT const &asked);
     [[nodiscard]] static Answer StampFile(wire::StampFileT const &asked);
 
 private:

@@ -57,6 +57,10 @@ DString const *RequestHandler::FileOf(wire::RequestBodyUnion const &body) {
         return table(As<wire::PickRowsT>(body));
     case Kind::SortRows:
         return table(As<wire::SortRowsT>(body));
+    case Kind::DescribeOptions: {
+        auto const *const asked = As<wire::DescribeOptionsT>(body);
+        return asked == nullptr || asked->moniker.empty() ? nullptr : &asked->moniker;
+    }
     default:
         return nullptr;
     }
@@ -79,6 +83,8 @@ std::optional<Answer> RequestHandler::Handle(wire::RequestBodyUnion const &body,
         return ProbeRequests::ProbeImage(*As<wire::ProbeImageT>(body));
     case Kind::FindOwned:
         return m_probes.FindOwned(*As<wire::FindOwnedT>(body));
+    case Kind::DescribeOptions:
+        return ProbeRequests::DescribeOptions(*As<wire::DescribeOptionsT>(body));
     case Kind::StampFile:
         return ProbeRequests::StampFile(*As<wire::StampFileT>(body));
     case Kind::OpenTree:

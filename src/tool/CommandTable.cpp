@@ -156,7 +156,10 @@ std::vector<CommandSpec> const &AllCommands() {
         {.name = "info",
          .words = "MONIKER",
          .about = "Prints the properties of one item.",
-         .options = {{"--preview", "FILE.png", "write its preview, no larger than the image itself"}},
+         .options = {{"--preview", "FILE.png", "write its preview, no larger than the image itself"},
+                     {"--options", "",
+                      "print what can stand behind \"?\" of the moniker in place of them: name, kind, what it is by "
+                      "itself, description, values"}},
          .minArguments = 1,
          .maxArguments = 1},
         {.name = "sources", .words = "", .about = "Prints the rows of the data source list: group, name, path."},

@@ -1,6 +1,8 @@
 #include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/data/BDIMoniker.h"
 #include "zelvar/data/DataFolderLook.h"
+#include "zelvar/data/DriverOptions.h"
+#include "zelvar/data/RequestScope.h"
 #include "zelvar/data/reader/DriverModule.h"
 #include "zelvar/data/tables/ADIFile.h"
 #include "zelvar/model/ItemProperties.h"
@@ -51,6 +53,32 @@ bool IsFault(DError const &failure) {
     return failure.IsSet() && failure.Why() != Unknown && failure.Why() != NotSupported;
 }
 
+/// What values an option takes; empty for any.
+DString ValuesOf(DriverOption const &option) {
+    if (!option.choices.empty())
+        return JoinNotEmpty(option.choices, '|');
+    if (!option.least && !option.most)
+        return {};
+    DString const least = option.least ? Format("%.15g", *option.least) : DString();
+    return least + ".." + (option.most ? Format("%.15g", *option.most) : DString());
+}
+
+int SayOptions(DString const &path, DString const &moniker, DString driverId) {
+    RequestScope const scope(RequestKind::Probe, {}, kNamedProbe);
+    if (driverId.empty())
+        driverId = TellDriver({path, nullptr});
+    if (DString const reason = ReaderFailureOf(path); !reason.empty())
+        return Failure("cannot read '" + moniker + "': " + reason);
+    if (driverId.empty())
+        return Failure(WithReason("cannot open '" + moniker + "'", path));
+    std::vector<DriverOption> const &options = DriverOptions(driverId)->open;
+    for (DriverOption const &option : options)
+        std::printf("%s\t%s\t%s\t%s\t%s\n", option.name.c_str(), option.isBarred ? "not taken" : ToText(option.kind),
+                    EscapeControlBytes(option.usual).c_str(), EscapeControlBytes(option.description).c_str(),
+                    EscapeControlBytes(ValuesOf(option)).c_str());
+    return options.empty() ? kNothing : kDone;
+}
+
 } // namespace
 
 int RunInfo(std::vector<DString> const &words) {
@@ -75,6 +103,8 @@ int RunInfo(std::vector<DString> const &words) {
                                       kNotOpened));
         driverId = item->GetRDIDriverId();
     }
+    if (arguments->Has("--options"))
+        return SayOptions(path, moniker, driverId);
     PropertyMap props;
     DError failure;
     bool const isImage = ReadItemProperties(path, driverId, {}, DT_DATA, nullptr, props, &failure);

@@ -3,6 +3,7 @@
 #include "zelvar/base/PathStyle.h"
 #include "zelvar/data/BDINode.h"
 #include "zelvar/data/gdal/GdalScope.h"
+#include "zelvar/data/gdal/OptionLists.h"
 #include "zelvar/data/gdal/VirtualData.h"
 
 #include <cpl_string.h>
@@ -103,25 +104,6 @@ DString LowerCase(std::string_view text) {
     return lower;
 }
 
-/// The names in `<Option name='...' .../>`.
-std::set<DString> OptionNames(DString const &xml) {
-    std::set<DString> names;
-    for (std::size_t at = xml.find("<Option name="); at != DString::npos; at = xml.find("<Option name=", at + 1)) {
-        std::size_t const begin = at + 14;
-        std::size_t const end = xml.find_first_of("'\"", begin);
-        if (end == DString::npos)
-            break;
-        DString name = xml.substr(begin, end - begin);
-        std::transform(name.begin(), name.end(), name.begin(),
-                       [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c; });
-        names.insert(std::move(name));
-    }
-    // They run statements, open what a table names, lead elsewhere, or write.
-    for (char const *name : {"PRELUDE_STATEMENTS", "LIST_VIRTUAL_OGR", "ROOT_PATH", "CACHE_TILE_PRESENCE"})
-        names.erase(name);
-    return names;
-}
-
 DString Masks(DString const &id, DString extensions) {
     for (auto const &[format, more] : kMoreExtensions)
         if (format == id)
@@ -172,7 +154,9 @@ Formats::Formats() {
             m_uses.push_back(std::move(uses));
         if (Metadata(driver, GDAL_DCAP_OPEN) != "YES")
             continue;
-        format.openOptions = OptionNames(Metadata(driver, GDAL_DMD_OPENOPTIONLIST));
+        for (DriverOption const &option : OpenOptionsOf(format.id))
+            if (!option.isBarred)
+                format.openOptions.insert(option.name);
         for (DString const &mask : Split(format.extensions, ';')) {
             DString const extension = LowerCase(ExtensionOf(mask));
             if (extension.empty() || Contains(kAmbiguous, extension))

@@ -17,7 +17,7 @@ struct Format {
     bool raster = false;
     bool vector = false;
     bool subdatasets = false;      ///< a file may hold several
-    std::set<DString> openOptions; ///< upper case
+    std::set<DString> openOptions; ///< those that are taken
 };
 
 /// The formats that data may be opened with: all of GDAL's but those that reach out by what a file or name says

@@ -6,6 +6,7 @@
 #include "zelvar/data/gdal/ContainerTree.h"
 #include "zelvar/data/gdal/DataFolderTree.h"
 #include "zelvar/data/gdal/FolderTree.h"
+#include "zelvar/data/gdal/GdalPlugin.h"
 #include "zelvar/data/gdal/RasterDriver.h"
 #include "zelvar/data/gdal/TableDriver.h"
 #include "zelvar/data/gdal/ZipTree.h"
@@ -30,7 +31,7 @@ void RegisterGdalDrivers() {
     }
     trees.Add(std::make_unique<gdal::DataFolderDriver>());
     for (FormatFacts const &uses : gdal::Formats::Instance().Uses())
-        DIOPluginMngr::Instance()->Add(std::make_unique<FormatPlugin>(uses));
+        DIOPluginMngr::Instance()->Add(std::make_unique<gdal::GdalPlugin>(uses));
 }
 
 } // namespace zelvar

@@ -6,6 +6,7 @@
 #include "zelvar/data/gdal/Causes.h"
 #include "zelvar/data/gdal/DataFolders.h"
 #include "zelvar/data/gdal/LandsatScene.h"
+#include "zelvar/data/gdal/OpenOptions.h"
 #include "zelvar/data/gdal/Siblings.h"
 #include "zelvar/data/gdal/SmbFiles.h"
 #include "zelvar/data/gdal/VirtualData.h"
@@ -123,32 +124,6 @@ std::vector<char const *> AllowedFor(Source const &source, Format const *only) {
             return name != nullptr && name != id;
         });
     return names;
-}
-
-bool IsKnownOption(Format const &format, DString const &name) {
-    // GDAL itself takes this one for every format.
-    return EqualNoCase(name, "OVERVIEW_LEVEL") ||
-           std::any_of(format.openOptions.begin(), format.openOptions.end(),
-                       [&](DString const &known) { return EqualNoCase(known, name); });
-}
-
-std::vector<DString> OpenOptionsFor(Source const &source, Format const &format) {
-    std::vector<DString> options;
-    for (auto const &[name, value] : source.options) {
-        if (IsKnownOption(format, name)) {
-            if (!value.empty())
-                options.push_back(DString(name).append("=").append(value));
-        } else {
-            Report::TraceMessage(Report::kTraceDriver, "%s knows no option \"%s\"", format.id.c_str(), name.c_str());
-        }
-    }
-    if (format.id == "GPKG")
-        options.emplace_back("IMMUTABLE=YES"); // no -wal, no -shm
-    if (format.id == "GML") {
-        options.emplace_back("WRITE_GFS=NO");
-        options.emplace_back("DOWNLOAD_SCHEMA=NO");
-    }
-    return options;
 }
 
 /// The picture of a scene whose bands are files of their own.
@@ -324,7 +299,12 @@ OpenedSource Open(Source const &source, unsigned flags, Format const *only, DErr
                 std::ignore = Refuse(error, std::move(reason), DError::Cause::Refused);
                 return opened;
             }
-            std::vector<DString> const options = OpenOptionsFor(source, *format);
+            DString fault;
+            std::vector<DString> const options = OpenOptionsFor(source, *format, fault);
+            if (!fault.empty()) {
+                std::ignore = Refuse(error, std::move(fault), DError::Cause::Refused);
+                return opened;
+            }
             char const *const chosen[] = {format->id.c_str(), nullptr};
             opened.dataset = Own(GDALOpenEx(source.name.c_str(), flags | GDAL_OF_READONLY | GDAL_OF_VERBOSE_ERROR,
                                             chosen, Pointers(options).data(), siblingList));

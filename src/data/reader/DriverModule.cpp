@@ -12,6 +12,7 @@
 #include "zelvar/data/reader/OpenModule.h"
 #include "zelvar/data/reader/Places.h"
 #include "zelvar/data/reader/Readers.h"
+#include "zelvar/data/reader/RemoteOptions.h"
 #include "zelvar/data/reader/RemoteRasterDriver.h"
 #include "zelvar/data/reader/RemoteTableDriver.h"
 #include "zelvar/data/reader/RemoteTreeDriver.h"
@@ -83,6 +84,7 @@ void UseReaderDrivers(ReaderSettings const &settings) {
                                                      .timeForLooks = &TreeProbes::TimeForLooks};
     ProbeAhead::SetHandlers(&kInReaders);
     SetPlaceCheck(&AsksPlaceInReader);
+    SetOptionQuestions(&kOptionsInReaders);
 }
 
 void UseOwnProcessDrivers() {
@@ -90,6 +92,7 @@ void UseOwnProcessDrivers() {
     SetDriverProvider(LoadModule);
     ProbeAhead::SetHandlers(nullptr);
     SetPlaceCheck(nullptr);
+    SetOptionQuestions(nullptr);
 }
 
 void WarmReaders() {
