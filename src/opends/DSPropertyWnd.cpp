@@ -216,6 +216,15 @@ void DSPropertyWnd::UpdateExtras(RefItemPtr<DataSourceItem> const &, DataSourceE
         ShowTab(m_optionsTab, true, true, true);
 }
 
+void DSPropertyWnd::ShowDriverOptions(DString const &driverId, std::vector<DriverOption> const &options,
+                                      std::map<DString, DString> const &values) {
+    if (m_optionsTab < 0)
+        return;
+    if (!options.empty())
+        m_extraWnd->ShowOptions(driverId, options, values);
+    ShowTab(m_optionsTab, !options.empty(), true, false);
+}
+
 void DSPropertyWnd::ApplyOptions() {
     if (AreOptionsShown())
         m_extraWnd->ApplyOptions();

@@ -3,6 +3,7 @@
 #include "zelvar/base/Export.h"
 #include "zelvar/base/Geometry.h"
 #include "zelvar/controls/CZelTabCtrl.h"
+#include "zelvar/data/options/DriverOption.h"
 #include "zelvar/model/DataSourceExtras.h"
 #include "zelvar/model/DataSourceItem.h"
 #include "zelvar/model/ItemProperties.h"
@@ -13,7 +14,9 @@
 
 #include <chrono>
 #include <functional>
+#include <map>
 #include <memory>
+#include <vector>
 
 namespace zelvar {
 
@@ -47,6 +50,10 @@ public:
     void ShowProps(RefItemPtr<DataSourceItem> item, char const *format);
     /// Shows the option page of `extras`, or hides the tab when it is null.
     void UpdateExtras(RefItemPtr<DataSourceItem> const &item, DataSourceExtras::Item *extras);
+    /// Shows a page of a driver's options with these values, or hides the tab where it has none. The tab stays where it
+    /// is: who looks through files wants to see them.
+    void ShowDriverOptions(DString const &driverId, std::vector<DriverOption> const &options,
+                           std::map<DString, DString> const &values);
     /// Reads the option values from the page, if it is shown.
     void ApplyOptions();
     /// The option text last read.

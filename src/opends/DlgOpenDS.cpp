@@ -15,6 +15,7 @@
 #include "zelvar/opends/DSPropertyWnd.h"
 #include "zelvar/opends/DataSetRows.h"
 #include "zelvar/opends/DataSourceList.h"
+#include "zelvar/opends/DriverOptionChoice.h"
 #include "zelvar/opends/ExtrasFinder.h"
 #include "zelvar/opends/HierarchyList.h"
 #include "zelvar/opends/NamedData.h"
@@ -91,6 +92,8 @@ DlgOpenDS::DlgOpenDS(DVector<DFileFrmt *> const &formats, DFileFrmt *format, DLG
     WarmReaders();
     WireMessages();
     m_extrasFinder->SetOwner(m_target, kExtrasFoundMessage);
+    if ((m_features & kOpenOptions) != 0 && !PicksDocument(m_dlgTemplate))
+        m_driverOptions = std::make_unique<DriverOptionChoice>();
 }
 
 DlgOpenDS::~DlgOpenDS() {
@@ -111,6 +114,10 @@ void DlgOpenDS::SetInitDir(char const *path) { m_initDir = path == nullptr ? "" 
 void DlgOpenDS::SetInitItem(RefItemPtr<DataSourceItem> item) { m_initItem = std::move(item); }
 void DlgOpenDS::SetRootItem(RefItemPtr<DataSourceItem> item) { m_rootItem = std::move(item); }
 void DlgOpenDS::SetBDIFilter(int mask) { m_bdiFilter = mask; }
+void DlgOpenDS::SetOptions(DString const &options) {
+    if (m_driverOptions != nullptr)
+        m_driverOptions->SetGiven(options);
+}
 void DlgOpenDS::SetSeriesMode(SeriesMode mode) { m_seriesMode = mode; }
 void DlgOpenDS::SetMultiSelect(bool multi) { m_multiSelect = multi; }
 
@@ -219,11 +226,14 @@ void DlgOpenDS::ListDataSetsAgain() {
 
 void DlgOpenDS::CreateDataSetRows() {
     auto const show = [this](RefItemPtr<DataSourceItem> item) { ShowItem(std::move(item)); };
-    m_dataSetRows = std::make_unique<DataSetRows>(
-        DataSetRows::Actions{.listAgain = [this] { ListDataSetsAgain(); },
-                             .show = show,
-                             .moniker = [this](DataSourceItem const &item) { return MonikerOf(item); }},
-        (m_features & kOpenSeries) != 0);
+    m_dataSetRows = std::make_unique<DataSetRows>(DataSetRows::Actions{.listAgain = [this] { ListDataSetsAgain(); },
+                                                                       .show = show,
+                                                                       .moniker =
+                                                                           [this](DataSourceItem const &item) {
+                                                                               TakeDriverOptions();
+                                                                               return MonikerOf(item);
+                                                                           }},
+                                                  (m_features & kOpenSeries) != 0);
     auto const rule = [this](ItemList const &roots) { return m_dataSetRows->FoldingOf(roots); };
     m_mainList->SetFoldingRule(rule);
     m_folderList->SetFoldingRule(rule);
@@ -256,7 +266,7 @@ void DlgOpenDS::CreateForecast() {
         OpenForecast::Setup{.wish = PicksDocument(m_dlgTemplate) ? OpenWish() : wish,
                             .isSeriesOneImage = m_seriesMode != SeriesMode::Members,
                             .optionsOf = [this](DataSourceItem const &item) { return OptionsOf(item); },
-                            .onDriverChanged = [this] { ShowSelected(SelectedImages()); }});
+                            .onDriverChanged = [this] { OnImageSelected(); }});
 }
 
 void DlgOpenDS::InitializeLayout() {
@@ -478,6 +488,7 @@ void DlgOpenDS::RestoreFilter() {
 void DlgOpenDS::OnOK() {
     if (!AreExtrasFound())
         return;
+    TakeDriverOptions();
     if (m_forecast != nullptr) {
         ShowSelected(SelectedImages()); // its message may wait behind this
         if (!m_forecast->MayAccept(*this))
@@ -498,15 +509,22 @@ void DlgOpenDS::OnOK() {
     cdxCDynamicDialog::OnOK();
 }
 
+DString DlgOpenDS::NamedOptionsOf(DString const &path) const {
+    return m_namedData == nullptr ? DString() : m_namedData->OptionsOf(path);
+}
+
 DString DlgOpenDS::OptionsOf(DataSourceItem const &item) const {
-    DString options = m_propertyWnd->GetOptionString();
-    if (options.empty() && m_namedData != nullptr)
-        options = m_namedData->OptionsOf(item.GetPath());
-    return m_forecast == nullptr ? options : m_forecast->Drivers().AddedTo(std::move(options), item.GetPath());
+    DString const path = item.GetPath();
+    DString options = m_pageItems.empty() ? m_propertyWnd->GetOptionString() : DString();
+    if (options.empty())
+        options =
+            m_driverOptions == nullptr ? NamedOptionsOf(path) : m_driverOptions->TextFor(path, NamedOptionsOf(path));
+    return m_forecast == nullptr ? options : m_forecast->Drivers().AddedTo(std::move(options), path);
 }
 
 DString DlgOpenDS::MonikerOf(DataSourceItem const &item) const {
-    m_propertyWnd->ApplyOptions();
+    if (m_pageItems.empty())
+        m_propertyWnd->ApplyOptions();
     DString options = OptionsOf(item);
     if (dynamic_cast<SeriesItem const *>(&item) != nullptr && m_seriesMode != SeriesMode::Members)
         options += DString(options.empty() ? "" : "&") +
@@ -524,8 +542,9 @@ void DlgOpenDS::AddMonikers(DataSourceItem const &item) {
         m_monikers.push_back(BDIMoniker(MonikerOf(item), driver));
         return;
     }
-    m_propertyWnd->ApplyOptions();
-    DString const options = m_propertyWnd->GetOptionString();
+    if (m_pageItems.empty())
+        m_propertyWnd->ApplyOptions();
+    DString const options = OptionsOf(item);
     for (std::size_t member = 0; member < series->MemberCount(); ++member)
         m_monikers.push_back(BDIMoniker(WithOptions(series->MemberPath(member), options), nullptr));
 }
@@ -542,6 +561,8 @@ void DlgOpenDS::WriteSettings() {
     DUserCnfg(kSortingSection).WriteString(TemplateKey(), SortingToText(sorting));
 
     DUserCnfg(kFilterSection).WriteString(TemplateKey(), ToDString(m_fileFilterEdit->text()));
+    if (m_driverOptions != nullptr)
+        m_driverOptions->Save();
 }
 
 } // namespace zelvar

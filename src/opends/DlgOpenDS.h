@@ -32,6 +32,7 @@ class DSListCtrl;
 class DSPropertyWnd;
 class DataSetRows;
 class DataSourceList;
+class DriverOptionChoice;
 class ExtrasFinder;
 class HierarchyList;
 class NamedData;
@@ -69,7 +70,9 @@ public:
     /// Types of driver nodes that can be picked, bits of `BDINodeType`. Without one, containers show the folders in
     /// them alone.
     void SetBDIFilter(int mask);
-    void SetMultiSelect(bool multi);     ///< several rows of the main list can be picked; documents never
+    void SetMultiSelect(bool multi); ///< several rows of the main list can be picked; documents never
+    /// What opens data behind "?" of their monikers; not without `kOpenOptions`.
+    void SetOptions(DString const &options);
     void SetSeriesMode(SeriesMode mode); ///< one moniker a member without it
 
     // Results.
@@ -184,8 +187,12 @@ private:
     void CreateDataSetRows();
     void ListDataSetsAgain();
     void CreateForecast();
+    void ShowDriverOptions(ItemList const &items);
+    /// What stands on the page of a driver's options, for all that is selected.
+    void TakeDriverOptions();
     /// What is chosen for the item beside its path, but not how a series is given.
     [[nodiscard]] DString OptionsOf(DataSourceItem const &item) const;
+    [[nodiscard]] DString NamedOptionsOf(DString const &path) const;
     /// What names the item, with the options that are set; a series as one.
     [[nodiscard]] DString MonikerOf(DataSourceItem const &item) const;
     void AddMonikers(DataSourceItem const &item);
@@ -216,7 +223,9 @@ private:
     std::unique_ptr<PathButtonRow> m_pathButtons;
     std::unique_ptr<DataSetRows> m_dataSetRows; ///< null without that feature, as the next
     std::unique_ptr<NamedData> m_namedData;
-    std::unique_ptr<OpenForecast> m_forecast; ///< null without that feature
+    std::unique_ptr<OpenForecast> m_forecast; ///< null without that feature, as the next
+    std::unique_ptr<DriverOptionChoice> m_driverOptions;
+    ItemList m_pageItems; ///< whose options stand on the page of their driver; empty without one
     unsigned const m_features = GetFeatures();
 
     bool m_layoutDone = false;

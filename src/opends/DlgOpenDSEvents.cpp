@@ -14,8 +14,10 @@
 #include "zelvar/opends/DSPropertyWnd.h"
 #include "zelvar/opends/DataSourceList.h"
 #include "zelvar/opends/DlgOpenDS.h"
+#include "zelvar/opends/DriverOptionChoice.h"
 #include "zelvar/opends/ExtrasFinder.h"
 #include "zelvar/opends/HierarchyList.h"
+#include "zelvar/opends/ImageExtraWnd.h"
 #include "zelvar/opends/NamedData.h"
 #include "zelvar/opends/OpenDialogTemplate.h"
 #include "zelvar/opends/OpenForecast.h"
@@ -262,7 +264,12 @@ void DlgOpenDS::ShowSelected(ItemList const &items) {
 
 // The options of the selection before stay where they are until it is known what takes their place.
 void DlgOpenDS::UpdateExtras(ItemList const &items) {
-    if (!m_extras.GetItems().empty())
+    if (m_driverOptions != nullptr) { // without extras the first tells
+        bool const isFirstEnough = m_extras.GetItems().empty() && !items.empty();
+        bool const isChosen = m_forecast != nullptr && !items.empty();
+        m_extrasFinder->Ask(m_extras, isFirstEnough ? ItemList{items.front()} : items, ExtrasFinder::Drivers::Ask,
+                            isChosen ? m_forecast->Drivers().Of(items.front()->GetPath()) : DString());
+    } else if (!m_extras.GetItems().empty())
         m_extrasFinder->Ask(m_extras, items);
     else
         m_propertyWnd->UpdateExtras(items.empty() ? nullptr : items.front(), nullptr);
@@ -273,7 +280,15 @@ void DlgOpenDS::OnExtrasFound() {
     if (!answer || m_propertyWnd == nullptr)
         return;
     ItemList const items = SelectedImages();
-    m_propertyWnd->UpdateExtras(items.empty() ? nullptr : items.front(), answer->options.get());
+    if (m_driverOptions != nullptr && answer->options == nullptr) {
+        m_driverOptions->SetDriver(answer->driverId, answer->lists);
+        ShowDriverOptions(items);
+    } else {
+        if (m_driverOptions != nullptr)
+            m_driverOptions->SetDriver({}, nullptr);
+        m_pageItems.clear();
+        m_propertyWnd->UpdateExtras(items.empty() ? nullptr : items.front(), answer->options.get());
+    }
     ShowSelected(items); // with the options that hold now
 }
 
@@ -290,9 +305,40 @@ bool DlgOpenDS::AreExtrasFound() {
     return true;
 }
 
+void DlgOpenDS::ShowDriverOptions(ItemList const &items) {
+    bool const hasPage = m_driverOptions->HasPage() && !items.empty() && !items.front()->GetPath().empty();
+    m_pageItems = hasPage ? items : ItemList();
+    if (!hasPage) {
+        m_propertyWnd->ShowDriverOptions({}, {}, {});
+        return;
+    }
+    DString const path = items.front()->GetPath();
+    m_propertyWnd->ShowDriverOptions(m_driverOptions->DriverId(), m_driverOptions->Options(),
+                                     m_driverOptions->ValuesFor(path, NamedOptionsOf(path)));
+}
+
+void DlgOpenDS::TakeDriverOptions() {
+    if (m_pageItems.empty())
+        return;
+    m_propertyWnd->ApplyOptions();
+    OptionValues const values = m_propertyWnd->Extra()->GetValues();
+    auto const text = [this](OptionValues const &of) { return ToOptionText(m_driverOptions->Options(), of); };
+    DString const path = m_pageItems.front()->GetPath();
+    if (text(values) == text(m_driverOptions->ValuesFor(path, NamedOptionsOf(path))))
+        return; // each keeps its own
+    std::vector<DString> paths;
+    for (RefItemPtr<DataSourceItem> const &item : m_pageItems) // the selection may be another one by now
+        paths.push_back(item->GetPath());
+    m_driverOptions->Change(paths, values);
+}
+
 void DlgOpenDS::OnDSOptionsChanged() {
-    if (m_mainList != nullptr && m_propertyWnd != nullptr)
-        OnImageSelected();
+    if (m_mainList == nullptr || m_propertyWnd == nullptr)
+        return;
+    if (m_pageItems.empty())
+        return OnImageSelected();
+    TakeDriverOptions();
+    ShowSelected(SelectedImages());
 }
 
 void DlgOpenDS::OnImageDblClick() {
@@ -416,6 +462,11 @@ bool DlgOpenDS::ProcessReturnKey(QWidget *focus) {
     }
     if (qobject_cast<QAbstractButton *>(focus) != nullptr)
         return false;
+    if (!m_pageItems.empty() && IsWithin(m_propertyWnd->Extra(), focus)) {
+        m_propertyWnd->ApplyOptions();
+        OnDSOptionsChanged();
+        return true;
+    }
     OnOK();
     return true;
 }

@@ -1,5 +1,8 @@
 #include "zelvar/opends/ExtrasFinder.h"
 
+#include "zelvar/data/RequestScope.h"
+#include "zelvar/model/SeriesItem.h"
+
 #include <utility>
 
 namespace zelvar {
@@ -9,10 +12,10 @@ void ExtrasFinder::SetOwner(platform::MessageTarget target, platform::MessageId 
     m_message = message;
 }
 
-void ExtrasFinder::Ask(DataSourceExtras const &extras, ItemList items) {
+void ExtrasFinder::Ask(DataSourceExtras const &extras, ItemList items, Drivers drivers, DString driverId) {
     {
         std::lock_guard const lock(m_mutex);
-        m_pending = {extras, std::move(items)};
+        m_pending = {extras, std::move(items), drivers, std::move(driverId)};
         m_answer.reset();
         m_stop = true;
         if (m_running)
@@ -60,11 +63,25 @@ bool ExtrasFinder::TakeQuestion(Question &question) {
     return true;
 }
 
+void ExtrasFinder::TellDriverOf(Question const &question, Answer &answer) const {
+    DataSourceItem const &item = *question.items.front();
+    RequestScope const scope(
+        RequestKind::Probe, [this] { return m_stop.load(); }, kNamedProbe);
+    auto const *const series = dynamic_cast<SeriesItem const *>(&item);
+    DString const path = series != nullptr && series->MemberCount() > 0 ? series->MemberPath(0) : item.GetPath();
+    answer.driverId = question.driverId.empty() ? item.GetRDIDriverId() : question.driverId;
+    if (answer.driverId.empty() && !path.empty())
+        answer.driverId = TellDriver({path, nullptr});
+    answer.lists = DriverOptions(answer.driverId);
+}
+
 void ExtrasFinder::Run() {
     // The last owner may be this thread.
     std::shared_ptr<ExtrasFinder> const self = shared_from_this();
     for (Question question; TakeQuestion(question);) {
         Answer answer{question.extras.FindFirstOptions(question.items, m_stop)};
+        if (answer.options == nullptr && question.drivers == Drivers::Ask && !question.items.empty())
+            TellDriverOf(question, answer);
         {
             std::lock_guard const lock(m_mutex);
             if (m_stop || m_pending)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "zelvar/base/DThread.h"
+#include "zelvar/data/DriverOptions.h"
 #include "zelvar/data/StopSignal.h"
 #include "zelvar/model/DataSourceExtras.h"
 #include "zelvar/platform/ui/MessageTarget.h"
@@ -12,7 +13,8 @@
 
 namespace zelvar {
 
-/// Finds out, on a thread of its own, which import options belong to a selection: those of its first item that has any.
+/// Finds out, on a thread of its own, which import options belong to a selection: those of its first item that has any,
+/// or else those of the driver that reads the first item.
 /// However much is selected, the windows do not wait for it.
 ///
 /// `Run` belongs to the worker's thread, all else to the user-interface thread. It lives as long as its thread: a
@@ -28,8 +30,10 @@ public:
 
     /// Once, before the first question. `target` gets `message` when there is an answer to take.
     void SetOwner(platform::MessageTarget target, platform::MessageId message);
-    /// Asks about a selection in place of the one before. `extras` are copied.
-    void Ask(DataSourceExtras const &extras, ItemList items);
+    /// Asks about a selection in place of the one before. `extras` are copied. Without `Drivers::Ask` they are all that
+    /// counts. `driverId` is that of the driver that is to read the first item, empty where that is to be found out.
+    enum class Drivers { Leave, Ask };
+    void Ask(DataSourceExtras const &extras, ItemList items, Drivers drivers = Drivers::Leave, DString driverId = {});
     /// The window goes: what is under way is stopped and its answer is dropped. Does not wait.
     void Release();
 
@@ -38,6 +42,8 @@ public:
     /// Moves the answer to the last question out; nothing if there is none since the last call.
     struct Answer {
         boost::shared_ptr<DataSourceExtras::Item> options; ///< null: no item has any
+        DString driverId{};                                ///< where it was asked for and there are no others
+        std::shared_ptr<DriverOptionLists const> lists{};  ///< that driver's; may be null
     };
     [[nodiscard]] std::optional<Answer> TakeAnswer();
 
@@ -48,7 +54,10 @@ private:
     struct Question {
         DataSourceExtras extras;
         ItemList items;
+        Drivers drivers = Drivers::Leave;
+        DString driverId;
     };
+    void TellDriverOf(Question const &question, Answer &answer) const;
     bool TakeQuestion(Question &question);
 
     mutable std::mutex m_mutex; ///< guards all below but the signal

@@ -1,8 +1,10 @@
 #include "zelvar/opends/FormPage.h"
 
+#include "zelvar/data/options/OptionValues.h"
 #include "zelvar/opends/WrapLayout.h"
 #include "zelvar/platform/ui/Text.h"
 
+#include <QtCore/QRegularExpression>
 #include <QtWidgets/QButtonGroup>
 #include <QtWidgets/QCheckBox>
 #include <QtWidgets/QComboBox>
@@ -31,6 +33,8 @@ bool BreaksLine(Kind kind) {
     return kind == Kind::Block || kind == Kind::Table || kind == Kind::LineBreak || kind == Kind::Rule;
 }
 
+QRegularExpression const kBreaks(QStringLiteral("[ \u200B]")); // a blank, or a place to break a name at
+
 /// Text of a page: one line where there is room, up to a readable width; as narrow as its longest word where not.
 class PageText final : public QLabel {
 public:
@@ -48,7 +52,7 @@ public:
 private:
     [[nodiscard]] int WidestWord() const {
         int widest = 0;
-        for (QString const &word : text().split(u' '))
+        for (QString const &word : text().split(kBreaks))
             widest = std::max(widest, fontMetrics().horizontalAdvance(word) + 1);
         return widest;
     }
@@ -98,6 +102,20 @@ std::vector<OptionField> FormPage::Fields() const {
         fields.push_back({reader.name, reader.value(), reader.isSelect});
     return fields;
 }
+
+std::map<DString, DString> FormPage::Values() const {
+    std::map<DString, DString> values;
+    for (auto const &[name, value] : m_values)
+        values[name] = value.get();
+    return values;
+}
+
+void FormPage::SetValue(DString const &name, DString const &value) {
+    if (auto const at = m_values.find(name); at != m_values.end())
+        at->second.set(value);
+}
+
+QLineEdit *FormPage::TextField(DString const &name) const { return findChild<QLineEdit *>(platform::ToQString(name)); }
 
 void FormPage::AddFlow(std::vector<FormNode> const &nodes, QBoxLayout &lines) {
     std::vector<QWidget *> line;
@@ -173,6 +191,10 @@ QWidget *FormPage::MakeControl(FormNode const &node) {
             edit->setEchoMode(QLineEdit::Password);
         if (node.inputType == "text")
             m_readers.push_back({node.name, false, [edit] { return platform::ToDString(edit->text()); }});
+        m_values[node.name] = {[edit] { return platform::ToDString(edit->text()); },
+                               [edit](DString const &text) { edit->setText(platform::ToQString(text)); }};
+        connect(edit, &QLineEdit::editingFinished, this, &FormPage::Changed);
+        connect(edit, &QLineEdit::textChanged, this, [this, edit] { Q_EMIT Typed(edit); });
         control = edit;
         break;
     }
@@ -187,6 +209,9 @@ QWidget *FormPage::MakeControl(FormNode const &node) {
     case Kind::CheckBox: {
         auto *box = new QCheckBox;
         box->setChecked(node.checked);
+        m_values[node.name] = {[box] { return DString(box->isChecked() ? "YES" : "NO"); },
+                               [box](DString const &text) { box->setChecked(IsOn(text)); }};
+        connect(box, &QCheckBox::clicked, this, &FormPage::Changed);
         control = box;
         break;
     }
@@ -216,6 +241,8 @@ QWidget *FormPage::MakeControl(FormNode const &node) {
     }
     control->setObjectName(name);
     control->setAccessibleName(name);
+    control->setToolTip(platform::ToQString(node.hint));
+    control->setAccessibleDescription(platform::ToQString(node.hint));
     control->setEnabled(!node.disabled);
     return control;
 }
@@ -228,6 +255,12 @@ QWidget *FormPage::MakeSelect(FormNode const &node) {
         if (choice.selected)
             box->setCurrentIndex(box->count() - 1);
     }
+    m_values[node.name] = {[box] { return platform::ToDString(box->currentData().toString()); },
+                           [box](DString const &text) {
+                               if (int const at = box->findData(platform::ToQString(text)); at >= 0)
+                                   box->setCurrentIndex(at);
+                           }};
+    connect(box, &QComboBox::activated, this, &FormPage::Changed);
     m_readers.push_back({node.name, true, [box] { return platform::ToDString(box->currentData().toString()); }});
     return box;
 }

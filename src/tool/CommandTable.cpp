@@ -16,6 +16,8 @@ constexpr OptionSpec kSize{"--size", "WxH", "size of the window in pixels"};
 constexpr OptionSpec kMirrored{"--right-to-left", "", "lay the window out for those who read from the right"};
 constexpr OptionSpec kTitle{"--title", "T", "caption of the dialog"};
 constexpr OptionSpec kAccept{"--accept", "", "press OK once what is selected has come"};
+constexpr OptionSpec kOption{"--option", "KEY=VALUE", "an option of the driver, behind \"?\" of the moniker",
+                             Use::Repeats};
 constexpr OptionSpec kClick{"--click", "X,Y", "click there, in pixels of the chart", Use::Repeats};
 
 /// What the words in capitals stand for.
@@ -122,6 +124,7 @@ std::vector<CommandSpec> const &AllCommands() {
                      {"--series", "", "ten and more numbered files as one row, which gives one moniker of one image"},
                      {"--plain", "", "the dialog's panes alone: each file for itself, nothing beside them"},
                      {"--select", "NAME", "select the row of that name", Use::Repeats},
+                     kOption,
                      kAccept,
                      kTitle,
                      kShot,
@@ -132,6 +135,7 @@ std::vector<CommandSpec> const &AllCommands() {
          .words = "[NAME]",
          .about = "Shows a dialog to pick a name to save under, prints the path.",
          .options = {{"--for", "KIND", "what is saved", Use::Needed},
+                     kOption,
                      kAccept,
                      {"--overwrite", "", "do not ask whether to save over a file; without it the answer is no"},
                      kTitle,

@@ -1,5 +1,8 @@
 // The commands that let a person, or a script in his place, answer a file dialog.
 #include "zelvar/base/PathStyle.h"
+#include "zelvar/data/DriverOptions.h"
+#include "zelvar/data/RequestScope.h"
+#include "zelvar/data/options/OptionValues.h"
 #include "zelvar/filedlg/FileDlg.h"
 #include "zelvar/library/ZelvarInit.h"
 #include "zelvar/model/PlaceResolver.h"
@@ -44,6 +47,11 @@ DString FaultOf(Arguments const &arguments, Kind const *kind, int mode) {
         return "--filter, --recursive, --series and --plain are for the library's own dialog";
     if (arguments.Has("--series") && arguments.Has("--plain"))
         return "--plain knows no series";
+    for (DString const &option : arguments.All("--option"))
+        if (std::size_t const equals = option.find('='); equals == 0 || equals == DString::npos)
+            return "an option is written as KEY=VALUE";
+    if (mode == kLoad && arguments.Has("--plain") && arguments.Has("--option"))
+        return "--plain knows no options";
     return {};
 }
 
@@ -58,6 +66,28 @@ DialogScript ScriptOf(Arguments const &arguments, bool attended) {
             .recursive = arguments.Has("--recursive"),
             .size = isSized ? ParseSize(arguments.Value("--size", "920x640")) : std::nullopt,
             .shot = arguments.Value("--shot")};
+}
+
+/// What stands behind "?".
+DString OptionTextOf(Arguments const &arguments) {
+    DString text;
+    for (DString const &option : arguments.All("--option")) {
+        std::size_t const equals = option.find('=');
+        text += (text.empty() ? "" : "&") + OptionPiece(option.substr(0, equals), option.substr(equals + 1));
+    }
+    return text;
+}
+
+/// Tells of values that are none of their driver's options; true for none.
+bool AreValues(OptionValues const &given, std::vector<DriverOption> const &options) {
+    bool areValues = true;
+    for (auto const &[name, value] : ValuesOf(options, given))
+        for (DriverOption const &option : options)
+            if (option.name == name && (option.isBarred || FaultOf(option, value) != OptionFault::None)) {
+                std::fprintf(stderr, "zelvar: %s is not taken for %s\n", value.c_str(), name.c_str());
+                areValues = false;
+            }
+    return areValues;
 }
 
 /// A path from the root, whichever way it was written; an address and a node inside a container stay as they are.
@@ -93,6 +123,15 @@ int Outcome(DialogDriver const &driver, FileDlg const &request, bool opened, DSt
     return kDone;
 }
 
+/// Whether what was chosen takes the options as they were given.
+bool AreTaken(FileDlg const &request, int mode, OptionValues const &given) {
+    if (mode == kSave)
+        return request.GetFormat() == nullptr || AreValues(given, DriverOptions(request.GetFormat()->GetID())->create);
+    RequestScope const scope(RequestKind::Probe, {}, kNamedProbe);
+    BDIMoniker const *const first = request.GetFile(0);
+    return first == nullptr || AreValues(given, DriverOptions(TellDriver(*first))->open);
+}
+
 int RunRequest(CommandSpec const &spec, int mode, std::vector<DString> const &words, int &argc, char **argv) {
     DString error;
     std::optional<Arguments> const arguments = ParseArguments(spec, words, error);
@@ -125,6 +164,8 @@ int RunRequest(CommandSpec const &spec, int mode, std::vector<DString> const &wo
     bool const isSeries = arguments->Has("--series");
     request.SetSeriesMode(isSeries ? SeriesMode::Slices : SeriesMode::Members);
     DlgOpenDS::SetFeatures(arguments->Has("--plain") ? kOpenPlain : isSeries ? kOpenAll : kOpenAll & ~kOpenSeries);
+    DString const options = OptionTextOf(*arguments);
+    request.SetOptions(options);
     request.ShowOverwritePrompt(!arguments->Has("--overwrite"));
     // The library's own dialog comes up over an application's frame window.
     std::unique_ptr<QMainWindow> const frame = arguments->Has("--standard") ? nullptr : std::make_unique<QMainWindow>();
@@ -132,7 +173,10 @@ int RunRequest(CommandSpec const &spec, int mode, std::vector<DString> const &wo
     ApplicationFormats const formats;
     DialogDriver const driver(ScriptOf(*arguments, attended));
     bool const opened = kind->run(request, mode, arguments->Has("--multiple"));
+    bool const areValues = !opened || options.empty() || AreTaken(request, mode, FromOptionText(options));
     ZelvarShutdown();
+    if (!areValues)
+        return kFailed;
     return Outcome(driver, request, opened, arguments->Value("--shot"));
 }
 

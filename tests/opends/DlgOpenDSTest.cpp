@@ -537,6 +537,74 @@ TEST_F(OpenDialog, OptionsOfTheFormatGoIntoTheMoniker) {
               folder / "grey.tif" + "?GEOREF_SOURCES=INTERNAL&NUM_THREADS=1&OVERVIEW_LEVEL=0");
 }
 
+TEST_F(OpenDialog, OptionsThatTheDriverTellsGoIntoTheMonikerAndAreRemembered) {
+    features = kOpenOptions;
+    for (char const *const name : {"a.asc", "b.asc", "c.asc"})
+        folder.Write(name, "ncols 2\nnrows 1\nxllcorner 0\nyllcorner 0\ncellsize 1\n1 2\n");
+    auto const pick = [&](DString const &file, std::function<void(DlgOpenDS &)> const &act) {
+        DialogPtr const dialog = Make();
+        Run(*dialog, [&] {
+            ClickRow(*dialog->MainList(), file);
+            EXPECT_TRUE(Eventually([&] { return dialog->PropertyWnd()->IsTabVisible(2); }));
+            act(*dialog);
+            PressOk(*dialog);
+        });
+        DString text;
+        for (BDIMoniker const &moniker : dialog->GetSelectedNodePaths())
+            text += moniker.GetText().substr(folder.Path().size() + 1) + " ";
+        return text;
+    };
+    auto const type = [](DlgOpenDS &dialog) { return dialog.PropertyWnd()->findChild<QComboBox *>("DATATYPE"); };
+    auto const set = [&](DlgOpenDS &dialog, int index) {
+        type(dialog)->setCurrentIndex(index);
+        Q_EMIT type(dialog)->activated(index);
+    };
+    auto const isType = [](DlgOpenDS &dialog, char const *name) {
+        return Eventually([&] { return PropertyIn(*dialog.PropertyWnd(), "Data Type") == name; });
+    };
+    EXPECT_EQ(pick("a.asc",
+                   [&](DlgOpenDS &dialog) {
+                       EXPECT_EQ(dialog.PropertyWnd()->GetActiveTab(), 0) << "the preview stays in sight";
+                       EXPECT_TRUE(isType(dialog, "32 bit signed"));
+                       set(dialog, 2);
+                       EXPECT_TRUE(isType(dialog, "32 bit float"));
+                       // Of another driver.
+                       ClickRow(*dialog.MainList(), "grey.tif");
+                       EXPECT_TRUE(Eventually([&] { return type(dialog) == nullptr; }));
+                       EXPECT_TRUE(isType(dialog, "8 bit unsigned"));
+                       ClickRow(*dialog.MainList(), "notes.txt");
+                       EXPECT_TRUE(Eventually([&] { return !dialog.PropertyWnd()->IsTabVisible(2); }));
+                       ClickRow(*dialog.MainList(), "b.asc");
+                       EXPECT_TRUE(isType(dialog, "32 bit float")) << "as the file of the driver before";
+                       dialog.PropertyWnd()->SetActiveTab(2);
+                       EXPECT_TRUE(Eventually([&] {
+                           ImageExtraWnd const &page = *dialog.PropertyWnd()->Extra();
+                           return page.isVisible() && !page.horizontalScrollBar()->isVisible();
+                       }));
+                       Shot(dialog, "DlgOpenDS-driver-options");
+                   }),
+              "b.asc?DATATYPE=Float32 ");
+    EXPECT_EQ(pick("c.asc",
+                   [&](DlgOpenDS &dialog) {
+                       EXPECT_TRUE(isType(dialog, "32 bit float")) << "as in the dialog before";
+                       dialog.PropertyWnd()->Extra()->findChild<QPushButton *>()->click();
+                       EXPECT_TRUE(isType(dialog, "32 bit signed"));
+                       ClickRow(*dialog.MainList(), "a.asc", Qt::ControlModifier);
+                   }),
+              "a.asc?DATATYPE=Float32 c.asc ")
+        << "each its own";
+    features = kOpenPlain;
+    DialogPtr const plain = Make();
+    plain->SetOptions("DATATYPE=Float32");
+    Run(*plain, [&] {
+        ClickRow(*plain->MainList(), "b.asc");
+        EXPECT_TRUE(isType(*plain, "32 bit signed"));
+        EXPECT_FALSE(plain->PropertyWnd()->IsTabVisible(2));
+        PressOk(*plain);
+    });
+    EXPECT_EQ(plain->GetSelectedNodePaths()[0].GetText(), folder / "b.asc");
+}
+
 TEST_F(OpenDialog, LongNamesAndAllItsStatesHaveRoom) {
     folder.Folder("a folder with quite a long name & a mark");
     DialogPtr const dialog = Make();

@@ -8,7 +8,7 @@ namespace zelvar {
 
 /// Which options somebody has read files with: what was chosen for a driver's files last, and for each of the files
 /// used last its own.
-class OptionMemory {
+class ZELVAR_API OptionMemory {
 public:
     static constexpr std::size_t kMostFiles = 64;
 

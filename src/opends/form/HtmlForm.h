@@ -37,6 +37,7 @@ struct FormNode {
     DString id;
     DString value;
     DString text;
+    DString hint;      ///< what a control is for; for pages alone that are no files
     DString inputType; ///< as the page writes it, lower case
     bool checked = false;
     bool disabled = false;
