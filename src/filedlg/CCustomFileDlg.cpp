@@ -2,6 +2,7 @@
 
 #include "zelvar/filedlg/HistoryRow.h"
 #include "zelvar/filedlg/PlatformFileDialog.h"
+#include "zelvar/filedlg/SaveOptions.h"
 #include "zelvar/layout/cdxCDynamicWndEx.h"
 #include "zelvar/platform/ui/ModalLoop.h"
 #include "zelvar/store/DCnfg.h"
@@ -58,13 +59,26 @@ int CCustomFileDlg::DoModal() {
     auto *const row = new HistoryRow(m_templateId, *dialog);
     QObject::connect(row, &HistoryRow::FolderChosen, dialog.get(), &PlatformFileDialog::GoTo);
     dialog->AddRow(*row);
+    SaveOptions *const options = m_driverOf ? new SaveOptions(*dialog, m_options) : nullptr;
+    if (options != nullptr)
+        dialog->AddRow(*options);
     QMargins const margins = dialog->layout()->contentsMargins();
     QSize const designed(row->width() + margins.left() + margins.right(), dialog->sizeHint().height());
     dialog->resize(designed);
     row->OnInitDone(m_hist, m_bHistory && !setup.locked, m_ofn.initialDir);
     RestoreSize(*dialog, designed.expandedTo(dialog->sizeHint()));
+    if (options != nullptr) {
+        auto const show = [this, options](int filter) { options->ShowDriver(m_driverOf(filter)); };
+        QObject::connect(dialog.get(), &PlatformFileDialog::TypeChosen, options, show);
+        show(dialog->FilterIndex());
+    }
 
     bool const accepted = platform::RunModal(*dialog) == QDialog::Accepted;
+    if (options != nullptr) {
+        if (accepted)
+            m_options = options->Take();
+        options->Fold(); // the size is that without it
+    }
     StoreSize(*dialog);
     m_ofn.filterIndex = dialog->FilterIndex() + 1;
     m_bReadOnly = row->IsReadOnly();

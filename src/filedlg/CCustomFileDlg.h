@@ -3,6 +3,7 @@
 #include "zelvar/base/Containers.h"
 #include "zelvar/base/DString.h"
 
+#include <functional>
 #include <vector>
 
 class QWidget;
@@ -50,7 +51,11 @@ public:
     /// Whether the history row is shown.
     void EnableHistory(bool show) { m_bHistory = show; }
     void SetHistory(DVectorSafe<DString> folders) { m_hist = std::move(folders); }
+    /// What stands behind "?" of the moniker; of options that can be chosen the values to begin with.
     void SetOptions(DString options) { m_options = std::move(options); }
+    /// Has the user choose options for writing: `driverOf` tells the driver of an entry of the filter, counted from 0,
+    /// or an empty id.
+    void OfferOptions(std::function<DString(int filter)> driverOf) { m_driverOf = std::move(driverOf); }
 
     /// 1 for OK, 2 for cancel.
     [[nodiscard]] int DoModal();
@@ -72,6 +77,7 @@ private:
     int m_templateId;
     OpenFileName m_ofn;
     DString m_options; ///< no control of the two templates shows it
+    std::function<DString(int filter)> m_driverOf;
     bool m_bReadOnly = false;
     bool m_bEditOnly = false;
     DVectorSafe<DString> m_hist; ///< folders, the one used last first

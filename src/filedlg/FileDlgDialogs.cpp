@@ -122,6 +122,13 @@ bool FileDlg::OpenMFCFileDlgOld(int mode, char const *filter, int index, char co
     wanted.title = m_request.caption;
     wanted.filterIndex = index + 1;
     dialog.SetOptions(m_request.options);
+    std::vector<DFileFrmt *> const offered = OfferedFormats(); // the entries of the type box are the formats there are
+    if (mode != 0 && (DlgOpenDS::GetFeatures() & kOpenOptions) != 0)
+        dialog.OfferOptions([&](int type) {
+            auto const at = static_cast<std::size_t>(type);
+            bool const isPlugin = at < offered.size() && m_request.offer.Owns(offered[at]);
+            return isPlugin ? offered[at]->GetID() : DString();
+        });
     if (dialog.DoModal() != QDialog::Accepted)
         return false;
 
@@ -130,8 +137,6 @@ bool FileDlg::OpenMFCFileDlgOld(int mode, char const *filter, int index, char co
         files.push_back(DFile(dialog.GetNextPathName(at)));
     m_request.chckReadOnly = dialog.GetReadOnly();
     m_request.chckEditOnly = dialog.GetEditOnly();
-    // The entries of the type box are the formats that there are.
-    std::vector<DFileFrmt *> const offered = OfferedFormats();
     auto const chosen = static_cast<std::size_t>(dialog.GetOFN().filterIndex) - 1;
     m_request.format = chosen < offered.size() ? offered[chosen] : nullptr;
     m_request.options = dialog.GetOptions();

@@ -281,6 +281,7 @@ void PlatformFileDialog::OnFilterChosen(int index) {
     DString const masks = m_setup.filters[static_cast<std::size_t>(index)].masks;
     m_setup.filterIndex = index;
     ApplyMasks(masks);
+    Q_EMIT TypeChosen(index);
     if (m_setup.opens)
         return;
     QString const name = platform::ToQString(

@@ -69,6 +69,10 @@ public:
 
     void accept() override;
 
+Q_SIGNALS:
+    /// The user has chosen another type of files.
+    void TypeChosen(int index);
+
 protected:
     void changeEvent(QEvent *event) override;
 

@@ -93,7 +93,7 @@ DlgOpenDS::DlgOpenDS(DVector<DFileFrmt *> const &formats, DFileFrmt *format, DLG
     WireMessages();
     m_extrasFinder->SetOwner(m_target, kExtrasFoundMessage);
     if ((m_features & kOpenOptions) != 0 && !PicksDocument(m_dlgTemplate))
-        m_driverOptions = std::make_unique<DriverOptionChoice>();
+        m_driverOptions = std::make_unique<DriverOptionChoice>(DriverOptionChoice::Use::Reading);
 }
 
 DlgOpenDS::~DlgOpenDS() {

@@ -11,7 +11,9 @@ namespace zelvar {
 namespace {
 
 constexpr char kSection[] = "DlgOpenDS";
-constexpr char kKey[] = "DriverOptions";
+constexpr char const *kKeys[] = {"DriverOptions", "CreationOptions"};
+
+char const *KeyOf(DriverOptionChoice::Use use) { return kKeys[static_cast<int>(use)]; }
 
 /// The pieces of a moniker's options that the driver does not list.
 DString PiecesBeside(std::vector<DriverOption> const &options, DString const &text) {
@@ -28,7 +30,8 @@ DString PiecesBeside(std::vector<DriverOption> const &options, DString const &te
 
 } // namespace
 
-DriverOptionChoice::DriverOptionChoice() : m_memory(OptionMemory::FromText(DUserCnfg(kSection).ReadString(kKey, ""))) {}
+DriverOptionChoice::DriverOptionChoice(Use use)
+    : m_use(use), m_memory(OptionMemory::FromText(DUserCnfg(kSection).ReadString(KeyOf(use), ""))) {}
 
 void DriverOptionChoice::SetDriver(DString driverId, std::shared_ptr<DriverOptionLists const> lists) {
     m_driverId = std::move(driverId);
@@ -38,7 +41,7 @@ void DriverOptionChoice::SetDriver(DString driverId, std::shared_ptr<DriverOptio
 OptionValues DriverOptionChoice::ValuesFor(DString const &path, DString const &named) const {
     if (!HasPage())
         return {};
-    if (auto const changed = m_changed.find(path); changed != m_changed.end())
+    if (auto const changed = m_changed.find({m_driverId, path}); changed != m_changed.end())
         return ValuesOf(Options(), changed->second);
     OptionValues values = ValuesOf(Options(), FromOptionText(named.empty() ? m_given : named));
     return values.empty() ? ValuesOf(Options(), FromOptionText(m_memory.For(m_driverId, path))) : values;
@@ -58,12 +61,12 @@ void DriverOptionChoice::Change(std::vector<DString> const &paths, OptionValues 
         return;
     DString const kept = ToOptionText(Options(), values, Secrets::Leave);
     for (std::size_t i = 0; i < paths.size(); ++i) {
-        m_changed[paths[i]] = values;
+        m_changed[{m_driverId, paths[i]}] = values;
         if (i < OptionMemory::kMostFiles)
             m_memory.Note(m_driverId, paths[i], kept);
     }
 }
 
-void DriverOptionChoice::Save() const { DUserCnfg(kSection).WriteString(kKey, m_memory.ToText()); }
+void DriverOptionChoice::Save() const { DUserCnfg(kSection).WriteString(KeyOf(m_use), m_memory.ToText()); }
 
 } // namespace zelvar

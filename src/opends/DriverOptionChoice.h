@@ -5,27 +5,33 @@
 
 #include <map>
 #include <memory>
+#include <utility>
 #include <vector>
 
 namespace zelvar {
 
-/// Which options data are opened with, as chosen on a page made of what their driver says: what somebody has set in
-/// this dialog, else what a moniker brought along, else what was chosen before, for the file or for the driver.
+/// Which options data are opened with, or written, as chosen on a page made of what their driver says: what somebody
+/// has set in this dialog, else what a moniker brought along, else what was chosen before, for the file or for the
+/// driver.
 ///
 /// What a moniker says that is none of the driver's options is kept as it stands there.
 class DriverOptionChoice {
 public:
-    DriverOptionChoice(); ///< remembers what the settings hold
+    enum class Use { Reading, Writing };
+    /// Remembers what the settings hold.
+    explicit DriverOptionChoice(Use use);
 
     /// Options that hold for all data until somebody sets others.
     void SetGiven(DString text) { m_given = std::move(text); }
     /// The driver whose page is shown; without options there is none.
     void SetDriver(DString driverId, std::shared_ptr<DriverOptionLists const> lists);
-    [[nodiscard]] bool HasPage() const { return m_lists != nullptr && !m_lists->open.empty(); }
+    [[nodiscard]] bool HasPage() const { return m_lists != nullptr && !Options().empty(); }
     [[nodiscard]] DString const &DriverId() const { return m_driverId; }
-    [[nodiscard]] std::vector<DriverOption> const &Options() const { return m_lists->open; }
+    [[nodiscard]] std::vector<DriverOption> const &Options() const {
+        return m_use == Use::Reading ? m_lists->open : m_lists->create;
+    }
 
-    // `named`: what a moniker of that path brought along; may be empty.
+    // Of what is yet to be written the path is empty. `named`: what a moniker of that path brought along; may be empty.
     [[nodiscard]] OptionValues ValuesFor(DString const &path, DString const &named) const;
     /// The whole text behind "?".
     [[nodiscard]] DString TextFor(DString const &path, DString const &named) const;
@@ -34,10 +40,11 @@ public:
     void Save() const; ///< to the settings
 
 private:
+    Use m_use;
     std::shared_ptr<DriverOptionLists const> m_lists;
     DString m_driverId;
     DString m_given;
-    std::map<DString, OptionValues> m_changed; ///< in this dialog, by path
+    std::map<std::pair<DString, DString>, OptionValues> m_changed; ///< in this dialog, by driver and path
     OptionMemory m_memory;
 };
 

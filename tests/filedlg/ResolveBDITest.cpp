@@ -11,6 +11,9 @@
 #include "zelvar/lists/CZelListCtrl.h"
 #include "zelvar/store/DCnfg.h"
 
+#include <QtWidgets/QScrollArea>
+#include <QtWidgets/QScrollBar>
+
 #include <filesystem>
 
 namespace zelvar::test {
@@ -220,6 +223,54 @@ TEST_F(RealFiles, SeveralContainersGiveAllTheirImagesAndDamagedOnesStayWhatTheyA
     EXPECT_EQ(Resolve({"cube.nc"}), Names{folder / "cube.nc"});
     EXPECT_EQ(Resolve({"cube.nc", "empty.nc", "gone.nc"}).size(), 3U);
     EXPECT_TRUE(resolved);
+}
+
+TEST_F(RealFiles, OptionsForWritingAreChosenInTheDialogForSaving) {
+    auto const save = [&](unsigned features, std::function<void(QWidget &)> const &act, char const *text = "") {
+        DlgOpenDS::SetFeatures(features);
+        FileDlg request;
+        request.SetDataType(BDINode_Raster);
+        request.SetInitFile(folder / "new.tif");
+        request.SetInitFrmtId("GTiff");
+        request.SetOptions(text);
+        auto const open = [&] { return request.OpenRasterData(DIOPluginMngr::Instance(), 1, false, false, nullptr); };
+        Answer(open, "new.tif", act);
+        DlgOpenDS::SetFeatures(kOpenAll);
+        EXPECT_EQ(request.GetFile(0)->GetText(),
+                  folder / "new.tif" + (request.GetOptions().empty() ? "" : "?" + request.GetOptions()));
+        return request.GetOptions();
+    };
+    auto const button = [](QWidget &dialog) { return dialog.findChild<QPushButton *>("options"); };
+    auto const level = [](QWidget &dialog) { return dialog.findChild<QLineEdit *>("ZLEVEL"); };
+    EXPECT_EQ(save(kOpenPlain, [&](QWidget &dialog) { EXPECT_EQ(button(dialog), nullptr); }), "");
+    EXPECT_EQ(save(kOpenAll, [&](QWidget &dialog) { EXPECT_FALSE(level(dialog)->isVisible()); }), "");
+    EXPECT_EQ(save(kOpenAll,
+                   [&](QWidget &dialog) {
+                       QSize const folded = dialog.size();
+                       Click(button(dialog));
+                       EXPECT_TRUE(level(dialog)->isVisible());
+                       EXPECT_GT(dialog.height(), folded.height());
+                       level(dialog)->setText("9");
+                       auto const *const area = dialog.findChild<QScrollArea *>();
+                       EXPECT_TRUE(Eventually([&] { return !area->horizontalScrollBar()->isVisible(); }));
+                       Shot(dialog, "filedlg-save-options");
+                       auto &types = *dialog.findChild<QComboBox *>("fileTypeCombo");
+                       int const tiff = types.currentIndex();
+                       for (int const type : {types.findText("AirSAR Polarimetric Image", Qt::MatchStartsWith),
+                                              types.findText("Portable Network", Qt::MatchStartsWith), tiff}) {
+                           types.setCurrentIndex(std::max(type, 0));
+                           Q_EMIT types.activated(types.currentIndex());
+                           EXPECT_EQ(level(dialog) != nullptr && level(dialog)->text() == "9", type == tiff);
+                       }
+                       Click(button(dialog));
+                       EXPECT_TRUE(Eventually([&] { return dialog.size() == folded; }));
+                   }),
+              "ZLEVEL=9");
+    EXPECT_EQ(save(kOpenAll, [&](QWidget &dialog) { EXPECT_TRUE(level(dialog)->isVisible()) << "as last time"; }),
+              "ZLEVEL=9");
+    EXPECT_EQ(save(
+                  kOpenAll, [&](QWidget &dialog) { EXPECT_EQ(level(dialog)->text(), "6"); }, "X=1&compress=lzw"),
+              "X=1&COMPRESS=LZW");
 }
 
 TEST_F(RealFiles, AllOfTheDriversFormatsAreOfferedAndTheDialogShowsTheFolderOfAContainersNode) {

@@ -105,6 +105,22 @@ TEST_F(FileDialogCommand, ThePlatformsDialogPicksFilesByTheirNames) {
         << "the file stands in the field";
 }
 
+TEST_F(FileDialogCommand, OptionsStandInTheMonikerAndReachTheDriver) {
+    DString const grid = folder.Write("g.asc", "ncols 1\nnrows 1\nxllcorner 0\nyllcorner 0\ncellsize 1\n1\n");
+    EXPECT_EQ(Zelvar({"info", grid, "--options"}).out,
+              "DATATYPE\tchoice\t\tData type to be used.\tInt32|Float32|Float64\n");
+    for (char const *const dialog : {"--multiple", "--standard"}) {
+        Outcome const open = Run({"open", folder.Path(), "--select=g.asc", "--accept", dialog, "--option",
+                                  "DATATYPE=Float32", "--option", "OTHER=a b&c"});
+        EXPECT_THAT(open.out, testing::AllOf(testing::StartsWith(grid + "?"), HasSubstr("DATATYPE=Float32"),
+                                             HasSubstr("OTHER=a%20b%26c")))
+            << open.err;
+        EXPECT_THAT(Zelvar({"info", open.out.substr(0, open.out.size() - 1)}).out, HasSubstr("32 bit float"));
+    }
+    EXPECT_EQ(Run({"save", folder / "x.tif", "--for", "raster", "--accept", "--option", "COMPRESS=LZW"}).out,
+              folder / "x.tif" + "?COMPRESS=LZW\n");
+}
+
 TEST_F(FileDialogCommand, SavingOverAFileIsAskedAboutAndAScriptSaysNo) {
     std::vector<std::string> words{"save", folder.Write("there.mvp"), "--for", "project", "--accept"};
     Outcome const asked = Run(words);
@@ -126,6 +142,10 @@ TEST_F(FileDialogCommand, FaultsAreToldByTheExitCode) {
         {{"save", folder.Path(), "--for", "project", "--accept"}, 1}, // no name to save under
         {{"save", folder / "x", "--for", "project"}, 1},              // nobody presses OK
         {{"open", folder.Path(), "--for", "xml", "--select=grey.tif", "--size", "9"}, 2},
+        {{"open", folder.Path(), "--plain", "--option", "A=1"}, 2},
+        {{"save", folder / "x", "--for", "raster", "--option", "=1"}, 2},
+        {{"open", folder.Path(), "--select=grey.tif", "--accept", "--option", "GEOTIFF_KEYS_FLAVOR=none"}, 3},
+        {{"save", folder / "x.tif", "--for", "raster", "--accept", "--option", "ZLEVEL=much"}, 3},
         {{"open", "", "--accept"}, 3}};
     for (auto const &[words, exitCode] : cases) {
         Outcome const outcome = Run(words);
