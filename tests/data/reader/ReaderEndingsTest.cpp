@@ -135,10 +135,15 @@ TEST_F(ReaderEndings, AStoppedOrLateRequestEndsSoonWhateverItsDriverDoes) {
                 Image const image(file, &stop);
                 EXPECT_FALSE(image);
                 stopper.join();
-                EXPECT_EQ(image.error.Why(), isStopped ? DError::Cause::Unknown : DError::Cause::Late);
-                EXPECT_EQ(image.error.Detail(), isStopped ? -1 : time);
-                EXPECT_THAT(ReaderFailureOf(file), HasSubstr(isStopped ? "" : "longer than 0.3 s"));
-                EXPECT_EQ(ReaderFailureOf(file).empty(), isStopped) << "a stop is nobody's fault";
+                DString const failure = ReaderFailureOf(file);
+                // On a machine with many others at work one that spins may not get its time.
+                bool const isShort = failure.find("got less than 0.3 s") != DString::npos;
+                EXPECT_EQ(image.error.Why(), isStopped ? DError::Cause::Unknown
+                                             : isShort ? DError::Cause::NoAnswer
+                                                       : DError::Cause::Late);
+                EXPECT_EQ(image.error.Detail(), isStopped || isShort ? -1 : time);
+                EXPECT_THAT(failure, HasSubstr(isStopped || isShort ? "" : "longer than 0.3 s"));
+                EXPECT_EQ(failure.empty(), isStopped) << "a stop is nobody's fault";
             });
             // One that is busy has its time in pieces on a busy machine; those that sleep show what is given.
             int const given = isStopped ? 0 : std::string_view(text) == "open spin\n" ? 20 * time : time;
