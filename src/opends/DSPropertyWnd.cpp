@@ -152,6 +152,8 @@ void DSPropertyWnd::SetFactsHandler(OpenWish const &wish, FactsHandler handler) 
     m_onFacts = std::move(handler);
 }
 
+bool DSPropertyWnd::HasFacts() const { return m_worker->HasSeen(); }
+
 void DSPropertyWnd::TakeFacts() {
     if (std::optional<PropertyWorker::Seen> const seen = m_worker->TakeSeen(); seen && m_onFacts && !m_closing)
         m_onFacts(seen->subject, seen->facts);

@@ -74,6 +74,8 @@ public:
     void SetOptionsRule(std::function<DString(DataSourceItem const &)> rule) { m_optionsOf = std::move(rule); }
     /// Tells the handlers at once what the worker has found, where its messages wait.
     void TakeFacts();
+    /// Whether the worker has found something that was not told yet.
+    [[nodiscard]] bool HasFacts() const;
     /// True while the worker reads.
     [[nodiscard]] bool IsReading() const;
     /// The same, as soon as it does not, or when the time is over.

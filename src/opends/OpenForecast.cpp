@@ -202,7 +202,9 @@ bool OpenForecast::IsKnown() const {
     return m_items.empty() || m_items.front().isKnown;
 }
 
-bool OpenForecast::IsSettled() const { return !m_pane.IsReading() && (IsKnown() || m_selected <= 1); }
+bool OpenForecast::IsSettled() const {
+    return !m_pane.IsReading() && !m_pane.HasFacts() && (IsKnown() || m_selected <= 1);
+}
 
 void OpenForecast::Update() {
     OpenOutcome outcome;

@@ -77,6 +77,11 @@ std::optional<PropertyWorker::Seen> PropertyWorker::TakeSeen() {
     return std::exchange(m_seen, std::nullopt);
 }
 
+bool PropertyWorker::HasSeen() const {
+    DSingleLock const lock(m_propsLock);
+    return m_seen.has_value();
+}
+
 void PropertyWorker::Keep(Seen seen) {
     // What was told to stop has seen nothing of the item.
     if (m_cancel)

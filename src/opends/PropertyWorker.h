@@ -60,6 +60,8 @@ public:
         OpenFacts facts;
     };
     [[nodiscard]] std::optional<Seen> TakeSeen();
+    /// Whether there is something for it to take.
+    [[nodiscard]] bool HasSeen() const;
 
     void Run() override;
 
@@ -92,7 +94,7 @@ private:
     DMutex m_canvasLock;
     std::optional<DCanvas> m_canvas; ///< nothing once taken
 
-    DMutex m_propsLock;
+    mutable DMutex m_propsLock;
     std::optional<PropertyMap> m_props; ///< nothing once taken
     std::optional<Classified> m_classified;
     std::optional<Seen> m_seen;

@@ -75,6 +75,7 @@ TEST_F(OpenLines, SayWhatOkWillDoWithWhatIsSelected) {
                   "2 items: 7.5 KB in memory; different sizes (64 x 48, 32 x 48); different channels (1, 3)");
         EXPECT_THAT(LineFor(*dialog, {"notes.txt"}), StartsWith("cannot be opened: "));
         EXPECT_TRUE(IsMarked(*dialog));
+        Shot(*dialog, "DlgOpenDS-unusable");
         EXPECT_THAT(LineFor(*dialog, {"grey.tif", "notes.txt"}), HasSubstr("cannot be opened: notes.txt ("));
         EXPECT_EQ(LineFor(*dialog, {"rgb.tif"}), "GeoTIFF: 32 x 48, 3 channels, 8 bit unsigned, 4.5 KB in memory");
         dialog->MainList()->ClearSelection();
@@ -159,6 +160,7 @@ TEST_F(OpenLines, OfferTheDriversThatReadAFileAndKeepTheChoiceByExtension) {
         dialog->MainList()->setFocus();
         QTest::keyClick(dialog->MainList(), Qt::Key_Tab);
         EXPECT_TRUE(drivers.hasFocus());
+        Shot(*dialog, "DlgOpenDS-drivers");
         QTest::keyClick(&drivers, Qt::Key_Down);
         EXPECT_TRUE(Eventually([&] { return Label(*dialog).Text().toStdString() == asEnvi; }));
         EXPECT_EQ(LineFor(*dialog, {"next.tif"}), asEnvi) << "others of that extension follow";

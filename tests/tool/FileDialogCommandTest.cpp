@@ -76,6 +76,28 @@ TEST_F(FileDialogCommand, WhatIsPrintedOpensTheSameImageAgain) {
     }
 }
 
+TEST_F(FileDialogCommand, WhatSpeaksAgainstAFileIsToldWhenItIsAccepted) {
+    test::WriteImage(folder / "strips.tif", {.width = 60, .height = 300, .options = {"BLOCKYSIZE=10"}});
+    std::string const whole = test::ReadFile(folder / "strips.tif");
+    struct Row {
+        char const *name;
+        std::string content;
+        char const *told;
+    };
+    for (auto const &[name, content, told] :
+         {Row{"whole.tif", whole, ""},
+          Row{"head.tif", whole.substr(0, 10), "zelvar: accepted: head.tif: cannot be opened: it is damaged"},
+          Row{"half.tif", whole.substr(0, whole.size() / 2), "damaged: 1"},
+          Row{"notes.txt", "hello", "zelvar: accepted: notes.txt: cannot be opened: its format is not supported"}}) {
+        std::string const path = folder.Write(name, content);
+        Outcome const open = Run({"open", folder.Path(), "--filter", "*.*", "--select", name, "--accept"});
+        EXPECT_EQ(open.out, path + "\n");
+        EXPECT_EQ(open.exitCode, 0);
+        EXPECT_THAT(open.err, HasSubstr(told)) << name;
+        EXPECT_EQ(open.err.find("accepted") == std::string::npos, *told == '\0') << open.err;
+    }
+}
+
 TEST_F(FileDialogCommand, ANodeOfAContainerIsPickedInEitherDialog) {
     for (char const *name : {"pages.tif", "p?1 & #2 50%.tif", "odd \"quoted\" name.tif"}) {
         SCOPED_TRACE(name);
