@@ -50,7 +50,7 @@ DString FaultOf(Arguments const &arguments, Kind const *kind, int mode) {
     for (DString const &option : arguments.All("--option"))
         if (std::size_t const equals = option.find('='); equals == 0 || equals == DString::npos)
             return "an option is written as KEY=VALUE";
-    if (mode == kLoad && arguments.Has("--plain") && arguments.Has("--option"))
+    if (mode == kLoad && arguments.Has("--plain") && !arguments.All("--option").empty())
         return "--plain knows no options";
     return {};
 }
