@@ -1,11 +1,13 @@
 #include "zelvar/data/ImageReader.h"
 
+#include "zelvar/data/HistogramReader.h"
 #include "zelvar/data/OpenImage.h"
 #include "zelvar/data/RequestScope.h"
 #include "zelvar/data/SeriesCheck.h"
 #include "zelvar/pixels/ScaleDataBuf.h"
 
 #include <algorithm>
+#include <cmath>
 #include <new>
 #include <vector>
 
@@ -39,17 +41,44 @@ using Bytes = std::vector<unsigned char>;
 
 bool IsStopped(StopSignal const *stop) { return stop != nullptr && stop->load(std::memory_order_relaxed); }
 
+/// What is wrong with a choice; empty for nothing.
+DString FaultOf(PreviewChoice const &choice, ImageInfo const &info) {
+    struct Part {
+        char const *name;
+        int index;
+        int least;
+        int count;
+    };
+    for (Part const &part : {Part{"channel", choice.channel, PreviewChoice::kComposition, info.channels},
+                             Part{"slice", choice.slice, 0, std::max(info.slices, 1)},
+                             Part{"time frame", choice.frame, 0, std::max(info.timeFrames, 1)}})
+        if (part.index < part.least || part.index >= part.count)
+            return Format("there is no %s %d, the image has %d", part.name, part.index + 1, part.count);
+    return {};
+}
+
 /// One picture that is read, and what came of it.
 class Picture {
 public:
-    Picture(OpenImage const &image, StopSignal const *stop) : m_image(image), m_stop(stop), m_info(Describe(image)) {}
+    Picture(OpenImage const &image, StopSignal const *stop, PreviewChoice const &choice)
+        : m_image(image), m_stop(stop), m_choice(choice), m_info(Describe(image)) {}
 
     [[nodiscard]] bool Read(DCanvas &canvas, Enlarge enlarge);
+    [[nodiscard]] bool ReadValues(PreviewValues &values);
     /// Why it was not read; of one that was read, that it is damaged.
     [[nodiscard]] DError const &Error() const { return m_error; }
     [[nodiscard]] RDIRowsRead const &RowsRead() const { return m_read; }
 
 private:
+    /// That it can be read, and in a time that it is worth.
+    [[nodiscard]] bool IsWithinReach();
+    [[nodiscard]] bool HasColors() const;
+    [[nodiscard]] RDIWindow Window(int outWidth, int outHeight) const;
+    [[nodiscard]] int FirstChannel() const { return std::max(m_choice.channel, 0); }
+    [[nodiscard]] int CountChannels() const {
+        return m_choice.channel == PreviewChoice::kComposition && m_info.channels >= 3 ? 3 : 1;
+    }
+    void Spread(ValuePlane const &values, int type, unsigned char *samples, DCanvas const &canvas) const;
     [[nodiscard]] bool ReadChannels(DCanvas &canvas);
     [[nodiscard]] Bytes ReadPlanes(int first, int count, DCanvas const &canvas);
     [[nodiscard]] bool ReadColors(DCanvas &canvas);
@@ -57,10 +86,22 @@ private:
 
     OpenImage const &m_image;
     StopSignal const *m_stop;
+    PreviewChoice m_choice;
     ImageInfo m_info;
+    PreviewValues m_values; ///< for a stretch of their own
     DError m_error;
     RDIRowsRead m_read;
 };
+
+/// The slice and the frame that are chosen lie as a cell in the plane of a channel.
+RDIWindow Picture::Window(int outWidth, int outHeight) const {
+    return {.x = static_cast<double>(m_choice.frame) * m_info.width,
+            .y = static_cast<double>(m_choice.slice) * m_info.height,
+            .width = static_cast<double>(m_info.width),
+            .height = static_cast<double>(m_info.height),
+            .outWidth = outWidth,
+            .outHeight = outHeight};
+}
 
 /// After a reading that failed: takes what there is of damaged data.
 bool Picture::Salvage(int first, int count, void *buffer, DCanvas const &canvas) {
@@ -68,7 +109,7 @@ bool Picture::Salvage(int first, int count, void *buffer, DCanvas const &canvas)
     DError reason = driver.GetReadError(m_image.Handle());
     if (!reason.IsSet())
         reason.Set("the pixels cannot be read");
-    RDIWindow const whole{0.0, 0.0, double(m_info.width), double(m_info.height), canvas.GetWidth(), canvas.GetHeight()};
+    RDIWindow const whole = Window(canvas.GetWidth(), canvas.GetHeight());
     RDIRowsRead read;
     if (reason.Why() != DError::Cause::Damaged || IsStopped(m_stop) ||
         !driver.SalvageRsmpl(m_image.Handle(), first, count, whole, buffer, read)) {
@@ -92,17 +133,36 @@ Bytes Picture::ReadPlanes(int first, int count, DCanvas const &canvas) {
     std::size_t const samples = pixels * static_cast<std::size_t>(count);
     std::size_t const planeSize = pixels * static_cast<std::size_t>(RDIGetDTSize(type));
     Bytes planes(planeSize * static_cast<std::size_t>(count));
+    RDIWindow const cell = Window(canvas.GetWidth(), canvas.GetHeight());
     if (planes.empty() ||
-        (!driver.ReadChannelsRsmpl(m_image.Handle(), first, count, 0.0, 0.0, m_info.width, m_info.height, planes.data(),
-                                   canvas.GetWidth(), canvas.GetHeight(), kCubic, true, true) &&
+        (!driver.ReadChannelsRsmpl(m_image.Handle(), first, count, cell.x, cell.y, cell.width, cell.height,
+                                   planes.data(), cell.outWidth, cell.outHeight, kCubic, true, true) &&
          !Salvage(first, count, planes.data(), canvas)))
         return {};
-    for (std::size_t plane = 0; type != RDI_UInt8 && plane < static_cast<std::size_t>(count); ++plane) {
-        ScaleDataBuf(type, planes.data() + plane * planeSize, canvas.GetWidth(), canvas.GetHeight());
+    auto const values = static_cast<std::size_t>(first - FirstChannel()); // of the first plane
+    for (std::size_t plane = 0; plane < static_cast<std::size_t>(count); ++plane) {
+        if (!m_values.planes.empty())
+            Spread(m_values.planes[values + plane], type, planes.data() + plane * planeSize, canvas);
+        else if (type == RDI_UInt8)
+            break;
+        else
+            ScaleDataBuf(type, planes.data() + plane * planeSize, canvas.GetWidth(), canvas.GetHeight());
         std::copy_n(planes.data() + plane * planeSize, pixels, planes.data() + plane * pixels);
     }
     planes.resize(samples);
     return planes;
+}
+
+/// Brings the range that is to be seen to bytes, in place. What is no value was brought to zeros, and those may lie
+/// anywhere in the range: it becomes black.
+void Picture::Spread(ValuePlane const &values, int type, unsigned char *samples, DCanvas const &canvas) const {
+    int const width = canvas.GetWidth();
+    int const height = canvas.GetHeight();
+    ScaleDataBufTo(type, samples, width, height, values.Shown().min, values.Shown().max);
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x, ++samples)
+            if (auto const at = m_values.IndexAt((x + 0.5) / width, (y + 0.5) / height); at && !values.At(*at))
+                *samples = 0;
 }
 
 /// Three planes, or one for all three colours.
@@ -117,12 +177,15 @@ void Interleave(Bytes const &planes, DCanvas &canvas) {
 }
 
 bool Picture::ReadChannels(DCanvas &canvas) {
-    int const count = m_info.channels >= 3 ? 3 : 1;
+    int const first = FirstChannel();
+    int const count = CountChannels();
+    if (m_choice.stretch != PreviewChoice::Stretch::Usual && !ReadValues(m_values) && IsStopped(m_stop))
+        return false; // of damaged data the picture is the usual one
     bool areAlike = true;
     for (int channel = 1; channel < count; ++channel)
         areAlike = areAlike && m_image.Driver().GetChnlDataType(m_image.Handle(), channel) == m_info.dataType;
     Bytes planes;
-    for (int channel = 0; channel < count; channel += areAlike ? count : 1) {
+    for (int channel = first; channel < first + count; channel += areAlike ? count : 1) {
         Bytes const read = ReadPlanes(channel, areAlike ? count : 1, canvas);
         if (read.empty() || IsStopped(m_stop))
             return false;
@@ -135,27 +198,71 @@ bool Picture::ReadChannels(DCanvas &canvas) {
 /// Of a channel that is shown through a palette.
 bool Picture::ReadColors(DCanvas &canvas) {
     constexpr int throughPalette = 0;
-    return (m_image.Driver().ReadPaletteRsmpl(m_image.Handle(), 0.0, 0.0, m_info.width, m_info.height, canvas.Row(0),
-                                              canvas.GetWidth(), canvas.GetHeight()) ||
+    RDIWindow const cell = Window(canvas.GetWidth(), canvas.GetHeight());
+    return (m_image.Driver().ReadPaletteRsmpl(m_image.Handle(), cell.x, cell.y, cell.width, cell.height, canvas.Row(0),
+                                              cell.outWidth, cell.outHeight) ||
             Salvage(0, throughPalette, canvas.Row(0), canvas)) &&
            !IsStopped(m_stop);
 }
 
-bool Picture::Read(DCanvas &canvas, Enlarge enlarge) {
-    int const longer = std::max(m_info.height, m_info.width);
-    if (longer < 1 || m_info.channels < 1 || IsStopped(m_stop))
+bool Picture::IsWithinReach() {
+    if (DString const fault = FaultOf(m_choice, m_info); !fault.empty() && m_info.channels > 0) {
+        m_error.Set(fault);
         return false;
+    }
+    return std::max(m_info.height, m_info.width) >= 1 && m_info.channels >= 1 && !IsStopped(m_stop) &&
+           (std::int64_t{m_info.width} * m_info.height < kMostPixels ||
+            m_image.Driver().GetAttrInt("RDI_Drvr_Sppt_Intrnl_RslPrmd", m_image.Handle(), 0) == 1);
+}
+
+bool Picture::HasColors() const {
+    return m_info.channels == 1 && m_choice.channel == PreviewChoice::kComposition &&
+           m_image.Driver().GetAttrInt("RDI_Drvr_Palette", m_image.Handle(), 0) == 1;
+}
+
+bool Picture::Read(DCanvas &canvas, Enlarge enlarge) {
+    if (!IsWithinReach())
+        return false;
+    int const longer = std::max(m_info.height, m_info.width);
     double const scale =
         enlarge == Enlarge::No && longer < kLongerSide ? 1.0 : static_cast<double>(kLongerSide) / longer;
     canvas.SetSize(static_cast<int>(m_info.width * scale), static_cast<int>(m_info.height * scale));
     if (!canvas.HasData())
         return false; // a side shorter than a pixel
-    RDIDriver &driver = m_image.Driver();
-    if (std::int64_t{m_info.width} * m_info.height >= kMostPixels &&
-        driver.GetAttrInt("RDI_Drvr_Sppt_Intrnl_RslPrmd", m_image.Handle(), 0) != 1)
+    return HasColors() ? ReadColors(canvas) : ReadChannels(canvas);
+}
+
+bool Picture::ReadValues(PreviewValues &values) {
+    if (!IsWithinReach())
         return false;
-    bool const hasPalette = m_info.channels == 1 && driver.GetAttrInt("RDI_Drvr_Palette", m_image.Handle(), 0) == 1;
-    return hasPalette ? ReadColors(canvas) : ReadChannels(canvas);
+    RDIDriver &driver = m_image.Driver();
+    std::size_t bytesOfPixel = 0;
+    for (int channel = FirstChannel(); channel < FirstChannel() + CountChannels(); ++channel)
+        bytesOfPixel += static_cast<std::size_t>(RDIGetDTSize(driver.GetChnlDataType(m_image.Handle(), channel)));
+    if (bytesOfPixel == 0)
+        return false;
+    double const most = static_cast<double>(PreviewValues::kMostBytes) / static_cast<double>(bytesOfPixel);
+    double const scale = std::min({1.0, static_cast<double>(kLongerSide) / std::max(m_info.height, m_info.width),
+                                   std::sqrt(most / m_info.width / m_info.height)});
+    PreviewValues read{.width = std::max(1, static_cast<int>(m_info.width * scale)),
+                       .height = std::max(1, static_cast<int>(m_info.height * scale)),
+                       .isPalette = HasColors(),
+                       .planes = {}};
+    RDIWindow const cell = Window(read.width, read.height);
+    auto const pixels = static_cast<std::size_t>(read.width) * static_cast<std::size_t>(read.height);
+    for (int channel = FirstChannel(); channel < FirstChannel() + CountChannels(); ++channel) {
+        int const type = driver.GetChnlDataType(m_image.Handle(), channel);
+        Bytes samples(pixels * static_cast<std::size_t>(RDIGetDTSize(type)));
+        if (samples.empty() || IsStopped(m_stop) ||
+            !driver.ReadBlockRsmpl(m_image.Handle(), channel, cell.x, cell.y, cell.width, cell.height, samples.data(),
+                                   cell.outWidth, cell.outHeight, RDIDriver::AsStored, true, true))
+            return false;
+        read.planes.emplace_back(channel, type, std::move(samples),
+                                 NumberOf(driver.GetAttrString("RDI_Drvr_NoData", m_image.Handle(), channel)),
+                                 m_choice.stretch);
+    }
+    values = std::move(read);
+    return true;
 }
 
 } // namespace
@@ -179,7 +286,7 @@ bool ReadImageInfo(BDIMoniker const &moniker, DString const &driverId, StopSigna
 }
 
 bool ReadPreview(BDIMoniker const &moniker, DString const &driverId, StopSignal const *stop, DCanvas &picture,
-                 Enlarge enlarge, DError *error, RDIRowsRead *read) {
+                 Enlarge enlarge, DError *error, RDIRowsRead *read, PreviewChoice const &choice) {
     RequestScope const scope(RequestKind::Preview);
     DCanvas canvas;
     bool isRead = false;
@@ -188,7 +295,7 @@ bool ReadPreview(BDIMoniker const &moniker, DString const &driverId, StopSignal 
     try {
         OpenImage const image(moniker, driverId, stop, &reason);
         if (image.IsOpen()) {
-            Picture reading(image, stop);
+            Picture reading(image, stop, choice);
             isRead = reading.Read(canvas, enlarge);
             reason = reading.Error();
             rows = reading.RowsRead();
@@ -205,6 +312,18 @@ bool ReadPreview(BDIMoniker const &moniker, DString const &driverId, StopSignal 
     if (read != nullptr)
         *read = rows;
     return isRead;
+}
+
+bool ReadPreviewValues(BDIMoniker const &moniker, DString const &driverId, StopSignal const *stop,
+                       PreviewChoice const &choice, PreviewValues &values) {
+    RequestScope const scope(RequestKind::Preview);
+    values = {};
+    try {
+        OpenImage const image(moniker, driverId, stop, nullptr);
+        return image.IsOpen() && Picture(image, stop, choice).ReadValues(values);
+    } catch (std::bad_alloc const &) {
+        return false;
+    }
 }
 
 } // namespace zelvar

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "zelvar/data/PreviewChoice.h"
+#include "zelvar/data/PreviewValues.h"
 #include "zelvar/data/RDIDriver.h"
 #include "zelvar/pixels/DCanvas.h"
 
@@ -29,7 +31,7 @@ enum class Enlarge { No, Yes };
 
 /// Reads the picture of the image's first slice, its longer side 1024 pixels: three channels as red, green and blue,
 /// fewer as grey from the first, one with a palette in the palette's colours. Samples wider than 8 bits are reduced by
-/// `ScaleDataBuf`.
+/// `ScaleDataBuf`. Another `choice` shows another part, or the same brighter or darker; what is no data is black then.
 ///
 /// A damaged image is shown as far as it can be read, and black below: true, `*error` is `Damaged` and says "damaged:
 /// 37 of 120 rows read", and `*read` the same in numbers, else zeros.
@@ -38,6 +40,13 @@ enum class Enlarge { No, Yes };
 /// would take too long, and `*error` says nothing then. `error` and `read` may be null. Any thread.
 [[nodiscard]] ZELVAR_API bool ReadPreview(BDIMoniker const &moniker, DString const &driverId, StopSignal const *stop,
                                           DCanvas &picture, Enlarge enlarge = Enlarge::Yes, DError *error = nullptr,
-                                          RDIRowsRead *read = nullptr);
+                                          RDIRowsRead *read = nullptr, PreviewChoice const &choice = {});
+
+/// Reads the values that a picture shows, one for each of its pixels and of the image's, or fewer where they would take
+/// more than `PreviewValues::kMostBytes`. False, and `values` empty, where there is no picture either, and of a damaged
+/// image. Any thread.
+[[nodiscard]] ZELVAR_API bool ReadPreviewValues(BDIMoniker const &moniker, DString const &driverId,
+                                                StopSignal const *stop, PreviewChoice const &choice,
+                                                PreviewValues &values);
 
 } // namespace zelvar

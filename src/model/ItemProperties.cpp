@@ -137,8 +137,13 @@ bool ReadItemProperties(DString const &path, DString const &driverId, DString co
 }
 
 bool ReadItemPreview(DString const &path, DString const &driverId, DString const &options, StopSignal const *stop,
-                     DCanvas &canvas, Enlarge enlarge, DError *error, RDIRowsRead *read) {
-    return ReadPreview(MakeMoniker(path, options), driverId, stop, canvas, enlarge, error, read);
+                     DCanvas &canvas, Enlarge enlarge, DError *error, RDIRowsRead *read, PreviewChoice const &choice) {
+    return ReadPreview(MakeMoniker(path, options), driverId, stop, canvas, enlarge, error, read, choice);
+}
+
+bool ReadItemValues(DString const &path, DString const &driverId, DString const &options, StopSignal const *stop,
+                    PreviewChoice const &choice, PreviewValues &values) {
+    return ReadPreviewValues(MakeMoniker(path, options), driverId, stop, choice, values);
 }
 
 } // namespace zelvar

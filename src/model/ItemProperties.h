@@ -37,6 +37,9 @@ ZELVAR_API bool ReadItemProperties(DString const &path, DString const &driverId,
 /// cleared, if there is none: no image, too large without a pyramid, or stopped. `error` and `read` as `ReadPreview`.
 ZELVAR_API bool ReadItemPreview(DString const &path, DString const &driverId, DString const &options,
                                 StopSignal const *stop, DCanvas &canvas, Enlarge enlarge = Enlarge::Yes,
-                                DError *error = nullptr, RDIRowsRead *read = nullptr);
+                                DError *error = nullptr, RDIRowsRead *read = nullptr, PreviewChoice const &choice = {});
+/// The values that the picture shows, see `ReadPreviewValues`.
+ZELVAR_API bool ReadItemValues(DString const &path, DString const &driverId, DString const &options,
+                               StopSignal const *stop, PreviewChoice const &choice, PreviewValues &values);
 
 } // namespace zelvar

@@ -86,34 +86,54 @@ void ScaleSamples(unsigned char *buffer, std::size_t n) {
         Map(kernel, samples, buffer, n, {min, max, 255.0 / (max - min)});
 }
 
-} // namespace
+template <class Sample>
+void SpreadSamples(unsigned char *buffer, std::size_t n, double min, double max) {
+    if (max - min > 0)
+        Map(scale::KernelFor<Sample>(), reinterpret_cast<Sample const *>(buffer), buffer, n,
+            {min, max, 255.0 / (max - min)});
+    else
+        std::fill_n(buffer, n, std::uint8_t{255});
+}
 
-void ScaleDataBuf(int dataType, unsigned char *buffer, int width, int height) {
+template <class Sample>
+struct Typed {
+    using Type = Sample;
+};
+
+/// Calls `work` with the type of samples and their number, or not at all where there is nothing to do.
+template <class Work>
+void WithSamples(int dataType, unsigned char const *buffer, int width, int height, Work const &work) {
     if (buffer == nullptr || width < 1 || height < 1)
         return;
     std::size_t const n = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
     switch (dataType) {
     case 1:
-        ScaleSamples<std::uint8_t>(buffer, n);
-        break;
+        return work(Typed<std::uint8_t>(), n);
     case 2:
-        ScaleSamples<std::uint16_t>(buffer, n);
-        break;
+        return work(Typed<std::uint16_t>(), n);
     case 4:
-        ScaleSamples<std::int16_t>(buffer, n);
-        break;
+        return work(Typed<std::int16_t>(), n);
     case 8:
-        ScaleSamples<std::uint32_t>(buffer, n);
-        break;
+        return work(Typed<std::uint32_t>(), n);
     case 16:
-        ScaleSamples<std::int32_t>(buffer, n);
-        break;
+        return work(Typed<std::int32_t>(), n);
     case 32:
-        ScaleSamples<float>(buffer, n);
-        break;
+        return work(Typed<float>(), n);
     default:
-        break;
+        return;
     }
+}
+
+} // namespace
+
+void ScaleDataBuf(int dataType, unsigned char *buffer, int width, int height) {
+    WithSamples(dataType, buffer, width, height,
+                [buffer]<class Sample>(Typed<Sample>, std::size_t n) { ScaleSamples<Sample>(buffer, n); });
+}
+
+void ScaleDataBufTo(int dataType, unsigned char *buffer, int width, int height, double min, double max) {
+    WithSamples(dataType, buffer, width, height,
+                [&]<class Sample>(Typed<Sample>, std::size_t n) { SpreadSamples<Sample>(buffer, n, min, max); });
 }
 
 } // namespace zelvar

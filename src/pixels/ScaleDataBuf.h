@@ -17,4 +17,8 @@ namespace zelvar {
 /// Touches nothing but its arguments. Any thread.
 ZELVAR_API void ScaleDataBuf(int dataType, unsigned char *buffer, int width, int height);
 
+/// The same with a range that is known, of samples of 8 bits too: `min` and what lies below it become 0, `max` and what
+/// lies above it 255, and every sample is 255 where `max` is not larger. The bytes of all samples are written.
+ZELVAR_API void ScaleDataBufTo(int dataType, unsigned char *buffer, int width, int height, double min, double max);
+
 } // namespace zelvar

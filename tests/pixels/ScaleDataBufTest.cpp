@@ -157,6 +157,17 @@ TEST(ScaleDataBuf, ZerosKeepTheirBytesWhereOneValueIsLeft) {
     EXPECT_EQ(Scaled<std::int16_t>({-10, 0, 10}), (std::vector<unsigned char>{0, 127, 255, 0, 10, 0}));
 }
 
+TYPED_TEST(ScaleDataBufOf, AGivenRangeIsSpreadAndAnEmptyOneIsWhite) {
+    std::vector<TypeParam> const samples{0, 10, 20, 29, 30, 99};
+    for (double const max : {30.0, 10.0}) {
+        std::vector<unsigned char> bytes = BytesOf(samples);
+        ScaleDataBufTo(kTypeOf<TypeParam>, bytes.data(), 6, 1, 10, max);
+        bytes.resize(6);
+        EXPECT_EQ(bytes, max == 30 ? (std::vector<unsigned char>{0, 0, 127, 242, 255, 255})
+                                   : std::vector<unsigned char>(6, 255));
+    }
+}
+
 TEST(ScaleDataBuf, WhatIsNotANumberNeverEscapesTheBytes) {
     constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
     constexpr float kInf = std::numeric_limits<float>::infinity();

@@ -1,10 +1,12 @@
 #include "support/ImageFiles.h"
 #include "support/OpenedImage.h"
 #include "support/RealDriversTest.h"
+#include "support/ScriptedDriver.h"
 #include "support/Test.h"
 #include "zelvar/base/PathStyle.h"
 #include "zelvar/data/HistogramReader.h"
 #include "zelvar/data/SeriesCheck.h"
+#include "zelvar/data/stack/SeriesDriver.h"
 #include "zelvar/model/ItemProperties.h"
 #include "zelvar/model/PlaceResolver.h"
 #include "zelvar/model/SeriesItem.h"
@@ -86,6 +88,38 @@ TEST_F(SeriesImages, MembersAreSlicesOrFramesAndMissingOnesAreZeros) {
     RDIRowsRead read;
     EXPECT_TRUE(ReadItemPreview(path, "", "", nullptr, canvas, Enlarge::No, &error, &read)) << error.Text();
     EXPECT_EQ(std::pair(read.rows, read.all), std::pair(kHeight - 1, kHeight));
+}
+
+TEST(SeriesPreview, OpensTheMemberThatIsShownAndTheOneThatTheFiguresComeFrom) {
+    test::ScriptedDrivers const drivers;
+    test::TempFolder folder;
+    test::ScriptedRasterDriver &files = test::ScriptedDrivers::AddRaster("SCRIPTED");
+    RegisterSeriesDriver();
+    auto const member = [&](int number) { return folder / Format("s%02d.img", number); };
+    for (int number = 1; number <= 30; ++number)
+        files.SetImage(folder.Write(Format("s%02d.img", number), "x"),
+                       {.type = RDI_UInt16, .sample = [number](int, int x, int) { return 100 * number + x; }});
+    for (char const *axis : {"slices", "frames"})
+        for (int const shown : {0, 19}) {
+            PreviewChoice choice{.stretch = PreviewChoice::Stretch::Full};
+            (DString(axis) == "slices" ? choice.slice : choice.frame) = shown;
+            DString const path = folder / "s[01-30].img";
+            DString const options = DString("SERIES=") + axis;
+            std::vector<DString> expected{member(1)};
+            if (shown > 0)
+                expected.push_back(member(shown + 1));
+            files.opened.clear();
+            DCanvas canvas;
+            ASSERT_TRUE(ReadItemPreview(path, "", options, nullptr, canvas, Enlarge::No, nullptr, nullptr, choice));
+            EXPECT_EQ(files.opened, expected) << axis;
+            EXPECT_EQ(canvas.GetPixel(3, 0), Rgb(255, 255, 255));
+            files.opened.clear();
+            PreviewValues values;
+            ASSERT_TRUE(ReadItemValues(path, "", options, nullptr, choice, values));
+            EXPECT_EQ(files.opened, expected) << axis;
+            EXPECT_EQ(values.planes.at(0).At(2), 100 * (shown + 1) + 2);
+        }
+    EXPECT_EQ(files.opens, files.closes);
 }
 
 TEST_F(SeriesImages, NumbersAndMembersGiveChannels) {
