@@ -9,6 +9,7 @@
 #include "zelvar/platform/os/SmbAddress.h"
 
 #include <array>
+#include <cstdlib>
 #include <ctime>
 
 #include <locale.h> // NOLINT(modernize-deprecated-headers): newlocale is declared here alone
@@ -98,6 +99,14 @@ void ReadFileRows(DString const &path, BDIMoniker const &moniker, PropertyMap &p
 
 std::span<PropertyRow const> PropertyRows() { return kRows; }
 std::span<PropertyRow const> SeriesPropertyRows() { return kSeriesRows; }
+
+ImageExtent ExtentOf(PropertyMap const &props) {
+    auto const number = [&props](PropertyId id) {
+        auto const text = props.find(id);
+        return text == props.end() ? 0 : std::atoi(text->second.c_str());
+    };
+    return {.channels = number(kChannels), .slices = number(kSlices), .frames = number(kTimeFrames)};
+}
 
 bool ReadItemProperties(DString const &path, DString const &driverId, DString const &options, DLGTemplate dlgTemplate,
                         StopSignal const *stop, PropertyMap &props, DError *error, ImageInfo *image) {

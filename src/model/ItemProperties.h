@@ -25,6 +25,16 @@ struct PropertyRow {
 /// Further ones that a numbered series of files has: its members, and how they differ. The pane has no rows for them.
 [[nodiscard]] ZELVAR_API std::span<PropertyRow const> SeriesPropertyRows();
 
+/// How many parts of an image there are to look at; zeros without an image.
+struct ImageExtent {
+    int channels = 0;
+    int slices = 0;
+    int frames = 0;
+    [[nodiscard]] bool operator==(ImageExtent const &) const = default;
+};
+/// As the rows tell it.
+[[nodiscard]] ZELVAR_API ImageExtent ExtentOf(PropertyMap const &props);
+
 /// Reads what is known of an item: of the file behind it, and, unless a document is picked, of the image in it.
 /// `options` is what stands behind "?". True if the item could be opened as an image, or if a document is picked; a
 /// file that cannot be asked leaves its rows out and is no failure. Any thread; `stop` may be null, and so may `error`,

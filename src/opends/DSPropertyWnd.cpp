@@ -5,7 +5,9 @@
 #include "zelvar/opends/DSMessages.h"
 #include "zelvar/opends/ImageExtraWnd.h"
 #include "zelvar/opends/ImagePreviewWnd.h"
+#include "zelvar/opends/PreviewBar.h"
 #include "zelvar/opends/PropertyWorker.h"
+#include "zelvar/opends/ValueScale.h"
 #include "zelvar/platform/ui/ControlId.h"
 #include "zelvar/props/CZelPropList.h"
 
@@ -26,21 +28,39 @@ public:
     }
 };
 
-/// A tab's page that keeps the preview over its whole area while the preview is in its place.
+/// A tab's page that keeps the preview over its whole area, but for a bar below, while the preview is in its place.
 class PreviewPage final : public QWidget {
 public:
     explicit PreviewPage(QWidget *parent) : QWidget(parent), m_preview(new ImagePreviewWnd(this)) {}
     [[nodiscard]] ImagePreviewWnd *Preview() const { return m_preview; }
+    void SetBar(PreviewBar *bar) { m_bar = bar; }
 
 protected:
     void resizeEvent(QResizeEvent *event) override {
         QWidget::resizeEvent(event);
-        if (!m_preview->IsLifted())
-            m_preview->setGeometry(rect());
+        Arrange();
+    }
+    bool event(QEvent *event) override {
+        if (event->type() == QEvent::LayoutRequest)
+            Arrange();
+        return QWidget::event(event);
     }
 
 private:
+    void Arrange() {
+        QRect picture = rect();
+        if (m_bar != nullptr && !m_bar->isHidden()) {
+            // In a pane that is too low for both, the picture keeps a third.
+            int const wanted = m_bar->hasHeightForWidth() ? m_bar->heightForWidth(width()) : m_bar->sizeHint().height();
+            int const below = std::min(wanted, height() - height() / 3);
+            picture.setHeight(height() - below);
+            m_bar->setGeometry(0, height() - below, width(), below);
+        }
+        if (!m_preview->IsLifted())
+            m_preview->setGeometry(picture);
+    }
     ImagePreviewWnd *m_preview; ///< a child, but for the time that it is lifted
+    PreviewBar *m_bar = nullptr;
 };
 
 } // namespace
@@ -94,6 +114,33 @@ int DSPropertyWnd::Create(Rect const &rect, DLGTemplate dlgTemplate, QWidget *pa
     return 0;
 }
 
+void DSPropertyWnd::AddPreviewBar() {
+    constexpr int kPatience = 400; // ms
+    if (m_previewWnd == nullptr)
+        return;
+    auto *const page = static_cast<PreviewPage *>(m_previewWnd->parentWidget());
+    m_bar = new PreviewBar(page);
+    page->SetBar(m_bar);
+    m_patience = new QTimer(this);
+    m_patience->setSingleShot(true);
+    m_patience->setInterval(kPatience);
+    connect(m_patience, &QTimer::timeout, this, [this] { m_previewWnd->Clear(ImagePreviewWnd::ModeWaiting); });
+    connect(m_bar, &PreviewBar::Chosen, this, &DSPropertyWnd::OnChosen);
+    m_previewWnd->setMouseTracking(true);
+    connect(m_previewWnd, &ImagePreviewWnd::Pointed, this, [this](double x, double y) {
+        m_bar->PointAt(x, y);
+        m_previewWnd->SetNote(m_bar->Scale()->PointedText());
+    });
+    m_worker->WantValues();
+}
+
+void DSPropertyWnd::OnChosen() {
+    if (m_closing)
+        return;
+    m_worker->Look(m_bar->Choice());
+    m_patience->start();
+}
+
 void DSPropertyWnd::AddProps() {
     m_propList->EnableHeaderCtrl(true);
     m_propList->SetVSDotNetLook(true);
@@ -138,6 +185,13 @@ void DSPropertyWnd::ClearWnd(int mode) {
     UpdateProperties();
     if (m_previewWnd != nullptr)
         m_previewWnd->Clear(static_cast<ImagePreviewWnd::Mode>(mode));
+    if (m_bar == nullptr)
+        return;
+    m_patience->stop();
+    if (mode == ImagePreviewWnd::ModeWaiting)
+        m_bar->Reset();
+    else
+        m_bar->ShowExtent({});
 }
 
 bool DSPropertyWnd::IsReading() const { return m_worker->IsBusy(); }
@@ -168,6 +222,8 @@ void DSPropertyWnd::Clear() {
 void DSPropertyWnd::OnCanvasReady(platform::MessageParam first) {
     if (m_closing || m_previewWnd == nullptr)
         return;
+    if (m_patience != nullptr)
+        m_patience->stop();
     std::optional<DCanvas> canvas = m_worker->TakeCanvas();
     if (first == 1 && canvas && canvas->HasData()) {
         m_previewWnd->GetCanvas() = std::move(*canvas);
@@ -189,8 +245,12 @@ void DSPropertyWnd::OnPropsReady() {
     if (std::optional<PropertyMap> props = m_worker->TakeProps()) {
         m_props = std::move(*props);
         UpdateProperties();
+        if (m_bar != nullptr)
+            m_bar->ShowExtent(ExtentOf(m_props));
     }
     TakeFacts();
+    if (std::optional<PreviewValues> values = m_worker->TakeValues(); values && m_bar != nullptr)
+        m_bar->ShowValues(std::move(*values));
 }
 
 void DSPropertyWnd::UpdateProperties() {

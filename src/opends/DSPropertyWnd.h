@@ -11,6 +11,7 @@
 #include "zelvar/platform/ui/WindowMessage.h"
 
 #include <QtCore/QPointer>
+#include <QtCore/QTimer>
 
 #include <chrono>
 #include <functional>
@@ -26,6 +27,7 @@ struct OpenSubject;
 struct OpenWish;
 class ImageExtraWnd;
 class ImagePreviewWnd;
+class PreviewBar;
 class PropertyWorker;
 
 /// Property pane: tabs with a preview, the properties and the import options of the item picked last.
@@ -61,7 +63,12 @@ public:
     /// Ends what is under way, without waiting, and empties the pane.
     void Clear();
 
+    /// Puts a bar below the preview: what of an image it shows, and its values. Once, before the first item; not where
+    /// documents are picked.
+    void AddPreviewBar();
+
     [[nodiscard]] ImagePreviewWnd *Preview() const { return m_previewWnd; }
+    [[nodiscard]] PreviewBar *Bar() const { return m_bar; } ///< null without it
     [[nodiscard]] ImageExtraWnd *Extra() const { return m_extraWnd; }
     [[nodiscard]] CZelPropList *Properties() const { return m_propList; }
     /// Told after an item has turned out to be something else than its listing took it for. User-interface thread.
@@ -91,6 +98,7 @@ private:
     void OnApplyFilter();
     void AddProps();
     void ClearWnd(int mode);
+    void OnChosen();
     void UpdateProperties();
     [[nodiscard]] bool AreOptionsShown() const;
     void Tell(platform::MessageId message);
@@ -100,6 +108,8 @@ private:
     ImagePreviewWnd *m_previewWnd = nullptr; ///< a child; null where documents are picked
     ImageExtraWnd *m_extraWnd = nullptr;     ///< likewise
     CZelPropList *m_propList = nullptr;      ///< a child
+    PreviewBar *m_bar = nullptr;             ///< likewise
+    QTimer *m_patience = nullptr;            ///< likewise; how long the picture before stands for the one that is read
     PropertyMap m_props;
     std::function<void()> m_onClassified;
     FactsHandler m_onFacts;

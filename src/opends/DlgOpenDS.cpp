@@ -299,6 +299,8 @@ bool DlgOpenDS::OnInitDialog() {
         CreateForecast();
     if (m_features != kOpenPlain)
         m_propertyWnd->SetOptionsRule([this](DataSourceItem const &item) { return OptionsOf(item); });
+    if ((m_features & kOpenPreviewBar) != 0)
+        m_propertyWnd->AddPreviewBar();
     m_extras.Load();
     m_mainList->SetBDIFilter(m_bdiFilter);
     if (m_rootItem != nullptr)

@@ -22,6 +22,7 @@
 #include "zelvar/opends/OpenDialogTemplate.h"
 #include "zelvar/opends/OpenForecast.h"
 #include "zelvar/opends/OpenLine.h"
+#include "zelvar/opends/PreviewBar.h"
 #include "zelvar/platform/ui/ControlId.h"
 #include "zelvar/platform/ui/EllipsisLabel.h"
 #include "zelvar/platform/ui/EscapeWatch.h"
@@ -40,7 +41,7 @@ using platform::ToQString;
 namespace {
 
 bool IsWithin(QWidget const *ancestor, QWidget const *widget) {
-    return widget != nullptr && (ancestor == widget || ancestor->isAncestorOf(widget));
+    return ancestor != nullptr && widget != nullptr && (ancestor == widget || ancestor->isAncestorOf(widget));
 }
 
 /// One folder whose access is refused is told to the user.
@@ -460,7 +461,7 @@ bool DlgOpenDS::ProcessReturnKey(QWidget *focus) {
         button->click();
         return true;
     }
-    if (qobject_cast<QAbstractButton *>(focus) != nullptr)
+    if (qobject_cast<QAbstractButton *>(focus) != nullptr || IsWithin(m_propertyWnd->Bar(), focus))
         return false;
     if (!m_pageItems.empty() && IsWithin(m_propertyWnd->Extra(), focus)) {
         m_propertyWnd->ApplyOptions();

@@ -112,6 +112,23 @@ void ImagePreviewWnd::paintEvent(QPaintEvent *) {
     painter.fillRect(rect(), platform::Themed(Qt::white));
     if (m_memValid && m_memWidth >= 1 && m_memHeight >= 1)
         painter.drawPixmap((width() - m_memWidth) / 2, (height() - m_memHeight) / 2, m_memBitmap);
+    if (IsLifted() && !m_note.isEmpty())
+        PaintNote(painter);
+}
+
+void ImagePreviewWnd::PaintNote(QPainter &painter) const {
+    constexpr int kMargin = 6; // pixels
+    QRect box(QPoint(), fontMetrics().size(Qt::TextSingleLine, m_note) + QSize(2 * kMargin, kMargin));
+    box.moveBottomLeft(rect().bottomLeft());
+    painter.fillRect(box, palette().color(QPalette::ToolTipBase));
+    painter.setPen(palette().color(QPalette::ToolTipText));
+    painter.drawText(box, Qt::AlignCenter | Qt::TextSingleLine, m_note);
+}
+
+void ImagePreviewWnd::SetNote(QString const &note) {
+    m_note = note;
+    if (IsLifted())
+        update();
 }
 
 void ImagePreviewWnd::resizeEvent(QResizeEvent *event) {
@@ -126,6 +143,20 @@ void ImagePreviewWnd::mousePressEvent(QMouseEvent *event) {
         ShowPreview();
     else
         HidePreview();
+}
+
+void ImagePreviewWnd::mouseMoveEvent(QMouseEvent *event) {
+    QRect const picture = PictureRect();
+    if (picture.contains(event->position().toPoint()))
+        Q_EMIT Pointed((event->position().x() - picture.x()) / picture.width(),
+                     (event->position().y() - picture.y()) / picture.height());
+    else
+        Q_EMIT Pointed(-1, -1);
+}
+
+void ImagePreviewWnd::leaveEvent(QEvent *event) {
+    QWidget::leaveEvent(event);
+    Q_EMIT Pointed(-1, -1);
 }
 
 void ImagePreviewWnd::keyPressEvent(QKeyEvent *event) {

@@ -36,12 +36,21 @@ public:
     [[nodiscard]] bool IsLifted() const { return !m_floatParent.isNull(); }
     /// Where the picture stands now, in this window's coordinates; empty without one.
     [[nodiscard]] QRect PictureRect() const;
+    /// Words that stand on the lifted picture, in a corner; what lies below it is not seen then.
+    void SetNote(QString const &note);
+
+Q_SIGNALS:
+    /// The pointer is over a place of the picture, from 0 to 1 on each side, or beside the picture, below 0. Only with
+    /// mouse tracking.
+    void Pointed(double x, double y);
 
 protected:
     bool event(QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void leaveEvent(QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
     void focusOutEvent(QFocusEvent *event) override;
@@ -52,12 +61,14 @@ private:
     void ShowPreview();
     void HidePreview();
     void Redraw();
+    void PaintNote(QPainter &painter) const;
 
     DCanvas m_canvas;
     QPixmap m_memBitmap; ///< the picture, or the text, as drawn
     bool m_memValid = false;
     int m_memWidth = 0; ///< device-independent pixels, as all sizes here
     int m_memHeight = 0;
+    QString m_note;
     Mode m_mode = ModeNothing;
     QPointer<QWidget> m_floatParent; ///< the window to return to; null while in place
     QRect m_homeRect;                ///< the place, in the parent's coordinates

@@ -29,10 +29,30 @@ void PropertyWorker::SetOwner(platform::MessageTarget target, DLGTemplate dlgTem
 void PropertyWorker::Restart(RefItemPtr<DataSourceItem> item, DString format, DString options) {
     auto const *const file = dynamic_cast<NtwDataSourceItem const *>(item.get());
     bool const unclassified = file != nullptr && file->MayTurnOutContainer();
+    m_last = {std::move(item), unclassified, std::move(format), std::move(options), m_wish, {}};
+    Hand(m_last);
+}
+
+void PropertyWorker::Look(PreviewChoice const &choice) {
+    if (m_last.item == nullptr)
+        return;
+    Job job = m_last;
+    job.look = choice;
+    job.wish.reset(); // the facts of the item are told
+    Hand(std::move(job));
+}
+
+void PropertyWorker::Hand(Job job) {
     {
         DSingleLock const lock(m_stateLock);
-        m_pending = {std::move(item), unclassified, std::move(format), std::move(options), m_wish};
-        m_cancel = true;
+        if (job.look && m_pending.item != nullptr && !m_pending.look)
+            return; // nothing is known yet of the item that it would be a look at
+        m_cancel = m_cancel || !job.look || m_givesWay;
+        m_pending = std::move(job);
+        {
+            DSingleLock const values(m_canvasLock);
+            m_values.reset(); // of a picture that is not wanted any more
+        }
         if (m_running)
             return; // the thread at work sees the signal and takes the job itself
         m_running = true;
@@ -47,6 +67,7 @@ void PropertyWorker::Restart(RefItemPtr<DataSourceItem> item, DString format, DS
 }
 
 void PropertyWorker::Cancel() {
+    m_last = {};
     DSingleLock const lock(m_stateLock);
     m_pending = {};
     m_cancel = true;
@@ -65,6 +86,11 @@ std::optional<PropertyMap> PropertyWorker::TakeProps() {
 std::optional<DCanvas> PropertyWorker::TakeCanvas() {
     DSingleLock const lock(m_canvasLock);
     return std::exchange(m_canvas, std::nullopt);
+}
+
+std::optional<PreviewValues> PropertyWorker::TakeValues() {
+    DSingleLock const lock(m_canvasLock);
+    return std::exchange(m_values, std::nullopt);
 }
 
 std::optional<PropertyWorker::Classified> PropertyWorker::TakeClassified() {
@@ -102,6 +128,7 @@ bool PropertyWorker::TakeJob(Job &job) {
         return false;
     }
     m_cancel = false;
+    m_givesWay = job.look.has_value();
     return true;
 }
 
@@ -150,8 +177,9 @@ bool PropertyWorker::ReadCanvas(Job const &job, Seen &seen) {
     DCanvas canvas;
     DError error;
     RDIRowsRead read;
-    bool const ok =
-        ReadItemPreview(path, driverId, options, &m_cancel, canvas, Enlarge::Yes, &error, &read) && !m_cancel;
+    bool const ok = ReadItemPreview(path, driverId, options, &m_cancel, canvas, Enlarge::Yes, &error, &read,
+                                    job.look.value_or(PreviewChoice())) &&
+                    !m_cancel;
     {
         DSingleLock const lock(m_canvasLock);
         m_canvas = std::move(canvas);
@@ -177,10 +205,12 @@ void PropertyWorker::Work(Job const &job) {
     // The driver id takes the place of the format, even when it is empty: the format only tells jobs apart.
     Seen seen{.subject = {.path = job.item->GetPath(), .driverId = job.item->GetRDIDriverId(), .options = job.options},
               .facts = {}};
+    bool const isLook = job.look.has_value();
     bool ok = false;
     if (!seen.subject.path.empty()) {
-        Classify(job);
-        ok = ReadProps(job, seen);
+        if (!isLook)
+            Classify(job);
+        ok = isLook || ReadProps(job, seen);
         if (ok && !PicksDocument(m_dlgTemplate))
             ok = ReadCanvas(job, seen);
     }
@@ -190,6 +220,28 @@ void PropertyWorker::Work(Job const &job) {
         m_target.Post(WM_ITEM_CANVAS_READY, 0);
     if (!seen.subject.path.empty())
         FindDrivers(job, seen);
+    if (ok && m_wantsValues && !PicksDocument(m_dlgTemplate) && MayLinger())
+        ReadValues(job, seen);
+}
+
+bool PropertyWorker::MayLinger() {
+    DSingleLock const lock(m_stateLock);
+    m_givesWay = true;
+    return m_pending.item == nullptr;
+}
+
+void PropertyWorker::ReadValues(Job const &job, Seen const &seen) {
+    PreviewValues values;
+    auto const &[path, driverId, options] = seen.subject;
+    if (!ReadItemValues(path, driverId, options, &m_cancel, job.look.value_or(PreviewChoice()), values))
+        return;
+    {
+        DSingleLock const lock(m_canvasLock);
+        if (m_cancel)
+            return;
+        m_values = std::move(values);
+    }
+    m_target.Post(WM_ITEM_PROPPERTY_MAP_READY);
 }
 
 } // namespace zelvar

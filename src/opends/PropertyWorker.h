@@ -37,6 +37,11 @@ public:
 
     /// Hands over a job and starts a thread if none is at work. Never waits for a read.
     void Restart(RefItemPtr<DataSourceItem> item, DString format, DString options);
+    /// Before the first job: behind each picture its values are read, too.
+    void WantValues() { m_wantsValues = true; }
+    /// Reads another picture of the item that was handed over last. A newer choice takes the place of one that waits or
+    /// is being read; what is read of the item first is finished before.
+    void Look(PreviewChoice const &choice);
     /// Stops what is under way and forgets the job that waits. Does not wait.
     void Cancel();
     [[nodiscard]] bool IsBusy() const;
@@ -47,6 +52,8 @@ public:
     [[nodiscard]] std::optional<PropertyMap> TakeProps();
     /// The same for the picture, which is empty where the read has failed.
     [[nodiscard]] std::optional<DCanvas> TakeCanvas();
+    /// The values of the picture, moved out with the properties.
+    [[nodiscard]] std::optional<PreviewValues> TakeValues();
     /// An item that its listing could not classify in time, and whether it is a container, moved out with the
     /// properties.
     struct Classified {
@@ -73,7 +80,9 @@ private:
         DString format;
         DString options;
         std::optional<OpenWish> wish;
+        std::optional<PreviewChoice> look; ///< a picture alone
     };
+    void Hand(Job job);
     /// The next job, or false: then `m_running` is false too, in one step, so that no job is ever left behind.
     bool TakeJob(Job &job);
     void Work(Job const &job);
@@ -84,15 +93,20 @@ private:
     /// Where several drivers could read it the user may choose.
     void FindDrivers(Job const &job, Seen &seen);
     void Keep(Seen seen);
+    /// The picture is told of: what is still read gives way to another look. False if one waits.
+    [[nodiscard]] bool MayLinger();
+    void ReadValues(Job const &job, Seen const &seen);
 
     mutable DMutex m_stateLock; ///< guards the job and `m_running`
     bool m_running = false;
     std::shared_ptr<PropertyWorker> m_self; ///< while the thread is at work
     Job m_pending;
+    bool m_givesWay = false; ///< what is under way ends when another look comes
     StopSignal m_cancel{false};
 
     DMutex m_canvasLock;
-    std::optional<DCanvas> m_canvas; ///< nothing once taken
+    std::optional<DCanvas> m_canvas;       ///< nothing once taken
+    std::optional<PreviewValues> m_values; ///< the same
 
     mutable DMutex m_propsLock;
     std::optional<PropertyMap> m_props; ///< nothing once taken
@@ -100,6 +114,8 @@ private:
     std::optional<Seen> m_seen;
 
     std::optional<OpenWish> m_wish; ///< of the user-interface thread
+    Job m_last;                     ///< of the user-interface thread
+    bool m_wantsValues = false;
     platform::MessageTarget m_target;
     DLGTemplate m_dlgTemplate = DT_DATA;
 };

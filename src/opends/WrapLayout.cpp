@@ -1,6 +1,7 @@
 #include "zelvar/opends/WrapLayout.h"
 
 #include <QtWidgets/QLabel>
+#include <QtWidgets/QStyle>
 
 #include <algorithm>
 
@@ -57,6 +58,8 @@ std::vector<WrapLayout::Placed> WrapLayout::Place(int width) const {
     };
     for (std::size_t i = 0; i < m_items.size(); ++i) {
         QLayoutItem const &item = *m_items[i];
+        if (item.isEmpty())
+            continue; // hidden
         int together = WantedWidth(item);
         if (i + 1 < m_items.size() && Names(item, *m_items[i + 1])) {
             int const both = together + spacing() + WantedWidth(*m_items[i + 1]);
@@ -83,6 +86,8 @@ int WrapLayout::heightForWidth(int width) const {
 QSize WrapLayout::sizeHint() const {
     QSize size;
     for (QLayoutItem const *item : m_items) {
+        if (item->isEmpty())
+            continue;
         QSize const hint = item->sizeHint();
         size = {size.width() + hint.width() + (size.isEmpty() ? 0 : spacing()), std::max(size.height(), hint.height())};
     }
@@ -98,8 +103,10 @@ QSize WrapLayout::minimumSize() const {
 
 void WrapLayout::setGeometry(QRect const &rect) {
     QLayout::setGeometry(rect);
+    Qt::LayoutDirection const direction =
+        parentWidget() == nullptr ? Qt::LeftToRight : parentWidget()->layoutDirection();
     for (Placed const &placed : Place(rect.width()))
-        placed.item->setGeometry(placed.rect.translated(rect.topLeft()));
+        placed.item->setGeometry(QStyle::visualRect(direction, rect, placed.rect.translated(rect.topLeft())));
 }
 
 } // namespace zelvar
