@@ -35,7 +35,7 @@ DriverOptionChoice::DriverOptionChoice(Use use)
 
 void DriverOptionChoice::SetDriver(DString driverId, std::shared_ptr<DriverOptionLists const> lists) {
     m_driverId = std::move(driverId);
-    m_lists = std::move(lists);
+    m_lists = lists == nullptr ? std::make_shared<DriverOptionLists const>() : std::move(lists);
 }
 
 OptionValues DriverOptionChoice::ValuesFor(DString const &path, DString const &named) const {

@@ -25,7 +25,7 @@ public:
     void SetGiven(DString text) { m_given = std::move(text); }
     /// The driver whose page is shown; without options there is none.
     void SetDriver(DString driverId, std::shared_ptr<DriverOptionLists const> lists);
-    [[nodiscard]] bool HasPage() const { return m_lists != nullptr && !Options().empty(); }
+    [[nodiscard]] bool HasPage() const { return !Options().empty(); }
     [[nodiscard]] DString const &DriverId() const { return m_driverId; }
     [[nodiscard]] std::vector<DriverOption> const &Options() const {
         return m_use == Use::Reading ? m_lists->open : m_lists->create;
@@ -41,7 +41,7 @@ public:
 
 private:
     Use m_use;
-    std::shared_ptr<DriverOptionLists const> m_lists;
+    std::shared_ptr<DriverOptionLists const> m_lists = std::make_shared<DriverOptionLists>(); ///< never null
     DString m_driverId;
     DString m_given;
     std::map<std::pair<DString, DString>, OptionValues> m_changed; ///< in this dialog, by driver and path
