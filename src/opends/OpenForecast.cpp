@@ -172,7 +172,8 @@ void OpenForecast::OnFound() {
 }
 
 bool OpenForecast::IsGivenUp(OpenSubject const &subject, OpenFacts const &facts) {
-    return !facts.image && subject.options == m_choices.AddedTo({}, subject.path) && m_choices.GiveUp(subject.path);
+    return !facts.image && subject.options.ends_with(m_choices.AddedTo({}, subject.path)) &&
+           m_choices.GiveUp(subject.path);
 }
 
 void OpenForecast::OnDriverChosen(int index) {
