@@ -80,14 +80,22 @@ void PreviewBar::SetNumbers(QSpinBox &number, int first, int count) {
 }
 
 void PreviewBar::Reset() {
-    m_choice = {};
-    m_choosers->setEnabled(false);
+    // The controls stay enabled: a screen reader would tell of each, at every file that is looked through.
+    m_isKnown = false;
+    ShowDefaults(m_extent);
     m_scale->Show({});
 }
 
 void PreviewBar::ShowExtent(ImageExtent const &extent) {
-    m_choice = {};
     m_extent = extent;
+    m_isKnown = true;
+    ShowDefaults(extent);
+    m_choosers->setVisible(extent.channels > 1 || extent.slices > 1 || extent.frames > 1);
+    setVisible(extent.channels > 0);
+}
+
+void PreviewBar::ShowDefaults(ImageExtent const &extent) {
+    m_choice = {};
     bool const hasColors = extent.channels >= kColors;
     m_channel->setSpecialValueText(hasColors ? Shown("Colours") : QString()); // in place of the least number
     SetNumbers(*m_channel, hasColors ? 0 : 1, extent.channels);
@@ -95,12 +103,11 @@ void PreviewBar::ShowExtent(ImageExtent const &extent) {
     SetNumbers(*m_frame, 1, extent.frames);
     QSignalBlocker const blocker(m_stretch);
     m_stretch->setCurrentIndex(0);
-    m_choosers->setVisible(extent.channels > 1 || extent.slices > 1 || extent.frames > 1);
-    m_choosers->setEnabled(true);
-    setVisible(extent.channels > 0);
 }
 
 void PreviewBar::TakeChoice() {
+    if (!m_isKnown)
+        return ShowDefaults(m_extent);
     PreviewChoice choice{.slice = m_slice->value() - 1,
                          .frame = m_frame->value() - 1,
                          .stretch = kStretches[std::max(m_stretch->currentIndex(), 0)]};

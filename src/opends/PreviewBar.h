@@ -47,6 +47,7 @@ private:
     void AddToLine(QWidget *control, char const *caption, char const *tip);
     void SetNumbers(QSpinBox &number, int first, int count);
     void TakeChoice();
+    void ShowDefaults(ImageExtent const &extent);
 
     QWidget *m_choosers; ///< children
     QSpinBox *m_channel;
@@ -56,6 +57,7 @@ private:
     ValueScale *m_scale;
     PreviewChoice m_choice;
     ImageExtent m_extent;
+    bool m_isKnown = false; ///< of the item that is shown now
 };
 
 } // namespace zelvar

@@ -61,7 +61,11 @@ TEST(PreviewBarAlone, OffersWhatThereIsToChooseAndTellsOfWhatIsChosen) {
     EXPECT_EQ(chosen.count(), 5);
     bar.Reset();
     EXPECT_EQ(bar.Choice(), PreviewChoice());
-    EXPECT_FALSE(Named<QSpinBox>(bar, "Slice")->isEnabled());
+    QTest::keyClick(Named<QSpinBox>(bar, "Slice"), Qt::Key_Up);
+    QTest::keyClick(Named<QComboBox>(bar, "Stretch"), Qt::Key_Down);
+    EXPECT_EQ(bar.Choice(), PreviewChoice()) << "of what is not known yet nothing is chosen";
+    EXPECT_EQ(Named<QSpinBox>(bar, "Slice")->text(), "1 / 5");
+    EXPECT_EQ(chosen.count(), 5);
     bar.ShowExtent({});
     EXPECT_TRUE(bar.isHidden());
 }
