@@ -79,4 +79,11 @@ std::optional<WindowSize> ParseSize(DString const &text) {
     return size;
 }
 
+std::optional<int> CountIn(DString const &text, int most) {
+    int count = 0;
+    auto const [end, error] = std::from_chars(text.data(), text.data() + text.size(), count);
+    bool const isWhole = error == std::errc{} && end == text.data() + text.size();
+    return isWhole && count >= 1 && count <= most ? std::optional(count) : std::nullopt;
+}
+
 } // namespace zelvar::tool

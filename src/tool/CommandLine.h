@@ -63,5 +63,7 @@ struct WindowSize {
     int height = 0;
 };
 [[nodiscard]] std::optional<WindowSize> ParseSize(DString const &text);
+/// A whole number from 1 to `most`.
+[[nodiscard]] std::optional<int> CountIn(DString const &text, int most);
 
 } // namespace zelvar::tool

@@ -162,6 +162,11 @@ std::vector<CommandSpec> const &AllCommands() {
          .words = "MONIKER",
          .about = "Prints the properties of one item.",
          .options = {{"--preview", "FILE.png", "write its preview, no larger than the image itself"},
+                     {"--channel", "N", "that of one channel, counted from 1 as the next two"},
+                     {"--slice", "N", "that of another slice than the first"},
+                     {"--frame", "N", "that of another time frame than the first"},
+                     {"--stretch", "RANGE",
+                      "from black to white: usual, full range, or most of it, without the 2 % at either end"},
                      {"--options", "",
                       "print what can stand behind \"?\" of the moniker in place of them: name, kind, what it is by "
                       "itself, description, values"}},

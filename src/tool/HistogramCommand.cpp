@@ -11,7 +11,6 @@
 
 #include <QtWidgets/QApplication>
 
-#include <charconv>
 #include <cstdio>
 
 namespace zelvar::tool {
@@ -22,14 +21,6 @@ CommandSpec const &kSpec = SpecOf("histogram");
 
 constexpr int kMostSlots = 1'000'000;
 constexpr int kFewSlots = 16; // that have room for texts
-
-/// A whole number from 1 to `most`.
-std::optional<int> CountIn(DString const &text, int most) {
-    int count = 0;
-    auto const [end, error] = std::from_chars(text.data(), text.data() + text.size(), count);
-    bool const isWhole = error == std::errc{} && end == text.data() + text.size();
-    return isWhole && count >= 1 && count <= most ? std::optional(count) : std::nullopt;
-}
 
 bool ReadData(Arguments const &arguments, int band, int slots, DHstg &histogram, DString &reason) {
     DString const file = PlaceOf(arguments.words.front());

@@ -63,6 +63,29 @@ DString ValuesOf(DriverOption const &option) {
     return least + ".." + (option.most ? Format("%.15g", *option.most) : DString());
 }
 
+/// What the preview is to show; nothing for words that say nothing.
+std::optional<PreviewChoice> ChoiceIn(Arguments const &arguments) {
+    constexpr int kMost = 1'000'000'000;
+    PreviewChoice choice;
+    std::pair<char const *, int *> const numbers[] = {
+        {"--channel", &choice.channel}, {"--slice", &choice.slice}, {"--frame", &choice.frame}};
+    for (auto const &[option, number] : numbers) {
+        if (!arguments.values.contains(option))
+            continue;
+        std::optional<int> const count = CountIn(arguments.Value(option), kMost);
+        if (!count)
+            return std::nullopt;
+        *number = *count - 1;
+    }
+    DString const stretch = arguments.Value("--stretch", "usual");
+    if (stretch != "usual" && stretch != "full" && stretch != "most")
+        return std::nullopt;
+    choice.stretch = stretch == "full"   ? PreviewChoice::Stretch::Full
+                     : stretch == "most" ? PreviewChoice::Stretch::Most
+                                         : PreviewChoice::Stretch::Usual;
+    return choice;
+}
+
 int SayOptions(DString const &path, DString const &moniker, DString driverId) {
     RequestScope const scope(RequestKind::Probe, {}, kNamedProbe);
     if (driverId.empty())
@@ -86,6 +109,11 @@ int RunInfo(std::vector<DString> const &words) {
     std::optional<Arguments> const arguments = ParseArguments(kSpec, words, error);
     if (!arguments)
         return UsageError(kSpec, error);
+    std::optional<PreviewChoice> const choice = ChoiceIn(*arguments);
+    if (!choice)
+        return UsageError(kSpec, "channels, slices and frames are counted from 1, a stretch is usual, full or most");
+    if (*choice != PreviewChoice() && !arguments->values.contains("--preview"))
+        return UsageError(kSpec, "a channel, a slice, a frame and a stretch are those of --preview");
     UseReaderDrivers();
     WarmReaders();
 
@@ -128,9 +156,12 @@ int RunInfo(std::vector<DString> const &words) {
         return kDone;
     DCanvas canvas;
     bool const hasPreview =
-        isImage && ReadItemPreview(path, driverId, {}, nullptr, canvas, Enlarge::No, &failure) && canvas.HasData();
+        isImage && ReadItemPreview(path, driverId, {}, nullptr, canvas, Enlarge::No, &failure, nullptr, *choice) &&
+        canvas.HasData();
     if (DString const reason = ReaderFailureOf(path); !reason.empty())
         return Failure("cannot read '" + moniker + "': " + reason);
+    if (!hasPreview && *choice != PreviewChoice() && failure.IsSet())
+        return Failure("cannot show '" + moniker + "': " + failure.Text());
     if (!hasPreview)
         std::puts("Preview is not available");
     else if (!SavePicture(canvas, arguments->Value("--preview")))

@@ -121,6 +121,9 @@ TEST_F(Command, InfoPrintsPropertiesAndWritesThePreview) {
         ASSERT_EQ(Zelvar({"info", folder / "colors.tif", "--preview", path}).exitCode, 0);
         GDALDatasetH const picture = GDALOpen(path.c_str(), GA_ReadOnly);
         ASSERT_NE(picture, nullptr);
+        Outcome const wrong = Zelvar({"info", folder / "colors.tif", "--preview", path, "--slice", "2"});
+        EXPECT_EQ(wrong.exitCode, 3);
+        EXPECT_THAT(wrong.err, HasSubstr("there is no slice 2, the image has 1"));
         for (int channel = 0; channel < 3; ++channel)
             for (int y = 0; y < height; ++y) {
                 std::vector<unsigned char> row(500);
@@ -132,6 +135,15 @@ TEST_F(Command, InfoPrintsPropertiesAndWritesThePreview) {
             }
         GDALClose(picture);
     }
+    DString const alone = folder / "alone.png";
+    ASSERT_EQ(
+        Zelvar({"info", folder / "colors.tif", "--preview", alone, "--channel", "3", "--stretch", "full"}).exitCode, 0);
+    GDALDatasetH const grey = GDALOpen(alone.c_str(), GA_ReadOnly);
+    std::vector<unsigned char> pixel(3);
+    ASSERT_EQ(GDALDatasetRasterIO(grey, GF_Read, 7, 0, 1, 1, pixel.data(), 1, 1, GDT_Byte, 3, nullptr, 0, 0, 0),
+              CE_None);
+    EXPECT_EQ(pixel, std::vector<unsigned char>(3, 49 + 198)) << "of bytes from 0 to 255 all is shown as it is";
+    GDALClose(grey);
     Outcome const plain = Zelvar({"info", folder / "notes.txt", "--preview", folder / "q.png"});
     EXPECT_EQ(plain.exitCode, 0);
     EXPECT_THAT(plain.out, HasSubstr("Preview is not available\n"));
@@ -171,6 +183,8 @@ TEST_F(Command, ExitCodesTellUsageFromFailure) {
         {{"info", ""}, 3},
         {{"info", folder / "nowhere.tif"}, 3},
         {{"info", folder / "grey.tif", "--preview"}, 2},
+        {{"info", folder / "grey.tif", "--preview", folder / "p.png", "--slice", "0"}, 2},
+        {{"info", folder / "grey.tif", "--channel", "1"}, 2},
         {{"info", folder / "grey.tif", "--preview", folder / "no/folder/p.png"}, 3},
         {{"info", folder / "noise.tif", "--preview", "/dev/full"}, 3},
         {{"sources", "more"}, 2},
