@@ -149,7 +149,7 @@ void ImagePreviewWnd::mouseMoveEvent(QMouseEvent *event) {
     QRect const picture = PictureRect();
     if (picture.contains(event->position().toPoint()))
         Q_EMIT Pointed((event->position().x() - picture.x()) / picture.width(),
-                     (event->position().y() - picture.y()) / picture.height());
+                       (event->position().y() - picture.y()) / picture.height());
     else
         Q_EMIT Pointed(-1, -1);
 }
