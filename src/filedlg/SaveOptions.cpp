@@ -2,6 +2,7 @@
 
 #include "zelvar/data/DriverOptions.h"
 #include "zelvar/data/RequestScope.h"
+#include "zelvar/opends/DriverOptionChoice.h"
 #include "zelvar/opends/OptionPage.h"
 #include "zelvar/platform/ui/Text.h"
 
@@ -19,9 +20,10 @@ constexpr int kLines = 9; // of text, that the page is high
 } // namespace
 
 SaveOptions::SaveOptions(QWidget &dialog, DString const &given)
-    : QWidget(&dialog), m_dialog(dialog), m_button(new QPushButton(platform::Shown("Options..."), this)),
-      m_area(new QScrollArea(this)) {
-    m_choice.SetGiven(given);
+    : QWidget(&dialog), m_dialog(dialog),
+      m_choice(std::make_unique<DriverOptionChoice>(DriverOptionChoice::Use::Writing)),
+      m_button(new QPushButton(platform::Shown("Options..."), this)), m_area(new QScrollArea(this)) {
+    m_choice->SetGiven(given);
     m_button->setCheckable(true);
     m_button->setAutoDefault(false);
     m_button->setObjectName("options");
@@ -38,17 +40,19 @@ SaveOptions::SaveOptions(QWidget &dialog, DString const &given)
     hide();
 }
 
+SaveOptions::~SaveOptions() = default;
+
 void SaveOptions::ShowDriver(DString const &driverId) {
     Keep();
     {
         RequestScope const scope(RequestKind::Probe, {}, kPatience);
-        m_choice.SetDriver(driverId, DriverOptions(driverId));
+        m_choice->SetDriver(driverId, DriverOptions(driverId));
     }
     delete m_area->takeWidget();
     m_page = nullptr;
-    if (m_choice.HasPage()) {
-        m_page = new OptionPage(driverId, m_choice.Options(), nullptr);
-        m_page->SetValues(m_choice.ValuesFor({}, {}));
+    if (m_choice->HasPage()) {
+        m_page = new OptionPage(driverId, m_choice->Options(), nullptr);
+        m_page->SetValues(m_choice->ValuesFor({}, {}));
         m_area->setWidget(m_page);
     }
     setVisible(m_page != nullptr);
@@ -66,14 +70,14 @@ void SaveOptions::Unfold(bool unfold) {
 }
 
 void SaveOptions::Keep() {
-    if (m_page != nullptr && m_page->Text() != ToOptionText(m_choice.Options(), m_choice.ValuesFor({}, {})))
-        m_choice.Change({DString()}, m_page->Values());
+    if (m_page != nullptr && m_page->Text() != ToOptionText(m_choice->Options(), m_choice->ValuesFor({}, {})))
+        m_choice->Change({DString()}, m_page->Values());
 }
 
 DString SaveOptions::Take() {
     Keep();
-    m_choice.Save();
-    return m_choice.TextFor({}, {});
+    m_choice->Save();
+    return m_choice->TextFor({}, {});
 }
 
 } // namespace zelvar

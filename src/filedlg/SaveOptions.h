@@ -1,14 +1,17 @@
 #pragma once
 
-#include "zelvar/opends/DriverOptionChoice.h"
+#include "zelvar/base/DString.h"
 
 #include <QtWidgets/QWidget>
+
+#include <memory>
 
 class QPushButton;
 class QScrollArea;
 
 namespace zelvar {
 
+class DriverOptionChoice;
 class OptionPage;
 
 /// The row below the dialog for saving that has the user choose with which options a file is written: a button that
@@ -20,6 +23,9 @@ class SaveOptions final : public QWidget {
 public:
     /// `given`: text behind "?" to begin with. The dialog grows and shrinks with the page.
     SaveOptions(QWidget &dialog, DString const &given);
+    ~SaveOptions() override;
+    SaveOptions(SaveOptions const &) = delete;
+    SaveOptions &operator=(SaveOptions const &) = delete;
 
     /// The options of the driver of that id; none for an empty one. May wait for it, two seconds at most.
     void ShowDriver(DString const &driverId);
@@ -32,7 +38,7 @@ private:
     void Keep();
 
     QWidget &m_dialog;
-    DriverOptionChoice m_choice{DriverOptionChoice::Use::Writing};
+    std::unique_ptr<DriverOptionChoice> m_choice;
     QPushButton *m_button;
     QScrollArea *m_area;
     OptionPage *m_page = nullptr; ///< the area's; null without options

@@ -219,7 +219,8 @@ OpenOutcome OutcomeOf(OpenFacts const &item, OpenWish const &wish, std::uint64_t
     outcome.text = Joined({Describe(*item.image, item.members), fault, item.image->differences,
                            item.damage.IsSet() ? RemedyInWords(item.damage) : DString()},
                           "; ");
-    outcome.reason = item.damage.Text();
+    if (outcome.text.find(item.damage.Text()) == DString::npos)
+        outcome.reason = item.damage.Text();
     return outcome;
 }
 

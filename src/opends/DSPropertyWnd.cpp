@@ -13,6 +13,7 @@
 
 #include <QtGui/QResizeEvent>
 #include <QtWidgets/QProxyStyle>
+#include <QtWidgets/QStyle>
 #include <QtWidgets/QTabBar>
 
 namespace zelvar {
@@ -192,6 +193,15 @@ void DSPropertyWnd::ClearWnd(int mode) {
         m_bar->Reset();
     else
         m_bar->ShowExtent({});
+}
+
+int DSPropertyWnd::WidthOfTabs() const {
+    int width =
+        2 * tabBar()->style()->pixelMetric(QStyle::PM_DefaultFrameWidth) + tabBar()->fontMetrics().averageCharWidth();
+    for (int tab = 0; tab < count(); ++tab)
+        width += fontMetrics().horizontalAdvance(tabText(tab)) +
+                 tabBar()->style()->pixelMetric(QStyle::PM_TabBarTabHSpace, nullptr, tabBar());
+    return width;
 }
 
 bool DSPropertyWnd::IsReading() const { return m_worker->IsBusy(); }

@@ -67,6 +67,8 @@ public:
     /// documents are picked.
     void AddPreviewBar();
 
+    /// What the names of all tabs take side by side, pixels.
+    [[nodiscard]] int WidthOfTabs() const;
     [[nodiscard]] ImagePreviewWnd *Preview() const { return m_previewWnd; }
     [[nodiscard]] PreviewBar *Bar() const { return m_bar; } ///< null without it
     [[nodiscard]] ImageExtraWnd *Extra() const { return m_extraWnd; }

@@ -271,7 +271,9 @@ void DlgOpenDS::CreateForecast() {
 
 void DlgOpenDS::InitializeLayout() {
     int const fifth = std::max(m_splitter->width() / 5, kMinTrack);
-    m_splitter->SetColumnInfo(0, fifth, kMinTrack);
+    // Nearly every file brings options of its driver along: their tab shall not cut the names of the others.
+    int const tabs = m_driverOptions == nullptr ? 0 : std::min(m_propertyWnd->WidthOfTabs(), m_splitter->width() / 3);
+    m_splitter->SetColumnInfo(0, std::max(fifth, tabs), kMinTrack);
     m_splitter->SetColumnInfo(1, fifth, kMinTrack);
     m_splitter->RecalcLayout();
     m_leftSplitter->SetRowInfo(0, std::max(m_leftSplitter->height() / 2, kMinTrack), kMinTrack);
