@@ -20,6 +20,14 @@ bool TakePrefix(std::string_view &text, std::string_view prefix) {
     return found;
 }
 
+/// Whether the text begins with letters that begin no number: most texts do, and this costs less than to read them.
+bool BeginsLikeWord(std::string_view text) {
+    auto const lower = [&](std::size_t at) { return at < text.size() ? text[at] | 0x20 : 0; };
+    bool const isLetter = lower(0) >= 'a' && lower(0) <= 'z';
+    bool const isNumber = (lower(0) == 'i' && lower(1) == 'n') || (lower(0) == 'n' && lower(1) == 'a');
+    return isLetter && !isNumber;
+}
+
 } // namespace
 
 std::optional<double> ParseCellNumber(std::string_view text) {
@@ -27,7 +35,7 @@ std::optional<double> ParseCellNumber(std::string_view text) {
     bool const negative = TakePrefix(text, "-");
     if (!negative)
         TakePrefix(text, "+");
-    if (text.starts_with('-') || text.starts_with('+'))
+    if (text.starts_with('-') || text.starts_with('+') || BeginsLikeWord(text))
         return std::nullopt;
     std::string_view digits = text;
     bool const hexadecimal = TakePrefix(digits, "0x") || TakePrefix(digits, "0X");

@@ -22,7 +22,14 @@ FolderFolding::FolderFolding(platform::ShellNamespace const &shell, platform::Sh
                              DataSetFolding folding, std::string_view mask)
     : m_shell(shell), m_folding(folding), m_mask(mask), m_maySlow(platform::MayBlockAt(shell.Path(folder))) {}
 
-void FolderFolding::Add(ShellChild &&child) { m_children.push_back(std::move(child)); }
+void FolderFolding::Add(ShellChild &&child) {
+    if (child.kind == ShellKind::File) {
+        m_names += child.name;
+        m_nameEnds.push_back(m_names.size());
+        m_files.push_back(static_cast<std::uint32_t>(m_children.size()));
+    }
+    m_children.push_back(std::move(child));
+}
 
 std::optional<DataFolder> FolderFolding::LookInto(ShellChild const &child) {
     constexpr std::chrono::milliseconds kForAll{100};
@@ -44,17 +51,18 @@ void FolderFolding::Finish(IsStopped const &isStopped, std::function<void(Row &&
                            std::function<void(SeriesRow &&)> const &takeSeries) {
     std::vector<std::string_view> names;
     std::vector<bool> isWanted;
-    std::vector<std::uint32_t> places;
-    for (std::uint32_t i = 0; i < m_children.size(); ++i)
-        if (m_children[i].kind == ShellKind::File) {
-            names.push_back(m_children[i].name);
-            isWanted.push_back(NtwDataSourceItemItr::IsListed(m_children[i].name, m_mask));
-            places.push_back(i);
-        }
+    names.reserve(m_files.size());
+    isWanted.reserve(m_files.size());
+    std::size_t begin = 0;
+    for (std::size_t const end : m_nameEnds) {
+        names.push_back(std::string_view(m_names).substr(begin, end - begin));
+        isWanted.push_back(NtwDataSourceItemItr::IsListed(names.back(), m_mask));
+        begin = end;
+    }
     DataSetPlan plan = PlanDataSets(names, isWanted, m_folding);
-    auto const file = [&](std::uint32_t place) -> ShellChild & { return m_children[places[place]]; };
-    std::vector<std::int64_t> beside(places.size());
-    for (std::uint32_t i = 0; i < places.size(); ++i)
+    auto const file = [&](std::uint32_t place) -> ShellChild & { return m_children[m_files[place]]; };
+    std::vector<std::int64_t> beside(m_files.size());
+    for (std::uint32_t i = 0; i < m_files.size(); ++i)
         if (plan.masters[i] != i)
             beside[plan.masters[i]] += std::max<std::int64_t>(file(i).file.size, 0);
 
@@ -84,6 +92,9 @@ void FolderFolding::Finish(IsStopped const &isStopped, std::function<void(Row &&
         if (!isStopped())
             takeSeries(std::move(row));
     m_children.clear();
+    m_names.clear();
+    m_nameEnds.clear();
+    m_files.clear();
 }
 
 } // namespace zelvar

@@ -5,6 +5,7 @@
 #include "zelvar/platform/os/ShellNamespace.h"
 
 #include <chrono>
+#include <deque>
 #include <functional>
 #include <vector>
 
@@ -44,8 +45,11 @@ private:
     platform::ShellNamespace const &m_shell;
     DataSetFolding m_folding;
     std::string_view m_mask;
-    bool m_maySlow; ///< to look into many folders may take long there
-    std::vector<platform::ShellChild> m_children;
+    bool m_maySlow;                              ///< to look into many folders may take long there
+    std::deque<platform::ShellChild> m_children; ///< they stay where they are while more come
+    DString m_names;                             ///< of the files, one behind the other: they are read several times
+    std::vector<std::size_t> m_nameEnds;
+    std::vector<std::uint32_t> m_files; ///< their places among the children
     Clock::duration m_looked{};
 };
 

@@ -124,34 +124,57 @@ bool CsvSort::GuessCode() {
         },
         kPiecesPerSample);
     if (isRead && !hasNumbers) {
-        m_guessed = {};
+        TextFacts guessed;
         for (TextFacts const &each : found)
-            m_guessed.Add(each);
-        m_guess.emplace(m_guessed);
+            guessed.Add(each);
+        m_guess.emplace(guessed);
+        // The shortest of all is hardly among those that were seen: where a word has room for that, texts may end
+        // anywhere.
+        guessed.shortest = 0;
+        if (TextCode wide(guessed); wide.Places() == m_guess->Places())
+            m_guess = std::move(wide);
     }
     return isRead;
 }
 
-/// Reads all texts once: the words of the numbers, or of the texts where there is a guess that holds.
+/// Reads all texts once: the words of the numbers, or of the texts while there is a guess that holds, which is taken
+/// back else.
 bool CsvSort::ReadFirstTime(TextFacts &facts, std::size_t &texts) {
     std::uint64_t const zero = SortWordOf(0);
     std::vector<TextFacts> found(m_work.Workers());
     std::vector<std::size_t> zeros(m_work.Workers());
+    std::atomic<bool> isWrong{false};
     m_work.SetStage(0, 0.4);
+    auto const guess = [&](TextFacts &longest, std::size_t slot, std::string_view text) {
+        std::optional<std::uint64_t> const word = m_guess->WordIfKnown(text);
+        if (!word || SortNumberOf(text) != 0) {
+            isWrong.store(true, std::memory_order_relaxed);
+            return;
+        }
+        longest.longest = std::max(longest.longest, text.size());
+        m_keys[slot] = OrderedWord(*word);
+    };
     bool const isRead = ForEachText([&](std::size_t worker, std::size_t slot, std::string_view text) {
+        if (m_guess) {
+            if (!isWrong.load(std::memory_order_relaxed))
+                guess(found[worker], slot, text);
+            return;
+        }
         double const number = SortNumberOf(text);
         m_keys[slot] = number == 0 ? zero : SortWordOf(m_ascending ? -number : number);
         if (number != 0)
             return;
         ++zeros[worker];
         found[worker].Look(text, 0);
-        if (m_guess)
-            m_keys[slot] = OrderedWord(m_guess->WordOf(text, 0));
     });
+    if (isWrong && isRead) {
+        m_guess.reset();
+        return ReadFirstTime(facts, texts);
+    }
     facts = {};
     for (TextFacts const &each : found)
         facts.Add(each);
-    texts = std::accumulate(zeros.begin(), zeros.end(), std::size_t{0});
+    texts = m_guess ? m_rows.size() : std::accumulate(zeros.begin(), zeros.end(), std::size_t{0});
     return isRead;
 }
 
@@ -161,13 +184,8 @@ bool CsvSort::SortNumbers(TextFacts &facts) {
     std::size_t texts = 0;
     if (!GuessCode() || !ReadFirstTime(facts, texts))
         return false;
-    if (texts == m_rows.size()) {
-        if (m_guess && !m_guess->Holds(m_guessed, facts))
-            m_guess.reset();
+    if (texts == m_rows.size())
         return true;
-    }
-    if (std::exchange(m_guess, std::nullopt) && !ReadFirstTime(facts, texts))
-        return false;
     std::span const keys(m_keys.get(), m_rows.size());
     m_work.SetStage(0.4, 0.7);
     if (!SortByKeys(keys, m_rows, m_work))

@@ -68,11 +68,10 @@ private:
     std::span<std::uint32_t> m_rows;
     RowOrder *m_order = nullptr;             ///< not owned
     std::unique_ptr<std::uint64_t[]> m_keys; ///< of the row in the same slot
-    TextFacts m_guessed;
-    std::optional<TextCode> m_guess;   ///< made of these, for the first words of all rows
-    Region m_region;                   ///< of the slots of those that are 0 as numbers
-    bool m_isAllOpen = true;           ///< all of that region, by row, is still to be told apart
-    std::vector<std::uint32_t> m_open; ///< else these slots of it, by row
+    std::optional<TextCode> m_guess;         ///< made of a sample, for the first words of all rows
+    Region m_region;                         ///< of the slots of those that are 0 as numbers
+    bool m_isAllOpen = true;                 ///< all of that region, by row, is still to be told apart
+    std::vector<std::uint32_t> m_open;       ///< else these slots of it, by row
 };
 
 } // namespace zelvar

@@ -25,7 +25,7 @@ void TextFacts::Add(TextFacts const &others) {
         used[place] |= others.used[place];
 }
 
-TextCode::TextCode(TextFacts const &facts) {
+TextCode::TextCode(TextFacts const &facts) : m_shortest(facts.shortest) {
     // Where a text may end, that is one more thing to be told apart, before all bytes.
     auto const choicesAt = [&](std::size_t place) {
         return facts.used[place].count() + (facts.shortest <= place ? 1 : 0);
@@ -40,22 +40,13 @@ TextCode::TextCode(TextFacts const &facts) {
     for (std::size_t place = places; place-- > 0; weight *= choicesAt(place)) {
         std::uint64_t rank = facts.shortest <= place ? 1 : 0;
         std::array<std::uint64_t, 256> &shares = m_shares[place];
-        shares.fill(0);
+        shares.fill(kUnknown);
         for (std::size_t byte = 0; byte < shares.size(); ++byte)
             if (facts.used[place].test(byte))
                 shares[byte] = weight * rank++;
         for (char upper = 'A'; upper <= 'Z'; ++upper)
             shares[static_cast<unsigned char>(upper)] = shares[SortByteOf(upper)];
     }
-}
-
-bool TextCode::Holds(TextFacts const &some, TextFacts const &all) const {
-    for (std::size_t place = 0; place < Places(); ++place) {
-        bool const isEndNew = all.shortest <= place && some.shortest > place;
-        if (isEndNew || (all.used[place] & ~some.used[place]).any())
-            return false;
-    }
-    return true;
 }
 
 std::uint64_t TextCode::WordOf(std::string_view text, std::size_t begin) const {
@@ -65,6 +56,18 @@ std::uint64_t TextCode::WordOf(std::string_view text, std::size_t begin) const {
     for (std::size_t place = 0; place < seen; ++place)
         word += m_shares[place][static_cast<unsigned char>(text[place])];
     return word;
+}
+
+std::optional<std::uint64_t> TextCode::WordIfKnown(std::string_view text) const {
+    std::size_t const seen = std::min(text.size(), m_shares.size());
+    bool isKnown = text.size() >= std::min(m_shortest, m_shares.size());
+    std::uint64_t word = 0;
+    for (std::size_t place = 0; place < seen; ++place) {
+        std::uint64_t const share = m_shares[place][static_cast<unsigned char>(text[place])];
+        isKnown = isKnown && share != kUnknown;
+        word += share;
+    }
+    return isKnown ? std::optional(word) : std::nullopt;
 }
 
 } // namespace zelvar

@@ -3,6 +3,7 @@
 #include <array>
 #include <bitset>
 #include <cstdint>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -29,15 +30,17 @@ public:
 class TextCode {
 public:
     explicit TextCode(TextFacts const &facts);
-    /// Whether a code made of `some` facts serves texts with `all` of these just as well.
-    [[nodiscard]] bool Holds(TextFacts const &some, TextFacts const &all) const;
-
     /// Places that a word holds; texts of equal words may differ behind them.
     [[nodiscard]] std::size_t Places() const { return m_shares.size(); }
     /// Of a text from place `begin` on, where the facts began.
     [[nodiscard]] std::uint64_t WordOf(std::string_view text, std::size_t begin) const;
+    /// Of a whole text that may not be among those that the facts are about; nothing if the facts do not hold for it.
+    [[nodiscard]] std::optional<std::uint64_t> WordIfKnown(std::string_view text) const;
 
 private:
+    static constexpr std::uint64_t kUnknown = ~std::uint64_t{0}; ///< more than any share
+
+    std::size_t m_shortest = 0;
     std::vector<std::array<std::uint64_t, 256>> m_shares; ///< what a byte at a place adds
 };
 

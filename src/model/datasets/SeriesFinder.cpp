@@ -247,28 +247,41 @@ private:
 
 } // namespace
 
-std::vector<FoundSeries> FindSeries(std::span<std::string_view const> names) {
-    NumberedNames const numbered(names);
-    // By the hash of what they agree in; what only shares it with others is told apart below.
-    HashedPlaces groups(numbered.Size());
-    std::vector<std::uint64_t> hashes; // of a group
-    std::vector<std::uint32_t> counts;
-    std::vector<std::uint32_t> groupOf(numbered.Size());
-    for (std::uint32_t i = 0; i < numbered.Size(); ++i) {
-        std::uint64_t const hash = numbered.Hash(i);
-        std::uint32_t &group = groups.At(hash, [&](std::uint32_t other) { return hashes[other] == hash; });
-        if (group == HashedPlaces::kNone) {
-            group = static_cast<std::uint32_t>(hashes.size());
-            hashes.push_back(hash);
-            counts.push_back(0);
+struct SeriesFinder::Groups {
+    explicit Groups(std::span<std::string_view const> names) : numbered(names), groupOf(numbered.Size()) {
+        HashedPlaces byHash(numbered.Size());
+        std::vector<std::uint64_t> hashes; // of a group
+        for (std::uint32_t i = 0; i < numbered.Size(); ++i) {
+            std::uint64_t const hash = numbered.Hash(i);
+            std::uint32_t &group = byHash.At(hash, [&](std::uint32_t other) { return hashes[other] == hash; });
+            if (group == HashedPlaces::kNone) {
+                group = static_cast<std::uint32_t>(hashes.size());
+                hashes.push_back(hash);
+            }
+            groupOf[i] = group;
         }
-        groupOf[i] = group;
-        ++counts[group];
+        count = hashes.size();
     }
-    std::vector<std::vector<std::uint32_t>> members(hashes.size());
+
+    NumberedNames numbered;
+    /// By the hash of what they agree in; what only shares it with others is told apart later.
+    std::vector<std::uint32_t> groupOf;
+    std::size_t count = 0;
+};
+
+SeriesFinder::SeriesFinder(std::span<std::string_view const> names) : m_groups(std::make_unique<Groups>(names)) {}
+
+SeriesFinder::~SeriesFinder() = default;
+
+std::vector<FoundSeries> SeriesFinder::Find(std::vector<bool> const &isWanted) const {
+    NumberedNames const &numbered = m_groups->numbered;
+    std::vector<std::uint32_t> counts(m_groups->count);
     for (std::uint32_t i = 0; i < numbered.Size(); ++i)
-        if (counts[groupOf[i]] >= kFewest)
-            members[groupOf[i]].push_back(i);
+        counts[m_groups->groupOf[i]] += isWanted[numbered.Place(i)] ? 1 : 0;
+    std::vector<std::vector<std::uint32_t>> members(m_groups->count);
+    for (std::uint32_t i = 0; i < numbered.Size(); ++i)
+        if (isWanted[numbered.Place(i)] && counts[m_groups->groupOf[i]] >= kFewest)
+            members[m_groups->groupOf[i]].push_back(i);
     std::vector<FoundSeries> found;
     for (std::vector<std::uint32_t> &alike : members) {
         if (alike.empty())

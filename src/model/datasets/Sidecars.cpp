@@ -205,12 +205,15 @@ bool MayBeSidecar(std::string_view name) {
 std::vector<Place> FindMasters(Names names) {
     std::vector<Place> masters(names.size());
     std::iota(masters.begin(), masters.end(), Place{0});
-    if (std::none_of(names.begin(), names.end(), MayBeSidecar))
-        return masters;
-    ByStem const byStem(names);
+    std::vector<Place> beside;
     for (Place i = 0; i < names.size(); ++i)
         if (MayBeSidecar(names[i]))
-            masters[i] = FindMaster(names, i, byStem);
+            beside.push_back(i);
+    if (beside.empty())
+        return masters;
+    ByStem const byStem(names);
+    for (Place const place : beside)
+        masters[place] = FindMaster(names, place, byStem);
     // A master's own master: names get shorter on the way or end in a file that stands alone, so the way ends.
     constexpr int kMostSteps = 4; // two files that belonged to each other would go round
     for (Place &master : masters)

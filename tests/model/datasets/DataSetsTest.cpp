@@ -39,7 +39,7 @@ Names SeriesIn(Names names) {
     std::shuffle(names.begin(), names.end(), std::mt19937(1)); // NOLINT(cert-msc32-c,cert-msc51-cpp)
     std::vector<std::string_view> const views(names.begin(), names.end());
     Names found;
-    for (FoundSeries const &series : FindSeries(views)) {
+    for (FoundSeries const &series : SeriesFinder(views).Find(std::vector<bool>(views.size(), true))) {
         found.push_back(series.name.Text() + ": " + SeriesSummary(series.name, series.slots));
         for (std::size_t i = 0; i < series.members.size(); ++i) {
             DString const &member = names[series.members[i]];
