@@ -277,7 +277,7 @@ std::vector<FoundSeries> SeriesFinder::Find(std::vector<bool> const &isWanted) c
     NumberedNames const &numbered = m_groups->numbered;
     std::vector<std::uint32_t> counts(m_groups->count);
     for (std::uint32_t i = 0; i < numbered.Size(); ++i)
-        counts[m_groups->groupOf[i]] += isWanted[numbered.Place(i)] ? 1 : 0;
+        counts[m_groups->groupOf[i]] += isWanted[numbered.Place(i)] ? 1U : 0U;
     std::vector<std::vector<std::uint32_t>> members(m_groups->count);
     for (std::uint32_t i = 0; i < numbered.Size(); ++i)
         if (isWanted[numbered.Place(i)] && counts[m_groups->groupOf[i]] >= kFewest)
