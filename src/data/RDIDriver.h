@@ -3,6 +3,7 @@
 #include "zelvar/base/Report.h"
 #include "zelvar/data/BDIMoniker.h"
 #include "zelvar/data/DIOPlugin.h"
+#include "zelvar/data/RDIWindow.h"
 #include "zelvar/data/StopSignal.h"
 
 #include <cstdint>
@@ -36,22 +37,6 @@ enum RDIDataType {
            : type == RDI_UInt32 || type == RDI_Int32 || type == RDI_Float32 ? 4
                                                                             : 0;
 }
-
-/// A window of an image, pixels, and the size that it is brought to.
-struct RDIWindow {
-    double x = 0;
-    double y = 0;
-    double width = 0;
-    double height = 0;
-    int outWidth = 0;
-    int outHeight = 0;
-};
-
-/// How much of damaged data could be read.
-struct RDIRowsRead {
-    int rows = 0;
-    int all = 0; ///< 0 where nothing was damaged
-};
 
 /// Raster data interface driver: reads channels of images.
 ///

@@ -13,54 +13,28 @@ void ExtrasFinder::SetOwner(platform::MessageTarget target, platform::MessageId 
 }
 
 void ExtrasFinder::Ask(DataSourceExtras const &extras, ItemList items, Drivers drivers, DString driverId) {
-    {
-        std::lock_guard const lock(m_mutex);
+    Hand([&] {
         m_pending = {extras, std::move(items), drivers, std::move(driverId)};
         m_answer.reset();
         m_stop = true;
-        if (m_running)
-            return; // the thread at work takes it
-        m_running = true;
-        m_self = shared_from_this();
-    }
-    Finish(); // the former body has ended; its thread is about to
-    if (!Start()) {
-        std::lock_guard const lock(m_mutex);
-        m_running = false;
-        m_self.reset();
-    }
+        return true;
+    });
 }
 
-void ExtrasFinder::Release() {
-    {
-        std::lock_guard const lock(m_mutex);
-        m_pending.reset();
-        m_stop = true;
-    }
-    Abandon(); // the thread holds this object until it has ended
+void ExtrasFinder::Cancel() {
+    std::lock_guard const lock(m_mutex);
+    m_pending.reset();
+    m_stop = true;
 }
 
 bool ExtrasFinder::IsBusy(std::chrono::milliseconds wait) const {
     std::unique_lock lock(m_mutex);
-    return !m_idle.wait_for(lock, wait, [this] { return !m_running; });
+    return !m_idle.wait_for(lock, wait, [this] { return !IsRunning(); });
 }
 
 std::optional<ExtrasFinder::Answer> ExtrasFinder::TakeAnswer() {
     std::lock_guard const lock(m_mutex);
     return std::exchange(m_answer, std::nullopt);
-}
-
-bool ExtrasFinder::TakeQuestion(Question &question) {
-    std::lock_guard const lock(m_mutex);
-    if (!m_pending) {
-        m_running = false;
-        m_self.reset(); // the body still holds it
-        m_idle.notify_all();
-        return false;
-    }
-    question = *std::exchange(m_pending, std::nullopt);
-    m_stop = false;
-    return true;
 }
 
 void ExtrasFinder::TellDriverOf(Question const &question, Answer &answer) const {
@@ -75,21 +49,25 @@ void ExtrasFinder::TellDriverOf(Question const &question, Answer &answer) const 
     answer.lists = DriverOptions(answer.driverId);
 }
 
-void ExtrasFinder::Run() {
-    // The last owner may be this thread.
-    std::shared_ptr<ExtrasFinder> const self = shared_from_this();
-    for (Question question; TakeQuestion(question);) {
-        Answer answer{question.extras.FindFirstOptions(question.items, m_stop)};
-        if (answer.options == nullptr && question.drivers == Drivers::Ask && !question.items.empty())
-            TellDriverOf(question, answer);
-        {
-            std::lock_guard const lock(m_mutex);
-            if (m_stop || m_pending)
-                continue;
-            m_answer = std::move(answer);
-        }
-        m_target.Post(m_message);
+bool ExtrasFinder::WorkOnNext() {
+    std::optional<Question> question;
+    if (!TakeNext([&] {
+            question = std::exchange(m_pending, std::nullopt);
+            m_stop = false;
+            return question.has_value();
+        }))
+        return false;
+    Answer answer{question->extras.FindFirstOptions(question->items, m_stop)};
+    if (answer.options == nullptr && question->drivers == Drivers::Ask && !question->items.empty())
+        TellDriverOf(*question, answer);
+    {
+        std::lock_guard const lock(m_mutex);
+        if (m_stop || m_pending)
+            return true;
+        m_answer = std::move(answer);
     }
+    m_target.Post(m_message);
+    return true;
 }
 
 } // namespace zelvar

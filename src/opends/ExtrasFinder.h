@@ -1,9 +1,9 @@
 #pragma once
 
-#include "zelvar/base/DThread.h"
 #include "zelvar/data/DriverOptions.h"
 #include "zelvar/data/StopSignal.h"
 #include "zelvar/model/DataSourceExtras.h"
+#include "zelvar/opends/WindowWorker.h"
 #include "zelvar/platform/ui/MessageTarget.h"
 
 #include <list>
@@ -16,17 +16,11 @@ namespace zelvar {
 /// Finds out, on a thread of its own, which import options belong to a selection: those of its first item that has any,
 /// or else those of the driver that reads the first item.
 /// However much is selected, the windows do not wait for it.
-///
-/// `Run` belongs to the worker's thread, all else to the user-interface thread. It lives as long as its thread: a
-/// window that closes lets go of it and does not wait.
-class ExtrasFinder final : public DThread, public std::enable_shared_from_this<ExtrasFinder> {
+class ExtrasFinder final : public WindowWorker {
 public:
     using ItemList = std::list<RefItemPtr<DataSourceItem>>;
 
     static std::shared_ptr<ExtrasFinder> Create() { return std::shared_ptr<ExtrasFinder>(new ExtrasFinder); }
-    ~ExtrasFinder() override = default;
-    ExtrasFinder(ExtrasFinder const &) = delete;
-    ExtrasFinder &operator=(ExtrasFinder const &) = delete;
 
     /// Once, before the first question. `target` gets `message` when there is an answer to take.
     void SetOwner(platform::MessageTarget target, platform::MessageId message);
@@ -34,8 +28,7 @@ public:
     /// counts. `driverId` is that of the driver that is to read the first item, empty where that is to be found out.
     enum class Drivers { Leave, Ask };
     void Ask(DataSourceExtras const &extras, ItemList items, Drivers drivers = Drivers::Leave, DString driverId = {});
-    /// The window goes: what is under way is stopped and its answer is dropped. Does not wait.
-    void Release();
+    void Cancel() override;
 
     /// Whether an answer is under way. With `wait`, returns as soon as none is, or when that time is over.
     [[nodiscard]] bool IsBusy(std::chrono::milliseconds wait = {}) const;
@@ -47,8 +40,6 @@ public:
     };
     [[nodiscard]] std::optional<Answer> TakeAnswer();
 
-    void Run() override;
-
 private:
     ExtrasFinder() = default;
     struct Question {
@@ -58,12 +49,8 @@ private:
         DString driverId;
     };
     void TellDriverOf(Question const &question, Answer &answer) const;
-    bool TakeQuestion(Question &question);
+    bool WorkOnNext() override;
 
-    mutable std::mutex m_mutex; ///< guards all below but the signal
-    mutable std::condition_variable m_idle;
-    bool m_running = false;
-    std::shared_ptr<ExtrasFinder> m_self; ///< while the thread is at work
     std::optional<Question> m_pending;
     std::optional<Answer> m_answer;
     StopSignal m_stop{false};

@@ -22,30 +22,14 @@ void FactsFinder::SetOwner(platform::MessageTarget target, platform::MessageId m
 }
 
 void FactsFinder::Ask(std::vector<OpenSubject> subjects, OpenWish wish) {
-    {
-        std::lock_guard const lock(m_mutex);
+    Hand([&] {
         m_found.clear();
         m_stop = true;
         m_pending.reset();
-        if (subjects.empty())
-            return;
-        m_pending = {std::move(subjects), wish};
-        if (m_running)
-            return; // the thread at work takes it
-        m_running = true;
-        m_self = shared_from_this();
-    }
-    Finish(); // the former body has ended; its thread is about to
-    if (!Start()) {
-        std::lock_guard const lock(m_mutex);
-        m_running = false;
-        m_self.reset();
-    }
-}
-
-void FactsFinder::Release() {
-    Cancel();
-    Abandon(); // the thread holds this object until it has ended
+        if (!subjects.empty())
+            m_pending = {std::move(subjects), wish};
+        return m_pending.has_value();
+    });
 }
 
 std::vector<OpenFacts> FactsFinder::Take() {
@@ -55,19 +39,7 @@ std::vector<OpenFacts> FactsFinder::Take() {
 
 bool FactsFinder::IsBusy() const {
     std::lock_guard const lock(m_mutex);
-    return m_running && (m_pending || !m_stop);
-}
-
-bool FactsFinder::TakeQuestion(Question &question) {
-    std::lock_guard const lock(m_mutex);
-    if (!m_pending) {
-        m_running = false;
-        m_self.reset(); // the body still holds it
-        return false;
-    }
-    question = *std::exchange(m_pending, std::nullopt);
-    m_stop = false;
-    return true;
+    return IsRunning() && (m_pending || !m_stop);
 }
 
 bool FactsFinder::Tell(OpenFacts facts) {
@@ -96,18 +68,22 @@ void FactsFinder::Answer(Question const &question) {
     }
 }
 
-void FactsFinder::Run() {
-    // The last owner may be this thread.
-    std::shared_ptr<FactsFinder> const self = shared_from_this();
+bool FactsFinder::WorkOnNext() {
+    std::optional<Question> question;
+    if (!TakeNext([&] {
+            question = std::exchange(m_pending, std::nullopt);
+            m_stop = false;
+            return question.has_value();
+        }))
+        return false;
     std::ignore = setpriority(PRIO_PROCESS, static_cast<id_t>(gettid()), kNiceness); // it only helps
-    for (Question question; TakeQuestion(question);) {
-        Answer(question);
-        {
-            std::lock_guard const lock(m_mutex);
-            m_stop = true;
-        }
-        m_target.Post(m_message); // it looks no more
+    Answer(*question);
+    {
+        std::lock_guard const lock(m_mutex);
+        m_stop = true;
     }
+    m_target.Post(m_message); // it looks no more
+    return true;
 }
 
 } // namespace zelvar

@@ -16,11 +16,6 @@ bool SpeaksAgainstData(DError::Cause cause) {
 
 } // namespace
 
-void PropertyWorker::Release() {
-    Cancel();
-    Abandon(); // the thread holds this object until it has ended
-}
-
 void PropertyWorker::SetOwner(platform::MessageTarget target, DLGTemplate dlgTemplate) {
     m_target = std::move(target);
     m_dlgTemplate = dlgTemplate;
@@ -30,7 +25,7 @@ void PropertyWorker::Restart(RefItemPtr<DataSourceItem> item, DString format, DS
     auto const *const file = dynamic_cast<NtwDataSourceItem const *>(item.get());
     bool const unclassified = file != nullptr && file->MayTurnOutContainer();
     m_last = {std::move(item), unclassified, std::move(format), std::move(options), m_wish, {}};
-    Hand(m_last);
+    Give(m_last);
 }
 
 void PropertyWorker::Look(PreviewChoice const &choice) {
@@ -39,43 +34,31 @@ void PropertyWorker::Look(PreviewChoice const &choice) {
     Job job = m_last;
     job.look = choice;
     job.wish.reset(); // the facts of the item are told
-    Hand(std::move(job));
+    Give(std::move(job));
 }
 
-void PropertyWorker::Hand(Job job) {
-    {
-        DSingleLock const lock(m_stateLock);
+void PropertyWorker::Give(Job job) {
+    Hand([&] {
         if (job.look && m_pending.item != nullptr && !m_pending.look)
-            return; // nothing is known yet of the item that it would be a look at
+            return false; // nothing is known yet of the item that it would be a look at
         m_cancel = m_cancel || !job.look || m_givesWay;
         m_pending = std::move(job);
-        {
-            DSingleLock const values(m_canvasLock);
-            m_values.reset(); // of a picture that is not wanted any more
-        }
-        if (m_running)
-            return; // the thread at work sees the signal and takes the job itself
-        m_running = true;
-        m_self = shared_from_this();
-    }
-    Finish(); // the former body has ended; its thread is about to
-    if (!Start()) {
-        DSingleLock const lock(m_stateLock);
-        m_running = false;
-        m_self.reset();
-    }
+        DSingleLock const values(m_canvasLock);
+        m_values.reset(); // of a picture that is not wanted any more
+        return true;
+    });
 }
 
 void PropertyWorker::Cancel() {
     m_last = {};
-    DSingleLock const lock(m_stateLock);
+    std::lock_guard const lock(m_mutex);
     m_pending = {};
     m_cancel = true;
 }
 
 bool PropertyWorker::IsBusy() const {
-    DSingleLock const lock(m_stateLock);
-    return m_running;
+    std::lock_guard const lock(m_mutex);
+    return IsRunning();
 }
 
 std::optional<PropertyMap> PropertyWorker::TakeProps() {
@@ -119,24 +102,17 @@ void PropertyWorker::Keep(Seen seen) {
     m_target.Post(WM_ITEM_PROPPERTY_MAP_READY);
 }
 
-bool PropertyWorker::TakeJob(Job &job) {
-    DSingleLock const lock(m_stateLock);
-    job = std::exchange(m_pending, {});
-    if (job.item == nullptr) {
-        m_running = false;
-        m_self.reset(); // the body still holds it
-        return false;
-    }
-    m_cancel = false;
-    m_givesWay = job.look.has_value();
-    return true;
-}
-
-void PropertyWorker::Run() {
-    // The last owner may be this thread.
-    std::shared_ptr<PropertyWorker> const self = shared_from_this();
-    for (Job job; TakeJob(job);)
+bool PropertyWorker::WorkOnNext() {
+    Job job;
+    bool const isJob = TakeNext([&] {
+        job = std::exchange(m_pending, {});
+        m_cancel = false;
+        m_givesWay = job.look.has_value();
+        return job.item != nullptr;
+    });
+    if (isJob)
         Work(job);
+    return isJob;
 }
 
 void PropertyWorker::Classify(Job const &job) {
@@ -225,7 +201,7 @@ void PropertyWorker::Work(Job const &job) {
 }
 
 bool PropertyWorker::MayLinger() {
-    DSingleLock const lock(m_stateLock);
+    std::lock_guard const lock(m_mutex);
     m_givesWay = true;
     return m_pending.item == nullptr;
 }

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "zelvar/base/DThread.h"
 #include "zelvar/data/RDIDriver.h"
 #include "zelvar/model/DataSourceItem.h"
 #include "zelvar/model/ItemProperties.h"
 #include "zelvar/opends/OpenFactsReading.h"
+#include "zelvar/opends/WindowWorker.h"
 #include "zelvar/pixels/DCanvas.h"
 #include "zelvar/platform/ui/MessageTarget.h"
 
@@ -15,20 +15,11 @@ namespace zelvar {
 
 /// Reads properties and a preview of one item after the other on a thread of its own.
 ///
-/// `Restart` and the takers belong to the user-interface thread, `Run` to the worker's. What crosses goes through the
-/// members under their locks; the messages only tell that it is there. At most one job waits; a newer one replaces it,
-/// and the one under way is told to stop.
-///
-/// It lives as long as its thread: a window that closes while a file system does not answer lets go of it and does not
-/// wait.
-class ZELVAR_API PropertyWorker final : public DThread, public std::enable_shared_from_this<PropertyWorker> {
+/// What crosses goes through the members under their locks; the messages only tell that it is there. At most one job
+/// waits; a newer one replaces it, and the one under way is told to stop.
+class ZELVAR_API PropertyWorker final : public WindowWorker {
 public:
     static std::shared_ptr<PropertyWorker> Create() { return std::shared_ptr<PropertyWorker>(new PropertyWorker); }
-    ~PropertyWorker() override = default;
-    PropertyWorker(PropertyWorker const &) = delete;
-    PropertyWorker &operator=(PropertyWorker const &) = delete;
-    /// The window goes: what is under way is stopped and its results are dropped. Does not wait.
-    void Release();
 
     /// Once, before the first job. The window that `target` stands for gets the messages.
     void SetOwner(platform::MessageTarget target, DLGTemplate dlgTemplate);
@@ -42,8 +33,7 @@ public:
     /// Reads another picture of the item that was handed over last. A newer choice takes the place of one that waits or
     /// is being read; what is read of the item first is finished before.
     void Look(PreviewChoice const &choice);
-    /// Stops what is under way and forgets the job that waits. Does not wait.
-    void Cancel();
+    void Cancel() override;
     [[nodiscard]] bool IsBusy() const;
 
     // Two messages can wait when the results of the second job are there already: the first takes them, the second
@@ -70,8 +60,6 @@ public:
     /// Whether there is something for it to take.
     [[nodiscard]] bool HasSeen() const;
 
-    void Run() override;
-
 private:
     PropertyWorker() = default;
     struct Job {
@@ -82,9 +70,8 @@ private:
         std::optional<OpenWish> wish;
         std::optional<PreviewChoice> look; ///< a picture alone
     };
-    void Hand(Job job);
-    /// The next job, or false: then `m_running` is false too, in one step, so that no job is ever left behind.
-    bool TakeJob(Job &job);
+    void Give(Job job);
+    bool WorkOnNext() override;
     void Work(Job const &job);
     void Classify(Job const &job);
     /// False if it is not what the dialog picks.
@@ -97,10 +84,7 @@ private:
     [[nodiscard]] bool MayLinger();
     void ReadValues(Job const &job, Seen const &seen);
 
-    mutable DMutex m_stateLock; ///< guards the job and `m_running`
-    bool m_running = false;
-    std::shared_ptr<PropertyWorker> m_self; ///< while the thread is at work
-    Job m_pending;
+    Job m_pending;           ///< of no item where none waits
     bool m_givesWay = false; ///< what is under way ends when another look comes
     StopSignal m_cancel{false};
 

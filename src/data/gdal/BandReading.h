@@ -10,15 +10,8 @@ namespace zelvar::gdal {
 /// GDAL's handle of a band.
 using BandHandle = void *;
 
-/// Part of a band, pixels, and the size that it is brought to.
-struct Window {
-    double x = 0;
-    double y = 0;
-    double width = 0;
-    double height = 0;
-    int outWidth = 0;
-    int outHeight = 0;
-};
+/// Part of a band.
+using Window = RDIWindow;
 
 /// How GDAL itself brings a window to another size.
 enum class Reduction { Pick, Average };

@@ -100,19 +100,9 @@ bool ReadInsideAs(std::vector<BandHandle> const &bands, RDIDataType type, Window
     return false;
 }
 
-struct Span {
-    int begin = 0;
-    int end = 0;
-    [[nodiscard]] int Length() const { return end - begin; }
-};
 /// The pixels of the result whose centres lie inside the band.
-Span InsideOf(double offset, double size, int outSize, int bandSize) {
-    double const step = size / outSize;
-    auto const pixelAt = [&](double position) {
-        return static_cast<int>(
-            std::clamp(std::ceil((position - offset) / step - 0.5), 0.0, static_cast<double>(outSize)));
-    };
-    return {pixelAt(0), pixelAt(bandSize)};
+RDISpan InsideOf(double offset, double size, int outSize, int bandSize) {
+    return RDISamplesInside(offset, size, outSize, 0, bandSize);
 }
 
 bool AreOfOneSize(BandHandle a, BandHandle b) {
@@ -135,8 +125,8 @@ bool ReadPart(BandHandle band, RDIDataType type, ReadRequest const &request, uns
     Window const &window = request.window;
     auto const sampleSize = static_cast<std::size_t>(RDIGetDTSize(type));
     std::size_t const rowSize = RowSize(type, window);
-    Span const columns = InsideOf(window.x, window.width, window.outWidth, GDALGetRasterBandXSize(band));
-    Span const rows = InsideOf(window.y, window.height, window.outHeight, GDALGetRasterBandYSize(band));
+    RDISpan const columns = InsideOf(window.x, window.width, window.outWidth, GDALGetRasterBandXSize(band));
+    RDISpan const rows = InsideOf(window.y, window.height, window.outHeight, GDALGetRasterBandYSize(band));
     if (columns.Length() < 1 || rows.Length() < 1)
         return true;
     double const stepX = window.width / window.outWidth;
@@ -163,20 +153,8 @@ void FillWithZeros(unsigned char *buffer, RDIDataType type, Window const &window
     std::fill_n(buffer, RowSize(type, window) * static_cast<std::size_t>(window.outHeight), std::uint8_t{0});
 }
 
-/// Those of `count` cells of `size` pixels that a stretch of the axis touches.
-Span CellsOf(double offset, double length, int size, int count) {
-    auto const clamped = [count](double cell) {
-        return static_cast<int>(std::clamp(cell, 0.0, static_cast<double>(count)));
-    };
-    return {clamped(std::floor(offset / size)), clamped(std::ceil((offset + length) / size))};
-}
-
 bool IsSensible(Window const &window) {
-    constexpr double kFarthest = 1e10;
-    return window.outWidth >= 1 && window.outHeight >= 1 && window.outWidth <= kLargestSide &&
-           window.outHeight <= kLargestSide && window.width > 0 && window.height > 0 &&
-           std::abs(window.x) < kFarthest && std::abs(window.y) < kFarthest && window.width < kFarthest &&
-           window.height < kFarthest;
+    return window.IsSensible() && window.outWidth <= kLargestSide && window.outHeight <= kLargestSide;
 }
 
 using Rgb24 = std::array<unsigned char, 3>;
@@ -262,8 +240,8 @@ bool ReadWindow(BandGrid const &grid, RDIDataType type, ReadRequest const &reque
     int const width = GDALGetRasterBandXSize(first);
     int const height = GDALGetRasterBandYSize(first);
     Window const &window = request.window;
-    Span const columns = CellsOf(window.x, window.width, width, grid.columns);
-    Span const rows = CellsOf(window.y, window.height, height, grid.rows);
+    RDISpan const columns = RDICellsOf(window.x, window.width, width, grid.columns);
+    RDISpan const rows = RDICellsOf(window.y, window.height, height, grid.rows);
     auto const within = [&](int column, int row) {
         ReadRequest shifted = request;
         shifted.window.x -= static_cast<double>(column) * width;

@@ -81,7 +81,8 @@ bool SeriesDriver::ReadChannelsRsmpl(void *handle, int channel, int count, doubl
                                      bool usePyramid, bool clip) {
     try {
         return buffer != nullptr &&
-               Of(handle).Read(channel, count, {x, y, width, height, outWidth, outHeight, resampling, usePyramid, clip},
+               Of(handle).Read(channel, count,
+                               {{x, y, width, height, outWidth, outHeight}, resampling, usePyramid, clip},
                                static_cast<unsigned char *>(buffer));
     } catch (std::bad_alloc const &) {
         return false;
@@ -97,8 +98,7 @@ bool SeriesDriver::SalvageRsmpl(void *handle, int channel, int count, RDIWindow 
 
 bool SeriesDriver::ReadPaletteRsmpl(void *handle, double x, double y, double width, double height, void *rgb,
                                     int outWidth, int outHeight) {
-    SeriesWindow const window{
-        .x = x, .y = y, .width = width, .height = height, .outWidth = outWidth, .outHeight = outHeight};
+    SeriesWindow const window{{x, y, width, height, outWidth, outHeight}};
     return rgb != nullptr && Of(handle).ReadPalette(window, static_cast<unsigned char *>(rgb));
 }
 

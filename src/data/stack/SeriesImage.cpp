@@ -17,38 +17,8 @@ constexpr std::size_t kMostOpen = 8;
 constexpr std::size_t kMostTries = 16; // members that do not open before one does
 constexpr int kMostChannels = 65536;
 constexpr std::uint64_t kMissingAlways = 64; // so many may be missing, and as many as there are
-constexpr double kFarthest = 1e10;
 constexpr std::chrono::milliseconds kCheckTime{100};
 constexpr char kOption[] = "SERIES";
-
-struct Span {
-    int begin = 0;
-    int end = 0;
-    [[nodiscard]] int Length() const { return end - begin; }
-};
-
-/// The samples of the result whose centres lie inside a stretch of the axis.
-Span InsideOf(double offset, double size, int outSize, double begin, double end) {
-    auto const sampleAt = [&](double position) {
-        return static_cast<int>(
-            std::clamp(std::ceil((position - offset) / size * outSize - 0.5), 0.0, static_cast<double>(outSize)));
-    };
-    return {sampleAt(begin), sampleAt(end)};
-}
-
-/// Those of `count` cells of `size` pixels that a stretch of the axis touches.
-Span CellsOf(double offset, double length, int size, int count) {
-    auto const clamped = [count](double cell) {
-        return static_cast<int>(std::clamp(cell, 0.0, static_cast<double>(count)));
-    };
-    return {clamped(std::floor(offset / size)), clamped(std::ceil((offset + length) / size))};
-}
-
-bool IsSensible(SeriesWindow const &window) {
-    return window.outWidth > 0 && window.outHeight > 0 && window.width > 0 && window.height > 0 &&
-           window.width < kFarthest && window.height < kFarthest && std::abs(window.x) < kFarthest &&
-           std::abs(window.y) < kFarthest;
-}
 
 SeriesMemberFacts FactsOf(OpenImage const &image) {
     RDIDriver const &driver = image.Driver();
@@ -225,8 +195,8 @@ SeriesImage::Found SeriesImage::Find(Cell cell, int channel, OpenImage *&member)
 bool SeriesImage::ReadCell(Cell cell, int channel, int count, SeriesWindow const &window, unsigned char *planes) {
     double const left = static_cast<double>(cell.column) * m_facts.width;
     double const top = static_cast<double>(cell.row) * m_facts.height;
-    Span const columns = InsideOf(window.x, window.width, window.outWidth, left, left + m_facts.width);
-    Span const rows = InsideOf(window.y, window.height, window.outHeight, top, top + m_facts.height);
+    RDISpan const columns = RDISamplesInside(window.x, window.width, window.outWidth, left, left + m_facts.width);
+    RDISpan const rows = RDISamplesInside(window.y, window.height, window.outHeight, top, top + m_facts.height);
     if (columns.Length() < 1 || rows.Length() < 1)
         return true;
     OpenImage *member = nullptr;
@@ -265,7 +235,7 @@ bool SeriesImage::ReadCell(Cell cell, int channel, int count, SeriesWindow const
 }
 
 bool SeriesImage::Read(int channel, int count, SeriesWindow const &window, unsigned char *planes) {
-    if (channel < 0 || count < 1 || count > Channels() - channel || !IsSensible(window) ||
+    if (channel < 0 || count < 1 || count > Channels() - channel || !window.IsSensible() ||
         (!window.clip &&
          (window.x < 0 || window.y < 0 || window.x + window.width > SizeX() || window.y + window.height > SizeY())))
         return false;
@@ -275,8 +245,8 @@ bool SeriesImage::Read(int channel, int count, SeriesWindow const &window, unsig
     std::size_t const plane = static_cast<std::size_t>(window.outWidth) * static_cast<std::size_t>(window.outHeight) *
                               static_cast<std::size_t>(RDIGetDTSize(DataType(channel)));
     std::fill_n(planes, plane * static_cast<std::size_t>(count), std::uint8_t{0});
-    Span const columns = CellsOf(window.x, window.width, m_facts.width, m_frames);
-    Span const rows = CellsOf(window.y, window.height, m_facts.height, m_slices);
+    RDISpan const columns = RDICellsOf(window.x, window.width, m_facts.width, m_frames);
+    RDISpan const rows = RDICellsOf(window.y, window.height, m_facts.height, m_slices);
     for (int end = channel + count; channel < end;) {
         // Channels of one member are read at once.
         int const together = std::min(m_facts.channels - channel % m_facts.channels, end - channel);
@@ -294,10 +264,10 @@ bool SeriesImage::Read(int channel, int count, SeriesWindow const &window, unsig
 }
 
 bool SeriesImage::ReadPalette(SeriesWindow const &window, unsigned char *rgb) {
-    if (!IsSensible(window))
+    if (!window.IsSensible())
         return false;
-    Span const columns = CellsOf(window.x, window.width, m_facts.width, m_frames);
-    Span const rows = CellsOf(window.y, window.height, m_facts.height, m_slices);
+    RDISpan const columns = RDICellsOf(window.x, window.width, m_facts.width, m_frames);
+    RDISpan const rows = RDICellsOf(window.y, window.height, m_facts.height, m_slices);
     if (columns.Length() != 1 || rows.Length() != 1)
         return false;
     OpenImage *member = nullptr;
@@ -319,8 +289,8 @@ bool SeriesImage::ReadPalette(SeriesWindow const &window, unsigned char *rgb) {
 bool SeriesImage::Salvage(int channel, int count, RDIWindow const &window, void *buffer, RDIRowsRead &read) {
     if (channel < 0 || count < 0 || count > Channels() - channel || !(window.width > 0) || !(window.height > 0))
         return false;
-    Span const columns = CellsOf(window.x, window.width, m_facts.width, m_frames);
-    Span const rows = CellsOf(window.y, window.height, m_facts.height, m_slices);
+    RDISpan const columns = RDICellsOf(window.x, window.width, m_facts.width, m_frames);
+    RDISpan const rows = RDICellsOf(window.y, window.height, m_facts.height, m_slices);
     int const own = channel % m_facts.channels;
     OpenImage *member = nullptr;
     if (columns.Length() != 1 || rows.Length() != 1 || own + count > m_facts.channels ||

@@ -10,13 +10,7 @@
 namespace zelvar {
 
 /// A window of a channel, pixels, and how it is brought to a size: see `RDIDriver::ReadBlockRsmpl`.
-struct SeriesWindow {
-    double x = 0;
-    double y = 0;
-    double width = 0;
-    double height = 0;
-    int outWidth = 0;
-    int outHeight = 0;
+struct SeriesWindow : RDIWindow {
     int resampling = RDIDriver::Nearest;
     bool usePyramid = true;
     bool clip = true;
