@@ -54,7 +54,7 @@ DString SeriesDriver::GetAttrString(char const *name, void *handle, int channel)
     SeriesImage &image = Of(handle);
     if (std::strcmp(name, "RDI_Drvr_Info") == 0) {
         DString const members = image.TextOf(name, channel);
-        return members + (members.empty() ? "" : ", ") + "series of " + image.Summary();
+        return members + (members.empty() ? "" : ", ") + "series of " + std::to_string(image.MemberCount()) + " files";
     }
     if (std::strcmp(name, kSeriesMembers) == 0)
         return image.Summary();

@@ -32,6 +32,7 @@ public:
     [[nodiscard]] int DataType(int channel) const; ///< RDI_None for one that is not there
     /// With those of the members themselves.
     [[nodiscard]] RDIGeoCoo GeoCode() const;
+    [[nodiscard]] std::size_t MemberCount() const { return m_slots.size(); }
     [[nodiscard]] DString Summary() const { return SeriesSummary(m_place.name, m_slots); }
     /// Of the first member.
     [[nodiscard]] DString TextOf(char const *attribute, int channel);
