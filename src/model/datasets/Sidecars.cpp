@@ -8,6 +8,7 @@
 #include <numeric>
 #include <optional>
 #include <unordered_map>
+#include <utility>
 
 namespace zelvar {
 
