@@ -12,6 +12,11 @@ public:
     explicit FileDescriptor(int number) : m_number(number) {}
     FileDescriptor(FileDescriptor const &) = delete;
     FileDescriptor &operator=(FileDescriptor const &) = delete;
+    FileDescriptor(FileDescriptor &&other) noexcept : m_number(std::exchange(other.m_number, -1)) {}
+    FileDescriptor &operator=(FileDescriptor &&other) noexcept {
+        std::swap(m_number, other.m_number);
+        return *this;
+    }
     ~FileDescriptor() {
         if (m_number >= 0)
             close(m_number);

@@ -86,21 +86,6 @@ std::optional<std::uint16_t> PortIn(std::string_view text, std::uint16_t fallbac
     return isPort || text.empty() ? std::optional(port) : std::nullopt;
 }
 
-std::optional<HostAndPort> PlaceIn(std::string_view text, std::uint16_t fallback) {
-    bool const isBracketed = text.starts_with('[');
-    std::size_t const close = isBracketed ? text.find(']') : 0;
-    if (close == kNone)
-        return std::nullopt;
-    std::size_t const colon = std::min(text.find(':', close), text.size());
-    std::string_view host = text.substr(0, colon);
-    if (isBracketed)
-        host = host.substr(1, close - 1);
-    auto const port = PortIn(text.substr(std::min(colon + 1, text.size())), fallback);
-    if (host.empty() || !port)
-        return std::nullopt;
-    return HostAndPort{LowerCase(host), *port};
-}
-
 /// The servers of a store: those of its maker, or the one that the environment names.
 std::vector<HostAndPort> HostsOf(Store const &store) {
     char const *const named = std::getenv(store.endpoint);
@@ -169,7 +154,7 @@ ConnectionTerms TermsOfItself(std::string_view address) {
 }
 
 bool Matches(HostAndPort const &allowed, std::string_view host, std::uint16_t port) {
-    if (allowed.port != 0 && allowed.port != port)
+    if (allowed.port != 0 && port != 0 && allowed.port != port)
         return false;
     if (!allowed.host.starts_with("*."))
         return LowerCase(allowed.host) == host;
@@ -182,6 +167,21 @@ bool Matches(HostAndPort const &allowed, std::string_view host, std::uint16_t po
 DString TextOf(HostAndPort const &place) {
     DString const host = place.host.find(':') == DString::npos ? place.host : "[" + place.host + "]";
     return place.port == 0 ? host : host + ":" + std::to_string(place.port);
+}
+
+std::optional<HostAndPort> PlaceIn(std::string_view text, std::uint16_t port) {
+    bool const isBracketed = text.starts_with('[');
+    std::size_t const close = isBracketed ? text.find(']') : 0;
+    if (close == kNone)
+        return std::nullopt;
+    std::size_t const colon = std::min(text.find(':', close), text.size());
+    std::string_view host = text.substr(0, colon);
+    if (isBracketed)
+        host = host.substr(1, close - 1);
+    auto const named = PortIn(text.substr(std::min(colon + 1, text.size())), port);
+    if (host.empty() || !named)
+        return std::nullopt;
+    return HostAndPort{LowerCase(host), *named};
 }
 
 bool MayReach(ConnectionTerms const &terms, std::string_view host, std::uint16_t port) {

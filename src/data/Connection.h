@@ -29,6 +29,8 @@ struct HostAndPort {
 };
 /// "maps.lab:443", "[::1]:80"; the host alone for any port.
 [[nodiscard]] ZELVAR_API DString TextOf(HostAndPort const &place);
+/// What such a text says, the host in lower case; `port` where it names none. Nothing if it is none.
+[[nodiscard]] ZELVAR_API std::optional<HostAndPort> PlaceIn(std::string_view text, std::uint16_t port);
 
 /// What a reader that serves one connection may reach, and what it is told. A value.
 struct ConnectionTerms {
@@ -40,7 +42,7 @@ struct ConnectionTerms {
     std::chrono::milliseconds connectTime{5000};
     friend bool operator==(ConnectionTerms const &, ConnectionTerms const &) = default;
 };
-/// Whether the terms allow that host and port; case is not regarded.
+/// Whether the terms allow that host and port; case is not regarded. Port 0 asks whether any port of it is allowed.
 [[nodiscard]] ZELVAR_API bool MayReach(ConnectionTerms const &terms, std::string_view host, std::uint16_t port);
 
 /// What is known of the connection that an address belongs to; nothing where none is defined. Any thread.

@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <climits>
 #include <csignal>
-#include <vector>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/prctl.h>
@@ -62,13 +62,13 @@ void LeaveNoCore() {
 
 } // namespace
 
-void Confine(Reach reach, std::initializer_list<int> keep) {
+void Confine(Reach reach, std::vector<int> keep, std::vector<DString> const &readable) {
     ResetSignals();
-    CloseAllBut(keep);
+    CloseAllBut(std::move(keep));
     SilenceStandardFiles();
     LeaveNoCore();
     bool const isBound = prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0;
-    bool const hasBarrier = isBound && RaiseWriteBarrier(reach);
+    bool const hasBarrier = isBound && RaiseWriteBarrier(reach, readable);
     bool const hasFilter = isBound && SyscallFilter(reach).Apply();
     if (!hasBarrier)
         Report::TraceMessage(Report::kTraceOpen, "reader: the kernel does not bar writing");

@@ -1,8 +1,9 @@
 #pragma once
 
+#include "zelvar/base/DString.h"
 #include "zelvar/reader/SyscallFilter.h"
 
-#include <initializer_list>
+#include <vector>
 
 namespace zelvar::reader {
 
@@ -10,7 +11,7 @@ namespace zelvar::reader {
 /// one thread. What the kernel lacks is told to the log, and the reader works without.
 ///
 /// `keep`: the descriptors that stay open, all above 2. Input, output and errors go nowhere; under a sanitizer the
-/// errors stay.
-void Confine(Reach reach, std::initializer_list<int> keep);
+/// errors stay. `readable`: files and folders that a reader of a connection may read, and no others; empty for all.
+void Confine(Reach reach, std::vector<int> keep, std::vector<DString> const &readable = {});
 
 } // namespace zelvar::reader

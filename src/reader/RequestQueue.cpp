@@ -29,6 +29,11 @@ void RequestQueue::Close() {
     m_changed.notify_one();
 }
 
+bool RequestQueue::IsIdle() {
+    std::lock_guard const lock(m_mutex);
+    return !m_isBusy && m_waiting.empty();
+}
+
 bool RequestQueue::Take(Entry &entry) {
     std::unique_lock lock(m_mutex);
     m_isBusy = false;

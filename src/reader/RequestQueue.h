@@ -27,6 +27,8 @@ public:
     void Stop(std::uint64_t number);
     /// Stops what is under way and lets no more be taken.
     void Close();
+    /// Whether nothing is under way or waits.
+    [[nodiscard]] bool IsIdle();
 
     /// Waits for the next request, which is then under way. False when closed.
     bool Take(Entry &entry);

@@ -37,8 +37,9 @@ MaybeAnswer Guarded(RequestHandler &handler, RequestQueue::Entry &entry) {
 
 } // namespace
 
-Server::Server(int socket, std::unique_ptr<wire::SharedMemory> status, LogCollector &log)
-    : m_channel(socket), m_status(std::move(status)), m_log(&log), m_worker([this] { Work(); }) {}
+Server::Server(int socket, std::unique_ptr<wire::SharedMemory> status, LogCollector &log,
+               std::chrono::milliseconds idle)
+    : m_channel(socket), m_status(std::move(status)), m_log(&log), m_idle(idle), m_worker([this] { Work(); }) {}
 
 Server::~Server() {
     m_queue.Close();
@@ -49,8 +50,11 @@ MessageChannel::Result Server::Receive() {
     while (true) {
         MessageChannel::Bytes message;
         int number = -1;
-        MessageChannel::Result const received = m_channel.Receive(message, number, MessageChannel::Forever());
+        auto const deadline = m_idle.count() == 0 ? MessageChannel::Forever() : MessageChannel::Clock::now() + m_idle;
+        MessageChannel::Result const received = m_channel.Receive(message, number, deadline);
         auto file = number < 0 ? nullptr : std::make_unique<FileDescriptor>(number);
+        if (received == MessageChannel::Result::Late && !m_queue.IsIdle())
+            continue;
         if (received != MessageChannel::Result::Done)
             return received;
         auto request = wire::Unpack<wire::Request>(message);

@@ -5,6 +5,7 @@
 #include "zelvar/reader/LogCollector.h"
 #include "zelvar/reader/RequestQueue.h"
 
+#include <chrono>
 #include <thread>
 
 namespace zelvar::reader {
@@ -17,14 +18,15 @@ class RequestHandler;
 class Server {
 public:
     /// Takes `socket` over. `status` holds a `ReaderStatus`. `log` outlives this. The worker asks for the drivers at
-    /// once: they are ready when the first request comes.
-    Server(int socket, std::unique_ptr<wire::SharedMemory> status, LogCollector &log);
+    /// once: they are ready when the first request comes. `idle`: how long it waits for a request; 0 for ever.
+    Server(int socket, std::unique_ptr<wire::SharedMemory> status, LogCollector &log,
+           std::chrono::milliseconds idle = {});
     /// Stops the request under way and waits for it.
     ~Server();
     Server(Server const &) = delete;
     Server &operator=(Server const &) = delete;
 
-    /// Takes requests in until the talk ends: `Gone`, or `Damaged`.
+    /// Takes requests in until the talk ends: `Gone`, or `Damaged`; `Late` if nobody wanted anything for too long.
     wire::MessageChannel::Result Receive();
 
 private:
@@ -36,6 +38,7 @@ private:
     wire::MessageChannel m_channel;
     std::unique_ptr<wire::SharedMemory> m_status;
     LogCollector *m_log;
+    std::chrono::milliseconds m_idle;
     RequestQueue m_queue;
     std::thread m_worker;
 };

@@ -7,7 +7,9 @@
 #include <linux/audit.h>
 #include <linux/fs.h>
 #include <linux/seccomp.h>
+#include <netinet/in.h>
 #include <sched.h>
+#include <sys/socket.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -91,7 +93,33 @@ SyscallFilter::SyscallFilter(Reach reach) {
     if (reach == Reach::Local)
         for (long const call : {SYS_socket, SYS_socketpair})
             Refuse(call, EACCES);
+    if (reach == Reach::Connection)
+        AllowHandedSocketsAlone();
     m_program.push_back(Return(kAllow));
+}
+
+void SyscallFilter::AllowHandedSocketsAlone() {
+    for (long const call : {SYS_connect, SYS_bind, SYS_listen, SYS_accept, SYS_accept4})
+        Refuse(call, EACCES);
+    constexpr std::uint32_t type = 0xF; // beside it stand flags
+    constexpr std::uint32_t all = ~0U;
+    // One protocol: another of streams connects by an option of its own.
+    Demands(SYS_socket,
+            {{.argument = 0, .mask = all, .values = {AF_INET, AF_INET6}},
+             {.argument = 1, .mask = type, .values = {SOCK_STREAM}},
+             {.argument = 2, .mask = all, .values = {0, IPPROTO_TCP}}},
+            EACCES);
+    // Pairs that wake threads; those of datagrams could speak to any name.
+    Demands(SYS_socketpair,
+            {{.argument = 0, .mask = all, .values = {AF_UNIX}}, {.argument = 1, .mask = type, .values = {SOCK_STREAM}}},
+            EACCES);
+    Demands(SYS_sendto,
+            {{.argument = 3, .mask = MSG_FASTOPEN, .values = {0}},
+             {.argument = 4, .mask = all, .values = {0}},
+             {.argument = 4, .mask = all, .values = {0}, .ofUpperHalf = true}},
+            EACCES);
+    Demands(SYS_sendmsg, {{.argument = 2, .mask = MSG_FASTOPEN, .values = {0}}}, EACCES);
+    Demands(SYS_sendmmsg, {{.argument = 3, .mask = MSG_FASTOPEN, .values = {0}}}, EACCES);
 }
 
 void SyscallFilter::CheckArchitecture() {
@@ -133,6 +161,23 @@ void SyscallFilter::RefuseIf(long call, unsigned argument, std::uint32_t value, 
     m_program.push_back(Jump(BPF_JEQ, value, 0, 1));
     m_program.push_back(Return(ErrorOf(error)));
     m_program.push_back(Load(offsetof(seccomp_data, nr))); // others may look at the same call
+}
+
+void SyscallFilter::Demands(long call, std::vector<Demand> const &demands, int error) {
+    std::vector<sock_filter> body;
+    for (Demand const &demand : demands) {
+        constexpr std::size_t half = sizeof(std::uint32_t);
+        body.push_back(Load(offsetof(seccomp_data, args) + demand.argument * sizeof(std::uint64_t) +
+                            (demand.ofUpperHalf ? half : 0)));
+        body.push_back(Statement(BPF_ALU | BPF_AND | BPF_K, demand.mask));
+        for (std::size_t left = demand.values.size(); left > 0; --left) // a match steps over the rest and the refusal
+            body.push_back(
+                Jump(BPF_JEQ, demand.values[demand.values.size() - left], static_cast<std::uint8_t>(left), 0));
+        body.push_back(Return(ErrorOf(error)));
+    }
+    body.push_back(Return(kAllow));
+    m_program.push_back(Jump(BPF_JEQ, static_cast<std::uint32_t>(call), 0, static_cast<std::uint8_t>(body.size())));
+    m_program.insert(m_program.end(), body.begin(), body.end());
 }
 
 bool SyscallFilter::Apply() const {

@@ -8,10 +8,15 @@
 namespace zelvar::reader {
 
 /// Whom a reader may speak to.
-enum class Reach { Local, Network };
+enum class Reach {
+    Local,      ///< nobody but its application
+    Network,    ///< whomever it connects to
+    Connection, ///< whom its application connects it to
+};
 
 /// The calls that the kernel refuses to a reader: new processes, others' processes, what changes files without opening
-/// them and what outlives a process; for local readers sockets as well.
+/// them and what outlives a process; for local readers sockets as well, and for those of a connection all but sockets
+/// of TCP that nothing connects: they are the places for those that the application hands over.
 ///
 /// Refused calls fail with an error that callers know; nothing is ended for trying.
 class SyscallFilter {
@@ -29,6 +34,16 @@ private:
     /// Refused unless the argument is `value`, or `other`.
     void RefuseUnless(long call, unsigned argument, std::uint32_t value, std::uint32_t other, int error);
     void RefuseIf(long call, unsigned argument, std::uint32_t value, int error);
+    /// What an argument must be, as far as `mask` shows it.
+    struct Demand {
+        unsigned argument = 0;
+        std::uint32_t mask = 0;
+        std::vector<std::uint32_t> values{};
+        bool ofUpperHalf = false;
+    };
+    /// Refused unless each demand is met.
+    void Demands(long call, std::vector<Demand> const &demands, int error);
+    void AllowHandedSocketsAlone();
 
     std::vector<sock_filter> m_program;
 };

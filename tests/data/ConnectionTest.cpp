@@ -53,10 +53,15 @@ TEST(Connection, AnAddressWithoutADefinitionLeadsToItsOwnHostAlone) {
 
 TEST(Connection, OnlyHostsOfTheTermsMayBeReached) {
     ConnectionTerms const terms{.hosts = {{"Maps.lab", 443}, {"*.cdn.lab", 80}, {"any.lab", 0}}};
-    for (auto const &[host, port] : {std::pair("maps.LAB", 443), {"a.b.cdn.lab", 80}, {"any.lab", 7}})
+    for (auto const &[host, port] : {std::pair("maps.LAB", 443), {"a.b.cdn.lab", 80}, {"any.lab", 7}, {"maps.lab", 0}})
         EXPECT_TRUE(MayReach(terms, host, static_cast<std::uint16_t>(port))) << host;
-    for (auto const &[host, port] :
-         {std::pair("maps.lab", 80), {"x.maps.lab", 443}, {"cdn.lab", 80}, {".cdn.lab", 80}, {"xcdn.lab", 80}, {"", 7}})
+    for (auto const &[host, port] : {std::pair("maps.lab", 80),
+                                     {"x.maps.lab", 443},
+                                     {"cdn.lab", 80},
+                                     {".cdn.lab", 80},
+                                     {"xcdn.lab", 80},
+                                     {"", 7},
+                                     {"", 0}})
         EXPECT_FALSE(MayReach(terms, host, static_cast<std::uint16_t>(port))) << host;
 }
 

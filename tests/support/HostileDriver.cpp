@@ -1,6 +1,7 @@
 // A module of drivers that misbehave as the file that they read tells them: a tree driver and a raster driver, both
 // "HOSTILE", for "*.hostile". A file is lines "CALL ACTION [ARGUMENT]", done in order when the call comes, and lines
-// "FACT NUMBER".
+// "FACT NUMBER". An address that ends with "/.hostile" holds such lines itself, between its host and that end, each
+// with a ";" behind.
 //
 // Calls
 //   probe      CanReadPath, IsMyFile            open   OpenRepository, OpenFile
@@ -29,6 +30,10 @@
 //   fork              makes a process, which ends at once
 //   exec              runs /bin/true in place of the reader
 //   connect PORT      to 127.0.0.1
+//   reach HOST PORT   the same by a name, as libraries do; the connection stays open
+//   raw PORT   fastopen PORT   datagram   unix   pair   sctp   listen    ways around that
+//   see PATH          opens a file for reading
+//   told SECRET       what the reader was told under that name
 //   signal PID        sends SIGTERM
 //   thread            starts a thread and waits for its end, which must work
 // Facts
@@ -41,8 +46,10 @@
 // The sample at (x, y) of channel c is x + 10 * y + 100 * c; palettes give it three times. Windows are read by nearest
 // neighbour. Nothing of a file is remembered between calls on it.
 #include "zelvar/base/Export.h"
+#include "zelvar/base/PathStyle.h"
 #include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/data/RDIDriverMngr.h"
+#include "zelvar/data/ReaderDuty.h"
 
 #include <algorithm>
 #include <array>
@@ -65,9 +72,11 @@
 #include <arpa/inet.h>
 #include <fcntl.h>
 #include <linux/fs.h>
+#include <netdb.h>
 #include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -92,6 +101,75 @@ DString Connect(int port) {
     DString outcome = Outcome(connect(socketFile, reinterpret_cast<sockaddr *>(&address), sizeof address));
     close(socketFile);
     return outcome;
+}
+
+/// Leaves the connection open: a server sees how long it lasts.
+DString ReachHost(DString const &place) {
+    std::istringstream words(place);
+    std::string host;
+    std::string port;
+    words >> host >> port;
+    addrinfo hints{};
+    hints.ai_socktype = SOCK_STREAM;
+    addrinfo *found = nullptr;
+    if (getaddrinfo(host.c_str(), port.c_str(), &hints, &found) != 0)
+        return "unknown";
+    DString outcome;
+    for (addrinfo const *address = found; address != nullptr && outcome != "done"; address = address->ai_next) {
+        int const file = socket(address->ai_family, address->ai_socktype | SOCK_NONBLOCK, address->ai_protocol);
+        outcome = Outcome(connect(file, address->ai_addr, address->ai_addrlen));
+        if (outcome == "done" && (fcntl(file, F_GETFL) & O_NONBLOCK) == 0)
+            outcome = "blocks";
+    }
+    freeaddrinfo(found);
+    return outcome;
+}
+
+/// Without the functions of libraries, to 127.0.0.1.
+DString ConnectRaw(int port, bool isFastOpen) {
+    int const file = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(static_cast<std::uint16_t>(port));
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    DString outcome = Outcome(isFastOpen ? syscall(SYS_sendto, file, "x", 1, MSG_FASTOPEN, &address, sizeof address)
+                                         : syscall(SYS_connect, file, &address, sizeof address));
+    close(file);
+    return outcome;
+}
+
+DString MakeSocket(int domain, int type, int protocol) {
+    int const file = socket(domain, type, protocol);
+    DString outcome = Outcome(file);
+    close(file);
+    return outcome;
+}
+
+DString MakePair() {
+    std::array<int, 2> ends{-1, -1};
+    return Outcome(socketpair(AF_UNIX, SOCK_DGRAM, 0, ends.data()));
+}
+
+DString Listen() {
+    int const file = socket(AF_INET, SOCK_STREAM, 0);
+    DString outcome = Outcome(listen(file, 1));
+    close(file);
+    return outcome;
+}
+
+DString See(DString const &path) {
+    int const file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    DString outcome = Outcome(file);
+    close(file);
+    return outcome;
+}
+
+DString Told(DString const &name) {
+    ReaderDuty const *const duty = OwnDuty();
+    if (duty == nullptr || !duty->connection)
+        return "nothing";
+    auto const at = duty->connection->secrets.find(name);
+    return at == duty->connection->secrets.end() ? "nothing" : at->second;
 }
 
 DString Write(DString const &path) {
@@ -146,6 +224,16 @@ std::map<DString, std::function<DString(DString const &)>> const &Attempts() {
         {"fork", [](DString const &) { return Fork(); }},
         {"exec", [](DString const &) { return Exec(); }},
         {"connect", [](DString const &port) { return Connect(std::atoi(port.c_str())); }},
+        {"reach", ReachHost},
+        {"raw", [](DString const &port) { return ConnectRaw(std::atoi(port.c_str()), false); }},
+        {"fastopen", [](DString const &port) { return ConnectRaw(std::atoi(port.c_str()), true); }},
+        {"datagram", [](DString const &) { return MakeSocket(AF_INET, SOCK_DGRAM, 0); }},
+        {"unix", [](DString const &) { return MakeSocket(AF_UNIX, SOCK_STREAM, 0); }},
+        {"sctp", [](DString const &) { return MakeSocket(AF_INET, SOCK_STREAM, IPPROTO_SCTP); }},
+        {"pair", [](DString const &) { return MakePair(); }},
+        {"listen", [](DString const &) { return Listen(); }},
+        {"see", See},
+        {"told", Told},
         {"signal", [](DString const &process) { return Outcome(kill(std::atoi(process.c_str()), SIGTERM)); }},
         {"thread", [](DString const &) { return StartThread(); }}};
     return attempts;
@@ -178,12 +266,18 @@ void Crash() {
     *nowhere = 1;
 }
 
+constexpr char kAddressEnd[] = "/.hostile";
+
 /// What a file says, and what came of it.
 class Script {
 public:
     explicit Script(DString const &path) {
+        bool const isAddress = IsUrl(path);
         std::ifstream file(std::filesystem::is_directory(path) ? path + "/.zgroup" : path);
-        for (std::string line; std::getline(file, line);) {
+        std::size_t const begin = isAddress ? path.find('/', path.find("://") + 3) + 1 : 0;
+        std::istringstream inName(isAddress ? path.substr(begin, path.size() - begin - sizeof kAddressEnd + 1) : "");
+        std::istream &text = isAddress ? static_cast<std::istream &>(inName) : file;
+        for (std::string line; std::getline(text, line, isAddress ? ';' : '\n');) {
             std::istringstream words(line);
             Line read;
             words >> read.call >> read.action;
@@ -269,7 +363,9 @@ private:
 constexpr char kId[] = "HOSTILE";
 constexpr char kMask[] = "*.hostile";
 
-bool IsHostile(DString const &path) { return path.ends_with(".hostile") && access(path.c_str(), R_OK) == 0; }
+bool IsHostile(DString const &path) {
+    return IsUrl(path) ? path.ends_with(kAddressEnd) : path.ends_with(".hostile") && access(path.c_str(), R_OK) == 0;
+}
 
 class HostileTree final : public BDIDrvr {
 public:
@@ -362,7 +458,7 @@ public:
     }
 
     void *OpenFile(BDIMoniker const &moniker, StopSignal const *stop, DError *error) override {
-        DString const path = moniker.FindFile(); // a member is the file's image
+        DString const path = moniker.IsUrl() ? moniker.GetText() : moniker.FindFile(); // a member is the file's image
         auto open = std::make_unique<Handle>(Handle{Script(path), stop});
         if (IsHostile(path) && open->script.Run("open", stop))
             return open.release();

@@ -93,6 +93,7 @@ void HttpServer::Run() {
         m_talks.emplace_back([this, connection] {
             Talk(connection);
             close(connection);
+            ++m_endedConnections;
         });
     }
     for (std::thread &talk : m_talks)

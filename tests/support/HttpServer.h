@@ -30,6 +30,8 @@ public:
     [[nodiscard]] std::size_t BytesSent() const { return m_bytesSent; }
     /// Connections taken so far, with or without a request.
     [[nodiscard]] int Connections() const { return m_connections; }
+    /// Of these, those that their other end has not closed.
+    [[nodiscard]] int OpenConnections() const { return m_connections - m_endedConnections; }
 
 private:
     struct Resource {
@@ -47,6 +49,7 @@ private:
     std::atomic<bool> m_hangs{false};
     std::atomic<std::size_t> m_bytesSent{0};
     std::atomic<int> m_connections{0};
+    std::atomic<int> m_endedConnections{0};
     mutable std::mutex m_mutex; ///< guards the two below
     std::map<std::string, Resource> m_resources;
     std::vector<std::string> m_requests;

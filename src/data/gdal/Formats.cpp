@@ -2,6 +2,7 @@
 
 #include "zelvar/base/PathStyle.h"
 #include "zelvar/data/BDINode.h"
+#include "zelvar/data/ReaderDuty.h"
 #include "zelvar/data/gdal/GdalScope.h"
 #include "zelvar/data/gdal/OptionLists.h"
 #include "zelvar/data/gdal/VirtualData.h"
@@ -17,49 +18,64 @@ namespace zelvar::gdal {
 
 namespace {
 
-/// Formats that are never opened, in byte order.
-constexpr auto kBarred = std::to_array<std::string_view>({
-    "AmigoCloud",      // service
-    "CSW",             // service
-    "Carto",           // service
-    "DAAS",            // service
-    "DERIVED",         // virtual
-    "EEDA",            // service
-    "EEDAI",           // service
-    "Elasticsearch",   // service
-    "GMLAS",           // fetches schemas
-    "GNMDatabase",     // database
-    "GNMFile",         // opens what it names
-    "GPSBabel",        // runs a program
-    "HTTP",            // fetches
-    "KMLSUPEROVERLAY", // follows links
-    "MEM",             // an address in memory
-    "MRF",             // fetches what it names and keeps it beside the file
-    "MSSQLSpatial",    // database
-    "Memory",          // not on disk
-    "MySQL",           // database
-    "NAS",             // writes .gfs
-    "NGW",             // service
-    "OAPIF",           // service
-    "ODBC",            // database
-    "OGCAPI",          // service
-    "OGR_OGDI",        // service
-    "PGeo",            // database driver
-    "PLMOSAIC",        // service
-    "PLSCENES",        // service
-    "PostGISRaster",   // database
-    "PostgreSQL",      // database
-    "RDA",             // service
-    "Rasterlite",      // opens tiles with any format
-    "STACIT",          // opens what it names
-    "STACTA",          // opens what it names
-    "VFK",             // writes .db
-    "WCS",             // service
-    "WFS",             // service
-    "WMS",             // service
-    "WMTS",            // service
-});
-static_assert(std::is_sorted(kBarred.begin(), kBarred.end()));
+/// A format that is not opened, but for readers of the kind that it serves.
+struct Barred {
+    std::string_view id;
+    bool reachesOut; ///< to servers that a name or a file tells of
+    std::optional<ConnectionKind> servedBy{};
+};
+constexpr Barred kBarred[] = {
+    {"AmigoCloud", true},                                // service
+    {"CSW", true},                                       // service
+    {"Carto", true},                                     // service
+    {"DAAS", true},                                      // service
+    {"DERIVED", false},                                  // virtual
+    {"EEDA", true},                                      // service
+    {"EEDAI", true},                                     // service
+    {"Elasticsearch", true},                             // service
+    {"GMLAS", false},                                    // fetches schemas
+    {"GNMDatabase", true},                               // database
+    {"GNMFile", false},                                  // opens what it names
+    {"GPSBabel", false},                                 // runs a program
+    {"HTTP", true},                                      // fetches
+    {"KMLSUPEROVERLAY", false},                          // follows links
+    {"MEM", false},                                      // an address in memory
+    {"MRF", false},                                      // fetches what it names and keeps it beside the file
+    {"MSSQLSpatial", true, ConnectionKind::Odbc},        // database
+    {"Memory", false},                                   // not on disk
+    {"MySQL", true, ConnectionKind::Odbc},               // database
+    {"NAS", false},                                      // writes .gfs
+    {"NGW", true},                                       // service
+    {"OAPIF", true},                                     // service
+    {"ODBC", true, ConnectionKind::Odbc},                // database
+    {"OGCAPI", true},                                    // service
+    {"OGR_OGDI", true},                                  // service
+    {"PGeo", true},                                      // database driver
+    {"PLMOSAIC", true},                                  // service
+    {"PLSCENES", true},                                  // service
+    {"PostGISRaster", true, ConnectionKind::PostgreSql}, // database
+    {"PostgreSQL", true, ConnectionKind::PostgreSql},    // database
+    {"RDA", true},                                       // service
+    {"Rasterlite", false},                               // opens tiles with any format
+    {"STACIT", false},                                   // opens what it names
+    {"STACTA", false},                                   // opens what it names
+    {"VFK", false},                                      // writes .db
+    {"WCS", true, ConnectionKind::MapService},           // service
+    {"WFS", true, ConnectionKind::MapService},           // service
+    {"WMS", true, ConnectionKind::MapService},           // service
+    {"WMTS", true, ConnectionKind::MapService},          // service
+};
+
+Barred const *FindBarred(std::string_view id) {
+    auto const *const at = std::ranges::find(kBarred, id, &Barred::id);
+    return at == std::end(kBarred) ? nullptr : at;
+}
+
+/// Whether this process is a reader of the kind that the format is for.
+bool IsServedHere(Barred const &barred) {
+    ReaderDuty const *const duty = OwnDuty();
+    return duty != nullptr && duty->connection && barred.servedBy == duty->connection->kind;
+}
 
 /// Extensions in use that GDAL does not tell.
 constexpr std::pair<std::string_view, std::string_view> kMoreExtensions[] = {
@@ -132,6 +148,13 @@ FormatFacts UsesOf(GDALDriverH driver, Format const &format) {
 
 } // namespace
 
+void DeregisterServices() {
+    for (Barred const &barred : kBarred)
+        if (GDALDriverH const driver = GDALGetDriverByName(DString(barred.id).c_str());
+            driver != nullptr && barred.reachesOut && !IsServedHere(barred))
+            GDALDeregisterDriver(driver);
+}
+
 Formats const &Formats::Instance() {
     static Formats const formats;
     return formats;
@@ -147,8 +170,10 @@ Formats::Formats() {
         format.raster = Metadata(driver, GDAL_DCAP_RASTER) == "YES";
         format.vector = Metadata(driver, GDAL_DCAP_VECTOR) == "YES";
         format.subdatasets = Metadata(driver, GDAL_DMD_SUBDATASETS) == "YES";
-        if ((!format.raster && !format.vector) || std::binary_search(kBarred.begin(), kBarred.end(), format.id))
+        Barred const *const barred = FindBarred(format.id);
+        if ((!format.raster && !format.vector) || (barred != nullptr && !IsServedHere(*barred)))
             continue;
+        format.isService = barred != nullptr;
         format.extensions = Masks(format.id, Metadata(driver, GDAL_DMD_EXTENSIONS));
         if (FormatFacts uses = UsesOf(driver, format); uses.reads != 0 || uses.writes != 0)
             m_uses.push_back(std::move(uses));

@@ -17,11 +17,17 @@ struct Format {
     bool raster = false;
     bool vector = false;
     bool subdatasets = false;      ///< a file may hold several
+    bool isService = false;        ///< names a server, and is opened by readers of its kind alone
     std::set<DString> openOptions; ///< those that are taken
 };
 
+/// In a reader: takes the formats that reach out from GDAL, but for those of the kind of connection that it serves.
+/// What a file leads to is opened by any format that is registered, whatever was allowed for the file itself.
+void DeregisterServices();
+
 /// The formats that data may be opened with: all of GDAL's but those that reach out by what a file or name says
-/// (services, databases), run programs, or write beside the user's files. Virtual files over other sources are read
+/// (services, databases; readers of a connection have those of its kind), run programs, or write beside the user's
+/// files. Virtual files over other sources are read
 /// before GDAL gets them, see `VirtualData.h`.
 class Formats {
 public:

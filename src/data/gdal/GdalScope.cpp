@@ -1,6 +1,9 @@
 #include "zelvar/data/gdal/GdalScope.h"
 
 #include "zelvar/base/Report.h"
+#include "zelvar/data/ReaderDuty.h"
+#include "zelvar/data/gdal/ConnectionSettings.h"
+#include "zelvar/data/gdal/Formats.h"
 
 #include <cpl_conv.h>
 #include <cpl_error.h>
@@ -68,6 +71,11 @@ void StartGdal() {
     std::call_once(once, [] {
         if (GDALGetDriverCount() == 0)
             GDALAllRegister();
+        if (ReaderDuty const *const duty = OwnDuty()) {
+            DeregisterServices();
+            if (duty->connection)
+                TellGdal(*duty->connection);
+        }
         GDALSetCacheMax64(std::min(GDALGetCacheMax64(), kMostCacheBytes));
     });
 }

@@ -61,7 +61,7 @@ bool IsAnyFormatsOption(std::string_view name) {
     return name == "OVERVIEW_LEVEL" || name == kLayerOption || name == kNodeOption || name == kGroupOption ||
            name == kRasterOption || name == kDriverOption ||
            std::any_of(formats.begin(), formats.end(),
-                       [&](Format const &format) { return format.openOptions.contains(key); });
+                       [&](Format const &format) { return !format.isService && format.openOptions.contains(key); });
 }
 
 /// Takes the address's own query, such as a signature, from a moniker's options: "?..." in the order of the moniker, or

@@ -98,8 +98,8 @@ void UseOwnProcessDrivers() {
 void WarmReaders() {
     if (!g_readersAreUsed)
         return;
-    Readers::Instance().Pool().Warm({.listing = true, .network = false});
-    Readers::Instance().Pool().Warm({.listing = false, .network = false});
+    Readers::Instance().Pool().Warm(true);
+    Readers::Instance().Pool().Warm(false);
 }
 
 DString ReaderFailureOf(DString const &moniker) { return Readers::Instance().Verdicts().FailureOf(moniker).Text(); }

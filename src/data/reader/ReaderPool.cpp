@@ -46,7 +46,7 @@ milliseconds ReaderPool::TimeForServerFiles() const {
     return 2 * m_settings.patience;
 }
 
-ReaderPool::Place *ReaderPool::FindFree(ReaderRole role, int preferred) {
+ReaderPool::Place *ReaderPool::FindFree(ReaderRole const &role, int preferred) {
     Place *found = nullptr;
     for (Place &place : m_places) {
         if (place.lent || !(place.role == role))
@@ -59,38 +59,85 @@ ReaderPool::Place *ReaderPool::FindFree(ReaderRole role, int preferred) {
     return found;
 }
 
-int ReaderPool::Count(ReaderRole role) const {
+int ReaderPool::Count(ReaderRole const &role) const {
     return static_cast<int>(
         std::count_if(m_places.begin(), m_places.end(), [&](Place const &place) { return place.role == role; }));
 }
 
-int ReaderPool::Most(ReaderRole role) const {
+namespace {
+
+/// Whether readers of that role are lent by the rule for connections.
+bool IsOfConnection(ReaderRole const &role) { return !role.connection.empty() && role.connection != kFileServers; }
+
+} // namespace
+
+int ReaderPool::Most(ReaderRole const &role) const {
+    if (IsOfConnection(role))
+        return 1;
     return std::max(1, role.listing ? m_settings.listingReaders : m_settings.imageReaders);
 }
 
-bool ReaderPool::StartOne(ReaderRole role) {
+std::vector<ReaderPool::Place>::iterator ReaderPool::End(std::vector<Place>::iterator at) {
+    at->process->Terminate();
+    Hold(at->process, {});
+    return m_places.erase(at);
+}
+
+void ReaderPool::EndUseless(TermsPtr const &wanted) {
+    // One that ends by itself must not be asked any more: it is given up a little before.
+    Clock::time_point const now = Clock::now();
+    auto const longest = m_settings.connectionIdle * 9 / 10;
+    for (auto at = m_places.begin(); at != m_places.end();) {
+        bool const isOld = now - at->idleSince > longest;
+        bool const isOther =
+            wanted != nullptr && at->terms != nullptr && at->terms->id == wanted->id && !(*at->terms == *wanted);
+        at = !at->lent && IsOfConnection(at->role) && (isOld || isOther) ? End(at) : std::next(at);
+    }
+}
+
+bool ReaderPool::MakeRoom(ReaderRole const &role) {
+    if (Count(role) >= Most(role))
+        return false;
+    if (!IsOfConnection(role))
+        return true;
+    auto const isOne = [](Place const &place) { return IsOfConnection(place.role); };
+    if (std::ranges::count_if(m_places, isOne) < std::max(1, m_settings.connectionReaders))
+        return true;
+    auto longest = m_places.end();
+    for (auto at = m_places.begin(); at != m_places.end(); ++at)
+        if (isOne(*at) && !at->lent && (longest == m_places.end() || at->idleSince < longest->idleSince))
+            longest = at;
+    if (longest == m_places.end())
+        return false;
+    End(longest);
+    return true;
+}
+
+bool ReaderPool::StartOne(ReaderRole const &role, TermsPtr const &terms) {
     // A program that does not start is not tried again at each request.
     if (m_failedStarts >= kMostFailedStarts && Clock::now() < m_nextStart)
         return false;
-    std::shared_ptr<ReaderProcess> process = ReaderProcess::Start(m_settings, role.network);
+    std::shared_ptr<ReaderProcess> process = ReaderProcess::Start(m_settings, terms);
     if (process == nullptr) {
         ++m_failedStarts;
         m_nextStart = Clock::now() + kPauseAfterFailedStarts;
         return false;
     }
     ++m_counts.started;
-    m_places.push_back({std::move(process), role});
+    m_places.push_back({.process = std::move(process), .role = role, .terms = terms});
     return true;
 }
 
-ReaderPool::Loan ReaderPool::Borrow(ReaderRole role, int preferred, Clock::time_point deadline,
+ReaderPool::Loan ReaderPool::Borrow(Wanted const &wanted, Clock::time_point deadline,
                                     std::function<bool()> const &isStopped) {
+    ReaderRole const role = wanted.Role();
     std::unique_lock lock(m_mutex);
     ForgetThoseOfParent();
     while (true) {
-        Place *free = FindFree(role, preferred);
-        if (free == nullptr && Count(role) < Most(role)) {
-            if (!StartOne(role))
+        EndUseless(wanted.terms);
+        Place *free = FindFree(role, wanted.preferred);
+        if (free == nullptr && MakeRoom(role)) {
+            if (!StartOne(role, wanted.terms))
                 return {};
             free = &m_places.back();
         }
@@ -132,6 +179,7 @@ void ReaderPool::GiveBack(std::shared_ptr<ReaderProcess> const &process) {
         }
         if (at->unsent.empty()) {
             at->lent = false;
+            at->idleSince = Clock::now();
             break;
         }
         auto const messages = std::exchange(at->unsent, {});
@@ -150,11 +198,12 @@ void ReaderPool::Hold(std::shared_ptr<ReaderProcess> const &process, DString con
         m_held.push_back({process, place});
 }
 
-void ReaderPool::Warm(ReaderRole role) {
+void ReaderPool::Warm(bool listing) {
     std::lock_guard const lock(m_mutex);
     ForgetThoseOfParent();
+    ReaderRole const role{.listing = listing};
     if (Count(role) == 0)
-        StartOne(role);
+        StartOne(role, nullptr);
 }
 
 bool ReaderPool::HasHeld() const {
@@ -173,10 +222,12 @@ void ReaderPool::Retire(Loan const &loan, bool crashed, DString const &heldAt) {
     if (at == m_places.end())
         return;
     ReaderRole const role = at->role;
+    TermsPtr const terms = at->terms;
     m_places.erase(at);
     if (loan->HasBegun()) {
         m_failedStarts = 0;
-        StartOne(role); // the next request finds a warm reader again
+        if (!IsOfConnection(role)) // one of those begins with its next request
+            StartOne(role, terms); // the next request finds a warm reader again
     } else if (crashed) {
         ++m_failedStarts;
         m_nextStart = Clock::now() + kPauseAfterFailedStarts;
@@ -199,6 +250,7 @@ bool ReaderPool::IsBlocked(DString const &place) {
 
 ReaderCounts ReaderPool::Counts() {
     std::lock_guard const lock(m_mutex);
+    EndUseless(nullptr);
     ForgetEnded();
     ReaderCounts counts = m_counts;
     counts.alive = static_cast<int>(m_places.size());

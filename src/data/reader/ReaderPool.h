@@ -12,11 +12,11 @@
 
 namespace zelvar {
 
-/// What a reader is kept for. A preview never waits for a listing: they have readers of their own. Those that may
-/// connect do nothing else.
+/// What a reader is kept for. A preview never waits for a listing: they have readers of their own. One that serves a
+/// connection does nothing else.
 struct ReaderRole {
     bool listing = false;
-    bool network = false;
+    DString connection{}; ///< the id of its terms; empty for a reader of files on disk
     friend bool operator==(ReaderRole const &, ReaderRole const &) = default;
 };
 
@@ -60,16 +60,23 @@ public:
     [[nodiscard]] std::chrono::milliseconds TimeForLooks() const;
     [[nodiscard]] std::chrono::milliseconds TimeForServerFiles() const;
 
-    /// A reader of that role: the preferred one (its number; 0 for any) if it is free, else another free one, else a
-    /// new one, else the first that gets free. Nothing if `isStopped` says so meanwhile, after the deadline, or if none
-    /// can be started.
-    [[nodiscard]] Loan Borrow(ReaderRole role, int preferred, Clock::time_point deadline,
-                              std::function<bool()> const &isStopped);
+    using TermsPtr = std::shared_ptr<ConnectionTerms const>;
+    /// Whom a request is for.
+    struct Wanted {
+        bool listing = false;
+        TermsPtr terms{};  ///< of its connection; null for files on disk
+        int preferred = 0; ///< number of a reader; 0 for any
+        [[nodiscard]] ReaderRole Role() const { return {listing, terms == nullptr ? DString() : terms->id}; }
+    };
+    /// A reader for it: the preferred one if it is free, else another free one, else a new one, for which the one of
+    /// another connection that has been idle longest gives way where there are too many, else the first that gets free.
+    /// Nothing if `isStopped` says so meanwhile, after the deadline, or if none can be started.
+    [[nodiscard]] Loan Borrow(Wanted const &wanted, Clock::time_point deadline, std::function<bool()> const &isStopped);
     /// Says something to the reader of that number, if there is one, that it does not answer: at once, or when whoever
     /// has it gives it back.
     void Tell(int number, wire::MessageChannel::Bytes message);
-    /// Starts a reader of that role unless there is one.
-    void Warm(ReaderRole role);
+    /// Starts a reader for files on disk unless there is one.
+    void Warm(bool listing);
     /// Takes a reader that was told to end out of use, and starts another in its place. `heldAt` is where the kernel
     /// may hold it; empty if it is gone.
     void Retire(Loan const &loan, bool crashed, DString const &heldAt);
@@ -89,6 +96,8 @@ private:
     struct Place {
         std::shared_ptr<ReaderProcess> process;
         ReaderRole role;
+        TermsPtr terms;
+        Clock::time_point idleSince = Clock::now();
         bool lent = false;
         std::vector<wire::MessageChannel::Bytes> unsent{};
     };
@@ -97,10 +106,17 @@ private:
         DString place;
     };
     void GiveBack(std::shared_ptr<ReaderProcess> const &process);
-    Place *FindFree(ReaderRole role, int preferred);
-    [[nodiscard]] int Count(ReaderRole role) const;
-    [[nodiscard]] int Most(ReaderRole role) const;
-    bool StartOne(ReaderRole role);
+    Place *FindFree(ReaderRole const &role, int preferred);
+    [[nodiscard]] int Count(ReaderRole const &role) const;
+    [[nodiscard]] int Most(ReaderRole const &role) const;
+    /// Makes room for one more reader of that role; false while all that there may be are lent.
+    bool MakeRoom(ReaderRole const &role);
+    bool StartOne(ReaderRole const &role, TermsPtr const &terms);
+    /// Ends free readers of connections that have been idle too long, or whose connection is `wanted` under other
+    /// terms.
+    void EndUseless(TermsPtr const &wanted);
+    /// Ends a free reader; the place after it.
+    std::vector<Place>::iterator End(std::vector<Place>::iterator at);
     void Hold(std::shared_ptr<ReaderProcess> const &process, DString const &place);
     void ForgetEnded();
     void ForgetThoseOfParent();

@@ -4,6 +4,7 @@
 #include "zelvar/base/Report.h"
 #include "zelvar/data/reader/DriverModule.h"
 #include "zelvar/data/reader/OpenModule.h"
+#include "zelvar/data/wire/ConnectionOrder.h"
 
 #include <algorithm>
 #include <array>
@@ -29,29 +30,30 @@ namespace zelvar {
 
 namespace {
 
-// Numbers of the descriptors in the reader.
-constexpr int kSocket = 3;
-constexpr int kStatus = 4;
+// The first of the descriptors that are handed to the reader; they follow each other.
+constexpr int kFirstFile = 3;
 constexpr std::size_t kPixelStep = std::size_t{4} << 20U;
 
-/// What the child is started with: nothing of ours is open in it but the two descriptors, and it is the first of a
-/// process group, so that all that may come from it can be ended together.
+/// What the child is started with: nothing of ours is open in it but the descriptors that it is handed, and it is the
+/// first of a process group, so that all that may come from it can be ended together.
 class SpawnPlan {
 public:
-    SpawnPlan(int socket, int status) {
+    /// The files get the numbers from `kFirstFile` on.
+    explicit SpawnPlan(std::vector<int> const &files) {
         posix_spawn_file_actions_init(&m_files);
         posix_spawnattr_init(&m_attributes);
         for (int const number : {STDIN_FILENO, STDOUT_FILENO})
             posix_spawn_file_actions_addopen(&m_files, number, "/dev/null", O_RDWR, 0);
         if (std::getenv("ZELVAR_READER_ERRORS") == nullptr) // libraries below drivers print as they like
             posix_spawn_file_actions_addopen(&m_files, STDERR_FILENO, "/dev/null", O_RDWR, 0);
-        // Aside first, to numbers that are neither's: one of them may have the number that the other is to get.
-        int const aside = std::max({socket, status, kStatus}) + 1;
-        posix_spawn_file_actions_adddup2(&m_files, socket, aside);
-        posix_spawn_file_actions_adddup2(&m_files, status, aside + 1);
-        posix_spawn_file_actions_adddup2(&m_files, aside, kSocket);
-        posix_spawn_file_actions_adddup2(&m_files, aside + 1, kStatus);
-        posix_spawn_file_actions_addclosefrom_np(&m_files, kStatus + 1);
+        // Aside first, to numbers that are nobody's: one of them may have the number that another is to get.
+        int const count = static_cast<int>(files.size());
+        int const aside = std::max(*std::ranges::max_element(files), kFirstFile + count) + 1;
+        for (int i = 0; i < count; ++i)
+            posix_spawn_file_actions_adddup2(&m_files, files[static_cast<std::size_t>(i)], aside + i);
+        for (int i = 0; i < count; ++i)
+            posix_spawn_file_actions_adddup2(&m_files, aside + i, kFirstFile + i);
+        posix_spawn_file_actions_addclosefrom_np(&m_files, kFirstFile + count);
         sigset_t none;
         sigset_t all;
         sigemptyset(&none);
@@ -126,38 +128,105 @@ DString InstalledFile(char const *name) {
     return AppendPath(AppendPath(ParentPathOf(info.dli_fname), "zelvar"), name);
 }
 
-std::shared_ptr<ReaderProcess> ReaderProcess::Start(ReaderSettings const &settings, bool network) {
+namespace {
+
+/// What a reader of a connection is handed beside the rest.
+struct ConnectionFiles {
+    FileDescriptor theirs{-1}; ///< the reader's end of the way to its broker
+    FileDescriptor order{-1};
+    std::unique_ptr<ConnectionBroker> broker;
+};
+
+std::vector<std::unique_ptr<wire::NamedTextT>> NamedTexts(std::map<DString, DString> const &texts) {
+    std::vector<std::unique_ptr<wire::NamedTextT>> named;
+    for (auto const &[name, value] : texts) {
+        auto text = std::make_unique<wire::NamedTextT>();
+        text->name = name;
+        text->value = value;
+        named.push_back(std::move(text));
+    }
+    return named;
+}
+
+int SealOrderOf(ConnectionTerms const &terms, std::chrono::milliseconds idle) {
+    wire::ConnectionOrderT order;
+    order.id = terms.id;
+    order.kind = static_cast<std::uint32_t>(terms.kind);
+    order.options = NamedTexts(terms.options);
+    order.secrets = NamedTexts(terms.secrets);
+    order.idle = static_cast<std::uint32_t>(idle.count());
+    int const file = wire::SealOrder(order);
+    for (auto const &secret : order.secrets)
+        explicit_bzero(secret->value.data(), secret->value.size());
+    return file;
+}
+
+/// Null if the system has no more of what it takes.
+std::unique_ptr<ConnectionFiles> MakeFiles(ReaderSettings const &settings,
+                                           std::shared_ptr<ConnectionTerms const> const &terms) {
+    std::array<int, 2> ends{};
+    if (socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends.data()) != 0)
+        return nullptr;
+    auto files = std::make_unique<ConnectionFiles>();
+    files->theirs = FileDescriptor(ends[1]);
+    files->broker = ConnectionBroker::Serve(terms, ends[0]);
+    files->order = FileDescriptor(SealOrderOf(*terms, settings.connectionIdle));
+    return files->broker == nullptr || !files->order.IsOpen() ? nullptr : std::move(files);
+}
+
+} // namespace
+
+std::shared_ptr<ReaderProcess> ReaderProcess::Start(ReaderSettings const &settings,
+                                                    std::shared_ptr<ConnectionTerms const> const &terms) {
     static std::atomic<int> count{0};
     DString const program = settings.program.empty() ? InstalledFile("zelvar-reader") : settings.program;
+    bool const isServed = terms != nullptr && terms->id != kFileServers;
     auto status = wire::SharedMemory::Create(sizeof(wire::ReaderStatus));
+    auto const connection = isServed ? MakeFiles(settings, terms) : nullptr;
     std::array<int, 2> ends{};
-    if (status == nullptr || socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) != 0) {
+    if (status == nullptr || (isServed && connection == nullptr) ||
+        socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) != 0) {
         Report::TraceMessage(Report::kTraceOpen, "no reader: %s", std::strerror(errno));
         return nullptr;
     }
     new (status->Data()) wire::ReaderStatus{};
     FileDescriptor const theirs(ends[1]);
-    std::vector<DString> words{program, std::to_string(kSocket), std::to_string(kStatus),
-                               network ? "network" : "local"};
+    std::vector<int> files{theirs.Get(), status->File()};
+    if (isServed)
+        files.insert(files.end(), {connection->theirs.Get(), connection->order.Get()});
+    auto const number = [](std::size_t file) { return std::to_string(static_cast<std::size_t>(kFirstFile) + file); };
+    std::vector<DString> words{program, number(0), number(1),
+                               terms == nullptr ? "local"
+                               : isServed       ? "connection"
+                                                : "network"};
+    for (std::size_t file = 2; file < files.size(); ++file)
+        words.push_back(number(file));
     if (settings.withInstalledDrivers)
         words.push_back(InstalledFile(kGdalModule));
     words.insert(words.end(), settings.modules.begin(), settings.modules.end());
     pid_t pid = -1;
-    if (int const error = SpawnPlan(theirs.Get(), status->File()).Run(words, pid); error != 0) {
+    if (int const error = SpawnPlan(files).Run(words, pid); error != 0) {
         close(ends[0]);
         Report::TraceMessage(Report::kTraceOpen, "no reader: \"%s\": %s", program.c_str(), std::strerror(error));
         return nullptr;
     }
-    int const number = ++count;
-    Report::TraceMessage(Report::kTraceDriver, "reader %d (process %d) starts", number, static_cast<int>(pid));
-    return std::shared_ptr<ReaderProcess>(new ReaderProcess(number, pid, ends[0], std::move(status)));
+    int const started = ++count;
+    Report::TraceMessage(Report::kTraceDriver, "reader %d (process %d) starts%s%s", started, static_cast<int>(pid),
+                         isServed ? " for " : "", isServed ? terms->id.c_str() : "");
+    return std::shared_ptr<ReaderProcess>(new ReaderProcess(started, pid, ends[0], std::move(status),
+                                                            isServed ? std::move(connection->broker) : nullptr));
 }
 
-ReaderProcess::ReaderProcess(int number, pid_t pid, int socket, std::unique_ptr<wire::SharedMemory> status)
+ReaderProcess::ReaderProcess(int number, pid_t pid, int socket, std::unique_ptr<wire::SharedMemory> status,
+                             std::unique_ptr<ConnectionBroker> broker)
     : m_number(number), m_pid(pid), m_pidFile(static_cast<int>(syscall(SYS_pidfd_open, pid, 0))), m_channel(socket),
-      m_status(std::move(status)) {}
+      m_status(std::move(status)), m_broker(std::move(broker)) {}
 
-ReaderProcess::~ReaderProcess() { Kill(std::chrono::milliseconds(0)); }
+ReaderProcess::~ReaderProcess() {
+    Kill(std::chrono::milliseconds(0));
+    if (!IsOwn())
+        static_cast<void>(m_broker.release()); // its thread is on the other side of the fork
+}
 
 wire::SharedMemory *ReaderProcess::Pixels(std::size_t bytes, bool *isNew) {
     *isNew = m_pixels == nullptr || m_pixels->Size() < bytes;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "zelvar/base/DString.h"
+#include "zelvar/data/reader/ConnectionBroker.h"
 #include "zelvar/data/reader/ReaderSettings.h"
 #include "zelvar/data/wire/MessageChannel.h"
 #include "zelvar/data/wire/ReaderStatus.h"
@@ -19,6 +20,10 @@ namespace zelvar {
 /// A file of ours that no application names: beside this library, in "zelvar".
 [[nodiscard]] DString InstalledFile(char const *name);
 
+/// The id of the one connection whose readers connect by themselves, since the library that does it is not to be
+/// served: file servers.
+inline constexpr char kFileServers[] = "smb:";
+
 /// One running reader, as its application holds it. The end of this object is the end of the process. The child of a
 /// fork holds a copy that is none of its own: there it is of no use, and its end is nothing but that.
 ///
@@ -33,8 +38,9 @@ public:
     };
 
     /// Starts the program and does not wait for its first word. Null, with a line in the log, if it does not start.
-    /// `network` allows it to connect.
-    static std::shared_ptr<ReaderProcess> Start(ReaderSettings const &settings, bool network);
+    /// `terms` say which connection it serves; null for none. It may then reach what they name, through this process.
+    static std::shared_ptr<ReaderProcess> Start(ReaderSettings const &settings,
+                                                std::shared_ptr<ConnectionTerms const> const &terms);
     ~ReaderProcess();
     ReaderProcess(ReaderProcess const &) = delete;
     ReaderProcess &operator=(ReaderProcess const &) = delete;
@@ -44,6 +50,8 @@ public:
     /// Whether this process has started it.
     [[nodiscard]] bool IsOwn() const { return m_owner == getpid(); }
     [[nodiscard]] wire::MessageChannel &Channel() { return m_channel; }
+    /// Who connects for it; null for one that connects to nothing, or by itself.
+    [[nodiscard]] ConnectionBroker *Broker() const { return m_broker.get(); }
 
     /// Shared memory of at least so many bytes; `*isNew` if the reader has not been told of it. Null if there is none.
     wire::SharedMemory *Pixels(std::size_t bytes, bool *isNew);
@@ -83,7 +91,8 @@ public:
     wire::MessageChannel::Clock::time_point const started = wire::MessageChannel::Clock::now();
 
 private:
-    ReaderProcess(int number, pid_t pid, int socket, std::unique_ptr<wire::SharedMemory> status);
+    ReaderProcess(int number, pid_t pid, int socket, std::unique_ptr<wire::SharedMemory> status,
+                  std::unique_ptr<ConnectionBroker> broker);
     [[nodiscard]] wire::ReaderStatus const &Status() const {
         return *static_cast<wire::ReaderStatus const *>(m_status->Data());
     }
@@ -95,6 +104,7 @@ private:
     wire::MessageChannel m_channel;
     std::unique_ptr<wire::SharedMemory> m_status;
     std::unique_ptr<wire::SharedMemory> m_pixels;
+    std::unique_ptr<ConnectionBroker> m_broker;
     std::atomic<bool> m_isTerminated = false;
     bool m_reaped = false;
     DString m_ending;

@@ -31,10 +31,14 @@ struct ReaderSettings {
     /// of one listing may waste together. A script that has no window to think of gives more.
     std::chrono::milliseconds probeInListing{250};
     std::chrono::milliseconds patience{500};
-    /// Readers for probes and listings, and readers for properties and pixels, at least one each. Those that reach the
-    /// network are counted apart.
+    /// Readers for probes and listings, and readers for properties and pixels, at least one each. Those for file
+    /// servers are counted apart.
     int listingReaders = 2;
     int imageReaders = 3;
+    /// A connection has one of each; of all connections together there are so many, and one that has had no request for
+    /// so long ends.
+    int connectionReaders = 8;
+    std::chrono::milliseconds connectionIdle{std::chrono::minutes(5)};
     /// The program; empty for the installed one.
     DString program;
     /// Whether it loads the installed drivers, those over GDAL.

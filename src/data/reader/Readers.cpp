@@ -1,5 +1,6 @@
 #include "zelvar/data/reader/Readers.h"
 
+#include "zelvar/data/BDIMoniker.h"
 #include "zelvar/data/reader/AnswerReading.h"
 #include "zelvar/data/reader/Places.h"
 
@@ -65,6 +66,17 @@ DError Because(char const *text, DError::Cause cause = DError::Cause::Unknown, s
     DError error;
     error.Set(text, cause, detail);
     return error;
+}
+
+/// What kept a reader from its server is known here better than there: it takes the place of what the reader says.
+void TellOfConnection(ReaderProcess const &reader, wire::AnswerT &answer) {
+    wire::FailedT *const failed = answer.body.AsFailed();
+    DError const reason = reader.Broker() == nullptr || failed == nullptr ? DError() : reader.Broker()->Failure();
+    if (!reason.IsSet())
+        return;
+    failed->reason = reason.Text();
+    failed->cause = static_cast<std::uint32_t>(reason.Why());
+    failed->detail = reason.Detail();
 }
 
 double MillisecondsSince(Clock::time_point begin) {
@@ -173,6 +185,8 @@ Readers::Answer Readers::Exchange(Call const &call, MakeRequest const &make) {
     answer.reader = loan->Number();
 
     Outcome outcome;
+    if (loan->Broker() != nullptr)
+        loan->Broker()->Begin();
     if (Send(loan, make(number, terms.memory), isNew ? pixels->File() : -1))
         outcome = Wait(loan, terms, number, answer);
     Report::TraceMessage(Report::kTraceDriver, "reader %d (process %d): %s of \"%s\": %.1f ms%s", loan->Number(),
@@ -180,6 +194,7 @@ Readers::Answer Readers::Exchange(Call const &call, MakeRequest const &make) {
                          outcome.ending == Ending::Answered ? "" : ", no answer");
     if (outcome.ending != Ending::Answered)
         return giveUp(Conclude(loan, call, terms, number, outcome));
+    TellOfConnection(*loan, *answer.message);
     answer.loan = std::move(loan);
     for (auto const &line : answer.message->log)
         if (line != nullptr)
@@ -187,12 +202,23 @@ Readers::Answer Readers::Exchange(Call const &call, MakeRequest const &make) {
     return answer;
 }
 
+ReaderPool::TermsPtr Readers::ConnectionOf(DString const &moniker) {
+    if (moniker.empty() || !BDIMoniker(moniker, nullptr).IsUrl())
+        return nullptr;
+    static ReaderPool::TermsPtr const fileServers =
+        std::make_shared<ConnectionTerms const>(ConnectionTerms{.id = kFileServers});
+    if (StartsWithNoCase(moniker, "smb://") || moniker.find("/vsismb/") != DString::npos)
+        return fileServers;
+    ConnectionTerms terms = zelvar::TermsOf(moniker);
+    return terms.id.empty() ? nullptr : std::make_shared<ConnectionTerms const>(std::move(terms));
+}
+
 ReaderPool::Loan Readers::Borrow(Call const &call, Terms const &terms) {
-    ReaderRole const role{.listing = terms.kind == RequestKind::Probe || terms.kind == RequestKind::List,
-                          .network =
-                              call.network || (!call.subject.empty() && BDIMoniker(call.subject, nullptr).IsUrl())};
+    ReaderPool::Wanted const wanted{.listing = terms.kind == RequestKind::Probe || terms.kind == RequestKind::List,
+                                    .terms = ConnectionOf(call.subject.empty() ? call.address : call.subject),
+                                    .preferred = call.preferred};
     while (true) {
-        ReaderPool::Loan loan = m_pool.Borrow(role, call.preferred, terms.begin + terms.time, terms.isStopped);
+        ReaderPool::Loan loan = m_pool.Borrow(wanted, terms.begin + terms.time, terms.isStopped);
         if (!loan || IsInStep(loan))
             return loan;
         bool const gone = loan->Kill(kGoneAfterKill);
@@ -268,6 +294,8 @@ Readers::Outcome Readers::GiveUp(ReaderPool::Loan const &loan, Terms const &term
     wire::StopT stop;
     stop.number = number;
     Send(loan, wire::PackRequest(0, 0, stop), -1);
+    if (loan->Broker() != nullptr)
+        loan->Broker()->Stop();
     // Who waits for a processor cannot hear the word either; a user who has said it is not kept much longer for that.
     TimeHad time(*loan);
     Clock::time_point const last = Clock::now() + grace * kSlowestGrace;

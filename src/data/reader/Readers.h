@@ -33,12 +33,12 @@ public:
     static Readers &Instance();
 
     struct Call {
-        RequestKind kind = RequestKind::Properties; ///< where no scope says otherwise
-        char const *what = "";                      ///< for the log
-        DString subject{};                          ///< the moniker; empty for none
-        StopSignal const *stop = nullptr;           ///< may be null
-        int preferred = 0;                          ///< number of the reader that has the tree or image open
-        bool network = false;                       ///< whether that reader may connect; an address says so by itself
+        RequestKind kind = RequestKind::Properties;       ///< where no scope says otherwise
+        char const *what = "";                            ///< for the log
+        DString subject{};                                ///< the moniker; empty for none
+        StopSignal const *stop = nullptr;                 ///< may be null
+        int preferred = 0;                                ///< number of the reader that has the tree or image open
+        DString address{};                                ///< whose connection is meant where there is no subject
         std::optional<std::chrono::milliseconds> limit{}; ///< on the clock; far above its time if there is none
         std::size_t pixelBytes = 0;                       ///< of shared memory
     };
@@ -49,6 +49,8 @@ public:
         ReaderPool::Loan loan{};                ///< keeps the shared memory as it is
         wire::SharedMemory *pixels = nullptr;   ///< the memory
     };
+    /// The terms of the connection that a moniker belongs to; null for files on disk.
+    [[nodiscard]] static ReaderPool::TermsPtr ConnectionOf(DString const &moniker);
     /// Asks and waits. A request that the reader itself declines has a message: `wire::FailedT`.
     template <class Body>
     [[nodiscard]] Answer Ask(Call const &call, Body body) {

@@ -28,7 +28,10 @@ constexpr std::size_t kFilesTogether = 256;
 constexpr int kColorBytes = 3;
 constexpr std::chrono::milliseconds kFindTime{500};
 
-bool IsAddress(DString const &path) { return BDIMoniker(path, nullptr).IsUrl(); }
+DString ConnectionIdOf(DString const &path) {
+    auto const terms = Readers::ConnectionOf(path);
+    return terms == nullptr ? DString() : terms->id;
+}
 
 Image &Of(void *handle) { return *static_cast<Image *>(handle); }
 
@@ -128,8 +131,9 @@ std::optional<std::size_t> RemoteRasterDriver::FindMyFile(std::vector<DString> c
         wire::FindOwnedT body;
         body.driver = m_facts.id;
         std::size_t end = first;
+        DString const connection = ConnectionIdOf(paths[first]);
         for (; end < paths.size() && end - first < kFilesTogether; ++end) {
-            if (Readers::Instance().Verdicts().Has(paths[end]) || IsAddress(paths[end]) != IsAddress(paths[first]))
+            if (Readers::Instance().Verdicts().Has(paths[end]) || ConnectionIdOf(paths[end]) != connection)
                 break;
             body.paths.push_back(paths[end]);
         }
@@ -137,7 +141,7 @@ std::optional<std::size_t> RemoteRasterDriver::FindMyFile(std::vector<DString> c
         if (end > first) {
             RequestScope const scope(RequestKind::Probe, {}, kFindTime);
             Readers::Call const call{
-                .kind = RequestKind::Probe, .what = "owner", .stop = &stop, .network = IsAddress(paths[first])};
+                .kind = RequestKind::Probe, .what = "owner", .stop = &stop, .address = paths[first]};
             answer = Readers::Instance().Ask(call, std::move(body));
         }
         auto const *const found = BodyOf<wire::OwnedFoundT>(answer.message.get());

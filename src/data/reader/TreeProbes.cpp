@@ -247,8 +247,7 @@ private:
             // That a batch is late is no answer about its files, and wastes nobody's patience.
             RequestScope const scope(
                 RequestKind::Probe, [this] { return m_isStopped.load(); }, time);
-            Readers::Call call{
-                .kind = RequestKind::Probe, .what = "probes", .network = IsOnServer(part.files.PathAt(first))};
+            Readers::Call call{.kind = RequestKind::Probe, .what = "probes", .address = part.files.PathAt(first)};
             if (m_end)
                 call.limit = std::chrono::duration_cast<milliseconds>(*m_end - begin);
             Readers::Answer const answer = Readers::Instance().Ask(call, part.files.From(first));

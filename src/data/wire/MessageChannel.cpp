@@ -1,9 +1,10 @@
 #include "zelvar/data/wire/MessageChannel.h"
 
+#include "zelvar/data/wire/FileNote.h"
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cstring>
 #include <utility>
 
 #include <poll.h>
@@ -16,29 +17,6 @@ namespace {
 
 constexpr std::uint32_t kMark = 0x5A4C5652;
 constexpr std::size_t kFirstBody = std::size_t{1} << 20U; // taken before any of a message has come; then it doubles
-
-/// Room for one descriptor beside a message.
-union FileNote {
-    cmsghdr align;
-    std::array<char, CMSG_SPACE(sizeof(int))> bytes;
-};
-
-/// The descriptor in what was received; any others are closed. -1 if there is none.
-int TakeFile(msghdr &message) {
-    int taken = -1;
-    for (cmsghdr *note = CMSG_FIRSTHDR(&message); note != nullptr; note = CMSG_NXTHDR(&message, note)) {
-        if (note->cmsg_level != SOL_SOCKET || note->cmsg_type != SCM_RIGHTS)
-            continue;
-        std::size_t const count = (note->cmsg_len - CMSG_LEN(0)) / sizeof(int);
-        for (std::size_t i = 0; i < count; ++i) {
-            int file = -1;
-            std::memcpy(&file, CMSG_DATA(note) + i * sizeof(int), sizeof file);
-            if (int const former = std::exchange(taken, file); former >= 0)
-                close(former);
-        }
-    }
-    return taken;
-}
 
 } // namespace
 
@@ -83,15 +61,8 @@ MessageChannel::Result MessageChannel::Send(std::span<std::uint8_t const> messag
         out.msg_iov = parts.data();
         out.msg_iovlen = parts.size();
         FileNote note{};
-        if (file >= 0 && done == 0) {
-            out.msg_control = note.bytes.data();
-            out.msg_controllen = note.bytes.size();
-            cmsghdr *const rights = CMSG_FIRSTHDR(&out);
-            rights->cmsg_level = SOL_SOCKET;
-            rights->cmsg_type = SCM_RIGHTS;
-            rights->cmsg_len = CMSG_LEN(sizeof file);
-            std::memcpy(CMSG_DATA(rights), &file, sizeof file);
-        }
+        if (file >= 0 && done == 0)
+            PutFile(out, note, file);
         ssize_t const sent = sendmsg(m_socket.Get(), &out, MSG_NOSIGNAL | MSG_DONTWAIT);
         if (sent > 0) {
             done += static_cast<std::size_t>(sent);

@@ -1,0 +1,57 @@
+#include "zelvar/reader/BrokerClient.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <cstring>
+#include <mutex>
+
+#include <unistd.h>
+
+namespace zelvar::reader {
+
+namespace {
+
+std::atomic<int> g_socket{-1};
+
+/// The answer, and what came with it; an answer of ECONNABORTED if the application has gone.
+wire::ConnectAnswer Ask(wire::ConnectQuestion const &question, int &file) {
+    static auto &mutex = *new std::mutex; // threads that libraries leave behind may ask at the end
+    std::lock_guard const lock(mutex);
+    wire::ConnectAnswer answer;
+    file = -1;
+    if (!wire::SendRecord(g_socket, question) || !wire::ReceiveRecord(g_socket, answer, file))
+        return {.error = ECONNABORTED};
+    return answer;
+}
+
+} // namespace
+
+void BrokerClient::Use(int socket) { g_socket = socket; }
+
+bool BrokerClient::IsUsed() { return g_socket >= 0; }
+
+int BrokerClient::Connect(wire::HostNumber const &number, std::uint16_t port) {
+    int file = -1;
+    wire::ConnectAnswer const answer =
+        Ask({.kind = wire::ConnectQuestion::Connect, .port = port, .number = number}, file);
+    if (file < 0)
+        errno = answer.error != 0 ? answer.error : ECONNABORTED;
+    return file;
+}
+
+std::vector<wire::HostNumber> BrokerClient::Resolve(char const *name, std::uint16_t port) {
+    wire::ConnectQuestion question{.kind = wire::ConnectQuestion::Resolve, .port = port};
+    std::size_t const length = std::strlen(name);
+    if (length >= question.name.size())
+        return {};
+    std::memcpy(question.name.data(), name, length);
+    int file = -1;
+    wire::ConnectAnswer const answer = Ask(question, file);
+    if (file >= 0)
+        close(file);
+    auto const count = std::min<std::size_t>(answer.error == 0 ? answer.count : 0, answer.numbers.size());
+    return {answer.numbers.begin(), answer.numbers.begin() + static_cast<std::ptrdiff_t>(count)};
+}
+
+} // namespace zelvar::reader

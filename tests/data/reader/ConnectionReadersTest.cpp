@@ -1,0 +1,241 @@
+#include "support/HostileFiles.h"
+#include "support/HttpServer.h"
+#include "zelvar/base/FileDescriptor.h"
+#include "zelvar/data/Connection.h"
+#include "zelvar/data/RequestScope.h"
+
+#include <filesystem>
+#include <fstream>
+#include <thread>
+
+#include <arpa/inet.h>
+#include <linux/landlock.h>
+#include <sys/socket.h>
+#include <sys/syscall.h>
+
+namespace zelvar {
+namespace {
+
+using std::chrono::milliseconds;
+
+bool KernelBarsReading() {
+    return syscall(SYS_landlock_create_ruleset, nullptr, 0, LANDLOCK_CREATE_RULESET_VERSION) >= 1;
+}
+
+/// Waits for it, far longer than it can take.
+bool Eventually(std::function<bool()> const &condition) {
+    auto const begin = test::Clock::now();
+    while (!condition() && test::Since(begin) < std::chrono::seconds(20))
+        std::this_thread::yield();
+    return condition();
+}
+
+/// A port of 127.0.0.1 that lets no connection through: what has been asked for before waits at its door.
+class SilentPort : test::Pinned {
+public:
+    SilentPort() {
+        m_address.sin_family = AF_INET;
+        m_address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        socklen_t size = sizeof m_address;
+        auto *const general = reinterpret_cast<sockaddr *>(&m_address);
+        EXPECT_EQ(bind(m_listener.Get(), general, size), 0);
+        EXPECT_EQ(listen(m_listener.Get(), 0), 0);
+        EXPECT_EQ(getsockname(m_listener.Get(), general, &size), 0);
+        for (FileDescriptor const &waiting : m_waiting)
+            std::ignore = connect(waiting.Get(), general, size); // does not wait for an answer
+    }
+    [[nodiscard]] DString Port() const { return std::to_string(ntohs(m_address.sin_port)); }
+
+private:
+    static FileDescriptor Socket() { return FileDescriptor(socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK, 0)); }
+    FileDescriptor m_listener = Socket();
+    std::array<FileDescriptor, 3> m_waiting{Socket(), Socket(), Socket()};
+    sockaddr_in m_address{};
+};
+
+struct ConnectionReaders : test::HostileFiles {
+    ~ConnectionReaders() override { SetConnectionFinder(nullptr); }
+    /// The address at that place whose driver does these things when it is opened.
+    static DString At(DString const &place, std::vector<DString> const &actions) {
+        DString address = "http://" + place + "/";
+        for (DString const &action : actions)
+            address += "open " + action + ";";
+        return address + "/.hostile";
+    }
+    /// What the driver tells of it; why it was not opened otherwise.
+    static DString Told(DString const &address) {
+        Image const image(address);
+        return image ? image.driver->GetAttrString("RDI_Drvr_Info", image.handle, 0) : image.error.Text();
+    }
+    [[nodiscard]] DString Own() const { return "127.0.0.1:" + std::to_string(m_server.Port()); }
+    test::HttpServer m_server;
+};
+
+TEST_F(ConnectionReaders, OneReachesTheHostsOfItsTermsAloneAndThroughItsApplication) {
+    test::HttpServer const other;
+    DString const own = std::to_string(m_server.Port());
+    DString const secret = folder.Write("secret", "x");
+    test::Rows<DString, DString> const rows = {
+        {"reach 127.0.0.1 " + own, "done"},
+        {"connect " + own, "done"},
+        {"reach 127.0.0.1 " + std::to_string(other.Port()), "unknown"},
+        {"connect " + std::to_string(other.Port()), "errno 13"},
+        {"reach localhost " + own, "unknown"},
+        {"raw " + own, "errno 13"},
+        {"fastopen " + own, "errno 13"},
+        {"datagram", "errno 13"},
+        {"unix", "errno 13"},
+        {"sctp", "errno 13"},
+        {"pair", "errno 13"},
+        {"listen", "errno 13"},
+        {"see " + secret, KernelBarsReading() ? "errno 13" : "done"},
+        {"thread", "done"},
+    };
+    for (auto const &[action, outcome] : rows)
+        EXPECT_EQ(Told(At(Own(), {action})), action.substr(0, action.find(' ')) + ": " + outcome);
+    EXPECT_EQ(other.Connections(), 0);
+    EXPECT_EQ(m_server.Connections(), 2);
+    // By a name, when the terms have it.
+    SetConnectionFinder([&](std::string_view) {
+        return ConnectionTerms{.id = "named", .hosts = {{"LocalHost", static_cast<std::uint16_t>(m_server.Port())}}};
+    });
+    EXPECT_EQ(Told(At("named", {"reach localhost " + own})), "reach: done");
+}
+
+TEST_F(ConnectionReaders, WhatKeepsAReaderFromItsServerIsTheCause) {
+    using enum DError::Cause;
+    SilentPort const silent;
+    SetConnectionFinder([](std::string_view address) {
+        ConnectionTerms terms{.id = DString(address), .hosts = {{"127.0.0.1", 0}, {"no..server", 0}}};
+        terms.connectTime = milliseconds(50);
+        return address.find("elsewhere") == std::string_view::npos ? std::optional(terms) : std::nullopt;
+    });
+    struct Row {
+        std::vector<DString> actions;
+        DString text;
+        DError::Cause cause = NoAnswer;
+    };
+    DString const silentPlace = "127.0.0.1:" + silent.Port();
+    Row const rows[] = {
+        {{"reach 127.0.0.1 1", "fail"}, "127.0.0.1:1 refuses connections"},
+        {{"reach no..server 80", "fail"}, "no server named no..server is known"},
+        {{"reach 127.0.0.1 " + silent.Port(), "fail"}, silentPlace + " does not answer (0.05 s)"},
+        {{"reach other.lab 81", "fail"}, "it leads to other.lab:81, which is no host of its connection", Refused},
+        {{"reach ::1 81", "fail"}, "it leads to [::1]:81, which is no host of its connection", Refused},
+        {{"reach 127.0.0.1 1", "reach 127.0.0.1 " + std::to_string(m_server.Port()), "fail"},
+         "it does not open",
+         Unknown},
+    };
+    for (Row const &row : rows) {
+        Image const image(At("127.0.0.1", row.actions));
+        EXPECT_FALSE(image);
+        EXPECT_THAT(image.error.Text(), testing::HasSubstr(row.text));
+        EXPECT_EQ(image.error.Why(), row.cause) << row.text;
+    }
+}
+
+TEST_F(ConnectionReaders, AStopClosesTheSocketOfASilentServerAtOnce) {
+    SilentPort const silent;
+    SetConnectionFinder([](std::string_view) {
+        return ConnectionTerms{.id = "slow", .hosts = {{"127.0.0.1", 0}}, .connectTime = std::chrono::minutes(5)};
+    });
+    Told(At("slow", {}));              // the reader is up
+    constexpr milliseconds soon{2000}; // a machine under load included; the patience would be minutes
+    for (DString const &port : {silent.Port(), DString(std::to_string(m_server.Port()))}) {
+        StopSignal stop = false;
+        std::atomic<test::Clock::time_point> stopped{};
+        std::jthread const user([&] {
+            EXPECT_TRUE(port == silent.Port() || Eventually([&] { return m_server.OpenConnections() == 1; }));
+            stopped = test::Clock::now();
+            stop = true;
+        });
+        Image const image(At("slow", {"reach 127.0.0.1 " + port, "sleep 300"}), &stop);
+        EXPECT_FALSE(image);
+        EXPECT_TRUE(Eventually([&] { return m_server.OpenConnections() == 0; }));
+        EXPECT_LT(test::Since(stopped), soon);
+    }
+}
+
+TEST_F(ConnectionReaders, EachConnectionHasItsOwnAndThereAreNotTooMany) {
+    ReaderSettings settings;
+    settings.connectionReaders = 2;
+    Use(settings);
+    auto const open = [](char const *place) { return Told(At(place, {"thread"})); };
+    open("127.0.0.1:1");
+    int const withOne = CountReaders().alive; // and those for files
+    int const started = CountReaders().started;
+    for (char const *place : {"127.0.0.1:1", "127.0.0.1:1", "127.0.0.1:2", "127.0.0.1:1", "127.0.0.1:2"})
+        EXPECT_EQ(open(place), "thread: done");
+    EXPECT_EQ(CountReaders().alive, withOne + 1);
+    EXPECT_EQ(CountReaders().started, started + 1);
+    open("127.0.0.1:1"); // the other has been idle longer
+    open("127.0.0.1:3");
+    open("127.0.0.1:1");
+    EXPECT_EQ(CountReaders().alive, withOne + 1);
+    EXPECT_EQ(CountReaders().started, started + 2);
+    EXPECT_EQ(CountReaders().crashed, 0);
+    // Under other terms it is another.
+    SetConnectionFinder([](std::string_view) {
+        return ConnectionTerms{.id = "http://127.0.0.1:1", .secrets = {{"password", "new"}}};
+    });
+    EXPECT_EQ(Told(At("127.0.0.1:1", {"told password"})), "told: new");
+    EXPECT_EQ(CountReaders().started, started + 3);
+}
+
+TEST_F(ConnectionReaders, AnIdleOneEnds) {
+    ReaderSettings settings;
+    settings.connectionIdle = milliseconds(100);
+    Use(settings);
+    EXPECT_FALSE(Image("/none.hostile"));
+    int const ofFiles = CountReaders().alive;
+    EXPECT_EQ(Told(At(Own(), {"reach 127.0.0.1 " + std::to_string(m_server.Port())})), "reach: done");
+    EXPECT_TRUE(Eventually([&] { return m_server.OpenConnections() == 0; })) << "it has ended by itself";
+    EXPECT_TRUE(Eventually([&] { return CountReaders().alive == ofFiles; }));
+    EXPECT_EQ(Told(At(Own(), {"thread"})), "thread: done") << "and another comes";
+    EXPECT_EQ(CountReaders().crashed, 0);
+}
+
+TEST_F(ConnectionReaders, SecretsGoToTheReaderAndAreSeenNowhere) {
+    constexpr char kMarker[] = "Marker-Of-A-Secret";
+    std::string log;
+    std::mutex mutex;
+    auto const former = Report::SetTraceHandler([&](int, DString const &line) {
+        std::lock_guard const lock(mutex);
+        log += line;
+    });
+    SetConnectionFinder([&](std::string_view) {
+        return ConnectionTerms{.id = "http://ann@maps.lab:80", .secrets = {{"password", kMarker}}};
+    });
+    // "Told" itself must not be looked at: it says what it was told.
+    Image const image(At("maps.lab", {"told password", "reach 127.0.0.1 1"}));
+    ASSERT_TRUE(image) << image.error.Text();
+    EXPECT_EQ(image.driver->GetAttrString("RDI_Drvr_Info", image.handle, 0),
+              DString("told: ") + kMarker + "; reach: unknown");
+    int readers = 0;
+    for (auto const &entry : std::filesystem::directory_iterator("/proc")) {
+        std::string const words = test::ReadFile(entry.path() / "cmdline");
+        if (words.find("zelvar-reader") == std::string::npos)
+            continue;
+        readers += words.find("connection") != std::string::npos ? 1 : 0;
+        EXPECT_EQ(words.find(kMarker), std::string::npos);
+        EXPECT_EQ(test::ReadFile(entry.path() / "environ").find(kMarker), std::string::npos);
+    }
+    EXPECT_GE(readers, 1);
+    Report::SetTraceHandler(former);
+    EXPECT_EQ(log.find(kMarker), std::string::npos) << log;
+    EXPECT_THAT(log, testing::HasSubstr("starts for http://ann@maps.lab:80"));
+}
+
+TEST_F(ConnectionReaders, AProxyOfTheEnvironmentLeadsToTheHostsOfTheTermsAlone) {
+    m_server.Serve("maps.lab:80", "");
+    m_server.Refuse("maps.lab:81", 407);
+    setenv("http_proxy", m_server.Url().c_str(), 1);
+    EXPECT_EQ(Told(At("maps.lab", {"reach maps.lab 80", "reach other.lab 80"})), "reach: done; reach: unknown");
+    EXPECT_THAT(Told(At("maps.lab:81", {"reach maps.lab 81", "fail"})),
+                testing::HasSubstr("the proxy " + Own() + " does not lead to maps.lab:81 (407)"));
+    unsetenv("http_proxy");
+    EXPECT_THAT(m_server.Requests(), testing::ElementsAre("CONNECT maps.lab:80", "CONNECT maps.lab:81"));
+}
+
+} // namespace
+} // namespace zelvar
