@@ -1,7 +1,9 @@
+#include "support/HttpServer.h"
 #include "support/ImageFiles.h"
 #include "support/RealDrivers.h"
 #include "support/Test.h"
 #include "zelvar/data/BDIDrvrMngr.h"
+#include "zelvar/data/Connection.h"
 #include "zelvar/data/RDIDriverMngr.h"
 #include "zelvar/data/reader/DriverModule.h"
 
@@ -121,6 +123,29 @@ TEST_F(OpenInReaders, AReaderThatIsEndedWithAllOthersIsNoFaultOfItsFile) {
     EXPECT_EQ(CountReaders().killed, before.killed);
     file.Release();
     EXPECT_NE(Open(path), nullptr);
+}
+
+TEST_F(OpenInReaders, AConnectionHasTheDriversOfItsKindAndIsToldItsLogin) {
+    using enum ConnectionKind;
+    UseOneReader();
+    test::HttpServer server;
+    server.Serve(
+        "/map.xml",
+        "<GDAL_WMS><Service name=\"TMS\"><ServerUrl>" + server.Url() +
+            "/${z}</ServerUrl></Service><DataWindow><SizeX>640</SizeX><SizeY>480</SizeY><TileLevel>1</TileLevel>"
+            "</DataWindow><Projection>EPSG:4326</Projection></GDAL_WMS>");
+    for (ConnectionKind const kind : {Address, WebFolder, PostgreSql, MapService}) {
+        SetConnectionFinder([&](std::string_view) {
+            ConnectionTerms terms{
+                .id = "lab", .kind = kind, .options = {{"user", "ann"}}, .secrets = {{"password", "pw"}}};
+            terms.hosts = {{"127.0.0.1", static_cast<std::uint16_t>(server.Port())}};
+            return terms;
+        });
+        EXPECT_EQ(Open(server.Url() + "/map.xml") != nullptr, kind == MapService) << static_cast<int>(kind);
+        EXPECT_EQ(CountReaders().crashed, 0);
+    }
+    SetConnectionFinder(nullptr);
+    EXPECT_EQ(server.Logins(), std::set<std::string>{"Basic YW5uOnB3"});
 }
 
 } // namespace

@@ -84,6 +84,11 @@ std::vector<std::string> HttpServer::Requests() const {
     return m_requests;
 }
 
+std::set<std::string> HttpServer::Logins() const {
+    std::lock_guard const lock(m_mutex);
+    return m_logins;
+}
+
 void HttpServer::Run() {
     while (AwaitReadable(m_listener, m_wake[0])) {
         int const connection = accept4(m_listener, nullptr, nullptr, SOCK_CLOEXEC);
@@ -124,6 +129,8 @@ bool HttpServer::Answer(int connection, std::string const &request) {
     {
         std::lock_guard const lock(m_mutex);
         m_requests.push_back(line);
+        if (std::string const login = HeaderOf(request, "Authorization"); !login.empty())
+            m_logins.insert(login.substr(0, login.find_last_not_of("\r\n") + 1));
         auto const at = m_resources.find(line.substr(line.find(' ') + 1));
         if (at != m_resources.end()) {
             resource = at->second;

@@ -3,6 +3,7 @@
 #include "support/Test.h"
 
 #include <mutex>
+#include <set>
 #include <thread>
 
 namespace zelvar::test {
@@ -26,6 +27,8 @@ public:
 
     /// Lines such as "GET /a.tif" in the order of their coming.
     [[nodiscard]] std::vector<std::string> Requests() const;
+    /// Logins that came with requests, as the header says them.
+    [[nodiscard]] std::set<std::string> Logins() const;
     /// Bytes of bodies sent so far.
     [[nodiscard]] std::size_t BytesSent() const { return m_bytesSent; }
     /// Connections taken so far, with or without a request.
@@ -50,9 +53,10 @@ private:
     std::atomic<std::size_t> m_bytesSent{0};
     std::atomic<int> m_connections{0};
     std::atomic<int> m_endedConnections{0};
-    mutable std::mutex m_mutex; ///< guards the two below
+    mutable std::mutex m_mutex; ///< guards the three below
     std::map<std::string, Resource> m_resources;
     std::vector<std::string> m_requests;
+    std::set<std::string> m_logins;
     std::vector<std::thread> m_talks; ///< of the thread that runs only
     std::thread m_thread;
 };

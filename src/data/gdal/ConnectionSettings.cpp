@@ -48,7 +48,8 @@ void TellGdal(ConnectionTerms const &terms) {
     }
     DString const user = ValueOf(terms.options, "user");
     DString const password = ValueOf(terms.secrets, "password");
-    if (!user.empty() && !password.empty())
+    bool const isOfTheWeb = terms.kind != ConnectionKind::PostgreSql && terms.kind != ConnectionKind::Odbc;
+    if (isOfTheWeb && !user.empty() && !password.empty())
         CPLSetConfigOption("GDAL_HTTP_USERPWD", (user + ":" + password).c_str());
 }
 

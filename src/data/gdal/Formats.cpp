@@ -148,12 +148,27 @@ FormatFacts UsesOf(GDALDriverH driver, Format const &format) {
 
 } // namespace
 
+namespace {
+
+/// The drivers that were taken from GDAL; filled once, before any is asked for.
+std::vector<GDALDriverH> &TakenOut() {
+    static std::vector<GDALDriverH> taken;
+    return taken;
+}
+
+} // namespace
+
 void DeregisterServices() {
     for (Barred const &barred : kBarred)
         if (GDALDriverH const driver = GDALGetDriverByName(DString(barred.id).c_str());
-            driver != nullptr && barred.reachesOut && !IsServedHere(barred))
+            driver != nullptr && barred.reachesOut && !IsServedHere(barred)) {
             GDALDeregisterDriver(driver);
+            TakenOut().push_back(driver);
+        }
 }
+
+KnownServices::KnownServices() { std::ranges::for_each(TakenOut(), &GDALRegisterDriver); }
+KnownServices::~KnownServices() { std::ranges::for_each(TakenOut(), &GDALDeregisterDriver); }
 
 Formats const &Formats::Instance() {
     static Formats const formats;

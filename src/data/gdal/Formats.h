@@ -25,6 +25,15 @@ struct Format {
 /// What a file leads to is opened by any format that is registered, whatever was allowed for the file itself.
 void DeregisterServices();
 
+/// Puts those formats back while it lives, so that GDAL knows a file of theirs: to be told of, never opened.
+class KnownServices {
+public:
+    KnownServices();
+    ~KnownServices();
+    KnownServices(KnownServices const &) = delete;
+    KnownServices &operator=(KnownServices const &) = delete;
+};
+
 /// The formats that data may be opened with: all of GDAL's but those that reach out by what a file or name says
 /// (services, databases; readers of a connection have those of its kind), run programs, or write beside the user's
 /// files. Virtual files over other sources are read

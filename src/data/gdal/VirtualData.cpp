@@ -221,6 +221,7 @@ private:
         return Document(name);
     }
 
+    KnownServices m_services;               ///< nothing is opened meanwhile
     std::vector<char const *> m_unfit;      ///< formats
     std::vector<char const *> m_all;        ///< the same and the virtual ones
     std::vector<DString> m_path;            ///< keys of the documents that lead here

@@ -52,6 +52,11 @@ DString TextIn(std::array<char, 256> const &bytes) {
     return end == bytes.end() ? DString() : DString(bytes.begin(), end);
 }
 
+DString OwnHostName() {
+    std::array<char, 256> name{};
+    return gethostname(name.data(), name.size() - 1) == 0 ? DString(name.data()) : DString();
+}
+
 /// Numbers as the system writes them, so that one is known in any other form.
 std::shared_ptr<ConnectionTerms const> WithPlainNumbers(ConnectionTerms terms) {
     for (HostAndPort &place : terms.hosts)
@@ -148,7 +153,8 @@ wire::ConnectAnswer ConnectionBroker::Resolve(DString const &host, std::uint16_t
         numbers = {StandIn(host)};
     else
         numbers = ResolveHost(host, patience, answer.error);
-    if (answer.error != 0)
+    // Libraries ask for the name of this machine by the way.
+    if (answer.error != 0 && (answer.error != EACCES || host != OwnHostName()))
         Note({host, port}, answer.error);
     if (m_hosts.size() > kMostNames)
         m_hosts.clear();

@@ -68,15 +68,19 @@ DError Because(char const *text, DError::Cause cause = DError::Cause::Unknown, s
     return error;
 }
 
-/// What kept a reader from its server is known here better than there: it takes the place of what the reader says.
+/// What kept a reader from its server is known here better than there: it takes the place of what the reader says, and
+/// of a list that it believes to be empty.
 void TellOfConnection(ReaderProcess const &reader, wire::AnswerT &answer) {
-    wire::FailedT *const failed = answer.body.AsFailed();
-    DError const reason = reader.Broker() == nullptr || failed == nullptr ? DError() : reader.Broker()->Failure();
+    wire::ChildrenT const *const children = answer.body.AsChildren();
+    bool const isFailure = answer.body.AsFailed() != nullptr || (children != nullptr && children->nodes.empty());
+    DError const reason = reader.Broker() == nullptr || !isFailure ? DError() : reader.Broker()->Failure();
     if (!reason.IsSet())
         return;
-    failed->reason = reason.Text();
-    failed->cause = static_cast<std::uint32_t>(reason.Why());
-    failed->detail = reason.Detail();
+    wire::FailedT failed;
+    failed.reason = reason.Text();
+    failed.cause = static_cast<std::uint32_t>(reason.Why());
+    failed.detail = reason.Detail();
+    answer.body.Set(std::move(failed));
 }
 
 double MillisecondsSince(Clock::time_point begin) {
