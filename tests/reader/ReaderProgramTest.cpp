@@ -85,6 +85,17 @@ TEST(ReaderProgram, StartedByHandItSaysWhatItIs) {
         cases.push_back({socket, "101", "local", "m.so"});
     for (char const *memory : {"100", "102", "103", "200"}) // no memory, unsealed, too little, not open
         cases.push_back({"100", memory, "local", "m.so"});
+    for (auto const &[broker, terms] : {std::pair("m.so", "m.so"), // no descriptors; no records; no sealed terms
+                                        {"102", "101"},
+                                        {"104", "104"},
+                                        {"104", "102"},
+                                        {"104", "101"}})
+        cases.push_back({"100", "101", "connection", broker, terms, "m.so"});
+    cases.push_back({"100", "101", "connection", "104", "101"});
+    std::array<int, 2> records{};
+    ASSERT_EQ(socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, records.data()), 0);
+    FileDescriptor const ours(records[0]);
+    FileDescriptor const theirs(records[1]);
     for (auto const &words : cases) {
         std::array<int, 2> errors{};
         ASSERT_EQ(pipe2(errors.data(), O_CLOEXEC), 0);
@@ -92,6 +103,7 @@ TEST(ReaderProgram, StartedByHandItSaysWhatItIs) {
                                                     {status->File(), 101},
                                                     {plain.Get(), 102},
                                                     {small->File(), 103},
+                                                    {theirs.Get(), 104},
                                                     {errors[1], STDERR_FILENO}}));
         close(errors[1]);
         std::array<char, 1000> text{};
