@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdlib>
+#include <memory>
 #include <mutex>
 #include <utility>
 

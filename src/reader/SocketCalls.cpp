@@ -50,6 +50,8 @@ std::uint16_t PortIn(char const *service) {
 
 } // namespace
 
+// The headers of the system name parameters as only they may.
+// NOLINTBEGIN(readability-inconsistent-declaration-parameter-name)
 extern "C" {
 
 [[gnu::visibility("default")]] int connect(int file, sockaddr const *address, socklen_t size) {
@@ -98,3 +100,4 @@ extern "C" {
     return *found == nullptr ? EAI_NONAME : 0;
 }
 }
+// NOLINTEND(readability-inconsistent-declaration-parameter-name)

@@ -168,7 +168,7 @@ wire::ConnectAnswer ConnectionBroker::Resolve(DString const &host, std::uint16_t
 }
 
 DString ConnectionBroker::HostBehind(Number const &number, std::uint16_t port) const {
-    DString const text = TextOf(number);
+    DString text = TextOf(number);
     auto const known = m_hosts.find(number);
     if (known == m_hosts.end() || MayReach(*m_terms, text, port))
         return text;

@@ -14,7 +14,9 @@ namespace zelvar::wire {
 struct HostNumber {
     std::uint32_t isSix = 0; ///< IPv6; else the first four bytes count
     std::array<std::uint8_t, 16> bytes{};
-    friend auto operator<=>(HostNumber const &, HostNumber const &) = default;
+    friend bool operator<(HostNumber const &a, HostNumber const &b) {
+        return a.isSix != b.isSix ? a.isSix < b.isSix : a.bytes < b.bytes;
+    }
 };
 
 struct ConnectQuestion {
