@@ -2,6 +2,7 @@
 
 #include "zelvar/data/RDIDriverMngr.h"
 #include "zelvar/data/reader/AnswerReading.h"
+#include "zelvar/data/reader/Places.h"
 #include "zelvar/data/reader/Readers.h"
 
 #include <algorithm>
@@ -28,10 +29,8 @@ constexpr std::size_t kFilesTogether = 256;
 constexpr int kColorBytes = 3;
 constexpr std::chrono::milliseconds kFindTime{500};
 
-DString ConnectionIdOf(DString const &path) {
-    auto const terms = Readers::ConnectionOf(path);
-    return terms == nullptr ? DString() : terms->id;
-}
+/// Of an address; empty for a file.
+DString ServerOf(DString const &path) { return BDIMoniker(path, nullptr).IsUrl() ? PlaceOfMoniker(path) : DString(); }
 
 Image &Of(void *handle) { return *static_cast<Image *>(handle); }
 
@@ -131,9 +130,9 @@ std::optional<std::size_t> RemoteRasterDriver::FindMyFile(std::vector<DString> c
         wire::FindOwnedT body;
         body.driver = m_facts.id;
         std::size_t end = first;
-        DString const connection = ConnectionIdOf(paths[first]);
+        DString const server = ServerOf(paths[first]);
         for (; end < paths.size() && end - first < kFilesTogether; ++end) {
-            if (Readers::Instance().Verdicts().Has(paths[end]) || ConnectionIdOf(paths[end]) != connection)
+            if (Readers::Instance().Verdicts().Has(paths[end]) || ServerOf(paths[end]) != server)
                 break;
             body.paths.push_back(paths[end]);
         }
