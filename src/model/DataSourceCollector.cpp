@@ -1,8 +1,11 @@
 #include "zelvar/model/DataSourceCollector.h"
 
+#include "zelvar/base/DFile.h"
+#include "zelvar/base/Directories.h"
 #include "zelvar/base/Translation.h"
 #include "zelvar/data/PlaceCheck.h"
 #include "zelvar/model/DataSourceDefinitions.h"
+#include "zelvar/model/DefinitionsLock.h"
 #include "zelvar/model/NtwDataSourceItem.h"
 #include "zelvar/model/TemplDataSourceItem.h"
 #include "zelvar/platform/os/MountTable.h"
@@ -13,6 +16,7 @@
 #include "zelvar/xml/XMLNode.h"
 
 #include <algorithm>
+#include <optional>
 
 namespace zelvar {
 
@@ -122,8 +126,15 @@ DString RowTextOf(DataSourceItem const &item) {
 
 void CollectDefinitions(DataSourceRows &rows) {
     DataSourceDefinitions definitions;
-    definitions.Load();
-    definitions.Save(); // a new main file reaches the disk
+    {
+        // A new main file must not take the place of one that another process has just written.
+        std::optional<DefinitionsLock> lock;
+        if (!DFile(AppendPath(GetDataSourceDefinitionsDir(), "connections.xml")).Exist())
+            lock.emplace();
+        definitions.Load();
+        if (lock && lock->IsHeld())
+            definitions.Save();
+    }
     for (auto const &[name, node] : definitions) {
         if (node->GetName() != "DataSource" || !node->GetAttrBool("visible", true))
             continue;

@@ -1,0 +1,192 @@
+#include "zelvar/connections/ConnectionBook.h"
+
+#include "zelvar/base/DFileFind.h"
+#include "zelvar/base/Directories.h"
+#include "zelvar/base/Translation.h"
+#include "zelvar/connections/ConnectionFields.h"
+#include "zelvar/connections/PostgreSqlService.h"
+#include "zelvar/xml/XMLNode.h"
+
+#include <algorithm>
+#include <mutex>
+#include <tuple>
+
+#include <sys/stat.h>
+
+namespace zelvar {
+
+namespace {
+
+constexpr std::uint16_t kHttp = 80;
+constexpr std::uint16_t kHttps = 443;
+constexpr char const *kNoConnection = Mark("No connection for %s is defined.");
+
+/// The files of definitions in the order in which they count: the main one first.
+std::vector<DString> DefinitionFiles() {
+    DString const directory = GetDataSourceDefinitionsDir();
+    if (directory.empty())
+        return {};
+    DString const main = DFile(AppendPath(directory, "connections.xml")).GetAbsolutePath();
+    std::vector<DString> files{main};
+    DFileFind const found(directory, "*.xml", true, false, false, false, 0);
+    for (DFile const &file : found.GetFiles())
+        if (DString const path = file.GetAbsolutePath(); !EqualNoCase(path, main))
+            files.push_back(path);
+    return files;
+}
+
+/// What changes when a file is written.
+using Stamp = std::vector<std::tuple<DString, ino_t, off_t, time_t, long>>;
+
+Stamp StampOf(std::vector<DString> const &files) {
+    Stamp stamp;
+    for (DString const &path : files) {
+        struct stat status {};
+        if (stat(path.c_str(), &status) == 0)
+            stamp.emplace_back(path, status.st_ino, status.st_size, status.st_mtim.tv_sec, status.st_mtim.tv_nsec);
+    }
+    return stamp;
+}
+
+/// Of a store whose addresses name a bucket and no server.
+std::vector<HostAndPort> StoreHosts(Connection const &connection) {
+    if (DString endpoint = connection.Field("endpoint"); !endpoint.empty()) {
+        bool const isPlain = endpoint.starts_with("http://");
+        if (std::size_t const scheme = endpoint.find("://"); scheme != DString::npos)
+            endpoint.erase(0, scheme + 3);
+        std::optional<HostAndPort> host = ParseHostAndPort(endpoint.substr(0, endpoint.find('/')));
+        if (!host)
+            return {};
+        if (host->port == 0)
+            host->port = isPlain ? kHttp : kHttps;
+        return {*host, {"*." + host->host, host->port}}; // a bucket's name may come before the server's
+    }
+    DString const service = connection.Field("service");
+    if (service == "gs")
+        return {{"storage.googleapis.com", kHttps}, {"oauth2.googleapis.com", kHttps}};
+    if (service == "az")
+        return {{"*.blob.core.windows.net", kHttps}};
+    return {{"s3.amazonaws.com", kHttps}, {"*.amazonaws.com", kHttps}};
+}
+
+std::vector<HostAndPort> HostsOf(Connection const &connection) {
+    switch (connection.kind) {
+    case ConnectionKind::ObjectStore:
+        return StoreHosts(connection);
+    case ConnectionKind::Odbc:
+        return {}; // named by the driver's own files: those that are allowed
+    case ConnectionKind::PostgreSql: {
+        Connection plain = WithServiceFields(connection);
+        plain.fields.erase("service");
+        std::optional<ConnectionAddress> const address = plain.Address();
+        return address ? std::vector{HostAndPort{address->host, address->PortOrUsual()}} : std::vector<HostAndPort>();
+    }
+    default: {
+        std::optional<ConnectionAddress> const address = connection.Address();
+        return address ? std::vector{HostAndPort{address->host, address->PortOrUsual()}} : std::vector<HostAndPort>();
+    }
+    }
+}
+
+void PutSecret(ConnectionTerms &terms, char const *key, Secret const &secret) {
+    if (!secret.IsEmpty())
+        terms.secrets[key] = secret.Reveal();
+}
+
+} // namespace
+
+ConnectionBook ConnectionBook::Read() {
+    ConnectionBook book;
+    for (DString const &path : DefinitionFiles()) {
+        XMLNode root;
+        if (!DFile(path).Exist() || !root.Load(DFile(path)))
+            continue;
+        for (XMLNode const *node = root.GetFirstChild(); node != nullptr; node = node->GetNext()) {
+            std::optional<Connection> connection = Connection::FromNode(*node);
+            if (!connection)
+                continue;
+            Entry entry{
+                .connection = *std::move(connection), .secret = {}, .isVisible = node->GetAttrBool("visible", true)};
+            if (std::optional<DString> password = PasswordInDefinition(*node))
+                entry.secret = Secret::TakenFrom(*password);
+            DString const name = entry.connection.name;
+            book.m_entries.insert_or_assign(name, std::move(entry));
+        }
+    }
+    return book;
+}
+
+std::shared_ptr<ConnectionBook const> ConnectionBook::Now() {
+    static std::mutex mutex;
+    static Stamp stamp;
+    static std::shared_ptr<ConnectionBook const> book;
+    std::lock_guard const lock(mutex);
+    Stamp now = StampOf(DefinitionFiles());
+    if (book == nullptr || now != stamp) {
+        book = std::make_shared<ConnectionBook const>(Read());
+        stamp = std::move(now);
+    }
+    return book;
+}
+
+ConnectionBook::Entry const *ConnectionBook::Find(DString const &name) const {
+    auto const found = m_entries.find(name);
+    return found == m_entries.end() ? nullptr : &found->second;
+}
+
+ConnectionBook::Entry const *ConnectionBook::FindByAddress(std::string_view address) const {
+    std::optional<ConnectionAddress> const wanted = ParseConnectionAddress(address);
+    Entry const *best = nullptr;
+    std::size_t length = 0;
+    for (auto const &[name, entry] : m_entries) {
+        std::optional<ConnectionAddress> const own = entry.connection.Address();
+        bool const holds =
+            own ? wanted && own->Holds(*wanted) : !address.empty() && entry.connection.Field("address") == address;
+        // Before the address that says more about it.
+        std::size_t const size = own ? 1 + own->path.size() + own->query.size() : 1;
+        if (holds && size > length) {
+            best = &entry;
+            length = size;
+        }
+    }
+    return best;
+}
+
+DString MissingConnectionInWords(std::string_view address) {
+    std::optional<ConnectionAddress> const wanted = ParseConnectionAddress(address);
+    return wanted ? Format(Translated(kNoConnection), wanted->Target().c_str()) : DString();
+}
+
+ConnectionTerms MakeTerms(ConnectionBook::Entry const &entry, StopSignal const *stop) {
+    Connection const connection = WithServiceFields(entry.connection);
+    std::optional<ConnectionAddress> const address = entry.connection.Address();
+    ConnectionTerms terms{.id = address ? address->ToText() : DString(), .kind = connection.kind};
+    terms.hosts = HostsOf(connection);
+    terms.hosts.insert(terms.hosts.end(), connection.allow.begin(), connection.allow.end());
+    for (auto const &[key, value] : connection.fields)
+        if (!value.empty())
+            terms.options[key] = value;
+    if (connection.timeLimit.count() > 0)
+        terms.connectTime = connection.timeLimit;
+    bool const isStore = connection.kind == ConnectionKind::ObjectStore;
+    if (!entry.secret.IsEmpty()) {
+        PutSecret(terms, isStore ? "key" : "password", entry.secret);
+        return terms;
+    }
+    SecretAnswer const answer = SecretStore::Instance().Find(entry.connection, stop);
+    PutSecret(terms, isStore ? "key" : "password", answer.secret);
+    PutSecret(terms, "token", answer.token);
+    if (!answer.user.empty())
+        terms.options[isStore ? "key" : "user"] = answer.user;
+    return terms;
+}
+
+void UseDefinedConnections() {
+    SetConnectionFinder([](std::string_view address) -> std::optional<ConnectionTerms> {
+        std::shared_ptr<ConnectionBook const> const book = ConnectionBook::Now();
+        ConnectionBook::Entry const *const entry = book->FindByAddress(address);
+        return entry == nullptr ? std::nullopt : std::optional(MakeTerms(*entry));
+    });
+}
+
+} // namespace zelvar
