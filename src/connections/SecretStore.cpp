@@ -19,10 +19,9 @@ constexpr char const *kNotInPgPass = Mark("Nothing tells a password: type one, o
 constexpr char const *kNotInNetrc = Mark("Nothing tells a password: type one, or use ~/.netrc.");
 constexpr char const *kNoProfile = Mark("There is no profile %s in %s.");
 constexpr char const *kNoService = Mark("There is no service %s in %s.");
-constexpr char const *kNoKeyring = Mark("This desktop has no keyring: the password is kept until the program ends.");
-constexpr char const *kKeyringFails = Mark("The keyring refuses (%s): the password is kept until the program ends.");
-constexpr char const *kKeyringSilent =
-    Mark("The keyring does not answer: the password is kept until the program ends.");
+constexpr char const *kNoKeyring = Mark("This desktop has no keyring.");
+constexpr char const *kKeyringFails = Mark("The keyring refuses: %s.");
+constexpr char const *kKeyringSilent = Mark("The keyring does not answer.");
 constexpr char const *kStopped = Mark("Stopped.");
 
 KeyringService::Attributes AttributesOf(SecretKey const &key) {

@@ -36,7 +36,7 @@ public:
 
     /// Looks where `connection.secret` says.
     [[nodiscard]] SecretAnswer Find(Connection const &connection, StopSignal const *stop = nullptr) const;
-    /// Keeps a password where the connection says, or in memory where that cannot be: `words` tells then.
+    /// Keeps a password where the connection says, or in memory where that cannot be: `words` tells why.
     SecretAnswer Keep(Connection const &connection, Secret const &secret, StopSignal const *stop = nullptr);
     /// From memory and keyring. False if a keyring that is there keeps it all the same.
     bool Forget(Connection const &connection, StopSignal const *stop = nullptr);

@@ -28,6 +28,11 @@ constexpr std::pair<char const *, char const *> kWords[] = {
     {"KIND",
      "raster (default of open), thematic, attributes, metadata (open only), table, tiff, xml, project, workspace, "
      "process, ruleset, solution, all"},
+    {"ADDRESS", "as postgresql://user@host/database, an address of a map service, s3://bucket/prefix, or a web "
+                "folder's; it holds no "
+                "password"},
+    {"TYPE", "postgresql, map, objects, web, odbc"},
+    {"WHERE", "keyring, ask, profile, file, none (default)"},
     {"SET", "ok, ok-cancel, abort-retry-ignore, yes-no, yes-no-cancel, retry-cancel, keep, continue-abort"},
 };
 constexpr std::pair<ExitCode, char const *> kExitCodes[] = {
@@ -172,7 +177,23 @@ std::vector<CommandSpec> const &AllCommands() {
                       "itself, description, values"}},
          .minArguments = 1,
          .maxArguments = 1},
-        {.name = "sources", .words = "", .about = "Prints the rows of the data source list: group, name, path."},
+        {.name = "sources",
+         .words = "[list|add [ADDRESS]|remove NAME|test NAME|export NAME FILE|import FILE]",
+         .about = "Prints the rows of the data source list: group, name, path. Or makes, tries, removes and passes on "
+                  "connections. A trial prints a line a step: step, outcome, milliseconds, words; Ctrl-C stops it. "
+                  "Passwords come from a file or the standard input, and go to the desktop's keyring.",
+         .options = {{"--kind", "TYPE", "of what is added; ADDRESS tells it by itself"},
+                     {"--name", "NAME", "what it is to be called"},
+                     {"--field", "KEY=VALUE", "as host=db.lab; a KEY that is not known brings a list of them",
+                      Use::Repeats},
+                     {"--secret", "WHERE", "where its password is kept"},
+                     {"--password", "FILE", "the password is the first line of it; - is the standard input"},
+                     {"--allow", "HOST", "may be reached besides its own, with :PORT or without", Use::Repeats},
+                     {"--time-limit", "N", "seconds to connect, 5 by default"},
+                     {"--keep-both", "", "where the name is taken: with a number behind it"},
+                     {"--replace", "", "in place of the one of that name"},
+                     {"--skip", "", "the one of that name stays"}},
+         .maxArguments = 3},
         {.name = "settings",
          .words = "export|import FILE",
          .about = "Writes the settings as XML, or brings them back, whole or not at all.",

@@ -1,3 +1,4 @@
+#include "zelvar/connections/ConnectionBook.h"
 #include "zelvar/tool/CommandTable.h"
 #include "zelvar/tool/Commands.h"
 
@@ -21,6 +22,7 @@ int Run(int argc, char **argv) {
         std::fputs(HelpText(*spec).c_str(), stdout);
         return kDone;
     }
+    zelvar::UseDefinedConnections();
     if (command == "ls")
         return RunLs(words);
     if (command == "info")

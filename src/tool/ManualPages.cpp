@@ -76,7 +76,8 @@ DString OptionTerm(OptionSpec const &option) {
 DString Choices(std::string_view word) {
     DString list;
     for (auto const &[name, meaning] : WordsIn(word))
-        if (std::string_view(name) == "KIND" || std::string_view(name) == "SET")
+        if (std::string_view(name) == "KIND" || std::string_view(name) == "SET" || std::string_view(name) == "TYPE" ||
+            std::string_view(name) == "WHERE")
             for (DString const &piece : Split(meaning, ','))
                 list += (list.empty() ? "" : " ") + Split(Trimmed(piece), ' ').front();
     return list;

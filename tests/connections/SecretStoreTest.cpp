@@ -37,7 +37,7 @@ TEST(SecretStore, WithoutAKeyringMemoryKeepsThePasswordAndSaysSo) {
     unsetenv("DBUS_SESSION_BUS_ADDRESS");
     SecretStore &store = SecretStore::Instance();
     for (auto const &[place, words] : test::Rows<SecretPlace, DString>{
-             {SecretPlace::Keyring, "This desktop has no keyring: the password is kept until the program ends."},
+             {SecretPlace::Keyring, "This desktop has no keyring."},
              {SecretPlace::Ask, ""}}) {
         Connection const connection = Database(place, SecretPlaceText(place));
         EXPECT_EQ(store.Find(connection).kept, Kept::Nowhere);

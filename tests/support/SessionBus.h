@@ -63,6 +63,7 @@ private:
             dup2(in[0], 0);
             dup2(out[1], 1);
             dup2(open("/dev/null", O_WRONLY | O_CLOEXEC), 2);
+            close_range(3, ~0U, 0); // pipes of others end when they close them
             execvp(arguments[0], arguments.data());
             _exit(127);
         }
