@@ -166,6 +166,13 @@ ConnectionTerms MakeTerms(ConnectionBook::Entry const &entry, StopSignal const *
     for (auto const &[key, value] : connection.fields)
         if (!value.empty())
             terms.options[key] = value;
+    // GDAL takes the endpoint without its scheme.
+    if (auto const endpoint = terms.options.find("endpoint"); endpoint != terms.options.end())
+        if (std::size_t const colon = endpoint->second.find("://"); colon != DString::npos) {
+            if (endpoint->second.starts_with("http://"))
+                terms.options["https"] = "no";
+            endpoint->second.erase(0, colon + 3);
+        }
     if (connection.timeLimit.count() > 0)
         terms.connectTime = connection.timeLimit;
     bool const isStore = connection.kind == ConnectionKind::ObjectStore;

@@ -1,6 +1,7 @@
 #include "zelvar/connections/KeyringService.h"
 
 #include "zelvar/base/Report.h"
+#include "zelvar/data/RequestScope.h"
 
 #include <condition_variable>
 #include <cstdlib>
@@ -179,7 +180,8 @@ KeyringAnswer Ask(std::shared_ptr<Question> const &question, Put put, std::chron
     auto const end = std::chrono::steady_clock::now() + time;
     std::unique_lock lock(question->mutex);
     while (!question->answer) {
-        bool const isStopped = stop != nullptr && *stop;
+        RequestScope const *const scope = RequestScope::Current();
+        bool const isStopped = (stop != nullptr && *stop) || (scope != nullptr && scope->IsStopped());
         if (isStopped || std::chrono::steady_clock::now() >= end) {
             question->library.cancel(question->cancellable);
             return {.state = isStopped ? KeyringState::Stopped : KeyringState::Late, .secret = {}, .reason = {}};

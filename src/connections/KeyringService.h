@@ -26,7 +26,7 @@ struct KeyringAnswer {
 
 /// The desktop's service for secrets, through libsecret, which is loaded at the first question. A question may make the
 /// service ask its user to unlock the keyring: each is put by a thread of its own, which whoever waits may leave to
-/// itself by `stop` or by the time that he gives it. Any thread.
+/// itself by `stop`, by the end of his `RequestScope` or by the time that he gives it. Any thread.
 class KeyringService {
 public:
     using Attributes = std::map<DString, DString>; ///< UTF-8

@@ -14,6 +14,10 @@ namespace {
 
 constexpr std::chrono::seconds kPatience{60}; ///< for a user who is asked to unlock the keyring
 
+using Clock = std::chrono::steady_clock;
+constexpr std::chrono::minutes kSecretHolds{10};
+constexpr std::chrono::seconds kSilenceHolds{10}; ///< nobody is asked again to unlock it at once
+
 constexpr char const *kNoPassword = Mark("Nothing tells a password.");
 constexpr char const *kNotInPgPass = Mark("Nothing tells a password: type one, or use ~/.pgpass.");
 constexpr char const *kNotInNetrc = Mark("Nothing tells a password: type one, or use ~/.netrc.");
@@ -122,8 +126,13 @@ SecretAnswer FindAwsProfile(Connection const &connection) {
 } // namespace
 
 struct SecretStore::Memory {
+    struct Told {
+        SecretAnswer answer;
+        Clock::time_point until;
+    };
     std::mutex mutex;
     std::map<SecretKey, Secret> secrets;
+    std::map<SecretKey, Told> byKeyring; ///< its answers: not every request of a reader is to ask it anew
 };
 
 std::optional<SecretKey> SecretKeyOf(Connection const &connection) {
@@ -146,6 +155,28 @@ SecretStore::Memory &SecretStore::Kept() {
     return memory;
 }
 
+SecretAnswer SecretStore::AskKeyring(SecretKey const &key, StopSignal const *stop) {
+    {
+        std::lock_guard const lock(Kept().mutex);
+        if (auto const told = Kept().byKeyring.find(key);
+            told != Kept().byKeyring.end() && Clock::now() < told->second.until)
+            return told->second.answer;
+    }
+    KeyringAnswer asked = KeyringService::Look(AttributesOf(key), kPatience, stop);
+    if (asked.state == KeyringState::Stopped)
+        return NotFound(Translated(kStopped));
+    bool const isFound = asked.state == KeyringState::Done;
+    SecretAnswer answer = NotFound(isFound ? "" : Translated(kNoPassword));
+    if (isFound) {
+        answer.kept = SecretAnswer::Kept::Keyring;
+        answer.secret = std::move(asked.secret);
+    }
+    Clock::duration const holds = isFound ? Clock::duration(kSecretHolds) : Clock::duration(kSilenceHolds);
+    std::lock_guard const lock(Kept().mutex);
+    Kept().byKeyring[key] = {answer, Clock::now() + holds};
+    return answer;
+}
+
 SecretAnswer SecretStore::Find(Connection const &connection, StopSignal const *stop) const {
     std::optional<SecretKey> const key = SecretKeyOf(connection);
     if (connection.secret == SecretPlace::None || connection.secret == SecretPlace::Definition || !key)
@@ -161,16 +192,8 @@ SecretAnswer SecretStore::Find(Connection const &connection, StopSignal const *s
         return isDatabase ? FindPgPass(connection) : FindNetrc(connection);
     case SecretPlace::Profile:
         return isDatabase ? FindService(connection) : FindAwsProfile(connection);
-    case SecretPlace::Keyring: {
-        KeyringAnswer answer = KeyringService::Look(AttributesOf(*key), kPatience, stop);
-        if (answer.state == KeyringState::Done)
-            return {.kept = SecretAnswer::Kept::Keyring,
-                    .secret = std::move(answer.secret),
-                    .token = {},
-                    .user = {},
-                    .words = {}};
-        return NotFound(Translated(answer.state == KeyringState::Stopped ? kStopped : kNoPassword));
-    }
+    case SecretPlace::Keyring:
+        return AskKeyring(*key, stop);
     default:
         return NotFound(Translated(isDatabase ? kNotInPgPass : kNoPassword));
     }
@@ -187,6 +210,7 @@ SecretAnswer SecretStore::Keep(Connection const &connection, Secret const &secre
         if (answer.state == KeyringState::Done) {
             std::lock_guard const lock(Kept().mutex);
             Kept().secrets.erase(*key); // one of before
+            Kept().byKeyring.erase(*key);
             kept.kept = SecretAnswer::Kept::Keyring;
             return kept;
         }
@@ -204,6 +228,7 @@ bool SecretStore::Forget(Connection const &connection, StopSignal const *stop) {
     {
         std::lock_guard const lock(Kept().mutex);
         Kept().secrets.erase(*key);
+        Kept().byKeyring.erase(*key);
     }
     if (connection.secret != SecretPlace::Keyring)
         return true;

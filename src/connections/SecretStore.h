@@ -34,7 +34,7 @@ class ZELVAR_API SecretStore {
 public:
     static SecretStore &Instance();
 
-    /// Looks where `connection.secret` says.
+    /// Looks where `connection.secret` says. An answer of the keyring holds for a while.
     [[nodiscard]] SecretAnswer Find(Connection const &connection, StopSignal const *stop = nullptr) const;
     /// Keeps a password where the connection says, or in memory where that cannot be: `words` tells why.
     SecretAnswer Keep(Connection const &connection, Secret const &secret, StopSignal const *stop = nullptr);
@@ -45,6 +45,7 @@ private:
     SecretStore() = default;
     struct Memory;
     [[nodiscard]] static Memory &Kept();
+    [[nodiscard]] static SecretAnswer AskKeyring(SecretKey const &key, StopSignal const *stop);
 };
 
 } // namespace zelvar

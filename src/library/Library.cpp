@@ -1,3 +1,4 @@
+#include "zelvar/connections/ConnectionBook.h"
 #include "zelvar/data/reader/DriverModule.h"
 #include "zelvar/filedlg/FileDlg.h"
 #include "zelvar/library/ZelvarInit.h"
@@ -31,6 +32,7 @@ void ZelvarInit() {
     g_started = true;
     BeginWithUsersLanguage();
     UseReaderDrivers();
+    UseDefinedConnections();
     platform::InstallUserMessages();
     SetSaveTargetProvider(&AskByFileDialog);
     // The faces that documents and users' settings name, by those that are there and as wide.
@@ -43,6 +45,7 @@ void ZelvarShutdown() {
         return;
     g_started = false;
     EndReaders();
+    SetConnectionFinder({});
     platform::RemoveUserMessages();
     SetSaveTargetProvider(nullptr);
 }

@@ -138,6 +138,7 @@ TEST_F(ConnectionFiles, AMonikerFindsTheConnectionOfItsLongestAddressAndItsTerms
     EXPECT_THAT(terms.hosts,
                 ElementsAre(HostAndPort{"s3.lab", 9000}, HostAndPort{"*.s3.lab", 9000}, HostAndPort{"cdn.lab", 443}));
     EXPECT_EQ(terms.options.at("region"), "eu");
+    EXPECT_EQ(terms.options.at("endpoint") + terms.options.at("https"), "s3.lab:9000no");
     EXPECT_EQ(TermsOf("https://u@h/a").secrets.at("password"), "MARKER");
     EXPECT_THAT(TermsOf("https://u@h/a").id, testing::Not(HasSubstr("MARKER")));
     ASSERT_TRUE(SaveConnection(Database("new")).isDone);

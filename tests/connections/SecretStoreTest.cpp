@@ -37,8 +37,7 @@ TEST(SecretStore, WithoutAKeyringMemoryKeepsThePasswordAndSaysSo) {
     unsetenv("DBUS_SESSION_BUS_ADDRESS");
     SecretStore &store = SecretStore::Instance();
     for (auto const &[place, words] : test::Rows<SecretPlace, DString>{
-             {SecretPlace::Keyring, "This desktop has no keyring."},
-             {SecretPlace::Ask, ""}}) {
+             {SecretPlace::Keyring, "This desktop has no keyring."}, {SecretPlace::Ask, ""}}) {
         Connection const connection = Database(place, SecretPlaceText(place));
         EXPECT_EQ(store.Find(connection).kept, Kept::Nowhere);
         EXPECT_THAT(store.Find(connection).words, testing::StartsWith("Nothing tells a password"));
@@ -84,7 +83,8 @@ TEST(SecretStore, TheKeyringOfADesktopKeepsThePasswordAndASilentOneHoldsNobody) 
     EXPECT_EQ(KeyringService::Look(attributes, milliseconds(50)).state, KeyringState::Late);
     StopSignal const stop(true);
     EXPECT_EQ(KeyringService::Look(attributes, kLong, &stop).state, KeyringState::Stopped);
-    EXPECT_EQ(store.Find(connection, &stop).words, "Stopped.");
+    EXPECT_EQ(store.Find(Database(SecretPlace::Keyring, "new"), &stop).words, "Stopped.");
+    EXPECT_THAT(store.Find(connection).words, testing::StartsWith("Nothing tells")) << "known from before";
 }
 
 } // namespace
