@@ -63,9 +63,8 @@ TEST_F(SeriesImages, MembersAreSlicesOrFramesAndMissingOnesAreZeros) {
         ASSERT_EQ(all.size(), 5U * kWidth * kHeight);
         for (int i = 0; i < 5; ++i)
             EXPECT_EQ(At(all, geo.numTimeFrames, areFrames ? 0 : i, areFrames ? i : 0), i == 3 ? 0 : i + 1);
-        EXPECT_NE(
-            image.driver->GetAttrString("RDI_Drvr_Info", image.handle, 0).find("TIFF, series of 4 files"),
-            DString::npos);
+        EXPECT_NE(image.driver->GetAttrString("RDI_Drvr_Info", image.handle, 0).find("TIFF, series of 4 files"),
+                  DString::npos);
         // A window over cells and beyond them, brought to half its size.
         Samples const part = image.Read<std::uint8_t>(-6, -4, 24, 16, 12, 8, RDIDriver::Average);
         EXPECT_EQ(part.at(0), 0);
