@@ -90,7 +90,7 @@ std::vector<Need> const &Needs() {
 constexpr char const *kNoName = Mark("A name is needed.");
 constexpr char const *kNoText = Mark("The name holds bytes that are no text.");
 constexpr char const *kControl = Mark("Line ends and other control characters cannot be kept.");
-constexpr char const *kNoEscape = Mark("\";\" and \"${\" cannot be kept in this field.");
+constexpr char const *kNoEscape = Mark(R"(";" and "${" cannot be kept in this field.)");
 constexpr char const *kPassword = Mark("The address holds a password: it has a field of its own.");
 constexpr char const *kBoth = Mark("Either a profile or a key ID, not both.");
 constexpr char const *kAllow = Mark("Hosts that are allowed are names or addresses.");

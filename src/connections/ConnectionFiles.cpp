@@ -232,7 +232,7 @@ ConnectionChange ExportConnections(std::vector<DString> const &names, DString co
 
 ConnectionChange ImportConnections(DString const &file, IfThere ifThere) {
     std::vector<std::unique_ptr<XMLNode>> nodes;
-    if (ConnectionChange const read = ReadImport(file, nodes); !read.isDone)
+    if (ConnectionChange read = ReadImport(file, nodes); !read.isDone)
         return read;
     Definitions definitions;
     if (DString const against = definitions.Against(); !against.empty())

@@ -3,6 +3,7 @@
 #include "zelvar/base/Translation.h"
 #include "zelvar/connections/HostProbe.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdlib>
 
@@ -31,10 +32,10 @@ bool HasProxy(ConnectionKind kind) {
     if (kind == ConnectionKind::PostgreSql || kind == ConnectionKind::Odbc)
         return false;
     static constexpr std::array kVariables{"http_proxy", "https_proxy", "HTTPS_PROXY", "all_proxy", "ALL_PROXY"};
-    for (char const *name : kVariables)
-        if (char const *const value = std::getenv(name); value != nullptr && *value != '\0')
-            return true;
-    return false;
+    return std::any_of(kVariables.begin(), kVariables.end(), [](char const *name) {
+        char const *const value = std::getenv(name); // NOLINT(concurrency-mt-unsafe): nobody of ours sets it
+        return value != nullptr && *value != '\0';
+    });
 }
 
 /// The results as they come, with the time that each took.

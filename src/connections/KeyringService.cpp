@@ -10,6 +10,7 @@
 #include <mutex>
 #include <optional>
 #include <thread>
+#include <utility>
 
 #include <dlfcn.h>
 #include <libsecret/secret.h>
@@ -98,8 +99,8 @@ struct Question {
     std::condition_variable arrived;
     std::optional<KeyringAnswer> answer;
 
-    Question(Library const &secretLibrary, KeyringService::Attributes const &with)
-        : attributes(with), library(secretLibrary), cancellable(secretLibrary.newCancellable()) {}
+    Question(Library const &secretLibrary, KeyringService::Attributes with)
+        : attributes(std::move(with)), library(secretLibrary), cancellable(secretLibrary.newCancellable()) {}
     Question(Question const &) = delete;
     Question &operator=(Question const &) = delete;
     ~Question() { library.unref(cancellable); }

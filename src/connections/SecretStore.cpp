@@ -150,16 +150,14 @@ SecretStore &SecretStore::Instance() {
     return store;
 }
 
-SecretStore::Memory &SecretStore::Kept() {
-    static Memory memory; // wiped at the end of the process
-    return memory;
-}
+SecretStore::SecretStore() : m_memory(std::make_unique<Memory>()) {}
+SecretStore::~SecretStore() = default;
 
-SecretAnswer SecretStore::AskKeyring(SecretKey const &key, StopSignal const *stop) {
+SecretAnswer SecretStore::AskKeyring(SecretKey const &key, StopSignal const *stop) const {
     {
-        std::lock_guard const lock(Kept().mutex);
-        if (auto const told = Kept().byKeyring.find(key);
-            told != Kept().byKeyring.end() && Clock::now() < told->second.until)
+        std::lock_guard const lock(m_memory->mutex);
+        if (auto const told = m_memory->byKeyring.find(key);
+            told != m_memory->byKeyring.end() && Clock::now() < told->second.until)
             return told->second.answer;
     }
     KeyringAnswer asked = KeyringService::Look(AttributesOf(key), kPatience, stop);
@@ -172,8 +170,8 @@ SecretAnswer SecretStore::AskKeyring(SecretKey const &key, StopSignal const *sto
         answer.secret = std::move(asked.secret);
     }
     Clock::duration const holds = isFound ? Clock::duration(kSecretHolds) : Clock::duration(kSilenceHolds);
-    std::lock_guard const lock(Kept().mutex);
-    Kept().byKeyring[key] = {answer, Clock::now() + holds};
+    std::lock_guard const lock(m_memory->mutex);
+    m_memory->byKeyring[key] = {answer, Clock::now() + holds};
     return answer;
 }
 
@@ -182,8 +180,8 @@ SecretAnswer SecretStore::Find(Connection const &connection, StopSignal const *s
     if (connection.secret == SecretPlace::None || connection.secret == SecretPlace::Definition || !key)
         return {};
     {
-        std::lock_guard const lock(Kept().mutex);
-        if (auto const found = Kept().secrets.find(*key); found != Kept().secrets.end())
+        std::lock_guard const lock(m_memory->mutex);
+        if (auto const found = m_memory->secrets.find(*key); found != m_memory->secrets.end())
             return {.kept = SecretAnswer::Kept::Memory, .secret = found->second, .token = {}, .user = {}, .words = {}};
     }
     bool const isDatabase = connection.kind == ConnectionKind::PostgreSql;
@@ -208,16 +206,16 @@ SecretAnswer SecretStore::Keep(Connection const &connection, Secret const &secre
         KeyringAnswer const answer = KeyringService::Store(AttributesOf(*key), "Zelvar: " + key->user + "@" + key->host,
                                                            secret, kPatience, stop);
         if (answer.state == KeyringState::Done) {
-            std::lock_guard const lock(Kept().mutex);
-            Kept().secrets.erase(*key); // one of before
-            Kept().byKeyring.erase(*key);
+            std::lock_guard const lock(m_memory->mutex);
+            m_memory->secrets.erase(*key); // one of before
+            m_memory->byKeyring.erase(*key);
             kept.kept = SecretAnswer::Kept::Keyring;
             return kept;
         }
         kept.words = KeyringWords(answer);
     }
-    std::lock_guard const lock(Kept().mutex);
-    Kept().secrets[*key] = secret;
+    std::lock_guard const lock(m_memory->mutex);
+    m_memory->secrets[*key] = secret;
     return kept;
 }
 
@@ -226,9 +224,9 @@ bool SecretStore::Forget(Connection const &connection, StopSignal const *stop) {
     if (!key)
         return true;
     {
-        std::lock_guard const lock(Kept().mutex);
-        Kept().secrets.erase(*key);
-        Kept().byKeyring.erase(*key);
+        std::lock_guard const lock(m_memory->mutex);
+        m_memory->secrets.erase(*key);
+        m_memory->byKeyring.erase(*key);
     }
     if (connection.secret != SecretPlace::Keyring)
         return true;

@@ -11,8 +11,8 @@ struct SecretKey {
     DString kind{}; ///< "postgresql", "objects" ...
     DString host{}; ///< with port, or bucket, or the name of a source
     DString user{};
-    DString key{"password"}; ///< which secret of theirs
-    friend auto operator<=>(SecretKey const &, SecretKey const &) = default;
+    DString key{"password"};                                                 ///< which secret of theirs
+    friend auto operator<=>(SecretKey const &, SecretKey const &) = default; // NOLINT(modernize-use-nullptr)
 };
 /// That of the password of a connection; nothing while it has no address.
 [[nodiscard]] ZELVAR_API std::optional<SecretKey> SecretKeyOf(Connection const &connection);
@@ -33,6 +33,8 @@ struct SecretAnswer {
 class ZELVAR_API SecretStore {
 public:
     static SecretStore &Instance();
+    SecretStore(SecretStore const &) = delete;
+    SecretStore &operator=(SecretStore const &) = delete;
 
     /// Looks where `connection.secret` says. An answer of the keyring holds for a while.
     [[nodiscard]] SecretAnswer Find(Connection const &connection, StopSignal const *stop = nullptr) const;
@@ -42,10 +44,12 @@ public:
     bool Forget(Connection const &connection, StopSignal const *stop = nullptr);
 
 private:
-    SecretStore() = default;
+    SecretStore();
+    ~SecretStore();
     struct Memory;
-    [[nodiscard]] static Memory &Kept();
-    [[nodiscard]] static SecretAnswer AskKeyring(SecretKey const &key, StopSignal const *stop);
+    [[nodiscard]] SecretAnswer AskKeyring(SecretKey const &key, StopSignal const *stop) const;
+
+    std::unique_ptr<Memory> m_memory; ///< wiped at the end of the process
 };
 
 } // namespace zelvar
