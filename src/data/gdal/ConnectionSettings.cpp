@@ -42,6 +42,8 @@ void TellGdal(ConnectionTerms const &terms) {
         SetAll(terms.secrets, kSecretsOfStores);
         if (DString const addressing = ValueOf(terms.options, "addressing"); !addressing.empty())
             CPLSetConfigOption("AWS_VIRTUAL_HOSTING", addressing == "path" ? "NO" : "YES");
+        if (ValueOf(terms.options, "https") == "no")
+            CPLSetConfigOption("AWS_HTTPS", "NO");
         if (ValueOf(terms.options, "unsigned") == "yes")
             CPLSetConfigOption("AWS_NO_SIGN_REQUEST", "YES");
         return;
