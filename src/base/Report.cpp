@@ -1,6 +1,7 @@
 #include "zelvar/base/Report.h"
 
 #include "zelvar/base/ProcessMoments.h"
+#include "zelvar/base/Redaction.h"
 #include "zelvar/base/SystemTime.h"
 #include "zelvar/base/Translation.h"
 
@@ -67,7 +68,8 @@ LogFile const &TheLogFile() {
     return file;
 }
 
-void TellUser(Report::Severity severity, DString const &text) {
+void TellUser(Report::Severity severity, DString const &told) {
+    DString const text = Redacted(told);
     Report::UserHandler handler;
     {
         std::lock_guard const lock(TheHandlers().mutex);
@@ -81,6 +83,12 @@ void TellUser(Report::Severity severity, DString const &text) {
 
 } // namespace
 
+void DError::Set(DString const &text, Cause cause, std::int64_t detail) {
+    m_text = Redacted(text);
+    m_cause = cause;
+    m_detail = detail;
+}
+
 void Report::TraceMessage(int level, char const *format, ...) {
     TraceHandler handler;
     {
@@ -92,7 +100,7 @@ void Report::TraceMessage(int level, char const *format, ...) {
         return;
     std::va_list arguments;
     va_start(arguments, format);
-    DString const text = FormatV(format, arguments);
+    DString const text = Redacted(FormatV(format, arguments));
     va_end(arguments);
     if (logged)
         TheLogFile().Write(level, text);

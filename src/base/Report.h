@@ -11,7 +11,7 @@ namespace zelvar {
 ///
 /// Trace lines go to the file named by ZELVAR_LOG (or nowhere) when their level is at most ZELVAR_LOG_LEVEL, default 2.
 /// Any thread. What the user must see goes through a handler that the library's user interface installs; without one it
-/// is written to stderr.
+/// is written to stderr. Neither ever holds a secret: all lines pass `Redacted`.
 class ZELVAR_API Report {
 public:
     enum Level {
@@ -46,20 +46,18 @@ public:
         NotSupported, ///< no driver knows the data, or the driver cannot read this kind of them
         Damaged,      ///< a driver knows the data and cannot read them; detail: the byte, where the library says it
         NeedsPassword,
-        Refused,  ///< a driver knows the data and must not open them
-        Server,   ///< a server answered with an error; detail: its status code
-        Late,     ///< longer than its budget; detail: milliseconds
-        TooLarge, ///< more memory than a reader may take; detail: bytes
-        Crashed,  ///< the data end the process that reads them
-        NoAnswer, ///< the reader or the place does not answer
+        Refused,   ///< a driver knows the data and must not open them
+        Server,    ///< a server answered with an error; detail: its status code
+        Late,      ///< longer than its budget; detail: milliseconds
+        TooLarge,  ///< more memory than a reader may take; detail: bytes
+        Crashed,   ///< the data end the process that reads them
+        NoAnswer,  ///< the reader or the place does not answer
+        Untrusted, ///< nobody known vouches for a server's certificate
     };
+    static constexpr Cause kLastCause = Cause::Untrusted;
 
-    /// A detail of -1 means that none is known.
-    void Set(DString text, Cause cause = Cause::Unknown, std::int64_t detail = -1) {
-        m_text = std::move(text);
-        m_cause = cause;
-        m_detail = detail;
-    }
+    /// A detail of -1 means that none is known. The text is kept without secrets, see `Redacted`.
+    ZELVAR_API void Set(DString const &text, Cause cause = Cause::Unknown, std::int64_t detail = -1);
     void Clear() { *this = DError(); }
     [[nodiscard]] bool IsSet() const { return !m_text.empty(); }
     [[nodiscard]] DString const &Text() const { return m_text; }
