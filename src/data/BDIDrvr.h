@@ -1,5 +1,6 @@
 #pragma once
 
+#include "zelvar/base/Report.h"
 #include "zelvar/data/BDINode.h"
 #include "zelvar/data/DIOPlugin.h"
 
@@ -26,6 +27,16 @@ public:
         *opener = this;
         return OpenRepository(url, root, filter);
     }
+    /// That with `inFamily`, else `OpenRepository`. Where nothing opens and the driver knows why it says so in
+    /// `*error`, which may be null.
+    virtual void *OpenRepositoryOrSay(char const *url, bool inFamily, BDIDrvr **opener, BDINode **root,
+                                      char const *filter, DError *error) {
+        static_cast<void>(error);
+        if (inFamily)
+            return OpenRepositoryInFamily(url, opener, root, filter);
+        *opener = this;
+        return OpenRepository(url, root, filter);
+    }
 
     /// The options that the node of a file needs to be opened by its moniker, as "name=value&name=value"; empty if it
     /// needs none, as with every format that tells by itself what it is.
@@ -48,6 +59,11 @@ public:
     /// The next child, valid until the next call, or null at the end.
     virtual BDINode const *FindNextChildNode(void *find) = 0;
     virtual void FindClose(void *find) = 0;
+    /// What kept the last walk that was begun in that tree from finding children; not set where nothing did.
+    [[nodiscard]] virtual DError GetWalkError(void *repository) const {
+        static_cast<void>(repository);
+        return {};
+    }
 };
 
 } // namespace zelvar

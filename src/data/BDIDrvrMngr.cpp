@@ -1,6 +1,8 @@
 #include "zelvar/data/BDIDrvrMngr.h"
 
 #include "zelvar/base/PathStyle.h"
+#include "zelvar/base/TypedSecrets.h"
+#include "zelvar/data/BDIMoniker.h"
 #include "zelvar/data/DriverTable.h"
 
 #include <algorithm>
@@ -30,12 +32,23 @@ void *BDIDrvrMngr::OpenFile(char const *url, BDIDrvr **driver, BDINode **root, c
     BDIDrvr *opener = nullptr;
     BDINode *node = nullptr;
     void *repository = nullptr;
-    if (url != nullptr && *url != '\0')
-        repository = m_impl->table.OpenFirst(
-            [&](BDIDrvr &candidate) { return candidate.OpenRepositoryInFamily(url, &opener, &node, filter); });
+    DError reason;
+    DString const place = TakeSecrets(url == nullptr ? "" : url);
+    if (!place.empty())
+        repository = m_impl->table.OpenFirst([&](BDIDrvr &candidate) {
+            return OpenNoting(reason, [&](DError *why) {
+                return candidate.OpenRepositoryOrSay(place.c_str(), true, &opener, &node, filter, why);
+            });
+        });
     if (repository == nullptr) {
-        if (error != nullptr)
-            error->Set("no driver opens \"" + DString(url == nullptr ? "" : url) + "\" as a tree");
+        bool const isKnown = reason.Why() != DError::Cause::Unknown &&
+                             (reason.Why() != DError::Cause::NotSupported || BDIMoniker(place, nullptr).IsUrl());
+        if (error != nullptr && isKnown)
+            *error = std::move(reason);
+        else if (error != nullptr && place.starts_with('/') && BDIMoniker(place, nullptr).FindFile().empty())
+            error->Set("\"" + place + "\" is not there", DError::Cause::Missing);
+        else if (error != nullptr)
+            error->Set("no driver opens \"" + place + "\" as a tree");
         return nullptr;
     }
     *driver = opener;

@@ -2,6 +2,7 @@
 
 #include "zelvar/base/DString.h"
 #include "zelvar/base/Percent.h"
+#include "zelvar/base/TypedSecrets.h"
 
 #include <memory>
 #include <utility>
@@ -21,7 +22,8 @@ class BDINode;
 class ZELVAR_API BDIMoniker {
 public:
     BDIMoniker() = default;
-    BDIMoniker(DString text, BDIDrvr *driver) : m_text(std::move(text)), m_driver(driver) {}
+    /// A password in an address is taken out of it, see `TakeSecrets`.
+    BDIMoniker(DString text, BDIDrvr *driver) : m_text(TakeSecrets(std::move(text))), m_driver(driver) {}
     /// That of a path on disk, whatever it holds and whether anything is there; `options` as for `WithOptions`, but
     /// behind a "?" of the path's they follow an "&".
     [[nodiscard]] static BDIMoniker OfPath(DString path, DString const &options, BDIDrvr *driver);

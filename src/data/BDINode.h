@@ -30,10 +30,12 @@ public:
     BDINode &operator=(BDINode &&) = default;
     virtual ~BDINode() = default;
 
-    std::uint32_t type = 0; ///< `BDINodeType` bits
-    DString path;           ///< opens the node again; for a data item also its moniker
-    DString name;           ///< what the user sees
-    DString value;          ///< filter nodes: one filter's configuration
+    std::uint32_t type = 0;    ///< `BDINodeType` bits
+    DString path;              ///< opens the node again; for a data item also its moniker
+    DString name;              ///< what the user sees
+    DString value;             ///< filter nodes: one filter's configuration
+    std::int64_t size = -1;    ///< bytes of what is a file; -1 if that is not known
+    std::int64_t modified = 0; ///< nanoseconds since 1970; 0 if that is not known
 };
 
 } // namespace zelvar

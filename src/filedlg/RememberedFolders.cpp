@@ -1,6 +1,7 @@
 #include "zelvar/filedlg/RememberedFolders.h"
 
 #include "zelvar/base/DFile.h"
+#include "zelvar/base/Redaction.h"
 #include "zelvar/data/PlaceCheck.h"
 #include "zelvar/data/RequestScope.h"
 #include "zelvar/store/DCnfg.h"
@@ -30,7 +31,7 @@ void WriteSetting(char const *key, DString const &value) {
 
 void WriteFolder(char const *key, DString const &folder) {
     if (!folder.empty() && folder != ".")
-        WriteSetting(key, folder);
+        WriteSetting(key, Redacted(folder));
 }
 
 bool AnswersSoon(DString const &path) {

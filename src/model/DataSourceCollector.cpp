@@ -2,6 +2,7 @@
 
 #include "zelvar/base/DFile.h"
 #include "zelvar/base/Directories.h"
+#include "zelvar/base/Redaction.h"
 #include "zelvar/base/Translation.h"
 #include "zelvar/data/PlaceCheck.h"
 #include "zelvar/model/DataSourceDefinitions.h"
@@ -120,7 +121,9 @@ RefItemPtr<DataSourceItem> MakeFavorite(DString const &path) {
 
 DString RowTextOf(DataSourceItem const &item) {
     auto const *const place = dynamic_cast<NtwDataSourceItem const *>(&item);
-    bool const isUnreachable = place != nullptr && place->IsUnreachable();
+    auto const *const connection = dynamic_cast<TemplDataSourceItem const *>(&item);
+    bool const isUnreachable =
+        (place != nullptr && place->IsUnreachable()) || (connection != nullptr && connection->GetFailure().IsSet());
     return isUnreachable ? Format(Translated("%s (unreachable)"), item.GetName().c_str()) : item.GetName();
 }
 
@@ -153,7 +156,7 @@ void Favorites::Add(DString const &path) {
     // A transaction: another process may be adding one, too.
     SettingsStore::Instance().TransactSoon([path] {
         DVectorSafe<DString> paths = ReadFavorites();
-        paths.push_back(path);
+        paths.push_back(Redacted(path));
         return DUserCnfg(kSection).WriteStringVec(kKey, paths);
     });
 }

@@ -1,6 +1,7 @@
 #include "zelvar/model/DataSourceRepository.h"
 
 #include "zelvar/base/Report.h"
+#include "zelvar/base/TypedSecrets.h"
 
 #include <algorithm>
 #include <boost/tokenizer.hpp>
@@ -130,9 +131,10 @@ bool DataSourceRepository::RemoveAndDeleteDataSource(int fileIndex, XMLNode *nod
 }
 
 DString DataSourceRepository::FindByUrl(DString const &url) const {
+    DString const sought = TakeSecrets(url);
     if (!url.empty())
         for (auto const &[name, node] : *this)
-            if (GetURLFromNode(node) == url)
+            if (TakeSecrets(GetURLFromNode(node)) == sought)
                 return name;
     return {};
 }

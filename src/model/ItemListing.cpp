@@ -98,7 +98,7 @@ ListingFacts FactsOf(DataSourceItem const &item, ListingSort sort) {
     if (sort == ListingSort::Name)
         facts.name = item.GetName();
     if (sort == ListingSort::Size || sort == ListingSort::Date)
-        facts.isFileSystem = item.GetDataSourceType() == DataSourceItem::DST_FILE_SYSTEM;
+        facts.isFileSystem = item.GetDataSourceType() == DataSourceItem::DST_FILE_SYSTEM || item.GetFileSize() >= 0;
     if (sort == ListingSort::Size)
         facts.size = item.GetFileSize();
     if (sort == ListingSort::Date)

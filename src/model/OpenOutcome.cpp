@@ -39,6 +39,8 @@ constexpr CauseWords kCauses[] = {
      Mark("open a part of it, or a smaller version")},
     {DError::Cause::Crashed, Mark("it ends the program that reads it"), Mark("copy it again from where it comes from")},
     {DError::Cause::NoAnswer, Mark("its place does not answer"), Mark("check the connection, then try again")},
+    {DError::Cause::Untrusted, Mark("its server's certificate is not trusted"),
+     Mark("have the certificate of its authority installed on this computer")},
 };
 
 CauseWords const *WordsOf(DError const &error) {

@@ -1,5 +1,6 @@
 #include "zelvar/model/PlaceResolver.h"
 
+#include "zelvar/base/TypedSecrets.h"
 #include "zelvar/data/BDIMoniker.h"
 #include "zelvar/data/OpenImage.h"
 #include "zelvar/data/PlaceCheck.h"
@@ -52,7 +53,8 @@ DString ReasonOfImage(DString const &moniker) {
 
 } // namespace
 
-RefItemPtr<DataSourceItem> ItemFromPlace(DString const &place) {
+RefItemPtr<DataSourceItem> ItemFromPlace(DString const &typed, DError *error) {
+    DString const place = TakeSecrets(typed);
     if (place.starts_with(kSource))
         return FromDefinition(place.substr(kSource.size()));
     if (StartsWithNoCase(place, kFileScheme))
@@ -66,7 +68,7 @@ RefItemPtr<DataSourceItem> ItemFromPlace(DString const &place) {
     }
     BDIMoniker const moniker(place, nullptr);
     if (moniker.IsUrl())
-        return TemplDataSourceItem::CreateItem(nullptr, place.c_str(), nullptr);
+        return TemplDataSourceItem::CreateItem(nullptr, place.c_str(), nullptr, error);
     // What a driver puts before a path ends at the first separator.
     if (std::size_t const slash = place.find('/'); slash != DString::npos && !DoesPlaceAnswer(place.substr(slash)))
         return nullptr;

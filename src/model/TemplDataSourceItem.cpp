@@ -3,6 +3,7 @@
 #include "zelvar/base/DFile.h"
 #include "zelvar/base/Directories.h"
 #include "zelvar/base/Report.h"
+#include "zelvar/base/TypedSecrets.h"
 #include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/data/DriverProvider.h"
 #include "zelvar/model/ChildWalker.h"
@@ -61,7 +62,7 @@ TemplDataSourceItem::CRep::~CRep() {
 TemplDataSourceItem *TemplDataSourceItem::CreateItem(XMLNode const *definition) {
     if (definition == nullptr)
         return nullptr;
-    DString const url = DataSourceRepository::GetURLFromNode(definition);
+    DString const url = TakeSecrets(DataSourceRepository::GetURLFromNode(definition));
     if (url.empty())
         return nullptr;
     DString const name = definition->GetAttrStr("name");
@@ -109,18 +110,17 @@ void TemplDataSourceItem::ReadIcons(XMLNode const &icons, DString const &directo
     m_rep->m_imageList = std::make_unique<ImageList>(SystemImages());
 }
 
-TemplDataSourceItem *TemplDataSourceItem::CreateItem(BDIDrvr *driver, char const *path,
-                                                     RefItemPtr<DataSourceItem> parent) {
-    if (path == nullptr)
+TemplDataSourceItem *TemplDataSourceItem::CreateItem(BDIDrvr *driver, char const *typed,
+                                                     RefItemPtr<DataSourceItem> parent, DError *error) {
+    if (typed == nullptr)
         return nullptr;
+    DString const path = TakeSecrets(typed);
     void *repository = nullptr;
     BDINode *node = nullptr;
     if (driver != nullptr)
-        repository = driver->OpenRepository(path, &node, nullptr);
-    if (repository == nullptr) {
-        DError error; // an unopened file is an empty pane, not a message
-        repository = BDIDrvrMngr::Instance()->OpenFile(path, &driver, &node, nullptr, &error);
-    }
+        repository = driver->OpenRepository(path.c_str(), &node, nullptr);
+    if (repository == nullptr)
+        repository = BDIDrvrMngr::Instance()->OpenFile(path.c_str(), &driver, &node, nullptr, error);
     if (repository == nullptr || driver == nullptr)
         return nullptr;
     std::unique_ptr<TemplDataSourceItem> item(new TemplDataSourceItem);
@@ -266,6 +266,20 @@ HIMAGELIST TemplDataSourceItem::GetImageList() const {
     return m_rep ? m_rep->m_imageList.get() : m_hImageList;
 }
 
+DError TemplDataSourceItem::GetFailure() const {
+    if (!m_rep)
+        return {};
+    std::lock_guard const lock(m_rep->m_failureLock);
+    return m_rep->m_failure.IsSet() ? m_rep->m_failure : m_listingFailure;
+}
+
+bool TemplDataSourceItem::GetModificationTime(SystemTime &time) const {
+    if (m_node == nullptr || m_node->modified == 0)
+        return false;
+    time = ToLocalTime(m_node->modified);
+    return true;
+}
+
 void TemplDataSourceItem::Prepare() { std::ignore = CreateRepository(); }
 
 bool TemplDataSourceItem::CreateRepository() {
@@ -274,14 +288,22 @@ bool TemplDataSourceItem::CreateRepository() {
     DSingleLock const lock(m_rep->m_lock);
     if (m_rep->m_repository == nullptr && !m_rep->m_url.empty()) {
         BDINode *node = nullptr;
-        DError error; // shown nowhere: the log line below tells
-        if (BDIDrvr *const named = m_rep->Driver())
-            m_rep->m_repository = named->OpenRepository(m_rep->m_url.c_str(), &node, nullptr);
+        DError failure;
+        if (BDIDrvr *named = m_rep->Driver())
+            m_rep->m_repository =
+                named->OpenRepositoryOrSay(m_rep->m_url.c_str(), false, &named, &node, nullptr, &failure);
         else
             m_rep->m_repository =
-                BDIDrvrMngr::Instance()->OpenFile(m_rep->m_url.c_str(), &m_rep->m_drvr, &node, nullptr, &error);
+                BDIDrvrMngr::Instance()->OpenFile(m_rep->m_url.c_str(), &m_rep->m_drvr, &node, nullptr, &failure);
+        if (m_rep->m_repository == nullptr && m_rep->m_drvr == nullptr && !m_rep->m_drvrId.empty())
+            failure.Set("there is no driver \"" + m_rep->m_drvrId + "\"; " + failure.Text(), failure.Why(),
+                        failure.Detail());
         if (m_rep->m_repository != nullptr)
             SetNode(node);
+        else if (failure.IsSet())
+            Report::TraceMessage(Report::kTraceOpen, "%s", failure.Text().c_str());
+        std::lock_guard const failureLock(m_rep->m_failureLock);
+        m_rep->m_failure = m_rep->m_repository == nullptr ? std::move(failure) : DError();
     }
     DString driver = "auto";
     if (BDIDrvr const *const chosen = m_rep->m_drvr)

@@ -19,8 +19,9 @@ public:
     /// Root of the connection that a definition describes; nothing is opened. Null if it has no URL.
     static TemplDataSourceItem *CreateItem(XMLNode const *definition);
     /// Root of an opened file or address, with `driver` or, if it is null or does not open, the first that does. Null
-    /// if nothing opens.
-    static TemplDataSourceItem *CreateItem(BDIDrvr *driver, char const *path, RefItemPtr<DataSourceItem> parent);
+    /// if nothing opens, with the reason in `*error`, which may be null.
+    static TemplDataSourceItem *CreateItem(BDIDrvr *driver, char const *path, RefItemPtr<DataSourceItem> parent,
+                                           DError *error = nullptr);
     /// The node at `path` in the tree of `root`, an item of ours; null if there is none.
     static TemplDataSourceItem *CreateNodeItem(RefItemPtr<TemplDataSourceItem> const &root, char const *path);
 
@@ -38,6 +39,11 @@ public:
     DataSourceItemItr *CreateIterator(ICancel *cancel, char const *filter, char const *driverId, int nodeMask,
                                       DLGTemplate dlgTemplate) override;
     void DeleteIterator(DataSourceItemItr *itr) override { delete itr; }
+    /// What kept the connection from opening or, once it is open, the item's last listing from being whole; not set
+    /// where nothing did. Does not wait for either.
+    [[nodiscard]] DError GetFailure() const;
+    [[nodiscard]] std::int64_t GetFileSize() const override { return m_node == nullptr ? -1 : m_node->size; }
+    bool GetModificationTime(SystemTime &time) const override;
     RefItemPtr<DataSourceItem> GetParent() override { return m_parent; }
     /// Shares the open tree; without parent and picture of its own.
     RefItemPtr<DataSourceItem> Clone() override;
@@ -52,7 +58,7 @@ public:
     [[nodiscard]] DataSourceType GetDataSourceType() const override { return DST_REPOSITORY; }
     void BuildParents() override;
 
-    /// What the tree is opened from: a path, an address or a moniker.
+    /// What the tree is opened from: a path, an address or a moniker, without a password of an address.
     [[nodiscard]] DString GetSource() const;
 
     /// A picture in place of those of the definition; children inherit it.
@@ -84,7 +90,8 @@ private:
     std::int32_t m_kind = KindLeaf;
     HIMAGELIST m_iconList = nullptr; ///< not owned
     std::int32_t m_iconIdx = -1;
-    BDINode *m_node = nullptr; ///< owned, closed through the driver
+    BDINode *m_node = nullptr;       ///< owned, closed through the driver
+    mutable DError m_listingFailure; ///< of its last listing; guarded as that of the opening
 };
 
 /// What all items of one tree share; closes the repository with the last of them.
@@ -97,6 +104,8 @@ struct TemplDataSourceItem::CRep {
     /// Guards every call into the tree: it is used by one thread at a time. Copying and closing a node is not one.
     DMutex m_lock;
     void *m_repository = nullptr;
+    std::mutex m_failureLock;                 ///< held for a moment only: windows ask
+    DError m_failure;                         ///< of the last opening
     std::vector<void *> m_formerRepositories; ///< replaced by a filter while nodes of theirs live
     /// The manager's; null until one is chosen at the opening. The one that a definition names is looked up at the
     /// first question while drivers are still to come: a list of definitions does not wait for them.

@@ -18,7 +18,15 @@ bool TemplDataSourceItemItr::Fill(TemplDataSourceItem const &parent, DataSourceI
     std::vector<DString> paths;
     constexpr int kFolders = BDINode_Container | BDINode_Folder;
     ChildWalker walker(*driver, rep.m_repository, *parent.m_node, nodeMask | kFolders);
-    for (walker.Start(); walker.Current() != nullptr; walker.Next()) {
+    walker.Start();
+    DError const failure = driver->GetWalkError(rep.m_repository);
+    if (failure.IsSet())
+        m_error = std::make_error_code(std::errc::io_error);
+    {
+        std::lock_guard const failureLock(rep.m_failureLock);
+        parent.m_listingFailure = failure;
+    }
+    for (; walker.Current() != nullptr; walker.Next()) {
         if (cancel != nullptr && cancel->IsCanceled())
             break;
         paths.push_back(walker.Current()->path);

@@ -237,7 +237,10 @@ void DataSourceList::GetSelectedItems(ItemList &items) const {
         items.push_back(ItemAt(row));
 }
 
-void DataSourceList::ResetSelectedItems() { Tell(WM_DS_DATA_SOURCE_SELECTED); }
+void DataSourceList::ResetSelectedItems() {
+    PrepareSelectedItems(); // one that failed is tried again
+    Tell(WM_DS_DATA_SOURCE_SELECTED);
+}
 
 void DataSourceList::PrepareSelectedItems() const {
     ItemList items;

@@ -1,13 +1,16 @@
 // What the panes tell the open data source dialog and what the user does in it; how it is built and ends stands in
 // DlgOpenDS.cpp.
 #include "zelvar/base/Report.h"
+#include "zelvar/base/TypedSecrets.h"
 #include "zelvar/controls/CZelComboBox.h"
 #include "zelvar/controls/GUITools.h"
 #include "zelvar/data/RequestScope.h"
 #include "zelvar/layout/SplitterBar.h"
 #include "zelvar/model/ListingsShared.h"
 #include "zelvar/model/NtwDataSourceItem.h"
+#include "zelvar/model/OpenOutcome.h"
 #include "zelvar/model/PlaceResolver.h"
+#include "zelvar/model/TemplDataSourceItem.h"
 #include "zelvar/opends/DSDataSourceWnd.h"
 #include "zelvar/opends/DSListCtrl.h"
 #include "zelvar/opends/DSMessages.h"
@@ -95,8 +98,14 @@ void DlgOpenDS::OnUpdateState() {
     bool const isSelected = m_mainList->GetNumSlct() > 0;
     m_okButton->setEnabled(isSelected);
     // A list that is filled anew forgets what was selected without a word.
-    if (!isSelected && m_forecast != nullptr)
-        m_forecast->Select({});
+    if (isSelected || m_forecast == nullptr)
+        return;
+    m_forecast->Select({});
+    ItemList roots;
+    m_mainList->GetRootItems(roots);
+    auto const *const tree =
+        roots.size() == 1 ? dynamic_cast<TemplDataSourceItem const *>(roots.front().get()) : nullptr;
+    m_forecast->SayUnlisted(tree == nullptr ? DError() : tree->GetFailure());
 }
 
 // ------------------------------------------------------------------------------------------------- path buttons
@@ -147,17 +156,20 @@ void DlgOpenDS::GoToDir(DString const &path, bool report) {
     if (path.empty())
         return;
     RefItemPtr<DataSourceItem> item;
+    DError error;
     {
         // Whoever names a place waits for its answer, or ends the wait.
         GUITools::WaitCursor const cursor;
         platform::EscapeWatch watch;
         RequestScope const scope(RequestKind::List, [&watch] { return watch.IsPressed(); });
-        item = ItemFromPlace(path);
+        item = ItemFromPlace(path, &error);
         if (watch.IsPressed())
             return;
     }
     if (item == nullptr) {
-        if (report)
+        if (report && error.IsSet())
+            Report::UserNotification("Cannot access '%s' path: %s", path.c_str(), CauseInWords(error).c_str());
+        else if (report)
             Report::UserNotification("Cannot access '%s' path", path.c_str());
         return;
     }
@@ -447,7 +459,10 @@ void DlgOpenDS::ProcessRefreshKey(QWidget *focus) {
 
 bool DlgOpenDS::ProcessReturnKey(QWidget *focus) {
     if (IsWithin(m_histCombo, focus)) {
-        DString const path = FixPath(m_histCombo->GetWindowText().c_str());
+        DString const typed = FixPath(m_histCombo->GetWindowText().c_str());
+        DString const path = TakeSecrets(typed);
+        if (path != typed)
+            m_histCombo->setEditText(ToQString(path));
         if (!path.empty() && (m_namedData == nullptr || !m_namedData->Show({path})))
             GoToDir(path, true);
         return true;

@@ -2,9 +2,11 @@
 
 #include "zelvar/base/PathStyle.h"
 #include "zelvar/base/Report.h"
+#include "zelvar/base/TypedSecrets.h"
 #include "zelvar/controls/GUITools.h"
 #include "zelvar/data/BDIMoniker.h"
 #include "zelvar/data/RequestScope.h"
+#include "zelvar/model/OpenOutcome.h"
 #include "zelvar/model/PlaceResolver.h"
 #include "zelvar/opends/DSListCtrl.h"
 #include "zelvar/platform/ui/EscapeWatch.h"
@@ -43,11 +45,11 @@ DString SourceOf(DString const &name) {
 }
 
 /// Waits for the place as long as the user does; null if there is none.
-RefItemPtr<DataSourceItem> Find(DString const &name) {
+RefItemPtr<DataSourceItem> Find(DString const &name, DError *error) {
     GUITools::WaitCursor const cursor;
     platform::EscapeWatch watch;
     RequestScope const scope(RequestKind::List, [&watch] { return watch.IsPressed(); });
-    RefItemPtr<DataSourceItem> item = ItemFromPlace(name);
+    RefItemPtr<DataSourceItem> item = ItemFromPlace(name, error);
     return watch.IsPressed() ? nullptr : item;
 }
 
@@ -89,8 +91,10 @@ std::vector<DString> NamedData::Select(std::vector<DString> const &paths) {
     return missing;
 }
 
-bool NamedData::Show(std::vector<DString> const &names) {
-    RefItemPtr<DataSourceItem> const first = names.empty() ? nullptr : Find(SourceOf(names.front()));
+bool NamedData::Show(std::vector<DString> const &typed, DError *error) {
+    std::vector<DString> names = typed;
+    std::transform(names.begin(), names.end(), names.begin(), &TakeSecrets);
+    RefItemPtr<DataSourceItem> const first = names.empty() ? nullptr : Find(SourceOf(names.front()), error);
     if (first == nullptr)
         return false;
     first->BuildParents();
@@ -118,7 +122,12 @@ bool NamedData::Show(std::vector<DString> const &names) {
 
 void NamedData::Take(QMimeData const &data) {
     std::vector<DString> const names = NamesIn(data);
-    if (!Show(names) && !names.empty())
+    DError error;
+    if (Show(names, &error) || names.empty())
+        return;
+    if (error.IsSet())
+        Report::UserNotification("Cannot access '%s' path: %s", names.front().c_str(), CauseInWords(error).c_str());
+    else
         Report::UserNotification("Cannot access '%s' path", names.front().c_str());
 }
 

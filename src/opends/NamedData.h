@@ -1,5 +1,6 @@
 #pragma once
 
+#include "zelvar/base/Report.h"
 #include "zelvar/model/DataSourceItem.h"
 
 #include <QtCore/QObject>
@@ -34,8 +35,8 @@ public:
     NamedData(QWidget &dialog, QLineEdit &placeField, DSListCtrl &list, Actions actions);
 
     /// Selects what lies in one folder with the first of them; a single folder is shown. False, and nothing done, if
-    /// the first is not there or the user ends the wait for it.
-    bool Show(std::vector<DString> const &names);
+    /// the first is not there, with the reason in `*error`, which may be null, or the user ends the wait for it.
+    bool Show(std::vector<DString> const &names, DError *error = nullptr);
     /// Those that a moniker of that path had; empty for none.
     [[nodiscard]] DString OptionsOf(DString const &path) const;
 

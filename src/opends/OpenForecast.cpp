@@ -223,6 +223,14 @@ void OpenForecast::Update() {
     UpdateDrivers();
 }
 
+void OpenForecast::SayUnlisted(DError const &why) {
+    OpenFacts facts;
+    facts.error = why;
+    OpenOutcome const outcome = why.IsSet() ? OutcomeOf(facts, {.image = true}, 0) : OpenOutcome();
+    if (m_selected == 0 && (outcome.text != m_outcome.text || outcome.reason != m_outcome.reason))
+        SetOutcome(outcome);
+}
+
 void OpenForecast::SetOutcome(OpenOutcome outcome) {
     m_outcome = std::move(outcome);
     m_line.Show(m_outcome);

@@ -41,6 +41,8 @@ public:
 
     /// What is selected now; the pane has been given the last of it.
     void Select(ItemList const &items);
+    /// Nothing is selected, and why there may be nothing to select; not set where all was listed.
+    void SayUnlisted(DError const &why);
     [[nodiscard]] OpenOutcome const &Outcome() const { return m_outcome; }
     /// Which driver opens what.
     [[nodiscard]] DriverChoices const &Drivers() const { return m_choices; }

@@ -1,5 +1,6 @@
 #include "zelvar/reader/OpenTrees.h"
 
+#include "zelvar/base/TypedSecrets.h"
 #include "zelvar/data/BDIDrvrMngr.h"
 
 namespace zelvar::reader {
@@ -22,10 +23,12 @@ OpenTrees::Tree *OpenTrees::Find(wire::TreeSpecT const &spec, DError &error) {
     }
     char const *const filter = spec.filter.empty() ? nullptr : spec.filter.c_str();
     BDIDrvr &asked = *tree->driver;
-    tree->repository = spec.family ? asked.OpenRepositoryInFamily(spec.url.c_str(), &tree->driver, &tree->root, filter)
-                                   : asked.OpenRepository(spec.url.c_str(), &tree->root, filter);
+    error.Clear();
+    DString const url = TakeSecrets(spec.url);
+    tree->repository = asked.OpenRepositoryOrSay(url.c_str(), spec.family, &tree->driver, &tree->root, filter, &error);
     if (tree->repository == nullptr) {
-        error.Set(spec.driver + " does not open " + spec.url);
+        if (!error.IsSet())
+            error.Set(spec.driver + " does not open " + url);
         tree->root = nullptr; // what a driver left there that opened nothing is none
         return nullptr;
     }

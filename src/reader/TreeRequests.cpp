@@ -74,6 +74,8 @@ Answer TreeRequests::WalkChildren(OpenTrees::Tree &tree, BDINode const &parent, 
             return Failure(kStopped);
         children.nodes.push_back(ToWire(*child));
     }
+    if (DError const error = tree.driver->GetWalkError(tree.repository); children.nodes.empty() && error.IsSet())
+        return Failure(error);
     return Say(std::move(children));
 }
 

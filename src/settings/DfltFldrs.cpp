@@ -1,6 +1,7 @@
 #include "zelvar/settings/DfltFldrs.h"
 
 #include "zelvar/base/Directories.h"
+#include "zelvar/base/Redaction.h"
 #include "zelvar/platform/os/ShellNamespace.h"
 #include "zelvar/settings/CnfgLdr.h"
 #include "zelvar/store/DCnfg.h"
@@ -148,7 +149,7 @@ void DfltFldrs::SaveDirHist(char const *key, DString const &folder) const {
     // just not remembered.
     SettingsStore::Instance().TransactSoon([folders = *this, name = DString(key), folder] {
         return DUserCnfg(kSection, true, DCnfg::SttngType_User)
-            .WriteString(name, folders.HistoryWith(name.c_str(), folder));
+            .WriteString(name, folders.HistoryWith(name.c_str(), Redacted(folder)));
     });
 }
 

@@ -1,6 +1,8 @@
 #include "zelvar/tool/Commands.h"
 
 #include "zelvar/base/ByteEscapes.h"
+#include "zelvar/base/Redaction.h"
+#include "zelvar/base/TypedSecrets.h"
 #include "zelvar/data/BDIMoniker.h"
 #include "zelvar/data/PlaceCheck.h"
 #include "zelvar/data/SeriesPlace.h"
@@ -25,18 +27,19 @@ bool IsThere(DString const &place) {
 
 } // namespace
 
-DString PlaceOf(DString const &word) {
-    DString const named = UnescapeBytes(word);
+DString PlaceOf(DString const &typed) {
+    DString const word = TakeSecrets(typed);
+    DString const named = TakeSecrets(UnescapeBytes(word));
     return named == word || IsThere(word) || !IsThere(named) ? word : named;
 }
 
 int UsageError(CommandSpec const &spec, DString const &why) {
-    std::fprintf(stderr, "zelvar: %s\nusage: zelvar %s\n", why.c_str(), Synopsis(spec).c_str());
+    std::fprintf(stderr, "zelvar: %s\nusage: zelvar %s\n", Redacted(why).c_str(), Synopsis(spec).c_str());
     return kUsage;
 }
 
 int Failure(DString const &why) {
-    std::fprintf(stderr, "zelvar: %s\n", EscapeControlBytes(why).c_str());
+    std::fprintf(stderr, "zelvar: %s\n", EscapeControlBytes(Redacted(why)).c_str());
     return kFailed;
 }
 
@@ -46,6 +49,9 @@ DString WithReason(DString const &fault, DString const &source, DString const &o
         reason = ReasonAgainst(source);
     if (reason.empty())
         reason = otherwise;
+    // What drivers say begins with what they were asked for.
+    if (DString const named = "\"" + source + "\": "; reason.starts_with(named))
+        reason.erase(0, named.size());
     return reason.empty() ? fault : fault + ": " + reason;
 }
 

@@ -19,6 +19,7 @@ int RunTable(std::vector<DString> const &words, int &argc, char **argv);
 int RunGallery(std::vector<DString> const &words, int &argc, char **argv);
 
 /// The place or moniker that a word names: the word itself, and where nothing has that name, what a command printed so.
+/// A password in an address stays behind.
 [[nodiscard]] DString PlaceOf(DString const &word);
 /// "zelvar <what>: <why>" and the subcommand's usage on stderr; `kUsage`.
 int UsageError(CommandSpec const &spec, DString const &why);

@@ -128,7 +128,7 @@ int RunInfo(std::vector<DString> const &words) {
         path = item->GetPath();
         if (auto const *const tree = dynamic_cast<TemplDataSourceItem *>(item.get()); tree != nullptr && path.empty())
             return Failure(WithReason("cannot read '" + moniker + "' at '" + tree->GetSource() + "'", tree->GetSource(),
-                                      kNotOpened));
+                                      tree->GetFailure().IsSet() ? tree->GetFailure().Text() : kNotOpened));
         driverId = item->GetRDIDriverId();
     }
     if (arguments->Has("--options"))

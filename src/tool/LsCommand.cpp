@@ -85,7 +85,9 @@ public:
         DString fault = "cannot read '" + (isPlace ? m_word : item.GetPath()) + "'";
         if (isPlace && m_word.starts_with("source:"))
             fault += " at '" + source + "'";
-        Failure(WithReason(fault, source, error == std::errc::io_error ? kNotOpened : error.message()));
+        DError const failure = tree == nullptr ? DError() : tree->GetFailure();
+        DString const reason = failure.IsSet() ? failure.Text() : error.message();
+        Failure(WithReason(fault, source, !failure.IsSet() && error == std::errc::io_error ? kNotOpened : reason));
     }
     [[nodiscard]] bool HasPlace() const { return m_hasPlace; }
     [[nodiscard]] bool HasAny() const { return m_hasAny; }
@@ -133,9 +135,10 @@ int RunLs(std::vector<DString> const &words) {
     UseReaderDrivers(settings);
     DString const &word = arguments->words.front();
     DString const named = PlaceOf(word);
-    RefItemPtr<DataSourceItem> const place = ItemFromPlace(named);
+    DError whyNot;
+    RefItemPtr<DataSourceItem> const place = ItemFromPlace(named, &whyNot);
     if (place == nullptr)
-        return Failure(WithReason("cannot read '" + word + "'", named, kNotOpened));
+        return Failure(WithReason("cannot read '" + word + "'", named, whyNot.IsSet() ? whyNot.Text() : kNotOpened));
     bool const isAll = arguments->Has("--all");
     if (!isAll)
         std::ignore = BecomeContainer(*place);

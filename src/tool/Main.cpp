@@ -1,9 +1,11 @@
+#include "zelvar/base/Redaction.h"
 #include "zelvar/connections/ConnectionBook.h"
 #include "zelvar/tool/CommandTable.h"
 #include "zelvar/tool/Commands.h"
 
 #include <algorithm>
 #include <cstdio>
+#include <cstring>
 #include <exception>
 
 namespace {
@@ -14,10 +16,21 @@ bool AsksForHelp(std::vector<zelvar::DString> const &words) {
     return std::find(words.begin(), end, "--help") != end;
 }
 
+/// Others see the words of a process: a password is wiped there.
+void HideSecrets(char *word) {
+    std::size_t const length = std::strlen(word);
+    zelvar::DString shown = zelvar::Redacted({word, length});
+    if (shown == word)
+        return;
+    shown.resize(length, '*');
+    std::copy(shown.begin(), shown.end(), word);
+}
+
 int Run(int argc, char **argv) {
     using namespace zelvar::tool;
     zelvar::DString const command = argc > 1 ? argv[1] : "";
     std::vector<zelvar::DString> const words(argv + (argc > 1 ? 2 : 1), argv + argc);
+    std::for_each(argv, argv + argc, &HideSecrets);
     if (CommandSpec const *const spec = FindCommand(command); spec != nullptr && AsksForHelp(words)) {
         std::fputs(HelpText(*spec).c_str(), stdout);
         return kDone;

@@ -129,23 +129,135 @@ TEST_F(Network, WhatLiesInsideASignedAddressOpensWithTheSignature) {
     EXPECT_EQ(tree.root->name, "pages.tif");
 }
 
+constexpr char const *kNginx = R"(<html><head><title>Index of /data/</title></head><body><h1>Index of /data/</h1><pre>
+<a href="../">../</a><a href="v1.2%20data/">v1.2 data/</a>  02-Jan-2024 10:00    -
+<a href="a%20b.tif">a b.tif</a>  02-Jan-2024 10:00    1234
+<a href="text.txt">text.txt</a>  02-Jan-2024 10:00    1234
+<a href="/other/c.tif">c</a><a href="http://elsewhere/d.tif">d</a><a href="..%2Fe.tif">e</a></pre>)";
+constexpr char const *kApache = R"(<title>Index of /data</title><table><tr><th><a href="?C=N;O=D">Name</a></th></tr>
+<tr><td><a href="/">Parent</a></td></tr><tr><td><A HREF='/data/v1.2%20data/'>x</A></td><td>2024-01-02 10:00</td></tr>
+<tr><td><a href="./a%20b.tif"><img src="i.png"></a><a href="a%20b.tif">a b</a></td><td>2024-01-02 10:00</td><td>1234</td>)";
+constexpr char const *kLighttpd = R"(<?xml version="1.0"?><html><head><title>Index of /data/</title></head><body><table>
+<tr class="d"><td class="n"><a href="../">..</a>/</td><td class="m">&nbsp;</td></tr>
+<tr class="d"><td class="n"><a href="v1.2%20data/">v</a>/</td><td class="m">2024-Jan-02 10:00:00</td><td>- &nbsp;</td>
+<tr><td class="n"><a href="a%20b.tif">a b.tif</a></td><td class="m">2024-Jan-02 10:00:00</td><td class="s">1.2K</td>)";
+constexpr char const *kDav = R"(<?xml version="1.0"?><D:multistatus xmlns:D="DAV:" xmlns:x="DAV:">
+<D:response><D:href>/data/</D:href><D:propstat><D:prop><D:resourcetype><D:collection/></D:resourcetype></D:prop></D:propstat>
+</D:response><x:response><x:href>http://h/data/v1.2%20data/</x:href><x:propstat><x:prop><x:resourcetype><x:collection/>
+</x:resourcetype><x:getlastmodified>Tue, 02 Jan 2024 10:00:00 GMT</x:getlastmodified></x:prop></x:propstat></x:response>
+<D:response><D:href>/data/a%20b.tif</D:href><D:propstat><D:prop><D:quota/></D:prop></D:propstat><D:propstat><D:prop>
+<D:getcontentlength>1234</D:getcontentlength><D:getlastmodified>Tue, 02 Jan 2024 10:00:00 GMT</D:getlastmodified></D:prop>
+</D:propstat></D:response><D:response><D:href>/data/../e.tif</D:href></D:response><D:response><D:href>/data/%2e%2e</D:href>
+</D:response></D:multistatus>)";
+
 TEST_F(Network, AListingOfAWebServerIsATree) {
-    std::string const page = "<html><head><title>Index of /data/</title></head><body><h1>Index of /data/</h1><pre>"
-                             "<a href=\"../\">../</a>\n"
-                             "<a href=\"inner/\">inner/</a>  01-Jan-2024 10:00    -\n"
-                             "<a href=\"v1.2/\">v1.2/</a>  01-Jan-2024 10:00    -\n"
-                             "<a href=\"a%20b.tif\">a b.tif</a>  01-Jan-2024 10:00    1234\n"
-                             "<a href=\"text.txt\">text.txt</a>  01-Jan-2024 10:00    1234\n"
-                             "</pre></body></html>";
-    m_server.Serve("/data/", page, "text/html");
-    m_server.Serve("/data/a%20b.tif", Bytes({}));
-    auto const children = ChildrenOf(m_server.Url() + "/data/");
-    ASSERT_EQ(children.size(), 3U);
-    EXPECT_EQ(children.at("v1.2").type, kDirectoryNode);
-    EXPECT_EQ(children.at("inner").type, kDirectoryNode);
-    EXPECT_EQ(children.at("a b.tif").path, m_server.Url() + "/data/a%20b.tif");
+    constexpr std::int64_t moment = 1'704'189'600'000'000'000; // 2024-01-02 10:00
+    test::Rows<char const *, char const *, std::int64_t> const cases = {{"/data/", kNginx, 1234},
+                                                                        {"/data/", kApache, 1234},
+                                                                        {"/data/", kLighttpd, -1},
+                                                                        {"PROPFIND /data/", kDav, 1234}};
+    for (auto const &[place, page, size] : cases) {
+        SCOPED_TRACE(page);
+        test::HttpServer server;
+        server.Serve(place, page, "text/html");
+        server.Serve("/data/a%20b.tif", Bytes({}));
+        auto const children = ChildrenOf(server.Url() + "/data/");
+        ASSERT_EQ(children.size(), 2U);
+        EXPECT_EQ(children.at("v1.2 data").type, kDirectoryNode);
+        EXPECT_EQ(children.at("v1.2 data").path, server.Url() + "/data/v1.2%20data");
+        EXPECT_EQ(children.at("v1.2 data").modified, moment);
+        EXPECT_EQ(children.at("a b.tif").path, server.Url() + "/data/a%20b.tif");
+        EXPECT_EQ(children.at("a b.tif").size, size);
+        EXPECT_EQ(children.at("a b.tif").modified, moment);
+        ImageInfo info;
+        EXPECT_TRUE(ReadImageInfo({children.at("a b.tif").path, nullptr}, "", nullptr, info));
+    }
+}
+
+/// An object store on the loopback interface.
+struct ObjectStore : Network {
+    ObjectStore() {
+        for (auto const &[name, value] : kSettings)
+            setenv(name, value, 1);
+        setenv("AWS_S3_ENDPOINT", ("127.0.0.1:" + std::to_string(m_server.Port())).c_str(), 1);
+    }
+    ~ObjectStore() override {
+        for (auto const &[name, value] : kSettings)
+            unsetenv(name);
+        unsetenv("AWS_S3_ENDPOINT");
+    }
+    static constexpr std::pair<char const *, char const *> kSettings[] = {{"AWS_HTTPS", "NO"},
+                                                                          {"AWS_VIRTUAL_HOSTING", "FALSE"},
+                                                                          {"AWS_ACCESS_KEY_ID", "id"},
+                                                                          {"AWS_SECRET_ACCESS_KEY", "TOPSECRET"}};
+};
+
+TEST_F(ObjectStore, NamesFoldersSizesAndTimesAreTheStores) {
+    std::vector<std::string> keys{"a/with blank.tif", "a/v1.2 data/x.tif", "a/100%.tif", "a/b+c?#.tif", "other.tif"};
+    for (int i = 0; i < 30; ++i)
+        keys.push_back(Format("a/n%02d.tif", i));
+    m_server.ServeBucket("field", keys, 10);
+    m_server.Serve("/field/a/with%20blank.tif", Bytes({.width = 41}));
+    auto const children = ChildrenOf("s3://field/a");
+    ASSERT_EQ(children.size(), 34U);
+    EXPECT_EQ(children.at("v1.2 data").type, kDirectoryNode);
+    EXPECT_EQ(children.at("with blank.tif").path, "s3://field/a/with%20blank.tif");
+    EXPECT_EQ(children.at("with blank.tif").size, 1234);
+    EXPECT_EQ(children.at("with blank.tif").modified, 1'704'189'630'000'000'000);
+    EXPECT_EQ(children.at("b+c?#.tif").path, "s3://field/a/b%2Bc%3F%23.tif");
+    EXPECT_TRUE(children.contains("100%.tif"));
+    EXPECT_TRUE(ChildrenOf("s3://field/a/v1.2%20data").contains("x.tif"));
     ImageInfo info;
-    EXPECT_TRUE(ReadImageInfo({children.at("a b.tif").path, nullptr}, "", nullptr, info));
+    ASSERT_TRUE(ReadImageInfo({children.at("with blank.tif").path, nullptr}, "", nullptr, info));
+    EXPECT_EQ(info.width, 41);
+}
+
+TEST_F(ObjectStore, WhatKeepsAPlaceFromBeingListedIsTold) {
+    using enum DError::Cause;
+    test::HttpServer locked;
+    locked.Demand("dTpwdw=="); // u:pw
+    locked.Serve("/d/", kNginx, "text/html");
+    m_server.Serve("/page/", "<html><title>Welcome</title></html>", "text/html");
+    m_server.Serve("/bomb/", "<!DOCTYPE a [<!ENTITY b \"c\">]><multistatus>&b;</multistatus>", "text/xml");
+    m_server.Refuse("/403/", 403);
+    std::vector<std::tuple<DString, DError::Cause, int, char const *>> cases{
+        {"http://127.0.0.1:1/d/", NoAnswer, -1, "127.0.0.1"},
+        {locked.Url() + "/d/", Server, 401, "401"},
+        {m_server.Url() + "/403/", Server, 403, "403"},
+        {m_server.Url() + "/404/", Server, 404, "404"},
+        {m_server.Url() + "/page/", NotSupported, -1, "Welcome"},
+        {m_server.Url() + "/bomb/", NotSupported, -1, "web page"}};
+    for (auto const &[code, cause] : {std::pair{"NoSuchBucket", Missing},
+                                      {"InvalidAccessKeyId", NotPermitted},
+                                      {"SignatureDoesNotMatch", NotPermitted},
+                                      {"AccessDenied", NotPermitted}}) {
+        DString const bucket = FoldCase(code);
+        m_server.Refuse("/" + bucket + "/?delimiter=%2F&prefix=x%2F", cause == Missing ? 404 : 403,
+                        DString("<?xml version=\"1.0\"?><Error><Code>") + code + "</Code><Message>m</Message></Error>");
+        cases.emplace_back("s3://" + bucket + "/x/", cause, -1, code);
+    }
+    std::vector<DString> log;
+    auto const former = Report::SetTraceHandler([&](int, DString const &text) { log.push_back(text); });
+    for (int round = 0; round < 2; ++round) // what is remembered of a failure hides no cause
+        for (auto const &[place, cause, detail, word] : cases) {
+            BDIDrvr *driver = nullptr;
+            BDINode *root = nullptr;
+            DError error;
+            EXPECT_EQ(BDIDrvrMngr::Instance()->OpenFile(place.c_str(), &driver, &root, nullptr, &error), nullptr);
+            EXPECT_EQ(error.Why(), cause) << place << ": " << error.Text();
+            EXPECT_EQ(error.Detail(), detail) << place;
+            EXPECT_NE(error.Text().find(word), DString::npos) << place << ": " << error.Text();
+        }
+    DString const typed = "http://u:pw@" + locked.Url().substr(7) + "/d/";
+    auto const children = ChildrenOf(typed);
+    Report::SetTraceHandler(former);
+    ASSERT_TRUE(children.contains("a b.tif")) << "a login that is typed is used";
+    EXPECT_EQ(children.at("a b.tif").path, "http://u@" + locked.Url().substr(7) + "/d/a%20b.tif");
+    locked.Serve("/d/a%20b.tif", Bytes({}));
+    ImageInfo info;
+    EXPECT_TRUE(ReadImageInfo({children.at("a b.tif").path, nullptr}, "", nullptr, info)) << "and remembered";
+    for (DString const &line : log)
+        EXPECT_TRUE(line.find(":pw@") == DString::npos && line.find("Signature=") == DString::npos) << line;
 }
 
 TEST_F(Network, AnArchiveOnAServerIsATree) {

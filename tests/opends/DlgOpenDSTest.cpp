@@ -18,6 +18,7 @@
 #include "zelvar/opends/ImageExtraWnd.h"
 #include "zelvar/opends/ImagePreviewWnd.h"
 #include "zelvar/opends/OpenFeatures.h"
+#include "zelvar/opends/OpenForecast.h"
 #include "zelvar/platform/ui/EllipsisLabel.h"
 #include "zelvar/settings/DfltFldrs.h"
 #include "zelvar/store/DCnfg.h"
@@ -449,6 +450,7 @@ TEST_F(OpenDialog, ADefinedConnectionIsOpenedFromTheLeftListAndItsImagesArePicke
                        definition("Gone", folder / "gone.gpkg", "><Parameters/>") +
                        definition("Hidden", folder.Path(), "visible='false'><Parameters/>") + "</DataSources>");
     Variable const place("ZELVAR_DEFINITIONS_DIR", settings.Path());
+    features = kOpenLine;
     DialogPtr const dialog = Make();
     int const answer = Run(*dialog, [&] {
         DataSourceList &sources = *dialog->SourceList();
@@ -469,6 +471,9 @@ TEST_F(OpenDialog, ADefinedConnectionIsOpenedFromTheLeftListAndItsImagesArePicke
         DSListCtrl const &list = *dialog->MainList();
         click("Gone");
         EXPECT_TRUE(Eventually([&] { return list.GetNumRow() == 0; })) << "what does not open is an empty pane";
+        EXPECT_EQ(RowTextOf(*sources.ItemAt(rowOf("Gone"))), "Gone (unreachable)");
+        EXPECT_TRUE(Eventually([&] { return dialog->Forecast()->Outcome().reason.ends_with("is not there"); }));
+        Shot(*dialog, "DlgOpenDS-unreachable");
         click("Scenes");
         EXPECT_TRUE(Eventually([&] { return RowOf(list, "grey.tif") >= 0 && RowOf(list, "rgb.tif") >= 0; }));
         EXPECT_EQ(RowOf(list, "notes.txt"), -1) << "nothing but images";

@@ -1,5 +1,7 @@
 #include "support/HttpServer.h"
 
+#include "zelvar/base/Percent.h"
+
 #include <algorithm>
 #include <array>
 #include <stdexcept>
@@ -74,9 +76,59 @@ void HttpServer::Serve(std::string const &path, std::string bytes, std::string c
     m_resources[path] = {std::move(bytes), type};
 }
 
-void HttpServer::Refuse(std::string const &path, int status) {
+void HttpServer::Refuse(std::string const &path, int status, std::string body) {
     std::lock_guard const lock(m_mutex);
-    m_resources[path] = {.bytes = {}, .type = {}, .status = status};
+    m_resources[path] = {.bytes = std::move(body), .type = {}, .status = status};
+}
+
+void HttpServer::Demand(std::string const &login) {
+    std::lock_guard const lock(m_mutex);
+    m_login = login;
+}
+
+void HttpServer::ServeBucket(std::string const &bucket, std::vector<std::string> keys, std::size_t keysOfPage) {
+    std::lock_guard const lock(m_mutex);
+    std::sort(keys.begin(), keys.end());
+    m_buckets[bucket] = {std::move(keys), keysOfPage};
+}
+
+/// One page of a listing with "/" as its separator. The marker is the last key or prefix of the page before.
+std::optional<std::string> HttpServer::PageOfBucket(std::string const &target) const {
+    std::size_t const query = target.find("/?");
+    if (query == std::string::npos || target.find("delimiter=") == std::string::npos)
+        return std::nullopt;
+    auto const bucket = m_buckets.find(target.substr(1, query - 1));
+    if (bucket == m_buckets.end())
+        return std::nullopt;
+    auto const value = [&](std::string const &name) {
+        std::size_t const at = target.find(name + "=");
+        return at == std::string::npos
+                   ? std::string()
+                   : PercentDecoded(target.substr(at + name.size() + 1, target.find('&', at) - at - name.size() - 1));
+    };
+    std::string const prefix = value("prefix");
+    std::string const marker = value("marker");
+    std::string entries;
+    std::string last;
+    std::size_t count = 0;
+    for (std::string const &key : bucket->second.keys) {
+        if (!key.starts_with(prefix) || key == prefix)
+            continue;
+        std::size_t const slash = key.find('/', prefix.size());
+        std::string const shown = slash == std::string::npos ? key : key.substr(0, slash + 1);
+        if (shown <= marker || shown == last)
+            continue;
+        if (count++ == bucket->second.keysOfPage) {
+            entries += "<NextMarker>" + last + "</NextMarker><IsTruncated>true</IsTruncated>";
+            break;
+        }
+        last = shown;
+        entries += slash == std::string::npos
+                       ? "<Contents><Key>" + key +
+                             "</Key><LastModified>2024-01-02T10:00:30.000Z</LastModified><Size>1234</Size></Contents>"
+                       : "<CommonPrefixes><Prefix>" + shown + "</Prefix></CommonPrefixes>";
+    }
+    return "<?xml version=\"1.0\"?><ListBucketResult><Prefix>" + prefix + "</Prefix>" + entries + "</ListBucketResult>";
 }
 
 std::vector<std::string> HttpServer::Requests() const {
@@ -115,7 +167,11 @@ void HttpServer::Talk(int connection) {
         received.append(part.data(), static_cast<std::size_t>(count));
         for (std::size_t end = received.find("\r\n\r\n"); end != std::string::npos; end = received.find("\r\n\r\n")) {
             std::string const request = received.substr(0, end + 2);
-            received.erase(0, end + 4);
+            std::string const length = HeaderOf(request, "Content-Length");
+            std::size_t const whole = end + 4 + (length.empty() ? 0 : std::stoul(length));
+            if (received.size() < whole)
+                break;
+            received.erase(0, whole);
             if (!Answer(connection, request))
                 return;
         }
@@ -131,16 +187,32 @@ bool HttpServer::Answer(int connection, std::string const &request) {
         m_requests.push_back(line);
         if (std::string const login = HeaderOf(request, "Authorization"); !login.empty())
             m_logins.insert(login.substr(0, login.find_last_not_of("\r\n") + 1));
-        auto const at = m_resources.find(line.substr(line.find(' ') + 1));
+        std::string const target = line.substr(line.find(' ') + 1);
+        auto at = m_resources.find(line);
+        if (at == m_resources.end() && !line.starts_with("PROPFIND"))
+            at = m_resources.find(target);
         if (at != m_resources.end()) {
             resource = at->second;
             found = !resource.type.empty();
+        } else if (auto page = PageOfBucket(target)) {
+            resource = {std::move(*page), "application/xml", 200};
+            found = true;
+        } else if (line.starts_with("PROPFIND")) {
+            resource.status = 405;
+        }
+        if (!m_login.empty() && HeaderOf(request, "Authorization") != "Basic " + m_login) {
+            resource = {.bytes = {}, .type = {}, .status = 401};
+            found = false;
         }
     }
     if (m_hangs)
         return true;
     if (!found) {
-        SendAll(connection, "HTTP/1.1 " + std::to_string(resource.status) + " No\r\nContent-Length: 0\r\n\r\n");
+        std::string head = "HTTP/1.1 " + std::to_string(resource.status) +
+                           " No\r\nContent-Length: " + std::to_string(resource.bytes.size()) + "\r\n";
+        if (resource.status == 401)
+            head += "WWW-Authenticate: Basic realm=\"x\"\r\n";
+        SendAll(connection, head + "\r\n" + (line.starts_with("HEAD") ? std::string() : resource.bytes));
         return true;
     }
     std::size_t first = 0;

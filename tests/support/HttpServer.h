@@ -3,6 +3,7 @@
 #include "support/Test.h"
 
 #include <mutex>
+#include <optional>
 #include <set>
 #include <thread>
 
@@ -20,8 +21,13 @@ public:
     [[nodiscard]] int Port() const { return m_port; }
     /// `path` as it stands in a request, from "/" on.
     void Serve(std::string const &path, std::string bytes, std::string const &type = "application/octet-stream");
-    /// Answers with that status, a refusal or a failure.
-    void Refuse(std::string const &path, int status);
+    /// Answers with that status, a refusal or a failure, and a body where one is given. `path` may follow a method:
+    /// "PROPFIND /a/".
+    void Refuse(std::string const &path, int status, std::string body = {});
+    /// Only who logs in so is served; others are answered 401. "user:password" in base 64.
+    void Demand(std::string const &login);
+    /// An object store's bucket at "/bucket/", listed in pages of that many keys. Folders are keys that end in "/".
+    void ServeBucket(std::string const &bucket, std::vector<std::string> keys, std::size_t keysOfPage = 1000);
     /// Takes connections and requests, and never answers.
     void Hang() { m_hangs = true; }
 
@@ -40,11 +46,16 @@ private:
     struct Resource {
         std::string bytes;
         std::string type;
-        int status = 404; ///< of one without a type
+        int status = 404; ///< of one without a type, whose bytes are a failure's body
+    };
+    struct Bucket {
+        std::vector<std::string> keys; ///< in order
+        std::size_t keysOfPage = 1000;
     };
     void Run();
     void Talk(int connection);
     bool Answer(int connection, std::string const &request);
+    [[nodiscard]] std::optional<std::string> PageOfBucket(std::string const &target) const;
 
     int m_listener = -1;
     int m_port = 0;
@@ -53,7 +64,9 @@ private:
     std::atomic<std::size_t> m_bytesSent{0};
     std::atomic<int> m_connections{0};
     std::atomic<int> m_endedConnections{0};
-    mutable std::mutex m_mutex; ///< guards the three below
+    mutable std::mutex m_mutex; ///< guards all below but the threads
+    std::string m_login;
+    std::map<std::string, Bucket> m_buckets;
     std::map<std::string, Resource> m_resources;
     std::vector<std::string> m_requests;
     std::set<std::string> m_logins;

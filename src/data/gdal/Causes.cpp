@@ -59,6 +59,10 @@ DString WordsOf(DString text, Source const &source) {
     return FoldCase(text);
 }
 
+bool IsAboutCertificate(std::string_view words) {
+    return Says(words, {"ssl certificate", "server certificate", "peer certificate", "certificate problem"});
+}
+
 Cause CauseOf(int number, std::string_view words) {
     switch (number) {
     case CPLE_OutOfMemory:
@@ -81,6 +85,8 @@ Cause CauseOf(int number, std::string_view words) {
     }
     if (StatusIn(words) >= 0)
         return Cause::Server;
+    if (IsAboutCertificate(words))
+        return Cause::Untrusted;
     if (Says(words, {"curl error"}))
         return Cause::NoAnswer;
     if (Says(words, {"password", "encrypted"}))
@@ -129,8 +135,12 @@ Cause CauseOfServer(int number, std::string_view words) {
     case VSIE_AWSSignatureDoesNotMatch:
         return Cause::NotPermitted;
     default:
-        return StatusIn(words) >= 0 ? Cause::Server : Says(words, {"curl error"}) ? Cause::NoAnswer : Cause::Unknown;
+        break;
     }
+    return StatusIn(words) >= 0          ? Cause::Server
+           : IsAboutCertificate(words)   ? Cause::Untrusted
+           : Says(words, {"curl error"}) ? Cause::NoAnswer
+                                         : Cause::Unknown;
 }
 
 } // namespace
@@ -195,6 +205,26 @@ DError AskServer(Source const &source) {
     VSICurlPartialClearCache(source.name.c_str()); // else the next one that asks is not told
     return Because("\"" + source.text + "\": " + (said.empty() ? DString("the server does not give it") : said), cause,
                    cause == Cause::Server ? StatusIn(words) : -1);
+}
+
+DError ErrorOfServer(DString const &subject, DString const &said) {
+    DString const words = FoldCase(said);
+    std::int64_t const status = StatusIn(words);
+    Cause const cause = status >= 0 ? Cause::Server : IsAboutCertificate(words) ? Cause::Untrusted : Cause::NoAnswer;
+    return Because("\"" + subject + "\": " + (said.empty() ? DString("its server does not answer") : said), cause,
+                   status);
+}
+
+DError ErrorOfStore(DString const &subject, DString const &code, DString const &said) {
+    if (code.empty())
+        return ErrorOfServer(subject, said);
+    bool const isMissing = code.starts_with("NoSuch") || code.ends_with("NotFound");
+    bool const isRefused = code == "AccessDenied" || code == "InvalidAccessKeyId" || code == "SignatureDoesNotMatch" ||
+                           code == "ExpiredToken" || code == "InvalidToken" || code == "RequestTimeTooSkewed" ||
+                           code == "AuthenticationFailed" || code == "AuthorizationFailure";
+    return Because("\"" + subject + "\": " + code, isMissing   ? Cause::Missing
+                                                   : isRefused ? Cause::NotPermitted
+                                                               : Cause::Server);
 }
 
 DError WhyNotOpened(Source const &source, OpenAttempt const &attempt, GdalScope const &scope) {

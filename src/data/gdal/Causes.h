@@ -20,6 +20,11 @@ namespace zelvar::gdal {
 /// GDAL keeps the answer: who opens the file then asks no more. Inside a `GdalScope`.
 [[nodiscard]] DError AskServer(Source const &source);
 
+/// What GDAL says of a server that was asked for `subject`: a status, no connection, a certificate.
+[[nodiscard]] DError ErrorOfServer(DString const &subject, DString const &said);
+/// Of an object store: its own `code`, such as "NoSuchBucket", or where it named none what GDAL says.
+[[nodiscard]] DError ErrorOfStore(DString const &subject, DString const &code, DString const &said);
+
 /// What is known of a source that no format has opened.
 struct OpenAttempt {
     Format const *known = nullptr; ///< the first format that knows its first bytes; null for none

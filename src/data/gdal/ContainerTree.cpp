@@ -1,6 +1,7 @@
 #include "zelvar/data/gdal/ContainerTree.h"
 
 #include "zelvar/base/PathStyle.h"
+#include "zelvar/base/TypedSecrets.h"
 #include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/data/gdal/ContainerProbe.h"
 #include "zelvar/data/gdal/LandsatScene.h"
@@ -122,7 +123,8 @@ void AddLayers(GDALDatasetH dataset, Source const &source, Members &members) {
 
 } // namespace
 
-DString NodePath(DString const &source, DString const &name) {
+DString NodePath(DString const &source, DString const &virtualName) {
+    DString const name = TakeSecrets(virtualName);
     if (BDIMoniker(name, nullptr).GetSource() == name)
         return name;
     return WithOption(source, kNodeOption, PercentEncoded(name));
@@ -145,8 +147,10 @@ std::optional<BDINode> InnerMembers::Find(DString const &path) const {
     return at == m_found.end() ? std::nullopt : std::optional(at->second);
 }
 
-std::optional<Members> ListMembers(Source const &source, Format const *only) {
-    OpenedSource const opened = Open(source, GDAL_OF_RASTER | GDAL_OF_VECTOR, only, nullptr);
+std::optional<Members> ListMembers(Source const &source, Format const *only, DError *error) {
+    // Why a file holds no members would take another look at it.
+    DError *const reason = source.reach == Reach::Network ? error : nullptr;
+    OpenedSource const opened = Open(source, GDAL_OF_RASTER | GDAL_OF_VECTOR, only, reason);
     if (!opened)
         return std::nullopt;
     GdalScope const scope(source.reach);
@@ -228,15 +232,18 @@ bool ContainerDriver::HoldsMultipleImages() const { return IsContainerFormat(m_f
 
 bool ContainerDriver::CanReadPath(DString const &path) const { return HoldsSeveral(path, m_format); }
 
-std::unique_ptr<Tree> ContainerDriver::OpenTree(DString const &url, DString const &) const {
+std::unique_ptr<Tree> ContainerDriver::OpenTree(DString const &url, DString const &, DError &error) const {
     auto const source = Resolve({url, nullptr}, nullptr);
-    std::optional<Members> members = source ? ListMembers(*source, &m_format) : std::nullopt;
+    std::optional<Members> members = source ? ListMembers(*source, &m_format, &error) : std::nullopt;
     return members ? ContainerTree::Make(*source, std::move(*members)) : nullptr;
 }
 
-void *ContainerDriver::OpenRepositoryInFamily(char const *url, BDIDrvr **opener, BDINode **root, char const *) {
+void *ContainerDriver::OpenRepositoryOrSay(char const *url, bool inFamily, BDIDrvr **opener, BDINode **root,
+                                           char const *filter, DError *error) {
+    if (!inFamily)
+        return TreeDriver::OpenRepositoryOrSay(url, inFamily, opener, root, filter, error);
     auto const source = Resolve({url, nullptr}, nullptr);
-    std::optional<Members> members = source ? ListMembers(*source, nullptr) : std::nullopt;
+    std::optional<Members> members = source ? ListMembers(*source, nullptr, error) : std::nullopt;
     if (!members)
         return nullptr;
     BDIDrvr *const named = BDIDrvrMngr::Instance()->GetDrvr(members->format->id.c_str());

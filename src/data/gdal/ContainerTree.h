@@ -14,8 +14,9 @@ struct Members {
     std::vector<DString> groups;    ///< that each node lies in: "outer/inner", empty at the top
     Format const *format = nullptr; ///< that read it
 };
-/// Nothing if no allowed format, or not `only`, reads the source.
-[[nodiscard]] std::optional<Members> ListMembers(Source const &source, Format const *only);
+/// Nothing if no allowed format, or not `only`, reads the source. What a server says of it goes into `*error`, which
+/// may be null.
+[[nodiscard]] std::optional<Members> ListMembers(Source const &source, Format const *only, DError *error = nullptr);
 
 /// The text of a moniker for what GDAL names `name` inside `source`.
 [[nodiscard]] DString NodePath(DString const &source, DString const &name);
@@ -66,10 +67,15 @@ public:
     [[nodiscard]] DString GetExtensions() const override { return m_format.extensions; }
     [[nodiscard]] DString GetFamily() const override { return "GDAL"; }
     [[nodiscard]] bool CanReadPath(DString const &path) const override;
-    void *OpenRepositoryInFamily(char const *url, BDIDrvr **opener, BDINode **root, char const *filter) override;
+    void *OpenRepositoryInFamily(char const *url, BDIDrvr **opener, BDINode **root, char const *filter) override {
+        return OpenRepositoryOrSay(url, true, opener, root, filter, nullptr);
+    }
+    void *OpenRepositoryOrSay(char const *url, bool inFamily, BDIDrvr **opener, BDINode **root, char const *filter,
+                              DError *error) override;
 
 protected:
-    [[nodiscard]] std::unique_ptr<Tree> OpenTree(DString const &url, DString const &filter) const override;
+    [[nodiscard]] std::unique_ptr<Tree> OpenTree(DString const &url, DString const &filter,
+                                                 DError &error) const override;
     [[nodiscard]] bool HoldsMultipleImages() const override;
 
 private:

@@ -15,7 +15,8 @@ public:
     [[nodiscard]] bool CanReadPath(DString const &path) const override;
 
 protected:
-    [[nodiscard]] std::unique_ptr<Tree> OpenTree(DString const &url, DString const &filter) const override;
+    [[nodiscard]] std::unique_ptr<Tree> OpenTree(DString const &url, DString const &filter,
+                                                 DError &error) const override;
 };
 
 } // namespace zelvar::gdal

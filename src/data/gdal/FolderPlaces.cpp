@@ -1,7 +1,9 @@
 #include "zelvar/data/gdal/FolderPlaces.h"
 
 #include "zelvar/base/PathStyle.h"
+#include "zelvar/data/gdal/Causes.h"
 #include "zelvar/data/gdal/ContainerProbe.h"
+#include "zelvar/data/gdal/WebListing.h"
 #include "zelvar/data/gdal/ZipTree.h"
 #include "zelvar/platform/os/SmbClient.h"
 
@@ -9,6 +11,8 @@
 #include <cpl_vsi.h>
 
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
 #include <memory>
 
 #include <dirent.h>
@@ -19,12 +23,18 @@ namespace zelvar::gdal {
 
 namespace {
 
+DError OfErrno(DString const &folder, int number) {
+    DError error;
+    error.Set("\"" + folder + "\": " + std::strerror(number), CauseOfErrno(number));
+    return error;
+}
+
 class Disk : public FolderPlace {
 public:
-    [[nodiscard]] bool List(DString const &folder, std::vector<FolderEntry> &entries) const override {
+    [[nodiscard]] DError List(DString const &folder, std::vector<FolderEntry> &entries) const override {
         std::unique_ptr<DIR, int (*)(DIR *)> const directory(opendir(folder.c_str()), &closedir);
         if (directory == nullptr)
-            return false;
+            return OfErrno(folder, errno);
         while (dirent const *entry = readdir(directory.get())) {
             if (entry->d_name[0] == '.')
                 continue;
@@ -35,7 +45,7 @@ public:
             if (type == DT_DIR || type == DT_REG)
                 entries.push_back({entry->d_name, type == DT_DIR});
         }
-        return true;
+        return {};
     }
     [[nodiscard]] std::optional<bool> CanList(DString const &folder) const override {
         return access(folder.c_str(), R_OK | X_OK) == 0;
@@ -55,34 +65,46 @@ public:
     }
 };
 
-/// GDAL does not tell folders of a listing from files, and to ask for each would cost a request: a name without an
-/// extension, or with a number for one, is a folder.
+/// GDAL does not tell folders of an FTP server's listing from files, and to ask for each would cost a request: a name
+/// without an extension, or with a number for one, is a folder.
 bool LooksLikeFolder(std::string_view name) {
     std::string_view const extension = ExtensionOf(name);
     return std::all_of(extension.begin(), extension.end(), [](char c) { return c >= '0' && c <= '9'; });
 }
 
+DError ListFtpFolder(DString const &folder, DString const &name, std::vector<FolderEntry> &entries,
+                     GdalScope const &scope) {
+    VSICurlPartialClearCache(name.c_str()); // else what failed once fails for good
+    std::unique_ptr<char *, void (*)(char **)> const names(VSIReadDir(name.c_str()), &CSLDestroy);
+    if (names == nullptr)
+        return ErrorOfServer(folder, scope.Errors().empty() ? DString() : scope.Errors().front().text);
+    for (int i = 0; i < CSLCount(names.get()); ++i) {
+        DString entry = PercentDecoded(names.get()[i]);
+        bool isFolder = entry.ends_with('/');
+        if (isFolder)
+            entry.pop_back();
+        if (entry.empty() || entry.front() == '.' || entry.find('/') != DString::npos)
+            continue;
+        isFolder = isFolder || LooksLikeFolder(entry);
+        entries.push_back({std::move(entry), isFolder});
+    }
+    return {};
+}
+
+bool StartsWithAny(DString const &url, std::initializer_list<std::string_view> starts) {
+    return std::any_of(starts.begin(), starts.end(),
+                       [&](std::string_view start) { return StartsWithNoCase(url, start); });
+}
+
 class Web : public FolderPlace {
 public:
-    [[nodiscard]] bool List(DString const &folder, std::vector<FolderEntry> &entries) const override {
-        DString const name = VirtualNameOf(folder);
-        if (name.empty())
-            return false;
+    [[nodiscard]] DError List(DString const &folder, std::vector<FolderEntry> &entries) const override {
         GdalScope const scope(Reach::Network);
-        std::unique_ptr<char *, void (*)(char **)> const names(VSIReadDir(name.c_str()), &CSLDestroy);
-        if (names == nullptr)
-            return false;
-        for (int i = 0; i < CSLCount(names.get()); ++i) {
-            DString entry = PercentDecoded(names.get()[i]);
-            bool isFolder = entry.ends_with('/');
-            if (isFolder)
-                entry.pop_back();
-            if (entry.empty() || entry.front() == '.' || entry.find('/') != DString::npos)
-                continue;
-            isFolder = isFolder || LooksLikeFolder(entry);
-            entries.push_back({std::move(entry), isFolder});
-        }
-        return true;
+        if (StartsWithAny(folder, {"http://", "https://"}))
+            return ListWebFolder(folder, entries);
+        DString const name = VirtualNameOf(folder);
+        return StartsWithNoCase(folder, "ftp://") ? ListFtpFolder(folder, name, entries, scope)
+                                                  : ListObjects(folder, name, entries);
     }
     [[nodiscard]] DString PathOf(DString const &folder, FolderEntry const &entry) const override {
         return folder + "/" + PercentEncoded(entry.name);
@@ -91,24 +113,25 @@ public:
 
 class Smb : public FolderPlace {
 public:
-    [[nodiscard]] bool List(DString const &folder, std::vector<FolderEntry> &entries) const override {
+    [[nodiscard]] DError List(DString const &folder, std::vector<FolderEntry> &entries) const override {
         auto const address = platform::ParseSmbAddress(folder);
         if (!address)
-            return false;
+            return OfErrno(folder, ENOENT);
         std::error_code const error = platform::SmbClient::Instance().List(*address, [&](platform::SmbEntry &&entry) {
             entries.push_back({std::move(entry.name), entry.kind != platform::ShellKind::File});
             return true;
         });
-        return !error;
+        return error ? OfErrno(folder, error.value()) : DError();
     }
     [[nodiscard]] DString PathOf(DString const &folder, FolderEntry const &entry) const override {
         return folder + "/" + platform::EscapedSmbPart(entry.name);
     }
 };
 
-bool StartsWithAny(DString const &url, std::initializer_list<std::string_view> starts) {
-    return std::any_of(starts.begin(), starts.end(),
-                       [&](std::string_view start) { return StartsWithNoCase(url, start); });
+/// Whether an address may be that of a folder: no format's files are called so.
+bool MayBeFolder(DString const &url) {
+    return url.ends_with('/') || ExtensionOf(url).empty() ||
+           Formats::Instance().TypeOf(PercentDecoded(FileNameOf(url))) == 0;
 }
 
 } // namespace
@@ -133,10 +156,8 @@ DString RootOf(FolderKind kind, DString const &url) {
     case FolderKind::Smb:
         return StartsWithNoCase(url, "smb://") ? url : DString();
     case FolderKind::Web: {
-        // Files have an extension; what has none, or ends in a separator, may be listed.
-        bool const folder = url.ends_with('/') || ExtensionOf(url).empty();
         bool const listable = StartsWithAny(url, {"http://", "https://", "ftp://", "s3://", "gs://", "az://"});
-        return folder && listable && url.find('?') == DString::npos ? url : DString();
+        return listable && MayBeFolder(url) && url.find('?') == DString::npos ? url : DString();
     }
     case FolderKind::Directory:
         break;

@@ -43,12 +43,14 @@ FolderTree::FolderTree(FolderPlace const &place, DString root, DString filter)
     m_root = MakeNode(kDirectoryNode, root, name.empty() ? root : std::move(name));
 }
 
-bool FolderTree::CanList() {
+bool FolderTree::CanList(DError &error) {
     if (std::optional<bool> const known = m_place.CanList(m_root.path))
         return *known;
     std::vector<FolderEntry> entries;
-    if (!m_place.List(m_root.path, entries))
+    error = m_place.List(m_root.path, entries);
+    if (error.IsSet() && entries.empty())
         return false;
+    m_error = std::exchange(error, {});
     m_listedRoot = MakeNodes(m_root.path, std::move(entries));
     return true;
 }
@@ -63,8 +65,12 @@ std::vector<BDINode> FolderTree::MakeNodes(DString const &folder, std::vector<Fo
     std::vector<BDINode> nodes;
     for (auto &[key, entry] : ordered) {
         DString path = m_place.PathOf(folder, entry);
-        if (std::uint32_t const type = m_place.TypeOf(path, entry); type != 0)
-            nodes.push_back(MakeNode(type, std::move(path), std::move(entry.name)));
+        std::uint32_t const type = m_place.TypeOf(path, entry);
+        if (type == 0)
+            continue;
+        BDINode &node = nodes.emplace_back(MakeNode(type, std::move(path), std::move(entry.name)));
+        node.size = entry.size;
+        node.modified = entry.modified;
     }
     return nodes;
 }
@@ -76,9 +82,10 @@ std::vector<BDINode> FolderTree::Children(BDINode const &parent) const {
         m_listedRoot.reset();
     } else if ((parent.type & BDINode_Directory) != 0) {
         std::vector<FolderEntry> entries;
-        if (m_place.List(parent.path, entries))
-            nodes = MakeNodes(parent.path, std::move(entries));
+        m_error = m_place.List(parent.path, entries);
+        nodes = MakeNodes(parent.path, std::move(entries));
     } else if ((parent.type & BDINode_Container) != 0) {
+        m_error.Clear();
         return m_inner.Of(parent);
     }
     for (BDINode const &node : nodes)
@@ -124,19 +131,21 @@ DString FolderDriver::GetInfo() const {
     return "Folder of images";
 }
 
-void *FolderDriver::OpenRepositoryInFamily(char const *url, BDIDrvr **opener, BDINode **root, char const *filter) {
-    DString const folder = m_kind == FolderKind::Directory && url != nullptr ? RootOf(m_kind, url) : DString();
+void *FolderDriver::OpenRepositoryOrSay(char const *url, bool inFamily, BDIDrvr **opener, BDINode **root,
+                                        char const *filter, DError *error) {
+    DString const folder =
+        inFamily && m_kind == FolderKind::Directory && url != nullptr ? RootOf(m_kind, url) : DString();
     if (!folder.empty() && LookForDataFolder(folder))
         return nullptr;
-    return TreeDriver::OpenRepositoryInFamily(url, opener, root, filter);
+    return TreeDriver::OpenRepositoryOrSay(url, inFamily, opener, root, filter, error);
 }
 
-std::unique_ptr<Tree> FolderDriver::OpenTree(DString const &url, DString const &filter) const {
+std::unique_ptr<Tree> FolderDriver::OpenTree(DString const &url, DString const &filter, DError &error) const {
     DString const root = RootOf(m_kind, url);
     if (root.empty())
         return nullptr;
     auto tree = std::make_unique<FolderTree>(PlaceOf(m_kind), root, filter);
-    return tree->CanList() ? std::move(tree) : nullptr;
+    return tree->CanList(error) ? std::move(tree) : nullptr;
 }
 
 } // namespace zelvar::gdal

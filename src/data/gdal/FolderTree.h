@@ -8,6 +8,8 @@ namespace zelvar::gdal {
 struct FolderEntry {
     DString name; ///< plain bytes
     bool isFolder = false;
+    std::int64_t size = -1;    ///< bytes; -1 if that is not known
+    std::int64_t modified = 0; ///< nanoseconds since 1970; 0 if that is not known
 };
 
 /// A kind of place that holds folders: what a folder tree asks of it.
@@ -17,8 +19,8 @@ public:
     FolderPlace(FolderPlace const &) = delete;
     FolderPlace &operator=(FolderPlace const &) = delete;
 
-    /// False if the folder cannot be listed.
-    [[nodiscard]] virtual bool List(DString const &folder, std::vector<FolderEntry> &entries) const = 0;
+    /// Why the folder cannot be listed, or not to its end; not set if it was.
+    [[nodiscard]] virtual DError List(DString const &folder, std::vector<FolderEntry> &entries) const = 0;
     /// Whether the folder can be listed, where that can be told without listing it.
     [[nodiscard]] virtual std::optional<bool> CanList(DString const &) const { return std::nullopt; }
     /// The path or address of a child.
@@ -41,8 +43,11 @@ public:
     /// The masks of the formats that read pictures.
     [[nodiscard]] std::vector<DString> Filters() const override;
 
-    /// False if the root cannot be listed. If it has to be listed to find out, that is kept for the first question.
-    [[nodiscard]] bool CanList();
+    [[nodiscard]] DError ChildrenError() const override { return m_error; }
+
+    /// False if the root cannot be listed, with the reason in `error`. If it has to be listed to find out, that is kept
+    /// for the first question.
+    [[nodiscard]] bool CanList(DError &error);
 
 private:
     [[nodiscard]] std::vector<BDINode> MakeNodes(DString const &folder, std::vector<FolderEntry> entries) const;
@@ -54,6 +59,7 @@ private:
     mutable std::optional<std::vector<BDINode>> m_listedRoot;
     mutable std::unordered_map<DString, BDINode> m_listed;
     mutable InnerMembers m_inner;
+    mutable DError m_error; ///< of the last listing
 };
 
 /// Tree drivers over folders: "Directory" for a path or "file://", "WebDirectory" for the listing of a web server or an
@@ -67,10 +73,12 @@ public:
     /// A folder is no file.
     [[nodiscard]] bool CanReadPath(DString const &) const override { return false; }
     /// A folder that is a data set is one of places only for who names this driver.
-    void *OpenRepositoryInFamily(char const *url, BDIDrvr **opener, BDINode **root, char const *filter) override;
+    void *OpenRepositoryOrSay(char const *url, bool inFamily, BDIDrvr **opener, BDINode **root, char const *filter,
+                              DError *error) override;
 
 protected:
-    [[nodiscard]] std::unique_ptr<Tree> OpenTree(DString const &url, DString const &filter) const override;
+    [[nodiscard]] std::unique_ptr<Tree> OpenTree(DString const &url, DString const &filter,
+                                                 DError &error) const override;
     [[nodiscard]] bool HoldsMultipleImages() const override { return false; }
     [[nodiscard]] bool TakesFilter() const override { return true; }
 

@@ -2,6 +2,7 @@
 
 #include "zelvar/base/FileDescriptor.h"
 #include "zelvar/base/PathStyle.h"
+#include "zelvar/base/TypedSecrets.h"
 #include "zelvar/data/RDIDriverMngr.h"
 #include "zelvar/data/gdal/Causes.h"
 #include "zelvar/data/gdal/DataFolders.h"
@@ -38,19 +39,6 @@ std::vector<char const *> Pointers(std::vector<DString> const &texts) {
         pointers.push_back(text.c_str());
     pointers.push_back(nullptr);
     return pointers;
-}
-
-/// What must not be written into an address as it stands.
-DString EscapedUrl(std::string_view url) {
-    DString out;
-    for (char const c : url) {
-        auto const byte = static_cast<unsigned char>(c);
-        if (byte <= 0x20 || byte >= 0x7F)
-            out += PercentEncoded(std::string_view(&c, 1));
-        else
-            out += c;
-    }
-    return out;
 }
 
 /// True for what an address tells us and not its server: what any of the formats calls an option. The names are
@@ -155,17 +143,29 @@ std::optional<std::vector<DString>> SiblingsFor(Source const &source) {
 
 } // namespace
 
+DString EscapedUrl(std::string_view url) {
+    DString out;
+    for (char const c : url) {
+        auto const byte = static_cast<unsigned char>(c);
+        if (byte <= 0x20 || byte >= 0x7F)
+            out += PercentEncoded(std::string_view(&c, 1));
+        else
+            out += c;
+    }
+    return out;
+}
+
 DString VirtualNameOf(DString const &url) {
     for (std::string_view const scheme : {"http://", "https://", "ftp://"})
         if (StartsWithNoCase(url, scheme))
-            return "/vsicurl/" + EscapedUrl(url);
+            return "/vsicurl/" + EscapedUrl(WithSecrets(url));
     struct Store {
         std::string_view scheme;
         std::string_view fileSystem;
     };
     for (Store const &store : {Store{"s3://", "/vsis3/"}, Store{"gs://", "/vsigs/"}, Store{"az://", "/vsiaz/"}})
         if (StartsWithNoCase(url, store.scheme))
-            return DString(store.fileSystem) + url.substr(store.scheme.size());
+            return DString(store.fileSystem) + PercentDecoded(std::string_view(url).substr(store.scheme.size()));
     if (StartsWithNoCase(url, "smb://"))
         return SmbVirtualName(url);
     return {};
@@ -190,8 +190,7 @@ std::optional<Source> Resolve(BDIMoniker const &moniker, DError *error) {
         return Refuse(error, "a name with a zero byte");
     if (moniker.IsUrl()) {
         source.reach = Reach::Network;
-        if (zelvar::IsUrl(source.name))
-            source.name = VirtualNameOf(source.name);
+        source.name = zelvar::IsUrl(source.name) ? VirtualNameOf(source.name) : WithSecrets(source.name);
         if (source.name.empty() || IsIn(source.name, "/vsistdin"))
             return Refuse(error, "the address \"" + source.text + "\" is of no known kind",
                           DError::Cause::NotSupported);

@@ -55,8 +55,10 @@ struct OpenedSource {
 /// All formats that take it for theirs, in GDAL's order.
 [[nodiscard]] std::vector<Format const *> IdentifyAll(Source const &source, unsigned flags);
 
-/// GDAL's name of an address ("http://...", "s3://...", "smb://..."): its virtual file system's. Empty for a scheme
-/// that is not supported.
+/// GDAL's name of an address ("http://...", "s3://...", "smb://..."): its virtual file system's, with the password that
+/// was typed for it. Empty for a scheme that is not supported.
 [[nodiscard]] DString VirtualNameOf(DString const &url);
+/// The address without bytes that must not stand in one as they are.
+[[nodiscard]] DString EscapedUrl(std::string_view url);
 
 } // namespace zelvar::gdal

@@ -1,6 +1,7 @@
 #include "zelvar/data/gdal/Tree.h"
 
 #include "zelvar/base/Report.h"
+#include "zelvar/base/TypedSecrets.h"
 
 #include <cstring>
 #include <exception>
@@ -80,10 +81,23 @@ void *TreeDriver::Hand(std::unique_ptr<Tree> tree, DString const &url, BDINode *
 }
 
 void *TreeDriver::OpenRepository(char const *url, BDINode **root, char const *filter) {
+    BDIDrvr *opener = nullptr;
+    return TreeDriver::OpenRepositoryOrSay(url, false, &opener, root, filter, nullptr);
+}
+
+void *TreeDriver::OpenRepositoryOrSay(char const *url, bool, BDIDrvr **opener, BDINode **root, char const *filter,
+                                      DError *error) {
     if (url == nullptr || *url == '\0')
         return nullptr;
-    return Guarded<void *>("opening a tree",
-                           [&] { return Hand(OpenTree(url, filter == nullptr ? "" : filter), url, root); });
+    DError reason;
+    *opener = this;
+    void *const repository = Guarded<void *>("opening a tree", [&] {
+        DString const place = TakeSecrets(url);
+        return Hand(OpenTree(place, filter == nullptr ? "" : filter, reason), place, root);
+    });
+    if (error != nullptr)
+        *error = repository == nullptr ? std::move(reason) : DError();
+    return repository;
 }
 
 void TreeDriver::CloseRepository(void *repository) { delete static_cast<Repository *>(repository); }
@@ -128,6 +142,10 @@ void *TreeDriver::FindFirstChildNode(void *repository, BDINode const *node, int 
 BDINode const *TreeDriver::FindNextChildNode(void *find) {
     auto *walk = static_cast<Walk *>(find);
     return walk != nullptr && walk->next < walk->children.size() ? &walk->children[walk->next++] : nullptr;
+}
+
+DError TreeDriver::GetWalkError(void *repository) const {
+    return repository == nullptr ? DError() : Of(repository).tree->ChildrenError();
 }
 
 void TreeDriver::FindClose(void *find) { delete static_cast<Walk *>(find); }

@@ -19,6 +19,8 @@ public:
     /// The node of a path as `Root` and `Children` gave it; nothing if it is gone.
     [[nodiscard]] virtual std::optional<BDINode> Find(DString const &path) const = 0;
     [[nodiscard]] virtual std::vector<BDINode> Children(BDINode const &parent) const = 0;
+    /// What kept the last question for children from its answer; not set where nothing did.
+    [[nodiscard]] virtual DError ChildrenError() const { return {}; }
     /// Masks that the tree can be filtered with; empty where it knows no filter.
     [[nodiscard]] virtual std::vector<DString> Filters() const { return {}; }
 
@@ -31,6 +33,8 @@ class TreeDriver : public BDIDrvr {
 public:
     [[nodiscard]] int GetAttrInt(char const *name) const override;
     void *OpenRepository(char const *url, BDINode **root, char const *filter) override;
+    void *OpenRepositoryOrSay(char const *url, bool inFamily, BDIDrvr **opener, BDINode **root, char const *filter,
+                              DError *error) override;
     void CloseRepository(void *repository) override;
     BDINode *OpenNode(void *repository, char const *path) override;
     BDINode *CloneNode(BDINode const *node) override;
@@ -38,10 +42,12 @@ public:
     void *FindFirstChildNode(void *repository, BDINode const *node, int mask) override;
     BDINode const *FindNextChildNode(void *find) override;
     void FindClose(void *find) override;
+    [[nodiscard]] DError GetWalkError(void *repository) const override;
 
 protected:
-    /// Null if `url` is no tree of this driver. `filter` may be empty.
-    [[nodiscard]] virtual std::unique_ptr<Tree> OpenTree(DString const &url, DString const &filter) const = 0;
+    /// Null if `url` is no tree of this driver, with the reason in `error` where more is known. `filter` may be empty.
+    [[nodiscard]] virtual std::unique_ptr<Tree> OpenTree(DString const &url, DString const &filter,
+                                                         DError &error) const = 0;
     [[nodiscard]] virtual bool HoldsMultipleImages() const { return true; }
     [[nodiscard]] virtual bool TakesFilter() const { return false; }
 

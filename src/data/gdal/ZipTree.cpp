@@ -105,7 +105,7 @@ bool ZipDriver::CanReadPath(DString const &path) const {
     });
 }
 
-std::unique_ptr<Tree> ZipDriver::OpenTree(DString const &url, DString const &) const {
+std::unique_ptr<Tree> ZipDriver::OpenTree(DString const &url, DString const &, DError &) const {
     BDIMoniker const moniker(url, nullptr);
     if (moniker.IsUrl() && !EqualNoCase(ExtensionOf(moniker.GetSource()), "zip"))
         return nullptr;

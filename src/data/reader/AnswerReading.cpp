@@ -16,8 +16,8 @@ DError FailureOf(wire::AnswerT const *answer, DError const &otherwise) {
     error.Set("its reader says nothing of use");
     if (failed != nullptr && !failed->reason.empty())
         error.Set(failed->reason,
-                  failed->cause <= static_cast<std::uint32_t>(Cause::NoAnswer) ? static_cast<Cause>(failed->cause)
-                                                                               : Cause::Unknown,
+                  failed->cause <= static_cast<std::uint32_t>(DError::kLastCause) ? static_cast<Cause>(failed->cause)
+                                                                                  : Cause::Unknown,
                   std::max<std::int64_t>(failed->detail, -1));
     return error;
 }

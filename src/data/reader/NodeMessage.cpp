@@ -1,5 +1,6 @@
 #include "zelvar/data/reader/NodeMessage.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace zelvar {
@@ -10,6 +11,8 @@ BDINode NodeFrom(wire::NodeT &&node) {
     result.path = std::move(node.path);
     result.name = std::move(node.name);
     result.value = std::move(node.value);
+    result.size = std::max<std::int64_t>(node.size, -1);
+    result.modified = node.modified;
     return result;
 }
 
@@ -19,6 +22,8 @@ std::unique_ptr<wire::NodeT> ToWire(BDINode const &node) {
     result->path = node.path;
     result->name = node.name;
     result->value = node.value;
+    result->size = node.size;
+    result->modified = node.modified;
     return result;
 }
 

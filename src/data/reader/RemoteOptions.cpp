@@ -1,5 +1,6 @@
 #include "zelvar/data/reader/RemoteOptions.h"
 
+#include "zelvar/base/TypedSecrets.h"
 #include "zelvar/data/DriverProvider.h"
 #include "zelvar/data/reader/AnswerReading.h"
 #include "zelvar/data/reader/OptionMessage.h"
@@ -13,7 +14,7 @@ Readers::Answer Ask(DString const &driverId, DString const &moniker) {
     EnsureDrivers(); // they have time of their own
     wire::DescribeOptionsT body;
     body.driver = driverId;
-    body.moniker = moniker;
+    body.moniker = WithSecrets(moniker);
     Readers::Call const call{.kind = RequestKind::Probe, .what = "options", .subject = moniker};
     return Readers::Instance().Ask(call, std::move(body));
 }

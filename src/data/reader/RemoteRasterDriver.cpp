@@ -1,5 +1,6 @@
 #include "zelvar/data/reader/RemoteRasterDriver.h"
 
+#include "zelvar/base/TypedSecrets.h"
 #include "zelvar/data/RDIDriverMngr.h"
 #include "zelvar/data/reader/AnswerReading.h"
 #include "zelvar/data/reader/Places.h"
@@ -37,6 +38,7 @@ Image &Of(void *handle) { return *static_cast<Image *>(handle); }
 template <class Body>
 Readers::Answer AskAbout(Image &image, char const *what, RequestKind kind, Body body, std::size_t pixelBytes = 0) {
     body.image = std::make_unique<wire::ImageSpecT>(image.spec);
+    body.image->moniker = WithSecrets(std::move(body.image->moniker)); // for the reader, which connects
     Readers::Call const call{.kind = kind,
                              .what = what,
                              .subject = image.spec.moniker,
@@ -111,10 +113,11 @@ bool Read(Image &image, wire::ReadPixelsT body, std::optional<std::size_t> bytes
 
 std::vector<DString> RemoteRasterDriver::Probe(char const *path, bool family) const {
     wire::ProbeImageT body;
-    body.path = path == nullptr ? "" : path;
+    DString const asked = path == nullptr ? "" : path;
+    body.path = WithSecrets(asked);
     body.driver = m_facts.id;
     body.family = family;
-    Readers::Call const call{.kind = RequestKind::Probe, .what = "probe", .subject = body.path};
+    Readers::Call const call{.kind = RequestKind::Probe, .what = "probe", .subject = asked};
     Readers::Answer const answer = Readers::Instance().Ask(call, std::move(body));
     wire::ProbedT const *const probed = BodyOf<wire::ProbedT>(answer.message.get());
     return probed == nullptr ? std::vector<DString>() : probed->drivers;
@@ -134,7 +137,7 @@ std::optional<std::size_t> RemoteRasterDriver::FindMyFile(std::vector<DString> c
         for (; end < paths.size() && end - first < kFilesTogether; ++end) {
             if (Readers::Instance().Verdicts().Has(paths[end]) || ServerOf(paths[end]) != server)
                 break;
-            body.paths.push_back(paths[end]);
+            body.paths.push_back(WithSecrets(paths[end]));
         }
         Readers::Answer answer;
         if (end > first) {

@@ -1,5 +1,6 @@
 #include "zelvar/data/reader/RemoteTableDriver.h"
 
+#include "zelvar/base/TypedSecrets.h"
 #include "zelvar/data/reader/AnswerReading.h"
 #include "zelvar/data/reader/Readers.h"
 #include "zelvar/data/tables/ADIDriverMngr.h"
@@ -26,6 +27,7 @@ Table &Of(void *handle) { return *static_cast<Table *>(handle); }
 template <class Body>
 Readers::Answer AskAbout(Table &table, char const *what, Body body, std::size_t memory = 0) {
     body.table = std::make_unique<wire::TableSpecT>(table.spec);
+    body.table->moniker = WithSecrets(std::move(body.table->moniker)); // for the reader, which connects
     Readers::Call const call{.kind = RequestKind::Properties,
                              .what = what,
                              .subject = table.spec.moniker,

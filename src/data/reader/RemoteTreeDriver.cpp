@@ -1,5 +1,6 @@
 #include "zelvar/data/reader/RemoteTreeDriver.h"
 
+#include "zelvar/base/TypedSecrets.h"
 #include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/data/reader/AnswerReading.h"
 #include "zelvar/data/reader/Readers.h"
@@ -15,6 +16,7 @@ namespace {
 struct Repository {
     wire::TreeSpecT spec;
     int reader = 0; ///< that has it open, as far as we know
+    DError walkError;
 };
 
 struct Walk {
@@ -24,20 +26,27 @@ struct Walk {
 
 Repository &Of(void *repository) { return *static_cast<Repository *>(repository); }
 
-std::unique_ptr<wire::TreeSpecT> Copy(wire::TreeSpecT const &spec) { return std::make_unique<wire::TreeSpecT>(spec); }
+/// For the reader, which connects.
+std::unique_ptr<wire::TreeSpecT> Copy(wire::TreeSpecT const &spec) {
+    auto copy = std::make_unique<wire::TreeSpecT>(spec);
+    copy->url = WithSecrets(std::move(copy->url));
+    return copy;
+}
 
-/// Asks about an open tree. Null if there is no such answer.
+/// Asks about an open tree. Null if there is no such answer, with the reason in `error`.
 template <class Wanted, class Body>
-std::unique_ptr<Wanted> AskAbout(Repository &repository, char const *what, Body body) {
+std::unique_ptr<Wanted> AskAbout(Repository &repository, char const *what, Body body, DError &error) {
     body.tree = Copy(repository.spec);
     Readers::Call const call{
         .kind = RequestKind::List, .what = what, .subject = repository.spec.url, .preferred = repository.reader};
     Readers::Answer answer = Readers::Instance().Ask(call, std::move(body));
-    if (answer.message == nullptr)
-        return nullptr;
-    repository.reader = answer.reader;
+    if (answer.message != nullptr)
+        repository.reader = answer.reader;
     auto *const told = BodyOf<Wanted>(answer.message.get());
-    return told == nullptr ? nullptr : std::make_unique<Wanted>(std::move(*told));
+    if (told != nullptr)
+        return std::make_unique<Wanted>(std::move(*told));
+    error = FailureOf(answer.message.get(), answer.error);
+    return nullptr;
 }
 
 } // namespace
@@ -50,16 +59,20 @@ int RemoteTreeDriver::GetAttrInt(char const *name) const {
 
 bool RemoteTreeDriver::CanReadPath(DString const &path) const { return TreeProbes::Reads(m_facts.id, path); }
 
-void *RemoteTreeDriver::Open(char const *url, BDIDrvr **opener, BDINode **root, char const *filter, bool family) {
+void *RemoteTreeDriver::OpenRepositoryOrSay(char const *url, bool inFamily, BDIDrvr **opener, BDINode **root,
+                                            char const *filter, DError *error) {
     if (url == nullptr || *url == '\0')
         return nullptr;
     auto repository = std::make_unique<Repository>();
     repository->spec.id = Readers::Instance().NextId();
     repository->spec.driver = m_facts.id;
-    repository->spec.family = family;
-    repository->spec.url = url;
+    repository->spec.family = inFamily;
+    repository->spec.url = TakeSecrets(url);
     repository->spec.filter = filter == nullptr ? "" : filter;
-    auto const opened = AskAbout<wire::TreeOpenedT>(*repository, "tree", wire::OpenTreeT());
+    DError failure;
+    auto const opened = AskAbout<wire::TreeOpenedT>(*repository, "tree", wire::OpenTreeT(), failure);
+    if (error != nullptr)
+        *error = failure;
     if (opened == nullptr || opened->root == nullptr)
         return nullptr;
     BDIDrvr *const named = BDIDrvrMngr::Instance()->GetDrvr(opened->driver.c_str());
@@ -70,11 +83,11 @@ void *RemoteTreeDriver::Open(char const *url, BDIDrvr **opener, BDINode **root, 
 
 void *RemoteTreeDriver::OpenRepository(char const *url, BDINode **root, char const *filter) {
     BDIDrvr *opener = nullptr;
-    return Open(url, &opener, root, filter, false);
+    return OpenRepositoryOrSay(url, false, &opener, root, filter, nullptr);
 }
 
 void *RemoteTreeDriver::OpenRepositoryInFamily(char const *url, BDIDrvr **opener, BDINode **root, char const *filter) {
-    return Open(url, opener, root, filter, true);
+    return OpenRepositoryOrSay(url, true, opener, root, filter, nullptr);
 }
 
 void RemoteTreeDriver::CloseRepository(void *repository) {
@@ -91,7 +104,8 @@ BDINode *RemoteTreeDriver::OpenNode(void *repository, char const *path) {
         return nullptr;
     wire::FindNodeT body;
     body.path = path;
-    auto const found = AskAbout<wire::NodeFoundT>(Of(repository), "node", std::move(body));
+    DError failure;
+    auto const found = AskAbout<wire::NodeFoundT>(Of(repository), "node", std::move(body), failure);
     return found == nullptr || found->node == nullptr ? nullptr : new BDINode(NodeFrom(std::move(*found->node)));
 }
 
@@ -105,7 +119,9 @@ void *RemoteTreeDriver::FindFirstChildNode(void *repository, BDINode const *node
     wire::ListChildrenT body;
     body.parent = ToWire(*node);
     body.mask = mask;
-    auto const listed = AskAbout<wire::ChildrenT>(Of(repository), "children", std::move(body));
+    Of(repository).walkError.Clear();
+    auto const listed =
+        AskAbout<wire::ChildrenT>(Of(repository), "children", std::move(body), Of(repository).walkError);
     if (listed == nullptr || listed->nodes.empty())
         return nullptr;
     auto walk = std::make_unique<Walk>();
@@ -116,6 +132,10 @@ void *RemoteTreeDriver::FindFirstChildNode(void *repository, BDINode const *node
 BDINode const *RemoteTreeDriver::FindNextChildNode(void *find) {
     auto *walk = static_cast<Walk *>(find);
     return walk != nullptr && walk->next < walk->children.size() ? &walk->children[walk->next++] : nullptr;
+}
+
+DError RemoteTreeDriver::GetWalkError(void *repository) const {
+    return repository == nullptr ? DError() : Of(repository).walkError;
 }
 
 void RemoteTreeDriver::FindClose(void *find) { delete static_cast<Walk *>(find); }

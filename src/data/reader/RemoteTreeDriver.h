@@ -21,16 +21,17 @@ public:
     void *OpenRepository(char const *url, BDINode **root, char const *filter) override;
     void CloseRepository(void *repository) override;
     void *OpenRepositoryInFamily(char const *url, BDIDrvr **opener, BDINode **root, char const *filter) override;
+    void *OpenRepositoryOrSay(char const *url, bool inFamily, BDIDrvr **opener, BDINode **root, char const *filter,
+                              DError *error) override;
     BDINode *OpenNode(void *repository, char const *path) override;
     BDINode *CloneNode(BDINode const *node) override;
     void CloseNode(BDINode *node) override;
     void *FindFirstChildNode(void *repository, BDINode const *node, int mask) override;
     BDINode const *FindNextChildNode(void *find) override;
     void FindClose(void *find) override;
+    [[nodiscard]] DError GetWalkError(void *repository) const override;
 
 private:
-    void *Open(char const *url, BDIDrvr **opener, BDINode **root, char const *filter, bool family);
-
     wire::DriverFactsT m_facts;
 };
 

@@ -2,6 +2,7 @@
 
 #include "zelvar/base/Aside.h"
 #include "zelvar/base/PathStyle.h"
+#include "zelvar/base/TypedSecrets.h"
 #include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/data/reader/Readers.h"
 #include "zelvar/data/reader/RemoteTreeDriver.h"
@@ -76,7 +77,7 @@ Probe AskAlone(DString const &path, DString const &id) {
     if (!Holds(asked, id))
         asked.insert(asked.begin(), id);
     wire::ProbeTreesT body;
-    body.path = path;
+    body.path = WithSecrets(path);
     body.drivers = asked;
     probe.asked = std::make_shared<std::vector<DString>>(std::move(asked));
     Readers::Call const call{.kind = RequestKind::Probe, .what = "probe", .subject = path};
@@ -139,7 +140,7 @@ public:
         }
         for (std::size_t i = first; i < m_files.size(); ++i) {
             body.files.push_back(std::make_unique<wire::ProbedFileT>());
-            body.files.back()->path = m_files[i].file.path;
+            body.files.back()->path = WithSecrets(m_files[i].file.path);
             body.files.back()->set = m_files[i].set->second;
         }
         return body;

@@ -1,6 +1,7 @@
 #include "zelvar/platform/os/SmbAddress.h"
 
 #include "zelvar/base/Hex.h"
+#include "zelvar/base/TypedSecrets.h"
 
 namespace zelvar::platform {
 
@@ -31,7 +32,8 @@ bool IsSmbAddress(std::string_view text) { return StartsWithNoCase(text, kScheme
 std::optional<SmbAddress> ParseSmbAddress(std::string_view text) {
     if (!IsSmbAddress(text))
         return std::nullopt;
-    std::vector<DString> const pieces = Split(text.substr(kScheme.size()), '/');
+    DString const shown = TakeSecrets(DString(text));
+    std::vector<DString> const pieces = Split(std::string_view(shown).substr(kScheme.size()), '/');
     SmbAddress address;
     address.authority = pieces.front();
     if (address.authority.empty())

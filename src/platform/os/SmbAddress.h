@@ -7,7 +7,8 @@
 
 namespace zelvar::platform {
 
-/// An address "smb://[user[:password]@]host[:port]/share/folder/file" taken apart.
+/// An address "smb://[user[:password]@]host[:port]/share/folder/file" taken apart. The password is not part of it: see
+/// `TakeSecrets`.
 struct SmbAddress {
     DString authority;          ///< host, with user and port where they are given, as written
     std::vector<DString> parts; ///< share, folders, file; plain bytes

@@ -2,6 +2,7 @@
 
 #include "zelvar/base/FileDescriptor.h"
 #include "zelvar/base/Report.h"
+#include "zelvar/base/TypedSecrets.h"
 #include "zelvar/platform/os/TcpProbe.h"
 
 #include <algorithm>
@@ -250,7 +251,7 @@ bool SmbClient::DoesAnswer(SmbAddress const &address) {
 }
 
 std::error_code SmbClient::List(SmbAddress const &address, std::function<bool(SmbEntry &&)> const &visit) {
-    DString const url = ToText(address);
+    DString const url = WithSecrets(ToText(address));
     std::unique_lock<std::mutex> lock;
     std::error_code error;
     SMBCCTX *const context = m_impl->Begin(address.authority, lock, error);
@@ -284,7 +285,7 @@ std::optional<SmbEntry> SmbClient::Stat(SmbAddress const &address) {
     if (context == nullptr)
         return std::nullopt;
     struct stat status {};
-    DString const url = ToText(address);
+    DString const url = WithSecrets(ToText(address));
     if (m_impl->Conclude(address.authority, m_impl->library.stat(context)(context, url.c_str(), &status) == 0))
         return std::nullopt;
     SmbEntry entry{.name = address.parts.back(), .kind = ShellKind::Directory, .times = {}, .inode = status.st_ino};
@@ -315,7 +316,7 @@ SmbFile *SmbClient::OpenFile(SmbAddress const &address) {
     SMBCCTX *const context = m_impl->ContextFor(address.authority);
     if (context == nullptr)
         return nullptr;
-    SMBCFILE *const file = m_impl->library.open(context)(context, ToText(address).c_str(), O_RDONLY, 0);
+    SMBCFILE *const file = m_impl->library.open(context)(context, WithSecrets(ToText(address)).c_str(), O_RDONLY, 0);
     return file == nullptr ? nullptr : new SmbFile{context, file, entry->times.size};
 }
 
