@@ -18,8 +18,11 @@ void Require(bool condition) {
 }
 
 /// The parts of a moniker are parts of its text, and options joined to it are found again.
-void CheckMoniker(zelvar::DString const &text) {
-    zelvar::BDIMoniker const moniker(text, nullptr);
+void CheckMoniker(zelvar::DString const &written) {
+    zelvar::BDIMoniker const moniker(written, nullptr);
+    zelvar::DString const text = moniker.GetText(); // without passwords, which addresses alone have
+    Require(text == written || written.find("://") != zelvar::DString::npos);
+    Require(zelvar::BDIMoniker(text, nullptr).GetText() == text);
     Require(text.starts_with(moniker.GetSource()));
     for (auto const &[name, value] : moniker.GetOptions())
         Require(text.find(name) != zelvar::DString::npos && text.find(value) != zelvar::DString::npos);

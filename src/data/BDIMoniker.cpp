@@ -1,6 +1,7 @@
 #include "zelvar/data/BDIMoniker.h"
 
 #include "zelvar/base/PathStyle.h"
+#include "zelvar/base/TypedSecrets.h"
 #include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/data/DataFolderLook.h"
 #include "zelvar/data/RequestScope.h"
@@ -135,6 +136,11 @@ struct BDIMoniker::Opened {
             driver->CloseRepository(repository);
     }
 };
+
+BDIMoniker::BDIMoniker(DString text, BDIDrvr *driver)
+    // A path on disk is what it is, whatever stands in its names.
+    : m_text(text.starts_with('/') && !text.starts_with("/vsi") ? std::move(text) : TakeSecrets(std::move(text))),
+      m_driver(driver) {}
 
 BDIMoniker BDIMoniker::OfPath(DString path, DString const &options, BDIDrvr *driver) {
     std::size_t const length = path.size();

@@ -2,7 +2,6 @@
 
 #include "zelvar/base/DString.h"
 #include "zelvar/base/Percent.h"
-#include "zelvar/base/TypedSecrets.h"
 
 #include <memory>
 #include <utility>
@@ -22,8 +21,8 @@ class BDINode;
 class ZELVAR_API BDIMoniker {
 public:
     BDIMoniker() = default;
-    /// A password in an address is taken out of it, see `TakeSecrets`.
-    BDIMoniker(DString text, BDIDrvr *driver) : m_text(TakeSecrets(std::move(text))), m_driver(driver) {}
+    /// A password in an address is taken out of it and remembered for this process: a moniker never holds one.
+    BDIMoniker(DString text, BDIDrvr *driver);
     /// That of a path on disk, whatever it holds and whether anything is there; `options` as for `WithOptions`, but
     /// behind a "?" of the path's they follow an "&".
     [[nodiscard]] static BDIMoniker OfPath(DString path, DString const &options, BDIDrvr *driver);

@@ -167,7 +167,7 @@ void DlgOpenDS::GoToDir(DString const &path, bool report) {
             return;
     }
     if (item == nullptr) {
-        if (report && error.IsSet())
+        if (report && error.IsSet() && m_forecast != nullptr)
             Report::UserNotification("Cannot access '%s' path: %s", path.c_str(), CauseInWords(error).c_str());
         else if (report)
             Report::UserNotification("Cannot access '%s' path", path.c_str());
