@@ -84,6 +84,7 @@ void BDIDrvrMngr::Add(std::unique_ptr<BDIDrvr> driver) {
     m_impl->table.Add(std::move(driver), multiple);
 }
 
+// NOLINTNEXTLINE(readability-convert-member-functions-to-static): called of the manager as the rest
 void BDIDrvrMngr::Reset() { ForgetDrivers(); }
 
 } // namespace zelvar

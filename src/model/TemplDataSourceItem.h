@@ -20,7 +20,7 @@ public:
     static TemplDataSourceItem *CreateItem(XMLNode const *definition);
     /// Root of an opened file or address, with `driver` or, if it is null or does not open, the first that does. Null
     /// if nothing opens, with the reason in `*error`, which may be null.
-    static TemplDataSourceItem *CreateItem(BDIDrvr *driver, char const *path, RefItemPtr<DataSourceItem> parent,
+    static TemplDataSourceItem *CreateItem(BDIDrvr *driver, char const *typed, RefItemPtr<DataSourceItem> parent,
                                            DError *error = nullptr);
     /// The node at `path` in the tree of `root`, an item of ours; null if there is none.
     static TemplDataSourceItem *CreateNodeItem(RefItemPtr<TemplDataSourceItem> const &root, char const *path);

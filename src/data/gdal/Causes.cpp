@@ -105,9 +105,9 @@ Cause CauseOf(int number, std::string_view words) {
 /// Not what GDAL says of itself where a format opens nothing without a word.
 bool IsTelling(GdalError const &error) { return error.text.find("not recognized as") == DString::npos; }
 
-DError Because(DString text, Cause cause, std::int64_t detail = -1) {
+DError Because(DString const &text, Cause cause, std::int64_t detail = -1) {
     DError error;
-    error.Set(std::move(text), cause, detail);
+    error.Set(text, cause, detail);
     return error;
 }
 

@@ -149,7 +149,7 @@ private:
         if (std::size_t const begin = said.find("<Code>"); begin != std::string_view::npos && talk.m_code.empty()) {
             std::string_view const rest = said.substr(begin + 6);
             std::size_t const end = rest.find("</Code>");
-            if (end != std::string_view::npos && end <= kLongestCode)
+            if (end <= kLongestCode)
                 talk.m_code = ToValidUtf8(rest.substr(0, end));
         }
         if (level == CE_Debug)

@@ -26,7 +26,7 @@ std::optional<Number> NumberOf(std::string_view text) {
 unsigned MonthOf(std::string_view text) {
     if (auto const number = NumberOf<unsigned>(text))
         return *number <= kMonths.size() ? *number : 0;
-    auto const at =
+    auto const *const at =
         std::find_if(kMonths.begin(), kMonths.end(), [&](std::string_view m) { return EqualNoCase(m, text); });
     return at == kMonths.end() ? 0 : static_cast<unsigned>(at - kMonths.begin()) + 1;
 }
@@ -131,9 +131,9 @@ DString WithoutEntities(std::string_view text) {
 
 /// The position of `sought`, letters in any case and in lower case there; none behind `end`.
 std::size_t FindTag(std::string_view text, std::string_view sought, std::size_t from, std::size_t end) {
-    auto const at = std::search(text.begin() + static_cast<std::ptrdiff_t>(std::min(from, end)),
-                                text.begin() + static_cast<std::ptrdiff_t>(end), sought.begin(), sought.end(),
-                                [](char a, char b) { return (a >= 'A' && a <= 'Z' ? a | 0x20 : a) == b; });
+    auto const *const at = std::search(text.begin() + static_cast<std::ptrdiff_t>(std::min(from, end)),
+                                       text.begin() + static_cast<std::ptrdiff_t>(end), sought.begin(), sought.end(),
+                                       [](char a, char b) { return (a >= 'A' && a <= 'Z' ? a | 0x20 : a) == b; });
     auto const found = static_cast<std::size_t>(at - text.begin());
     return found == end && !sought.empty() ? kNone : found;
 }
@@ -193,11 +193,10 @@ void ReadFigures(std::string_view tail, FolderEntry &entry) {
 bool IsIndexPage(std::string_view page) {
     constexpr std::size_t head = 8192;
     std::size_t const end = std::min(page.size(), head);
-    for (std::string_view const word : {"<title>index of", "<h1>index of", "<h2>index of", "<title>listing of",
-                                        "<h1>listing of", "directory listing for"})
-        if (FindTag(page, word, 0, end) != kNone)
-            return true;
-    return false;
+    constexpr std::string_view words[] = {"<title>index of",   "<h1>index of",   "<h2>index of",
+                                          "<title>listing of", "<h1>listing of", "directory listing for"};
+    return std::any_of(std::begin(words), std::end(words),
+                       [&](std::string_view word) { return FindTag(page, word, 0, end) != kNone; });
 }
 
 } // namespace

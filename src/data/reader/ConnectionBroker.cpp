@@ -19,9 +19,9 @@ using std::chrono::milliseconds;
 
 constexpr std::size_t kMostNames = 1000;
 
-DError Because(DString text, Cause cause) {
+DError Because(DString const &text, Cause cause) {
     DError error;
-    error.Set(std::move(text), cause);
+    error.Set(text, cause);
     return error;
 }
 
