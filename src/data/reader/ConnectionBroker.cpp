@@ -195,9 +195,9 @@ FileDescriptor ConnectionBroker::Connect(Number const &number, std::uint16_t por
 FileDescriptor ConnectionBroker::ConnectByProxy(HostAndPort const &to, Proxy const &proxy, Patience const &patience,
                                                 int &error) {
     DString const name = "the proxy " + TextOf(proxy.place);
-    auto const fail = [&](DString text, int why) {
+    auto const fail = [&](DString const &text, int why) {
         error = why;
-        NoteFailure(to.host, Because(std::move(text), Cause::NoAnswer));
+        NoteFailure(to.host, Because(text, Cause::NoAnswer));
         return FileDescriptor(-1);
     };
     if (!proxy.refusal.empty())
