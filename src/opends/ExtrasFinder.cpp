@@ -50,12 +50,8 @@ void ExtrasFinder::TellDriverOf(Question const &question, Answer &answer) const 
 }
 
 bool ExtrasFinder::WorkOnNext() {
-    std::optional<Question> question;
-    if (!TakeNext([&] {
-            question = std::exchange(m_pending, std::nullopt);
-            m_stop = false;
-            return question.has_value();
-        }))
+    std::optional<Question> const question = TakeNext(m_pending, m_stop);
+    if (!question)
         return false;
     Answer answer{question->extras.FindFirstOptions(question->items, m_stop)};
     if (answer.options == nullptr && question->drivers == Drivers::Ask && !question->items.empty())

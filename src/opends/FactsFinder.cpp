@@ -69,12 +69,8 @@ void FactsFinder::Answer(Question const &question) {
 }
 
 bool FactsFinder::WorkOnNext() {
-    std::optional<Question> question;
-    if (!TakeNext([&] {
-            question = std::exchange(m_pending, std::nullopt);
-            m_stop = false;
-            return question.has_value();
-        }))
+    std::optional<Question> const question = TakeNext(m_pending, m_stop);
+    if (!question)
         return false;
     std::ignore = setpriority(PRIO_PROCESS, static_cast<id_t>(gettid()), kNiceness); // it only helps
     Answer(*question);

@@ -1,10 +1,14 @@
 #pragma once
 
 #include "zelvar/base/DThread.h"
+#include "zelvar/data/StopSignal.h"
 
 #include <condition_variable>
 #include <memory>
 #include <mutex>
+#include <optional>
+#include <tuple>
+#include <utility>
 
 namespace zelvar {
 
@@ -56,6 +60,18 @@ protected:
         m_self.reset(); // the body still holds it
         m_idle.notify_all();
         return false;
+    }
+    /// The same for one question that waits: moves it out, and takes the stop of the one before back.
+    template <class Question>
+    [[nodiscard]] std::optional<Question> TakeNext(std::optional<Question> &pending, StopSignal &stop) {
+        std::optional<Question> question;
+        std::ignore = TakeNext([&] {
+            question = std::exchange(pending, std::nullopt);
+            if (question)
+                stop = false;
+            return question.has_value();
+        });
+        return question;
     }
     /// Does what waits; false if there is nothing.
     virtual bool WorkOnNext() = 0;
