@@ -23,12 +23,10 @@ FolderFolding::FolderFolding(platform::ShellNamespace const &shell, platform::Sh
     : m_shell(shell), m_folding(folding), m_mask(mask), m_maySlow(platform::MayBlockAt(shell.Path(folder))) {}
 
 void FolderFolding::Add(ShellChild &&child) {
-    if (child.kind == ShellKind::File) {
-        m_names += child.name;
-        m_nameEnds.push_back(m_names.size());
+    if (child.kind == ShellKind::File)
         m_files.push_back(static_cast<std::uint32_t>(m_children.size()));
-    }
-    m_children.push_back(std::move(child));
+    m_names += child.name;
+    m_children.push_back({std::move(child.id), child.kind, child.link, child.file, m_names.size()});
 }
 
 std::optional<DataFolder> FolderFolding::LookInto(ShellChild const &child) {
@@ -47,20 +45,22 @@ std::optional<DataFolder> FolderFolding::LookInto(ShellChild const &child) {
     return found ? std::optional(found->kind) : std::nullopt;
 }
 
-void FolderFolding::Finish(IsStopped const &isStopped, std::function<void(Row &&)> const &takeRow,
+void FolderFolding::Finish(IsStopped const &isStopped, std::function<void(Row &)> const &takeRow,
                            std::function<void(SeriesRow &&)> const &takeSeries) {
     std::vector<std::string_view> names;
     std::vector<bool> isWanted;
     names.reserve(m_files.size());
     isWanted.reserve(m_files.size());
-    std::size_t begin = 0;
-    for (std::size_t const end : m_nameEnds) {
-        names.push_back(std::string_view(m_names).substr(begin, end - begin));
-        isWanted.push_back(NtwDataSourceItemItr::IsListed(names.back(), m_mask));
-        begin = end;
+    std::size_t nameBegin = 0;
+    for (Kept const &child : m_children) {
+        if (child.kind == ShellKind::File) {
+            names.push_back(std::string_view(m_names).substr(nameBegin, child.nameEnd - nameBegin));
+            isWanted.push_back(NtwDataSourceItemItr::IsListed(names.back(), m_mask));
+        }
+        nameBegin = child.nameEnd;
     }
     DataSetPlan plan = PlanDataSets(names, isWanted, m_folding);
-    auto const file = [&](std::uint32_t place) -> ShellChild & { return m_children[m_files[place]]; };
+    auto const file = [&](std::uint32_t place) -> Kept const & { return m_children[m_files[place]]; };
     std::vector<std::int64_t> beside(m_files.size());
     for (std::uint32_t i = 0; i < m_files.size(); ++i)
         if (plan.masters[i] != i)
@@ -76,24 +76,31 @@ void FolderFolding::Finish(IsStopped const &isStopped, std::function<void(Row &&
         all.push_back(std::move(row));
     }
     std::uint32_t next = 0; // file
-    for (ShellChild &child : m_children) {
+    Row row;                // one for all, so that its text keeps its memory
+    nameBegin = 0;
+    for (Kept &child : m_children) {
         if (isStopped())
             return;
-        if (child.kind != ShellKind::File) {
-            std::optional<DataFolder> const data = LookInto(child);
-            takeRow({std::move(child), 0, data});
+        std::string_view const name = std::string_view(m_names).substr(nameBegin, child.nameEnd - nameBegin);
+        nameBegin = child.nameEnd;
+        bool const isFile = child.kind == ShellKind::File;
+        std::uint32_t const place = isFile ? next++ : 0;
+        if (isFile && (!isWanted[place] || plan.masters[place] != place || plan.isMember[place]))
             continue;
-        }
-        std::uint32_t const place = next++;
-        if (isWanted[place] && plan.masters[place] == place && !plan.isMember[place])
-            takeRow({std::move(child), beside[place]});
+        row.child.id = std::move(child.id);
+        row.child.name.assign(name);
+        row.child.kind = child.kind;
+        row.child.link = child.link;
+        row.child.file = child.file;
+        row.beside = isFile ? beside[place] : 0;
+        row.data = isFile ? std::nullopt : LookInto(row.child);
+        takeRow(row);
     }
-    for (SeriesRow &row : all)
+    for (SeriesRow &series : all)
         if (!isStopped())
-            takeSeries(std::move(row));
+            takeSeries(std::move(series));
     m_children.clear();
     m_names.clear();
-    m_nameEnds.clear();
     m_files.clear();
 }
 

@@ -34,21 +34,28 @@ public:
 
     void Add(platform::ShellChild &&child);
     /// Takes what was added. Rows come in the order of the children, and behind them the series in that of their first
-    /// members; fewer of them if it is stopped.
-    void Finish(IsStopped const &isStopped, std::function<void(Row &&)> const &takeRow,
+    /// members; fewer of them if it is stopped. What is shown may be moved from.
+    void Finish(IsStopped const &isStopped, std::function<void(Row &)> const &takeRow,
                 std::function<void(SeriesRow &&)> const &takeSeries);
 
 private:
     using Clock = std::chrono::steady_clock;
+    /// A child without its name, which stands among `m_names`.
+    struct Kept {
+        platform::ShellId id;
+        platform::ShellKind kind = platform::ShellKind::Unknown;
+        bool link = false;
+        FileState file;
+        std::size_t nameEnd = 0;
+    };
     [[nodiscard]] std::optional<DataFolder> LookInto(platform::ShellChild const &child);
 
     platform::ShellNamespace const &m_shell;
     DataSetFolding m_folding;
     std::string_view m_mask;
-    bool m_maySlow;                              ///< to look into many folders may take long there
-    std::deque<platform::ShellChild> m_children; ///< they stay where they are while more come
-    DString m_names;                             ///< of the files, one behind the other: they are read several times
-    std::vector<std::size_t> m_nameEnds;
+    bool m_maySlow;                     ///< to look into many folders may take long there
+    std::deque<Kept> m_children;        ///< they stay where they are while more come
+    DString m_names;                    ///< of the children, one behind the other: they are read several times
     std::vector<std::uint32_t> m_files; ///< their places among the children
     Clock::duration m_looked{};
 };

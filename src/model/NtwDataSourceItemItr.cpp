@@ -186,7 +186,7 @@ void NtwDataSourceItemItr::Fill(platform::ShellId const &folder, DataSourceItem:
     m_error = taken ? *taken : shell.Enumerate(folder, ShellNamespace::Purpose::Browse, visit, isWanted);
     if (folded)
         folded->Finish(
-            isStopped, [&](FolderFolding::Row &&row) { children.Add(std::move(row)); },
+            isStopped, [&](FolderFolding::Row &row) { children.Add(std::move(row)); },
             [&](FolderFolding::SeriesRow &&row) { children.AddSeries(shell.Path(folder), std::move(row)); });
     children.Finish();
     CreateCursor();

@@ -3,6 +3,7 @@
 #include "zelvar/model/datasets/HashedPlaces.h"
 
 #include <algorithm>
+#include <iterator>
 #include <numeric>
 #include <utility>
 
@@ -107,6 +108,7 @@ private:
 /// Names that agree in all but their numbers, with these, one row a name.
 class Group {
 public:
+    /// `members` in the order of their numbers.
     Group(NumberedNames const &names, std::vector<std::uint32_t> members)
         : m_names(names), m_members(std::move(members)) {
         m_columns = names.Numbers(m_members.front()).size();
@@ -121,16 +123,9 @@ public:
         for (std::uint32_t const member : m_members)
             for (Number const &number : names.Numbers(member))
                 m_values.push_back(number.value);
-        m_order.resize(m_members.size());
-        std::iota(m_order.begin(), m_order.end(), 0U);
-        std::sort(m_order.begin(), m_order.end(), [this](std::uint32_t a, std::uint32_t b) {
-            std::uint64_t const *const rowA = &m_values[a * m_columns];
-            std::uint64_t const *const rowB = &m_values[b * m_columns];
-            return std::lexicographical_compare(rowA, rowA + m_columns, rowB, rowB + m_columns);
-        });
     }
 
-    void AddSeries(std::vector<FoundSeries> &found) const { AddSeries(0, m_order.size(), 0, found); }
+    void AddSeries(std::vector<FoundSeries> &found) const { AddSeries(0, m_members.size(), 0, found); }
 
 private:
     /// A number with leading zeros beyond the shortest one's length is written in another way.
@@ -145,7 +140,7 @@ private:
     }
 
     [[nodiscard]] std::uint64_t Value(std::size_t row, std::size_t column) const {
-        return m_values[m_order[row] * m_columns + column];
+        return m_values[row * m_columns + column];
     }
 
     /// What a column runs through in these rows.
@@ -227,7 +222,7 @@ private:
         if (series.name.Ranges().empty() || series.name.Slots() / 2 > end - begin)
             return std::nullopt;
         for (std::size_t row = begin; row < end; ++row) {
-            series.members.push_back(m_names.Place(m_members[m_order[row]]));
+            series.members.push_back(m_names.Place(m_members[row]));
             SeriesName::Values values;
             for (std::size_t const column : columns)
                 values.push_back(Value(row, column));
@@ -240,33 +235,64 @@ private:
     std::vector<std::uint32_t> m_members; ///< among the numbered names
     std::vector<DString> m_texts;         ///< before, between and behind the numbers
     std::size_t m_columns = 0;
-    std::vector<int> m_digits; ///< fewest, by column
-    std::vector<std::uint64_t> m_values;
-    std::vector<std::uint32_t> m_order; ///< rows in the order of their numbers
+    std::vector<int> m_digits;           ///< fewest, by column
+    std::vector<std::uint64_t> m_values; ///< row by row
 };
 
 } // namespace
 
 struct SeriesFinder::Groups {
-    explicit Groups(std::span<std::string_view const> names) : numbered(names), groupOf(numbered.Size()) {
+    explicit Groups(std::span<std::string_view const> names) : numbered(names) {
         HashedPlaces byHash(numbered.Size());
         std::vector<std::uint64_t> hashes; // of a group
+        std::vector<std::uint32_t> counts;
+        std::vector<std::uint32_t> groupOf(numbered.Size());
         for (std::uint32_t i = 0; i < numbered.Size(); ++i) {
             std::uint64_t const hash = numbered.Hash(i);
             std::uint32_t &group = byHash.At(hash, [&](std::uint32_t other) { return hashes[other] == hash; });
             if (group == HashedPlaces::kNone) {
                 group = static_cast<std::uint32_t>(hashes.size());
                 hashes.push_back(hash);
+                counts.push_back(0);
             }
             groupOf[i] = group;
+            ++counts[group];
         }
-        count = hashes.size();
+        std::vector<std::vector<std::uint32_t>> byGroup(hashes.size());
+        for (std::uint32_t i = 0; i < numbered.Size(); ++i)
+            if (counts[groupOf[i]] >= kFewest)
+                byGroup[groupOf[i]].push_back(i);
+        for (std::vector<std::uint32_t> &alike : byGroup)
+            if (!alike.empty())
+                Add(std::move(alike));
     }
 
     NumberedNames numbered;
-    /// By the hash of what they agree in; what only shares it with others is told apart later.
-    std::vector<std::uint32_t> groupOf;
-    std::size_t count = 0;
+    /// Names that agree in all but their numbers, in the order of these; those with enough names alone.
+    std::vector<std::vector<std::uint32_t>> members;
+
+private:
+    void Add(std::vector<std::uint32_t> alike) {
+        std::uint32_t const first = alike.front();
+        // Some may share no more than a hash.
+        std::erase_if(alike, [&](std::uint32_t member) { return !numbered.AgreeInTexts(first, member); });
+        std::size_t const columns = numbered.Numbers(first).size();
+        std::vector<std::uint64_t> values;
+        values.reserve(alike.size() * columns);
+        for (std::uint32_t const member : alike)
+            for (Number const &number : numbered.Numbers(member))
+                values.push_back(number.value);
+        std::vector<std::uint32_t> order(alike.size());
+        std::iota(order.begin(), order.end(), 0U);
+        std::sort(order.begin(), order.end(), [&](std::uint32_t a, std::uint32_t b) {
+            std::uint64_t const *const rowA = &values[a * columns];
+            std::uint64_t const *const rowB = &values[b * columns];
+            return std::lexicographical_compare(rowA, rowA + columns, rowB, rowB + columns);
+        });
+        for (std::uint32_t &row : order)
+            row = alike[row];
+        members.push_back(std::move(order));
+    }
 };
 
 SeriesFinder::SeriesFinder(std::span<std::string_view const> names) : m_groups(std::make_unique<Groups>(names)) {}
@@ -275,20 +301,14 @@ SeriesFinder::~SeriesFinder() = default;
 
 std::vector<FoundSeries> SeriesFinder::Find(std::vector<bool> const &isWanted) const {
     NumberedNames const &numbered = m_groups->numbered;
-    std::vector<std::uint32_t> counts(m_groups->count);
-    for (std::uint32_t i = 0; i < numbered.Size(); ++i)
-        counts[m_groups->groupOf[i]] += isWanted[numbered.Place(i)] ? 1U : 0U;
-    std::vector<std::vector<std::uint32_t>> members(m_groups->count);
-    for (std::uint32_t i = 0; i < numbered.Size(); ++i)
-        if (isWanted[numbered.Place(i)] && counts[m_groups->groupOf[i]] >= kFewest)
-            members[m_groups->groupOf[i]].push_back(i);
     std::vector<FoundSeries> found;
-    for (std::vector<std::uint32_t> &alike : members) {
-        if (alike.empty())
-            continue;
-        std::uint32_t const first = alike.front();
-        std::erase_if(alike, [&](std::uint32_t member) { return !numbered.AgreeInTexts(first, member); });
-        Group(numbered, std::move(alike)).AddSeries(found);
+    for (std::vector<std::uint32_t> const &alike : m_groups->members) {
+        std::vector<std::uint32_t> members;
+        members.reserve(alike.size());
+        std::copy_if(alike.begin(), alike.end(), std::back_inserter(members),
+                     [&](std::uint32_t member) { return isWanted[numbered.Place(member)]; });
+        if (members.size() >= kFewest)
+            Group(numbered, std::move(members)).AddSeries(found);
     }
     std::sort(found.begin(), found.end(),
               [](FoundSeries const &a, FoundSeries const &b) { return a.members.front() < b.members.front(); });
