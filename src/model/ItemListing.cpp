@@ -106,6 +106,18 @@ ListingFacts FactsOf(DataSourceItem const &item, ListingSort sort) {
     return facts;
 }
 
+ListedItem Listed(RefItemPtr<DataSourceItem> item) {
+    ListedItem line;
+    line.kind = KindOf(*item);
+    line.size = item->GetFileSize();
+    if (SystemTime time; item->GetModificationTime(time))
+        line.time = time;
+    line.name = item->GetName();
+    line.path = item->GetPath();
+    line.item = std::move(item);
+    return line;
+}
+
 std::vector<ListedItem> ListItems(RefItemPtr<DataSourceItem> const &place, ItemListingOptions const &options) {
     std::vector<ListedItem> lines;
     if (!place)
@@ -113,16 +125,8 @@ std::vector<ListedItem> ListItems(RefItemPtr<DataSourceItem> const &place, ItemL
     RequestScope const scope(RequestKind::List, [&options] { return IsStopped(options); });
     Items const items = Sorted(Collect(place, options), options);
     lines.reserve(items.size());
-    for (RefItemPtr<DataSourceItem> const &item : items) {
-        ListedItem &line = lines.emplace_back();
-        line.kind = KindOf(*item);
-        line.size = item->GetFileSize();
-        if (SystemTime time; item->GetModificationTime(time))
-            line.time = time;
-        line.name = item->GetName();
-        line.path = item->GetPath();
-        line.item = item;
-    }
+    for (RefItemPtr<DataSourceItem> const &item : items)
+        lines.push_back(Listed(item));
     return lines;
 }
 

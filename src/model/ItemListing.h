@@ -47,6 +47,9 @@ struct ListedItem {
 /// The facts that order an item in a list by that key.
 [[nodiscard]] ZELVAR_API ListingFacts FactsOf(DataSourceItem const &item, ListingSort sort);
 
+/// The line of an item.
+[[nodiscard]] ZELVAR_API ListedItem Listed(RefItemPtr<DataSourceItem> item);
+
 /// Lists what lies in `place`. What cannot be read is left out; a listing that was stopped is shorter, and nobody hears
 /// of that.
 [[nodiscard]] ZELVAR_API std::vector<ListedItem> ListItems(RefItemPtr<DataSourceItem> const &place,

@@ -141,6 +141,12 @@ NtwDataSourceItem *NtwDataSourceItem::CreateChild(platform::ShellChild const &ch
     return item.release();
 }
 
+NtwDataSourceItem *NtwDataSourceItem::CreateUnasked(platform::ShellChild const &child,
+                                                    RefItemPtr<DataSourceItem> parent) {
+    constexpr int kLookedUpLate = -1;
+    return CreateChild(child, parent, nullptr, kLookedUpLate, Asked::ByNobody);
+}
+
 NtwDataSourceItem::~NtwDataSourceItem() = default;
 
 bool NtwDataSourceItem::InitItem(char const *driverId, Asked asked) {

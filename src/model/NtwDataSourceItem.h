@@ -35,6 +35,10 @@ public:
     /// The same for a path or `smb://` address; null if nothing is there, or if its place does not answer.
     static NtwDataSourceItem *CreateItem(char const *path, RefItemPtr<DataSourceItem> parent, char const *driverId);
 
+    /// A child as an enumeration has told it; nobody is asked what lies in a file, see `MayTurnOutContainer`. Any
+    /// thread; null for what is no thing.
+    static NtwDataSourceItem *CreateUnasked(platform::ShellChild const &child, RefItemPtr<DataSourceItem> parent);
+
     /// A folder on a server that does not answer, without a look at it; null if the path names no place.
     static NtwDataSourceItem *CreateUnreachable(char const *path);
 

@@ -7,6 +7,7 @@ namespace zelvar::tool {
 // One function a subcommand; each gets the words behind its name and answers with the exit code. Lines for scripts go
 // to stdout, one clear line of what went wrong to stderr.
 int RunLs(std::vector<DString> const &words);
+int RunFind(std::vector<DString> const &words);
 int RunInfo(std::vector<DString> const &words);
 int RunSources(std::vector<DString> const &words);
 int RunSettings(std::vector<DString> const &words);

@@ -1,12 +1,11 @@
-#include "zelvar/base/ByteEscapes.h"
 #include "zelvar/data/reader/DriverModule.h"
 #include "zelvar/model/ItemListing.h"
 #include "zelvar/model/NtwDataSourceItem.h"
 #include "zelvar/model/PlaceResolver.h"
-#include "zelvar/model/SeriesItem.h"
 #include "zelvar/model/TemplDataSourceItem.h"
 #include "zelvar/tool/CommandTable.h"
 #include "zelvar/tool/Commands.h"
+#include "zelvar/tool/ItemLines.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -18,58 +17,6 @@ namespace zelvar::tool {
 namespace {
 
 CommandSpec const &kSpec = SpecOf("ls");
-
-void PutNumber(DString &out, unsigned number, std::size_t digits) {
-    DString const text = std::to_string(number);
-    out.append(digits - std::min(digits, text.size()), '0').append(text);
-}
-
-DString TimeText(SystemTime const &time) {
-    DString text;
-    PutNumber(text, time.wYear, 4);
-    for (auto const &[separator, number] :
-         {std::pair{'-', time.wMonth}, {'-', time.wDay}, {'T', time.wHour}, {':', time.wMinute}, {':', time.wSecond}}) {
-        text += separator;
-        PutNumber(text, number, 2);
-    }
-    return text;
-}
-
-/// A JSON string: control bytes as JSON has them, bytes that are not UTF-8 as the text \xHH, which a command takes
-/// back.
-DString JsonText(DString const &bytes) {
-    DString json = "\"";
-    for (char const c : EscapeToUtf8(bytes)) {
-        if (c == '"' || c == '\\')
-            json += DString{'\\', c};
-        else if (static_cast<unsigned char>(c) < 0x20)
-            json += Format("\\u%04x", static_cast<unsigned>(c));
-        else
-            json += c;
-    }
-    return json + "\"";
-}
-
-DString LineOf(ListedItem const &item) {
-    DString line = ToText(item.kind);
-    line.append("\t").append(std::to_string(item.size));
-    line.append("\t").append(item.time ? TimeText(*item.time) : "-");
-    line.append("\t").append(EscapeControlBytes(item.name));
-    line.append("\t").append(EscapeControlBytes(item.path));
-    if (auto const *const series = dynamic_cast<SeriesItem const *>(item.item.get()))
-        line.append("\t").append(series->Summary());
-    return line.append("\n");
-}
-
-DString JsonOf(ListedItem const &item) {
-    DString line = "\n  {\"kind\": \"";
-    line.append(ToText(item.kind)).append("\", \"size\": ").append(std::to_string(item.size));
-    line.append(", \"time\": ").append(item.time ? JsonText(TimeText(*item.time)) : "null");
-    line.append(", \"name\": ").append(JsonText(item.name));
-    if (auto const *const series = dynamic_cast<SeriesItem const *>(item.item.get()))
-        line.append(", \"members\": ").append(JsonText(series->Summary()));
-    return line.append(", \"path\": ").append(JsonText(item.path)).append("}");
-}
 
 /// What was left out, and what to call the place that was named.
 class Unread {
@@ -98,8 +45,6 @@ private:
     bool m_hasPlace = false;
     bool m_hasAny = false;
 };
-
-void Print(DString const &text) { std::fwrite(text.data(), 1, text.size(), stdout); }
 
 void PrintItems(std::vector<ListedItem> const &items, bool asJson) {
     if (!asJson) {

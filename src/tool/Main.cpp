@@ -38,6 +38,8 @@ int Run(int argc, char **argv) {
     zelvar::UseDefinedConnections();
     if (command == "ls")
         return RunLs(words);
+    if (command == "find")
+        return RunFind(words);
     if (command == "info")
         return RunInfo(words);
     if (command == "sources")

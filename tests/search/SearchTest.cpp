@@ -1,0 +1,187 @@
+#include "zelvar/search/Search.h"
+
+#include "support/ImageFiles.h"
+#include "support/RealDriversTest.h"
+#include "zelvar/data/DriverProvider.h"
+#include "zelvar/model/PlaceResolver.h"
+
+#include <filesystem>
+
+namespace zelvar {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::ElementsAre;
+using testing::UnorderedElementsAre;
+using Kind = SearchQuery::Kind;
+
+TEST(SearchQuery, APartIsAMaskAndAMaskIsOne) {
+    for (auto const &[name, masks] : std::map<DString, DString>{{"scan", "*scan*"},
+                                                                {"*.tif", "*.tif"},
+                                                                {"scan; *.tif;;a?b", "*scan*;*.tif;a?b"},
+                                                                {"a[1]", "*a[1]*"},
+                                                                {" ; ", ""},
+                                                                {"", ""}})
+        EXPECT_EQ(MasksOf(name), masks) << name;
+    EXPECT_TRUE(SearchQuery{.name = "SCAN"}.MatchesName("my scan.tif"));
+    EXPECT_FALSE(SearchQuery{.name = "scan*"}.MatchesName("my scan.tif"));
+}
+
+TEST(SearchQuery, BoundsAreIncludedAndWhatIsNotKnownIsOutside) {
+    SearchQuery const query{.bytes = {.least = 10, .most = 20}, .modified = {.least = 5}};
+    for (auto const &[size, modified, is] : {std::tuple{10, 5, true},
+                                             {20, 9, true},
+                                             {9, 5, false},
+                                             {21, 5, false},
+                                             {-1, 5, false},
+                                             {15, 4, false},
+                                             {15, 0, false}})
+        EXPECT_EQ(query.MatchesState({.size = size, .modified = modified}), is) << size << " " << modified;
+    ItemFacts const facts{ItemFacts::Kind::Image, 2000, 100, 3, 1, 7, RDI_UInt16, "GeoTIFF"};
+    for (auto const &[asked, is] :
+         std::vector<std::pair<SearchQuery, bool>>{{{.kind = Kind::Image}, true},
+                                                   {{.format = "tiff", .width = {1900, 2100}, .frames = {7, {}}}, true},
+                                                   {{.width = {{}, 1999}}, false},
+                                                   {{.height = {101, {}}}, false},
+                                                   {{.channels = {3, 3}, .slices = {2, {}}}, false},
+                                                   {{.dataTypes = RDI_UInt8 | RDI_UInt16}, true},
+                                                   {{.dataTypes = RDI_Float32}, false},
+                                                   {{.format = "png"}, false}})
+        EXPECT_EQ(asked.NeedsFacts() && asked.MatchesFacts(facts), is);
+    EXPECT_FALSE(SearchQuery{.kind = Kind::Image}.MatchesFacts({}));
+}
+
+struct FactsStoreTest : testing::Test {
+    static FactsStore::Known Row(int i) {
+        return {{"/data/\xFF" + std::to_string(i), i, std::int64_t{7} * i},
+                {ItemFacts::Kind::Image, i, i + 1, i + 2, i + 3, i + 4, RDI_Int16, "Format " + std::to_string(i)}};
+    }
+    test::TempFolder m_folder;
+    DString const m_file = m_folder / "below/facts.db";
+};
+
+TEST_F(FactsStoreTest, WhatWasKeptIsKnownByPathSizeAndTime) {
+    std::vector const rows{Row(1), Row(2)};
+    FactsStore(m_file).Keep(rows);
+    FactsStore store(m_file);
+    std::vector<FactsStore::Key> keys{rows[1].first, rows[0].first, rows[0].first, rows[0].first, {"/other", 1, 7}};
+    keys[2].size = 99;
+    keys[3].modified = 99;
+    EXPECT_THAT(store.Find(keys),
+                ElementsAre(rows[1].second, rows[0].second, std::nullopt, std::nullopt, std::nullopt));
+    FactsStore::Known changed = rows[0];
+    changed.second = {};
+    store.Keep({&changed, 1});
+    EXPECT_THAT(store.Find({keys.data() + 1, 1}), ElementsAre(ItemFacts{}));
+    EXPECT_EQ(fs::status(m_file.c_str()).permissions() & fs::perms::others_all, fs::perms::none);
+}
+
+TEST_F(FactsStoreTest, WhatWasKeptFirstGoesWhenThereIsTooMuch) {
+    constexpr int kRows = 20'000;
+    constexpr std::int64_t kMost = 512 << 10U;
+    FactsStore store(m_file, kMost);
+    for (int i = 0; i < kRows; i += 100) {
+        std::vector<FactsStore::Known> rows;
+        for (int row = i; row < i + 100; ++row)
+            rows.push_back(Row(row));
+        store.Keep(rows);
+    }
+    EXPECT_LT(fs::file_size(m_file.c_str()), 2 * kMost);
+    std::vector const keys{Row(0).first, Row(kRows - 1).first};
+    EXPECT_THAT(store.Find(keys), ElementsAre(std::nullopt, Row(kRows - 1).second));
+}
+
+TEST_F(FactsStoreTest, ADamagedFileIsSetAsideAndOneThatCannotBeMadeIsNone) {
+    std::vector const rows{Row(1)};
+    std::vector const keys{rows[0].first};
+    m_folder.Write("damaged.db", std::string(2000, 'x'));
+    FactsStore store(m_folder / "damaged.db");
+    store.Keep(rows);
+    EXPECT_THAT(store.Find(keys), ElementsAre(rows[0].second));
+    EXPECT_TRUE(fs::exists((m_folder / "damaged.db.damaged").c_str()));
+
+    FactsStore(m_file).Keep(rows);
+    fs::resize_file(m_file.c_str(), fs::file_size(m_file.c_str()) / 2);
+    FactsStore cut(m_file);
+    EXPECT_THAT(cut.Find(keys), ElementsAre(std::nullopt));
+    cut.Keep(rows);
+    EXPECT_THAT(cut.Find(keys), ElementsAre(rows[0].second));
+
+    for (DString const &file : {DString(), DString("/proc/no/facts.db")}) {
+        FactsStore none(file);
+        none.Keep(rows);
+        EXPECT_THAT(none.Find(keys), ElementsAre(std::nullopt));
+    }
+}
+
+struct SearchTest : test::RealDriversTest {
+    ~SearchTest() override { SetDriverProvider({}); }
+
+    std::vector<DString> Names(SearchQuery const &query, bool onlyOne = false) {
+        StopSignal stop{false};
+        std::vector<DString> names;
+        m_progress = Search(query, &m_store).Run(ItemFromPlace(m_folder / "place"), stop, [&](SearchHit &&hit) {
+            names.push_back(hit.item->GetName());
+            stop = onlyOne;
+        });
+        return names;
+    }
+    FactsStore m_store{m_folder / "facts.db"};
+    SearchProgress m_progress;
+};
+
+TEST_F(SearchTest, NamesAreFoundNearestFirstAndLinksEnd) {
+    for (char const *const name : {"place/deep/er/scan 1.txt", "place/scan.txt", "place/b/Scan 2.dat", "place/b/other"})
+        m_folder.Write(name, "x");
+    fs::create_directory_symlink((m_folder / "place").c_str(), (m_folder / "place/b/scans again").c_str());
+    EXPECT_THAT(Names({.name = "scan", .kind = Kind::File}), ElementsAre("scan.txt", "Scan 2.dat", "scan 1.txt"));
+    EXPECT_EQ(m_progress.hits, 3);
+    EXPECT_EQ(m_progress.folders, 4) << "the link leads to one that was entered";
+    EXPECT_THAT(Names({.name = "scan*", .kind = Kind::Folder}), ElementsAre("scans again"));
+    EXPECT_THAT(Names({.name = "scan", .bytes = {2, {}}}), ElementsAre());
+    EXPECT_THAT(Names({.name = "scan", .kind = Kind::File}, true), ElementsAre("scan.txt"));
+}
+
+TEST_F(SearchTest, FactsComeFromReadersOnceAndFromTheStoreThen) {
+    m_folder.Folder("place/deep");
+    test::WriteImage(m_folder / "place/a.tif", {.width = 20, .channels = 3});
+    test::WriteImage(m_folder / "place/deep/b.tif", {.width = 40});
+    test::WriteImage(m_folder / "place/deep/c.png", {.width = 40, .format = "PNG"});
+    m_folder.Write("place/no.tif", "no image");
+    m_folder.Write("place/text.txt", "nobody opens it");
+    SearchQuery const wide{.width = {30, {}}};
+    EXPECT_THAT(Names(wide), UnorderedElementsAre("b.tif", "c.png"));
+    EXPECT_GE(m_progress.asked, 4);
+    EXPECT_THAT(Names({.format = "tiff", .width = {30, {}}}), ElementsAre("b.tif"));
+    EXPECT_THAT(Names({.name = "*.tif", .channels = {3, 3}}), ElementsAre("a.tif"));
+    EXPECT_THAT(Names({.kind = Kind::Image, .dataTypes = RDI_Float32}), ElementsAre());
+
+    // Of another file behind the same name, size and time, what is known is what counts: it is not read.
+    DString const path = m_folder / "place/deep/b.tif";
+    auto const time = fs::last_write_time(path.c_str());
+    m_folder.Write("place/deep/b.tif", std::string(fs::file_size(path.c_str()), 'x'));
+    fs::last_write_time(path.c_str(), time);
+    EXPECT_THAT(Names(wide), UnorderedElementsAre("b.tif", "c.png"));
+    fs::last_write_time(path.c_str(), time + std::chrono::seconds(1));
+    EXPECT_THAT(Names(wide), ElementsAre("c.png"));
+}
+
+TEST_F(SearchTest, ContainersAreLookedIntoWhereThatIsAskedFor) {
+    m_folder.Folder("place");
+    test::WritePages(m_folder / "place/three.tif", 3);
+    test::WriteImage(m_folder / "place/one.tif");
+    EXPECT_THAT(Names({.kind = Kind::Container}), ElementsAre("three.tif"));
+    EXPECT_EQ(Names({.kind = Kind::Image, .inside = true}).size(), 5U) << "both files and three pages";
+    EXPECT_EQ(Names({.kind = Kind::Image}).size(), 2U);
+}
+
+TEST_F(SearchTest, AFolderThatIsDataIsFoundLikeAFileAndNotEntered) {
+    m_folder.Write("place/cells.zarr/.zgroup", R"({"zarr_format": 2})");
+    m_folder.Write("place/cells.zarr/0/cells.txt", "x");
+    EXPECT_THAT(Names({.name = "cells"}), ElementsAre("cells.zarr"));
+    EXPECT_THAT(Names({.kind = Kind::DataSet}), ElementsAre("cells.zarr"));
+    EXPECT_THAT(Names({.name = "cells", .kind = Kind::Folder}), ElementsAre());
+}
+
+} // namespace
+} // namespace zelvar
