@@ -3,6 +3,7 @@
 #include "zelvar/base/PathStyle.h"
 #include "zelvar/base/TypedSecrets.h"
 #include "zelvar/data/BDIDrvrMngr.h"
+#include "zelvar/data/Connection.h"
 #include "zelvar/data/DataFolderLook.h"
 #include "zelvar/data/RequestScope.h"
 #include "zelvar/data/SeriesPlace.h"
@@ -232,6 +233,10 @@ DString BDIMoniker::GetPathOnDisk() const {
 
 DString BDIMoniker::GetDisplayName() const {
     DString const source = GetSource();
+    if (IsMapServiceAddress(m_text))
+        for (auto const &[key, value] : GetOptions())
+            if (key == "LAYER" || key == "COVERAGE" || key == "TYPENAME")
+                return PercentDecoded(value);
     if (IsUrl()) {
         std::string_view const address = std::string_view(source).substr(0, source.find_last_not_of('/') + 1);
         return PercentDecoded(FileNameOf(address));

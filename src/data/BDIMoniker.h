@@ -47,7 +47,8 @@ public:
     /// True for an address on the network and for a node inside such a thing. "file://" is none.
     [[nodiscard]] bool IsUrl() const;
     /// What a user knows the item by, and lists are sorted by: the name of its file, and for a node inside a container
-    /// a blank and the node's name behind it. For an address its last element, decoded.
+    /// a blank and the node's name behind it. For an address its last element, decoded; for what lies in a map service
+    /// its name there.
     [[nodiscard]] DString GetDisplayName() const;
     /// The extension of the file behind the moniker, with or without its dot; empty if it has none.
     [[nodiscard]] DString GetFrmtExtn(bool withDot) const;

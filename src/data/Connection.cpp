@@ -41,6 +41,8 @@ constexpr Scheme kSchemes[] = {
     {"wcs+https", MapService, kHttps},
     {"wfs+http", MapService, kHttp},
     {"wfs+https", MapService, kHttps},
+    {"ogc+http", MapService, kHttp},
+    {"ogc+https", MapService, kHttps},
     {"odbc", Odbc, 0},
 };
 
@@ -127,11 +129,18 @@ private:
     std::shared_ptr<ConnectionFinder const> m_finder;
 };
 
-ConnectionTerms TermsOfItself(std::string_view address) {
+/// That of an address; null for none that is known.
+Scheme const *SchemeOf(std::string_view address) {
     std::size_t const colon = address.find("://");
     auto const *const scheme = std::ranges::find_if(
         kSchemes, [&](Scheme const &known) { return EqualNoCase(known.name, address.substr(0, colon)); });
-    if (colon == kNone || scheme == std::end(kSchemes))
+    return colon == kNone || scheme == std::end(kSchemes) ? nullptr : scheme;
+}
+
+ConnectionTerms TermsOfItself(std::string_view address) {
+    std::size_t const colon = address.find("://");
+    Scheme const *const scheme = SchemeOf(address);
+    if (scheme == nullptr)
         return {};
     std::string_view authority = address.substr(colon + 3);
     authority = authority.substr(0, authority.find_first_of("/?#"));
@@ -188,6 +197,11 @@ std::optional<HostAndPort> PlaceIn(std::string_view text, std::uint16_t port) {
 bool MayReach(ConnectionTerms const &terms, std::string_view host, std::uint16_t port) {
     DString const name = LowerCase(host);
     return std::ranges::any_of(terms.hosts, [&](HostAndPort const &allowed) { return Matches(allowed, name, port); });
+}
+
+bool IsMapServiceAddress(std::string_view address) {
+    Scheme const *const scheme = SchemeOf(address);
+    return scheme != nullptr && scheme->kind == MapService;
 }
 
 void SetConnectionFinder(ConnectionFinder finder) { Finder::Instance().Set(std::move(finder)); }

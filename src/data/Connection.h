@@ -45,6 +45,9 @@ struct ConnectionTerms {
 /// Whether the terms allow that host and port; case is not regarded. Port 0 asks whether any port of it is allowed.
 [[nodiscard]] ZELVAR_API bool MayReach(ConnectionTerms const &terms, std::string_view host, std::uint16_t port);
 
+/// Whether an address is that of a map service, or of something in one: "wms+https://...".
+[[nodiscard]] ZELVAR_API bool IsMapServiceAddress(std::string_view address);
+
 /// What is known of the connection that an address belongs to; nothing where none is defined. Any thread.
 using ConnectionFinder = std::function<std::optional<ConnectionTerms>(std::string_view address)>;
 /// Installed by the room that keeps definitions; null for none.

@@ -1,5 +1,6 @@
 #include "zelvar/data/ImageReader.h"
 
+#include "zelvar/data/Connection.h"
 #include "zelvar/data/HistogramReader.h"
 #include "zelvar/data/OpenImage.h"
 #include "zelvar/data/RequestScope.h"
@@ -18,6 +19,7 @@ namespace {
 constexpr int kLongerSide = 1024;                     // pixels of a preview
 constexpr std::int64_t kMostPixels = 0x2008008;       // without a pyramid
 constexpr std::chrono::milliseconds kSeriesTime{250}; // to compare its members
+constexpr int kAnyResolution = 1 << 30;               // pixels; no map that is there is as long
 constexpr int kCubic = RDIDriver::Cubic;
 
 /// Slices lie one under the other and time frames side by side.
@@ -274,6 +276,10 @@ bool ReadImageInfo(BDIMoniker const &moniker, DString const &driverId, StopSigna
     if (!image.IsOpen())
         return false;
     info = Describe(image);
+    if (IsMapServiceAddress(moniker.GetText())) {
+        info.extent = image.Driver().GetAttrString("RDI_Drvr_Extent", image.Handle(), 0);
+        info.isOfAnyResolution = std::max(info.width, info.height) >= kAnyResolution;
+    }
     if (image.Driver().GetId() == kSeriesDriver) {
         info.members = image.Driver().GetAttrString(kSeriesMembers, image.Handle(), 0);
         if (auto const place = SeriesOf(moniker)) {

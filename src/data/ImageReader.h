@@ -15,10 +15,12 @@ struct ImageInfo {
     int slices = 0;
     int timeFrames = 0;
     int dataType = RDI_None;
-    DString driver{};      ///< the driver's description of the file, or its id
-    DString members{};     ///< of a series of files: "118 of 120, missing 17, 64"
-    DString differences{}; ///< between them, as far as there was time to look, see `DifferencesOf`
-    bool differs = false;  ///< members were found that are not like the others
+    bool isOfAnyResolution = false; ///< of a map that is drawn as it is asked for: its size means nothing
+    DString extent{};               ///< of a map: where on the earth it lies, "10, 50 - 13, 52 (EPSG:4326)"
+    DString driver{};               ///< the driver's description of the file, or its id
+    DString members{};              ///< of a series of files: "118 of 120, missing 17, 64"
+    DString differences{};          ///< between them, as far as there was time to look, see `DifferencesOf`
+    bool differs = false;           ///< members were found that are not like the others
 };
 
 /// Reads the properties of the image behind a moniker. False, and `info` unchanged, if it is no image; `*error` then

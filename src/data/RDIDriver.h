@@ -69,6 +69,7 @@ public:
     [[nodiscard]] virtual RDIGeoCoo GetChnlGeoCode(void *handle, int channel) const = 0;
 
     /// "RDI_Drvr_Info": the driver's description of the file; may be empty.
+    /// "RDI_Drvr_Extent": where on the earth a map lies; empty for none.
     /// "RDI_Drvr_NoData": the sample that stands for no data, as a number; empty for none.
     [[nodiscard]] virtual DString GetAttrString(char const *name, void *handle, int channel) const = 0;
     /// "RDI_Drvr_Sppt_Intrnl_RslPrmd": 1 if the file holds a resolution pyramid.

@@ -27,6 +27,7 @@ enum PropertyId {
     kChannels = 5111,
     kMembers = 5112,
     kDifferences = 5113,
+    kExtent = 5114,
     kPath = 5204,
     kDriver = 5205,
     kModified = 5206,
@@ -48,9 +49,10 @@ constexpr std::array<PropertyRow, 11> kRows{{
     {kDriver, Mark("Image"), Mark("Driver")},
 }};
 
-constexpr std::array<PropertyRow, 2> kSeriesRows{{
+constexpr std::array<PropertyRow, 3> kMoreRows{{
     {kMembers, Mark("Image"), Mark("Members")},
     {kDifferences, Mark("Image"), Mark("Differences")},
+    {kExtent, Mark("Image"), Mark("Extent")},
 }};
 
 /// The date in words, as the user's language writes it.
@@ -98,7 +100,7 @@ void ReadFileRows(DString const &path, BDIMoniker const &moniker, PropertyMap &p
 } // namespace
 
 std::span<PropertyRow const> PropertyRows() { return kRows; }
-std::span<PropertyRow const> SeriesPropertyRows() { return kSeriesRows; }
+std::span<PropertyRow const> MorePropertyRows() { return kMoreRows; }
 
 ImageExtent ExtentOf(PropertyMap const &props) {
     auto const number = [&props](PropertyId id) {
@@ -134,6 +136,10 @@ bool ReadItemProperties(DString const &path, DString const &driverId, DString co
     props[kImageWidth] = Format("%d", info.width);
     props[kSlices] = Format("%d", info.slices);
     props[kTimeFrames] = Format("%d", info.timeFrames);
+    if (info.isOfAnyResolution)
+        props[kImageWidth] = props[kImageHeight] = Translated("any resolution");
+    if (!info.extent.empty())
+        props[kExtent] = info.extent;
     props[kDriver] = info.driver;
     props[kDataType] = RDIGetDTName(info.dataType);
     if (info.members.empty())

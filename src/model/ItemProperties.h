@@ -22,8 +22,9 @@ struct PropertyRow {
 };
 /// All rows, in the order in which they are shown.
 [[nodiscard]] ZELVAR_API std::span<PropertyRow const> PropertyRows();
-/// Further ones that a numbered series of files has: its members, and how they differ. The pane has no rows for them.
-[[nodiscard]] ZELVAR_API std::span<PropertyRow const> SeriesPropertyRows();
+/// Further ones that some images have. Of a numbered series of files: its members, and how they differ; of a map: where
+/// it lies. The pane has no rows for them.
+[[nodiscard]] ZELVAR_API std::span<PropertyRow const> MorePropertyRows();
 
 /// How many parts of an image there are to look at; zeros without an image.
 struct ImageExtent {

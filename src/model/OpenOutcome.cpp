@@ -59,7 +59,10 @@ DString Joined(std::vector<DString> const &parts, char const *between = ", ") {
     return text;
 }
 
-DString SizeOf(ImageInfo const &image) { return Format("%d x %d", image.width, image.height); }
+DString SizeOf(ImageInfo const &image) {
+    return image.isOfAnyResolution ? DString(Translated("any resolution"))
+                                   : Format("%d x %d", image.width, image.height);
+}
 DString ChannelsOf(ImageInfo const &image) {
     return Format(Translated("%d channel", "%d channels", image.channels), image.channels);
 }
@@ -90,7 +93,9 @@ DString Describe(ImageInfo const &image, DString const &members) {
                 image.timeFrames > 1
                     ? Format(Translated("%d time frame", "%d time frames", image.timeFrames), image.timeFrames)
                     : DString(),
-                RDIGetDTName(image.dataType), Format(Translated("%s in memory"), BytesInWords(MemoryOf(image)).c_str()),
+                RDIGetDTName(image.dataType),
+                image.isOfAnyResolution ? image.extent
+                                        : Format(Translated("%s in memory"), BytesInWords(MemoryOf(image)).c_str()),
                 members.empty() ? DString() : Format(Translated("files: %s"), members.c_str())});
     return image.driver.empty() ? figures : image.driver + ": " + figures;
 }
@@ -162,6 +167,8 @@ struct Failures {
 } // namespace
 
 std::uint64_t MemoryOf(ImageInfo const &image) {
+    if (image.isOfAnyResolution)
+        return 0;
     std::uint64_t bytes = Count(RDIGetDTSize(image.dataType));
     for (int const factor : {image.width, image.height, image.channels, image.slices, image.timeFrames})
         bytes = Product(bytes, Count(factor));

@@ -50,7 +50,8 @@ struct OpenOutcome {
     DString reason{};     ///< what drivers and the system said against it, in English; empty if that is in the text
 };
 
-/// What the samples of all channels, slices and time frames take in memory, bytes; at most 2^64 - 1.
+/// What the samples of all channels, slices and time frames take in memory, bytes; at most 2^64 - 1. 0 for a map of any
+/// resolution: who opens it says how much of it is read.
 [[nodiscard]] ZELVAR_API std::uint64_t MemoryOf(ImageInfo const &image);
 /// "512 B", "1.5 MB", "24 GB".
 [[nodiscard]] ZELVAR_API DString BytesInWords(std::uint64_t bytes);

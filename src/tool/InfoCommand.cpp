@@ -142,7 +142,7 @@ int RunInfo(std::vector<DString> const &words) {
         return Failure(WithReason("cannot open '" + moniker + "'", path, failure.Text()));
     if (!isImage && IsFault(failure))
         return Failure("cannot read '" + moniker + "': " + failure.Text());
-    for (auto const rows : {PropertyRows(), SeriesPropertyRows()})
+    for (auto const rows : {PropertyRows(), MorePropertyRows()})
         for (PropertyRow const &row : rows)
             if (auto const text = props.find(row.id); text != props.end() && !text->second.empty())
                 std::printf("%s\t%s\n", row.name, EscapeControlBytes(text->second).c_str());

@@ -81,6 +81,11 @@ void HttpServer::Refuse(std::string const &path, int status, std::string body) {
     m_resources[path] = {.bytes = std::move(body), .type = {}, .status = status};
 }
 
+void HttpServer::SendOn(std::string const &path, std::string const &address) {
+    std::lock_guard const lock(m_mutex);
+    m_resources[path] = {.bytes = {}, .type = {}, .status = 302, .location = address};
+}
+
 void HttpServer::Demand(std::string const &login) {
     std::lock_guard const lock(m_mutex);
     m_login = login;
@@ -210,6 +215,8 @@ bool HttpServer::Answer(int connection, std::string const &request) {
     if (!found) {
         std::string head = "HTTP/1.1 " + std::to_string(resource.status) +
                            " No\r\nContent-Length: " + std::to_string(resource.bytes.size()) + "\r\n";
+        if (!resource.location.empty())
+            head += "Location: " + resource.location + "\r\n";
         if (resource.status == 401)
             head += "WWW-Authenticate: Basic realm=\"x\"\r\n";
         SendAll(connection, head + "\r\n" + (line.starts_with("HEAD") ? std::string() : resource.bytes));

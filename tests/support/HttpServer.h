@@ -24,6 +24,8 @@ public:
     /// Answers with that status, a refusal or a failure, and a body where one is given. `path` may follow a method:
     /// "PROPFIND /a/".
     void Refuse(std::string const &path, int status, std::string body = {});
+    /// Sends on to another address.
+    void SendOn(std::string const &path, std::string const &address);
     /// Only who logs in so is served; others are answered 401. "user:password" in base 64.
     void Demand(std::string const &login);
     /// An object store's bucket at "/bucket/", listed in pages of that many keys. Folders are keys that end in "/".
@@ -46,7 +48,8 @@ private:
     struct Resource {
         std::string bytes;
         std::string type;
-        int status = 404; ///< of one without a type, whose bytes are a failure's body
+        int status = 404;          ///< of one without a type, whose bytes are a failure's body
+        std::string location = {}; ///< of one that is elsewhere
     };
     struct Bucket {
         std::vector<std::string> keys; ///< in order

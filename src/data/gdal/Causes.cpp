@@ -2,9 +2,11 @@
 
 #include "zelvar/base/FileDescriptor.h"
 #include "zelvar/base/PathStyle.h"
+#include "zelvar/base/TypedSecrets.h"
 #include "zelvar/data/gdal/Passwords.h"
 #include "zelvar/data/gdal/SmbFiles.h"
 
+#include <cpl_conv.h>
 #include <cpl_error.h>
 #include <cpl_vsi.h>
 #include <cpl_vsi_error.h>
@@ -44,7 +46,8 @@ std::int64_t NumberBehind(std::string_view text, std::initializer_list<std::stri
 }
 
 std::int64_t StatusIn(std::string_view text) {
-    return NumberBehind(text, {"http response code: ", "http error code : ", "http error code: "});
+    return NumberBehind(text,
+                        {"http response code: ", "http error code : ", "http error code: ", "http status code: "});
 }
 
 std::int64_t ByteIn(std::string_view text) {
@@ -60,7 +63,8 @@ DString WordsOf(DString text, Source const &source) {
 }
 
 bool IsAboutCertificate(std::string_view words) {
-    return Says(words, {"ssl certificate", "server certificate", "peer certificate", "certificate problem"});
+    return Says(words, {"ssl certificate", "server certificate", "peer certificate", "certificate problem",
+                        "certificate subject name"});
 }
 
 Cause CauseOf(int number, std::string_view words) {
@@ -125,6 +129,36 @@ DError AskFile(Source const &source) {
     return isEmpty ? Because("\"" + source.diskPath + "\" is empty", Cause::Damaged) : DError();
 }
 
+/// Whether GDAL has a login for the servers that this process asks.
+bool HasLogin(DString const &subject) {
+    return CPLGetConfigOption("GDAL_HTTP_USERPWD", nullptr) != nullptr || WithSecrets(subject) != subject;
+}
+
+/// What is to be said of an address whose server was asked, in place of a library's words where they say too little.
+DString WordsOfServer(DString const &subject, DString const &said, std::int64_t status) {
+    DString const words = FoldCase(said);
+    DString const number = zelvar::Format(" (%d)", static_cast<int>(status));
+    switch (status) {
+    case 401:
+        return (HasLogin(subject) ? "the server does not know the user or the password" : "the server wants a login") +
+               number;
+    case 403:
+        return "the server refuses access" + number;
+    case 404:
+        return "the server has nothing there" + number;
+    default:
+        break;
+    }
+    if (status >= 0 || !IsAboutCertificate(words))
+        return said;
+    std::size_t const begin = subject.find("://") == DString::npos ? 0 : subject.find("://") + 3;
+    DString const authority = subject.substr(begin, subject.find_first_of("/?#", begin) - begin);
+    return "the certificate of " + authority.substr(authority.rfind('@') + 1) +
+           (Says(words, {"subject name"}) ? " is that of another server"
+                                          : " is not trusted: name the file of its authority") +
+           " (" + said + ")";
+}
+
 Cause CauseOfServer(int number, std::string_view words) {
     switch (number) {
     case VSIE_AWSBucketNotFound:
@@ -179,6 +213,8 @@ DError ErrorOf(GdalScope const &scope, Source const &source) {
     DString const words = WordsOf(first.text, source);
     Cause const cause = CauseOf(first.number, words);
     std::int64_t detail = cause == Cause::Server ? StatusIn(words) : -1;
+    if (source.service && cause == Cause::Damaged) // it was the service that has said so
+        return Because(first.text, Cause::Server);
     for (GdalError const &error : scope.Errors())
         if (cause == Cause::Damaged && detail < 0)
             detail = ByteIn(WordsOf(error.text, source));
@@ -203,16 +239,20 @@ DError AskServer(Source const &source) {
     DString const words = FoldCase(said);
     Cause const cause = CauseOfServer(VSIGetLastErrorNo(), words);
     VSICurlPartialClearCache(source.name.c_str()); // else the next one that asks is not told
-    return Because("\"" + source.text + "\": " + (said.empty() ? DString("the server does not give it") : said), cause,
-                   cause == Cause::Server ? StatusIn(words) : -1);
+    std::int64_t const status = cause == Cause::Server ? StatusIn(words) : -1;
+    return Because(
+        "\"" + source.text +
+            "\": " + (said.empty() ? DString("the server does not give it") : WordsOfServer(source.text, said, status)),
+        cause, status);
 }
 
 DError ErrorOfServer(DString const &subject, DString const &said) {
     DString const words = FoldCase(said);
     std::int64_t const status = StatusIn(words);
     Cause const cause = status >= 0 ? Cause::Server : IsAboutCertificate(words) ? Cause::Untrusted : Cause::NoAnswer;
-    return Because("\"" + subject + "\": " + (said.empty() ? DString("its server does not answer") : said), cause,
-                   status);
+    return Because("\"" + subject + "\": " +
+                       (said.empty() ? DString("its server does not answer") : WordsOfServer(subject, said, status)),
+                   cause, status);
 }
 
 DError ErrorOfStore(DString const &subject, DString const &code, DString const &said) {

@@ -148,6 +148,8 @@ std::optional<BDINode> InnerMembers::Find(DString const &path) const {
 }
 
 std::optional<Members> ListMembers(Source const &source, Format const *only, DError *error) {
+    if (source.service)
+        return std::nullopt; // it has a tree of its own
     // Why a file holds no members would take another look at it.
     DError *const reason = source.reach == Reach::Network ? error : nullptr;
     OpenedSource const opened = Open(source, GDAL_OF_RASTER | GDAL_OF_VECTOR, only, reason);

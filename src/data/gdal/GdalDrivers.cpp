@@ -7,6 +7,7 @@
 #include "zelvar/data/gdal/DataFolderTree.h"
 #include "zelvar/data/gdal/FolderTree.h"
 #include "zelvar/data/gdal/GdalPlugin.h"
+#include "zelvar/data/gdal/MapServiceTree.h"
 #include "zelvar/data/gdal/RasterDriver.h"
 #include "zelvar/data/gdal/TableDriver.h"
 #include "zelvar/data/gdal/ZipTree.h"
@@ -21,6 +22,7 @@ void RegisterGdalDrivers() {
     // Places and archives come first: no format reads them as they are.
     for (gdal::FolderKind const kind : {gdal::FolderKind::Directory, gdal::FolderKind::Smb, gdal::FolderKind::Web})
         trees.Add(std::make_unique<gdal::FolderDriver>(kind));
+    trees.Add(std::make_unique<gdal::MapServiceDriver>());
     trees.Add(std::make_unique<gdal::ZipDriver>());
     for (gdal::Format const &format : gdal::Formats::Instance().All()) {
         trees.Add(std::make_unique<gdal::ContainerDriver>(format));

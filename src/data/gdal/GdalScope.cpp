@@ -44,7 +44,7 @@ constexpr Setting kUnlessSet[] = {
     {"GDAL_HTTP_TIMEOUT", "30"},        {"GDAL_HTTP_CONNECTTIMEOUT", "5"},
     {"GDAL_HTTP_LOW_SPEED_TIME", "10"}, {"GDAL_HTTP_LOW_SPEED_LIMIT", "1"},
     {"GDAL_HTTP_MAX_RETRY", "0"},       {"CPL_AWS_AUTODETECT_EC2", "NO"}, // would ask a server that nobody named
-    {"CPL_MACHINE_IS_GCE", "NO"},
+    {"CPL_MACHINE_IS_GCE", "NO"},       {"OGR_WFS_PAGE_SIZE", "1000"},    // rows of a request
 };
 /// Nobody listens on that port: whoever passes the two bars before this one ends here.
 constexpr Setting kBarred[] = {

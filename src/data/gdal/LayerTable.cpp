@@ -52,6 +52,7 @@ bool LayerTable::OpenLayer(Source const &source, Format const *only, DError *err
         return false;
     m_dataset = std::move(opened.dataset);
     m_format = opened.format;
+    m_isOfService = source.service.has_value();
     return ChooseLayer(source.layer, error);
 }
 
@@ -142,6 +143,7 @@ bool LayerTable::Step() {
     m_feature.reset(OGR_L_GetNextFeature(m_layer));
     // Some formats make up a row where the file has ended early.
     bool const isMadeUp = CPLGetLastErrorType() >= CE_Failure && CPLGetLastErrorNo() == CPLE_FileIO;
+    m_hasFailed = m_isOfService && m_feature == nullptr && CPLGetLastErrorType() >= CE_Failure;
     return m_feature != nullptr && !isMadeUp;
 }
 

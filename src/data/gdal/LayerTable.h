@@ -41,6 +41,7 @@ private:
     [[nodiscard]] DString RealText(std::size_t column) const;
 
     DatasetPtr m_dataset;
+    bool m_isOfService = false;
     void *m_layer = nullptr; ///< GDAL's handle, the data set's
     Format const *m_format = nullptr;
     std::vector<Field> m_fields;

@@ -2,6 +2,7 @@
 
 #include "zelvar/data/RDIDriverMngr.h"
 #include "zelvar/data/gdal/Causes.h"
+#include "zelvar/data/gdal/MapService.h"
 #include "zelvar/data/gdal/RasterReading.h"
 #include "zelvar/data/gdal/SliceGrid.h"
 #include "zelvar/data/gdal/Source.h"
@@ -247,10 +248,12 @@ DString RasterDriver::GetAttrString(char const *name, void *handle, int channel)
         double const nodata = band == nullptr ? std::nan("") : NodataOf(band);
         return std::isnan(nodata) ? DString() : zelvar::Format("%.17g", nodata);
     }
-    if (std::strcmp(name, "RDI_Drvr_Info") != 0)
-        return {};
     Image const &image = Of(handle);
     GdalScope const scope(image.reach);
+    if (std::strcmp(name, "RDI_Drvr_Extent") == 0)
+        return ExtentInWords(image.dataset);
+    if (std::strcmp(name, "RDI_Drvr_Info") != 0)
+        return {};
     char const *compression = GDALGetMetadataItem(Raw(image.dataset), "COMPRESSION", "IMAGE_STRUCTURE");
     bool const told = compression == nullptr || image.format->name.find(compression) != DString::npos;
     return told ? image.format->name : image.format->name + ", " + compression;

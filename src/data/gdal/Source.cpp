@@ -7,6 +7,7 @@
 #include "zelvar/data/gdal/Causes.h"
 #include "zelvar/data/gdal/DataFolders.h"
 #include "zelvar/data/gdal/LandsatScene.h"
+#include "zelvar/data/gdal/MapService.h"
 #include "zelvar/data/gdal/OpenOptions.h"
 #include "zelvar/data/gdal/Siblings.h"
 #include "zelvar/data/gdal/SmbFiles.h"
@@ -173,6 +174,13 @@ DString VirtualNameOf(DString const &url) {
 
 std::optional<Source> Resolve(BDIMoniker const &moniker, DError *error) {
     Source source;
+    if (auto service = services::ParseServiceAddress(moniker.GetText())) {
+        source.text = moniker.GetText();
+        source.reach = Reach::Network;
+        source.layer = service->type;
+        source.service = std::move(service);
+        return source;
+    }
     auto options = moniker.GetOptions();
     source.text = moniker.GetSource() + TakeQuery(moniker, options);
     source.name = source.text;
@@ -254,16 +262,22 @@ std::vector<Format const *> IdentifyAmong(Source const &source, unsigned flags, 
 } // namespace
 
 Format const *Identify(Source const &source, unsigned flags, Format const *only) {
+    if (source.service)
+        return FormatOfService(*source.service, flags);
     std::vector<Format const *> const found = IdentifyAmong(source, flags, only, 1);
     return found.empty() ? nullptr : found.front();
 }
 
 std::vector<Format const *> IdentifyAll(Source const &source, unsigned flags) {
     constexpr std::size_t kMost = 8;
+    if (Format const *const ofService = source.service ? FormatOfService(*source.service, flags) : nullptr)
+        return {ofService};
     return IdentifyAmong(source, flags, nullptr, kMost);
 }
 
 OpenedSource Open(Source const &source, unsigned flags, Format const *only, DError *error) {
+    if (source.service)
+        return OpenInService(source, flags, only, error);
     GdalScope const scope(source.reach);
     std::vector<char const *> allowed = AllowedFor(source, only);
     if (source.folder == DataFolder::Landsat)

@@ -4,6 +4,7 @@
 #include "zelvar/data/BDIMoniker.h"
 #include "zelvar/data/gdal/Formats.h"
 #include "zelvar/data/gdal/GdalScope.h"
+#include "zelvar/data/gdal/services/ServiceAddress.h"
 #include "zelvar/model/datasets/DataFolder.h"
 
 #include <optional>
@@ -34,6 +35,7 @@ struct Source {
     DString layer;                    ///< the one layer meant; empty for all
     DString group;                    ///< the one group of members meant; empty for the whole
     std::vector<std::pair<DString, DString>> options;
+    std::optional<services::ServiceAddress> service; ///< of a thing in a map service, which has no other name
 };
 
 /// Nothing, with the reason in `*error` (may be null), unless the moniker names a plain file that is there, a folder

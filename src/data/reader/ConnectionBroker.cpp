@@ -40,7 +40,7 @@ DError ReasonOf(HostAndPort const &place, int error, milliseconds time) {
     case ENETUNREACH:
         return Because(name + " cannot be reached", Cause::NoAnswer);
     case EACCES:
-        return Because("it leads to " + name + ", which is no host of its connection", Cause::Refused);
+        return Because("the server sends on to " + name + ", which is no host of its connection", Cause::Refused);
     default:
         return Because(name + ": " + std::strerror(error), Cause::NoAnswer);
     }

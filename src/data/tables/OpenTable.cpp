@@ -9,7 +9,8 @@ bool OpenTable::StepCounted() {
         ++m_next;
         return true;
     }
-    m_end = m_next;
+    if (!m_hasFailed)
+        m_end = m_next;
     return false;
 }
 
@@ -28,6 +29,7 @@ bool OpenTable::GoTo(std::int64_t row) {
 bool OpenTable::ReadRows(std::int64_t first, int most, ADIRows &rows) {
     rows = {};
     rows.first = first;
+    m_hasFailed = false;
     rows.isEnd = m_end >= 0 && first >= m_end;
     if (rows.isEnd)
         return true;
@@ -52,7 +54,7 @@ bool OpenTable::ReadRows(std::int64_t first, int most, ADIRows &rows) {
         ++rows.count;
     }
     rows.isEnd = m_end >= 0 && first + rows.count >= m_end;
-    return true;
+    return !m_hasFailed;
 }
 
 } // namespace zelvar

@@ -47,6 +47,7 @@ protected:
 
     std::vector<ADIColumn> m_columns;
     DString m_encodingName;
+    bool m_hasFailed = false; ///< `Step` found that a server did not give the row: that is not the end of the table
 
 private:
     [[nodiscard]] bool GoTo(std::int64_t row);
