@@ -159,6 +159,23 @@ DString WordsOfServer(DString const &subject, DString const &said, std::int64_t 
            " (" + said + ")";
 }
 
+/// Of a map service: a status, or its own words. Libraries tell first what they made of its answer.
+DError ErrorOfService(std::vector<GdalError> const &errors, DString const &subject) {
+    DString words;
+    for (GdalError const &error : errors) {
+        if (std::int64_t const status = StatusIn(FoldCase(error.text)); status >= 0) {
+            DString const told = WordsOfServer(subject, {}, status);
+            return Because(
+                "\"" + subject +
+                    "\": " + (told.empty() ? zelvar::Format("the server answers %d", static_cast<int>(status)) : told),
+                Cause::Server, status);
+        }
+        if (words.empty() && error.number != CPLE_OpenFailed)
+            words = error.text;
+    }
+    return Because("\"" + subject + "\": " + (words.empty() ? errors.front().text : words), Cause::Server);
+}
+
 Cause CauseOfServer(int number, std::string_view words) {
     switch (number) {
     case VSIE_AWSBucketNotFound:
@@ -208,13 +225,13 @@ DError::Cause CauseOfErrno(int error) {
 DError ErrorOf(GdalScope const &scope, Source const &source) {
     if (scope.Errors().empty())
         return {};
+    if (source.service)
+        return ErrorOfService(scope.Errors(), source.text);
     auto const telling = std::find_if(scope.Errors().begin(), scope.Errors().end(), IsTelling);
     GdalError const &first = telling == scope.Errors().end() ? scope.Errors().front() : *telling;
     DString const words = WordsOf(first.text, source);
     Cause const cause = CauseOf(first.number, words);
     std::int64_t detail = cause == Cause::Server ? StatusIn(words) : -1;
-    if (source.service && cause == Cause::Damaged) // it was the service that has said so
-        return Because(first.text, Cause::Server);
     for (GdalError const &error : scope.Errors())
         if (cause == Cause::Damaged && detail < 0)
             detail = ByteIn(WordsOf(error.text, source));

@@ -238,8 +238,8 @@ DString FirstLineOf(std::string_view page) {
     DString text;
     bool isTag = false;
     DString const folded = FoldCase(page.substr(0, std::min<std::size_t>(page.size(), 8192)));
-    std::size_t const title = folded.find("<title>");
-    std::size_t const end = title == DString::npos ? title : folded.find("</title>", title);
+    std::size_t const title = folded.find(FoldCase("<title>"));
+    std::size_t const end = title == DString::npos ? title : folded.find(FoldCase("</title>"), title);
     // Folding keeps the lengths of what is ASCII alone.
     if (end != DString::npos && folded.size() == std::min<std::size_t>(page.size(), 8192))
         page = page.substr(title + 7, end - title - 7);
