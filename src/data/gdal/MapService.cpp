@@ -158,7 +158,8 @@ void NameFeatures(ServiceAddress const &address, KnownService const &known, Orde
     std::string_view const document(bytes == nullptr ? "" : bytes, static_cast<std::size_t>(size));
     std::size_t const root = document.rfind('<', document.find("WFS_Capabilities"));
     std::string_view const head = document.substr(0, root);
-    bool const isUtf8 = head.find("encoding") == DString::npos || FoldCase(head).find(FoldCase("utf-8")) != DString::npos;
+    bool const isUtf8 =
+        head.find("encoding") == DString::npos || FoldCase(head).find(FoldCase("utf-8")) != DString::npos;
     if (root == std::string_view::npos || !isUtf8 || head.find("<!--") != std::string_view::npos)
         order.name = "WFS:" + address.url;
     else
