@@ -2,16 +2,12 @@
 #include "support/ImageFiles.h"
 #include "support/OpenedTree.h"
 #include "support/RealDrivers.h"
-#include "support/TableFiles.h"
 #include "support/WebServers.h"
 #include "zelvar/data/Connection.h"
 #include "zelvar/data/ImageReader.h"
 #include "zelvar/data/OpenImage.h"
 #include "zelvar/data/gdal/services/Capabilities.h"
 #include "zelvar/data/tables/ADIFile.h"
-
-#include <cpl_conv.h>
-#include <ogr_srs_api.h>
 
 namespace zelvar {
 namespace {
@@ -79,7 +75,10 @@ struct MapServices : testing::Test {
     /// Terms of a connection to these places alone.
     static void Allow(std::vector<int> const &ports) {
         SetConnectionFinder([ports](std::string_view) {
-            ConnectionTerms terms{.id = "lab" + std::to_string(ports.size()), .kind = ConnectionKind::MapService};
+            ConnectionTerms terms{.id = "lab" + std::to_string(ports.size()),
+                                  .kind = ConnectionKind::MapService,
+                                  .options = {{"user", "ann"}},
+                                  .secrets = {{"password", kMarker}}};
             for (int const port : ports)
                 terms.hosts.push_back({"127.0.0.1", static_cast<std::uint16_t>(port)});
             return terms;
@@ -98,34 +97,19 @@ struct RealMapServer : MapServices {
     RealMapServer() {
         DString const data = m_server.Folder().Folder("data");
         test::WriteImage(data + "/h.tif", {.width = kWidth, .height = kHeight, .sample = &HeightAt});
-        std::array<double, 6> transform{10, 0.0025, 0, 51.28, 0, -0.0025};
-        GDALDatasetH const image = GDALOpen((data + "/h.tif").c_str(), GA_Update);
-        GDALSetGeoTransform(image, transform.data());
-        GDALClose(image);
-        GDALDatasetH const plots = GDALCreate(GDALGetDriverByName("ESRI Shapefile"), (data + "/plots.shp").c_str(), 0,
-                                              0, 0, GDT_Unknown, nullptr);
-        OGRLayerH const layer = GDALDatasetCreateLayer(plots, "plots", nullptr, wkbPolygon, nullptr);
-        for (auto const &[name, type] : {std::pair{"id", OFTInteger}, {"name", OFTString}, {"area", OFTReal}}) {
-            OGRFieldDefnH const field = OGR_Fld_Create(name, type);
-            EXPECT_EQ(OGR_L_CreateField(layer, field, TRUE), OGRERR_NONE);
-            OGR_Fld_Destroy(field);
-        }
-        for (int i = 0; i < kRows; ++i) {
-            OGRFeatureH const row = OGR_F_Create(OGR_L_GetLayerDefn(layer));
-            OGR_F_SetFieldInteger(row, 0, i);
-            OGR_F_SetFieldString(row, 1, Format("plot <%d> & \"%c\"", i, 'a' + i % 26).c_str());
-            OGR_F_SetFieldDouble(row, 2, i * 0.25);
-            OGRGeometryH shape = nullptr;
-            DString text =
-                Format("POLYGON((%d 0,%d 1,%d 1,%d 0,%d 0))", i % 20, i % 20, i % 20 + 1, i % 20 + 1, i % 20);
-            char *words = text.data();
-            EXPECT_EQ(OGR_G_CreateFromWkt(&words, nullptr, &shape), OGRERR_NONE);
-            OGR_F_SetGeometryDirectly(row, shape);
-            EXPECT_EQ(OGR_L_CreateFeature(layer, row), OGRERR_NONE);
-            OGR_F_Destroy(row);
-        }
-        GDALClose(plots);
-        m_isThere = m_server.Start();
+        m_server.Folder().Write("data/h.tfw", "0.0025\n0\n0\n-0.0025\n10.00125\n51.27875\n");
+        DString rows;
+        for (int i = 0; i < kRows; ++i)
+            rows += Format(
+                R"(%s{"type":"Feature","properties":{"id":%d,"name":"plot <%d> & '%c'","area":%g},"geometry":)"
+                R"({"type":"Polygon","coordinates":[[[%d,0],[%d,1],[%d,1],[%d,0],[%d,0]]]}})",
+                i == 0 ? "" : ",\n", i, i, 'a' + i % 26, i * 0.25, i % 20, i % 20, i % 20 + 1, i % 20 + 1, i % 20);
+        m_server.Folder().Write("data/plots.json", R"({"type":"FeatureCollection","features":[)" + rows + "]}");
+        m_isThere = m_server.StartMaps();
+    }
+    /// Of a connection of that kind: "wms+http://...".
+    [[nodiscard]] DString Address(DString const &kind) const {
+        return kind + "http://" + m_server.Place() + "/maps?map=field";
     }
     /// How many requests of that name there were, letters in any case.
     [[nodiscard]] int Count(DString const &request) const {
@@ -135,7 +119,7 @@ struct RealMapServer : MapServices {
         return count;
     }
     static constexpr int kRows = 250;
-    test::MapServer m_server;
+    test::WebServer m_server;
     bool m_isThere = false;
 };
 
@@ -148,18 +132,18 @@ TEST_F(RealMapServer, ListsWhatEachServiceOffersWithOneRequest) {
         {"ogc+", {"WMS:1025", "WFS:1025", "WCS:1025"}}};
     for (auto const &[scheme, names] : cases) {
         int const before = Count("GetCapabilities");
-        EXPECT_EQ(NamesIn(m_server.Address(scheme)), names) << scheme;
+        EXPECT_EQ(NamesIn(Address(scheme)), names) << scheme;
         EXPECT_EQ(Count("GetCapabilities") - before, DString(scheme) == "ogc+" ? 4 : 1) << scheme;
     }
-    EXPECT_EQ(NamesIn(m_server.Address("wms+"), m_server.Address("wms+") + "&LAYER=plots"),
+    EXPECT_EQ(NamesIn(Address("wms+"), Address("wms+") + "&LAYER=plots"),
               (std::vector<DString>{"green:2", "red & dark:2"}));
-    EXPECT_EQ(NamesIn(m_server.Address("ogc+") + "&SERVICE=WFS"), std::vector<DString>{"Plots:12"});
+    EXPECT_EQ(NamesIn(Address("ogc+") + "&SERVICE=WFS"), std::vector<DString>{"Plots:12"});
     EXPECT_EQ(static_cast<int>(m_server.Requests().size()), Count("GetCapabilities")) << "asked for more than lists";
 }
 
 TEST_F(RealMapServer, AMapIsThePixelsOfItsSource) {
     ASSERT_TRUE(m_isThere);
-    DString const moniker = m_server.Address("wms+") + "&LAYER=height";
+    DString const moniker = Address("wms+") + "&LAYER=height";
     ImageInfo info;
     ASSERT_TRUE(ReadImageInfo({moniker, nullptr}, "", nullptr, info));
     EXPECT_TRUE(info.isOfAnyResolution);
@@ -186,29 +170,27 @@ TEST_F(RealMapServer, AMapIsThePixelsOfItsSource) {
 TEST_F(RealMapServer, AStyleAndACoverageOpenByTheirMonikers) {
     ASSERT_TRUE(m_isThere);
     for (auto const &[style, red, green] : {std::tuple{"green", 0, 200}, {"red%20%26%20dark", 200, 0}}) {
-        OpenImage const plots({m_server.Address("wms+") + "&LAYER=plots&STYLE=" + style, nullptr}, "", nullptr);
+        OpenImage const plots({Address("wms+") + "&LAYER=plots&STYLE=" + style, nullptr}, "", nullptr);
         ASSERT_TRUE(plots.IsOpen()) << style;
         EXPECT_EQ(WholeOf(plots, 0, 20, 1).at(5), red) << style;
         EXPECT_EQ(WholeOf(plots, 1, 20, 1).at(5), green) << style;
     }
-    OpenImage const heights({m_server.Address("ogc+") + "&COVERAGE=height", nullptr}, "", nullptr);
+    OpenImage const heights({Address("ogc+") + "&COVERAGE=height", nullptr}, "", nullptr);
     ASSERT_TRUE(heights.IsOpen());
     std::vector<int> const samples = WholeOf(heights, 0, kWidth, kHeight);
     ASSERT_FALSE(samples.empty());
     EXPECT_EQ(heights.Driver().GetChnlSizeX(heights.Handle(), 0), kWidth);
     for (int const at : {0, 77, kWidth * 300 + 511, kWidth * kHeight - 1})
         EXPECT_EQ(samples[static_cast<std::size_t>(at)], HeightAt(0, at % kWidth, at / kWidth)) << at;
-    EXPECT_EQ(WhyNotOpened(m_server.Address("wms+") + "&LAYER=nope").Text(), "the service has no layer \"nope\"");
-    EXPECT_EQ(WhyNotOpened(m_server.Address("wms+") + "&LAYER=plots&STYLE=no").Text(),
-              "the service has no style \"no\"");
-    EXPECT_NE(
-        WhyNotListed(m_server.Address("wms+") + "x").Text().find("a web page, not capabilities: MapServer Message"),
-        DString::npos);
+    EXPECT_EQ(WhyNotOpened(Address("wms+") + "&LAYER=nope").Text(), "the service has no layer \"nope\"");
+    EXPECT_EQ(WhyNotOpened(Address("wms+") + "&LAYER=plots&STYLE=no").Text(), "the service has no style \"no\"");
+    EXPECT_NE(WhyNotListed(Address("wms+") + "x").Text().find("a web page, not capabilities: MapServer Message"),
+              DString::npos);
 }
 
 TEST_F(RealMapServer, FeaturesAreRows) {
     ASSERT_TRUE(m_isThere);
-    ADIFile table(DFile(m_server.Address("wfs+") + "&TYPENAME=ms%3Aplots"), "", tdFormatAccess_Read, nullptr, "");
+    ADIFile table(DFile(Address("wfs+") + "&TYPENAME=ms%3Aplots"), "", tdFormatAccess_Read, nullptr, "");
     ASSERT_TRUE(table.IsOpen()) << table.GetError();
     std::map<DString, int> columns;
     for (int col = 0; col < table.GetNumCols(); ++col)
@@ -216,12 +198,12 @@ TEST_F(RealMapServer, FeaturesAreRows) {
     for (int i = 0; i < kRows; ++i) {
         ASSERT_TRUE(table.SetRow(i)) << i;
         EXPECT_EQ(table.GetText(columns.at("id")), std::to_string(i));
-        EXPECT_EQ(table.GetText(columns.at("name")), Format("plot <%d> & \"%c\"", i, 'a' + i % 26));
+        EXPECT_EQ(table.GetText(columns.at("name")), Format("plot <%d> & '%c'", i, 'a' + i % 26));
         EXPECT_EQ(std::stod(table.GetText(columns.at("area"))), i * 0.25);
     }
     EXPECT_FALSE(table.SetRow(kRows));
     EXPECT_EQ(Count("GetCapabilities"), 1) << testing::PrintToString(m_server.Requests()) << m_log;
-    EXPECT_EQ(WhyNotOpened(m_server.Address("wfs+") + "&TYPENAME=ms%3Aplots").Why(), DError::Cause::NotSupported);
+    EXPECT_EQ(WhyNotOpened(Address("wfs+") + "&TYPENAME=ms%3Aplots").Why(), DError::Cause::NotSupported);
 }
 
 /// A WMS with that in its list of layers, whose maps are asked for at `place`.
@@ -315,6 +297,11 @@ TEST_F(MapServices, AnotherHostIsRefusedAndNamedUntilItIsAllowed) {
     EXPECT_FALSE(ReadPreview({address + "?LAYER=a", nullptr}, "", nullptr, picture, Enlarge::Yes, &refused));
     EXPECT_EQ(refused.Why(), DError::Cause::Refused) << refused.Text();
     EXPECT_EQ(other.Connections(), before);
+    Allow({server.Port(), other.Port()});
+    EXPECT_FALSE(ReadPreview({address + "?LAYER=a", nullptr}, "", nullptr, picture, Enlarge::Yes, &refused));
+    EXPECT_EQ(refused.Detail(), 404) << refused.Text();
+    EXPECT_THAT(other.Logins(), testing::Not(testing::Contains("Basic YW5uOm1hcmtlcjdzZWNyZXQ=")));
+    EXPECT_THAT(server.Logins(), testing::Contains("Basic YW5uOm1hcmtlcjdzZWNyZXQ="));
     server.SendOn(kAsked, server.Url() + kAsked);
     EXPECT_TRUE(WhyNotListed(address).IsSet()) << "endless redirections";
     EXPECT_LT(server.Requests().size(), 40U);
@@ -404,8 +391,8 @@ struct WebFolders : MapServices {
 };
 
 TEST_F(WebFolders, ATlsServerOfAPrivateAuthorityWithALogin) {
-    test::TlsServer server;
-    ASSERT_TRUE(server.Start());
+    test::WebServer server;
+    ASSERT_TRUE(server.StartTls());
     test::WriteImage(server.Folder() / "files/x 1%2.tif", {.width = 30, .height = 20});
     server.Folder().Write("files/v1.2 data/b.txt");
     std::map<DString, DString> const trusted{{"ca", server.Folder() / "ca.pem"}};
@@ -438,8 +425,8 @@ TEST_F(WebFolders, ATlsServerOfAPrivateAuthorityWithALogin) {
 }
 
 TEST_F(WebFolders, AWebDavServerTellsSizesAndTimes) {
-    test::DavServer server;
-    ASSERT_TRUE(server.Start());
+    test::WebServer server;
+    ASSERT_TRUE(server.StartDav());
     server.Folder().Write("files/a b.txt", "12345");
     server.Folder().Folder("files/v1.2");
     test::WriteImage(server.Folder() / "files/p;q.tif", {.width = 30, .height = 20});

@@ -198,7 +198,7 @@ bool Describe(ServiceAddress address, KnownService const &known, Order &order, D
             address.matrixSet = offer->matrixSets.front();
         if (std::ranges::find(offer->matrixSets, address.matrixSet) == offer->matrixSets.end())
             return IsMissing("matrix set", address.matrixSet, error);
-        order.name = DescribeTiles(address, known.document.Name(), kTiles);
+        order.name = DescribeTiles(address, capabilities, *offer, known.document.Name(), kTiles);
         return true;
     case Service::Wcs:
         order.NameFile(DescribeCoverage(address, capabilities));

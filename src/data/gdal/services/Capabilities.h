@@ -39,6 +39,7 @@ struct Offer {
     std::optional<Extent> geographic{}; ///< its own, degrees
     bool hasCrs84 = false;              ///< it may be asked for in this one
     bool hasEpsg4326 = false;           ///< the same
+    DString tiles{};                    ///< of a WMTS: the address of a tile, with places for its numbers
     std::vector<DString> matrixSets{};  ///< of a WMTS
 };
 

@@ -150,6 +150,11 @@ void ReadWms(XMLNode const &root, Reading &reading) {
 
 void ReadWmts(XMLNode const &root, Reading &reading) {
     reading.found.title = TextOf(ChildOf(&root, {"ServiceIdentification", "Title"}));
+    ForEachChild(ChildOf(&root, "OperationsMetadata"), "Operation", [&](XMLNode const &operation) {
+        XMLNode const *const get = ChildOf(&operation, {"DCP", "HTTP", "Get"});
+        if (get != nullptr && operation.GetAttrStr("name") == "GetTile")
+            reading.found.place = Trimmed(get->GetAttrStr("xlink:href"));
+    });
     bool isRoom = true;
     ForEachChild(ChildOf(&root, "Contents"), "Layer", [&](XMLNode const &layer) {
         Offer offer{.name = TextIn(&layer, "Identifier"), .title = TextIn(&layer, "Title")};
@@ -159,6 +164,10 @@ void ReadWmts(XMLNode const &root, Reading &reading) {
         ForEachChild(&layer, "TileMatrixSetLink", [&](XMLNode const &link) {
             if (DString set = TextIn(&link, "TileMatrixSet"); !set.empty())
                 AddTo(offer.matrixSets, std::move(set));
+        });
+        ForEachChild(&layer, "ResourceURL", [&](XMLNode const &resource) {
+            if (offer.tiles.empty() && resource.GetAttrStr("resourceType") == "tile")
+                offer.tiles = resource.GetAttrStr("template");
         });
         offer.countStyles = offer.styles.size();
         offer.geographic = ExtentOfCorners(ChildOf(&layer, "WGS84BoundingBox"), "LowerCorner", "UpperCorner");

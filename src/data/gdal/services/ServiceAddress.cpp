@@ -186,4 +186,13 @@ DString PlaceToAsk(DString const &asked, DString const &told) {
            DString(theirs.rest);
 }
 
+bool AreOfOneServer(DString const &a, DString const &b) {
+    auto const port = [](Web const &web) {
+        return !web.port.empty() ? web.port : EqualNoCase(web.scheme, "https") ? std::string_view("443") : "80";
+    };
+    Web const one = TakeApart(a);
+    Web const other = TakeApart(b);
+    return EqualNoCase(one.scheme, other.scheme) && EqualNoCase(one.host, other.host) && port(one) == port(other);
+}
+
 } // namespace zelvar::services

@@ -62,4 +62,7 @@ struct ServiceAddress {
 /// not asked without: many a server behind a proxy does not know that it has TLS. Without a login.
 [[nodiscard]] DString PlaceToAsk(DString const &asked, DString const &told);
 
+/// Whether two addresses are of one host, port and way to reach it: a login for the one may be sent to the other.
+[[nodiscard]] bool AreOfOneServer(DString const &a, DString const &b);
+
 } // namespace zelvar::services

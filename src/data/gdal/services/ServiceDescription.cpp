@@ -55,6 +55,11 @@ DString CacheElement(DString const &folder) {
            Element("MaxSize", most) + Element("Expires", seconds) + "</Cache>";
 }
 
+/// The login of the service, which GDAL has beside the description, is for no other server.
+DString LoginElement(ServiceAddress const &address, DString const &place) {
+    return place.empty() || AreOfOneServer(address.url, place) ? DString() : Element("UserPwd", ":");
+}
+
 bool IsOfNewOrder(DString const &version) { return version >= "1.3"; }
 
 /// The extent in the first system that is known, its axes in order.
@@ -120,15 +125,17 @@ std::optional<DString> DescribeMap(ServiceAddress const &address, Capabilities c
     text += "</DataWindow>";
     text += Element("Projection", map->system) + Element("BandsCount", 3) + Element("BlockSizeX", tile) +
             Element("BlockSizeY", tile) + Element("OverviewCount", kLevels) + Element("MaxConnections", 2);
-    return text + CacheElement(cache) + "</GDAL_WMS>";
+    return text + LoginElement(address, place) + CacheElement(cache) + "</GDAL_WMS>";
 }
 
-DString DescribeTiles(ServiceAddress const &address, DString const &document, DString const &cache) {
+DString DescribeTiles(ServiceAddress const &address, Capabilities const &capabilities, Offer const &layer,
+                      DString const &document, DString const &cache) {
+    DString const place = layer.tiles.empty() ? capabilities.place : layer.tiles;
     DString text = "<GDAL_WMTS>" + Element("GetCapabilitiesUrl", document) + Element("Layer", address.layer);
     if (!address.style.empty())
         text += Element("Style", address.style);
-    return text + Element("TileMatrixSet", address.matrixSet) + Element("BandsCount", 3) + CacheElement(cache) +
-           "</GDAL_WMTS>";
+    return text + LoginElement(address, place) + Element("TileMatrixSet", address.matrixSet) +
+           Element("BandsCount", 3) + CacheElement(cache) + "</GDAL_WMTS>";
 }
 
 DString DescribeCoverage(ServiceAddress const &address, Capabilities const &capabilities) {

@@ -22,7 +22,8 @@ inline constexpr int kAnyResolution = 1 << 30;
                                                  Offer const &layer, AxisQuestion const &isNorthFirst,
                                                  DString const &cache, DError &error);
 /// Of a WMTS layer; `document` is a file of GDAL's with the capabilities.
-[[nodiscard]] DString DescribeTiles(ServiceAddress const &address, DString const &document, DString const &cache);
+[[nodiscard]] DString DescribeTiles(ServiceAddress const &address, Capabilities const &capabilities, Offer const &layer,
+                                    DString const &document, DString const &cache);
 /// Of a coverage of a WCS.
 [[nodiscard]] DString DescribeCoverage(ServiceAddress const &address, Capabilities const &capabilities);
 
