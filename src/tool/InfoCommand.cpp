@@ -27,6 +27,14 @@ void SayEncoding(DString const &path) {
         std::printf("Text Encoding\t%s\n", EscapeControlBytes(encoding).c_str());
 }
 
+/// The columns of a table, a line each; false for what is none.
+bool SayColumns(DString const &path) {
+    ADIFile const table(DFile(path), "", tdFormatAccess_Read, nullptr, "");
+    for (int col = 0; col < table.GetNumCols(); ++col)
+        std::printf("Column\t%s\n", EscapeControlBytes(table.GetColName(col)).c_str());
+    return table.IsOpen();
+}
+
 /// What lies inside a folder that is a data set, a line each; false for nothing.
 bool SayNodes(DString const &path) {
     BDIDrvr *driver = nullptr;
@@ -138,6 +146,9 @@ int RunInfo(std::vector<DString> const &words) {
     bool const isImage = ReadItemProperties(path, driverId, {}, DT_DATA, nullptr, props, &failure);
     if (DString const reason = ReaderFailureOf(path); !reason.empty())
         return Failure("cannot read '" + moniker + "': " + reason);
+    // A table on a server has no file to tell of.
+    if (props.empty() && failure.Why() == DError::Cause::NotSupported && SayColumns(path))
+        return kDone;
     if (props.empty())
         return Failure(WithReason("cannot open '" + moniker + "'", path, failure.Text()));
     if (!isImage && IsFault(failure))
