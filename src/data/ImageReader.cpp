@@ -19,7 +19,7 @@ namespace {
 constexpr int kLongerSide = 1024;                     // pixels of a preview
 constexpr std::int64_t kMostPixels = 0x2008008;       // without a pyramid
 constexpr std::chrono::milliseconds kSeriesTime{250}; // to compare its members
-constexpr int kAnyResolution = 1 << 30;               // pixels; no map that is there is as long
+constexpr int kAnyResolution = 1 << 30;               // pixels; the longer side of such a map
 constexpr int kCubic = RDIDriver::Cubic;
 
 /// Slices lie one under the other and time frames side by side.
@@ -278,7 +278,7 @@ bool ReadImageInfo(BDIMoniker const &moniker, DString const &driverId, StopSigna
     info = Describe(image);
     if (IsMapServiceAddress(moniker.GetText())) {
         info.extent = image.Driver().GetAttrString("RDI_Drvr_Extent", image.Handle(), 0);
-        info.isOfAnyResolution = std::max(info.width, info.height) >= kAnyResolution;
+        info.isOfAnyResolution = std::max(info.width, info.height) == kAnyResolution;
     }
     if (image.Driver().GetId() == kSeriesDriver) {
         info.members = image.Driver().GetAttrString(kSeriesMembers, image.Handle(), 0);

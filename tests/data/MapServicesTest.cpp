@@ -313,6 +313,20 @@ TEST(Capabilities, WhatIsNoneIsNamedAndDoesNoHarm) {
     EXPECT_LT(odd->offers.size(), 40U) << "deeper than anybody looks";
 }
 
+TEST(ServiceAddresses, WhatWasAskedWithTlsIsNotAskedWithout) {
+    using services::PlaceToAsk;
+    EXPECT_EQ(PlaceToAsk("https://maps.lab:8443/ows?map=x", "http://MAPS.lab/cgi?m&"), "https://maps.lab:8443/cgi?m&");
+    EXPECT_EQ(PlaceToAsk("https://maps.lab/ows", "http://cdn.lab:81/a"), "http://cdn.lab:81/a");
+    EXPECT_EQ(PlaceToAsk("http://maps.lab/ows", "https://ann:x@maps.lab/a"), "https://maps.lab/a");
+    EXPECT_EQ(PlaceToAsk("http://maps.lab/ows", "file:///etc/passwd"), "http://maps.lab/ows");
+    auto const address =
+        services::ParseServiceAddress("OGC+https://ann:pw@[::1]:8443/a?SERVICE=wms&b&LAYER=%41%2F&VERSION=1");
+    ASSERT_TRUE(address);
+    EXPECT_EQ(address->connection, "OGC+https://ann@[::1]:8443/a?b&VERSION=1");
+    EXPECT_EQ(address->url + " " + address->layer + " " + address->version, "https://[::1]:8443/a?b A/ 1");
+    EXPECT_FALSE(services::ParseServiceAddress("wms+ftp://maps.lab/a"));
+}
+
 using WebFolders = MapServices;
 
 TEST_F(WebFolders, ATlsServerOfAPrivateAuthorityWithALogin) {
