@@ -66,7 +66,7 @@ WebServer::~WebServer() {
     waitpid(m_process, nullptr, 0);
 }
 
-bool WebServer::Start(std::vector<std::string> const &program, std::string settings) {
+bool WebServer::Start(std::vector<std::string> const &program, std::string const &settings) {
     m_folder.Folder("files");
     m_folder.Folder("run");
     // Somebody else may have taken the port meanwhile.
@@ -96,7 +96,7 @@ bool WebServer::StartMaps() {
                                "'\nexec /usr/lib/cgi-bin/mapserv\n");
     chmod((m_folder / "maps").c_str(), 0700);
     m_folder.Write("config",
-                   "CONFIG ENV MS_MAP_NO_PATH \"1\" END MAPS field \"" + (m_folder / "field.map") + "\" END END");
+                   R"(CONFIG ENV MS_MAP_NO_PATH "1" END MAPS field ")" + (m_folder / "field.map") + "\" END END");
     if (!Start({"lighttpd", "-D", "-f", m_folder / "settings"}, R"(server.document-root = "@T@/files"
 server.bind = "127.0.0.1"
 server.port = @PORT@

@@ -15,7 +15,7 @@ public:
     ~WebServer();
     /// False, with a failure of the test, unless it takes connections. In the settings "@T@" stands for the folder and
     /// "@PORT@" for a free port.
-    [[nodiscard]] bool Start(std::vector<std::string> const &program, std::string settings);
+    [[nodiscard]] bool Start(std::vector<std::string> const &program, std::string const &settings);
 
     /// MapServer behind lighttpd at "/maps?map=field". It offers as maps, coverages and features what is in "data":
     /// "height" of "h.tif", 8 bits, and "plots" of "plots.json", with two styles. Each query is a line of `Requests`.

@@ -129,7 +129,7 @@ std::optional<bool> IsNorthFirst(DString const &system) {
     if (!system.starts_with(prefix) ||
         std::from_chars(system.data() + prefix.size(), system.data() + system.size(), code).ec != std::errc{})
         return std::nullopt;
-    OGRSpatialReferenceH const reference = OSRNewSpatialReference(nullptr);
+    OGRSpatialReferenceH reference = OSRNewSpatialReference(nullptr);
     std::optional<bool> isNorth;
     if (OSRImportFromEPSGA(reference, code) == OGRERR_NONE)
         isNorth = OSREPSGTreatsAsLatLong(reference) != 0 || OSREPSGTreatsAsNorthingEasting(reference) != 0;
@@ -295,7 +295,7 @@ DString ExtentInWords(DatasetPtr const &dataset) {
     double const right = transform[0] + transform[1] * GDALGetRasterXSize(Raw(dataset));
     double const bottom = transform[3] + transform[5] * GDALGetRasterYSize(Raw(dataset));
     DString words = zelvar::Format("%.10g, %.10g - %.10g, %.10g", transform[0], bottom, right, transform[3]);
-    OGRSpatialReferenceH const reference = GDALGetSpatialRef(Raw(dataset)); // the data set's
+    OGRSpatialReferenceH reference = GDALGetSpatialRef(Raw(dataset)); // the data set's
     char const *const code = reference == nullptr ? nullptr : OSRGetAuthorityCode(reference, nullptr);
     char const *const authority = reference == nullptr ? nullptr : OSRGetAuthorityName(reference, nullptr);
     if (code != nullptr && authority != nullptr)

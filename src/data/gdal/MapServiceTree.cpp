@@ -1,6 +1,7 @@
 #include "zelvar/data/gdal/MapServiceTree.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace zelvar::gdal {
 
@@ -36,8 +37,8 @@ std::uint32_t TypeOf(Capabilities const &capabilities, Offer const &offer) {
 
 } // namespace
 
-MapServiceTree::MapServiceTree(ServiceAddress const &address, Known known)
-    : m_address(address), m_known(std::move(known)) {
+MapServiceTree::MapServiceTree(ServiceAddress address, Known known)
+    : m_address(std::move(address)), m_known(std::move(known)) {
     bool const isOne = m_known.size() == 1;
     DString const &title = isOne ? m_known.front()->capabilities.title : DString();
     Add(0, MakeNode(kDirectoryNode, m_address.connection, title.empty() ? NameOf(m_address) : title));

@@ -28,7 +28,7 @@ private:
         int offer = -1;
     };
 
-    MapServiceTree(services::ServiceAddress const &address, Known known);
+    MapServiceTree(services::ServiceAddress address, Known known);
     std::size_t Add(std::size_t parent, BDINode node);
     void AddOffers(std::size_t parent, services::Capabilities const &capabilities);
     [[nodiscard]] std::vector<BDINode> Ways(Row const &row) const;
