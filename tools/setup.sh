@@ -6,9 +6,10 @@ packages=(
   # build
   g++ cmake ninja-build pkg-config ccache mold gettext
   qt6-base-dev qt6-base-dev-tools qt6-svg-dev libgdal-dev libxml2-dev libpng-dev libboost-dev libsqlite3-dev
-  libglib2.0-dev libsmbclient-dev libsecret-1-dev libflatbuffers-dev flatbuffers-compiler flatbuffers-compiler-dev
+  libglib2.0-dev libsmbclient-dev libsecret-1-dev libpq-dev libflatbuffers-dev flatbuffers-compiler flatbuffers-compiler-dev
   # test
-  libgtest-dev libgmock-dev fonts-liberation fontconfig samba xvfb dbus-daemon at-spi2-core gnome-keyring clang-format
+  libgtest-dev libgmock-dev fonts-liberation fontconfig samba xvfb dbus-daemon at-spi2-core gnome-keyring clang-format openssl
+  postgresql-15 postgresql-15-postgis-3 postgis
   "$@"
 )
 missing=()
@@ -23,6 +24,13 @@ as_root=()
 if [ "$(id -u)" -ne 0 ]; then
   command -v sudo >/dev/null || { echo "Neither root nor sudo: please install ${missing[*]}" >&2; exit 1; }
   as_root=(sudo)
+fi
+# Servers that come with a package are not started: tests start their own.
+policy=/usr/sbin/policy-rc.d
+if [ ! -e $policy ]; then
+  trap '"${as_root[@]}" rm -f $policy' EXIT
+  printf '#!/bin/sh\nexit 101\n' | "${as_root[@]}" tee $policy >/dev/null
+  "${as_root[@]}" chmod 755 $policy
 fi
 export DEBIAN_FRONTEND=noninteractive
 "${as_root[@]}" apt-get update -qq

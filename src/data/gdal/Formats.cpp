@@ -54,7 +54,7 @@ constexpr Barred kBarred[] = {
     {"PLMOSAIC", true},                                  // service
     {"PLSCENES", true},                                  // service
     {"PostGISRaster", true, ConnectionKind::PostgreSql}, // database
-    {"PostgreSQL", true, ConnectionKind::PostgreSql},    // database
+    {"PostgreSQL", true},                                // database, read without it
     {"RDA", true},                                       // service
     {"Rasterlite", false},                               // opens tiles with any format
     {"STACIT", false},                                   // opens what it names

@@ -9,7 +9,8 @@ bool OpenTable::StepCounted() {
         ++m_next;
         return true;
     }
-    m_end = m_next;
+    if (!HasFailed())
+        m_end = m_next;
     return false;
 }
 
@@ -22,7 +23,13 @@ bool OpenTable::GoTo(std::int64_t row) {
         if (!StepCounted())
             break;
     }
-    return true;
+    return m_next == row || !HasFailed() || Fail();
+}
+
+/// The next reading begins anew.
+bool OpenTable::Fail() {
+    m_next = GoBack(0);
+    return false;
 }
 
 bool OpenTable::ReadRows(std::int64_t first, int most, ADIRows &rows) {
@@ -37,8 +44,11 @@ bool OpenTable::ReadRows(std::int64_t first, int most, ADIRows &rows) {
            rows.ends.size() < ADIDriver::kBatchCells) {
         if (IsStopped())
             return false;
-        if (!StepCounted())
+        if (!StepCounted()) {
+            if (HasFailed())
+                return Fail();
             break;
+        }
         std::size_t const cells = rows.ends.size();
         std::size_t const bytes = rows.texts.size();
         if (!Append(rows)) {
