@@ -83,7 +83,7 @@ Register const kList("database.list", [] {
     Database const database(
         "do $$ begin for s in 1..200 loop execute format('create schema s%s', s); for t in 1..25 loop"
         " execute format('create table s%s.t%s (id int primary key, name text, g geometry)', s, t);"
-        " end loop; end loop; end $$; analyze pg_class");
+        " end loop; commit; end loop; end $$; analyze pg_class");
     std::string const login = database.Login() + " password='" + "MARKER:7\\\\%41 pw'";
     std::unique_ptr<PGconn, decltype(&PQfinish)> const plain(PQconnectdb(login.c_str()), &PQfinish);
     if (PQstatus(plain.get()) != CONNECTION_OK)

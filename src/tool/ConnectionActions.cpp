@@ -221,7 +221,10 @@ std::optional<TrialResult> List(ConnectionBook::Entry const &entry) {
     } else if (item == nullptr || failure) {
         auto const *const tree = dynamic_cast<TemplDataSourceItem const *>(item.get());
         result.state = TrialState::Failed;
-        result.words = WithReason("It cannot be listed", tree == nullptr ? place : tree->GetSource(), kNotOpened) + ".";
+        DError const why = tree == nullptr ? DError() : tree->GetFailure();
+        result.words = WithReason("It cannot be listed", tree == nullptr ? place : tree->GetSource(),
+                                  why.IsSet() ? why.Text() : kNotOpened) +
+                       ".";
     } else {
         result.words = Format("It lists %zu items.", count);
     }

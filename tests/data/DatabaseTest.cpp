@@ -11,6 +11,7 @@ namespace {
 
 using test::OpenedImage;
 using test::OpenedTree;
+using test::TablesTest;
 
 /// A database of a test's own, and readers that find a connection to it.
 struct Database : test::TablesTest {
@@ -51,7 +52,7 @@ TEST_F(Database, IsListedByThreeStatementsHoweverManyTablesThereAre) {
         " execute format('create table s%s.t%s (a int)', s, t); end loop; end loop; end $$;"
         "create role guest login password 'x'; create schema closed; create table closed.t (a int);"
         "create table s1.places (a int, g geometry); create view s1.seen as select 1 a; analyze s1.t1");
-    m_server.TakeStatements();
+    std::ignore = m_server.TakeStatements();
     OpenedTree const tree(m_address, "PostgreSQL");
     ASSERT_TRUE(tree);
     std::size_t tables = 0;
@@ -177,15 +178,16 @@ TEST_F(Database, AFailureSaysItsCause) {
         DString words;
     };
     DString const own = test::PostgresServer::kPassword;
-    for (Row const &row : {Row{{}, "wrong", "", NotPermitted, "password authentication failed for user \"zelvar\""},
-                           Row{{}, "", "", NeedsPassword, "no password supplied"},
-                           Row{{{"database", "nope"}}, own, "", Missing, "database \"nope\" does not exist; there are field, postgres"},
-                           Row{{{"port", "1"}}, own, "", NoAnswer, "127.0.0.1:1 refuses connections"},
-                           Row{{{"sslmode", "require"}}, own, "", Server, "does not support SSL"},
-                           Row{{}, own, "/s/none", Missing, "there is no table s.none"},
-                           Row{{}, own, "/s/t?COLUMN=r", Missing, "no such raster"},
-                           Row{{}, own, "/s/t/more", Missing, "names nothing in"},
-                           Row{{{"user", "guest"}}, "guest", "/s/t", NotPermitted, "may not read the table s.t"}}) {
+    for (Row const &row :
+         {Row{{}, "wrong", "", NotPermitted, "password authentication failed for user \"zelvar\""},
+          Row{{}, "", "", NeedsPassword, "no password supplied"},
+          Row{{{"database", "nope"}}, own, "", Missing, "database \"nope\" does not exist; there are field, postgres"},
+          Row{{{"port", "1"}}, own, "", NoAnswer, "127.0.0.1:1 refuses connections"},
+          Row{{{"sslmode", "require"}}, own, "", Server, "does not support SSL"},
+          Row{{}, own, "/s/none", Missing, "there is no table s.none"},
+          Row{{}, own, "/s/t?COLUMN=r", Missing, "no such raster"},
+          Row{{}, own, "/s/t/more", Missing, "names nothing in"},
+          Row{{{"user", "guest"}}, "guest", "/s/t", NotPermitted, "may not read the table s.t"}}) {
         Connect(row.options, row.password);
         DError const error = ErrorOf(m_address + row.place);
         EXPECT_EQ(error.Why(), row.cause) << error.Text();
@@ -229,6 +231,38 @@ TEST_F(EncryptedDatabase, TheCertificateIsCheckedThroughTheApplicationsSocket) {
     EXPECT_THAT(Read(m_address + "/s/v"), ElementsAre("ssl:" + std::to_string(ADICol_Int), "1"));
     Connect({{"sslmode", "verify-full"}, {"ca", m_server.Authority()}}); // it is no certificate of 127.0.0.1
     EXPECT_EQ(ErrorOf(m_address).Why(), DError::Cause::Untrusted);
+}
+
+TEST_F(TablesTest, AnOdbcSourceIsListedAndRead) {
+    test::UseReaders(test::PatientReaders());
+    DString const file = m_folder / "lab.sqlite";
+    test::ConvertTable(m_folder.Write("plots.csv", "num,part,word\n1,2.5,a\n2,,b\n"), file, "SQLite");
+    setenv("ODBCINI", m_folder.Write("odbc.ini", "[Lab]\nDriver = SQLite3\nDatabase = " + file + "\n").c_str(), 1);
+    auto const connect = [](DString const &source) {
+        SetConnectionFinder([source](std::string_view) {
+            return ConnectionTerms{
+                .id = "odbc://" + source, .kind = ConnectionKind::Odbc, .options = {{"dsn", source}}};
+        });
+    };
+    connect("Lab");
+    OpenedTree const tree("odbc://Lab", "ODBC");
+    ASSERT_TRUE(tree);
+    std::vector<BDINode> const tables = tree.Children(*tree.root);
+    auto const plots = std::ranges::find(tables, "plots", &BDINode::name);
+    ASSERT_NE(plots, tables.end());
+    EXPECT_EQ(plots->path, "odbc://Lab/plots");
+    std::vector<DString> const rows = Read(plots->path);
+    ASSERT_EQ(rows.size(), 3U);
+    EXPECT_THAT(rows[1], testing::EndsWith("|1|2.5|a"));
+    EXPECT_THAT(rows[2], testing::EndsWith("|2||b"));
+    connect("None");
+    DError error;
+    BDIDrvr *driver = nullptr;
+    BDINode *root = nullptr;
+    EXPECT_EQ(BDIDrvrMngr::Instance()->OpenFile("odbc://None", &driver, &root, nullptr, &error), nullptr);
+    EXPECT_EQ(error.Why(), DError::Cause::Missing) << error.Text();
+    SetConnectionFinder(nullptr);
+    unsetenv("ODBCINI");
 }
 
 } // namespace

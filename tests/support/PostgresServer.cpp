@@ -130,8 +130,8 @@ std::string PostgresServer::Start(Encryption encryption) {
     }
     if (!isUp)
         return "the server does not start: " + ReadFile(m_folder / "log");
-    std::string const made = OutputOf(Psql(kUser) + " -d postgres -c 'create database field'") +
-                             Execute("create extension postgis; create extension postgis_raster");
+    std::string made = OutputOf(Psql(kUser) + " -d postgres -c 'create database field'");
+    made += Execute("create extension postgis; create extension postgis_raster");
     return made.empty() ? made : "no PostGIS (postgresql-15-postgis-3): " + made;
 }
 

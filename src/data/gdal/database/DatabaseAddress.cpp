@@ -83,4 +83,15 @@ ConnectionTerms const *OwnDatabase(ConnectionKind kind) {
     return duty != nullptr && duty->connection && duty->connection->kind == kind ? &*duty->connection : nullptr;
 }
 
+std::set<DString> WantedSchemas(ConnectionTerms const *terms) {
+    std::set<DString> wanted;
+    auto const named = terms == nullptr ? std::map<DString, DString>::const_iterator() : terms->options.find("schemas");
+    if (terms == nullptr || named == terms->options.end())
+        return wanted;
+    for (DString const &name : Split(named->second, ','))
+        if (DString trimmed(Trimmed(name)); !trimmed.empty())
+            wanted.insert(std::move(trimmed));
+    return wanted;
+}
+
 } // namespace zelvar::gdal

@@ -4,6 +4,7 @@
 #include "zelvar/data/Connection.h"
 
 #include <optional>
+#include <set>
 
 namespace zelvar::gdal {
 
@@ -29,5 +30,7 @@ struct DatabaseAddress {
 
 /// The terms of the connection to a database of that kind that this process reads for; null if it does not.
 [[nodiscard]] ConnectionTerms const *OwnDatabase(ConnectionKind kind);
+/// The schemas that such a connection keeps to; none for all.
+[[nodiscard]] std::set<DString> WantedSchemas(ConnectionTerms const *terms);
 
 } // namespace zelvar::gdal

@@ -66,19 +66,6 @@ std::vector<PostgresRelation> RelationsIn(PostgresRows const &rows) {
     return relations;
 }
 
-/// The names that the connection keeps to; none for all.
-std::set<DString> WantedSchemas() {
-    std::set<DString> wanted;
-    ConnectionTerms const *const terms = OwnDatabase(ConnectionKind::PostgreSql);
-    if (terms == nullptr)
-        return wanted;
-    if (auto const at = terms->options.find("schemas"); at != terms->options.end())
-        for (DString const &name : Split(at->second, ','))
-            if (DString const trimmed(Trimmed(name)); !trimmed.empty())
-                wanted.insert(trimmed);
-    return wanted;
-}
-
 } // namespace
 
 bool PostgresRelation::HasGeometry() const {
@@ -93,7 +80,7 @@ std::optional<std::vector<PostgresSchema>> PostgresCatalogue::Schemas(DError *er
     PostgresRows const rows = AskCatalogue(m_subject, SchemasStatement().c_str(), {}, m_stop, error);
     if (!rows)
         return std::nullopt;
-    std::set<DString> const wanted = WantedSchemas();
+    std::set<DString> const wanted = WantedSchemas(OwnDatabase(ConnectionKind::PostgreSql));
     std::vector<PostgresSchema> schemas;
     for (int row = 0; row < rows.Count(); ++row)
         if (DString name(rows.Text(row, 0)); wanted.empty() || wanted.contains(name))
