@@ -5,6 +5,7 @@
 #include "zelvar/base/Translation.h"
 #include "zelvar/base/TypedSecrets.h"
 #include "zelvar/connections/ConnectionFields.h"
+#include "zelvar/connections/OdbcSource.h"
 #include "zelvar/connections/PostgreSqlService.h"
 #include "zelvar/xml/XMLNode.h"
 
@@ -187,6 +188,8 @@ ConnectionTerms MakeTerms(ConnectionBook::Entry const &entry, StopSignal const *
         }
     if (connection.timeLimit.count() > 0)
         terms.connectTime = connection.timeLimit;
+    if (connection.kind == ConnectionKind::Odbc)
+        TakeOdbcSource(terms); // a secret of the connection's own takes the place of one found there
     bool const isStore = connection.kind == ConnectionKind::ObjectStore;
     if (!entry.secret.IsEmpty()) {
         PutSecret(terms, isStore ? "key" : "password", entry.secret);

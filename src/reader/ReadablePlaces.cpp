@@ -4,7 +4,6 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <system_error>
 
 namespace zelvar::reader {
@@ -32,7 +31,7 @@ constexpr char const *kOfDatabases[] = {"/etc/odbc.ini", "/etc/odbcinst.ini", "/
 constexpr char const *kVariables[] = {"GDAL_DATA",           "PROJ_LIB",         "PROJ_DATA",
                                       "SSL_CERT_FILE",       "CURL_CA_BUNDLE",   "SSL_CERT_DIR",
                                       "GDAL_CURL_CA_BUNDLE", "GDAL_DRIVER_PATH", "LD_LIBRARY_PATH"};
-constexpr char const *kVariablesOfSources[] = {"ODBCINI", "ODBCSYSINI", "ODBCINSTINI"};
+constexpr char const *kVariablesOfSources[] = {"ODBCSYSINI", "ODBCINSTINI"};
 constexpr char const *kVariablesOfStores[] = {"AWS_CONFIG_FILE", "AWS_SHARED_CREDENTIALS_FILE",
                                               "CPL_AWS_CREDENTIALS_FILE", "GOOGLE_APPLICATION_CREDENTIALS",
                                               "CPL_GS_CREDENTIALS_FILE"};
@@ -43,37 +42,6 @@ void AddNamed(Names const &variables, std::vector<DString> &places) {
         if (char const *const value = std::getenv(name); value != nullptr && *value == '/')
             for (DString &place : Split(value, ':'))
                 places.push_back(std::move(place));
-}
-
-/// The file that a section of a list of data sources names as its database; empty for none.
-DString DatabaseFileIn(DString const &list, DString const &source) {
-    std::ifstream file(list);
-    bool isInside = false;
-    for (std::string line; std::getline(file, line);) {
-        std::string_view const text = Trimmed(line);
-        std::size_t const equals = text.find('=');
-        if (text.starts_with('['))
-            isInside = EqualNoCase(text, "[" + source + "]");
-        else if (isInside && equals != std::string_view::npos &&
-                 EqualNoCase(Trimmed(text.substr(0, equals)), "Database"))
-            if (std::string_view const path = Trimmed(text.substr(equals + 1)); path.starts_with('/'))
-                return DString(path);
-    }
-    return {};
-}
-
-/// Of a source that is a file and no server.
-DString DatabaseFileOf(ConnectionTerms const &terms, char const *home) {
-    auto const source = terms.options.find("dsn");
-    char const *const own = std::getenv("ODBCINI");
-    char const *const system = std::getenv("ODBCSYSINI");
-    DString path;
-    for (DString const &list :
-         {DString(own == nullptr ? "" : own), AppendPath(home == nullptr ? "" : home, ".odbc.ini"),
-          AppendPath(system == nullptr ? "/etc" : system, "odbc.ini")})
-        if (path.empty() && source != terms.options.end())
-            path = DatabaseFileIn(list, source->second);
-    return path;
 }
 
 } // namespace
@@ -104,9 +72,12 @@ std::vector<DString> PlacesToRead(ConnectionTerms const &terms, std::vector<DStr
         break;
     case ConnectionKind::Odbc:
         places.insert(places.end(), std::begin(kOfDatabases), std::end(kOfDatabases));
-        addOfHome({".odbc.ini"});
+        addOfHome({".odbcinst.ini", ".freetds.conf"});
         AddNamed(kVariablesOfSources, places);
-        places.push_back(DatabaseFileOf(terms, home));
+        // A source that is a file and no server.
+        for (auto const &[key, value] : terms.options)
+            if (EqualNoCase(key, "odbc.Database"))
+                places.push_back(value);
         break;
     default:
         addOfHome({".netrc"});

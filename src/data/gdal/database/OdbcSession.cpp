@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
+#include <utility>
 
 #include <sql.h>
 #include <sqlext.h>
@@ -60,6 +62,26 @@ DString ValueOf(std::map<DString, DString> const &texts, char const *name) {
     return at == texts.end() ? DString() : at->second;
 }
 
+/// As connection texts have it: between braces where it holds their marks.
+DString Value(DString const &value) {
+    if (value.find_first_of(";{}=[]()?*!@ ") == DString::npos)
+        return value;
+    DString text = "{";
+    for (char const c : value)
+        text.append(c == '}' ? 2 : 1, c);
+    return text + "}";
+}
+
+/// What the list of data sources says of ours; empty if nothing.
+DString TextOf(ConnectionTerms const &terms) {
+    constexpr std::string_view prefix = "odbc.";
+    DString text;
+    for (auto const &[key, value] : terms.options)
+        if (key.starts_with(prefix) && !value.empty())
+            text.append(key.substr(prefix.size())).append("=").append(Value(value)).append(";");
+    return text;
+}
+
 } // namespace
 
 std::shared_ptr<OdbcSession> OdbcSession::Open(DError *error) {
@@ -86,8 +108,19 @@ bool OdbcSession::Connect(DError *error) {
     DString const source = ValueOf(terms->options, "dsn");
     DString const user = ValueOf(terms->options, "user");
     DString const password = ValueOf(terms->secrets, "password");
-    m_isConnected = IsGood(SQLConnect(m_connection, Chars(source), SQL_NTS, user.empty() ? nullptr : Chars(user),
-                                      SQL_NTS, password.empty() ? nullptr : Chars(password), SQL_NTS));
+    DString text = TextOf(*terms);
+    if (text.empty()) {
+        m_isConnected = IsGood(SQLConnect(m_connection, Chars(source), SQL_NTS, user.empty() ? nullptr : Chars(user),
+                                          SQL_NTS, password.empty() ? nullptr : Chars(password), SQL_NTS));
+    } else {
+        for (auto const &[key, value] : {std::pair{"UID", user}, {"PWD", password}})
+            if (!value.empty())
+                text.append(key).append("=").append(Value(value)).append(";");
+        SQLSMALLINT size = 0;
+        m_isConnected = IsGood(
+            SQLDriverConnect(m_connection, nullptr, Chars(text), SQL_NTS, nullptr, 0, &size, SQL_DRIVER_NOPROMPT));
+        explicit_bzero(text.data(), text.size());
+    }
     if (!m_isConnected)
         Tell(terms->id, SQL_HANDLE_DBC, m_connection, error);
     return m_isConnected;
