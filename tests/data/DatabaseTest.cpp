@@ -183,6 +183,7 @@ TEST_F(Database, AFailureSaysItsCause) {
           Row{{{"database", "nope"}}, own, "", Missing, "database \"nope\" does not exist; there are field, postgres"},
           Row{{{"port", "1"}}, own, "", NoAnswer, "127.0.0.1:1 refuses connections"},
           Row{{{"sslmode", "require"}}, own, "", Server, "does not support SSL"},
+          Row{{}, own, "/none", Missing, "there is no schema none"},
           Row{{}, own, "/s/none", Missing, "there is no table s.none"},
           Row{{}, own, "/s/t?COLUMN=r", Missing, "no such raster"},
           Row{{}, own, "/s/t/more", Missing, "names nothing in"},

@@ -83,6 +83,15 @@ ConnectionTerms const *OwnDatabase(ConnectionKind kind) {
     return duty != nullptr && duty->connection && duty->connection->kind == kind ? &*duty->connection : nullptr;
 }
 
+std::optional<DatabaseAddress> InOwnDatabase(ConnectionKind kind, std::string_view address, DError *error) {
+    if (ConnectionTerms const *const terms = OwnDatabase(kind))
+        return DatabaseAddress::In(*terms, address, error);
+    if (error != nullptr && StartsWithNoCase(address, kind == ConnectionKind::Odbc ? "odbc:" : "postgresql"))
+        error->Set("\"" + DString(address) + "\": databases are read by readers of their connections alone",
+                   DError::Cause::NotSupported);
+    return std::nullopt;
+}
+
 std::set<DString> WantedSchemas(ConnectionTerms const *terms) {
     std::set<DString> wanted;
     auto const named = terms == nullptr ? std::map<DString, DString>::const_iterator() : terms->options.find("schemas");

@@ -30,6 +30,10 @@ struct DatabaseAddress {
 
 /// The terms of the connection to a database of that kind that this process reads for; null if it does not.
 [[nodiscard]] ConnectionTerms const *OwnDatabase(ConnectionKind kind);
+/// What an address names there. Nothing where this process reads for no such connection: the reason is told for an
+/// address of that kind.
+[[nodiscard]] std::optional<DatabaseAddress> InOwnDatabase(ConnectionKind kind, std::string_view address,
+                                                           DError *error);
 /// The schemas that such a connection keeps to; none for all.
 [[nodiscard]] std::set<DString> WantedSchemas(ConnectionTerms const *terms);
 

@@ -20,8 +20,7 @@ DString DatabaseTableDriver::GetInfo() const {
 }
 
 void *DatabaseTableDriver::OpenTable(BDIMoniker const &moniker, StopSignal const *stop, DError *error) {
-    ConnectionTerms const *const terms = OwnDatabase(m_kind);
-    auto const address = terms == nullptr ? std::nullopt : DatabaseAddress::In(*terms, moniker.GetText(), error);
+    auto const address = InOwnDatabase(m_kind, moniker.GetText(), error);
     if (!address)
         return nullptr;
     std::unique_ptr<zelvar::OpenTable> table;

@@ -91,11 +91,8 @@ std::shared_ptr<OdbcSession> OdbcSession::Open(DError *error) {
 
 bool OdbcSession::Connect(DError *error) {
     ConnectionTerms const *const terms = OwnDatabase(ConnectionKind::Odbc);
-    if (terms == nullptr) {
-        if (error != nullptr)
-            error->Set("databases are read by readers of their connections alone", Cause::NotSupported);
+    if (terms == nullptr)
         return false;
-    }
     if (!IsGood(SQLAllocHandle(SQL_HANDLE_ENV, SQL_NULL_HANDLE, &m_environment)))
         return false;
     SQLSetEnvAttr(m_environment, SQL_ATTR_ODBC_VERSION, Number(SQL_OV_ODBC3), 0);

@@ -95,8 +95,7 @@ std::optional<BDINode> OdbcTree::Find(DString const &path) const {
 }
 
 std::unique_ptr<Tree> OdbcDriver::OpenTree(DString const &url, DString const &, DError &error) const {
-    ConnectionTerms const *const terms = OwnDatabase(ConnectionKind::Odbc);
-    auto const address = terms == nullptr ? std::nullopt : DatabaseAddress::In(*terms, url, &error);
+    auto const address = InOwnDatabase(ConnectionKind::Odbc, url, &error);
     return address ? OdbcTree::Open(*address, error) : nullptr;
 }
 

@@ -97,6 +97,20 @@ std::optional<std::vector<PostgresRelation>> PostgresCatalogue::Tables(DString c
     return rows ? std::optional(RelationsIn(rows)) : std::nullopt;
 }
 
+DError PostgresCatalogue::WhyNoTables(DString const &schema) const {
+    DError error;
+    PostgresRows const rows = AskCatalogue(
+        m_subject,
+        "select pg_catalog.has_schema_privilege(oid, 'USAGE') from pg_catalog.pg_namespace where nspname = $1",
+        {schema}, m_stop, &error);
+    DString const shown = "\"" + m_subject + "\": ";
+    if (rows && rows.Count() == 0)
+        error.Set(shown + "there is no schema " + schema, DError::Cause::Missing);
+    else if (rows && !rows.Yes(0, 0))
+        error.Set(shown + "the user may not use the schema " + schema, DError::Cause::NotPermitted);
+    return error;
+}
+
 std::optional<PostgresRelation> PostgresCatalogue::Table(DString const &schema, DString const &name,
                                                          DError *error) const {
     // Whoever names one gets it, an extension's too.

@@ -43,6 +43,8 @@ public:
     [[nodiscard]] std::optional<std::vector<PostgresSchema>> Schemas(DError *error) const;
     /// Of a schema, or of all with an empty name; by schema and name.
     [[nodiscard]] std::optional<std::vector<PostgresRelation>> Tables(DString const &schema, DError *error) const;
+    /// Why a schema has no tables for its user; not set where it is there and empty.
+    [[nodiscard]] DError WhyNoTables(DString const &schema) const;
     /// Nothing, with the cause, also for one that is not there or may not be read.
     [[nodiscard]] std::optional<PostgresRelation> Table(DString const &schema, DString const &name,
                                                         DError *error) const;

@@ -31,9 +31,9 @@ DString DatabaseOf(ConnectionTerms const &terms) {
 bool HasPostgresRasters() { return OwnDatabase(ConnectionKind::PostgreSql) != nullptr; }
 
 std::optional<Source> ResolvePostgresRaster(BDIMoniker const &moniker, StopSignal const *stop, DError *error) {
-    ConnectionTerms const &terms = *OwnDatabase(ConnectionKind::PostgreSql);
-    auto const address = DatabaseAddress::In(terms, moniker.GetText(), error);
-    if (!address)
+    ConnectionTerms const *const terms = OwnDatabase(ConnectionKind::PostgreSql);
+    auto const address = InOwnDatabase(ConnectionKind::PostgreSql, moniker.GetText(), error);
+    if (terms == nullptr || !address)
         return std::nullopt;
     DString const name = "\"" + address->ToText() + "\"";
     if (address->table.empty())
@@ -50,14 +50,14 @@ std::optional<Source> ResolvePostgresRaster(BDIMoniker const &moniker, StopSigna
     if (columns.size() != 1)
         return Refuse(error, name + (columns.empty() ? " holds no raster" : " holds several rasters"),
                       DError::Cause::NotSupported);
-    for (DString const &part : {DatabaseOf(terms), table->schema, table->name, columns.front()})
+    for (DString const &part : {DatabaseOf(*terms), table->schema, table->name, columns.front()})
         if (!IsTaken(part))
             return Refuse(error, name + ": rasters whose names hold a quote or \\ cannot be read",
                           DError::Cause::NotSupported);
     Source source;
     source.text = address->ToText();
     source.reach = Reach::Network;
-    source.name = "PG:" + Value("dbname", DatabaseOf(terms)) + Value("schema", table->schema) +
+    source.name = "PG:" + Value("dbname", DatabaseOf(*terms)) + Value("schema", table->schema) +
                   Value("table", table->name) + Value("column", columns.front()) + Value("mode", "2");
     return source;
 }

@@ -62,12 +62,6 @@ bool PostgresSession::WaitFor(short events, std::optional<Clock::time_point> lim
 }
 
 std::unique_ptr<PostgresSession> PostgresSession::Open(StopSignal const *stop, DError *error) {
-    ConnectionTerms const *const terms = OwnDatabase(ConnectionKind::PostgreSql);
-    if (terms == nullptr) {
-        if (error != nullptr)
-            error->Set("databases are read by readers of their connections alone", DError::Cause::NotSupported);
-        return nullptr;
-    }
     DError failure;
     std::unique_ptr<PostgresSession> session = OpenDatabase(nullptr, stop, failure);
     if (session == nullptr && error != nullptr) {
@@ -107,7 +101,8 @@ DString PostgresSession::DatabasesThere(StopSignal const *stop) {
 }
 
 bool PostgresSession::Connect(DError &error) {
-    DString const subject = OwnDatabase(ConnectionKind::PostgreSql)->id;
+    ConnectionTerms const *const terms = OwnDatabase(ConnectionKind::PostgreSql);
+    DString const subject = terms == nullptr ? DString() : terms->id;
     pg_conn *const connection = m_connection.get();
     // Of a failed login only the text has what the server's error is in every language.
     PQsetErrorVerbosity(connection, PQERRORS_VERBOSE);

@@ -10,7 +10,8 @@ namespace zelvar::gdal {
 
 namespace {
 
-constexpr std::int64_t kMostAhead = 100'000; // tables that are listed before anybody has asked for them
+constexpr std::int64_t kMostAhead = 100'000;    // tables that are listed before anybody has asked for them
+constexpr std::chrono::seconds kAheadHolds{10}; // for who goes through the schemas one by one
 
 char const *WordOf(char kind) {
     switch (kind) {
@@ -58,6 +59,8 @@ std::unique_ptr<Tree> PostgresTree::Open(DatabaseAddress address, DError &error)
     if (place.table.empty()) {
         tree->m_listedRoot = tree->Children(tree->m_root);
         error = std::exchange(tree->m_error, {});
+        if (!error.IsSet() && !place.schema.empty() && tree->m_listedRoot->empty())
+            error = tree->m_catalogue.WhyNoTables(place.schema);
         return error.IsSet() ? nullptr : std::move(tree);
     }
     std::optional<PostgresRelation> const table = tree->m_catalogue.Table(place.schema, place.table, &error);
@@ -118,15 +121,20 @@ std::vector<BDINode> PostgresTree::ListSchemas() const {
 }
 
 std::vector<PostgresRelation> PostgresTree::TablesOf(DString const &schema) const {
+    if (Clock::now() - m_aheadSince > kAheadHolds)
+        m_ahead.clear();
     if (auto known = m_ahead.extract(schema)) // once: who asks again wants to know how it is now
         return std::move(known.mapped());
     bool const isSecond = m_entered.size() == 1 && !m_entered.contains(schema);
     m_entered.insert(schema);
     if (isSecond && m_tables <= kMostAhead) {
         auto all = m_catalogue.Tables({}, &m_error);
-        for (PostgresRelation &table : all ? *all : std::vector<PostgresRelation>())
+        if (!all)
+            return {};
+        for (PostgresRelation &table : *all)
             if (!m_entered.contains(table.schema) || table.schema == schema)
                 m_ahead[table.schema].push_back(std::move(table));
+        m_aheadSince = Clock::now();
         auto own = m_ahead.extract(schema);
         return own ? std::move(own.mapped()) : std::vector<PostgresRelation>();
     }
@@ -183,8 +191,7 @@ std::optional<BDINode> PostgresTree::Find(DString const &path) const {
 }
 
 std::unique_ptr<Tree> PostgresDriver::OpenTree(DString const &url, DString const &, DError &error) const {
-    ConnectionTerms const *const terms = OwnDatabase(ConnectionKind::PostgreSql);
-    auto address = terms == nullptr ? std::nullopt : DatabaseAddress::In(*terms, url, &error);
+    auto address = InOwnDatabase(ConnectionKind::PostgreSql, url, &error);
     return address ? PostgresTree::Open(*std::move(address), error) : nullptr;
 }
 

@@ -4,6 +4,7 @@
 #include "zelvar/data/gdal/database/DatabaseAddress.h"
 #include "zelvar/data/gdal/database/PostgresCatalogue.h"
 
+#include <chrono>
 #include <set>
 #include <unordered_map>
 
@@ -31,6 +32,7 @@ private:
     [[nodiscard]] std::vector<BDINode> NodesOf(PostgresRelation const &table, Overviews overviews) const;
     [[nodiscard]] BDINode SchemaNode(DString const &schema) const;
 
+    using Clock = std::chrono::steady_clock;
     DatabaseAddress m_address;
     PostgresCatalogue m_catalogue;
     BDINode m_root;
@@ -40,6 +42,7 @@ private:
     mutable std::int64_t m_tables = 0;                        ///< of all schemas, as they were listed last
     mutable std::set<DString> m_entered;                      ///< schemas, since then
     mutable std::unordered_map<DString, std::vector<PostgresRelation>> m_ahead; ///< of schemas not entered yet
+    mutable Clock::time_point m_aheadSince{};
     mutable std::unordered_map<DString, BDINode> m_found;
     mutable DError m_error; ///< of the last listing
 };
