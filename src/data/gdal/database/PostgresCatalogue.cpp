@@ -16,8 +16,10 @@ constexpr char kAnyTable[] = " where c.relkind in ('r', 'v', 'm', 'f', 'p')";
 constexpr char kOfUsers[] = " and n.nspname !~ '^pg_' and n.nspname <> 'information_schema'"
                             " and not exists (select 1 from pg_catalog.pg_depend d where d.deptype = 'e'"
                             " and d.classid = 'pg_catalog.pg_class'::pg_catalog.regclass and d.objid = c.oid)";
-constexpr char kMayBeRead[] = " pg_catalog.has_schema_privilege(n.oid, 'USAGE')"
-                              " and pg_catalog.has_table_privilege(c.oid, 'SELECT')";
+/// Rights are looked up one by one: indexes, of which there are more than tables, are passed over before.
+constexpr char kMayBeRead[] = " case when c.relkind in ('r', 'v', 'm', 'f', 'p') then"
+                              " pg_catalog.has_schema_privilege(n.oid, 'USAGE')"
+                              " and pg_catalog.has_table_privilege(c.oid, 'SELECT') else false end";
 
 DString SchemasStatement() {
     return DString("select n.nspname, count(*) from pg_catalog.pg_class c"
