@@ -7,6 +7,7 @@
 #     EXTERNAL Qt6::Widgets                # other libraries in its headers; EXTERNAL_PRIVATE for the .cpp files only
 #     PUBLIC_HEADERS cdxCDynamicWnd.h ...  # for applications: these are installed, with all that they include
 #     PRIVATE_HEADERS                      # or: nothing of it is installed
+#     INNER database                       # folders inside it that belong to it, headers "zelvar/<folder>/<inner>/Name.h"
 #     OWN_OPTIONS                          # is compiled with options of its own: no shared precompiled header
 #     SOURCES  cdxCDynamicWnd.cpp ...)
 #
@@ -18,7 +19,7 @@ define_property(TARGET PROPERTY ZELVAR_LAYER BRIEF_DOCS "layer of a module" FULL
 define_property(TARGET PROPERTY ZELVAR_PUBLIC_HEADERS BRIEF_DOCS "includes for applications" FULL_DOCS "as they are written")
 
 function(zelvar_module name)
-  cmake_parse_arguments(ARG "QT;PRIVATE_HEADERS;OWN_OPTIONS" "LAYER;FOLDER" "PUBLIC_HEADERS;DEPENDS;PRIVATE;EXTERNAL;EXTERNAL_PRIVATE;SOURCES" ${ARGN})
+  cmake_parse_arguments(ARG "QT;PRIVATE_HEADERS;OWN_OPTIONS" "LAYER;FOLDER" "PUBLIC_HEADERS;DEPENDS;PRIVATE;EXTERNAL;EXTERNAL_PRIVATE;INNER;SOURCES" ${ARGN})
   if(NOT ARG_FOLDER)
     set(ARG_FOLDER ${name})
   endif()
@@ -49,10 +50,13 @@ function(zelvar_module name)
   endif()
 
   # The include directory that shows this folder's headers and nothing else, not even those of a folder inside it.
-  file(GLOB headers RELATIVE "${CMAKE_CURRENT_SOURCE_DIR}" CONFIGURE_DEPENDS *.h)
+  list(TRANSFORM ARG_INNER APPEND "/*.h" OUTPUT_VARIABLE inner)
+  file(GLOB headers RELATIVE "${CMAKE_CURRENT_SOURCE_DIR}" CONFIGURE_DEPENDS *.h ${inner})
   set(window "${CMAKE_BINARY_DIR}/include/${name}")
   file(REMOVE_RECURSE "${window}")
-  file(MAKE_DIRECTORY "${window}/zelvar/${ARG_FOLDER}")
+  foreach(folder IN LISTS ARG_INNER ITEMS .)
+    file(MAKE_DIRECTORY "${window}/zelvar/${ARG_FOLDER}/${folder}")
+  endforeach()
   foreach(header IN LISTS headers)
     file(CREATE_LINK "${CMAKE_CURRENT_SOURCE_DIR}/${header}" "${window}/zelvar/${ARG_FOLDER}/${header}" SYMBOLIC)
   endforeach()

@@ -53,8 +53,10 @@ public:
         Crashed,   ///< the data end the process that reads them
         NoAnswer,  ///< the reader or the place does not answer
         Untrusted, ///< nobody known vouches for a server's certificate
+        /// It lies behind a connection that nobody has made.
+        NoConnection,
     };
-    static constexpr Cause kLastCause = Cause::Untrusted;
+    static constexpr Cause kLastCause = Cause::NoConnection;
 
     /// A detail of -1 means that none is known. The text is kept without secrets, see `Redacted`.
     ZELVAR_API void Set(DString const &text, Cause cause = Cause::Unknown, std::int64_t detail = -1);

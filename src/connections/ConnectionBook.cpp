@@ -3,7 +3,9 @@
 #include "zelvar/base/DFileFind.h"
 #include "zelvar/base/Directories.h"
 #include "zelvar/base/Translation.h"
+#include "zelvar/base/TypedSecrets.h"
 #include "zelvar/connections/ConnectionFields.h"
+#include "zelvar/connections/OdbcSource.h"
 #include "zelvar/connections/PostgreSqlService.h"
 #include "zelvar/xml/XMLNode.h"
 
@@ -88,9 +90,20 @@ std::vector<HostAndPort> HostsOf(Connection const &connection) {
     }
 }
 
+/// Whether an address alone does not say enough to reach what it names.
+bool NeedsConnection(std::string_view scheme) { return scheme.starts_with("postgresql") || scheme == "odbc"; }
+
 void PutSecret(ConnectionTerms &terms, char const *key, Secret const &secret) {
     if (!secret.IsEmpty())
         terms.secrets[key] = secret.Reveal();
+}
+
+/// Of a database: a password that was typed with the address comes before the one that is kept.
+ConnectionTerms WithTypedPassword(ConnectionTerms terms, std::string_view address) {
+    if (terms.kind == ConnectionKind::PostgreSql || terms.kind == ConnectionKind::Odbc)
+        if (std::optional<DString> const typed = PasswordInAddress(WithSecrets(DString(address))))
+            terms.secrets["password"] = *typed;
+    return terms;
 }
 
 } // namespace
@@ -175,6 +188,8 @@ ConnectionTerms MakeTerms(ConnectionBook::Entry const &entry, StopSignal const *
         }
     if (connection.timeLimit.count() > 0)
         terms.connectTime = connection.timeLimit;
+    if (connection.kind == ConnectionKind::Odbc)
+        TakeOdbcSource(terms); // a secret of the connection's own takes the place of one found there
     bool const isStore = connection.kind == ConnectionKind::ObjectStore;
     if (!entry.secret.IsEmpty()) {
         PutSecret(terms, isStore ? "key" : "password", entry.secret);
@@ -191,8 +206,12 @@ ConnectionTerms MakeTerms(ConnectionBook::Entry const &entry, StopSignal const *
 void UseDefinedConnections() {
     SetConnectionFinder([](std::string_view address) -> std::optional<ConnectionTerms> {
         std::shared_ptr<ConnectionBook const> const book = ConnectionBook::Now();
-        ConnectionBook::Entry const *const entry = book->FindByAddress(address);
-        return entry == nullptr ? std::nullopt : std::optional(MakeTerms(*entry));
+        if (ConnectionBook::Entry const *const entry = book->FindByAddress(address))
+            return WithTypedPassword(MakeTerms(*entry), address);
+        std::optional<ConnectionAddress> const wanted = ParseConnectionAddress(address);
+        if (!wanted || !NeedsConnection(wanted->scheme))
+            return std::nullopt;
+        return ConnectionTerms{.id = wanted->ToText(), .missing = MissingConnectionInWords(address)};
     });
 }
 

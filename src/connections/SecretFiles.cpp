@@ -220,6 +220,11 @@ std::vector<DString> PgServiceFiles() {
     return files;
 }
 
+std::vector<DString> OdbcSourceFiles() {
+    DString const folder = FromEnvironment("ODBCSYSINI");
+    return {NamedOrInHome("ODBCINI", ".odbc.ini"), AppendPath(folder.empty() ? "/etc" : folder, "odbc.ini")};
+}
+
 DString NetrcFile() { return NamedOrInHome("NETRC", ".netrc"); }
 DString AwsCredentialsFile() { return NamedOrInHome("AWS_SHARED_CREDENTIALS_FILE", ".aws/credentials"); }
 DString AwsConfigFile() { return NamedOrInHome("AWS_CONFIG_FILE", ".aws/config"); }

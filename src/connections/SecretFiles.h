@@ -45,7 +45,8 @@ struct SecretFileText {
 
 // Where they lie: as their own programs look for them, by their variables of the environment first.
 [[nodiscard]] ZELVAR_API DString PgPassFile();
-[[nodiscard]] ZELVAR_API std::vector<DString> PgServiceFiles(); ///< the user's, then that of the machine
+[[nodiscard]] ZELVAR_API std::vector<DString> PgServiceFiles();  ///< the user's, then that of the machine
+[[nodiscard]] ZELVAR_API std::vector<DString> OdbcSourceFiles(); ///< the same
 [[nodiscard]] ZELVAR_API DString NetrcFile();
 [[nodiscard]] ZELVAR_API DString AwsCredentialsFile();
 [[nodiscard]] ZELVAR_API DString AwsConfigFile();

@@ -33,7 +33,7 @@ public:
     std::uint32_t type = 0;    ///< `BDINodeType` bits
     DString path;              ///< opens the node again; for a data item also its moniker
     DString name;              ///< what the user sees
-    DString value;             ///< filter nodes: one filter's configuration
+    DString value;             ///< filter nodes: one filter's configuration; others: what is known of it, in words
     std::int64_t size = -1;    ///< bytes of what is a file; -1 if that is not known
     std::int64_t modified = 0; ///< nanoseconds since 1970; 0 if that is not known
 };

@@ -40,6 +40,7 @@ struct ConnectionTerms {
     std::map<DString, DString> options{}; ///< no secrets: sslmode, endpoint, region, ca ...
     std::map<DString, DString> secrets{}; ///< password, key ...: handed over in sealed memory, never logged
     std::chrono::milliseconds connectTime{5000};
+    DString missing{}; ///< in words, where the address needs a connection that nobody has made: nothing is reached then
     friend bool operator==(ConnectionTerms const &, ConnectionTerms const &) = default;
 };
 /// Whether the terms allow that host and port; case is not regarded. Port 0 asks whether any port of it is allowed.

@@ -42,6 +42,8 @@ constexpr CauseWords kCauses[] = {
     {DError::Cause::NoAnswer, Mark("its place does not answer"), Mark("check the connection, then try again")},
     {DError::Cause::Untrusted, Mark("its server's certificate is not trusted"),
      Mark("have the certificate of its authority installed on this computer")},
+    {DError::Cause::NoConnection, Mark("no connection to its server is defined"),
+     Mark("make one among the data sources")},
 };
 
 CauseWords const *WordsOf(DError const &error) {

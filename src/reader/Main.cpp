@@ -3,6 +3,7 @@
 #include "zelvar/data/wire/ReaderStatus.h"
 #include "zelvar/reader/BrokerClient.h"
 #include "zelvar/reader/Confinement.h"
+#include "zelvar/reader/DatabaseEnvironment.h"
 #include "zelvar/reader/DriverModules.h"
 #include "zelvar/reader/ReadablePlaces.h"
 #include "zelvar/reader/Server.h"
@@ -124,8 +125,12 @@ ReaderDuty DutyOf(Order &order) {
     ReaderDuty duty = DutyOf(order);
     std::vector<int> keep{order.socket, order.status->File()};
     std::vector<DString> readable;
+    FileDescriptor password(-1);
     if (order.reach == Reach::Connection) {
         keep.push_back(order.broker);
+        password = TellOfDatabase(*duty.connection);
+        if (password.IsOpen())
+            keep.push_back(password.Get());
         readable = PlacesToRead(*duty.connection, order.modules);
         BrokerClient::Use(order.broker);
         for (char const *name : kProxyNames) // the application speaks to proxies

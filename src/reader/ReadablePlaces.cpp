@@ -31,6 +31,7 @@ constexpr char const *kOfDatabases[] = {"/etc/odbc.ini", "/etc/odbcinst.ini", "/
 constexpr char const *kVariables[] = {"GDAL_DATA",           "PROJ_LIB",         "PROJ_DATA",
                                       "SSL_CERT_FILE",       "CURL_CA_BUNDLE",   "SSL_CERT_DIR",
                                       "GDAL_CURL_CA_BUNDLE", "GDAL_DRIVER_PATH", "LD_LIBRARY_PATH"};
+constexpr char const *kVariablesOfSources[] = {"ODBCSYSINI", "ODBCINSTINI"};
 constexpr char const *kVariablesOfStores[] = {"AWS_CONFIG_FILE", "AWS_SHARED_CREDENTIALS_FILE",
                                               "CPL_AWS_CREDENTIALS_FILE", "GOOGLE_APPLICATION_CREDENTIALS",
                                               "CPL_GS_CREDENTIALS_FILE"};
@@ -71,7 +72,12 @@ std::vector<DString> PlacesToRead(ConnectionTerms const &terms, std::vector<DStr
         break;
     case ConnectionKind::Odbc:
         places.insert(places.end(), std::begin(kOfDatabases), std::end(kOfDatabases));
-        addOfHome({".odbc.ini"});
+        addOfHome({".odbcinst.ini", ".freetds.conf"});
+        AddNamed(kVariablesOfSources, places);
+        // A source that is a file and no server.
+        for (auto const &[key, value] : terms.options)
+            if (EqualNoCase(key, "odbc.Database"))
+                places.push_back(value);
         break;
     default:
         addOfHome({".netrc"});

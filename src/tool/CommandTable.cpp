@@ -151,8 +151,8 @@ std::vector<CommandSpec> const &AllCommands() {
          .maxArguments = 1},
         {.name = "ls",
          .words = "PLACE",
-         .about = "Lists what lies in PLACE, a line an item: kind, size, time, name, path. What cannot be read is told "
-                  "on stderr, and the exit code is 3 then.",
+         .about = "Lists what lies in PLACE, a line an item: kind, size, time, name, path, and for some what "
+                  "else is known. What cannot be read is told on stderr, and the exit code is 3 then.",
          .options = {{"--folders", "", "folders and containers only"},
                      {"--recursive", "", "what lies in folders and containers below, too"},
                      {"--filter", "MASK", "only these files"},

@@ -2,6 +2,7 @@
 
 #include "zelvar/base/ByteEscapes.h"
 #include "zelvar/model/SeriesItem.h"
+#include "zelvar/model/TemplDataSourceItem.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -27,6 +28,12 @@ DString TimeText(SystemTime const &time) {
     return text;
 }
 
+/// What its driver tells of a node besides: "table, about 1200 rows"; empty for most.
+DString DetailsOf(ListedItem const &item) {
+    auto const *const inTree = dynamic_cast<TemplDataSourceItem const *>(item.item.get());
+    return inTree == nullptr || inTree->GetNode() == nullptr ? DString() : inTree->GetNode()->value;
+}
+
 } // namespace
 
 DString JsonText(DString const &bytes) {
@@ -50,6 +57,8 @@ DString LineOf(ListedItem const &item) {
     line.append("\t").append(EscapeControlBytes(item.path));
     if (auto const *const series = dynamic_cast<SeriesItem const *>(item.item.get()))
         line.append("\t").append(series->Summary());
+    if (DString const details = DetailsOf(item); !details.empty())
+        line.append("\t").append(EscapeControlBytes(details));
     return line.append("\n");
 }
 
@@ -60,6 +69,8 @@ DString JsonOf(ListedItem const &item) {
     line.append(", \"name\": ").append(JsonText(item.name));
     if (auto const *const series = dynamic_cast<SeriesItem const *>(item.item.get()))
         line.append(", \"members\": ").append(JsonText(series->Summary()));
+    if (DString const details = DetailsOf(item); !details.empty())
+        line.append(", \"details\": ").append(JsonText(details));
     return line.append(", \"path\": ").append(JsonText(item.path)).append("}");
 }
 

@@ -1,6 +1,7 @@
 #include "zelvar/connections/SecretFiles.h"
 
 #include "support/Test.h"
+#include "zelvar/connections/ConnectionBook.h"
 #include "zelvar/connections/SecretStore.h"
 
 #include <sys/stat.h>
@@ -106,6 +107,24 @@ TEST(SecretFiles, AConnectionFindsItsLoginWhereItSays) {
         DString const told = answer.user + (answer.user.empty() ? "" : " ") + DString(answer.secret.Reveal()) +
                              DString(answer.token.Reveal()) + answer.words;
         EXPECT_EQ(told, found);
+    }
+}
+
+TEST(SecretFiles, WhatAListSaysOfADataSourceGoesToItsReader) {
+    test::TempFolder const home;
+    setenv("ODBCINI", home.Write("own.ini", "[Lab]\nDriver = SQLite3\nDatabase=/a b.db\nPWD = secret\n").c_str(), 1);
+    setenv("ODBCSYSINI", home.Path().c_str(), 1);
+    home.Write("odbc.ini", "[Lab]\nDriver=Other\n[Plain]\nDriver=Other\n");
+    using Texts = std::map<DString, DString>;
+    for (auto const &[source, options, secrets] : test::Rows<DString, Texts, Texts>{
+             {"Lab", {{"odbc.Driver", "SQLite3"}, {"odbc.Database", "/a b.db"}}, {{"password", "secret"}}},
+             {"Plain", {{"odbc.Driver", "Other"}}, {}},
+             {"None", {}, {}}}) {
+        Connection const connection{.name = "n", .kind = ConnectionKind::Odbc, .fields = {{"dsn", source}}};
+        ConnectionTerms terms = MakeTerms({.connection = connection, .secret = {}});
+        EXPECT_EQ(terms.options.erase("dsn"), 1U);
+        EXPECT_EQ(terms.options, options);
+        EXPECT_EQ(terms.secrets, secrets);
     }
 }
 

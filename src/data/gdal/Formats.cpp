@@ -41,20 +41,20 @@ constexpr Barred kBarred[] = {
     {"KMLSUPEROVERLAY", false},                          // follows links
     {"MEM", false},                                      // an address in memory
     {"MRF", false},                                      // fetches what it names and keeps it beside the file
-    {"MSSQLSpatial", true, ConnectionKind::Odbc},        // database
+    {"MSSQLSpatial", true},                              // database
     {"Memory", false},                                   // not on disk
-    {"MySQL", true, ConnectionKind::Odbc},               // database
+    {"MySQL", true},                                     // database
     {"NAS", false},                                      // writes .gfs
     {"NGW", true},                                       // service
     {"OAPIF", true},                                     // service
-    {"ODBC", true, ConnectionKind::Odbc},                // database
+    {"ODBC", true},                                      // databases, read without it
     {"OGCAPI", true},                                    // service
     {"OGR_OGDI", true},                                  // service
     {"PGeo", true},                                      // database driver
     {"PLMOSAIC", true},                                  // service
     {"PLSCENES", true},                                  // service
     {"PostGISRaster", true, ConnectionKind::PostgreSql}, // database
-    {"PostgreSQL", true, ConnectionKind::PostgreSql},    // database
+    {"PostgreSQL", true},                                // database, read without it
     {"RDA", true},                                       // service
     {"Rasterlite", false},                               // opens tiles with any format
     {"STACIT", false},                                   // opens what it names

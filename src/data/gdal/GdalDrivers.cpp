@@ -11,6 +11,9 @@
 #include "zelvar/data/gdal/RasterDriver.h"
 #include "zelvar/data/gdal/TableDriver.h"
 #include "zelvar/data/gdal/ZipTree.h"
+#include "zelvar/data/gdal/database/DatabaseTableDriver.h"
+#include "zelvar/data/gdal/database/OdbcTree.h"
+#include "zelvar/data/gdal/database/PostgresTree.h"
 #include "zelvar/data/tables/ADIDriverMngr.h"
 
 namespace zelvar {
@@ -23,6 +26,8 @@ void RegisterGdalDrivers() {
     for (gdal::FolderKind const kind : {gdal::FolderKind::Directory, gdal::FolderKind::Smb, gdal::FolderKind::Web})
         trees.Add(std::make_unique<gdal::FolderDriver>(kind));
     trees.Add(std::make_unique<gdal::MapServiceDriver>());
+    trees.Add(std::make_unique<gdal::PostgresDriver>());
+    trees.Add(std::make_unique<gdal::OdbcDriver>());
     trees.Add(std::make_unique<gdal::ZipDriver>());
     for (gdal::Format const &format : gdal::Formats::Instance().All()) {
         trees.Add(std::make_unique<gdal::ContainerDriver>(format));
@@ -32,6 +37,8 @@ void RegisterGdalDrivers() {
             tables.Add(std::make_unique<gdal::TableDriver>(format));
     }
     trees.Add(std::make_unique<gdal::DataFolderDriver>());
+    for (ConnectionKind const kind : {ConnectionKind::PostgreSql, ConnectionKind::Odbc})
+        tables.Add(std::make_unique<gdal::DatabaseTableDriver>(kind));
     for (FormatFacts const &uses : gdal::Formats::Instance().Uses())
         DIOPluginMngr::Instance()->Add(std::make_unique<gdal::GdalPlugin>(uses));
 }

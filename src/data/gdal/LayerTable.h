@@ -19,6 +19,7 @@ public:
 protected:
     std::int64_t GoBack(std::int64_t row) override;
     [[nodiscard]] bool Step() override;
+    [[nodiscard]] bool HasFailed() const override { return m_hasFailed; }
     [[nodiscard]] bool Append(ADIRows &rows) const override;
 
 private:
@@ -42,7 +43,8 @@ private:
 
     DatasetPtr m_dataset;
     bool m_isOfService = false;
-    void *m_layer = nullptr; ///< GDAL's handle, the data set's
+    bool m_hasFailed = false; ///< the service did not give the row
+    void *m_layer = nullptr;  ///< GDAL's handle, the data set's
     Format const *m_format = nullptr;
     std::vector<Field> m_fields;
     std::unique_ptr<TextRecoder> m_recoder;          ///< of texts as the file has them; null where they come in UTF-8

@@ -6,6 +6,7 @@
 #include "zelvar/data/gdal/RasterReading.h"
 #include "zelvar/data/gdal/SliceGrid.h"
 #include "zelvar/data/gdal/Source.h"
+#include "zelvar/data/gdal/database/PostgresRaster.h"
 
 #include <cpl_conv.h>
 #include <cpl_multiproc.h>
@@ -147,7 +148,7 @@ bool Image::Conclude(bool isRead, double y, double height, GdalScope const &scop
 Image &Of(void *handle) { return *static_cast<Image *>(handle); }
 
 std::unique_ptr<Image> OpenImage(BDIMoniker const &moniker, Format const *only, StopSignal const *stop, DError *error) {
-    auto const source = Resolve(moniker, error);
+    auto const source = HasPostgresRasters() ? ResolvePostgresRaster(moniker, stop, error) : Resolve(moniker, error);
     if (!source)
         return nullptr;
     if (!source->layer.empty()) {

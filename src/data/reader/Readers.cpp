@@ -176,7 +176,10 @@ Readers::Answer Readers::Exchange(Call const &call, MakeRequest const &make) {
     if (DError error; IsRefused(call, terms, error))
         return giveUp(std::move(error));
 
-    ReaderPool::Loan loan = Borrow(call, terms);
+    ReaderPool::TermsPtr connection = ConnectionOf(call.subject.empty() ? call.address : call.subject);
+    if (connection != nullptr && !connection->missing.empty())
+        return giveUp(Because(connection->missing.c_str(), DError::Cause::NoConnection));
+    ReaderPool::Loan loan = Borrow(call, terms, std::move(connection));
     if (!loan)
         return giveUp(Because("no reader is free", DError::Cause::NoAnswer));
     std::uint64_t const number = ++m_lastNumber;
@@ -217,9 +220,9 @@ ReaderPool::TermsPtr Readers::ConnectionOf(DString const &moniker) {
     return terms.id.empty() ? nullptr : std::make_shared<ConnectionTerms const>(std::move(terms));
 }
 
-ReaderPool::Loan Readers::Borrow(Call const &call, Terms const &terms) {
+ReaderPool::Loan Readers::Borrow(Call const &call, Terms const &terms, ReaderPool::TermsPtr connection) {
     ReaderPool::Wanted const wanted{.listing = terms.kind == RequestKind::Probe || terms.kind == RequestKind::List,
-                                    .terms = ConnectionOf(call.subject.empty() ? call.address : call.subject),
+                                    .terms = std::move(connection),
                                     .preferred = call.preferred};
     while (true) {
         ReaderPool::Loan loan = m_pool.Borrow(wanted, terms.begin + terms.time, terms.isStopped);

@@ -96,7 +96,7 @@ private:
         bool inStep = false;              ///< the reader has no request under way any more
         std::chrono::milliseconds had{0}; ///< by a reader that came late
     };
-    [[nodiscard]] ReaderPool::Loan Borrow(Call const &call, Terms const &terms);
+    [[nodiscard]] ReaderPool::Loan Borrow(Call const &call, Terms const &terms, ReaderPool::TermsPtr connection);
     [[nodiscard]] static bool IsInStep(ReaderPool::Loan const &loan);
     static Outcome Wait(ReaderPool::Loan const &loan, Terms const &terms, std::uint64_t number, Answer &answer);
     static Outcome GiveUp(ReaderPool::Loan const &loan, Terms const &terms, std::uint64_t number, Answer &answer,

@@ -7,20 +7,45 @@
 #include "zelvar/data/reader/TreeProbes.h"
 
 #include <cstring>
+#include <memory>
+#include <string_view>
+#include <unordered_map>
 #include <utility>
 
 namespace zelvar {
 
 namespace {
 
+/// What the reader has told of the children of a node. Who lists opens each of them by its path right behind that: so
+/// the last listing answers, and not a message for each.
+class Listing {
+public:
+    explicit Listing(std::vector<BDINode> nodes) : m_nodes(std::move(nodes)) {}
+    [[nodiscard]] BDINode const *At(std::size_t index) const {
+        return index < m_nodes.size() ? &m_nodes[index] : nullptr;
+    }
+    [[nodiscard]] BDINode const *Find(std::string_view path) {
+        if (m_byPath.empty())
+            for (BDINode const &node : m_nodes)
+                m_byPath.emplace(node.path, &node);
+        auto const at = m_byPath.find(path);
+        return at == m_byPath.end() ? nullptr : at->second;
+    }
+
+private:
+    std::vector<BDINode> m_nodes;
+    std::unordered_map<std::string_view, BDINode const *> m_byPath;
+};
+
 struct Repository {
     wire::TreeSpecT spec;
     int reader = 0; ///< that has it open, as far as we know
     DError walkError;
+    std::shared_ptr<Listing> listing; ///< the last one; null before
 };
 
 struct Walk {
-    std::vector<BDINode> children;
+    std::shared_ptr<Listing> listing;
     std::size_t next = 0;
 };
 
@@ -102,6 +127,9 @@ void RemoteTreeDriver::CloseRepository(void *repository) {
 BDINode *RemoteTreeDriver::OpenNode(void *repository, char const *path) {
     if (repository == nullptr || path == nullptr)
         return nullptr;
+    if (Of(repository).listing != nullptr)
+        if (BDINode const *const listed = Of(repository).listing->Find(path))
+            return new BDINode(*listed);
     wire::FindNodeT body;
     body.path = path;
     DError failure;
@@ -120,18 +148,20 @@ void *RemoteTreeDriver::FindFirstChildNode(void *repository, BDINode const *node
     body.parent = ToWire(*node);
     body.mask = mask;
     Of(repository).walkError.Clear();
+    Of(repository).listing.reset();
     auto const listed =
         AskAbout<wire::ChildrenT>(Of(repository), "children", std::move(body), Of(repository).walkError);
     if (listed == nullptr || listed->nodes.empty())
         return nullptr;
     auto walk = std::make_unique<Walk>();
-    walk->children = NodesFrom(std::move(*listed));
+    walk->listing = std::make_shared<Listing>(NodesFrom(std::move(*listed)));
+    Of(repository).listing = walk->listing;
     return walk.release();
 }
 
 BDINode const *RemoteTreeDriver::FindNextChildNode(void *find) {
     auto *walk = static_cast<Walk *>(find);
-    return walk != nullptr && walk->next < walk->children.size() ? &walk->children[walk->next++] : nullptr;
+    return walk == nullptr ? nullptr : walk->listing->At(walk->next++);
 }
 
 DError RemoteTreeDriver::GetWalkError(void *repository) const {

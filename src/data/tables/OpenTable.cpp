@@ -9,7 +9,7 @@ bool OpenTable::StepCounted() {
         ++m_next;
         return true;
     }
-    if (!m_hasFailed)
+    if (!HasFailed())
         m_end = m_next;
     return false;
 }
@@ -23,13 +23,18 @@ bool OpenTable::GoTo(std::int64_t row) {
         if (!StepCounted())
             break;
     }
-    return true;
+    return m_next == row || !HasFailed() || Fail();
+}
+
+/// The next reading begins anew.
+bool OpenTable::Fail() {
+    m_next = GoBack(0);
+    return false;
 }
 
 bool OpenTable::ReadRows(std::int64_t first, int most, ADIRows &rows) {
     rows = {};
     rows.first = first;
-    m_hasFailed = false;
     rows.isEnd = m_end >= 0 && first >= m_end;
     if (rows.isEnd)
         return true;
@@ -39,8 +44,11 @@ bool OpenTable::ReadRows(std::int64_t first, int most, ADIRows &rows) {
            rows.ends.size() < ADIDriver::kBatchCells) {
         if (IsStopped())
             return false;
-        if (!StepCounted())
+        if (!StepCounted()) {
+            if (HasFailed())
+                return Fail();
             break;
+        }
         std::size_t const cells = rows.ends.size();
         std::size_t const bytes = rows.texts.size();
         if (!Append(rows)) {
@@ -54,7 +62,7 @@ bool OpenTable::ReadRows(std::int64_t first, int most, ADIRows &rows) {
         ++rows.count;
     }
     rows.isEnd = m_end >= 0 && first + rows.count >= m_end;
-    return !m_hasFailed;
+    return true;
 }
 
 } // namespace zelvar

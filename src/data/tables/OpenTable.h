@@ -6,7 +6,7 @@ namespace zelvar {
 
 /// A table that is open, behind a cursor: few formats find a row by its number, and none of them tells cheaply how many
 /// there are. So the cursor goes forward, and back to a place before the row where an earlier one is asked for. A row
-/// that cannot be read ends the table.
+/// that cannot be read ends the table, but for one that its server has not given (`HasFailed`).
 class ZELVAR_API OpenTable {
 public:
     virtual ~OpenTable() = default;
@@ -38,6 +38,8 @@ protected:
     virtual std::int64_t GoBack(std::int64_t row) = 0;
     /// Reads the row behind the cursor; false if there is none.
     [[nodiscard]] virtual bool Step() = 0;
+    /// Whether there was none the last time because it could not be read, and may be the next time: that is no end.
+    [[nodiscard]] virtual bool HasFailed() const { return false; }
     /// Appends the cells of the row read last; false if there is too much of them.
     [[nodiscard]] virtual bool Append(ADIRows &rows) const = 0;
 
@@ -47,11 +49,11 @@ protected:
 
     std::vector<ADIColumn> m_columns;
     DString m_encodingName;
-    bool m_hasFailed = false; ///< `Step` found that a server did not give the row: that is not the end of the table
 
 private:
     [[nodiscard]] bool GoTo(std::int64_t row);
     [[nodiscard]] bool StepCounted();
+    [[nodiscard]] bool Fail();
 
     StopPoll m_stop;
     std::int64_t m_next = 0; ///< the row that the cursor stands before
