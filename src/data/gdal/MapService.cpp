@@ -265,9 +265,12 @@ OpenedSource OpenInService(Source const &source, unsigned flags, Format const *o
     DError reason;
     opened.format = FormatOfService(address, flags);
     if (opened.format == nullptr || (only != nullptr && only != opened.format)) {
-        bool const isThing = address.HasThing() && address.service != Service::Any;
-        reason.Set("\"" + source.text + "\" names " +
-                       (isThing ? "data of another kind" : "a service, not one thing in it"),
+        // Their formats are taken out of all processes but the readers of such a connection.
+        bool const isKnown = Formats::Instance().Find(services::NameOf(address.service)) != nullptr;
+        reason.Set("\"" + source.text + "\" " +
+                       (!address.HasThing() ? "names a service, not one thing in it"
+                        : isKnown           ? "names data of another kind"
+                                            : "is read by a reader of its own alone"),
                    Cause::NotSupported);
     } else {
         GdalScope const scope(Reach::Network);
