@@ -67,7 +67,7 @@ TEST_F(Database, IsListedByThreeStatementsHoweverManyTablesThereAre) {
     BDINode const second = *tree.Node(m_address + "/s2");
     EXPECT_EQ(tree.Children(second).size(), 21U);
     auto const names = tree.Names(*tree.Node(m_address + "/s1"));
-    EXPECT_EQ(names.at("places"), BDINode_Thematic);
+    EXPECT_EQ(names.at("places"), BDINode_Thematic | BDINode_Table);
     EXPECT_EQ(names.at("seen"), BDINode_Table);
     EXPECT_EQ(tree.Node(m_address + "/s1/t1")->value, "table, about 0 rows");
     Connect({{"schemas", "s1, s3"}, {"tables", "geometry"}});

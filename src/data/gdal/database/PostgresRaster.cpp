@@ -9,9 +9,9 @@ namespace zelvar::gdal {
 
 namespace {
 
-std::optional<Source> Refuse(DError *error, DString reason, DError::Cause cause) {
+std::optional<Source> Refuse(DError *error, DString const &reason, DError::Cause cause) {
     if (error != nullptr)
-        error->Set(std::move(reason), cause);
+        error->Set(reason, cause);
     return std::nullopt;
 }
 

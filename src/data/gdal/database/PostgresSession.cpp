@@ -131,6 +131,7 @@ bool PostgresSession::Connect(DError &error) {
 PostgresRows PostgresSession::Ask(DString const &subject, char const *statement, std::vector<DString> const &parameters,
                                   DError *error) {
     std::vector<char const *> values;
+    values.reserve(parameters.size());
     for (DString const &parameter : parameters)
         values.push_back(parameter.c_str());
     constexpr int asText = 0;

@@ -150,7 +150,7 @@ std::vector<BDINode> PostgresTree::ListTables(DString const &schema) const {
 }
 
 /// A raster is a node for each of its columns; overviews belong to what they are of. What else a table has is a layer
-/// if there are places in it. A table of rasters alone is no table besides.
+/// if there are places in it, whose attributes are a table. A table of rasters alone is no table besides.
 std::vector<BDINode> PostgresTree::NodesOf(PostgresRelation const &table, Overviews overviews) const {
     std::vector<BDINode> nodes;
     DatabaseAddress place = m_address;
@@ -168,7 +168,8 @@ std::vector<BDINode> PostgresTree::NodesOf(PostgresRelation const &table, Overvi
     place.column.clear();
     bool const isLayer = table.HasGeometry();
     if (isLayer || (m_withPlainTables && !table.HasRaster())) {
-        nodes.push_back(MakeNode(isLayer ? BDINode_Thematic : BDINode_Table, place.ToText(), table.name));
+        nodes.push_back(
+            MakeNode(isLayer ? BDINode_Thematic | BDINode_Table : BDINode_Table, place.ToText(), table.name));
         nodes.back().value = DetailsOf(table);
     }
     return nodes;
