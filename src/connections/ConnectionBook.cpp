@@ -4,6 +4,7 @@
 #include "zelvar/base/Directories.h"
 #include "zelvar/base/Translation.h"
 #include "zelvar/connections/ConnectionFields.h"
+#include "zelvar/connections/ConnectionListing.h"
 #include "zelvar/connections/PostgreSqlService.h"
 #include "zelvar/xml/XMLNode.h"
 
@@ -190,6 +191,8 @@ ConnectionTerms MakeTerms(ConnectionBook::Entry const &entry, StopSignal const *
 
 void UseDefinedConnections() {
     SetConnectionFinder([](std::string_view address) -> std::optional<ConnectionTerms> {
+        if (std::optional<ConnectionBook::Entry> const tried = TriedConnection::FindByAddress(address))
+            return MakeTerms(*tried);
         std::shared_ptr<ConnectionBook const> const book = ConnectionBook::Now();
         ConnectionBook::Entry const *const entry = book->FindByAddress(address);
         return entry == nullptr ? std::nullopt : std::optional(MakeTerms(*entry));

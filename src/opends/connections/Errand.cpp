@@ -1,0 +1,28 @@
+#include "zelvar/opends/connections/Errand.h"
+
+namespace zelvar {
+
+std::shared_ptr<Errand> Errand::Start(Work work, platform::MessageTarget target, platform::MessageId message) {
+    std::shared_ptr<Errand> errand(new Errand(std::move(work), std::move(target), message));
+    errand->m_self = errand;
+    if (errand->DThread::Start())
+        return errand;
+    errand->m_self.reset();
+    return nullptr;
+}
+
+void Errand::Release() {
+    m_stop = true;
+    Abandon(); // the thread holds this object until it has ended
+}
+
+void Errand::Run() {
+    // The last owner may be this thread.
+    std::shared_ptr<Errand> const self = std::move(m_self);
+    m_work(m_stop);
+    m_work = {}; // a password in it is wiped now
+    m_isAtWork = false;
+    m_target.Post(m_message);
+}
+
+} // namespace zelvar
