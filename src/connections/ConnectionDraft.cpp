@@ -86,6 +86,7 @@ ConnectionDraft::ConnectionDraft(Connection const &connection)
 void ConnectionDraft::SetKind(ConnectionKind kind) {
     if (kind == m_kind)
         return;
+    bool const isUsual = secret == SecretPlacesOf(m_kind).front();
     std::map<DString, DString> const former = m_texts[m_kind];
     std::map<DString, DString> &texts = m_texts[kind];
     std::vector<ConnectionField> const formerFields = FieldsOf(m_kind);
@@ -98,7 +99,9 @@ void ConnectionDraft::SetKind(ConnectionKind kind) {
     }
     m_kind = kind;
     std::vector<SecretPlace> const places = SecretPlacesOf(kind);
-    if (secret != SecretPlace::Definition && std::find(places.begin(), places.end(), secret) == places.end())
+    bool const isKnown =
+        secret == SecretPlace::Definition || std::find(places.begin(), places.end(), secret) != places.end();
+    if (isUsual || !isKnown)
         secret = places.front();
 }
 

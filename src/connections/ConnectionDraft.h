@@ -9,7 +9,7 @@ namespace zelvar {
 /// stays while another one is looked at. A value.
 class ZELVAR_API ConnectionDraft {
 public:
-    /// One of a kind that keeps its password in the keyring.
+    /// Of a database that keeps its password where most do.
     ConnectionDraft() = default;
     explicit ConnectionDraft(Connection const &connection);
 
@@ -20,9 +20,9 @@ public:
     void SetText(DString const &key, DString const &text);
 
     DString name{};
-    SecretPlace secret = SecretPlace::None;
-    DString allow{};     ///< hosts, between blanks, commas or semicolons
-    DString timeLimit{}; ///< whole seconds, from 1 to 3600; empty for the usual time
+    SecretPlace secret = SecretPlace::Keyring; ///< the usual one of a kind follows the kind
+    DString allow{};                           ///< hosts, between blanks, commas or semicolons
+    DString timeLimit{};                       ///< whole seconds, from 1 to 3600; empty for the usual time
 
     /// What can be read of it: texts that are wrong are as they stand, or left out.
     [[nodiscard]] Connection ToConnection() const;

@@ -2,6 +2,7 @@
 #include "support/OpenDialogHand.h"
 #include "support/RealDrivers.h"
 #include "support/Told.h"
+#include "zelvar/data/BDINode.h"
 #include "zelvar/lists/CZelListCtrl.h"
 #include "zelvar/opends/ConnectionRows.h"
 #include "zelvar/opends/DataSourceList.h"
@@ -58,7 +59,7 @@ struct ConnectionPages : testing::Test {
     /// Runs the dialog while `act` has its hand on the list of data sources.
     void OnList(std::function<void(DataSourceList &)> const &act) {
         DialogPtr const dialog(DlgOpenDS::CreateDialogObject({&all}, &all, DT_DATA, nullptr, nullptr));
-        dialog->SetInitDir(folder.Path().c_str());
+        dialog->SetBDIFilter(BDINode_Raster);
         RunWhen(
             *dialog, [&] { return dialog->SourceList() != nullptr && dialog->SourceList()->isVisible(); },
             [&] { act(*dialog->SourceList()); });
@@ -144,8 +145,9 @@ TEST_F(ConnectionPages, MakeTestAndShowAConnectionByTheKeyboardAlone) {
         type("ann");
         auto *const places = dynamic_cast<QComboBox *>(dialog.Form()->Control("secret"));
         goTo(places);
-        while (places->currentData().toInt() != static_cast<int>(SecretPlace::Ask))
+        for (int down = 0; down < 2; ++down)
             key(Qt::Key_Down);
+        ASSERT_EQ(dialog.Form()->Draft().secret, SecretPlace::Ask);
         goTo(dialog.Form()->Control("password"));
         type(kMarker);
         auto *const test = platform::GetDlgItem<QPushButton>(dialog, 1004);

@@ -228,9 +228,11 @@ void ConnectionDlg::OnNews(platform::MessageParam testsAtOnce) {
 
 void ConnectionDlg::OnTrialEnded() {
     std::vector<TrialResult> const &results = m_trial->Results();
-    bool const works = !results.empty() && results.back().state == TrialState::Works;
-    if (works)
-        m_trial->SayBelow(Translated(kWorks) + (" " + results.back().words));
+    if (results.empty() || results.back().state != TrialState::Works)
+        return; // the last step says why
+    auto const listing = std::find_if(results.begin(), results.end(),
+                                      [](TrialResult const &result) { return result.step == TrialStep::Listing; });
+    m_trial->SayBelow(listing == results.end() ? Translated(kWorks) : listing->words);
 }
 
 void ConnectionDlg::OnOK() {

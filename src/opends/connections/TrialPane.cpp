@@ -12,6 +12,7 @@
 #include <QtWidgets/QMenu>
 #include <QtWidgets/QVBoxLayout>
 
+#include <algorithm>
 #include <array>
 
 namespace zelvar {
@@ -38,9 +39,15 @@ TrialPane::TrialPane(QWidget *parent) : QWidget(parent), m_list(new CZelListCtrl
     whole->setSpacing(kSpacing);
     whole->addWidget(m_list, 1);
     whole->addWidget(m_words);
-    m_list->AddCol(Translated("Step"), Translated("encryption"), ADICol_String, LVCFMT_LEFT, false);
-    m_list->AddCol(Translated("Outcome"), Translated("stopped"), ADICol_String, LVCFMT_LEFT, false);
-    m_list->AddCol("ms", "00000", ADICol_Int, LVCFMT_RIGHT, false);
+    std::vector<QString> steps{platform::Shown("Step")};
+    for (int step = 0; step <= static_cast<int>(TrialStep::FirstItem); ++step)
+        steps.push_back(platform::ToQString(TrialStepInWords(static_cast<TrialStep>(step))));
+    std::vector<QString> outcomes{platform::Shown("Outcome")};
+    for (TrialState const state : {TrialState::Works, TrialState::Failed, TrialState::Stopped})
+        outcomes.push_back(platform::ToQString(TrialStateInWords(state)));
+    m_list->AddCol(Translated("Step"), ADICol_String, false, WidthOf(steps), LVCFMT_LEFT);
+    m_list->AddCol(Translated("Outcome"), ADICol_String, false, WidthOf(outcomes), LVCFMT_LEFT);
+    m_list->AddCol("ms", ADICol_Int, false, WidthOf({QStringLiteral("00000")}), LVCFMT_RIGHT);
     m_list->AddCol(Translated("What was found"), ADICol_String, false, 100, LVCFMT_LEFT);
     m_list->EnlargeCol(3, true);
     m_list->SetMultiSlct(false);
@@ -58,6 +65,14 @@ TrialPane::TrialPane(QWidget *parent) : QWidget(parent), m_list(new CZelListCtrl
     connect(m_list, &ReportView::ContextMenu, this, &TrialPane::RunMenu);
     auto *const copy = new QShortcut(QKeySequence::Copy, m_list, nullptr, nullptr, Qt::WidgetWithChildrenShortcut);
     connect(copy, &QShortcut::activated, this, &TrialPane::Copy);
+}
+
+int TrialPane::WidthOf(std::vector<QString> const &words) const {
+    constexpr int margins = 16; // of a cell and of its heading, both sides
+    int width = 0;
+    for (QString const &word : words)
+        width = std::max(width, fontMetrics().horizontalAdvance(word) + margins);
+    return width;
 }
 
 void TrialPane::Clear(char const *words) {

@@ -29,6 +29,7 @@ public:
     [[nodiscard]] QLabel *Words() const { return m_words; }
 
 private:
+    [[nodiscard]] int WidthOf(std::vector<QString> const &words) const; ///< of a column with them
     void Copy() const;
     void RunMenu(QPoint screenPoint);
     void ShowSelected();
