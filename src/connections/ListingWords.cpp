@@ -37,6 +37,8 @@ constexpr char const *kNoKey = Mark("%s: there is no such key.");
 constexpr char const *kExpired = Mark("%s: the login has expired.");
 constexpr char const *kMayNotList =
     Mark("%s: the key may read objects but not list them: give a prefix or a full name.");
+constexpr char const *kLeadsOn =
+    Mark("The server sends on to %s. If that is right, name it among the hosts also allowed.");
 constexpr char const *kNotListed = Mark("It cannot be listed: %s.");
 constexpr char const *kEmpty = Mark("It is listed, and nothing is in it.");
 constexpr char const *kWorks = Mark("Works: %s.");
@@ -109,11 +111,23 @@ DString LoginWords(Connection const &connection, DError const &error) {
     return user.empty() ? DString(Translated(kWantsLogin)) : FilledWords(kWrongLogin, user);
 }
 
+/// The host that the reader was kept from; empty for another failure.
+DString HostLedTo(DError const &error) {
+    constexpr std::string_view kBefore = "it leads to ";
+    std::size_t const at = error.Text().find(kBefore);
+    std::size_t const end = error.Text().find(", which is no host", at);
+    if (error.Why() != DError::Cause::Refused || at == DString::npos || end == DString::npos)
+        return {};
+    return error.Text().substr(at + kBefore.size(), end - at - kBefore.size());
+}
+
 DString ListingFailureWords(DError const &error) {
     if (error.Why() == DError::Cause::Server && error.Detail() == kForbidden)
         return Format(Translated(kForbids), static_cast<long long>(kForbidden));
     if (error.Why() == DError::Cause::Server && error.Detail() == kNotFound)
         return Format(Translated(kNothing), static_cast<long long>(kNotFound));
+    if (DString const host = HostLedTo(error); !host.empty())
+        return FilledWords(kLeadsOn, host);
     DString const cause = CauseInWords(error);
     bool const isSame = cause.empty() || cause == error.Text();
     return FilledWords(kNotListed, isSame ? error.Text() : cause + "; " + error.Text());

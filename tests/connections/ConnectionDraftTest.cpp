@@ -24,15 +24,16 @@ TEST(ConnectionDraft, KeepsTextsRightOrWrong) {
                                      .timeLimit = std::chrono::seconds(7)});
     EXPECT_EQ(draft.allow, "cdn.lab:443, [::1]:80");
     EXPECT_EQ(draft.ToConnection().allow.size(), 2U);
-    for (auto const &[limit, seconds, faulty] : test::Rows<char const *, int, DString>{{"7", 7, ""},
-                                                                                       {" 1 ", 1, ""},
-                                                                                       {"3600", 3600, ""},
-                                                                                       {"3601", 0, "timeLimit "},
-                                                                                       {"0", 0, "timeLimit "},
-                                                                                       {"1.5", 0, "timeLimit "},
-                                                                                       {"-1", 0, "timeLimit "},
-                                                                                       {"99999999999999", 0, "timeLimit "},
-                                                                                       {" ", 0, ""}}) {
+    for (auto const &[limit, seconds, faulty] :
+         test::Rows<char const *, int, DString>{{"7", 7, ""},
+                                                {" 1 ", 1, ""},
+                                                {"3600", 3600, ""},
+                                                {"3601", 0, "timeLimit "},
+                                                {"0", 0, "timeLimit "},
+                                                {"1.5", 0, "timeLimit "},
+                                                {"-1", 0, "timeLimit "},
+                                                {"99999999999999", 0, "timeLimit "},
+                                                {" ", 0, ""}}) {
         draft.timeLimit = limit;
         EXPECT_EQ(draft.ToConnection().timeLimit.count(), seconds) << limit;
         EXPECT_EQ(FaultyFields(draft), faulty) << limit;
@@ -96,42 +97,61 @@ TEST(ListingWords, TellWhichStepFailedAndWhatToDo) {
     plain.fields["address"] = "http://h/";
     Connection const open{.kind = WebFolder, .fields = {{"address", "http://h/"}}};
     Connection const store{.kind = ObjectStore, .fields = {{"bucket", "b"}}, .secret = SecretPlace::Profile};
-    Connection const base{
-        .kind = PostgreSql, .fields = {{"host", "h"}, {"user", "ann"}, {"sslmode", "require"}}, .secret = SecretPlace::Ask};
+    Connection const base{.kind = PostgreSql,
+                          .fields = {{"host", "h"}, {"user", "ann"}, {"sslmode", "require"}},
+                          .secret = SecretPlace::Ask};
     ListedConnection const full{.folders = 1, .images = 2, .first = "a", .firstWords = "It is a."};
     for (auto const &[connection, listed, told] : test::Rows<Connection, ListedConnection, DString>{
              {web, full,
               "encryption+ The server's certificate is trusted.|login+ The server takes the login of ann.|"
               "listing+ Works: 1 folder, 2 images.|first item+ It is a.|"},
              {open, {}, "listing+ It is listed, and nothing is in it.|"},
-             {plain, {.tables = 1}, "encryption+ Not encrypted: the password can be read on its way.|login+ The server takes "
-                                    "the login.|listing+ Works: 1 table.|"},
-             {web, {.failure = Because(Cause::Untrusted)},
+             {plain,
+              {.tables = 1},
+              "encryption+ Not encrypted: the password can be read on its way.|login+ The server takes "
+              "the login.|listing+ Works: 1 table.|"},
+             {web,
+              {.failure = Because(Cause::Untrusted)},
               "encryption- The certificate of h is not trusted. Name the file of its authority's certificates.|"},
-             {web, {.failure = Because(Cause::Server, 401)},
-              "encryption+ The server's certificate is trusted.|login- The server does not know user ann or the password.|"},
-             {open, {.failure = Because(Cause::Server, 401)},
+             {web,
+              {.failure = Because(Cause::Server, 401)},
+              "encryption+ The server's certificate is trusted.|login- The server does not know user ann or the "
+              "password.|"},
+             {open,
+              {.failure = Because(Cause::Server, 401)},
               "login- The server wants a login: name a user and where the password is kept.|"},
              {open, {.failure = Because(Cause::Server, 404)}, "listing- There is nothing at this address (404).|"},
-             {open, {.failure = Because(Cause::Server, 403)},
+             {open,
+              {.failure = Because(Cause::Server, 403)},
               "listing- The server does not let this login list it (403).|"},
-             {web, {.failure = Because(Cause::NoAnswer)},
+             {open,
+              {.failure = Because(Cause::Refused, -1, "it leads to cdn.lab:443, which is no host of its connection")},
+              "listing- The server sends on to cdn.lab:443. If that is right, name it among the hosts also allowed.|"},
+             {web,
+              {.failure = Because(Cause::NoAnswer)},
               "listing- It cannot be listed: its place does not answer; said.|"},
-             {base, {.failure = Because(Cause::NotPermitted)},
-              "encryption+ Encrypted; the server's certificate is not looked at.|login- The server does not know user ann or "
+             {base,
+              {.failure = Because(Cause::NotPermitted)},
+              "encryption+ Encrypted; the server's certificate is not looked at.|login- The server does not know user "
+              "ann or "
               "the password.|"},
-             {store, {.failure = Because(Cause::NotPermitted, -1, "\"b\": SignatureDoesNotMatch")},
-              "encryption+ The server's certificate is trusted.|login- SignatureDoesNotMatch: the secret key is wrong, or this "
+             {store,
+              {.failure = Because(Cause::NotPermitted, -1, "\"b\": SignatureDoesNotMatch")},
+              "encryption+ The server's certificate is trusted.|login- SignatureDoesNotMatch: the secret key is wrong, "
+              "or this "
               "computer's clock is.|"},
-             {store, {.failure = Because(Cause::Missing, -1, "\"b\": NoSuchBucket")},
+             {store,
+              {.failure = Because(Cause::Missing, -1, "\"b\": NoSuchBucket")},
               "encryption+ The server's certificate is trusted.|login+ The server takes the login.|"
               "listing- NoSuchBucket: there is no bucket of this name.|"},
-             {open, {.folders = 1, .first = "a", .firstWords = "no", .firstFailure = Because(Cause::Server, 500)},
+             {open,
+              {.folders = 1, .first = "a", .firstWords = "no", .firstFailure = Because(Cause::Server, 500)},
               "listing+ Works: 1 folder.|first item- no|"},
              {web, {.isStopped = true, .failure = Because(Cause::Late)}, "listing! Stopped.|"}}) {
         DString text;
         for (TrialResult const &result : ListingInSteps(connection, listed))
-            text += DString(TrialStepInWords(result.step)) + "+-!"[static_cast<int>(result.state)] + " " + result.words + "|";
+            text += DString(TrialStepInWords(result.step)) + "+-!"[static_cast<int>(result.state)] + " " +
+                    result.words + "|";
         EXPECT_EQ(text, told);
     }
 }

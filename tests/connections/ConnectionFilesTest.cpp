@@ -202,8 +202,9 @@ TEST(ConnectionTrial, TellsEachStepInWords) {
 
 TEST_F(ConnectionFiles, AreRenamedAndDuplicatedWholeAndTellWhatAnImportMeets) {
     std::filesystem::create_directories(m_folder / "new");
-    m_folder.Write("new/connections.xml", "<DataSources><DataSource name=\"a\" url=\"http://h/y\"><Parameters/><Mine/></DataSource>"
-                                          "<DataSource name=\"b\" url=\"http://h/z\"><Parameters/></DataSource></DataSources>");
+    m_folder.Write("new/connections.xml",
+                   "<DataSources><DataSource name=\"a\" url=\"http://h/y\"><Parameters/><Mine/></DataSource>"
+                   "<DataSource name=\"b\" url=\"http://h/z\"><Parameters/></DataSource></DataSources>");
     EXPECT_THAT(RenameConnection("a", "b").words, testing::HasSubstr("called b already"));
     EXPECT_THAT(RenameConnection("a", " ").words, testing::HasSubstr("A name is needed"));
     EXPECT_FALSE(RenameConnection("none", "c").isDone);

@@ -121,10 +121,6 @@ void ConnectionForm::Build() {
         m_draft.allow = text;
     })->setToolTip(Shown("Other servers that this one sends on to, as cdn.lab:443"));
     grid->setRowStretch(grid->rowCount(), 1);
-    int labels = 0; // as wide folded as unfolded
-    for (auto const &[key, row] : m_rows)
-        labels = std::max(labels, row.label->sizeHint().width());
-    grid->setColumnMinimumWidth(0, labels);
     layout()->addWidget(m_window);
     m_window->show();
     bool const isUnfolded = HasRareValues();

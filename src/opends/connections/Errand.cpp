@@ -19,10 +19,15 @@ void Errand::Release() {
 void Errand::Run() {
     // The last owner may be this thread.
     std::shared_ptr<Errand> const self = std::move(m_self);
+    struct Ending {
+        Errand &errand;
+        ~Ending() {
+            errand.m_work = {}; // a password in it is wiped now
+            errand.m_isAtWork = false;
+            errand.m_target.Post(errand.m_message);
+        }
+    } const ending{*this}; // whatever is thrown
     m_work(m_stop);
-    m_work = {}; // a password in it is wiped now
-    m_isAtWork = false;
-    m_target.Post(m_message);
 }
 
 } // namespace zelvar
