@@ -5,6 +5,7 @@
 #include "zelvar/base/Translation.h"
 #include "zelvar/base/TypedSecrets.h"
 #include "zelvar/connections/ConnectionFields.h"
+#include "zelvar/connections/ConnectionListing.h"
 #include "zelvar/connections/OdbcSource.h"
 #include "zelvar/connections/PostgreSqlService.h"
 #include "zelvar/xml/XMLNode.h"
@@ -205,6 +206,8 @@ ConnectionTerms MakeTerms(ConnectionBook::Entry const &entry, StopSignal const *
 
 void UseDefinedConnections() {
     SetConnectionFinder([](std::string_view address) -> std::optional<ConnectionTerms> {
+        if (std::optional<ConnectionBook::Entry> const tried = TriedConnection::FindByAddress(address))
+            return MakeTerms(*tried);
         std::shared_ptr<ConnectionBook const> const book = ConnectionBook::Now();
         if (ConnectionBook::Entry const *const entry = book->FindByAddress(address))
             return WithTypedPassword(MakeTerms(*entry), address);

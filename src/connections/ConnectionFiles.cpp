@@ -202,6 +202,38 @@ ConnectionChange EditConnection(DString const &name, Connection const &connectio
     return definitions.Write({connection.name});
 }
 
+ConnectionChange RenameConnection(DString const &name, DString const &newName) {
+    Connection const named{.name = newName};
+    for (ConnectionFault const &fault : FaultsOf(named))
+        if (fault.field == "name")
+            return Refused(fault.words);
+    Definitions definitions;
+    if (DString const against = definitions.Against(); !against.empty())
+        return Refused(against);
+    XMLNode *const node = definitions.Find(name);
+    if (node == nullptr)
+        return Refused(kMissing, name);
+    if (newName != name && definitions.Find(newName) != nullptr)
+        return Refused(kThere, newName);
+    node->SetAttr("name", newName);
+    definitions.Touch(*node);
+    return definitions.Write({newName});
+}
+
+ConnectionChange DuplicateConnection(DString const &name) {
+    Definitions definitions;
+    if (DString const against = definitions.Against(); !against.empty())
+        return Refused(against);
+    XMLNode const *const node = definitions.Find(name);
+    if (node == nullptr)
+        return Refused(kMissing, name);
+    std::unique_ptr<XMLNode> copy = node->Copy();
+    DString const free = definitions.FreeName(name);
+    copy->SetAttr("name", free);
+    definitions.Add(std::move(copy));
+    return definitions.Write({free});
+}
+
 ConnectionChange RemoveConnection(DString const &name) {
     Definitions definitions;
     if (DString const against = definitions.Against(); !against.empty())
@@ -228,6 +260,19 @@ ConnectionChange ExportConnections(std::vector<DString> const &names, DString co
     if (text.empty() || !DFile(file).WriteAtomically(text))
         return Refused(kNotWritten, file);
     return {.isDone = true, .words = {}, .names = names};
+}
+
+ConnectionChange ConflictsOfImport(DString const &file) {
+    std::vector<std::unique_ptr<XMLNode>> nodes;
+    ConnectionChange read = ReadImport(file, nodes);
+    if (!read.isDone)
+        return read;
+    DataSourceDefinitions definitions;
+    definitions.Load();
+    for (std::unique_ptr<XMLNode> const &node : nodes)
+        if (DString const name = node->GetAttrStr("name"); definitions.Find(name))
+            read.names.push_back(name);
+    return read;
 }
 
 ConnectionChange ImportConnections(DString const &file, IfThere ifThere) {

@@ -23,12 +23,19 @@ struct ConnectionChange {
                                                          IfThere ifThere = IfThere::Refuse);
 /// Changes the one called `name`, which may get another name.
 [[nodiscard]] ZELVAR_API ConnectionChange EditConnection(DString const &name, Connection const &connection);
+/// Gives the one called `name` another name and leaves all else in it as it is.
+[[nodiscard]] ZELVAR_API ConnectionChange RenameConnection(DString const &name, DString const &newName);
+/// Another definition that says the same, under a name that is free.
+[[nodiscard]] ZELVAR_API ConnectionChange DuplicateConnection(DString const &name);
 /// All definitions of that name.
 [[nodiscard]] ZELVAR_API ConnectionChange RemoveConnection(DString const &name);
 
 /// Writes definitions to a file that others can import. Never a secret: a definition of old loses its password, and one
 /// whose address holds it in a place that is not known is refused.
 [[nodiscard]] ZELVAR_API ConnectionChange ExportConnections(std::vector<DString> const &names, DString const &file);
+/// Which connections of such a file have names that others have here. `names` are theirs; not done if it cannot be
+/// read.
+[[nodiscard]] ZELVAR_API ConnectionChange ConflictsOfImport(DString const &file);
 /// Takes over the definitions of such a file, whole or not at all. With `Refuse` the words name those that are there.
 [[nodiscard]] ZELVAR_API ConnectionChange ImportConnections(DString const &file, IfThere ifThere = IfThere::Refuse);
 

@@ -1,11 +1,15 @@
 #include "zelvar/connections/ConnectionTrial.h"
 
+#include "zelvar/base/Redaction.h"
 #include "zelvar/base/Translation.h"
-#include "zelvar/connections/HostProbe.h"
+#include "zelvar/connections/ListingWords.h"
+#include "zelvar/platform/os/Dialing.h"
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstdlib>
+#include <system_error>
 
 namespace zelvar {
 
@@ -25,6 +29,7 @@ constexpr char const *kStopped = Mark("Stopped.");
 constexpr char const *kInKeyring = Mark("The keyring has a password.");
 constexpr char const *kInMemory = Mark("A password is kept until the program ends.");
 constexpr char const *kInFile = Mark("A file of this computer has a password.");
+constexpr char const *kTyped = Mark("The one that was typed is used.");
 constexpr char const *kInDefinition = Mark("The definition itself holds a password, where anybody may read it.");
 
 /// What web addresses are reached through, if anything is.
@@ -41,71 +46,104 @@ bool HasProxy(ConnectionKind kind) {
 /// The results as they come, with the time that each took.
 class Reporter {
 public:
-    explicit Reporter(ConnectionTrial::OnResult const &onResult) : m_onResult(onResult) {}
+    Reporter(ConnectionTrial::OnResult const &onResult, Secret const &secret)
+        : m_onResult(onResult), m_secret(secret) {}
 
     /// True if the next step may follow.
     bool Tell(TrialStep step, TrialState state, DString words) {
         auto const now = Clock::now();
         TrialResult const result{.step = step,
                                  .state = state,
-                                 .words = std::move(words),
+                                 .words = Shown(std::move(words)),
                                  .took = std::chrono::duration_cast<std::chrono::milliseconds>(now - m_begin)};
         m_begin = now;
         m_onResult(result);
         return state == TrialState::Works;
     }
-    bool Tell(TrialResult const &result) { return Tell(result.step, result.state, result.words); }
+    /// Those of one listing: the time of it all is that of its own step, or of the last.
+    bool Tell(std::vector<TrialResult> results) {
+        auto const own = std::find_if(results.begin(), results.end(),
+                                      [](TrialResult const &result) { return result.step == TrialStep::Listing; });
+        auto const timed = own == results.end() ? std::prev(own) : own;
+        timed->took = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - m_begin);
+        for (TrialResult &result : results) {
+            result.words = Shown(std::move(result.words));
+            m_onResult(result);
+        }
+        return results.back().state == TrialState::Works;
+    }
 
 private:
+    /// Without what must not be shown, should somebody else's words hold it.
+    [[nodiscard]] DString Shown(DString text) const {
+        std::string_view const bytes = m_secret.Reveal();
+        for (std::size_t at = 0; !bytes.empty() && (at = text.find(bytes, at)) != DString::npos; at += 3)
+            text.replace(at, bytes.size(), "***");
+        return Redacted(text);
+    }
+
     ConnectionTrial::OnResult const &m_onResult;
+    Secret const &m_secret;
     Clock::time_point m_begin = Clock::now();
 };
 
-/// Both steps of the way to the server.
+TrialState StateOf(int error) {
+    return error == 0 ? TrialState::Works : error == ECANCELED ? TrialState::Stopped : TrialState::Failed;
+}
+
+DString LookUpWords(DString const &host, int error, long long seconds) {
+    switch (error) {
+    case ECANCELED:
+        return Translated(kStopped);
+    case ENOENT:
+        return Format(Translated(kUnknown), host.c_str());
+    default:
+        return Format(Translated(kNobodyKnows), host.c_str(), seconds);
+    }
+}
+
+DString ConnectWords(ConnectionTerms const &terms, int error, long long seconds) {
+    DString const place = TextOf(terms.hosts.front());
+    switch (error) {
+    case 0:
+        return Format(Translated(kTakes), place.c_str());
+    case ECANCELED:
+        return Translated(kStopped);
+    case ECONNREFUSED:
+        return Format(Translated(terms.kind == ConnectionKind::PostgreSql ? kNoPostgres : kNoServer), place.c_str());
+    case ETIMEDOUT:
+        return Format(Translated(kSilent), place.c_str(), seconds);
+    default:
+        return Format(Translated(kUnreachable), place.c_str(),
+                      std::error_code(error, std::generic_category()).message().c_str());
+    }
+}
+
+/// Both steps of the way to the server, to which nothing is sent.
 bool ReachServer(ConnectionTerms const &terms, Reporter &reporter, StopSignal const *stop) {
     HostAndPort const &server = terms.hosts.front();
-    DString const host = server.host;
-    DString const place = TextOf(server);
     long long const seconds = std::chrono::duration_cast<std::chrono::seconds>(terms.connectTime).count();
-    HostProbe probe(server, terms.connectTime, stop);
-    ProbeState state = probe.LookUp();
-    DString words = Format(Translated(kFound), host.c_str(), probe.Number().c_str());
-    if (state == ProbeState::Unknown)
-        words = Format(Translated(kUnknown), host.c_str());
-    else if (state == ProbeState::Late)
-        words = Format(Translated(kNobodyKnows), host.c_str(), seconds);
-    auto const outcome = [](ProbeState of) {
-        return of == ProbeState::Reached   ? TrialState::Works
-               : of == ProbeState::Stopped ? TrialState::Stopped
-                                           : TrialState::Failed;
+    auto const patience = [&] {
+        return platform::Patience(terms.connectTime, [stop] { return stop != nullptr && *stop; });
     };
-    if (state == ProbeState::Stopped)
-        words = Translated(kStopped);
-    if (!reporter.Tell(TrialStep::Name, outcome(state), words))
+    int error = 0;
+    std::vector<wire::HostNumber> const numbers = platform::ResolveHost(server.host, patience(), error);
+    DString const words =
+        error == 0 ? Format(Translated(kFound), server.host.c_str(), platform::TextOf(numbers.front()).c_str())
+                   : LookUpWords(server.host, error, seconds);
+    if (!reporter.Tell(TrialStep::Name, StateOf(error), words))
         return false;
-    state = probe.Connect();
-    switch (state) {
-    case ProbeState::Reached:
-        words = Format(Translated(kTakes), place.c_str());
-        break;
-    case ProbeState::Refused:
-        words = Format(Translated(terms.kind == ConnectionKind::PostgreSql ? kNoPostgres : kNoServer), place.c_str());
-        break;
-    case ProbeState::Late:
-        words = Format(Translated(kSilent), place.c_str(), seconds);
-        break;
-    case ProbeState::Stopped:
-        words = Translated(kStopped);
-        break;
-    default:
-        words = Format(Translated(kUnreachable), place.c_str(), probe.Error().message().c_str());
-    }
-    return reporter.Tell(TrialStep::Connection, outcome(state), words);
+    platform::Patience const forAll = patience();
+    for (wire::HostNumber const &number : numbers)
+        if (platform::DialHost(number, server.port, forAll, error).IsOpen() || error == ECANCELED)
+            break;
+    return reporter.Tell(TrialStep::Connection, StateOf(error), ConnectWords(terms, error, seconds));
 }
 
 bool FindPassword(ConnectionBook::Entry const &entry, Reporter &reporter, StopSignal const *stop) {
     if (!entry.secret.IsEmpty())
-        return reporter.Tell(TrialStep::Password, TrialState::Works, Translated(kInDefinition));
+        return reporter.Tell(TrialStep::Password, TrialState::Works,
+                             Translated(entry.connection.secret == SecretPlace::Definition ? kInDefinition : kTyped));
     SecretAnswer const answer = SecretStore::Instance().Find(entry.connection, stop);
     TrialState const failure = stop != nullptr && *stop ? TrialState::Stopped : TrialState::Failed;
     switch (answer.kept) {
@@ -123,7 +161,8 @@ bool FindPassword(ConnectionBook::Entry const &entry, Reporter &reporter, StopSi
 } // namespace
 
 char const *TrialStepInWords(TrialStep step) {
-    static constexpr std::array kWords{Mark("name"), Mark("connection"), Mark("password"), Mark("listing")};
+    static constexpr std::array kWords{Mark("name"),  Mark("connection"), Mark("password"),  Mark("encryption"),
+                                       Mark("login"), Mark("listing"),    Mark("first item")};
     return Translated(kWords.at(static_cast<std::size_t>(step)));
 }
 
@@ -131,7 +170,7 @@ ConnectionTrial::ConnectionTrial(ConnectionBook::Entry entry, Listing listing)
     : m_entry(std::move(entry)), m_listing(std::move(listing)) {}
 
 bool ConnectionTrial::Run(OnResult const &onResult, StopSignal const *stop) const {
-    Reporter reporter(onResult);
+    Reporter reporter(onResult, m_entry.secret);
     Connection const &connection = m_entry.connection;
     // Its secret is a step of its own.
     ConnectionBook::Entry plain = m_entry;
@@ -144,8 +183,8 @@ bool ConnectionTrial::Run(OnResult const &onResult, StopSignal const *stop) cons
         return false;
     if (connection.secret != SecretPlace::None && !FindPassword(m_entry, reporter, stop))
         return false;
-    std::optional<TrialResult> const listed = m_listing ? m_listing() : std::nullopt;
-    return !listed || reporter.Tell(*listed);
+    std::optional<ListedConnection> const listed = m_listing ? m_listing() : std::nullopt;
+    return !listed || reporter.Tell(ListingInSteps(connection, *listed));
 }
 
 } // namespace zelvar

@@ -1,13 +1,13 @@
 #pragma once
 
-#include "zelvar/connections/ConnectionBook.h"
+#include "zelvar/connections/ConnectionListing.h"
 
 #include <functional>
 
 namespace zelvar {
 
 /// What is found out about a connection, one after the other.
-enum class TrialStep { Name, Connection, Password, Listing };
+enum class TrialStep { Name, Connection, Password, Encryption, Login, Listing, FirstItem };
 enum class TrialState { Works, Failed, Stopped };
 
 struct TrialResult {
@@ -20,12 +20,14 @@ struct TrialResult {
 [[nodiscard]] ZELVAR_API char const *TrialStepInWords(TrialStep step);
 
 /// Tries a connection step by step, from this process: is its server known, does it take connections, is there a
-/// password, can it be listed. A step that does not apply is left out, and after one that fails none follows. Where a
-/// proxy stands between, its server is nothing that this process could ask. Not on a window's thread.
+/// password, is its certificate trusted, does it know the user, can it be listed, can the first thing in it be read. A
+/// step that does not apply is left out, and after one that fails none follows. Where a proxy stands between, its
+/// server is nothing that this process could ask. What is not known before the listing, which a reader does, comes with
+/// its end. Not on a window's thread.
 class ZELVAR_API ConnectionTrial {
 public:
-    /// Lists the connection and says what came of it; nothing if nobody can list its kind.
-    using Listing = std::function<std::optional<TrialResult>()>;
+    /// Lists the connection; nothing if nobody can list its kind.
+    using Listing = std::function<std::optional<ListedConnection>()>;
     using OnResult = std::function<void(TrialResult const &)>;
 
     ConnectionTrial(ConnectionBook::Entry entry, Listing listing);

@@ -1,5 +1,6 @@
 #include "zelvar/connections/KeyringService.h"
 
+#include "zelvar/base/LateLibrary.h"
 #include "zelvar/base/Report.h"
 #include "zelvar/data/RequestScope.h"
 
@@ -12,7 +13,6 @@
 #include <thread>
 #include <utility>
 
-#include <dlfcn.h>
 #include <libsecret/secret.h>
 #include <unistd.h>
 
@@ -50,14 +50,9 @@ struct Library {
 
 private:
     bool Load() {
-        void *const handle = dlopen("libsecret-1.so.0", RTLD_NOW | RTLD_LOCAL); // stays loaded
-        Report::TraceMessage(Report::kTraceDriver, "libsecret was loaded? %s", handle != nullptr ? "YES" : "NO");
-        if (handle == nullptr)
-            return false;
-        auto const find = [handle](char const *name, auto &function) {
-            function = reinterpret_cast<std::remove_reference_t<decltype(function)>>(dlsym(handle, name));
-            return function != nullptr;
-        };
+        LateLibrary const library("libsecret-1.so.0");
+        Report::TraceMessage(Report::kTraceDriver, "libsecret was loaded? %s", library.IsLoaded() ? "YES" : "NO");
+        auto const find = [&library](char const *name, auto &function) { return library.Find(name, function); };
         return find("secret_password_lookupv_sync", lookUp) && find("secret_password_storev_sync", store) &&
                find("secret_password_clearv_sync", clear) && find("secret_password_free", freePassword) &&
                find("g_hash_table_new", newTable) && find("g_hash_table_insert", insert) &&

@@ -1,8 +1,11 @@
+#include "zelvar/base/Translation.h"
 #include "zelvar/connections/ConnectionBook.h"
 #include "zelvar/data/reader/DriverModule.h"
+#include "zelvar/filedlg/CCustomFileDlg.h"
 #include "zelvar/filedlg/FileDlg.h"
 #include "zelvar/library/ZelvarInit.h"
 #include "zelvar/lists/SaveTarget.h"
+#include "zelvar/opends/connections/FileQuestion.h"
 #include "zelvar/platform/ui/Language.h"
 #include "zelvar/platform/ui/UserMessages.h"
 
@@ -24,6 +27,16 @@ std::optional<TableTarget> AskByFileDialog(QWidget *, char const *title) {
     return TableTarget{.path = request.GetPhysFile(), .formatId = format == nullptr ? DString() : format->GetID()};
 }
 
+std::optional<DString> AskForDefinitions(QWidget *parent, char const *title, bool saves) {
+    DString const filter = DString(Translated("Connections (*.xml)")) + "|*.xml||";
+    CCustomFileDlg dialog(!saves, "xml", saves ? "connections.xml" : "", filter, parent);
+    dialog.GetOFN().title = Translated(title);
+    dialog.EnableHistory(false);
+    constexpr int ok = 1;
+    std::size_t at = dialog.DoModal() == ok ? dialog.GetStartPosition() : 0;
+    return at == 0 ? std::nullopt : std::optional(dialog.GetNextPathName(at));
+}
+
 } // namespace
 
 void ZelvarInit() {
@@ -35,6 +48,7 @@ void ZelvarInit() {
     UseDefinedConnections();
     platform::InstallUserMessages();
     SetSaveTargetProvider(&AskByFileDialog);
+    SetDefinitionFileProvider(&AskForDefinitions);
     // The faces that documents and users' settings name, by those that are there and as wide.
     for (char const *face : {"MS Shell Dlg", "MS Shell Dlg 2", "MS Sans Serif", "Tahoma"})
         QFont::insertSubstitutions(face, {"Liberation Sans", "Arial"});
@@ -48,6 +62,7 @@ void ZelvarShutdown() {
     SetConnectionFinder({});
     platform::RemoveUserMessages();
     SetSaveTargetProvider(nullptr);
+    SetDefinitionFileProvider(nullptr);
 }
 
 } // namespace zelvar

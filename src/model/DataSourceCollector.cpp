@@ -6,6 +6,7 @@
 #include "zelvar/base/Translation.h"
 #include "zelvar/data/PlaceCheck.h"
 #include "zelvar/model/DataSourceDefinitions.h"
+#include "zelvar/model/DefinitionOrder.h"
 #include "zelvar/model/DefinitionsLock.h"
 #include "zelvar/model/NtwDataSourceItem.h"
 #include "zelvar/model/TemplDataSourceItem.h"
@@ -17,6 +18,7 @@
 #include "zelvar/xml/XMLNode.h"
 
 #include <algorithm>
+#include <map>
 #include <optional>
 
 namespace zelvar {
@@ -138,6 +140,7 @@ void CollectDefinitions(DataSourceRows &rows) {
         if (lock && lock->IsHeld())
             definitions.Save();
     }
+    auto const first = static_cast<std::ptrdiff_t>(rows.size());
     for (auto const &[name, node] : definitions) {
         if (node->GetName() != "DataSource" || !node->GetAttrBool("visible", true))
             continue;
@@ -145,6 +148,16 @@ void CollectDefinitions(DataSourceRows &rows) {
         if (item != nullptr)
             rows.push_back(std::move(item));
     }
+    std::map<DString, std::size_t> places;
+    for (DString const &name : DefinitionOrder::Read())
+        places.emplace(name, places.size());
+    auto const placeOf = [&places](RefItemPtr<DataSourceItem> const &row) {
+        auto const place = places.find(row->GetName());
+        return place == places.end() ? places.size() : place->second;
+    };
+    if (!places.empty())
+        std::stable_sort(rows.begin() + first, rows.end(),
+                         [&](auto const &a, auto const &b) { return placeOf(a) < placeOf(b); });
 }
 
 bool Favorites::Contains(DString const &path) {

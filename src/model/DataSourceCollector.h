@@ -40,7 +40,8 @@ ZELVAR_API void CollectFavorites(DataSourceRows &rows, std::vector<DString> &lat
 [[nodiscard]] ZELVAR_API RefItemPtr<DataSourceItem> MakeFavorite(DString const &path);
 /// What a row shows of an item: its name, and that it cannot be reached.
 [[nodiscard]] ZELVAR_API DString RowTextOf(DataSourceItem const &item);
-/// The visible connection definitions, by name. Writes a new main file of definitions if there was none.
+/// The visible connection definitions, as the user has ordered them, see `DefinitionOrder`, or by name. Writes a new
+/// main file of definitions if there was none.
 ZELVAR_API void CollectDefinitions(DataSourceRows &rows);
 
 /// The user's favourite folders, by path, case not regarded. Each call reads the settings anew.

@@ -2,10 +2,13 @@
 
 #include "zelvar/base/Translation.h"
 #include "zelvar/model/NtwDataSourceItem.h"
+#include "zelvar/model/TemplDataSourceItem.h"
+#include "zelvar/opends/ConnectionRows.h"
 #include "zelvar/opends/DSMessages.h"
 #include "zelvar/opends/FavoriteFinder.h"
 #include "zelvar/opends/ItemColors.h"
 #include "zelvar/opends/NetworkScanner.h"
+#include "zelvar/opends/NewConnectionItem.h"
 #include "zelvar/platform/ui/ModalLoop.h"
 #include "zelvar/platform/ui/SystemColor.h"
 #include "zelvar/platform/ui/Text.h"
@@ -17,6 +20,8 @@
 
 #include <algorithm>
 #include <chrono>
+#include <map>
+#include <utility>
 
 namespace zelvar {
 
@@ -93,6 +98,8 @@ void DataSourceList::CopyData(DataSourceList *other) {
     NtwDataSourceItem::Initialize();
     if (other != nullptr)
         m_rows = other->m_rows;
+    if (m_connections == nullptr) // the other's
+        std::erase_if(m_rows, [](auto const &row) { return IsNewConnection(row.get()); });
     UpdateListRows();
     StartWorker();
 }
@@ -117,7 +124,11 @@ void DataSourceList::CreateFavorites() {
         m_favoriteFinder = FavoriteFinder::Start(std::move(later));
 }
 
-void DataSourceList::CreateDataSourcesFromTemplates() { CollectDefinitions(m_rows); }
+void DataSourceList::CreateDataSourcesFromTemplates() {
+    CollectDefinitions(m_rows);
+    if (m_connections != nullptr)
+        m_rows.emplace_back(new NewConnectionItem);
+}
 
 void DataSourceList::AppendListRow(std::size_t index) {
     DataSourceItem const &item = *m_rows[index];
@@ -163,6 +174,63 @@ void DataSourceList::AddFound(ItemList const &items, int group) {
     UpdateListRows(group);
 }
 
+// -------------------------------------------------------------------------------------------------- connections
+
+void DataSourceList::OfferConnections() { m_connections = std::make_unique<ConnectionRows>(*this); }
+
+void DataSourceList::ListConnectionsAgain(std::set<DString> const &changed, DString const &select) {
+    m_keepsSelection = true;
+    std::map<DString, RefItemPtr<DataSourceItem>> former;
+    RefItemPtr<DataSourceItem> const selected = ItemAt(GetNextItem(-1, LVNI_SELECTED));
+    // From the last on, so that the numbers of the rows before stay valid.
+    for (int row = GetItemCount() - 1; row >= 0; --row) {
+        if (GetItemGroup(row) != kGroupDataSources)
+            continue;
+        former[ItemAt(row)->GetName()] = ItemAt(row);
+        m_rows.erase(m_rows.begin() + row);
+        DeleteItem(row);
+    }
+    auto const first = static_cast<std::ptrdiff_t>(m_rows.size());
+    CreateDataSourcesFromTemplates();
+    int toSelect = -1;
+    for (auto row = m_rows.begin() + first; row != m_rows.end(); ++row) {
+        DString const name = (*row)->GetName();
+        if (auto const at = former.find(name); at != former.end() && !changed.contains(name))
+            *row = at->second;
+        if (select.empty() ? *row == selected : name == select)
+            toSelect = static_cast<int>(row - m_rows.begin());
+    }
+    UpdateListRows(kGroupDataSources);
+    bool const isSame = ItemAt(toSelect) == selected;
+    if (toSelect >= 0 && isSame)
+        SetItemState(toSelect, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
+    m_keepsSelection = false;
+    if (toSelect >= 0 && !isSame)
+        SetItemState(toSelect, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
+    else if (toSelect < 0 && SelectedRows().empty())
+        Tell(WM_DS_DATA_SOURCE_SELECTED); // what was shown is no more
+    if (toSelect >= 0)
+        EnsureVisible(toSelect);
+}
+
+bool DataSourceList::IsConnectionOpen(DString const &name) const {
+    return std::any_of(m_rows.begin(), m_rows.end(), [&](RefItemPtr<DataSourceItem> const &row) {
+        auto const *const item = dynamic_cast<TemplDataSourceItem const *>(row.get());
+        return item != nullptr && item->GetNode() != nullptr && item->GetName() == name;
+    });
+}
+
+bool DataSourceList::ActivateRow() {
+    bool const makes = m_connections != nullptr && IsNewConnection(ItemAt(GetNextItem(-1, LVNI_SELECTED)).get());
+    if (makes)
+        m_connections->MakeSoon();
+    return makes;
+}
+
+bool DataSourceList::OnClick(ReportHit hit, Point) {
+    return hit.row >= 0 && GetItemState(hit.row, LVIS_SELECTED) != 0 && ActivateRow();
+}
+
 // --------------------------------------------------------------------------------------------------- favourites
 
 bool DataSourceList::AddFavorite(RefItemPtr<DataSourceItem> item) {
@@ -184,6 +252,8 @@ void DataSourceList::AddFavoriteDir(DString const &path) { Favorites::Add(path);
 void DataSourceList::RemoveFavoriteDir(DString const &path) { Favorites::Remove(path); }
 
 bool DataSourceList::OnContextMenu(QPoint screenPoint) {
+    if (m_connections != nullptr && m_connections->RunMenu(screenPoint))
+        return true;
     if (SelectedFavorites().empty())
         return false;
     QMenu menu(this);
@@ -205,6 +275,8 @@ void DataSourceList::OnDeleteFavorite() {
 }
 
 void DataSourceList::keyPressEvent(QKeyEvent *event) {
+    if (m_connections != nullptr && m_connections->OnKey(*event))
+        return;
     if (event->key() == Qt::Key_Delete)
         OnDeleteFavorite();
     else
@@ -220,7 +292,7 @@ RefItemPtr<DataSourceItem> DataSourceList::ItemAt(int row) const {
 std::vector<int> DataSourceList::SelectedRows() const {
     std::vector<int> rows;
     for (int row = GetNextItem(-1, LVNI_SELECTED); row >= 0; row = GetNextItem(row, LVNI_SELECTED))
-        if (ItemAt(row) != nullptr)
+        if (ItemAt(row) != nullptr && !IsNewConnection(ItemAt(row).get()))
             rows.push_back(row);
     return rows;
 }
@@ -257,8 +329,10 @@ void DataSourceList::Tell(platform::MessageId message) {
 }
 
 void DataSourceList::OnSelected(unsigned newState) {
-    if ((newState & LVIS_SELECTED) == 0)
+    if ((newState & LVIS_SELECTED) == 0 || m_keepsSelection)
         return;
+    if (m_connections != nullptr && SelectedRows().empty())
+        return; // it only makes one
     PrepareSelectedItems();
     Tell(WM_DS_DATA_SOURCE_SELECTED);
 }
@@ -273,7 +347,9 @@ bool DataSourceList::OnRangeChanged(int, int, unsigned, unsigned newState) {
     return true;
 }
 
-bool DataSourceList::OnDblClick(ReportHit, Point) {
+bool DataSourceList::OnDblClick(ReportHit hit, Point) {
+    if (IsNewConnection(ItemAt(hit.row).get()))
+        return true; // its first click is enough
     Tell(WM_DS_DATA_SOURCE_DBLCLICK);
     return true;
 }

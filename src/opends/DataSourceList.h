@@ -11,9 +11,11 @@
 
 #include <list>
 #include <memory>
+#include <set>
 
 namespace zelvar {
 
+class ConnectionRows;
 class FavoriteFinder;
 class NetworkScanner;
 
@@ -35,6 +37,18 @@ public:
 
     /// Not owned; without one nothing is told.
     void SetCoordinator(QObject *coordinator) { m_coordinator = coordinator; }
+
+    /// The user can make connections and change them: the last row of their group makes one, and they have a menu. To
+    /// be called before `Fill`.
+    void OfferConnections();
+    [[nodiscard]] ConnectionRows *Connections() const { return m_connections.get(); } ///< null without that
+    /// Reads the connections anew. The items of those whose names are not in `changed` stay, and what is open in them;
+    /// `select` names one to be selected, or else the row that was stays so.
+    void ListConnectionsAgain(std::set<DString> const &changed, DString const &select);
+    /// Whether the connection of that name has been opened.
+    [[nodiscard]] bool IsConnectionOpen(DString const &name) const;
+    /// What Return does: true if the selected row does something.
+    bool ActivateRow();
 
     /// Fills the groups for the purpose of the dialog and starts looking for network places. Always true.
     bool Fill(DLGTemplate dlgTemplate);
@@ -68,6 +82,7 @@ protected:
     void DrawItem(DrawItemStruct const &request) override;
     bool OnItemChanged(int row, unsigned oldState, unsigned newState) override;
     bool OnRangeChanged(int first, int last, unsigned oldState, unsigned newState) override;
+    bool OnClick(ReportHit hit, Point point) override;
     bool OnDblClick(ReportHit hit, Point point) override;
     bool OnContextMenu(QPoint screenPoint) override;
     [[nodiscard]] int LabelLeft(int row, int col) const override;
@@ -91,6 +106,8 @@ private:
     std::shared_ptr<Worker> m_worker;                 ///< null until first needed
     std::shared_ptr<FavoriteFinder> m_favoriteFinder; ///< null if no favourite takes its time
     platform::WindowTimers m_timers;
+    std::unique_ptr<ConnectionRows> m_connections; ///< null unless they are offered
+    bool m_keepsSelection = false;                 ///< rows are made anew: what is selected stays, and nobody is told
 };
 
 } // namespace zelvar

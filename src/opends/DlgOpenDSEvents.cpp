@@ -478,6 +478,8 @@ bool DlgOpenDS::ProcessReturnKey(QWidget *focus) {
     }
     if (qobject_cast<QAbstractButton *>(focus) != nullptr || IsWithin(m_propertyWnd->Bar(), focus))
         return false;
+    if (IsWithin(m_dataSourceList, focus) && m_dataSourceList->ActivateRow())
+        return true;
     if (!m_pageItems.empty() && IsWithin(m_propertyWnd->Extra(), focus)) {
         m_propertyWnd->ApplyOptions();
         OnDSOptionsChanged();

@@ -4,13 +4,14 @@ namespace zelvar {
 
 /// What the open dialog offers beyond its panes: bits for `DlgOpenDS::SetFeatures`.
 enum OpenFeatures : unsigned {
-    kOpenPlain = 0,      ///< its panes alone
-    kOpenDataSets = 1,   ///< files that belong together have one row; a context menu in the list of items
-    kOpenLine = 2,       ///< a line that says what OK will do
-    kOpenOptions = 4,    ///< an option page made from what the driver says, where none is installed
-    kOpenPreviewBar = 8, ///< which channel, slice and frame the preview shows
-    kOpenSeries = 16,    ///< with data sets: numbered files have one row, unless the user unfolds them
-    kOpenAll = 31,
+    kOpenPlain = 0,        ///< its panes alone
+    kOpenDataSets = 1,     ///< files that belong together have one row; a context menu in the list of items
+    kOpenLine = 2,         ///< a line that says what OK will do
+    kOpenOptions = 4,      ///< an option page made from what the driver says, where none is installed
+    kOpenPreviewBar = 8,   ///< which channel, slice and frame the preview shows
+    kOpenSeries = 16,      ///< with data sets: numbered files have one row, unless the user unfolds them
+    kOpenConnections = 32, ///< connections can be made and changed in the list of data sources
+    kOpenAll = 63,
 };
 
 } // namespace zelvar

@@ -4,19 +4,15 @@
 #include "zelvar/connections/ConnectionFields.h"
 #include "zelvar/connections/ConnectionFiles.h"
 #include "zelvar/connections/ConnectionPasting.h"
+#include "zelvar/connections/ConnectionSaving.h"
 #include "zelvar/connections/ConnectionTrial.h"
-#include "zelvar/data/BDIDrvrMngr.h"
-#include "zelvar/data/RequestScope.h"
 #include "zelvar/data/reader/DriverModule.h"
-#include "zelvar/model/ItemListing.h"
-#include "zelvar/model/PlaceResolver.h"
-#include "zelvar/model/TemplDataSourceItem.h"
 #include "zelvar/tool/CommandTable.h"
 #include "zelvar/tool/Commands.h"
+#include "zelvar/tool/StopByUser.h"
 
 #include <algorithm>
 #include <array>
-#include <csignal>
 #include <cstdio>
 
 #include <fcntl.h>
@@ -27,26 +23,6 @@ namespace zelvar::tool {
 namespace {
 
 CommandSpec const &kSpec = SpecOf("sources");
-
-StopSignal s_isStopped{false}; ///< by Ctrl-C
-static_assert(StopSignal::is_always_lock_free, "a signal handler writes it");
-
-/// While it lives, Ctrl-C sets the stop signal; a second one ends the program.
-class StopByUser {
-public:
-    StopByUser() {
-        struct sigaction action {};
-        action.sa_handler = [](int) { s_isStopped = true; };
-        action.sa_flags = static_cast<int>(SA_RESETHAND);
-        sigaction(SIGINT, &action, &m_former);
-    }
-    ~StopByUser() { sigaction(SIGINT, &m_former, nullptr); }
-    StopByUser(StopByUser const &) = delete;
-    StopByUser &operator=(StopByUser const &) = delete;
-
-private:
-    struct sigaction m_former {};
-};
 
 /// While it lives, what is typed is not shown.
 class NoEcho {
@@ -176,65 +152,10 @@ int Conclude(ConnectionChange const &change) {
     return change.isDone ? kDone : Failure(change.words);
 }
 
-/// Without what must not be shown, should somebody else's words hold it.
-DString Without(Secret const &secret, DString text) {
-    std::string_view const bytes = secret.Reveal();
-    for (std::size_t at = 0; !bytes.empty() && (at = text.find(bytes, at)) != DString::npos; at += 3)
-        text.replace(at, bytes.size(), "***");
-    return text;
-}
-
-/// Whether a driver is there for the kind.
-bool CanBeListed(ConnectionKind kind) {
-    switch (kind) {
-    case ConnectionKind::WebFolder:
-    case ConnectionKind::ObjectStore:
-    case ConnectionKind::Address:
-        return true;
-    default:
-        return BDIDrvrMngr::Instance()->GetDrvr(WordsOf(kind).driver) != nullptr;
-    }
-}
-
-struct CancelByUser final : DataSourceItem::ICancel {
-    bool IsCanceled() override { return s_isStopped; }
-};
-
-/// Opens and lists the connection as a listing of it would.
-std::optional<TrialResult> List(ConnectionBook::Entry const &entry) {
-    if (!CanBeListed(entry.connection.kind))
-        return std::nullopt;
-    RequestScope const scope(RequestKind::List, [] { return s_isStopped.load(); });
-    TrialResult result{.step = TrialStep::Listing};
-    DString const place = "source:" + entry.connection.name;
-    RefItemPtr<DataSourceItem> const item = ItemFromPlace(place);
-    CancelByUser cancel;
-    std::optional<std::error_code> failure;
-    std::size_t count = 0;
-    if (item != nullptr && !s_isStopped)
-        count = ListItems(item, {.cancel = &cancel,
-                                 .onUnread = [&](DataSourceItem &, std::error_code error) { failure = error; }})
-                    .size();
-    if (s_isStopped) {
-        result.state = TrialState::Stopped;
-        result.words = "Stopped.";
-    } else if (item == nullptr || failure) {
-        auto const *const tree = dynamic_cast<TemplDataSourceItem const *>(item.get());
-        result.state = TrialState::Failed;
-        DError const why = tree == nullptr ? DError() : tree->GetFailure();
-        result.words = WithReason("It cannot be listed", tree == nullptr ? place : tree->GetSource(),
-                                  why.IsSet() ? why.Text() : kNotOpened) +
-                       ".";
-    } else {
-        result.words = Format("It lists %zu items.", count);
-    }
-    result.words = Without(entry.secret, result.words);
-    return result;
-}
-
 // For scripts: the same in every language.
 char const *StepText(TrialStep step) {
-    static constexpr std::array kTexts{"name", "connection", "password", "listing"};
+    static constexpr std::array kTexts{"name",  "connection", "password",  "encryption",
+                                       "login", "listing",    "first item"};
     return kTexts.at(static_cast<std::size_t>(step));
 }
 char const *StateText(TrialState state) {
@@ -282,22 +203,9 @@ int AddSource(Arguments const &arguments) {
 }
 
 int RemoveSource(Arguments const &arguments) {
-    DString const &name = arguments.words[1];
-    std::shared_ptr<ConnectionBook const> const before = ConnectionBook::Now();
-    ConnectionChange const change = RemoveConnection(name);
-    if (!change.isDone)
-        return Failure(change.words);
-    ConnectionBook::Entry const *const removed = before->Find(name);
-    if (removed == nullptr || removed->connection.secret != SecretPlace::Keyring)
-        return kDone;
-    // Another connection to the same server and account has the same password.
-    std::shared_ptr<ConnectionBook const> const now = ConnectionBook::Now();
-    bool const isShared = std::any_of(now->Entries().begin(), now->Entries().end(), [&](auto const &row) {
-        return SecretKeyOf(row.second.connection) == SecretKeyOf(removed->connection);
-    });
-    return isShared || SecretStore::Instance().Forget(removed->connection)
-               ? kDone
-               : Failure("the connection is removed, and the keyring still has its password");
+    SavedConnection const removed = RemoveWithSecret(arguments.words[1], true);
+    DString const &words = removed.change.isDone ? removed.words : removed.change.words;
+    return words.empty() ? kDone : Failure(words);
 }
 
 int TestSource(Arguments const &arguments) {
@@ -322,7 +230,8 @@ int TestSource(Arguments const &arguments) {
                     static_cast<long long>(result.took.count()), EscapeControlBytes(result.words).c_str());
         std::fflush(stdout);
     };
-    bool const works = ConnectionTrial(*found, [found] { return List(*found); }).Run(print, &s_isStopped);
+    auto const list = [found, &stopping] { return ListConnection(*found, found->connection.name, &stopping.Signal()); };
+    bool const works = ConnectionTrial(*found, list).Run(print, &stopping.Signal());
     return works ? kDone : isStopped ? kNothing : kFailed;
 }
 

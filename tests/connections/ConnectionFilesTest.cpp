@@ -182,7 +182,7 @@ TEST(ConnectionTrial, TellsEachStepInWords) {
                   " takes connections.\npassword 1 Nothing tells a password: type one, or use ~/.pgpass.\n"},
              {"127.0.0.1", open.m_number, SecretPlace::None, nullptr,
               "name 0 127.0.0.1 is 127.0.0.1.\nconnection 0 " + at(open.m_number) +
-                  " takes connections.\nlisting 0 listed\n"},
+                  " takes connections.\nlisting 0 Works: 1 folder.\n"},
              {"no..server", 1, SecretPlace::None, &stopped, "name 2 Stopped.\n"}}) {
         Connection const connection{
             .name = "n",
@@ -194,10 +194,30 @@ TEST(ConnectionTrial, TellsEachStepInWords) {
             words += DString(TrialStepInWords(result.step)) + " " + std::to_string(static_cast<int>(result.state)) +
                      " " + result.words + "\n";
         };
-        auto const list = [] { return TrialResult{.step = TrialStep::Listing, .words = "listed"}; };
-        EXPECT_EQ(ConnectionTrial({.connection = connection}, list).Run(hear, stop), told.ends_with("listed\n"));
+        auto const list = [] { return ListedConnection{.folders = 1}; };
+        EXPECT_EQ(ConnectionTrial({.connection = connection}, list).Run(hear, stop), told.ends_with("folder.\n"));
         EXPECT_EQ(words, told);
     }
+}
+
+TEST_F(ConnectionFiles, AreRenamedAndDuplicatedWholeAndTellWhatAnImportMeets) {
+    std::filesystem::create_directories(m_folder / "new");
+    m_folder.Write("new/connections.xml",
+                   "<DataSources><DataSource name=\"a\" url=\"http://h/y\"><Parameters/><Mine/></DataSource>"
+                   "<DataSource name=\"b\" url=\"http://h/z\"><Parameters/></DataSource></DataSources>");
+    EXPECT_THAT(RenameConnection("a", "b").words, testing::HasSubstr("called b already"));
+    EXPECT_THAT(RenameConnection("a", " ").words, testing::HasSubstr("A name is needed"));
+    EXPECT_FALSE(RenameConnection("none", "c").isDone);
+    EXPECT_TRUE(RenameConnection("a", "c").isDone);
+    EXPECT_EQ(DuplicateConnection("c").names, std::vector<DString>{"c (2)"});
+    DString const text = Main();
+    EXPECT_EQ(Names(), (std::vector<DString>{"b", "c", "c (2)"})) << text;
+    EXPECT_NE(text.find("<Mine"), text.rfind("<Mine")) << "what is not known goes along\n" << text;
+    DString const file = m_folder / "export.xml";
+    EXPECT_TRUE(ExportConnections({"b", "c"}, file).isDone);
+    EXPECT_TRUE(RemoveConnection("b").isDone);
+    EXPECT_EQ(ConflictsOfImport(file).names, std::vector<DString>{"c"});
+    EXPECT_FALSE(ConflictsOfImport(m_folder / "none").isDone);
 }
 
 } // namespace

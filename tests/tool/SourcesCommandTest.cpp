@@ -81,6 +81,7 @@ TEST_F(SourcesCommand, APasswordIsInTheKeyringAndNowhereElse) {
                  "<title>Index of /dir/</title><h1>Index of /dir/</h1><pre><a href=\"../\">../</a>\n"
                  "<a href=\"a.tif\">a.tif</a>  01-Jan-2024 10:00    1234\n</pre>",
                  "text/html");
+    server.Serve("/dir/a.tif", "no image");
     std::string const address = "http://ann@127.0.0.1:" + std::to_string(server.Port()) + "/dir/";
     Words const add{"add", address, "--name", "web", "--secret", "keyring", "--password", password, "--replace"};
     DString told;
@@ -98,7 +99,7 @@ TEST_F(SourcesCommand, APasswordIsInTheKeyringAndNowhereElse) {
     auto const end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
     while (run(add).exitCode != 0 && std::chrono::steady_clock::now() < end) {
     }
-    EXPECT_THAT(test::Column(run({"test", "web"}).out, 1), ElementsAre("works", "works", "works", "works"));
+    EXPECT_EQ(test::Column(run({"test", "web"}).out, 1), std::vector<std::string>(7, "works"));
     EXPECT_EQ(run({"export", "web", m_folder / "export.xml"}).exitCode, 0);
     EXPECT_EQ(run({"remove", "web"}).exitCode, 0);
     EXPECT_EQ(run({"import", m_folder / "export.xml"}).exitCode, 0);

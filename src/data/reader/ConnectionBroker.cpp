@@ -12,6 +12,11 @@
 
 namespace zelvar {
 
+using platform::DialHost;
+using platform::NumberOf;
+using platform::ResolveHost;
+using platform::TextOf;
+
 namespace {
 
 using Cause = DError::Cause;

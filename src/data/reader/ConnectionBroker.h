@@ -2,8 +2,8 @@
 
 #include "zelvar/base/Report.h"
 #include "zelvar/data/Connection.h"
-#include "zelvar/data/reader/Dialing.h"
 #include "zelvar/data/reader/ProxyRule.h"
+#include "zelvar/platform/os/Dialing.h"
 
 #include <atomic>
 #include <map>
@@ -37,6 +37,7 @@ public:
 
 private:
     using Number = wire::HostNumber;
+    using Patience = platform::Patience;
     ConnectionBroker(std::shared_ptr<ConnectionTerms const> const &terms, int socket, int wake);
     void Run();
     wire::ConnectAnswer Resolve(DString const &host, std::uint16_t port, Patience const &patience);

@@ -1,5 +1,6 @@
 #include "zelvar/platform/os/DesktopNetwork.h"
 
+#include "zelvar/base/LateLibrary.h"
 #include "zelvar/platform/os/SmbAddress.h"
 
 #include <chrono>
@@ -10,7 +11,6 @@
 #include <thread>
 #include <utility>
 
-#include <dlfcn.h>
 #include <gio/gio.h>
 
 namespace zelvar::platform {
@@ -38,13 +38,8 @@ struct Library {
 
     /// False if GIO or one of the functions is missing.
     bool Load() {
-        void *const handle = dlopen("libgio-2.0.so.0", RTLD_NOW | RTLD_LOCAL); // stays loaded
-        if (handle == nullptr)
-            return false;
-        auto const find = [handle](char const *name, auto &function) {
-            function = reinterpret_cast<std::remove_reference_t<decltype(function)>>(dlsym(handle, name));
-            return function != nullptr;
-        };
+        LateLibrary const library("libgio-2.0.so.0");
+        auto const find = [&library](char const *name, auto &function) { return library.Find(name, function); };
         return find("g_file_new_for_uri", newForUri) && find("g_file_enumerate_children", enumerateChildren) &&
                find("g_file_enumerator_next_file", nextFile) && find("g_file_info_get_display_name", displayName) &&
                find("g_file_info_get_attribute_string", attributeString) && find("g_object_unref", unref) &&

@@ -1,6 +1,7 @@
 #include "zelvar/platform/os/SmbClient.h"
 
 #include "zelvar/base/FileDescriptor.h"
+#include "zelvar/base/LateLibrary.h"
 #include "zelvar/base/Report.h"
 #include "zelvar/base/TypedSecrets.h"
 #include "zelvar/platform/os/TcpProbe.h"
@@ -14,7 +15,6 @@
 #include <tuple>
 #include <vector>
 
-#include <dlfcn.h>
 #include <fcntl.h>
 #include <libsmbclient.h>
 #include <sys/mman.h>
@@ -45,13 +45,8 @@ struct Library {
 
     /// False if the library or one of the functions is missing.
     bool Load() {
-        void *const handle = dlopen("libsmbclient.so.0", RTLD_NOW | RTLD_LOCAL); // stays loaded
-        if (handle == nullptr)
-            return false;
-        auto const find = [handle](char const *name, auto &function) {
-            function = reinterpret_cast<std::remove_reference_t<decltype(function)>>(dlsym(handle, name));
-            return function != nullptr;
-        };
+        LateLibrary const library("libsmbclient.so.0");
+        auto const find = [&library](char const *name, auto &function) { return library.Find(name, function); };
         return find("smbc_new_context", newContext) && find("smbc_init_context", initContext) &&
                find("smbc_free_context", freeContext) && find("smbc_setTimeout", setTimeout) &&
                find("smbc_setConfiguration", setConfiguration) &&

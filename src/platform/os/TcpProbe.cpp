@@ -1,14 +1,8 @@
 #include "zelvar/platform/os/TcpProbe.h"
 
-#include "zelvar/base/FileDescriptor.h"
+#include "zelvar/platform/os/Dialing.h"
 
-#include <cerrno>
-#include <memory>
-
-#include <netdb.h>
-#include <poll.h>
-#include <sys/socket.h>
-#include <unistd.h>
+#include <charconv>
 
 namespace zelvar::platform {
 
@@ -33,36 +27,20 @@ HostAndPort TakeApart(std::string_view authority) {
     return parts;
 }
 
-/// 0, or the system's error number.
-int Connect(addrinfo const &address, int timeoutMs) {
-    FileDescriptor const socket(::socket(address.ai_family, address.ai_socktype | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
-    if (!socket.IsOpen())
-        return errno;
-    if (connect(socket.Get(), address.ai_addr, address.ai_addrlen) == 0)
-        return 0;
-    if (errno != EINPROGRESS)
-        return errno;
-    pollfd wait{.fd = socket.Get(), .events = POLLOUT, .revents = 0};
-    if (poll(&wait, 1, timeoutMs) != 1)
-        return ETIMEDOUT;
-    int failure = 0;
-    socklen_t size = sizeof failure;
-    return getsockopt(socket.Get(), SOL_SOCKET, SO_ERROR, &failure, &size) == 0 ? failure : errno;
-}
-
 } // namespace
 
 std::error_code TryToConnect(DString const &authority, int timeoutMs) {
     HostAndPort const target = TakeApart(authority);
-    addrinfo hints{};
-    hints.ai_socktype = SOCK_STREAM;
-    addrinfo *found = nullptr;
-    if (getaddrinfo(target.host.c_str(), target.port.c_str(), &hints, &found) != 0)
+    std::uint16_t port = 0;
+    std::from_chars(target.port.data(), target.port.data() + target.port.size(), port);
+    auto const patience = [timeoutMs] { return Patience(std::chrono::milliseconds(timeoutMs), [] { return false; }); };
+    int error = 0;
+    std::vector<wire::HostNumber> const numbers = ResolveHost(target.host, patience(), error);
+    if (numbers.empty())
         return std::make_error_code(std::errc::host_unreachable); // nobody knows the name
-    std::unique_ptr<addrinfo, decltype(&freeaddrinfo)> const owner(found, &freeaddrinfo);
-    int error = EHOSTUNREACH;
-    for (addrinfo const *address = found; address != nullptr && error != 0; address = address->ai_next)
-        error = Connect(*address, timeoutMs);
+    for (wire::HostNumber const &number : numbers)
+        if (DialHost(number, port, patience(), error).IsOpen())
+            return {};
     return {error, std::generic_category()};
 }
 

@@ -9,7 +9,7 @@
 #include <optional>
 #include <vector>
 
-namespace zelvar {
+namespace zelvar::platform {
 
 /// How long somebody waits for a server, and what ends the wait before. One thread.
 class Patience {
@@ -20,12 +20,16 @@ public:
     Patience(std::chrono::milliseconds time, int wake, int other, std::function<bool()> isStopped)
         : m_deadline(Clock::now() + time), m_wake(wake), m_other(other), m_isStopped(std::move(isStopped)) {}
 
+    /// The same where nothing wakes who waits: `isStopped` is asked again and again.
+    Patience(std::chrono::milliseconds time, std::function<bool()> isStopped)
+        : Patience(time, -1, -1, std::move(isStopped)) {}
+
     /// Until `file` is ready for `events`: 0, else ETIMEDOUT or ECANCELED.
     [[nodiscard]] int WaitFor(int file, short events) const;
 
 private:
     Clock::time_point m_deadline;
-    int m_wake;
+    int m_wake; ///< as the next one, below 0 for none
     int m_other;
     std::function<bool()> m_isStopped;
 };
@@ -42,4 +46,4 @@ private:
 [[nodiscard]] FileDescriptor DialHost(wire::HostNumber const &number, std::uint16_t port, Patience const &patience,
                                       int &error);
 
-} // namespace zelvar
+} // namespace zelvar::platform

@@ -1,4 +1,4 @@
-#include "zelvar/data/reader/Dialing.h"
+#include "zelvar/platform/os/Dialing.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -16,7 +16,7 @@
 #include <sys/eventfd.h>
 #include <sys/socket.h>
 
-namespace zelvar {
+namespace zelvar::platform {
 
 namespace {
 
@@ -85,7 +85,8 @@ int Patience::WaitFor(int file, short events) const {
         pollfd waits[] = {{.fd = file, .events = events, .revents = 0},
                           {.fd = m_wake, .events = POLLIN, .revents = 0},
                           {.fd = m_other, .events = 0, .revents = 0}};
-        constexpr long longest = 1'000'000;
+        constexpr long pulse = 20;
+        long const longest = m_wake < 0 ? pulse : 1'000'000;
         int const count = poll(waits, std::size(waits), static_cast<int>(std::min(left, longest)));
         if (count < 0 && errno != EINTR)
             return errno;
@@ -148,4 +149,4 @@ FileDescriptor DialHost(HostNumber const &number, std::uint16_t port, Patience c
     return socket;
 }
 
-} // namespace zelvar
+} // namespace zelvar::platform

@@ -1,0 +1,207 @@
+#include "zelvar/connections/ListingWords.h"
+
+#include "zelvar/base/Translation.h"
+#include "zelvar/connections/FilledWords.h"
+#include "zelvar/model/OpenOutcome.h"
+
+#include <algorithm>
+#include <array>
+
+namespace zelvar {
+
+namespace {
+
+constexpr int kUnauthorized = 401;
+constexpr int kForbidden = 403;
+constexpr int kNotFound = 404;
+constexpr int kProxyLogin = 407;
+
+constexpr char const *kStopped = Mark("Stopped.");
+constexpr char const *kTrusted = Mark("The server's certificate is trusted.");
+constexpr char const *kUnchecked = Mark("Encrypted; the server's certificate is not looked at.");
+constexpr char const *kReadable = Mark("Not encrypted: the password can be read on its way.");
+constexpr char const *kUntrusted =
+    Mark("The certificate of %s is not trusted. Name the file of its authority's certificates.");
+constexpr char const *kUntrustedStill =
+    Mark("The certificate of %s is not trusted, and no certificate in %s vouches for it.");
+constexpr char const *kAccepted = Mark("The server takes the login.");
+constexpr char const *kAcceptedUser = Mark("The server takes the login of %s.");
+constexpr char const *kWrongLogin = Mark("The server does not know user %s or the password.");
+constexpr char const *kWantsLogin = Mark("The server wants a login: name a user and where the password is kept.");
+constexpr char const *kProxy = Mark("The proxy on the way wants a login of its own.");
+constexpr char const *kForbids = Mark("The server does not let this login list it (%lld).");
+constexpr char const *kNothing = Mark("There is nothing at this address (%lld).");
+constexpr char const *kNoBucket = Mark("%s: there is no bucket of this name.");
+constexpr char const *kWrongKey = Mark("%s: the secret key is wrong, or this computer's clock is.");
+constexpr char const *kNoKey = Mark("%s: there is no such key.");
+constexpr char const *kExpired = Mark("%s: the login has expired.");
+constexpr char const *kMayNotList =
+    Mark("%s: the key may read objects but not list them: give a prefix or a full name.");
+constexpr char const *kLeadsOn =
+    Mark("The server sends on to %s. If that is right, name it among the hosts also allowed.");
+constexpr char const *kNotListed = Mark("It cannot be listed: %s.");
+constexpr char const *kEmpty = Mark("It is listed, and nothing is in it.");
+constexpr char const *kWorks = Mark("Works: %s.");
+
+/// What a store calls a refusal.
+struct StoreCode {
+    char const *code;
+    char const *words;
+    bool isLogin; ///< else it is about what is listed
+};
+constexpr std::array kCodes{
+    StoreCode{"SignatureDoesNotMatch", kWrongKey, true}, StoreCode{"RequestTimeTooSkewed", kWrongKey, true},
+    StoreCode{"AuthenticationFailed", kWrongKey, true},  StoreCode{"InvalidAccessKeyId", kNoKey, true},
+    StoreCode{"ExpiredToken", kExpired, true},           StoreCode{"InvalidToken", kExpired, true},
+    StoreCode{"AccessDenied", kMayNotList, false},       StoreCode{"AuthorizationFailure", kMayNotList, false},
+    StoreCode{"NoSuchBucket", kNoBucket, false},         StoreCode{"ContainerNotFound", kNoBucket, false},
+};
+
+TrialResult Result(TrialStep step, TrialState state, DString words) {
+    return {.step = step, .state = state, .words = std::move(words)};
+}
+
+DString ServerOf(Connection const &connection) {
+    std::optional<ConnectionAddress> const address = connection.Address();
+    DString const endpoint = connection.Field("endpoint");
+    return !endpoint.empty() ? endpoint : address ? address->host : connection.name;
+}
+
+/// How what goes between the two is encrypted.
+enum class Encryption { Unknown, None, Unchecked, Checked };
+Encryption EncryptionOf(Connection const &connection) {
+    std::optional<ConnectionAddress> const address = connection.Address();
+    DString const scheme = address ? address->scheme : DString();
+    if (connection.kind == ConnectionKind::PostgreSql) {
+        DString const mode = connection.Field("sslmode");
+        return mode.starts_with("verify") ? Encryption::Checked
+               : mode == "require"        ? Encryption::Unchecked
+               : mode == "disable"        ? Encryption::None
+                                          : Encryption::Unknown;
+    }
+    if (connection.kind == ConnectionKind::ObjectStore)
+        return connection.Field("endpoint").starts_with("http://") ? Encryption::None : Encryption::Checked;
+    return scheme.ends_with("https")  ? Encryption::Checked
+           : scheme.ends_with("http") ? Encryption::None
+                                      : Encryption::Unknown;
+}
+
+StoreCode const *CodeIn(DString const &text) {
+    auto const *const found = std::find_if(kCodes.begin(), kCodes.end(),
+                                           [&](StoreCode const &row) { return text.find(row.code) != DString::npos; });
+    return found == kCodes.end() ? nullptr : found;
+}
+
+/// Whether a failure is about who asks.
+bool IsAboutLogin(Connection const &connection, DError const &error) {
+    using Cause = DError::Cause;
+    if (error.Why() == Cause::Server)
+        return error.Detail() == kUnauthorized || error.Detail() == kProxyLogin;
+    if (error.Why() == Cause::NeedsPassword)
+        return true;
+    bool const isDatabase = connection.kind == ConnectionKind::PostgreSql || connection.kind == ConnectionKind::Odbc;
+    return isDatabase && error.Why() == Cause::NotPermitted;
+}
+
+DString LoginWords(Connection const &connection, DError const &error) {
+    if (error.Detail() == kProxyLogin)
+        return Translated(kProxy);
+    std::optional<ConnectionAddress> const address = connection.Address();
+    DString const user = address ? address->user : DString();
+    return user.empty() ? DString(Translated(kWantsLogin)) : FilledWords(kWrongLogin, user);
+}
+
+/// The host that the reader was kept from; empty for another failure.
+DString HostLedTo(DError const &error) {
+    constexpr std::string_view kBefore = "it leads to ";
+    std::size_t const at = error.Text().find(kBefore);
+    std::size_t const end = error.Text().find(", which is no host", at);
+    if (error.Why() != DError::Cause::Refused || at == DString::npos || end == DString::npos)
+        return {};
+    return error.Text().substr(at + kBefore.size(), end - at - kBefore.size());
+}
+
+DString ListingFailureWords(DError const &error) {
+    if (error.Why() == DError::Cause::Server && error.Detail() == kForbidden)
+        return Format(Translated(kForbids), static_cast<long long>(kForbidden));
+    if (error.Why() == DError::Cause::Server && error.Detail() == kNotFound)
+        return Format(Translated(kNothing), static_cast<long long>(kNotFound));
+    if (DString const host = HostLedTo(error); !host.empty())
+        return FilledWords(kLeadsOn, host);
+    DString const cause = CauseInWords(error);
+    bool const isSame = cause.empty() || cause == error.Text();
+    return FilledWords(kNotListed, isSame ? error.Text() : cause + "; " + error.Text());
+}
+
+/// "3 folders, 41 tables".
+DString Counted(ListedConnection const &listed) {
+    DString text;
+    auto const add = [&text](DString const &part) { text.append(text.empty() ? "" : ", ").append(part); };
+    auto const number = [](std::size_t count) { return static_cast<long long>(count); };
+    if (long long const count = number(listed.folders); count > 0)
+        add(Format(Translated("%lld folder", "%lld folders", count), count));
+    if (long long const count = number(listed.images); count > 0)
+        add(Format(Translated("%lld image", "%lld images", count), count));
+    if (long long const count = number(listed.tables); count > 0)
+        add(Format(Translated("%lld table", "%lld tables", count), count));
+    if (long long const count = number(listed.others); count > 0)
+        add(Format(Translated("%lld other file", "%lld other files", count), count));
+    return text;
+}
+
+} // namespace
+
+std::vector<TrialResult> ListingInSteps(Connection const &connection, ListedConnection const &listed) {
+    std::vector<TrialResult> results;
+    if (listed.isStopped)
+        return {Result(TrialStep::Listing, TrialState::Stopped, Translated(kStopped))};
+    DError const &failure = listed.failure;
+    DString const server = ServerOf(connection);
+    bool const hasPassword = connection.secret != SecretPlace::None;
+    if (failure.Why() == DError::Cause::Untrusted) {
+        DString const ca = connection.Field("ca");
+        return {Result(TrialStep::Encryption, TrialState::Failed,
+                       ca.empty() ? FilledWords(kUntrusted, server)
+                                  : Format(Translated(kUntrustedStill), server.c_str(), ca.c_str()))};
+    }
+    // A server that was never spoken to has shown no certificate.
+    bool const isReached = !failure.IsSet() || failure.Why() == DError::Cause::Server ||
+                           failure.Why() == DError::Cause::NotPermitted || failure.Why() == DError::Cause::Missing ||
+                           failure.Why() == DError::Cause::NeedsPassword;
+    Encryption const encryption = EncryptionOf(connection);
+    if (isReached && encryption == Encryption::Checked)
+        results.push_back(Result(TrialStep::Encryption, TrialState::Works, Translated(kTrusted)));
+    else if (isReached && encryption == Encryption::Unchecked)
+        results.push_back(Result(TrialStep::Encryption, TrialState::Works, Translated(kUnchecked)));
+    else if (isReached && hasPassword && encryption == Encryption::None)
+        results.push_back(Result(TrialStep::Encryption, TrialState::Works, Translated(kReadable)));
+
+    StoreCode const *const code =
+        connection.kind == ConnectionKind::ObjectStore && failure.IsSet() ? CodeIn(failure.Text()) : nullptr;
+    if (code != nullptr ? code->isLogin : IsAboutLogin(connection, failure)) {
+        results.push_back(
+            Result(TrialStep::Login, TrialState::Failed,
+                   code != nullptr ? FilledWords(code->words, code->code) : LoginWords(connection, failure)));
+        return results;
+    }
+    std::optional<ConnectionAddress> const address = connection.Address();
+    DString const user = address ? address->user : DString();
+    if (isReached && hasPassword)
+        results.push_back(Result(TrialStep::Login, TrialState::Works,
+                                 user.empty() ? DString(Translated(kAccepted)) : FilledWords(kAcceptedUser, user)));
+    if (failure.IsSet()) {
+        results.push_back(
+            Result(TrialStep::Listing, TrialState::Failed,
+                   code != nullptr ? FilledWords(code->words, code->code) : ListingFailureWords(failure)));
+        return results;
+    }
+    results.push_back(Result(TrialStep::Listing, TrialState::Works,
+                             listed.IsEmpty() ? DString(Translated(kEmpty)) : FilledWords(kWorks, Counted(listed))));
+    if (!listed.first.empty())
+        results.push_back(Result(TrialStep::FirstItem,
+                                 listed.firstFailure.IsSet() ? TrialState::Failed : TrialState::Works,
+                                 listed.firstWords));
+    return results;
+}
+
+} // namespace zelvar
