@@ -89,6 +89,24 @@ struct ConnectionPages : testing::Test {
         RefItemPtr<DataSourceItem> const item = list.ItemAt(list.GetNextItem(-1, LVNI_SELECTED));
         return item == nullptr ? "" : item->GetName();
     }
+    /// `OnNextDialog` for one over the open dialog, which is modal itself.
+    static std::shared_ptr<bool const> OnQuestion(DataSourceList &list, std::function<void(QWidget &)> act) {
+        auto done = std::make_shared<bool>(false);
+        auto *const poll = new QTimer(&list);
+        QObject::connect(poll, &QTimer::timeout, poll, [poll, done, open = list.window(), act = std::move(act)] {
+            QPointer<QWidget> const dialog = QApplication::activeModalWidget();
+            if (dialog.isNull() || dialog == open)
+                return;
+            poll->deleteLater();
+            poll->stop();
+            act(*dialog);
+            *done = true;
+            if (!dialog.isNull())
+                dialog->close();
+        });
+        poll->start(5);
+        return done;
+    }
     /// Opens the menu with its key and picks a line of it.
     static void Pick(DataSourceList &list, QString const &text) {
         QTimer::singleShot(0, [text] {
@@ -173,7 +191,7 @@ TEST_F(ConnectionPages, MakeTestAndShowAConnectionByTheKeyboardAlone) {
     OnList([&](DataSourceList &list) {
         EXPECT_EQ(Rows(list), std::vector<DString>{"New connection..."});
         Select(list, "New connection...");
-        auto const done = OnNextDialog(page);
+        auto const done = OnQuestion(list, page);
         QTest::keyClick(&list, Qt::Key_Return);
         EXPECT_TRUE(Eventually([&] { return *done && list.GetItemCount() > 0; }));
         DString const name = "127.0.0.1/dir";
@@ -305,7 +323,7 @@ TEST_F(ConnectionPages, RowsAreRenamedDuplicatedMovedRemovedAndPassedOn) {
         QTest::keyClick(&list, Qt::Key_Up, Qt::AltModifier);
         comesTo({"b", "a"});
 
-        auto done = OnNextDialog([](QWidget &question) {
+        auto done = OnQuestion(list, [](QWidget &question) {
             TypeInto(question.findChild<QLineEdit *>(), "c: \"%\"?");
             QTest::keyClick(question.findChild<QLineEdit *>(), Qt::Key_Return);
         });
@@ -327,7 +345,7 @@ TEST_F(ConnectionPages, RowsAreRenamedDuplicatedMovedRemovedAndPassedOn) {
                                         {"Skip", {"c: \"%\"?", "a", "a (2)"}},
                                         {"Keep Both", {"c: \"%\"?", "a", "a (2)", "a (3)"}},
                                         {"Replace", {"c: \"%\"?", "a", "a (2)", "a (3)"}}}) {
-            done = OnNextDialog([button = button](QWidget &question) {
+            done = OnQuestion(list, [button = button](QWidget &question) {
                 for (QPushButton *const one : question.findChildren<QPushButton *>())
                     if (one->text() == button)
                         return Click(one);
@@ -340,7 +358,7 @@ TEST_F(ConnectionPages, RowsAreRenamedDuplicatedMovedRemovedAndPassedOn) {
         }
         Select(list, "a (2)");
         for (bool const isSure : {false, true}) {
-            done = OnNextDialog([isSure](QWidget &question) {
+            done = OnQuestion(list, [isSure](QWidget &question) {
                 Click(dynamic_cast<QMessageBox &>(question).button(isSure ? QMessageBox::Yes : QMessageBox::No));
             });
             QTest::keyClick(&list, Qt::Key_Delete);

@@ -49,7 +49,6 @@ TrialPane::TrialPane(QWidget *parent) : QWidget(parent), m_list(new CZelListCtrl
     m_list->AddCol(Translated("Outcome"), ADICol_String, false, WidthOf(outcomes), LVCFMT_LEFT);
     m_list->AddCol("ms", ADICol_Int, false, WidthOf({QStringLiteral("00000")}), LVCFMT_RIGHT);
     m_list->AddCol(Translated("What was found"), ADICol_String, false, 100, LVCFMT_LEFT);
-    m_list->EnlargeCol(3, true);
     m_list->SetMultiSlct(false);
     m_list->SetExtendedStyle(m_list->GetExtendedStyle() | LVS_EX_FULLROWSELECT | LVS_EX_LABELTIP);
     m_list->setAccessibleName(platform::Shown("Steps of the test"));
@@ -65,6 +64,11 @@ TrialPane::TrialPane(QWidget *parent) : QWidget(parent), m_list(new CZelListCtrl
     connect(m_list, &ReportView::ContextMenu, this, &TrialPane::RunMenu);
     auto *const copy = new QShortcut(QKeySequence::Copy, m_list, nullptr, nullptr, Qt::WidgetWithChildrenShortcut);
     connect(copy, &QShortcut::activated, this, &TrialPane::Copy);
+}
+
+void TrialPane::showEvent(QShowEvent *event) {
+    QWidget::showEvent(event);
+    m_list->EnlargeCol(3, true); // the list has its place by now
 }
 
 int TrialPane::WidthOf(std::vector<QString> const &words) const {

@@ -28,6 +28,9 @@ public:
     [[nodiscard]] CZelListCtrl *List() const { return m_list; }
     [[nodiscard]] QLabel *Words() const { return m_words; }
 
+protected:
+    void showEvent(QShowEvent *event) override;
+
 private:
     [[nodiscard]] int WidthOf(std::vector<QString> const &words) const; ///< of a column with them
     void Copy() const;
