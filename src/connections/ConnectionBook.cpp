@@ -173,8 +173,10 @@ ConnectionTerms MakeTerms(ConnectionBook::Entry const &entry, StopSignal const *
                 terms.options["https"] = "no";
             endpoint->second.erase(0, colon + 3);
         }
-    if (connection.timeLimit.count() > 0)
+    if (connection.timeLimit.count() > 0) {
         terms.connectTime = connection.timeLimit;
+        terms.options["seconds"] = std::to_string(connection.timeLimit.count()); // that its server may be silent
+    }
     bool const isStore = connection.kind == ConnectionKind::ObjectStore;
     if (!entry.secret.IsEmpty()) {
         PutSecret(terms, isStore ? "key" : "password", entry.secret);

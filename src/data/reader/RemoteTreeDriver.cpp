@@ -13,15 +13,21 @@ namespace zelvar {
 
 namespace {
 
+constexpr std::int64_t kMostChildren = 3'000'000; // of one node
+
 struct Repository {
     wire::TreeSpecT spec;
     int reader = 0; ///< that has it open, as far as we know
     DError walkError;
 };
 
+/// A walk that gets its children in the parts in which they come. It lives no longer than its repository is open.
 struct Walk {
-    std::vector<BDINode> children;
+    Repository *repository = nullptr;
+    wire::ListChildrenT question;
+    std::vector<BDINode> children; ///< the present part
     std::size_t next = 0;
+    bool hasMore = false;
 };
 
 Repository &Of(void *repository) { return *static_cast<Repository *>(repository); }
@@ -47,6 +53,27 @@ std::unique_ptr<Wanted> AskAbout(Repository &repository, char const *what, Body 
         return std::make_unique<Wanted>(std::move(*told));
     error = FailureOf(answer.message.get(), answer.error);
     return nullptr;
+}
+
+/// Asks for the next part of a walk. False at its end, which may be a failure.
+bool FetchPart(Walk &walk) {
+    auto const listed =
+        AskAbout<wire::ChildrenT>(*walk.repository, "children", walk.question, walk.repository->walkError);
+    walk.next = 0;
+    walk.children.clear();
+    bool const wantsMore = listed != nullptr && listed->more;
+    if (listed != nullptr && listed->failed != nullptr)
+        walk.repository->walkError = ErrorFrom(listed->failed.get());
+    if (listed != nullptr)
+        walk.children = NodesFrom(std::move(*listed));
+    walk.question.first += static_cast<std::int64_t>(walk.children.size());
+    // A reader that never came to an end would be asked for ever.
+    bool const isTooLong = wantsMore && walk.question.first >= kMostChildren;
+    if (isTooLong)
+        walk.repository->walkError.Set("\"" + walk.question.parent->path + "\" holds more than can be listed",
+                                       DError::Cause::TooLarge);
+    walk.hasMore = wantsMore && !isTooLong && !walk.children.empty();
+    return !walk.children.empty();
 }
 
 } // namespace
@@ -113,31 +140,43 @@ BDINode *RemoteTreeDriver::CloneNode(BDINode const *node) { return node == nullp
 
 void RemoteTreeDriver::CloseNode(BDINode *node) { delete node; }
 
-void *RemoteTreeDriver::FindFirstChildNode(void *repository, BDINode const *node, int mask) {
+void *RemoteTreeDriver::FindFirstChildNamed(void *repository, BDINode const *node, int mask, char const *names) {
     if (repository == nullptr || node == nullptr)
         return nullptr;
-    wire::ListChildrenT body;
-    body.parent = ToWire(*node);
-    body.mask = mask;
-    Of(repository).walkError.Clear();
-    auto const listed =
-        AskAbout<wire::ChildrenT>(Of(repository), "children", std::move(body), Of(repository).walkError);
-    if (listed == nullptr || listed->nodes.empty())
-        return nullptr;
     auto walk = std::make_unique<Walk>();
-    walk->children = NodesFrom(std::move(*listed));
-    return walk.release();
+    walk->repository = &Of(repository);
+    walk->question.parent = ToWire(*node);
+    walk->question.mask = mask;
+    walk->question.names = names == nullptr ? "" : names;
+    walk->question.walk = Readers::Instance().NextId();
+    Of(repository).walkError.Clear();
+    return FetchPart(*walk) ? walk.release() : nullptr;
 }
 
 BDINode const *RemoteTreeDriver::FindNextChildNode(void *find) {
     auto *walk = static_cast<Walk *>(find);
-    return walk != nullptr && walk->next < walk->children.size() ? &walk->children[walk->next++] : nullptr;
+    if (walk == nullptr || (walk->next == walk->children.size() && !(walk->hasMore && FetchPart(*walk))))
+        return nullptr;
+    return &walk->children[walk->next++];
+}
+
+bool RemoteTreeDriver::IsNextAtHand(void *find) const {
+    auto const *const walk = static_cast<Walk *>(find);
+    return walk == nullptr || walk->next < walk->children.size() || !walk->hasMore;
 }
 
 DError RemoteTreeDriver::GetWalkError(void *repository) const {
     return repository == nullptr ? DError() : Of(repository).walkError;
 }
 
-void RemoteTreeDriver::FindClose(void *find) { delete static_cast<Walk *>(find); }
+void RemoteTreeDriver::FindClose(void *find) {
+    std::unique_ptr<Walk> const walk(static_cast<Walk *>(find));
+    if (walk == nullptr || !walk->hasMore)
+        return;
+    wire::CloseWalkT body;
+    body.tree = walk->repository->spec.id;
+    body.walk = walk->question.walk;
+    Readers::Instance().Tell(walk->repository->reader, body);
+}
 
 } // namespace zelvar
