@@ -79,6 +79,9 @@ public:
         static_cast<void>(find);
         return true;
     }
+    /// Where it is not at hand: waits for one part more. That may hold no child that is wanted, and none is at hand
+    /// then.
+    virtual void FetchNextPart(void *find) { static_cast<void>(find); }
     /// Whether nodes are plain records: a copy of a walk's node (`CloneNode`) is then as good as one that `OpenNode`
     /// opens by its path behind the walk, and nothing is asked for it.
     [[nodiscard]] virtual bool HasPlainNodes() const { return false; }

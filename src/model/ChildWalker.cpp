@@ -22,7 +22,7 @@ void ChildWalker::Next() {
 
 bool ChildWalker::Push(BDINode const &parent) {
     int const mask = m_depth == Depth::Descendants ? m_mask | static_cast<int>(BDINode_Container) : m_mask;
-    void *const find = m_driver.FindFirstChildNamed(m_repository, &parent, mask, m_names.c_str());
+    void *const find = m_driver.FindFirstChildNode(m_repository, &parent, mask);
     if (find != nullptr)
         m_finds.push_back(find);
     return find != nullptr;

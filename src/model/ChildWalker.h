@@ -2,7 +2,6 @@
 
 #include "zelvar/data/BDIDrvr.h"
 
-#include <utility>
 #include <vector>
 
 namespace zelvar {
@@ -12,12 +11,9 @@ class ChildWalker {
 public:
     enum class Depth { Children, Descendants };
 
-    /// `mask` names the types of the children to visit; `names` is a mask of names that are of use, as
-    /// `BDIDrvr::FindFirstChildNamed` takes it. Nothing is asked before `Start`.
-    ChildWalker(BDIDrvr &driver, void *repository, BDINode const &parent, int mask, Depth depth = Depth::Children,
-                DString names = {})
-        : m_driver(driver), m_repository(repository), m_parent(parent), m_mask(mask), m_depth(depth),
-          m_names(std::move(names)) {}
+    /// `mask` names the types of the children to visit. Nothing is asked before `Start`.
+    ChildWalker(BDIDrvr &driver, void *repository, BDINode const &parent, int mask, Depth depth = Depth::Children)
+        : m_driver(driver), m_repository(repository), m_parent(parent), m_mask(mask), m_depth(depth) {}
     ~ChildWalker();
     ChildWalker(ChildWalker const &) = delete;
     ChildWalker &operator=(ChildWalker const &) = delete;
@@ -26,8 +22,6 @@ public:
     void Start();
     /// Moves on; only while `Current()` is not null.
     void Next();
-    /// Whether `Next` moves on at once, as it does unless the driver has to ask for the next part.
-    [[nodiscard]] bool IsNextAtHand() const { return m_finds.empty() || m_driver.IsNextAtHand(m_finds.back()); }
     /// The child, valid until the next move; null at the end.
     [[nodiscard]] BDINode const *Current() const { return m_current; }
 
@@ -40,7 +34,6 @@ private:
     BDINode const &m_parent;
     int m_mask;
     Depth m_depth;
-    DString m_names;
     std::vector<void *> m_finds; ///< one handle a level
     BDINode const *m_current = nullptr;
 };

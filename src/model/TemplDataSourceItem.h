@@ -113,6 +113,7 @@ struct TemplDataSourceItem::CRep {
 
     /// Guards every call into the tree: it is used by one thread at a time. Copying and closing a node is not one.
     DMutex m_lock;
+    std::mutex m_turn; ///< taken before it by who will take it again and again: each waits its turn
     void *m_repository = nullptr;
     std::mutex m_stateLock;                   ///< of the next two; held for a moment only: windows ask
     DError m_failure;                         ///< of the last opening

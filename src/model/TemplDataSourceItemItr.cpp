@@ -2,31 +2,31 @@
 
 #include "zelvar/model/TemplDataSourceItem.h"
 
-#include <optional>
+#include <mutex>
 #include <utility>
 
 namespace zelvar {
 
 /// A walk that is not at its end.
 struct TemplDataSourceItemItr::Walk {
-    Walk(TemplDataSourceItem const &item, BDIDrvr &by, DataSourceItem::ICancel *asked, int mask, char const *names)
+    Walk(TemplDataSourceItem const &item, BDIDrvr &by, DataSourceItem::ICancel *asked, int types, char const *mask)
         : parent(item), snapshot(item.Snapshot()), driver(by), repository(item.m_rep->m_repository), cancel(asked),
-          walker(std::in_place, by, repository, *snapshot->m_node, mask, ChildWalker::Depth::Children,
-                 names == nullptr ? "" : names) {}
+          nodeMask(types), names(mask == nullptr ? "" : mask) {}
     ~Walk() {
         DSingleLock const lock(snapshot->m_rep->m_lock);
-        walker.reset();
+        if (find != nullptr)
+            driver.FindClose(find);
     }
     Walk(Walk const &) = delete;
     Walk &operator=(Walk const &) = delete;
 
     [[nodiscard]] bool IsCanceled() const { return cancel != nullptr && cancel->IsCanceled(); }
-    /// Moves to the child that comes next.
-    void Move() {
+    /// Asks for the next part.
+    void Ask() {
         if (std::exchange(hasBegun, true))
-            walker->Next();
+            driver.FetchNextPart(find);
         else
-            walker->Start();
+            find = driver.FindFirstChildNamed(repository, snapshot->m_node, nodeMask, names.c_str());
     }
 
     TemplDataSourceItem const &parent;
@@ -35,7 +35,9 @@ struct TemplDataSourceItemItr::Walk {
     BDIDrvr &driver;
     void *repository; ///< of the moment at which it began: another filter opens another one
     DataSourceItem::ICancel *cancel;
-    std::optional<ChildWalker> walker;
+    int nodeMask;
+    DString names;
+    void *find = nullptr;
     bool hasBegun = false;
 };
 
@@ -60,7 +62,9 @@ bool TemplDataSourceItemItr::Fill(TemplDataSourceItem const &parent, DataSourceI
 void TemplDataSourceItemItr::FetchPart() {
     Walk &walk = *m_walk;
     TemplDataSourceItem::CRep &rep = *walk.snapshot->m_rep;
+    std::unique_lock turn(rep.m_turn);
     DSingleLock const lock(rep.m_lock);
+    turn.unlock();
     bool const isFirst = !walk.hasBegun;
 
     // 1. The walk's nodes are valid during the walk only: copies are kept or, where those would not do, paths.
@@ -68,20 +72,20 @@ void TemplDataSourceItemItr::FetchPart() {
     std::vector<BDINode *> nodes;
     std::vector<DString> paths;
     bool isStopped = false;
-    BDINode const *child = nullptr;
-    for (walk.Move(); (child = walk.walker->Current()) != nullptr; walk.Move()) {
-        isStopped = walk.IsCanceled();
-        if (isStopped)
-            break;
+    bool isAtEnd = false;
+    for (walk.Ask(); !isAtEnd && !isStopped && (walk.find == nullptr || walk.driver.IsNextAtHand(walk.find));) {
+        BDINode const *const child = walk.find == nullptr ? nullptr : walk.driver.FindNextChildNode(walk.find);
+        isAtEnd = child == nullptr;
+        isStopped = !isAtEnd && walk.IsCanceled();
+        if (isAtEnd || isStopped)
+            continue;
         if (isPlain)
             nodes.push_back(walk.driver.CloneNode(child));
         else
             paths.push_back(child->path);
-        if (!walk.walker->IsNextAtHand())
-            break;
     }
     if (DError failure = walk.driver.GetWalkError(walk.repository); isFirst || failure.IsSet()) {
-        if (child == nullptr && walk.IsCanceled())
+        if (isAtEnd && walk.IsCanceled())
             failure.Clear(); // whoever stops it knows why
         if (failure.IsSet())
             m_error = std::make_error_code(std::errc::io_error);
@@ -96,7 +100,7 @@ void TemplDataSourceItemItr::FetchPart() {
             m_error = std::make_error_code(std::errc::io_error);
     }
     Take(nodes);
-    if (isStopped || child == nullptr)
+    if (isStopped || isAtEnd)
         m_walk.reset();
 }
 
@@ -116,8 +120,17 @@ void TemplDataSourceItemItr::Take(std::vector<BDINode *> const &nodes) {
     }
 }
 
+void TemplDataSourceItemItr::First() {
+    DataSourceItemItr::First();
+    FetchToCursor();
+}
+
 void TemplDataSourceItemItr::Next() {
     DataSourceItemItr::Next();
+    FetchToCursor();
+}
+
+void TemplDataSourceItemItr::FetchToCursor() {
     while (!IsValid() && m_walk != nullptr) {
         if (m_walk->IsCanceled())
             m_walk.reset();

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "zelvar/model/ChildWalker.h"
+#include "zelvar/data/BDIDrvr.h"
 #include "zelvar/model/DataSourceItem.h"
 
 #include <memory>
@@ -22,11 +22,14 @@ public:
     /// is not open. `cancel` is asked between children and parts for as long as this lives; null for nobody. `names`: a
     /// mask that the driver may regard.
     bool Fill(TemplDataSourceItem const &parent, DataSourceItem::ICancel *cancel, int nodeMask, char const *names);
+    void First() override;
     void Next() override;
 
 private:
     struct Walk;
     void FetchPart();
+    /// Until there is a child where the cursor stands, or none can come.
+    void FetchToCursor();
     void Take(std::vector<BDINode *> const &nodes);
 
     std::unique_ptr<Walk> m_walk; ///< null at the end

@@ -46,6 +46,12 @@ DString NameText(DataSourceItem const &item) {
     return series == nullptr ? item.GetName() : series->GetName() + "   " + series->ShownSummary();
 }
 
+/// What tells a root from others. One that is not open yet has no path, and is another one once it is.
+DString PlaceOf(DataSourceItem const &root) {
+    auto const *const tree = dynamic_cast<TemplDataSourceItem const *>(&root);
+    return tree == nullptr || tree->IsOpen() ? root.GetPath() : "\n" + tree->GetSource();
+}
+
 /// Cells are one pixel smaller than their column on every side.
 constexpr int kCellInset = 1;
 
@@ -145,7 +151,7 @@ PaneState DSListCtrl::PresentState() const {
                     .fileFilter = m_fileFilter,
                     .folding = m_foldingRule ? m_foldingRule(m_rootItems).Number() : 0};
     for (RefItemPtr<DataSourceItem> const &root : m_rootItems)
-        state.rootPaths.push_back(root == nullptr ? DString() : root->GetPath());
+        state.rootPaths.push_back(root == nullptr ? DString() : PlaceOf(*root));
     return state;
 }
 

@@ -49,6 +49,7 @@ void PlaceNotice::Show(DString const &words, DString const &button, int top) {
     Place();
     show();
     raise();
+    layout()->activate(); // the height of the words depends on the width
 }
 
 void PlaceNotice::Place() {

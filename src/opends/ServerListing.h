@@ -25,8 +25,8 @@ public:
     ServerListing &operator=(ServerListing const &) = delete;
 
     [[nodiscard]] std::vector<Pending> TakePending() { return m_worker.TakePending(); }
-    /// Asked before the rows are taken, none is left behind.
-    [[nodiscard]] bool IsAtWork() const { return m_isAtWork; }
+    /// False after a stop, though some rows may still come.
+    [[nodiscard]] bool IsAtWork() const { return m_isAtWork && !m_stop; }
     /// What has been found stays. Does not wait.
     void Stop() { m_stop = true; }
     /// Nobody wants it any more. Does not wait.

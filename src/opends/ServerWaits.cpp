@@ -105,7 +105,6 @@ void ServerWaits::Forget() {
     m_place.clear();
     m_shown.reset();
     m_failure.Clear();
-    m_isStopped = false;
 }
 
 bool ServerWaits::IsWaiting() const { return Waiting().isWaiting; }
@@ -123,6 +122,7 @@ bool ServerWaits::Stop() {
     m_panes.parents.StopListing();
     m_panes.items.StopListing();
     m_isStopped = true;
+    m_panes.items.GetRootItems(m_stoppedRoots);
     Update();
     return true;
 }
@@ -178,10 +178,10 @@ ServerWaits::State ServerWaits::Failed() const {
         return {.words = FaultInWords(m_place, m_failure)};
     if (HasRows())
         return {};
-    if (m_isStopped)
-        return {.words = Translated("Stopped.")};
     DSListCtrl::ItemList roots;
     m_panes.items.GetRootItems(roots);
+    if (m_isStopped && roots == m_stoppedRoots)
+        return {.words = Translated("Stopped.")};
     TemplDataSourceItem const *const root = roots.size() == 1 ? OnServer(roots.front()) : nullptr;
     DError const failure = root == nullptr ? DError() : root->GetFailure();
     return failure.IsSet() ? State{.words = FaultInWords(NameOf(*root), failure)} : State();
@@ -197,6 +197,8 @@ void ServerWaits::ShowBusy(bool isBusy) {
 
 void ServerWaits::Update() {
     State state = Waiting();
+    if (state.isWaiting)
+        m_isStopped = false;
     if (m_isBusy != state.isWaiting)
         ShowBusy(state.isWaiting);
     if (m_notice == nullptr)

@@ -8,6 +8,7 @@
 #include <QtCore/QObject>
 
 #include <functional>
+#include <list>
 #include <memory>
 
 namespace zelvar {
@@ -80,7 +81,8 @@ private:
     DString m_place;                    ///< that was looked for last; empty once it is there
     DError m_failure;                   ///< why that is not
     bool m_reports = false;
-    bool m_isStopped = false; ///< by the user
+    bool m_isStopped = false; ///< by the user, while the list had these roots
+    std::list<RefItemPtr<DataSourceItem>> m_stoppedRoots;
     bool m_isBusy = false;    ///< as the pointer says
 };
 

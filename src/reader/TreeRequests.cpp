@@ -32,8 +32,10 @@ public:
         if (at != tree.walks.end()) {
             m_walk = *at;
             tree.walks.erase(at);
-            if (m_walk.passed == asked.first)
+            if (m_walk.passed == asked.first) {
+                tree.driver->FetchNextPart(m_walk.find); // one a request, which may be stopped
                 return;
+            }
             tree.driver->FindClose(m_walk.find);
             m_walk.passed = 0;
         }
@@ -121,7 +123,7 @@ Answer TreeRequests::WalkChildren(OpenTrees::Tree &tree, BDINode const &parent,
     bool const inParts = asked.walk != 0;
     std::size_t bytes = 0;
     bool isFull = false;
-    while (!isFull && (children.nodes.empty() || !inParts || walk.IsNextAtHand())) {
+    while (!isFull && (!inParts || walk.IsNextAtHand())) {
         BDINode const *const child = walk.Next();
         if (m_stop->load())
             return Failure(kStopped);

@@ -39,10 +39,13 @@ private:
 
 struct ServerPlaces : testing::Test {
     ServerPlaces() {
-        BDIDrvrMngr::Instance()->Reset();
-        RDIDriverMngr::Instance()->Reset();
-        UseReaders(PatientReaders());
-        BDIDrvrMngr::Instance()->Drivers();
+        static bool const isFirst = [] {
+            BDIDrvrMngr::Instance()->Reset();
+            RDIDriverMngr::Instance()->Reset();
+            UseReaders(PatientReaders());
+            return !BDIDrvrMngr::Instance()->Drivers().empty();
+        }();
+        EXPECT_TRUE(isFirst);
         folder.Write("here.tif", "x");
         Define("Lab", server.Url() + "/lab/");
         Define("Nobody", "http://127.0.0.1:1/d/");
@@ -54,10 +57,9 @@ struct ServerPlaces : testing::Test {
         Set("AWS_NO_SIGN_REQUEST", "YES");
     }
     ~ServerPlaces() override {
+        // Workers that were let go need the drivers for a moment: they stay.
         for (auto const &[name, former] : m_former)
             qputenv(name.c_str(), former);
-        BDIDrvrMngr::Instance()->Reset();
-        RDIDriverMngr::Instance()->Reset();
     }
     void Set(std::string const &name, std::string const &value) {
         m_former[name] = qgetenv(name.c_str());

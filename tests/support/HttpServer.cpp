@@ -61,16 +61,18 @@ void HttpServer::Demand(std::string const &login) {
     m_login = login;
 }
 
-bool HttpServer::Wait(std::chrono::milliseconds time) const {
-    pollfd wait{m_wake[0], POLLIN, 0};
-    return poll(&wait, 1, static_cast<int>(time.count())) == 0;
+bool HttpServer::Wait(int connection, std::chrono::milliseconds time) const {
+    std::array<pollfd, 2> waits{pollfd{m_wake[0], POLLIN, 0}, pollfd{connection, POLLRDHUP, 0}};
+    return poll(waits.data(), waits.size(), static_cast<int>(time.count())) == 0;
 }
 
 void HttpServer::Send(int connection, std::string const &text) {
     std::size_t done = 0;
     while (done < text.size()) {
-        if (m_drips && !Wait(std::chrono::seconds(1)))
+        if (m_drips && !Wait(connection, std::chrono::seconds(1))) {
+            shutdown(connection, SHUT_RDWR);
             return;
+        }
         std::size_t const part = m_drips ? 1 : text.size() - done;
         ssize_t const count = send(connection, text.data() + done, part, MSG_NOSIGNAL);
         if (count <= 0)
@@ -156,7 +158,7 @@ bool HttpServer::Answer(int connection, std::string const &request) {
     }
     if (m_hangs)
         return true;
-    if (m_delay > 0 && !Wait(std::chrono::milliseconds(m_delay)))
+    if (m_delay > 0 && !Wait(connection, std::chrono::milliseconds(m_delay)))
         return false;
     if (!found) {
         std::string head = "HTTP/1.1 " + std::to_string(resource.status) +

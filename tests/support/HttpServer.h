@@ -65,8 +65,8 @@ private:
     void Talk(int connection);
     bool Answer(int connection, std::string const &request);
     void Send(int connection, std::string const &text);
-    /// False if the server ends meanwhile.
-    [[nodiscard]] bool Wait(std::chrono::milliseconds time) const;
+    /// False if the server or the connection ends meanwhile.
+    [[nodiscard]] bool Wait(int connection, std::chrono::milliseconds time) const;
 
     int m_listener = -1;
     int m_port = 0;

@@ -5,6 +5,7 @@
 
 #include <cstring>
 #include <exception>
+#include <tuple>
 #include <utility>
 
 namespace zelvar::gdal {
@@ -22,14 +23,13 @@ struct Walk {
     std::vector<BDINode> children; ///< the present part
     std::size_t next = 0;
 
-    /// Goes to the next part with a child that is wanted; false if there is none.
-    bool Fetch() {
-        for (next = 0, children.clear(); children.empty();) {
-            if (!cursor->Next(children))
-                return false;
+    [[nodiscard]] bool IsAtHand() const { return next < children.size() || cursor->IsAtEnd(); }
+    /// Goes to the next part, with those of its children that are wanted. Nothing is at hand.
+    void Fetch() {
+        next = 0;
+        children.clear();
+        if (cursor->Next(children))
             std::erase_if(children, [this](BDINode const &child) { return (child.type & mask) == 0; });
-        }
-        return true;
     }
 };
 
@@ -169,7 +169,10 @@ void *TreeDriver::FindFirstChildNamed(void *repository, BDINode const *node, int
         auto walk = std::make_unique<Walk>();
         walk->mask = static_cast<std::uint32_t>(mask);
         walk->cursor = ChildrenOf(*Of(repository).tree, *node, walk->mask, names == nullptr ? "" : names);
-        return walk->cursor != nullptr && walk->Fetch() ? walk.release() : nullptr;
+        if (walk->cursor == nullptr)
+            return nullptr;
+        walk->Fetch();
+        return walk->children.empty() && walk->cursor->IsAtEnd() ? nullptr : walk.release();
     });
 }
 
@@ -178,15 +181,20 @@ BDINode const *TreeDriver::FindNextChildNode(void *find) {
     if (walk == nullptr)
         return nullptr;
     return Guarded<BDINode const *>("listing a node", [&]() -> BDINode const * {
-        if (walk->next == walk->children.size() && (walk->cursor->IsAtEnd() || !walk->Fetch()))
-            return nullptr;
-        return &walk->children[walk->next++];
+        while (!walk->IsAtHand())
+            walk->Fetch();
+        return walk->next < walk->children.size() ? &walk->children[walk->next++] : nullptr;
     });
 }
 
-bool TreeDriver::IsNextAtHand(void *find) const {
-    auto const *const walk = static_cast<Walk *>(find);
-    return walk == nullptr || walk->next < walk->children.size() || walk->cursor->IsAtEnd();
+bool TreeDriver::IsNextAtHand(void *find) const { return find == nullptr || static_cast<Walk *>(find)->IsAtHand(); }
+
+void TreeDriver::FetchNextPart(void *find) {
+    std::ignore = Guarded<bool>("listing a node", [&] {
+        if (auto *const walk = static_cast<Walk *>(find); walk != nullptr && !walk->IsAtHand())
+            walk->Fetch();
+        return true;
+    });
 }
 
 DError TreeDriver::GetWalkError(void *repository) const {

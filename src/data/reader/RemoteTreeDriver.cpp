@@ -14,6 +14,7 @@ namespace zelvar {
 namespace {
 
 constexpr std::int64_t kMostChildren = 3'000'000; // of one node
+constexpr int kMostParts = 100'000;
 
 struct Repository {
     wire::TreeSpecT spec;
@@ -28,6 +29,8 @@ struct Walk {
     std::vector<BDINode> children; ///< the present part
     std::size_t next = 0;
     bool hasMore = false;
+    int parts = 0;
+    [[nodiscard]] bool IsAtHand() const { return next < children.size() || !hasMore; }
 };
 
 Repository &Of(void *repository) { return *static_cast<Repository *>(repository); }
@@ -55,25 +58,25 @@ std::unique_ptr<Wanted> AskAbout(Repository &repository, char const *what, Body 
     return nullptr;
 }
 
-/// Asks for the next part of a walk. False at its end, which may be a failure.
-bool FetchPart(Walk &walk) {
-    auto const listed =
-        AskAbout<wire::ChildrenT>(*walk.repository, "children", walk.question, walk.repository->walkError);
+/// Asks for the next part of a walk, which may hold nothing.
+void FetchPart(Walk &walk) {
     walk.next = 0;
     walk.children.clear();
-    bool const wantsMore = listed != nullptr && listed->more;
-    if (listed != nullptr && listed->failed != nullptr)
+    auto const listed =
+        AskAbout<wire::ChildrenT>(*walk.repository, "children", walk.question, walk.repository->walkError);
+    walk.hasMore = listed != nullptr && listed->more;
+    if (listed == nullptr)
+        return;
+    if (listed->failed != nullptr)
         walk.repository->walkError = ErrorFrom(listed->failed.get());
-    if (listed != nullptr)
-        walk.children = NodesFrom(std::move(*listed));
+    walk.children = NodesFrom(std::move(*listed));
     walk.question.first += static_cast<std::int64_t>(walk.children.size());
     // A reader that never came to an end would be asked for ever.
-    bool const isTooLong = wantsMore && walk.question.first >= kMostChildren;
-    if (isTooLong)
-        walk.repository->walkError.Set("\"" + walk.question.parent->path + "\" holds more than can be listed",
-                                       DError::Cause::TooLarge);
-    walk.hasMore = wantsMore && !isTooLong && !walk.children.empty();
-    return !walk.children.empty();
+    if (!walk.hasMore || (walk.question.first < kMostChildren && ++walk.parts < kMostParts))
+        return;
+    walk.hasMore = false;
+    walk.repository->walkError.Set("\"" + walk.question.parent->path + "\" holds more than can be listed",
+                                   DError::Cause::TooLarge);
 }
 
 } // namespace
@@ -150,19 +153,24 @@ void *RemoteTreeDriver::FindFirstChildNamed(void *repository, BDINode const *nod
     walk->question.names = names == nullptr ? "" : names;
     walk->question.walk = Readers::Instance().NextId();
     Of(repository).walkError.Clear();
-    return FetchPart(*walk) ? walk.release() : nullptr;
+    FetchPart(*walk);
+    return walk->children.empty() && !walk->hasMore ? nullptr : walk.release();
 }
 
 BDINode const *RemoteTreeDriver::FindNextChildNode(void *find) {
     auto *walk = static_cast<Walk *>(find);
-    if (walk == nullptr || (walk->next == walk->children.size() && !(walk->hasMore && FetchPart(*walk))))
-        return nullptr;
-    return &walk->children[walk->next++];
+    while (walk != nullptr && !walk->IsAtHand())
+        FetchPart(*walk);
+    return walk != nullptr && walk->next < walk->children.size() ? &walk->children[walk->next++] : nullptr;
 }
 
 bool RemoteTreeDriver::IsNextAtHand(void *find) const {
-    auto const *const walk = static_cast<Walk *>(find);
-    return walk == nullptr || walk->next < walk->children.size() || !walk->hasMore;
+    return find == nullptr || static_cast<Walk *>(find)->IsAtHand();
+}
+
+void RemoteTreeDriver::FetchNextPart(void *find) {
+    if (auto *const walk = static_cast<Walk *>(find); walk != nullptr && !walk->IsAtHand())
+        FetchPart(*walk);
 }
 
 DError RemoteTreeDriver::GetWalkError(void *repository) const {

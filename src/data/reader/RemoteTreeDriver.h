@@ -34,6 +34,7 @@ public:
     void FindClose(void *find) override;
     [[nodiscard]] DError GetWalkError(void *repository) const override;
     [[nodiscard]] bool IsNextAtHand(void *find) const override;
+    void FetchNextPart(void *find) override;
     [[nodiscard]] bool HasPlainNodes() const override { return true; }
 
 private:
