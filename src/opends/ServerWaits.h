@@ -83,7 +83,7 @@ private:
     bool m_reports = false;
     bool m_isStopped = false; ///< by the user, while the list had these roots
     std::list<RefItemPtr<DataSourceItem>> m_stoppedRoots;
-    bool m_isBusy = false;    ///< as the pointer says
+    bool m_isBusy = false; ///< as the pointer says
 };
 
 } // namespace zelvar

@@ -199,7 +199,10 @@ TEST_F(ServerPlaces, RowsOfAStoreComeAsItSendsThemAndAreKeptAfterAStop) {
         Press(Qt::Key_Escape);
         EXPECT_TRUE(Eventually([&] { return !list.IsListing(); }));
         EXPECT_GE(list.GetNumRow(), 3000);
-        EXPECT_TRUE(HasLetGo());
+        std::size_t const asked = server.Requests().size();
+        ClickSource("Nobody");
+        EXPECT_TRUE(Says("Nobody cannot be opened: ", "Retry"));
+        EXPECT_LE(server.Requests().size(), asked + 2) << "nobody goes on behind the window";
         EXPECT_LT(gaps.Longest(), kSmooth);
         std::printf("longest gap %lld ms\n", static_cast<long long>(gaps.Longest().count()));
     });

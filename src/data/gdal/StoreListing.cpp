@@ -100,8 +100,8 @@ private:
     }
     bool Open() {
         DString const name = StoreNameOf(m_folder);
-        // GDAL signs the list of all buckets for another address than it asks for where buckets stand in the path. There is
-        // none to stand before the host's name either. The scope takes the setting back.
+        // GDAL signs the list of all buckets for another address than it asks for where buckets stand in the path.
+        // There is none to stand before the host's name either. The scope takes the setting back.
         if (StoreOf(m_folder)->fileSystem == name)
             CPLSetThreadLocalConfigOption("AWS_VIRTUAL_HOSTING", "TRUE");
         VSICurlPartialClearCache(name.c_str()); // else what failed once fails for good
