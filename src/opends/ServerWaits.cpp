@@ -1,6 +1,8 @@
 #include "zelvar/opends/ServerWaits.h"
 
+#include "zelvar/base/Redaction.h"
 #include "zelvar/base/Translation.h"
+#include "zelvar/base/TypedSecrets.h"
 #include "zelvar/model/OpenOutcome.h"
 #include "zelvar/opends/DSListCtrl.h"
 #include "zelvar/opends/DataSourceList.h"
@@ -57,9 +59,9 @@ bool ServerWaits::GoTo(DString const &place, bool report) {
     if (!PlaceOpener::IsFor(place))
         return false;
     Forget();
-    m_place = place;
+    m_place = TakeSecrets(place);
     m_reports = report;
-    m_opener->Find(place);
+    m_opener->Find(m_place);
     Update();
     return true;
 }
@@ -212,7 +214,7 @@ void ServerWaits::Update() {
         Rect const row = m_panes.items.GetItemRect(0);
         top = row.bottom;
     }
-    m_notice->Show(state.words, button, top);
+    m_notice->Show(Redacted(state.words), button, top);
 }
 
 } // namespace zelvar

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "zelvar/base/Export.h"
 #include "zelvar/base/Report.h"
 #include "zelvar/model/DataSourceItem.h"
 #include "zelvar/platform/ui/MessageTarget.h"
@@ -22,7 +23,7 @@ class PlaceOpener;
 /// What the open dialog waits for from servers: connections that open, addresses that somebody named, listings. All of
 /// it goes on behind the window; this says so where the rows will stand, ends it when the user wants, tells why it
 /// failed and tries again. User-interface thread.
-class ServerWaits : public QObject {
+class ZELVAR_API ServerWaits : public QObject {
 public:
     /// The windows must outlive it.
     struct Panes {

@@ -178,8 +178,9 @@ TEST_F(ServerPlaces, AConnectionThatFailedIsTriedAgain) {
         EXPECT_TRUE(Eventually([&] { return RowOf(list, "a.tif") >= 0; }));
         EXPECT_TRUE(Eventually([&] { return !dialog->Waits()->Notice()->isVisible(); }));
         EXPECT_EQ(RowTextOf(*dialog->SourceList()->ItemAt(RowOfSource("Lab"))), "Lab");
-        GoTo(server.Url() + "/gone/");
-        EXPECT_TRUE(Says("/gone/ cannot be opened: its server answered 404", "Retry"));
+        GoTo("http://u:MARKER@" + server.Url().substr(7) + "/gone/?sig=MARKER");
+        EXPECT_TRUE(Says("cannot be opened: its server answered 404", "Retry"));
+        EXPECT_FALSE(dialog->Waits()->Notice()->Label()->text().contains("MARKER"));
         Press(Qt::Key_Escape);
         EXPECT_FALSE(dialog->Waits()->Notice()->isVisible()) << "what was there is seen again";
         EXPECT_TRUE(dialog->isVisible());
