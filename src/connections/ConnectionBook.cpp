@@ -187,8 +187,10 @@ ConnectionTerms MakeTerms(ConnectionBook::Entry const &entry, StopSignal const *
                 terms.options["https"] = "no";
             endpoint->second.erase(0, colon + 3);
         }
-    if (connection.timeLimit.count() > 0)
+    if (connection.timeLimit.count() > 0) {
         terms.connectTime = connection.timeLimit;
+        terms.options["seconds"] = std::to_string(connection.timeLimit.count()); // that its server may be silent
+    }
     if (connection.kind == ConnectionKind::Odbc)
         TakeOdbcSource(terms); // a secret of the connection's own takes the place of one found there
     bool const isStore = connection.kind == ConnectionKind::ObjectStore;

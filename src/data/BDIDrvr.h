@@ -53,9 +53,16 @@ public:
     /// Bit 0 of the mask of the find calls, which is also the bit of containers: a walk that goes below them sets it.
     static constexpr int kFindRecursive = 1;
     /// Starts a walk over the direct children that have a bit of `mask`; null if there is nothing to walk. The children
-    /// are fetched in one batch. Filter nodes ("Filters", "Filter") are given only where `mask` asks for tables alone,
-    /// so that they are never listed among data.
+    /// are fetched in one batch, or in parts where their source gives them so, see `IsNextAtHand`. Filter nodes
+    /// ("Filters", "Filter") are given only where `mask` asks for tables alone, so that they are never listed among
+    /// data.
     virtual void *FindFirstChildNode(void *repository, BDINode const *node, int mask) = 0;
+    /// The same where only plain files whose names a mask ("*.tif;*.img") lets through are wanted; null or empty for
+    /// all. A driver that can have its server leave out the others does so; most do not regard it.
+    virtual void *FindFirstChildNamed(void *repository, BDINode const *node, int mask, char const *names) {
+        static_cast<void>(names);
+        return FindFirstChildNode(repository, node, mask);
+    }
     /// The next child, valid until the next call, or null at the end.
     virtual BDINode const *FindNextChildNode(void *find) = 0;
     virtual void FindClose(void *find) = 0;
@@ -64,6 +71,20 @@ public:
         static_cast<void>(repository);
         return {};
     }
+
+    /// Whether `FindNextChildNode` answers at once. False where it has to ask for the next part, as of a store that
+    /// lists its keys in pages: who shows children shows those that have come first. A part may fail; the walk ends
+    /// then, and `GetWalkError` says why.
+    [[nodiscard]] virtual bool IsNextAtHand(void *find) const {
+        static_cast<void>(find);
+        return true;
+    }
+    /// Where it is not at hand: waits for one part more. That may hold no child that is wanted, and none is at hand
+    /// then.
+    virtual void FetchNextPart(void *find) { static_cast<void>(find); }
+    /// Whether nodes are plain records: a copy of a walk's node (`CloneNode`) is then as good as one that `OpenNode`
+    /// opens by its path behind the walk, and nothing is asked for it.
+    [[nodiscard]] virtual bool HasPlainNodes() const { return false; }
 };
 
 } // namespace zelvar

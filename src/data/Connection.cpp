@@ -2,6 +2,7 @@
 
 #include "zelvar/base/CaseFolding.h"
 #include "zelvar/base/PathStyle.h"
+#include "zelvar/base/Percent.h"
 
 #include <algorithm>
 #include <charconv>
@@ -156,6 +157,8 @@ ConnectionTerms TermsOfItself(std::string_view address) {
     if (store != stores.end()) {
         terms.id = prefix + DString(authority);
         terms.hosts = HostsOf(*store);
+        if (!user.empty() && store->scheme == "s3")
+            terms.options["profile"] = PercentDecoded(std::string_view(user).substr(0, user.size() - 1));
     } else if (auto const place = PlaceIn(authority, scheme->port)) {
         terms.id = prefix + TextOf(*place);
         terms.hosts = {*place};

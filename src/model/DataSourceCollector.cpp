@@ -2,6 +2,7 @@
 
 #include "zelvar/base/DFile.h"
 #include "zelvar/base/Directories.h"
+#include "zelvar/base/PathStyle.h"
 #include "zelvar/base/Redaction.h"
 #include "zelvar/base/Translation.h"
 #include "zelvar/data/PlaceCheck.h"
@@ -37,12 +38,19 @@ DVectorSafe<DString> ReadFavorites() {
     return paths;
 }
 
+/// An address that a driver opens.
+bool IsOfServer(DString const &path) {
+    return IsUrl(path) && !platform::IsSmbAddress(path) && !StartsWithNoCase(path, "file://");
+}
+
 /// How a favourite is looked at: a place that may not answer, and a file that might have to be looked into, are left
 /// for later.
 enum class Look { Now, Later, Never };
 Look LookAt(DString const &path) {
     if (platform::IsSmbAddress(path))
         return Look::Later;
+    if (IsOfServer(path))
+        return Look::Now; // which opens when it is chosen
     std::optional<platform::MountEntry> const mount = platform::FindMount(path);
     if (mount && platform::MayBlock(*mount))
         return Look::Later;
@@ -113,6 +121,8 @@ void CollectFavorites(DataSourceRows &rows, std::vector<DString> &later) {
 }
 
 RefItemPtr<DataSourceItem> MakeFavorite(DString const &path) {
+    if (IsOfServer(path))
+        return TemplDataSourceItem::CreateForAddress(path);
     RefItemPtr<NtwDataSourceItem> item(DoesPlaceAnswer(path)
                                            ? NtwDataSourceItem::CreateItem(path.c_str(), nullptr, nullptr)
                                            : NtwDataSourceItem::CreateUnreachable(path.c_str()));

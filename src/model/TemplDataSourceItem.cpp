@@ -2,10 +2,13 @@
 
 #include "zelvar/base/DFile.h"
 #include "zelvar/base/Directories.h"
+#include "zelvar/base/PathStyle.h"
 #include "zelvar/base/Report.h"
 #include "zelvar/base/TypedSecrets.h"
 #include "zelvar/data/BDIDrvrMngr.h"
+#include "zelvar/data/BDIMoniker.h"
 #include "zelvar/data/DriverProvider.h"
+#include "zelvar/data/RequestScope.h"
 #include "zelvar/model/ChildWalker.h"
 #include "zelvar/model/DataSourceRepository.h"
 #include "zelvar/model/SystemImages.h"
@@ -53,6 +56,8 @@ BDINode *FindChild(BDIDrvr &driver, void *repository, BDINode const &parent, std
 TemplDataSourceItem::CRep::~CRep() {
     if (m_drvr == nullptr)
         return;
+    if (m_root != nullptr)
+        m_drvr->CloseNode(m_root);
     if (m_repository != nullptr)
         m_drvr->CloseRepository(m_repository);
     for (void *const former : m_formerRepositories)
@@ -85,6 +90,17 @@ TemplDataSourceItem *TemplDataSourceItem::CreateItem(XMLNode const *definition) 
     DString const directory = GetDataSourceTemplatesDir();
     if (XMLNode const *const icons = definition->GetChldNode("Icons"); icons != nullptr && !directory.empty())
         item->ReadIcons(*icons, directory);
+    return item.release();
+}
+
+TemplDataSourceItem *TemplDataSourceItem::CreateForAddress(DString const &address) {
+    std::unique_ptr<TemplDataSourceItem> item(new TemplDataSourceItem);
+    item->m_rep = boost::make_shared<CRep>();
+    item->m_rep->m_url = TakeSecrets(address);
+    item->m_name = BDIMoniker(item->m_rep->m_url, nullptr).GetDisplayName();
+    if (item->m_name.empty())
+        item->m_name = item->m_rep->m_url;
+    item->m_kind = KindRoot;
     return item.release();
 }
 
@@ -204,11 +220,10 @@ DString TemplDataSourceItem::GetBDIDriverId() const {
     return driver == nullptr ? DString() : driver->GetId();
 }
 
-DataSourceItemItr *TemplDataSourceItem::CreateIterator(ICancel *cancel, char const * /*filter*/,
-                                                       char const * /*driverId*/, int nodeMask,
-                                                       DLGTemplate /*dlgTemplate*/) {
+DataSourceItemItr *TemplDataSourceItem::CreateIterator(ICancel *cancel, char const *filter, char const * /*driverId*/,
+                                                       int nodeMask, DLGTemplate /*dlgTemplate*/) {
     auto itr = std::make_unique<TemplDataSourceItemItr>();
-    return itr->Fill(*this, cancel, nodeMask) ? itr.release() : nullptr;
+    return itr->Fill(*this, cancel, nodeMask, filter) ? itr.release() : nullptr;
 }
 
 RefItemPtr<TemplDataSourceItem> TemplDataSourceItem::Snapshot() const {
@@ -269,7 +284,7 @@ HIMAGELIST TemplDataSourceItem::GetImageList() const {
 DError TemplDataSourceItem::GetFailure() const {
     if (!m_rep)
         return {};
-    std::lock_guard const lock(m_rep->m_failureLock);
+    std::lock_guard const lock(m_rep->m_stateLock);
     return m_rep->m_failure.IsSet() ? m_rep->m_failure : m_listingFailure;
 }
 
@@ -298,12 +313,18 @@ bool TemplDataSourceItem::CreateRepository() {
         if (m_rep->m_repository == nullptr && m_rep->m_drvr == nullptr && !m_rep->m_drvrId.empty())
             failure.Set("there is no driver \"" + m_rep->m_drvrId + "\"; " + failure.Text(), failure.Why(),
                         failure.Detail());
+        if (RequestScope const *const scope = RequestScope::Current(); scope != nullptr && scope->IsStopped())
+            failure.Clear(); // whoever stops it knows why
         if (m_rep->m_repository != nullptr)
             SetNode(node);
         else if (failure.IsSet())
             Report::TraceMessage(Report::kTraceOpen, "%s", failure.Text().c_str());
-        std::lock_guard const failureLock(m_rep->m_failureLock);
+        std::lock_guard const stateLock(m_rep->m_stateLock);
         m_rep->m_failure = m_rep->m_repository == nullptr ? std::move(failure) : DError();
+        if (m_rep->m_repository != nullptr && node != nullptr)
+            m_rep->m_root = m_rep->m_drvr->CloneNode(node);
+    } else if (m_node == nullptr) {
+        std::ignore = TakeOpened();
     }
     DString driver = "auto";
     if (BDIDrvr const *const chosen = m_rep->m_drvr)
@@ -312,6 +333,20 @@ bool TemplDataSourceItem::CreateRepository() {
     Report::TraceMessage(Report::kTraceOpen, "Repository by URL \"%s\" was created? %s (driver %s)",
                          m_rep->m_url.c_str(), YesOrNo(isOpen), driver.c_str());
     return isOpen;
+}
+
+bool TemplDataSourceItem::TakeOpened() {
+    if (m_node != nullptr || !m_rep)
+        return m_node != nullptr;
+    std::lock_guard const lock(m_rep->m_stateLock);
+    if (m_rep->m_root != nullptr) // with it the driver is known
+        m_node = m_rep->m_drvr->CloneNode(m_rep->m_root);
+    return m_node != nullptr;
+}
+
+bool TemplDataSourceItem::IsOnServer() const {
+    DString const source = GetSource();
+    return !StartsWithNoCase(source, "file://") && BDIMoniker(source, nullptr).IsUrl();
 }
 
 bool TemplDataSourceItem::IsFilterSupported() {

@@ -22,6 +22,8 @@ public:
     /// if nothing opens, with the reason in `*error`, which may be null.
     static TemplDataSourceItem *CreateItem(BDIDrvr *driver, char const *typed, RefItemPtr<DataSourceItem> parent,
                                            DError *error = nullptr);
+    /// Root of what an address names; nothing is opened.
+    static TemplDataSourceItem *CreateForAddress(DString const &address);
     /// The node at `path` in the tree of `root`, an item of ours; null if there is none.
     static TemplDataSourceItem *CreateNodeItem(RefItemPtr<TemplDataSourceItem> const &root, char const *path);
 
@@ -35,7 +37,8 @@ public:
     [[nodiscard]] DString GetPath() const override;
     [[nodiscard]] DString GetRDIDriverId() const override;
     [[nodiscard]] DString GetBDIDriverId() const override;
-    /// Null before a connection was prepared, or when it could not be opened.
+    /// Null before a connection was prepared, or when it could not be opened. `filter` is for drivers that have their
+    /// server leave out other names, see `BDIDrvr::FindFirstChildNamed`.
     DataSourceItemItr *CreateIterator(ICancel *cancel, char const *filter, char const *driverId, int nodeMask,
                                       DLGTemplate dlgTemplate) override;
     void DeleteIterator(DataSourceItemItr *itr) override { delete itr; }
@@ -58,6 +61,13 @@ public:
     [[nodiscard]] DataSourceType GetDataSourceType() const override { return DST_REPOSITORY; }
     void BuildParents() override;
 
+    /// Whether its tree is on a server: to open or to list it may take as long as that does.
+    [[nodiscard]] bool IsOnServer() const;
+    /// Whether it has a node, and so can be listed.
+    [[nodiscard]] bool IsOpen() const { return m_node != nullptr; }
+    /// A connection that another item of it, such as a clone on another thread, has opened gets its node. False while
+    /// it is not open. Waits for nothing.
+    bool TakeOpened();
     /// What the tree is opened from: a path, an address or a moniker, without a password of an address.
     [[nodiscard]] DString GetSource() const;
 
@@ -103,9 +113,11 @@ struct TemplDataSourceItem::CRep {
 
     /// Guards every call into the tree: it is used by one thread at a time. Copying and closing a node is not one.
     DMutex m_lock;
+    std::mutex m_turn; ///< taken before it by who will take it again and again: each waits its turn
     void *m_repository = nullptr;
-    std::mutex m_failureLock;                 ///< held for a moment only: windows ask
+    std::mutex m_stateLock;                   ///< of the next two; held for a moment only: windows ask
     DError m_failure;                         ///< of the last opening
+    BDINode *m_root = nullptr;                ///< of a connection that is open; owned
     std::vector<void *> m_formerRepositories; ///< replaced by a filter while nodes of theirs live
     /// The manager's; null until one is chosen at the opening. The one that a definition names is looked up at the
     /// first question while drivers are still to come: a list of definitions does not wait for them.

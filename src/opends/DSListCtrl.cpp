@@ -3,10 +3,12 @@
 #include "zelvar/base/Translation.h"
 #include "zelvar/model/NtwDataSourceItem.h"
 #include "zelvar/model/SeriesItem.h"
+#include "zelvar/model/TemplDataSourceItem.h"
 #include "zelvar/model/listing/ListingTexts.h"
 #include "zelvar/opends/DSMessages.h"
 #include "zelvar/opends/FolderListingWorker.h"
 #include "zelvar/opends/ItemColors.h"
+#include "zelvar/opends/ServerListing.h"
 #include "zelvar/platform/ui/ControlId.h"
 #include "zelvar/platform/ui/EscapeWatch.h"
 #include "zelvar/platform/ui/SystemColor.h"
@@ -44,6 +46,12 @@ DString NameText(DataSourceItem const &item) {
     return series == nullptr ? item.GetName() : series->GetName() + "   " + series->ShownSummary();
 }
 
+/// What tells a root from others. One that is not open yet has no path, and is another one once it is.
+DString PlaceOf(DataSourceItem const &root) {
+    auto const *const tree = dynamic_cast<TemplDataSourceItem const *>(&root);
+    return tree == nullptr || tree->IsOpen() ? root.GetPath() : "\n" + tree->GetSource();
+}
+
 /// Cells are one pixel smaller than their column on every side.
 constexpr int kCellInset = 1;
 
@@ -51,16 +59,28 @@ constexpr int kCellInset = 1;
 
 struct DSListCtrl::Listing {
     FolderListingWorker worker;
+    std::shared_ptr<ServerListing> server; ///< that was begun last; null for none
+    ListingSort sort = ListingSort::None;  ///< of the worker
+    bool ascending = true;
     PaneState savedState;  ///< what the last listing was made from
     PathSet selectedPaths; ///< rows that are to be selected when they turn up
     DString focusPath;     ///< of the row that the keyboard was at before a listing
+
+    void ReleaseServer() {
+        if (server != nullptr)
+            server->Release();
+        server.reset();
+    }
 };
 
 DSListCtrl::DSListCtrl(QWidget *parent)
     : CZelListCtrlVirtual(parent), m_listing(std::make_unique<Listing>()), m_selChangeMessage(WM_DS_DATA_ITEM_SELECTED),
       m_dblClckMessage(WM_DS_DATA_ITEM_DBLCLICK), m_timers(*this) {}
 
-DSListCtrl::~DSListCtrl() { m_listing->worker.Stop(true); }
+DSListCtrl::~DSListCtrl() {
+    m_listing->ReleaseServer();
+    m_listing->worker.Stop(true);
+}
 
 int DSListCtrl::Create(unsigned style, Rect const &rect, DLGTemplate dlgTemplate, QWidget *parent, unsigned id) {
     m_dlgTemplate = dlgTemplate;
@@ -131,7 +151,7 @@ PaneState DSListCtrl::PresentState() const {
                     .fileFilter = m_fileFilter,
                     .folding = m_foldingRule ? m_foldingRule(m_rootItems).Number() : 0};
     for (RefItemPtr<DataSourceItem> const &root : m_rootItems)
-        state.rootPaths.push_back(root == nullptr ? DString() : root->GetPath());
+        state.rootPaths.push_back(root == nullptr ? DString() : PlaceOf(*root));
     return state;
 }
 
@@ -175,7 +195,9 @@ void DSListCtrl::Sort(int col, bool ascending) {
     SaveFocus();
     Reset();
     m_rootItems = roots;
-    m_listing->worker.SetSort(SortOfColumn(col), ascending);
+    m_listing->sort = SortOfColumn(col);
+    m_listing->ascending = ascending;
+    m_listing->worker.SetSort(m_listing->sort, ascending);
     StartWindowFilling();
     GetLastSort() = LastSort(col, ascending);
     SetSortMark(m_mode == ModeFolders ? -1 : col, ascending);
@@ -202,6 +224,7 @@ void DSListCtrl::CopyData(DSListCtrl *other) {
 }
 
 void DSListCtrl::Reset() {
+    m_listing->ReleaseServer();
     m_listing->worker.Stop(true);
     m_listing->worker.ClearPending();
     m_listing->worker.ClearRoots();
@@ -241,8 +264,16 @@ void DSListCtrl::StartWindowFilling() {
     if (m_rootItems.empty())
         return;
     AddParentRow();
-    m_listing->worker.SetRequest({m_rootItems, m_fileFilter, m_formatId, m_dlgTemplate, m_bdiFilter,
-                                  m_foldingRule ? m_foldingRule(m_rootItems) : DataSetFolding()});
+    FolderListingWorker::Request request{m_rootItems, m_fileFilter,
+                                         m_formatId,  m_dlgTemplate,
+                                         m_bdiFilter, m_foldingRule ? m_foldingRule(m_rootItems) : DataSetFolding()};
+    if (IsForThread()) {
+        m_listing->server = ServerListing::Start(
+            std::move(request), {static_cast<FolderListMode>(m_mode), m_listing->sort, m_listing->ascending});
+        m_listing->savedState = PresentState();
+        return;
+    }
+    m_listing->worker.SetRequest(std::move(request));
     {
         platform::EscapeWatch watch;
         m_listing->worker.SetInterrupt([&watch] { return watch.IsPressed(); });
@@ -253,6 +284,23 @@ void DSListCtrl::StartWindowFilling() {
     // What is all there need not wait for the next turn of the timer. What was cut short is listed again soon.
     if (!m_listing->worker.IsCutShort())
         QTimer::singleShot(0, this, &DSListCtrl::MergePending);
+}
+
+/// What is not open yet has no children, and tells so at once.
+bool DSListCtrl::IsForThread() const {
+    return std::any_of(m_rootItems.begin(), m_rootItems.end(), [](RefItemPtr<DataSourceItem> const &item) {
+        auto const *const tree = dynamic_cast<TemplDataSourceItem const *>(item.get());
+        return tree != nullptr && tree->IsOpen() && tree->IsOnServer();
+    });
+}
+
+bool DSListCtrl::IsListing() const { return m_listing->server != nullptr && m_listing->server->IsAtWork(); }
+
+void DSListCtrl::StopListing() {
+    if (!IsListing())
+        return;
+    m_listing->server->Stop();
+    m_listing->savedState = {}; // it is listed anew by the next request for it
 }
 
 void DSListCtrl::AddParentRow() {
@@ -287,11 +335,14 @@ std::vector<std::uint32_t> DSListCtrl::SelectedRows() const {
 }
 
 void DSListCtrl::MergePending() {
-    std::vector<FolderListingWorker::Pending> batch = m_listing->worker.TakePending();
+    std::vector<FolderListingWorker::Pending> batch =
+        m_listing->server != nullptr ? m_listing->server->TakePending() : m_listing->worker.TakePending();
     if (batch.empty())
         return;
     if (m_rows.size() >= kListingRowLimit) {
         m_listing->worker.Stop(false);
+        if (m_listing->server != nullptr)
+            m_listing->server->Stop();
         return;
     }
     std::vector<std::int32_t> places;

@@ -21,8 +21,8 @@ struct PaneState;
 /// Data source list control: shows the children of one or more items, painted from the items themselves.
 ///
 /// A request that changes nothing of what the last listing was made from costs nothing. A listing runs to its end
-/// inside the call that asks for it; its rows appear at the next tick of a timer, the selection kept by path.
-/// User-interface thread.
+/// inside the call that asks for it; its rows appear at the next tick of a timer, the selection kept by path. One of
+/// what is open on a server runs behind the window instead, and its rows appear as they come. User-interface thread.
 class ZELVAR_API DSListCtrl : public CZelListCtrlVirtual {
     Q_OBJECT
 
@@ -70,6 +70,11 @@ public:
     /// Lists what the other list lists.
     void CopyData(DSListCtrl *other);
 
+    /// Whether a server is listed behind the window.
+    [[nodiscard]] bool IsListing() const;
+    /// Ends that; what has come stays. Does not wait.
+    void StopListing();
+
     /// Replaces the argument by the items whose children are listed.
     void GetRootItems(ItemList &items) const { items = m_rootItems; }
     /// Appends the items of the selected rows, from top to bottom.
@@ -106,6 +111,7 @@ private:
 
     void ResetItemsIntrnl(ItemList items);
     void StartWindowFilling();
+    [[nodiscard]] bool IsForThread() const;
     void AddParentRow();
     void SaveSelection();
     void SaveFocus();

@@ -9,6 +9,7 @@
 #include "zelvar/opends/ItemColors.h"
 #include "zelvar/opends/NetworkScanner.h"
 #include "zelvar/opends/NewConnectionItem.h"
+#include "zelvar/opends/PlaceOpener.h"
 #include "zelvar/platform/ui/ModalLoop.h"
 #include "zelvar/platform/ui/SystemColor.h"
 #include "zelvar/platform/ui/Text.h"
@@ -40,9 +41,18 @@ void KeepForEver(std::shared_ptr<T> const &object) {
 
 } // namespace
 
-DataSourceList::DataSourceList(QWidget *parent) : ReportView(parent), m_timers(*this) { OnCreateList(); }
+platform::MessageId const DataSourceList::kOpenedMessage = platform::RegisterMessage();
+
+DataSourceList::DataSourceList(QWidget *parent)
+    : ReportView(parent), m_target(this), m_opener(PlaceOpener::Create()), m_timers(*this) {
+    m_messages.On(kOpenedMessage, this, &DataSourceList::OnOpened);
+    m_opener->SetOwner(m_target, kOpenedMessage);
+    OnCreateList();
+}
 
 DataSourceList::~DataSourceList() {
+    m_target.Detach();
+    m_opener->Release();
     if (m_favoriteFinder != nullptr)
         m_favoriteFinder->Release();
     if (m_worker == nullptr)
@@ -255,11 +265,25 @@ bool DataSourceList::OnContextMenu(QPoint screenPoint) {
     if (m_connections != nullptr && m_connections->RunMenu(screenPoint))
         return true;
     if (SelectedFavorites().empty())
-        return false;
+        return OfferRetry(screenPoint);
     QMenu menu(this);
     QAction const *const remove = menu.addAction(platform::Shown("Delete Favorite"));
     if (platform::RunMenu(menu, screenPoint) == remove)
         OnDeleteFavorite();
+    return true;
+}
+
+bool DataSourceList::OfferRetry(QPoint screenPoint) {
+    ItemList items;
+    GetSelectedItems(items);
+    auto const *const tree =
+        items.size() == 1 ? dynamic_cast<TemplDataSourceItem const *>(items.front().get()) : nullptr;
+    if (tree == nullptr || !tree->GetFailure().IsSet())
+        return false;
+    QMenu menu(this);
+    QAction const *const retry = menu.addAction(platform::Shown("Retry"));
+    if (platform::RunMenu(menu, screenPoint) == retry)
+        ResetSelectedItems();
     return true;
 }
 
@@ -268,7 +292,9 @@ void DataSourceList::OnDeleteFavorite() {
     // From the last on, so that the numbers of the rows before stay valid.
     std::reverse(rows.begin(), rows.end());
     for (int const row : rows) {
-        RemoveFavoriteDir(ItemAt(row)->GetPath());
+        // What is not open yet has an address and no path.
+        auto const *const tree = dynamic_cast<TemplDataSourceItem const *>(ItemAt(row).get());
+        RemoveFavoriteDir(tree != nullptr && !tree->IsOpen() ? tree->GetSource() : ItemAt(row)->GetPath());
         m_rows.erase(m_rows.begin() + row);
         DeleteItem(row);
     }
@@ -314,13 +340,42 @@ void DataSourceList::ResetSelectedItems() {
     Tell(WM_DS_DATA_SOURCE_SELECTED);
 }
 
-void DataSourceList::PrepareSelectedItems() const {
+void DataSourceList::PrepareSelectedItems() {
+    StopOpening();
     ItemList items;
     GetSelectedItems(items);
-    QApplication::setOverrideCursor(Qt::WaitCursor);
-    for (RefItemPtr<DataSourceItem> const &item : items)
-        item->Prepare(); // a connection opens here
-    QApplication::restoreOverrideCursor();
+    for (RefItemPtr<DataSourceItem> const &item : items) {
+        auto *const tree = dynamic_cast<TemplDataSourceItem *>(item.get());
+        if (tree == nullptr || !tree->IsOnServer()) {
+            QApplication::setOverrideCursor(Qt::WaitCursor);
+            item->Prepare();
+            QApplication::restoreOverrideCursor();
+        } else if (!tree->TakeOpened()) {
+            m_opening = item;
+            m_opener->Open(*tree);
+        }
+    }
+}
+
+RefItemPtr<DataSourceItem> DataSourceList::Opening() const { return m_opener->IsBusy() ? m_opening : nullptr; }
+
+void DataSourceList::StopOpening() {
+    m_opener->Cancel();
+    m_opening.reset();
+}
+
+bool DataSourceList::event(QEvent *event) { return m_messages.Dispatch(*event) || ReportView::event(event); }
+
+void DataSourceList::OnOpened() {
+    RefItemPtr<DataSourceItem> const opened = std::exchange(m_opening, nullptr);
+    if (!m_opener->TakeAnswer() || opened == nullptr)
+        return;
+    std::ignore = dynamic_cast<TemplDataSourceItem &>(*opened).TakeOpened(); // a failure is its own
+    viewport()->update();
+    ItemList selected;
+    GetSelectedItems(selected);
+    if (std::find(selected.begin(), selected.end(), opened) != selected.end())
+        Tell(WM_DS_DATA_SOURCE_SELECTED);
 }
 
 void DataSourceList::Tell(platform::MessageId message) {

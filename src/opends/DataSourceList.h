@@ -3,6 +3,7 @@
 #include "zelvar/base/Export.h"
 #include "zelvar/model/DataSourceCollector.h"
 #include "zelvar/model/DataSourceItem.h"
+#include "zelvar/platform/ui/MessageTarget.h"
 #include "zelvar/platform/ui/WindowMessage.h"
 #include "zelvar/platform/ui/WindowTimers.h"
 #include "zelvar/views/ReportView.h"
@@ -18,11 +19,13 @@ namespace zelvar {
 class ConnectionRows;
 class FavoriteFinder;
 class NetworkScanner;
+class PlaceOpener;
 
 /// Data source list: drives, network drives, configured data sources, favourites and network places in groups. It owns
 /// its rows.
 ///
-/// A selection is posted to the coordinator. Network places are looked for on a thread of its own and arrive by a
+/// A selection is posted to the coordinator. A connection to a server opens behind the window, and its selection is
+/// posted again when it is open or has failed. Network places are looked for on a thread of its own and arrive by a
 /// timer. User-interface thread.
 class ZELVAR_API DataSourceList : public ReportView {
     Q_OBJECT
@@ -60,6 +63,10 @@ public:
     bool AddFavorite(RefItemPtr<DataSourceItem> item);
     /// Appends the selected rows from top to bottom.
     void GetSelectedItems(ItemList &items) const;
+    /// The connection that is being opened; null for none.
+    [[nodiscard]] RefItemPtr<DataSourceItem> Opening() const;
+    /// Ends that. Does not wait.
+    void StopOpening();
     /// Posts `WM_DS_DATA_SOURCE_SELECTED`, so that the coordinator reads the selection again.
     void ResetSelectedItems();
 
@@ -77,7 +84,7 @@ protected:
     [[nodiscard]] static bool IsFavorite(RefItemPtr<DataSourceItem> const &item);
     static void AddFavoriteDir(DString const &path);
     static void RemoveFavoriteDir(DString const &path);
-    void PrepareSelectedItems() const;
+    void PrepareSelectedItems();
 
     void DrawItem(DrawItemStruct const &request) override;
     bool OnItemChanged(int row, unsigned oldState, unsigned newState) override;
@@ -87,12 +94,16 @@ protected:
     bool OnContextMenu(QPoint screenPoint) override;
     [[nodiscard]] int LabelLeft(int row, int col) const override;
     void OnDeleteFavorite();
+    bool event(QEvent *event) override;
     void timerEvent(QTimerEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
 
 private:
     void OnCreateList();
+    static const platform::MessageId kOpenedMessage;
+    void OnOpened();
+    bool OfferRetry(QPoint screenPoint);
     void OnSelected(unsigned newState);
     void AppendListRow(std::size_t index);
     void StartWorker();
@@ -105,6 +116,10 @@ private:
     QPointer<QObject> m_coordinator;
     std::shared_ptr<Worker> m_worker;                 ///< null until first needed
     std::shared_ptr<FavoriteFinder> m_favoriteFinder; ///< null if no favourite takes its time
+    platform::MessageMap m_messages;
+    platform::MessageTarget m_target;
+    std::shared_ptr<PlaceOpener> m_opener;
+    RefItemPtr<DataSourceItem> m_opening; ///< one of the rows; null for none
     platform::WindowTimers m_timers;
     std::unique_ptr<ConnectionRows> m_connections; ///< null unless they are offered
     bool m_keepsSelection = false;                 ///< rows are made anew: what is selected stays, and nobody is told

@@ -22,6 +22,7 @@
 #include "zelvar/opends/OpenDialogTemplate.h"
 #include "zelvar/opends/OpenForecast.h"
 #include "zelvar/opends/OpenLine.h"
+#include "zelvar/opends/ServerWaits.h"
 #include "zelvar/opends/core/DialogState.h"
 #include "zelvar/platform/ui/ControlId.h"
 #include "zelvar/platform/ui/EscapeWatch.h"
@@ -243,18 +244,20 @@ void DlgOpenDS::CreateDataSetRows() {
         m_mainList->GetRootItems(roots);
         m_dataSetRows->RunMenu(*m_mainList, screenPoint, roots, SelectedImages());
     });
-    m_namedData = std::make_unique<NamedData>(*this, *m_histCombo->lineEdit(), *m_mainList,
-                                              NamedData::Actions{.show = show,
-                                                                 .unfold =
-                                                                     [this](DString const &folder) {
-                                                                         m_dataSetRows->ShowSingly(folder);
-                                                                         ListDataSetsAgain();
-                                                                     },
-                                                                 .widen =
-                                                                     [this] {
-                                                                         m_fileFilterEdit->setText("*.*");
-                                                                         ApplyFileFilter("*.*", nullptr);
-                                                                     }});
+    m_namedData = std::make_unique<NamedData>(
+        *this, *m_histCombo->lineEdit(), *m_mainList,
+        NamedData::Actions{.show = show,
+                           .unfold =
+                               [this](DString const &folder) {
+                                   m_dataSetRows->ShowSingly(folder);
+                                   ListDataSetsAgain();
+                               },
+                           .widen =
+                               [this] {
+                                   m_fileFilterEdit->setText("*.*");
+                                   ApplyFileFilter("*.*", nullptr);
+                               },
+                           .goTo = [this](DString const &address) { GoToDir(address, true); }});
 }
 
 void DlgOpenDS::CreateForecast() {
@@ -267,6 +270,15 @@ void DlgOpenDS::CreateForecast() {
                             .isSeriesOneImage = m_seriesMode != SeriesMode::Members,
                             .optionsOf = [this](DataSourceItem const &item) { return OptionsOf(item); },
                             .onDriverChanged = [this] { OnImageSelected(); }});
+}
+
+void DlgOpenDS::CreateWaits() {
+    m_waits = std::make_unique<ServerWaits>(
+        ServerWaits::Panes{*m_dataSourceList, *m_hierarchyList, *m_folderList, *m_mainList},
+        ServerWaits::Actions{
+            .show = [this](RefItemPtr<DataSourceItem> item) { ShowPlace(std::move(item)); },
+            .refuse = [this](DString const &place, DError const &error) { RefusePlace(place, error); }},
+        m_features != kOpenPlain);
 }
 
 void DlgOpenDS::InitializeLayout() {
@@ -295,6 +307,7 @@ bool DlgOpenDS::OnInitDialog() {
     AddSzControl(m_splitter, GetDlgItem(*this, kSplitterPlaceId), true);
     InitializeLayout();
 
+    CreateWaits();
     if ((m_features & kOpenDataSets) != 0)
         CreateDataSetRows();
     if ((m_features & kOpenLine) != 0)
@@ -352,6 +365,7 @@ bool DlgOpenDS::DestroyWindow() {
     killTimer(std::exchange(m_stateTimer, 0));
     qApp->removeEventFilter(this);
     m_layoutDone = m_isPlaceShown = false;
+    m_waits.reset();
     m_splitter = nullptr;
     m_pathButtons.reset();
     m_namedData.reset();

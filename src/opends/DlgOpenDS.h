@@ -3,6 +3,7 @@
 #include "zelvar/base/Containers.h"
 #include "zelvar/base/DFileFrmt.h"
 #include "zelvar/base/Export.h"
+#include "zelvar/base/Report.h"
 #include "zelvar/data/BDIMoniker.h"
 #include "zelvar/layout/DSplitterWnd.h"
 #include "zelvar/layout/cdxCDynamicDialog.h"
@@ -37,6 +38,7 @@ class ExtrasFinder;
 class HierarchyList;
 class NamedData;
 class OpenForecast;
+class ServerWaits;
 
 /// Open data source dialog: the modal dialog in which the user picks data items and gets monikers back.
 ///
@@ -85,7 +87,8 @@ public:
     /// A typed path made ready for the system.
     [[nodiscard]] static DString FixPath(char const *path);
 
-    /// Lists the folder at `path` in all panes. With `report` a path that is not there is told to the user.
+    /// Lists the folder at `path` in all panes. With `report` a path that is not there is told to the user. An address
+    /// is looked for behind the window.
     void GoToDir(DString const &path, bool report);
     /// Lists the item's children in all panes.
     void ShowItem(RefItemPtr<DataSourceItem> item);
@@ -102,6 +105,8 @@ public:
     [[nodiscard]] DSPropertyWnd *PropertyWnd() const { return m_propertyWnd; }
     /// What is known of the line below the panes; null without it.
     [[nodiscard]] OpenForecast *Forecast() const { return m_forecast.get(); }
+    /// What is waited for from servers; null while the panes do not exist.
+    [[nodiscard]] ServerWaits *Waits() const { return m_waits.get(); }
     [[nodiscard]] PathButtonRow const &PathRow() const { return *m_pathButtons; }
 
     QWidget *CreateViewObj(DSplitterWnd *splitter, int row, int col, PaneClass const *paneClass, Size size) override;
@@ -187,6 +192,9 @@ private:
     void CreateDataSetRows();
     void ListDataSetsAgain();
     void CreateForecast();
+    void CreateWaits();
+    void ShowPlace(RefItemPtr<DataSourceItem> item);
+    void RefusePlace(DString const &path, DError const &error) const;
     void ShowDriverOptions(ItemList const &items);
     /// What stands on the page of a driver's options, for all that is selected.
     void TakeDriverOptions();
@@ -221,6 +229,7 @@ private:
     QCheckBox *m_readOnlyCheck = nullptr;
     QCheckBox *m_editOnlyCheck = nullptr;
     std::unique_ptr<PathButtonRow> m_pathButtons;
+    std::unique_ptr<ServerWaits> m_waits;
     std::unique_ptr<DataSetRows> m_dataSetRows; ///< null without that feature, as the next
     std::unique_ptr<NamedData> m_namedData;
     std::unique_ptr<OpenForecast> m_forecast; ///< null without that feature, as the next

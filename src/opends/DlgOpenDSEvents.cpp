@@ -25,7 +25,9 @@
 #include "zelvar/opends/OpenDialogTemplate.h"
 #include "zelvar/opends/OpenForecast.h"
 #include "zelvar/opends/OpenLine.h"
+#include "zelvar/opends/PlaceOpener.h"
 #include "zelvar/opends/PreviewBar.h"
+#include "zelvar/opends/ServerWaits.h"
 #include "zelvar/platform/ui/ControlId.h"
 #include "zelvar/platform/ui/EllipsisLabel.h"
 #include "zelvar/platform/ui/EscapeWatch.h"
@@ -95,6 +97,7 @@ void DlgOpenDS::timerEvent(QTimerEvent *event) {
 }
 
 void DlgOpenDS::OnUpdateState() {
+    m_waits->Update();
     bool const isSelected = m_mainList->GetNumSlct() > 0;
     m_okButton->setEnabled(isSelected);
     // A list that is filled anew forgets what was selected without a word.
@@ -142,6 +145,9 @@ void DlgOpenDS::OnHome() {
 // -------------------------------------------------------------------------------------------------- what is shown
 
 void DlgOpenDS::ShowItem(RefItemPtr<DataSourceItem> item) {
+    if (m_waits->Show(item))
+        return;
+    m_waits->Forget();
     platform::EscapeWatch const watch; // one Escape for all lists
     ListingsShared const shared;
     ItemList const items{std::move(item)};
@@ -153,7 +159,7 @@ void DlgOpenDS::ShowItem(RefItemPtr<DataSourceItem> item) {
 }
 
 void DlgOpenDS::GoToDir(DString const &path, bool report) {
-    if (path.empty())
+    if (path.empty() || m_waits->GoTo(path, report))
         return;
     RefItemPtr<DataSourceItem> item;
     DError error;
@@ -166,13 +172,20 @@ void DlgOpenDS::GoToDir(DString const &path, bool report) {
         if (watch.IsPressed())
             return;
     }
-    if (item == nullptr) {
-        if (report && error.IsSet() && m_forecast != nullptr)
-            Report::UserNotification("Cannot access '%s' path: %s", path.c_str(), CauseInWords(error).c_str());
-        else if (report)
-            Report::UserNotification("Cannot access '%s' path", path.c_str());
-        return;
-    }
+    if (item != nullptr)
+        ShowPlace(item);
+    else if (report)
+        RefusePlace(path, error);
+}
+
+void DlgOpenDS::RefusePlace(DString const &path, DError const &error) const {
+    if (error.IsSet() && m_forecast != nullptr)
+        Report::UserNotification("Cannot access '%s' path: %s", path.c_str(), CauseInWords(error).c_str());
+    else
+        Report::UserNotification("Cannot access '%s' path", path.c_str());
+}
+
+void DlgOpenDS::ShowPlace(RefItemPtr<DataSourceItem> item) {
     // What holds nothing stands for what it lies in.
     item->BuildParents();
     RefItemPtr<DataSourceItem> const parent = item->GetParent();
@@ -220,6 +233,7 @@ void DlgOpenDS::OnSelendokHist() { GoToDir(m_histCombo->GetWindowText(), true); 
 void DlgOpenDS::OnDataSourceSelected() {
     platform::EscapeWatch const watch; // one Escape for all lists
     ListingsShared const shared;
+    m_waits->Forget();
     ItemList items;
     m_dataSourceList->GetSelectedItems(items);
     m_hierarchyList->ResetDataSources(items);
@@ -237,6 +251,7 @@ void DlgOpenDS::OnDataItemSelected(MessageParam pane) {
         m_folderList->GetSelectedItems(items);
     if (!CanShow(items))
         return;
+    m_waits->Forget();
     m_mainList->ResetItems(items);
     m_propertyWnd->Clear();
 }
@@ -248,6 +263,7 @@ void DlgOpenDS::OnFirstPaneDataItemSelected() {
     m_folderList->GetSelectedItems(items);
     if (!CanShow(items))
         return;
+    m_waits->Forget();
     m_hierarchyList->ResetDataSources(items);
     m_mainList->ResetItems(items);
     m_propertyWnd->Clear();
@@ -432,6 +448,8 @@ bool DlgOpenDS::ProcessKey(int key, QWidget *focus) {
     case Qt::Key_F5:
         ProcessRefreshKey(focus);
         return true;
+    case Qt::Key_Escape:
+        return m_waits->Stop(); // else it closes the dialog
     case Qt::Key_Return:
     case Qt::Key_Enter:
         return ProcessReturnKey(focus);
@@ -443,6 +461,8 @@ bool DlgOpenDS::ProcessKey(int key, QWidget *focus) {
 }
 
 void DlgOpenDS::ProcessRefreshKey(QWidget *focus) {
+    if (m_waits->Retry())
+        return;
     platform::EscapeWatch const watch; // one Escape for all lists
     ListingsShared const shared;
     if (IsWithin(m_dataSourceList, focus)) {
@@ -463,7 +483,8 @@ bool DlgOpenDS::ProcessReturnKey(QWidget *focus) {
         DString const path = TakeSecrets(typed);
         if (path != typed)
             m_histCombo->setEditText(ToQString(path));
-        if (!path.empty() && (m_namedData == nullptr || !m_namedData->Show({path})))
+        bool const isOfServer = PlaceOpener::IsFor(path); // nothing waits for one
+        if (!path.empty() && (isOfServer || m_namedData == nullptr || !m_namedData->Show({path})))
             GoToDir(path, true);
         return true;
     }

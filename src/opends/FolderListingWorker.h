@@ -47,6 +47,8 @@ public:
     void SetRequest(Request request) { m_request = std::move(request); }
     /// Asked often while a run goes on, on its thread: true ends the run, and what has been found stays. May be empty.
     void SetInterrupt(std::function<bool()> interrupt) { m_interrupt = std::move(interrupt); }
+    /// From now on what is found can be taken while a run goes on, also while it waits for a server; else at its end.
+    void PublishAsFound() { m_publishesAsFound = true; }
     void ClearRoots() { m_request.roots.clear(); }
     /// Tells a run to stop; with `wait` returns when it has.
     void Stop(bool wait);
@@ -55,7 +57,11 @@ public:
     void ClearPending() { m_content.ClearPending(); }
 
     void Run() override;
-    [[nodiscard]] bool IsCanceled() override { return m_cancelled || IsInterrupted(); }
+    [[nodiscard]] bool IsCanceled() override {
+        if (m_publishesAsFound && m_content.IsPublishDue())
+            m_content.Publish();
+        return m_cancelled || IsInterrupted();
+    }
     /// Whether the last run had less time than it wanted, see `RequestScope`: its rows are not all there is.
     [[nodiscard]] bool IsCutShort() const { return m_cutShort; }
 
@@ -77,6 +83,7 @@ private:
     std::atomic<bool> m_running{false};
     std::atomic<bool> m_cancelled{false};
     std::function<bool()> m_interrupt;
+    bool m_publishesAsFound = false;
     bool m_interrupted = false; ///< on the thread of the run, with the two below
     bool m_cutShort = false;
     std::optional<RequestScope::Clock::time_point> m_deadline;

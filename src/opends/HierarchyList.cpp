@@ -118,6 +118,18 @@ void HierarchyList::Refresh() {
         GetPane(pane)->Refresh();
 }
 
+bool HierarchyList::IsListing() const {
+    for (int pane = 0; pane < GetPaneCount(); ++pane)
+        if (GetPane(pane)->IsListing())
+            return true;
+    return false;
+}
+
+void HierarchyList::StopListing() {
+    for (int pane = 0; pane < GetPaneCount(); ++pane)
+        GetPane(pane)->StopListing();
+}
+
 void HierarchyList::GetSelectedItems(unsigned pane, ItemList &items) const {
     if (pane < static_cast<unsigned>(GetPaneCount()))
         GetPane(static_cast<int>(pane))->GetSelectedItems(items);

@@ -48,6 +48,9 @@ public:
     void ShowDir(RefItemPtr<DataSourceItem> item);
     void ApplyFileFilter(char const *mask, char const *formatId);
     void Refresh();
+    /// Of what is on a server, as `DSListCtrl`.
+    [[nodiscard]] bool IsListing() const;
+    void StopListing();
     /// Appends the selected items of that pane; a pane that does not exist leaves the list alone.
     void GetSelectedItems(unsigned pane, ItemList &items) const;
     bool SortPane(int pane, int col, bool ascending);

@@ -9,6 +9,7 @@
 #include "zelvar/model/OpenOutcome.h"
 #include "zelvar/model/PlaceResolver.h"
 #include "zelvar/opends/DSListCtrl.h"
+#include "zelvar/opends/PlaceOpener.h"
 #include "zelvar/platform/ui/EscapeWatch.h"
 #include "zelvar/platform/ui/Text.h"
 
@@ -122,6 +123,10 @@ bool NamedData::Show(std::vector<DString> const &typed, DError *error) {
 
 void NamedData::Take(QMimeData const &data) {
     std::vector<DString> const names = NamesIn(data);
+    if (!names.empty() && PlaceOpener::IsFor(names.front())) {
+        m_actions.goTo(TakeSecrets(names.front()));
+        return;
+    }
     DError error;
     if (Show(names, &error) || names.empty())
         return;

@@ -29,6 +29,7 @@ public:
         std::function<void(RefItemPtr<DataSourceItem>)> show; ///< its children in all panes
         std::function<void(DString const &folder)> unfold;    ///< lists each file of the folder for itself
         std::function<void()> widen;                          ///< lists files of all names
+        std::function<void(DString const &address)> goTo;     ///< looks for a place on a server behind the window
     };
 
     /// The windows must outlive it.

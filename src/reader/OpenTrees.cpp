@@ -3,13 +3,25 @@
 #include "zelvar/base/TypedSecrets.h"
 #include "zelvar/data/BDIDrvrMngr.h"
 
+#include <algorithm>
+
 namespace zelvar::reader {
 
 OpenTrees::Tree::~Tree() {
+    for (Walk const &walk : walks)
+        driver->FindClose(walk.find);
     if (root != nullptr)
         driver->CloseNode(root);
     if (repository != nullptr)
         driver->CloseRepository(repository);
+}
+
+void OpenTrees::Tree::CloseWalk(std::uint64_t number) {
+    auto const at = std::ranges::find(walks, number, &Walk::number);
+    if (at == walks.end())
+        return;
+    driver->FindClose(at->find);
+    walks.erase(at);
 }
 
 OpenTrees::Tree *OpenTrees::Find(wire::TreeSpecT const &spec, DError &error) {

@@ -96,6 +96,9 @@ std::optional<Answer> RequestHandler::Handle(wire::RequestBodyUnion const &body,
     case Kind::CloseTree:
         m_trees.Close(*As<wire::CloseTreeT>(body));
         return std::nullopt;
+    case Kind::CloseWalk:
+        m_trees.CloseWalk(*As<wire::CloseWalkT>(body));
+        return std::nullopt;
     case Kind::OpenImage:
         return m_images.Open(*As<wire::OpenImageT>(body));
     case Kind::DescribeChannel:

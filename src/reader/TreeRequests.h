@@ -15,9 +15,11 @@ public:
     [[nodiscard]] Answer FindNode(wire::FindNodeT const &asked);
     [[nodiscard]] Answer ListChildren(wire::ListChildrenT const &asked);
     void Close(wire::CloseTreeT const &asked) { m_trees.Close(asked.id); }
+    void CloseWalk(wire::CloseWalkT const &asked) { m_trees.CloseWalk(asked.tree, asked.walk); }
 
 private:
-    [[nodiscard]] Answer WalkChildren(OpenTrees::Tree &tree, BDINode const &parent, int mask) const;
+    [[nodiscard]] Answer WalkChildren(OpenTrees::Tree &tree, BDINode const &parent,
+                                      wire::ListChildrenT const &asked) const;
 
     StopSignal const *m_stop;
     OpenTrees m_trees;

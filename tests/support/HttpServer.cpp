@@ -1,7 +1,5 @@
 #include "support/HttpServer.h"
 
-#include "zelvar/base/Percent.h"
-
 #include <algorithm>
 #include <array>
 #include <stdexcept>
@@ -14,29 +12,6 @@
 namespace zelvar::test {
 
 namespace {
-
-void SendAll(int connection, std::string const &text) {
-    std::size_t done = 0;
-    while (done < text.size()) {
-        ssize_t const count = send(connection, text.data() + done, text.size() - done, MSG_NOSIGNAL);
-        if (count <= 0)
-            return;
-        done += static_cast<std::size_t>(count);
-    }
-}
-
-/// The value of a header line, its name in any case; empty if it is not there.
-std::string HeaderOf(std::string const &request, std::string const &name) {
-    for (std::size_t at = request.find("\r\n"); at != std::string::npos; at = request.find("\r\n", at + 2)) {
-        std::string const line = request.substr(at + 2, request.find("\r\n", at + 2) - at - 2);
-        bool const same =
-            line.size() > name.size() && line[name.size()] == ':' &&
-            std::equal(name.begin(), name.end(), line.begin(), [](char a, char b) { return (a | 0x20) == (b | 0x20); });
-        if (same)
-            return line.substr(line.find_first_not_of(' ', name.size() + 1));
-    }
-    return {};
-}
 
 /// Waits until something can be read; false once the pipe's other end is closed.
 bool AwaitReadable(int descriptor, int wake) {
@@ -91,49 +66,24 @@ void HttpServer::Demand(std::string const &login) {
     m_login = login;
 }
 
-void HttpServer::ServeBucket(std::string const &bucket, std::vector<std::string> keys, std::size_t keysOfPage) {
-    std::lock_guard const lock(m_mutex);
-    std::sort(keys.begin(), keys.end());
-    m_buckets[bucket] = {std::move(keys), keysOfPage};
+bool HttpServer::Wait(int connection, std::chrono::milliseconds time) const {
+    std::array<pollfd, 2> waits{pollfd{m_wake[0], POLLIN, 0}, pollfd{connection, POLLRDHUP, 0}};
+    return poll(waits.data(), waits.size(), static_cast<int>(time.count())) == 0;
 }
 
-/// One page of a listing with "/" as its separator. The marker is the last key or prefix of the page before.
-std::optional<std::string> HttpServer::PageOfBucket(std::string const &target) const {
-    std::size_t const query = target.find("/?");
-    if (query == std::string::npos || target.find("delimiter=") == std::string::npos)
-        return std::nullopt;
-    auto const bucket = m_buckets.find(target.substr(1, query - 1));
-    if (bucket == m_buckets.end())
-        return std::nullopt;
-    auto const value = [&](std::string const &name) {
-        std::size_t const at = target.find(name + "=");
-        return at == std::string::npos
-                   ? std::string()
-                   : PercentDecoded(target.substr(at + name.size() + 1, target.find('&', at) - at - name.size() - 1));
-    };
-    std::string const prefix = value("prefix");
-    std::string const marker = value("marker");
-    std::string entries;
-    std::string last;
-    std::size_t count = 0;
-    for (std::string const &key : bucket->second.keys) {
-        if (!key.starts_with(prefix) || key == prefix)
-            continue;
-        std::size_t const slash = key.find('/', prefix.size());
-        std::string const shown = slash == std::string::npos ? key : key.substr(0, slash + 1);
-        if (shown <= marker || shown == last)
-            continue;
-        if (count++ == bucket->second.keysOfPage) {
-            entries += "<NextMarker>" + last + "</NextMarker><IsTruncated>true</IsTruncated>";
-            break;
+void HttpServer::Send(int connection, std::string const &text) {
+    std::size_t done = 0;
+    while (done < text.size()) {
+        if (m_drips && !Wait(connection, std::chrono::seconds(1))) {
+            shutdown(connection, SHUT_RDWR);
+            return;
         }
-        last = shown;
-        entries += slash == std::string::npos
-                       ? "<Contents><Key>" + key +
-                             "</Key><LastModified>2024-01-02T10:00:30.000Z</LastModified><Size>1234</Size></Contents>"
-                       : "<CommonPrefixes><Prefix>" + shown + "</Prefix></CommonPrefixes>";
+        std::size_t const part = m_drips ? 1 : text.size() - done;
+        ssize_t const count = send(connection, text.data() + done, part, MSG_NOSIGNAL);
+        if (count <= 0)
+            return;
+        done += static_cast<std::size_t>(count);
     }
-    return "<?xml version=\"1.0\"?><ListBucketResult><Prefix>" + prefix + "</Prefix>" + entries + "</ListBucketResult>";
 }
 
 std::vector<std::string> HttpServer::Requests() const {
@@ -199,9 +149,10 @@ bool HttpServer::Answer(int connection, std::string const &request) {
         if (at != m_resources.end()) {
             resource = at->second;
             found = !resource.type.empty();
-        } else if (auto page = PageOfBucket(target)) {
-            resource = {std::move(*page), "application/xml", 200};
-            found = true;
+        } else if (auto answer = m_store.AnswerTo(request)) {
+            constexpr int done = 200;
+            found = answer->status == done;
+            resource = {std::move(answer->body), found ? "application/xml" : "", answer->status};
         } else if (line.starts_with("PROPFIND")) {
             resource.status = 405;
         }
@@ -212,6 +163,8 @@ bool HttpServer::Answer(int connection, std::string const &request) {
     }
     if (m_hangs)
         return true;
+    if (m_delay > 0 && !Wait(connection, std::chrono::milliseconds(m_delay)))
+        return false;
     if (!found) {
         std::string head = "HTTP/1.1 " + std::to_string(resource.status) +
                            " No\r\nContent-Length: " + std::to_string(resource.bytes.size()) + "\r\n";
@@ -219,7 +172,7 @@ bool HttpServer::Answer(int connection, std::string const &request) {
             head += "Location: " + resource.location + "\r\n";
         if (resource.status == 401)
             head += "WWW-Authenticate: Basic realm=\"x\"\r\n";
-        SendAll(connection, head + "\r\n" + (line.starts_with("HEAD") ? std::string() : resource.bytes));
+        Send(connection, head + "\r\n" + (line.starts_with("HEAD") ? std::string() : resource.bytes));
         return true;
     }
     std::size_t first = 0;
@@ -230,7 +183,7 @@ bool HttpServer::Answer(int connection, std::string const &request) {
         if (std::string const to = range.substr(range.find('-') + 1); !to.empty())
             last = std::min<std::size_t>(last, std::stoul(to));
         if (first > last) {
-            SendAll(connection, "HTTP/1.1 416 Range Not Satisfiable\r\nContent-Length: 0\r\n\r\n");
+            Send(connection, "HTTP/1.1 416 Range Not Satisfiable\r\nContent-Length: 0\r\n\r\n");
             return true;
         }
     }
@@ -241,9 +194,9 @@ bool HttpServer::Answer(int connection, std::string const &request) {
                 std::to_string(resource.bytes.size()) + "\r\n";
     head += "Accept-Ranges: bytes\r\nContent-Type: " + resource.type +
             "\r\nContent-Length: " + std::to_string(body.size()) + "\r\n\r\n";
-    SendAll(connection, head);
+    Send(connection, head);
     if (!line.starts_with("HEAD")) {
-        SendAll(connection, body);
+        Send(connection, body);
         m_bytesSent += body.size();
     }
     return true;

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "support/StoreAnswers.h"
 #include "support/Test.h"
 
 #include <mutex>
-#include <optional>
 #include <set>
 #include <thread>
 
@@ -29,9 +29,22 @@ public:
     /// Only who logs in so is served; others are answered 401. "user:password" in base 64.
     void Demand(std::string const &login);
     /// An object store's bucket at "/bucket/", listed in pages of that many keys. Folders are keys that end in "/".
-    void ServeBucket(std::string const &bucket, std::vector<std::string> keys, std::size_t keysOfPage = 1000);
+    void ServeBucket(std::string const &bucket, std::vector<std::string> keys, std::size_t keysOfPage = 1000) {
+        OnStore(
+            [&](StoreAnswers &store) { store.SetBucket(bucket, {.keys = std::move(keys), .keysOfPage = keysOfPage}); });
+    }
+    /// Changes what it answers as an object store.
+    template <class Change>
+    void OnStore(Change const &change) {
+        std::lock_guard const lock(m_mutex);
+        change(m_store);
+    }
+    /// Waits before each answer from now on.
+    void Delay(std::chrono::milliseconds delay) { m_delay = delay.count(); }
+    /// Sends a byte a second from now on.
+    void Drip() { m_drips = true; }
     /// Takes connections and requests, and never answers.
-    void Hang() { m_hangs = true; }
+    void Hang(bool hangs = true) { m_hangs = hangs; }
 
     /// Lines such as "GET /a.tif" in the order of their coming.
     [[nodiscard]] std::vector<std::string> Requests() const;
@@ -51,25 +64,25 @@ private:
         int status = 404;          ///< of one without a type, whose bytes are a failure's body
         std::string location = {}; ///< of one that is elsewhere
     };
-    struct Bucket {
-        std::vector<std::string> keys; ///< in order
-        std::size_t keysOfPage = 1000;
-    };
     void Run();
     void Talk(int connection);
     bool Answer(int connection, std::string const &request);
-    [[nodiscard]] std::optional<std::string> PageOfBucket(std::string const &target) const;
+    void Send(int connection, std::string const &text);
+    /// False if the server or the connection ends meanwhile.
+    [[nodiscard]] bool Wait(int connection, std::chrono::milliseconds time) const;
 
     int m_listener = -1;
     int m_port = 0;
     int m_wake[2] = {-1, -1}; ///< a pipe; its end ends all waits
     std::atomic<bool> m_hangs{false};
+    std::atomic<bool> m_drips{false};
+    std::atomic<std::int64_t> m_delay{0}; ///< ms
     std::atomic<std::size_t> m_bytesSent{0};
     std::atomic<int> m_connections{0};
     std::atomic<int> m_endedConnections{0};
     mutable std::mutex m_mutex; ///< guards all below but the threads
     std::string m_login;
-    std::map<std::string, Bucket> m_buckets;
+    StoreAnswers m_store;
     std::map<std::string, Resource> m_resources;
     std::vector<std::string> m_requests;
     std::set<std::string> m_logins;

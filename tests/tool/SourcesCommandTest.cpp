@@ -135,5 +135,20 @@ TEST_F(SourcesCommand, AServerThatNeverTakesAConnectionIsLeftAtItsTimeOrByTheUse
     close(server);
 }
 
+TEST_F(SourcesCommand, AListingOfASilentServerEndsAtTheConnectionsTimeOrTheUsersWord) {
+    using std::chrono::steady_clock, std::chrono::seconds;
+    test::HttpServer server;
+    server.Hang();
+    for (auto const &[name, limit] : test::Rows<char const *, char const *>{{"short", "1"}, {"long", "600"}})
+        ASSERT_EQ(Run({"add", server.Url() + "/d/", "--name", name, "--time-limit", limit}).exitCode, 0);
+    auto const begin = steady_clock::now();
+    Outcome const late = Zelvar({"ls", "source:short"}, m_variables);
+    EXPECT_EQ(late.exitCode, 3);
+    EXPECT_THAT(late.err, HasSubstr("too slow"));
+    Outcome const stopped = Zelvar({"ls", "source:long"}, m_variables + " timeout -s INT 1");
+    EXPECT_EQ(stopped.exitCode, 124); // it has ended, or would have been waited for
+    EXPECT_LT(steady_clock::now() - begin, seconds(20));
+}
+
 } // namespace
 } // namespace zelvar

@@ -12,7 +12,11 @@ struct Setting {
 };
 
 /// Where several are set the libraries differ in which they take.
-constexpr Setting kOfTheWeb[] = {{"ca", "SSL_CERT_FILE"}, {"ca", "GDAL_CURL_CA_BUNDLE"}, {"ca", "CURL_CA_BUNDLE"}};
+constexpr Setting kOfTheWeb[] = {{"ca", "SSL_CERT_FILE"},
+                                 {"ca", "GDAL_CURL_CA_BUNDLE"},
+                                 {"ca", "CURL_CA_BUNDLE"},
+                                 {"seconds", "GDAL_HTTP_CONNECTTIMEOUT"},
+                                 {"seconds", "GDAL_HTTP_LOW_SPEED_TIME"}};
 constexpr Setting kOfStores[] = {{"endpoint", "AWS_S3_ENDPOINT"},
                                  {"region", "AWS_REGION"},
                                  {"profile", "AWS_PROFILE"},

@@ -5,6 +5,7 @@
 #include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/data/gdal/ContainerProbe.h"
 #include "zelvar/data/gdal/LandsatScene.h"
+#include "zelvar/data/gdal/StoreListing.h"
 
 #include <cpl_string.h>
 #include <gdal.h>
@@ -125,7 +126,8 @@ void AddLayers(GDALDatasetH dataset, Source const &source, Members &members) {
 
 DString NodePath(DString const &source, DString const &virtualName) {
     DString const name = TakeSecrets(virtualName);
-    if (BDIMoniker(name, nullptr).GetSource() == name)
+    // GDAL's name of what lies in a store does not tell the account.
+    if (BDIMoniker(name, nullptr).GetSource() == name && !IsOfStore(source))
         return name;
     return WithOption(source, kNodeOption, PercentEncoded(name));
 }

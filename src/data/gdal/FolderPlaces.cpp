@@ -3,6 +3,7 @@
 #include "zelvar/base/PathStyle.h"
 #include "zelvar/data/gdal/Causes.h"
 #include "zelvar/data/gdal/ContainerProbe.h"
+#include "zelvar/data/gdal/StoreListing.h"
 #include "zelvar/data/gdal/WebListing.h"
 #include "zelvar/data/gdal/ZipTree.h"
 #include "zelvar/platform/os/SmbClient.h"
@@ -102,12 +103,19 @@ public:
         GdalScope const scope(Reach::Network);
         if (StartsWithAny(folder, {"http://", "https://"}))
             return ListWebFolder(folder, entries);
-        DString const name = VirtualNameOf(folder);
-        return StartsWithNoCase(folder, "ftp://") ? ListFtpFolder(folder, name, entries, scope)
-                                                  : ListObjects(folder, name, entries);
+        if (!IsOfStore(folder))
+            return ListFtpFolder(folder, VirtualNameOf(folder), entries, scope);
+        auto const listing = ListStore(folder, {});
+        DError error;
+        while (!listing->IsAtEnd() && !error.IsSet())
+            error = listing->Next(entries);
+        return error;
+    }
+    [[nodiscard]] std::unique_ptr<FolderListing> Begin(DString const &folder, DString const &mask) const override {
+        return IsOfStore(folder) ? ListStore(folder, PrefixOf(mask)) : nullptr;
     }
     [[nodiscard]] DString PathOf(DString const &folder, FolderEntry const &entry) const override {
-        return folder + "/" + PercentEncoded(entry.name);
+        return IsOfStore(folder) ? ObjectIn(folder, entry.name) : folder + "/" + PercentEncoded(entry.name);
     }
 };
 

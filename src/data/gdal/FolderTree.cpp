@@ -6,6 +6,7 @@
 #include "zelvar/data/gdal/FolderPlaces.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace zelvar::gdal {
@@ -13,7 +14,7 @@ namespace zelvar::gdal {
 namespace {
 
 DString WithoutEndSlash(DString text) {
-    while (text.size() > 1 && text.ends_with('/'))
+    while (text.size() > 1 && text.ends_with('/') && !text.ends_with("://"))
         text.pop_back();
     return text;
 }
@@ -47,19 +48,24 @@ bool FolderTree::CanList(DError &error) {
     if (std::optional<bool> const known = m_place.CanList(m_root.path))
         return *known;
     std::vector<FolderEntry> entries;
-    error = m_place.List(m_root.path, entries);
+    m_restOfRoot = m_place.Begin(m_root.path, m_filter);
+    error = m_restOfRoot == nullptr ? m_place.List(m_root.path, entries) : m_restOfRoot->Next(entries);
     if (error.IsSet() && entries.empty())
         return false;
     m_error = std::exchange(error, {});
-    m_listedRoot = MakeNodes(m_root.path, std::move(entries));
+    m_listedRoot = MakeNodes(m_root.path, std::move(entries), {});
     return true;
 }
 
-std::vector<BDINode> FolderTree::MakeNodes(DString const &folder, std::vector<FolderEntry> entries) const {
+std::vector<BDINode> FolderTree::MakeNodes(DString const &folder, std::vector<FolderEntry> entries,
+                                           DString const &names) const {
+    auto const isWanted = [](DString const &name, DString const &mask) {
+        return mask.empty() || PathMatchSpec(name, mask);
+    };
     std::vector<std::pair<DString, FolderEntry>> ordered;
     ordered.reserve(entries.size());
     for (FolderEntry &entry : entries)
-        if (entry.isFolder || m_filter.empty() || PathMatchSpec(entry.name, m_filter))
+        if (entry.isFolder || (isWanted(entry.name, m_filter) && isWanted(entry.name, names)))
             ordered.emplace_back(MakeFileNameKey(entry.name), std::move(entry));
     std::sort(ordered.begin(), ordered.end(), [](auto const &a, auto const &b) { return a.first < b.first; });
     std::vector<BDINode> nodes;
@@ -75,22 +81,70 @@ std::vector<BDINode> FolderTree::MakeNodes(DString const &folder, std::vector<Fo
     return nodes;
 }
 
-std::vector<BDINode> FolderTree::Children(BDINode const &parent) const {
-    std::vector<BDINode> nodes;
-    if (parent.path == m_root.path && m_listedRoot) {
-        nodes = std::move(*m_listedRoot);
-        m_listedRoot.reset();
-    } else if ((parent.type & BDINode_Directory) != 0) {
-        std::vector<FolderEntry> entries;
-        m_error = m_place.List(parent.path, entries);
-        nodes = MakeNodes(parent.path, std::move(entries));
-    } else if ((parent.type & BDINode_Container) != 0) {
-        m_error.Clear();
-        return m_inner.Of(parent);
-    }
+void FolderTree::Remember(std::vector<BDINode> const &nodes) const {
     for (BDINode const &node : nodes)
         m_listed.insert_or_assign(node.path, node);
+}
+
+std::vector<BDINode> FolderTree::Children(BDINode const &parent) const {
+    std::vector<BDINode> nodes;
+    auto const cursor = OpenChildren(parent, {});
+    for (std::vector<BDINode> part; cursor->Next(part);)
+        std::move(part.begin(), part.end(), std::back_inserter(nodes));
     return nodes;
+}
+
+/// Children of a folder that comes in parts, or all at once.
+class FolderTree::Cursor : public ChildCursor {
+public:
+    /// `listing` null: what `first` holds is all.
+    Cursor(FolderTree const &tree, DString folder, DString names, std::optional<std::vector<BDINode>> first,
+           std::unique_ptr<FolderListing> listing)
+        : m_tree(tree), m_folder(std::move(folder)), m_names(std::move(names)), m_first(std::move(first)),
+          m_listing(std::move(listing)) {}
+
+    bool Next(std::vector<BDINode> &part) override {
+        if (IsAtEnd())
+            return false;
+        if (m_first) {
+            part = *std::exchange(m_first, std::nullopt);
+        } else {
+            std::vector<FolderEntry> entries;
+            m_tree.m_error = m_listing->Next(entries);
+            part = m_tree.MakeNodes(m_folder, std::move(entries), m_names);
+        }
+        m_tree.Remember(part);
+        return true;
+    }
+    [[nodiscard]] bool IsAtEnd() const override { return !m_first && (m_listing == nullptr || m_listing->IsAtEnd()); }
+
+private:
+    FolderTree const &m_tree;
+    DString m_folder;
+    DString m_names;
+    std::optional<std::vector<BDINode>> m_first;
+    std::unique_ptr<FolderListing> m_listing;
+};
+
+std::unique_ptr<ChildCursor> FolderTree::OpenChildren(BDINode const &parent, DString const &names) const {
+    auto const make = [&](std::optional<std::vector<BDINode>> first, std::unique_ptr<FolderListing> rest) {
+        return std::make_unique<Cursor>(*this, parent.path, names, std::move(first), std::move(rest));
+    };
+    if (parent.path == m_root.path && m_listedRoot) {
+        auto listed = std::exchange(m_listedRoot, std::nullopt);
+        auto rest = std::move(m_restOfRoot);
+        if (rest == nullptr || names.empty())
+            return make(std::move(listed), std::move(rest));
+    }
+    m_error.Clear();
+    if ((parent.type & BDINode_Directory) == 0)
+        return make((parent.type & BDINode_Container) != 0 ? m_inner.Of(parent) : std::vector<BDINode>(), nullptr);
+    // A store lists what begins alike without the rest; of two masks one is left for here.
+    if (auto listing = m_place.Begin(parent.path, m_filter.empty() ? names : m_filter))
+        return make(std::nullopt, std::move(listing));
+    std::vector<FolderEntry> entries;
+    m_error = m_place.List(parent.path, entries);
+    return make(MakeNodes(parent.path, std::move(entries), {}), nullptr);
 }
 
 std::optional<BDINode> FolderTree::Find(DString const &path) const {

@@ -12,6 +12,22 @@ struct FolderEntry {
     std::int64_t modified = 0; ///< nanoseconds since 1970; 0 if that is not known
 };
 
+/// A folder that is listed in parts.
+class FolderListing {
+public:
+    virtual ~FolderListing() = default;
+    FolderListing(FolderListing const &) = delete;
+    FolderListing &operator=(FolderListing const &) = delete;
+
+    /// Appends the next part; why there is none, or none behind it, where something keeps it from the end.
+    virtual DError Next(std::vector<FolderEntry> &entries) = 0;
+    /// Whether there is nothing more to ask for.
+    [[nodiscard]] virtual bool IsAtEnd() const = 0;
+
+protected:
+    FolderListing() = default;
+};
+
 /// A kind of place that holds folders: what a folder tree asks of it.
 class FolderPlace {
 public:
@@ -21,6 +37,12 @@ public:
 
     /// Why the folder cannot be listed, or not to its end; not set if it was.
     [[nodiscard]] virtual DError List(DString const &folder, std::vector<FolderEntry> &entries) const = 0;
+    /// The same in parts, where the place gives them so; else null. `mask` is one of names that are of use, others may
+    /// be left out; empty for all. Nothing is asked before the first part.
+    [[nodiscard]] virtual std::unique_ptr<FolderListing> Begin(DString const &folder, DString const &mask) const {
+        static_cast<void>(folder), static_cast<void>(mask);
+        return nullptr;
+    }
     /// Whether the folder can be listed, where that can be told without listing it.
     [[nodiscard]] virtual std::optional<bool> CanList(DString const &) const { return std::nullopt; }
     /// The path or address of a child.
@@ -32,7 +54,8 @@ protected:
     FolderPlace() = default;
 };
 
-/// Folders and the data in them, in natural order of their names. Each folder is listed when it is asked for.
+/// Folders and the data in them, in natural order of their names, which is that of a part where they come in parts.
+/// Each folder is listed when it is asked for.
 class FolderTree : public Tree {
 public:
     /// `filter` is a mask of file names, empty for all.
@@ -40,6 +63,7 @@ public:
     [[nodiscard]] BDINode Root() const override { return m_root; }
     [[nodiscard]] std::optional<BDINode> Find(DString const &path) const override;
     [[nodiscard]] std::vector<BDINode> Children(BDINode const &parent) const override;
+    [[nodiscard]] std::unique_ptr<ChildCursor> OpenChildren(BDINode const &parent, DString const &names) const override;
     /// The masks of the formats that read pictures.
     [[nodiscard]] std::vector<DString> Filters() const override;
 
@@ -50,13 +74,17 @@ public:
     [[nodiscard]] bool CanList(DError &error);
 
 private:
-    [[nodiscard]] std::vector<BDINode> MakeNodes(DString const &folder, std::vector<FolderEntry> entries) const;
+    class Cursor;
+    [[nodiscard]] std::vector<BDINode> MakeNodes(DString const &folder, std::vector<FolderEntry> entries,
+                                                 DString const &names) const;
+    void Remember(std::vector<BDINode> const &nodes) const;
 
     FolderPlace const &m_place; ///< lives as long as the process
     BDINode m_root;
     DString m_filter;
     // One thread at a time uses a tree.
-    mutable std::optional<std::vector<BDINode>> m_listedRoot;
+    mutable std::optional<std::vector<BDINode>> m_listedRoot; ///< all of it, or its first part
+    mutable std::unique_ptr<FolderListing> m_restOfRoot;      ///< null if that is all
     mutable std::unordered_map<DString, BDINode> m_listed;
     mutable InnerMembers m_inner;
     mutable DError m_error; ///< of the last listing

@@ -39,10 +39,10 @@ constexpr Setting kAlways[] = {
     {"GTIFF_IGNORE_READ_ERRORS", "NO"},
     {"GDAL_VRT_ENABLE_PYTHON", "NO"}, // a file runs no program
 };
-/// What the environment may say otherwise; seconds.
+/// What the environment may say otherwise; seconds, and bytes a second of a server that is as good as silent.
 constexpr Setting kUnlessSet[] = {
     {"GDAL_HTTP_TIMEOUT", "30"},        {"GDAL_HTTP_CONNECTTIMEOUT", "5"},
-    {"GDAL_HTTP_LOW_SPEED_TIME", "10"}, {"GDAL_HTTP_LOW_SPEED_LIMIT", "1"},
+    {"GDAL_HTTP_LOW_SPEED_TIME", "10"}, {"GDAL_HTTP_LOW_SPEED_LIMIT", "16"},
     {"GDAL_HTTP_MAX_RETRY", "0"},       {"CPL_AWS_AUTODETECT_EC2", "NO"}, // would ask a server that nobody named
     {"CPL_MACHINE_IS_GCE", "NO"},       {"OGR_WFS_PAGE_SIZE", "1000"},    // rows of a request
 };

@@ -11,6 +11,7 @@
 #include "zelvar/data/gdal/OpenOptions.h"
 #include "zelvar/data/gdal/Siblings.h"
 #include "zelvar/data/gdal/SmbFiles.h"
+#include "zelvar/data/gdal/StoreListing.h"
 #include "zelvar/data/gdal/VirtualData.h"
 
 #include <cpl_string.h>
@@ -160,13 +161,8 @@ DString VirtualNameOf(DString const &url) {
     for (std::string_view const scheme : {"http://", "https://", "ftp://"})
         if (StartsWithNoCase(url, scheme))
             return "/vsicurl/" + EscapedUrl(WithSecrets(url));
-    struct Store {
-        std::string_view scheme;
-        std::string_view fileSystem;
-    };
-    for (Store const &store : {Store{"s3://", "/vsis3/"}, Store{"gs://", "/vsigs/"}, Store{"az://", "/vsiaz/"}})
-        if (StartsWithNoCase(url, store.scheme))
-            return DString(store.fileSystem) + PercentDecoded(std::string_view(url).substr(store.scheme.size()));
+    if (IsOfStore(url))
+        return StoreNameOf(url);
     if (StartsWithNoCase(url, "smb://"))
         return SmbVirtualName(url);
     return {};

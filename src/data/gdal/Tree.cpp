@@ -5,6 +5,7 @@
 
 #include <cstring>
 #include <exception>
+#include <tuple>
 #include <utility>
 
 namespace zelvar::gdal {
@@ -17,8 +18,36 @@ struct Repository {
 };
 
 struct Walk {
-    std::vector<BDINode> children;
+    std::unique_ptr<ChildCursor> cursor;
+    std::uint32_t mask = 0;
+    std::vector<BDINode> children; ///< the present part
     std::size_t next = 0;
+
+    [[nodiscard]] bool IsAtHand() const { return next < children.size() || cursor->IsAtEnd(); }
+    /// Goes to the next part, with those of its children that are wanted. Nothing is at hand.
+    void Fetch() {
+        next = 0;
+        children.clear();
+        if (cursor->Next(children))
+            std::erase_if(children, [this](BDINode const &child) { return (child.type & mask) == 0; });
+    }
+};
+
+/// Children that are all there.
+class ListedChildren : public ChildCursor {
+public:
+    explicit ListedChildren(std::vector<BDINode> nodes) : m_nodes(std::move(nodes)) {}
+    bool Next(std::vector<BDINode> &part) override {
+        if (m_isAtEnd)
+            return false;
+        part = std::move(m_nodes);
+        return m_isAtEnd = true;
+    }
+    [[nodiscard]] bool IsAtEnd() const override { return m_isAtEnd; }
+
+private:
+    std::vector<BDINode> m_nodes;
+    bool m_isAtEnd = false;
 };
 
 // Nodes that tell how the tree may be filtered. A "?" never occurs in the path of a folder's child as it stands.
@@ -47,17 +76,23 @@ std::vector<BDINode> FilterNodes(Tree const &tree, DString const &rootPath) {
     return nodes;
 }
 
-std::vector<BDINode> ChildrenOf(Tree const &tree, BDINode const &parent, std::uint32_t mask) {
+std::unique_ptr<ChildCursor> ChildrenOf(Tree const &tree, BDINode const &parent, std::uint32_t mask,
+                                        DString const &names) {
     DString const rootPath = tree.Root().path;
     if (parent.path == rootPath + kFilters)
-        return FilterNodes(tree, rootPath);
+        return std::make_unique<ListedChildren>(FilterNodes(tree, rootPath));
+    if (parent.path != rootPath || mask != BDINode_Table || tree.Filters().empty())
+        return tree.OpenChildren(parent, names);
     std::vector<BDINode> nodes = tree.Children(parent);
-    if (parent.path == rootPath && mask == BDINode_Table && !tree.Filters().empty())
-        nodes.insert(nodes.begin(), MakeNode(BDINode_Table, rootPath + kFilters, "Filters"));
-    return nodes;
+    nodes.insert(nodes.begin(), MakeNode(BDINode_Table, rootPath + kFilters, "Filters"));
+    return std::make_unique<ListedChildren>(std::move(nodes));
 }
 
 } // namespace
+
+std::unique_ptr<ChildCursor> Tree::OpenChildren(BDINode const &parent, DString const &) const {
+    return std::make_unique<ListedChildren>(Children(parent));
+}
 
 BDINode MakeNode(std::uint32_t type, DString path, DString name) {
     BDINode node;
@@ -127,21 +162,39 @@ BDINode *TreeDriver::CloneNode(BDINode const *node) { return node == nullptr ? n
 
 void TreeDriver::CloseNode(BDINode *node) { delete node; }
 
-void *TreeDriver::FindFirstChildNode(void *repository, BDINode const *node, int mask) {
+void *TreeDriver::FindFirstChildNamed(void *repository, BDINode const *node, int mask, char const *names) {
     if (repository == nullptr || node == nullptr)
         return nullptr;
     return Guarded<void *>("listing a node", [&]() -> void * {
-        auto const wanted = static_cast<std::uint32_t>(mask);
         auto walk = std::make_unique<Walk>();
-        walk->children = ChildrenOf(*Of(repository).tree, *node, wanted);
-        std::erase_if(walk->children, [&](BDINode const &child) { return (child.type & wanted) == 0; });
-        return walk->children.empty() ? nullptr : walk.release();
+        walk->mask = static_cast<std::uint32_t>(mask);
+        walk->cursor = ChildrenOf(*Of(repository).tree, *node, walk->mask, names == nullptr ? "" : names);
+        if (walk->cursor == nullptr)
+            return nullptr;
+        walk->Fetch();
+        return walk->children.empty() && walk->cursor->IsAtEnd() ? nullptr : walk.release();
     });
 }
 
 BDINode const *TreeDriver::FindNextChildNode(void *find) {
     auto *walk = static_cast<Walk *>(find);
-    return walk != nullptr && walk->next < walk->children.size() ? &walk->children[walk->next++] : nullptr;
+    if (walk == nullptr)
+        return nullptr;
+    return Guarded<BDINode const *>("listing a node", [&]() -> BDINode const * {
+        while (!walk->IsAtHand())
+            walk->Fetch();
+        return walk->next < walk->children.size() ? &walk->children[walk->next++] : nullptr;
+    });
+}
+
+bool TreeDriver::IsNextAtHand(void *find) const { return find == nullptr || static_cast<Walk *>(find)->IsAtHand(); }
+
+void TreeDriver::FetchNextPart(void *find) {
+    std::ignore = Guarded<bool>("listing a node", [&] {
+        if (auto *const walk = static_cast<Walk *>(find); walk != nullptr && !walk->IsAtHand())
+            walk->Fetch();
+        return true;
+    });
 }
 
 DError TreeDriver::GetWalkError(void *repository) const {

@@ -3,11 +3,8 @@
 #include "zelvar/base/TypedSecrets.h"
 #include "zelvar/data/gdal/Causes.h"
 
-#include <cpl_conv.h>
-#include <cpl_error.h>
 #include <cpl_http.h>
 #include <cpl_string.h>
-#include <cpl_vsi.h>
 
 #include <memory>
 #include <mutex>
@@ -21,8 +18,6 @@ namespace {
 using Cause = DError::Cause;
 
 constexpr std::size_t kMostBytes = std::size_t{32} << 20U; // of a listing
-constexpr std::int64_t kMostObjects = 2'000'000;
-constexpr std::int64_t kSecond = 1'000'000'000; // ns
 
 /// What is asked of each entry; whatever else a server knows is not sent.
 constexpr char const *kProperties =
@@ -120,51 +115,6 @@ DString TitleOf(DString const &page) {
     return title.empty() ? DString() : ": " + ToValidUtf8(title.substr(0, longest));
 }
 
-/// Listens to GDAL on this thread while it asks an object store: the store's own reason comes as a remark only.
-class StoreTalk {
-public:
-    StoreTalk() {
-        if (char const *const former = CPLGetThreadLocalConfigOption("CPL_DEBUG", nullptr))
-            m_former = former;
-        CPLSetThreadLocalConfigOption("CPL_DEBUG", "ON");
-        CPLPushErrorHandlerEx(&OnSaid, this);
-    }
-    ~StoreTalk() {
-        CPLPopErrorHandler();
-        CPLSetThreadLocalConfigOption("CPL_DEBUG", m_former ? m_former->c_str() : nullptr);
-    }
-    StoreTalk(StoreTalk const &) = delete;
-    StoreTalk &operator=(StoreTalk const &) = delete;
-
-    /// "NoSuchBucket", "AccessDenied" ...; empty if it named none.
-    [[nodiscard]] DString const &Code() const { return m_code; }
-    /// What GDAL itself found wrong first; empty for nothing.
-    [[nodiscard]] DString const &Error() const { return m_error; }
-
-private:
-    static void CPL_STDCALL OnSaid(CPLErr level, CPLErrorNum, char const *text) {
-        auto &talk = *static_cast<StoreTalk *>(CPLGetErrorHandlerUserData());
-        std::string_view const said(text);
-        // Remarks hold requests with their signatures: nothing but the code is taken from them.
-        if (std::size_t const begin = said.find("<Code>"); begin != std::string_view::npos && talk.m_code.empty()) {
-            std::string_view const rest = said.substr(begin + 6);
-            std::size_t const end = rest.find("</Code>");
-            if (end <= kLongestCode)
-                talk.m_code = ToValidUtf8(rest.substr(0, end));
-        }
-        if (level == CE_Debug)
-            return;
-        Report::TraceMessage(Report::kTraceDriver, "GDAL: %s", text);
-        if (level >= CE_Failure && talk.m_error.empty())
-            talk.m_error = Trimmed(said);
-    }
-
-    static constexpr std::size_t kLongestCode = 64;
-    std::optional<DString> m_former;
-    DString m_code;
-    DString m_error;
-};
-
 } // namespace
 
 DError ListWebFolder(DString const &folder, std::vector<FolderEntry> &entries) {
@@ -196,33 +146,6 @@ DError ListWebFolder(DString const &folder, std::vector<FolderEntry> &entries) {
                        (answer.body.empty() ? DString("something else than a listing")
                                             : "a web page, not with a listing" + TitleOf(answer.body)),
                    Cause::NotSupported);
-}
-
-DError ListObjects(DString const &folder, DString const &name, std::vector<FolderEntry> &entries) {
-    VSICurlPartialClearCache(name.c_str()); // else what failed once fails for good
-    StoreTalk const talk;
-    constexpr int thisFolderAlone = 0;
-    std::unique_ptr<VSIDIR, void (*)(VSIDIR *)> const listing(VSIOpenDir(name.c_str(), thisFolderAlone, nullptr),
-                                                              &VSICloseDir);
-    if (listing == nullptr)
-        return ErrorOfStore(folder, talk.Code(), talk.Error());
-    while (VSIDIREntry const *const found = VSIGetNextDirEntry(listing.get())) {
-        FolderEntry entry;
-        entry.name = found->pszName == nullptr ? "" : found->pszName;
-        entry.isFolder = entry.name.ends_with('/') || (found->bModeKnown != 0 && VSI_ISDIR(found->nMode) != 0);
-        while (entry.name.ends_with('/'))
-            entry.name.pop_back();
-        if (entry.name.empty() || entry.name.front() == '.' || entry.name.find('/') != DString::npos)
-            continue;
-        if (found->bSizeKnown != 0 && !entry.isFolder && found->nSize <= static_cast<vsi_l_offset>(INT64_MAX))
-            entry.size = static_cast<std::int64_t>(found->nSize);
-        if (found->bMTimeKnown != 0 && found->nMTime > 0 && found->nMTime < INT64_MAX / kSecond)
-            entry.modified = found->nMTime * kSecond;
-        entries.push_back(std::move(entry));
-        if (static_cast<std::int64_t>(entries.size()) == kMostObjects)
-            return Because("\"" + folder + "\" holds more than can be listed", Cause::TooLarge);
-    }
-    return talk.Code().empty() && talk.Error().empty() ? DError() : ErrorOfStore(folder, talk.Code(), talk.Error());
 }
 
 } // namespace zelvar::gdal

@@ -18,7 +18,5 @@ namespace zelvar::gdal {
 /// Lists the folder of a web server at an address with "http" or "https": as WebDAV where the server speaks it, else by
 /// its page. Not set for a listing, else why there is none. Inside a `GdalScope`.
 [[nodiscard]] DError ListWebFolder(DString const &folder, std::vector<FolderEntry> &entries);
-/// Lists what lies in an object store behind a prefix, `name` in terms of GDAL's virtual file systems. In the same way.
-[[nodiscard]] DError ListObjects(DString const &folder, DString const &name, std::vector<FolderEntry> &entries);
 
 } // namespace zelvar::gdal

@@ -7,18 +7,23 @@
 
 namespace zelvar {
 
-DError FailureOf(wire::AnswerT const *answer, DError const &otherwise) {
+DError ErrorFrom(wire::FailedT const *failed) {
     using Cause = DError::Cause;
-    wire::FailedT const *const failed = answer == nullptr ? nullptr : answer->body.AsFailed();
-    if (answer == nullptr)
-        return otherwise;
     DError error;
-    error.Set("its reader says nothing of use");
     if (failed != nullptr && !failed->reason.empty())
         error.Set(failed->reason,
                   failed->cause <= static_cast<std::uint32_t>(DError::kLastCause) ? static_cast<Cause>(failed->cause)
                                                                                   : Cause::Unknown,
                   std::max<std::int64_t>(failed->detail, -1));
+    return error;
+}
+
+DError FailureOf(wire::AnswerT const *answer, DError const &otherwise) {
+    if (answer == nullptr)
+        return otherwise;
+    DError error = ErrorFrom(answer->body.AsFailed());
+    if (!error.IsSet())
+        error.Set("its reader says nothing of use");
     return error;
 }
 

@@ -24,6 +24,9 @@ template <class Body>
 /// Why there is no such answer: what the reader says, else `otherwise`, why it says nothing.
 [[nodiscard]] DError FailureOf(wire::AnswerT const *answer, DError const &otherwise);
 
+/// What it says of a failure; not set for null.
+[[nodiscard]] DError ErrorFrom(wire::FailedT const *failed);
+
 /// Those that are there.
 [[nodiscard]] std::vector<BDINode> NodesFrom(wire::ChildrenT &&children);
 

@@ -9,44 +9,30 @@
 #include <cstring>
 #include <memory>
 #include <string_view>
-#include <unordered_map>
 #include <utility>
 
 namespace zelvar {
 
 namespace {
 
-/// What the reader has told of the children of a node. Who lists opens each of them by its path right behind that: so
-/// the last listing answers, and not a message for each.
-class Listing {
-public:
-    explicit Listing(std::vector<BDINode> nodes) : m_nodes(std::move(nodes)) {}
-    [[nodiscard]] BDINode const *At(std::size_t index) const {
-        return index < m_nodes.size() ? &m_nodes[index] : nullptr;
-    }
-    [[nodiscard]] BDINode const *Find(std::string_view path) {
-        if (m_byPath.empty())
-            for (BDINode const &node : m_nodes)
-                m_byPath.emplace(node.path, &node);
-        auto const at = m_byPath.find(path);
-        return at == m_byPath.end() ? nullptr : at->second;
-    }
-
-private:
-    std::vector<BDINode> m_nodes;
-    std::unordered_map<std::string_view, BDINode const *> m_byPath;
-};
+constexpr std::int64_t kMostChildren = 3'000'000; // of one node
+constexpr int kMostParts = 100'000;
 
 struct Repository {
     wire::TreeSpecT spec;
     int reader = 0; ///< that has it open, as far as we know
     DError walkError;
-    std::shared_ptr<Listing> listing; ///< the last one; null before
 };
 
+/// A walk that gets its children in the parts in which they come. It lives no longer than its repository is open.
 struct Walk {
-    std::shared_ptr<Listing> listing;
+    Repository *repository = nullptr;
+    wire::ListChildrenT question;
+    std::vector<BDINode> children; ///< the present part
     std::size_t next = 0;
+    bool hasMore = false;
+    int parts = 0;
+    [[nodiscard]] bool IsAtHand() const { return next < children.size() || !hasMore; }
 };
 
 Repository &Of(void *repository) { return *static_cast<Repository *>(repository); }
@@ -72,6 +58,27 @@ std::unique_ptr<Wanted> AskAbout(Repository &repository, char const *what, Body 
         return std::make_unique<Wanted>(std::move(*told));
     error = FailureOf(answer.message.get(), answer.error);
     return nullptr;
+}
+
+/// Asks for the next part of a walk, which may hold nothing.
+void FetchPart(Walk &walk) {
+    walk.next = 0;
+    walk.children.clear();
+    auto const listed =
+        AskAbout<wire::ChildrenT>(*walk.repository, "children", walk.question, walk.repository->walkError);
+    walk.hasMore = listed != nullptr && listed->more;
+    if (listed == nullptr)
+        return;
+    if (listed->failed != nullptr)
+        walk.repository->walkError = ErrorFrom(listed->failed.get());
+    walk.children = NodesFrom(std::move(*listed));
+    walk.question.first += static_cast<std::int64_t>(walk.children.size());
+    // A reader that never came to an end would be asked for ever.
+    if (!walk.hasMore || (walk.question.first < kMostChildren && ++walk.parts < kMostParts))
+        return;
+    walk.hasMore = false;
+    walk.repository->walkError.Set("\"" + walk.question.parent->path + "\" holds more than can be listed",
+                                   DError::Cause::TooLarge);
 }
 
 } // namespace
@@ -127,9 +134,6 @@ void RemoteTreeDriver::CloseRepository(void *repository) {
 BDINode *RemoteTreeDriver::OpenNode(void *repository, char const *path) {
     if (repository == nullptr || path == nullptr)
         return nullptr;
-    if (Of(repository).listing != nullptr)
-        if (BDINode const *const listed = Of(repository).listing->Find(path))
-            return new BDINode(*listed);
     wire::FindNodeT body;
     body.path = path;
     DError failure;
@@ -141,33 +145,48 @@ BDINode *RemoteTreeDriver::CloneNode(BDINode const *node) { return node == nullp
 
 void RemoteTreeDriver::CloseNode(BDINode *node) { delete node; }
 
-void *RemoteTreeDriver::FindFirstChildNode(void *repository, BDINode const *node, int mask) {
+void *RemoteTreeDriver::FindFirstChildNamed(void *repository, BDINode const *node, int mask, char const *names) {
     if (repository == nullptr || node == nullptr)
         return nullptr;
-    wire::ListChildrenT body;
-    body.parent = ToWire(*node);
-    body.mask = mask;
-    Of(repository).walkError.Clear();
-    Of(repository).listing.reset();
-    auto const listed =
-        AskAbout<wire::ChildrenT>(Of(repository), "children", std::move(body), Of(repository).walkError);
-    if (listed == nullptr || listed->nodes.empty())
-        return nullptr;
     auto walk = std::make_unique<Walk>();
-    walk->listing = std::make_shared<Listing>(NodesFrom(std::move(*listed)));
-    Of(repository).listing = walk->listing;
-    return walk.release();
+    walk->repository = &Of(repository);
+    walk->question.parent = ToWire(*node);
+    walk->question.mask = mask;
+    walk->question.names = names == nullptr ? "" : names;
+    walk->question.walk = Readers::Instance().NextId();
+    Of(repository).walkError.Clear();
+    FetchPart(*walk);
+    return walk->children.empty() && !walk->hasMore ? nullptr : walk.release();
 }
 
 BDINode const *RemoteTreeDriver::FindNextChildNode(void *find) {
     auto *walk = static_cast<Walk *>(find);
-    return walk == nullptr ? nullptr : walk->listing->At(walk->next++);
+    while (walk != nullptr && !walk->IsAtHand())
+        FetchPart(*walk);
+    return walk != nullptr && walk->next < walk->children.size() ? &walk->children[walk->next++] : nullptr;
+}
+
+bool RemoteTreeDriver::IsNextAtHand(void *find) const {
+    return find == nullptr || static_cast<Walk *>(find)->IsAtHand();
+}
+
+void RemoteTreeDriver::FetchNextPart(void *find) {
+    if (auto *const walk = static_cast<Walk *>(find); walk != nullptr && !walk->IsAtHand())
+        FetchPart(*walk);
 }
 
 DError RemoteTreeDriver::GetWalkError(void *repository) const {
     return repository == nullptr ? DError() : Of(repository).walkError;
 }
 
-void RemoteTreeDriver::FindClose(void *find) { delete static_cast<Walk *>(find); }
+void RemoteTreeDriver::FindClose(void *find) {
+    std::unique_ptr<Walk> const walk(static_cast<Walk *>(find));
+    if (walk == nullptr || !walk->hasMore)
+        return;
+    wire::CloseWalkT body;
+    body.tree = walk->repository->spec.id;
+    body.walk = walk->question.walk;
+    Readers::Instance().Tell(walk->repository->reader, body);
+}
 
 } // namespace zelvar

@@ -26,10 +26,16 @@ public:
     BDINode *OpenNode(void *repository, char const *path) override;
     BDINode *CloneNode(BDINode const *node) override;
     void CloseNode(BDINode *node) override;
-    void *FindFirstChildNode(void *repository, BDINode const *node, int mask) override;
+    void *FindFirstChildNode(void *repository, BDINode const *node, int mask) override {
+        return FindFirstChildNamed(repository, node, mask, nullptr);
+    }
+    void *FindFirstChildNamed(void *repository, BDINode const *node, int mask, char const *names) override;
     BDINode const *FindNextChildNode(void *find) override;
     void FindClose(void *find) override;
     [[nodiscard]] DError GetWalkError(void *repository) const override;
+    [[nodiscard]] bool IsNextAtHand(void *find) const override;
+    void FetchNextPart(void *find) override;
+    [[nodiscard]] bool HasPlainNodes() const override { return true; }
 
 private:
     wire::DriverFactsT m_facts;

@@ -1,0 +1,84 @@
+#include "zelvar/opends/PlaceOpener.h"
+
+#include "zelvar/base/PathStyle.h"
+#include "zelvar/data/BDIMoniker.h"
+#include "zelvar/data/RequestScope.h"
+#include "zelvar/model/PlaceResolver.h"
+#include "zelvar/platform/os/SmbAddress.h"
+
+#include <utility>
+
+namespace zelvar {
+
+bool PlaceOpener::IsFor(DString const &place) {
+    return place.starts_with("source:") || (BDIMoniker(place, nullptr).IsUrl() && !platform::IsSmbAddress(place) &&
+                                            !StartsWithNoCase(place, "file://"));
+}
+
+void PlaceOpener::SetOwner(platform::MessageTarget target, platform::MessageId message) {
+    m_target = std::move(target);
+    m_message = message;
+}
+
+void PlaceOpener::Ask(Question question) {
+    Hand([&] {
+        m_pending = std::move(question);
+        m_answer.reset();
+        m_stop = true;
+        return true;
+    });
+}
+
+void PlaceOpener::Open(TemplDataSourceItem &connection) { Ask({{}, connection.Clone()}); }
+void PlaceOpener::Find(DString place) { Ask({std::move(place), nullptr}); }
+
+void PlaceOpener::Cancel() {
+    std::lock_guard const lock(m_mutex);
+    m_pending.reset();
+    m_answer.reset();
+    m_stop = true;
+}
+
+bool PlaceOpener::IsBusy() const {
+    std::lock_guard const lock(m_mutex);
+    return m_pending || (IsRunning() && !m_stop);
+}
+
+std::optional<PlaceOpener::Answer> PlaceOpener::TakeAnswer() {
+    std::lock_guard const lock(m_mutex);
+    return std::exchange(m_answer, std::nullopt);
+}
+
+PlaceOpener::Answer PlaceOpener::AnswerTo(Question const &question) {
+    Answer answer{.place = question.place, .item = question.connection};
+    if (answer.item != nullptr) {
+        answer.item->Prepare();
+    } else {
+        answer.item = ItemFromPlace(question.place, &answer.error);
+        if (answer.item != nullptr)
+            answer.item->BuildParents();
+    }
+    auto const *const tree = dynamic_cast<TemplDataSourceItem const *>(answer.item.get());
+    if (tree != nullptr && !tree->IsOpen())
+        answer.error = tree->GetFailure();
+    return answer;
+}
+
+bool PlaceOpener::WorkOnNext() {
+    std::optional<Question> const question = TakeNext(m_pending, m_stop);
+    if (!question)
+        return false;
+    RequestScope const scope(RequestKind::List, [this] { return m_stop.load(); });
+    Answer answer = AnswerTo(*question);
+    {
+        std::lock_guard const lock(m_mutex);
+        if (m_stop)
+            return true;
+        m_answer = std::move(answer);
+        m_stop = true; // it works no more
+    }
+    m_target.Post(m_message);
+    return true;
+}
+
+} // namespace zelvar

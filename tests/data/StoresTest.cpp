@@ -1,0 +1,181 @@
+#include "support/HttpServer.h"
+#include "support/ImageFiles.h"
+#include "support/OpenedTree.h"
+#include "support/RealDriversTest.h"
+#include "support/Test.h"
+#include "zelvar/data/ImageReader.h"
+
+namespace zelvar {
+namespace {
+
+/// An object store on the loopback interface that checks signatures.
+struct Stores : test::RealDriversTest {
+    Stores() {
+        BDIDrvrMngr::Instance()->Drivers();
+        Set("AWS_S3_ENDPOINT", "127.0.0.1:" + std::to_string(m_server.Port()));
+        Set("AWS_HTTPS", "NO");
+        Set("AWS_VIRTUAL_HOSTING", "FALSE");
+        Set("AWS_ACCESS_KEY_ID", "id");
+        Set("AWS_SECRET_ACCESS_KEY", "TOPSECRET");
+        Store([](test::StoreAnswers &store) { store.Demand("id", "TOPSECRET"); });
+    }
+    ~Stores() override {
+        for (std::string const &name : m_set)
+            unsetenv(name.c_str());
+    }
+    void Set(std::string const &name, std::string const &value) {
+        setenv(name.c_str(), value.c_str(), 1);
+        m_set.insert(name);
+    }
+    template <class Change>
+    void Store(Change const &change) {
+        m_server.OnStore(change);
+    }
+    void Bucket(std::string const &name, test::StoreAnswers::Bucket bucket) {
+        Store([&](test::StoreAnswers &store) { store.SetBucket(name, std::move(bucket)); });
+    }
+    static DError WhyNot(DString const &place) {
+        BDIDrvr *driver = nullptr;
+        BDINode *root = nullptr;
+        DError error;
+        EXPECT_EQ(BDIDrvrMngr::Instance()->OpenFile(place.c_str(), &driver, &root, nullptr, &error), nullptr) << place;
+        return error;
+    }
+    static std::vector<DString> Paths(DString const &place) {
+        std::vector<DString> paths;
+        test::OpenedTree const tree(place);
+        if (tree)
+            for (BDINode const &child : tree.Children(*tree.root))
+                paths.push_back(child.path);
+        return paths;
+    }
+    test::HttpServer m_server;
+    std::set<std::string> m_set;
+};
+
+TEST_F(Stores, TheFirstKeysComeWithTheFirstPageAndTheRestAsItIsWanted) {
+    test::StoreAnswers::Bucket bucket;
+    for (int i = 0; i < 2500; ++i)
+        bucket.keys.push_back(Format("a/%04d.tif", i));
+    Bucket("big", bucket);
+    Bucket("endless", {.isEndless = true});
+    for (auto const &[place, wanted, requests] : test::Rows<char const *, int, std::size_t>{
+             {"s3://big/a", 1000, 1}, {"s3://big/a", 1001, 2}, {"s3://big/a", 9999, 3}, {"s3://endless", 2500, 3}}) {
+        SCOPED_TRACE(Format("%s %d", place, wanted));
+        std::size_t const before = m_server.Requests().size();
+        test::OpenedTree const tree(place);
+        ASSERT_TRUE(tree);
+        void *const walk = tree.driver->FindFirstChildNode(tree.repository, tree.root, 0xFF);
+        std::set<DString> seen;
+        for (int i = 0; i < wanted; ++i) {
+            BDINode const *const child = tree.driver->FindNextChildNode(walk);
+            if (child == nullptr)
+                break;
+            seen.insert(child->path);
+            EXPECT_EQ(child->size, 1234);
+            if (i == 999) {
+                EXPECT_FALSE(tree.driver->IsNextAtHand(walk));
+                EXPECT_EQ(m_server.Requests().size() - before, 1U);
+            }
+        }
+        EXPECT_EQ(seen.size(), std::min<std::size_t>(static_cast<std::size_t>(wanted), 2500U));
+        tree.driver->FindClose(walk);
+        EXPECT_EQ(m_server.Requests().size() - before, requests);
+    }
+}
+
+TEST_F(Stores, WalksOfOneTreeGoOnBesideEachOther) {
+    test::StoreAnswers::Bucket bucket;
+    for (int i = 0; i < 3000; ++i)
+        bucket.keys.push_back(Format("%04d.tif", i));
+    Bucket("big", bucket);
+    test::OpenedTree const tree("s3://big");
+    ASSERT_TRUE(tree);
+    std::vector<void *> walks;
+    for (int i = 0; i < 2; ++i)
+        walks.push_back(tree.driver->FindFirstChildNode(tree.repository, tree.root, 0xFF));
+    for (int i = 0; i < 3000; ++i)
+        for (void *const walk : walks) {
+            BDINode const *const child = tree.driver->FindNextChildNode(walk);
+            ASSERT_NE(child, nullptr) << i;
+            EXPECT_EQ(child->name, Format("%04d.tif", i));
+        }
+    for (void *const walk : walks)
+        tree.driver->FindClose(walk);
+    EXPECT_EQ(m_server.Requests().size(), 6U);
+}
+
+TEST_F(Stores, AStoreThatGoesRoundInACircleComesToAnEnd) {
+    Bucket("round", {.keys = {"a.tif", "b.tif", "c.tif"}, .repeats = true});
+    test::OpenedTree const tree("s3://round");
+    ASSERT_TRUE(tree);
+    EXPECT_LT(tree.Children(*tree.root).size(), 10U);
+    EXPECT_THAT(tree.driver->GetWalkError(tree.repository).Text(), HasSubstr("circle"));
+}
+
+TEST_F(Stores, BucketsAreListedAndTheAccountStaysInTheAddress) {
+    Bucket("field", {.keys = {"a/x y.tif", "b.tif", std::string(5000, 'n') + ".tif", "../up.tif"}});
+    Bucket("lab", {});
+    EXPECT_THAT(Paths("s3://"), ElementsAre("s3://field", "s3://lab"));
+    EXPECT_THAT(Paths("s3://me@"), ElementsAre("s3://me@field", "s3://me@lab"));
+    EXPECT_THAT(Paths("s3://me@field"), ElementsAre("s3://me@field/a", "s3://me@field/b.tif"));
+    test::WriteImage(m_folder / "x.tif", {.width = 41});
+    m_server.Serve("/field/a/x%20y.tif", test::ReadFile(m_folder / "x.tif"));
+    ImageInfo info;
+    ASSERT_TRUE(ReadImageInfo({"s3://me@field/a/x%20y.tif", nullptr}, "", nullptr, info));
+    EXPECT_EQ(info.width, 41);
+}
+
+TEST_F(Stores, AMaskThatBeginsWithLettersIsTheStoresToRegard) {
+    Bucket("field", {.keys = {"a/run7-1.tif", "a/run7-2.img", "a/run8.tif"}});
+    test::OpenedTree const tree("s3://field");
+    ASSERT_TRUE(tree);
+    BDINode const folder = tree.Children(*tree.root).at(0);
+    void *const walk = tree.driver->FindFirstChildNamed(tree.repository, &folder, 0xFF, "run7*.tif");
+    std::vector<DString> names;
+    while (BDINode const *const child = walk == nullptr ? nullptr : tree.driver->FindNextChildNode(walk))
+        names.push_back(child->name);
+    tree.driver->FindClose(walk);
+    EXPECT_THAT(names, ElementsAre("run7-1.tif"));
+    EXPECT_THAT(m_server.Requests().back(), HasSubstr("prefix=a%2Frun7"));
+}
+
+TEST_F(Stores, WhatIsWrongWithAKeyIsToldInWords) {
+    using enum DError::Cause;
+    Bucket("field", {.keys = {"a.tif"}});
+    EXPECT_THAT(WhyNot("s3://nope").Text(), HasSubstr("NoSuchBucket: there is no such bucket"));
+    EXPECT_EQ(Paths("s3://field").size(), 1U);
+    Store([](test::StoreAnswers &store) { store.Demand("id", "other"); });
+    DError const wrongSecret = WhyNot("s3://field");
+    EXPECT_THAT(wrongSecret.Text(), HasSubstr("SignatureDoesNotMatch: the secret key is wrong"));
+    EXPECT_EQ(wrongSecret.Why(), NotPermitted);
+    Store([](test::StoreAnswers &store) { store.Demand("other", "other"); });
+    EXPECT_THAT(WhyNot("s3://field").Text(), HasSubstr("InvalidAccessKeyId: the store does not know the key"));
+    for (auto const &[code, more, words] : test::Rows<char const *, char const *, char const *>{
+             {"AccessDenied", "", "may not list here"},
+             {"RequestTimeTooSkewed",
+              "<RequestTime>20240102T100500Z</RequestTime><ServerTime>2024-01-02T10:00:00Z</ServerTime>",
+              "clock is wrong (5 min fast)"}}) {
+        Store([&](test::StoreAnswers &store) { store.Refuse(403, code, more); });
+        EXPECT_THAT(WhyNot("s3://field").Text(), AllOf(HasSubstr(code), HasSubstr(words)));
+    }
+}
+
+TEST_F(Stores, APreviewOfALargeObjectReadsASmallPartOfIt) {
+    constexpr std::size_t most = 5'000'000;
+    test::WriteImage(m_folder / "x.tif", {.width = 7000, .height = 7000, .options = {"TILED=YES"}}, {2, 4, 8, 16});
+    std::string const bytes = test::ReadFile(m_folder / "x.tif");
+    m_server.Serve("/field/x.tif", bytes);
+    ImageInfo info;
+    DCanvas picture;
+    ASSERT_TRUE(ReadImageInfo({"s3://field/x.tif", nullptr}, "", nullptr, info));
+    ASSERT_TRUE(ReadPreview({"s3://field/x.tif", nullptr}, "", nullptr, picture));
+    EXPECT_EQ(picture.GetWidth(), 1024);
+    ASSERT_GT(bytes.size(), 8 * most);
+    EXPECT_LT(m_server.BytesSent(), most);
+    for (std::string const &request : m_server.Requests())
+        EXPECT_THAT(request, HasSubstr("/field/x.tif")) << "asked for a side file";
+}
+
+} // namespace
+} // namespace zelvar

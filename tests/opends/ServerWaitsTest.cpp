@@ -1,0 +1,213 @@
+// The dialog over servers that are silent, slow or not there, with the real reader.
+#include "zelvar/opends/ServerWaits.h"
+
+#include "support/HttpServer.h"
+#include "support/OpenDialogHand.h"
+#include "support/RealDrivers.h"
+#include "support/Stopwatch.h"
+#include "zelvar/data/BDIDrvrMngr.h"
+#include "zelvar/data/RDIDriverMngr.h"
+#include "zelvar/data/reader/DriverModule.h"
+#include "zelvar/model/DataSourceCollector.h"
+#include "zelvar/opends/DSDataSourceWnd.h"
+#include "zelvar/opends/DataSourceList.h"
+#include "zelvar/opends/HierarchyList.h"
+#include "zelvar/opends/PlaceNotice.h"
+
+namespace zelvar::test {
+namespace {
+
+using std::chrono::milliseconds;
+constexpr milliseconds kSmooth{2000}; // a machine under load included; the usual is printed
+
+/// The longest time for which the windows' thread did not come to its timers.
+class Gaps : public QObject {
+public:
+    Gaps() { startTimer(5); }
+    [[nodiscard]] milliseconds Longest() const { return m_longest; }
+
+protected:
+    void timerEvent(QTimerEvent *) override {
+        m_longest = std::max(m_longest, Since(m_last));
+        m_last = Clock::now();
+    }
+
+private:
+    milliseconds m_longest{0};
+    Clock::time_point m_last = Clock::now();
+};
+
+struct ServerPlaces : testing::Test {
+    ServerPlaces() {
+        static bool const isFirst = [] {
+            BDIDrvrMngr::Instance()->Reset();
+            RDIDriverMngr::Instance()->Reset();
+            UseReaders(PatientReaders());
+            return !BDIDrvrMngr::Instance()->Drivers().empty();
+        }();
+        EXPECT_TRUE(isFirst);
+        folder.Write("here.tif", "x");
+        Define("Lab", server.Url() + "/lab/");
+        Define("Nobody", "http://127.0.0.1:1/d/");
+        Define("Big", "s3://big/");
+        Set("ZELVAR_DEFINITIONS_DIR", definitions.Path());
+        Set("AWS_S3_ENDPOINT", server.Url().substr(7));
+        for (char const *name : {"AWS_HTTPS", "AWS_VIRTUAL_HOSTING"})
+            Set(name, "NO");
+        Set("AWS_NO_SIGN_REQUEST", "YES");
+    }
+    ~ServerPlaces() override {
+        // Workers that were let go need the drivers for a moment: they stay.
+        for (auto const &[name, former] : m_former)
+            qputenv(name.c_str(), former);
+    }
+    void Set(std::string const &name, std::string const &value) {
+        m_former[name] = qgetenv(name.c_str());
+        qputenv(name.c_str(), value.c_str());
+    }
+    void Define(std::string const &name, std::string const &url) const {
+        definitions.Write(name + ".xml",
+                          "<DataSources><DataSource name='" + name + "' url='" + url +
+                              "'><Parameters/><BDIDriver id='WebDirectory'/></DataSource></DataSources>");
+    }
+    void Run(std::function<void()> const &act) {
+        DlgOpenDS::SetFeatures(kOpenAll);
+        dialog.reset(DlgOpenDS::CreateDialogObject({&all}, &all, DT_DATA, "ImageFolders", nullptr));
+        dialog->SetBDIFilter(BDINode_Raster);
+        dialog->SetInitDir(folder.Path().c_str());
+        RunWhen(
+            *dialog, [&] { return dialog->MainList() != nullptr && dialog->MainList()->GetNumRow() > 0; },
+            [&] {
+                dialog->DataSourceWnd()->SwitchToDataSourceView();
+                act();
+            });
+        dialog.reset();
+    }
+    [[nodiscard]] int RowOfSource(DString const &name) const {
+        DataSourceList const &sources = *dialog->SourceList();
+        for (int row = 0; row < sources.GetItemCount(); ++row)
+            if (sources.ItemAt(row)->GetName() == name)
+                return row;
+        ADD_FAILURE() << "no " << name;
+        return 0;
+    }
+    void ClickSource(DString const &name) const {
+        DataSourceList &sources = *dialog->SourceList();
+        sources.EnsureVisible(RowOfSource(name));
+        Rect const rect = sources.GetItemRect(RowOfSource(name));
+        QTest::mouseClick(sources.viewport(), Qt::LeftButton, {}, {rect.left + 40, (rect.top + rect.bottom) / 2});
+    }
+    void GoTo(DString const &place) const {
+        auto *const box = platform::GetDlgItem<QComboBox>(*dialog, kHistoryId);
+        box->setFocus();
+        box->setEditText(QString::fromStdString(place));
+        QTest::keyClick(box->lineEdit(), Qt::Key_Return);
+    }
+    [[nodiscard]] bool Says(DString const &words, DString const &button) const {
+        PlaceNotice const &notice = *dialog->Waits()->Notice();
+        return Eventually([&] {
+            return notice.isVisible() && notice.Label()->text().contains(QString::fromStdString(words)) &&
+                   notice.Button()->text() == QString::fromStdString(button);
+        });
+    }
+    void Press(Qt::Key key) const { QTest::keyClick(dialog->focusWidget(), key); }
+    [[nodiscard]] bool HasLetGo() const {
+        return Eventually([&] { return server.OpenConnections() == 0; });
+    }
+
+    TempFolder folder;
+    TempFolder definitions;
+    HttpServer server;
+    DFileFrmt all{"", "All Files (*.*)", "*.*"};
+    DialogPtr dialog;
+
+private:
+    std::map<std::string, QByteArray> m_former;
+};
+
+TEST_F(ServerPlaces, AServerThatIsSilentOrSlowHoldsNoWindow) {
+    for (bool const drips : {false, true}) {
+        server.Hang(!drips);
+        if (drips)
+            server.Drip();
+        Run([&] {
+            Gaps const gaps;
+            ClickSource("Lab");
+            EXPECT_TRUE(Says("Connecting to Lab ...", "Stop"));
+            EXPECT_TRUE(Eventually([&] { return server.OpenConnections() > 0; }));
+            Press(Qt::Key_F5); // begins anew
+            EXPECT_TRUE(Says("Connecting to Lab ...", "Stop"));
+            EXPECT_TRUE(Eventually([&] { return server.OpenConnections() > 0; }));
+            auto const stopped = Clock::now();
+            Press(Qt::Key_Escape);
+            EXPECT_TRUE(dialog->isVisible());
+            EXPECT_TRUE(HasLetGo());
+            std::printf("closed after %lld ms\n", static_cast<long long>(Since(stopped).count()));
+            EXPECT_TRUE(Says("Stopped.", "Retry"));
+            EXPECT_EQ(RowTextOf(*dialog->SourceList()->ItemAt(RowOfSource("Lab"))), "Lab");
+            GoTo(server.Url() + "/typed/");
+            EXPECT_TRUE(Says("/typed/ ...", "Stop"));
+            Click(dialog->Waits()->Notice()->Button());
+            EXPECT_TRUE(HasLetGo());
+            ClickSource("Lab"); // it is selected already
+            Press(Qt::Key_F5);
+            EXPECT_TRUE(Eventually([&] { return server.OpenConnections() > 0; }));
+            ClickSource("Nobody"); // another click ends it
+            EXPECT_TRUE(HasLetGo());
+            EXPECT_TRUE(Says("Nobody cannot be opened: ", "Retry"));
+            EXPECT_LT(gaps.Longest(), kSmooth);
+            std::printf("longest gap %lld ms\n", static_cast<long long>(gaps.Longest().count()));
+            Shot(*dialog, "DlgOpenDS-connection-failed");
+            dialog->SetInitDir("");
+            ClickSource("Lab"); // and the end of the dialog
+            EXPECT_TRUE(Eventually([&] { return server.OpenConnections() > 0; }));
+        });
+        EXPECT_TRUE(HasLetGo());
+    }
+}
+
+TEST_F(ServerPlaces, AConnectionThatFailedIsTriedAgain) {
+    server.Refuse("/lab/", 503);
+    Run([&] {
+        ClickSource("Lab");
+        EXPECT_TRUE(Says("Lab cannot be opened: its server answered 503", "Retry"));
+        EXPECT_EQ(RowTextOf(*dialog->SourceList()->ItemAt(RowOfSource("Lab"))), "Lab (unreachable)");
+        server.Serve("/lab/", "<html><title>Index of /lab/</title><a href=\"a.tif\">a.tif</a></html>", "text/html");
+        Click(dialog->Waits()->Notice()->Button());
+        DSListCtrl const &list = *dialog->MainList();
+        EXPECT_TRUE(Eventually([&] { return RowOf(list, "a.tif") >= 0; }));
+        EXPECT_TRUE(Eventually([&] { return !dialog->Waits()->Notice()->isVisible(); }));
+        EXPECT_EQ(RowTextOf(*dialog->SourceList()->ItemAt(RowOfSource("Lab"))), "Lab");
+        GoTo("http://u:MARKER@" + server.Url().substr(7) + "/gone/?sig=MARKER");
+        EXPECT_TRUE(Says("cannot be opened: its server answered 404", "Retry"));
+        EXPECT_FALSE(dialog->Waits()->Notice()->Label()->text().contains("MARKER"));
+        Press(Qt::Key_Escape);
+        EXPECT_FALSE(dialog->Waits()->Notice()->isVisible()) << "what was there is seen again";
+        EXPECT_TRUE(dialog->isVisible());
+    });
+}
+
+TEST_F(ServerPlaces, RowsOfAStoreComeAsItSendsThemAndAreKeptAfterAStop) {
+    server.OnStore([](StoreAnswers &store) { store.SetBucket("big", {.isEndless = true}); });
+    server.Delay(milliseconds(100));
+    Run([&] {
+        Gaps const gaps;
+        ClickSource("Big");
+        DSListCtrl const &list = *dialog->MainList();
+        EXPECT_TRUE(Eventually([&] { return list.GetNumRow() >= 1000; }));
+        EXPECT_TRUE(list.IsListing());
+        EXPECT_TRUE(Eventually([&] { return list.GetNumRow() >= 3000; })) << "further pages";
+        Press(Qt::Key_Escape);
+        EXPECT_TRUE(Eventually([&] { return !list.IsListing(); }));
+        EXPECT_GE(list.GetNumRow(), 3000);
+        std::size_t const asked = server.Requests().size();
+        ClickSource("Nobody");
+        EXPECT_TRUE(Says("Nobody cannot be opened: ", "Retry"));
+        EXPECT_LE(server.Requests().size(), asked + 2) << "nobody goes on behind the window";
+        EXPECT_LT(gaps.Longest(), kSmooth);
+        std::printf("longest gap %lld ms\n", static_cast<long long>(gaps.Longest().count()));
+    });
+}
+
+} // namespace
+} // namespace zelvar::test
