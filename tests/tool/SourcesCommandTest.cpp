@@ -140,7 +140,7 @@ TEST_F(SourcesCommand, AListingOfASilentServerEndsAtTheConnectionsTimeOrTheUsers
     test::HttpServer server;
     server.Hang();
     for (auto const &[name, limit] : test::Rows<char const *, char const *>{{"short", "1"}, {"long", "600"}})
-        ASSERT_EQ(Run({"add", server.Url() + "/d/", "--name", name, "--time-limit", limit}).exitCode, 0);
+        ASSERT_EQ(Run({"add", server.Url() + "/" + name + "/", "--name", name, "--time-limit", limit}).exitCode, 0);
     auto const begin = steady_clock::now();
     Outcome const late = Zelvar({"ls", "source:short"}, m_variables);
     EXPECT_EQ(late.exitCode, 3);
