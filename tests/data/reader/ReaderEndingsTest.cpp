@@ -147,7 +147,8 @@ TEST_F(ReaderEndings, AStoppedOrLateRequestEndsSoonWhateverItsDriverDoes) {
             });
             // One that is busy has its time in pieces on a busy machine; those that sleep show what is given.
             int const given = isStopped ? 0 : std::string_view(text) == "open spin\n" ? 20 * time : time;
-            EXPECT_LT(best, milliseconds((kIsSanitized ? 1000 : 250) + given)) << text;
+            // The driver takes 30 s: who waited for it is seen beside any number of busy programs.
+            EXPECT_LT(best, milliseconds(2000 + given)) << text;
         }
         EXPECT_TRUE(Image(Write("good", "")));
     }
