@@ -33,6 +33,15 @@ DString PlaceOf(DString const &typed) {
     return named == word || IsThere(word) || !IsThere(named) ? word : named;
 }
 
+RefItemPtr<DataSourceItem> ItemOrFailure(DString const &word) {
+    DString const named = PlaceOf(word);
+    DError whyNot;
+    RefItemPtr<DataSourceItem> item = ItemFromPlace(named, &whyNot);
+    if (item == nullptr)
+        Failure(WithReason("cannot read '" + word + "'", named, whyNot.IsSet() ? whyNot.Text() : kNotOpened));
+    return item;
+}
+
 int UsageError(CommandSpec const &spec, DString const &why) {
     std::fprintf(stderr, "zelvar: %s\nusage: zelvar %s\n", Redacted(why).c_str(), Synopsis(spec).c_str());
     return kUsage;

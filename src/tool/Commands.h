@@ -1,5 +1,6 @@
 #pragma once
 
+#include "zelvar/model/DataSourceItem.h"
 #include "zelvar/tool/CommandLine.h"
 
 namespace zelvar::tool {
@@ -22,6 +23,8 @@ int RunGallery(std::vector<DString> const &words, int &argc, char **argv);
 /// The place or moniker that a word names: the word itself, and where nothing has that name, what a command printed so.
 /// A password in an address stays behind.
 [[nodiscard]] DString PlaceOf(DString const &word);
+/// The item that a word names; null where there is none, which has been said then.
+[[nodiscard]] RefItemPtr<DataSourceItem> ItemOrFailure(DString const &word);
 /// "zelvar <what>: <why>" and the subcommand's usage on stderr; `kUsage`.
 int UsageError(CommandSpec const &spec, DString const &why);
 /// "zelvar: <why>" on stderr, in one line whatever names it holds; `kFailed`.

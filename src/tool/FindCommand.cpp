@@ -1,6 +1,5 @@
 #include "zelvar/data/RDIDriver.h"
 #include "zelvar/data/reader/DriverModule.h"
-#include "zelvar/model/PlaceResolver.h"
 #include "zelvar/search/Search.h"
 #include "zelvar/tool/CommandTable.h"
 #include "zelvar/tool/Commands.h"
@@ -184,12 +183,9 @@ int RunFind(std::vector<DString> const &words) {
     ReaderSettings settings; // nobody waits at a window
     settings.patience = std::chrono::seconds(60);
     UseReaderDrivers(settings);
-    DString const &word = arguments->words.front();
-    DString const named = PlaceOf(word);
-    DError whyNot;
-    RefItemPtr<DataSourceItem> const place = ItemFromPlace(named, &whyNot);
+    RefItemPtr<DataSourceItem> const place = ItemOrFailure(arguments->words.front());
     if (place == nullptr)
-        return Failure(WithReason("cannot read '" + word + "'", named, whyNot.IsSet() ? whyNot.Text() : kNotOpened));
+        return kFailed;
 
     StopByUser const stop;
     FactsStore store(arguments->Has("--no-cache") ? DString() : FactsStore::UsualFile());

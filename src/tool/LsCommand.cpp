@@ -1,7 +1,6 @@
 #include "zelvar/data/reader/DriverModule.h"
 #include "zelvar/model/ItemListing.h"
 #include "zelvar/model/NtwDataSourceItem.h"
-#include "zelvar/model/PlaceResolver.h"
 #include "zelvar/model/TemplDataSourceItem.h"
 #include "zelvar/tool/CommandTable.h"
 #include "zelvar/tool/Commands.h"
@@ -79,11 +78,9 @@ int RunLs(std::vector<DString> const &words) {
     settings.patience = std::chrono::seconds(60);
     UseReaderDrivers(settings);
     DString const &word = arguments->words.front();
-    DString const named = PlaceOf(word);
-    DError whyNot;
-    RefItemPtr<DataSourceItem> const place = ItemFromPlace(named, &whyNot);
+    RefItemPtr<DataSourceItem> const place = ItemOrFailure(word);
     if (place == nullptr)
-        return Failure(WithReason("cannot read '" + word + "'", named, whyNot.IsSet() ? whyNot.Text() : kNotOpened));
+        return kFailed;
     bool const isAll = arguments->Has("--all");
     if (!isAll)
         std::ignore = BecomeContainer(*place);
