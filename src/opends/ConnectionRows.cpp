@@ -148,12 +148,13 @@ bool ConnectionRows::OnKey(QKeyEvent const &key) {
     std::optional<DString> const name = Selected();
     Qt::KeyboardModifiers const modifiers = key.modifiers() & ~Qt::KeypadModifier;
     QKeySequence const pressed(QKeyCombination(modifiers, static_cast<Qt::Key>(key.key())));
-    for (Entry const &entry : name ? EntriesOfConnection() : EntriesOfMaker())
-        if (!entry.key.isEmpty() && entry.key == pressed) {
-            entry.run(*this, name.value_or(DString()));
-            return true;
-        }
-    return false;
+    std::vector<Entry> const &entries = name ? EntriesOfConnection() : EntriesOfMaker();
+    auto const entry = std::find_if(entries.begin(), entries.end(),
+                                    [&](Entry const &known) { return !known.key.isEmpty() && known.key == pressed; });
+    if (entry == entries.end())
+        return false;
+    entry->run(*this, name.value_or(DString()));
+    return true;
 }
 
 // --------------------------------------------------------------------------------------------------- what is done

@@ -260,11 +260,9 @@ void ConnectionDlg::OnSaved(SavedConnection const &saved, bool isStopped) {
 }
 
 void ConnectionDlg::OnCancel() {
-    if (!IsBusy())
-        cdxCDynamicDialog::OnCancel();
-    else if (!m_errand->IsStopped())
+    if (IsBusy() && !m_errand->IsStopped())
         m_errand->Stop();
-    else // who says so twice does not wait for the answer
+    else // nothing is under way, or who says so twice does not wait for its end
         cdxCDynamicDialog::OnCancel();
 }
 

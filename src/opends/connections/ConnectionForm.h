@@ -67,7 +67,7 @@ private:
     void Suggest();
     /// Whether the text is all of an address, which then fills the fields.
     bool TakePasted(DString const &text);
-    void ShowFault(Row &row, DString const &words);
+    static void ShowFault(Row &row, DString const &words);
 
     ConnectionDraft m_draft;
     bool m_isNameOwn = false; ///< typed, or that of a connection that is there
