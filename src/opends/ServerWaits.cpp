@@ -91,7 +91,7 @@ void ServerWaits::OnFound() {
     if (!m_failure.IsSet()) {
         Forget();
         m_actions.show(answer->item);
-    } else if (m_notice == nullptr || !m_reports) {
+    } else if (m_notice == nullptr || (!m_reports && HasRows())) {
         DString const place = m_place;
         DError const failure = m_failure;
         Forget();

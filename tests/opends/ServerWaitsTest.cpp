@@ -70,11 +70,14 @@ struct ServerPlaces : testing::Test {
                           "<DataSources><DataSource name='" + name + "' url='" + url +
                               "'><Parameters/><BDIDriver id='WebDirectory'/></DataSource></DataSources>");
     }
-    void Run(std::function<void()> const &act) {
+    void Create(DString const &beginning) {
         DlgOpenDS::SetFeatures(kOpenAll);
         dialog.reset(DlgOpenDS::CreateDialogObject({&all}, &all, DT_DATA, "ImageFolders", nullptr));
         dialog->SetBDIFilter(BDINode_Raster);
-        dialog->SetInitDir(folder.Path().c_str());
+        dialog->SetInitDir(beginning.c_str());
+    }
+    void Run(std::function<void()> const &act) {
+        Create(folder.Path());
         RunWhen(
             *dialog, [&] { return dialog->MainList() != nullptr && dialog->MainList()->GetNumRow() > 0; },
             [&] {
@@ -185,6 +188,14 @@ TEST_F(ServerPlaces, AConnectionThatFailedIsTriedAgain) {
         EXPECT_FALSE(dialog->Waits()->Notice()->isVisible()) << "what was there is seen again";
         EXPECT_TRUE(dialog->isVisible());
     });
+}
+
+TEST_F(ServerPlaces, ADialogThatBeginsAtAPlaceThatFailsSaysWhy) {
+    Create(server.Url() + "/gone/");
+    RunWhen(
+        *dialog, [&] { return dialog->Waits() != nullptr && !dialog->Waits()->IsWaiting(); },
+        [&] { EXPECT_TRUE(Says("cannot be opened: its server answered 404", "Retry")); });
+    dialog.reset();
 }
 
 TEST_F(ServerPlaces, RowsOfAStoreComeAsItSendsThemAndAreKeptAfterAStop) {
