@@ -35,7 +35,7 @@ TEST(DatabaseCommand, ScriptsReadWhatADatabaseHoldsAndItsPasswordIsShownNowhere)
              {{"ls", address}, 3, "No connection for 127.0.0.1:" + port + " is defined."},
              {{"table", address + "/survey/plots"}, 3, "No connection for 127.0.0.1:" + port + " is defined."},
              {{"sources", "add", address, "--name", "Field", "--secret", "file"}, 0, "Field\n"},
-             {{"sources", "test", "Field"}, 0, "It lists 2 items."},
+             {{"sources", "test", "Field"}, 0, "Works: 2 folders."},
              {{"ls", "source:Field"}, 0, "images\t" + address + "/images\t1 table\n"},
              {{"ls", address + "/survey"}, 0, "node\t-1\t-\tplots\t" + address + "/survey/plots\ttable"},
              {{"ls", "--recursive", "source:Field"}, 0, address + "/images/h?COLUMN=rast\traster\n"},
