@@ -5,7 +5,7 @@
 #include "zelvar/filedlg/FileDlg.h"
 #include "zelvar/library/ZelvarInit.h"
 #include "zelvar/lists/SaveTarget.h"
-#include "zelvar/opends/connections/FileQuestion.h"
+#include "zelvar/opends/core/FileQuestion.h"
 #include "zelvar/platform/ui/Language.h"
 #include "zelvar/platform/ui/UserMessages.h"
 
@@ -27,10 +27,10 @@ std::optional<TableTarget> AskByFileDialog(QWidget *, char const *title) {
     return TableTarget{.path = request.GetPhysFile(), .formatId = format == nullptr ? DString() : format->GetID()};
 }
 
-std::optional<DString> AskForDefinitions(QWidget *parent, char const *title, bool saves) {
-    DString const filter = DString(Translated("Connections (*.xml)")) + "|*.xml||";
-    CCustomFileDlg dialog(!saves, "xml", saves ? "connections.xml" : "", filter, parent);
-    dialog.GetOFN().title = Translated(title);
+std::optional<DString> AskForAnyFile(QWidget *parent, FileQuestion const &question) {
+    DString const filter = DString(Translated(question.kind)) + "|*." + question.extension + "||";
+    CCustomFileDlg dialog(!question.saves, question.extension, question.saves ? question.name : "", filter, parent);
+    dialog.GetOFN().title = Translated(question.title);
     dialog.EnableHistory(false);
     constexpr int ok = 1;
     std::size_t at = dialog.DoModal() == ok ? dialog.GetStartPosition() : 0;
@@ -48,7 +48,7 @@ void ZelvarInit() {
     UseDefinedConnections();
     platform::InstallUserMessages();
     SetSaveTargetProvider(&AskByFileDialog);
-    SetDefinitionFileProvider(&AskForDefinitions);
+    SetFileQuestionProvider(&AskForAnyFile);
     // The faces that documents and users' settings name, by those that are there and as wide.
     for (char const *face : {"MS Shell Dlg", "MS Shell Dlg 2", "MS Sans Serif", "Tahoma"})
         QFont::insertSubstitutions(face, {"Liberation Sans", "Arial"});
@@ -62,7 +62,7 @@ void ZelvarShutdown() {
     SetConnectionFinder({});
     platform::RemoveUserMessages();
     SetSaveTargetProvider(nullptr);
-    SetDefinitionFileProvider(nullptr);
+    SetFileQuestionProvider(nullptr);
 }
 
 } // namespace zelvar

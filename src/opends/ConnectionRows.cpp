@@ -7,7 +7,7 @@
 #include "zelvar/opends/DataSourceList.h"
 #include "zelvar/opends/NewConnectionItem.h"
 #include "zelvar/opends/connections/ConnectionDlg.h"
-#include "zelvar/opends/connections/FileQuestion.h"
+#include "zelvar/opends/core/FileQuestion.h"
 #include "zelvar/platform/ui/ModalLoop.h"
 #include "zelvar/platform/ui/Text.h"
 
@@ -33,6 +33,14 @@ std::optional<ConnectionBook::Entry> EntryOf(DString const &name) {
     std::shared_ptr<ConnectionBook const> const book = ConnectionBook::Now();
     ConnectionBook::Entry const *const entry = book->Find(name);
     return entry == nullptr ? std::nullopt : std::optional(*entry);
+}
+
+FileQuestion DefinitionFile(char const *title, bool saves) {
+    return {.title = title,
+            .kind = Mark("Connections (*.xml)"),
+            .extension = "xml",
+            .name = "connections.xml",
+            .saves = saves};
 }
 
 DString Listed(std::vector<DString> const &names) {
@@ -253,7 +261,7 @@ void ConnectionRows::Remove(DString const &name) {
 }
 
 void ConnectionRows::Export(std::vector<DString> const &names) {
-    std::optional<DString> const file = AskDefinitionFile(m_list.window(), Mark("Export Connections"), true);
+    std::optional<DString> const file = AskForFile(m_list.window(), DefinitionFile(Mark("Export Connections"), true));
     if (file)
         Start([names,
                path = *file](StopSignal const &) { return SavedConnection{.change = ExportConnections(names, path)}; },
@@ -261,7 +269,7 @@ void ConnectionRows::Export(std::vector<DString> const &names) {
 }
 
 void ConnectionRows::Import() {
-    std::optional<DString> const file = AskDefinitionFile(m_list.window(), Mark("Import Connections"), false);
+    std::optional<DString> const file = AskForFile(m_list.window(), DefinitionFile(Mark("Import Connections"), false));
     if (file)
         Start([path = *file](StopSignal const &) { return SavedConnection{.change = ConflictsOfImport(path)}; },
               [this, path = *file](SavedConnection const &saved) { AskAboutConflicts(path, saved.change.names); });

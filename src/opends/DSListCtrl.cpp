@@ -52,6 +52,10 @@ DString PlaceOf(DataSourceItem const &root) {
     return tree == nullptr || tree->IsOpen() ? root.GetPath() : "\n" + tree->GetSource();
 }
 
+bool IsSamePlace(RefItemPtr<DataSourceItem> const &a, RefItemPtr<DataSourceItem> const &b) {
+    return a != nullptr && b != nullptr && PlaceOf(*a) == PlaceOf(*b);
+}
+
 /// Cells are one pixel smaller than their column on every side.
 constexpr int kCellInset = 1;
 
@@ -173,13 +177,20 @@ void DSListCtrl::ResetItems(ItemList const &items) {
 }
 
 void DSListCtrl::ResetItemsIntrnl(ItemList items) {
-    m_rootItems = items;
+    ItemList before = std::exchange(m_rootItems, items);
     if (!HasStateChanged())
         return;
+    bool const isElsewhere = !std::equal(before.begin(), before.end(), items.begin(), items.end(), IsSamePlace);
+    if (isElsewhere) {
+        m_rootItems = std::move(before);
+        Q_EMIT PlaceLeft();
+    }
     SaveFocus();
     Reset();
     m_rootItems = std::move(items);
     StartWindowFilling();
+    if (isElsewhere)
+        Q_EMIT PlaceShown();
 }
 
 void DSListCtrl::Refresh() {

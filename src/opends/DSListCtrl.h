@@ -91,6 +91,10 @@ public:
     int OnGetItemImg(int row, int col) override;
     [[nodiscard]] QString ShownText(int row, int col) const override;
 
+Q_SIGNALS:
+    void PlaceLeft();  ///< other items will be listed; the rows and the roots are still there
+    void PlaceShown(); ///< other items are listed; their rows are yet to come
+
 protected:
     void PreCreateWindow(unsigned &style, Rect &place) override;
     int OnCreate() override;

@@ -65,6 +65,10 @@ void DataSetRows::RunMenu(QWidget &list, QPoint screenPoint, ItemList const &roo
     QMenu menu(&list);
     QAction *const copy = menu.addAction(platform::Shown("Copy Moniker"));
     copy->setEnabled(!selected.empty());
+    QAction *const basket =
+        m_actions.addToBasket == nullptr ? nullptr : menu.addAction(platform::Shown("Add to Basket\tIns"));
+    if (basket != nullptr)
+        basket->setEnabled(!selected.empty());
     RefItemPtr<DataSourceItem> const folder = FolderOf(selected);
     QAction const *const contents = folder == nullptr ? nullptr : menu.addAction(platform::Shown("Show Contents"));
     menu.addSeparator();
@@ -81,6 +85,8 @@ void DataSetRows::RunMenu(QWidget &list, QPoint screenPoint, ItemList const &roo
         return;
     if (chosen == copy) {
         CopyMonikers(selected);
+    } else if (chosen == basket) {
+        m_actions.addToBasket(selected);
     } else if (chosen == contents) {
         m_actions.show(folder);
     } else {

@@ -26,6 +26,7 @@ public:
         std::function<void()> listAgain;
         std::function<void(RefItemPtr<DataSourceItem>)> show; ///< its children in all panes
         std::function<DString(DataSourceItem const &)> moniker;
+        std::function<void(ItemList const &)> addToBasket{}; ///< empty for no basket
     };
 
     /// Without `foldsNumbered` numbered files are never folded.

@@ -9,6 +9,7 @@
 #include "zelvar/data/reader/DriverModule.h"
 #include "zelvar/model/ListingsShared.h"
 #include "zelvar/model/SeriesItem.h"
+#include "zelvar/opends/BasketStrip.h"
 #include "zelvar/opends/DSDataSourceWnd.h"
 #include "zelvar/opends/DSListCtrl.h"
 #include "zelvar/opends/DSMessages.h"
@@ -22,6 +23,7 @@
 #include "zelvar/opends/OpenDialogTemplate.h"
 #include "zelvar/opends/OpenForecast.h"
 #include "zelvar/opends/OpenLine.h"
+#include "zelvar/opends/PlaceTravel.h"
 #include "zelvar/opends/ServerWaits.h"
 #include "zelvar/opends/core/DialogState.h"
 #include "zelvar/platform/ui/ControlId.h"
@@ -86,8 +88,8 @@ void DlgOpenDS::DeleteDialogObject(DlgOpenDS *dialog) { delete dialog; }
 
 DlgOpenDS::DlgOpenDS(DVector<DFileFrmt *> const &formats, DFileFrmt *format, DLGTemplate dlgTemplate,
                      char const *historyKey, QWidget *parent)
-    : cdxCDynamicDialog((GetFeatures() & kOpenLine) != 0 ? kOpenDialogWithLine : kOpenDialogTemplate, parent,
-                        FreedomAll, FlagSizeIcon | FlagAntiFlicker),
+    : cdxCDynamicDialog((GetFeatures() & (kOpenLine | kOpenBasket)) != 0 ? kOpenDialogWithLine : kOpenDialogTemplate,
+                        parent, FreedomAll, FlagSizeIcon | FlagAntiFlicker),
       m_formats(formats), m_format(format), m_dlgTemplate(dlgTemplate), m_target(this),
       m_extrasFinder(ExtrasFinder::Create()), m_historyKey(historyKey == nullptr ? "" : historyKey) {
     WarmReaders();
@@ -227,13 +229,17 @@ void DlgOpenDS::ListDataSetsAgain() {
 
 void DlgOpenDS::CreateDataSetRows() {
     auto const show = [this](RefItemPtr<DataSourceItem> item) { ShowItem(std::move(item)); };
+    std::function<void(ItemList const &)> addToBasket;
+    if (m_basket != nullptr)
+        addToBasket = [this](ItemList const &items) { AddToBasket(items); };
     m_dataSetRows = std::make_unique<DataSetRows>(DataSetRows::Actions{.listAgain = [this] { ListDataSetsAgain(); },
                                                                        .show = show,
                                                                        .moniker =
                                                                            [this](DataSourceItem const &item) {
                                                                                TakeDriverOptions();
                                                                                return MonikerOf(item);
-                                                                           }},
+                                                                           },
+                                                                       .addToBasket = addToBasket},
                                                   (m_features & kOpenSeries) != 0);
     auto const rule = [this](ItemList const &roots) { return m_dataSetRows->FoldingOf(roots); };
     m_mainList->SetFoldingRule(rule);
@@ -272,6 +278,24 @@ void DlgOpenDS::CreateForecast() {
                             .onDriverChanged = [this] { OnImageSelected(); }});
 }
 
+void DlgOpenDS::CreateTravel() {
+    m_travel = std::make_unique<PlaceTravel>(
+        *this, *m_mainList, TemplateKey(),
+        PlaceTravel::Actions{.show = [this](RefItemPtr<DataSourceItem> item) { ShowItem(std::move(item)); },
+                             .goTo = [this](DString const &path) { GoToDir(path, true); }});
+}
+
+void DlgOpenDS::CreateBasket() {
+    m_basket = std::make_unique<BasketStrip>(*this, *GetDlgItem<OpenLine>(*this, kLineId),
+                                             [this](DataSourceItem const &item) { return MonikersOf(item); });
+    m_basket->Content().SetChangeHandler([this, show = m_basket.get()] {
+        show->Show();
+        if (m_forecast != nullptr)
+            m_forecast->SayInstead(m_basket->Content().IsEmpty() ? "" : Translated("OK opens what is in the basket"));
+        OnUpdateState();
+    });
+}
+
 void DlgOpenDS::CreateWaits() {
     m_waits = std::make_unique<ServerWaits>(
         ServerWaits::Panes{*m_dataSourceList, *m_hierarchyList, *m_folderList, *m_mainList},
@@ -308,6 +332,10 @@ bool DlgOpenDS::OnInitDialog() {
     InitializeLayout();
 
     CreateWaits();
+    if ((m_features & kOpenHistory) != 0)
+        CreateTravel();
+    if ((m_features & kOpenBasket) != 0 && m_multiSelect && !PicksDocument(m_dlgTemplate))
+        CreateBasket();
     if ((m_features & kOpenDataSets) != 0)
         CreateDataSetRows();
     if ((m_features & kOpenLine) != 0)
@@ -367,6 +395,8 @@ bool DlgOpenDS::DestroyWindow() {
     m_layoutDone = m_isPlaceShown = false;
     m_waits.reset();
     m_splitter = nullptr;
+    m_travel.reset();
+    m_basket.reset();
     m_pathButtons.reset();
     m_namedData.reset();
     m_forecast.reset();
@@ -506,6 +536,8 @@ void DlgOpenDS::RestoreFilter() {
 // ------------------------------------------------------------------------------------------------------ the end
 
 void DlgOpenDS::OnOK() {
+    if (m_basket != nullptr && !m_basket->Content().IsEmpty())
+        return TakeBasket();
     if (!AreExtrasFound())
         return;
     TakeDriverOptions();
@@ -517,7 +549,8 @@ void DlgOpenDS::OnOK() {
     m_monikers.clear();
     for (RefItemPtr<DataSourceItem> const &item : SelectedImages()) {
         DfltFldrs::Instance()->SaveDirHist(m_historyKey.c_str(), item->GetPath());
-        AddMonikers(*item);
+        for (BDIMoniker &moniker : MonikersOf(*item))
+            m_monikers.push_back(std::move(moniker));
     }
     WriteSettings();
     if (m_monikers.empty())
@@ -526,6 +559,27 @@ void DlgOpenDS::OnOK() {
         m_readOnly = m_readOnlyCheck->isChecked();
         m_editOnly = m_editOnlyCheck->isChecked();
     }
+    cdxCDynamicDialog::OnOK();
+}
+
+void DlgOpenDS::AddToBasket(ItemList const &items) {
+    if (!AreExtrasFound())
+        return;
+    TakeDriverOptions();
+    m_basket->Add(items);
+}
+
+void DlgOpenDS::TakeBasket() {
+    m_monikers.clear();
+    DString folder; // is the same for most
+    for (BasketEntry const &entry : m_basket->Content().All()) {
+        if (entry.place != folder)
+            DfltFldrs::Instance()->SaveDirHist(m_historyKey.c_str(), entry.monikers.front().GetText());
+        folder = entry.place;
+        for (BDIMoniker const &moniker : entry.monikers)
+            m_monikers.push_back(moniker);
+    }
+    WriteSettings();
     cdxCDynamicDialog::OnOK();
 }
 
@@ -552,21 +606,22 @@ DString DlgOpenDS::MonikerOf(DataSourceItem const &item) const {
     return WithOptions(item.GetPath(), options);
 }
 
-void DlgOpenDS::AddMonikers(DataSourceItem const &item) {
+std::vector<BDIMoniker> DlgOpenDS::MonikersOf(DataSourceItem const &item) {
     auto const *const series = dynamic_cast<SeriesItem const *>(&item);
     if (series == nullptr || m_seriesMode != SeriesMode::Members) {
         DString driverId = item.GetBDIDriverId();
         if (driverId.empty() && m_forecast != nullptr)
             driverId = m_forecast->Drivers().Of(item.GetPath());
         BDIDrvr *const driver = driverId.empty() ? nullptr : BDIDrvrMngr::Instance()->GetDrvr(driverId.c_str());
-        m_monikers.push_back(BDIMoniker(MonikerOf(item), driver));
-        return;
+        return {BDIMoniker(MonikerOf(item), driver)};
     }
     if (m_pageItems.empty())
         m_propertyWnd->ApplyOptions();
     DString const options = OptionsOf(item);
+    std::vector<BDIMoniker> members;
     for (std::size_t member = 0; member < series->MemberCount(); ++member)
-        m_monikers.push_back(BDIMoniker(WithOptions(series->MemberPath(member), options), nullptr));
+        members.emplace_back(WithOptions(series->MemberPath(member), options), nullptr);
+    return members;
 }
 
 void DlgOpenDS::WriteSettings() {
@@ -583,6 +638,8 @@ void DlgOpenDS::WriteSettings() {
     DUserCnfg(kFilterSection).WriteString(TemplateKey(), ToDString(m_fileFilterEdit->text()));
     if (m_driverOptions != nullptr)
         m_driverOptions->Save();
+    if (m_travel != nullptr)
+        m_travel->Save();
 }
 
 } // namespace zelvar

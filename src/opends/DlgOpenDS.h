@@ -28,6 +28,7 @@ class QPushButton;
 namespace zelvar {
 
 class CZelComboBox;
+class BasketStrip;
 class DSDataSourceWnd;
 class DSListCtrl;
 class DSPropertyWnd;
@@ -38,6 +39,7 @@ class ExtrasFinder;
 class HierarchyList;
 class NamedData;
 class OpenForecast;
+class PlaceTravel;
 class ServerWaits;
 
 /// Open data source dialog: the modal dialog in which the user picks data items and gets monikers back.
@@ -105,6 +107,10 @@ public:
     [[nodiscard]] DSPropertyWnd *PropertyWnd() const { return m_propertyWnd; }
     /// What is known of the line below the panes; null without it.
     [[nodiscard]] OpenForecast *Forecast() const { return m_forecast.get(); }
+    /// Back and forward; null without it.
+    [[nodiscard]] PlaceTravel *Travel() const { return m_travel.get(); }
+    /// What was gathered; null without it.
+    [[nodiscard]] BasketStrip *GatheredItems() const { return m_basket.get(); }
     /// What is waited for from servers; null while the panes do not exist.
     [[nodiscard]] ServerWaits *Waits() const { return m_waits.get(); }
     [[nodiscard]] PathButtonRow const &PathRow() const { return *m_pathButtons; }
@@ -174,6 +180,7 @@ private:
     void OnUpdateState();
     bool ProcessKey(int key, QWidget *focus);
     bool ProcessReturnKey(QWidget *focus);
+    bool ProcessInsertKey(QWidget *focus);
     bool ProcessTabKey(QWidget *focus);
     void ProcessRefreshKey(QWidget *focus);
 
@@ -203,7 +210,12 @@ private:
     [[nodiscard]] DString NamedOptionsOf(DString const &path) const;
     /// What names the item, with the options that are set; a series as one.
     [[nodiscard]] DString MonikerOf(DataSourceItem const &item) const;
-    void AddMonikers(DataSourceItem const &item);
+    [[nodiscard]] std::vector<BDIMoniker> MonikersOf(DataSourceItem const &item);
+    void CreateBasket();
+    void CreateTravel();
+    void AddToBasket(ItemList const &items);
+    /// Takes the basket's items for the result.
+    void TakeBasket();
     [[nodiscard]] ItemList SelectedImages() const;
     [[nodiscard]] DString TemplateKey() const;
 
@@ -230,6 +242,8 @@ private:
     QCheckBox *m_editOnlyCheck = nullptr;
     std::unique_ptr<PathButtonRow> m_pathButtons;
     std::unique_ptr<ServerWaits> m_waits;
+    std::unique_ptr<PlaceTravel> m_travel; ///< null without that feature, as the next
+    std::unique_ptr<BasketStrip> m_basket;
     std::unique_ptr<DataSetRows> m_dataSetRows; ///< null without that feature, as the next
     std::unique_ptr<NamedData> m_namedData;
     std::unique_ptr<OpenForecast> m_forecast; ///< null without that feature, as the next

@@ -11,6 +11,7 @@
 #include "zelvar/model/OpenOutcome.h"
 #include "zelvar/model/PlaceResolver.h"
 #include "zelvar/model/TemplDataSourceItem.h"
+#include "zelvar/opends/BasketStrip.h"
 #include "zelvar/opends/DSDataSourceWnd.h"
 #include "zelvar/opends/DSListCtrl.h"
 #include "zelvar/opends/DSMessages.h"
@@ -26,6 +27,7 @@
 #include "zelvar/opends/OpenForecast.h"
 #include "zelvar/opends/OpenLine.h"
 #include "zelvar/opends/PlaceOpener.h"
+#include "zelvar/opends/PlaceTravel.h"
 #include "zelvar/opends/PreviewBar.h"
 #include "zelvar/opends/ServerWaits.h"
 #include "zelvar/platform/ui/ControlId.h"
@@ -98,8 +100,10 @@ void DlgOpenDS::timerEvent(QTimerEvent *event) {
 
 void DlgOpenDS::OnUpdateState() {
     m_waits->Update();
+    if (m_travel != nullptr)
+        m_travel->Update();
     bool const isSelected = m_mainList->GetNumSlct() > 0;
-    m_okButton->setEnabled(isSelected);
+    m_okButton->setEnabled(isSelected || (m_basket != nullptr && !m_basket->Content().IsEmpty()));
     // A list that is filled anew forgets what was selected without a word.
     if (isSelected || m_forecast == nullptr)
         return;
@@ -123,7 +127,9 @@ void DlgOpenDS::OnResetPathButtons() {
         m_hierarchyList->GetRootItems(roots);
     else
         m_dataSourceWnd->GetRootItems(roots);
-    QRect const place = platform::GetDlgItem(*this, kPathPlaceId)->geometry();
+    QRect place = platform::GetDlgItem(*this, kPathPlaceId)->geometry();
+    if (m_travel != nullptr)
+        place = m_travel->Arrange(place);
     m_pathButtons->Show(roots.empty() ? nullptr : roots.front(), place, [this](int id) { OnButtonClck(id); });
 }
 
@@ -155,6 +161,8 @@ void DlgOpenDS::ShowItem(RefItemPtr<DataSourceItem> item) {
     m_folderList->ResetItems(items);
     m_mainList->ResetItems(items);
     m_hierarchyList->ShowDir(nullptr);
+    if (m_travel != nullptr)
+        m_travel->Entered();
     ResetPathButtons();
 }
 
@@ -375,7 +383,12 @@ void DlgOpenDS::OnImageDblClick() {
         return;
     // What the listing had to take for a plain file, and has turned out to be a container since, is entered.
     ItemList const items = SelectedImages();
-    if (items.size() != 1 || !EnterLateContainer(items.front()).value_or(true))
+    if (items.size() == 1 && EnterLateContainer(items.front()).value_or(true))
+        return;
+    // What OK opens is the basket's then.
+    if (m_basket != nullptr && !m_basket->Content().IsEmpty())
+        AddToBasket(items);
+    else
         platform::PostMessage(this, kAcceptMessage);
 }
 
@@ -431,6 +444,11 @@ void DlgOpenDS::OnFirstPaneRootChanged() {
 // ----------------------------------------------------------------------------------------------------------- keys
 
 bool DlgOpenDS::eventFilter(QObject *watched, QEvent *event) {
+    if (m_travel != nullptr && isVisible()) {
+        auto const *const under = qobject_cast<QWidget *>(watched);
+        if (IsWithin(this, under) && m_travel->TakeMouse(*event))
+            return true;
+    }
     if (event->type() == QEvent::KeyPress && isVisible()) {
         auto *focus = qobject_cast<QWidget *>(watched);
         if (focus != nullptr && focus == focusWidget() && ProcessKey(static_cast<QKeyEvent *>(event)->key(), focus))
@@ -455,6 +473,8 @@ bool DlgOpenDS::ProcessKey(int key, QWidget *focus) {
         return ProcessReturnKey(focus);
     case Qt::Key_Tab:
         return ProcessTabKey(focus);
+    case Qt::Key_Insert:
+        return ProcessInsertKey(focus);
     default:
         return false;
     }
@@ -510,6 +530,13 @@ bool DlgOpenDS::ProcessReturnKey(QWidget *focus) {
     return true;
 }
 
+bool DlgOpenDS::ProcessInsertKey(QWidget *focus) {
+    if (m_basket == nullptr || !IsWithin(m_mainList, focus))
+        return false;
+    AddToBasket(SelectedImages());
+    return true;
+}
+
 bool DlgOpenDS::ProcessTabKey(QWidget *focus) {
     if (m_hierarchyList->FocusPaneBehind(focus))
         return true;
@@ -522,13 +549,16 @@ bool DlgOpenDS::ProcessTabKey(QWidget *focus) {
         m_dataSourceWnd->IsDataSourceView() ? static_cast<QWidget *>(m_dataSourceList) : m_folderList;
     auto *const line = platform::GetDlgItem<OpenLine>(*this, kLineId);
     bool const hasChoice = line != nullptr && line->Drivers()->isVisible();
-    QWidget *const belowPanes = hasChoice ? static_cast<QWidget *>(line->Drivers()) : m_histCombo;
+    QWidget *const behindChoice =
+        m_basket != nullptr ? static_cast<QWidget *>(m_basket->Button()) : static_cast<QWidget *>(m_histCombo);
+    QWidget *const belowPanes = hasChoice ? static_cast<QWidget *>(line->Drivers()) : behindChoice;
     Step const steps[] = {
         {m_dataSourceList, hierarchy},
         {m_folderList, hierarchy},
         {m_hierarchyList, m_mainList},
         {m_mainList, belowPanes},
-        {line, m_histCombo},
+        {m_basket == nullptr ? nullptr : m_basket->Button(), m_histCombo},
+        {line, behindChoice},
         {m_histCombo, m_fileFilterEdit},
         {m_fileFilterEdit, m_fileTypeCombo},
         {m_fileTypeCombo, sources},

@@ -11,7 +11,9 @@ enum OpenFeatures : unsigned {
     kOpenPreviewBar = 8,   ///< which channel, slice and frame the preview shows
     kOpenSeries = 16,      ///< with data sets: numbered files have one row, unless the user unfolds them
     kOpenConnections = 32, ///< connections can be made and changed in the list of data sources
-    kOpenAll = 63,
+    kOpenBasket = 256,     ///< where several items can be picked: a basket that gathers them across folders
+    kOpenHistory = 512,    ///< back and forward, and recent places
+    kOpenAll = 63 | kOpenBasket | kOpenHistory,
 };
 
 } // namespace zelvar

@@ -233,7 +233,13 @@ void OpenForecast::SayUnlisted(DError const &why) {
 
 void OpenForecast::SetOutcome(OpenOutcome outcome) {
     m_outcome = std::move(outcome);
-    m_line.Show(m_outcome);
+    if (m_instead.empty())
+        m_line.Show(m_outcome);
+}
+
+void OpenForecast::SayInstead(DString text) {
+    m_instead = std::move(text);
+    m_line.Show(m_instead.empty() ? m_outcome : OpenOutcome{.text = m_instead});
 }
 
 bool OpenForecast::WaitForFacts() {

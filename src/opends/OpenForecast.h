@@ -43,6 +43,8 @@ public:
     void Select(ItemList const &items);
     /// Nothing is selected, and why there may be nothing to select; not set where all was listed.
     void SayUnlisted(DError const &why);
+    /// While the text is not empty the line says that, whatever is selected.
+    void SayInstead(DString text);
     [[nodiscard]] OpenOutcome const &Outcome() const { return m_outcome; }
     /// Which driver opens what.
     [[nodiscard]] DriverChoices const &Drivers() const { return m_choices; }
@@ -99,6 +101,7 @@ private:
     QTimer m_idle;       ///< until the pane has read
     QTimer m_slow;       ///< until the user is told that something is read
     OpenOutcome m_outcome;
+    DString m_instead;
 };
 
 } // namespace zelvar

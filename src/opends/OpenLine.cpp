@@ -45,6 +45,8 @@ void OpenLine::Show(OpenOutcome const &outcome) {
     m_sign->setVisible(!outcome.isUsable);
 }
 
+void OpenLine::AddAtEnd(QWidget *widget) { layout()->addWidget(widget); }
+
 void OpenLine::ShowDrivers(std::vector<DString> const &drivers, int chosen) {
     if (drivers != m_shownDrivers) {
         m_shownDrivers = drivers;

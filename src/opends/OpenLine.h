@@ -30,6 +30,9 @@ public:
     /// Told the index of what the user has chosen.
     void SetDriverHandler(std::function<void(int)> handler) { m_onDriver = std::move(handler); }
 
+    /// Takes a widget behind all else.
+    void AddAtEnd(QWidget *widget);
+
     [[nodiscard]] platform::EllipsisLabel *Label() const { return m_label; }
     [[nodiscard]] CZelComboBox *Drivers() const { return m_drivers; }
 

@@ -8,7 +8,7 @@
 #include "zelvar/opends/DataSourceList.h"
 #include "zelvar/opends/connections/ConnectionDlg.h"
 #include "zelvar/opends/connections/ConnectionForm.h"
-#include "zelvar/opends/connections/FileQuestion.h"
+#include "zelvar/opends/core/FileQuestion.h"
 #include "zelvar/opends/connections/TrialPane.h"
 
 #include <QtGui/QClipboard>
@@ -39,7 +39,7 @@ struct ConnectionPages : testing::Test {
     }
     ~ConnectionPages() override {
         SetConnectionFinder({});
-        SetDefinitionFileProvider({});
+        SetFileQuestionProvider({});
         unsetenv("ZELVAR_LOG");
         unsetenv("ZELVAR_LOG_LEVEL");
     }
@@ -306,7 +306,7 @@ TEST_F(ConnectionPages, RowsAreRenamedDuplicatedMovedRemovedAndPassedOn) {
     for (char const *const name : {"a", "b"})
         ASSERT_TRUE(SaveConnection(Web(name)).isDone);
     DString const file = folder / "export.xml";
-    SetDefinitionFileProvider([&](QWidget *, char const *, bool) { return file; });
+    SetFileQuestionProvider([&](QWidget *, FileQuestion const &) { return file; });
     using Names = std::vector<DString>;
     OnList([&](DataSourceList &list) {
         auto const comesTo = [&](Names names) {

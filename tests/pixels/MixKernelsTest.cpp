@@ -16,7 +16,7 @@ struct EachIsa : testing::TestWithParam<Isa> {
     std::vector<Sample> Samples(std::size_t count) {
         std::vector<Sample> samples(count);
         for (Sample &sample : samples)
-            sample = static_cast<Sample>(m_random()) / (std::is_floating_point_v<Sample> ? 7 : 1);
+            sample = static_cast<Sample>(static_cast<Sample>(m_random()) / (std::is_floating_point_v<Sample> ? 7 : 1));
         return samples;
     }
     template <class Sample>

@@ -1,0 +1,100 @@
+#include "zelvar/opends/basket/Basket.h"
+
+#include "zelvar/base/Translation.h"
+#include "zelvar/model/listing/ListingTexts.h"
+
+#include <algorithm>
+#include <numeric>
+
+namespace zelvar {
+
+namespace {
+
+/// No path holds a zero.
+DString KeyOf(BasketEntry const &entry) {
+    DString key;
+    for (BDIMoniker const &moniker : entry.monikers)
+        key.append(moniker.GetText()).push_back('\0');
+    return key;
+}
+
+} // namespace
+
+BasketEntry EntryOf(DString const &moniker) {
+    BasketEntry entry{.monikers = {BDIMoniker(moniker, nullptr)}};
+    DString const text = entry.monikers.front().GetText();
+    std::size_t const end = text.find("://") == DString::npos ? DString::npos : text.find('?');
+    std::size_t const slash = text.rfind('/', end);
+    entry.name = slash == DString::npos ? text : text.substr(slash + 1);
+    entry.place = slash == DString::npos ? DString() : text.substr(0, std::max<std::size_t>(slash, 1));
+    return entry;
+}
+
+void Basket::Changed() const {
+    if (m_onChange)
+        m_onChange();
+}
+
+std::size_t Basket::Add(Entries entries) {
+    std::size_t const before = m_entries.size();
+    for (BasketEntry &entry : entries)
+        if (m_keys.insert(KeyOf(entry)).second)
+            m_entries.push_back(std::move(entry));
+    if (m_entries.size() != before)
+        Changed();
+    return m_entries.size() - before;
+}
+
+void Basket::Remove(std::set<int> const &rows) {
+    Entries left;
+    left.reserve(m_entries.size());
+    for (std::size_t row = 0; row < m_entries.size(); ++row) {
+        if (rows.contains(static_cast<int>(row)))
+            m_keys.erase(KeyOf(m_entries[row]));
+        else
+            left.push_back(std::move(m_entries[row]));
+    }
+    m_entries = std::move(left);
+    Changed();
+}
+
+void Basket::Clear() {
+    m_entries.clear();
+    m_keys.clear();
+    Changed();
+}
+
+std::set<int> Basket::Move(std::set<int> const &rows, bool down) {
+    std::set<int> moved;
+    int const count = static_cast<int>(m_entries.size());
+    int edge = down ? count - 1 : 0; // as far as the next one can go
+    auto const step = [&](int row) {
+        int const to = row == edge ? row : row + (down ? 1 : -1);
+        if (to != row)
+            std::swap(m_entries[static_cast<std::size_t>(row)], m_entries[static_cast<std::size_t>(to)]);
+        else
+            edge += down ? -1 : 1;
+        moved.insert(to);
+    };
+    if (down)
+        std::for_each(rows.rbegin(), rows.rend(), step);
+    else
+        std::for_each(rows.begin(), rows.end(), step);
+    Changed();
+    return moved;
+}
+
+DString Basket::Summary() const {
+    auto const count = static_cast<long long>(m_entries.size());
+    DString const items = Format(Translated("%lld item", "%lld items", count), count);
+    bool const isKnown =
+        std::all_of(m_entries.begin(), m_entries.end(), [](BasketEntry const &entry) { return entry.bytes >= 0; });
+    if (!isKnown || m_entries.empty())
+        return items;
+    std::int64_t const bytes =
+        std::accumulate(m_entries.begin(), m_entries.end(), std::int64_t{0},
+                        [](std::int64_t sum, BasketEntry const &entry) { return sum + entry.bytes; });
+    return items + ", " + FormatFileSize(bytes);
+}
+
+} // namespace zelvar
