@@ -170,6 +170,11 @@ void CollectDefinitions(DataSourceRows &rows) {
                          [&](auto const &a, auto const &b) { return placeOf(a) < placeOf(b); });
 }
 
+std::vector<DString> Favorites::All() {
+    DVectorSafe<DString> const paths = ReadFavorites();
+    return {paths.begin(), paths.end()};
+}
+
 bool Favorites::Contains(DString const &path) {
     DVectorSafe<DString> const paths = ReadFavorites();
     return std::any_of(paths.begin(), paths.end(), [&](DString const &entry) { return EqualNoCase(entry, path); });

@@ -47,6 +47,7 @@ ZELVAR_API void CollectDefinitions(DataSourceRows &rows);
 /// The user's favourite folders, by path, case not regarded. Each call reads the settings anew.
 class ZELVAR_API Favorites {
 public:
+    [[nodiscard]] static std::vector<DString> All(); ///< in the order of the settings
     [[nodiscard]] static bool Contains(DString const &path);
     static void Add(DString const &path);
     /// Removes the first entry of that path; with none nothing is written.

@@ -1,8 +1,12 @@
 #include "zelvar/opends/BasketStrip.h"
 
+#include "zelvar/base/Directories.h"
+#include "zelvar/base/Percent.h"
+#include "zelvar/base/Report.h"
 #include "zelvar/base/Translation.h"
 #include "zelvar/controls/CZelButton.h"
 #include "zelvar/opends/OpenLine.h"
+#include "zelvar/opends/TextQuestion.h"
 #include "zelvar/opends/basket/BasketDlg.h"
 #include "zelvar/platform/ui/Announce.h"
 #include "zelvar/platform/ui/Text.h"
@@ -10,9 +14,22 @@
 #include <QtGui/QAccessible>
 #include <QtGui/QShortcut>
 
+#include <filesystem>
 #include <utility>
 
 namespace zelvar {
+
+namespace {
+
+/// Where a basket of that name is kept, beside the settings; the folder is made.
+DString GetBasketFile(DString const &name) {
+    DString const folder = std::filesystem::path(GetSettingsFile()).parent_path().string() + "/baskets";
+    std::error_code ignored; // the file cannot be written then, which is told
+    std::filesystem::create_directories(folder, ignored);
+    return folder + "/" + PercentEncoded(name) + ".txt";
+}
+
+} // namespace
 
 BasketStrip::BasketStrip(QWidget &dialog, OpenLine &line, MonikersOf monikersOf)
     : m_dialog(dialog), m_monikersOf(std::move(monikersOf)), m_button(new CZelButton) {
@@ -55,8 +72,22 @@ void BasketStrip::Add(ItemList const &items) {
 }
 
 void BasketStrip::Open() {
-    BasketDlg list(&m_dialog, m_basket);
+    std::function<void(QWidget &)> keep;
+    if (m_makeFavorite)
+        keep = [this](QWidget &window) { Keep(window); };
+    BasketDlg list(&m_dialog, m_basket, keep);
     list.DoModal();
+}
+
+void BasketStrip::Keep(QWidget &window) {
+    std::optional<DString> const name = AskForText(&window, "Add to Favorites", "Name", "");
+    if (!name || name->empty())
+        return;
+    DString const file = GetBasketFile(*name);
+    if (m_basket.Save(file))
+        m_makeFavorite(file, *name);
+    else
+        Report::UserNotification(Translated("The basket could not be written to '%s'"), file.c_str());
 }
 
 } // namespace zelvar

@@ -29,6 +29,12 @@ public:
     ~BasketStrip() override;
 
     void Add(ItemList const &items);
+    /// Adds what a file of monikers names; false if it is none.
+    bool Load(DString const &file) { return m_basket.Load(file); }
+    /// Makes a favourite of the file that a basket was written to; without it baskets are none.
+    void SetFavoriteMaker(std::function<void(DString const &file, DString const &name)> maker) {
+        m_makeFavorite = std::move(maker);
+    }
     /// Runs the list of what is in it.
     void Open();
     void Show(); ///< what is in it now
@@ -36,8 +42,10 @@ public:
     [[nodiscard]] CZelButton *Button() const { return m_button; }
 
 private:
+    void Keep(QWidget &window);
     QWidget &m_dialog;
     MonikersOf m_monikersOf;
+    std::function<void(DString const &, DString const &)> m_makeFavorite;
     Basket m_basket;
     CZelButton *m_button; ///< a child of the line
 };

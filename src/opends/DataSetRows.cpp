@@ -69,6 +69,10 @@ void DataSetRows::RunMenu(QWidget &list, QPoint screenPoint, ItemList const &roo
         m_actions.addToBasket == nullptr ? nullptr : menu.addAction(platform::Shown("Add to Basket\tIns"));
     if (basket != nullptr)
         basket->setEnabled(!selected.empty());
+    QAction *const favorites =
+        m_actions.addToFavorites == nullptr ? nullptr : menu.addAction(platform::Shown("Add to Favorites"));
+    if (favorites != nullptr)
+        favorites->setEnabled(!selected.empty());
     RefItemPtr<DataSourceItem> const folder = FolderOf(selected);
     QAction const *const contents = folder == nullptr ? nullptr : menu.addAction(platform::Shown("Show Contents"));
     menu.addSeparator();
@@ -87,6 +91,8 @@ void DataSetRows::RunMenu(QWidget &list, QPoint screenPoint, ItemList const &roo
         CopyMonikers(selected);
     } else if (chosen == basket) {
         m_actions.addToBasket(selected);
+    } else if (chosen == favorites) {
+        m_actions.addToFavorites(selected);
     } else if (chosen == contents) {
         m_actions.show(folder);
     } else {

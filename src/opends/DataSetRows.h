@@ -26,7 +26,8 @@ public:
         std::function<void()> listAgain;
         std::function<void(RefItemPtr<DataSourceItem>)> show; ///< its children in all panes
         std::function<DString(DataSourceItem const &)> moniker;
-        std::function<void(ItemList const &)> addToBasket{}; ///< empty for no basket
+        std::function<void(ItemList const &)> addToBasket{};    ///< empty for no basket
+        std::function<void(ItemList const &)> addToFavorites{}; ///< the same
     };
 
     /// Without `foldsNumbered` numbered files are never folded.

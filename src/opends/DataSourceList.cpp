@@ -1,11 +1,13 @@
 #include "zelvar/opends/DataSourceList.h"
 
 #include "zelvar/base/Translation.h"
+#include "zelvar/controls/GUITools.h"
 #include "zelvar/model/NtwDataSourceItem.h"
 #include "zelvar/model/TemplDataSourceItem.h"
 #include "zelvar/opends/ConnectionRows.h"
 #include "zelvar/opends/DSMessages.h"
 #include "zelvar/opends/FavoriteFinder.h"
+#include "zelvar/opends/FavoriteRows.h"
 #include "zelvar/opends/ItemColors.h"
 #include "zelvar/opends/NetworkScanner.h"
 #include "zelvar/opends/NewConnectionItem.h"
@@ -31,7 +33,14 @@ namespace {
 constexpr int kWorkerTimer = 1000;
 constexpr int kWorkerInterval = 1000; // ms
 constexpr int kColumnMargin = 10;     // pixels
+constexpr int kFirstFavoriteGroup = 100;
 constexpr std::chrono::milliseconds kPatience{5000};
+
+/// Whether the selection of that row lists something.
+bool HoldsItems(DataSourceItem const *item) {
+    auto const *const favorite = dynamic_cast<FavoriteItem const *>(item);
+    return item != nullptr && !IsNewConnection(item) && (favorite == nullptr || favorite->IsFolder());
+}
 
 template <class T>
 void KeepForEver(std::shared_ptr<T> const &object) {
@@ -69,9 +78,7 @@ void DataSourceList::OnCreateList() {
     ModifyStyle(0, LVS_OWNERDRAWFIXED | LVS_SINGLESEL | LVS_NOCOLUMNHEADER | LVS_SHOWSELALWAYS);
     SetExtendedStyle(GetExtendedStyle() | LVS_EX_FULLROWSELECT | LVS_EX_LABELTIP);
     EnableGroupView(true);
-    for (int const group :
-         {kGroupDrives, kGroupNetworkDrives, kGroupDataSources, kGroupFavorites, kGroupRecent, kGroupNetwork})
-        InsertGroup(Translated(DataSourceGroupName(group)), group);
+    ShowGroups({});
     InsertColumn(0, "", LVCFMT_LEFT, std::max(GetClientRect().Width() - kColumnMargin, 0));
     setFrameShape(QFrame::NoFrame); // its splitter draws one
     setAccessibleName(platform::Shown("Data sources"));
@@ -85,8 +92,12 @@ bool DataSourceList::Fill(DLGTemplate dlgTemplate) {
     UpdateListRows(kGroupDrives);
     CreateFSDataSources(NetworkDriveKinds());
     UpdateListRows(kGroupNetworkDrives);
-    CreateFavorites();
-    UpdateListRows(kGroupFavorites);
+    if (m_favorites != nullptr) {
+        ListFavoritesAgain();
+    } else {
+        CreateFavorites();
+        UpdateListRows(kGroupFavorites);
+    }
     if (PicksImageData(dlgTemplate))
         CreateDataSourcesFromTemplates();
     UpdateListRows(kGroupDataSources);
@@ -142,7 +153,7 @@ void DataSourceList::CreateDataSourcesFromTemplates() {
 
 void DataSourceList::AppendListRow(std::size_t index) {
     DataSourceItem const &item = *m_rows[index];
-    InsertItem({.row = static_cast<int>(index), .text = RowTextOf(item), .group = item.GetGroup()});
+    InsertItem({.row = static_cast<int>(index), .text = TextOf(item), .group = item.GetGroup()});
 }
 
 void DataSourceList::UpdateListRows(int group) {
@@ -231,6 +242,8 @@ bool DataSourceList::IsConnectionOpen(DString const &name) const {
 }
 
 bool DataSourceList::ActivateRow() {
+    if (m_favorites != nullptr && m_favorites->Activate())
+        return true;
     bool const makes = m_connections != nullptr && IsNewConnection(ItemAt(GetNextItem(-1, LVNI_SELECTED)).get());
     if (makes)
         m_connections->MakeSoon();
@@ -243,10 +256,75 @@ bool DataSourceList::OnClick(ReportHit hit, Point) {
 
 // --------------------------------------------------------------------------------------------------- favourites
 
+void DataSourceList::OfferFavorites(FavoriteActions actions) {
+    m_favorites = std::make_unique<FavoriteRows>(*this, std::move(actions));
+}
+
+/// Those of favourites stand behind the one that favourites without a group have.
+void DataSourceList::ShowGroups(std::vector<DString> const &ofFavorites) {
+    RemoveAllGroups();
+    for (int const group :
+         {kGroupDrives, kGroupNetworkDrives, kGroupDataSources, kGroupFavorites, kGroupRecent, kGroupNetwork}) {
+        InsertGroup(Translated(DataSourceGroupName(group)), group);
+        for (std::size_t i = 0; group == kGroupFavorites && i < ofFavorites.size(); ++i)
+            InsertGroup(ofFavorites[i], kFirstFavoriteGroup + static_cast<int>(i));
+    }
+}
+
+void DataSourceList::ListFavoritesAgain() {
+    m_keepsSelection = true;
+    RefItemPtr<DataSourceItem> const selected = ItemAt(GetNextItem(-1, LVNI_SELECTED));
+    // From the last on, so that the numbers of the rows before stay valid.
+    for (int row = GetItemCount() - 1; row >= 0; --row)
+        if (dynamic_cast<FavoriteItem const *>(ItemAt(row).get()) != nullptr) {
+            m_rows.erase(m_rows.begin() + row);
+            DeleteItem(row);
+        }
+    std::vector<RefItemPtr<FavoriteItem>> const items = m_favorites->Items();
+    std::vector<DString> groups;
+    for (RefItemPtr<FavoriteItem> const &item : items) {
+        DString const &group = item->Entry().group;
+        auto const at = std::find(groups.begin(), groups.end(), group) - groups.begin();
+        item->SetGroup(group.empty() ? static_cast<int>(kGroupFavorites) : kFirstFavoriteGroup + static_cast<int>(at));
+        if (!group.empty() && at == static_cast<std::ptrdiff_t>(groups.size()))
+            groups.push_back(group);
+    }
+    ShowGroups(groups);
+    int toSelect = -1;
+    for (RefItemPtr<FavoriteItem> const &item : items) {
+        if (item.get() == selected.get())
+            toSelect = static_cast<int>(m_rows.size());
+        m_rows.push_back(item);
+        AppendListRow(m_rows.size() - 1);
+    }
+    if (toSelect >= 0) {
+        SetItemState(toSelect, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
+        EnsureVisible(toSelect);
+    }
+    m_keepsSelection = false;
+}
+
+bool DataSourceList::IsDead(DataSourceItem const &item) {
+    auto const *const favorite = dynamic_cast<FavoriteItem const *>(&item);
+    if (favorite == nullptr)
+        return false;
+    auto const *const tree = dynamic_cast<TemplDataSourceItem const *>(favorite->Target().get());
+    return favorite->IsDead() || (tree != nullptr && tree->GetFailure().IsSet());
+}
+
+DString DataSourceList::TextOf(DataSourceItem const &item) {
+    return IsDead(item) ? Format(Translated("%s (unreachable)"), item.GetName().c_str()) : RowTextOf(item);
+}
+
 bool DataSourceList::AddFavorite(RefItemPtr<DataSourceItem> item) {
     if (IsFavorite(item))
         return true;
     DString const path = item->GetPath();
+    if (m_favorites != nullptr) {
+        if (!path.empty())
+            m_favorites->Add({.target = path});
+        return true;
+    }
     m_rows.push_back(std::move(item));
     UpdateListRows(kGroupFavorites);
     if (!path.empty())
@@ -263,6 +341,8 @@ void DataSourceList::RemoveFavoriteDir(DString const &path) { Favorites::Remove(
 
 bool DataSourceList::OnContextMenu(QPoint screenPoint) {
     if (m_connections != nullptr && m_connections->RunMenu(screenPoint))
+        return true;
+    if (m_favorites != nullptr && m_favorites->RunMenu(screenPoint))
         return true;
     if (SelectedFavorites().empty())
         return OfferRetry(screenPoint);
@@ -303,6 +383,8 @@ void DataSourceList::OnDeleteFavorite() {
 void DataSourceList::keyPressEvent(QKeyEvent *event) {
     if (m_connections != nullptr && m_connections->OnKey(*event))
         return;
+    if (m_favorites != nullptr && m_favorites->OnKey(*event))
+        return;
     if (event->key() == Qt::Key_Delete)
         OnDeleteFavorite();
     else
@@ -318,7 +400,7 @@ RefItemPtr<DataSourceItem> DataSourceList::ItemAt(int row) const {
 std::vector<int> DataSourceList::SelectedRows() const {
     std::vector<int> rows;
     for (int row = GetNextItem(-1, LVNI_SELECTED); row >= 0; row = GetNextItem(row, LVNI_SELECTED))
-        if (ItemAt(row) != nullptr && !IsNewConnection(ItemAt(row).get()))
+        if (HoldsItems(ItemAt(row).get()))
             rows.push_back(row);
     return rows;
 }
@@ -331,8 +413,11 @@ std::vector<int> DataSourceList::SelectedFavorites() const {
 }
 
 void DataSourceList::GetSelectedItems(ItemList &items) const {
-    for (int const row : SelectedRows())
-        items.push_back(ItemAt(row));
+    for (int const row : SelectedRows()) {
+        auto const *const favorite = dynamic_cast<FavoriteItem const *>(ItemAt(row).get());
+        if (RefItemPtr<DataSourceItem> item = favorite == nullptr ? ItemAt(row) : favorite->Target(); item != nullptr)
+            items.push_back(std::move(item));
+    }
 }
 
 void DataSourceList::ResetSelectedItems() {
@@ -342,6 +427,12 @@ void DataSourceList::ResetSelectedItems() {
 
 void DataSourceList::PrepareSelectedItems() {
     StopOpening();
+    for (int const row : SelectedRows())
+        if (auto *const favorite = dynamic_cast<FavoriteItem *>(ItemAt(row).get())) {
+            GUITools::WaitCursor const cursor;
+            std::ignore = favorite->Resolve();
+            viewport()->update();
+        }
     ItemList items;
     GetSelectedItems(items);
     for (RefItemPtr<DataSourceItem> const &item : items) {
@@ -386,8 +477,8 @@ void DataSourceList::Tell(platform::MessageId message) {
 void DataSourceList::OnSelected(unsigned newState) {
     if ((newState & LVIS_SELECTED) == 0 || m_keepsSelection)
         return;
-    if (m_connections != nullptr && SelectedRows().empty())
-        return; // it only makes one
+    if ((m_connections != nullptr || m_favorites != nullptr) && SelectedRows().empty())
+        return; // it only makes a connection, or opens something by a click
     PrepareSelectedItems();
     Tell(WM_DS_DATA_SOURCE_SELECTED);
 }
@@ -403,7 +494,7 @@ bool DataSourceList::OnRangeChanged(int, int, unsigned, unsigned newState) {
 }
 
 bool DataSourceList::OnDblClick(ReportHit hit, Point) {
-    if (IsNewConnection(ItemAt(hit.row).get()))
+    if (hit.row >= 0 && !HoldsItems(ItemAt(hit.row).get()))
         return true; // its first click is enough
     Tell(WM_DS_DATA_SOURCE_DBLCLICK);
     return true;
@@ -415,7 +506,7 @@ int DataSourceList::LabelLeft(int, int) const { return kPictureBand; }
 
 QString DataSourceList::ShownText(int row, int) const {
     RefItemPtr<DataSourceItem> const item = ItemAt(row);
-    return item == nullptr ? QString() : platform::ToQString(RowTextOf(*item));
+    return item == nullptr ? QString() : platform::ToQString(TextOf(*item));
 }
 
 void DataSourceList::DrawItem(DrawItemStruct const &request) {
@@ -432,8 +523,9 @@ void DataSourceList::DrawItem(DrawItemStruct const &request) {
     rect = Mirrored(rect);
     ItemColors const colors = ItemColorsOf((request.state & LVIS_SELECTED) != 0, hasFocus());
     request.painter.fillRect(platform::ToQRect(rect), colors.background);
-    request.painter.setPen(colors.text);
-    DrawCellText(request.painter, rect, RowTextOf(*item), LVCFMT_LEFT, CellPlace::Centered,
+    bool const isGrey = IsDead(*item) && (request.state & LVIS_SELECTED) == 0;
+    request.painter.setPen(isGrey ? palette().color(QPalette::Disabled, QPalette::Text) : colors.text);
+    DrawCellText(request.painter, rect, TextOf(*item), LVCFMT_LEFT, CellPlace::Centered,
                  platform::Reading::LeftToRight);
     if ((request.state & LVIS_FOCUSED) != 0)
         DrawFocusRect(request.painter, rect, platform::ToColorRef(colors.text));

@@ -18,6 +18,8 @@ namespace zelvar {
 
 class ConnectionRows;
 class FavoriteFinder;
+class FavoriteRows;
+struct FavoriteActions;
 class NetworkScanner;
 class PlaceOpener;
 
@@ -50,6 +52,12 @@ public:
     void ListConnectionsAgain(std::set<DString> const &changed, DString const &select);
     /// Whether the connection of that name has been opened.
     [[nodiscard]] bool IsConnectionOpen(DString const &name) const;
+    /// Favourites may be anything, have names, groups and an order, and touch no place before they are chosen. To be
+    /// called before `Fill`.
+    void OfferFavorites(FavoriteActions actions);
+    [[nodiscard]] FavoriteRows *OfferedFavorites() const { return m_favorites.get(); } ///< null without that
+    /// Reads them anew; the row that is selected stays so.
+    void ListFavoritesAgain();
     /// What Return does: true if the selected row does something.
     bool ActivateRow();
 
@@ -106,6 +114,9 @@ private:
     bool OfferRetry(QPoint screenPoint);
     void OnSelected(unsigned newState);
     void AppendListRow(std::size_t index);
+    void ShowGroups(std::vector<DString> const &ofFavorites);
+    [[nodiscard]] static bool IsDead(DataSourceItem const &item);
+    [[nodiscard]] static DString TextOf(DataSourceItem const &item);
     void StartWorker();
     void AddFound(ItemList const &items, int group);
     [[nodiscard]] std::vector<int> SelectedRows() const;
@@ -122,6 +133,7 @@ private:
     RefItemPtr<DataSourceItem> m_opening; ///< one of the rows; null for none
     platform::WindowTimers m_timers;
     std::unique_ptr<ConnectionRows> m_connections; ///< null unless they are offered
+    std::unique_ptr<FavoriteRows> m_favorites;     ///< the same
     bool m_keepsSelection = false;                 ///< rows are made anew: what is selected stays, and nobody is told
 };
 

@@ -18,6 +18,7 @@
 #include "zelvar/opends/DataSourceList.h"
 #include "zelvar/opends/DriverOptionChoice.h"
 #include "zelvar/opends/ExtrasFinder.h"
+#include "zelvar/opends/FavoriteRows.h"
 #include "zelvar/opends/HierarchyList.h"
 #include "zelvar/opends/NamedData.h"
 #include "zelvar/opends/OpenDialogTemplate.h"
@@ -232,6 +233,9 @@ void DlgOpenDS::CreateDataSetRows() {
     std::function<void(ItemList const &)> addToBasket;
     if (m_basket != nullptr)
         addToBasket = [this](ItemList const &items) { AddToBasket(items); };
+    std::function<void(ItemList const &)> addToFavorites;
+    if (m_dataSourceList->OfferedFavorites() != nullptr)
+        addToFavorites = [this](ItemList const &items) { AddToFavorites(items); };
     m_dataSetRows = std::make_unique<DataSetRows>(DataSetRows::Actions{.listAgain = [this] { ListDataSetsAgain(); },
                                                                        .show = show,
                                                                        .moniker =
@@ -239,7 +243,8 @@ void DlgOpenDS::CreateDataSetRows() {
                                                                                TakeDriverOptions();
                                                                                return MonikerOf(item);
                                                                            },
-                                                                       .addToBasket = addToBasket},
+                                                                       .addToBasket = addToBasket,
+                                                                       .addToFavorites = addToFavorites},
                                                   (m_features & kOpenSeries) != 0);
     auto const rule = [this](ItemList const &roots) { return m_dataSetRows->FoldingOf(roots); };
     m_mainList->SetFoldingRule(rule);
@@ -278,6 +283,19 @@ void DlgOpenDS::CreateForecast() {
                             .onDriverChanged = [this] { OnImageSelected(); }});
 }
 
+void DlgOpenDS::OfferFavorites() {
+    m_dataSourceList->OfferFavorites({.open = [this](Favorite const &favorite) { OpenFavorite(favorite); },
+                                      .openFolder =
+                                          [this](Favorite const &favorite) {
+                                              RefItemPtr<DataSourceItem> const item = FindPlace(favorite.target, true);
+                                              if (item == nullptr)
+                                                  return;
+                                              item->BuildParents();
+                                              RefItemPtr<DataSourceItem> const parent = item->GetParent();
+                                              ShowItem(parent == nullptr ? item : parent);
+                                          }});
+}
+
 void DlgOpenDS::CreateTravel() {
     m_travel = std::make_unique<PlaceTravel>(
         *this, *m_mainList, TemplateKey(),
@@ -288,6 +306,10 @@ void DlgOpenDS::CreateTravel() {
 void DlgOpenDS::CreateBasket() {
     m_basket = std::make_unique<BasketStrip>(*this, *GetDlgItem<OpenLine>(*this, kLineId),
                                              [this](DataSourceItem const &item) { return MonikersOf(item); });
+    if (FavoriteRows *const favorites = m_dataSourceList->OfferedFavorites(); favorites != nullptr)
+        m_basket->SetFavoriteMaker([favorites](DString const &file, DString const &name) {
+            favorites->Add({.kind = Favorite::Kind::Basket, .target = file, .name = name});
+        });
     m_basket->Content().SetChangeHandler([this, show = m_basket.get()] {
         show->Show();
         if (m_forecast != nullptr)
@@ -332,6 +354,8 @@ bool DlgOpenDS::OnInitDialog() {
     InitializeLayout();
 
     CreateWaits();
+    if ((m_features & kOpenFavorites) != 0 && m_rootItem == nullptr)
+        OfferFavorites();
     if ((m_features & kOpenHistory) != 0)
         CreateTravel();
     if ((m_features & kOpenBasket) != 0 && m_multiSelect && !PicksDocument(m_dlgTemplate))

@@ -29,6 +29,7 @@ namespace zelvar {
 
 class CZelComboBox;
 class BasketStrip;
+struct Favorite;
 class DSDataSourceWnd;
 class DSListCtrl;
 class DSPropertyWnd;
@@ -201,6 +202,8 @@ private:
     void CreateForecast();
     void CreateWaits();
     void ShowPlace(RefItemPtr<DataSourceItem> item);
+    /// Null for none, which is told with `report`, and if the user ends the wait.
+    [[nodiscard]] RefItemPtr<DataSourceItem> FindPlace(DString const &path, bool report) const;
     void RefusePlace(DString const &path, DError const &error) const;
     void ShowDriverOptions(ItemList const &items);
     /// What stands on the page of a driver's options, for all that is selected.
@@ -214,6 +217,10 @@ private:
     void CreateBasket();
     void CreateTravel();
     void AddToBasket(ItemList const &items);
+    void OfferFavorites();
+    void AddToFavorites(ItemList const &items);
+    void OpenFavorite(Favorite const &favorite);
+    void LoadIntoBasket(DString const &file);
     /// Takes the basket's items for the result.
     void TakeBasket();
     [[nodiscard]] ItemList SelectedImages() const;

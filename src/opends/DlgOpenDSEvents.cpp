@@ -20,6 +20,7 @@
 #include "zelvar/opends/DlgOpenDS.h"
 #include "zelvar/opends/DriverOptionChoice.h"
 #include "zelvar/opends/ExtrasFinder.h"
+#include "zelvar/opends/FavoriteRows.h"
 #include "zelvar/opends/HierarchyList.h"
 #include "zelvar/opends/ImageExtraWnd.h"
 #include "zelvar/opends/NamedData.h"
@@ -169,6 +170,11 @@ void DlgOpenDS::ShowItem(RefItemPtr<DataSourceItem> item) {
 void DlgOpenDS::GoToDir(DString const &path, bool report) {
     if (path.empty() || m_waits->GoTo(path, report))
         return;
+    if (RefItemPtr<DataSourceItem> const item = FindPlace(path, report); item != nullptr)
+        ShowPlace(item);
+}
+
+RefItemPtr<DataSourceItem> DlgOpenDS::FindPlace(DString const &path, bool report) const {
     RefItemPtr<DataSourceItem> item;
     DError error;
     {
@@ -178,12 +184,48 @@ void DlgOpenDS::GoToDir(DString const &path, bool report) {
         RequestScope const scope(RequestKind::List, [&watch] { return watch.IsPressed(); });
         item = ItemFromPlace(path, &error);
         if (watch.IsPressed())
-            return;
+            return nullptr;
     }
-    if (item != nullptr)
-        ShowPlace(item);
-    else if (report)
+    if (item == nullptr && report)
         RefusePlace(path, error);
+    return item;
+}
+
+void DlgOpenDS::AddToFavorites(ItemList const &items) {
+    if (!AreExtrasFound())
+        return;
+    TakeDriverOptions();
+    for (RefItemPtr<DataSourceItem> const &item : items) {
+        bool const isPlace = item->IsFolder();
+        m_dataSourceList->OfferedFavorites()->Add({.kind = isPlace ? Favorite::Kind::Place : Favorite::Kind::Data,
+                                                   .target = isPlace ? item->GetPath() : MonikerOf(*item)});
+    }
+}
+
+void DlgOpenDS::OpenFavorite(Favorite const &favorite) {
+    switch (favorite.kind) {
+    case Favorite::Kind::Data: {
+        DError error;
+        bool const isOfServer = PlaceOpener::IsFor(favorite.target); // nothing waits for one
+        if (isOfServer || m_namedData == nullptr)
+            GoToDir(favorite.target, true);
+        else if (!m_namedData->Show({favorite.target}, &error))
+            RefusePlace(favorite.target, error);
+        break;
+    }
+    case Favorite::Kind::Basket:
+        LoadIntoBasket(favorite.target);
+        break;
+    default:
+        break;
+    }
+}
+
+void DlgOpenDS::LoadIntoBasket(DString const &file) {
+    if (m_basket == nullptr)
+        Report::UserNotification(Translated("Here one item is picked: a basket is of no use"));
+    else if (!m_basket->Load(file))
+        Report::UserNotification(Translated("'%s' is no list of monikers"), file.c_str());
 }
 
 void DlgOpenDS::RefusePlace(DString const &path, DError const &error) const {

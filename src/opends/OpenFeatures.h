@@ -13,7 +13,8 @@ enum OpenFeatures : unsigned {
     kOpenConnections = 32, ///< connections can be made and changed in the list of data sources
     kOpenBasket = 256,     ///< where several items can be picked: a basket that gathers them across folders
     kOpenHistory = 512,    ///< back and forward, and recent places
-    kOpenAll = 63 | kOpenBasket | kOpenHistory,
+    kOpenFavorites = 1024, ///< favourites of anything, with names, groups and an order
+    kOpenAll = 63 | kOpenBasket | kOpenHistory | kOpenFavorites,
 };
 
 } // namespace zelvar

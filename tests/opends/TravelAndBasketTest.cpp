@@ -142,7 +142,7 @@ TEST(Baskets, KeepOrderAndTakeNothingTwice) {
     basket.Remove({0, 2});
     EXPECT_EQ(names(), "ab?X=1d");
     EXPECT_EQ(basket.Add({entry("/f/c", 2048)}), 1U) << "it is not in it any more";
-    EXPECT_EQ(EntryOf("https://lab/f/x%20y.tif?A=/b").name, "x%20y.tif?A=/b");
+    EXPECT_EQ(EntryOf("https://lab/f/x%20y.tif?A=/b").name, "x y.tif");
 }
 
 // -------------------------------------------------------------------------------------------------- in the dialog

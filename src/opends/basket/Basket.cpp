@@ -2,6 +2,7 @@
 
 #include "zelvar/base/Translation.h"
 #include "zelvar/model/listing/ListingTexts.h"
+#include "zelvar/opends/basket/MonikerFile.h"
 
 #include <algorithm>
 #include <numeric>
@@ -23,9 +24,9 @@ DString KeyOf(BasketEntry const &entry) {
 BasketEntry EntryOf(DString const &moniker) {
     BasketEntry entry{.monikers = {BDIMoniker(moniker, nullptr)}};
     DString const text = entry.monikers.front().GetText();
-    std::size_t const end = text.find("://") == DString::npos ? DString::npos : text.find('?');
-    std::size_t const slash = text.rfind('/', end);
-    entry.name = slash == DString::npos ? text : text.substr(slash + 1);
+    bool const isAddress = text.find("://") != DString::npos;
+    std::size_t const slash = text.rfind('/', isAddress ? text.find('?') : DString::npos);
+    entry.name = isAddress ? entry.monikers.front().GetDisplayName() : text.substr(slash + 1);
     entry.place = slash == DString::npos ? DString() : text.substr(0, std::max<std::size_t>(slash, 1));
     return entry;
 }
@@ -43,6 +44,25 @@ std::size_t Basket::Add(Entries entries) {
     if (m_entries.size() != before)
         Changed();
     return m_entries.size() - before;
+}
+
+bool Basket::Load(DString const &file) {
+    std::optional<std::vector<DString>> const monikers = ReadMonikers(file);
+    if (!monikers)
+        return false;
+    Entries entries;
+    for (DString const &moniker : *monikers)
+        entries.push_back(EntryOf(moniker));
+    Add(std::move(entries));
+    return true;
+}
+
+bool Basket::Save(DString const &file) const {
+    std::vector<DString> monikers;
+    for (BasketEntry const &entry : m_entries)
+        for (BDIMoniker const &moniker : entry.monikers)
+            monikers.push_back(moniker.GetText());
+    return WriteMonikers(file, monikers);
 }
 
 void Basket::Remove(std::set<int> const &rows) {

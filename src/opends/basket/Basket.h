@@ -30,6 +30,9 @@ public:
 
     /// Adds, at the end, those that are not there yet with the same options; how many these were.
     std::size_t Add(Entries entries);
+    /// Adds what a file of monikers names; false if it is none, see `MonikerFile.h`.
+    bool Load(DString const &file);
+    [[nodiscard]] bool Save(DString const &file) const; ///< false if it cannot be written
     void Remove(std::set<int> const &rows);
     void Clear();
     /// Moves the rows by one, up or down, in their order; those that are at that end already stay, and what is next to

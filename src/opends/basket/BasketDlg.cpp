@@ -5,7 +5,6 @@
 #include "zelvar/controls/GUITools.h"
 #include "zelvar/lists/CZelListCtrlVirtual.h"
 #include "zelvar/model/listing/ListingTexts.h"
-#include "zelvar/opends/basket/MonikerFile.h"
 #include "zelvar/opends/core/FileQuestion.h"
 #include "zelvar/platform/ui/ControlId.h"
 #include "zelvar/platform/ui/Text.h"
@@ -24,7 +23,16 @@ using platform::ControlKind;
 using platform::DialogItem;
 using platform::GetDlgItem;
 
-enum ControlIds { kClose = 2, kRows = 1001, kRemove = 1002, kUp = 1003, kDown = 1004, kSave = 1005, kLoad = 1006 };
+enum ControlIds {
+    kClose = 2,
+    kRows = 1001,
+    kRemove = 1002,
+    kUp = 1003,
+    kDown = 1004,
+    kSave = 1005,
+    kLoad = 1006,
+    kKeep = 1007
+};
 
 constexpr platform::MoveRule kRight{100, 0, 100, 0};
 constexpr DialogItem kItems[] = {
@@ -34,6 +42,7 @@ constexpr DialogItem kItems[] = {
     {kDown, ControlKind::Button, Mark("Move Down"), 258, 43, 65, 14, kRight},
     {kSave, ControlKind::Button, Mark("Save..."), 258, 67, 65, 14, kRight},
     {kLoad, ControlKind::Button, Mark("Load..."), 258, 85, 65, 14, kRight},
+    {kKeep, ControlKind::Button, Mark("Add to Favorites..."), 258, 103, 65, 14, kRight},
     {kClose, ControlKind::DefaultButton, Mark("Close"), 258, 159, 65, 14, {100, 100, 100, 100}},
 };
 constexpr platform::DialogTemplate kTemplate{
@@ -86,8 +95,8 @@ private:
     Basket const &m_basket;
 };
 
-BasketDlg::BasketDlg(QWidget *parent, Basket &basket)
-    : cdxCDynamicDialog(kTemplate, parent, FreedomAll, kFlags), m_basket(basket) {}
+BasketDlg::BasketDlg(QWidget *parent, Basket &basket, std::function<void(QWidget &)> keep)
+    : cdxCDynamicDialog(kTemplate, parent, FreedomAll, kFlags), m_basket(basket), m_keep(std::move(keep)) {}
 
 BasketDlg::~BasketDlg() = default;
 
@@ -108,6 +117,8 @@ bool BasketDlg::OnInitDialog() {
     onClick(kDown, [this] { Move(true); });
     onClick(kSave, &BasketDlg::Save);
     onClick(kLoad, &BasketDlg::Load);
+    onClick(kKeep, [this] { m_keep(*this); });
+    GetDlgItem(*this, kKeep)->setVisible(m_keep != nullptr);
     connect(m_list, &ReportView::ItemChanged, this, &BasketDlg::ShowState);
     connect(m_list, &ReportView::RangeChanged, this, &BasketDlg::ShowState);
     Show({}, 0);
@@ -161,7 +172,8 @@ void BasketDlg::ShowState() {
     bool const isSelected = m_list->GetNumSlct() > 0;
     for (int const id : {kRemove, kUp, kDown})
         GetDlgItem(*this, id)->setEnabled(isSelected);
-    GetDlgItem(*this, kSave)->setEnabled(!m_basket.IsEmpty());
+    for (int const id : {kSave, kKeep})
+        GetDlgItem(*this, id)->setEnabled(!m_basket.IsEmpty());
     if (focus != nullptr && !focus->isEnabled())
         m_list->setFocus();
 }
@@ -188,12 +200,8 @@ void BasketDlg::Save() {
     std::optional<DString> const path = AskForFile(this, QuestionFor(Mark("Save Basket"), true));
     if (!path)
         return;
-    std::vector<DString> monikers;
-    for (BasketEntry const &entry : m_basket.All())
-        for (BDIMoniker const &moniker : entry.monikers)
-            monikers.push_back(moniker.GetText());
     GUITools::WaitCursor const cursor;
-    if (!WriteMonikers(*path, monikers))
+    if (!m_basket.Save(*path))
         Report::UserNotification(Translated("The basket could not be written to '%s'"), path->c_str());
 }
 
@@ -201,21 +209,12 @@ void BasketDlg::Load() {
     std::optional<DString> const path = AskForFile(this, QuestionFor(Mark("Load Basket"), false));
     if (!path)
         return;
-    std::optional<std::vector<DString>> monikers;
-    {
-        GUITools::WaitCursor const cursor;
-        monikers = ReadMonikers(*path);
-    }
-    if (!monikers) {
-        Report::UserNotification(Translated("'%s' is no list of monikers"), path->c_str());
-        return;
-    }
     auto const before = static_cast<int>(m_basket.All().size());
-    Basket::Entries entries;
-    for (DString const &moniker : *monikers)
-        entries.push_back(EntryOf(moniker));
-    m_basket.Add(std::move(entries));
-    Show({}, before);
+    GUITools::WaitCursor const cursor;
+    if (m_basket.Load(*path))
+        Show({}, before);
+    else
+        Report::UserNotification(Translated("'%s' is no list of monikers"), path->c_str());
 }
 
 } // namespace zelvar

@@ -16,8 +16,8 @@ class BasketDlg : public cdxCDynamicDialog {
     Q_OBJECT
 
 public:
-    /// `basket` outlives it.
-    BasketDlg(QWidget *parent, Basket &basket);
+    /// `basket` outlives it. `keep`, which may be empty, makes a favourite of the basket; it is given this window.
+    BasketDlg(QWidget *parent, Basket &basket, std::function<void(QWidget &)> keep);
     ~BasketDlg() override;
 
     [[nodiscard]] CZelListCtrlVirtual *List() const;
@@ -39,6 +39,7 @@ private:
     void ShowState();
 
     Basket &m_basket;
+    std::function<void(QWidget &)> m_keep;
     Rows *m_list = nullptr; ///< children
 };
 

@@ -1,7 +1,6 @@
 #include "zelvar/opends/places/RecentPlaces.h"
 
-#include "zelvar/base/Percent.h"
-#include "zelvar/base/Redaction.h"
+#include "zelvar/opends/places/SettingsFields.h"
 #include "zelvar/store/DCnfg.h"
 
 #include <algorithm>
@@ -11,27 +10,19 @@ namespace zelvar {
 namespace {
 
 constexpr char kSection[] = "RecentPlaces";
-constexpr char kBetween = ' '; // fields have none
 
 } // namespace
 
 DString ToSettingsText(RecentPlace const &place) {
-    bool const isAddress = place.path.find("://") != DString::npos; // a name on a disk may look like a secret
-    DString text = PercentEncoded(isAddress ? Redacted(place.path) : place.path, true) + kBetween +
-                   PercentEncoded(place.view.top, true);
+    std::vector<DString> fields{StorablePlace(place.path), place.view.top};
     std::size_t const count = std::min(place.view.selected.size(), RecentPlaces::kMostSelected);
-    for (std::size_t i = 0; i < count; ++i)
-        text += kBetween + PercentEncoded(place.view.selected[i], true);
-    return text;
+    fields.insert(fields.end(), place.view.selected.begin(),
+                  place.view.selected.begin() + static_cast<std::ptrdiff_t>(count));
+    return JoinFields(fields);
 }
 
 std::optional<RecentPlace> RecentPlaceFrom(DString const &text) {
-    std::vector<DString> fields;
-    for (std::size_t from = 0; from <= text.size();) {
-        std::size_t const end = std::min(text.find(kBetween, from), text.size());
-        fields.push_back(PercentDecoded(std::string_view(text).substr(from, end - from)));
-        from = end + 1;
-    }
+    std::vector<DString> const fields = SplitFields(text);
     if (fields.size() < 2 || fields[0].empty())
         return std::nullopt;
     return RecentPlace{fields[0], {.selected = {fields.begin() + 2, fields.end()}, .top = fields[1]}};
