@@ -9,6 +9,7 @@
 #include "zelvar/filedlg/RememberedFolders.h"
 #include "zelvar/filedlg/core/FilterBuffer.h"
 #include "zelvar/settings/DfltFldrs.h"
+#include "zelvar/settings/Project.h"
 
 #include <algorithm>
 #include <utility>
@@ -236,6 +237,8 @@ bool FileDlg::Open(int mode, char const *name, char const *dir, char const *key)
         RememberFolder(key);
     return opened;
 }
+
+void FileDlg::SetProject(DString const &project) { zelvar::SetProject(project); }
 
 void FileDlg::ReadInitFile(char const *folderKey) {
     if (m_request.initFile.empty() && folderKey != nullptr)

@@ -48,6 +48,10 @@ public:
         *pFrmt_platelayout, *pFrmt_TMAlayout, *pFrmt_TMAmatch, *pFrmt_dosedilutionsec, *pFrmt_actnlib, *pFrmt_snpts,
         *pFrmt_textsttng, *pFrmt_proc_ver;
 
+    /// What the user works on now, see `zelvar/settings/Project.h`: its folders, formats, histories and favourites come
+    /// first in all requests from now on. Empty for none.
+    static void SetProject(DString const &project);
+
     // What is special about the request.
     void SetInitFile(DString const &file) {
         m_request.initFile = file;

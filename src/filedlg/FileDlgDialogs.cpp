@@ -71,6 +71,7 @@ bool FileDlg::OpenMFCFileDlgNew(int, char const *, int, char const *, char const
         return false;
     dialog->SetBDIFilter(m_request.nodeMask);
     dialog->SetSeriesMode(m_request.seriesMode);
+    dialog->OfferBasket(m_request.multipleFiles);
     dialog->SetOptions(m_request.options);
     // Also an address, a node inside a container or a connection: the dialog looks for it once it can be seen.
     dialog->SetInitDir(InitialPlace(m_request.initFile).c_str());

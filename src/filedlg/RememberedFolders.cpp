@@ -4,6 +4,7 @@
 #include "zelvar/base/Redaction.h"
 #include "zelvar/data/PlaceCheck.h"
 #include "zelvar/data/RequestScope.h"
+#include "zelvar/settings/Project.h"
 #include "zelvar/store/DCnfg.h"
 
 #include <fcntl.h>
@@ -21,12 +22,19 @@ bool IsKey(char const *key) { return key != nullptr && *key != '\0'; }
 } // namespace
 
 DString ReadSetting(char const *key, DString const &fallback) {
-    return IsKey(key) ? Profile::GetString(kSection, key, fallback) : fallback;
+    if (!IsKey(key))
+        return fallback;
+    DString const ofKind = Profile::GetString(kSection, key, fallback);
+    DString const ofProject = KeyOfProject(key);
+    return ofProject.empty() ? ofKind : Profile::GetString(kSection, ofProject, ofKind);
 }
 
 void WriteSetting(char const *key, DString const &value) {
-    if (IsKey(key))
-        Profile::WriteString(kSection, key, value);
+    if (!IsKey(key))
+        return;
+    Profile::WriteString(kSection, key, value);
+    if (DString const ofProject = KeyOfProject(key); !ofProject.empty())
+        Profile::WriteString(kSection, ofProject, value);
 }
 
 void WriteFolder(char const *key, DString const &folder) {

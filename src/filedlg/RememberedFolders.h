@@ -7,9 +7,10 @@ namespace zelvar {
 
 // The folders that the application's profile remembers for kinds of data, section "Settings".
 
-/// The text under `key`; `fallback` for a key that is null, empty or unknown.
+/// The text under `key`, that of the present project where there is one; `fallback` for a key that is null, empty or
+/// unknown.
 [[nodiscard]] DString ReadSetting(char const *key, DString const &fallback);
-/// A null or empty key writes nothing.
+/// For the present project, too. A null or empty key writes nothing.
 void WriteSetting(char const *key, DString const &value);
 /// The same for a folder: an empty one and "." are not worth remembering.
 void WriteFolder(char const *key, DString const &folder);

@@ -35,6 +35,7 @@ BasketStrip::BasketStrip(QWidget &dialog, OpenLine &line, MonikersOf monikersOf)
     : m_dialog(dialog), m_monikersOf(std::move(monikersOf)), m_button(new CZelButton) {
     m_button->setObjectName("basket");
     m_button->setFlat(true);
+    m_button->setFocusPolicy(Qt::NoFocus); // the focus goes round the panes and the fields; this has a key
     m_button->SetImage("basket");
     m_button->setToolTip(platform::Shown("Insert keeps what is selected in the basket; Ctrl+B shows what is in it. OK "
                                          "opens all of it, in its order."));

@@ -123,6 +123,7 @@ void DlgOpenDS::SetOptions(DString const &options) {
         m_driverOptions->SetGiven(options);
 }
 void DlgOpenDS::SetSeriesMode(SeriesMode mode) { m_seriesMode = mode; }
+void DlgOpenDS::OfferBasket(bool offers) { m_offersBasket = offers; }
 void DlgOpenDS::SetMultiSelect(bool multi) { m_multiSelect = multi; }
 
 DString DlgOpenDS::FixPath(char const *path) { return path == nullptr ? DString() : FixTypedPath(path); }
@@ -358,7 +359,7 @@ bool DlgOpenDS::OnInitDialog() {
         OfferFavorites();
     if ((m_features & kOpenHistory) != 0)
         CreateTravel();
-    if ((m_features & kOpenBasket) != 0 && m_multiSelect && !PicksDocument(m_dlgTemplate))
+    if ((m_features & kOpenBasket) != 0 && m_offersBasket && m_multiSelect && !PicksDocument(m_dlgTemplate))
         CreateBasket();
     if ((m_features & kOpenDataSets) != 0)
         CreateDataSetRows();

@@ -75,6 +75,7 @@ public:
     /// Types of driver nodes that can be picked, bits of `BDINodeType`. Without one, containers show the folders in
     /// them alone.
     void SetBDIFilter(int mask);
+    void OfferBasket(bool offers);   ///< what is gathered in a basket can be the result; not without `kOpenBasket`
     void SetMultiSelect(bool multi); ///< several rows of the main list can be picked; documents never
     /// What opens data behind "?" of their monikers; not without `kOpenOptions`.
     void SetOptions(DString const &options);
@@ -271,6 +272,7 @@ private:
     bool m_readOnly = false;
     bool m_editOnly = false;
     bool m_multiSelect = true;
+    bool m_offersBasket = false;
     int m_bdiFilter = 0;
     SeriesMode m_seriesMode = SeriesMode::Members;
     int m_stateTimer = 0;

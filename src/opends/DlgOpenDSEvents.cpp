@@ -591,16 +591,13 @@ bool DlgOpenDS::ProcessTabKey(QWidget *focus) {
         m_dataSourceWnd->IsDataSourceView() ? static_cast<QWidget *>(m_dataSourceList) : m_folderList;
     auto *const line = platform::GetDlgItem<OpenLine>(*this, kLineId);
     bool const hasChoice = line != nullptr && line->Drivers()->isVisible();
-    QWidget *const behindChoice =
-        m_basket != nullptr ? static_cast<QWidget *>(m_basket->Button()) : static_cast<QWidget *>(m_histCombo);
-    QWidget *const belowPanes = hasChoice ? static_cast<QWidget *>(line->Drivers()) : behindChoice;
+    QWidget *const belowPanes = hasChoice ? static_cast<QWidget *>(line->Drivers()) : m_histCombo;
     Step const steps[] = {
         {m_dataSourceList, hierarchy},
         {m_folderList, hierarchy},
         {m_hierarchyList, m_mainList},
         {m_mainList, belowPanes},
-        {m_basket == nullptr ? nullptr : m_basket->Button(), m_histCombo},
-        {line, behindChoice},
+        {line, m_histCombo},
         {m_histCombo, m_fileFilterEdit},
         {m_fileFilterEdit, m_fileTypeCombo},
         {m_fileTypeCombo, sources},

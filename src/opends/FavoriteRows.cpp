@@ -149,7 +149,7 @@ void FavoriteRows::ChangeGroup(Favorite const &favorite) {
 void FavoriteRows::Move(Favorite const &favorite, bool down) {
     std::vector<Favorite> group; // those under the same heading
     for (RefItemPtr<FavoriteItem> const &item : m_items)
-        if (item->Entry().group == favorite.group)
+        if (item->Entry().group == favorite.group && item->Entry().ofProject == favorite.ofProject)
             group.push_back(item->Entry());
     auto const at =
         std::find_if(group.begin(), group.end(), [&](Favorite const &other) { return other.IsOf(favorite); });

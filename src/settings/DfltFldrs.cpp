@@ -4,6 +4,7 @@
 #include "zelvar/base/Redaction.h"
 #include "zelvar/platform/os/ShellNamespace.h"
 #include "zelvar/settings/CnfgLdr.h"
+#include "zelvar/settings/Project.h"
 #include "zelvar/store/DCnfg.h"
 #include "zelvar/store/SettingsStore.h"
 #include "zelvar/xml/XMLNode.h"
@@ -125,21 +126,14 @@ void DfltFldrs::GetDirHist(char const *key, DVectorSafe<DString> &out, bool with
     if (key == nullptr || *key == '\0')
         return;
     if (withHistory) {
-        DUserCnfg const settings(kSection, true, DCnfg::SttngType_User);
-        DString const history = settings.HasKey(key) ? settings.ReadString(key, "", true) : DString();
-        for (DString const &piece : Split(history, kListSeparator)) {
-            if (!piece.empty())
-                out.push_back(TranslateSpecialPath(piece, m_style));
-        }
-    }
-    auto const defaults = m_folders.find(key);
-    if (!withDefaults || defaults == m_folders.end())
-        return;
-    for (DString const &piece : Split(defaults->second, kListSeparator)) {
-        DString const folder = TranslateSpecialPath(piece, m_style);
-        if (!folder.empty() && !Holds(out, folder))
+        for (DString const &folder : HistoryOf(KeyOfProject(key)))
             out.push_back(folder);
+        for (DString const &folder : HistoryOf(key))
+            if (GetProject().empty() || !Holds(out, folder)) // without one it is as it is stored
+                out.push_back(folder);
     }
+    if (withDefaults)
+        AddDefaults(key, out);
 }
 
 void DfltFldrs::SaveDirHist(char const *key, DString const &folder) const {
@@ -147,17 +141,41 @@ void DfltFldrs::SaveDirHist(char const *key, DString const &folder) const {
         return;
     // One transaction: another process may be remembering a folder, too. A failed one goes unnoticed: the folder is
     // just not remembered.
-    SettingsStore::Instance().TransactSoon([folders = *this, name = DString(key), folder] {
-        return DUserCnfg(kSection, true, DCnfg::SttngType_User)
-            .WriteString(name, folders.HistoryWith(name.c_str(), Redacted(folder)));
+    SettingsStore::Instance().TransactSoon([folders = *this, name = DString(key), ofProject = KeyOfProject(key),
+                                            folder] {
+        DUserCnfg settings(kSection, true, DCnfg::SttngType_User);
+        DString const place = Redacted(folder);
+        return (ofProject.empty() || settings.WriteString(ofProject, folders.HistoryWith(ofProject, name, place))) &&
+               settings.WriteString(name, folders.HistoryWith(name, name, place));
     });
 }
 
-DString DfltFldrs::HistoryWith(char const *key, DString const &folder) const {
-    DVectorSafe<DString> all;
-    DVectorSafe<DString> history;
-    GetDirHist(key, all, true, true);
-    GetDirHist(key, history, false, true);
+DVectorSafe<DString> DfltFldrs::HistoryOf(DString const &key) const {
+    DUserCnfg const settings(kSection, true, DCnfg::SttngType_User);
+    DVectorSafe<DString> folders;
+    if (key.empty() || !settings.HasKey(key))
+        return folders;
+    for (DString const &piece : Split(settings.ReadString(key, "", true), kListSeparator))
+        if (!piece.empty())
+            folders.push_back(TranslateSpecialPath(piece, m_style));
+    return folders;
+}
+
+void DfltFldrs::AddDefaults(DString const &key, DVectorSafe<DString> &folders) const {
+    auto const defaults = m_folders.find(key);
+    if (defaults == m_folders.end())
+        return;
+    for (DString const &piece : Split(defaults->second, kListSeparator)) {
+        DString const folder = TranslateSpecialPath(piece, m_style);
+        if (!folder.empty() && !Holds(folders, folder))
+            folders.push_back(folder);
+    }
+}
+
+DString DfltFldrs::HistoryWith(DString const &key, DString const &defaultsKey, DString const &folder) const {
+    DVectorSafe<DString> history = HistoryOf(key);
+    DVectorSafe<DString> all = history;
+    AddDefaults(defaultsKey, all);
     // The limit is on history and defaults together, and the oldest goes even if `folder` is in the list already.
     if (all.size() >= kMostEntries && !history.empty())
         history.pop_back();

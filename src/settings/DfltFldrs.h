@@ -10,7 +10,8 @@ namespace zelvar {
 /// Default folders: which folders a file dialog offers for a kind of document, and which of them the user took last.
 ///
 /// The defaults come from the product's configuration; the history is kept per key in the user's settings, section
-/// "DefaultFolders", newest first. User interface thread.
+/// "DefaultFolders", newest first; that of the present project (`SetProject`) beside, and before it. User interface
+/// thread.
 class ZELVAR_API DfltFldrs {
 public:
     /// The object of the process, made at the first call.
@@ -62,8 +63,11 @@ private:
     static DfltFldrs *m_pSingleInstance;
     static CAutoDel m_autoDelete;
 
+    [[nodiscard]] DVectorSafe<DString> HistoryOf(DString const &key) const; ///< as it is stored
+    /// Appends the defaults of `key` that are not there yet.
+    void AddDefaults(DString const &key, DVectorSafe<DString> &folders) const;
     /// The history with `folder` at its head, as it is stored.
-    [[nodiscard]] DString HistoryWith(char const *key, DString const &folder) const;
+    [[nodiscard]] DString HistoryWith(DString const &key, DString const &defaultsKey, DString const &folder) const;
 
     PathStyle m_style;
     std::map<DString, DString> m_folders; ///< folders of each key, separated by ";"

@@ -167,6 +167,24 @@ TEST_F(Request, TheFolderOfAFileAndTheProfilesFolderLeadToTheFile) {
     EXPECT_EQ(own.GetFormat(), nullptr) << "it has gone with the call";
 }
 
+TEST_F(Request, AProjectRemembersItsFolderBeforeThatOfTheKind) {
+    Profile::WriteString("Settings", "Results", folder.Path());
+    TempFolder const other;
+    auto const save = [&](char const *dir) {
+        FileDlg opened;
+        Answer([&] { return opened.Open(1, FileDlg::FRMT_CSV, "n.csv", dir, "Results"); }, "n.csv");
+        return opened.GetPhysFile();
+    };
+    FileDlg::SetProject("p");
+    EXPECT_EQ(save(other.Path().c_str()), folder / "n.csv") << "that of the kind, now the project's, too";
+    FileDlg::SetProject("");
+    Profile::WriteString("Settings", "Results", other.Path());
+    EXPECT_EQ(save(nullptr), other / "n.csv");
+    FileDlg::SetProject("p");
+    EXPECT_EQ(save(nullptr), folder / "n.csv");
+    FileDlg::SetProject("");
+}
+
 TEST_F(Request, StandardFormatsAreOfferedByModeAndTheirFirstIsCurrent) {
     DString const text = "Ascii text files, DBase files";
     DString const tables = "Comma separated list files, Comma separated list files (Transposed)";

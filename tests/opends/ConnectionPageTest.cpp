@@ -8,8 +8,8 @@
 #include "zelvar/opends/DataSourceList.h"
 #include "zelvar/opends/connections/ConnectionDlg.h"
 #include "zelvar/opends/connections/ConnectionForm.h"
-#include "zelvar/opends/core/FileQuestion.h"
 #include "zelvar/opends/connections/TrialPane.h"
+#include "zelvar/opends/core/FileQuestion.h"
 
 #include <QtGui/QClipboard>
 #include <QtWidgets/QInputDialog>

@@ -117,7 +117,7 @@ TEST_F(DataSets, ComeBackAsOneImageWhereTheApplicationWantsThat) {
 }
 
 TEST_F(DataSets, AreTakenApartInTheMenuOfTheList) {
-    DialogPtr const dialog = Make(kOpenAll);
+    DialogPtr const dialog = Make(kOpenAll & ~kOpenFavorites);
     Run(*dialog, 3, [&] {
         DSListCtrl &list = *dialog->MainList();
         Select(list, "map.tif");

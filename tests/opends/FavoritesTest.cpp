@@ -10,6 +10,7 @@
 #include "zelvar/opends/DataSourceList.h"
 #include "zelvar/opends/FavoriteRows.h"
 #include "zelvar/platform/ui/Text.h"
+#include "zelvar/settings/Project.h"
 
 #include <QtWidgets/QInputDialog>
 
@@ -61,6 +62,26 @@ TEST(FavoritesOfAnything, StandBesideTheFoldersThatOtherProgramsKnow) {
     EXPECT_THAT(FavoriteBook::Read(), IsEmpty());
 }
 
+TEST(FavoritesOfAnything, OfAProjectComeBeforeThoseOfAll) {
+    ForgetAll();
+    FavoriteBook::Add({.target = "/data/all"});
+    FavoriteBook::Add({Kind::Data, "/data/x.tif"});
+    SetProject("Cells: 7 @ lab");
+    FavoriteBook::Add({.target = "/data/mine"});
+    FavoriteBook::Add({Kind::Data, "/data/x.tif", "X"});
+    EXPECT_THAT(Shown(), ElementsAre("mine", "X", "all"));
+    EXPECT_THAT(Favorites::All(), ElementsAre("/data/all"));
+    FavoriteBook::MoveBefore(FavoriteBook::Read()[2], FavoriteBook::Read()[0]);
+    EXPECT_THAT(Shown(), ElementsAre("mine", "X", "all"));
+    SetProject("another");
+    EXPECT_THAT(Shown(), ElementsAre("all", "x.tif"));
+    SetProject("Cells: 7 @ lab");
+    ForgetAll();
+    SetProject("");
+    EXPECT_THAT(Shown(), ElementsAre("x.tif"));
+    ForgetAll();
+}
+
 struct FavoritesInDialog : testing::Test {
     FavoritesInDialog() {
         UseRealDrivers();
@@ -79,6 +100,7 @@ struct FavoritesInDialog : testing::Test {
         DlgOpenDS::SetFeatures(features);
         dialog.reset(DlgOpenDS::CreateDialogObject({&all}, &all, DT_DATA, nullptr, nullptr));
         dialog->SetBDIFilter(BDINode_Raster);
+        dialog->OfferBasket(true);
         dialog->SetInitDir((folder / "a").c_str());
         return RunWhen(
             *dialog, [&] { return dialog->MainList() != nullptr && RowOf(*dialog->MainList(), "y.tif") >= 0; },

@@ -15,6 +15,7 @@
 #include "zelvar/opends/core/FileQuestion.h"
 #include "zelvar/platform/ui/EllipsisLabel.h"
 #include "zelvar/platform/ui/Text.h"
+#include "zelvar/settings/Project.h"
 
 #include <QtWidgets/QMenu>
 
@@ -84,6 +85,18 @@ TEST(RecentPlacesOfAKind, AreKeptWithAllBytesOfTheirNames) {
     EXPECT_EQ(kept[0].view.top, "/3/x");
     EXPECT_EQ(kept[4].path, "/4") << "and once";
     EXPECT_THAT(RecentPlaces("another kind").Read(), IsEmpty());
+    SetProject("p");
+    RecentPlaces("another kind").Add({{"/p", {}}});
+    SetProject("q");
+    places.Add({{"/q", {}}});
+    SetProject("p");
+    places.Add({{"/p", {}}});
+    EXPECT_EQ(places.Read()[0].path, "/p");
+    EXPECT_EQ(places.Read()[1].path, "/q") << "of the kind";
+    SetProject("q");
+    EXPECT_EQ(places.Read()[0].path, "/q");
+    SetProject("");
+    EXPECT_THAT(RecentPlaces("another kind").Read(), testing::SizeIs(1));
 }
 
 TEST(MonikerFiles, BringBackWhatWasWritten) {
@@ -164,7 +177,7 @@ struct Travels : testing::Test {
         DlgOpenDS::SetFeatures(features);
         DialogPtr dialog(DlgOpenDS::CreateDialogObject({&all}, &all, DT_DATA, nullptr, nullptr));
         dialog->SetBDIFilter(BDINode_Raster);
-        dialog->SetMultiSelect(multiple);
+        dialog->OfferBasket(multiple);
         dialog->SetInitDir((folder / "a").c_str());
         return dialog;
     }

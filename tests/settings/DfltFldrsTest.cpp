@@ -3,6 +3,7 @@
 #include "support/ScriptedShellNamespace.h"
 #include "support/Test.h"
 #include "zelvar/settings/CnfgLdr.h"
+#include "zelvar/settings/Project.h"
 #include "zelvar/store/DCnfg.h"
 #include "zelvar/store/SettingsStore.h"
 
@@ -115,6 +116,24 @@ TEST_P(DfltFldrsTest, AtTenEntriesOfHistoryAndDefaultsTheOldestGoes) {
     SetHistory("Own", "");
     folders.SaveDirHist("Own", "first");
     EXPECT_EQ(DUserCnfg("DefaultFolders").ReadString("Own", ""), "first");
+}
+
+TEST_P(DfltFldrsTest, FoldersOfTheProjectComeFirst) {
+    DfltFldrs folders(GetParam());
+    folders.SetDfltFldrs("Own", "d");
+    SetHistory("Own", "a;b");
+    SetProject("one; two");
+    folders.SaveDirHist("Own", "b");
+    folders.SaveDirHist("Own", "c");
+    EXPECT_EQ(Offered(folders, "Own"), (std::vector<DString>{"c", "b", "a", "d"}));
+    SetProject("another");
+    folders.SaveDirHist("Own", "a");
+    EXPECT_EQ(Offered(folders, "Own"), (std::vector<DString>{"a", "c", "b", "d"}));
+    SetProject("one; two");
+    EXPECT_EQ(Offered(folders, "Own"), (std::vector<DString>{"c", "b", "a", "d"}));
+    SetProject("");
+    EXPECT_EQ(DUserCnfg("DefaultFolders").ReadString("Own", ""), "a;c;b") << "as without projects";
+    EXPECT_EQ(Offered(folders, "Own"), (std::vector<DString>{"a", "c", "b", "d"}));
 }
 
 TEST_P(DfltFldrsTest, AFileReplacesTheKeysThatItNames) {

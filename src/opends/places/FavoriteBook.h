@@ -16,18 +16,21 @@ struct Favorite {
         Search,
     };
     Kind kind = Kind::Place;
-    DString target{}; ///< path or moniker; of a search its words
-    DString name{};   ///< that the user gave it; empty for what the target is called
-    DString group{};  ///< heading that it stands under; empty for that of all favourites
+    DString target{};       ///< path or moniker; of a search its words
+    DString name{};         ///< that the user gave it; empty for what the target is called
+    DString group{};        ///< heading that it stands under; empty for that of all favourites
+    bool ofProject = false; ///< kept for the present project alone
 
     /// What a list shows. No place is touched for it.
     [[nodiscard]] DString ShownName() const;
-    /// The same thing, whatever it is called.
+    /// The same thing, whatever it is called, and kept for the same.
     [[nodiscard]] bool IsOf(Favorite const &other) const;
+    [[nodiscard]] bool IsSameThing(Favorite const &other) const;
     friend bool operator==(Favorite const &, Favorite const &) = default;
 };
 
-/// The user's favourites of all kinds, in their order. The places among them are those of `Favorites`, which other
+/// The user's favourites of all kinds, in their order, those of the present project before all others. What is added
+/// while a project is set is kept for it. The other places among them are those of `Favorites`, which other
 /// programs read and write: what one of these adds stands at the end here, what it removes is gone. Names, groups,
 /// order and all else stand beside. Each call reads the settings anew and writes in one transaction.
 class FavoriteBook {

@@ -1,6 +1,7 @@
 #include "zelvar/opends/places/RecentPlaces.h"
 
 #include "zelvar/opends/places/SettingsFields.h"
+#include "zelvar/settings/Project.h"
 #include "zelvar/store/DCnfg.h"
 
 #include <algorithm>
@@ -10,6 +11,18 @@ namespace zelvar {
 namespace {
 
 constexpr char kSection[] = "RecentPlaces";
+
+/// Each place once, as many as are kept.
+std::vector<RecentPlace> Merged(std::vector<RecentPlace> const &first, std::vector<RecentPlace> const &others) {
+    std::vector<RecentPlace> merged;
+    for (std::vector<RecentPlace> const *const some : {&first, &others})
+        for (RecentPlace const &place : *some)
+            if (merged.size() < RecentPlaces::kMost &&
+                std::none_of(merged.begin(), merged.end(),
+                             [&](RecentPlace const &known) { return known.path == place.path; }))
+                merged.push_back(place);
+    return merged;
+}
 
 } // namespace
 
@@ -28,9 +41,9 @@ std::optional<RecentPlace> RecentPlaceFrom(DString const &text) {
     return RecentPlace{fields[0], {.selected = {fields.begin() + 2, fields.end()}, .top = fields[1]}};
 }
 
-std::vector<RecentPlace> RecentPlaces::Read() const {
+std::vector<RecentPlace> RecentPlaces::ReadFrom(DString const &key) {
     DVectorSafe<DString> texts;
-    DUserCnfg(kSection).ReadStringVec(m_kind, texts);
+    DUserCnfg(kSection).ReadStringVec(key, texts);
     std::vector<RecentPlace> places;
     for (DString const &text : texts)
         if (std::optional<RecentPlace> place = RecentPlaceFrom(text); place && places.size() < kMost)
@@ -38,21 +51,24 @@ std::vector<RecentPlace> RecentPlaces::Read() const {
     return places;
 }
 
+std::vector<RecentPlace> RecentPlaces::Read() const {
+    DString const ofProject = KeyOfProject(m_kind);
+    return ofProject.empty() ? ReadFrom(m_kind) : Merged(ReadFrom(ofProject), ReadFrom(m_kind));
+}
+
+void RecentPlaces::AddTo(DString const &key, std::vector<RecentPlace> const &latest) {
+    DVectorSafe<DString> texts;
+    for (RecentPlace const &place : Merged(latest, ReadFrom(key)))
+        texts.push_back(ToSettingsText(place));
+    DUserCnfg(kSection).WriteStringVec(key, texts);
+}
+
 void RecentPlaces::Add(std::vector<RecentPlace> const &latest) const {
     if (latest.empty())
         return;
-    std::vector<RecentPlace> all = latest;
-    for (RecentPlace &former : Read())
-        all.push_back(std::move(former));
-    DVectorSafe<DString> texts;
-    std::vector<DString> seen;
-    for (RecentPlace const &place : all) {
-        if (seen.size() == kMost || std::find(seen.begin(), seen.end(), place.path) != seen.end())
-            continue;
-        seen.push_back(place.path);
-        texts.push_back(ToSettingsText(place));
-    }
-    DUserCnfg(kSection).WriteStringVec(m_kind, texts);
+    AddTo(m_kind, latest);
+    if (DString const ofProject = KeyOfProject(m_kind); !ofProject.empty())
+        AddTo(ofProject, latest);
 }
 
 } // namespace zelvar

@@ -22,11 +22,15 @@ public:
     static constexpr std::size_t kMostSelected = 20; ///< paths that are kept of a place
 
     explicit RecentPlaces(DString kind) : m_kind(std::move(kind)) {}
+    /// Those of the present project come before the others of the kind.
     [[nodiscard]] std::vector<RecentPlace> Read() const;
-    /// Those go before the ones that are there; a place is kept once.
+    /// Those go before the ones that are there; a place is kept once. For the present project, too.
     void Add(std::vector<RecentPlace> const &latest) const;
 
 private:
+    [[nodiscard]] static std::vector<RecentPlace> ReadFrom(DString const &key);
+    static void AddTo(DString const &key, std::vector<RecentPlace> const &latest);
+
     DString m_kind;
 };
 
