@@ -53,6 +53,7 @@ void BasketStrip::Show() {
                              ? platform::Shown("Basket is empty")
                              : platform::Shown("Basket: %1").arg(platform::ToQString(m_basket.Summary()));
     m_button->setText(text);
+    m_button->setMinimumWidth(m_button->sizeHint().width() + 2 * m_button->fontMetrics().averageCharWidth());
     m_button->setAccessibleName(text);
     QAccessibleEvent event(m_button, QAccessible::NameChanged);
     platform::Announce(event);
