@@ -22,8 +22,10 @@
 #include "zelvar/opends/OpenDialogTemplate.h"
 #include "zelvar/opends/OpenForecast.h"
 #include "zelvar/opends/OpenLine.h"
+#include "zelvar/opends/OpenSearch.h"
 #include "zelvar/opends/ServerWaits.h"
 #include "zelvar/opends/core/DialogState.h"
+#include "zelvar/opends/search/SearchForm.h"
 #include "zelvar/platform/ui/ControlId.h"
 #include "zelvar/platform/ui/EscapeWatch.h"
 #include "zelvar/platform/ui/Pictures.h"
@@ -32,6 +34,7 @@
 #include "zelvar/store/DCnfg.h"
 
 #include <QtGui/QScreen>
+#include <QtGui/QShortcut>
 #include <QtWidgets/QAbstractItemView>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QCheckBox>
@@ -242,7 +245,12 @@ void DlgOpenDS::CreateDataSetRows() {
     connect(m_mainList, &ReportView::ContextMenu, this, [this](QPoint screenPoint) {
         ItemList roots;
         m_mainList->GetRootItems(roots);
-        m_dataSetRows->RunMenu(*m_mainList, screenPoint, roots, SelectedImages());
+        std::vector<DataSetRows::Command> first;
+        bool const isListing = !m_mainList->IsShowingResults();
+        if (ItemList const picked = SelectedImages(); !isListing && picked.size() == 1)
+            first.push_back({Translated("Open Containing Folder"),
+                             [this, item = picked.front()] { m_search->ShowFolderOf(item); }});
+        m_dataSetRows->RunMenu(*m_mainList, screenPoint, isListing ? roots : ItemList(), SelectedImages(), first);
     });
     m_namedData = std::make_unique<NamedData>(
         *this, *m_histCombo->lineEdit(), *m_mainList,
@@ -279,6 +287,66 @@ void DlgOpenDS::CreateWaits() {
             .show = [this](RefItemPtr<DataSourceItem> item) { ShowPlace(std::move(item)); },
             .refuse = [this](DString const &place, DError const &error) { RefusePlace(place, error); }},
         m_features != kOpenPlain);
+}
+
+void DlgOpenDS::CreateSearch() {
+    m_search = std::make_unique<OpenSearch>(
+        *this, *m_mainList, m_bdiFilter,
+        OpenSearch::Actions{.show = [this](RefItemPtr<DataSourceItem> item) { ShowPlace(std::move(item)); },
+                            .layOut = [this] { Layout(); },
+                            .forget =
+                                [this] {
+                                    m_propertyWnd->Clear();
+                                    if (m_forecast != nullptr)
+                                        m_forecast->Select({});
+                                }});
+    AddSzControl(m_search->Form(), GetDlgItem(*this, kSplitterPlaceId), true);
+    CreateSearchButton();
+    auto const *const open = new QShortcut(QKeySequence::Find, this);
+    connect(open, &QShortcut::activated, this, [this] { m_search->Open(); });
+}
+
+void DlgOpenDS::CreateSearchButton() {
+    // It takes its room from the path.
+    QWidget *const path = GetDlgItem(*this, kPathPlaceId);
+    QWidget *const favorites = GetDlgItem(*this, kFavoritesId);
+    Position place;
+    Position pathPlace;
+    if (!GetControlPosition(favorites, place) || !GetControlPosition(path, pathPlace))
+        return;
+    auto *const button = new CZelButton(this);
+    platform::SetDlgCtrlID(*button, kSearchId);
+    std::ignore = SetUpToolButton(kSearchId, "search", Translated("Search below this place (Ctrl+F)"));
+    int const step = place.right - place.left;
+    pathPlace.right -= step;
+    place.left -= step;
+    place.right -= step;
+    AddSzControl(path, pathPlace, true);
+    AddSzControl(button, place, true);
+    button->show();
+    connect(button, &QAbstractButton::clicked, this, [this] { m_search->Open(); });
+    QWidget *before = GetDlgItem(*this, kHomeId);
+    setTabOrder(before, button);
+    before = m_recursiveButton;
+    for (QWidget *const control : m_search->Form()->FocusOrder()) {
+        setTabOrder(before, control);
+        before = control;
+    }
+}
+
+// The bar of a search lies over the panes, which are lower by as much.
+bool DlgOpenDS::DoMoveCtrl(QWidget *child, int id, Rect &rect, cdxCDynamicLayoutInfo const &info) {
+    if (!cdxCDynamicDialog::DoMoveCtrl(child, id, rect, info))
+        return false;
+    bool const isForm = m_search != nullptr && child == m_search->Form();
+    if (m_search == nullptr || (child != m_splitter && !isForm))
+        return true;
+    int const height = m_search->HeightFor(rect.Width(), rect.Height() / 2);
+    if (isForm)
+        rect.bottom = rect.top + height;
+    else
+        rect.top += height;
+    return true;
 }
 
 void DlgOpenDS::InitializeLayout() {
@@ -340,6 +408,8 @@ bool DlgOpenDS::OnInitDialog() {
         m_readOnlyCheck->show();
         m_editOnlyCheck->show();
     }
+    if ((m_features & kOpenSearch) != 0)
+        CreateSearch();
     RestoreRecursion();
     RestoreSorting();
     RestoreFilter();
@@ -370,6 +440,7 @@ bool DlgOpenDS::DestroyWindow() {
     m_pathButtons.reset();
     m_namedData.reset();
     m_forecast.reset();
+    m_search.reset();
     return cdxCDynamicDialog::DestroyWindow();
 }
 
@@ -509,13 +580,16 @@ void DlgOpenDS::OnOK() {
     if (!AreExtrasFound())
         return;
     TakeDriverOptions();
+    ItemList picked = SelectedImages();
+    if (m_search != nullptr && m_search->Enter(picked))
+        return;
     if (m_forecast != nullptr) {
         ShowSelected(SelectedImages()); // its message may wait behind this
         if (!m_forecast->MayAccept(*this))
             return;
     }
     m_monikers.clear();
-    for (RefItemPtr<DataSourceItem> const &item : SelectedImages()) {
+    for (RefItemPtr<DataSourceItem> const &item : picked) {
         DfltFldrs::Instance()->SaveDirHist(m_historyKey.c_str(), item->GetPath());
         AddMonikers(*item);
     }
@@ -576,8 +650,8 @@ void DlgOpenDS::WriteSettings() {
     int column = 0;
     m_hierarchyList->GetPaneSorting(0, column, sorting.hierarchyAscending);
     sorting.foldersAscending = m_folderList->GetLastSort().IsSortedAscnd();
-    sorting.column = std::clamp(m_mainList->GetLastSort().GetCol(), 0, 2);
-    sorting.mainAscending = m_mainList->GetLastSort().IsSortedAscnd();
+    sorting.column = std::clamp(m_mainList->GetListingSort().GetCol(), 0, 2);
+    sorting.mainAscending = m_mainList->GetListingSort().IsSortedAscnd();
     DUserCnfg(kSortingSection).WriteString(TemplateKey(), SortingToText(sorting));
 
     DUserCnfg(kFilterSection).WriteString(TemplateKey(), ToDString(m_fileFilterEdit->text()));

@@ -38,6 +38,7 @@ class ExtrasFinder;
 class HierarchyList;
 class NamedData;
 class OpenForecast;
+class OpenSearch;
 class ServerWaits;
 
 /// Open data source dialog: the modal dialog in which the user picks data items and gets monikers back.
@@ -107,6 +108,8 @@ public:
     [[nodiscard]] OpenForecast *Forecast() const { return m_forecast.get(); }
     /// What is waited for from servers; null while the panes do not exist.
     [[nodiscard]] ServerWaits *Waits() const { return m_waits.get(); }
+    /// The search below the place that is shown; null without it.
+    [[nodiscard]] OpenSearch *Search() const { return m_search.get(); }
     [[nodiscard]] PathButtonRow const &PathRow() const { return *m_pathButtons; }
 
     QWidget *CreateViewObj(DSplitterWnd *splitter, int row, int col, PaneClass const *paneClass, Size size) override;
@@ -124,6 +127,7 @@ protected:
     bool DestroyWindow() override;
     QWidget *MakeControl(platform::DialogItem const &item) override;
     void OnOK() override;
+    bool DoMoveCtrl(QWidget *child, int id, Rect &rect, cdxCDynamicLayoutInfo const &info) override;
     bool event(QEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
@@ -193,6 +197,8 @@ private:
     void ListDataSetsAgain();
     void CreateForecast();
     void CreateWaits();
+    void CreateSearch();
+    void CreateSearchButton();
     void ShowPlace(RefItemPtr<DataSourceItem> item);
     void RefusePlace(DString const &path, DError const &error) const;
     void ShowDriverOptions(ItemList const &items);
@@ -232,6 +238,7 @@ private:
     std::unique_ptr<ServerWaits> m_waits;
     std::unique_ptr<DataSetRows> m_dataSetRows; ///< null without that feature, as the next
     std::unique_ptr<NamedData> m_namedData;
+    std::unique_ptr<OpenSearch> m_search;     ///< null without that feature
     std::unique_ptr<OpenForecast> m_forecast; ///< null without that feature, as the next
     std::unique_ptr<DriverOptionChoice> m_driverOptions;
     ItemList m_pageItems; ///< whose options stand on the page of their driver; empty without one

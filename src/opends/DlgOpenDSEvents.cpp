@@ -25,9 +25,11 @@
 #include "zelvar/opends/OpenDialogTemplate.h"
 #include "zelvar/opends/OpenForecast.h"
 #include "zelvar/opends/OpenLine.h"
+#include "zelvar/opends/OpenSearch.h"
 #include "zelvar/opends/PlaceOpener.h"
 #include "zelvar/opends/PreviewBar.h"
 #include "zelvar/opends/ServerWaits.h"
+#include "zelvar/opends/search/SearchForm.h"
 #include "zelvar/platform/ui/ControlId.h"
 #include "zelvar/platform/ui/EllipsisLabel.h"
 #include "zelvar/platform/ui/EscapeWatch.h"
@@ -98,6 +100,8 @@ void DlgOpenDS::timerEvent(QTimerEvent *event) {
 
 void DlgOpenDS::OnUpdateState() {
     m_waits->Update();
+    if (m_search != nullptr)
+        m_search->Update();
     bool const isSelected = m_mainList->GetNumSlct() > 0;
     m_okButton->setEnabled(isSelected);
     // A list that is filled anew forgets what was selected without a word.
@@ -210,7 +214,8 @@ void DlgOpenDS::ApplyFileFilter(char const *mask, char const *formatId) {
     m_hierarchyList->ApplyFileFilter(mask, formatId);
     m_hierarchyList->Refresh();
     m_mainList->ApplyFileFilter(mask, formatId);
-    m_mainList->Refresh();
+    if (!m_mainList->IsShowingResults()) // these have their own query
+        m_mainList->Refresh();
 }
 
 void DlgOpenDS::UpdateFormat(DFileFrmt *format) {
@@ -287,8 +292,11 @@ void DlgOpenDS::ShowSelected(ItemList const &items) {
         return;
     platform::GetDlgItem<platform::EllipsisLabel>(*this, kStatusId)->SetText(ToQString(items.back()->GetPath()));
     m_propertyWnd->ShowProps(items.back(), m_format == nullptr ? "" : m_format->GetDriverText().c_str());
-    if (m_forecast != nullptr)
-        m_forecast->Select(items);
+    if (m_forecast == nullptr)
+        return;
+    ItemList picked = items;
+    picked.remove_if([this](RefItemPtr<DataSourceItem> const &item) { return !item->IsFile(m_bdiFilter); });
+    m_forecast->Select(m_mainList->IsShowingResults() ? picked : items);
 }
 
 // The options of the selection before stay where they are until it is known what takes their place.
@@ -449,7 +457,8 @@ bool DlgOpenDS::ProcessKey(int key, QWidget *focus) {
         ProcessRefreshKey(focus);
         return true;
     case Qt::Key_Escape:
-        return m_waits->Stop(); // else it closes the dialog
+        // Else it closes the dialog.
+        return m_waits->Stop() || (m_search != nullptr && m_search->Stop());
     case Qt::Key_Return:
     case Qt::Key_Enter:
         return ProcessReturnKey(focus);
@@ -461,7 +470,7 @@ bool DlgOpenDS::ProcessKey(int key, QWidget *focus) {
 }
 
 void DlgOpenDS::ProcessRefreshKey(QWidget *focus) {
-    if (m_waits->Retry())
+    if (m_waits->Retry() || (m_search != nullptr && m_search->Again()))
         return;
     platform::EscapeWatch const watch; // one Escape for all lists
     ListingsShared const shared;
@@ -495,6 +504,10 @@ bool DlgOpenDS::ProcessReturnKey(QWidget *focus) {
     // The button that has the focus is the one that is pressed, not the dialog's own.
     if (auto *const button = qobject_cast<QPushButton *>(focus)) {
         button->click();
+        return true;
+    }
+    if (m_search != nullptr && IsWithin(m_search->Form(), focus)) {
+        m_search->Begin();
         return true;
     }
     if (qobject_cast<QAbstractButton *>(focus) != nullptr || IsWithin(m_propertyWnd->Bar(), focus))
