@@ -34,7 +34,6 @@
 #include "zelvar/store/DCnfg.h"
 
 #include <QtGui/QScreen>
-#include <QtGui/QShortcut>
 #include <QtWidgets/QAbstractItemView>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QCheckBox>
@@ -302,8 +301,6 @@ void DlgOpenDS::CreateSearch() {
                                 }});
     AddSzControl(m_search->Form(), GetDlgItem(*this, kSplitterPlaceId), true);
     CreateSearchButton();
-    auto const *const open = new QShortcut(QKeySequence::Find, this);
-    connect(open, &QShortcut::activated, this, [this] { m_search->Open(); });
 }
 
 void DlgOpenDS::CreateSearchButton() {

@@ -22,6 +22,7 @@
 #include <optional>
 
 class QCheckBox;
+class QKeyEvent;
 class QLineEdit;
 class QPushButton;
 
@@ -176,6 +177,7 @@ private:
     void OnSelendokHist();
     void OnSelendokFileType();
     void OnUpdateState();
+    bool ProcessShortcut(QKeyEvent const &key);
     bool ProcessKey(int key, QWidget *focus);
     bool ProcessReturnKey(QWidget *focus);
     bool ProcessTabKey(QWidget *focus);

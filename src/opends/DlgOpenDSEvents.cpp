@@ -441,10 +441,18 @@ void DlgOpenDS::OnFirstPaneRootChanged() {
 bool DlgOpenDS::eventFilter(QObject *watched, QEvent *event) {
     if (event->type() == QEvent::KeyPress && isVisible()) {
         auto *focus = qobject_cast<QWidget *>(watched);
-        if (focus != nullptr && focus == focusWidget() && ProcessKey(static_cast<QKeyEvent *>(event)->key(), focus))
+        auto const &key = *static_cast<QKeyEvent *>(event);
+        if (focus != nullptr && focus == focusWidget() && (ProcessShortcut(key) || ProcessKey(key.key(), focus)))
             return true;
     }
     return cdxCDynamicDialog::eventFilter(watched, event);
+}
+
+bool DlgOpenDS::ProcessShortcut(QKeyEvent const &key) {
+    if (m_search == nullptr || !key.matches(QKeySequence::Find))
+        return false;
+    m_search->Open();
+    return true;
 }
 
 bool DlgOpenDS::ProcessKey(int key, QWidget *focus) {
