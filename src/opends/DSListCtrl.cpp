@@ -114,7 +114,9 @@ void DSListCtrl::FitNames() {
         return;
     int const rest = GetClientRect().Width() - GetColumnWidth(kSizeColumn) - GetColumnWidth(kDateColumn) -
                      GetColumnWidth(kFolderColumn); // 0 for no such column
-    m_fittedNames = std::max(LeastNameWidth(), rest);
+    // Beside their folders they get along with less.
+    int const least = m_results == nullptr ? LeastNameWidth() : LeastNameWidth() * 2 / 3;
+    m_fittedNames = std::max(least, rest);
     SetColumnWidth(kNameColumn, m_fittedNames);
 }
 

@@ -85,7 +85,7 @@ void DSListCtrl::KeepListing() {
     bool const areNamesFitted = GetColumnWidth(kNameColumn) == m_fittedNames;
     int const room = GetClientRect().Width() - GetColumnWidth(kSizeColumn) - GetColumnWidth(kDateColumn);
     CListCtrlFlex::InsertColumn(kFolderColumn, ADICol_String, Translated("Folder"), false, LVCFMT_LEFT,
-                                std::max(LeastNameWidth(), room * 2 / 5), kFolderColumn);
+                                std::max(LeastNameWidth() / 2, room * 2 / 5), kFolderColumn);
     std::vector<int> order = GetColumnOrderArray();
     std::erase(order, kFolderColumn);
     order.insert(std::find(order.begin(), order.end(), kNameColumn) + 1, kFolderColumn);

@@ -338,7 +338,7 @@ bool DlgOpenDS::DoMoveCtrl(QWidget *child, int id, Rect &rect, cdxCDynamicLayout
     bool const isForm = m_search != nullptr && child == m_search->Form();
     if (m_search == nullptr || (child != m_splitter && !isForm))
         return true;
-    int const height = m_search->HeightFor(rect.Width(), rect.Height() / 2);
+    int const height = m_search->HeightFor(rect.Width(), rect.Height() * 2 / 3);
     if (isForm)
         rect.bottom = rect.top + height;
     else

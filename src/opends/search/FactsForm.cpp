@@ -77,6 +77,7 @@ FactsForm::FactsForm(QWidget *parent) : QWidget(parent) {
     QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Preferred);
     policy.setHeightForWidth(true);
     setSizePolicy(policy);
+    AlignLabels();
 }
 
 // ------------------------------------------------------------------------------------------------------ building
@@ -91,6 +92,7 @@ QWidget *FactsForm::AddCell(char const *label, std::vector<QWidget *> const &con
         words->setTextFormat(Qt::PlainText);
         words->setBuddy(controls.front());
         line->addWidget(words);
+        m_labels.push_back(words);
     }
     for (QWidget *const control : controls) {
         line->addWidget(control, 1);
@@ -164,6 +166,17 @@ void FactsForm::FocusOn(SearchDraft::Fault const &fault) const {
 
 // ------------------------------------------------------------------------------------------------------- placing
 
+// The fields of a column begin below each other.
+void FactsForm::AlignLabels() {
+    int width = 0;
+    for (QLabel *const label : m_labels) {
+        label->setMinimumWidth(0);
+        width = std::max(width, label->sizeHint().width());
+    }
+    for (QLabel *const label : m_labels)
+        label->setMinimumWidth(width);
+}
+
 QSize FactsForm::CellSize() const {
     QSize size;
     for (QWidget const *const cell : m_cells)
@@ -213,8 +226,10 @@ void FactsForm::changeEvent(QEvent *event) {
     QWidget::changeEvent(event);
     if (event->type() == QEvent::LayoutDirectionChange)
         Place();
-    if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange)
-        updateGeometry();
+    if (event->type() != QEvent::FontChange && event->type() != QEvent::StyleChange)
+        return;
+    AlignLabels();
+    updateGeometry();
 }
 
 } // namespace zelvar

@@ -9,6 +9,7 @@
 
 class QCheckBox;
 class QComboBox;
+class QLabel;
 class QLineEdit;
 
 namespace zelvar {
@@ -50,9 +51,11 @@ private:
     QCheckBox *AddCheck(char const *label, char const *tip, char const *name);
     [[nodiscard]] QSize CellSize() const;
     [[nodiscard]] int ColumnsIn(int width) const;
+    void AlignLabels();
     void Place();
 
     std::vector<QWidget *> m_cells; ///< children
+    std::vector<QLabel *> m_labels;
     std::vector<QWidget *> m_focusOrder;
     std::vector<BoundEdits> m_bounds;
     QComboBox *m_kind = nullptr;
