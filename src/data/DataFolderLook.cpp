@@ -29,11 +29,6 @@ FolderContent ReadContent(int folder, std::int64_t &modified) {
     struct stat info {};
     if (fstat(folder, &info) == 0)
         modified = ModifiedOf(info);
-    for (char const *name : kTelling)
-        if (fstatat(folder, name, &info, AT_SYMLINK_NOFOLLOW) == 0) {
-            content.files.emplace_back(name);
-            modified = std::max(modified, ModifiedOf(info));
-        }
     DIR *const entries = fdopendir(folder);
     if (entries == nullptr) {
         close(folder);
@@ -50,7 +45,16 @@ FolderContent ReadContent(int folder, std::int64_t &modified) {
         }
         if (entry->d_type == DT_DIR)
             content.hasFolders = true;
-        else if (std::find(content.files.begin(), content.files.end(), name) == content.files.end())
+        else
+            content.files.emplace_back(name);
+    }
+    for (char const *const name : kTelling) {
+        bool const isSeen = std::find(content.files.begin(), content.files.end(), name) != content.files.end();
+        // In a folder that was seen whole nobody is asked for what is not there.
+        if ((content.isWhole && !isSeen) || fstatat(folder, name, &info, AT_SYMLINK_NOFOLLOW) != 0)
+            continue;
+        modified = std::max(modified, ModifiedOf(info));
+        if (!isSeen)
             content.files.emplace_back(name);
     }
     closedir(entries);

@@ -5,9 +5,12 @@
 #include "zelvar/model/SeriesItem.h"
 #include "zelvar/model/TemplDataSourceItem.h"
 #include "zelvar/model/listing/ListingTexts.h"
+#include "zelvar/opends/DSListing.h"
 #include "zelvar/opends/DSMessages.h"
 #include "zelvar/opends/FolderListingWorker.h"
 #include "zelvar/opends/ItemColors.h"
+#include "zelvar/opends/ListColumns.h"
+#include "zelvar/opends/ListResults.h"
 #include "zelvar/opends/ServerListing.h"
 #include "zelvar/platform/ui/ControlId.h"
 #include "zelvar/platform/ui/EscapeWatch.h"
@@ -32,12 +35,10 @@ constexpr int kDateMargin = 12;     // pixels beside a date
 constexpr int kFolderExtra = 100;   // pixels of the folder column beyond the window
 constexpr unsigned kGrow = LVSICF_NOINVALIDATEALL | LVSICF_NOSCROLL;
 
-enum Column { kName = 0, kSize = 1, kDate = 2 };
-
 ListingSort SortOfColumn(int col) {
-    if (col == kSize)
+    if (col == kSizeColumn)
         return ListingSort::Size;
-    return col == kDate ? ListingSort::Date : ListingSort::Name;
+    return col == kDateColumn ? ListingSort::Date : ListingSort::Name;
 }
 
 /// Behind the name of a series stands how many it has, and which are missing.
@@ -60,22 +61,6 @@ bool IsSamePlace(RefItemPtr<DataSourceItem> const &a, RefItemPtr<DataSourceItem>
 constexpr int kCellInset = 1;
 
 } // namespace
-
-struct DSListCtrl::Listing {
-    FolderListingWorker worker;
-    std::shared_ptr<ServerListing> server; ///< that was begun last; null for none
-    ListingSort sort = ListingSort::None;  ///< of the worker
-    bool ascending = true;
-    PaneState savedState;  ///< what the last listing was made from
-    PathSet selectedPaths; ///< rows that are to be selected when they turn up
-    DString focusPath;     ///< of the row that the keyboard was at before a listing
-
-    void ReleaseServer() {
-        if (server != nullptr)
-            server->Release();
-        server.reset();
-    }
-};
 
 DSListCtrl::DSListCtrl(QWidget *parent)
     : CZelListCtrlVirtual(parent), m_listing(std::make_unique<Listing>()), m_selChangeMessage(WM_DS_DATA_ITEM_SELECTED),
@@ -124,18 +109,22 @@ int DSListCtrl::OnCreate() {
 void DSListCtrl::resizeEvent(QResizeEvent *event) {
     CZelListCtrlVirtual::resizeEvent(event);
     if (height() > 0 && m_mode == ModeFolders)
-        SetColumnWidth(kName, GetClientRect().Width());
+        SetColumnWidth(kNameColumn, GetClientRect().Width());
     FitNames();
 }
 
 void DSListCtrl::FitNames() {
-    if (GetColumnCount() <= kDate || GetColumnWidth(kName) != m_fittedNames)
+    if (GetColumnCount() <= kDateColumn || GetColumnWidth(kNameColumn) != m_fittedNames)
         return;
-    int const least = fontMetrics().averageCharWidth() * kCharsPerInch;
-    int const rest = GetClientRect().Width() - GetColumnWidth(kSize) - GetColumnWidth(kDate);
+    int const rest = GetClientRect().Width() - GetColumnWidth(kSizeColumn) - GetColumnWidth(kDateColumn) -
+                     GetColumnWidth(kFolderColumn); // 0 for no such column
+    // Beside their folders they get along with less.
+    int const least = m_results == nullptr ? LeastNameWidth() : LeastNameWidth() * 2 / 3;
     m_fittedNames = std::max(least, rest);
-    SetColumnWidth(kName, m_fittedNames);
+    SetColumnWidth(kNameColumn, m_fittedNames);
 }
+
+int DSListCtrl::LeastNameWidth() const { return fontMetrics().averageCharWidth() * kCharsPerInch; }
 
 void DSListCtrl::SetMode(Mode mode) {
     m_mode = mode;
@@ -164,6 +153,7 @@ bool DSListCtrl::HasStateChanged() const {
 }
 
 void DSListCtrl::ShowDir(RefItemPtr<DataSourceItem> dir, RefItemPtr<DataSourceItem> const &selected) {
+    LeaveResults();
     m_itemToSelect.reset();
     m_listing->selectedPaths.Clear();
     if (selected != nullptr)
@@ -172,6 +162,7 @@ void DSListCtrl::ShowDir(RefItemPtr<DataSourceItem> dir, RefItemPtr<DataSourceIt
 }
 
 void DSListCtrl::ResetItems(ItemList const &items) {
+    LeaveResults(); // what is asked for may be what they stand in place of
     SaveSelection();
     ResetItemsIntrnl(items);
 }
@@ -202,6 +193,8 @@ void DSListCtrl::Refresh() {
 }
 
 void DSListCtrl::Sort(int col, bool ascending) {
+    if (m_results != nullptr)
+        return SortResults(col, ascending);
     ItemList const roots = m_rootItems;
     SaveFocus();
     Reset();
@@ -226,7 +219,10 @@ void DSListCtrl::ApplyFileFilter(char const *mask, char const *formatId) {
     m_fileFilter = mask == nullptr ? "" : mask;
     if (formatId != nullptr)
         m_formatId = formatId;
-    ResetItems(m_rootItems);
+    if (m_results != nullptr)
+        m_results->isStale = true; // results have their own query
+    else
+        ResetItems(m_rootItems);
 }
 
 void DSListCtrl::CopyData(DSListCtrl *other) {
@@ -235,6 +231,10 @@ void DSListCtrl::CopyData(DSListCtrl *other) {
 }
 
 void DSListCtrl::Reset() {
+    if (m_results != nullptr) {
+        std::ignore = EndResults(); // nobody wants what it kept
+        Q_EMIT ResultsLeft();
+    }
     m_listing->ReleaseServer();
     m_listing->worker.Stop(true);
     m_listing->worker.ClearPending();
@@ -244,7 +244,7 @@ void DSListCtrl::Reset() {
     m_rows.clear();
     m_listing->savedState = {}; // what comes back is listed again
     if (m_mode == ModeFolders)
-        SetColumnCaption(kName, "");
+        SetColumnCaption(kNameColumn, "");
     viewport()->update();
 }
 
@@ -270,7 +270,7 @@ void DSListCtrl::SaveFocus() {
 void DSListCtrl::StartWindowFilling() {
     if (m_mode == ModeFolders) {
         bool const single = m_rootItems.size() == 1 && m_rootItems.front() != nullptr;
-        SetColumnCaption(kName, single ? m_rootItems.front()->GetName() : "");
+        SetColumnCaption(kNameColumn, single ? m_rootItems.front()->GetName() : "");
     }
     if (m_rootItems.empty())
         return;
@@ -346,6 +346,8 @@ std::vector<std::uint32_t> DSListCtrl::SelectedRows() const {
 }
 
 void DSListCtrl::MergePending() {
+    if (m_results != nullptr)
+        return;
     std::vector<FolderListingWorker::Pending> batch =
         m_listing->server != nullptr ? m_listing->server->TakePending() : m_listing->worker.TakePending();
     if (batch.empty())
@@ -356,6 +358,10 @@ void DSListCtrl::MergePending() {
             m_listing->server->Stop();
         return;
     }
+    Merge(std::move(batch));
+}
+
+void DSListCtrl::Merge(std::vector<FolderListingWorker::Pending> batch) {
     std::vector<std::int32_t> places;
     places.reserve(batch.size());
     for (FolderListingWorker::Pending const &record : batch)
@@ -452,7 +458,7 @@ void DSListCtrl::Tell(platform::MessageId message, platform::MessageParam second
 }
 
 bool DSListCtrl::OnItemChanged(int row, unsigned, unsigned newState) {
-    if ((newState & LVIS_SELECTED) == 0)
+    if ((newState & LVIS_SELECTED) == 0 || m_isQuiet)
         return true;
     // A row that comes back from a refill stays quiet, once; a real click on it later is told.
     if (RefItemPtr<DataSourceItem> const item = ItemAt(row); item != nullptr && !m_listing->selectedPaths.IsEmpty()) {
@@ -467,7 +473,7 @@ bool DSListCtrl::OnItemChanged(int row, unsigned, unsigned newState) {
 }
 
 bool DSListCtrl::OnRangeChanged(int, int, unsigned, unsigned newState) {
-    if ((newState & LVIS_SELECTED) != 0)
+    if ((newState & LVIS_SELECTED) != 0 && !m_isQuiet)
         Tell(m_selChangeMessage, 0);
     return true;
 }
@@ -497,15 +503,17 @@ void DSListCtrl::OnChar(QChar character) {
 DString DSListCtrl::OnGetItemText(int, int) { return {}; }
 int DSListCtrl::OnGetItemImg(int, int) { return -1; }
 
-DString DSListCtrl::CellText(DataSourceItem const &item, int col) {
+DString DSListCtrl::CellText(DataSourceItem &item, int col) const {
     SystemTime time;
     switch (col) {
-    case kName:
+    case kNameColumn:
         return NameText(item);
-    case kSize:
+    case kSizeColumn:
         return item.GetFileSize() < 0 ? DString() : FormatFileSize(item.GetFileSize());
-    case kDate:
+    case kDateColumn:
         return item.GetModificationTime(time) ? FormatTime(time) : DString();
+    case kFolderColumn:
+        return FolderText(item);
     default:
         return {};
     }
@@ -520,7 +528,7 @@ int DSListCtrl::MeasureCell(int row, int col) const {
     return LabelLeft(row, col) + fontMetrics().horizontalAdvance(ShownText(row, col)) + 2 * kCellInset;
 }
 
-int DSListCtrl::LabelLeft(int, int col) const { return col == kName ? kPictureBand : 0; }
+int DSListCtrl::LabelLeft(int, int col) const { return col == kNameColumn ? kPictureBand : 0; }
 
 void DSListCtrl::DrawItem(DrawItemStruct const &request) {
     if (request.action != ODA_DRAWENTIRE) {
@@ -541,10 +549,11 @@ void DSListCtrl::DrawItem(DrawItemStruct const &request) {
         Rect cell = request.rcItem;
         cell.left = ColumnStart(col);
         cell.right = cell.left + GetColumnWidth(col);
-        if (col == kName)
+        if (col == kNameColumn)
             cell.left += kPictureBand + kCellInset, cell.top += kCellInset, cell.right -= kCellInset,
                 cell.bottom -= kCellInset;
-        DrawCellText(request.painter, Mirrored(cell), CellText(*item, col), col == kName ? LVCFMT_LEFT : LVCFMT_RIGHT,
+        bool const isText = col == kNameColumn || col == kFolderColumn;
+        DrawCellText(request.painter, Mirrored(cell), CellText(*item, col), isText ? LVCFMT_LEFT : LVCFMT_RIGHT,
                      CellPlace::Centered, platform::Reading::LeftToRight);
     }
     if ((request.state & LVIS_FOCUSED) != 0)

@@ -16,7 +16,10 @@
 
 namespace zelvar {
 
+struct ListResults;
 struct PaneState;
+template <class Handle>
+struct PendingRow;
 
 /// Data source list control: shows the children of one or more items, painted from the items themselves.
 ///
@@ -67,6 +70,8 @@ public:
     /// Lists again in that order: by name, size or date for the columns 0, 1 and 2.
     void Sort(int col, bool ascending) override;
     using CZelListCtrlVirtual::Sort;
+    /// The last sort of a listing, also while results are shown.
+    [[nodiscard]] LastSort GetListingSort() const;
     /// Lists what the other list lists.
     void CopyData(DSListCtrl *other);
 
@@ -74,6 +79,16 @@ public:
     [[nodiscard]] bool IsListing() const;
     /// Ends that; what has come stays. Does not wait.
     void StopListing();
+
+    // What a search has found, in place of the rows of a listing, with a column that says in which folder below the
+    // roots it lies. A request for a listing ends that, see `ResultsLeft`.
+    /// Empties the list for results, or for other ones.
+    void ShowResults();
+    /// They come behind those that are there, or where a sort by a column puts them. What is selected stays.
+    void AppendResults(std::vector<RefItemPtr<DataSourceItem>> items);
+    [[nodiscard]] bool IsShowingResults() const { return m_results != nullptr; }
+    /// Shows the listing as it was left: its rows, what is selected, how far it is scrolled. Nothing without results.
+    void LeaveResults();
 
     /// Replaces the argument by the items whose children are listed.
     void GetRootItems(ItemList &items) const { items = m_rootItems; }
@@ -94,6 +109,8 @@ public:
 Q_SIGNALS:
     void PlaceLeft();  ///< other items will be listed; the rows and the roots are still there
     void PlaceShown(); ///< other items are listed; their rows are yet to come
+    /// The list shows results no more.
+    void ResultsLeft();
 
 protected:
     void PreCreateWindow(unsigned &style, Rect &place) override;
@@ -123,8 +140,14 @@ private:
     [[nodiscard]] PaneState PresentState() const;
     [[nodiscard]] bool HasStateChanged() const;
     void MergePending();
+    void Merge(std::vector<PendingRow<RefItemPtr<DataSourceItem>>> batch);
+    void KeepListing();
+    void SortResults(int col, bool ascending);
+    [[nodiscard]] std::unique_ptr<ListResults> EndResults();
+    [[nodiscard]] DString FolderText(DataSourceItem &item) const;
+    [[nodiscard]] int LeastNameWidth() const;
     [[nodiscard]] std::vector<std::uint32_t> SelectedRows() const;
-    [[nodiscard]] static DString CellText(DataSourceItem const &item, int col);
+    [[nodiscard]] DString CellText(DataSourceItem &item, int col) const;
     void Tell(platform::MessageId message, platform::MessageParam second);
 
     ItemList m_rootItems;
@@ -147,6 +170,8 @@ private:
     bool m_showParentFolderItem = false;
     std::unique_ptr<ImageList> m_parentFolderImages; ///< the picture of ".."
     bool m_dblClckBesideRows = false;
+    std::unique_ptr<ListResults> m_results; ///< null for a listing
+    bool m_isQuiet = false;                 ///< nobody is told what is selected
     platform::WindowTimers m_timers;
 };
 

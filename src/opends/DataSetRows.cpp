@@ -61,20 +61,7 @@ void DataSetRows::CopyMonikers(ItemList const &items) const {
     QGuiApplication::clipboard()->setText(platform::ToQString(text));
 }
 
-void DataSetRows::RunMenu(QWidget &list, QPoint screenPoint, ItemList const &roots, ItemList const &selected) {
-    QMenu menu(&list);
-    QAction *const copy = menu.addAction(platform::Shown("Copy Moniker"));
-    copy->setEnabled(!selected.empty());
-    QAction *const basket =
-        m_actions.addToBasket == nullptr ? nullptr : menu.addAction(platform::Shown("Add to Basket\tIns"));
-    if (basket != nullptr)
-        basket->setEnabled(!selected.empty());
-    QAction *const favorites =
-        m_actions.addToFavorites == nullptr ? nullptr : menu.addAction(platform::Shown("Add to Favorites"));
-    if (favorites != nullptr)
-        favorites->setEnabled(!selected.empty());
-    RefItemPtr<DataSourceItem> const folder = FolderOf(selected);
-    QAction const *const contents = folder == nullptr ? nullptr : menu.addAction(platform::Shown("Show Contents"));
+QAction *DataSetRows::AddFoldingTo(QMenu &menu, ItemList const &roots) const {
     menu.addSeparator();
     QAction *const all = menu.addAction(platform::Shown("Show All Files"));
     all->setCheckable(true);
@@ -84,15 +71,28 @@ void DataSetRows::RunMenu(QWidget &list, QPoint screenPoint, ItemList const &roo
         numbered->setCheckable(true);
         numbered->setChecked(FoldingOf(roots).series);
     }
+    return all;
+}
+
+void DataSetRows::RunMenu(QWidget &list, QPoint screenPoint, ItemList const &roots, ItemList const &selected,
+                          std::vector<Command> const &first) {
+    QMenu menu(&list);
+    std::vector<QAction const *> firstActions;
+    for (Command const &command : first)
+        firstActions.push_back(menu.addAction(platform::ToQString(command.words)));
+    QAction *const copy = menu.addAction(platform::Shown("Copy Moniker"));
+    copy->setEnabled(!selected.empty());
+    RefItemPtr<DataSourceItem> const folder = FolderOf(selected);
+    QAction const *const contents = folder == nullptr ? nullptr : menu.addAction(platform::Shown("Show Contents"));
+    QAction const *const all = roots.empty() ? nullptr : AddFoldingTo(menu, roots);
     QAction const *const chosen = platform::RunMenu(menu, screenPoint);
+    for (std::size_t i = 0; i < first.size() && chosen != nullptr; ++i)
+        if (chosen == firstActions[i])
+            return first[i].run();
     if (chosen == nullptr)
         return;
     if (chosen == copy) {
         CopyMonikers(selected);
-    } else if (chosen == basket) {
-        m_actions.addToBasket(selected);
-    } else if (chosen == favorites) {
-        m_actions.addToFavorites(selected);
     } else if (chosen == contents) {
         m_actions.show(folder);
     } else {

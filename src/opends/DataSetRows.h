@@ -9,7 +9,10 @@
 #include <functional>
 #include <list>
 #include <set>
+#include <vector>
 
+class QAction;
+class QMenu;
 class QWidget;
 
 namespace zelvar {
@@ -26,8 +29,12 @@ public:
         std::function<void()> listAgain;
         std::function<void(RefItemPtr<DataSourceItem>)> show; ///< its children in all panes
         std::function<DString(DataSourceItem const &)> moniker;
-        std::function<void(ItemList const &)> addToBasket{};    ///< empty for no basket
-        std::function<void(ItemList const &)> addToFavorites{}; ///< the same
+    };
+
+    /// A further line of the menu.
+    struct Command {
+        DString words; ///< in the user's language
+        std::function<void()> run;
     };
 
     /// Without `foldsNumbered` numbered files are never folded.
@@ -36,10 +43,13 @@ public:
     [[nodiscard]] DataSetFolding FoldingOf(ItemList const &roots) const;
     /// While this lives the numbered files and side-cars of that folder have rows of their own.
     void ShowSingly(DString const &folder) { m_singly.insert(folder); }
-    /// Runs the menu about the `selected` items of a list that shows the children of `roots`.
-    void RunMenu(QWidget &list, QPoint screenPoint, ItemList const &roots, ItemList const &selected);
+    /// Runs the menu about the `selected` items of a list that shows the children of `roots`; without roots it is not
+    /// about a folder. `first` stand above what is in it anyway.
+    void RunMenu(QWidget &list, QPoint screenPoint, ItemList const &roots, ItemList const &selected,
+                 std::vector<Command> const &first = {});
 
 private:
+    QAction *AddFoldingTo(QMenu &menu, ItemList const &roots) const;
     void ToggleNumbered(ItemList const &roots);
     void CopyMonikers(ItemList const &items) const;
 

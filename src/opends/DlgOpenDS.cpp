@@ -24,9 +24,11 @@
 #include "zelvar/opends/OpenDialogTemplate.h"
 #include "zelvar/opends/OpenForecast.h"
 #include "zelvar/opends/OpenLine.h"
+#include "zelvar/opends/OpenSearch.h"
 #include "zelvar/opends/PlaceTravel.h"
 #include "zelvar/opends/ServerWaits.h"
 #include "zelvar/opends/core/DialogState.h"
+#include "zelvar/opends/search/SearchForm.h"
 #include "zelvar/platform/ui/ControlId.h"
 #include "zelvar/platform/ui/EscapeWatch.h"
 #include "zelvar/platform/ui/Pictures.h"
@@ -231,30 +233,35 @@ void DlgOpenDS::ListDataSetsAgain() {
 
 void DlgOpenDS::CreateDataSetRows() {
     auto const show = [this](RefItemPtr<DataSourceItem> item) { ShowItem(std::move(item)); };
-    std::function<void(ItemList const &)> addToBasket;
-    if (m_basket != nullptr)
-        addToBasket = [this](ItemList const &items) { AddToBasket(items); };
-    std::function<void(ItemList const &)> addToFavorites;
-    if (m_dataSourceList->OfferedFavorites() != nullptr)
-        addToFavorites = [this](ItemList const &items) { AddToFavorites(items); };
     m_dataSetRows = std::make_unique<DataSetRows>(DataSetRows::Actions{.listAgain = [this] { ListDataSetsAgain(); },
                                                                        .show = show,
                                                                        .moniker =
                                                                            [this](DataSourceItem const &item) {
                                                                                TakeDriverOptions();
                                                                                return MonikerOf(item);
-                                                                           },
-                                                                       .addToBasket = addToBasket,
-                                                                       .addToFavorites = addToFavorites},
+                                                                           }},
                                                   (m_features & kOpenSeries) != 0);
     auto const rule = [this](ItemList const &roots) { return m_dataSetRows->FoldingOf(roots); };
     m_mainList->SetFoldingRule(rule);
     m_folderList->SetFoldingRule(rule);
     m_hierarchyList->SetFoldingRule(rule);
-    connect(m_mainList, &ReportView::ContextMenu, this, [this](QPoint screenPoint) {
+    auto const commandsFor = [this](ItemList const &picked) {
+        std::vector<DataSetRows::Command> commands;
+        if (m_mainList->IsShowingResults() && picked.size() == 1)
+            commands.push_back({Translated("Open Containing Folder"),
+                                [this, item = picked.front()] { m_search->ShowFolderOf(item); }});
+        if (m_basket != nullptr && !picked.empty())
+            commands.push_back({Translated("Add to Basket\tIns"), [this, picked] { AddToBasket(picked); }});
+        if (m_dataSourceList->OfferedFavorites() != nullptr && !picked.empty())
+            commands.push_back({Translated("Add to Favorites"), [this, picked] { AddToFavorites(picked); }});
+        return commands;
+    };
+    connect(m_mainList, &ReportView::ContextMenu, this, [this, commandsFor](QPoint screenPoint) {
         ItemList roots;
         m_mainList->GetRootItems(roots);
-        m_dataSetRows->RunMenu(*m_mainList, screenPoint, roots, SelectedImages());
+        ItemList const picked = SelectedImages();
+        m_dataSetRows->RunMenu(*m_mainList, screenPoint, m_mainList->IsShowingResults() ? ItemList() : roots, picked,
+                               commandsFor(picked));
     });
     m_namedData = std::make_unique<NamedData>(
         *this, *m_histCombo->lineEdit(), *m_mainList,
@@ -328,6 +335,64 @@ void DlgOpenDS::CreateWaits() {
         m_features != kOpenPlain);
 }
 
+void DlgOpenDS::CreateSearch() {
+    m_search = std::make_unique<OpenSearch>(
+        *this, *m_mainList, m_bdiFilter,
+        OpenSearch::Actions{.show = [this](RefItemPtr<DataSourceItem> item) { ShowPlace(std::move(item)); },
+                            .layOut = [this] { Layout(); },
+                            .forget =
+                                [this] {
+                                    m_propertyWnd->Clear();
+                                    if (m_forecast != nullptr)
+                                        m_forecast->Select({});
+                                }});
+    AddSzControl(m_search->Form(), GetDlgItem(*this, kSplitterPlaceId), true);
+    CreateSearchButton();
+}
+
+void DlgOpenDS::CreateSearchButton() {
+    // It takes its room from the path.
+    QWidget *const path = GetDlgItem(*this, kPathPlaceId);
+    QWidget *const favorites = GetDlgItem(*this, kFavoritesId);
+    Position place;
+    Position pathPlace;
+    if (!GetControlPosition(favorites, place) || !GetControlPosition(path, pathPlace))
+        return;
+    auto *const button = new CZelButton(this);
+    platform::SetDlgCtrlID(*button, kSearchId);
+    std::ignore = SetUpToolButton(kSearchId, "search", Translated("Search below this place (Ctrl+F)"));
+    int const step = place.right - place.left;
+    pathPlace.right -= step;
+    place.left -= step;
+    place.right -= step;
+    AddSzControl(path, pathPlace, true);
+    AddSzControl(button, place, true);
+    button->show();
+    connect(button, &QAbstractButton::clicked, this, [this] { m_search->Open(); });
+    QWidget *before = GetDlgItem(*this, kHomeId);
+    setTabOrder(before, button);
+    before = m_recursiveButton;
+    for (QWidget *const control : m_search->Form()->FocusOrder()) {
+        setTabOrder(before, control);
+        before = control;
+    }
+}
+
+// The bar of a search lies over the panes, which are lower by as much.
+bool DlgOpenDS::DoMoveCtrl(QWidget *child, int id, Rect &rect, cdxCDynamicLayoutInfo const &info) {
+    if (!cdxCDynamicDialog::DoMoveCtrl(child, id, rect, info))
+        return false;
+    bool const isForm = m_search != nullptr && child == m_search->Form();
+    if (m_search == nullptr || (child != m_splitter && !isForm))
+        return true;
+    int const height = m_search->HeightFor(rect.Width(), rect.Height() * 2 / 3);
+    if (isForm)
+        rect.bottom = rect.top + height;
+    else
+        rect.top += height;
+    return true;
+}
+
 void DlgOpenDS::InitializeLayout() {
     int const fifth = std::max(m_splitter->width() / 5, kMinTrack);
     // Nearly every file brings options of its driver along: their tab shall not cut the names of the others.
@@ -393,6 +458,8 @@ bool DlgOpenDS::OnInitDialog() {
         m_readOnlyCheck->show();
         m_editOnlyCheck->show();
     }
+    if ((m_features & kOpenSearch) != 0)
+        CreateSearch();
     RestoreRecursion();
     RestoreSorting();
     RestoreFilter();
@@ -425,6 +492,7 @@ bool DlgOpenDS::DestroyWindow() {
     m_pathButtons.reset();
     m_namedData.reset();
     m_forecast.reset();
+    m_search.reset();
     return cdxCDynamicDialog::DestroyWindow();
 }
 
@@ -566,13 +634,16 @@ void DlgOpenDS::OnOK() {
     if (!AreExtrasFound())
         return;
     TakeDriverOptions();
+    ItemList picked = SelectedImages();
+    if (m_search != nullptr && m_search->Enter(picked))
+        return;
     if (m_forecast != nullptr) {
         ShowSelected(SelectedImages()); // its message may wait behind this
         if (!m_forecast->MayAccept(*this))
             return;
     }
     m_monikers.clear();
-    for (RefItemPtr<DataSourceItem> const &item : SelectedImages()) {
+    for (RefItemPtr<DataSourceItem> const &item : picked) {
         DfltFldrs::Instance()->SaveDirHist(m_historyKey.c_str(), item->GetPath());
         for (BDIMoniker &moniker : MonikersOf(*item))
             m_monikers.push_back(std::move(moniker));
@@ -656,8 +727,8 @@ void DlgOpenDS::WriteSettings() {
     int column = 0;
     m_hierarchyList->GetPaneSorting(0, column, sorting.hierarchyAscending);
     sorting.foldersAscending = m_folderList->GetLastSort().IsSortedAscnd();
-    sorting.column = std::clamp(m_mainList->GetLastSort().GetCol(), 0, 2);
-    sorting.mainAscending = m_mainList->GetLastSort().IsSortedAscnd();
+    sorting.column = std::clamp(m_mainList->GetListingSort().GetCol(), 0, 2);
+    sorting.mainAscending = m_mainList->GetListingSort().IsSortedAscnd();
     DUserCnfg(kSortingSection).WriteString(TemplateKey(), SortingToText(sorting));
 
     DUserCnfg(kFilterSection).WriteString(TemplateKey(), ToDString(m_fileFilterEdit->text()));

@@ -22,6 +22,7 @@
 #include <optional>
 
 class QCheckBox;
+class QKeyEvent;
 class QLineEdit;
 class QPushButton;
 
@@ -41,6 +42,7 @@ class HierarchyList;
 class NamedData;
 class OpenForecast;
 class PlaceTravel;
+class OpenSearch;
 class ServerWaits;
 
 /// Open data source dialog: the modal dialog in which the user picks data items and gets monikers back.
@@ -115,6 +117,8 @@ public:
     [[nodiscard]] BasketStrip *GatheredItems() const { return m_basket.get(); }
     /// What is waited for from servers; null while the panes do not exist.
     [[nodiscard]] ServerWaits *Waits() const { return m_waits.get(); }
+    /// The search below the place that is shown; null without it.
+    [[nodiscard]] OpenSearch *Search() const { return m_search.get(); }
     [[nodiscard]] PathButtonRow const &PathRow() const { return *m_pathButtons; }
 
     QWidget *CreateViewObj(DSplitterWnd *splitter, int row, int col, PaneClass const *paneClass, Size size) override;
@@ -132,6 +136,7 @@ protected:
     bool DestroyWindow() override;
     QWidget *MakeControl(platform::DialogItem const &item) override;
     void OnOK() override;
+    bool DoMoveCtrl(QWidget *child, int id, Rect &rect, cdxCDynamicLayoutInfo const &info) override;
     bool event(QEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
@@ -180,6 +185,7 @@ private:
     void OnSelendokHist();
     void OnSelendokFileType();
     void OnUpdateState();
+    bool ProcessShortcut(QKeyEvent const &key);
     bool ProcessKey(int key, QWidget *focus);
     bool ProcessReturnKey(QWidget *focus);
     bool ProcessInsertKey(QWidget *focus);
@@ -202,6 +208,8 @@ private:
     void ListDataSetsAgain();
     void CreateForecast();
     void CreateWaits();
+    void CreateSearch();
+    void CreateSearchButton();
     void ShowPlace(RefItemPtr<DataSourceItem> item);
     /// Null for none, which is told with `report`, and if the user ends the wait.
     [[nodiscard]] RefItemPtr<DataSourceItem> FindPlace(DString const &path, bool report) const;
@@ -220,6 +228,7 @@ private:
     void AddToBasket(ItemList const &items);
     void OfferFavorites();
     void AddToFavorites(ItemList const &items);
+    void AddSearchToFavorites();
     void OpenFavorite(Favorite const &favorite);
     void LoadIntoBasket(DString const &file);
     /// Takes the basket's items for the result.
@@ -254,6 +263,7 @@ private:
     std::unique_ptr<BasketStrip> m_basket;
     std::unique_ptr<DataSetRows> m_dataSetRows; ///< null without that feature, as the next
     std::unique_ptr<NamedData> m_namedData;
+    std::unique_ptr<OpenSearch> m_search;     ///< null without that feature
     std::unique_ptr<OpenForecast> m_forecast; ///< null without that feature, as the next
     std::unique_ptr<DriverOptionChoice> m_driverOptions;
     ItemList m_pageItems; ///< whose options stand on the page of their driver; empty without one

@@ -27,10 +27,13 @@
 #include "zelvar/opends/OpenDialogTemplate.h"
 #include "zelvar/opends/OpenForecast.h"
 #include "zelvar/opends/OpenLine.h"
+#include "zelvar/opends/OpenSearch.h"
 #include "zelvar/opends/PlaceOpener.h"
 #include "zelvar/opends/PlaceTravel.h"
 #include "zelvar/opends/PreviewBar.h"
 #include "zelvar/opends/ServerWaits.h"
+#include "zelvar/opends/search/SearchForm.h"
+#include "zelvar/opends/search/StoredSearch.h"
 #include "zelvar/platform/ui/ControlId.h"
 #include "zelvar/platform/ui/EllipsisLabel.h"
 #include "zelvar/platform/ui/EscapeWatch.h"
@@ -103,6 +106,8 @@ void DlgOpenDS::OnUpdateState() {
     m_waits->Update();
     if (m_travel != nullptr)
         m_travel->Update();
+    if (m_search != nullptr)
+        m_search->Update();
     bool const isSelected = m_mainList->GetNumSlct() > 0;
     m_okButton->setEnabled(isSelected || (m_basket != nullptr && !m_basket->Content().IsEmpty()));
     // A list that is filled anew forgets what was selected without a word.
@@ -140,6 +145,8 @@ void DlgOpenDS::OnButtonClck(int id) {
 }
 
 void DlgOpenDS::OnAddToFavorites() {
+    if (m_mainList->IsShowingResults() && m_dataSourceList->OfferedFavorites() != nullptr)
+        return AddSearchToFavorites();
     if (RefItemPtr<DataSourceItem> const item = m_pathButtons->LastShown(); item != nullptr)
         m_dataSourceList->AddFavorite(item);
 }
@@ -202,6 +209,12 @@ void DlgOpenDS::AddToFavorites(ItemList const &items) {
     }
 }
 
+void DlgOpenDS::AddSearchToFavorites() {
+    if (std::optional<StoredSearch> const search = m_search->Searched(); search)
+        m_dataSourceList->OfferedFavorites()->Add(
+            {.kind = Favorite::Kind::Search, .target = search->ToText(), .name = search->InWords()});
+}
+
 void DlgOpenDS::OpenFavorite(Favorite const &favorite) {
     switch (favorite.kind) {
     case Favorite::Kind::Data: {
@@ -216,8 +229,17 @@ void DlgOpenDS::OpenFavorite(Favorite const &favorite) {
     case Favorite::Kind::Basket:
         LoadIntoBasket(favorite.target);
         break;
-    default:
+    case Favorite::Kind::Search:
+        if (std::optional<StoredSearch> const search = StoredSearch::FromText(favorite.target);
+            search && m_search != nullptr) {
+            if (RefItemPtr<DataSourceItem> const place = FindPlace(search->place, true); place != nullptr) {
+                ShowPlace(place);
+                m_search->Begin(search->draft);
+            }
+        }
         break;
+    case Favorite::Kind::Place:
+        break; // its selection has listed it
     }
 }
 
@@ -260,7 +282,8 @@ void DlgOpenDS::ApplyFileFilter(char const *mask, char const *formatId) {
     m_hierarchyList->ApplyFileFilter(mask, formatId);
     m_hierarchyList->Refresh();
     m_mainList->ApplyFileFilter(mask, formatId);
-    m_mainList->Refresh();
+    if (!m_mainList->IsShowingResults()) // these have their own query
+        m_mainList->Refresh();
 }
 
 void DlgOpenDS::UpdateFormat(DFileFrmt *format) {
@@ -337,8 +360,11 @@ void DlgOpenDS::ShowSelected(ItemList const &items) {
         return;
     platform::GetDlgItem<platform::EllipsisLabel>(*this, kStatusId)->SetText(ToQString(items.back()->GetPath()));
     m_propertyWnd->ShowProps(items.back(), m_format == nullptr ? "" : m_format->GetDriverText().c_str());
-    if (m_forecast != nullptr)
-        m_forecast->Select(items);
+    if (m_forecast == nullptr)
+        return;
+    ItemList picked = items;
+    picked.remove_if([this](RefItemPtr<DataSourceItem> const &item) { return !item->IsFile(m_bdiFilter); });
+    m_forecast->Select(m_mainList->IsShowingResults() ? picked : items);
 }
 
 // The options of the selection before stay where they are until it is known what takes their place.
@@ -493,10 +519,18 @@ bool DlgOpenDS::eventFilter(QObject *watched, QEvent *event) {
     }
     if (event->type() == QEvent::KeyPress && isVisible()) {
         auto *focus = qobject_cast<QWidget *>(watched);
-        if (focus != nullptr && focus == focusWidget() && ProcessKey(static_cast<QKeyEvent *>(event)->key(), focus))
+        auto const &key = *static_cast<QKeyEvent *>(event);
+        if (focus != nullptr && focus == focusWidget() && (ProcessShortcut(key) || ProcessKey(key.key(), focus)))
             return true;
     }
     return cdxCDynamicDialog::eventFilter(watched, event);
+}
+
+bool DlgOpenDS::ProcessShortcut(QKeyEvent const &key) {
+    if (m_search == nullptr || !key.matches(QKeySequence::Find))
+        return false;
+    m_search->Open();
+    return true;
 }
 
 bool DlgOpenDS::ProcessKey(int key, QWidget *focus) {
@@ -509,7 +543,8 @@ bool DlgOpenDS::ProcessKey(int key, QWidget *focus) {
         ProcessRefreshKey(focus);
         return true;
     case Qt::Key_Escape:
-        return m_waits->Stop(); // else it closes the dialog
+        // Else it closes the dialog.
+        return m_waits->Stop() || (m_search != nullptr && m_search->Stop());
     case Qt::Key_Return:
     case Qt::Key_Enter:
         return ProcessReturnKey(focus);
@@ -523,7 +558,7 @@ bool DlgOpenDS::ProcessKey(int key, QWidget *focus) {
 }
 
 void DlgOpenDS::ProcessRefreshKey(QWidget *focus) {
-    if (m_waits->Retry())
+    if (m_waits->Retry() || (m_search != nullptr && m_search->Again()))
         return;
     platform::EscapeWatch const watch; // one Escape for all lists
     ListingsShared const shared;
@@ -557,6 +592,10 @@ bool DlgOpenDS::ProcessReturnKey(QWidget *focus) {
     // The button that has the focus is the one that is pressed, not the dialog's own.
     if (auto *const button = qobject_cast<QPushButton *>(focus)) {
         button->click();
+        return true;
+    }
+    if (m_search != nullptr && IsWithin(m_search->Form(), focus)) {
+        m_search->Begin();
         return true;
     }
     if (qobject_cast<QAbstractButton *>(focus) != nullptr || IsWithin(m_propertyWnd->Bar(), focus))

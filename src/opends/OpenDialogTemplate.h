@@ -30,6 +30,7 @@ enum OpenDialogId {
     kStatusId = 6026,
     kRecursiveId = 6027,
     kLineId = 6028,
+    kSearchId = 6029,
 };
 
 namespace open_dialog {

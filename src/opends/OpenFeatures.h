@@ -11,10 +11,11 @@ enum OpenFeatures : unsigned {
     kOpenPreviewBar = 8,   ///< which channel, slice and frame the preview shows
     kOpenSeries = 16,      ///< with data sets: numbered files have one row, unless the user unfolds them
     kOpenConnections = 32, ///< connections can be made and changed in the list of data sources
+    kOpenSearch = 64,      ///< a search below the place that is shown, by name and by what images hold
     kOpenBasket = 256,     ///< where several items can be picked: a basket that gathers them across folders
     kOpenHistory = 512,    ///< back and forward, and recent places
     kOpenFavorites = 1024, ///< favourites of anything, with names, groups and an order
-    kOpenAll = 63 | kOpenBasket | kOpenHistory | kOpenFavorites,
+    kOpenAll = 63 | kOpenSearch | kOpenBasket | kOpenHistory | kOpenFavorites,
 };
 
 } // namespace zelvar

@@ -178,7 +178,7 @@ ServerWaits::State ServerWaits::Waiting() const {
 ServerWaits::State ServerWaits::Failed() const {
     if (m_failure.IsSet())
         return {.words = FaultInWords(m_place, m_failure)};
-    if (HasRows())
+    if (HasRows() || m_panes.items.IsShowingResults())
         return {};
     DSListCtrl::ItemList roots;
     m_panes.items.GetRootItems(roots);

@@ -3,6 +3,7 @@
 #include "zelvar/data/ImageReader.h"
 #include "zelvar/model/ListingWalk.h"
 #include "zelvar/model/NtwDataSourceItem.h"
+#include "zelvar/search/StopQuestion.h"
 
 #include <algorithm>
 
@@ -14,15 +15,6 @@ constexpr std::size_t kTogether = 32; // candidates that a thread takes at a tim
 constexpr std::size_t kMostWaiting = 1024;
 constexpr unsigned kMostThreads = 4;
 constexpr int kAllData = 0xEE; // nodes: every type bit but those of containers and folders
-
-class StopQuestion : public DataSourceItem::ICancel {
-public:
-    explicit StopQuestion(StopSignal const &stop) : m_stop(stop) {}
-    [[nodiscard]] bool IsCanceled() override { return m_stop; }
-
-private:
-    StopSignal const &m_stop;
-};
 
 } // namespace
 
@@ -126,7 +118,7 @@ void FactsReader::LookInside(Candidate const &candidate, std::vector<FactsStore:
     if (!*is)
         return;
     if (m_query.kind == SearchQuery::Kind::Container && candidate.matchesName)
-        Tell(candidate.item, {});
+        Tell(candidate.item->Clone(), {}); // this one is listed below
     if (!m_query.inside)
         return;
     StopQuestion cancel(m_stop);

@@ -10,6 +10,7 @@
 #include "zelvar/model/NtwDataSourceItem.h"
 #include "zelvar/platform/os/MountTable.h"
 #include "zelvar/search/FactsReader.h"
+#include "zelvar/search/StopQuestion.h"
 
 #include <algorithm>
 #include <deque>
@@ -25,6 +26,13 @@ namespace {
 
 using Kind = SearchQuery::Kind;
 
+bool MayBlockAt(DataSourceItem const &place) {
+    if (dynamic_cast<NtwDataSourceItem const *>(&place) == nullptr)
+        return true;
+    DString const path = place.GetPath();
+    return !path.empty() && platform::MayBlockAt(path);
+}
+
 /// One search under way.
 class Walk {
 public:
@@ -36,15 +44,19 @@ public:
           m_opens(query.NeedsFacts() || query.inside || query.kind == Kind::Container),
           m_reader(query, store, stop, m_onHit) {}
 
-    SearchProgress Run(RefItemPtr<DataSourceItem> const &place, Search::OnProgress const &onProgress) {
-        m_waiting.push_back({place, false});
+    SearchProgress Run(std::vector<RefItemPtr<DataSourceItem>> const &places, Search::OnProgress const &onProgress) {
+        for (RefItemPtr<DataSourceItem> const &place : places)
+            if (place != nullptr)
+                m_waiting.push_back({.item = place, .mayBlock = MayBlockAt(*place), .isPlace = true});
         while (!m_waiting.empty() && !m_stop) {
             Folder const folder = std::move(m_waiting.front());
             m_waiting.pop_front();
-            if (!m_visits.Enter(*folder.item) && folder.item != place)
-                continue;
-            auto const *const plain = dynamic_cast<NtwDataSourceItem const *>(folder.item.get());
+            auto *const plain = dynamic_cast<NtwDataSourceItem *>(folder.item.get());
             bool const isPlain = plain != nullptr && plain->GetType() == NtwDataSourceItem::TYPE_FOLDER;
+            if (isPlain && !folder.isPlace && !folder.isLookedAt && TakeDataSet(*plain, folder.mayBlock))
+                continue;
+            if (!m_visits.Enter(*folder.item) && !folder.isPlace)
+                continue;
             Note(*folder.item, isPlain ? ListFolder(folder, plain->GetId()) : ListTree(folder));
             ++m_progress.folders;
             if (onProgress)
@@ -57,7 +69,9 @@ public:
 private:
     struct Folder {
         RefItemPtr<DataSourceItem> item;
-        bool mayBlock = false; ///< it lies on a network, or another process serves it
+        bool mayBlock = false;   ///< it lies on a network, or another process serves it
+        bool isPlace = false;    ///< one of those that the search begins at: it is entered whatever it is
+        bool isLookedAt = false; ///< it is known to be no data set
     };
 
     [[nodiscard]] SearchProgress Progress() const {
@@ -92,7 +106,7 @@ private:
 
     std::error_code ListFolder(Folder const &folder, platform::ShellId const &id) {
         ShellNamespace const &shell = ShellNamespace::Current();
-        if (!DoesPlaceAnswer(shell.Path(id)))
+        if (folder.mayBlock && !DoesPlaceAnswer(shell.Path(id)))
             return std::make_error_code(std::errc::timed_out);
         auto const isWanted = [&](std::string_view name) {
             if (m_stop)
@@ -125,45 +139,55 @@ private:
         m_reader.Add({std::move(item), std::move(path), child.file, matchesName});
     }
 
+    // Most folders are only looked into when it is their turn: what lies nearer is found before that. One whose name
+    // matches is found among the names beside it, and so it has to be known now what it is.
     void TakeFolder(Folder const &folder, ShellChild &&child) {
-        DString const path = ShellNamespace::Current().Path(child.id);
-        bool const mayBlock = folder.mayBlock || platform::MayBlockAt(path);
+        bool const mayBlock = m_mounts.MayBlockAt(ShellNamespace::Current().Path(child.id)).value_or(folder.mayBlock);
         if (mayBlock && !m_query.remote) {
             ++m_progress.leftRemote;
             return;
         }
-        std::optional<FoundDataFolder> const found =
-            mayBlock || !path.starts_with('/') ? std::nullopt : LookForDataFolder(path);
         RefItemPtr<NtwDataSourceItem> item(NtwDataSourceItem::CreateUnasked(child, folder.item));
         if (!item)
             return;
-        if (found) {
-            item->BecomeDataFolder(found->kind);
-            TakeDataSet(std::move(item), path, *found);
+        bool const isFolderWanted = m_query.FindsFolders();
+        bool const isWanted = !m_opens && (isFolderWanted || m_query.kind == Kind::DataSet) && MatchesName(child.name);
+        if (isWanted && TakeDataSet(*item, mayBlock))
             return;
-        }
-        if (m_query.FindsFolders() && MatchesName(child.name))
+        if (isWanted && isFolderWanted)
             m_reader.Tell(item, {});
-        m_waiting.push_back({std::move(item), mayBlock});
+        m_waiting.push_back({.item = std::move(item), .mayBlock = mayBlock, .isLookedAt = isWanted});
     }
 
-    void TakeDataSet(RefItemPtr<NtwDataSourceItem> item, DString path, FoundDataFolder const &found) {
-        bool const matchesName = MatchesName(item->GetName());
-        FileState const state{.size = 0, .modified = found.modified};
+    /// Whether the folder is a data set: it is found as such then, and not entered.
+    bool TakeDataSet(NtwDataSourceItem &folder, bool mayBlock) {
+        DString path = mayBlock ? DString() : folder.GetPath();
+        std::optional<FoundDataFolder> const found =
+            path.starts_with('/') ? LookForDataFolder(path) : std::optional<FoundDataFolder>();
+        if (!found)
+            return false;
+        folder.BecomeDataFolder(found->kind);
+        bool const matchesName = MatchesName(folder.GetName());
+        FileState const state{.size = 0, .modified = found->modified};
         bool const isWanted = m_query.kind != Kind::Folder && m_query.kind != Kind::File;
         // How many bytes there are in it nobody has counted.
         if (!isWanted || m_query.bytes.IsSet() || !m_query.MatchesState(state) || !(matchesName || m_query.inside))
-            return;
+            return true;
+        RefItemPtr<DataSourceItem> item(&folder);
         if (m_opens)
             m_reader.Add({std::move(item), std::move(path), state, matchesName});
         else
             m_reader.Tell(std::move(item), {});
+        return true;
     }
 
     /// What a driver lists: a container, or a connection.
     std::error_code ListTree(Folder const &folder) {
         std::error_code why;
-        ListingWalk walk({.nodeMask = 0, .onUnread = [&](DataSourceItem &, std::error_code error) { why = error; }});
+        StopQuestion cancel(m_stop);
+        ListingWalk walk({.nodeMask = 0, .cancel = &cancel, .onUnread = [&](DataSourceItem &, std::error_code error) {
+                              why = error;
+                          }});
         walk.Through(folder.item, [&](RefItemPtr<DataSourceItem> child) {
             bool const isFolder = child->IsFolder();
             if (MatchesName(child->GetName()) && !(isFolder ? !m_query.FindsFolders() : m_query.kind == Kind::Folder)) {
@@ -188,6 +212,7 @@ private:
     bool const m_opens; ///< files have to be opened
     std::deque<Folder> m_waiting;
     FolderVisits m_visits;
+    platform::MountPoints const m_mounts;
     std::unordered_map<DString, bool> m_claimed; ///< by extension
     SearchProgress m_progress;
     FactsReader m_reader; ///< ends first
@@ -199,7 +224,12 @@ Search::Search(SearchQuery query, FactsStore *store) : m_query(std::move(query))
 
 SearchProgress Search::Run(RefItemPtr<DataSourceItem> const &place, StopSignal const &stop, OnHit const &onHit,
                            OnProgress const &onProgress) const {
-    return Walk(m_query, m_store, stop, onHit).Run(place, onProgress);
+    return Run(std::vector{place}, stop, onHit, onProgress);
+}
+
+SearchProgress Search::Run(std::vector<RefItemPtr<DataSourceItem>> const &places, StopSignal const &stop,
+                           OnHit const &onHit, OnProgress const &onProgress) const {
+    return Walk(m_query, m_store, stop, onHit).Run(places, onProgress);
 }
 
 } // namespace zelvar

@@ -5,6 +5,7 @@
 #include "zelvar/search/FactsStore.h"
 
 #include <functional>
+#include <vector>
 
 namespace zelvar {
 
@@ -27,8 +28,8 @@ struct SearchProgress {
 
 /// Searches below a place, breadth first: folders by the names in them, files that a query by facts means by readers,
 /// several at once, or by what a `FactsStore` knows. A folder that a link leads to is entered once; one that is a data
-/// set is found like a file and not entered. A file that was found counts as a plain one until somebody asks what lies
-/// in it, unless the query looks into containers.
+/// set is found like a file and not entered. Items that are told are not touched by the search any more. A file that
+/// was found counts as a plain one until somebody asks what lies in it, unless the query looks into containers.
 class ZELVAR_API Search {
 public:
     using OnHit = std::function<void(SearchHit &&)>;
@@ -41,6 +42,9 @@ public:
     /// time; `onProgress`, which may be empty, on this one, folder by folder. Not on a window's thread.
     SearchProgress Run(RefItemPtr<DataSourceItem> const &place, StopSignal const &stop, OnHit const &onHit,
                        OnProgress const &onProgress = {}) const;
+    /// The same below several places, one level of all of them after the other. Null places are passed over.
+    SearchProgress Run(std::vector<RefItemPtr<DataSourceItem>> const &places, StopSignal const &stop,
+                       OnHit const &onHit, OnProgress const &onProgress = {}) const;
 
 private:
     SearchQuery m_query;

@@ -128,6 +128,8 @@ std::vector<CommandSpec> const &AllCommands() {
                      {"--recursive", "", "list what lies in folders below, too"},
                      {"--series", "", "ten and more numbered files as one row, which gives one moniker of one image"},
                      {"--plain", "", "the dialog's panes alone: each file for itself, nothing beside them"},
+                     {"--search", "NAME",
+                      "search below PLACE, as find --name does; --select is for what it finds then"},
                      {"--select", "NAME", "select the row of that name", Use::Repeats},
                      kOption,
                      {"--accept", "",

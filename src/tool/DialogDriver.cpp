@@ -2,6 +2,7 @@
 
 #include "zelvar/opends/DlgOpenDS.h"
 #include "zelvar/opends/OpenForecast.h"
+#include "zelvar/opends/OpenSearch.h"
 #include "zelvar/platform/ui/Text.h"
 #include "zelvar/tool/FirstPaint.h"
 
@@ -83,6 +84,8 @@ void DialogDriver::SetUp() {
             open->ApplyFileFilter(mask.c_str(), nullptr);
         if (m_script.recursive)
             open->SetRecursive(true);
+        if (!m_script.search.empty() && open->Search() != nullptr)
+            open->Search()->Begin(m_script.search);
     }
 }
 

@@ -23,6 +23,7 @@ struct DialogScript {
     DString title;               ///< of the first dialog; empty for its own
     DString filter;              ///< mask for the lists of the open data source dialog; empty for none
     bool recursive = false;      ///< that lists subfolders too
+    DString search;              ///< part of a name or mask that it searches for; empty for none
     std::optional<WindowSize> size;
     DString shot; ///< picture of the window just before it closes; empty for none
 };

@@ -8,6 +8,7 @@
 #include "zelvar/opends/DSPropertyWnd.h"
 #include "zelvar/opends/DlgOpenDS.h"
 #include "zelvar/opends/OpenForecast.h"
+#include "zelvar/opends/OpenSearch.h"
 #include "zelvar/opends/ServerWaits.h"
 #include "zelvar/platform/ui/ControlId.h"
 #include "zelvar/platform/ui/Text.h"
@@ -64,7 +65,8 @@ public:
     }
     [[nodiscard]] bool IsSettled() const override {
         bool const isWaiting = m_dialog.Waits() != nullptr && m_dialog.Waits()->IsWaiting();
-        return !isWaiting && !m_dialog.PropertyWnd()->IsReading() && IsForeseen();
+        bool const isSearching = m_dialog.Search() != nullptr && m_dialog.Search()->IsSearching();
+        return !isWaiting && !isSearching && !m_dialog.PropertyWnd()->IsReading() && IsForeseen();
     }
     [[nodiscard]] bool IsForeseen() const override {
         return m_dialog.Forecast() == nullptr || m_dialog.Forecast()->IsSettled();

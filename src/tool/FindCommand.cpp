@@ -1,60 +1,20 @@
 #include "zelvar/data/RDIDriver.h"
 #include "zelvar/data/reader/DriverModule.h"
 #include "zelvar/search/Search.h"
+#include "zelvar/search/SearchWords.h"
 #include "zelvar/tool/CommandTable.h"
 #include "zelvar/tool/Commands.h"
 #include "zelvar/tool/ItemLines.h"
 #include "zelvar/tool/StopByUser.h"
 
-#include <charconv>
 #include <chrono>
 #include <cstdio>
-#include <ctime>
 
 namespace zelvar::tool {
 
 namespace {
 
 CommandSpec const &kSpec = SpecOf("find");
-
-constexpr std::int64_t kSecond = 1'000'000'000;
-
-std::optional<std::int64_t> WholeNumber(std::string_view text) {
-    std::int64_t number = 0;
-    auto const [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    return error == std::errc() && end == text.data() + text.size() && number >= 0 ? std::optional(number)
-                                                                                   : std::nullopt;
-}
-
-/// "4096", "10K", "1.5" is none: bytes, with K, M, G and T as powers of 1024.
-std::optional<std::int64_t> Bytes(std::string_view text) {
-    constexpr std::string_view units = "KMGT";
-    std::size_t const unit = text.empty() ? std::string_view::npos : units.find(text.back());
-    if (unit == std::string_view::npos)
-        return WholeNumber(text);
-    text.remove_suffix(1);
-    std::optional<std::int64_t> const number = WholeNumber(text);
-    unsigned const shift = 10 * (static_cast<unsigned>(unit) + 1);
-    return number && *number <= (INT64_MAX >> shift) ? std::optional(*number << shift) : std::nullopt;
-}
-
-/// "2026-11-16", "2026-11-16T10:30" or "2026-11-16T10:30:00" in local time, or so many days ago, "7d"; hours "12h".
-std::optional<std::int64_t> Moment(DString const &text) {
-    if (!text.empty() && (text.back() == 'd' || text.back() == 'h')) {
-        std::optional<std::int64_t> const count = WholeNumber(std::string_view(text).substr(0, text.size() - 1));
-        std::int64_t const each = text.back() == 'd' ? 86'400 : 3'600;
-        std::int64_t const now = std::time(nullptr);
-        return count && *count <= now / each ? std::optional((now - *count * each) * kSecond) : std::nullopt;
-    }
-    for (char const *const form : {"%Y-%m-%dT%H:%M:%S", "%Y-%m-%dT%H:%M", "%Y-%m-%d"}) {
-        std::tm parts{};
-        parts.tm_isdst = -1;
-        char const *const end = strptime(text.c_str(), form, &parts);
-        if (end != nullptr && *end == '\0')
-            return static_cast<std::int64_t>(std::mktime(&parts)) * kSecond;
-    }
-    return std::nullopt;
-}
 
 using Kind = SearchQuery::Kind;
 constexpr std::pair<std::string_view, Kind> kKinds[] = {
@@ -94,8 +54,8 @@ public:
         constexpr char kNumber[] = "is a whole number";
         constexpr char kBytes[] = "is a number of bytes, or as 10M";
         constexpr char kMoment[] = "is a date, as 2026-11-16, or an age, as 7d";
-        auto const count = [](DString const &text) { return WholeNumber(text); };
-        auto const bytes = [](DString const &text) { return Bytes(text); };
+        auto const count = [](DString const &text) { return WholeNumberFrom(text); };
+        auto const bytes = [](DString const &text) { return BytesFrom(text); };
         return Bound("--min-width", query.width.least, count, kNumber) &&
                Bound("--max-width", query.width.most, count, kNumber) &&
                Bound("--min-height", query.height.least, count, kNumber) &&
@@ -108,8 +68,8 @@ public:
                Bound("--max-frames", query.frames.most, count, kNumber) &&
                Bound("--larger", query.bytes.least, bytes, kBytes) &&
                Bound("--smaller", query.bytes.most, bytes, kBytes) &&
-               Bound("--newer", query.modified.least, Moment, kMoment) &&
-               Bound("--older", query.modified.most, Moment, kMoment);
+               Bound("--newer", query.modified.least, MomentFrom, kMoment) &&
+               Bound("--older", query.modified.most, MomentFrom, kMoment);
     }
 
 private:

@@ -42,9 +42,12 @@ DString FaultOf(Arguments const &arguments, Kind const *kind, int mode) {
     // Behind the platform's dialog the selector of a container may follow.
     if (arguments.All("--select").size() > 1 && !arguments.Has("--multiple") && !arguments.Has("--standard"))
         return "several --select need --multiple";
-    if (arguments.Has("--standard") && (arguments.Has("--recursive") || arguments.Has("--series") ||
-                                        arguments.Has("--plain") || arguments.values.contains("--filter")))
-        return "--filter, --recursive, --series and --plain are for the library's own dialog";
+    if (arguments.Has("--standard") &&
+        (arguments.Has("--recursive") || arguments.Has("--series") || arguments.Has("--plain") ||
+         arguments.values.contains("--filter") || arguments.values.contains("--search")))
+        return "--filter, --recursive, --search, --series and --plain are for the library's own dialog";
+    if (arguments.values.contains("--search") && arguments.Has("--plain"))
+        return "--plain knows no search";
     if (arguments.Has("--series") && arguments.Has("--plain"))
         return "--plain knows no series";
     for (DString const &option : arguments.All("--option"))
@@ -64,6 +67,7 @@ DialogScript ScriptOf(Arguments const &arguments, bool attended) {
             .title = arguments.Value("--title"),
             .filter = arguments.Value("--filter"),
             .recursive = arguments.Has("--recursive"),
+            .search = arguments.Value("--search"),
             .size = isSized ? ParseSize(arguments.Value("--size", "920x640")) : std::nullopt,
             .shot = arguments.Value("--shot")};
 }

@@ -9,6 +9,9 @@
 #include "zelvar/opends/DSDataSourceWnd.h"
 #include "zelvar/opends/DataSourceList.h"
 #include "zelvar/opends/FavoriteRows.h"
+#include "zelvar/opends/OpenSearch.h"
+#include "zelvar/opends/search/SearchForm.h"
+#include "zelvar/opends/search/StoredSearch.h"
 #include "zelvar/platform/ui/Text.h"
 #include "zelvar/settings/Project.h"
 
@@ -233,6 +236,29 @@ TEST_F(FavoritesInDialog, ABasketComesBackByItsName) {
         EXPECT_TRUE(Eventually([&] { return open.GatheredItems()->Content().All().size() == 1; }));
         EXPECT_EQ(open.GatheredItems()->Content().All()[0].monikers[0].GetText(), folder / "a/x.tif");
     });
+}
+
+TEST_F(FavoritesInDialog, ASearchIsRunAgain) {
+    Run([&](DlgOpenDS &open, DataSourceList &list) {
+        open.Search()->Begin({.name = "x", .width = {.least = "10"}, .modified = {.least = "7d"}});
+        EXPECT_TRUE(Eventually([&] { return !open.Search()->IsSearching() && open.MainList()->GetNumRow() == 1; }));
+        Click(platform::GetDlgItem<QPushButton>(open, kFavoritesId));
+        EXPECT_GE(RowNamed(list, "x ... in a"), 0);
+    });
+    Run([&](DlgOpenDS &open, DataSourceList &list) {
+        open.GoToDir(folder / "b", true);
+        open.DataSourceWnd()->SwitchToDataSourceView();
+        ClickRow(list, "x ... in a");
+        EXPECT_TRUE(Eventually([&] {
+            return open.MainList()->IsShowingResults() && !open.Search()->IsSearching() &&
+                   open.MainList()->GetNumRow() == 1;
+        }));
+        EXPECT_EQ(open.MainList()->ItemAt(0)->GetPath(), folder / "a/x.tif");
+        EXPECT_EQ(open.Search()->Form()->Draft().modified.least, "7d") << "an age is one still";
+    });
+    for (char const *const text : {"", "name=x", "place=", "kind=9", "place=%"})
+        EXPECT_EQ(StoredSearch::FromText(text).has_value(), DString(text) == "place=%") << text;
+    EXPECT_EQ(StoredSearch::FromText("place=/a&kind=99&types=-1")->draft.kind, SearchQuery::Kind::Any);
 }
 
 } // namespace

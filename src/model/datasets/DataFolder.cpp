@@ -3,6 +3,7 @@
 #include "zelvar/base/PathStyle.h"
 
 #include <algorithm>
+#include <array>
 
 namespace zelvar {
 
@@ -19,15 +20,36 @@ bool Has(FolderContent const &content, std::string_view mask) { return !Find(con
 
 /// Nothing but tables of MapInfo, and at least one of them.
 bool HoldsMapInfoAlone(FolderContent const &content) {
-    return content.isWhole && !content.hasFolders && Has(content, "*.tab;*.mif") &&
-           std::all_of(content.files.begin(), content.files.end(), [](DString const &file) {
-               return PathMatchSpec(file, "*.tab;*.dat;*.map;*.id;*.ind;*.mif;*.mid");
-           });
+    // In this order: the first file of most folders settles it.
+    return content.isWhole && !content.hasFolders &&
+           std::all_of(
+               content.files.begin(), content.files.end(),
+               [](DString const &file) { return PathMatchSpec(file, "*.tab;*.dat;*.map;*.id;*.ind;*.mif;*.mid"); }) &&
+           Has(content, "*.tab;*.mif");
+}
+
+bool EndsWith(std::string_view name, std::string_view lower) {
+    auto const toLower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
+    return name.size() >= lower.size() &&
+           std::equal(lower.rbegin(), lower.rend(), name.rbegin(), [&](char a, char b) { return a == toLower(b); });
+}
+
+/// Whether the name can be the first of those that tell of any kind but MapInfo. Walks ask this of every name, masks
+/// only of what is left.
+bool MayTell(std::string_view name) {
+    constexpr std::array<std::string_view, 9> kEndings{".zgroup",   ".zarray",   ".zmetadata",
+                                                       "zarr.json", ".gdbtable", "manifest.safe",
+                                                       ".adf",      "_mtl.txt",  "metadata.dim"};
+    if (EndsWith(name, ".xml"))
+        return StartsWithNoCase(name, "vol_") || StartsWithNoCase(name, "dim_");
+    return std::any_of(kEndings.begin(), kEndings.end(), [&](std::string_view end) { return EndsWith(name, end); });
 }
 
 } // namespace
 
 std::optional<DataFolder> TellDataFolder(std::string_view name, FolderContent const &content) {
+    if (std::none_of(content.files.begin(), content.files.end(), &MayTell))
+        return HoldsMapInfoAlone(content) ? std::optional(DataFolder::MapInfo) : std::nullopt;
     std::string_view const extension = ExtensionOf(name);
     if (Has(content, ".zgroup;.zarray;.zmetadata;zarr.json"))
         return DataFolder::Zarr;

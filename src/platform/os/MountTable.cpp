@@ -257,6 +257,16 @@ bool MayBlockAt(DString const &path) {
     return !path.starts_with('/') || (mount && MayBlock(*mount));
 }
 
+MountPoints::MountPoints() {
+    for (MountEntry const &mount : *KernelTable::Instance().Read())
+        m_points.insert_or_assign(mount.mountPoint, MayBlock(mount)); // a later one hides the former
+}
+
+std::optional<bool> MountPoints::MayBlockAt(std::string_view path) const {
+    auto const at = m_points.find(path);
+    return at == m_points.end() ? std::nullopt : std::optional(at->second);
+}
+
 std::vector<Drive> ListDrives(DString const &procRoot, DString const &sysRoot) {
     Mounts mounts;
     for (MountEntry &mount : ReadMounts(procRoot + "/self/mountinfo")) {

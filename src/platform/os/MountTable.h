@@ -2,6 +2,8 @@
 
 #include "zelvar/platform/os/ShellId.h"
 
+#include <functional>
+#include <map>
 #include <optional>
 #include <vector>
 
@@ -35,7 +37,19 @@ struct MountEntry {
 /// Whether who touches it may be held in the kernel: a file system of a network, or one that another process serves.
 [[nodiscard]] bool MayBlock(MountEntry const &mount);
 /// The same for where a path lies; true for what is none of this file system.
-[[nodiscard]] bool MayBlockAt(DString const &path);
+[[nodiscard]] ZELVAR_API bool MayBlockAt(DString const &path);
+
+/// Where something is mounted and whether that may block, as the kernel's table said when this was made: for walks that
+/// ask for each folder. A folder that is none of these lies on the mount of the one that it lies in. A value.
+class MountPoints {
+public:
+    MountPoints();
+    /// As `MayBlock` says of what is mounted at exactly this path; nothing where nothing is.
+    [[nodiscard]] std::optional<bool> MayBlockAt(std::string_view path) const;
+
+private:
+    std::map<DString, bool, std::less<>> m_points;
+};
 
 /// The drives that the kernel's tables name, the file system's root first. Reads the tables alone: a mount point is
 /// never touched, since a dead one would block for minutes.
