@@ -190,7 +190,7 @@ TEST_F(SearchWindow, AFolderThatWasFoundIsEnteredByMouseAndByReturnAndThePlaceOf
         });
         look.start(5);
         List().ContextMenu(List().mapToGlobal(QPoint(5, 5)));
-        EXPECT_EQ(offered, QStringList({"Open Containing Folder", "Copy Moniker"}));
+        EXPECT_EQ(offered, QStringList({"Open Containing Folder", "Add to Favorites", "Copy Moniker"}));
         EXPECT_FALSE(List().IsShowingResults());
         EXPECT_THAT(Column(0), testing::Contains("near.txt"));
         EXPECT_TRUE(List().GetSlct(RowOf(List(), "nearer.png")));
