@@ -128,9 +128,14 @@ void DSListCtrl::FitNames() {
     if (GetColumnCount() <= kDate || GetColumnWidth(kName) != m_fittedNames)
         return;
     int const least = fontMetrics().averageCharWidth() * kCharsPerInch;
-    int const rest = GetClientRect().Width() - GetColumnWidth(kSize) - GetColumnWidth(kDate);
+    int const rest = GetClientRect().Width() - GetColumnWidth(kSize) - GetColumnWidth(kDate) - m_reservedHeading;
     m_fittedNames = std::max(least, rest);
     SetColumnWidth(kName, m_fittedNames);
+}
+
+void DSListCtrl::ReserveHeading(int width) {
+    m_reservedHeading = width;
+    FitNames();
 }
 
 void DSListCtrl::SetMode(Mode mode) {
@@ -263,6 +268,8 @@ void DSListCtrl::StartWindowFilling() {
     }
     if (m_rootItems.empty())
         return;
+    if (m_tilePainter != nullptr)
+        m_tilePainter->RootsChanged();
     AddParentRow();
     FolderListingWorker::Request request{m_rootItems, m_fileFilter,
                                          m_formatId,  m_dlgTemplate,
@@ -511,6 +518,12 @@ int DSListCtrl::MeasureCell(int row, int col) const {
 
 int DSListCtrl::LabelLeft(int, int col) const { return col == kName ? kPictureBand : 0; }
 
+void DSListCtrl::paintEvent(QPaintEvent *event) {
+    CZelListCtrlVirtual::paintEvent(event);
+    if (IsTiled() && m_tilePainter != nullptr)
+        m_tilePainter->TilesPainted();
+}
+
 void DSListCtrl::DrawItem(DrawItemStruct const &request) {
     if (request.action != ODA_DRAWENTIRE) {
         CZelListCtrlVirtual::DrawItem(request);
@@ -519,6 +532,10 @@ void DSListCtrl::DrawItem(DrawItemStruct const &request) {
     RefItemPtr<DataSourceItem> const item = ItemAt(request.itemID);
     if (item == nullptr)
         return;
+    if (IsTiled() && m_tilePainter != nullptr) {
+        m_tilePainter->DrawTile(request, *item);
+        return;
+    }
     DrawItemPicture(request.painter, PictureRect(request.rcItem), *item);
     Rect marked = Mirrored(request.rcItem);
     marked.left += kPictureBand;

@@ -39,6 +39,7 @@ class HierarchyList;
 class NamedData;
 class OpenForecast;
 class ServerWaits;
+class ThumbnailLook;
 
 /// Open data source dialog: the modal dialog in which the user picks data items and gets monikers back.
 ///
@@ -107,6 +108,8 @@ public:
     [[nodiscard]] OpenForecast *Forecast() const { return m_forecast.get(); }
     /// What is waited for from servers; null while the panes do not exist.
     [[nodiscard]] ServerWaits *Waits() const { return m_waits.get(); }
+    /// How the items are shown; null in a dialog without thumbnails.
+    [[nodiscard]] ThumbnailLook *Thumbnails() const { return m_thumbnails.get(); }
     [[nodiscard]] PathButtonRow const &PathRow() const { return *m_pathButtons; }
 
     QWidget *CreateViewObj(DSplitterWnd *splitter, int row, int col, PaneClass const *paneClass, Size size) override;
@@ -234,7 +237,8 @@ private:
     std::unique_ptr<NamedData> m_namedData;
     std::unique_ptr<OpenForecast> m_forecast; ///< null without that feature, as the next
     std::unique_ptr<DriverOptionChoice> m_driverOptions;
-    ItemList m_pageItems; ///< whose options stand on the page of their driver; empty without one
+    std::unique_ptr<ThumbnailLook> m_thumbnails; ///< null without that feature
+    ItemList m_pageItems;                        ///< whose options stand on the page of their driver; empty without one
     unsigned const m_features = GetFeatures();
 
     bool m_layoutDone = false;

@@ -11,7 +11,8 @@ enum OpenFeatures : unsigned {
     kOpenPreviewBar = 8,   ///< which channel, slice and frame the preview shows
     kOpenSeries = 16,      ///< with data sets: numbered files have one row, unless the user unfolds them
     kOpenConnections = 32, ///< connections can be made and changed in the list of data sources
-    kOpenAll = 63,
+    kOpenThumbnails = 128, ///< the list of items can show thumbnails in place of rows
+    kOpenAll = 63 + 128,
 };
 
 } // namespace zelvar
