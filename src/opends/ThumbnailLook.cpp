@@ -1,5 +1,6 @@
 #include "zelvar/opends/ThumbnailLook.h"
 
+#include "zelvar/base/Translation.h"
 #include "zelvar/data/BDIMoniker.h"
 #include "zelvar/model/NtwDataSourceItem.h"
 #include "zelvar/model/SeriesItem.h"
@@ -10,6 +11,7 @@
 #include "zelvar/platform/ui/PaletteColors.h"
 #include "zelvar/platform/ui/Pictures.h"
 #include "zelvar/platform/ui/Reading.h"
+#include "zelvar/platform/ui/SystemColor.h"
 #include "zelvar/platform/ui/Text.h"
 #include "zelvar/store/DCnfg.h"
 #include "zelvar/thumbnails/cells/TablePicture.h"

@@ -8,12 +8,10 @@
 #include "zelvar/thumbnails/PngPicture.h"
 
 #include <algorithm>
-#include <array>
 #include <boost/uuid/detail/md5.hpp>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <random>
 
 #include <fcntl.h>
@@ -43,9 +41,9 @@ KeptSize const *SizeFor(int side) {
 /// Formats of eight bits a sample: what others make of them is right. All others may hold wide samples, and then it is
 /// not, or have no other program that shows them.
 bool HasBytesAlone(std::string_view path) {
-    DString const ending = FoldCase(ExtensionOf(path));
     constexpr std::string_view kEndings[] = {"jpg", "jpeg", "jpe", "gif", "bmp", "webp"};
-    return std::ranges::find(kEndings, ending) != std::end(kEndings);
+    return std::ranges::any_of(kEndings,
+                               [&](std::string_view ending) { return EqualNoCase(ExtensionOf(path), ending); });
 }
 
 DString Md5Of(std::string_view text) {
@@ -53,11 +51,9 @@ DString Md5Of(std::string_view text) {
     hash.process_bytes(text.data(), text.size());
     boost::uuids::detail::md5::digest_type digest{};
     hash.get_digest(digest);
-    std::array<unsigned char, sizeof digest> bytes{};
-    std::memcpy(bytes.data(), &digest, sizeof digest);
     DString name;
-    for (unsigned char const byte : bytes)
-        name += Format("%02x", byte);
+    for (unsigned const word : digest) // whose first byte is the highest
+        name += Format("%08x", word);
     return name;
 }
 

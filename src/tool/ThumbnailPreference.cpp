@@ -63,7 +63,8 @@ DString WithBuiltInOff(DString const &settings) {
     bool isInside = false;
     bool isDone = false;
     auto const switchOff = [&](DString const &former) {
-        lines.push_back(kNote + former);
+        lines.emplace_back(kNote);
+        lines.back() += former;
         lines.push_back(off);
         isDone = true;
     };
@@ -113,7 +114,9 @@ DString ThumbnailPreference::Set() const {
     if (!hasService)
         return {};
     // The user's file takes the place of the system's as a whole.
-    DString const former = DFile(UserFile()).Exist() ? TextOf(UserFile()) : kMade + TextOf(SystemFile());
+    bool const hasOwn = DFile(UserFile()).Exist();
+    DString former = hasOwn ? DString() : DString(kMade);
+    former += TextOf(hasOwn ? UserFile() : SystemFile());
     return WriteFile(UserFile(), WithBuiltInOff(former)) ? DString() : UserFile();
 }
 

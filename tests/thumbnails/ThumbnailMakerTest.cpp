@@ -82,7 +82,7 @@ TEST_F(ThumbnailMaking, AContainerShowsItsFirstImageAndATableItsFirstCells) {
     test::WritePages(m_folder / "pages.tif", 3);
     EXPECT_EQ(Make(m_folder / "pages.tif").GetPixel(1, 1), Rgb(10, 10, 10)) << "the first page";
     test::WriteNetCdf(m_folder / "two.nc", 2);
-    EXPECT_EQ(Make(m_folder / "two.nc").GetWidth(), 20);
+    EXPECT_EQ(Make(m_folder / "two.nc").GetHeight(), 20);
     test::WriteGroups(m_folder / "groups.nc");
     EXPECT_TRUE(Make(m_folder / "groups.nc").HasData()) << "in a group";
     EXPECT_TRUE(m_glimpse.names.empty());

@@ -35,7 +35,7 @@ struct MountEntry {
 /// Whether who touches it may be held in the kernel: a file system of a network, or one that another process serves.
 [[nodiscard]] bool MayBlock(MountEntry const &mount);
 /// The same for where a path lies; true for what is none of this file system.
-[[nodiscard]] bool MayBlockAt(DString const &path);
+[[nodiscard]] ZELVAR_API bool MayBlockAt(DString const &path);
 
 /// The drives that the kernel's tables name, the file system's root first. Reads the tables alone: a mount point is
 /// never touched, since a dead one would block for minutes.
