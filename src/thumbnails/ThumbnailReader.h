@@ -49,7 +49,7 @@ public:
     /// Moves out what has come since the last call.
     [[nodiscard]] std::vector<Answer> Take();
     [[nodiscard]] Counts GetCounts() const;
-    /// Whether something that is wanted is still to come.
+    /// Whether something that is wanted is still to come, or was not taken.
     [[nodiscard]] bool IsBusy() const;
     /// Nothing is wanted any more, and nobody is told of anything. Does not wait.
     void Release();

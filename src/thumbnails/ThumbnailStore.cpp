@@ -94,8 +94,9 @@ bool Fits(PngTexts const &texts, ThumbnailKey const &key) {
         return at == texts.end() ? DString() : at->second;
     };
     DString const size = text("Thumb::Size");
+    DString const modified = text("Thumb::MTime"); // some write a fraction behind it
     bool const isOurs = text("Software") == kSoftware;
-    return text("Thumb::URI") == key.uri && text("Thumb::MTime") == std::to_string(key.modified) &&
+    return text("Thumb::URI") == key.uri && modified.substr(0, modified.find('.')) == std::to_string(key.modified) &&
            (size.empty() || key.size < 0 || size == std::to_string(key.size)) && (isOurs || key.takesForeign);
 }
 

@@ -85,7 +85,10 @@ int RunThumbnail(std::vector<DString> const &words) {
     std::optional<int> const side = CountIn(arguments->Value("--size", "256"), kMostSide);
     if (!side)
         return UsageError(kSpec, Format("a size is a number of pixels from 1 to %d", kMostSide));
-    UseReaderDrivers();
+    ReaderSettings settings; // whoever has asked waits, and has limits of their own
+    RequestBudget &budget = settings.budgets[static_cast<std::size_t>(RequestKind::Thumbnail)];
+    budget.time = settings.BudgetOf(RequestKind::Preview).time;
+    UseReaderDrivers(settings);
 
     std::optional<Named> const named = NamedBy(arguments->words.front());
     if (!named)

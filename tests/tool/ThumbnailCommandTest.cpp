@@ -92,7 +92,8 @@ TEST(ThumbnailPreference, UndoLeavesTheUserFilesAsTheyWere) {
     EXPECT_EQ(preference.Undo(), "");
     DString const own = "[PixbufThumbnailer]\nDisabled=false\n[Mine]\nx=1\n";
     folder.Write("config/tumbler/tumbler.rc", own);
-    EXPECT_EQ(preference.Set() + preference.Undo(), "");
+    EXPECT_EQ(preference.Set(), "");
+    EXPECT_EQ(preference.Undo(), "");
     EXPECT_EQ(test::ReadFile(settings), own);
 
     tool::ThumbnailPreference const elsewhere(folder / "data2", folder / "config2", folder / "none");
