@@ -270,7 +270,7 @@ void ThumbnailLook::DrawTile(DrawItemStruct const &request, DataSourceItem const
     DrawFace(request, item, platform::ToQRect(m_list->GetSubItemRect(row, 0, LVIR_ICON)));
     for (int col = 0; col < 2; ++col) {
         QRect const place = platform::ToQRect(m_list->GetSubItemRect(row, col, LVIR_LABEL));
-        painter.setPen(col == 0 ? colors.text : platform::Mixed(colors.text, colors.background, 0.35));
+        painter.setPen(col == 0 || isSelected ? colors.text : platform::Mixed(colors.text, colors.background, 0.35));
         // Names of a folder often begin alike: what differs stands at their ends.
         QString const text =
             painter.fontMetrics().elidedText(m_list->ShownText(row, col), Qt::ElideMiddle, place.width());
