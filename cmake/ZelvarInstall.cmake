@@ -12,6 +12,10 @@ foreach(entry "applications;desktop" "metainfo;metainfo.xml" "icons/hicolor/scal
   list(GET entry 1 ending)
   install(FILES "packaging/org.example.Zelvar.${ending}" DESTINATION "${CMAKE_INSTALL_DATADIR}/${folder}" COMPONENT runtime)
 endforeach()
+# Thumbnails of types that no other program serves, and the types that no database has.
+install(FILES packaging/zelvar.thumbnailer DESTINATION "${CMAKE_INSTALL_DATADIR}/thumbnailers" COMPONENT runtime)
+install(FILES packaging/zelvar-types.xml RENAME zelvar.xml DESTINATION "${CMAKE_INSTALL_DATADIR}/mime/packages"
+  COMPONENT runtime)
 install(DIRECTORY "${CMAKE_SOURCE_DIR}/share/" DESTINATION "${ZELVAR_DATA_DIR}" COMPONENT runtime)
 
 configure_package_config_file(cmake/ZelvarConfig.cmake.in "${CMAKE_BINARY_DIR}/ZelvarConfig.cmake"

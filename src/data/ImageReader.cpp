@@ -20,7 +20,7 @@ constexpr int kLongerSide = 1024;                     // pixels of a preview
 constexpr std::int64_t kMostPixels = 0x2008008;       // without a pyramid
 constexpr std::chrono::milliseconds kSeriesTime{250}; // to compare its members
 constexpr int kAnyResolution = 1 << 30;               // pixels; the longer side of such a map
-constexpr int kCubic = RDIDriver::Cubic;
+constexpr int kMostThumbnail = 1024;
 
 /// Slices lie one under the other and time frames side by side.
 ImageInfo Describe(OpenImage const &image) {
@@ -66,14 +66,19 @@ public:
         : m_image(image), m_stop(stop), m_choice(choice), m_info(Describe(image)) {}
 
     [[nodiscard]] bool Read(DCanvas &canvas, Enlarge enlarge);
+    /// One of an image of any size, the longer side at most `side` pixels.
+    [[nodiscard]] bool ReadSmall(DCanvas &canvas, int side);
     [[nodiscard]] bool ReadValues(PreviewValues &values);
     /// Why it was not read; of one that was read, that it is damaged.
     [[nodiscard]] DError const &Error() const { return m_error; }
     [[nodiscard]] RDIRowsRead const &RowsRead() const { return m_read; }
 
 private:
-    /// That it can be read, and in a time that it is worth.
-    [[nodiscard]] bool IsWithinReach();
+    /// That it can be read.
+    [[nodiscard]] bool IsReadable();
+    /// That it takes no time that it is not worth.
+    [[nodiscard]] bool IsLarge() const;
+    [[nodiscard]] bool IsWithinReach() { return IsReadable() && !IsLarge(); }
     [[nodiscard]] bool HasColors() const;
     [[nodiscard]] RDIWindow Window(int outWidth, int outHeight) const;
     [[nodiscard]] int FirstChannel() const { return std::max(m_choice.channel, 0); }
@@ -89,6 +94,7 @@ private:
     OpenImage const &m_image;
     StopSignal const *m_stop;
     PreviewChoice m_choice;
+    RDIDriver::Resampling m_resampling = RDIDriver::Cubic;
     ImageInfo m_info;
     PreviewValues m_values; ///< for a stretch of their own
     DError m_error;
@@ -138,7 +144,7 @@ Bytes Picture::ReadPlanes(int first, int count, DCanvas const &canvas) {
     RDIWindow const cell = Window(canvas.GetWidth(), canvas.GetHeight());
     if (planes.empty() ||
         (!driver.ReadChannelsRsmpl(m_image.Handle(), first, count, cell.x, cell.y, cell.width, cell.height,
-                                   planes.data(), cell.outWidth, cell.outHeight, kCubic, true, true) &&
+                                   planes.data(), cell.outWidth, cell.outHeight, m_resampling, true, true) &&
          !Salvage(first, count, planes.data(), canvas)))
         return {};
     auto const values = static_cast<std::size_t>(first - FirstChannel()); // of the first plane
@@ -207,14 +213,17 @@ bool Picture::ReadColors(DCanvas &canvas) {
            !IsStopped(m_stop);
 }
 
-bool Picture::IsWithinReach() {
+bool Picture::IsReadable() {
     if (DString const fault = FaultOf(m_choice, m_info); !fault.empty() && m_info.channels > 0) {
         m_error.Set(fault);
         return false;
     }
-    return std::max(m_info.height, m_info.width) >= 1 && m_info.channels >= 1 && !IsStopped(m_stop) &&
-           (std::int64_t{m_info.width} * m_info.height < kMostPixels ||
-            m_image.Driver().GetAttrInt("RDI_Drvr_Sppt_Intrnl_RslPrmd", m_image.Handle(), 0) == 1);
+    return std::min(m_info.height, m_info.width) >= 1 && m_info.channels >= 1 && !IsStopped(m_stop);
+}
+
+bool Picture::IsLarge() const {
+    return std::int64_t{m_info.width} * m_info.height >= kMostPixels &&
+           m_image.Driver().GetAttrInt("RDI_Drvr_Sppt_Intrnl_RslPrmd", m_image.Handle(), 0) != 1;
 }
 
 bool Picture::HasColors() const {
@@ -231,6 +240,16 @@ bool Picture::Read(DCanvas &canvas, Enlarge enlarge) {
     canvas.SetSize(static_cast<int>(m_info.width * scale), static_cast<int>(m_info.height * scale));
     if (!canvas.HasData())
         return false; // a side shorter than a pixel
+    return HasColors() ? ReadColors(canvas) : ReadChannels(canvas);
+}
+
+bool Picture::ReadSmall(DCanvas &canvas, int side) {
+    if (!IsReadable())
+        return false;
+    double const scale = std::min(1.0, static_cast<double>(side) / std::max(m_info.height, m_info.width));
+    auto const scaled = [scale](int length) { return std::max(1, static_cast<int>(std::lround(length * scale))); };
+    canvas.SetSize(scaled(m_info.width), scaled(m_info.height));
+    m_resampling = IsLarge() ? RDIDriver::Nearest : RDIDriver::Cubic;
     return HasColors() ? ReadColors(canvas) : ReadChannels(canvas);
 }
 
@@ -291,9 +310,12 @@ bool ReadImageInfo(BDIMoniker const &moniker, DString const &driverId, StopSigna
     return true;
 }
 
-bool ReadPreview(BDIMoniker const &moniker, DString const &driverId, StopSignal const *stop, DCanvas &picture,
-                 Enlarge enlarge, DError *error, RDIRowsRead *read, PreviewChoice const &choice) {
-    RequestScope const scope(RequestKind::Preview);
+namespace {
+
+/// `read` reads the picture of what is open.
+template <class Read>
+bool ReadPicture(BDIMoniker const &moniker, DString const &driverId, StopSignal const *stop,
+                 PreviewChoice const &choice, DCanvas &picture, DError *error, RDIRowsRead *read, Read const &take) {
     DCanvas canvas;
     bool isRead = false;
     DError reason;
@@ -302,7 +324,7 @@ bool ReadPreview(BDIMoniker const &moniker, DString const &driverId, StopSignal 
         OpenImage const image(moniker, driverId, stop, &reason);
         if (image.IsOpen()) {
             Picture reading(image, stop, choice);
-            isRead = reading.Read(canvas, enlarge);
+            isRead = take(reading, canvas);
             reason = reading.Error();
             rows = reading.RowsRead();
         }
@@ -318,6 +340,23 @@ bool ReadPreview(BDIMoniker const &moniker, DString const &driverId, StopSignal 
     if (read != nullptr)
         *read = rows;
     return isRead;
+}
+
+} // namespace
+
+bool ReadPreview(BDIMoniker const &moniker, DString const &driverId, StopSignal const *stop, DCanvas &picture,
+                 Enlarge enlarge, DError *error, RDIRowsRead *read, PreviewChoice const &choice) {
+    RequestScope const scope(RequestKind::Preview);
+    return ReadPicture(moniker, driverId, stop, choice, picture, error, read,
+                       [enlarge](Picture &reading, DCanvas &canvas) { return reading.Read(canvas, enlarge); });
+}
+
+bool ReadThumbnail(BDIMoniker const &moniker, DString const &driverId, StopSignal const *stop, int side,
+                   DCanvas &picture, DError *error) {
+    RequestScope const scope(RequestKind::Thumbnail);
+    int const most = std::clamp(side, 1, kMostThumbnail);
+    return ReadPicture(moniker, driverId, stop, {}, picture, error, nullptr,
+                       [most](Picture &reading, DCanvas &canvas) { return reading.ReadSmall(canvas, most); });
 }
 
 bool ReadPreviewValues(BDIMoniker const &moniker, DString const &driverId, StopSignal const *stop,

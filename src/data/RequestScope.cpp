@@ -27,6 +27,13 @@ bool RequestScope::IsStopped() const {
     return false;
 }
 
+bool RequestScope::IsInBackground() const {
+    for (RequestScope const *scope = this; scope != nullptr; scope = scope->m_outer)
+        if (scope->m_kind == RequestKind::Thumbnail)
+            return true;
+    return false;
+}
+
 std::optional<std::chrono::milliseconds> RequestScope::OwnTimeLeft() const {
     if (!m_time)
         return std::nullopt;

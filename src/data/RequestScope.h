@@ -14,8 +14,9 @@ enum class RequestKind {
     List,       ///< children of a node
     Properties, ///< figures of an image
     Preview,    ///< pixels
+    Thumbnail,  ///< a small picture that nobody waits for, see `RequestScope::IsInBackground`
 };
-inline constexpr int kRequestKinds = 4;
+inline constexpr int kRequestKinds = 5;
 
 /// What a probe of a file that somebody has named, selected or opened may take. Only guesses about many files at once
 /// have the short budget of the kind.
@@ -49,6 +50,9 @@ public:
     [[nodiscard]] static RequestScope *Current();
 
     [[nodiscard]] RequestKind Kind() const { return m_kind; }
+    /// Whether all that is asked for here is for a thumbnail, whatever its own kind: drivers in processes of their own
+    /// then work in some that are kept for that, and nobody who waits has to share with them.
+    [[nodiscard]] bool IsInBackground() const;
     [[nodiscard]] Clock::time_point Begin() const { return m_begin; }
     [[nodiscard]] bool HasOwnTime() const { return m_time.has_value(); }
     /// What is left of this scope's own time; nothing if it has none.

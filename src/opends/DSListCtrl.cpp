@@ -117,7 +117,7 @@ void DSListCtrl::FitNames() {
     if (GetColumnCount() <= kDateColumn || GetColumnWidth(kNameColumn) != m_fittedNames)
         return;
     int const rest = GetClientRect().Width() - GetColumnWidth(kSizeColumn) - GetColumnWidth(kDateColumn) -
-                     GetColumnWidth(kFolderColumn); // 0 for no such column
+                     GetColumnWidth(kFolderColumn) - m_reservedHeading; // 0 for no such column
     // Beside their folders they get along with less.
     int const least = m_results == nullptr ? LeastNameWidth() : LeastNameWidth() * 2 / 3;
     m_fittedNames = std::max(least, rest);
@@ -125,6 +125,10 @@ void DSListCtrl::FitNames() {
 }
 
 int DSListCtrl::LeastNameWidth() const { return fontMetrics().averageCharWidth() * kCharsPerInch; }
+void DSListCtrl::ReserveHeading(int width) {
+    m_reservedHeading = width;
+    FitNames();
+}
 
 void DSListCtrl::SetMode(Mode mode) {
     m_mode = mode;
@@ -274,6 +278,8 @@ void DSListCtrl::StartWindowFilling() {
     }
     if (m_rootItems.empty())
         return;
+    if (m_tilePainter != nullptr)
+        m_tilePainter->RootsChanged();
     AddParentRow();
     FolderListingWorker::Request request{m_rootItems, m_fileFilter,
                                          m_formatId,  m_dlgTemplate,
@@ -530,6 +536,12 @@ int DSListCtrl::MeasureCell(int row, int col) const {
 
 int DSListCtrl::LabelLeft(int, int col) const { return col == kNameColumn ? kPictureBand : 0; }
 
+void DSListCtrl::paintEvent(QPaintEvent *event) {
+    CZelListCtrlVirtual::paintEvent(event);
+    if (IsTiled() && m_tilePainter != nullptr)
+        m_tilePainter->TilesPainted();
+}
+
 void DSListCtrl::DrawItem(DrawItemStruct const &request) {
     if (request.action != ODA_DRAWENTIRE) {
         CZelListCtrlVirtual::DrawItem(request);
@@ -538,6 +550,10 @@ void DSListCtrl::DrawItem(DrawItemStruct const &request) {
     RefItemPtr<DataSourceItem> const item = ItemAt(request.itemID);
     if (item == nullptr)
         return;
+    if (IsTiled() && m_tilePainter != nullptr) {
+        m_tilePainter->DrawTile(request, *item);
+        return;
+    }
     DrawItemPicture(request.painter, PictureRect(request.rcItem), *item);
     Rect marked = Mirrored(request.rcItem);
     marked.left += kPictureBand;

@@ -102,6 +102,24 @@ public:
     /// Whether the last double click, which is told whatever lies below it, hit no row.
     [[nodiscard]] bool WasDblClckBesideRows() const { return m_dblClckBesideRows; }
 
+    /// Draws the tiles of the list, see `ShowTiles`.
+    class TilePainter {
+    public:
+        TilePainter(TilePainter const &) = delete;
+        TilePainter &operator=(TilePainter const &) = delete;
+        virtual void DrawTile(DrawItemStruct const &request, DataSourceItem const &item) = 0;
+        virtual void TilesPainted() = 0; ///< behind each paint of tiles
+        virtual void RootsChanged() = 0; ///< other items are about to be listed
+
+    protected:
+        TilePainter() = default;
+        ~TilePainter() = default;
+    };
+    /// Not owned; null for none. Without one there are no tiles.
+    void SetTilePainter(TilePainter *painter) { m_tilePainter = painter; }
+    /// Pixels at the end of the headings that the columns leave to somebody else.
+    void ReserveHeading(int width);
+
     DString OnGetItemText(int row, int col) override;
     int OnGetItemImg(int row, int col) override;
     [[nodiscard]] QString ShownText(int row, int col) const override;
@@ -116,6 +134,7 @@ protected:
     void PreCreateWindow(unsigned &style, Rect &place) override;
     int OnCreate() override;
     void DrawItem(DrawItemStruct const &request) override;
+    void paintEvent(QPaintEvent *event) override;
     bool OnItemChanged(int row, unsigned oldState, unsigned newState) override;
     bool OnRangeChanged(int first, int last, unsigned oldState, unsigned newState) override;
     bool OnDblClick(ReportHit hit, Point point) override;
@@ -156,6 +175,7 @@ private:
     void FitNames();
 
     Mode m_mode = ModeFolders;
+    int m_reservedHeading = 0;          ///< pixels
     int m_fittedNames = 0;              ///< width that the names were given last, pixels
     std::unique_ptr<Listing> m_listing; ///< the one under way, and what was listed and selected before
     QPointer<QObject> m_coordinator;
@@ -172,6 +192,7 @@ private:
     bool m_dblClckBesideRows = false;
     std::unique_ptr<ListResults> m_results; ///< null for a listing
     bool m_isQuiet = false;                 ///< nobody is told what is selected
+    TilePainter *m_tilePainter = nullptr;   ///< not owned
     platform::WindowTimers m_timers;
 };
 

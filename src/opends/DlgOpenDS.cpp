@@ -27,6 +27,7 @@
 #include "zelvar/opends/OpenSearch.h"
 #include "zelvar/opends/PlaceTravel.h"
 #include "zelvar/opends/ServerWaits.h"
+#include "zelvar/opends/ThumbnailLook.h"
 #include "zelvar/opends/core/DialogState.h"
 #include "zelvar/opends/search/SearchForm.h"
 #include "zelvar/platform/ui/ControlId.h"
@@ -436,6 +437,8 @@ bool DlgOpenDS::OnInitDialog() {
         m_propertyWnd->AddPreviewBar();
     if ((m_features & kOpenConnections) != 0 && m_rootItem == nullptr && PicksImageData(m_dlgTemplate))
         m_dataSourceList->OfferConnections();
+    if ((m_features & kOpenThumbnails) != 0 && !PicksDocument(m_dlgTemplate))
+        m_thumbnails = std::make_unique<ThumbnailLook>(*m_mainList, *this, TemplateKey());
     m_extras.Load();
     m_mainList->SetBDIFilter(m_bdiFilter);
     if (m_rootItem != nullptr)
@@ -486,6 +489,7 @@ bool DlgOpenDS::DestroyWindow() {
     qApp->removeEventFilter(this);
     m_layoutDone = m_isPlaceShown = false;
     m_waits.reset();
+    m_thumbnails.reset();
     m_splitter = nullptr;
     m_travel.reset();
     m_basket.reset();

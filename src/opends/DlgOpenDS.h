@@ -44,6 +44,7 @@ class OpenForecast;
 class PlaceTravel;
 class OpenSearch;
 class ServerWaits;
+class ThumbnailLook;
 
 /// Open data source dialog: the modal dialog in which the user picks data items and gets monikers back.
 ///
@@ -119,6 +120,8 @@ public:
     [[nodiscard]] ServerWaits *Waits() const { return m_waits.get(); }
     /// The search below the place that is shown; null without it.
     [[nodiscard]] OpenSearch *Search() const { return m_search.get(); }
+    /// How the items are shown; null in a dialog without thumbnails.
+    [[nodiscard]] ThumbnailLook *Thumbnails() const { return m_thumbnails.get(); }
     [[nodiscard]] PathButtonRow const &PathRow() const { return *m_pathButtons; }
 
     QWidget *CreateViewObj(DSplitterWnd *splitter, int row, int col, PaneClass const *paneClass, Size size) override;
@@ -266,7 +269,8 @@ private:
     std::unique_ptr<OpenSearch> m_search;     ///< null without that feature
     std::unique_ptr<OpenForecast> m_forecast; ///< null without that feature, as the next
     std::unique_ptr<DriverOptionChoice> m_driverOptions;
-    ItemList m_pageItems; ///< whose options stand on the page of their driver; empty without one
+    std::unique_ptr<ThumbnailLook> m_thumbnails; ///< null without that feature
+    ItemList m_pageItems;                        ///< whose options stand on the page of their driver; empty without one
     unsigned const m_features = GetFeatures();
 
     bool m_layoutDone = false;

@@ -12,10 +12,11 @@ enum OpenFeatures : unsigned {
     kOpenSeries = 16,      ///< with data sets: numbered files have one row, unless the user unfolds them
     kOpenConnections = 32, ///< connections can be made and changed in the list of data sources
     kOpenSearch = 64,      ///< a search below the place that is shown, by name and by what images hold
+    kOpenThumbnails = 128, ///< the list of items can show thumbnails in place of rows
     kOpenBasket = 256,     ///< where several items can be picked: a basket that gathers them across folders
     kOpenHistory = 512,    ///< back and forward, and recent places
     kOpenFavorites = 1024, ///< favourites of anything, with names, groups and an order
-    kOpenAll = 63 | kOpenSearch | kOpenBasket | kOpenHistory | kOpenFavorites,
+    kOpenAll = 63 | kOpenSearch | kOpenThumbnails | kOpenBasket | kOpenHistory | kOpenFavorites,
 };
 
 } // namespace zelvar

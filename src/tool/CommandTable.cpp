@@ -208,6 +208,25 @@ std::vector<CommandSpec> const &AllCommands() {
                       "itself, description, values"}},
          .minArguments = 1,
          .maxArguments = 1},
+        {.name = "thumbnail",
+         .words = "MONIKER FILE.png",
+         .about = "Writes a small picture of an image, of the first image in a container, or of the first cells of a "
+                  "table, and keeps it nowhere else: thumbnailing services of desktops call it so. MONIKER may be a "
+                  "URI, as file:///data/a%20b.tif.",
+         .options = {{"--size", "N",
+                      "its longer side in pixels, 256 by default and 1024 at most; no image is "
+                      "enlarged. Also -s"}},
+         .minArguments = 2,
+         .maxArguments = 2},
+        {.name = "thumbnails",
+         .words = "prefer",
+         .about = "Has this user's desktop ask us for thumbnails of formats that other programs claim too, as TIFF: "
+                  "those show the upper eight bits of wide samples. Writes "
+                  "~/.local/share/thumbnailers/zelvar-preferred.thumbnailer and, where tumbler is installed, "
+                  "~/.config/tumbler/tumbler.rc, which switches off its built-in thumbnailer of pictures.",
+         .options = {{"--undo", "", "as it was before"}},
+         .minArguments = 1,
+         .maxArguments = 1},
         {.name = "sources",
          .words = "[list|add [ADDRESS]|remove NAME|test NAME|export NAME FILE|import FILE]",
          .about = "Prints the rows of the data source list: group, name, path. Or makes, tries, removes and passes on "

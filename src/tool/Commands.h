@@ -10,6 +10,8 @@ namespace zelvar::tool {
 int RunLs(std::vector<DString> const &words);
 int RunFind(std::vector<DString> const &words);
 int RunInfo(std::vector<DString> const &words);
+int RunThumbnail(std::vector<DString> const &words);
+int RunThumbnails(std::vector<DString> const &words);
 int RunSources(std::vector<DString> const &words);
 int RunSettings(std::vector<DString> const &words);
 int RunOpen(std::vector<DString> const &words, int &argc, char **argv);

@@ -10,6 +10,7 @@
 #include "zelvar/opends/OpenForecast.h"
 #include "zelvar/opends/OpenSearch.h"
 #include "zelvar/opends/ServerWaits.h"
+#include "zelvar/opends/ThumbnailLook.h"
 #include "zelvar/platform/ui/ControlId.h"
 #include "zelvar/platform/ui/Text.h"
 
@@ -66,7 +67,8 @@ public:
     [[nodiscard]] bool IsSettled() const override {
         bool const isWaiting = m_dialog.Waits() != nullptr && m_dialog.Waits()->IsWaiting();
         bool const isSearching = m_dialog.Search() != nullptr && m_dialog.Search()->IsSearching();
-        return !isWaiting && !isSearching && !m_dialog.PropertyWnd()->IsReading() && IsForeseen();
+        bool const isPainting = m_dialog.Thumbnails() != nullptr && m_dialog.Thumbnails()->IsBusy();
+        return !isWaiting && !isSearching && !isPainting && !m_dialog.PropertyWnd()->IsReading() && IsForeseen();
     }
     [[nodiscard]] bool IsForeseen() const override {
         return m_dialog.Forecast() == nullptr || m_dialog.Forecast()->IsSettled();

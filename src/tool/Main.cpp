@@ -42,6 +42,10 @@ int Run(int argc, char **argv) {
         return RunFind(words);
     if (command == "info")
         return RunInfo(words);
+    if (command == "thumbnail")
+        return RunThumbnail(words);
+    if (command == "thumbnails")
+        return RunThumbnails(words);
     if (command == "sources")
         return RunSources(words);
     if (command == "settings")

@@ -234,7 +234,7 @@ void ColumnArea::UpdateHorizontalBar() {
     int const page = viewport()->width();
     horizontalScrollBar()->setPageStep(page);
     horizontalScrollBar()->setSingleStep(fontMetrics().averageCharWidth() * 2);
-    horizontalScrollBar()->setRange(0, std::max(0, ColumnsWidth() - page));
+    horizontalScrollBar()->setRange(0, std::max(0, ContentsWidth() - page));
     m_header->setOffset(horizontalScrollBar()->value());
 }
 

@@ -57,6 +57,8 @@ protected:
     [[nodiscard]] int ColumnPosition(int col) const;
     [[nodiscard]] int ColumnStart(int col) const;
 
+    /// How far it can be scrolled sideways, and the width of the view besides.
+    [[nodiscard]] virtual int ContentsWidth() const { return ColumnsWidth(); }
     /// What fits a column, for `LVSCW_AUTOSIZE`.
     [[nodiscard]] virtual int ContentWidth(int col) const = 0;
     virtual void ColumnInserted(int col) = 0;

@@ -36,6 +36,10 @@ std::optional<RowNavigation::Step> StepOf(int key) {
         return RowNavigation::Step::First;
     case Qt::Key_End:
         return RowNavigation::Step::Last;
+    case Qt::Key_Left:
+        return RowNavigation::Step::Before;
+    case Qt::Key_Right:
+        return RowNavigation::Step::Behind;
     default:
         return std::nullopt;
     }
@@ -78,10 +82,14 @@ bool ReportInput::Key(QKeyEvent const &event) {
 }
 
 bool ReportInput::MoveFocus(QKeyEvent const &event) {
-    std::optional<RowNavigation::Step> const step = StepOf(event.key());
-    if (!step)
+    std::optional<RowNavigation::Step> step = StepOf(event.key());
+    bool const isSideways = step == RowNavigation::Step::Before || step == RowNavigation::Step::Behind;
+    if (!step || (isSideways && !m_view.IsTiled()))
         return false;
-    int const page = std::max(m_view.GetCountPerPage() - 1, 1);
+    if (isSideways && m_view.isRightToLeft())
+        step = step == RowNavigation::Step::Before ? RowNavigation::Step::Behind : RowNavigation::Step::Before;
+    // Something of the former page stays in sight, but of a page that is one line of tiles.
+    int const page = std::max(m_view.GetCountPerPage() - (m_view.IsTiled() ? 0 : 1), 1);
     std::optional<int> const position = m_view.Navigation().Target(*step, page);
     if (position)
         MoveTo(*position, event.modifiers());

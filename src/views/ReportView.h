@@ -11,6 +11,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <utility>
 
 namespace zelvar {
 
@@ -24,6 +25,9 @@ class RowScroll;
 /// Without `LVS_OWNERDATA` it stores texts, image, word and group of each row; with it only a number of rows, which
 /// costs nothing per row, and cells are asked for by `OnGetDispInfo`. The selection is a set of intervals. What happens
 /// is told by virtual functions first; a handler that returns false lets the signal of the same name follow.
+///
+/// The rows of a list without groups can be shown as tiles, side by side in lines: the same rows, the same selection,
+/// and the headings stay. A tile has a picture above, below it the text of column 0 and below that the one of column 1.
 class ZELVAR_API ReportView : public ColumnArea, private RowSelection::Listener {
     Q_OBJECT
 
@@ -38,6 +42,12 @@ public:
     void ModifyStyle(unsigned remove, unsigned add);
     [[nodiscard]] unsigned GetExtendedStyle() const { return m_extendedStyle; }
     void SetExtendedStyle(unsigned style);
+
+    /// Shows tiles of that size, pixels, or rows for an empty one. Tiles take what a line leaves. The row on top stays
+    /// in sight. Groups are not shown meanwhile.
+    void ShowTiles(Size tile);
+    [[nodiscard]] bool IsTiled() const { return m_tile.cx > 0; }
+    [[nodiscard]] Size TileSize() const { return m_tile; } ///< empty for rows
 
     int InsertItem(ReportItem const &item); ///< the new row; -1 for a virtual list
     bool DeleteItem(int row);
@@ -69,11 +79,14 @@ public:
     // Rectangles and points in pixels of the viewport from its left edge, scrolled.
     [[nodiscard]] ReportHit SubItemHitTest(Point point) const;
     [[nodiscard]] Rect GetItemRect(int row) const;
-    /// `LVIR_BOUNDS` of column 0 is the row; `LVIR_LABEL` leaves out the image.
+    /// `LVIR_BOUNDS` of column 0 is the row; `LVIR_LABEL` leaves out the image. Of a tile columns 0 and 1 have their
+    /// text as label, `LVIR_ICON` is its picture, and further columns are empty.
     [[nodiscard]] Rect GetSubItemRect(int row, int col, int part) const;
     void EnsureVisible(int row, bool partialOk = false);
-    [[nodiscard]] int GetCountPerPage() const; ///< rows that are wholly seen
+    [[nodiscard]] int GetCountPerPage() const; ///< rows that are wholly seen; of tiles at least a line
     [[nodiscard]] int GetTopIndex() const;
+    /// The first row that is seen, if only in part, and the one behind the last. Not with groups.
+    [[nodiscard]] std::pair<int, int> GetSeenRows() const;
     [[nodiscard]] int RowHeight() const { return m_geometry.RowHeight(); }
     void RedrawItems(int first, int last);
     [[nodiscard]] Rect GetClientRect() const;
@@ -136,6 +149,7 @@ protected:
     [[nodiscard]] bool IsVirtual() const { return (m_style & LVS_OWNERDATA) != 0; }
     void SelectOnly(int row); ///< as a click does
 
+    [[nodiscard]] int ContentsWidth() const override { return IsTiled() ? 0 : ColumnsWidth(); }
     void ColumnInserted(int col) override;
     void ColumnDeleted(int col) override;
     void HeadingClicked(int col) override;
@@ -163,6 +177,10 @@ private:
     [[nodiscard]] bool HasRow(int row) const { return row >= 0 && row < GetItemCount(); }
     void RowsChanged(); ///< how many there are or where they stand; laid out before the next look
     void UpdateRowHeight();
+    [[nodiscard]] int TilesPerLine() const;
+    [[nodiscard]] Rect TileRect(int row, int top) const;
+    [[nodiscard]] Rect TilePartRect(int row, int col, int part) const;
+    [[nodiscard]] int RowOfTile(int first, int x) const; ///< at that pixel of the line that begins there; -1 for none
     void UpdateVerticalBar();
     [[nodiscard]] std::int64_t ContentTop() const; ///< content pixels above the viewport
     [[nodiscard]] RowScroll Scroll() const;
@@ -172,6 +190,7 @@ private:
     unsigned m_extendedStyle = 0;
     std::unique_ptr<ReportRows> m_rows;
     bool m_groupView = false;
+    Size m_tile{}; ///< empty for rows
     RowSelection m_selection{*this};
     mutable RowGeometry m_geometry;
     mutable bool m_layoutDue = false;

@@ -46,7 +46,9 @@ void ReportView::RowsChanged() {
 RowGeometry const &ReportView::Geometry() const {
     if (!std::exchange(m_layoutDue, false))
         return m_geometry;
-    if (m_groupView && m_rows->GroupCount() > 0 && !IsVirtual())
+    if (IsTiled())
+        m_geometry.SetTiles(GetItemCount(), TilesPerLine(), m_tile.cy);
+    else if (m_groupView && m_rows->GroupCount() > 0 && !IsVirtual())
         m_geometry.SetGroupedRows(m_rows->GroupOfRows(), m_rows->GroupCount());
     else
         m_geometry.SetRows(GetItemCount());
@@ -65,11 +67,20 @@ void ReportView::UpdateVerticalBar() {
 
 std::int64_t ReportView::ContentTop() const { return Scroll().ContentTop(verticalScrollBar()->value()); }
 
-int ReportView::GetCountPerPage() const { return RowScroll(m_geometry, viewport()->height()).RowsPerPage(); }
+int ReportView::GetCountPerPage() const {
+    int const seen = RowScroll(IsTiled() ? Geometry() : m_geometry, viewport()->height()).RowsPerPage();
+    return IsTiled() ? std::max(seen, Geometry().PerLine()) : seen;
+}
 
 int ReportView::GetTopIndex() const {
     int const position = Geometry().FirstPositionBelow(ContentTop());
     return position < Geometry().RowCount() ? Geometry().RowAtPosition(position) : 0;
+}
+
+std::pair<int, int> ReportView::GetSeenRows() const {
+    std::int64_t const top = ContentTop();
+    int const last = Geometry().FirstPositionBelow(top + std::max(viewport()->height(), 1) - 1);
+    return {Geometry().FirstPositionBelow(top), std::min(last + Geometry().PerLine(), GetItemCount())};
 }
 
 void ReportView::EnsureVisible(int row, bool partialOk) {
@@ -85,12 +96,60 @@ void ReportView::EnsureVisible(int row, bool partialOk) {
 
 Rect ReportView::GetClientRect() const { return {0, 0, viewport()->width(), viewport()->height()}; }
 
+void ReportView::ShowTiles(Size tile) {
+    bool const isSame = tile.cx == m_tile.cx && tile.cy == m_tile.cy;
+    if (isSame)
+        return;
+    int const focus = GetFocusRow();
+    bool const isFocusSeen = HasRow(focus) && !GetItemRect(focus).Intersected(GetClientRect()).IsEmpty();
+    int const kept = isFocusSeen ? focus : GetTopIndex();
+    m_tile = tile.cx > 0 && tile.cy > 0 ? tile : Size{};
+    RowsChanged();
+    UpdateVerticalBar();
+    UpdateHorizontalBar();
+    EnsureVisible(kept);
+}
+
+int ReportView::TilesPerLine() const { return std::max(viewport()->width() / std::max(m_tile.cx, 1), 1); }
+
+/// Tiles share what a line leaves.
+Rect ReportView::TileRect(int row, int top) const {
+    int const perLine = Geometry().PerLine();
+    int const place = row % perLine;
+    int const width = std::max(viewport()->width(), m_tile.cx);
+    return Mirrored({place * width / perLine, top, (place + 1) * width / perLine, top + m_tile.cy});
+}
+
+int ReportView::RowOfTile(int first, int x) const {
+    for (int row = first; row < std::min(first + Geometry().PerLine(), GetItemCount()); ++row)
+        if (Rect const tile = TileRect(row, 0); x >= tile.left && x < tile.right)
+            return row;
+    return -1;
+}
+
+Rect ReportView::TilePartRect(int row, int col, int part) const {
+    constexpr int kMargin = 4; // pixels around what stands in a tile
+    Rect rect = GetItemRect(row);
+    if (part == LVIR_BOUNDS && col == 0)
+        return rect;
+    int const line = fontMetrics().height() + 1;
+    rect = {rect.left + kMargin, rect.top + kMargin, rect.right - kMargin, rect.bottom - kMargin};
+    int const texts = std::max(rect.bottom - 2 * line, rect.top);
+    if (part == LVIR_ICON)
+        return {rect.left, rect.top, rect.right, texts};
+    int const shown = std::min(col, 2); // the third is empty
+    return {rect.left, std::min(texts + shown * line, rect.bottom), rect.right,
+            std::min(texts + (shown + 1) * line, rect.bottom)};
+}
+
 Rect ReportView::GetItemRect(int row) const {
     if (!HasRow(row))
         return {};
     // Rows far away keep clear of the integers' ends.
     constexpr std::int64_t far = 1 << 28;
     int const top = static_cast<int>(std::clamp(Geometry().RowTop(row) - ContentTop(), -far, far));
+    if (IsTiled())
+        return TileRect(row, top);
     int const start = -horizontalScrollBar()->value();
     return Mirrored({start, top, start + ColumnsWidth(), top + RowHeight()});
 }
@@ -102,6 +161,8 @@ int ReportView::LabelLeft(int row, int col) const {
 Rect ReportView::GetSubItemRect(int row, int col, int part) const {
     if (!HasRow(row))
         return {};
+    if (IsTiled())
+        return TilePartRect(row, col, part);
     Rect rect = GetItemRect(row);
     if (col == 0 && part == LVIR_BOUNDS)
         return rect;
@@ -119,6 +180,10 @@ ReportHit ReportView::SubItemHitTest(Point point) const {
     if (!GetClientRect().Contains(point))
         return {};
     std::optional<int> const row = Geometry().RowAt(ContentTop() + point.y);
+    if (IsTiled()) {
+        int const tile = row ? RowOfTile(*row, point.x) : -1;
+        return tile < 0 ? ReportHit{} : ReportHit{tile, 0};
+    }
     int const col = ColumnAt(point.x);
     return row && col >= 0 ? ReportHit{*row, col} : ReportHit{};
 }
@@ -126,6 +191,11 @@ ReportHit ReportView::SubItemHitTest(Point point) const {
 void ReportView::RedrawItems(int first, int last) {
     if (m_layoutDue || Geometry().IsGrouped() || last - first > GetCountPerPage()) {
         viewport()->update();
+        return;
+    }
+    if (IsTiled()) {
+        Rect const lines{0, GetItemRect(first).top, viewport()->width(), GetItemRect(last).bottom};
+        viewport()->update(platform::ToQRect(lines.Intersected(GetClientRect())));
         return;
     }
     int const top = verticalScrollBar()->value();
@@ -154,8 +224,14 @@ int ReportView::MeasureCell(int row, int col) const {
 }
 
 void ReportView::resizeEvent(QResizeEvent *event) {
+    int const kept = IsTiled() ? GetTopIndex() : 0;
+    bool const isNewLine = IsTiled() && Geometry().PerLine() != TilesPerLine();
     ColumnArea::resizeEvent(event);
+    if (isNewLine)
+        RowsChanged();
     UpdateVerticalBar();
+    if (isNewLine)
+        verticalScrollBar()->setValue(Scroll().ValueToShow(kept, verticalScrollBar()->maximum()));
 }
 
 void ReportView::changeEvent(QEvent *event) {
@@ -197,6 +273,8 @@ void ReportView::paintEvent(QPaintEvent *event) {
          position < geometry.RowCount() && geometry.PositionTop(position) < bottom; ++position) {
         item.itemID = geometry.RowAtPosition(position);
         item.rcItem = GetItemRect(item.itemID);
+        if (IsTiled() && !event->rect().intersects(platform::ToQRect(item.rcItem)))
+            continue;
         item.state = m_selection.State(item.itemID) & shownStates;
         item.itemData = GetItemWord(item.itemID);
         painter.save();

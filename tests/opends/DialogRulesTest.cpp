@@ -1,6 +1,7 @@
 // What the dialog decides before it touches the toolkit.
 #include "support/Test.h"
 #include "zelvar/opends/core/DialogState.h"
+#include "zelvar/opends/core/LookChoice.h"
 #include "zelvar/opends/core/PathButtons.h"
 
 namespace zelvar {
@@ -68,6 +69,21 @@ TEST(DialogState, TypedPathsAreFixedUpToTheFirstColonOrQuestionMark) {
         {"http://host/x", PathStyle::Native(), "http://host/x"}};
     for (auto const &[typed, style, fixed] : cases)
         EXPECT_EQ(FixTypedPath(typed, style), fixed) << typed;
+}
+
+TEST(LookChoice, ComesBackAndWhatIsNoneIsAsUsual) {
+    for (LookChoice const &look :
+         {LookChoice(), LookChoice{true, 96, false}, LookChoice{true, 256, true}, LookChoice{false, 200, true}})
+        EXPECT_EQ(LookFromText(LookToText(look)), look) << LookToText(look);
+    for (auto const &[text, look] : {std::pair("", LookChoice()),
+                                     {"thumbnails", {true, 128, false}},
+                                     {"rows 5 x 1e9", {false, 96, false}},
+                                     {"remote 99999 thumbnails", {true, 256, true}},
+                                     {"128px 999999999999", LookChoice()}})
+        EXPECT_EQ(LookFromText(text), look) << text;
+    EXPECT_EQ((LookChoice{.side = 130}.Resized(1).side), 144);
+    EXPECT_EQ((LookChoice{.side = 250}.Resized(5).side), 256);
+    EXPECT_EQ((LookChoice{.side = 100}.Resized(-1).side), 96);
 }
 
 } // namespace

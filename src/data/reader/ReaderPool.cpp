@@ -74,6 +74,8 @@ bool IsOfConnection(ReaderRole const &role) { return !role.connection.empty() &&
 int ReaderPool::Most(ReaderRole const &role) const {
     if (IsOfConnection(role))
         return 1;
+    if (role.background)
+        return std::max(1, m_settings.thumbnailReaders);
     return std::max(1, role.listing ? m_settings.listingReaders : m_settings.imageReaders);
 }
 
@@ -117,7 +119,7 @@ bool ReaderPool::StartOne(ReaderRole const &role, TermsPtr const &terms) {
     // A program that does not start is not tried again at each request.
     if (m_failedStarts >= kMostFailedStarts && Clock::now() < m_nextStart)
         return false;
-    std::shared_ptr<ReaderProcess> process = ReaderProcess::Start(m_settings, terms);
+    std::shared_ptr<ReaderProcess> process = ReaderProcess::Start(m_settings, terms, role.background);
     if (process == nullptr) {
         ++m_failedStarts;
         m_nextStart = Clock::now() + kPauseAfterFailedStarts;

@@ -16,7 +16,8 @@ namespace zelvar {
 /// connection does nothing else.
 struct ReaderRole {
     bool listing = false;
-    DString connection{}; ///< the id of its terms; empty for a reader of files on disk
+    DString connection{};    ///< the id of its terms; empty for a reader of files on disk
+    bool background = false; ///< of low priority, for what nobody waits for, of either kind
     friend bool operator==(ReaderRole const &, ReaderRole const &) = default;
 };
 
@@ -66,7 +67,10 @@ public:
         bool listing = false;
         TermsPtr terms{};  ///< of its connection; null for files on disk
         int preferred = 0; ///< number of a reader; 0 for any
-        [[nodiscard]] ReaderRole Role() const { return {listing, terms == nullptr ? DString() : terms->id}; }
+        bool background = false;
+        [[nodiscard]] ReaderRole Role() const {
+            return {listing && !background, terms == nullptr ? DString() : terms->id, background};
+        }
     };
     /// A reader for it: the preferred one if it is free, else another free one, else a new one, for which the one of
     /// another connection that has been idle longest gives way where there are too many, else the first that gets free.

@@ -17,11 +17,13 @@
 #include <filesystem>
 #include <new>
 #include <system_error>
+#include <tuple>
 
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <poll.h>
 #include <spawn.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
@@ -32,6 +34,7 @@ namespace {
 
 // The first of the descriptors that are handed to the reader; they follow each other.
 constexpr int kFirstFile = 3;
+constexpr int kNiceness = 10; // of a reader of low priority
 constexpr std::size_t kPixelStep = std::size_t{4} << 20U;
 
 /// What the child is started with: nothing of ours is open in it but the descriptors that it is handed, and it is the
@@ -177,7 +180,8 @@ std::unique_ptr<ConnectionFiles> MakeFiles(ReaderSettings const &settings,
 } // namespace
 
 std::shared_ptr<ReaderProcess> ReaderProcess::Start(ReaderSettings const &settings,
-                                                    std::shared_ptr<ConnectionTerms const> const &terms) {
+                                                    std::shared_ptr<ConnectionTerms const> const &terms,
+                                                    bool lowPriority) {
     static std::atomic<int> count{0};
     DString const program = settings.program.empty() ? InstalledFile("zelvar-reader") : settings.program;
     bool const isServed = terms != nullptr && terms->id != kFileServers;
@@ -210,6 +214,9 @@ std::shared_ptr<ReaderProcess> ReaderProcess::Start(ReaderSettings const &settin
         Report::TraceMessage(Report::kTraceOpen, "no reader: \"%s\": %s", program.c_str(), std::strerror(error));
         return nullptr;
     }
+    // It has one thread yet, and those that it makes take after that one. Where it is not allowed all stays as it is.
+    if (lowPriority)
+        std::ignore = setpriority(PRIO_PROCESS, static_cast<id_t>(pid), kNiceness);
     int const started = ++count;
     Report::TraceMessage(Report::kTraceDriver, "reader %d (process %d) starts%s%s", started, static_cast<int>(pid),
                          isServed ? " for " : "", isServed ? terms->id.c_str() : "");

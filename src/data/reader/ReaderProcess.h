@@ -39,8 +39,10 @@ public:
 
     /// Starts the program and does not wait for its first word. Null, with a line in the log, if it does not start.
     /// `terms` say which connection it serves; null for none. It may then reach what they name, through this process.
+    /// With `lowPriority` it gives way to all others where processors are short.
     static std::shared_ptr<ReaderProcess> Start(ReaderSettings const &settings,
-                                                std::shared_ptr<ConnectionTerms const> const &terms);
+                                                std::shared_ptr<ConnectionTerms const> const &terms,
+                                                bool lowPriority = false);
     ~ReaderProcess();
     ReaderProcess(ReaderProcess const &) = delete;
     ReaderProcess &operator=(ReaderProcess const &) = delete;

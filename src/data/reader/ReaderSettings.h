@@ -26,6 +26,8 @@ struct ReaderSettings {
         {std::chrono::milliseconds(30'000), 1024 * kMebibyte}, // list
         {std::chrono::milliseconds(30'000), 1024 * kMebibyte}, // properties
         {std::chrono::milliseconds(60'000), 2048 * kMebibyte}, // preview
+        {std::chrono::milliseconds(10'000),
+         2048 * kMebibyte}, // thumbnail: what it may take stands for the preview, too
     }};
     /// A probe inside a listing, and as much for all looks into files whose names say nothing; and what the late ones
     /// of one listing may waste together. A script that has no window to think of gives more.
@@ -35,6 +37,8 @@ struct ReaderSettings {
     /// servers are counted apart.
     int listingReaders = 2;
     int imageReaders = 3;
+    /// Further ones for thumbnails, of low priority.
+    int thumbnailReaders = 2;
     /// A connection has one of each; of all connections together there are so many, and one that has had no request for
     /// so long ends.
     int connectionReaders = 8;

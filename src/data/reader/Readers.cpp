@@ -223,7 +223,9 @@ ReaderPool::TermsPtr Readers::ConnectionOf(DString const &moniker) {
 ReaderPool::Loan Readers::Borrow(Call const &call, Terms const &terms, ReaderPool::TermsPtr connection) {
     ReaderPool::Wanted const wanted{.listing = terms.kind == RequestKind::Probe || terms.kind == RequestKind::List,
                                     .terms = std::move(connection),
-                                    .preferred = call.preferred};
+                                    .preferred = call.preferred,
+                                    .background = RequestScope::Current() != nullptr &&
+                                                  RequestScope::Current()->IsInBackground()};
     while (true) {
         ReaderPool::Loan loan = m_pool.Borrow(wanted, terms.begin + terms.time, terms.isStopped);
         if (!loan || IsInStep(loan))

@@ -31,8 +31,9 @@ inline constexpr int kSmallPicture = 16;
 
 /// One of our own pictures by what it shows: "folder", "folder-data", "folder-up", "file", "image", "table",
 /// "container", "drive", "drive-optical", "drive-removable", "drive-network", "series", "server", "share", "database",
-/// "star", "panel", "restore-layout", "recursive", "back", "forward", "recent", "basket", "link-overlay", "size-grip", "stop", "warning", "information",
-/// "vector", "computer", "network", "home"; or by the desktop's name for one of these, such as "drive-harddisk".
+/// "star", "panel", "restore-layout", "recursive", "look-rows", "look-tiles", "back", "forward", "recent", "basket",
+/// "search", "link-overlay", "size-grip", "stop", "warning", "information", "vector", "computer", "network", "home"; or
+/// by the desktop's name for one of these, such as "drive-harddisk".
 [[nodiscard]] ZELVAR_API QPixmap ResourcePicture(QString const &name, qreal devicePixelRatio, int side = kSmallPicture);
 /// For buttons and actions: drawn sharp at any size; washed out while disabled.
 [[nodiscard]] ZELVAR_API QIcon ResourceIcon(QString const &name);

@@ -11,9 +11,17 @@ std::size_t Index(int value) { return static_cast<std::size_t>(value); }
 
 void RowGeometry::SetRows(int count) {
     m_rowCount = count;
+    m_perLine = 1;
+    m_tileHeight = 0;
     m_spans.clear();
     m_order.clear();
     m_positions.clear();
+}
+
+void RowGeometry::SetTiles(int count, int perLine, int height) {
+    SetRows(count);
+    m_perLine = std::max(perLine, 1);
+    m_tileHeight = std::max(height, 1);
 }
 
 void RowGeometry::SetGroupedRows(std::vector<int> const &rowGroups, int groupCount) {
@@ -48,7 +56,7 @@ void RowGeometry::SetGroupedRows(std::vector<int> const &rowGroups, int groupCou
 
 std::int64_t RowGeometry::ContentHeight() const {
     if (m_spans.empty())
-        return static_cast<std::int64_t>(m_rowCount) * m_rowHeight;
+        return (static_cast<std::int64_t>(m_rowCount) + m_perLine - 1) / m_perLine * LineHeight();
     return m_spans.back().rowsTop + static_cast<std::int64_t>(m_spans.back().rows) * m_rowHeight;
 }
 
@@ -66,7 +74,7 @@ RowGeometry::Span const &RowGeometry::SpanOfPosition(int position) const {
 
 std::int64_t RowGeometry::PositionTop(int position) const {
     if (m_spans.empty())
-        return static_cast<std::int64_t>(position) * m_rowHeight;
+        return static_cast<std::int64_t>(position / m_perLine) * LineHeight();
     Span const &span = SpanOfPosition(position);
     return span.rowsTop + static_cast<std::int64_t>(position - span.firstPosition) * m_rowHeight;
 }
@@ -82,6 +90,8 @@ int RowGeometry::FirstPositionBelow(std::int64_t y) const {
     auto const rowsDown = [this](std::int64_t distance, int rows) {
         return distance < 0 ? 0 : static_cast<int>(std::min<std::int64_t>(distance / m_rowHeight, rows));
     };
+    if (IsTiled())
+        return y < 0 ? 0 : static_cast<int>(std::min<std::int64_t>(y / m_tileHeight * m_perLine, m_rowCount));
     if (m_spans.empty())
         return rowsDown(y, m_rowCount);
     auto const behind = std::upper_bound(m_spans.begin(), m_spans.end(), y,

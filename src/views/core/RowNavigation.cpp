@@ -46,7 +46,18 @@ std::optional<int> RowNavigation::Target(Step step, int page) const {
     if (last < 0)
         return std::nullopt;
     int const at = FocusPosition();
+    if (m_geometry.IsTiled() && at >= 0) {
+        int const lines = std::max(page / m_geometry.PerLine(), 1);
+        if (step == Step::Up || step == Step::PageUp)
+            return TargetAmongTiles(step == Step::Up ? -1 : -lines);
+        if (step == Step::Down || step == Step::PageDown)
+            return TargetAmongTiles(step == Step::Down ? 1 : lines);
+    }
     switch (step) {
+    case Step::Before:
+        return std::max(at - 1, 0);
+    case Step::Behind:
+        return std::min(at + 1, last);
     case Step::Up:
         return std::max(at - 1, 0);
     case Step::Down:
@@ -61,6 +72,15 @@ std::optional<int> RowNavigation::Target(Step step, int page) const {
         return last;
     }
     return std::nullopt;
+}
+
+/// So many lines further down.
+int RowNavigation::TargetAmongTiles(int lines) const {
+    int const perLine = m_geometry.PerLine();
+    int const last = m_geometry.RowCount() - 1;
+    int const at = FocusPosition();
+    int const line = std::clamp(at / perLine + lines, 0, last / perLine);
+    return std::min(line * perLine + at % perLine, last);
 }
 
 void RowNavigation::MoveTo(int position, HeldKeys keys) {

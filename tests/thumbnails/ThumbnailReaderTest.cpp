@@ -1,0 +1,140 @@
+#include "zelvar/thumbnails/ThumbnailReader.h"
+
+#include "support/HostileFiles.h"
+#include "zelvar/data/ImageReader.h"
+#include "zelvar/data/RequestScope.h"
+
+#include <condition_variable>
+#include <fstream>
+
+#include <sys/resource.h>
+
+namespace zelvar {
+namespace {
+
+/// A reader of thumbnails, and what it has answered.
+struct ThumbnailReading : test::HostileFiles {
+    ~ThumbnailReading() override { m_reader->Release(); }
+    void Want(std::vector<std::string> const &files, int side = 96) {
+        std::vector<ThumbnailReader::Wish> wishes;
+        for (std::string const &file : files)
+            wishes.push_back({.name = file, .moniker = file});
+        m_reader->Want(std::move(wishes), side);
+    }
+    /// Until so many have been answered; the names with a picture, in the order in which they came.
+    std::vector<std::string> Await(std::size_t answers) {
+        std::vector<std::string> with;
+        std::unique_lock lock(m_mutex);
+        for (std::size_t count = 0; count < answers;) {
+            if (!m_changed.wait_for(lock, std::chrono::seconds(60), [this] { return m_isTold; })) {
+                ADD_FAILURE() << "only " << count << " answers";
+                break;
+            }
+            m_isTold = false;
+            lock.unlock();
+            for (ThumbnailReader::Answer const &answer : m_reader->Take()) {
+                ++count;
+                if (answer.picture.HasData())
+                    with.push_back(answer.name);
+            }
+            lock.lock();
+        }
+        return with;
+    }
+    std::shared_ptr<ThumbnailReader> Create() {
+        return ThumbnailReader::Create(ThumbnailStore(m_cache), {}, [this] {
+            std::lock_guard const lock(m_mutex);
+            m_isTold = true;
+            m_changed.notify_all();
+        });
+    }
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    bool m_isTold = false;
+    DString const m_cache = folder.Folder("cache");
+    std::shared_ptr<ThumbnailReader> m_reader = Create();
+};
+
+TEST_F(ThumbnailReading, FilesThatEndReadersLeaveTheRestAndAreNotTriedAgain) {
+    std::vector<std::string> files;
+    for (char const *const how :
+         {"read crash", "read overflow", "open abort", "read exit 3", "open exit 0", "describe crash"})
+        files.push_back(Write("bad " + std::string(how), how));
+    std::vector<std::string> good;
+    for (int i = 0; i < 6; ++i)
+        files.push_back(good.emplace_back(Write("good " + std::to_string(i), "")));
+    Want(files);
+    EXPECT_THAT(Await(12), testing::UnorderedElementsAreArray(good));
+    ThumbnailReader::Counts const counts = m_reader->GetCounts();
+    EXPECT_EQ(std::tuple(counts.looked, counts.found, counts.opened, counts.made), std::tuple(12, 0, 12, 6));
+
+    // Another process: nothing is opened, not even those without one.
+    m_reader->Release();
+    m_reader = Create();
+    Want(files);
+    EXPECT_THAT(Await(12), testing::UnorderedElementsAreArray(good));
+    EXPECT_EQ(m_reader->GetCounts().opened, 0);
+    EXPECT_EQ(m_reader->GetCounts().found, 12);
+}
+
+TEST_F(ThumbnailReading, WhatIsNotWantedAnyMoreIsDroppedAndTheNewestComesFirst) {
+    std::string const go = folder / "go";
+    std::vector<std::string> first{Write("a", "read await " + go), Write("b", "read await " + go)};
+    std::vector<std::string> dropped;
+    for (int i = 0; i < 20; ++i)
+        dropped.push_back(Write("dropped " + std::to_string(i), ""));
+    std::vector<std::string> all = first;
+    all.insert(all.end(), dropped.begin(), dropped.end());
+    Want(all);
+    while (m_reader->GetCounts().opened < 2 || m_reader->GetCounts().looked < 22)
+        std::this_thread::yield();
+    std::vector<std::string> wanted = first;
+    for (int i = 0; i < 3; ++i)
+        wanted.push_back(Write("newest " + std::to_string(i), ""));
+    Want(wanted);
+    folder.Write("go");
+    EXPECT_THAT(Await(5), testing::UnorderedElementsAreArray(wanted));
+    EXPECT_FALSE(m_reader->IsBusy());
+    EXPECT_EQ(m_reader->GetCounts().opened, 5) << "none of those that were dropped";
+}
+
+TEST_F(ThumbnailReading, APreviewWaitsForNoThumbnail) {
+    ReaderSettings settings;
+    settings.imageReaders = 1;
+    Use(settings);
+    std::string const go = folder / "go";
+    Want({Write("a", "read await " + go), Write("b", "read await " + go), Write("c", "")});
+    while (m_reader->GetCounts().opened < 2)
+        std::this_thread::yield();
+    DCanvas picture;
+    EXPECT_TRUE(ReadPreview({Write("preview", ""), nullptr}, "", nullptr, picture)) << "both of theirs are busy";
+    EXPECT_EQ(m_reader->GetCounts().made, 0);
+    folder.Write("go");
+    EXPECT_EQ(Await(3).size(), 3U);
+}
+
+TEST_F(ThumbnailReading, PicturesAreFittedAndLettingGoWaitsForNothing) {
+    Want({Write("wide", "width 512\nheight 128\n")}, 100);
+    EXPECT_EQ(Await(1).size(), 1U);
+    auto const kept = ThumbnailStore(m_cache).Find(*ThumbnailStore(m_cache).KeyOf(folder / "wide.hostile"), 100);
+    ASSERT_TRUE(kept);
+    EXPECT_EQ(kept->GetWidth(), 128) << "the size that is kept";
+    Want({Write("deaf", "read sleep 5")});
+    while (m_reader->GetCounts().opened < 2)
+        std::this_thread::yield();
+    auto const begin = test::Clock::now();
+    m_reader->Release();
+    EXPECT_LT(test::Since(begin), std::chrono::seconds(4));
+}
+
+TEST(RequestScope, AThumbnailIsReadInTheBackgroundWhateverItTakes) {
+    RequestScope const preview(RequestKind::Preview);
+    EXPECT_FALSE(preview.IsInBackground());
+    RequestScope const thumbnail(RequestKind::Thumbnail);
+    RequestScope const probe(RequestKind::Probe);
+    EXPECT_TRUE(probe.IsInBackground());
+    EXPECT_FALSE(RequestScope(RequestKind::List, {}, {}, RequestScope::Nesting::Alone).IsInBackground());
+}
+
+} // namespace
+} // namespace zelvar
