@@ -82,7 +82,7 @@ void BasketStrip::Open() {
 }
 
 void BasketStrip::Keep(QWidget &window) {
-    std::optional<DString> const name = AskForText(&window, "Add to Favorites", "Name", "");
+    std::optional<DString> const name = AskForText(&window, Mark("Add to Favorites"), Mark("Name"), "");
     if (!name || name->empty())
         return;
     DString const file = GetBasketFile(*name);

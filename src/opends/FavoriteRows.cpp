@@ -122,7 +122,7 @@ void FavoriteRows::Add(Favorite favorite) {
 void FavoriteRows::Rename(Favorite const &favorite) {
     QPointer<FavoriteRows> const self(this);
     std::optional<DString> const name =
-        AskForText(m_list.window(), "Rename Favorite", "Name (empty for its own)", favorite.ShownName());
+        AskForText(m_list.window(), Mark("Rename Favorite"), Mark("Name (empty for its own)"), favorite.ShownName());
     if (!name || self.isNull())
         return;
     Favorite const unnamed{favorite.kind, favorite.target};
@@ -138,8 +138,8 @@ void FavoriteRows::ChangeGroup(Favorite const &favorite) {
     if (groups.empty() || !groups.front().empty())
         groups.insert(groups.begin(), DString());
     QPointer<FavoriteRows> const self(this);
-    std::optional<DString> const group =
-        AskForText(m_list.window(), "Group of the Favorite", "Group (empty for none)", favorite.group, groups);
+    std::optional<DString> const group = AskForText(m_list.window(), Mark("Group of the Favorite"),
+                                                    Mark("Group (empty for none)"), favorite.group, groups);
     if (!group || self.isNull())
         return;
     FavoriteBook::Change(favorite, favorite.name, *group);
