@@ -519,7 +519,7 @@ void DSListCtrl::DrawItem(DrawItemStruct const &request) {
     RefItemPtr<DataSourceItem> const item = ItemAt(request.itemID);
     if (item == nullptr)
         return;
-    DrawItemPicture(request.painter, PictureRect(request.rcItem), *item);
+    (m_showsKinds ? DrawItemOrKindPicture : DrawItemPicture)(request.painter, PictureRect(request.rcItem), *item);
     Rect marked = Mirrored(request.rcItem);
     marked.left += kPictureBand;
     marked = Mirrored(marked);

@@ -2,8 +2,11 @@
 #include "support/OpenDialogHand.h"
 #include "support/RealDrivers.h"
 #include "support/Told.h"
+#include "support/WebServers.h"
 #include "zelvar/data/BDINode.h"
+#include "zelvar/data/ServerCertificate.h"
 #include "zelvar/lists/CZelListCtrl.h"
+#include "zelvar/model/DefinitionOrder.h"
 #include "zelvar/opends/ConnectionRows.h"
 #include "zelvar/opends/DataSourceList.h"
 #include "zelvar/opends/connections/ConnectionDlg.h"
@@ -16,6 +19,7 @@
 #include <QtWidgets/QListWidget>
 #include <QtWidgets/QMenu>
 #include <QtWidgets/QMessageBox>
+#include <QtWidgets/QToolButton>
 
 namespace zelvar::test {
 namespace {
@@ -232,6 +236,82 @@ TEST_F(ConnectionPages, TellWhyAConnectionDoesNotWork) {
     }
 }
 
+TEST_F(ConnectionPages, EveryFieldOfEveryKindIsReachedByTheKeyboardAndFitsASmallScreen) {
+    QFont const usual = QApplication::font();
+    QFont large = usual;
+    large.setPixelSize(18);
+    QApplication::setFont(large);
+    ConnectionDlg page(nullptr);
+    OnPage(page, [&] {
+        EXPECT_LE(page.width(), 800);
+        auto *const kinds = page.findChild<QListWidget *>();
+        for (int kind = 0; kind < 5; ++kind) {
+            kinds->setFocus();
+            if (kind > 0)
+                QTest::keyClick(kinds, Qt::Key_Down);
+            auto *const more = dynamic_cast<QToolButton *>(page.Form()->Control("more"));
+            if (!more->isChecked())
+                QTest::keyClick(more, Qt::Key_Space);
+            QCoreApplication::processEvents();
+            std::vector<QWidget *> wanted = page.Form()->FocusOrder();
+            std::erase_if(wanted, [](QWidget const *control) { return !control->isVisible(); });
+            EXPECT_GE(wanted.size(), 8U);
+            wanted.push_back(page.Trial()->List());
+            wanted.push_back(platform::GetDlgItem(page, 1004));
+            kinds->setFocus();
+            for (QWidget *const control : wanted) {
+                QTest::keyClick(page.focusWidget(), Qt::Key_Tab);
+                ASSERT_EQ(page.focusWidget(), control) << kind << control->objectName().toStdString();
+                if (auto const *const edit = qobject_cast<QLineEdit *>(control)) {
+                    QTest::keyClicks(control, "7");
+                    EXPECT_TRUE(edit->text().endsWith('7'));
+                }
+            }
+            QWidget const &rows = *page.Form();
+            EXPECT_LE(rows.minimumSizeHint().width(), rows.parentWidget()->width()) << "no field is cut off";
+            Picture(page, QString("ConnectionPage-kind%1").arg(kind));
+        }
+    });
+    QApplication::setFont(usual);
+}
+
+TEST_F(ConnectionPages, OfferWhatLetsATestGoOn) {
+    WebServer secured;
+    ASSERT_TRUE(secured.StartTls());
+    HttpServer elsewhere;
+    elsewhere.Serve("/dir/", "<title>Index of /dir/</title><a href=\"b.tif\">b.tif</a>", "text/html");
+    server.SendOn("/on/", elsewhere.Url() + "/dir/");
+    DString const host = elsewhere.Url().substr(7);
+    for (auto const &[address, button, field, steps] : test::Rows<DString, DString, DString, DString>{
+             {"https://" + secured.Place() + "/open/", "Accept This Certificate", "fingerprint", "encryption"},
+             {Address("/on/"), "Allow " + host, "allow", "listing"}}) {
+        ConnectionDlg page(nullptr);
+        OnPage(page, [&] {
+            page.Form()->SetKind(ConnectionKind::WebFolder);
+            TypeInto(page.Form()->Control("address"), address);
+            TypeInto(page.Form()->Control("name"), button);
+            dynamic_cast<QComboBox *>(page.Form()->Control("secret"))->setCurrentIndex(0);
+            Click(platform::GetDlgItem(page, 1004));
+            EXPECT_THAT(Steps(page), testing::EndsWith(steps + "- "));
+            QPushButton *const offer = page.Trial()->OfferButton();
+            EXPECT_EQ(offer->text().toStdString(), button);
+            Picture(page, QString::fromStdString("ConnectionPage-offers-" + field));
+            page.Trial()->List()->setFocus();
+            QTest::keyClick(page.Trial()->List(), Qt::Key_Tab);
+            ASSERT_EQ(page.focusWidget(), offer);
+            QTest::keyClick(offer, Qt::Key_Space);
+            EXPECT_THAT(Steps(page), HasSubstr("listing+ "));
+            EXPECT_FALSE(offer->isVisible());
+            EXPECT_TRUE(page.Form()->Control(field)->isVisible());
+            Picture(page, QString::fromStdString("ConnectionPage-took-" + field));
+            Click(platform::GetDlgItem(page, 1));
+            EXPECT_TRUE(Eventually([&] { return !page.isVisible(); }));
+        });
+    }
+    EXPECT_THAT(Definitions(), testing::AllOf(HasSubstr("fingerprint=\"" + *FingerprintIn(secured.Fingerprint())),
+                                              HasSubstr("allow=\"" + host + "\"")));
+}
+
 TEST_F(ConnectionPages, StopATestBeforeTheyClose) {
     server.Hang();
     ConnectionDlg page(nullptr, ConnectionBook::Entry{.connection = Web("silent")});
@@ -367,6 +447,56 @@ TEST_F(ConnectionPages, RowsAreRenamedDuplicatedMovedRemovedAndPassedOn) {
         }
     });
     EXPECT_THAT(told.Take(), IsEmpty());
+}
+
+TEST_F(ConnectionPages, RowsAreDraggedToAnotherPlace) {
+    for (char const *const name : {"a", "b", "c"})
+        ASSERT_TRUE(SaveConnection(Web(name)).isDone);
+    OnList([&](DataSourceList &list) {
+        QWidget &rows = *list.viewport();
+        int first = 0;
+        while (list.ItemAt(first)->GetName() != "a")
+            ++first;
+        auto const at = [&](int row, int part) { // eighths of its height
+            Rect const rect = list.GetItemRect(first + row);
+            return QPoint(rect.left + 40, rect.top + (rect.bottom - rect.top) * part / 8);
+        };
+        auto const *const mark = rows.findChild<QWidget *>("dropMark");
+        auto const drag = [&](int row, QPoint to, Qt::Key key = Qt::Key_unknown) {
+            list.EnsureVisible(first + 3);
+            QTest::mousePress(&rows, Qt::LeftButton, {}, at(row, 4));
+            QTest::mouseMove(&rows, at(row, 4) + QPoint(2, 2));
+            EXPECT_FALSE(mark->isVisible()) << "no further than a hand trembles";
+            QTest::mouseMove(&rows, to);
+            bool const isShown = mark->isVisible();
+            if (isShown)
+                Picture(*list.window(), "ConnectionRows-drag");
+            if (key != Qt::Key_unknown)
+                QTest::keyClick(&list, key);
+            QTest::mouseRelease(&rows, Qt::LeftButton, {}, to);
+            EXPECT_FALSE(mark->isVisible());
+            return isShown;
+        };
+        using Names = std::vector<DString>;
+        auto const names = [&] {
+            Names all = Rows(list);
+            all.pop_back();
+            return all;
+        };
+        EXPECT_TRUE(drag(0, at(2, 6)));
+        EXPECT_EQ(names(), (Names{"b", "c", "a"})) << "behind the last";
+        EXPECT_TRUE(drag(2, at(1, 2)));
+        EXPECT_EQ(names(), (Names{"b", "a", "c"})) << "before one";
+        EXPECT_EQ(SelectedName(list), "a");
+        EXPECT_TRUE(drag(0, at(1, 1)));
+        EXPECT_TRUE(drag(0, at(2, 6), Qt::Key_Escape));
+        EXPECT_FALSE(drag(0, QPoint(-50, 20)));
+        EXPECT_FALSE(drag(3, at(0, 0))) << "the row that makes one";
+        EXPECT_EQ(names(), (Names{"b", "a", "c"}));
+        EXPECT_TRUE(list.window()->isVisible());
+    });
+    EXPECT_EQ(DefinitionOrder::Read(), (std::vector<DString>{"b", "a", "c"}));
+    DefinitionOrder::Keep({});
 }
 
 TEST_F(ConnectionPages, WithoutTheFeatureTheListIsAsBefore) {

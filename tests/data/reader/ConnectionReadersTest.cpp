@@ -184,6 +184,26 @@ TEST_F(ConnectionReaders, EachConnectionHasItsOwnAndThereAreNotTooMany) {
     EXPECT_EQ(CountReaders().started, started + 3);
 }
 
+TEST_F(ConnectionReaders, OneThatIsDisconnectedEndsWhateverItDoes) {
+    test::HttpServer other;
+    DString const port = std::to_string(m_server.Port());
+    DString const otherPlace = "127.0.0.1:" + std::to_string(other.Port());
+    EXPECT_EQ(Told(At(Own(), {"reach 127.0.0.1 " + port})), "reach: done");
+    EXPECT_EQ(Told(At(otherPlace, {"reach 127.0.0.1 " + std::to_string(other.Port())})), "reach: done");
+    ASSERT_TRUE(Eventually([&] { return m_server.OpenConnections() == 1 && other.OpenConnections() == 1; }));
+    EndReadersOf("http://" + Own());
+    EXPECT_TRUE(Eventually([&] { return m_server.OpenConnections() == 0; }));
+    EXPECT_EQ(other.OpenConnections(), 1);
+    std::jthread const user([&] {
+        EXPECT_TRUE(Eventually([&] { return m_server.OpenConnections() == 1; }));
+        EndReadersOf("http://" + Own());
+    });
+    Image const image(At(Own(), {"reach 127.0.0.1 " + port, "sleep 300"}));
+    EXPECT_EQ(image.error.Text().substr(image.error.Text().rfind(' ') + 1), "stopped");
+    EXPECT_EQ(Told(At(Own(), {"thread"})), "thread: done") << "and another comes";
+    EXPECT_EQ(CountReaders().crashed, 0);
+}
+
 TEST_F(ConnectionReaders, AnIdleOneEnds) {
     ReaderSettings settings;
     settings.connectionIdle = milliseconds(100);
