@@ -116,9 +116,8 @@ TrialResult UntrustedResult(Connection const &connection, std::optional<ServerCe
     else if (certificate->fault == Fault::NotYetValid)
         words = kNotYet;
     DString const issuer = certificate->issuer.empty() ? "?" : certificate->issuer;
-    TrialResult result =
-        Result(TrialStep::Encryption, TrialState::Failed,
-               Format(Translated(words), server.c_str(), issuer.c_str(), certificate->fingerprint.c_str()));
+    TrialResult result = Result(TrialStep::Encryption, TrialState::Failed,
+                                FilledWords(words, {server, issuer, certificate->fingerprint}));
     if (certificate->fault == Fault::None)
         result.accepts = certificate->fingerprint;
     return result;

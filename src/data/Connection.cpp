@@ -204,7 +204,7 @@ bool MayReach(ConnectionTerms const &terms, std::string_view host, std::uint16_t
     return std::ranges::any_of(terms.hosts, [&](HostAndPort const &allowed) { return Matches(allowed, name, port); });
 }
 
-DString SendsOnText(HostAndPort const &place) { return DString(kSendsOn) + TextOf(place) + kNoHostOf; }
+DString SendsOnText(HostAndPort const &place) { return DString(kSendsOn).append(TextOf(place)).append(kNoHostOf); }
 
 std::optional<HostAndPort> HostSentOnTo(std::string_view text) {
     std::size_t const at = text.find(kSendsOn);

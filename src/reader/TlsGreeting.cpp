@@ -115,7 +115,8 @@ private:
 
 /// A socket that waits for nobody; none if no number of the host takes connections.
 FileDescriptor ConnectTo(HostAndPort const &place) {
-    addrinfo const wanted{.ai_flags = 0, .ai_family = AF_UNSPEC, .ai_socktype = SOCK_STREAM};
+    addrinfo wanted{};
+    wanted.ai_socktype = SOCK_STREAM;
     addrinfo *found = nullptr;
     FileDescriptor made(-1);
     if (getaddrinfo(place.host.c_str(), std::to_string(place.port).c_str(), &wanted, &found) != 0)

@@ -1,6 +1,7 @@
 #include "zelvar/connections/ConnectionDraft.h"
 
 #include "support/Test.h"
+#include "zelvar/base/Hex.h"
 #include "zelvar/connections/ConnectionSaving.h"
 #include "zelvar/connections/ListingWords.h"
 

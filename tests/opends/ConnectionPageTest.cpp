@@ -479,9 +479,9 @@ TEST_F(ConnectionPages, RowsAreDraggedToAnotherPlace) {
         };
         using Names = std::vector<DString>;
         auto const names = [&] {
-            Names all = Rows(list);
-            all.pop_back();
-            return all;
+            Names rowNames = Rows(list);
+            rowNames.pop_back();
+            return rowNames;
         };
         EXPECT_TRUE(drag(0, at(2, 6)));
         EXPECT_EQ(names(), (Names{"b", "c", "a"})) << "behind the last";

@@ -141,7 +141,7 @@ TEST(PasswordsUnseen, OfEveryKindWhereverTheyAreKept) {
 
     testing::internal::CaptureStderr();
     Told told;
-    DFileFrmt const all{"", "All Files (*.*)", "*.*"};
+    DFileFrmt all{"", "All Files (*.*)", "*.*"};
     std::vector<DString> names;
     for (Keeping const &row : rows) {
         DString seen;
