@@ -22,7 +22,10 @@ std::optional<DString> FingerprintIn(std::string_view text) {
     // "SHA256:", "SHA256 Fingerprint=" or nothing
     if (StartsWithNoCase(digits, kWord))
         digits.erase(0, digits.find_first_of(":=") == DString::npos ? kWord.size() : digits.find_first_of(":=") + 1);
-    std::erase_if(digits, [](char c) { return c == ':' || c == ' '; });
+    // Where it was copied from it may have been wrapped.
+    for (std::string_view const between : {":", " ", "\xE2\x80\x8B"})
+        for (std::size_t at = 0; (at = digits.find(between, at)) != DString::npos;)
+            digits.erase(at, between.size());
     std::optional<DString> const bytes = HexDecode(digits);
     return bytes && bytes->size() == kDigestBytes ? std::optional(FingerprintOf(*bytes)) : std::nullopt;
 }

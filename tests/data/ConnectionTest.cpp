@@ -85,15 +85,17 @@ TEST(Connection, AFingerprintIsKnownHoweverItIsTyped) {
     DString const text = FingerprintOf(bytes);
     DString const hex = HexEncode(bytes);
     EXPECT_TRUE(text.starts_with("SHA256:01:AB:20:30")) << text;
-    for (auto const &[typed, isKnown] : test::Rows<DString, bool>{{text, true},
-                                                                  {hex, true},
-                                                                  {" sha256:" + hex + " ", true},
-                                                                  {"sha256 Fingerprint=" + text.substr(7), true},
-                                                                  {hex + "00", false},
-                                                                  {hex.substr(2), false},
-                                                                  {"SHA1:" + hex, false},
-                                                                  {hex.substr(1) + "g", false},
-                                                                  {"", false}})
+    for (auto const &[typed, isKnown] :
+         test::Rows<DString, bool>{{text, true},
+                                   {hex, true},
+                                   {" sha256:" + hex + " ", true},
+                                   {hex.substr(0, 2) + ":\xE2\x80\x8B" + hex.substr(2), true},
+                                   {"sha256 Fingerprint=" + text.substr(7), true},
+                                   {hex + "00", false},
+                                   {hex.substr(2), false},
+                                   {"SHA1:" + hex, false},
+                                   {hex.substr(1) + "g", false},
+                                   {"", false}})
         EXPECT_EQ(FingerprintIn(typed), isKnown ? std::optional(text) : std::nullopt) << typed;
 }
 

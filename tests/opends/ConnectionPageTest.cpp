@@ -5,6 +5,7 @@
 #include "support/WebServers.h"
 #include "zelvar/data/BDINode.h"
 #include "zelvar/data/ServerCertificate.h"
+#include "zelvar/data/reader/DriverModule.h"
 #include "zelvar/lists/CZelListCtrl.h"
 #include "zelvar/model/DefinitionOrder.h"
 #include "zelvar/opends/ConnectionRows.h"
@@ -128,6 +129,16 @@ struct ConnectionPages : testing::Test {
         QContextMenuEvent event(QContextMenuEvent::Keyboard, place, list.mapToGlobal(place));
         QApplication::sendEvent(list.viewport(), &event);
     }
+    /// Whether something is painted where a row has its picture.
+    static bool HasPicture(ReportView const &view, int row) {
+        Rect const rect = view.GetItemRect(row);
+        QImage const place = view.viewport()->grab(QRect(rect.left, rect.top, 16, rect.bottom - rect.top)).toImage();
+        for (int y = 0; y < place.height(); ++y)
+            for (int x = 0; x < place.width(); ++x)
+                if (place.pixel(x, y) != place.pixel(0, 0))
+                    return true;
+        return false;
+    }
     /// Once all is in its place.
     static void Picture(QWidget &window, QString const &name) {
         for (int pass = 0; pass < 3; ++pass) // a layout may make another one due
@@ -204,7 +215,14 @@ TEST_F(ConnectionPages, MakeTestAndShowAConnectionByTheKeyboardAlone) {
         auto *const dialog = qobject_cast<DlgOpenDS *>(list.window());
         EXPECT_TRUE(Eventually([&] { return RowOf(*dialog->MainList(), "a.tif") >= 0; })) << "with its password";
         EXPECT_TRUE(list.IsConnectionOpen(name));
+        EXPECT_TRUE(HasPicture(*dialog->MainList(), RowOf(*dialog->MainList(), "a.tif")));
+        EXPECT_TRUE(HasPicture(list, list.GetNextItem(-1, LVNI_SELECTED)));
         Picture(*dialog, "ConnectionPage-row");
+        int const readers = CountReaders().alive;
+        Pick(list, "Disconnect");
+        EXPECT_LT(CountReaders().alive, readers);
+        EXPECT_FALSE(list.IsConnectionOpen(name));
+        EXPECT_TRUE(Eventually([&] { return dialog->MainList()->GetNumRow() == 0; })) << "nothing of it is shown";
         seen += dialog->windowTitle().toStdString();
     });
     for (DString const &text : {seen, Definitions(), DString(ReadFile(folder / "log"))})
@@ -317,7 +335,7 @@ TEST_F(ConnectionPages, StopATestBeforeTheyClose) {
     ConnectionDlg page(nullptr, ConnectionBook::Entry{.connection = Web("silent")});
     page.TestAtOnce();
     OnPage(page, [&] {
-        ASSERT_TRUE(Eventually([&] { return server.OpenConnections() > 0; }));
+        ASSERT_TRUE(Eventually([&] { return page.Trial()->Results().size() == 2 && server.OpenConnections() > 0; }));
         EXPECT_TRUE(page.IsBusy());
         QTest::keyClick(&page, Qt::Key_Escape);
         EXPECT_EQ(Steps(page), "name+ connection+ listing! ");
@@ -505,6 +523,7 @@ TEST_F(ConnectionPages, WithoutTheFeatureTheListIsAsBefore) {
     OnList([&](DataSourceList &list) {
         EXPECT_EQ(Rows(list), std::vector<DString>{"a"});
         Select(list, "a");
+        EXPECT_FALSE(HasPicture(list, list.GetNextItem(-1, LVNI_SELECTED)));
         QTest::keyClick(&list, Qt::Key_Delete);
         QTest::keyClick(&list, Qt::Key_Insert);
         EXPECT_EQ(QApplication::activeModalWidget(), list.window());

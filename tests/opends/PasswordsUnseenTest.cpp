@@ -72,7 +72,7 @@ TEST(PasswordsUnseen, OfEveryKindWhereverTheyAreKept) {
     HttpServer server;
     PostgresServer database;
     ASSERT_EQ(database.Start(), "");
-    ASSERT_EQ(database.Execute("create schema survey"), "");
+    ASSERT_EQ(database.Execute("create schema survey; create table survey.t (a int)"), "");
     server.Demand(kSent);
     for (char const *const name : {"web", "keyring", "netrc", "address", "parameters"})
         server.Serve(DString("/") + name + "/", "<title>Index of /</title><a href=\"a.tif\">a.tif</a>", "text/html");
@@ -117,7 +117,8 @@ TEST(PasswordsUnseen, OfEveryKindWhereverTheyAreKept) {
         return fields;
     };
     folder.Write("definitions/old.xml", "<DataSources><DataSource name='address' url='http://ann:" + DString(kMarker) +
-                                            "@" + place + "/address/'><BDIDriver id='WebDirectory'/></DataSource>" +
+                                            "@" + place +
+                                            "/address/'><Parameters/><BDIDriver id='WebDirectory'/></DataSource>" +
                                             "<DataSource name='parameters' url='http://${user}:${password}@" + place +
                                             "/parameters/'><Parameters>user=ann;password=" + kMarker +
                                             "</Parameters></DataSource></DataSources>");
@@ -159,7 +160,9 @@ TEST(PasswordsUnseen, OfEveryKindWhereverTheyAreKept) {
             EXPECT_EQ(saved.words, "") << row.name;
         }
         names.emplace_back(row.name);
-        ConnectionDlg page(nullptr, *ConnectionBook::Now()->Find(row.name));
+        ConnectionBook::Entry const *const entry = ConnectionBook::Now()->Find(row.name);
+        ASSERT_NE(entry, nullptr) << row.name;
+        ConnectionDlg page(nullptr, *entry);
         page.TestAtOnce();
         auto const isTried = OnNextDialog([&](QWidget &window) {
             EXPECT_TRUE(Eventually([&] { return !page.Trial()->Results().empty() && !page.IsBusy(); }));

@@ -5,6 +5,7 @@
 #include "zelvar/platform/ui/ModalLoop.h"
 #include "zelvar/platform/ui/Text.h"
 
+#include <QtCore/QRegularExpression>
 #include <QtGui/QClipboard>
 #include <QtGui/QGuiApplication>
 #include <QtGui/QShortcut>
@@ -132,8 +133,11 @@ void TrialPane::ShowSelected() {
 }
 
 void TrialPane::SayBelow(DString const &words) {
-    m_words->setText(platform::ToQString(words));
-    m_words->setToolTip(platform::ToToolTip(m_words->text())); // it may be longer than its place
+    QString text = platform::ToQString(words);
+    m_words->setToolTip(platform::ToToolTip(text)); // it may be longer than its place
+    // A fingerprint is one long word: lines may end behind its colons.
+    static QRegularExpression const pairs(QStringLiteral("(?<=[0-9A-F]{2}:)(?=[0-9A-F]{2})"));
+    m_words->setText(text.replace(pairs, QStringLiteral("\u200B")));
 }
 
 DString TrialPane::Text() const {
