@@ -6,11 +6,11 @@
 #include <QtGui/QKeyEvent>
 #include <QtGui/QMouseEvent>
 #include <QtWidgets/QApplication>
-#include <QtWidgets/QFrame>
 #include <QtWidgets/QScrollBar>
 
 #include <algorithm>
 #include <cstdlib>
+#include <utility>
 
 namespace zelvar {
 
@@ -29,7 +29,7 @@ ConnectionDrag::ConnectionDrag(DataSourceList &list, Rule rule)
     m_mark->setAttribute(Qt::WA_TransparentForMouseEvents);
     m_mark->hide();
     list.viewport()->installEventFilter(this);
-    list.installEventFilter(this); // keys
+    list.installEventFilter(this);
 }
 
 ConnectionDrag::~ConnectionDrag() { End(); }
@@ -54,7 +54,8 @@ bool ConnectionDrag::eventFilter(QObject *watched, QEvent *event) {
         return true; // the rows stay as they are meanwhile
     case QEvent::FocusOut:
     case QEvent::Hide:
-        End();
+        if (watched == &m_list)
+            End();
         return false;
     default:
         return QObject::eventFilter(watched, event);
@@ -94,6 +95,7 @@ bool ConnectionDrag::OnMouse(QMouseEvent const &event) {
 
 void ConnectionDrag::Begin() {
     m_isDragging = true;
+    qApp->installEventFilter(this); // before the dialog, which has another use for keys
     m_list.viewport()->setCursor(Qt::ClosedHandCursor);
     m_scrolling.start(kScrollInterval, this);
 }
@@ -102,8 +104,10 @@ void ConnectionDrag::End() {
     m_row = -1;
     m_scrolling.stop();
     m_mark->hide();
-    if (std::exchange(m_isDragging, false))
-        m_list.viewport()->unsetCursor();
+    if (!std::exchange(m_isDragging, false))
+        return;
+    qApp->removeEventFilter(this);
+    m_list.viewport()->unsetCursor();
 }
 
 /// The gap between two rows that is nearest to the point; none outside the window, or away from such rows.

@@ -19,7 +19,6 @@ struct Accepted {
     bool isNeeded = false; ///< one is accepted
     FileDescriptor file{-1};
     ConnectionTerms terms{};
-    DString authorities{}; ///< a file whose certificates hold for other servers; empty for none
     bool isFilled = false;
 };
 Accepted &TheAccepted() {
@@ -37,7 +36,8 @@ bool WriteAll(int file, std::string_view bytes) {
     return true;
 }
 
-/// What cannot be read is left out: then there is less that is trusted.
+/// The certificates of authorities, which hold for other servers. What cannot be read is left out: then there is less
+/// that is trusted.
 void Append(int to, char const *path) {
     FileDescriptor const from(open(path, O_RDONLY | O_CLOEXEC));
     std::array<char, 65536> part{};
@@ -57,7 +57,7 @@ int AcceptedCertificate::Prepare(ConnectionTerms &terms) {
     if (!accepted.file.IsOpen() || fchmod(accepted.file.Get(), S_IRUSR | S_IWUSR) != 0)
         return -1; // no request will be done
     if (terms.options["others"] == "yes")
-        accepted.authorities = terms.options.contains("ca") ? terms.options["ca"] : kOfTheSystem;
+        terms.options["authorities"] = terms.options.contains("ca") ? terms.options["ca"] : kOfTheSystem;
     accepted.terms = terms;
     terms.options["ca"] = "/proc/self/fd/" + std::to_string(accepted.file.Get());
     return accepted.file.Get();
@@ -78,8 +78,9 @@ DError AcceptedCertificate::Ensure(StopSignal const &stop) {
         return error;
     }
     bool const isWritten = accepted.file.IsOpen() && WriteAll(accepted.file.Get(), shown->pem);
-    if (isWritten && !accepted.authorities.empty())
-        Append(accepted.file.Get(), accepted.authorities.c_str());
+    if (auto const others = accepted.terms.options.find("authorities");
+        isWritten && others != accepted.terms.options.end())
+        Append(accepted.file.Get(), others->second.c_str());
     bool const isSealed = isWritten && fcntl(accepted.file.Get(), F_ADD_SEALS,
                                              F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_WRITE | F_SEAL_SEAL) == 0;
     bool const isTaken = isSealed && (accepted.terms.kind != ConnectionKind::PostgreSql || TrustListedCertificates());

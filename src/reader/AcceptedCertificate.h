@@ -16,7 +16,8 @@ namespace zelvar::reader {
 class AcceptedCertificate {
 public:
     /// Names the memory as the "ca" of the terms, so that whoever is told of that reads it; the descriptor, to be kept
-    /// open, or -1 if no certificate is accepted.
+    /// open, or -1 if no certificate is accepted. With "others" in the terms other servers are spoken to as well: what
+    /// holds for them is the "ca" of before, or the system's, named as "authorities" then.
     [[nodiscard]] static int Prepare(ConnectionTerms &terms);
     /// Fills the memory unless that is done. Why the server is not to be spoken to; not set if it is, or none is
     /// accepted.

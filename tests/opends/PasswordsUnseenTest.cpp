@@ -5,7 +5,10 @@
 #include "support/RealDrivers.h"
 #include "support/SessionBus.h"
 #include "support/Told.h"
+#include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/data/BDINode.h"
+#include "zelvar/data/RDIDriverMngr.h"
+#include "zelvar/data/reader/DriverModule.h"
 #include "zelvar/opends/DataSourceList.h"
 #include "zelvar/opends/HierarchyList.h"
 #include "zelvar/opends/ServerWaits.h"
@@ -93,12 +96,18 @@ TEST(PasswordsUnseen, OfEveryKindWhereverTheyAreKept) {
     write("PGPASSFILE", "127.0.0.1:*:*:zelvar:MARKER\\:7\\\\%41 pw\n");
     write("ODBCINI", "[Lab]\nDriver=SQLite3\nDatabase=" + own.Write("lab.sqlite") + "\nPWD=" + kMarker + "\n");
     setenv("ZELVAR_DEFINITIONS_DIR", folder.Folder("definitions").c_str(), 1);
-    setenv("ZELVAR_LOG", (folder / "log").c_str(), 1);
-    setenv("ZELVAR_LOG_LEVEL", "9", 1);
+    std::mutex mutex;
+    DString log;
+    auto const former = Report::SetTraceHandler([&](int, DString const &line) {
+        std::lock_guard const lock(mutex);
+        log += line + "\n";
+    });
     setenv("ZELVAR_READER_ERRORS", "1", 1);
     SessionBus bus;
     ASSERT_TRUE(bus.IsThere());
     bus.StartKeyring();
+    BDIDrvrMngr::Instance()->Reset(); // of tests before
+    RDIDriverMngr::Instance()->Reset();
     UseReaders(PatientReaders());
     UseDefinedConnections();
     DlgOpenDS::SetFeatures(kOpenAll);
@@ -203,11 +212,14 @@ TEST(PasswordsUnseen, OfEveryKindWhereverTheyAreKept) {
             if (entry.is_regular_file())
                 kept += entry.path().string() + ": " + ReadFile(entry.path()) + "\n";
     EXPECT_NE(kept.find("connections.xml: "), DString::npos);
-    EXPECT_NE(kept.find("reader "), DString::npos) << "the log";
+    EndReaders();
+    Report::SetTraceHandler(former);
+    EXPECT_NE(log.find(" starts for postgresql://zelvar@127.0.0.1"), DString::npos) << log;
+    kept += log;
     for (char const *const marker : {"MARKER", kSent})
         EXPECT_EQ(kept.find(marker), DString::npos) << kept.substr(kept.find(marker) - 200, 400);
-    for (char const *const name : {"ZELVAR_LOG", "ZELVAR_LOG_LEVEL", "ZELVAR_READER_ERRORS", "NETRC", "PGPASSFILE",
-                                   "AWS_SHARED_CREDENTIALS_FILE", "ODBCINI"})
+    for (char const *const name :
+         {"ZELVAR_READER_ERRORS", "NETRC", "PGPASSFILE", "AWS_SHARED_CREDENTIALS_FILE", "ODBCINI"})
         unsetenv(name);
     SetConnectionFinder({});
 }
