@@ -24,7 +24,8 @@ DString FaultInWords(DString const &name, DError const &error) {
     DString text = Format(Translated("%s cannot be opened: %s"), name.c_str(), CauseInWords(error).c_str());
     if (DString const remedy = RemedyInWords(error); !remedy.empty())
         text += "; " + remedy;
-    return text.find(error.Text()) == DString::npos ? text + "\n\n" + error.Text() : text;
+    bool const isTold = text.find(error.Text()) != DString::npos || HostSentOnTo(error.Text());
+    return !isTold ? text + "\n\n" + error.Text() : text;
 }
 
 DString NameOf(DataSourceItem const &item) {

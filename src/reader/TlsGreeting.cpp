@@ -6,6 +6,7 @@
 #include <array>
 #include <cerrno>
 #include <chrono>
+#include <cstdlib>
 #include <functional>
 #include <memory>
 #include <string_view>
@@ -93,7 +94,8 @@ private:
 /// A talk with a server that may take its time, and be stopped.
 class Talk {
 public:
-    Talk(FileDescriptor socket, StopSignal const &stop) : m_socket(std::move(socket)), m_stop(stop) {}
+    Talk(FileDescriptor socket, StopSignal const &stop, milliseconds patience)
+        : m_socket(std::move(socket)), m_stop(stop), m_end(Clock::now() + patience) {}
 
     [[nodiscard]] int Socket() const { return m_socket.Get(); }
     [[nodiscard]] bool IsOver() const { return m_stop || Clock::now() >= m_end; }
@@ -110,7 +112,7 @@ public:
 private:
     FileDescriptor m_socket;
     StopSignal const &m_stop;
-    Clock::time_point m_end = Clock::now() + kPatience;
+    Clock::time_point m_end;
 };
 
 /// A socket that waits for nobody; none if no number of the host takes connections.
@@ -235,17 +237,19 @@ std::optional<ShownCertificate> GreetServer(ConnectionTerms const &terms, StopSi
     };
     if (!place || library == nullptr)
         return fail(": its certificate cannot be looked at here");
-    Talk const talk(ConnectTo(*place), stop);
-    if (talk.Socket() < 0) {
+    milliseconds patience = kPatience;
+    if (DString const seconds = OptionOf(terms, "seconds"); !seconds.empty())
+        patience = milliseconds(1000 * std::strtoll(seconds.c_str(), nullptr, 10));
+    Talk const talk(ConnectTo(*place), stop, patience);
+    bool const isDatabase = terms.kind == ConnectionKind::PostgreSql;
+    bool const isAsked = talk.Socket() >= 0 && (!isDatabase || AskDatabaseForTls(talk));
+    Owned<X509> const shown = isAsked ? Greet(*library, talk, place->host) : Owned<X509>();
+    if (talk.Socket() < 0 || (shown == nullptr && talk.IsOver())) {
         error.Set(TextOf(*place) + " does not answer", DError::Cause::NoAnswer);
         return std::nullopt;
     }
-    bool const isDatabase = terms.kind == ConnectionKind::PostgreSql;
-    if (isDatabase && !AskDatabaseForTls(talk))
-        return fail(" does not encrypt");
-    Owned<X509> const shown = Greet(*library, talk, place->host);
     if (shown == nullptr)
-        return fail(" shows no certificate");
+        return fail(isAsked ? " shows no certificate" : " does not encrypt");
     Certificate const certificate(*library, *shown);
     bool const hasName = !isDatabase || OptionOf(terms, "sslmode") == "verify-full";
     return ShownCertificate{.facts = {.issuer = certificate.Issuer(),

@@ -17,7 +17,8 @@ struct ShownCertificate {
 
 /// Connects to the server that the terms name as "server", over the broker where there is one, and greets it by TLS, as
 /// a database's client where it is one: its certificate is taken as it is, nothing is asked. Else nothing, and why.
-/// OpenSSL is loaded for it, as the libraries below GDAL do anyway. Waits until `stop`, 10 seconds at most.
+/// OpenSSL is loaded for it, as the libraries below GDAL do anyway. Waits until `stop`, as long as the terms
+/// say ("seconds"), 10 seconds without.
 [[nodiscard]] std::optional<ShownCertificate> GreetServer(ConnectionTerms const &terms, StopSignal const &stop,
                                                           DError &error);
 

@@ -382,6 +382,15 @@ TEST_F(WebFolders, ACertificateThatWasAcceptedIsTrustedAndNoOther) {
     EXPECT_EQ(NamesIn(url + "/open/"), Names{"x.tif:2"});
     ImageInfo info;
     EXPECT_TRUE(ReadImageInfo({url + "/open/x.tif", nullptr}, "", nullptr, info)) << "by another way to its server";
+    server.Folder().Write("files/maps",
+                          "<WMS_Capabilities version=\"1.3.0\"><Capability><Layer><Layer><Name>a</Name></Layer>"
+                          "</Layer></Capability></WMS_Capabilities>");
+    DString const maps = "wms+" + url + "/open/maps";
+    Allow(ConnectionKind::MapService, {server.Place()}, {{"server", server.Place()}});
+    EXPECT_EQ(WhyNotListed(maps).Why(), Untrusted);
+    Allow(ConnectionKind::MapService, {server.Place()},
+          {{"server", server.Place()}, {"fingerprint", shown->fingerprint}});
+    EXPECT_EQ(NamesIn(maps), Names{"a:2"});
     allow(byName.substr(8), shown->fingerprint);
     EXPECT_EQ(WhyNotListed(byName + "/open/").Why(), Untrusted) << "it is not the certificate of that name";
     std::optional<ServerCertificate> const other = ReadServerCertificate(byName);

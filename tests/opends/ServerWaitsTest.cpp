@@ -199,7 +199,7 @@ TEST_F(ServerPlaces, AHostThatAServerSendsOnToIsAllowedWhereTheRowsWouldStand) {
     UseDefinedConnections();
     Run([&] {
         ClickSource("Lab");
-        EXPECT_TRUE(Says("the server sends on to " + host, "Retry"));
+        EXPECT_TRUE(Says("Lab cannot be opened: its server sends on to " + host + ", which", "Retry"));
         QPushButton *const allow = dialog->Waits()->Notice()->OfferButton();
         EXPECT_EQ(allow->text().toStdString(), "Allow " + host);
         Shot(*dialog, "PlaceNotice-allow");
