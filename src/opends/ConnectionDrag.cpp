@@ -71,6 +71,7 @@ bool ConnectionDrag::OnMouse(QMouseEvent const &event) {
         int const row = m_list.SubItemHitTest(platform::ToPoint(event.position())).row;
         if (!isEnded && event.button() == Qt::LeftButton && row >= 0 && m_rule.isMovable(row)) {
             m_row = row;
+            m_item = m_list.ItemAt(row);
             m_pressedAt = m_point;
         }
         return isEnded;
@@ -78,7 +79,8 @@ bool ConnectionDrag::OnMouse(QMouseEvent const &event) {
     if (event.type() == QEvent::MouseButtonRelease) {
         bool const wasDragging = m_isDragging;
         int const row = m_row;
-        Slot const slot = wasDragging && event.button() == Qt::LeftButton ? SlotAt(m_point) : Slot();
+        bool const drops = wasDragging && event.button() == Qt::LeftButton && m_list.ItemAt(row) == m_item;
+        Slot const slot = drops ? SlotAt(m_point) : Slot();
         End();
         if (slot.before >= 0)
             m_rule.drop(row, slot.before);
@@ -102,6 +104,7 @@ void ConnectionDrag::Begin() {
 
 void ConnectionDrag::End() {
     m_row = -1;
+    m_item.reset();
     m_scrolling.stop();
     m_mark->hide();
     if (!std::exchange(m_isDragging, false))

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "zelvar/model/DataSourceItem.h"
+
 #include <QtCore/QBasicTimer>
 #include <QtCore/QObject>
 #include <QtCore/QPoint>
@@ -45,8 +47,9 @@ private:
 
     DataSourceList &m_list;
     Rule m_rule;
-    QWidget *m_mark; ///< a child of the viewport
-    int m_row = -1;  ///< that was pressed; -1 for none
+    QWidget *m_mark;                   ///< a child of the viewport
+    int m_row = -1;                    ///< that was pressed; -1 for none
+    RefItemPtr<DataSourceItem> m_item; ///< that was there: rows may be listed anew meanwhile
     QPoint m_pressedAt;
     QPoint m_point; ///< of the pointer now, in the viewport
     bool m_isDragging = false;
