@@ -8,6 +8,7 @@
 #include "zelvar/connections/ConnectionListing.h"
 #include "zelvar/connections/OdbcSource.h"
 #include "zelvar/connections/PostgreSqlService.h"
+#include "zelvar/data/ServerCertificate.h"
 #include "zelvar/xml/XMLNode.h"
 
 #include <algorithm>
@@ -99,6 +100,39 @@ void PutSecret(ConnectionTerms &terms, char const *key, Secret const &secret) {
         terms.secrets[key] = secret.Reveal();
 }
 
+/// Whether TLS may be spoken with its server.
+bool MayEncrypt(Connection const &connection, std::optional<ConnectionAddress> const &address) {
+    switch (connection.kind) {
+    case ConnectionKind::PostgreSql:
+        return connection.Field("sslmode") != "disable";
+    case ConnectionKind::ObjectStore:
+        return !connection.Field("endpoint").starts_with("http://");
+    case ConnectionKind::MapService:
+    case ConnectionKind::WebFolder:
+        return address && address->scheme.ends_with("https");
+    default:
+        return false;
+    }
+}
+
+/// Where a certificate is looked at, and what holds with one that the user has accepted.
+void TellOfCertificate(Connection const &connection, ConnectionTerms &terms) {
+    bool const hasServer = !terms.hosts.empty() && !terms.hosts.front().host.starts_with("*");
+    if (!hasServer || !MayEncrypt(connection, connection.Address())) {
+        terms.options.erase("fingerprint");
+        return;
+    }
+    terms.options["server"] = TextOf(terms.hosts.front());
+    std::optional<DString> const accepted = FingerprintIn(connection.Field("fingerprint"));
+    if (!accepted)
+        return;
+    terms.options["fingerprint"] = *accepted;
+    if (!connection.allow.empty())
+        terms.options["others"] = "yes"; // servers that have certificates of their own
+    if (connection.kind == ConnectionKind::PostgreSql && connection.Field("sslmode") != "verify-full")
+        terms.options["sslmode"] = "verify-ca"; // else it is not looked at, or done without
+}
+
 /// Of a database: a password that was typed with the address comes before the one that is kept.
 ConnectionTerms WithTypedPassword(ConnectionTerms terms, std::string_view address) {
     if (terms.kind == ConnectionKind::PostgreSql || terms.kind == ConnectionKind::Odbc)
@@ -171,10 +205,14 @@ DString MissingConnectionInWords(std::string_view address) {
     return wanted ? Format(Translated(kNoConnection), wanted->Target().c_str()) : DString();
 }
 
+DString ConnectionIdOf(Connection const &connection) {
+    std::optional<ConnectionAddress> const address = connection.Address();
+    return address ? address->ToText() : DString();
+}
+
 ConnectionTerms MakeTerms(ConnectionBook::Entry const &entry, StopSignal const *stop) {
     Connection const connection = WithServiceFields(entry.connection);
-    std::optional<ConnectionAddress> const address = entry.connection.Address();
-    ConnectionTerms terms{.id = address ? address->ToText() : DString(), .kind = connection.kind};
+    ConnectionTerms terms{.id = ConnectionIdOf(entry.connection), .kind = connection.kind};
     terms.hosts = HostsOf(connection);
     terms.hosts.insert(terms.hosts.end(), connection.allow.begin(), connection.allow.end());
     for (auto const &[key, value] : connection.fields)
@@ -191,6 +229,7 @@ ConnectionTerms MakeTerms(ConnectionBook::Entry const &entry, StopSignal const *
         terms.connectTime = connection.timeLimit;
         terms.options["seconds"] = std::to_string(connection.timeLimit.count()); // that its server may be silent
     }
+    TellOfCertificate(connection, terms);
     if (connection.kind == ConnectionKind::Odbc)
         TakeOdbcSource(terms); // a secret of the connection's own takes the place of one found there
     bool const isStore = connection.kind == ConnectionKind::ObjectStore;

@@ -36,6 +36,8 @@ private:
 /// "No connection for db.lab:5432 is defined.": in the user's language; empty for what is no address of a connection.
 [[nodiscard]] ZELVAR_API DString MissingConnectionInWords(std::string_view address);
 
+/// What tells a connection's readers from others: the id of its terms. Empty for one without an address.
+[[nodiscard]] ZELVAR_API DString ConnectionIdOf(Connection const &connection);
 /// What a reader for the connection may reach and is told. Asks for its secret: not on a window's thread.
 [[nodiscard]] ZELVAR_API ConnectionTerms MakeTerms(ConnectionBook::Entry const &entry,
                                                    StopSignal const *stop = nullptr);

@@ -199,8 +199,8 @@ DString ChoiceInWords(ConnectionField const &field, DString const &choice) {
 }
 
 bool IsRareField(ConnectionField const &field) {
-    static constexpr std::array<std::string_view, 8> kRare{"ca",      "schemas", "tables",     "sslmode",
-                                                           "version", "region",  "addressing", "unsigned"};
+    static constexpr std::array<std::string_view, 9> kRare{"ca",      "fingerprint", "schemas",    "tables",  "sslmode",
+                                                           "version", "region",      "addressing", "unsigned"};
     bool const isPgService = field.kind == ConnectionKind::PostgreSql && std::string_view(field.key) == "service";
     return isPgService || std::find(kRare.begin(), kRare.end(), field.key) != kRare.end();
 }

@@ -1,6 +1,7 @@
 #include "zelvar/connections/ConnectionFields.h"
 
 #include "zelvar/connections/FilledWords.h"
+#include "zelvar/data/ServerCertificate.h"
 
 #include <algorithm>
 #include <iterator>
@@ -22,6 +23,7 @@ constexpr ConnectionField kFields[] = {
     {Kind::PostgreSql, "sslmode", Mark("Encryption"), Place::Attribute, Rule::Choice,
      "prefer|disable|allow|require|verify-ca|verify-full"},
     {Kind::PostgreSql, "ca", Mark("Certificates of the authority"), Place::Attribute, Rule::FullPath},
+    {Kind::PostgreSql, "fingerprint", Mark("Accepted certificate"), Place::Attribute, Rule::Fingerprint},
     {Kind::PostgreSql, "schemas", Mark("Schemas"), Place::Attribute},
     {Kind::PostgreSql, "tables", Mark("Tables"), Place::Attribute, Rule::Choice, "all|geometry"},
 
@@ -30,6 +32,7 @@ constexpr ConnectionField kFields[] = {
     {Kind::MapService, "user", Mark("User"), Place::Address},
     {Kind::MapService, "version", Mark("Version"), Place::Attribute},
     {Kind::MapService, "ca", Mark("Certificates of the authority"), Place::Attribute, Rule::FullPath},
+    {Kind::MapService, "fingerprint", Mark("Accepted certificate"), Place::Attribute, Rule::Fingerprint},
 
     {Kind::ObjectStore, "service", Mark("Service"), Place::Address, Rule::Choice, "s3|gs|az"},
     {Kind::ObjectStore, "bucket", Mark("Bucket"), Place::Address, Rule::Bucket},
@@ -41,10 +44,12 @@ constexpr ConnectionField kFields[] = {
     {Kind::ObjectStore, "addressing", Mark("Addressing"), Place::Attribute, Rule::Choice, "virtual|path"},
     {Kind::ObjectStore, "unsigned", Mark("Without signature"), Place::Attribute, Rule::Choice, "no|yes"},
     {Kind::ObjectStore, "ca", Mark("Certificates of the authority"), Place::Attribute, Rule::FullPath},
+    {Kind::ObjectStore, "fingerprint", Mark("Accepted certificate"), Place::Attribute, Rule::Fingerprint},
 
     {Kind::WebFolder, "address", Mark("Address"), Place::Address, Rule::WebAddress},
     {Kind::WebFolder, "user", Mark("User"), Place::Address},
     {Kind::WebFolder, "ca", Mark("Certificates of the authority"), Place::Attribute, Rule::FullPath},
+    {Kind::WebFolder, "fingerprint", Mark("Accepted certificate"), Place::Attribute, Rule::Fingerprint},
 
     {Kind::Odbc, "dsn", Mark("Data source name"), Place::Address},
     {Kind::Odbc, "user", Mark("User"), Place::Address},
@@ -65,6 +70,7 @@ constexpr RuleWords kRules[] = {
     {Rule::Bucket, Mark("The name of a bucket holds letters, digits, dots, hyphens and underscores.")},
     {Rule::Endpoint, Mark("The endpoint is a host, with a port if it has one, as s3.lab:9000.")},
     {Rule::FullPath, Mark("The file is named by its full path, from / on.")},
+    {Rule::Fingerprint, Mark("The certificate is told by its SHA-256 fingerprint: 64 hexadecimal digits.")},
     {Rule::Choice, Mark("This is one of: %s.")},
 };
 
@@ -102,13 +108,9 @@ bool HasControl(std::string_view text) {
     });
 }
 
-bool IsHost(std::string_view text) {
-    return !text.empty() && text.find_first_of(" /@?#;,%$\\\"'<>|") == std::string_view::npos && !HasControl(text);
-}
-
 bool IsWebAddress(DString const &text) {
     std::optional<ConnectionAddress> const address = ParseConnectionAddress(text);
-    return address && (address->scheme == "http" || address->scheme == "https") && IsHost(address->host);
+    return address && (address->scheme == "http" || address->scheme == "https") && IsHostName(address->host);
 }
 
 bool IsEndpoint(std::string_view text) {
@@ -116,7 +118,7 @@ bool IsEndpoint(std::string_view text) {
         if (text.starts_with(scheme))
             text.remove_prefix(scheme.size());
     auto const server = ParseHostAndPort(text);
-    return server && IsHost(server->host);
+    return server && IsHostName(server->host);
 }
 
 bool IsBucket(std::string_view text) {
@@ -131,7 +133,7 @@ bool Fits(ConnectionField const &field, DString const &value) {
     case Rule::Any:
         return true;
     case Rule::Host:
-        return IsHost(value);
+        return IsHostName(value);
     case Rule::Port:
         return ParsePort(value).has_value();
     case Rule::WebAddress:
@@ -142,6 +144,8 @@ bool Fits(ConnectionField const &field, DString const &value) {
         return IsEndpoint(value);
     case Rule::FullPath:
         return value.starts_with('/');
+    case Rule::Fingerprint:
+        return FingerprintIn(value).has_value();
     case Rule::Choice: {
         std::vector<DString> const choices = Split(field.choices, '|');
         return std::find(choices.begin(), choices.end(), value) != choices.end();
@@ -184,6 +188,10 @@ DString FaultOfName(DString const &name) {
 
 } // namespace
 
+bool IsHostName(std::string_view text) {
+    return !text.empty() && text.find_first_of(" /@?#;,%$\\\"'<>|") == std::string_view::npos && !HasControl(text);
+}
+
 std::vector<ConnectionField> FieldsOf(ConnectionKind kind) {
     std::vector<ConnectionField> fields;
     std::copy_if(std::begin(kFields), std::end(kFields), std::back_inserter(fields),
@@ -208,7 +216,7 @@ std::vector<ConnectionFault> FaultsOf(Connection const &connection) {
     if (!connection.Field("profile").empty() && !connection.Field("key").empty())
         add("key", Translated(kBoth));
     if (!std::all_of(connection.allow.begin(), connection.allow.end(),
-                     [](HostAndPort const &host) { return IsHost(host.host); }))
+                     [](HostAndPort const &host) { return IsHostName(host.host); }))
         add("allow", Translated(kAllow));
     return faults;
 }

@@ -9,7 +9,7 @@ struct ConnectionField {
     /// Where a definition keeps it.
     enum class Place { Address, Attribute };
     /// What it may say.
-    enum class Rule { Any, Host, Port, WebAddress, Bucket, Endpoint, FullPath, Choice };
+    enum class Rule { Any, Host, Port, WebAddress, Bucket, Endpoint, FullPath, Fingerprint, Choice };
 
     ConnectionKind kind;
     char const *key;   ///< in definitions and commands
@@ -21,6 +21,9 @@ struct ConnectionField {
 
 /// In the order of the page.
 [[nodiscard]] ZELVAR_API std::vector<ConnectionField> FieldsOf(ConnectionKind kind);
+
+/// Whether a text can be the name or the number of a host.
+[[nodiscard]] ZELVAR_API bool IsHostName(std::string_view text);
 
 /// What is wrong with a field, in words for people. "name" is a field here, too.
 struct ConnectionFault {

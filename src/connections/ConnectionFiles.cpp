@@ -19,12 +19,14 @@ constexpr char const *kDamaged = Mark("%s cannot be read: nothing is written whi
 constexpr char const *kNotWritten = Mark("%s cannot be written.");
 constexpr char const *kMissing = Mark("There is no connection called %s.");
 constexpr char const *kThere = Mark("There is a connection called %s already.");
+constexpr char const *kNoHost = Mark("Hosts that are allowed are names or addresses.");
 constexpr char const *kNoDefinitions = Mark("%s holds no connections.");
 constexpr char const *kNoAddress = Mark("The connection %s has no address.");
 constexpr char const *kHoldsPassword = Mark("The address of %s holds a password: it is not exported.");
 constexpr char kDefinition[] = "DataSource";
 
 ConnectionChange Refused(DString words) { return {.isDone = false, .words = std::move(words), .names = {}}; }
+ConnectionChange Refused(char const *words) { return Refused(DString(Translated(words))); }
 ConnectionChange Refused(char const *words, DString const &what) { return Refused(FilledWords(words, what)); }
 
 bool IsNamed(XMLNode const &node, DString const &name) {
@@ -105,6 +107,22 @@ private:
     DataSourceDefinitions m_definitions;
     DString m_damaged;
 };
+
+/// Changes a definition, which is called `newName` then.
+template <class Work>
+ConnectionChange Change(DString const &name, DString const &newName, Work const &work) {
+    Definitions definitions;
+    if (DString const against = definitions.Against(); !against.empty())
+        return Refused(against);
+    XMLNode *const node = definitions.Find(name);
+    if (node == nullptr)
+        return Refused(kMissing, name);
+    if (newName != name && definitions.Find(newName) != nullptr)
+        return Refused(kThere, newName);
+    work(*node);
+    definitions.Touch(*node);
+    return definitions.Write({newName});
+}
 
 DString FaultsInWords(Connection const &connection) {
     DString words;
@@ -189,17 +207,7 @@ ConnectionChange SaveConnection(Connection const &connection, IfThere ifThere) {
 ConnectionChange EditConnection(DString const &name, Connection const &connection) {
     if (DString words = FaultsInWords(connection); !words.empty())
         return Refused(std::move(words));
-    Definitions definitions;
-    if (DString const against = definitions.Against(); !against.empty())
-        return Refused(against);
-    XMLNode *const node = definitions.Find(name);
-    if (node == nullptr)
-        return Refused(kMissing, name);
-    if (connection.name != name && definitions.Find(connection.name) != nullptr)
-        return Refused(kThere, connection.name);
-    connection.WriteTo(*node);
-    definitions.Touch(*node);
-    return definitions.Write({connection.name});
+    return Change(name, connection.name, [&](XMLNode &node) { connection.WriteTo(node); });
 }
 
 ConnectionChange RenameConnection(DString const &name, DString const &newName) {
@@ -207,17 +215,20 @@ ConnectionChange RenameConnection(DString const &name, DString const &newName) {
     for (ConnectionFault const &fault : FaultsOf(named))
         if (fault.field == "name")
             return Refused(fault.words);
-    Definitions definitions;
-    if (DString const against = definitions.Against(); !against.empty())
-        return Refused(against);
-    XMLNode *const node = definitions.Find(name);
-    if (node == nullptr)
-        return Refused(kMissing, name);
-    if (newName != name && definitions.Find(newName) != nullptr)
-        return Refused(kThere, newName);
-    node->SetAttr("name", newName);
-    definitions.Touch(*node);
-    return definitions.Write({newName});
+    return Change(name, newName, [&](XMLNode &node) { node.SetAttr("name", newName); });
+}
+
+ConnectionChange AllowHost(DString const &name, HostAndPort const &host) {
+    if (!IsHostName(host.host))
+        return Refused(kNoHost);
+    return Change(name, name, [&](XMLNode &node) {
+        std::optional<Connection> connection = Connection::FromNode(node);
+        if (!connection ||
+            std::find(connection->allow.begin(), connection->allow.end(), host) != connection->allow.end())
+            return;
+        connection->allow.push_back(host);
+        connection->WriteTo(node);
+    });
 }
 
 ConnectionChange DuplicateConnection(DString const &name) {

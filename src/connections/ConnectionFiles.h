@@ -25,6 +25,8 @@ struct ConnectionChange {
 [[nodiscard]] ZELVAR_API ConnectionChange EditConnection(DString const &name, Connection const &connection);
 /// Gives the one called `name` another name and leaves all else in it as it is.
 [[nodiscard]] ZELVAR_API ConnectionChange RenameConnection(DString const &name, DString const &newName);
+/// Lets the one called `name` reach another host, too. Done, and nothing written, if it may already.
+[[nodiscard]] ZELVAR_API ConnectionChange AllowHost(DString const &name, HostAndPort const &host);
 /// Another definition that says the same, under a name that is free.
 [[nodiscard]] ZELVAR_API ConnectionChange DuplicateConnection(DString const &name);
 /// All definitions of that name.

@@ -173,6 +173,11 @@ std::optional<ListedConnection> ListConnection(ConnectionBook::Entry const &entr
         if (!isRead && !listed.failure.IsSet())
             listed.failure.Set("no driver opens it", DError::Cause::NotSupported);
     }
+    if (std::optional<ConnectionAddress> const address = entry.connection.Address();
+        address && !cancel.IsCanceled() && listed.failure.Why() == DError::Cause::Untrusted) {
+        RequestScope const scope(RequestKind::List, [&] { return cancel.IsCanceled(); });
+        listed.certificate = ReadServerCertificate(address->ToText());
+    }
     if (!cancel.IsCanceled() && !listed.failure.IsSet()) {
         Count(items, listed);
         if (!items.empty())

@@ -2,13 +2,15 @@
 
 #include "zelvar/base/Report.h"
 #include "zelvar/connections/ConnectionBook.h"
+#include "zelvar/data/ServerCertificate.h"
 
 namespace zelvar {
 
 /// What came of opening and listing a connection. A value.
 struct ListedConnection {
     bool isStopped = false;
-    DError failure{}; ///< why it is not listed; not set if it is
+    DError failure{};                               ///< why it is not listed; not set if it is
+    std::optional<ServerCertificate> certificate{}; ///< that is not trusted, where the failure is about it
     std::size_t folders = 0;
     std::size_t images = 0;
     std::size_t tables = 0;

@@ -15,6 +15,8 @@ struct TrialResult {
     TrialState state = TrialState::Works;
     DString words{}; ///< a sentence in the user's language: the cause, then what to do
     std::chrono::milliseconds took{0};
+    DString accepts{}; ///< fingerprint of a certificate that would let it go on if the user accepted it; empty for none
+    std::optional<HostAndPort> allows{}; ///< a host that would, if it may be reached, too
 };
 /// "name", "connection" ..., in the user's language.
 [[nodiscard]] ZELVAR_API char const *TrialStepInWords(TrialStep step);

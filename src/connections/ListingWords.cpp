@@ -24,6 +24,17 @@ constexpr char const *kUntrusted =
     Mark("The certificate of %s is not trusted. Name the file of its authority's certificates.");
 constexpr char const *kUntrustedStill =
     Mark("The certificate of %s is not trusted, and no certificate in %s vouches for it.");
+constexpr char const *kUnknownIssuer = Mark("The certificate of %s is not trusted (issuer %s). Name the file of its "
+                                            "authority's certificates, or accept this certificate: %s.");
+constexpr char const *kChanged = Mark("The certificate of %s is not the one that was accepted (issuer %s). If it was "
+                                      "renewed by those whose server it is, accept this certificate: %s.");
+constexpr char const *kOtherName =
+    Mark("The certificate of %s is that of another server (issuer %s, %s). Name the server "
+         "as its certificate does.");
+constexpr char const *kExpired = Mark("The certificate of %s has expired (issuer %s, %s).");
+constexpr char const *kNotYet =
+    Mark("The certificate of %s is not valid yet (issuer %s, %s). Is this computer's clock right?");
+constexpr char const *kAcceptedOne = Mark("The server's certificate is the one that was accepted.");
 constexpr char const *kAccepted = Mark("The server takes the login.");
 constexpr char const *kAcceptedUser = Mark("The server takes the login of %s.");
 constexpr char const *kWrongLogin = Mark("The server does not know user %s or the password.");
@@ -34,7 +45,7 @@ constexpr char const *kNothing = Mark("There is nothing at this address (%lld)."
 constexpr char const *kNoBucket = Mark("%s: there is no bucket of this name.");
 constexpr char const *kWrongKey = Mark("%s: the secret key is wrong, or this computer's clock is.");
 constexpr char const *kNoKey = Mark("%s: there is no such key.");
-constexpr char const *kExpired = Mark("%s: the login has expired.");
+constexpr char const *kLoginExpired = Mark("%s: the login has expired.");
 constexpr char const *kMayNotList =
     Mark("%s: the key may read objects but not list them: give a prefix or a full name.");
 constexpr char const *kLeadsOn =
@@ -52,7 +63,7 @@ struct StoreCode {
 constexpr std::array kCodes{
     StoreCode{"SignatureDoesNotMatch", kWrongKey, true}, StoreCode{"RequestTimeTooSkewed", kWrongKey, true},
     StoreCode{"AuthenticationFailed", kWrongKey, true},  StoreCode{"InvalidAccessKeyId", kNoKey, true},
-    StoreCode{"ExpiredToken", kExpired, true},           StoreCode{"InvalidToken", kExpired, true},
+    StoreCode{"ExpiredToken", kLoginExpired, true},      StoreCode{"InvalidToken", kLoginExpired, true},
     StoreCode{"AccessDenied", kMayNotList, false},       StoreCode{"AuthorizationFailure", kMayNotList, false},
     StoreCode{"NoSuchBucket", kNoBucket, false},         StoreCode{"ContainerNotFound", kNoBucket, false},
 };
@@ -86,6 +97,32 @@ Encryption EncryptionOf(Connection const &connection) {
                                       : Encryption::Unknown;
 }
 
+/// Why a certificate is not trusted, and whether the user can accept it all the same.
+TrialResult UntrustedResult(Connection const &connection, std::optional<ServerCertificate> const &certificate) {
+    using Fault = ServerCertificate::Fault;
+    DString const server = ServerOf(connection);
+    DString const ca = connection.Field("ca");
+    std::optional<DString> const accepted = FingerprintIn(connection.Field("fingerprint"));
+    // One that is the accepted one is not what was refused: a server that it sends on to is.
+    if (!certificate || (certificate->fault == Fault::None && certificate->fingerprint == accepted))
+        return Result(TrialStep::Encryption, TrialState::Failed,
+                      ca.empty() ? FilledWords(kUntrusted, server)
+                                 : Format(Translated(kUntrustedStill), server.c_str(), ca.c_str()));
+    char const *words = accepted ? kChanged : kUnknownIssuer;
+    if (certificate->fault == Fault::OtherName)
+        words = kOtherName;
+    else if (certificate->fault == Fault::Expired)
+        words = kExpired;
+    else if (certificate->fault == Fault::NotYetValid)
+        words = kNotYet;
+    DString const issuer = certificate->issuer.empty() ? "?" : certificate->issuer;
+    TrialResult result = Result(TrialStep::Encryption, TrialState::Failed,
+                                FilledWords(words, {server, issuer, certificate->fingerprint}));
+    if (certificate->fault == Fault::None)
+        result.accepts = certificate->fingerprint;
+    return result;
+}
+
 StoreCode const *CodeIn(DString const &text) {
     auto const *const found = std::find_if(kCodes.begin(), kCodes.end(),
                                            [&](StoreCode const &row) { return text.find(row.code) != DString::npos; });
@@ -111,14 +148,9 @@ DString LoginWords(Connection const &connection, DError const &error) {
     return user.empty() ? DString(Translated(kWantsLogin)) : FilledWords(kWrongLogin, user);
 }
 
-/// The host that the reader was kept from; empty for another failure.
-DString HostLedTo(DError const &error) {
-    constexpr std::string_view kBefore = "it leads to ";
-    std::size_t const at = error.Text().find(kBefore);
-    std::size_t const end = error.Text().find(", which is no host", at);
-    if (error.Why() != DError::Cause::Refused || at == DString::npos || end == DString::npos)
-        return {};
-    return error.Text().substr(at + kBefore.size(), end - at - kBefore.size());
+/// The host that the reader was kept from, if it is one that can be allowed.
+std::optional<HostAndPort> HostLedTo(DError const &error) {
+    return error.Why() == DError::Cause::Refused ? HostSentOnTo(error.Text()) : std::nullopt;
 }
 
 DString ListingFailureWords(DError const &error) {
@@ -126,8 +158,8 @@ DString ListingFailureWords(DError const &error) {
         return Format(Translated(kForbids), static_cast<long long>(kForbidden));
     if (error.Why() == DError::Cause::Server && error.Detail() == kNotFound)
         return Format(Translated(kNothing), static_cast<long long>(kNotFound));
-    if (DString const host = HostLedTo(error); !host.empty())
-        return FilledWords(kLeadsOn, host);
+    if (std::optional<HostAndPort> const host = HostLedTo(error))
+        return FilledWords(kLeadsOn, TextOf(*host));
     DString const cause = CauseInWords(error);
     bool const isSame = cause.empty() || cause == error.Text();
     return FilledWords(kNotListed, isSame ? error.Text() : cause + "; " + error.Text());
@@ -156,21 +188,17 @@ std::vector<TrialResult> ListingInSteps(Connection const &connection, ListedConn
     if (listed.isStopped)
         return {Result(TrialStep::Listing, TrialState::Stopped, Translated(kStopped))};
     DError const &failure = listed.failure;
-    DString const server = ServerOf(connection);
     bool const hasPassword = connection.secret != SecretPlace::None;
-    if (failure.Why() == DError::Cause::Untrusted) {
-        DString const ca = connection.Field("ca");
-        return {Result(TrialStep::Encryption, TrialState::Failed,
-                       ca.empty() ? FilledWords(kUntrusted, server)
-                                  : Format(Translated(kUntrustedStill), server.c_str(), ca.c_str()))};
-    }
+    if (failure.Why() == DError::Cause::Untrusted)
+        return {UntrustedResult(connection, listed.certificate)};
     // A server that was never spoken to has shown no certificate.
     bool const isReached = !failure.IsSet() || failure.Why() == DError::Cause::Server ||
                            failure.Why() == DError::Cause::NotPermitted || failure.Why() == DError::Cause::Missing ||
                            failure.Why() == DError::Cause::NeedsPassword;
     Encryption const encryption = EncryptionOf(connection);
     if (isReached && encryption == Encryption::Checked)
-        results.push_back(Result(TrialStep::Encryption, TrialState::Works, Translated(kTrusted)));
+        results.push_back(Result(TrialStep::Encryption, TrialState::Works,
+                                 Translated(connection.Field("fingerprint").empty() ? kTrusted : kAcceptedOne)));
     else if (isReached && encryption == Encryption::Unchecked)
         results.push_back(Result(TrialStep::Encryption, TrialState::Works, Translated(kUnchecked)));
     else if (isReached && hasPassword && encryption == Encryption::None)
@@ -193,6 +221,7 @@ std::vector<TrialResult> ListingInSteps(Connection const &connection, ListedConn
         results.push_back(
             Result(TrialStep::Listing, TrialState::Failed,
                    code != nullptr ? FilledWords(code->words, code->code) : ListingFailureWords(failure)));
+        results.back().allows = HostLedTo(failure);
         return results;
     }
     results.push_back(Result(TrialStep::Listing, TrialState::Works,

@@ -16,6 +16,8 @@ namespace zelvar {
 namespace {
 
 constexpr std::size_t kNone = std::string_view::npos;
+constexpr std::string_view kSendsOn = "the server sends on to ";
+constexpr std::string_view kNoHostOf = ", which is no host of its connection";
 constexpr std::uint16_t kHttp = 80;
 constexpr std::uint16_t kHttps = 443;
 
@@ -200,6 +202,17 @@ std::optional<HostAndPort> PlaceIn(std::string_view text, std::uint16_t port) {
 bool MayReach(ConnectionTerms const &terms, std::string_view host, std::uint16_t port) {
     DString const name = LowerCase(host);
     return std::ranges::any_of(terms.hosts, [&](HostAndPort const &allowed) { return Matches(allowed, name, port); });
+}
+
+DString SendsOnText(HostAndPort const &place) { return DString(kSendsOn).append(TextOf(place)).append(kNoHostOf); }
+
+std::optional<HostAndPort> HostSentOnTo(std::string_view text) {
+    std::size_t const at = text.find(kSendsOn);
+    std::size_t const end = at == kNone ? kNone : text.find(kNoHostOf, at);
+    std::optional<HostAndPort> place =
+        end == kNone ? std::nullopt : PlaceIn(text.substr(at + kSendsOn.size(), end - at - kSendsOn.size()), 0);
+    constexpr std::string_view kOfHosts = "abcdefghijklmnopqrstuvwxyz0123456789.-_:";
+    return place && place->host.find_first_not_of(kOfHosts) == DString::npos ? place : std::nullopt;
 }
 
 bool IsMapServiceAddress(std::string_view address) {

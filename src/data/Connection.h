@@ -46,6 +46,12 @@ struct ConnectionTerms {
 /// Whether the terms allow that host and port; case is not regarded. Port 0 asks whether any port of it is allowed.
 [[nodiscard]] ZELVAR_API bool MayReach(ConnectionTerms const &terms, std::string_view host, std::uint16_t port);
 
+/// What is told of a host that the terms do not allow: "the server sends on to cdn.lab:443, which ..."
+[[nodiscard]] ZELVAR_API DString SendsOnText(HostAndPort const &place);
+/// The host that such a text names, wherever it stands in it; nothing for another text, or for a name that is not one
+/// of a single host: it is a server's word.
+[[nodiscard]] ZELVAR_API std::optional<HostAndPort> HostSentOnTo(std::string_view text);
+
 /// Whether an address is that of a map service, or of something in one: "wms+https://...".
 [[nodiscard]] ZELVAR_API bool IsMapServiceAddress(std::string_view address);
 

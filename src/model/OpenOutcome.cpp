@@ -1,6 +1,7 @@
 #include "zelvar/model/OpenOutcome.h"
 
 #include "zelvar/base/Translation.h"
+#include "zelvar/data/Connection.h"
 
 #include <algorithm>
 #include <array>
@@ -50,6 +51,11 @@ CauseWords const *WordsOf(DError const &error) {
     auto const *const found = std::find_if(std::begin(kCauses), std::end(kCauses),
                                            [&](CauseWords const &words) { return words.cause == error.Why(); });
     return found == std::end(kCauses) ? nullptr : found;
+}
+
+/// The host that kept it from being opened, if one did.
+std::optional<HostAndPort> HostSentOn(DError const &error) {
+    return error.Why() == DError::Cause::Refused ? HostSentOnTo(error.Text()) : std::nullopt;
 }
 
 /// "a, b, c" without what is empty.
@@ -193,6 +199,9 @@ DString CauseInWords(DError const &error) {
     CauseWords const *const words = WordsOf(error);
     if (words == nullptr)
         return error.Text();
+    if (std::optional<HostAndPort> const host = HostSentOn(error))
+        return Format(Translated("its server sends on to %s, which its connection does not name"),
+                      TextOf(*host).c_str());
     if (error.Why() == DError::Cause::Refused && error.IsSet())
         return Format(Translated("it must not be opened (%s)"), error.Text().c_str());
     auto const detail = static_cast<long long>(error.Detail());
@@ -207,6 +216,8 @@ DString CauseInWords(DError const &error) {
 }
 
 DString RemedyInWords(DError const &error) {
+    if (HostSentOn(error))
+        return Translated("allow that host if it is right");
     CauseWords const *const words = WordsOf(error);
     return words == nullptr ? DString() : Translated(words->remedy);
 }

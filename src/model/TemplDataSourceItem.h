@@ -63,6 +63,8 @@ public:
 
     /// Whether its tree is on a server: to open or to list it may take as long as that does.
     [[nodiscard]] bool IsOnServer() const;
+    /// Whether it stands for the whole tree: a connection, an address, a container.
+    [[nodiscard]] bool IsRoot() const { return m_kind == KindRoot; }
     /// Whether it has a node, and so can be listed.
     [[nodiscard]] bool IsOpen() const { return m_node != nullptr; }
     /// A connection that another item of it, such as a clone on another thread, has opened gets its node. False while

@@ -2,10 +2,12 @@
 
 #include "zelvar/base/Report.h"
 #include "zelvar/base/Translation.h"
+#include "zelvar/data/reader/DriverModule.h"
 #include "zelvar/model/DefinitionOrder.h"
 #include "zelvar/model/TemplDataSourceItem.h"
 #include "zelvar/opends/DataSourceList.h"
 #include "zelvar/opends/NewConnectionItem.h"
+#include "zelvar/opends/RowDrag.h"
 #include "zelvar/opends/connections/ConnectionDlg.h"
 #include "zelvar/opends/core/FileQuestion.h"
 #include "zelvar/platform/ui/ModalLoop.h"
@@ -91,7 +93,12 @@ std::vector<ConnectionRows::Entry> const &ConnectionRows::EntriesOfConnection() 
     return entries;
 }
 
-ConnectionRows::ConnectionRows(DataSourceList &list) : m_list(list), m_target(this) {
+ConnectionRows::ConnectionRows(DataSourceList &list)
+    : m_list(list), m_target(this),
+      m_drag(std::make_unique<RowDrag>(
+          list, RowDrag::Rule{.isMovable = [this](int row) { return IsConnection(row); },
+                              .drop = [this](int row, int beside,
+                                             bool behind) { MoveBefore(row, behind ? beside + 1 : beside); }})) {
     m_messages.On(kNews, this, &ConnectionRows::OnNews);
     m_messages.On(kMake, this, &ConnectionRows::Make);
 }
@@ -117,10 +124,15 @@ bool ConnectionRows::IsMakerSelected() const {
     return IsNewConnection(m_list.ItemAt(m_list.GetNextItem(-1, LVNI_SELECTED)).get());
 }
 
+bool ConnectionRows::IsConnection(int row) const {
+    RefItemPtr<DataSourceItem> const item = m_list.ItemAt(row);
+    return item != nullptr && m_list.GetItemGroup(row) == kGroupDataSources && !IsNewConnection(item.get());
+}
+
 std::vector<DString> ConnectionRows::Names() const {
     std::vector<DString> names;
     for (int row = 0; row < m_list.GetItemCount(); ++row)
-        if (m_list.GetItemGroup(row) == kGroupDataSources && !IsNewConnection(m_list.ItemAt(row).get()))
+        if (IsConnection(row))
             names.push_back(m_list.ItemAt(row)->GetName());
     return names;
 }
@@ -178,10 +190,11 @@ void ConnectionRows::Make() {
 }
 
 void ConnectionRows::Connect(DString const &name) {
-    if (m_list.IsConnectionOpen(name))
-        m_list.ListConnectionsAgain({name}, {});
-    else
-        m_list.ResetSelectedItems();
+    if (!m_list.IsConnectionOpen(name))
+        return m_list.ResetSelectedItems();
+    if (std::optional<ConnectionBook::Entry> const entry = EntryOf(name))
+        EndReadersOf(ConnectionIdOf(entry->connection));
+    m_list.ListConnectionsAgain({name}, {});
 }
 
 void ConnectionRows::Edit(DString const &name, bool tests) {
@@ -231,6 +244,21 @@ void ConnectionRows::Move(DString const &name, int by) {
     if (at == names.end() || to < 0 || to >= static_cast<std::ptrdiff_t>(names.size()))
         return;
     std::iter_swap(at, names.begin() + to);
+    KeepOrder(names);
+}
+
+void ConnectionRows::MoveBefore(int row, int before) {
+    if (!IsConnection(row) || before == row || before == row + 1)
+        return; // it stands there
+    DString const name = m_list.ItemAt(row)->GetName();
+    DString const next = IsConnection(before) ? m_list.ItemAt(before)->GetName() : DString();
+    std::vector<DString> names = Names();
+    names.erase(std::find(names.begin(), names.end(), name));
+    names.insert(next.empty() ? names.end() : std::find(names.begin(), names.end(), next), name);
+    KeepOrder(names);
+}
+
+void ConnectionRows::KeepOrder(std::vector<DString> const &names) {
     DefinitionOrder::Keep(names);
     m_list.ListConnectionsAgain({}, {});
 }

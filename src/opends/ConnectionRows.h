@@ -15,6 +15,7 @@ class QPoint;
 
 namespace zelvar {
 
+class RowDrag;
 class DataSourceList;
 
 /// What the user can do to the connections in the data source list: their menu, their keys, and the row that makes one.
@@ -63,6 +64,9 @@ private:
     void Duplicate(DString const &name);
     void Rename(DString const &name);
     void Move(DString const &name, int by);
+    [[nodiscard]] bool IsConnection(int row) const;
+    void MoveBefore(int row, int before); ///< a row that is none stands behind all
+    void KeepOrder(std::vector<DString> const &names);
     void Remove(DString const &name);
     void Export(std::vector<DString> const &names);
     void Import();
@@ -76,6 +80,7 @@ private:
     platform::MessageMap m_messages;
     platform::MessageTarget m_target;
     std::list<Job> m_jobs;
+    std::unique_ptr<RowDrag> m_drag;
 };
 
 } // namespace zelvar

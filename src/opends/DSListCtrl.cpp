@@ -554,7 +554,7 @@ void DSListCtrl::DrawItem(DrawItemStruct const &request) {
         m_tilePainter->DrawTile(request, *item);
         return;
     }
-    DrawItemPicture(request.painter, PictureRect(request.rcItem), *item);
+    (m_showsKinds ? DrawItemOrKindPicture : DrawItemPicture)(request.painter, PictureRect(request.rcItem), *item);
     Rect marked = Mirrored(request.rcItem);
     marked.left += kPictureBand;
     marked = Mirrored(marked);

@@ -54,6 +54,8 @@ public:
     /// Asked about the roots of each listing; nothing is folded without one.
     using FoldingRule = std::function<DataSetFolding(ItemList const &roots)>;
     void SetFoldingRule(FoldingRule rule) { m_foldingRule = std::move(rule); }
+    /// What is on a server and has no picture of its own is shown with that of its kind.
+    void ShowKinds() { m_showsKinds = true; }
     void SetShowParentFolderItem(bool show) { m_showParentFolderItem = show; }
     [[nodiscard]] bool ShowParentFolderItem() const { return m_showParentFolderItem; }
 
@@ -188,6 +190,7 @@ private:
     int m_bdiFilter = 0;
     FoldingRule m_foldingRule;
     bool m_showParentFolderItem = false;
+    bool m_showsKinds = false;
     std::unique_ptr<ImageList> m_parentFolderImages; ///< the picture of ".."
     bool m_dblClckBesideRows = false;
     std::unique_ptr<ListResults> m_results; ///< null for a listing

@@ -517,7 +517,8 @@ void DataSourceList::DrawItem(DrawItemStruct const &request) {
     RefItemPtr<DataSourceItem> const item = ItemAt(request.itemID);
     if (item == nullptr)
         return;
-    DrawItemPicture(request.painter, PictureRect(request.rcItem), *item);
+    (m_connections != nullptr ? DrawItemOrKindPicture : DrawItemPicture)(request.painter, PictureRect(request.rcItem),
+                                                                         *item);
     Rect rect = Mirrored(request.rcItem);
     rect.left += kPictureBand;
     rect = Mirrored(rect);

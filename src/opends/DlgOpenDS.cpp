@@ -435,6 +435,8 @@ bool DlgOpenDS::OnInitDialog() {
         m_propertyWnd->SetOptionsRule([this](DataSourceItem const &item) { return OptionsOf(item); });
     if ((m_features & kOpenPreviewBar) != 0)
         m_propertyWnd->AddPreviewBar();
+    if ((m_features & kOpenConnections) != 0)
+        m_mainList->ShowKinds(), m_folderList->ShowKinds(), m_hierarchyList->ShowKinds();
     if ((m_features & kOpenConnections) != 0 && m_rootItem == nullptr && PicksImageData(m_dlgTemplate))
         m_dataSourceList->OfferConnections();
     if ((m_features & kOpenThumbnails) != 0 && !PicksDocument(m_dlgTemplate))

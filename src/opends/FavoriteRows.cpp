@@ -2,6 +2,7 @@
 
 #include "zelvar/base/Translation.h"
 #include "zelvar/opends/DataSourceList.h"
+#include "zelvar/opends/RowDrag.h"
 #include "zelvar/opends/TextQuestion.h"
 #include "zelvar/platform/ui/ModalLoop.h"
 #include "zelvar/platform/ui/Text.h"
@@ -14,6 +15,15 @@
 #include <utility>
 
 namespace zelvar {
+
+namespace {
+
+/// Null for a row that is none.
+RefItemPtr<FavoriteItem> FavoriteAt(DataSourceList const &list, int row) {
+    return RefItemPtr<FavoriteItem>(dynamic_cast<FavoriteItem *>(list.ItemAt(row).get()));
+}
+
+} // namespace
 
 /// A line of the menu, and its key.
 struct FavoriteRows::Entry {
@@ -46,7 +56,10 @@ std::vector<FavoriteRows::Entry> const &FavoriteRows::Entries() {
 }
 
 FavoriteRows::FavoriteRows(DataSourceList &list, FavoriteActions actions)
-    : m_list(list), m_actions(std::move(actions)) {}
+    : m_list(list), m_actions(std::move(actions)),
+      m_drag(std::make_unique<RowDrag>(
+          list, RowDrag::Rule{.isMovable = [this](int row) { return FavoriteAt(m_list, row) != nullptr; },
+                              .drop = [this](int row, int beside, bool behind) { Drop(row, beside, behind); }})) {}
 
 FavoriteRows::~FavoriteRows() = default;
 
@@ -68,8 +81,7 @@ std::vector<RefItemPtr<FavoriteItem>> FavoriteRows::Items() {
 }
 
 RefItemPtr<FavoriteItem> FavoriteRows::Selected() const {
-    RefItemPtr<DataSourceItem> const item = m_list.ItemAt(m_list.GetNextItem(-1, LVNI_SELECTED));
-    return RefItemPtr<FavoriteItem>(dynamic_cast<FavoriteItem *>(item.get()));
+    return FavoriteAt(m_list, m_list.GetNextItem(-1, LVNI_SELECTED));
 }
 
 bool FavoriteRows::RunMenu(QPoint screenPoint) {
@@ -164,6 +176,28 @@ void FavoriteRows::Move(Favorite const &favorite, bool down) {
 void FavoriteRows::MoveBefore(Favorite const &favorite, std::optional<Favorite> const &next) {
     FavoriteBook::MoveBefore(favorite, next);
     m_list.ListFavoritesAgain();
+}
+
+/// Among the favourites of another heading it becomes one of them.
+void FavoriteRows::Drop(int row, int beside, bool behind) {
+    RefItemPtr<FavoriteItem> const item = FavoriteAt(m_list, row);
+    RefItemPtr<FavoriteItem> const mark = FavoriteAt(m_list, beside);
+    if (item == nullptr || mark == nullptr || item == mark)
+        return;
+    Favorite const favorite = item->Entry();
+    Favorite const place = mark->Entry();
+    std::optional<Favorite> next;
+    if (!behind)
+        next = place;
+    bool isPassed = false;
+    for (RefItemPtr<FavoriteItem> const &other : m_items) {
+        if (behind && isPassed && !next && other->Entry().group == place.group && other != item)
+            next = other->Entry();
+        isPassed = isPassed || other == mark;
+    }
+    if (!next && place.group != favorite.group && place.ofProject == favorite.ofProject)
+        FavoriteBook::Change(favorite, favorite.name, place.group);
+    MoveBefore(favorite, next);
 }
 
 void FavoriteRows::Remove(Favorite const &favorite) {

@@ -5,6 +5,7 @@
 #include <QtCore/QObject>
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -14,6 +15,7 @@ class QPoint;
 namespace zelvar {
 
 class DataSourceList;
+class RowDrag;
 
 /// What the dialog does about a favourite.
 struct FavoriteActions {
@@ -51,11 +53,13 @@ private:
     void Rename(Favorite const &favorite);
     void ChangeGroup(Favorite const &favorite);
     void Move(Favorite const &favorite, bool down);
+    void Drop(int row, int beside, bool behind);
     void Remove(Favorite const &favorite);
 
     DataSourceList &m_list;
     FavoriteActions m_actions;
     std::vector<RefItemPtr<FavoriteItem>> m_items; ///< as they were listed last
+    std::unique_ptr<RowDrag> m_drag;
 };
 
 } // namespace zelvar

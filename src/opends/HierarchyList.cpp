@@ -71,6 +71,12 @@ void HierarchyList::SetFoldingRule(FoldingRule const &rule) {
         GetPane(pane)->SetFoldingRule(rule);
 }
 
+void HierarchyList::ShowKinds() {
+    m_showsKinds = true;
+    for (int pane = 0; pane < GetPaneCount(); ++pane)
+        GetPane(pane)->ShowKinds();
+}
+
 DSListCtrl *HierarchyList::GetPane(int pane) { return qobject_cast<DSListCtrl *>(m_splitter->GetPane(0, pane)); }
 DSListCtrl const *HierarchyList::GetPane(int pane) const {
     return qobject_cast<DSListCtrl const *>(m_splitter->GetPane(0, pane));
@@ -160,6 +166,8 @@ QWidget *HierarchyList::CreateViewObj(DSplitterWnd *, int, int, PaneClass const 
     auto *list = new DSListCtrl;
     list->SetCoordinator(this);
     list->SetFoldingRule(m_foldingRule);
+    if (m_showsKinds)
+        list->ShowKinds();
     list->installEventFilter(this);
     return list;
 }

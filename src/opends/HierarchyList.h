@@ -32,8 +32,9 @@ public:
     /// 0 for none.
     void SetRootChangeMessage(platform::MessageId message) { m_rootChangeMessage = message; }
 
-    /// For all panes, see `DSListCtrl`.
+    // For all panes, see `DSListCtrl`.
     void SetFoldingRule(FoldingRule const &rule);
+    void ShowKinds();
     [[nodiscard]] DSListCtrl *GetPane(int pane);
     [[nodiscard]] DSListCtrl const *GetPane(int pane) const;
     [[nodiscard]] int GetPaneCount() const { return m_splitter->GetColumnCount(); }
@@ -82,6 +83,7 @@ private:
     QPointer<QObject> m_coordinator;
     platform::MessageId m_rootChangeMessage = 0;
     FoldingRule m_foldingRule;
+    bool m_showsKinds = false;
 };
 
 } // namespace zelvar

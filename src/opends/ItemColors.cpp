@@ -1,6 +1,7 @@
 #include "zelvar/opends/ItemColors.h"
 
 #include "zelvar/model/DataSourceItem.h"
+#include "zelvar/opends/KindPicture.h"
 #include "zelvar/platform/ui/PaletteColors.h"
 #include "zelvar/platform/ui/SystemColor.h"
 #include "zelvar/views/ReportPainter.h"
@@ -22,6 +23,13 @@ ItemColors ItemColorsOf(bool selected, bool listHasFocus) {
 void DrawItemPicture(QPainter &painter, Rect const &row, DataSourceItem const &item) {
     if (item.GetImageList() != nullptr && item.GetIconIndex() >= 0)
         DrawListPicture(painter, {row.left, row.top}, item.GetImageList(), item.GetIconIndex(), false);
+}
+
+void DrawItemOrKindPicture(QPainter &painter, Rect const &row, DataSourceItem const &item) {
+    if (KindPicture const picture = PictureOfKind(item); picture.list != nullptr)
+        DrawListPicture(painter, {row.left, row.top}, picture.list, picture.index, false);
+    else
+        DrawItemPicture(painter, row, item);
 }
 
 } // namespace zelvar

@@ -23,5 +23,7 @@ struct ItemColors {
 
 /// The item's picture at the top left corner of the row; an item without one draws nothing.
 void DrawItemPicture(QPainter &painter, Rect const &row, DataSourceItem const &item);
+/// The same; what has no picture of its own gets that of its kind, if it is on a server.
+void DrawItemOrKindPicture(QPainter &painter, Rect const &row, DataSourceItem const &item);
 
 } // namespace zelvar

@@ -10,7 +10,7 @@ enum OpenFeatures : unsigned {
     kOpenOptions = 4,      ///< an option page made from what the driver says, where none is installed
     kOpenPreviewBar = 8,   ///< which channel, slice and frame the preview shows
     kOpenSeries = 16,      ///< with data sets: numbered files have one row, unless the user unfolds them
-    kOpenConnections = 32, ///< connections can be made and changed in the list of data sources
+    kOpenConnections = 32, ///< connections can be made and changed in the list of data sources; pictures of nodes
     kOpenSearch = 64,      ///< a search below the place that is shown, by name and by what images hold
     kOpenThumbnails = 128, ///< the list of items can show thumbnails in place of rows
     kOpenBasket = 256,     ///< where several items can be picked: a basket that gathers them across folders

@@ -1,5 +1,6 @@
 #include "zelvar/opends/PlaceNotice.h"
 
+#include "zelvar/opends/WrapLayout.h"
 #include "zelvar/platform/ui/Text.h"
 
 #include <QtCore/QEvent>
@@ -10,8 +11,15 @@
 
 namespace zelvar {
 
+namespace {
+
+constexpr int kSpacing = 6; // pixels between buttons
+
+} // namespace
+
 PlaceNotice::PlaceNotice(QAbstractScrollArea &list)
-    : QWidget(&list), m_list(list), m_label(new QLabel(this)), m_button(new QPushButton(this)) {
+    : QWidget(&list), m_list(list), m_label(new QLabel(this)), m_button(new QPushButton(this)),
+      m_offer(new QPushButton(this)) {
     setObjectName("placeNotice");
     setAutoFillBackground(true);
     setBackgroundRole(QPalette::Base);
@@ -20,14 +28,23 @@ PlaceNotice::PlaceNotice(QAbstractScrollArea &list)
     m_label->setWordWrap(true);
     m_label->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     m_label->setFocusPolicy(Qt::ClickFocus);
-    m_button->setAutoDefault(false);
+    for (QPushButton *const button : {m_button, m_offer})
+        button->setAutoDefault(false);
+    m_offer->hide();
+    auto *const buttons = new WrapLayout(kSpacing);
+    buttons->addWidget(m_offer);
+    buttons->addWidget(m_button);
     auto *const column = new QVBoxLayout(this);
     column->addWidget(m_label);
-    column->addWidget(m_button, 0, Qt::AlignLeft);
+    column->addLayout(buttons);
     column->addStretch(1);
     connect(m_button, &QPushButton::clicked, this, [this] {
         if (m_onButton)
             m_onButton();
+    });
+    connect(m_offer, &QPushButton::clicked, this, [this] {
+        if (m_onOffer)
+            m_onOffer();
     });
     list.viewport()->installEventFilter(this);
     hide();
@@ -50,6 +67,15 @@ void PlaceNotice::Show(DString const &words, DString const &button, int top) {
     show();
     raise();
     layout()->activate(); // the height of the words depends on the width
+}
+
+void PlaceNotice::Offer(DString const &text) {
+    QString const shown = platform::ToQString(text);
+    if (m_offer->isHidden() != shown.isEmpty() || m_offer->text() != shown) {
+        m_offer->setText(shown);
+        m_offer->setVisible(!shown.isEmpty());
+        layout()->activate();
+    }
 }
 
 void PlaceNotice::Place() {

@@ -24,8 +24,12 @@ public:
     void Show(DString const &words, DString const &button, int top);
     /// Told when the button is pressed.
     void SetHandler(std::function<void()> handler) { m_onButton = std::move(handler); }
+    /// Shows a second button beside it, for what would remove the cause; none with an empty text.
+    void Offer(DString const &text);
+    void SetOfferHandler(std::function<void()> handler) { m_onOffer = std::move(handler); }
     [[nodiscard]] QLabel *Label() const { return m_label; }
     [[nodiscard]] QPushButton *Button() const { return m_button; }
+    [[nodiscard]] QPushButton *OfferButton() const { return m_offer; }
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
@@ -36,7 +40,9 @@ private:
     QAbstractScrollArea &m_list;
     QLabel *m_label; ///< children
     QPushButton *m_button;
+    QPushButton *m_offer;
     std::function<void()> m_onButton;
+    std::function<void()> m_onOffer;
     int m_top = 0;
 };
 

@@ -3,12 +3,15 @@
 #include "zelvar/base/Redaction.h"
 #include "zelvar/base/Translation.h"
 #include "zelvar/base/TypedSecrets.h"
+#include "zelvar/connections/ConnectionBook.h"
+#include "zelvar/connections/ConnectionFiles.h"
 #include "zelvar/model/OpenOutcome.h"
 #include "zelvar/opends/DSListCtrl.h"
 #include "zelvar/opends/DataSourceList.h"
 #include "zelvar/opends/HierarchyList.h"
 #include "zelvar/opends/PlaceNotice.h"
 #include "zelvar/opends/PlaceOpener.h"
+#include "zelvar/opends/connections/Errand.h"
 
 #include <utility>
 
@@ -21,7 +24,8 @@ DString FaultInWords(DString const &name, DError const &error) {
     DString text = Format(Translated("%s cannot be opened: %s"), name.c_str(), CauseInWords(error).c_str());
     if (DString const remedy = RemedyInWords(error); !remedy.empty())
         text += "; " + remedy;
-    return text.find(error.Text()) == DString::npos ? text + "\n\n" + error.Text() : text;
+    bool const isTold = text.find(error.Text()) != DString::npos || HostSentOnTo(error.Text());
+    return !isTold ? text + "\n\n" + error.Text() : text;
 }
 
 DString NameOf(DataSourceItem const &item) {
@@ -37,20 +41,31 @@ TemplDataSourceItem const *OnServer(RefItemPtr<DataSourceItem> const &item) {
 } // namespace
 
 platform::MessageId const ServerWaits::kFoundMessage = platform::RegisterMessage();
+platform::MessageId const ServerWaits::kAllowedMessage = platform::RegisterMessage();
+
+/// The change of a definition, on a thread of its own.
+struct ServerWaits::Allowing {
+    std::shared_ptr<Errand> errand;
+    std::shared_ptr<Handover<ConnectionChange>> result = std::make_shared<Handover<ConnectionChange>>();
+};
 
 ServerWaits::ServerWaits(Panes const &panes, Actions actions, bool hasNotice)
     : m_panes(panes), m_actions(std::move(actions)), m_target(this), m_opener(PlaceOpener::Create()) {
     m_messages.On(kFoundMessage, this, &ServerWaits::OnFound);
+    m_messages.On(kAllowedMessage, this, &ServerWaits::OnAllowed);
     m_opener->SetOwner(m_target, kFoundMessage);
     if (!hasNotice)
         return;
     m_notice = new PlaceNotice(m_panes.items);
     m_notice->SetHandler([this] { std::ignore = IsWaiting() ? Stop() : Retry(); });
+    m_notice->SetOfferHandler([this] { Allow(); });
 }
 
 ServerWaits::~ServerWaits() {
     m_target.Detach();
     m_opener->Release();
+    if (m_allowing != nullptr)
+        m_allowing->errand->Release(); // what it has begun it ends
 }
 
 bool ServerWaits::event(QEvent *event) { return m_messages.Dispatch(*event) || QObject::event(event); }
@@ -176,8 +191,12 @@ ServerWaits::State ServerWaits::Waiting() const {
 }
 
 ServerWaits::State ServerWaits::Failed() const {
-    if (m_failure.IsSet())
-        return {.words = FaultInWords(m_place, m_failure)};
+    if (m_failure.IsSet()) {
+        auto const *const tree = dynamic_cast<TemplDataSourceItem const *>(m_shown.get());
+        return {.words = FaultInWords(m_place, m_failure),
+                .failure = m_failure,
+                .place = tree == nullptr ? m_place : tree->GetSource()};
+    }
     if (HasRows() || m_panes.items.IsShowingResults())
         return {};
     DSListCtrl::ItemList roots;
@@ -186,7 +205,51 @@ ServerWaits::State ServerWaits::Failed() const {
         return {.words = Translated("Stopped.")};
     TemplDataSourceItem const *const root = roots.size() == 1 ? OnServer(roots.front()) : nullptr;
     DError const failure = root == nullptr ? DError() : root->GetFailure();
-    return failure.IsSet() ? State{.words = FaultInWords(NameOf(*root), failure)} : State();
+    return failure.IsSet()
+               ? State{.words = FaultInWords(NameOf(*root), failure), .failure = failure, .place = root->GetSource()}
+               : State();
+}
+
+// --------------------------------------------------------------------------------------- what the user can allow
+
+ServerWaits::Offer ServerWaits::OfferFor(State const &state) {
+    std::optional<HostAndPort> host =
+        state.failure.Why() == DError::Cause::Refused ? HostSentOnTo(state.failure.Text()) : std::nullopt;
+    if (!host)
+        return {};
+    // A connection is named by "source:NAME", too.
+    constexpr std::string_view kByName = "source:";
+    std::shared_ptr<ConnectionBook const> const book = ConnectionBook::Now();
+    ConnectionBook::Entry const *const entry = state.place.starts_with(kByName)
+                                                   ? book->Find(state.place.substr(kByName.size()))
+                                                   : book->FindByAddress(state.place);
+    return entry == nullptr ? Offer() : Offer{.connection = entry->connection.name, .host = *std::move(host)};
+}
+
+void ServerWaits::Allow() {
+    if (m_offer.connection.empty() || m_allowing != nullptr)
+        return;
+    auto allowing = std::make_unique<Allowing>();
+    allowing->errand = Errand::Start([offer = m_offer, result = allowing->result](
+                                         StopSignal const &) { result->Put(AllowHost(offer.connection, offer.host)); },
+                                     m_target, kAllowedMessage);
+    if (allowing->errand == nullptr)
+        return Report::UserNotification("There is no thread for it now. Try again.");
+    m_allowing = std::move(allowing);
+    Update();
+}
+
+void ServerWaits::OnAllowed() {
+    if (m_allowing == nullptr || m_allowing->errand->IsAtWork())
+        return;
+    std::unique_ptr<Allowing> const done = std::move(m_allowing);
+    done->errand->Release();
+    for (ConnectionChange const &change : done->result->TakeAll())
+        if (!change.isDone)
+            Report::UserNotification("The connections stay as they are: %s", change.words.c_str());
+        else
+            std::ignore = Retry();
+    Update();
 }
 
 void ServerWaits::ShowBusy(bool isBusy) {
@@ -214,6 +277,10 @@ void ServerWaits::Update() {
         Rect const row = m_panes.items.GetItemRect(0);
         top = row.bottom;
     }
+    // Whoever cannot make connections cannot change them here either.
+    m_offer = m_panes.sources.Connections() == nullptr || isWaiting ? Offer() : OfferFor(state);
+    bool const isOffered = !m_offer.connection.empty() && m_allowing == nullptr;
+    m_notice->Offer(isOffered ? Format(Translated("Allow %s"), TextOf(m_offer.host).c_str()) : DString());
     m_notice->Show(Redacted(state.words), button, top);
 }
 

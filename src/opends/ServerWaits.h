@@ -2,6 +2,7 @@
 
 #include "zelvar/base/Export.h"
 #include "zelvar/base/Report.h"
+#include "zelvar/data/Connection.h"
 #include "zelvar/model/DataSourceItem.h"
 #include "zelvar/platform/ui/MessageTarget.h"
 #include "zelvar/platform/ui/WindowMessage.h"
@@ -62,10 +63,21 @@ protected:
 
 private:
     static const platform::MessageId kFoundMessage;
+    static const platform::MessageId kAllowedMessage;
     struct State {
         DString words{};
         bool isWaiting = false;
+        DError failure{}; ///< of a server
+        DString place{};  ///< whose it is: an address
     };
+    /// A host that a connection of the user would have to reach as well.
+    struct Offer {
+        DString connection{}; ///< its name; empty for no offer
+        HostAndPort host{};
+    };
+    [[nodiscard]] static Offer OfferFor(State const &state);
+    void Allow();
+    void OnAllowed();
     void OnFound();
     void ShowBusy(bool isBusy);
     [[nodiscard]] State Waiting() const;
@@ -81,6 +93,9 @@ private:
     RefItemPtr<DataSourceItem> m_shown; ///< a connection that is opened to be shown; null for a place
     DString m_place;                    ///< that was looked for last; empty once it is there
     DError m_failure;                   ///< why that is not
+    Offer m_offer;                      ///< as the notice shows it
+    struct Allowing;
+    std::unique_ptr<Allowing> m_allowing; ///< a definition that is being changed; null for none
     bool m_reports = false;
     bool m_isStopped = false; ///< by the user, while the list had these roots
     std::list<RefItemPtr<DataSourceItem>> m_stoppedRoots;

@@ -1,6 +1,7 @@
 #include "zelvar/data/ReaderDuty.h"
 #include "zelvar/data/wire/ConnectionOrder.h"
 #include "zelvar/data/wire/ReaderStatus.h"
+#include "zelvar/reader/AcceptedCertificate.h"
 #include "zelvar/reader/BrokerClient.h"
 #include "zelvar/reader/Confinement.h"
 #include "zelvar/reader/DatabaseEnvironment.h"
@@ -128,6 +129,8 @@ ReaderDuty DutyOf(Order &order) {
     FileDescriptor password(-1);
     if (order.reach == Reach::Connection) {
         keep.push_back(order.broker);
+        if (int const certificate = AcceptedCertificate::Prepare(*duty.connection); certificate >= 0)
+            keep.push_back(certificate);
         password = TellOfDatabase(*duty.connection);
         if (password.IsOpen())
             keep.push_back(password.Get());

@@ -54,8 +54,9 @@ std::vector<DString> PlacesToRead(ConnectionTerms const &terms, std::vector<DStr
     for (DString const &module : modules)
         places.emplace_back(ParentPathOf(module));
     AddNamed(kVariables, places);
-    if (auto const ca = terms.options.find("ca"); ca != terms.options.end())
-        places.push_back(ca->second);
+    for (char const *const certificates : {"ca", "authorities"})
+        if (auto const file = terms.options.find(certificates); file != terms.options.end())
+            places.push_back(file->second);
     char const *const home = std::getenv("HOME");
     auto const addOfHome = [&](std::initializer_list<char const *> names) {
         for (char const *name : names)

@@ -1,5 +1,9 @@
 #include "zelvar/reader/RequestHandler.h"
 
+#include "zelvar/data/ReaderDuty.h"
+#include "zelvar/reader/AcceptedCertificate.h"
+#include "zelvar/reader/TlsGreeting.h"
+
 #include <utility>
 
 namespace zelvar::reader {
@@ -66,13 +70,34 @@ DString const *RequestHandler::FileOf(wire::RequestBodyUnion const &body) {
     }
 }
 
+Answer RequestHandler::ReadCertificate() const {
+    ReaderDuty const *const duty = OwnDuty();
+    DError error;
+    error.Set("there is no server");
+    std::optional<ShownCertificate> const shown =
+        duty == nullptr || !duty->connection ? std::nullopt : GreetServer(*duty->connection, m_stop, error);
+    if (!shown)
+        return Failure(error);
+    wire::CertificateReadT read;
+    read.issuer = shown->facts.issuer;
+    read.fingerprint = shown->facts.fingerprint;
+    read.fault = static_cast<std::uint32_t>(shown->facts.fault);
+    return Say(std::move(read));
+}
+
 std::optional<Answer> RequestHandler::Handle(wire::RequestBodyUnion const &body, std::unique_ptr<FileDescriptor> file) {
     if (body.value == nullptr)
         return Failure(kIncomplete);
     bool const usesMemory = body.type == Kind::ReadPixels || body.type == Kind::SortRows;
     if (file != nullptr && usesMemory) // in place of the former memory, even if it is none
         m_images.SetPixels(wire::SharedMemory::Map(file->Release()));
+    bool const mayAskServer = FileOf(body) != nullptr || body.type == Kind::ProbeFiles || body.type == Kind::FindOwned;
+    if (mayAskServer)
+        if (DError const error = AcceptedCertificate::Ensure(m_stop); error.IsSet())
+            return Failure(error);
     switch (body.type) {
+    case Kind::ReadCertificate:
+        return ReadCertificate();
     case Kind::ListDrivers:
         return ProbeRequests::ListDrivers();
     case Kind::ProbeTrees:

@@ -20,7 +20,7 @@ public:
     /// `stop` is set from any thread when the request under way should end; it outlives this.
     /// So does `progress`, which is told how far a long request has come; null for nobody who wants to know.
     explicit RequestHandler(StopSignal const &stop, TableRequests::Progress *progress = nullptr)
-        : m_probes(stop), m_trees(stop), m_images(stop), m_tables(stop, progress) {}
+        : m_stop(stop), m_probes(stop), m_trees(stop), m_images(stop), m_tables(stop, progress) {}
 
     /// `file` came with the request; null for none. Nothing is yielded for requests that are not answered. Throws what
     /// drivers throw.
@@ -30,6 +30,9 @@ public:
     [[nodiscard]] static DString const *FileOf(wire::RequestBodyUnion const &body);
 
 private:
+    [[nodiscard]] Answer ReadCertificate() const;
+
+    StopSignal const &m_stop;
     ProbeRequests m_probes;
     TreeRequests m_trees;
     ImageRequests m_images;

@@ -1,6 +1,7 @@
 #include "zelvar/connections/ConnectionDraft.h"
 
 #include "support/Test.h"
+#include "zelvar/base/Hex.h"
 #include "zelvar/connections/ConnectionSaving.h"
 #include "zelvar/connections/ListingWords.h"
 
@@ -101,6 +102,13 @@ TEST(ListingWords, TellWhichStepFailedAndWhatToDo) {
                           .fields = {{"host", "h"}, {"user", "ann"}, {"sslmode", "require"}},
                           .secret = SecretPlace::Ask};
     ListedConnection const full{.folders = 1, .images = 2, .first = "a", .firstWords = "It is a."};
+    using Fault = ServerCertificate::Fault;
+    DString const print = FingerprintOf(DString(32, 'f'));
+    auto const shown = [](ServerCertificate certificate) {
+        return ListedConnection{.failure = Because(Cause::Untrusted), .certificate = std::move(certificate)};
+    };
+    Connection accepting = web;
+    accepting.fields["fingerprint"] = HexEncode(DString(32, 'o')); // as somebody types it
     for (auto const &[connection, listed, told] : test::Rows<Connection, ListedConnection, DString>{
              {web, full,
               "encryption+ The server's certificate is trusted.|login+ The server takes the login of ann.|"
@@ -113,6 +121,24 @@ TEST(ListingWords, TellWhichStepFailedAndWhatToDo) {
              {web,
               {.failure = Because(Cause::Untrusted)},
               "encryption- The certificate of h is not trusted. Name the file of its authority's certificates.|"},
+             {web, shown({"Lab", print, Fault::None}),
+              "encryption- The certificate of h is not trusted (issuer Lab). Name the file of its authority's "
+              "certificates, or accept this certificate: " +
+                  print + ".|accept " + print + "|"},
+             {web, shown({"", print, Fault::Expired}),
+              "encryption- The certificate of h has expired (issuer ?, " + print + ").|"},
+             {web, shown({"Lab", print, Fault::OtherName}),
+              "encryption- The certificate of h is that of another server (issuer Lab, " + print +
+                  "). Name the server as its certificate does.|"},
+             {accepting, shown({"Lab", print, Fault::None}),
+              "encryption- The certificate of h is not the one that was accepted (issuer Lab). If it was renewed by "
+              "those whose server it is, accept this certificate: " +
+                  print + ".|accept " + print + "|"},
+             {accepting, shown({"Lab", FingerprintOf(DString(32, 'o')), Fault::None}),
+              "encryption- The certificate of h is not trusted. Name the file of its authority's certificates.|"},
+             {accepting, full,
+              "encryption+ The server's certificate is the one that was accepted.|login+ The server takes the login of "
+              "ann.|listing+ Works: 1 folder, 2 images.|first item+ It is a.|"},
              {web,
               {.failure = Because(Cause::Server, 401)},
               "encryption+ The server's certificate is trusted.|login- The server does not know user ann or the "
@@ -125,8 +151,9 @@ TEST(ListingWords, TellWhichStepFailedAndWhatToDo) {
               {.failure = Because(Cause::Server, 403)},
               "listing- The server does not let this login list it (403).|"},
              {open,
-              {.failure = Because(Cause::Refused, -1, "it leads to cdn.lab:443, which is no host of its connection")},
-              "listing- The server sends on to cdn.lab:443. If that is right, name it among the hosts also allowed.|"},
+              {.failure = Because(Cause::Refused, -1, "\"h\": " + SendsOnText({"cdn.lab", 443}))},
+              "listing- The server sends on to cdn.lab:443. If that is right, name it among the hosts also allowed.|"
+              "allow cdn.lab:443|"},
              {web,
               {.failure = Because(Cause::NoAnswer)},
               "listing- It cannot be listed: its place does not answer; said.|"},
@@ -151,7 +178,8 @@ TEST(ListingWords, TellWhichStepFailedAndWhatToDo) {
         DString text;
         for (TrialResult const &result : ListingInSteps(connection, listed))
             text += DString(TrialStepInWords(result.step)) + "+-!"[static_cast<int>(result.state)] + " " +
-                    result.words + "|";
+                    result.words + "|" + (result.accepts.empty() ? "" : "accept " + result.accepts + "|") +
+                    (result.allows ? "allow " + TextOf(*result.allows) + "|" : "");
         EXPECT_EQ(text, told);
     }
 }

@@ -1,6 +1,8 @@
 #include "zelvar/data/Connection.h"
 
 #include "support/Test.h"
+#include "zelvar/base/Hex.h"
+#include "zelvar/data/ServerCertificate.h"
 
 namespace zelvar {
 namespace {
@@ -63,6 +65,38 @@ TEST(Connection, OnlyHostsOfTheTermsMayBeReached) {
                                      {"", 7},
                                      {"", 0}})
         EXPECT_FALSE(MayReach(terms, host, static_cast<std::uint16_t>(port))) << host;
+}
+
+TEST(Connection, AHostThatAServerSendsOnToIsToldAndFoundInWhatIsTold) {
+    for (auto const &[place, found] : test::Rows<HostAndPort, bool>{{{"cdn.lab", 443}, true},
+                                                                    {{"::1", 81}, true},
+                                                                    {{"cdn.lab", 0}, true},
+                                                                    {{"*.lab", 443}, false},
+                                                                    {{"a b", 1}, false},
+                                                                    {{"x,y.lab", 1}, false}})
+        EXPECT_EQ(HostSentOnTo("\"http://h\": " + SendsOnText(place) + " (7)"),
+                  found ? std::optional(place) : std::nullopt)
+            << place.host;
+    EXPECT_FALSE(HostSentOnTo("the server sends on to cdn.lab"));
+}
+
+TEST(Connection, AFingerprintIsKnownHoweverItIsTyped) {
+    DString const bytes("\x01\xAB 0123456789012345678901234567", 32);
+    DString const text = FingerprintOf(bytes);
+    DString const hex = HexEncode(bytes);
+    EXPECT_TRUE(text.starts_with("SHA256:01:AB:20:30")) << text;
+    for (auto const &[typed, isKnown] :
+         test::Rows<DString, bool>{{text, true},
+                                   {hex, true},
+                                   {" sha256:" + hex + " ", true},
+                                   {hex.substr(0, 2) + ":\xE2\x80\x8B" + hex.substr(2), true},
+                                   {"sha256 Fingerprint=" + text.substr(7), true},
+                                   {hex + "00", false},
+                                   {hex.substr(2), false},
+                                   {"SHA1:" + hex, false},
+                                   {hex.substr(1) + "g", false},
+                                   {"", false}})
+        EXPECT_EQ(FingerprintIn(typed), isKnown ? std::optional(text) : std::nullopt) << typed;
 }
 
 TEST(Connection, WhatTheFinderKnowsComesFirst) {

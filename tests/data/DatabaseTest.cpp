@@ -4,6 +4,7 @@
 #include "support/PostgresServer.h"
 #include "support/TablesTest.h"
 #include "zelvar/data/Connection.h"
+#include "zelvar/data/ServerCertificate.h"
 #include "zelvar/data/reader/DriverModule.h"
 
 namespace zelvar {
@@ -231,6 +232,28 @@ TEST_F(EncryptedDatabase, TheCertificateIsCheckedThroughTheApplicationsSocket) {
     EXPECT_THAT(Read(m_address + "/s/v"), ElementsAre("ssl:" + std::to_string(ADICol_Int), "1"));
     Connect({{"sslmode", "verify-full"}, {"ca", m_server.Authority()}}); // it is no certificate of 127.0.0.1
     EXPECT_EQ(ErrorOf(m_address).Why(), DError::Cause::Untrusted);
+}
+
+TEST_F(EncryptedDatabase, ACertificateThatWasAcceptedIsTrustedAndNoOther) {
+    Run("create schema s; create view s.v as select ssl from pg_stat_ssl where pid = pg_backend_pid()");
+    std::map<DString, DString> options{{"sslmode", "verify-ca"},
+                                       {"server", "127.0.0.1:" + std::to_string(m_server.Port())}};
+    Connect(options);
+    EXPECT_EQ(ErrorOf(m_address).Why(), DError::Cause::Untrusted);
+    std::optional<ServerCertificate> const shown = ReadServerCertificate(m_address);
+    ASSERT_TRUE(shown);
+    EXPECT_EQ(shown->issuer, "Lab CA");
+    EXPECT_TRUE(shown->fault == ServerCertificate::Fault::None) << "names are not looked at";
+    options["fingerprint"] = shown->fingerprint;
+    Connect(options);
+    EXPECT_THAT(Read(m_address + "/s/v"), ElementsAre("ssl:" + std::to_string(ADICol_Int), "1"));
+    options["sslmode"] = "verify-full";
+    Connect(options);
+    EXPECT_EQ(ErrorOf(m_address).Why(), DError::Cause::Untrusted) << "here they are";
+    options["sslmode"] = "verify-ca";
+    options["fingerprint"] = FingerprintOf(DString(32, 'x'));
+    Connect(options);
+    EXPECT_THAT(ErrorOf(m_address).Text(), HasSubstr("is not the one that was accepted"));
 }
 
 TEST_F(TablesTest, AnOdbcSourceIsListedAndRead) {

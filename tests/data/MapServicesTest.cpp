@@ -6,6 +6,7 @@
 #include "zelvar/data/Connection.h"
 #include "zelvar/data/ImageReader.h"
 #include "zelvar/data/OpenImage.h"
+#include "zelvar/data/ServerCertificate.h"
 #include "zelvar/data/gdal/services/Capabilities.h"
 #include "zelvar/data/tables/ADIFile.h"
 
@@ -356,6 +357,52 @@ TEST_F(WebFolders, ATlsServerOfAPrivateAuthorityWithALogin) {
     ImageInfo info;
     EXPECT_TRUE(ReadImageInfo({url + "/private/x%201%252.tif", nullptr}, "", nullptr, info));
     EXPECT_EQ(info.width, 30);
+}
+
+TEST_F(WebFolders, ACertificateThatWasAcceptedIsTrustedAndNoOther) {
+    using Fault = ServerCertificate::Fault;
+    test::WebServer server;
+    ASSERT_TRUE(server.StartTls());
+    test::WriteImage(server.Folder() / "files/x.tif", {.width = 30});
+    DString const url = "https://" + server.Place();
+    DString const byName = "https://localhost" + server.Place().substr(server.Place().find(':'));
+    auto const allow = [&](DString const &place, DString const &accepted = {}) {
+        std::map<DString, DString> options{{"server", place}};
+        if (!accepted.empty())
+            options["fingerprint"] = accepted;
+        Allow(ConnectionKind::WebFolder, {place}, options);
+    };
+    allow(server.Place());
+    std::optional<ServerCertificate> const shown = ReadServerCertificate(url);
+    ASSERT_TRUE(shown);
+    EXPECT_EQ(shown->issuer, "Lab CA");
+    EXPECT_TRUE(shown->fault == Fault::None);
+    EXPECT_EQ(shown->fingerprint, FingerprintIn(server.Fingerprint()));
+    allow(server.Place(), shown->fingerprint);
+    EXPECT_EQ(NamesIn(url + "/open/"), Names{"x.tif:2"});
+    ImageInfo info;
+    EXPECT_TRUE(ReadImageInfo({url + "/open/x.tif", nullptr}, "", nullptr, info)) << "by another way to its server";
+    server.Folder().Write("files/maps",
+                          "<WMS_Capabilities version=\"1.3.0\"><Capability><Layer><Layer><Name>a</Name></Layer>"
+                          "</Layer></Capability></WMS_Capabilities>");
+    DString const maps = "wms+" + url + "/open/maps";
+    Allow(ConnectionKind::MapService, {server.Place()}, {{"server", server.Place()}});
+    EXPECT_EQ(WhyNotListed(maps).Why(), Untrusted);
+    Allow(ConnectionKind::MapService, {server.Place()},
+          {{"server", server.Place()}, {"fingerprint", shown->fingerprint}});
+    EXPECT_EQ(NamesIn(maps), Names{"a:2"});
+    allow(byName.substr(8), shown->fingerprint);
+    EXPECT_EQ(WhyNotListed(byName + "/open/").Why(), Untrusted) << "it is not the certificate of that name";
+    std::optional<ServerCertificate> const other = ReadServerCertificate(byName);
+    EXPECT_TRUE(other && other->fault == Fault::OtherName);
+
+    ASSERT_TRUE(server.RenewCertificate());
+    allow(server.Place(), shown->fingerprint);
+    DError const changed = WhyNotListed(url + "/open/");
+    EXPECT_EQ(changed.Why(), Untrusted);
+    EXPECT_TRUE(Says(changed, "is not the one that was accepted")) << changed.Text();
+    allow(server.Place(), server.Fingerprint());
+    EXPECT_EQ(NamesIn(url + "/open/"), Names{"x.tif:2"});
 }
 
 TEST_F(WebFolders, AWebDavServerTellsSizesAndTimes) {

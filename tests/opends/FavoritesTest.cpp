@@ -206,8 +206,29 @@ TEST_F(FavoritesInDialog, AreMadeNamedGroupedMovedAndRemoved) {
         press(Qt::Key_F2);
         EXPECT_TRUE(*unnamed);
         EXPECT_THAT(Shown(), ElementsAre("a", "b", "y.tif"));
+        FavoriteBook::Change(FavoriteBook::Read()[0], "", "G");
+        list.ListFavoritesAgain();
+        auto const drag = [&](char const *what, char const *to, double part) {
+            auto const at = [&](char const *text, double down) {
+                Rect const rect = list.GetItemRect(RowNamed(list, text));
+                return QPoint(rect.left + 40, rect.top + static_cast<int>(down * list.RowHeight()));
+            };
+            QTest::mousePress(list.viewport(), Qt::LeftButton, {}, at(what, 0.5));
+            QTest::mouseMove(list.viewport(), at(to, part) + QPoint(30, 0));
+            QTest::mouseMove(list.viewport(), at(to, part));
+            QTest::mouseRelease(list.viewport(), Qt::LeftButton, {}, at(to, part));
+        };
+        drag("y.tif", "b", 0.1);
+        EXPECT_THAT(Shown(), ElementsAre("G/a", "y.tif", "b"));
+        drag("y.tif", "a", 0.9);
+        EXPECT_THAT(Shown(), ElementsAre("G/a", "b", "G/y.tif")) << "of that heading now";
+        drag("a", "b", 0.9);
+        EXPECT_THAT(Shown(), ElementsAre("b", "G/y.tif", "a"));
+        FavoriteBook::Change(FavoriteBook::Read()[1], "", "");
+        list.ListFavoritesAgain();
+        ClickRow(list, "b");
         press(Qt::Key_Delete);
-        EXPECT_THAT(Shown(), ElementsAre("a", "y.tif"));
+        EXPECT_THAT(Shown(), ElementsAre("y.tif", "a"));
         EXPECT_THAT(Favorites::All(), ElementsAre(folder / "a"));
         EXPECT_EQ(RowNamed(list, "b"), -1);
     });

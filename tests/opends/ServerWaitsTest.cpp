@@ -5,6 +5,7 @@
 #include "support/OpenDialogHand.h"
 #include "support/RealDrivers.h"
 #include "support/Stopwatch.h"
+#include "zelvar/connections/ConnectionBook.h"
 #include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/data/RDIDriverMngr.h"
 #include "zelvar/data/reader/DriverModule.h"
@@ -188,6 +189,29 @@ TEST_F(ServerPlaces, AConnectionThatFailedIsTriedAgain) {
         EXPECT_FALSE(dialog->Waits()->Notice()->isVisible()) << "what was there is seen again";
         EXPECT_TRUE(dialog->isVisible());
     });
+}
+
+TEST_F(ServerPlaces, AHostThatAServerSendsOnToIsAllowedWhereTheRowsWouldStand) {
+    HttpServer elsewhere;
+    elsewhere.Serve("/lab/", "<title>Index of /lab/</title><a href=\"a.tif\">a.tif</a>", "text/html");
+    server.SendOn("/lab/", elsewhere.Url() + "/lab/");
+    DString const host = elsewhere.Url().substr(7);
+    UseDefinedConnections();
+    Run([&] {
+        ClickSource("Lab");
+        EXPECT_TRUE(Says("Lab cannot be opened: its server sends on to " + host + ", which", "Retry"));
+        QPushButton *const allow = dialog->Waits()->Notice()->OfferButton();
+        EXPECT_EQ(allow->text().toStdString(), "Allow " + host);
+        Shot(*dialog, "PlaceNotice-allow");
+        Click(allow);
+        EXPECT_TRUE(Eventually([&] { return RowOf(*dialog->MainList(), "a.tif") >= 0; }));
+        EXPECT_FALSE(allow->isVisible());
+        GoTo("http://127.0.0.1:" + std::to_string(elsewhere.Port()) + "/none/");
+        EXPECT_TRUE(Says("answered 404", "Retry"));
+        EXPECT_FALSE(allow->isVisible()) << "nothing would be gained";
+    });
+    SetConnectionFinder({});
+    EXPECT_THAT(ReadFile(definitions / "Lab.xml"), HasSubstr("allow=\"" + host + "\""));
 }
 
 TEST_F(ServerPlaces, ADialogThatBeginsAtAPlaceThatFailsSaysWhy) {

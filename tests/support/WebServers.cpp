@@ -124,14 +124,37 @@ LAYER NAME "plots" TYPE POLYGON STATUS ON CONNECTIONTYPE OGR CONNECTION "@T@/dat
     return true;
 }
 
+void WebServer::Play(std::string const &script) const {
+    std::string const whole = "cd '" + m_folder.Path() + "' && exec >said 2>&1 && " + script;
+    EXPECT_EQ(std::system(whole.c_str()), 0); // NOLINT(cert-env33-c,concurrency-mt-unsafe): a script is played
+}
+
+void WebServer::Certify() const {
+    Play("openssl req -newkey rsa:2048 -nodes -keyout k.pem -out c.csr -subj /CN=127.0.0.1 && echo "
+         "subjectAltName=IP:127.0.0.1 >ext && openssl x509 -req -in c.csr -CA ca.pem -CAkey ca.key -CAcreateserial "
+         "-days 2 -extfile ext -out c.pem");
+}
+
+std::string WebServer::Fingerprint() const {
+    Play("openssl x509 -in c.pem -noout -fingerprint -sha256");
+    return ReadFile(m_folder / "said");
+}
+
+bool WebServer::RenewCertificate() {
+    Certify();
+    kill(m_process, SIGKILL);
+    waitpid(m_process, nullptr, 0);
+    m_process = Run({"nginx", "-c", m_folder / "settings", "-p", m_folder.Path()}, m_folder / "run/said");
+    for (int status = 0; waitpid(m_process, &status, WNOHANG) == 0; std::this_thread::yield())
+        if (!platform::TryToConnect(Place(), 100))
+            return true;
+    m_process = -1;
+    return false;
+}
+
 bool WebServer::StartTls() {
-    std::string const make =
-        "cd '" + m_folder.Path() +
-        "' && exec >/dev/null 2>&1 && openssl req -x509 -newkey rsa:2048 -nodes -keyout ca.key -out ca.pem -subj "
-        "'/CN=Lab CA' -days 2 && openssl req -newkey rsa:2048 -nodes -keyout k.pem -out c.csr -subj /CN=127.0.0.1 && "
-        "echo subjectAltName=IP:127.0.0.1 >ext && openssl x509 -req -in c.csr -CA ca.pem -CAkey ca.key "
-        "-CAcreateserial -days 2 -extfile ext -out c.pem";
-    EXPECT_EQ(std::system(make.c_str()), 0); // NOLINT(cert-env33-c,concurrency-mt-unsafe): a script is played
+    Play("openssl req -x509 -newkey rsa:2048 -nodes -keyout ca.key -out ca.pem -subj '/CN=Lab CA' -days 2");
+    Certify();
     m_folder.Write("logins", "ann:{PLAIN}marker7secret\n");
     return Start({"nginx", "-c", m_folder / "settings", "-p", m_folder.Path()}, R"(
 daemon off; master_process off; pid @T@/run/pid; error_log @T@/run/errors; events { worker_connections 64; }

@@ -23,6 +23,10 @@ public:
     /// nginx with TLS, whose certificate a private authority has signed ("ca.pem"). It shows "files" as "open", as
     /// "private" for ann with the password "marker7secret", and nothing as "closed".
     [[nodiscard]] bool StartTls();
+    /// Begins anew with another certificate of the same authority.
+    [[nodiscard]] bool RenewCertificate();
+    /// That of the certificate, as openssl prints it.
+    [[nodiscard]] std::string Fingerprint() const;
     /// lighttpd as a WebDAV server of the folder "files", without a page for who asks for a list.
     [[nodiscard]] bool StartDav();
 
@@ -31,6 +35,8 @@ public:
     [[nodiscard]] std::vector<std::string> Requests() const;
 
 private:
+    void Play(std::string const &script) const; ///< in the folder
+    void Certify() const;
     TempFolder m_folder;
     int m_port = 0;
     pid_t m_process = -1;

@@ -45,7 +45,7 @@ DError ReasonOf(HostAndPort const &place, int error, milliseconds time) {
     case ENETUNREACH:
         return Because(name + " cannot be reached", Cause::NoAnswer);
     case EACCES:
-        return Because("the server sends on to " + name + ", which is no host of its connection", Cause::Refused);
+        return Because(SendsOnText(place), Cause::Refused);
     default:
         return Because(name + ": " + std::strerror(error), Cause::NoAnswer);
     }

@@ -12,6 +12,7 @@
 #include "zelvar/data/reader/OpenModule.h"
 #include "zelvar/data/reader/Places.h"
 #include "zelvar/data/reader/Readers.h"
+#include "zelvar/data/reader/RemoteCertificate.h"
 #include "zelvar/data/reader/RemoteOptions.h"
 #include "zelvar/data/reader/RemoteRasterDriver.h"
 #include "zelvar/data/reader/RemoteTableDriver.h"
@@ -85,6 +86,7 @@ void UseReaderDrivers(ReaderSettings const &settings) {
     ProbeAhead::SetHandlers(&kInReaders);
     SetPlaceCheck(&AsksPlaceInReader);
     SetOptionQuestions(&kOptionsInReaders);
+    SetCertificateQuestion(&CertificateByReader);
 }
 
 void UseOwnProcessDrivers() {
@@ -93,6 +95,7 @@ void UseOwnProcessDrivers() {
     ProbeAhead::SetHandlers(nullptr);
     SetPlaceCheck(nullptr);
     SetOptionQuestions(nullptr);
+    SetCertificateQuestion(nullptr);
 }
 
 void WarmReaders() {
@@ -105,6 +108,8 @@ void WarmReaders() {
 DString ReaderFailureOf(DString const &moniker) { return Readers::Instance().Verdicts().FailureOf(moniker).Text(); }
 
 ReaderCounts CountReaders() { return Readers::Instance().Pool().Counts(); }
+
+void EndReadersOf(DString const &id) { Readers::Instance().Pool().EndOf(id); }
 
 void EndReaders() {
     Readers::Instance().Pool().EndAll();

@@ -27,6 +27,9 @@ struct ReaderCounts {
     int leftBehind = 0; ///< killed and not gone yet: blocked in the kernel
 };
 [[nodiscard]] ZELVAR_API ReaderCounts CountReaders();
+/// Ends the readers of one connection, whose sockets close with them; `id` is that of its terms. Requests under way
+/// fail as if they had been stopped, the next one starts new readers. Does not wait. Any thread.
+ZELVAR_API void EndReadersOf(DString const &id);
 /// Ends all readers and forgets what they told of files; counts begin anew. Requests under way fail; the next one
 /// starts new readers.
 ZELVAR_API void EndReaders();

@@ -277,6 +277,24 @@ void ReaderPool::ForgetThoseOfParent() {
     m_failedStarts = 0;
 }
 
+void ReaderPool::EndOf(DString const &connection) {
+    std::vector<Place> places;
+    {
+        std::lock_guard const lock(m_mutex);
+        auto const others = std::partition(m_places.begin(), m_places.end(), [&](Place const &place) {
+            return connection.empty() || place.role.connection != connection;
+        });
+        places.assign(std::make_move_iterator(others), std::make_move_iterator(m_places.end()));
+        m_places.erase(others, m_places.end());
+        for (Place &place : places) {
+            place.process->Terminate();
+            if (!place.lent) // else whoever has it gives it back, and finds it gone from here
+                Hold(place.process, {});
+        }
+    }
+    m_changed.notify_all();
+}
+
 void ReaderPool::EndAll() {
     std::vector<Place> places;
     {

@@ -89,6 +89,8 @@ public:
     /// Whether a reader that was ended at that place is still held there by the kernel.
     [[nodiscard]] bool IsBlocked(DString const &place);
     [[nodiscard]] ReaderCounts Counts();
+    /// Ends the readers of a connection, those that are lent as well, whose requests fail; the next one starts anew.
+    void EndOf(DString const &connection);
     /// Ends all readers and counts anew.
     void EndAll();
     /// Around a fork: holds the pool still, so that the child finds it whole.

@@ -26,17 +26,17 @@ using platform::GetDlgItem;
 
 enum ControlIds { kOk = 1, kCancel = 2, kKinds = 1001, kFields = 1002, kTrial = 1003, kTest = 1004 };
 
-// The fields get two thirds of what the window grows by.
+// The fields get two thirds of what the window grows by. With letters half as large again it still fits 800 pixels.
 constexpr DialogItem kItems[] = {
-    {kKinds, ControlKind::List, "", 7, 7, 80, 124, {0, 0, 0, 66}},
-    {kFields, ControlKind::Place, "", 92, 7, 221, 124, {0, 0, 100, 66}},
-    {kTrial, ControlKind::Place, "", 7, 136, 306, 86, {0, 66, 100, 100}},
+    {kKinds, ControlKind::List, "", 7, 7, 66, 124, {0, 0, 0, 66}},
+    {kFields, ControlKind::Place, "", 78, 7, 203, 124, {0, 0, 100, 66}},
+    {kTrial, ControlKind::Place, "", 7, 136, 274, 86, {0, 66, 100, 100}},
     {kTest, ControlKind::Button, Mark("Test"), 7, 227, 60, 14, {0, 100, 0, 100}},
-    {kOk, ControlKind::DefaultButton, Mark("OK"), 207, 227, 50, 14, {100, 100, 100, 100}},
-    {kCancel, ControlKind::Button, Mark("Cancel"), 263, 227, 50, 14, {100, 100, 100, 100}},
+    {kOk, ControlKind::DefaultButton, Mark("OK"), 175, 227, 50, 14, {100, 100, 100, 100}},
+    {kCancel, ControlKind::Button, Mark("Cancel"), 231, 227, 50, 14, {100, 100, 100, 100}},
 };
 constexpr platform::DialogTemplate kTemplate{
-    .id = 6120, .caption = Mark("Connection"), .width = 320, .height = 248, .items = kItems};
+    .id = 6120, .caption = Mark("Connection"), .width = 288, .height = 248, .items = kItems};
 constexpr unsigned kFlags = 3;
 
 constexpr char const *kNotTested = Mark("Test tries the connection step by step. Nothing is kept before OK.");
@@ -103,6 +103,9 @@ bool ConnectionDlg::OnInitDialog() {
     });
     connect(m_form, &ConnectionForm::KindPasted, this, &ConnectionDlg::ShowKind);
     connect(m_testButton, &QPushButton::clicked, this, &ConnectionDlg::OnTest);
+    connect(m_trial, &TrialPane::CertificateAccepted, this,
+            [this](DString const &fingerprint) { OnOffer("fingerprint", fingerprint); });
+    connect(m_trial, &TrialPane::HostAllowed, this, [this](DString const &host) { OnOffer("allow", host); });
     m_trial->Clear(kNotTested);
     if (m_former)
         m_form->Control("name")->setFocus();
@@ -132,7 +135,8 @@ void ConnectionDlg::OrderFocus() {
     for (QWidget *const control : m_form->FocusOrder())
         setTabOrder(std::exchange(former, control), control);
     setTabOrder(former, m_trial->List());
-    setTabOrder(m_trial->List(), m_testButton);
+    setTabOrder(m_trial->List(), m_trial->OfferButton());
+    setTabOrder(m_trial->OfferButton(), m_testButton);
 }
 
 void ConnectionDlg::ShowKind() {
@@ -233,6 +237,15 @@ void ConnectionDlg::OnTrialEnded() {
     auto const listing = std::find_if(results.begin(), results.end(),
                                       [](TrialResult const &result) { return result.step == TrialStep::Listing; });
     m_trial->SayBelow(listing == results.end() ? Translated(kWorks) : listing->words);
+}
+
+void ConnectionDlg::OnOffer(DString const &field, DString const &value) {
+    if (IsBusy())
+        return;
+    DString const former = field == "allow" ? m_form->Draft().allow : DString();
+    m_form->Fill(field, former.empty() ? value : former + ", " + value);
+    m_testButton->setFocus(); // the button of the offer goes
+    OnTest();
 }
 
 void ConnectionDlg::OnOK() {

@@ -55,6 +55,8 @@ private:
     void OnTest();
     void OnNews(platform::MessageParam testsAtOnce);
     void OnTrialEnded();
+    /// Takes up what the trial has offered, and tries again.
+    void OnOffer(DString const &field, DString const &value);
     void OnSaved(SavedConnection const &saved, bool isStopped);
     /// False, and shown, if something is wrong with the fields.
     [[nodiscard]] bool IsRight();

@@ -69,6 +69,16 @@ void ConnectionForm::SetKind(ConnectionKind kind) {
     Suggest();
 }
 
+void ConnectionForm::Fill(DString const &key, DString const &text) {
+    auto *const edit = qobject_cast<QLineEdit *>(Control(key));
+    if (edit == nullptr)
+        return;
+    m_more->setChecked(m_more->isChecked() || m_rows[key].isRare);
+    edit->setText(ToQString(text));
+    edit->setCursorPosition(0);
+    Q_EMIT edit->textEdited(edit->text()); // as if somebody had typed it
+}
+
 Secret ConnectionForm::Password() const {
     if (m_draft.secret != SecretPlace::Keyring && m_draft.secret != SecretPlace::Ask)
         return {};

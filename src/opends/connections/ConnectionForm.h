@@ -27,6 +27,8 @@ public:
     /// `isNew`: its name follows what it leads to until somebody types one.
     void Show(ConnectionDraft draft, bool isNew);
     void SetKind(ConnectionKind kind);
+    /// Writes a text into a field that is typed, and unfolds it.
+    void Fill(DString const &key, DString const &text);
     [[nodiscard]] ConnectionDraft const &Draft() const { return m_draft; }
     /// That was typed or pasted; empty for none.
     [[nodiscard]] Secret Password() const;

@@ -5,11 +5,13 @@
 #include "zelvar/platform/ui/ModalLoop.h"
 #include "zelvar/platform/ui/Text.h"
 
+#include <QtCore/QRegularExpression>
 #include <QtGui/QClipboard>
 #include <QtGui/QGuiApplication>
 #include <QtGui/QShortcut>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QMenu>
+#include <QtWidgets/QPushButton>
 #include <QtWidgets/QVBoxLayout>
 
 #include <algorithm>
@@ -33,12 +35,17 @@ char const *TrialStateInWords(TrialState state) {
     return Translated(kWords.at(static_cast<std::size_t>(state)));
 }
 
-TrialPane::TrialPane(QWidget *parent) : QWidget(parent), m_list(new CZelListCtrl(this)), m_words(new QLabel(this)) {
+TrialPane::TrialPane(QWidget *parent)
+    : QWidget(parent), m_list(new CZelListCtrl(this)), m_words(new QLabel(this)), m_offer(new QPushButton(this)) {
     auto *const whole = new QVBoxLayout(this);
     whole->setContentsMargins(0, 0, 0, 0);
     whole->setSpacing(kSpacing);
     whole->addWidget(m_list, 1);
     whole->addWidget(m_words);
+    whole->addWidget(m_offer, 0, Qt::AlignLeft);
+    m_offer->setAutoDefault(false);
+    m_offer->hide();
+    connect(m_offer, &QPushButton::clicked, this, &TrialPane::TakeOffer);
     std::vector<QString> steps{platform::Shown("Step")};
     for (int step = 0; step <= static_cast<int>(TrialStep::FirstItem); ++step)
         steps.push_back(platform::ToQString(TrialStepInWords(static_cast<TrialStep>(step))));
@@ -82,6 +89,7 @@ int TrialPane::WidthOf(std::vector<QString> const &words) const {
 void TrialPane::Clear(char const *words) {
     m_list->RmvAllRow();
     m_results.clear();
+    ShowOffer();
     SayBelow(Translated(words));
 }
 
@@ -96,6 +104,26 @@ void TrialPane::Add(TrialResult const &result) {
     m_list->SetItemState(row, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
     m_list->EnsureVisible(row);
     ShowSelected();
+    ShowOffer();
+}
+
+void TrialPane::ShowOffer() {
+    TrialResult const last = m_results.empty() ? TrialResult() : m_results.back();
+    if (!last.accepts.empty())
+        m_offer->setText(platform::Shown("Accept This Certificate"));
+    else if (last.allows)
+        m_offer->setText(platform::ToQString(Format(Translated("Allow %s"), TextOf(*last.allows).c_str())));
+    m_offer->setVisible(!last.accepts.empty() || last.allows.has_value());
+}
+
+void TrialPane::TakeOffer() {
+    if (m_results.empty())
+        return;
+    TrialResult const last = m_results.back(); // whoever is told begins anew
+    if (!last.accepts.empty())
+        Q_EMIT CertificateAccepted(last.accepts);
+    else if (last.allows)
+        Q_EMIT HostAllowed(TextOf(*last.allows));
 }
 
 void TrialPane::ShowSelected() {
@@ -105,8 +133,11 @@ void TrialPane::ShowSelected() {
 }
 
 void TrialPane::SayBelow(DString const &words) {
-    m_words->setText(platform::ToQString(words));
-    m_words->setToolTip(platform::ToToolTip(m_words->text())); // it may be longer than its place
+    QString text = platform::ToQString(words);
+    m_words->setToolTip(platform::ToToolTip(text)); // it may be longer than its place
+    // A fingerprint is one long word: lines may end behind its colons.
+    static QRegularExpression const pairs(QStringLiteral("(?<=[0-9A-F]{2}:)(?=[0-9A-F]{2})"));
+    m_words->setText(text.replace(pairs, QStringLiteral("\u200B")));
 }
 
 DString TrialPane::Text() const {
@@ -126,8 +157,12 @@ void TrialPane::RunMenu(QPoint screenPoint) {
     QMenu menu(m_list);
     QAction *const copy = menu.addAction(platform::Shown("Copy"));
     copy->setEnabled(!m_results.empty());
-    if (platform::RunMenu(menu, screenPoint) == copy)
+    QAction const *const offer = m_offer->isHidden() ? nullptr : menu.addAction(m_offer->text());
+    QAction const *const chosen = platform::RunMenu(menu, screenPoint);
+    if (chosen == copy)
         Copy();
+    else if (chosen != nullptr && chosen == offer)
+        TakeOffer();
 }
 
 } // namespace zelvar

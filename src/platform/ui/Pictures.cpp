@@ -49,6 +49,7 @@ std::map<QString, char const *> const &DesktopNames() {
         {"folder-remote", "share"},
         {"go-up", "folder-up"},
         {"image-x-generic", "image"},
+        {"list-add", "add"},
         {"network-server", "server"},
         {"network-workgroup", "network"},
         {"package-x-generic", "container"},
