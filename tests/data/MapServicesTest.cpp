@@ -7,7 +7,9 @@
 #include "zelvar/data/ImageReader.h"
 #include "zelvar/data/OpenImage.h"
 #include "zelvar/data/gdal/services/Capabilities.h"
+#include "zelvar/data/reader/ConnectionNotes.h"
 #include "zelvar/data/tables/ADIFile.h"
+#include "zelvar/data/wire/SealedMemory.h"
 
 namespace zelvar {
 namespace {
@@ -165,6 +167,28 @@ TEST_F(RealMapServer, AMapIsThePixelsOfItsSource) {
     }
     EXPECT_TRUE(Says(WhyNotShown(Address("wms+") + "&LAYER=nope"), "the service has no layer \"nope\""));
     EXPECT_TRUE(Says(WhyNotShown(Address("wms+") + "&LAYER=plots&STYLE=no"), "the service has no style \"no\""));
+}
+
+TEST_F(RealMapServer, IsAskedWhatItOffersOnceForBothReadersOfItsConnection) {
+    Allow(ConnectionKind::MapService, {m_server.Place()});
+    EXPECT_EQ(NamesIn(Address("wms+")).size(), 3U);
+    ImageInfo info;
+    EXPECT_TRUE(ReadImageInfo({Address("wms+") + "&LAYER=height", nullptr}, "", nullptr, info));
+    DCanvas picture;
+    for (char const *layer : {"height", "plots&STYLE=green", "plots"})
+        EXPECT_TRUE(ReadPreview({Address("wms+") + "&LAYER=" + layer, nullptr}, "", nullptr, picture)) << layer;
+    EXPECT_EQ(Count("GetCapabilities"), 1);
+    EXPECT_EQ(Count("GetMap"), 3);
+    // What one of them has left is read like any answer.
+    Allow(ConnectionKind::MapService, {m_server.Place()});
+    auto const terms = std::make_shared<ConnectionTerms const>(TermsOf(Address("wms+")));
+    DString const request = Address("") + "&SERVICE=WMS&REQUEST=GetCapabilities";
+    std::vector<std::uint8_t> note(request.begin(), request.end());
+    for (char const c : std::string_view("\0<WMS_Capabilities><Capability/>", 32))
+        note.push_back(static_cast<std::uint8_t>(c));
+    ASSERT_TRUE(ConnectionNotes::Instance().Keep(terms, request, wire::SealBytes({note})));
+    EXPECT_TRUE(ReadImageInfo({Address("wms+") + "&LAYER=height", nullptr}, "", nullptr, info));
+    EXPECT_EQ(Count("GetCapabilities"), 2);
 }
 
 TEST_F(RealMapServer, FeaturesAreRows) {
