@@ -4,6 +4,7 @@
 #include "support/RealDriversTest.h"
 #include "support/Test.h"
 #include "zelvar/data/ImageReader.h"
+#include "zelvar/data/RequestScope.h"
 
 namespace zelvar {
 namespace {
@@ -103,6 +104,33 @@ TEST_F(Stores, WalksOfOneTreeGoOnBesideEachOther) {
     for (void *const walk : walks)
         tree.driver->FindClose(walk);
     EXPECT_EQ(m_server.Requests().size(), 6U);
+}
+
+TEST_F(Stores, ListingsThatAreMadeTogetherAskForAPageOnce) {
+    test::StoreAnswers::Bucket bucket;
+    for (int i = 0; i < 1500; ++i)
+        bucket.keys.push_back(Format("a/%04d.%s", i, i % 3 == 0 ? "img" : "tif"));
+    Bucket("big", bucket);
+    test::OpenedTree const tree("s3://big/a");
+    ASSERT_TRUE(tree);
+    auto const count = [&](std::uint64_t together, char const *names) {
+        RequestScope scope(RequestKind::List);
+        scope.together = together;
+        void *const walk = tree.driver->FindFirstChildNamed(tree.repository, tree.root, 0xFF, names);
+        std::size_t children = 0;
+        while (walk != nullptr && tree.driver->FindNextChildNode(walk) != nullptr)
+            ++children;
+        tree.driver->FindClose(walk);
+        return std::pair(children, m_server.Requests().size());
+    };
+    using Seen = std::pair<std::size_t, std::size_t>; // children, and requests so far
+    EXPECT_EQ(count(7, ""), Seen(1500, 2));
+    EXPECT_EQ(count(7, "*.img"), Seen(500, 2)) << "another mask of the same names";
+    EXPECT_EQ(count(7, "00*"), Seen(100, 3)) << "a beginning is asked of the store";
+    EXPECT_EQ(count(7, ""), Seen(1500, 5));
+    EXPECT_EQ(count(8, ""), Seen(1500, 7)) << "who comes back wants to know how it is now";
+    EXPECT_EQ(count(0, ""), Seen(1500, 9));
+    EXPECT_EQ(count(8, ""), Seen(1500, 11));
 }
 
 TEST_F(Stores, AStoreThatGoesRoundInACircleComesToAnEnd) {
