@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
+#include <tuple>
 
 // What a map service says of itself: whatever is read of it has an order that can be walked, every name in it stands in
 // an address and comes back, and what GDAL is to open of it is a document.
@@ -20,7 +21,8 @@ void Demand(bool holds) {
         std::abort();
 }
 
-void CheckOffer(ServiceAddress const &service, Capabilities const &found, Offer const &offer) {
+void CheckOffer(ServiceAddress const &service, Capabilities const &found, Offer const &offer,
+                std::string_view document) {
     constexpr std::size_t mostStyles = 500;
     auto const styles = found.StylesOf(offer);
     Demand(styles.size() <= mostStyles);
@@ -39,6 +41,8 @@ void CheckOffer(ServiceAddress const &service, Capabilities const &found, Offer 
     auto const map = DescribeMap(*again, found, offer, isNorthFirst, "/vsimem/x", error);
     Demand(map.has_value() != error.IsSet());
     DString fault;
+    std::size_t const root = std::min(document.find("<WFS_"), document.size());
+    std::ignore = DescribeFeatures(*again, document.substr(root));
     for (DString const &text : {map.value_or("<x/>"), DescribeTiles(*again, found, offer, "/vsimem/y", "/vsimem/x"),
                                 DescribeCoverage(*again, found)})
         Demand(XMLNode().LoadText(text, &fault));
@@ -60,7 +64,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const *data, std::size_t size
             Offer const &offer = found->offers[static_cast<std::size_t>(i)];
             Demand(offer.parent < i && offer.parent >= -1);
             if (i < mostChecked)
-                CheckOffer(address, *found, offer);
+                CheckOffer(address, *found, offer, text);
         }
     }
     return 0;

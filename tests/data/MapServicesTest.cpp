@@ -6,7 +6,7 @@
 #include "zelvar/data/Connection.h"
 #include "zelvar/data/ImageReader.h"
 #include "zelvar/data/OpenImage.h"
-#include "zelvar/data/gdal/services/Capabilities.h"
+#include "zelvar/data/gdal/services/ServiceDescription.h"
 #include "zelvar/data/reader/ConnectionNotes.h"
 #include "zelvar/data/tables/ADIFile.h"
 #include "zelvar/data/wire/SealedMemory.h"
@@ -335,6 +335,21 @@ TEST(Capabilities, WhatIsNoneIsNamedAndDoesNoHarm) {
     EXPECT_EQ(odd->offers.front().name, "");
     EXPECT_TRUE(odd->offers.front().boxes.empty());
     EXPECT_LT(odd->offers.size(), 40U) << "deeper than anybody looks";
+}
+
+TEST(Capabilities, GdalGetsOneTypeOfFeaturesWhereItCanBeCutOut) {
+    auto const address = services::ParseServiceAddress("wfs+https://maps.lab/ows?TYPENAME=a%26b");
+    ASSERT_TRUE(address);
+    DString const head = "<w:WFS_Capabilities xmlns:w=\"w\"><w:FeatureTypeList>";
+    DString const tail = "</w:FeatureTypeList><x/></w:WFS_Capabilities>";
+    DString const wanted = "<w:FeatureType a='1'><w:Name>a&amp;b</w:Name></w:FeatureType>";
+    DString const others = "\n<w:FeatureType>\n<w:Name>a</w:Name></w:FeatureType>";
+    DString const begin = "<OGRWFSDataSource><URL>https://maps.lab/ows</URL>";
+    DString const end = "</OGRWFSDataSource>";
+    EXPECT_EQ(services::DescribeFeatures(*address, head + others + wanted + others + tail),
+              begin + head + "\n" + wanted + tail + end);
+    for (DString const &odd : {head + "<!-- <w:FeatureType> -->" + wanted + tail, head + others + tail})
+        EXPECT_EQ(services::DescribeFeatures(*address, odd), begin + odd + end);
 }
 
 TEST(ServiceAddresses, WhatWasAskedWithTlsIsNotAskedWithout) {
