@@ -140,14 +140,17 @@ TEST_F(Database, RastersAreWhatTheirFilesHold) {
         }};
     DString const file = m_folder / "height.tif";
     test::WriteImage(file, spec);
-    Run("create schema images");
+    Run("create schema images; create table images.\"o'd\" (rast raster)");
     ASSERT_EQ(m_server.Load("raster2pgsql -q -s 4326 -I -C -M -N -7 -l 2,4 -t 100x100 " + file + " images.height"), "");
     DString const address = m_address + "/images/height?COLUMN=rast";
     OpenedTree const tree(m_address + "/images", "PostgreSQL");
     std::vector<BDINode> const nodes = tree.Children(*tree.root);
-    ASSERT_EQ(nodes.size(), 1U); // its overviews are no images of their own
-    EXPECT_EQ(nodes.front().path, address);
-    EXPECT_EQ(nodes.front().type, BDINode_Raster);
+    ASSERT_EQ(nodes.size(), 2U); // its overviews are no images of their own
+    EXPECT_EQ(nodes[0].path, address);
+    EXPECT_EQ(nodes[0].type, BDINode_Raster);
+    EXPECT_EQ(nodes[0].value, "raster");
+    EXPECT_THAT(nodes[1].value, HasSubstr("cannot be read")) << nodes[1].path;
+    EXPECT_THAT(OpenedImage(nodes[1].path).error.Text(), HasSubstr("cannot be read"));
 
     OpenedImage const stored(file);
     for (DString const &name : {address, m_address + "/images/height"}) {

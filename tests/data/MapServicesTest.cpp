@@ -2,6 +2,7 @@
 #include "support/ImageFiles.h"
 #include "support/OpenedTree.h"
 #include "support/RealDrivers.h"
+#include "support/SecretWatch.h"
 #include "support/WebServers.h"
 #include "zelvar/data/Connection.h"
 #include "zelvar/data/ImageReader.h"
@@ -25,21 +26,15 @@ constexpr int kHeight = 512;
 double HeightAt(int, int x, int y) { return (x * 7 + y * 13 + x * y % 11) % 256; }
 bool Says(DError const &error, DString const &words) { return error.Text().find(words) != DString::npos; }
 
-/// Drivers in readers, and what all of it writes into the log.
+/// Drivers in readers.
 struct MapServices : testing::Test {
     MapServices() {
         BDIDrvrMngr::Instance()->Reset();
         test::UseReaders(test::PatientReaders());
-        m_former = Report::SetTraceHandler([this](int, DString const &line) {
-            std::lock_guard const lock(m_mutex);
-            m_log += line + "\n";
-        });
     }
     ~MapServices() override {
-        Report::SetTraceHandler(m_former);
         SetConnectionFinder(nullptr);
         BDIDrvrMngr::Instance()->Reset();
-        EXPECT_EQ(m_log.find(kMarker), DString::npos) << m_log;
     }
     /// "name:type" of what lies in the node at that path of a tree, or in its root.
     static Names NamesIn(DString const &url, DString const &path = {}) {
@@ -89,10 +84,8 @@ struct MapServices : testing::Test {
             terms.secrets["password"] = password;
         SetConnectionFinder([terms](std::string_view) { return terms; });
     }
-    std::mutex m_mutex;
-    DString m_log;
+    test::SecretWatch m_watch{{kMarker}};
     int m_connections = 0;
-    Report::TraceHandler m_former;
 };
 
 /// The same beside a map server with data.
@@ -267,7 +260,7 @@ TEST_F(MapServices, AnotherHostIsRefusedAndNamedUntilItIsAllowedAndGetsNoLogin) 
     Names const both{server.Url().substr(7), other.Url().substr(7)};
     server.SendOn(kAsked, other.Url() + kAsked);
     other.Serve(kAsked, Wms(kLayer, other.Url() + "/map"));
-    EXPECT_TRUE(Says(WhyNotListed(address), "the server sends on to " + both[1])) << m_log;
+    EXPECT_TRUE(Says(WhyNotListed(address), "the server sends on to " + both[1])) << m_watch.Log();
     Allow(ConnectionKind::MapService, both, {{"user", "ann"}}, kMarker);
     EXPECT_EQ(NamesIn(address), Names{"a:2"});
     // One that names the other only for its maps.

@@ -1,5 +1,6 @@
 #include "support/MariaServer.h"
 #include "support/OpenedTree.h"
+#include "support/SecretWatch.h"
 #include "support/TablesTest.h"
 #include "zelvar/data/Connection.h"
 
@@ -63,6 +64,7 @@ grant select on other.* to 'zelvar'@'127.0.0.1';
         return paths;
     }
     MariaServer m_server;
+    test::SecretWatch m_watch{{MariaServer::kPassword}};
 };
 
 TEST_F(MariaDb, ItsDatabasesAreFoldersOfTablesWhoseRowsAreThoseThatWereStored) {
@@ -85,9 +87,7 @@ TEST_F(MariaDb, ItsDatabasesAreFoldersOfTablesWhoseRowsAreThoseThatWereStored) {
     EXPECT_THAT(Paths("odbc://zelvar@lab"), ElementsAre("odbc://zelvar@lab/field"));
     Connect({{"schemas", "other"}});
     EXPECT_THAT(Paths("odbc://zelvar@lab"), ElementsAre("odbc://zelvar@lab/other"));
-}
-
-TEST_F(MariaDb, WhatKeepsFromItIsTold) {
+    // What keeps from it.
     using enum DError::Cause;
     Connect({}, "wrong");
     EXPECT_EQ(WhyNot().Why(), NotPermitted) << WhyNot().Text();

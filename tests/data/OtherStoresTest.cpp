@@ -2,6 +2,7 @@
 #include "support/ImageFiles.h"
 #include "support/OpenedTree.h"
 #include "support/RealDrivers.h"
+#include "support/SecretWatch.h"
 #include "zelvar/data/Connection.h"
 #include "zelvar/data/ImageReader.h"
 #include "zelvar/data/reader/DriverModule.h"
@@ -36,10 +37,6 @@ struct OtherStores : testing::TestWithParam<Speech> {
     OtherStores() {
         BDIDrvrMngr::Instance()->Reset();
         test::UseReaders(test::PatientReaders());
-        m_former = Report::SetTraceHandler([this](int, DString const &line) {
-            std::lock_guard const lock(m_mutex);
-            m_log += line + "\n";
-        });
         Connect(GetParam().secret);
         m_server.OnStore([](test::StoreAnswers &store) {
             if (GetParam().root.empty())
@@ -49,11 +46,8 @@ struct OtherStores : testing::TestWithParam<Speech> {
         });
     }
     ~OtherStores() override {
-        Report::SetTraceHandler(m_former);
         SetConnectionFinder(nullptr);
         BDIDrvrMngr::Instance()->Reset();
-        for (DString const &secret : {DString(kMarker), GetParam().secret})
-            EXPECT_EQ(m_log.find(secret), DString::npos) << m_log;
     }
     void Connect(DString const &secret) {
         ConnectionTerms const terms{.id = Place("field") + std::to_string(++m_connections),
@@ -87,10 +81,8 @@ struct OtherStores : testing::TestWithParam<Speech> {
         m_server.OnStore([&](test::StoreAnswers &store) { store.SetBucket(name, bucket); });
     }
     test::HttpServer m_server;
-    std::mutex m_mutex;
-    DString m_log;
+    test::SecretWatch m_watch{{kMarker, GetParam().secret}};
     int m_connections = 0;
-    Report::TraceHandler m_former;
 };
 
 TEST_P(OtherStores, AreListedByPagesAndTheirObjectsOpen) {
