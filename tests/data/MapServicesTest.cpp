@@ -16,6 +16,7 @@ namespace zelvar {
 namespace {
 
 using Names = std::vector<DString>;
+using test::WhyNotOpened;
 using enum DError::Cause;
 
 constexpr char const *kMarker = "marker7secret";
@@ -45,13 +46,6 @@ struct MapServices : testing::Test {
         for (BDINode const &child : tree.Children(path.empty() ? *tree.root : tree.Node(path).value_or(BDINode())))
             names.push_back(child.name + ":" + std::to_string(child.type));
         return names;
-    }
-    static DError WhyNotListed(DString const &url) {
-        BDIDrvr *driver = nullptr;
-        BDINode *root = nullptr;
-        DError error;
-        EXPECT_EQ(BDIDrvrMngr::Instance()->OpenFile(url.c_str(), &driver, &root, nullptr, &error), nullptr);
-        return error;
     }
     static DError WhyNotShown(DString const &moniker) {
         DCanvas picture;
@@ -129,7 +123,7 @@ TEST_F(RealMapServer, ListsWhatEachServiceOffersWithOneRequest) {
     EXPECT_EQ(NamesIn(Address("wms+"), Address("wms+") + "&LAYER=plots"), (Names{"green:2", "red & dark:2"}));
     EXPECT_EQ(NamesIn(Address("ogc+") + "&SERVICE=WFS"), Names{"Plots:12"});
     EXPECT_EQ(static_cast<long>(m_server.Requests().size()), Count("GetCapabilities")) << "asked for more than lists";
-    EXPECT_TRUE(Says(WhyNotListed(Address("wms+") + "x"), "a web page, not capabilities: MapServer Message"));
+    EXPECT_TRUE(Says(WhyNotOpened(Address("wms+") + "x"), "a web page, not capabilities: MapServer Message"));
 }
 
 TEST_F(RealMapServer, AMapIsThePixelsOfItsSource) {
@@ -260,7 +254,7 @@ TEST_F(MapServices, AnotherHostIsRefusedAndNamedUntilItIsAllowedAndGetsNoLogin) 
     Names const both{server.Url().substr(7), other.Url().substr(7)};
     server.SendOn(kAsked, other.Url() + kAsked);
     other.Serve(kAsked, Wms(kLayer, other.Url() + "/map"));
-    EXPECT_TRUE(Says(WhyNotListed(address), "the server sends on to " + both[1])) << m_watch.Log();
+    EXPECT_TRUE(Says(WhyNotOpened(address), "the server sends on to " + both[1])) << m_watch.Log();
     Allow(ConnectionKind::MapService, both, {{"user", "ann"}}, kMarker);
     EXPECT_EQ(NamesIn(address), Names{"a:2"});
     // One that names the other only for its maps.
@@ -273,7 +267,7 @@ TEST_F(MapServices, AnotherHostIsRefusedAndNamedUntilItIsAllowedAndGetsNoLogin) 
     EXPECT_EQ(WhyNotShown(address + "?LAYER=a").Why(), Refused);
     EXPECT_EQ(other.Connections(), before);
     server.SendOn(kAsked, server.Url() + kAsked);
-    EXPECT_TRUE(WhyNotListed(address).IsSet()) << "endless redirections";
+    EXPECT_TRUE(WhyNotOpened(address).IsSet()) << "endless redirections";
     EXPECT_LT(server.Requests().size(), 40U);
 }
 
@@ -282,7 +276,7 @@ TEST_F(MapServices, ATypedLoginStaysBesideTheName) {
     server.Demand(DString(kMarkerSent).substr(6));
     server.Serve(kAsked, Wms(kLayer, server.Url() + "/map"));
     DString const place = server.Url().substr(7) + "/ows";
-    EXPECT_EQ(WhyNotListed("wms+http://" + place).Detail(), 401);
+    EXPECT_EQ(WhyNotOpened("wms+http://" + place).Detail(), 401);
     EXPECT_EQ(NamesIn("wms+http://ann:" + DString(kMarker) + "@" + place), Names{"a:2"});
     EXPECT_TRUE(OpenImage({"wms+http://ann@" + place + "?LAYER=a", nullptr}, "", nullptr).IsOpen());
 }
@@ -369,20 +363,20 @@ TEST_F(WebFolders, ATlsServerOfAPrivateAuthorityWithALogin) {
     Names const inside{"v1.2 data:1025", "x 1%2.tif:2"};
     DString const url = "https://" + server.Place();
     Allow(ConnectionKind::WebFolder, {server.Place()});
-    EXPECT_EQ(WhyNotListed(url + "/open/").Why(), Untrusted);
-    EXPECT_TRUE(Says(WhyNotListed(url + "/open/"), "the certificate of " + server.Place() + " is not trusted"));
+    EXPECT_EQ(WhyNotOpened(url + "/open/").Why(), Untrusted);
+    EXPECT_TRUE(Says(WhyNotOpened(url + "/open/"), "the certificate of " + server.Place() + " is not trusted"));
     DString const ca = server.Folder() / "ca.pem";
     Allow(ConnectionKind::WebFolder, {server.Place()}, {{"ca", ca}});
     EXPECT_EQ(NamesIn(url + "/open/"), inside);
     for (auto const &[folder, status, words] : {std::tuple{"/private/", 401, "wants a login"},
                                                 {"/closed/", 403, "refuses access"},
                                                 {"/none/", 404, "has nothing there"}}) {
-        DError const error = WhyNotListed(url + folder);
+        DError const error = WhyNotOpened(url + folder);
         EXPECT_EQ(error.Detail(), status) << error.Text();
         EXPECT_TRUE(Says(error, words)) << error.Text();
     }
     Allow(ConnectionKind::WebFolder, {server.Place()}, {{"ca", ca}, {"user", "ann"}}, "wrong");
-    EXPECT_TRUE(Says(WhyNotListed(url + "/private/"), "does not know the user or the password"));
+    EXPECT_TRUE(Says(WhyNotOpened(url + "/private/"), "does not know the user or the password"));
     Allow(ConnectionKind::WebFolder, {server.Place()}, {{"ca", ca}, {"user", "ann"}}, kMarker);
     EXPECT_EQ(NamesIn(url + "/private/"), inside);
     ImageInfo info;

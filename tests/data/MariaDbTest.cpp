@@ -8,8 +8,11 @@ namespace zelvar {
 namespace {
 
 using test::MariaServer;
-using test::OpenedTree;
+using test::PathsIn;
+using test::WhyNotOpened;
 using testing::ElementsAre;
+
+constexpr char const *kPlace = "odbc://zelvar@lab";
 
 /// A MariaDB server behind an ODBC driver, and readers that find a connection to it.
 struct MariaDb : test::TablesTest {
@@ -35,7 +38,7 @@ grant select on other.* to 'zelvar'@'127.0.0.1';
     }
     ~MariaDb() override { SetConnectionFinder(nullptr); }
     void Connect(std::map<DString, DString> const &others, DString const &password = MariaServer::kPassword) {
-        ConnectionTerms terms{.id = "odbc://zelvar@lab",
+        ConnectionTerms terms{.id = kPlace,
                               .kind = ConnectionKind::Odbc,
                               .hosts = {{"127.0.0.1", static_cast<std::uint16_t>(m_server.Port())}},
                               .options = {{"dsn", "lab"},
@@ -48,29 +51,14 @@ grant select on other.* to 'zelvar'@'127.0.0.1';
             terms.options[key] = value;
         SetConnectionFinder([terms](std::string_view) { return terms; });
     }
-    static DError WhyNot() {
-        DError error;
-        BDIDrvr *driver = nullptr;
-        BDINode *root = nullptr;
-        EXPECT_EQ(BDIDrvrMngr::Instance()->OpenFile("odbc://zelvar@lab", &driver, &root, nullptr, &error), nullptr);
-        return error;
-    }
-    static std::vector<DString> Paths(DString const &place) {
-        std::vector<DString> paths;
-        OpenedTree const tree(place, "ODBC");
-        if (tree)
-            for (BDINode const &child : tree.Children(*tree.root))
-                paths.push_back(child.path + (child.value.empty() ? "" : " " + child.value));
-        return paths;
-    }
     MariaServer m_server;
     test::SecretWatch m_watch{{MariaServer::kPassword}};
 };
 
 TEST_F(MariaDb, ItsDatabasesAreFoldersOfTablesWhoseRowsAreThoseThatWereStored) {
-    EXPECT_THAT(Paths("odbc://zelvar@lab"), ElementsAre("odbc://zelvar@lab/field", "odbc://zelvar@lab/other"));
+    EXPECT_THAT(PathsIn(kPlace, "ODBC"), ElementsAre("odbc://zelvar@lab/field", "odbc://zelvar@lab/other"));
     DString const odd = "odbc://zelvar@lab/field/odd%20%22n%60ame%27%20%C3%A4";
-    EXPECT_THAT(Paths("odbc://zelvar@lab/field"),
+    EXPECT_THAT(PathsIn("odbc://zelvar@lab/field", "ODBC"),
                 ElementsAre("odbc://zelvar@lab/field/many table", odd + " table", "odbc://zelvar@lab/field/plots table",
                             "odbc://zelvar@lab/field/seen view"));
     EXPECT_THAT(Read("odbc://zelvar@lab/field/plots"),
@@ -84,17 +72,17 @@ TEST_F(MariaDb, ItsDatabasesAreFoldersOfTablesWhoseRowsAreThoseThatWereStored) {
         ASSERT_EQ(many[static_cast<std::size_t>(i)],
                   std::to_string(i) + "|" + DString(static_cast<std::size_t>(i), static_cast<char>('a' + i % 26)));
     Connect({{"odbc.Database", "field"}});
-    EXPECT_THAT(Paths("odbc://zelvar@lab"), ElementsAre("odbc://zelvar@lab/field"));
+    EXPECT_THAT(PathsIn(kPlace, "ODBC"), ElementsAre("odbc://zelvar@lab/field"));
     Connect({{"schemas", "other"}});
-    EXPECT_THAT(Paths("odbc://zelvar@lab"), ElementsAre("odbc://zelvar@lab/other"));
+    EXPECT_THAT(PathsIn(kPlace, "ODBC"), ElementsAre("odbc://zelvar@lab/other"));
     // What keeps from it.
     using enum DError::Cause;
     Connect({}, "wrong");
-    EXPECT_EQ(WhyNot().Why(), NotPermitted) << WhyNot().Text();
+    EXPECT_EQ(WhyNotOpened(kPlace).Why(), NotPermitted) << WhyNotOpened(kPlace).Text();
     Connect({{"odbc.Port", "1"}});
-    EXPECT_EQ(WhyNot().Why(), Refused) << WhyNot().Text(); // no host of the connection
+    EXPECT_EQ(WhyNotOpened(kPlace).Why(), Refused) << WhyNotOpened(kPlace).Text(); // no host of the connection
     Connect({{"odbc.Driver", "No Such Driver"}});
-    EXPECT_EQ(WhyNot().Why(), NotSupported) << WhyNot().Text();
+    EXPECT_EQ(WhyNotOpened(kPlace).Why(), NotSupported) << WhyNotOpened(kPlace).Text();
     Connect({});
     ADIFile const gone = Open("odbc://zelvar@lab/field/gone");
     EXPECT_NE(gone.GetError().find("gone"), DString::npos) << gone.GetError();

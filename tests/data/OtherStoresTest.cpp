@@ -10,6 +10,8 @@
 namespace zelvar {
 namespace {
 
+using test::PathsIn;
+using test::WhyNotOpened;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using enum DError::Cause;
@@ -62,21 +64,6 @@ struct OtherStores : testing::TestWithParam<Speech> {
         SetConnectionFinder([terms](std::string_view) { return terms; });
     }
     static DString Place(DString const &path) { return DString(GetParam().service) + "://acc@" + path; }
-    static std::vector<DString> Paths(DString const &place) {
-        std::vector<DString> paths;
-        test::OpenedTree const tree(place);
-        if (tree)
-            for (BDINode const &child : tree.Children(*tree.root))
-                paths.push_back(child.path);
-        return paths;
-    }
-    static DError WhyNot(DString const &place) {
-        BDIDrvr *driver = nullptr;
-        BDINode *root = nullptr;
-        DError error;
-        EXPECT_EQ(BDIDrvrMngr::Instance()->OpenFile(place.c_str(), &driver, &root, nullptr, &error), nullptr) << place;
-        return error;
-    }
     void Bucket(std::string const &name, test::StoreAnswers::Bucket const &bucket) {
         m_server.OnStore([&](test::StoreAnswers &store) { store.SetBucket(name, bucket); });
     }
@@ -91,10 +78,11 @@ TEST_P(OtherStores, AreListedByPagesAndTheirObjectsOpen) {
     for (int i = 0; i < 2500; ++i)
         many.keys.push_back(Format("%04d.tif", i));
     Bucket("many", many);
-    EXPECT_THAT(Paths(Place("")), ElementsAre(Place("field"), Place("many")));
-    EXPECT_THAT(Paths(Place("field")), ElementsAre(Place("field/a"), Place("field/b.tif"), Place("field/v1.2%20data")));
+    EXPECT_THAT(PathsIn(Place("")), ElementsAre(Place("field"), Place("many")));
+    EXPECT_THAT(PathsIn(Place("field")),
+                ElementsAre(Place("field/a"), Place("field/b.tif"), Place("field/v1.2%20data")));
     std::size_t const before = m_server.Requests().size();
-    EXPECT_EQ(Paths(Place("many")).size(), 2500U);
+    EXPECT_EQ(PathsIn(Place("many")).size(), 2500U);
     EXPECT_EQ(m_server.Requests().size() - before, 3U);
     test::TempFolder const folder;
     test::WriteImage(folder / "x.tif", {.width = 41});
@@ -107,12 +95,12 @@ TEST_P(OtherStores, AreListedByPagesAndTheirObjectsOpen) {
 TEST_P(OtherStores, WhatKeepsFromThemIsToldInWords) {
     Bucket("field", {.keys = {"a.tif"}});
     auto const &[missing, whyMissing] = GetParam().missing;
-    EXPECT_THAT(WhyNot(Place("nope")).Text(), AllOf(HasSubstr(missing), HasSubstr(whyMissing)));
-    EXPECT_EQ(WhyNot(Place("nope")).Why(), Missing);
+    EXPECT_THAT(WhyNotOpened(Place("nope")).Text(), AllOf(HasSubstr(missing), HasSubstr(whyMissing)));
+    EXPECT_EQ(WhyNotOpened(Place("nope")).Why(), Missing);
     Connect("b3RoZXI="); // another key
     auto const &[wrong, whyWrong] = GetParam().wrong;
-    EXPECT_THAT(WhyNot(Place("field")).Text(), AllOf(HasSubstr(wrong), HasSubstr(whyWrong)));
-    EXPECT_EQ(WhyNot(Place("field")).Why(), NotPermitted);
+    EXPECT_THAT(WhyNotOpened(Place("field")).Text(), AllOf(HasSubstr(wrong), HasSubstr(whyWrong)));
+    EXPECT_EQ(WhyNotOpened(Place("field")).Why(), NotPermitted);
 }
 
 TEST_P(OtherStores, AFolderIsEnteredByAReaderThatHasNotSeenIt) {

@@ -9,6 +9,9 @@
 namespace zelvar {
 namespace {
 
+using test::PathsIn;
+using test::WhyNotOpened;
+
 /// An object store on the loopback interface that checks signatures.
 struct Stores : test::RealDriversTest {
     Stores() {
@@ -34,21 +37,6 @@ struct Stores : test::RealDriversTest {
     }
     void Bucket(std::string const &name, test::StoreAnswers::Bucket bucket) {
         Store([&](test::StoreAnswers &store) { store.SetBucket(name, std::move(bucket)); });
-    }
-    static DError WhyNot(DString const &place) {
-        BDIDrvr *driver = nullptr;
-        BDINode *root = nullptr;
-        DError error;
-        EXPECT_EQ(BDIDrvrMngr::Instance()->OpenFile(place.c_str(), &driver, &root, nullptr, &error), nullptr) << place;
-        return error;
-    }
-    static std::vector<DString> Paths(DString const &place) {
-        std::vector<DString> paths;
-        test::OpenedTree const tree(place);
-        if (tree)
-            for (BDINode const &child : tree.Children(*tree.root))
-                paths.push_back(child.path);
-        return paths;
     }
     test::HttpServer m_server;
     std::set<std::string> m_set;
@@ -144,9 +132,9 @@ TEST_F(Stores, AStoreThatGoesRoundInACircleComesToAnEnd) {
 TEST_F(Stores, BucketsAreListedAndTheAccountStaysInTheAddress) {
     Bucket("field", {.keys = {"a/x y.tif", "b.tif", std::string(5000, 'n') + ".tif", "../up.tif"}});
     Bucket("lab", {});
-    EXPECT_THAT(Paths("s3://"), ElementsAre("s3://field", "s3://lab"));
-    EXPECT_THAT(Paths("s3://me@"), ElementsAre("s3://me@field", "s3://me@lab"));
-    EXPECT_THAT(Paths("s3://me@field"), ElementsAre("s3://me@field/a", "s3://me@field/b.tif"));
+    EXPECT_THAT(PathsIn("s3://"), ElementsAre("s3://field", "s3://lab"));
+    EXPECT_THAT(PathsIn("s3://me@"), ElementsAre("s3://me@field", "s3://me@lab"));
+    EXPECT_THAT(PathsIn("s3://me@field"), ElementsAre("s3://me@field/a", "s3://me@field/b.tif"));
     test::WriteImage(m_folder / "x.tif", {.width = 41});
     m_server.Serve("/field/a/x%20y.tif", test::ReadFile(m_folder / "x.tif"));
     ImageInfo info;
@@ -171,21 +159,21 @@ TEST_F(Stores, AMaskThatBeginsWithLettersIsTheStoresToRegard) {
 TEST_F(Stores, WhatIsWrongWithAKeyIsToldInWords) {
     using enum DError::Cause;
     Bucket("field", {.keys = {"a.tif"}});
-    EXPECT_THAT(WhyNot("s3://nope").Text(), HasSubstr("NoSuchBucket: there is no such bucket"));
-    EXPECT_EQ(Paths("s3://field").size(), 1U);
+    EXPECT_THAT(WhyNotOpened("s3://nope").Text(), HasSubstr("NoSuchBucket: there is no such bucket"));
+    EXPECT_EQ(PathsIn("s3://field").size(), 1U);
     Store([](test::StoreAnswers &store) { store.Demand("id", "other"); });
-    DError const wrongSecret = WhyNot("s3://field");
+    DError const wrongSecret = WhyNotOpened("s3://field");
     EXPECT_THAT(wrongSecret.Text(), HasSubstr("SignatureDoesNotMatch: the secret key is wrong"));
     EXPECT_EQ(wrongSecret.Why(), NotPermitted);
     Store([](test::StoreAnswers &store) { store.Demand("other", "other"); });
-    EXPECT_THAT(WhyNot("s3://field").Text(), HasSubstr("InvalidAccessKeyId: the store does not know the key"));
+    EXPECT_THAT(WhyNotOpened("s3://field").Text(), HasSubstr("InvalidAccessKeyId: the store does not know the key"));
     for (auto const &[code, more, words] : test::Rows<char const *, char const *, char const *>{
              {"AccessDenied", "", "may not list here"},
              {"RequestTimeTooSkewed",
               "<RequestTime>20240102T100500Z</RequestTime><ServerTime>2024-01-02T10:00:00Z</ServerTime>",
               "clock is wrong (5 min fast)"}}) {
         Store([&](test::StoreAnswers &store) { store.Refuse(403, code, more); });
-        EXPECT_THAT(WhyNot("s3://field").Text(), AllOf(HasSubstr(code), HasSubstr(words)));
+        EXPECT_THAT(WhyNotOpened("s3://field").Text(), AllOf(HasSubstr(code), HasSubstr(words)));
     }
 }
 
