@@ -10,7 +10,7 @@ packages=(
   # test
   libgtest-dev libgmock-dev fonts-liberation fontconfig samba xvfb dbus-daemon at-spi2-core gnome-keyring clang-format
   cgi-mapserver lighttpd lighttpd-mod-webdav nginx openssl
-  postgresql-15 postgresql-15-postgis-3 postgis
+  postgresql-15 postgresql-15-postgis-3 postgis mariadb-server-core odbc-mariadb libsqliteodbc
   "$@"
 )
 missing=()

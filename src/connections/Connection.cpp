@@ -121,7 +121,8 @@ void Connection::TakeAddress(ConnectionAddress const &address) {
         put("service", address.scheme == "s3" ? DString() : address.scheme);
         put("bucket", address.host);
         put("prefix", JoinedPath(address.path));
-        put(Field("key").empty() ? "profile" : "key", address.user);
+        put(address.scheme == "s3" && Field("key").empty() ? "profile" : "key",
+            address.user); // others have no profiles
         return;
     case ConnectionKind::Odbc:
         put("dsn", address.host);

@@ -65,6 +65,13 @@ void RequestScope::NoteProgress(double done, double all) {
         scope->m_progress = progress;
 }
 
+std::uint64_t RequestScope::Together() {
+    for (RequestScope const *scope = t_current; scope != nullptr; scope = scope->m_outer)
+        if (scope->together != 0)
+            return scope->together;
+    return 0;
+}
+
 RequestScope *RequestScope::Listing() {
     for (RequestScope *scope = m_outer; scope != nullptr; scope = scope->m_outer)
         if (scope->m_kind == RequestKind::List)

@@ -3,6 +3,7 @@
 #include "zelvar/base/Export.h"
 
 #include <chrono>
+#include <cstdint>
 #include <functional>
 #include <optional>
 
@@ -77,6 +78,10 @@ public:
 
     /// The listing around this scope, or null.
     [[nodiscard]] RequestScope *Listing();
+    /// The number of listings that are made together, as those of two lists which show one folder: what one of them is
+    /// told of it is told the others. That of the innermost scope of this thread which has one; 0 for none.
+    [[nodiscard]] static std::uint64_t Together();
+    std::uint64_t together = 0;
     /// Of a listing: time that its probes have spent for nothing.
     std::chrono::milliseconds wasted{0};
     /// Of a listing: time that was spent on files that only a look into them can tell, or that lie on a server.

@@ -1,6 +1,7 @@
 #include "zelvar/model/ListingsShared.h"
 
 #include <algorithm>
+#include <atomic>
 #include <utility>
 
 namespace zelvar {
@@ -8,10 +9,11 @@ namespace zelvar {
 namespace {
 
 thread_local ListingsShared *t_current = nullptr;
+std::atomic<std::uint64_t> g_last{0};
 
 } // namespace
 
-ListingsShared::ListingsShared() : m_isOuter(t_current == nullptr) {
+ListingsShared::ListingsShared() : m_isOuter(t_current == nullptr), m_number(++g_last) {
     if (m_isOuter)
         t_current = this;
 }

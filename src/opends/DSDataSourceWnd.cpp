@@ -1,6 +1,7 @@
 #include "zelvar/opends/DSDataSourceWnd.h"
 
 #include "zelvar/base/Report.h"
+#include "zelvar/model/ListingsShared.h"
 #include "zelvar/opends/DSListCtrl.h"
 #include "zelvar/opends/DSMessages.h"
 #include "zelvar/opends/DataSourceList.h"
@@ -84,6 +85,7 @@ void DSDataSourceWnd::Forward(platform::MessageId message) {
 void DSDataSourceWnd::OnDataSourceSelected() { Forward(WM_DS_DATA_SOURCE_SELECTED); }
 
 void DSDataSourceWnd::OnDataSourceDblClick() {
+    ListingsShared const shared;
     SwitchToFolderView();
     Forward(m_rootChangeMessage);
 }
@@ -93,6 +95,7 @@ void DSDataSourceWnd::OnDataItemSelected() { Forward(m_selChangeMessage); }
 void DSDataSourceWnd::OnDataItemDblClick() {
     if (!IsFolderView() || m_folderList->WasDblClckBesideRows())
         return;
+    ListingsShared const shared;
     ItemList items;
     m_folderList->GetSelectedItems(items);
     if (items.empty())

@@ -53,6 +53,7 @@ void FolderListingWorker::Run() {
     m_interrupted = false;
     m_cutShort = false;
     RequestScope scope(RequestKind::List, [this] { return IsCanceled(); });
+    scope.together = m_request.together;
     std::optional<std::chrono::milliseconds> const left = scope.TimeLeft();
     m_deadline = left ? std::optional(RequestScope::Clock::now() + *left) : std::nullopt;
     std::vector<DString> rootPaths = PathsOf(m_request.roots);

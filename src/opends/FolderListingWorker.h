@@ -40,6 +40,7 @@ public:
         DLGTemplate dlgTemplate = DT_DATA;
         int bdiFilter = 0;
         DataSetFolding folding{};
+        std::uint64_t together = 0; ///< as `RequestScope::Together`
     };
 
     void SetMode(FolderListMode mode);

@@ -1,5 +1,7 @@
 #include "zelvar/opends/ServerListing.h"
 
+#include "zelvar/model/ListingsShared.h"
+
 #include <utility>
 
 namespace zelvar {
@@ -8,6 +10,8 @@ std::shared_ptr<ServerListing> ServerListing::Start(FolderListingWorker::Request
     std::shared_ptr<ServerListing> listing(new ServerListing);
     listing->m_worker.SetMode(order.mode);
     listing->m_worker.SetSort(order.sort, order.ascending);
+    if (ListingsShared const *const shared = ListingsShared::Current())
+        request.together = shared->Number();
     listing->m_worker.SetRequest(std::move(request));
     listing->m_worker.SetInterrupt([stop = &listing->m_stop] { return stop->load(); });
     listing->m_worker.PublishAsFound();

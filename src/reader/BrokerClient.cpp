@@ -15,14 +15,23 @@ namespace {
 std::atomic<int> g_socket{-1};
 
 /// The answer, and what came with it; an answer of ECONNABORTED if the application has gone.
-wire::ConnectAnswer Ask(wire::ConnectQuestion const &question, int &file) {
+wire::ConnectAnswer Ask(wire::ConnectQuestion const &question, int &file, int along = -1) {
     static auto &mutex = *new std::mutex; // threads that libraries leave behind may ask at the end
     std::lock_guard const lock(mutex);
     wire::ConnectAnswer answer;
     file = -1;
-    if (!wire::SendRecord(g_socket, question) || !wire::ReceiveRecord(g_socket, answer, file))
+    if (!wire::SendRecord(g_socket, question, along) || !wire::ReceiveRecord(g_socket, answer, file))
         return {.error = ECONNABORTED};
     return answer;
+}
+
+/// False if the name has no room.
+bool PutName(char const *name, wire::ConnectQuestion &question) {
+    std::size_t const length = std::strlen(name);
+    if (length >= question.name.size())
+        return false;
+    std::memcpy(question.name.data(), name, length);
+    return true;
 }
 
 } // namespace
@@ -42,16 +51,31 @@ int BrokerClient::Connect(wire::HostNumber const &number, std::uint16_t port) {
 
 std::vector<wire::HostNumber> BrokerClient::Resolve(char const *name, std::uint16_t port) {
     wire::ConnectQuestion question{.kind = wire::ConnectQuestion::Resolve, .port = port};
-    std::size_t const length = std::strlen(name);
-    if (length >= question.name.size())
+    if (!PutName(name, question))
         return {};
-    std::memcpy(question.name.data(), name, length);
     int file = -1;
     wire::ConnectAnswer const answer = Ask(question, file);
     if (file >= 0)
         close(file);
     auto const count = std::min<std::size_t>(answer.error == 0 ? answer.count : 0, answer.numbers.size());
     return {answer.numbers.begin(), answer.numbers.begin() + static_cast<std::ptrdiff_t>(count)};
+}
+
+void BrokerClient::KeepNote(char const *name, int file) {
+    wire::ConnectQuestion question{.kind = wire::ConnectQuestion::KeepNote};
+    int none = -1;
+    if (PutName(name, question))
+        Ask(question, none, file);
+    if (none >= 0)
+        close(none);
+}
+
+FileDescriptor BrokerClient::FindNote(char const *name, std::chrono::seconds &age) {
+    wire::ConnectQuestion question{.kind = wire::ConnectQuestion::FindNote};
+    int file = -1;
+    if (PutName(name, question))
+        age = std::chrono::seconds(Ask(question, file).age);
+    return FileDescriptor(file);
 }
 
 } // namespace zelvar::reader

@@ -1,7 +1,9 @@
 #pragma once
 
+#include "zelvar/base/FileDescriptor.h"
 #include "zelvar/data/wire/ConnectRecords.h"
 
+#include <chrono>
 #include <vector>
 
 namespace zelvar::reader {
@@ -19,6 +21,11 @@ public:
     static int Connect(wire::HostNumber const &number, std::uint16_t port);
     /// The numbers of a host; none if it is unknown, or may not be reached. Port 0 if it is not known.
     static std::vector<wire::HostNumber> Resolve(char const *name, std::uint16_t port);
+
+    /// Gives sealed memory to the application, for readers of this connection that ask for it by that name.
+    static void KeepNote(char const *name, int file);
+    /// What was given under that name in the last minutes; not open for nothing.
+    static FileDescriptor FindNote(char const *name, std::chrono::seconds &age);
 };
 
 } // namespace zelvar::reader

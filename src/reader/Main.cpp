@@ -6,6 +6,7 @@
 #include "zelvar/reader/Confinement.h"
 #include "zelvar/reader/DatabaseEnvironment.h"
 #include "zelvar/reader/DriverModules.h"
+#include "zelvar/reader/Notes.h"
 #include "zelvar/reader/ReadablePlaces.h"
 #include "zelvar/reader/Server.h"
 
@@ -113,7 +114,7 @@ ReaderDuty DutyOf(Order &order) {
                           .kind = static_cast<ConnectionKind>(std::min(order.connection->kind, most)),
                           .options = TextsOf(order.connection->options),
                           .secrets = TextsOf(order.connection->secrets)};
-    return {.connection = std::move(terms)};
+    return {.connection = std::move(terms), .findNote = &FindNote, .keepNote = &KeepNote};
 }
 
 /// Until the application closes its end. What drivers do meanwhile is cut off by the process's end: nothing is cleaned

@@ -1,6 +1,7 @@
 #include "zelvar/reader/TreeRequests.h"
 
 #include "zelvar/data/BDIDrvr.h"
+#include "zelvar/data/RequestScope.h"
 #include "zelvar/data/reader/NodeMessage.h"
 #include "zelvar/data/wire/MessageChannel.h"
 
@@ -110,15 +111,25 @@ Answer TreeRequests::ListChildren(wire::ListChildrenT const &asked) {
             return Failure(kIncomplete);
         if (tree.root != nullptr && asked.parent->path == tree.root->path)
             return WalkChildren(tree, *tree.root, asked);
-        OwnedNode const parent(tree.driver->OpenNode(tree.repository, asked.parent->path.c_str()),
-                               CloseNode{tree.driver});
-        return parent == nullptr ? Failure("no node " + asked.parent->path) : WalkChildren(tree, *parent, asked);
+        OwnedNode const known(tree.driver->OpenNode(tree.repository, asked.parent->path.c_str()),
+                              CloseNode{tree.driver});
+        if (known != nullptr)
+            return WalkChildren(tree, *known, asked);
+        // A folder that another reader has seen, which is no more: what the application knows of it is as good.
+        Answer nothing = Failure("no node " + asked.parent->path);
+        if (!tree.driver->HasPlainNodes() || (asked.parent->type & BDINode_Directory) == 0)
+            return nothing;
+        Answer told = WalkChildren(tree, NodeFrom(wire::NodeT(*asked.parent)), asked);
+        wire::ChildrenT const *const children = told.AsChildren();
+        return children != nullptr && children->nodes.empty() && !children->more ? std::move(nothing) : std::move(told);
     });
 }
 
 Answer TreeRequests::WalkChildren(OpenTrees::Tree &tree, BDINode const &parent,
                                   wire::ListChildrenT const &asked) const {
     wire::ChildrenT children;
+    RequestScope scope(RequestKind::List);
+    scope.together = asked.together;
     WalkInHand walk(tree, parent, asked, *m_stop);
     bool const inParts = asked.walk != 0;
     std::size_t bytes = 0;

@@ -13,6 +13,7 @@ namespace {
 using test::OpenedImage;
 using test::OpenedTree;
 using test::TablesTest;
+using test::WhyNotOpened;
 
 /// A database of a test's own, and readers that find a connection to it.
 struct Database : test::TablesTest {
@@ -34,14 +35,6 @@ struct Database : test::TablesTest {
         SetConnectionFinder([terms](std::string_view) { return terms; });
     }
     void Run(std::string const &statements) const { ASSERT_EQ(m_server.Execute(statements), ""); }
-    /// Why it is neither a tree, a table nor an image: all say the same, begin but for the address.
-    [[nodiscard]] DError ErrorOf(DString const &address) const {
-        DError error;
-        BDIDrvr *driver = nullptr;
-        BDINode *root = nullptr;
-        EXPECT_EQ(BDIDrvrMngr::Instance()->OpenFile(address.c_str(), &driver, &root, nullptr, &error), nullptr);
-        return error;
-    }
 
     test::PostgresServer m_server;
     test::PostgresServer::Encryption m_encryption = test::PostgresServer::Encryption::None;
@@ -141,14 +134,17 @@ TEST_F(Database, RastersAreWhatTheirFilesHold) {
         }};
     DString const file = m_folder / "height.tif";
     test::WriteImage(file, spec);
-    Run("create schema images");
+    Run("create schema images; create table images.\"o'd\" (rast raster)");
     ASSERT_EQ(m_server.Load("raster2pgsql -q -s 4326 -I -C -M -N -7 -l 2,4 -t 100x100 " + file + " images.height"), "");
     DString const address = m_address + "/images/height?COLUMN=rast";
     OpenedTree const tree(m_address + "/images", "PostgreSQL");
     std::vector<BDINode> const nodes = tree.Children(*tree.root);
-    ASSERT_EQ(nodes.size(), 1U); // its overviews are no images of their own
-    EXPECT_EQ(nodes.front().path, address);
-    EXPECT_EQ(nodes.front().type, BDINode_Raster);
+    ASSERT_EQ(nodes.size(), 2U); // its overviews are no images of their own
+    EXPECT_EQ(nodes[0].path, address);
+    EXPECT_EQ(nodes[0].type, BDINode_Raster);
+    EXPECT_EQ(nodes[0].value, "raster");
+    EXPECT_THAT(nodes[1].value, HasSubstr("cannot be read")) << nodes[1].path;
+    EXPECT_THAT(OpenedImage(nodes[1].path).error.Text(), HasSubstr("cannot be read"));
 
     OpenedImage const stored(file);
     for (DString const &name : {address, m_address + "/images/height"}) {
@@ -190,7 +186,7 @@ TEST_F(Database, AFailureSaysItsCause) {
           Row{{}, own, "/s/t/more", Missing, "names nothing in"},
           Row{{{"user", "guest"}}, "guest", "/s/t", NotPermitted, "may not read the table s.t"}}) {
         Connect(row.options, row.password);
-        DError const error = ErrorOf(m_address + row.place);
+        DError const error = WhyNotOpened(m_address + row.place);
         EXPECT_EQ(error.Why(), row.cause) << error.Text();
         EXPECT_THAT(error.Text(), HasSubstr(row.words));
     }
@@ -202,7 +198,7 @@ TEST_F(Database, AFailureSaysItsCause) {
     EXPECT_TRUE(writes.HasFailed());
     EXPECT_EQ(m_server.Execute("select count(*) from s.t"), "0\n");
     SetConnectionFinder([](std::string_view) { return ConnectionTerms{.id = "x", .missing = "No connection."}; });
-    EXPECT_EQ(ErrorOf(m_address).Why(), NoConnection);
+    EXPECT_EQ(WhyNotOpened(m_address).Why(), NoConnection);
 }
 
 TEST_F(Database, AServerThatGoesAwayIsNoEndOfATable) {
@@ -231,7 +227,7 @@ TEST_F(EncryptedDatabase, TheCertificateIsCheckedThroughTheApplicationsSocket) {
     Connect({{"host", "localhost"}, {"sslmode", "verify-full"}, {"ca", m_server.Authority()}});
     EXPECT_THAT(Read(m_address + "/s/v"), ElementsAre("ssl:" + std::to_string(ADICol_Int), "1"));
     Connect({{"sslmode", "verify-full"}, {"ca", m_server.Authority()}}); // it is no certificate of 127.0.0.1
-    EXPECT_EQ(ErrorOf(m_address).Why(), DError::Cause::Untrusted);
+    EXPECT_EQ(WhyNotOpened(m_address).Why(), DError::Cause::Untrusted);
 }
 
 TEST_F(EncryptedDatabase, ACertificateThatWasAcceptedIsTrustedAndNoOther) {
@@ -279,11 +275,7 @@ TEST_F(TablesTest, AnOdbcSourceIsListedAndRead) {
     EXPECT_THAT(rows[1], testing::EndsWith("|1|2.5|a"));
     EXPECT_THAT(rows[2], testing::EndsWith("|2||b"));
     connect("None", "", "");
-    DError error;
-    BDIDrvr *driver = nullptr;
-    BDINode *root = nullptr;
-    EXPECT_EQ(BDIDrvrMngr::Instance()->OpenFile("odbc://None", &driver, &root, nullptr, &error), nullptr);
-    EXPECT_EQ(error.Why(), DError::Cause::Missing) << error.Text();
+    EXPECT_EQ(WhyNotOpened("odbc://None").Why(), DError::Cause::Missing);
     SetConnectionFinder(nullptr);
 }
 

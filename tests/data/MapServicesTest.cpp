@@ -2,18 +2,23 @@
 #include "support/ImageFiles.h"
 #include "support/OpenedTree.h"
 #include "support/RealDrivers.h"
+#include "support/SecretWatch.h"
 #include "support/WebServers.h"
 #include "zelvar/data/Connection.h"
 #include "zelvar/data/ImageReader.h"
 #include "zelvar/data/OpenImage.h"
 #include "zelvar/data/ServerCertificate.h"
 #include "zelvar/data/gdal/services/Capabilities.h"
+#include "zelvar/data/gdal/services/ServiceDescription.h"
+#include "zelvar/data/reader/ConnectionNotes.h"
 #include "zelvar/data/tables/ADIFile.h"
+#include "zelvar/data/wire/SealedMemory.h"
 
 namespace zelvar {
 namespace {
 
 using Names = std::vector<DString>;
+using test::WhyNotOpened;
 using enum DError::Cause;
 
 constexpr char const *kMarker = "marker7secret";
@@ -24,21 +29,15 @@ constexpr int kHeight = 512;
 double HeightAt(int, int x, int y) { return (x * 7 + y * 13 + x * y % 11) % 256; }
 bool Says(DError const &error, DString const &words) { return error.Text().find(words) != DString::npos; }
 
-/// Drivers in readers, and what all of it writes into the log.
+/// Drivers in readers.
 struct MapServices : testing::Test {
     MapServices() {
         BDIDrvrMngr::Instance()->Reset();
         test::UseReaders(test::PatientReaders());
-        m_former = Report::SetTraceHandler([this](int, DString const &line) {
-            std::lock_guard const lock(m_mutex);
-            m_log += line + "\n";
-        });
     }
     ~MapServices() override {
-        Report::SetTraceHandler(m_former);
         SetConnectionFinder(nullptr);
         BDIDrvrMngr::Instance()->Reset();
-        EXPECT_EQ(m_log.find(kMarker), DString::npos) << m_log;
     }
     /// "name:type" of what lies in the node at that path of a tree, or in its root.
     static Names NamesIn(DString const &url, DString const &path = {}) {
@@ -49,13 +48,6 @@ struct MapServices : testing::Test {
         for (BDINode const &child : tree.Children(path.empty() ? *tree.root : tree.Node(path).value_or(BDINode())))
             names.push_back(child.name + ":" + std::to_string(child.type));
         return names;
-    }
-    static DError WhyNotListed(DString const &url) {
-        BDIDrvr *driver = nullptr;
-        BDINode *root = nullptr;
-        DError error;
-        EXPECT_EQ(BDIDrvrMngr::Instance()->OpenFile(url.c_str(), &driver, &root, nullptr, &error), nullptr);
-        return error;
     }
     static DError WhyNotShown(DString const &moniker) {
         DCanvas picture;
@@ -88,10 +80,8 @@ struct MapServices : testing::Test {
             terms.secrets["password"] = password;
         SetConnectionFinder([terms](std::string_view) { return terms; });
     }
-    std::mutex m_mutex;
-    DString m_log;
+    test::SecretWatch m_watch{{kMarker}};
     int m_connections = 0;
-    Report::TraceHandler m_former;
 };
 
 /// The same beside a map server with data.
@@ -135,7 +125,7 @@ TEST_F(RealMapServer, ListsWhatEachServiceOffersWithOneRequest) {
     EXPECT_EQ(NamesIn(Address("wms+"), Address("wms+") + "&LAYER=plots"), (Names{"green:2", "red & dark:2"}));
     EXPECT_EQ(NamesIn(Address("ogc+") + "&SERVICE=WFS"), Names{"Plots:12"});
     EXPECT_EQ(static_cast<long>(m_server.Requests().size()), Count("GetCapabilities")) << "asked for more than lists";
-    EXPECT_TRUE(Says(WhyNotListed(Address("wms+") + "x"), "a web page, not capabilities: MapServer Message"));
+    EXPECT_TRUE(Says(WhyNotOpened(Address("wms+") + "x"), "a web page, not capabilities: MapServer Message"));
 }
 
 TEST_F(RealMapServer, AMapIsThePixelsOfItsSource) {
@@ -166,6 +156,28 @@ TEST_F(RealMapServer, AMapIsThePixelsOfItsSource) {
     }
     EXPECT_TRUE(Says(WhyNotShown(Address("wms+") + "&LAYER=nope"), "the service has no layer \"nope\""));
     EXPECT_TRUE(Says(WhyNotShown(Address("wms+") + "&LAYER=plots&STYLE=no"), "the service has no style \"no\""));
+}
+
+TEST_F(RealMapServer, IsAskedWhatItOffersOnceForBothReadersOfItsConnection) {
+    Allow(ConnectionKind::MapService, {m_server.Place()});
+    EXPECT_EQ(NamesIn(Address("wms+")).size(), 3U);
+    ImageInfo info;
+    EXPECT_TRUE(ReadImageInfo({Address("wms+") + "&LAYER=height", nullptr}, "", nullptr, info));
+    DCanvas picture;
+    for (char const *layer : {"height", "plots&STYLE=green", "plots"})
+        EXPECT_TRUE(ReadPreview({Address("wms+") + "&LAYER=" + layer, nullptr}, "", nullptr, picture)) << layer;
+    EXPECT_EQ(Count("GetCapabilities"), 1);
+    EXPECT_EQ(Count("GetMap"), 3);
+    // What one of them has left is read like any answer.
+    Allow(ConnectionKind::MapService, {m_server.Place()});
+    auto const terms = std::make_shared<ConnectionTerms const>(TermsOf(Address("wms+")));
+    DString const request = Address("") + "&SERVICE=WMS&REQUEST=GetCapabilities";
+    std::vector<std::uint8_t> note(request.begin(), request.end());
+    for (char const c : std::string_view("\0<WMS_Capabilities><Capability/>", 32))
+        note.push_back(static_cast<std::uint8_t>(c));
+    ASSERT_TRUE(ConnectionNotes::Instance().Keep(terms, request, wire::SealBytes({note})));
+    EXPECT_TRUE(ReadImageInfo({Address("wms+") + "&LAYER=height", nullptr}, "", nullptr, info));
+    EXPECT_EQ(Count("GetCapabilities"), 2);
 }
 
 TEST_F(RealMapServer, FeaturesAreRows) {
@@ -244,7 +256,7 @@ TEST_F(MapServices, AnotherHostIsRefusedAndNamedUntilItIsAllowedAndGetsNoLogin) 
     Names const both{server.Url().substr(7), other.Url().substr(7)};
     server.SendOn(kAsked, other.Url() + kAsked);
     other.Serve(kAsked, Wms(kLayer, other.Url() + "/map"));
-    EXPECT_TRUE(Says(WhyNotListed(address), "the server sends on to " + both[1])) << m_log;
+    EXPECT_TRUE(Says(WhyNotOpened(address), "the server sends on to " + both[1])) << m_watch.Log();
     Allow(ConnectionKind::MapService, both, {{"user", "ann"}}, kMarker);
     EXPECT_EQ(NamesIn(address), Names{"a:2"});
     // One that names the other only for its maps.
@@ -257,7 +269,7 @@ TEST_F(MapServices, AnotherHostIsRefusedAndNamedUntilItIsAllowedAndGetsNoLogin) 
     EXPECT_EQ(WhyNotShown(address + "?LAYER=a").Why(), Refused);
     EXPECT_EQ(other.Connections(), before);
     server.SendOn(kAsked, server.Url() + kAsked);
-    EXPECT_TRUE(WhyNotListed(address).IsSet()) << "endless redirections";
+    EXPECT_TRUE(WhyNotOpened(address).IsSet()) << "endless redirections";
     EXPECT_LT(server.Requests().size(), 40U);
 }
 
@@ -266,7 +278,7 @@ TEST_F(MapServices, ATypedLoginStaysBesideTheName) {
     server.Demand(DString(kMarkerSent).substr(6));
     server.Serve(kAsked, Wms(kLayer, server.Url() + "/map"));
     DString const place = server.Url().substr(7) + "/ows";
-    EXPECT_EQ(WhyNotListed("wms+http://" + place).Detail(), 401);
+    EXPECT_EQ(WhyNotOpened("wms+http://" + place).Detail(), 401);
     EXPECT_EQ(NamesIn("wms+http://ann:" + DString(kMarker) + "@" + place), Names{"a:2"});
     EXPECT_TRUE(OpenImage({"wms+http://ann@" + place + "?LAYER=a", nullptr}, "", nullptr).IsOpen());
 }
@@ -314,6 +326,21 @@ TEST(Capabilities, WhatIsNoneIsNamedAndDoesNoHarm) {
     EXPECT_LT(odd->offers.size(), 40U) << "deeper than anybody looks";
 }
 
+TEST(Capabilities, GdalGetsOneTypeOfFeaturesWhereItCanBeCutOut) {
+    auto const address = services::ParseServiceAddress("wfs+https://maps.lab/ows?TYPENAME=a%26b");
+    ASSERT_TRUE(address);
+    DString const head = "<w:WFS_Capabilities xmlns:w=\"w\"><w:FeatureTypeList>";
+    DString const tail = "</w:FeatureTypeList><x/></w:WFS_Capabilities>";
+    DString const wanted = "<w:FeatureType a='1'><w:Name>a&amp;b</w:Name></w:FeatureType>";
+    DString const others = "\n<w:FeatureType>\n<w:Name>a</w:Name></w:FeatureType>";
+    DString const begin = "<OGRWFSDataSource><URL>https://maps.lab/ows</URL>";
+    DString const end = "</OGRWFSDataSource>";
+    EXPECT_EQ(services::DescribeFeatures(*address, head + others + wanted + others + tail),
+              begin + head + "\n" + wanted + tail + end);
+    for (DString const &odd : {head + "<!-- <w:FeatureType> -->" + wanted + tail, head + others + tail})
+        EXPECT_EQ(services::DescribeFeatures(*address, odd), begin + odd + end);
+}
+
 TEST(ServiceAddresses, WhatWasAskedWithTlsIsNotAskedWithout) {
     using services::PlaceToAsk;
     EXPECT_EQ(PlaceToAsk("https://maps.lab:8443/ows?map=x", "http://MAPS.lab/cgi?m&"), "https://maps.lab:8443/cgi?m&");
@@ -338,20 +365,20 @@ TEST_F(WebFolders, ATlsServerOfAPrivateAuthorityWithALogin) {
     Names const inside{"v1.2 data:1025", "x 1%2.tif:2"};
     DString const url = "https://" + server.Place();
     Allow(ConnectionKind::WebFolder, {server.Place()});
-    EXPECT_EQ(WhyNotListed(url + "/open/").Why(), Untrusted);
-    EXPECT_TRUE(Says(WhyNotListed(url + "/open/"), "the certificate of " + server.Place() + " is not trusted"));
+    EXPECT_EQ(WhyNotOpened(url + "/open/").Why(), Untrusted);
+    EXPECT_TRUE(Says(WhyNotOpened(url + "/open/"), "the certificate of " + server.Place() + " is not trusted"));
     DString const ca = server.Folder() / "ca.pem";
     Allow(ConnectionKind::WebFolder, {server.Place()}, {{"ca", ca}});
     EXPECT_EQ(NamesIn(url + "/open/"), inside);
     for (auto const &[folder, status, words] : {std::tuple{"/private/", 401, "wants a login"},
                                                 {"/closed/", 403, "refuses access"},
                                                 {"/none/", 404, "has nothing there"}}) {
-        DError const error = WhyNotListed(url + folder);
+        DError const error = WhyNotOpened(url + folder);
         EXPECT_EQ(error.Detail(), status) << error.Text();
         EXPECT_TRUE(Says(error, words)) << error.Text();
     }
     Allow(ConnectionKind::WebFolder, {server.Place()}, {{"ca", ca}, {"user", "ann"}}, "wrong");
-    EXPECT_TRUE(Says(WhyNotListed(url + "/private/"), "does not know the user or the password"));
+    EXPECT_TRUE(Says(WhyNotOpened(url + "/private/"), "does not know the user or the password"));
     Allow(ConnectionKind::WebFolder, {server.Place()}, {{"ca", ca}, {"user", "ann"}}, kMarker);
     EXPECT_EQ(NamesIn(url + "/private/"), inside);
     ImageInfo info;

@@ -4,9 +4,13 @@
 #include "support/RealDriversTest.h"
 #include "support/Test.h"
 #include "zelvar/data/ImageReader.h"
+#include "zelvar/data/RequestScope.h"
 
 namespace zelvar {
 namespace {
+
+using test::PathsIn;
+using test::WhyNotOpened;
 
 /// An object store on the loopback interface that checks signatures.
 struct Stores : test::RealDriversTest {
@@ -33,21 +37,6 @@ struct Stores : test::RealDriversTest {
     }
     void Bucket(std::string const &name, test::StoreAnswers::Bucket bucket) {
         Store([&](test::StoreAnswers &store) { store.SetBucket(name, std::move(bucket)); });
-    }
-    static DError WhyNot(DString const &place) {
-        BDIDrvr *driver = nullptr;
-        BDINode *root = nullptr;
-        DError error;
-        EXPECT_EQ(BDIDrvrMngr::Instance()->OpenFile(place.c_str(), &driver, &root, nullptr, &error), nullptr) << place;
-        return error;
-    }
-    static std::vector<DString> Paths(DString const &place) {
-        std::vector<DString> paths;
-        test::OpenedTree const tree(place);
-        if (tree)
-            for (BDINode const &child : tree.Children(*tree.root))
-                paths.push_back(child.path);
-        return paths;
     }
     test::HttpServer m_server;
     std::set<std::string> m_set;
@@ -105,6 +94,33 @@ TEST_F(Stores, WalksOfOneTreeGoOnBesideEachOther) {
     EXPECT_EQ(m_server.Requests().size(), 6U);
 }
 
+TEST_F(Stores, ListingsThatAreMadeTogetherAskForAPageOnce) {
+    test::StoreAnswers::Bucket bucket;
+    for (int i = 0; i < 1500; ++i)
+        bucket.keys.push_back(Format("a/%04d.%s", i, i % 3 == 0 ? "img" : "tif"));
+    Bucket("big", bucket);
+    test::OpenedTree const tree("s3://big/a");
+    ASSERT_TRUE(tree);
+    auto const count = [&](std::uint64_t together, char const *names) {
+        RequestScope scope(RequestKind::List);
+        scope.together = together;
+        void *const walk = tree.driver->FindFirstChildNamed(tree.repository, tree.root, 0xFF, names);
+        std::size_t children = 0;
+        while (walk != nullptr && tree.driver->FindNextChildNode(walk) != nullptr)
+            ++children;
+        tree.driver->FindClose(walk);
+        return std::pair(children, m_server.Requests().size());
+    };
+    using Seen = std::pair<std::size_t, std::size_t>; // children, and requests so far
+    EXPECT_EQ(count(7, ""), Seen(1500, 2));
+    EXPECT_EQ(count(7, "*.img"), Seen(500, 2)) << "another mask of the same names";
+    EXPECT_EQ(count(7, "00*"), Seen(100, 3)) << "a beginning is asked of the store";
+    EXPECT_EQ(count(7, ""), Seen(1500, 5));
+    EXPECT_EQ(count(8, ""), Seen(1500, 7)) << "who comes back wants to know how it is now";
+    EXPECT_EQ(count(0, ""), Seen(1500, 9));
+    EXPECT_EQ(count(8, ""), Seen(1500, 11));
+}
+
 TEST_F(Stores, AStoreThatGoesRoundInACircleComesToAnEnd) {
     Bucket("round", {.keys = {"a.tif", "b.tif", "c.tif"}, .repeats = true});
     test::OpenedTree const tree("s3://round");
@@ -116,9 +132,9 @@ TEST_F(Stores, AStoreThatGoesRoundInACircleComesToAnEnd) {
 TEST_F(Stores, BucketsAreListedAndTheAccountStaysInTheAddress) {
     Bucket("field", {.keys = {"a/x y.tif", "b.tif", std::string(5000, 'n') + ".tif", "../up.tif"}});
     Bucket("lab", {});
-    EXPECT_THAT(Paths("s3://"), ElementsAre("s3://field", "s3://lab"));
-    EXPECT_THAT(Paths("s3://me@"), ElementsAre("s3://me@field", "s3://me@lab"));
-    EXPECT_THAT(Paths("s3://me@field"), ElementsAre("s3://me@field/a", "s3://me@field/b.tif"));
+    EXPECT_THAT(PathsIn("s3://"), ElementsAre("s3://field", "s3://lab"));
+    EXPECT_THAT(PathsIn("s3://me@"), ElementsAre("s3://me@field", "s3://me@lab"));
+    EXPECT_THAT(PathsIn("s3://me@field"), ElementsAre("s3://me@field/a", "s3://me@field/b.tif"));
     test::WriteImage(m_folder / "x.tif", {.width = 41});
     m_server.Serve("/field/a/x%20y.tif", test::ReadFile(m_folder / "x.tif"));
     ImageInfo info;
@@ -143,21 +159,21 @@ TEST_F(Stores, AMaskThatBeginsWithLettersIsTheStoresToRegard) {
 TEST_F(Stores, WhatIsWrongWithAKeyIsToldInWords) {
     using enum DError::Cause;
     Bucket("field", {.keys = {"a.tif"}});
-    EXPECT_THAT(WhyNot("s3://nope").Text(), HasSubstr("NoSuchBucket: there is no such bucket"));
-    EXPECT_EQ(Paths("s3://field").size(), 1U);
+    EXPECT_THAT(WhyNotOpened("s3://nope").Text(), HasSubstr("NoSuchBucket: there is no such bucket"));
+    EXPECT_EQ(PathsIn("s3://field").size(), 1U);
     Store([](test::StoreAnswers &store) { store.Demand("id", "other"); });
-    DError const wrongSecret = WhyNot("s3://field");
+    DError const wrongSecret = WhyNotOpened("s3://field");
     EXPECT_THAT(wrongSecret.Text(), HasSubstr("SignatureDoesNotMatch: the secret key is wrong"));
     EXPECT_EQ(wrongSecret.Why(), NotPermitted);
     Store([](test::StoreAnswers &store) { store.Demand("other", "other"); });
-    EXPECT_THAT(WhyNot("s3://field").Text(), HasSubstr("InvalidAccessKeyId: the store does not know the key"));
+    EXPECT_THAT(WhyNotOpened("s3://field").Text(), HasSubstr("InvalidAccessKeyId: the store does not know the key"));
     for (auto const &[code, more, words] : test::Rows<char const *, char const *, char const *>{
              {"AccessDenied", "", "may not list here"},
              {"RequestTimeTooSkewed",
               "<RequestTime>20240102T100500Z</RequestTime><ServerTime>2024-01-02T10:00:00Z</ServerTime>",
               "clock is wrong (5 min fast)"}}) {
         Store([&](test::StoreAnswers &store) { store.Refuse(403, code, more); });
-        EXPECT_THAT(WhyNot("s3://field").Text(), AllOf(HasSubstr(code), HasSubstr(words)));
+        EXPECT_THAT(WhyNotOpened("s3://field").Text(), AllOf(HasSubstr(code), HasSubstr(words)));
     }
 }
 

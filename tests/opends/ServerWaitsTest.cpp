@@ -244,5 +244,21 @@ TEST_F(ServerPlaces, RowsOfAStoreComeAsItSendsThemAndAreKeptAfterAStop) {
     });
 }
 
+TEST_F(ServerPlaces, TheListsOfAPlaceAreFilledByOneWalk) {
+    StoreAnswers::Bucket bucket;
+    for (int i = 0; i < 1500; ++i)
+        bucket.keys.push_back((i % 2 == 0 ? "f" : "k") + KeyOf(i) + (i % 2 == 0 ? "/x.tif" : ""));
+    server.OnStore([&](StoreAnswers &store) { store.SetBucket("big", bucket); });
+    Run([&] {
+        GoTo("s3://big/");
+        EXPECT_TRUE(Eventually(
+            [&] { return dialog->MainList()->GetNumRow() >= 750 && dialog->FolderList()->GetNumRow() >= 750; }));
+        EXPECT_EQ(server.Requests().size(), 2U) << "a page once";
+        dialog->MainList()->setFocus();
+        Press(Qt::Key_F5);
+        EXPECT_TRUE(Eventually([&] { return server.Requests().size() >= 4; })) << "as it is now";
+    });
+}
+
 } // namespace
 } // namespace zelvar::test

@@ -52,4 +52,23 @@ public:
     void *repository = nullptr;
 };
 
+/// The paths of what lies in a place, with what is told of each behind it; none if it does not open.
+inline std::vector<DString> PathsIn(DString const &url, char const *driverId = nullptr) {
+    std::vector<DString> paths;
+    OpenedTree const tree(url, driverId);
+    if (tree)
+        for (BDINode const &child : tree.Children(*tree.root))
+            paths.push_back(child.path + (child.value.empty() ? "" : " " + child.value));
+    return paths;
+}
+
+/// Why no driver opens it as a tree.
+inline DError WhyNotOpened(DString const &url) {
+    BDIDrvr *driver = nullptr;
+    BDINode *root = nullptr;
+    DError error;
+    EXPECT_EQ(BDIDrvrMngr::Instance()->OpenFile(url.c_str(), &driver, &root, nullptr, &error), nullptr) << url;
+    return error;
+}
+
 } // namespace zelvar::test

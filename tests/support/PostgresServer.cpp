@@ -2,19 +2,11 @@
 
 #include "zelvar/base/DString.h"
 
-#include <csignal>
 #include <cstdlib>
 #include <filesystem>
-#include <thread>
 #include <tuple>
 
-#include <fcntl.h>
-#include <grp.h>
-#include <netinet/in.h>
 #include <pwd.h>
-#include <sys/prctl.h>
-#include <sys/socket.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace zelvar::test {
@@ -23,55 +15,7 @@ namespace {
 
 constexpr char kPrograms[] = "/usr/lib/postgresql/15/bin/";
 constexpr char kPasswordFile[] = "password";
-
-/// Programs of the server refuse the superuser: in a child, before its program.
-void LeaveSuperuser() {
-    passwd const *const user =
-        geteuid() == 0 ? getpwnam("postgres") : nullptr; // NOLINT(concurrency-mt-unsafe): a child
-    if (user == nullptr)
-        return;
-    std::ignore = setgroups(0, nullptr);
-    std::ignore = setgid(user->pw_gid);
-    std::ignore = setuid(user->pw_uid);
-}
-
-/// Starts a program as the server's user, its output to the end of a file.
-pid_t Begin(std::vector<std::string> const &words, std::string const &output) {
-    std::vector<char *> arguments;
-    for (std::string const &word : words)
-        arguments.push_back(const_cast<char *>(word.c_str())); // NOLINT(cppcoreguidelines-pro-type-const-cast)
-    arguments.push_back(nullptr);
-    pid_t const process = fork();
-    if (process != 0)
-        return process;
-    int const out = open(output.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0644);
-    dup2(open("/dev/null", O_RDONLY | O_CLOEXEC), 0);
-    dup2(out, 1);
-    dup2(out, 2);
-    close_range(3, ~0U, 0);
-    LeaveSuperuser();
-    prctl(PR_SET_PDEATHSIG, SIGQUIT); // behind the change of user, which takes it back
-    execv(arguments[0], arguments.data());
-    _exit(127);
-}
-
-bool Succeeds(pid_t process) {
-    int status = 0;
-    return process > 0 && waitpid(process, &status, 0) == process && WIFEXITED(status) && WEXITSTATUS(status) == 0;
-}
-
-/// A port that nobody has at this moment.
-int FreePort() {
-    int const listener = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t size = sizeof address;
-    auto *const general = reinterpret_cast<sockaddr *>(&address);
-    bool const isBound = bind(listener, general, size) == 0 && getsockname(listener, general, &size) == 0;
-    close(listener);
-    return isBound ? ntohs(address.sin_port) : 0;
-}
+constexpr char kUserOfServer[] = "postgres"; // programs of the server refuse the superuser
 
 std::string Quoted(std::string const &word) {
     std::string quoted = "'";
@@ -89,8 +33,6 @@ std::string OutputOf(std::string const &line) {
 }
 
 } // namespace
-
-PostgresServer::~PostgresServer() { Stop(); }
 
 std::string PostgresServer::MakeCertificates() const {
     std::string const folder = Quoted(m_folder.Path());
@@ -110,32 +52,31 @@ std::string PostgresServer::Start(Encryption encryption) {
     if (encryption == Encryption::Required)
         if (std::string fault = MakeCertificates(); !fault.empty())
             return fault;
-    if (passwd const *const user = getpwnam("postgres");
+    if (passwd const *const user = getpwnam(kUserOfServer);
         geteuid() == 0 && user != nullptr) { // NOLINT(concurrency-mt-unsafe): one thread
         std::ignore = chown(m_folder.Path().c_str(), user->pw_uid, user->pw_gid);
         for (auto const &entry : std::filesystem::directory_iterator(m_folder.Path()))
             std::ignore = chown(entry.path().c_str(), user->pw_uid, user->pw_gid);
     }
     std::string const log = m_folder / "initdb.log";
-    if (!Succeeds(test::Begin({std::string(kPrograms) + "initdb", "-D", m_folder / "data", "-U", kUser,
-                               "--pwfile=" + m_folder / kPasswordFile, "-A", "scram-sha-256", "-E", "UTF8",
-                               "--locale=C", "--no-sync"},
-                              log)))
+    if (!ServerProcess::Succeeds({.words = {std::string(kPrograms) + "initdb", "-D", m_folder / "data", "-U", kUser,
+                                            "--pwfile=" + m_folder / kPasswordFile, "-A", "scram-sha-256", "-E", "UTF8",
+                                            "--locale=C", "--no-sync"},
+                                  .log = log,
+                                  .user = kUserOfServer}))
         return "no database (postgresql-15): " + ReadFile(log);
-    constexpr int kTries = 5; // another may take the port before
-    bool isUp = false;
-    for (int i = 0; i < kTries && !isUp; ++i) {
-        m_port = FreePort();
-        isUp = Begin();
-    }
-    if (!isUp)
+    m_port = StartAtFreePort([this](int port) {
+        m_port = port;
+        return StartAgain();
+    });
+    if (m_port == 0)
         return "the server does not start: " + ReadFile(m_folder / "log");
     std::string made = OutputOf(Psql(kUser) + " -d postgres -c 'create database field'");
     made += Execute("create extension postgis; create extension postgis_raster");
     return made.empty() ? made : "no PostGIS (postgresql-15-postgis-3): " + made;
 }
 
-bool PostgresServer::Begin() {
+bool PostgresServer::StartAgain() {
     std::vector<std::string> words{std::string(kPrograms) + "postgres",
                                    "-D",
                                    m_folder / "data",
@@ -159,23 +100,10 @@ bool PostgresServer::Begin() {
               std::string("-c"), "ssl_key_file=" + m_folder / "server.key"})
             words.push_back(word);
     std::size_t const before = ReadFile(m_folder / "log").size();
-    m_process = test::Begin(words, m_folder / "log");
-    for (int status = 0; waitpid(m_process, &status, WNOHANG) == 0; std::this_thread::yield())
-        if (ReadFile(m_folder / "log").find("ready to accept connections", before) != std::string::npos)
-            return true;
-    m_process = -1;
-    return false;
+    return m_process.Start({.words = words, .log = m_folder / "log", .user = kUserOfServer, .ending = SIGQUIT}, [&] {
+        return ReadFile(m_folder / "log").find("ready to accept connections", before) != std::string::npos;
+    });
 }
-
-void PostgresServer::Stop() {
-    if (m_process <= 0)
-        return;
-    kill(m_process, SIGQUIT);
-    waitpid(m_process, nullptr, 0);
-    m_process = -1;
-}
-
-bool PostgresServer::StartAgain() { return Begin(); }
 
 std::string PostgresServer::Psql(std::string const &user) const {
     return "PGAPPNAME=kit PGSSLMODE=prefer PGPASSWORD=" + Quoted(kPassword) +

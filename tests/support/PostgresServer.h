@@ -1,11 +1,9 @@
 #pragma once
 
-#include "support/TestFiles.h"
+#include "support/ServerProcess.h"
 
 #include <string>
 #include <vector>
-
-#include <sys/types.h>
 
 namespace zelvar::test {
 
@@ -18,12 +16,10 @@ public:
     static constexpr char const *kPassword = "MARKER:7\\%41 pw";
     enum class Encryption { None, Required };
 
-    PostgresServer() = default;
-    ~PostgresServer();
     /// Makes the database and waits until it takes connections. Else what keeps it from doing so.
     [[nodiscard]] std::string Start(Encryption encryption = Encryption::None);
     /// Ends it at once; its files stay. `StartAgain` at the same port.
-    void Stop();
+    void Stop() { m_process.End(); }
     [[nodiscard]] bool StartAgain();
 
     [[nodiscard]] int Port() const { return m_port; }
@@ -37,15 +33,14 @@ public:
     [[nodiscard]] std::vector<std::string> TakeStatements(std::string const &application = "zelvar");
 
 private:
-    [[nodiscard]] bool Begin();
     [[nodiscard]] std::string MakeCertificates() const;
     [[nodiscard]] std::string Psql(std::string const &user) const;
 
     TempFolder m_folder;
     Encryption m_encryption = Encryption::None;
     int m_port = 0;
-    pid_t m_process = -1;
     std::size_t m_logSeen = 0; ///< bytes
+    ServerProcess m_process;
 };
 
 } // namespace zelvar::test

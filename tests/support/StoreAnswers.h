@@ -4,12 +4,13 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace zelvar::test {
 
-/// What an object store says: the XML of its listings and refusals, and whether a request is signed as it demands
-/// (AWS, version 4). Requests are given as their head: the first line and those of the headers.
+/// What an object store says: the XML of its listings and refusals, and whether a request is signed as it demands, in
+/// Amazon's way (version 4) or Google's. Requests are given as their head: the first line and those of the headers.
 class StoreAnswers {
 public:
     struct Bucket {
@@ -21,6 +22,11 @@ public:
     void SetBucket(std::string const &name, Bucket bucket);
     /// Only who signs with this key is served.
     void Demand(std::string key, std::string secret);
+    /// The same, and from now on it speaks as Azure does: containers lie below the account's name.
+    void DemandAsAzure(std::string account, std::string secret) {
+        Demand(std::move(account), std::move(secret));
+        m_isAzure = true;
+    }
     /// Whatever is asked is refused with that status and code; `more` stands beside the code.
     void Refuse(int status, std::string code, std::string more = {});
 
@@ -34,11 +40,12 @@ public:
 private:
     [[nodiscard]] std::optional<Answer> RefusalOf(std::string const &request) const;
     [[nodiscard]] std::string Buckets() const;
-    [[nodiscard]] static std::string Page(Bucket const &bucket, std::map<std::string, std::string> const &query);
+    [[nodiscard]] std::string Page(Bucket const &bucket, std::map<std::string, std::string> const &query) const;
 
     std::map<std::string, Bucket> m_buckets;
     std::string m_key; ///< empty where nothing is demanded
     std::string m_secret;
+    bool m_isAzure = false;
     std::optional<Answer> m_refusal;
 };
 

@@ -2,36 +2,12 @@
 
 #include "support/Test.h"
 #include "zelvar/base/DString.h"
-#include "zelvar/platform/os/TcpProbe.h"
 
-#include <csignal>
-#include <thread>
-
-#include <arpa/inet.h>
-#include <fcntl.h>
-#include <sys/prctl.h>
-#include <sys/socket.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace zelvar::test {
 
 namespace {
-
-/// One that nobody listens on now.
-int FreePort() {
-    int const listener = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t size = sizeof address;
-    auto *const general = reinterpret_cast<sockaddr *>(&address);
-    EXPECT_EQ(bind(listener, general, size), 0);
-    EXPECT_EQ(getsockname(listener, general, &size), 0);
-    close(listener);
-    return ntohs(address.sin_port);
-}
 
 std::string Replaced(std::string text, std::string const &word, std::string const &by) {
     for (std::size_t at = 0; (at = text.find(word, at)) != std::string::npos; at += by.size())
@@ -39,47 +15,20 @@ std::string Replaced(std::string text, std::string const &word, std::string cons
     return text;
 }
 
-pid_t Run(std::vector<std::string> const &words, std::string const &log) {
-    std::vector<char *> arguments;
-    for (std::string const &word : words)
-        arguments.push_back(const_cast<char *>(word.c_str())); // NOLINT(cppcoreguidelines-pro-type-const-cast)
-    arguments.push_back(nullptr);
-    pid_t const process = fork();
-    if (process == 0) {
-        prctl(PR_SET_PDEATHSIG, SIGKILL);
-        dup2(open("/dev/null", O_RDONLY), 0);
-        dup2(open(log.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0600), 1);
-        dup2(1, 2);
-        close_range(3, ~0U, 0);
-        execvp(arguments[0], arguments.data());
-        _exit(127);
-    }
-    return process;
-}
-
 } // namespace
-
-WebServer::~WebServer() {
-    if (m_process <= 0)
-        return;
-    kill(m_process, SIGKILL);
-    waitpid(m_process, nullptr, 0);
-}
 
 bool WebServer::Start(std::vector<std::string> const &program, std::string const &settings) {
     m_folder.Folder("files");
     m_folder.Folder("run");
-    // Somebody else may have taken the port meanwhile.
-    for (int i = 0; i < 5; ++i) {
-        m_port = FreePort();
+    m_port = StartAtFreePort([&](int port) {
+        m_port = port;
         m_folder.Write("settings",
-                       Replaced(Replaced(settings, "@T@", m_folder.Path()), "@PORT@", std::to_string(m_port)));
-        m_process = Run(program, m_folder / "run/said");
-        for (int status = 0; waitpid(m_process, &status, WNOHANG) == 0; std::this_thread::yield())
-            if (!platform::TryToConnect(Place(), 100))
-                return true;
-        m_process = -1; // it has ended
-    }
+                       Replaced(Replaced(settings, "@T@", m_folder.Path()), "@PORT@", std::to_string(port)));
+        return m_process.Start({.words = program, .log = m_folder / "run/said"},
+                               [&] { return TakesConnections(port); });
+    });
+    if (m_port != 0)
+        return true;
     ADD_FAILURE() << program.front() << " does not start: " << ReadFile(m_folder / "run/said");
     return false;
 }

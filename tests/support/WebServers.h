@@ -1,10 +1,8 @@
 #pragma once
 
-#include "support/TestFiles.h"
+#include "support/ServerProcess.h"
 
 #include <vector>
-
-#include <sys/types.h>
 
 namespace zelvar::test {
 
@@ -12,7 +10,6 @@ namespace zelvar::test {
 /// process however that goes.
 class WebServer : Pinned {
 public:
-    ~WebServer();
     /// False, with a failure of the test, unless it takes connections. In the settings "@T@" stands for the folder and
     /// "@PORT@" for a free port.
     [[nodiscard]] bool Start(std::vector<std::string> const &program, std::string const &settings);
@@ -39,7 +36,7 @@ private:
     void Certify() const;
     TempFolder m_folder;
     int m_port = 0;
-    pid_t m_process = -1;
+    ServerProcess m_process;
 };
 
 } // namespace zelvar::test

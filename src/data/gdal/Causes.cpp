@@ -278,7 +278,8 @@ DError ErrorOfStore(DString const &subject, DString const &code, DString const &
     bool const isMissing = code.starts_with("NoSuch") || code.ends_with("NotFound");
     bool const isRefused = code == "AccessDenied" || code == "InvalidAccessKeyId" || code == "SignatureDoesNotMatch" ||
                            code == "ExpiredToken" || code == "InvalidToken" || code == "RequestTimeTooSkewed" ||
-                           code == "AuthenticationFailed" || code == "AuthorizationFailure";
+                           code == "AuthenticationFailed" || code.starts_with("Authorization") ||
+                           code == "NoAuthenticationInformation" || code == "PublicAccessNotPermitted";
     return Because("\"" + subject + "\": " + code, isMissing   ? Cause::Missing
                                                    : isRefused ? Cause::NotPermitted
                                                                : Cause::Server);

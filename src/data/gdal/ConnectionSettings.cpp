@@ -17,11 +17,11 @@ constexpr Setting kOfTheWeb[] = {{"ca", "SSL_CERT_FILE"},
                                  {"ca", "CURL_CA_BUNDLE"},
                                  {"seconds", "GDAL_HTTP_CONNECTTIMEOUT"},
                                  {"seconds", "GDAL_HTTP_LOW_SPEED_TIME"}};
-constexpr Setting kOfStores[] = {{"endpoint", "AWS_S3_ENDPOINT"},
+constexpr Setting kOfAmazon[] = {{"endpoint", "AWS_S3_ENDPOINT"},
                                  {"region", "AWS_REGION"},
                                  {"profile", "AWS_PROFILE"},
                                  {"key", "AWS_ACCESS_KEY_ID"}};
-constexpr Setting kSecretsOfStores[] = {{"key", "AWS_SECRET_ACCESS_KEY"}, {"token", "AWS_SESSION_TOKEN"}};
+constexpr Setting kSecretsOfAmazon[] = {{"key", "AWS_SECRET_ACCESS_KEY"}, {"token", "AWS_SESSION_TOKEN"}};
 
 using Texts = std::map<DString, DString>;
 
@@ -37,19 +37,75 @@ void SetAll(Texts const &texts, Settings const &settings) {
             CPLSetConfigOption(setting.setting, value.c_str());
 }
 
+DString SchemeOf(ConnectionTerms const &terms) {
+    return ValueOf(terms.options, "https") == "no" ? "http://" : "https://";
+}
+
+bool IsUnsigned(ConnectionTerms const &terms) { return ValueOf(terms.options, "unsigned") == "yes"; }
+
+void TellOfAmazon(ConnectionTerms const &terms) {
+    SetAll(terms.options, kOfAmazon);
+    SetAll(terms.secrets, kSecretsOfAmazon);
+    if (DString const addressing = ValueOf(terms.options, "addressing"); !addressing.empty())
+        CPLSetConfigOption("AWS_VIRTUAL_HOSTING", addressing == "path" ? "NO" : "YES");
+    if (ValueOf(terms.options, "https") == "no")
+        CPLSetConfigOption("AWS_HTTPS", "NO");
+    if (IsUnsigned(terms))
+        CPLSetConfigOption("AWS_NO_SIGN_REQUEST", "YES");
+}
+
+/// The name of an account: what stands before "@" in addresses.
+DString AccountOf(ConnectionTerms const &terms) {
+    DString const key = ValueOf(terms.options, "key");
+    return key.empty() ? ValueOf(terms.options, "profile") : key;
+}
+
+/// Keys of the kind that other stores have, too; without one GDAL looks for a file of a service's account.
+void TellOfGoogle(ConnectionTerms const &terms) {
+    if (DString const endpoint = ValueOf(terms.options, "endpoint"); !endpoint.empty())
+        CPLSetConfigOption("CPL_GS_ENDPOINT", (SchemeOf(terms) + endpoint + "/").c_str());
+    if (DString const secret = ValueOf(terms.secrets, "key"); !secret.empty()) {
+        CPLSetConfigOption("GS_ACCESS_KEY_ID", AccountOf(terms).c_str());
+        CPLSetConfigOption("GS_SECRET_ACCESS_KEY", secret.c_str());
+    }
+    if (IsUnsigned(terms))
+        CPLSetConfigOption("GS_NO_SIGN_REQUEST", "YES");
+}
+
+/// With a key, or a signature that somebody has given for a while ("sv=...&sig=..."), all in one text, which comes
+/// before whatever the environment says.
+void TellOfAzure(ConnectionTerms const &terms) {
+    DString const account = AccountOf(terms);
+    DString const told = ValueOf(terms.options, "endpoint");
+    DString const endpoint = told.empty() ? "blob.core.windows.net" : told;
+    bool const isInPath = ValueOf(terms.options, "addressing") == "path";
+    DString const place = SchemeOf(terms) + (isInPath ? endpoint + "/" + account : account + "." + endpoint);
+    DString const key = IsUnsigned(terms) ? DString() : ValueOf(terms.secrets, "key");
+    std::string_view const secret = std::string_view(key).substr(key.starts_with('?') ? 1 : 0);
+    if (secret.empty()) {
+        if (!account.empty())
+            CPLSetConfigOption("AZURE_STORAGE_ACCOUNT", account.c_str());
+        if (!told.empty())
+            CPLSetConfigOption("CPL_AZURE_ENDPOINT", place.c_str());
+        if (IsUnsigned(terms)) {
+            CPLSetConfigOption("AZURE_STORAGE_CONNECTION_STRING", "");
+            CPLSetConfigOption("AZURE_NO_SIGN_REQUEST", "YES");
+        }
+        return;
+    }
+    bool const isSignature = secret.find("sig=") != std::string_view::npos;
+    DString const text = "AccountName=" + account + ";BlobEndpoint=" + place +
+                         (isSignature ? ";SharedAccessSignature=" : ";AccountKey=") + DString(secret);
+    CPLSetConfigOption("AZURE_STORAGE_CONNECTION_STRING", text.c_str());
+}
+
 } // namespace
 
 void TellGdal(ConnectionTerms const &terms) {
     SetAll(terms.options, kOfTheWeb);
     if (terms.kind == ConnectionKind::ObjectStore) {
-        SetAll(terms.options, kOfStores);
-        SetAll(terms.secrets, kSecretsOfStores);
-        if (DString const addressing = ValueOf(terms.options, "addressing"); !addressing.empty())
-            CPLSetConfigOption("AWS_VIRTUAL_HOSTING", addressing == "path" ? "NO" : "YES");
-        if (ValueOf(terms.options, "https") == "no")
-            CPLSetConfigOption("AWS_HTTPS", "NO");
-        if (ValueOf(terms.options, "unsigned") == "yes")
-            CPLSetConfigOption("AWS_NO_SIGN_REQUEST", "YES");
+        DString const service = ValueOf(terms.options, "service");
+        (service == "gs" ? TellOfGoogle : service == "az" ? TellOfAzure : TellOfAmazon)(terms);
         return;
     }
     DString const user = ValueOf(terms.options, "user");

@@ -114,6 +114,7 @@ public:
     [[nodiscard]] std::unique_ptr<FolderListing> Begin(DString const &folder, DString const &mask) const override {
         return IsOfStore(folder) ? ListStore(folder, PrefixOf(mask)) : nullptr;
     }
+    [[nodiscard]] DString ListingKey(DString const &mask) const override { return PrefixOf(mask); }
     [[nodiscard]] DString PathOf(DString const &folder, FolderEntry const &entry) const override {
         return IsOfStore(folder) ? ObjectIn(folder, entry.name) : folder + "/" + PercentEncoded(entry.name);
     }

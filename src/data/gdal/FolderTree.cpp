@@ -3,6 +3,7 @@
 #include "zelvar/base/NaturalOrder.h"
 #include "zelvar/base/PathStyle.h"
 #include "zelvar/data/DataFolderLook.h"
+#include "zelvar/data/RequestScope.h"
 #include "zelvar/data/gdal/FolderPlaces.h"
 
 #include <algorithm>
@@ -44,16 +45,62 @@ FolderTree::FolderTree(FolderPlace const &place, DString root, DString filter)
     m_root = MakeNode(kDirectoryNode, root, name.empty() ? root : std::move(name));
 }
 
+/// One listing of a folder. What has come of it is kept for as long as somebody else may want it.
+class FolderTree::Listed {
+public:
+    struct Part {
+        std::vector<FolderEntry> entries{};
+        DError error{};
+    };
+    /// `listing` null: the first part is all.
+    Listed(DString folder, DString key, std::unique_ptr<FolderListing> listing)
+        : m_folder(std::move(folder)), m_key(std::move(key)), m_listing(std::move(listing)) {}
+    [[nodiscard]] DString const &Folder() const { return m_folder; }
+    [[nodiscard]] bool IsOf(DString const &folder, DString const &key) const {
+        return m_folder == folder && m_key == key;
+    }
+    [[nodiscard]] bool IsInParts() const { return m_listing != nullptr; }
+    [[nodiscard]] bool Has(std::size_t part) const {
+        return part < m_parts.size() || (m_listing != nullptr && !m_listing->IsAtEnd());
+    }
+    /// One behind the last that has come is waited for.
+    [[nodiscard]] Part &Get(std::size_t part) {
+        if (part == m_parts.size()) {
+            Part next;
+            next.error = m_listing->Next(next.entries);
+            m_parts.push_back(std::move(next));
+        }
+        return m_parts[part];
+    }
+    void PutAll(Part part) { m_parts.push_back(std::move(part)); }
+
+private:
+    DString m_folder;
+    DString m_key; ///< of its place, see `FolderPlace::ListingKey`
+    std::unique_ptr<FolderListing> m_listing;
+    std::vector<Part> m_parts;
+};
+
+FolderTree::ListedPtr FolderTree::Begin(DString const &folder, DString const &mask) const {
+    auto listed = std::make_shared<Listed>(folder, m_place.ListingKey(mask), m_place.Begin(folder, mask));
+    if (!listed->IsInParts()) {
+        Listed::Part all;
+        all.error = m_place.List(folder, all.entries);
+        listed->PutAll(std::move(all));
+    }
+    return listed;
+}
+
 bool FolderTree::CanList(DError &error) {
     if (std::optional<bool> const known = m_place.CanList(m_root.path))
         return *known;
-    std::vector<FolderEntry> entries;
-    m_restOfRoot = m_place.Begin(m_root.path, m_filter);
-    error = m_restOfRoot == nullptr ? m_place.List(m_root.path, entries) : m_restOfRoot->Next(entries);
-    if (error.IsSet() && entries.empty())
+    ListedPtr listed = Begin(m_root.path, m_filter);
+    Listed::Part const &first = listed->Get(0);
+    if (first.error.IsSet() && first.entries.empty()) {
+        error = first.error;
         return false;
-    m_error = std::exchange(error, {});
-    m_listedRoot = MakeNodes(m_root.path, std::move(entries), {});
+    }
+    m_last = std::move(listed);
     return true;
 }
 
@@ -94,57 +141,47 @@ std::vector<BDINode> FolderTree::Children(BDINode const &parent) const {
     return nodes;
 }
 
-/// Children of a folder that comes in parts, or all at once.
+/// Children of a folder, by the parts in which it comes.
 class FolderTree::Cursor : public ChildCursor {
 public:
-    /// `listing` null: what `first` holds is all.
-    Cursor(FolderTree const &tree, DString folder, DString names, std::optional<std::vector<BDINode>> first,
-           std::unique_ptr<FolderListing> listing)
-        : m_tree(tree), m_folder(std::move(folder)), m_names(std::move(names)), m_first(std::move(first)),
-          m_listing(std::move(listing)) {}
+    Cursor(FolderTree const &tree, ListedPtr listed, DString const &names)
+        : m_tree(tree), m_listed(std::move(listed)), m_names(m_listed->IsInParts() ? names : DString()) {}
 
     bool Next(std::vector<BDINode> &part) override {
         if (IsAtEnd())
             return false;
-        if (m_first) {
-            part = *std::exchange(m_first, std::nullopt);
-        } else {
-            std::vector<FolderEntry> entries;
-            m_tree.m_error = m_listing->Next(entries);
-            part = m_tree.MakeNodes(m_folder, std::move(entries), m_names);
-        }
+        Listed::Part &came = m_listed->Get(m_next++);
+        m_tree.m_error = came.error;
+        bool const isLast = m_listed.use_count() == 1;
+        part = m_tree.MakeNodes(m_listed->Folder(), isLast ? std::move(came.entries) : came.entries, m_names);
         m_tree.Remember(part);
         return true;
     }
-    [[nodiscard]] bool IsAtEnd() const override { return !m_first && (m_listing == nullptr || m_listing->IsAtEnd()); }
+    [[nodiscard]] bool IsAtEnd() const override { return !m_listed->Has(m_next); }
 
 private:
     FolderTree const &m_tree;
-    DString m_folder;
+    ListedPtr m_listed;
     DString m_names;
-    std::optional<std::vector<BDINode>> m_first;
-    std::unique_ptr<FolderListing> m_listing;
+    std::size_t m_next = 0;
 };
 
 std::unique_ptr<ChildCursor> FolderTree::OpenChildren(BDINode const &parent, DString const &names) const {
-    auto const make = [&](std::optional<std::vector<BDINode>> first, std::unique_ptr<FolderListing> rest) {
-        return std::make_unique<Cursor>(*this, parent.path, names, std::move(first), std::move(rest));
-    };
-    if (parent.path == m_root.path && m_listedRoot) {
-        auto listed = std::exchange(m_listedRoot, std::nullopt);
-        auto rest = std::move(m_restOfRoot);
-        if (rest == nullptr || names.empty())
-            return make(std::move(listed), std::move(rest));
-    }
     m_error.Clear();
-    if ((parent.type & BDINode_Directory) == 0)
-        return make((parent.type & BDINode_Container) != 0 ? m_inner.Of(parent) : std::vector<BDINode>(), nullptr);
+    if ((parent.type & BDINode_Directory) == 0) {
+        auto nodes = (parent.type & BDINode_Container) != 0 ? m_inner.Of(parent) : std::vector<BDINode>();
+        Remember(nodes);
+        return WholeChildren(std::move(nodes));
+    }
     // A store lists what begins alike without the rest; of two masks one is left for here.
-    if (auto listing = m_place.Begin(parent.path, m_filter.empty() ? names : m_filter))
-        return make(std::nullopt, std::move(listing));
-    std::vector<FolderEntry> entries;
-    m_error = m_place.List(parent.path, entries);
-    return make(MakeNodes(parent.path, std::move(entries), {}), nullptr);
+    DString const &mask = m_filter.empty() ? names : m_filter;
+    std::uint64_t const together = RequestScope::Together();
+    bool const isSame = m_last != nullptr && m_last->IsOf(parent.path, m_place.ListingKey(mask)) &&
+                        (m_lastTogether == 0 || m_lastTogether == together);
+    ListedPtr listed = isSame ? m_last : Begin(parent.path, mask);
+    m_last = together == 0 ? nullptr : listed;
+    m_lastTogether = together;
+    return std::make_unique<Cursor>(*this, std::move(listed), names);
 }
 
 std::optional<BDINode> FolderTree::Find(DString const &path) const {

@@ -43,6 +43,8 @@ public:
         static_cast<void>(folder), static_cast<void>(mask);
         return nullptr;
     }
+    /// What of such a mask decides what is asked for: listings of a folder with the same are the same.
+    [[nodiscard]] virtual DString ListingKey(DString const &) const { return {}; }
     /// Whether the folder can be listed, where that can be told without listing it.
     [[nodiscard]] virtual std::optional<bool> CanList(DString const &) const { return std::nullopt; }
     /// The path or address of a child.
@@ -75,16 +77,19 @@ public:
 
 private:
     class Cursor;
+    class Listed;
+    using ListedPtr = std::shared_ptr<Listed>;
     [[nodiscard]] std::vector<BDINode> MakeNodes(DString const &folder, std::vector<FolderEntry> entries,
                                                  DString const &names) const;
     void Remember(std::vector<BDINode> const &nodes) const;
+    [[nodiscard]] ListedPtr Begin(DString const &folder, DString const &mask) const;
 
     FolderPlace const &m_place; ///< lives as long as the process
     BDINode m_root;
     DString m_filter;
     // One thread at a time uses a tree.
-    mutable std::optional<std::vector<BDINode>> m_listedRoot; ///< all of it, or its first part
-    mutable std::unique_ptr<FolderListing> m_restOfRoot;      ///< null if that is all
+    mutable ListedPtr m_last;                 ///< that of opening, or one that others will ask for, too; else null
+    mutable std::uint64_t m_lastTogether = 0; ///< who those are, see `RequestScope::Together`; 0 for any
     mutable std::unordered_map<DString, BDINode> m_listed;
     mutable InnerMembers m_inner;
     mutable DError m_error; ///< of the last listing

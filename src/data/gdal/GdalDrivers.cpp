@@ -12,8 +12,7 @@
 #include "zelvar/data/gdal/TableDriver.h"
 #include "zelvar/data/gdal/ZipTree.h"
 #include "zelvar/data/gdal/database/DatabaseTableDriver.h"
-#include "zelvar/data/gdal/database/OdbcTree.h"
-#include "zelvar/data/gdal/database/PostgresTree.h"
+#include "zelvar/data/gdal/database/DatabaseTreeDriver.h"
 #include "zelvar/data/tables/ADIDriverMngr.h"
 
 namespace zelvar {
@@ -26,8 +25,8 @@ void RegisterGdalDrivers() {
     for (gdal::FolderKind const kind : {gdal::FolderKind::Directory, gdal::FolderKind::Smb, gdal::FolderKind::Web})
         trees.Add(std::make_unique<gdal::FolderDriver>(kind));
     trees.Add(std::make_unique<gdal::MapServiceDriver>());
-    trees.Add(std::make_unique<gdal::PostgresDriver>());
-    trees.Add(std::make_unique<gdal::OdbcDriver>());
+    for (ConnectionKind const kind : {ConnectionKind::PostgreSql, ConnectionKind::Odbc})
+        trees.Add(std::make_unique<gdal::DatabaseTreeDriver>(kind));
     trees.Add(std::make_unique<gdal::ZipDriver>());
     for (gdal::Format const &format : gdal::Formats::Instance().All()) {
         trees.Add(std::make_unique<gdal::ContainerDriver>(format));

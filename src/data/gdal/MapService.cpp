@@ -45,10 +45,10 @@ public:
         auto const at = std::ranges::find(m_kept, request, &Kept::request);
         return at != m_kept.end() && Clock::now() - at->since < kHolds ? at->service : nullptr;
     }
-    void Keep(DString const &request, std::shared_ptr<KnownService const> service) {
+    void Keep(DString const &request, std::shared_ptr<KnownService const> service, std::chrono::seconds age) {
         std::lock_guard const lock(m_mutex);
         m_kept.remove_if([&](Kept const &kept) { return kept.request == request; });
-        m_kept.push_front({request, std::move(service), Clock::now()});
+        m_kept.push_front({request, std::move(service), Clock::now() - age});
         if (m_kept.size() > kMost)
             m_kept.pop_back();
     }
@@ -86,6 +86,23 @@ void TellLogin(ServiceAddress const &address) {
     if (!full || full->login.find(':') == DString::npos)
         return;
     CPLSetConfigOption("GDAL_HTTP_USERPWD", PercentDecoded(full->login).c_str());
+}
+
+std::shared_ptr<KnownService const> Known(services::Capabilities capabilities, std::string_view answer) {
+    return std::shared_ptr<KnownService const>(new KnownService{std::move(capabilities), MemoryFile(answer)});
+}
+
+/// What the other reader of this connection was told; nobody is asked for that. Null for nothing of use.
+std::shared_ptr<KnownService const> TakeNote(Service service, DString const &request) {
+    ReaderDuty const *const duty = OwnDuty();
+    auto const note = duty == nullptr || !duty->findNote ? std::nullopt : duty->findNote(request);
+    DError unread;
+    auto capabilities = note ? services::ReadCapabilities(service, note->content, unread) : std::nullopt;
+    if (!capabilities)
+        return nullptr;
+    auto known = Known(std::move(*capabilities), note->content);
+    Memory::Instance().Keep(request, known, note->age);
+    return known;
 }
 
 /// The version that the address asks for, or the definition of the connection, which speaks of one service.
@@ -235,8 +252,12 @@ std::shared_ptr<KnownService const> AskService(ServiceAddress const &address, Se
                                                DError &error) {
     DString const request = RequestFor(address, service);
     auto &memory = Memory::Instance();
-    if (auto known = freshness == Freshness::Lately ? memory.Find(request) : nullptr)
-        return known;
+    if (freshness == Freshness::Lately) {
+        if (auto known = memory.Find(request))
+            return known;
+        if (auto known = TakeNote(service, request))
+            return known;
+    }
     TellLogin(address);
     DError unanswered;
     DString answer = Ask(address.connection, request, unanswered);
@@ -248,8 +269,10 @@ std::shared_ptr<KnownService const> AskService(ServiceAddress const &address, Se
         error = unanswered.IsSet() && unread.Why() != Cause::Server ? unanswered : unread;
         return nullptr;
     }
-    std::shared_ptr<KnownService const> known(new KnownService{std::move(*capabilities), MemoryFile(answer)});
-    memory.Keep(request, known);
+    auto known = Known(std::move(*capabilities), answer);
+    memory.Keep(request, known, {});
+    if (ReaderDuty const *const duty = OwnDuty(); duty != nullptr && duty->keepNote)
+        duty->keepNote(request, answer);
     return known;
 }
 

@@ -49,7 +49,13 @@ constexpr std::array kWords{
     CodeWords{"AccessDenied", "the key may not list here; give a prefix that it may list, or an object's full name"},
     CodeWords{"RequestTimeTooSkewed", "this computer's clock is wrong"},
     CodeWords{"ExpiredToken", "the login has expired"},
-    CodeWords{"AuthenticationFailed", "the store does not accept the key"},
+    // Of Azure.
+    CodeWords{"ContainerNotFound", "there is no such container"},
+    CodeWords{"InvalidResourceName", "that is no name of a container"},
+    CodeWords{"AuthenticationFailed", "the account's key is wrong, or this computer's clock is"},
+    CodeWords{"AuthorizationFailure", "the account may not list here"},
+    CodeWords{"AuthorizationPermissionMismatch", "the account may not list here"},
+    CodeWords{"NoAuthenticationInformation", "the store wants a key"},
 };
 
 } // namespace

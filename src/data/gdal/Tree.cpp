@@ -33,7 +33,6 @@ struct Walk {
     }
 };
 
-/// Children that are all there.
 class ListedChildren : public ChildCursor {
 public:
     explicit ListedChildren(std::vector<BDINode> nodes) : m_nodes(std::move(nodes)) {}
@@ -80,18 +79,22 @@ std::unique_ptr<ChildCursor> ChildrenOf(Tree const &tree, BDINode const &parent,
                                         DString const &names) {
     DString const rootPath = tree.Root().path;
     if (parent.path == rootPath + kFilters)
-        return std::make_unique<ListedChildren>(FilterNodes(tree, rootPath));
+        return WholeChildren(FilterNodes(tree, rootPath));
     if (parent.path != rootPath || mask != BDINode_Table || tree.Filters().empty())
         return tree.OpenChildren(parent, names);
     std::vector<BDINode> nodes = tree.Children(parent);
     nodes.insert(nodes.begin(), MakeNode(BDINode_Table, rootPath + kFilters, "Filters"));
-    return std::make_unique<ListedChildren>(std::move(nodes));
+    return WholeChildren(std::move(nodes));
 }
 
 } // namespace
 
+std::unique_ptr<ChildCursor> WholeChildren(std::vector<BDINode> nodes) {
+    return std::make_unique<ListedChildren>(std::move(nodes));
+}
+
 std::unique_ptr<ChildCursor> Tree::OpenChildren(BDINode const &parent, DString const &) const {
-    return std::make_unique<ListedChildren>(Children(parent));
+    return WholeChildren(Children(parent));
 }
 
 BDINode MakeNode(std::uint32_t type, DString path, DString name) {

@@ -82,6 +82,9 @@ protected:
     static void *Hand(std::unique_ptr<Tree> tree, DString const &url, BDINode **root);
 };
 
+/// Children that are all there.
+[[nodiscard]] std::unique_ptr<ChildCursor> WholeChildren(std::vector<BDINode> nodes);
+
 [[nodiscard]] BDINode MakeNode(std::uint32_t type, DString path, DString name);
 
 } // namespace zelvar::gdal

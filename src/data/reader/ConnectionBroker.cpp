@@ -1,5 +1,7 @@
 #include "zelvar/data/reader/ConnectionBroker.h"
 
+#include "zelvar/data/reader/ConnectionNotes.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
@@ -131,22 +133,34 @@ void ConnectionBroker::Run() {
         wire::ConnectQuestion question;
         int file = -1;
         bool const isQuestion = wire::ReceiveRecord(m_socket.Get(), question, file);
-        if (file >= 0)
-            close(file); // none is ever sent this way
+        FileDescriptor brought(file);
         if (!isQuestion || m_isEnding)
-            return;
+            break;
         Patience const patience(m_terms->connectTime, m_wake.Get(), m_socket.Get(),
                                 [this] { return m_isStopped || m_isEnding; });
         wire::ConnectAnswer answer;
         FileDescriptor made(-1);
+        ConnectionNotes::Note note;
         auto const port = static_cast<std::uint16_t>(question.port);
-        if (question.kind == wire::ConnectQuestion::Resolve)
+        switch (question.kind) {
+        case wire::ConnectQuestion::Resolve:
             answer = Resolve(TextIn(question.name), port, patience);
-        else
+            break;
+        case wire::ConnectQuestion::KeepNote:
+            if (!ConnectionNotes::Instance().Keep(m_terms, TextIn(question.name), std::move(brought)))
+                answer.error = EINVAL;
+            break;
+        case wire::ConnectQuestion::FindNote:
+            note = ConnectionNotes::Instance().Find(*m_terms, TextIn(question.name));
+            answer.age = static_cast<std::uint32_t>(note.age.count());
+            break;
+        default:
             made = Connect(question.number, port, patience, answer.error);
-        if (!wire::SendRecord(m_socket.Get(), answer, made.Get()))
-            return;
+        }
+        if (!wire::SendRecord(m_socket.Get(), answer, note.file != nullptr ? note.file->Get() : made.Get()))
+            break;
     }
+    ConnectionNotes::Instance().Tidy(); // readers that nobody needs end after a while
 }
 
 wire::ConnectAnswer ConnectionBroker::Resolve(DString const &host, std::uint16_t port, Patience const &patience) {

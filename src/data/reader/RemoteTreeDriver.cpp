@@ -2,6 +2,7 @@
 
 #include "zelvar/base/TypedSecrets.h"
 #include "zelvar/data/BDIDrvrMngr.h"
+#include "zelvar/data/RequestScope.h"
 #include "zelvar/data/reader/AnswerReading.h"
 #include "zelvar/data/reader/Readers.h"
 #include "zelvar/data/reader/TreeProbes.h"
@@ -153,6 +154,7 @@ void *RemoteTreeDriver::FindFirstChildNamed(void *repository, BDINode const *nod
     walk->question.parent = ToWire(*node);
     walk->question.mask = mask;
     walk->question.names = names == nullptr ? "" : names;
+    walk->question.together = RequestScope::Together();
     walk->question.walk = Readers::Instance().NextId();
     Of(repository).walkError.Clear();
     FetchPart(*walk);

@@ -3,12 +3,17 @@
 #include "zelvar/base/Export.h"
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 
 namespace zelvar::wire {
 
 // What a reader that may not connect asks of its application, and what it gets, over a socket of its own that keeps
-// records apart. One question has one answer; a connection comes as a descriptor beside it.
+// records apart. One question has one answer; a connection comes as a descriptor beside it. Over the same socket go
+// notes: what one reader of a connection knows, for the other one, as sealed memory.
+
+/// Bytes of the longest note.
+inline constexpr std::size_t kLongestNote = std::size_t{49} << 20U;
 
 /// A number of a host on the network.
 struct HostNumber {
@@ -20,16 +25,22 @@ struct HostNumber {
 };
 
 struct ConnectQuestion {
-    enum Kind : std::uint32_t { Resolve = 1, Connect = 2 };
+    enum Kind : std::uint32_t {
+        Resolve = 1,
+        Connect = 2,
+        KeepNote = 3, ///< the memory comes along
+        FindNote = 4,
+    };
     std::uint32_t kind = 0;
-    std::uint32_t port = 0; ///< 0 for not known, which a name alone may have
-    HostNumber number{};    ///< to connect to
-    std::array<char, 256> name{};
+    std::uint32_t port = 0;       ///< 0 for not known, which a name alone may have
+    HostNumber number{};          ///< to connect to
+    std::array<char, 256> name{}; ///< of a host, or of a note
 };
 
 struct ConnectAnswer {
     std::int32_t error = 0; ///< of the system; 0 for none
     std::uint32_t count = 0;
+    std::uint32_t age = 0;               ///< of a note, seconds
     std::array<HostNumber, 8> numbers{}; ///< of the name, so many
 };
 

@@ -1,6 +1,6 @@
 #include "zelvar/data/wire/MessageChannel.h"
 
-#include "zelvar/data/wire/FileNote.h"
+#include "zelvar/data/wire/FileMessage.h"
 
 #include <algorithm>
 #include <array>
@@ -57,19 +57,14 @@ MessageChannel::Result MessageChannel::Send(std::span<std::uint8_t const> messag
         std::size_t const bodyDone = done < sizeof head ? 0 : done - sizeof head;
         parts[0] = {reinterpret_cast<char *>(&head) + (sizeof head - headLeft), headLeft};
         parts[1] = {const_cast<std::uint8_t *>(message.data()) + bodyDone, message.size() - bodyDone};
-        msghdr out{};
-        out.msg_iov = parts.data();
-        out.msg_iovlen = parts.size();
-        FileNote note{};
-        if (file >= 0 && done == 0)
-            PutFile(out, note, file);
-        ssize_t const sent = sendmsg(m_socket.Get(), &out, MSG_NOSIGNAL | MSG_DONTWAIT);
+        FileMessage out(parts.data(), parts.size());
+        ssize_t const sent = out.Send(m_socket.Get(), done == 0 ? file : -1, MSG_DONTWAIT);
         if (sent > 0) {
             done += static_cast<std::size_t>(sent);
         } else if (sent < 0 && (errno == EAGAIN || errno == ENOBUFS)) {
             if (Result const waited = WaitFor(POLLOUT, deadline); waited != Result::Done)
                 return waited;
-        } else if (sent == 0 || errno != EINTR) {
+        } else {
             return Result::Gone;
         }
     }
@@ -79,15 +74,10 @@ MessageChannel::Result MessageChannel::Send(std::span<std::uint8_t const> messag
 MessageChannel::Result MessageChannel::ReceiveHead(Clock::time_point deadline) {
     while (m_headBytes < sizeof m_head) {
         iovec part{reinterpret_cast<char *>(&m_head) + m_headBytes, sizeof m_head - m_headBytes};
-        FileNote note{};
-        msghdr in{};
-        in.msg_iov = &part;
-        in.msg_iovlen = 1;
-        in.msg_control = note.bytes.data();
-        in.msg_controllen = note.bytes.size();
-        ssize_t const got = recvmsg(m_socket.Get(), &in, MSG_DONTWAIT | MSG_CMSG_CLOEXEC);
+        int file = -1;
+        ssize_t const got = FileMessage(&part, 1).Receive(m_socket.Get(), file, MSG_DONTWAIT);
         if (got > 0) {
-            if (int const file = TakeFile(in); file >= 0) {
+            if (file >= 0) {
                 if (int const former = std::exchange(m_file, file); former >= 0) {
                     close(former);
                     return Result::Damaged;
@@ -97,7 +87,7 @@ MessageChannel::Result MessageChannel::ReceiveHead(Clock::time_point deadline) {
         } else if (got < 0 && errno == EAGAIN) {
             if (Result const waited = WaitFor(POLLIN, deadline); waited != Result::Done)
                 return waited;
-        } else if (got == 0 || errno != EINTR) {
+        } else {
             return Result::Gone;
         }
     }

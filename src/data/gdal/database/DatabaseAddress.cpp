@@ -92,6 +92,12 @@ std::optional<DatabaseAddress> InOwnDatabase(ConnectionKind kind, std::string_vi
     return std::nullopt;
 }
 
+char const *DatabaseId(ConnectionKind kind) { return kind == ConnectionKind::Odbc ? "ODBC" : "PostgreSQL"; }
+
+char const *DatabaseInfo(ConnectionKind kind) {
+    return kind == ConnectionKind::Odbc ? "ODBC data source" : "PostgreSQL database";
+}
+
 std::set<DString> WantedSchemas(ConnectionTerms const *terms) {
     std::set<DString> wanted;
     auto const named = terms == nullptr ? std::map<DString, DString>::const_iterator() : terms->options.find("schemas");

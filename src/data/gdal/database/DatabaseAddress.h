@@ -34,6 +34,9 @@ struct DatabaseAddress {
 /// address of that kind.
 [[nodiscard]] std::optional<DatabaseAddress> InOwnDatabase(ConnectionKind kind, std::string_view address,
                                                            DError *error);
+/// What drivers of that kind of database are called, and what users read of them.
+[[nodiscard]] char const *DatabaseId(ConnectionKind kind);
+[[nodiscard]] char const *DatabaseInfo(ConnectionKind kind);
 /// The schemas that such a connection keeps to; none for all.
 [[nodiscard]] std::set<DString> WantedSchemas(ConnectionTerms const *terms);
 

@@ -13,11 +13,9 @@ zelvar::OpenTable &Of(void *handle) { return *static_cast<zelvar::OpenTable *>(h
 
 } // namespace
 
-DString DatabaseTableDriver::GetId() const { return m_kind == ConnectionKind::Odbc ? "ODBC" : "PostgreSQL"; }
+DString DatabaseTableDriver::GetId() const { return DatabaseId(m_kind); }
 
-DString DatabaseTableDriver::GetInfo() const {
-    return m_kind == ConnectionKind::Odbc ? "ODBC data source" : "PostgreSQL database";
-}
+DString DatabaseTableDriver::GetInfo() const { return DatabaseInfo(m_kind); }
 
 void *DatabaseTableDriver::OpenTable(BDIMoniker const &moniker, StopSignal const *stop, DError *error) {
     auto const address = InOwnDatabase(m_kind, moniker.GetText(), error);

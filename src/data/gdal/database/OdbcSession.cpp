@@ -27,6 +27,7 @@ struct StateCause {
 constexpr StateCause kStates[] = {
     {"IM002", Cause::Missing},      // no such data source
     {"IM003", Cause::NotSupported}, // its driver cannot be loaded
+    {"01000", Cause::NotSupported}, // nor found, which is told as a warning
     {"IM", Cause::NotSupported},    {"28", Cause::NotPermitted}, {"42S02", Cause::Missing},
     {"42S22", Cause::Missing},      {"HYT", Cause::Late},        {"08", Cause::NoAnswer},
     {"HYC00", Cause::NotSupported}, {"HY001", Cause::TooLarge},
@@ -74,6 +75,17 @@ DString Value(DString const &value) {
     for (char const c : value)
         text.append(c == '}' ? 2 : 1, c);
     return text + "}";
+}
+
+DString HexOf(std::string_view bytes) {
+    constexpr std::string_view digits = "0123456789abcdef";
+    DString text;
+    text.reserve(2 * bytes.size());
+    for (char const c : bytes) {
+        auto const byte = static_cast<unsigned char>(c);
+        text.append(1, digits[byte >> 4U]).append(1, digits[byte & 0xFU]);
+    }
+    return text;
 }
 
 /// What the list of data sources says of ours; empty if nothing.
@@ -157,8 +169,10 @@ std::unique_ptr<OdbcStatement> OdbcSession::Tables(DString const &subject, DErro
     auto asked = NewStatement();
     DString const any = "%";
     DString const types = "TABLE,VIEW";
-    if (asked != nullptr &&
-        IsGood(SQLTables(asked->m_statement, nullptr, 0, nullptr, 0, Chars(any), SQL_NTS, Chars(types), SQL_NTS)))
+    DString const catalog = HasCatalogsAlone() ? OwnCatalog() : DString();
+    if (asked != nullptr && IsGood(SQLTables(asked->m_statement, catalog.empty() ? nullptr : Chars(catalog),
+                                             static_cast<SQLSMALLINT>(catalog.size()), nullptr, 0, Chars(any), SQL_NTS,
+                                             Chars(types), SQL_NTS)))
         return asked;
     Tell(subject, asked == nullptr ? SQL_HANDLE_DBC : SQL_HANDLE_STMT,
          asked == nullptr ? m_connection : asked->m_statement, error);
@@ -177,6 +191,22 @@ DString OdbcSession::Quoted(DString const &name) const {
     for (char const c : name)
         quoted.append(c == quote ? 2 : 1, c);
     return quoted + quote;
+}
+
+bool OdbcSession::HasCatalogsAlone() const {
+    SQLUINTEGER schemas = 0;
+    SQLUINTEGER catalogs = 0;
+    SQLGetInfo(m_connection, SQL_SCHEMA_USAGE, &schemas, sizeof schemas, nullptr);
+    SQLGetInfo(m_connection, SQL_CATALOG_USAGE, &catalogs, sizeof catalogs, nullptr);
+    return schemas == 0 && (catalogs & SQL_CU_DML_STATEMENTS) != 0;
+}
+
+DString OdbcSession::OwnCatalog() const {
+    std::array<char, 256> name{};
+    SQLINTEGER size = 0;
+    bool const isTold = IsGood(SQLGetConnectAttr(m_connection, SQL_ATTR_CURRENT_CATALOG, name.data(),
+                                                 static_cast<SQLINTEGER>(name.size() - 1), &size));
+    return isTold && DString(name.data()) != "null" ? DString(name.data()) : DString(); // some say so for none
 }
 
 OdbcStatement::~OdbcStatement() { SQLFreeHandle(SQL_HANDLE_STMT, m_statement); }
@@ -205,22 +235,28 @@ OdbcStatement::Next OdbcStatement::Step() {
     return result == SQL_NO_DATA ? Next::End : IsGood(result) ? Next::Row : Next::Failed;
 }
 
-DString OdbcStatement::Text(int column, std::size_t most) {
+DString OdbcStatement::Value(int column, OdbcForm form, std::size_t most) {
     DString text;
     std::array<char, 4096> piece{};
     SQLLEN size = 0;
+    SQLSMALLINT const wanted = form == OdbcForm::Text     ? SQL_C_CHAR
+                               : form == OdbcForm::Digits ? SQL_C_BINARY
+                                                          : SQL_C_BIT;
+    std::size_t const room = piece.size() - (form == OdbcForm::Text ? 1 : 0); // texts come with a zero
     while (text.size() < most) {
-        SQLRETURN const result = SQLGetData(m_statement, static_cast<SQLUSMALLINT>(column + 1), SQL_C_CHAR,
-                                            piece.data(), static_cast<SQLLEN>(piece.size()), &size);
+        SQLRETURN const result = SQLGetData(m_statement, static_cast<SQLUSMALLINT>(column + 1), wanted, piece.data(),
+                                            static_cast<SQLLEN>(piece.size()), &size);
         if (!IsGood(result) || size == SQL_NULL_DATA)
             break;
-        bool const isCut = size == SQL_NO_TOTAL || size >= static_cast<SQLLEN>(piece.size());
-        text.append(piece.data(), isCut ? piece.size() - 1 : static_cast<std::size_t>(std::max<SQLLEN>(size, 0)));
+        bool const isCut = size == SQL_NO_TOTAL || size > static_cast<SQLLEN>(room);
+        text.append(piece.data(), isCut ? room : static_cast<std::size_t>(std::max<SQLLEN>(size, 0)));
         if (!isCut)
             break;
     }
     text.resize(std::min(text.size(), most));
-    return text;
+    if (form == OdbcForm::Flag)
+        return text.empty() ? text : DString(text.front() == 0 ? "0" : "1");
+    return form == OdbcForm::Digits ? HexOf(text) : text;
 }
 
 } // namespace zelvar::gdal

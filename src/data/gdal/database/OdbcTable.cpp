@@ -7,7 +7,7 @@ namespace zelvar::gdal {
 
 namespace {
 
-constexpr std::size_t kMostBytes = std::size_t{128} * 1024; // digits of a value that is bytes
+constexpr std::size_t kMostBytes = std::size_t{64} * 1024; // of a value that is bytes
 
 ADIColType TypeOf(int type) {
     switch (type) {
@@ -28,17 +28,18 @@ ADIColType TypeOf(int type) {
     }
 }
 
-bool IsBytes(int type) { return type == SQL_BINARY || type == SQL_VARBINARY || type == SQL_LONGVARBINARY; }
+OdbcForm FormOf(int type) {
+    if (type == SQL_BINARY || type == SQL_VARBINARY || type == SQL_LONGVARBINARY)
+        return OdbcForm::Digits;
+    return type == SQL_BIT ? OdbcForm::Flag : OdbcForm::Text;
+}
 
 } // namespace
 
 std::unique_ptr<OdbcTable> OdbcTable::Open(DatabaseAddress const &address, StopSignal const *stop, DError *error) {
-    if (address.schema.empty()) {
-        if (error != nullptr)
-            error->Set("\"" + address.ToText() + "\" is no table", DError::Cause::NotSupported);
-        return nullptr;
-    }
     std::unique_ptr<OdbcTable> table(new OdbcTable(address, stop));
+    if (!table->Names(address.schema, error))
+        return nullptr;
     table->m_session = OdbcSession::Open(error);
     if (table->m_session == nullptr || !table->Begin(error))
         return nullptr;
@@ -46,7 +47,7 @@ std::unique_ptr<OdbcTable> OdbcTable::Open(DatabaseAddress const &address, StopS
         ADIColumn shown{.name = {}, .type = TypeOf(column.type)};
         AppendText(shown.name, column.name, ADIDriver::kMostCellBytes);
         table->m_columns.push_back(std::move(shown));
-        table->m_most.push_back(IsBytes(column.type) ? kMostBytes : ADIDriver::kMostCellBytes);
+        table->m_forms.push_back(FormOf(column.type));
     }
     if (!table->m_columns.empty())
         return table;
@@ -92,7 +93,8 @@ bool OdbcTable::Step() {
 bool OdbcTable::Append(ADIRows &rows) const {
     std::size_t const begin = rows.texts.size();
     for (std::size_t i = 0; i < m_columns.size(); ++i) {
-        AppendText(rows.texts, m_rows->Text(static_cast<int>(i), m_most[i]), m_most[i]);
+        std::size_t const most = m_forms[i] == OdbcForm::Digits ? kMostBytes : ADIDriver::kMostCellBytes;
+        AppendText(rows.texts, m_rows->Value(static_cast<int>(i), m_forms[i], most), 2 * most);
         if (rows.texts.size() - begin > ADIDriver::kMostRowBytes)
             return false;
         rows.ends.push_back(static_cast<std::uint32_t>(rows.texts.size()));

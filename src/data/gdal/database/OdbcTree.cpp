@@ -66,9 +66,10 @@ bool OdbcTree::List() const {
     m_children.clear();
     m_nodes.clear();
     std::set<DString> const wanted = WantedSchemas(OwnDatabase(ConnectionKind::Odbc));
+    int const folder = session->HasCatalogsAlone() ? kCatalog : kSchema;
     OdbcStatement::Next next = OdbcStatement::Next::Row;
     while (m_nodes.size() < kMostTables && (next = rows->Step()) == OdbcStatement::Next::Row) {
-        DString const schema = rows->Text(kSchema, kLongestName);
+        DString const schema = rows->Text(folder, kLongestName);
         DString const table = rows->Text(kTable, kLongestName);
         if (!table.empty() && (wanted.empty() || wanted.contains(schema)))
             Add(schema, table, rows->Text(kType, kLongestName));
@@ -92,11 +93,6 @@ std::vector<BDINode> OdbcTree::Children(BDINode const &parent) const {
 std::optional<BDINode> OdbcTree::Find(DString const &path) const {
     auto const at = m_nodes.find(path);
     return at == m_nodes.end() ? std::nullopt : std::optional(at->second);
-}
-
-std::unique_ptr<Tree> OdbcDriver::OpenTree(DString const &url, DString const &, DError &error) const {
-    auto const address = InOwnDatabase(ConnectionKind::Odbc, url, &error);
-    return address ? OdbcTree::Open(*address, error) : nullptr;
 }
 
 } // namespace zelvar::gdal

@@ -7,8 +7,8 @@
 
 namespace zelvar::gdal {
 
-/// An ODBC data source: schemas, and in them tables and views. What has no schemas has its tables at once. All are
-/// asked for together.
+/// An ODBC data source: schemas, and in them tables and views. What has catalogs and no schemas has those for it, and
+/// what has neither its tables at once. All are asked for together.
 class OdbcTree : public Tree {
 public:
     /// Null, with the reason in `error`, if it cannot be listed.
@@ -30,20 +30,6 @@ private:
     mutable std::map<DString, BDINode> m_nodes;                 ///< by path
     mutable bool m_isFresh = false;                             ///< nobody has seen what was listed
     mutable DError m_error;                                     ///< of the last listing
-};
-
-/// Tree driver "ODBC". It opens addresses in readers of a connection to such a source alone.
-class OdbcDriver : public TreeDriver {
-public:
-    [[nodiscard]] DString GetId() const override { return "ODBC"; }
-    [[nodiscard]] DString GetInfo() const override { return "ODBC data source"; }
-    [[nodiscard]] DString GetExtensions() const override { return {}; }
-    [[nodiscard]] bool CanReadPath(DString const &) const override { return false; }
-
-protected:
-    [[nodiscard]] std::unique_ptr<Tree> OpenTree(DString const &url, DString const &filter,
-                                                 DError &error) const override;
-    [[nodiscard]] bool HoldsMultipleImages() const override { return false; }
 };
 
 } // namespace zelvar::gdal

@@ -18,15 +18,14 @@ std::optional<Source> Refuse(DError *error, DString const &reason, DError::Cause
 /// A value in the name that GDAL takes apart.
 DString Value(char const *key, DString const &value) { return zelvar::Format(" %s='%s'", key, value.c_str()); }
 
-/// What the driver of these names cannot take: it puts them between quotes of both kinds without a second look.
-bool IsTaken(DString const &name) { return name.find_first_of("'\"\\") == DString::npos; }
-
 DString DatabaseOf(ConnectionTerms const &terms) {
     auto const at = terms.options.find("database");
     return at == terms.options.end() ? DString() : at->second;
 }
 
 } // namespace
+
+bool IsReadableRasterName(DString const &name) { return name.find_first_of("'\"\\") == DString::npos; }
 
 bool HasPostgresRasters() { return OwnDatabase(ConnectionKind::PostgreSql) != nullptr; }
 
@@ -51,7 +50,7 @@ std::optional<Source> ResolvePostgresRaster(BDIMoniker const &moniker, StopSigna
         return Refuse(error, name + (columns.empty() ? " holds no raster" : " holds several rasters"),
                       DError::Cause::NotSupported);
     for (DString const &part : {DatabaseOf(*terms), table->schema, table->name, columns.front()})
-        if (!IsTaken(part))
+        if (!IsReadableRasterName(part))
             return Refuse(error, name + ": rasters whose names hold a quote or \\ cannot be read",
                           DError::Cause::NotSupported);
     Source source;

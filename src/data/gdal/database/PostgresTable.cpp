@@ -47,15 +47,10 @@ ADIColType TypeOf(std::string_view name) {
 std::unique_ptr<PostgresTable> PostgresTable::Open(DatabaseAddress const &address, StopSignal const *stop,
                                                    DError *error) {
     DString const subject = address.ToText();
-    if (address.table.empty()) {
-        if (error != nullptr)
-            error->Set("\"" + subject + "\" is no table", DError::Cause::NotSupported);
-        return nullptr;
-    }
-    auto const relation = PostgresCatalogue(subject, stop).Table(address.schema, address.table, error);
-    if (!relation)
-        return nullptr;
     std::unique_ptr<PostgresTable> table(new PostgresTable(address, stop));
+    if (!table->Names(address.table, error) ||
+        !PostgresCatalogue(subject, stop).Table(address.schema, address.table, error))
+        return nullptr;
     // Whether it can be read at all is found out now, while there is somebody to tell.
     if (!table->DescribeColumns(error) || !table->BeginReading(error))
         return nullptr;

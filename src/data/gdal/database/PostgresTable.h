@@ -1,14 +1,13 @@
 #pragma once
 
-#include "zelvar/data/gdal/database/DatabaseAddress.h"
+#include "zelvar/data/gdal/database/DatabaseTable.h"
 #include "zelvar/data/gdal/database/PostgresSession.h"
-#include "zelvar/data/tables/OpenTable.h"
 
 namespace zelvar::gdal {
 
 /// A table or view of a PostgreSQL database: its attributes without its places, in the order of its primary key where
 /// it has one. Its rows come by a cursor in a session of its own, which ends with the last row.
-class PostgresTable : public OpenTable {
+class PostgresTable : public DatabaseTable {
 public:
     /// Null, with the reason in `*error`, which may be null.
     [[nodiscard]] static std::unique_ptr<PostgresTable> Open(DatabaseAddress const &address, StopSignal const *stop,
@@ -17,7 +16,6 @@ public:
 protected:
     std::int64_t GoBack(std::int64_t row) override;
     [[nodiscard]] bool Step() override;
-    [[nodiscard]] bool HasFailed() const override { return m_hasFailed; }
     [[nodiscard]] bool Append(ADIRows &rows) const override;
 
 private:
@@ -28,21 +26,18 @@ private:
         int key = 0;          ///< its place in the primary key from 1 on; 0 for none
     };
     PostgresTable(DatabaseAddress address, StopSignal const *stop)
-        : OpenTable(stop), m_address(std::move(address)), m_stop(stop) {}
+        : DatabaseTable(std::move(address), stop), m_stop(stop) {}
     [[nodiscard]] bool DescribeColumns(DError *error);
     [[nodiscard]] DString Statement() const;
     [[nodiscard]] bool BeginReading(DError *error);
     [[nodiscard]] bool Fetch();
 
-    DatabaseAddress m_address;
     StopSignal const *m_stop; ///< not owned, may be null
     std::vector<Column> m_asked;
     std::unique_ptr<PostgresSession> m_session; ///< with a cursor; null before the first row and behind the last
     PostgresRows m_rows;                        ///< fetched together
     int m_row = -1;                             ///< the one read last, of those
     int m_batch = 0;                            ///< rows to fetch next
-    bool m_isAtEnd = false;
-    bool m_hasFailed = false;
 };
 
 } // namespace zelvar::gdal

@@ -1,8 +1,10 @@
 #include "zelvar/data/gdal/database/PostgresTree.h"
 
 #include "zelvar/base/NaturalOrder.h"
+#include "zelvar/data/gdal/database/PostgresRaster.h"
 
 #include <algorithm>
+#include <array>
 #include <iterator>
 #include <utility>
 
@@ -12,6 +14,9 @@ namespace {
 
 constexpr std::int64_t kMostAhead = 100'000;    // tables that are listed before anybody has asked for them
 constexpr std::chrono::seconds kAheadHolds{10}; // for who goes through the schemas one by one
+
+/// In place of what it is: who opens it is told the same.
+constexpr char const *kUnreadable = "cannot be read: a quote or \\ in its name";
 
 char const *WordOf(char kind) {
     switch (kind) {
@@ -26,8 +31,9 @@ char const *WordOf(char kind) {
 }
 
 DString DetailsOf(PostgresRelation const &table) {
-    return table.rows < 0 ? DString(WordOf(table.kind))
-                          : Format("%s, about %lld rows", WordOf(table.kind), static_cast<long long>(table.rows));
+    return table.rows < 0
+               ? DString(WordOf(table.kind))
+               : zelvar::Format("%s, about %lld rows", WordOf(table.kind), static_cast<long long>(table.rows));
 }
 
 /// As folders are: natural order, whatever the database's own is.
@@ -113,7 +119,8 @@ std::vector<BDINode> PostgresTree::ListSchemas() const {
         return nodes;
     for (PostgresSchema const &schema : *schemas) {
         BDINode &node = nodes.emplace_back(SchemaNode(schema.name));
-        node.value = Format(schema.tables == 1 ? "%lld table" : "%lld tables", static_cast<long long>(schema.tables));
+        node.value =
+            zelvar::Format(schema.tables == 1 ? "%lld table" : "%lld tables", static_cast<long long>(schema.tables));
         m_tables += schema.tables;
     }
     SortByName(nodes);
@@ -163,7 +170,9 @@ std::vector<BDINode> PostgresTree::NodesOf(PostgresRelation const &table, Overvi
         place.column = column.name;
         DString const name = rasters == 1 ? table.name : table.name + " (" + column.name + ")";
         nodes.push_back(MakeNode(BDINode_Raster, place.ToText(), name));
-        nodes.back().value = "raster";
+        bool const isReadable =
+            std::ranges::all_of(std::array{table.schema, table.name, column.name}, &IsReadableRasterName);
+        nodes.back().value = isReadable ? "raster" : kUnreadable;
     }
     place.column.clear();
     bool const isLayer = table.HasGeometry();
@@ -189,11 +198,6 @@ std::optional<BDINode> PostgresTree::Find(DString const &path) const {
     std::vector<BDINode> const nodes = NodesOf(*table, Overviews::Too);
     auto const named = std::ranges::find(nodes, place->ToText(), &BDINode::path);
     return named == nodes.end() ? std::nullopt : std::optional(*named);
-}
-
-std::unique_ptr<Tree> PostgresDriver::OpenTree(DString const &url, DString const &, DError &error) const {
-    auto address = InOwnDatabase(ConnectionKind::PostgreSql, url, &error);
-    return address ? PostgresTree::Open(*std::move(address), error) : nullptr;
 }
 
 } // namespace zelvar::gdal

@@ -47,18 +47,4 @@ private:
     mutable DError m_error; ///< of the last listing
 };
 
-/// Tree driver "PostgreSQL". It opens addresses in readers of a connection to such a database alone.
-class PostgresDriver : public TreeDriver {
-public:
-    [[nodiscard]] DString GetId() const override { return "PostgreSQL"; }
-    [[nodiscard]] DString GetInfo() const override { return "PostgreSQL database"; }
-    [[nodiscard]] DString GetExtensions() const override { return {}; }
-    [[nodiscard]] bool CanReadPath(DString const &) const override { return false; }
-
-protected:
-    [[nodiscard]] std::unique_ptr<Tree> OpenTree(DString const &url, DString const &filter,
-                                                 DError &error) const override;
-    [[nodiscard]] bool HoldsMultipleImages() const override { return false; }
-};
-
 } // namespace zelvar::gdal

@@ -1,6 +1,7 @@
 #include "zelvar/data/gdal/services/ServiceDescription.h"
 
 #include "zelvar/base/Percent.h"
+#include "zelvar/data/gdal/services/ServiceElement.h"
 
 #include <algorithm>
 #include <array>
@@ -143,8 +144,59 @@ DString DescribeCoverage(ServiceAddress const &address, Capabilities const &capa
            Element("CoverageName", address.coverage) + "</WCS_GDAL>";
 }
 
+namespace {
+
+constexpr std::size_t kNone = std::string_view::npos;
+
+/// Where the next start or end tag ("</") of that local name begins and ends; `at` is `kNone` behind the last.
+struct Tag {
+    std::size_t at = kNone;
+    std::size_t end = kNone;
+};
+Tag NextTag(std::string_view text, std::string_view open, std::string_view name, std::size_t from) {
+    for (std::size_t at = text.find(open, from); at != kNone; at = text.find(open, at + 1)) {
+        std::size_t const begin = at + open.size();
+        std::size_t const stop = text.find_first_of(" \t\r\n/>", begin);
+        if (stop == kNone)
+            break;
+        std::string_view const full = text.substr(begin, stop - begin);
+        std::size_t const colon = full.find(':');
+        std::size_t const end = text.find('>', stop);
+        if (end != kNone && full.substr(colon == kNone ? 0 : colon + 1) == name)
+            return {at, end + 1};
+    }
+    return {};
+}
+
+/// The capabilities of a WFS with one type of features; nothing where they are not written plainly enough.
+std::optional<DString> WithTypeAlone(std::string_view document, DString const &name) {
+    constexpr char const *element = "FeatureType";
+    Tag const first = NextTag(document, "<", element, 0);
+    std::size_t behind = first.at;
+    std::optional<std::string_view> found;
+    for (Tag type = first; type.at != kNone; type = NextTag(document, "<", element, behind)) {
+        behind = NextTag(document, "</", element, type.end).end;
+        if (behind == kNone)
+            return std::nullopt;
+        std::string_view const text = document.substr(type.at, behind - type.at);
+        XMLNode node;
+        if (!found && node.LoadText(text) && TextIn(&node, "Name") == name)
+            found = text;
+    }
+    if (!found)
+        return std::nullopt;
+    DString alone = DString(document.substr(0, first.at)).append(*found).append(document.substr(behind));
+    DError error;
+    auto const read = ReadCapabilities(Service::Wfs, alone, error);
+    bool const isIt = read && read->offers.size() == 1 && read->offers.front().name == name;
+    return isIt ? std::optional(std::move(alone)) : std::nullopt;
+}
+
+} // namespace
+
 DString DescribeFeatures(ServiceAddress const &address, std::string_view document) {
-    return "<OGRWFSDataSource>" + Element("URL", address.url) + DString(document) + "</OGRWFSDataSource>";
+    return "<OGRWFSDataSource>" + Element("URL", address.url) +
+           WithTypeAlone(document, address.type).value_or(DString(document)) + "</OGRWFSDataSource>";
 }
 
 } // namespace zelvar::services

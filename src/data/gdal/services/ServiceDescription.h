@@ -27,7 +27,8 @@ inline constexpr int kAnyResolution = 1 << 30;
 /// Of a coverage of a WCS.
 [[nodiscard]] DString DescribeCoverage(ServiceAddress const &address, Capabilities const &capabilities);
 
-/// Of all types of a WFS, whose capabilities are `document`, from its root on.
+/// Of the type of a WFS that the address names. Its capabilities are `document`, from the root on; of the types in them
+/// GDAL gets that one alone, where it can be cut out, as it asks the server about its neighbours, too.
 [[nodiscard]] DString DescribeFeatures(ServiceAddress const &address, std::string_view document);
 
 } // namespace zelvar::services
