@@ -28,9 +28,9 @@ template <class Body>
     failed.detail = error.Detail();
     return Say(std::move(failed));
 }
-[[nodiscard]] inline Answer Failure(DString reason, DError::Cause cause = DError::Cause::Unknown) {
+[[nodiscard]] inline Answer Failure(DString const &reason, DError::Cause cause = DError::Cause::Unknown) {
     DError error;
-    error.Set(std::move(reason), cause);
+    error.Set(reason, cause);
     return Failure(error);
 }
 

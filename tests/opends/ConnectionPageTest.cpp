@@ -92,21 +92,7 @@ struct ConnectionPages : testing::Test {
     }
     /// `OnNextDialog` for one over the open dialog, which is modal itself.
     static std::shared_ptr<bool const> OnQuestion(DataSourceList &list, std::function<void(QWidget &)> act) {
-        auto done = std::make_shared<bool>(false);
-        auto *const poll = new QTimer(&list);
-        QObject::connect(poll, &QTimer::timeout, poll, [poll, done, open = list.window(), act = std::move(act)] {
-            QPointer<QWidget> const dialog = QApplication::activeModalWidget();
-            if (dialog.isNull() || dialog == open)
-                return;
-            poll->deleteLater();
-            poll->stop();
-            act(*dialog);
-            *done = true;
-            if (!dialog.isNull())
-                dialog->close();
-        });
-        poll->start(5);
-        return done;
+        return OnNextDialog(std::move(act), list.window());
     }
     /// Opens the menu with its key and picks a line of it.
     static void Pick(DataSourceList &list, QString const &text) {
