@@ -40,10 +40,12 @@ public:
         static auto &memory = *new Memory;
         return memory;
     }
-    [[nodiscard]] std::shared_ptr<KnownService const> Find(DString const &request) {
+    /// Null if it was not asked since then.
+    [[nodiscard]] std::shared_ptr<KnownService const> Find(DString const &request, Freshness freshness) {
         std::lock_guard const lock(m_mutex);
         auto const at = std::ranges::find(m_kept, request, &Kept::request);
-        return at != m_kept.end() && Clock::now() - at->since < kHolds ? at->service : nullptr;
+        std::chrono::seconds const holds = freshness == Freshness::Lately ? kHolds : kNewHolds;
+        return at != m_kept.end() && Clock::now() - at->since < holds ? at->service : nullptr;
     }
     void Keep(DString const &request, std::shared_ptr<KnownService const> service, std::chrono::seconds age) {
         std::lock_guard const lock(m_mutex);
@@ -62,6 +64,7 @@ private:
     };
     static constexpr std::size_t kMost = 4; // a connection has one of each kind
     static constexpr std::chrono::minutes kHolds{5};
+    static constexpr std::chrono::seconds kNewHolds{5};
     std::mutex m_mutex;
     std::list<Kept> m_kept;
 };
@@ -252,12 +255,10 @@ std::shared_ptr<KnownService const> AskService(ServiceAddress const &address, Se
                                                DError &error) {
     DString const request = RequestFor(address, service);
     auto &memory = Memory::Instance();
-    if (freshness == Freshness::Lately) {
-        if (auto known = memory.Find(request))
-            return known;
-        if (auto known = TakeNote(service, request))
-            return known;
-    }
+    if (auto known = memory.Find(request, freshness))
+        return known;
+    if (auto known = freshness == Freshness::Lately ? TakeNote(service, request) : nullptr)
+        return known;
     TellLogin(address);
     DError unanswered;
     DString answer = Ask(address.connection, request, unanswered);

@@ -25,7 +25,7 @@ struct KnownService {
 };
 
 enum class Freshness {
-    New,    ///< the service is asked
+    New,    ///< the service is asked, unless it was a moment ago: a place is opened more than once on its way to a list
     Lately, ///< what it has said in the last minutes will do
 };
 /// The capabilities of `service` at the address, with one request; null, with the reason in `error`, for none. Inside a

@@ -239,13 +239,12 @@ DString OdbcStatement::Value(int column, OdbcForm form, std::size_t most) {
     DString text;
     std::array<char, 4096> piece{};
     SQLLEN size = 0;
-    SQLSMALLINT const wanted = form == OdbcForm::Text     ? SQL_C_CHAR
-                               : form == OdbcForm::Digits ? SQL_C_BINARY
-                                                          : SQL_C_BIT;
+    int const wanted = form == OdbcForm::Text ? SQL_C_CHAR : form == OdbcForm::Digits ? SQL_C_BINARY : SQL_C_BIT;
     std::size_t const room = piece.size() - (form == OdbcForm::Text ? 1 : 0); // texts come with a zero
     while (text.size() < most) {
-        SQLRETURN const result = SQLGetData(m_statement, static_cast<SQLUSMALLINT>(column + 1), wanted, piece.data(),
-                                            static_cast<SQLLEN>(piece.size()), &size);
+        SQLRETURN const result =
+            SQLGetData(m_statement, static_cast<SQLUSMALLINT>(column + 1), static_cast<SQLSMALLINT>(wanted),
+                       piece.data(), static_cast<SQLLEN>(piece.size()), &size);
         if (!IsGood(result) || size == SQL_NULL_DATA)
             break;
         bool const isCut = size == SQL_NO_TOTAL || size > static_cast<SQLLEN>(room);
