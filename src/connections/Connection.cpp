@@ -54,7 +54,8 @@ ConnectionAddress ObjectStoreAddress(Connection const &connection) {
     ConnectionAddress address{.scheme = service.empty() ? "s3" : service,
                               .user = profile.empty() ? connection.Field("key") : profile,
                               .host = connection.Field("bucket")};
-    address.path = Split(connection.Field("prefix"), '/');
+    if (!address.host.empty()) // else all buckets
+        address.path = Split(connection.Field("prefix"), '/');
     return address;
 }
 
@@ -96,7 +97,7 @@ std::optional<ConnectionAddress> Connection::Address() const {
     case ConnectionKind::Address:
         return WebAddress(*this);
     }
-    return address->host.empty() ? std::nullopt : address;
+    return address->host.empty() && kind != ConnectionKind::ObjectStore ? std::nullopt : address;
 }
 
 void Connection::TakeAddress(ConnectionAddress const &address) {

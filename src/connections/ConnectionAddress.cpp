@@ -188,7 +188,9 @@ ConnectionAddress ConnectionAddress::Inside(std::vector<DString> const &names, Q
 }
 
 bool ConnectionAddress::Holds(ConnectionAddress const &other) const {
-    if (scheme != other.scheme || user != other.user || host != other.host || PortOrUsual() != other.PortOrUsual())
+    bool const isOfAllBuckets = host.empty() && path.empty() && !HasServer(scheme);
+    bool const isOnHost = host == other.host || isOfAllBuckets;
+    if (scheme != other.scheme || user != other.user || !isOnHost || PortOrUsual() != other.PortOrUsual())
         return false;
     auto const size = static_cast<std::ptrdiff_t>(path.size());
     std::ptrdiff_t const named = size - (size > 0 && path.back().empty() ? 1 : 0);

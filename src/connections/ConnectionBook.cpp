@@ -191,7 +191,7 @@ ConnectionBook::Entry const *ConnectionBook::FindByAddress(std::string_view addr
         bool const holds =
             own ? wanted && own->Holds(*wanted) : !address.empty() && entry.connection.Field("address") == address;
         // Before the address that says more about it.
-        std::size_t const size = own ? 1 + own->path.size() + own->query.size() : 1;
+        std::size_t const size = own ? (own->host.empty() ? 1 : 2) + own->path.size() + own->query.size() : 1;
         if (holds && size > length) {
             best = &entry;
             length = size;

@@ -123,6 +123,8 @@ Spelling Spell(Connection const &connection, ConnectionAddress const &address, s
         break;
     case ConnectionKind::ObjectStore:
         spelling.FillLogin(connection.Field("key").empty() ? "profile" : "key", address.user, password);
+        if (address.host.empty())
+            break; // all buckets
         spelling.Fill("bucket", address.host);
         spelling.url += "/";
         spelling.Fill("prefix", connection.Field("prefix"), true);

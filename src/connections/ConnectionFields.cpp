@@ -85,7 +85,6 @@ std::vector<Need> const &Needs() {
         {Kind::PostgreSql, {"host", "service"}, Mark("A host is needed, or a service.")},
         {Kind::PostgreSql, {"database", "service"}, Mark("A database is needed: each connection leads to one.")},
         {Kind::MapService, {"address"}, Mark("An address is needed.")},
-        {Kind::ObjectStore, {"bucket"}, Mark("A bucket is needed.")},
         {Kind::WebFolder, {"address"}, Mark("An address is needed.")},
         {Kind::Odbc, {"dsn"}, Mark("The name of a data source is needed.")},
         {Kind::Address, {"address"}, Mark("An address is needed.")},
@@ -98,6 +97,7 @@ constexpr char const *kNoText = Mark("The name holds bytes that are no text.");
 constexpr char const *kControl = Mark("Line ends and other control characters cannot be kept.");
 constexpr char const *kNoEscape = Mark(R"(";" and "${" cannot be kept in this field.)");
 constexpr char const *kPassword = Mark("The address holds a password: it has a field of its own.");
+constexpr char const *kNoBucket = Mark("A prefix is one of a bucket. Without both all buckets are listed.");
 constexpr char const *kBoth = Mark("Either a profile or a key ID, not both.");
 constexpr char const *kAllow = Mark("Hosts that are allowed are names or addresses.");
 
@@ -213,6 +213,8 @@ std::vector<ConnectionFault> FaultsOf(Connection const &connection) {
     for (ConnectionField const &field : FieldsOf(connection.kind))
         if (DString const value = connection.Field(field.key); !value.empty())
             add(field.key, FaultOf(field, value));
+    if (!connection.Field("prefix").empty() && connection.Field("bucket").empty())
+        add("prefix", Translated(kNoBucket));
     if (!connection.Field("profile").empty() && !connection.Field("key").empty())
         add("key", Translated(kBoth));
     if (!std::all_of(connection.allow.begin(), connection.allow.end(),

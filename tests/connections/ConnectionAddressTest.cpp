@@ -48,6 +48,8 @@ TEST(ConnectionAddress, HoldsWhatLiesInItForTheSameAccount) {
                                             {"s3://lab@b/p/", "s3://lab@b/p/x", true},
                                             {"s3://lab@b/p", "s3://lab@b/px", false},
                                             {"s3://lab@b", "s3://other@b/x", false},
+                                            {"s3://lab@", "s3://lab@b/x", true},
+                                            {"s3://lab@", "s3://other@b/x", false},
                                             {"wms+https://m/ows?map=a", "wms+https://m/ows?LAYER=x&MAP=a", true},
                                             {"wms+https://m/ows?map=a", "wms+https://m/ows?map=b", false},
                                             {"https://ann@c/dav/", "https://ann@c:443/dav", true}})
