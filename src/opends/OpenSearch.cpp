@@ -158,8 +158,18 @@ bool OpenSearch::Again() {
     return true;
 }
 
+bool OpenSearch::GoToResults(QWidget const &focus) const {
+    if (&focus != m_form->Name() || m_items.GetNumRow() == 0)
+        return false;
+    m_items.setFocus(Qt::TabFocusReason);
+    if (m_items.GetFocusRow() < 0)
+        m_items.SetSlct(0, true);
+    return true;
+}
+
 void OpenSearch::Run() {
     Release();
+    m_query.files = m_items.GetFileFilter(); // as in a listing
     m_items.ShowResults();
     m_actions.forget();
     m_run = SearchRun::Start({.query = m_query, .places = m_places, .nodeMask = m_nodeMask});

@@ -21,7 +21,8 @@ class SearchForm;
 class SearchRun;
 
 /// The search of the open dialog: its bar, what is searched behind the window, and the results in the list of items,
-/// which come as they are found. User-interface thread.
+/// which come as they are found. Files that the list's filter leaves out of a listing are not found either.
+/// User-interface thread.
 class ZELVAR_API OpenSearch : public QObject {
     Q_OBJECT
 
@@ -50,6 +51,8 @@ public:
     bool Stop();
     /// Searches for the same once more; false without results.
     bool Again();
+    /// From the name of what is searched for to the results; false, and nothing done, from anywhere else.
+    bool GoToResults(QWidget const &focus) const;
     /// Until all that was found is in the list.
     [[nodiscard]] bool IsSearching() const { return m_run != nullptr && m_timer.isActive(); }
     /// Names the place that would be searched. To be called when it may have changed, a few times a second.

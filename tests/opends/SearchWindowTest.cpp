@@ -218,6 +218,7 @@ TEST_F(SearchWindow, FactsAreAskedForAndWhatIsWrongWithThemIsSaid) {
         Press(Qt::Key_Return);
         EXPECT_TRUE(Ends());
         EXPECT_THAT(Column(0), ElementsAre("near wide.tif"));
+        Shot(*dialog, "DlgOpenDS-search-facts");
         EXPECT_TRUE(std::filesystem::exists((cache / "zelvar/facts.db").c_str())) << "it is known the next time";
     });
 }
@@ -242,8 +243,17 @@ TEST_F(SearchWindow, ResultsAreSortedByEachColumnWithWhatIsSelected) {
             EXPECT_TRUE(List().GetSlct(RowOf(List(), "near.txt")));
             EXPECT_EQ(List().GetNumSlct(), 1);
         }
+        auto *const filter = platform::GetDlgItem<QLineEdit>(*dialog, kFileFilterId);
+        filter->setFocus();
+        filter->setText("*.txt;*.png");
+        Press(Qt::Key_Return);
+        EXPECT_TRUE(Ends());
+        EXPECT_THAT(Column(0), ElementsAre("near folder", "near.txt", "nearer.png")) << "as a listing takes it up";
+        filter->setText("*.*");
+        Press(Qt::Key_Return);
+        EXPECT_TRUE(Ends());
         Press(Qt::Key_Escape);
-        EXPECT_EQ(Column(0), listed);
+        EXPECT_TRUE(Eventually([&] { return Column(0) == listed; }));
     });
 }
 
