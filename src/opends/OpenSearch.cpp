@@ -162,8 +162,10 @@ bool OpenSearch::GoToResults(QWidget const &focus) const {
     if (&focus != m_form->Name() || m_items.GetNumRow() == 0)
         return false;
     m_items.setFocus(Qt::TabFocusReason);
-    if (m_items.GetFocusRow() < 0)
-        m_items.SetSlct(0, true);
+    if (m_items.GetFocusRow() < 0) {
+        m_items.SetItemState(0, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
+        m_items.SetSelectionMark(0);
+    }
     return true;
 }
 
