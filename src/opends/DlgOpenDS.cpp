@@ -292,7 +292,7 @@ void DlgOpenDS::CreateSearch() {
     m_search = std::make_unique<OpenSearch>(
         *this, *m_mainList, m_bdiFilter,
         OpenSearch::Actions{.show = [this](RefItemPtr<DataSourceItem> item) { ShowPlace(std::move(item)); },
-                            .layOut = [this] { Layout(); },
+                            .layOut = [this] { LayOutAroundSearch(); },
                             .forget =
                                 [this] {
                                     m_propertyWnd->Clear();
@@ -329,6 +329,21 @@ void DlgOpenDS::CreateSearchButton() {
         setTabOrder(before, control);
         before = control;
     }
+}
+
+// Its bar takes from the preview what it takes from the pane above that, and gives it back.
+void DlgOpenDS::LayOutAroundSearch() {
+    int const before = m_leftSplitter->height();
+    int shown = 0;
+    int ideal = 0;
+    int least = 0;
+    m_leftSplitter->GetRowInfo(0, shown, ideal, least);
+    Layout();
+    int const after = m_leftSplitter->height();
+    if (before <= 0 || after == before)
+        return;
+    m_leftSplitter->SetRowInfo(0, (shown * after + before / 2) / before, least);
+    m_leftSplitter->RecalcLayout();
 }
 
 // The bar of a search lies over the panes, which are lower by as much.

@@ -201,6 +201,7 @@ private:
     void CreateWaits();
     void CreateSearch();
     void CreateSearchButton();
+    void LayOutAroundSearch();
     void ShowPlace(RefItemPtr<DataSourceItem> item);
     void RefusePlace(DString const &path, DError const &error) const;
     void ShowDriverOptions(ItemList const &items);

@@ -290,20 +290,35 @@ TEST_F(SearchWindow, WithoutTheFeatureThereIsNoneAndNarrowWindowsWithLargeTextCu
     QFont large = former;
     large.setPixelSize(QFontInfo(former).pixelSize() * 3 / 2);
     QApplication::setFont(large);
+    {
+        SearchForm form;
+        form.FactsButton()->click();
+        form.SetPlace("a place");
+        form.ShowLine("What is said of a search");
+        for (int const width : {640, 1200}) {
+            form.resize(width, form.HeightFor(width, 2000));
+            form.show();
+            QCoreApplication::processEvents(); // the areas' own placing
+            for (QWidget *const control : form.FocusOrder()) {
+                EXPECT_TRUE(form.rect().contains({control->mapTo(&form, QPoint()), control->size()}))
+                    << control->objectName().toStdString() << " at " << width;
+                EXPECT_GE(control->width(), control->minimumSizeHint().width());
+                EXPECT_FALSE(control->accessibleName().isEmpty() && qobject_cast<QPushButton *>(control) == nullptr);
+            }
+        }
+        EXPECT_LT(form.HeightFor(1200, 2000), form.HeightFor(640, 2000));
+        EXPECT_LE(form.HeightFor(640, 150), 150) << "the facts scroll";
+    }
     Run([&] {
-        dialog->resize(640, dialog->height());
+        int const preview = dialog->PropertyWnd()->height();
         Press(Qt::Key_F, Qt::ControlModifier);
         Click(Form().FactsButton());
-        QCoreApplication::processEvents(); // the areas' own placing
-        for (QWidget *const control : Form().FocusOrder()) {
-            EXPECT_GE(control->width(), std::min(control->sizeHint().width(), control->minimumSizeHint().width()))
-                << control->objectName().toStdString();
-            EXPECT_LE(control->mapTo(dialog.get(), QPoint(control->width(), 0)).x(), dialog->width());
-            EXPECT_FALSE(control->accessibleName().isEmpty() && qobject_cast<QPushButton *>(control) == nullptr);
-        }
+        QCoreApplication::processEvents();
         EXPECT_LE(Form().geometry().bottom(), List().mapTo(dialog.get(), QPoint(0, 0)).y());
-        EXPECT_GT(List().height(), 60);
-        Shot(*dialog, "DlgOpenDS-search-narrow");
+        EXPECT_GT(dialog->PropertyWnd()->height(), preview / 3);
+        Shot(*dialog, "DlgOpenDS-search-large");
+        Press(Qt::Key_Escape);
+        EXPECT_NEAR(dialog->PropertyWnd()->height(), preview, 2);
     });
     QApplication::setFont(former);
 }
