@@ -30,7 +30,8 @@ public:
     using ItemList = std::list<RefItemPtr<DataSourceItem>>;
     struct Actions {
         std::function<void(RefItemPtr<DataSourceItem>)> show; ///< its children in all panes
-        std::function<void()> layOut;                         ///< the bar has come, gone, or wants another height
+        std::function<void(SearchForm &)> take;               ///< the bar was made, hidden yet
+        std::function<void()> layOut;                         ///< it has come, gone, or wants another height
         std::function<void()> forget;                         ///< nothing is selected any more, and nobody says so
     };
     /// `items` is where results are shown, and must outlive it; its roots are what is searched below. The bar is a
@@ -65,10 +66,14 @@ public:
 
     /// Pixels of the bar at that width, at most `most`; 0 while it is away.
     [[nodiscard]] int HeightFor(int width, int most) const;
+    /// Null until it was opened for the first time.
     [[nodiscard]] SearchForm *Form() const { return m_form; }
 
 private:
     using Items = std::vector<RefItemPtr<DataSourceItem>>;
+    [[nodiscard]] bool IsShown() const;
+    [[nodiscard]] bool HasFocus() const;
+    void MakeForm();
     void Run();
     void TakeHits();
     void ShowProgress();
@@ -81,7 +86,7 @@ private:
     DSListCtrl &m_items;
     int m_nodeMask;
     Actions m_actions;
-    SearchForm *m_form; ///< a child of the dialog
+    SearchForm *m_form = nullptr; ///< a child of the dialog
     std::shared_ptr<SearchRun> m_run;
     SearchQuery m_query; ///< that was searched for last
     Items m_places;      ///< below these

@@ -103,7 +103,7 @@ private:
 TEST_F(SearchWindow, WhatIsFoundBelowThePlaceIsPickedAcrossFoldersWithTheKeyboardAlone) {
     EXPECT_EQ(
         Run([&] {
-            EXPECT_TRUE(Form().isHidden());
+            EXPECT_EQ(Searching().Form(), nullptr);
             SearchFor("near");
             EXPECT_EQ(Form().Name()->placeholderText(),
                       "Search below " + QString::fromStdString(folder.Path().substr(folder.Path().rfind('/') + 1)));
