@@ -359,6 +359,7 @@ struct SlowSearch : SearchWindow {
         shell->SetUnreadable("/data/shut");
         for (char const *const file : {"/data/a.tif", "/data/b.tif", "/data/quick/a2.tif", "/data/slow/a3.tif"})
             shell->AddFile(file);
+        shell->AddFolder("/data/slow/below");
         platform::ShellNamespace::SetCurrent(shell);
     }
     ~SlowSearch() override {
@@ -370,6 +371,7 @@ struct SlowSearch : SearchWindow {
                 std::ignore = RefItemPtr<DataSourceItem>(place); // comes after what the others did with it
                 return place->RefCount() == 1;
             }));
+        EXPECT_EQ(shell->EnumerateCalls("/data/slow/below"), 1) << "of four searches three were ended";
         platform::ShellNamespace::SetCurrent(nullptr);
     }
     std::shared_ptr<SlowShell> shell = std::make_shared<SlowShell>();

@@ -222,6 +222,12 @@ TEST_F(SearchTest, AFolderThatIsDataIsFoundLikeAFileAndNotEntered) {
     EXPECT_THAT(Names({.name = "*.txt"}), ElementsAre("far cells.txt")) << "of other names the same holds";
     EXPECT_THAT(Names({.name = "cells"}), ElementsAre("cells.zarr", "far cells.txt")) << "nearest first";
     EXPECT_THAT(Names({.name = "cells", .kind = Kind::Folder}), ElementsAre());
+    for (char const *const name : {".zgroup", ".zarray", "zarr.json"}) { // some of them far behind, in any order
+        for (int i = 0; i < 300; ++i)
+            m_folder.Write(Format("place/large%s.zarr/%d.txt", name, i), "x");
+        m_folder.Write(Format("place/large%s.zarr/%s", name, name), "{}");
+    }
+    EXPECT_THAT(Names({.name = "*.txt"}), ElementsAre("far cells.txt")) << "what tells may stand behind many names";
 }
 
 } // namespace
