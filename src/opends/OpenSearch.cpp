@@ -174,7 +174,7 @@ bool OpenSearch::Again() {
     return true;
 }
 
-bool OpenSearch::GoToResults(QWidget const &focus) const {
+bool OpenSearch::GoToResults(QWidget const &focus) {
     if (!IsShown() || &focus != m_form->Name() || m_items.GetNumRow() == 0)
         return false;
     m_items.setFocus(Qt::TabFocusReason);

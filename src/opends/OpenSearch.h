@@ -53,7 +53,7 @@ public:
     /// Searches for the same once more; false without results.
     bool Again();
     /// From the name of what is searched for to the results; false, and nothing done, from anywhere else.
-    bool GoToResults(QWidget const &focus) const;
+    bool GoToResults(QWidget const &focus);
     /// Until all that was found is in the list.
     [[nodiscard]] bool IsSearching() const { return m_run != nullptr && m_timer.isActive(); }
     /// Names the place that would be searched. To be called when it may have changed, a few times a second.

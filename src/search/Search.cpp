@@ -157,7 +157,7 @@ private:
             return;
         if (isWanted && isFolderWanted)
             m_reader.Tell(item, {});
-        m_waiting.push_back({.item = std::move(item), .mayBlock = mayBlock, .isLookedAt = isWanted});
+        m_waiting.push_back({.item = item, .mayBlock = mayBlock, .isLookedAt = isWanted});
     }
 
     /// Whether the folder is a data set: it is found as such then, and not entered.
