@@ -224,7 +224,7 @@ void DSListCtrl::ApplyFileFilter(char const *mask, char const *formatId) {
     if (formatId != nullptr)
         m_formatId = formatId;
     if (m_results != nullptr)
-        m_results->isStale = true; // results have their own query
+        m_results->isStale = true; // who shows results searches again
     else
         ResetItems(m_rootItems);
 }

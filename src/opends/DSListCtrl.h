@@ -69,6 +69,7 @@ public:
     void Reset() override;
     /// Takes the filter; lists again if that changes the content. `formatId` may be null for the present one.
     void ApplyFileFilter(char const *mask, char const *formatId);
+    [[nodiscard]] DString const &GetFileFilter() const { return m_fileFilter; }
     /// Lists again in that order: by name, size or date for the columns 0, 1 and 2.
     void Sort(int col, bool ascending) override;
     using CZelListCtrlVirtual::Sort;

@@ -183,7 +183,7 @@ LastSort DSListCtrl::GetListingSort() const { return m_results == nullptr ? GetL
 DString DSListCtrl::FolderText(DataSourceItem &item) const {
     if (m_results == nullptr)
         return {};
-    DString const folder = FolderPathOf(item);
+    DString folder = FolderPathOf(item);
     for (DString const &base : m_results->bases)
         if (DString below = FolderBelow(folder, base); below != folder)
             return below;

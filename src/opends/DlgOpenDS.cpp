@@ -340,14 +340,22 @@ void DlgOpenDS::CreateSearch() {
     m_search = std::make_unique<OpenSearch>(
         *this, *m_mainList, m_bdiFilter,
         OpenSearch::Actions{.show = [this](RefItemPtr<DataSourceItem> item) { ShowPlace(std::move(item)); },
-                            .layOut = [this] { Layout(); },
+                            .take =
+                                [this](SearchForm &form) {
+                                    AddSzControl(&form, GetDlgItem(*this, kSplitterPlaceId), true);
+                                    QWidget *before = m_recursiveButton;
+                                    for (QWidget *const control : form.FocusOrder()) {
+                                        setTabOrder(before, control);
+                                        before = control;
+                                    }
+                                },
+                            .layOut = [this] { LayOutAroundSearch(); },
                             .forget =
                                 [this] {
                                     m_propertyWnd->Clear();
                                     if (m_forecast != nullptr)
                                         m_forecast->Select({});
                                 }});
-    AddSzControl(m_search->Form(), GetDlgItem(*this, kSplitterPlaceId), true);
     CreateSearchButton();
 }
 
@@ -370,20 +378,29 @@ void DlgOpenDS::CreateSearchButton() {
     AddSzControl(button, place, true);
     button->show();
     connect(button, &QAbstractButton::clicked, this, [this] { m_search->Open(); });
-    QWidget *before = GetDlgItem(*this, kHomeId);
-    setTabOrder(before, button);
-    before = m_recursiveButton;
-    for (QWidget *const control : m_search->Form()->FocusOrder()) {
-        setTabOrder(before, control);
-        before = control;
-    }
+    setTabOrder(GetDlgItem(*this, kHomeId), button);
+}
+
+// Its bar takes from the preview what it takes from the pane above that, and gives it back.
+void DlgOpenDS::LayOutAroundSearch() {
+    int const before = m_leftSplitter->height();
+    int shown = 0;
+    int ideal = 0;
+    int least = 0;
+    m_leftSplitter->GetRowInfo(0, shown, ideal, least);
+    Layout();
+    int const after = m_leftSplitter->height();
+    if (before <= 0 || after == before)
+        return;
+    m_leftSplitter->SetRowInfo(0, (shown * after + before / 2) / before, least);
+    m_leftSplitter->RecalcLayout();
 }
 
 // The bar of a search lies over the panes, which are lower by as much.
 bool DlgOpenDS::DoMoveCtrl(QWidget *child, int id, Rect &rect, cdxCDynamicLayoutInfo const &info) {
     if (!cdxCDynamicDialog::DoMoveCtrl(child, id, rect, info))
         return false;
-    bool const isForm = m_search != nullptr && child == m_search->Form();
+    bool const isForm = m_search != nullptr && child != nullptr && child == m_search->Form();
     if (m_search == nullptr || (child != m_splitter && !isForm))
         return true;
     int const height = m_search->HeightFor(rect.Width(), rect.Height() * 2 / 3);

@@ -213,6 +213,7 @@ private:
     void CreateWaits();
     void CreateSearch();
     void CreateSearchButton();
+    void LayOutAroundSearch();
     void ShowPlace(RefItemPtr<DataSourceItem> item);
     /// Null for none, which is told with `report`, and if the user ends the wait.
     [[nodiscard]] RefItemPtr<DataSourceItem> FindPlace(DString const &path, bool report) const;

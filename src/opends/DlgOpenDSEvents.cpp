@@ -284,7 +284,7 @@ void DlgOpenDS::ApplyFileFilter(char const *mask, char const *formatId) {
     m_hierarchyList->ApplyFileFilter(mask, formatId);
     m_hierarchyList->Refresh();
     m_mainList->ApplyFileFilter(mask, formatId);
-    if (!m_mainList->IsShowingResults()) // these have their own query
+    if (m_search == nullptr || !m_search->Again())
         m_mainList->Refresh();
 }
 
@@ -539,6 +539,8 @@ bool DlgOpenDS::ProcessKey(int key, QWidget *focus) {
     if (qobject_cast<SplitterBar *>(focus) != nullptr)
         return false; // it has its own keys
     switch (key) {
+    case Qt::Key_Down:
+        return m_search != nullptr && m_search->GoToResults(*focus);
     case Qt::Key_F8:
         return m_splitter->MoveBarsByKeyboard();
     case Qt::Key_F5:

@@ -40,8 +40,13 @@ bool IsOnNetwork(DataSourceItem const &place) {
 } // namespace
 
 OpenSearch::OpenSearch(QWidget &dialog, DSListCtrl &items, int nodeMask, Actions actions)
-    : m_dialog(dialog), m_items(items), m_nodeMask(nodeMask), m_actions(std::move(actions)),
-      m_form(new SearchForm(&dialog)) {
+    : m_dialog(dialog), m_items(items), m_nodeMask(nodeMask), m_actions(std::move(actions)) {
+    connect(&m_items, &DSListCtrl::ResultsLeft, this, &OpenSearch::OnResultsLeft);
+    connect(&m_timer, &QTimer::timeout, this, &OpenSearch::TakeHits);
+}
+
+void OpenSearch::MakeForm() {
+    m_form = new SearchForm(&m_dialog);
     m_form->hide();
     connect(m_form, &SearchForm::SearchPressed, this, [this] {
         if (IsSearching())
@@ -51,8 +56,8 @@ OpenSearch::OpenSearch(QWidget &dialog, DSListCtrl &items, int nodeMask, Actions
     });
     connect(m_form, &SearchForm::ClosePressed, this, &OpenSearch::Close);
     connect(m_form, &SearchForm::HeightChanged, this, [this] { m_actions.layOut(); });
-    connect(&m_items, &DSListCtrl::ResultsLeft, this, &OpenSearch::OnResultsLeft);
-    connect(&m_timer, &QTimer::timeout, this, &OpenSearch::TakeHits);
+    m_form->SetPlace(m_placeName);
+    m_actions.take(*m_form);
 }
 
 OpenSearch::~OpenSearch() { Release(); }
@@ -66,8 +71,14 @@ void OpenSearch::Release() {
 
 // --------------------------------------------------------------------------------------------------- opening, ending
 
+bool OpenSearch::IsShown() const { return m_form != nullptr && !m_form->isHidden(); }
+
+bool OpenSearch::HasFocus() const { return IsShown() && m_form->isAncestorOf(m_dialog.focusWidget()); }
+
 void OpenSearch::Open() {
-    if (m_form->isHidden()) {
+    if (m_form == nullptr)
+        MakeForm();
+    if (!IsShown()) {
         Update();
         m_form->show();
         m_actions.layOut();
@@ -76,9 +87,9 @@ void OpenSearch::Open() {
 }
 
 void OpenSearch::Hide() {
-    if (m_form->isHidden())
+    if (!IsShown())
         return;
-    bool const hadFocus = m_form->isAncestorOf(m_dialog.focusWidget());
+    bool const hadFocus = HasFocus();
     m_form->hide();
     m_form->ShowLine({});
     m_actions.layOut();
@@ -94,7 +105,8 @@ void OpenSearch::Close() {
 // Another place was chosen, or the folder is to be seen again.
 void OpenSearch::OnResultsLeft() {
     Release();
-    m_form->ShowSearching(false);
+    if (m_form != nullptr)
+        m_form->ShowSearching(false);
     if (m_items.GetNumSlct() == 0)
         m_actions.forget();
     Hide();
@@ -103,7 +115,7 @@ void OpenSearch::OnResultsLeft() {
 bool OpenSearch::Stop() {
     if (IsSearching())
         m_run->Stop();
-    else if (m_items.IsShowingResults() || m_form->isAncestorOf(m_dialog.focusWidget()))
+    else if (m_items.IsShowingResults() || HasFocus())
         Close();
     else
         return false;
@@ -111,6 +123,8 @@ bool OpenSearch::Stop() {
 }
 
 void OpenSearch::Update() {
+    if (m_form == nullptr)
+        return;
     ItemList roots;
     m_items.GetRootItems(roots);
     std::erase(roots, nullptr);
@@ -144,6 +158,8 @@ std::optional<StoredSearch> OpenSearch::Searched() const {
 }
 
 void OpenSearch::Begin() {
+    if (!IsShown())
+        Open();
     SearchDraft::Fault fault;
     std::optional<SearchQuery> query = m_form->Draft().ToQuery(fault);
     if (!query) {
@@ -172,8 +188,20 @@ bool OpenSearch::Again() {
     return true;
 }
 
+bool OpenSearch::GoToResults(QWidget const &focus) {
+    if (!IsShown() || &focus != m_form->Name() || m_items.GetNumRow() == 0)
+        return false;
+    m_items.setFocus(Qt::TabFocusReason);
+    if (m_items.GetFocusRow() < 0) {
+        m_items.SetItemState(0, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
+        m_items.SetSelectionMark(0);
+    }
+    return true;
+}
+
 void OpenSearch::Run() {
     Release();
+    m_query.files = m_items.GetFileFilter(); // as in a listing
     m_items.ShowResults();
     m_actions.forget();
     m_run = SearchRun::Start({.query = m_query, .places = m_places, .nodeMask = m_nodeMask});
@@ -233,6 +261,6 @@ void OpenSearch::ShowFolderOf(RefItemPtr<DataSourceItem> const &item) const {
     m_items.setFocus();
 }
 
-int OpenSearch::HeightFor(int width, int most) const { return m_form->isHidden() ? 0 : m_form->HeightFor(width, most); }
+int OpenSearch::HeightFor(int width, int most) const { return IsShown() ? m_form->HeightFor(width, most) : 0; }
 
 } // namespace zelvar

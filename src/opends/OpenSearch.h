@@ -24,7 +24,8 @@ struct StoredSearch;
 class SearchRun;
 
 /// The search of the open dialog: its bar, what is searched behind the window, and the results in the list of items,
-/// which come as they are found. User-interface thread.
+/// which come as they are found. Files that the list's filter leaves out of a listing are not found either.
+/// User-interface thread.
 class ZELVAR_API OpenSearch : public QObject {
     Q_OBJECT
 
@@ -32,7 +33,8 @@ public:
     using ItemList = std::list<RefItemPtr<DataSourceItem>>;
     struct Actions {
         std::function<void(RefItemPtr<DataSourceItem>)> show; ///< its children in all panes
-        std::function<void()> layOut;                         ///< the bar has come, gone, or wants another height
+        std::function<void(SearchForm &)> take;               ///< the bar was made, hidden yet
+        std::function<void()> layOut;                         ///< it has come, gone, or wants another height
         std::function<void()> forget;                         ///< nothing is selected any more, and nobody says so
     };
     /// `items` is where results are shown, and must outlive it; its roots are what is searched below. The bar is a
@@ -57,6 +59,8 @@ public:
     bool Stop();
     /// Searches for the same once more; false without results.
     bool Again();
+    /// From the name of what is searched for to the results; false, and nothing done, from anywhere else.
+    bool GoToResults(QWidget const &focus);
     /// Until all that was found is in the list.
     [[nodiscard]] bool IsSearching() const { return m_run != nullptr && m_timer.isActive(); }
     /// Names the place that would be searched. To be called when it may have changed, a few times a second.
@@ -69,10 +73,14 @@ public:
 
     /// Pixels of the bar at that width, at most `most`; 0 while it is away.
     [[nodiscard]] int HeightFor(int width, int most) const;
+    /// Null until it was opened for the first time.
     [[nodiscard]] SearchForm *Form() const { return m_form; }
 
 private:
     using Items = std::vector<RefItemPtr<DataSourceItem>>;
+    [[nodiscard]] bool IsShown() const;
+    [[nodiscard]] bool HasFocus() const;
+    void MakeForm();
     void Run();
     void TakeHits();
     void ShowProgress();
@@ -85,7 +93,7 @@ private:
     DSListCtrl &m_items;
     int m_nodeMask;
     Actions m_actions;
-    SearchForm *m_form; ///< a child of the dialog
+    SearchForm *m_form = nullptr; ///< a child of the dialog
     std::shared_ptr<SearchRun> m_run;
     SearchQuery m_query;                  ///< that was searched for last
     std::unique_ptr<SearchDraft> m_draft; ///< the same as it was filled in

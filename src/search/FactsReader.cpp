@@ -14,7 +14,6 @@ namespace {
 constexpr std::size_t kTogether = 32; // candidates that a thread takes at a time
 constexpr std::size_t kMostWaiting = 1024;
 constexpr unsigned kMostThreads = 4;
-constexpr int kAllData = 0xEE; // nodes: every type bit but those of containers and folders
 
 } // namespace
 

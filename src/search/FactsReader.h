@@ -9,6 +9,9 @@
 
 namespace zelvar {
 
+/// Types of nodes in containers and on servers: every bit but those of containers and folders.
+inline constexpr int kAllData = 0xEE;
+
 /// Threads that open the files of a search: each takes some, asks the store for all of them, and readers for those that
 /// it does not know.
 class FactsReader {

@@ -111,7 +111,8 @@ private:
         auto const isWanted = [&](std::string_view name) {
             if (m_stop)
                 return ShellNamespace::Wish::Stop;
-            bool const is = FindsFiles() && (MatchesName(name) || m_query.inside) && (!m_opens || IsClaimed(name));
+            bool const is = FindsFiles() && (MatchesName(name) || m_query.inside) && m_query.MatchesFile(name) &&
+                            (!m_opens || IsClaimed(name));
             return is ? ShellNamespace::Wish::Yes : ShellNamespace::Wish::No;
         };
         auto const visit = [&](ShellChild &&child) {
@@ -156,7 +157,7 @@ private:
             return;
         if (isWanted && isFolderWanted)
             m_reader.Tell(item, {});
-        m_waiting.push_back({.item = std::move(item), .mayBlock = mayBlock, .isLookedAt = isWanted});
+        m_waiting.push_back({.item = item, .mayBlock = mayBlock, .isLookedAt = isWanted});
     }
 
     /// Whether the folder is a data set: it is found as such then, and not entered.
@@ -185,23 +186,29 @@ private:
     std::error_code ListTree(Folder const &folder) {
         std::error_code why;
         StopQuestion cancel(m_stop);
-        ListingWalk walk({.nodeMask = 0, .cancel = &cancel, .onUnread = [&](DataSourceItem &, std::error_code error) {
-                              why = error;
-                          }});
+        ListingWalk walk({.nodeMask = kAllData,
+                          .cancel = &cancel,
+                          .onUnread = [&](DataSourceItem &, std::error_code error) { why = error; }});
         walk.Through(folder.item, [&](RefItemPtr<DataSourceItem> child) {
             bool const isFolder = child->IsFolder();
-            if (MatchesName(child->GetName()) && !(isFolder ? !m_query.FindsFolders() : m_query.kind == Kind::Folder)) {
-                DString path = child->GetPath();
-                if (!m_query.NeedsFacts())
+            if (isFolder ? m_query.FindsFolders() && MatchesName(child->GetName()) : IsLeafWanted(*child)) {
+                if (m_query.NeedsFacts())
+                    m_reader.Add({child, child->GetPath(), {}, true});
+                else
                     m_reader.Tell(child, {});
-                else if (!isFolder)
-                    m_reader.Add({child, std::move(path), {}, true});
             }
             if (isFolder)
                 m_waiting.push_back({std::move(child), true});
             return !m_stop;
         });
         return why;
+    }
+
+    /// Of what a driver lists; when it was changed nobody knows to the second.
+    [[nodiscard]] bool IsLeafWanted(DataSourceItem const &leaf) const {
+        DString const name = leaf.GetName();
+        return m_query.kind != Kind::Folder && leaf.IsFile(kAllData) && MatchesName(name) &&
+               m_query.MatchesFile(name) && m_query.MatchesState({.size = leaf.GetFileSize(), .modified = 0});
     }
 
     SearchQuery const &m_query;

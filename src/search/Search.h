@@ -40,11 +40,11 @@ public:
 
     /// Returns when all was searched, or soon after `stop` was set. `onHit` is called from several threads, one at a
     /// time; `onProgress`, which may be empty, on this one, folder by folder. Not on a window's thread.
-    SearchProgress Run(RefItemPtr<DataSourceItem> const &place, StopSignal const &stop, OnHit const &onHit,
-                       OnProgress const &onProgress = {}) const;
+    [[nodiscard]] SearchProgress Run(RefItemPtr<DataSourceItem> const &place, StopSignal const &stop,
+                                     OnHit const &onHit, OnProgress const &onProgress = {}) const;
     /// The same below several places, one level of all of them after the other. Null places are passed over.
-    SearchProgress Run(std::vector<RefItemPtr<DataSourceItem>> const &places, StopSignal const &stop,
-                       OnHit const &onHit, OnProgress const &onProgress = {}) const;
+    [[nodiscard]] SearchProgress Run(std::vector<RefItemPtr<DataSourceItem>> const &places, StopSignal const &stop,
+                                     OnHit const &onHit, OnProgress const &onProgress = {}) const;
 
 private:
     SearchQuery m_query;

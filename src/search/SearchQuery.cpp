@@ -29,6 +29,8 @@ bool SearchQuery::MatchesName(std::string_view itsName) const {
     return name.empty() || PathMatchSpec(itsName, MasksOf(name));
 }
 
+bool SearchQuery::MatchesFile(std::string_view itsName) const { return files.empty() || PathMatchSpec(itsName, files); }
+
 bool SearchQuery::MatchesState(FileState const &state) const {
     return (!bytes.IsSet() || (state.size >= 0 && bytes.Holds(state.size))) &&
            (!modified.IsSet() || (state.modified != 0 && modified.Holds(state.modified)));

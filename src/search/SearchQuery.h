@@ -39,6 +39,8 @@ struct ZELVAR_API SearchQuery {
 
     /// Part of a name, or a mask with "*" or "?"; several between ";". Case is not regarded.
     DString name{};
+    /// Masks that plain files match, too, as "*.tif;*.img"; empty for all of them.
+    DString files{};
     Kind kind = Kind::Any;
     DString format{}; ///< part of the driver's description, as "tiff"; case is not regarded
     SearchRange width{};
@@ -57,6 +59,8 @@ struct ZELVAR_API SearchQuery {
     /// Whether files have to be asked for size and time.
     [[nodiscard]] bool NeedsState() const { return bytes.IsSet() || modified.IsSet(); }
     [[nodiscard]] bool MatchesName(std::string_view itsName) const;
+    /// The name of a plain file, by `files`.
+    [[nodiscard]] bool MatchesFile(std::string_view itsName) const;
     /// Size and time; what is not known is within no bounds.
     [[nodiscard]] bool MatchesState(FileState const &state) const;
     [[nodiscard]] bool MatchesFacts(ItemFacts const &facts) const;

@@ -103,23 +103,24 @@ private:
 TEST_F(SearchWindow, WhatIsFoundBelowThePlaceIsPickedAcrossFoldersWithTheKeyboardAlone) {
     EXPECT_EQ(
         Run([&] {
-            EXPECT_TRUE(Form().isHidden());
+            EXPECT_EQ(Searching().Form(), nullptr);
             SearchFor("near");
-            EXPECT_EQ(Form().Name()->placeholderText(),
-                      "Search below " + QString::fromStdString(folder.Path().substr(folder.Path().rfind('/') + 1)));
+            EXPECT_TRUE(Form().Name()->placeholderText().endsWith(
+                " below " + QString::fromStdString(folder.Path().substr(folder.Path().rfind('/') + 1))));
             ASSERT_THAT(Column(0), ElementsAre("near.tif", "near wide.tif", "near folder", "near.txt", "nearer.png"))
                 << "nearest first";
             EXPECT_THAT(Column(kFolderColumn), ElementsAre(".", "sub", "sub", "sub/deep", "sub/deep"));
             EXPECT_EQ(Line(), "5 found, 4 folders searched");
-            List().setFocus();
-            for (int row : {0, 1, 2, 4})
-                List().SetSlct(row, true);
-            EXPECT_TRUE(Eventually([&] { return dialog->focusWidget() == &List(); }));
-            PressOk(*dialog);
+            List().Sort(kFolderColumn, true);
+            Press(Qt::Key_Down); // to the results
+            EXPECT_EQ(dialog->focusWidget(), &List());
+            Press(Qt::Key_Down, Qt::ShiftModifier);
+            Press(Qt::Key_Down, Qt::ShiftModifier);
+            EXPECT_EQ(List().GetNumSlct(), 3);
+            Press(Qt::Key_Return);
         }),
         QDialog::Accepted);
-    EXPECT_THAT(Picked(),
-                ElementsAre(folder / "near.tif", folder / "sub/near wide.tif", folder / "sub/deep/nearer.png"))
+    EXPECT_THAT(Picked(), ElementsAre(folder / "near.tif", folder / "sub/near wide.tif"))
         << "without the folder, which can only be entered";
     EXPECT_EQ(DUserCnfg("DlgOpenDSSorting").ReadString("0", ""), "ASC:ASC:0:ASC") << "that of the listing";
 }
@@ -218,6 +219,7 @@ TEST_F(SearchWindow, FactsAreAskedForAndWhatIsWrongWithThemIsSaid) {
         Press(Qt::Key_Return);
         EXPECT_TRUE(Ends());
         EXPECT_THAT(Column(0), ElementsAre("near wide.tif"));
+        Shot(*dialog, "DlgOpenDS-search-facts");
         EXPECT_TRUE(std::filesystem::exists((cache / "zelvar/facts.db").c_str())) << "it is known the next time";
     });
 }
@@ -242,8 +244,17 @@ TEST_F(SearchWindow, ResultsAreSortedByEachColumnWithWhatIsSelected) {
             EXPECT_TRUE(List().GetSlct(RowOf(List(), "near.txt")));
             EXPECT_EQ(List().GetNumSlct(), 1);
         }
+        auto *const filter = platform::GetDlgItem<QLineEdit>(*dialog, kFileFilterId);
+        filter->setFocus();
+        filter->setText("*.txt;*.png");
+        Press(Qt::Key_Return);
+        EXPECT_TRUE(Ends());
+        EXPECT_THAT(Column(0), ElementsAre("near folder", "near.txt", "nearer.png")) << "as a listing takes it up";
+        filter->setText("*.*");
+        Press(Qt::Key_Return);
+        EXPECT_TRUE(Ends());
         Press(Qt::Key_Escape);
-        EXPECT_EQ(Column(0), listed);
+        EXPECT_TRUE(Eventually([&] { return Column(0) == listed; }));
     });
 }
 
@@ -279,20 +290,35 @@ TEST_F(SearchWindow, WithoutTheFeatureThereIsNoneAndNarrowWindowsWithLargeTextCu
     QFont large = former;
     large.setPixelSize(QFontInfo(former).pixelSize() * 3 / 2);
     QApplication::setFont(large);
+    {
+        SearchForm form;
+        form.FactsButton()->click();
+        form.SetPlace("a place");
+        form.ShowLine("What is said of a search");
+        for (int const width : {640, 1200}) {
+            form.resize(width, form.HeightFor(width, 2000));
+            form.show();
+            QCoreApplication::processEvents(); // the areas' own placing
+            for (QWidget *const control : form.FocusOrder()) {
+                EXPECT_TRUE(form.rect().contains({control->mapTo(&form, QPoint()), control->size()}))
+                    << control->objectName().toStdString() << " at " << width;
+                EXPECT_GE(control->width(), control->minimumSizeHint().width());
+                EXPECT_FALSE(control->accessibleName().isEmpty() && qobject_cast<QPushButton *>(control) == nullptr);
+            }
+        }
+        EXPECT_LT(form.HeightFor(1200, 2000), form.HeightFor(640, 2000));
+        EXPECT_LE(form.HeightFor(640, 150), 150) << "the facts scroll";
+    }
     Run([&] {
-        dialog->resize(640, dialog->height());
+        int const preview = dialog->PropertyWnd()->height();
         Press(Qt::Key_F, Qt::ControlModifier);
         Click(Form().FactsButton());
-        QCoreApplication::processEvents(); // the areas' own placing
-        for (QWidget *const control : Form().FocusOrder()) {
-            EXPECT_GE(control->width(), std::min(control->sizeHint().width(), control->minimumSizeHint().width()))
-                << control->objectName().toStdString();
-            EXPECT_LE(control->mapTo(dialog.get(), QPoint(control->width(), 0)).x(), dialog->width());
-            EXPECT_FALSE(control->accessibleName().isEmpty() && qobject_cast<QPushButton *>(control) == nullptr);
-        }
+        QCoreApplication::processEvents();
         EXPECT_LE(Form().geometry().bottom(), List().mapTo(dialog.get(), QPoint(0, 0)).y());
-        EXPECT_GT(List().height(), 60);
-        Shot(*dialog, "DlgOpenDS-search-narrow");
+        EXPECT_GT(dialog->PropertyWnd()->height(), preview / 3);
+        Shot(*dialog, "DlgOpenDS-search-large");
+        Press(Qt::Key_Escape);
+        EXPECT_NEAR(dialog->PropertyWnd()->height(), preview, 2);
     });
     QApplication::setFont(former);
 }
@@ -333,6 +359,7 @@ struct SlowSearch : SearchWindow {
         shell->SetUnreadable("/data/shut");
         for (char const *const file : {"/data/a.tif", "/data/b.tif", "/data/quick/a2.tif", "/data/slow/a3.tif"})
             shell->AddFile(file);
+        shell->AddFolder("/data/slow/below");
         platform::ShellNamespace::SetCurrent(shell);
     }
     ~SlowSearch() override {
@@ -344,6 +371,7 @@ struct SlowSearch : SearchWindow {
                 std::ignore = RefItemPtr<DataSourceItem>(place); // comes after what the others did with it
                 return place->RefCount() == 1;
             }));
+        EXPECT_EQ(shell->EnumerateCalls("/data/slow/below"), 1) << "of four searches three were ended";
         platform::ShellNamespace::SetCurrent(nullptr);
     }
     std::shared_ptr<SlowShell> shell = std::make_shared<SlowShell>();

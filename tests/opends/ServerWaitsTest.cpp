@@ -13,6 +13,7 @@
 #include "zelvar/opends/DSDataSourceWnd.h"
 #include "zelvar/opends/DataSourceList.h"
 #include "zelvar/opends/HierarchyList.h"
+#include "zelvar/opends/OpenSearch.h"
 #include "zelvar/opends/PlaceNotice.h"
 
 namespace zelvar::test {
@@ -220,6 +221,38 @@ TEST_F(ServerPlaces, ADialogThatBeginsAtAPlaceThatFailsSaysWhy) {
         *dialog, [&] { return dialog->Waits() != nullptr && !dialog->Waits()->IsWaiting(); },
         [&] { EXPECT_TRUE(Says("cannot be opened: its server answered 404", "Retry")); });
     dialog.reset();
+}
+
+TEST_F(ServerPlaces, ASearchGoesThroughFoldersOfAServerAndAStopHoldsNobody) {
+    server.Serve("/lab/",
+                 "<html><title>Index of /lab/</title><a href=\"sub/\">sub/</a><a href=\"a.tif\">a.tif</a></html>",
+                 "text/html");
+    server.Serve("/lab/sub/", "<html><title>Index of /lab/sub/</title><a href=\"a2.tif\">a2.tif</a></html>",
+                 "text/html");
+    Run([&] {
+        ClickSource("Lab");
+        DSListCtrl const &list = *dialog->MainList();
+        EXPECT_TRUE(Eventually([&] { return RowOf(list, "a.tif") >= 0; }));
+        auto const searchFor = [&](QString const &name) {
+            QTest::keyClick(dialog->focusWidget(), Qt::Key_F, Qt::ControlModifier);
+            QTest::keyClicks(dialog->focusWidget(), name);
+            Press(Qt::Key_Return);
+        };
+        searchFor("a");
+        EXPECT_TRUE(Eventually([&] { return !dialog->Search()->IsSearching(); }));
+        EXPECT_EQ(list.GetNumRow(), 2);
+        EXPECT_EQ(list.ShownText(RowOf(list, "a.tif"), 3), ".");
+        EXPECT_EQ(list.ShownText(RowOf(list, "a2.tif"), 3), "sub");
+        server.Hang(true);
+        Gaps const gaps;
+        searchFor("a2");
+        EXPECT_TRUE(Eventually([&] { return server.OpenConnections() > 0; }));
+        Press(Qt::Key_Escape);
+        EXPECT_TRUE(Eventually([&] { return !dialog->Search()->IsSearching(); }));
+        EXPECT_TRUE(HasLetGo());
+        EXPECT_TRUE(dialog->isVisible());
+        EXPECT_LT(gaps.Longest(), kSmooth);
+    });
 }
 
 TEST_F(ServerPlaces, RowsOfAStoreComeAsItSendsThemAndAreKeptAfterAStop) {

@@ -4,6 +4,7 @@
 #include "support/RealDriversTest.h"
 #include "zelvar/data/DriverProvider.h"
 #include "zelvar/model/PlaceResolver.h"
+#include "zelvar/search/SearchWords.h"
 
 #include <filesystem>
 
@@ -49,6 +50,32 @@ TEST(SearchQuery, BoundsAreIncludedAndWhatIsNotKnownIsOutside) {
                                                    {{.format = "png"}, false}})
         EXPECT_EQ(asked.NeedsFacts() && asked.MatchesFacts(facts), is);
     EXPECT_FALSE(SearchQuery{.kind = Kind::Image}.MatchesFacts({}));
+}
+
+TEST(SearchWords, SizesAndMomentsAreReadAsTheyAreWritten) {
+    constexpr std::int64_t kNovember16 = 1'794'787'200; // s, UTC
+    for (auto const &[text, bytes] : std::map<DString, std::optional<std::int64_t>>{{"0", 0},
+                                                                                    {"4096", 4096},
+                                                                                    {"10K", 10'240},
+                                                                                    {"2m", 2'097'152},
+                                                                                    {"8388607T", 8'388'607LL << 40U},
+                                                                                    {"8388608T", {}},
+                                                                                    {"1.5K", {}},
+                                                                                    {"-1", {}},
+                                                                                    {"K", {}},
+                                                                                    {"", {}}})
+        EXPECT_EQ(BytesFrom(text), bytes) << text;
+    for (auto const &[text, seconds] : std::map<DString, std::optional<std::int64_t>>{{"2026-11-16", 0},
+                                                                                      {"2026-11-16 10:30", 37'800},
+                                                                                      {"2026-11-16T10:30:01", 37'801},
+                                                                                      {"2026-11-16 ", {}},
+                                                                                      {"16.11.2026", {}},
+                                                                                      {"d", {}},
+                                                                                      {"99999999d", {}},
+                                                                                      {"", {}}})
+        EXPECT_EQ(MomentFrom(text), seconds ? std::optional((kNovember16 + *seconds) * 1'000'000'000) : std::nullopt)
+            << text;
+    EXPECT_EQ(*MomentFrom("24h"), *MomentFrom("1d"));
 }
 
 struct FactsStoreTest : testing::Test {
@@ -142,6 +169,17 @@ TEST_F(SearchTest, NamesAreFoundNearestFirstAndLinksEnd) {
     EXPECT_THAT(Names({.name = "scan", .kind = Kind::File}, true), ElementsAre("scan.txt"));
 }
 
+TEST_F(SearchTest, OfSeveralPlacesWhatLiesNearestComesFirst) {
+    for (char const *const name : {"one/deep/a.txt", "one/b.txt", "two/c.txt", "two/deep/d.txt"})
+        m_folder.Write(name, "x");
+    StopSignal const stop{false};
+    std::vector<DString> names;
+    std::ignore = Search({.kind = Kind::File}, nullptr)
+                      .Run({ItemFromPlace(m_folder / "one"), nullptr, ItemFromPlace(m_folder / "two")}, stop,
+                           [&](SearchHit &&hit) { names.push_back(hit.item->GetName()); });
+    EXPECT_THAT(names, ElementsAre("b.txt", "c.txt", "a.txt", "d.txt"));
+}
+
 TEST_F(SearchTest, FactsComeFromReadersOnceAndFromTheStoreThen) {
     m_folder.Folder("place/deep");
     test::WriteImage(m_folder / "place/a.tif", {.width = 20, .channels = 3});
@@ -180,7 +218,16 @@ TEST_F(SearchTest, AFolderThatIsDataIsFoundLikeAFileAndNotEntered) {
     m_folder.Write("place/cells.zarr/0/cells.txt", "x");
     EXPECT_THAT(Names({.name = "cells"}), ElementsAre("cells.zarr"));
     EXPECT_THAT(Names({.kind = Kind::DataSet}), ElementsAre("cells.zarr"));
+    m_folder.Write("place/a/far cells.txt", "x");
+    EXPECT_THAT(Names({.name = "*.txt"}), ElementsAre("far cells.txt")) << "of other names the same holds";
+    EXPECT_THAT(Names({.name = "cells"}), ElementsAre("cells.zarr", "far cells.txt")) << "nearest first";
     EXPECT_THAT(Names({.name = "cells", .kind = Kind::Folder}), ElementsAre());
+    for (char const *const name : {".zgroup", ".zarray", "zarr.json"}) { // some of them far behind, in any order
+        for (int i = 0; i < 300; ++i)
+            m_folder.Write(Format("place/large%s.zarr/%d.txt", name, i), "x");
+        m_folder.Write(Format("place/large%s.zarr/%s", name, name), "{}");
+    }
+    EXPECT_THAT(Names({.name = "*.txt"}), ElementsAre("far cells.txt")) << "what tells may stand behind many names";
 }
 
 } // namespace

@@ -18,7 +18,6 @@ namespace zelvar {
 
 using platform::Shown;
 using platform::ToDString;
-using platform::ToQString;
 
 namespace {
 

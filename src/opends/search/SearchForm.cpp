@@ -73,7 +73,8 @@ QPushButton *SearchForm::AddButton(char const *words, char const *tip, char cons
 }
 
 void SearchForm::SetPlace(DString const &name) {
-    QString const words = ToQString(Format(Translated("Search below %s"), ToValidUtf8(name).c_str()));
+    QString const words =
+        name.empty() ? Shown("Search") : ToQString(Format(Translated("Search below %s"), ToValidUtf8(name).c_str()));
     m_name->setPlaceholderText(words);
     m_name->setAccessibleName(words);
 }

@@ -42,6 +42,13 @@ TEST(MountTable, ReadsALineOfTheKernel) {
         EXPECT_FALSE(ParseMountLine(broken).has_value()) << broken;
 }
 
+TEST(MountTable, MountPointsSayOfTheirOwnPathsAloneWhetherTheyMayBlock) {
+    MountPoints const points;
+    EXPECT_EQ(points.MayBlockAt("/"), false) << "without the root nothing runs";
+    EXPECT_EQ(points.MayBlockAt("/proc"), MayBlock(*FindMount("/proc/self")));
+    EXPECT_EQ(points.MayBlockAt("/proc/self"), std::nullopt);
+}
+
 TEST(Drives, AreToldByTheKernelsTablesAlone) {
     // None of these mount points exists: a drive that had to be touched would be lost here.
     FakeKernel kernel("22 27 0:21 / /proc rw - proc proc rw\n"
