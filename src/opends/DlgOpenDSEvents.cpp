@@ -28,7 +28,6 @@
 #include "zelvar/opends/PlaceOpener.h"
 #include "zelvar/opends/PreviewBar.h"
 #include "zelvar/opends/ServerWaits.h"
-#include "zelvar/opends/ThumbnailLook.h"
 #include "zelvar/platform/ui/ControlId.h"
 #include "zelvar/platform/ui/EllipsisLabel.h"
 #include "zelvar/platform/ui/EscapeWatch.h"
@@ -37,7 +36,6 @@
 #include <QtGui/QKeyEvent>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QPushButton>
-#include <QtWidgets/QToolButton>
 
 namespace zelvar {
 
@@ -525,13 +523,11 @@ bool DlgOpenDS::ProcessTabKey(QWidget *focus) {
     auto *const line = platform::GetDlgItem<OpenLine>(*this, kLineId);
     bool const hasChoice = line != nullptr && line->Drivers()->isVisible();
     QWidget *const belowPanes = hasChoice ? static_cast<QWidget *>(line->Drivers()) : m_histCombo;
-    QWidget *const look = m_thumbnails == nullptr ? nullptr : m_thumbnails->Button();
     Step const steps[] = {
         {m_dataSourceList, hierarchy},
         {m_folderList, hierarchy},
         {m_hierarchyList, m_mainList},
-        {look, belowPanes},
-        {m_mainList, look == nullptr ? belowPanes : look},
+        {m_mainList, belowPanes},
         {line, m_histCombo},
         {m_histCombo, m_fileFilterEdit},
         {m_fileFilterEdit, m_fileTypeCombo},
