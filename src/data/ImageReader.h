@@ -45,9 +45,9 @@ enum class Enlarge { No, Yes };
                                           RDIRowsRead *read = nullptr, PreviewChoice const &choice = {});
 
 /// Reads a small picture of the image, its longer side `side` pixels and never enlarged, as `ReadPreview` shows it, in
-/// the background (`RequestScope::IsInBackground`). A large image without a pyramid has one too: of its rows and columns
-/// some are picked, and the others are not read. False, and `picture` empty, if it is no image, or was stopped; `error`
-/// and `stop` may be null. Any thread.
+/// the background (`RequestScope::IsInBackground`). A large image without a pyramid has one too: of its rows and
+/// columns some are picked, and the others are not read. False, and `picture` empty, if it is no image, or was stopped;
+/// `error` and `stop` may be null. Any thread.
 [[nodiscard]] ZELVAR_API bool ReadThumbnail(BDIMoniker const &moniker, DString const &driverId, StopSignal const *stop,
                                             int side, DCanvas &picture, DError *error = nullptr);
 

@@ -109,8 +109,7 @@ ThumbnailReader::Counts ThumbnailReader::GetCounts() const {
 
 bool ThumbnailReader::IsBusy() const {
     std::lock_guard const lock(m_mutex);
-    return !m_answers.empty() ||
-           std::ranges::any_of(m_entries, [](EntryPtr const &entry) { return entry->isWanted; });
+    return !m_answers.empty() || std::ranges::any_of(m_entries, [](EntryPtr const &entry) { return entry->isWanted; });
 }
 
 void ThumbnailReader::Release() {

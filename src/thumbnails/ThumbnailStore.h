@@ -11,11 +11,11 @@ namespace zelvar {
 
 /// What a thumbnail is kept under, and what it must be in keeping with.
 struct ThumbnailKey {
-    DString uri{};              ///< of the item
-    std::int64_t modified = 0;  ///< of the file that it lies in, seconds since 1970 UTC
-    std::int64_t size = -1;     ///< bytes of that file; -1 if unknown
-    bool isShared = false;      ///< a whole file: file managers know it by the same URI
-    bool takesForeign = false;  ///< what other programs made of it serves
+    DString uri{};             ///< of the item
+    std::int64_t modified = 0; ///< of the file that it lies in, seconds since 1970 UTC
+    std::int64_t size = -1;    ///< bytes of that file; -1 if unknown
+    bool isShared = false;     ///< a whole file: file managers know it by the same URI
+    bool takesForeign = false; ///< what other programs made of it serves
 };
 
 /// The thumbnails of the user, on disk, as desktops keep them: "thumbnails/normal", "large", "x-large" and "xx-large"

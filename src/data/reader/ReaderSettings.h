@@ -26,7 +26,8 @@ struct ReaderSettings {
         {std::chrono::milliseconds(30'000), 1024 * kMebibyte}, // list
         {std::chrono::milliseconds(30'000), 1024 * kMebibyte}, // properties
         {std::chrono::milliseconds(60'000), 2048 * kMebibyte}, // preview
-        {std::chrono::milliseconds(10'000), 2048 * kMebibyte}, // thumbnail: what it may take stands for the preview, too
+        {std::chrono::milliseconds(10'000),
+         2048 * kMebibyte}, // thumbnail: what it may take stands for the preview, too
     }};
     /// A probe inside a listing, and as much for all looks into files whose names say nothing; and what the late ones
     /// of one listing may waste together. A script that has no window to think of gives more.

@@ -13,9 +13,9 @@ namespace zelvar {
 
 namespace {
 
-constexpr int kLeastSide = 32;    // pixels; smaller ones are drawn in that size, and the upper left of it is taken
-constexpr int kSheetRows = 11;    // lines of a sheet, the names included
-constexpr int kMostShown = 3;     // columns, where they have room for a few letters
+constexpr int kLeastSide = 32; // pixels; smaller ones are drawn in that size, and the upper left of it is taken
+constexpr int kSheetRows = 11; // lines of a sheet, the names included
+constexpr int kMostShown = 3;  // columns, where they have room for a few letters
 constexpr QRgb kRule = 0xFFC8CCD0;
 constexpr QRgb kHeading = 0xFFE4E9EE;
 
