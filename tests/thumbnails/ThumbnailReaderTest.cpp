@@ -98,6 +98,15 @@ TEST_F(ThumbnailReading, WhatIsNotWantedAnyMoreIsDroppedAndTheNewestComesFirst) 
     EXPECT_EQ(m_reader->GetCounts().opened, 5) << "none of those that were dropped";
 }
 
+TEST_F(ThumbnailReading, WhatTakesLongEndsOnceNobodyWantsIt) {
+    Want({Write("a", "read poll 60"), Write("b", "read poll 60")});
+    while (m_reader->GetCounts().opened < 2)
+        std::this_thread::yield();
+    std::string const wanted = Write("wanted", "");
+    Want({wanted});
+    EXPECT_THAT(Await(1), testing::ElementsAre(wanted)) << "the others have no answer";
+}
+
 TEST_F(ThumbnailReading, APreviewWaitsForNoThumbnail) {
     ReaderSettings settings;
     settings.imageReaders = 1;
