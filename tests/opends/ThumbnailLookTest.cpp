@@ -8,7 +8,6 @@
 #include "zelvar/data/DriverProvider.h"
 #include "zelvar/data/RDIDriverMngr.h"
 #include "zelvar/model/NtwDataSourceItem.h"
-#include "zelvar/opends/DSMessages.h"
 
 #include <QtGui/QWheelEvent>
 #include <QtWidgets/QMenu>
@@ -137,22 +136,6 @@ TEST_F(ThumbnailLooks, KeysButtonAndWheelChooseAndItIsKept) {
     EXPECT_EQ(stage.look->Button()->accessibleName(), "Show thumbnails");
     key(Qt::Key_Plus);
     EXPECT_EQ(stage.look->Choice().side, 128) << "of rows there is no size";
-}
-
-TEST_F(ThumbnailLooks, TilesAreTheSameRows) {
-    folder.Write("j.tif", "this is no image");
-    Stage stage(folder.Path(), {.thumbnails = true, .side = 96});
-    Rect const tile = stage.list.GetItemRect(RowOf(stage.list, "i001.tif"));
-    QTest::mouseClick(stage.list.viewport(), Qt::LeftButton, {}, {tile.left + 20, tile.top + 20});
-    QTest::keyClick(&stage.list, Qt::Key_Right, Qt::ShiftModifier);
-    DSListCtrl::ItemList selected;
-    stage.list.GetSelectedItems(selected);
-    ASSERT_EQ(selected.size(), 2U);
-    EXPECT_EQ(selected.back()->GetName(), "i002.tif");
-    QTest::keyClick(&stage.list, Qt::Key_J);
-    ASSERT_TRUE(stage.IsQuiet());
-    EXPECT_EQ(stage.list.ItemAt(stage.list.GetFocusRow())->GetName(), "j.tif") << "by its first letter";
-    EXPECT_EQ(stage.look->GetCounts().opened, stage.look->GetCounts().made + 1) << "the one that is no image, once";
 }
 
 TEST_F(ThumbnailLooks, PlacesOnANetworkAreRowsUnlessWanted) {

@@ -131,14 +131,5 @@ TEST_F(ThumbnailReading, LettingGoWaitsForNothing) {
     EXPECT_LT(test::Since(begin), std::chrono::seconds(4));
 }
 
-TEST(RequestScope, AThumbnailIsReadInTheBackgroundWhateverItTakes) {
-    RequestScope const preview(RequestKind::Preview);
-    EXPECT_FALSE(preview.IsInBackground());
-    RequestScope const thumbnail(RequestKind::Thumbnail);
-    RequestScope const probe(RequestKind::Probe);
-    EXPECT_TRUE(probe.IsInBackground());
-    EXPECT_FALSE(RequestScope(RequestKind::List, {}, {}, RequestScope::Nesting::Alone).IsInBackground());
-}
-
 } // namespace
 } // namespace zelvar

@@ -158,9 +158,8 @@ TEST_F(ThumbnailStoreTest, OnlyWholeFilesAreShared) {
         auto const key = m_store.KeyOf(moniker);
         EXPECT_EQ(key ? std::optional(key->isShared) : std::nullopt, isShared) << moniker;
     }
-    m_store.Keep(Key(file + "?OVERVIEW=1"), 128, Gradient(2, 2));
     m_store.Keep(Key("GTIFF_DIR:2:" + file), 128, Gradient(2, 2));
-    EXPECT_THAT(Kept(), testing::Contains(testing::StartsWith("zelvar/thumbnails/normal/")).Times(2));
+    EXPECT_THAT(Kept(), testing::Contains(testing::StartsWith("zelvar/thumbnails/normal/")));
 }
 
 TEST_F(ThumbnailStoreTest, ASeriesIsInKeepingWithItsMembers) {
