@@ -120,7 +120,8 @@ void ThumbnailLook::Show() {
     m_button->setIcon(
         platform::ResourceIcon(m_choice.thumbnails ? QStringLiteral("look-rows") : QStringLiteral("look-tiles")));
     QString const next = m_choice.thumbnails ? platform::Shown("Show rows") : platform::Shown("Show thumbnails");
-    m_button->setToolTip(next + (m_choice.thumbnails ? QStringLiteral(" (Ctrl+1)") : QStringLiteral(" (Ctrl+2)")));
+    m_button->setToolTip(m_choice.thumbnails ? platform::Shown("Show rows (Ctrl+1)")
+                                             : platform::Shown("Show thumbnails (Ctrl+2)"));
     m_button->setAccessibleName(next);
     if (!isShown && m_reader != nullptr)
         m_reader->Want({}, DeviceSide());
