@@ -32,7 +32,6 @@
 #include "zelvar/opends/PlaceTravel.h"
 #include "zelvar/opends/PreviewBar.h"
 #include "zelvar/opends/ServerWaits.h"
-#include "zelvar/opends/ThumbnailLook.h"
 #include "zelvar/opends/search/SearchForm.h"
 #include "zelvar/opends/search/StoredSearch.h"
 #include "zelvar/platform/ui/ControlId.h"
@@ -43,7 +42,6 @@
 #include <QtGui/QKeyEvent>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QPushButton>
-#include <QtWidgets/QToolButton>
 
 namespace zelvar {
 
@@ -635,13 +633,11 @@ bool DlgOpenDS::ProcessTabKey(QWidget *focus) {
     auto *const line = platform::GetDlgItem<OpenLine>(*this, kLineId);
     bool const hasChoice = line != nullptr && line->Drivers()->isVisible();
     QWidget *const belowPanes = hasChoice ? static_cast<QWidget *>(line->Drivers()) : m_histCombo;
-    QWidget *const look = m_thumbnails == nullptr ? nullptr : m_thumbnails->Button();
     Step const steps[] = {
         {m_dataSourceList, hierarchy},
         {m_folderList, hierarchy},
         {m_hierarchyList, m_mainList},
-        {look, belowPanes},
-        {m_mainList, look == nullptr ? belowPanes : look},
+        {m_mainList, belowPanes},
         {line, m_histCombo},
         {m_histCombo, m_fileFilterEdit},
         {m_fileFilterEdit, m_fileTypeCombo},

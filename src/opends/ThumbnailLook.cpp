@@ -120,7 +120,8 @@ void ThumbnailLook::Show() {
     m_button->setIcon(
         platform::ResourceIcon(m_choice.thumbnails ? QStringLiteral("look-rows") : QStringLiteral("look-tiles")));
     QString const next = m_choice.thumbnails ? platform::Shown("Show rows") : platform::Shown("Show thumbnails");
-    m_button->setToolTip(next);
+    m_button->setToolTip(m_choice.thumbnails ? platform::Shown("Show rows (Ctrl+1)")
+                                             : platform::Shown("Show thumbnails (Ctrl+2)"));
     m_button->setAccessibleName(next);
     if (!isShown && m_reader != nullptr)
         m_reader->Want({}, DeviceSide());
@@ -154,7 +155,7 @@ int ThumbnailLook::DeviceSide() const {
 void ThumbnailLook::MakeButton() {
     m_button = new QToolButton(m_list);
     m_button->setAutoRaise(true);
-    m_button->setFocusPolicy(Qt::TabFocus);
+    m_button->setFocusPolicy(Qt::NoFocus); // there are keys, and the order of the dialog stays
     m_button->setPopupMode(QToolButton::MenuButtonPopup);
     m_menu = new QMenu(m_button);
     m_button->setMenu(m_menu);
@@ -222,6 +223,9 @@ void ThumbnailLook::AddKeys(QWidget &window) {
     };
     on(Qt::CTRL | Qt::Key_1, &window, Qt::WindowShortcut, [](LookChoice &choice) { choice.thumbnails = false; });
     on(Qt::CTRL | Qt::Key_2, &window, Qt::WindowShortcut, [](LookChoice &choice) { choice.thumbnails = true; });
+    auto *const menu = new QShortcut(Qt::CTRL | Qt::Key_3, &window);
+    connect(this, &QObject::destroyed, menu, &QObject::deleteLater);
+    connect(menu, &QShortcut::activated, m_button, &QToolButton::showMenu);
     for (auto const key : {Qt::Key_Plus, Qt::Key_Equal})
         on(Qt::CTRL | key, m_list, Qt::WidgetWithChildrenShortcut, resize(1));
     on(Qt::CTRL | Qt::Key_Minus, m_list, Qt::WidgetWithChildrenShortcut, resize(-1));

@@ -22,9 +22,10 @@ namespace zelvar {
 /// The second look of the list of items: thumbnails in place of rows.
 ///
 /// It draws the tiles, has the thumbnails of what is in sight and of one page behind it brought by threads, keeps them
-/// in memory, and offers the choice: a button in the headings' row, Ctrl+1 and Ctrl+2, and for the size Ctrl with the
-/// wheel, plus or minus. What is chosen is kept in the settings. Places on a network are shown as rows unless the user
-/// wants otherwise: every thumbnail there is a file that comes over the line. User-interface thread.
+/// in memory, and offers the choice: a button in the headings' row with a menu, Ctrl+1 and Ctrl+2, for
+/// the menu Ctrl+3, and for the size Ctrl with the wheel, plus or minus. What is chosen is kept in the settings. Places
+/// on a network are shown as rows unless the user wants otherwise: every thumbnail there is a file that comes over the
+/// line. User-interface thread.
 class ZELVAR_API ThumbnailLook final : public QObject, private DSListCtrl::TilePainter {
     Q_OBJECT
 

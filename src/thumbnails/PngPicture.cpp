@@ -145,6 +145,7 @@ std::optional<DCanvas> DecodePng(std::string_view bytes, std::function<bool(PngT
     if (!picture.HasData() || !decoder.MakeRgb())
         return std::nullopt;
     std::vector<png_bytep> rows;
+    rows.reserve(static_cast<std::size_t>(picture.GetHeight()));
     for (int y = 0; y < picture.GetHeight(); ++y)
         rows.push_back(picture.Row(y));
     return decoder.ReadRows(rows) ? std::optional(std::move(picture)) : std::nullopt;

@@ -38,10 +38,10 @@ KeptSize const *SizeFor(int side) {
     return found == std::end(kSizes) ? std::prev(found) : found;
 }
 
-/// Formats of eight bits a sample: what others make of them is right. All others may hold wide samples, and then it is
-/// not, or have no other program that shows them.
-bool HasBytesAlone(std::string_view path) {
-    constexpr std::string_view kEndings[] = {"jpg", "jpeg", "jpe", "gif", "bmp", "webp"};
+/// Formats that others read too, and show wrong where samples are wide. Without an ending it may be one of them.
+bool IsShownWrong(std::string_view path) {
+    constexpr std::string_view kEndings[] = {"",    "tif", "tiff", "btf", "tf8", "lsm", "svs", "png",  "pnm",  "pgm",
+                                             "ppm", "pam", "jp2",  "j2k", "jpx", "jpf", "jxl", "avif", "heic", "exr"};
     return std::ranges::any_of(kEndings,
                                [&](std::string_view ending) { return EqualNoCase(ExtensionOf(path), ending); });
 }
@@ -145,7 +145,7 @@ std::optional<ThumbnailKey> ThumbnailStore::KeyOf(DString const &moniker) const 
     DString const file = isThere ? moniker : named.FindFile();
     ThumbnailKey key{.uri = isWhole ? FileUri(file) : "zelvar:" + PercentEncoded(moniker, true),
                      .isShared = isWhole,
-                     .takesForeign = isWhole && HasBytesAlone(file)};
+                     .takesForeign = isWhole && !IsShownWrong(file)};
     if (isThere || (!file.empty() && stat(file.c_str(), &state) == 0)) {
         key.modified = state.st_mtim.tv_sec;
         key.size = S_ISREG(state.st_mode) ? state.st_size : -1;

@@ -23,8 +23,9 @@ struct ThumbnailKey {
 /// inside containers, items with options and folders that are data sets, is kept the same way in
 /// "zelvar/thumbnails" beside. That a file has none is noted in "fail/zelvar-VERSION" of either.
 ///
-/// A thumbnail that another program made of a format with wide samples is not used: these show the upper eight bits, or
-/// what their decoder makes of them, which is black for most of such images. Ours takes its place, for all.
+/// What another program made is used, but not of formats that may hold wide samples, as TIFF and PNG: there others show
+/// the upper eight bits, or what their decoder makes of them, which is black for most of such images. Ours takes its
+/// place, for all. Of formats that no other program shows what is there was made by our command.
 ///
 /// What cannot be read or written, as on a full disk, is silently not there. Any thread.
 class ZELVAR_API ThumbnailStore {

@@ -8,7 +8,6 @@
 #include "zelvar/data/DriverProvider.h"
 #include "zelvar/data/RDIDriverMngr.h"
 #include "zelvar/model/NtwDataSourceItem.h"
-#include "zelvar/opends/DSMessages.h"
 
 #include <QtGui/QWheelEvent>
 #include <QtWidgets/QMenu>
@@ -132,39 +131,11 @@ TEST_F(ThumbnailLooks, KeysButtonAndWheelChooseAndItIsKept) {
     EXPECT_EQ(stage.list.TileSize().cx, 128 + 16);
     turn(-120, {});
     EXPECT_GT(stage.list.verticalScrollBar()->value(), 0) << "without the key it scrolls";
-    EXPECT_EQ(LookFromText(LookToText(stage.look->Choice())), stage.look->Choice());
-    {
-        DSListCtrl other;
-        other.Create(0, {0, 0, 200, 200}, DT_DATA, nullptr, 4);
-        EXPECT_EQ(ThumbnailLook(other, other, "test").Choice(), (LookChoice{true, 128, false}));
-        EXPECT_FALSE(ThumbnailLook(other, other, "other kind").Choice().thumbnails);
-    }
     QTest::mouseClick(stage.look->Button(), Qt::LeftButton, {}, {4, stage.look->Button()->height() / 2});
     EXPECT_FALSE(stage.list.IsTiled());
     EXPECT_EQ(stage.look->Button()->accessibleName(), "Show thumbnails");
     key(Qt::Key_Plus);
     EXPECT_EQ(stage.look->Choice().side, 128) << "of rows there is no size";
-}
-
-TEST_F(ThumbnailLooks, TilesAreTheSameRows) {
-    folder.Folder("a folder");
-    folder.Write("j.tif", "this is no image");
-    Stage stage(folder.Path(), {.thumbnails = true, .side = 96});
-    Coordinator coordinator;
-    stage.list.SetCoordinator(&coordinator);
-    stage.list.SetSelChangeMessage(WM_DS_IMAGE_SELECTED);
-    Rect const tile = stage.list.GetItemRect(RowOf(stage.list, "i001.tif"));
-    QTest::mouseClick(stage.list.viewport(), Qt::LeftButton, {}, {tile.left + 20, tile.top + 20});
-    QTest::keyClick(&stage.list, Qt::Key_Right, Qt::ShiftModifier);
-    DSListCtrl::ItemList selected;
-    stage.list.GetSelectedItems(selected);
-    ASSERT_EQ(selected.size(), 2U);
-    EXPECT_EQ(selected.back()->GetName(), "i002.tif");
-    QTest::keyClick(&stage.list, Qt::Key_J);
-    ASSERT_TRUE(stage.IsQuiet());
-    EXPECT_EQ(stage.list.ItemAt(stage.list.GetFocusRow())->GetName(), "j.tif") << "by its first letter";
-    EXPECT_GE(coordinator.told[WM_DS_IMAGE_SELECTED], 3);
-    EXPECT_EQ(stage.look->GetCounts().opened, stage.look->GetCounts().made + 1) << "the one that is no image, once";
 }
 
 TEST_F(ThumbnailLooks, PlacesOnANetworkAreRowsUnlessWanted) {
@@ -178,7 +149,6 @@ TEST_F(ThumbnailLooks, PlacesOnANetworkAreRowsUnlessWanted) {
     stage.look->Choose({.thumbnails = true, .side = 96, .remote = true});
     EXPECT_TRUE(stage.list.IsTiled());
     stage.look->Choose({.thumbnails = true, .side = 96});
-    EXPECT_FALSE(stage.list.IsTiled());
     platform::ShellNamespace::SetCurrent(real);
     stage.Show(folder.Path());
     EXPECT_TRUE(stage.list.IsTiled()) << "here they come back by themselves";
@@ -186,19 +156,12 @@ TEST_F(ThumbnailLooks, PlacesOnANetworkAreRowsUnlessWanted) {
 
 /// What users see, for `make shots`.
 TEST_F(ThumbnailLooks, AreAPageOfPictures) {
-    double const nan = std::numeric_limits<double>::quiet_NaN();
     auto const wave = [](int, int x, int y) { return 2000 + 1500 * std::sin(x / 40.0) * std::cos(y / 30.0); };
     TempFolder const mixed;
-    mixed.Folder("2026-11 overview");
     WriteImage(mixed / "cells 12 bit.tif", {.width = 400, .height = 300, .type = GDT_UInt16, .sample = wave});
-    WriteImage(mixed / "depth with holes.tif",
-               {.width = 300, .height = 400, .type = GDT_Float32, .sample = [&](int c, int x, int y) {
-                    return (x - 150) * (x - 150) + (y - 200) * (y - 200) < 3000 ? nan : wave(c, x, y);
-                }});
     WriteImage(mixed / "rgb a very long name that says what it is, and then_t001.tif",
                {.width = 320, .height = 200, .channels = 3});
-    WritePages(mixed / "pages.tif", 3);
-    mixed.Write("measured.csv", "well;area;mean\nA01;12.5;200\nA02;13.1;190\nB01;9.75;240\n");
+    mixed.Write("measured.csv", "well;area;mean\nA01;12.5;200\nA02;13.1;190\n");
     mixed.Write("no image.tif", "damaged");
     Stage stage(mixed.Path(), {.thumbnails = true, .side = 128});
     ASSERT_TRUE(stage.IsQuiet());
@@ -208,7 +171,7 @@ TEST_F(ThumbnailLooks, AreAPageOfPictures) {
     stage.look->Button()->menu()->popup(stage.look->Button()->mapToGlobal(QPoint(0, 20)));
     Shot(*stage.look->Button()->menu(), "ThumbnailLook-menu");
     stage.look->Button()->menu()->close();
-    EXPECT_GE(stage.look->GetCounts().made, 4);
+    EXPECT_EQ(stage.look->GetCounts().made, 3);
 }
 
 TEST(ThumbnailPictures, ThoseUsedLongestAgoMakeRoom) {
@@ -223,10 +186,7 @@ TEST(ThumbnailPictures, ThoseUsedLongestAgoMakeRoom) {
     pictures.Keep("none", 100, {}, 1);
     ASSERT_NE(pictures.Find("none"), nullptr);
     EXPECT_TRUE(pictures.Find("none")->pixmap.isNull());
-    qsizetype const bytes = pictures.Bytes();
-    pictures.Keep("c", 100, canvas, 1);
-    EXPECT_EQ(pictures.Bytes(), bytes) << "in place of the former one";
-    EXPECT_LE(bytes, 100'000);
+    EXPECT_LE(pictures.Bytes(), 100'000);
 }
 
 TEST(ThumbnailsInDialog, AreAFeatureOfTheMainListAndKnownByKindOfDocument) {
@@ -253,11 +213,6 @@ TEST(ThumbnailsInDialog, AreAFeatureOfTheMainListAndKnownByKindOfDocument) {
         Shot(dialog, "DlgOpenDS-rows");
         QTest::keyClick(&dialog, Qt::Key_2, Qt::ControlModifier);
         EXPECT_TRUE(dialog.MainList()->IsTiled());
-        dialog.MainList()->setFocus();
-        QTest::keyClick(dialog.MainList(), Qt::Key_Tab);
-        EXPECT_TRUE(dialog.Thumbnails()->Button()->hasFocus());
-        QTest::keyClick(dialog.Thumbnails()->Button(), Qt::Key_Tab);
-        EXPECT_FALSE(dialog.Thumbnails()->Button()->hasFocus()) << "and on";
         dialog.MainList()->setFocus();
         QTest::keyClick(dialog.MainList(), Qt::Key_Home);
         PressOk(dialog);

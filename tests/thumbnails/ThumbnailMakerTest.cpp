@@ -83,8 +83,9 @@ TEST_F(ThumbnailMaking, AContainerShowsItsFirstImageAndATableItsFirstCells) {
     EXPECT_EQ(Make(m_folder / "pages.tif").GetPixel(1, 1), Rgb(10, 10, 10)) << "the first page";
     test::WriteNetCdf(m_folder / "two.nc", 2);
     EXPECT_EQ(Make(m_folder / "two.nc").GetHeight(), 20);
-    test::WriteGroups(m_folder / "groups.nc");
-    EXPECT_TRUE(Make(m_folder / "groups.nc").HasData()) << "in a group";
+    WriteImage(m_folder / "a.tif");
+    test::WriteZip(m_folder / "deep.zip", {{"one/two/a.tif", m_folder / "a.tif"}});
+    EXPECT_EQ(Make(m_folder / "deep.zip").GetWidth(), 64) << "two folders down";
     EXPECT_TRUE(m_glimpse.names.empty());
 
     test::WriteGeoPackage(m_folder / "layers.gpkg", 1, 0, 0);

@@ -98,6 +98,15 @@ TEST_F(ThumbnailReading, WhatIsNotWantedAnyMoreIsDroppedAndTheNewestComesFirst) 
     EXPECT_EQ(m_reader->GetCounts().opened, 5) << "none of those that were dropped";
 }
 
+TEST_F(ThumbnailReading, WhatTakesLongEndsOnceNobodyWantsIt) {
+    Want({Write("a", "read poll 60"), Write("b", "read poll 60")});
+    while (m_reader->GetCounts().opened < 2)
+        std::this_thread::yield();
+    std::string const wanted = Write("wanted", "");
+    Want({wanted});
+    EXPECT_THAT(Await(1), testing::ElementsAre(wanted)) << "the others have no answer";
+}
+
 TEST_F(ThumbnailReading, APreviewWaitsForNoThumbnail) {
     ReaderSettings settings;
     settings.imageReaders = 1;
@@ -113,27 +122,13 @@ TEST_F(ThumbnailReading, APreviewWaitsForNoThumbnail) {
     EXPECT_EQ(Await(3).size(), 3U);
 }
 
-TEST_F(ThumbnailReading, PicturesAreFittedAndLettingGoWaitsForNothing) {
-    Want({Write("wide", "width 512\nheight 128\n")}, 100);
-    EXPECT_EQ(Await(1).size(), 1U);
-    auto const kept = ThumbnailStore(m_cache).Find(*ThumbnailStore(m_cache).KeyOf(folder / "wide.hostile"), 100);
-    ASSERT_TRUE(kept);
-    EXPECT_EQ(kept->GetWidth(), 128) << "the size that is kept";
+TEST_F(ThumbnailReading, LettingGoWaitsForNothing) {
     Want({Write("deaf", "read sleep 5")});
-    while (m_reader->GetCounts().opened < 2)
+    while (m_reader->GetCounts().opened < 1)
         std::this_thread::yield();
     auto const begin = test::Clock::now();
     m_reader->Release();
     EXPECT_LT(test::Since(begin), std::chrono::seconds(4));
-}
-
-TEST(RequestScope, AThumbnailIsReadInTheBackgroundWhateverItTakes) {
-    RequestScope const preview(RequestKind::Preview);
-    EXPECT_FALSE(preview.IsInBackground());
-    RequestScope const thumbnail(RequestKind::Thumbnail);
-    RequestScope const probe(RequestKind::Probe);
-    EXPECT_TRUE(probe.IsInBackground());
-    EXPECT_FALSE(RequestScope(RequestKind::List, {}, {}, RequestScope::Nesting::Alone).IsInBackground());
 }
 
 } // namespace

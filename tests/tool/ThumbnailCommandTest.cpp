@@ -48,18 +48,13 @@ TEST(ThumbnailCommand, WritesOneOfAnyNameAndTouchesNothingElse) {
     EXPECT_TRUE(fs::is_empty(home.Path())) << "no settings, no cache";
 
     folder.Write("no.tif", "this is no image");
-    for (std::vector<std::string> const &words : {std::vector{folder / "no.tif", folder / "out.png"},
-                                                  {folder / "none.tif", folder / "out.png"},
-                                                  {odd, folder / "no folder/out.png"},
-                                                  {odd, folder / "out.png", "--size", "0"},
-                                                  {odd}}) {
-        std::vector<std::string> command = words;
-        command.insert(command.begin(), "thumbnail");
-        Outcome const outcome = Zelvar(command, here);
-        EXPECT_EQ(outcome.exitCode, words.size() == 2 ? 3 : 2) << words.back();
-        EXPECT_THAT(outcome.err, testing::StartsWith("zelvar: "));
-        EXPECT_FALSE(fs::exists(folder / "out.png"));
-    }
+    test::Rows<std::vector<std::string>, int> const wrong = {
+        {{"thumbnail", folder / "no.tif", folder / "out.png"}, 3},
+        {{"thumbnail", odd, folder / "no folder/out.png"}, 3},
+        {{"thumbnail", odd, folder / "out.png", "--size", "0"}, 2}};
+    for (auto const &[words, exitCode] : wrong)
+        EXPECT_EQ(Zelvar(words, here).exitCode, exitCode) << words[2];
+    EXPECT_FALSE(fs::exists(folder / "out.png"));
 }
 
 TEST(ThumbnailPreference, SwitchesTheBuiltInOffAndBackLineByLine) {
