@@ -147,12 +147,12 @@ void FactsForm::Read(SearchDraft &draft) const {
 void FactsForm::Fill(SearchDraft const &draft) {
     m_kind->setCurrentIndex(std::max(m_kind->findData(static_cast<int>(draft.kind)), 0));
     m_type->setCurrentIndex(std::max(m_type->findData(draft.dataTypes), 0));
-    m_format->setText(ToQString(draft.format));
+    m_format->setText(platform::ToQString(draft.format));
     m_inside->setChecked(draft.inside);
     m_remote->setChecked(draft.remote);
     for (BoundEdits const &edits : m_bounds) {
-        edits.least->setText(ToQString((draft.*edits.field).least));
-        edits.most->setText(ToQString((draft.*edits.field).most));
+        edits.least->setText(platform::ToQString((draft.*edits.field).least));
+        edits.most->setText(platform::ToQString((draft.*edits.field).most));
     }
 }
 
