@@ -8,6 +8,7 @@
 #include "zelvar/opends/DataSourceList.h"
 #include "zelvar/opends/NewConnectionItem.h"
 #include "zelvar/opends/RowDrag.h"
+#include "zelvar/opends/TextQuestion.h"
 #include "zelvar/opends/connections/ConnectionDlg.h"
 #include "zelvar/opends/core/FileQuestion.h"
 #include "zelvar/platform/ui/ModalLoop.h"
@@ -16,7 +17,6 @@
 #include <QtCore/QPointer>
 #include <QtGui/QKeyEvent>
 #include <QtWidgets/QCheckBox>
-#include <QtWidgets/QInputDialog>
 #include <QtWidgets/QMenu>
 #include <QtWidgets/QMessageBox>
 #include <QtWidgets/QPushButton>
@@ -219,15 +219,10 @@ void ConnectionRows::Duplicate(DString const &name) {
 
 void ConnectionRows::Rename(DString const &name) {
     QPointer<ConnectionRows> const self(this);
-    QInputDialog question(m_list.window());
-    question.setWindowTitle(platform::Shown("Rename Connection"));
-    question.setLabelText(platform::Shown("Name"));
-    question.setTextValue(platform::ToQString(name));
-    question.setOkButtonText(platform::Shown("OK"));
-    question.setCancelButtonText(platform::Shown("Cancel"));
-    if (platform::RunModal(question) != QDialog::Accepted || self.isNull())
+    std::optional<DString> const answer = AskForText(m_list.window(), Mark("Rename Connection"), Mark("Name"), name);
+    if (!answer || self.isNull())
         return;
-    DString const newName(Trimmed(platform::ToDString(question.textValue())));
+    DString const newName = *answer;
     if (newName == name)
         return;
     Start([name, newName](StopSignal const &) { return SavedConnection{.change = RenameConnection(name, newName)}; },
