@@ -235,7 +235,7 @@ TEST_F(EncryptedDatabase, ACertificateThatWasAcceptedIsTrustedAndNoOther) {
     std::map<DString, DString> options{{"sslmode", "verify-ca"},
                                        {"server", "127.0.0.1:" + std::to_string(m_server.Port())}};
     Connect(options);
-    EXPECT_EQ(ErrorOf(m_address).Why(), DError::Cause::Untrusted);
+    EXPECT_EQ(WhyNotOpened(m_address).Why(), DError::Cause::Untrusted);
     std::optional<ServerCertificate> const shown = ReadServerCertificate(m_address);
     ASSERT_TRUE(shown);
     EXPECT_EQ(shown->issuer, "Lab CA");
@@ -245,11 +245,11 @@ TEST_F(EncryptedDatabase, ACertificateThatWasAcceptedIsTrustedAndNoOther) {
     EXPECT_THAT(Read(m_address + "/s/v"), ElementsAre("ssl:" + std::to_string(ADICol_Int), "1"));
     options["sslmode"] = "verify-full";
     Connect(options);
-    EXPECT_EQ(ErrorOf(m_address).Why(), DError::Cause::Untrusted) << "here they are";
+    EXPECT_EQ(WhyNotOpened(m_address).Why(), DError::Cause::Untrusted) << "here they are";
     options["sslmode"] = "verify-ca";
     options["fingerprint"] = FingerprintOf(DString(32, 'x'));
     Connect(options);
-    EXPECT_THAT(ErrorOf(m_address).Text(), HasSubstr("is not the one that was accepted"));
+    EXPECT_THAT(WhyNotOpened(m_address).Text(), HasSubstr("is not the one that was accepted"));
 }
 
 TEST_F(TablesTest, AnOdbcSourceIsListedAndRead) {

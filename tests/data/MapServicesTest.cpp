@@ -415,18 +415,18 @@ TEST_F(WebFolders, ACertificateThatWasAcceptedIsTrustedAndNoOther) {
                           "</Layer></Capability></WMS_Capabilities>");
     DString const maps = "wms+" + url + "/open/maps";
     Allow(ConnectionKind::MapService, {server.Place()}, {{"server", server.Place()}});
-    EXPECT_EQ(WhyNotListed(maps).Why(), Untrusted);
+    EXPECT_EQ(WhyNotOpened(maps).Why(), Untrusted);
     Allow(ConnectionKind::MapService, {server.Place()},
           {{"server", server.Place()}, {"fingerprint", shown->fingerprint}});
     EXPECT_EQ(NamesIn(maps), Names{"a:2"});
     allow(byName.substr(8), shown->fingerprint);
-    EXPECT_EQ(WhyNotListed(byName + "/open/").Why(), Untrusted) << "it is not the certificate of that name";
+    EXPECT_EQ(WhyNotOpened(byName + "/open/").Why(), Untrusted) << "it is not the certificate of that name";
     std::optional<ServerCertificate> const other = ReadServerCertificate(byName);
     EXPECT_TRUE(other && other->fault == Fault::OtherName);
 
     ASSERT_TRUE(server.RenewCertificate());
     allow(server.Place(), shown->fingerprint);
-    DError const changed = WhyNotListed(url + "/open/");
+    DError const changed = WhyNotOpened(url + "/open/");
     EXPECT_EQ(changed.Why(), Untrusted);
     EXPECT_TRUE(Says(changed, "is not the one that was accepted")) << changed.Text();
     allow(server.Place(), server.Fingerprint());

@@ -91,14 +91,10 @@ std::string WebServer::Fingerprint() const {
 
 bool WebServer::RenewCertificate() {
     Certify();
-    kill(m_process, SIGKILL);
-    waitpid(m_process, nullptr, 0);
-    m_process = Run({"nginx", "-c", m_folder / "settings", "-p", m_folder.Path()}, m_folder / "run/said");
-    for (int status = 0; waitpid(m_process, &status, WNOHANG) == 0; std::this_thread::yield())
-        if (!platform::TryToConnect(Place(), 100))
-            return true;
-    m_process = -1;
-    return false;
+    m_process.End();
+    return m_process.Start(
+        {.words = {"nginx", "-c", m_folder / "settings", "-p", m_folder.Path()}, .log = m_folder / "run/said"},
+        [this] { return TakesConnections(m_port); });
 }
 
 bool WebServer::StartTls() {
