@@ -131,23 +131,24 @@ TEST(PasswordsUnseen, OfEveryKindWhereverTheyAreKept) {
                                             "<DataSource name='parameters' url='http://${user}:${password}@" + place +
                                             "/parameters/'><Parameters>user=ann;password=" + kMarker +
                                             "</Parameters></DataSource></DataSources>");
-    Keeping const rows[] = {{"web", WebFolder, web("web"), SecretPlace::Ask, "a.tif"},
-                            {"keyring", WebFolder, web("keyring"), SecretPlace::Keyring, "a.tif"},
-                            {"netrc", WebFolder, web("netrc"), SecretPlace::File, "a.tif"},
-                            {"address", WebFolder, {}, SecretPlace::Definition, "a.tif"},
-                            {"parameters", WebFolder, {}, SecretPlace::Definition, "a.tif"},
-                            {"map",
-                             MapService,
-                             {{"address", DString(server.Url()) + "/ows"}, {"service", "wms"}, {"user", "ann"}},
-                             SecretPlace::Ask,
-                             "a"},
-                            {"s3", ObjectStore, with(bucket, "key", "AKID"), SecretPlace::Ask, "a.tif"},
-                            {"profile", ObjectStore, with(bucket, "profile", "lab"), SecretPlace::Profile, "a.tif"},
-                            {"gs", ObjectStore, with(with(bucket, "service", "gs"), "key", "AKID"), SecretPlace::Ask},
-                            {"az", ObjectStore, with(with(bucket, "service", "az"), "key", "AKID"), SecretPlace::Ask},
-                            {"pgpass", PostgreSql, with(field, "database", "postgres"), SecretPlace::File},
-                            {"postgresql", PostgreSql, field, SecretPlace::Keyring, "survey"},
-                            {"odbc", Odbc, {{"dsn", "Lab"}, {"user", "ann"}}, SecretPlace::Ask}};
+    Keeping const rows[] = {
+        {"web", WebFolder, web("web"), SecretPlace::Ask, "a.tif"},
+        {"keyring", WebFolder, web("keyring"), SecretPlace::Keyring, "a.tif"},
+        {"netrc", WebFolder, web("netrc"), SecretPlace::File, "a.tif"},
+        {"address", WebFolder, {}, SecretPlace::Definition, "a.tif"},
+        {"parameters", WebFolder, {}, SecretPlace::Definition, "a.tif"},
+        {"map",
+         MapService,
+         {{"address", DString(server.Url()) + "/ows"}, {"service", "wms"}, {"user", "ann"}},
+         SecretPlace::Ask,
+         "a"},
+        {"s3", ObjectStore, with(bucket, "key", "AKID"), SecretPlace::Ask, "a.tif"},
+        {"profile", ObjectStore, with(bucket, "profile", "lab"), SecretPlace::Profile, "a.tif"},
+        {"gs", ObjectStore, with(with(bucket, "service", "gs"), "key", "AKID"), SecretPlace::Ask, "a.tif"},
+        {"az", ObjectStore, with(with(bucket, "service", "az"), "key", "AKID"), SecretPlace::Ask},
+        {"pgpass", PostgreSql, with(field, "database", "postgres"), SecretPlace::File},
+        {"postgresql", PostgreSql, field, SecretPlace::Keyring, "survey"},
+        {"odbc", Odbc, {{"dsn", "Lab"}, {"user", "ann"}}, SecretPlace::Ask}};
 
     testing::internal::CaptureStderr();
     Told told;
