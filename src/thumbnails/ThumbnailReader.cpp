@@ -71,6 +71,10 @@ void ThumbnailReader::Want(std::vector<Wish> wishes, int side) {
     for (EntryPtr const &entry : former)
         entry->isWanted = false;
     for (Wish &wish : wishes) {
+        // Its answer is there and only has to be taken.
+        if (std::ranges::any_of(m_answers,
+                                [&](Answer const &answer) { return answer.name == wish.name && answer.side == side; }))
+            continue;
         auto const at = std::ranges::find_if(former, [&](EntryPtr const &entry) {
             return entry != nullptr && entry->wish.name == wish.name && entry->side == side;
         });

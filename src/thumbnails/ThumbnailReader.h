@@ -45,7 +45,7 @@ public:
     ThumbnailReader(ThumbnailReader const &) = delete;
     ThumbnailReader &operator=(ThumbnailReader const &) = delete;
 
-    /// What is wanted from now on, the most urgent first, each fitted into a square of `side` pixels. What was answered
+    /// What is wanted from now on, the most urgent first, each fitted into a square of `side` pixels. What was taken
     /// before and is wanted again is read again: who asks keeps the answers.
     void Want(std::vector<Wish> wishes, int side);
     /// Moves out what has come since the last call.

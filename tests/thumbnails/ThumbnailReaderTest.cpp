@@ -14,7 +14,14 @@ namespace {
 
 /// A reader of thumbnails, and what it has answered.
 struct ThumbnailReading : test::HostileFiles {
-    ~ThumbnailReading() override { m_reader->Release(); }
+    ~ThumbnailReading() override {
+        m_reader->Release();
+        m_reader.reset();
+        // Their threads hold them, and drivers that are to go.
+        for (std::weak_ptr<ThumbnailReader> const &reader : m_readers)
+            while (!reader.expired())
+                std::this_thread::yield();
+    }
     void Want(std::vector<std::string> const &files, int side = 96) {
         std::vector<ThumbnailReader::Wish> wishes;
         for (std::string const &file : files)
@@ -42,16 +49,19 @@ struct ThumbnailReading : test::HostileFiles {
         return with;
     }
     std::shared_ptr<ThumbnailReader> Create() {
-        return ThumbnailReader::Create(ThumbnailStore(m_cache), {}, [this] {
+        auto reader = ThumbnailReader::Create(ThumbnailStore(m_cache), {}, [this] {
             std::lock_guard const lock(m_mutex);
             m_isTold = true;
             m_changed.notify_all();
         });
+        m_readers.emplace_back(reader);
+        return reader;
     }
     std::mutex m_mutex;
     std::condition_variable m_changed;
     bool m_isTold = false;
     DString const m_cache = folder.Folder("cache");
+    std::vector<std::weak_ptr<ThumbnailReader>> m_readers; ///< all that were made
     std::shared_ptr<ThumbnailReader> m_reader = Create();
 };
 
