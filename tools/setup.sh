@@ -8,7 +8,7 @@ packages=(
   qt6-base-dev qt6-base-dev-tools qt6-svg-dev libgdal-dev libxml2-dev libpng-dev libboost-dev libsqlite3-dev
   libglib2.0-dev libsmbclient-dev libsecret-1-dev libssl-dev libpq-dev unixodbc-dev libflatbuffers-dev flatbuffers-compiler flatbuffers-compiler-dev
   # test
-  libgtest-dev libgmock-dev fonts-liberation fontconfig samba xvfb dbus-daemon at-spi2-core gnome-keyring clang-format
+  libgtest-dev libgmock-dev fonts-liberation fontconfig samba xvfb dbus-daemon at-spi2-core gnome-keyring glib-networking gsettings-desktop-schemas clang-format
   cgi-mapserver lighttpd lighttpd-mod-webdav nginx openssl
   postgresql-15 postgresql-15-postgis-3 postgis mariadb-server-core odbc-mariadb libsqliteodbc
   "$@"

@@ -3,12 +3,12 @@
 #include "zelvar/base/Redaction.h"
 #include "zelvar/base/Translation.h"
 #include "zelvar/connections/ListingWords.h"
+#include "zelvar/data/ProxySettings.h"
 #include "zelvar/platform/os/Dialing.h"
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cstdlib>
 #include <system_error>
 
 namespace zelvar {
@@ -31,17 +31,6 @@ constexpr char const *kInMemory = Mark("A password is kept until the program end
 constexpr char const *kInFile = Mark("A file of this computer has a password.");
 constexpr char const *kTyped = Mark("The one that was typed is used.");
 constexpr char const *kInDefinition = Mark("The definition itself holds a password, where anybody may read it.");
-
-/// What web addresses are reached through, if anything is.
-bool HasProxy(ConnectionKind kind) {
-    if (kind == ConnectionKind::PostgreSql || kind == ConnectionKind::Odbc)
-        return false;
-    static constexpr std::array kVariables{"http_proxy", "https_proxy", "HTTPS_PROXY", "all_proxy", "ALL_PROXY"};
-    return std::any_of(kVariables.begin(), kVariables.end(), [](char const *name) {
-        char const *const value = std::getenv(name); // NOLINT(concurrency-mt-unsafe): nobody of ours sets it
-        return value != nullptr && *value != '\0';
-    });
-}
 
 /// The results as they come, with the time that each took.
 class Reporter {
@@ -119,21 +108,27 @@ DString ConnectWords(ConnectionTerms const &terms, int error, long long seconds)
     }
 }
 
+platform::Patience PatienceWith(ConnectionTerms const &terms, StopSignal const *stop) {
+    return {terms.connectTime, [stop] { return stop != nullptr && *stop; }};
+}
+
+/// Whether its server is reached through another.
+bool HasProxy(ConnectionTerms const &terms, StopSignal const *stop) {
+    return ProxySettings().Find(terms, terms.hosts.front().host, PatienceWith(terms, stop)).has_value();
+}
+
 /// Both steps of the way to the server, to which nothing is sent.
 bool ReachServer(ConnectionTerms const &terms, Reporter &reporter, StopSignal const *stop) {
     HostAndPort const &server = terms.hosts.front();
     long long const seconds = std::chrono::duration_cast<std::chrono::seconds>(terms.connectTime).count();
-    auto const patience = [&] {
-        return platform::Patience(terms.connectTime, [stop] { return stop != nullptr && *stop; });
-    };
     int error = 0;
-    std::vector<wire::HostNumber> const numbers = platform::ResolveHost(server.host, patience(), error);
+    std::vector<wire::HostNumber> const numbers = platform::ResolveHost(server.host, PatienceWith(terms, stop), error);
     DString const words =
         error == 0 ? Format(Translated(kFound), server.host.c_str(), platform::TextOf(numbers.front()).c_str())
                    : LookUpWords(server.host, error, seconds);
     if (!reporter.Tell(TrialStep::Name, StateOf(error), words))
         return false;
-    platform::Patience const forAll = patience();
+    platform::Patience const forAll = PatienceWith(terms, stop);
     for (wire::HostNumber const &number : numbers)
         if (platform::DialHost(number, server.port, forAll, error).IsOpen() || error == ECANCELED)
             break;
@@ -178,7 +173,7 @@ bool ConnectionTrial::Run(OnResult const &onResult, StopSignal const *stop) cons
     plain.secret = {};
     ConnectionTerms const terms = MakeTerms(plain, stop);
     bool const isServer = !terms.hosts.empty() && !terms.hosts.front().host.starts_with("*") &&
-                          connection.kind != ConnectionKind::Odbc && !HasProxy(connection.kind);
+                          connection.kind != ConnectionKind::Odbc && !HasProxy(terms, stop);
     if (isServer && !ReachServer(terms, reporter, stop))
         return false;
     if (connection.secret != SecretPlace::None && !FindPassword(m_entry, reporter, stop))

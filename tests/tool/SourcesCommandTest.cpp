@@ -127,7 +127,11 @@ TEST_F(SourcesCommand, AServerThatNeverTakesAConnectionIsLeftAtItsTimeOrByTheUse
     EXPECT_THAT(late.out, HasSubstr(at + " does not answer (1 s)."));
     ASSERT_EQ(Run({"add", "postgresql://u@" + at + "/d", "--name", "s", "--time-limit", "60", "--replace"}).exitCode,
               0);
-    Outcome const stopped = Zelvar({"sources", "test", "s"}, m_variables + " timeout --preserve-status -s INT 1");
+    // Ctrl-C once the first step has been told.
+    std::string const interrupt =
+        R"( sh -c 'set -m; "$0" "$@" & until grep -q works /proc/$$/fd/1; do sleep 0.01; done;)"
+        R"( kill -INT $!; wait $!')";
+    Outcome const stopped = Zelvar({"sources", "test", "s"}, m_variables + interrupt);
     EXPECT_EQ(stopped.exitCode, 1);
     EXPECT_THAT(stopped.out, HasSubstr("connection\tstopped\t"));
     for (int const one : waiting)

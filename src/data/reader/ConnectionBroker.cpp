@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
 #include <system_error>
 
@@ -90,12 +89,7 @@ std::unique_ptr<ConnectionBroker> ConnectionBroker::Serve(std::shared_ptr<Connec
 }
 
 ConnectionBroker::ConnectionBroker(std::shared_ptr<ConnectionTerms const> const &terms, int socket, int wake)
-    : m_terms(WithPlainNumbers(*terms)), m_socket(socket), m_wake(wake) {
-    // Read here: the thread must not look while the application changes it.
-    for (char const *name : kProxyVariables)
-        if (char const *const value = std::getenv(name))
-            m_environment[name] = value;
-}
+    : m_terms(WithPlainNumbers(*terms)), m_socket(socket), m_wake(wake) {}
 
 ConnectionBroker::~ConnectionBroker() {
     {
@@ -168,7 +162,7 @@ wire::ConnectAnswer ConnectionBroker::Resolve(DString const &host, std::uint16_t
     std::vector<Number> numbers;
     if (!MayReach(*m_terms, host, port))
         answer.error = EACCES;
-    else if (ProxyOf(host))
+    else if (m_proxies.Find(*m_terms, host, patience))
         numbers = {StandIn(host)};
     else
         numbers = ResolveHost(host, patience, answer.error);
@@ -204,7 +198,7 @@ FileDescriptor ConnectionBroker::Connect(Number const &number, std::uint16_t por
         Note(place, error);
         return FileDescriptor(-1);
     }
-    if (auto const proxy = ProxyOf(place.host))
+    if (auto const proxy = m_proxies.Find(*m_terms, place.host, patience))
         return ConnectByProxy(place, *proxy, patience, error);
     FileDescriptor made = DialHost(number, port, patience, error);
     Note(place, error);
@@ -220,8 +214,7 @@ FileDescriptor ConnectionBroker::ConnectByProxy(HostAndPort const &to, Proxy con
         return FileDescriptor(-1);
     };
     if (!proxy.refusal.empty())
-        return fail("the proxy that the environment names is of no kind that is spoken (" + proxy.refusal + ")",
-                    EHOSTUNREACH);
+        return fail("the proxy that is set is of no kind that is spoken (" + proxy.refusal + ")", EHOSTUNREACH);
     FileDescriptor made(-1);
     std::vector<Number> const numbers = ResolveHost(proxy.place.host, patience, error);
     for (Number const &number : numbers) {
@@ -261,13 +254,6 @@ ConnectionBroker::Number ConnectionBroker::StandIn(DString const &host) {
     if (m_standIns.size() > kMostNames)
         m_standIns.clear();
     return m_standIns.try_emplace(host, fresh).first->second;
-}
-
-std::optional<Proxy> ConnectionBroker::ProxyOf(DString const &host) const {
-    return ProxyFor(*m_terms, host, [this](char const *name) {
-        auto const at = m_environment.find(name);
-        return at == m_environment.end() ? DString() : at->second;
-    });
 }
 
 void ConnectionBroker::Note(HostAndPort const &place, int error) {

@@ -2,7 +2,7 @@
 
 #include "zelvar/base/Report.h"
 #include "zelvar/data/Connection.h"
-#include "zelvar/data/reader/ProxyRule.h"
+#include "zelvar/data/ProxySettings.h"
 #include "zelvar/platform/os/Dialing.h"
 
 #include <atomic>
@@ -49,7 +49,6 @@ private:
     Number StandIn(DString const &host);
     void Note(HostAndPort const &place, int error);
     void NoteFailure(DString const &host, DError failure);
-    [[nodiscard]] std::optional<Proxy> ProxyOf(DString const &host) const;
 
     std::shared_ptr<ConnectionTerms const> m_terms;
     FileDescriptor m_socket;
@@ -59,10 +58,10 @@ private:
     mutable std::mutex m_mutex; ///< guards the two below, and together the flags and `m_wake`
     DError m_failure;
     DString m_failedHost;
-    std::map<DString, DString> m_environment; ///< what it said of proxies at the beginning
     // Of the thread alone:
     std::map<Number, std::set<DString>> m_hosts; ///< names that have been resolved to a number
     std::map<DString, Number> m_standIns;
+    ProxySettings m_proxies;
     std::thread m_thread;
 };
 

@@ -119,11 +119,6 @@ private:
     bool m_hasHeard = false;
 };
 
-bool IsInSession() {
-    char const *const bus = std::getenv("DBUS_SESSION_BUS_ADDRESS");
-    return bus != nullptr && *bus != '\0';
-}
-
 /// Where the asking thread leaves its answer; it may come after the caller has gone.
 struct Answer {
     std::mutex mutex;
@@ -134,8 +129,13 @@ struct Answer {
 
 } // namespace
 
+bool IsInDesktopSession() {
+    char const *const bus = std::getenv("DBUS_SESSION_BUS_ADDRESS");
+    return bus != nullptr && *bus != '\0';
+}
+
 std::vector<NetworkPlace> ListDesktopNetwork() {
-    if (!IsInSession())
+    if (!IsInDesktopSession())
         return {};
     auto const answer = std::make_shared<Answer>();
     std::thread([answer] {
@@ -152,7 +152,7 @@ std::vector<NetworkPlace> ListDesktopNetwork() {
 
 std::unique_ptr<NetworkListener> ListenToDesktopNetwork(char const *place) {
     Library gio;
-    if (!IsInSession() || !gio.Load())
+    if (!IsInDesktopSession() || !gio.Load())
         return nullptr;
     auto listener = std::make_unique<DesktopListener>(gio);
     return listener->Start(place) ? std::move(listener) : nullptr;

@@ -16,6 +16,9 @@ struct NetworkPlace {
     friend bool operator==(NetworkPlace const &, NetworkPlace const &) = default;
 };
 
+/// Whether a desktop is there to be asked. Reads the environment.
+[[nodiscard]] bool IsInDesktopSession();
+
 /// The file servers that the desktop's own service has found. Empty outside a desktop session, without GIO, and when
 /// the service does not answer within a few seconds. Asks the desktop only; nothing is sent into the network from here.
 [[nodiscard]] std::vector<NetworkPlace> ListDesktopNetwork();

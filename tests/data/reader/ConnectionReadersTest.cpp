@@ -237,15 +237,31 @@ TEST_F(ConnectionReaders, SecretsGoToTheReaderAndIntoNoLog) {
     EXPECT_THAT(log, testing::HasSubstr("starts for http://ann@maps.lab:80"));
 }
 
-TEST_F(ConnectionReaders, AProxyOfTheEnvironmentLeadsToTheHostsOfTheTermsAlone) {
+TEST_F(ConnectionReaders, AProxyLeadsToTheHostsOfTheTermsAlone) {
     m_server.Serve("maps.lab:80", "");
+    m_server.Serve("desk.lab:80", "");
     m_server.Refuse("maps.lab:81", 407);
+    // Of the desktop's settings, which count where the environment says nothing.
+    folder.Write("glib-2.0/settings/keyfile", "[system/proxy]\nmode='manual'\nignore-hosts=['own.lab']\n"
+                                              "[system/proxy/http]\nhost='127.0.0.1'\nport=" +
+                                                  std::to_string(m_server.Port()) + "\n");
+    std::map<char const *, DString> const session{{"XDG_CONFIG_HOME", folder.Path()},
+                                                  {"GSETTINGS_BACKEND", "keyfile"},
+                                                  {"XDG_CURRENT_DESKTOP", "GNOME"},
+                                                  {"DBUS_SESSION_BUS_ADDRESS", "unix:path=/dev/null"}};
+    for (auto const &[name, value] : session)
+        setenv(name, value.c_str(), 1);
+    EXPECT_EQ(Told(At("desk.lab", {"reach desk.lab 80", "reach other.lab 80"})), "reach: done; reach: unknown");
+    EXPECT_EQ(Told(At("own.lab", {"reach own.lab 80"})), "reach: unknown");
+    for (auto const &[name, value] : session)
+        unsetenv(name);
     setenv("http_proxy", m_server.Url().c_str(), 1);
     EXPECT_EQ(Told(At("maps.lab", {"reach maps.lab 80", "reach other.lab 80"})), "reach: done; reach: unknown");
     EXPECT_THAT(Told(At("maps.lab:81", {"reach maps.lab 81", "fail"})),
                 testing::HasSubstr("the proxy " + Own() + " does not lead to maps.lab:81 (407)"));
     unsetenv("http_proxy");
-    EXPECT_THAT(m_server.Requests(), testing::ElementsAre("CONNECT maps.lab:80", "CONNECT maps.lab:81"));
+    EXPECT_THAT(m_server.Requests(),
+                testing::ElementsAre("CONNECT desk.lab:80", "CONNECT maps.lab:80", "CONNECT maps.lab:81"));
 }
 
 } // namespace

@@ -161,9 +161,10 @@ Tag NextTag(std::string_view text, std::string_view open, std::string_view name,
             break;
         std::string_view const full = text.substr(begin, stop - begin);
         std::size_t const colon = full.find(':');
+        if (full.substr(colon == kNone ? 0 : colon + 1) != name)
+            continue;
         std::size_t const end = text.find('>', stop);
-        if (end != kNone && full.substr(colon == kNone ? 0 : colon + 1) == name)
-            return {at, end + 1};
+        return end == kNone ? Tag() : Tag{at, end + 1};
     }
     return {};
 }

@@ -1,4 +1,4 @@
-#include "zelvar/data/reader/ProxyRule.h"
+#include "zelvar/data/ProxyRule.h"
 
 #include "support/Test.h"
 
@@ -33,10 +33,11 @@ TEST(ProxyRule, TheEnvironmentNamesTheProxyOfAHost) {
     };
     for (Row const &row : rows) {
         ConnectionTerms const terms{.id = row.id, .kind = row.kind};
-        auto const proxy = ProxyFor(terms, row.host, [&](char const *name) {
+        auto const environment = [&](char const *name) {
             auto const at = row.environment.find(name);
             return at == row.environment.end() ? DString() : at->second;
-        });
+        };
+        auto const proxy = ProxyFor(terms, row.host, environment);
         SCOPED_TRACE(DString(row.id) + " " + row.host + " " + testing::PrintToString(row.environment));
         ASSERT_EQ(proxy.has_value(), *row.proxy != '\0' || *row.refusal != '\0');
         if (!proxy)

@@ -1,4 +1,4 @@
-#include "zelvar/data/reader/ProxyRule.h"
+#include "zelvar/data/ProxyRule.h"
 
 #include "zelvar/base/PathStyle.h"
 #include "zelvar/base/Percent.h"
@@ -13,6 +13,7 @@ namespace {
 constexpr std::size_t kNone = std::string_view::npos;
 
 bool IsOfTheWeb(ConnectionKind kind) { return kind != ConnectionKind::PostgreSql && kind != ConnectionKind::Odbc; }
+bool IsPlain(ConnectionTerms const &terms) { return terms.id.substr(0, terms.id.find("://")).ends_with("http"); }
 
 /// "lab, .lab, *.lab, host:80": the port is passed over.
 bool IsExempt(std::string_view host, DString const &list) {
@@ -47,7 +48,9 @@ DString Base64(std::string_view text) {
     return out;
 }
 
-Proxy ProxyIn(DString const &text) {
+} // namespace
+
+Proxy ProxyNamed(DString const &text) {
     constexpr std::uint16_t usual = 1080;
     Proxy proxy;
     std::string_view rest = text;
@@ -68,7 +71,13 @@ Proxy ProxyIn(DString const &text) {
     return proxy;
 }
 
-} // namespace
+DString AddressForProxy(ConnectionTerms const &terms, std::string_view host) {
+    if (!IsOfTheWeb(terms.kind))
+        return {};
+    bool const isNumber = host.find(':') != kNone;
+    return DString(IsPlain(terms) ? "http://" : "https://") + (isNumber ? "[" : "") + DString(host) +
+           (isNumber ? "]" : "") + "/";
+}
 
 std::optional<Proxy> ProxyFor(ConnectionTerms const &terms, std::string_view host, Environment const &environment) {
     if (!IsOfTheWeb(terms.kind))
@@ -79,12 +88,11 @@ std::optional<Proxy> ProxyFor(ConnectionTerms const &terms, std::string_view hos
             value = value.empty() ? environment(name) : value;
         return value;
     };
-    bool const isPlain = terms.id.substr(0, terms.id.find("://")).ends_with("http");
-    DString const named = isPlain ? first({"http_proxy", "all_proxy", "ALL_PROXY"})
-                                  : first({"https_proxy", "HTTPS_PROXY", "all_proxy", "ALL_PROXY"});
+    DString const named = IsPlain(terms) ? first({"http_proxy", "all_proxy", "ALL_PROXY"})
+                                         : first({"https_proxy", "HTTPS_PROXY", "all_proxy", "ALL_PROXY"});
     if (named.empty() || IsExempt(host, first({"no_proxy", "NO_PROXY"})))
         return std::nullopt;
-    return ProxyIn(named);
+    return ProxyNamed(named);
 }
 
 DString TunnelRequest(HostAndPort const &to, Proxy const &proxy) {
