@@ -1,13 +1,10 @@
 #include "zelvar/opends/DataSetRows.h"
 
+#include "zelvar/base/Translation.h"
 #include "zelvar/model/NtwDataSourceItem.h"
-#include "zelvar/platform/ui/ModalLoop.h"
-#include "zelvar/platform/ui/Text.h"
 #include "zelvar/store/DCnfg.h"
 
-#include <QtGui/QClipboard>
-#include <QtGui/QGuiApplication>
-#include <QtWidgets/QMenu>
+#include <utility>
 
 namespace zelvar {
 
@@ -54,54 +51,27 @@ void DataSetRows::ToggleNumbered(ItemList const &roots) {
     DUserCnfg(kSection).WriteString(kUnfoldedKey, m_unfolded.Text());
 }
 
-void DataSetRows::CopyMonikers(ItemList const &items) const {
-    DString text;
-    for (RefItemPtr<DataSourceItem> const &item : items)
-        text.append(text.empty() ? "" : "\n").append(m_actions.moniker(*item));
-    QGuiApplication::clipboard()->setText(platform::ToQString(text));
-}
-
-QAction *DataSetRows::AddFoldingTo(QMenu &menu, ItemList const &roots) const {
-    menu.addSeparator();
-    QAction *const all = menu.addAction(platform::Shown("Show All Files"));
-    all->setCheckable(true);
-    all->setChecked(m_showsAll);
-    if (m_foldsNumbered) {
-        QAction *const numbered = menu.addAction(platform::Shown("Fold Numbered Files"));
-        numbered->setCheckable(true);
-        numbered->setChecked(FoldingOf(roots).series);
-    }
-    return all;
-}
-
-void DataSetRows::RunMenu(QWidget &list, QPoint screenPoint, ItemList const &roots, ItemList const &selected,
-                          std::vector<Command> const &first) {
-    QMenu menu(&list);
-    std::vector<QAction const *> firstActions;
-    for (Command const &command : first)
-        firstActions.push_back(menu.addAction(platform::ToQString(command.words)));
-    QAction *const copy = menu.addAction(platform::Shown("Copy Moniker"));
-    copy->setEnabled(!selected.empty());
-    RefItemPtr<DataSourceItem> const folder = FolderOf(selected);
-    QAction const *const contents = folder == nullptr ? nullptr : menu.addAction(platform::Shown("Show Contents"));
-    QAction const *const all = roots.empty() ? nullptr : AddFoldingTo(menu, roots);
-    QAction const *const chosen = platform::RunMenu(menu, screenPoint);
-    for (std::size_t i = 0; i < first.size() && chosen != nullptr; ++i)
-        if (chosen == firstActions[i])
-            return first[i].run();
-    if (chosen == nullptr)
-        return;
-    if (chosen == copy) {
-        CopyMonikers(selected);
-    } else if (chosen == contents) {
-        m_actions.show(folder);
-    } else {
-        if (chosen == all)
-            m_showsAll = !m_showsAll;
-        else
-            ToggleNumbered(roots);
-        m_actions.listAgain();
-    }
+std::vector<MenuCommand> DataSetRows::CommandsFor(ItemList const &roots, ItemList const &selected) {
+    std::vector<MenuCommand> commands;
+    if (RefItemPtr<DataSourceItem> const folder = FolderOf(selected); folder != nullptr)
+        commands.push_back({.words = Translated("Show Contents"), .run = [this, folder] { m_actions.show(folder); }});
+    if (roots.empty())
+        return commands;
+    auto const offer = [&](char const *words, bool isChecked, bool beginsGroup, std::function<void()> change) {
+        commands.push_back({.words = words,
+                            .run =
+                                [this, change = std::move(change)] {
+                                    change();
+                                    m_actions.listAgain();
+                                },
+                            .isChecked = isChecked,
+                            .beginsGroup = beginsGroup});
+    };
+    offer(Translated("Show All Files"), m_showsAll, true, [this] { m_showsAll = !m_showsAll; });
+    if (m_foldsNumbered)
+        offer(Translated("Fold Numbered Files"), FoldingOf(roots).series, false,
+              [this, roots] { ToggleNumbered(roots); });
+    return commands;
 }
 
 } // namespace zelvar

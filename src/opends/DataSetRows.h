@@ -2,22 +2,18 @@
 
 #include "zelvar/model/DataSourceItem.h"
 #include "zelvar/model/datasets/DataSetFolding.h"
+#include "zelvar/opends/MenuCommand.h"
 #include "zelvar/opends/core/UnfoldedFolders.h"
-
-#include <QtCore/QPoint>
 
 #include <functional>
 #include <list>
 #include <set>
 #include <vector>
 
-class QAction;
-class QMenu;
-class QWidget;
-
 namespace zelvar {
 
-/// Which files of the open dialog's folders have one row together, and the menu in which the user chooses that.
+/// Which files of the open dialog's folders have one row together, and the lines of a menu in which the user chooses
+/// that.
 ///
 /// Whether numbered files are folded is kept for each folder, in the settings; files that belong to another one are
 /// folded whenever a dialog begins.
@@ -28,13 +24,6 @@ public:
     struct Actions {
         std::function<void()> listAgain;
         std::function<void(RefItemPtr<DataSourceItem>)> show; ///< its children in all panes
-        std::function<DString(DataSourceItem const &)> moniker;
-    };
-
-    /// A further line of the menu.
-    struct Command {
-        DString words; ///< in the user's language
-        std::function<void()> run;
     };
 
     /// Without `foldsNumbered` numbered files are never folded.
@@ -43,15 +32,12 @@ public:
     [[nodiscard]] DataSetFolding FoldingOf(ItemList const &roots) const;
     /// While this lives the numbered files and side-cars of that folder have rows of their own.
     void ShowSingly(DString const &folder) { m_singly.insert(folder); }
-    /// Runs the menu about the `selected` items of a list that shows the children of `roots`; without roots it is not
-    /// about a folder. `first` stand above what is in it anyway.
-    void RunMenu(QWidget &list, QPoint screenPoint, ItemList const &roots, ItemList const &selected,
-                 std::vector<Command> const &first = {});
+    /// What can be done about the `selected` items of a list that shows the children of `roots`; without roots it is
+    /// not about a folder. Valid while this lives.
+    [[nodiscard]] std::vector<MenuCommand> CommandsFor(ItemList const &roots, ItemList const &selected);
 
 private:
-    QAction *AddFoldingTo(QMenu &menu, ItemList const &roots) const;
     void ToggleNumbered(ItemList const &roots);
-    void CopyMonikers(ItemList const &items) const;
 
     Actions m_actions;
     bool m_foldsNumbered;

@@ -7,13 +7,11 @@
 #include "zelvar/data/BDIMoniker.h"
 #include "zelvar/layout/DSplitterWnd.h"
 #include "zelvar/layout/cdxCDynamicDialog.h"
-#include "zelvar/model/DataSourceExtras.h"
 #include "zelvar/model/DataSourceItem.h"
 #include "zelvar/model/SeriesMode.h"
 #include "zelvar/opends/OpenFeatures.h"
 #include "zelvar/opends/PathButtonRow.h"
 #include "zelvar/platform/ui/DialogTemplate.h"
-#include "zelvar/platform/ui/MessageTarget.h"
 #include "zelvar/platform/ui/WindowMessage.h"
 
 #include <chrono>
@@ -22,27 +20,25 @@
 #include <optional>
 
 class QCheckBox;
-class QKeyEvent;
-class QLineEdit;
 class QPushButton;
 
 namespace zelvar {
 
-class CZelComboBox;
 class BasketStrip;
-struct Favorite;
 class DSDataSourceWnd;
 class DSListCtrl;
 class DSPropertyWnd;
-class DataSetRows;
 class DataSourceList;
-class DriverOptionChoice;
-class ExtrasFinder;
 class HierarchyList;
-class NamedData;
+class OpenFields;
 class OpenForecast;
-class PlaceTravel;
+class OpenKeys;
+class OpenPanes;
+class OpenParts;
 class OpenSearch;
+class PlaceFinder;
+class PlaceTravel;
+class SelectionOptions;
 class ServerWaits;
 class ThumbnailLook;
 
@@ -104,24 +100,21 @@ public:
     /// Lists subfolders too, as the button does.
     void SetRecursive(bool recursive);
 
-    [[nodiscard]] DSListCtrl *MainList() const { return m_mainList; }
-    [[nodiscard]] DSListCtrl *FolderList() const { return m_folderList; }
-    [[nodiscard]] DataSourceList *SourceList() const { return m_dataSourceList; }
-    [[nodiscard]] DSDataSourceWnd *DataSourceWnd() const { return m_dataSourceWnd; }
-    [[nodiscard]] HierarchyList *Hierarchy() const { return m_hierarchyList; }
-    [[nodiscard]] DSPropertyWnd *PropertyWnd() const { return m_propertyWnd; }
-    /// What is known of the line below the panes; null without it.
-    [[nodiscard]] OpenForecast *Forecast() const { return m_forecast.get(); }
-    /// Back and forward; null without it.
-    [[nodiscard]] PlaceTravel *Travel() const { return m_travel.get(); }
-    /// What was gathered; null without it.
-    [[nodiscard]] BasketStrip *GatheredItems() const { return m_basket.get(); }
-    /// What is waited for from servers; null while the panes do not exist.
+    // The panes; null while there is no window.
+    [[nodiscard]] DSListCtrl *MainList() const;
+    [[nodiscard]] DSListCtrl *FolderList() const;
+    [[nodiscard]] DataSourceList *SourceList() const;
+    [[nodiscard]] DSDataSourceWnd *DataSourceWnd() const;
+    [[nodiscard]] HierarchyList *Hierarchy() const;
+    [[nodiscard]] DSPropertyWnd *PropertyWnd() const;
+    /// What is waited for from servers; null while there is no window.
     [[nodiscard]] ServerWaits *Waits() const { return m_waits.get(); }
-    /// The search below the place that is shown; null without it.
-    [[nodiscard]] OpenSearch *Search() const { return m_search.get(); }
-    /// How the items are shown; null in a dialog without thumbnails.
-    [[nodiscard]] ThumbnailLook *Thumbnails() const { return m_thumbnails.get(); }
+    // What there is beyond the panes; null where it is not offered.
+    [[nodiscard]] OpenForecast *Forecast() const;     ///< what is known of the line below the panes
+    [[nodiscard]] PlaceTravel *Travel() const;        ///< back and forward
+    [[nodiscard]] BasketStrip *GatheredItems() const; ///< what was gathered
+    [[nodiscard]] OpenSearch *Search() const;         ///< below the place that is shown
+    [[nodiscard]] ThumbnailLook *Thumbnails() const;  ///< how the items are shown
     [[nodiscard]] PathButtonRow const &PathRow() const { return *m_pathButtons; }
 
     QWidget *CreateViewObj(DSplitterWnd *splitter, int row, int col, PaneClass const *paneClass, Size size) override;
@@ -153,13 +146,10 @@ private:
     void WireMessages();
     void AssignControls();
     void CreateChildren();
-    void AssignWndVars();
+    void CreateParts();
+    void SetUpToolButtons();
     void InitializeLayout();
-    void FillHistory();
-    void FillFileTypes();
-    [[nodiscard]] CZelButton *SetUpToolButton(int id, char const *picture, char const *tip);
     void RestoreRecursion();
-    void RestoreSorting();
     void RestoreFilter();
 
     // What the panes tell.
@@ -175,103 +165,43 @@ private:
     // Messages of the dialog to itself that no pane knows.
     static const platform::MessageId kFirstPaintMessage;
     static const platform::MessageId kAcceptMessage;
-    static const platform::MessageId kExtrasFoundMessage;
     void OnFirstPaint();
-    void OnAccept();
-    void OnExtrasFound();
 
     // What the user does.
     void OnButtonClck(int id);
     void OnAddToFavorites();
     void OnHome();
     void OnListRecursively();
-    void OnSelendokHist();
-    void OnSelendokFileType();
     void OnUpdateState();
-    bool ProcessShortcut(QKeyEvent const &key);
-    bool ProcessKey(int key, QWidget *focus);
-    bool ProcessReturnKey(QWidget *focus);
-    bool ProcessInsertKey(QWidget *focus);
-    bool ProcessTabKey(QWidget *focus);
-    void ProcessRefreshKey(QWidget *focus);
 
     /// Lists the place that the dialog begins at, for so long at most; nothing for as long as it takes. False if not
     /// all of it came in time.
     bool ShowInitialPlace(std::optional<std::chrono::milliseconds> time);
     void ResetPathButtons();
     void UpdateFormat(DFileFrmt *format);
-    void UpdateExtras(ItemList const &items);
     void ShowSelected(ItemList const &items);
-    /// Waits for the options of what is selected; false if the user does not want to.
-    [[nodiscard]] bool AreExtrasFound();
-    /// Finds out whether a file is a container after all; true if it is and is shown, nothing if the user ended it.
-    [[nodiscard]] std::optional<bool> EnterLateContainer(RefItemPtr<DataSourceItem> const &item);
+    // Make what is selected, or gathered, the result; false if the dialog is not to end.
+    [[nodiscard]] bool TakeSelected();
+    [[nodiscard]] bool TakeGathered();
     void WriteSettings();
-    void CreateDataSetRows();
-    void ListDataSetsAgain();
-    void CreateForecast();
-    void CreateWaits();
-    void CreateSearch();
-    void CreateSearchButton();
-    void LayOutAroundSearch();
-    void ShowPlace(RefItemPtr<DataSourceItem> item);
-    /// Null for none, which is told with `report`, and if the user ends the wait.
-    [[nodiscard]] RefItemPtr<DataSourceItem> FindPlace(DString const &path, bool report) const;
-    void RefusePlace(DString const &path, DError const &error) const;
-    void ShowDriverOptions(ItemList const &items);
-    /// What stands on the page of a driver's options, for all that is selected.
-    void TakeDriverOptions();
-    /// What is chosen for the item beside its path, but not how a series is given.
-    [[nodiscard]] DString OptionsOf(DataSourceItem const &item) const;
-    [[nodiscard]] DString NamedOptionsOf(DString const &path) const;
-    /// What names the item, with the options that are set; a series as one.
-    [[nodiscard]] DString MonikerOf(DataSourceItem const &item) const;
-    [[nodiscard]] std::vector<BDIMoniker> MonikersOf(DataSourceItem const &item);
-    void CreateBasket();
-    void CreateTravel();
-    void AddToBasket(ItemList const &items);
-    void OfferFavorites();
-    void AddToFavorites(ItemList const &items);
-    void AddSearchToFavorites();
-    void OpenFavorite(Favorite const &favorite);
-    void LoadIntoBasket(DString const &file);
-    /// Takes the basket's items for the result.
-    void TakeBasket();
     [[nodiscard]] ItemList SelectedImages() const;
     [[nodiscard]] DString TemplateKey() const;
 
     platform::MessageMap m_messages;
-    CZelComboBox *m_histCombo = nullptr; ///< children, all owned by the window tree
-    CZelComboBox *m_fileTypeCombo = nullptr;
-    QLineEdit *m_fileFilterEdit = nullptr;
-    QPushButton *m_okButton = nullptr;
+    QPushButton *m_okButton = nullptr; ///< children, all owned by the window tree
     QPushButton *m_cancelButton = nullptr;
-    DSplitterWnd *m_splitter = nullptr; ///< null while the panes do not exist
-    DSplitterWnd *m_leftSplitter = nullptr;
-    DataSourceList *m_dataSourceList = nullptr;
-    DSDataSourceWnd *m_dataSourceWnd = nullptr;
-    DSListCtrl *m_folderList = nullptr;
-    DSListCtrl *m_mainList = nullptr;
-    HierarchyList *m_hierarchyList = nullptr;
-    DSPropertyWnd *m_propertyWnd = nullptr;
-    CZelButton *m_favoritesButton = nullptr;
-    CZelButton *m_layoutButton = nullptr;
     CZelButton *m_recursiveButton = nullptr;
     CZelButton *m_measureButton = nullptr;
-    CZelButton *m_homeButton = nullptr;
     QCheckBox *m_readOnlyCheck = nullptr;
     QCheckBox *m_editOnlyCheck = nullptr;
-    std::unique_ptr<PathButtonRow> m_pathButtons;
+    // In the order in which they are made: each refers to those before it. Null while there is no window.
+    std::unique_ptr<OpenFields> m_fields;
+    std::unique_ptr<OpenPanes> m_panes;
+    std::unique_ptr<PlaceFinder> m_places;
     std::unique_ptr<ServerWaits> m_waits;
-    std::unique_ptr<PlaceTravel> m_travel; ///< null without that feature, as the next
-    std::unique_ptr<BasketStrip> m_basket;
-    std::unique_ptr<DataSetRows> m_dataSetRows; ///< null without that feature, as the next
-    std::unique_ptr<NamedData> m_namedData;
-    std::unique_ptr<OpenSearch> m_search;     ///< null without that feature
-    std::unique_ptr<OpenForecast> m_forecast; ///< null without that feature, as the next
-    std::unique_ptr<DriverOptionChoice> m_driverOptions;
-    std::unique_ptr<ThumbnailLook> m_thumbnails; ///< null without that feature
-    ItemList m_pageItems;                        ///< whose options stand on the page of their driver; empty without one
+    std::unique_ptr<OpenParts> m_parts;
+    std::unique_ptr<OpenKeys> m_keys;
+    std::unique_ptr<PathButtonRow> m_pathButtons;
     unsigned const m_features = GetFeatures();
 
     bool m_layoutDone = false;
@@ -289,11 +219,8 @@ private:
     bool m_multiSelect = true;
     bool m_offersBasket = false;
     int m_bdiFilter = 0;
-    SeriesMode m_seriesMode = SeriesMode::Members;
     int m_stateTimer = 0;
-    DataSourceExtras m_extras;
-    platform::MessageTarget m_target;
-    std::shared_ptr<ExtrasFinder> m_extrasFinder;
+    std::unique_ptr<SelectionOptions> m_options;
     DataSourceItem::DataSourceType m_dataSourceType = DataSourceItem::DST_UNKNOWN;
     DString m_historyKey;
 };

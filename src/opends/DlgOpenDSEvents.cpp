@@ -1,47 +1,37 @@
 // What the panes tell the open data source dialog and what the user does in it; how it is built and ends stands in
 // DlgOpenDS.cpp.
 #include "zelvar/base/Report.h"
-#include "zelvar/base/TypedSecrets.h"
-#include "zelvar/controls/CZelComboBox.h"
-#include "zelvar/controls/GUITools.h"
 #include "zelvar/data/RequestScope.h"
-#include "zelvar/layout/SplitterBar.h"
 #include "zelvar/model/ListingsShared.h"
-#include "zelvar/model/NtwDataSourceItem.h"
-#include "zelvar/model/OpenOutcome.h"
-#include "zelvar/model/PlaceResolver.h"
 #include "zelvar/model/TemplDataSourceItem.h"
-#include "zelvar/opends/BasketStrip.h"
 #include "zelvar/opends/DSDataSourceWnd.h"
 #include "zelvar/opends/DSListCtrl.h"
 #include "zelvar/opends/DSMessages.h"
 #include "zelvar/opends/DSPropertyWnd.h"
 #include "zelvar/opends/DataSourceList.h"
 #include "zelvar/opends/DlgOpenDS.h"
-#include "zelvar/opends/DriverOptionChoice.h"
-#include "zelvar/opends/ExtrasFinder.h"
-#include "zelvar/opends/FavoriteRows.h"
 #include "zelvar/opends/HierarchyList.h"
-#include "zelvar/opends/ImageExtraWnd.h"
-#include "zelvar/opends/NamedData.h"
 #include "zelvar/opends/OpenDialogTemplate.h"
+#include "zelvar/opends/OpenFavorites.h"
+#include "zelvar/opends/OpenFields.h"
 #include "zelvar/opends/OpenForecast.h"
-#include "zelvar/opends/OpenLine.h"
+#include "zelvar/opends/OpenKeys.h"
+#include "zelvar/opends/OpenPanes.h"
+#include "zelvar/opends/OpenParts.h"
 #include "zelvar/opends/OpenSearch.h"
-#include "zelvar/opends/PlaceOpener.h"
+#include "zelvar/opends/PlaceFinder.h"
 #include "zelvar/opends/PlaceTravel.h"
-#include "zelvar/opends/PreviewBar.h"
+#include "zelvar/opends/SelectionOptions.h"
 #include "zelvar/opends/ServerWaits.h"
-#include "zelvar/opends/search/SearchForm.h"
-#include "zelvar/opends/search/StoredSearch.h"
 #include "zelvar/platform/ui/ControlId.h"
 #include "zelvar/platform/ui/EllipsisLabel.h"
 #include "zelvar/platform/ui/EscapeWatch.h"
 #include "zelvar/platform/ui/Text.h"
 
 #include <QtGui/QKeyEvent>
-#include <QtWidgets/QLineEdit>
 #include <QtWidgets/QPushButton>
+
+#include <utility>
 
 namespace zelvar {
 
@@ -50,10 +40,6 @@ using platform::ToDString;
 using platform::ToQString;
 
 namespace {
-
-bool IsWithin(QWidget const *ancestor, QWidget const *widget) {
-    return ancestor != nullptr && widget != nullptr && (ancestor == widget || ancestor->isAncestorOf(widget));
-}
 
 /// One folder whose access is refused is told to the user.
 bool CanShow(std::list<RefItemPtr<DataSourceItem>> const &items) {
@@ -67,7 +53,6 @@ bool CanShow(std::list<RefItemPtr<DataSourceItem>> const &items) {
 
 platform::MessageId const DlgOpenDS::kFirstPaintMessage = platform::RegisterMessage();
 platform::MessageId const DlgOpenDS::kAcceptMessage = platform::RegisterMessage();
-platform::MessageId const DlgOpenDS::kExtrasFoundMessage = platform::RegisterMessage();
 
 void DlgOpenDS::WireMessages() {
     m_messages.On(WM_DS_DATA_SOURCE_SELECTED, this, &DlgOpenDS::OnDataSourceSelected);
@@ -80,12 +65,11 @@ void DlgOpenDS::WireMessages() {
     m_messages.On(WM_DS_FIRST_PANE_ROOT_ITEM_CHANGED, this, &DlgOpenDS::OnFirstPaneRootChanged);
     m_messages.On(WM_DS_RESET_PATH_BUTTONS, this, &DlgOpenDS::OnResetPathButtons);
     m_messages.On(kFirstPaintMessage, this, &DlgOpenDS::OnFirstPaint);
-    m_messages.On(kAcceptMessage, this, &DlgOpenDS::OnAccept);
-    m_messages.On(kExtrasFoundMessage, this, &DlgOpenDS::OnExtrasFound);
+    m_messages.On(kAcceptMessage, this, &DlgOpenDS::OnOK);
 }
 
 bool DlgOpenDS::event(QEvent *event) {
-    bool const isForPanes = m_splitter != nullptr; // what comes behind their end is for nobody
+    bool const isForPanes = m_keys != nullptr; // what comes behind their end is for nobody
     return (isForPanes && m_messages.Dispatch(*event)) || cdxCDynamicDialog::event(event);
 }
 
@@ -104,21 +88,22 @@ void DlgOpenDS::timerEvent(QTimerEvent *event) {
 
 void DlgOpenDS::OnUpdateState() {
     m_waits->Update();
-    if (m_travel != nullptr)
-        m_travel->Update();
-    if (m_search != nullptr)
-        m_search->Update();
-    bool const isSelected = m_mainList->GetNumSlct() > 0;
-    m_okButton->setEnabled(isSelected || (m_basket != nullptr && !m_basket->Content().IsEmpty()));
+    if (Travel() != nullptr)
+        Travel()->Update();
+    if (Search() != nullptr)
+        Search()->Update();
+    bool const isSelected = m_panes->Items()->GetNumSlct() > 0;
+    m_okButton->setEnabled(isSelected || m_parts->HasGathered());
     // A list that is filled anew forgets what was selected without a word.
-    if (isSelected || m_forecast == nullptr)
+    OpenForecast *const forecast = Forecast();
+    if (isSelected || forecast == nullptr)
         return;
-    m_forecast->Select({});
+    forecast->Select({});
     ItemList roots;
-    m_mainList->GetRootItems(roots);
+    m_panes->Items()->GetRootItems(roots);
     auto const *const tree =
         roots.size() == 1 ? dynamic_cast<TemplDataSourceItem const *>(roots.front().get()) : nullptr;
-    m_forecast->SayUnlisted(tree == nullptr ? DError() : tree->GetFailure());
+    forecast->SayUnlisted(tree == nullptr ? DError() : tree->GetFailure());
 }
 
 // ------------------------------------------------------------------------------------------------- path buttons
@@ -129,13 +114,13 @@ void DlgOpenDS::OnResetPathButtons() {
     if (m_pathButtons == nullptr)
         return;
     ItemList roots;
-    if (m_dataSourceWnd->IsDataSourceView())
-        m_hierarchyList->GetRootItems(roots);
+    if (m_panes->SourceWnd()->IsDataSourceView())
+        m_panes->Hierarchy()->GetRootItems(roots);
     else
-        m_dataSourceWnd->GetRootItems(roots);
+        m_panes->SourceWnd()->GetRootItems(roots);
     QRect place = platform::GetDlgItem(*this, kPathPlaceId)->geometry();
-    if (m_travel != nullptr)
-        place = m_travel->Arrange(place);
+    if (Travel() != nullptr)
+        place = Travel()->Arrange(place);
     m_pathButtons->Show(roots.empty() ? nullptr : roots.front(), place, [this](int id) { OnButtonClck(id); });
 }
 
@@ -145,18 +130,41 @@ void DlgOpenDS::OnButtonClck(int id) {
 }
 
 void DlgOpenDS::OnAddToFavorites() {
-    if (m_mainList->IsShowingResults() && m_dataSourceList->OfferedFavorites() != nullptr)
-        return AddSearchToFavorites();
+    if (m_panes->Items()->IsShowingResults() && m_parts->Favorites() != nullptr)
+        return m_parts->Favorites()->AddSearch();
     if (RefItemPtr<DataSourceItem> const item = m_pathButtons->LastShown(); item != nullptr)
-        m_dataSourceList->AddFavorite(item);
+        m_panes->Sources()->AddFavorite(item);
 }
 
 void DlgOpenDS::OnHome() {
-    m_dataSourceWnd->SwitchToDataSourceView();
+    m_panes->SourceWnd()->SwitchToDataSourceView();
     ResetPathButtons();
 }
 
 // -------------------------------------------------------------------------------------------------- what is shown
+
+bool DlgOpenDS::ShowInitialPlace(std::optional<std::chrono::milliseconds> time) {
+    platform::EscapeWatch watch; // also for what it takes to find the place
+    RequestScope const scope(
+        RequestKind::List, [&watch] { return watch.IsPressed(); }, time);
+    if (m_initItem != nullptr)
+        ShowItem(m_initItem);
+    else
+        GoToDir(m_initDir, false);
+    return !scope.IsUnanswered();
+}
+
+void DlgOpenDS::paintEvent(QPaintEvent *event) {
+    cdxCDynamicDialog::paintEvent(event);
+    // Behind the paint, not inside it.
+    if (!std::exchange(m_isPlaceShown, true))
+        platform::PostMessage(this, kFirstPaintMessage);
+}
+
+// What came in time is listed anew only where something was missing.
+void DlgOpenDS::OnFirstPaint() {
+    std::ignore = ShowInitialPlace(std::nullopt); // it ends when the user says so
+}
 
 void DlgOpenDS::ShowItem(RefItemPtr<DataSourceItem> item) {
     if (m_waits->Show(item))
@@ -165,103 +173,20 @@ void DlgOpenDS::ShowItem(RefItemPtr<DataSourceItem> item) {
     platform::EscapeWatch const watch; // one Escape for all lists
     ListingsShared const shared;
     ItemList const items{std::move(item)};
-    m_dataSourceWnd->SwitchToFolderView();
-    m_folderList->ResetItems(items);
-    m_mainList->ResetItems(items);
-    m_hierarchyList->ShowDir(nullptr);
-    if (m_travel != nullptr)
-        m_travel->Entered();
+    m_panes->SourceWnd()->SwitchToFolderView();
+    m_panes->Folders()->ResetItems(items);
+    m_panes->Items()->ResetItems(items);
+    m_panes->Hierarchy()->ShowDir(nullptr);
+    if (Travel() != nullptr)
+        Travel()->Entered();
     ResetPathButtons();
 }
 
 void DlgOpenDS::GoToDir(DString const &path, bool report) {
     if (path.empty() || m_waits->GoTo(path, report))
         return;
-    if (RefItemPtr<DataSourceItem> const item = FindPlace(path, report); item != nullptr)
-        ShowPlace(item);
-}
-
-RefItemPtr<DataSourceItem> DlgOpenDS::FindPlace(DString const &path, bool report) const {
-    RefItemPtr<DataSourceItem> item;
-    DError error;
-    {
-        // Whoever names a place waits for its answer, or ends the wait.
-        GUITools::WaitCursor const cursor;
-        platform::EscapeWatch watch;
-        RequestScope const scope(RequestKind::List, [&watch] { return watch.IsPressed(); });
-        item = ItemFromPlace(path, &error);
-        if (watch.IsPressed())
-            return nullptr;
-    }
-    if (item == nullptr && report)
-        RefusePlace(path, error);
-    return item;
-}
-
-void DlgOpenDS::AddToFavorites(ItemList const &items) {
-    if (!AreExtrasFound())
-        return;
-    TakeDriverOptions();
-    for (RefItemPtr<DataSourceItem> const &item : items) {
-        bool const isPlace = item->IsFolder();
-        m_dataSourceList->OfferedFavorites()->Add({.kind = isPlace ? Favorite::Kind::Place : Favorite::Kind::Data,
-                                                   .target = isPlace ? item->GetPath() : MonikerOf(*item)});
-    }
-}
-
-void DlgOpenDS::AddSearchToFavorites() {
-    if (std::optional<StoredSearch> const search = m_search->Searched(); search)
-        m_dataSourceList->OfferedFavorites()->Add(
-            {.kind = Favorite::Kind::Search, .target = search->ToText(), .name = search->InWords()});
-}
-
-void DlgOpenDS::OpenFavorite(Favorite const &favorite) {
-    switch (favorite.kind) {
-    case Favorite::Kind::Data: {
-        DError error;
-        bool const isOfServer = PlaceOpener::IsFor(favorite.target); // nothing waits for one
-        if (isOfServer || m_namedData == nullptr)
-            GoToDir(favorite.target, true);
-        else if (!m_namedData->Show({favorite.target}, &error))
-            RefusePlace(favorite.target, error);
-        break;
-    }
-    case Favorite::Kind::Basket:
-        LoadIntoBasket(favorite.target);
-        break;
-    case Favorite::Kind::Search:
-        if (std::optional<StoredSearch> const search = StoredSearch::FromText(favorite.target);
-            search && m_search != nullptr) {
-            if (RefItemPtr<DataSourceItem> const place = FindPlace(search->place, true); place != nullptr) {
-                ShowPlace(place);
-                m_search->Begin(search->draft);
-            }
-        }
-        break;
-    case Favorite::Kind::Place:
-        break; // its selection has listed it
-    }
-}
-
-void DlgOpenDS::LoadIntoBasket(DString const &file) {
-    if (m_basket == nullptr)
-        Report::UserNotification(Translated("Here one item is picked: a basket is of no use"));
-    else if (!m_basket->Load(file))
-        Report::UserNotification(Translated("'%s' is no list of monikers"), file.c_str());
-}
-
-void DlgOpenDS::RefusePlace(DString const &path, DError const &error) const {
-    if (error.IsSet() && m_forecast != nullptr)
-        Report::UserNotification("Cannot access '%s' path: %s", path.c_str(), CauseInWords(error).c_str());
-    else
-        Report::UserNotification("Cannot access '%s' path", path.c_str());
-}
-
-void DlgOpenDS::ShowPlace(RefItemPtr<DataSourceItem> item) {
-    // What holds nothing stands for what it lies in.
-    item->BuildParents();
-    RefItemPtr<DataSourceItem> const parent = item->GetParent();
-    ShowItem(item->IsFolder() || parent == nullptr ? item : parent);
+    if (RefItemPtr<DataSourceItem> const item = m_places->Find(path, report); item != nullptr)
+        m_places->Show(item);
 }
 
 void DlgOpenDS::SetRecursive(bool recursive) {
@@ -270,20 +195,20 @@ void DlgOpenDS::SetRecursive(bool recursive) {
 }
 
 void DlgOpenDS::OnListRecursively() {
-    m_mainList->SetMode(m_recursiveButton->isChecked() ? DSListCtrl::ModeRecursive : DSListCtrl::ModeFiles);
-    m_mainList->Refresh();
+    m_panes->Items()->SetMode(m_recursiveButton->isChecked() ? DSListCtrl::ModeRecursive : DSListCtrl::ModeFiles);
+    m_panes->Items()->Refresh();
 }
 
 void DlgOpenDS::ApplyFileFilter(char const *mask, char const *formatId) {
     platform::EscapeWatch const watch; // one Escape for all lists
     ListingsShared const shared;
-    m_folderList->ApplyFileFilter(mask, formatId);
-    m_folderList->Refresh();
-    m_hierarchyList->ApplyFileFilter(mask, formatId);
-    m_hierarchyList->Refresh();
-    m_mainList->ApplyFileFilter(mask, formatId);
-    if (m_search == nullptr || !m_search->Again())
-        m_mainList->Refresh();
+    m_panes->Folders()->ApplyFileFilter(mask, formatId);
+    m_panes->Folders()->Refresh();
+    m_panes->Hierarchy()->ApplyFileFilter(mask, formatId);
+    m_panes->Hierarchy()->Refresh();
+    m_panes->Items()->ApplyFileFilter(mask, formatId);
+    if (Search() == nullptr || !Search()->Again())
+        m_panes->Items()->Refresh();
 }
 
 void DlgOpenDS::UpdateFormat(DFileFrmt *format) {
@@ -291,15 +216,8 @@ void DlgOpenDS::UpdateFormat(DFileFrmt *format) {
     if (m_format == nullptr)
         return;
     ApplyFileFilter(m_format->GetExtn().c_str(), m_format->GetID().c_str());
-    m_fileFilterEdit->setText(ToQString(m_format->GetExtn()));
+    m_fields->SetMask(m_format->GetExtn());
 }
-
-void DlgOpenDS::OnSelendokFileType() {
-    if (m_fileTypeCombo->currentIndex() >= 0)
-        UpdateFormat(m_formats[m_fileTypeCombo->GetItemData(m_fileTypeCombo->GetCurSel())]);
-}
-
-void DlgOpenDS::OnSelendokHist() { GoToDir(m_histCombo->GetWindowText(), true); }
 
 // ------------------------------------------------------------------------------------------- what the panes tell
 
@@ -308,9 +226,9 @@ void DlgOpenDS::OnDataSourceSelected() {
     ListingsShared const shared;
     m_waits->Forget();
     ItemList items;
-    m_dataSourceList->GetSelectedItems(items);
-    m_hierarchyList->ResetDataSources(items);
-    m_mainList->ResetItems(items);
+    m_panes->Sources()->GetSelectedItems(items);
+    m_panes->Hierarchy()->ResetDataSources(items);
+    m_panes->Items()->ResetItems(items);
     if (!items.empty())
         m_dataSourceType = items.front()->GetDataSourceType();
 }
@@ -318,40 +236,37 @@ void DlgOpenDS::OnDataSourceSelected() {
 void DlgOpenDS::OnDataItemSelected(MessageParam pane) {
     platform::EscapeWatch const watch; // one Escape for all lists
     ItemList items;
-    if (m_hierarchyList != nullptr)
-        m_hierarchyList->GetSelectedItems(static_cast<unsigned>(pane), items);
-    else
-        m_folderList->GetSelectedItems(items);
+    m_panes->Hierarchy()->GetSelectedItems(static_cast<unsigned>(pane), items);
     if (!CanShow(items))
         return;
     m_waits->Forget();
-    m_mainList->ResetItems(items);
-    m_propertyWnd->Clear();
+    m_panes->Items()->ResetItems(items);
+    m_panes->Properties()->Clear();
 }
 
 void DlgOpenDS::OnFirstPaneDataItemSelected() {
     platform::EscapeWatch const watch; // one Escape for all lists
     ListingsShared const shared;
     ItemList items;
-    m_folderList->GetSelectedItems(items);
+    m_panes->Folders()->GetSelectedItems(items);
     if (!CanShow(items))
         return;
     m_waits->Forget();
-    m_hierarchyList->ResetDataSources(items);
-    m_mainList->ResetItems(items);
-    m_propertyWnd->Clear();
+    m_panes->Hierarchy()->ResetDataSources(items);
+    m_panes->Items()->ResetItems(items);
+    m_panes->Properties()->Clear();
 }
 
 DlgOpenDS::ItemList DlgOpenDS::SelectedImages() const {
     ItemList items;
-    if (m_mainList != nullptr)
-        m_mainList->GetSelectedItems(items);
+    if (m_panes != nullptr)
+        m_panes->Items()->GetSelectedItems(items);
     return items;
 }
 
 void DlgOpenDS::OnImageSelected() {
     ItemList const items = SelectedImages();
-    UpdateExtras(items);
+    m_options->Update(items);
     ShowSelected(items);
 }
 
@@ -359,143 +274,50 @@ void DlgOpenDS::ShowSelected(ItemList const &items) {
     if (items.empty())
         return;
     platform::GetDlgItem<platform::EllipsisLabel>(*this, kStatusId)->SetText(ToQString(items.back()->GetPath()));
-    m_propertyWnd->ShowProps(items.back(), m_format == nullptr ? "" : m_format->GetDriverText().c_str());
-    if (m_forecast == nullptr)
+    m_panes->Properties()->ShowProps(items.back(), m_format == nullptr ? "" : m_format->GetDriverText().c_str());
+    OpenForecast *const forecast = Forecast();
+    if (forecast == nullptr)
         return;
     ItemList picked = items;
     picked.remove_if([this](RefItemPtr<DataSourceItem> const &item) { return !item->IsFile(m_bdiFilter); });
-    m_forecast->Select(m_mainList->IsShowingResults() ? picked : items);
-}
-
-// The options of the selection before stay where they are until it is known what takes their place.
-void DlgOpenDS::UpdateExtras(ItemList const &items) {
-    if (m_driverOptions != nullptr) { // without extras the first tells
-        bool const isFirstEnough = m_extras.GetItems().empty() && !items.empty();
-        bool const isChosen = m_forecast != nullptr && !items.empty();
-        m_extrasFinder->Ask(m_extras, isFirstEnough ? ItemList{items.front()} : items, ExtrasFinder::Drivers::Ask,
-                            isChosen ? m_forecast->Drivers().Of(items.front()->GetPath()) : DString());
-    } else if (!m_extras.GetItems().empty())
-        m_extrasFinder->Ask(m_extras, items);
-    else
-        m_propertyWnd->UpdateExtras(items.empty() ? nullptr : items.front(), nullptr);
-}
-
-void DlgOpenDS::OnExtrasFound() {
-    std::optional<ExtrasFinder::Answer> const answer = m_extrasFinder->TakeAnswer();
-    if (!answer || m_propertyWnd == nullptr)
-        return;
-    ItemList const items = SelectedImages();
-    if (m_driverOptions != nullptr && answer->options == nullptr) {
-        m_driverOptions->SetDriver(answer->driverId, answer->lists);
-        ShowDriverOptions(items);
-    } else {
-        if (m_driverOptions != nullptr)
-            m_driverOptions->SetDriver({}, nullptr);
-        m_pageItems.clear();
-        m_propertyWnd->UpdateExtras(items.empty() ? nullptr : items.front(), answer->options.get());
-    }
-    ShowSelected(items); // with the options that hold now
-}
-
-bool DlgOpenDS::AreExtrasFound() {
-    constexpr std::chrono::milliseconds kLook{10};
-    if (m_extrasFinder->IsBusy(kLook)) {
-        GUITools::WaitCursor const cursor;
-        platform::EscapeWatch watch;
-        while (m_extrasFinder->IsBusy(kLook))
-            if (watch.IsPressed())
-                return false;
-    }
-    OnExtrasFound();
-    return true;
-}
-
-void DlgOpenDS::ShowDriverOptions(ItemList const &items) {
-    bool const hasPage = m_driverOptions->HasPage() && !items.empty() && !items.front()->GetPath().empty();
-    m_pageItems = hasPage ? items : ItemList();
-    if (!hasPage) {
-        m_propertyWnd->ShowDriverOptions({}, {}, {});
-        return;
-    }
-    DString const path = items.front()->GetPath();
-    m_propertyWnd->ShowDriverOptions(m_driverOptions->DriverId(), m_driverOptions->Options(),
-                                     m_driverOptions->ValuesFor(path, NamedOptionsOf(path)));
-}
-
-void DlgOpenDS::TakeDriverOptions() {
-    if (m_pageItems.empty())
-        return;
-    m_propertyWnd->ApplyOptions();
-    OptionValues const values = m_propertyWnd->Extra()->GetValues();
-    auto const text = [this](OptionValues const &of) { return ToOptionText(m_driverOptions->Options(), of); };
-    DString const path = m_pageItems.front()->GetPath();
-    if (text(values) == text(m_driverOptions->ValuesFor(path, NamedOptionsOf(path))))
-        return; // each keeps its own
-    std::vector<DString> paths;
-    for (RefItemPtr<DataSourceItem> const &item : m_pageItems) // the selection may be another one by now
-        paths.push_back(item->GetPath());
-    m_driverOptions->Change(paths, values);
+    forecast->Select(m_panes->Items()->IsShowingResults() ? picked : items);
 }
 
 void DlgOpenDS::OnDSOptionsChanged() {
-    if (m_mainList == nullptr || m_propertyWnd == nullptr)
-        return;
-    if (m_pageItems.empty())
+    if (!m_options->IsDriverPageShown())
         return OnImageSelected();
-    TakeDriverOptions();
+    m_options->Take();
     ShowSelected(SelectedImages());
 }
 
 void DlgOpenDS::OnImageDblClick() {
-    if (m_mainList->WasDblClckBesideRows())
+    if (m_panes->Items()->WasDblClckBesideRows())
         return;
     // What the listing had to take for a plain file, and has turned out to be a container since, is entered.
     ItemList const items = SelectedImages();
-    if (items.size() == 1 && EnterLateContainer(items.front()).value_or(true))
+    if (items.size() == 1 && m_places->EnterLateContainer(items.front()).value_or(true))
         return;
     // What OK opens is the basket's then.
-    if (m_basket != nullptr && !m_basket->Content().IsEmpty())
-        AddToBasket(items);
+    if (m_parts->HasGathered())
+        m_parts->AddToBasket(items);
     else
         platform::PostMessage(this, kAcceptMessage);
 }
 
-std::optional<bool> DlgOpenDS::EnterLateContainer(RefItemPtr<DataSourceItem> const &item) {
-    auto *const file = dynamic_cast<NtwDataSourceItem *>(item.get());
-    if (file == nullptr)
-        return false;
-    if (file->MayTurnOutContainer()) {
-        GUITools::WaitCursor const cursor;
-        platform::EscapeWatch watch;
-        RequestScope const scope(RequestKind::List, [&watch] { return watch.IsPressed(); });
-        std::optional<bool> const isContainer = ClassifyAtLeisure(file->GetPath(), nullptr);
-        if (watch.IsPressed())
-            return std::nullopt;
-        if (isContainer)
-            file->SetClassified(*isContainer);
-    }
-    if (!file->IsFolder())
-        return false;
-    ShowItem(item);
-    return true;
-}
-
-void DlgOpenDS::OnAccept() { OnOK(); }
-
 void DlgOpenDS::OnRootChanged() {
     platform::EscapeWatch const watch; // one Escape for all lists
     ItemList roots;
-    m_hierarchyList->GetRootItems(roots);
+    m_panes->Hierarchy()->GetRootItems(roots);
     if (roots.empty()) {
-        m_dataSourceWnd->SwitchToDataSourceView();
+        m_panes->SourceWnd()->SwitchToDataSourceView();
     } else {
         RefItemPtr<DataSourceItem> root = roots.back();
         RefItemPtr<DataSourceItem> parent = root->GetParent();
         if (parent != nullptr) {
-            m_dataSourceWnd->SwitchToFolderView();
-            m_folderList->ShowDir(parent, root);
+            m_panes->SourceWnd()->SwitchToFolderView();
+            m_panes->Folders()->ShowDir(parent, root);
         } else {
-            m_dataSourceWnd->SwitchToDataSourceView();
+            m_panes->SourceWnd()->SwitchToDataSourceView();
         }
     }
     ResetPathButtons();
@@ -504,152 +326,23 @@ void DlgOpenDS::OnRootChanged() {
 void DlgOpenDS::OnFirstPaneRootChanged() {
     platform::EscapeWatch const watch; // one Escape for all lists
     ItemList roots;
-    m_dataSourceWnd->GetRootItems(roots);
-    m_hierarchyList->ResetDataSources(roots);
+    m_panes->SourceWnd()->GetRootItems(roots);
+    m_panes->Hierarchy()->ResetDataSources(roots);
     ResetPathButtons();
 }
 
 // ----------------------------------------------------------------------------------------------------------- keys
 
 bool DlgOpenDS::eventFilter(QObject *watched, QEvent *event) {
-    if (m_travel != nullptr && isVisible()) {
-        auto const *const under = qobject_cast<QWidget *>(watched);
-        if (IsWithin(this, under) && m_travel->TakeMouse(*event))
-            return true;
-    }
-    if (event->type() == QEvent::KeyPress && isVisible()) {
-        auto *focus = qobject_cast<QWidget *>(watched);
-        auto const &key = *static_cast<QKeyEvent *>(event);
-        if (focus != nullptr && focus == focusWidget() && (ProcessShortcut(key) || ProcessKey(key.key(), focus)))
-            return true;
-    }
+    auto *const widget = qobject_cast<QWidget *>(watched);
+    if (widget == nullptr || !isVisible() || m_keys == nullptr)
+        return cdxCDynamicDialog::eventFilter(watched, event);
+    if (Travel() != nullptr && (widget == this || isAncestorOf(widget)) && Travel()->TakeMouse(*event))
+        return true;
+    if (event->type() == QEvent::KeyPress && widget == focusWidget() &&
+        m_keys->Take(*static_cast<QKeyEvent *>(event), *widget))
+        return true;
     return cdxCDynamicDialog::eventFilter(watched, event);
-}
-
-bool DlgOpenDS::ProcessShortcut(QKeyEvent const &key) {
-    if (m_search == nullptr || !key.matches(QKeySequence::Find))
-        return false;
-    m_search->Open();
-    return true;
-}
-
-bool DlgOpenDS::ProcessKey(int key, QWidget *focus) {
-    if (qobject_cast<SplitterBar *>(focus) != nullptr)
-        return false; // it has its own keys
-    switch (key) {
-    case Qt::Key_Down:
-        return m_search != nullptr && m_search->GoToResults(*focus);
-    case Qt::Key_F8:
-        return m_splitter->MoveBarsByKeyboard();
-    case Qt::Key_F5:
-        ProcessRefreshKey(focus);
-        return true;
-    case Qt::Key_Escape:
-        // Else it closes the dialog.
-        return m_waits->Stop() || (m_search != nullptr && m_search->Stop());
-    case Qt::Key_Return:
-    case Qt::Key_Enter:
-        return ProcessReturnKey(focus);
-    case Qt::Key_Tab:
-        return ProcessTabKey(focus);
-    case Qt::Key_Insert:
-        return ProcessInsertKey(focus);
-    default:
-        return false;
-    }
-}
-
-void DlgOpenDS::ProcessRefreshKey(QWidget *focus) {
-    if (m_waits->Retry() || (m_search != nullptr && m_search->Again()))
-        return;
-    platform::EscapeWatch const watch; // one Escape for all lists
-    ListingsShared const shared;
-    if (IsWithin(m_dataSourceList, focus)) {
-        m_dataSourceList->ResetSelectedItems();
-    } else if (IsWithin(m_hierarchyList, focus)) {
-        m_hierarchyList->Refresh();
-        m_mainList->Refresh();
-    } else if (IsWithin(m_folderList, focus)) {
-        m_folderList->Refresh();
-    } else if (IsWithin(m_mainList, focus)) {
-        m_mainList->Refresh();
-    }
-}
-
-bool DlgOpenDS::ProcessReturnKey(QWidget *focus) {
-    if (IsWithin(m_histCombo, focus)) {
-        DString const typed = FixPath(m_histCombo->GetWindowText().c_str());
-        DString const path = TakeSecrets(typed);
-        if (path != typed)
-            m_histCombo->setEditText(ToQString(path));
-        bool const isOfServer = PlaceOpener::IsFor(path); // nothing waits for one
-        if (!path.empty() && (isOfServer || m_namedData == nullptr || !m_namedData->Show({path})))
-            GoToDir(path, true);
-        return true;
-    }
-    if (focus == m_fileFilterEdit) {
-        ApplyFileFilter(ToDString(m_fileFilterEdit->text()).c_str(), nullptr);
-        return true;
-    }
-    // The button that has the focus is the one that is pressed, not the dialog's own.
-    if (auto *const button = qobject_cast<QPushButton *>(focus)) {
-        button->click();
-        return true;
-    }
-    if (m_search != nullptr && IsWithin(m_search->Form(), focus)) {
-        m_search->Begin();
-        return true;
-    }
-    if (qobject_cast<QAbstractButton *>(focus) != nullptr || IsWithin(m_propertyWnd->Bar(), focus))
-        return false;
-    if (IsWithin(m_dataSourceList, focus) && m_dataSourceList->ActivateRow())
-        return true;
-    if (!m_pageItems.empty() && IsWithin(m_propertyWnd->Extra(), focus)) {
-        m_propertyWnd->ApplyOptions();
-        OnDSOptionsChanged();
-        return true;
-    }
-    OnOK();
-    return true;
-}
-
-bool DlgOpenDS::ProcessInsertKey(QWidget *focus) {
-    if (m_basket == nullptr || !IsWithin(m_mainList, focus))
-        return false;
-    AddToBasket(SelectedImages());
-    return true;
-}
-
-bool DlgOpenDS::ProcessTabKey(QWidget *focus) {
-    if (m_hierarchyList->FocusPaneBehind(focus))
-        return true;
-    struct Step {
-        QWidget *from;
-        QWidget *to;
-    };
-    QWidget *const hierarchy = m_hierarchyList->GetPane(0);
-    QWidget *const sources =
-        m_dataSourceWnd->IsDataSourceView() ? static_cast<QWidget *>(m_dataSourceList) : m_folderList;
-    auto *const line = platform::GetDlgItem<OpenLine>(*this, kLineId);
-    bool const hasChoice = line != nullptr && line->Drivers()->isVisible();
-    QWidget *const belowPanes = hasChoice ? static_cast<QWidget *>(line->Drivers()) : m_histCombo;
-    Step const steps[] = {
-        {m_dataSourceList, hierarchy},
-        {m_folderList, hierarchy},
-        {m_hierarchyList, m_mainList},
-        {m_mainList, belowPanes},
-        {line, m_histCombo},
-        {m_histCombo, m_fileFilterEdit},
-        {m_fileFilterEdit, m_fileTypeCombo},
-        {m_fileTypeCombo, sources},
-    };
-    for (Step const &step : steps) {
-        if (step.from == nullptr || !IsWithin(step.from, focus))
-            continue;
-        step.to->setFocus(Qt::TabFocusReason);
-        return true;
-    }
-    return false;
 }
 
 } // namespace zelvar

@@ -1,0 +1,67 @@
+#include "zelvar/opends/PlaceFinder.h"
+
+#include "zelvar/controls/GUITools.h"
+#include "zelvar/data/RequestScope.h"
+#include "zelvar/model/NtwDataSourceItem.h"
+#include "zelvar/model/OpenOutcome.h"
+#include "zelvar/model/PlaceResolver.h"
+#include "zelvar/platform/ui/EscapeWatch.h"
+
+namespace zelvar {
+
+PlaceFinder::Item PlaceFinder::Find(DString const &path, bool report) const {
+    Item item;
+    DError error;
+    {
+        GUITools::WaitCursor const cursor;
+        platform::EscapeWatch watch;
+        RequestScope const scope(RequestKind::List, [&watch] { return watch.IsPressed(); });
+        item = ItemFromPlace(path, &error);
+        if (watch.IsPressed())
+            return nullptr;
+    }
+    if (item == nullptr && report)
+        Refuse(path, error);
+    return item;
+}
+
+void PlaceFinder::Refuse(DString const &path, DError const &error) const {
+    if (error.IsSet() && m_givesCause)
+        Report::UserNotification("Cannot access '%s' path: %s", path.c_str(), CauseInWords(error).c_str());
+    else
+        Report::UserNotification("Cannot access '%s' path", path.c_str());
+}
+
+void PlaceFinder::Show(Item const &item) const {
+    item->BuildParents();
+    Item const parent = item->GetParent();
+    m_show(item->IsFolder() || parent == nullptr ? item : parent);
+}
+
+void PlaceFinder::ShowParent(Item const &item) const {
+    item->BuildParents();
+    Item const parent = item->GetParent();
+    m_show(parent == nullptr ? item : parent);
+}
+
+std::optional<bool> PlaceFinder::EnterLateContainer(Item const &item) const {
+    auto *const file = dynamic_cast<NtwDataSourceItem *>(item.get());
+    if (file == nullptr)
+        return false;
+    if (file->MayTurnOutContainer()) {
+        GUITools::WaitCursor const cursor;
+        platform::EscapeWatch watch;
+        RequestScope const scope(RequestKind::List, [&watch] { return watch.IsPressed(); });
+        std::optional<bool> const isContainer = ClassifyAtLeisure(file->GetPath(), nullptr);
+        if (watch.IsPressed())
+            return std::nullopt;
+        if (isContainer)
+            file->SetClassified(*isContainer);
+    }
+    if (!file->IsFolder())
+        return false;
+    m_show(item);
+    return true;
+}
+
+} // namespace zelvar
