@@ -44,14 +44,14 @@ struct Registry {
 
 } // namespace
 
-ProcessMoments::ProcessMoments(Locks locks) : m_locks(locks) {
+ProcessMoments::Known::Known(ProcessMoments &object, Locks locks) : m_object(object), m_locks(locks) {
     std::lock_guard const lock(Registry::Get().mutex);
-    Registry::Get().objects.emplace(m_locks, this);
+    Registry::Get().objects.emplace(m_locks, &m_object);
 }
 
-ProcessMoments::~ProcessMoments() {
+ProcessMoments::Known::~Known() {
     std::lock_guard const lock(Registry::Get().mutex);
-    Registry::Get().objects.erase({m_locks, this});
+    Registry::Get().objects.erase({m_locks, &m_object});
 }
 
 } // namespace zelvar

@@ -4,14 +4,14 @@
 
 namespace zelvar {
 
-/// An object that must let go of something when the process forks or ends. Known from its making to its end.
+/// An object that must let go of something when the process forks or ends. Its last member makes it known.
 class ZELVAR_API ProcessMoments {
 public:
     enum class Side { Parent, Child };
     /// In what order locks are taken before a fork: those that are taken while others are held come last.
     enum class Locks { Outer, Inner };
 
-    virtual ~ProcessMoments();
+    virtual ~ProcessMoments() = default;
     ProcessMoments(ProcessMoments const &) = delete;
     ProcessMoments &operator=(ProcessMoments const &) = delete;
 
@@ -22,10 +22,21 @@ public:
     virtual void BeforeExit() {}
 
 protected:
-    explicit ProcessMoments(Locks locks = Locks::Outer);
+    ProcessMoments() = default;
 
-private:
-    Locks const m_locks;
+    /// While it lives its object is told of those moments. The last member of a class that has no derived ones: another
+    /// thread may fork before the object's constructor has ended, or while its destructor is at work.
+    class ZELVAR_API Known {
+    public:
+        explicit Known(ProcessMoments &object, Locks locks = Locks::Outer);
+        ~Known();
+        Known(Known const &) = delete;
+        Known &operator=(Known const &) = delete;
+
+    private:
+        ProcessMoments &m_object;
+        Locks const m_locks;
+    };
 };
 
 } // namespace zelvar

@@ -48,13 +48,13 @@ private:
 };
 
 struct Handlers final : ProcessMoments {
-    Handlers() : ProcessMoments(Locks::Inner) {} // others report while they hold their locks
     void BeforeFork() override { mutex.lock(); }
     void AfterFork(Side) override { mutex.unlock(); }
 
     std::mutex mutex;
     Report::UserHandler user;
     Report::TraceHandler trace;
+    Known known{*this, Locks::Inner}; // others report while they hold their locks
 };
 
 // Never destroyed: static objects of applications may report while the process ends.

@@ -20,7 +20,6 @@ constexpr std::string_view kRedacted = "***";
 
 class Memory final : public ProcessMoments {
 public:
-    Memory() : ProcessMoments(Locks::Inner) {}
     void BeforeFork() override { m_mutex.lock(); }
     void AfterFork(Side) override { m_mutex.unlock(); }
 
@@ -39,6 +38,7 @@ public:
 private:
     std::mutex m_mutex;
     std::map<DString, DString> m_secrets;
+    Known m_known{*this, Locks::Inner};
 };
 
 // Never destroyed: workers may still ask while the process ends.

@@ -54,14 +54,15 @@ BDINode *FindChild(BDIDrvr &driver, void *repository, BDINode const &parent, std
 } // namespace
 
 TemplDataSourceItem::CRep::~CRep() {
-    if (m_drvr == nullptr)
+    BDIDrvr *const driver = m_drvr;
+    if (driver == nullptr)
         return;
     if (m_root != nullptr)
-        m_drvr->CloseNode(m_root);
+        driver->CloseNode(m_root);
     if (m_repository != nullptr)
-        m_drvr->CloseRepository(m_repository);
+        driver->CloseRepository(m_repository);
     for (void *const former : m_formerRepositories)
-        m_drvr->CloseRepository(former);
+        driver->CloseRepository(former);
 }
 
 TemplDataSourceItem *TemplDataSourceItem::CreateItem(XMLNode const *definition) {
@@ -304,12 +305,15 @@ bool TemplDataSourceItem::CreateRepository() {
     if (m_rep->m_repository == nullptr && !m_rep->m_url.empty()) {
         BDINode *node = nullptr;
         DError failure;
-        if (BDIDrvr *named = m_rep->Driver())
-            m_rep->m_repository =
-                named->OpenRepositoryOrSay(m_rep->m_url.c_str(), false, &named, &node, nullptr, &failure);
-        else
-            m_rep->m_repository =
-                BDIDrvrMngr::Instance()->OpenFile(m_rep->m_url.c_str(), &m_rep->m_drvr, &node, nullptr, &failure);
+        void *repository = nullptr;
+        if (BDIDrvr *named = m_rep->Driver()) {
+            repository = named->OpenRepositoryOrSay(m_rep->m_url.c_str(), false, &named, &node, nullptr, &failure);
+        } else {
+            BDIDrvr *chosen = nullptr; // one that is only tried is nobody's business
+            repository = BDIDrvrMngr::Instance()->OpenFile(m_rep->m_url.c_str(), &chosen, &node, nullptr, &failure);
+            m_rep->m_drvr = repository == nullptr ? nullptr : chosen;
+        }
+        m_rep->m_repository = repository;
         if (m_rep->m_repository == nullptr && m_rep->m_drvr == nullptr && !m_rep->m_drvrId.empty())
             failure.Set("there is no driver \"" + m_rep->m_drvrId + "\"; " + failure.Text(), failure.Why(),
                         failure.Detail());
@@ -322,7 +326,7 @@ bool TemplDataSourceItem::CreateRepository() {
         std::lock_guard const stateLock(m_rep->m_stateLock);
         m_rep->m_failure = m_rep->m_repository == nullptr ? std::move(failure) : DError();
         if (m_rep->m_repository != nullptr && node != nullptr)
-            m_rep->m_root = m_rep->m_drvr->CloneNode(node);
+            m_rep->m_root = m_rep->Driver()->CloneNode(node);
     } else if (m_node == nullptr) {
         std::ignore = TakeOpened();
     }
@@ -340,7 +344,7 @@ bool TemplDataSourceItem::TakeOpened() {
         return m_node != nullptr;
     std::lock_guard const lock(m_rep->m_stateLock);
     if (m_rep->m_root != nullptr) // with it the driver is known
-        m_node = m_rep->m_drvr->CloneNode(m_rep->m_root);
+        m_node = m_rep->Driver()->CloneNode(m_rep->m_root);
     return m_node != nullptr;
 }
 
@@ -365,7 +369,7 @@ bool TemplDataSourceItem::ResetFilter(char const *filter) {
         return false;
     SetNode(node);
     // Items listed before still hold nodes of the former one, so it is closed with the tree.
-    m_rep->m_formerRepositories.push_back(std::exchange(m_rep->m_repository, repository));
+    m_rep->m_formerRepositories.push_back(m_rep->m_repository.exchange(repository));
     return true;
 }
 

@@ -4,6 +4,7 @@
 #include "zelvar/data/BDIDrvr.h"
 #include "zelvar/model/DataSourceItem.h"
 
+#include <atomic>
 #include <boost/shared_ptr.hpp>
 #include <mutex>
 #include <vector>
@@ -116,15 +117,15 @@ struct TemplDataSourceItem::CRep {
     /// Guards every call into the tree: it is used by one thread at a time. Copying and closing a node is not one.
     DMutex m_lock;
     std::mutex m_turn; ///< taken before it by who will take it again and again: each waits its turn
-    void *m_repository = nullptr;
-    std::mutex m_stateLock;                   ///< of the next two; held for a moment only: windows ask
-    DError m_failure;                         ///< of the last opening
-    BDINode *m_root = nullptr;                ///< of a connection that is open; owned
-    std::vector<void *> m_formerRepositories; ///< replaced by a filter while nodes of theirs live
+    std::atomic<void *> m_repository{nullptr}; ///< set behind the driver
+    std::mutex m_stateLock;                    ///< of the next two; held for a moment only: windows ask
+    DError m_failure;                          ///< of the last opening
+    BDINode *m_root = nullptr;                 ///< of a connection that is open; owned
+    std::vector<void *> m_formerRepositories;  ///< replaced by a filter while nodes of theirs live
     /// The manager's; null until one is chosen at the opening. The one that a definition names is looked up at the
     /// first question while drivers are still to come: a list of definitions does not wait for them.
     BDIDrvr *Driver();
-    BDIDrvr *m_drvr = nullptr;
+    std::atomic<BDIDrvr *> m_drvr{nullptr};
     DString m_drvrId; ///< that the definition names; may be empty
     std::once_flag m_lookUp;
     DString m_rdiDriverId;

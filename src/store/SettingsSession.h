@@ -161,6 +161,7 @@ public:
     std::map<std::pair<DString, DString>, std::optional<Value>> seen; ///< by key and name; nothing for a removed one
     bool isPostponing = false;                                        ///< writes go to `seen`
     bool isDoingPostponed = false;
+    Known known{*this};
 };
 
 } // namespace zelvar

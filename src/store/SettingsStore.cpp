@@ -31,7 +31,7 @@ public:
     }
 
 private:
-    KnownStores() : ProcessMoments(Locks::Inner) {}
+    KnownStores() = default;
     void BeforeFork() override { m_mutex.lock(); }
     void AfterFork(Side) override { m_mutex.unlock(); }
     SettingsStore *Find(DString const &file, std::unique_ptr<SettingsStore> made) {
@@ -44,6 +44,7 @@ private:
 
     std::mutex m_mutex;
     std::map<DString, std::unique_ptr<SettingsStore>> m_stores;
+    Known m_known{*this, Locks::Inner};
 };
 
 } // namespace

@@ -38,13 +38,14 @@ private:
         std::size_t bytes = 0;
         Clock::time_point since;
     };
-    ConnectionNotes() : ProcessMoments(Locks::Inner) {}
+    ConnectionNotes() = default;
     void BeforeFork() override { m_mutex.lock(); }
     void AfterFork(Side) override { m_mutex.unlock(); }
     void DropOld();
 
     std::mutex m_mutex;
     std::list<Kept> m_kept; ///< the newest first
+    Known m_known{*this, Locks::Inner};
 };
 
 } // namespace zelvar

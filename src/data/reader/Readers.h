@@ -114,6 +114,7 @@ private:
     ProbeMemory m_probed;
     std::atomic<std::uint64_t> m_lastId{0};
     std::atomic<std::uint64_t> m_lastNumber{0};
+    Known m_known{*this};
 };
 
 } // namespace zelvar

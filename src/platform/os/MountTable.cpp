@@ -183,7 +183,7 @@ public:
 private:
     static constexpr char kPath[] = "/proc/self/mountinfo";
 
-    KernelTable() : ProcessMoments(Locks::Inner) {}
+    KernelTable() = default;
 
     void BeforeFork() override { m_mutex.lock(); }
     void AfterFork(Side side) override {
@@ -198,6 +198,7 @@ private:
     std::mutex m_mutex;
     std::optional<FileDescriptor> m_file; ///< opened before the table is read, so that no change is missed
     std::shared_ptr<Mounts const> m_mounts;
+    Known m_known{*this, Locks::Inner};
 };
 
 } // namespace
