@@ -84,6 +84,10 @@ void StoreTalk::OnSaid(int level, int, char const *text) {
 }
 
 void StoreTalk::Note(std::string_view answer) {
+    // What came in place of a listing follows the name of the store's kind: a page of a server between, or nothing.
+    std::size_t const body = answer.find(": ");
+    if (body != std::string_view::npos && (answer.substr(body + 2) == "(null)" || answer.substr(body + 2, 1) == "<"))
+        m_isUnanswered = true;
     if (!m_code.empty())
         return;
     m_code = ValueOf(answer, "Code");
@@ -96,6 +100,8 @@ void StoreTalk::Note(std::string_view answer) {
 DError StoreTalk::Failure(DString const &subject) const {
     if (!HasFailed())
         return {};
+    if (m_code.empty() && m_error.empty())
+        return ErrorOfSilence(subject);
     DError const failure = ErrorOfStore(subject, m_code, m_error);
     for (CodeWords const &known : kWords) {
         if (known.code != m_code)

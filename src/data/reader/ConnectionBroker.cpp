@@ -112,6 +112,7 @@ void ConnectionBroker::Begin() {
     std::lock_guard const lock(m_mutex);
     m_failure.Clear();
     m_failedHost.clear();
+    m_reached.reset();
     eventfd_t count = 0;
     if (m_isStopped.exchange(false) && !m_isEnding)
         eventfd_read(m_wake.Get(), &count);
@@ -126,6 +127,17 @@ void ConnectionBroker::Stop() {
 DError ConnectionBroker::Failure() const {
     std::lock_guard const lock(m_mutex);
     return m_failure;
+}
+
+std::optional<HostAndPort> ConnectionBroker::Elsewhere() const {
+    bool const isOfOne = m_terms->kind == ConnectionKind::MapService || m_terms->kind == ConnectionKind::WebFolder ||
+                         m_terms->kind == ConnectionKind::Address;
+    std::lock_guard const lock(m_mutex);
+    if (!isOfOne || !m_reached || m_terms->hosts.empty())
+        return std::nullopt;
+    HostAndPort const &own = m_terms->hosts.front();
+    bool const isOwn = EqualNoCase(m_reached->host, own.host) && (own.port == 0 || m_reached->port == own.port);
+    return isOwn ? std::nullopt : m_reached;
 }
 
 void ConnectionBroker::Run() {
@@ -271,6 +283,10 @@ std::optional<Proxy> ConnectionBroker::ProxyOf(DString const &host) const {
 }
 
 void ConnectionBroker::Note(HostAndPort const &place, int error) {
+    if (error == 0) {
+        std::lock_guard const lock(m_mutex);
+        m_reached = place;
+    }
     NoteFailure(place.host, error == 0 ? DError() : ReasonOf(place, error, m_terms->connectTime));
 }
 
