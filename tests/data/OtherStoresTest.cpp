@@ -27,6 +27,8 @@ struct Speech {
     std::pair<char const *, char const *> missing;
     DString query{}; ///< that comes with each request for an object
 };
+void PrintTo(Speech const &speech, std::ostream *out) { *out << speech.name; }
+
 constexpr char const *kMarker = "MARKER7secret";
 Speech const kSpeeches[] = {
     {"Amazon", "s3", "", kMarker, {"SignatureDoesNotMatch", "secret key is wrong"}, {"NoSuchBucket", "no such bucket"}},
