@@ -11,6 +11,8 @@ namespace {
 
 constexpr std::size_t kLongest = 64U << 10U; ///< bytes of a text that anybody would paste
 constexpr std::string_view kAmazon = ".amazonaws.com";
+constexpr std::string_view kAzure = ".blob.core."; // and the cloud's own name
+constexpr std::string_view kUsualAzure = "blob.core.windows.net";
 
 bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
 
@@ -127,13 +129,37 @@ std::optional<PastedConnection> AmazonBucketOf(ConnectionAddress const &address)
     return pasted;
 }
 
+/// Account, container, prefix and cloud of an address of Azure's; nothing for another one. A signature that comes with
+/// it, as from its portal, is a secret: as it stands in the text, since it signs these very characters.
+std::optional<PastedConnection> AzureContainerOf(ConnectionAddress const &address, std::string_view text) {
+    std::size_t const at = address.host.find(kAzure);
+    if (at == DString::npos || at == 0)
+        return std::nullopt;
+    ConnectionAddress container{.scheme = "az", .user = address.host.substr(0, at), .path = address.path};
+    if (!container.path.empty()) {
+        container.host = container.path.front();
+        container.path.erase(container.path.begin());
+    }
+    PastedConnection pasted{.connection = {.kind = ConnectionKind::ObjectStore}, .secret = {}};
+    pasted.connection.TakeAddress(container);
+    if (DString cloud = address.host.substr(at + 1); cloud != kUsualAzure)
+        pasted.connection.fields["endpoint"] = std::move(cloud);
+    bool const isSigned = std::any_of(address.query.begin(), address.query.end(),
+                                      [](auto const &item) { return item.first == "sig" && item.second; });
+    if (std::size_t const query = text.find('?'); isSigned && query != std::string_view::npos) {
+        text.remove_prefix(query + 1);
+        pasted.secret = Secret(text.substr(0, text.find('#')));
+    }
+    return pasted;
+}
+
 PastedConnection PlainOf(ConnectionKind kind, ConnectionAddress const &address) {
     PastedConnection pasted{.connection = {.kind = kind}, .secret = {}};
     pasted.connection.TakeAddress(address);
     return pasted;
 }
 
-std::optional<PastedConnection> FromAddress(ConnectionAddress const &address) {
+std::optional<PastedConnection> FromAddress(ConnectionAddress const &address, std::string_view text) {
     DString const &scheme = address.scheme;
     if (scheme.starts_with("postgresql"))
         return PostgreSqlOf(address);
@@ -147,6 +173,8 @@ std::optional<PastedConnection> FromAddress(ConnectionAddress const &address) {
         return std::nullopt;
     if (std::optional<PastedConnection> bucket = AmazonBucketOf(address))
         return bucket;
+    if (std::optional<PastedConnection> container = AzureContainerOf(address, text))
+        return container;
     return PlainOf(ConnectionKind::WebFolder, address);
 }
 
@@ -180,7 +208,7 @@ std::optional<PastedConnection> ConnectionFromPasted(std::string_view text) {
     if (text.empty() || text.size() > kLongest)
         return std::nullopt;
     if (std::optional<ConnectionAddress> const address = ParseConnectionAddress(text)) {
-        std::optional<PastedConnection> pasted = FromAddress(*address);
+        std::optional<PastedConnection> pasted = FromAddress(*address, text);
         if (std::optional<DString> password = PasswordInAddress(text); pasted && password)
             pasted->secret = Secret::TakenFrom(*password);
         return pasted;

@@ -25,7 +25,10 @@ struct Library {
     decltype(&secret_password_lookupv_sync) lookUp = nullptr;
     decltype(&secret_password_storev_sync) store = nullptr;
     decltype(&secret_password_clearv_sync) clear = nullptr;
+    decltype(&secret_password_searchv_sync) search = nullptr;
     decltype(&secret_password_free) freePassword = nullptr;
+    decltype(&secret_error_get_quark) secretErrors = nullptr;
+    decltype(&g_list_free_full) freeList = nullptr;
     decltype(&g_hash_table_new) newTable = nullptr;
     decltype(&g_hash_table_insert) insert = nullptr;
     decltype(&g_hash_table_unref) unrefTable = nullptr;
@@ -54,11 +57,13 @@ private:
         Report::TraceMessage(Report::kTraceDriver, "libsecret was loaded? %s", library.IsLoaded() ? "YES" : "NO");
         auto const find = [&library](char const *name, auto &function) { return library.Find(name, function); };
         return find("secret_password_lookupv_sync", lookUp) && find("secret_password_storev_sync", store) &&
-               find("secret_password_clearv_sync", clear) && find("secret_password_free", freePassword) &&
-               find("g_hash_table_new", newTable) && find("g_hash_table_insert", insert) &&
-               find("g_hash_table_unref", unrefTable) && find("g_str_hash", hash) && find("g_str_equal", equal) &&
-               find("g_cancellable_new", newCancellable) && find("g_cancellable_cancel", cancel) &&
-               find("g_object_unref", unref) && find("g_error_free", freeError) && find("g_error_matches", matches) &&
+               find("secret_password_clearv_sync", clear) && find("secret_password_searchv_sync", search) &&
+               find("secret_password_free", freePassword) && find("secret_error_get_quark", secretErrors) &&
+               find("g_list_free_full", freeList) && find("g_hash_table_new", newTable) &&
+               find("g_hash_table_insert", insert) && find("g_hash_table_unref", unrefTable) &&
+               find("g_str_hash", hash) && find("g_str_equal", equal) && find("g_cancellable_new", newCancellable) &&
+               find("g_cancellable_cancel", cancel) && find("g_object_unref", unref) &&
+               find("g_error_free", freeError) && find("g_error_matches", matches) &&
                find("g_io_error_quark", ioErrors) && find("g_dbus_error_quark", busErrors) &&
                find("g_bus_get_sync", getBus) && find("g_dbus_connection_set_exit_on_close", setExitOnClose);
     }
@@ -111,8 +116,19 @@ KeyringAnswer AnswerOf(Library const &library, GError *error) {
     for (int const code : kNobodyThere)
         if (library.matches(error, library.busErrors(), code) != 0)
             answer.state = KeyringState::Missing;
+    if (library.matches(error, library.secretErrors(), SECRET_ERROR_IS_LOCKED) != 0)
+        answer.state = KeyringState::Locked;
     library.freeError(error);
     return answer;
+}
+
+/// Whether there is one in a keyring that is still locked: a user who does not unlock it is told of like one who has
+/// kept nothing.
+bool IsLockedAway(Question &question, SecretSchema const &schema, GHashTable *table) {
+    // Nothing is unlocked and nobody asked; what is not locked would have been found.
+    GList *const found = question.library.search(&schema, table, SECRET_SEARCH_NONE, question.cancellable, nullptr);
+    question.library.freeList(found, question.library.unref);
+    return found != nullptr;
 }
 
 KeyringAnswer PutLook(Question &question, SecretSchema const &schema, GHashTable *table) {
@@ -121,7 +137,9 @@ KeyringAnswer PutLook(Question &question, SecretSchema const &schema, GHashTable
     if (error != nullptr)
         return AnswerOf(question.library, error);
     if (found == nullptr)
-        return {.state = KeyringState::None, .secret = {}, .reason = {}};
+        return {.state = IsLockedAway(question, schema, table) ? KeyringState::Locked : KeyringState::None,
+                .secret = {},
+                .reason = {}};
     KeyringAnswer answer{.state = KeyringState::Done, .secret = Secret(found), .reason = {}};
     question.library.freePassword(found);
     return answer;

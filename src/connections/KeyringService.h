@@ -13,7 +13,8 @@ enum class KeyringState {
     Done,
     None,    ///< there is no such secret
     Missing, ///< no session bus, no such service on it, or no library to speak to it with
-    Failed,  ///< the service says no, as when the user does not unlock it
+    Locked,  ///< there is one, and the user has not unlocked the keyring that holds it
+    Failed,  ///< the service says no
     Stopped,
     Late,
 };

@@ -74,7 +74,9 @@ TrialResult Result(TrialStep step, TrialState state, DString words) {
 
 DString ServerOf(Connection const &connection) {
     std::optional<ConnectionAddress> const address = connection.Address();
-    DString const endpoint = connection.Field("endpoint");
+    DString endpoint = connection.Field("endpoint");
+    if (std::size_t const scheme = endpoint.find("://"); scheme != DString::npos)
+        endpoint.erase(0, scheme + 3);
     return !endpoint.empty() ? endpoint : address ? address->host : connection.name;
 }
 
@@ -98,13 +100,15 @@ Encryption EncryptionOf(Connection const &connection) {
 }
 
 /// Why a certificate is not trusted, and whether the user can accept it all the same.
-TrialResult UntrustedResult(Connection const &connection, std::optional<ServerCertificate> const &certificate) {
+TrialResult UntrustedResult(Connection const &connection, ListedConnection const &listed) {
     using Fault = ServerCertificate::Fault;
-    DString const server = ServerOf(connection);
+    std::optional<ServerCertificate> const &certificate = listed.certificate;
+    std::optional<HostAndPort> const other = HostUntrustedElsewhere(listed.failure.Text());
+    DString const server = other ? TextOf(*other) : ServerOf(connection);
     DString const ca = connection.Field("ca");
     std::optional<DString> const accepted = FingerprintIn(connection.Field("fingerprint"));
-    // One that is the accepted one is not what was refused: a server that it sends on to is.
-    if (!certificate || (certificate->fault == Fault::None && certificate->fingerprint == accepted))
+    // One that is the accepted one is not what was refused, nor can that of another host be accepted.
+    if (other || !certificate || (certificate->fault == Fault::None && certificate->fingerprint == accepted))
         return Result(TrialStep::Encryption, TrialState::Failed,
                       ca.empty() ? FilledWords(kUntrusted, server)
                                  : Format(Translated(kUntrustedStill), server.c_str(), ca.c_str()));
@@ -190,7 +194,7 @@ std::vector<TrialResult> ListingInSteps(Connection const &connection, ListedConn
     DError const &failure = listed.failure;
     bool const hasPassword = connection.secret != SecretPlace::None;
     if (failure.Why() == DError::Cause::Untrusted)
-        return {UntrustedResult(connection, listed.certificate)};
+        return {UntrustedResult(connection, listed)};
     // A server that was never spoken to has shown no certificate.
     bool const isReached = !failure.IsSet() || failure.Why() == DError::Cause::Server ||
                            failure.Why() == DError::Cause::NotPermitted || failure.Why() == DError::Cause::Missing ||

@@ -25,6 +25,7 @@ constexpr char const *kNoProfile = Mark("There is no profile %s in %s.");
 constexpr char const *kNoService = Mark("There is no service %s in %s.");
 constexpr char const *kNoKeyring = Mark("This desktop has no keyring.");
 constexpr char const *kKeyringFails = Mark("The keyring refuses: %s.");
+constexpr char const *kKeyringLocked = Mark("The keyring is locked, and was not unlocked.");
 constexpr char const *kKeyringSilent = Mark("The keyring does not answer.");
 constexpr char const *kStopped = Mark("Stopped.");
 
@@ -43,6 +44,8 @@ DString KeyringWords(KeyringAnswer const &answer) {
         return Translated(kStopped);
     case KeyringState::Late:
         return Translated(kKeyringSilent);
+    case KeyringState::Locked:
+        return Translated(kKeyringLocked);
     case KeyringState::Failed:
         return Format(Translated(kKeyringFails), answer.reason.c_str());
     default:
@@ -164,7 +167,10 @@ SecretAnswer SecretStore::AskKeyring(SecretKey const &key, StopSignal const *sto
     if (asked.state == KeyringState::Stopped)
         return NotFound(Translated(kStopped));
     bool const isFound = asked.state == KeyringState::Done;
-    SecretAnswer answer = NotFound(isFound ? "" : Translated(kNoPassword));
+    bool const isThere = asked.state != KeyringState::None && asked.state != KeyringState::Missing;
+    SecretAnswer answer = NotFound(isFound   ? DString()
+                                   : isThere ? KeyringWords(asked)
+                                             : DString(Translated(kNoPassword)));
     if (isFound) {
         answer.kept = SecretAnswer::Kept::Keyring;
         answer.secret = std::move(asked.secret);

@@ -18,6 +18,7 @@ namespace {
 constexpr std::size_t kNone = std::string_view::npos;
 constexpr std::string_view kSendsOn = "the server sends on to ";
 constexpr std::string_view kNoHostOf = ", which is no host of its connection";
+constexpr std::string_view kUntrusted = ", whose certificate is not trusted";
 constexpr std::uint16_t kHttp = 80;
 constexpr std::uint16_t kHttps = 443;
 
@@ -177,6 +178,16 @@ bool Matches(HostAndPort const &allowed, std::string_view host, std::uint16_t po
     return host.size() > end.size() && host.ends_with(end);
 }
 
+/// The host between the words that it is sent on to and these.
+std::optional<HostAndPort> HostBefore(std::string_view words, std::string_view text) {
+    std::size_t const at = text.find(kSendsOn);
+    std::size_t const end = at == kNone ? kNone : text.find(words, at);
+    std::optional<HostAndPort> place =
+        end == kNone ? std::nullopt : PlaceIn(text.substr(at + kSendsOn.size(), end - at - kSendsOn.size()), 0);
+    constexpr std::string_view kOfHosts = "abcdefghijklmnopqrstuvwxyz0123456789.-_:";
+    return place && place->host.find_first_not_of(kOfHosts) == DString::npos ? place : std::nullopt;
+}
+
 } // namespace
 
 DString TextOf(HostAndPort const &place) {
@@ -206,14 +217,13 @@ bool MayReach(ConnectionTerms const &terms, std::string_view host, std::uint16_t
 
 DString SendsOnText(HostAndPort const &place) { return DString(kSendsOn).append(TextOf(place)).append(kNoHostOf); }
 
-std::optional<HostAndPort> HostSentOnTo(std::string_view text) {
-    std::size_t const at = text.find(kSendsOn);
-    std::size_t const end = at == kNone ? kNone : text.find(kNoHostOf, at);
-    std::optional<HostAndPort> place =
-        end == kNone ? std::nullopt : PlaceIn(text.substr(at + kSendsOn.size(), end - at - kSendsOn.size()), 0);
-    constexpr std::string_view kOfHosts = "abcdefghijklmnopqrstuvwxyz0123456789.-_:";
-    return place && place->host.find_first_not_of(kOfHosts) == DString::npos ? place : std::nullopt;
+std::optional<HostAndPort> HostSentOnTo(std::string_view text) { return HostBefore(kNoHostOf, text); }
+
+DString UntrustedElsewhereText(HostAndPort const &place) {
+    return DString(kSendsOn).append(TextOf(place)).append(kUntrusted);
 }
+
+std::optional<HostAndPort> HostUntrustedElsewhere(std::string_view text) { return HostBefore(kUntrusted, text); }
 
 bool IsMapServiceAddress(std::string_view address) {
     Scheme const *const scheme = SchemeOf(address);

@@ -51,6 +51,9 @@ struct ConnectionTerms {
 /// The host that such a text names, wherever it stands in it; nothing for another text, or for a name that is not one
 /// of a single host: it is a server's word.
 [[nodiscard]] ZELVAR_API std::optional<HostAndPort> HostSentOnTo(std::string_view text);
+/// What is told of another host that is allowed, and whose certificate nobody vouches for; the way back as above.
+[[nodiscard]] ZELVAR_API DString UntrustedElsewhereText(HostAndPort const &place);
+[[nodiscard]] ZELVAR_API std::optional<HostAndPort> HostUntrustedElsewhere(std::string_view text);
 
 /// Whether an address is that of a map service, or of something in one: "wms+https://...".
 [[nodiscard]] ZELVAR_API bool IsMapServiceAddress(std::string_view address);

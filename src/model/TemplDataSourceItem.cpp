@@ -314,7 +314,10 @@ bool TemplDataSourceItem::CreateRepository() {
             m_rep->m_drvr = repository == nullptr ? nullptr : chosen;
         }
         m_rep->m_repository = repository;
-        if (m_rep->m_repository == nullptr && m_rep->m_drvr == nullptr && !m_rep->m_drvrId.empty())
+        // Another one that came as far as a server was not the wrong one.
+        bool const isAboutDriver =
+            failure.Why() == DError::Cause::Unknown || failure.Why() == DError::Cause::NotSupported;
+        if (m_rep->m_repository == nullptr && m_rep->m_drvr == nullptr && !m_rep->m_drvrId.empty() && isAboutDriver)
             failure.Set("there is no driver \"" + m_rep->m_drvrId + "\"; " + failure.Text(), failure.Why(),
                         failure.Detail());
         if (RequestScope const *const scope = RequestScope::Current(); scope != nullptr && scope->IsStopped())

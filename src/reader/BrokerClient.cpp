@@ -5,7 +5,9 @@
 #include <cerrno>
 #include <cstring>
 #include <mutex>
+#include <set>
 
+#include <sys/socket.h>
 #include <unistd.h>
 
 namespace zelvar::reader {
@@ -23,6 +25,16 @@ wire::ConnectAnswer Ask(wire::ConnectQuestion const &question, int &file, int al
     if (!wire::SendRecord(g_socket, question, along) || !wire::ReceiveRecord(g_socket, answer, file))
         return {.error = ECONNABORTED};
     return answer;
+}
+
+/// Descriptors that are, or have been, connections.
+struct Connections {
+    std::mutex mutex;
+    std::set<int> files; ///< guarded
+};
+Connections &TheConnections() {
+    static auto &connections = *new Connections; // as above
+    return connections;
 }
 
 /// False if the name has no room.
@@ -47,6 +59,20 @@ int BrokerClient::Connect(wire::HostNumber const &number, std::uint16_t port) {
     if (file < 0)
         errno = answer.error != 0 ? answer.error : ECONNABORTED;
     return file;
+}
+
+void BrokerClient::Note(int file) {
+    Connections &connections = TheConnections();
+    std::lock_guard const lock(connections.mutex);
+    connections.files.insert(file);
+}
+
+void BrokerClient::CutOff() {
+    Connections &connections = TheConnections();
+    std::lock_guard const lock(connections.mutex);
+    for (int const file : connections.files)
+        shutdown(file, SHUT_RDWR); // fails for one that is closed, or is something else by now
+    connections.files.clear();
 }
 
 std::vector<wire::HostNumber> BrokerClient::Resolve(char const *name, std::uint16_t port) {

@@ -19,6 +19,10 @@ public:
 
     /// A connection to that host and port; the descriptor is the caller's. -1 if there is none, and `errno` says why.
     static int Connect(wire::HostNumber const &number, std::uint16_t port);
+    /// `file` is a connection from now on, however long.
+    static void Note(int file);
+    /// Ends all connections: whoever waits for one is told so by the system at once. Their descriptors stay.
+    static void CutOff();
     /// The numbers of a host; none if it is unknown, or may not be reached. Port 0 if it is not known.
     static std::vector<wire::HostNumber> Resolve(char const *name, std::uint16_t port);
 

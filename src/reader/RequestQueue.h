@@ -23,8 +23,8 @@ public:
     };
 
     void Add(std::unique_ptr<wire::RequestT> request, std::unique_ptr<FileDescriptor> file);
-    /// Stops the request of that number, under way or waiting; an unknown one is past.
-    void Stop(std::uint64_t number);
+    /// Stops the request of that number, under way or waiting; an unknown one is past. Whether it was under way.
+    bool Stop(std::uint64_t number);
     /// Stops what is under way and lets no more be taken.
     void Close();
     /// Whether nothing is under way or waits.

@@ -1,8 +1,10 @@
 #include "zelvar/reader/Server.h"
 
 #include "zelvar/data/DriverProvider.h"
+#include "zelvar/data/ReaderDuty.h"
 #include "zelvar/data/wire/Messages.h"
 #include "zelvar/data/wire/ReaderStatus.h"
+#include "zelvar/reader/BrokerClient.h"
 #include "zelvar/reader/FileStamp.h"
 #include "zelvar/reader/MemoryLimit.h"
 #include "zelvar/reader/RequestHandler.h"
@@ -35,6 +37,14 @@ MaybeAnswer Guarded(RequestHandler &handler, RequestQueue::Entry &entry) {
     }
 }
 
+/// Whether connections are made anew for each question, or can be: libraries that wait for an answer hear no stop. A
+/// database's carry what else is open in it.
+bool AreConnectionsWithoutState() {
+    ReaderDuty const *const duty = OwnDuty();
+    return duty != nullptr && duty->connection && duty->connection->kind != ConnectionKind::PostgreSql &&
+           duty->connection->kind != ConnectionKind::Odbc;
+}
+
 } // namespace
 
 Server::Server(int socket, std::unique_ptr<wire::SharedMemory> status, LogCollector &log,
@@ -60,10 +70,12 @@ MessageChannel::Result Server::Receive() {
         auto request = wire::Unpack<wire::Request>(message);
         if (request == nullptr)
             return MessageChannel::Result::Damaged;
-        if (wire::StopT const *const stop = request->body.AsStop(); stop != nullptr)
-            m_queue.Stop(stop->number);
-        else
+        if (wire::StopT const *const stop = request->body.AsStop(); stop != nullptr) {
+            if (m_queue.Stop(stop->number) && AreConnectionsWithoutState())
+                BrokerClient::CutOff();
+        } else {
             m_queue.Add(std::move(request), std::move(file));
+        }
     }
 }
 
@@ -80,6 +92,8 @@ void Server::Do(RequestHandler &handler, RequestQueue::Entry &entry) {
     MaybeAnswer answer = Guarded(handler, entry);
     if (!answer)
         return;
+    if (m_queue.Signal() && AreConnectionsWithoutState())
+        answer = Failure("stopped"); // what was cut off may look like all that there is
     // Whoever found that it takes too much does not know what it might have taken.
     if (wire::FailedT *const failed = answer->AsFailed();
         failed != nullptr && failed->cause == static_cast<std::uint32_t>(DError::Cause::TooLarge) &&

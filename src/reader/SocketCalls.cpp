@@ -73,6 +73,8 @@ extern "C" {
                          fcntl(file, F_SETFL, status) == 0;
     int const error = errno;
     close(made);
+    if (isTaken)
+        BrokerClient::Note(file);
     errno = error;
     return isTaken ? 0 : -1;
 }

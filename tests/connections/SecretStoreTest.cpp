@@ -79,6 +79,14 @@ TEST(SecretStore, TheKeyringOfADesktopKeepsThePasswordAndASilentOneHoldsNobody) 
     EXPECT_TRUE(store.Forget(connection));
     EXPECT_EQ(store.Find(connection).kept, Kept::Nowhere);
 
+    ASSERT_TRUE(isServed());
+    bus.LockKeyring();
+    KeyringAnswer const locked = KeyringService::Look(attributes, kLong);
+    EXPECT_EQ(locked.state, KeyringState::Locked) << locked.reason;
+    EXPECT_EQ(KeyringService::Look({{"application", "zelvar"}, {"user", "x"}}, kLong).state, KeyringState::None);
+    SecretAnswer const unkept = store.Keep(Database(SecretPlace::Keyring, "late"), Secret("MARKER"));
+    EXPECT_EQ(unkept.words, "The keyring is locked, and was not unlocked.");
+
     bus.SilenceKeyring();
     EXPECT_EQ(KeyringService::Look(attributes, milliseconds(50)).state, KeyringState::Late);
     StopSignal const stop(true);

@@ -159,6 +159,10 @@ TEST_F(Database, RastersAreWhatTheirFilesHold) {
                       stored.Read<std::int16_t>(0, 0, 330, 210, 330, 210, RDIDriver::AsStored, channel));
         EXPECT_EQ(image.Read<std::int16_t>(0, 0, 330, 210, 33, 21, RDIDriver::Cubic).size(), 33U * 21);
     }
+    Run("create schema far; create table far.apart (rid serial primary key, rast raster); insert into far.apart (rast)"
+        " select st_addband(st_makeemptyraster(9, 9, x, 0, 1e-300, -1e-300, 0, 0, 4326), '8BUI'::text)"
+        " from unnest(array[0, 1e300]) x");
+    EXPECT_THAT(OpenedImage(m_address + "/far/apart").error.Text(), HasSubstr("no size"));
 }
 
 TEST_F(Database, AFailureSaysItsCause) {

@@ -3,6 +3,7 @@
 #include "support/OpenedTree.h"
 #include "support/RealDrivers.h"
 #include "support/SecretWatch.h"
+#include "support/WebServers.h"
 #include "zelvar/data/Connection.h"
 #include "zelvar/data/ImageReader.h"
 #include "zelvar/data/reader/DriverModule.h"
@@ -18,21 +19,34 @@ using enum DError::Cause;
 
 /// A store that speaks as those of other makers do.
 struct Speech {
+    char const *name;
     char const *service;
     DString root;                                ///< of its requests
     DString secret;                              ///< as the connection has it
     std::pair<char const *, char const *> wrong; ///< with a wrong key: the code, and what it means
     std::pair<char const *, char const *> missing;
+    DString query{}; ///< that comes with each request for an object
 };
+void PrintTo(Speech const &speech, std::ostream *out) { *out << speech.name; }
+
 constexpr char const *kMarker = "MARKER7secret";
 Speech const kSpeeches[] = {
-    {"gs", "", kMarker, {"SignatureDoesNotMatch", "secret key is wrong"}, {"NoSuchBucket", "no such bucket"}},
+    {"Amazon", "s3", "", kMarker, {"SignatureDoesNotMatch", "secret key is wrong"}, {"NoSuchBucket", "no such bucket"}},
+    {"Google", "gs", "", kMarker, {"SignatureDoesNotMatch", "secret key is wrong"}, {"NoSuchBucket", "no such bucket"}},
     // The key is the marker in base 64.
-    {"az",
+    {"Azure",
+     "az",
      "/acc",
      "TUFSS0VSN3NlY3JldA==",
      {"AuthenticationFailed", "account's key is wrong"},
      {"ContainerNotFound", "no such container"}},
+    {"Signature",
+     "az",
+     "/acc",
+     "sv=2022-11-02&sp=rl&sig=MARKER7secret%3D",
+     {"AuthenticationFailed", "account's key is wrong"},
+     {"ContainerNotFound", "no such container"},
+     "?sv=2022-11-02&sp=rl&sig=MARKER7secret%3D"},
 };
 
 struct OtherStores : testing::TestWithParam<Speech> {
@@ -44,23 +58,27 @@ struct OtherStores : testing::TestWithParam<Speech> {
             if (GetParam().root.empty())
                 store.Demand("acc", kMarker);
             else
-                store.DemandAsAzure("acc", kMarker);
+                store.DemandAsAzure("acc", GetParam().query.empty() ? kMarker : GetParam().secret);
         });
     }
     ~OtherStores() override {
         SetConnectionFinder(nullptr);
         BDIDrvrMngr::Instance()->Reset();
     }
-    void Connect(DString const &secret) {
-        ConnectionTerms const terms{.id = Place("field") + std::to_string(++m_connections),
-                                    .kind = ConnectionKind::ObjectStore,
-                                    .hosts = {{"127.0.0.1", static_cast<std::uint16_t>(m_server.Port())}},
-                                    .options = {{"service", GetParam().service},
-                                                {"key", "acc"},
-                                                {"endpoint", "127.0.0.1:" + std::to_string(m_server.Port())},
-                                                {"https", "no"},
-                                                {"addressing", "path"}},
-                                    .secrets = {{"key", secret}}};
+    void Connect(DString const &secret, std::map<DString, DString> const &others = {}) {
+        ConnectionTerms terms{.id = Place("field") + std::to_string(++m_connections),
+                              .kind = ConnectionKind::ObjectStore,
+                              .hosts = {{"127.0.0.1", static_cast<std::uint16_t>(m_server.Port())}},
+                              .options = {{"service", GetParam().service},
+                                          {"key", "acc"},
+                                          {"endpoint", "127.0.0.1:" + std::to_string(m_server.Port())},
+                                          {"https", "no"},
+                                          {"addressing", "path"}},
+                              .secrets = {{"key", secret}}};
+        for (auto const &[key, value] : others)
+            terms.options[key] = value;
+        if (auto const place = PlaceIn(terms.options["endpoint"], 0))
+            terms.hosts = {*place};
         SetConnectionFinder([terms](std::string_view) { return terms; });
     }
     static DString Place(DString const &path) { return DString(GetParam().service) + "://acc@" + path; }
@@ -86,7 +104,7 @@ TEST_P(OtherStores, AreListedByPagesAndTheirObjectsOpen) {
     EXPECT_EQ(m_server.Requests().size() - before, 3U);
     test::TempFolder const folder;
     test::WriteImage(folder / "x.tif", {.width = 41});
-    m_server.Serve(GetParam().root + "/field/a/x%20y.tif", test::ReadFile(folder / "x.tif"));
+    m_server.Serve(GetParam().root + "/field/a/x%20y.tif" + GetParam().query, test::ReadFile(folder / "x.tif"));
     ImageInfo info;
     ASSERT_TRUE(ReadImageInfo({Place("field/a/x%20y.tif"), nullptr}, "", nullptr, info));
     EXPECT_EQ(info.width, 41);
@@ -97,10 +115,43 @@ TEST_P(OtherStores, WhatKeepsFromThemIsToldInWords) {
     auto const &[missing, whyMissing] = GetParam().missing;
     EXPECT_THAT(WhyNotOpened(Place("nope")).Text(), AllOf(HasSubstr(missing), HasSubstr(whyMissing)));
     EXPECT_EQ(WhyNotOpened(Place("nope")).Why(), Missing);
+    ImageInfo info;
+    DError error;
+    EXPECT_FALSE(ReadImageInfo({Place("field/none.tif"), nullptr}, "", nullptr, info, &error));
+    EXPECT_THAT(error.Text(), testing::Not(HasSubstr(kMarker)));
+    if (GetParam().service != DString("gs")) { // whose library asks without one
+        Connect("");
+        EXPECT_THAT(WhyNotOpened(Place("field")).Text(), HasSubstr("there is no key for it"));
+    }
     Connect("b3RoZXI="); // another key
     auto const &[wrong, whyWrong] = GetParam().wrong;
     EXPECT_THAT(WhyNotOpened(Place("field")).Text(), AllOf(HasSubstr(wrong), HasSubstr(whyWrong)));
     EXPECT_EQ(WhyNotOpened(Place("field")).Why(), NotPermitted);
+}
+
+TEST_P(OtherStores, AnAcceptedCertificateIsTrustedAndNoOther) {
+    Bucket("field", {.keys = {"a.tif"}});
+    test::TempFolder const folder;
+    test::WriteImage(folder / "a.tif", {.width = 41});
+    m_server.Serve(GetParam().root + "/field/a.tif" + GetParam().query, test::ReadFile(folder / "a.tif"));
+    test::WebServer tls;
+    ASSERT_TRUE(tls.StartTls(m_server.Port()));
+    std::map<DString, DString> options{{"endpoint", tls.Place()}, {"server", tls.Place()}, {"https", "yes"}};
+    ImageInfo info;
+    Connect(GetParam().secret, options);
+    DError error = WhyNotOpened(Place("field"));
+    EXPECT_EQ(error.Why(), Untrusted);
+    EXPECT_THAT(error.Text(), HasSubstr("the certificate of " + tls.Place() + " is not trusted"));
+    EXPECT_FALSE(ReadImageInfo({Place("field/a.tif"), nullptr}, "", nullptr, info, &error));
+    EXPECT_THAT(error.Text(), HasSubstr("the certificate of " + tls.Place() + " is not trusted"));
+    options["fingerprint"] = tls.Fingerprint();
+    Connect(GetParam().secret, options);
+    EXPECT_THAT(PathsIn(Place("field")), ElementsAre(Place("field/a.tif")));
+    EXPECT_TRUE(ReadImageInfo({Place("field/a.tif"), nullptr}, "", nullptr, info));
+    EXPECT_EQ(info.width, 41);
+    ASSERT_TRUE(tls.RenewCertificate());
+    Connect(GetParam().secret, options);
+    EXPECT_THAT(WhyNotOpened(Place("field")).Text(), HasSubstr("is not the one that was accepted"));
 }
 
 TEST_P(OtherStores, AFolderIsEnteredByAReaderThatHasNotSeenIt) {
@@ -117,7 +168,7 @@ TEST_P(OtherStores, AFolderIsEnteredByAReaderThatHasNotSeenIt) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Speeches, OtherStores, testing::ValuesIn(kSpeeches),
-                         [](auto const &at) { return std::string(at.param.service); });
+                         [](auto const &at) { return std::string(at.param.name); });
 
 } // namespace
 } // namespace zelvar

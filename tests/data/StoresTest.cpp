@@ -129,6 +129,18 @@ TEST_F(Stores, AStoreThatGoesRoundInACircleComesToAnEnd) {
     EXPECT_THAT(tree.driver->GetWalkError(tree.repository).Text(), HasSubstr("circle"));
 }
 
+TEST_F(Stores, AListingThatBreaksOffIsNotTakenForTheWhole) {
+    for (auto const &[bucket, status, page] : test::Rows<char const *, int, char const *>{
+             {"gone", 500, ""}, {"proxy", 502, "<html><title>502 Bad Gateway</title></html>"}}) {
+        Bucket(bucket, {.isEndless = true});
+        m_server.Refuse(Format("/%s/?delimiter=%%2F&marker=%s", bucket, test::KeyOf(999).c_str()), status, page);
+        test::OpenedTree const tree(DString("s3://") + bucket);
+        ASSERT_TRUE(tree);
+        EXPECT_EQ(tree.Children(*tree.root).size(), 1000U);
+        EXPECT_EQ(tree.driver->GetWalkError(tree.repository).Why(), DError::Cause::NoAnswer) << bucket;
+    }
+}
+
 TEST_F(Stores, BucketsAreListedAndTheAccountStaysInTheAddress) {
     Bucket("field", {.keys = {"a/x y.tif", "b.tif", std::string(5000, 'n') + ".tif", "../up.tif"}});
     Bucket("lab", {});

@@ -42,6 +42,15 @@ public:
     void StartKeyring() {
         m_keyring = Start({"gnome-keyring-daemon", "--foreground", "--components=secrets", "--unlock"}, "unlock");
     }
+    /// Locks it again. Nobody is there who could ask the user to unlock it: that is as if he had declined.
+    void LockKeyring() const {
+        std::string line;
+        std::ignore = waitpid(Start({"gdbus", "call", "--session", "--dest", "org.freedesktop.secrets", "--object-path",
+                                     "/org/freedesktop/secrets", "--method", "org.freedesktop.Secret.Service.Lock",
+                                     "['/org/freedesktop/secrets/collection/login']"},
+                                    "", &line),
+                              nullptr, 0);
+    }
     /// From now on it takes questions and never answers.
     void SilenceKeyring() const { kill(m_keyring, SIGSTOP); }
     [[nodiscard]] TempFolder const &Folder() const { return m_folder; }

@@ -22,7 +22,8 @@ public:
     void SetBucket(std::string const &name, Bucket bucket);
     /// Only who signs with this key is served.
     void Demand(std::string key, std::string secret);
-    /// The same, and from now on it speaks as Azure does: containers lie below the account's name.
+    /// The same, and from now on it speaks as Azure does: containers lie below the account's name. A secret "sv=..." is
+    /// no key but a signature that has to come with each request.
     void DemandAsAzure(std::string account, std::string secret) {
         Demand(std::move(account), std::move(secret));
         m_isAzure = true;

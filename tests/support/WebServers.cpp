@@ -97,10 +97,15 @@ bool WebServer::RenewCertificate() {
         [this] { return TakesConnections(m_port); });
 }
 
-bool WebServer::StartTls() {
+bool WebServer::StartTls(int behind) {
     Play("openssl req -x509 -newkey rsa:2048 -nodes -keyout ca.key -out ca.pem -subj '/CN=Lab CA' -days 2");
     Certify();
     m_folder.Write("logins", "ann:{PLAIN}marker7secret\n");
+    std::string const rest =
+        behind == 0
+            ? ""
+            : "location / { proxy_set_header Host $http_host; proxy_pass http://127.0.0.1:" + std::to_string(behind) +
+                  "; }";
     return Start({"nginx", "-c", m_folder / "settings", "-p", m_folder.Path()}, R"(
 daemon off; master_process off; pid @T@/run/pid; error_log @T@/run/errors; events { worker_connections 64; }
 http { access_log @T@/run/requests; client_body_temp_path @T@/run/a; proxy_temp_path @T@/run/b;
@@ -108,7 +113,8 @@ http { access_log @T@/run/requests; client_body_temp_path @T@/run/a; proxy_temp_
  server { listen 127.0.0.1:@PORT@ ssl; ssl_certificate @T@/c.pem; ssl_certificate_key @T@/k.pem; root @T@;
   location /open/ { alias @T@/files/; }
   location /private/ { auth_basic "x"; auth_basic_user_file @T@/logins; alias @T@/files/; }
-  location /closed/ { deny all; } } })");
+  location ~ ^/on/(https?)/(.*)$ { return 302 $1://127.0.0.1:$2; }
+  location /closed/ { deny all; } )" + rest + " } }");
 }
 
 bool WebServer::StartDav() {

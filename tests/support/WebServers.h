@@ -18,8 +18,9 @@ public:
     /// "height" of "h.tif", 8 bits, and "plots" of "plots.json", with two styles. Each query is a line of `Requests`.
     [[nodiscard]] bool StartMaps();
     /// nginx with TLS, whose certificate a private authority has signed ("ca.pem"). It shows "files" as "open", as
-    /// "private" for ann with the password "marker7secret", and nothing as "closed".
-    [[nodiscard]] bool StartTls();
+    /// "private" for ann with the password "marker7secret", and nothing as "closed". "on/SCHEME/PORT/PATH" sends on to
+    /// another server here. With `behind` it passes all else on to the server at that port.
+    [[nodiscard]] bool StartTls(int behind = 0);
     /// Begins anew with another certificate of the same authority.
     [[nodiscard]] bool RenewCertificate();
     /// That of the certificate, as openssl prints it.

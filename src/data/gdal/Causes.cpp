@@ -3,11 +3,13 @@
 #include "zelvar/base/FileDescriptor.h"
 #include "zelvar/base/PathStyle.h"
 #include "zelvar/base/TypedSecrets.h"
+#include "zelvar/data/ReaderDuty.h"
 #include "zelvar/data/gdal/Passwords.h"
 #include "zelvar/data/gdal/SmbFiles.h"
 
 #include <cpl_conv.h>
 #include <cpl_error.h>
+#include <cpl_http.h>
 #include <cpl_vsi.h>
 #include <cpl_vsi_error.h>
 
@@ -45,10 +47,18 @@ std::int64_t NumberBehind(std::string_view text, std::initializer_list<std::stri
     return -1;
 }
 
-std::int64_t StatusIn(std::string_view text) {
+/// 0 where a library tells of a server that has not answered.
+std::int64_t StatusOrNone(std::string_view text) {
     return NumberBehind(text,
                         {"http response code: ", "http error code : ", "http error code: ", "http status code: "});
 }
+
+std::int64_t StatusIn(std::string_view text) {
+    std::int64_t const status = StatusOrNone(text);
+    return status == 0 ? -1 : status;
+}
+
+bool IsAboutSilence(std::string_view text) { return Says(text, {"curl error"}) || StatusOrNone(text) == 0; }
 
 std::int64_t ByteIn(std::string_view text) {
     return NumberBehind(text, {"at offset ", "from offset ", "to offset ", "@ offset ", "at byte ", "@ "});
@@ -91,7 +101,7 @@ Cause CauseOf(int number, std::string_view words) {
         return Cause::Server;
     if (IsAboutCertificate(words))
         return Cause::Untrusted;
-    if (Says(words, {"curl error"}))
+    if (IsAboutSilence(words))
         return Cause::NoAnswer;
     if (Says(words, {"password", "encrypted"}))
         return Cause::NeedsPassword;
@@ -134,6 +144,17 @@ bool HasLogin(DString const &subject) {
     return CPLGetConfigOption("GDAL_HTTP_USERPWD", nullptr) != nullptr || WithSecrets(subject) != subject;
 }
 
+/// The server that is meant: addresses of stores name none.
+DString ServerOf(DString const &subject) {
+    ReaderDuty const *const duty = OwnDuty();
+    if (duty != nullptr && duty->connection && duty->connection->kind == ConnectionKind::ObjectStore)
+        if (auto const told = duty->connection->options.find("server"); told != duty->connection->options.end())
+            return told->second;
+    std::size_t const begin = subject.find("://") == DString::npos ? 0 : subject.find("://") + 3;
+    DString const authority = subject.substr(begin, subject.find_first_of("/?#", begin) - begin);
+    return authority.substr(authority.rfind('@') + 1);
+}
+
 /// What is to be said of an address whose server was asked, in place of a library's words where they say too little.
 DString WordsOfServer(DString const &subject, DString const &said, std::int64_t status) {
     DString const words = FoldCase(said);
@@ -151,9 +172,7 @@ DString WordsOfServer(DString const &subject, DString const &said, std::int64_t 
     }
     if (status >= 0 || !IsAboutCertificate(words))
         return said;
-    std::size_t const begin = subject.find("://") == DString::npos ? 0 : subject.find("://") + 3;
-    DString const authority = subject.substr(begin, subject.find_first_of("/?#", begin) - begin);
-    return "the certificate of " + authority.substr(authority.rfind('@') + 1) +
+    return "the certificate of " + ServerOf(subject) +
            (Says(words, {"subject name"}) ? " is that of another server"
                                           : " is not trusted: name the file of its authority") +
            " (" + said + ")";
@@ -170,6 +189,8 @@ DError ErrorOfService(std::vector<GdalError> const &errors, DString const &subje
                     "\": " + (told.empty() ? zelvar::Format("the server answers %d", static_cast<int>(status)) : told),
                 Cause::Server, status);
         }
+        if (DString const said = FoldCase(error.text); IsAboutCertificate(said) || IsAboutSilence(said))
+            return ErrorOfServer(subject, error.text);
         if (words.empty() && error.number != CPLE_OpenFailed)
             words = error.text;
     }
@@ -188,10 +209,10 @@ Cause CauseOfServer(int number, std::string_view words) {
     default:
         break;
     }
-    return StatusIn(words) >= 0          ? Cause::Server
-           : IsAboutCertificate(words)   ? Cause::Untrusted
-           : Says(words, {"curl error"}) ? Cause::NoAnswer
-                                         : Cause::Unknown;
+    return StatusIn(words) >= 0        ? Cause::Server
+           : IsAboutCertificate(words) ? Cause::Untrusted
+           : IsAboutSilence(words)     ? Cause::NoAnswer
+                                       : Cause::Unknown;
 }
 
 } // namespace
@@ -270,6 +291,24 @@ DError ErrorOfServer(DString const &subject, DString const &said) {
     return Because("\"" + subject + "\": " +
                        (said.empty() ? DString("its server does not answer") : WordsOfServer(subject, said, status)),
                    cause, status);
+}
+
+DError ErrorOfSilence(DString const &subject) {
+    ReaderDuty const *const duty = OwnDuty();
+    auto const ofDuty = [duty](char const *option) {
+        auto const at = duty->connection->options.find(option);
+        return at == duty->connection->options.end() ? DString() : at->second;
+    };
+    DString const server = duty != nullptr && duty->connection ? ofDuty("server") : DString();
+    DString said;
+    if (!server.empty()) {
+        auto const takeNothing = [](void *, size_t, size_t, void *) { return size_t{0}; };
+        CPLHTTPResult *const result =
+            CPLHTTPFetchEx(("https://" + server + "/").c_str(), nullptr, nullptr, nullptr, takeNothing, nullptr);
+        said = result == nullptr || result->pszErrBuf == nullptr ? "" : result->pszErrBuf;
+        CPLHTTPDestroyResult(result);
+    }
+    return ErrorOfServer(subject, IsAboutCertificate(FoldCase(said)) ? said : DString());
 }
 
 DError ErrorOfStore(DString const &subject, DString const &code, DString const &said) {

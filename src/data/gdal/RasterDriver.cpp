@@ -169,6 +169,12 @@ std::unique_ptr<Image> OpenImage(BDIMoniker const &moniker, Format const *only, 
                        DError::Cause::NotSupported);
         return nullptr;
     }
+    // As of tiles in a database that claim to lie further apart than can be counted.
+    if (GDALGetRasterXSize(Raw(opened.dataset)) < 1 || GDALGetRasterYSize(Raw(opened.dataset)) < 1) {
+        if (error != nullptr)
+            error->Set("\"" + moniker.GetText() + "\" has no size that an image can have", DError::Cause::Damaged);
+        return nullptr;
+    }
     auto image = std::make_unique<Image>();
     image->dataset = std::move(opened.dataset);
     image->source = *source;

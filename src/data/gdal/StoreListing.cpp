@@ -2,6 +2,7 @@
 
 #include "zelvar/base/PathStyle.h"
 #include "zelvar/base/Percent.h"
+#include "zelvar/data/gdal/Causes.h"
 #include "zelvar/data/gdal/StoreTalk.h"
 
 #include <cpl_conv.h>
@@ -62,7 +63,7 @@ public:
         GdalScope const scope(Reach::Network);
         StoreTalk const talk;
         if (m_listing == nullptr && !Open())
-            return End(talk.HasFailed() ? talk.Failure(m_folder) : Unlisted());
+            return End(talk.HasFailed() ? talk.Failure(m_folder) : ErrorOfSilence(m_folder));
         // A request brings a thousand keys, so that none is asked for twice and none too early.
         for (int taken = 0; taken < kOfPage; ++taken) {
             VSIDIREntry const *const found = VSIGetNextDirEntry(m_listing.get());
@@ -89,9 +90,6 @@ private:
         DError error;
         error.Set(text, cause);
         return error;
-    }
-    [[nodiscard]] DError Unlisted() const {
-        return Because("\"" + m_folder + "\": its server does not answer", DError::Cause::NoAnswer);
     }
     DError End(DError error) {
         m_isAtEnd = true;

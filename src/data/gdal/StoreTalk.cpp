@@ -5,6 +5,7 @@
 
 #include <cpl_conv.h>
 #include <cpl_error.h>
+#include <cpl_vsi_error.h>
 
 #include <array>
 #include <cstdlib>
@@ -64,6 +65,7 @@ StoreTalk::StoreTalk() {
     if (char const *const former = CPLGetThreadLocalConfigOption("CPL_DEBUG", nullptr))
         m_former = former;
     CPLSetThreadLocalConfigOption("CPL_DEBUG", "ON");
+    VSIErrorReset();
     CPLPushErrorHandlerEx([](CPLErr level, CPLErrorNum number, char const *text) { OnSaid(level, number, text); },
                           this);
 }
@@ -84,6 +86,10 @@ void StoreTalk::OnSaid(int level, int, char const *text) {
 }
 
 void StoreTalk::Note(std::string_view answer) {
+    // What came in place of a listing follows the name of the store's kind: a page of a server between, or nothing.
+    std::size_t const body = answer.find(": ");
+    if (body != std::string_view::npos && (answer.substr(body + 2) == "(null)" || answer.substr(body + 2, 1) == "<"))
+        m_isUnanswered = true;
     if (!m_code.empty())
         return;
     m_code = ValueOf(answer, "Code");
@@ -93,9 +99,23 @@ void StoreTalk::Note(std::string_view answer) {
         m_clockOff = *asked - *told;
 }
 
+bool StoreTalk::LacksKey() const {
+    // Machines of clouds ask for theirs at this number; others have got no answer from it.
+    return m_code.empty() &&
+           (VSIGetLastErrorNo() == VSIE_AWSInvalidCredentials || m_error.find("169.254.169.254") != DString::npos);
+}
+
 DError StoreTalk::Failure(DString const &subject) const {
     if (!HasFailed())
         return {};
+    if (LacksKey()) {
+        DError told;
+        told.Set("\"" + subject + "\": there is no key for it; name one, or say that requests are not signed",
+                 DError::Cause::NotPermitted);
+        return told;
+    }
+    if (m_code.empty() && m_error.empty())
+        return ErrorOfSilence(subject);
     DError const failure = ErrorOfStore(subject, m_code, m_error);
     for (CodeWords const &known : kWords) {
         if (known.code != m_code)

@@ -24,6 +24,8 @@ using Cause = DError::Cause;
 using std::chrono::milliseconds;
 
 constexpr std::size_t kMostNames = 1000;
+/// Where machines of clouds find their own keys: libraries of stores that are given none ask there by the way.
+constexpr char const *kCloud = "169.254.169.254";
 
 DError Because(DString const &text, Cause cause) {
     DError error;
@@ -106,6 +108,7 @@ void ConnectionBroker::Begin() {
     std::lock_guard const lock(m_mutex);
     m_failure.Clear();
     m_failedHost.clear();
+    m_reached.reset();
     eventfd_t count = 0;
     if (m_isStopped.exchange(false) && !m_isEnding)
         eventfd_read(m_wake.Get(), &count);
@@ -120,6 +123,17 @@ void ConnectionBroker::Stop() {
 DError ConnectionBroker::Failure() const {
     std::lock_guard const lock(m_mutex);
     return m_failure;
+}
+
+std::optional<HostAndPort> ConnectionBroker::Elsewhere() const {
+    bool const isOfOne = m_terms->kind == ConnectionKind::MapService || m_terms->kind == ConnectionKind::WebFolder ||
+                         m_terms->kind == ConnectionKind::Address;
+    std::lock_guard const lock(m_mutex);
+    if (!isOfOne || !m_reached || m_terms->hosts.empty())
+        return std::nullopt;
+    HostAndPort const &own = m_terms->hosts.front();
+    bool const isOwn = EqualNoCase(m_reached->host, own.host) && (own.port == 0 || m_reached->port == own.port);
+    return isOwn ? std::nullopt : m_reached;
 }
 
 void ConnectionBroker::Run() {
@@ -195,7 +209,8 @@ FileDescriptor ConnectionBroker::Connect(Number const &number, std::uint16_t por
     HostAndPort const place{HostBehind(number, port), port};
     if (!MayReach(*m_terms, place.host, port) || port == 0) {
         error = EACCES;
-        Note(place, error);
+        if (m_terms->kind != ConnectionKind::ObjectStore || place.host != kCloud)
+            Note(place, error);
         return FileDescriptor(-1);
     }
     if (auto const proxy = m_proxies.Find(*m_terms, place.host, patience))
@@ -257,6 +272,10 @@ ConnectionBroker::Number ConnectionBroker::StandIn(DString const &host) {
 }
 
 void ConnectionBroker::Note(HostAndPort const &place, int error) {
+    if (error == 0) {
+        std::lock_guard const lock(m_mutex);
+        m_reached = place;
+    }
     NoteFailure(place.host, error == 0 ? DError() : ReasonOf(place, error, m_terms->connectTime));
 }
 

@@ -34,6 +34,8 @@ public:
     void Stop();
     /// Why the last connection that was asked for since then was not made; not set if it was.
     [[nodiscard]] DError Failure() const;
+    /// The host that was connected to last since then, if it is none of those that stand for the connection's server.
+    [[nodiscard]] std::optional<HostAndPort> Elsewhere() const;
 
 private:
     using Number = wire::HostNumber;
@@ -55,9 +57,10 @@ private:
     FileDescriptor m_wake; ///< readable while stopped or ending
     std::atomic<bool> m_isStopped{false};
     std::atomic<bool> m_isEnding{false};
-    mutable std::mutex m_mutex; ///< guards the two below, and together the flags and `m_wake`
+    mutable std::mutex m_mutex; ///< guards the three below, and together the flags and `m_wake`
     DError m_failure;
     DString m_failedHost;
+    std::optional<HostAndPort> m_reached;
     // Of the thread alone:
     std::map<Number, std::set<DString>> m_hosts; ///< names that have been resolved to a number
     std::map<DString, Number> m_standIns;

@@ -73,7 +73,12 @@ DError Because(char const *text, DError::Cause cause = DError::Cause::Unknown, s
 void TellOfConnection(ReaderProcess const &reader, wire::AnswerT &answer) {
     wire::ChildrenT const *const children = answer.body.AsChildren();
     bool const isFailure = answer.body.AsFailed() != nullptr || (children != nullptr && children->nodes.empty());
-    DError const reason = reader.Broker() == nullptr || !isFailure ? DError() : reader.Broker()->Failure();
+    DError reason = reader.Broker() == nullptr || !isFailure ? DError() : reader.Broker()->Failure();
+    wire::FailedT const *const told = answer.body.AsFailed();
+    // Libraries know of no other host than the one that they were sent to.
+    if (told != nullptr && told->cause == static_cast<std::uint32_t>(DError::Cause::Untrusted))
+        if (std::optional<HostAndPort> const place = reader.Broker() ? reader.Broker()->Elsewhere() : std::nullopt)
+            reason.Set(UntrustedElsewhereText(*place), DError::Cause::Untrusted);
     if (!reason.IsSet())
         return;
     wire::FailedT failed;
@@ -302,9 +307,9 @@ Readers::Outcome Readers::GiveUp(ReaderPool::Loan const &loan, Terms const &term
     milliseconds const grace = hasty ? kHastyGrace : kGrace;
     wire::StopT stop;
     stop.number = number;
-    Send(loan, wire::PackRequest(0, 0, stop), -1);
     if (loan->Broker() != nullptr)
-        loan->Broker()->Stop();
+        loan->Broker()->Stop(); // first: what loses its connection by the word must not make another
+    Send(loan, wire::PackRequest(0, 0, stop), -1);
     // Who waits for a processor cannot hear the word either; a user who has said it is not kept much longer for that.
     TimeHad time(*loan);
     Clock::time_point const last = Clock::now() + grace * kSlowestGrace;

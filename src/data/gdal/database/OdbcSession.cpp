@@ -201,6 +201,28 @@ bool OdbcSession::HasCatalogsAlone() const {
     return schemas == 0 && (catalogs & SQL_CU_DML_STATEMENTS) != 0;
 }
 
+bool OdbcSession::KnowsLimits() const {
+    std::array<char, 64> name{};
+    SQLSMALLINT size = 0;
+    bool const isTold =
+        IsGood(SQLGetInfo(m_connection, SQL_DBMS_NAME, name.data(), static_cast<SQLSMALLINT>(name.size()), &size));
+    return isTold && (EqualNoCase(name.data(), "MariaDB") || EqualNoCase(name.data(), "MySQL"));
+}
+
+DString OdbcSession::KeyOf(DString const &catalog, DString const &table) {
+    auto const asked = NewStatement();
+    if (asked == nullptr ||
+        !IsGood(SQLPrimaryKeys(asked->m_statement, Chars(catalog), static_cast<SQLSMALLINT>(catalog.size()), nullptr, 0,
+                               Chars(table), static_cast<SQLSMALLINT>(table.size()))))
+        return {};
+    constexpr int column = 3;
+    constexpr std::size_t longest = 1024;
+    if (asked->Step() != OdbcStatement::Next::Row)
+        return {};
+    DString key = asked->Text(column, longest);
+    return asked->Step() == OdbcStatement::Next::End ? key : DString();
+}
+
 DString OdbcSession::OwnCatalog() const {
     std::array<char, 256> name{};
     SQLINTEGER size = 0;

@@ -30,6 +30,10 @@ public:
     [[nodiscard]] DString Quoted(DString const &name) const;
     /// Whether tables are named with their catalog where others have a schema.
     [[nodiscard]] bool HasCatalogsAlone() const;
+    /// Whether some of a table's rows can be asked for by "limit", as MySQL and MariaDB have it.
+    [[nodiscard]] bool KnowsLimits() const;
+    /// The column that is the primary key of a table by itself; empty where there is none.
+    [[nodiscard]] DString KeyOf(DString const &catalog, DString const &table);
 
 private:
     friend class OdbcStatement;
