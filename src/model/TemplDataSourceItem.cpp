@@ -310,7 +310,9 @@ bool TemplDataSourceItem::CreateRepository() {
         else
             m_rep->m_repository =
                 BDIDrvrMngr::Instance()->OpenFile(m_rep->m_url.c_str(), &m_rep->m_drvr, &node, nullptr, &failure);
-        if (m_rep->m_repository == nullptr && m_rep->m_drvr == nullptr && !m_rep->m_drvrId.empty())
+        // Some names are kinds of places that several drivers serve: then the place says what is wrong.
+        bool const isUnread = failure.Why() == DError::Cause::Unknown || failure.Why() == DError::Cause::NotSupported;
+        if (m_rep->m_repository == nullptr && m_rep->m_drvr == nullptr && !m_rep->m_drvrId.empty() && isUnread)
             failure.Set("there is no driver \"" + m_rep->m_drvrId + "\"; " + failure.Text(), failure.Why(),
                         failure.Detail());
         if (RequestScope const *const scope = RequestScope::Current(); scope != nullptr && scope->IsStopped())

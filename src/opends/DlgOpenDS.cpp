@@ -31,6 +31,7 @@
 #include "zelvar/opends/core/DialogState.h"
 #include "zelvar/opends/search/SearchForm.h"
 #include "zelvar/platform/ui/ControlId.h"
+#include "zelvar/platform/ui/EllipsisLabel.h"
 #include "zelvar/platform/ui/EscapeWatch.h"
 #include "zelvar/platform/ui/Pictures.h"
 #include "zelvar/platform/ui/Text.h"
@@ -353,6 +354,7 @@ void DlgOpenDS::CreateSearch() {
                             .forget =
                                 [this] {
                                     m_propertyWnd->Clear();
+                                    platform::GetDlgItem<platform::EllipsisLabel>(*this, kStatusId)->SetText({});
                                     if (m_forecast != nullptr)
                                         m_forecast->Select({});
                                 }});

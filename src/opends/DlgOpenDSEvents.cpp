@@ -153,6 +153,8 @@ void DlgOpenDS::OnAddToFavorites() {
 
 void DlgOpenDS::OnHome() {
     m_dataSourceWnd->SwitchToDataSourceView();
+    if (m_features != kOpenPlain && m_homeButton->hasFocus())
+        m_dataSourceList->setFocus(Qt::TabFocusReason);
     ResetPathButtons();
 }
 
