@@ -28,6 +28,7 @@
 #include "zelvar/opends/OpenForecast.h"
 #include "zelvar/opends/OpenLine.h"
 #include "zelvar/opends/OpenSearch.h"
+#include "zelvar/opends/PlaceNotice.h"
 #include "zelvar/opends/PlaceOpener.h"
 #include "zelvar/opends/PlaceTravel.h"
 #include "zelvar/opends/PreviewBar.h"
@@ -629,6 +630,16 @@ bool DlgOpenDS::ProcessTabKey(QWidget *focus) {
         QWidget *from;
         QWidget *to;
     };
+    // Over a list without rows its buttons stand in for it.
+    PlaceNotice const *const notice = m_waits->Notice();
+    QWidget *items = m_mainList;
+    if (QPushButton *const next = notice == nullptr ? nullptr : notice->NextButton(focus)) {
+        if (IsWithin(m_mainList, focus)) {
+            next->setFocus(Qt::TabFocusReason);
+            return true;
+        }
+        items = m_mainList->GetNumRow() == 0 ? next : items;
+    }
     QWidget *const hierarchy = m_hierarchyList->GetPane(0);
     QWidget *const sources =
         m_dataSourceWnd->IsDataSourceView() ? static_cast<QWidget *>(m_dataSourceList) : m_folderList;
@@ -638,7 +649,7 @@ bool DlgOpenDS::ProcessTabKey(QWidget *focus) {
     Step const steps[] = {
         {m_dataSourceList, hierarchy},
         {m_folderList, hierarchy},
-        {m_hierarchyList, m_mainList},
+        {m_hierarchyList, items},
         {m_mainList, belowPanes},
         {line, m_histCombo},
         {m_histCombo, m_fileFilterEdit},

@@ -78,6 +78,12 @@ void PlaceNotice::Offer(DString const &text) {
     }
 }
 
+QPushButton *PlaceNotice::NextButton(QWidget const *focus) const {
+    if (!isVisible() || focus == m_button)
+        return nullptr;
+    return m_offer->isHidden() || focus == m_offer ? m_button : m_offer;
+}
+
 void PlaceNotice::Place() {
     QRect place = m_list.viewport()->geometry();
     place.setTop(place.top() + m_top);

@@ -234,7 +234,13 @@ TEST_F(ServerPlaces, APasswordThatNobodyKeepsIsAskedForWhereTheRowsWouldStand) {
                 QTest::keyClicks(edit, password);
                 QTest::keyClick(edit, Qt::Key_Return);
             });
-            Click(offer);
+            dialog->SourceList()->setFocus();
+            for (QWidget const *const next :
+                 std::initializer_list<QWidget const *>{dialog->Hierarchy()->GetPane(0), offer}) {
+                Press(Qt::Key_Tab);
+                EXPECT_EQ(dialog->focusWidget(), next);
+            }
+            QTest::keyClick(offer, Qt::Key_Space);
             EXPECT_TRUE(*asked);
             bool const isTried = *password != 0; // until then nothing is offered
             EXPECT_TRUE(Eventually([&] { return !isTried || !offer->isVisible(); })) << password;
