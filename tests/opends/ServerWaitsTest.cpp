@@ -247,6 +247,7 @@ TEST_F(ServerPlaces, APasswordThatNobodyKeepsIsAskedForWhereTheRowsWouldStand) {
         }
         EXPECT_TRUE(Eventually([&] { return RowOf(*dialog->MainList(), "a.tif") >= 0; }));
         EXPECT_FALSE(offer->isVisible());
+        EXPECT_TRUE(Eventually([&] { return dialog->focusWidget() == dialog->MainList(); }));
     });
     SetConnectionFinder({});
     EXPECT_THAT(ReadFile(definitions / "Lab.xml"), testing::Not(HasSubstr("MARKER")));
