@@ -11,8 +11,11 @@ namespace zelvar {
 
 namespace {
 
+constexpr int kColumns = 48; // of letters, that the window is wide: names and its title have room
+
 /// False if the user cancels or the owner is gone.
 bool Ask(QInputDialog &question, QPointer<QWidget> const &owner) {
+    question.setMinimumWidth(question.fontMetrics().averageCharWidth() * kColumns);
     question.setOkButtonText(platform::Shown("OK"));
     question.setCancelButtonText(platform::Shown("Cancel"));
     return platform::RunModal(question) == QDialog::Accepted && !owner.isNull();

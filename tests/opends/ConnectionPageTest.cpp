@@ -200,6 +200,7 @@ TEST_F(ConnectionPages, MakeTestAndShowAConnectionByTheKeyboardAlone) {
         Pick(list, "Disconnect");
         EXPECT_LT(CountReaders().alive, readers);
         EXPECT_FALSE(list.IsConnectionOpen(name));
+        EXPECT_EQ(list.ItemAt(list.GetFocusRow())->GetName(), name) << "the keyboard stays at it";
         EXPECT_TRUE(Eventually([&] { return dialog->MainList()->GetNumRow() == 0; })) << "nothing of it is shown";
     });
     EXPECT_THAT(told.Take(), IsEmpty());
