@@ -37,6 +37,7 @@ constexpr char const *kNotYet =
 constexpr char const *kAcceptedOne = Mark("The server's certificate is the one that was accepted.");
 constexpr char const *kAccepted = Mark("The server takes the login.");
 constexpr char const *kAcceptedUser = Mark("The server takes the login of %s.");
+constexpr char const *kNoPasswordYet = Mark("The server wants a password, and none is known yet.");
 constexpr char const *kWrongLogin = Mark("The server does not know user %s or the password.");
 constexpr char const *kWantsLogin = Mark("The server wants a login: name a user and where the password is kept.");
 constexpr char const *kProxy = Mark("The proxy on the way wants a login of its own.");
@@ -186,6 +187,15 @@ DString Counted(ListedConnection const &listed) {
 }
 
 } // namespace
+
+DString LoginFailureInWords(Connection const &connection, DError const &error) {
+    StoreCode const *const code = connection.kind == ConnectionKind::ObjectStore ? CodeIn(error.Text()) : nullptr;
+    if (code != nullptr)
+        return code->isLogin ? FilledWords(code->words, code->code) : DString();
+    if (error.Why() == DError::Cause::NeedsPassword)
+        return Translated(kNoPasswordYet);
+    return IsAboutLogin(connection, error) ? LoginWords(connection, error) : DString();
+}
 
 std::vector<TrialResult> ListingInSteps(Connection const &connection, ListedConnection const &listed) {
     std::vector<TrialResult> results;

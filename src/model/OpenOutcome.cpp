@@ -32,7 +32,7 @@ constexpr CauseWords kCauses[] = {
     {DError::Cause::NotSupported, Mark("its format is not supported"), Mark("convert it, or choose another file")},
     {DError::Cause::Damaged, Mark("it is damaged"), Mark("copy it again from where it comes from")},
     {DError::Cause::NeedsPassword, Mark("it needs a password"),
-     Mark("give the password among its options, or unpack it first")},
+     Mark("give the password among its options or in its connection, or unpack it first")},
     {DError::Cause::Refused, Mark("it must not be opened"), Mark("copy what it refers to to this computer")},
     {DError::Cause::Server, Mark("its server refuses it"),
      Mark("check its address and your rights there, or try again later")},

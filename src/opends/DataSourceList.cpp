@@ -202,7 +202,8 @@ void DataSourceList::OfferConnections() { m_connections = std::make_unique<Conne
 void DataSourceList::ListConnectionsAgain(std::set<DString> const &changed, DString const &select) {
     m_keepsSelection = true;
     std::map<DString, RefItemPtr<DataSourceItem>> former;
-    RefItemPtr<DataSourceItem> const selected = ItemAt(GetNextItem(-1, LVNI_SELECTED));
+    int const rowBefore = GetNextItem(-1, LVNI_SELECTED);
+    RefItemPtr<DataSourceItem> const selected = ItemAt(rowBefore);
     // From the last on, so that the numbers of the rows before stay valid.
     for (int row = GetItemCount() - 1; row >= 0; --row) {
         if (GetItemGroup(row) != kGroupDataSources)
@@ -214,12 +215,15 @@ void DataSourceList::ListConnectionsAgain(std::set<DString> const &changed, DStr
     auto const first = static_cast<std::ptrdiff_t>(m_rows.size());
     CreateDataSourcesFromTemplates();
     int toSelect = -1;
+    int toFocus = rowBefore; // of the connection that is closed, or the one behind it that is gone
     for (auto row = m_rows.begin() + first; row != m_rows.end(); ++row) {
         DString const name = (*row)->GetName();
         if (auto const at = former.find(name); at != former.end() && !changed.contains(name))
             *row = at->second;
         if (select.empty() ? *row == selected : name == select)
             toSelect = static_cast<int>(row - m_rows.begin());
+        if (selected != nullptr && name == selected->GetName())
+            toFocus = static_cast<int>(row - m_rows.begin());
     }
     UpdateListRows(kGroupDataSources);
     bool const isSame = ItemAt(toSelect) == selected;
@@ -230,6 +234,8 @@ void DataSourceList::ListConnectionsAgain(std::set<DString> const &changed, DStr
         SetItemState(toSelect, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
     else if (toSelect < 0 && SelectedRows().empty())
         Tell(WM_DS_DATA_SOURCE_SELECTED); // what was shown is no more
+    if (toSelect < 0 && toFocus >= first)
+        SetItemState(std::min(toFocus, GetItemCount() - 1), LVIS_FOCUSED, LVIS_FOCUSED);
     if (toSelect >= 0)
         EnsureVisible(toSelect);
 }

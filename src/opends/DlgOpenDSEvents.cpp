@@ -138,6 +138,8 @@ void DlgOpenDS::OnAddToFavorites() {
 
 void DlgOpenDS::OnHome() {
     m_panes->SourceWnd()->SwitchToDataSourceView();
+    if (m_features != kOpenPlain && platform::GetDlgItem(*this, kHomeId)->hasFocus())
+        m_panes->Sources()->setFocus(Qt::TabFocusReason);
     ResetPathButtons();
 }
 

@@ -3,6 +3,7 @@
 #include "zelvar/data/options/OptionValues.h"
 #include "zelvar/opends/WrapLayout.h"
 #include "zelvar/platform/ui/Text.h"
+#include "zelvar/platform/ui/WheelPast.h"
 
 #include <QtCore/QRegularExpression>
 #include <QtWidgets/QButtonGroup>
@@ -249,6 +250,7 @@ QWidget *FormPage::MakeControl(FormNode const &node) {
 
 QWidget *FormPage::MakeSelect(FormNode const &node) {
     auto *box = new QComboBox;
+    platform::LetWheelPast(*box);
     box->setMinimumWidth(box->fontMetrics().averageCharWidth() * (kLeastColumns + 2));
     for (FormChoice const &choice : node.choices) {
         box->addItem(platform::ToQString(choice.text), platform::ToQString(choice.value));

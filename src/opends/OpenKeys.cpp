@@ -18,6 +18,7 @@
 #include "zelvar/opends/OpenPanes.h"
 #include "zelvar/opends/OpenParts.h"
 #include "zelvar/opends/OpenSearch.h"
+#include "zelvar/opends/PlaceNotice.h"
 #include "zelvar/opends/PlaceOpener.h"
 #include "zelvar/opends/PreviewBar.h"
 #include "zelvar/opends/SelectionOptions.h"
@@ -160,6 +161,16 @@ bool OpenKeys::ProcessTabKey(QWidget &focus) const {
         QWidget *from;
         QWidget *to;
     };
+    // Over a list without rows its buttons stand in for it.
+    PlaceNotice const *const notice = m_dialog.Waits()->Notice();
+    QWidget *items = m_panes.Items();
+    if (QPushButton *const next = notice == nullptr ? nullptr : notice->NextButton(&focus)) {
+        if (IsWithin(items, focus)) {
+            next->setFocus(Qt::TabFocusReason);
+            return true;
+        }
+        items = m_panes.Items()->GetNumRow() == 0 ? next : items;
+    }
     QWidget *const hierarchy = m_panes.Hierarchy()->GetPane(0);
     QWidget *const sources =
         m_panes.SourceWnd()->IsDataSourceView() ? static_cast<QWidget *>(m_panes.Sources()) : m_panes.Folders();
@@ -169,7 +180,7 @@ bool OpenKeys::ProcessTabKey(QWidget &focus) const {
     Step const steps[] = {
         {m_panes.Sources(), hierarchy},
         {m_panes.Folders(), hierarchy},
-        {m_panes.Hierarchy(), m_panes.Items()},
+        {m_panes.Hierarchy(), items},
         {m_panes.Items(), belowPanes},
         {line, m_fields.Places()},
         {m_fields.Places(), m_fields.MaskEdit()},

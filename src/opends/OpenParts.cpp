@@ -25,6 +25,7 @@
 #include "zelvar/opends/SelectionOptions.h"
 #include "zelvar/opends/ThumbnailLook.h"
 #include "zelvar/platform/ui/ControlId.h"
+#include "zelvar/platform/ui/EllipsisLabel.h"
 #include "zelvar/platform/ui/Text.h"
 
 #include <QtGui/QClipboard>
@@ -164,6 +165,7 @@ void OpenParts::AddSearch() {
                             .forget =
                                 [this] {
                                     m_setup.panes.Properties()->Clear();
+                                    GetDlgItem<platform::EllipsisLabel>(m_setup.dialog, kStatusId)->SetText({});
                                     if (m_forecast != nullptr)
                                         m_forecast->Select({});
                                 }});

@@ -184,7 +184,10 @@ void OpenSearch::Begin() {
 bool OpenSearch::Again() {
     if (!m_items.IsShowingResults())
         return false;
-    Run();
+    if (IsShown())
+        Begin(); // by what the fields say now
+    else
+        Run();
     return true;
 }
 

@@ -52,6 +52,9 @@ PlaceNotice::PlaceNotice(QAbstractScrollArea &list)
 
 void PlaceNotice::Show(DString const &words, DString const &button, int top) {
     if (words.empty()) {
+        // What goes with the focus would leave it to any button of the window.
+        if (isVisible() && isAncestorOf(window()->focusWidget()))
+            m_list.setFocus();
         hide();
         return;
     }
@@ -73,9 +76,17 @@ void PlaceNotice::Offer(DString const &text) {
     QString const shown = platform::ToQString(text);
     if (m_offer->isHidden() != shown.isEmpty() || m_offer->text() != shown) {
         m_offer->setText(shown);
+        if (shown.isEmpty() && window()->focusWidget() == m_offer)
+            m_button->setFocus();
         m_offer->setVisible(!shown.isEmpty());
         layout()->activate();
     }
+}
+
+QPushButton *PlaceNotice::NextButton(QWidget const *focus) const {
+    if (!isVisible() || focus == m_button)
+        return nullptr;
+    return m_offer->isHidden() || focus == m_offer ? m_button : m_offer;
 }
 
 void PlaceNotice::Place() {

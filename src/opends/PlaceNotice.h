@@ -27,6 +27,8 @@ public:
     /// Shows a second button beside it, for what would remove the cause; none with an empty text.
     void Offer(DString const &text);
     void SetOfferHandler(std::function<void()> handler) { m_onOffer = std::move(handler); }
+    /// The button that the focus goes on to from there, the list or a button; null where it leaves.
+    [[nodiscard]] QPushButton *NextButton(QWidget const *focus) const;
     [[nodiscard]] QLabel *Label() const { return m_label; }
     [[nodiscard]] QPushButton *Button() const { return m_button; }
     [[nodiscard]] QPushButton *OfferButton() const { return m_offer; }

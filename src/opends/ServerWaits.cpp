@@ -5,13 +5,18 @@
 #include "zelvar/base/TypedSecrets.h"
 #include "zelvar/connections/ConnectionBook.h"
 #include "zelvar/connections/ConnectionFiles.h"
+#include "zelvar/connections/ListingWords.h"
+#include "zelvar/connections/SecretStore.h"
 #include "zelvar/model/OpenOutcome.h"
 #include "zelvar/opends/DSListCtrl.h"
 #include "zelvar/opends/DataSourceList.h"
 #include "zelvar/opends/HierarchyList.h"
 #include "zelvar/opends/PlaceNotice.h"
 #include "zelvar/opends/PlaceOpener.h"
+#include "zelvar/opends/TextQuestion.h"
 #include "zelvar/opends/connections/Errand.h"
+
+#include <QtCore/QPointer>
 
 #include <utility>
 
@@ -41,10 +46,10 @@ TemplDataSourceItem const *OnServer(RefItemPtr<DataSourceItem> const &item) {
 } // namespace
 
 platform::MessageId const ServerWaits::kFoundMessage = platform::RegisterMessage();
-platform::MessageId const ServerWaits::kAllowedMessage = platform::RegisterMessage();
+platform::MessageId const ServerWaits::kChangedMessage = platform::RegisterMessage();
 
-/// The change of a definition, on a thread of its own.
-struct ServerWaits::Allowing {
+/// The change of a definition or of a password, on a thread of its own.
+struct ServerWaits::Changing {
     std::shared_ptr<Errand> errand;
     std::shared_ptr<Handover<ConnectionChange>> result = std::make_shared<Handover<ConnectionChange>>();
 };
@@ -52,20 +57,20 @@ struct ServerWaits::Allowing {
 ServerWaits::ServerWaits(Panes const &panes, Actions actions, bool hasNotice)
     : m_panes(panes), m_actions(std::move(actions)), m_target(this), m_opener(PlaceOpener::Create()) {
     m_messages.On(kFoundMessage, this, &ServerWaits::OnFound);
-    m_messages.On(kAllowedMessage, this, &ServerWaits::OnAllowed);
+    m_messages.On(kChangedMessage, this, &ServerWaits::OnChanged);
     m_opener->SetOwner(m_target, kFoundMessage);
     if (!hasNotice)
         return;
     m_notice = new PlaceNotice(m_panes.items);
     m_notice->SetHandler([this] { std::ignore = IsWaiting() ? Stop() : Retry(); });
-    m_notice->SetOfferHandler([this] { Allow(); });
+    m_notice->SetOfferHandler([this] { TakeOffer(); });
 }
 
 ServerWaits::~ServerWaits() {
     m_target.Detach();
     m_opener->Release();
-    if (m_allowing != nullptr)
-        m_allowing->errand->Release(); // what it has begun it ends
+    if (m_changing != nullptr)
+        m_changing->errand->Release(); // what it has begun it ends
 }
 
 bool ServerWaits::event(QEvent *event) { return m_messages.Dispatch(*event) || QObject::event(event); }
@@ -213,9 +218,7 @@ ServerWaits::State ServerWaits::Failed() const {
 // --------------------------------------------------------------------------------------- what the user can allow
 
 ServerWaits::Offer ServerWaits::OfferFor(State const &state) {
-    std::optional<HostAndPort> host =
-        state.failure.Why() == DError::Cause::Refused ? HostSentOnTo(state.failure.Text()) : std::nullopt;
-    if (!host)
+    if (!state.failure.IsSet())
         return {};
     // A connection is named by "source:NAME", too.
     constexpr std::string_view kByName = "source:";
@@ -223,26 +226,51 @@ ServerWaits::Offer ServerWaits::OfferFor(State const &state) {
     ConnectionBook::Entry const *const entry = state.place.starts_with(kByName)
                                                    ? book->Find(state.place.substr(kByName.size()))
                                                    : book->FindByAddress(state.place);
-    return entry == nullptr ? Offer() : Offer{.connection = entry->connection.name, .host = *std::move(host)};
+    if (entry == nullptr)
+        return {};
+    Connection const &connection = entry->connection;
+    if (state.failure.Why() == DError::Cause::Refused) {
+        std::optional<HostAndPort> host = HostSentOnTo(state.failure.Text());
+        return host ? Offer{.connection = connection.name, .host = *std::move(host)} : Offer();
+    }
+    bool const isTyped = connection.secret == SecretPlace::Ask || connection.secret == SecretPlace::Keyring;
+    DString login = isTyped ? LoginFailureInWords(connection, state.failure) : DString();
+    return login.empty() ? Offer() : Offer{.connection = connection.name, .login = std::move(login)};
 }
 
-void ServerWaits::Allow() {
-    if (m_offer.connection.empty() || m_allowing != nullptr)
+void ServerWaits::TakeOffer() {
+    Offer const offer = m_offer;
+    if (offer.connection.empty() || m_changing != nullptr)
         return;
-    auto allowing = std::make_unique<Allowing>();
-    allowing->errand = Errand::Start([offer = m_offer, result = allowing->result](
-                                         StopSignal const &) { result->Put(AllowHost(offer.connection, offer.host)); },
-                                     m_target, kAllowedMessage);
-    if (allowing->errand == nullptr)
+    if (offer.login.empty())
+        return Change([offer](StopSignal const &) { return AllowHost(offer.connection, offer.host); });
+    QPointer<ServerWaits> const self(this);
+    std::optional<Secret> const typed =
+        AskForPassword(m_panes.items.window(), Format(Translated("Password of %s:"), offer.connection.c_str()));
+    ConnectionBook::Entry const *const entry = ConnectionBook::Now()->Find(offer.connection);
+    if (!typed || typed->IsEmpty() || self.isNull() || entry == nullptr)
+        return;
+    Change([connection = entry->connection, typed = *typed](StopSignal const &stop) {
+        std::ignore = SecretStore::Instance().Keep(connection, typed, &stop); // in memory at least
+        return ConnectionChange{.isDone = true};
+    });
+}
+
+void ServerWaits::Change(std::function<ConnectionChange(StopSignal const &)> change) {
+    auto changing = std::make_unique<Changing>();
+    changing->errand = Errand::Start(
+        [change = std::move(change), result = changing->result](StopSignal const &stop) { result->Put(change(stop)); },
+        m_target, kChangedMessage);
+    if (changing->errand == nullptr)
         return Report::UserNotification("There is no thread for it now. Try again.");
-    m_allowing = std::move(allowing);
+    m_changing = std::move(changing);
     Update();
 }
 
-void ServerWaits::OnAllowed() {
-    if (m_allowing == nullptr || m_allowing->errand->IsAtWork())
+void ServerWaits::OnChanged() {
+    if (m_changing == nullptr || m_changing->errand->IsAtWork())
         return;
-    std::unique_ptr<Allowing> const done = std::move(m_allowing);
+    std::unique_ptr<Changing> const done = std::move(m_changing);
     done->errand->Release();
     for (ConnectionChange const &change : done->result->TakeAll())
         if (!change.isDone)
@@ -279,8 +307,13 @@ void ServerWaits::Update() {
     }
     // Whoever cannot make connections cannot change them here either.
     m_offer = m_panes.sources.Connections() == nullptr || isWaiting ? Offer() : OfferFor(state);
-    bool const isOffered = !m_offer.connection.empty() && m_allowing == nullptr;
-    m_notice->Offer(isOffered ? Format(Translated("Allow %s"), TextOf(m_offer.host).c_str()) : DString());
+    bool const isOffered = !m_offer.connection.empty() && m_changing == nullptr;
+    if (!m_offer.login.empty())
+        state.words = Format(Translated("%s cannot be opened: %s"), m_offer.connection.c_str(), m_offer.login.c_str()) +
+                      "\n\n" + state.failure.Text();
+    m_notice->Offer(!isOffered              ? DString()
+                    : m_offer.login.empty() ? Format(Translated("Allow %s"), TextOf(m_offer.host).c_str())
+                                            : DString(Translated("Password...")));
     m_notice->Show(Redacted(state.words), button, top);
 }
 

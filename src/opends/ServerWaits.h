@@ -2,7 +2,9 @@
 
 #include "zelvar/base/Export.h"
 #include "zelvar/base/Report.h"
+#include "zelvar/connections/ConnectionFiles.h"
 #include "zelvar/data/Connection.h"
+#include "zelvar/data/StopSignal.h"
 #include "zelvar/model/DataSourceItem.h"
 #include "zelvar/platform/ui/MessageTarget.h"
 #include "zelvar/platform/ui/WindowMessage.h"
@@ -63,21 +65,23 @@ protected:
 
 private:
     static const platform::MessageId kFoundMessage;
-    static const platform::MessageId kAllowedMessage;
+    static const platform::MessageId kChangedMessage;
     struct State {
         DString words{};
         bool isWaiting = false;
         DError failure{}; ///< of a server
         DString place{};  ///< whose it is: an address
     };
-    /// A host that a connection of the user would have to reach as well.
+    /// What a connection of the user lacks: a host that it would have to reach as well, or a password.
     struct Offer {
         DString connection{}; ///< its name; empty for no offer
         HostAndPort host{};
+        DString login{}; ///< what is wrong with the login, if it is the password
     };
     [[nodiscard]] static Offer OfferFor(State const &state);
-    void Allow();
-    void OnAllowed();
+    void TakeOffer();
+    void Change(std::function<ConnectionChange(StopSignal const &)> change);
+    void OnChanged();
     void OnFound();
     void ShowBusy(bool isBusy);
     [[nodiscard]] State Waiting() const;
@@ -94,8 +98,8 @@ private:
     DString m_place;                    ///< that was looked for last; empty once it is there
     DError m_failure;                   ///< why that is not
     Offer m_offer;                      ///< as the notice shows it
-    struct Allowing;
-    std::unique_ptr<Allowing> m_allowing; ///< a definition that is being changed; null for none
+    struct Changing;
+    std::unique_ptr<Changing> m_changing; ///< a connection that is being changed; null for none
     bool m_reports = false;
     bool m_isStopped = false; ///< by the user, while the list had these roots
     std::list<RefItemPtr<DataSourceItem>> m_stoppedRoots;

@@ -5,8 +5,23 @@
 
 #include <QtCore/QPointer>
 #include <QtWidgets/QInputDialog>
+#include <QtWidgets/QLineEdit>
 
 namespace zelvar {
+
+namespace {
+
+constexpr int kColumns = 48; // of letters, that the window is wide: names and its title have room
+
+/// False if the user cancels or the owner is gone.
+bool Ask(QInputDialog &question, QPointer<QWidget> const &owner) {
+    question.setMinimumWidth(question.fontMetrics().averageCharWidth() * kColumns);
+    question.setOkButtonText(platform::Shown("OK"));
+    question.setCancelButtonText(platform::Shown("Cancel"));
+    return platform::RunModal(question) == QDialog::Accepted && !owner.isNull();
+}
+
+} // namespace
 
 std::optional<DString> AskForText(QWidget *parent, char const *title, char const *label, DString const &text,
                                   std::vector<DString> const &choices) {
@@ -22,11 +37,20 @@ std::optional<DString> AskForText(QWidget *parent, char const *title, char const
         question.setComboBoxEditable(true);
     }
     question.setTextValue(platform::ToQString(text));
-    question.setOkButtonText(platform::Shown("OK"));
-    question.setCancelButtonText(platform::Shown("Cancel"));
-    if (platform::RunModal(question) != QDialog::Accepted || owner.isNull())
+    if (!Ask(question, owner))
         return std::nullopt;
     return DString(Trimmed(platform::ToDString(question.textValue())));
+}
+
+std::optional<Secret> AskForPassword(QWidget *parent, DString const &label) {
+    QInputDialog question(parent);
+    question.setWindowTitle(platform::Shown("Password"));
+    question.setLabelText(platform::ToQString(label));
+    question.setTextEchoMode(QLineEdit::Password);
+    if (!Ask(question, parent))
+        return std::nullopt;
+    DString typed = platform::ToDString(question.textValue());
+    return Secret::TakenFrom(typed);
 }
 
 } // namespace zelvar

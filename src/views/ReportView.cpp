@@ -238,6 +238,8 @@ void ReportView::SelectOnly(int row) { m_selection.SelectOnly(row); }
 
 void ReportView::RowStateChanged(int row, unsigned oldState, unsigned newState) {
     RedrawItems(row, row);
+    if (std::exchange(m_isFramed, false))
+        viewport()->update();
     ReportAccessible::StateChanged(*this, row, row, oldState, newState);
     if (!OnItemChanged(row, oldState, newState))
         Q_EMIT ItemChanged(row, oldState, newState);

@@ -182,6 +182,7 @@ private:
     [[nodiscard]] Rect TilePartRect(int row, int col, int part) const;
     [[nodiscard]] int RowOfTile(int first, int x) const; ///< at that pixel of the line that begins there; -1 for none
     void UpdateVerticalBar();
+    void ShowOnTop(int row);                       ///< as far as what is behind it goes
     [[nodiscard]] std::int64_t ContentTop() const; ///< content pixels above the viewport
     [[nodiscard]] RowScroll Scroll() const;
     [[nodiscard]] RowNavigation Navigation();
@@ -194,6 +195,7 @@ private:
     RowSelection m_selection{*this};
     mutable RowGeometry m_geometry;
     mutable bool m_layoutDue = false;
+    bool m_isFramed = false;                      ///< no row shows where the keyboard is
     HIMAGELIST m_images = nullptr;                ///< not owned
     mutable std::optional<TextMeasure> m_measure; ///< of the present font
     std::unique_ptr<ReportInput> m_input;

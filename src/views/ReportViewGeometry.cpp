@@ -102,12 +102,20 @@ void ReportView::ShowTiles(Size tile) {
         return;
     int const focus = GetFocusRow();
     bool const isFocusSeen = HasRow(focus) && !GetItemRect(focus).Intersected(GetClientRect()).IsEmpty();
-    int const kept = isFocusSeen ? focus : GetTopIndex();
+    int const top = GetTopIndex();
     m_tile = tile.cx > 0 && tile.cy > 0 ? tile : Size{};
     RowsChanged();
     UpdateVerticalBar();
     UpdateHorizontalBar();
-    EnsureVisible(kept);
+    ShowOnTop(top);
+    if (isFocusSeen)
+        EnsureVisible(focus);
+}
+
+void ReportView::ShowOnTop(int row) {
+    if (HasRow(row))
+        verticalScrollBar()->setValue(
+            Scroll().ValueToShow(Geometry().PositionOfRow(row), verticalScrollBar()->maximum()));
 }
 
 int ReportView::TilesPerLine() const { return std::max(viewport()->width() / std::max(m_tile.cx, 1), 1); }
@@ -231,7 +239,7 @@ void ReportView::resizeEvent(QResizeEvent *event) {
         RowsChanged();
     UpdateVerticalBar();
     if (isNewLine)
-        verticalScrollBar()->setValue(Scroll().ValueToShow(kept, verticalScrollBar()->maximum()));
+        ShowOnTop(kept);
 }
 
 void ReportView::changeEvent(QEvent *event) {
@@ -280,6 +288,12 @@ void ReportView::paintEvent(QPaintEvent *event) {
         painter.save();
         DrawItem(item);
         painter.restore();
+    }
+    // Who comes by Tab sees where, also in a list without a current row or without rows.
+    m_isFramed = hasFocus() && !HasRow(GetFocusRow()) && window()->testAttribute(Qt::WA_KeyboardFocusChange);
+    if (m_isFramed) {
+        painter.setPen(palette().color(QPalette::Highlight));
+        painter.drawRect(viewport()->rect().adjusted(0, 0, -1, -1));
     }
 }
 

@@ -78,6 +78,7 @@ TEST_F(Causes, AreWhatTheFileAndItsLibrarySay) {
         {m_folder / "none/a.tif", Missing},
         {m_folder.Write("empty.tif", ""), Damaged},
         {m_folder.Write("text.tif", "a text of some length\n"), NotSupported},
+        {m_folder.Write("points.csv", "x,y,z\n1,2,3\n4,7,6\n5,1,2\n"), NotSupported},
         {m_folder / "fifo.tif", NotSupported},
         {m_folder / "layers.gpkg", NotSupported},
         {m_folder / "layers.gpkg?LAYER=layer 1", NotSupported},

@@ -96,7 +96,9 @@ TEST(OpenOutcome, SaysOfOneItemWhatItIsOrWhyNotAndWhatToDo) {
         {"damaged at a byte", Unopened(Cause::Damaged, 0), kImage,
          "cannot be opened: it is damaged at byte 0; copy it again from where it comes from", false},
         {"password", Unopened(Cause::NeedsPassword), kImage,
-         "cannot be opened: it needs a password; give the password among its options, or unpack it first", false},
+         "cannot be opened: it needs a password; give the password among its options or in its connection, or unpack "
+         "it first",
+         false},
         {"refused", Unopened(Cause::Refused), kImage,
          "cannot be opened: it must not be opened (what the reader said); copy what it refers to to this computer",
          false},

@@ -215,6 +215,44 @@ TEST_F(ServerPlaces, AHostThatAServerSendsOnToIsAllowedWhereTheRowsWouldStand) {
     EXPECT_THAT(ReadFile(definitions / "Lab.xml"), HasSubstr("allow=\"" + host + "\""));
 }
 
+TEST_F(ServerPlaces, APasswordThatNobodyKeepsIsAskedForWhereTheRowsWouldStand) {
+    server.Serve("/lab/", "<title>Index of /lab/</title><a href=\"a.tif\">a.tif</a>", "text/html");
+    server.Demand("YW5uOk1BUktFUi1wdw=="); // ann:MARKER-pw
+    definitions.Write("Lab.xml", "<DataSources><DataSource name='Lab' url='http://ann@" + server.Url().substr(7) +
+                                     "/lab/'><Parameters/><BDIDriver id='WebDirectory'/><Connection secret='ask'/>"
+                                     "</DataSource></DataSources>");
+    UseDefinedConnections();
+    Run([&] {
+        ClickSource("Lab");
+        QPushButton *const offer = dialog->Waits()->Notice()->OfferButton();
+        for (char const *password : {"", "wrong", "MARKER-pw"}) { // the first one is no password
+            EXPECT_TRUE(Says("Lab cannot be opened: The server does not know user ann or the password.", "Retry"));
+            ASSERT_TRUE(Eventually([&] { return offer->isVisible() && offer->text() == "Password..."; })) << password;
+            auto const asked = OnNextDialog([&](QWidget &window) {
+                auto *const edit = window.findChild<QLineEdit *>();
+                EXPECT_EQ(edit->echoMode(), QLineEdit::Password);
+                QTest::keyClicks(edit, password);
+                QTest::keyClick(edit, Qt::Key_Return);
+            });
+            dialog->SourceList()->setFocus();
+            for (QWidget const *const next :
+                 std::initializer_list<QWidget const *>{dialog->Hierarchy()->GetPane(0), offer}) {
+                Press(Qt::Key_Tab);
+                EXPECT_EQ(dialog->focusWidget(), next);
+            }
+            QTest::keyClick(offer, Qt::Key_Space);
+            EXPECT_TRUE(*asked);
+            bool const isTried = *password != 0; // until then nothing is offered
+            EXPECT_TRUE(Eventually([&] { return !isTried || !offer->isVisible(); })) << password;
+        }
+        EXPECT_TRUE(Eventually([&] { return RowOf(*dialog->MainList(), "a.tif") >= 0; }));
+        EXPECT_FALSE(offer->isVisible());
+        EXPECT_TRUE(Eventually([&] { return dialog->focusWidget() == dialog->MainList(); }));
+    });
+    SetConnectionFinder({});
+    EXPECT_THAT(ReadFile(definitions / "Lab.xml"), testing::Not(HasSubstr("MARKER")));
+}
+
 TEST_F(ServerPlaces, ADialogThatBeginsAtAPlaceThatFailsSaysWhy) {
     Create(server.Url() + "/gone/");
     RunWhen(

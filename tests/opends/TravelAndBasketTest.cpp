@@ -343,6 +343,8 @@ TEST_F(Travels, ABasketGathersAcrossFoldersAndOkYieldsItInOrder) {
             CZelListCtrlVirtual &rows = *page.List();
             Shot(page, "BasketDlg");
             ASSERT_EQ(rows.GetNumRow(), 4);
+            EXPECT_TRUE(rows.GetSlct(0)) << "one can begin with the keys";
+            rows.ClearSlct();
             rows.SetSlct(2, true);
             Press(rows, Qt::Key_Delete);
             EXPECT_EQ(rows.GetNumRow(), 3);

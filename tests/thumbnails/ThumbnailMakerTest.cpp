@@ -100,6 +100,8 @@ TEST_F(ThumbnailMaking, AContainerShowsItsFirstImageAndATableItsFirstCells) {
     EXPECT_EQ(m_glimpse.names.size(), static_cast<std::size_t>(TableGlimpse::kMostColumns));
     EXPECT_EQ(m_glimpse.rows[1][0], "r1");
     EXPECT_EQ(m_glimpse.rows[1][1], DString(TableGlimpse::kLongest, 'x'));
+    Make(m_folder.Write("numbers.csv", "a,b,c\n1,2,3\n4,7,6\n5,1,2\n"));
+    EXPECT_EQ(m_glimpse.names, (std::vector<DString>{"a", "b", "c"})) << "numbers alone are no image";
 }
 
 TEST_F(ThumbnailMaking, WhatIsNoDataHasNoneForGoodAndAStopIsNoAnswer) {

@@ -339,6 +339,23 @@ TEST(ReportView, CreateGivesStylePlaceAndId) {
     EXPECT_EQ(view->geometry(), QRect(5, 6, 100, 200));
 }
 
+TEST(ReportView, WhoComesByTabSeesWhereTheKeyboardIsAlsoWithoutACurrentRow) {
+    for (int const rows : {0, 3}) {
+        TellingView view;
+        FillStored(view, rows);
+        Stage const stage(view);
+        auto const isFramed = [&] {
+            return test::ColorAt(*view.viewport(), {view.viewport()->width() / 2, view.viewport()->height() - 1}) ==
+                   view.palette().color(QPalette::Highlight);
+        };
+        EXPECT_FALSE(isFramed()) << "nobody has used the keyboard";
+        QTest::keyClick(&view, Qt::Key_Tab); // there is nowhere to go
+        EXPECT_TRUE(isFramed()) << rows;
+        view.SetItemState(0, LVIS_FOCUSED, LVIS_FOCUSED);
+        EXPECT_EQ(isFramed(), rows == 0);
+    }
+}
+
 TEST(ReportView, TheSelectionIsMarkedWithoutTheFocusOnlyWhereWanted) {
     TellingView view;
     FillStored(view, 3);

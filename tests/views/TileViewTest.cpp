@@ -110,6 +110,12 @@ TEST_F(TileView, TheRowOnTopStaysInSightWhateverTheSizeAndTheLook) {
         EXPECT_FALSE(view.GetItemRect(row).Intersected(view.GetClientRect()).IsEmpty()) << size.cx;
         EXPECT_EQ(stage->Selected(), "200");
     }
+    view.SetItemState(row, 0, LVIS_FOCUSED); // now the uppermost one counts
+    view.verticalScrollBar()->setValue(60 * 20);
+    for (Size const size : {Size{}, Size{80, 60}, Size{}, Size{80, 60}}) {
+        view.ShowTiles(size);
+        EXPECT_EQ(view.GetTopIndex(), 100) << size.cx;
+    }
     int const top = view.GetTopIndex();
     view.resize(700, 240);
     QCoreApplication::processEvents();

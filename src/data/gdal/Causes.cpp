@@ -335,7 +335,8 @@ DError WhyNotOpened(Source const &source, OpenAttempt const &attempt, GdalScope 
         return Because(name + " is encrypted", Cause::NeedsPassword);
     if (attempt.wouldWrite)
         return Because(name + " has a log beside it, which reading would write", Cause::Refused);
-    if (attempt.isOther)
+    // Lines that begin with three numbers pass for a grid of points: where they are none, the text is a table.
+    if (attempt.isOther || (attempt.known != nullptr && attempt.known->id == "XYZ"))
         return Because(name + " holds data of another kind", Cause::NotSupported);
     DError error = ErrorOf(scope, source);
     if (attempt.known == nullptr && (!error.IsSet() || error.Why() == Cause::Damaged))

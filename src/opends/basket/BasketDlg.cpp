@@ -37,16 +37,16 @@ enum ControlIds {
 constexpr platform::MoveRule kRight{100, 0, 100, 0};
 constexpr DialogItem kItems[] = {
     {kRows, ControlKind::Place, "", 7, 7, 246, 166, {0, 0, 100, 100}},
-    {kRemove, ControlKind::Button, Mark("Remove"), 258, 7, 65, 14, kRight},
-    {kUp, ControlKind::Button, Mark("Move Up"), 258, 25, 65, 14, kRight},
-    {kDown, ControlKind::Button, Mark("Move Down"), 258, 43, 65, 14, kRight},
-    {kSave, ControlKind::Button, Mark("Save..."), 258, 67, 65, 14, kRight},
-    {kLoad, ControlKind::Button, Mark("Load..."), 258, 85, 65, 14, kRight},
-    {kKeep, ControlKind::Button, Mark("Add to Favorites..."), 258, 103, 65, 14, kRight},
-    {kClose, ControlKind::DefaultButton, Mark("Close"), 258, 159, 65, 14, {100, 100, 100, 100}},
+    {kRemove, ControlKind::Button, Mark("Remove"), 258, 7, 73, 14, kRight},
+    {kUp, ControlKind::Button, Mark("Move Up"), 258, 25, 73, 14, kRight},
+    {kDown, ControlKind::Button, Mark("Move Down"), 258, 43, 73, 14, kRight},
+    {kSave, ControlKind::Button, Mark("Save..."), 258, 67, 73, 14, kRight},
+    {kLoad, ControlKind::Button, Mark("Load..."), 258, 85, 73, 14, kRight},
+    {kKeep, ControlKind::Button, Mark("Add to Favorites..."), 258, 103, 73, 14, kRight},
+    {kClose, ControlKind::DefaultButton, Mark("Close"), 258, 159, 73, 14, {100, 100, 100, 100}},
 };
 constexpr platform::DialogTemplate kTemplate{
-    .id = 6130, .caption = Mark("Basket"), .width = 330, .height = 180, .items = kItems};
+    .id = 6130, .caption = Mark("Basket"), .width = 338, .height = 180, .items = kItems};
 constexpr unsigned kFlags = 3;
 
 enum Column { kName = 0, kFolder = 1, kSize = 2 };
@@ -121,7 +121,7 @@ bool BasketDlg::OnInitDialog() {
     GetDlgItem(*this, kKeep)->setVisible(m_keep != nullptr);
     connect(m_list, &ReportView::ItemChanged, this, &BasketDlg::ShowState);
     connect(m_list, &ReportView::RangeChanged, this, &BasketDlg::ShowState);
-    Show({}, 0);
+    Show(m_basket.IsEmpty() ? std::set<int>() : std::set{0}, 0);
     m_list->setFocus();
     return false; // the focus is set
 }

@@ -156,6 +156,7 @@ bool ConnectionDlg::DestroyWindow() {
 // ----------------------------------------------------------------------------------------------- what is under way
 
 bool ConnectionDlg::IsRight() {
+    m_form->TakeTypedAddress();
     std::vector<ConnectionFault> const faults = m_form->Draft().Faults();
     m_form->ShowFaults(faults);
     return faults.empty();

@@ -3,6 +3,7 @@
 #include "zelvar/base/Translation.h"
 #include "zelvar/platform/ui/PaletteColors.h"
 #include "zelvar/platform/ui/Text.h"
+#include "zelvar/platform/ui/WheelPast.h"
 
 #include <QtCore/QSignalBlocker>
 #include <QtWidgets/QComboBox>
@@ -34,6 +35,7 @@ constexpr char const *kUnchanged = Mark("unchanged");
 
 QComboBox *MakeBox() {
     auto *const box = new QComboBox;
+    platform::LetWheelPast(*box);
     // Long entries must not widen the page.
     box->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     box->setMinimumContentsLength(kColumns);
@@ -183,8 +185,11 @@ void ConnectionForm::AddField(QGridLayout &grid, ConnectionField const &field) {
     auto const take = [this, key](DString const &text) { m_draft.SetText(key, text); };
     if (field.rule != ConnectionField::Rule::Choice) {
         QLineEdit *const edit = AddEdit(grid, key, field.label, m_draft.Text(key), isRare, take);
-        if (TakesAddress(field))
+        if (TakesAddress(field)) {
             edit->setPlaceholderText(Shown(kPasteHint));
+            // Later: the field that is left would be gone before it has told all of that.
+            connect(edit, &QLineEdit::editingFinished, this, &ConnectionForm::TakeTypedAddress, Qt::QueuedConnection);
+        }
         return;
     }
     QComboBox *const box = MakeBox();
@@ -311,6 +316,22 @@ bool ConnectionForm::TakePasted(DString const &text) {
     return true;
 }
 
+bool ConnectionForm::TakeTypedAddress() {
+    for (ConnectionFault const &fault : m_draft.Faults()) {
+        auto const *const edit = qobject_cast<QLineEdit *>(Control(fault.field));
+        if (edit == nullptr || !edit->text().contains("://"))
+            continue;
+        QWidget const *const focus = window()->focusWidget();
+        DString const field = focus == nullptr || !isAncestorOf(focus) ? DString() : ToDString(focus->objectName());
+        if (!TakePasted(ToDString(edit->text())))
+            continue;
+        if (QWidget *const same = Control(field))
+            same->setFocus();
+        return true;
+    }
+    return false;
+}
+
 void ConnectionForm::ShowFault(Row &row, DString const &words) {
     QPalette palette; // without a fault that of the page
     if (!words.empty())
@@ -324,7 +345,10 @@ void ConnectionForm::ShowFault(Row &row, DString const &words) {
 void ConnectionForm::ShowFaults(std::vector<ConnectionFault> const &faults) {
     for (auto &[key, row] : m_rows)
         ShowFault(row, {});
-    Row *first = nullptr;
+    QWidget *first = nullptr;
+    auto const isAbove = [this](QWidget *one, QWidget *other) {
+        return std::ranges::find(m_focusOrder, one) < std::ranges::find(m_focusOrder, other);
+    };
     for (ConnectionFault const &fault : faults) {
         auto const at = m_rows.find(fault.field);
         if (at == m_rows.end())
@@ -332,11 +356,11 @@ void ConnectionForm::ShowFaults(std::vector<ConnectionFault> const &faults) {
         if (at->second.isRare)
             m_more->setChecked(true);
         ShowFault(at->second, fault.words);
-        if (first == nullptr)
-            first = &at->second;
+        if (first == nullptr || isAbove(at->second.control, first))
+            first = at->second.control;
     }
     if (first != nullptr)
-        first->control->setFocus();
+        first->setFocus();
 }
 
 } // namespace zelvar

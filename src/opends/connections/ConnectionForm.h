@@ -32,7 +32,10 @@ public:
     [[nodiscard]] ConnectionDraft const &Draft() const { return m_draft; }
     /// That was typed or pasted; empty for none.
     [[nodiscard]] Secret Password() const;
-    /// Shows what is wrong, and goes to the first field of them. Empty takes all signs away.
+    /// Whether a field held an address that was typed where one cannot stand, which now fills the fields. The focus
+    /// stays in its field.
+    bool TakeTypedAddress();
+    /// Shows what is wrong, and goes to the uppermost field of them. Empty takes all signs away.
     void ShowFaults(std::vector<ConnectionFault> const &faults);
 
     /// What can have the focus, in the order of the page.

@@ -3,6 +3,7 @@
 #include "zelvar/base/Translation.h"
 #include "zelvar/data/RDIDriver.h"
 #include "zelvar/platform/ui/Text.h"
+#include "zelvar/platform/ui/WheelPast.h"
 
 #include <QtCore/QEvent>
 #include <QtWidgets/QCheckBox>
@@ -106,6 +107,7 @@ QWidget *FactsForm::AddCell(char const *label, std::vector<QWidget *> const &con
 
 QComboBox *FactsForm::AddBox(char const *label, char const *name) {
     auto *const box = new QComboBox(this);
+    platform::LetWheelPast(*box);
     box->setSizeAdjustPolicy(QComboBox::AdjustToContents);
     AddCell(label, {box}, name);
     return box;

@@ -9,12 +9,12 @@ DString SearchInWords(SearchPhase phase, SearchProgress const &progress, std::in
     auto const found = static_cast<long long>(shown);
     DString text = Format(Translated("%lld found", "%lld found", found), found);
     text += ", " + Format(Translated("%lld folder searched", "%lld folders searched", folders), folders);
+    if (auto const asked = static_cast<long long>(progress.asked); asked > 0)
+        text += ", " + Format(Translated("%lld file looked into", "%lld files looked into", asked), asked);
     if (phase == SearchPhase::Searching)
         text = Format(Translated("Searching: %s ..."), text.c_str());
     else if (phase == SearchPhase::Stopped)
         text = Format(Translated("Stopped: %s"), text.c_str());
-    if (auto const asked = static_cast<long long>(progress.asked); asked > 0)
-        text += ", " + Format(Translated("%lld file looked into", "%lld files looked into", asked), asked);
     if (auto const left = static_cast<long long>(progress.leftRemote); left > 0)
         text +=
             "; " +
