@@ -74,7 +74,7 @@ DString BelowConfiguration(std::string_view path) {
 DString GetInstallDir() {
     if (auto const told = Variable("ZELVAR_INSTALL_DIR"); told && !told->empty())
         return *told;
-    static DString const found = FindInstallDir();
+    static auto const &found = *new DString(FindInstallDir());
     return found;
 }
 

@@ -165,16 +165,19 @@ ConnectionBook ConnectionBook::Read() {
 }
 
 std::shared_ptr<ConnectionBook const> ConnectionBook::Now() {
-    static std::mutex mutex;
-    static Stamp stamp;
-    static std::shared_ptr<ConnectionBook const> book;
-    std::lock_guard const lock(mutex);
+    struct Known {
+        std::mutex mutex;
+        Stamp stamp;
+        std::shared_ptr<ConnectionBook const> book;
+    };
+    static auto &known = *new Known; // never destroyed: workers may still ask while the process ends
+    std::lock_guard const lock(known.mutex);
     Stamp now = StampOf(DefinitionFiles());
-    if (book == nullptr || now != stamp) {
-        book = std::make_shared<ConnectionBook const>(Read());
-        stamp = std::move(now);
+    if (known.book == nullptr || now != known.stamp) {
+        known.book = std::make_shared<ConnectionBook const>(Read());
+        known.stamp = std::move(now);
     }
-    return book;
+    return known.book;
 }
 
 ConnectionBook::Entry const *ConnectionBook::Find(DString const &name) const {

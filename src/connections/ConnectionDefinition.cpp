@@ -68,7 +68,7 @@ DString TextOfHosts(std::vector<HostAndPort> const &hosts) {
 }
 
 ConnectionKind KindOf(XMLNode const &definition, DString const &scheme) {
-    static std::map<std::string_view, ConnectionKind> const schemes{
+    static auto const &schemes = *new std::map<std::string_view, ConnectionKind>{
         {"postgresql", ConnectionKind::PostgreSql}, {"postgresql+service", ConnectionKind::PostgreSql},
         {"s3", ConnectionKind::ObjectStore},        {"gs", ConnectionKind::ObjectStore},
         {"az", ConnectionKind::ObjectStore},        {"odbc", ConnectionKind::Odbc}};

@@ -81,7 +81,7 @@ struct Need {
     char const *words;
 };
 std::vector<Need> const &Needs() {
-    static std::vector<Need> const needs{
+    static auto const &needs = *new std::vector<Need>{
         {Kind::PostgreSql, {"host", "service"}, Mark("A host is needed, or a service.")},
         {Kind::PostgreSql, {"database", "service"}, Mark("A database is needed: each connection leads to one.")},
         {Kind::MapService, {"address"}, Mark("An address is needed.")},

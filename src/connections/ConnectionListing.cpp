@@ -29,7 +29,7 @@ struct Tried {
     std::list<ConnectionBook::Entry const *> entries; ///< guarded; the last one first
 };
 Tried &TheTried() {
-    static Tried tried;
+    static auto &tried = *new Tried; // never destroyed: workers may still ask while the process ends
     return tried;
 }
 

@@ -149,7 +149,14 @@ std::optional<SecretKey> SecretKeyOf(Connection const &connection) {
 }
 
 SecretStore &SecretStore::Instance() {
-    static SecretStore store;
+    static auto &store = *new SecretStore; // never destroyed: workers may still ask while the process ends
+    static struct AtEnd {
+        ~AtEnd() {
+            std::lock_guard const lock(store.m_memory->mutex);
+            store.m_memory->secrets.clear(); // which wipes them
+            store.m_memory->byKeyring.clear();
+        }
+    } const atEnd;
     return store;
 }
 

@@ -77,7 +77,8 @@ DString TellDriverHere(BDIMoniker const &moniker) {
 }
 
 std::shared_ptr<DriverOptionLists const> DriverOptions(DString const &driverId) {
-    static Lists const none = std::make_shared<DriverOptionLists>();
+    // Never destroyed: workers may still ask while the process ends
+    static auto const &none = *new Lists(std::make_shared<DriverOptionLists>());
     if (driverId.empty())
         return none;
     if (Lists known = KnownOptions::Instance().Find(driverId))

@@ -80,13 +80,13 @@ char const *DataSourceGroupName(int group) {
 }
 
 std::set<ShellKind> const &LocalDriveKinds() {
-    static std::set<ShellKind> const kinds{ShellKind::Directory, ShellKind::Removable, ShellKind::Fixed,
-                                           ShellKind::CdRom};
+    static auto const &kinds =
+        *new std::set<ShellKind>{ShellKind::Directory, ShellKind::Removable, ShellKind::Fixed, ShellKind::CdRom};
     return kinds;
 }
 
 std::set<ShellKind> const &NetworkDriveKinds() {
-    static std::set<ShellKind> const kinds{ShellKind::NetDrive, ShellKind::NetServer, ShellKind::NetShare};
+    static auto const &kinds = *new std::set<ShellKind>{ShellKind::NetDrive, ShellKind::NetServer, ShellKind::NetShare};
     return kinds;
 }
 

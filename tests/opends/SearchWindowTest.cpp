@@ -142,6 +142,14 @@ TEST_F(SearchWindow, EscapeShowsTheFolderAsItWasAndAskedAgainTheSameIsFound) {
             Press(Qt::Key_F5);
             EXPECT_TRUE(Ends());
             EXPECT_EQ(List().GetNumRow(), 4);
+            auto const *const selected = platform::GetDlgItem<platform::EllipsisLabel>(*dialog, kStatusId);
+            ClickRow("nearer.png");
+            EXPECT_TRUE(Eventually([&] { return selected->Text().endsWith("nearer.png"); }));
+            Form().SetName("near.t");
+            Press(Qt::Key_F5);
+            EXPECT_TRUE(Ends());
+            EXPECT_THAT(Column(0), ElementsAre("near.txt")) << "by what the fields say now";
+            EXPECT_EQ(selected->Text(), "") << "nothing is selected";
             Press(Qt::Key_Escape);
             EXPECT_TRUE(dialog->isVisible());
             EXPECT_TRUE(Form().isHidden());

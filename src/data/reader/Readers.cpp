@@ -217,8 +217,8 @@ Readers::Answer Readers::Exchange(Call const &call, MakeRequest const &make) {
 ReaderPool::TermsPtr Readers::ConnectionOf(DString const &moniker) {
     if (moniker.empty() || !BDIMoniker(moniker, nullptr).IsUrl())
         return nullptr;
-    static ReaderPool::TermsPtr const fileServers =
-        std::make_shared<ConnectionTerms const>(ConnectionTerms{.id = kFileServers});
+    static auto const &fileServers =
+        *new ReaderPool::TermsPtr(std::make_shared<ConnectionTerms const>(ConnectionTerms{.id = kFileServers}));
     if (StartsWithNoCase(moniker, "smb://") || moniker.find("/vsismb/") != DString::npos)
         return fileServers;
     ConnectionTerms terms = zelvar::TermsOf(moniker);

@@ -47,7 +47,8 @@ ShellId::ShellId(Node *node) : m_node(node) {}
 ShellId::Node const *ShellId::Get() const { return static_cast<Node const *>(m_node.get()); }
 
 ShellId ShellId::Desktop() {
-    static ShellId const desktop(Node::Make(ShellId(), {}, ShellKind::Virtual));
+    // Never destroyed: workers may still ask while the process ends
+    static auto const &desktop = *new ShellId(Node::Make(ShellId(), {}, ShellKind::Virtual));
     return desktop;
 }
 
