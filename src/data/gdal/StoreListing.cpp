@@ -63,7 +63,7 @@ public:
         GdalScope const scope(Reach::Network);
         StoreTalk const talk;
         if (m_listing == nullptr && !Open())
-            return End(talk.HasFailed() ? talk.Failure(m_folder) : ErrorOfSilence(m_folder));
+            return End(talk.HasFailed() ? talk.Failure(m_folder) : ErrorOfServer(m_folder, {}));
         // A request brings a thousand keys, so that none is asked for twice and none too early.
         for (int taken = 0; taken < kOfPage; ++taken) {
             VSIDIREntry const *const found = VSIGetNextDirEntry(m_listing.get());
