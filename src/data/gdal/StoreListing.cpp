@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace zelvar::gdal {
 
@@ -57,7 +58,7 @@ private:
 
 class StoreListing : public FolderListing {
 public:
-    StoreListing(DString const &folder, DString const &prefix) : m_folder(folder), m_prefix(prefix) {}
+    StoreListing(DString folder, DString prefix) : m_folder(std::move(folder)), m_prefix(std::move(prefix)) {}
 
     DError Next(std::vector<FolderEntry> &entries) override {
         GdalScope const scope(Reach::Network);

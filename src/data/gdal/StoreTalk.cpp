@@ -128,7 +128,7 @@ DError StoreTalk::Failure(DString const &subject) const {
     }
     if (m_code.empty() && m_error.empty())
         return ErrorOfServer(subject, m_status > 0 ? zelvar::Format("HTTP response code: %d", m_status) : m_said);
-    DError const failure = ErrorOfStore(subject, m_code, m_error);
+    DError failure = ErrorOfStore(subject, m_code, m_error);
     for (CodeWords const &known : kWords) {
         if (known.code != m_code)
             continue;
