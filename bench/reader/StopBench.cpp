@@ -50,6 +50,7 @@ Register const stop("reader.stop", [] {
     server.Hang();
     std::vector<double> times;
     constexpr int rounds = 21;
+    times.reserve(rounds);
     for (int i = 0; i < rounds; ++i)
         times.push_back(StopMs(server));
     Figure("reader.stop", Median(times), "ms", {.limit = 100, .note = "from the stop to the end of the socket"});

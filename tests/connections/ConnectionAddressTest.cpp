@@ -90,7 +90,6 @@ TEST(Pasting, UnderstandsWhatIsFoundElsewhere) {
               "objects bucket=field key=acc prefix=a/b service=az secret=sv=1&sig=x%3D&sp=rl"},
              {"https://acc.blob.core.usgovcloudapi.net/field?restype=container",
               "objects bucket=field endpoint=blob.core.usgovcloudapi.net key=acc service=az"},
-             {"https://acc.blob.lab/b", "web address=https://acc.blob.lab/b"},
              {"https://ann:pw@cloud.lab/dav/", "web address=https://cloud.lab/dav/ user=ann secret=pw"},
              {"ftp://h/x", "nothing"},
              {"", "nothing"},

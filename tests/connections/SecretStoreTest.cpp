@@ -81,12 +81,9 @@ TEST(SecretStore, TheKeyringOfADesktopKeepsThePasswordAndASilentOneHoldsNobody) 
 
     ASSERT_TRUE(isServed());
     bus.LockKeyring();
-    KeyringAnswer const locked = KeyringService::Look(attributes, kLong);
-    EXPECT_EQ(locked.state, KeyringState::Locked) << locked.reason;
-    EXPECT_EQ(KeyringService::Look({{"application", "zelvar"}, {"user", "x"}}, kLong).state, KeyringState::None);
-    SecretAnswer const unkept = store.Keep(Database(SecretPlace::Keyring, "late"), Secret("MARKER"));
-    EXPECT_EQ(unkept.words, "The keyring is locked, and was not unlocked.");
-
+    EXPECT_EQ(KeyringService::Look(attributes, kLong).state, KeyringState::Locked);
+    EXPECT_EQ(KeyringService::Look({{"user", "x"}}, kLong).state, KeyringState::None);
+    EXPECT_THAT(store.Keep(Database(SecretPlace::Keyring, "late"), Secret("MARKER")).words, HasSubstr("is locked"));
     bus.SilenceKeyring();
     EXPECT_EQ(KeyringService::Look(attributes, milliseconds(50)).state, KeyringState::Late);
     StopSignal const stop(true);

@@ -31,10 +31,7 @@ create table field.many (id int primary key, w varchar(5000));
 insert into field.many select seq, repeat(char(97 + seq % 26), seq % 5000) from other.seq_1_to_3000;
 create table field.full (w varchar(3), k bigint primary key);
 insert into field.full select 'x', cast(seq as signed) - 1000 from other.seq_0_to_3999;
-create table field.pairs (a int, b int, primary key (a, b));
-insert into field.pairs select seq div 2, seq % 2 from other.seq_0_to_2999;
-create table field.words (w varchar(9) primary key);
-insert into field.words select concat('w', lpad(seq, 5, '0')) from other.seq_0_to_2999;
+create table field.words (w char(5) primary key) select lpad(seq, 5, '0') w from other.seq_0_to_2999;
 grant select on field.* to 'zelvar'@'127.0.0.1';
 grant select on other.* to 'zelvar'@'127.0.0.1';
 )"),
@@ -66,8 +63,8 @@ TEST_F(MariaDb, ItsDatabasesAreFoldersOfTablesWhoseRowsAreThoseThatWereStored) {
     DString const odd = "odbc://zelvar@lab/field/odd%20%22n%60ame%27%20%C3%A4";
     EXPECT_THAT(PathsIn("odbc://zelvar@lab/field", "ODBC"),
                 ElementsAre("odbc://zelvar@lab/field/full table", "odbc://zelvar@lab/field/many table", odd + " table",
-                            "odbc://zelvar@lab/field/pairs table", "odbc://zelvar@lab/field/plots table",
-                            "odbc://zelvar@lab/field/seen view", "odbc://zelvar@lab/field/words table"));
+                            "odbc://zelvar@lab/field/plots table", "odbc://zelvar@lab/field/seen view",
+                            "odbc://zelvar@lab/field/words table"));
     EXPECT_THAT(Read("odbc://zelvar@lab/field/plots"),
                 ElementsAre("id:1|part:2|word:3|raw:3|day:3|amount:2|big:1|flag:1",
                             "1|2.5|a|00ff41|2024-01-02|1.500|18446744073709551615|1", "2||b \"';\\ ä€😀|||-0.001|0|0"));
@@ -78,15 +75,10 @@ TEST_F(MariaDb, ItsDatabasesAreFoldersOfTablesWhoseRowsAreThoseThatWereStored) {
     for (int i = 1; i <= 3000; ++i)
         ASSERT_EQ(many[static_cast<std::size_t>(i)],
                   std::to_string(i) + "|" + DString(static_cast<std::size_t>(i), static_cast<char>('a' + i % 26)));
-    std::vector<DString> const full = Read("odbc://zelvar@lab/field/full"); // whole pages
-    ASSERT_EQ(full.size(), 4001U);
-    EXPECT_EQ(full[0], "w:3|k:1");
-    for (int i = 0; i < 4000; ++i)
-        ASSERT_EQ(full[static_cast<std::size_t>(i) + 1], "x|" + std::to_string(i - 1000));
-    for (char const *const other : {"pairs", "words"})
-        EXPECT_EQ(Read(DString("odbc://zelvar@lab/field/") + other).size(), 3001U) << other;
+    EXPECT_EQ(Read("odbc://zelvar@lab/field/full").size(), 4001U); // whole pages
+    EXPECT_EQ(Read("odbc://zelvar@lab/field/words").size(), 3001U);
     ADIFile there = Open("odbc://zelvar@lab/field/full");
-    for (int const row : {3999, 1999, 2000, 0, 3000})
+    for (int const row : {3999, 2500, 1999, 2000, 0})
         EXPECT_TRUE(there.SetRow(row) && there.GetText(1) == std::to_string(row - 1000)) << row;
     Connect({{"odbc.Database", "field"}});
     EXPECT_THAT(PathsIn(kPlace, "ODBC"), ElementsAre("odbc://zelvar@lab/field"));

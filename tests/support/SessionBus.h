@@ -44,12 +44,12 @@ public:
     }
     /// Locks it again. Nobody is there who could ask the user to unlock it: that is as if he had declined.
     void LockKeyring() const {
-        std::string line;
-        std::ignore = waitpid(Start({"gdbus", "call", "--session", "--dest", "org.freedesktop.secrets", "--object-path",
-                                     "/org/freedesktop/secrets", "--method", "org.freedesktop.Secret.Service.Lock",
-                                     "['/org/freedesktop/secrets/collection/login']"},
-                                    "", &line),
-                              nullptr, 0);
+        constexpr char const *service = "/org/freedesktop/secrets";
+        std::string told; // the answer, which is waited for
+        End(Start({"gdbus", "call", "--session", "--dest", "org.freedesktop.secrets", "--object-path", service,
+                   "--method", "org.freedesktop.Secret.Service.Lock",
+                   "['" + std::string(service) + "/collection/login']"},
+                  "", &told));
     }
     /// From now on it takes questions and never answers.
     void SilenceKeyring() const { kill(m_keyring, SIGSTOP); }

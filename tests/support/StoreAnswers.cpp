@@ -49,13 +49,10 @@ std::optional<StoreAnswers::Answer> StoreAnswers::RefusalOf(std::string const &r
         return m_refusal;
     if (m_key.empty())
         return std::nullopt;
-    if (m_secret.starts_with("sv=")) {
-        std::string const target = Between(request, " ", ' ') + "&";
-        return target.find("?" + m_secret + "&") != std::string::npos ||
-                       target.find("&" + m_secret + "&") != std::string::npos
+    if (m_secret.starts_with("sv="))
+        return Between(request, " ", ' ').find(m_secret) != std::string::npos
                    ? std::nullopt
                    : std::optional(Refusal(forbidden, "AuthenticationFailed", {}));
-    }
     std::string const login = HeaderOf(request, "Authorization");
     if (login.empty())
         return Refusal(forbidden, "AccessDenied", {});

@@ -101,11 +101,8 @@ bool WebServer::StartTls(int behind) {
     Play("openssl req -x509 -newkey rsa:2048 -nodes -keyout ca.key -out ca.pem -subj '/CN=Lab CA' -days 2");
     Certify();
     m_folder.Write("logins", "ann:{PLAIN}marker7secret\n");
-    std::string const rest =
-        behind == 0
-            ? ""
-            : "location / { proxy_set_header Host $http_host; proxy_pass http://127.0.0.1:" + std::to_string(behind) +
-                  "; }";
+    std::string const to = "proxy_set_header Host $http_host; proxy_pass http://127.0.0.1:" + std::to_string(behind);
+    std::string const rest = behind == 0 ? "" : "location / { " + to + "; }";
     return Start({"nginx", "-c", m_folder / "settings", "-p", m_folder.Path()}, R"(
 daemon off; master_process off; pid @T@/run/pid; error_log @T@/run/errors; events { worker_connections 64; }
 http { access_log @T@/run/requests; client_body_temp_path @T@/run/a; proxy_temp_path @T@/run/b;

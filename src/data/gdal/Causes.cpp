@@ -9,7 +9,6 @@
 
 #include <cpl_conv.h>
 #include <cpl_error.h>
-#include <cpl_http.h>
 #include <cpl_vsi.h>
 #include <cpl_vsi_error.h>
 
@@ -291,24 +290,6 @@ DError ErrorOfServer(DString const &subject, DString const &said) {
     return Because("\"" + subject + "\": " +
                        (said.empty() ? DString("its server does not answer") : WordsOfServer(subject, said, status)),
                    cause, status);
-}
-
-DError ErrorOfSilence(DString const &subject) {
-    ReaderDuty const *const duty = OwnDuty();
-    auto const ofDuty = [duty](char const *option) {
-        auto const at = duty->connection->options.find(option);
-        return at == duty->connection->options.end() ? DString() : at->second;
-    };
-    DString const server = duty != nullptr && duty->connection ? ofDuty("server") : DString();
-    DString said;
-    if (!server.empty()) {
-        auto const takeNothing = [](void *, size_t, size_t, void *) { return size_t{0}; };
-        CPLHTTPResult *const result =
-            CPLHTTPFetchEx(("https://" + server + "/").c_str(), nullptr, nullptr, nullptr, takeNothing, nullptr);
-        said = result == nullptr || result->pszErrBuf == nullptr ? "" : result->pszErrBuf;
-        CPLHTTPDestroyResult(result);
-    }
-    return ErrorOfServer(subject, IsAboutCertificate(FoldCase(said)) ? said : DString());
 }
 
 DError ErrorOfStore(DString const &subject, DString const &code, DString const &said) {

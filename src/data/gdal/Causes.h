@@ -22,9 +22,6 @@ namespace zelvar::gdal {
 
 /// What GDAL says of a server that was asked for `subject`: a status, no connection, a certificate.
 [[nodiscard]] DError ErrorOfServer(DString const &subject, DString const &said);
-/// Of a server of the connection's own whose silence is all that libraries tell: that its certificate is the reason is
-/// found out by asking it once more.
-[[nodiscard]] DError ErrorOfSilence(DString const &subject);
 /// Of an object store: its own `code`, such as "NoSuchBucket", or where it named none what GDAL says.
 [[nodiscard]] DError ErrorOfStore(DString const &subject, DString const &code, DString const &said);
 

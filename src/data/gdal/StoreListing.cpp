@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace zelvar::gdal {
 
@@ -57,13 +58,13 @@ private:
 
 class StoreListing : public FolderListing {
 public:
-    StoreListing(DString const &folder, DString const &prefix) : m_folder(folder), m_prefix(prefix) {}
+    StoreListing(DString folder, DString prefix) : m_folder(std::move(folder)), m_prefix(std::move(prefix)) {}
 
     DError Next(std::vector<FolderEntry> &entries) override {
         GdalScope const scope(Reach::Network);
         StoreTalk const talk;
         if (m_listing == nullptr && !Open())
-            return End(talk.HasFailed() ? talk.Failure(m_folder) : ErrorOfSilence(m_folder));
+            return End(talk.HasFailed() ? talk.Failure(m_folder) : ErrorOfServer(m_folder, {}));
         // A request brings a thousand keys, so that none is asked for twice and none too early.
         for (int taken = 0; taken < kOfPage; ++taken) {
             VSIDIREntry const *const found = VSIGetNextDirEntry(m_listing.get());

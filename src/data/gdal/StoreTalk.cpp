@@ -65,6 +65,7 @@ StoreTalk::StoreTalk() {
     if (char const *const former = CPLGetThreadLocalConfigOption("CPL_DEBUG", nullptr))
         m_former = former;
     CPLSetThreadLocalConfigOption("CPL_DEBUG", "ON");
+    CPLSetThreadLocalConfigOption("CPL_CURL_VERBOSE", "YES");
     VSIErrorReset();
     CPLPushErrorHandlerEx([](CPLErr level, CPLErrorNum number, char const *text) { OnSaid(level, number, text); },
                           this);
@@ -72,11 +73,13 @@ StoreTalk::StoreTalk() {
 
 StoreTalk::~StoreTalk() {
     CPLPopErrorHandler();
+    CPLSetThreadLocalConfigOption("CPL_CURL_VERBOSE", nullptr);
     CPLSetThreadLocalConfigOption("CPL_DEBUG", m_former ? m_former->c_str() : nullptr);
 }
 
 void StoreTalk::OnSaid(int level, int, char const *text) {
     auto &talk = *static_cast<StoreTalk *>(CPLGetErrorHandlerUserData());
+    talk.NoteTransfer(text);
     talk.Note(text);
     if (level == CE_Debug)
         return; // remarks hold requests with their signatures: nothing but figures is taken from them
@@ -85,11 +88,20 @@ void StoreTalk::OnSaid(int level, int, char const *text) {
         talk.m_error = Trimmed(text);
 }
 
+void StoreTalk::NoteTransfer(std::string_view remark) {
+    constexpr std::string_view asked = "CURL_INFO_HEADER_OUT: ";
+    constexpr std::string_view answered = "CURL_INFO_HEADER_IN: HTTP/"; // "1.1 200 OK"
+    constexpr std::string_view said = "CURL_INFO_TEXT: ";
+    if (remark.starts_with(answered) && remark.find(' ', answered.size()) != std::string_view::npos)
+        m_status = std::atoi(remark.substr(remark.find(' ', answered.size())).data());
+    DString const text = remark.starts_with(said) ? DString(Trimmed(remark.substr(said.size()))) : DString();
+    if (remark.starts_with(asked) || text.starts_with("Trying "))
+        m_status = 0; // what came before is done with
+    if (!text.empty() && !text.starts_with("Closing connection"))
+        m_said = text;
+}
+
 void StoreTalk::Note(std::string_view answer) {
-    // What came in place of a listing follows the name of the store's kind: a page of a server between, or nothing.
-    std::size_t const body = answer.find(": ");
-    if (body != std::string_view::npos && (answer.substr(body + 2) == "(null)" || answer.substr(body + 2, 1) == "<"))
-        m_isUnanswered = true;
     if (!m_code.empty())
         return;
     m_code = ValueOf(answer, "Code");
@@ -115,8 +127,8 @@ DError StoreTalk::Failure(DString const &subject) const {
         return told;
     }
     if (m_code.empty() && m_error.empty())
-        return ErrorOfSilence(subject);
-    DError const failure = ErrorOfStore(subject, m_code, m_error);
+        return ErrorOfServer(subject, m_status > 0 ? zelvar::Format("HTTP response code: %d", m_status) : m_said);
+    DError failure = ErrorOfStore(subject, m_code, m_error);
     for (CodeWords const &known : kWords) {
         if (known.code != m_code)
             continue;
