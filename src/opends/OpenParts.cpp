@@ -70,6 +70,15 @@ OpenParts::OpenParts(Setup setup) : m_setup(std::move(setup)) {
 
 OpenParts::~OpenParts() = default;
 
+void OpenParts::Update() {
+    if (m_travel != nullptr)
+        m_travel->Update();
+    if (m_search != nullptr)
+        m_search->Update();
+    if (m_favorites != nullptr)
+        m_favorites->Update();
+}
+
 void OpenParts::AddTravel() {
     m_travel = std::make_unique<PlaceTravel>(
         m_setup.dialog, *m_setup.panes.Items(), m_setup.key,
@@ -173,7 +182,7 @@ void OpenParts::AddSearch() {
 // ------------------------------------------------------------------------------------------------------- the menu
 
 void OpenParts::AddMenu() {
-    if (m_dataSets != nullptr)
+    if (m_dataSets != nullptr || m_basket != nullptr || m_favorites != nullptr || Has(kOpenSearch))
         connect(m_setup.panes.Items(), &ReportView::ContextMenu, this, &OpenParts::RunItemMenu);
 }
 
