@@ -285,6 +285,7 @@ void DlgOpenDS::OnDSOptionsChanged() {
         return OnImageSelected();
     m_options->Take();
     ShowSelected(SelectedImages());
+    m_panes->Items()->viewport()->update(); // thumbnails are with their options
 }
 
 void DlgOpenDS::OnImageDblClick() {

@@ -63,8 +63,11 @@ OpenParts::OpenParts(Setup setup) : m_setup(std::move(setup)) {
         if (m_setup.hasSources && PicksImageData(m_setup.dlgTemplate))
             panes.Sources()->OfferConnections();
     }
-    if (Has(kOpenThumbnails) && !picksDocument)
+    if (Has(kOpenThumbnails) && !picksDocument) {
         m_thumbnails = std::make_unique<ThumbnailLook>(*panes.Items(), m_setup.dialog, m_setup.key);
+        m_thumbnails->SetMonikerRule(
+            [this](DataSourceItem const &item) { return m_setup.options.ChosenMonikerOf(item); });
+    }
     AddMenu();
 }
 
