@@ -37,11 +37,11 @@ void EnsureDrivers() {
     if (state.done.load(std::memory_order_acquire))
         return;
     std::lock_guard const lock(state.mutex);
-    if (state.done.load(std::memory_order_relaxed) || state.running)
+    // Who asks before there is a provider has not used up the one that comes.
+    if (state.done.load(std::memory_order_relaxed) || state.running || !state.provider)
         return;
     state.running = true;
-    if (state.provider)
-        state.provider();
+    state.provider();
     state.running = false;
     state.done.store(true, std::memory_order_release);
 }

@@ -7,12 +7,12 @@
 #include "zelvar/model/TemplDataSourceItem.h"
 #include "zelvar/opends/DataSourceList.h"
 #include "zelvar/opends/NewConnectionItem.h"
-#include "zelvar/opends/RowDrag.h"
 #include "zelvar/opends/TextQuestion.h"
 #include "zelvar/opends/connections/ConnectionDlg.h"
 #include "zelvar/opends/core/FileQuestion.h"
 #include "zelvar/platform/ui/ModalLoop.h"
 #include "zelvar/platform/ui/Text.h"
+#include "zelvar/views/RowDrag.h"
 
 #include <QtCore/QPointer>
 #include <QtGui/QKeyEvent>
@@ -97,6 +97,7 @@ ConnectionRows::ConnectionRows(DataSourceList &list)
     : m_list(list), m_target(this),
       m_drag(std::make_unique<RowDrag>(
           list, RowDrag::Rule{.isMovable = [this](int row) { return IsConnection(row); },
+                              .nameOf = [this](int row) { return m_list.ItemAt(row)->GetName(); },
                               .drop = [this](int row, int beside,
                                              bool behind) { MoveBefore(row, behind ? beside + 1 : beside); }})) {
     m_messages.On(kNews, this, &ConnectionRows::OnNews);

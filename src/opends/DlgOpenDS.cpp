@@ -314,6 +314,13 @@ bool DlgOpenDS::TakeSelected() {
 }
 
 bool DlgOpenDS::TakeGathered() {
+    if (OpenForecast const *const forecast = Forecast(); forecast != nullptr) {
+        std::vector<OpenForecast::Gathered> gathered;
+        for (BasketEntry const &entry : GatheredItems()->Content().All())
+            gathered.push_back({entry.name, {.path = entry.monikers.front().GetText()}, entry.bytes});
+        if (!forecast->MayAccept(*this, gathered))
+            return false;
+    }
     m_monikers.clear();
     DString folder; // is the same for most
     for (BasketEntry const &entry : GatheredItems()->Content().All()) {

@@ -88,10 +88,7 @@ void DlgOpenDS::timerEvent(QTimerEvent *event) {
 
 void DlgOpenDS::OnUpdateState() {
     m_waits->Update();
-    if (Travel() != nullptr)
-        Travel()->Update();
-    if (Search() != nullptr)
-        Search()->Update();
+    m_parts->Update();
     bool const isSelected = m_panes->Items()->GetNumSlct() > 0;
     m_okButton->setEnabled(isSelected || m_parts->HasGathered());
     // A list that is filled anew forgets what was selected without a word.
@@ -290,6 +287,7 @@ void DlgOpenDS::OnDSOptionsChanged() {
         return OnImageSelected();
     m_options->Take();
     ShowSelected(SelectedImages());
+    m_panes->Items()->viewport()->update(); // thumbnails are with their options
 }
 
 void DlgOpenDS::OnImageDblClick() {

@@ -62,9 +62,15 @@ void DriverOptionChoice::Change(std::vector<DString> const &paths, OptionValues 
     DString const kept = ToOptionText(Options(), values, Secrets::Leave);
     for (std::size_t i = 0; i < paths.size(); ++i) {
         m_changed[{m_driverId, paths[i]}] = values;
+        m_changedTexts[paths[i]] = kept;
         if (i < OptionMemory::kMostFiles)
             m_memory.Note(m_driverId, paths[i], kept);
     }
+}
+
+std::optional<DString> DriverOptionChoice::ChangedText(DString const &path) const {
+    auto const at = m_changedTexts.find(path);
+    return at == m_changedTexts.end() ? std::nullopt : std::optional(at->second);
 }
 
 void DriverOptionChoice::Save() const { DUserCnfg(kSection).WriteString(KeyOf(m_use), m_memory.ToText()); }

@@ -5,6 +5,7 @@
 
 #include <map>
 #include <memory>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -36,6 +37,9 @@ public:
     /// The whole text behind "?".
     [[nodiscard]] DString TextFor(DString const &path, DString const &named) const;
 
+    /// What was set for the path in this dialog, whichever driver it was for, but no passwords; nothing where nothing
+    /// was.
+    [[nodiscard]] std::optional<DString> ChangedText(DString const &path) const;
     void Change(std::vector<DString> const &paths, OptionValues const &values);
     void Save() const; ///< to the settings
 
@@ -45,6 +49,7 @@ private:
     DString m_driverId;
     DString m_given;
     std::map<std::pair<DString, DString>, OptionValues> m_changed; ///< in this dialog, by driver and path
+    std::map<DString, DString> m_changedTexts;                     ///< by path
     OptionMemory m_memory;
 };
 

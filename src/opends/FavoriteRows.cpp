@@ -2,10 +2,10 @@
 
 #include "zelvar/base/Translation.h"
 #include "zelvar/opends/DataSourceList.h"
-#include "zelvar/opends/RowDrag.h"
 #include "zelvar/opends/TextQuestion.h"
 #include "zelvar/platform/ui/ModalLoop.h"
 #include "zelvar/platform/ui/Text.h"
+#include "zelvar/views/RowDrag.h"
 
 #include <QtCore/QPointer>
 #include <QtGui/QKeyEvent>
@@ -59,6 +59,7 @@ FavoriteRows::FavoriteRows(DataSourceList &list, FavoriteActions actions)
     : m_list(list), m_actions(std::move(actions)),
       m_drag(std::make_unique<RowDrag>(
           list, RowDrag::Rule{.isMovable = [this](int row) { return FavoriteAt(m_list, row) != nullptr; },
+                              .nameOf = [this](int row) { return m_list.ItemAt(row)->GetPath(); },
                               .drop = [this](int row, int beside, bool behind) { Drop(row, beside, behind); }})) {}
 
 FavoriteRows::~FavoriteRows() = default;

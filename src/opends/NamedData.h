@@ -40,6 +40,8 @@ public:
     bool Show(std::vector<DString> const &names, DError *error = nullptr);
     /// Those that a moniker of that path had; empty for none.
     [[nodiscard]] DString OptionsOf(DString const &path) const;
+    /// From now on these are the options of that path.
+    void Note(DString const &path, DString const &options) { m_options[path] = options; }
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;

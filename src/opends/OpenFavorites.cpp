@@ -1,7 +1,9 @@
 #include "zelvar/opends/OpenFavorites.h"
 
 #include "zelvar/base/Translation.h"
+#include "zelvar/data/BDIMoniker.h"
 #include "zelvar/opends/BasketStrip.h"
+#include "zelvar/opends/DSListCtrl.h"
 #include "zelvar/opends/DataSourceList.h"
 #include "zelvar/opends/DlgOpenDS.h"
 #include "zelvar/opends/FavoriteRows.h"
@@ -11,6 +13,7 @@
 #include "zelvar/opends/PlaceFinder.h"
 #include "zelvar/opends/PlaceOpener.h"
 #include "zelvar/opends/SelectionOptions.h"
+#include "zelvar/opends/ServerWaits.h"
 #include "zelvar/opends/search/StoredSearch.h"
 
 #include <optional>
@@ -36,22 +39,19 @@ void OpenFavorites::Add(ItemList const &items) {
 }
 
 void OpenFavorites::AddSearch() {
-    if (std::optional<StoredSearch> const search = m_parts.Search()->Searched(); search)
+    std::optional<StoredSearch> const search = m_parts.Search()->Searched();
+    if (!search)
+        Report::UserNotification(Translated("What was searched has no path: the search cannot be kept"));
+    else
         m_dialog.SourceList()->OfferedFavorites()->Add(
             {.kind = Favorite::Kind::Search, .target = search->ToText(), .name = search->InWords()});
 }
 
 void OpenFavorites::Open(Favorite const &favorite) {
     switch (favorite.kind) {
-    case Favorite::Kind::Data: {
-        DError error;
-        bool const isOfServer = PlaceOpener::IsFor(favorite.target); // nothing waits for one
-        if (isOfServer || m_parts.Named() == nullptr)
-            m_dialog.GoToDir(favorite.target, true);
-        else if (!m_parts.Named()->Show({favorite.target}, &error))
-            m_places.Refuse(favorite.target, error);
+    case Favorite::Kind::Data:
+        OpenData(favorite.target);
         break;
-    }
     case Favorite::Kind::Basket:
         OpenBasket(favorite.target);
         break;
@@ -61,6 +61,52 @@ void OpenFavorites::Open(Favorite const &favorite) {
     case Favorite::Kind::Place:
         break; // its selection has listed it
     }
+}
+
+void OpenFavorites::OpenData(DString const &moniker) {
+    DSListCtrl &list = *m_dialog.MainList();
+    if (PlaceOpener::IsFor(moniker)) { // nothing waits for a server
+        m_wanted.Want(moniker, list);
+        return m_dialog.GoToDir(moniker, true);
+    }
+    if (ShowNode(moniker))
+        return;
+    DError error;
+    if (m_parts.Named() == nullptr) {
+        m_wanted.Want(moniker, list);
+        m_dialog.GoToDir(BDIMoniker(moniker, nullptr).GetSource(), true);
+    } else if (!m_parts.Named()->Show({moniker}, &error)) {
+        m_places.Refuse(moniker, error);
+    }
+}
+
+bool OpenFavorites::ShowNode(DString const &moniker) {
+    DString const file = BDIMoniker(moniker, nullptr).FindFile();
+    if (file.empty() || file.size() == moniker.size())
+        return false;
+    // Options of the driver may stand behind those that name the node.
+    for (DString const &name : WithFewerOptions(moniker)) {
+        RefItemPtr<DataSourceItem> const node = name.size() > file.size() ? m_places.Find(name, false) : nullptr;
+        if (node == nullptr)
+            continue;
+        node->BuildParents();
+        if (node->GetParent() == nullptr || node->GetPath() != name)
+            continue;
+        if (m_parts.Named() != nullptr && name.size() < moniker.size())
+            m_parts.Named()->Note(name, moniker.substr(name.size() + 1));
+        m_wanted.Want(name, *m_dialog.MainList());
+        // Named, it lies in the container itself: in which group of it only a look tells.
+        RefItemPtr<DataSourceItem> const listed = m_places.FindBelow(node->GetParent(), name);
+        m_places.ShowParent(listed == nullptr ? node : listed);
+        return true;
+    }
+    return false;
+}
+
+void OpenFavorites::Update() {
+    DSListCtrl &list = *m_dialog.MainList();
+    ServerWaits const &waits = *m_dialog.Waits();
+    m_wanted.Update(list, waits.IsWaiting() || list.IsListing());
 }
 
 void OpenFavorites::OpenFolder(Favorite const &favorite) {
@@ -79,10 +125,16 @@ void OpenFavorites::OpenSearch(DString const &text) {
     std::optional<StoredSearch> const search = StoredSearch::FromText(text);
     if (!search || m_parts.Search() == nullptr)
         return;
-    if (RefItemPtr<DataSourceItem> const place = m_places.Find(search->place, true); place != nullptr) {
-        m_places.Show(place);
-        m_parts.Search()->Begin(search->draft);
-    }
+    ItemList places;
+    for (DString const &path : search->places)
+        if (RefItemPtr<DataSourceItem> const place = m_places.Find(path, true); place != nullptr)
+            places.push_back(place);
+    if (places.empty())
+        return;
+    m_places.Show(places.front());
+    if (places.size() > 1)
+        m_dialog.MainList()->ResetItems(places);
+    m_parts.Search()->Begin(search->draft);
 }
 
 } // namespace zelvar

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "zelvar/model/DataSourceItem.h"
+#include "zelvar/opends/WantedRow.h"
 
 #include <list>
 
@@ -26,8 +27,12 @@ public:
     void AddSearch();
     void Open(Favorite const &favorite);
     void OpenFolder(Favorite const &favorite); ///< that it lies in
+    void Update();                             ///< to be called a few times a second
 
 private:
+    void OpenData(DString const &moniker);
+    /// Shows what a node of a container on this machine lies in; false for anything else.
+    [[nodiscard]] bool ShowNode(DString const &moniker);
     void OpenBasket(DString const &file);
     void OpenSearch(DString const &text);
 
@@ -35,6 +40,7 @@ private:
     OpenParts &m_parts;
     SelectionOptions &m_options;
     PlaceFinder const &m_places;
+    WantedRow m_wanted;
 };
 
 } // namespace zelvar

@@ -2,10 +2,11 @@
 
 namespace zelvar {
 
-/// What the open dialog offers beyond its panes: bits for `DlgOpenDS::SetFeatures`.
+/// What the open dialog offers beyond its panes: bits for `DlgOpenDS::SetFeatures`. The list of items has a context
+/// menu where data sets, the search, the basket or favourites have something to say in it.
 enum OpenFeatures : unsigned {
     kOpenPlain = 0,        ///< its panes alone
-    kOpenDataSets = 1,     ///< files that belong together have one row; a context menu in the list of items
+    kOpenDataSets = 1,     ///< files that belong together have one row
     kOpenLine = 2,         ///< a line that says what OK will do
     kOpenOptions = 4,      ///< an option page made from what the driver says, where none is installed
     kOpenPreviewBar = 8,   ///< which channel, slice and frame the preview shows

@@ -262,14 +262,13 @@ bool OpenForecast::WaitForFacts() {
     return true;
 }
 
-bool OpenForecast::Ask(QWidget &dialog) const {
-    DString const &name = m_items.front().facts.name;
-    QString const said = platform::ToQString(m_selected == 1 ? name + ": " + m_outcome.text : m_outcome.text);
-    QMessageBox question(QMessageBox::Warning, dialog.windowTitle(), said, QMessageBox::Yes | QMessageBox::No, &dialog);
+bool OpenForecast::Ask(QWidget &dialog, DString const &said, DString const &reason) {
+    QMessageBox question(QMessageBox::Warning, dialog.windowTitle(), platform::ToQString(said),
+                         QMessageBox::Yes | QMessageBox::No, &dialog);
     question.setObjectName(kQuestion);
     question.setTextFormat(Qt::PlainText);
     question.setInformativeText(platform::Shown("Open anyway?"));
-    question.setDetailedText(platform::ToQString(m_outcome.reason));
+    question.setDetailedText(platform::ToQString(reason));
     question.setDefaultButton(QMessageBox::No);
     return platform::RunModal(question) == QMessageBox::Yes;
 }
@@ -281,7 +280,35 @@ bool OpenForecast::MayAccept(QWidget &dialog) {
     OnFound();
     if (!IsKnown() && !WaitForFacts())
         return false;
-    return m_outcome.isUsable || Ask(dialog);
+    DString const name = m_selected == 1 ? m_items.front().facts.name + ": " : DString();
+    return m_outcome.isUsable || Ask(dialog, name + m_outcome.text, m_outcome.reason);
+}
+
+bool OpenForecast::MayAccept(QWidget &dialog, std::vector<Gathered> const &gathered) const {
+    std::vector<OpenSubject> subjects;
+    for (std::size_t i = 0; i < std::min(gathered.size(), kMostItems); ++i)
+        subjects.push_back(gathered[i].subject);
+    std::shared_ptr<FactsFinder> const finder = FactsFinder::Create();
+    finder->Ask(std::move(subjects), m_setup.wish);
+    bool isEnded = false;
+    {
+        GUITools::WaitCursor const cursor;
+        platform::EscapeWatch watch;
+        auto const end = std::chrono::steady_clock::now() + kPatience;
+        while (finder->IsBusy() && !isEnded && std::chrono::steady_clock::now() < end) {
+            std::ignore = finder->Wait(kStep);
+            isEnded = watch.IsPressed();
+        }
+    }
+    std::vector<OpenFacts> looked = finder->Take();
+    finder->Release();
+    for (std::size_t i = 0; i < looked.size(); ++i) {
+        looked[i].name = gathered[i].name;
+        looked[i].fileSize = gathered[i].bytes;
+    }
+    OpenOutcome const outcome = OutcomeOf(looked, gathered.size(), m_setup.wish, m_memory);
+    DString const name = gathered.size() == 1 ? gathered.front().name + ": " : DString();
+    return !isEnded && (outcome.isUsable || Ask(dialog, name + outcome.text, outcome.reason));
 }
 
 } // namespace zelvar

@@ -53,6 +53,14 @@ public:
     /// Whether OK may take it: waits a moment for what is not known yet, and asks about what is not usable. False, too,
     /// if the user ends the wait.
     [[nodiscard]] bool MayAccept(QWidget &dialog);
+    /// Something that is not selected.
+    struct Gathered {
+        DString name{};
+        OpenSubject subject{};
+        std::int64_t bytes = -1; ///< of its file; -1 if nobody knows
+    };
+    /// The same for what was gathered in place of what is selected.
+    [[nodiscard]] bool MayAccept(QWidget &dialog, std::vector<Gathered> const &gathered) const;
     /// Name of the window that asks.
     static constexpr char kQuestion[] = "openAnyway";
 
@@ -79,7 +87,7 @@ private:
     [[nodiscard]] bool IsKnown() const;
     /// False if the user ended it.
     [[nodiscard]] bool WaitForFacts();
-    [[nodiscard]] bool Ask(QWidget &dialog) const;
+    [[nodiscard]] static bool Ask(QWidget &dialog, DString const &said, DString const &reason);
     [[nodiscard]] Item NewItem(DataSourceItem const &item) const;
     static void Fill(Item &item, OpenFacts facts);
 

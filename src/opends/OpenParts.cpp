@@ -64,12 +64,24 @@ OpenParts::OpenParts(Setup setup) : m_setup(std::move(setup)) {
         if (m_setup.hasSources && PicksImageData(m_setup.dlgTemplate))
             panes.Sources()->OfferConnections();
     }
-    if (Has(kOpenThumbnails) && !picksDocument)
+    if (Has(kOpenThumbnails) && !picksDocument) {
         m_thumbnails = std::make_unique<ThumbnailLook>(*panes.Items(), m_setup.dialog, m_setup.key);
+        m_thumbnails->SetMonikerRule(
+            [this](DataSourceItem const &item) { return m_setup.options.ChosenMonikerOf(item); });
+    }
     AddMenu();
 }
 
 OpenParts::~OpenParts() = default;
+
+void OpenParts::Update() {
+    if (m_travel != nullptr)
+        m_travel->Update();
+    if (m_search != nullptr)
+        m_search->Update();
+    if (m_favorites != nullptr)
+        m_favorites->Update();
+}
 
 void OpenParts::AddTravel() {
     m_travel = std::make_unique<PlaceTravel>(
@@ -175,7 +187,7 @@ void OpenParts::AddSearch() {
 // ------------------------------------------------------------------------------------------------------- the menu
 
 void OpenParts::AddMenu() {
-    if (m_dataSets != nullptr)
+    if (m_dataSets != nullptr || m_basket != nullptr || m_favorites != nullptr || Has(kOpenSearch))
         connect(m_setup.panes.Items(), &ReportView::ContextMenu, this, &OpenParts::RunItemMenu);
 }
 

@@ -56,6 +56,7 @@ public:
     ~OpenParts() override;
     /// The search, with its button in the row of the others, which are there by now.
     void AddSearch();
+    void Update(); ///< to be called a few times a second
 
     [[nodiscard]] PlaceTravel *Travel() const { return m_travel.get(); }
     [[nodiscard]] BasketStrip *Basket() const { return m_basket.get(); }

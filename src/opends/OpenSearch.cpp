@@ -152,9 +152,13 @@ void OpenSearch::Begin(SearchDraft const &draft) {
 }
 
 std::optional<StoredSearch> OpenSearch::Searched() const {
-    if (!m_items.IsShowingResults() || m_places.size() != 1 || m_places.front()->GetPath().empty())
+    if (!m_items.IsShowingResults())
         return std::nullopt;
-    return StoredSearch{.place = m_places.front()->GetPath(), .draft = *m_draft};
+    StoredSearch search{.draft = *m_draft};
+    for (RefItemPtr<DataSourceItem> const &place : m_places)
+        search.places.push_back(place->GetPath());
+    bool const isNamed = std::ranges::none_of(search.places, &DString::empty);
+    return isNamed ? std::optional(std::move(search)) : std::nullopt;
 }
 
 void OpenSearch::Begin() {

@@ -52,7 +52,8 @@ public:
     void Begin(DString const &name);
     /// The same for all that is filled in.
     void Begin(SearchDraft const &draft);
-    /// What was searched for last, to be kept; nothing while no results are shown, and below several places.
+    /// What was searched for last, to be kept; nothing while no results are shown, and
+    /// below what has no path.
     [[nodiscard]] std::optional<StoredSearch> Searched() const;
     /// What Escape does: ends what is under way and keeps what was found, or else the results, or else the bar that has
     /// the keyboard. False if there is nothing of it.

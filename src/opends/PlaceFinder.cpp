@@ -2,12 +2,35 @@
 
 #include "zelvar/controls/GUITools.h"
 #include "zelvar/data/RequestScope.h"
+#include "zelvar/model/ListingWalk.h"
 #include "zelvar/model/NtwDataSourceItem.h"
 #include "zelvar/model/OpenOutcome.h"
 #include "zelvar/model/PlaceResolver.h"
 #include "zelvar/platform/ui/EscapeWatch.h"
 
+#include <chrono>
+#include <vector>
+
 namespace zelvar {
+
+namespace {
+
+constexpr int kAnyNode = 0xFF;
+constexpr std::chrono::seconds kLook{3};
+
+/// The user's Escape, or the end of the time for a look.
+class LookEnd final : public DataSourceItem::ICancel {
+public:
+    [[nodiscard]] bool IsCanceled() override {
+        return m_watch.IsPressed() || std::chrono::steady_clock::now() >= m_end;
+    }
+
+private:
+    platform::EscapeWatch m_watch;
+    std::chrono::steady_clock::time_point m_end = std::chrono::steady_clock::now() + kLook;
+};
+
+} // namespace
 
 PlaceFinder::Item PlaceFinder::Find(DString const &path, bool report) const {
     Item item;
@@ -23,6 +46,29 @@ PlaceFinder::Item PlaceFinder::Find(DString const &path, bool report) const {
     if (item == nullptr && report)
         Refuse(path, error);
     return item;
+}
+
+PlaceFinder::Item PlaceFinder::FindBelow(Item const &container, DString const &path) const {
+    GUITools::WaitCursor const cursor;
+    LookEnd end;
+    RequestScope const scope(
+        RequestKind::List, [&end] { return end.IsCanceled(); }, kLook);
+    Item found;
+    std::vector<Item> level{container};
+    // Group by group: what lies side by side is looked at before what lies deeper.
+    while (found == nullptr && !level.empty() && !end.IsCanceled()) {
+        std::vector<Item> below;
+        for (Item const &group : level)
+            ListingWalk({.nodeMask = kAnyNode, .cancel = &end}).Through(group, [&](Item child) {
+                if (child->GetPath() == path)
+                    found = std::move(child);
+                else if (child->IsFolder())
+                    below.push_back(std::move(child));
+                return found == nullptr;
+            });
+        level = std::move(below);
+    }
+    return found;
 }
 
 void PlaceFinder::Refuse(DString const &path, DError const &error) const {

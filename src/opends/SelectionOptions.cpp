@@ -150,6 +150,12 @@ DString SelectionOptions::TextFor(DataSourceItem const &item) const {
     return drivers == nullptr ? options : drivers->AddedTo(std::move(options), path);
 }
 
+DString SelectionOptions::ChosenMonikerOf(DataSourceItem const &item) const {
+    DString const path = item.GetPath();
+    std::optional<DString> const changed = m_ofDriver == nullptr ? std::nullopt : m_ofDriver->ChangedText(path);
+    return WithOptions(path, changed ? *changed : NamedFor(path));
+}
+
 DString SelectionOptions::MonikerOf(DataSourceItem const &item) const {
     ApplyPage();
     DString options = TextFor(item);

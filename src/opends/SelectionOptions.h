@@ -64,6 +64,9 @@ public:
 
     /// What is chosen for the item beside its path, but not how a series is given.
     [[nodiscard]] DString TextFor(DataSourceItem const &item) const;
+    /// What opens the item as it was chosen in this dialog, on the page of a driver or by a moniker, but no passwords;
+    /// its path where nothing was. Cheap.
+    [[nodiscard]] DString ChosenMonikerOf(DataSourceItem const &item) const;
     /// What names the item, with the options that are set; a series as one.
     [[nodiscard]] DString MonikerOf(DataSourceItem const &item) const;
     /// The same for a result: one for each member of a series that is given file by file.

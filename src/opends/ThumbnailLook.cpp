@@ -66,13 +66,12 @@ bool HasData(DataSourceItem const &item) {
     return node != nullptr && node->IsOpen() && node->IsFile(0);
 }
 
-/// What an item is called as it is now: another size or time, and its thumbnail is another one.
-DString NameOf(DataSourceItem const &item) {
+/// What an item is called as it is now: another size, time or option, and its thumbnail is another one.
+DString NameOf(DataSourceItem const &item, DString const &moniker) {
     SystemTime time;
     item.GetModificationTime(time);
-    return item.GetPath() + Format("\n%lld %d-%d-%d %d:%d:%d.%d", static_cast<long long>(item.GetFileSize()),
-                                   time.wYear, time.wMonth, time.wDay, time.wHour, time.wMinute, time.wSecond,
-                                   time.wMilliseconds);
+    return moniker + Format("\n%lld %d-%d-%d %d:%d:%d.%d", static_cast<long long>(item.GetFileSize()), time.wYear,
+                            time.wMonth, time.wDay, time.wHour, time.wMinute, time.wSecond, time.wMilliseconds);
 }
 
 } // namespace
@@ -290,7 +289,8 @@ void ThumbnailLook::DrawTile(DrawItemStruct const &request, DataSourceItem const
 /// there, and where there is none, that picture alone.
 void ThumbnailLook::DrawFace(DrawItemStruct const &request, DataSourceItem const &item, QRect const &place) {
     QPainter &painter = request.painter;
-    ThumbnailPictures::Picture const *const picture = HasData(item) ? m_pictures.Find(NameOf(item)) : nullptr;
+    ThumbnailPictures::Picture const *const picture =
+        HasData(item) ? m_pictures.Find(NameOf(item, MonikerOf(item))) : nullptr;
     qreal const ratio = painter.device()->devicePixelRatio();
     bool const hasList = item.GetImageList() != nullptr && item.GetIconIndex() >= 0;
     if (picture == nullptr || picture->pixmap.isNull()) {
@@ -320,6 +320,10 @@ void ThumbnailLook::DrawFace(DrawItemStruct const &request, DataSourceItem const
                            platform::ListPicture(item.GetImageList(), item.GetIconIndex(), ratio));
 }
 
+DString ThumbnailLook::MonikerOf(DataSourceItem const &item) const {
+    return m_monikerOf ? m_monikerOf(item) : item.GetPath();
+}
+
 void ThumbnailLook::TilesPainted() { Ask(); }
 
 /// What is in sight first, then the page where the user is going.
@@ -335,10 +339,11 @@ void ThumbnailLook::Ask() {
             RefItemPtr<DataSourceItem> const item = m_list->ItemAt(row);
             if (item == nullptr || !HasData(*item))
                 continue;
-            DString name = NameOf(*item);
+            DString moniker = MonikerOf(*item);
+            DString name = NameOf(*item, moniker);
             auto const *const known = m_pictures.Find(name);
             if (known == nullptr || (known->side != side && !known->pixmap.isNull()))
-                wishes.push_back({std::move(name), item->GetPath(), item->GetRDIDriverId()});
+                wishes.push_back({std::move(name), std::move(moniker), item->GetRDIDriverId()});
         }
     };
     add(first, behind);

@@ -11,6 +11,7 @@
 #include <QtCore/QObject>
 #include <QtCore/QPointer>
 
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -33,6 +34,9 @@ public:
     /// `window` is the one whose keys choose; `key` is that of the settings.
     ThumbnailLook(DSListCtrl &list, QWidget &window, DString key);
     ~ThumbnailLook() override;
+
+    /// What items are opened with, as a moniker; without a rule their paths are all. Asked at each paint.
+    void SetMonikerRule(std::function<DString(DataSourceItem const &)> rule) { m_monikerOf = std::move(rule); }
 
     [[nodiscard]] LookChoice const &Choice() const { return m_choice; }
     /// Takes effect at once and is kept.
@@ -68,7 +72,10 @@ private:
     void Ask();
     void OnAnswer();
 
+    [[nodiscard]] DString MonikerOf(DataSourceItem const &item) const;
+
     QPointer<DSListCtrl> m_list;
+    std::function<DString(DataSourceItem const &)> m_monikerOf;
     DString m_key;
     LookChoice m_choice;
     QToolButton *m_button = nullptr; ///< a child of the list

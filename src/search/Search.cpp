@@ -2,12 +2,14 @@
 
 #include "zelvar/base/PathStyle.h"
 #include "zelvar/data/BDIDrvrMngr.h"
+#include "zelvar/data/BDIMoniker.h"
 #include "zelvar/data/DataFolderLook.h"
 #include "zelvar/data/PlaceCheck.h"
 #include "zelvar/data/RDIDriverMngr.h"
 #include "zelvar/model/FolderVisits.h"
 #include "zelvar/model/ListingWalk.h"
 #include "zelvar/model/NtwDataSourceItem.h"
+#include "zelvar/model/TemplDataSourceItem.h"
 #include "zelvar/platform/os/MountTable.h"
 #include "zelvar/search/FactsReader.h"
 #include "zelvar/search/StopQuestion.h"
@@ -15,6 +17,8 @@
 #include <algorithm>
 #include <deque>
 #include <unordered_map>
+
+#include <sys/stat.h>
 
 namespace zelvar {
 
@@ -31,6 +35,17 @@ bool MayBlockAt(DataSourceItem const &place) {
         return true;
     DString const path = place.GetPath();
     return !path.empty() && platform::MayBlockAt(path);
+}
+
+/// When the file was changed that a container's items lie in; 0 if they lie in none.
+std::int64_t FileTimeOf(DataSourceItem const &container) {
+    DString const path = container.GetPath();
+    DString const file = path.empty() ? path : BDIMoniker(path, nullptr).FindFile();
+    struct stat state {};
+    if (file.empty() || stat(file.c_str(), &state) != 0)
+        return 0;
+    constexpr std::int64_t kNanoseconds = 1'000'000'000;
+    return std::int64_t{state.st_mtim.tv_sec} * kNanoseconds + state.st_mtim.tv_nsec;
 }
 
 /// One search under way.
@@ -185,13 +200,14 @@ private:
     /// What a driver lists: a container, or a connection.
     std::error_code ListTree(Folder const &folder) {
         std::error_code why;
+        std::int64_t const fileTime = m_query.modified.IsSet() ? FileTimeOf(*folder.item) : 0;
         StopQuestion cancel(m_stop);
         ListingWalk walk({.nodeMask = kAllData,
                           .cancel = &cancel,
                           .onUnread = [&](DataSourceItem &, std::error_code error) { why = error; }});
         walk.Through(folder.item, [&](RefItemPtr<DataSourceItem> child) {
             bool const isFolder = child->IsFolder();
-            if (isFolder ? m_query.FindsFolders() && MatchesName(child->GetName()) : IsLeafWanted(*child)) {
+            if (isFolder ? m_query.FindsFolders() && MatchesName(child->GetName()) : IsLeafWanted(*child, fileTime)) {
                 if (m_query.NeedsFacts())
                     m_reader.Add({child, child->GetPath(), {}, true});
                 else
@@ -204,11 +220,14 @@ private:
         return why;
     }
 
-    /// Of what a driver lists; when it was changed nobody knows to the second.
-    [[nodiscard]] bool IsLeafWanted(DataSourceItem const &leaf) const {
+    /// Of what a driver lists. Where the driver does not know when it was changed, the time of its file counts.
+    [[nodiscard]] bool IsLeafWanted(DataSourceItem const &leaf, std::int64_t fileTime) const {
         DString const name = leaf.GetName();
+        auto const *const tree = dynamic_cast<TemplDataSourceItem const *>(&leaf);
+        std::int64_t const own = tree == nullptr || tree->GetNode() == nullptr ? 0 : tree->GetNode()->modified;
         return m_query.kind != Kind::Folder && leaf.IsFile(kAllData) && MatchesName(name) &&
-               m_query.MatchesFile(name) && m_query.MatchesState({.size = leaf.GetFileSize(), .modified = 0});
+               m_query.MatchesFile(name) &&
+               m_query.MatchesState({.size = leaf.GetFileSize(), .modified = own != 0 ? own : fileTime});
     }
 
     SearchQuery const &m_query;

@@ -3,6 +3,7 @@
 #include "zelvar/data/PlaceCheck.h"
 #include "zelvar/pixels/CubicResize.h"
 #include "zelvar/pixels/ImageFit.h"
+#include "zelvar/thumbnails/ThumbnailPruner.h"
 
 #include <algorithm>
 #include <optional>
@@ -22,6 +23,7 @@ using Clock = std::chrono::steady_clock;
 
 constexpr int kMakers = 2; // as many as there are readers for them
 constexpr int kNiceness = 10;
+constexpr std::chrono::hours kPruneEvery{1};
 constexpr std::chrono::milliseconds kPatience{200}; // with what is under way and not wanted any more
 
 /// The picture in a square of `side` pixels, never enlarged.
@@ -206,7 +208,23 @@ void ThumbnailReader::Make(EntryPtr const &entry) {
         std::lock_guard const lock(m_mutex);
         m_counts.made += outcome == ThumbnailOutcome::Made ? 1 : 0;
     }
+    bool const isOwn = entry->key && !entry->key->isShared;
     Finish(entry, outcome == ThumbnailOutcome::Made ? Fitted(picture, entry->side) : DCanvas());
+    if (isOwn)
+        PruneSometimes();
+}
+
+void ThumbnailReader::PruneSometimes() {
+    {
+        std::lock_guard const lock(m_mutex);
+        if (Clock::now() < m_nextPrune)
+            return;
+        m_nextPrune = Clock::now() + kPruneEvery;
+    }
+    std::ignore = PruneThumbnails(m_store.OwnFolder(), {}, [this] {
+        std::lock_guard const lock(m_mutex);
+        return m_isEnding;
+    });
 }
 
 void ThumbnailReader::Finish(EntryPtr const &entry, DCanvas const &picture) {

@@ -78,6 +78,8 @@ private:
     /// `picture` is empty where there is none.
     void Finish(EntryPtr const &entry, DCanvas const &picture);
     void StopLate();
+    /// Sees to the room that our own thumbnails take, now and then, once something was kept there.
+    void PruneSometimes();
 
     ThumbnailStore const m_store;
     TablePainter const m_paintTable;
@@ -90,6 +92,7 @@ private:
     Counts m_counts;
     bool m_isEnding = false;
     bool m_hasThreads = false;
+    std::chrono::steady_clock::time_point m_nextPrune{}; ///< whether it is time for that is asked then
 };
 
 } // namespace zelvar

@@ -161,9 +161,10 @@ std::optional<ThumbnailKey> ThumbnailStore::KeyOf(DString const &moniker) const 
 DString ThumbnailStore::PathOf(ThumbnailKey const &key, DString const &sizeFolder) const {
     if (m_folder.empty())
         return {};
-    return m_folder + (key.isShared ? "/thumbnails/" : "/zelvar/thumbnails/") + sizeFolder + "/" + Md5Of(key.uri) +
-           ".png";
+    return (key.isShared ? m_folder + "/thumbnails" : OwnFolder()) + "/" + sizeFolder + "/" + Md5Of(key.uri) + ".png";
 }
+
+DString ThumbnailStore::OwnFolder() const { return m_folder.empty() ? m_folder : m_folder + "/zelvar/thumbnails"; }
 
 std::optional<DCanvas> ThumbnailStore::Find(ThumbnailKey const &key, int side) const {
     for (KeptSize const *size = SizeFor(side); size != std::end(kSizes); ++size)

@@ -52,6 +52,9 @@ public:
     void Keep(ThumbnailKey const &key, int side, DCanvas const &picture) const;
     void KeepFailure(ThumbnailKey const &key) const;
 
+    /// Where those lie that no other program knows; nobody else keeps that folder within bounds. Empty for nowhere.
+    [[nodiscard]] DString OwnFolder() const;
+
 private:
     /// Where the thumbnail of that name of a folder lies; empty for nowhere.
     [[nodiscard]] DString PathOf(ThumbnailKey const &key, DString const &sizeFolder) const;

@@ -147,6 +147,7 @@ TEST(RasterManager, OfManyReasonsTheOneThatTellsMostIsHeard) {
 TEST(DriverProvider, RunsOnceForAllThreadsAndAgainAfterAReset) {
     ScriptedDrivers const drivers;
     std::atomic<int> runs{0};
+    EXPECT_EQ(RDIDriverMngr::Instance()->GetDriver("late"), nullptr) << "asked before there is a provider";
     SetDriverProvider([&runs] {
         ++runs;
         EXPECT_EQ(RDIDriverMngr::Instance()->GetDriver("late"), nullptr); // a question from inside does not lock up

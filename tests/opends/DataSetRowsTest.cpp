@@ -201,6 +201,13 @@ TEST_F(DataSets, AreFilesOfTheirOwnWhereTheApplicationWantsNoneOfIt) {
     });
     DialogPtr const unfolded = Make(kOpenDataSets);
     Run(*unfolded, 13, [&] { EXPECT_EQ(Choose(*unfolded->MainList(), {}).size(), 2); });
+    DialogPtr const others = Make(kOpenBasket | kOpenFavorites);
+    others->OfferBasket(true);
+    Run(*others, 14, [&] {
+        Select(*others->MainList(), "map.tif");
+        EXPECT_EQ(Choose(*others->MainList(), {}),
+                  QStringList({"Add to Basket\tIns", "Add to Favorites", "Copy Moniker"}));
+    });
 }
 
 TEST(UnfoldedFolders, TheLastHundredAreRemembered) {

@@ -5,6 +5,7 @@
 #include "zelvar/base/DFileFrmt.h"
 #include "zelvar/data/BDINode.h"
 #include "zelvar/model/DataSourceCollector.h"
+#include "zelvar/model/NtwDataSourceItem.h"
 #include "zelvar/opends/BasketStrip.h"
 #include "zelvar/opends/DSDataSourceWnd.h"
 #include "zelvar/opends/DataSourceList.h"
@@ -178,6 +179,29 @@ TEST_F(FavoritesInDialog, OpenWhatTheyStandForAndTouchNothingBefore) {
     });
 }
 
+TEST_F(FavoritesInDialog, ANodeIsSelectedInWhatItLiesIn) {
+    WriteGroups(folder / "g.nc");
+    DString nodePath;
+    Run([&](DlgOpenDS &open, DataSourceList &) {
+        open.GoToDir(folder / "g.nc?GROUP=outer", true);
+        ASSERT_TRUE(Eventually([&] { return open.MainList()->GetNumRow() > 1; }));
+        nodePath = open.MainList()->ItemAt(1)->GetPath();
+    });
+    FavoriteBook::Add(
+        {Kind::Data, nodePath + (nodePath.find('?') == DString::npos ? "?" : "&") + "NUM_THREADS=2", "one"});
+    for (unsigned const features : {kOpenAll + 0U, kOpenFavorites + 0U})
+        Run(
+            [&](DlgOpenDS &open, DataSourceList &list) {
+                ClickRow(list, "one");
+                EXPECT_TRUE(Eventually([&] {
+                    DSListCtrl::ItemList items;
+                    open.MainList()->GetSelectedItems(items);
+                    return items.size() == 1 && items.front()->GetPath() == nodePath;
+                })) << nodePath;
+            },
+            features);
+}
+
 TEST_F(FavoritesInDialog, AreMadeNamedGroupedMovedAndRemoved) {
     Run([&](DlgOpenDS &open, DataSourceList &list) {
         FavoriteRows &rows = *list.OfferedFavorites();
@@ -213,6 +237,7 @@ TEST_F(FavoritesInDialog, AreMadeNamedGroupedMovedAndRemoved) {
                 Rect const rect = list.GetItemRect(RowNamed(list, text));
                 return QPoint(rect.left + 40, rect.top + static_cast<int>(down * list.RowHeight()));
             };
+            list.EnsureVisible(RowNamed(list, "a")); // the last, of a window that is as small as it was remembered
             QTest::mousePress(list.viewport(), Qt::LeftButton, {}, at(what, 0.5));
             QTest::mouseMove(list.viewport(), at(to, part) + QPoint(30, 0));
             QTest::mouseMove(list.viewport(), at(to, part));
@@ -276,6 +301,22 @@ TEST_F(FavoritesInDialog, ASearchIsRunAgain) {
         }));
         EXPECT_EQ(open.MainList()->ItemAt(0)->GetPath(), folder / "a/x.tif");
         EXPECT_EQ(open.Search()->Form()->Draft().modified.least, "7d") << "an age is one still";
+    });
+    Run([&](DlgOpenDS &open, DataSourceList &list) {
+        RefItemPtr<DataSourceItem> const a(NtwDataSourceItem::CreateItem((folder / "a").c_str(), nullptr, nullptr));
+        RefItemPtr<DataSourceItem> const b(NtwDataSourceItem::CreateItem((folder / "b").c_str(), nullptr, nullptr));
+        open.MainList()->ResetItems({a, b});
+        open.Search()->Begin("y");
+        EXPECT_TRUE(Eventually([&] { return !open.Search()->IsSearching() && open.MainList()->GetNumRow() == 2; }));
+        Click(platform::GetDlgItem<QPushButton>(open, kFavoritesId));
+        EXPECT_GE(RowNamed(list, "y in a, b"), 0);
+    });
+    Run([&](DlgOpenDS &open, DataSourceList &list) {
+        ClickRow(list, "y in a, b");
+        EXPECT_TRUE(Eventually([&] {
+            return open.MainList()->IsShowingResults() && !open.Search()->IsSearching() &&
+                   open.MainList()->GetNumRow() == 2;
+        }));
     });
     for (char const *const text : {"", "name=x", "place=", "kind=9", "place=%"})
         EXPECT_EQ(StoredSearch::FromText(text).has_value(), DString(text) == "place=%") << text;

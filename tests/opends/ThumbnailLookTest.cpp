@@ -10,6 +10,7 @@
 #include "zelvar/model/NtwDataSourceItem.h"
 
 #include <QtGui/QWheelEvent>
+#include <QtWidgets/QComboBox>
 #include <QtWidgets/QMenu>
 #include <QtWidgets/QScrollBar>
 #include <QtWidgets/QToolButton>
@@ -194,6 +195,7 @@ TEST(ThumbnailsInDialog, AreAFeatureOfTheMainListAndKnownByKindOfDocument) {
     EnsureDrivers();
     TempFolder const folder;
     WriteImage(folder / "a.tif");
+    folder.Write("b.asc", "ncols 2\nnrows 1\nxllcorner 0\nyllcorner 0\ncellsize 1\n1 2\n");
     DFileFrmt all("", "All Files", "*.*");
     auto const run = [&](unsigned features, DLGTemplate purpose, std::function<void(DlgOpenDS &)> const &act) {
         DlgOpenDS::SetFeatures(features);
@@ -213,7 +215,20 @@ TEST(ThumbnailsInDialog, AreAFeatureOfTheMainListAndKnownByKindOfDocument) {
         Shot(dialog, "DlgOpenDS-rows");
         QTest::keyClick(&dialog, Qt::Key_2, Qt::ControlModifier);
         EXPECT_TRUE(dialog.MainList()->IsTiled());
+        auto const opened = [&] {
+            dialog.MainList()->viewport()->repaint();
+            return dialog.Thumbnails()->IsBusy() ? 0 : dialog.Thumbnails()->GetCounts().opened;
+        };
+        EXPECT_TRUE(Eventually([&] { return opened() == 2; }));
         dialog.MainList()->setFocus();
+        QTest::keyClick(dialog.MainList(), Qt::Key_End);
+        auto const type = [&] { return dialog.PropertyWnd()->findChild<QComboBox *>("DATATYPE"); };
+        ASSERT_TRUE(Eventually([&] { return type() != nullptr; }));
+        type()->setCurrentIndex(2);
+        Q_EMIT type()->activated(2);
+        EXPECT_TRUE(Eventually([&] { return opened() == 3; })) << "with its options it is another picture";
+        DString const stamp = ThumbnailStore().OwnFolder() + "/.pruned"; // which no other program looks after
+        EXPECT_TRUE(Eventually([&] { return std::filesystem::exists(stamp); })) << stamp;
         QTest::keyClick(dialog.MainList(), Qt::Key_Home);
         PressOk(dialog);
     });

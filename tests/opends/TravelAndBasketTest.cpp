@@ -8,6 +8,7 @@
 #include "zelvar/lists/CZelListCtrlVirtual.h"
 #include "zelvar/model/NtwDataSourceItem.h"
 #include "zelvar/opends/BasketStrip.h"
+#include "zelvar/opends/OpenForecast.h"
 #include "zelvar/opends/OpenLine.h"
 #include "zelvar/opends/PlaceTravel.h"
 #include "zelvar/opends/basket/BasketDlg.h"
@@ -18,6 +19,7 @@
 #include "zelvar/settings/Project.h"
 
 #include <QtWidgets/QMenu>
+#include <QtWidgets/QMessageBox>
 
 #include <filesystem>
 
@@ -365,17 +367,43 @@ TEST_F(Travels, ABasketGathersAcrossFoldersAndOkYieldsItInOrder) {
             EXPECT_EQ(rows.GetNumRow(), 0);
             press("Load...");
             EXPECT_EQ(rows.GetNumRow(), 3);
+            auto const drag = [&](int row, int beside, double part) {
+                auto const at = [&](int of, double down) {
+                    Rect const rect = rows.GetItemRect(of);
+                    return QPoint(rect.left + 40, rect.top + static_cast<int>(down * rows.RowHeight()));
+                };
+                QTest::mousePress(rows.viewport(), Qt::LeftButton, {}, at(row, 0.5));
+                QTest::mouseMove(rows.viewport(), at(beside, part) + QPoint(30, 0));
+                QTest::mouseMove(rows.viewport(), at(beside, part));
+                QTest::mouseRelease(rows.viewport(), Qt::LeftButton, {}, at(beside, part));
+                return rows.OnGetItemText(0, 0) + " " + rows.OnGetItemText(1, 0) + " " + rows.OnGetItemText(2, 0);
+            };
+            EXPECT_EQ(drag(0, 1, 0.9), "x.tif y.tif b01.txt");
+            EXPECT_EQ(drag(2, 0, 0.1), "b01.txt x.tif y.tif");
+            EXPECT_TRUE(rows.GetSlct(0));
+            EXPECT_EQ(drag(0, 2, 0.9), "x.tif y.tif b01.txt");
+            EXPECT_EQ(drag(1, 1, 0.9), "x.tif y.tif b01.txt") << "where it is";
             QTest::keyClick(&rows, Qt::Key_Escape);
         });
         Press(list, Qt::Key_B, Qt::ControlModifier);
         EXPECT_TRUE(*listed);
-        PressOk(*dialog);
+        for (QMessageBox::StandardButton const choice : {QMessageBox::No, QMessageBox::Yes}) {
+            auto const asked = OnNextDialog([&](QWidget &window) {
+                auto &question = dynamic_cast<QMessageBox &>(window);
+                EXPECT_EQ(question.objectName(), OpenForecast::kQuestion);
+                EXPECT_TRUE(question.text().contains("cannot be opened: b01.txt")) << question.text().toStdString();
+                Click(question.button(choice));
+            });
+            EXPECT_TRUE(dialog->isVisible());
+            PressOk(*dialog);
+            EXPECT_TRUE(*asked);
+        }
     });
     EXPECT_EQ(answer, 1);
     Texts monikers;
     for (BDIMoniker const &moniker : dialog->GetSelectedNodePaths())
         monikers.push_back(moniker.GetText());
-    EXPECT_THAT(monikers, ElementsAre(folder / "b/y.tif", folder / "a/x.tif", folder / "b/b01.txt"));
+    EXPECT_THAT(monikers, ElementsAre(folder / "a/x.tif", folder / "b/y.tif", folder / "b/b01.txt"));
     ASSERT_EQ(questions.size(), 2U);
     EXPECT_TRUE(questions[0].saves && !questions[1].saves);
 }

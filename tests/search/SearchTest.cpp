@@ -211,6 +211,19 @@ TEST_F(SearchTest, ContainersAreLookedIntoWhereThatIsAskedFor) {
     EXPECT_THAT(Names({.kind = Kind::Container}), ElementsAre("three.tif"));
     EXPECT_EQ(Names({.kind = Kind::Image, .inside = true}).size(), 5U) << "both files and three pages";
     EXPECT_EQ(Names({.kind = Kind::Image}).size(), 2U);
+
+    // What lies in a container was changed when its file was.
+    auto const days = [](int count) { return fs::file_time_type::clock::now() - std::chrono::hours(24 * count); };
+    fs::last_write_time((m_folder / "place/three.tif").c_str(), days(10));
+    auto const pagesSince = [&](int count) {
+        auto const since = std::chrono::system_clock::now() - std::chrono::hours(24 * count);
+        StopSignal const stop{false};
+        return Search({.modified = {.least = std::chrono::nanoseconds(since.time_since_epoch()).count()}}, &m_store)
+            .Run(ItemFromPlace(m_folder / "place/three.tif"), stop, [](SearchHit &&) {})
+            .hits;
+    };
+    EXPECT_EQ(pagesSince(11), 3);
+    EXPECT_EQ(pagesSince(9), 0);
 }
 
 TEST_F(SearchTest, AFolderThatIsDataIsFoundLikeAFileAndNotEntered) {

@@ -38,6 +38,9 @@ bool UsesReaders() {
     return uses;
 }
 
+/// What a test has set is all there is for those behind it in the same process.
+bool g_areReadersSet = false;
+
 } // namespace
 
 ReaderSettings PatientReaders() {
@@ -56,17 +59,20 @@ void UseReaders(ReaderSettings const &settings) {
     static bool watched = false;
     if (!std::exchange(watched, true))
         testing::UnitTest::GetInstance()->listeners().Append(new ReaderWatch);
+    g_areReadersSet = true;
     UseReaderDrivers(settings);
 }
 
 void UseRealDrivers() {
     if (UsesReaders())
-        UseReaders(PatientReaders());
-    else
-        SetDriverProvider([] {
-            RegisterGdalDrivers();
-            RegisterSeriesDriver();
-        });
+        return UseReaders(PatientReaders());
+    UseOwnProcessDrivers();
+    if (std::exchange(g_areReadersSet, false))
+        ForgetDrivers(); // theirs
+    SetDriverProvider([] {
+        RegisterGdalDrivers();
+        RegisterSeriesDriver();
+    });
 }
 
 std::size_t PeakBytesOfDrivers() {

@@ -2,10 +2,12 @@
 
 #include "support/Test.h"
 #include "zelvar/thumbnails/PngPicture.h"
+#include "zelvar/thumbnails/ThumbnailPruner.h"
 
 #include <filesystem>
 #include <fstream>
 
+#include <fcntl.h>
 #include <png.h>
 #include <sys/stat.h>
 
@@ -190,6 +192,40 @@ TEST_F(ThumbnailStoreTest, WhereNothingCanBeWrittenNothingIsKept) {
         store.KeepFailure(key);
         EXPECT_FALSE(store.Find(key, 128) || store.HasFailed(key)) << folder;
     }
+}
+
+TEST_F(ThumbnailStoreTest, OurOwnAreKeptWithinABoundOnceADay) {
+    constexpr int kKiB = 1024;
+    DString const outside = m_folder.Write("outside.png", DString(64 * kKiB, 'x'));
+    for (int i = 0; i < 8; ++i) {
+        DString const file = m_folder.Write(
+            Format("cache/zelvar/thumbnails/%s/%d.png", i % 2 == 0 ? "large" : "fail/x", i), DString(64 * kKiB, 'x'));
+        timespec const times[] = {{1'000'000 + (i * 5) % 8, 0},
+                                  {1'000'000, 0}}; // 0 5 2 7 4 1 6 3: when it was looked at
+        ASSERT_EQ(utimensat(AT_FDCWD, file.c_str(), times, 0), 0);
+    }
+    m_folder.Write("cache/thumbnails/large/shared.png", DString(64 * kKiB, 'x'));
+    fs::create_symlink(outside, m_store.OwnFolder() + "/large/link.png");
+    auto const prune = [&](std::uint64_t files, std::chrono::hours every, bool isOver = false) {
+        return PruneThumbnails(m_store.OwnFolder(), {.bytes = files * 64 * kKiB, .every = every},
+                               [&] { return isOver; });
+    };
+    using std::chrono::hours;
+    EXPECT_EQ(prune(8, hours(0)), 0U) << "just fits";
+    EXPECT_EQ(prune(3, hours(24)), 0U) << "somebody has looked";
+    EXPECT_EQ(prune(3, hours(0), true), 0U);
+    EXPECT_EQ(prune(3, hours(0)), 5U);
+    EXPECT_THAT(Kept(),
+                testing::UnorderedElementsAre("thumbnails/large/shared.png", "zelvar/thumbnails/.pruned",
+                                              "zelvar/thumbnails/fail/x/1.png", "zelvar/thumbnails/fail/x/3.png",
+                                              "zelvar/thumbnails/large/6.png", "../outside.png"))
+        << "the link is there";
+    timespec const future[] = {{0, UTIME_NOW}, {4'000'000'000, 0}};
+    ASSERT_EQ(utimensat(AT_FDCWD, (m_store.OwnFolder() + "/.pruned").c_str(), future, 0), 0);
+    EXPECT_EQ(prune(0, hours(24)), 3U) << "a clock was wrong";
+    EXPECT_EQ(prune(0, hours(0)), 0U);
+    EXPECT_EQ(PruneThumbnails(m_cache + "/none", {}, [] { return false; }), 0U);
+    EXPECT_TRUE(fs::exists(outside));
 }
 
 } // namespace

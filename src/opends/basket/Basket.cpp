@@ -104,6 +104,17 @@ std::set<int> Basket::Move(std::set<int> const &rows, bool down) {
     return moved;
 }
 
+int Basket::MoveBefore(int row, int next) {
+    auto const from = m_entries.begin() + row;
+    auto const to = m_entries.begin() + next;
+    if (from < to)
+        std::rotate(from, from + 1, to);
+    else
+        std::rotate(to, from, from + 1);
+    Changed();
+    return from < to ? next - 1 : next;
+}
+
 DString Basket::Summary() const {
     auto const count = static_cast<long long>(m_entries.size());
     DString const items = Format(Translated("%lld item", "%lld items", count), count);

@@ -38,6 +38,8 @@ public:
     /// Moves the rows by one, up or down, in their order; those that are at that end already stay, and what is next to
     /// them. Where the rows are now.
     std::set<int> Move(std::set<int> const &rows, bool down);
+    /// Makes the row stand before another, or at the end for one behind the last; where it is now.
+    int MoveBefore(int row, int next);
 
     [[nodiscard]] Entries const &All() const { return m_entries; }
     [[nodiscard]] bool IsEmpty() const { return m_entries.empty(); }

@@ -8,6 +8,7 @@
 #include "zelvar/opends/core/FileQuestion.h"
 #include "zelvar/platform/ui/ControlId.h"
 #include "zelvar/platform/ui/Text.h"
+#include "zelvar/views/RowDrag.h"
 
 #include <QtGui/QKeyEvent>
 #include <QtWidgets/QPushButton>
@@ -109,6 +110,13 @@ QWidget *BasketDlg::MakeControl(DialogItem const &item) {
 bool BasketDlg::OnInitDialog() {
     cdxCDynamicDialog::OnInitDialog();
     m_list->show(); // no mere place
+    m_drag = std::make_unique<RowDrag>(
+        *m_list, RowDrag::Rule{.isMovable = [](int) { return true; },
+                               .nameOf =
+                                   [this](int row) {
+                                       return m_basket.All()[static_cast<std::size_t>(row)].monikers.front().GetText();
+                                   },
+                               .drop = [this](int row, int beside, bool behind) { Drop(row, beside, behind); }});
     auto const onClick = [this](int id, auto act) {
         connect(GetDlgItem<QPushButton>(*this, id), &QAbstractButton::clicked, this, act);
     };
@@ -127,6 +135,7 @@ bool BasketDlg::OnInitDialog() {
 }
 
 bool BasketDlg::DestroyWindow() {
+    m_drag.reset();
     m_list = nullptr;
     return cdxCDynamicDialog::DestroyWindow();
 }
@@ -194,6 +203,11 @@ void BasketDlg::Move(bool down) {
         return;
     std::set<int> const moved = m_basket.Move(rows, down);
     Show(moved, down ? *moved.rbegin() : *moved.begin());
+}
+
+void BasketDlg::Drop(int row, int beside, bool behind) {
+    int const now = m_basket.MoveBefore(row, beside + (behind ? 1 : 0));
+    Show({now}, now);
 }
 
 void BasketDlg::Save() {

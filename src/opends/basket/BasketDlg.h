@@ -8,9 +8,10 @@ class QKeyEvent;
 namespace zelvar {
 
 class CZelListCtrlVirtual;
+class RowDrag;
 
-/// The list of what a basket holds: rows are removed (Delete), moved (Alt with an arrow), written to a file of monikers
-/// and read from one. What is changed is changed at once. User-interface thread.
+/// The list of what a basket holds: rows are removed (Delete), moved (Alt with an arrow, or dragged), written to a file
+/// of monikers and read from one. What is changed is changed at once. User-interface thread.
 // NOLINTNEXTLINE(cppcoreguidelines-virtual-class-destructor): the base has a virtual one
 class BasketDlg : public cdxCDynamicDialog {
     Q_OBJECT
@@ -33,6 +34,7 @@ private:
     [[nodiscard]] std::set<int> Selected() const;
     void Remove();
     void Move(bool down);
+    void Drop(int row, int beside, bool behind);
     void Save();
     void Load();
     void Show(std::set<int> const &selected, int focus);
@@ -40,7 +42,8 @@ private:
 
     Basket &m_basket;
     std::function<void(QWidget &)> m_keep;
-    Rows *m_list = nullptr; ///< children
+    Rows *m_list = nullptr; ///< a child
+    std::unique_ptr<RowDrag> m_drag;
 };
 
 } // namespace zelvar

@@ -21,7 +21,9 @@ constexpr std::pair<char const *, Bounds SearchDraft::*> kBounds[] = {
 } // namespace
 
 DString StoredSearch::ToText() const {
-    DString text = "place=" + PercentEncoded(place, true);
+    DString text;
+    for (DString const &place : places)
+        text += (text.empty() ? "place=" : "&place=") + PercentEncoded(place, true);
     auto const add = [&text](DString const &key, DString const &value) {
         if (!value.empty())
             text += "&" + key + "=" + PercentEncoded(value, true);
@@ -41,18 +43,25 @@ DString StoredSearch::ToText() const {
 
 std::optional<StoredSearch> StoredSearch::FromText(DString const &text) {
     std::map<DString, DString> values;
+    std::vector<DString> places;
     for (DString const &piece : Split(text, '&'))
-        if (std::size_t const equals = piece.find('='); equals != DString::npos)
-            values[piece.substr(0, equals)] = PercentDecoded(std::string_view(piece).substr(equals + 1));
+        if (std::size_t const equals = piece.find('='); equals != DString::npos) {
+            DString value = PercentDecoded(std::string_view(piece).substr(equals + 1));
+            if (piece.starts_with("place="))
+                places.push_back(std::move(value));
+            else
+                values[piece.substr(0, equals)] = std::move(value);
+        }
+    std::erase(places, DString());
     auto const number = [&values](char const *key, int most) {
         std::int64_t const value = WholeNumberFrom(values[key]).value_or(0);
         return value > most ? 0 : static_cast<int>(value);
     };
-    if (values["place"].empty())
+    if (places.empty())
         return std::nullopt;
     constexpr int kAllTypes = 0xFFFF;
     StoredSearch search{
-        .place = values["place"],
+        .places = std::move(places),
         .draft = {.name = values["name"],
                   .kind = static_cast<SearchQuery::Kind>(number("kind", static_cast<int>(SearchQuery::Kind::Image))),
                   .format = values["format"],
@@ -65,13 +74,16 @@ std::optional<StoredSearch> StoredSearch::FromText(DString const &text) {
 }
 
 DString StoredSearch::InWords() const {
-    std::string_view folder = place;
-    while (folder.size() > 1 && folder.ends_with('/'))
-        folder.remove_suffix(1);
-    folder = folder.substr(folder.size() == 1 ? 0 : folder.rfind('/') + 1);
+    DString folders;
+    for (std::string_view folder : places) {
+        while (folder.size() > 1 && folder.ends_with('/'))
+            folder.remove_suffix(1);
+        folders.append(folders.empty() ? "" : ", ")
+            .append(folder.substr(folder.size() == 1 ? 0 : folder.rfind('/') + 1));
+    }
     DString const what = draft.name.empty() ? DString("*") : draft.name;
     DString const more = draft.HasFacts() ? " ..." : "";
-    return Format(Translated("%s in %s"), (what + more).c_str(), DString(folder).c_str());
+    return Format(Translated("%s in %s"), (what + more).c_str(), folders.c_str());
 }
 
 } // namespace zelvar

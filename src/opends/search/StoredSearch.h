@@ -2,11 +2,13 @@
 
 #include "zelvar/opends/search/SearchDraft.h"
 
+#include <vector>
+
 namespace zelvar {
 
-/// A search that is kept, to be run again: what was filled in, and below which place. Ages are ages still. A value.
+/// A search that is kept, to be run again: what was filled in, and below which places. Ages are ages still. A value.
 struct StoredSearch {
-    DString place{}; ///< path of the folder, container or address
+    std::vector<DString> places{}; ///< paths of folders, containers or addresses; never none
     SearchDraft draft{};
 
     /// For settings; nothing for a text that is none.

@@ -1,7 +1,7 @@
-#include "zelvar/opends/RowDrag.h"
+#include "zelvar/views/RowDrag.h"
 
-#include "zelvar/opends/DataSourceList.h"
 #include "zelvar/platform/ui/Convert.h"
+#include "zelvar/views/ReportView.h"
 
 #include <QtGui/QKeyEvent>
 #include <QtGui/QMouseEvent>
@@ -21,7 +21,7 @@ constexpr int kScrollInterval = 100; // ms between two rows
 
 } // namespace
 
-RowDrag::RowDrag(DataSourceList &list, Rule rule)
+RowDrag::RowDrag(ReportView &list, Rule rule)
     : m_list(list), m_rule(std::move(rule)), m_mark(new QWidget(list.viewport())) {
     m_mark->setObjectName("dropMark");
     m_mark->setAutoFillBackground(true);
@@ -71,7 +71,7 @@ bool RowDrag::OnMouse(QMouseEvent const &event) {
         int const row = m_list.SubItemHitTest(platform::ToPoint(event.position())).row;
         if (!isEnded && event.button() == Qt::LeftButton && row >= 0 && m_rule.isMovable(row)) {
             m_row = row;
-            m_item = m_list.ItemAt(row);
+            m_name = m_rule.nameOf(row);
             m_pressedAt = m_point;
         }
         return isEnded;
@@ -79,7 +79,8 @@ bool RowDrag::OnMouse(QMouseEvent const &event) {
     if (event.type() == QEvent::MouseButtonRelease) {
         bool const wasDragging = m_isDragging;
         int const row = m_row;
-        bool const drops = wasDragging && event.button() == Qt::LeftButton && m_list.ItemAt(row) == m_item;
+        bool const drops = wasDragging && event.button() == Qt::LeftButton && row < m_list.GetItemCount() &&
+                           m_rule.isMovable(row) && m_rule.nameOf(row) == m_name;
         Slot const slot = drops ? SlotAt(m_point) : Slot();
         End();
         if (slot.beside >= 0)
@@ -104,7 +105,7 @@ void RowDrag::Begin() {
 
 void RowDrag::End() {
     m_row = -1;
-    m_item.reset();
+    m_name.clear();
     m_scrolling.stop();
     m_mark->hide();
     if (!std::exchange(m_isDragging, false))

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "zelvar/model/DataSourceItem.h"
+#include "zelvar/base/DString.h"
 
 #include <QtCore/QBasicTimer>
 #include <QtCore/QObject>
@@ -13,19 +13,21 @@ class QWidget;
 
 namespace zelvar {
 
-class DataSourceList;
+class ReportView;
 
-/// Drags a row of the data source list to another place among rows like it. A line shows where it would go; Escape, and
+/// Drags a row of a list to another place among rows like it. A line shows where it would go; Escape, and
 /// letting go outside, leave everything as it is. User-interface thread.
 class RowDrag : public QObject {
 public:
     struct Rule {
         std::function<bool(int row)> isMovable; ///< whether it is one of these
+        /// What stands there: rows may be listed anew meanwhile.
+        std::function<DString(int row)> nameOf;
         /// The row goes before the row `beside`, or behind it.
         std::function<void(int row, int beside, bool behind)> drop;
     };
     /// Lives at most as long as the list.
-    RowDrag(DataSourceList &list, Rule rule);
+    RowDrag(ReportView &list, Rule rule);
     ~RowDrag() override;
 
     [[nodiscard]] bool IsDragging() const { return m_isDragging; }
@@ -46,11 +48,11 @@ private:
     void Follow();
     [[nodiscard]] Slot SlotAt(QPoint point) const;
 
-    DataSourceList &m_list;
+    ReportView &m_list;
     Rule m_rule;
-    QWidget *m_mark;                   ///< a child of the viewport
-    int m_row = -1;                    ///< that was pressed; -1 for none
-    RefItemPtr<DataSourceItem> m_item; ///< that was there: rows may be listed anew meanwhile
+    QWidget *m_mark; ///< a child of the viewport
+    int m_row = -1;  ///< that was pressed; -1 for none
+    DString m_name;  ///< of what was there
     QPoint m_pressedAt;
     QPoint m_point; ///< of the pointer now, in the viewport
     bool m_isDragging = false;

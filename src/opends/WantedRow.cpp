@@ -1,0 +1,44 @@
+#include "zelvar/opends/WantedRow.h"
+
+#include "zelvar/opends/DSListCtrl.h"
+
+#include <algorithm>
+
+namespace zelvar {
+
+std::vector<DString> WithFewerOptions(DString const &moniker) {
+    std::vector<DString> names{moniker};
+    std::size_t const first = moniker.find('?');
+    for (std::size_t end = moniker.find_last_of("?&"); end != DString::npos && end >= first && end > 0;
+         end = moniker.find_last_of("?&", end - 1))
+        names.push_back(moniker.substr(0, end));
+    return names;
+}
+
+void WantedRow::Want(DString const &moniker, DSListCtrl const &list) {
+    m_names = WithFewerOptions(moniker);
+    list.GetRootItems(m_before);
+    m_rows = -1;
+}
+
+void WantedRow::Update(DSListCtrl &list, bool mayCome) {
+    if (m_names.empty())
+        return;
+    ItemList roots;
+    list.GetRootItems(roots);
+    bool const isOthers = roots != m_before && list.GetNumSlct() > 0; // the user has gone on
+    int const rows = list.GetNumRow();
+    auto best = m_names.end();
+    for (int row = 0; row < rows && rows != m_rows && !isOthers; ++row)
+        if (RefItemPtr<DataSourceItem> const item = list.ItemAt(row); item != nullptr)
+            best = std::min(best, std::find(m_names.begin(), m_names.end(), item->GetPath()));
+    m_rows = rows;
+    if (best != m_names.end())
+        list.SelectPaths({DString(*best)});
+    if (best != m_names.end() || isOthers || !mayCome) {
+        m_names.clear();
+        m_before.clear();
+    }
+}
+
+} // namespace zelvar
