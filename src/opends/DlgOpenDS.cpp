@@ -692,6 +692,7 @@ void DlgOpenDS::AddToBasket(ItemList const &items) {
 
 void DlgOpenDS::TakeBasket() {
     m_monikers.clear();
+    m_isOrdered = true;
     DString folder; // is the same for most
     for (BasketEntry const &entry : m_basket->Content().All()) {
         if (entry.place != folder)
