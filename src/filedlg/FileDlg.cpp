@@ -97,6 +97,8 @@ DString FileDlg::GetPhysFile() const {
 }
 
 void FileDlg::SortData() {
+    if (std::exchange(m_request.isOrdered, false))
+        return;
     // Looking for a name may take a look at the disk.
     std::vector<std::pair<DString, BDIMoniker *>> named;
     named.reserve(m_files.size());

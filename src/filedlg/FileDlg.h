@@ -192,6 +192,7 @@ private:
         int dlgTmplId = 0;
         bool chckReadOnly = false;
         bool chckEditOnly = false;
+        bool isOrdered = false; ///< by the user, in a basket
         DString options;
         DataSourceItem::DataSourceType dataSourceType = DataSourceItem::DST_UNKNOWN;
     };

@@ -83,6 +83,7 @@ bool FileDlg::OpenMFCFileDlgNew(int, char const *, int, char const *, char const
         m_request.format = dialog->GetFormat();
         for (BDIMoniker const &moniker : dialog->GetSelectedNodePaths())
             m_files.push_back(new BDIMoniker(moniker));
+        m_request.isOrdered = dialog->IsOrdered();
         m_request.chckReadOnly = dialog->GetReadOnly();
         m_request.chckEditOnly = dialog->GetEditOnly();
         m_request.dataSourceType = dialog->GetDataSourceType();

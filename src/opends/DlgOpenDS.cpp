@@ -322,6 +322,7 @@ bool DlgOpenDS::TakeGathered() {
             return false;
     }
     m_monikers.clear();
+    m_isOrdered = true;
     DString folder; // is the same for most
     for (BasketEntry const &entry : GatheredItems()->Content().All()) {
         if (entry.place != folder)

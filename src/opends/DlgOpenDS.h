@@ -82,6 +82,8 @@ public:
 
     // Results.
     [[nodiscard]] DVectorSafe<BDIMoniker> const &GetSelectedNodePaths() const { return m_monikers; }
+    /// Whether the user has ordered them: they are a basket.
+    [[nodiscard]] bool IsOrdered() const { return m_isOrdered; }
     [[nodiscard]] DFileFrmt *GetFormat() const { return m_format; }
     [[nodiscard]] bool GetReadOnly() const { return m_readOnly; }
     [[nodiscard]] bool GetEditOnly() const { return m_editOnly; }
@@ -207,6 +209,7 @@ private:
     bool m_layoutDone = false;
     bool m_isPlaceShown = false; ///< the one that the dialog begins at, with all that is in it
     DVectorSafe<BDIMoniker> m_monikers;
+    bool m_isOrdered = false;
     RefItemPtr<DataSourceItem> m_rootItem;
     RefItemPtr<DataSourceItem> m_initItem;
     DString m_title;

@@ -267,6 +267,30 @@ TEST_F(DataOperations, RasterDataIsLoadedInTheFormatUsedLastByItsName) {
     EXPECT_TRUE(ScriptedPlugin::asked.ends_with("0:2 0:2"));
 }
 
+TEST_F(DataOperations, ABasketKeepsTheOrderThatItsUserGaveIt) {
+    Application const application;
+    FileDlg load;
+    load.SetInitFile(folder.Path());
+    for (char const *name : {"a.tif", "b.tif"})
+        folder.Write(name, "x");
+    auto const done = OnNextDialog([](QWidget &window) {
+        auto &dialog = dynamic_cast<DlgOpenDS &>(window);
+        DSListCtrl &list = *dialog.MainList();
+        list.setFocus();
+        for (char const *name : {"b.tif", "a.tif"}) {
+            ASSERT_TRUE(Eventually([&] { return RowOf(list, name) >= 0; }));
+            list.ClearSelection();
+            list.SetSlct(RowOf(list, name), true);
+            QTest::keyClick(&list, Qt::Key_Insert);
+        }
+        PressOk(dialog);
+    });
+    EXPECT_TRUE(load.OpenRasterData(Plugins(), 0, true, true, nullptr));
+    EXPECT_TRUE(*done);
+    ASSERT_EQ(load.GetNumSlctFiles(), 2);
+    EXPECT_TRUE(load.GetFile(0)->GetText().ends_with("b.tif"));
+}
+
 TEST_F(DataOperations, ARasterIsNotSavedAsAGridNorAsRawData) {
     request.answer = {folder / "new.png"};
     EXPECT_TRUE(request.OpenRasterData(Plugins(), 1, false, false, nullptr));
