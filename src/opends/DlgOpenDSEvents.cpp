@@ -36,7 +36,6 @@
 namespace zelvar {
 
 using platform::MessageParam;
-using platform::ToDString;
 using platform::ToQString;
 
 namespace {

@@ -80,27 +80,34 @@ void OpenFavorites::OpenData(DString const &moniker) {
     }
 }
 
-bool OpenFavorites::ShowNode(DString const &moniker) {
+RefItemPtr<DataSourceItem> OpenFavorites::FindNode(DString const &moniker) const {
     DString const file = BDIMoniker(moniker, nullptr).FindFile();
     if (file.empty() || file.size() == moniker.size())
-        return false;
+        return nullptr;
     // Options of the driver may stand behind those that name the node.
     for (DString const &name : WithFewerOptions(moniker)) {
-        RefItemPtr<DataSourceItem> const node = name.size() > file.size() ? m_places.Find(name, false) : nullptr;
+        RefItemPtr<DataSourceItem> node = name.size() > file.size() ? m_places.Find(name, false) : nullptr;
         if (node == nullptr)
             continue;
         node->BuildParents();
-        if (node->GetParent() == nullptr || node->GetPath() != name)
-            continue;
-        if (m_parts.Named() != nullptr && name.size() < moniker.size())
-            m_parts.Named()->Note(name, moniker.substr(name.size() + 1));
-        m_wanted.Want(name, *m_dialog.MainList());
-        // Named, it lies in the container itself: in which group of it only a look tells.
-        RefItemPtr<DataSourceItem> const listed = m_places.FindBelow(node->GetParent(), name);
-        m_places.ShowParent(listed == nullptr ? node : listed);
-        return true;
+        if (node->GetParent() != nullptr && node->GetPath() == name)
+            return node;
     }
-    return false;
+    return nullptr;
+}
+
+bool OpenFavorites::ShowNode(DString const &moniker) {
+    RefItemPtr<DataSourceItem> const node = FindNode(moniker);
+    if (node == nullptr)
+        return false;
+    DString const name = node->GetPath();
+    if (m_parts.Named() != nullptr && name.size() < moniker.size())
+        m_parts.Named()->Note(name, moniker.substr(name.size() + 1));
+    m_wanted.Want(name, *m_dialog.MainList());
+    // Named, it lies in the container itself: in which group of it only a look tells.
+    RefItemPtr<DataSourceItem> const listed = PlaceFinder::FindBelow(node->GetParent(), name);
+    m_places.ShowParent(listed == nullptr ? node : listed);
+    return true;
 }
 
 void OpenFavorites::Update() {

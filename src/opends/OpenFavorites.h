@@ -1,6 +1,7 @@
 #pragma once
 
 #include "zelvar/model/DataSourceItem.h"
+#include "zelvar/opends/DlgOpenDS.h"
 #include "zelvar/opends/WantedRow.h"
 
 #include <list>
@@ -10,7 +11,6 @@ namespace zelvar {
 class OpenParts;
 class PlaceFinder;
 class SelectionOptions;
-class DlgOpenDS;
 struct Favorite;
 
 /// What the open dialog does about favourites of any kind: it makes them of what is selected, searched for or shown,
@@ -31,6 +31,8 @@ public:
 
 private:
     void OpenData(DString const &moniker);
+    /// The node of a container on this machine; null for anything else.
+    [[nodiscard]] RefItemPtr<DataSourceItem> FindNode(DString const &moniker) const;
     /// Shows what a node of a container on this machine lies in; false for anything else.
     [[nodiscard]] bool ShowNode(DString const &moniker);
     void OpenBasket(DString const &file);

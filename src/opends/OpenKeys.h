@@ -1,6 +1,7 @@
 #pragma once
 
 #include "zelvar/base/DString.h"
+#include "zelvar/opends/DlgOpenDS.h"
 
 #include <functional>
 
@@ -9,7 +10,6 @@ class QWidget;
 
 namespace zelvar {
 
-class DlgOpenDS;
 class OpenFields;
 class OpenPanes;
 class OpenParts;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "zelvar/model/DataSourceItem.h"
+#include "zelvar/opends/DlgOpenDS.h"
 #include "zelvar/opends/OpenFeatures.h"
 
 #include <QtCore/QObject>
@@ -15,7 +16,6 @@ namespace zelvar {
 
 class BasketStrip;
 class DataSetRows;
-class DlgOpenDS;
 class DriverChoices;
 class NamedData;
 class OpenFavorites;

@@ -48,7 +48,7 @@ PlaceFinder::Item PlaceFinder::Find(DString const &path, bool report) const {
     return item;
 }
 
-PlaceFinder::Item PlaceFinder::FindBelow(Item const &container, DString const &path) const {
+PlaceFinder::Item PlaceFinder::FindBelow(Item const &container, DString const &path) {
     GUITools::WaitCursor const cursor;
     LookEnd end;
     RequestScope const scope(

@@ -20,7 +20,7 @@ public:
     [[nodiscard]] Item Find(DString const &path, bool report) const;
     /// The node of that path, with the parents that it is listed in, wherever below a container; null for none, if the
     /// user ends the wait, and if it takes longer than three seconds.
-    [[nodiscard]] Item FindBelow(Item const &container, DString const &path) const;
+    [[nodiscard]] static Item FindBelow(Item const &container, DString const &path);
     void Refuse(DString const &path, DError const &error) const;
     /// Shows it; what holds nothing stands for what it lies in.
     void Show(Item const &item) const;
