@@ -276,6 +276,7 @@ TEST_F(DataOperations, ABasketKeepsTheOrderThatItsUserGaveIt) {
     auto const done = OnNextDialog([](QWidget &window) {
         auto &dialog = dynamic_cast<DlgOpenDS &>(window);
         DSListCtrl &list = *dialog.MainList();
+        dialog.ApplyFileFilter("*.*", nullptr);
         list.setFocus();
         for (char const *name : {"b.tif", "a.tif"}) {
             ASSERT_TRUE(Eventually([&] { return RowOf(list, name) >= 0; }));

@@ -38,8 +38,8 @@ bool UsesReaders() {
     return uses;
 }
 
-/// What a test has set is all there is for those behind it in the same process.
-bool g_areReadersSet = false;
+/// The test that has set readers, for those behind it in the same process as well until they are put back.
+testing::TestInfo const *g_setsReaders = nullptr;
 
 } // namespace
 
@@ -59,15 +59,17 @@ void UseReaders(ReaderSettings const &settings) {
     static bool watched = false;
     if (!std::exchange(watched, true))
         testing::UnitTest::GetInstance()->listeners().Append(new ReaderWatch);
-    g_areReadersSet = true;
+    g_setsReaders = testing::UnitTest::GetInstance()->current_test_info();
     UseReaderDrivers(settings);
 }
 
 void UseRealDrivers() {
     if (UsesReaders())
         return UseReaders(PatientReaders());
+    if (g_setsReaders != nullptr && g_setsReaders == testing::UnitTest::GetInstance()->current_test_info())
+        return; // it wants its own
     UseOwnProcessDrivers();
-    if (std::exchange(g_areReadersSet, false))
+    if (std::exchange(g_setsReaders, nullptr) != nullptr)
         ForgetDrivers(); // theirs
     SetDriverProvider([] {
         RegisterGdalDrivers();
