@@ -134,9 +134,17 @@ RefItemPtr<DataSourceItem> MakeFavorite(DString const &path) {
 DString RowTextOf(DataSourceItem const &item) {
     auto const *const place = dynamic_cast<NtwDataSourceItem const *>(&item);
     auto const *const connection = dynamic_cast<TemplDataSourceItem const *>(&item);
-    bool const isUnreachable =
-        (place != nullptr && place->IsUnreachable()) || (connection != nullptr && connection->GetFailure().IsSet());
-    return isUnreachable ? Format(Translated("%s (unreachable)"), item.GetName().c_str()) : item.GetName();
+    DError const failure = connection == nullptr ? DError() : connection->GetFailure();
+    bool const isMarked = failure.IsSet() || (place != nullptr && place->IsUnreachable());
+    return isMarked ? MarkedName(item.GetName(), failure) : item.GetName();
+}
+
+DString MarkedName(DString const &name, DError const &failure) {
+    constexpr int kUnauthorized = 401;
+    // Such a server was reached; what it wants is told by the notice in the list.
+    bool const wantsLogin = failure.Why() == DError::Cause::NeedsPassword ||
+                            (failure.Why() == DError::Cause::Server && failure.Detail() == kUnauthorized);
+    return Format(wantsLogin ? Translated("%s (password)") : Translated("%s (unreachable)"), name.c_str());
 }
 
 void CollectDefinitions(DataSourceRows &rows) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "zelvar/base/Report.h"
 #include "zelvar/model/DataSourceItem.h"
 #include "zelvar/platform/os/ShellId.h"
 
@@ -38,8 +39,11 @@ ZELVAR_API void CollectFavorites(DataSourceRows &rows);
 ZELVAR_API void CollectFavorites(DataSourceRows &rows, std::vector<DString> &later);
 /// One of them; null if its place does not exist. May take as long as a server does. Any thread.
 [[nodiscard]] ZELVAR_API RefItemPtr<DataSourceItem> MakeFavorite(DString const &path);
-/// What a row shows of an item: its name, and that it cannot be reached.
+/// What a row shows of an item: its name, and that it cannot be reached or wants a password.
 [[nodiscard]] ZELVAR_API DString RowTextOf(DataSourceItem const &item);
+/// A name with the mark of that failure: "Lab (password)" where the server takes nobody without one, or not this one,
+/// else "Lab (unreachable)".
+[[nodiscard]] ZELVAR_API DString MarkedName(DString const &name, DError const &failure);
 /// The visible connection definitions, as the user has ordered them, see `DefinitionOrder`, or by name. Writes a new
 /// main file of definitions if there was none.
 ZELVAR_API void CollectDefinitions(DataSourceRows &rows);

@@ -319,7 +319,11 @@ bool DataSourceList::IsDead(DataSourceItem const &item) {
 }
 
 DString DataSourceList::TextOf(DataSourceItem const &item) {
-    return IsDead(item) ? Format(Translated("%s (unreachable)"), item.GetName().c_str()) : RowTextOf(item);
+    if (!IsDead(item))
+        return RowTextOf(item);
+    auto const &favorite = dynamic_cast<FavoriteItem const &>(item); // no other is dead
+    auto const *const tree = dynamic_cast<TemplDataSourceItem const *>(favorite.Target().get());
+    return MarkedName(item.GetName(), tree == nullptr ? DError() : tree->GetFailure());
 }
 
 bool DataSourceList::AddFavorite(RefItemPtr<DataSourceItem> item) {

@@ -177,6 +177,10 @@ TEST_F(ServerPlaces, AConnectionThatFailedIsTriedAgain) {
         ClickSource("Lab");
         EXPECT_TRUE(Says("Lab cannot be opened: its server answered 503", "Retry"));
         EXPECT_EQ(RowTextOf(*dialog->SourceList()->ItemAt(RowOfSource("Lab"))), "Lab (unreachable)");
+        server.Refuse("/lab/", 401);
+        Click(dialog->Waits()->Notice()->Button());
+        EXPECT_TRUE(Eventually(
+            [&] { return RowTextOf(*dialog->SourceList()->ItemAt(RowOfSource("Lab"))) == "Lab (password)"; }));
         server.Serve("/lab/", "<html><title>Index of /lab/</title><a href=\"a.tif\">a.tif</a></html>", "text/html");
         Click(dialog->Waits()->Notice()->Button());
         DSListCtrl const &list = *dialog->MainList();
