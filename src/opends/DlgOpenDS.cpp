@@ -103,6 +103,7 @@ DSPropertyWnd *DlgOpenDS::PropertyWnd() const { return m_panes == nullptr ? null
 OpenForecast *DlgOpenDS::Forecast() const { return m_parts == nullptr ? nullptr : m_parts->Forecast(); }
 PlaceTravel *DlgOpenDS::Travel() const { return m_parts == nullptr ? nullptr : m_parts->Travel(); }
 BasketStrip *DlgOpenDS::GatheredItems() const { return m_parts == nullptr ? nullptr : m_parts->Basket(); }
+bool DlgOpenDS::LoadBasket(DString const &file) { return GatheredItems() != nullptr && GatheredItems()->Load(file); }
 OpenSearch *DlgOpenDS::Search() const { return m_parts == nullptr ? nullptr : m_parts->Search(); }
 ThumbnailLook *DlgOpenDS::Thumbnails() const { return m_parts == nullptr ? nullptr : m_parts->Thumbnails(); }
 

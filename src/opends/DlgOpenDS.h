@@ -115,8 +115,10 @@ public:
     [[nodiscard]] OpenForecast *Forecast() const;     ///< what is known of the line below the panes
     [[nodiscard]] PlaceTravel *Travel() const;        ///< back and forward
     [[nodiscard]] BasketStrip *GatheredItems() const; ///< what was gathered
-    [[nodiscard]] OpenSearch *Search() const;         ///< below the place that is shown
-    [[nodiscard]] ThumbnailLook *Thumbnails() const;  ///< how the items are shown
+    /// Gathers what a file of monikers names, once the window is there; false without a basket, or if it is none.
+    bool LoadBasket(DString const &file);
+    [[nodiscard]] OpenSearch *Search() const;        ///< below the place that is shown
+    [[nodiscard]] ThumbnailLook *Thumbnails() const; ///< how the items are shown
     [[nodiscard]] PathButtonRow const &PathRow() const { return *m_pathButtons; }
 
     QWidget *CreateViewObj(DSplitterWnd *splitter, int row, int col, PaneClass const *paneClass, Size size) override;

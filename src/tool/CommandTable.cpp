@@ -130,6 +130,8 @@ std::vector<CommandSpec> const &AllCommands() {
                      {"--plain", "", "the dialog's panes alone: each file for itself, nothing beside them"},
                      {"--search", "NAME",
                       "search below PLACE, as find --name does; --select is for what it finds then"},
+                     {"--basket", "FILE",
+                      "with --multiple: put what FILE names into the basket, a moniker a line, as open prints them"},
                      {"--select", "NAME", "select the row of that name", Use::Repeats},
                      kOption,
                      {"--accept", "",

@@ -86,6 +86,10 @@ void DialogDriver::SetUp() {
             open->SetRecursive(true);
         if (!m_script.search.empty() && open->Search() != nullptr)
             open->Search()->Begin(m_script.search);
+        if (!m_script.basket.empty() && !open->LoadBasket(m_script.basket)) {
+            m_basketFailed = true;
+            Cancel();
+        }
     }
 }
 

@@ -24,6 +24,7 @@ struct DialogScript {
     DString filter;              ///< mask for the lists of the open data source dialog; empty for none
     bool recursive = false;      ///< that lists subfolders too
     DString search;              ///< part of a name or mask that it searches for; empty for none
+    DString basket;              ///< file of monikers that it puts into its basket; empty for none
     std::optional<WindowSize> size;
     DString shot; ///< picture of the window just before it closes; empty for none
 };
@@ -43,6 +44,8 @@ public:
     [[nodiscard]] DString const &Question() const { return m_question; }
     /// What was said against what was picked, and accepted all the same; empty if nothing was.
     [[nodiscard]] DString const &Warning() const { return m_warning; }
+    /// What is to be put into the basket is no file of monikers, or the dialog has no basket.
+    [[nodiscard]] bool HasFailedBasket() const { return m_basketFailed; }
     /// The picture could not be written.
     [[nodiscard]] bool HasFailedShot() const { return m_shotFailed; }
 
@@ -78,6 +81,7 @@ private:
     bool m_refused = false;
     bool m_shotTaken = false;
     bool m_shotFailed = false;
+    bool m_basketFailed = false;
 };
 
 } // namespace zelvar::tool

@@ -42,10 +42,12 @@ DString FaultOf(Arguments const &arguments, Kind const *kind, int mode) {
     // Behind the platform's dialog the selector of a container may follow.
     if (arguments.All("--select").size() > 1 && !arguments.Has("--multiple") && !arguments.Has("--standard"))
         return "several --select need --multiple";
-    if (arguments.Has("--standard") &&
-        (arguments.Has("--recursive") || arguments.Has("--series") || arguments.Has("--plain") ||
-         arguments.values.contains("--filter") || arguments.values.contains("--search")))
-        return "--filter, --recursive, --search, --series and --plain are for the library's own dialog";
+    if (arguments.Has("--standard") && (arguments.Has("--recursive") || arguments.Has("--series") ||
+                                        arguments.Has("--plain") || arguments.values.contains("--filter") ||
+                                        arguments.values.contains("--search") || arguments.values.contains("--basket")))
+        return "--basket, --filter, --recursive, --search, --series and --plain are for the library's own dialog";
+    if (arguments.values.contains("--basket") && (arguments.Has("--plain") || !arguments.Has("--multiple")))
+        return "--basket needs --multiple, and not --plain";
     if (arguments.values.contains("--search") && arguments.Has("--plain"))
         return "--plain knows no search";
     if (arguments.Has("--series") && arguments.Has("--plain"))
@@ -68,6 +70,7 @@ DialogScript ScriptOf(Arguments const &arguments, bool attended) {
             .filter = arguments.Value("--filter"),
             .recursive = arguments.Has("--recursive"),
             .search = arguments.Value("--search"),
+            .basket = arguments.Value("--basket"),
             .size = isSized ? ParseSize(arguments.Value("--size", "920x640")) : std::nullopt,
             .shot = arguments.Value("--shot")};
 }
@@ -109,7 +112,7 @@ DString WhyNotSaved(DString const &path) {
     return "cannot write to '" + folder + "'";
 }
 
-int Outcome(DialogDriver const &driver, FileDlg const &request, bool opened, DString const &shot) {
+int Outcome(DialogDriver const &driver, FileDlg const &request, bool opened, Arguments const &arguments) {
     if (driver.HasTimedOut())
         std::fputs("zelvar: what is to be selected did not come within 30 s\n", stderr);
     if (!driver.Warning().empty())
@@ -118,8 +121,10 @@ int Outcome(DialogDriver const &driver, FileDlg const &request, bool opened, DSt
         std::fprintf(stderr, "zelvar: answered no: %s\n", driver.Question().c_str());
     else if (driver.WasRefused())
         std::fputs("zelvar: OK cannot be pressed with what is selected\n", stderr);
+    if (driver.HasFailedBasket())
+        return Failure("cannot take '" + arguments.Value("--basket") + "' into a basket");
     if (driver.HasFailedShot())
-        return Failure("cannot write '" + shot + "'");
+        return Failure("cannot write '" + arguments.Value("--shot") + "'");
     if (!opened)
         return kNothing;
     for (int i = 0; i < request.GetNumSlctFiles(); ++i)
@@ -181,7 +186,7 @@ int RunRequest(CommandSpec const &spec, int mode, std::vector<DString> const &wo
     ZelvarShutdown();
     if (!areValues)
         return kFailed;
-    return Outcome(driver, request, opened, arguments->Value("--shot"));
+    return Outcome(driver, request, opened, *arguments);
 }
 
 } // namespace

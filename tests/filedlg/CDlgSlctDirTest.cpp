@@ -101,7 +101,6 @@ TEST_F(SelectDirectory, TheFolderIsRememberedUnderItsKey) {
         EXPECT_EQ(next.GetInitDir(), begin);
         EXPECT_EQ(Remembered(), folder / "known") << "nothing was chosen";
     }
-    EXPECT_EQ(CDlgSlctDir::strPrtclDir, "Protocol Operation Folder");
 }
 
 TEST_F(SelectDirectory, AnActionLibraryIsTheLibraryFileInAFolder) {

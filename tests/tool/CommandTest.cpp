@@ -214,6 +214,12 @@ TEST_F(Command, OpenPrintsAMonikerALineAndSeveralOnlyWithMultiple) {
     EXPECT_THAT(Split(both.out, '\n'), testing::UnorderedElementsAre(folder / "grey.tif", folder / "b c.tif", ""));
     words.pop_back();
     EXPECT_EQ(Zelvar(words).exitCode, 2);
+    std::string const list = folder.Write("list.txt", "# kept\ngrey.tif\n" + folder / "b c.tif" + "\n");
+    std::string const none = folder.Write("none.txt", std::string("a\0b", 3));
+    EXPECT_EQ(Zelvar({"open", "--multiple", "--basket", list, "--accept"}).out,
+              folder / "grey.tif\n" + folder / "b c.tif\n");
+    EXPECT_EQ(Zelvar({"open", "--multiple", "--basket", none, "--accept"}).exitCode, 3);
+    EXPECT_EQ(Zelvar({"open", "--basket", list}).exitCode, 2);
 }
 
 TEST_F(Command, OpenStartsInTheFolderOfAFileAndFindsRowsInSubfolders) {
