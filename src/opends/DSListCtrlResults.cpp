@@ -1,4 +1,4 @@
-// The results of a search in a list; how it lists stands in DSListCtrl.cpp.
+// The results of a search in a list; how it lists stands in DSListCtrlListing.cpp.
 #include "zelvar/base/PathStyle.h"
 #include "zelvar/base/Translation.h"
 #include "zelvar/opends/DSListing.h"
