@@ -58,18 +58,11 @@ struct DataSets : testing::Test {
     /// Chooses that entry of the menu over the list; the texts of all of them.
     static QStringList Choose(DSListCtrl &list, QString const &text) {
         QStringList texts;
-        QTimer look;
-        QObject::connect(&look, &QTimer::timeout, &look, [&] {
-            auto *const menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
-            if (menu == nullptr)
-                return;
-            look.stop();
-            for (QAction *const action : menu->actions())
+        MenuHand const hand([&](QMenu &menu) {
+            for (QAction *const action : menu.actions())
                 if (texts << action->text() + (action->isChecked() ? "*" : ""); action->text() == text)
-                    QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(action).center());
-            menu->close();
+                    QTest::mouseClick(&menu, Qt::LeftButton, {}, menu.actionGeometry(action).center());
         });
-        look.start(5);
         list.ContextMenu(list.mapToGlobal(QPoint(5, 5)));
         texts.removeAll(QString());
         return texts;

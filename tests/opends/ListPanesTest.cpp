@@ -377,19 +377,13 @@ TEST_F(ListPanes, TheContextMenuComesOverAFavouriteOnlyAndDeletesIt) {
     auto const askForMenu = [&](int row) {
         list.SetItemState(row, LVIS_SELECTED, LVIS_SELECTED);
         bool came = false;
-        QTimer look;
-        QObject::connect(&look, &QTimer::timeout, [&] {
-            QWidget *const menu = QApplication::activePopupWidget();
-            if (menu == nullptr)
-                return;
-            look.stop();
+        MenuHand const hand([&](QMenu &menu) {
             came = true;
             Shot(list, "DataSourceList-favourite");
-            Shot(*menu, "DataSourceList-menu");
-            QTest::keyClick(menu, Qt::Key_Down);
-            QTest::keyClick(menu, Qt::Key_Return);
+            Shot(menu, "DataSourceList-menu");
+            QTest::keyClick(&menu, Qt::Key_Down);
+            QTest::keyClick(&menu, Qt::Key_Return);
         });
-        look.start(1);
         Rect const rect = list.GetItemRect(row);
         QPoint const at(rect.left + 30, (rect.top + rect.bottom) / 2);
         QContextMenuEvent event(QContextMenuEvent::Mouse, at, list.viewport()->mapToGlobal(at));

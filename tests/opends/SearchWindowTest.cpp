@@ -186,18 +186,12 @@ TEST_F(SearchWindow, AFolderThatWasFoundIsEnteredByMouseAndByReturnAndThePlaceOf
     Run([&] {
         SearchFor("nearer");
         ClickRow("nearer.png");
-        QTimer look;
         QStringList offered;
-        QObject::connect(&look, &QTimer::timeout, &look, [&] {
-            auto *const menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
-            if (menu == nullptr)
-                return;
-            look.stop();
-            for (QAction const *const action : menu->actions())
+        MenuHand const hand([&](QMenu &menu) {
+            for (QAction const *const action : menu.actions())
                 offered << action->text();
-            QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(menu->actions().front()).center());
+            QTest::mouseClick(&menu, Qt::LeftButton, {}, menu.actionGeometry(menu.actions().front()).center());
         });
-        look.start(5);
         List().ContextMenu(List().mapToGlobal(QPoint(5, 5)));
         EXPECT_EQ(offered, QStringList({"Open Containing Folder", "Add to Favorites", "Copy Moniker"}));
         EXPECT_FALSE(List().IsShowingResults());

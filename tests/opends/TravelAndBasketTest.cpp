@@ -291,19 +291,13 @@ TEST_F(Travels, RecentPlacesAreThereInTheNextDialog) {
     DialogPtr const dialog = Make();
     Run(*dialog, [&] {
         QStringList texts;
-        QTimer look;
-        QObject::connect(&look, &QTimer::timeout, &look, [&] {
-            auto *const menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
-            if (menu == nullptr)
-                return;
-            look.stop();
-            for (QAction *const action : menu->actions())
+        MenuHand const hand([&](QMenu &menu) {
+            for (QAction *const action : menu.actions())
                 texts << action->toolTip();
-            Shot(*menu, "DlgOpenDS-recent");
-            QTest::keyClick(menu, Qt::Key_Down);
-            QTest::keyClick(menu, Qt::Key_Return);
+            Shot(menu, "DlgOpenDS-recent");
+            QTest::keyClick(&menu, Qt::Key_Down);
+            QTest::keyClick(&menu, Qt::Key_Return);
         });
-        look.start(5);
         Press(*dialog->MainList(), Qt::Key_H, Qt::ControlModifier);
         EXPECT_TRUE(!texts.isEmpty() && texts.front().contains(ToQString(folder / "b"))) << texts.size();
         EXPECT_THAT(ToDString(texts.join(' ')), testing::Not(HasSubstr(folder / "c"))) << "cancel keeps nothing";
