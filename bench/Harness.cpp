@@ -41,9 +41,16 @@ Output &TheOutput() {
     return output;
 }
 
-std::string Number(char const *format, double value) {
+/// With that many significant digits.
+std::string Number(double value, int digits) {
     char text[64];
-    std::snprintf(text, sizeof text, format, value);
+    std::snprintf(text, sizeof text, "%.*g", digits, value);
+    return text;
+}
+
+std::string Fixed(double value) {
+    char text[400]; // the largest number is that long
+    std::snprintf(text, sizeof text, "%.3f", value);
     return text;
 }
 
@@ -53,9 +60,9 @@ std::string TextOf(Beside const &beside) {
     std::string text;
     auto const add = [&](std::string const &part) { text += (text.empty() ? "" : "; ") + part; };
     if (beside.limit)
-        add("limit " + Number("%.10g", *beside.limit));
+        add("limit " + Number(*beside.limit, 10));
     for (Alternative const &other : beside.alternatives)
-        add(other.name + (other.value ? Number(" %.3f", *other.value) : " is not installed"));
+        add(other.name + (other.value ? " " + Fixed(*other.value) : " is not installed"));
     if (!beside.note.empty())
         add(beside.note);
     return text;
@@ -87,7 +94,7 @@ std::string Quoted(std::string const &text) {
 }
 
 std::string JsonOf(std::optional<double> const &value) {
-    return value && std::isfinite(*value) ? Number("%.17g", *value) : "null"; // JSON knows no other numbers
+    return value && std::isfinite(*value) ? Number(*value, 17) : "null"; // JSON knows no other numbers
 }
 
 void PrintObject(std::string const &name, double value, std::string const &unit, Beside const &beside) {

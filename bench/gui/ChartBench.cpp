@@ -99,7 +99,7 @@ bench::Register const growing("chart.growth", [] {
         plot.resize(kWidth, kHeight);
         std::size_t const before = bench::ResidentBytes();
         for (int i = 0; i < count; ++i)
-            plot.AddData(i, (i * 7919LL) % 1'000'003, nullptr, nullptr);
+            plot.AddData(i, static_cast<double>((i * 7919LL) % 1'000'003), nullptr, nullptr);
         double const bytes = static_cast<double>(bench::ResidentBytes() - before) / count;
         plot.SetTickX(count / 10.0);
         plot.SetTickY(1e5);
