@@ -215,15 +215,18 @@ TEST_F(SearchTest, ContainersAreLookedIntoWhereThatIsAskedFor) {
     // What lies in a container was changed when its file was.
     auto const days = [](int count) { return fs::file_time_type::clock::now() - std::chrono::hours(24 * count); };
     fs::last_write_time((m_folder / "place/three.tif").c_str(), days(10));
-    auto const pagesSince = [&](int count) {
-        auto const since = std::chrono::system_clock::now() - std::chrono::hours(24 * count);
+    auto const pages = [&](SearchQuery const &query) {
         StopSignal const stop{false};
-        return Search({.modified = {.least = std::chrono::nanoseconds(since.time_since_epoch()).count()}}, &m_store)
-            .Run(ItemFromPlace(m_folder / "place/three.tif"), stop, [](SearchHit &&) {})
-            .hits;
+        return Search(query, &m_store).Run(ItemFromPlace(m_folder / "place/three.tif"), stop, [](SearchHit &&) {}).hits;
     };
-    EXPECT_EQ(pagesSince(11), 3);
-    EXPECT_EQ(pagesSince(9), 0);
+    auto const since = [](int count) {
+        auto const time = std::chrono::system_clock::now() - std::chrono::hours(24 * count);
+        return SearchQuery{.modified = {.least = std::chrono::nanoseconds(time.time_since_epoch()).count()}};
+    };
+    EXPECT_EQ(pages(since(11)), 3);
+    EXPECT_EQ(pages(since(9)), 0);
+    EXPECT_EQ(pages({.width = {64, 64}}), 3) << "their facts are read";
+    EXPECT_EQ(pages({.width = {65, {}}}), 0);
 }
 
 TEST_F(SearchTest, AFolderThatIsDataIsFoundLikeAFileAndNotEntered) {
