@@ -41,6 +41,7 @@ struct ThumbnailReading : test::HostileFiles {
             lock.unlock();
             for (ThumbnailReader::Answer const &answer : m_reader->Take()) {
                 ++count;
+                m_width = answer.picture.GetWidth();
                 if (answer.picture.HasData())
                     with.push_back(answer.name);
             }
@@ -60,6 +61,7 @@ struct ThumbnailReading : test::HostileFiles {
     std::mutex m_mutex;
     std::condition_variable m_changed;
     bool m_isTold = false;
+    int m_width = 0; ///< of the last answer's picture
     DString const m_cache = folder.Folder("cache");
     std::vector<std::weak_ptr<ThumbnailReader>> m_readers; ///< all that were made
     std::shared_ptr<ThumbnailReader> m_reader = Create();
@@ -85,6 +87,9 @@ TEST_F(ThumbnailReading, FilesThatEndReadersLeaveTheRestAndAreNotTriedAgain) {
     EXPECT_THAT(Await(12), testing::UnorderedElementsAreArray(good));
     EXPECT_EQ(m_reader->GetCounts().opened, 0);
     EXPECT_EQ(m_reader->GetCounts().found, 12);
+    Want({good.front()}, 5);
+    EXPECT_EQ(Await(1).size(), 1U);
+    EXPECT_EQ(m_width, 5) << "from the one that is kept";
 }
 
 TEST_F(ThumbnailReading, WhatIsNotWantedAnyMoreIsDroppedAndTheNewestComesFirst) {
