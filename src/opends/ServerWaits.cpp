@@ -235,6 +235,8 @@ ServerWaits::Offer ServerWaits::OfferFor(State const &state) {
     }
     bool const isTyped = connection.secret == SecretPlace::Ask || connection.secret == SecretPlace::Keyring;
     DString login = isTyped ? LoginFailureInWords(connection, state.failure) : DString();
+    if (DString const refusal = SecretStore::Instance().KeyringRefusal(connection); !login.empty() && !refusal.empty())
+        login = refusal; // which is why the server was told none
     return login.empty() ? Offer() : Offer{.connection = connection.name, .login = std::move(login)};
 }
 
