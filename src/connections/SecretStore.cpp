@@ -132,6 +132,7 @@ struct SecretStore::Memory {
     struct Told {
         SecretAnswer answer;
         Clock::time_point until;
+        bool isRefusal; ///< of one that is there
     };
     std::mutex mutex;
     std::map<SecretKey, Secret> secrets;
@@ -184,8 +185,15 @@ SecretAnswer SecretStore::AskKeyring(SecretKey const &key, StopSignal const *sto
     }
     Clock::duration const holds = isFound ? Clock::duration(kSecretHolds) : Clock::duration(kSilenceHolds);
     std::lock_guard const lock(m_memory->mutex);
-    m_memory->byKeyring[key] = {answer, Clock::now() + holds};
+    m_memory->byKeyring[key] = {answer, Clock::now() + holds, !isFound && isThere};
     return answer;
+}
+
+DString SecretStore::KeyringRefusal(Connection const &connection) const {
+    std::optional<SecretKey> const key = SecretKeyOf(connection);
+    std::lock_guard const lock(m_memory->mutex);
+    auto const told = key ? m_memory->byKeyring.find(*key) : m_memory->byKeyring.end();
+    return told != m_memory->byKeyring.end() && told->second.isRefusal ? told->second.answer.words : DString();
 }
 
 SecretAnswer SecretStore::Find(Connection const &connection, StopSignal const *stop) const {

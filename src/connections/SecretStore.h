@@ -38,6 +38,9 @@ public:
 
     /// Looks where `connection.secret` says. An answer of the keyring holds for a while.
     [[nodiscard]] SecretAnswer Find(Connection const &connection, StopSignal const *stop = nullptr) const;
+    /// Why the keyring, when it was asked last, did not tell whether it keeps a password; empty if it did. Asks nobody,
+    /// so that it may be called on a window's thread, too.
+    [[nodiscard]] DString KeyringRefusal(Connection const &connection) const;
     /// Keeps a password where the connection says, or in memory where that cannot be: `words` tells why.
     SecretAnswer Keep(Connection const &connection, Secret const &secret, StopSignal const *stop = nullptr);
     /// From memory and keyring. False if a keyring that is there keeps it all the same.

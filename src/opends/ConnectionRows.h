@@ -38,6 +38,8 @@ public:
     void Make();
     /// The same behind the present event.
     void MakeSoon();
+    /// Runs the page of a connection; with `tests` it is tried at once. What was changed is opened then.
+    void Edit(DString const &name, bool tests);
     /// Whether a change is under way.
     [[nodiscard]] bool IsBusy() const { return !m_jobs.empty(); }
 
@@ -60,7 +62,6 @@ private:
     [[nodiscard]] bool IsMakerSelected() const;
     [[nodiscard]] std::vector<DString> Names() const; ///< in the order of the rows
     void Connect(DString const &name);
-    void Edit(DString const &name, bool tests);
     void Duplicate(DString const &name);
     void Rename(DString const &name);
     void Move(DString const &name, int by);

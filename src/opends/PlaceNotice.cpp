@@ -46,6 +46,8 @@ PlaceNotice::PlaceNotice(QAbstractScrollArea &list)
         if (m_onOffer)
             m_onOffer();
     });
+    setTabOrder(&list, m_offer); // as they lie there, also backwards
+    setTabOrder(m_offer, m_button);
     list.viewport()->installEventFilter(this);
     hide();
 }

@@ -8,6 +8,7 @@
 #include "zelvar/connections/ListingWords.h"
 #include "zelvar/connections/SecretStore.h"
 #include "zelvar/model/OpenOutcome.h"
+#include "zelvar/opends/ConnectionRows.h"
 #include "zelvar/opends/DSListCtrl.h"
 #include "zelvar/opends/DataSourceList.h"
 #include "zelvar/opends/HierarchyList.h"
@@ -233,15 +234,28 @@ ServerWaits::Offer ServerWaits::OfferFor(State const &state) {
         std::optional<HostAndPort> host = HostSentOnTo(state.failure.Text());
         return host ? Offer{.connection = connection.name, .host = *std::move(host)} : Offer();
     }
+    if (state.failure.Why() == DError::Cause::Untrusted && !HostUntrustedElsewhere(state.failure.Text()))
+        return {.connection = connection.name, .isCertificate = true};
     bool const isTyped = connection.secret == SecretPlace::Ask || connection.secret == SecretPlace::Keyring;
     DString login = isTyped ? LoginFailureInWords(connection, state.failure) : DString();
+    if (DString const refusal = SecretStore::Instance().KeyringRefusal(connection); !login.empty() && !refusal.empty())
+        login = refusal; // which is why the server was told none
     return login.empty() ? Offer() : Offer{.connection = connection.name, .login = std::move(login)};
+}
+
+DString ServerWaits::ButtonOf(Offer const &offer) {
+    if (offer.isCertificate)
+        return Translated("Certificate...");
+    return offer.login.empty() ? Format(Translated("Allow %s"), TextOf(offer.host).c_str())
+                               : DString(Translated("Password..."));
 }
 
 void ServerWaits::TakeOffer() {
     Offer const offer = m_offer;
     if (offer.connection.empty() || m_changing != nullptr)
         return;
+    if (offer.isCertificate)
+        return m_panes.sources.Connections()->Edit(offer.connection, true);
     if (offer.login.empty())
         return Change([offer](StopSignal const &) { return AllowHost(offer.connection, offer.host); });
     QPointer<ServerWaits> const self(this);
@@ -311,9 +325,7 @@ void ServerWaits::Update() {
     if (!m_offer.login.empty())
         state.words = Format(Translated("%s cannot be opened: %s"), m_offer.connection.c_str(), m_offer.login.c_str()) +
                       "\n\n" + state.failure.Text();
-    m_notice->Offer(!isOffered              ? DString()
-                    : m_offer.login.empty() ? Format(Translated("Allow %s"), TextOf(m_offer.host).c_str())
-                                            : DString(Translated("Password...")));
+    m_notice->Offer(isOffered ? ButtonOf(m_offer) : DString());
     m_notice->Show(Redacted(state.words), button, top);
 }
 

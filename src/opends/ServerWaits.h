@@ -72,13 +72,16 @@ private:
         DError failure{}; ///< of a server
         DString place{};  ///< whose it is: an address
     };
-    /// What a connection of the user lacks: a host that it would have to reach as well, or a password.
+    /// What a connection of the user lacks: a host that it would have to reach as well, a password, or trust in the
+    /// certificate of its server, which its page tells all about.
     struct Offer {
         DString connection{}; ///< its name; empty for no offer
         HostAndPort host{};
         DString login{}; ///< what is wrong with the login, if it is the password
+        bool isCertificate = false;
     };
     [[nodiscard]] static Offer OfferFor(State const &state);
+    [[nodiscard]] static DString ButtonOf(Offer const &offer);
     void TakeOffer();
     void Change(std::function<ConnectionChange(StopSignal const &)> change);
     void OnChanged();

@@ -103,6 +103,13 @@ DString PlaceFromRoot(DString const &place) {
     return file.Exist() ? file.GetAbsolutePath() : place;
 }
 
+/// Whether the dialog looks for the place itself, behind its window, and says there why it finds none: a server may
+/// take its time.
+bool IsFoundByDialog(DString const &place, Arguments const &arguments) {
+    return !arguments.Has("--standard") && !arguments.Has("--plain") &&
+           (place.starts_with("source:") || BDIMoniker(place, nullptr).IsUrl());
+}
+
 /// Why nothing can be saved under the name; empty if it can.
 DString WhyNotSaved(DString const &path) {
     DFile const file(path);
@@ -161,7 +168,8 @@ int RunRequest(CommandSpec const &spec, int mode, std::vector<DString> const &wo
     if (!arguments->words.empty()) {
         DString const &word = arguments->words.front();
         DString const place = mode == kLoad ? PlaceOf(word) : word; // what is yet to be is called just so
-        if (mode == kLoad && (place.empty() || ItemFromPlace(place) == nullptr))
+        bool const isFoundLater = attended && IsFoundByDialog(place, *arguments);
+        if (mode == kLoad && (place.empty() || (!isFoundLater && ItemFromPlace(place) == nullptr)))
             return Failure(WithReason("cannot access '" + place + "'", place));
         DString const path = mode == kLoad ? PlaceFromRoot(place) : DFile(place).GetAbsolutePath();
         if (DString const reason = mode == kSave ? WhyNotSaved(path) : DString(); !reason.empty())

@@ -80,9 +80,18 @@ TEST(SecretStore, TheKeyringOfADesktopKeepsThePasswordAndASilentOneHoldsNobody) 
     EXPECT_EQ(store.Find(connection).kept, Kept::Nowhere);
 
     ASSERT_TRUE(isServed());
+    EXPECT_EQ(store.Keep(Database(SecretPlace::Keyring, "kept"), Secret("MARKER")).kept, Kept::Keyring);
     bus.LockKeyring();
     EXPECT_EQ(KeyringService::Look(attributes, kLong).state, KeyringState::Locked);
     EXPECT_EQ(KeyringService::Look({{"user", "x"}}, kLong).state, KeyringState::None);
+    for (auto const &[user, words] :
+         test::Rows<char const *, char const *>{{"kept", "The keyring is locked"}, {"x", ""}}) {
+        Connection const asked = Database(SecretPlace::Keyring, user);
+        EXPECT_EQ(store.KeyringRefusal(asked), "");
+        EXPECT_EQ(store.Find(asked).kept, Kept::Nowhere);
+        EXPECT_THAT(store.KeyringRefusal(asked), testing::StartsWith(words));
+        EXPECT_EQ(store.KeyringRefusal(asked).empty(), *words == 0);
+    }
     EXPECT_THAT(store.Keep(Database(SecretPlace::Keyring, "late"), Secret("MARKER")).words, HasSubstr("is locked"));
     bus.SilenceKeyring();
     EXPECT_EQ(KeyringService::Look(attributes, milliseconds(50)).state, KeyringState::Late);

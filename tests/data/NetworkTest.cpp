@@ -220,11 +220,15 @@ TEST_F(ObjectStore, WhatKeepsAPlaceFromBeingListedIsTold) {
     m_server.Serve("/page/", "<html><title>Welcome</title></html>", "text/html");
     m_server.Serve("/bomb/", "<!DOCTYPE a [<!ENTITY b \"c\">]><multistatus>&b;</multistatus>", "text/xml");
     m_server.Refuse("/403/", 403);
+    m_server.Refuse("/words/", 503, "Closed today\n");
+    m_server.Serve("/film/", std::string(1 << 20, '\xFF'));
     std::vector<std::tuple<DString, DError::Cause, int, char const *>> cases{
         {"http://127.0.0.1:1/d/", NoAnswer, -1, "127.0.0.1"},
         {locked.Url() + "/d/", Server, 401, "401"},
         {m_server.Url() + "/403/", Server, 403, "403"},
         {m_server.Url() + "/404/", Server, 404, "404"},
+        {m_server.Url() + "/words/", Server, 503, "503"},
+        {m_server.Url() + "/film/", NotSupported, -1, "something else"},
         {m_server.Url() + "/page/", NotSupported, -1, "Welcome"},
         {m_server.Url() + "/bomb/", NotSupported, -1, "web page"}};
     for (auto const &[code, cause] : {std::pair{"NoSuchBucket", Missing},

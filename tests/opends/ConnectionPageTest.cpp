@@ -306,6 +306,42 @@ TEST_F(ConnectionPages, OfferWhatLetsATestGoOn) {
                                               HasSubstr("allow=\"" + host + "\"")));
 }
 
+TEST_F(ConnectionPages, AreWhereACertificateThatHasChangedIsAccepted) {
+    WebServer secured;
+    ASSERT_TRUE(secured.StartTls());
+    Connection share = Web("Share");
+    share.fields = {{"address", "https://" + secured.Place() + "/open/"},
+                    {"fingerprint", *FingerprintIn(secured.Fingerprint())}};
+    ASSERT_TRUE(SaveConnection(share).isDone);
+    ASSERT_TRUE(secured.RenewCertificate());
+    OnList([&](DataSourceList &list) {
+        Select(list, "Share");
+        auto *const notice = list.window()->findChild<QWidget *>("placeNotice");
+        ASSERT_NE(notice, nullptr);
+        QPushButton *offer = nullptr;
+        ASSERT_TRUE(Eventually([&] {
+            for (QPushButton *const button : notice->findChildren<QPushButton *>())
+                offer = button->isVisible() && button->text() == "Certificate..." ? button : offer;
+            return offer != nullptr;
+        }));
+        auto const done = OnQuestion(list, [&](QWidget &window) {
+            auto &page = dynamic_cast<ConnectionDlg &>(window);
+            EXPECT_TRUE(Eventually([&] { return page.IsBusy(); })); // it is tried at once
+            EXPECT_THAT(Steps(page), testing::EndsWith("encryption- "));
+            EXPECT_THAT(page.Trial()->Words()->text().toStdString(), HasSubstr("is not the one that was accepted"));
+            Click(page.Trial()->OfferButton());
+            EXPECT_THAT(Steps(page), HasSubstr("listing+ "));
+            Click(platform::GetDlgItem(page, 1));
+            EXPECT_TRUE(Eventually([&] { return !page.isVisible(); }));
+        });
+        QTest::keyClick(offer, Qt::Key_Space);
+        EXPECT_TRUE(*done);
+        EXPECT_TRUE(Eventually([&] { return list.IsConnectionOpen("Share"); }));
+        EXPECT_TRUE(Eventually([&] { return !notice->isVisible(); }));
+    });
+    EXPECT_THAT(Definitions(), HasSubstr(*FingerprintIn(secured.Fingerprint())));
+}
+
 TEST_F(ConnectionPages, StopATestBeforeTheyClose) {
     server.Hang();
     ConnectionDlg page(nullptr, ConnectionBook::Entry{.connection = Web("silent")});

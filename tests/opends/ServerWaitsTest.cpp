@@ -244,6 +244,9 @@ TEST_F(ServerPlaces, APasswordThatNobodyKeepsIsAskedForWhereTheRowsWouldStand) {
                 Press(Qt::Key_Tab);
                 EXPECT_EQ(dialog->focusWidget(), next);
             }
+            Press(Qt::Key_Tab);
+            QTest::keyClick(dialog->focusWidget(), Qt::Key_Backtab);
+            EXPECT_EQ(dialog->focusWidget(), offer);
             QTest::keyClick(offer, Qt::Key_Space);
             EXPECT_TRUE(*asked);
             bool const isTried = *password != 0; // until then nothing is offered

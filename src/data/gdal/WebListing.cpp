@@ -62,19 +62,23 @@ struct Answer {
     bool isRefused = false; ///< by the server itself, which answers
 };
 
-/// Takes a body as long as it may be a listing: marked up text of a bounded size.
+/// Takes a body as long as it may be a listing: marked up text of a bounded size. Of anything else it takes what a
+/// server may say of a refusal, whose number is told behind it.
 struct Body {
     DString text;
     bool isTooLong = false;
     bool isOther = false;
+    bool isCut = false; ///< here, not by the server
 
     bool Take(std::string_view part) {
+        constexpr std::size_t mostWords = std::size_t{64} << 10U;
         bool const isFirst = text.empty();
         text.append(part);
         isTooLong = text.size() > kMostBytes;
         std::size_t const begin = text.find_first_not_of("\xEF\xBB\xBF \t\r\n");
-        isOther = isFirst && begin != DString::npos && text[begin] != '<';
-        return !isTooLong && !isOther;
+        isOther = isOther || (isFirst && begin != DString::npos && text[begin] != '<');
+        isCut = isTooLong || (isOther && text.size() > mostWords);
+        return !isCut;
     }
     static size_t Write(void *bytes, size_t size, size_t count, void *body) {
         std::string_view const part(static_cast<char const *>(bytes), size * count);
@@ -96,7 +100,7 @@ Answer Ask(DString const &url, char const *const *options) {
         answer.error = Because(zelvar::Format("the listing of \"%s\" is longer than %d MB", url.c_str(),
                                               static_cast<int>(kMostBytes >> 20U)),
                                Cause::TooLarge, static_cast<std::int64_t>(kMostBytes));
-    else if (!body.isOther && (result->nStatus != 0 || !said.empty()))
+    else if (!body.isCut && (result->nStatus != 0 || !said.empty()))
         answer.error = ErrorOfServer(url, said);
     answer.isRefused = answer.error.Why() == Cause::Server;
     answer.body = body.isOther ? DString() : std::move(body.text);

@@ -26,6 +26,13 @@ using std::chrono::milliseconds;
 constexpr std::size_t kMostNames = 1000;
 /// Where machines of clouds find their own keys: libraries of stores that are given none ask there by the way.
 constexpr char const *kCloud = "169.254.169.254";
+constexpr char const *kOwnMachine = "localhost";
+
+/// Of 127.0.0.0/8, or ::1.
+bool IsOwnMachine(wire::HostNumber const &number) {
+    constexpr std::uint8_t kFirst = 127;
+    return number.isSix == 0 ? number.bytes.front() == kFirst : TextOf(number) == "::1";
+}
 
 DError Because(DString const &text, Cause cause) {
     DError error;
@@ -196,8 +203,13 @@ wire::ConnectAnswer ConnectionBroker::Resolve(DString const &host, std::uint16_t
 
 DString ConnectionBroker::HostBehind(Number const &number, std::uint16_t port) const {
     DString text = TextOf(number);
+    if (MayReach(*m_terms, text, port))
+        return text;
+    // Libraries know the numbers of this machine's own name, and ask nobody for them.
+    if (IsOwnMachine(number) && MayReach(*m_terms, kOwnMachine, port))
+        return kOwnMachine;
     auto const known = m_hosts.find(number);
-    if (known == m_hosts.end() || MayReach(*m_terms, text, port))
+    if (known == m_hosts.end())
         return text;
     auto const allowed =
         std::ranges::find_if(known->second, [&](DString const &host) { return MayReach(*m_terms, host, port); });
