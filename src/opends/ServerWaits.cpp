@@ -3,10 +3,12 @@
 #include "zelvar/base/Redaction.h"
 #include "zelvar/base/Translation.h"
 #include "zelvar/base/TypedSecrets.h"
+#include "zelvar/connections/ConnectionAddress.h"
 #include "zelvar/connections/ConnectionBook.h"
 #include "zelvar/connections/ConnectionFiles.h"
 #include "zelvar/connections/ListingWords.h"
 #include "zelvar/connections/SecretStore.h"
+#include "zelvar/data/BDINode.h"
 #include "zelvar/model/OpenOutcome.h"
 #include "zelvar/opends/DSListCtrl.h"
 #include "zelvar/opends/DataSourceList.h"
@@ -18,6 +20,7 @@
 
 #include <QtCore/QPointer>
 
+#include <algorithm>
 #include <utility>
 
 namespace zelvar {
@@ -36,6 +39,17 @@ DString FaultInWords(DString const &name, DError const &error) {
 DString NameOf(DataSourceItem const &item) {
     DString const name = item.GetName();
     return name.empty() ? item.GetPath() : name;
+}
+
+constexpr std::chrono::milliseconds kEmptyFor{400};
+
+// A connection is named so, too.
+constexpr std::string_view kByName = "source:";
+
+/// Several connections may have one address.
+DString PlaceOf(TemplDataSourceItem const &tree) {
+    DString const definition = tree.GetDefinition();
+    return definition.empty() ? tree.GetSource() : DString(kByName) + definition;
 }
 
 TemplDataSourceItem const *OnServer(RefItemPtr<DataSourceItem> const &item) {
@@ -200,7 +214,7 @@ ServerWaits::State ServerWaits::Failed() const {
         auto const *const tree = dynamic_cast<TemplDataSourceItem const *>(m_shown.get());
         return {.words = FaultInWords(m_place, m_failure),
                 .failure = m_failure,
-                .place = tree == nullptr ? m_place : tree->GetSource()};
+                .place = tree == nullptr ? m_place : PlaceOf(*tree)};
     }
     if (HasRows() || m_panes.items.IsShowingResults())
         return {};
@@ -210,9 +224,36 @@ ServerWaits::State ServerWaits::Failed() const {
         return {.words = Translated("Stopped.")};
     TemplDataSourceItem const *const root = roots.size() == 1 ? OnServer(roots.front()) : nullptr;
     DError const failure = root == nullptr ? DError() : root->GetFailure();
-    return failure.IsSet()
-               ? State{.words = FaultInWords(NameOf(*root), failure), .failure = failure, .place = root->GetSource()}
-               : State();
+    if (failure.IsSet())
+        return {.words = FaultInWords(NameOf(*root), failure), .failure = failure, .place = PlaceOf(*root)};
+    bool const isEmpty = m_emptySince && std::chrono::steady_clock::now() - *m_emptySince >= kEmptyFor;
+    return {.words = root == nullptr || !isEmpty ? DString() : EmptyInWords(*root)};
+}
+
+DString ServerWaits::EmptyInWords(TemplDataSourceItem const &root) const {
+    if (!root.IsOpen())
+        return {};
+    DSListCtrl::ItemList roots;
+    m_panes.items.GetRootItems(roots);
+    std::vector<DSListCtrl const *> lists{&m_panes.parents};
+    for (int pane = 0; pane < m_panes.folders.GetPaneCount(); ++pane)
+        lists.push_back(m_panes.folders.GetPane(pane));
+    std::erase_if(lists, [&roots](DSListCtrl const *list) {
+        DSListCtrl::ItemList own;
+        list->GetRootItems(own);
+        return own != roots;
+    });
+    auto const hasFolders = [](DSListCtrl const *list) {
+        return list->GetNumRow() > (list->ShowParentFolderItem() ? 1 : 0);
+    };
+    if (lists.empty() || std::any_of(lists.begin(), lists.end(), hasFolders))
+        return {};
+    DString words = Format(Translated("%s holds nothing that can be picked here."), NameOf(root).c_str());
+    std::optional<ConnectionAddress> const address = ParseConnectionAddress(root.GetSource());
+    bool const isDatabase = address && (address->scheme == "odbc" || address->scheme.starts_with("postgresql"));
+    if (isDatabase && (static_cast<unsigned>(m_panes.items.GetBDIFilter()) & BDINode_Table) == 0)
+        words.append(" ").append(Translated("Its tables are picked where a table is to be opened."));
+    return words;
 }
 
 // --------------------------------------------------------------------------------------- what the user can allow
@@ -220,8 +261,6 @@ ServerWaits::State ServerWaits::Failed() const {
 ServerWaits::Offer ServerWaits::OfferFor(State const &state) {
     if (!state.failure.IsSet())
         return {};
-    // A connection is named by "source:NAME", too.
-    constexpr std::string_view kByName = "source:";
     std::shared_ptr<ConnectionBook const> const book = ConnectionBook::Now();
     ConnectionBook::Entry const *const entry = state.place.starts_with(kByName)
                                                    ? book->Find(state.place.substr(kByName.size()))
@@ -288,7 +327,18 @@ void ServerWaits::ShowBusy(bool isBusy) {
         m_panes.items.viewport()->unsetCursor();
 }
 
+void ServerWaits::NoteEmpty() {
+    DSListCtrl::ItemList roots;
+    m_panes.items.GetRootItems(roots);
+    TemplDataSourceItem const *const root = roots.size() == 1 ? OnServer(roots.front()) : nullptr;
+    if (root == nullptr || IsWaiting() || HasRows() || EmptyInWords(*root).empty())
+        m_emptySince.reset();
+    else if (!m_emptySince)
+        m_emptySince = std::chrono::steady_clock::now();
+}
+
 void ServerWaits::Update() {
+    NoteEmpty();
     State state = Waiting();
     if (state.isWaiting)
         m_isStopped = false;

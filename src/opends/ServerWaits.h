@@ -11,9 +11,11 @@
 
 #include <QtCore/QObject>
 
+#include <chrono>
 #include <functional>
 #include <list>
 #include <memory>
+#include <optional>
 
 namespace zelvar {
 
@@ -22,6 +24,7 @@ class DataSourceList;
 class HierarchyList;
 class PlaceNotice;
 class PlaceOpener;
+class TemplDataSourceItem;
 
 /// What the open dialog waits for from servers: connections that open, addresses that somebody named, listings. All of
 /// it goes on behind the window; this says so where the rows will stand, ends it when the user wants, tells why it
@@ -70,7 +73,7 @@ private:
         DString words{};
         bool isWaiting = false;
         DError failure{}; ///< of a server
-        DString place{};  ///< whose it is: an address
+        DString place{};  ///< whose it is: an address, or "source:NAME"
     };
     /// What a connection of the user lacks: a host that it would have to reach as well, or a password.
     struct Offer {
@@ -87,6 +90,9 @@ private:
     [[nodiscard]] State Waiting() const;
     [[nodiscard]] State Failed() const;
     [[nodiscard]] bool HasRows() const;
+    /// What is to be said of a place whose server has listed it, and of which no list has a row; empty if one has.
+    [[nodiscard]] DString EmptyInWords(TemplDataSourceItem const &root) const;
+    void NoteEmpty();
 
     Panes m_panes;
     Actions m_actions;
@@ -104,6 +110,8 @@ private:
     bool m_isStopped = false; ///< by the user, while the list had these roots
     std::list<RefItemPtr<DataSourceItem>> m_stoppedRoots;
     bool m_isBusy = false; ///< as the pointer says
+    /// Since when no list has a row: those of one place are filled one after the other.
+    std::optional<std::chrono::steady_clock::time_point> m_emptySince;
 };
 
 } // namespace zelvar
