@@ -3,12 +3,10 @@
 #include "zelvar/base/Redaction.h"
 #include "zelvar/base/Translation.h"
 #include "zelvar/base/TypedSecrets.h"
-#include "zelvar/connections/ConnectionAddress.h"
 #include "zelvar/connections/ConnectionBook.h"
 #include "zelvar/connections/ConnectionFiles.h"
 #include "zelvar/connections/ListingWords.h"
 #include "zelvar/connections/SecretStore.h"
-#include "zelvar/data/BDINode.h"
 #include "zelvar/model/OpenOutcome.h"
 #include "zelvar/opends/DSListCtrl.h"
 #include "zelvar/opends/DataSourceList.h"
@@ -20,7 +18,6 @@
 
 #include <QtCore/QPointer>
 
-#include <algorithm>
 #include <utility>
 
 namespace zelvar {
@@ -40,8 +37,6 @@ DString NameOf(DataSourceItem const &item) {
     DString const name = item.GetName();
     return name.empty() ? item.GetPath() : name;
 }
-
-constexpr std::chrono::milliseconds kEmptyFor{400};
 
 // A connection is named so, too.
 constexpr std::string_view kByName = "source:";
@@ -226,34 +221,7 @@ ServerWaits::State ServerWaits::Failed() const {
     DError const failure = root == nullptr ? DError() : root->GetFailure();
     if (failure.IsSet())
         return {.words = FaultInWords(NameOf(*root), failure), .failure = failure, .place = PlaceOf(*root)};
-    bool const isEmpty = m_emptySince && std::chrono::steady_clock::now() - *m_emptySince >= kEmptyFor;
-    return {.words = root == nullptr || !isEmpty ? DString() : EmptyInWords(*root)};
-}
-
-DString ServerWaits::EmptyInWords(TemplDataSourceItem const &root) const {
-    if (!root.IsOpen())
-        return {};
-    DSListCtrl::ItemList roots;
-    m_panes.items.GetRootItems(roots);
-    std::vector<DSListCtrl const *> lists{&m_panes.parents};
-    for (int pane = 0; pane < m_panes.folders.GetPaneCount(); ++pane)
-        lists.push_back(m_panes.folders.GetPane(pane));
-    std::erase_if(lists, [&roots](DSListCtrl const *list) {
-        DSListCtrl::ItemList own;
-        list->GetRootItems(own);
-        return own != roots;
-    });
-    auto const hasFolders = [](DSListCtrl const *list) {
-        return list->GetNumRow() > (list->ShowParentFolderItem() ? 1 : 0);
-    };
-    if (lists.empty() || std::any_of(lists.begin(), lists.end(), hasFolders))
-        return {};
-    DString words = Format(Translated("%s holds nothing that can be picked here."), NameOf(root).c_str());
-    std::optional<ConnectionAddress> const address = ParseConnectionAddress(root.GetSource());
-    bool const isDatabase = address && (address->scheme == "odbc" || address->scheme.starts_with("postgresql"));
-    if (isDatabase && (static_cast<unsigned>(m_panes.items.GetBDIFilter()) & BDINode_Table) == 0)
-        words.append(" ").append(Translated("Its tables are picked where a table is to be opened."));
-    return words;
+    return {.words = m_empty.Words()};
 }
 
 // --------------------------------------------------------------------------------------- what the user can allow
@@ -327,18 +295,7 @@ void ServerWaits::ShowBusy(bool isBusy) {
         m_panes.items.viewport()->unsetCursor();
 }
 
-void ServerWaits::NoteEmpty() {
-    DSListCtrl::ItemList roots;
-    m_panes.items.GetRootItems(roots);
-    TemplDataSourceItem const *const root = roots.size() == 1 ? OnServer(roots.front()) : nullptr;
-    if (root == nullptr || IsWaiting() || HasRows() || EmptyInWords(*root).empty())
-        m_emptySince.reset();
-    else if (!m_emptySince)
-        m_emptySince = std::chrono::steady_clock::now();
-}
-
 void ServerWaits::Update() {
-    NoteEmpty();
     State state = Waiting();
     if (state.isWaiting)
         m_isStopped = false;
@@ -346,6 +303,10 @@ void ServerWaits::Update() {
         ShowBusy(state.isWaiting);
     if (m_notice == nullptr)
         return;
+    std::vector<DSListCtrl const *> folders{&m_panes.parents};
+    for (int pane = 0; pane < m_panes.folders.GetPaneCount(); ++pane)
+        folders.push_back(m_panes.folders.GetPane(pane));
+    m_empty.Look(m_panes.items, folders, state.isWaiting);
     bool const isWaiting = state.isWaiting;
     if (!isWaiting)
         state = Failed();

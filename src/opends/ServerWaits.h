@@ -6,16 +6,15 @@
 #include "zelvar/data/Connection.h"
 #include "zelvar/data/StopSignal.h"
 #include "zelvar/model/DataSourceItem.h"
+#include "zelvar/opends/EmptyPlace.h"
 #include "zelvar/platform/ui/MessageTarget.h"
 #include "zelvar/platform/ui/WindowMessage.h"
 
 #include <QtCore/QObject>
 
-#include <chrono>
 #include <functional>
 #include <list>
 #include <memory>
-#include <optional>
 
 namespace zelvar {
 
@@ -24,7 +23,6 @@ class DataSourceList;
 class HierarchyList;
 class PlaceNotice;
 class PlaceOpener;
-class TemplDataSourceItem;
 
 /// What the open dialog waits for from servers: connections that open, addresses that somebody named, listings. All of
 /// it goes on behind the window; this says so where the rows will stand, ends it when the user wants, tells why it
@@ -90,9 +88,6 @@ private:
     [[nodiscard]] State Waiting() const;
     [[nodiscard]] State Failed() const;
     [[nodiscard]] bool HasRows() const;
-    /// What is to be said of a place whose server has listed it, and of which no list has a row; empty if one has.
-    [[nodiscard]] DString EmptyInWords(TemplDataSourceItem const &root) const;
-    void NoteEmpty();
 
     Panes m_panes;
     Actions m_actions;
@@ -110,8 +105,7 @@ private:
     bool m_isStopped = false; ///< by the user, while the list had these roots
     std::list<RefItemPtr<DataSourceItem>> m_stoppedRoots;
     bool m_isBusy = false; ///< as the pointer says
-    /// Since when no list has a row: those of one place are filled one after the other.
-    std::optional<std::chrono::steady_clock::time_point> m_emptySince;
+    EmptyPlace m_empty;
 };
 
 } // namespace zelvar
