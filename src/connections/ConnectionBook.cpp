@@ -8,6 +8,7 @@
 #include "zelvar/connections/ConnectionListing.h"
 #include "zelvar/connections/OdbcSource.h"
 #include "zelvar/connections/PostgreSqlService.h"
+#include "zelvar/data/DefinitionUse.h"
 #include "zelvar/data/ServerCertificate.h"
 #include "zelvar/xml/XMLNode.h"
 
@@ -195,7 +196,7 @@ ConnectionBook::Entry const *ConnectionBook::FindByAddress(std::string_view addr
             own ? wanted && own->Holds(*wanted) : !address.empty() && entry.connection.Field("address") == address;
         // Before the address that says more about it.
         std::size_t const size = own ? (own->host.empty() ? 1 : 2) + own->path.size() + own->query.size() : 1;
-        if (holds && size > length) {
+        if (holds && (size > length || (size == length && LastUseOf(name) > LastUseOf(best->connection.name)))) {
             best = &entry;
             length = size;
         }

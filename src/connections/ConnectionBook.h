@@ -26,7 +26,7 @@ public:
     void Entries() const && = delete;
     [[nodiscard]] Entry const *Find(DString const &name) const;
     /// The connection that an address, or that of something in it, belongs to: of several the one with the longest
-    /// address. Null if there is none.
+    /// address, and of those with the same the one that was used last, see `NoteUseOf`. Null if there is none.
     [[nodiscard]] Entry const *FindByAddress(std::string_view address) const;
 
 private:

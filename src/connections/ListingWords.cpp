@@ -150,6 +150,9 @@ DString LoginWords(Connection const &connection, DError const &error) {
         return Translated(kProxy);
     std::optional<ConnectionAddress> const address = connection.Address();
     DString const user = address ? address->user : DString();
+    bool const isDatabase = connection.kind == ConnectionKind::PostgreSql || connection.kind == ConnectionKind::Odbc;
+    if (error.Why() == DError::Cause::NeedsPassword && (isDatabase || !user.empty()))
+        return Translated(kNoPasswordYet);
     return user.empty() ? DString(Translated(kWantsLogin)) : FilledWords(kWrongLogin, user);
 }
 
@@ -192,8 +195,6 @@ DString LoginFailureInWords(Connection const &connection, DError const &error) {
     StoreCode const *const code = connection.kind == ConnectionKind::ObjectStore ? CodeIn(error.Text()) : nullptr;
     if (code != nullptr)
         return code->isLogin ? FilledWords(code->words, code->code) : DString();
-    if (error.Why() == DError::Cause::NeedsPassword)
-        return Translated(kNoPasswordYet);
     return IsAboutLogin(connection, error) ? LoginWords(connection, error) : DString();
 }
 

@@ -141,10 +141,15 @@ DString RowTextOf(DataSourceItem const &item) {
 
 DString MarkedName(DString const &name, DError const &failure) {
     constexpr int kUnauthorized = 401;
+    constexpr int kForbidden = 403;
     // Such a server was reached; what it wants is told by the notice in the list.
     bool const wantsLogin = failure.Why() == DError::Cause::NeedsPassword ||
                             (failure.Why() == DError::Cause::Server && failure.Detail() == kUnauthorized);
-    return Format(wantsLogin ? Translated("%s (password)") : Translated("%s (unreachable)"), name.c_str());
+    bool const isRefused = failure.Why() == DError::Cause::NotPermitted ||
+                           (failure.Why() == DError::Cause::Server && failure.Detail() == kForbidden);
+    if (wantsLogin)
+        return Format(Translated("%s (password)"), name.c_str());
+    return Format(isRefused ? Translated("%s (refused)") : Translated("%s (unreachable)"), name.c_str());
 }
 
 void CollectDefinitions(DataSourceRows &rows) {

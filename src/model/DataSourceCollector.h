@@ -42,7 +42,7 @@ ZELVAR_API void CollectFavorites(DataSourceRows &rows, std::vector<DString> &lat
 /// What a row shows of an item: its name, and that it cannot be reached or wants a password.
 [[nodiscard]] ZELVAR_API DString RowTextOf(DataSourceItem const &item);
 /// A name with the mark of that failure: "Lab (password)" where the server takes nobody without one, or not this one,
-/// else "Lab (unreachable)".
+/// "Lab (refused)" where it takes not this user, else "Lab (unreachable)".
 [[nodiscard]] ZELVAR_API DString MarkedName(DString const &name, DError const &failure);
 /// The visible connection definitions, as the user has ordered them, see `DefinitionOrder`, or by name. Writes a new
 /// main file of definitions if there was none.

@@ -7,6 +7,7 @@
 #include "zelvar/base/TypedSecrets.h"
 #include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/data/BDIMoniker.h"
+#include "zelvar/data/DefinitionUse.h"
 #include "zelvar/data/DriverProvider.h"
 #include "zelvar/data/RequestScope.h"
 #include "zelvar/model/ChildWalker.h"
@@ -76,6 +77,7 @@ TemplDataSourceItem *TemplDataSourceItem::CreateItem(XMLNode const *definition) 
                          url.c_str());
     auto rep = boost::make_shared<CRep>();
     rep->m_url = url;
+    rep->m_definition = name;
     if (XMLNode const *const driver = definition->GetChldNode("BDIDriver"))
         rep->m_drvrId = driver->GetAttrStr("id");
     if (!AreDriversPending())
@@ -214,6 +216,8 @@ DString TemplDataSourceItem::GetSource() const {
     return !m_rep ? DString() : m_rep->m_url.empty() ? m_rep->m_file : m_rep->m_url;
 }
 
+DString TemplDataSourceItem::GetDefinition() const { return m_rep ? m_rep->m_definition : DString(); }
+
 DString TemplDataSourceItem::GetRDIDriverId() const { return m_rep ? m_rep->m_rdiDriverId : DString(); }
 
 DString TemplDataSourceItem::GetBDIDriverId() const {
@@ -221,8 +225,14 @@ DString TemplDataSourceItem::GetBDIDriverId() const {
     return driver == nullptr ? DString() : driver->GetId();
 }
 
+void TemplDataSourceItem::NoteUse() const {
+    if (m_rep && !m_rep->m_definition.empty())
+        NoteUseOf(m_rep->m_definition);
+}
+
 DataSourceItemItr *TemplDataSourceItem::CreateIterator(ICancel *cancel, char const *filter, char const * /*driverId*/,
                                                        int nodeMask, DLGTemplate /*dlgTemplate*/) {
+    NoteUse();
     auto itr = std::make_unique<TemplDataSourceItemItr>();
     return itr->Fill(*this, cancel, nodeMask, filter) ? itr.release() : nullptr;
 }
@@ -302,6 +312,7 @@ bool TemplDataSourceItem::CreateRepository() {
     if (!m_rep)
         return false;
     DSingleLock const lock(m_rep->m_lock);
+    NoteUse();
     if (m_rep->m_repository == nullptr && !m_rep->m_url.empty()) {
         BDINode *node = nullptr;
         DError failure;

@@ -73,6 +73,8 @@ public:
     bool TakeOpened();
     /// What the tree is opened from: a path, an address or a moniker, without a password of an address.
     [[nodiscard]] DString GetSource() const;
+    /// The name of the definition that says where the tree is; empty for a tree without.
+    [[nodiscard]] DString GetDefinition() const;
 
     /// A picture in place of those of the definition; children inherit it.
     void SetIcon(HIMAGELIST list, int index) { m_iconList = list, m_iconIdx = index; }
@@ -92,6 +94,8 @@ protected:
 private:
     friend class TemplDataSourceItemItr;
     [[nodiscard]] BDIDrvr *Driver() const;
+    /// Of several definitions with its address its own counts from now on.
+    void NoteUse() const;
     /// A copy with a node of its own that children hold as their parent.
     [[nodiscard]] RefItemPtr<TemplDataSourceItem> Snapshot() const;
     void ReadIcons(XMLNode const &icons, DString const &directory);
@@ -134,6 +138,7 @@ struct TemplDataSourceItem::CRep {
     std::int32_t m_iconImage = -1;
     std::unique_ptr<ImageList> m_imageList; ///< null for a definition without icons
     DString m_url;                          ///< that the definition names
+    DString m_definition;                   ///< its name; empty where there is no definition
     DString m_file;                         ///< that the tree was made from, where there is no definition
 };
 

@@ -51,6 +51,7 @@ public:
     void SetSelChangeMessage(platform::MessageId message) { m_selChangeMessage = message; }
     void SetDblClckMessage(platform::MessageId message) { m_dblClckMessage = message; }
     void SetBDIFilter(int mask) { m_bdiFilter = mask; }
+    [[nodiscard]] int GetBDIFilter() const { return m_bdiFilter; }
     /// Asked about the roots of each listing; nothing is folded without one.
     using FoldingRule = std::function<DataSetFolding(ItemList const &roots)>;
     void SetFoldingRule(FoldingRule rule) { m_foldingRule = std::move(rule); }

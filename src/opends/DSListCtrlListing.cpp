@@ -23,10 +23,15 @@ ListingSort SortOfColumn(int col) {
     return col == kDateColumn ? ListingSort::Date : ListingSort::Name;
 }
 
-/// What tells a root from others. One that is not open yet has no path, and is another one once it is.
+/// What tells a root from others. One that is not open yet has no path, and is another one once it is. Several
+/// definitions may have one address.
 DString PlaceOf(DataSourceItem const &root) {
     auto const *const tree = dynamic_cast<TemplDataSourceItem const *>(&root);
-    return tree == nullptr || tree->IsOpen() ? root.GetPath() : "\n" + tree->GetSource();
+    if (tree == nullptr)
+        return root.GetPath();
+    DString const place = tree->IsOpen() ? tree->GetPath() : "\n" + tree->GetSource();
+    DString const definition = tree->GetDefinition();
+    return definition.empty() ? place : place + "\n" + definition;
 }
 
 bool IsSamePlace(RefItemPtr<DataSourceItem> const &a, RefItemPtr<DataSourceItem> const &b) {

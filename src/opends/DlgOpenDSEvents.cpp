@@ -99,7 +99,8 @@ void DlgOpenDS::OnUpdateState() {
     m_panes->Items()->GetRootItems(roots);
     auto const *const tree =
         roots.size() == 1 ? dynamic_cast<TemplDataSourceItem const *>(roots.front().get()) : nullptr;
-    forecast->SayUnlisted(tree == nullptr ? DError() : tree->GetFailure());
+    forecast->SayUnlisted(tree == nullptr ? DString() : tree->GetName(),
+                          tree == nullptr ? DError() : tree->GetFailure());
 }
 
 // ------------------------------------------------------------------------------------------------- path buttons

@@ -223,10 +223,12 @@ void OpenForecast::Update() {
     UpdateDrivers();
 }
 
-void OpenForecast::SayUnlisted(DError const &why) {
+void OpenForecast::SayUnlisted(DString const &place, DError const &why) {
     OpenFacts facts;
     facts.error = why;
-    OpenOutcome const outcome = why.IsSet() ? OutcomeOf(facts, {.image = true}, 0) : OpenOutcome();
+    OpenOutcome outcome = why.IsSet() ? OutcomeOf(facts, {.image = true}, 0) : OpenOutcome();
+    if (!outcome.text.empty())
+        outcome.text = place + ": " + outcome.text;
     if (m_selected == 0 && (outcome.text != m_outcome.text || outcome.reason != m_outcome.reason))
         SetOutcome(outcome);
 }

@@ -41,8 +41,9 @@ public:
 
     /// What is selected now; the pane has been given the last of it.
     void Select(ItemList const &items);
-    /// Nothing is selected, and why there may be nothing to select; not set where all was listed.
-    void SayUnlisted(DError const &why);
+    /// Nothing is selected, and why there may be nothing to select in the place of that name; not set where all was
+    /// listed.
+    void SayUnlisted(DString const &place, DError const &why);
     /// While the text is not empty the line says that, whatever is selected.
     void SayInstead(DString text);
     [[nodiscard]] OpenOutcome const &Outcome() const { return m_outcome; }

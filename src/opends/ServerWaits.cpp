@@ -39,6 +39,15 @@ DString NameOf(DataSourceItem const &item) {
     return name.empty() ? item.GetPath() : name;
 }
 
+// A connection is named so, too.
+constexpr std::string_view kByName = "source:";
+
+/// Several connections may have one address.
+DString PlaceOf(TemplDataSourceItem const &tree) {
+    DString const definition = tree.GetDefinition();
+    return definition.empty() ? tree.GetSource() : DString(kByName) + definition;
+}
+
 TemplDataSourceItem const *OnServer(RefItemPtr<DataSourceItem> const &item) {
     auto const *const tree = dynamic_cast<TemplDataSourceItem const *>(item.get());
     return tree != nullptr && tree->IsOnServer() ? tree : nullptr;
@@ -201,7 +210,7 @@ ServerWaits::State ServerWaits::Failed() const {
         auto const *const tree = dynamic_cast<TemplDataSourceItem const *>(m_shown.get());
         return {.words = FaultInWords(m_place, m_failure),
                 .failure = m_failure,
-                .place = tree == nullptr ? m_place : tree->GetSource()};
+                .place = tree == nullptr ? m_place : PlaceOf(*tree)};
     }
     if (HasRows() || m_panes.items.IsShowingResults())
         return {};
@@ -211,9 +220,9 @@ ServerWaits::State ServerWaits::Failed() const {
         return {.words = Translated("Stopped.")};
     TemplDataSourceItem const *const root = roots.size() == 1 ? OnServer(roots.front()) : nullptr;
     DError const failure = root == nullptr ? DError() : root->GetFailure();
-    return failure.IsSet()
-               ? State{.words = FaultInWords(NameOf(*root), failure), .failure = failure, .place = root->GetSource()}
-               : State();
+    if (failure.IsSet())
+        return {.words = FaultInWords(NameOf(*root), failure), .failure = failure, .place = PlaceOf(*root)};
+    return {.words = m_empty.Words()};
 }
 
 // --------------------------------------------------------------------------------------- what the user can allow
@@ -221,8 +230,6 @@ ServerWaits::State ServerWaits::Failed() const {
 ServerWaits::Offer ServerWaits::OfferFor(State const &state) {
     if (!state.failure.IsSet())
         return {};
-    // A connection is named by "source:NAME", too.
-    constexpr std::string_view kByName = "source:";
     std::shared_ptr<ConnectionBook const> const book = ConnectionBook::Now();
     ConnectionBook::Entry const *const entry = state.place.starts_with(kByName)
                                                    ? book->Find(state.place.substr(kByName.size()))
@@ -310,6 +317,10 @@ void ServerWaits::Update() {
         ShowBusy(state.isWaiting);
     if (m_notice == nullptr)
         return;
+    std::vector<DSListCtrl const *> folders{&m_panes.parents};
+    for (int pane = 0; pane < m_panes.folders.GetPaneCount(); ++pane)
+        folders.push_back(m_panes.folders.GetPane(pane));
+    m_empty.Look(m_panes.items, folders, state.isWaiting);
     bool const isWaiting = state.isWaiting;
     if (!isWaiting)
         state = Failed();

@@ -6,6 +6,7 @@
 #include "zelvar/data/Connection.h"
 #include "zelvar/data/StopSignal.h"
 #include "zelvar/model/DataSourceItem.h"
+#include "zelvar/opends/EmptyPlace.h"
 #include "zelvar/platform/ui/MessageTarget.h"
 #include "zelvar/platform/ui/WindowMessage.h"
 
@@ -70,7 +71,7 @@ private:
         DString words{};
         bool isWaiting = false;
         DError failure{}; ///< of a server
-        DString place{};  ///< whose it is: an address
+        DString place{};  ///< whose it is: an address, or "source:NAME"
     };
     /// What a connection of the user lacks: a host that it would have to reach as well, a password, or trust in the
     /// certificate of its server, which its page tells all about.
@@ -107,6 +108,7 @@ private:
     bool m_isStopped = false; ///< by the user, while the list had these roots
     std::list<RefItemPtr<DataSourceItem>> m_stoppedRoots;
     bool m_isBusy = false; ///< as the pointer says
+    EmptyPlace m_empty;
 };
 
 } // namespace zelvar

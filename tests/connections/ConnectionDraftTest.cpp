@@ -143,8 +143,12 @@ TEST(ListingWords, TellWhichStepFailedAndWhatToDo) {
               {.failure = Because(Cause::Server, 401)},
               "encryption+ The server's certificate is trusted.|login- The server does not know user ann or the "
               "password.|"},
+             {web,
+              {.failure = Because(Cause::NeedsPassword, 401)},
+              "encryption+ The server's certificate is trusted.|login- The server wants a password, and none is known "
+              "yet.|"},
              {open,
-              {.failure = Because(Cause::Server, 401)},
+              {.failure = Because(Cause::NeedsPassword, 401)},
               "login- The server wants a login: name a user and where the password is kept.|"},
              {open, {.failure = Because(Cause::Server, 404)}, "listing- There is nothing at this address (404).|"},
              {open,

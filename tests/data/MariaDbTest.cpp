@@ -88,6 +88,8 @@ TEST_F(MariaDb, ItsDatabasesAreFoldersOfTablesWhoseRowsAreThoseThatWereStored) {
     using enum DError::Cause;
     Connect({}, "wrong");
     EXPECT_EQ(WhyNotOpened(kPlace).Why(), NotPermitted) << WhyNotOpened(kPlace).Text();
+    Connect({}, "");
+    EXPECT_EQ(WhyNotOpened(kPlace).Why(), NeedsPassword) << WhyNotOpened(kPlace).Text();
     Connect({{"odbc.Port", "1"}});
     EXPECT_EQ(WhyNotOpened(kPlace).Why(), Refused) << WhyNotOpened(kPlace).Text(); // no host of the connection
     Connect({{"odbc.Driver", "No Such Driver"}});

@@ -224,7 +224,8 @@ TEST_F(ObjectStore, WhatKeepsAPlaceFromBeingListedIsTold) {
     m_server.Serve("/film/", std::string(1 << 20, '\xFF'));
     std::vector<std::tuple<DString, DError::Cause, int, char const *>> cases{
         {"http://127.0.0.1:1/d/", NoAnswer, -1, "127.0.0.1"},
-        {locked.Url() + "/d/", Server, 401, "401"},
+        {locked.Url() + "/d/", NeedsPassword, 401, "401"},
+        {"http://u:no@" + locked.Url().substr(7) + "/d/", Server, 401, "does not know"},
         {m_server.Url() + "/403/", Server, 403, "403"},
         {m_server.Url() + "/404/", Server, 404, "404"},
         {m_server.Url() + "/words/", Server, 503, "503"},

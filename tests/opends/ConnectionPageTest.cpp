@@ -241,6 +241,9 @@ TEST_F(ConnectionPages, EveryFieldOfEveryKindIsReachedByTheKeyboardAndFitsASmall
         auto *const kinds = page.findChild<QListWidget *>();
         for (int kind = 0; kind < 5; ++kind) {
             kinds->setFocus();
+            QRect const name = kinds->visualItemRect(kinds->item(kind));
+            EXPECT_LE(name.width(), kinds->viewport()->width());
+            EXPECT_LT(name.height(), 2 * kinds->fontMetrics().height()) << "one line";
             if (kind > 0)
                 QTest::keyClick(kinds, Qt::Key_Down);
             auto *const more = dynamic_cast<QToolButton *>(page.Form()->Control("more"));

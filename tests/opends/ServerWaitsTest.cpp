@@ -13,6 +13,7 @@
 #include "zelvar/opends/DSDataSourceWnd.h"
 #include "zelvar/opends/DataSourceList.h"
 #include "zelvar/opends/HierarchyList.h"
+#include "zelvar/opends/OpenForecast.h"
 #include "zelvar/opends/OpenSearch.h"
 #include "zelvar/opends/PlaceNotice.h"
 
@@ -181,6 +182,7 @@ TEST_F(ServerPlaces, AConnectionThatFailedIsTriedAgain) {
         Click(dialog->Waits()->Notice()->Button());
         EXPECT_TRUE(Eventually(
             [&] { return RowTextOf(*dialog->SourceList()->ItemAt(RowOfSource("Lab"))) == "Lab (password)"; }));
+        EXPECT_TRUE(Says("Lab cannot be opened: it needs a password", "Retry"));
         server.Serve("/lab/", "<html><title>Index of /lab/</title><a href=\"a.tif\">a.tif</a></html>", "text/html");
         Click(dialog->Waits()->Notice()->Button());
         DSListCtrl const &list = *dialog->MainList();
@@ -229,8 +231,11 @@ TEST_F(ServerPlaces, APasswordThatNobodyKeepsIsAskedForWhereTheRowsWouldStand) {
     Run([&] {
         ClickSource("Lab");
         QPushButton *const offer = dialog->Waits()->Notice()->OfferButton();
-        for (char const *password : {"", "wrong", "MARKER-pw"}) { // the first one is no password
-            EXPECT_TRUE(Says("Lab cannot be opened: The server does not know user ann or the password.", "Retry"));
+        for (char const *password : {"", "wrong", "MARKER-pw"}) {  // the first one is no password
+            bool const isWrong = DString(password) == "MARKER-pw"; // the one before was
+            EXPECT_TRUE(Says(isWrong ? "Lab cannot be opened: The server does not know user ann or the password."
+                                     : "Lab cannot be opened: The server wants a password, and none is known yet.",
+                             "Retry"));
             ASSERT_TRUE(Eventually([&] { return offer->isVisible() && offer->text() == "Password..."; })) << password;
             auto const asked = OnNextDialog([&](QWidget &window) {
                 auto *const edit = window.findChild<QLineEdit *>();
@@ -258,6 +263,54 @@ TEST_F(ServerPlaces, APasswordThatNobodyKeepsIsAskedForWhereTheRowsWouldStand) {
     });
     SetConnectionFinder({});
     EXPECT_THAT(ReadFile(definitions / "Lab.xml"), testing::Not(HasSubstr("MARKER")));
+}
+
+TEST_F(ServerPlaces, OfConnectionsWithOneAddressTheOneThatWasClickedCounts) {
+    server.Serve("/lab/", "<title>Index of /lab/</title><a href=\"a.tif\">a.tif</a>", "text/html");
+    server.Demand("YW5uOk1BUktFUi1wdw=="); // ann:MARKER-pw
+    for (auto const &[name, secret] : {std::pair{"Lab", "none"}, {"Lab 2", "ask"}, {"Lab 3", "none"}, {"Lab 4", "ask"}})
+        definitions.Write(std::string(name) + ".xml", "<DataSources><DataSource name='" + std::string(name) +
+                                                          "' url='http://ann@" + server.Url().substr(7) +
+                                                          "/lab/'><Parameters/><BDIDriver id='WebDirectory'/>"
+                                                          "<Connection secret='" +
+                                                          secret + "'/></DataSource></DataSources>");
+    UseDefinedConnections();
+    Run([&] {
+        QPushButton *const offer = dialog->Waits()->Notice()->OfferButton();
+        ClickSource("Lab 3");
+        EXPECT_TRUE(Says("Lab 3 cannot be opened: it needs a password", "Retry"));
+        EXPECT_FALSE(offer->isVisible());
+        EXPECT_TRUE(Eventually([&] { return dialog->Forecast()->Outcome().text.starts_with("Lab 3: cannot be"); }));
+        ClickSource("Lab 2");
+        EXPECT_TRUE(Says("Lab 2 cannot be opened: The server wants a password", "Retry"));
+        auto const asked = OnNextDialog([&](QWidget &window) {
+            EXPECT_EQ(window.findChild<QLabel *>()->text(), "Password of Lab 2:");
+            QTest::keyClicks(window.findChild<QLineEdit *>(), "MARKER-pw");
+            QTest::keyClick(window.findChild<QLineEdit *>(), Qt::Key_Return);
+        });
+        Click(offer);
+        EXPECT_TRUE(*asked);
+        EXPECT_TRUE(Eventually([&] { return RowOf(*dialog->MainList(), "a.tif") >= 0; }));
+        for (char const *name : {"Lab 4", "Lab 2"}) { // each is listed, though the other one is open
+            DString const row = DString(name) + ".tif";
+            server.Serve("/lab/", "<title>Index of /lab/</title><a href=\"" + row + "\">" + row + "</a>", "text/html");
+            ClickSource(name);
+            EXPECT_TRUE(Eventually([&] { return RowOf(*dialog->MainList(), row) >= 0; })) << name;
+        }
+    });
+    SetConnectionFinder({});
+}
+
+TEST_F(ServerPlaces, APlaceWithNothingToPickSaysSo) {
+    server.Serve("/lab/", "<title>Index of /lab/</title><a href=\"sub/\">sub/</a>", "text/html");
+    server.Serve("/lab/sub/", "<title>Index of /lab/sub/</title>", "text/html");
+    Run([&] {
+        ClickSource("Lab");
+        EXPECT_TRUE(Eventually([&] { return dialog->Hierarchy()->GetPane(0)->GetNumRow() == 1; }));
+        EXPECT_TRUE(Eventually([&] { return !dialog->Waits()->Notice()->isVisible(); })) << "a folder is something";
+        GoTo(server.Url() + "/lab/sub/");
+        EXPECT_TRUE(Says("sub holds nothing that can be picked here.", "Retry"));
+    });
 }
 
 TEST_F(ServerPlaces, ADialogThatBeginsAtAPlaceThatFailsSaysWhy) {

@@ -154,6 +154,12 @@ DString ServerOf(DString const &subject) {
     return authority.substr(authority.rfind('@') + 1);
 }
 
+/// Of a server that has answered with a status: a login that it has not been given is none that it does not know.
+Cause CauseOfStatus(DString const &subject, std::int64_t status) {
+    constexpr std::int64_t unauthorized = 401;
+    return status == unauthorized && !HasLogin(subject) ? Cause::NeedsPassword : Cause::Server;
+}
+
 /// What is to be said of an address whose server was asked, in place of a library's words where they say too little.
 DString WordsOfServer(DString const &subject, DString const &said, std::int64_t status) {
     DString const words = FoldCase(said);
@@ -186,7 +192,7 @@ DError ErrorOfService(std::vector<GdalError> const &errors, DString const &subje
             return Because(
                 "\"" + subject +
                     "\": " + (told.empty() ? zelvar::Format("the server answers %d", static_cast<int>(status)) : told),
-                Cause::Server, status);
+                CauseOfStatus(subject, status), status);
         }
         if (DString const said = FoldCase(error.text); IsAboutCertificate(said) || IsAboutSilence(said))
             return ErrorOfServer(subject, error.text);
@@ -280,13 +286,15 @@ DError AskServer(Source const &source) {
     return Because(
         "\"" + source.text +
             "\": " + (said.empty() ? DString("the server does not give it") : WordsOfServer(source.text, said, status)),
-        cause, status);
+        cause == Cause::Server ? CauseOfStatus(source.text, status) : cause, status);
 }
 
 DError ErrorOfServer(DString const &subject, DString const &said) {
     DString const words = FoldCase(said);
     std::int64_t const status = StatusIn(words);
-    Cause const cause = status >= 0 ? Cause::Server : IsAboutCertificate(words) ? Cause::Untrusted : Cause::NoAnswer;
+    Cause const cause = status >= 0                 ? CauseOfStatus(subject, status)
+                        : IsAboutCertificate(words) ? Cause::Untrusted
+                                                    : Cause::NoAnswer;
     return Because("\"" + subject + "\": " +
                        (said.empty() ? DString("its server does not answer") : WordsOfServer(subject, said, status)),
                    cause, status);

@@ -263,7 +263,8 @@ std::shared_ptr<KnownService const> AskService(ServiceAddress const &address, Se
     DError unanswered;
     DString answer = Ask(address.connection, request, unanswered);
     // A refusal in the service's own words says more than its number.
-    bool const isRead = !unanswered.IsSet() || (unanswered.Why() == Cause::Server && !answer.empty());
+    bool const isRefused = unanswered.Why() == Cause::Server || unanswered.Why() == Cause::NeedsPassword;
+    bool const isRead = !unanswered.IsSet() || (isRefused && !answer.empty());
     DError unread;
     auto capabilities = isRead ? services::ReadCapabilities(service, answer, unread) : std::nullopt;
     if (unanswered.IsSet() || !capabilities) {

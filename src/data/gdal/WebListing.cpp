@@ -102,7 +102,7 @@ Answer Ask(DString const &url, char const *const *options) {
                                Cause::TooLarge, static_cast<std::int64_t>(kMostBytes));
     else if (!body.isCut && (result->nStatus != 0 || !said.empty()))
         answer.error = ErrorOfServer(url, said);
-    answer.isRefused = answer.error.Why() == Cause::Server;
+    answer.isRefused = answer.error.Why() == Cause::Server || answer.error.Why() == Cause::NeedsPassword;
     answer.body = body.isOther ? DString() : std::move(body.text);
     CPLHTTPDestroyResult(result);
     return answer;

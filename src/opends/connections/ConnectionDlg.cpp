@@ -89,12 +89,12 @@ bool ConnectionDlg::OnInitDialog() {
     m_testButton = GetDlgItem<QPushButton>(*this, kTest);
     m_okButton = GetDlgItem<QPushButton>(*this, kOk);
     m_kinds->setAccessibleName(platform::Shown("Kind"));
-    m_kinds->setWordWrap(true);
     m_kinds->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setWindowTitle(m_former ? platform::Shown("Connection \"%1\"").arg(platform::ToQString(m_former->connection.name))
                             : platform::Shown("New Connection"));
     m_form->Show(m_former ? ConnectionDraft(m_former->connection) : ConnectionDraft(), !m_former);
     FillKinds();
+    FitKinds();
     OrderFocus();
     connect(m_form, &ConnectionForm::Rebuilt, this, &ConnectionDlg::OrderFocus);
     connect(m_kinds, &QListWidget::currentRowChanged, this, [this](int row) {
@@ -128,6 +128,19 @@ void ConnectionDlg::FillKinds() {
         item->setToolTip(item->text());
     }
     ShowKind();
+}
+
+void ConnectionDlg::FitKinds() {
+    int const missing = m_kinds->sizeHintForColumn(0) + 2 * m_kinds->frameWidth() - m_kinds->width();
+    Position kinds;
+    Position fields;
+    QWidget *const area = GetDlgItem(*this, kFields);
+    if (missing <= 0 || !GetControlPosition(m_kinds, kinds) || !GetControlPosition(area, fields))
+        return;
+    kinds.right += missing;
+    fields.left += missing;
+    AddSzControl(m_kinds, kinds, true);
+    AddSzControl(area, fields, true);
 }
 
 void ConnectionDlg::OrderFocus() {

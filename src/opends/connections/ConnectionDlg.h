@@ -50,6 +50,8 @@ protected:
 
 private:
     void FillKinds();
+    /// Their names take one line each, and the fields give way.
+    void FitKinds();
     void OrderFocus();
     void ShowKind();
     void OnTest();

@@ -134,8 +134,11 @@ bool OdbcSession::Connect(DError *error) {
             SQLDriverConnect(m_connection, nullptr, Chars(text), SQL_NTS, nullptr, 0, &size, SQL_DRIVER_NOPROMPT));
         explicit_bzero(text.data(), text.size());
     }
-    if (!m_isConnected)
-        Tell(terms->id, SQL_HANDLE_DBC, m_connection, error);
+    if (m_isConnected)
+        return true;
+    Tell(terms->id, SQL_HANDLE_DBC, m_connection, error);
+    if (error != nullptr && error->Why() == Cause::NotPermitted && password.empty())
+        error->Set(DString(error->Text()), Cause::NeedsPassword); // whoever is refused without one
     return m_isConnected;
 }
 
