@@ -114,17 +114,26 @@ TEST(SecretFiles, WhatAListSaysOfADataSourceGoesToItsReader) {
     test::TempFolder const home;
     setenv("ODBCINI", home.Write("own.ini", "[Lab]\nDriver = SQLite3\nDatabase=/a b.db\nPWD = secret\n").c_str(), 1);
     setenv("ODBCSYSINI", home.Path().c_str(), 1);
-    home.Write("odbc.ini", "[Lab]\nDriver=Other\n[Plain]\nDriver=Other\n");
+    home.Write("odbc.ini", "[Lab]\nDriver=Other\n[Plain]\nDriver=Other\n[Own]\nServer=localhost\nport=3307\n"
+                           "[Far]\nServername=db.lab\n[Socket]\nHost=/run/db\n");
     using Texts = std::map<DString, DString>;
-    for (auto const &[source, options, secrets] : test::Rows<DString, Texts, Texts>{
-             {"Lab", {{"odbc.Driver", "SQLite3"}, {"odbc.Database", "/a b.db"}}, {{"password", "secret"}}},
-             {"Plain", {{"odbc.Driver", "Other"}}, {}},
-             {"None", {}, {}}}) {
+    using Hosts = std::vector<HostAndPort>;
+    for (auto const &[source, options, secrets, hosts] : test::Rows<DString, Texts, Texts, Hosts>{
+             {"Lab", {{"odbc.Driver", "SQLite3"}, {"odbc.Database", "/a b.db"}}, {{"password", "secret"}}, {}},
+             {"Plain", {{"odbc.Driver", "Other"}}, {}, {}},
+             {"Own",
+              {{"odbc.Server", "127.0.0.1"}, {"odbc.port", "3307"}},
+              {},
+              {{"127.0.0.1", 3307}}}, // no local socket
+             {"Far", {{"odbc.Servername", "db.lab"}}, {}, {{"db.lab", 0}}},
+             {"Socket", {{"odbc.Host", "/run/db"}}, {}, {}},
+             {"None", {}, {}, {}}}) {
         Connection const connection{.name = "n", .kind = ConnectionKind::Odbc, .fields = {{"dsn", source}}};
         ConnectionTerms terms = MakeTerms({.connection = connection, .secret = {}});
         EXPECT_EQ(terms.options.erase("dsn"), 1U);
         EXPECT_EQ(terms.options, options);
         EXPECT_EQ(terms.secrets, secrets);
+        EXPECT_EQ(terms.hosts, hosts);
     }
 }
 
