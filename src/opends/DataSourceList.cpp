@@ -468,8 +468,10 @@ void DataSourceList::StopOpening() {
 bool DataSourceList::event(QEvent *event) { return m_messages.Dispatch(*event) || ReportView::event(event); }
 
 void DataSourceList::OnOpened() {
+    if (!m_opener->TakeAnswer())
+        return; // word of an earlier one, which came after the next was begun
     RefItemPtr<DataSourceItem> const opened = std::exchange(m_opening, nullptr);
-    if (!m_opener->TakeAnswer() || opened == nullptr)
+    if (opened == nullptr)
         return;
     std::ignore = dynamic_cast<TemplDataSourceItem &>(*opened).TakeOpened(); // a failure is its own
     viewport()->update();

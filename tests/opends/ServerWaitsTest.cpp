@@ -198,6 +198,19 @@ TEST_F(ServerPlaces, AConnectionThatFailedIsTriedAgain) {
     });
 }
 
+TEST_F(ServerPlaces, AConnectionThatIsTriedAgainBeforeTheWindowHasHeardOfTheFailureIsShown) {
+    server.Refuse("/lab/", 503);
+    Run([&] {
+        ClickSource("Lab");
+        auto const begin = Clock::now();
+        while (dialog->SourceList()->Opening() != nullptr && Since(begin) < milliseconds(10000))
+            std::this_thread::yield(); // without a look at messages
+        server.Serve("/lab/", "<title>Index of /lab/</title><a href=\"a.tif\">a.tif</a>", "text/html");
+        dialog->SourceList()->ResetSelectedItems();
+        EXPECT_TRUE(Eventually([&] { return RowOf(*dialog->MainList(), "a.tif") >= 0; }));
+    });
+}
+
 TEST_F(ServerPlaces, AHostThatAServerSendsOnToIsAllowedWhereTheRowsWouldStand) {
     HttpServer elsewhere;
     elsewhere.Serve("/lab/", "<title>Index of /lab/</title><a href=\"a.tif\">a.tif</a>", "text/html");
