@@ -163,6 +163,7 @@ ConnectionForm::Row &ConnectionForm::AddRow(QGridLayout &grid, DString const &ke
 QLineEdit *ConnectionForm::AddEdit(QGridLayout &grid, DString const &key, char const *label, DString const &text,
                                    bool isRare, std::function<void(DString const &)> take) {
     auto *const edit = new QLineEdit(ToQString(text));
+    edit->setCursorPosition(0); // of a long text its beginning is shown
     edit->setMinimumWidth(edit->fontMetrics().averageCharWidth() * kColumns);
     AddRow(grid, key, label, edit, isRare);
     connect(edit, &QLineEdit::textEdited, this, [this, edit, key, take = std::move(take)](QString const &typed) {
