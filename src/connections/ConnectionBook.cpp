@@ -222,6 +222,10 @@ ConnectionTerms MakeTerms(ConnectionBook::Entry const &entry, StopSignal const *
     for (auto const &[key, value] : connection.fields)
         if (!value.empty())
             terms.options[key] = value;
+    // Some type the user into the address.
+    if (std::optional<ConnectionAddress> const address = connection.Address();
+        connection.kind != ConnectionKind::ObjectStore && address && !address->user.empty())
+        terms.options.try_emplace("user", address->user);
     // GDAL takes the endpoint without its scheme.
     if (auto const endpoint = terms.options.find("endpoint"); endpoint != terms.options.end())
         if (std::size_t const colon = endpoint->second.find("://"); colon != DString::npos) {

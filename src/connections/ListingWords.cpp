@@ -128,7 +128,11 @@ TrialResult UntrustedResult(Connection const &connection, ListedConnection const
     return result;
 }
 
-StoreCode const *CodeIn(DString const &text) {
+StoreCode const *CodeIn(Connection const &connection, DError const &error) {
+    // A store that is asked without a key says what it says of a wrong one.
+    if (connection.kind != ConnectionKind::ObjectStore || error.Why() == DError::Cause::NeedsPassword)
+        return nullptr;
+    DString const &text = error.Text();
     auto const *const found = std::find_if(kCodes.begin(), kCodes.end(),
                                            [&](StoreCode const &row) { return text.find(row.code) != DString::npos; });
     return found == kCodes.end() ? nullptr : found;
@@ -192,7 +196,7 @@ DString Counted(ListedConnection const &listed) {
 } // namespace
 
 DString LoginFailureInWords(Connection const &connection, DError const &error) {
-    StoreCode const *const code = connection.kind == ConnectionKind::ObjectStore ? CodeIn(error.Text()) : nullptr;
+    StoreCode const *const code = CodeIn(connection, error);
     if (code != nullptr)
         return code->isLogin ? FilledWords(code->words, code->code) : DString();
     return IsAboutLogin(connection, error) ? LoginWords(connection, error) : DString();
@@ -219,8 +223,7 @@ std::vector<TrialResult> ListingInSteps(Connection const &connection, ListedConn
     else if (isReached && hasPassword && encryption == Encryption::None)
         results.push_back(Result(TrialStep::Encryption, TrialState::Works, Translated(kReadable)));
 
-    StoreCode const *const code =
-        connection.kind == ConnectionKind::ObjectStore && failure.IsSet() ? CodeIn(failure.Text()) : nullptr;
+    StoreCode const *const code = CodeIn(connection, failure);
     if (code != nullptr ? code->isLogin : IsAboutLogin(connection, failure)) {
         results.push_back(
             Result(TrialStep::Login, TrialState::Failed,

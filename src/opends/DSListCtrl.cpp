@@ -239,7 +239,7 @@ DString DSListCtrl::CellText(DataSourceItem &item, int col) const {
 
 QString DSListCtrl::ShownText(int row, int col) const {
     RefItemPtr<DataSourceItem> const item = ItemAt(row);
-    return item == nullptr ? QString() : platform::ToQString(CellText(*item, col));
+    return item == nullptr ? QString() : platform::ToShownName(CellText(*item, col));
 }
 
 int DSListCtrl::MeasureCell(int row, int col) const {
@@ -281,8 +281,8 @@ void DSListCtrl::DrawItem(DrawItemStruct const &request) {
             cell.left += kPictureBand + kCellInset, cell.top += kCellInset, cell.right -= kCellInset,
                 cell.bottom -= kCellInset;
         bool const isText = col == kNameColumn || col == kFolderColumn;
-        DrawCellText(request.painter, Mirrored(cell), CellText(*item, col), isText ? LVCFMT_LEFT : LVCFMT_RIGHT,
-                     CellPlace::Centered, platform::Reading::LeftToRight);
+        DrawCellText(request.painter, Mirrored(cell), platform::ToDString(ShownText(request.itemID, col)),
+                     isText ? LVCFMT_LEFT : LVCFMT_RIGHT, CellPlace::Centered, platform::Reading::LeftToRight);
     }
     if ((request.state & LVIS_FOCUSED) != 0)
         DrawFocusRect(request.painter, marked, platform::ToColorRef(colors.text));

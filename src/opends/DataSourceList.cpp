@@ -284,8 +284,10 @@ void DataSourceList::StopOpening() {
 bool DataSourceList::event(QEvent *event) { return m_messages.Dispatch(*event) || ReportView::event(event); }
 
 void DataSourceList::OnOpened() {
+    if (!m_opener->TakeAnswer())
+        return; // word of an earlier one, which came after the next was begun
     RefItemPtr<DataSourceItem> const opened = std::exchange(m_opening, nullptr);
-    if (!m_opener->TakeAnswer() || opened == nullptr)
+    if (opened == nullptr)
         return;
     std::ignore = dynamic_cast<TemplDataSourceItem &>(*opened).TakeOpened(); // a failure is its own
     viewport()->update();
@@ -336,7 +338,7 @@ int DataSourceList::LabelLeft(int, int) const { return kPictureBand; }
 
 QString DataSourceList::ShownText(int row, int) const {
     RefItemPtr<DataSourceItem> const item = ItemAt(row);
-    return item == nullptr ? QString() : platform::ToQString(TextOf(*item));
+    return item == nullptr ? QString() : platform::ToShownName(TextOf(*item));
 }
 
 void DataSourceList::DrawItem(DrawItemStruct const &request) {
@@ -356,8 +358,8 @@ void DataSourceList::DrawItem(DrawItemStruct const &request) {
     request.painter.fillRect(platform::ToQRect(rect), colors.background);
     bool const isGrey = IsDead(*item) && (request.state & LVIS_SELECTED) == 0;
     request.painter.setPen(isGrey ? palette().color(QPalette::Disabled, QPalette::Text) : colors.text);
-    DrawCellText(request.painter, rect, TextOf(*item), LVCFMT_LEFT, CellPlace::Centered,
-                 platform::Reading::LeftToRight);
+    DrawCellText(request.painter, rect, platform::ToDString(ShownText(request.itemID, 0)), LVCFMT_LEFT,
+                 CellPlace::Centered, platform::Reading::LeftToRight);
     if ((request.state & LVIS_FOCUSED) != 0)
         DrawFocusRect(request.painter, rect, platform::ToColorRef(colors.text));
 }

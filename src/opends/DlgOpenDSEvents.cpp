@@ -272,7 +272,8 @@ void DlgOpenDS::OnImageSelected() {
 void DlgOpenDS::ShowSelected(ItemList const &items) {
     if (items.empty())
         return;
-    platform::GetDlgItem<platform::EllipsisLabel>(*this, kStatusId)->SetText(ToQString(items.back()->GetPath()));
+    platform::GetDlgItem<platform::EllipsisLabel>(*this, kStatusId)
+        ->SetText(platform::ToShownName(items.back()->GetPath()));
     m_panes->Properties()->ShowProps(items.back(), m_format == nullptr ? "" : m_format->GetDriverText().c_str());
     OpenForecast *const forecast = Forecast();
     if (forecast == nullptr)

@@ -132,6 +132,13 @@ void FavoriteRows::Add(Favorite favorite) {
     m_list.ListFavoritesAgain();
 }
 
+void FavoriteRows::SetDead(Favorite const &favorite, bool dead) {
+    for (RefItemPtr<FavoriteItem> const &item : m_items)
+        if (item->Entry().IsOf(favorite))
+            item->SetDead(dead);
+    m_list.viewport()->update();
+}
+
 void FavoriteRows::Rename(Favorite const &favorite) {
     QPointer<FavoriteRows> const self(this);
     std::optional<DString> const name =

@@ -43,6 +43,8 @@ public:
     /// Opens the selected one behind the present event if it is no place; false otherwise.
     bool Activate();
     void Add(Favorite favorite);
+    /// What it stands for was not found, or was.
+    void SetDead(Favorite const &favorite, bool dead);
     /// Makes one stand before another, or at the end of all.
     void MoveBefore(Favorite const &favorite, std::optional<Favorite> const &next);
 

@@ -16,6 +16,8 @@
 #include "zelvar/opends/ServerWaits.h"
 #include "zelvar/opends/search/StoredSearch.h"
 
+#include <QtCore/QPointer>
+
 #include <optional>
 
 namespace zelvar {
@@ -48,36 +50,43 @@ void OpenFavorites::AddSearch() {
 }
 
 void OpenFavorites::Open(Favorite const &favorite) {
+    QPointer<FavoriteRows> const rows(m_dialog.SourceList()->OfferedFavorites());
+    bool isThere = true;
     switch (favorite.kind) {
     case Favorite::Kind::Data:
-        OpenData(favorite.target);
+        isThere = OpenData(favorite.target);
         break;
     case Favorite::Kind::Basket:
-        OpenBasket(favorite.target);
+        isThere = OpenBasket(favorite.target);
         break;
     case Favorite::Kind::Search:
-        OpenSearch(favorite.target);
+        isThere = OpenSearch(favorite.target);
         break;
     case Favorite::Kind::Place:
-        break; // its selection has listed it
+        return; // its selection has listed it
     }
+    if (!rows.isNull()) // a message may have been the last one
+        rows->SetDead(favorite, !isThere);
 }
 
-void OpenFavorites::OpenData(DString const &moniker) {
+bool OpenFavorites::OpenData(DString const &moniker) {
     DSListCtrl &list = *m_dialog.MainList();
     if (PlaceOpener::IsFor(moniker)) { // nothing waits for a server
         m_wanted.Want(moniker, list);
-        return m_dialog.GoToDir(moniker, true);
+        m_dialog.GoToDir(moniker, true);
+        return true;
     }
     if (ShowNode(moniker))
-        return;
+        return true;
     DError error;
     if (m_parts.Named() == nullptr) {
         m_wanted.Want(moniker, list);
         m_dialog.GoToDir(BDIMoniker(moniker, nullptr).GetSource(), true);
     } else if (!m_parts.Named()->Show({moniker}, &error)) {
         m_places.Refuse(moniker, error);
+        return false;
     }
+    return true;
 }
 
 RefItemPtr<DataSourceItem> OpenFavorites::FindNode(DString const &moniker) const {
@@ -121,27 +130,31 @@ void OpenFavorites::OpenFolder(Favorite const &favorite) {
         m_places.ShowParent(item);
 }
 
-void OpenFavorites::OpenBasket(DString const &file) {
-    if (m_parts.Basket() == nullptr)
+bool OpenFavorites::OpenBasket(DString const &file) {
+    if (m_parts.Basket() == nullptr) {
         Report::UserNotification(Translated("Here one item is picked: a basket is of no use"));
-    else if (!m_parts.Basket()->Load(file))
+    } else if (!m_parts.Basket()->Load(file)) {
         Report::UserNotification(Translated("'%s' is no list of monikers"), file.c_str());
+        return false;
+    }
+    return true;
 }
 
-void OpenFavorites::OpenSearch(DString const &text) {
+bool OpenFavorites::OpenSearch(DString const &text) {
     std::optional<StoredSearch> const search = StoredSearch::FromText(text);
     if (!search || m_parts.Search() == nullptr)
-        return;
+        return true;
     ItemList places;
     for (DString const &path : search->places)
         if (RefItemPtr<DataSourceItem> const place = m_places.Find(path, true); place != nullptr)
             places.push_back(place);
     if (places.empty())
-        return;
+        return false;
     m_places.Show(places.front());
     if (places.size() > 1)
         m_dialog.MainList()->ResetItems(places);
     m_parts.Search()->Begin(search->draft);
+    return true;
 }
 
 } // namespace zelvar

@@ -30,13 +30,14 @@ public:
     void Update();                             ///< to be called a few times a second
 
 private:
-    void OpenData(DString const &moniker);
+    // False if it is not there, of which the user has been told.
+    [[nodiscard]] bool OpenData(DString const &moniker);
     /// The node of a container on this machine; null for anything else.
     [[nodiscard]] RefItemPtr<DataSourceItem> FindNode(DString const &moniker) const;
     /// Shows what a node of a container on this machine lies in; false for anything else.
     [[nodiscard]] bool ShowNode(DString const &moniker);
-    void OpenBasket(DString const &file);
-    void OpenSearch(DString const &text);
+    [[nodiscard]] bool OpenBasket(DString const &file);
+    [[nodiscard]] bool OpenSearch(DString const &text);
 
     DlgOpenDS &m_dialog;
     OpenParts &m_parts;

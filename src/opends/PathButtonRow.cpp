@@ -23,7 +23,7 @@ int PathButtonRow::SetUp(CZelButton &button, DataSourceItem &item, bool cutBefor
     if (item.GetImageList() != nullptr && item.GetIconIndex() >= 0)
         picture = platform::ListPicture(item.GetImageList(), item.GetIconIndex(), button.devicePixelRatioF());
     button.setIcon(picture);
-    button.setText(platform::ToQString(PathButtonText(item.GetName(), cutBefore, cutBehind)).replace("&", "&&"));
+    button.setText(platform::ToShownName(PathButtonText(item.GetName(), cutBefore, cutBehind)).replace("&", "&&"));
     int const text = button.fontMetrics().size(Qt::TextShowMnemonic, button.text()).width();
     return text + 2 * kMargin + (picture.isNull() ? 0 : button.iconSize().width() + kMargin);
 }
@@ -53,8 +53,8 @@ void PathButtonRow::Show(RefItemPtr<DataSourceItem> const &item, QRect const &pl
         DSButton &button = *m_buttons[i];
         RefItemPtr<DataSourceItem> const &entry = chain[row[i].entry];
         SetUp(button, *entry, row[i].cutBefore, row[i].cutBehind);
-        button.setToolTip(platform::ToToolTip(platform::ToQString(entry->GetName())));
-        button.setAccessibleName(platform::ToQString(entry->GetName()));
+        button.setToolTip(platform::ToToolTip(platform::ToShownName(entry->GetName())));
+        button.setAccessibleName(platform::ToShownName(entry->GetName()));
         button.setGeometry(place.left() + row[i].left, place.top(), row[i].width, place.height());
         button.item = entry;
         button.show();

@@ -191,7 +191,7 @@ void PlaceTravel::RunMenu() {
     menu.setToolTipsVisible(true);
     int const widest = menu.fontMetrics().averageCharWidth() * kMenuChars;
     for (RecentPlace const &place : places) {
-        QString const path = platform::ToQString(place.path);
+        QString const path = platform::ToShownName(place.path);
         QString const text = menu.fontMetrics().elidedText(path, Qt::ElideMiddle, widest);
         menu.addAction(QString(text).replace('&', "&&"))->setToolTip(platform::ToToolTip(path));
     }

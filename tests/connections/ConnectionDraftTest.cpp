@@ -64,6 +64,15 @@ TEST(ConnectionDraft, OfAnotherKindTakesAlongWhatMeansTheSame) {
     EXPECT_EQ(draft.Text("service"), "lab");
 }
 
+TEST(ConnectionDraft, AUserThatIsTypedIntoAnAddressLogsIn) {
+    ConnectionDraft draft;
+    for (ConnectionKind const kind : {WebFolder, MapService}) {
+        draft.SetKind(kind);
+        draft.SetText("address", "http://a%40b@cloud.lab/dav/");
+        EXPECT_EQ(MakeTerms({.connection = draft.ToConnection(), .secret = {}}).options.at("user"), "a@b");
+    }
+}
+
 TEST(ConnectionDraft, TakesAPastedAddress) {
     for (auto const &[before, text, kind, field, value, name] :
          test::Rows<ConnectionKind, char const *, ConnectionKind, char const *, char const *, char const *>{
@@ -171,6 +180,10 @@ TEST(ListingWords, TellWhichStepFailedAndWhatToDo) {
               "encryption+ The server's certificate is trusted.|login- SignatureDoesNotMatch: the secret key is wrong, "
               "or this "
               "computer's clock is.|"},
+             {store,
+              {.failure = Because(Cause::NeedsPassword, -1, "\"b\": SignatureDoesNotMatch")},
+              "encryption+ The server's certificate is trusted.|login- The server wants a login: name a user and where "
+              "the password is kept.|"},
              {store,
               {.failure = Because(Cause::Missing, -1, "\"b\": NoSuchBucket")},
               "encryption+ The server's certificate is trusted.|login+ The server takes the login.|"

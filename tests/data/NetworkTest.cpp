@@ -58,7 +58,7 @@ TEST_F(Network, WhatAServerAnswersIsTheCause) {
                                                                {"gopher://127.0.0.1/a.tif", NotSupported, -1}};
     for (int const status : {401, 403, 500}) {
         m_server.Refuse(Format("/%d.tif", status), status);
-        cases.emplace_back(m_server.Url() + Format("/%d.tif", status), Server, status);
+        cases.emplace_back(m_server.Url() + Format("/%d.tif", status), status == 401 ? NeedsPassword : Server, status);
     }
     m_server.Serve("/text.tif", "no image");
     m_server.Serve("/a%20b/page.zip", "no archive");

@@ -117,10 +117,9 @@ TEST_P(OtherStores, WhatKeepsFromThemIsToldInWords) {
     DError error;
     EXPECT_FALSE(ReadImageInfo({Place("field/none.tif"), nullptr}, "", nullptr, info, &error));
     EXPECT_THAT(error.Text(), testing::Not(HasSubstr(kMarker)));
-    if (GetParam().service != DString("gs")) { // whose library asks without one
-        Connect("");
-        EXPECT_THAT(WhyNotOpened(Place("field")).Text(), HasSubstr("there is no key for it"));
-    }
+    Connect("");
+    EXPECT_THAT(WhyNotOpened(Place("field")).Text(), HasSubstr("there is no secret key for it"));
+    EXPECT_EQ(WhyNotOpened(Place("field")).Why(), NeedsPassword);
     Connect("b3RoZXI="); // another key
     auto const &[wrong, whyWrong] = GetParam().wrong;
     EXPECT_THAT(WhyNotOpened(Place("field")).Text(), AllOf(HasSubstr(wrong), HasSubstr(whyWrong)));

@@ -272,6 +272,23 @@ TEST_F(ConnectionPages, EveryFieldOfEveryKindIsReachedByTheKeyboardAndFitsASmall
     QApplication::setFont(usual);
 }
 
+TEST_F(ConnectionPages, FieldsOfAStoreAreThoseOfItsService) {
+    ConnectionDlg page(nullptr);
+    OnPage(page, [&] {
+        page.Form()->SetKind(ConnectionKind::ObjectStore);
+        EXPECT_EQ(page.Form()->Draft().secret, SecretPlace::Profile);
+        auto *const service = dynamic_cast<QComboBox *>(page.Form()->Control("service"));
+        for (auto const &[choice, hasProfile, label] :
+             test::Rows<int, bool, char const *>{{1, false, "Key ID"}, {2, false, "Account"}, {0, true, "Key ID"}}) {
+            service->setCurrentIndex(choice);
+            EXPECT_EQ(page.Form()->Control("profile")->isVisible(), hasProfile) << choice;
+            EXPECT_EQ(page.Form()->Control("key")->accessibleName(), label);
+            EXPECT_EQ(page.Form()->Draft().secret, SecretPlace::Keyring);
+            EXPECT_TRUE(page.Form()->Control("password")->isVisible());
+        }
+    });
+}
+
 TEST_F(ConnectionPages, OfferWhatLetsATestGoOn) {
     WebServer secured;
     ASSERT_TRUE(secured.StartTls());

@@ -176,6 +176,17 @@ TEST_F(FavoritesInDialog, OpenWhatTheyStandForAndTouchNothingBefore) {
         list.ResetSelectedItems(); // tried again
         EXPECT_TRUE(Eventually([&] { return IsShown("lost"); }));
         EXPECT_GE(RowNamed(list, "lost"), 0);
+        dialog->DataSourceWnd()->SwitchToDataSourceView();
+
+        DString const file = folder / "a/x.tif";
+        std::filesystem::remove(file);
+        ClickRow(list, "x.tif");
+        EXPECT_TRUE(Eventually([&] { return RowNamed(list, "x.tif (unreachable)") >= 0; }));
+        EXPECT_THAT(told.Take(), ElementsAre(HasSubstr("Cannot access '" + file)));
+        WriteImage(file);
+        ClickRow(list, "x.tif (unreachable)");
+        EXPECT_TRUE(Eventually(isPicked));
+        EXPECT_GE(RowNamed(list, "x.tif"), 0);
     });
 }
 

@@ -89,6 +89,12 @@ TEST_F(ListPanes, FilesAreListedInNaturalOrderAndNothingTwice) {
     EXPECT_EQ(Names(*list), std::vector<DString>(ascending.rbegin(), ascending.rend()));
 }
 
+TEST_F(ListPanes, ANameThatTurnsWhatFollowsIsShownAsWrittenAndNamedAsItIs) {
+    auto const list = Listed({"/data/\u202Egpj.tif"});
+    EXPECT_EQ(list->ShownText(0, 0), "\\u202Egpj.tif");
+    EXPECT_EQ(list->ItemAt(0)->GetPath(), "/data/\u202Egpj.tif");
+}
+
 TEST_F(ListPanes, AListingThatIsCutShortIsTakenUpAgainByTheSameRequest) {
     AddFiles({"/data/a.tif", "/data/b.tif", "/data/sub/c.tif"});
     auto const list = List(DSListCtrl::ModeFiles);

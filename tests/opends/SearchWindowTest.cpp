@@ -269,7 +269,7 @@ TEST_F(SearchWindow, NamesThatHoldAnythingAreFoundShownAndGivenBack) {
     EXPECT_EQ(Run([&] {
                   SearchFor("} %s");
                   EXPECT_EQ(List().GetNumRow(), 2) << "the folder, too";
-                  EXPECT_EQ(platform::ToDString(List().ShownText(1, kFolderColumn)), "sub/" + ToValidUtf8(kHostile));
+                  EXPECT_EQ(List().ShownText(1, kFolderColumn), "sub/" + platform::ToShownName(kHostile));
                   Shot(*dialog, "DlgOpenDS-search-hostile");
                   ClickRow(name);
                   PressOk(*dialog);

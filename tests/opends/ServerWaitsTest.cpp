@@ -10,6 +10,7 @@
 #include "zelvar/data/RDIDriverMngr.h"
 #include "zelvar/data/reader/DriverModule.h"
 #include "zelvar/model/DataSourceCollector.h"
+#include "zelvar/model/TemplDataSourceItem.h"
 #include "zelvar/opends/DSDataSourceWnd.h"
 #include "zelvar/opends/DataSourceList.h"
 #include "zelvar/opends/HierarchyList.h"
@@ -198,6 +199,19 @@ TEST_F(ServerPlaces, AConnectionThatFailedIsTriedAgain) {
     });
 }
 
+TEST_F(ServerPlaces, AConnectionThatIsTriedAgainBeforeTheWindowHasHeardOfTheFailureIsShown) {
+    server.Refuse("/lab/", 503);
+    Run([&] {
+        ClickSource("Lab");
+        auto const begin = Clock::now();
+        while (dialog->SourceList()->Opening() != nullptr && Since(begin) < milliseconds(10000))
+            std::this_thread::yield(); // without a look at messages
+        server.Serve("/lab/", "<title>Index of /lab/</title><a href=\"a.tif\">a.tif</a>", "text/html");
+        dialog->SourceList()->ResetSelectedItems();
+        EXPECT_TRUE(Eventually([&] { return RowOf(*dialog->MainList(), "a.tif") >= 0; }));
+    });
+}
+
 TEST_F(ServerPlaces, AHostThatAServerSendsOnToIsAllowedWhereTheRowsWouldStand) {
     HttpServer elsewhere;
     elsewhere.Serve("/lab/", "<title>Index of /lab/</title><a href=\"a.tif\">a.tif</a>", "text/html");
@@ -372,6 +386,25 @@ TEST_F(ServerPlaces, RowsOfAStoreComeAsItSendsThemAndAreKeptAfterAStop) {
         EXPECT_LE(server.Requests().size(), asked + 2) << "nobody goes on behind the window";
         EXPECT_LT(gaps.Longest(), kSmooth);
         std::printf("longest gap %lld ms\n", static_cast<long long>(gaps.Longest().count()));
+    });
+}
+
+TEST_F(ServerPlaces, ABucketOfMoreThanAListShowsIsNoFailure) {
+    StoreAnswers::Bucket bucket;
+    constexpr int most = 32'000;
+    for (int i = 0; i < most + 8000; ++i) // pages behind the last row, for the list of folders
+        bucket.keys.push_back(KeyOf(i));
+    server.OnStore([&](StoreAnswers &store) { store.SetBucket("big", bucket); });
+    server.Delay(milliseconds(50)); // the walk has not ended when the list has its rows
+    Run([&] {
+        ClickSource("Big");
+        DSListCtrl const &list = *dialog->MainList();
+        EXPECT_TRUE(Eventually([&] { return list.GetNumRow() >= most && !list.IsListing(); }));
+        EXPECT_TRUE(Eventually([&] { return !dialog->FolderList()->IsListing() && !dialog->Waits()->IsWaiting(); }));
+        DSListCtrl::ItemList roots;
+        list.GetRootItems(roots);
+        ASSERT_EQ(roots.size(), 1U);
+        EXPECT_EQ(dynamic_cast<TemplDataSourceItem const &>(*roots.front()).GetFailure().Text(), "");
     });
 }
 

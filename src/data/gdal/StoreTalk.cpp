@@ -1,6 +1,7 @@
 #include "zelvar/data/gdal/StoreTalk.h"
 
 #include "zelvar/base/PathStyle.h"
+#include "zelvar/data/ReaderDuty.h"
 #include "zelvar/data/gdal/Causes.h"
 
 #include <cpl_conv.h>
@@ -58,6 +59,18 @@ constexpr std::array kWords{
     CodeWords{"AuthorizationPermissionMismatch", "the account may not list here"},
     CodeWords{"NoAuthenticationInformation", "the store wants a key"},
 };
+
+/// Whether the connection that this process serves names a key, and nobody has told its secret.
+bool LacksSecret() {
+    ReaderDuty const *const duty = OwnDuty();
+    if (duty == nullptr || !duty->connection || duty->connection->kind != ConnectionKind::ObjectStore)
+        return false;
+    auto const has = [](std::map<DString, DString> const &texts, char const *name) {
+        auto const at = texts.find(name);
+        return at != texts.end() && !at->second.empty();
+    };
+    return has(duty->connection->options, "key") && !has(duty->connection->secrets, "key");
+}
 
 } // namespace
 
@@ -118,6 +131,16 @@ bool StoreTalk::LacksKey() const {
 }
 
 DError StoreTalk::Failure(DString const &subject) const {
+    DError failure = FailureAsTold(subject);
+    if (failure.Why() != DError::Cause::NotPermitted || !LacksSecret())
+        return failure;
+    DError told;
+    told.Set("\"" + subject + "\": there is no secret key for it" + (m_code.empty() ? DString() : " (" + m_code + ")"),
+             DError::Cause::NeedsPassword);
+    return told;
+}
+
+DError StoreTalk::FailureAsTold(DString const &subject) const {
     if (!HasFailed())
         return {};
     if (LacksKey()) {

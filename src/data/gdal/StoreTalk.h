@@ -26,6 +26,8 @@ private:
     void NoteTransfer(std::string_view remark);
     /// Whether the last request got no listing. GDAL takes that for the end of one.
     [[nodiscard]] bool IsUnanswered() const { return m_status >= 0 && m_status / 100 != 2; }
+    /// The same, where it is not regarded that somebody may not have told a secret.
+    [[nodiscard]] DError FailureAsTold(DString const &subject) const;
     /// Whether nothing was asked, since nobody has told a key.
     [[nodiscard]] bool LacksKey() const;
 

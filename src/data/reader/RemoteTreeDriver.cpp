@@ -65,13 +65,17 @@ std::unique_ptr<Wanted> AskAbout(Repository &repository, char const *what, Body 
 void FetchPart(Walk &walk) {
     walk.next = 0;
     walk.children.clear();
-    auto const listed =
-        AskAbout<wire::ChildrenT>(*walk.repository, "children", walk.question, walk.repository->walkError);
+    DError error;
+    auto const listed = AskAbout<wire::ChildrenT>(*walk.repository, "children", walk.question, error);
     walk.hasMore = listed != nullptr && listed->more;
+    if (listed != nullptr && listed->failed != nullptr)
+        error = ErrorFrom(listed->failed.get());
+    // Whoever stops a walk knows why; others through the same repository go on.
+    RequestScope const *const scope = RequestScope::Current();
+    if (error.IsSet() && (scope == nullptr || !scope->IsStopped()))
+        walk.repository->walkError = std::move(error);
     if (listed == nullptr)
         return;
-    if (listed->failed != nullptr)
-        walk.repository->walkError = ErrorFrom(listed->failed.get());
     walk.children = NodesFrom(std::move(*listed));
     walk.question.first += static_cast<std::int64_t>(walk.children.size());
     // A reader that never came to an end would be asked for ever.

@@ -75,9 +75,9 @@ public:
     DString OnGetItemText(int row, int col) override {
         BasketEntry const &entry = m_basket.All()[static_cast<std::size_t>(row)];
         if (col == kName)
-            return entry.name;
+            return platform::ToDString(platform::ToShownName(entry.name));
         if (col == kFolder)
-            return entry.place;
+            return platform::ToDString(platform::ToShownName(entry.place));
         return entry.bytes < 0 ? DString() : FormatFileSize(entry.bytes);
     }
 

@@ -28,6 +28,10 @@ constexpr int kSpacing = 4;      // pixels between rows
 constexpr int kColumns = 16;     // characters that a field keeps in a narrow window
 constexpr int kSecretColumn = 1; // of the grid: the controls'
 
+// Services of a store.
+constexpr char const *kWithProfiles = "s3";
+constexpr char const *kOfAccounts = "az";
+
 constexpr char const *kPasteHint = Mark("Type it, or paste an address");
 constexpr char const *kOldPassword = Mark("The password stands in the definition, where anybody may read it.");
 constexpr char const *kMoves = Mark("The password leaves the definition with OK.");
@@ -139,6 +143,7 @@ void ConnectionForm::Build() {
     m_more->setChecked(isUnfolded);
     ShowRare(isUnfolded);
     ShowSecretPlace();
+    ShowService();
     Q_EMIT Rebuilt();
 }
 
@@ -163,6 +168,7 @@ ConnectionForm::Row &ConnectionForm::AddRow(QGridLayout &grid, DString const &ke
 QLineEdit *ConnectionForm::AddEdit(QGridLayout &grid, DString const &key, char const *label, DString const &text,
                                    bool isRare, std::function<void(DString const &)> take) {
     auto *const edit = new QLineEdit(ToQString(text));
+    edit->setCursorPosition(0); // of a long text its beginning is shown
     edit->setMinimumWidth(edit->fontMetrics().averageCharWidth() * kColumns);
     AddRow(grid, key, label, edit, isRare);
     connect(edit, &QLineEdit::textEdited, this, [this, edit, key, take = std::move(take)](QString const &typed) {
@@ -204,6 +210,12 @@ void ConnectionForm::AddField(QGridLayout &grid, ConnectionField const &field) {
     AddRow(grid, key, field.label, box, isRare);
     connect(box, &QComboBox::currentIndexChanged, this, [this, box, take, key] {
         take(ToDString(box->currentData().toString()));
+        if (key == "service" && m_draft.Kind() == ConnectionKind::ObjectStore) {
+            // Profiles are those of Amazon's tools.
+            if (m_draft.Text(key) != kWithProfiles && m_draft.secret == SecretPlace::Profile)
+                SetSecretPlace(SecretPlace::Keyring);
+            ShowService();
+        }
         Suggest();
         ShowFault(m_rows[key], {});
     });
@@ -237,10 +249,15 @@ void ConnectionForm::AddSecretRows(QGridLayout &grid) {
     m_move->setAutoDefault(false);
     grid.addWidget(m_move, grid.rowCount(), kSecretColumn, Qt::AlignLeft);
     m_focusOrder.push_back(m_move);
-    connect(m_move, &QPushButton::clicked, this, [places] {
+    connect(m_move, &QPushButton::clicked, this, [this, places] {
         places->setFocus(); // the button goes
-        places->setCurrentIndex(places->findData(static_cast<int>(SecretPlace::Keyring)));
+        SetSecretPlace(SecretPlace::Keyring);
     });
+}
+
+void ConnectionForm::SetSecretPlace(SecretPlace place) {
+    if (auto *const places = qobject_cast<QComboBox *>(Control("secret")))
+        places->setCurrentIndex(places->findData(static_cast<int>(place)));
 }
 
 void ConnectionForm::ShowSecretPlace() {
@@ -252,6 +269,19 @@ void ConnectionForm::ShowSecretPlace() {
     m_hint->setText(isInDefinition ? Shown(kOldPassword) : m_wasInDefinition ? Shown(kMoves) : QString());
     m_hint->setVisible(!m_hint->text().isEmpty());
     m_move->setVisible(isInDefinition);
+}
+
+void ConnectionForm::ShowService() {
+    if (m_draft.Kind() != ConnectionKind::ObjectStore)
+        return;
+    DString const service = m_draft.Text("service");
+    Row const &profile = m_rows["profile"];
+    bool const hasProfiles = service.empty() || service == kWithProfiles || !m_draft.Text("profile").empty();
+    profile.label->setVisible(hasProfiles);
+    profile.control->setVisible(hasProfiles);
+    Row const &key = m_rows["key"];
+    key.label->setText(service == kOfAccounts ? Shown("Account") : Shown("Key ID"));
+    key.control->setAccessibleName(key.label->text());
 }
 
 void ConnectionForm::AddFold(QGridLayout &grid) {

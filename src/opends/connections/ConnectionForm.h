@@ -67,6 +67,8 @@ private:
     void AddFold(QGridLayout &grid);
     void SetSecretPlace(SecretPlace place);
     void ShowSecretPlace();
+    /// Of a store: fields that only some of them have.
+    void ShowService();
     void ShowRare(bool isShown);
     [[nodiscard]] bool HasRareValues() const;
     void Suggest();

@@ -54,7 +54,7 @@ TrialPane::TrialPane(QWidget *parent)
         outcomes.push_back(platform::ToQString(TrialStateInWords(state)));
     m_list->AddCol(Translated("Step"), ADICol_String, false, WidthOf(steps), LVCFMT_LEFT);
     m_list->AddCol(Translated("Outcome"), ADICol_String, false, WidthOf(outcomes), LVCFMT_LEFT);
-    m_list->AddCol("ms", ADICol_Int, false, WidthOf({QStringLiteral("00000")}), LVCFMT_RIGHT);
+    m_list->AddCol("ms", ADICol_Int, false, WidthOf({QStringLiteral("00000")}), LVCFMT_CENTER);
     m_list->AddCol(Translated("What was found"), ADICol_String, false, 100, LVCFMT_LEFT);
     m_list->SetMultiSlct(false);
     m_list->SetExtendedStyle(m_list->GetExtendedStyle() | LVS_EX_FULLROWSELECT | LVS_EX_LABELTIP);

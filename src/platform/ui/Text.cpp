@@ -4,9 +4,36 @@
 
 #include <QtGui/QTextDocument>
 
+#include <algorithm>
+
 namespace zelvar::platform {
 
+namespace {
+
+/// Marks that are characters of a direction and turn nothing else, U+200E and U+200F, stay: names in Hebrew have them.
+bool MisleadsReader(QChar character) {
+    char16_t const code = character.unicode();
+    return code < 0x20 || (code >= 0x7F && code < 0xA0) || (code >= 0x2028 && code <= 0x202E) ||
+           (code >= 0x2066 && code <= 0x2069);
+}
+
+} // namespace
+
 QString ToQString(std::string_view text) { return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())); }
+
+QString ToShownName(std::string_view name) {
+    QString const text = ToQString(name);
+    if (std::ranges::none_of(text, MisleadsReader))
+        return text;
+    QString shown;
+    for (QChar const character : text) {
+        if (MisleadsReader(character))
+            shown += QString::asprintf(character.unicode() < 0x100 ? "\\x%02X" : "\\u%04X", character.unicode());
+        else
+            shown += character;
+    }
+    return shown;
+}
 
 QString Shown(char const *text) { return QString::fromUtf8(Translated(text)); }
 

@@ -1,5 +1,6 @@
 #include "zelvar/platform/ui/Reading.h"
 
+#include "zelvar/platform/ui/Text.h"
 #include "zelvar/views/ReportPainter.h"
 #include "zelvar/views/ReportTypes.h"
 
@@ -37,6 +38,15 @@ TEST(Reading, ATextKeepsItsOwnDirectionInEitherWindow) {
     }
     EXPECT_NE(Drawn("שלום.tif", LVCFMT_LEFT, Qt::RightToLeft),
               Drawn("שלום.tif", LVCFMT_LEFT, Qt::RightToLeft, Reading::LeftToRight));
+}
+
+TEST(Reading, ANameThatWouldReadAsAnotherOneShowsWhatItIs) {
+    std::pair<char const *, char const *> const cases[] = {
+        {"\u202Egpj.tif", "\\u202Egpj.tif"},        {"a\u2067b\u2069", "a\\u2067b\\u2069"},
+        {"new\nline\x7F", "new\\x0Aline\\x7F"},     {"a\u0085\u2028b", "a\\x85\\u2028b"},
+        {"\u200Fשלום  %.tif", "\u200Fשלום  %.tif"}, {"", ""}};
+    for (auto const &[name, shown] : cases)
+        EXPECT_EQ(ToShownName(name), QString::fromUtf8(shown));
 }
 
 } // namespace
