@@ -13,6 +13,7 @@
 #include "zelvar/model/TemplDataSourceItem.h"
 #include "zelvar/opends/DSDataSourceWnd.h"
 #include "zelvar/opends/DataSourceList.h"
+#include "zelvar/opends/FavoriteRows.h"
 #include "zelvar/opends/HierarchyList.h"
 #include "zelvar/opends/OpenSearch.h"
 #include "zelvar/opends/PlaceNotice.h"
@@ -259,6 +260,28 @@ TEST_F(ServerPlaces, APasswordThatNobodyKeepsIsAskedForWhereTheRowsWouldStand) {
     });
     SetConnectionFinder({});
     EXPECT_THAT(ReadFile(definitions / "Lab.xml"), testing::Not(HasSubstr("MARKER")));
+}
+
+TEST_F(ServerPlaces, AFavoriteOnAServerIsSelectedWhereItLies) {
+    server.Serve("/lab/", "<title>Index of /lab/</title><a href=\"sub/\">sub/</a>", "text/html");
+    server.Serve("/lab/sub/",
+                 "<title>Index of /lab/sub/</title><a href=\"a.tif\">a.tif</a><a href=\"b%20%3F.tif\">b</a>",
+                 "text/html");
+    server.OnStore([](StoreAnswers &store) { store.SetBucket("big", {.keys = {"k.tif", "l.tif"}}); });
+    DString const file = server.Url() + "/lab/sub/b%20%3F.tif";
+    for (DString const &path : {file, DString("s3://big/l.tif")}) {
+        Favorite const favorite{Favorite::Kind::Data, path + "?NUM_THREADS=2", "mine"};
+        FavoriteBook::Add(favorite);
+        Run([&] {
+            ClickSource("mine");
+            EXPECT_TRUE(Eventually([&] {
+                DSListCtrl::ItemList items;
+                dialog->MainList()->GetSelectedItems(items);
+                return items.size() == 1 && items.front()->GetPath() == path;
+            })) << path;
+        });
+        FavoriteBook::Remove(favorite);
+    }
 }
 
 TEST_F(ServerPlaces, ADialogThatBeginsAtAPlaceThatFailsSaysWhy) {
