@@ -1,7 +1,6 @@
 #include "zelvar/opends/OpenFavorites.h"
 
 #include "zelvar/base/Translation.h"
-#include "zelvar/connections/ConnectionBook.h"
 #include "zelvar/data/BDIMoniker.h"
 #include "zelvar/opends/BasketStrip.h"
 #include "zelvar/opends/DSListCtrl.h"
@@ -17,27 +16,9 @@
 #include "zelvar/opends/ServerWaits.h"
 #include "zelvar/opends/search/StoredSearch.h"
 
-#include <algorithm>
 #include <optional>
 
 namespace zelvar {
-
-namespace {
-
-/// The place on a server that lists what a moniker opens: of a map service its connection, else what stands before the
-/// last name. The moniker itself where neither is known.
-DString PlaceOnServer(DString const &moniker) {
-    if (IsMapServiceAddress(moniker)) {
-        std::shared_ptr<ConnectionBook const> const book = ConnectionBook::Now();
-        ConnectionBook::Entry const *const entry = book->FindByAddress(moniker);
-        return entry == nullptr ? moniker : ConnectionIdOf(entry->connection);
-    }
-    std::size_t const host = moniker.find("://");
-    std::size_t const end = moniker.rfind('/', std::min(moniker.find('?'), moniker.size()));
-    return host == DString::npos || end < host + 3 ? moniker : moniker.substr(0, end);
-}
-
-} // namespace
 
 OpenFavorites::OpenFavorites(DlgOpenDS &dialog, OpenParts &parts, SelectionOptions &options, PlaceFinder const &places)
     : m_dialog(dialog), m_parts(parts), m_options(options), m_places(places) {
@@ -86,7 +67,7 @@ void OpenFavorites::OpenData(DString const &moniker) {
     DSListCtrl &list = *m_dialog.MainList();
     if (PlaceOpener::IsFor(moniker)) { // nothing waits for a server
         m_wanted.Want(moniker, list);
-        return m_dialog.GoToDir(PlaceOnServer(moniker), true);
+        return m_dialog.GoToDir(PlaceOpener::PlaceOf(moniker), true);
     }
     if (ShowNode(moniker))
         return;

@@ -109,6 +109,8 @@ void ServerWaits::OnFound() {
         answer->item = shown->TakeOpened() ? m_shown : nullptr;
     if (answer->item == nullptr && !m_failure.IsSet())
         m_failure.Set("\"" + m_place + "\" is not there", DError::Cause::Missing);
+    if (!m_failure.IsSet() && GoToPlaceOf(answer->item.get()))
+        return;
     if (!m_failure.IsSet()) {
         Forget();
         m_actions.show(answer->item);
@@ -121,6 +123,17 @@ void ServerWaits::OnFound() {
         return;
     }
     Update();
+}
+
+/// False, and nothing done, for what can be listed itself.
+bool ServerWaits::GoToPlaceOf(DataSourceItem const *found) {
+    auto const *const tree = dynamic_cast<TemplDataSourceItem const *>(found);
+    DString const data = m_shown == nullptr ? m_place : DString();
+    DString const place = PlaceOpener::PlaceOf(data);
+    if (m_notice == nullptr || tree == nullptr || !tree->IsRoot() || tree->IsFolder() || place == data)
+        return false;
+    m_wanted.Want(data, m_panes.items);
+    return GoTo(place, m_reports);
 }
 
 void ServerWaits::Forget() {
@@ -304,6 +317,7 @@ void ServerWaits::ShowBusy(bool isBusy) {
 
 void ServerWaits::Update() {
     State state = Waiting();
+    m_wanted.Update(m_panes.items, state.isWaiting);
     if (state.isWaiting)
         m_isStopped = false;
     if (m_isBusy != state.isWaiting)

@@ -2,6 +2,7 @@
 #include "zelvar/opends/ServerWaits.h"
 
 #include "support/HttpServer.h"
+#include "support/ImageFiles.h"
 #include "support/OpenDialogHand.h"
 #include "support/RealDrivers.h"
 #include "support/Stopwatch.h"
@@ -262,25 +263,31 @@ TEST_F(ServerPlaces, APasswordThatNobodyKeepsIsAskedForWhereTheRowsWouldStand) {
     EXPECT_THAT(ReadFile(definitions / "Lab.xml"), testing::Not(HasSubstr("MARKER")));
 }
 
-TEST_F(ServerPlaces, AFavoriteOnAServerIsSelectedWhereItLies) {
-    server.Serve("/lab/", "<title>Index of /lab/</title><a href=\"sub/\">sub/</a>", "text/html");
+TEST_F(ServerPlaces, DataOnAServerAreSelectedWhereTheyLie) {
     server.Serve("/lab/sub/",
                  "<title>Index of /lab/sub/</title><a href=\"a.tif\">a.tif</a><a href=\"b%20%3F.tif\">b</a>",
                  "text/html");
     server.OnStore([](StoreAnswers &store) { store.SetBucket("big", {.keys = {"k.tif", "l.tif"}}); });
-    DString const file = server.Url() + "/lab/sub/b%20%3F.tif";
-    for (DString const &path : {file, DString("s3://big/l.tif")}) {
+    WriteImage(definitions / "image.tif");
+    for (char const *const path : {"/lab/sub/b%20%3F.tif", "/big/l.tif"})
+        server.Serve(path, ReadFile(definitions / "image.tif"));
+    for (DString const &path : {server.Url() + "/lab/sub/b%20%3F.tif", DString("s3://big/l.tif")}) {
+        auto const isSelected = [&] {
+            DSListCtrl::ItemList items;
+            dialog->MainList()->GetSelectedItems(items);
+            return items.size() == 1 && items.front()->GetPath() == path;
+        };
         Favorite const favorite{Favorite::Kind::Data, path + "?NUM_THREADS=2", "mine"};
         FavoriteBook::Add(favorite);
         Run([&] {
             ClickSource("mine");
-            EXPECT_TRUE(Eventually([&] {
-                DSListCtrl::ItemList items;
-                dialog->MainList()->GetSelectedItems(items);
-                return items.size() == 1 && items.front()->GetPath() == path;
-            })) << path;
+            EXPECT_TRUE(Eventually(isSelected)) << path;
         });
         FavoriteBook::Remove(favorite);
+        Run([&] {
+            GoTo(path);
+            EXPECT_TRUE(Eventually(isSelected)) << path;
+        });
     }
 }
 
