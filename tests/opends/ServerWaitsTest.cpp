@@ -184,6 +184,7 @@ TEST_F(ServerPlaces, AConnectionThatFailedIsTriedAgain) {
         Click(dialog->Waits()->Notice()->Button());
         EXPECT_TRUE(Eventually(
             [&] { return RowTextOf(*dialog->SourceList()->ItemAt(RowOfSource("Lab"))) == "Lab (password)"; }));
+        EXPECT_TRUE(Says("Lab cannot be opened: ", "Retry")); // and no button to stop it
         server.Serve("/lab/", "<html><title>Index of /lab/</title><a href=\"a.tif\">a.tif</a></html>", "text/html");
         Click(dialog->Waits()->Notice()->Button());
         DSListCtrl const &list = *dialog->MainList();
