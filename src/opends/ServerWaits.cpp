@@ -25,6 +25,10 @@ namespace zelvar {
 
 namespace {
 
+constexpr std::string_view kByName = "source:"; // before the name of a connection
+
+DString NameOf(DString const &place) { return place.starts_with(kByName) ? place.substr(kByName.size()) : place; }
+
 /// What is wrong with a place, what to do about it, and what its server said.
 DString FaultInWords(DString const &name, DError const &error) {
     DString text = Format(Translated("%s cannot be opened: %s"), name.c_str(), CauseInWords(error).c_str());
@@ -197,7 +201,7 @@ ServerWaits::State ServerWaits::Waiting() const {
     if (RefItemPtr<DataSourceItem> const source = m_panes.sources.Opening(); source != nullptr)
         return connectingTo(NameOf(*source));
     if (m_opener->IsBusy())
-        return connectingTo(m_place);
+        return connectingTo(NameOf(m_place));
     bool const isListing = m_panes.items.IsListing() || m_panes.parents.IsListing() || m_panes.folders.IsListing();
     if (!isListing)
         return {};
@@ -212,7 +216,7 @@ ServerWaits::State ServerWaits::Waiting() const {
 ServerWaits::State ServerWaits::Failed() const {
     if (m_failure.IsSet()) {
         auto const *const tree = dynamic_cast<TemplDataSourceItem const *>(m_shown.get());
-        return {.words = FaultInWords(m_place, m_failure),
+        return {.words = FaultInWords(NameOf(m_place), m_failure),
                 .failure = m_failure,
                 .place = tree == nullptr ? m_place : tree->GetSource()};
     }
@@ -234,8 +238,6 @@ ServerWaits::State ServerWaits::Failed() const {
 ServerWaits::Offer ServerWaits::OfferFor(State const &state) {
     if (!state.failure.IsSet())
         return {};
-    // A connection is named by "source:NAME", too.
-    constexpr std::string_view kByName = "source:";
     std::shared_ptr<ConnectionBook const> const book = ConnectionBook::Now();
     ConnectionBook::Entry const *const entry = state.place.starts_with(kByName)
                                                    ? book->Find(state.place.substr(kByName.size()))
