@@ -73,7 +73,7 @@ bool OpenFavorites::OpenData(DString const &moniker) {
     DSListCtrl &list = *m_dialog.MainList();
     if (PlaceOpener::IsFor(moniker)) { // nothing waits for a server
         m_wanted.Want(moniker, list);
-        m_dialog.GoToDir(moniker, true);
+        m_dialog.GoToDir(PlaceOpener::PlaceOf(moniker), true);
         return true;
     }
     if (ShowNode(moniker))

@@ -1,11 +1,13 @@
 #include "zelvar/opends/PlaceOpener.h"
 
 #include "zelvar/base/PathStyle.h"
+#include "zelvar/connections/ConnectionBook.h"
 #include "zelvar/data/BDIMoniker.h"
 #include "zelvar/data/RequestScope.h"
 #include "zelvar/model/PlaceResolver.h"
 #include "zelvar/platform/os/SmbAddress.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace zelvar {
@@ -13,6 +15,17 @@ namespace zelvar {
 bool PlaceOpener::IsFor(DString const &place) {
     return place.starts_with("source:") || (BDIMoniker(place, nullptr).IsUrl() && !platform::IsSmbAddress(place) &&
                                             !StartsWithNoCase(place, "file://"));
+}
+
+DString PlaceOpener::PlaceOf(DString const &data) {
+    if (IsMapServiceAddress(data)) {
+        std::shared_ptr<ConnectionBook const> const book = ConnectionBook::Now();
+        ConnectionBook::Entry const *const entry = book->FindByAddress(data);
+        return entry == nullptr ? data : ConnectionIdOf(entry->connection);
+    }
+    std::size_t const host = data.find("://");
+    std::size_t const end = data.rfind('/', std::min(data.find('?'), data.size()));
+    return host == DString::npos || end < host + 3 ? data : data.substr(0, end);
 }
 
 void PlaceOpener::SetOwner(platform::MessageTarget target, platform::MessageId message) {

@@ -18,6 +18,9 @@ public:
 
     /// Whether a place that somebody names is to be looked for here: an address, or a connection by its name.
     [[nodiscard]] static bool IsFor(DString const &place);
+    /// The address of what lists data on a server: of a map service its connection, else what stands before the last
+    /// name. The data's own where neither is known.
+    [[nodiscard]] static DString PlaceOf(DString const &data);
 
     /// Once, before the first question. `target` gets `message` when there is something to take.
     void SetOwner(platform::MessageTarget target, platform::MessageId message);

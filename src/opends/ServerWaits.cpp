@@ -25,6 +25,10 @@ namespace zelvar {
 
 namespace {
 
+constexpr std::string_view kByName = "source:"; // before the name of a connection
+
+DString NameOf(DString const &place) { return place.starts_with(kByName) ? place.substr(kByName.size()) : place; }
+
 /// What is wrong with a place, what to do about it, and what its server said.
 DString FaultInWords(DString const &name, DError const &error) {
     DString text = Format(Translated("%s cannot be opened: %s"), name.c_str(), CauseInWords(error).c_str());
@@ -118,6 +122,8 @@ void ServerWaits::OnFound() {
         answer->item = shown->TakeOpened() ? m_shown : nullptr;
     if (answer->item == nullptr && !m_failure.IsSet())
         m_failure.Set("\"" + m_place + "\" is not there", DError::Cause::Missing);
+    if (!m_failure.IsSet() && GoToPlaceOf(answer->item.get()))
+        return;
     if (!m_failure.IsSet()) {
         Forget();
         m_actions.show(answer->item);
@@ -130,6 +136,17 @@ void ServerWaits::OnFound() {
         return;
     }
     Update();
+}
+
+/// False, and nothing done, for what can be listed itself.
+bool ServerWaits::GoToPlaceOf(DataSourceItem const *found) {
+    auto const *const tree = dynamic_cast<TemplDataSourceItem const *>(found);
+    DString const data = m_shown == nullptr ? m_place : DString();
+    DString const place = PlaceOpener::PlaceOf(data);
+    if (m_notice == nullptr || tree == nullptr || !tree->IsRoot() || tree->IsFolder() || place == data)
+        return false;
+    m_wanted.Want(data, m_panes.items);
+    return GoTo(place, m_reports);
 }
 
 void ServerWaits::Forget() {
@@ -193,7 +210,7 @@ ServerWaits::State ServerWaits::Waiting() const {
     if (RefItemPtr<DataSourceItem> const source = m_panes.sources.Opening(); source != nullptr)
         return connectingTo(NameOf(*source));
     if (m_opener->IsBusy())
-        return connectingTo(m_place);
+        return connectingTo(NameOf(m_place));
     bool const isListing = m_panes.items.IsListing() || m_panes.parents.IsListing() || m_panes.folders.IsListing();
     if (!isListing)
         return {};
@@ -208,7 +225,7 @@ ServerWaits::State ServerWaits::Waiting() const {
 ServerWaits::State ServerWaits::Failed() const {
     if (m_failure.IsSet()) {
         auto const *const tree = dynamic_cast<TemplDataSourceItem const *>(m_shown.get());
-        return {.words = FaultInWords(m_place, m_failure),
+        return {.words = FaultInWords(NameOf(m_place), m_failure),
                 .failure = m_failure,
                 .place = tree == nullptr ? m_place : PlaceOf(*tree)};
     }
@@ -311,6 +328,7 @@ void ServerWaits::ShowBusy(bool isBusy) {
 
 void ServerWaits::Update() {
     State state = Waiting();
+    m_wanted.Update(m_panes.items, state.isWaiting);
     if (state.isWaiting)
         m_isStopped = false;
     if (m_isBusy != state.isWaiting)

@@ -7,6 +7,7 @@
 #include "zelvar/data/StopSignal.h"
 #include "zelvar/model/DataSourceItem.h"
 #include "zelvar/opends/EmptyPlace.h"
+#include "zelvar/opends/WantedRow.h"
 #include "zelvar/platform/ui/MessageTarget.h"
 #include "zelvar/platform/ui/WindowMessage.h"
 
@@ -81,6 +82,7 @@ private:
         DString login{}; ///< what is wrong with the login, if it is the password
         bool isCertificate = false;
     };
+    [[nodiscard]] bool GoToPlaceOf(DataSourceItem const *found);
     [[nodiscard]] static Offer OfferFor(State const &state);
     [[nodiscard]] static DString ButtonOf(Offer const &offer);
     void TakeOffer();
@@ -102,6 +104,7 @@ private:
     DString m_place;                    ///< that was looked for last; empty once it is there
     DError m_failure;                   ///< why that is not
     Offer m_offer;                      ///< as the notice shows it
+    WantedRow m_wanted;                 ///< data whose address was named, in the place that lists them
     struct Changing;
     std::unique_ptr<Changing> m_changing; ///< a connection that is being changed; null for none
     bool m_reports = false;

@@ -19,6 +19,7 @@ void WantedRow::Want(DString const &moniker, DSListCtrl const &list) {
     m_names = WithFewerOptions(moniker);
     list.GetRootItems(m_before);
     m_rows = -1;
+    m_quiet = 0;
 }
 
 void WantedRow::Update(DSListCtrl &list, bool mayCome) {
@@ -29,15 +30,20 @@ void WantedRow::Update(DSListCtrl &list, bool mayCome) {
     bool const isOthers = roots != m_before && list.GetNumSlct() > 0; // the user has gone on
     int const rows = list.GetNumRow();
     auto best = m_names.end();
-    for (int row = 0; row < rows && rows != m_rows && !isOthers; ++row)
+    bool const isNew = rows != m_rows || roots != m_looked;
+    for (int row = 0; row < rows && isNew && !isOthers; ++row)
         if (RefItemPtr<DataSourceItem> const item = list.ItemAt(row); item != nullptr)
             best = std::min(best, std::find(m_names.begin(), m_names.end(), item->GetPath()));
     m_rows = rows;
+    m_looked = roots;
+    // Between the answer of a server and its listing nothing is under way for a moment.
+    m_quiet = mayCome ? 0 : m_quiet + 1;
     if (best != m_names.end())
         list.SelectPaths({DString(*best)});
-    if (best != m_names.end() || isOthers || !mayCome) {
+    if (best != m_names.end() || isOthers || m_quiet > 1) {
         m_names.clear();
         m_before.clear();
+        m_looked.clear();
     }
 }
 

@@ -27,7 +27,9 @@ private:
     using ItemList = std::list<RefItemPtr<DataSourceItem>>;
     std::vector<DString> m_names; ///< empty for none
     ItemList m_before;            ///< whose children were listed when it was wanted
-    int m_rows = -1;              ///< that were looked through
+    ItemList m_looked;            ///< whose rows were looked through last
+    int m_rows = -1;              ///< how many these were
+    int m_quiet = 0;              ///< how often in turn no more rows were to come
 };
 
 } // namespace zelvar

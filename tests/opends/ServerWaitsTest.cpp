@@ -2,6 +2,7 @@
 #include "zelvar/opends/ServerWaits.h"
 
 #include "support/HttpServer.h"
+#include "support/ImageFiles.h"
 #include "support/OpenDialogHand.h"
 #include "support/RealDrivers.h"
 #include "support/Stopwatch.h"
@@ -13,6 +14,7 @@
 #include "zelvar/model/TemplDataSourceItem.h"
 #include "zelvar/opends/DSDataSourceWnd.h"
 #include "zelvar/opends/DataSourceList.h"
+#include "zelvar/opends/FavoriteRows.h"
 #include "zelvar/opends/HierarchyList.h"
 #include "zelvar/opends/OpenForecast.h"
 #include "zelvar/opends/OpenSearch.h"
@@ -325,6 +327,34 @@ TEST_F(ServerPlaces, APlaceWithNothingToPickSaysSo) {
         GoTo(server.Url() + "/lab/sub/");
         EXPECT_TRUE(Says("sub holds nothing that can be picked here.", "Retry"));
     });
+}
+
+TEST_F(ServerPlaces, DataOnAServerAreSelectedWhereTheyLie) {
+    server.Serve("/lab/sub/",
+                 "<title>Index of /lab/sub/</title><a href=\"a.tif\">a.tif</a><a href=\"b%20%3F.tif\">b</a>",
+                 "text/html");
+    server.OnStore([](StoreAnswers &store) { store.SetBucket("big", {.keys = {"k.tif", "l.tif"}}); });
+    WriteImage(definitions / "image.tif");
+    for (char const *const path : {"/lab/sub/b%20%3F.tif", "/big/l.tif"})
+        server.Serve(path, ReadFile(definitions / "image.tif"));
+    for (DString const &path : {server.Url() + "/lab/sub/b%20%3F.tif", DString("s3://big/l.tif")}) {
+        auto const isSelected = [&] {
+            DSListCtrl::ItemList items;
+            dialog->MainList()->GetSelectedItems(items);
+            return items.size() == 1 && items.front()->GetPath() == path;
+        };
+        Favorite const favorite{Favorite::Kind::Data, path + "?NUM_THREADS=2", "mine"};
+        FavoriteBook::Add(favorite);
+        Run([&] {
+            ClickSource("mine");
+            EXPECT_TRUE(Eventually(isSelected)) << path;
+        });
+        FavoriteBook::Remove(favorite);
+        Run([&] {
+            GoTo(path);
+            EXPECT_TRUE(Eventually(isSelected)) << path;
+        });
+    }
 }
 
 TEST_F(ServerPlaces, ADialogThatBeginsAtAPlaceThatFailsSaysWhy) {

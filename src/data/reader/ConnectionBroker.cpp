@@ -28,10 +28,9 @@ constexpr std::size_t kMostNames = 1000;
 constexpr char const *kCloud = "169.254.169.254";
 constexpr char const *kOwnMachine = "localhost";
 
-/// Of 127.0.0.0/8, or ::1.
 bool IsOwnMachine(wire::HostNumber const &number) {
-    constexpr std::uint8_t kFirst = 127;
-    return number.isSix == 0 ? number.bytes.front() == kFirst : TextOf(number) == "::1";
+    DString const text = TextOf(number);
+    return text == "127.0.0.1" || text == "::1";
 }
 
 DError Because(DString const &text, Cause cause) {
