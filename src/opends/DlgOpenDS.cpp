@@ -144,9 +144,9 @@ bool DlgOpenDS::DoMoveCtrl(QWidget *child, int id, Rect &rect, cdxCDynamicLayout
 void DlgOpenDS::FitIntoScreen() {
     QRect available = screen()->availableGeometry();
     if (m_features != kOpenPlain) {
-        // In a large font the design is larger than a small screen: its panes give way, so that OK stays in sight.
+        // In a large font the design is higher than a small screen: its panes give way, so that OK stays in sight.
         available.setTop(available.top() + style()->pixelMetric(QStyle::PM_TitleBarHeight));
-        m_szMin = {std::min(m_szMin.cx, available.width()), std::min(m_szMin.cy, available.height())};
+        m_szMin.cy = std::min(m_szMin.cy, available.height());
         ApplyTrackSizes();
     }
     if (width() >= available.width() || height() >= available.height())
