@@ -34,6 +34,7 @@
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QCheckBox>
 #include <QtWidgets/QPushButton>
+#include <QtWidgets/QStyle>
 
 #include <utility>
 
@@ -141,12 +142,22 @@ bool DlgOpenDS::DoMoveCtrl(QWidget *child, int id, Rect &rect, cdxCDynamicLayout
 
 // ------------------------------------------------------------------------------------------------ the first time
 
+void DlgOpenDS::FitIntoScreen() {
+    QRect available = screen()->availableGeometry();
+    if (m_features != kOpenPlain) {
+        // In a large font the design is higher than a small screen: its panes give way, so that OK stays in sight.
+        available.setTop(available.top() + style()->pixelMetric(QStyle::PM_TitleBarHeight));
+        m_szMin.cy = std::min(m_szMin.cy, available.height());
+        ApplyTrackSizes();
+    }
+    if (width() >= available.width() || height() >= available.height())
+        setGeometry(geometry().intersected(available));
+}
+
 bool DlgOpenDS::OnInitDialog() {
     cdxCDynamicDialog::OnInitDialog();
     AssignControls();
-    if (QRect const available = screen()->availableGeometry();
-        width() >= available.width() || height() >= available.height())
-        setGeometry(geometry().intersected(available));
+    FitIntoScreen();
     setWindowTitle(platform::ToQString(m_title));
     CreateChildren();
     InitializeLayout();

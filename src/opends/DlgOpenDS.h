@@ -149,6 +149,7 @@ private:
     // Set-up, in the order of OnInitDialog.
     void WireMessages();
     void AssignControls();
+    void FitIntoScreen();
     void CreateChildren();
     void CreateParts();
     void SetUpToolButtons();

@@ -23,6 +23,7 @@
 #include "zelvar/settings/DfltFldrs.h"
 #include "zelvar/store/DCnfg.h"
 
+#include <QtGui/QScreen>
 #include <QtWidgets/QAbstractItemView>
 #include <QtWidgets/QCheckBox>
 #include <QtWidgets/QCompleter>
@@ -608,6 +609,23 @@ TEST_F(OpenDialog, OptionsThatTheDriverTellsGoIntoTheMonikerAndAreRemembered) {
         PressOk(*plain);
     });
     EXPECT_EQ(plain->GetSelectedNodePaths()[0].GetText(), folder / "b.asc");
+}
+
+TEST_F(OpenDialog, InALargeFontAllOfItIsOnTheScreen) {
+    features = kOpenAll;
+    QFont const former = QApplication::font();
+    QFont large = former;
+    large.setPixelSize(24);
+    QApplication::setFont(large);
+    DialogPtr const dialog = Make();
+    Run(*dialog, [&] {
+        QRect const screen = dialog->screen()->availableGeometry();
+        EXPECT_LT(dialog->height(), screen.height()) << "with a title bar";
+        EXPECT_LE(dialog->geometry().bottom(), screen.bottom());
+        EXPECT_TRUE(dialog->rect().contains(Button(*dialog, kOkId)->geometry()));
+        EXPECT_GT(dialog->MainList()->height(), dialog->MainList()->fontMetrics().height() * 5);
+    });
+    QApplication::setFont(former);
 }
 
 TEST_F(OpenDialog, LongNamesAndAllItsStatesHaveRoom) {

@@ -11,6 +11,7 @@
 #include "zelvar/opends/search/FactsForm.h"
 #include "zelvar/opends/search/SearchForm.h"
 #include "zelvar/platform/ui/EllipsisLabel.h"
+#include "zelvar/platform/ui/PaletteColors.h"
 #include "zelvar/platform/ui/Text.h"
 #include "zelvar/store/DCnfg.h"
 
@@ -123,6 +124,18 @@ TEST_F(SearchWindow, WhatIsFoundBelowThePlaceIsPickedAcrossFoldersWithTheKeyboar
     EXPECT_THAT(Picked(), ElementsAre(folder / "near.tif", folder / "sub/near wide.tif"))
         << "without the folder, which can only be entered";
     EXPECT_EQ(DUserCnfg("DlgOpenDSSorting").ReadString("0", ""), "ASC:ASC:0:ASC") << "that of the listing";
+}
+
+TEST(SearchForms, HintsAreReadOnADarkGroundOfWhichTheDesktopSaysNothing) {
+    SearchForm const form(nullptr);
+    DarkPalette const dark;
+    QPalette odd = QApplication::palette();
+    odd.setColor(QPalette::PlaceholderText, QColor(0, 0, 0, 128));
+    QApplication::setPalette(odd);
+    for (QLineEdit const *const edit : form.findChildren<QLineEdit *>())
+        EXPECT_GE(
+            platform::Contrast(edit->palette().color(QPalette::PlaceholderText), edit->palette().color(QPalette::Base)),
+            4.5);
 }
 
 TEST_F(SearchWindow, EscapeShowsTheFolderAsItWasAndAskedAgainTheSameIsFound) {
