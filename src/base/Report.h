@@ -41,18 +41,18 @@ public:
     /// What kept data from being opened or read. The detail is stated where a cause has one.
     enum class Cause {
         Unknown,
-        Missing,      ///< nothing is there (any more)
-        NotPermitted, ///< the user may not read it
-        NotSupported, ///< no driver knows the data, or the driver cannot read this kind of them
-        Damaged,      ///< a driver knows the data and cannot read them; detail: the byte, where the library says it
-        NeedsPassword,
-        Refused,   ///< a driver knows the data and must not open them
-        Server,    ///< a server answered with an error; detail: its status code
-        Late,      ///< longer than its budget; detail: milliseconds
-        TooLarge,  ///< more memory than a reader may take; detail: bytes
-        Crashed,   ///< the data end the process that reads them
-        NoAnswer,  ///< the reader or the place does not answer
-        Untrusted, ///< nobody known vouches for a server's certificate
+        Missing,       ///< nothing is there (any more)
+        NotPermitted,  ///< the user may not read it
+        NotSupported,  ///< no driver knows the data, or the driver cannot read this kind of them
+        Damaged,       ///< a driver knows the data and cannot read them; detail: the byte, where the library says it
+        NeedsPassword, ///< nobody has told one; detail: the status code of a server
+        Refused,       ///< a driver knows the data and must not open them
+        Server,        ///< a server answered with an error; detail: its status code
+        Late,          ///< longer than its budget; detail: milliseconds
+        TooLarge,      ///< more memory than a reader may take; detail: bytes
+        Crashed,       ///< the data end the process that reads them
+        NoAnswer,      ///< the reader or the place does not answer
+        Untrusted,     ///< nobody known vouches for a server's certificate
         /// It lies behind a connection that nobody has made.
         NoConnection,
     };

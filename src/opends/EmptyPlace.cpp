@@ -42,7 +42,7 @@ DString WordsOf(DSListCtrl const &items, std::vector<DSListCtrl const *> const &
         return {};
     DString words = Format(Translated("%s holds nothing that can be picked here."), root->GetName().c_str());
     if (isDatabase && (static_cast<unsigned>(items.GetBDIFilter()) & BDINode_Table) == 0)
-        words.append(" ").append(Translated("Its tables are picked where a table is to be opened."));
+        words.append(" ").append(Translated("Tables are picked where a table is to be opened."));
     return words;
 }
 

@@ -29,14 +29,14 @@ enum ControlIds { kOk = 1, kCancel = 2, kKinds = 1001, kFields = 1002, kTrial = 
 // The fields get two thirds of what the window grows by. With letters half as large again it still fits 800 pixels.
 constexpr DialogItem kItems[] = {
     {kKinds, ControlKind::List, "", 7, 7, 66, 124, {0, 0, 0, 66}},
-    {kFields, ControlKind::Place, "", 78, 7, 203, 124, {0, 0, 100, 66}},
-    {kTrial, ControlKind::Place, "", 7, 136, 274, 86, {0, 66, 100, 100}},
+    {kFields, ControlKind::Place, "", 78, 7, 179, 124, {0, 0, 100, 66}},
+    {kTrial, ControlKind::Place, "", 7, 136, 250, 86, {0, 66, 100, 100}},
     {kTest, ControlKind::Button, Mark("Test"), 7, 227, 60, 14, {0, 100, 0, 100}},
-    {kOk, ControlKind::DefaultButton, Mark("OK"), 175, 227, 50, 14, {100, 100, 100, 100}},
-    {kCancel, ControlKind::Button, Mark("Cancel"), 231, 227, 50, 14, {100, 100, 100, 100}},
+    {kOk, ControlKind::DefaultButton, Mark("OK"), 151, 227, 50, 14, {100, 100, 100, 100}},
+    {kCancel, ControlKind::Button, Mark("Cancel"), 207, 227, 50, 14, {100, 100, 100, 100}},
 };
 constexpr platform::DialogTemplate kTemplate{
-    .id = 6120, .caption = Mark("Connection"), .width = 288, .height = 248, .items = kItems};
+    .id = 6120, .caption = Mark("Connection"), .width = 264, .height = 248, .items = kItems};
 constexpr unsigned kFlags = 3;
 
 constexpr char const *kNotTested = Mark("Test tries the connection step by step. Nothing is kept before OK.");

@@ -153,6 +153,7 @@ ConnectionForm::Row &ConnectionForm::AddRow(QGridLayout &grid, DString const &ke
     Row row{.label = new QLabel(Shown(label)), .control = control, .fault = new QLabel, .isRare = isRare};
     row.label->setTextFormat(Qt::PlainText);
     row.label->setBuddy(control);
+    row.label->setWordWrap(true); // fields come before labels where there is little room
     row.fault->setTextFormat(Qt::PlainText);
     row.fault->setWordWrap(true);
     row.fault->hide();
