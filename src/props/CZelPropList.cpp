@@ -1,5 +1,6 @@
 #include "zelvar/props/CZelPropList.h"
 
+#include "zelvar/platform/ui/HintColor.h"
 #include "zelvar/platform/ui/ModalLoop.h"
 #include "zelvar/platform/ui/SystemColor.h"
 #include "zelvar/platform/ui/Text.h"
@@ -66,6 +67,7 @@ CZelPropList::CZelPropList(QWidget *parent)
     m_search->setPlaceholderText(platform::Shown("Search"));
     m_search->setAccessibleName(platform::Shown("Search properties"));
     m_search->setClearButtonEnabled(true);
+    platform::KeepHintsReadable(*m_search);
     m_search->hide();
     setTabOrder(m_search, m_tree);
     setFocusProxy(m_tree);

@@ -8,6 +8,7 @@
 #include "zelvar/data/BDINode.h"
 #include "zelvar/opends/OpenFeatures.h"
 #include "zelvar/opends/OpenSearch.h"
+#include "zelvar/opends/connections/ConnectionForm.h"
 #include "zelvar/opends/search/FactsForm.h"
 #include "zelvar/opends/search/SearchForm.h"
 #include "zelvar/platform/ui/EllipsisLabel.h"
@@ -126,13 +127,14 @@ TEST_F(SearchWindow, WhatIsFoundBelowThePlaceIsPickedAcrossFoldersWithTheKeyboar
     EXPECT_EQ(DUserCnfg("DlgOpenDSSorting").ReadString("0", ""), "ASC:ASC:0:ASC") << "that of the listing";
 }
 
-TEST(SearchForms, HintsAreReadOnADarkGroundOfWhichTheDesktopSaysNothing) {
-    SearchForm const form(nullptr);
+TEST(Forms, HintsAreReadOnADarkGroundOfWhichTheDesktopSaysNothing) {
+    SearchForm const search(nullptr);
+    ConnectionForm const page(nullptr);
     DarkPalette const dark;
     QPalette odd = QApplication::palette();
     odd.setColor(QPalette::PlaceholderText, QColor(0, 0, 0, 128));
     QApplication::setPalette(odd);
-    for (QLineEdit const *const edit : form.findChildren<QLineEdit *>())
+    for (QLineEdit const *const edit : search.findChildren<QLineEdit *>() + page.findChildren<QLineEdit *>())
         EXPECT_GE(
             platform::Contrast(edit->palette().color(QPalette::PlaceholderText), edit->palette().color(QPalette::Base)),
             4.5);

@@ -1,6 +1,7 @@
 #include "zelvar/opends/connections/ConnectionForm.h"
 
 #include "zelvar/base/Translation.h"
+#include "zelvar/platform/ui/HintColor.h"
 #include "zelvar/platform/ui/PaletteColors.h"
 #include "zelvar/platform/ui/Text.h"
 #include "zelvar/platform/ui/WheelPast.h"
@@ -57,6 +58,7 @@ bool TakesAddress(ConnectionField const &field) {
 ConnectionForm::ConnectionForm(QWidget *parent) : QWidget(parent) {
     auto *const whole = new QVBoxLayout(this);
     whole->setContentsMargins(kSpacing, kSpacing, kSpacing, kSpacing);
+    platform::KeepHintsReadable(*this);
     Build();
 }
 

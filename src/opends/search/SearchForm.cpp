@@ -3,10 +3,9 @@
 #include "zelvar/base/Translation.h"
 #include "zelvar/opends/search/FactsForm.h"
 #include "zelvar/platform/ui/EllipsisLabel.h"
-#include "zelvar/platform/ui/PaletteColors.h"
+#include "zelvar/platform/ui/HintColor.h"
 #include "zelvar/platform/ui/Text.h"
 
-#include <QtCore/QEvent>
 #include <QtWidgets/QBoxLayout>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QPushButton>
@@ -60,7 +59,7 @@ SearchForm::SearchForm(QWidget *parent)
     whole->addWidget(m_line);
     m_area->hide();
     m_line->hide();
-    MakeHintsReadable();
+    platform::KeepHintsReadable(*this);
     connect(m_factsButton, &QPushButton::toggled, this, &SearchForm::ShowFacts);
     connect(m_searchButton, &QPushButton::clicked, this, &SearchForm::SearchPressed);
     connect(m_closeButton, &QPushButton::clicked, this, &SearchForm::ClosePressed);
@@ -141,24 +140,6 @@ int SearchForm::HeightFor(int width, int most) {
     int const area = std::min(wanted, room);
     m_area->setFixedHeight(area);
     return height + area + kSpacing;
-}
-
-void SearchForm::MakeHintsReadable() {
-    constexpr double kStrength = 0.6;
-    QPalette const &shown = palette();
-    QColor const hint = platform::Mixed(shown.color(QPalette::Active, QPalette::Base),
-                                        shown.color(QPalette::Active, QPalette::Text), kStrength);
-    if (shown.color(QPalette::Active, QPalette::PlaceholderText) == hint)
-        return;
-    QPalette own; // of that colour alone
-    own.setColor(QPalette::PlaceholderText, hint);
-    setPalette(own);
-}
-
-void SearchForm::changeEvent(QEvent *event) {
-    QWidget::changeEvent(event);
-    if (event->type() == QEvent::PaletteChange)
-        MakeHintsReadable();
 }
 
 std::vector<QWidget *> SearchForm::FocusOrder() const {

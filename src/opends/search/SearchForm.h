@@ -58,12 +58,7 @@ Q_SIGNALS:
     /// It wants another height now.
     void HeightChanged();
 
-protected:
-    void changeEvent(QEvent *event) override;
-
 private:
-    /// Desktops with dark palettes leave the colour of hints as it is on light ones.
-    void MakeHintsReadable();
     [[nodiscard]] QPushButton *AddButton(char const *words, char const *tip, char const *name);
     void ShowFacts(bool isShown);
 
