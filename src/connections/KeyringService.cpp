@@ -13,6 +13,7 @@
 #include <thread>
 #include <utility>
 
+#define SECRET_API_SUBJECT_TO_CHANGE // NOLINT: of the paths of items, which has not changed for ten years
 #include <libsecret/secret.h>
 #include <unistd.h>
 
@@ -25,10 +26,11 @@ struct Library {
     decltype(&secret_password_lookupv_sync) lookUp = nullptr;
     decltype(&secret_password_storev_sync) store = nullptr;
     decltype(&secret_password_clearv_sync) clear = nullptr;
-    decltype(&secret_password_searchv_sync) search = nullptr;
+    decltype(&secret_service_get_sync) getService = nullptr;
+    decltype(&secret_service_search_for_dbus_paths_sync) findPaths = nullptr;
     decltype(&secret_password_free) freePassword = nullptr;
     decltype(&secret_error_get_quark) secretErrors = nullptr;
-    decltype(&g_list_free_full) freeList = nullptr;
+    decltype(&g_strfreev) freeTexts = nullptr;
     decltype(&g_hash_table_new) newTable = nullptr;
     decltype(&g_hash_table_insert) insert = nullptr;
     decltype(&g_hash_table_unref) unrefTable = nullptr;
@@ -57,9 +59,10 @@ private:
         Report::TraceMessage(Report::kTraceDriver, "libsecret was loaded? %s", library.IsLoaded() ? "YES" : "NO");
         auto const find = [&library](char const *name, auto &function) { return library.Find(name, function); };
         return find("secret_password_lookupv_sync", lookUp) && find("secret_password_storev_sync", store) &&
-               find("secret_password_clearv_sync", clear) && find("secret_password_searchv_sync", search) &&
+               find("secret_password_clearv_sync", clear) && find("secret_service_get_sync", getService) &&
+               find("secret_service_search_for_dbus_paths_sync", findPaths) &&
                find("secret_password_free", freePassword) && find("secret_error_get_quark", secretErrors) &&
-               find("g_list_free_full", freeList) && find("g_hash_table_new", newTable) &&
+               find("g_strfreev", freeTexts) && find("g_hash_table_new", newTable) &&
                find("g_hash_table_insert", insert) && find("g_hash_table_unref", unrefTable) &&
                find("g_str_hash", hash) && find("g_str_equal", equal) && find("g_cancellable_new", newCancellable) &&
                find("g_cancellable_cancel", cancel) && find("g_object_unref", unref) &&
@@ -125,10 +128,17 @@ KeyringAnswer AnswerOf(Library const &library, GError *error) {
 /// Whether there is one in a keyring that is still locked: a user who does not unlock it is told of like one who has
 /// kept nothing.
 bool IsLockedAway(Question &question, SecretSchema const &schema, GHashTable *table) {
-    // Nothing is unlocked and nobody asked; what is not locked would have been found.
-    GList *const found = question.library.search(&schema, table, SECRET_SEARCH_NONE, question.cancellable, nullptr);
-    question.library.freeList(found, question.library.unref);
-    return found != nullptr;
+    Library const &library = question.library;
+    SecretService *const service = library.getService(SECRET_SERVICE_NONE, question.cancellable, nullptr);
+    if (service == nullptr)
+        return false;
+    // Nothing is unlocked and nobody asked. Their paths alone: libraries keep some bytes of each item that they make.
+    gchar **locked = nullptr;
+    library.findPaths(service, &schema, table, question.cancellable, nullptr, &locked, nullptr);
+    bool const isLocked = locked != nullptr && *locked != nullptr;
+    library.freeTexts(locked);
+    library.unref(service);
+    return isLocked;
 }
 
 KeyringAnswer PutLook(Question &question, SecretSchema const &schema, GHashTable *table) {
