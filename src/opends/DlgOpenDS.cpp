@@ -237,7 +237,8 @@ void DlgOpenDS::CreateParts() {
         ServerWaits::Panes{*m_panes->Sources(), *m_panes->Hierarchy(), *m_panes->Folders(), *m_panes->Items()},
         ServerWaits::Actions{
             .show = [this](RefItemPtr<DataSourceItem> const &item) { m_places->Show(item); },
-            .refuse = [this](DString const &place, DError const &error) { m_places->Refuse(place, error); }},
+            .refuse = [this](DString const &place, DError const &error) { m_places->Refuse(place, error); },
+            .forget = [this] { m_parts->ForgetSelection(); }},
         m_features != kOpenPlain);
     m_parts = std::make_unique<OpenParts>(OpenParts::Setup{.dialog = *this,
                                                            .panes = *m_panes,

@@ -163,6 +163,13 @@ void OpenParts::AddForecast() {
 
 DriverChoices const *OpenParts::Drivers() const { return m_forecast == nullptr ? nullptr : &m_forecast->Drivers(); }
 
+void OpenParts::ForgetSelection() {
+    m_setup.panes.Properties()->Clear();
+    GetDlgItem<platform::EllipsisLabel>(m_setup.dialog, kStatusId)->SetText({});
+    if (m_forecast != nullptr)
+        m_forecast->Select({});
+}
+
 // ----------------------------------------------------------------------------------------------------- the search
 
 void OpenParts::AddSearch() {
@@ -174,13 +181,7 @@ void OpenParts::AddSearch() {
         OpenSearch::Actions{.show = [this](RefItemPtr<DataSourceItem> const &item) { m_setup.places.Show(item); },
                             .take = [this](SearchForm &form) { m_searchPlace->TakeForm(form); },
                             .layOut = [this] { m_searchPlace->LayOut(); },
-                            .forget =
-                                [this] {
-                                    m_setup.panes.Properties()->Clear();
-                                    GetDlgItem<platform::EllipsisLabel>(m_setup.dialog, kStatusId)->SetText({});
-                                    if (m_forecast != nullptr)
-                                        m_forecast->Select({});
-                                }});
+                            .forget = [this] { ForgetSelection(); }});
     m_searchPlace->AddButton(*m_search);
 }
 

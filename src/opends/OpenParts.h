@@ -70,6 +70,7 @@ public:
     /// Nothing where nothing was gathered, or nothing can be.
     [[nodiscard]] bool HasGathered() const;
     void AddToBasket(ItemList const &items);
+    void ForgetSelection(); ///< preview, path and line show nothing
     /// What a moniker of that path brought along; empty without one.
     [[nodiscard]] DString NamedOptions(DString const &path) const;
     [[nodiscard]] DriverChoices const *Drivers() const; ///< null where none can be chosen

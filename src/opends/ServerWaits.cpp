@@ -58,6 +58,7 @@ TemplDataSourceItem const *OnServer(RefItemPtr<DataSourceItem> const &item) {
 
 platform::MessageId const ServerWaits::kFoundMessage = platform::RegisterMessage();
 platform::MessageId const ServerWaits::kChangedMessage = platform::RegisterMessage();
+platform::MessageId const ServerWaits::kMissingMessage = platform::RegisterMessage();
 
 /// The change of a definition or of a password, on a thread of its own.
 struct ServerWaits::Changing {
@@ -66,9 +67,11 @@ struct ServerWaits::Changing {
 };
 
 ServerWaits::ServerWaits(Panes const &panes, Actions actions, bool hasNotice)
-    : m_panes(panes), m_actions(std::move(actions)), m_target(this), m_opener(PlaceOpener::Create()) {
+    : m_panes(panes), m_actions(std::move(actions)), m_target(this), m_opener(PlaceOpener::Create()),
+      m_missing(m_target, kMissingMessage) {
     m_messages.On(kFoundMessage, this, &ServerWaits::OnFound);
     m_messages.On(kChangedMessage, this, &ServerWaits::OnChanged);
+    m_messages.On(kMissingMessage, this, &ServerWaits::Update);
     m_opener->SetOwner(m_target, kFoundMessage);
     if (!hasNotice)
         return;
@@ -186,7 +189,7 @@ bool ServerWaits::Retry() {
         DSListCtrl::ItemList roots;
         m_panes.items.GetRootItems(roots);
         TemplDataSourceItem const *const root = roots.empty() ? nullptr : OnServer(roots.front());
-        if (root != nullptr && root->IsOpen()) {
+        if (m_missing.Forget() || (root != nullptr && root->IsOpen())) {
             m_panes.folders.Refresh();
             m_panes.items.Refresh();
         } else {
@@ -236,7 +239,7 @@ ServerWaits::State ServerWaits::Failed() const {
     DError const failure = root == nullptr ? DError() : root->GetFailure();
     if (failure.IsSet())
         return {.words = FaultInWords(NameOf(*root), failure), .failure = failure, .place = PlaceOf(*root)};
-    return {.words = m_empty.Words()};
+    return {.words = m_missing.Words().empty() ? m_empty.Words() : m_missing.Words()};
 }
 
 // --------------------------------------------------------------------------------------- what the user can allow
@@ -335,6 +338,8 @@ void ServerWaits::Update() {
     std::vector<DSListCtrl const *> folders{&m_panes.parents};
     for (int pane = 0; pane < m_panes.folders.GetPaneCount(); ++pane)
         folders.push_back(m_panes.folders.GetPane(pane));
+    if (m_missing.Look(m_panes.items))
+        m_actions.forget();
     m_empty.Look(m_panes.items, folders, state.isWaiting);
     bool const isWaiting = state.isWaiting;
     if (!isWaiting)

@@ -7,6 +7,7 @@
 #include "zelvar/data/StopSignal.h"
 #include "zelvar/model/DataSourceItem.h"
 #include "zelvar/opends/EmptyPlace.h"
+#include "zelvar/opends/MissingPlace.h"
 #include "zelvar/opends/WantedRow.h"
 #include "zelvar/platform/ui/MessageTarget.h"
 #include "zelvar/platform/ui/WindowMessage.h"
@@ -41,6 +42,7 @@ public:
         std::function<void(RefItemPtr<DataSourceItem>)> show; ///< what was found and can be listed
         /// A place that was named is none, for dialogs that have no notice.
         std::function<void(DString const &place, DError const &error)> refuse;
+        std::function<void()> forget; ///< what was selected is not there any more
     };
     ServerWaits(Panes const &panes, Actions actions, bool hasNotice);
     ~ServerWaits() override;
@@ -68,6 +70,7 @@ protected:
 private:
     static const platform::MessageId kFoundMessage;
     static const platform::MessageId kChangedMessage;
+    static const platform::MessageId kMissingMessage;
     struct State {
         DString words{};
         bool isWaiting = false;
@@ -112,6 +115,7 @@ private:
     std::list<RefItemPtr<DataSourceItem>> m_stoppedRoots;
     bool m_isBusy = false; ///< as the pointer says
     EmptyPlace m_empty;
+    MissingPlace m_missing;
 };
 
 } // namespace zelvar

@@ -10,7 +10,9 @@
 #include "zelvar/opends/BasketStrip.h"
 #include "zelvar/opends/OpenForecast.h"
 #include "zelvar/opends/OpenLine.h"
+#include "zelvar/opends/PlaceNotice.h"
 #include "zelvar/opends/PlaceTravel.h"
+#include "zelvar/opends/ServerWaits.h"
 #include "zelvar/opends/basket/BasketDlg.h"
 #include "zelvar/opends/basket/MonikerFile.h"
 #include "zelvar/opends/core/FileQuestion.h"
@@ -18,8 +20,10 @@
 #include "zelvar/platform/ui/Text.h"
 #include "zelvar/settings/Project.h"
 
+#include <QtWidgets/QLabel>
 #include <QtWidgets/QMenu>
 #include <QtWidgets/QMessageBox>
+#include <QtWidgets/QPushButton>
 
 #include <filesystem>
 
@@ -252,6 +256,25 @@ TEST_F(Travels, GoBackToAPlaceAsItWasLeft) {
         EXPECT_EQ(Shown(*dialog), "c") << "there is no further one";
         QRect const first = dialog->PathRow().Buttons().front()->geometry();
         EXPECT_GT(first.left(), travel.Recent()->geometry().right());
+    });
+}
+
+TEST_F(Travels, AFolderThatIsGoneSaysSo) {
+    DialogPtr const dialog = Make();
+    Run(*dialog, [&] {
+        PlaceNotice const &notice = *dialog->Waits()->Notice();
+        auto const &status = *GetDlgItem<platform::EllipsisLabel>(*dialog, kStatusId);
+        GoTo(*dialog, "b", "y.tif");
+        Select(*dialog, "y.tif");
+        EXPECT_TRUE(Eventually([&] { return !status.Text().isEmpty(); }));
+        std::filesystem::rename(std::string(folder / "a"), std::string(folder / "away"));
+        Press(*dialog->MainList(), Qt::Key_Left, Qt::AltModifier);
+        EXPECT_TRUE(Eventually([&] { return notice.isVisible(); }));
+        EXPECT_EQ(notice.Label()->text(), "a cannot be opened: it is not there");
+        EXPECT_TRUE(status.Text().isEmpty()) << "nothing is selected";
+        std::filesystem::rename(std::string(folder / "away"), std::string(folder / "a"));
+        Click(notice.Button());
+        EXPECT_TRUE(Eventually([&] { return RowOf(*dialog->MainList(), "x.tif") >= 0 && !notice.isVisible(); }));
     });
 }
 
