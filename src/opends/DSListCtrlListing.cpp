@@ -5,6 +5,7 @@
 #include "zelvar/opends/ListColumns.h"
 #include "zelvar/opends/ListResults.h"
 #include "zelvar/platform/ui/EscapeWatch.h"
+#include "zelvar/platform/ui/Text.h"
 
 #include <QtCore/QTimer>
 
@@ -169,7 +170,8 @@ void DSListCtrl::SaveFocus() {
 void DSListCtrl::StartWindowFilling() {
     if (m_mode == ModeFolders) {
         bool const single = m_rootItems.size() == 1 && m_rootItems.front() != nullptr;
-        SetColumnCaption(kNameColumn, single ? m_rootItems.front()->GetName() : "");
+        QString const name = single ? platform::ToShownName(m_rootItems.front()->GetName()) : QString();
+        SetColumnCaption(kNameColumn, platform::ToDString(name));
     }
     if (m_rootItems.empty())
         return;
