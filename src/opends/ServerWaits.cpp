@@ -43,9 +43,6 @@ DString NameOf(DataSourceItem const &item) {
     return name.empty() ? item.GetPath() : name;
 }
 
-// A connection is named so, too.
-constexpr std::string_view kByName = "source:";
-
 /// Several connections may have one address.
 DString PlaceOf(TemplDataSourceItem const &tree) {
     DString const definition = tree.GetDefinition();
