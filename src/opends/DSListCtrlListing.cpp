@@ -77,7 +77,7 @@ void DSListCtrl::ResetItems(ItemList const &items) {
 void DSListCtrl::ResetItemsIntrnl(ItemList items) {
     ItemList before = std::exchange(m_rootItems, items);
     if (!HasStateChanged())
-        return;
+        return ShowRootName(); // what it is called may be new all the same
     bool const isElsewhere = !std::equal(before.begin(), before.end(), items.begin(), items.end(), IsSamePlace);
     if (isElsewhere) {
         m_rootItems = std::move(before);
@@ -166,11 +166,14 @@ void DSListCtrl::SaveFocus() {
     m_listing->focusPath = item == nullptr ? DString() : item->GetPath();
 }
 
-void DSListCtrl::StartWindowFilling() {
-    if (m_mode == ModeFolders) {
-        bool const single = m_rootItems.size() == 1 && m_rootItems.front() != nullptr;
+void DSListCtrl::ShowRootName() {
+    bool const single = m_rootItems.size() == 1 && m_rootItems.front() != nullptr;
+    if (m_mode == ModeFolders)
         SetColumnCaption(kNameColumn, single ? m_rootItems.front()->GetName() : "");
-    }
+}
+
+void DSListCtrl::StartWindowFilling() {
+    ShowRootName();
     if (m_rootItems.empty())
         return;
     if (m_tilePainter != nullptr)
