@@ -154,6 +154,7 @@ private:
     struct Listing;
 
     void ResetItemsIntrnl(ItemList items);
+    void ShowRootName();
     void StartWindowFilling();
     [[nodiscard]] bool IsForThread() const;
     void AddParentRow();

@@ -78,7 +78,7 @@ void DSListCtrl::ResetItems(ItemList const &items) {
 void DSListCtrl::ResetItemsIntrnl(ItemList items) {
     ItemList before = std::exchange(m_rootItems, items);
     if (!HasStateChanged())
-        return;
+        return ShowRootName(); // what it is called may be new all the same
     bool const isElsewhere = !std::equal(before.begin(), before.end(), items.begin(), items.end(), IsSamePlace);
     if (isElsewhere) {
         m_rootItems = std::move(before);
@@ -167,12 +167,15 @@ void DSListCtrl::SaveFocus() {
     m_listing->focusPath = item == nullptr ? DString() : item->GetPath();
 }
 
-void DSListCtrl::StartWindowFilling() {
-    if (m_mode == ModeFolders) {
-        bool const single = m_rootItems.size() == 1 && m_rootItems.front() != nullptr;
-        QString const name = single ? platform::ToShownName(m_rootItems.front()->GetName()) : QString();
+void DSListCtrl::ShowRootName() {
+    bool const single = m_rootItems.size() == 1 && m_rootItems.front() != nullptr;
+    QString const name = single ? platform::ToShownName(m_rootItems.front()->GetName()) : QString();
+    if (m_mode == ModeFolders)
         SetColumnCaption(kNameColumn, platform::ToDString(name));
-    }
+}
+
+void DSListCtrl::StartWindowFilling() {
+    ShowRootName();
     if (m_rootItems.empty())
         return;
     if (m_tilePainter != nullptr)

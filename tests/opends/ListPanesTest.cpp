@@ -278,6 +278,10 @@ TEST_F(ListPanes, AFolderListShowsTheRootsNameAndAParentRow) {
     EXPECT_EQ(list.GetColumnWidth(0), list.GetClientRect().Width());
     EXPECT_EQ(Names(list), (std::vector<DString>{"one", ".."})) << "an ascending listing begins in front of it";
     EXPECT_EQ(list.ItemAt(1)->GetDataSourceType(), DataSourceItem::DST_NONE) << "a root has no parent";
+    RefItemPtr<DataSourceItem> const renamed = Item("/data/sub");
+    renamed->SetName("new");
+    list.ResetItems({renamed});
+    EXPECT_EQ(list.GetColCaption(0), "new") << "of the same place";
     list.Reset();
     EXPECT_EQ(list.GetColCaption(0), "");
 }
