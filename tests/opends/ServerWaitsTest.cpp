@@ -404,6 +404,7 @@ TEST_F(ServerPlaces, RowsOfAStoreComeAsItSendsThemAndAreKeptAfterAStop) {
         Gaps const gaps;
         ClickSource("Big");
         DSListCtrl const &list = *dialog->MainList();
+        EXPECT_TRUE(Eventually([&] { return !server.Requests().empty(); })); // its reader has started
         EXPECT_TRUE(Eventually([&] { return list.GetNumRow() >= 1000; }));
         EXPECT_TRUE(list.IsListing());
         EXPECT_TRUE(Eventually([&] { return list.GetNumRow() >= 3000; })) << "further pages";
