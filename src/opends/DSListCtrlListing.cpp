@@ -252,7 +252,7 @@ void DSListCtrl::MergePending() {
     if (m_rows.size() >= kListingRowLimit) {
         m_listing->worker.Stop(false);
         if (m_listing->server != nullptr)
-            m_listing->server->Stop();
+            m_listing->server->Finish();
         return;
     }
     Merge(std::move(batch));

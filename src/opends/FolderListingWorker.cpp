@@ -82,11 +82,12 @@ void FolderListingWorker::Run() {
         scope.SetUnanswered();
     m_running = false;
     m_cancelled = false;
+    m_isEnough = false;
     m_lastMode = m_mode;
 }
 
 bool FolderListingWorker::Take(RefItemPtr<DataSourceItem> child) {
-    if (m_cancelled) // an interrupt keeps what is there
+    if (m_cancelled || m_isEnough) // an interrupt keeps what is there
         return false;
     // A folder can both be entered and be picked, as far as its kind says so.
     if (m_mode == FolderListMode::Folders ? child->IsFolder() : child->IsFile(m_request.bdiFilter))

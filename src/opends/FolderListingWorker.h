@@ -53,6 +53,9 @@ public:
     void ClearRoots() { m_request.roots.clear(); }
     /// Tells a run to stop; with `wait` returns when it has.
     void Stop(bool wait);
+    /// The run is to end with the next item that it finds. What is asked meanwhile is not stopped: other lists of the
+    /// same place may share the answer.
+    void Finish() { m_isEnough = true; }
 
     [[nodiscard]] std::vector<Pending> TakePending() { return m_content.TakePending(); }
     void ClearPending() { m_content.ClearPending(); }
@@ -83,6 +86,7 @@ private:
     Request m_request;
     std::atomic<bool> m_running{false};
     std::atomic<bool> m_cancelled{false};
+    std::atomic<bool> m_isEnough{false};
     std::function<bool()> m_interrupt;
     bool m_publishesAsFound = false;
     bool m_interrupted = false; ///< on the thread of the run, with the two below

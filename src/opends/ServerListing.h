@@ -26,9 +26,14 @@ public:
 
     [[nodiscard]] std::vector<Pending> TakePending() { return m_worker.TakePending(); }
     /// False after a stop, though some rows may still come.
-    [[nodiscard]] bool IsAtWork() const { return m_isAtWork && !m_stop; }
+    [[nodiscard]] bool IsAtWork() const { return m_isAtWork && !m_stop && !m_isEnough; }
     /// What has been found stays. Does not wait.
     void Stop() { m_stop = true; }
+    /// The same, but what is on its way goes on for other lists of the place.
+    void Finish() {
+        m_isEnough = true;
+        m_worker.Finish();
+    }
     /// Nobody wants it any more. Does not wait.
     void Release();
 
@@ -40,6 +45,7 @@ private:
     FolderListingWorker m_worker;
     std::atomic<bool> m_isAtWork{true};
     std::atomic<bool> m_stop{false};
+    bool m_isEnough = false;
     std::shared_ptr<ServerListing> m_self; ///< while the thread is at work; its own, once that has begun
 };
 

@@ -11,16 +11,15 @@ void RequestQueue::Add(std::unique_ptr<wire::RequestT> request, std::unique_ptr<
     m_changed.notify_one();
 }
 
-bool RequestQueue::Stop(std::uint64_t number) {
+void RequestQueue::Stop(std::uint64_t number, std::function<void()> const &onUnderWay) {
     std::lock_guard const lock(m_mutex);
     if (m_isBusy && m_underWay == number) {
         m_signal = true;
-        return true;
+        return onUnderWay();
     }
     auto const at = std::ranges::find(m_waiting, number, [](Entry const &entry) { return entry.request->number; });
     if (at != m_waiting.end())
         at->isStopped = true;
-    return false;
 }
 
 void RequestQueue::Close() {

@@ -5,6 +5,7 @@
 
 #include <condition_variable>
 #include <deque>
+#include <functional>
 #include <memory>
 #include <mutex>
 
@@ -23,8 +24,9 @@ public:
     };
 
     void Add(std::unique_ptr<wire::RequestT> request, std::unique_ptr<FileDescriptor> file);
-    /// Stops the request of that number, under way or waiting; an unknown one is past. Whether it was under way.
-    bool Stop(std::uint64_t number);
+    /// Stops the request of that number, under way or waiting; an unknown one is past. `onUnderWay` is called if it is
+    /// under way, before the next one can be: it may not come back here.
+    void Stop(std::uint64_t number, std::function<void()> const &onUnderWay);
     /// Stops what is under way and lets no more be taken.
     void Close();
     /// Whether nothing is under way or waits.

@@ -71,8 +71,10 @@ MessageChannel::Result Server::Receive() {
         if (request == nullptr)
             return MessageChannel::Result::Damaged;
         if (wire::StopT const *const stop = request->body.AsStop(); stop != nullptr) {
-            if (m_queue.Stop(stop->number) && AreConnectionsWithoutState())
-                BrokerClient::CutOff();
+            m_queue.Stop(stop->number, [] {
+                if (AreConnectionsWithoutState())
+                    BrokerClient::CutOff();
+            });
         } else {
             m_queue.Add(std::move(request), std::move(file));
         }
