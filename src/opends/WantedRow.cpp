@@ -36,11 +36,12 @@ void WantedRow::Update(DSListCtrl &list, bool mayCome) {
             best = std::min(best, std::find(m_names.begin(), m_names.end(), item->GetPath()));
     m_rows = rows;
     m_looked = roots;
-    // Between the answer of a server and its listing nothing is under way for a moment.
+    // Between the answer of a server and its listing nothing is under way for a moment, longer beside busy programs.
+    constexpr int kPatience = 10; // a second and more
     m_quiet = mayCome ? 0 : m_quiet + 1;
     if (best != m_names.end())
         list.SelectPaths({DString(*best)});
-    if (best != m_names.end() || isOthers || m_quiet > 1) {
+    if (best != m_names.end() || isOthers || m_quiet > kPatience) {
         m_names.clear();
         m_before.clear();
         m_looked.clear();
