@@ -94,4 +94,29 @@ void ListingWalk::Through(RefItemPtr<DataSourceItem> const &place, Take const &t
     }
 }
 
+RefItemPtr<DataSourceItem> FindBelow(RefItemPtr<DataSourceItem> const &container, std::vector<DString> const &paths,
+                                     DataSourceItem::ICancel &cancel) {
+    constexpr int kAnyNode = 0xFF;
+    using Items = std::vector<RefItemPtr<DataSourceItem>>;
+    RefItemPtr<DataSourceItem> found;
+    auto best = paths.end();
+    Items level{container};
+    while (best != paths.begin() && !level.empty() && !cancel.IsCanceled()) {
+        Items below;
+        for (RefItemPtr<DataSourceItem> const &group : level)
+            ListingWalk({.nodeMask = kAnyNode, .cancel = &cancel})
+                .Through(group, [&](RefItemPtr<DataSourceItem> child) {
+                    if (auto const rank = std::find(paths.begin(), best, child->GetPath()); rank != best) {
+                        best = rank;
+                        found = child;
+                    }
+                    if (child->IsFolder())
+                        below.push_back(std::move(child));
+                    return best != paths.begin();
+                });
+        level = std::move(below);
+    }
+    return found;
+}
+
 } // namespace zelvar

@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <system_error>
+#include <vector>
 
 namespace zelvar {
 
@@ -42,5 +43,12 @@ private:
     Options m_options;
     FolderVisits m_visits;
 };
+
+/// The item of one of these paths, wherever below a container, with the parents that list it: of several the one whose
+/// path comes first. What lies side by side is looked at before what lies deeper. Null for none, and if `cancel` ended
+/// the look.
+[[nodiscard]] ZELVAR_API RefItemPtr<DataSourceItem> FindBelow(RefItemPtr<DataSourceItem> const &container,
+                                                              std::vector<DString> const &paths,
+                                                              DataSourceItem::ICancel &cancel);
 
 } // namespace zelvar

@@ -79,6 +79,8 @@ public:
     /// Lists what the other list lists.
     void CopyData(DSListCtrl *other);
 
+    /// Whether there are rows that somebody can pick from; the way up is none.
+    [[nodiscard]] bool HasItemRows() const { return GetNumRow() > (m_showParentFolderItem ? 1 : 0); }
     /// Whether a server is listed behind the window.
     [[nodiscard]] bool IsListing() const;
     /// Ends that; what has come stays. Does not wait.

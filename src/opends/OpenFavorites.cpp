@@ -11,9 +11,9 @@
 #include "zelvar/opends/OpenParts.h"
 #include "zelvar/opends/OpenSearch.h"
 #include "zelvar/opends/PlaceFinder.h"
-#include "zelvar/opends/PlaceOpener.h"
 #include "zelvar/opends/SelectionOptions.h"
 #include "zelvar/opends/ServerWaits.h"
+#include "zelvar/opends/WantedRow.h"
 #include "zelvar/opends/search/StoredSearch.h"
 
 #include <QtCore/QPointer>
@@ -70,17 +70,14 @@ void OpenFavorites::Open(Favorite const &favorite) {
 }
 
 bool OpenFavorites::OpenData(DString const &moniker) {
-    DSListCtrl &list = *m_dialog.MainList();
-    if (PlaceOpener::IsFor(moniker)) { // nothing waits for a server
-        m_wanted.Want(moniker, list);
-        m_dialog.GoToDir(PlaceOpener::PlaceOf(moniker), true);
+    ServerWaits &waits = *m_dialog.Waits();
+    if (waits.GoToData(moniker, true)) // nothing waits for a server
         return true;
-    }
     if (ShowNode(moniker))
         return true;
     DError error;
     if (m_parts.Named() == nullptr) {
-        m_wanted.Want(moniker, list);
+        waits.Want(moniker);
         m_dialog.GoToDir(BDIMoniker(moniker, nullptr).GetSource(), true);
     } else if (!m_parts.Named()->Show({moniker}, &error)) {
         m_places.Refuse(moniker, error);
@@ -112,17 +109,11 @@ bool OpenFavorites::ShowNode(DString const &moniker) {
     DString const name = node->GetPath();
     if (m_parts.Named() != nullptr && name.size() < moniker.size())
         m_parts.Named()->Note(name, moniker.substr(name.size() + 1));
-    m_wanted.Want(name, *m_dialog.MainList());
+    m_dialog.Waits()->Want(name);
     // Named, it lies in the container itself: in which group of it only a look tells.
     RefItemPtr<DataSourceItem> const listed = PlaceFinder::FindBelow(node->GetParent(), name);
     m_places.ShowParent(listed == nullptr ? node : listed);
     return true;
-}
-
-void OpenFavorites::Update() {
-    DSListCtrl &list = *m_dialog.MainList();
-    ServerWaits const &waits = *m_dialog.Waits();
-    m_wanted.Update(list, waits.IsWaiting() || list.IsListing());
 }
 
 void OpenFavorites::OpenFolder(Favorite const &favorite) {

@@ -2,7 +2,6 @@
 
 #include "zelvar/model/DataSourceItem.h"
 #include "zelvar/opends/DlgOpenDS.h"
-#include "zelvar/opends/WantedRow.h"
 
 #include <list>
 
@@ -27,7 +26,6 @@ public:
     void AddSearch();
     void Open(Favorite const &favorite);
     void OpenFolder(Favorite const &favorite); ///< that it lies in
-    void Update();                             ///< to be called a few times a second
 
 private:
     // False if it is not there, of which the user has been told.
@@ -43,7 +41,6 @@ private:
     OpenParts &m_parts;
     SelectionOptions &m_options;
     PlaceFinder const &m_places;
-    WantedRow m_wanted;
 };
 
 } // namespace zelvar

@@ -79,8 +79,6 @@ void OpenParts::Update() {
         m_travel->Update();
     if (m_search != nullptr)
         m_search->Update();
-    if (m_favorites != nullptr)
-        m_favorites->Update();
 }
 
 void OpenParts::AddTravel() {

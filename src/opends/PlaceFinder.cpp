@@ -9,13 +9,11 @@
 #include "zelvar/platform/ui/EscapeWatch.h"
 
 #include <chrono>
-#include <vector>
 
 namespace zelvar {
 
 namespace {
 
-constexpr int kAnyNode = 0xFF;
 constexpr std::chrono::seconds kLook{3};
 
 /// The user's Escape, or the end of the time for a look.
@@ -53,22 +51,7 @@ PlaceFinder::Item PlaceFinder::FindBelow(Item const &container, DString const &p
     LookEnd end;
     RequestScope const scope(
         RequestKind::List, [&end] { return end.IsCanceled(); }, kLook);
-    Item found;
-    std::vector<Item> level{container};
-    // Group by group: what lies side by side is looked at before what lies deeper.
-    while (found == nullptr && !level.empty() && !end.IsCanceled()) {
-        std::vector<Item> below;
-        for (Item const &group : level)
-            ListingWalk({.nodeMask = kAnyNode, .cancel = &end}).Through(group, [&](Item child) {
-                if (child->GetPath() == path)
-                    found = std::move(child);
-                else if (child->IsFolder())
-                    below.push_back(std::move(child));
-                return found == nullptr;
-            });
-        level = std::move(below);
-    }
-    return found;
+    return zelvar::FindBelow(container, {path}, end);
 }
 
 void PlaceFinder::Refuse(DString const &path, DError const &error) const {

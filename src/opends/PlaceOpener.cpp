@@ -4,13 +4,30 @@
 #include "zelvar/connections/ConnectionBook.h"
 #include "zelvar/data/BDIMoniker.h"
 #include "zelvar/data/RequestScope.h"
+#include "zelvar/model/ListingWalk.h"
 #include "zelvar/model/PlaceResolver.h"
 #include "zelvar/platform/os/SmbAddress.h"
 
 #include <algorithm>
+#include <chrono>
 #include <utility>
 
 namespace zelvar {
+
+namespace {
+
+/// A look for data ends with the question, and after a few seconds: they are as well looked for by hand then.
+class LookEnd final : public DataSourceItem::ICancel {
+public:
+    explicit LookEnd(StopSignal const &stop) : m_stop(stop) {}
+    [[nodiscard]] bool IsCanceled() override { return m_stop || std::chrono::steady_clock::now() >= m_end; }
+
+private:
+    StopSignal const &m_stop;
+    std::chrono::steady_clock::time_point m_end = std::chrono::steady_clock::now() + std::chrono::seconds(3);
+};
+
+} // namespace
 
 bool PlaceOpener::IsFor(DString const &place) {
     return place.starts_with("source:") || (BDIMoniker(place, nullptr).IsUrl() && !platform::IsSmbAddress(place) &&
@@ -42,8 +59,11 @@ void PlaceOpener::Ask(Question question) {
     });
 }
 
-void PlaceOpener::Open(TemplDataSourceItem &connection) { Ask({{}, connection.Clone()}); }
-void PlaceOpener::Find(DString place) { Ask({std::move(place), nullptr}); }
+void PlaceOpener::Open(TemplDataSourceItem &connection) { Ask({.connection = connection.Clone()}); }
+
+void PlaceOpener::Find(DString place, std::vector<DString> data) {
+    Ask({.place = std::move(place), .data = std::move(data)});
+}
 
 void PlaceOpener::Cancel() {
     std::lock_guard const lock(m_mutex);
@@ -74,6 +94,12 @@ PlaceOpener::Answer PlaceOpener::AnswerTo(Question const &question) {
     auto const *const tree = dynamic_cast<TemplDataSourceItem const *>(answer.item.get());
     if (tree != nullptr && !tree->IsOpen())
         answer.error = tree->GetFailure();
+    if (tree != nullptr && tree->IsOpen() && !question.data.empty()) {
+        LookEnd end(m_stop);
+        RefItemPtr<DataSourceItem> const item = FindBelow(answer.item, question.data, end);
+        if (RefItemPtr<DataSourceItem> const group = item == nullptr ? nullptr : item->GetParent(); group != nullptr)
+            answer.item = group;
+    }
     return answer;
 }
 

@@ -7,6 +7,7 @@
 
 #include <memory>
 #include <optional>
+#include <vector>
 
 namespace zelvar {
 
@@ -26,7 +27,9 @@ public:
     void SetOwner(platform::MessageTarget target, platform::MessageId message);
     /// Opens the tree of a connection. The item itself is left alone: it finds the tree with `TakeOpened`.
     void Open(TemplDataSourceItem &connection);
-    void Find(DString place);
+    /// With names of data the answer is what lists them below the place, or the place itself if they are not found
+    /// within a few seconds: a map service has its layers in groups.
+    void Find(DString place, std::vector<DString> data = {});
     void Cancel() override;
     [[nodiscard]] bool IsBusy() const;
 
@@ -41,12 +44,13 @@ public:
 private:
     PlaceOpener() = default;
     struct Question {
-        DString place;
-        RefItemPtr<DataSourceItem> connection; ///< a clone; null for a place
+        DString place{};
+        RefItemPtr<DataSourceItem> connection{}; ///< a clone; null for a place
+        std::vector<DString> data{};             ///< names of an item below the place; empty for the place itself
     };
     void Ask(Question question);
     bool WorkOnNext() override;
-    [[nodiscard]] static Answer AnswerTo(Question const &question);
+    [[nodiscard]] Answer AnswerTo(Question const &question);
 
     std::optional<Question> m_pending;
     std::optional<Answer> m_answer;

@@ -3,19 +3,14 @@
 #include "zelvar/base/Redaction.h"
 #include "zelvar/base/Translation.h"
 #include "zelvar/base/TypedSecrets.h"
-#include "zelvar/connections/ConnectionBook.h"
-#include "zelvar/connections/ConnectionFiles.h"
 #include "zelvar/connections/ListingWords.h"
-#include "zelvar/connections/SecretStore.h"
+#include "zelvar/data/Connection.h"
 #include "zelvar/model/OpenOutcome.h"
-#include "zelvar/opends/ConnectionRows.h"
 #include "zelvar/opends/DSListCtrl.h"
 #include "zelvar/opends/DataSourceList.h"
 #include "zelvar/opends/HierarchyList.h"
 #include "zelvar/opends/PlaceNotice.h"
 #include "zelvar/opends/PlaceOpener.h"
-#include "zelvar/opends/TextQuestion.h"
-#include "zelvar/opends/connections/Errand.h"
 
 #include <QtCore/QPointer>
 
@@ -58,20 +53,14 @@ TemplDataSourceItem const *OnServer(RefItemPtr<DataSourceItem> const &item) {
 
 platform::MessageId const ServerWaits::kFoundMessage = platform::RegisterMessage();
 platform::MessageId const ServerWaits::kChangedMessage = platform::RegisterMessage();
-platform::MessageId const ServerWaits::kMissingMessage = platform::RegisterMessage();
-
-/// The change of a definition or of a password, on a thread of its own.
-struct ServerWaits::Changing {
-    std::shared_ptr<Errand> errand;
-    std::shared_ptr<Handover<ConnectionChange>> result = std::make_shared<Handover<ConnectionChange>>();
-};
+platform::MessageId const ServerWaits::kFolderMessage = platform::RegisterMessage();
 
 ServerWaits::ServerWaits(Panes const &panes, Actions actions, bool hasNotice)
     : m_panes(panes), m_actions(std::move(actions)), m_target(this), m_opener(PlaceOpener::Create()),
-      m_missing(m_target, kMissingMessage) {
+      m_empty(m_target, kFolderMessage), m_offer(panes.sources, m_target, kChangedMessage) {
     m_messages.On(kFoundMessage, this, &ServerWaits::OnFound);
     m_messages.On(kChangedMessage, this, &ServerWaits::OnChanged);
-    m_messages.On(kMissingMessage, this, &ServerWaits::Update);
+    m_messages.On(kFolderMessage, this, &ServerWaits::Update);
     m_opener->SetOwner(m_target, kFoundMessage);
     if (!hasNotice)
         return;
@@ -83,8 +72,6 @@ ServerWaits::ServerWaits(Panes const &panes, Actions actions, bool hasNotice)
 ServerWaits::~ServerWaits() {
     m_target.Detach();
     m_opener->Release();
-    if (m_changing != nullptr)
-        m_changing->errand->Release(); // what it has begun it ends
 }
 
 bool ServerWaits::event(QEvent *event) { return m_messages.Dispatch(*event) || QObject::event(event); }
@@ -92,13 +79,30 @@ bool ServerWaits::event(QEvent *event) { return m_messages.Dispatch(*event) || Q
 bool ServerWaits::GoTo(DString const &place, bool report) {
     if (!PlaceOpener::IsFor(place))
         return false;
-    Forget();
-    m_place = TakeSecrets(place);
-    m_reports = report;
-    m_opener->Find(m_place);
-    Update();
+    Find(place, {}, report);
     return true;
 }
+
+bool ServerWaits::GoToData(DString const &moniker, bool report) {
+    if (!PlaceOpener::IsFor(moniker))
+        return false;
+    Want(moniker);
+    // Elsewhere the place itself lists them.
+    bool const mayLieInGroups = IsMapServiceAddress(moniker);
+    Find(PlaceOpener::PlaceOf(moniker), mayLieInGroups ? WithFewerOptions(moniker) : std::vector<DString>(), report);
+    return true;
+}
+
+void ServerWaits::Find(DString const &place, std::vector<DString> data, bool report) {
+    Forget();
+    m_place = TakeSecrets(place);
+    m_data = std::move(data);
+    m_reports = report;
+    m_opener->Find(m_place, m_data);
+    Update();
+}
+
+void ServerWaits::Want(DString const &moniker) { m_wanted.Want(moniker, m_panes.items); }
 
 bool ServerWaits::Show(RefItemPtr<DataSourceItem> const &item) {
     auto *const tree = dynamic_cast<TemplDataSourceItem *>(item.get());
@@ -127,7 +131,7 @@ void ServerWaits::OnFound() {
     if (!m_failure.IsSet()) {
         Forget();
         m_actions.show(answer->item);
-    } else if (m_notice == nullptr || (!m_reports && HasRows())) {
+    } else if (m_notice == nullptr || (!m_reports && m_panes.items.HasItemRows())) {
         DString const place = m_place;
         DError const failure = m_failure;
         Forget();
@@ -143,15 +147,16 @@ bool ServerWaits::GoToPlaceOf(DataSourceItem const *found) {
     auto const *const tree = dynamic_cast<TemplDataSourceItem const *>(found);
     DString const data = m_shown == nullptr ? m_place : DString();
     DString const place = PlaceOpener::PlaceOf(data);
-    if (m_notice == nullptr || tree == nullptr || !tree->IsRoot() || tree->IsFolder() || place == data)
+    bool const isData = tree != nullptr && tree->IsRoot() && !tree->IsFolder() && m_data.empty();
+    if (m_notice == nullptr || !isData || place == data)
         return false;
-    m_wanted.Want(data, m_panes.items);
-    return GoTo(place, m_reports);
+    return GoToData(data, m_reports);
 }
 
 void ServerWaits::Forget() {
     m_opener->Cancel();
     m_place.clear();
+    m_data.clear();
     m_shown.reset();
     m_failure.Clear();
 }
@@ -160,7 +165,7 @@ bool ServerWaits::IsWaiting() const { return Waiting().isWaiting; }
 
 bool ServerWaits::Stop() {
     if (!IsWaiting()) {
-        bool const hidesRows = m_failure.IsSet() && HasRows();
+        bool const hidesRows = m_failure.IsSet() && m_panes.items.HasItemRows();
         if (hidesRows)
             Forget(), Update();
         return hidesRows;
@@ -177,19 +182,21 @@ bool ServerWaits::Stop() {
 }
 
 bool ServerWaits::Retry() {
-    if (Failed().words.empty())
+    if (Failed().words.empty()) {
+        m_empty.Forget(); // the place that is listed anew may have gone meanwhile
         return false;
+    }
     m_isStopped = false;
     m_failure.Clear();
     if (auto *const tree = dynamic_cast<TemplDataSourceItem *>(m_shown.get())) {
         m_opener->Open(*tree);
     } else if (!m_place.empty()) {
-        m_opener->Find(m_place);
+        m_opener->Find(m_place, m_data);
     } else {
         DSListCtrl::ItemList roots;
         m_panes.items.GetRootItems(roots);
         TemplDataSourceItem const *const root = roots.empty() ? nullptr : OnServer(roots.front());
-        if (m_missing.Forget() || (root != nullptr && root->IsOpen())) {
+        if (m_empty.Forget() || (root != nullptr && root->IsOpen())) {
             m_panes.folders.Refresh();
             m_panes.items.Refresh();
         } else {
@@ -199,9 +206,6 @@ bool ServerWaits::Retry() {
     Update();
     return true;
 }
-
-/// Rows that somebody can pick from; the way up is none.
-bool ServerWaits::HasRows() const { return m_panes.items.GetNumRow() > (m_panes.items.ShowParentFolderItem() ? 1 : 0); }
 
 ServerWaits::State ServerWaits::Waiting() const {
     auto const connectingTo = [](DString const &name) -> State {
@@ -217,7 +221,7 @@ ServerWaits::State ServerWaits::Waiting() const {
     DSListCtrl::ItemList roots;
     m_panes.items.GetRootItems(roots);
     State state{.isWaiting = true};
-    if (m_panes.items.IsListing() && !HasRows() && !roots.empty())
+    if (m_panes.items.IsListing() && !m_panes.items.HasItemRows() && !roots.empty())
         state.words = Format(Translated("Listing %s ..."), NameOf(*roots.front()).c_str());
     return state;
 }
@@ -229,7 +233,7 @@ ServerWaits::State ServerWaits::Failed() const {
                 .failure = m_failure,
                 .place = tree == nullptr ? m_place : PlaceOf(*tree)};
     }
-    if (HasRows() || m_panes.items.IsShowingResults())
+    if (m_panes.items.HasItemRows() || m_panes.items.IsShowingResults())
         return {};
     DSListCtrl::ItemList roots;
     m_panes.items.GetRootItems(roots);
@@ -239,82 +243,18 @@ ServerWaits::State ServerWaits::Failed() const {
     DError const failure = root == nullptr ? DError() : root->GetFailure();
     if (failure.IsSet())
         return {.words = FaultInWords(NameOf(*root), failure), .failure = failure, .place = PlaceOf(*root)};
-    return {.words = m_missing.Words().empty() ? m_empty.Words() : m_missing.Words()};
-}
-
-// --------------------------------------------------------------------------------------- what the user can allow
-
-ServerWaits::Offer ServerWaits::OfferFor(State const &state) {
-    if (!state.failure.IsSet())
-        return {};
-    std::shared_ptr<ConnectionBook const> const book = ConnectionBook::Now();
-    ConnectionBook::Entry const *const entry = state.place.starts_with(kByName)
-                                                   ? book->Find(state.place.substr(kByName.size()))
-                                                   : book->FindByAddress(state.place);
-    if (entry == nullptr)
-        return {};
-    Connection const &connection = entry->connection;
-    if (state.failure.Why() == DError::Cause::Refused) {
-        std::optional<HostAndPort> host = HostSentOnTo(state.failure.Text());
-        return host ? Offer{.connection = connection.name, .host = *std::move(host)} : Offer();
-    }
-    if (state.failure.Why() == DError::Cause::Untrusted && !HostUntrustedElsewhere(state.failure.Text()))
-        return {.connection = connection.name, .isCertificate = true};
-    bool const isTyped = connection.secret == SecretPlace::Ask || connection.secret == SecretPlace::Keyring;
-    DString login = isTyped ? LoginFailureInWords(connection, state.failure) : DString();
-    if (DString const refusal = SecretStore::Instance().KeyringRefusal(connection); !login.empty() && !refusal.empty())
-        login = refusal; // which is why the server was told none
-    return login.empty() ? Offer() : Offer{.connection = connection.name, .login = std::move(login)};
-}
-
-DString ServerWaits::ButtonOf(Offer const &offer) {
-    if (offer.isCertificate)
-        return Translated("Certificate...");
-    return offer.login.empty() ? Format(Translated("Allow %s"), TextOf(offer.host).c_str())
-                               : DString(Translated("Password..."));
+    return {.words = m_empty.Words()};
 }
 
 void ServerWaits::TakeOffer() {
-    Offer const offer = m_offer;
-    if (offer.connection.empty() || m_changing != nullptr)
-        return;
-    if (offer.isCertificate)
-        return m_panes.sources.Connections()->Edit(offer.connection, true);
-    if (offer.login.empty())
-        return Change([offer](StopSignal const &) { return AllowHost(offer.connection, offer.host); });
     QPointer<ServerWaits> const self(this);
-    std::optional<Secret> const typed =
-        AskForPassword(m_panes.items.window(), Format(Translated("Password of %s:"), offer.connection.c_str()));
-    ConnectionBook::Entry const *const entry = ConnectionBook::Now()->Find(offer.connection);
-    if (!typed || typed->IsEmpty() || self.isNull() || entry == nullptr)
-        return;
-    Change([connection = entry->connection, typed = *typed](StopSignal const &stop) {
-        std::ignore = SecretStore::Instance().Keep(connection, typed, &stop); // in memory at least
-        return ConnectionChange{.isDone = true};
-    });
-}
-
-void ServerWaits::Change(std::function<ConnectionChange(StopSignal const &)> change) {
-    auto changing = std::make_unique<Changing>();
-    changing->errand = Errand::Start(
-        [change = std::move(change), result = changing->result](StopSignal const &stop) { result->Put(change(stop)); },
-        m_target, kChangedMessage);
-    if (changing->errand == nullptr)
-        return Report::UserNotification("There is no thread for it now. Try again.");
-    m_changing = std::move(changing);
-    Update();
+    if (m_offer.Take() && !self.isNull())
+        Update();
 }
 
 void ServerWaits::OnChanged() {
-    if (m_changing == nullptr || m_changing->errand->IsAtWork())
-        return;
-    std::unique_ptr<Changing> const done = std::move(m_changing);
-    done->errand->Release();
-    for (ConnectionChange const &change : done->result->TakeAll())
-        if (!change.isDone)
-            Report::UserNotification("The connections stay as they are: %s", change.words.c_str());
-        else
-            std::ignore = Retry();
+    if (m_offer.OnChanged())
+        std::ignore = Retry();
     Update();
 }
 
@@ -338,9 +278,8 @@ void ServerWaits::Update() {
     std::vector<DSListCtrl const *> folders{&m_panes.parents};
     for (int pane = 0; pane < m_panes.folders.GetPaneCount(); ++pane)
         folders.push_back(m_panes.folders.GetPane(pane));
-    if (m_missing.Look(m_panes.items))
+    if (m_empty.Look(m_panes.items, folders, state.isWaiting))
         m_actions.forget();
-    m_empty.Look(m_panes.items, folders, state.isWaiting);
     bool const isWaiting = state.isWaiting;
     if (!isWaiting)
         state = Failed();
@@ -350,13 +289,12 @@ void ServerWaits::Update() {
         Rect const row = m_panes.items.GetItemRect(0);
         top = row.bottom;
     }
-    // Whoever cannot make connections cannot change them here either.
-    m_offer = m_panes.sources.Connections() == nullptr || isWaiting ? Offer() : OfferFor(state);
-    bool const isOffered = !m_offer.connection.empty() && m_changing == nullptr;
-    if (!m_offer.login.empty())
-        state.words = Format(Translated("%s cannot be opened: %s"), m_offer.connection.c_str(), m_offer.login.c_str()) +
-                      "\n\n" + state.failure.Text();
-    m_notice->Offer(isOffered ? ButtonOf(m_offer) : DString());
+    m_offer.Look(state.place, state.failure);
+    if (!m_offer.Login().empty())
+        state.words =
+            Format(Translated("%s cannot be opened: %s"), m_offer.Connection().c_str(), m_offer.Login().c_str()) +
+            "\n\n" + state.failure.Text();
+    m_notice->Offer(m_offer.Button());
     m_notice->Show(Redacted(state.words), button, top);
 }
 

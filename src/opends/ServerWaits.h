@@ -2,12 +2,9 @@
 
 #include "zelvar/base/Export.h"
 #include "zelvar/base/Report.h"
-#include "zelvar/connections/ConnectionFiles.h"
-#include "zelvar/data/Connection.h"
-#include "zelvar/data/StopSignal.h"
 #include "zelvar/model/DataSourceItem.h"
+#include "zelvar/opends/ConnectionOffer.h"
 #include "zelvar/opends/EmptyPlace.h"
-#include "zelvar/opends/MissingPlace.h"
 #include "zelvar/opends/WantedRow.h"
 #include "zelvar/platform/ui/MessageTarget.h"
 #include "zelvar/platform/ui/WindowMessage.h"
@@ -17,6 +14,7 @@
 #include <functional>
 #include <list>
 #include <memory>
+#include <vector>
 
 namespace zelvar {
 
@@ -50,6 +48,11 @@ public:
     /// Looks for a place if it is one of a server; false if it is not, and nothing was done. With `report` a place that
     /// is not there is told of.
     bool GoTo(DString const &place, bool report);
+    /// The same for data on a server: shows what lists them, where their row is selected. `moniker` may have options.
+    bool GoToData(DString const &moniker, bool report);
+    /// Selects the row of data once it is listed, unless the user selects another one meanwhile. The place that lists
+    /// them was asked for, or is about to be.
+    void Want(DString const &moniker);
     /// Opens a connection that is not open, and shows it then; false, and nothing done, for any other item.
     bool Show(RefItemPtr<DataSourceItem> const &item);
     /// Something else was chosen: what was looked for is not wanted any more.
@@ -70,32 +73,21 @@ protected:
 private:
     static const platform::MessageId kFoundMessage;
     static const platform::MessageId kChangedMessage;
-    static const platform::MessageId kMissingMessage;
+    static const platform::MessageId kFolderMessage;
     struct State {
         DString words{};
         bool isWaiting = false;
         DError failure{}; ///< of a server
         DString place{};  ///< whose it is: an address, or "source:NAME"
     };
-    /// What a connection of the user lacks: a host that it would have to reach as well, a password, or trust in the
-    /// certificate of its server, which its page tells all about.
-    struct Offer {
-        DString connection{}; ///< its name; empty for no offer
-        HostAndPort host{};
-        DString login{}; ///< what is wrong with the login, if it is the password
-        bool isCertificate = false;
-    };
     [[nodiscard]] bool GoToPlaceOf(DataSourceItem const *found);
-    [[nodiscard]] static Offer OfferFor(State const &state);
-    [[nodiscard]] static DString ButtonOf(Offer const &offer);
+    void Find(DString const &place, std::vector<DString> data, bool report);
     void TakeOffer();
-    void Change(std::function<ConnectionChange(StopSignal const &)> change);
     void OnChanged();
     void OnFound();
     void ShowBusy(bool isBusy);
     [[nodiscard]] State Waiting() const;
     [[nodiscard]] State Failed() const;
-    [[nodiscard]] bool HasRows() const;
 
     Panes m_panes;
     Actions m_actions;
@@ -106,16 +98,14 @@ private:
     RefItemPtr<DataSourceItem> m_shown; ///< a connection that is opened to be shown; null for a place
     DString m_place;                    ///< that was looked for last; empty once it is there
     DError m_failure;                   ///< why that is not
-    Offer m_offer;                      ///< as the notice shows it
-    WantedRow m_wanted;                 ///< data whose address was named, in the place that lists them
-    struct Changing;
-    std::unique_ptr<Changing> m_changing; ///< a connection that is being changed; null for none
+    std::vector<DString> m_data;        ///< names of data below it, whose group is looked for; empty for none
+    WantedRow m_wanted;                 ///< data that were named, in the place that lists them
     bool m_reports = false;
     bool m_isStopped = false; ///< by the user, while the list had these roots
     std::list<RefItemPtr<DataSourceItem>> m_stoppedRoots;
     bool m_isBusy = false; ///< as the pointer says
     EmptyPlace m_empty;
-    MissingPlace m_missing;
+    ConnectionOffer m_offer; ///< as the notice shows it
 };
 
 } // namespace zelvar

@@ -71,10 +71,10 @@ struct ServerPlaces : testing::Test {
         m_former[name] = qgetenv(name.c_str());
         qputenv(name.c_str(), value.c_str());
     }
-    void Define(std::string const &name, std::string const &url) const {
-        definitions.Write(name + ".xml",
-                          "<DataSources><DataSource name='" + name + "' url='" + url +
-                              "'><Parameters/><BDIDriver id='WebDirectory'/></DataSource></DataSources>");
+    void Define(std::string const &name, std::string const &url, std::string const &driver = "WebDirectory") const {
+        definitions.Write(name + ".xml", "<DataSources><DataSource name='" + name + "' url='" + url +
+                                             "'><Parameters/><BDIDriver id='" + driver +
+                                             "'/></DataSource></DataSources>");
     }
     void Create(DString const &beginning) {
         DlgOpenDS::SetFeatures(kOpenAll);
@@ -337,13 +337,22 @@ TEST_F(ServerPlaces, DataOnAServerAreSelectedWhereTheyLie) {
     WriteImage(definitions / "image.tif");
     for (char const *const path : {"/lab/sub/b%20%3F.tif", "/big/l.tif"})
         server.Serve(path, ReadFile(definitions / "image.tif"));
-    for (DString const &path : {server.Url() + "/lab/sub/b%20%3F.tif", DString("s3://big/l.tif")}) {
+    DString const service = "wms+" + server.Url() + "/ows";
+    Define("Map", service, "OGC");
+    server.Serve(
+        "/ows?SERVICE=WMS&REQUEST=GetCapabilities",
+        "<WMS_Capabilities version=\"1.3.0\"><Capability><Layer><Layer><Name>a</Name></Layer><Layer>"
+        "<Title>Group</Title><Layer><Title>Inner</Title><Layer><Name>c ?</Name></Layer></Layer></Layer></Layer>"
+        "</Capability></WMS_Capabilities>");
+    for (DString const &path : {server.Url() + "/lab/sub/b%20%3F.tif", DString("s3://big/l.tif"), service + "?LAYER=a",
+                                service + "?LAYER=c%20%3F"}) {
         auto const isSelected = [&] {
             DSListCtrl::ItemList items;
             dialog->MainList()->GetSelectedItems(items);
             return items.size() == 1 && items.front()->GetPath() == path;
         };
-        Favorite const favorite{Favorite::Kind::Data, path + "?NUM_THREADS=2", "mine"};
+        char const *const options = path.find('?') == DString::npos ? "?NUM_THREADS=2" : "&NUM_THREADS=2";
+        Favorite const favorite{Favorite::Kind::Data, path + options, "mine"};
         FavoriteBook::Add(favorite);
         Run([&] {
             ClickSource("mine");

@@ -5,6 +5,7 @@
 #include "zelvar/base/DFileFrmt.h"
 #include "zelvar/controls/CZelButton.h"
 #include "zelvar/data/BDINode.h"
+#include "zelvar/data/PlaceCheck.h"
 #include "zelvar/lists/CZelListCtrlVirtual.h"
 #include "zelvar/model/NtwDataSourceItem.h"
 #include "zelvar/opends/BasketStrip.h"
@@ -25,7 +26,10 @@
 #include <QtWidgets/QMessageBox>
 #include <QtWidgets/QPushButton>
 
+#include <atomic>
 #include <filesystem>
+
+#include <unistd.h>
 
 namespace zelvar::test {
 namespace {
@@ -275,6 +279,28 @@ TEST_F(Travels, AFolderThatIsGoneSaysSo) {
         std::filesystem::rename(std::string(folder / "away"), std::string(folder / "a"));
         Click(notice.Button());
         EXPECT_TRUE(Eventually([&] { return RowOf(*dialog->MainList(), "x.tif") >= 0 && !notice.isVisible(); }));
+        std::filesystem::create_directory(std::string(folder / "empty"));
+        dialog->GoToDir(folder / "empty", true);
+        static std::atomic<int> asked{0};
+        SetPlaceCheck([](DString const &) { return ++asked > 0; });
+        EXPECT_TRUE(Eventually([&] { return asked > 0 && !notice.isVisible(); }));
+        std::filesystem::remove(std::string(folder / "empty"));
+        Press(*dialog->MainList(), Qt::Key_F5);
+        EXPECT_TRUE(Eventually([&] { return notice.isVisible(); })) << "it was there when it was empty";
+        auto const saysNow = [&](QString const &words) {
+            Click(notice.Button());
+            EXPECT_TRUE(Eventually([&] { return notice.Label()->text() == "empty cannot be opened: " + words; }))
+                << notice.Label()->text().toStdString();
+        };
+        SetPlaceCheck([](DString const &) { return false; });
+        saysNow("its place does not answer");
+        SetPlaceCheck(nullptr);
+        std::filesystem::create_directory(std::string(folder / "empty"));
+        std::filesystem::permissions(std::string(folder / "empty"), std::filesystem::perms::none);
+        uid_t const user = geteuid();
+        std::ignore = seteuid(65534); // the superuser may read everything
+        saysNow("you may not read it");
+        std::ignore = seteuid(user);
     });
 }
 
