@@ -301,6 +301,11 @@ TEST_F(OpenDialog, TheTabKeyGoesRoundThePanesAndF5ListsAgain) {
             QTest::keyClick(dialog->focusWidget(), Qt::Key_Tab);
             EXPECT_TRUE(round[i] == dialog->focusWidget() || round[i]->isAncestorOf(dialog->focusWidget())) << i;
         }
+        round[3]->setFocus();
+        for (int i = 3; i-- > 0;) {
+            QTest::keyClick(dialog->focusWidget(), Qt::Key_Backtab, Qt::ShiftModifier);
+            EXPECT_EQ(round[i], dialog->focusWidget()) << i;
+        }
         folder.Write("new.txt", "x");
         dialog->MainList()->setFocus();
         QTest::keyClick(dialog->MainList(), Qt::Key_F5);
