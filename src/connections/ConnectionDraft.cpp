@@ -166,7 +166,7 @@ std::vector<SecretPlace> SecretPlacesOf(ConnectionKind kind) {
                                  SecretPlace::None}
                    : std::vector{SecretPlace::Profile, SecretPlace::Keyring, SecretPlace::Ask, SecretPlace::None};
     case ConnectionKind::Odbc:
-        return {SecretPlace::Keyring, SecretPlace::Ask, SecretPlace::None};
+        return {SecretPlace::None, SecretPlace::Keyring, SecretPlace::Ask}; // many are files
     default:
         return {SecretPlace::None, SecretPlace::Keyring, SecretPlace::Ask, SecretPlace::File};
     }
