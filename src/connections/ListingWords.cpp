@@ -55,6 +55,7 @@ constexpr char const *kNotListed = Mark("It cannot be listed: %s.");
 constexpr char const *kInPath = Mark("Stores that are not Amazon's often want the bucket in the path: see Addressing.");
 constexpr char const *kEmpty = Mark("It is listed, and nothing is in it.");
 constexpr char const *kWorks = Mark("Works: %s.");
+constexpr char const *kWorksAndMore = Mark("Works: %s, and more.");
 
 /// What a store calls a refusal.
 struct StoreCode {
@@ -252,7 +253,8 @@ std::vector<TrialResult> ListingInSteps(Connection const &connection, ListedConn
         return results;
     }
     results.push_back(Result(TrialStep::Listing, TrialState::Works,
-                             listed.IsEmpty() ? DString(Translated(kEmpty)) : FilledWords(kWorks, Counted(listed))));
+                             listed.IsEmpty() ? DString(Translated(kEmpty))
+                                              : FilledWords(listed.hasMore ? kWorksAndMore : kWorks, Counted(listed))));
     if (!listed.first.empty())
         results.push_back(Result(TrialStep::FirstItem,
                                  listed.firstFailure.IsSet() ? TrialState::Failed : TrialState::Works,

@@ -194,8 +194,12 @@ TEST(ListingWords, TellWhichStepFailedAndWhatToDo) {
               "listing- It cannot be listed: its place does not answer; no server named b.s3.lab is known. Stores that "
               "are not Amazon's often want the bucket in the path: see Addressing.|"},
              {open,
-              {.folders = 1, .first = "a", .firstWords = "no", .firstFailure = Because(Cause::Server, 500)},
-              "listing+ Works: 1 folder.|first item- no|"},
+              {.folders = 1,
+              .hasMore = true,
+              .first = "a",
+              .firstWords = "no",
+              .firstFailure = Because(Cause::Server, 500)},
+              "listing+ Works: 1 folder, and more.|first item- no|"},
              {web, {.isStopped = true, .failure = Because(Cause::Late)}, "listing! Stopped.|"}}) {
         DString text;
         for (TrialResult const &result : ListingInSteps(connection, listed))
