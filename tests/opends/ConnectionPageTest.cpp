@@ -286,6 +286,7 @@ TEST_F(ConnectionPages, FieldsOfAStoreAreThoseOfItsService) {
             service->setCurrentIndex(choice);
             EXPECT_EQ(page.Form()->Control("profile")->isVisible(), hasProfile) << choice;
             EXPECT_EQ(page.Form()->Control("key")->accessibleName(), label);
+            EXPECT_EQ(page.Form()->Control("bucket")->accessibleName(), choice == 2 ? "Container" : "Bucket");
             EXPECT_EQ(page.Form()->Draft().secret, SecretPlace::Keyring);
             EXPECT_TRUE(page.Form()->Control("password")->isVisible());
         }

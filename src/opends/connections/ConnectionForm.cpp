@@ -298,9 +298,12 @@ void ConnectionForm::ShowService() {
     bool const hasProfiles = service.empty() || service == kWithProfiles || !m_draft.Text("profile").empty();
     profile.label->setVisible(hasProfiles);
     profile.control->setVisible(hasProfiles);
-    Row const &key = m_rows["key"];
-    key.label->setText(service == kOfAccounts ? Shown("Account") : Shown("Key ID"));
-    key.control->setAccessibleName(key.label->text());
+    bool const hasAccounts = service == kOfAccounts;
+    for (auto const &[field, label] : {std::pair{"key", hasAccounts ? Shown("Account") : Shown("Key ID")},
+                                       std::pair{"bucket", hasAccounts ? Shown("Container") : Shown("Bucket")}}) {
+        m_rows[field].label->setText(label);
+        m_rows[field].control->setAccessibleName(label);
+    }
 }
 
 void ConnectionForm::AddFold(QGridLayout &grid) {
