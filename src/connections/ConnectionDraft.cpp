@@ -29,6 +29,10 @@ struct ChoiceWords {
 };
 constexpr std::array kChoices{
     ChoiceWords{"service", "any", Mark("Found by itself")},
+    ChoiceWords{"service", "wms", Mark("Maps (WMS)")},
+    ChoiceWords{"service", "wmts", Mark("Tiles of maps (WMTS)")},
+    ChoiceWords{"service", "wcs", Mark("Coverages (WCS)")},
+    ChoiceWords{"service", "wfs", Mark("Features (WFS)")},
     ChoiceWords{"service", "s3", Mark("S3 and compatible")},
     ChoiceWords{"service", "gs", Mark("Google Cloud Storage")},
     ChoiceWords{"service", "az", Mark("Azure Blob Storage")},

@@ -386,6 +386,10 @@ TEST_F(ConnectionPages, SayWhatIsWrongWithAFieldAndTakePastedAddresses) {
     ConnectionDlg page(nullptr);
     OnPage(page, [&] {
         auto *const ok = platform::GetDlgItem<QPushButton>(page, 1);
+        Click(ok);
+        EXPECT_EQ(page.Form()->Control("name")->accessibleDescription(), "A name is needed.");
+        TypeInto(page.Form()->Control("host"), "db.lab");
+        EXPECT_EQ(page.Form()->Control("name")->accessibleDescription(), "") << "it has the host's";
         TypeInto(page.Form()->Control("host"), "db lab");
         TypeInto(page.Form()->Control("name"), "n");
         Click(ok);

@@ -347,6 +347,8 @@ void ConnectionForm::Suggest() {
         return;
     m_draft.name = SuggestedName(m_draft.ToConnection());
     static_cast<QLineEdit *>(m_rows["name"].control)->setText(ToQString(m_draft.name));
+    if (!m_draft.name.empty())
+        ShowFault(m_rows["name"], {});
 }
 
 bool ConnectionForm::TakePasted(DString const &text) {
