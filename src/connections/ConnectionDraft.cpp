@@ -29,6 +29,10 @@ struct ChoiceWords {
 };
 constexpr std::array kChoices{
     ChoiceWords{"service", "any", Mark("Found by itself")},
+    ChoiceWords{"service", "wms", Mark("Maps (WMS)")},
+    ChoiceWords{"service", "wmts", Mark("Tiles of maps (WMTS)")},
+    ChoiceWords{"service", "wcs", Mark("Coverages (WCS)")},
+    ChoiceWords{"service", "wfs", Mark("Features (WFS)")},
     ChoiceWords{"service", "s3", Mark("S3 and compatible")},
     ChoiceWords{"service", "gs", Mark("Google Cloud Storage")},
     ChoiceWords{"service", "az", Mark("Azure Blob Storage")},
@@ -166,7 +170,7 @@ std::vector<SecretPlace> SecretPlacesOf(ConnectionKind kind) {
                                  SecretPlace::None}
                    : std::vector{SecretPlace::Profile, SecretPlace::Keyring, SecretPlace::Ask, SecretPlace::None};
     case ConnectionKind::Odbc:
-        return {SecretPlace::Keyring, SecretPlace::Ask, SecretPlace::None};
+        return {SecretPlace::None, SecretPlace::Keyring, SecretPlace::Ask}; // many are files
     default:
         return {SecretPlace::None, SecretPlace::Keyring, SecretPlace::Ask, SecretPlace::File};
     }

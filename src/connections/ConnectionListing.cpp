@@ -24,6 +24,8 @@ constexpr char const *kThere = Mark("%s is there.");
 constexpr char const *kFolder = Mark("The folder %s is listed.");
 constexpr char const *kFirstFails = Mark("%s cannot be opened: %s.");
 
+constexpr std::size_t kMost = 500; // what is counted; a bucket may hold any number
+
 struct Tried {
     std::mutex mutex;
     std::list<ConnectionBook::Entry const *> entries; ///< guarded; the last one first
@@ -106,7 +108,8 @@ void LookAtFirst(std::vector<ListedItem> const &items, ListedConnection &listed,
         RequestScope const scope(RequestKind::List, [&] { return cancel.IsCanceled(); });
         bool isRead = true;
         std::ignore = ListItems(
-            first.item, {.cancel = &cancel, .onUnread = [&](DataSourceItem &, std::error_code) { isRead = false; }});
+            first.item,
+            {.most = kMost, .cancel = &cancel, .onUnread = [&](DataSourceItem &, std::error_code) { isRead = false; }});
         auto const *const tree = dynamic_cast<TemplDataSourceItem const *>(first.item.get());
         if (!isRead && tree != nullptr)
             listed.firstFailure = tree->GetFailure();
@@ -167,8 +170,9 @@ std::optional<ListedConnection> ListConnection(ConnectionBook::Entry const &entr
         item->Prepare();
         bool isRead = true;
         if (!cancel.IsCanceled())
-            items = ListItems(
-                item, {.cancel = &cancel, .onUnread = [&](DataSourceItem &, std::error_code) { isRead = false; }});
+            items = ListItems(item, {.most = kMost + 1,
+                                     .cancel = &cancel,
+                                     .onUnread = [&](DataSourceItem &, std::error_code) { isRead = false; }});
         listed.failure = item->GetFailure();
         if (!isRead && !listed.failure.IsSet())
             listed.failure.Set("no driver opens it", DError::Cause::NotSupported);
@@ -179,6 +183,8 @@ std::optional<ListedConnection> ListConnection(ConnectionBook::Entry const &entr
         listed.certificate = ReadServerCertificate(address->ToText());
     }
     if (!cancel.IsCanceled() && !listed.failure.IsSet()) {
+        listed.hasMore = items.size() > kMost;
+        items.resize(std::min(items.size(), kMost));
         Count(items, listed);
         if (!items.empty())
             LookAtFirst(items, listed, cancel);

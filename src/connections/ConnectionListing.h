@@ -15,6 +15,7 @@ struct ListedConnection {
     std::size_t images = 0;
     std::size_t tables = 0;
     std::size_t others = 0;
+    bool hasMore = false;  ///< than were counted
     DString first{};       ///< the name of what was looked at in it; empty if there is nothing
     DString firstWords{};  ///< what that is, a sentence in the user's language
     DError firstFailure{}; ///< of its server; not set for what is no image

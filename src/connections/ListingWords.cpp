@@ -52,8 +52,10 @@ constexpr char const *kMayNotList =
 constexpr char const *kLeadsOn =
     Mark("The server sends on to %s. If that is right, name it among the hosts also allowed.");
 constexpr char const *kNotListed = Mark("It cannot be listed: %s.");
+constexpr char const *kInPath = Mark("Stores that are not Amazon's often want the bucket in the path: see Addressing.");
 constexpr char const *kEmpty = Mark("It is listed, and nothing is in it.");
 constexpr char const *kWorks = Mark("Works: %s.");
+constexpr char const *kWorksAndMore = Mark("Works: %s, and more.");
 
 /// What a store calls a refusal.
 struct StoreCode {
@@ -165,7 +167,14 @@ std::optional<HostAndPort> HostLedTo(DError const &error) {
     return error.Why() == DError::Cause::Refused ? HostSentOnTo(error.Text()) : std::nullopt;
 }
 
-DString ListingFailureWords(DError const &error) {
+/// A store of its own was asked by a name below its own, which nobody knows.
+bool IsBucketNoServer(Connection const &connection, DError const &error) {
+    return connection.kind == ConnectionKind::ObjectStore && !connection.Field("endpoint").empty() &&
+           connection.Field("addressing") != "path" && error.Why() == DError::Cause::NoAnswer &&
+           error.Text().find(" " + connection.Field("bucket") + ".") != DString::npos;
+}
+
+DString ListingFailureWords(Connection const &connection, DError const &error) {
     if (error.Why() == DError::Cause::Server && error.Detail() == kForbidden)
         return Format(Translated(kForbids), static_cast<long long>(kForbidden));
     if (error.Why() == DError::Cause::Server && error.Detail() == kNotFound)
@@ -174,7 +183,8 @@ DString ListingFailureWords(DError const &error) {
         return FilledWords(kLeadsOn, TextOf(*host));
     DString const cause = CauseInWords(error);
     bool const isSame = cause.empty() || cause == error.Text();
-    return FilledWords(kNotListed, isSame ? error.Text() : cause + "; " + error.Text());
+    DString const words = FilledWords(kNotListed, isSame ? error.Text() : cause + "; " + error.Text());
+    return IsBucketNoServer(connection, error) ? words + " " + Translated(kInPath) : words;
 }
 
 /// "3 folders, 41 tables".
@@ -238,12 +248,13 @@ std::vector<TrialResult> ListingInSteps(Connection const &connection, ListedConn
     if (failure.IsSet()) {
         results.push_back(
             Result(TrialStep::Listing, TrialState::Failed,
-                   code != nullptr ? FilledWords(code->words, code->code) : ListingFailureWords(failure)));
+                   code != nullptr ? FilledWords(code->words, code->code) : ListingFailureWords(connection, failure)));
         results.back().allows = HostLedTo(failure);
         return results;
     }
     results.push_back(Result(TrialStep::Listing, TrialState::Works,
-                             listed.IsEmpty() ? DString(Translated(kEmpty)) : FilledWords(kWorks, Counted(listed))));
+                             listed.IsEmpty() ? DString(Translated(kEmpty))
+                                              : FilledWords(listed.hasMore ? kWorksAndMore : kWorks, Counted(listed))));
     if (!listed.first.empty())
         results.push_back(Result(TrialStep::FirstItem,
                                  listed.firstFailure.IsSet() ? TrialState::Failed : TrialState::Works,

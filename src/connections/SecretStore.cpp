@@ -18,7 +18,7 @@ using Clock = std::chrono::steady_clock;
 constexpr std::chrono::minutes kSecretHolds{10};
 constexpr std::chrono::seconds kSilenceHolds{10}; ///< nobody is asked again to unlock it at once
 
-constexpr char const *kNoPassword = Mark("Nothing tells a password.");
+constexpr char const *kNoPassword = Mark("Nothing tells a password: type one, or choose that none is needed.");
 constexpr char const *kNotInPgPass = Mark("Nothing tells a password: type one, or use ~/.pgpass.");
 constexpr char const *kNotInNetrc = Mark("Nothing tells a password: type one, or use ~/.netrc.");
 constexpr char const *kNoProfile = Mark("There is no profile %s in %s.");

@@ -37,7 +37,7 @@ Items Collect(RefItemPtr<DataSourceItem> const &place, ItemListingOptions const 
     walk.Through(place, [&](RefItemPtr<DataSourceItem> child) {
         if (IsListed(*child, options))
             found.push_back(std::move(child));
-        return true;
+        return options.most == 0 || found.size() < options.most;
     });
     return found;
 }

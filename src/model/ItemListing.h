@@ -21,6 +21,7 @@ struct ItemListingOptions {
     int nodeMask = 0;       ///< driver nodes to list; 0 for all data
     ListingSort sort = ListingSort::None;
     bool descending = false;
+    std::size_t most = 0; ///< it ends with so many items, before they are sorted; 0 for all
     DLGTemplate purpose = DT_DATA;
     DataSourceItem::ICancel *cancel = nullptr; ///< not owned
     DataSetFolding folding{};                  ///< of folders of the file system

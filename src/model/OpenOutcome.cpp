@@ -58,6 +58,13 @@ std::optional<HostAndPort> HostSentOn(DError const &error) {
     return error.Why() == DError::Cause::Refused ? HostSentOnTo(error.Text()) : std::nullopt;
 }
 
+/// A server wants it, and no container is encrypted.
+bool IsLoginMissing(DError const &error) {
+    DString const &text = error.Text();
+    return error.Why() == DError::Cause::NeedsPassword && text.find("://") != DString::npos &&
+           text.find("encrypted") == DString::npos;
+}
+
 /// "a, b, c" without what is empty.
 DString Joined(std::vector<DString> const &parts, char const *between = ", ") {
     DString text;
@@ -218,6 +225,8 @@ DString CauseInWords(DError const &error) {
 DString RemedyInWords(DError const &error) {
     if (HostSentOn(error))
         return Translated("allow that host if it is right");
+    if (IsLoginMissing(error))
+        return Translated("give the password in its connection");
     CauseWords const *const words = WordsOf(error);
     return words == nullptr ? DString() : Translated(words->remedy);
 }

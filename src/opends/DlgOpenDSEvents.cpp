@@ -224,6 +224,8 @@ void DlgOpenDS::OnDataSourceSelected() {
     platform::EscapeWatch const watch; // one Escape for all lists
     ListingsShared const shared;
     m_waits->Forget();
+    if (m_features != kOpenPlain)
+        m_parts->ForgetSelection();
     ItemList items;
     m_panes->Sources()->GetSelectedItems(items);
     m_panes->Hierarchy()->ResetDataSources(items);

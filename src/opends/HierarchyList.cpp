@@ -46,7 +46,9 @@ void HierarchyList::resizeEvent(QResizeEvent *event) {
 
 void HierarchyList::focusInEvent(QFocusEvent *event) {
     QWidget::focusInEvent(event);
-    if (DSListCtrl *const first = GetPane(0))
+    if (event->reason() == Qt::BacktabFocusReason) // from the first pane, which would have it back at once
+        focusNextPrevChild(false);
+    else if (DSListCtrl *const first = GetPane(0))
         first->setFocus(event->reason());
 }
 
@@ -60,6 +62,16 @@ bool HierarchyList::FocusPaneBehind(QObject const *pane) {
         if (GetPane(behind - 1) != pane || !GetPane(behind - 1)->hasFocus())
             continue;
         GetPane(behind)->setFocus(Qt::TabFocusReason);
+        return true;
+    }
+    return false;
+}
+
+bool HierarchyList::FocusPaneBefore(QObject const *pane) {
+    for (int before = 0; before + 1 < GetPaneCount(); ++before) {
+        if (GetPane(before + 1) != pane || !GetPane(before + 1)->hasFocus())
+            continue;
+        GetPane(before)->setFocus(Qt::BacktabFocusReason);
         return true;
     }
     return false;

@@ -41,6 +41,8 @@ public:
     [[nodiscard]] DSplitterWnd *GetSplitter() const { return m_splitter; }
     /// Moves the focus from that pane to the next one; false if it is the last or does not have the focus.
     bool FocusPaneBehind(QObject const *pane);
+    /// The same to the one before it; false if it is the first.
+    bool FocusPaneBefore(QObject const *pane);
     /// Gives every pane the same width.
     void InitializeLayout();
     /// Pane 0 lists the children of `items`, the others are emptied.

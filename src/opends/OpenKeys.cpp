@@ -77,6 +77,8 @@ bool OpenKeys::ProcessKey(int key, QWidget &focus) const {
         return ProcessReturnKey(focus);
     case Qt::Key_Tab:
         return ProcessTabKey(focus);
+    case Qt::Key_Backtab:
+        return ProcessBacktabKey(focus);
     case Qt::Key_Insert:
         return ProcessInsertKey(focus);
     default:
@@ -154,6 +156,23 @@ bool OpenKeys::ProcessInsertKey(QWidget const &focus) const {
     return true;
 }
 
+QWidget *OpenKeys::FirstPane() const {
+    return m_panes.SourceWnd()->IsDataSourceView() ? static_cast<QWidget *>(m_panes.Sources()) : m_panes.Folders();
+}
+
+// The way back through the panes; elsewhere the toolkit's own order does.
+bool OpenKeys::ProcessBacktabKey(QWidget const &focus) const {
+    HierarchyList &hierarchy = *m_panes.Hierarchy();
+    if (hierarchy.FocusPaneBefore(&focus))
+        return true;
+    QWidget *const before = &focus == m_panes.Items()        ? hierarchy.GetPane(hierarchy.GetPaneCount() - 1)
+                            : &focus == hierarchy.GetPane(0) ? FirstPane()
+                                                             : nullptr;
+    if (before != nullptr)
+        before->setFocus(Qt::BacktabFocusReason);
+    return before != nullptr;
+}
+
 bool OpenKeys::ProcessTabKey(QWidget &focus) const {
     if (m_panes.Hierarchy()->FocusPaneBehind(&focus))
         return true;
@@ -172,8 +191,6 @@ bool OpenKeys::ProcessTabKey(QWidget &focus) const {
         items = m_panes.Items()->GetNumRow() == 0 ? next : items;
     }
     QWidget *const hierarchy = m_panes.Hierarchy()->GetPane(0);
-    QWidget *const sources =
-        m_panes.SourceWnd()->IsDataSourceView() ? static_cast<QWidget *>(m_panes.Sources()) : m_panes.Folders();
     auto *const line = platform::GetDlgItem<OpenLine>(m_dialog, kLineId);
     bool const hasChoice = line != nullptr && line->Drivers()->isVisible();
     QWidget *const belowPanes = hasChoice ? line->Drivers() : m_fields.Places();
@@ -185,7 +202,7 @@ bool OpenKeys::ProcessTabKey(QWidget &focus) const {
         {line, m_fields.Places()},
         {m_fields.Places(), m_fields.MaskEdit()},
         {m_fields.MaskEdit(), m_fields.Formats()},
-        {m_fields.Formats(), sources},
+        {m_fields.Formats(), FirstPane()},
     };
     for (Step const &step : steps) {
         if (!IsWithin(step.from, focus))

@@ -36,6 +36,8 @@ private:
     [[nodiscard]] bool ProcessReturnKey(QWidget &focus) const;
     [[nodiscard]] bool ProcessInsertKey(QWidget const &focus) const;
     [[nodiscard]] bool ProcessTabKey(QWidget &focus) const;
+    [[nodiscard]] bool ProcessBacktabKey(QWidget const &focus) const;
+    [[nodiscard]] QWidget *FirstPane() const;
     void ProcessRefreshKey(QWidget const &focus) const;
 
     DlgOpenDS &m_dialog;

@@ -107,6 +107,7 @@ TEST(ListingWords, TellWhichStepFailedAndWhatToDo) {
     plain.fields["address"] = "http://h/";
     Connection const open{.kind = WebFolder, .fields = {{"address", "http://h/"}}};
     Connection const store{.kind = ObjectStore, .fields = {{"bucket", "b"}}, .secret = SecretPlace::Profile};
+    Connection const ofOwn{.kind = ObjectStore, .fields = {{"bucket", "b"}, {"endpoint", "s3.lab"}}};
     Connection const base{.kind = PostgreSql,
                           .fields = {{"host", "h"}, {"user", "ann"}, {"sslmode", "require"}},
                           .secret = SecretPlace::Ask};
@@ -188,9 +189,17 @@ TEST(ListingWords, TellWhichStepFailedAndWhatToDo) {
               {.failure = Because(Cause::Missing, -1, "\"b\": NoSuchBucket")},
               "encryption+ The server's certificate is trusted.|login+ The server takes the login.|"
               "listing- NoSuchBucket: there is no bucket of this name.|"},
+             {ofOwn,
+              {.failure = Because(Cause::NoAnswer, -1, "no server named b.s3.lab is known")},
+              "listing- It cannot be listed: its place does not answer; no server named b.s3.lab is known. Stores that "
+              "are not Amazon's often want the bucket in the path: see Addressing.|"},
              {open,
-              {.folders = 1, .first = "a", .firstWords = "no", .firstFailure = Because(Cause::Server, 500)},
-              "listing+ Works: 1 folder.|first item- no|"},
+              {.folders = 1,
+              .hasMore = true,
+              .first = "a",
+              .firstWords = "no",
+              .firstFailure = Because(Cause::Server, 500)},
+              "listing+ Works: 1 folder, and more.|first item- no|"},
              {web, {.isStopped = true, .failure = Because(Cause::Late)}, "listing! Stopped.|"}}) {
         DString text;
         for (TrialResult const &result : ListingInSteps(connection, listed))

@@ -315,6 +315,13 @@ TEST(Capabilities, WhatIsNoneIsNamedAndDoesNoHarm) {
         EXPECT_EQ(error.Why(), c.cause) << error.Text();
         EXPECT_TRUE(Says(error, c.words)) << error.Text();
     }
+    using services::Service;
+    for (auto const &[service, foreign] :
+         {std::pair{Service::Wcs, "TileMatrixSet"}, {Service::Wmts, "CoverageSummary"}}) {
+        DError error;
+        std::string const answer = DString("<Capabilities><Contents><") + foreign + "/></Contents></Capabilities>";
+        EXPECT_FALSE(services::ReadCapabilities(service, answer, error)) << "those of another service";
+    }
     std::string layers = "<Layer><Name>" + std::string(1'000'000, 'x') +
                          "</Name><BoundingBox CRS=\"EPSG:4326\" minx=\"nan\" miny=\"1\" maxx=\"1\" maxy=\"inf\"/>";
     for (int i = 0; i < 900; ++i)

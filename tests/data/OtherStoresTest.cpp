@@ -71,8 +71,7 @@ struct OtherStores : testing::TestWithParam<Speech> {
                               .options = {{"service", GetParam().service},
                                           {"key", "acc"},
                                           {"endpoint", "127.0.0.1:" + std::to_string(m_server.Port())},
-                                          {"https", "no"},
-                                          {"addressing", "path"}},
+                                          {"https", "no"}}, // by its number: in the path
                               .secrets = {{"key", secret}}};
         for (auto const &[key, value] : others)
             terms.options[key] = value;

@@ -54,6 +54,7 @@ TEST_F(ItemListingTest, TellsFoldersContainersAndFilesApart) {
     EXPECT_THAT(Lines({.foldersOnly = true, .recursive = true, .sort = ListingSort::Name}),
                 ElementsAre("container a.tif", "folder c"));
     std::vector<ListedItem> const all = ListItems(Place(), {.sort = ListingSort::Name, .descending = true});
+    EXPECT_EQ(ListItems(Place(), {.most = 2}).size(), 2U);
     EXPECT_EQ(all.at(0).name, "c");
     EXPECT_FALSE(all.at(0).time.has_value());
     EXPECT_EQ(all.at(1).size, 3);

@@ -135,6 +135,9 @@ TEST(OpenOutcome, SaysOfOneItemWhatItIsOrWhyNotAndWhatToDo) {
                   isHeld && outcome.text.find("what the reader said") == DString::npos ? "what the reader said" : "");
     }
     EXPECT_TRUE(OutcomeOf(Grey(1'000'000, 1'000'000), kImage, 0).isUsable) << "the memory is not known";
+    DError login;
+    login.Set("\"s3://a\": there is no secret key for it", Cause::NeedsPassword);
+    EXPECT_EQ(RemedyInWords(login), "give the password in its connection");
 }
 
 TEST(OpenOutcome, SumsSeveralUpAndSaysWhatDiffers) {

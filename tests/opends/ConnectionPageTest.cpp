@@ -164,9 +164,9 @@ TEST_F(ConnectionPages, MakeTestAndShowAConnectionByTheKeyboardAlone) {
         goTo(dialog.Form()->Control("user"));
         type("ann");
         auto *const places = dynamic_cast<QComboBox *>(dialog.Form()->Control("secret"));
+        EXPECT_EQ(dialog.Form()->Draft().secret, SecretPlace::Keyring) << "who has a name has a password";
         goTo(places);
-        for (int down = 0; down < 2; ++down)
-            key(Qt::Key_Down);
+        key(Qt::Key_Down);
         ASSERT_EQ(dialog.Form()->Draft().secret, SecretPlace::Ask);
         goTo(dialog.Form()->Control("password"));
         type(kMarker);
@@ -249,6 +249,9 @@ TEST_F(ConnectionPages, EveryFieldOfEveryKindIsReachedByTheKeyboardAndFitsASmall
             auto *const more = dynamic_cast<QToolButton *>(page.Form()->Control("more"));
             if (!more->isChecked())
                 QTest::keyClick(more, Qt::Key_Space);
+            for (char const *const who : {"user", "key"}) // who has a name is asked for a password
+                if (QWidget *const edit = page.Form()->Control(who))
+                    QTest::keyClicks(edit, "7");
             QCoreApplication::processEvents();
             std::vector<QWidget *> wanted = page.Form()->FocusOrder();
             std::erase_if(wanted, [](QWidget const *control) { return !control->isVisible(); });
@@ -283,6 +286,7 @@ TEST_F(ConnectionPages, FieldsOfAStoreAreThoseOfItsService) {
             service->setCurrentIndex(choice);
             EXPECT_EQ(page.Form()->Control("profile")->isVisible(), hasProfile) << choice;
             EXPECT_EQ(page.Form()->Control("key")->accessibleName(), label);
+            EXPECT_EQ(page.Form()->Control("bucket")->accessibleName(), choice == 2 ? "Container" : "Bucket");
             EXPECT_EQ(page.Form()->Draft().secret, SecretPlace::Keyring);
             EXPECT_TRUE(page.Form()->Control("password")->isVisible());
         }
@@ -382,6 +386,10 @@ TEST_F(ConnectionPages, SayWhatIsWrongWithAFieldAndTakePastedAddresses) {
     ConnectionDlg page(nullptr);
     OnPage(page, [&] {
         auto *const ok = platform::GetDlgItem<QPushButton>(page, 1);
+        Click(ok);
+        EXPECT_EQ(page.Form()->Control("name")->accessibleDescription(), "A name is needed.");
+        TypeInto(page.Form()->Control("host"), "db.lab");
+        EXPECT_EQ(page.Form()->Control("name")->accessibleDescription(), "") << "it has the host's";
         TypeInto(page.Form()->Control("host"), "db lab");
         TypeInto(page.Form()->Control("name"), "n");
         Click(ok);

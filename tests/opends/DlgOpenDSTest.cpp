@@ -301,6 +301,11 @@ TEST_F(OpenDialog, TheTabKeyGoesRoundThePanesAndF5ListsAgain) {
             QTest::keyClick(dialog->focusWidget(), Qt::Key_Tab);
             EXPECT_TRUE(round[i] == dialog->focusWidget() || round[i]->isAncestorOf(dialog->focusWidget())) << i;
         }
+        round[3]->setFocus();
+        for (int i = 3; i-- > 0;) {
+            QTest::keyClick(dialog->focusWidget(), Qt::Key_Backtab, Qt::ShiftModifier);
+            EXPECT_EQ(round[i], dialog->focusWidget()) << i;
+        }
         folder.Write("new.txt", "x");
         dialog->MainList()->setFocus();
         QTest::keyClick(dialog->MainList(), Qt::Key_F5);
@@ -478,8 +483,12 @@ TEST_F(OpenDialog, ADefinedConnectionIsOpenedFromTheLeftListAndItsImagesArePicke
         click("Scenes");
         EXPECT_TRUE(Eventually([&] { return RowOf(list, "grey.tif") >= 0 && RowOf(list, "rgb.tif") >= 0; }));
         EXPECT_EQ(RowOf(list, "notes.txt"), -1) << "nothing but images";
+        ClickRow(*dialog->MainList(), "grey.tif");
+        auto const *const status = GetDlgItem<platform::EllipsisLabel>(*dialog, kStatusId);
+        EXPECT_TRUE(Eventually([&] { return !status->Text().isEmpty(); }));
         click("Survey");
         ASSERT_TRUE(Eventually([&] { return RowOf(list, "picture 1") >= 0 && list.GetNumRow() == 2; }));
+        EXPECT_TRUE(status->Text().isEmpty()) << "of the former selection nothing stays";
         Shot(*dialog, "DlgOpenDS-definitions");
         ClickRow(*dialog->MainList(), "picture 2");
         EXPECT_TRUE(Eventually([&] { return dialog->PropertyWnd()->Preview()->GetMode() == 0; }));

@@ -2,6 +2,9 @@
 
 #include <cpl_conv.h>
 
+#include <arpa/inet.h>
+#include <netinet/in.h>
+
 namespace zelvar::gdal {
 
 namespace {
@@ -43,11 +46,23 @@ DString SchemeOf(ConnectionTerms const &terms) {
 
 bool IsUnsigned(ConnectionTerms const &terms) { return ValueOf(terms.options, "unsigned") == "yes"; }
 
+/// A server that is named by its number has no names below it.
+bool IsNumber(DString const &endpoint) {
+    in_addr number{};
+    return endpoint.starts_with('[') ||
+           inet_pton(AF_INET, endpoint.substr(0, endpoint.find(':')).c_str(), &number) == 1;
+}
+
+bool IsInPath(ConnectionTerms const &terms) {
+    DString const addressing = ValueOf(terms.options, "addressing");
+    return addressing.empty() ? IsNumber(ValueOf(terms.options, "endpoint")) : addressing == "path";
+}
+
 void TellOfAmazon(ConnectionTerms const &terms) {
     SetAll(terms.options, kOfAmazon);
     SetAll(terms.secrets, kSecretsOfAmazon);
-    if (DString const addressing = ValueOf(terms.options, "addressing"); !addressing.empty())
-        CPLSetConfigOption("AWS_VIRTUAL_HOSTING", addressing == "path" ? "NO" : "YES");
+    if (bool const isInPath = IsInPath(terms); isInPath || !ValueOf(terms.options, "addressing").empty())
+        CPLSetConfigOption("AWS_VIRTUAL_HOSTING", isInPath ? "NO" : "YES");
     if (ValueOf(terms.options, "https") == "no")
         CPLSetConfigOption("AWS_HTTPS", "NO");
     if (IsUnsigned(terms))
@@ -78,8 +93,7 @@ void TellOfAzure(ConnectionTerms const &terms) {
     DString const account = AccountOf(terms);
     DString const told = ValueOf(terms.options, "endpoint");
     DString const endpoint = told.empty() ? "blob.core.windows.net" : told;
-    bool const isInPath = ValueOf(terms.options, "addressing") == "path";
-    DString const place = SchemeOf(terms) + (isInPath ? endpoint + "/" + account : account + "." + endpoint);
+    DString const place = SchemeOf(terms) + (IsInPath(terms) ? endpoint + "/" + account : account + "." + endpoint);
     DString const key = IsUnsigned(terms) ? DString() : ValueOf(terms.secrets, "key");
     std::string_view const secret = std::string_view(key).substr(key.starts_with('?') ? 1 : 0);
     if (secret.empty()) {

@@ -34,6 +34,7 @@ constexpr char const *kWithProfiles = "s3";
 constexpr char const *kOfAccounts = "az";
 
 constexpr char const *kPasteHint = Mark("Type it, or paste an address");
+constexpr char const *kSourceHint = Mark("As in ~/.odbc.ini");
 constexpr char const *kOldPassword = Mark("The password stands in the definition, where anybody may read it.");
 constexpr char const *kMoves = Mark("The password leaves the definition with OK.");
 constexpr char const *kUnchanged = Mark("unchanged");
@@ -65,6 +66,7 @@ ConnectionForm::ConnectionForm(QWidget *parent) : QWidget(parent) {
 void ConnectionForm::Show(ConnectionDraft draft, bool isNew) {
     m_draft = std::move(draft);
     m_isNameOwn = !isNew;
+    m_isSecretPlaceOwn = !isNew;
     m_wasInDefinition = m_draft.secret == SecretPlace::Definition;
     Build();
 }
@@ -181,6 +183,8 @@ QLineEdit *ConnectionForm::AddEdit(QGridLayout &grid, DString const &key, char c
         if (key != "name" && key != "password" && isPasted && TakePasted(now))
             return;
         take(now);
+        if (key == "user" || key == "key")
+            SuggestSecretPlace();
         Suggest();
         if (auto const row = m_rows.find(key); row != m_rows.end())
             ShowFault(row->second, {});
@@ -194,6 +198,8 @@ void ConnectionForm::AddField(QGridLayout &grid, ConnectionField const &field) {
     auto const take = [this, key](DString const &text) { m_draft.SetText(key, text); };
     if (field.rule != ConnectionField::Rule::Choice) {
         QLineEdit *const edit = AddEdit(grid, key, field.label, m_draft.Text(key), isRare, take);
+        if (key == "dsn")
+            edit->setPlaceholderText(Shown(kSourceHint));
         if (TakesAddress(field)) {
             edit->setPlaceholderText(Shown(kPasteHint));
             // Later: the field that is left would be gone before it has told all of that.
@@ -238,6 +244,7 @@ void ConnectionForm::AddSecretRows(QGridLayout &grid) {
         m_draft.secret = static_cast<SecretPlace>(places->currentData().toInt());
         ShowSecretPlace();
     });
+    connect(places, &QComboBox::activated, this, [this] { m_isSecretPlaceOwn = true; });
     bool const isStore = m_draft.Kind() == ConnectionKind::ObjectStore;
     m_password =
         AddEdit(grid, "password", isStore ? Mark("Secret key") : Mark("Password"), {}, false, [](DString const &) {});
@@ -274,6 +281,15 @@ void ConnectionForm::ShowSecretPlace() {
     m_move->setVisible(isInDefinition);
 }
 
+void ConnectionForm::SuggestSecretPlace() {
+    bool const isNamed = !m_draft.Text("user").empty() || !m_draft.Text("key").empty();
+    bool const hasNoProfile = m_draft.Kind() == ConnectionKind::ObjectStore && m_draft.Text("profile").empty();
+    bool const isWithout =
+        m_draft.secret == SecretPlace::None || (m_draft.secret == SecretPlace::Profile && hasNoProfile);
+    if (!m_isSecretPlaceOwn && isNamed && isWithout)
+        SetSecretPlace(SecretPlace::Keyring);
+}
+
 void ConnectionForm::ShowService() {
     if (m_draft.Kind() != ConnectionKind::ObjectStore)
         return;
@@ -282,9 +298,12 @@ void ConnectionForm::ShowService() {
     bool const hasProfiles = service.empty() || service == kWithProfiles || !m_draft.Text("profile").empty();
     profile.label->setVisible(hasProfiles);
     profile.control->setVisible(hasProfiles);
-    Row const &key = m_rows["key"];
-    key.label->setText(service == kOfAccounts ? Shown("Account") : Shown("Key ID"));
-    key.control->setAccessibleName(key.label->text());
+    bool const hasAccounts = service == kOfAccounts;
+    for (auto const &[field, label] : {std::pair{"key", hasAccounts ? Shown("Account") : Shown("Key ID")},
+                                       std::pair{"bucket", hasAccounts ? Shown("Container") : Shown("Bucket")}}) {
+        m_rows[field].label->setText(label);
+        m_rows[field].control->setAccessibleName(label);
+    }
 }
 
 void ConnectionForm::AddFold(QGridLayout &grid) {
@@ -328,6 +347,8 @@ void ConnectionForm::Suggest() {
         return;
     m_draft.name = SuggestedName(m_draft.ToConnection());
     static_cast<QLineEdit *>(m_rows["name"].control)->setText(ToQString(m_draft.name));
+    if (!m_draft.name.empty())
+        ShowFault(m_rows["name"], {});
 }
 
 bool ConnectionForm::TakePasted(DString const &text) {
@@ -343,6 +364,7 @@ bool ConnectionForm::TakePasted(DString const &text) {
         m_password->setText(ToQString(pasted->secret.Reveal()));
     }
     Build();
+    SuggestSecretPlace();
     Suggest();
     Control("name")->setFocus();
     Q_EMIT KindPasted();

@@ -67,6 +67,8 @@ private:
     void AddFold(QGridLayout &grid);
     void SetSecretPlace(SecretPlace place);
     void ShowSecretPlace();
+    /// Whoever names a user or a key is asked for its secret, unless somebody has said where that is.
+    void SuggestSecretPlace();
     /// Of a store: fields that only some of them have.
     void ShowService();
     void ShowRare(bool isShown);
@@ -77,7 +79,8 @@ private:
     static void ShowFault(Row &row, DString const &words);
 
     ConnectionDraft m_draft;
-    bool m_isNameOwn = false; ///< typed, or that of a connection that is there
+    bool m_isNameOwn = false;        ///< typed, or that of a connection that is there
+    bool m_isSecretPlaceOwn = false; ///< chosen, or that of a connection that is there
     bool m_wasInDefinition = false;
     std::map<DString, Row> m_rows;
     std::vector<QWidget *> m_focusOrder;

@@ -216,13 +216,14 @@ struct Form {
     std::string_view root;
     std::string_view body; ///< a child that each has
     void (*read)(XMLNode const &root, Reading &reading);
+    std::string_view foreign{}; ///< what lies in the body of another service's: servers of one ignore what is asked for
 };
 constexpr Form kForms[] = {
     {Service::Wms, "WMS_Capabilities", "Capability", &ReadWms},
     {Service::Wms, "WMT_MS_Capabilities", "Capability", &ReadWms},
-    {Service::Wmts, "Capabilities", "Contents", &ReadWmts},
+    {Service::Wmts, "Capabilities", "Contents", &ReadWmts, "CoverageSummary"},
     {Service::Wcs, "WCS_Capabilities", "ContentMetadata", &ReadWcs},
-    {Service::Wcs, "Capabilities", "Contents", &ReadWcs},
+    {Service::Wcs, "Capabilities", "Contents", &ReadWcs, "TileMatrixSet"},
     {Service::Wfs, "WFS_Capabilities", "FeatureTypeList", &ReadWfs},
 };
 
@@ -286,7 +287,9 @@ std::optional<Capabilities> ReadCapabilities(Service service, std::string_view a
     if (DString const refusal = RefusalIn(root); !refusal.empty())
         return refuse("the server says: " + refusal, Cause::Server);
     auto const *const form = std::ranges::find_if(kForms, [&](Form const &known) {
-        return known.service == service && known.root == name && ChildOf(&root, known.body) != nullptr;
+        XMLNode const *const body = ChildOf(&root, known.body);
+        return known.service == service && known.root == name && body != nullptr &&
+               (known.foreign.empty() || ChildOf(body, known.foreign) == nullptr);
     });
     if (form == std::end(kForms))
         return refuse(DString("the address answers with \"") + name.substr(0, kLongestLine) +
