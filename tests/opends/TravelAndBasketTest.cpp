@@ -172,7 +172,7 @@ TEST(Baskets, KeepOrderAndTakeNothingTwice) {
     };
     for (Inside const &row : {Inside{"NETCDF:\"/a/b c/d.nc\":t/u", "d.nc:t/u", "/a/b c"},
                               Inside{"HDF5:\"/d.h5\"://w/image", "d.h5://w/image", "/"},
-                              Inside{"GTIFF_DIR:2:/a/s.tif", "s.tif (GTIFF_DIR:2)", "/a"}}) {
+                              Inside{"GTIFF_DIR:2:/a/s.tif", "s.tif (2)", "/a"}}) {
         EXPECT_EQ(EntryOf(row.moniker).name, row.name);
         EXPECT_EQ(EntryOf(row.moniker).place, row.place);
     }

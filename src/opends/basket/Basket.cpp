@@ -25,8 +25,9 @@ void NameInside(BasketEntry &entry, DString const &text, std::size_t root) {
     std::size_t const slash = text.rfind('/', isQuoted ? text.find('"', root) : DString::npos);
     entry.name = text.substr(slash + 1);
     std::erase(entry.name, '"');
-    if (!isQuoted) // the page stands before the path
-        entry.name += " (" + text.substr(0, root - 1) + ")";
+    std::size_t const inside = text.find(':') + 1; // a page stands before the path
+    if (std::size_t const end = text.rfind(':', root); inside < end)
+        entry.name += " (" + text.substr(inside, end - inside) + ")";
     entry.place = text.substr(root, std::max<std::size_t>(slash - root, 1));
 }
 
