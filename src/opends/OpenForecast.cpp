@@ -273,7 +273,7 @@ bool OpenForecast::Ask(QWidget &dialog, DString const &said, DString const &reas
     question.setObjectName(kQuestion);
     question.setTextFormat(Qt::PlainText);
     question.setInformativeText(platform::Shown("Open anyway?"));
-    question.setDetailedText(platform::ToQString(reason));
+    question.setDetailedText(ShownReason(reason));
     question.setDefaultButton(QMessageBox::No);
     return platform::RunModal(question) == QMessageBox::Yes;
 }
