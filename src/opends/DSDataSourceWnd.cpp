@@ -1,7 +1,7 @@
 #include "zelvar/opends/DSDataSourceWnd.h"
 
-#include "zelvar/base/Report.h"
 #include "zelvar/model/ListingsShared.h"
+#include "zelvar/opends/AccessRefusal.h"
 #include "zelvar/opends/DSListCtrl.h"
 #include "zelvar/opends/DSMessages.h"
 #include "zelvar/opends/DataSourceList.h"
@@ -102,7 +102,7 @@ void DSDataSourceWnd::OnDataItemDblClick() {
         return;
     DataSourceItem &entered = *items.front();
     if (!entered.CheckItemAccess()) {
-        Report::UserNotification("Cannot access %s", entered.GetPath().c_str());
+        TellNoAccess(entered.GetPath());
         return;
     }
     if (entered.GetDataSourceType() == DataSourceItem::DST_NONE) {

@@ -4,6 +4,7 @@
 #include "zelvar/data/RequestScope.h"
 #include "zelvar/model/ListingsShared.h"
 #include "zelvar/model/TemplDataSourceItem.h"
+#include "zelvar/opends/AccessRefusal.h"
 #include "zelvar/opends/DSDataSourceWnd.h"
 #include "zelvar/opends/DSListCtrl.h"
 #include "zelvar/opends/DSMessages.h"
@@ -44,7 +45,7 @@ namespace {
 bool CanShow(std::list<RefItemPtr<DataSourceItem>> const &items) {
     if (items.size() != 1 || items.front()->CheckItemAccess())
         return true;
-    Report::UserNotification("Cannot access %s", items.front()->GetPath().c_str());
+    TellNoAccess(items.front()->GetPath());
     return false;
 }
 

@@ -1,6 +1,6 @@
 #include "zelvar/opends/HierarchyList.h"
 
-#include "zelvar/base/Report.h"
+#include "zelvar/opends/AccessRefusal.h"
 #include "zelvar/opends/DSListCtrl.h"
 #include "zelvar/opends/DSMessages.h"
 #include "zelvar/platform/ui/ControlId.h"
@@ -231,7 +231,7 @@ void HierarchyList::OnDataItemDblClick(platform::MessageParam windowId) {
     if (items.empty() || GetPane(pane)->WasDblClckBesideRows())
         return;
     if (!items.front()->CheckItemAccess()) {
-        Report::UserNotification("Cannot access %s", items.front()->GetPath().c_str());
+        TellNoAccess(items.front()->GetPath());
         return;
     }
     ResetDataSources(items);

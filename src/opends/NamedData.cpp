@@ -6,8 +6,8 @@
 #include "zelvar/controls/GUITools.h"
 #include "zelvar/data/BDIMoniker.h"
 #include "zelvar/data/RequestScope.h"
-#include "zelvar/model/OpenOutcome.h"
 #include "zelvar/model/PlaceResolver.h"
+#include "zelvar/opends/AccessRefusal.h"
 #include "zelvar/opends/DSListCtrl.h"
 #include "zelvar/opends/PlaceOpener.h"
 #include "zelvar/platform/ui/EscapeWatch.h"
@@ -130,10 +130,7 @@ void NamedData::Take(QMimeData const &data) {
     DError error;
     if (Show(names, &error) || names.empty())
         return;
-    if (error.IsSet())
-        Report::UserNotification("Cannot access '%s' path: %s", names.front().c_str(), CauseInWords(error).c_str());
-    else
-        Report::UserNotification("Cannot access '%s' path", names.front().c_str());
+    TellNoPath(names.front(), error);
 }
 
 bool NamedData::eventFilter(QObject *watched, QEvent *event) {

@@ -28,6 +28,9 @@ constexpr int kSlow = 300;                           // ms
 constexpr std::chrono::milliseconds kStep{10};       // of a wait
 constexpr std::chrono::milliseconds kPatience{3000}; // of somebody who has pressed OK
 
+/// In sentences, as lists show it.
+DString Shown(DString const &name) { return platform::ToDString(platform::ToShownName(name)); }
+
 std::uint64_t MemoryOfComputer() {
     long const pages = sysconf(_SC_PHYS_PAGES);
     long const size = sysconf(_SC_PAGESIZE);
@@ -68,7 +71,7 @@ bool OpenForecast::event(QEvent *event) { return m_messages.Dispatch(*event) || 
 OpenForecast::Item OpenForecast::NewItem(DataSourceItem const &item) const {
     Item made{
         .subject = {.path = item.GetPath(), .driverId = item.GetRDIDriverId(), .options = m_setup.optionsOf(item)}};
-    made.facts.name = item.GetName();
+    made.facts.name = Shown(item.GetName());
     made.facts.fileSize = item.GetFileSize();
     if (auto const *const series = dynamic_cast<SeriesItem const *>(&item)) {
         if (series->MemberCount() != series->Series().Slots())
@@ -228,7 +231,7 @@ void OpenForecast::SayUnlisted(DString const &place, DError const &why) {
     facts.error = why;
     OpenOutcome outcome = why.IsSet() ? OutcomeOf(facts, {.image = true}, 0) : OpenOutcome();
     if (!outcome.text.empty())
-        outcome.text = place + ": " + outcome.text;
+        outcome.text = Shown(place) + ": " + outcome.text;
     if (m_selected == 0 && (outcome.text != m_outcome.text || outcome.reason != m_outcome.reason))
         SetOutcome(outcome);
 }
@@ -270,7 +273,7 @@ bool OpenForecast::Ask(QWidget &dialog, DString const &said, DString const &reas
     question.setObjectName(kQuestion);
     question.setTextFormat(Qt::PlainText);
     question.setInformativeText(platform::Shown("Open anyway?"));
-    question.setDetailedText(platform::ToQString(reason));
+    question.setDetailedText(ShownReason(reason));
     question.setDefaultButton(QMessageBox::No);
     return platform::RunModal(question) == QMessageBox::Yes;
 }
@@ -305,11 +308,11 @@ bool OpenForecast::MayAccept(QWidget &dialog, std::vector<Gathered> const &gathe
     std::vector<OpenFacts> looked = finder->Take();
     finder->Release();
     for (std::size_t i = 0; i < looked.size(); ++i) {
-        looked[i].name = gathered[i].name;
+        looked[i].name = Shown(gathered[i].name);
         looked[i].fileSize = gathered[i].bytes;
     }
     OpenOutcome const outcome = OutcomeOf(looked, gathered.size(), m_setup.wish, m_memory);
-    DString const name = gathered.size() == 1 ? gathered.front().name + ": " : DString();
+    DString const name = gathered.size() == 1 ? Shown(gathered.front().name) + ": " : DString();
     return !isEnded && (outcome.isUsable || Ask(dialog, name + outcome.text, outcome.reason));
 }
 

@@ -12,6 +12,13 @@
 
 namespace zelvar {
 
+QString ShownReason(DString const &reason) {
+    QStringList lines = platform::ToQString(reason).split('\n');
+    for (QString &line : lines)
+        line = platform::ToShownName(platform::ToDString(line));
+    return lines.join('\n');
+}
+
 OpenLine::OpenLine(QWidget *parent)
     : QWidget(parent), m_sign(new QLabel(this)), m_label(new platform::EllipsisLabel(this)),
       m_drivers(new CZelComboBox(this)) {
@@ -35,8 +42,8 @@ OpenLine::OpenLine(QWidget *parent)
 void OpenLine::Show(OpenOutcome const &outcome) {
     QString const text = platform::ToQString(outcome.text);
     m_label->SetText(text);
-    m_label->setToolTip(
-        outcome.reason.empty() ? QString() : platform::ToToolTip(text + "\n" + platform::ToQString(outcome.reason)));
+    m_label->setToolTip(outcome.reason.empty() ? QString()
+                                               : platform::ToToolTip(text + "\n" + ShownReason(outcome.reason)));
     if (outcome.isUsable == m_sign->isHidden())
         return;
     int const side = fontMetrics().height();

@@ -17,6 +17,9 @@ namespace platform {
 class EllipsisLabel;
 }
 
+/// What a driver says is wrong, for showing: each line as lists show names, since it holds some.
+[[nodiscard]] QString ShownReason(DString const &reason);
+
 /// The line that says what OK will do: a sign for what is not usable, one line of words with the whole in its tip, and,
 /// where several drivers could read what is selected, a choice among them. User-interface thread.
 class OpenLine : public QWidget {

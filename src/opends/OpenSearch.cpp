@@ -13,6 +13,7 @@
 #include "zelvar/platform/ui/Text.h"
 
 #include <QtGui/QAccessible>
+#include <QtWidgets/QComboBox>
 #include <QtWidgets/QLineEdit>
 
 #include <algorithm>
@@ -196,7 +197,10 @@ bool OpenSearch::Again() {
 }
 
 bool OpenSearch::GoToResults(QWidget const &focus) {
-    if (!IsShown() || &focus != m_form->Name() || m_items.GetNumRow() == 0)
+    // In a box the key chooses.
+    bool const isOfForm =
+        IsShown() && m_form->isAncestorOf(&focus) && qobject_cast<QComboBox const *>(&focus) == nullptr;
+    if (!isOfForm || m_items.GetNumRow() == 0)
         return false;
     m_items.setFocus(Qt::TabFocusReason);
     if (m_items.GetFocusRow() < 0) {

@@ -4,8 +4,8 @@
 #include "zelvar/data/RequestScope.h"
 #include "zelvar/model/ListingWalk.h"
 #include "zelvar/model/NtwDataSourceItem.h"
-#include "zelvar/model/OpenOutcome.h"
 #include "zelvar/model/PlaceResolver.h"
+#include "zelvar/opends/AccessRefusal.h"
 #include "zelvar/platform/ui/EscapeWatch.h"
 
 #include <chrono>
@@ -55,10 +55,7 @@ PlaceFinder::Item PlaceFinder::FindBelow(Item const &container, DString const &p
 }
 
 void PlaceFinder::Refuse(DString const &path, DError const &error) const {
-    if (error.IsSet() && m_givesCause)
-        Report::UserNotification("Cannot access '%s' path: %s", path.c_str(), CauseInWords(error).c_str());
-    else
-        Report::UserNotification("Cannot access '%s' path", path.c_str());
+    TellNoPath(path, m_givesCause ? error : DError());
 }
 
 void PlaceFinder::Show(Item const &item) const {

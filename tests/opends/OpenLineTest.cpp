@@ -110,16 +110,19 @@ TEST_F(OpenLines, TellOfASeriesWhatItsFilesDifferIn) {
 }
 
 TEST_F(OpenLines, LetOkAskOnceAboutWhatIsNotUsable) {
+    EXPECT_EQ(ShownReason("a\u202Eb\n\nc\x1B"), "a\\u202Eb\n\nc\\x1B");
+    DString const odd = "odd\u202E.txt"; // turns what stands behind it
+    folder.Write(odd, "text");
     for (auto const answer : {QMessageBox::No, QMessageBox::Yes}) {
         DialogPtr const dialog = Make();
         int const result = Run(*dialog, "notes.txt", [&] {
             auto *const ok = GetDlgItem<QPushButton>(*dialog, kOkId);
             Select(*dialog, {"grey.tif"});
             ASSERT_TRUE(Eventually([&] { return ok->isEnabled(); }));
-            Select(*dialog, {"notes.txt"}); // and at once, before anything is known of it
+            Select(*dialog, {odd}); // and at once, before anything is known of it
             auto const asked = OnNextDialog([&](QWidget &question) {
                 auto &box = dynamic_cast<QMessageBox &>(question);
-                EXPECT_THAT(box.text().toStdString(), StartsWith("notes.txt: cannot be opened: "));
+                EXPECT_THAT(box.text().toStdString(), StartsWith("odd\\u202E.txt: cannot be opened: "));
                 EXPECT_EQ(box.defaultButton(), box.button(QMessageBox::No));
                 Click(box.button(answer));
             });

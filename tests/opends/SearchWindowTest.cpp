@@ -231,6 +231,9 @@ TEST_F(SearchWindow, FactsAreAskedForAndWhatIsWrongWithThemIsSaid) {
         EXPECT_TRUE(Ends());
         EXPECT_THAT(Column(0), testing::UnorderedElementsAre("near wide.tif", "nearer.png"));
         EXPECT_TRUE(Line().contains("looked into")) << Line().toStdString();
+        Press(Qt::Key_Down); // from a fact as from the name
+        EXPECT_EQ(dialog->focusWidget(), &List());
+        Click(width);
         static_cast<QLineEdit *>(Field("format"))->setText("tiff");
         Choose(*static_cast<QComboBox *>(Field("kind")), 1);
         Press(Qt::Key_Return);

@@ -112,7 +112,8 @@ TEST(RecentPlacesOfAKind, AreKeptWithAllBytesOfTheirNames) {
 TEST(MonikerFiles, BringBackWhatWasWritten) {
     TempFolder folder;
     DString const file = folder / "m.txt";
-    Texts const odd{"/a/b?LAYER=x&y=%3F", "/a/line\nend", "/a/\\x41 \xFF\x01", "/a/# \"}%", "https://lab/x%20y.tif"};
+    Texts const odd{"/a/b?LAYER=x&y=%3F",    "/a/line\nend",         "/a/\\x41 \xFF\x01",   "/a/# \"}%",
+                    "https://lab/x%20y.tif", "NETCDF:\"/a/b.nc\":t", "GTIFF_DIR:2:/a/b.tif"};
     ASSERT_TRUE(WriteMonikers(file, odd));
     EXPECT_EQ(ReadMonikers(file), odd);
     EXPECT_FALSE(WriteMonikers(folder / "missing/m.txt", odd));
@@ -125,6 +126,8 @@ TEST(MonikerFiles, BringBackWhatWasWritten) {
         {"empty", "", Texts()},
         {"of another system", "\xEF\xBB\xBF/a\r\n\r\n# words\r\n/b", Texts{"/a", "/b"}},
         {"relative", "sub/x.tif\n", Texts{folder.Path() + "/sub/x.tif"}},
+        {"relative, with signs of drivers", "1: a/b\na:b/c",
+         Texts{folder.Path() + "/1: a/b", folder.Path() + "/a:b/c"}},
         {"no text", std::string("II*\0\b\0", 6), std::nullopt},
     };
     for (Case const &row : cases)
@@ -166,6 +169,17 @@ TEST(Baskets, KeepOrderAndTakeNothingTwice) {
     EXPECT_EQ(names(), "ab?X=1d");
     EXPECT_EQ(basket.Add({entry("/f/c", 2048)}), 1U) << "it is not in it any more";
     EXPECT_EQ(EntryOf("https://lab/f/x%20y.tif?A=/b").name, "x y.tif");
+    struct Inside {
+        char const *moniker;
+        char const *name;
+        char const *place;
+    };
+    for (Inside const &row : {Inside{"NETCDF:\"/a/b c/d.nc\":t/u", "d.nc:t/u", "/a/b c"},
+                              Inside{"HDF5:\"/d.h5\"://w/image", "d.h5://w/image", "/"},
+                              Inside{"GTIFF_DIR:2:/a/s.tif", "s.tif (2)", "/a"}}) {
+        EXPECT_EQ(EntryOf(row.moniker).name, row.name);
+        EXPECT_EQ(EntryOf(row.moniker).place, row.place);
+    }
 }
 
 // -------------------------------------------------------------------------------------------------- in the dialog

@@ -19,11 +19,27 @@ DString KeyOf(BasketEntry const &entry) {
     return key;
 }
 
+/// What lies inside a file, by a moniker whose path begins at `root`: no disk is asked what the driver says of it.
+void NameInside(BasketEntry &entry, DString const &text, std::size_t root) {
+    bool const isQuoted = text[root - 1] == '"';
+    std::size_t const slash = text.rfind('/', isQuoted ? text.find('"', root) : DString::npos);
+    entry.name = text.substr(slash + 1);
+    std::erase(entry.name, '"');
+    std::size_t const inside = text.find(':') + 1; // a page stands before the path
+    if (std::size_t const end = text.rfind(':', root); inside < end)
+        entry.name += " (" + text.substr(inside, end - inside) + ")";
+    entry.place = text.substr(root, std::max<std::size_t>(slash - root, 1));
+}
+
 } // namespace
 
 BasketEntry EntryOf(DString const &moniker) {
     BasketEntry entry{.monikers = {BDIMoniker(moniker, nullptr)}};
     DString const text = entry.monikers.front().GetText();
+    if (std::size_t const root = PathBehindDriver(text); root > 0) {
+        NameInside(entry, text, root);
+        return entry;
+    }
     bool const isAddress = text.find("://") != DString::npos;
     std::size_t const slash = text.rfind('/', isAddress ? text.find('?') : DString::npos);
     entry.name = isAddress ? entry.monikers.front().GetDisplayName() : text.substr(slash + 1);

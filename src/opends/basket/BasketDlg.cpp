@@ -52,6 +52,8 @@ constexpr unsigned kFlags = 3;
 
 enum Column { kName = 0, kFolder = 1, kSize = 2 };
 
+DString Shown(DString const &name) { return platform::ToDString(platform::ToShownName(name)); }
+
 FileQuestion QuestionFor(char const *title, bool saves) {
     return {.title = title,
             .kind = Mark("Lists of Monikers (*.txt)"),
@@ -70,14 +72,15 @@ public:
         AddCol(Translated("Folder"), folder, ADICol_String, LVCFMT_LEFT, false);
         AddCol(Translated("Size"), "000,000,000 KB", ADICol_String, LVCFMT_RIGHT, false);
         SetExtendedStyle(GetExtendedStyle() | LVS_EX_FULLROWSELECT | LVS_EX_LABELTIP);
+        ModifyStyle(0, LVS_SHOWSELALWAYS); // what the buttons act on is seen from them, too
         setAccessibleName(platform::Shown("Basket"));
     }
     DString OnGetItemText(int row, int col) override {
         BasketEntry const &entry = m_basket.All()[static_cast<std::size_t>(row)];
         if (col == kName)
-            return platform::ToDString(platform::ToShownName(entry.name));
+            return Shown(entry.name);
         if (col == kFolder)
-            return platform::ToDString(platform::ToShownName(entry.place));
+            return Shown(entry.place);
         return entry.bytes < 0 ? DString() : FormatFileSize(entry.bytes);
     }
 
@@ -216,7 +219,7 @@ void BasketDlg::Save() {
         return;
     GUITools::WaitCursor const cursor;
     if (!m_basket.Save(*path))
-        Report::UserNotification(Translated("The basket could not be written to '%s'"), path->c_str());
+        Report::UserNotification(Translated("The basket could not be written to '%s'"), Shown(*path).c_str());
 }
 
 void BasketDlg::Load() {
@@ -228,7 +231,7 @@ void BasketDlg::Load() {
     if (m_basket.Load(*path))
         Show({}, before);
     else
-        Report::UserNotification(Translated("'%s' is no list of monikers"), path->c_str());
+        Report::UserNotification(Translated("'%s' is no list of monikers"), Shown(*path).c_str());
 }
 
 } // namespace zelvar

@@ -5,6 +5,7 @@
 #include "zelvar/base/Report.h"
 
 #include <algorithm>
+#include <cctype>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -16,10 +17,22 @@ namespace {
 constexpr std::uintmax_t kMostBytes = std::uintmax_t{64} << 20U;
 
 bool IsFromRoot(std::string_view moniker) {
-    return moniker.starts_with('/') || moniker.find("://") != std::string_view::npos;
+    return moniker.starts_with('/') || moniker.find("://") != std::string_view::npos || PathBehindDriver(moniker) > 0;
 }
 
+/// A word, with others before it.
+bool IsOfDriver(char sign) { return std::isalnum(static_cast<unsigned char>(sign)) != 0 || sign == '_' || sign == ':'; }
+
 } // namespace
+
+std::size_t PathBehindDriver(std::string_view moniker) {
+    std::size_t const root = std::min(moniker.find('/'), moniker.size());
+    std::string_view driver = moniker.substr(0, root);
+    if (driver.ends_with('"'))
+        driver.remove_suffix(1);
+    bool const isAddress = moniker.substr(root).starts_with("//");
+    return !isAddress && driver.ends_with(':') && std::ranges::all_of(driver, IsOfDriver) ? root : 0;
+}
 
 bool WriteMonikers(DString const &path, std::vector<DString> const &monikers) {
     AtomicFile file(path);

@@ -2,7 +2,9 @@
 
 #include "zelvar/base/DString.h"
 
+#include <cstddef>
 #include <optional>
+#include <string_view>
 #include <vector>
 
 namespace zelvar {
@@ -15,5 +17,9 @@ namespace zelvar {
 [[nodiscard]] bool WriteMonikers(DString const &path, std::vector<DString> const &monikers);
 /// Nothing for a file that cannot be read, has more than 64 MB, or holds a zero byte, as no text does.
 [[nodiscard]] std::optional<std::vector<DString>> ReadMonikers(DString const &path);
+
+/// Where the path begins in a moniker as drivers write those of what lies inside a file, `NAME:"/path":inside` or
+/// `NAME:1:/path`; 0 for any other. Looks at no disk.
+[[nodiscard]] std::size_t PathBehindDriver(std::string_view moniker);
 
 } // namespace zelvar

@@ -10,6 +10,9 @@ namespace zelvar::platform {
 
 namespace {
 
+/// Of what is shown in a line: longer than a path can be. A text of a megabyte takes seconds to measure.
+constexpr qsizetype kMostShown = 4096;
+
 /// Marks that are characters of a direction and turn nothing else, U+200E and U+200F, stay: names in Hebrew have them.
 bool MisleadsReader(QChar character) {
     char16_t const code = character.unicode();
@@ -22,7 +25,9 @@ bool MisleadsReader(QChar character) {
 QString ToQString(std::string_view text) { return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())); }
 
 QString ToShownName(std::string_view name) {
-    QString const text = ToQString(name);
+    QString text = ToQString(name);
+    if (text.size() > kMostShown)
+        text.replace(kMostShown, text.size(), QChar(0x2026));
     if (std::ranges::none_of(text, MisleadsReader))
         return text;
     QString shown;

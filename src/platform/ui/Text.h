@@ -12,8 +12,8 @@ namespace zelvar::platform {
 [[nodiscard]] ZELVAR_API QString ToQString(std::string_view text);
 
 /// The name of a file or of what lies in one, or its path, for showing in a line: control characters, ends of lines and
-/// what turns the direction of the characters behind it are written as \xHH and \uHHHH. Otherwise a name could read as
-/// another one.
+/// what turns the direction of the characters behind it are written as \xHH and \uHHHH, as a name could read as another
+/// one otherwise. What is longer than any path is cut.
 [[nodiscard]] ZELVAR_API QString ToShownName(std::string_view name);
 
 /// A text of the library in the user's language, for showing: see `Translated`.
