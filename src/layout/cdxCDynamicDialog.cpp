@@ -12,6 +12,14 @@ namespace zelvar {
 namespace {
 constexpr int kOkId = 1;
 constexpr int kCancelId = 2;
+
+bool IsReturn(QKeyEvent const &event) { return event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter; }
+
+/// One that stays down is no such button.
+QPushButton *FocusedButton(QWidget const &dialog) {
+    auto *const button = qobject_cast<QPushButton *>(dialog.focusWidget());
+    return button == nullptr || !button->hasFocus() || button->isCheckable() ? nullptr : button;
+}
 } // namespace
 
 cdxCDynamicDialog::cdxCDynamicDialog(unsigned templateId, QWidget *parent, Freedom freedom, unsigned flags)
@@ -53,6 +61,14 @@ bool cdxCDynamicDialog::OnInitDialog() {
     return DynamicHost::OnInitDialog();
 }
 
+void cdxCDynamicDialog::keyPressEvent(QKeyEvent *event) {
+    QPushButton *const button = IsReturn(*event) ? FocusedButton(*this) : nullptr;
+    if (button != nullptr)
+        button->click();
+    else
+        DynamicHost::keyPressEvent(event);
+}
+
 cdxCDynamicChildDlg::cdxCDynamicChildDlg(unsigned templateId, QWidget *parent, Freedom freedom, unsigned flags)
     : cdxCDynamicDialog(templateId, parent, freedom, flags) {
     BecomeChild();
@@ -88,10 +104,11 @@ void cdxCDynamicChildDlg::done(int result) {
 }
 
 void cdxCDynamicChildDlg::keyPressEvent(QKeyEvent *event) {
-    bool const isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-    QList<QPushButton *> const buttons = isReturn ? findChildren<QPushButton *>() : QList<QPushButton *>();
-    if (isWindow() || std::ranges::any_of(buttons, [](QPushButton const *b) { return b->isDefault(); }))
-        QDialog::keyPressEvent(event);
+    QList<QPushButton *> const buttons = IsReturn(*event) ? findChildren<QPushButton *>() : QList<QPushButton *>();
+    bool const isOwn = isWindow() || FocusedButton(*this) != nullptr ||
+                       std::ranges::any_of(buttons, [](QPushButton const *b) { return b->isDefault(); });
+    if (isOwn)
+        cdxCDynamicDialog::keyPressEvent(event);
     else
         QWidget::keyPressEvent(event); // goes on to the window around
 }

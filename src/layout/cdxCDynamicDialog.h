@@ -31,6 +31,8 @@ public:
 
 protected:
     bool OnInitDialog() override;
+    /// Return presses the button that has the focus, of whatever kind of dialog; elsewhere the default button.
+    void keyPressEvent(QKeyEvent *event) override;
     virtual void OnOK() { QDialog::accept(); }     ///< the template's control with id 1 was pressed
     virtual void OnCancel() { QDialog::reject(); } ///< that with id 2, Escape, or the frame's close button
 };

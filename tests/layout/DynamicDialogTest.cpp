@@ -212,6 +212,17 @@ TEST_F(DynamicDialogTest, WithoutFreedomTheSizeStays) {
     EXPECT_EQ(again.height(), again.m_szInitial.cy);
 }
 
+TEST_F(DynamicDialogTest, ReturnPressesTheButtonThatHasTheFocusElseTheDefaultOne) {
+    for (auto const &[focused, result] : {std::pair{3, QDialog::Accepted}, {2, QDialog::Rejected}}) {
+        TestDialog dialog(kTemplate);
+        dialog.show();
+        dialog.setResult(-1);
+        platform::GetDlgItem(dialog, focused)->setFocus();
+        QTest::keyClick(platform::GetDlgItem(dialog, focused), Qt::Key_Return);
+        EXPECT_EQ(dialog.result(), result) << focused;
+    }
+}
+
 TEST_F(DynamicDialogTest, AChildDialogFillsItsPlaceInTheParent) {
     QDialog parent;
     parent.resize(300, 300);
