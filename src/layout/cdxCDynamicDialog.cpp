@@ -18,7 +18,7 @@ bool IsReturn(QKeyEvent const &event) { return event.key() == Qt::Key_Return || 
 /// One that stays down is no such button.
 QPushButton *FocusedButton(QWidget const &dialog) {
     auto *const button = qobject_cast<QPushButton *>(dialog.focusWidget());
-    return button == nullptr || !button->hasFocus() || button->isCheckable() ? nullptr : button;
+    return button == nullptr || button->isCheckable() ? nullptr : button;
 }
 } // namespace
 

@@ -27,7 +27,8 @@ struct Kept {
 bool TakeTurn(DString const &folder, std::chrono::hours every) {
     DString const path = folder + "/" + kStamp;
     struct stat state {};
-    std::int64_t const now = time(nullptr);
+    // time() may lag behind the stamps of files by a tick, which reads as a second.
+    std::int64_t const now = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
     std::int64_t const pause = std::chrono::duration_cast<std::chrono::seconds>(every).count();
     bool const isKnown = stat(path.c_str(), &state) == 0;
     // One from the future is of a clock that was wrong.
