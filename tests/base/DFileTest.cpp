@@ -1,13 +1,11 @@
 #include "zelvar/base/DFile.h"
 
-#include "support/Test.h"
+#include "support/Processes.h"
 #include "zelvar/base/DFileFind.h"
 #include "zelvar/base/DFileFrmt.h"
 
-#include <csignal>
 #include <filesystem>
 
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -66,14 +64,10 @@ TEST(DFile, WritingKeepsModeAndLinkAndLeavesNothingBeside) {
 TEST(DFile, AFullDiskLeavesTheFormerFileWhole) {
     test::TempFolder const folder;
     DString const path = folder.Write("file", "former");
-    rlimit former{};
-    getrlimit(RLIMIT_FSIZE, &former);
-    auto *const handler = std::signal(SIGXFSZ, SIG_IGN);
-    rlimit const small{.rlim_cur = 1000, .rlim_max = former.rlim_max};
-    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
-    bool const written = DFile(path).WriteAtomically(DString(5000, 'x'));
-    setrlimit(RLIMIT_FSIZE, &former);
-    std::ignore = std::signal(SIGXFSZ, handler);
+    bool const written = [&] {
+        test::FullDisk const full(1000);
+        return DFile(path).WriteAtomically(DString(5000, 'x'));
+    }();
     EXPECT_FALSE(written);
     EXPECT_EQ(test::ReadFile(path), "former");
     EXPECT_EQ(DFileFind(folder.Path(), "*", true, true, false, true, 0).GetFiles().size(), 1U);

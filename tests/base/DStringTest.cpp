@@ -58,26 +58,24 @@ TEST(DString, NumbersBeyondAllMeasureAreWrittenToo) {
 }
 
 TEST(DString, ValidUtf8IsKeptAndTheRestReplacedByteByByte) {
-    struct Case {
-        std::string_view bytes;
-        int replaced; ///< -1: kept as it is
-    };
-    // The first and last of each length, surrogates, what is cut off, what is never a byte of UTF-8.
-    for (Case const &c : {Case{"\xF4\x8F\xBF\xBF", -1},
-                          {"\xF4\x90\x80\x80", 4},
-                          {"\xC1\xA1", 2},
-                          {"\xE0\x9F\xBF", 3},
-                          {"\xF0\x8F\xBF\xBF", 4},
-                          {"\xED\x9F\xBF", -1},
-                          {"\xE2", 1},
-                          {"\xE2\x82", 2},
-                          {"\xF0\x9F\x98", 3},
-                          {"\x80", 1},
-                          {"\xFE\xFF", 2}}) {
-        DString expected(c.replaced < 0 ? c.bytes : "");
-        for (int i = 0; i < c.replaced; ++i)
+    // The first and last of each length, surrogates, what is cut off, what is never a byte of UTF-8; -1 where all is
+    // kept as it is.
+    test::Rows<std::string_view, int> const cases = {{"\xF4\x8F\xBF\xBF", -1},
+                                                     {"\xF4\x90\x80\x80", 4},
+                                                     {"\xC1\xA1", 2},
+                                                     {"\xE0\x9F\xBF", 3},
+                                                     {"\xF0\x8F\xBF\xBF", 4},
+                                                     {"\xED\x9F\xBF", -1},
+                                                     {"\xE2", 1},
+                                                     {"\xE2\x82", 2},
+                                                     {"\xF0\x9F\x98", 3},
+                                                     {"\x80", 1},
+                                                     {"\xFE\xFF", 2}};
+    for (auto const &[bytes, replaced] : cases) {
+        DString expected(replaced < 0 ? bytes : "");
+        for (int i = 0; i < replaced; ++i)
             expected += "\xEF\xBF\xBD";
-        EXPECT_EQ(ToValidUtf8(c.bytes), expected) << EscapeToUtf8(c.bytes);
+        EXPECT_EQ(ToValidUtf8(bytes), expected) << EscapeToUtf8(bytes);
     }
 }
 

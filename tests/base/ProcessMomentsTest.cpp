@@ -1,18 +1,12 @@
 #include "zelvar/base/ProcessMoments.h"
 
-#include "support/Test.h"
-
-#include <sys/wait.h>
-#include <unistd.h>
+#include "support/Processes.h"
 
 namespace zelvar {
 namespace {
 
 void Fork() {
-    pid_t const child = fork();
-    if (child == 0)
-        _exit(0);
-    waitpid(child, nullptr, 0);
+    std::ignore = test::StatusOf(test::InChild([] { return 0; }));
 }
 
 /// A process that forks while its object is made, and while that ends.

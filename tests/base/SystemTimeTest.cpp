@@ -12,12 +12,11 @@ namespace {
 /// Runs `body` in a time zone, on a thread that knows no other zone yet.
 template <class Body>
 void InZone(char const *zone, Body const &body) {
-    char const *former = std::getenv("TZ");
-    std::string const kept = former == nullptr ? "UTC" : former;
-    setenv("TZ", zone, 1);
-    tzset();
-    std::thread(body).join();
-    setenv("TZ", kept.c_str(), 1);
+    {
+        test::Environment const there{{{"TZ", zone}}};
+        tzset();
+        std::thread(body).join();
+    }
     tzset();
 }
 

@@ -7,7 +7,6 @@
 
 #include <QtGui/QAccessible>
 #include <QtTest/QSignalSpy>
-#include <QtWidgets/QMenu>
 
 namespace zelvar {
 namespace {

@@ -1,4 +1,5 @@
 #include "support/GuiTest.h"
+#include "support/Ink.h"
 #include "zelvar/controls/CZelColorComboBox.h"
 #include "zelvar/controls/CZelImageList.h"
 #include "zelvar/controls/CZelImgComboBox.h"
@@ -25,13 +26,10 @@ TEST(CZelComboBox, FindsByStartInAnyCaseAndGoesRound) {
     EXPECT_EQ(combo.GetCurSel(), 2);
 }
 
-int ColorsIn(QImage const &picture, QColor const &color) {
-    int found = 0;
-    for (int y = 0; y < picture.height(); ++y)
-        for (int x = 0; x < picture.width(); ++x)
-            found += picture.pixelColor(x, y) == color ? 1 : 0;
-    return found;
+test::Ink InkIn(QImage const &picture, QColor const &color) {
+    return test::InkOf(picture, [&](QColor const &here) { return here == color; });
 }
+int ColorsIn(QImage const &picture, QColor const &color) { return InkIn(picture, color).count; }
 
 struct Pictures {
     Pictures() {
@@ -69,17 +67,6 @@ TEST(CZelImgComboBox, TheFieldShowsTheSelectedPictureAndTheListTheOther) {
     EXPECT_EQ(ColorsIn(combo.grab().toImage(), QColor(0, 250, 0)), 0);
 }
 
-/// The columns, of those in that colour, next to both edges.
-std::pair<int, int> ColumnsOf(QImage const &picture, QColor const &color) {
-    int first = -1, last = -1;
-    for (int x = 0; x < picture.width(); ++x)
-        if (ColorsIn(picture.copy(x, 0, 1, picture.height()), color) > 0) {
-            first = first < 0 ? x : first;
-            last = x;
-        }
-    return {first, last};
-}
-
 TEST(CZelImgComboBox, EntriesOfTheListAreIndentedAtTheirStartingEdge) {
     Pictures const pictures;
     for (Qt::LayoutDirection const direction : {Qt::LeftToRight, Qt::RightToLeft}) {
@@ -96,7 +83,8 @@ TEST(CZelImgComboBox, EntriesOfTheListAreIndentedAtTheirStartingEdge) {
         QAbstractItemView &list = *combo.view();
         auto const columns = [&](int row) {
             QRect const place = list.visualRect(combo.model()->index(row, 0));
-            return ColumnsOf(list.viewport()->grab(place).toImage(), QColor(250, 0, 0));
+            QRect const red = InkIn(list.viewport()->grab(place).toImage(), QColor(250, 0, 0)).place;
+            return std::pair(red.left(), red.right());
         };
         auto const [left, right] = columns(0);
         int const step = qRound((direction == Qt::LeftToRight ? 20 : -20) * combo.devicePixelRatioF());

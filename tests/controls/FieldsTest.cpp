@@ -5,11 +5,9 @@
 #include "zelvar/controls/SliderTrack.h"
 #include "zelvar/controls/ZelSliderCtrl.h"
 
-#include <QtCore/QTimer>
 #include <QtGui/QAccessible>
 #include <QtGui/QClipboard>
 #include <QtTest/QSignalSpy>
-#include <QtWidgets/QMenu>
 #include <QtWidgets/QVBoxLayout>
 
 namespace zelvar {

@@ -5,7 +5,6 @@
 
 #include <QtGui/QScreen>
 #include <QtWidgets/QCheckBox>
-#include <QtWidgets/QComboBox>
 #include <QtWidgets/QGroupBox>
 #include <QtWidgets/QPlainTextEdit>
 

@@ -10,7 +10,6 @@
 #include <random>
 #include <thread>
 
-#include <dirent.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -168,23 +167,12 @@ TEST_F(BadInput, PipesAndDevicesAreNeverOpened) {
     EXPECT_FALSE(LookAtAll(m_folder / "image.tif"));
 }
 
-struct Trace {
-    std::int64_t size = 0;
-    std::int64_t modified = 0;
-    friend bool operator==(Trace const &, Trace const &) = default;
-};
-
-std::map<DString, Trace> TracesIn(DString const &folder) {
-    std::map<DString, Trace> traces;
-    DIR *const directory = opendir(folder.c_str());
-    while (dirent const *entry = readdir(directory)) {
-        struct stat info {};
-        stat((folder + "/" + entry->d_name).c_str(), &info);
-        if (S_ISREG(info.st_mode))
-            traces[entry->d_name] = {info.st_size,
-                                     std::int64_t{info.st_mtim.tv_sec} * 1'000'000'000 + info.st_mtim.tv_nsec};
-    }
-    closedir(directory);
+/// Size and time of each file.
+auto TracesIn(DString const &folder) {
+    std::map<DString, std::pair<std::uintmax_t, std::filesystem::file_time_type>> traces;
+    for (auto const &entry : std::filesystem::directory_iterator(folder))
+        if (entry.is_regular_file())
+            traces[entry.path().filename()] = {entry.file_size(), entry.last_write_time()};
     return traces;
 }
 

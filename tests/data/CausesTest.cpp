@@ -97,11 +97,10 @@ TEST_F(Causes, AreWhatTheFileAndItsLibrarySay) {
                                  "</VRTRasterBand></VRTDataset>"),
          Refused},
     };
-    for (Case const &c : cases) {
-        DError const error = WhyNot(c.moniker);
-        EXPECT_EQ(error.Why(), c.cause) << c.moniker << ": " << error.Text();
-        EXPECT_TRUE(c.detail < 0 ? error.Detail() < 0 : error.Detail() >= c.detail)
-            << c.moniker << ": " << error.Text();
+    for (auto const &[moniker, cause, detail] : cases) {
+        DError const error = WhyNot(moniker);
+        EXPECT_EQ(error.Why(), cause) << moniker << ": " << error.Text();
+        EXPECT_TRUE(detail < 0 ? error.Detail() < 0 : error.Detail() >= detail) << moniker << ": " << error.Text();
         EXPECT_NE(error.Detail(), 7) << "a name is no place";
     }
     ImageInfo info;
@@ -124,15 +123,9 @@ TEST_F(Causes, WhatMustNotBeReadIsNotMissing) {
 }
 
 TEST_F(Causes, ADamagedImageIsShownAsFarAsItGoes) {
-    struct Case {
-        char const *name;
-        test::ImageSpec spec;
-        int lost;  ///< bytes at the end
-        int least; ///< rows that came
-        int most;
-    };
+    // `lost`: bytes at the end; from `least` to `most`: rows that came
     auto const noise = [](int channel, int x, int y) { return x * 7919 % 251 ^ y * 104729 % 241 ^ channel * 83; };
-    std::vector<Case> const cases = {
+    test::Rows<char const *, test::ImageSpec, int, int, int> const cases = {
         {"rows.tif", {.options = {"BLOCKYSIZE=1"}, .sample = noise}, 83 * kWidth, 37, 37},
         {"last.tif", {.options = {"BLOCKYSIZE=1"}, .sample = noise}, 1, 119, 119},
         {"deep.tif", {.type = GDT_UInt16, .options = {"BLOCKYSIZE=1"}, .sample = noise}, 83 * kWidth * 2, 37, 37},
@@ -145,23 +138,23 @@ TEST_F(Causes, ADamagedImageIsShownAsFarAsItGoes) {
         {"palette.tif", {.options = {"BLOCKYSIZE=1", "PHOTOMETRIC=PALETTE"}, .sample = noise}, 83 * kWidth, 37, 37},
         {"a.png", {.channels = 3, .format = "PNG", .sample = noise}, 4000, 20, 100},
         {"a.jpg", {.channels = 3, .format = "JPEG", .sample = noise}, 2000, 20, 110}};
-    for (Case const &c : cases) {
-        SCOPED_TRACE(c.name);
-        DString const path = Image(c.name, c.spec);
+    for (auto const &[name, spec, lost, least, most] : cases) {
+        SCOPED_TRACE(name);
+        DString const path = Image(name, spec);
         DError error;
         DCanvas whole;
         RDIRowsRead read{.rows = 1, .all = 1};
         ASSERT_TRUE(ReadPreview({path, nullptr}, "", nullptr, whole, Enlarge::No, &error, &read));
         EXPECT_FALSE(error.IsSet()) << error.Text();
         EXPECT_EQ(read.all, 0);
-        Cut(path, test::ReadFile(path).size() - static_cast<std::size_t>(c.lost));
+        Cut(path, test::ReadFile(path).size() - static_cast<std::size_t>(lost));
         ImageInfo info;
         EXPECT_TRUE(ReadImageInfo({path, nullptr}, "", nullptr, info));
         DCanvas damaged;
         ASSERT_TRUE(ReadPreview({path, nullptr}, "", nullptr, damaged, Enlarge::No, &error, &read)) << error.Text();
         EXPECT_EQ(error.Why(), Damaged);
         EXPECT_EQ(error.Text(), Format("damaged: %d of 120 rows read", read.rows));
-        EXPECT_TRUE(read.rows >= c.least && read.rows <= c.most) << read.rows;
+        EXPECT_TRUE(read.rows >= least && read.rows <= most) << read.rows;
         constexpr std::size_t rowBytes = std::size_t{3} * kWidth;
         for (int row = 0; row < kHeight; ++row) {
             auto const bytes = [row](DCanvas &canvas) {
@@ -174,7 +167,7 @@ TEST_F(Causes, ADamagedImageIsShownAsFarAsItGoes) {
         EXPECT_TRUE(ReadPreview({path, nullptr}, "", nullptr, damaged, Enlarge::Yes, nullptr, &again));
         EXPECT_EQ(again.rows, read.rows);
         DHstg histogram;
-        EXPECT_FALSE(ReadHistogram({path, nullptr}, "", c.spec.channels - 1, 16, nullptr, histogram, &error));
+        EXPECT_FALSE(ReadHistogram({path, nullptr}, "", spec.channels - 1, 16, nullptr, histogram, &error));
         EXPECT_EQ(error.Why(), Damaged);
     }
 }

@@ -67,31 +67,22 @@ TEST_F(Container, OnlyFilesThatHoldSeveralThingsAreContainers) {
     m_folder.Write("garbage.tif", "II*");
     m_folder.Write("empty.zip");
     m_folder.Write("lies.tif", "PK\x03\x04 not a picture at all");
-    struct Case {
-        char const *name;
-        bool container;
-    };
-    for (Case const &c :
-         {Case{"single.tif", false}, Case{"pyramid.tif", false}, Case{"big.tif", false}, Case{"motorola.tif", false},
-          Case{"pages.tiff", true}, Case{"one.nc", false}, Case{"two.nc", true}, Case{"one.gpkg", false},
-          Case{"mixed.gpkg", true}, Case{"pictures.gpkg", true}, Case{"images.zip", true}, Case{"texts.zip", false},
-          Case{"garbage.tif", false}, Case{"empty.zip", false}, Case{"lies.tif", false}, Case{"missing.tif", false}})
-        EXPECT_EQ(IsContainer(at(c.name)), c.container) << c.name;
+    for (char const *several : {"pages.tiff", "two.nc", "mixed.gpkg", "pictures.gpkg", "images.zip"})
+        EXPECT_TRUE(IsContainer(at(several))) << several;
+    for (char const *plain : {"single.tif", "pyramid.tif", "big.tif", "motorola.tif", "one.nc", "one.gpkg", "texts.zip",
+                              "garbage.tif", "empty.zip", "lies.tif", "missing.tif"})
+        EXPECT_FALSE(IsContainer(at(plain))) << plain;
 }
 
 TEST_F(Container, GroupsAreContainersAndTreesOfTheirOwn) {
-    struct Case {
-        char const *file;
-        char const *driver;
-    };
-    for (Case const &c : {Case{"gr oups.nc", "netCDF"}, Case{"gr oups.h5", "HDF5"}}) {
-        SCOPED_TRACE(c.file);
-        DString const path = m_folder / c.file;
+    for (auto const &[file, driver] : {std::pair{"gr oups.nc", "netCDF"}, {"gr oups.h5", "HDF5"}}) {
+        SCOPED_TRACE(file);
+        DString const path = m_folder / file;
         test::WriteGroups(path);
         EXPECT_TRUE(IsContainer(path));
         OpenTree const tree(path);
         ASSERT_TRUE(tree);
-        EXPECT_EQ(tree.driver->GetId(), c.driver);
+        EXPECT_EQ(tree.driver->GetId(), driver);
         auto const only = [](std::vector<BDINode> const &nodes) { return nodes.size() == 1 ? nodes[0] : BDINode(); };
         BDINode const outer = only(tree.Children(*tree.root, BDINode_Container));
         EXPECT_EQ(outer.name, "outer");
@@ -158,17 +149,6 @@ TEST_F(Container, LayersTablesAndPicturesOfADatabaseAreToldApart) {
     EXPECT_EQ(FirstSample(layers.at(0).path), -1);
 }
 
-TEST_F(Container, VariablesOfAScientificFileAreImages) {
-    DString const path = m_folder / "two.nc";
-    test::WriteNetCdf(path, 2);
-    OpenTree const tree(path);
-    ASSERT_TRUE(tree);
-    std::vector<BDINode> const variables = tree.Children(*tree.root, BDINode_Raster);
-    ASSERT_EQ(variables.size(), 2U);
-    EXPECT_NE(variables[1].name.find("var2"), DString::npos);
-    EXPECT_EQ(FirstSample(variables[1].path), 255);
-}
-
 TEST_F(Container, AHierarchicalFileOpensByItsNodesWithTheDriverOfTheFile) {
     test::WriteNetCdf(m_folder / "two.nc", 2); // the same format under another name
     DString const path = m_folder / "two.h5";
@@ -224,7 +204,8 @@ TEST_F(Container, AnArchiveShowsItsFoldersAndTheDataInThem) {
         BDINode const file = tree.Children(inner, BDINode_Container).at(1);
         std::vector<BDINode> const variables = tree.Children(file);
         ASSERT_EQ(variables.size(), 2U);
-        EXPECT_EQ(FirstSample(variables[0].path), 255) << variables[0].path;
+        EXPECT_THAT(variables[1].name, HasSubstr("var2"));
+        EXPECT_EQ(FirstSample(variables[1].path), 255) << variables[1].path;
         EXPECT_TRUE(tree.Node(variables[0].path));
     }
 }

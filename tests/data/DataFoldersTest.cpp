@@ -5,7 +5,6 @@
 #include "zelvar/base/PathStyle.h"
 #include "zelvar/data/ImageReader.h"
 
-#include <array>
 #include <bit>
 #include <filesystem>
 

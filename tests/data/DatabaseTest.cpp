@@ -170,29 +170,23 @@ TEST_F(Database, AFailureSaysItsCause) {
     Run("create schema s; create table s.t (a int); create role guest login password 'guest';"
         "grant usage on schema s to guest; create function s.write() returns int language sql as"
         " 'insert into s.t values (1) returning a'; create view s.writes as select s.write() a");
-    struct Row {
-        std::map<DString, DString> options;
-        DString password;
-        DString place;
-        DError::Cause cause;
-        DString words;
-    };
     DString const own = test::PostgresServer::kPassword;
-    for (Row const &row :
-         {Row{{}, "wrong", "", NotPermitted, "password authentication failed for user \"zelvar\""},
-          Row{{}, "", "", NeedsPassword, "no password supplied"},
-          Row{{{"database", "nope"}}, own, "", Missing, "database \"nope\" does not exist; there are field, postgres"},
-          Row{{{"port", "1"}}, own, "", NoAnswer, "127.0.0.1:1 refuses connections"},
-          Row{{{"sslmode", "require"}}, own, "", Server, "does not support SSL"},
-          Row{{}, own, "/none", Missing, "there is no schema none"},
-          Row{{}, own, "/s/none", Missing, "there is no table s.none"},
-          Row{{}, own, "/s/t?COLUMN=r", Missing, "no such raster"},
-          Row{{}, own, "/s/t/more", Missing, "names nothing in"},
-          Row{{{"user", "guest"}}, "guest", "/s/t", NotPermitted, "may not read the table s.t"}}) {
-        Connect(row.options, row.password);
-        DError const error = WhyNotOpened(m_address + row.place);
-        EXPECT_EQ(error.Why(), row.cause) << error.Text();
-        EXPECT_THAT(error.Text(), HasSubstr(row.words));
+    for (auto const &[options, password, place, cause, words] :
+         test::Rows<std::map<DString, DString>, DString, DString, DError::Cause, DString>{
+             {{}, "wrong", "", NotPermitted, "password authentication failed for user \"zelvar\""},
+             {{}, "", "", NeedsPassword, "no password supplied"},
+             {{{"database", "nope"}}, own, "", Missing, "database \"nope\" does not exist; there are field, postgres"},
+             {{{"port", "1"}}, own, "", NoAnswer, "127.0.0.1:1 refuses connections"},
+             {{{"sslmode", "require"}}, own, "", Server, "does not support SSL"},
+             {{}, own, "/none", Missing, "there is no schema none"},
+             {{}, own, "/s/none", Missing, "there is no table s.none"},
+             {{}, own, "/s/t?COLUMN=r", Missing, "no such raster"},
+             {{}, own, "/s/t/more", Missing, "names nothing in"},
+             {{{"user", "guest"}}, "guest", "/s/t", NotPermitted, "may not read the table s.t"}}) {
+        Connect(options, password);
+        DError const error = WhyNotOpened(m_address + place);
+        EXPECT_EQ(error.Why(), cause) << error.Text();
+        EXPECT_THAT(error.Text(), HasSubstr(words));
     }
     Connect({});
     EXPECT_THAT(OpenedImage(m_address + "/s/t").error.Text(), HasSubstr("holds no raster"));

@@ -127,11 +127,13 @@ TEST_F(DriverOptionFacts, AreThoseOfTheDriverThatReadsTheData) {
 
 TEST_F(DriverOptionFacts, ReachTheDriverThatOpens) {
     DString const grid = Write("g.asc", "ncols 2\nnrows 1\nxllcorner 0\nyllcorner 0\ncellsize 1\n1 2\n");
-    for (auto const &[options, type] : test::Rows<char const *, int>{{"", RDI_Int32},
-                                                                     {"?DATATYPE=Float32", RDI_Float32},
-                                                                     {"?datatype=Float%332", RDI_Float32},
-                                                                     {"?DATATYPE=", RDI_Int32},
-                                                                     {"?NO_SUCH=1", RDI_Int32}}) {
+    for (auto const &[options, type] :
+         test::Rows<char const *, int>{{"", RDI_Int32},
+                                       {"?DATATYPE=Float32", RDI_Float32},
+                                       {"?datatype=Float%332", RDI_Float32},
+                                       {"?DATATYPE=", RDI_Int32},
+                                       {"?NO_SUCH=1&DATATYPE=Float32&NUM_THREADS=", RDI_Float32},
+                                       {"?NO_SUCH=1", RDI_Int32}}) {
         OpenImage const image({grid + options, nullptr}, "", nullptr);
         ASSERT_TRUE(image.IsOpen()) << options;
         EXPECT_EQ(image.Driver().GetChnlDataType(image.Handle(), 0), type) << options;

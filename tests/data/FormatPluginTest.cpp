@@ -28,29 +28,30 @@ struct FormatPlugins : test::RealDriversTest {
 };
 
 TEST_F(FormatPlugins, AreOfferedForWhatTheyReadAndWrite) {
-    struct Case {
-        char const *id;
-        char const *mask;
-        unsigned reads;
-        unsigned writes;
-    };
     constexpr unsigned raster = BDINode_Raster;
     constexpr unsigned layers = BDINode_Thematic | BDINode_Table;
     constexpr unsigned table = BDINode_Table;
-    for (Case const &c : {Case{"PNG", "*.png", raster, raster}, Case{"COG", "*.tif;*.tiff", 0, raster},
-                          Case{"GPKG", "*.gpkg", raster | layers, raster | layers},
-                          Case{"ESRI Shapefile", "*.shp;*.dbf;*.shz;*.shp.zip", layers, layers},
-                          Case{"XLSX", "*.xlsx;*.xlsm", table, table}, Case{"XLS", "*.xls", table, 0},
-                          Case{"CSV", "*.csv", table, table}, Case{"ELAS", "*.*", raster, raster},
-                          Case{"MEM", "*.*", 0, 0}, Case{"PostgreSQL", "*.*", 0, 0}, Case{"WMS", "*.*", 0, 0}})
+    test::Rows<char const *, char const *, unsigned, unsigned> const formats = {
+        {"PNG", "*.png", raster, raster},
+        {"COG", "*.tif;*.tiff", 0, raster},
+        {"GPKG", "*.gpkg", raster | layers, raster | layers},
+        {"ESRI Shapefile", "*.shp;*.dbf;*.shz;*.shp.zip", layers, layers},
+        {"XLSX", "*.xlsx;*.xlsm", table, table},
+        {"XLS", "*.xls", table, 0},
+        {"CSV", "*.csv", table, table},
+        {"ELAS", "*.*", raster, raster},
+        {"MEM", "*.*", 0, 0},
+        {"PostgreSQL", "*.*", 0, 0},
+        {"WMS", "*.*", 0, 0}};
+    for (auto const &[id, mask, reads, writes] : formats)
         for (unsigned const type : {raster, unsigned{BDINode_Thematic}, table}) {
-            SCOPED_TRACE(DString(c.id) + " " + std::to_string(type));
+            SCOPED_TRACE(DString(id) + " " + std::to_string(type));
             auto const read = Offered(kReading, type);
             auto const written = Offered(kWriting, type);
-            EXPECT_EQ(read.contains(c.id), (c.reads & type) != 0);
-            EXPECT_EQ(written.contains(c.id), (c.writes & type) != 0);
-            if (read.contains(c.id)) {
-                EXPECT_EQ(read.at(c.id), c.mask);
+            EXPECT_EQ(read.contains(id), (reads & type) != 0);
+            EXPECT_EQ(written.contains(id), (writes & type) != 0);
+            if (read.contains(id)) {
+                EXPECT_EQ(read.at(id), mask);
             }
         }
     EXPECT_TRUE(Offered(kReading, 0).empty());

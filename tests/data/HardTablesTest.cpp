@@ -81,6 +81,9 @@ TEST_F(HardTables, TextsOfCommaSeparatedValuesAreTakenApartByTheBook) {
              {"numbers.csv",
               "a,b,c,d,e\n1,1,-1,1.,1e5\n00,2.5,1234567890123456789,x,nan\n",
               {"a:3|b:2|c:3|d:3|e:3", "1|1|-1|1.|1e5", "00|2.5|1234567890123456789|x|nan"}},
+             {"typed.csv",
+              "code,n,x,t,empty\r\n007,1,1.50,a,\r\n010,-2,3,\"b \"\"c\"\",\nd\",\r\n",
+              {"code:3|n:1|x:2|t:3|empty:3", "007|1|1.50|a|", "010|-2|3|b \"c\",\nd|"}},
              {"names only.csv", "a,b\n", {"a:3|b:3"}},
              {"one name.csv", "a", {"a:3"}},
              {"short line.tcsv", "a,1,2\nb,x\n", {"a:1|b:3", "1|x", "2|"}},
@@ -299,6 +302,34 @@ TEST_F(HardTables, RowsAreFoundByTheirNumbersAndSortedUnlessTheFileIsAnotherOne)
     EXPECT_EQ(store->Read({3}, rows, &error), std::getenv("ZELVAR_TEST_READER") == nullptr);
     m_folder.Write("a.csv", "n,m\nanother,one\n");
     EXPECT_FALSE(store->Read({3}, rows, &error));
+}
+
+TEST_F(HardTables, RowsComeInAnyOrder) {
+    ADIFile table = Open(m_folder.Write("a.csv", Numbered(3000)), "CSV");
+    ASSERT_TRUE(table.IsOpen()) << table.GetError();
+    for (int const row : {0, 255, 256, 2999, 1, 700, 699, 0}) {
+        ASSERT_TRUE(table.SetRow(row)) << row;
+        EXPECT_EQ(table.GetText(0), std::to_string(row));
+    }
+    EXPECT_FALSE(table.SetRow(3000));
+    EXPECT_EQ(table.GetText(0), "");
+    EXPECT_FALSE(table.SetRow(-1));
+    EXPECT_TRUE(table.SetRow(2999));
+    EXPECT_EQ(table.GetText(2), "");
+    EXPECT_EQ(table.GetText(-1), "");
+}
+
+TEST_F(HardTables, AllKindsOfTablesAreRead) {
+    DString const csv = m_folder.Write("t.csv", "id,name,x\n1,\xC3\xA4,0.1\n2,b,\n");
+    test::Rows<char const *, char const *, char const *> const cases = {
+        {"GPKG", "t.gpkg", ""},      {"GPKG", "l.gpkg", "?LAYER=t"}, {"SQLite", "t.sqlite", "?LAYER=t"},
+        {"XLSX", "t.xlsx", ""},      {"ODS", "t.ods", ""},           {"ESRI Shapefile", "t.dbf", ""},
+        {"GeoJSON", "t.geojson", ""}};
+    for (auto const &[format, file, suffix] : cases) {
+        test::ConvertTable(csv, m_folder / file, format);
+        EXPECT_EQ(Read((m_folder / file) + suffix), (Lines{"id:1|name:3|x:2", "1|\xC3\xA4|0.1", "2|b|"})) << file;
+    }
+    EXPECT_EQ(Read((m_folder / "l.gpkg") + "?LAYER=no"), (Lines{"closed"}));
 }
 
 } // namespace

@@ -46,19 +46,14 @@ TEST_F(ImageReader, TellsTheSizeOfOneSliceAtOneTime) {
 }
 
 TEST_F(ImageReader, TheLongerSideBecomes1024Pixels) {
-    struct Case {
-        int width;
-        int height;
-        int outWidth;
-        int outHeight;
-    };
-    for (Case const &c :
-         {Case{1000, 500, 1024, 512}, Case{500, 1000, 512, 1024}, Case{10, 10, 1024, 1024}, Case{4097, 3, 0, 0},
-          Case{3000, 3, 1024, 1}, Case{0, 5, 0, 0}, Case{0, 0, 0, 0}, Case{1, 1, 1024, 1024}}) {
-        SCOPED_TRACE(c.width);
-        EXPECT_EQ(Preview({.width = c.width, .height = c.height}), c.outWidth > 0);
-        EXPECT_EQ(m_picture.GetWidth(), c.outWidth);
-        EXPECT_EQ(m_picture.GetHeight(), c.outHeight);
+    test::Rows<int, int, int, int> const cases = {{1000, 500, 1024, 512}, {500, 1000, 512, 1024}, {10, 10, 1024, 1024},
+                                                  {4097, 3, 0, 0},        {3000, 3, 1024, 1},     {0, 5, 0, 0},
+                                                  {0, 0, 0, 0},           {1, 1, 1024, 1024}};
+    for (auto const &[width, height, outWidth, outHeight] : cases) {
+        SCOPED_TRACE(width);
+        EXPECT_EQ(Preview({.width = width, .height = height}), outWidth > 0);
+        EXPECT_EQ(m_picture.GetWidth(), outWidth);
+        EXPECT_EQ(m_picture.GetHeight(), outHeight);
     }
 }
 

@@ -1,7 +1,7 @@
 #include "support/HttpServer.h"
 #include "support/ImageFiles.h"
 #include "support/OpenedTree.h"
-#include "support/RealDrivers.h"
+#include "support/RealDriversTest.h"
 #include "support/SecretWatch.h"
 #include "support/WebServers.h"
 #include "zelvar/data/Connection.h"
@@ -32,15 +32,9 @@ double HeightAt(int, int x, int y) { return (x * 7 + y * 13 + x * y % 11) % 256;
 bool Says(DError const &error, DString const &words) { return error.Text().find(words) != DString::npos; }
 
 /// Drivers in readers.
-struct MapServices : testing::Test {
-    MapServices() {
-        BDIDrvrMngr::Instance()->Reset();
-        test::UseReaders(test::PatientReaders());
-    }
-    ~MapServices() override {
-        SetConnectionFinder(nullptr);
-        BDIDrvrMngr::Instance()->Reset();
-    }
+struct MapServices : test::RealDriversTest {
+    MapServices() { test::UseReaders(test::PatientReaders()); }
+    ~MapServices() override { SetConnectionFinder(nullptr); }
     /// "name:type" of what lies in the node at that path of a tree, or in its root.
     static Names NamesIn(DString const &url, DString const &path = {}) {
         test::OpenedTree const tree(url);
@@ -227,13 +221,12 @@ TEST_F(MapServices, OddNamesAndAxesReachTheServerAsTheyAre) {
 
 TEST_F(MapServices, TilesComeByTheirMatrixSets) {
     test::HttpServer server;
-    test::TempFolder const folder;
-    test::WriteImage(folder / "t.tif",
+    test::WriteImage(m_folder / "t.tif",
                      {.width = 256, .height = 256, .channels = 3, .sample = [](int channel, int, int) {
                           return 10 * (channel + 1);
                       }});
     for (char const *tile : {"/t/0/0/0", "/t/0/0/1"})
-        server.Serve(tile, test::ReadFile(folder / "t.tif"));
+        server.Serve(tile, test::ReadFile(m_folder / "t.tif"));
     DString contents = R"(<Layer><Title>Ortho</Title><Identifier>or/tho</Identifier><Style><Identifier>x</Identifier>
 </Style><Format>image/tiff</Format><TileMatrixSetLink><TileMatrixSet>a</TileMatrixSet></TileMatrixSetLink>
 <TileMatrixSetLink><TileMatrixSet>b</TileMatrixSet></TileMatrixSetLink><ResourceURL format="image/tiff"
@@ -290,12 +283,7 @@ TEST(Capabilities, WhatIsNoneIsNamedAndDoesNoHarm) {
     std::string many;
     for (int i = 0; i < 250'000; ++i)
         many += "<Layer><Name>x</Name></Layer>";
-    struct Case {
-        std::string answer;
-        DError::Cause cause;
-        char const *words;
-    };
-    Case const cases[] = {
+    test::Rows<std::string, DError::Cause, char const *> const cases = {
         {"<!DOCTYPE html><html>Menu<title>Log in\n here</title>x", NotSupported, "not capabilities: Log in"},
         {"\n  Error: no map\nmore", NotSupported,
          "the address answers with a web page, not capabilities: Error: no map"},
@@ -309,11 +297,11 @@ TEST(Capabilities, WhatIsNoneIsNamedAndDoesNoHarm) {
          "<WMS_Capabilities><Capability>&b;</Capability></WMS_Capabilities>",
          Damaged, "the capabilities cannot be read"},
         {Wms("<Layer>" + many + "</Layer>"), TooLarge, "the service offers more than 200000 layers"}};
-    for (Case const &c : cases) {
+    for (auto const &[answer, cause, words] : cases) {
         DError error;
-        EXPECT_FALSE(services::ReadCapabilities(services::Service::Wms, c.answer, error)) << c.words;
-        EXPECT_EQ(error.Why(), c.cause) << error.Text();
-        EXPECT_TRUE(Says(error, c.words)) << error.Text();
+        EXPECT_FALSE(services::ReadCapabilities(services::Service::Wms, answer, error)) << words;
+        EXPECT_EQ(error.Why(), cause) << error.Text();
+        EXPECT_TRUE(Says(error, words)) << error.Text();
     }
     using services::Service;
     for (auto const &[service, foreign] :

@@ -89,18 +89,15 @@ TEST_F(Network, AnAddressKeepsItsOwnQueryBesideTheOptions) {
     m_server.Serve(kSigned, Bytes({.width = 200, .height = 100}, {2}));
     ImageInfo info;
     EXPECT_FALSE(ReadImageInfo({m_server.Url() + "/a.tif", nullptr}, "", nullptr, info)) << "served without a query";
-    struct Case {
-        DString text;
-        int width;
-    };
-    Case const cases[] = {{kSigned, 200},
-                          {DString(kSigned) + "&OVERVIEW_LEVEL=0", 100},
-                          {DString(kSigned) + "?OVERVIEW_LEVEL=0", 100}, // as options typed in a dialog are added
-                          {"/a.tif?OVERVIEW_LEVEL=0&X-Sig=a%2Fb%3D&version=2&&flag", 100},
-                          {"/a.tif?X-Sig=a%2Fb%3D&RASTER=1&version=2&&NUM_THREADS=&flag", 200}};
-    for (Case const &c : cases) {
-        EXPECT_TRUE(ReadImageInfo({m_server.Url() + c.text, nullptr}, "", nullptr, info)) << c.text;
-        EXPECT_EQ(info.width, c.width) << c.text;
+    test::Rows<DString, int> const cases = {
+        {kSigned, 200},
+        {DString(kSigned) + "&OVERVIEW_LEVEL=0", 100},
+        {DString(kSigned) + "?OVERVIEW_LEVEL=0", 100}, // as options typed in a dialog are added
+        {"/a.tif?OVERVIEW_LEVEL=0&X-Sig=a%2Fb%3D&version=2&&flag", 100},
+        {"/a.tif?X-Sig=a%2Fb%3D&RASTER=1&version=2&&NUM_THREADS=&flag", 200}};
+    for (auto const &[text, width] : cases) {
+        EXPECT_TRUE(ReadImageInfo({m_server.Url() + text, nullptr}, "", nullptr, info)) << text;
+        EXPECT_EQ(info.width, width) << text;
     }
     EXPECT_FALSE(ReadImageInfo({m_server.Url() + "/a.tif?X-Sig=other&version=2&&flag", nullptr}, "", nullptr, info));
 }
@@ -174,45 +171,7 @@ TEST_F(Network, AListingOfAWebServerIsATree) {
     }
 }
 
-/// An object store on the loopback interface.
-struct ObjectStore : Network {
-    ObjectStore() {
-        for (auto const &[name, value] : kSettings)
-            setenv(name, value, 1);
-        setenv("AWS_S3_ENDPOINT", ("127.0.0.1:" + std::to_string(m_server.Port())).c_str(), 1);
-    }
-    ~ObjectStore() override {
-        for (auto const &[name, value] : kSettings)
-            unsetenv(name);
-        unsetenv("AWS_S3_ENDPOINT");
-    }
-    static constexpr std::pair<char const *, char const *> kSettings[] = {{"AWS_HTTPS", "NO"},
-                                                                          {"AWS_VIRTUAL_HOSTING", "FALSE"},
-                                                                          {"AWS_ACCESS_KEY_ID", "id"},
-                                                                          {"AWS_SECRET_ACCESS_KEY", "TOPSECRET"}};
-};
-
-TEST_F(ObjectStore, NamesFoldersSizesAndTimesAreTheStores) {
-    std::vector<std::string> keys{"a/with blank.tif", "a/v1.2 data/x.tif", "a/100%.tif", "a/b+c?#.tif", "other.tif"};
-    for (int i = 0; i < 30; ++i)
-        keys.push_back(Format("a/n%02d.tif", i));
-    m_server.ServeBucket("field", keys, 10);
-    m_server.Serve("/field/a/with%20blank.tif", Bytes({.width = 41}));
-    auto const children = ChildrenOf("s3://field/a");
-    ASSERT_EQ(children.size(), 34U);
-    EXPECT_EQ(children.at("v1.2 data").type, kDirectoryNode);
-    EXPECT_EQ(children.at("with blank.tif").path, "s3://field/a/with%20blank.tif");
-    EXPECT_EQ(children.at("with blank.tif").size, 1234);
-    EXPECT_EQ(children.at("with blank.tif").modified, 1'704'189'630'000'000'000);
-    EXPECT_EQ(children.at("b+c?#.tif").path, "s3://field/a/b%2Bc%3F%23.tif");
-    EXPECT_TRUE(children.contains("100%.tif"));
-    EXPECT_TRUE(ChildrenOf("s3://field/a/v1.2%20data").contains("x.tif"));
-    ImageInfo info;
-    ASSERT_TRUE(ReadImageInfo({children.at("with blank.tif").path, nullptr}, "", nullptr, info));
-    EXPECT_EQ(info.width, 41);
-}
-
-TEST_F(ObjectStore, WhatKeepsAPlaceFromBeingListedIsTold) {
+TEST_F(Network, WhatKeepsAPlaceFromBeingListedIsTold) {
     using enum DError::Cause;
     test::HttpServer locked;
     locked.Demand("dTpwdw=="); // u:pw
@@ -222,7 +181,7 @@ TEST_F(ObjectStore, WhatKeepsAPlaceFromBeingListedIsTold) {
     m_server.Refuse("/403/", 403);
     m_server.Refuse("/words/", 503, "Closed today\n");
     m_server.Serve("/film/", std::string(1 << 20, '\xFF'));
-    std::vector<std::tuple<DString, DError::Cause, int, char const *>> cases{
+    test::Rows<DString, DError::Cause, int, char const *> const cases = {
         {"http://127.0.0.1:1/d/", NoAnswer, -1, "127.0.0.1"},
         {locked.Url() + "/d/", NeedsPassword, 401, "401"},
         {"http://u:no@" + locked.Url().substr(7) + "/d/", Server, 401, "does not know"},
@@ -232,23 +191,11 @@ TEST_F(ObjectStore, WhatKeepsAPlaceFromBeingListedIsTold) {
         {m_server.Url() + "/film/", NotSupported, -1, "something else"},
         {m_server.Url() + "/page/", NotSupported, -1, "Welcome"},
         {m_server.Url() + "/bomb/", NotSupported, -1, "web page"}};
-    for (auto const &[code, cause] : {std::pair{"NoSuchBucket", Missing},
-                                      {"InvalidAccessKeyId", NotPermitted},
-                                      {"SignatureDoesNotMatch", NotPermitted},
-                                      {"AccessDenied", NotPermitted}}) {
-        DString const bucket = FoldCase(code);
-        m_server.Refuse("/" + bucket + "/?delimiter=%2F&prefix=x%2F", cause == Missing ? 404 : 403,
-                        DString("<?xml version=\"1.0\"?><Error><Code>") + code + "</Code><Message>m</Message></Error>");
-        cases.emplace_back("s3://" + bucket + "/x/", cause, -1, code);
-    }
     std::vector<DString> log;
     auto const former = Report::SetTraceHandler([&](int, DString const &text) { log.push_back(text); });
     for (int round = 0; round < 2; ++round) // what is remembered of a failure hides no cause
         for (auto const &[place, cause, detail, word] : cases) {
-            BDIDrvr *driver = nullptr;
-            BDINode *root = nullptr;
-            DError error;
-            EXPECT_EQ(BDIDrvrMngr::Instance()->OpenFile(place.c_str(), &driver, &root, nullptr, &error), nullptr);
+            DError const error = test::WhyNotOpened(place);
             EXPECT_EQ(error.Why(), cause) << place << ": " << error.Text();
             EXPECT_EQ(error.Detail(), detail) << place;
             EXPECT_NE(error.Text().find(word), DString::npos) << place << ": " << error.Text();
@@ -262,7 +209,7 @@ TEST_F(ObjectStore, WhatKeepsAPlaceFromBeingListedIsTold) {
     ImageInfo info;
     EXPECT_TRUE(ReadImageInfo({children.at("a b.tif").path, nullptr}, "", nullptr, info)) << "and remembered";
     for (DString const &line : log)
-        EXPECT_TRUE(line.find(":pw@") == DString::npos && line.find("Signature=") == DString::npos) << line;
+        EXPECT_EQ(line.find(":pw@"), DString::npos) << line;
 }
 
 TEST_F(Network, AnArchiveOnAServerIsATree) {

@@ -1,10 +1,9 @@
 #include "support/HttpServer.h"
 #include "support/ImageFiles.h"
-#include "support/RealDrivers.h"
+#include "support/OpenedImage.h"
+#include "support/RealDriversTest.h"
 #include "support/Test.h"
-#include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/data/Connection.h"
-#include "zelvar/data/RDIDriverMngr.h"
 #include "zelvar/data/reader/DriverModule.h"
 
 #include <thread>
@@ -16,33 +15,15 @@
 namespace zelvar {
 namespace {
 
+using test::OpenedImage;
+
 /// Images that a single reader holds open; there are none where drivers work in this process.
-struct OpenInReaders : testing::Test {
-    OpenInReaders() { Forget(); }
-    ~OpenInReaders() override {
-        unsetenv("HDF5_USE_FILE_LOCKING");
-        Forget();
-    }
-    static void Forget() {
-        BDIDrvrMngr::Instance()->Reset();
-        RDIDriverMngr::Instance()->Reset();
-    }
+struct OpenInReaders : test::RealDriversTest {
     static void UseOneReader() {
         ReaderSettings settings = test::PatientReaders();
         settings.imageReaders = 1;
         settings.modules.emplace_back(ZELVAR_HOSTILE);
         test::UseReaders(settings);
-    }
-    struct Close {
-        RDIDriver *driver = nullptr;
-        void operator()(void *handle) const { driver->CloseFile(handle, true); }
-    };
-    using Handle = std::unique_ptr<void, Close>;
-    static Handle Open(DString const &path) {
-        RDIDriver *driver = nullptr;
-        void *handle = nullptr;
-        RDIDriverMngr::Instance()->OpenFile({path, nullptr}, &driver, &handle, "", nullptr, "");
-        return {handle, Close{driver}};
     }
     DString WriteLockable() {
         DString path = m_folder / "v.nc";
@@ -56,7 +37,6 @@ struct OpenInReaders : testing::Test {
         close(file);
         return free;
     }
-    test::TempFolder m_folder;
 };
 
 /// A file whose opening holds the reader until the end of this.
@@ -83,21 +63,21 @@ private:
 TEST_F(OpenInReaders, AnImageIsNotLockedAgainstTheProgramThatWritesIt) {
     UseOneReader();
     DString const path = WriteLockable();
-    Handle const image = Open(path);
-    ASSERT_NE(image, nullptr);
+    OpenedImage const image(path);
+    ASSERT_TRUE(image);
     EXPECT_TRUE(IsFree(path));
 }
 
 TEST_F(OpenInReaders, AClosedImageIsLetGoEvenByABusyReader) {
-    setenv("HDF5_USE_FILE_LOCKING", "TRUE", 1); // so that it shows who has the file open
+    test::Environment const locking{{{"HDF5_USE_FILE_LOCKING", "TRUE"}}}; // so that it shows who has the file open
     UseOneReader();
     DString const path = WriteLockable();
-    Handle image = Open(path);
-    ASSERT_NE(image, nullptr);
+    std::optional<OpenedImage> image(std::in_place, path);
+    ASSERT_TRUE(*image);
     ASSERT_FALSE(IsFree(path));
 
     HoldingFile other(m_folder / "a.hostile");
-    std::thread worker([&] { EXPECT_NE(Open(m_folder / "a.hostile"), nullptr); });
+    std::thread worker([&] { EXPECT_TRUE(OpenedImage(m_folder / "a.hostile")); });
     other.Await();
     image.reset();
     EXPECT_FALSE(IsFree(path));
@@ -114,7 +94,7 @@ TEST_F(OpenInReaders, AReaderThatIsEndedWithAllOthersIsNoFaultOfItsFile) {
     DString const path = m_folder / "a.hostile";
     HoldingFile file(path);
     ReaderCounts const before = CountReaders();
-    std::thread worker([&] { EXPECT_EQ(Open(path), nullptr); });
+    std::thread worker([&] { EXPECT_FALSE(OpenedImage(path)); });
     file.Await();
     EndReaders();
     worker.join();
@@ -122,7 +102,7 @@ TEST_F(OpenInReaders, AReaderThatIsEndedWithAllOthersIsNoFaultOfItsFile) {
     EXPECT_EQ(CountReaders().crashed, before.crashed);
     EXPECT_EQ(CountReaders().killed, before.killed);
     file.Release();
-    EXPECT_NE(Open(path), nullptr);
+    EXPECT_TRUE(OpenedImage(path));
 }
 
 TEST_F(OpenInReaders, AConnectionHasTheDriversOfItsKindAndIsToldItsLogin) {
@@ -141,7 +121,7 @@ TEST_F(OpenInReaders, AConnectionHasTheDriversOfItsKindAndIsToldItsLogin) {
             terms.hosts = {{"127.0.0.1", static_cast<std::uint16_t>(server.Port())}};
             return terms;
         });
-        EXPECT_EQ(Open(server.Url() + "/map.xml") != nullptr, kind == MapService) << static_cast<int>(kind);
+        EXPECT_EQ(!!OpenedImage(server.Url() + "/map.xml"), kind == MapService) << static_cast<int>(kind);
         EXPECT_EQ(CountReaders().crashed, 0);
     }
     SetConnectionFinder(nullptr);

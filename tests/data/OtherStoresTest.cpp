@@ -1,7 +1,7 @@
 #include "support/HttpServer.h"
 #include "support/ImageFiles.h"
 #include "support/OpenedTree.h"
-#include "support/RealDrivers.h"
+#include "support/RealDriversTest.h"
 #include "support/SecretWatch.h"
 #include "support/WebServers.h"
 #include "zelvar/data/Connection.h"
@@ -49,9 +49,8 @@ Speech const kSpeeches[] = {
      {"ContainerNotFound", "no such container"}},
 };
 
-struct OtherStores : testing::TestWithParam<Speech> {
+struct OtherStores : test::RealDriversTest, testing::WithParamInterface<Speech> {
     OtherStores() {
-        BDIDrvrMngr::Instance()->Reset();
         test::UseReaders(test::PatientReaders());
         Connect(GetParam().secret);
         m_server.OnStore([](test::StoreAnswers &store) {
@@ -61,10 +60,7 @@ struct OtherStores : testing::TestWithParam<Speech> {
                 store.DemandAsAzure("acc", GetParam().Query().empty() ? kMarker : GetParam().secret);
         });
     }
-    ~OtherStores() override {
-        SetConnectionFinder(nullptr);
-        BDIDrvrMngr::Instance()->Reset();
-    }
+    ~OtherStores() override { SetConnectionFinder(nullptr); }
     void Connect(DString const &secret, std::map<DString, DString> const &others = {}) {
         ConnectionTerms terms{.id = Place("field") + std::to_string(++m_connections),
                               .kind = ConnectionKind::ObjectStore,
@@ -99,9 +95,8 @@ TEST_P(OtherStores, AreListedByPagesAndTheirObjectsOpen) {
     std::size_t const before = m_server.Requests().size();
     EXPECT_EQ(PathsIn(Place("many")).size(), 2500U);
     EXPECT_EQ(m_server.Requests().size() - before, 3U);
-    test::TempFolder const folder;
-    test::WriteImage(folder / "x.tif", {.width = 41});
-    m_server.Serve(GetParam().root + "/field/a/x%20y.tif" + GetParam().Query(), test::ReadFile(folder / "x.tif"));
+    test::WriteImage(m_folder / "x.tif", {.width = 41});
+    m_server.Serve(GetParam().root + "/field/a/x%20y.tif" + GetParam().Query(), test::ReadFile(m_folder / "x.tif"));
     ImageInfo info;
     ASSERT_TRUE(ReadImageInfo({Place("field/a/x%20y.tif"), nullptr}, "", nullptr, info));
     EXPECT_EQ(info.width, 41);
@@ -127,9 +122,8 @@ TEST_P(OtherStores, WhatKeepsFromThemIsToldInWords) {
 
 TEST_P(OtherStores, AnAcceptedCertificateIsTrustedAndNoOther) {
     Bucket("field", {.keys = {"a.tif"}});
-    test::TempFolder const folder;
-    test::WriteImage(folder / "a.tif");
-    m_server.Serve(GetParam().root + "/field/a.tif" + GetParam().Query(), test::ReadFile(folder / "a.tif"));
+    test::WriteImage(m_folder / "a.tif");
+    m_server.Serve(GetParam().root + "/field/a.tif" + GetParam().Query(), test::ReadFile(m_folder / "a.tif"));
     test::WebServer tls;
     ASSERT_TRUE(tls.StartTls(m_server.Port()));
     std::map<DString, DString> options{{"endpoint", tls.Place()}, {"server", tls.Place()}, {"https", "yes"}};

@@ -3,8 +3,6 @@
 #include "support/Test.h"
 #include "zelvar/data/ImageReader.h"
 
-#include <cmath>
-
 namespace zelvar {
 namespace {
 
@@ -12,15 +10,9 @@ using Range = ValuePlane::Range;
 using enum PreviewChoice::Stretch;
 
 struct PreviewChoices : test::RealDriversTest {
-    /// An image of `spec`, with a value that stands for no data.
-    DString Write(test::ImageSpec const &spec, std::optional<double> nodata = {}) {
+    DString Write(test::ImageSpec const &spec) {
         DString path = m_folder / "a.tif";
         test::WriteImage(path, spec);
-        if (nodata) {
-            GDALDatasetH dataset = GDALOpen(path.c_str(), GA_Update);
-            EXPECT_EQ(GDALSetRasterNoDataValue(GDALGetRasterBand(dataset, 1), *nodata), CE_None);
-            GDALClose(dataset);
-        }
         return path;
     }
     bool Read(DString const &path, PreviewChoice const &choice = {}) {
@@ -56,8 +48,9 @@ TEST_F(PreviewChoices, EverySampleTypeGivesItsValuesAndNothingElse) {
           Case{"no data of a float", GDT_Float32, -3.4e38, 0.25, -3.4e38, {}},
           Case{"complex", GDT_CFloat32, -3, 10, {}, 3}, Case{"complex whole", GDT_CInt16, -3, 10, {}, 3}}) {
         SCOPED_TRACE(c.name);
-        DString const path =
-            Write({.type = c.type, .sample = [&c](int, int x, int) { return x == 0 ? c.first : c.at + x; }}, c.nodata);
+        DString const path = Write({.type = c.type,
+                                    .sample = [&c](int, int x, int) { return x == 0 ? c.first : c.at + x; },
+                                    .nodata = c.nodata});
         for (auto const stretch : {Usual, Full, Most}) {
             ASSERT_TRUE(Read(path, {.stretch = stretch}));
             EXPECT_EQ(std::pair(m_values.width, m_values.height), std::pair(64, 48));
@@ -69,7 +62,7 @@ TEST_F(PreviewChoices, EverySampleTypeGivesItsValuesAndNothingElse) {
             EXPECT_EQ(Grey(63, 9), stretch != Usual ? 255 : c.type == GDT_Byte ? int(c.at + 63) : Grey(63, 9));
         }
     }
-    Write({.sample = [](int, int, int) { return 9; }}, 9);
+    Write({.sample = [](int, int, int) { return 9; }, .nodata = 9});
     ASSERT_TRUE(Read(m_folder / "a.tif", {.stretch = Full})) << "all of it is no data";
     EXPECT_FALSE(m_values.planes[0].Values());
     EXPECT_EQ(Grey(3, 3), 0);
@@ -111,21 +104,18 @@ TEST_F(PreviewChoices, ChannelsAreShownAloneOrAsColours) {
 }
 
 TEST_F(PreviewChoices, APaletteGivesIndexesAndAChannelOfItIsGrey) {
-    DString const path = m_folder / "p.png";
-    Write({.width = 2, .height = 1, .options = {"PHOTOMETRIC=PALETTE"}, .sample = [](int, int x, int) { return x; }});
-    GDALDatasetH dataset = GDALOpen((m_folder / "a.tif").c_str(), GA_Update);
-    GDALColorTableH table = GDALCreateColorTable(GPI_RGB);
-    GDALColorEntry const colors[] = {{200, 10, 20, 255}, {30, 180, 40, 255}};
-    for (int i = 0; i < 2; ++i)
-        GDALSetColorEntry(table, i, &colors[i]);
-    GDALSetRasterColorTable(GDALGetRasterBand(dataset, 1), table);
-    GDALDestroyColorTable(table);
-    GDALClose(dataset);
-    ASSERT_TRUE(Read(m_folder / "a.tif", {.stretch = Full}));
+    DString const path = Write({.width = 2,
+                                .height = 1,
+                                .sample = [](int, int x, int) { return x; },
+                                .palette = {{200, 10, 20, 255}, {30, 180, 40, 255}}});
+    ASSERT_TRUE(Read(path, {.stretch = Full}));
+    EXPECT_EQ(m_picture.GetPixel(0, 0), Rgb(200, 10, 20));
     EXPECT_EQ(m_picture.GetPixel(1, 0), Rgb(30, 180, 40)) << "colours are not stretched";
+    ImageInfo info;
+    EXPECT_TRUE(ReadImageInfo({path, nullptr}, "GTiff", nullptr, info) && info.channels == 1);
     EXPECT_TRUE(m_values.isPalette);
     EXPECT_EQ(At(1, 0), 1);
-    ASSERT_TRUE(Read(m_folder / "a.tif", {.channel = 0, .stretch = Full}));
+    ASSERT_TRUE(Read(path, {.channel = 0, .stretch = Full}));
     EXPECT_FALSE(m_values.isPalette);
     EXPECT_EQ(m_picture.GetPixel(1, 0), Rgb(255, 255, 255));
 }

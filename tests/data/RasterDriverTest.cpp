@@ -37,14 +37,13 @@ TEST_F(RasterDriver, SeveralMayReadAFileAndItsMonikerNamesOne) {
     m_folder.Write("both.hdr", "ENVI\nsamples = 10\nlines = 20\nbands = 1\ndata type = 1\ninterleave = bsq\n");
     EXPECT_THAT(RDIDriverMngr::Instance()->FindDrivers(path), ElementsAre("GTiff", "ENVI"));
     EXPECT_THAT(RDIDriverMngr::Instance()->FindDrivers(m_folder / "both.hdr"), IsEmpty());
-    struct Row {
-        char const *options;
-        char const *driver;
-        int width;
-    };
-    for (auto const &[options, driver, width] :
-         {Row{"", "GTiff", 60}, Row{"?DRIVER=ENVI", "ENVI", 10}, Row{"?DRIVER=envi&RASTER=1", "ENVI", 10},
-          Row{"?DRIVER=GTiff", "GTiff", 60}, Row{"?DRIVER=none", "GTiff", 60}, Row{"?DRIVER=", "GTiff", 60}}) {
+    test::Rows<char const *, char const *, int> const rows = {{"", "GTiff", 60},
+                                                              {"?DRIVER=ENVI", "ENVI", 10},
+                                                              {"?DRIVER=envi&RASTER=1", "ENVI", 10},
+                                                              {"?DRIVER=GTiff", "GTiff", 60},
+                                                              {"?DRIVER=none", "GTiff", 60},
+                                                              {"?DRIVER=", "GTiff", 60}};
+    for (auto const &[options, driver, width] : rows) {
         OpenedImage const image(path + options);
         ASSERT_TRUE(image) << options << image.error.Text();
         EXPECT_EQ(image.driver->GetId(), driver) << options;
@@ -54,39 +53,27 @@ TEST_F(RasterDriver, SeveralMayReadAFileAndItsMonikerNamesOne) {
 }
 
 TEST_F(RasterDriver, EveryTypeArrivesAsOneOfOurs) {
-    struct Case {
-        GDALDataType type;
-        int delivered;
-        double value;
-        double arrives;
-    };
-    Case const cases[] = {
-        {GDT_Byte, RDI_UInt8, 200, 200},
-        {GDT_UInt16, RDI_UInt16, 60000, 60000},
-        {GDT_Int16, RDI_Int16, -300, -300},
-        {GDT_UInt32, RDI_UInt32, 4e9, 4e9},
-        {GDT_Int32, RDI_Int32, -2e9, -2e9},
-        {GDT_Float32, RDI_Float32, 0.5, 0.5},
-        {GDT_Float64, RDI_Float32, -2.25, -2.25},
-        {GDT_CFloat32, RDI_Float32, -3, 3},
-        {GDT_CInt16, RDI_Float32, -4, 4},
-        {GDT_Float32, RDI_Float32, std::nan(""), 0},
-        {GDT_Float64, RDI_Float32, std::numeric_limits<double>::infinity(), 0},
-    };
-    for (Case const &c : cases) {
-        SCOPED_TRACE(GDALGetDataTypeName(c.type));
+    test::Rows<GDALDataType, int, double, double> const cases = {
+        {GDT_Byte, RDI_UInt8, 200, 200},          {GDT_UInt16, RDI_UInt16, 60000, 60000},
+        {GDT_Int16, RDI_Int16, -300, -300},       {GDT_UInt32, RDI_UInt32, 4e9, 4e9},
+        {GDT_Int32, RDI_Int32, -2e9, -2e9},       {GDT_Float32, RDI_Float32, 0.5, 0.5},
+        {GDT_Float64, RDI_Float32, -2.25, -2.25}, {GDT_CFloat32, RDI_Float32, -3, 3},
+        {GDT_CInt16, RDI_Float32, -4, 4},         {GDT_Float32, RDI_Float32, std::nan(""), 0},
+        {GDT_Float64, RDI_Float32, HUGE_VAL, 0}};
+    for (auto const &[gdalType, delivered, value, arrives] : cases) {
+        SCOPED_TRACE(GDALGetDataTypeName(gdalType));
         DString const path = m_folder / "type.tif";
-        test::WriteImage(path,
-                         {.width = 4, .height = 4, .type = c.type, .sample = [&](int, int, int) { return c.value; }});
+        test::WriteImage(
+            path, {.width = 4, .height = 4, .type = gdalType, .sample = [v = value](int, int, int) { return v; }});
         OpenedImage const image(path);
         ASSERT_TRUE(image);
-        ASSERT_EQ(image.driver->GetChnlDataType(image.handle, 0), c.delivered);
-        auto const check = [&](int type, auto sample) {
+        ASSERT_EQ(image.driver->GetChnlDataType(image.handle, 0), delivered);
+        auto const check = [&image, told = delivered, expected = arrives](int type, auto sample) {
             for (int const resampling : {RDIDriver::Nearest, RDIDriver::Cubic})
-                if (type == c.delivered) {
+                if (type == told) {
                     auto const samples = image.Read<decltype(sample)>(0, 0, 4, 4, 4, 4, resampling);
                     ASSERT_FALSE(samples.empty());
-                    EXPECT_EQ(static_cast<double>(samples[5]), c.arrives);
+                    EXPECT_EQ(static_cast<double>(samples[5]), expected);
                 }
         };
         check(RDI_UInt8, std::uint8_t{});
@@ -110,10 +97,8 @@ TEST_F(RasterDriver, SignedBytesKeepTheirSign) {
 
 TEST_F(RasterDriver, NodataBecomesZero) {
     DString const path = m_folder / "n.tif";
-    test::WriteImage(path, {.type = GDT_Float32, .sample = [](int, int x, int) { return x < 32 ? -9999 : 7; }});
-    GDALDatasetH dataset = GDALOpen(path.c_str(), GA_Update);
-    GDALSetRasterNoDataValue(GDALGetRasterBand(dataset, 1), -9999);
-    GDALClose(dataset);
+    auto const sample = [](int, int x, int) { return x < 32 ? -9999 : 7; };
+    test::WriteImage(path, {.type = GDT_Float32, .sample = sample, .nodata = -9999});
     OpenedImage const image(path);
     for (int const resampling : {RDIDriver::Nearest, RDIDriver::Average, RDIDriver::Cubic}) {
         auto const samples = image.Read<float>(0, 0, 64, 48, 16, 12, resampling);
@@ -167,41 +152,36 @@ TEST_F(RasterDriver, ReductionAgreesWithAndWithoutAPyramid) {
 }
 
 TEST_F(RasterDriver, ChannelsReadTogetherAreWhatEachIsAlone) {
-    struct Case {
-        char const *format;
-        std::vector<char const *> options;
-        int side;
-        std::vector<int> overviews;
-    };
-    Case const cases[] = {{"GTiff", {"INTERLEAVE=PIXEL"}, 700, {}},
-                          {"GTiff", {"INTERLEAVE=BAND", "TILED=YES"}, 700, {}},
-                          {"GTiff", {"INTERLEAVE=PIXEL", "COMPRESS=LZW"}, 700, {2, 4}},
-                          {"PNG", {}, 300, {}},
-                          {"GTiff", {"TILED=YES", "INTERLEAVE=PIXEL", "COMPRESS=DEFLATE"}, 2010, {}}}; // on threads
-    for (Case const &c : cases) {
+    test::Rows<char const *, std::vector<char const *>, int, std::vector<int>> const cases = {
+        {"GTiff", {"INTERLEAVE=PIXEL"}, 700, {}},
+        {"GTiff", {"INTERLEAVE=BAND", "TILED=YES"}, 700, {}},
+        {"GTiff", {"INTERLEAVE=PIXEL", "COMPRESS=LZW"}, 700, {2, 4}},
+        {"PNG", {}, 300, {}},
+        {"GTiff", {"TILED=YES", "INTERLEAVE=PIXEL", "COMPRESS=DEFLATE"}, 2010, {}}}; // on threads
+    for (auto const &[format, options, side, overviews] : cases) {
         DString const path = m_folder / "together";
-        SCOPED_TRACE(testing::Message() << c.format << ' ' << testing::PrintToString(c.options) << c.side);
+        SCOPED_TRACE(testing::Message() << format << ' ' << testing::PrintToString(options) << side);
         test::WriteImage(path,
-                         {.width = c.side,
-                          .height = c.side,
+                         {.width = side,
+                          .height = side,
                           .channels = 3,
                           .type = GDT_UInt16,
-                          .format = c.format,
-                          .options = c.options,
+                          .format = format,
+                          .options = options,
                           .sample = [](int channel, int x, int y) { return (x * y + 7000 * channel) % 60'000; }},
-                         c.overviews);
+                         overviews);
         OpenedImage const image(path);
         ASSERT_TRUE(image) << image.error.Text();
         for (int const resampling : {RDIDriver::Average, RDIDriver::Bilinear, RDIDriver::Cubic})
             for (double const left : {0.0, -20.0}) {
                 std::vector<std::uint16_t> planes(2 * 100 * 80);
-                ASSERT_TRUE(image.driver->ReadChannelsRsmpl(image.handle, 1, 2, left, 0, c.side, c.side, planes.data(),
-                                                            100, 80, resampling, true, true));
+                ASSERT_TRUE(image.driver->ReadChannelsRsmpl(image.handle, 1, 2, left, 0, side, side, planes.data(), 100,
+                                                            80, resampling, true, true));
                 auto const second = planes.begin() + 100 * 80;
                 EXPECT_EQ(std::vector(planes.begin(), second),
-                          image.Read<std::uint16_t>(left, 0, c.side, c.side, 100, 80, resampling, 1));
+                          image.Read<std::uint16_t>(left, 0, side, side, 100, 80, resampling, 1));
                 EXPECT_EQ(std::vector(second, planes.end()),
-                          image.Read<std::uint16_t>(left, 0, c.side, c.side, 100, 80, resampling, 2));
+                          image.Read<std::uint16_t>(left, 0, side, side, 100, 80, resampling, 2));
             }
         EXPECT_FALSE(image.driver->ReadChannelsRsmpl(image.handle, 2, 2, 0, 0, 9, 9, nullptr, 9, 9, 3, true, true));
     }
@@ -223,37 +203,6 @@ TEST_F(RasterDriver, OverviewsBesideTheFileAreFound) {
     ASSERT_TRUE(image);
     EXPECT_EQ(image.driver->GetId(), "PNG");
     EXPECT_EQ(image.driver->GetAttrInt("RDI_Drvr_Sppt_Intrnl_RslPrmd", image.handle, 0), 1);
-}
-
-TEST_F(RasterDriver, APaletteIsReadInItsColours) {
-    DString const path = m_folder / "p.tif";
-    test::WriteImage(path, {.width = 2, .height = 1, .options = {"PHOTOMETRIC=PALETTE"}, .sample = [](int, int x, int) {
-                                return x;
-                            }});
-    GDALDatasetH dataset = GDALOpen(path.c_str(), GA_Update);
-    GDALColorTableH table = GDALCreateColorTable(GPI_RGB);
-    GDALColorEntry const red{200, 10, 20, 255};
-    GDALColorEntry const green{30, 180, 40, 255};
-    GDALSetColorEntry(table, 0, &red);
-    GDALSetColorEntry(table, 1, &green);
-    GDALSetRasterColorTable(GDALGetRasterBand(dataset, 1), table);
-    GDALDestroyColorTable(table);
-    GDALClose(dataset);
-    DCanvas picture;
-    ASSERT_TRUE(ReadPreview({path, nullptr}, "", nullptr, picture));
-    EXPECT_EQ(picture.GetPixel(0, 0), Rgb(200, 10, 20));
-    EXPECT_EQ(picture.GetPixel(1023, 511), Rgb(30, 180, 40));
-    ImageInfo info;
-    ASSERT_TRUE(ReadImageInfo({path, nullptr}, "GTiff", nullptr, info));
-    EXPECT_EQ(info.channels, 1);
-}
-
-TEST_F(RasterDriver, OptionsReachTheFormatAndUnknownOnesAreLeftOut) {
-    DString const path = m_folder / "o.tif";
-    test::WriteImage(path, {.width = 200, .height = 100}, {2, 4});
-    OpenedImage const image(path + "?OVERVIEW_LEVEL=0&NO_SUCH_OPTION=1&NUM_THREADS=");
-    ASSERT_TRUE(image) << image.error.Text();
-    EXPECT_EQ(image.driver->GetChnlSizeX(image.handle, 0), 100);
 }
 
 TEST_F(RasterDriver, OnlyTheNamedDriverIsTried) {

@@ -4,7 +4,6 @@
 #include "support/OpenedImage.h"
 #include "support/RealDriversTest.h"
 #include "support/Test.h"
-#include "zelvar/data/ImageReader.h"
 
 namespace zelvar {
 namespace {
@@ -177,29 +176,6 @@ TEST_F(SliceGrid, NodataStopAndRefusalHoldOverCells) {
     stop = true;
     EXPECT_FALSE(readUnclipped(0, 0, 10));
     EXPECT_TRUE(ReadCell(image, 2, 3).empty());
-}
-
-TEST_F(SliceGrid, ThePreviewShowsTheFirstSliceAtTheFirstTime) {
-    DString const path = Write({kTime, kLevel});
-    ImageInfo info;
-    ASSERT_TRUE(ReadImageInfo({path, nullptr}, "", nullptr, info));
-    EXPECT_EQ(info.width, kWidth);
-    EXPECT_EQ(info.height, kHeight);
-    EXPECT_EQ(info.channels, 1);
-    EXPECT_EQ(info.slices, 3);
-    EXPECT_EQ(info.timeFrames, 4);
-    DCanvas picture;
-    ASSERT_TRUE(ReadPreview({path, nullptr}, "", nullptr, picture));
-    EXPECT_EQ(picture.GetWidth(), 1024);
-    EXPECT_EQ(picture.GetHeight(), 731);
-    // The preview of that slice alone is the same.
-    DString const alone = m_folder / "alone.nc";
-    test::WriteNetCdfVariable(alone, {kY, kX});
-    DCanvas expected;
-    ASSERT_TRUE(ReadPreview({alone, nullptr}, "", nullptr, expected));
-    for (int const x : {0, 300, 1023})
-        for (int const y : {0, 400, 730})
-            EXPECT_EQ(picture.GetPixel(x, y), expected.GetPixel(x, y)) << x << ", " << y;
 }
 
 /// A data set in memory with metadata that need not be true.

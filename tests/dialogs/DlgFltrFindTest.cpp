@@ -4,9 +4,6 @@
 #include "zelvar/platform/ui/ControlId.h"
 #include "zelvar/store/SettingsStore.h"
 
-#include <QtCore/QPointer>
-#include <QtWidgets/QComboBox>
-
 namespace zelvar::test {
 namespace {
 

@@ -7,8 +7,6 @@
 #include "zelvar/data/DriverProvider.h"
 #include "zelvar/dialogs/CBDISelectorDlg.h"
 
-#include <QtCore/QMetaObject>
-
 #include <filesystem>
 
 namespace zelvar::test {
@@ -23,64 +21,6 @@ struct SelectorContainers : RealDriversTest {
         return RunSelector(dialog, act);
     }
 };
-
-TEST_F(SelectorContainers, PagesLayersTablesAndVariablesAreListedByTheirKind) {
-    WritePages(m_folder / "pages.tif", 3);
-    WriteGeoPackage(m_folder / "all.gpkg", 2, 1, 2);
-    WriteNetCdf(m_folder / "cube.nc", 3);
-    for (auto const &[file, mask, rows, some] :
-         Rows<char const *, unsigned, int, char const *>{{"pages.tif", BDINode_Raster, 3, "Page 2"},
-                                                         {"all.gpkg", BDINode_Raster, 2, "picture 1"},
-                                                         {"all.gpkg", BDINode_Thematic, 2, "layer 2"},
-                                                         {"all.gpkg", BDINode_Table, 1, "table 1"},
-                                                         {"cube.nc", BDINode_Raster, 3, "var2"}}) {
-        SCOPED_TRACE(file);
-        auto const act = [&, name = file, count = rows, part = some](SelectorHands const &hands) {
-            EXPECT_EQ(hands.list.GetNumRow(), count);
-            EXPECT_THAT(hands.Rows(), HasSubstr(part));
-            EXPECT_FALSE(hands.tree.ItemHasChildren(hands.tree.GetRootItem())); // none is a container
-            Shot(hands.window, QString("selector-") + name);
-            Click(&hands.ok);
-        };
-        EXPECT_THAT(Run(m_folder / file, mask, act), HasSubstr(file));
-    }
-}
-
-TEST_F(SelectorContainers, AnArchiveShowsItsFoldersAndTheContainersInThem) {
-    WritePages(m_folder / "pages.tif", 1);
-    WriteGeoPackage(m_folder / "two.gpkg", 0, 0, 2);
-    DString const path = m_folder / "archive.zip";
-    WriteZip(path, {{"folder/inside.tif", m_folder / "pages.tif"}, {"folder/two.gpkg", m_folder / "two.gpkg"}});
-    auto const act = [](SelectorHands const &hands) {
-        hands.Expand("archive.zip");
-        hands.Select("folder");
-        EXPECT_EQ(hands.Rows(), "inside.tif two.gpkg"); // which opens as an image, too
-        hands.Expand("folder");
-        TreeNode *const inner = hands.Select("two.gpkg");
-        EXPECT_EQ(hands.list.GetNumRow(), 2) << hands.Rows();
-        QApplication::processEvents();
-        EXPECT_FALSE(hands.tree.ItemHasChildren(inner));
-        Shot(hands.window, "selector-archive");
-        hands.ClickRow(1);
-        Click(&hands.ok);
-    };
-    EXPECT_THAT(Run(path, BDINode_Raster, act), testing::AllOf(HasSubstr("two.gpkg"), HasSubstr("picture")));
-}
-
-TEST_F(SelectorContainers, GroupsOfAFileAreItsContainers) {
-    WriteGroups(m_folder / "groups.h5");
-    auto const act = [](SelectorHands const &hands) {
-        hands.Expand("groups.h5");
-        hands.Expand("outer");
-        EXPECT_EQ(hands.Tree(), "groups.h5[- 1] outer[- 1] inner[0]");
-        hands.Select("outer");
-        EXPECT_EQ(hands.list.GetNumRow(), 2);
-        Shot(hands.window, "selector-groups");
-        hands.ClickRow(0);
-        Click(&hands.ok);
-    };
-    EXPECT_THAT(Run(m_folder / "groups.h5", BDINode_Raster, act), HasSubstr("/outer/one"));
-}
 
 TEST_F(SelectorContainers, WhatIsDamagedOrVanishesStaysEmpty) {
     WritePages(m_folder / "pages.tif", 1);

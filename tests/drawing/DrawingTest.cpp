@@ -1,3 +1,4 @@
+#include "support/Ink.h"
 #include "support/ScriptedDriver.h"
 #include "support/Test.h"
 #include "zelvar/drawing/DrawImgToDC.h"
@@ -24,15 +25,9 @@ struct Paper {
 };
 
 /// The smallest rectangle around what is not paper.
-QRect InkOf(QImage const &image, QRect const &within) {
-    QRect ink;
-    for (int y = within.top(); y <= within.bottom(); ++y)
-        for (int x = within.left(); x <= within.right(); ++x)
-            if (image.pixel(x, y) != kPaper)
-                ink = ink.united(QRect(x, y, 1, 1));
-    return ink;
+QRect InkOf(QImage const &image) {
+    return test::InkOf(image, [](QColor const &color) { return color != QColor(kPaper); }).place;
 }
-QRect InkOf(QImage const &image) { return InkOf(image, image.rect()); }
 
 TEST(RoundRectGradient, FillsFromTheFirstColourToTheSecond) {
     for (auto const &[vertical, first, last] :
@@ -93,8 +88,8 @@ TEST(DrawTextBlock, TheSignOfASecondLineStandsOneLineLower) {
     QImage const second = DrawnText("x\nMorvane222");
     int const textEnd = InkOf(DrawnText("Morvane223")).right();
     QRect const beside(textEnd + 2, 0, 60, 300);
-    QRect const a = InkOf(first, beside);
-    QRect const b = InkOf(second, beside);
+    QRect const a = InkOf(first.copy(beside));
+    QRect const b = InkOf(second.copy(beside));
     ASSERT_FALSE(a.isEmpty());
     EXPECT_EQ(a.left(), b.left());
     EXPECT_NEAR(b.top() - a.top(), 40, 2); // a line of that font height

@@ -12,7 +12,6 @@
 #include "zelvar/store/DCnfg.h"
 
 #include <QtWidgets/QScrollArea>
-#include <QtWidgets/QScrollBar>
 
 #include <filesystem>
 

@@ -9,12 +9,9 @@
 #include <QtCore/QRegularExpression>
 #include <QtGui/QAccessible>
 #include <QtGui/QPainter>
-#include <QtWidgets/QCheckBox>
-#include <QtWidgets/QComboBox>
 #include <QtWidgets/QGroupBox>
 #include <QtWidgets/QHeaderView>
 #include <QtWidgets/QListWidget>
-#include <QtWidgets/QMenu>
 #include <QtWidgets/QStackedWidget>
 #include <QtWidgets/QToolButton>
 

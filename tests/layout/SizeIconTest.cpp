@@ -1,4 +1,5 @@
 #include "support/GuiTest.h"
+#include "support/Ink.h"
 #include "zelvar/layout/cdxCDynamicDialog.h"
 #include "zelvar/layout/cdxCSizeIconCtrl.h"
 
@@ -19,11 +20,7 @@ struct SizeIconTest : testing::Test {
     /// Pixels of the grip that differ from its background.
     [[nodiscard]] int InkCount() const {
         QImage const image = grip->grab().toImage();
-        int ink = 0;
-        for (int y = 0; y < image.height(); ++y)
-            for (int x = 0; x < image.width(); ++x)
-                ink += image.pixel(x, y) != image.pixel(0, 0) ? 1 : 0;
-        return ink;
+        return test::InkOf(image, [&](QColor const &color) { return color != image.pixelColor(0, 0); }).count;
     }
 };
 

@@ -315,12 +315,11 @@ TEST_F(CZelTreeCtrlTest, ImagesAreDrawnIntoTheOwnedList) {
 
     DString const there = folder.Write("install/bin/plugins/there.png", "P1 1 1 1\n");
     DString const here = folder.Write("here.png", "P1 1 1 1\n");
-    setenv("ZELVAR_INSTALL_DIR", (folder / "install").c_str(), 1);
+    test::Environment const installed{{{"ZELVAR_INSTALL_DIR", folder / "install"}}};
     for (auto const &[file, shown] : {std::pair{here, here}, {"there.png", there}, {"nowhere.png", there}}) {
         EXPECT_EQ(tree.DrawPluginIcon(b, 0, file.c_str()), file != "nowhere.png");
         EXPECT_EQ(tree.GetZelImageList().GetHandle()->Get(Image(b)).name, shown);
     }
-    unsetenv("ZELVAR_INSTALL_DIR");
 }
 
 TEST_F(CZelTreeCtrlTest, ABitmapBecomesTheImagesOfTheTree) {

@@ -2,7 +2,6 @@
 
 #include "support/ScriptedDriver.h"
 #include "support/Test.h"
-#include "zelvar/base/Directories.h"
 #include "zelvar/base/PathStyle.h"
 #include "zelvar/data/DriverProvider.h"
 #include "zelvar/model/NtwDataSourceItem.h"
@@ -21,25 +20,19 @@ private:
 };
 
 struct DataSourceExtrasTest : testing::Test {
-    DataSourceExtrasTest() : m_former(GetDataSourceTemplatesDir()) {
-        setenv("ZELVAR_TEMPLATES_DIR", m_folder.Path().c_str(), 1);
+    DataSourceExtrasTest() {
         RDIDriverMngr::Instance()->Reset();
         SetDriverProvider([] {});
         RDIDriverMngr::Instance()->Add(std::make_unique<SuffixDriver>("tif", ".tif"));
         RDIDriverMngr::Instance()->Add(std::make_unique<SuffixDriver>("all", ""));
     }
-    ~DataSourceExtrasTest() override {
-        RDIDriverMngr::Instance()->Reset();
-        setenv("ZELVAR_TEMPLATES_DIR", m_former.c_str(), 1);
-    }
+    ~DataSourceExtrasTest() override { RDIDriverMngr::Instance()->Reset(); }
     [[nodiscard]] RefItemPtr<DataSourceItem> File(char const *name) const {
         return NtwDataSourceItem::CreateItem(m_folder.Write(name).c_str(), nullptr, nullptr);
     }
 
     test::TempFolder m_folder;
-
-private:
-    DString m_former;
+    test::Environment m_environment{{{"ZELVAR_TEMPLATES_DIR", m_folder.Path()}}};
 };
 
 TEST_F(DataSourceExtrasTest, TheFirstEntryWhoseDriverOwnsTheFileApplies) {

@@ -1,6 +1,5 @@
 #include "support/Test.h"
 #include "support/Told.h"
-#include "zelvar/base/Directories.h"
 #include "zelvar/base/Report.h"
 #include "zelvar/model/DataSourceDefinitions.h"
 #include "zelvar/model/DataSourceTemplates.h"
@@ -12,14 +11,6 @@ namespace {
 
 /// Points the definitions and templates to a folder of the test's own and keeps what the user is told.
 struct DataSourceRepositoryTest : testing::Test {
-    DataSourceRepositoryTest()
-        : m_definitions(GetDataSourceDefinitionsDir()), m_templates(GetDataSourceTemplatesDir()) {
-        Use(m_folder.Path());
-    }
-    ~DataSourceRepositoryTest() override {
-        setenv("ZELVAR_DEFINITIONS_DIR", m_definitions.c_str(), 1);
-        setenv("ZELVAR_TEMPLATES_DIR", m_templates.c_str(), 1);
-    }
     static void Use(DString const &directory) {
         setenv("ZELVAR_DEFINITIONS_DIR", directory.c_str(), 1);
         setenv("ZELVAR_TEMPLATES_DIR", directory.c_str(), 1);
@@ -36,11 +27,9 @@ struct DataSourceRepositoryTest : testing::Test {
     }
 
     test::TempFolder m_folder;
+    test::Environment m_environment{
+        {{"ZELVAR_DEFINITIONS_DIR", m_folder.Path()}, {"ZELVAR_TEMPLATES_DIR", m_folder.Path()}}};
     test::Told m_told;
-
-private:
-    DString m_definitions;
-    DString m_templates;
 };
 
 TEST_F(DataSourceRepositoryTest, ReadsAllFilesAndConnectionsFirst) {

@@ -30,29 +30,23 @@ TEST_F(FolderAheadTest, GivesTheChildrenOnceInTheirOrderAndEndsWhenNobodyWantsMo
     EXPECT_EQ(FolderAhead::Current(), nullptr);
     FolderAhead ahead("*.tif;*.lnk");
     EXPECT_EQ(FolderAhead::Current(), &ahead);
-    struct Row {
-        char const *path;
-        std::size_t wanted;
-        std::size_t seen;
-        bool isRead;
-    };
     constexpr std::size_t kAll = kMany;
-    for (Row const &row :
-         {Row{"/d/large", kAll, kMany / 2, true}, {"/d/large", 3, 3, true}, {"/d/small", kAll, 1, true}})
+    for (auto const &[path, most, seen] : test::Rows<char const *, std::size_t, std::size_t>{
+             {"/d/large", kAll, kMany / 2}, {"/d/large", 3, 3}, {"/d/small", kAll, 1}})
         for (bool const isBegun : {true, false}) {
             if (isBegun) {
-                ahead.Begin(At(row.path));
-                ahead.Begin(At(row.path));
-                while (m_shell->EnumerateCalls(row.path) == 0)
+                ahead.Begin(At(path));
+                ahead.Begin(At(path));
+                while (m_shell->EnumerateCalls(path) == 0)
                     std::this_thread::yield();
             }
             std::vector<DString> names;
-            auto const error = ahead.Take(At(row.path), "*.tif;*.lnk", [&](ShellChild &&child) {
+            auto const error = ahead.Take(At(path), "*.tif;*.lnk", [&, wanted = most](ShellChild &&child) {
                 names.push_back(child.name);
-                return names.size() < row.wanted;
+                return names.size() < wanted;
             });
-            EXPECT_EQ(error, isBegun ? std::optional(std::error_code()) : std::nullopt) << row.path;
-            EXPECT_EQ(names.size(), isBegun ? row.seen : 0) << row.path;
+            EXPECT_EQ(error, isBegun ? std::optional(std::error_code()) : std::nullopt) << path;
+            EXPECT_EQ(names.size(), isBegun ? seen : 0) << path;
             if (names.size() > 2) {
                 EXPECT_EQ(names[1], "2.tif");
             }

@@ -5,7 +5,6 @@
 #include "zelvar/model/NtwDataSourceItem.h"
 
 #include <filesystem>
-#include <map>
 
 namespace zelvar {
 namespace {

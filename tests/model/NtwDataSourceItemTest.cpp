@@ -140,6 +140,27 @@ TEST_F(NtwDataSourceItemTest, AStoppedListingIsShorterAndValid) {
     EXPECT_THAT(Names(*Item("/d"), "?", 0, &alsoForFilesLeftOut), ElementsAre("1"));
 }
 
+TEST_F(NtwDataSourceItemTest, AnIteratorStandsOnNoChildBeforeFirstAndChildrenHoldTheirFolder) {
+    struct : DataSourceItemItr {
+    } unfilled;
+    unfilled.First();
+    EXPECT_FALSE(unfilled.IsValid());
+    for (char const *file : {"/d/1", "/d/2"})
+        m_shell->AddFile(file);
+    RefItemPtr<NtwDataSourceItem> const folder = Item("/d");
+    DataSourceItemItr *const walk = folder->CreateIterator(nullptr, nullptr, nullptr, 0, DT_DATA);
+    ASSERT_NE(walk, nullptr);
+    EXPECT_FALSE(walk->IsValid());
+    std::vector<DString> names;
+    for (int round = 0; round < 2; ++round)
+        for (walk->First(); walk->IsValid(); walk->Next())
+            names.push_back(walk->GetItem()->GetName());
+    EXPECT_THAT(names, ElementsAre("1", "2", "1", "2"));
+    EXPECT_EQ(folder->RefCount(), 3);
+    folder->DeleteIterator(walk);
+    EXPECT_EQ(folder->RefCount(), 1) << "they let go of it";
+}
+
 TEST_F(NtwDataSourceItemTest, ACloneKeepsIdentityNameAndParentButNoPictureOfItsOwn) {
     m_shell->AddFile("/d/a.tif", {.size = 3});
     RefItemPtr<DataSourceItem> const item = Children(*Item("/d")).at(0);
@@ -208,25 +229,6 @@ TEST_F(NtwDataSourceItemTest, ANamedDriverAloneDecides) {
     EXPECT_FALSE(CanOpenAsRepository("/d/a.tif", "blind"));
     EXPECT_FALSE(Item("/d/a.tif", "blind")->IsFolder());
 }
-
-/// Gives no answer in time while it is late.
-struct LateDriver : ScriptedTreeDriver {
-    LateDriver() : ScriptedTreeDriver("late", "*.tif") {}
-    [[nodiscard]] bool CanReadPath(DString const &) const override {
-        RequestScope &scope = *RequestScope::Current();
-        time = scope.TimeLeft();
-        kind = scope.Kind();
-        isStopped = scope.IsStopped();
-        if (isLate)
-            scope.SetUnanswered();
-        return !isLate;
-    }
-    bool isLate = true;
-    // Of the last question.
-    mutable std::optional<std::chrono::milliseconds> time;
-    mutable RequestKind kind = RequestKind::Preview;
-    mutable bool isStopped = false;
-};
 
 TEST_F(NtwDataSourceItemTest, WhatNoDriverTellsInTimeCountsAsAFileUntilItIsToldOtherwise) {
     m_shell->AddFile("/d/a.tif");

@@ -6,12 +6,9 @@
 #include "support/Told.h"
 #include "zelvar/base/DFile.h"
 #include "zelvar/base/Directories.h"
-#include "zelvar/base/Report.h"
 #include "zelvar/data/DriverProvider.h"
 #include "zelvar/model/ChildWalker.h"
 #include "zelvar/xml/XMLNode.h"
-
-#include <filesystem>
 
 namespace zelvar::test {
 namespace {

@@ -12,8 +12,6 @@
 #include <QtCore/QUrl>
 #include <QtGui/QClipboard>
 #include <QtGui/QDropEvent>
-#include <QtWidgets/QLineEdit>
-#include <QtWidgets/QMenu>
 
 #include <filesystem>
 

@@ -7,7 +7,7 @@
 #include "zelvar/controls/CZelComboBox.h"
 #include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/data/DriverProvider.h"
-#include "zelvar/data/RDIDriverMngr.h"
+#include "zelvar/data/OpenImage.h"
 #include "zelvar/layout/SplitterBar.h"
 #include "zelvar/model/DataSourceCollector.h"
 #include "zelvar/model/NtwDataSourceItem.h"
@@ -429,19 +429,6 @@ TEST_F(OpenDialog, AContainerIsEnteredAndItsImagesAreListed) {
     EXPECT_NE(dialog->GetSelectedNodePaths()[0].GetDrvr(), nullptr);
 }
 
-/// A variable of the environment for one test.
-class Variable : Pinned {
-public:
-    Variable(char const *name, DString const &value) : m_name(name), m_former(qgetenv(name)) {
-        qputenv(name, QByteArray::fromStdString(value));
-    }
-    ~Variable() { qputenv(m_name, m_former); }
-
-private:
-    char const *m_name;
-    QByteArray m_former;
-};
-
 TEST_F(OpenDialog, ADefinedConnectionIsOpenedFromTheLeftListAndItsImagesArePicked) {
     TempFolder const settings;
     WriteGeoPackage(folder / "survey.gpkg", 2, 1, 2);
@@ -455,7 +442,7 @@ TEST_F(OpenDialog, ADefinedConnectionIsOpenedFromTheLeftListAndItsImagesArePicke
                        definition("Scenes", folder.Path(), "><Parameters/>") +
                        definition("Gone", folder / "gone.gpkg", "><Parameters/>") +
                        definition("Hidden", folder.Path(), "visible='false'><Parameters/>") + "</DataSources>");
-    Variable const place("ZELVAR_DEFINITIONS_DIR", settings.Path());
+    Environment const place{{{"ZELVAR_DEFINITIONS_DIR", settings.Path()}}};
     features = kOpenLine;
     DialogPtr const dialog = Make();
     int const answer = Run(*dialog, [&] {
@@ -503,12 +490,9 @@ TEST_F(OpenDialog, ADefinedConnectionIsOpenedFromTheLeftListAndItsImagesArePicke
     EXPECT_EQ(moniker.GetPathOnDisk(), folder / "survey.gpkg");
     EXPECT_NE(moniker.GetText().find("picture"), DString::npos) << moniker.GetText();
     // What an application does with it: the raster opens.
-    RDIDriver *driver = nullptr;
-    void *handle = nullptr;
-    EXPECT_TRUE(RDIDriverMngr::Instance()->OpenFile(moniker, &driver, &handle, "", nullptr, ""));
-    ASSERT_TRUE(driver != nullptr && handle != nullptr);
-    EXPECT_GT(driver->GetChnlSizeX(handle, 0), 0);
-    driver->CloseFile(handle, true);
+    OpenImage const image(moniker, "", nullptr);
+    ASSERT_TRUE(image.IsOpen());
+    EXPECT_GT(image.Driver().GetChnlSizeX(image.Handle(), 0), 0);
 }
 
 TEST_F(OpenDialog, OptionsOfTheFormatGoIntoTheMoniker) {
@@ -521,7 +505,7 @@ TEST_F(OpenDialog, OptionsOfTheFormatGoIntoTheMoniker) {
         "<tr><td>Threads<td><select name=NUM_THREADS><option>1<option>ALL_CPUS</select><tr><td>Level<td><input "
         "name=OVERVIEW_LEVEL></table>"
         "<p><input type=button id=Apply value=Apply>");
-    Variable const place("ZELVAR_TEMPLATES_DIR", templates.Path());
+    Environment const place{{{"ZELVAR_TEMPLATES_DIR", templates.Path()}}};
     WriteImage(folder / "grey.tif", {.width = 64, .height = 32}, {2});
     DialogPtr const dialog = Make();
     Run(*dialog, [&] {

@@ -1,16 +1,13 @@
 // The dialog over places whose drivers sleep and crash, with the real reader.
 #include "support/HostileFiles.h"
 #include "support/OpenDialogHand.h"
+#include "support/Processes.h"
 #include "zelvar/model/NtwDataSourceItem.h"
 #include "zelvar/opends/ImagePreviewWnd.h"
 #include "zelvar/opends/OpenFeatures.h"
 
 #include <QtCore/QProcess>
 #include <QtGui/QKeyEvent>
-
-#include <filesystem>
-#include <fstream>
-#include <sstream>
 
 #include <unistd.h>
 
@@ -51,23 +48,6 @@ protected:
         return false;
     }
 };
-
-/// Children of this process by state; a zombie is 'Z'.
-std::map<char, int> Children() {
-    std::map<char, int> states;
-    for (auto const &entry : std::filesystem::directory_iterator("/proc")) {
-        std::ifstream file(entry.path() / "stat");
-        std::string line;
-        if (!std::getline(file, line))
-            continue;
-        std::istringstream rest(line.substr(line.rfind(')') + 2));
-        char state = 0;
-        pid_t parent = 0;
-        if (rest >> state >> parent && parent == getpid())
-            ++states[state];
-    }
-    return states;
-}
 
 struct HostilePlaces : HostileFiles {
     HostilePlaces() { Warm({}); }
@@ -121,17 +101,14 @@ struct HostilePlaces : HostileFiles {
     /// Whatever was ended is gone, and not more runs than may.
     static void ExpectNoReaderLeftOver() {
         EXPECT_TRUE(Eventually([] {
-            std::map<char, int> const children = Children();
             int count = 0;
-            for (auto const &[state, number] : children)
-                count += number;
+            for (auto const &[process, state] : ChildrenOf(getpid()))
+                count += state == 'Z' ? 1000 : 1;
             ReaderCounts const readers = CountReaders();
-            return !children.contains('Z') && readers.leftBehind == 0 && readers.alive == count &&
-                   count <= kMostReaders;
+            return readers.leftBehind == 0 && readers.alive == count && count <= kMostReaders;
         })) << CountReaders().alive
             << " alive, " << CountReaders().leftBehind << " left behind";
     }
-
     DFileFrmt all{"", "All Files (*.*)", "*.*"};
 
 private:

@@ -149,28 +149,13 @@ TEST_F(ListPanes, ListsThatAreFilledTogetherReadAFolderOnce) {
     EXPECT_EQ(shell->EnumerateCalls("/data"), calls + 1) << "for both panes";
 }
 
-/// Gives no answer in time while it is late.
-class LateDriver : public ScriptedTreeDriver {
-public:
-    explicit LateDriver(bool const &isLate) : ScriptedTreeDriver("late", "*.tif"), m_isLate(isLate) {}
-    [[nodiscard]] bool CanReadPath(DString const &) const override {
-        if (m_isLate)
-            RequestScope::Current()->SetUnanswered();
-        return !m_isLate;
-    }
-
-private:
-    bool const &m_isLate;
-};
-
 TEST_F(ListPanes, WhatADriverDidNotTellInTimeIsAskedAgainByTheNextListing) {
-    bool isLate = true;
-    BDIDrvrMngr::Instance()->Add(std::make_unique<LateDriver>(isLate));
+    LateDriver &driver = ScriptedDrivers::Add(std::make_unique<LateDriver>());
     AddFiles({"/data/a.tif", "/data/b.txt"});
     auto const list = List(DSListCtrl::ModeFiles);
     list->ResetItems({Item("/data")});
     EXPECT_TRUE(HasRows(*list, 2));
-    isLate = false;
+    driver.isLate = false;
     list->Refresh();
     EXPECT_TRUE(HasRows(*list, 1));
     EXPECT_EQ(Names(*list), std::vector<DString>{"b.txt"}) << "the other is a folder of images";

@@ -13,8 +13,6 @@
 
 #include <QtWidgets/QMessageBox>
 
-#include <filesystem>
-
 namespace zelvar::test {
 namespace {
 

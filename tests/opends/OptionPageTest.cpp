@@ -7,9 +7,6 @@
 #include "zelvar/data/FormatPlugin.h"
 
 #include <QtWidgets/QCheckBox>
-#include <QtWidgets/QComboBox>
-#include <QtWidgets/QLineEdit>
-#include <QtWidgets/QPushButton>
 #include <QtWidgets/QScrollArea>
 
 namespace zelvar::test {

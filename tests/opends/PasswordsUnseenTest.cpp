@@ -2,6 +2,7 @@
 #include "support/HttpServer.h"
 #include "support/OpenDialogHand.h"
 #include "support/PostgresServer.h"
+#include "support/Processes.h"
 #include "support/RealDrivers.h"
 #include "support/SessionBus.h"
 #include "support/Told.h"
@@ -57,14 +58,13 @@ DString TextsOfProcesses(int &readers) {
     for (char **variable = environ; *variable != nullptr; ++variable)
         text += DString(*variable) + "\n";
     readers = 0;
-    for (auto const &entry : std::filesystem::directory_iterator("/proc")) {
-        std::string const words = ReadFile(entry.path() / "cmdline");
-        bool const isOwn =
-            ReadFile(entry.path() / "status").find("PPid:\t" + std::to_string(getpid()) + "\n") != std::string::npos;
-        if (!isOwn || words.find("zelvar-reader") == std::string::npos)
+    for (auto const &[process, state] : ChildrenOf(getpid())) {
+        std::string const place = "/proc/" + std::to_string(process);
+        std::string const words = ReadFile(place + "/cmdline");
+        if (words.find("zelvar-reader") == std::string::npos)
             continue;
         ++readers;
-        text += words + ReadFile(entry.path() / "environ");
+        text += words + ReadFile(place + "/environ");
     }
     return text;
 }

@@ -10,10 +10,7 @@
 #include "zelvar/opends/ValueScale.h"
 
 #include <QtTest/QSignalSpy>
-#include <QtWidgets/QComboBox>
 #include <QtWidgets/QSpinBox>
-
-#include <cmath>
 
 namespace zelvar::test {
 namespace {
@@ -29,22 +26,20 @@ Control *Named(QWidget const &parent, char const *name) {
 
 TEST(PreviewBarAlone, OffersWhatThereIsToChooseAndTellsOfWhatIsChosen) {
     PreviewBar bar;
-    struct Case {
-        ImageExtent extent;
-        QString channel; ///< as it is shown at first; empty for no such control, as the next
-        QString slice;
-        QString frame;
-    };
-    for (Case const &c :
-         {Case{{1, 1, 1}, "", "", ""}, Case{{2, 1, 0}, "1 / 2", "", ""}, Case{{3, 1, 1}, "Colours", "", ""},
-          Case{{1, 120, 1}, "", "1 / 120", ""}, Case{{65536, 5, 7}, "Colours", "1 / 5", "1 / 7"}}) {
-        bar.ShowExtent(c.extent);
+    // As they are shown at first; empty for no such control.
+    Rows<ImageExtent, QString, QString, QString> const cases = {{{1, 1, 1}, "", "", ""},
+                                                                {{2, 1, 0}, "1 / 2", "", ""},
+                                                                {{3, 1, 1}, "Colours", "", ""},
+                                                                {{1, 120, 1}, "", "1 / 120", ""},
+                                                                {{65536, 5, 7}, "Colours", "1 / 5", "1 / 7"}};
+    for (auto const &[extent, channel, slice, frame] : cases) {
+        bar.ShowExtent(extent);
         QCoreApplication::processEvents();
-        for (auto const &[name, text] : {std::pair("Channel", c.channel), {"Slice", c.slice}, {"Frame", c.frame}}) {
+        for (auto const &[name, text] : {std::pair("Channel", channel), {"Slice", slice}, {"Frame", frame}}) {
             auto const *const number = Named<QSpinBox>(bar, name);
             EXPECT_EQ(number == nullptr ? QString() : number->text(), text) << name;
         }
-        EXPECT_EQ(Named<QComboBox>(bar, "Stretch") != nullptr, c.channel + c.slice + c.frame != "");
+        EXPECT_EQ(Named<QComboBox>(bar, "Stretch") != nullptr, channel + slice + frame != "");
         EXPECT_EQ(bar.Choice(), PreviewChoice());
     }
     QSignalSpy const chosen(&bar, &PreviewBar::Chosen);

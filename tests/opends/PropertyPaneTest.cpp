@@ -1,3 +1,4 @@
+#include "support/Ink.h"
 #include "support/OpenDialogHand.h"
 #include "support/ScriptedDriver.h"
 #include "zelvar/opends/CImgPreviewStatic.h"
@@ -5,7 +6,6 @@
 #include "zelvar/opends/ImageExtraWnd.h"
 #include "zelvar/opends/ImagePreviewWnd.h"
 
-#include <QtWidgets/QLabel>
 #include <QtWidgets/QRadioButton>
 #include <QtWidgets/QTreeWidget>
 
@@ -165,16 +165,10 @@ TEST_F(PropertyPane, TheTextBeforeAPictureStaysInTheMiddle) {
     for (QSize const size : {QSize(200, 60), QSize(140, 200)}) {
         preview.resize(size);
         QImage const picture = preview.grab().toImage();
-        int left = picture.width(), right = -1, top = picture.height(), bottom = -1;
-        for (int y = 0; y < picture.height(); ++y)
-            for (int x = 0; x < picture.width(); ++x)
-                if (picture.pixelColor(x, y).lightness() < 128) {
-                    left = std::min(left, x), right = std::max(right, x);
-                    top = std::min(top, y), bottom = std::max(bottom, y);
-                }
-        ASSERT_GT(right, left);
-        EXPECT_NEAR(left, picture.width() - 1 - right, 6);
-        EXPECT_NEAR(top, picture.height() - 1 - bottom, 8);
+        QRect const text = test::InkOf(picture, [](QColor const &color) { return color.lightness() < 128; }).place;
+        ASSERT_GT(text.right(), text.left());
+        EXPECT_NEAR(text.left(), picture.width() - 1 - text.right(), 6);
+        EXPECT_NEAR(text.top(), picture.height() - 1 - text.bottom(), 8);
     }
     EXPECT_EQ(preview.accessibleDescription(), "Please wait...");
 }

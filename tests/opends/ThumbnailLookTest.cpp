@@ -10,9 +10,6 @@
 #include "zelvar/model/NtwDataSourceItem.h"
 
 #include <QtGui/QWheelEvent>
-#include <QtWidgets/QComboBox>
-#include <QtWidgets/QMenu>
-#include <QtWidgets/QScrollBar>
 #include <QtWidgets/QToolButton>
 
 #include <filesystem>
@@ -33,9 +30,7 @@ struct ThumbnailLooks : testing::Test {
         for (int i = 0; i < kImages; ++i)
             WriteImage(folder / Format("i%03d.tif", i),
                        {.width = 8, .height = 8, .sample = [i](int, int, int) { return i + 50.0; }});
-        setenv("XDG_CACHE_HOME", cache.Path().c_str(), 1);
     }
-    ~ThumbnailLooks() override { unsetenv("XDG_CACHE_HOME"); }
     struct Stage {
         explicit Stage(DString const &path, LookChoice const &choice) {
             window.resize(700, 500);
@@ -74,6 +69,7 @@ struct ThumbnailLooks : testing::Test {
     };
     TempFolder folder;
     TempFolder cache;
+    Environment environment{{{"XDG_CACHE_HOME", cache.Path()}}};
 };
 
 TEST_F(ThumbnailLooks, WhatIsInSightAndOnePageAreReadAndTheSecondTimeNothing) {

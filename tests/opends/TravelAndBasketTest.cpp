@@ -21,10 +21,7 @@
 #include "zelvar/platform/ui/Text.h"
 #include "zelvar/settings/Project.h"
 
-#include <QtWidgets/QLabel>
-#include <QtWidgets/QMenu>
 #include <QtWidgets/QMessageBox>
-#include <QtWidgets/QPushButton>
 
 #include <atomic>
 #include <filesystem>
@@ -118,11 +115,7 @@ TEST(MonikerFiles, BringBackWhatWasWritten) {
     EXPECT_EQ(ReadMonikers(file), odd);
     EXPECT_FALSE(WriteMonikers(folder / "missing/m.txt", odd));
 
-    struct Case {
-        char const *what;
-        std::string text;
-        std::optional<Texts> monikers;
-    } const cases[]{
+    Rows<char const *, std::string, std::optional<Texts>> const cases = {
         {"empty", "", Texts()},
         {"of another system", "\xEF\xBB\xBF/a\r\n\r\n# words\r\n/b", Texts{"/a", "/b"}},
         {"relative", "sub/x.tif\n", Texts{folder.Path() + "/sub/x.tif"}},
@@ -130,8 +123,8 @@ TEST(MonikerFiles, BringBackWhatWasWritten) {
          Texts{folder.Path() + "/1: a/b", folder.Path() + "/a:b/c"}},
         {"no text", std::string("II*\0\b\0", 6), std::nullopt},
     };
-    for (Case const &row : cases)
-        EXPECT_EQ(ReadMonikers(folder.Write("case.txt", row.text)), row.monikers) << row.what;
+    for (auto const &[what, text, monikers] : cases)
+        EXPECT_EQ(ReadMonikers(folder.Write("case.txt", text)), monikers) << what;
     std::filesystem::resize_file(file, (std::uintmax_t{64} << 20U) + 1);
     EXPECT_EQ(ReadMonikers(file), std::nullopt) << "too long";
     EXPECT_EQ(ReadMonikers(folder.Path()), std::nullopt) << "a folder";

@@ -2,7 +2,6 @@
 
 #include "support/Test.h"
 
-#include <cstring>
 #include <random>
 
 namespace zelvar {

@@ -5,8 +5,6 @@
 #include <QtGui/QContextMenuEvent>
 #include <QtGui/QTextDocument>
 #include <QtWidgets/QColorDialog>
-#include <QtWidgets/QComboBox>
-#include <QtWidgets/QMenu>
 #include <QtWidgets/QPlainTextEdit>
 #include <QtWidgets/QToolButton>
 

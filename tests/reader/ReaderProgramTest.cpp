@@ -1,10 +1,10 @@
+#include "support/LoopbackPort.h"
 #include "support/RunningReader.h"
 #include "zelvar/base/FileDescriptor.h"
 #include "zelvar/reader/Sanitizers.h"
 
 #include <filesystem>
 
-#include <arpa/inet.h>
 #include <linux/landlock.h>
 #include <poll.h>
 #include <sys/stat.h>
@@ -24,27 +24,6 @@ std::string InfoOf(RunningReader &reader, std::string const &path, std::uint64_t
         return "not opened: " + FailureIn(answer);
     return answer->body.AsImageOpened()->info;
 }
-
-/// A port of 127.0.0.1 that takes connections.
-class Listener {
-public:
-    Listener() : m_socket(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
-        sockaddr_in address{};
-        address.sin_family = AF_INET;
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        socklen_t size = sizeof address;
-        auto *const general = reinterpret_cast<sockaddr *>(&address);
-        EXPECT_EQ(bind(m_socket.Get(), general, size), 0);
-        EXPECT_EQ(listen(m_socket.Get(), 1), 0);
-        EXPECT_EQ(getsockname(m_socket.Get(), general, &size), 0);
-        m_port = ntohs(address.sin_port);
-    }
-    [[nodiscard]] std::string Port() const { return std::to_string(m_port); }
-
-private:
-    FileDescriptor m_socket;
-    int m_port = 0;
-};
 
 TEST(ReaderProgram, ReadsThroughModulesThatItIsToldToLoad) {
     TempFolder const folder;
@@ -96,15 +75,16 @@ TEST(ReaderProgram, StartedByHandItSaysWhatItIs) {
     ASSERT_EQ(socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, records.data()), 0);
     FileDescriptor const ours(records[0]);
     FileDescriptor const theirs(records[1]);
-    for (auto const &words : cases) {
+    for (auto &words : cases) {
         std::array<int, 2> errors{};
         ASSERT_EQ(pipe2(errors.data(), O_CLOEXEC), 0);
-        End const end = WaitFor(SpawnReader(words, {{pair.ends[1], 100},
-                                                    {status->File(), 101},
-                                                    {plain.Get(), 102},
-                                                    {small->File(), 103},
-                                                    {theirs.Get(), 104},
-                                                    {errors[1], STDERR_FILENO}}));
+        words.insert(words.begin(), ZELVAR_READER);
+        End const end = WaitFor(Spawn(words, {{pair.ends[1], 100},
+                                              {status->File(), 101},
+                                              {plain.Get(), 102},
+                                              {small->File(), 103},
+                                              {theirs.Get(), 104},
+                                              {errors[1], STDERR_FILENO}}));
         close(errors[1]);
         std::array<char, 1000> text{};
         EXPECT_GT(read(errors[0], text.data(), text.size() - 1), 0);
@@ -153,7 +133,7 @@ TEST(ReaderProgram, ADriverStartsNoProcessAndReachesNone) {
 
 TEST(ReaderProgram, OnlyANetworkReaderConnects) {
     TempFolder const folder;
-    Listener const listener;
+    LoopbackPort const listener;
     std::string const path = folder.Write("a.hostile", "open connect " + listener.Port() + "\n");
     RunningReader local("local");
     EXPECT_EQ(InfoOf(local, path), "connect: errno 13");

@@ -20,13 +20,9 @@ public:
         m_shell->SetSpecialFolder(ShellFolderOf::Desktop, Styled("C:\\u\\Desktop"));
         m_shell->SetSpecialFolder(ShellFolderOf::Documents, Styled("C:\\u\\Docs"));
         m_former = platform::ShellNamespace::SetCurrent(m_shell);
-        setenv("ZELVAR_INSTALL_DIR", Styled("C:\\inst\\").c_str(), 1);
         SettingsStore::Instance().RemoveTree("User\\DefaultFolders");
     }
-    ~DfltFldrsTest() override {
-        platform::ShellNamespace::SetCurrent(m_former);
-        unsetenv("ZELVAR_INSTALL_DIR");
-    }
+    ~DfltFldrsTest() override { platform::ShellNamespace::SetCurrent(m_former); }
 
 protected:
     /// A text with backslashes in the style under test.
@@ -54,6 +50,7 @@ protected:
 
     std::shared_ptr<test::ScriptedShellNamespace> m_shell;
     std::shared_ptr<platform::ShellNamespace> m_former;
+    test::Environment m_environment{{{"ZELVAR_INSTALL_DIR", Styled("C:\\inst\\")}}};
 };
 INSTANTIATE_TEST_SUITE_P(Styles, DfltFldrsTest, testing::Values(PathStyle::Native(), PathStyle::Windows()),
                          [](auto const &style) { return style.param == PathStyle::Native() ? "Native" : "Windows"; });

@@ -36,41 +36,38 @@ struct ZelRegistryTest : testing::Test {
 };
 
 TEST_F(ZelRegistryTest, EveryTypeSurvivesTheRoundTripByteForByte) {
-    struct Case {
-        unsigned long type;
-        Bytes data;
-        char const *text; ///< in the snapshot
-    };
-    Case const cases[] = {{0, {1, 0xAB}, "01AB"},
-                          {0, {}, ""},
-                          {1, {'a', 'b', 'c', 'd', 0}, "abcd"},
-                          {1, {'a', 'b', 'c', 'd'}, "abcd"},
-                          {1, {'a', 0, 0, 0}, "a"},
-                          {1, {'<', '&', ' ', 0}, "<& "},
-                          {1, {0}, ""},
-                          {1, {}, ""},
-                          {1, {'a', 0, 'b', 0}, "610062"}, // no XML holds a zero
-                          {1, {0xFF, 7, 0}, "FF07"},
-                          {2, {'%', 'P', '%', 0}, "%P%"},
-                          {3, {0, 1, 2}, "000102"},
-                          {4, {0xFF, 0xFF, 0xFF, 0xFF}, "-1"},
-                          {4, {0, 0, 0, 0x80}, "-2147483648"},
-                          {4, {1, 2}, "0x0102"},
-                          {4, {1, 2, 3, 4, 5}, "0x0102030405"},
-                          {7, {'a', 0, 'b', 0, 0}, "6100620000"},
-                          {7, {0}, "00"},
-                          {7, {'a'}, "61"},
-                          {11, {0xFE, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}, "-2"},
-                          {11, {}, ""},
-                          {0xFFFFFFFF, {9}, "09"},
-                          {kRegDouble, {1, 0, 0, 0, 0, 0, 0xF8, 0x7F}, "010000000000F87F"}, // not a number, and which
-                          {kRegTextList, {1, 0, 0}, "010000"}};
+    // `text`: in the snapshot
+    test::Rows<unsigned long, Bytes, char const *> const cases = {
+        {0, {1, 0xAB}, "01AB"},
+        {0, {}, ""},
+        {1, {'a', 'b', 'c', 'd', 0}, "abcd"},
+        {1, {'a', 'b', 'c', 'd'}, "abcd"},
+        {1, {'a', 0, 0, 0}, "a"},
+        {1, {'<', '&', ' ', 0}, "<& "},
+        {1, {0}, ""},
+        {1, {}, ""},
+        {1, {'a', 0, 'b', 0}, "610062"}, // no XML holds a zero
+        {1, {0xFF, 7, 0}, "FF07"},
+        {2, {'%', 'P', '%', 0}, "%P%"},
+        {3, {0, 1, 2}, "000102"},
+        {4, {0xFF, 0xFF, 0xFF, 0xFF}, "-1"},
+        {4, {0, 0, 0, 0x80}, "-2147483648"},
+        {4, {1, 2}, "0x0102"},
+        {4, {1, 2, 3, 4, 5}, "0x0102030405"},
+        {7, {'a', 0, 'b', 0, 0}, "6100620000"},
+        {7, {0}, "00"},
+        {7, {'a'}, "61"},
+        {11, {0xFE, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}, "-2"},
+        {11, {}, ""},
+        {0xFFFFFFFF, {9}, "09"},
+        {kRegDouble, {1, 0, 0, 0, 0, 0, 0xF8, 0x7F}, "010000000000F87F"}, // not a number, and which
+        {kRegTextList, {1, 0, 0}, "010000"}};
     ASSERT_TRUE(m_registry.CreateKey("k"));
     int number = 0;
-    for (Case const &value : cases) {
+    for (auto const &[type, data, text] : cases) {
         DString const name = Format("v%03d", number++);
-        ASSERT_TRUE(Write(name.c_str(), value.type, value.data)) << name;
-        EXPECT_EQ(Read(name.c_str()), (RegistryValue{static_cast<std::uint32_t>(value.type), value.data})) << name;
+        ASSERT_TRUE(Write(name.c_str(), type, data)) << name;
+        EXPECT_EQ(Read(name.c_str()), (RegistryValue{static_cast<std::uint32_t>(type), data})) << name;
     }
     std::unique_ptr<XMLNode> const tree(m_registry.ToXMLNode());
     XMLNode loaded;
@@ -78,13 +75,13 @@ TEST_F(ZelRegistryTest, EveryTypeSurvivesTheRoundTripByteForByte) {
     EXPECT_TRUE(ZelRegistry::IsSnapshot(loaded, nullptr));
     ASSERT_TRUE(ZelRegistry(m_other, 0, 0).FromXMLNode(&loaded));
     number = 0;
-    for (Case const &value : cases) {
+    for (auto const &[type, data, text] : cases) {
         DString const name = Format("v%03d", number++);
         EXPECT_EQ(m_other.Read("k", name), m_store.Read("k", name)) << name;
         XMLNode const *const element = Element(loaded, name);
         ASSERT_NE(element, nullptr);
-        EXPECT_EQ(element->GetText(), value.text) << name;
-        EXPECT_EQ(element->GetAttrInt("size", -1), static_cast<long long>(value.data.size()));
+        EXPECT_EQ(element->GetText(), text) << name;
+        EXPECT_EQ(element->GetAttrInt("size", -1), static_cast<long long>(data.size()));
     }
 }
 
@@ -195,13 +192,8 @@ TEST_F(ZelRegistryTest, TheLastResultTellsWhatHappened) {
 }
 
 TEST_F(ZelRegistryTest, WhatATreeMayNotSayIsSkippedOrRefused) {
-    struct Case {
-        char const *element;
-        bool isSnapshot;
-        bool isTaken;
-        Bytes data; ///< of "v", if it is there
-    };
-    Case const cases[] = {
+    // `data`: of "v", if it is there
+    test::Rows<char const *, bool, bool, Bytes> const cases = {
         {R"(<RegValue path="v" type="3" size="2">0a0B</RegValue>)", true, true, {10, 11}},
         {R"(<regVALUE path="v" type="3" size="1"> 0A </regVALUE>)", true, true, {10}},
         {R"(<RegValue path="v" type="3" size="1">0A0B</RegValue>)", false, true, {10}},
@@ -224,18 +216,18 @@ TEST_F(ZelRegistryTest, WhatATreeMayNotSayIsSkippedOrRefused) {
         {R"(<Other/>)", false, true, {}},
         {"<!-- a word --> and a text", true, true, {}},
     };
-    for (Case const &value : cases) {
-        SCOPED_TRACE(value.element);
+    for (auto const &[element, isSnapshot, isTaken, data] : cases) {
+        SCOPED_TRACE(element);
         XMLNode tree;
         // What comes behind is done nonetheless.
-        ASSERT_TRUE(tree.LoadText(DString(R"(<RegKey path="k\\"><RegKey path="k\below"/>)") + value.element +
+        ASSERT_TRUE(tree.LoadText(DString(R"(<RegKey path="k\\"><RegKey path="k\below"/>)") + element +
                                   R"(<RegValue path="last" type="1" size="1"/></RegKey>)"));
-        EXPECT_EQ(ZelRegistry::IsSnapshot(tree, nullptr), value.isSnapshot);
-        EXPECT_EQ(m_registry.FromXMLNode(&tree), value.isTaken);
+        EXPECT_EQ(ZelRegistry::IsSnapshot(tree, nullptr), isSnapshot);
+        EXPECT_EQ(m_registry.FromXMLNode(&tree), isTaken);
         EXPECT_TRUE(m_store.HasKey("k\\below"));
         EXPECT_TRUE(m_store.Read("k", "last").has_value());
         std::optional<SettingsStore::Value> const stored = m_store.Read("k", "v");
-        EXPECT_EQ(stored ? ToRegistry(*stored).data : Bytes{}, value.data);
+        EXPECT_EQ(stored ? ToRegistry(*stored).data : Bytes{}, data);
         ASSERT_TRUE(m_store.RemoveTree("k"));
     }
     XMLNode many("RegKey");

@@ -1,18 +1,16 @@
 #include "zelvar/store/SettingsStore.h"
 
-#include "support/Test.h"
+#include "support/Processes.h"
 #include "support/Told.h"
 #include "zelvar/base/DFile.h"
 #include "zelvar/base/DFileFind.h"
 #include "zelvar/base/Directories.h"
 #include "zelvar/store/DCnfg.h"
 
-#include <csignal>
 #include <filesystem>
 #include <random>
 #include <thread>
 
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -20,19 +18,9 @@
 namespace zelvar {
 namespace {
 
-/// Runs `body` in a process of its own; its result is the exit status.
-pid_t InChild(std::function<int()> const &body) {
-    pid_t const child = fork();
-    if (child == 0)
-        _exit(body());
-    return child;
-}
-
-int StatusOf(pid_t child) {
-    int status = -1;
-    waitpid(child, &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
+using test::FullDisk;
+using test::InChild;
+using test::StatusOf;
 
 struct SettingsStoreTest : testing::Test {
     [[nodiscard]] std::size_t FilesNamed(char const *mask) const {
@@ -323,9 +311,7 @@ TEST_F(SettingsStoreTest, ATransactionThatAForkFallsIntoIsTheParents) {
 TEST_F(SettingsStoreTest, AFullDiskRefusesTheWriteAndLosesNothing) {
     EXPECT_TRUE(SettingsStore(m_file).Write("k", "n", DString("kept")));
     pid_t const child = InChild([&] {
-        std::ignore = std::signal(SIGXFSZ, SIG_IGN);
-        rlimit const small{.rlim_cur = 40'000, .rlim_max = 40'000};
-        setrlimit(RLIMIT_FSIZE, &small);
+        FullDisk const full(40'000);
         SettingsStore store(m_file);
         bool const refused = !store.Write("k", "big", DString(100'000, 'x'));
         return refused && store.ReadString("k", "n") == "kept" && store.Write("k", "n", DString("after")) ? 0 : 1;

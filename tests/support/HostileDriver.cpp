@@ -45,6 +45,7 @@
 //
 // The sample at (x, y) of channel c is x + 10 * y + 100 * c; palettes give it three times. Windows are read by nearest
 // neighbour. Nothing of a file is remembered between calls on it.
+#include "support/LoopbackPort.h"
 #include "zelvar/base/Export.h"
 #include "zelvar/base/PathStyle.h"
 #include "zelvar/data/BDIDrvrMngr.h"
@@ -69,7 +70,6 @@
 #include <thread>
 #include <vector>
 
-#include <arpa/inet.h>
 #include <fcntl.h>
 #include <linux/fs.h>
 #include <netdb.h>
@@ -94,11 +94,8 @@ DString Connect(int port) {
     int const socketFile = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
     if (socketFile < 0)
         return Outcome(socketFile);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_port = htons(static_cast<std::uint16_t>(port));
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    DString outcome = Outcome(connect(socketFile, reinterpret_cast<sockaddr *>(&address), sizeof address));
+    sockaddr_in const address = Loopback(port);
+    DString outcome = Outcome(connect(socketFile, reinterpret_cast<sockaddr const *>(&address), sizeof address));
     close(socketFile);
     return outcome;
 }
@@ -128,10 +125,7 @@ DString ReachHost(DString const &place) {
 /// Without the functions of libraries, to 127.0.0.1.
 DString ConnectRaw(int port, bool isFastOpen) {
     int const file = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_port = htons(static_cast<std::uint16_t>(port));
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    sockaddr_in const address = Loopback(port);
     DString outcome = Outcome(isFastOpen ? syscall(SYS_sendto, file, "x", 1, MSG_FASTOPEN, &address, sizeof address)
                                          : syscall(SYS_connect, file, &address, sizeof address));
     close(file);

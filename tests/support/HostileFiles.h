@@ -1,9 +1,9 @@
 #pragma once
 
+#include "support/OpenedImage.h"
 #include "support/Stopwatch.h"
 #include "support/Test.h"
 #include "zelvar/data/BDIDrvrMngr.h"
-#include "zelvar/data/RDIDriverMngr.h"
 #include "zelvar/data/reader/DriverModule.h"
 
 namespace zelvar::test {
@@ -30,31 +30,7 @@ struct HostileFiles : testing::Test {
         return folder.Write(std::string(name) + ".hostile", text);
     }
 
-    /// An image opened by the manager, closed at the end.
-    struct Image : Pinned {
-        explicit Image(std::string const &path, StopSignal const *stop = nullptr) {
-            RDIDriverMngr::Instance()->OpenFile({path, nullptr}, &driver, &handle, "", &error, "", stop);
-        }
-        ~Image() {
-            if (handle != nullptr)
-                driver->CloseFile(handle, true);
-        }
-        explicit operator bool() const { return handle != nullptr; }
-        /// The samples of a channel as they are; empty if they cannot be read.
-        [[nodiscard]] std::vector<unsigned char> Read(int channel) const {
-            int const width = driver->GetChnlSizeX(handle, channel);
-            int const height = driver->GetChnlSizeY(handle, channel);
-            std::vector<unsigned char> samples(static_cast<std::size_t>(width * height));
-            if (!driver->ReadBlockRsmpl(handle, channel, 0, 0, width, height, samples.data(), width, height,
-                                        RDIDriver::Nearest, true, true))
-                samples.clear();
-            return samples;
-        }
-        RDIDriver *driver = nullptr;
-        void *handle = nullptr;
-        DError error;
-    };
-
+    using Image = OpenedImage;
     TempFolder folder;
 };
 

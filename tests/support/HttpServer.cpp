@@ -4,7 +4,6 @@
 #include <array>
 #include <stdexcept>
 
-#include <arpa/inet.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -24,16 +23,8 @@ bool AwaitReadable(int descriptor, int wake) {
 } // namespace
 
 HttpServer::HttpServer() {
-    m_listener = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t size = sizeof address;
-    auto *const raw = reinterpret_cast<sockaddr *>(&address);
-    if (m_listener < 0 || bind(m_listener, raw, size) != 0 || listen(m_listener, 16) != 0 ||
-        getsockname(m_listener, raw, &size) != 0 || pipe(m_wake) != 0)
+    if (pipe(m_wake) != 0)
         throw std::runtime_error("no server on the loopback interface");
-    m_port = ntohs(address.sin_port);
     m_thread = std::thread([this] { Run(); });
 }
 
@@ -41,10 +32,9 @@ HttpServer::~HttpServer() {
     close(m_wake[1]);
     m_thread.join();
     close(m_wake[0]);
-    close(m_listener);
 }
 
-std::string HttpServer::Url() const { return "http://127.0.0.1:" + std::to_string(m_port); }
+std::string HttpServer::Url() const { return "http://" + m_listener.Place(); }
 
 void HttpServer::Serve(std::string const &path, std::string bytes, std::string const &type) {
     std::lock_guard const lock(m_mutex);
@@ -97,8 +87,8 @@ std::set<std::string> HttpServer::Logins() const {
 }
 
 void HttpServer::Run() {
-    while (AwaitReadable(m_listener, m_wake[0])) {
-        int const connection = accept4(m_listener, nullptr, nullptr, SOCK_CLOEXEC);
+    while (AwaitReadable(m_listener.Socket(), m_wake[0])) {
+        int const connection = accept4(m_listener.Socket(), nullptr, nullptr, SOCK_CLOEXEC);
         if (connection < 0)
             continue;
         ++m_connections;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "support/LoopbackPort.h"
 #include "support/StoreAnswers.h"
 #include "support/Test.h"
 
@@ -18,7 +19,7 @@ public:
 
     /// "http://127.0.0.1:<port>", without a separator at its end.
     [[nodiscard]] std::string Url() const;
-    [[nodiscard]] int Port() const { return m_port; }
+    [[nodiscard]] int Port() const { return m_listener.Number(); }
     /// `path` as it stands in a request, from "/" on.
     void Serve(std::string const &path, std::string bytes, std::string const &type = "application/octet-stream");
     /// Answers with that status, a refusal or a failure, and a body where one is given. `path` may follow a method:
@@ -71,8 +72,7 @@ private:
     /// False if the server or the connection ends meanwhile.
     [[nodiscard]] bool Wait(int connection, std::chrono::milliseconds time) const;
 
-    int m_listener = -1;
-    int m_port = 0;
+    LoopbackPort m_listener{16};
     int m_wake[2] = {-1, -1}; ///< a pipe; its end ends all waits
     std::atomic<bool> m_hangs{false};
     std::atomic<bool> m_drips{false};

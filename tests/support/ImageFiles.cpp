@@ -37,6 +37,17 @@ Dataset Create(char const *format, DString const &path, int width, int height, i
 }
 
 void Fill(GDALDatasetH dataset, ImageSpec const &spec) {
+    GDALRasterBandH const first = GDALGetRasterBand(dataset, 1);
+    if (spec.nodata) {
+        EXPECT_EQ(GDALSetRasterNoDataValue(first, *spec.nodata), CE_None);
+    }
+    if (!spec.palette.empty()) {
+        GDALColorTableH const table = GDALCreateColorTable(GPI_RGB);
+        for (std::size_t i = 0; i < spec.palette.size(); ++i)
+            GDALSetColorEntry(table, static_cast<int>(i), &spec.palette[i]);
+        EXPECT_EQ(GDALSetRasterColorTable(first, table), CE_None);
+        GDALDestroyColorTable(table);
+    }
     std::vector<double> row(static_cast<std::size_t>(spec.width));
     for (int channel = 0; channel < spec.channels; ++channel)
         for (int y = 0; y < spec.height; ++y) {

@@ -19,6 +19,8 @@ struct ImageSpec {
     std::function<double(int channel, int x, int y)> sample = [](int channel, int x, int y) {
         return (x + 2 * y + 50 * channel) % 251;
     };
+    std::optional<double> nodata = {};        ///< of the first channel
+    std::vector<GDALColorEntry> palette = {}; ///< as this
 };
 
 /// Writes the image at `path`, with overviews of these reductions inside the file. Fails the test if GDAL cannot.

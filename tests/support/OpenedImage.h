@@ -1,6 +1,5 @@
 #pragma once
 
-#include "support/RealDrivers.h"
 #include "support/TestFiles.h"
 #include "zelvar/data/RDIDriverMngr.h"
 
@@ -8,11 +7,10 @@
 
 namespace zelvar::test {
 
-/// Opens one image with the real drivers.
+/// An image opened by the manager of the drivers, closed at the end.
 class OpenedImage : Pinned {
 public:
     explicit OpenedImage(DString const &moniker, DString const &driverId = {}, StopSignal const *stop = nullptr) {
-        UseRealDrivers();
         RDIDriverMngr::Instance()->OpenFile({moniker, nullptr}, &driver, &handle, "", &error, driverId.c_str(), stop);
     }
     ~OpenedImage() {
@@ -21,6 +19,7 @@ public:
     }
     explicit operator bool() const { return handle != nullptr; }
 
+    /// Empty if they cannot be read.
     template <class Sample>
     [[nodiscard]] std::vector<Sample> Read(double x, double y, double width, double height, int outWidth, int outHeight,
                                            int resampling, int channel = 0) const {
@@ -29,6 +28,12 @@ public:
                                     resampling, true, true))
             samples.clear();
         return samples;
+    }
+    /// A channel of bytes as it is.
+    [[nodiscard]] std::vector<unsigned char> Read(int channel) const {
+        int const width = driver->GetChnlSizeX(handle, channel);
+        int const height = driver->GetChnlSizeY(handle, channel);
+        return Read<unsigned char>(0, 0, width, height, width, height, RDIDriver::Nearest, channel);
     }
 
     RDIDriver *driver = nullptr;

@@ -1,5 +1,6 @@
 #include "support/PostgresServer.h"
 
+#include "support/Processes.h"
 #include "zelvar/base/DString.h"
 
 #include <cstdlib>
@@ -16,13 +17,6 @@ namespace {
 constexpr char kPrograms[] = "/usr/lib/postgresql/15/bin/";
 constexpr char kPasswordFile[] = "password";
 constexpr char kUserOfServer[] = "postgres"; // programs of the server refuse the superuser
-
-std::string Quoted(std::string const &word) {
-    std::string quoted = "'";
-    for (char const c : word)
-        quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
-    return quoted + "'";
-}
 
 /// What a shell's line prints.
 std::string OutputOf(std::string const &line) {

@@ -1,9 +1,7 @@
 #pragma once
 
-#include "support/Test.h"
+#include "support/Processes.h"
 #include "zelvar/base/DString.h"
-
-#include <sys/wait.h>
 
 namespace zelvar::test {
 
@@ -12,13 +10,6 @@ struct Outcome {
     std::string out;
     std::string err;
 };
-
-inline std::string Quoted(std::string const &word) {
-    std::string quoted = "'";
-    for (char const c : word)
-        quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
-    return quoted + "'";
-}
 
 /// Runs the command as a script does, with `variables` as "NAME=value" in its environment.
 inline Outcome Zelvar(std::vector<std::string> const &words, std::string const &variables = {},

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "support/Processes.h"
 #include "support/ReaderTalk.h"
 #include "zelvar/data/wire/ReaderStatus.h"
 #include "zelvar/data/wire/SharedMemory.h"
@@ -8,28 +9,9 @@
 #include <thread>
 
 #include <fcntl.h>
-#include <spawn.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace zelvar::test {
-
-/// Starts the reader's program; the numbers of descriptors that it inherits are as they are there.
-inline pid_t SpawnReader(std::vector<std::string> words, std::vector<std::pair<int, int>> const &inherited) {
-    words.insert(words.begin(), ZELVAR_READER);
-    std::vector<char *> arguments;
-    for (std::string &word : words)
-        arguments.push_back(word.data());
-    arguments.push_back(nullptr);
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    for (auto const &[from, to] : inherited)
-        posix_spawn_file_actions_adddup2(&actions, from, to);
-    pid_t reader = -1;
-    EXPECT_EQ(posix_spawn(&reader, ZELVAR_READER, &actions, nullptr, arguments.data(), environ), 0);
-    posix_spawn_file_actions_destroy(&actions);
-    return reader;
-}
 
 /// How a process came to its end.
 struct End {
@@ -58,7 +40,7 @@ public:
         std::vector<std::pair<int, int>> inherited{{pair.ends[1], 100}, {m_status->File(), 101}};
         if (heirloom >= 0)
             inherited.insert(inherited.end(), {{heirloom, 99}, {heirloom, 102}});
-        m_process = SpawnReader({"100", "101", std::move(reach), std::move(module)}, inherited);
+        m_process = Spawn({ZELVAR_READER, "100", "101", std::move(reach), std::move(module)}, inherited);
         close(pair.ends[1]);
     }
     ~RunningReader() {

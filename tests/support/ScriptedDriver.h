@@ -3,6 +3,7 @@
 #include "support/TestFiles.h"
 #include "zelvar/data/BDIDrvrMngr.h"
 #include "zelvar/data/RDIDriverMngr.h"
+#include "zelvar/data/RequestScope.h"
 
 #include <algorithm>
 #include <atomic>
@@ -334,6 +335,25 @@ private:
 
     DString m_id;
     std::map<DString, ScriptedImage> m_images;
+};
+
+/// A tree driver that gives no answer in time while it is late.
+struct LateDriver : ScriptedTreeDriver {
+    LateDriver() : ScriptedTreeDriver("late", "*.tif") {}
+    [[nodiscard]] bool CanReadPath(DString const &) const override {
+        RequestScope &scope = *RequestScope::Current();
+        time = scope.TimeLeft();
+        kind = scope.Kind();
+        isStopped = scope.IsStopped();
+        if (isLate)
+            scope.SetUnanswered();
+        return !isLate;
+    }
+    bool isLate = true;
+    // Of the last question.
+    mutable std::optional<std::chrono::milliseconds> time;
+    mutable RequestKind kind = RequestKind::Preview;
+    mutable bool isStopped = false;
 };
 
 /// Both managers empty for one test, filled by `Add...`, and empty again at its end.

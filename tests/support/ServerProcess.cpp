@@ -1,29 +1,20 @@
 #include "support/ServerProcess.h"
 
+#include "support/LoopbackPort.h"
+
 #include <cstdint>
 #include <thread>
-#include <tuple>
 
-#include <arpa/inet.h>
 #include <fcntl.h>
 #include <grp.h>
 #include <pwd.h>
 #include <sys/prctl.h>
-#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 namespace zelvar::test {
 
 namespace {
-
-sockaddr_in Loopback(int port) {
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_port = htons(static_cast<std::uint16_t>(port));
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    return address;
-}
 
 pid_t Begin(ServerProcess::Program const &program) {
     std::vector<char *> arguments;
@@ -53,15 +44,7 @@ pid_t Begin(ServerProcess::Program const &program) {
 
 } // namespace
 
-int FreePort() {
-    int const listener = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_in address = Loopback(0);
-    socklen_t size = sizeof address;
-    auto *const general = reinterpret_cast<sockaddr *>(&address);
-    bool const isBound = bind(listener, general, size) == 0 && getsockname(listener, general, &size) == 0;
-    close(listener);
-    return isBound ? ntohs(address.sin_port) : 0;
-}
+int FreePort() { return LoopbackPort().Number(); }
 
 bool TakesConnections(int port) {
     int const asked = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);

@@ -52,6 +52,23 @@ std::string TempFolder::TooDeepFolders() const {
     return name;
 }
 
+Environment::Environment(Values const &values) {
+    for (auto const &[name, value] : values) {
+        char const *const former = std::getenv(name.c_str());
+        m_former[name] = former == nullptr ? std::nullopt : std::optional<std::string>(former);
+    }
+    Set(values);
+}
+
+void Environment::Set(Values const &values) {
+    for (auto const &[name, value] : values) {
+        if (value)
+            setenv(name.c_str(), value->c_str(), 1);
+        else
+            unsetenv(name.c_str());
+    }
+}
+
 SandboxEnvironment::SandboxEnvironment() {
     for (char const *place : {"definitions", "templates", "home", "run"})
         std::ignore = m_folder.Folder(place);

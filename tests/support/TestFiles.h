@@ -1,5 +1,7 @@
 #pragma once
 
+#include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -39,6 +41,18 @@ public:
 
 private:
     std::string m_path;
+};
+
+/// Variables of the environment with these values, or without those that have none, for as long as this lives.
+class Environment : Pinned {
+public:
+    using Values = std::map<std::string, std::optional<std::string>>;
+    explicit Environment(Values const &values);
+    ~Environment() { Set(m_former); }
+
+private:
+    static void Set(Values const &values);
+    Values m_former;
 };
 
 /// Points every place that the library would read or write of the user's (settings, definitions, templates, home) to a

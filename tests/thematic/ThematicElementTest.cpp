@@ -1,3 +1,4 @@
+#include "support/Ink.h"
 #include "support/Test.h"
 #include "zelvar/controls/CZelImageList.h"
 #include "zelvar/thematic/ThematicGroup.h"
@@ -91,11 +92,8 @@ TEST(ThematicHyperlink, IsALinkOrPlainText) {
     link.SetText("Link");
     EXPECT_TRUE(link.GetFont().underline());
     auto const hasBlue = [](QImage const &image) {
-        for (int i = 0; i < image.width() * image.height(); ++i)
-            if (QColor const c = image.pixelColor(i % image.width(), i / image.width()); c.green() < 40)
-                if (c.blue() - c.red() > 100)
-                    return true;
-        return false;
+        auto const isBlue = [](QColor const &c) { return c.green() < 40 && c.blue() - c.red() > 100; };
+        return test::InkOf(image, isBlue).count > 0;
     };
     EXPECT_TRUE(hasBlue(Drawn(link)));
     link.SetEnabled(false);

@@ -5,7 +5,6 @@
 #include "zelvar/data/RequestScope.h"
 
 #include <condition_variable>
-#include <fstream>
 
 #include <sys/resource.h>
 

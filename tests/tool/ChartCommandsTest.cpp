@@ -61,25 +61,21 @@ TEST_F(ChartCommands, APageOfTheGalleryCanBeShown) {
 }
 
 TEST_F(ChartCommands, WhatCannotBeDoneIsTold) {
-    struct Case {
-        std::vector<std::string> words;
-        int exitCode;
-        char const *says;
-    };
-    Case const cases[] = {{{"histogram", m_folder / "none.tif", "--print"}, 3, "none.tif"},
-                          {{"histogram", m_table, "--column", "z", "--print"}, 3, "there is no column 'z'"},
-                          {{"histogram", m_table, "--slots", "0", "--print"}, 2, "counted from 1"},
-                          {{"histogram", m_table, "--band", "1", "--column", "x"}, 2, "bands or columns"},
-                          {{"histogram", m_table, "--size", "big"}, 2, "640x480"},
-                          {{"plot", m_table, "--x", "x"}, 2, "--y"},
-                          {{"gallery", "--page", "none"}, 2, "the pages are plot, histogram"},
-                          {{"plot", m_table, "--x", "x", "--y", "9"}, 3, "there is no column '9'"},
-                          {{"plot", m_folder / "none.csv", "--x", "x", "--y", "y"}, 3, "none.csv"},
-                          {{"plot", m_table, "--x", "x", "--y", "y", "--shot", "/nowhere/a.png"}, 3, "cannot write"}};
-    for (Case const &c : cases) {
-        Outcome const outcome = Zelvar(c.words, "QT_QPA_PLATFORM=offscreen");
-        EXPECT_EQ(outcome.exitCode, c.exitCode) << c.says;
-        EXPECT_THAT(outcome.err, HasSubstr(c.says));
+    test::Rows<std::vector<std::string>, int, char const *> const cases = {
+        {{"histogram", m_folder / "none.tif", "--print"}, 3, "none.tif"},
+        {{"histogram", m_table, "--column", "z", "--print"}, 3, "there is no column 'z'"},
+        {{"histogram", m_table, "--slots", "0", "--print"}, 2, "counted from 1"},
+        {{"histogram", m_table, "--band", "1", "--column", "x"}, 2, "bands or columns"},
+        {{"histogram", m_table, "--size", "big"}, 2, "640x480"},
+        {{"plot", m_table, "--x", "x"}, 2, "--y"},
+        {{"gallery", "--page", "none"}, 2, "the pages are plot, histogram"},
+        {{"plot", m_table, "--x", "x", "--y", "9"}, 3, "there is no column '9'"},
+        {{"plot", m_folder / "none.csv", "--x", "x", "--y", "y"}, 3, "none.csv"},
+        {{"plot", m_table, "--x", "x", "--y", "y", "--shot", "/nowhere/a.png"}, 3, "cannot write"}};
+    for (auto const &[words, exitCode, says] : cases) {
+        Outcome const outcome = Zelvar(words, "QT_QPA_PLATFORM=offscreen");
+        EXPECT_EQ(outcome.exitCode, exitCode) << says;
+        EXPECT_THAT(outcome.err, HasSubstr(says));
         EXPECT_EQ(outcome.out, "");
     }
 }

@@ -27,37 +27,24 @@ struct FileDialogCommand : testing::Test {
     test::TempFolder settings;
 };
 
-struct KindCase {
-    char const *kind;
-    char const *file; ///< that can be picked
-    char const *title;
-    char const *saved; ///< what saving "new" gives; null if there is nothing to save
-};
-
 TEST_F(FileDialogCommand, EachKindIsOpenedAndSavedByItsOperation) {
-    KindCase const cases[] = {{"raster", "grey.tif", "Import Image Layer...", "new.tif"},
-                              {"thematic", "grey.tif", "Import Thematic Layer...", "new.tif"},
-                              {"attributes", "a.csv", "Load Attributes...", "new.csv"},
-                              {"metadata", "a.csv", "Import MetaData...", nullptr},
-                              {"table", "a.txt", "Load Table...", "new.txt"},
-                              {"tiff", "grey.tif", "Load TIFF Image...", "new.tif"},
-                              {"xml", "a.xml", "Load XML File...", "new.xml"},
-                              {"project", "a.mvp", "Open Project...", "new.mvp"},
-                              {"workspace", "a.mvw", "Open Workspace...", "new.mvw"},
-                              {"process", "a.mvr", "Load Process...", "new.mvr"},
-                              {"ruleset", "a.mvt", "Load Rule Set...", "new.mvr"},
-                              {"solution", "a.mvs", "Load Analysis Solution...", "new.mvs"},
-                              {"all", "anything", "Load Data...", "new"}};
-    for (KindCase const &c : cases) {
-        SCOPED_TRACE(c.kind);
-        if (!std::filesystem::exists(folder / c.file))
-            folder.Write(c.file);
-        Outcome const open = Run({"open", folder.Path(), "--for", c.kind, "--select", c.file, "--accept"});
-        EXPECT_EQ(open.out, folder / c.file + "\n") << open.err;
+    // Kind, a file that can be picked, what saving "new" gives; null if there is nothing to save.
+    test::Rows<char const *, char const *, char const *> const cases = {
+        {"raster", "grey.tif", "new.tif"}, {"thematic", "grey.tif", "new.tif"}, {"attributes", "a.csv", "new.csv"},
+        {"metadata", "a.csv", nullptr},    {"table", "a.txt", "new.txt"},       {"tiff", "grey.tif", "new.tif"},
+        {"xml", "a.xml", "new.xml"},       {"project", "a.mvp", "new.mvp"},     {"workspace", "a.mvw", "new.mvw"},
+        {"process", "a.mvr", "new.mvr"},   {"ruleset", "a.mvt", "new.mvr"},     {"solution", "a.mvs", "new.mvs"},
+        {"all", "anything", "new"}};
+    for (auto const &[kind, file, saved] : cases) {
+        SCOPED_TRACE(kind);
+        if (!std::filesystem::exists(folder / file))
+            folder.Write(file);
+        Outcome const open = Run({"open", folder.Path(), "--for", kind, "--select", file, "--accept"});
+        EXPECT_EQ(open.out, folder / file + "\n") << open.err;
         EXPECT_EQ(open.exitCode, 0);
-        Outcome const save = Run({"save", folder / "new", "--for", c.kind, "--accept"});
-        EXPECT_EQ(save.exitCode, c.saved == nullptr ? 2 : 0) << save.err;
-        EXPECT_EQ(save.out, c.saved == nullptr ? "" : folder / c.saved + "\n");
+        Outcome const save = Run({"save", folder / "new", "--for", kind, "--accept"});
+        EXPECT_EQ(save.exitCode, saved == nullptr ? 2 : 0) << save.err;
+        EXPECT_EQ(save.out, saved == nullptr ? "" : folder / saved + "\n");
     }
 }
 
@@ -79,16 +66,11 @@ TEST_F(FileDialogCommand, WhatIsPrintedOpensTheSameImageAgain) {
 TEST_F(FileDialogCommand, WhatSpeaksAgainstAFileIsToldWhenItIsAccepted) {
     test::WriteImage(folder / "strips.tif", {.width = 60, .height = 300, .options = {"BLOCKYSIZE=10"}});
     std::string const whole = test::ReadFile(folder / "strips.tif");
-    struct Row {
-        char const *name;
-        std::string content;
-        char const *told;
-    };
-    for (auto const &[name, content, told] :
-         {Row{"whole.tif", whole, ""},
-          Row{"head.tif", whole.substr(0, 10), "zelvar: accepted: head.tif: cannot be opened: it is damaged"},
-          Row{"half.tif", whole.substr(0, whole.size() / 2), "damaged: 1"},
-          Row{"notes.txt", "hello", "zelvar: accepted: notes.txt: cannot be opened: its format is not supported"}}) {
+    for (auto const &[name, content, told] : test::Rows<char const *, std::string, char const *>{
+             {"whole.tif", whole, ""},
+             {"head.tif", whole.substr(0, 10), "zelvar: accepted: head.tif: cannot be opened: it is damaged"},
+             {"half.tif", whole.substr(0, whole.size() / 2), "damaged: 1"},
+             {"notes.txt", "hello", "zelvar: accepted: notes.txt: cannot be opened: its format is not supported"}}) {
         std::string const path = folder.Write(name, content);
         Outcome const open = Run({"open", folder.Path(), "--filter", "*.*", "--select", name, "--accept"});
         EXPECT_EQ(open.out, path + "\n");

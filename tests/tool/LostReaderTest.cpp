@@ -1,29 +1,14 @@
 #include "support/HttpServer.h"
+#include "support/Processes.h"
 #include "support/SilentMount.h"
-#include "support/Test.h"
 
 #include <csignal>
-#include <filesystem>
-#include <fstream>
 #include <thread>
 
 #include <fcntl.h>
-#include <spawn.h>
-#include <sys/wait.h>
 
 namespace zelvar {
 namespace {
-
-/// The processes that one has started and that are still there.
-std::vector<pid_t> ChildrenOf(pid_t process) {
-    std::vector<pid_t> children;
-    for (auto const &task : std::filesystem::directory_iterator("/proc/" + std::to_string(process) + "/task")) {
-        std::ifstream list(task.path() / "children");
-        for (pid_t child = 0; list >> child;)
-            children.push_back(child);
-    }
-    return children;
-}
 
 /// The command at work on a place.
 class RunningCommand {
@@ -31,31 +16,23 @@ public:
     explicit RunningCommand(std::vector<std::string> words) {
         std::array<int, 2> ends{};
         EXPECT_EQ(pipe2(ends.data(), O_CLOEXEC), 0);
-        posix_spawn_file_actions_t files;
-        posix_spawn_file_actions_init(&files);
-        posix_spawn_file_actions_adddup2(&files, ends[1], STDERR_FILENO);
         words.insert(words.begin(), ZELVAR_COMMAND);
-        std::vector<char *> arguments;
-        for (std::string &word : words)
-            arguments.push_back(word.data());
-        arguments.push_back(nullptr);
-        EXPECT_EQ(posix_spawn(&m_process, arguments.front(), &files, nullptr, arguments.data(), environ), 0);
-        posix_spawn_file_actions_destroy(&files);
+        m_process = test::Spawn(std::move(words), {{ends[1], STDERR_FILENO}});
         close(ends[1]);
         m_errors = ends[0];
     }
     /// What others see of the command and its readers: words and environments.
     [[nodiscard]] std::string SeenByOthers() const {
-        std::vector<pid_t> processes = ChildrenOf(m_process);
-        processes.push_back(m_process);
+        std::map<pid_t, char> processes = test::ChildrenOf(m_process);
+        processes[m_process] = 'R';
         std::string seen;
-        for (pid_t const process : processes)
+        for (auto const &[process, state] : processes)
             for (char const *file : {"/cmdline", "/environ"})
                 seen += test::ReadFile("/proc/" + std::to_string(process) + file);
         return seen;
     }
     void KillReaders() const {
-        for (pid_t const reader : ChildrenOf(m_process))
+        for (auto const &[reader, state] : test::ChildrenOf(m_process))
             kill(reader, SIGKILL);
     }
     /// Waits for its end; its code and what it told as an error.
@@ -125,12 +102,12 @@ TEST(LostReader, NoPartOfATableIsTakenForTheWhole) {
     for (int i = 0; i < 1'000'000; ++i)
         rows += "1,2\n";
     std::string const table = folder.Write("t.csv", rows);
-    setenv("ZELVAR_LOG_LEVEL", "3", 1);
+    test::Environment const level{{{"ZELVAR_LOG_LEVEL", "3"}}};
     for (std::vector<std::string> const &words : {std::vector<std::string>{"plot", table, "--x", "a", "--y", "b"},
                                                   {"histogram", table, "--column", "a", "--print"},
                                                   {"table", table, "--print", "--sort", "a"}}) {
         std::string const log = folder / words.front();
-        setenv("ZELVAR_LOG", log.c_str(), 1);
+        test::Environment const place{{{"ZELVAR_LOG", log}}};
         RunningCommand const command(words);
         while (test::ReadFile(log).find("rows of") == std::string::npos)
             std::this_thread::yield();
@@ -140,8 +117,6 @@ TEST(LostReader, NoPartOfATableIsTakenForTheWhole) {
         EXPECT_THAT(told, testing::AnyOf(testing::HasSubstr("ended by signal 9"),
                                          testing::HasSubstr("ends before its last row")));
     }
-    unsetenv("ZELVAR_LOG");
-    unsetenv("ZELVAR_LOG_LEVEL");
 }
 
 } // namespace

@@ -1,9 +1,6 @@
 #include "support/AccessibilityBus.h"
 #include "support/ImageFiles.h"
 
-#include <gtest/gtest.h>
-
-#include <chrono>
 #include <filesystem>
 
 namespace zelvar {

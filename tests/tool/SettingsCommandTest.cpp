@@ -44,21 +44,17 @@ TEST_F(SettingsCommand, WhatIsExportedCanBeImported) {
 TEST_F(SettingsCommand, AnImportThatIsNotWholeChangesNothing) {
     ASSERT_TRUE(SettingsStore(m_to).Write("k", "v", DString("old")));
     DString const value = R"(<RegValue path="v" type="1" size="4">new</RegValue>)";
-    struct Case {
-        DString text;
-        char const *error;
-    };
-    Case const cases[] = {
+    test::Rows<DString, char const *> const cases = {
         {R"(<RegKey path="k">)" + value, "settings.xml: line 1"}, // cut off
         {R"(<RegKey path="k">)" + value + R"(<RegValue path="w" type="3" size="2">00</RegValue></RegKey>)", "'w'"},
         {"<settings>" + value + "</settings>", "the root is no RegKey"},
         {"<!DOCTYPE a [<!ENTITY b 'c'>]><RegKey path='k'>&b;</RegKey>", "entity declarations are refused"},
         {"", "no root element"}};
-    for (Case const &bad : cases) {
-        m_folder.Write("settings.xml", bad.text);
+    for (auto const &[text, error] : cases) {
+        m_folder.Write("settings.xml", text);
         Outcome const outcome = Zelvar({"settings", "import", m_xml}, Using(m_to));
         EXPECT_EQ(outcome.exitCode, 3);
-        EXPECT_THAT(outcome.err, HasSubstr(bad.error));
+        EXPECT_THAT(outcome.err, HasSubstr(error));
         EXPECT_EQ(SettingsStore(m_to).ReadString("k", "v"), "old");
         EXPECT_EQ(SettingsStore(m_to).Names("k").size(), 1U);
     }

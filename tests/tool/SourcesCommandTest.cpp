@@ -1,13 +1,10 @@
 #include "support/HttpServer.h"
+#include "support/LoopbackPort.h"
 #include "support/RunCommand.h"
 #include "support/SessionBus.h"
 #include "support/Test.h"
 
 #include <filesystem>
-
-#include <netinet/in.h>
-#include <sys/socket.h>
-#include <unistd.h>
 
 namespace zelvar {
 namespace {
@@ -109,18 +106,8 @@ TEST_F(SourcesCommand, APasswordIsInTheKeyringAndNowhereElse) {
 }
 
 TEST_F(SourcesCommand, AServerThatNeverTakesAConnectionIsLeftAtItsTimeOrByTheUser) {
-    // Once its queue is full, the system answers nobody.
-    sockaddr_in address{.sin_family = AF_INET, .sin_port = 0, .sin_addr = {htonl(INADDR_LOOPBACK)}, .sin_zero = {}};
-    auto *const place = reinterpret_cast<sockaddr *>(&address);
-    socklen_t size = sizeof address;
-    int const server = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    ASSERT_TRUE(bind(server, place, size) == 0 && listen(server, 0) == 0 && getsockname(server, place, &size) == 0);
-    std::vector<int> waiting;
-    for (int i = 0; i < 4; ++i) {
-        waiting.push_back(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
-        std::ignore = connect(waiting.back(), place, size);
-    }
-    std::string const at = "127.0.0.1:" + std::to_string(ntohs(address.sin_port));
+    test::SilentPort const silent;
+    std::string const at = silent.Place();
     ASSERT_EQ(Run({"add", "postgresql://u@" + at + "/d", "--name", "s", "--time-limit", "1"}).exitCode, 0);
     Outcome const late = Run({"test", "s"});
     EXPECT_EQ(late.exitCode, 3);
@@ -134,9 +121,6 @@ TEST_F(SourcesCommand, AServerThatNeverTakesAConnectionIsLeftAtItsTimeOrByTheUse
     Outcome const stopped = Zelvar({"sources", "test", "s"}, m_variables + interrupt);
     EXPECT_EQ(stopped.exitCode, 1);
     EXPECT_THAT(stopped.out, HasSubstr("connection\tstopped\t"));
-    for (int const one : waiting)
-        close(one);
-    close(server);
 }
 
 TEST_F(SourcesCommand, AListingOfASilentServerEndsAtTheConnectionsTimeOrTheUsersWord) {

@@ -2,8 +2,6 @@
 #include "support/ReportStage.h"
 #include "zelvar/views/core/RowScroll.h"
 
-#include <QtWidgets/QScrollBar>
-
 namespace zelvar {
 namespace {
 

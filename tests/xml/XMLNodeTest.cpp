@@ -40,12 +40,7 @@ DString Utf16(std::string_view ascii, std::size_t width = 2) {
 }
 
 TEST(XMLNode, RefusesWhatIsNotAWholeDocumentAndStaysAsItWas) {
-    struct Case {
-        char const *name;
-        DString text;
-        char const *error;
-    };
-    Case const cases[] = {
+    test::Rows<char const *, DString, char const *> const cases = {
         {"nothing", "", "no root element"},
         {"cut off", "<a>\n<b/>\n", "line 2: "},
         {"crossed", "<a><b></a></b>", "line 1: "},
@@ -79,13 +74,13 @@ TEST(XMLNode, RefusesWhatIsNotAWholeDocumentAndStaysAsItWas) {
         {"20 million elements", "<a>" + Repeated("<b/>", 20'000'000) + "</a>", "256 MB"},
         {"binary", DString("\x89PNG\r\n\x1A\n", 8), ""},
     };
-    for (Case const &c : cases) {
-        SCOPED_TRACE(c.name);
+    for (auto const &[name, text, reason] : cases) {
+        SCOPED_TRACE(name);
         XMLNode root("kept");
         XMLNode *const child = root.AddChld("child");
         DString error;
-        EXPECT_FALSE(root.LoadText(c.text, &error));
-        EXPECT_NE(error.find(c.error), DString::npos) << error;
+        EXPECT_FALSE(root.LoadText(text, &error));
+        EXPECT_NE(error.find(reason), DString::npos) << error;
         EXPECT_FALSE(error.empty());
         EXPECT_EQ(root.GetName(), "kept");
         EXPECT_EQ(root.GetFirstChild(), child);

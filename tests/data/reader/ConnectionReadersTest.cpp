@@ -1,15 +1,12 @@
 #include "support/HostileFiles.h"
 #include "support/HttpServer.h"
-#include "zelvar/base/FileDescriptor.h"
+#include "support/LoopbackPort.h"
 #include "zelvar/data/Connection.h"
 #include "zelvar/data/RequestScope.h"
 
-#include <fstream>
 #include <thread>
 
-#include <arpa/inet.h>
 #include <linux/landlock.h>
-#include <sys/socket.h>
 #include <sys/syscall.h>
 
 namespace zelvar {
@@ -28,29 +25,6 @@ bool Eventually(std::function<bool()> const &condition) {
         std::this_thread::yield();
     return condition();
 }
-
-/// A port of 127.0.0.1 that lets no connection through: what has been asked for before waits at its door.
-class SilentPort : test::Pinned {
-public:
-    SilentPort() {
-        m_address.sin_family = AF_INET;
-        m_address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        socklen_t size = sizeof m_address;
-        auto *const general = reinterpret_cast<sockaddr *>(&m_address);
-        EXPECT_EQ(bind(m_listener.Get(), general, size), 0);
-        EXPECT_EQ(listen(m_listener.Get(), 0), 0);
-        EXPECT_EQ(getsockname(m_listener.Get(), general, &size), 0);
-        for (FileDescriptor const &waiting : m_waiting)
-            std::ignore = connect(waiting.Get(), general, size); // does not wait for an answer
-    }
-    [[nodiscard]] DString Port() const { return std::to_string(ntohs(m_address.sin_port)); }
-
-private:
-    static FileDescriptor Socket() { return FileDescriptor(socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK, 0)); }
-    FileDescriptor m_listener = Socket();
-    std::array<FileDescriptor, 3> m_waiting{Socket(), Socket(), Socket()};
-    sockaddr_in m_address{};
-};
 
 struct ConnectionReaders : test::HostileFiles {
     ~ConnectionReaders() override { SetConnectionFinder(nullptr); }
@@ -105,22 +79,16 @@ TEST_F(ConnectionReaders, OneReachesTheHostsOfItsTermsAloneAndThroughItsApplicat
 
 TEST_F(ConnectionReaders, WhatKeepsAReaderFromItsServerIsTheCause) {
     using enum DError::Cause;
-    SilentPort const silent;
+    test::SilentPort const silent;
     SetConnectionFinder([](std::string_view address) {
         ConnectionTerms terms{.id = DString(address), .hosts = {{"127.0.0.1", 0}, {"no..server", 0}}};
         terms.connectTime = milliseconds(50);
         return address.find("elsewhere") == std::string_view::npos ? std::optional(terms) : std::nullopt;
     });
-    struct Row {
-        std::vector<DString> actions;
-        DString text;
-        DError::Cause cause = NoAnswer;
-    };
-    DString const silentPlace = "127.0.0.1:" + silent.Port();
-    Row const rows[] = {
-        {{"reach 127.0.0.1 1", "fail"}, "127.0.0.1:1 refuses connections"},
-        {{"reach no..server 80", "fail"}, "no server named no..server is known"},
-        {{"reach 127.0.0.1 " + silent.Port(), "fail"}, silentPlace + " does not answer (0.05 s)"},
+    test::Rows<std::vector<DString>, DString, DError::Cause> const rows = {
+        {{"reach 127.0.0.1 1", "fail"}, "127.0.0.1:1 refuses connections", NoAnswer},
+        {{"reach no..server 80", "fail"}, "no server named no..server is known", NoAnswer},
+        {{"reach 127.0.0.1 " + silent.Port(), "fail"}, silent.Place() + " does not answer (0.05 s)", NoAnswer},
         {{"reach other.lab 81", "fail"},
          "the server sends on to other.lab:81, which is no host of its connection",
          Refused},
@@ -129,22 +97,22 @@ TEST_F(ConnectionReaders, WhatKeepsAReaderFromItsServerIsTheCause) {
          "it does not open",
          Unknown},
     };
-    for (Row const &row : rows) {
-        Image const image(At("127.0.0.1", row.actions));
+    for (auto const &[actions, text, cause] : rows) {
+        Image const image(At("127.0.0.1", actions));
         EXPECT_FALSE(image);
-        EXPECT_THAT(image.error.Text(), testing::HasSubstr(row.text));
-        EXPECT_EQ(image.error.Why(), row.cause) << row.text;
+        EXPECT_THAT(image.error.Text(), testing::HasSubstr(text));
+        EXPECT_EQ(image.error.Why(), cause) << text;
     }
 }
 
 TEST_F(ConnectionReaders, AStopClosesTheSocketOfASilentServerAtOnce) {
-    SilentPort const silent;
+    test::SilentPort const silent;
     SetConnectionFinder([](std::string_view) {
         return ConnectionTerms{.id = "slow", .hosts = {{"127.0.0.1", 0}}, .connectTime = std::chrono::minutes(5)};
     });
     Told(At("slow", {}));              // the reader is up
     constexpr milliseconds soon{2000}; // a machine under load included; the patience would be minutes
-    for (DString const &port : {silent.Port(), DString(std::to_string(m_server.Port()))}) {
+    for (DString const &port : {DString(silent.Port()), DString(std::to_string(m_server.Port()))}) {
         StopSignal stop = false;
         std::atomic<test::Clock::time_point> stopped{};
         std::jthread const user([&] {
@@ -152,7 +120,7 @@ TEST_F(ConnectionReaders, AStopClosesTheSocketOfASilentServerAtOnce) {
             stopped = test::Clock::now();
             stop = true;
         });
-        Image const image(At("slow", {"reach 127.0.0.1 " + port, "sleep 300"}), &stop);
+        Image const image(At("slow", {"reach 127.0.0.1 " + port, "sleep 300"}), {}, &stop);
         EXPECT_FALSE(image);
         EXPECT_TRUE(Eventually([&] { return m_server.OpenConnections() == 0; }));
         EXPECT_LT(test::Since(stopped), soon);
@@ -247,21 +215,18 @@ TEST_F(ConnectionReaders, AProxyLeadsToTheHostsOfTheTermsAlone) {
     folder.Write("glib-2.0/settings/keyfile", "[system/proxy]\nmode='manual'\nignore-hosts=['own.lab']\n"
                                               "[system/proxy/http]\nhost='127.0.0.1'\nport=" +
                                                   std::to_string(m_server.Port()) + "\n");
-    std::map<char const *, DString> const session{{"XDG_CONFIG_HOME", folder.Path()},
-                                                  {"GSETTINGS_BACKEND", "keyfile"},
-                                                  {"XDG_CURRENT_DESKTOP", "GNOME"},
-                                                  {"DBUS_SESSION_BUS_ADDRESS", "unix:path=/dev/null"}};
-    for (auto const &[name, value] : session)
-        setenv(name, value.c_str(), 1);
-    EXPECT_EQ(Told(At("desk.lab", {"reach desk.lab 80", "reach other.lab 80"})), "reach: done; reach: unknown");
-    EXPECT_EQ(Told(At("own.lab", {"reach own.lab 80"})), "reach: unknown");
-    for (auto const &[name, value] : session)
-        unsetenv(name);
-    setenv("http_proxy", m_server.Url().c_str(), 1);
+    {
+        test::Environment const session{{{"XDG_CONFIG_HOME", folder.Path()},
+                                         {"GSETTINGS_BACKEND", "keyfile"},
+                                         {"XDG_CURRENT_DESKTOP", "GNOME"},
+                                         {"DBUS_SESSION_BUS_ADDRESS", "unix:path=/dev/null"}}};
+        EXPECT_EQ(Told(At("desk.lab", {"reach desk.lab 80", "reach other.lab 80"})), "reach: done; reach: unknown");
+        EXPECT_EQ(Told(At("own.lab", {"reach own.lab 80"})), "reach: unknown");
+    }
+    test::Environment const proxy{{{"http_proxy", m_server.Url()}}};
     EXPECT_EQ(Told(At("maps.lab", {"reach maps.lab 80", "reach other.lab 80"})), "reach: done; reach: unknown");
     EXPECT_THAT(Told(At("maps.lab:81", {"reach maps.lab 81", "fail"})),
                 testing::HasSubstr("the proxy " + Own() + " does not lead to maps.lab:81 (407)"));
-    unsetenv("http_proxy");
     EXPECT_THAT(m_server.Requests(),
                 testing::ElementsAre("CONNECT desk.lab:80", "CONNECT maps.lab:80", "CONNECT maps.lab:81"));
 }

@@ -1,4 +1,5 @@
 #include "support/HostileFiles.h"
+#include "support/Processes.h"
 #include "support/SilentMount.h"
 #include "zelvar/base/DString.h"
 #include "zelvar/data/ImageReader.h"
@@ -8,7 +9,6 @@
 #include "zelvar/reader/Sanitizers.h"
 
 #include <filesystem>
-#include <fstream>
 #include <thread>
 
 namespace zelvar::test {
@@ -22,21 +22,8 @@ constexpr bool kIsSanitized = reader::kIsSanitized;
 
 struct ReaderEndings : HostileFiles {
     /// Children of this process that have ended and that nobody has asked about.
-    static int CountZombies() {
-        int zombies = 0;
-        for (auto const &entry : std::filesystem::directory_iterator("/proc")) {
-            std::ifstream stat(entry.path() / "stat");
-            std::string text;
-            std::getline(stat, text);
-            std::size_t const name = text.rfind(") Z ");
-            if (name != std::string::npos && std::stoi(text.substr(name + 4)) == getpid())
-                ++zombies;
-        }
-        return zombies;
-    }
-    static std::size_t CountIn(char const *folder) {
-        return static_cast<std::size_t>(
-            std::distance(std::filesystem::directory_iterator(folder), std::filesystem::directory_iterator()));
+    static auto CountZombies() {
+        return std::ranges::count(ChildrenOf(getpid()), 'Z', &std::pair<pid_t const, char>::second);
     }
     static ReaderSettings Short(milliseconds time) {
         ReaderSettings settings;
@@ -132,7 +119,7 @@ TEST_F(ReaderEndings, AStoppedOrLateRequestEndsSoonWhateverItsDriverDoes) {
                 StopSignal stop{false};
                 // The reader has begun by then, or is about to: both must end.
                 std::thread stopper([&] { std::this_thread::yield(), stop = isStopped; });
-                Image const image(file, &stop);
+                Image const image(file, {}, &stop);
                 EXPECT_FALSE(image);
                 stopper.join();
                 DString const failure = ReaderFailureOf(file);
@@ -234,7 +221,7 @@ TEST_F(ReaderEndings, TwoHundredCrashesLeaveNothingBehind) {
     EXPECT_EQ(CountZombies(), 0);
     EXPECT_LE(CountReaders().alive, 2);
     EXPECT_LE(CountIn("/proc/self/fd"), files);
-    EXPECT_EQ(CountIn(temporary.Path().c_str()), 0U);
+    EXPECT_EQ(CountIn(temporary.Path()), 0U);
     for (auto const &entry : std::filesystem::directory_iterator("/dev/shm"))
         EXPECT_EQ(entry.path().string().find("zelvar"), std::string::npos) << entry.path();
     unsetenv("TMPDIR");
@@ -254,7 +241,7 @@ TEST_F(ReaderEndings, AReaderHeldByTheKernelIsLeftBehindAndItsPlaceGetsNoWork) {
             std::this_thread::yield();
         stop = true;
     });
-    EXPECT_FALSE(Image(mount.File(), &stop));
+    EXPECT_FALSE(Image(mount.File(), {}, &stop));
     stopper.join();
     EXPECT_EQ(CountReaders().leftBehind, 1);
     int const started = CountReaders().started;

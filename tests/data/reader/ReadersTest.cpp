@@ -1,5 +1,6 @@
 #include "support/HostileFiles.h"
 #include "support/OpenedTree.h"
+#include "support/Processes.h"
 #include "zelvar/base/FileDescriptor.h"
 #include "zelvar/data/ImageReader.h"
 #include "zelvar/data/ProbeAhead.h"
@@ -8,7 +9,6 @@
 #include <thread>
 
 #include <fcntl.h>
-#include <sys/wait.h>
 
 namespace zelvar {
 namespace {
@@ -124,14 +124,11 @@ TEST_F(Readers, AFileIsAskedAboutAgainWhenItsStateIsAnother) {
         ahead.Wait();
         return driver->CanReadPath(path);
     };
-    struct Row {
-        FileState state;
-        bool isKept;
-    };
-    for (auto const &[state, isKept] : {Row{settled, true},
-                                        {{.device = 1, .size = 3, .changed = 5}, false},
-                                        {{.device = 1, .inode = 3, .size = 3, .modified = 4}, false},
-                                        {{.device = 1, .inode = 4, .size = 3, .changed = now}, false}}) {
+    for (auto const &[state, isKept] :
+         test::Rows<FileState, bool>{{settled, true},
+                                     {{.device = 1, .size = 3, .changed = 5}, false},
+                                     {{.device = 1, .inode = 3, .size = 3, .modified = 4}, false},
+                                     {{.device = 1, .inode = 4, .size = 3, .changed = now}, false}}) {
         std::ignore = Write("f", "members 2\n");
         EXPECT_TRUE(reads(state));
         std::ignore = Write("f", "width 3\n");
@@ -215,13 +212,9 @@ TEST_F(Readers, BothSidesOfAForkReadTheirOwnPixels) {
     };
     ASSERT_EQ(wrong(1), 0);
     int const started = CountReaders().started;
-    pid_t const child = fork();
-    if (child == 0)
-        _exit(wrong(5));
+    pid_t const child = test::InChild([&] { return wrong(5); });
     EXPECT_EQ(wrong(1), 0);
-    int status = -1;
-    EXPECT_EQ(waitpid(child, &status, 0), child);
-    EXPECT_EQ(status, 0);
+    EXPECT_EQ(test::StatusOf(child), 0);
     EXPECT_EQ(wrong(1), 0); // the child has ended without them
     EXPECT_EQ(CountReaders().started, started);
 }

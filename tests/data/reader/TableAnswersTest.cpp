@@ -13,26 +13,22 @@ wire::RowsReadT Told(int count, DString texts, std::vector<std::uint32_t> ends) 
 }
 
 TEST(TableAnswers, RowsAreTakenOnlyIfTheirFiguresCanBe) {
-    struct Case {
-        char const *name;
-        wire::RowsReadT told;
-        bool taken;
-    };
     constexpr int least = std::numeric_limits<int>::min();
-    Case cases[] = {{"whole", Told(2, "abcd", {1, 2, 2, 4}), true},
-                    {"none", Told(0, "", {}), true},
-                    {"a cell too few", Told(2, "abc", {1, 2, 3}), false},
-                    {"a row too many", Told(4, "", {0, 0, 0, 0, 0, 0, 0, 0}), false},
-                    {"negative", Told(-1, "", {}), false},
-                    {"very negative", Told(least, "", {}), false},
-                    {"backwards", Told(1, "ab", {2, 1}), false},
-                    {"behind the text", Told(1, "ab", {1, 3}), false},
-                    {"text left over", Told(1, "ab", {1, 1}), false}};
-    for (Case &c : cases) {
+    test::Rows<char const *, wire::RowsReadT, bool> const cases = {
+        {"whole", Told(2, "abcd", {1, 2, 2, 4}), true},
+        {"none", Told(0, "", {}), true},
+        {"a cell too few", Told(2, "abc", {1, 2, 3}), false},
+        {"a row too many", Told(4, "", {0, 0, 0, 0, 0, 0, 0, 0}), false},
+        {"negative", Told(-1, "", {}), false},
+        {"very negative", Told(least, "", {}), false},
+        {"backwards", Told(1, "ab", {2, 1}), false},
+        {"behind the text", Told(1, "ab", {1, 3}), false},
+        {"text left over", Told(1, "ab", {1, 1}), false}};
+    for (auto const &[name, told, taken] : cases) {
         ADIRows rows;
         rows.count = 77;
-        EXPECT_EQ(TakeRows(std::move(c.told), 2, 3, rows), c.taken) << c.name;
-        EXPECT_EQ(rows.count == 77, !c.taken) << c.name;
+        EXPECT_EQ(TakeRows(wire::RowsReadT(told), 2, 3, rows), taken) << name;
+        EXPECT_EQ(rows.count == 77, !taken) << name;
     }
     ADIRows rows;
     ASSERT_TRUE(TakeRows(Told(0, "", {}), 2, 3, rows));

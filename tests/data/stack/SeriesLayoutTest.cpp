@@ -6,15 +6,10 @@ namespace zelvar {
 namespace {
 
 TEST(SeriesLayout, WordsBeforeTheNumbersSayWhatTheyRunOver) {
-    struct Case {
-        char const *name;
-        SeriesLayout::Axis only;
-        std::array<std::uint64_t, 3> counts; ///< slices, frames, channels
-        std::uint64_t slot;                  ///< at the last place but one on each axis of more than one
-    };
+    // `counts`: slices, frames, channels; `slot`: at the last place but one on each axis of more than one
     constexpr auto kSlices = SeriesLayout::Slices;
     constexpr auto kFrames = SeriesLayout::Frames;
-    Case const cases[] = {
+    test::Rows<char const *, SeriesLayout::Axis, std::array<std::uint64_t, 3>, std::uint64_t> const cases = {
         {"s[001-120].tif", kSlices, {120, 1, 1}, 118},
         {"t[001-120].tif", kSlices, {120, 1, 1}, 118}, // a single number is told by the option alone
         {"s[000-090:10].tif", kFrames, {1, 10, 1}, 8},
@@ -27,16 +22,16 @@ TEST(SeriesLayout, WordsBeforeTheNumbersSayWhatTheyRunOver) {
         {"z[1-3]s[1-4].tif", kSlices, {12, 1, 1}, 10},            // one number in two parts
         {"a[1-2]b[1-2]c[1-2]d[1-3].tif", kSlices, {3, 2, 4}, 13}, // "a" is left over
     };
-    for (Case const &c : cases) {
-        SCOPED_TRACE(c.name);
-        SeriesLayout const layout(*SeriesName::Parse(c.name), c.only);
+    for (auto const &[name, only, counts, slot] : cases) {
+        SCOPED_TRACE(name);
+        SeriesLayout const layout(*SeriesName::Parse(name), only);
         SeriesLayout::Place place{};
         for (int axis = 0; axis < SeriesLayout::kAxes; ++axis) {
             auto const at = static_cast<std::size_t>(axis);
-            EXPECT_EQ(layout.Count(static_cast<SeriesLayout::Axis>(axis)), c.counts[at]) << axis;
-            place[at] = c.counts[at] > 1 ? c.counts[at] - 2 : 0;
+            EXPECT_EQ(layout.Count(static_cast<SeriesLayout::Axis>(axis)), counts[at]) << axis;
+            place[at] = counts[at] > 1 ? counts[at] - 2 : 0;
         }
-        EXPECT_EQ(layout.SlotAt(place), c.slot);
+        EXPECT_EQ(layout.SlotAt(place), slot);
     }
 }
 

@@ -1,6 +1,6 @@
 #include "zelvar/data/wire/MessageChannel.h"
 
-#include "support/Test.h"
+#include "support/Processes.h"
 #include "zelvar/base/FileDescriptor.h"
 
 #include <thread>
@@ -155,23 +155,16 @@ void SendWithFiles(int socket, Bytes bytes, std::vector<int> const &files) {
     ASSERT_GT(sendmsg(socket, &out, MSG_NOSIGNAL), 0);
 }
 
-int CountOpenFiles() {
-    int count = 0;
-    for (int file = 0; file < 256; ++file)
-        count += IsOpen(file) ? 1 : 0;
-    return count;
-}
-
 TEST(MessageChannel, FilesThatNobodyAskedForAreNotKept) {
     FileDescriptor const null(open("/dev/null", O_RDONLY | O_CLOEXEC));
-    int const before = CountOpenFiles();
+    std::size_t const before = test::CountIn("/proc/self/fd");
     {
         Talk talk; // several beside one head: at most one is kept
         SendWithFiles(talk.raw, Head(kMark, 0), {null.Get(), null.Get(), null.Get()});
         ASSERT_EQ(talk.Receive(), Result::Done);
         FileDescriptor const received(talk.file);
         EXPECT_TRUE(IsOpen(talk.file));
-        EXPECT_EQ(CountOpenFiles(), before + 3);
+        EXPECT_EQ(test::CountIn("/proc/self/fd"), before + 3);
     }
     {
         Talk talk; // one beside each half of a head
@@ -188,9 +181,9 @@ TEST(MessageChannel, FilesThatNobodyAskedForAreNotKept) {
         SendWithFiles(talk.raw, {1}, {null.Get()});
         EXPECT_EQ(talk.Receive(), Result::Done);
         EXPECT_EQ(talk.file, -1);
-        EXPECT_EQ(CountOpenFiles(), before + 2);
+        EXPECT_EQ(test::CountIn("/proc/self/fd"), before + 2);
     }
-    EXPECT_EQ(CountOpenFiles(), before);
+    EXPECT_EQ(test::CountIn("/proc/self/fd"), before);
 }
 
 } // namespace

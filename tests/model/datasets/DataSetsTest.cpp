@@ -112,11 +112,7 @@ TEST(Series, NamesAreReadAsTheyAreWritten) {
 }
 
 TEST(Sidecars, BelongToTheirMasters) {
-    struct Case {
-        char const *master;
-        Names sidecars;
-    };
-    Case const cases[] = {
+    test::Rows<char const *, Names> const cases = {
         {"a.tif",
          {"a.tif.ovr", "a.tif.aux.xml", "a.tif.msk", "a.tif.msk.ovr", "a.tfw", "a.tifw", "a.wld", "a.prj", "a.tif.xml",
           "a_RPC.TXT"}},

@@ -1,14 +1,12 @@
-#include "support/Test.h"
+#include "support/Processes.h"
 #include "zelvar/platform/os/LinuxShellNamespace.h"
 
 #include <filesystem>
-#include <fstream>
 
 #include <fcntl.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace zelvar::platform {
@@ -154,13 +152,10 @@ TEST_F(LocalFolder, ALargeFolderIsListedWholeAndInTheOrderOfItsEntries) {
 /// The result of `body` as an ordinary user; root may read everything.
 bool AsOrdinaryUser(std::function<bool()> const &body) {
     constexpr uid_t kNobody = 65534;
-    pid_t const child = fork();
-    if (child == 0) {
-        bool const dropped = setgid(kNobody) == 0 && setuid(kNobody) == 0;
-        _exit(getuid() != 0 && (dropped || geteuid() != 0) && body() ? 0 : 1);
-    }
-    int status = -1;
-    return waitpid(child, &status, 0) == child && WIFEXITED(status) && WEXITSTATUS(status) == 0;
+    return test::StatusOf(test::InChild([&] {
+               bool const dropped = setgid(kNobody) == 0 && setuid(kNobody) == 0;
+               return getuid() != 0 && (dropped || geteuid() != 0) && body() ? 0 : 1;
+           })) == 0;
 }
 
 TEST_F(LocalFolder, AFolderWithoutPermissionCannotBeReadNorIsOneWholeWhoseFilesCannotBeLookedAt) {

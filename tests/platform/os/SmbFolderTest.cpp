@@ -1,3 +1,4 @@
+#include "support/LoopbackPort.h"
 #include "support/LoopbackSamba.h"
 #include "support/Test.h"
 #include "zelvar/platform/os/DesktopNetwork.h"
@@ -8,10 +9,6 @@
 
 #include <filesystem>
 #include <thread>
-
-#include <arpa/inet.h>
-#include <sys/socket.h>
-#include <unistd.h>
 
 namespace zelvar::platform {
 namespace {
@@ -32,30 +29,11 @@ TEST(SmbAddress, RefusesTheWholeNetworkAndWhatLeavesAShare) {
         EXPECT_FALSE(ParseSmbAddress(text).has_value()) << text;
 }
 
-/// A socket with a port of the loopback interface, on which nobody listens yet.
-std::pair<int, DString> BoundSocket() {
-    int const socket = ::socket(AF_INET, SOCK_STREAM, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t size = sizeof address;
-    EXPECT_EQ(bind(socket, reinterpret_cast<sockaddr *>(&address), size), 0);
-    EXPECT_EQ(getsockname(socket, reinterpret_cast<sockaddr *>(&address), &size), 0);
-    return {socket, std::to_string(ntohs(address.sin_port))};
-}
-
-DString RefusingAuthority() {
-    auto const [socket, port] = BoundSocket();
-    close(socket);
-    return "127.0.0.1:" + port;
-}
-
 TEST(SmbFolder, AServerThatRefusesIsToldAtOnceAndOneThatSaysNothingIsAskedOnce) {
-    auto const [listener, port] = BoundSocket();
-    ASSERT_EQ(listen(listener, 8), 0);
+    test::LoopbackPort const listener;
     LinuxShellNamespace const shell;
-    for (auto const &[authority, why] :
-         {std::pair(RefusingAuthority(), std::errc::connection_refused), {"127.0.0.1:" + port, std::errc::timed_out}}) {
+    for (auto const &[authority, why] : {std::pair(test::LoopbackPort().Place(), std::errc::connection_refused),
+                                         {listener.Place(), std::errc::timed_out}}) {
         DString const address = "smb://" + authority;
         auto const start = std::chrono::steady_clock::now();
         EXPECT_EQ(shell.Parse(address + "/share").Kind(), ShellKind::NetShare) << "taken at its word";
@@ -68,21 +46,20 @@ TEST(SmbFolder, AServerThatRefusesIsToldAtOnceAndOneThatSaysNothingIsAskedOnce) 
         int const longest = why == std::errc::timed_out ? 2 * SmbClient::kAnswerMs : 2000;
         EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(longest));
     }
-    close(listener);
     EXPECT_TRUE(TryToConnect("no.such.host.invalid", 100));
 }
 
 TEST(TcpProbe, FindsAListenerHoweverItsPlaceIsWritten) {
-    auto const [listener, port] = BoundSocket();
-    ASSERT_EQ(listen(listener, 4), 0);
+    std::optional<test::LoopbackPort> listener(std::in_place);
+    DString const place = listener->Place();
     constexpr int kPatience = 2000; // ms
     for (DString const &authority :
-         {"127.0.0.1:" + port, "me@127.0.0.1:" + port, "me:p@ss:word@127.0.0.1:" + port, "[::ffff:127.0.0.1]:" + port})
+         {place, "me@" + place, "me:p@ss:word@" + place, "[::ffff:127.0.0.1]:" + listener->Port()})
         EXPECT_EQ(TryToConnect(authority, kPatience).value(), 0) << authority;
     for (char const *authority : {"", "@", "127.0.0.1:", "127.0.0.1:port"})
         EXPECT_TRUE(TryToConnect(authority, kPatience)) << authority;
-    close(listener);
-    EXPECT_EQ(TryToConnect("127.0.0.1:" + port, kPatience), std::errc::connection_refused);
+    listener.reset();
+    EXPECT_EQ(TryToConnect(place, kPatience), std::errc::connection_refused);
 }
 
 TEST(DesktopNetwork, ToldNewsWakeAListenerAndSoDoesAStop) {
@@ -138,8 +115,8 @@ TEST(SmbFolder, SharesAndFilesOfARealServerAreListed) {
     EXPECT_TRUE(shell.Enumerate(shell.Parse("smb://127.0.0.1/nothing"), ShellNamespace::Purpose::Browse,
                                 [](ShellChild &&) { return true; }));
     // A connection to the one server does not answer for a port on which none listens.
-    EXPECT_TRUE(shell.Enumerate(shell.Parse("smb://" + RefusingAuthority() + "/pub"), ShellNamespace::Purpose::Browse,
-                                [](ShellChild &&) { return true; }));
+    EXPECT_TRUE(shell.Enumerate(shell.Parse("smb://" + test::LoopbackPort().Place() + "/pub"),
+                                ShellNamespace::Purpose::Browse, [](ShellChild &&) { return true; }));
 }
 
 } // namespace

@@ -9,13 +9,11 @@ namespace {
 /// Another home folder for one test.
 class OtherHome : test::Pinned {
 public:
-    OtherHome() : m_former(HomeFolder()) { setenv("HOME", m_folder.Path().c_str(), 1); }
-    ~OtherHome() { setenv("HOME", m_former.c_str(), 1); }
     [[nodiscard]] test::TempFolder const &Folder() const { return m_folder; }
 
 private:
     test::TempFolder m_folder;
-    std::string m_former;
+    test::Environment m_home{{{"HOME", m_folder.Path()}}};
 };
 
 TEST(SpecialFolders, TheUsersFileWinsOverTheCustomaryNames) {

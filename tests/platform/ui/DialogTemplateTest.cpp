@@ -7,7 +7,6 @@
 #include <QtGui/QFont>
 #include <QtGui/QHelpEvent>
 #include <QtGui/QTextDocument>
-#include <QtWidgets/QComboBox>
 #include <QtWidgets/QDialog>
 #include <QtWidgets/QListWidget>
 #include <QtWidgets/QToolTip>

@@ -2,7 +2,6 @@
 
 #include "support/GuiTest.h"
 
-#include <QtCore/QTimer>
 #include <QtGui/QKeyEvent>
 #include <QtGui/QMouseEvent>
 

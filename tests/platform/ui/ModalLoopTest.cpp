@@ -6,7 +6,6 @@
 
 #include <QtGui/QScreen>
 #include <QtWidgets/QDialog>
-#include <QtWidgets/QMenu>
 #include <QtWidgets/QMessageBox>
 #include <QtWidgets/QVBoxLayout>
 

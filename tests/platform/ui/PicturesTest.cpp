@@ -7,7 +7,6 @@
 #include <QtCore/QBuffer>
 #include <QtGui/QBitmap>
 #include <QtGui/QGuiApplication>
-#include <QtGui/QPalette>
 
 namespace zelvar::platform {
 namespace {
