@@ -406,11 +406,19 @@ TEST_F(Travels, ABasketGathersAcrossFoldersAndOkYieldsItInOrder) {
             Press(rows, Qt::Key_Up, Qt::AltModifier);
             EXPECT_EQ(rows.OnGetItemText(0, 0), "y.tif");
             EXPECT_EQ(rows.OnGetItemText(0, 1), folder / "b");
-            auto const press = [&](char const *text) {
+            auto const named = [&](char const *text) {
+                QPushButton *found = nullptr;
                 for (QPushButton *const candidate : page.findChildren<QPushButton *>())
-                    if (candidate->text() == text)
-                        Click(candidate);
+                    found = candidate->text() == text ? candidate : found;
+                return found;
             };
+            auto const press = [&](char const *text) { Click(named(text)); };
+            for (char const *text : {"Move Down", "Move Up"}) {
+                named(text)->setFocus();
+                QTest::keyClick(named(text), Qt::Key_Space);
+                EXPECT_EQ(page.focusWidget(), named(text)) << "it is pressed again";
+            }
+            EXPECT_EQ(rows.OnGetItemText(0, 0), "y.tif");
             press("Save...");
             rows.SetItemState(-1, LVIS_SELECTED, LVIS_SELECTED);
             press("Remove");

@@ -10,6 +10,7 @@
 #include "zelvar/platform/ui/Text.h"
 #include "zelvar/views/RowDrag.h"
 
+#include <QtCore/QScopedValueRollback>
 #include <QtGui/QKeyEvent>
 #include <QtWidgets/QPushButton>
 
@@ -163,10 +164,14 @@ std::set<int> BasketDlg::Selected() const {
 
 void BasketDlg::Show(std::set<int> const &selected, int focus) {
     auto const count = static_cast<int>(m_basket.All().size());
-    m_list->SetItemState(-1, 0, LVIS_SELECTED);
-    m_list->SetNumRow(count, 0);
-    for (int const row : selected)
-        m_list->SetItemState(row, LVIS_SELECTED, LVIS_SELECTED);
+    {
+        // Between two selections nothing is selected: a button that went off for that would lose the focus.
+        QScopedValueRollback const filling(m_isFilling, true);
+        m_list->SetItemState(-1, 0, LVIS_SELECTED);
+        m_list->SetNumRow(count, 0);
+        for (int const row : selected)
+            m_list->SetItemState(row, LVIS_SELECTED, LVIS_SELECTED);
+    }
     if (count > 0) {
         int const row = std::clamp(focus, 0, count - 1);
         m_list->SetItemState(row, LVIS_FOCUSED, LVIS_FOCUSED);
@@ -180,6 +185,8 @@ void BasketDlg::Show(std::set<int> const &selected, int focus) {
 }
 
 void BasketDlg::ShowState() {
+    if (m_isFilling)
+        return;
     QWidget const *const focus = focusWidget();
     bool const isSelected = m_list->GetNumSlct() > 0;
     for (int const id : {kRemove, kUp, kDown})

@@ -43,6 +43,7 @@ private:
     Basket &m_basket;
     std::function<void(QWidget &)> m_keep;
     Rows *m_list = nullptr; ///< a child
+    bool m_isFilling = false;
     std::unique_ptr<RowDrag> m_drag;
 };
 
