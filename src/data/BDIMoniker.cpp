@@ -235,7 +235,7 @@ DString BDIMoniker::GetDisplayName() const {
     DString const source = GetSource();
     if (IsMapServiceAddress(m_text))
         for (auto const &[key, value] : GetOptions())
-            if (key == "LAYER" || key == "COVERAGE" || key == "TYPENAME")
+            if (key == "LAYER" || key == "COVERAGE" || key == "TYPENAME" || key == "GROUP")
                 return PercentDecoded(value);
     if (IsUrl()) {
         std::string_view const address = std::string_view(source).substr(0, source.find_last_not_of('/') + 1);

@@ -13,6 +13,7 @@
 #include "zelvar/data/gdal/services/ServiceDescription.h"
 #include "zelvar/data/reader/ConnectionNotes.h"
 #include "zelvar/data/reader/DriverModule.h"
+#include "zelvar/data/tables/ADIDriverMngr.h"
 #include "zelvar/data/tables/ADIFile.h"
 #include "zelvar/data/wire/SealedMemory.h"
 
@@ -189,6 +190,11 @@ TEST_F(RealMapServer, FeaturesAreRows) {
     EXPECT_FALSE(table.SetRow(kRows));
     EXPECT_EQ(Count("GetCapabilities"), 1);
     EXPECT_EQ(WhyNotShown(moniker).Why(), NotSupported);
+    ADIDriver *driver = nullptr;
+    void *handle = nullptr;
+    ASSERT_TRUE(ADIDriverMngr::Instance()->OpenTable({moniker, nullptr}, &driver, &handle, nullptr, "", nullptr));
+    EXPECT_EQ(driver->GetInfo(), "WFS") << "a driver of the service's readers alone";
+    driver->CloseTable(handle);
 }
 
 /// A WMS with that in its list of layers, whose maps are asked for at `place`.

@@ -100,6 +100,7 @@ TEST(Moniker, TheDisplayNameIsThatOfTheFileAndOfWhatIsInside) {
              {"HDF5:\"" + file + "\"://group/set", "a b.h5 group/set", "h5"},
              {"GTIFF_DIR:2:" + file, "a b.h5", "h5"},
              {"/gone/c", "c", ""},
+             {"wms+http://host/ows?map=a&GROUP=b%20c", "b c", ""},
              {"http://host/x/d%20e.tif?A=1", "d e.tif", "tif"}}) {
         EXPECT_EQ(BDIMoniker(text, nullptr).GetDisplayName(), name) << text;
         EXPECT_EQ(BDIMoniker(text, nullptr).GetFrmtExtn(false), extension) << text;

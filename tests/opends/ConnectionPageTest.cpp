@@ -281,15 +281,22 @@ TEST_F(ConnectionPages, FieldsOfAStoreAreThoseOfItsService) {
         page.Form()->SetKind(ConnectionKind::ObjectStore);
         EXPECT_EQ(page.Form()->Draft().secret, SecretPlace::Profile);
         auto *const service = dynamic_cast<QComboBox *>(page.Form()->Control("service"));
-        for (auto const &[choice, hasProfile, label] :
-             test::Rows<int, bool, char const *>{{1, false, "Key ID"}, {2, false, "Account"}, {0, true, "Key ID"}}) {
+        for (auto const &[choice, hasProfile, label, secret] :
+             test::Rows<int, bool, char const *, char const *>{{1, false, "Key ID", "Secret key"},
+                                                               {2, false, "Account", "Access key"},
+                                                               {0, true, "Key ID", "Secret key"}}) {
             service->setCurrentIndex(choice);
             EXPECT_EQ(page.Form()->Control("profile")->isVisible(), hasProfile) << choice;
             EXPECT_EQ(page.Form()->Control("key")->accessibleName(), label);
             EXPECT_EQ(page.Form()->Control("bucket")->accessibleName(), choice == 2 ? "Container" : "Bucket");
             EXPECT_EQ(page.Form()->Draft().secret, SecretPlace::Keyring);
             EXPECT_TRUE(page.Form()->Control("password")->isVisible());
+            EXPECT_EQ(page.Form()->Control("password")->accessibleName(), secret);
         }
+        // A name that was typed does not make it a connection that is there.
+        QTest::keyClicks(page.Form()->Control("name"), "mine");
+        page.Form()->SetKind(ConnectionKind::WebFolder);
+        EXPECT_EQ(dynamic_cast<QLineEdit *>(page.Form()->Control("password"))->placeholderText(), "");
     });
 }
 

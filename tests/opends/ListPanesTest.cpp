@@ -11,6 +11,7 @@
 #include "zelvar/opends/DataSourceList.h"
 #include "zelvar/opends/HierarchyList.h"
 #include "zelvar/opends/NetworkScanner.h"
+#include "zelvar/opends/WantedRow.h"
 #include "zelvar/platform/ui/UserMessages.h"
 
 #include <QtGui/QContextMenuEvent>
@@ -73,6 +74,23 @@ struct ListPanes : testing::Test {
     std::shared_ptr<ScriptedShellNamespace> shell = std::make_shared<ScriptedShellNamespace>();
     Coordinator coordinator;
 };
+
+TEST_F(ListPanes, AWantedRowIsTheOneOfItsNameElseOneThatHasMoreOptions) {
+    auto const list = Listed({"/data/h?COLUMN=a", "/data/h2", "/data/k", "/data/k?A=1&B=2", "/data/k?C=3"});
+    for (auto const &[wanted, selected] : Rows<char const *, DString>{{"/data/h", "h?COLUMN=a"},
+                                                                      {"/data/k", "k"},
+                                                                      {"/data/k?A=1", "k"},
+                                                                      {"/data/k?C=3&D=4", "k?C=3"},
+                                                                      {"/data/n", ""}}) {
+        list->SelectPaths({});
+        WantedRow row;
+        row.Want(wanted, *list);
+        row.Update(*list, false);
+        ItemList items;
+        list->GetSelectedItems(items);
+        EXPECT_EQ(items.empty() ? "" : items.front()->GetName(), selected) << wanted;
+    }
+}
 
 TEST_F(ListPanes, FilesAreListedInNaturalOrderAndNothingTwice) {
     shell->AddFolder("/data/sub");

@@ -7,6 +7,9 @@
 #include "zelvar/data/wire/SortedRows.h"
 
 #include <algorithm>
+#include <map>
+#include <memory>
+#include <mutex>
 #include <utility>
 
 namespace zelvar {
@@ -63,6 +66,25 @@ Said *SaidIn(Readers::Answer const &answer, Table const &table, DError *error) {
     return nullptr;
 }
 
+/// What stands for a driver that only readers of its connections have, as one of a service, which is none of ours; null
+/// for a name that is none. Any of these serves every handle; what differs is what they are called.
+RemoteTableDriver *StandInFor(DString const &id, DString const &family) {
+    constexpr std::size_t kMostNames = 100; // a reader may tell anything
+    constexpr std::size_t kLongest = 64;    // bytes
+    static std::mutex mutex;
+    static std::map<DString, std::unique_ptr<RemoteTableDriver>> known; // for ever
+    std::lock_guard const lock(mutex);
+    if (auto const at = known.find(id); at != known.end())
+        return at->second.get();
+    if (id.empty() || id.size() > kLongest || known.size() >= kMostNames)
+        return nullptr;
+    wire::DriverFactsT facts;
+    facts.id = id;
+    facts.info = ToValidUtf8(id);
+    facts.family = family;
+    return known.emplace(id, std::make_unique<RemoteTableDriver>(std::move(facts))).first->second.get();
+}
+
 } // namespace
 
 void *RemoteTableDriver::Open(BDIMoniker const &moniker, ADIDriver **opener, StopSignal const *stop, DError *error,
@@ -79,7 +101,9 @@ void *RemoteTableDriver::Open(BDIMoniker const &moniker, ADIDriver **opener, Sto
         table->keepsPlaces = opened->keepsPlaces;
         table->columns = ColumnsFrom(std::move(*opened));
         ADIDriver *const named = ADIDriverMngr::Instance()->GetDriver(opened->driver.c_str());
-        *opener = dynamic_cast<RemoteTableDriver *>(named) != nullptr ? named : this;
+        auto *opens =
+            named == nullptr ? StandInFor(opened->driver, m_facts.family) : dynamic_cast<RemoteTableDriver *>(named);
+        *opener = opens == nullptr ? this : opens;
         return table.release();
     }
     Readers::Instance().SayNotOpened(moniker.GetText(), answer, error);
