@@ -44,6 +44,7 @@ constexpr std::array kChoices{
     ChoiceWords{"sslmode", "verify-full", Mark("Always, by a known authority for this host")},
     ChoiceWords{"tables", "all", Mark("All")},
     ChoiceWords{"tables", "geometry", Mark("Only with geometry")},
+    ChoiceWords{"addressing", "auto", Mark("By the endpoint")},
     ChoiceWords{"addressing", "virtual", Mark("Bucket in the host's name")},
     ChoiceWords{"addressing", "path", Mark("Bucket in the path")},
     ChoiceWords{"unsigned", "no", Mark("No")},

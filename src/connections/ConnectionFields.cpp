@@ -41,7 +41,7 @@ constexpr ConnectionField kFields[] = {
     {Kind::ObjectStore, "key", Mark("Key ID"), Place::Address},
     {Kind::ObjectStore, "endpoint", Mark("Endpoint"), Place::Attribute, Rule::Endpoint},
     {Kind::ObjectStore, "region", Mark("Region"), Place::Attribute},
-    {Kind::ObjectStore, "addressing", Mark("Addressing"), Place::Attribute, Rule::Choice, "virtual|path"},
+    {Kind::ObjectStore, "addressing", Mark("Addressing"), Place::Attribute, Rule::Choice, "auto|virtual|path"},
     {Kind::ObjectStore, "unsigned", Mark("Without signature"), Place::Attribute, Rule::Choice, "no|yes"},
     {Kind::ObjectStore, "ca", Mark("Certificates of the authority"), Place::Attribute, Rule::FullPath},
     {Kind::ObjectStore, "fingerprint", Mark("Accepted certificate"), Place::Attribute, Rule::Fingerprint},

@@ -67,7 +67,8 @@ struct OtherStores : test::RealDriversTest, testing::WithParamInterface<Speech> 
                               .options = {{"service", GetParam().service},
                                           {"key", "acc"},
                                           {"endpoint", "127.0.0.1:" + std::to_string(m_server.Port())},
-                                          {"https", "no"}}, // by its number: in the path
+                                          {"https", "no"},
+                                          {"addressing", "auto"}}, // by its number: in the path
                               .secrets = {{"key", secret}}};
         for (auto const &[key, value] : others)
             terms.options[key] = value;

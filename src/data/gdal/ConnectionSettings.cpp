@@ -55,14 +55,14 @@ bool IsNumber(DString const &endpoint) {
 
 bool IsInPath(ConnectionTerms const &terms) {
     DString const addressing = ValueOf(terms.options, "addressing");
-    return addressing.empty() ? IsNumber(ValueOf(terms.options, "endpoint")) : addressing == "path";
+    return addressing == "path" || (addressing != "virtual" && IsNumber(ValueOf(terms.options, "endpoint")));
 }
 
 void TellOfAmazon(ConnectionTerms const &terms) {
     SetAll(terms.options, kOfAmazon);
     SetAll(terms.secrets, kSecretsOfAmazon);
-    if (bool const isInPath = IsInPath(terms); isInPath || !ValueOf(terms.options, "addressing").empty())
-        CPLSetConfigOption("AWS_VIRTUAL_HOSTING", isInPath ? "NO" : "YES");
+    if (bool const isInPath = IsInPath(terms); isInPath || ValueOf(terms.options, "addressing") == "virtual")
+        CPLSetConfigOption("AWS_VIRTUAL_HOSTING", isInPath ? "NO" : "YES"); // else as it is set outside
     if (ValueOf(terms.options, "https") == "no")
         CPLSetConfigOption("AWS_HTTPS", "NO");
     if (IsUnsigned(terms))
